@@ -1,0 +1,31 @@
+#pragma once
+
+// 8-bit text in the process's code page: 936 (GBK) unless the host chose 65001 (see Host.h). Conversions of
+// code page 936 go through GB18030, its superset, so that every Unicode text survives the round trip.
+// All operations may be called from any thread.
+
+#include "../KXExport.h"
+#include "Types.h"
+
+inline constexpr UINT CP_ACP = 0; // whatever GetACP() gives
+inline constexpr UINT CP_UTF8 = 65001;
+inline constexpr UINT CP_GBK = 936;
+
+// The process's code page, 936 or 65001.
+KX_API UINT GetACP() noexcept;
+
+// Non-zero if the byte begins a double-byte character of the process's code page; always 0 in 65001.
+KX_API int IsDBCSLeadByte(BYTE ch) noexcept;
+
+// Converts 8-bit text to UTF-16. `nSource` is in bytes, -1 for a text that ends in a NUL, which is then
+// converted along. With `nTarget` 0 nothing is written. Bytes that are no character become U+FFFD.
+// Returns the count of UTF-16 units written or needed; 0 for an unknown code page, a null or empty source,
+// or a target that is too small (ERROR_INSUFFICIENT_BUFFER; the target holds nothing usable then).
+KX_API int MultiByteToWideChar(UINT nCodePage, DWORD dwFlags, const char* pszSource, int nSource,
+                               WCHAR* pTarget, int nTarget);
+
+// The way back, with the same rules; characters that the code page lacks become "?". The two last
+// arguments of the platform's call are accepted and ignored.
+KX_API int WideCharToMultiByte(UINT nCodePage, DWORD dwFlags, const WCHAR* pSource, int nSource,
+                               char* pszTarget, int nTarget, const char* pszDefault = nullptr,
+                               int* pbUsedDefault = nullptr);

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "Types.h"
+
+struct POINT
+{
+    LONG x = 0;
+    LONG y = 0;
+    friend bool operator==(const POINT&, const POINT&) = default;
+};
+
+struct SIZE
+{
+    LONG cx = 0;
+    LONG cy = 0;
+    friend bool operator==(const SIZE&, const SIZE&) = default;
+};
+
+// Right and bottom are exclusive.
+struct RECT
+{
+    LONG left = 0;
+    LONG top = 0;
+    LONG right = 0;
+    LONG bottom = 0;
+    friend bool operator==(const RECT&, const RECT&) = default;
+};
+
+class CPoint : public POINT
+{
+public:
+    CPoint() = default;
+    CPoint(int nX, int nY) : POINT{nX, nY} {}
+    CPoint(const POINT& pt) : POINT(pt) {}
+};
+
+class CSize : public SIZE
+{
+public:
+    CSize() = default;
+    CSize(int nCx, int nCy) : SIZE{nCx, nCy} {}
+    CSize(const SIZE& size) : SIZE(size) {}
+};
+
+class CRect : public RECT
+{
+public:
+    CRect() = default;
+    CRect(int nLeft, int nTop, int nRight, int nBottom) : RECT{nLeft, nTop, nRight, nBottom} {}
+    CRect(const RECT& rc) : RECT(rc) {}
+
+    int Width() const { return right - left; }
+    int Height() const { return bottom - top; }
+};
+
+// Red in the low byte, then green, then blue; the high byte is 0.
+using COLORREF = DWORD;
+
+constexpr COLORREF RGB(unsigned nRed, unsigned nGreen, unsigned nBlue)
+{
+    return (nRed & 0xFFu) | (nGreen & 0xFFu) << 8 | (nBlue & 0xFFu) << 16;
+}

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "../KXExport.h"
+#include "Types.h"
+
+inline constexpr UINT MB_OK = 0;
+inline constexpr int IDOK = 1;
+
+// Shows a message and waits for its answer. Without a desktop to show it on the message is recorded for the
+// host (Host.h), and the result is IDOK at once. `pszText` null counts as empty. Any thread.
+KX_API int AfxMessageBox(const char* pszText, UINT nType = MB_OK, UINT nHelpId = 0);

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "../KXExport.h"
+#include "String.h"
+
+#include <cstdint>
+
+// A date and time of day without a zone: a count of days since 1899-12-30 with the time as its fraction
+// (of the absolute value, for days before that), and a status. Years 100 to 9999.
+class KX_API COleDateTime
+{
+public:
+    enum DateTimeStatus
+    {
+        valid = 0,
+        invalid = 1,
+        null = 2,
+    };
+
+    // 1899-12-30 00:00:00, valid.
+    COleDateTime() = default;
+    explicit COleDateTime(double dDays);
+    COleDateTime(int nYear, int nMonth, int nDay, int nHour, int nMin, int nSec);
+    // Local time of an instant; invalid when it can't be converted.
+    static COleDateTime FromTime(std::int64_t nTime);
+    // Local time of the clock's present instant.
+    static COleDateTime GetCurrentTime();
+
+    // Sets the value from six fields. Valid only if the day count made of them converts back to the very
+    // same six; otherwise the count becomes 0 and the status invalid. Returns the status' number.
+    int SetDateTime(int nYear, int nMonth, int nDay, int nHour, int nMin, int nSec);
+
+    DateTimeStatus GetStatus() const noexcept { return m_status; }
+    void SetStatus(DateTimeStatus status) noexcept { m_status = status; }
+    double GetDays() const noexcept { return m_dt; }
+    operator double() const noexcept { return m_dt; }
+
+    // The fields; -1 unless the status is valid.
+    int GetYear() const;
+    int GetMonth() const;
+    int GetDay() const;
+    int GetHour() const;
+    int GetMinute() const;
+    int GetSecond() const;
+
+    // A strftime form of the value. Null gives the empty string; invalid, or a count that is no date, gives
+    // entry 55296 of the application's string table (Module.h) or, without one, "Invalid DateTime".
+    CString Format(const char* pszFormat) const;
+
+    friend bool operator==(const COleDateTime&, const COleDateTime&) = default;
+
+    double m_dt = 0;
+    DateTimeStatus m_status = valid;
+};

@@ -1,0 +1,42 @@
+#pragma once
+
+// What the desktop shows of a path: its name, its type's text and its icon, by the system's content types.
+
+#include "../KXExport.h"
+#include "Types.h"
+
+using HICON = struct HICON__*;
+
+struct SHFILEINFOA
+{
+    HICON hIcon;
+    int iIcon;
+    DWORD dwAttributes;
+    char szDisplayName[MAX_PATH];
+    char szTypeName[80];
+};
+
+inline constexpr UINT SHGFI_LARGEICON = 0x0;
+inline constexpr UINT SHGFI_SMALLICON = 0x1;
+inline constexpr UINT SHGFI_DISPLAYNAME = 0x200;
+inline constexpr UINT SHGFI_TYPENAME = 0x400;
+inline constexpr UINT SHGFI_SYSICONINDEX = 0x4000;
+
+// The system image list, one of large (32 pixels) and one of small (16 pixels) icons; both live as long as
+// the process and use the same indices, each naming an icon of the desktop's icon theme.
+struct _IMAGELIST;
+
+// Fills what the flags ask for and leaves the rest of the record; `cbInfo` is the record's size. With
+// SHGFI_SYSICONINDEX the result is the image list of the asked size (an _IMAGELIST*), otherwise non-zero. 0
+// for a path that doesn't exist, with the asked fields empty and the index 0. Texts are cut to their fields
+// at a character. Any thread.
+KX_API std::uintptr_t SHGetFileInfoA(const char* pszPath, DWORD dwAttributes, SHFILEINFOA* pInfo, UINT cbInfo,
+                                     UINT nFlags);
+
+// How many icons the list has so far; 0 for null.
+KX_API int ImageList_GetImageCount(const _IMAGELIST* pList);
+// The icons' width and height in pixels; 0 on null pointers.
+KX_API int ImageList_GetIconSize(const _IMAGELIST* pList, int* pnWidth, int* pnHeight);
+// The icon theme's names of an icon, best first, divided by blanks; empty for an index out of range. The
+// text lives as long as the process.
+KX_API const char* ImageList_GetIconName(const _IMAGELIST* pList, int nIndex);

@@ -1,0 +1,49 @@
+#pragma once
+
+// The platform's plain types. Those that stand for a memory layout have a fixed width; signatures elsewhere
+// keep `long` and `unsigned long`, which hold a pointer here.
+
+#include <cstdint>
+
+using BOOL = int;
+using BYTE = std::uint8_t;
+using WORD = std::uint16_t;
+using DWORD = std::uint32_t;
+using LONG = std::int32_t;
+using UINT = unsigned int;
+using WCHAR = char16_t;
+using LPCSTR = const char*;
+using LPSTR = char*;
+
+using WPARAM = std::uintptr_t;
+using LPARAM = std::intptr_t;
+using LRESULT = std::intptr_t;
+
+// Handles are opaque; null is never a valid one.
+using HANDLE = void*;
+using HINSTANCE = struct HINSTANCE__*;
+using HMODULE = HINSTANCE;
+using HWND = struct HWND__*;
+using HDESK = struct HDESK__*;
+using HKEY = struct HKEY__*;
+using HRSRC = struct HRSRC__*;
+using HGLOBAL = void*;
+
+// What a failed search gives in place of a handle.
+inline const HANDLE INVALID_HANDLE_VALUE = reinterpret_cast<HANDLE>(std::intptr_t{-1});
+
+#ifndef TRUE
+#define TRUE 1
+#endif
+#ifndef FALSE
+#define FALSE 0
+#endif
+
+// Size of every path buffer, terminator included.
+inline constexpr int MAX_PATH = 260;
+
+struct FILETIME
+{
+    DWORD dwLowDateTime;
+    DWORD dwHighDateTime;
+};

@@ -1,0 +1,32 @@
+#pragma once
+
+// The version of an executable file: the fixed version record of a PE image's version resource, or an ELF
+// file's note of name "KXVersion" (kx_file_version in CMake puts it there). Any thread.
+
+#include "../KXExport.h"
+#include "Types.h"
+
+struct VS_FIXEDFILEINFO
+{
+    DWORD dwSignature; // 0xFEEF04BD
+    DWORD dwStrucVersion;
+    DWORD dwFileVersionMS; // major and minor, in the high and the low word
+    DWORD dwFileVersionLS; // revision and build, likewise
+    DWORD dwProductVersionMS;
+    DWORD dwProductVersionLS;
+    DWORD dwFileFlagsMask;
+    DWORD dwFileFlags;
+    DWORD dwFileOS;
+    DWORD dwFileType;
+    DWORD dwFileSubtype;
+    DWORD dwFileDateMS;
+    DWORD dwFileDateLS;
+};
+
+// The size of the block that GetFileVersionInfoA fills; 0 for a file without a version.
+KX_API DWORD GetFileVersionInfoSizeA(const char* pszFile, DWORD* pdwHandle);
+// Non-zero if the block was filled.
+KX_API int GetFileVersionInfoA(const char* pszFile, DWORD dwHandle, DWORD nSize, void* pBlock);
+// With the sub-block "\": points `*ppRecord` at the VS_FIXEDFILEINFO inside the block. 0 for another
+// sub-block or a block that GetFileVersionInfoA didn't fill.
+KX_API int VerQueryValueA(const void* pBlock, const char* pszSubBlock, void** ppRecord, UINT* pnSize);

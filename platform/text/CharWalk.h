@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+// Walking 8-bit text by characters. A lead byte and a valid trail byte are one character of code page 936;
+// anything else, a stray lead byte too, is a character of one byte.
+
+namespace kx::text {
+
+// Whether the process's code page has double-byte characters.
+bool IsDoubleByte() noexcept;
+
+inline bool IsLead(char ch) noexcept
+{
+    const auto byte = static_cast<unsigned char>(ch);
+    return byte >= 0x81 && byte <= 0xFE;
+}
+
+inline bool IsTrail(char ch) noexcept
+{
+    const auto byte = static_cast<unsigned char>(ch);
+    return byte >= 0x40 && byte <= 0xFE && byte != 0x7F;
+}
+
+// The length in bytes of the character at `text[pos]`, which is inside the text.
+inline std::size_t CharLength(std::string_view text, std::size_t pos, bool bDoubleByte) noexcept
+{
+    const bool bPair =
+        bDoubleByte && IsLead(text[pos]) && pos + 1 < text.size() && IsTrail(text[pos + 1]);
+    return bPair ? 2 : 1;
+}
+
+// Whether a character begins at `text[pos]`, by the bytes before it.
+inline bool IsCharStart(std::string_view text, std::size_t pos, bool bDoubleByte) noexcept
+{
+    if (!bDoubleByte || pos >= text.size() || !IsTrail(text[pos])) return true;
+    std::size_t leads = 0;
+    while (leads < pos && IsLead(text[pos - 1 - leads])) ++leads;
+    return leads % 2 == 0;
+}
+
+constexpr bool IsSpace(char ch) noexcept
+{
+    return ch == ' ' || (ch >= '\t' && ch <= '\r');
+}
+
+constexpr char ToLower(char ch) noexcept
+{
+    return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch + ('a' - 'A')) : ch;
+}
+
+// Position of the first occurrence that begins a character, npos without one.
+std::size_t Find(std::string_view text, char ch, std::size_t start = 0) noexcept;
+std::size_t Find(std::string_view text, std::string_view sub, std::size_t start = 0) noexcept;
+
+// White space cut from both ends; it never is a trail byte.
+std::string_view Trim(std::string_view text) noexcept;
+
+// ASCII letters folded, trail bytes left alone: negative, 0 or positive in byte order.
+int CompareNoCase(std::string_view a, std::string_view b) noexcept;
+
+// The longest head of the text that has at most `max` bytes and ends with a whole character.
+std::string_view CutAtChar(std::string_view text, std::size_t max) noexcept;
+
+// Copies a text into a buffer of `size` bytes, cut at a character and ended. Returns the bytes copied;
+// nothing is written into a buffer of none.
+std::size_t CopyCut(std::string_view text, char* buffer, std::size_t size) noexcept;
+
+} // namespace kx::text

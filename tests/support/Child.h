@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace test {
+
+// A child program of the tests (a ...Child.cpp), by the name of its file.
+class Child
+{
+public:
+    // Starts it. `env` adds "NAME=value" settings. With `captureError` its standard error is collected.
+    Child(const std::string& name, std::vector<std::string> args, std::vector<std::string> env = {},
+          bool captureError = false);
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+    ~Child();
+
+    pid_t Pid() const { return m_pid; }
+    void Kill();
+    // Waits for its end and returns its exit code, or 128 plus the signal that ended it.
+    int Wait();
+    // What it wrote to its standard error; complete after Wait.
+    const std::string& ErrorText() const { return m_error; }
+
+private:
+    pid_t m_pid = -1;
+    int m_pipe = -1;
+    std::string m_error;
+};
+
+} // namespace test

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "include/platform/CodePage.h"
+#include "include/platform/Host.h"
+
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+// Scopes that steer the platform layer and put it back as it was.
+namespace test {
+
+class VirtualClock
+{
+public:
+    explicit VirtualClock(std::int64_t wall = 1'700'000'000,
+                          KXHost::VirtualSleep sleep = KXHost::VirtualSleep::Blocks)
+    {
+        KXHost::UseVirtualClock(wall, sleep);
+    }
+    VirtualClock(const VirtualClock&) = delete;
+    VirtualClock& operator=(const VirtualClock&) = delete;
+    ~VirtualClock() { KXHost::UseRealClock(); }
+};
+
+class CodePage
+{
+public:
+    explicit CodePage(UINT page) : m_old(GetACP()) { KXHost::SetCodePage(page); }
+    CodePage(const CodePage&) = delete;
+    CodePage& operator=(const CodePage&) = delete;
+    ~CodePage() { KXHost::SetCodePage(m_old); }
+
+private:
+    UINT m_old;
+};
+
+// Collects what goes to the debug channel.
+class DebugText
+{
+public:
+    DebugText()
+        : m_id(KXHost::AddDebugObserver([this](std::string_view text) {
+              std::lock_guard lock(m_lock);
+              m_text += text;
+          }))
+    {
+    }
+    DebugText(const DebugText&) = delete;
+    DebugText& operator=(const DebugText&) = delete;
+    ~DebugText() { KXHost::RemoveDebugObserver(m_id); }
+
+    std::string Text() const
+    {
+        std::lock_guard lock(m_lock);
+        return m_text;
+    }
+
+private:
+    mutable std::mutex m_lock;
+    std::string m_text;
+    int m_id;
+};
+
+} // namespace test

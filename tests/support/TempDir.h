@@ -1,0 +1,38 @@
+#pragma once
+
+#include "include/platform/String.h"
+
+#include <string>
+#include <string_view>
+
+namespace test {
+
+// A directory of its own below the system's temporary one, removed with all it holds at the end.
+class TempDir
+{
+public:
+    TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+    ~TempDir();
+
+    // The Linux path, without a trailing slash.
+    const std::string& Path() const { return m_path; }
+    std::string Path(std::string_view relative) const;
+    // The same as a path of the library: `C:\tmp\...`; `relative` is in backslashes.
+    CString Win(std::string_view relative = {}) const;
+
+    // Make a directory, or a file with its directories, by a relative Linux path.
+    void MakeDir(std::string_view relative) const;
+    std::string Write(std::string_view relative, std::string_view content) const;
+    std::string Read(std::string_view relative) const;
+    bool Exists(std::string_view relative) const;
+
+private:
+    std::string m_path;
+};
+
+// A whole file; empty if it can't be read.
+std::string ReadFile(const std::string& path);
+
+} // namespace test
