@@ -1,7 +1,8 @@
 #pragma once
 
 // The version of an executable file: the fixed version record of a PE image's version resource, or an ELF
-// file's note of name "KXVersion" (kx_file_version in CMake puts it there). Any thread.
+// file's note of name "KXVersion" (kx_file_version in CMake puts it there). Only regular files are read, and
+// of those the headers alone. Any thread.
 
 #include "../KXExport.h"
 #include "Types.h"
@@ -23,10 +24,13 @@ struct VS_FIXEDFILEINFO
     DWORD dwFileDateLS;
 };
 
-// The size of the block that GetFileVersionInfoA fills; 0 for a file without a version.
+// The size in bytes of the block that GetFileVersionInfoA fills. `pdwHandle` may be null and becomes 0. 0 for a
+// file without a version (ERROR_RESOURCE_DATA_NOT_FOUND) or one that can't be read.
 KX_API DWORD GetFileVersionInfoSizeA(const char* pszFile, DWORD* pdwHandle);
-// Non-zero if the block was filled.
+// Fills the caller's block of `nSize` bytes; `dwHandle` is ignored. Non-zero if it was filled; 0, with the
+// block untouched, also when it is too small (ERROR_INSUFFICIENT_BUFFER).
 KX_API int GetFileVersionInfoA(const char* pszFile, DWORD dwHandle, DWORD nSize, void* pBlock);
-// With the sub-block "\": points `*ppRecord` at the VS_FIXEDFILEINFO inside the block. 0 for another
-// sub-block or a block that GetFileVersionInfoA didn't fill.
+// With the sub-block "\": points `*ppRecord` at the VS_FIXEDFILEINFO inside the block and gives its size in
+// `*pnSize`, which may be null. 0, with both untouched, for another sub-block or a block that
+// GetFileVersionInfoA didn't fill.
 KX_API int VerQueryValueA(const void* pBlock, const char* pszSubBlock, void** ppRecord, UINT* pnSize);

@@ -135,9 +135,9 @@ CString& CString::operator+=(const char* psz)
 CString& CString::Append(std::string_view str)
 {
     if (str.empty()) return *this;
-    const CString keep(*this); // the text may point into this very buffer
     const std::size_t old = View().size();
-    if (str.data() < m_pszData || str.data() > m_pszData + old) const_cast<CString&>(keep).Empty();
+    CString keep; // a text that points into this very buffer needs it to live on
+    if (str.data() >= m_pszData && str.data() <= m_pszData + old) keep = *this;
     MakeWritable(old + str.size());
     std::memcpy(m_pszData + old, str.data(), str.size());
     SetLength(old + str.size());

@@ -1,0 +1,124 @@
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iomanip>
+#include <map>
+#include <string>
+#include <vector>
+
+// Runs all pairs. A benchmark is named WORK/ours or WORK/PEER; repetitions of all of them alternate at random, so
+// that a busy machine disturbs both sides alike. A row of the table is a work, the median times of both, and
+// how many times faster we are; only that ratio says anything on a shared machine.
+
+namespace {
+
+// What a row is meant to reach: the least ratio.
+const std::map<std::string, double> aims = {
+    {"log_drain_1_producer/spdlog", 2},
+    {"log_drain_4_producers/spdlog", 10},
+    {"log_caller_1_producer/spdlog", 2},
+    {"ini_read100/stat", 1 / 1.3},
+    {"ini_read100/gkeyfile", 15},
+    {"ini_cold/gkeyfile", 1},
+    {"text_1_thread/map_and_mutex", 1},
+    {"text_4_threads/map_and_mutex", 1.5},
+    {"text_load/read_and_split", 0.5},
+};
+
+struct Row
+{
+    std::string work;
+    std::string peer;
+    double ours = 0;
+    double theirs = 0;
+    double Ratio() const { return theirs / ours; }
+    double Aim() const
+    {
+        const auto found = aims.find(work + "/" + peer);
+        return found != aims.end() ? found->second : 0;
+    }
+};
+
+class Pairs : public benchmark::BenchmarkReporter
+{
+public:
+    bool ReportContext(const Context&) override { return true; }
+    void ReportRuns(const std::vector<Run>& runs) override
+    {
+        for (const Run& run : runs) {
+            if (run.run_type != Run::RT_Iteration || run.error_occurred) continue;
+            const std::string& name = run.run_name.function_name;
+            const auto slash = name.find('/');
+            m_times[name.substr(0, slash)][name.substr(slash + 1)].push_back(
+                run.real_accumulated_time * 1e9 / static_cast<double>(run.iterations));
+        }
+    }
+    std::vector<Row> Rows()
+    {
+        std::vector<Row> rows;
+        for (auto& [work, sides] : m_times)
+            for (auto& [side, times] : sides)
+                if (side != "ours") rows.push_back({work, side, Median(sides["ours"]), Median(times)});
+        return rows;
+    }
+
+private:
+    static double Median(std::vector<double>& times)
+    {
+        std::sort(times.begin(), times.end());
+        return times.empty() ? 0 : times[times.size() / 2];
+    }
+
+    std::map<std::string, std::map<std::string, std::vector<double>>> m_times;
+};
+
+void Print(const std::vector<Row>& rows)
+{
+    std::printf("%-24s %12s   %-15s %12s %8s %8s\n", "work", "ours (us)", "peer", "peer (us)", "ratio", "aim");
+    for (const Row& row : rows) {
+        const bool bShort = row.Ratio() < row.Aim();
+        std::printf("%-24s %12.3f   %-15s %12.3f %8.2f %8.2f%s\n", row.work.c_str(), row.ours / 1000,
+                    row.peer.c_str(), row.theirs / 1000, row.Ratio(), row.Aim(), bShort ? "  short of it" : "");
+    }
+}
+
+void WriteJson(const std::vector<Row>& rows, const char* pszFile)
+{
+    std::ofstream file(pszFile);
+    file << std::setprecision(9) << "[";
+    const char* pszSeparator = "\n";
+    for (const Row& row : rows) {
+        file << pszSeparator << R"(  {"work": ")" << row.work << R"(", "ours_ns": )" << row.ours << R"(, "peer": ")"
+             << row.peer << R"(", "peer_ns": )" << row.theirs << R"(, "ratio": )" << row.Ratio() << R"(, "aim": )"
+             << row.Aim() << "}";
+        pszSeparator = ",\n";
+    }
+    file << "\n]\n";
+}
+
+} // namespace
+
+// --json FILE writes the rows there too; --only TEXT runs the works whose names match it.
+int main(int argc, char** argv)
+{
+    const char* pszJson = nullptr;
+    std::string filter = "--benchmark_filter=.";
+    for (int n = 1; n + 1 < argc; ++n) {
+        if (std::strcmp(argv[n], "--json") == 0) pszJson = argv[n + 1];
+        if (std::strcmp(argv[n], "--only") == 0) filter = std::string("--benchmark_filter=") + argv[n + 1];
+    }
+    std::string interleave = "--benchmark_enable_random_interleaving=true";
+    std::string repeat = "--benchmark_repetitions=9";
+    std::string least = "--benchmark_min_time=0.02";
+    std::vector<char*> args{argv[0], filter.data(), interleave.data(), repeat.data(), least.data(), nullptr};
+    int nArgs = static_cast<int>(args.size()) - 1;
+    benchmark::Initialize(&nArgs, args.data());
+    Pairs pairs;
+    benchmark::RunSpecifiedBenchmarks(&pairs);
+    const auto rows = pairs.Rows();
+    Print(rows);
+    if (pszJson) WriteJson(rows, pszJson);
+    return rows.empty() ? 1 : 0;
+}

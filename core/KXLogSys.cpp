@@ -1,0 +1,163 @@
+#include "KXLogSys.h"
+
+#include "KXAutoLock.h"
+#include "core/LogLine.h"
+#include "platform/Debug.h"
+
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <new>
+#include <utility>
+
+CKXLogSys* CKXLogSys::s_pInstance = nullptr;
+
+CKXLogSys* CKXLogSys::GetSingletonPtr()
+{
+    if (!s_pInstance) s_pInstance = new (std::nothrow) CKXLogSys; // owned by s_auto_ptr from its constructor on
+    return s_pInstance;
+}
+
+CKXLogSys::CKXLogSys()
+{
+    s_auto_ptr.reset(this);
+    OutputDebugStringA("CKXLogSys Construction!\n");
+}
+
+CKXLogSys::~CKXLogSys()
+{
+    OutputDebugStringA("CKXLogSys Deconstruction!\n");
+    StopThread(); // a writer that the client left running must not outlive what it works on
+}
+
+int CKXLogSys::Initialize(CString const& strFilePath)
+{
+    if (m_hWakeEvent) return 0;
+    if (!m_fileLog.Open(strFilePath, CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite)) return 0;
+    m_hWakeEvent = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    m_hStopEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    StartThread();
+    return 1;
+}
+
+void CKXLogSys::Uninitialize()
+{
+    StopThread();
+    for (HANDLE* pEvent : {&m_hWakeEvent, &m_hStopEvent})
+        if (HANDLE hEvent = std::exchange(*pEvent, nullptr)) CloseHandle(hEvent);
+    try {
+        m_fileLog.Close();
+    } catch (CException* pException) { // the last block can't be written: lost, as any other would be
+        pException->Delete();
+    }
+}
+
+int CKXLogSys::StartThread()
+{
+    if (!m_hThread)
+        m_hThread = reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, WriteLogThread, this, 0, nullptr));
+    return 1;
+}
+
+int CKXLogSys::StopThread()
+{
+    if (!m_hThread) return 1;
+    SetEvent(m_hStopEvent); // first, so that the writer, once awake, finds it
+    SetEvent(m_hWakeEvent);
+    WaitForSingleObject(m_hThread, INFINITE);
+    CloseHandle(std::exchange(m_hThread, nullptr));
+    return 1;
+}
+
+void CKXLogSys::PushLog(LogLevel level, CString const& strLog)
+{
+    if (level < 1) return;
+    PushLine(kx::log::MakeLine(level, strLog.View()));
+}
+
+void CKXLogSys::PushLogEx(LogLevel level, char const* format, ...)
+{
+    if (level < 1 || !format) return;
+    std::array<char, 1024> fixed;
+    va_list args;
+    va_list again;
+    va_start(args, format);
+    va_copy(again, args);
+    const int length = std::vsnprintf(fixed.data(), fixed.size(), format, args);
+    if (length < 0) {
+        PushLine(kx::log::MakeLine(level, format));
+    } else if (static_cast<std::size_t>(length) < fixed.size()) {
+        PushLine(kx::log::MakeLine(level, {fixed.data(), static_cast<std::size_t>(length)}));
+    } else {
+        CString strMessage;
+        strMessage.FormatV(format, again);
+        PushLine(kx::log::MakeLine(level, strMessage.View()));
+    }
+    va_end(again);
+    va_end(args);
+}
+
+// Everything that takes time is done before the lock: the line is formatted and its node allocated.
+void CKXLogSys::PushLine(CString strLine)
+{
+    std::list<CString> node;
+    node.push_back(std::move(strLine));
+    const CKXAutoLock lock(&m_lockLog);
+    m_listLog.splice(m_listLog.end(), node);
+    SetEvent(m_hWakeEvent);
+}
+
+int CKXLogSys::GetNextLog(CString& strLog)
+{
+    if (m_listTaken.empty()) {
+        const CKXAutoLock lock(&m_lockLog);
+        m_listTaken.swap(m_listLog);
+    }
+    if (m_listTaken.empty()) return 0;
+    strLog = std::move(m_listTaken.front());
+    m_listTaken.pop_front();
+    return 1;
+}
+
+unsigned CKXLogSys::WriteLogThread(void* pParam)
+{
+    return pParam ? static_cast<CKXLogSys*>(pParam)->WriteLogThreadFunc() : 0;
+}
+
+unsigned CKXLogSys::WriteLogThreadFunc()
+{
+    const auto isStopped = [this] { return WaitForSingleObject(m_hStopEvent, 0) == WAIT_OBJECT_0; };
+    while (WaitForSingleObject(m_hWakeEvent, INFINITE) == WAIT_OBJECT_0 && !isStopped()) {
+        CString strLine;
+        while (!isStopped() && GetNextLog(strLine)) WriteLine(strLine);
+        FlushFile();
+        if (isStopped()) break;
+    }
+    GiveBack();
+    return 0;
+}
+
+void CKXLogSys::WriteLine(const CString& strLine)
+{
+    try {
+        m_fileLog.WriteString(strLine);
+    } catch (CException* pException) {
+        pException->Delete();
+    }
+}
+
+void CKXLogSys::FlushFile()
+{
+    try {
+        m_fileLog.Flush();
+    } catch (CException* pException) {
+        pException->Delete();
+    }
+}
+
+// What was taken but not written goes back to the head of the queue, where a later start finds it.
+void CKXLogSys::GiveBack()
+{
+    const CKXAutoLock lock(&m_lockLog);
+    m_listLog.splice(m_listLog.begin(), m_listTaken);
+}

@@ -1,0 +1,58 @@
+#include "core/LogLine.h"
+
+#include "platform/Time.h"
+
+#include <array>
+#include <charconv>
+#include <cstring>
+
+namespace {
+
+// The stamp of one second, kept for the other lines of that second.
+struct Stamp
+{
+    std::int64_t second = INT64_MIN;
+    std::array<char, 64> text{};
+    std::size_t length = 0;
+
+    std::string_view At(CTime now)
+    {
+        if (now.GetTime() == second) return {text.data(), length};
+        std::tm fields{};
+        length = now.GetLocalTm(&fields)
+                     ? std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &fields)
+                     : 0;
+        second = now.GetTime();
+        if (length == 0) {
+            constexpr std::string_view invalid = "Invalid DateTime";
+            length = invalid.copy(text.data(), text.size());
+        }
+        return {text.data(), length};
+    }
+};
+
+char* Put(char* at, std::string_view text)
+{
+    std::memcpy(at, text.data(), text.size());
+    return at + text.size();
+}
+
+} // namespace
+
+CString kx::log::MakeLine(int nLevel, std::string_view message)
+{
+    thread_local Stamp kept;
+    const std::string_view stamp = kept.At(CTime::GetCurrentTime());
+    std::array<char, 16> digits;
+    const char* end = std::to_chars(digits.data(), digits.data() + digits.size(), nLevel).ptr;
+    const std::string_view level(digits.data(), static_cast<std::size_t>(end - digits.data()));
+
+    const std::size_t length = stamp.size() + level.size() + message.size() + 5;
+    CString line;
+    char* at = line.GetBuffer(static_cast<int>(length));
+    for (const std::string_view part : {std::string_view("["), stamp, std::string_view("] "), level,
+                                        std::string_view(" "), message, std::string_view("\n")})
+        at = Put(at, part);
+    line.ReleaseBuffer(static_cast<int>(length));
+    return line;
+}

@@ -1,0 +1,10 @@
+// The static objects of the library whose order of destruction matters, in one unit and so in the order of
+// their lines: at unload the last goes first, and the file system goes after all that may still ask it.
+
+#include "KXFileSystem.h"
+#include "KXLanResManager.h"
+#include "KXLogSys.h"
+
+std::unique_ptr<CKXFileSystem> CKXFileSystem::s_auto_ptr;
+std::unique_ptr<CKXLogSys> CKXLogSys::s_auto_ptr;
+std::unique_ptr<CKXLanResManager> CKXLanResManager::s_auto_ptr;

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <dirent.h>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+namespace kx {
+
+// Reads a directory's entries, `.` and `..` left out. A directory that can't be opened has none.
+class Directory
+{
+public:
+    struct Entry
+    {
+        std::string_view name; // until the next call of Next
+        unsigned char type;    // a DT_... number
+    };
+
+    // `errno` tells why a directory didn't open.
+    explicit Directory(const char* pszPath) noexcept : m_dir(opendir(pszPath)) {}
+
+    explicit operator bool() const noexcept { return m_dir != nullptr; }
+    // Nothing at the end, also where reading fails.
+    std::optional<Entry> Next() noexcept;
+    // Whether an entry just read is a directory or a link to one.
+    bool IsDirectory(const Entry& entry) const noexcept;
+    int Fd() const noexcept { return dirfd(m_dir.get()); }
+
+private:
+    struct Closer
+    {
+        void operator()(DIR* dir) const noexcept { closedir(dir); }
+    };
+
+    std::unique_ptr<DIR, Closer> m_dir;
+};
+
+} // namespace kx

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "include/platform/Host.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+// Which directory each drive letter stands for: the host's drives, else `C:` at `/`, else the system's
+// removable and optical drives. Any thread.
+
+namespace kx::drives {
+
+struct Drive
+{
+    char letter = 'C';
+    // The Linux directory without a trailing slash, so `/` is the empty text; nothing: no medium.
+    std::optional<std::string> root;
+    UINT type = 3; // a DRIVE_... number
+    // What the host said; empty and 0 where the system is to be asked.
+    std::string label;
+    std::string fileSystem;
+    DWORD serial = 0;
+    bool bHost = false;
+    // The block device of a drive of the system (`sdb1`, `sr0`).
+    std::string device;
+};
+
+// The drive of a letter in either case; nothing where there is none.
+std::optional<Drive> Find(char letter);
+
+// The drive whose root holds an absolute Linux path: the longest root, then the lowest letter from `C` on.
+std::optional<Drive> Holding(std::string_view systemPath);
+
+// Changes whenever a letter's drive or root does.
+unsigned Generation() noexcept;
+
+} // namespace kx::drives

@@ -1,0 +1,169 @@
+#include "platform/files/Path.h"
+
+#include "include/platform/CodePage.h"
+#include "include/platform/Host.h"
+#include "include/platform/Types.h"
+#include "platform/Errno.h"
+#include "platform/files/CurrentDirectory.h"
+#include "platform/files/Drives.h"
+#include "platform/files/NameMatch.h"
+#include "platform/text/Conversion.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace kx::path {
+
+namespace {
+
+constexpr std::size_t kMaxLength = MAX_PATH - 1;
+
+constexpr bool IsSeparator(char ch) noexcept
+{
+    return ch == '\\' || ch == '/';
+}
+
+constexpr bool IsLetter(char ch) noexcept
+{
+    return (ch >= 'A' && ch <= 'Z') || (ch >= 'a' && ch <= 'z');
+}
+
+// A path in UTF-8, taken apart: `D:`, `\`, and the rest.
+struct Parts
+{
+    explicit Parts(std::string_view text) : rest(text)
+    {
+        if (rest.size() >= 2 && IsLetter(rest[0]) && rest[1] == ':') {
+            drive = rest[0];
+            rest.remove_prefix(2);
+        }
+        rooted = !rest.empty() && IsSeparator(rest[0]);
+    }
+
+    char drive = '\0';
+    bool rooted = false;
+    std::string_view rest;
+};
+
+// Where a path begins: a Linux directory, and how much of its text `..` can't leave.
+struct Start
+{
+    std::string directory;
+    std::size_t root = 0;
+};
+
+std::optional<Start> AtRoot(const std::optional<drives::Drive>& drive)
+{
+    if (!drive || !drive->root) {
+        Fail(drive ? ERROR_NOT_READY : ERROR_PATH_NOT_FOUND);
+        return std::nullopt;
+    }
+    return Start{*drive->root, drive->root->size()};
+}
+
+// Relative paths begin in the current directory, those with only a separator or another drive's letter at a
+// root.
+std::optional<Start> FindStart(const Parts& parts)
+{
+    if (parts.drive && parts.rooted) return AtRoot(drives::Find(parts.drive));
+    std::string current = CurrentDirectory();
+    const auto drive = drives::Holding(current);
+    const bool bOther = parts.drive && (!drive || (parts.drive & ~0x20) != drive->letter);
+    if (bOther) return AtRoot(drives::Find(parts.drive));
+    if (parts.rooted) return AtRoot(drive ? drive : drives::Find('C'));
+    if (current.empty()) {
+        Fail(ERROR_PATH_NOT_FOUND);
+        return std::nullopt;
+    }
+    if (current == "/") current.clear();
+    return Start{std::move(current), drive ? drive->root->size() : 0};
+}
+
+// Adds the components of a path to a Linux directory: doubled separators and `.` say nothing, `..` goes up in
+// the text, never above the root. Returns how much of the directory's own text was left.
+std::size_t Append(std::string& directory, std::size_t root, std::string_view rest)
+{
+    std::size_t kept = directory.size();
+    while (!rest.empty()) {
+        const auto end = std::find_if(rest.begin(), rest.end(), IsSeparator);
+        const std::string_view name(rest.begin(), end);
+        rest.remove_prefix(std::min(name.size() + 1, rest.size()));
+        if (name.empty() || name == ".") continue;
+        if (name == "..") {
+            if (directory.size() > root) directory.resize(directory.rfind('/'));
+            kept = std::min(kept, directory.size());
+        } else {
+            directory.append(1, '/').append(name);
+        }
+    }
+    return kept;
+}
+
+} // namespace
+
+std::optional<Resolved> Resolve(const char* pszPath)
+{
+    const std::size_t length = pszPath ? strnlen(pszPath, MAX_PATH) : 0;
+    std::optional<std::string> utf8;
+    if (length > 0 && length <= kMaxLength) utf8 = text::ToUtf8({pszPath, length});
+    if (!utf8) {
+        Fail(length == 0           ? ERROR_PATH_NOT_FOUND
+             : length > kMaxLength ? ERROR_FILENAME_EXCED_RANGE
+                                   : ERROR_INVALID_NAME);
+        return std::nullopt;
+    }
+    const Parts parts(*utf8);
+    auto start = FindStart(parts);
+    if (!start) return std::nullopt;
+
+    Resolved resolved;
+    resolved.system = std::move(start->directory);
+    const std::size_t kept = Append(resolved.system, start->root, parts.rest);
+    resolved.exact = !MatchExisting(resolved.system, kept);
+    resolved.absolute = parts.drive && parts.rooted;
+    resolved.root = resolved.system.size() == start->root;
+    resolved.trailing = IsSeparator(utf8->back());
+    if (resolved.system.empty()) resolved.system = "/";
+    return resolved;
+}
+
+std::optional<std::string> ToSystem(const char* pszPath)
+{
+    auto resolved = Resolve(pszPath);
+    if (!resolved) return std::nullopt;
+    return std::move(resolved->system);
+}
+
+std::optional<CString> FromSystem(std::string_view systemPath)
+{
+    if (systemPath.empty() || systemPath[0] != '/') return std::nullopt;
+    std::string path;
+    Append(path, 0, systemPath);
+    if (std::count(systemPath.begin(), systemPath.end(), '\\') > 0) return std::nullopt;
+    const auto drive = drives::Holding(path);
+    if (!drive) return std::nullopt;
+
+    path.replace(0, drive->root->size(), {drive->letter, ':'});
+    if (path.size() == 2) path += '/';
+    std::replace(path.begin(), path.end(), '/', '\\');
+    const auto bytes = text::FromUtf8(path);
+    if (!bytes || bytes->size() > kMaxLength) return std::nullopt;
+    return CString(std::string_view(*bytes));
+}
+
+unsigned Generation() noexcept
+{
+    return drives::Generation() * 2 + (GetACP() == CP_UTF8 ? 1 : 0);
+}
+
+} // namespace kx::path
+
+std::string KXHost::ToSystemPath(const char* pszPath)
+{
+    return kx::path::ToSystem(pszPath).value_or("");
+}
+
+CString KXHost::FromSystemPath(const std::string& strPath)
+{
+    return kx::path::FromSystem(strPath).value_or(CString());
+}

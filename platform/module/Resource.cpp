@@ -1,0 +1,132 @@
+#include "include/platform/Module.h"
+#include "platform/Errno.h"
+#include "platform/module/ModuleTable.h"
+#include "platform/text/CharWalk.h"
+#include "platform/text/Conversion.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+
+using kx::module::Content;
+using kx::module::ModuleTable;
+
+namespace {
+
+// The number that stands for a name or type: a pointer that is one, or a text like "#101".
+std::optional<WORD> NumberOf(const char* pszName)
+{
+    const auto value = reinterpret_cast<std::uintptr_t>(pszName);
+    if (value <= 0xFFFF) return static_cast<WORD>(value);
+    if (*pszName != '#') return std::nullopt;
+    const std::string_view digits(pszName + 1);
+    WORD number = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    if (error != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
+    return number;
+}
+
+// One component of a resource's path. Nothing for a text that can't be one.
+std::optional<std::string> NameOf(const char* pszName)
+{
+    if (const auto number = NumberOf(pszName)) return std::to_string(*number);
+    auto name = kx::text::ToUtf8(pszName);
+    if (!name || name->empty() || name->find('/') != name->npos) return std::nullopt;
+    return name;
+}
+
+std::optional<std::string> TypeOf(const char* pszType)
+{
+    const auto number = NumberOf(pszType);
+    if (number == NumberOf(RT_BITMAP)) return "BITMAP";
+    if (number == NumberOf(RT_ICON)) return "ICON";
+    return NameOf(pszType);
+}
+
+std::string UpperCase(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char ch) { return ch >= 'a' && ch <= 'z' ? static_cast<char>(ch - ('a' - 'A')) : ch; });
+    return text;
+}
+
+HRSRC Find(HMODULE hModule, const char* pszName, const char* pszType)
+{
+    const auto type = TypeOf(pszType), name = NameOf(pszName);
+    if (!type || !name) return nullptr;
+    const std::string path = "/" + *type + "/" + *name;
+    auto& table = ModuleTable::Instance();
+    const HRSRC found = table.Find(hModule, path);
+    return found ? found : table.Find(hModule, UpperCase(path));
+}
+
+std::string_view TextOf(const Content& content)
+{
+    gsize size = 0;
+    const auto* data = static_cast<const char*>(g_bytes_get_data(content.get(), &size));
+    return {data, data ? size : 0};
+}
+
+} // namespace
+
+HINSTANCE AfxFindResourceHandle(const char* pszName, const char* pszType)
+{
+    const HINSTANCE current = AfxGetResourceHandle();
+    if (!current || Find(current, pszName, pszType)) return current;
+    return Find(nullptr, pszName, pszType) ? nullptr : current;
+}
+
+HRSRC FindResourceA(HMODULE hModule, const char* pszName, const char* pszType)
+{
+    const HRSRC found = Find(hModule, pszName, pszType);
+    if (!found)
+        SetLastError(ModuleTable::Instance().Has(hModule) ? ERROR_RESOURCE_NAME_NOT_FOUND
+                                                          : ERROR_INVALID_HANDLE);
+    return found;
+}
+
+DWORD SizeofResource(HMODULE hModule, HRSRC hResource)
+{
+    const Content content = ModuleTable::Instance().ContentOf(hModule, hResource);
+    if (!content) return static_cast<DWORD>(kx::Fail(ERROR_INVALID_HANDLE));
+    return static_cast<DWORD>(TextOf(content).size());
+}
+
+HGLOBAL LoadResource(HMODULE hModule, HRSRC hResource)
+{
+    if (ModuleTable::Instance().ContentOf(hModule, hResource)) return hResource;
+    SetLastError(ERROR_INVALID_HANDLE);
+    return nullptr;
+}
+
+const void* LockResource(HGLOBAL hResource)
+{
+    const Content content = ModuleTable::Instance().ContentOf(hResource);
+    if (!content) return nullptr;
+    const std::string_view text = TextOf(content);
+    return text.empty() ? "" : text.data();
+}
+
+int FreeResource(HGLOBAL)
+{
+    return 0;
+}
+
+int LoadStringA(HINSTANCE hInstance, UINT nId, char* pszBuffer, int nSize)
+{
+    if (!pszBuffer || nSize <= 0) return kx::Fail(ERROR_INVALID_PARAMETER);
+    *pszBuffer = '\0';
+    auto& table = ModuleTable::Instance();
+    const Content content =
+        table.ContentOf(hInstance, table.Find(hInstance, "/STRING/" + std::to_string(nId)));
+    if (!content) return kx::Fail(ERROR_RESOURCE_NAME_NOT_FOUND);
+
+    // No character takes more than four bytes of UTF-8, so what lies behind that many for each byte of the
+    // buffer can't come into it.
+    const auto size = static_cast<std::size_t>(nSize);
+    std::string_view utf8 = TextOf(content).substr(0, 4 * size);
+    utf8 = utf8.substr(0, utf8.find('\0'));
+    if (utf8.ends_with('\n')) utf8.remove_suffix(1);
+    if (utf8.ends_with('\r')) utf8.remove_suffix(1);
+    return static_cast<int>(kx::text::CopyCut(kx::text::FromUtf8Lossy(utf8), pszBuffer, size));
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <ctime>
+
+namespace kx::profile {
+
+// What tells one state of a file from another without reading it.
+struct FileStamp
+{
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    timespec modified{};
+    timespec changed{};
+
+    FileStamp() = default;
+    explicit FileStamp(const struct stat& status) noexcept;
+    bool operator==(const FileStamp& other) const noexcept;
+
+    // Whether every change made after the instant `now` shows in the stamp. The kernel's time goes by ticks,
+    // so a file changed in the tick of its last change, to the same size, keeps its stamp; only once that
+    // tick is over does an equal stamp mean an equal file.
+    bool IsSettled(const timespec& now) const noexcept;
+};
+
+// The kernel's time as it stamps files.
+timespec FileTime() noexcept;
+
+} // namespace kx::profile

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "platform/sync/Futex.h"
+#include "platform/sync/IntrusiveList.h"
+#include "platform/time/Clock.h"
+
+namespace kx::clock {
+
+// One thread's wait on a word until the word changes or a deadline of the clock has come:
+//
+//     Alarm alarm(word, deadline);
+//     for (;;) {
+//         const auto seen = word.load(std::memory_order_acquire);
+//         if (/* seen says that it came true */) return true;
+//         if (!alarm.Wait(seen)) return false;
+//     }
+//
+// Others wake the thread by changing the word and then FutexWake. The clock itself changes it by adding kRing,
+// so the word's lowest bit is the owner's and the others tell nothing. Several threads may wait on one word.
+class Alarm : private sync::ListLink<Alarm>
+{
+public:
+    static constexpr std::uint32_t kRing = 2;
+
+    // The word must outlive the alarm.
+    Alarm(sync::Word& word, Moment deadline) noexcept : m_word(word), m_deadline(deadline) {}
+    Alarm(const Alarm&) = delete;
+    Alarm& operator=(const Alarm&) = delete;
+    ~Alarm();
+
+    // Sleeps while the word holds `seen`; false at once if the deadline has come. Also returns, with true, for
+    // no reason.
+    bool Wait(std::uint32_t seen) noexcept;
+
+    // The clock has come to `now`: wakes whose deadline that is.
+    static void RingDue(Moment now) noexcept;
+    // The clock was changed: all look at it anew.
+    static void RingAll() noexcept { RingDue(kNever); }
+    // How many now sleep for a deadline: not those whose word has changed already.
+    static int CountWaiting() noexcept;
+
+private:
+    friend class sync::IntrusiveList<Alarm>;
+
+    void Announce(std::uint32_t seen) noexcept;
+
+    sync::Word& m_word;
+    const Moment m_deadline;
+    std::uint32_t m_seen = 0; // guarded by the list's lock, like the links
+    bool m_bListed = false;
+};
+
+} // namespace kx::clock

@@ -1,0 +1,183 @@
+#include "platform/time/Clock.h"
+
+#include "include/platform/Clock.h"
+#include "include/platform/Host.h"
+#include "include/platform/Sync.h"
+#include "platform/time/Alarm.h"
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+
+namespace kx::clock {
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::nanoseconds;
+using std::chrono::seconds;
+
+// The virtual clock stops here, so that every deadline of a wait lies below kNever.
+constexpr Moment kLatest = kNever - std::chrono::hours(24 * 365 * 100);
+
+struct VirtualState
+{
+    Moment now{};
+    Moment begin{};              // when it read `wall`
+    std::int64_t wall = 0;       // seconds since 1970
+    bool sleepersMoveIt = false; // VirtualSleep::Advances
+};
+
+constinit std::atomic<bool> g_bVirtual{false};
+// What the real clock is ahead of the system's, from the virtual times before.
+constinit std::atomic<std::int64_t> g_ahead{0};
+constinit std::mutex g_lock;
+constinit VirtualState g_virtual; // guarded by g_lock, like changes of the two above
+
+nanoseconds SystemNow() noexcept
+{
+    std::timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return seconds(now.tv_sec) + nanoseconds(now.tv_nsec);
+}
+
+Moment RealNow() noexcept
+{
+    return Moment(SystemNow() + nanoseconds(g_ahead.load(std::memory_order_relaxed)));
+}
+
+bool LooksVirtual() noexcept
+{
+    return g_bVirtual.load(std::memory_order_acquire);
+}
+
+std::int64_t SaturatingAdd(std::int64_t a, std::int64_t b) noexcept
+{
+    std::int64_t sum;
+    if (!__builtin_add_overflow(a, b, &sum)) return sum;
+    return a < 0 ? INT64_MIN : INT64_MAX;
+}
+
+std::timespec VirtualWall(const VirtualState& state) noexcept
+{
+    const nanoseconds passed = state.now - state.begin;
+    const auto whole = std::chrono::floor<seconds>(passed);
+    return {SaturatingAdd(state.wall, whole.count()), (passed - whole).count()};
+}
+
+// Needs g_lock. Returns the new time.
+Moment Move(std::uint64_t nMilliseconds) noexcept
+{
+    const auto room = std::chrono::floor<milliseconds>(kLatest - g_virtual.now).count();
+    const auto step = std::min<std::uint64_t>(nMilliseconds, static_cast<std::uint64_t>(room));
+    g_virtual.now += milliseconds(static_cast<std::int64_t>(step));
+    return g_virtual.now;
+}
+
+} // namespace
+
+Moment Monotonic::now() noexcept
+{
+    if (LooksVirtual()) {
+        std::lock_guard lock(g_lock);
+        if (g_bVirtual.load(std::memory_order_relaxed)) return g_virtual.now;
+    }
+    return RealNow();
+}
+
+Moment DeadlineAfter(DWORD dwMilliseconds) noexcept
+{
+    return dwMilliseconds == INFINITE ? kNever : Now() + milliseconds(dwMilliseconds);
+}
+
+std::int64_t WallSeconds() noexcept
+{
+    return LooksVirtual() ? WallTime().tv_sec : std::time(nullptr);
+}
+
+std::timespec WallTime() noexcept
+{
+    if (LooksVirtual()) {
+        std::lock_guard lock(g_lock);
+        if (g_bVirtual.load(std::memory_order_relaxed)) return VirtualWall(g_virtual);
+    }
+    std::timespec now;
+    clock_gettime(CLOCK_REALTIME, &now);
+    return now;
+}
+
+bool IsVirtual() noexcept
+{
+    return LooksVirtual();
+}
+
+std::timespec ToSystem(Moment moment) noexcept
+{
+    const auto time =
+        std::max(nanoseconds(0), moment.time_since_epoch() - nanoseconds(g_ahead.load(std::memory_order_relaxed)));
+    const auto whole = std::chrono::floor<seconds>(time);
+    return {whole.count(), (time - whole).count()};
+}
+
+bool SkipSleep(DWORD dwMilliseconds)
+{
+    if (!LooksVirtual()) return false;
+    Moment now;
+    {
+        std::lock_guard lock(g_lock);
+        if (!g_bVirtual.load(std::memory_order_relaxed) || !g_virtual.sleepersMoveIt) return false;
+        now = Move(dwMilliseconds);
+    }
+    Alarm::RingDue(now);
+    return true;
+}
+
+} // namespace kx::clock
+
+DWORD GetTickCount() noexcept
+{
+    const auto since = kx::clock::Now().time_since_epoch();
+    return static_cast<DWORD>(std::chrono::floor<std::chrono::milliseconds>(since).count());
+}
+
+void KXHost::UseVirtualClock(std::int64_t nWallSeconds, VirtualSleep sleep)
+{
+    using namespace kx::clock;
+    {
+        std::lock_guard lock(g_lock);
+        const bool bAlready = g_bVirtual.load(std::memory_order_relaxed);
+        const Moment now = bAlready ? g_virtual.now : std::min(RealNow(), kLatest);
+        g_virtual = {now, now, nWallSeconds, sleep == VirtualSleep::Advances};
+        g_bVirtual.store(true, std::memory_order_release);
+    }
+    Alarm::RingAll();
+}
+
+void KXHost::AdvanceClock(std::uint64_t nMilliseconds)
+{
+    using namespace kx::clock;
+    Moment now;
+    {
+        std::lock_guard lock(g_lock);
+        if (!g_bVirtual.load(std::memory_order_relaxed)) return;
+        now = Move(nMilliseconds);
+    }
+    Alarm::RingDue(now);
+}
+
+void KXHost::UseRealClock()
+{
+    using namespace kx::clock;
+    {
+        std::lock_guard lock(g_lock);
+        if (!g_bVirtual.load(std::memory_order_relaxed)) return;
+        g_ahead.store((g_virtual.now.time_since_epoch() - SystemNow()).count(), std::memory_order_relaxed);
+        g_bVirtual.store(false, std::memory_order_release);
+    }
+    Alarm::RingAll();
+}
+
+int KXHost::ClockWaiters()
+{
+    return kx::clock::Alarm::CountWaiting();
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "include/platform/Types.h"
+
+#include <chrono>
+#include <cstdint>
+#include <ctime>
+
+// The one clock: everything in the library that tells the time or waits for it asks here. It is the system's,
+// or a virtual one that stands still until the host moves it. Its monotonic time goes on from where it is when
+// the host changes from one to the other, so a deadline keeps its meaning and runs on the clock of the day.
+// Any thread; works from static destructors too.
+//
+// Waiting for a deadline: see Alarm.h (on a word) and Condition.h (on a lock and a condition).
+
+namespace kx::clock {
+
+// A moment of the monotonic time.
+struct Monotonic
+{
+    using duration = std::chrono::nanoseconds;
+    using rep = duration::rep;
+    using period = duration::period;
+    using time_point = std::chrono::time_point<Monotonic>;
+    static constexpr bool is_steady = true;
+    static time_point now() noexcept;
+};
+using Moment = Monotonic::time_point;
+
+// The deadline of a wait without a time-out.
+inline constexpr Moment kNever = Moment::max();
+
+inline Moment Now() noexcept
+{
+    return Monotonic::now();
+}
+
+// The moment that many milliseconds from now; kNever for INFINITE.
+Moment DeadlineAfter(DWORD dwMilliseconds) noexcept;
+
+// Seconds since 1970-01-01 00:00:00 UTC: a few nanoseconds. It may lag behind WallTime by one tick of the
+// system's timer, as the times of files do.
+std::int64_t WallSeconds() noexcept;
+// The same to the nanosecond.
+std::timespec WallTime() noexcept;
+
+// Whether the host made the clock virtual.
+bool IsVirtual() noexcept;
+// A moment of the monotonic time as the system's CLOCK_MONOTONIC, while the clock is the real one.
+std::timespec ToSystem(Moment moment) noexcept;
+
+// Sleep's part in a virtual clock that sleepers move themselves: moves it and returns true; else false.
+bool SkipSleep(DWORD dwMilliseconds);
+
+} // namespace kx::clock

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "platform/time/Alarm.h"
+
+namespace kx::clock {
+
+// A condition variable whose waits end by the clock. It works with any lock that has lock() and unlock(); the
+// state that is waited for changes under that lock, and the notice may be given inside or outside of it.
+class Condition
+{
+public:
+    Condition() = default;
+    Condition(const Condition&) = delete;
+    Condition& operator=(const Condition&) = delete;
+
+    // No system call when nobody waits. One notice reaches one waiter at least.
+    void NotifyOne() noexcept { Notify(1); }
+    void NotifyAll() noexcept { Notify(INT_MAX); }
+
+    // Gives the lock up, sleeps until a notice or the deadline, and takes it again. False if the deadline had
+    // come; true may also mean nothing, so look at the state.
+    template <class Lock>
+    bool WaitUntil(Lock& lock, Moment deadline)
+    {
+        const std::uint32_t seen = Enter();
+        lock.unlock();
+        const bool bInTime = SleepUntil(seen, deadline);
+        lock.lock();
+        return bInTime;
+    }
+
+    // Waits until `ready()`, which is called under the lock, gives true; its result when the deadline has come.
+    template <class Lock, class Ready>
+    bool WaitUntil(Lock& lock, Moment deadline, Ready ready)
+    {
+        while (!ready())
+            if (!WaitUntil(lock, deadline)) return ready();
+        return true;
+    }
+
+private:
+    std::uint32_t Enter() noexcept;
+    bool SleepUntil(std::uint32_t seen, Moment deadline) noexcept;
+    void Notify(int nWaiters) noexcept;
+
+    sync::Word m_sequence{0};
+    std::atomic<int> m_nWaiters{0};
+};
+
+} // namespace kx::clock

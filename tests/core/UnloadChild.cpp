@@ -1,0 +1,15 @@
+#include "KXFileSystem.h"
+#include "KXLanResManager.h"
+#include "KXLogSys.h"
+#include "platform/Debug.h"
+
+// Makes the singletons in another order than the one in which they are to go.
+int main()
+{
+    OutputDebugStringA("loaded\n");
+    CKXLogSys::GetSingletonPtr();
+    CKXLanResManager::GetSingletonPtr();
+    CKXFileSystem::GetInstancePtr();
+    OutputDebugStringA("end of main\n");
+    return 0;
+}

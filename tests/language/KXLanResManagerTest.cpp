@@ -1,0 +1,224 @@
+#include "KXLanResManager.h"
+#include "KXMessages.h"
+#include "platform/Error.h"
+#include "platform/Registry.h"
+#include "tests/language/LanguageTree.h"
+#include "tests/support/Child.h"
+
+#include <future>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+class Language : public testing::Test
+{
+protected:
+    Language()
+    {
+        tree.Add("Beta", "B", "k=beta\n");
+        tree.Add("alpha", "A", "k=alpha\n");
+        tree.Add(".hidden", "H", "k=hidden\n");
+        test::AppDir().Write(tree.Path("nameless/Lan.ini"), "[Language]\r\nLanguage=\r\n");
+        test::AppDir().MakeDir(tree.Path("bare"));
+        test::AppDir().Write(tree.Path("file"), "");
+    }
+    void Init() { ASSERT_EQ(lans->Initialize(tree.Name().c_str()), 1); }
+    std::vector<std::string> Ids() const
+    {
+        std::vector<KXLanguageItem> items{{"old", "old"}};
+        lans->GetLans(items);
+        std::vector<std::string> ids;
+        for (const auto& item : items) ids.emplace_back(item.strID);
+        return ids;
+    }
+    std::string Current() const { return lans->GetCurrentLan().strID.GetString(); }
+
+    test::LanguageTree tree;
+    CKXLanResManager* lans = (test::AppDir(), CKXLanResManager::GetSingletonPtr());
+};
+
+// A window of the test's, counting the language messages that reach it and what language it finds then.
+class Listener
+{
+public:
+    explicit Listener(DWORD dwStyle) : m_hWnd(Make(dwStyle)) { SetWindowLongPtrA(m_hWnd, GWLP_USERDATA, reinterpret_cast<std::intptr_t>(this)); }
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+    ~Listener() { DestroyWindow(m_hWnd); }
+
+    std::vector<std::string> heard;
+
+private:
+    static HWND Make(DWORD dwStyle)
+    {
+        const WNDCLASSA windowClass{OnMessage, "Listener"};
+        RegisterClassA(&windowClass);
+        return CreateWindowExA(0, "Listener", "", dwStyle, 0, 0, 1, 1);
+    }
+    static LRESULT OnMessage(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
+    {
+        if (nMsg != WM_KXLANCHANGED) return DefWindowProcA(hWnd, nMsg, wParam, lParam);
+        EXPECT_EQ(wParam, 0u);
+        EXPECT_EQ(lParam, 0);
+        auto* self = reinterpret_cast<Listener*>(GetWindowLongPtrA(hWnd, GWLP_USERDATA));
+        auto* pLans = CKXLanResManager::GetSingletonPtr();
+        self->heard.push_back(std::string(pLans->GetCurrentLan().strID) + ":" + pLans->GetString("k").GetString());
+        return 0;
+    }
+
+    HWND m_hWnd;
+};
+
+TEST_F(Language, FreshManagerKnowsNothing)
+{
+    test::Child child("FreshLanguageChild", {test::AppDir().Path("app"), tree.Name()}, {}, true);
+    EXPECT_EQ(child.Wait(), 0) << child.ErrorText();
+}
+
+TEST_F(Language, ListsDirectoriesThatNameThemselves)
+{
+    Init();
+    EXPECT_THAT(Ids(), ElementsAre(".hidden", "alpha", "Beta"));
+    EXPECT_EQ(lans->GetLanCount(), 3);
+    EXPECT_STREQ(lans->GetLanName(2), "B");
+    EXPECT_STREQ(lans->GetLanID(1), "alpha");
+    for (const int n : {-1, 3, INT32_MAX}) {
+        EXPECT_STREQ(lans->GetLanName(n), "");
+        EXPECT_STREQ(lans->GetLanID(n), "");
+    }
+    EXPECT_EQ(lans->Initialize("nowhere"), 0);
+    EXPECT_EQ(lans->GetLanCount(), 0);
+}
+
+TEST_F(Language, SelectsByPositionAndByExactIdentifier)
+{
+    Init();
+    Listener window(WS_VISIBLE);
+    EXPECT_EQ(lans->SetCurrentLan("Beta", 1), 1);
+    EXPECT_EQ(lans->GetCurrentLanIndex(), 2);
+    EXPECT_EQ(lans->SetCurrentLan(2, 1), 0);      // current already
+    EXPECT_EQ(lans->SetCurrentLan("Beta", 1), 1); // but named, it is loaded and told again
+    for (const int n : {-1, 3}) EXPECT_EQ(lans->SetCurrentLan(n, 1), 0);
+    EXPECT_EQ(lans->SetCurrentLan("beta", 1), 0);
+    EXPECT_EQ(lans->SetCurrentLan("", 1), 0);
+    EXPECT_EQ(Current(), "Beta");
+    EXPECT_EQ(lans->SetCurrentLan(1, 0), 1); // silently
+    EXPECT_EQ(Current(), "alpha");
+    EXPECT_THAT(window.heard, ElementsAre("Beta:beta", "Beta:beta"));
+}
+
+TEST_F(Language, TellsVisibleWindowsOfThisProcessAlone)
+{
+    Init();
+    Listener shown(WS_VISIBLE);
+    Listener hidden(0);
+    const HWND hForeign = KXHost::AddForeignWindow(GetCurrentProcessId() + 1, true);
+    EXPECT_EQ(lans->SetCurrentLan("alpha", 1), 1);
+    EXPECT_THAT(shown.heard, ElementsAre("alpha:alpha"));
+    EXPECT_THAT(hidden.heard, IsEmpty());
+    EXPECT_THAT(KXHost::TakeForeignMessages(hForeign), IsEmpty());
+    KXHost::RemoveForeignWindow(hForeign);
+}
+
+// The selecting thread waits for the window's own thread, which finds the selection complete.
+TEST_F(Language, WindowsOfOtherThreadsHearItOnTheirOwn)
+{
+    Init();
+    std::promise<void> ready;
+    std::jthread owner([&] {
+        Listener window(WS_VISIBLE);
+        ready.set_value();
+        MSG msg;
+        while (window.heard.empty()) PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE);
+        EXPECT_THAT(window.heard, ElementsAre("Beta:beta"));
+    });
+    ready.get_future().wait();
+    EXPECT_EQ(lans->SetCurrentLan("Beta", 1), 1);
+}
+
+TEST_F(Language, SavedChoiceComesBackFromAnIniFile)
+{
+    Init();
+    const test::TempDir dir;
+    const CString strIni = dir.Win("user.ini");
+    lans->SetCurrentLan("Beta", 0);
+    lans->SetCurrentLanFromIniFile(strIni, 0); // none saved: the first
+    EXPECT_EQ(Current(), ".hidden");
+    EXPECT_NE(CKXLanResManager::SaveLanToIniFile(strIni, "alpha"), 0);
+    EXPECT_EQ(Current(), ".hidden");
+    lans->SetCurrentLanFromIniFile(strIni, 0);
+    EXPECT_EQ(Current(), "alpha");
+    CKXLanResManager::SaveLanToIniFile(strIni, "gone");
+    lans->SetCurrentLanFromIniFile(strIni, 0); // not installed: nothing changes
+    EXPECT_EQ(Current(), "alpha");
+    EXPECT_EQ(CKXLanResManager::SaveLanToIniFile(dir.Win("none\\user.ini"), "alpha"), 0);
+}
+
+void SetRegistry(DWORD dwType, std::string_view bytes)
+{
+    HKEY hKey = nullptr;
+    RegCreateKeyExA(HKEY_CURRENT_USER, "SOFTWARE\\Brightfern\\App", 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr, &hKey,
+                    nullptr);
+    RegSetValueExA(hKey, "Language", 0, dwType, reinterpret_cast<const BYTE*>(bytes.data()),
+                   static_cast<DWORD>(bytes.size()));
+    RegCloseKey(hKey);
+}
+
+TEST_F(Language, SavedChoiceComesBackFromTheRegistry)
+{
+    Init();
+    const test::TempDir dir;
+    KXHost::SetRegistryFile(dir.Path("sub/registry.ini"));
+    EXPECT_EQ(CKXLanResManager::SaveLanToReg("App", "alpha"), 1);
+    lans->SetCurrentLanFromReg("App", 0);
+    EXPECT_EQ(Current(), "alpha");
+    EXPECT_EQ(CKXLanResManager::SaveLanToReg("App", "Beta"), 1);
+    lans->SetCurrentLanFromReg("App", 0);
+    EXPECT_EQ(Current(), "Beta");
+
+    using namespace std::string_view_literals;
+    const std::string strLong = std::string(300, 'x') + '\0';
+    const struct
+    {
+        DWORD dwType;
+        std::string_view bytes;
+        const char* pszSelected;
+    } cases[] = {
+        {REG_EXPAND_SZ, "alpha\0"sv, "alpha"}, {REG_BINARY, "alpha\0"sv, ".hidden"}, {REG_SZ, "alpha"sv, ".hidden"},
+        {REG_SZ, ""sv, ".hidden"},             {REG_SZ, "gone\0"sv, ".hidden"},      {REG_SZ, strLong, ".hidden"},
+    };
+    for (const auto& c : cases) {
+        lans->SetCurrentLan("Beta", 0);
+        SetRegistry(c.dwType, c.bytes);
+        lans->SetCurrentLanFromReg("App", 0);
+        EXPECT_EQ(Current(), c.pszSelected) << c.bytes;
+    }
+    lans->SetCurrentLan("Beta", 0);
+    lans->SetCurrentLanFromReg("Unknown", 0);
+    EXPECT_EQ(Current(), ".hidden");
+    KXHost::SetRegistryFile("/proc/none/registry.ini");
+    EXPECT_EQ(CKXLanResManager::SaveLanToReg("App", "alpha"), 0);
+    KXHost::SetRegistryFile("");
+}
+
+TEST_F(Language, ASecondListingLeavesTheChoice)
+{
+    Init();
+    lans->SetCurrentLan("Beta", 0);
+    test::LanguageTree fewer;
+    fewer.Add("only", "O");
+    EXPECT_EQ(lans->Initialize(fewer.Name().c_str()), 1);
+    EXPECT_EQ(lans->GetCurrentLanIndex(), 2);
+    EXPECT_STREQ(lans->GetLanName(2), "");
+    EXPECT_EQ(Current(), "Beta");
+    EXPECT_STREQ(lans->GetString("k"), "beta");
+}
+
+} // namespace

@@ -1,0 +1,129 @@
+#include "tests/language/LanguageTree.h"
+
+#include <atomic>
+#include <gtest/gtest.h>
+#include <string>
+#include <string_view>
+#include <sys/stat.h>
+#include <thread>
+
+namespace {
+
+class LanData : public testing::Test
+{
+protected:
+    // Selects a language with this `Data.txt`.
+    void Load(const std::string& data)
+    {
+        tree.Add("L", "L", data);
+        ASSERT_EQ(lans->Initialize(tree.Name().c_str()), 1);
+        ASSERT_EQ(lans->SetCurrentLan("L", 0), 1);
+    }
+    std::string Get(const char* pszKey) { return lans->GetString(pszKey).GetString(); }
+
+    test::LanguageTree tree;
+    CKXLanResManager* lans = (test::AppDir(), CKXLanResManager::GetSingletonPtr());
+};
+
+TEST_F(LanData, ReadsLinesOfKeyAndValue)
+{
+    Load("a=b=c\r\n"
+         "=empty key\n"
+         "k=\n"
+         "  padded \t =\v v v \f\r\n"
+         "[Section]\n\nno entry\n"
+         "; note = text\n"
+         "dup=first\ndup=second\nDUP=other\n"
+         "long=" + std::string(50'000, 'x') + "\n"
+         "last=without an end");
+    EXPECT_EQ(Get("a"), "b=c");
+    EXPECT_EQ(Get(""), "empty key");
+    EXPECT_EQ(Get("k"), "");
+    EXPECT_EQ(Get("padded"), "v v");
+    EXPECT_EQ(Get("[Section]"), "[Section]");
+    EXPECT_EQ(Get("; note"), "text");
+    EXPECT_EQ(Get("dup"), "first");
+    EXPECT_EQ(Get("DUP"), "other");
+    EXPECT_EQ(Get("long").size(), 50'000u);
+    EXPECT_EQ(Get("last"), "without an end");
+    EXPECT_EQ(Get(" a"), " a");
+}
+
+TEST_F(LanData, ReplacesEscapesInValuesAlone)
+{
+    Load("crlf=1\\r\\n2\nlf=1\\n2\\n\ntab=1\\t2\nback=\\\\n\nr=\\r\\\n"
+         "k\\n=v\n"
+         "gbk=\x95\x5Cn\x95\x5C\\t\n"); // a letter whose second byte is a backslash
+    EXPECT_EQ(Get("crlf"), "1\r\n2");
+    EXPECT_EQ(Get("lf"), "1\r\n2\r\n");
+    EXPECT_EQ(Get("tab"), "1\t2");
+    EXPECT_EQ(Get("back"), "\\\r\n");
+    EXPECT_EQ(Get("r"), "\\r\\");
+    EXPECT_EQ(Get("k\\n"), "v");
+    EXPECT_EQ(Get("gbk"), "\x95\x5Cn\x95\x5C\t");
+}
+
+TEST_F(LanData, TextsByHandNeverOverwriteAndEndWithTheLanguage)
+{
+    Load("k=file\n");
+    lans->InsertString("k", "hand");
+    lans->InsertString(" k", " a\\n ");
+    lans->InsertString("n", "first");
+    lans->InsertString("n", "second");
+    EXPECT_EQ(Get("k"), "file");
+    EXPECT_EQ(Get(" k"), " a\r\n ");
+    EXPECT_EQ(Get("n"), "first");
+    lans->SetCurrentLan("L", 0);
+    EXPECT_EQ(Get("n"), "n");
+}
+
+TEST_F(LanData, AMissingFileIsShownAndTheSelectionStands)
+{
+    Load("k=v\n");
+    test::AppDir().Write(tree.Path("M/Lan.ini"), "[Language]\nLanguage=M\n");
+    ASSERT_EQ(lans->Initialize(tree.Name().c_str()), 1);
+    KXHost::TakeMessageBoxes();
+    EXPECT_EQ(lans->SetCurrentLan("M", 0), 1);
+    EXPECT_STREQ(lans->GetCurrentLan().strID, "M");
+    EXPECT_EQ(Get("k"), "k");
+    const auto boxes = KXHost::TakeMessageBoxes();
+    ASSERT_EQ(boxes.size(), 1u);
+    EXPECT_GE(boxes[0].strText.Find("Data.txt"), 0) << boxes[0].strText.GetString();
+    EXPECT_EQ(boxes[0].nType, 0u);
+    EXPECT_EQ(boxes[0].nHelpId, 0u);
+}
+
+TEST_F(LanData, AFileThatIsNoFileIsShownToo)
+{
+    Load("");
+    test::AppDir().Write(tree.Path("D/Lan.ini"), "[Language]\nLanguage=D\n");
+    test::AppDir().Write(tree.Path("F/Lan.ini"), "[Language]\nLanguage=F\n");
+    test::AppDir().MakeDir(tree.Path("D/Data.txt"));
+    ASSERT_EQ(mkfifo(test::AppDir().Path(tree.Path("F/Data.txt")).c_str(), 0600), 0);
+    ASSERT_EQ(lans->Initialize(tree.Name().c_str()), 1);
+    KXHost::TakeMessageBoxes();
+    EXPECT_EQ(lans->SetCurrentLan("D", 0), 1);
+    EXPECT_EQ(lans->SetCurrentLan("F", 0), 1);
+    EXPECT_EQ(KXHost::TakeMessageBoxes().size(), 2u);
+}
+
+// While a language loads, other threads find each text whole or not at all.
+TEST_F(LanData, ReadersMayRunDuringALoad)
+{
+    std::string data;
+    for (int n = 0; n < 500; ++n) data += "k" + std::to_string(n) + "=some text\n";
+    Load(data);
+    std::atomic<bool> done{false};
+    std::jthread reader([&] {
+        while (!done) {
+            const std::string text = Get("k499");
+            EXPECT_TRUE(text == "some text" || text == "k499") << text;
+            lans->GetLanName(0);
+        }
+    });
+    for (int n = 0; n < 20; ++n) lans->SetCurrentLan("L", 0);
+    lans->Initialize(tree.Name().c_str());
+    done = true;
+}
+
+} // namespace

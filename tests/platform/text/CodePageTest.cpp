@@ -1,0 +1,58 @@
+#include "include/platform/CodePage.h"
+#include "include/platform/Error.h"
+#include "tests/support/Host.h"
+
+#include <array>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+std::u16string Wide(UINT page, std::string_view bytes)
+{
+    std::array<WCHAR, 64> units{};
+    const int n = MultiByteToWideChar(page, 0, bytes.data(), static_cast<int>(bytes.size()), units.data(), 64);
+    return {units.data(), static_cast<std::size_t>(n)};
+}
+
+std::string Narrow(UINT page, std::u16string_view units)
+{
+    std::array<char, 64> bytes{};
+    const int n = WideCharToMultiByte(page, 0, units.data(), static_cast<int>(units.size()), bytes.data(), 64);
+    return {bytes.data(), static_cast<std::size_t>(n)};
+}
+
+TEST(CodePage, ConvertsBothWays)
+{
+    const std::u16string chinese = u"\u4E2D\u6587"; // "Chinese" in Chinese
+    EXPECT_EQ(Wide(CP_ACP, "\xD6\xD0\xCE\xC4"), chinese);
+    EXPECT_EQ(Narrow(CP_GBK, chinese), "\xD6\xD0\xCE\xC4");
+    EXPECT_EQ(Wide(CP_UTF8, "\xE4\xB8\xAD"), u"\u4E2D");
+    const std::u16string beyond = u"\U0001F600\u00E9"; // neither is in GBK itself
+    EXPECT_EQ(Wide(CP_GBK, Narrow(CP_GBK, beyond)), beyond);
+}
+
+TEST(CodePage, BytesThatAreNoTextAreReplaced)
+{
+    EXPECT_EQ(Wide(CP_GBK, "a\xFF" "b"), u"a\uFFFDb");
+    EXPECT_EQ(Wide(CP_UTF8, "\xE4\xB8"), u"\uFFFD\uFFFD");
+    EXPECT_EQ(Narrow(CP_UTF8, std::u16string(1, char16_t{0xD800}) + u"x"), "?x");
+}
+
+TEST(CodePage, SizesAndFailures)
+{
+    EXPECT_EQ(MultiByteToWideChar(CP_ACP, 0, "abc", -1, nullptr, 0), 4);
+    WCHAR two[2];
+    EXPECT_EQ(MultiByteToWideChar(CP_ACP, 0, "abc", -1, two, 2), 0);
+    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(MultiByteToWideChar(1252, 0, "abc", -1, two, 2), 0);
+    EXPECT_EQ(MultiByteToWideChar(CP_ACP, 0, nullptr, 4, two, 2), 0);
+    EXPECT_FALSE(KXHost::SetCodePage(1252));
+    EXPECT_TRUE(IsDBCSLeadByte(0x81));
+    EXPECT_FALSE(IsDBCSLeadByte('a'));
+    const test::CodePage utf8(CP_UTF8);
+    EXPECT_EQ(GetACP(), CP_UTF8);
+    EXPECT_FALSE(IsDBCSLeadByte(0x81));
+}
+
+} // namespace

@@ -1,0 +1,154 @@
+#include "include/platform/String.h"
+#include "tests/support/Host.h"
+
+#include <climits>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+using testing::ElementsAre;
+
+namespace {
+
+// "\x95\x5C" is one GBK letter whose second byte is a backslash; "\xB0\x41" one with a trailing "A".
+constexpr char szTrail[] = "C:\\\x95\x5C\\a";
+
+std::vector<std::string> Tokens(const char* psz, const char* pszDelims)
+{
+    const CString str(psz);
+    std::vector<std::string> tokens;
+    for (int nPos = 0;;) {
+        const CString token = str.Tokenize(pszDelims, nPos);
+        if (nPos < 0) return tokens;
+        tokens.emplace_back(token);
+    }
+}
+
+TEST(String, CopiesShareUntilOneChanges)
+{
+    CString a("abc");
+    CString b = a;
+    EXPECT_EQ(a.GetString(), b.GetString());
+    b.SetAt(0, 'x');
+    b += "d";
+    EXPECT_STREQ(a, "abc");
+    EXPECT_STREQ(b, "xbcd");
+    a = a;
+    const CString c = std::move(a);
+    EXPECT_STREQ(c, "abc");
+    EXPECT_STREQ(CString(static_cast<const char*>(nullptr)), "");
+    EXPECT_STREQ(CString('x', 3), "xxx");
+    EXPECT_STREQ(CString('x', -1), "");
+}
+
+TEST(String, AppendsItselfAndPartsOfItself)
+{
+    CString str("abc");
+    str += str;
+    str += str.GetString() + 4;
+    EXPECT_STREQ(str, "abcabcbc");
+    str = str.GetString() + 5;
+    EXPECT_STREQ(str, "cbc");
+    EXPECT_STREQ("<" + str + ">" + CString("!"), "<cbc>!");
+}
+
+TEST(String, PartsArePulledIntoRange)
+{
+    const CString str("abcdef");
+    EXPECT_STREQ(str.Left(2), "ab");
+    EXPECT_STREQ(str.Left(-1), "");
+    EXPECT_STREQ(str.Left(99), "abcdef");
+    EXPECT_STREQ(str.Right(2), "ef");
+    EXPECT_STREQ(str.Right(INT_MIN), "");
+    EXPECT_STREQ(str.Mid(2, 3), "cde");
+    EXPECT_STREQ(str.Mid(5, INT_MAX), "f");
+    EXPECT_STREQ(str.Mid(INT_MAX), "");
+    EXPECT_EQ(str.GetAt(6), '\0');
+    EXPECT_EQ(str[-1], '\0');
+}
+
+TEST(String, SearchesNeverMatchATrailByte)
+{
+    const CString str(szTrail);
+    EXPECT_EQ(str.Find('\\'), 2);
+    EXPECT_EQ(str.Find('\\', 3), 5);
+    EXPECT_EQ(str.ReverseFind('\\'), 5);
+    EXPECT_EQ(CString("\x95\x5C").ReverseFind('\\'), -1);
+    EXPECT_EQ(CString("\xB0\x41" "A").Find("A"), 2);
+    EXPECT_EQ(CString("\x5C\x95").Find('\\'), 0);      // a stray lead byte behind it
+    EXPECT_EQ(CString("\xB0\xB0\x5C").Find('\\'), 2);  // behind a whole letter
+    EXPECT_EQ(str.Find('a', 99), -1);
+    EXPECT_EQ(str.Find("", 3), 3);
+
+    const test::CodePage utf8(CP_UTF8);
+    EXPECT_EQ(str.Find('\\', 3), 4);
+}
+
+TEST(String, ReplacesWholeLettersOnly)
+{
+    CString str("a\\n\x95\x5Cn\\n");
+    EXPECT_EQ(str.Replace("\\n", "\r\n"), 2);
+    EXPECT_STREQ(str, "a\r\n\x95\x5Cn\r\n");
+    EXPECT_EQ(str.Replace("", "x"), 0);
+    EXPECT_EQ(str.Replace('a', 'b'), 1);
+    CString doubled("aaa");
+    EXPECT_EQ(doubled.Replace("aa", "a"), 1);
+    EXPECT_STREQ(doubled, "aa");
+}
+
+TEST(String, CaseFoldsAsciiLettersAlone)
+{
+    CString str("ABZ\xB0\x41[");
+    EXPECT_STREQ(CString(str).MakeLower(), "abz\xB0\x41[");
+    EXPECT_STREQ(CString("az\xB0\x61").MakeUpper(), "AZ\xB0\x61");
+    EXPECT_EQ(CString("abc").CompareNoCase("ABC"), 0);
+    EXPECT_NE(CString("\xB0\x41").CompareNoCase("\xB0\x61"), 0); // two different letters
+    EXPECT_LT(CString("a").CompareNoCase("B"), 0);
+    EXPECT_LT(CString("a").CompareNoCase("aa"), 0);
+    EXPECT_GT(CString("\xB0").Compare("a"), 0); // bytes are unsigned
+}
+
+TEST(String, TrimsAndTokenizes)
+{
+    EXPECT_STREQ(CString(" \t\r\n\v\fa b\n").Trim(), "a b");
+    EXPECT_STREQ(CString(" \n").Trim(), "");
+    EXPECT_STREQ(CString(" a ").TrimLeft(), "a ");
+    EXPECT_STREQ(CString(" a ").TrimRight(), " a");
+    EXPECT_THAT(Tokens(",a,,b", ","), ElementsAre("a", "b"));
+    EXPECT_THAT(Tokens("\x95\x5C\\x", "\\"), ElementsAre("\x95\x5C", "x"));
+    EXPECT_THAT(Tokens("", ","), ElementsAre());
+    EXPECT_THAT(Tokens("one", ""), ElementsAre("one"));
+}
+
+TEST(String, FormatsAnyLengthAndItsOwnText)
+{
+    CString str;
+    str.Format("%s-%d", "a", 7);
+    str.Format("%s%s", str.GetString(), str.GetString());
+    EXPECT_STREQ(str, "a-7a-7");
+    const std::string big(5000, 'x');
+    str.Format("%s!", big.c_str());
+    EXPECT_EQ(str.GetLength(), 5001);
+    str.AppendFormat("%c", '?');
+    EXPECT_EQ(str.Right(2), "!?");
+}
+
+TEST(String, BufferIsWritableAndCutToItsSize)
+{
+    CString str("ab");
+    const CString other = str;
+    char* pch = str.GetBuffer(10);
+    pch[2] = 'c';
+    pch[3] = '\0';
+    str.ReleaseBuffer();
+    EXPECT_STREQ(str, "abc");
+    EXPECT_STREQ(other, "ab");
+    CString empty;
+    empty.GetBuffer()[0] = 'x';
+    empty.ReleaseBuffer(1);
+    EXPECT_STREQ(empty, "x");
+    EXPECT_STREQ(CString(), "");
+}
+
+} // namespace
