@@ -5,8 +5,6 @@
 #include "../KXExport.h"
 #include "Types.h"
 
-using HICON = struct HICON__*;
-
 struct SHFILEINFOA
 {
     HICON hIcon;
@@ -23,13 +21,17 @@ inline constexpr UINT SHGFI_TYPENAME = 0x400;
 inline constexpr UINT SHGFI_SYSICONINDEX = 0x4000;
 
 // The system image list, one of large (32 pixels) and one of small (16 pixels) icons; both live as long as
-// the process and use the same indices, each naming an icon of the desktop's icon theme.
+// the process and use the same indices, each naming an icon of the desktop's icon theme. Index 0 is the icon
+// of a file of which nothing is known.
 struct _IMAGELIST;
 
-// Fills what the flags ask for and leaves the rest of the record; `cbInfo` is the record's size. With
-// SHGFI_SYSICONINDEX the result is the image list of the asked size (an _IMAGELIST*), otherwise non-zero. 0
-// for a path that doesn't exist, with the asked fields empty and the index 0. Texts are cut to their fields
-// at a character. Any thread.
+// Fills what the flags ask for and leaves the rest of the record, whose size `cbInfo` is; `dwAttributes` is
+// ignored. With SHGFI_SYSICONINDEX the result is the image list of the asked size (an _IMAGELIST*), otherwise
+// non-zero. 0 for a path that doesn't exist, with the asked fields empty and the index 0, and for a null
+// record or one that is too small, with nothing written. Texts are in the process's code page and the user's
+// language, cut to their fields at a character. A drive's root (`X:\`) is shown by its label and letter, also
+// without a medium; a link shows what it points at. An entry whose name says nothing has the first 4,096
+// bytes of its content looked at. The last error tells of a failure. Any thread.
 KX_API std::uintptr_t SHGetFileInfoA(const char* pszPath, DWORD dwAttributes, SHFILEINFOA* pInfo, UINT cbInfo,
                                      UINT nFlags);
 

@@ -1,6 +1,7 @@
 #pragma once
 
-// Locks, events, threads and waits.
+// Locks, events, threads and waits. No operation here needs the library's static objects: all of them work from
+// static constructors and destructors too.
 
 #include "../KXExport.h"
 #include "Types.h"
@@ -8,25 +9,29 @@
 #include <atomic>
 #include <cstdint>
 
-// A lock that its owner may take again; each taking needs its leaving. It spins briefly before it sleeps.
-// Not copyable: a copy of a lock in use means nothing.
+// A lock that its owner may take again; each taking needs its leaving. It spins briefly before it sleeps, and
+// who has slept for a millisecond without getting it is handed it next. Not copyable: a copy of a lock in use
+// means nothing.
 struct CRITICAL_SECTION
 {
     CRITICAL_SECTION() = default;
     CRITICAL_SECTION(const CRITICAL_SECTION&) = delete;
     CRITICAL_SECTION& operator=(const CRITICAL_SECTION&) = delete;
 
-    std::atomic<int> state{0};                // 0 free, 1 taken, 2 taken and others sleep
-    std::atomic<std::uintptr_t> owner{0};     // the thread that holds it
-    int recursion = 0;                        // takings of the owner, touched by it alone
+    std::atomic<std::uint32_t> state{0};  // bit 0 taken, bit 1 others sleep, bit 2 one of them has to be next
+    int recursion = 0;                    // takings of the owner behind its first, touched by it alone
+    std::atomic<std::uintptr_t> owner{0}; // the thread that holds it, 0 without one
 };
 
+// A null section is left alone by all of these.
 KX_API void InitializeCriticalSection(CRITICAL_SECTION* pSection) noexcept;
+// Nobody may hold it or wait for it.
 KX_API void DeleteCriticalSection(CRITICAL_SECTION* pSection) noexcept;
+// Waits as long as it takes.
 KX_API void EnterCriticalSection(CRITICAL_SECTION* pSection) noexcept;
-// Non-zero if the lock was taken.
+// Non-zero if the lock was taken. Never waits.
 KX_API int TryEnterCriticalSection(CRITICAL_SECTION* pSection) noexcept;
-// Called by the owner only.
+// For the owner; called by another thread it changes nothing.
 KX_API void LeaveCriticalSection(CRITICAL_SECTION* pSection) noexcept;
 
 inline constexpr DWORD INFINITE = 0xFFFFFFFF;
@@ -34,27 +39,31 @@ inline constexpr DWORD WAIT_OBJECT_0 = 0;
 inline constexpr DWORD WAIT_TIMEOUT = 258;
 inline constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
 
-// Makes an event. Manual-reset: stays signalled until ResetEvent. Auto-reset: one wait takes the signal
-// back. The first and last arguments (security, name) are accepted and ignored. The caller owns the handle
-// and ends it with CloseHandle; null for lack of memory.
+// Makes an event. Manual-reset: a signal releases every wait until ResetEvent. Auto-reset: a signal releases one
+// wait, the one that began first, or the next to come. The first and last arguments (security, name) are
+// accepted and ignored. The caller owns the handle and ends it with CloseHandle; null for lack of memory.
 KX_API HANDLE CreateEventA(void* pSecurity, int bManualReset, int bInitialState, const char* pszName);
 
-// Non-zero on success; 0 for a handle that is null or no event (ERROR_INVALID_HANDLE). Any thread.
+// Non-zero on success; 0 for a handle that is null or no event (ERROR_INVALID_HANDLE). Any thread. What the
+// thread did before SetEvent is seen by those whom the signal releases. A released thread may close the event
+// at once.
 KX_API int SetEvent(HANDLE hEvent) noexcept;
 KX_API int ResetEvent(HANDLE hEvent) noexcept;
 
 // Waits until the object (event, thread, process) is signalled: WAIT_OBJECT_0; WAIT_TIMEOUT when that many
-// milliseconds of the clock passed first; WAIT_FAILED at once for a null handle. A thread is signalled when
-// it has ended. The handle must stay open during the call.
+// milliseconds of the clock passed first; WAIT_FAILED at once for a null handle or INVALID_HANDLE_VALUE. A
+// thread is signalled when it has ended, its thread-local objects included. With 0 it only looks, and INFINITE
+// has no time-out. The handle must stay open during the call.
 KX_API DWORD WaitForSingleObject(HANDLE hObject, DWORD dwMilliseconds);
 
 // Ends a handle of an event, thread or process; the object lives on while a thread waits for it or runs.
 // Non-zero on success, 0 for null or INVALID_HANDLE_VALUE. A handle is closed once and not used after that.
 KX_API int CloseHandle(HANDLE hObject) noexcept;
 
-// Starts a thread that runs `pfnStart(pArg)`. The stack size, security and flags arguments are accepted; 0
-// means the default. `pThreadId` may be null. The caller closes the handle, which doesn't end the thread.
-// 0 if no thread could be started.
+// Starts a thread that runs `pfnStart(pArg)`. The security and flags arguments are accepted and ignored; the
+// stack has that many bytes or the system's default, whichever is more. `pThreadId` may be null. The caller closes the handle, which
+// doesn't end the thread. 0 if no thread could be started, with nothing run. An exception that leaves
+// `pfnStart` ends the process (std::terminate).
 KX_API std::uintptr_t _beginthreadex(void* pSecurity, unsigned nStackSize, unsigned (*pfnStart)(void*),
                                      void* pArg, unsigned nFlags, unsigned* pThreadId);
 

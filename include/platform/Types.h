@@ -26,6 +26,7 @@ using HMODULE = HINSTANCE;
 using HWND = struct HWND__*;
 using HDESK = struct HDESK__*;
 using HKEY = struct HKEY__*;
+using HICON = struct HICON__*;
 using HRSRC = struct HRSRC__*;
 using HGLOBAL = void*;
 

@@ -1,16 +1,15 @@
 #include "platform/files/CurrentDirectory.h"
 
-#include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
-#include "platform/files/Path.h"
-#include "platform/text/CharWalk.h"
 
 #include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <sys/stat.h>
 #include <unistd.h>
+
+namespace kx::path {
 
 namespace {
 
@@ -22,7 +21,7 @@ struct Chosen
 
 Chosen& TheChosen()
 {
-    static kx::Immortal<Chosen> chosen;
+    static Immortal<Chosen> chosen;
     return chosen.Get();
 }
 
@@ -36,7 +35,7 @@ bool IsHere(const std::string& path)
 
 } // namespace
 
-std::string kx::path::CurrentDirectory()
+std::string CurrentDirectory()
 {
     std::string chosen;
     {
@@ -48,12 +47,12 @@ std::string kx::path::CurrentDirectory()
     return path && *path == '/' ? path.get() : "";
 }
 
-int SetCurrentDirectoryA(const char* pszPath)
+bool ChangeDirectory(const std::string& systemPath)
 {
-    auto path = kx::path::ToSystem(pszPath);
-    if (!path) return 0;
     const std::lock_guard lock(TheChosen().lock); // so that the path is that of the last change
-    if (chdir(path->c_str()) != 0) return kx::FailErrno();
-    TheChosen().path = std::move(*path);
-    return 1;
+    if (chdir(systemPath.c_str()) != 0) return false;
+    TheChosen().path = systemPath;
+    return true;
 }
+
+} // namespace kx::path

@@ -1,16 +1,18 @@
 #include "platform/files/Drives.h"
 
 #include "platform/Immortal.h"
+#include "platform/files/MountTable.h"
+#include "platform/files/SystemDrives.h"
 
 #include <array>
 #include <atomic>
+#include <filesystem>
 #include <mutex>
 
 namespace kx::drives {
 
 namespace {
 
-constexpr std::size_t kLetters = 26;
 std::atomic<unsigned> g_generation{0};
 
 // 0 for `A` to 25 for `Z`; kLetters for no letter.
@@ -21,92 +23,98 @@ std::size_t IndexOf(char letter)
     return kLetters;
 }
 
-struct Table
+class HostDrives
 {
-    std::mutex lock;
-    std::array<std::optional<Drive>, kLetters> host;
+public:
+    std::optional<Drive> Find(std::size_t index)
+    {
+        const std::lock_guard lock(m_lock);
+        if (m_drives[index] || index != IndexOf('C')) return m_drives[index];
+        Drive system;
+        system.root = "";
+        return system;
+    }
+
+    Letters Taken()
+    {
+        const std::lock_guard lock(m_lock);
+        Letters taken;
+        for (std::size_t i = 0; i < kLetters; ++i)
+            taken[i] = m_drives[i].has_value();
+        return taken;
+    }
+
+    void Set(std::size_t index, std::optional<Drive> drive)
+    {
+        const std::lock_guard lock(m_lock);
+        m_drives[index] = std::move(drive);
+        g_generation.fetch_add(1, std::memory_order_release);
+    }
+
+private:
+    std::mutex m_lock;
+    std::array<std::optional<Drive>, kLetters> m_drives;
 };
 
-Table& TheTable()
+HostDrives& TheHost()
 {
-    static Immortal<Table> table;
-    return table.Get();
-}
-
-std::optional<Drive> FindLocked(Table& table, std::size_t index)
-{
-    if (table.host[index]) return table.host[index];
-    if (index != IndexOf('C')) return std::nullopt;
-    Drive system;
-    system.root = "";
-    return system;
-}
-
-bool IsBelow(std::string_view path, std::string_view root)
-{
-    return path.starts_with(root) && (path.size() == root.size() || path[root.size()] == '/');
+    static Immortal<HostDrives> drives;
+    return drives.Get();
 }
 
 } // namespace
 
-std::optional<Drive> Find(char letter)
+std::optional<Drive> Find(char letter, bool bLook)
 {
     const std::size_t index = IndexOf(letter);
     if (index == kLetters) return std::nullopt;
-    Table& table = TheTable();
-    const std::lock_guard lock(table.lock);
-    return FindLocked(table, index);
+    if (auto drive = TheHost().Find(index)) return drive;
+    return FindSystemDrive(index, TheHost().Taken(), bLook ? Look::Again : Look::AtMounts);
 }
 
 std::optional<Drive> Holding(std::string_view systemPath)
 {
-    Table& table = TheTable();
-    const std::lock_guard lock(table.lock);
     std::optional<Drive> best;
-    for (std::size_t i = 0; i < kLetters; ++i) {
-        auto drive = FindLocked(table, (i + IndexOf('C')) % kLetters);
-        if (!drive || !drive->root || !IsBelow(systemPath, *drive->root)) continue;
+    const auto consider = [&](std::optional<Drive> drive) {
+        if (!drive || !drive->root || !IsBelow(systemPath, *drive->root)) return;
         if (!best || best->root->size() < drive->root->size()) best = std::move(drive);
-    }
+    };
+    const Letters taken = TheHost().Taken();
+    for (std::size_t i = 0; i < kLetters; ++i)
+        consider(TheHost().Find((i + IndexOf('C')) % kLetters));
+    for (Drive& drive : AllSystemDrives(taken))
+        if (!taken[IndexOf(drive.letter)]) consider(std::move(drive));
     return best;
 }
 
 unsigned Generation() noexcept
 {
-    return g_generation.load(std::memory_order_acquire);
+    return g_generation.load(std::memory_order_acquire) + SystemGeneration();
 }
 
 } // namespace kx::drives
 
 bool KXHost::MountDrive(char cLetter, const Drive& drive)
 {
-    using namespace kx::drives;
-    const std::size_t index = IndexOf(cLetter);
-    if (index == kLetters || (!drive.strRoot.empty() && drive.strRoot[0] != '/')) return false;
+    const std::size_t index = kx::drives::IndexOf(cLetter);
+    if (index == kx::drives::kLetters || (!drive.strRoot.empty() && drive.strRoot[0] != '/')) return false;
     kx::drives::Drive mounted;
     mounted.letter = static_cast<char>('A' + index);
     mounted.type = drive.nType;
     mounted.label = drive.strLabel;
     mounted.fileSystem = drive.strFileSystem;
     mounted.serial = drive.dwSerial;
-    mounted.bHost = true;
     if (!drive.strRoot.empty()) {
-        mounted.root = drive.strRoot;
+        mounted.root = std::filesystem::path(drive.strRoot).lexically_normal().native();
         while (mounted.root->ends_with('/'))
             mounted.root->pop_back();
     }
-    const std::lock_guard lock(TheTable().lock);
-    TheTable().host[index] = std::move(mounted);
-    g_generation.fetch_add(1, std::memory_order_release);
+    kx::drives::TheHost().Set(index, std::move(mounted));
     return true;
 }
 
 void KXHost::UnmountDrive(char cLetter)
 {
-    using namespace kx::drives;
-    const std::size_t index = IndexOf(cLetter);
-    if (index == kLetters) return;
-    const std::lock_guard lock(TheTable().lock);
-    TheTable().host[index].reset();
-    g_generation.fetch_add(1, std::memory_order_release);
+    const std::size_t index = kx::drives::IndexOf(cLetter);
+    if (index != kx::drives::kLetters) kx::drives::TheHost().Set(index, std::nullopt);
 }

@@ -21,13 +21,11 @@ struct Drive
     std::string label;
     std::string fileSystem;
     DWORD serial = 0;
-    bool bHost = false;
-    // The block device of a drive of the system (`sdb1`, `sr0`).
-    std::string device;
 };
 
-// The drive of a letter in either case; nothing where there is none.
-std::optional<Drive> Find(char letter);
+// The drive of a letter in either case; nothing where there is none. `bLook` also finds drives that were
+// plugged in since, which takes longer; what was mounted is found in any case.
+std::optional<Drive> Find(char letter, bool bLook = false);
 
 // The drive whose root holds an absolute Linux path: the longest root, then the lowest letter from `C` on.
 std::optional<Drive> Holding(std::string_view systemPath);

@@ -123,7 +123,7 @@ std::optional<Resolved> Resolve(const char* pszPath)
     resolved.absolute = parts.drive && parts.rooted;
     resolved.root = resolved.system.size() == start->root;
     resolved.trailing = IsSeparator(utf8->back());
-    if (resolved.system.empty()) resolved.system = "/";
+    if (resolved.system.empty()) resolved.system.push_back('/');
     return resolved;
 }
 

@@ -4,7 +4,6 @@
 #include "platform/files/Path.h"
 
 #include <fcntl.h>
-#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -30,9 +29,6 @@ std::optional<RegularFile> RegularFile::Open(const char* pszPath)
         RetryEintr([&] { return open(path->c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
     if (!fd || fstat(fd.Get(), &info) != 0) return refuse(ErrorFromErrno(errno));
     if (!S_ISREG(info.st_mode)) return refuse(ERROR_ACCESS_DENIED);
-
-    std::error_code ignored;
-    if (!path->starts_with('/')) *path = std::filesystem::absolute(*path, ignored).string();
     return RegularFile(std::move(fd), std::move(*path), static_cast<std::uint64_t>(info.st_size));
 }
 

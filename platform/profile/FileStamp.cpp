@@ -22,7 +22,8 @@ std::int64_t Tick() noexcept
 {
     static const std::int64_t tick = [] {
         timespec resolution{};
-        return clock_getres(CLOCK_REALTIME_COARSE, &resolution) == 0 ? Nanoseconds(resolution) : kSecond / 100;
+        return clock_getres(CLOCK_REALTIME_COARSE, &resolution) == 0 ? Nanoseconds(resolution)
+                                                                     : kSecond / 100;
     }();
     return tick;
 }
@@ -30,7 +31,10 @@ std::int64_t Tick() noexcept
 } // namespace
 
 FileStamp::FileStamp(const struct stat& status) noexcept
-    : device(status.st_dev), inode(status.st_ino), size(status.st_size), modified(status.st_mtim),
+    : device(status.st_dev),
+      inode(status.st_ino),
+      size(status.st_size),
+      modified(status.st_mtim),
       changed(status.st_ctim)
 {
 }

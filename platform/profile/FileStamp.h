@@ -1,8 +1,8 @@
 #pragma once
 
+#include <ctime>
 #include <sys/stat.h>
 #include <sys/types.h>
-#include <ctime>
 
 namespace kx::profile {
 

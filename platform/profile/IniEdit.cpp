@@ -49,7 +49,8 @@ std::string Insert(std::string_view text, std::size_t pos, std::initializer_list
     const std::string_view lineEnd = LineEnd(text);
     const std::string_view before = WithoutMark(text.substr(0, pos));
     std::string lines(before.empty() || before.back() == '\n' ? std::string_view() : lineEnd);
-    for (const auto& line : added) lines.append(line).append(lineEnd);
+    for (const auto& line : added)
+        lines.append(line).append(lineEnd);
     return Replace(text, pos, pos, lines);
 }
 

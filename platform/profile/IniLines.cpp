@@ -60,8 +60,8 @@ std::string_view WithoutMark(std::string_view text) noexcept
 std::string_view Unquote(std::string_view value) noexcept
 {
     value = value.substr(0, value.find('\0'));
-    const bool bQuoted = value.size() >= 2 && value.front() == value.back() &&
-                         (value.front() == '"' || value.front() == '\'');
+    const bool bQuoted =
+        value.size() >= 2 && value.front() == value.back() && (value.front() == '"' || value.front() == '\'');
     return bQuoted ? value.substr(1, value.size() - 2) : value;
 }
 

@@ -112,12 +112,13 @@ void ParsedIni::Order()
 const ParsedIni::Entry* ParsedIni::Look(std::uint32_t group, std::string_view name) const
 {
     const SoughtName sought(name);
-    const auto found = std::lower_bound(
-        m_entries.begin(), m_entries.end(), sought, [this, group](const Entry& entry, const SoughtName& other) {
-            if (entry.group != group) return entry.group < group;
-            if (entry.hash != other.HashValue()) return entry.hash < other.HashValue();
-            return View(entry.name) < other.View();
-        });
+    const auto found = std::lower_bound(m_entries.begin(), m_entries.end(), sought,
+                                        [this, group](const Entry& entry, const SoughtName& other) {
+                                            if (entry.group != group) return entry.group < group;
+                                            if (entry.hash != other.HashValue())
+                                                return entry.hash < other.HashValue();
+                                            return View(entry.name) < other.View();
+                                        });
     const bool bFound = found != m_entries.end() && found->group == group &&
                         found->hash == sought.HashValue() && View(found->name) == sought.View();
     return bFound ? &*found : nullptr;

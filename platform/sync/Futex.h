@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <ctime>
 
-// Sleeping on a 32-bit word until another thread changes it. A wait also returns early for reasons of its own, so
-// callers look at the word again. A wake uses the word's address only: what it stands in may be gone by then.
-// errno stays as it was.
+// Sleeping on a 32-bit word until another thread changes it. A wait also returns early for reasons of its
+// own, so callers look at the word again. A wake uses the word's address only: what it stands in may be gone
+// by then. errno stays as it was.
 
 namespace kx::sync {
 

@@ -12,8 +12,8 @@ struct ListLink
     T* next = nullptr;
 };
 
-// A list of objects that live elsewhere, mostly on the stacks of waiting threads: joining and leaving cost a few
-// stores and no memory. It owns nothing and takes no lock.
+// A list of objects that live elsewhere, mostly on the stacks of waiting threads: joining and leaving cost a
+// few stores and no memory. It owns nothing and takes no lock.
 template <class T>
 class IntrusiveList
 {

@@ -15,8 +15,9 @@ namespace kx::clock {
 //         if (!alarm.Wait(seen)) return false;
 //     }
 //
-// Others wake the thread by changing the word and then FutexWake. The clock itself changes it by adding kRing,
-// so the word's lowest bit is the owner's and the others tell nothing. Several threads may wait on one word.
+// Others wake the thread by changing the word and then FutexWake. The clock itself changes it by adding
+// kRing, so the word's lowest bit is the owner's and the others tell nothing. Several threads may wait on one
+// word.
 class Alarm : private sync::ListLink<Alarm>
 {
 public:
@@ -28,8 +29,8 @@ public:
     Alarm& operator=(const Alarm&) = delete;
     ~Alarm();
 
-    // Sleeps while the word holds `seen`; false at once if the deadline has come. Also returns, with true, for
-    // no reason.
+    // Sleeps while the word holds `seen`; false at once if the deadline has come. Also returns, with true,
+    // for no reason.
     bool Wait(std::uint32_t seen) noexcept;
 
     // The clock has come to `now`: wakes whose deadline that is.

@@ -46,11 +46,6 @@ Moment RealNow() noexcept
     return Moment(SystemNow() + nanoseconds(g_ahead.load(std::memory_order_relaxed)));
 }
 
-bool LooksVirtual() noexcept
-{
-    return g_bVirtual.load(std::memory_order_acquire);
-}
-
 std::int64_t SaturatingAdd(std::int64_t a, std::int64_t b) noexcept
 {
     std::int64_t sum;
@@ -78,7 +73,7 @@ Moment Move(std::uint64_t nMilliseconds) noexcept
 
 Moment Monotonic::now() noexcept
 {
-    if (LooksVirtual()) {
+    if (IsVirtual()) {
         std::lock_guard lock(g_lock);
         if (g_bVirtual.load(std::memory_order_relaxed)) return g_virtual.now;
     }
@@ -92,12 +87,12 @@ Moment DeadlineAfter(DWORD dwMilliseconds) noexcept
 
 std::int64_t WallSeconds() noexcept
 {
-    return LooksVirtual() ? WallTime().tv_sec : std::time(nullptr);
+    return IsVirtual() ? WallTime().tv_sec : std::time(nullptr);
 }
 
 std::timespec WallTime() noexcept
 {
-    if (LooksVirtual()) {
+    if (IsVirtual()) {
         std::lock_guard lock(g_lock);
         if (g_bVirtual.load(std::memory_order_relaxed)) return VirtualWall(g_virtual);
     }
@@ -108,20 +103,20 @@ std::timespec WallTime() noexcept
 
 bool IsVirtual() noexcept
 {
-    return LooksVirtual();
+    return g_bVirtual.load(std::memory_order_acquire);
 }
 
 std::timespec ToSystem(Moment moment) noexcept
 {
-    const auto time =
-        std::max(nanoseconds(0), moment.time_since_epoch() - nanoseconds(g_ahead.load(std::memory_order_relaxed)));
+    const auto time = std::max(nanoseconds(0), moment.time_since_epoch() -
+                                                   nanoseconds(g_ahead.load(std::memory_order_relaxed)));
     const auto whole = std::chrono::floor<seconds>(time);
     return {whole.count(), (time - whole).count()};
 }
 
 bool SkipSleep(DWORD dwMilliseconds)
 {
-    if (!LooksVirtual()) return false;
+    if (!IsVirtual()) return false;
     Moment now;
     {
         std::lock_guard lock(g_lock);

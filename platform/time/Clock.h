@@ -7,9 +7,9 @@
 #include <ctime>
 
 // The one clock: everything in the library that tells the time or waits for it asks here. It is the system's,
-// or a virtual one that stands still until the host moves it. Its monotonic time goes on from where it is when
-// the host changes from one to the other, so a deadline keeps its meaning and runs on the clock of the day.
-// Any thread; works from static destructors too.
+// or a virtual one that stands still until the host moves it. Its monotonic time goes on from where it is
+// when the host changes from one to the other, so a deadline keeps its meaning and runs on the clock of the
+// day. Any thread; works from static destructors too.
 //
 // Waiting for a deadline: see Alarm.h (on a word) and Condition.h (on a lock and a condition).
 

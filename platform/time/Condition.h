@@ -6,6 +6,7 @@ namespace kx::clock {
 
 // A condition variable whose waits end by the clock. It works with any lock that has lock() and unlock(); the
 // state that is waited for changes under that lock, and the notice may be given inside or outside of it.
+// It must outlive every wait on it.
 class Condition
 {
 public:
@@ -29,7 +30,8 @@ public:
         return bInTime;
     }
 
-    // Waits until `ready()`, which is called under the lock, gives true; its result when the deadline has come.
+    // Waits until `ready()`, which is called under the lock, gives true; its result when the deadline has
+    // come.
     template <class Lock, class Ready>
     bool WaitUntil(Lock& lock, Moment deadline, Ready ready)
     {

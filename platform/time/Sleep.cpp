@@ -14,5 +14,6 @@ void Sleep(DWORD dwMilliseconds)
     if (dwMilliseconds != INFINITE && kx::clock::SkipSleep(dwMilliseconds)) return;
     kx::sync::Word word{0};
     kx::clock::Alarm alarm(word, kx::clock::DeadlineAfter(dwMilliseconds));
-    while (alarm.Wait(word.load(std::memory_order_acquire))) {}
+    while (alarm.Wait(word.load(std::memory_order_acquire))) {
+    }
 }

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "platform/FileSystem.h"
+#include "platform/String.h"
+
+namespace kx::files {
+
+inline bool EndsInBackslash(const CString& strPath)
+{
+    return !strPath.IsEmpty() && strPath.ReverseFind('\\') == strPath.GetLength() - 1;
+}
+
+inline void AddBackslash(CString& strPath)
+{
+    if (!EndsInBackslash(strPath)) strPath += '\\';
+}
+
+inline bool IsDirectory(const WIN32_FIND_DATAA& data)
+{
+    return (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+inline bool IsLink(const WIN32_FIND_DATAA& data)
+{
+    return (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+
+// `.`, `..` and every other directory that the walks pass over.
+inline bool BeginsWithPoint(const WIN32_FIND_DATAA& data)
+{
+    return data.cFileName[0] == '.';
+}
+
+// An open search, which stands at an entry until Next gives false. It closes itself.
+class FileSearch
+{
+public:
+    FileSearch(const CString& strPattern, WIN32_FIND_DATAA& data)
+        : m_data(data), m_hFind(FindFirstFileA(strPattern, &data))
+    {
+    }
+    FileSearch(const FileSearch&) = delete;
+    FileSearch& operator=(const FileSearch&) = delete;
+    ~FileSearch() { Close(); }
+
+    explicit operator bool() const { return m_hFind != INVALID_HANDLE_VALUE; }
+    bool Next() { return FindNextFileA(m_hFind, &m_data) != 0; }
+    // Non-zero if it was open and is closed now.
+    int Close()
+    {
+        if (!*this) return 0;
+        const int bClosed = FindClose(m_hFind);
+        m_hFind = INVALID_HANDLE_VALUE;
+        return bClosed;
+    }
+
+private:
+    WIN32_FIND_DATAA& m_data;
+    HANDLE m_hFind;
+};
+
+} // namespace kx::files

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "KXExport.h"
+#include "platform/String.h"
+#include "platform/Types.h"
+
+// What an executable file says of itself. Any thread.
+class KX_API CKXExeFileInfo
+{
+public:
+    // The four numbers of a version, each 0 to 65535.
+    struct VersionInfo
+    {
+        DWORD dwMajor;
+        DWORD dwMinor;
+        DWORD dwRevision;
+        DWORD dwBuild;
+    };
+
+    // Reads the version of a PE image (its version resource) or of an ELF file that was built with
+    // kx_file_version (CMake). 1; 0, with `info` untouched, for a file without a version or one that can't be
+    // read.
+    static int GetFileInfo(const CString& strPath, VersionInfo& info);
+};

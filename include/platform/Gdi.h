@@ -1,0 +1,295 @@
+#pragma once
+
+// Drawing: surfaces, the objects selected into them, block copies, shapes, regions and text.
+//
+// A handle is an opaque number that is never reused soon; null, stale and foreign handles are harmless: each
+// operation then gives its failure. Coordinates are pixels from the top left; rectangles exclude their right and
+// bottom. Everything clips to the surfaces it reads and writes. Pixels are held as 32 bits, 0x00RRGGBB in a
+// DWORD with a high byte that copies keep and comparisons ignore, whatever depth a bitmap declares.
+//
+// Threads: handles may be passed between threads; one surface, or an object selected into it, is used by one
+// thread at a time.
+
+#include "../KXExport.h"
+#include "Geometry.h"
+#include "Types.h"
+
+using HDC = struct HDC__*;
+using HGDIOBJ = void*;
+using HBITMAP = struct HBITMAP__*;
+using HRGN = struct HRGN__*;
+using HPEN = struct HPEN__*;
+using HBRUSH = struct HBRUSH__*;
+using HFONT = struct HFONT__*;
+
+inline constexpr COLORREF CLR_INVALID = 0xFFFFFFFF;
+
+constexpr BYTE GetRValue(COLORREF clr) { return static_cast<BYTE>(clr); }
+constexpr BYTE GetGValue(COLORREF clr) { return static_cast<BYTE>(clr >> 8); }
+constexpr BYTE GetBValue(COLORREF clr) { return static_cast<BYTE>(clr >> 16); }
+
+// ---- Objects in general
+
+// Ends an object that the caller made. 0 for a stock object, and for an object that is selected into a
+// surface: it stays, so that nothing is drawn from freed pixels.
+KX_API int DeleteObject(HGDIOBJ hObject);
+
+// Selects a bitmap, pen, brush or font into a surface and returns what it displaced; a region is copied into
+// the clip and gives SIMPLEREGION or the like as a number. Null for a bad handle, and for a bitmap that another
+// surface holds or a bitmap for a surface that isn't a memory surface.
+KX_API HGDIOBJ SelectObject(HDC hDC, HGDIOBJ hObject);
+
+// Copies the object's record into `pBuffer` (a BITMAP for a bitmap, a LOGFONTA for a font, a LOGPEN, a
+// LOGBRUSH) when `nSize` holds it; with a null buffer gives the size. 0 on failure.
+KX_API int GetObjectA(HGDIOBJ hObject, int nSize, void* pBuffer);
+
+inline constexpr int WHITE_BRUSH = 0;
+inline constexpr int LTGRAY_BRUSH = 1;
+inline constexpr int GRAY_BRUSH = 2;
+inline constexpr int DKGRAY_BRUSH = 3;
+inline constexpr int BLACK_BRUSH = 4;
+inline constexpr int NULL_BRUSH = 5;
+inline constexpr int WHITE_PEN = 6;
+inline constexpr int BLACK_PEN = 7;
+inline constexpr int NULL_PEN = 8;
+inline constexpr int SYSTEM_FONT = 13;
+inline constexpr int DEFAULT_GUI_FONT = 17;
+// A stock object, which lives as long as the process; null for another number.
+KX_API HGDIOBJ GetStockObject(int nIndex);
+
+// ---- Surfaces
+
+// The surface of the desktop (null or GetDesktopWindow()) or of a window's client area. Given back with
+// ReleaseDC.
+KX_API HDC GetDC(HWND hWnd);
+KX_API int ReleaseDC(HWND hWnd, HDC hDC);
+// A memory surface with a bitmap of 1 by 1 pixel in it, black pen, white brush, default font; ended with
+// DeleteDC, which gives back what is selected. `hDC` null means the desktop's.
+KX_API HDC CreateCompatibleDC(HDC hDC);
+KX_API int DeleteDC(HDC hDC);
+// The rectangle that drawing is clipped to; gives NULLREGION (1), SIMPLEREGION (2), COMPLEXREGION (3), or
+// ERROR (0).
+KX_API int GetClipBox(HDC hDC, RECT* pRect);
+// Clips to a copy of the region; null: to the surface alone.
+KX_API int SelectClipRgn(HDC hDC, HRGN hRgn);
+
+// ---- Bitmaps
+
+struct BITMAP
+{
+    LONG bmType;       // 0
+    LONG bmWidth;
+    LONG bmHeight;
+    LONG bmWidthBytes; // of a row at the declared depth, padded to 16 bits (to 32 for a bitmap from a file)
+    WORD bmPlanes;     // 1
+    WORD bmBitsPixel;  // the declared depth
+    void* bmBits;      // null
+};
+
+struct RGBQUAD
+{
+    BYTE rgbBlue;
+    BYTE rgbGreen;
+    BYTE rgbRed;
+    BYTE rgbReserved;
+};
+
+struct BITMAPINFOHEADER
+{
+    DWORD biSize;
+    LONG biWidth;
+    LONG biHeight;
+    WORD biPlanes;
+    WORD biBitCount;
+    DWORD biCompression;
+    DWORD biSizeImage;
+    LONG biXPelsPerMeter;
+    LONG biYPelsPerMeter;
+    DWORD biClrUsed;
+    DWORD biClrImportant;
+};
+
+struct BITMAPINFO
+{
+    BITMAPINFOHEADER bmiHeader;
+    RGBQUAD bmiColors[1];
+};
+
+inline constexpr DWORD BI_RGB = 0;
+inline constexpr DWORD BI_RLE8 = 1;
+inline constexpr DWORD BI_RLE4 = 2;
+inline constexpr DWORD BI_BITFIELDS = 3;
+inline constexpr UINT DIB_RGB_COLORS = 0;
+
+// The most pixels that a bitmap may have; more is refused before anything is allocated.
+inline constexpr std::int64_t MAX_BITMAP_PIXELS = std::int64_t{1} << 26;
+
+// A black bitmap of 32 bits. Null for a bad surface, a size of 0 or below, or too many pixels.
+KX_API HBITMAP CreateCompatibleBitmap(HDC hDC, int cx, int cy);
+
+inline constexpr UINT IMAGE_BITMAP = 0;
+inline constexpr UINT IMAGE_ICON = 1;
+inline constexpr UINT LR_LOADFROMFILE = 0x10;
+inline constexpr UINT LR_CREATEDIBSECTION = 0x2000;
+
+// Loads an image at its own size (`cx`, `cy` 0): a bitmap from a BMP file of 1, 4, 8, 16, 24 or 32 bits, or an
+// icon from an ICO file, of which the entry nearest to `cx` by `cy` is taken. With LR_LOADFROMFILE `pszName` is a
+// path, otherwise a resource of the module (a number by MAKEINTRESOURCEA). The caller ends a bitmap with
+// DeleteObject, an icon with DestroyIcon. Null for anything that is no such image.
+KX_API HANDLE LoadImageA(HINSTANCE hInstance, const char* pszName, UINT nType, int cx, int cy, UINT nFlags);
+KX_API HBITMAP LoadBitmapA(HINSTANCE hInstance, const char* pszName);
+KX_API int DestroyIcon(HICON hIcon);
+// Draws an icon at its own size; its mask leaves pixels alone.
+KX_API int DrawIcon(HDC hDC, int x, int y, HICON hIcon);
+// The icon's width and height in pixels; 0 for a bad handle.
+KX_API int GetIconSize(HICON hIcon, SIZE* pSize);
+
+// Copies rows of a bitmap in the bitmap's declared depth, or that of the header. With biBitCount 0 it fills the
+// header with the bitmap's own and copies nothing. A negative biHeight gives the top row first. Colour tables are
+// written behind the header where the depth has one; its caller leaves room for it (see GetDIBits' note in the
+// source of a caller). Returns the rows copied, or non-zero for a filled header; 0 on failure.
+KX_API int GetDIBits(HDC hDC, HBITMAP hBitmap, UINT nStart, UINT nLines, void* pBits, BITMAPINFO* pInfo, UINT nUsage);
+
+KX_API COLORREF GetPixel(HDC hDC, int x, int y);            // CLR_INVALID outside
+KX_API COLORREF SetPixel(HDC hDC, int x, int y, COLORREF clr);
+
+// ---- Block copies
+
+inline constexpr DWORD SRCCOPY = 0x00CC0020;
+
+// Copies a block one to one; what lies outside either surface is left out. Source and destination may be one
+// surface and overlap. 0 for a bad surface or another operation than SRCCOPY.
+KX_API int BitBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, int ySrc, DWORD dwRop);
+// Copies a block into one of another size, taking the nearest pixel. Negative sizes are refused.
+KX_API int StretchBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, int ySrc, int cxSrc, int cySrc,
+                      DWORD dwRop);
+// The same, leaving out the source's pixels of colour `clrKey`. A source block that leaves its surface is
+// refused, as the platform does: 0.
+KX_API int TransparentBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, int ySrc, int cxSrc,
+                          int cySrc, UINT clrKey);
+
+// ---- Regions
+
+inline constexpr int RGN_AND = 1;
+inline constexpr int RGN_OR = 2;
+inline constexpr int RGN_XOR = 3;
+inline constexpr int RGN_DIFF = 4;
+inline constexpr int RGN_COPY = 5;
+inline constexpr int RGN_ERROR = 0;
+inline constexpr int NULLREGION = 1;
+inline constexpr int SIMPLEREGION = 2;
+inline constexpr int COMPLEXREGION = 3;
+
+// The corners may come in any order. The caller ends a region with DeleteObject.
+KX_API HRGN CreateRectRgn(int nLeft, int nTop, int nRight, int nBottom);
+KX_API HRGN CreateRoundRectRgn(int nLeft, int nTop, int nRight, int nBottom, int cxEllipse, int cyEllipse);
+// A region of `nCount` rectangles, which may overlap; empty ones count for nothing.
+KX_API HRGN CreateRectsRgn(const RECT* pRects, int nCount);
+// `hDst` becomes a combination of two regions, either of which may be `hDst` itself. RGN_COPY takes the first.
+KX_API int CombineRgn(HRGN hDst, HRGN hSrc1, HRGN hSrc2, int nMode);
+KX_API int EqualRgn(HRGN a, HRGN b);
+KX_API int PtInRegion(HRGN hRgn, int x, int y);
+KX_API int GetRgnBox(HRGN hRgn, RECT* pRect);
+KX_API int OffsetRgn(HRGN hRgn, int x, int y);
+// The region's rectangles in rows from top to bottom, at most `nMax`; gives how many there are.
+KX_API int GetRgnRects(HRGN hRgn, RECT* pRects, int nMax);
+KX_API int FillRgn(HDC hDC, HRGN hRgn, HBRUSH hBrush);
+
+// ---- Pens, brushes and shapes
+
+inline constexpr int PS_SOLID = 0;
+inline constexpr int PS_NULL = 5;
+struct LOGPEN
+{
+    UINT lopnStyle;
+    POINT lopnWidth;
+    COLORREF lopnColor;
+};
+struct LOGBRUSH
+{
+    UINT lbStyle;
+    COLORREF lbColor;
+    std::uintptr_t lbHatch;
+};
+
+// A solid pen of `nWidth` pixels (0 counts as 1), or with PS_NULL one that draws nothing.
+KX_API HPEN CreatePen(int nStyle, int nWidth, COLORREF clr);
+KX_API HBRUSH CreateSolidBrush(COLORREF clr);
+// A rectangle outlined with the pen, inside its sides, and filled with the brush. Nothing for an empty one.
+KX_API int Rectangle(HDC hDC, int nLeft, int nTop, int nRight, int nBottom);
+KX_API int RoundRect(HDC hDC, int nLeft, int nTop, int nRight, int nBottom, int cxEllipse, int cyEllipse);
+KX_API int FillRect(HDC hDC, const RECT* pRect, HBRUSH hBrush);
+KX_API int MoveToEx(HDC hDC, int x, int y, POINT* pOld);
+// A line from the current position up to, not including, the point given.
+KX_API int LineTo(HDC hDC, int x, int y);
+
+// ---- Text
+
+inline constexpr int TRANSPARENT = 1;
+inline constexpr int OPAQUE = 2;
+inline constexpr int FW_NORMAL = 400;
+inline constexpr int FW_BOLD = 700;
+
+struct LOGFONTA
+{
+    LONG lfHeight; // above 0: the cell's height, below: the letters'; 0: the default
+    LONG lfWidth;
+    LONG lfEscapement;
+    LONG lfOrientation;
+    LONG lfWeight;
+    BYTE lfItalic;
+    BYTE lfUnderline;
+    BYTE lfStrikeOut;
+    BYTE lfCharSet;
+    BYTE lfOutPrecision;
+    BYTE lfClipPrecision;
+    BYTE lfQuality;
+    BYTE lfPitchAndFamily;
+    char lfFaceName[32]; // in the process's code page
+};
+
+// A font by face name, height, weight, italic, underline and strike-out; the rest is ignored. The nearest face that
+// the system has serves an unknown name.
+KX_API HFONT CreateFontIndirectA(const LOGFONTA* pFont);
+
+// Each gives the old value, CLR_INVALID or 0 for a bad surface. At first: black on white, OPAQUE.
+KX_API COLORREF SetTextColor(HDC hDC, COLORREF clr);
+KX_API COLORREF GetTextColor(HDC hDC);
+KX_API COLORREF SetBkColor(HDC hDC, COLORREF clr);
+KX_API COLORREF GetBkColor(HDC hDC);
+KX_API int SetBkMode(HDC hDC, int nMode);
+KX_API int GetBkMode(HDC hDC);
+
+inline constexpr UINT DT_LEFT = 0x0;
+inline constexpr UINT DT_TOP = 0x0;
+inline constexpr UINT DT_CENTER = 0x1;
+inline constexpr UINT DT_RIGHT = 0x2;
+inline constexpr UINT DT_VCENTER = 0x4;
+inline constexpr UINT DT_BOTTOM = 0x8;
+inline constexpr UINT DT_WORDBREAK = 0x10;
+inline constexpr UINT DT_SINGLELINE = 0x20;
+inline constexpr UINT DT_NOCLIP = 0x100;
+inline constexpr UINT DT_CALCRECT = 0x400;
+inline constexpr UINT DT_NOPREFIX = 0x800;
+
+// Draws a text of `nLength` bytes (-1: up to its NUL) in the process's code page with the surface's font and
+// colours, grey anti-aliased. DT_VCENTER and DT_BOTTOM count with DT_SINGLELINE alone; without it CR and LF break
+// lines. DT_CALCRECT draws nothing and moves the rectangle's right (and, as the lines need, bottom) to the text's
+// advance and height. A single "&" underlines the letter behind it unless DT_NOPREFIX. Drawing is clipped to the
+// rectangle unless DT_NOCLIP. The text's height, 0 on failure.
+KX_API int DrawTextA(HDC hDC, const char* pszText, int nLength, RECT* pRect, UINT nFormat);
+KX_API int TextOutA(HDC hDC, int x, int y, const char* pszText, int nLength);
+KX_API int GetTextExtentPoint32A(HDC hDC, const char* pszText, int nLength, SIZE* pSize);
+
+struct TEXTMETRICA
+{
+    LONG tmHeight; // tmAscent + tmDescent
+    LONG tmAscent;
+    LONG tmDescent;
+    LONG tmInternalLeading;
+    LONG tmExternalLeading;
+    LONG tmAveCharWidth;
+    LONG tmMaxCharWidth;
+    LONG tmWeight;
+};
+KX_API int GetTextMetricsA(HDC hDC, TEXTMETRICA* pMetrics);

@@ -1,0 +1,140 @@
+#include "platform/debug/Observers.h"
+
+#include "include/platform/Host.h"
+#include "platform/Immortal.h"
+
+#include <algorithm>
+#include <atomic>
+#include <memory>
+#include <mutex>
+
+namespace kx::debug {
+
+namespace {
+
+// One observer and how many calls of it run. After it has been removed no call begins.
+class Observer
+{
+public:
+    Observer(int nId, KXHost::DebugObserver call) : m_nId(nId), m_call(std::move(call)) {}
+
+    int Id() const noexcept { return m_nId; }
+
+    void Tell(std::string_view text) noexcept
+    {
+        if (!(m_state.fetch_add(kOneCall) & kRemoved)) {
+            try {
+                m_call(text);
+            } catch (...) { // the sender has no part in it
+            }
+        }
+        if (m_state.fetch_sub(kOneCall) == kOneCall + kRemoved) m_state.notify_all();
+    }
+
+    void Remove() noexcept { m_state.fetch_or(kRemoved); }
+
+    // After Remove: returns when no call runs, with what the observer held freed.
+    void Finish() noexcept
+    {
+        for (unsigned state; (state = m_state.load()) != kRemoved;)
+            m_state.wait(state);
+        m_call = nullptr;
+    }
+
+private:
+    static constexpr unsigned kRemoved = 1;
+    static constexpr unsigned kOneCall = 2;
+
+    const int m_nId;
+    KXHost::DebugObserver m_call;
+    std::atomic<unsigned> m_state{0};
+};
+
+using List = std::vector<std::shared_ptr<Observer>>;
+
+struct Registry
+{
+    std::mutex lock;
+    std::shared_ptr<const List> list =
+        std::make_shared<List>(); // never changed, only replaced; under the lock
+    int nLastId = 0;              // under the lock
+};
+
+constinit std::atomic<bool> g_bAny{false};
+
+Registry& TheRegistry()
+{
+    static Immortal<Registry> registry;
+    return registry.Get();
+}
+
+// The observers whose calls are running on this thread, innermost first.
+struct Call
+{
+    const Observer* observer;
+    const Call* outer;
+};
+constinit thread_local const Call* t_calls = nullptr;
+
+bool IsCalled(const Observer& observer) noexcept
+{
+    for (const Call* call = t_calls; call; call = call->outer)
+        if (call->observer == &observer) return true;
+    return false;
+}
+
+} // namespace
+
+void TellObservers(std::string_view text)
+{
+    if (!g_bAny.load(std::memory_order_acquire)) return;
+    Registry& registry = TheRegistry();
+    std::shared_ptr<const List> list;
+    {
+        std::lock_guard lock(registry.lock);
+        list = registry.list;
+    }
+    for (const auto& observer : *list) {
+        if (IsCalled(*observer)) continue;
+        const Call call{observer.get(), t_calls};
+        t_calls = &call;
+        observer->Tell(text);
+        t_calls = call.outer;
+    }
+}
+
+} // namespace kx::debug
+
+int KXHost::AddDebugObserver(DebugObserver observer)
+{
+    using namespace kx::debug;
+    Registry& registry = TheRegistry();
+    std::lock_guard lock(registry.lock);
+    const int nId = registry.nLastId == INT32_MAX ? 1 : registry.nLastId + 1;
+    auto list = std::make_shared<List>(*registry.list);
+    if (observer) list->push_back(std::make_shared<Observer>(nId, std::move(observer)));
+    registry.nLastId = nId;
+    registry.list = std::move(list);
+    g_bAny.store(!registry.list->empty(), std::memory_order_release);
+    return nId;
+}
+
+void KXHost::RemoveDebugObserver(int nObserver)
+{
+    using namespace kx::debug;
+    Registry& registry = TheRegistry();
+    std::shared_ptr<Observer> removed;
+    {
+        std::lock_guard lock(registry.lock);
+        auto list = std::make_shared<List>(*registry.list);
+        const auto found =
+            std::find_if(list->begin(), list->end(), [&](const auto& one) { return one->Id() == nObserver; });
+        if (found == list->end()) return;
+        removed = *found;
+        list->erase(found);
+        registry.list = std::move(list);
+        g_bAny.store(!registry.list->empty(), std::memory_order_release);
+    }
+    removed->Remove();
+    if (!t_calls) removed->Finish();
+}

@@ -1,0 +1,65 @@
+// DeleteFileA, CreateDirectoryA, RemoveDirectoryA.
+
+#include "include/platform/FileSystem.h"
+#include "platform/Errno.h"
+#include "platform/files/EntryInfo.h"
+#include "platform/files/Path.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+struct Entry
+{
+    kx::path::Resolved path;
+    DWORD dwAttributes = 0;
+
+    bool Has(DWORD dwAttribute) const { return (dwAttributes & dwAttribute) != 0; }
+};
+
+// An existing entry; nothing, with the last error set, where there is none.
+std::optional<Entry> FindEntry(const char* pszPath)
+{
+    auto path = kx::path::Resolve(pszPath);
+    if (!path) return std::nullopt;
+    const auto attributes = kx::path::ReadAttributes(path->system);
+    if (!attributes) {
+        kx::path::FailAt(path->system);
+        return std::nullopt;
+    }
+    return Entry{std::move(*path), *attributes};
+}
+
+} // namespace
+
+// The platform refuses read-only files to everyone, also to those whom the system would let delete them.
+int DeleteFileA(const char* pszPath)
+{
+    const auto entry = FindEntry(pszPath);
+    if (!entry) return 0;
+    if (entry->Has(FILE_ATTRIBUTE_DIRECTORY) || entry->Has(FILE_ATTRIBUTE_READONLY))
+        return kx::Fail(ERROR_ACCESS_DENIED);
+    if (entry->path.trailing) return kx::Fail(ERROR_DIRECTORY);
+    return unlink(entry->path.system.c_str()) == 0 || kx::path::FailAt(entry->path.system);
+}
+
+int CreateDirectoryA(const char* pszPath, void*)
+{
+    const auto path = kx::path::Resolve(pszPath);
+    if (!path) return 0;
+    return mkdir(path->system.c_str(), 0777) == 0 || kx::path::FailAt(path->system);
+}
+
+int RemoveDirectoryA(const char* pszPath)
+{
+    const auto entry = FindEntry(pszPath);
+    if (!entry) return 0;
+    if (!entry->Has(FILE_ATTRIBUTE_DIRECTORY)) return kx::Fail(ERROR_DIRECTORY);
+    if (entry->path.root) return kx::Fail(ERROR_ACCESS_DENIED); // a drive keeps its root
+    const char* pszSystem = entry->path.system.c_str();
+    const bool bGone =
+        entry->Has(FILE_ATTRIBUTE_REPARSE_POINT) ? unlink(pszSystem) == 0 : rmdir(pszSystem) == 0;
+    if (bGone) return 1;
+    return errno == EEXIST ? kx::Fail(ERROR_DIR_NOT_EMPTY) : kx::path::FailAt(entry->path.system);
+}

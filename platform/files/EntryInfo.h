@@ -1,0 +1,35 @@
+#pragma once
+
+#include "include/platform/FileSystem.h"
+
+#include <optional>
+#include <string>
+
+namespace kx::path {
+
+// What the layer tells of a directory entry: WIN32_FIND_DATAA without the names.
+struct EntryInfo
+{
+    DWORD dwAttributes = 0;
+    FILETIME ftCreation{};
+    FILETIME ftAccess{};
+    FILETIME ftWrite{};
+    std::uint64_t size = 0;
+};
+
+// Looks at an entry by its Linux path, relative to the directory `fd` or absolute; `errno` on failure.
+std::optional<EntryInfo> ReadEntryInfo(int fd, const char* pszPath, bool bHidden);
+
+// The attributes alone.
+std::optional<DWORD> ReadAttributes(const std::string& systemPath);
+
+// Sets the last error for a call on a Linux path that failed with `errno`, a missing directory told from a
+// missing file, and gives 0.
+int FailAt(const std::string& systemPath) noexcept;
+
+// The last component of a Linux path.
+std::string_view LastName(std::string_view systemPath) noexcept;
+// The directory that holds an entry.
+std::string DirectoryOf(const std::string& systemPath);
+
+} // namespace kx::path

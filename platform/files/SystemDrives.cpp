@@ -1,0 +1,180 @@
+#include "platform/files/SystemDrives.h"
+
+#include "include/platform/FileSystem.h"
+#include "platform/Immortal.h"
+#include "platform/UniqueFd.h"
+#include "platform/files/BlockDevices.h"
+#include "platform/files/Directory.h"
+#include "platform/files/MountTable.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <fcntl.h>
+#include <mutex>
+#include <poll.h>
+#include <utility>
+
+namespace kx::drives {
+
+namespace {
+
+constexpr std::size_t kFirstLetter = 'D' - 'A';
+std::atomic<unsigned> g_generation{0};
+
+// Where a device's file system is mounted as a whole, or at least in part; `/` is the drive `C:`.
+std::optional<std::string> MountPoint(const BlockDevice& device, const std::vector<Mount>& mounts)
+{
+    const Mount* found = nullptr;
+    for (const Mount& mount : mounts)
+        if (device.IsSourceOf(mount) && mount.point != "/" &&
+            (!found || (found->root != "/" && mount.root == "/")))
+            found = &mount;
+    if (!found) return std::nullopt;
+    return found->point;
+}
+
+class SystemDrives
+{
+public:
+    std::optional<Drive> Find(std::size_t letter, const Letters& taken, Look look)
+    {
+        const std::lock_guard lock(m_lock);
+        Refresh(taken, look);
+        return m_drives[letter];
+    }
+
+    std::vector<Drive> All(const Letters& taken)
+    {
+        const std::lock_guard lock(m_lock);
+        Refresh(taken, Look::AtMounts);
+        std::vector<Drive> all;
+        for (const auto& drive : m_drives)
+            if (drive) all.push_back(*drive);
+        return all;
+    }
+
+    std::string Root()
+    {
+        const std::lock_guard lock(m_lock);
+        return m_root;
+    }
+
+    void SetRoot(std::string root)
+    {
+        const std::lock_guard lock(m_lock);
+        m_root = std::move(root);
+        m_devices = {};
+        m_drives = {};
+        m_table.Reset();
+        m_disks.clear();
+        g_generation.fetch_add(1, std::memory_order_release);
+    }
+
+private:
+    void Refresh(const Letters& taken, Look look)
+    {
+        const bool bMounts = MountsChanged();
+        const bool bDisks = look == Look::Again && DisksChanged();
+        if (bMounts || bDisks) Read(taken);
+    }
+
+    // The kernel wakes pollers of its mount table at each change; a table that stands in for it is always
+    // read.
+    bool MountsChanged()
+    {
+        if (!m_root.empty()) return true;
+        if (!m_table) {
+            m_table.Reset(open(MountTableFile(m_root).c_str(), O_RDONLY | O_CLOEXEC));
+            return static_cast<bool>(m_table);
+        }
+        pollfd watch{m_table.Get(), POLLPRI, 0};
+        return poll(&watch, 1, 0) > 0 && (watch.revents & (POLLPRI | POLLERR)) != 0;
+    }
+
+    bool DisksChanged()
+    {
+        Directory entries((m_root + "/sys/block").c_str());
+        std::vector<std::string> disks;
+        while (const auto entry = entries.Next())
+            disks.emplace_back(entry->name);
+        std::sort(disks.begin(), disks.end());
+        return std::exchange(m_disks, disks) != disks;
+    }
+
+    void Read(const Letters& taken)
+    {
+        const auto mounts = ReadMounts(m_root);
+        std::array<std::optional<Drive>, kLetters> drives;
+        for (const BlockDevice& device : ReadRemovableDevices(m_root)) {
+            auto point = MountPoint(device, mounts);
+            const std::size_t letter = point || device.bOptical ? LetterOf(device.name, taken) : kLetters;
+            if (letter == kLetters) continue;
+            Drive drive;
+            drive.letter = static_cast<char>('A' + letter);
+            drive.root = std::move(point);
+            drive.type = device.bOptical ? DRIVE_CDROM : DRIVE_REMOVABLE;
+            drives[letter] = std::move(drive);
+        }
+        const auto isSame = [](const auto& a, const auto& b) {
+            return a.has_value() == b.has_value() && (!a || (a->root == b->root && a->type == b->type));
+        };
+        if (!std::equal(drives.begin(), drives.end(), m_drives.begin(), isSame))
+            g_generation.fetch_add(1, std::memory_order_release);
+        m_drives = std::move(drives);
+    }
+
+    // The letter that a device has or gets; kLetters when none is left.
+    std::size_t LetterOf(const std::string& device, const Letters& taken)
+    {
+        const auto found = std::find(m_devices.begin(), m_devices.end(), device);
+        if (found != m_devices.end()) return static_cast<std::size_t>(found - m_devices.begin());
+        std::size_t letter = kFirstLetter;
+        while (letter < kLetters && (taken[letter] || !m_devices[letter].empty()))
+            ++letter;
+        if (letter < kLetters) m_devices[letter] = device;
+        return letter;
+    }
+
+    std::mutex m_lock;
+    std::string m_root;
+    std::array<std::string, kLetters> m_devices; // which device has each letter
+    std::array<std::optional<Drive>, kLetters> m_drives;
+    UniqueFd m_table;
+    std::vector<std::string> m_disks;
+};
+
+SystemDrives& TheDrives()
+{
+    static Immortal<SystemDrives> drives;
+    return drives.Get();
+}
+
+} // namespace
+
+std::optional<Drive> FindSystemDrive(std::size_t letter, const Letters& taken, Look look)
+{
+    return TheDrives().Find(letter, taken, look);
+}
+
+std::vector<Drive> AllSystemDrives(const Letters& taken)
+{
+    return TheDrives().All(taken);
+}
+
+std::string SystemRoot()
+{
+    return TheDrives().Root();
+}
+
+unsigned SystemGeneration() noexcept
+{
+    return g_generation.load(std::memory_order_acquire);
+}
+
+} // namespace kx::drives
+
+void KXHost::SetSystemRoot(const std::string& strDir)
+{
+    kx::drives::TheDrives().SetRoot(strDir);
+}

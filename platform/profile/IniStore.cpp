@@ -1,0 +1,89 @@
+#include "platform/profile/IniStore.h"
+
+#include "platform/Errno.h"
+#include "platform/Immortal.h"
+#include "platform/files/Path.h"
+#include "platform/profile/FileReplacement.h"
+#include "platform/profile/FileText.h"
+#include "platform/profile/IniCache.h"
+
+#include <utility>
+
+namespace kx::profile {
+
+namespace {
+
+IniCache& Cache()
+{
+    static Immortal<IniCache> cache;
+    return cache.Get();
+}
+
+IniPtr IniOf(CachedIniPtr file)
+{
+    const ParsedIni* ini = &file->ini;
+    return {std::move(file), ini};
+}
+
+IniPtr Load(std::string_view name, const std::string& path, unsigned generation)
+{
+    FileText file;
+    if (const DWORD error = ReadFileText(path, file)) {
+        SetLastError(error);
+        return nullptr;
+    }
+    auto loaded = std::make_shared<const CachedIni>(path, std::move(file), generation);
+    Cache().Put(name, loaded);
+    return IniOf(std::move(loaded));
+}
+
+IniPtr ReadAt(const std::string& path, unsigned generation)
+{
+    if (auto file = Cache().Find(path); file && file->IsCurrent(generation)) return IniOf(std::move(file));
+    return Load(path, path, generation);
+}
+
+bool HasDrive(std::string_view path) noexcept
+{
+    return path.size() > 1 && path[1] == ':';
+}
+
+} // namespace
+
+// The way of a path through its directories costs more than all the rest, so a file is kept by the text of
+// its path where that text alone names it: an exact spelling wins over every other as long as it is there.
+// Other files are kept by their Linux path, which never looks like one of those texts.
+IniPtr Read(const char* pszFile)
+{
+    const std::string_view spelled = pszFile ? std::string_view(pszFile) : std::string_view();
+    const unsigned generation = path::Generation();
+    if (HasDrive(spelled))
+        if (auto file = Cache().Find(spelled); file && file->IsCurrent(generation))
+            return IniOf(std::move(file));
+
+    const auto resolved = path::Resolve(pszFile);
+    if (!resolved) return nullptr;
+    if (resolved->absolute && resolved->exact) return Load(spelled, resolved->system, generation);
+    return ReadAt(resolved->system, generation);
+}
+
+IniPtr ReadSystem(const std::string& path)
+{
+    return ReadAt(path, path::Generation());
+}
+
+DWORD Update(const std::string& path, mode_t mode, const Edit& edit)
+{
+    FileReplacement replacement;
+    if (const DWORD error = replacement.Begin(path, mode)) return error;
+    FileText file;
+    const DWORD error = ReadFileText(replacement.Target(), file);
+    if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND) return error;
+    const auto edited = edit(file.text);
+    if (!edited) return ERROR_INVALID_PARAMETER;
+    if (*edited == file.text) return ERROR_SUCCESS;
+    if (edited->size() > kMaxFile) return ERROR_DISK_FULL;
+    return replacement.Commit(*edited);
+}
+
+} // namespace kx::profile

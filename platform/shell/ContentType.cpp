@@ -1,0 +1,118 @@
+#include "platform/shell/ContentType.h"
+
+#include "platform/files/ReadFile.h"
+#include "platform/shell/Wording.h"
+
+#include <gio/gio.h>
+#include <memory>
+#include <string_view>
+#include <sys/stat.h>
+
+namespace kx::shell {
+
+namespace {
+
+constexpr std::size_t kHead = 4096; // more than any of the database's rules looks at
+
+struct Free
+{
+    void operator()(char* text) const noexcept { g_free(text); }
+    void operator()(GIcon* icon) const noexcept { g_object_unref(icon); }
+};
+
+using Text = std::unique_ptr<char, Free>;
+
+// The entry itself, or what it points at if there is such a thing.
+bool Stat(const std::string& path, struct stat& info) noexcept
+{
+    return stat(path.c_str(), &info) == 0 || lstat(path.c_str(), &info) == 0;
+}
+
+std::string_view NameOf(std::string_view path)
+{
+    return path.substr(path.rfind('/') + 1);
+}
+
+Text Guess(const std::string& name, std::string_view head, bool& bUncertain)
+{
+    gboolean uncertain = FALSE;
+    Text type(g_content_type_guess(name.c_str(), reinterpret_cast<const guchar*>(head.data()), head.size(),
+                                   &uncertain));
+    bUncertain = uncertain != FALSE;
+    return type;
+}
+
+Text FileType(const std::string& path, const struct stat& info)
+{
+    const std::string name(NameOf(path));
+    bool bUncertain = false;
+    Text type = Guess(name, {}, bUncertain);
+    if (!bUncertain) return type;
+    if (info.st_size == 0) return Text(g_strdup("application/x-zerosize"));
+    const auto head = ReadFile(path, kHead);
+    return head && !head->empty() ? Guess(name, *head, bUncertain) : std::move(type);
+}
+
+Text TypeOf(const std::string& path, const struct stat& info)
+{
+    switch (info.st_mode & S_IFMT) {
+    case S_IFREG:
+        return FileType(path, info);
+    case S_IFDIR:
+        return Text(g_strdup("inode/directory"));
+    case S_IFLNK:
+        return Text(g_strdup("inode/symlink"));
+    case S_IFCHR:
+        return Text(g_strdup("inode/chardevice"));
+    case S_IFBLK:
+        return Text(g_strdup("inode/blockdevice"));
+    case S_IFIFO:
+        return Text(g_strdup("inode/fifo"));
+    default:
+        return Text(g_strdup("inode/socket"));
+    }
+}
+
+// A description that only repeats the type's name comes from no database.
+std::string Describe(const char* type, const std::string& path, bool bDirectory)
+{
+    const Text text(g_content_type_get_description(type));
+    const bool bKnown =
+        text && !g_content_type_is_unknown(type) && !std::string_view(text.get()).starts_with(type);
+    if (bKnown) return text.get();
+    return bDirectory ? FolderWording() : FileWording(NameOf(path));
+}
+
+std::string IconsOf(const char* type)
+{
+    std::string names;
+    const std::unique_ptr<GIcon, Free> icon(g_content_type_get_icon(type));
+    if (!G_IS_THEMED_ICON(icon.get())) return names;
+    for (const char* const* name = g_themed_icon_get_names(G_THEMED_ICON(icon.get())); *name; ++name) {
+        if (std::string_view(*name).ends_with("-symbolic"))
+            continue; // one-coloured: for buttons, not for lists
+        if (!names.empty()) names += ' ';
+        names += *name;
+    }
+    return names;
+}
+
+} // namespace
+
+std::optional<ContentType> FindContentType(const std::string& path)
+{
+    struct stat info;
+    if (!Stat(path, info)) return std::nullopt;
+    const Text type = TypeOf(path, info);
+    const bool bDirectory = S_ISDIR(info.st_mode);
+    // Every theme has a folder, also where no database says so.
+    return ContentType{Describe(type.get(), path, bDirectory), bDirectory ? "folder" : IconsOf(type.get())};
+}
+
+bool IsDirectory(const std::string& path) noexcept
+{
+    struct stat info;
+    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+} // namespace kx::shell

@@ -1,0 +1,124 @@
+#include "include/platform/Shell.h"
+
+#include "include/platform/FileSystem.h"
+#include "platform/Errno.h"
+#include "platform/files/Path.h"
+#include "platform/shell/ContentType.h"
+#include "platform/shell/ImageList.h"
+#include "platform/shell/Wording.h"
+#include "platform/text/CharWalk.h"
+#include "platform/text/Conversion.h"
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace {
+
+// What is shown of a path; texts in the process's code page.
+struct Item
+{
+    std::string name;
+    std::string type;
+    std::string icons;
+};
+
+// The upper-case letter of a drive; 0 for anything else.
+constexpr char DriveLetter(char ch) noexcept
+{
+    const char upper = ch >= 'a' && ch <= 'z' ? static_cast<char>(ch - 'a' + 'A') : ch;
+    return upper >= 'A' && upper <= 'Z' ? upper : '\0';
+}
+
+// The drive of a text that says `X:\`, which is a drive even while it holds no medium; 0 for another text.
+char SpelledDrive(std::string_view path) noexcept
+{
+    const bool bRoot = path.size() >= 3 && path[1] == ':' && path.find_first_not_of("\\/", 2) == path.npos;
+    return bRoot ? DriveLetter(path[0]) : '\0';
+}
+
+// The drive whose root was resolved from a text (`\`, `C:\a\..`).
+char ResolvedDrive(std::string_view path, const kx::path::Resolved& resolved)
+{
+    if (path.size() >= 2 && path[1] == ':') return DriveLetter(path[0]);
+    const auto named = kx::path::FromSystem(resolved.system);
+    return named ? named->GetAt(0) : '\0';
+}
+
+const char* DriveIcon(UINT nDriveType)
+{
+    switch (nDriveType) {
+    case DRIVE_REMOVABLE:
+        return "drive-removable-media";
+    case DRIVE_CDROM:
+        return "drive-optical media-optical";
+    case DRIVE_REMOTE:
+        return "folder-remote network-server";
+    default:
+        return "drive-harddisk";
+    }
+}
+
+std::optional<Item> FindDrive(char letter)
+{
+    const std::array<char, 4> root{letter, ':', '\\', '\0'};
+    const UINT kind = GetDriveTypeA(root.data());
+    if (kind == DRIVE_NO_ROOT_DIR) {
+        SetLastError(ERROR_PATH_NOT_FOUND);
+        return std::nullopt;
+    }
+    Item item;
+    item.type = kx::text::FromUtf8Lossy(kx::shell::DriveWording(kind));
+    item.icons = DriveIcon(kind);
+    std::array<char, MAX_PATH> label{};
+    const bool bLabelled = GetVolumeInformationA(root.data(), label.data(), label.size(), nullptr, nullptr,
+                                                 nullptr, nullptr, 0) &&
+                           label[0] != '\0';
+    item.name = (bLabelled ? label.data() : item.type) + " (" + letter + ":)";
+    return item;
+}
+
+std::optional<Item> FindEntry(const kx::path::Resolved& resolved)
+{
+    if (resolved.trailing && !kx::shell::IsDirectory(resolved.system)) {
+        SetLastError(ERROR_PATH_NOT_FOUND);
+        return std::nullopt;
+    }
+    const auto content = kx::shell::FindContentType(resolved.system);
+    if (!content) {
+        kx::FailErrno();
+        return std::nullopt;
+    }
+    const std::string name = resolved.system.substr(resolved.system.rfind('/') + 1);
+    return Item{kx::text::FromUtf8Lossy(name), kx::text::FromUtf8Lossy(content->type), content->icons};
+}
+
+std::optional<Item> FindItem(const char* pszPath)
+{
+    if (const char letter = pszPath ? SpelledDrive(pszPath) : '\0') return FindDrive(letter);
+    const auto resolved = kx::path::Resolve(pszPath);
+    if (!resolved) return std::nullopt;
+    return resolved->root ? FindDrive(ResolvedDrive(pszPath, *resolved)) : FindEntry(*resolved);
+}
+
+template <std::size_t Size>
+void Put(const std::string& text, char (&field)[Size])
+{
+    kx::text::CopyCut(text, field, Size);
+}
+
+} // namespace
+
+std::uintptr_t SHGetFileInfoA(const char* pszPath, DWORD, SHFILEINFOA* pInfo, UINT cbInfo, UINT nFlags)
+{
+    if (!pInfo || cbInfo < sizeof(SHFILEINFOA))
+        return static_cast<std::uintptr_t>(kx::Fail(ERROR_INVALID_PARAMETER));
+    const auto item = FindItem(pszPath);
+    if (nFlags & SHGFI_DISPLAYNAME) Put(item ? item->name : "", pInfo->szDisplayName);
+    if (nFlags & SHGFI_TYPENAME) Put(item ? item->type : "", pInfo->szTypeName);
+    if (nFlags & SHGFI_SYSICONINDEX) pInfo->iIcon = item ? kx::shell::IconIndex(item->icons) : 0;
+    if (!item) return 0;
+    if (!(nFlags & SHGFI_SYSICONINDEX)) return 1;
+    return reinterpret_cast<std::uintptr_t>(kx::shell::SystemImageList((nFlags & SHGFI_SMALLICON) != 0));
+}

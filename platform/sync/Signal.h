@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/sync/Futex.h"
+#include "platform/sync/IntrusiveList.h"
+#include "platform/time/Clock.h"
+
+#include <mutex>
+
+namespace kx::sync {
+
+// What threads wait for: a flag that stays set until cleared (manual), or a signal that releases one wait
+// (automatic). With threads waiting, an automatic signal goes straight to the one that waits longest: signals
+// given in a row each release another, and nobody who comes later takes one away.
+//
+// Setting it with nobody waiting, and looking at it, take no lock and make no system call. A released thread
+// may end the object: Set doesn't touch it after its first release.
+class Signal
+{
+public:
+    enum class Reset
+    {
+        Manual,
+        Automatic,
+    };
+
+    Signal(Reset reset, bool bSet) noexcept : m_bManual(reset == Reset::Manual), m_state(bSet ? kSet : 0) {}
+    Signal(const Signal&) = delete;
+    Signal& operator=(const Signal&) = delete;
+
+    void Set() noexcept;
+    void Clear() noexcept;
+    // True when it is set; takes an automatic signal.
+    bool TryTake() noexcept;
+    // Waits for it; false when the deadline came first.
+    bool WaitUntil(clock::Moment deadline) noexcept;
+
+private:
+    struct Waiter : ListLink<Waiter>
+    {
+        Word word{0}; // kReleased once it is released
+        bool bQueued = false;
+    };
+
+    static constexpr std::uint32_t kSet = 1;
+    static constexpr std::uint32_t kQueued = 2; // m_queue isn't empty; never together with kSet
+    static constexpr std::uint32_t kReleased = 1;
+
+    bool TakeOrQueue(Waiter& waiter) noexcept;
+    bool Leave(Waiter& waiter) noexcept;
+    bool Release() noexcept;
+
+    const bool m_bManual;
+    Word m_state;
+    std::mutex m_lock;
+    IntrusiveList<Waiter> m_queue; // guarded by m_lock, like bQueued of its elements and changes of kQueued
+};
+
+} // namespace kx::sync

@@ -1,0 +1,49 @@
+#include "platform/time/BrokenTime.h"
+
+#include <array>
+#include <cstring>
+#include <locale.h>
+#include <string>
+
+namespace kx::clock {
+
+namespace {
+
+locale_t PlainLocale()
+{
+    static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+    return plain;
+}
+
+// strftime tells an empty text from one that doesn't fit only if the text can't be empty: hence the mark.
+CString FormatLong(const std::tm& fields, const char* pszFormat)
+{
+    const std::string marked = std::string("|") + pszFormat;
+    const std::size_t limit = 4096 + 64 * marked.size();
+    std::string text;
+    for (std::size_t size = 1024; size <= 2 * limit; size *= 2) {
+        text.resize(size);
+        const std::size_t length = strftime_l(text.data(), size, marked.c_str(), &fields, PlainLocale());
+        if (length > 0) return CString(std::string_view(text).substr(1, length - 1));
+    }
+    return {};
+}
+
+} // namespace
+
+bool ToLocal(std::int64_t nTime, std::tm& fields) noexcept
+{
+    const std::time_t time = nTime;
+    return localtime_r(&time, &fields) != nullptr;
+}
+
+CString FormatFields(const std::tm& fields, const char* pszFormat)
+{
+    if (!pszFormat || !*pszFormat) return {};
+    std::array<char, 128> text;
+    const std::size_t length = strftime_l(text.data(), text.size(), pszFormat, &fields, PlainLocale());
+    if (length > 0) return CString(std::string_view(text.data(), length));
+    return FormatLong(fields, pszFormat);
+}
+
+} // namespace kx::clock

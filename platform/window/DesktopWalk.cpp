@@ -1,0 +1,77 @@
+#include "platform/Errno.h"
+#include "platform/Immortal.h"
+#include "platform/text/CharWalk.h"
+#include "platform/window/Desktop.h"
+#include "platform/window/WindowTable.h"
+
+#include <algorithm>
+#include <set>
+
+namespace {
+
+// The open handles of the desktop: numbers that are never used again.
+class OpenDesktops
+{
+public:
+    static OpenDesktops& Instance()
+    {
+        static kx::Immortal<OpenDesktops> open;
+        return open.Get();
+    }
+
+    HDESK Open()
+    {
+        std::lock_guard lock(m_lock);
+        const auto handle = reinterpret_cast<HDESK>(++m_last);
+        m_open.insert(handle);
+        return handle;
+    }
+    bool Close(HDESK hDesk)
+    {
+        std::lock_guard lock(m_lock);
+        return m_open.erase(hDesk) != 0;
+    }
+    bool Has(HDESK hDesk) const
+    {
+        std::lock_guard lock(m_lock);
+        return m_open.contains(hDesk);
+    }
+
+private:
+    mutable std::mutex m_lock;
+    std::uintptr_t m_last = 0;
+    std::set<HDESK> m_open;
+};
+
+// The windows of every process, oldest first.
+std::vector<HWND> AllWindows()
+{
+    std::vector<HWND> handles = kx::window::WindowTable::Instance().Handles();
+    const std::vector<HWND> foreign = kx::window::Desktop::Instance().ForeignWindows();
+    handles.insert(handles.end(), foreign.begin(), foreign.end());
+    std::ranges::sort(handles);
+    return handles;
+}
+
+} // namespace
+
+HDESK OpenDesktopA(const char* pszName, DWORD, int, DWORD)
+{
+    if (pszName && kx::text::CompareNoCase(pszName, "Default") == 0) return OpenDesktops::Instance().Open();
+    SetLastError(ERROR_FILE_NOT_FOUND);
+    return nullptr;
+}
+
+int CloseDesktop(HDESK hDesk)
+{
+    return OpenDesktops::Instance().Close(hDesk) ? 1 : kx::Fail(ERROR_INVALID_HANDLE);
+}
+
+int EnumDesktopWindows(HDESK hDesk, WNDENUMPROC pfn, long lParam)
+{
+    if (!pfn) return kx::Fail(ERROR_INVALID_PARAMETER);
+    if (hDesk && !OpenDesktops::Instance().Has(hDesk)) return kx::Fail(ERROR_INVALID_HANDLE);
+    for (const HWND hWnd : AllWindows())
+        if (IsWindow(hWnd) && !pfn(hWnd, lParam)) return 0;
+    return 1;
+}

@@ -1,0 +1,105 @@
+#include "platform/window/Lifetime.h"
+
+#include "platform/Errno.h"
+#include "platform/window/Desktop.h"
+#include "platform/window/ThreadQueue.h"
+#include "platform/window/WindowTable.h"
+
+namespace kx::window {
+
+namespace {
+
+void End(Window& window) noexcept
+{
+    WindowTable::Instance().Remove(window.Handle());
+    Desktop::Instance().Destroy(window.Handle());
+    window.Owner().Forget(window);
+    window.LeaveClass();
+}
+
+// Ends a window at the end of a scope, also when its procedure throws.
+class EndAtExit
+{
+public:
+    explicit EndAtExit(Window& window) noexcept : m_window(window) {}
+    EndAtExit(const EndAtExit&) = delete;
+    EndAtExit& operator=(const EndAtExit&) = delete;
+    ~EndAtExit()
+    {
+        if (!m_bKeep && !m_window.ended) End(m_window);
+    }
+    void Keep() noexcept { m_bKeep = true; }
+
+private:
+    Window& m_window;
+    bool m_bKeep = false;
+};
+
+// Whether both messages of the creation went well. The procedure may also end the window in them.
+bool Announce(Window& window, const CREATESTRUCTA& create)
+{
+    const auto lParam = reinterpret_cast<LPARAM>(&create);
+    const bool bAccepted = window.Call(WM_NCCREATE, 0, lParam) != 0;
+    if (window.ended) return false;
+    if (!bAccepted) {
+        window.ending = true;
+        window.Call(WM_NCDESTROY, 0, 0);
+        return false;
+    }
+    if (window.Call(WM_CREATE, 0, lParam) == -1) DestroyWindow(window.Handle());
+    return !window.ended;
+}
+
+} // namespace
+
+void EndWindowsOf(Queue& owner) noexcept
+{
+    while (const auto window = WindowTable::Instance().FindOwnedBy(owner))
+        End(*window);
+}
+
+} // namespace kx::window
+
+namespace window = kx::window;
+
+HWND CreateWindowExA(DWORD, const char* pszClassName, const char* pszName, DWORD dwStyle, int x, int y,
+                     int nWidth, int nHeight, void* pParam)
+{
+    const auto refuse = [](DWORD dwError) {
+        SetLastError(dwError);
+        return HWND{};
+    };
+    auto cls = window::ClassTable::Instance().Find(pszClassName);
+    if (!cls) return refuse(ERROR_CLASS_DOES_NOT_EXIST);
+    auto queue = window::ThisThread();
+    if (!queue) return refuse(ERROR_INVALID_THREAD_ID);
+
+    const CString className = cls->name;
+    const CREATESTRUCTA create{pParam, pszName, className, x, y, nWidth, nHeight, dwStyle};
+    const auto made =
+        std::make_shared<window::Window>(window::NewHandle(), std::move(cls), std::move(queue), pszName);
+    const HWND hWnd = made->Handle();
+    window::WindowTable::Instance().Add(made);
+    window::EndAtExit end(*made);
+    if (!window::Desktop::Instance().Create(hWnd, create)) return refuse(ERROR_NOT_ENOUGH_MEMORY);
+    if (!window::Announce(*made, create)) return nullptr;
+    if (dwStyle & WS_VISIBLE) ShowWindow(hWnd, SW_SHOW);
+    if (made->ended) return nullptr;
+    end.Keep();
+    return hWnd;
+}
+
+int DestroyWindow(HWND hWnd)
+{
+    const auto target = window::WindowTable::Instance().Find(hWnd);
+    if (!target) return kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
+    if (!window::IsThisThread(target->Owner()) || target->ending) return kx::Fail(ERROR_ACCESS_DENIED);
+
+    target->ending = true;
+    const window::EndAtExit end(*target);
+    target->visible = false;
+    window::Desktop::Instance().Show(hWnd, false);
+    target->Call(WM_DESTROY, 0, 0);
+    target->Call(WM_NCDESTROY, 0, 0);
+    return 1;
+}

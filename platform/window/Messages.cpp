@@ -1,0 +1,126 @@
+#include "include/platform/Clock.h"
+#include "include/platform/Sync.h"
+#include "platform/Errno.h"
+#include "platform/window/Desktop.h"
+#include "platform/window/ThreadQueue.h"
+#include "platform/window/WindowTable.h"
+
+#include <limits>
+
+namespace {
+
+using kx::window::Desktop;
+using kx::window::Filter;
+using kx::window::Queue;
+using kx::window::SentMessage;
+using kx::window::Window;
+using kx::window::WindowTable;
+
+using WindowPtr = std::shared_ptr<Window>;
+
+int Done(DWORD dwError) noexcept
+{
+    return dwError == ERROR_SUCCESS ? 1 : kx::Fail(dwError);
+}
+
+int PostTo(Queue& queue, const Window* target, UINT nMsg, WPARAM wParam, LPARAM lParam)
+{
+    const MSG msg{target ? target->Handle() : nullptr, nMsg, wParam, lParam, GetTickCount()};
+    return Done(queue.Post(msg, target));
+}
+
+// Sends to a window of another thread and waits for the answer. A thread that has come to its end has no
+// queue any more and no windows to be sent to, so a queue of the moment's will do for the wait.
+LRESULT SendAcross(const WindowPtr& target, UINT nMsg, WPARAM wParam, LPARAM lParam)
+{
+    auto own = kx::window::ThisThread();
+    if (!own) own = std::make_shared<Queue>(GetCurrentThreadId());
+    Queue& receiver = target->Owner();
+    const auto message = std::make_shared<SentMessage>(target, nMsg, wParam, lParam, own);
+    if (const DWORD error = receiver.Send(message); error != ERROR_SUCCESS) return kx::Fail(error);
+
+    // A procedure that is served here meanwhile may throw: then nobody waits any more.
+    struct WithdrawAtExit
+    {
+        Queue& receiver;
+        const SentMessage& message;
+        ~WithdrawAtExit()
+        {
+            if (std::uncaught_exceptions() > 0) receiver.Withdraw(message);
+        }
+    } const withdraw{receiver, *message};
+    return own->WaitForAnswer(*message);
+}
+
+// The window of a filter of this thread; false for one that isn't.
+bool FindOwn(HWND hWnd, WindowPtr& window)
+{
+    if (!hWnd) return true;
+    window = WindowTable::Instance().Find(hWnd);
+    return window && kx::window::IsThisThread(window->Owner());
+}
+
+} // namespace
+
+int PostMessage(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
+{
+    if (!hWnd) {
+        const auto own = kx::window::ThisThread();
+        return own ? PostTo(*own, nullptr, nMsg, wParam, lParam) : kx::Fail(ERROR_INVALID_THREAD_ID);
+    }
+    if (const auto window = WindowTable::Instance().Find(hWnd))
+        return PostTo(window->Owner(), window.get(), nMsg, wParam, lParam);
+    const bool bPosted = Desktop::Instance().PostForeign(hWnd, {nMsg, wParam, lParam});
+    return bPosted ? 1 : kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
+}
+
+int PostThreadMessageA(DWORD dwThreadId, UINT nMsg, WPARAM wParam, LPARAM lParam)
+{
+    const auto queue = kx::window::FindThread(dwThreadId);
+    return queue ? PostTo(*queue, nullptr, nMsg, wParam, lParam) : kx::Fail(ERROR_INVALID_THREAD_ID);
+}
+
+void PostQuitMessage(int nExitCode)
+{
+    if (const auto own = kx::window::ThisThread()) own->PostQuit(nExitCode);
+}
+
+LRESULT SendMessageA(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
+{
+    const auto window = WindowTable::Instance().Find(hWnd);
+    if (window) {
+        const bool bOwn = kx::window::IsThisThread(window->Owner());
+        return bOwn ? window->Call(nMsg, wParam, lParam) : SendAcross(window, nMsg, wParam, lParam);
+    }
+    if (!IsWindow(hWnd)) return kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
+    return Desktop::Instance().SendForeign(hWnd, {nMsg, wParam, lParam});
+}
+
+int GetMessageA(MSG* pMsg, HWND hWnd, UINT nMin, UINT nMax)
+{
+    const auto refuse = [](DWORD dwError) { return kx::Fail(dwError) - 1; };
+    const auto own = kx::window::ThisThread();
+    WindowPtr window;
+    if (!pMsg) return refuse(ERROR_INVALID_PARAMETER);
+    if (!own) return refuse(ERROR_INVALID_THREAD_ID);
+    if (!FindOwn(hWnd, window)) return refuse(ERROR_INVALID_WINDOW_HANDLE);
+    const int nResult = own->Get(*pMsg, {window.get(), nMin, nMax});
+    return nResult < 0 ? refuse(ERROR_INVALID_WINDOW_HANDLE) : nResult;
+}
+
+int PeekMessageA(MSG* pMsg, HWND hWnd, UINT nMin, UINT nMax, UINT nRemove)
+{
+    const auto own = kx::window::ThisThread();
+    WindowPtr window;
+    if (!pMsg) return kx::Fail(ERROR_INVALID_PARAMETER);
+    if (!own) return kx::Fail(ERROR_INVALID_THREAD_ID);
+    if (!FindOwn(hWnd, window)) return kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
+    return own->Peek(*pMsg, {window.get(), nMin, nMax}, (nRemove & PM_REMOVE) != 0);
+}
+
+LRESULT DispatchMessageA(const MSG* pMsg)
+{
+    WindowPtr window;
+    if (!pMsg || !pMsg->hwnd || !FindOwn(pMsg->hwnd, window)) return 0;
+    return window->Call(pMsg->message, pMsg->wParam, pMsg->lParam);
+}

@@ -1,0 +1,156 @@
+#include "platform/window/Queue.h"
+
+#include "include/platform/Clock.h"
+
+#include <algorithm>
+
+namespace kx::window {
+
+bool Filter::Passes(const MSG& msg) const noexcept
+{
+    if (msg.message == WM_QUIT) return true;
+    if (window && window->Handle() != msg.hwnd) return false;
+    return (min == 0 && max == 0) || (msg.message >= min && msg.message <= max);
+}
+
+DWORD Queue::Post(const MSG& msg, const Window* target)
+{
+    {
+        std::lock_guard lock(m_lock);
+        if (m_closed || (target && target->ended)) return ERROR_INVALID_WINDOW_HANDLE;
+        if (m_posted.size() >= kMaxPosted) return ERROR_NOT_ENOUGH_QUOTA;
+        m_posted.push_back(msg);
+    }
+    m_changed.NotifyOne();
+    return ERROR_SUCCESS;
+}
+
+DWORD Queue::Send(const std::shared_ptr<SentMessage>& message)
+{
+    {
+        std::lock_guard lock(m_lock);
+        if (m_closed || message->Target().ended) return ERROR_INVALID_WINDOW_HANDLE;
+        m_sent.push_back(message);
+    }
+    m_changed.NotifyOne();
+    return ERROR_SUCCESS;
+}
+
+void Queue::Withdraw(const SentMessage& message) noexcept
+{
+    Sent gone; // ends when the lock is free again
+    std::lock_guard lock(m_lock);
+    const auto it = std::ranges::find_if(m_sent, [&](const auto& sent) { return sent.get() == &message; });
+    if (it != m_sent.end()) gone.splice(gone.end(), m_sent, it);
+}
+
+void Queue::TakeAnswer(SentMessage& message, LRESULT nResult) noexcept
+{
+    {
+        std::lock_guard lock(m_lock);
+        message.answered = true;
+        message.result = nResult;
+    }
+    m_changed.NotifyOne();
+}
+
+void Queue::PostQuit(int nExitCode)
+{
+    std::lock_guard lock(m_lock);
+    m_quit = MSG{nullptr, WM_QUIT, static_cast<WPARAM>(nExitCode), 0, GetTickCount()};
+}
+
+int Queue::Get(MSG& msg, const Filter& filter)
+{
+    Lock lock(m_lock);
+    for (;;) {
+        ServeSent(lock);
+        if (filter.window && filter.window->ended) return -1;
+        if (Take(msg, filter, true)) return msg.message != WM_QUIT;
+        Wait(lock);
+    }
+}
+
+bool Queue::Peek(MSG& msg, const Filter& filter, bool bRemove)
+{
+    Lock lock(m_lock);
+    ServeSent(lock);
+    return Take(msg, filter, bRemove);
+}
+
+LRESULT Queue::WaitForAnswer(const SentMessage& message)
+{
+    Lock lock(m_lock);
+    for (;;) {
+        if (message.answered) return message.result;
+        ServeSent(lock);
+        if (!message.answered) Wait(lock);
+    }
+}
+
+// Runs what has been sent by now and no more, so that threads that send on and on don't hold up what is
+// posted.
+void Queue::ServeSent(Lock& lock)
+{
+    for (std::size_t n = m_sent.size(); n > 0 && !m_sent.empty(); --n) {
+        {
+            const auto message = std::move(m_sent.front());
+            m_sent.pop_front();
+            lock.unlock();
+            message->Run();
+        }
+        lock.lock();
+    }
+}
+
+bool Queue::Take(MSG& msg, const Filter& filter, bool bRemove)
+{
+    const auto it = std::ranges::find_if(m_posted, [&](const MSG& posted) { return filter.Passes(posted); });
+    if (it != m_posted.end()) {
+        msg = *it;
+        if (bRemove) m_posted.erase(it);
+        return true;
+    }
+    if (!m_quit) return false;
+    msg = *m_quit;
+    if (bRemove) m_quit.reset();
+    return true;
+}
+
+// The one place where a thread waits for messages.
+void Queue::Wait(Lock& lock)
+{
+    if (m_sent.empty()) m_changed.WaitUntil(lock, clock::kNever);
+}
+
+void Queue::Forget(Window& window) noexcept
+{
+    Sent released;
+    {
+        std::lock_guard lock(m_lock);
+        window.ended = true;
+        std::erase_if(m_posted, [&](const MSG& posted) { return posted.hwnd == window.Handle(); });
+        for (auto it = m_sent.begin(); it != m_sent.end();) {
+            const auto here = it++;
+            if (&(*here)->Target() == &window) released.splice(released.end(), m_sent, here);
+        }
+    }
+    for (const auto& message : released)
+        message->Release();
+}
+
+void Queue::Close() noexcept
+{
+    Sent released;
+    {
+        std::lock_guard lock(m_lock);
+        m_closed = true;
+        m_posted.clear();
+        m_quit.reset();
+        released.swap(m_sent);
+    }
+    for (const auto& message : released)
+        message->Release();
+}
+
+} // namespace kx::window

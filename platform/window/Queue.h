@@ -1,0 +1,80 @@
+#pragma once
+
+#include "platform/time/Condition.h"
+#include "platform/window/SentMessage.h"
+#include "platform/window/Window.h"
+
+#include <deque>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+namespace kx::window {
+
+// Which posted messages a thread asks for. WM_QUIT passes every filter.
+struct Filter
+{
+    const Window* window = nullptr; // null: any, and those to the thread
+    UINT min = 0;
+    UINT max = 0; // both 0: any
+
+    bool Passes(const MSG& msg) const noexcept;
+};
+
+// What waits for one thread: messages posted to it or its windows, and messages that other threads sent. No
+// lock is held while a window procedure runs.
+class Queue
+{
+public:
+    static constexpr std::size_t kMaxPosted = 10'000;
+
+    explicit Queue(DWORD dwThreadId) noexcept : m_threadId(dwThreadId) {}
+    Queue(const Queue&) = delete;
+    Queue& operator=(const Queue&) = delete;
+
+    DWORD ThreadId() const noexcept { return m_threadId; }
+
+    // ---- Any thread. The first two give an error number, ERROR_SUCCESS when done.
+
+    // Appends a message, to a window of this thread or, with null, to the thread.
+    DWORD Post(const MSG& msg, const Window* target);
+    DWORD Send(const std::shared_ptr<SentMessage>& message);
+    // Takes back what this queue was sent, if its procedure hasn't begun.
+    void Withdraw(const SentMessage& message) noexcept;
+    // Ends the wait for a message that this queue's thread sent.
+    void TakeAnswer(SentMessage& message, LRESULT nResult) noexcept;
+
+    // ---- The queue's thread
+
+    // WM_QUIT comes after all that is posted; the queue's bound doesn't count it.
+    void PostQuit(int nExitCode);
+    // Waits for a message that passes: 0 for WM_QUIT, -1 when the filter's window has ended, else 1.
+    int Get(MSG& msg, const Filter& filter);
+    // Doesn't wait; false when there is none.
+    bool Peek(MSG& msg, const Filter& filter, bool bRemove);
+    // Serves what is sent here until the message, sent elsewhere, is answered; its result.
+    LRESULT WaitForAnswer(const SentMessage& message);
+    // A window ends: releases its senders and drops what is posted to it.
+    void Forget(Window& window) noexcept;
+    // The thread ends: the same for everything.
+    void Close() noexcept;
+
+private:
+    using Lock = std::unique_lock<std::mutex>;
+    using Sent = std::list<std::shared_ptr<SentMessage>>;
+
+    void ServeSent(Lock& lock);
+    bool Take(MSG& msg, const Filter& filter, bool bRemove);
+    void Wait(Lock& lock);
+
+    const DWORD m_threadId;
+    std::mutex m_lock;
+    clock::Condition m_changed; // the thread alone waits for it
+    std::deque<MSG> m_posted;
+    std::optional<MSG> m_quit;
+    Sent m_sent; // not yet begun
+    bool m_closed = false;
+};
+
+} // namespace kx::window

@@ -1,0 +1,93 @@
+#include "platform/window/ThreadQueue.h"
+
+#include "include/platform/Sync.h"
+#include "platform/Immortal.h"
+#include "platform/window/Lifetime.h"
+
+#include <map>
+#include <mutex>
+
+namespace kx::window {
+
+namespace {
+
+class ThreadTable
+{
+public:
+    static ThreadTable& Instance()
+    {
+        static Immortal<ThreadTable> table;
+        return table.Get();
+    }
+
+    void Add(const std::shared_ptr<Queue>& queue)
+    {
+        std::lock_guard lock(m_lock);
+        m_queues[queue->ThreadId()] = queue;
+    }
+    void Remove(DWORD dwThreadId) noexcept
+    {
+        std::lock_guard lock(m_lock);
+        m_queues.erase(dwThreadId);
+    }
+    std::shared_ptr<Queue> Find(DWORD dwThreadId) const noexcept
+    {
+        std::lock_guard lock(m_lock);
+        const auto it = m_queues.find(dwThreadId);
+        return it == m_queues.end() ? nullptr : it->second;
+    }
+
+private:
+    mutable std::mutex m_lock;
+    std::map<DWORD, std::shared_ptr<Queue>> m_queues;
+};
+
+// Plain values, which can still be asked when the thread's objects are gone.
+constinit thread_local const Queue* t_queue = nullptr;
+constinit thread_local bool t_over = false;
+
+class Holder
+{
+public:
+    Holder() : m_queue(std::make_shared<Queue>(GetCurrentThreadId()))
+    {
+        ThreadTable::Instance().Add(m_queue);
+        t_queue = m_queue.get();
+    }
+    Holder(const Holder&) = delete;
+    Holder& operator=(const Holder&) = delete;
+    ~Holder()
+    {
+        t_over = true;
+        t_queue = nullptr;
+        ThreadTable::Instance().Remove(m_queue->ThreadId());
+        EndWindowsOf(*m_queue);
+        m_queue->Close();
+    }
+
+    const std::shared_ptr<Queue>& Get() const noexcept { return m_queue; }
+
+private:
+    const std::shared_ptr<Queue> m_queue;
+};
+
+} // namespace
+
+std::shared_ptr<Queue> ThisThread()
+{
+    if (t_over) return nullptr;
+    static thread_local Holder holder;
+    return holder.Get();
+}
+
+bool IsThisThread(const Queue& queue) noexcept
+{
+    return t_queue == &queue;
+}
+
+std::shared_ptr<Queue> FindThread(DWORD dwThreadId) noexcept
+{
+    return ThreadTable::Instance().Find(dwThreadId);
+}
+
+} // namespace kx::window

@@ -1,0 +1,106 @@
+// What is asked of a window and set in it.
+
+#include "platform/Errno.h"
+#include "platform/text/CharWalk.h"
+#include "platform/window/Desktop.h"
+#include "platform/window/Queue.h"
+#include "platform/window/WindowTable.h"
+
+namespace {
+
+using kx::window::Desktop;
+using kx::window::WindowTable;
+
+// What is known of a window of any process.
+std::optional<Desktop::ForeignWindow> Look(HWND hWnd) noexcept
+{
+    const auto window = WindowTable::Instance().Find(hWnd);
+    if (!window) return Desktop::Instance().FindForeign(hWnd);
+    return Desktop::ForeignWindow{window->Owner().ThreadId(), window->ProcessId(), window->visible};
+}
+
+// A window of this process, or null with the last error set.
+std::shared_ptr<kx::window::Window> Find(HWND hWnd) noexcept
+{
+    auto window = WindowTable::Instance().Find(hWnd);
+    if (!window) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+    return window;
+}
+
+} // namespace
+
+int IsWindow(HWND hWnd) noexcept
+{
+    return Look(hWnd).has_value();
+}
+
+int IsWindowVisible(HWND hWnd) noexcept
+{
+    const auto found = Look(hWnd);
+    return found && found->visible;
+}
+
+DWORD GetWindowThreadProcessId(HWND hWnd, DWORD* pdwProcessId) noexcept
+{
+    const auto found = Look(hWnd);
+    if (pdwProcessId) *pdwProcessId = found ? found->processId : 0;
+    if (!found) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+    return found ? found->threadId : 0;
+}
+
+int ShowWindow(HWND hWnd, int nCmd)
+{
+    const auto window = Find(hWnd);
+    if (!window) return 0;
+    const bool bShow = nCmd != SW_HIDE;
+    const bool bWas = window->visible;
+    if (bShow == bWas) return bWas;
+    SendMessageA(hWnd, WM_SHOWWINDOW, bShow, 0);
+    window->visible = bShow;
+    Desktop::Instance().Show(hWnd, bShow);
+    return bWas;
+}
+
+WNDPROC GetWindowProcA(HWND hWnd) noexcept
+{
+    const auto window = Find(hWnd);
+    return window ? window->Procedure() : nullptr;
+}
+
+std::intptr_t SetWindowLongPtrA(HWND hWnd, int nIndex, std::intptr_t nValue)
+{
+    const auto window = Find(hWnd);
+    if (!window) return 0;
+    return nIndex == GWLP_USERDATA ? window->userData.exchange(nValue) : kx::Fail(ERROR_INVALID_PARAMETER);
+}
+
+std::intptr_t GetWindowLongPtrA(HWND hWnd, int nIndex)
+{
+    const auto window = Find(hWnd);
+    if (!window) return 0;
+    return nIndex == GWLP_USERDATA ? window->userData.load() : kx::Fail(ERROR_INVALID_PARAMETER);
+}
+
+int SetWindowTextA(HWND hWnd, const char* pszText)
+{
+    const auto window = Find(hWnd);
+    if (!window) return 0;
+    window->SetText(pszText);
+    Desktop::Instance().SetText(hWnd, pszText ? pszText : "");
+    return 1;
+}
+
+int GetWindowTextA(HWND hWnd, char* pszBuffer, int nSize)
+{
+    if (!pszBuffer || nSize <= 0) return kx::Fail(ERROR_INVALID_PARAMETER);
+    *pszBuffer = '\0';
+    const auto window = Find(hWnd);
+    if (!window) return 0;
+    return static_cast<int>(kx::text::CopyCut(window->Text(), pszBuffer, static_cast<std::size_t>(nSize)));
+}
+
+LRESULT DefWindowProcA(HWND hWnd, UINT nMsg, WPARAM, LPARAM)
+{
+    if (nMsg == WM_CLOSE) DestroyWindow(hWnd);
+    return nMsg == WM_NCCREATE;
+}

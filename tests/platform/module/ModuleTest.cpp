@@ -1,0 +1,269 @@
+#include "include/platform/Module.h"
+
+#include "include/platform/Error.h"
+#include "tests/platform/module/Bundles.h"
+#include "tests/support/Host.h"
+
+#include <cstring>
+#include <string_view>
+#include <sys/stat.h>
+
+namespace {
+
+using test::CompileBundle;
+using test::LinkedIn;
+using test::Resources;
+using test::TempDir;
+
+std::string BytesOf(HMODULE hModule, const char* pszName, const char* pszType)
+{
+    const HRSRC found = FindResourceA(hModule, pszName, pszType);
+    if (!found) return "none";
+    const auto* data = static_cast<const char*>(LockResource(LoadResource(hModule, found)));
+    return {data, SizeofResource(hModule, found)};
+}
+
+std::string StringOf(HMODULE hModule, UINT nId, int nSize = 64)
+{
+    std::string buffer(64, '#');
+    const int length = LoadStringA(hModule, nId, buffer.data(), nSize);
+    EXPECT_EQ(std::strlen(buffer.c_str()), static_cast<std::size_t>(length));
+    return buffer.c_str();
+}
+
+// A bundle of these resources, open as a module.
+class OpenModule
+{
+public:
+    explicit OpenModule(const Resources& resources, bool compressed = false)
+    {
+        CompileBundle(m_dir, resources, compressed);
+        m_handle = LoadLibraryA(m_dir.Win("bundle"));
+        EXPECT_NE(m_handle, nullptr);
+    }
+    OpenModule(const OpenModule&) = delete;
+    OpenModule& operator=(const OpenModule&) = delete;
+    ~OpenModule() { FreeLibrary(m_handle); }
+    operator HMODULE() const { return m_handle; }
+    CString Path() const { return m_dir.Win("bundle"); }
+
+private:
+    TempDir m_dir;
+    HMODULE m_handle = nullptr;
+};
+
+TEST(Resource, IsFoundByNameNumberAndType)
+{
+    const OpenModule module(Resources{{"BITMAP/101", "pixels"},
+                                      {"IMAGE/LOGO", "jpeg"},
+                                      {"ICON/1", "icon"},
+                                      {"10/7", "raw"},
+                                      {"image/small", "low"},
+                                      {"IMAGE/\xE4\xB8\xAD", "wide"},
+                                      {"IMAGE/EMPTY", ""}});
+    const struct
+    {
+        const char *name, *type, *bytes;
+    } cases[] = {
+        {MAKEINTRESOURCEA(101), RT_BITMAP, "pixels"},
+        {"#101", "#2", "pixels"},
+        {"101", "BITMAP", "pixels"},
+        {MAKEINTRESOURCEA(1), RT_ICON, "icon"},
+        {MAKEINTRESOURCEA(7), MAKEINTRESOURCEA(10), "raw"},
+        {"LOGO", "IMAGE", "jpeg"},
+        {"logo", "image", "jpeg"},
+        {"small", "image", "low"},
+        {"\xD6\xD0", "IMAGE", "wide"},
+        {"EMPTY", "IMAGE", ""},
+        {MAKEINTRESOURCEA(102), RT_BITMAP, "none"},
+        {"#", "BITMAP", "none"},
+        {"#65637", "BITMAP", "none"}, // 101 in 16 bits
+        {"#101x", "BITMAP", "none"},
+        {"", "", "none"},
+        {nullptr, nullptr, "none"},
+        {"IMAGE/LOGO", "", "none"},
+        {"/LOGO", "IMAGE", "none"},
+        {"\xFF", "IMAGE", "none"},
+    };
+    for (const auto& c : cases) {
+        SetLastError(0);
+        EXPECT_EQ(BytesOf(module, c.name, c.type), c.bytes) << &c - cases;
+        EXPECT_EQ(GetLastError(), std::string_view(c.bytes) == "none" ? ERROR_RESOURCE_NAME_NOT_FOUND : 0);
+    }
+    EXPECT_EQ(FindResourceA(module, "LOGO", "IMAGE"), FindResourceA(module, "logo", "IMAGE"));
+}
+
+TEST(Resource, CompressedComesOutWhole)
+{
+    const std::string text(100'000, 'x');
+    const OpenModule module(Resources{{"DATA/1", text}, {"DATA/2", ""}}, true);
+    EXPECT_EQ(BytesOf(module, "1", "DATA"), text);
+    EXPECT_EQ(BytesOf(module, "2", "DATA"), "");
+}
+
+TEST(Resource, ForeignAndEndedHandlesAreRefused)
+{
+    const int before = KXHost::LiveHandles();
+    const OpenModule other(Resources{{"T/A", "a"}});
+    HRSRC stale = nullptr;
+    HMODULE ended = nullptr;
+    {
+        const OpenModule module(Resources{{"T/A", "a"}});
+        ended = module;
+        stale = FindResourceA(module, "A", "T");
+        EXPECT_EQ(KXHost::LiveHandles(), before + 2);
+        EXPECT_EQ(SizeofResource(module, stale), 1u);
+        EXPECT_EQ(SizeofResource(other, stale), 0u);
+        EXPECT_EQ(LoadResource(nullptr, stale), nullptr);
+    }
+    EXPECT_EQ(KXHost::LiveHandles(), before + 1);
+    for (const HMODULE bad : {ended, reinterpret_cast<HMODULE>(1), reinterpret_cast<HMODULE>(&stale)}) {
+        SetLastError(0);
+        EXPECT_EQ(FindResourceA(bad, "A", "T"), nullptr);
+        EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+        char name[8] = "#######";
+        EXPECT_EQ(GetModuleFileNameA(bad, name, sizeof(name)), 0u);
+        EXPECT_STREQ(name, "");
+        EXPECT_EQ(LoadStringA(bad, 1, name, sizeof(name)), 0);
+        EXPECT_EQ(FreeLibrary(bad), 0);
+    }
+    EXPECT_EQ(FreeLibrary(nullptr), 0);
+    for (const HRSRC bad : {stale, HRSRC{}, reinterpret_cast<HRSRC>(&stale)}) {
+        EXPECT_EQ(SizeofResource(other, bad), 0u);
+        EXPECT_EQ(LoadResource(other, bad), nullptr);
+        EXPECT_EQ(LockResource(bad), nullptr);
+        EXPECT_EQ(FreeResource(bad), 0);
+    }
+}
+
+TEST(Resource, NullModuleIsWhatTheProgramLinkedIn)
+{
+    EXPECT_EQ(BytesOf(nullptr, "A", "LINKED"), "none");
+    {
+        const LinkedIn resources(Resources{{"LINKED/A", "inside"}, {"STRING/55296", "bad date"}});
+        EXPECT_EQ(BytesOf(nullptr, "A", "LINKED"), "inside");
+        EXPECT_EQ(StringOf(nullptr, 55296), "bad date");
+    }
+    EXPECT_EQ(BytesOf(nullptr, "A", "LINKED"), "none");
+    const LinkedIn again(Resources{{"LINKED/A", "anew"}});
+    EXPECT_EQ(BytesOf(nullptr, "A", "LINKED"), "anew");
+}
+
+TEST(Resource, LookUpsBeginInTheCurrentModule)
+{
+    const LinkedIn resources(Resources{{"BITMAP/1", "program"}, {"BITMAP/2", "program"}});
+    const OpenModule module(Resources{{"BITMAP/2", "module"}});
+    const auto holder = [](WORD nId) { return AfxFindResourceHandle(MAKEINTRESOURCEA(nId), RT_BITMAP); };
+    EXPECT_EQ(AfxGetResourceHandle(), nullptr);
+    EXPECT_EQ(holder(2), nullptr);
+    AfxSetResourceHandle(module);
+    EXPECT_EQ(AfxGetModuleState()->m_hCurrentResourceHandle, module);
+    EXPECT_EQ(holder(1), nullptr);
+    EXPECT_EQ(holder(2), module);
+    EXPECT_EQ(holder(3), module);
+    AfxSetResourceHandle(nullptr);
+}
+
+TEST(StringTable, ComesInTheCodePageAndFitsTheBuffer)
+{
+    const OpenModule module(Resources{{"STRING/1", "\xE4\xB8\xAD\xE6\x96\x87"}, // two characters
+                                      {"STRING/2", "line\r\n"},
+                                      {"STRING/3", "a\n\n"},
+                                      {"STRING/4", std::string("cut\0off", 7)},
+                                      {"STRING/5", "\xFF!"},
+                                      {"STRING/6", ""},
+                                      {"STRING/65536", "wide"}});
+    const struct
+    {
+        UINT page, id;
+        int size;
+        const char* text;
+    } cases[] = {
+        {936, 1, 64, "\xD6\xD0\xCE\xC4"},
+        {936, 1, 5, "\xD6\xD0\xCE\xC4"},
+        {936, 1, 4, "\xD6\xD0"},
+        {936, 1, 3, "\xD6\xD0"},
+        {936, 1, 2, ""},
+        {936, 1, 1, ""},
+        {65001, 1, 6, "\xE4\xB8\xAD"},
+        {936, 2, 64, "line"},
+        {936, 2, 3, "li"},
+        {936, 3, 64, "a\n"},
+        {936, 4, 64, "cut"},
+        {936, 5, 64, "?!"},
+        {936, 6, 64, ""},
+        {936, 7, 64, ""},
+        {936, 65536, 64, "wide"},
+    };
+    for (const auto& c : cases) {
+        const test::CodePage page(c.page);
+        EXPECT_EQ(StringOf(module, c.id, c.size), c.text) << c.id << " into " << c.size;
+    }
+    char untouched = '#';
+    EXPECT_EQ(LoadStringA(module, 2, &untouched, 0), 0);
+    EXPECT_EQ(LoadStringA(module, 2, &untouched, -1), 0);
+    EXPECT_EQ(LoadStringA(module, 2, nullptr, 10), 0);
+    EXPECT_EQ(untouched, '#');
+}
+
+TEST(Module, KnowsItsFile)
+{
+    const OpenModule module(Resources{{"T/A", "a"}});
+    char name[MAX_PATH];
+    EXPECT_EQ(GetModuleFileNameA(module, name, MAX_PATH), static_cast<DWORD>(module.Path().GetLength()));
+    EXPECT_EQ(module.Path(), name);
+}
+
+TEST(Module, OnlyASoundFileOpens)
+{
+    const TempDir dir;
+    CompileBundle(dir, {{"T/A", "a"}});
+    const auto error = [&](const char* pszPath) {
+        SetLastError(0);
+        EXPECT_EQ(LoadLibraryA(pszPath), nullptr);
+        return GetLastError();
+    };
+    dir.Write("empty", "");
+    dir.Write("text", std::string(5000, '#'));
+    ASSERT_EQ(mkfifo(dir.Path("fifo").c_str(), 0600), 0);
+    EXPECT_EQ(error(dir.Win("absent")), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(error(dir.Win("empty")), ERROR_RESOURCE_DATA_NOT_FOUND);
+    EXPECT_EQ(error(dir.Win("text")), ERROR_RESOURCE_DATA_NOT_FOUND);
+    EXPECT_EQ(error(dir.Win("fifo")), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(error(dir.Win()), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(error("C:\\dev\\zero"), ERROR_ACCESS_DENIED);
+    EXPECT_NE(error(""), 0u);
+    EXPECT_NE(error(nullptr), 0u);
+}
+
+// What a damaged bundle gives is nothing, or what bytes it has; never more, and no complaint of the library
+// that reads it, which this turns into the test's death.
+TEST(Module, DamagedBundlesAreHarmless)
+{
+    test::GioFunction<int(int)>("g_log_set_always_fatal")(-1 & ~3);
+    for (const bool compressed : {false, true}) {
+        const TempDir dir;
+        const std::string sound = test::ReadFile(CompileBundle(
+            dir, {{"T/A", "content"}, {"T/B", std::string(50, 'b')}, {"STRING/1", "x"}}, compressed));
+        const auto use = [&](const std::string& bundle) {
+            dir.Write("bundle", bundle);
+            const HMODULE module = LoadLibraryA(dir.Win("bundle"));
+            if (!module) return false;
+            for (const char* name : {"A", "B"})
+                EXPECT_LT(BytesOf(module, name, "T").size(), 100'000u);
+            StringOf(module, 1);
+            return FreeLibrary(module) != 0;
+        };
+        ASSERT_TRUE(use(sound));
+        for (std::size_t length = 0; length < sound.size(); ++length)
+            use(sound.substr(0, length));
+        for (std::size_t at = 0; at < sound.size(); ++at)
+            for (const int value : {0x00, 0x01, 0x7F, 0x80, 0xFF}) {
+                std::string damaged = sound;
+                damaged[at] = static_cast<char>(value);
+                use(damaged);
+            }
+    }
+}
+
+} // namespace

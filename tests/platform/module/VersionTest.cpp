@@ -1,0 +1,252 @@
+#include "include/platform/Version.h"
+
+#include "include/platform/Error.h"
+#include "include/platform/Host.h"
+#include "platform/UniqueFd.h"
+#include "tests/platform/module/Images.h"
+#include "tests/support/TempDir.h"
+
+#include <cstring>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+using test::ElfImage;
+using test::Image;
+using test::PeFields;
+using test::PeImage;
+using test::TempDir;
+
+std::string Numbers(const VS_FIXEDFILEINFO& info)
+{
+    const DWORD ms = info.dwFileVersionMS, ls = info.dwFileVersionLS;
+    return std::to_string(ms >> 16) + '.' + std::to_string(ms & 0xFFFF) + '.' + std::to_string(ls >> 16) +
+           '.' + std::to_string(ls & 0xFFFF);
+}
+
+std::string VersionOf(const char* pszPath)
+{
+    SetLastError(0);
+    DWORD handle = 1;
+    const DWORD size = GetFileVersionInfoSizeA(pszPath, &handle);
+    EXPECT_EQ(handle, 0u);
+    std::vector<std::uint64_t> block(size / 8 + 16, 0x2323232323232323);
+    EXPECT_EQ(GetFileVersionInfoA(pszPath, 0, 128, block.data()) != 0, size != 0);
+    void* record = nullptr;
+    UINT recordSize = 0;
+    if (size == 0 || !VerQueryValueA(block.data(), "\\", &record, &recordSize)) return "none";
+    EXPECT_EQ(recordSize, sizeof(VS_FIXEDFILEINFO));
+    return Numbers(*static_cast<VS_FIXEDFILEINFO*>(record));
+}
+
+std::string VersionOf(const Image& image)
+{
+    static const TempDir dir;
+    dir.Write("image", image.bytes);
+    return VersionOf(dir.Win("image"));
+}
+
+TEST(FileVersion, OfAPeImageIsItsFixedRecord)
+{
+    for (const bool b64 : {false, true})
+        EXPECT_EQ(VersionOf(PeImage(b64)), "1.2.3.4");
+}
+
+TEST(FileVersion, OfAnElfFileIsItsNote)
+{
+    for (const bool b64 : {false, true})
+        for (const bool bigEndian : {false, true})
+            for (const bool section : {false, true})
+                EXPECT_EQ(VersionOf(ElfImage(b64, bigEndian, section)), "5.6.7.8")
+                    << b64 << bigEndian << section;
+}
+
+TEST(FileVersion, OfThisLibraryIsWhatItsBuildSays)
+{
+    Dl_info info{};
+    ASSERT_NE(dladdr(reinterpret_cast<const void*>(&GetFileVersionInfoA), &info), 0);
+    EXPECT_EQ(VersionOf(KXHost::FromSystemPath(info.dli_fname)), "1.0.0.0");
+}
+
+TEST(FileVersion, LyingPeHeadersGiveNone)
+{
+    for (const bool b64 : {false, true}) {
+        const PeFields at(b64);
+        const struct
+        {
+            std::size_t at, width;
+            std::uint64_t value;
+        } lies[] = {
+            {0, 1, 'N'},
+            {at.peAt, 4, 0xFFFFFFFF},
+            {at.peAt, 4, 0x5F0},
+            {at.pe, 1, 'L'},
+            {at.pe + 6, 2, 0},      // no section
+            {at.pe + 6, 2, 0xFFFF}, // more sections than the file holds
+            {at.pe + 20, 2, 100},   // no room for the directories
+            {at.pe + 20, 2, 0xFFFF},
+            {at.optional, 2, 0x107},    // another kind of image
+            {at.directories - 4, 4, 2}, // the resource directory isn't there
+            {at.directories + 16, 4, 0},
+            {at.directories + 16, 4, 0xFFFFFFF8},
+            {at.section + 16, 4, 15},     // the section is too small
+            {at.section + 12, 4, 0x2001}, // the address lies before it
+            {at.section + 20, 4, 0xFFFFFF00},
+            {at.root + 24, 4, 17},         // another type
+            {at.root + 28, 4, 0x80000000}, // the tree goes round
+            {at.root + 28, 4, 0x20},       // a leaf where a directory should be
+            {at.root + 28, 4, 0xFFFFFFFF},
+            {at.names + 12, 4, 0},
+            {at.root + 12, 4, 0xFFFFFFFF},  // 131,070 entries
+            {at.names + 20, 4, 0x80000020}, // to itself
+            {at.names + 20, 4, 0x50},
+            {at.languages + 12, 4, 0},
+            {at.languages + 20, 4, 0x80000050},
+            {at.languages + 20, 4, 0x1FF},
+            {at.data, 4, 0x21B0}, // the record would reach past its section
+            {at.data, 4, 0xFFFFFFFF},
+            {at.data + 4, 4, 91},
+            {at.head, 2, 91},
+            {at.head + 2, 2, 51},
+            {at.head + 6, 1, 'W'},
+            {at.head + 36, 1, '!'},
+            {at.record, 4, 0xFEEF04BC},
+        };
+        for (const auto& lie : lies) {
+            Image image = PeImage(b64);
+            image.Put(lie.at, lie.width, lie.value);
+            EXPECT_EQ(VersionOf(image), "none")
+                << std::hex << lie.at << ' ' << lie.value << (b64 ? " 64" : " 32");
+            EXPECT_EQ(GetLastError(), ERROR_RESOURCE_DATA_NOT_FOUND);
+        }
+    }
+}
+
+TEST(FileVersion, OfManyNamesAndLanguagesAFewAreTried)
+{
+    Image image = PeImage(true);
+    image.Put(PeFields::names + 12, 4, 0xFFFFFFFF);
+    image.Put(PeFields::languages + 12, 4, 0xFFFFFFFF);
+    EXPECT_EQ(VersionOf(image), "1.2.3.4");
+}
+
+TEST(FileVersion, ASecondNameServesWhereTheFirstHasNoRecord)
+{
+    const PeFields at(true);
+    Image image = PeImage(true);
+    image.Text(at.languages, std::string_view(image.bytes).substr(at.names, 24));
+    image.Text(at.names, std::string(24, '\0'));
+    image.Put(at.root + 28, 4, 0x80000180);
+    image.Put(0x580 + 12, 4, 0x00020000); // two names
+    image.Put(0x580 + 20, 4, 0x80000000 | 0x1F0);
+    image.Put(0x580 + 28, 4, 0x800001A0);
+    image.Put(0x5A0 + 12, 4, 0x00020000); // two languages
+    image.Put(0x5A0 + 20, 4, 0x1F0);
+    image.Put(0x5A0 + 28, 4, at.data - at.root);
+    EXPECT_EQ(VersionOf(image), "1.2.3.4");
+}
+
+TEST(FileVersion, LyingElfHeadersGiveNone)
+{
+    const std::size_t entry = 64 + 56;
+    const struct
+    {
+        std::size_t at, width;
+        std::uint64_t value;
+    } lies[] = {
+        {0, 1, 0},
+        {4, 1, 3},
+        {5, 1, 0},
+        {5, 1, 2}, // the other byte order
+        {32, 8, 0xFFFFFFFFFFFFFFFF},
+        {54, 2, 55},
+        {56, 2, 1},
+        {entry + 8, 8, 0xFFFFFFFFFFFFFFF0},
+        {entry + 32, 8, 0xFFFFFFFFFFFFFFFF},
+        {entry + 32, 8, 59},    // the note is cut short
+        {0x100, 4, 0xFFFFFFFF}, // a name of 4 GiB
+        {0x104, 4, 0xFFFFFFFD},
+        {test::kElfNote, 4, 9},
+        {test::kElfNote + 4, 4, 12},
+        {test::kElfNote + 8, 4, 2},
+        {test::kElfNote + 12, 1, 'k'},
+        {test::kElfNote + 24, 4, 0x10000}, // no 16-bit number
+    };
+    for (const auto& lie : lies) {
+        Image image = ElfImage(true, false, false);
+        image.Put(lie.at, lie.width, lie.value);
+        EXPECT_EQ(VersionOf(image), "none") << std::hex << lie.at << ' ' << lie.value;
+    }
+}
+
+// A false or a missing byte gives another version or none, in no time, and never a read outside.
+TEST(FileVersion, DamageIsHarmless)
+{
+    const TempDir dir;
+    const CString path = dir.Win("image");
+    for (const Image& image :
+         {PeImage(false), PeImage(true), ElfImage(true, false, false), ElfImage(false, true, true)}) {
+        const kx::UniqueFd file(open(dir.Write("image", image.bytes).c_str(), O_WRONLY | O_CLOEXEC));
+        const auto put = [&](std::size_t at, int value) {
+            const char byte = static_cast<char>(value);
+            ASSERT_EQ(pwrite(file.Get(), &byte, 1, static_cast<off_t>(at)), 1);
+        };
+        for (std::size_t at = 0; at < image.bytes.size(); ++at) {
+            for (const int value : {0x00, 0x7F, 0x80, 0xFF}) {
+                put(at, value);
+                VersionOf(path);
+            }
+            put(at, image.bytes[at]);
+        }
+        EXPECT_NE(VersionOf(path), "none");
+        for (std::size_t length = std::min(image.bytes.size(), PeFields::end); length-- > 0;) {
+            ASSERT_EQ(ftruncate(file.Get(), static_cast<off_t>(length)), 0);
+            ASSERT_EQ(VersionOf(path), "none") << length;
+        }
+    }
+}
+
+TEST(FileVersion, WhatIsNoFileHasNone)
+{
+    const TempDir dir;
+    dir.Write("empty", "");
+    ASSERT_EQ(mkfifo(dir.Path("fifo").c_str(), 0600), 0);
+    EXPECT_EQ(VersionOf(dir.Win("fifo")), "none"); // at once, with no writer there
+    EXPECT_EQ(VersionOf(dir.Win("empty")), "none");
+    EXPECT_EQ(VersionOf(dir.Win()), "none");
+    EXPECT_EQ(VersionOf("C:\\dev\\zero"), "none");
+    EXPECT_EQ(VersionOf(""), "none");
+    EXPECT_EQ(VersionOf(static_cast<const char*>(nullptr)), "none");
+    EXPECT_EQ(VersionOf(dir.Win("absent")), "none");
+    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+}
+
+TEST(FileVersion, BlocksAreChecked)
+{
+    const TempDir dir;
+    dir.Write("image", PeImage(true).bytes);
+    const CString path = dir.Win("image");
+    const DWORD size = GetFileVersionInfoSizeA(path, nullptr);
+    std::vector<std::uint32_t> block(size / 4);
+    EXPECT_EQ(GetFileVersionInfoA(path, 0, size - 1, block.data()), 0);
+    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(GetFileVersionInfoA(path, 0, size, nullptr), 0);
+
+    void* record = nullptr;
+    EXPECT_EQ(VerQueryValueA(block.data(), "\\", &record, nullptr), 0); // all zero
+    ASSERT_EQ(GetFileVersionInfoA(path, 0, size, block.data()), 1);
+    EXPECT_EQ(VerQueryValueA(block.data(), "\\VarFileInfo\\Translation", &record, nullptr), 0);
+    EXPECT_EQ(VerQueryValueA(block.data(), "", &record, nullptr), 0);
+    EXPECT_EQ(VerQueryValueA(block.data(), nullptr, &record, nullptr), 0);
+    EXPECT_EQ(VerQueryValueA(nullptr, "\\", &record, nullptr), 0);
+    EXPECT_EQ(VerQueryValueA(block.data(), "\\", nullptr, nullptr), 0);
+    EXPECT_EQ(record, nullptr);
+    ASSERT_EQ(VerQueryValueA(block.data(), "\\", &record, nullptr), 1);
+    EXPECT_EQ(static_cast<VS_FIXEDFILEINFO*>(record)->dwFileDateLS, 77u);
+}
+
+} // namespace

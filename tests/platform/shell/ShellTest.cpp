@@ -1,0 +1,267 @@
+#include "include/platform/Shell.h"
+#include "include/platform/Error.h"
+#include "tests/support/Child.h"
+#include "tests/support/Host.h"
+#include "tests/support/TempDir.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/stat.h>
+#include <thread>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr UINT kTexts = SHGFI_DISPLAYNAME | SHGFI_TYPENAME;
+constexpr char kPng[] = "\x89PNG\r\n\x1a\n";
+constexpr char kUnknownIcon[] = "application-octet-stream application-x-generic";
+
+struct Shown
+{
+    std::string name;
+    std::string type;
+    std::string icon;
+
+    bool operator==(const Shown&) const = default;
+    friend void PrintTo(const Shown& shown, std::ostream* out)
+    {
+        *out << shown.name << " | " << shown.type << " | " << shown.icon;
+    }
+};
+
+const _IMAGELIST* Ask(const char* pszPath, SHFILEINFOA& info, UINT nFlags)
+{
+    return reinterpret_cast<const _IMAGELIST*>(SHGetFileInfoA(pszPath, 0, &info, sizeof(info), nFlags));
+}
+
+Shown Show(const char* pszPath)
+{
+    SHFILEINFOA info{};
+    const auto* list = Ask(pszPath, info, kTexts | SHGFI_SYSICONINDEX);
+    return {info.szDisplayName, info.szTypeName, ImageList_GetIconName(list, info.iIcon)};
+}
+
+class Shell : public testing::Test
+{
+protected:
+    Shell() { SetLanguage("en"); }
+    ~Shell() override
+    {
+        for (const char letter : mounted)
+            KXHost::UnmountDrive(letter);
+    }
+
+    static void SetLanguage(const char* language) { setenv("LANGUAGE", language, 1); }
+    void Mount(char letter, UINT type, const std::string& label, bool medium = true)
+    {
+        KXHost::Drive drive;
+        if (medium) drive.strRoot = dir.Path();
+        drive.nType = type;
+        drive.strLabel = label;
+        ASSERT_TRUE(KXHost::MountDrive(letter, drive));
+        mounted.push_back(letter);
+    }
+
+    test::TempDir dir;
+    std::vector<char> mounted;
+};
+
+TEST_F(Shell, TellsEntriesByNameThenByContent)
+{
+    dir.MakeDir("folder.png");
+    dir.Write("empty", "");
+    dir.Write("empty.txt", "");
+    fs::create_symlink("nowhere", dir.Path("dangling"));
+    fs::create_symlink("folder.png", dir.Path("link.txt"));
+    ASSERT_EQ(mkfifo(dir.Path("pipe").c_str(), 0600), 0);
+    const std::string zeros(8, '\0');
+    for (const char* name : {"Photo.PNG", "noise.txt"})
+        dir.Write(name, zeros);
+    for (const char* name : {"picture", "picture.zzz"})
+        dir.Write(name, kPng);
+    for (const char* name : {"noise.dat", "noise", ".noise", "noise."})
+        dir.Write(name, zeros);
+    dir.Write("anim.gif", "GIF89a");
+    dir.Write("Skin.ini", "[Common]\r\nName=x\r\n");
+
+    const std::string text = "plain text document";
+    const std::string textIcon = "text-plain text-x-generic";
+    const std::string pngIcon = "image-png image-x-generic";
+    const Shown expected[] = {
+        {"folder.png", "folder", "folder"},
+        {"empty", "empty document", "application-x-zerosize application-x-generic"},
+        {"empty.txt", text, textIcon},
+        {"dangling", "symbolic link", "inode-symlink inode-x-generic"},
+        {"link.txt", "folder", "folder"},
+        {"pipe", "pipe", "inode-fifo inode-x-generic"},
+        {"Photo.PNG", "PNG image", pngIcon},
+        {"picture", "PNG image", pngIcon},
+        {"picture.zzz", "PNG image", pngIcon},
+        {"anim.gif", "GIF image", "image-gif image-x-generic"},
+        {"noise.txt", text, textIcon},
+        {"Skin.ini", text, textIcon},
+        {"noise.dat", "DAT File", kUnknownIcon},
+        {"noise", "File", kUnknownIcon},
+        {".noise", "File", kUnknownIcon},
+        {"noise.", "File", kUnknownIcon},
+    };
+    for (const auto& shown : expected)
+        EXPECT_EQ(Show(dir.Win(shown.name)), shown);
+    EXPECT_EQ(Show(dir.Win("folder.png\\")).name, "folder.png");
+    EXPECT_EQ(Show(dir.Win("PHOTO.png")).name, "Photo.PNG"); // as it is on the disk
+}
+
+TEST_F(Shell, FillsWhatIsAskedAndNoMore)
+{
+    const CString strFile = dir.Win(CString(dir.Write("a.gif", "").c_str() + dir.Path().size() + 1).View());
+    SHFILEINFOA info;
+    const auto reset = [&] { std::memset(&info, 'z', sizeof(info)); };
+    const auto untouched = [&](const auto& field) { return reinterpret_cast<const char*>(&field)[0] == 'z'; };
+
+    reset();
+    EXPECT_NE(SHGetFileInfoA(strFile, 0, &info, sizeof(info), SHGFI_TYPENAME), 0u);
+    EXPECT_STREQ(info.szTypeName, "GIF image");
+    EXPECT_TRUE(untouched(info.szDisplayName) && untouched(info.iIcon) && untouched(info.hIcon));
+    reset();
+    EXPECT_NE(Ask(strFile, info, SHGFI_SYSICONINDEX), nullptr);
+    EXPECT_TRUE(untouched(info.szDisplayName) && untouched(info.szTypeName));
+    EXPECT_GT(info.iIcon, 0);
+
+    const std::string tooLong = "C:\\" + std::string(257, 'x');
+    const CString strTrailing = strFile + "\\";
+    for (const char* path : {dir.Win("none.gif").GetString(), strTrailing.GetString(), "", tooLong.c_str(),
+                             "Q:\\", static_cast<const char*>(nullptr)}) {
+        reset();
+        EXPECT_EQ(Ask(path, info, kTexts | SHGFI_SYSICONINDEX), nullptr);
+        EXPECT_STREQ(info.szDisplayName, "");
+        EXPECT_STREQ(info.szTypeName, "");
+        EXPECT_EQ(info.iIcon, 0);
+        EXPECT_TRUE(untouched(info.dwAttributes));
+        EXPECT_NE(GetLastError(), ERROR_SUCCESS);
+    }
+    reset();
+    EXPECT_EQ(SHGetFileInfoA(strFile, 0, nullptr, sizeof(info), kTexts), 0u);
+    EXPECT_EQ(SHGetFileInfoA(strFile, 0, &info, sizeof(info) - 1, kTexts), 0u);
+    EXPECT_TRUE(untouched(info.szDisplayName));
+}
+
+TEST_F(Shell, DrivesHaveLabelLetterAndKind)
+{
+    Mount('Q', 5, "", false);
+    Mount('R', 2, "STICK");
+    Mount('S', 4, "");
+    Mount('C', 3, "");
+    KXHost::Drive system;
+    system.strRoot = "/";
+    ASSERT_TRUE(KXHost::MountDrive('C', system));
+
+    EXPECT_EQ(Show("Q:\\"), (Shown{"CD Drive (Q:)", "CD Drive", "drive-optical media-optical"}));
+    EXPECT_EQ(Show("r:/"), (Shown{"STICK (R:)", "Removable Disk", "drive-removable-media"}));
+    EXPECT_EQ(Show("S:\\a\\.."),
+              (Shown{"Network Drive (S:)", "Network Drive", "folder-remote network-server"}));
+    EXPECT_EQ(Show("C:\\").type, "Local Disk");
+    EXPECT_TRUE(Show("C:\\").name.ends_with(" (C:)"));
+    EXPECT_EQ(Show(dir.Win()).type, "folder"); // though it is also the root of another drive
+
+    SetLanguage("zh_CN");
+    EXPECT_EQ(Show("C:\\").type, "\xB1\xBE\xB5\xD8\xB4\xC5\xC5\xCC");
+    SetLanguage("en_GB:zh_CN");
+    EXPECT_EQ(Show("C:\\").type, "Local Disk");
+}
+
+TEST_F(Shell, TextsAreInTheCodePageAndCutAtALetter)
+{
+    const std::string letters = [] {
+        std::string text;
+        while (text.size() < 60)
+            text += "\xE4\xB8\xAD"; // a Chinese letter
+        return text;
+    }();
+    dir.Write("\xE4\xB8\xAD.gif", "");
+    dir.Write("x." + letters + letters, std::string(1, '\0'));
+    EXPECT_EQ(Show(dir.Win("\xD6\xD0.gif")).name, "\xD6\xD0.gif");
+
+    const test::CodePage utf8(CP_UTF8);
+    EXPECT_EQ(Show(dir.Win("\xE4\xB8\xAD.gif")).name, "\xE4\xB8\xAD.gif");
+    const std::string type = Show(dir.Win("x." + letters + letters)).type;
+    EXPECT_EQ(type, (letters + letters).substr(0, 78)); // of the 79 bytes that fit
+}
+
+TEST_F(Shell, ImageListsShareTheirIndices)
+{
+    SHFILEINFOA large{};
+    SHFILEINFOA small{};
+    const auto* pLarge = Ask("C:\\", large, SHGFI_SYSICONINDEX);
+    const auto* pSmall = Ask("C:\\", small, SHGFI_SYSICONINDEX | SHGFI_SMALLICON);
+    ASSERT_TRUE(pLarge && pSmall);
+    EXPECT_NE(pLarge, pSmall);
+    EXPECT_EQ(large.iIcon, small.iIcon);
+    int cx = 0;
+    int cy = 0;
+    EXPECT_TRUE(ImageList_GetIconSize(pLarge, &cx, &cy) && cx == 32 && cy == 32);
+    EXPECT_TRUE(ImageList_GetIconSize(pSmall, &cx, &cy) && cx == 16 && cy == 16);
+    EXPECT_STREQ(ImageList_GetIconName(pSmall, 0), kUnknownIcon);
+
+    const int count = ImageList_GetImageCount(pLarge);
+    EXPECT_GT(count, large.iIcon);
+    EXPECT_EQ(ImageList_GetImageCount(pSmall), count);
+    Ask("C:\\", large, SHGFI_SYSICONINDEX);
+    EXPECT_EQ(ImageList_GetImageCount(pLarge), count); // nothing new
+    for (const int index : {-1, count})
+        EXPECT_STREQ(ImageList_GetIconName(pLarge, index), "");
+    EXPECT_STREQ(ImageList_GetIconName(nullptr, 0), "");
+    EXPECT_EQ(ImageList_GetImageCount(nullptr), 0);
+    EXPECT_EQ(ImageList_GetIconSize(nullptr, &cx, &cy), 0);
+    EXPECT_EQ(ImageList_GetIconSize(pLarge, nullptr, &cy), 0);
+}
+
+TEST_F(Shell, ThreadsAgree)
+{
+    std::vector<std::string> names{"a.png", "b.gif", "c.txt", "d.bmp", "e.mp3", "f.zip", "g", "h.xml"};
+    for (const auto& name : names)
+        dir.Write(name, "text");
+    std::vector<std::vector<Shown>> seen(4);
+    std::vector<std::thread> threads;
+    for (auto& mine : seen)
+        threads.emplace_back([&] {
+            for (const auto& name : names)
+                mine.push_back(Show(dir.Win(name)));
+        });
+    for (auto& thread : threads)
+        thread.join();
+    for (const auto& mine : seen)
+        EXPECT_EQ(mine, seen[0]);
+}
+
+TEST_F(Shell, SpeaksTheUsersLanguageAndNeedsNoDatabase)
+{
+    dir.Write("a.png", kPng);
+    dir.Write("text", "plain");
+    const CString strFiles[] = {dir.Win(), dir.Win("a.png"), dir.Win("text")};
+    const auto ask = [&](std::vector<std::string> env) {
+        test::Child child("ShellChild",
+                          {strFiles[0].GetString(), strFiles[1].GetString(), strFiles[2].GetString()},
+                          std::move(env), true);
+        EXPECT_EQ(child.Wait(), 0);
+        return child.ErrorText();
+    };
+    const std::string folder = fs::path(dir.Path()).filename();
+    EXPECT_EQ(ask({"LANGUAGE=zh_CN"}),
+              folder + "|\xCE\xC4\xBC\xFE\xBC\xD0|folder\n" // "folder" in GBK
+                       "a.png|PNG \xCD\xBC\xCF\xF1|image-png image-x-generic\n"
+                       "text|\xB4\xBF\xCE\xC4\xB1\xBE\xCE\xC4\xB5\xB5|text-plain text-x-generic\n");
+    EXPECT_EQ(ask({"LANGUAGE=en", "XDG_DATA_DIRS=/nonexistent"}),
+              folder +
+                  "|Folder|folder\n"
+                  "a.png|PNG File|" +
+                  kUnknownIcon +
+                  "\n"
+                  "text|File|text-plain text-x-generic\n");
+}
+
+} // namespace
