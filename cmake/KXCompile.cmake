@@ -5,6 +5,9 @@ target_compile_options(kx_flags INTERFACE
     -Woverloaded-virtual -Wformat=2 -Werror)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     target_compile_options(kx_flags INTERFACE -Wthread-safety)
+else()
+    # g++ 12 sees overlaps in std::string's own code that can't happen.
+    target_compile_options(kx_flags INTERFACE -Wno-restrict)
 endif()
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)

@@ -206,16 +206,24 @@ int CKXFileSystem::EnumDirs(CString strDir, KXEnumFileProc pfn, long lParam)
     });
 }
 
-// A path that holds one of the results is read before it is written to.
+// The parts are made before the first is handed over, since the path may be the very string that takes one.
 int CKXFileSystem::ParsePathFile(const CString& strPath, CString* pDir, CString* pFile, CString* pName,
                                  CString* pExt)
 {
-    const CString strWhole = strPath;
-    const int nFile = strWhole.ReverseFind('\\') + 1;
-    const int nPoint = strWhole.ReverseFind('.');
-    if (pDir) *pDir = strWhole.Left(nFile);
-    if (pFile) *pFile = strWhole.Mid(nFile);
-    if (pName) *pName = nPoint < 0 ? strWhole.Mid(nFile) : strWhole.Mid(nFile, nPoint - nFile);
-    if (pExt) *pExt = nPoint < 0 ? CString() : strWhole.Mid(nPoint + 1);
-    return nPoint >= 0;
+    const int nFile = strPath.ReverseFind('\\') + 1;
+    const int nPoint = strPath.ReverseFind('.');
+    const bool bPoint = nPoint >= 0;
+    const struct
+    {
+        CString* pTarget;
+        CString strText;
+    } parts[] = {
+        {pDir, strPath.Left(nFile)},
+        {pFile, strPath.Mid(nFile)},
+        {pName, bPoint ? strPath.Mid(nFile, nPoint - nFile) : strPath.Mid(nFile)},
+        {pExt, bPoint ? strPath.Mid(nPoint + 1) : CString()},
+    };
+    for (const auto& part : parts)
+        if (part.pTarget) *part.pTarget = part.strText;
+    return bPoint;
 }

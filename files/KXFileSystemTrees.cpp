@@ -3,6 +3,8 @@
 #include "KXFileSystem.h"
 #include "files/FileSearch.h"
 
+#include <utility>
+
 using kx::files::FileSearch;
 
 namespace {
@@ -72,21 +74,23 @@ bool CopyContent(const CString& strSrc, const CString& strDst, KXCopyDirProc pfn
 
 } // namespace
 
+// The results are handed over at the end, since the path may be the very string that takes the root.
 int CKXFileSystem::ParsePath(const CString& strPath, CString& strRoot, std::vector<CString>& vecDirs)
 {
-    const CString strWhole = strPath; // which may be the very string that takes the root
-    strRoot.Empty();
-    vecDirs.clear();
+    CString strFound;
+    std::vector<CString> vecFound;
     int nStart = 0;
-    for (int nPos = strWhole.Find('\\'); nPos >= 0; nPos = strWhole.Find('\\', nPos + 1)) {
+    for (int nPos = strPath.Find('\\'); nPos >= 0; nPos = strPath.Find('\\', nPos + 1)) {
         if (nPos == nStart) continue; // it begins the next name
-        const CString strPart = strWhole.Mid(nStart, nPos - nStart);
+        CString strPart = strPath.Mid(nStart, nPos - nStart);
         nStart = nPos + 1;
         if (strPart.GetAt(strPart.GetLength() - 1) == ':')
-            strRoot = strPart;
+            strFound = std::move(strPart);
         else
-            vecDirs.push_back(strPart);
+            vecFound.push_back(std::move(strPart));
     }
+    strRoot = std::move(strFound);
+    vecDirs = std::move(vecFound);
     return !strRoot.IsEmpty() || !vecDirs.empty();
 }
 

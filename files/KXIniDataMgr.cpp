@@ -50,10 +50,10 @@ double ToDouble(std::string_view text)
     text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
     const bool bNegative = text.starts_with('-');
     if (bNegative || text.starts_with('+')) text.remove_prefix(1);
-    if (text.starts_with('-')) return 0;
-
     const bool bHex = text.starts_with("0x") || text.starts_with("0X");
     const std::string_view digits = text.substr(bHex ? 2 : 0);
+    if (digits.starts_with('-')) return 0;
+
     double value = 0;
     const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value,
                                         bHex ? std::chars_format::hex : std::chars_format::general);
@@ -68,15 +68,20 @@ double ToDouble(std::string_view text)
 
 bool ToBool(const Text& text)
 {
-    return CString(text.View()).CompareNoCase("true") == 0;
+    constexpr std::string_view kTrue = "true";
+    const std::string_view found = text.View();
+    return std::equal(found.begin(), found.end(), kTrue.begin(), kTrue.end(),
+                      [](char ch, char lower) { return (ch | 0x20) == lower; });
 }
 
-// The numbers in the text as bytes of one, the first the highest; nothing for another count of numbers.
-std::optional<unsigned long> ToBytes(const Text& text, std::size_t count)
+// The numbers in the text as the bytes of one, the first the highest; nothing for another count of numbers.
+template <std::size_t nCount>
+std::optional<unsigned long> ToBytes(const Text& text)
 {
     std::vector<int> numbers;
+    numbers.reserve(nCount);
     CKXNum::ApartNums(text.Get(), numbers);
-    if (numbers.size() != count) return std::nullopt;
+    if (numbers.size() != nCount) return std::nullopt;
     unsigned long bytes = 0;
     for (const int n : numbers) {
         if (n < 0 || n > 255) return std::nullopt;
@@ -88,11 +93,6 @@ std::optional<unsigned long> ToBytes(const Text& text, std::size_t count)
 int ByteOf(unsigned long value, int nShift)
 {
     return static_cast<int>(value >> nShift & 0xFF);
-}
-
-unsigned long ReverseThree(unsigned long bytes)
-{
-    return (bytes & 0xFF) << 16 | (bytes & 0xFF00) | (bytes >> 16 & 0xFF);
 }
 
 std::optional<CTime> ToTime(const Text& text)
@@ -108,13 +108,143 @@ std::optional<CTime> ToTime(const Text& text)
     }
 }
 
-template <class... Args>
-int WriteFormatted(const char* pszFile, const char* pszSection, const char* pszKey, const char* pszFormat,
-                   Args... args)
+int Write(const char* pszFile, const char* pszSection, const char* pszKey, const CString& strText)
 {
-    CString text;
-    text.Format(pszFormat, args...);
-    return WritePrivateProfileStringA(pszSection, pszKey, text, pszFile);
+    return WritePrivateProfileStringA(pszSection, pszKey, strText, pszFile);
 }
 
 } // namespace
+
+int CKXIniDataMgr::GetInteger(const char* pszFile, const char* pszSection, const char* pszKey, int nDefault)
+{
+    const Text text(pszFile, pszSection, pszKey);
+    return text ? ToInteger(text) : nDefault;
+}
+
+int CKXIniDataMgr::GetInteger(const char* pszFile, const char* pszSection, const char* pszKey, int nDefault,
+                              int nMin, int nMax)
+{
+    const Text text(pszFile, pszSection, pszKey);
+    if (!text) return nDefault;
+    const int n = ToInteger(text);
+    return n >= nMin && n <= nMax ? n : nDefault;
+}
+
+CString CKXIniDataMgr::GetString(const char* pszFile, const char* pszSection, const char* pszKey,
+                                 const char* pszDefault)
+{
+    const Text text(pszFile, pszSection, pszKey);
+    return text ? CString(text.View()) : CString(pszDefault);
+}
+
+float CKXIniDataMgr::GetFloat(const char* pszFile, const char* pszSection, const char* pszKey, float fDefault)
+{
+    const Text text(pszFile, pszSection, pszKey);
+    return text ? static_cast<float>(ToDouble(text.View())) : fDefault;
+}
+
+double CKXIniDataMgr::GetDouble(const char* pszFile, const char* pszSection, const char* pszKey,
+                                double dDefault)
+{
+    const Text text(pszFile, pszSection, pszKey);
+    return text ? ToDouble(text.View()) : dDefault;
+}
+
+bool CKXIniDataMgr::GetBoolean(const char* pszFile, const char* pszSection, const char* pszKey, bool bDefault)
+{
+    const Text text(pszFile, pszSection, pszKey);
+    return text ? ToBool(text) : bDefault;
+}
+
+int CKXIniDataMgr::GetBOOL(const char* pszFile, const char* pszSection, const char* pszKey, int bDefault)
+{
+    const Text text(pszFile, pszSection, pszKey);
+    return text ? ToBool(text) : bDefault;
+}
+
+unsigned long CKXIniDataMgr::GetRGB(const char* pszFile, const char* pszSection, const char* pszKey,
+                                    unsigned long clrDefault)
+{
+    const Text text(pszFile, pszSection, pszKey);
+    const auto bytes = text ? ToBytes<3>(text) : std::nullopt;
+    return bytes ? *bytes >> 16 | (*bytes & 0xFF00) | (*bytes & 0xFF) << 16 : clrDefault;
+}
+
+unsigned long CKXIniDataMgr::GetIPAddress(const char* pszFile, const char* pszSection, const char* pszKey,
+                                          unsigned long dwDefault)
+{
+    const Text text(pszFile, pszSection, pszKey);
+    return text ? ToBytes<4>(text).value_or(dwDefault) : dwDefault;
+}
+
+CTime CKXIniDataMgr::GetDateTime(const char* pszFile, const char* pszSection, const char* pszKey,
+                                 CTime timeDefault)
+{
+    const Text text(pszFile, pszSection, pszKey);
+    return text ? ToTime(text).value_or(timeDefault) : timeDefault;
+}
+
+int CKXIniDataMgr::WriteInteger(const char* pszFile, const char* pszSection, const char* pszKey, int nValue)
+{
+    CString text;
+    text.Format("%d", nValue);
+    return Write(pszFile, pszSection, pszKey, text);
+}
+
+int CKXIniDataMgr::WriteString(const char* pszFile, const char* pszSection, const char* pszKey,
+                               const char* pszValue)
+{
+    return WritePrivateProfileStringA(pszSection, pszKey, pszValue, pszFile);
+}
+
+int CKXIniDataMgr::WriteFloat(const char* pszFile, const char* pszSection, const char* pszKey, float fValue)
+{
+    return WriteDouble(pszFile, pszSection, pszKey, fValue);
+}
+
+int CKXIniDataMgr::WriteDouble(const char* pszFile, const char* pszSection, const char* pszKey, double dValue)
+{
+    // As "%f", but with a point in every locale.
+    std::array<char, kMaxText> text;
+    const auto result =
+        std::to_chars(text.data(), text.data() + text.size() - 1, dValue, std::chars_format::fixed, 6);
+    if (result.ec != std::errc()) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    *result.ptr = '\0';
+    return WritePrivateProfileStringA(pszSection, pszKey, text.data(), pszFile);
+}
+
+int CKXIniDataMgr::WriteBoolean(const char* pszFile, const char* pszSection, const char* pszKey, bool bValue)
+{
+    return WritePrivateProfileStringA(pszSection, pszKey, bValue ? "TRUE" : "FALSE", pszFile);
+}
+
+int CKXIniDataMgr::WriteBOOL(const char* pszFile, const char* pszSection, const char* pszKey, int bValue)
+{
+    return WriteBoolean(pszFile, pszSection, pszKey, bValue != 0);
+}
+
+int CKXIniDataMgr::WriteRGB(const char* pszFile, const char* pszSection, const char* pszKey,
+                            unsigned long clrValue)
+{
+    CString text;
+    text.Format("RGB(%d,%d,%d)", ByteOf(clrValue, 0), ByteOf(clrValue, 8), ByteOf(clrValue, 16));
+    return Write(pszFile, pszSection, pszKey, text);
+}
+
+int CKXIniDataMgr::WriteIPAddress(const char* pszFile, const char* pszSection, const char* pszKey,
+                                  unsigned long dwValue)
+{
+    CString text;
+    text.Format("IP(%d.%d.%d.%d)", ByteOf(dwValue, 24), ByteOf(dwValue, 16), ByteOf(dwValue, 8),
+                ByteOf(dwValue, 0));
+    return Write(pszFile, pszSection, pszKey, text);
+}
+
+int CKXIniDataMgr::WriteDateTime(const char* pszFile, const char* pszSection, const char* pszKey,
+                                 CTime timeValue)
+{
+    return Write(pszFile, pszSection, pszKey, timeValue.Format("%Y-%m-%d %H:%M:%S"));
+}

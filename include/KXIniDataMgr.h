@@ -20,8 +20,8 @@ public:
     // beyond `int` gives the nearest `int`.
     static int GetInteger(const char* pszFile, const char* pszSection, const char* pszKey, int nDefault);
     // The same if it is at least `nMin` and at most `nMax`, else the default, which may lie outside.
-    static int GetInteger(const char* pszFile, const char* pszSection, const char* pszKey, int nDefault, int nMin,
-                          int nMax);
+    static int GetInteger(const char* pszFile, const char* pszSection, const char* pszKey, int nDefault,
+                          int nMin, int nMax);
     static int WriteInteger(const char* pszFile, const char* pszSection, const char* pszKey, int nValue);
 
     // The text as found. A null default is the empty string.
@@ -30,7 +30,8 @@ public:
     // The text is stored as it stands. White space at its ends, or a pair of quotes around it, doesn't come
     // back in reading: put the whole in quotes to keep it. A text with a line break is refused. Null removes
     // the key.
-    static int WriteString(const char* pszFile, const char* pszSection, const char* pszKey, const char* pszValue);
+    static int WriteString(const char* pszFile, const char* pszSection, const char* pszKey,
+                           const char* pszValue);
 
     // The number at the text's start, as `atof` takes it; 0 for a text that begins with none.
     static float GetFloat(const char* pszFile, const char* pszSection, const char* pszKey, float fDefault);
@@ -53,20 +54,23 @@ public:
     static unsigned long GetRGB(const char* pszFile, const char* pszSection, const char* pszKey,
                                 unsigned long clrDefault);
     // Stored as RGB(r,g,b); the higher bytes of the value are lost.
-    static int WriteRGB(const char* pszFile, const char* pszSection, const char* pszKey, unsigned long clrValue);
+    static int WriteRGB(const char* pszFile, const char* pszSection, const char* pszKey,
+                        unsigned long clrValue);
 
-    // An IP address, its first number in the highest of four bytes: the four numbers in the text, by the rules
-    // of GetRGB.
+    // An IP address, its first number in the highest of four bytes: the four numbers in the text, by the
+    // rules of GetRGB.
     static unsigned long GetIPAddress(const char* pszFile, const char* pszSection, const char* pszKey,
                                       unsigned long dwDefault);
     // Stored as IP(a.b.c.d).
     static int WriteIPAddress(const char* pszFile, const char* pszSection, const char* pszKey,
                               unsigned long dwValue);
 
-    // An instant, written as local time, "2009-03-14 08:05:09". The default where one of the six numbers lacks
-    // or is out of its range (the year from 1900, the day to 31). A day that the month lacks carries over
-    // into the next month.
-    static CTime GetDateTime(const char* pszFile, const char* pszSection, const char* pszKey, CTime timeDefault);
+    // An instant, written as local time, "2009-03-14 08:05:09". The default where one of the six numbers
+    // lacks or is out of its range (the year from 1900, the day to 31). A day that the month lacks carries
+    // over into the next month.
+    static CTime GetDateTime(const char* pszFile, const char* pszSection, const char* pszKey,
+                             CTime timeDefault);
     // An instant that has no local time is stored as the empty text.
-    static int WriteDateTime(const char* pszFile, const char* pszSection, const char* pszKey, CTime timeValue);
+    static int WriteDateTime(const char* pszFile, const char* pszSection, const char* pszKey,
+                             CTime timeValue);
 };

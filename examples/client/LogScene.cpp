@@ -1,6 +1,7 @@
 #include "Scene.h"
 
 #include <cstdio>
+#include <platform/Clock.h>
 
 // The writer works in the background: the scene waits until the line that it marked is in the file.
 bool client::ShowLog()

@@ -6,8 +6,9 @@
 #include "../KXExport.h"
 #include "Types.h"
 
-// Milliseconds since some fixed moment; wraps to 0 after 49.7 days.
+// Milliseconds since some fixed moment, exact to one; wraps to 0 after 49.7 days.
 KX_API DWORD GetTickCount() noexcept;
 
-// Suspends the calling thread for that many milliseconds of the clock; 0 yields, INFINITE never returns.
+// Suspends the calling thread for that many milliseconds of the clock, never less; 0 yields, INFINITE never
+// returns.
 KX_API void Sleep(DWORD dwMilliseconds);

@@ -49,8 +49,16 @@ public:
     CRect(int nLeft, int nTop, int nRight, int nBottom) : RECT{nLeft, nTop, nRight, nBottom} {}
     CRect(const RECT& rc) : RECT(rc) {}
 
-    int Width() const { return right - left; }
-    int Height() const { return bottom - top; }
+    // Sides too far apart for an int wrap around.
+    int Width() const { return Distance(left, right); }
+    int Height() const { return Distance(top, bottom); }
+    int IsRectEmpty() const { return right <= left || bottom <= top; }
+
+private:
+    static int Distance(LONG from, LONG to)
+    {
+        return static_cast<int>(static_cast<DWORD>(to) - static_cast<DWORD>(from));
+    }
 };
 
 // Red in the low byte, then green, then blue; the high byte is 0.

@@ -20,26 +20,36 @@ namespace KXHost {
 
 using DebugObserver = std::function<void(std::string_view)>;
 
-// Calls the observer with each text sent to the debug channel, on the sender's thread. It may send texts
-// itself but must not add or remove observers. Returns its number, never 0.
+// Calls the observer with each text sent to the debug channel from now on, on the sender's thread, so on
+// several threads at once if they send at once. The text is valid during the call. What an observer throws
+// ends there. It may send texts itself: they go to all observers but those that are being called on that
+// thread, so it never hears itself. Returns its number, never 0; an empty function is never called.
 KX_API int AddDebugObserver(DebugObserver observer);
-// No call of the observer runs any more once this has returned.
+// Waits for the observer's running calls and frees it: no call of it runs or begins once this has returned.
+// So don't hold what such a call waits for. From within an observer's call it doesn't wait: no further call
+// begins, and the observer is freed after its last one. An unknown number changes nothing.
 KX_API void RemoveDebugObserver(int nObserver);
 
 // ---- Clock
 
 enum class VirtualSleep
 {
-    Blocks,   // Sleep and waits with a time-out end when AdvanceClock passes their end
-    Advances, // Sleep moves the clock by its length and returns at once
+    Blocks,   // Sleep and waits with a time-out end when AdvanceClock reaches their end
+    Advances, // Sleep moves the clock by its length, for all, and returns at once; waits end as above
 };
 
-// Replaces the clock by one that stands at `nWallSeconds` (since 1970, UTC) until it is moved.
+// Replaces the clock by one that stands at `nWallSeconds` (since 1970, UTC) until it is moved. The tick count
+// goes on from where it is, here and in UseRealClock, and never back. Threads that are waiting for the clock
+// stay so for what is left of their time, which from then on passes on the new clock. On a virtual clock it
+// sets the wall time and the kind of sleep anew.
 KX_API void UseVirtualClock(std::int64_t nWallSeconds, VirtualSleep sleep = VirtualSleep::Blocks);
-// Moves the virtual clock and wakes what waited for it. Nothing happens on the real clock.
+// Moves the virtual clock and wakes those whose time has come. Nothing happens on the real clock. The clock
+// stops before its range of 190 years is passed.
 KX_API void AdvanceClock(std::uint64_t nMilliseconds);
+// Back to the system's clock. Nothing happens if that is in use already.
 KX_API void UseRealClock();
-// How many threads now wait, with a time-out or in Sleep, for the clock.
+// How many threads now sleep for the clock: in Sleep or in a wait with a time-out. Who has been released and
+// only has yet to wake up doesn't count, so a test can await the number and then move the clock.
 KX_API int ClockWaiters();
 
 // ---- Code page
@@ -98,9 +108,10 @@ struct SentMessage
     LPARAM lParam = 0;
 };
 
-// Puts a top-level window of another process on the headless desktop. What is sent or posted to it is
-// recorded (the newest 1,000), with the result 0.
+// Puts a top-level window of another process on the headless desktop. What is sent or posted to it is recorded
+// (the newest 1,000); a sent message gives 0. Its thread's number is the process's. Null for a process of 0.
 KX_API HWND AddForeignWindow(DWORD dwProcessId, bool bVisible);
+// What it received since the last call, oldest first; nothing for another handle.
 KX_API std::vector<SentMessage> TakeForeignMessages(HWND hWnd);
 KX_API void RemoveForeignWindow(HWND hWnd);
 

@@ -19,7 +19,9 @@ public:
 
     // 1899-12-30 00:00:00, valid.
     COleDateTime() = default;
+    // A count out of range, or no number, is kept and makes the status invalid.
     explicit COleDateTime(double dDays);
+    // As SetDateTime.
     COleDateTime(int nYear, int nMonth, int nDay, int nHour, int nMin, int nSec);
     // Local time of an instant; invalid when it can't be converted.
     static COleDateTime FromTime(std::int64_t nTime);
@@ -35,7 +37,7 @@ public:
     double GetDays() const noexcept { return m_dt; }
     operator double() const noexcept { return m_dt; }
 
-    // The fields; -1 unless the status is valid.
+    // The fields of the nearest second; -1 unless the status is valid and the count a date.
     int GetYear() const;
     int GetMonth() const;
     int GetDay() const;
@@ -43,8 +45,9 @@ public:
     int GetMinute() const;
     int GetSecond() const;
 
-    // A strftime form of the value. Null gives the empty string; invalid, or a count that is no date, gives
-    // entry 55296 of the application's string table (Module.h) or, without one, "Invalid DateTime".
+    // A strftime form of the value, as of CTime::Format. Null gives the empty string; invalid, or a count
+    // that is no date, gives entry 55296 of the application's string table (Module.h) or, without one,
+    // "Invalid DateTime".
     CString Format(const char* pszFormat) const;
 
     friend bool operator==(const COleDateTime&, const COleDateTime&) = default;

@@ -1,7 +1,7 @@
 #pragma once
 
-// Locks, events, threads and waits. No operation here needs the library's static objects: all of them work from
-// static constructors and destructors too.
+// Locks, events, threads and waits. No operation here needs the library's static objects: all of them work
+// from static constructors and destructors too.
 
 #include "../KXExport.h"
 #include "Types.h"
@@ -39,8 +39,8 @@ inline constexpr DWORD WAIT_OBJECT_0 = 0;
 inline constexpr DWORD WAIT_TIMEOUT = 258;
 inline constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
 
-// Makes an event. Manual-reset: a signal releases every wait until ResetEvent. Auto-reset: a signal releases one
-// wait, the one that began first, or the next to come. The first and last arguments (security, name) are
+// Makes an event. Manual-reset: a signal releases every wait until ResetEvent. Auto-reset: a signal releases
+// one wait, the one that began first, or the next to come. The first and last arguments (security, name) are
 // accepted and ignored. The caller owns the handle and ends it with CloseHandle; null for lack of memory.
 KX_API HANDLE CreateEventA(void* pSecurity, int bManualReset, int bInitialState, const char* pszName);
 
@@ -52,8 +52,8 @@ KX_API int ResetEvent(HANDLE hEvent) noexcept;
 
 // Waits until the object (event, thread, process) is signalled: WAIT_OBJECT_0; WAIT_TIMEOUT when that many
 // milliseconds of the clock passed first; WAIT_FAILED at once for a null handle or INVALID_HANDLE_VALUE. A
-// thread is signalled when it has ended, its thread-local objects included. With 0 it only looks, and INFINITE
-// has no time-out. The handle must stay open during the call.
+// thread is signalled when it has ended, its thread-local objects included. With 0 it only looks, and
+// INFINITE has no time-out. The handle must stay open during the call.
 KX_API DWORD WaitForSingleObject(HANDLE hObject, DWORD dwMilliseconds);
 
 // Ends a handle of an event, thread or process; the object lives on while a thread waits for it or runs.
@@ -61,9 +61,9 @@ KX_API DWORD WaitForSingleObject(HANDLE hObject, DWORD dwMilliseconds);
 KX_API int CloseHandle(HANDLE hObject) noexcept;
 
 // Starts a thread that runs `pfnStart(pArg)`. The security and flags arguments are accepted and ignored; the
-// stack has that many bytes or the system's default, whichever is more. `pThreadId` may be null. The caller closes the handle, which
-// doesn't end the thread. 0 if no thread could be started, with nothing run. An exception that leaves
-// `pfnStart` ends the process (std::terminate).
+// stack has that many bytes or the system's default, whichever is more. `pThreadId` may be null. The caller
+// closes the handle, which doesn't end the thread. 0 if no thread could be started, with nothing run. An
+// exception that leaves `pfnStart` ends the process (std::terminate).
 KX_API std::uintptr_t _beginthreadex(void* pSecurity, unsigned nStackSize, unsigned (*pfnStart)(void*),
                                      void* pArg, unsigned nFlags, unsigned* pThreadId);
 

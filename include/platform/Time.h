@@ -15,10 +15,11 @@ public:
 
     // From local time. `nDST` is 1, 0 or -1 (let the system decide). Throws CInvalidArgException* when the
     // year is below 1900, the month, day (1 to 31), hour, minute or second is out of its range, or the
-    // system can't represent the instant. A day that the month lacks carries over into the next month.
+    // system can't represent the instant (nor can it the last second before 1970 UTC, whose number is its
+    // word for that). A day that the month lacks carries over into the next month.
     CTime(int nYear, int nMonth, int nDay, int nHour, int nMin, int nSec, int nDST = -1);
 
-    // The clock's present instant.
+    // The clock's present second.
     static CTime GetCurrentTime();
 
     std::int64_t GetTime() const noexcept { return m_time; }
@@ -26,7 +27,9 @@ public:
     // Local time broken down; null when the instant can't be converted. The record is the caller's.
     std::tm* GetLocalTm(std::tm* pTm) const;
 
-    // Local time in a strftime form; the empty string when the instant can't be converted.
+    // Local time in a strftime form of any length. Names of days and months are English, whatever the locale.
+    // What is no conversion stays in the text as it is. The empty string when the instant can't be converted,
+    // for null, and for a text blown up beyond reason by field widths.
     CString Format(const char* pszFormat) const;
 
     friend bool operator==(const CTime&, const CTime&) = default;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -17,6 +18,7 @@ public:
         unsigned char type;    // a DT_... number
     };
 
+    Directory() = default;
     // `errno` tells why a directory didn't open.
     explicit Directory(const char* pszPath) noexcept : m_dir(opendir(pszPath)) {}
 
@@ -25,7 +27,8 @@ public:
     std::optional<Entry> Next() noexcept;
     // Whether an entry just read is a directory or a link to one.
     bool IsDirectory(const Entry& entry) const noexcept;
-    int Fd() const noexcept { return dirfd(m_dir.get()); }
+    // For calls that take names relative to it; the current directory's where it isn't open.
+    int Fd() const noexcept { return m_dir ? dirfd(m_dir.get()) : AT_FDCWD; }
 
 private:
     struct Closer

@@ -1,6 +1,7 @@
 #include "platform/files/EntryInfo.h"
 
 #include "platform/Errno.h"
+#include "platform/files/Path.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -62,24 +63,13 @@ std::optional<DWORD> ReadAttributes(const std::string& systemPath)
     return info->dwAttributes;
 }
 
-int FailAt(const std::string& systemPath) noexcept
+int FailAt(const std::string& systemPath)
 {
     const DWORD dwError = ErrorFromErrno(errno);
     if (dwError != ERROR_FILE_NOT_FOUND) return Fail(dwError);
     struct stat info;
     const bool bDirectory = stat(DirectoryOf(systemPath).c_str(), &info) == 0;
     return Fail(bDirectory ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND);
-}
-
-std::string_view LastName(std::string_view systemPath) noexcept
-{
-    return systemPath.substr(systemPath.rfind('/') + 1);
-}
-
-std::string DirectoryOf(const std::string& systemPath)
-{
-    const std::size_t slash = systemPath.rfind('/');
-    return slash == 0 ? "/" : systemPath.substr(0, slash);
 }
 
 } // namespace kx::path

@@ -25,11 +25,6 @@ std::optional<DWORD> ReadAttributes(const std::string& systemPath);
 
 // Sets the last error for a call on a Linux path that failed with `errno`, a missing directory told from a
 // missing file, and gives 0.
-int FailAt(const std::string& systemPath) noexcept;
-
-// The last component of a Linux path.
-std::string_view LastName(std::string_view systemPath) noexcept;
-// The directory that holds an entry.
-std::string DirectoryOf(const std::string& systemPath);
+int FailAt(const std::string& systemPath);
 
 } // namespace kx::path

@@ -99,20 +99,23 @@ std::size_t Append(std::string& directory, std::size_t root, std::string_view re
     return kept;
 }
 
-} // namespace
-
-std::optional<Resolved> Resolve(const char* pszPath)
+// A path's text in UTF-8; nothing, with the last error set, for what can't be one.
+std::optional<std::string> ReadText(const char* pszPath)
 {
     const std::size_t length = pszPath ? strnlen(pszPath, MAX_PATH) : 0;
     std::optional<std::string> utf8;
     if (length > 0 && length <= kMaxLength) utf8 = text::ToUtf8({pszPath, length});
-    if (!utf8) {
+    if (!utf8)
         Fail(length == 0           ? ERROR_PATH_NOT_FOUND
              : length > kMaxLength ? ERROR_FILENAME_EXCED_RANGE
                                    : ERROR_INVALID_NAME);
-        return std::nullopt;
-    }
-    const Parts parts(*utf8);
+    return utf8;
+}
+
+// An empty text is the current directory.
+std::optional<Resolved> ResolveText(std::string_view text)
+{
+    const Parts parts(text);
     auto start = FindStart(parts);
     if (!start) return std::nullopt;
 
@@ -122,9 +125,44 @@ std::optional<Resolved> Resolve(const char* pszPath)
     resolved.exact = !MatchExisting(resolved.system, kept);
     resolved.absolute = parts.drive && parts.rooted;
     resolved.root = resolved.system.size() == start->root;
-    resolved.trailing = IsSeparator(utf8->back());
+    resolved.trailing = !parts.rest.empty() && IsSeparator(parts.rest.back());
     if (resolved.system.empty()) resolved.system.push_back('/');
     return resolved;
+}
+
+// Where the last component of a path begins.
+std::size_t LastComponent(std::string_view text)
+{
+    std::size_t begin = text.size();
+    const std::size_t first = text.size() - Parts(text).rest.size();
+    while (begin > first && !IsSeparator(text[begin - 1]))
+        --begin;
+    return begin;
+}
+
+} // namespace
+
+std::optional<Resolved> Resolve(const char* pszPath)
+{
+    const auto text = ReadText(pszPath);
+    return text ? ResolveText(*text) : std::nullopt;
+}
+
+std::optional<Pattern> ResolvePattern(const char* pszPattern)
+{
+    const auto text = ReadText(pszPattern);
+    if (!text) return std::nullopt;
+    const std::size_t begin = LastComponent(*text);
+    std::string name = text->substr(begin);
+    const bool bWildcards = name.find_first_of("*?") != name.npos;
+    auto resolved = ResolveText(bWildcards ? std::string_view(*text).substr(0, begin) : *text);
+    if (!resolved) return std::nullopt;
+    if (bWildcards) return Pattern{std::move(resolved->system), std::move(name), true};
+    if (resolved->root || resolved->trailing) {
+        Fail(ERROR_FILE_NOT_FOUND);
+        return std::nullopt;
+    }
+    return Pattern{DirectoryOf(resolved->system), std::string(LastName(resolved->system)), false};
 }
 
 std::optional<std::string> ToSystem(const char* pszPath)
@@ -149,6 +187,16 @@ std::optional<CString> FromSystem(std::string_view systemPath)
     const auto bytes = text::FromUtf8(path);
     if (!bytes || bytes->size() > kMaxLength) return std::nullopt;
     return CString(std::string_view(*bytes));
+}
+
+std::string_view LastName(std::string_view systemPath) noexcept
+{
+    return systemPath.substr(systemPath.rfind('/') + 1);
+}
+
+std::string DirectoryOf(const std::string& systemPath)
+{
+    return systemPath.substr(0, std::max<std::size_t>(systemPath.rfind('/'), 1));
 }
 
 unsigned Generation() noexcept

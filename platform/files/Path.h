@@ -25,12 +25,28 @@ struct Resolved
 // a null or empty path, one too long, of a drive that isn't there, or with bytes that are no text.
 std::optional<Resolved> Resolve(const char* pszPath);
 
+// What a search looks for: the entries of a directory that match a name with wildcards, or one entry.
+struct Pattern
+{
+    std::string directory; // a Linux path
+    std::string name;      // UTF-8
+    bool wildcards = false;
+};
+
+// Takes the last component off a path and resolves the rest; without wildcards the component too. Fails as
+// Resolve does, and for a path that ends in a separator or names a root.
+std::optional<Pattern> ResolvePattern(const char* pszPattern);
+
 // The Linux path alone.
 std::optional<std::string> ToSystem(const char* pszPath);
 
 // A path of this library for an absolute Linux path: the drive with the longest matching root. Nothing where
 // no drive holds it or the name can't be said in the code page or in 259 bytes.
 std::optional<CString> FromSystem(std::string_view systemPath);
+
+// A Linux path's last component, and the directory that holds it.
+std::string_view LastName(std::string_view systemPath) noexcept;
+std::string DirectoryOf(const std::string& systemPath);
 
 // Changes whenever drives, their roots or the code page change, so that what was resolved before is stale.
 // Paths that aren't `absolute` are stale too when the current directory changes, which is not counted here.

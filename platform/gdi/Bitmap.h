@@ -9,19 +9,30 @@
 namespace kx::gdi {
 
 // A bitmap: 32-bit pixels whatever its declared depth, which stays with it for GetObjectA and GetDIBits, as does
-// its palette (depths of 8 bits and less; as many entries as the file declared, at most 2 to the depth).
+// its palette (depths of 8 bits and less; as many entries as the file declared, at most 2 to the depth). A decoder
+// may leave a pixel's index into the palette in its high byte: GetDIBits gives that index back for as long as
+// the pixel has its colour, even if the palette holds the colour twice.
 class Bitmap : public Object
 {
 public:
     Bitmap(Surface pixels, WORD nDepth, std::vector<RGBQUAD> colors = {}, bool bFromFile = false)
-        : surface(std::move(pixels)), depth(nDepth), palette(std::move(colors)), fromFile(bFromFile)
+        : Object(Kind::Bitmap), surface(std::move(pixels)), depth(nDepth), palette(std::move(colors)),
+          fromFile(bFromFile)
     {
     }
+    // A BITMAP.
+    int Describe(int nSize, void* pBuffer) const override;
 
     Surface surface;
     const WORD depth;
     const std::vector<RGBQUAD> palette;
     const bool fromFile; // rows count as padded to 32 bits, not 16
 };
+
+// The bytes of a row of `nWidth` pixels that is padded to a multiple of `nPadding` bits.
+constexpr std::size_t RowBytes(int nWidth, WORD nDepth, std::size_t nPadding) noexcept
+{
+    return (static_cast<std::size_t>(nWidth) * nDepth + nPadding - 1) / nPadding * (nPadding / 8);
+}
 
 } // namespace kx::gdi

@@ -1,44 +1,80 @@
 #pragma once
 
 #include "include/platform/Gdi.h"
-#include "platform/LiveHandles.h"
 
 #include <atomic>
+#include <cstring>
 #include <memory>
+#include <typeinfo>
 
 namespace kx::gdi {
 
-// What a handle of this family names: a device context, bitmap, pen, brush, font, region or icon. Objects are
-// found through one table, so that a null, stale or invented handle finds nothing.
+// What an object can be selected as; `Other` (a device context, an icon) can't be, and DeleteObject leaves it alone.
+enum class Kind
+{
+    Bitmap,
+    Pen,
+    Brush,
+    Font,
+    Region,
+    Other
+};
+
+// What a handle of this family names. Objects are found through one table, so that a null, stale or invented
+// handle finds nothing.
 class Object
 {
 public:
-    Object() = default;
+    explicit Object(Kind of = Kind::Other) noexcept : kind(of) {}
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;
     virtual ~Object() = default;
 
+    // For GetObjectA: copies the record into a buffer that holds it, or tells its size for a null one; 0 where the
+    // buffer is too small or there is no record.
+    virtual int Describe(int, void*) const { return 0; }
+    // Null before Add.
+    HGDIOBJ Handle() const noexcept { return m_handle; }
+
+    const Kind kind;
     // How many surfaces hold it; DeleteObject refuses while there is one.
     std::atomic<int> selected{0};
 
 private:
-    LiveHandle m_live;
+    friend class ObjectTable;
+    HGDIOBJ m_handle = nullptr;
 };
 
-// Puts an object into the table; null for lack of memory. Stock objects are put there as `stock`, which
-// DeleteObject leaves alone, and they don't count as live handles that leak.
+// Puts an object into the table; null for lack of memory or of room (1,048,576 objects). A stock object is one
+// that the caller of the library didn't make: DeleteObject leaves it alone, and it isn't counted as a live handle.
+// Any thread may call any of these.
 HGDIOBJ Add(std::shared_ptr<Object> object, bool stock = false);
 // The object of a handle, or null.
-std::shared_ptr<Object> Find(HGDIOBJ handle);
+std::shared_ptr<Object> Find(HGDIOBJ handle) noexcept;
 // Takes a handle out of the table; the object ends with its last user. Null if there is no such handle.
-std::shared_ptr<Object> Remove(HGDIOBJ handle);
-bool IsStock(HGDIOBJ handle);
+std::shared_ptr<Object> Remove(HGDIOBJ handle) noexcept;
+bool IsStock(HGDIOBJ handle) noexcept;
 
 // The object of a handle if it is of that class.
 template <class T>
-std::shared_ptr<T> FindAs(const void* handle)
+std::shared_ptr<T> FindAs(const void* handle) noexcept
 {
-    return std::dynamic_pointer_cast<T>(Find(const_cast<void*>(handle)));
+    std::shared_ptr<Object> object = Find(const_cast<void*>(handle));
+    if (!object) return nullptr;
+    const Object& named = *object;
+    if (typeid(named) == typeid(T)) return std::static_pointer_cast<T>(std::move(object));
+    return std::dynamic_pointer_cast<T>(std::move(object));
+}
+
+// Describe for a record that is at hand.
+template <class Record>
+int DescribeAs(const Record& record, int nSize, void* pBuffer) noexcept
+{
+    constexpr int nNeeded = static_cast<int>(sizeof(Record));
+    if (!pBuffer) return nNeeded;
+    if (nSize < nNeeded) return 0;
+    std::memcpy(pBuffer, &record, sizeof(Record));
+    return nNeeded;
 }
 
 } // namespace kx::gdi

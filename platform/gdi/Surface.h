@@ -8,8 +8,9 @@
 
 namespace kx::gdi {
 
-// A block of 32-bit pixels, 0x00RRGGBB with a high byte that is kept but means nothing here. Rows begin at
-// addresses aligned for SIMD, the first row is the top one.
+// A block of 32-bit pixels, 0x00RRGGBB with a high byte that is kept but means nothing here. The first row is the
+// top one. Rows of 16 pixels and more begin at addresses aligned to 64 bytes; shorter ones lie closer, so that a
+// tall narrow block takes no more than twice its pixels.
 class Surface
 {
 public:
@@ -28,12 +29,13 @@ private:
     {
         void operator()(DWORD* p) const noexcept;
     };
-    Surface(int nWidth, int nHeight, std::ptrdiff_t nStride, std::unique_ptr<DWORD[], Free> pixels) noexcept;
+    using Pixels = std::unique_ptr<DWORD[], Free>;
+    Surface(int nWidth, int nHeight, std::ptrdiff_t nStride, Pixels pixels) noexcept;
 
     int m_nWidth;
     int m_nHeight;
     std::ptrdiff_t m_nStride;
-    std::unique_ptr<DWORD[], Free> m_pixels;
+    Pixels m_pixels;
 };
 
 // A pixel for a colour, and back; both order their bytes the other way round.

@@ -13,11 +13,6 @@ std::int64_t Nanoseconds(const timespec& time) noexcept
     return static_cast<std::int64_t>(time.tv_sec) * kSecond + time.tv_nsec;
 }
 
-bool Same(const timespec& a, const timespec& b) noexcept
-{
-    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
-}
-
 std::int64_t Tick() noexcept
 {
     static const std::int64_t tick = [] {
@@ -29,21 +24,6 @@ std::int64_t Tick() noexcept
 }
 
 } // namespace
-
-FileStamp::FileStamp(const struct stat& status) noexcept
-    : device(status.st_dev),
-      inode(status.st_ino),
-      size(status.st_size),
-      modified(status.st_mtim),
-      changed(status.st_ctim)
-{
-}
-
-bool FileStamp::operator==(const FileStamp& other) const noexcept
-{
-    return inode == other.inode && device == other.device && size == other.size &&
-           Same(modified, other.modified) && Same(changed, other.changed);
-}
 
 // The time of change is the one that counts: it can't be set by hand. A file system whose times have no
 // fraction counts by seconds, or by two.

@@ -19,7 +19,7 @@ bool CachedIni::IsCurrent(unsigned nowGeneration) const noexcept
 {
     struct stat status;
     return bSettled && generation == nowGeneration && ::stat(system.c_str(), &status) == 0 &&
-           stamp == FileStamp(status);
+           stamp.IsOf(status);
 }
 
 CachedIniPtr IniCache::Find(std::string_view name) const

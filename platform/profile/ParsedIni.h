@@ -9,10 +9,13 @@
 
 namespace kx::profile {
 
+class FoldedName;
+
 // An INI text, made ready for lookups. Unchanging once built, so any number of threads may share one.
 //
-// The names stand folded and in the order of their hashes; a lookup is two binary searches, and a text made
-// to collide costs no more than some longer comparisons.
+// The names stand folded and in the order of their hashes, with an index by the hash's upper bits: a lookup
+// goes to the few entries of its part and searches them by halves, so that a text made to collide costs no
+// more than some comparisons.
 class ParsedIni
 {
 public:
@@ -39,21 +42,29 @@ private:
     // A section or a key. A section's number is where its name begins.
     struct Entry
     {
+        std::uint32_t hash;  // of name and group
         std::uint32_t group; // the key's section, or kSections
-        std::uint32_t hash;
         Span name;
         Span value;
     };
     static constexpr std::uint32_t kSections = UINT32_MAX;
 
+    static std::uint32_t Hash(std::uint32_t name, std::uint32_t group) noexcept
+    {
+        return name ^ group * 0x9E3779B1;
+    }
+
     void ReadLines();
     void Order();
+    void Index();
     Span Place(std::string_view part) const noexcept;
     std::string_view View(Span span) const noexcept { return {m_text.data() + span.begin, span.length}; }
-    const Entry* Look(std::uint32_t group, std::string_view name) const;
+    const Entry* Look(std::uint32_t group, const FoldedName& name) const noexcept;
 
     std::string m_text;
     std::vector<Entry> m_entries;
+    std::vector<std::uint32_t> m_parts; // where each part of the entries begins, and the end
+    int m_shift = 0;                    // from a hash to its part
 };
 
 } // namespace kx::profile

@@ -96,7 +96,11 @@ std::optional<Item> FindEntry(const kx::path::Resolved& resolved)
 
 std::optional<Item> FindItem(const char* pszPath)
 {
-    if (const char letter = pszPath ? SpelledDrive(pszPath) : '\0') return FindDrive(letter);
+    if (!pszPath) {
+        SetLastError(ERROR_PATH_NOT_FOUND);
+        return std::nullopt;
+    }
+    if (const char letter = SpelledDrive(pszPath)) return FindDrive(letter);
     const auto resolved = kx::path::Resolve(pszPath);
     if (!resolved) return std::nullopt;
     return resolved->root ? FindDrive(ResolvedDrive(pszPath, *resolved)) : FindEntry(*resolved);

@@ -58,7 +58,7 @@ std::string FolderWording()
 
 std::string FileWording(std::string_view name)
 {
-    const std::string file = Say({"File", "文件"});
+    std::string file = Say({"File", "文件"});
     const auto point = name.rfind('.');
     if (point == name.npos || point == 0 || point + 1 == name.size()) return file;
     std::string extension(name.substr(point + 1));

@@ -54,10 +54,11 @@ void Alarm::RingDue(Moment now) noexcept
 
 int Alarm::CountWaiting() noexcept
 {
+    const Moment now = Now();
     std::lock_guard lock(g_lock);
     int nCount = 0;
     for (const Alarm* alarm = g_alarms.First(); alarm; alarm = alarm->next)
-        nCount += alarm->m_word.load(std::memory_order_relaxed) == alarm->m_seen;
+        nCount += alarm->m_deadline > now && alarm->m_word.load(std::memory_order_relaxed) == alarm->m_seen;
     return nCount;
 }
 

@@ -37,7 +37,8 @@ public:
     static void RingDue(Moment now) noexcept;
     // The clock was changed: all look at it anew.
     static void RingAll() noexcept { RingDue(kNever); }
-    // How many now sleep for a deadline: not those whose word has changed already.
+    // How many now sleep for a deadline: not those whose time has come or whose
+    // word has changed.
     static int CountWaiting() noexcept;
 
 private:

@@ -73,11 +73,12 @@ Moment Move(std::uint64_t nMilliseconds) noexcept
 
 Moment Monotonic::now() noexcept
 {
-    if (IsVirtual()) {
-        std::lock_guard lock(g_lock);
-        if (g_bVirtual.load(std::memory_order_relaxed)) return g_virtual.now;
+    if (!IsVirtual()) {
+        const Moment now = RealNow();
+        if (!IsVirtual()) return now; // taken before any change to a virtual clock, which begins no earlier
     }
-    return RealNow();
+    std::lock_guard lock(g_lock);
+    return IsVirtual() ? g_virtual.now : RealNow();
 }
 
 Moment DeadlineAfter(DWORD dwMilliseconds) noexcept
@@ -94,7 +95,7 @@ std::timespec WallTime() noexcept
 {
     if (IsVirtual()) {
         std::lock_guard lock(g_lock);
-        if (g_bVirtual.load(std::memory_order_relaxed)) return VirtualWall(g_virtual);
+        if (IsVirtual()) return VirtualWall(g_virtual);
     }
     std::timespec now;
     clock_gettime(CLOCK_REALTIME, &now);
@@ -120,7 +121,7 @@ bool SkipSleep(DWORD dwMilliseconds)
     Moment now;
     {
         std::lock_guard lock(g_lock);
-        if (!g_bVirtual.load(std::memory_order_relaxed) || !g_virtual.sleepersMoveIt) return false;
+        if (!IsVirtual() || !g_virtual.sleepersMoveIt) return false;
         now = Move(dwMilliseconds);
     }
     Alarm::RingDue(now);
@@ -140,10 +141,9 @@ void KXHost::UseVirtualClock(std::int64_t nWallSeconds, VirtualSleep sleep)
     using namespace kx::clock;
     {
         std::lock_guard lock(g_lock);
-        const bool bAlready = g_bVirtual.load(std::memory_order_relaxed);
+        const bool bAlready = g_bVirtual.exchange(true);
         const Moment now = bAlready ? g_virtual.now : std::min(RealNow(), kLatest);
         g_virtual = {now, now, nWallSeconds, sleep == VirtualSleep::Advances};
-        g_bVirtual.store(true, std::memory_order_release);
     }
     Alarm::RingAll();
 }
@@ -154,7 +154,7 @@ void KXHost::AdvanceClock(std::uint64_t nMilliseconds)
     Moment now;
     {
         std::lock_guard lock(g_lock);
-        if (!g_bVirtual.load(std::memory_order_relaxed)) return;
+        if (!IsVirtual()) return;
         now = Move(nMilliseconds);
     }
     Alarm::RingDue(now);
@@ -165,7 +165,7 @@ void KXHost::UseRealClock()
     using namespace kx::clock;
     {
         std::lock_guard lock(g_lock);
-        if (!g_bVirtual.load(std::memory_order_relaxed)) return;
+        if (!IsVirtual()) return;
         g_ahead.store((g_virtual.now.time_since_epoch() - SystemNow()).count(), std::memory_order_relaxed);
         g_bVirtual.store(false, std::memory_order_release);
     }

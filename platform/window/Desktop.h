@@ -8,6 +8,14 @@
 
 namespace kx::window {
 
+// What anyone may know of a window of any process.
+struct WindowFacts
+{
+    DWORD threadId;
+    DWORD processId;
+    bool visible;
+};
+
 // Where windows appear: what differs between desktops. The messages of this process's windows are none of its
 // business: what a desktop learns of them (input, a wish to close) it gives them with PostMessage.
 //
@@ -17,13 +25,6 @@ namespace kx::window {
 class Desktop
 {
 public:
-    struct ForeignWindow
-    {
-        DWORD threadId;
-        DWORD processId;
-        bool visible;
-    };
-
     // The process's desktop, chosen at the first use.
     static Desktop& Instance();
     virtual ~Desktop() = default;
@@ -39,7 +40,7 @@ public:
     // ---- Windows of other processes, which it numbers with NewHandle
 
     virtual std::vector<HWND> ForeignWindows() const = 0;
-    virtual std::optional<ForeignWindow> FindForeign(HWND hWnd) const noexcept = 0;
+    virtual std::optional<WindowFacts> FindForeign(HWND hWnd) const noexcept = 0;
     // False for no such window.
     virtual bool PostForeign(HWND hWnd, const KXHost::SentMessage& message) = 0;
     virtual LRESULT SendForeign(HWND hWnd, const KXHost::SentMessage& message) = 0;

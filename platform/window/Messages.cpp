@@ -5,7 +5,7 @@
 #include "platform/window/ThreadQueue.h"
 #include "platform/window/WindowTable.h"
 
-#include <limits>
+#include <memory>
 
 namespace {
 
@@ -44,12 +44,15 @@ LRESULT SendAcross(const WindowPtr& target, UINT nMsg, WPARAM wParam, LPARAM lPa
     {
         Queue& receiver;
         const SentMessage& message;
+        bool answered = false;
         ~WithdrawAtExit()
         {
-            if (std::uncaught_exceptions() > 0) receiver.Withdraw(message);
+            if (!answered) receiver.Withdraw(message);
         }
-    } const withdraw{receiver, *message};
-    return own->WaitForAnswer(*message);
+    } withdraw{receiver, *message};
+    const LRESULT nResult = own->WaitForAnswer(*message);
+    withdraw.answered = true;
+    return nResult;
 }
 
 // The window of a filter of this thread; false for one that isn't.
@@ -98,7 +101,10 @@ LRESULT SendMessageA(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
 
 int GetMessageA(MSG* pMsg, HWND hWnd, UINT nMin, UINT nMax)
 {
-    const auto refuse = [](DWORD dwError) { return kx::Fail(dwError) - 1; };
+    const auto refuse = [](DWORD dwError) {
+        SetLastError(dwError);
+        return -1;
+    };
     const auto own = kx::window::ThisThread();
     WindowPtr window;
     if (!pMsg) return refuse(ERROR_INVALID_PARAMETER);

@@ -43,8 +43,8 @@ private:
 };
 
 // Plain values, which can still be asked when the thread's objects are gone.
-constinit thread_local const Queue* t_queue = nullptr;
-constinit thread_local bool t_over = false;
+[[gnu::tls_model("initial-exec")]] constinit thread_local const Queue* t_queue = nullptr;
+[[gnu::tls_model("initial-exec")]] constinit thread_local bool t_over = false;
 
 class Holder
 {

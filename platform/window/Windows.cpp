@@ -9,14 +9,15 @@
 namespace {
 
 using kx::window::Desktop;
+using kx::window::WindowFacts;
 using kx::window::WindowTable;
 
 // What is known of a window of any process.
-std::optional<Desktop::ForeignWindow> Look(HWND hWnd) noexcept
+std::optional<WindowFacts> Look(HWND hWnd) noexcept
 {
     const auto window = WindowTable::Instance().Find(hWnd);
     if (!window) return Desktop::Instance().FindForeign(hWnd);
-    return Desktop::ForeignWindow{window->Owner().ThreadId(), window->ProcessId(), window->visible};
+    return WindowFacts{window->Owner().ThreadId(), window->ProcessId(), window->visible};
 }
 
 // A window of this process, or null with the last error set.

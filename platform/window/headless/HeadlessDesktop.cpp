@@ -21,11 +21,11 @@ std::vector<HWND> HeadlessDesktop::ForeignWindows() const
     return handles;
 }
 
-std::optional<Desktop::ForeignWindow> HeadlessDesktop::FindForeign(HWND hWnd) const noexcept
+std::optional<WindowFacts> HeadlessDesktop::FindForeign(HWND hWnd) const noexcept
 {
     std::lock_guard lock(m_lock);
     const auto it = m_foreign.find(hWnd);
-    return it == m_foreign.end() ? std::nullopt : std::optional(it->second.window);
+    return it == m_foreign.end() ? std::nullopt : std::optional(it->second.facts);
 }
 
 bool HeadlessDesktop::PostForeign(HWND hWnd, const KXHost::SentMessage& message)
@@ -50,11 +50,11 @@ int HeadlessDesktop::ShowMessageBox(const KXHost::MessageBoxRecord& box)
     return IDOK;
 }
 
-HWND HeadlessDesktop::AddForeign(const ForeignWindow& window)
+HWND HeadlessDesktop::AddForeign(const WindowFacts& facts)
 {
     std::lock_guard lock(m_lock);
     const HWND handle = NewHandle();
-    m_foreign.emplace(handle, Foreign{window, {}});
+    m_foreign.emplace(handle, Foreign{facts, {}});
     return handle;
 }
 

@@ -21,14 +21,14 @@ public:
     void Destroy(HWND) noexcept override {}
 
     std::vector<HWND> ForeignWindows() const override;
-    std::optional<ForeignWindow> FindForeign(HWND hWnd) const noexcept override;
+    std::optional<WindowFacts> FindForeign(HWND hWnd) const noexcept override;
     bool PostForeign(HWND hWnd, const KXHost::SentMessage& message) override;
     LRESULT SendForeign(HWND hWnd, const KXHost::SentMessage& message) override;
     int ShowMessageBox(const KXHost::MessageBoxRecord& box) override;
 
     // ---- For the host
 
-    HWND AddForeign(const ForeignWindow& window);
+    HWND AddForeign(const WindowFacts& facts);
     void RemoveForeign(HWND hWnd);
     std::vector<KXHost::SentMessage> TakeMessages(HWND hWnd);
     std::vector<KXHost::MessageBoxRecord> TakeMessageBoxes();
@@ -36,7 +36,7 @@ public:
 private:
     struct Foreign
     {
-        ForeignWindow window;
+        WindowFacts facts;
         Recent<KXHost::SentMessage> received;
     };
 

@@ -236,6 +236,66 @@ TEST(Module, OnlyASoundFileOpens)
     EXPECT_NE(error(nullptr), 0u);
 }
 
+// A bundle that says untrue things of its resources, of which GLib would read past the end or which it would
+// abort on: it isn't opened, or the resource has no bytes.
+TEST(Module, LyingBundlesGiveNothing)
+{
+    const auto u32 = [](std::size_t n) { return std::string(reinterpret_cast<const char*>(&n), 4); };
+    const auto open = [](const std::string& bundle) {
+        const TempDir dir;
+        dir.Write("bundle", bundle);
+        return LoadLibraryA(dir.Win("bundle"));
+    };
+    const TempDir dir;
+    const std::string plain = test::ReadFile(CompileBundle(dir, {{"T/A", "content"}}));
+    const std::size_t value = plain.find("content") - 8, size = 8 + 8 + 7; // 8 + content and 0 + type
+    const std::size_t slice = plain.find(u32(value) + u32(value + size));
+    ASSERT_NE(slice, plain.npos);
+    const struct
+    {
+        std::size_t at;
+        std::string bytes;
+    } lies[] = {
+        {value + 17, "(uuas)"},
+        {value + 17, "(yyay)"},
+        {value, u32(6)},
+        {value, u32(0xFFFFFFFF)},
+        {slice + 4, u32(value + size - 1)},
+        {slice + 4, u32(value)},
+        {slice + 4, u32(value - 8)},
+        {slice + 4, u32(plain.size() + 1)},
+        {slice, u32(value + 1)},
+        {slice - 2, "x"},      // an entry of another kind
+        {slice - 2, "H"},      // a table in the table
+        {slice - 8, u32(999)}, // its name lies outside
+        {slice - 12, u32(999)},
+        {8, u32(1)}, // another version of the format
+        {0, "raVGtnai"},
+        {16, u32(26)}, // the table isn't aligned
+        {20, u32(0)},
+        {20, u32(plain.size() + 4)},
+    };
+    EXPECT_NE(FreeLibrary(open(plain)), 0);
+    for (const auto& lie : lies)
+        EXPECT_EQ(open(std::string(plain).replace(lie.at, lie.bytes.size(), lie.bytes)), nullptr)
+            << lie.at << ' ' << testing::PrintToString(lie.bytes);
+    std::string empty = plain; // not even the zero byte that follows a resource
+    empty.replace(value, 15, u32(0xFFFFFFFF) + std::string("\0\0\0\0\0(uuay)", 11))
+        .replace(slice + 4, 4, u32(value + 15));
+    EXPECT_EQ(open(empty), nullptr);
+
+    const std::string packed = test::ReadFile(CompileBundle(dir, {{"T/A", std::string(900, 'b')}}, true));
+    const std::size_t length = packed.find(u32(900) + u32(1));
+    ASSERT_NE(length, packed.npos);
+    for (const std::size_t lie : {std::size_t{0}, std::size_t{899}, std::size_t{901}}) {
+        const HMODULE module = open(std::string(packed).replace(length, 4, u32(lie)));
+        ASSERT_NE(module, nullptr);
+        EXPECT_EQ(BytesOf(module, "A", "T"), "none") << lie;
+        FreeLibrary(module);
+    }
+    EXPECT_EQ(open(std::string(packed).replace(length, 4, u32(1 << 20))), nullptr);
+}
+
 // What a damaged bundle gives is nothing, or what bytes it has; never more, and no complaint of the library
 // that reads it, which this turns into the test's death.
 TEST(Module, DamagedBundlesAreHarmless)

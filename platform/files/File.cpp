@@ -1,0 +1,104 @@
+#include "include/platform/File.h"
+
+#include "include/platform/Error.h"
+#include "platform/Errno.h"
+#include "platform/UniqueFd.h"
+#include "platform/files/EntryInfo.h"
+#include "platform/files/Exception.h"
+#include "platform/files/OpenFile.h"
+#include "platform/files/Path.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+// Opens a path, or tells why not.
+kx::UniqueFd OpenPath(const char* pszFileName, unsigned nOpenFlags, CFileException& failure)
+{
+    const auto path = kx::path::Resolve(pszFileName);
+    if (!path) {
+        failure = kx::PathFailure(GetLastError(), pszFileName);
+        return kx::UniqueFd();
+    }
+    errno = ENOTDIR;
+    kx::UniqueFd fd = path->trailing ? kx::UniqueFd() : kx::OpenFile(path->system, nOpenFlags);
+    if (fd) return fd;
+    failure = CFileException(kx::CauseFromErrno(errno), errno, pszFileName);
+    if (kx::path::FailAt(path->system); GetLastError() == ERROR_PATH_NOT_FOUND)
+        failure.m_cause = CFileException::badPath;
+    return fd;
+}
+
+} // namespace
+
+CFile::~CFile()
+{
+    if (m_fd >= 0) close(m_fd);
+}
+
+int CFile::Open(const char* pszFileName, unsigned nOpenFlags, CFileException* pError)
+{
+    try {
+        Close();
+    } catch (CException* pException) { // what was lost belongs to the file before this one
+        pException->Delete();
+    }
+    CFileException failure;
+    m_fd = OpenPath(pszFileName, nOpenFlags, failure).Release();
+    if (m_fd >= 0)
+        m_strFileName = pszFileName;
+    else if (pError)
+        *pError = failure;
+    return m_fd >= 0;
+}
+
+void CFile::Close()
+{
+    if (m_fd < 0) return;
+    const CString strFileName = std::exchange(m_strFileName, CString());
+    if (close(std::exchange(m_fd, -1)) != 0 && errno != EINTR)
+        throw new CFileException(kx::CauseFromErrno(errno), errno, strFileName);
+}
+
+std::size_t CFile::Read(void* pBuf, std::size_t nCount)
+{
+    const ssize_t got = kx::RetryEintr([&] { return read(m_fd, pBuf, nCount); });
+    if (got < 0) Throw(errno);
+    return static_cast<std::size_t>(got);
+}
+
+void CFile::Write(const void* pBuf, std::size_t nCount)
+{
+    if (const int error = kx::WriteAll(m_fd, pBuf, nCount)) Throw(error);
+}
+
+void CFile::Flush()
+{
+}
+
+std::uint64_t CFile::Seek(std::int64_t nOff, unsigned nFrom)
+{
+    if (m_fd < 0) return 0;
+    const off_t position = lseek(m_fd, nOff, nFrom <= end ? static_cast<int>(nFrom) : -1);
+    if (position < 0) AfxThrowFileException(CFileException::badSeek, errno, m_strFileName);
+    return static_cast<std::uint64_t>(position);
+}
+
+std::uint64_t CFile::GetPosition() const
+{
+    const off_t position = lseek(m_fd, 0, SEEK_CUR);
+    return position > 0 ? static_cast<std::uint64_t>(position) : 0;
+}
+
+std::uint64_t CFile::GetLength() const
+{
+    struct stat info;
+    return fstat(m_fd, &info) == 0 ? static_cast<std::uint64_t>(info.st_size) : 0;
+}
+
+void CFile::Throw(int nErrno) const
+{
+    throw new CFileException(kx::CauseFromErrno(nErrno), nErrno, m_strFileName);
+}

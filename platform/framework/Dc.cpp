@@ -1,0 +1,166 @@
+#include "include/platform/Dc.h"
+
+#include "platform/framework/TempMap.h"
+
+#include <utility>
+
+IMPLEMENT_DYNAMIC(CDC, CObject)
+
+namespace {
+
+bool IsAlive(HDC hDC)
+{
+    return ::GetBkMode(hDC) != 0;
+}
+
+void Bind(CDC& dc, HDC hDC)
+{
+    dc.m_hDC = hDC;
+}
+
+HDC HandleOf(const CDC* pDC)
+{
+    return pDC ? pDC->m_hDC : nullptr;
+}
+
+// Selects an object, if there is one, and gives what it displaced.
+HGDIOBJ Select(HDC hDC, const CGdiObject* pObject)
+{
+    return pObject ? ::SelectObject(hDC, pObject->m_hObject) : nullptr;
+}
+
+} // namespace
+
+CDC::~CDC()
+{
+    DeleteDC();
+}
+
+int CDC::Attach(HDC hDC)
+{
+    if (m_hDC || !hDC) return 0;
+    m_hDC = hDC;
+    return 1;
+}
+
+HDC CDC::Detach()
+{
+    return std::exchange(m_hDC, nullptr);
+}
+
+int CDC::CreateCompatibleDC(CDC* pDC)
+{
+    return m_hDC ? 0 : Attach(::CreateCompatibleDC(HandleOf(pDC)));
+}
+
+int CDC::DeleteDC()
+{
+    return m_hDC ? ::DeleteDC(Detach()) : 0;
+}
+
+CDC* CDC::FromHandle(HDC hDC)
+{
+    thread_local kx::framework::TempMap<CDC, HDC, IsAlive, Bind> map;
+    return map.Get(hDC);
+}
+
+CBitmap* CDC::SelectObject(CBitmap* pObject)
+{
+    return CBitmap::FromHandle(static_cast<HBITMAP>(Select(m_hDC, pObject)));
+}
+
+CPen* CDC::SelectObject(CPen* pObject)
+{
+    return CPen::FromHandle(static_cast<HPEN>(Select(m_hDC, pObject)));
+}
+
+CBrush* CDC::SelectObject(CBrush* pObject)
+{
+    return CBrush::FromHandle(static_cast<HBRUSH>(Select(m_hDC, pObject)));
+}
+
+CFont* CDC::SelectObject(CFont* pObject)
+{
+    return CFont::FromHandle(static_cast<HFONT>(Select(m_hDC, pObject)));
+}
+
+CGdiObject* CDC::SelectObject(CGdiObject* pObject)
+{
+    return CGdiObject::FromHandle(Select(m_hDC, pObject));
+}
+
+CGdiObject* CDC::SelectStockObject(int nIndex)
+{
+    return CGdiObject::FromHandle(::SelectObject(m_hDC, GetStockObject(nIndex)));
+}
+
+void CDC::FillSolidRect(const RECT* pRect, COLORREF clr)
+{
+    if (!pRect) return;
+    ::SetBkColor(m_hDC, clr);
+    const CBrush brush(clr);
+    ::FillRect(m_hDC, pRect, brush);
+}
+
+void CDC::FillSolidRect(int x, int y, int cx, int cy, COLORREF clr)
+{
+    const RECT rect{x, y, x + cx, y + cy};
+    FillSolidRect(&rect, clr);
+}
+
+void CDC::FillRect(const RECT* pRect, CBrush* pBrush)
+{
+    if (pRect && pBrush) ::FillRect(m_hDC, pRect, *pBrush);
+}
+
+int CDC::FillRgn(CRgn* pRgn, CBrush* pBrush)
+{
+    return pRgn && pBrush ? ::FillRgn(m_hDC, *pRgn, *pBrush) : 0;
+}
+
+int CDC::RoundRect(const RECT* pRect, POINT ptEllipse)
+{
+    return ::RoundRect(m_hDC, pRect->left, pRect->top, pRect->right, pRect->bottom, ptEllipse.x, ptEllipse.y);
+}
+
+int CDC::BitBlt(int x, int y, int cx, int cy, CDC* pSrc, int xSrc, int ySrc, DWORD dwRop)
+{
+    return ::BitBlt(m_hDC, x, y, cx, cy, HandleOf(pSrc), xSrc, ySrc, dwRop);
+}
+
+int CDC::StretchBlt(int x, int y, int cx, int cy, CDC* pSrc, int xSrc, int ySrc, int cxSrc, int cySrc, DWORD dwRop)
+{
+    return ::StretchBlt(m_hDC, x, y, cx, cy, HandleOf(pSrc), xSrc, ySrc, cxSrc, cySrc, dwRop);
+}
+
+int CDC::TransparentBlt(int x, int y, int cx, int cy, CDC* pSrc, int xSrc, int ySrc, int cxSrc, int cySrc, UINT clrKey)
+{
+    return ::TransparentBlt(m_hDC, x, y, cx, cy, HandleOf(pSrc), xSrc, ySrc, cxSrc, cySrc, clrKey);
+}
+
+int CDC::SelectClipRgn(CRgn* pRgn)
+{
+    return ::SelectClipRgn(m_hDC, pRgn ? static_cast<HRGN>(*pRgn) : nullptr);
+}
+
+int CDC::DrawText(const CString& str, RECT* pRect, UINT nFormat)
+{
+    return DrawTextA(m_hDC, str, str.GetLength(), pRect, nFormat);
+}
+
+int CDC::DrawText(const char* psz, int nLength, RECT* pRect, UINT nFormat)
+{
+    return DrawTextA(m_hDC, psz, nLength, pRect, nFormat);
+}
+
+int CDC::TextOut(int x, int y, const CString& str)
+{
+    return TextOutA(m_hDC, x, y, str, str.GetLength());
+}
+
+CSize CDC::GetTextExtent(const CString& str) const
+{
+    SIZE size;
+    GetTextExtentPoint32A(m_hDC, str, str.GetLength(), &size);
+    return size;
+}

@@ -1,0 +1,118 @@
+#include "platform/gdi/DeviceContext.h"
+
+#include "platform/gdi/Screen.h"
+#include "platform/gdi/Stock.h"
+
+#include <new>
+#include <utility>
+
+namespace kx::gdi {
+
+namespace {
+
+RECT WholeOf(const Surface& surface) noexcept
+{
+    return {0, 0, surface.Width(), surface.Height()};
+}
+
+std::shared_ptr<Bitmap> MakeOwnBitmap()
+{
+    auto pixels = Surface::Make(1, 1);
+    if (!pixels) throw std::bad_alloc();
+    return std::make_shared<Bitmap>(std::move(*pixels), WORD{32});
+}
+
+} // namespace
+
+DeviceContext::DeviceContext()
+    : m_origin{}, m_own(MakeOwnBitmap()),
+      m_view(MakeView(m_own->surface, WholeOf(m_own->surface), std::nullopt))
+{
+    HoldStock();
+    if (!Add(m_own, true)) throw std::bad_alloc();
+    m_own->Claim();
+    Hold(m_own);
+}
+
+DeviceContext::DeviceContext(const RECT& area)
+    : m_origin{area.left, area.top},
+      m_view(MakeView(Screen::Instance().surface, Cut(area, WholeOf(Screen::Instance().surface)), std::nullopt))
+{
+    HoldStock();
+}
+
+DeviceContext::~DeviceContext()
+{
+    for (const auto& object : m_held)
+        if (object) Release(*object);
+    if (m_own) Remove(m_own->Handle());
+}
+
+DeviceContext::View DeviceContext::MakeView(Surface& surface, const RECT& bounds,
+                                            const std::optional<PixelRegion>& region) const
+{
+    View view{&surface, bounds, PixelRegion(bounds), {}};
+    if (region) {
+        PixelRegion placed = *region;
+        placed.Move(m_origin.x, m_origin.y);
+        view.visible.IntersectWith(placed);
+    }
+    const auto boxes = view.visible.Boxes();
+    view.clip.reserve(boxes.size());
+    for (const auto& box : boxes) view.clip.push_back(ToRect(box));
+    return view;
+}
+
+std::shared_ptr<Object> DeviceContext::Hold(std::shared_ptr<Object> object) noexcept
+{
+    ++object->selected;
+    auto& held = m_held[static_cast<std::size_t>(object->kind)];
+    if (held) --held->selected;
+    return std::exchange(held, std::move(object));
+}
+
+void DeviceContext::HoldStock()
+{
+    for (const int nStock : {BLACK_PEN, WHITE_BRUSH, SYSTEM_FONT})
+        if (auto object = StockObject(nStock)) Hold(std::move(object));
+}
+
+HGDIOBJ DeviceContext::Select(std::shared_ptr<Object> object)
+{
+    if (static_cast<std::size_t>(object->kind) >= m_held.size()) return nullptr;
+    if (object == Held(object->kind)) return object->Handle();
+    if (object->kind == Kind::Bitmap) return SelectBitmap(std::static_pointer_cast<Bitmap>(std::move(object)));
+    const auto displaced = Hold(std::move(object));
+    return displaced ? displaced->Handle() : nullptr;
+}
+
+HGDIOBJ DeviceContext::SelectBitmap(std::shared_ptr<Bitmap> bitmap)
+{
+    if (!IsMemory()) return nullptr;
+    View view = MakeView(bitmap->surface, WholeOf(bitmap->surface), m_region);
+    if (!bitmap->Claim()) return nullptr;
+    m_view = std::move(view);
+    return Hold(std::move(bitmap))->Handle();
+}
+
+void DeviceContext::SetClip(std::optional<PixelRegion> region)
+{
+    m_view = MakeView(*m_view.surface, m_view.bounds, region);
+    m_region = std::move(region);
+}
+
+int DeviceContext::ClipBox(RECT& rect) const noexcept
+{
+    rect = Moved(m_view.visible.Extents(), -m_origin.x, -m_origin.y);
+    if (m_view.visible.Complexity() == NULLREGION) rect = {};
+    return m_view.visible.Complexity();
+}
+
+Canvas DeviceContext::Paint() noexcept
+{
+    Canvas canvas{*m_view.surface, m_origin, m_view.bounds, m_view.clip, {}};
+    if (!IsMemory()) canvas.lock = std::unique_lock(Screen::Instance().lock);
+    return canvas;
+}
+
+} // namespace kx::gdi

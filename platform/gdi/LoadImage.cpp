@@ -1,0 +1,108 @@
+#include "include/platform/Module.h"
+#include "platform/Errno.h"
+#include "platform/gdi/Icon.h"
+#include "platform/gdi/ImageFile.h"
+#include "platform/module/RegularFile.h"
+
+#include <new>
+
+using kx::gdi::Bitmap;
+using kx::gdi::FileBytes;
+using kx::gdi::Icon;
+using kx::gdi::Surface;
+using kx::module::Bytes;
+using kx::module::RegularFile;
+
+namespace {
+
+HANDLE Refuse(DWORD dwError) noexcept
+{
+    SetLastError(dwError);
+    return nullptr;
+}
+
+// The nearest pixels, in the bitmap's declared depth.
+std::shared_ptr<Bitmap> Scaled(const Bitmap& bitmap, int cx, int cy)
+{
+    const Surface& from = bitmap.surface;
+    auto to = Surface::Make(cx, cy);
+    if (!to) return nullptr;
+    std::vector<int> columns(static_cast<std::size_t>(cx));
+    for (int x = 0; x < cx; ++x)
+        columns[static_cast<std::size_t>(x)] = static_cast<int>(std::int64_t{x} * from.Width() / cx);
+    for (int y = 0; y < cy; ++y) {
+        const DWORD* in = from.Row(static_cast<int>(std::int64_t{y} * from.Height() / cy));
+        DWORD* out = to->Row(y);
+        for (const int column : columns)
+            *out++ = in[column];
+    }
+    return std::make_shared<Bitmap>(std::move(*to), bitmap.depth, bitmap.palette, bitmap.fromFile);
+}
+
+std::shared_ptr<Bitmap> MakeBitmap(FileBytes bytes, bool bFile, int cx, int cy)
+{
+    // A resource is commonly a file without its file header, but may be a whole one.
+    const bool bWhole = bFile || (bytes.size() > 1 && bytes[0] == 'B' && bytes[1] == 'M');
+    auto bitmap = bWhole ? kx::gdi::ReadBmp(bytes) : kx::gdi::ReadDib(bytes);
+    if (!bitmap) return nullptr;
+    if (cx == 0) cx = bitmap->surface.Width();
+    if (cy == 0) cy = bitmap->surface.Height();
+    if (cx == bitmap->surface.Width() && cy == bitmap->surface.Height()) return bitmap;
+    return Scaled(*bitmap, cx, cy);
+}
+
+std::shared_ptr<Icon> MakeIcon(FileBytes bytes, int cx, int cy)
+{
+    auto surface = kx::gdi::ReadIcon(bytes, cx, cy);
+    return surface ? std::make_shared<Icon>(std::move(*surface)) : nullptr;
+}
+
+HANDLE Make(FileBytes bytes, bool bFile, UINT nType, int cx, int cy)
+{
+    std::shared_ptr<kx::gdi::Object> object;
+    if (nType == IMAGE_ICON)
+        object = MakeIcon(bytes, cx, cy);
+    else
+        object = MakeBitmap(bytes, bFile, cx, cy);
+    if (!object) return Refuse(ERROR_RESOURCE_DATA_NOT_FOUND);
+    const HANDLE handle = kx::gdi::Add(std::move(object));
+    return handle ? handle : Refuse(ERROR_NOT_ENOUGH_MEMORY);
+}
+
+HANDLE FromFile(const char* pszPath, UINT nType, int cx, int cy)
+{
+    const auto file = RegularFile::Open(pszPath);
+    if (!file) return nullptr;
+    if (file->Size() > kx::gdi::MAX_IMAGE_FILE) return Refuse(ERROR_RESOURCE_DATA_NOT_FOUND);
+    const auto bytes = file->Read(0, file->Size());
+    return bytes ? Make(bytes->All(), true, nType, cx, cy) : Refuse(ERROR_RESOURCE_DATA_NOT_FOUND);
+}
+
+HANDLE FromResource(HINSTANCE hInstance, const char* pszName, UINT nType, int cx, int cy)
+{
+    const HRSRC found = FindResourceA(hInstance, pszName, nType == IMAGE_ICON ? RT_ICON : RT_BITMAP);
+    if (!found) return nullptr;
+    const auto* data = static_cast<const std::uint8_t*>(LockResource(LoadResource(hInstance, found)));
+    if (!data) return nullptr;
+    return Make({data, SizeofResource(hInstance, found)}, false, nType, cx, cy);
+}
+
+} // namespace
+
+HANDLE LoadImageA(HINSTANCE hInstance, const char* pszName, UINT nType, int cx, int cy, UINT nFlags)
+{
+    const bool bFile = (nFlags & LR_LOADFROMFILE) != 0;
+    const bool bNumber = reinterpret_cast<std::uintptr_t>(pszName) <= 0xFFFF;
+    if ((nType != IMAGE_BITMAP && nType != IMAGE_ICON) || cx < 0 || cy < 0 || !pszName || (bFile && bNumber))
+        return Refuse(ERROR_INVALID_PARAMETER);
+    try {
+        return bFile ? FromFile(pszName, nType, cx, cy) : FromResource(hInstance, pszName, nType, cx, cy);
+    } catch (const std::bad_alloc&) {
+        return Refuse(ERROR_NOT_ENOUGH_MEMORY);
+    }
+}
+
+HBITMAP LoadBitmapA(HINSTANCE hInstance, const char* pszName)
+{
+    return static_cast<HBITMAP>(LoadImageA(hInstance, pszName, IMAGE_BITMAP, 0, 0, 0));
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/gdi/Object.h"
+#include "platform/gdi/Surface.h"
+
+namespace kx::gdi {
+
+class Pen : public Object
+{
+public:
+    Pen(UINT nStyle, int nWidth, COLORREF clr) noexcept
+        : Object(Kind::Pen), style(nStyle), width(nWidth > 1 ? nWidth : 1), color(clr & COLOR_BITS)
+    {
+    }
+    // A LOGPEN.
+    int Describe(int nSize, void* pBuffer) const override;
+
+    bool Draws() const noexcept { return style != PS_NULL; }
+
+    const UINT style; // PS_SOLID or PS_NULL
+    const int width;  // at least 1
+    const COLORREF color;
+};
+
+} // namespace kx::gdi

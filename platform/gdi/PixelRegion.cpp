@@ -1,0 +1,132 @@
+#include "platform/gdi/PixelRegion.h"
+
+#include "include/platform/Gdi.h"
+
+#include <algorithm>
+#include <new>
+#include <tuple>
+#include <utility>
+
+namespace kx::gdi {
+
+namespace {
+
+void Check(pixman_bool_t done)
+{
+    if (!done) throw std::bad_alloc();
+}
+
+bool InRows(const pixman_box32_t& a, const pixman_box32_t& b) noexcept
+{
+    return std::tie(a.y1, a.x1) < std::tie(b.y1, b.x1);
+}
+
+LONG MovedSide(LONG nSide, int n) noexcept
+{
+    return static_cast<LONG>(std::clamp<std::int64_t>(std::int64_t{nSide} + n, INT32_MIN, INT32_MAX));
+}
+
+} // namespace
+
+RECT Cut(const RECT& a, const RECT& b) noexcept
+{
+    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
+            std::min(a.bottom, b.bottom)};
+}
+
+RECT Moved(const RECT& rect, int dx, int dy) noexcept
+{
+    return {MovedSide(rect.left, dx), MovedSide(rect.top, dy), MovedSide(rect.right, dx),
+            MovedSide(rect.bottom, dy)};
+}
+
+PixelRegion::PixelRegion(const RECT& rect) noexcept
+{
+    const pixman_box32_t box{rect.left, rect.top, rect.right, rect.bottom};
+    if (IsEmpty(rect))
+        pixman_region32_init(&m_region);
+    else
+        pixman_region32_init_with_extents(&m_region, &box);
+}
+
+PixelRegion PixelRegion::FromRects(std::span<const RECT> rects)
+{
+    std::vector<pixman_box32_t> boxes;
+    boxes.reserve(rects.size());
+    for (const RECT& rect : rects)
+        if (!IsEmpty(rect)) boxes.push_back({rect.left, rect.top, rect.right, rect.bottom});
+    // pixman sorts too, but its time grows with the square of the number for some orders.
+    if (!std::is_sorted(boxes.begin(), boxes.end(), InRows)) std::sort(boxes.begin(), boxes.end(), InRows);
+    PixelRegion region;
+    Check(pixman_region32_init_rects(&region.m_region, boxes.data(), static_cast<int>(boxes.size())));
+    return region;
+}
+
+PixelRegion::PixelRegion(const PixelRegion& other) : PixelRegion()
+{
+    Check(pixman_region32_copy(&m_region, &other.m_region));
+}
+
+PixelRegion::PixelRegion(PixelRegion&& other) noexcept : PixelRegion()
+{
+    std::swap(m_region, other.m_region);
+}
+
+PixelRegion& PixelRegion::operator=(PixelRegion other) noexcept
+{
+    std::swap(m_region, other.m_region);
+    return *this;
+}
+
+std::span<const pixman_box32_t> PixelRegion::Boxes() const noexcept
+{
+    int nCount = 0;
+    const pixman_box32_t* boxes = pixman_region32_rectangles(&m_region, &nCount);
+    return {boxes, static_cast<std::size_t>(nCount)};
+}
+
+RECT PixelRegion::Extents() const noexcept
+{
+    return Complexity() == NULLREGION ? RECT{} : ToRect(*pixman_region32_extents(&m_region));
+}
+
+int PixelRegion::Complexity() const noexcept
+{
+    switch (pixman_region32_n_rects(&m_region)) {
+    case 0: return NULLREGION;
+    case 1: return SIMPLEREGION;
+    default: return COMPLEXREGION;
+    }
+}
+
+bool PixelRegion::Contains(int x, int y) const noexcept
+{
+    return pixman_region32_contains_point(&m_region, x, y, nullptr);
+}
+
+void PixelRegion::Move(int dx, int dy)
+{
+    pixman_region32_translate(&m_region, dx, dy);
+}
+
+void PixelRegion::IntersectWith(const PixelRegion& other)
+{
+    Check(pixman_region32_intersect(&m_region, &m_region, &other.m_region));
+}
+
+void PixelRegion::UniteWith(const PixelRegion& other)
+{
+    Check(pixman_region32_union(&m_region, &m_region, &other.m_region));
+}
+
+void PixelRegion::Subtract(const PixelRegion& other)
+{
+    Check(pixman_region32_subtract(&m_region, &m_region, &other.m_region));
+}
+
+bool operator==(const PixelRegion& a, const PixelRegion& b) noexcept
+{
+    return pixman_region32_equal(&a.m_region, &b.m_region);
+}
+
+} // namespace kx::gdi

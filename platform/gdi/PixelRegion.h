@@ -1,0 +1,51 @@
+#pragma once
+
+#include "include/platform/Geometry.h"
+
+#include <pixman.h>
+#include <span>
+#include <vector>
+
+namespace kx::gdi {
+
+// The cut of two rectangles; empty as IsEmpty tells when they have none.
+RECT Cut(const RECT& a, const RECT& b) noexcept;
+constexpr bool IsEmpty(const RECT& rect) noexcept { return rect.right <= rect.left || rect.bottom <= rect.top; }
+// A rectangle moved by a distance; what leaves the range of coordinates stays at its end.
+RECT Moved(const RECT& rect, int dx, int dy) noexcept;
+
+// A set of pixels, as a value. A lack of memory throws std::bad_alloc and leaves an empty one.
+class PixelRegion
+{
+public:
+    PixelRegion() noexcept { pixman_region32_init(&m_region); }
+    explicit PixelRegion(const RECT& rect) noexcept;
+    // Rectangles in any order, which may overlap and be empty. Linear when they come in rows from the top, each row
+    // from the left.
+    static PixelRegion FromRects(std::span<const RECT> rects);
+    PixelRegion(const PixelRegion& other);
+    PixelRegion(PixelRegion&& other) noexcept;
+    PixelRegion& operator=(PixelRegion other) noexcept;
+    ~PixelRegion() { pixman_region32_fini(&m_region); }
+
+    // The disjoint rectangles in rows from the top, each row from the left.
+    std::span<const pixman_box32_t> Boxes() const noexcept;
+    RECT Extents() const noexcept;
+    // NULLREGION, SIMPLEREGION or COMPLEXREGION.
+    int Complexity() const noexcept;
+    bool Contains(int x, int y) const noexcept;
+
+    void Move(int dx, int dy);
+    void IntersectWith(const PixelRegion& other);
+    void UniteWith(const PixelRegion& other);
+    void Subtract(const PixelRegion& other);
+
+    friend bool operator==(const PixelRegion& a, const PixelRegion& b) noexcept;
+
+private:
+    mutable pixman_region32_t m_region; // pixman's readers take it as not const, and change nothing
+};
+
+inline RECT ToRect(const pixman_box32_t& box) noexcept { return {box.x1, box.y1, box.x2, box.y2}; }
+
+} // namespace kx::gdi

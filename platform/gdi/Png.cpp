@@ -1,0 +1,128 @@
+#include "platform/gdi/Png.h"
+
+#include <algorithm>
+#include <array>
+#include <csetjmp>
+#include <cstring>
+#include <png.h>
+
+namespace kx::gdi {
+
+namespace {
+
+constexpr std::array<std::uint8_t, 16> kStart = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n',
+                                                 0,    0,   0,   13,  'I',  'H',  'D',  'R'};
+constexpr std::size_t kHeaderEnd = kStart.size() + 13;
+constexpr png_alloc_size_t kMaxChunk = 1 << 20; // of those that are kept, none of which is as long
+
+DWORD BigEndian(FileBytes file, std::size_t at) noexcept
+{
+    return DWORD{file[at]} << 24 | DWORD{file[at + 1]} << 16 | DWORD{file[at + 2]} << 8 | file[at + 3];
+}
+
+// Errors leave by a jump over the frames in between, none of which may need a destructor. Nothing is written
+// anywhere.
+[[noreturn]] void OnError(png_structp png, png_const_charp)
+{
+    png_longjmp(png, 1);
+}
+
+void OnWarning(png_structp, png_const_charp)
+{
+}
+
+class Decoder
+{
+public:
+    Decoder(FileBytes file, int nMaxSide) noexcept
+        : m_rest(file),
+          m_png(png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, OnError, OnWarning)),
+          m_info(m_png ? png_create_info_struct(m_png) : nullptr),
+          m_nMaxSide(static_cast<png_uint_32>(nMaxSide))
+    {
+    }
+    Decoder(const Decoder&) = delete;
+    Decoder& operator=(const Decoder&) = delete;
+    ~Decoder() { png_destroy_read_struct(&m_png, &m_info, nullptr); }
+
+    std::optional<Surface> Run()
+    {
+        if (!m_info || !Guarded(&Decoder::ReadHeader)) return std::nullopt;
+        auto surface = Surface::Make(static_cast<int>(png_get_image_width(m_png, m_info)),
+                                     static_cast<int>(png_get_image_height(m_png, m_info)));
+        m_pSurface = surface ? &*surface : nullptr;
+        if (!m_pSurface || !Guarded(&Decoder::ReadPixels)) return std::nullopt;
+        return surface;
+    }
+
+private:
+    bool Guarded(void (Decoder::*step)())
+    {
+        if (setjmp(png_jmpbuf(m_png)) != 0) return false;
+        (this->*step)();
+        return true;
+    }
+
+    static void Read(png_structp png, png_bytep target, png_size_t size)
+    {
+        auto& rest = static_cast<Decoder*>(png_get_io_ptr(png))->m_rest;
+        if (size > rest.size()) png_error(png, "cut");
+        std::memcpy(target, rest.data(), size);
+        rest = rest.subspan(size);
+    }
+
+    void ReadHeader()
+    {
+        png_set_read_fn(m_png, this, Read);
+        png_set_user_limits(m_png, m_nMaxSide, m_nMaxSide);
+        png_set_chunk_malloc_max(m_png, kMaxChunk);
+        png_set_chunk_cache_max(m_png, 1);
+        png_set_keep_unknown_chunks(m_png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
+        png_read_info(m_png, m_info);
+
+        png_set_expand(m_png);
+        png_set_scale_16(m_png);
+        png_set_gray_to_rgb(m_png);
+        png_set_bgr(m_png);
+        png_set_add_alpha(m_png, 0xFF, PNG_FILLER_AFTER);
+        m_nPasses = png_set_interlace_handling(m_png);
+        png_read_update_info(m_png, m_info);
+        if (png_get_rowbytes(m_png, m_info) != png_get_image_width(m_png, m_info) * sizeof(DWORD))
+            png_error(m_png, "not 32 bits");
+    }
+
+    void ReadPixels()
+    {
+        for (int pass = 0; pass < m_nPasses; ++pass)
+            for (int y = 0; y < m_pSurface->Height(); ++y)
+                png_read_row(m_png, reinterpret_cast<png_bytep>(m_pSurface->Row(y)), nullptr);
+        png_read_end(m_png, nullptr);
+    }
+
+    FileBytes m_rest;
+    png_structp m_png;
+    png_infop m_info;
+    const png_uint_32 m_nMaxSide;
+    int m_nPasses = 1;
+    Surface* m_pSurface = nullptr;
+};
+
+} // namespace
+
+std::optional<PngHeader> ParsePngHeader(FileBytes file) noexcept
+{
+    if (file.size() < kHeaderEnd || !std::equal(kStart.begin(), kStart.end(), file.begin()))
+        return std::nullopt;
+    // By colour type: grey, none, RGB, palette, grey with alpha, none, RGB with alpha.
+    constexpr int kChannels[] = {1, 0, 3, 1, 2, 0, 4};
+    const std::uint8_t nBits = file[24], nType = file[25];
+    const int nChannels = nType < std::size(kChannels) ? kChannels[nType] : 0;
+    return PngHeader{BigEndian(file, 16), BigEndian(file, 20), nBits * nChannels};
+}
+
+std::optional<Surface> ReadPng(FileBytes file, int nMaxSide)
+{
+    return Decoder(file, nMaxSide).Run();
+}
+
+} // namespace kx::gdi

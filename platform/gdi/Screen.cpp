@@ -1,0 +1,34 @@
+#include "platform/gdi/Screen.h"
+
+#include "platform/Immortal.h"
+
+#include <algorithm>
+#include <new>
+
+namespace kx::gdi {
+
+namespace {
+
+Surface MakeDesktop()
+{
+    auto surface = Surface::Make(DESKTOP_WIDTH, DESKTOP_HEIGHT);
+    if (!surface) throw std::bad_alloc();
+    for (int y = 0; y < DESKTOP_HEIGHT; ++y) std::fill_n(surface->Row(y), DESKTOP_WIDTH, ToPixel(DESKTOP_COLOR));
+    return std::move(*surface);
+}
+
+} // namespace
+
+Screen& Screen::Instance()
+{
+    static Immortal<Screen> screen(MakeDesktop());
+    return screen.Get();
+}
+
+std::optional<RECT> AreaOf(HWND hWnd)
+{
+    if (hWnd) return std::nullopt;
+    return RECT{0, 0, DESKTOP_WIDTH, DESKTOP_HEIGHT};
+}
+
+} // namespace kx::gdi

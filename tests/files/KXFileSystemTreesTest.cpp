@@ -1,0 +1,216 @@
+#include "KXFileSystem.h"
+#include "tests/support/Host.h"
+#include "tests/support/TempDir.h"
+
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+
+namespace {
+
+struct FileSystemTrees : testing::Test
+{
+    ~FileSystemTrees() override { EXPECT_EQ(KXHost::LiveHandles(), open); } // every search was closed
+
+    int open = KXHost::LiveHandles();
+    test::TempDir dir;
+};
+
+// The calls back from CopyDir, the user value being this object's address; `last` makes it stop after a file.
+struct Progress
+{
+    std::vector<std::string> calls;
+    std::string last;
+
+    static int Take(const CString& src, const CString& dst, int bFile, int bResult, long self)
+    {
+        auto& mine = *reinterpret_cast<Progress*>(self);
+        const auto name = [](const CString& path) {
+            return std::string(path.Mid(path.ReverseFind('\\') + 1));
+        };
+        mine.calls.push_back((bFile ? name(src) + ">" + name(dst) : "end") + (bResult ? "+" : "-"));
+        return bFile && name(src) == mine.last ? 0 : 1;
+    }
+    void Copy(CString src, CString dst)
+    {
+        CKXFileSystem::CopyDir(src, dst, Take, reinterpret_cast<long>(this));
+    }
+};
+
+TEST_F(FileSystemTrees, CreatePathMakesWhatIsMissing)
+{
+    EXPECT_EQ(CKXFileSystem::CreatePath(dir.Win("a\\b\\file.txt")), 1);
+    EXPECT_TRUE(fs::is_directory(dir.Path("a/b")));
+    EXPECT_FALSE(dir.Exists("a/b/file.txt"));
+    EXPECT_EQ(CKXFileSystem::CreatePath(dir.Win("a\\b\\")), 1); // there already
+    EXPECT_EQ(CKXFileSystem::CreatePath(dir.Win("a\\\\c\\")), 1);
+    EXPECT_TRUE(fs::is_directory(dir.Path("a/c")));
+    EXPECT_EQ(CKXFileSystem::CreatePath("C:\\"), 1);
+    EXPECT_EQ(CKXFileSystem::CreatePath("name.txt"), 0);
+    EXPECT_EQ(CKXFileSystem::CreatePath(""), 0);
+
+    dir.Write("file", "");
+    EXPECT_EQ(CKXFileSystem::CreatePath(dir.Win("x\\..\\file\\y\\z\\")), 0);
+    EXPECT_TRUE(dir.Exists("x")); // what came before the failure stays
+    EXPECT_EQ(CKXFileSystem::CreatePath(dir.Win(std::string(300, 'n') + "\\")), 0);
+}
+
+TEST_F(FileSystemTrees, CreatePathWithoutADriveBeginsAtTheRoot)
+{
+    KXHost::Drive drive;
+    drive.strRoot = dir.Path();
+    ASSERT_TRUE(KXHost::MountDrive('C', drive));
+    EXPECT_EQ(CKXFileSystem::CreatePath("a\\b\\"), 1);
+    EXPECT_EQ(CKXFileSystem::CreatePath("\\c\\d\\"), 1); // the first name is `\c`
+    KXHost::UnmountDrive('C');
+    EXPECT_TRUE(dir.Exists("a/b"));
+    EXPECT_TRUE(dir.Exists("c/d"));
+}
+
+TEST_F(FileSystemTrees, DeleteFolderTakesAllOfATree)
+{
+    for (const char* name : {"t/a/b/c/f", "t/a/.hidden", "t/z", "keep/f"})
+        dir.Write(name, "x");
+    dir.MakeDir("t/empty");
+    fs::create_directory_symlink(dir.Path("keep"), dir.Path("t/a/linked"));
+    fs::create_directory_symlink(dir.Path("t"), dir.Path("t/a/loop"));
+    fs::create_symlink(dir.Path("keep/f"), dir.Path("t/filelink"));
+    fs::create_symlink("nowhere", dir.Path("t/dangling"));
+    EXPECT_NE(CKXFileSystem::DeleteFolder(dir.Win("t")), 0);
+    EXPECT_FALSE(dir.Exists("t"));
+    EXPECT_EQ(dir.Read("keep/f"), "x"); // links went, not what they point at
+
+    fs::create_directory_symlink(dir.Path("keep"), dir.Path("link"));
+    EXPECT_NE(CKXFileSystem::DeleteFolder(dir.Win("link\\")), 0);
+    EXPECT_FALSE(dir.Exists("link"));
+    EXPECT_TRUE(dir.Exists("keep/f"));
+
+    EXPECT_EQ(CKXFileSystem::DeleteFolder(dir.Win("none")), 0);
+    EXPECT_EQ(CKXFileSystem::DeleteFolder(dir.Win("keep\\f")), 0);
+    EXPECT_TRUE(dir.Exists("keep/f"));
+}
+
+TEST_F(FileSystemTrees, DeleteFolderLeavesPointedDirectories)
+{
+    for (const char* name : {"t/.cache/f", "t/a/f", "t/f"})
+        dir.Write(name, "x");
+    EXPECT_EQ(CKXFileSystem::DeleteFolder(dir.Win("t")), 0);
+    EXPECT_TRUE(dir.Exists("t/.cache/f"));
+    EXPECT_FALSE(dir.Exists("t/a") || dir.Exists("t/f"));
+}
+
+TEST_F(FileSystemTrees, DeleteFolderEndsAtTheFirstFailure)
+{
+    for (const char* name : {"t/a/f", "t/b/read-only", "t/c/f"})
+        dir.Write(name, "x");
+    fs::permissions(dir.Path("t/b/read-only"), fs::perms::owner_read);
+    EXPECT_EQ(CKXFileSystem::DeleteFolder(dir.Win("t")), 0);
+    EXPECT_FALSE(dir.Exists("t/a"));
+    EXPECT_TRUE(dir.Exists("t/b/read-only"));
+    EXPECT_TRUE(dir.Exists("t/c/f"));
+}
+
+TEST_F(FileSystemTrees, AnEmptyPathIsNoRoot)
+{
+    dir.Write("f", "x");
+    dir.MakeDir("to");
+    KXHost::Drive drive;
+    drive.strRoot = dir.Path();
+    ASSERT_TRUE(KXHost::MountDrive('C', drive));
+    EXPECT_EQ(CKXFileSystem::DeleteFolder(""), 0);
+    Progress progress;
+    progress.Copy("", "C:\\to");
+    progress.Copy("C:\\to", "");
+    KXHost::UnmountDrive('C');
+    EXPECT_TRUE(dir.Exists("f"));
+    EXPECT_FALSE(dir.Exists("to/f"));
+    EXPECT_THAT(progress.calls, ElementsAre("end+", "end+"));
+}
+
+TEST_F(FileSystemTrees, CopyDirTellsOfTheTopFilesAlone)
+{
+    for (const char* name : {"s/a.txt", "s/b.txt", "s/sub/deep/f", "s/.cache/f"})
+        dir.Write(name, name);
+    dir.Write("d/b.txt", "old");
+    dir.Write("d/a.txt", "old");
+    fs::permissions(dir.Path("d/a.txt"), fs::perms::owner_read);
+    dir.MakeDir("d/sub"); // there already
+    fs::create_directory_symlink("..", dir.Path("s/sub/loop"));
+    fs::create_directory_symlink("sub", dir.Path("s/toplink"));
+
+    Progress progress;
+    progress.Copy(dir.Win("s"), dir.Win("d"));
+    EXPECT_THAT(progress.calls, ElementsAre("a.txt>a.txt-", "b.txt>b.txt+", "end+"));
+    EXPECT_EQ(dir.Read("d/b.txt"), "s/b.txt");
+    EXPECT_EQ(dir.Read("d/a.txt"), "old");
+    EXPECT_EQ(dir.Read("d/sub/deep/f"), "s/sub/deep/f");
+    EXPECT_FALSE(dir.Exists("d/.cache"));
+    EXPECT_EQ(fs::read_symlink(dir.Path("d/sub/loop")), "..");
+    EXPECT_EQ(fs::read_symlink(dir.Path("d/toplink")), "sub");
+}
+
+TEST_F(FileSystemTrees, CopyDirStopsWhereTheCallbackSaysAndOnlyThere)
+{
+    for (const char* name : {"s/a", "s/b", "s/c/a"})
+        dir.Write(name, "x");
+    dir.MakeDir("d");
+    dir.MakeDir("empty");
+    Progress progress;
+    progress.last = "a";
+    progress.Copy(dir.Win("s"), dir.Win("d"));
+    EXPECT_THAT(progress.calls, ElementsAre("a>a+"));
+    EXPECT_TRUE(dir.Exists("d/a"));
+    EXPECT_FALSE(dir.Exists("d/b") || dir.Exists("d/c"));
+
+    for (const char* source : {"empty", "none"}) {
+        Progress end;
+        end.Copy(dir.Win(source), dir.Win("d"));
+        EXPECT_THAT(end.calls, ElementsAre("end+")) << source;
+    }
+}
+
+TEST_F(FileSystemTrees, CopyDirAddsTheBackslashToItsArguments)
+{
+    dir.Write("s/f", "x");
+    dir.MakeDir("d");
+    for (const char* end : {"", "\\"}) {
+        CString src = dir.Win("s") + end, dst = dir.Win("d") + end;
+        CKXFileSystem::CopyDir(src, dst, nullptr, 0);
+        EXPECT_EQ(src, dir.Win("s") + "\\");
+        EXPECT_EQ(dst, dir.Win("d") + "\\");
+    }
+    EXPECT_TRUE(dir.Exists("d/f"));
+    // A letter whose second byte is a backslash is no end.
+    CString src("\x95\x5C"), dst("\x95\x5C\\");
+    CKXFileSystem::CopyDir(src, dst, nullptr, 0);
+    EXPECT_STREQ(src, "\x95\x5C\\");
+    EXPECT_STREQ(dst, "\x95\x5C\\");
+}
+
+// Paths end at 259 bytes, and so does every walk.
+TEST_F(FileSystemTrees, DeepTreesEnd)
+{
+    std::string deep = dir.Path("t");
+    while (deep.size() < 600)
+        deep += "/d";
+    fs::create_directories(deep);
+    dir.MakeDir("to");
+    CString src = dir.Win("t"), dst = dir.Win("to");
+    CKXFileSystem::CopyDir(src, dst, nullptr, 0);
+    EXPECT_TRUE(dir.Exists("to/d/d/d"));
+    EXPECT_EQ(CKXFileSystem::DeleteFolder(dir.Win("t")), 0);
+    EXPECT_TRUE(fs::exists(deep));
+
+    dir.Write("self/f", "x");
+    dir.MakeDir("self/in");
+    CString self = dir.Win("self"), in = dir.Win("self\\in");
+    CKXFileSystem::CopyDir(self, in, nullptr, 0);
+    EXPECT_TRUE(dir.Exists("self/in/f"));
+}
+
+} // namespace
