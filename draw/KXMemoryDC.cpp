@@ -1,5 +1,7 @@
 #include "KXMemoryDC.h"
 
+#include "platform/Window.h"
+
 #include <utility>
 
 CKXMemoryDC::~CKXMemoryDC()

@@ -5,11 +5,13 @@
 #include "platform/String.h"
 #include "platform/Window.h"
 
-#include <cstddef>
 #include <memory>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
+
+namespace kx::language {
+class StringTable;
+}
 
 // The user-interface languages installed below the application's directory, the current one and its texts.
 //
@@ -94,38 +96,16 @@ protected:
 private:
     friend struct std::default_delete<CKXLanResManager>;
 
-    // A key with its hash, which is worked out before the lock is taken.
-    struct HashedKey
-    {
-        explicit HashedKey(const CString& strKey) : text(strKey.View()), hash(std::hash<std::string_view>()(text)) {}
-        std::string_view text;
-        std::size_t hash;
-    };
-    struct KeyHash
-    {
-        using is_transparent = void;
-        std::size_t operator()(const CString& strKey) const { return std::hash<CString>()(strKey); }
-        std::size_t operator()(const HashedKey& key) const { return key.hash; }
-    };
-    struct KeyEqual
-    {
-        using is_transparent = void;
-        bool operator()(const CString& a, const CString& b) const { return a == b; }
-        bool operator()(const HashedKey& a, const CString& b) const { return a.text == b.View(); }
-        bool operator()(const CString& a, const HashedKey& b) const { return a.View() == b.text; }
-    };
-    using StringMap = std::unordered_map<CString, CString, KeyHash, KeyEqual>;
-
     bool ReadLanData(const CString& strFile);
     void AddLine(const CString& strLine);
-    void Insert(CString strKey, CString strValue);
+    void Insert(std::string_view key, CString strValue);
     int Select(int nIndex, int bNotify);
     const KXLanguageItem* FindLan(int nIndex) KX_REQUIRES(m_csLans);
 
     CKXCritSection m_csLans;
     CKXCritSection m_csData;
     std::vector<KXLanguageItem> m_vecLans KX_GUARDED_BY(m_csLans);
-    StringMap m_mapStrings KX_GUARDED_BY(m_csData);
+    std::unique_ptr<kx::language::StringTable> m_mapStrings KX_GUARDED_BY(m_csData);
     KXLanguageItem m_curLan;
     int m_nCurLan = -1;
     CString m_strLanRoot;

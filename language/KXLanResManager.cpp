@@ -4,6 +4,7 @@
 #include "KXFileSystem.h"
 #include "KXIniDataMgr.h"
 #include "KXMessages.h"
+#include "language/StringTable.h"
 #include "platform/Debug.h"
 #include "platform/FileSystem.h"
 #include "platform/Registry.h"
@@ -47,7 +48,8 @@ CKXLanResManager* CKXLanResManager::GetSingletonPtr()
     return s_pInstance;
 }
 
-CKXLanResManager::CKXLanResManager() : m_curLan("", "")
+CKXLanResManager::CKXLanResManager()
+    : m_mapStrings(std::make_unique<kx::language::StringTable>()), m_curLan("", "")
 {
     s_auto_ptr.reset(this);
     OutputDebugStringA("CKXLanResManager Construction!\n");

@@ -2,12 +2,17 @@
 
 #include "KXAutoLock.h"
 #include "KXLanResManager.h"
+#include "language/StringTable.h"
 #include "platform/MessageBox.h"
 #include "platform/StdioFile.h"
 
 #include <array>
 #include <new>
+#include <string_view>
 #include <utility>
+
+using kx::language::HashedKey;
+using kx::language::StringTable;
 
 namespace {
 
@@ -15,6 +20,15 @@ void ShowFailure(const CException& exception)
 {
     std::array<char, 1024> text;
     if (exception.GetErrorMessage(text.data(), static_cast<UINT>(text.size()))) AfxMessageBox(text.data(), 0, 0);
+}
+
+// White space is ASCII and never the second byte of a letter.
+std::string_view Trim(std::string_view text)
+{
+    constexpr auto isSpace = [](char ch) { return ch == ' ' || (ch >= '\t' && ch <= '\r'); };
+    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
+    return text;
 }
 
 // In this order, each over the whole value: what one makes, the next may see.
@@ -30,28 +44,29 @@ void ReplaceEscapes(CString& strValue)
 
 CString CKXLanResManager::GetString(const CString& strKey)
 {
-    const HashedKey key(strKey);
+    const HashedKey key(strKey.View());
     const CKXAutoLock lock(&m_csData);
-    const auto found = m_mapStrings.find(key);
-    return found != m_mapStrings.end() ? found->second : strKey;
+    const CString* pText = m_mapStrings->Find(key);
+    return pText ? *pText : strKey;
 }
 
 void CKXLanResManager::InsertString(const CString& strKey, CString strValue)
 {
     ReplaceEscapes(strValue);
-    Insert(strKey, std::move(strValue));
+    Insert(strKey.View(), std::move(strValue));
 }
 
-void CKXLanResManager::Insert(CString strKey, CString strValue)
+void CKXLanResManager::Insert(std::string_view key, CString strValue)
 {
+    const HashedKey hashed(key);
     const CKXAutoLock lock(&m_csData);
-    m_mapStrings.try_emplace(std::move(strKey), std::move(strValue));
+    m_mapStrings->Insert(hashed, std::move(strValue));
 }
 
-// The texts are freed outside the lock.
+// The old texts are freed outside the lock.
 void CKXLanResManager::ClearLanData()
 {
-    StringMap old;
+    auto old = std::make_unique<StringTable>();
     const CKXAutoLock lock(&m_csData);
     m_mapStrings.swap(old);
 }
@@ -88,10 +103,9 @@ void CKXLanResManager::AddLine(const CString& strLine)
 {
     const int nEqual = strLine.Find('=');
     if (nEqual < 0) return;
-    CString strKey = strLine.Left(nEqual);
-    CString strValue = strLine.Mid(nEqual + 1);
-    strKey.Trim();
-    strValue.Trim();
+    const std::string_view line = strLine.View();
+    const auto nKey = static_cast<std::size_t>(nEqual);
+    CString strValue(Trim(line.substr(nKey + 1)));
     ReplaceEscapes(strValue);
-    Insert(std::move(strKey), std::move(strValue));
+    Insert(Trim(line.substr(0, nKey)), std::move(strValue));
 }

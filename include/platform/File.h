@@ -43,13 +43,14 @@ public:
 
     // Opens a path in the process's code page. modeCreate makes the file and empties an existing one, unless
     // modeNoTruncate stands beside it. Sharing is kept between this library's openers: a file open for
-    // writing under shareDenyWrite or shareExclusive can't be opened for writing again, by any process.
-    // Readers are never turned away, and only regular files and devices are opened. Non-zero on success; 0
-    // otherwise, with the reason in `*pError` unless that is null. An object that is open is closed first.
+    // writing under shareDenyWrite, shareExclusive or shareCompat (which is exclusive) can't be opened for
+    // writing again, by any process, nor is it emptied by the attempt. Readers are never turned away, and only
+    // regular files and devices are opened. Non-zero on success; 0 otherwise, with the reason in `*pError`
+    // unless that is null. An object that is open is closed first.
     virtual int Open(const char* pszFileName, unsigned nOpenFlags, CFileException* pError = nullptr);
 
-    // Closes the file; nothing happens when it isn't open. Throws CFileException* when buffered data can't
-    // be written; the file is closed all the same.
+    // Closes the file; nothing happens when it isn't open. Throws CFileException* when what was written
+    // before didn't reach the file; it is closed all the same.
     virtual void Close();
 
     // Reads up to `nCount` bytes; returns how many, 0 at the end. Throws CFileException*.
@@ -59,7 +60,7 @@ public:
     // Hands buffered data to the system; throws CFileException*. Buffered data that failed is dropped.
     virtual void Flush();
 
-    // Moves and returns the position in bytes; throws CFileException* before the start.
+    // Moves and returns the position in bytes; throws CFileException* for one before the start.
     virtual std::uint64_t Seek(std::int64_t nOff, unsigned nFrom);
     virtual std::uint64_t GetPosition() const;
     std::uint64_t SeekToEnd() { return Seek(0, end); }

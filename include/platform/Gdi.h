@@ -3,9 +3,9 @@
 // Drawing: surfaces, the objects selected into them, block copies, shapes, regions and text.
 //
 // A handle is an opaque number that is never reused soon; null, stale and foreign handles are harmless: each
-// operation then gives its failure. Coordinates are pixels from the top left; rectangles exclude their right and
-// bottom. Everything clips to the surfaces it reads and writes. Pixels are held as 32 bits, 0x00RRGGBB in a
-// DWORD with a high byte that copies keep and comparisons ignore, whatever depth a bitmap declares.
+// operation then gives its failure. Coordinates are pixels from the top left; rectangles exclude their right
+// and bottom. Everything clips to the surfaces it reads and writes. Pixels are held as 32 bits, 0x00RRGGBB in
+// a DWORD with a high byte that copies keep and comparisons ignore, whatever depth a bitmap declares.
 //
 // Threads: handles may be passed between threads; one surface, or an object selected into it, is used by one
 // thread at a time.
@@ -24,19 +24,29 @@ using HFONT = struct HFONT__*;
 
 inline constexpr COLORREF CLR_INVALID = 0xFFFFFFFF;
 
-constexpr BYTE GetRValue(COLORREF clr) { return static_cast<BYTE>(clr); }
-constexpr BYTE GetGValue(COLORREF clr) { return static_cast<BYTE>(clr >> 8); }
-constexpr BYTE GetBValue(COLORREF clr) { return static_cast<BYTE>(clr >> 16); }
+constexpr BYTE GetRValue(COLORREF clr)
+{
+    return static_cast<BYTE>(clr);
+}
+constexpr BYTE GetGValue(COLORREF clr)
+{
+    return static_cast<BYTE>(clr >> 8);
+}
+constexpr BYTE GetBValue(COLORREF clr)
+{
+    return static_cast<BYTE>(clr >> 16);
+}
 
 // ---- Objects in general
 
-// Ends an object that the caller made. 0 for a stock object, and for an object that is selected into a
-// surface: it stays, so that nothing is drawn from freed pixels.
+// Ends a bitmap, pen, brush, font or region that the caller made. 0 for a stock object, and for an object
+// that is selected into a surface: it stays, so that nothing is drawn from freed pixels.
 KX_API int DeleteObject(HGDIOBJ hObject);
 
-// Selects a bitmap, pen, brush or font into a surface and returns what it displaced; a region is copied into
-// the clip and gives SIMPLEREGION or the like as a number. Null for a bad handle, and for a bitmap that another
-// surface holds or a bitmap for a surface that isn't a memory surface.
+// Selects a bitmap, pen, brush or font into a surface and returns what it displaced (the object itself if it
+// was selected already); a region is copied into the clip and gives what SelectClipRgn does, as a number.
+// Null for a bad handle, and for a bitmap that another surface holds or a bitmap for a surface that isn't a
+// memory surface. A clip region stays in force when another bitmap is selected.
 KX_API HGDIOBJ SelectObject(HDC hDC, HGDIOBJ hObject);
 
 // Copies the object's record into `pBuffer` (a BITMAP for a bitmap, a LOGFONTA for a font, a LOGPEN, a
@@ -59,25 +69,34 @@ KX_API HGDIOBJ GetStockObject(int nIndex);
 
 // ---- Surfaces
 
-// The surface of the desktop (null or GetDesktopWindow()) or of a window's client area. Given back with
-// ReleaseDC.
+// The desktop's pixels, of which windows cover a part. They begin as DESKTOP_COLOR.
+inline constexpr int DESKTOP_WIDTH = 1024;
+inline constexpr int DESKTOP_HEIGHT = 768;
+inline constexpr COLORREF DESKTOP_COLOR = RGB(0, 128, 128);
+
+// A surface of the desktop (null or GetDesktopWindow()) or of a window's client area, whose top left is its
+// 0, 0. What is drawn on it is on the desktop at once, for all surfaces to be read. Given back with
+// ReleaseDC, which gives 1, or 0 for another surface. Surfaces of the desktop may be drawn on from several
+// threads at once.
 KX_API HDC GetDC(HWND hWnd);
 KX_API int ReleaseDC(HWND hWnd, HDC hDC);
 // A memory surface with a bitmap of 1 by 1 pixel in it, black pen, white brush, default font; ended with
-// DeleteDC, which gives back what is selected. `hDC` null means the desktop's.
+// DeleteDC, which gives back what is selected. `hDC` null means the desktop's. The first bitmap is the
+// surface's own and ends with it. DeleteDC gives 0 for what isn't a memory surface.
 KX_API HDC CreateCompatibleDC(HDC hDC);
 KX_API int DeleteDC(HDC hDC);
-// The rectangle that drawing is clipped to; gives NULLREGION (1), SIMPLEREGION (2), COMPLEXREGION (3), or
+// The bounds of what drawing is clipped to; gives NULLREGION (1), SIMPLEREGION (2), COMPLEXREGION (3), or
 // ERROR (0).
 KX_API int GetClipBox(HDC hDC, RECT* pRect);
-// Clips to a copy of the region; null: to the surface alone.
+// Clips to a copy of the region, in the surface's coordinates; null: to the surface alone. Gives what
+// GetClipBox does.
 KX_API int SelectClipRgn(HDC hDC, HRGN hRgn);
 
 // ---- Bitmaps
 
 struct BITMAP
 {
-    LONG bmType;       // 0
+    LONG bmType; // 0
     LONG bmWidth;
     LONG bmHeight;
     LONG bmWidthBytes; // of a row at the declared depth, padded to 16 bits (to 32 for a bitmap from a file)
@@ -132,10 +151,10 @@ inline constexpr UINT IMAGE_ICON = 1;
 inline constexpr UINT LR_LOADFROMFILE = 0x10;
 inline constexpr UINT LR_CREATEDIBSECTION = 0x2000;
 
-// Loads an image at its own size (`cx`, `cy` 0): a bitmap from a BMP file of 1, 4, 8, 16, 24 or 32 bits, or an
-// icon from an ICO file, of which the entry nearest to `cx` by `cy` is taken. With LR_LOADFROMFILE `pszName` is a
-// path, otherwise a resource of the module (a number by MAKEINTRESOURCEA). The caller ends a bitmap with
-// DeleteObject, an icon with DestroyIcon. Null for anything that is no such image.
+// Loads an image at its own size (`cx`, `cy` 0): a bitmap from a BMP file of 1, 4, 8, 16, 24 or 32 bits, or
+// an icon from an ICO file, of which the entry nearest to `cx` by `cy` is taken. With LR_LOADFROMFILE
+// `pszName` is a path, otherwise a resource of the module (a number by MAKEINTRESOURCEA). The caller ends a
+// bitmap with DeleteObject, an icon with DestroyIcon. Null for anything that is no such image.
 KX_API HANDLE LoadImageA(HINSTANCE hInstance, const char* pszName, UINT nType, int cx, int cy, UINT nFlags);
 KX_API HBITMAP LoadBitmapA(HINSTANCE hInstance, const char* pszName);
 KX_API int DestroyIcon(HICON hIcon);
@@ -144,27 +163,47 @@ KX_API int DrawIcon(HDC hDC, int x, int y, HICON hIcon);
 // The icon's width and height in pixels; 0 for a bad handle.
 KX_API int GetIconSize(HICON hIcon, SIZE* pSize);
 
-// Copies rows of a bitmap in the bitmap's declared depth, or that of the header. With biBitCount 0 it fills the
-// header with the bitmap's own and copies nothing. A negative biHeight gives the top row first. Colour tables are
-// written behind the header where the depth has one; its caller leaves room for it (see GetDIBits' note in the
-// source of a caller). Returns the rows copied, or non-zero for a filled header; 0 on failure.
-KX_API int GetDIBits(HDC hDC, HBITMAP hBitmap, UINT nStart, UINT nLines, void* pBits, BITMAPINFO* pInfo, UINT nUsage);
+// Copies rows of a bitmap into a buffer, each padded to 32 bits, in the layout that the header tells.
+//
+// With biBitCount 0 it is a query: it fills the header with the bitmap's own size and declared depth, writes
+// nothing behind it, copies nothing and gives 1. biClrUsed is 0 then: a caller that goes on with that header
+// is given no colours.
+//
+// Otherwise the header tells the size, which must be the bitmap's, and the depth: 16 (5 bits a colour), 24 or
+// 32, or, if the bitmap has a palette, one of 1, 4 or 8 that can count its colours. A negative biHeight puts
+// the top row first. `nStart` and `nLines` count lines from the bottom, whichever comes first; what is above
+// the top is left out. On entry biClrUsed tells how many colours the caller has room for behind the header, 0
+// for none; so many of the palette, at most, are written there, and biClrUsed becomes the number written.
+// Pixels whose colour the palette lacks get the index of the nearest.
+//
+// Gives the number of rows copied, or for a null `pBits` those that would be. 0, with nothing written, for a
+// bad handle or header (biSize 40, biPlanes 1, BI_RGB), another `nUsage` than DIB_RGB_COLORS, or no such
+// line. `hDC` is any surface; the bitmap may be selected.
+KX_API int GetDIBits(HDC hDC, HBITMAP hBitmap, UINT nStart, UINT nLines, void* pBits, BITMAPINFO* pInfo,
+                     UINT nUsage);
 
-KX_API COLORREF GetPixel(HDC hDC, int x, int y);            // CLR_INVALID outside
+// The colour of a pixel; CLR_INVALID outside of the surface or its clip.
+KX_API COLORREF GetPixel(HDC hDC, int x, int y);
+// Gives the colour set; CLR_INVALID outside of the surface or its clip.
 KX_API COLORREF SetPixel(HDC hDC, int x, int y, COLORREF clr);
 
 // ---- Block copies
 
 inline constexpr DWORD SRCCOPY = 0x00CC0020;
 
-// Copies a block one to one; what lies outside either surface is left out. Source and destination may be one
-// surface and overlap. 0 for a bad surface or another operation than SRCCOPY.
+// What lies outside either surface, or the destination's clip, is left out; the source's clip doesn't count.
+// Source and destination may be one surface and overlap: each pixel is what the source was before the call.
+// Each gives non-zero even if nothing was in reach to copy, and 0, with nothing painted, for a bad surface,
+// another operation than SRCCOPY, or a lack of memory.
+
+// Copies a block one to one. A size of 0 or below copies nothing.
 KX_API int BitBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, int ySrc, DWORD dwRop);
-// Copies a block into one of another size, taking the nearest pixel. Negative sizes are refused.
-KX_API int StretchBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, int ySrc, int cxSrc, int cySrc,
-                      DWORD dwRop);
-// The same, leaving out the source's pixels of colour `clrKey`. A source block that leaves its surface is
-// refused, as the platform does: 0.
+// Copies a block into one of another size: each pixel from the one that its centre falls into, or where that
+// is on an edge from the left or upper one. Negative sizes are refused; one of 0 copies nothing.
+KX_API int StretchBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, int ySrc, int cxSrc,
+                      int cySrc, DWORD dwRop);
+// The same, leaving out the source's pixels of colour `clrKey`, whose high byte counts for nothing. A source
+// block that leaves its surface is refused, as the platform does: 0.
 KX_API int TransparentBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, int ySrc, int cxSrc,
                           int cySrc, UINT clrKey);
 
@@ -180,18 +219,24 @@ inline constexpr int NULLREGION = 1;
 inline constexpr int SIMPLEREGION = 2;
 inline constexpr int COMPLEXREGION = 3;
 
-// The corners may come in any order. The caller ends a region with DeleteObject.
+// Two corners may come in any order; without a width or height between them the region is empty. The caller
+// ends a region with DeleteObject.
 KX_API HRGN CreateRectRgn(int nLeft, int nTop, int nRight, int nBottom);
+// What RoundRect would fill between an outline's outer edges.
 KX_API HRGN CreateRoundRectRgn(int nLeft, int nTop, int nRight, int nBottom, int cxEllipse, int cyEllipse);
-// A region of `nCount` rectangles, which may overlap; empty ones count for nothing.
+// A region of `nCount` rectangles, which may overlap; empty ones count for nothing. Fastest when they come in
+// rows from the top, each row from the left. Null for a negative count.
 KX_API HRGN CreateRectsRgn(const RECT* pRects, int nCount);
-// `hDst` becomes a combination of two regions, either of which may be `hDst` itself. RGN_COPY takes the first.
+// `hDst` becomes a combination of two regions, either of which may be `hDst` itself. RGN_COPY takes the first
+// and doesn't look at the second. Gives NULLREGION, SIMPLEREGION, COMPLEXREGION, or for a bad handle or mode
+// RGN_ERROR with nothing changed; so do GetRgnBox and OffsetRgn.
 KX_API int CombineRgn(HRGN hDst, HRGN hSrc1, HRGN hSrc2, int nMode);
 KX_API int EqualRgn(HRGN a, HRGN b);
 KX_API int PtInRegion(HRGN hRgn, int x, int y);
 KX_API int GetRgnBox(HRGN hRgn, RECT* pRect);
+// What leaves the range of coordinates is lost.
 KX_API int OffsetRgn(HRGN hRgn, int x, int y);
-// The region's rectangles in rows from top to bottom, at most `nMax`; gives how many there are.
+// The region's disjoint rectangles in rows from top to bottom, at most `nMax`; gives how many there are.
 KX_API int GetRgnRects(HRGN hRgn, RECT* pRects, int nMax);
 KX_API int FillRgn(HDC hDC, HRGN hRgn, HBRUSH hBrush);
 
@@ -199,6 +244,8 @@ KX_API int FillRgn(HDC hDC, HRGN hRgn, HBRUSH hBrush);
 
 inline constexpr int PS_SOLID = 0;
 inline constexpr int PS_NULL = 5;
+inline constexpr UINT BS_SOLID = 0;
+inline constexpr UINT BS_NULL = 1;
 struct LOGPEN
 {
     UINT lopnStyle;
@@ -212,15 +259,24 @@ struct LOGBRUSH
     std::uintptr_t lbHatch;
 };
 
-// A solid pen of `nWidth` pixels (0 counts as 1), or with PS_NULL one that draws nothing.
+// A solid pen of `nWidth` pixels (below 1 counts as 1), or with PS_NULL one that draws nothing. Null for
+// another style.
 KX_API HPEN CreatePen(int nStyle, int nWidth, COLORREF clr);
 KX_API HBRUSH CreateSolidBrush(COLORREF clr);
-// A rectangle outlined with the pen, inside its sides, and filled with the brush. Nothing for an empty one.
+// A rectangle outlined with the pen, inside its sides, and filled with the brush within that. Nothing for an
+// empty one. With a pen that draws nothing it is a pixel narrower and lower, as the platform has it. 0 for a
+// bad surface.
 KX_API int Rectangle(HDC hDC, int nLeft, int nTop, int nRight, int nBottom);
+// The same with corners that are quarters of an ellipse of that size, of at most 32,767 pixels each way and
+// at most the rectangle's. Pixels are in that have their centre within.
 KX_API int RoundRect(HDC hDC, int nLeft, int nTop, int nRight, int nBottom, int cxEllipse, int cyEllipse);
+// Fill with a brush; 0 for a bad handle.
 KX_API int FillRect(HDC hDC, const RECT* pRect, HBRUSH hBrush);
+// Sets the current position, at first 0, 0, and tells the old one unless `pOld` is null.
 KX_API int MoveToEx(HDC hDC, int x, int y, POINT* pOld);
-// A line from the current position up to, not including, the point given.
+// A line from the current position up to, not including, the point given, which becomes the current position.
+// A wide pen's line lies evenly around it, the odd pixel to the right or below, and ends square to the nearer
+// axis.
 KX_API int LineTo(HDC hDC, int x, int y);
 
 // ---- Text
@@ -248,8 +304,8 @@ struct LOGFONTA
     char lfFaceName[32]; // in the process's code page
 };
 
-// A font by face name, height, weight, italic, underline and strike-out; the rest is ignored. The nearest face that
-// the system has serves an unknown name.
+// A font by face name, height, weight, italic, underline and strike-out; the rest is ignored. The nearest
+// face that the system has serves an unknown name.
 KX_API HFONT CreateFontIndirectA(const LOGFONTA* pFont);
 
 // Each gives the old value, CLR_INVALID or 0 for a bad surface. At first: black on white, OPAQUE.
@@ -273,10 +329,10 @@ inline constexpr UINT DT_CALCRECT = 0x400;
 inline constexpr UINT DT_NOPREFIX = 0x800;
 
 // Draws a text of `nLength` bytes (-1: up to its NUL) in the process's code page with the surface's font and
-// colours, grey anti-aliased. DT_VCENTER and DT_BOTTOM count with DT_SINGLELINE alone; without it CR and LF break
-// lines. DT_CALCRECT draws nothing and moves the rectangle's right (and, as the lines need, bottom) to the text's
-// advance and height. A single "&" underlines the letter behind it unless DT_NOPREFIX. Drawing is clipped to the
-// rectangle unless DT_NOCLIP. The text's height, 0 on failure.
+// colours, grey anti-aliased. DT_VCENTER and DT_BOTTOM count with DT_SINGLELINE alone; without it CR and LF
+// break lines. DT_CALCRECT draws nothing and moves the rectangle's right (and, as the lines need, bottom) to
+// the text's advance and height. A single "&" underlines the letter behind it unless DT_NOPREFIX. Drawing is
+// clipped to the rectangle unless DT_NOCLIP. The text's height, 0 on failure.
 KX_API int DrawTextA(HDC hDC, const char* pszText, int nLength, RECT* pRect, UINT nFormat);
 KX_API int TextOutA(HDC hDC, int x, int y, const char* pszText, int nLength);
 KX_API int GetTextExtentPoint32A(HDC hDC, const char* pszText, int nLength, SIZE* pSize);

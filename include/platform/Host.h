@@ -5,6 +5,7 @@
 // set something apply to what begins after them.
 
 #include "../KXExport.h"
+#include "Gdi.h"
 #include "String.h"
 #include "Types.h"
 
@@ -115,9 +116,43 @@ KX_API HWND AddForeignWindow(DWORD dwProcessId, bool bVisible);
 KX_API std::vector<SentMessage> TakeForeignMessages(HWND hWnd);
 KX_API void RemoveForeignWindow(HWND hWnd);
 
+// ---- Drawing
+
+enum class CopyKind
+{
+    BitBlt,
+    StretchBlt,
+    TransparentBlt,
+};
+
+// A block copy as it was called.
+struct CopyRecord
+{
+    CopyKind kind = CopyKind::BitBlt;
+    HDC hDst = nullptr;
+    int x = 0;
+    int y = 0;
+    int cx = 0;
+    int cy = 0;
+    HDC hSrc = nullptr;
+    int xSrc = 0;
+    int ySrc = 0;
+    int cxSrc = 0;       // for BitBlt `cx`
+    int cySrc = 0;       // for BitBlt `cy`
+    COLORREF clrKey = 0; // of TransparentBlt alone
+};
+using CopyObserver = std::function<void(const CopyRecord&)>;
+
+// Calls the observer, in place of the one before, at the start of each BitBlt, StretchBlt and TransparentBlt that
+// this library or its client makes, also one that will paint nothing or fail; on the caller's thread, so on several
+// at once if they copy at once. What it throws ends there. It may draw itself and isn't told of that. An empty
+// function ends it; a call that has begun on another thread may still be running then.
+KX_API void SetCopyObserver(CopyObserver observer);
+
 // ---- Handles
 
-// How many events, threads, searches, registry keys and modules are open.
+// How many events, threads, searches, registry keys, modules, surfaces, drawing objects and icons are open; stock
+// objects don't count.
 KX_API int LiveHandles();
 
 } // namespace KXHost

@@ -2,7 +2,7 @@
 
 #include "File.h"
 
-#include <vector>
+#include <memory>
 
 // A text file, buffered in both directions; otherwise as CFile. Line ends are LF on disk. What is written
 // reaches the system when the buffer of 64 KiB is full, at Flush, Seek, a change to reading, and Close; a text
@@ -33,14 +33,16 @@ public:
     int ReadString(CString& strLine);
 
 private:
+    void NeedBuffer();
     bool Fill();
     void StartReading();
     void StartWriting();
+    void GiveBack();
     int WriteOut() noexcept;
     std::size_t Ahead() const noexcept { return m_bWriting ? 0 : m_nEnd - m_nPos; }
     std::size_t Pending() const noexcept { return m_bWriting ? m_nPos : 0; }
 
-    std::vector<char> m_buffer; // read ahead, or not yet written
+    std::unique_ptr<char[]> m_buffer; // read ahead, or not yet written
     std::size_t m_nPos = 0;     // the next byte to deliver, or the end of what is to be written
     std::size_t m_nEnd = 0;     // the end of what was read ahead
     bool m_bWriting = false;    // the buffer holds bytes to write

@@ -37,6 +37,8 @@ public:
     int GetLength() const noexcept { return GetRep()->length; }
     bool IsEmpty() const noexcept { return GetLength() == 0; }
     void Empty() noexcept;
+    // Cuts the text behind that many bytes and keeps the buffer for what is appended next.
+    void Truncate(int nLength);
 
     // The text, ending in a NUL; valid until the object changes or ends.
     const char* GetString() const noexcept { return m_pszData; }

@@ -105,6 +105,13 @@ KX_API std::intptr_t GetWindowLongPtrA(HWND hWnd, int nIndex);
 KX_API int SetWindowTextA(HWND hWnd, const char* pszText);
 KX_API int GetWindowTextA(HWND hWnd, char* pszBuffer, int nSize);
 
+// The window that all others lie on: it belongs to no process, hears no messages and is always there.
+KX_API HWND GetDesktopWindow() noexcept;
+// Where a window of this process, or the desktop's, lies on the desktop; its client area is all of it, and has its
+// top left at 0, 0. 0 for no such window, with the rectangle untouched.
+KX_API int GetWindowRect(HWND hWnd, RECT* pRect) noexcept;
+KX_API int GetClientRect(HWND hWnd, RECT* pRect) noexcept;
+
 // What a window does with a message that it doesn't handle: WM_CLOSE destroys it, WM_NCCREATE gives 1, the
 // rest gives 0.
 KX_API LRESULT DefWindowProcA(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam);

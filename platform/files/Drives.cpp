@@ -101,6 +101,7 @@ bool KXHost::MountDrive(char cLetter, const Drive& drive)
     kx::drives::Drive mounted;
     mounted.letter = static_cast<char>('A' + index);
     mounted.type = drive.nType;
+    mounted.bHost = true;
     mounted.label = drive.strLabel;
     mounted.fileSystem = drive.strFileSystem;
     mounted.serial = drive.dwSerial;

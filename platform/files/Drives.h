@@ -17,7 +17,8 @@ struct Drive
     // The Linux directory without a trailing slash, so `/` is the empty text; nothing: no medium.
     std::optional<std::string> root;
     UINT type = 3; // a DRIVE_... number
-    // What the host said; empty and 0 where the system is to be asked.
+    bool bHost =
+        false; // the host mounted it; what it left empty or 0 the system is asked for, but for the label
     std::string label;
     std::string fileSystem;
     DWORD serial = 0;

@@ -46,7 +46,12 @@ int CStdioFile::WriteOut() noexcept
     const std::size_t nPending = Pending();
     if (nPending == 0) return 0;
     m_nPos = 0;
-    return kx::WriteAll(m_fd, m_buffer.data(), nPending);
+    return kx::WriteAll(m_fd, m_buffer.get(), nPending);
+}
+
+void CStdioFile::NeedBuffer()
+{
+    if (!m_buffer) m_buffer = std::make_unique_for_overwrite<char[]>(kBlock);
 }
 
 void CStdioFile::StartReading()
@@ -57,20 +62,25 @@ void CStdioFile::StartReading()
     m_nPos = m_nEnd = 0;
 }
 
-// What was read ahead is given back: writing goes on where reading stopped.
 void CStdioFile::StartWriting()
+{
+    GiveBack();
+    m_bWriting = true;
+}
+
+// What was read ahead counts as not read: the file's own position is the caller's again.
+void CStdioFile::GiveBack()
 {
     if (m_bWriting) return;
     if (Ahead() > 0) lseek(m_fd, -static_cast<off_t>(Ahead()), SEEK_CUR);
     m_nPos = m_nEnd = 0;
-    m_bWriting = true;
 }
 
 bool CStdioFile::Fill()
 {
-    m_buffer.resize(kBlock);
+    NeedBuffer();
     m_nPos = m_nEnd = 0;
-    m_nEnd = CFile::Read(m_buffer.data(), kBlock);
+    m_nEnd = CFile::Read(m_buffer.get(), kBlock);
     return m_nEnd > 0;
 }
 
@@ -90,7 +100,7 @@ std::size_t CStdioFile::Read(void* pBuf, std::size_t nCount)
         }
         if (Ahead() == 0 && !Fill()) break;
         const std::size_t nPart = std::min(Ahead(), nCount - nDone);
-        std::memcpy(pch + nDone, m_buffer.data() + m_nPos, nPart);
+        std::memcpy(pch + nDone, m_buffer.get() + m_nPos, nPart);
         m_nPos += nPart;
         nDone += nPart;
     }
@@ -104,8 +114,8 @@ void CStdioFile::Write(const void* pBuf, std::size_t nCount)
     StartWriting();
     if (nCount > kBlock - m_nPos) Flush();
     if (nCount >= kBlock) return CFile::Write(pBuf, nCount);
-    m_buffer.resize(kBlock);
-    if (nCount > 0) std::memcpy(m_buffer.data() + m_nPos, pBuf, nCount);
+    NeedBuffer();
+    if (nCount > 0) std::memcpy(m_buffer.get() + m_nPos, pBuf, nCount);
     m_nPos += nCount;
 }
 
@@ -116,40 +126,38 @@ void CStdioFile::WriteString(const char* psz)
 
 int CStdioFile::ReadString(CString& strLine)
 {
-    strLine.Empty();
+    strLine.Truncate(0);
     if (!IsOpen()) Throw(EBADF);
     StartReading();
     bool bAny = false;
     while (Ahead() > 0 || Fill()) {
-        const std::string_view ahead(m_buffer.data() + m_nPos, Ahead());
-        const std::size_t end = ahead.find('\n');
-        strLine.Append(ahead.substr(0, end));
-        m_nPos += std::min(end, ahead.size() - 1) + 1;
+        const std::string_view ahead(m_buffer.get() + m_nPos, Ahead());
+        const std::size_t nEnd = ahead.find('\n');
+        const bool bEnds = nEnd != ahead.npos;
+        std::string_view piece = ahead.substr(0, nEnd);
+        if (bEnds && piece.ends_with('\r'))
+            piece.remove_suffix(1);
+        else if (bEnds && piece.empty() && strLine.GetAt(strLine.GetLength() - 1) == '\r')
+            strLine.Truncate(strLine.GetLength() - 1); // the CR came with the block before
+        strLine.Append(piece);
+        m_nPos += bEnds ? nEnd + 1 : ahead.size();
         bAny = true;
-        if (end == ahead.npos) continue;
-        const int nLast = strLine.GetLength() - 1;
-        if (strLine.GetAt(nLast) == '\r') strLine = strLine.Left(nLast);
-        break;
+        if (bEnds) break;
     }
     return bAny;
 }
 
-// From the current position means from where the caller is, not from where reading ahead has come to.
 std::uint64_t CStdioFile::Seek(std::int64_t nOff, unsigned nFrom)
 {
     Flush();
-    if (nFrom == current && Ahead() > 0) {
-        nOff += static_cast<std::int64_t>(GetPosition());
-        nFrom = begin;
-    }
-    const std::uint64_t nPosition = CFile::Seek(nOff, nFrom);
-    m_nPos = m_nEnd = 0;
-    return nPosition;
+    GiveBack();
+    return CFile::Seek(nOff, nFrom);
 }
 
 std::uint64_t CStdioFile::GetPosition() const
 {
-    return CFile::GetPosition() - Ahead() + Pending();
+    const std::uint64_t nPosition = CFile::GetPosition(); // always 0 for some devices
+    return nPosition + Pending() - std::min<std::uint64_t>(nPosition, Ahead());
 }
 
 std::uint64_t CStdioFile::GetLength() const

@@ -8,15 +8,18 @@
 
 namespace kx::gdi {
 
-// A bitmap: 32-bit pixels whatever its declared depth, which stays with it for GetObjectA and GetDIBits, as does
-// its palette (depths of 8 bits and less; as many entries as the file declared, at most 2 to the depth). A decoder
-// may leave a pixel's index into the palette in its high byte: GetDIBits gives that index back for as long as
-// the pixel has its colour, even if the palette holds the colour twice.
+// A bitmap: 32-bit pixels whatever its declared depth, which stays with it for GetObjectA and GetDIBits, as
+// does its palette (depths of 8 bits and less; as many entries as the file declared, at most 2 to the depth).
+// A decoder may leave a pixel's index into the palette in its high byte: GetDIBits gives that index back for
+// as long as the pixel has its colour, even if the palette holds the colour twice.
 class Bitmap : public Object
 {
 public:
     Bitmap(Surface pixels, WORD nDepth, std::vector<RGBQUAD> colors = {}, bool bFromFile = false)
-        : Object(Kind::Bitmap), surface(std::move(pixels)), depth(nDepth), palette(std::move(colors)),
+        : Object(Kind::Bitmap),
+          surface(std::move(pixels)),
+          depth(nDepth),
+          palette(std::move(colors)),
           fromFile(bFromFile)
     {
     }

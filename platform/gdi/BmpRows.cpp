@@ -23,7 +23,7 @@ bool ReadIndexed(const BmpHeader& header, FileBytes bytes, const BmpColors& colo
     const auto nWidth = static_cast<unsigned>(header.nWidth);
     return ForEachRow(header, bytes, surface, [&](const std::uint8_t* in, DWORD* out) {
         for (unsigned x = 0; x < nWidth; ++x)
-            out[x] = colors[in[x / kPerByte] >> (kPerByte - 1 - x % kPerByte) * kDepth & kMask];
+            out[x] = colors[unsigned{in[x / kPerByte]} >> (kPerByte - 1 - x % kPerByte) * kDepth & kMask];
     });
 }
 

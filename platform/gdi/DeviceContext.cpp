@@ -25,18 +25,20 @@ std::shared_ptr<Bitmap> MakeOwnBitmap()
 } // namespace
 
 DeviceContext::DeviceContext()
-    : m_origin{}, m_own(MakeOwnBitmap()),
+    : m_origin{},
+      m_own(MakeOwnBitmap()),
       m_view(MakeView(m_own->surface, WholeOf(m_own->surface), std::nullopt))
 {
     HoldStock();
     if (!Add(m_own, true)) throw std::bad_alloc();
-    m_own->Claim();
+    m_own->selected = 1;
     Hold(m_own);
 }
 
 DeviceContext::DeviceContext(const RECT& area)
     : m_origin{area.left, area.top},
-      m_view(MakeView(Screen::Instance().surface, Cut(area, WholeOf(Screen::Instance().surface)), std::nullopt))
+      m_view(
+          MakeView(Screen::Instance().surface, Cut(area, WholeOf(Screen::Instance().surface)), std::nullopt))
 {
     HoldStock();
 }
@@ -44,7 +46,7 @@ DeviceContext::DeviceContext(const RECT& area)
 DeviceContext::~DeviceContext()
 {
     for (const auto& object : m_held)
-        if (object) Release(*object);
+        if (object) --object->selected;
     if (m_own) Remove(m_own->Handle());
 }
 
@@ -59,13 +61,13 @@ DeviceContext::View DeviceContext::MakeView(Surface& surface, const RECT& bounds
     }
     const auto boxes = view.visible.Boxes();
     view.clip.reserve(boxes.size());
-    for (const auto& box : boxes) view.clip.push_back(ToRect(box));
+    for (const auto& box : boxes)
+        view.clip.push_back(ToRect(box));
     return view;
 }
 
 std::shared_ptr<Object> DeviceContext::Hold(std::shared_ptr<Object> object) noexcept
 {
-    ++object->selected;
     auto& held = m_held[static_cast<std::size_t>(object->kind)];
     if (held) --held->selected;
     return std::exchange(held, std::move(object));
@@ -74,14 +76,16 @@ std::shared_ptr<Object> DeviceContext::Hold(std::shared_ptr<Object> object) noex
 void DeviceContext::HoldStock()
 {
     for (const int nStock : {BLACK_PEN, WHITE_BRUSH, SYSTEM_FONT})
-        if (auto object = StockObject(nStock)) Hold(std::move(object));
+        if (auto object = StockObject(nStock)) Select(std::move(object));
 }
 
 HGDIOBJ DeviceContext::Select(std::shared_ptr<Object> object)
 {
     if (static_cast<std::size_t>(object->kind) >= m_held.size()) return nullptr;
     if (object == Held(object->kind)) return object->Handle();
-    if (object->kind == Kind::Bitmap) return SelectBitmap(std::static_pointer_cast<Bitmap>(std::move(object)));
+    if (object->kind == Kind::Bitmap)
+        return SelectBitmap(std::static_pointer_cast<Bitmap>(std::move(object)));
+    ++object->selected;
     const auto displaced = Hold(std::move(object));
     return displaced ? displaced->Handle() : nullptr;
 }
@@ -90,7 +94,8 @@ HGDIOBJ DeviceContext::SelectBitmap(std::shared_ptr<Bitmap> bitmap)
 {
     if (!IsMemory()) return nullptr;
     View view = MakeView(bitmap->surface, WholeOf(bitmap->surface), m_region);
-    if (!bitmap->Claim()) return nullptr;
+    int nNone = 0;
+    if (!bitmap->selected.compare_exchange_strong(nNone, 1)) return nullptr;
     m_view = std::move(view);
     return Hold(std::move(bitmap))->Handle();
 }
@@ -103,7 +108,7 @@ void DeviceContext::SetClip(std::optional<PixelRegion> region)
 
 int DeviceContext::ClipBox(RECT& rect) const noexcept
 {
-    rect = Moved(m_view.visible.Extents(), -m_origin.x, -m_origin.y);
+    rect = Moved(m_view.visible.Extents(), -std::int64_t{m_origin.x}, -std::int64_t{m_origin.y});
     if (m_view.visible.Complexity() == NULLREGION) rect = {};
     return m_view.visible.Complexity();
 }

@@ -19,7 +19,8 @@ class DeviceContext : public Object
 public:
     // A memory surface, whose first bitmap is its own, of 1 by 1 pixel.
     DeviceContext();
-    // The surface of an area of the desktop; its 0, 0 is the area's top left, which may lie outside the desktop.
+    // The surface of an area of the desktop; its 0, 0 is the area's top left, which may lie outside the
+    // desktop.
     explicit DeviceContext(const RECT& area);
     ~DeviceContext() override;
 
@@ -33,8 +34,8 @@ public:
     const Brush& CurrentBrush() const noexcept { return static_cast<const Brush&>(*Held(Kind::Brush)); }
     const std::shared_ptr<Object>& CurrentFont() const noexcept { return Held(Kind::Font); }
 
-    // Clips to a region in the context's coordinates, or with nothing to the surface alone. Throws std::bad_alloc
-    // and changes nothing then.
+    // Clips to a region in the context's coordinates, or with nothing to the surface alone. Throws
+    // std::bad_alloc and changes nothing then.
     void SetClip(std::optional<PixelRegion> region);
     // What drawing is clipped to, in the context's coordinates: its complexity, and its bounds.
     int ClipBox(RECT& rect) const noexcept;
@@ -59,10 +60,10 @@ private:
     {
         return m_held[static_cast<std::size_t>(what)];
     }
-    // Takes an object in hand, whose `selected` counts it already, and gives the one that was.
-    std::shared_ptr<Object> Hold(std::shared_ptr<Object> object) noexcept;
     void HoldStock();
-    bool Claim(Object& object);
+    HGDIOBJ SelectBitmap(std::shared_ptr<Bitmap> bitmap);
+    // Takes an object, whose `selected` counts this context already, in place of the one that it gives.
+    std::shared_ptr<Object> Hold(std::shared_ptr<Object> object) noexcept;
 
     const POINT m_origin;
     std::optional<PixelRegion> m_region; // in the context's coordinates

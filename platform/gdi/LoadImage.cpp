@@ -1,16 +1,13 @@
 #include "include/platform/Module.h"
 #include "platform/Errno.h"
+#include "platform/gdi/Copies.h"
 #include "platform/gdi/Icon.h"
 #include "platform/gdi/ImageFile.h"
 #include "platform/module/RegularFile.h"
 
 #include <new>
 
-using kx::gdi::Bitmap;
-using kx::gdi::FileBytes;
-using kx::gdi::Icon;
-using kx::gdi::Surface;
-using kx::module::Bytes;
+using namespace kx::gdi;
 using kx::module::RegularFile;
 
 namespace {
@@ -22,28 +19,22 @@ HANDLE Refuse(DWORD dwError) noexcept
 }
 
 // The nearest pixels, in the bitmap's declared depth.
-std::shared_ptr<Bitmap> Scaled(const Bitmap& bitmap, int cx, int cy)
+std::shared_ptr<Bitmap> Scaled(Bitmap& bitmap, int cx, int cy)
 {
-    const Surface& from = bitmap.surface;
-    auto to = Surface::Make(cx, cy);
-    if (!to) return nullptr;
-    std::vector<int> columns(static_cast<std::size_t>(cx));
-    for (int x = 0; x < cx; ++x)
-        columns[static_cast<std::size_t>(x)] = static_cast<int>(std::int64_t{x} * from.Width() / cx);
-    for (int y = 0; y < cy; ++y) {
-        const DWORD* in = from.Row(static_cast<int>(std::int64_t{y} * from.Height() / cy));
-        DWORD* out = to->Row(y);
-        for (const int column : columns)
-            *out++ = in[column];
-    }
-    return std::make_shared<Bitmap>(std::move(*to), bitmap.depth, bitmap.palette, bitmap.fromFile);
+    auto surface = Surface::Make(cx, cy);
+    if (!surface) return nullptr;
+    const Block to{0, 0, cx, cy}, from{0, 0, bitmap.surface.Width(), bitmap.surface.Height()};
+    const RECT toArea = Place(to, {}), fromArea = Place(from, {});
+    ScaleBlock({*surface, {}, toArea, std::span(&toArea, 1), {}}, to, {bitmap.surface, {}, fromArea, {}, {}},
+               from, std::nullopt);
+    return std::make_shared<Bitmap>(std::move(*surface), bitmap.depth, bitmap.palette, bitmap.fromFile);
 }
 
 std::shared_ptr<Bitmap> MakeBitmap(FileBytes bytes, bool bFile, int cx, int cy)
 {
     // A resource is commonly a file without its file header, but may be a whole one.
     const bool bWhole = bFile || (bytes.size() > 1 && bytes[0] == 'B' && bytes[1] == 'M');
-    auto bitmap = bWhole ? kx::gdi::ReadBmp(bytes) : kx::gdi::ReadDib(bytes);
+    auto bitmap = bWhole ? ReadBmp(bytes) : ReadDib(bytes);
     if (!bitmap) return nullptr;
     if (cx == 0) cx = bitmap->surface.Width();
     if (cy == 0) cy = bitmap->surface.Height();
@@ -53,19 +44,19 @@ std::shared_ptr<Bitmap> MakeBitmap(FileBytes bytes, bool bFile, int cx, int cy)
 
 std::shared_ptr<Icon> MakeIcon(FileBytes bytes, int cx, int cy)
 {
-    auto surface = kx::gdi::ReadIcon(bytes, cx, cy);
+    auto surface = ReadIcon(bytes, cx, cy);
     return surface ? std::make_shared<Icon>(std::move(*surface)) : nullptr;
 }
 
 HANDLE Make(FileBytes bytes, bool bFile, UINT nType, int cx, int cy)
 {
-    std::shared_ptr<kx::gdi::Object> object;
+    std::shared_ptr<Object> object;
     if (nType == IMAGE_ICON)
         object = MakeIcon(bytes, cx, cy);
     else
         object = MakeBitmap(bytes, bFile, cx, cy);
     if (!object) return Refuse(ERROR_RESOURCE_DATA_NOT_FOUND);
-    const HANDLE handle = kx::gdi::Add(std::move(object));
+    const HANDLE handle = Add(std::move(object));
     return handle ? handle : Refuse(ERROR_NOT_ENOUGH_MEMORY);
 }
 
@@ -73,7 +64,7 @@ HANDLE FromFile(const char* pszPath, UINT nType, int cx, int cy)
 {
     const auto file = RegularFile::Open(pszPath);
     if (!file) return nullptr;
-    if (file->Size() > kx::gdi::MAX_IMAGE_FILE) return Refuse(ERROR_RESOURCE_DATA_NOT_FOUND);
+    if (file->Size() > MAX_IMAGE_FILE) return Refuse(ERROR_RESOURCE_DATA_NOT_FOUND);
     const auto bytes = file->Read(0, file->Size());
     return bytes ? Make(bytes->All(), true, nType, cx, cy) : Refuse(ERROR_RESOURCE_DATA_NOT_FOUND);
 }

@@ -13,9 +13,9 @@
 
 namespace kx::gdi {
 
-// A handle is a slot's number and its generation, which Remove moves on, so that a slot comes round to the same
-// handle after 2^31 objects. Finding takes no lock but the slot's own, for the copy of one pointer; slots stay
-// where they are once made.
+// A handle is a slot's number and its generation, which Remove moves on, so that a slot comes round to the
+// same handle after 2^31 objects. Finding takes no lock but the slot's own, for the copy of one pointer;
+// slots stay where they are once made.
 class ObjectTable
 {
 public:
@@ -75,7 +75,8 @@ public:
     {
         if (!slot) return;
         for (std::uint32_t state = m_free;
-             !slot->state.compare_exchange_weak(state, m_free | 1, std::memory_order_acquire); state = m_free) {
+             !slot->state.compare_exchange_weak(state, m_free | 1, std::memory_order_acquire);
+             state = m_free) {
             if (state >> 1 != nGeneration) return;
             if (state & 1) std::this_thread::yield();
         }
@@ -108,7 +109,8 @@ std::optional<std::uint32_t> ObjectTable::TakeFree()
         m_made.push_back(std::make_unique<Chunk>());
         m_chunks[nMade].store(m_made.back().get(), std::memory_order_release);
         const auto nFirst = static_cast<std::uint32_t>(nMade) * kChunk;
-        for (std::uint32_t n = kChunk; n-- > 0;) m_free.push_back(nFirst + n);
+        for (std::uint32_t n = kChunk; n-- > 0;)
+            m_free.push_back(nFirst + n);
     }
     const std::uint32_t nIndex = m_free.back();
     m_free.pop_back();

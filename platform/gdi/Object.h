@@ -9,7 +9,8 @@
 
 namespace kx::gdi {
 
-// What an object can be selected as; `Other` (a device context, an icon) can't be, and DeleteObject leaves it alone.
+// What an object can be selected as; `Other` (a device context, an icon) can't be, and DeleteObject leaves it
+// alone.
 enum class Kind
 {
     Bitmap,
@@ -30,8 +31,8 @@ public:
     Object& operator=(const Object&) = delete;
     virtual ~Object() = default;
 
-    // For GetObjectA: copies the record into a buffer that holds it, or tells its size for a null one; 0 where the
-    // buffer is too small or there is no record.
+    // For GetObjectA: copies the record into a buffer that holds it, or tells its size for a null one; 0
+    // where the buffer is too small or there is no record.
     virtual int Describe(int, void*) const { return 0; }
     // Null before Add.
     HGDIOBJ Handle() const noexcept { return m_handle; }
@@ -45,9 +46,9 @@ private:
     HGDIOBJ m_handle = nullptr;
 };
 
-// Puts an object into the table; null for lack of memory or of room (1,048,576 objects). A stock object is one
-// that the caller of the library didn't make: DeleteObject leaves it alone, and it isn't counted as a live handle.
-// Any thread may call any of these.
+// Puts an object into the table; null for lack of memory or of room (1,048,576 objects). A stock object is
+// one that the caller of the library didn't make: DeleteObject leaves it alone, and it isn't counted as a
+// live handle. Any thread may call any of these.
 HGDIOBJ Add(std::shared_ptr<Object> object, bool stock = false);
 // The object of a handle, or null.
 std::shared_ptr<Object> Find(HGDIOBJ handle) noexcept;

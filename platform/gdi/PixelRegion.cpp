@@ -21,24 +21,7 @@ bool InRows(const pixman_box32_t& a, const pixman_box32_t& b) noexcept
     return std::tie(a.y1, a.x1) < std::tie(b.y1, b.x1);
 }
 
-LONG MovedSide(LONG nSide, int n) noexcept
-{
-    return static_cast<LONG>(std::clamp<std::int64_t>(std::int64_t{nSide} + n, INT32_MIN, INT32_MAX));
-}
-
 } // namespace
-
-RECT Cut(const RECT& a, const RECT& b) noexcept
-{
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
-}
-
-RECT Moved(const RECT& rect, int dx, int dy) noexcept
-{
-    return {MovedSide(rect.left, dx), MovedSide(rect.top, dy), MovedSide(rect.right, dx),
-            MovedSide(rect.bottom, dy)};
-}
 
 PixelRegion::PixelRegion(const RECT& rect) noexcept
 {
@@ -93,9 +76,12 @@ RECT PixelRegion::Extents() const noexcept
 int PixelRegion::Complexity() const noexcept
 {
     switch (pixman_region32_n_rects(&m_region)) {
-    case 0: return NULLREGION;
-    case 1: return SIMPLEREGION;
-    default: return COMPLEXREGION;
+    case 0:
+        return NULLREGION;
+    case 1:
+        return SIMPLEREGION;
+    default:
+        return COMPLEXREGION;
     }
 }
 
@@ -106,7 +92,16 @@ bool PixelRegion::Contains(int x, int y) const noexcept
 
 void PixelRegion::Move(int dx, int dy)
 {
-    pixman_region32_translate(&m_region, dx, dy);
+    const RECT from = Extents();
+    const RECT to = Moved(from, dx, dy);
+    if (std::int64_t{to.right} - to.left == std::int64_t{from.right} - from.left &&
+        std::int64_t{to.bottom} - to.top == std::int64_t{from.bottom} - from.top)
+        return pixman_region32_translate(&m_region, dx, dy);
+    // pixman's own sums would wrap around.
+    std::vector<RECT> rects;
+    for (const auto& box : Boxes())
+        rects.push_back(Moved(ToRect(box), dx, dy));
+    *this = FromRects(rects);
 }
 
 void PixelRegion::IntersectWith(const PixelRegion& other)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "include/platform/Geometry.h"
+#include "platform/gdi/Rect.h"
 
 #include <pixman.h>
 #include <span>
@@ -8,20 +8,14 @@
 
 namespace kx::gdi {
 
-// The cut of two rectangles; empty as IsEmpty tells when they have none.
-RECT Cut(const RECT& a, const RECT& b) noexcept;
-constexpr bool IsEmpty(const RECT& rect) noexcept { return rect.right <= rect.left || rect.bottom <= rect.top; }
-// A rectangle moved by a distance; what leaves the range of coordinates stays at its end.
-RECT Moved(const RECT& rect, int dx, int dy) noexcept;
-
 // A set of pixels, as a value. A lack of memory throws std::bad_alloc and leaves an empty one.
 class PixelRegion
 {
 public:
     PixelRegion() noexcept { pixman_region32_init(&m_region); }
     explicit PixelRegion(const RECT& rect) noexcept;
-    // Rectangles in any order, which may overlap and be empty. Linear when they come in rows from the top, each row
-    // from the left.
+    // Rectangles in any order, which may overlap and be empty. Linear when they come in rows from the top,
+    // each row from the left.
     static PixelRegion FromRects(std::span<const RECT> rects);
     PixelRegion(const PixelRegion& other);
     PixelRegion(PixelRegion&& other) noexcept;
@@ -35,6 +29,7 @@ public:
     int Complexity() const noexcept;
     bool Contains(int x, int y) const noexcept;
 
+    // What leaves the range of coordinates is lost.
     void Move(int dx, int dy);
     void IntersectWith(const PixelRegion& other);
     void UniteWith(const PixelRegion& other);
@@ -46,6 +41,9 @@ private:
     mutable pixman_region32_t m_region; // pixman's readers take it as not const, and change nothing
 };
 
-inline RECT ToRect(const pixman_box32_t& box) noexcept { return {box.x1, box.y1, box.x2, box.y2}; }
+inline RECT ToRect(const pixman_box32_t& box) noexcept
+{
+    return {box.x1, box.y1, box.x2, box.y2};
+}
 
 } // namespace kx::gdi

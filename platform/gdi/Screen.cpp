@@ -1,5 +1,6 @@
 #include "platform/gdi/Screen.h"
 
+#include "include/platform/Window.h"
 #include "platform/Immortal.h"
 
 #include <algorithm>
@@ -13,7 +14,8 @@ Surface MakeDesktop()
 {
     auto surface = Surface::Make(DESKTOP_WIDTH, DESKTOP_HEIGHT);
     if (!surface) throw std::bad_alloc();
-    for (int y = 0; y < DESKTOP_HEIGHT; ++y) std::fill_n(surface->Row(y), DESKTOP_WIDTH, ToPixel(DESKTOP_COLOR));
+    for (int y = 0; y < DESKTOP_HEIGHT; ++y)
+        std::fill_n(surface->Row(y), DESKTOP_WIDTH, ToPixel(DESKTOP_COLOR));
     return std::move(*surface);
 }
 
@@ -27,8 +29,9 @@ Screen& Screen::Instance()
 
 std::optional<RECT> AreaOf(HWND hWnd)
 {
-    if (hWnd) return std::nullopt;
-    return RECT{0, 0, DESKTOP_WIDTH, DESKTOP_HEIGHT};
+    RECT area;
+    if (!GetWindowRect(hWnd ? hWnd : GetDesktopWindow(), &area)) return std::nullopt;
+    return area;
 }
 
 } // namespace kx::gdi

@@ -27,7 +27,8 @@ Surface::Surface(int nWidth, int nHeight, std::ptrdiff_t nStride, Pixels pixels)
 
 std::optional<Surface> Surface::Make(int nWidth, int nHeight)
 {
-    if (nWidth <= 0 || nHeight <= 0 || std::int64_t{nWidth} * nHeight > MAX_BITMAP_PIXELS) return std::nullopt;
+    if (nWidth <= 0 || nHeight <= 0 || std::int64_t{nWidth} * nHeight > MAX_BITMAP_PIXELS)
+        return std::nullopt;
     const auto nColumns = static_cast<std::size_t>(nWidth);
     const std::size_t nStep = std::min(std::bit_ceil(nColumns), kAlignedPixels);
     const std::size_t nStride = (nColumns + nStep - 1) / nStep * nStep;

@@ -8,9 +8,9 @@
 
 namespace kx::gdi {
 
-// A block of 32-bit pixels, 0x00RRGGBB with a high byte that is kept but means nothing here. The first row is the
-// top one. Rows of 16 pixels and more begin at addresses aligned to 64 bytes; shorter ones lie closer, so that a
-// tall narrow block takes no more than twice its pixels.
+// A block of 32-bit pixels, 0x00RRGGBB with a high byte that is kept but means nothing here. The first row is
+// the top one. Rows of 16 pixels and more begin at addresses aligned to 64 bytes; shorter ones lie closer, so
+// that a tall narrow block takes no more than twice its pixels.
 class Surface
 {
 public:

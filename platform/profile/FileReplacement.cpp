@@ -14,7 +14,7 @@ namespace kx::profile {
 namespace {
 
 constexpr int kMaxLinks = 40;
-constexpr int kMaxRemoved = 3;
+constexpr int kMaxRetries = 3;
 constexpr std::string_view kSuffix = ".kxnew";
 
 std::size_t NameBegin(const std::string& path) noexcept
@@ -91,7 +91,7 @@ FileReplacement::Turn FileReplacement::TryBegin(mode_t mode)
     m_lock.Reset(RetryEintr([&] { return open(m_name.c_str(), O_RDWR | O_CREAT | kFlags, mode); }));
     const bool bForeign = !m_lock && errno == EACCES;
     if (bForeign) m_lock.Reset(RetryEintr([&] { return open(m_name.c_str(), O_RDONLY | kFlags); }));
-    if (!m_lock) return bForeign && errno == ENOENT ? Turn::Again : Turn::Failed;
+    if (!m_lock) return bForeign && errno == ENOENT ? Retry() : Turn::Failed;
     if (RetryEintr([&] { return flock(m_lock.Get(), LOCK_EX); }) != 0) return Turn::Failed;
 
     // While we waited, the file may have taken its target's place or have been removed.
@@ -104,19 +104,20 @@ FileReplacement::Turn FileReplacement::TryBegin(mode_t mode)
     if (fstat(m_lock.Get(), &held) != 0) return Turn::Failed;
     if (lstat(m_name.c_str(), &named) != 0) return errno == ENOENT ? Turn::Again : Turn::Failed;
     if (held.st_dev != named.st_dev || held.st_ino != named.st_ino) return Turn::Again;
+    // One that can't be written or has another name too isn't used but removed, while its lock is ours.
     if (bForeign || held.st_nlink > 1 || !S_ISREG(held.st_mode))
-        return RemoveLeftover() ? Turn::Again : Turn::Failed;
+        return unlink(m_name.c_str()) == 0 ? Retry() : Turn::Failed;
     m_bOurs = true;
     return Turn::Ours;
 }
 
-// What bears our name but can't be written, or has another name too, isn't used but removed, while its lock
-// is ours. A file system that gives nothing better isn't tried for ever.
-bool FileReplacement::RemoveLeftover()
+// After what should be gone at the next try. Where it never is, as in a directory that can't be written,
+// there is an end to it.
+FileReplacement::Turn FileReplacement::Retry() noexcept
 {
-    if (++m_removed <= kMaxRemoved) return unlink(m_name.c_str()) == 0;
+    if (++m_retries <= kMaxRetries) return Turn::Again;
     errno = EACCES;
-    return false;
+    return Turn::Failed;
 }
 
 // Where the group can't be kept, its members get no more than everyone.

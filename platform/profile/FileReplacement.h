@@ -44,14 +44,14 @@ private:
     };
 
     Turn TryBegin(mode_t mode);
-    bool RemoveLeftover();
+    Turn Retry() noexcept;
     void PassOnStatus();
 
     std::string m_target;
     std::string m_name; // of the lock and new text
     UniqueFd m_lock;
     bool m_bOurs = false;
-    int m_removed = 0;
+    int m_retries = 0;
 };
 
 } // namespace kx::profile

@@ -2,7 +2,6 @@
 
 #include "platform/text/CharWalk.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace kx::profile {
@@ -31,13 +30,24 @@ constexpr Word FoldAscii(Word bytes) noexcept
     return bytes | ((fromA ^ behindZ) & kHighBits) >> 2;
 }
 
-// Up to seven bytes as one number; with the length it tells them all.
-Word LoadTail(const char* bytes, std::size_t length) noexcept
+// Calls with where each of the words begins that a name of eight bytes or more is made of. The last two may
+// overlap.
+template <class Step>
+bool EachWord(std::size_t length, Step step)
 {
-    if (length >= 4) return Word{Load<std::uint32_t>(bytes)} << 32 | Load<std::uint32_t>(bytes + length - 4);
-    if (length == 0) return 0;
-    const auto at = [bytes](std::size_t i) { return Word{static_cast<unsigned char>(bytes[i])}; };
-    return at(0) << 16 | at(length / 2) << 8 | at(length - 1);
+    for (std::size_t i = 0; i + sizeof(Word) < length; i += sizeof(Word))
+        if (!step(i)) return false;
+    return step(length - sizeof(Word));
+}
+
+// Less than eight bytes as one number; with their count it tells them all.
+Word LoadShort(std::string_view bytes) noexcept
+{
+    const std::size_t length = bytes.size();
+    const char* end = bytes.data() + length;
+    if (length >= 4) return Word{Load<std::uint32_t>(bytes.data())} << 32 | Load<std::uint32_t>(end - 4);
+    if (length >= 2) return Word{Load<std::uint16_t>(bytes.data())} << 16 | Load<std::uint16_t>(end - 2);
+    return length == 1 ? static_cast<unsigned char>(bytes[0]) : 0;
 }
 
 constexpr Word Mix(Word hash, Word value) noexcept
@@ -62,25 +72,28 @@ void FoldEach(std::string_view name, char* folded) noexcept
 
 void Fold(std::string_view name, char* folded) noexcept
 {
-    std::size_t i = 0;
-    while (i < name.size()) {
-        const std::size_t length = std::min<std::size_t>(name.size() - i, sizeof(Word));
-        Word bytes = 0;
-        std::memcpy(&bytes, name.data() + i, length);
-        if (bytes & kHighBits) break;
-        bytes = FoldAscii(bytes);
-        std::memcpy(folded + i, &bytes, length);
-        i += length;
-    }
-    FoldEach(name.substr(i), folded + i);
+    const auto foldWord = [&](std::size_t i) {
+        const Word bytes = Load<Word>(name.data() + i);
+        if (bytes & kHighBits) return false;
+        const Word lower = FoldAscii(bytes);
+        std::memcpy(folded + i, &lower, sizeof lower);
+        return true;
+    };
+    if (name.size() < sizeof(Word) || !EachWord(name.size(), foldWord)) FoldEach(name, folded);
 }
 
 std::uint32_t HashFolded(std::string_view folded) noexcept
 {
     Word hash = folded.size();
-    for (; folded.size() >= 8; folded.remove_prefix(8))
-        hash = Mix(hash, Load<Word>(folded.data()));
-    return static_cast<std::uint32_t>(Mix(hash, LoadTail(folded.data(), folded.size())));
+    const auto mixWord = [&](std::size_t i) {
+        hash = Mix(hash, Load<Word>(folded.data() + i));
+        return true;
+    };
+    if (folded.size() < sizeof(Word))
+        hash = Mix(hash, LoadShort(folded));
+    else
+        EachWord(folded.size(), mixWord);
+    return static_cast<std::uint32_t>(hash);
 }
 
 FoldedName::FoldedName(std::string_view name)

@@ -65,20 +65,24 @@ void ParsedIni::Index()
     }
 }
 
+// Mostly a part has an entry or two.
 const ParsedIni::Entry* ParsedIni::Look(std::uint32_t group, const FoldedName& name) const noexcept
 {
+    constexpr std::ptrdiff_t kFew = 8;
     const std::uint32_t hash = Hash(name.Hash(), group);
+    const auto before = [this, hash, group](const Entry& entry, const FoldedName& sought) {
+        if (entry.hash != hash) return entry.hash < hash;
+        if (entry.group != group) return entry.group < group;
+        return View(entry.name) < sought.View();
+    };
     const std::uint32_t* part = &m_parts[hash >> m_shift];
+    const Entry* entry = m_entries.data() + part[0];
     const Entry* end = m_entries.data() + part[1];
-    const Entry* found = std::lower_bound(m_entries.data() + part[0], end, name,
-                                          [this, hash, group](const Entry& entry, const FoldedName& sought) {
-                                              if (entry.hash != hash) return entry.hash < hash;
-                                              if (entry.group != group) return entry.group < group;
-                                              return View(entry.name) < sought.View();
-                                          });
+    if (end - entry > kFew) entry = std::lower_bound(entry, end, name, before);
+    while (entry != end && before(*entry, name)) ++entry;
     const bool bFound =
-        found != end && found->hash == hash && found->group == group && View(found->name) == name.View();
-    return bFound ? found : nullptr;
+        entry != end && entry->hash == hash && entry->group == group && View(entry->name) == name.View();
+    return bFound ? entry : nullptr;
 }
 
 bool ParsedIni::HasSection(std::string_view section) const

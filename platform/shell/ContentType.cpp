@@ -1,10 +1,12 @@
 #include "platform/shell/ContentType.h"
 
+#include "platform/Immortal.h"
 #include "platform/files/ReadFile.h"
 #include "platform/shell/Wording.h"
 
 #include <gio/gio.h>
 #include <memory>
+#include <mutex>
 #include <string_view>
 #include <sys/stat.h>
 
@@ -22,6 +24,13 @@ struct Free
 
 using Text = std::unique_ptr<char, Free>;
 
+// GIO locks for itself, but a client's race detector, which doesn't see into it, would not know.
+std::mutex& DatabaseLock()
+{
+    static Immortal<std::mutex> lock;
+    return lock.Get();
+}
+
 // The entry itself, or what it points at if there is such a thing.
 bool Stat(const std::string& path, struct stat& info) noexcept
 {
@@ -35,6 +44,8 @@ std::string_view NameOf(std::string_view path)
 
 Text Guess(const std::string& name, std::string_view head, bool& bUncertain)
 {
+    const std::lock_guard lock(DatabaseLock());
+    g_content_type_get_mime_dirs(); // where the database lies; else GIO reads it twice and loses the first
     gboolean uncertain = FALSE;
     Text type(g_content_type_guess(name.c_str(), reinterpret_cast<const guchar*>(head.data()), head.size(),
                                    &uncertain));
@@ -76,7 +87,10 @@ Text TypeOf(const std::string& path, const struct stat& info)
 // A description that only repeats the type's name comes from no database.
 std::string Describe(const char* type, const std::string& path, bool bDirectory)
 {
-    const Text text(g_content_type_get_description(type));
+    const Text text = [type] {
+        const std::lock_guard lock(DatabaseLock());
+        return Text(g_content_type_get_description(type));
+    }();
     const bool bKnown =
         text && !g_content_type_is_unknown(type) && !std::string_view(text.get()).starts_with(type);
     if (bKnown) return text.get();
@@ -85,6 +99,7 @@ std::string Describe(const char* type, const std::string& path, bool bDirectory)
 
 std::string IconsOf(const char* type)
 {
+    const std::lock_guard lock(DatabaseLock());
     std::string names;
     const std::unique_ptr<GIcon, Free> icon(g_content_type_get_icon(type));
     if (!G_IS_THEMED_ICON(icon.get())) return names;

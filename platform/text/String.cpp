@@ -115,6 +115,16 @@ void CString::Empty() noexcept
     m_pszData = s_empty.text;
 }
 
+void CString::Truncate(int nLength)
+{
+    if (nLength >= GetLength()) return;
+    const int length = std::max(nLength, 0);
+    if (IsWritable(length))
+        SetLength(static_cast<std::size_t>(length));
+    else
+        Assign(View().substr(0, static_cast<std::size_t>(length)));
+}
+
 char CString::GetAt(int nIndex) const noexcept
 {
     return nIndex >= 0 && nIndex < GetLength() ? m_pszData[nIndex] : '\0';

@@ -77,7 +77,7 @@ HWND CreateWindowExA(DWORD, const char* pszClassName, const char* pszName, DWORD
     const CString className = cls->name;
     const CREATESTRUCTA create{pParam, pszName, className, x, y, nWidth, nHeight, dwStyle};
     const auto made =
-        std::make_shared<window::Window>(window::NewHandle(), std::move(cls), std::move(queue), pszName);
+        std::make_shared<window::Window>(window::NewHandle(), std::move(cls), std::move(queue), create);
     const HWND hWnd = made->Handle();
     window::WindowTable::Instance().Add(made);
     window::EndAtExit end(*made);

@@ -17,7 +17,7 @@ class Window
 {
 public:
     Window(HWND handle, std::shared_ptr<const WindowClass> cls, std::shared_ptr<Queue> owner,
-           const char* pszText);
+           const CREATESTRUCTA& create);
 
     HWND Handle() const noexcept { return m_handle; }
     DWORD ProcessId() const noexcept { return m_processId; }
@@ -31,6 +31,9 @@ public:
     }
     // Lets the class be removed, whoever still holds this window. By the owning thread.
     void LeaveClass() noexcept { m_class.reset(); }
+
+    // Where it lies on the desktop.
+    const RECT& Rect() const noexcept { return m_rect; }
 
     std::string Text() const;
     void SetText(const char* pszText);
@@ -50,6 +53,7 @@ private:
     const WNDPROC m_proc;
     std::shared_ptr<const WindowClass> m_class;
     const std::shared_ptr<Queue> m_owner;
+    const RECT m_rect;
     mutable std::mutex m_textLock;
     std::string m_text;
 };

@@ -2,6 +2,7 @@
 
 #include "platform/window/Window.h"
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -12,6 +13,9 @@ namespace kx::window {
 // A handle for a new window, of this process or another: a number that is never used again, so that one that
 // ended, or never was, names nothing; a later window's is greater. Any thread.
 HWND NewHandle() noexcept;
+
+// The desktop's own window, which is in no table: smaller than every handle that NewHandle gives.
+inline const HWND kDesktopHandle = reinterpret_cast<HWND>(std::uintptr_t{0x10000});
 
 // The windows of this process. Any thread.
 class WindowTable

@@ -10,7 +10,8 @@ using testing::ElementsAre;
 std::vector<int> Apart(const char* pszText)
 {
     std::vector<int> numbers;
-    EXPECT_EQ(CKXNum::ApartNums(pszText, numbers), static_cast<int>(numbers.size()));
+    const int count = CKXNum::ApartNums(pszText, numbers);
+    EXPECT_EQ(count, static_cast<int>(numbers.size()));
     return numbers;
 }
 

@@ -9,7 +9,8 @@ using testing::ElementsAre;
 std::vector<CString> Pieces(const char* pszText, const char* pszDelim)
 {
     std::vector<CString> pieces;
-    EXPECT_EQ(CKXStrHelper::Split(pszText, pszDelim, pieces), static_cast<int>(pieces.size()));
+    const int count = CKXStrHelper::Split(pszText, pszDelim, pieces);
+    EXPECT_EQ(count, static_cast<int>(pieces.size()));
     return pieces;
 }
 

@@ -21,12 +21,25 @@ inline std::uint32_t PixelOf(char letter)
     return (bits & 4 ? 0xFF0000u : 0) | (bits & 2 ? 0xFF00u : 0) | (bits & 1 ? 0xFFu : 0);
 }
 
+// The letter of a pixel whatever its high byte, `?` for one that has none.
+inline char LetterOfPixel(std::uint32_t pixel)
+{
+    const char letter = kLetters[(pixel >> 21 & 4) | (pixel >> 14 & 2) | (pixel >> 7 & 1)];
+    return PixelOf(letter) == (pixel & 0xFFFFFF) ? letter : '?';
+}
+
 inline std::string Le(std::uint64_t value, std::size_t width)
 {
     std::string bytes;
     for (std::size_t i = 0; i < width; ++i)
         bytes += static_cast<char>(value >> 8 * i);
     return bytes;
+}
+
+inline std::string Be(std::uint32_t value)
+{
+    const std::string bytes = Le(value, 4);
+    return {bytes.rbegin(), bytes.rend()};
 }
 
 // A BMP to be written. Any field may be made to lie.
@@ -72,63 +85,59 @@ struct Bmp
     }
 };
 
-// One row's indices or pixels at a depth, padded to 32 bits.
-inline std::string PackRow(const std::vector<std::uint32_t>& values, std::uint32_t depth)
-{
-    std::string row((values.size() * depth + 31) / 32 * 4, '\0');
-    for (std::size_t x = 0; x < values.size(); ++x) {
-        if (depth < 8) {
-            const std::size_t bit = x * depth;
-            row[bit / 8] = static_cast<char>(row[bit / 8] | values[x] << (8 - depth - bit % 8));
-        } else {
-            const std::string bytes = Le(values[x], depth / 8);
-            std::copy(bytes.begin(), bytes.end(), row.begin() + static_cast<std::ptrdiff_t>(x * depth / 8));
-        }
-    }
-    return row;
-}
-
 // What stands for a letter in a file of this depth: its place in `letters`, or its colour.
-inline std::uint32_t ValueOf(char letter, std::uint32_t depth, std::string_view letters = kLetters)
+inline std::uint32_t ValueOf(char letter, std::uint32_t depth, std::string_view letters)
 {
     if (depth <= 8) return static_cast<std::uint32_t>(letters.find(letter));
     const std::uint32_t pixel = PixelOf(letter);
     return depth > 16 ? pixel : (pixel >> 9 & 0x7C00) | (pixel >> 6 & 0x3E0) | (pixel >> 3 & 0x1F);
 }
 
-// A picture as a BMP whose palette, if its depth has one, holds `letters`.
+// A row of letters at a depth, the leftmost in the highest bits of a byte, padded to 32 bits.
+inline std::string PackRow(std::string_view letters, std::uint32_t depth, std::string_view palette)
+{
+    std::string row((letters.size() * depth + 31) / 32 * 4, '\0');
+    for (std::size_t x = 0; x < letters.size(); ++x) {
+        const std::uint32_t value = ValueOf(letters[x], depth, palette);
+        const std::size_t bit = x * depth;
+        if (depth < 8)
+            row[bit / 8] |= static_cast<char>(value << (8 - depth - bit % 8));
+        else
+            row.replace(bit / 8, depth / 8, Le(value, depth / 8));
+    }
+    return row;
+}
+
+// A picture as a BMP whose palette, if its depth has one, holds `palette`.
 inline Bmp ToBmp(const Picture& picture, std::uint32_t depth, bool topDown = false,
-                 std::string_view letters = kLetters)
+                 std::string_view palette = kLetters)
 {
     Bmp bmp;
     bmp.width = static_cast<std::int32_t>(picture.front().size());
     bmp.height = static_cast<std::int32_t>(picture.size()) * (topDown ? -1 : 1);
     bmp.depth = depth;
     if (depth <= 8) {
-        bmp.colorsUsed = static_cast<std::uint32_t>(letters.size());
-        for (const char letter : letters)
+        bmp.colorsUsed = static_cast<std::uint32_t>(palette.size());
+        for (const char letter : palette)
             bmp.palette += Le(PixelOf(letter), 4);
     }
     for (const std::string& row : picture) {
-        std::vector<std::uint32_t> values;
-        for (const char letter : row)
-            values.push_back(ValueOf(letter, depth, letters));
-        const std::string packed = PackRow(values, depth);
+        const std::string packed = PackRow(row, depth, palette);
         bmp.pixels = topDown ? bmp.pixels + packed : packed + bmp.pixels;
     }
     return bmp;
 }
 
 // An icon's BMP, from a picture in which a dot is transparent.
-inline std::string IconBmp(Picture picture, std::uint32_t depth, std::string_view letters = kLetters)
+inline std::string IconBmp(Picture picture, std::uint32_t depth, std::string_view palette = kLetters)
 {
     Picture mask = picture;
     for (std::size_t y = 0; y < picture.size(); ++y) {
-        std::replace(picture[y].begin(), picture[y].end(), '.', letters[0]);
+        std::replace(picture[y].begin(), picture[y].end(), '.', palette[0]);
         for (char& letter : mask[y])
             letter = letter == '.' ? 'W' : 'K';
     }
-    Bmp bmp = ToBmp(picture, depth, false, letters);
+    Bmp bmp = ToBmp(picture, depth, false, palette);
     bmp.height *= 2;
     bmp.pixels += ToBmp(mask, 1, false, "KW").pixels;
     return bmp.Dib();
@@ -156,8 +165,7 @@ inline std::string PngChunk(std::string_view type, std::string_view content)
         for (int i = 0; i < 8; ++i)
             crc = crc >> 1 ^ (crc & 1 ? 0xEDB88320u : 0);
     }
-    std::string size = Le(content.size(), 4), sum = Le(~crc, 4);
-    return std::string(size.rbegin(), size.rend()) + body + std::string(sum.rbegin(), sum.rend());
+    return Be(static_cast<std::uint32_t>(content.size())) + body + Be(~crc);
 }
 
 // A PNG whose rows, filter bytes included, are given as they are stored.
@@ -169,11 +177,10 @@ inline std::string Png(std::uint32_t width, std::uint32_t height, int bits, int 
         a = (a + static_cast<unsigned char>(ch)) % 65521;
         b = (b + a) % 65521;
     }
-    std::string sum = Le(b << 16 | a, 4), w = Le(width, 4), h = Le(height, 4);
-    const std::string header = std::string(w.rbegin(), w.rend()) + std::string(h.rbegin(), h.rend()) +
-                               static_cast<char>(bits) + static_cast<char>(colorType) + std::string(3, '\0');
-    const std::string stored = "\x78\x01\x01" + Le(rows.size(), 2) + Le(~rows.size(), 2) + std::string(rows) +
-                               std::string(sum.rbegin(), sum.rend());
+    const std::string header = Be(width) + Be(height) + static_cast<char>(bits) +
+                               static_cast<char>(colorType) + std::string(3, '\0');
+    const std::string stored =
+        "\x78\x01\x01" + Le(rows.size(), 2) + Le(~rows.size(), 2) + std::string(rows) + Be(b << 16 | a);
     return "\x89PNG\r\n\x1a\n" + PngChunk("IHDR", header) + std::string(chunks) + PngChunk("IDAT", stored) +
            PngChunk("IEND", "");
 }

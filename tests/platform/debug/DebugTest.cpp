@@ -1,5 +1,6 @@
 #include "include/platform/Debug.h"
 
+#include "tests/platform/sync/Await.h"
 #include "tests/support/Child.h"
 #include "tests/support/Host.h"
 
@@ -9,74 +10,49 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
-#include <thread>
-#include <vector>
 
 namespace {
 
 using KXHost::AddDebugObserver;
 using KXHost::RemoveDebugObserver;
-using testing::ElementsAre;
-
-// An observer for the length of a scope.
-class Observer
-{
-public:
-    explicit Observer(KXHost::DebugObserver call) : m_id(AddDebugObserver(std::move(call))) {}
-    Observer(const Observer&) = delete;
-    Observer& operator=(const Observer&) = delete;
-    ~Observer() { RemoveDebugObserver(m_id); }
-    int Id() const { return m_id; }
-
-private:
-    int m_id;
-};
 
 TEST(Debug, TellsEveryObserverInOrder)
 {
     std::vector<std::string> heard;
-    const auto hear = [&](const char* pszWho) {
-        return [&heard, pszWho](std::string_view text) { heard.push_back(pszWho + std::string(text)); };
+    const auto add = [&](const char* pszWho) {
+        return AddDebugObserver(
+            [&heard, pszWho](std::string_view text) { heard.push_back(pszWho + std::string(text)); });
     };
-    const Observer first(hear("1:"));
-    const Observer none(nullptr);
-    {
-        const Observer second(hear("2:"));
-        EXPECT_NE(second.Id(), first.Id());
-        EXPECT_NE(none.Id(), 0);
-        errno = 77;
-        OutputDebugStringA("a\n");
-        OutputDebugStringA(nullptr);
-        EXPECT_EQ(errno, 77);
-    }
-    RemoveDebugObserver(4711);
     const std::string longText(100'000, 'x');
+    const int nThrower = AddDebugObserver([](std::string_view) { throw 1; });
+    const int nFirst = add("1:"), nNone = AddDebugObserver(nullptr), nSecond = add("2:");
+    errno = 77;
+    OutputDebugStringA("a\n");
+    OutputDebugStringA(nullptr);
+    EXPECT_EQ(errno, 77);
+    RemoveDebugObserver(nSecond);
+    RemoveDebugObserver(4711);
     OutputDebugStringA(longText.c_str());
-    EXPECT_THAT(heard, ElementsAre("1:a\n", "2:a\n", "1:", "2:", "1:" + longText));
+    for (const int nId : {nThrower, nFirst, nNone})
+        RemoveDebugObserver(nId);
+    OutputDebugStringA("nobody hears this");
+    EXPECT_THAT(heard, testing::ElementsAre("1:a\n", "2:a\n", "1:", "2:", "1:" + longText));
 }
 
 TEST(Debug, ObserverDoesNotHearItselfButOthersDo)
 {
-    std::string first, second;
-    const Observer a([&](std::string_view text) {
-        first += text;
-        if (first.size() < 100) OutputDebugStringA("A");
-    });
-    const Observer b([&](std::string_view text) {
-        second += text;
-        if (second.size() < 100) OutputDebugStringA("B");
-    });
+    std::string heard[2];
+    int ids[2];
+    for (int i = 0; i < 2; ++i)
+        ids[i] = AddDebugObserver([&, i](std::string_view text) {
+            heard[i] += text;
+            if (heard[i].size() < 100) OutputDebugStringA(i == 0 ? "A" : "B");
+        });
     OutputDebugStringA("x");
-    EXPECT_EQ(first, "xB");
-    EXPECT_EQ(second, "Ax");
-}
-
-TEST(Debug, ThrowingObserverEndsNothing)
-{
-    const Observer thrower([](std::string_view) { throw 1; });
-    const test::DebugText text;
-    OutputDebugStringA("x");
-    EXPECT_EQ(text.Text(), "x");
+    for (const int nId : ids)
+        RemoveDebugObserver(nId);
+    EXPECT_EQ(heard[0], "xB");
+    EXPECT_EQ(heard[1], "Ax");
 }
 
 TEST(Debug, ObserversMayComeAndGoFromWithin)
@@ -88,7 +64,6 @@ TEST(Debug, ObserversMayComeAndGoFromWithin)
         RemoveDebugObserver(nSelf);
         nOther = AddDebugObserver([&](std::string_view) { nCalls += 10; });
     });
-    EXPECT_EQ(held.use_count(), 2);
     OutputDebugStringA("x");
     EXPECT_EQ(nCalls, 1);
     EXPECT_EQ(held.use_count(), 1);
@@ -103,56 +78,46 @@ TEST(Debug, RemoveWaitsForRunningCalls)
     const auto held = std::make_shared<int>(0);
     const int nId = AddDebugObserver([&, held](std::string_view) {
         nStage = 1;
-        while (nStage != 2)
-            std::this_thread::yield();
+        test::Await([&] { return nStage == 2; });
         for (int i = 0; i < 100; ++i)
             std::this_thread::yield();
         nStage = 3;
     });
-    std::thread sender([] { OutputDebugStringA("x"); });
-    while (nStage != 1)
-        std::this_thread::yield();
+    const std::jthread sender([] { OutputDebugStringA("x"); });
+    test::Await([&] { return nStage == 1; });
     nStage = 2;
     RemoveDebugObserver(nId);
     EXPECT_EQ(nStage, 3);
     EXPECT_EQ(held.use_count(), 1);
-    sender.join();
 }
 
 TEST(Debug, ObserversComeAndGoWhileThreadsSend)
 {
     std::atomic<bool> bStop{false};
-    std::vector<std::thread> senders;
-    for (int t = 0; t < 3; ++t)
-        senders.emplace_back([&] {
-            while (!bStop)
-                OutputDebugStringA("x");
-        });
-    for (int i = 0; i < 300; ++i) {
-        auto alive = std::make_unique<std::atomic<int>>(0);
-        const int nId = AddDebugObserver([p = alive.get()](std::string_view) { ++*p; });
-        while (*alive == 0)
-            std::this_thread::yield();
-        RemoveDebugObserver(nId);
-    }
-    bStop = true;
-    for (auto& sender : senders)
-        sender.join();
+    test::RunThreads(4, [&](int t) {
+        while (t > 0 && !bStop)
+            OutputDebugStringA("x");
+        for (int i = 0; t == 0 && i < 100; ++i) {
+            auto nCalls = std::make_unique<std::atomic<int>>(0);
+            const int nId = AddDebugObserver([p = nCalls.get()](std::string_view) { ++*p; });
+            test::Await([&] { return *nCalls > 0; });
+            RemoveDebugObserver(nId);
+        }
+        if (t == 0) bStop = true;
+    });
 }
 
 TEST(Debug, StandardErrorOnDemandToTheLastStatic)
 {
-    const struct
-    {
-        std::vector<std::string> env;
-        const char* pszExpected;
-    } cases[] = {{{"KX_DEBUG=1"}, "main\nstatic\nobserved static\n"},
-                 {{"KX_DEBUG=0"}, "observed static\n"},
-                 {{}, "observed static\n"}};
-    for (const auto& one : cases) {
-        test::Child child("DebugChild", {}, one.env, true);
+    const std::pair<std::vector<std::string>, const char*> cases[] = {
+        {{"KX_DEBUG=1"}, "main\nstatic\nobserved static\n"},
+        {{"KX_DEBUG=0"}, "observed static\n"},
+        {{}, "observed static\n"},
+    };
+    for (const auto& [env, pszExpected] : cases) {
+        test::Child child("DebugChild", {}, env, true);
         EXPECT_EQ(child.Wait(), 0);
-        EXPECT_EQ(child.ErrorText(), one.pszExpected);
+        EXPECT_EQ(child.ErrorText(), pszExpected);
     }
 }
 

@@ -93,8 +93,9 @@ TEST(FileVersion, LyingPeHeadersGiveNone)
             {at.directories - 4, 4, 2}, // the resource directory isn't there
             {at.directories + 16, 4, 0},
             {at.directories + 16, 4, 0xFFFFFFF8},
-            {at.section + 16, 4, 15},     // the section is too small
-            {at.section + 12, 4, 0x2001}, // the address lies before it
+            {at.section + 16, 4, 15},        // the section is too small for the tree
+            {at.section + 16, 4, 0x60 + 91}, // and for the record
+            {at.section + 12, 4, 0x2001},    // the address lies before it
             {at.section + 20, 4, 0xFFFFFF00},
             {at.root + 24, 4, 17},         // another type
             {at.root + 28, 4, 0x80000000}, // the tree goes round

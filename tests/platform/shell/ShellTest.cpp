@@ -118,7 +118,8 @@ TEST_F(Shell, TellsEntriesByNameThenByContent)
 
 TEST_F(Shell, FillsWhatIsAskedAndNoMore)
 {
-    const CString strFile = dir.Win(CString(dir.Write("a.gif", "").c_str() + dir.Path().size() + 1).View());
+    dir.Write("a.gif", "");
+    const CString strFile = dir.Win("a.gif");
     SHFILEINFOA info;
     const auto reset = [&] { std::memset(&info, 'z', sizeof(info)); };
     const auto untouched = [&](const auto& field) { return reinterpret_cast<const char*>(&field)[0] == 'z'; };
@@ -133,9 +134,10 @@ TEST_F(Shell, FillsWhatIsAskedAndNoMore)
     EXPECT_GT(info.iIcon, 0);
 
     const std::string tooLong = "C:\\" + std::string(257, 'x');
-    const CString strTrailing = strFile + "\\";
-    for (const char* path : {dir.Win("none.gif").GetString(), strTrailing.GetString(), "", tooLong.c_str(),
-                             "Q:\\", static_cast<const char*>(nullptr)}) {
+    const CString strNone = dir.Win("none.gif");
+    const CString strTrailing = strFile + "\\"; // a file is no directory
+    for (const char* path : {strNone.GetString(), strTrailing.GetString(), "", tooLong.c_str(), "Q:\\",
+                             static_cast<const char*>(nullptr)}) {
         reset();
         EXPECT_EQ(Ask(path, info, kTexts | SHGFI_SYSICONINDEX), nullptr);
         EXPECT_STREQ(info.szDisplayName, "");

@@ -3,6 +3,7 @@
 #include "include/platform/Host.h"
 
 #include <thread>
+#include <vector>
 
 namespace test {
 
@@ -18,6 +19,15 @@ void Await(Condition condition)
 inline void AwaitSleepers(int nCount)
 {
     Await([=] { return KXHost::ClockWaiters() == nCount; });
+}
+
+// Runs `body(0)`, `body(1)` and so on, each on a thread of its own, to their end.
+template <class Body>
+void RunThreads(int nThreads, Body body)
+{
+    std::vector<std::jthread> threads;
+    for (int t = 0; t < nThreads; ++t)
+        threads.emplace_back([&, t] { body(t); });
 }
 
 } // namespace test

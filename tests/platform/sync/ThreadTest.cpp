@@ -3,134 +3,106 @@
 #include "tests/platform/sync/Await.h"
 
 #include <csignal>
-#include <cstdio>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <utility>
 
 namespace {
 
-HANDLE Start(unsigned (*pfn)(void*), void* pArg, unsigned nStack = 0, unsigned* pId = nullptr)
+// A thread that stays until the door opens, and whose thread-local object takes a while to end.
+class Room
 {
-    return reinterpret_cast<HANDLE>(_beginthreadex(nullptr, nStack, pfn, pArg, 0, pId));
-}
-
-struct Room
-{
-    HANDLE door = CreateEventA(nullptr, 1, 0, nullptr);
-    std::atomic<DWORD> nInside{0};
-    std::atomic<bool> bLeft{false};
-    Room() = default;
+public:
+    explicit Room(unsigned nStack = 0)
+        : handle(reinterpret_cast<HANDLE>(_beginthreadex(nullptr, nStack, Visit, this, 0, &nId)))
+    {
+    }
     Room(const Room&) = delete;
     Room& operator=(const Room&) = delete;
     ~Room() { CloseHandle(door); }
-};
 
-// Its end takes a while, as the end of a thread-local object may.
-struct Guest
-{
-    Room* room = nullptr;
-    Guest() = default;
-    Guest(const Guest&) = delete;
-    Guest& operator=(const Guest&) = delete;
-    ~Guest()
-    {
-        for (int i = 0; i < 50; ++i)
-            std::this_thread::yield();
-        room->bLeft = true;
-    }
-};
-
-unsigned Visit(void* pRoom)
-{
-    thread_local Guest guest;
-    guest.room = static_cast<Room*>(pRoom);
-    guest.room->nInside = GetCurrentThreadId();
-    WaitForSingleObject(guest.room->door, INFINITE);
-    return 7;
-}
-
-TEST(Thread, IsSignalledOnceItHasEndedWithItsThreadLocals)
-{
-    Room room;
+    const HANDLE door = CreateEventA(nullptr, 1, 0, nullptr);
+    std::atomic<DWORD> nInside{0};
+    std::atomic<bool> bLeft{false};
     unsigned nId = 0;
-    const HANDLE thread = Start(Visit, &room, 64 * 1024, &nId);
-    ASSERT_NE(thread, nullptr);
-    test::Await([&] { return room.nInside != 0; });
-    EXPECT_EQ(nId, room.nInside);
-    EXPECT_NE(nId, GetCurrentThreadId());
-    EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_TIMEOUT);
-    EXPECT_FALSE(SetEvent(thread)); // no event
-    EXPECT_FALSE(ResetEvent(thread));
-    SetEvent(room.door);
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
-        EXPECT_TRUE(room.bLeft);
+    const HANDLE handle;
+
+private:
+    struct Guest
+    {
+        Room* room = nullptr;
+        ~Guest()
+        {
+            for (int i = 0; i < 50; ++i)
+                std::this_thread::yield();
+            room->bLeft = true;
+        }
+    };
+    static unsigned Visit(void* pRoom)
+    {
+        thread_local Guest guest;
+        guest.room = static_cast<Room*>(pRoom);
+        guest.room->nInside = GetCurrentThreadId();
+        WaitForSingleObject(guest.room->door, INFINITE);
+        return 7;
     }
-    EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
-    EXPECT_TRUE(CloseHandle(thread));
+};
+
+TEST(Thread, IsSignalledForAllOnceItHasEndedWithItsThreadLocals)
+{
+    Room room(64 * 1024);
+    ASSERT_NE(room.handle, nullptr);
+    test::Await([&] { return room.nInside != 0; });
+    EXPECT_EQ(room.nId, room.nInside);
+    EXPECT_NE(room.nId, GetCurrentThreadId());
+    EXPECT_EQ(WaitForSingleObject(room.handle, 0), WAIT_TIMEOUT);
+    EXPECT_FALSE(SetEvent(room.handle) || ResetEvent(room.handle)); // no event
+    test::RunThreads(3, [&](int t) {
+        if (t == 0) SetEvent(room.door);
+        EXPECT_EQ(WaitForSingleObject(room.handle, INFINITE), WAIT_OBJECT_0);
+        EXPECT_TRUE(room.bLeft);
+    });
+    EXPECT_EQ(WaitForSingleObject(room.handle, 0), WAIT_OBJECT_0);
+    EXPECT_TRUE(CloseHandle(room.handle));
 }
 
 TEST(Thread, OutlivesItsHandle)
 {
     const int nLive = KXHost::LiveHandles();
-    {
-        Room room;
-        EXPECT_TRUE(CloseHandle(Start(Visit, &room)));
-        EXPECT_EQ(KXHost::LiveHandles(), nLive + 1); // the door
-        SetEvent(room.door);
-        test::Await([&] { return room.bLeft.load(); });
-    }
-    EXPECT_EQ(KXHost::LiveHandles(), nLive);
-}
-
-TEST(Thread, IsAwaitedBySeveral)
-{
     Room room;
-    const HANDLE thread = Start(Visit, &room);
-    std::atomic<int> nReleased{0};
-    const auto wait = [&] {
-        nReleased += WaitForSingleObject(thread, INFINITE) == WAIT_OBJECT_0 && room.bLeft;
-    };
-    std::thread first(wait), second(wait);
+    EXPECT_EQ(KXHost::LiveHandles(), nLive + 2); // with the door
+    EXPECT_TRUE(CloseHandle(room.handle));
+    EXPECT_EQ(KXHost::LiveHandles(), nLive + 1);
     SetEvent(room.door);
-    first.join();
-    second.join();
-    EXPECT_EQ(nReleased, 2);
-    CloseHandle(thread);
+    test::Await([&] { return room.bLeft.load(); });
 }
 
 TEST(Thread, FailsToStartWithoutRoomForItsStack)
 {
-    unsigned long nPages = 0;
-    std::FILE* file = std::fopen("/proc/self/statm", "r");
-    ASSERT_EQ(std::fscanf(file, "%lu", &nPages), 1);
-    std::fclose(file);
-    const int nLive = KXHost::LiveHandles();
+    rlim_t nPages = 0;
+    std::ifstream("/proc/self/statm") >> nPages;
     rlimit old{};
     getrlimit(RLIMIT_AS, &old);
-    const rlimit tight{nPages * static_cast<unsigned long>(getpagesize()) + (64ul << 20), old.rlim_max};
+    const rlimit tight{nPages * static_cast<rlim_t>(getpagesize()) + (64u << 20), old.rlim_max};
     setrlimit(RLIMIT_AS, &tight);
-    Room room;
-    const HANDLE thread = Start(Visit, &room, 1u << 30);
+    const Room room(1u << 30);
     setrlimit(RLIMIT_AS, &old);
-    EXPECT_EQ(thread, nullptr);
+    EXPECT_EQ(room.handle, nullptr);
     EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_EQ(room.nInside, 0u);
-    EXPECT_EQ(Start(nullptr, &room), nullptr);
-    EXPECT_EQ(KXHost::LiveHandles(), nLive + 1); // the door
+    EXPECT_EQ(_beginthreadex(nullptr, 0, nullptr, nullptr, 0, nullptr), 0u);
 }
 
 TEST(ThreadDeathTest, EscapingExceptionEndsTheProcess)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    const auto start = [] {
-        const HANDLE thread = Start([](void*) -> unsigned { throw 1; }, nullptr);
-        WaitForSingleObject(thread, INFINITE);
-    };
-    EXPECT_EXIT(start(), testing::KilledBySignal(SIGABRT), "");
+    unsigned (*const pfnThrow)(void*) = [](void*) -> unsigned { throw 1; };
+    EXPECT_EXIT(
+        WaitForSingleObject(
+            reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, pfnThrow, nullptr, 0, nullptr)), INFINITE),
+        testing::KilledBySignal(SIGABRT), "");
 }
 
 TEST(Thread, NumbersAreTheSystemsAlsoAfterAFork)
@@ -150,14 +122,11 @@ TEST(Interlocked, CountsAcrossThreads)
     EXPECT_EQ(InterlockedIncrement(&nValue), 42);
     EXPECT_EQ(InterlockedDecrement(&nValue), 41);
     EXPECT_EQ(InterlockedExchange(&nValue, 0), 41);
-    const auto count = [&] {
+    test::RunThreads(3, [&](int) {
         for (int i = 0; i < 10000; ++i)
             InterlockedIncrement(&nValue);
-    };
-    std::thread first(count), second(count);
-    first.join();
-    second.join();
-    EXPECT_EQ(InterlockedExchange(&nValue, 5), 20000);
+    });
+    EXPECT_EQ(nValue, 30000);
 }
 
 } // namespace

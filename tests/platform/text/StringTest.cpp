@@ -144,6 +144,14 @@ TEST(String, BufferIsWritableAndCutToItsSize)
     str.ReleaseBuffer();
     EXPECT_STREQ(str, "abc");
     EXPECT_STREQ(other, "ab");
+    str.Truncate(9);
+    str.Truncate(1);
+    str += "z";
+    EXPECT_STREQ(str, "az");
+    CString shared = str;
+    shared.Truncate(-1);
+    EXPECT_STREQ(shared, "");
+    EXPECT_STREQ(str, "az");
     CString empty;
     empty.GetBuffer()[0] = 'x';
     empty.ReleaseBuffer(1);

@@ -11,16 +11,26 @@ namespace test {
 
 using Handler = std::function<LRESULT(HWND, UINT, WPARAM, LPARAM)>;
 
-// Asks a window's thread to run the function that the LPARAM points to.
-inline constexpr UINT kRun = WM_USER + 1000;
+// Every window here answers it with 1.
+inline constexpr UINT kPing = WM_USER + 1001;
+// For a test's own handler.
+inline constexpr UINT kAsk = WM_USER + 1002;
+
+// Does something of its own at one message, and the default at all others.
+inline Handler On(UINT nWanted, std::function<LRESULT(HWND, WPARAM)> act)
+{
+    return [=](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
+        return nMsg == nWanted ? act(hWnd, wParam) : DefWindowProcA(hWnd, nMsg, wParam, lParam);
+    };
+}
 
 inline LRESULT WindowProc(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
 {
-    if (nMsg == WM_NCCREATE)
-        SetWindowLongPtrA(
-            hWnd, GWLP_USERDATA,
-            reinterpret_cast<std::intptr_t>(reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpCreateParams));
-    if (nMsg == kRun) return (*reinterpret_cast<std::function<LRESULT()>*>(lParam))();
+    if (nMsg == WM_NCCREATE) {
+        const auto* create = reinterpret_cast<const CREATESTRUCTA*>(lParam);
+        SetWindowLongPtrA(hWnd, GWLP_USERDATA, reinterpret_cast<std::intptr_t>(create->lpCreateParams));
+    }
+    if (nMsg == kPing) return 1;
     const auto* handler = reinterpret_cast<const Handler*>(GetWindowLongPtrA(hWnd, GWLP_USERDATA));
     return handler ? (*handler)(hWnd, nMsg, wParam, lParam) : DefWindowProcA(hWnd, nMsg, wParam, lParam);
 }
@@ -39,13 +49,19 @@ inline void InThread(const std::function<void()>& body)
     std::thread(body).join();
 }
 
-// A thread with a window and a message loop, until the end of the scope.
+// A thread with a window and a message loop, until Join or the end of the scope.
 class WindowThread
 {
 public:
-    explicit WindowThread(Handler handler = {}) : m_handler(std::move(handler))
+    explicit WindowThread(Handler handler = On(0, {}))
+        : m_handler(std::move(handler)), m_thread([this] {
+              m_window = Make(&m_handler);
+              m_ready.release();
+              MSG msg;
+              while (GetMessageA(&msg, nullptr, 0, 0) != 0)
+                  DispatchMessageA(&msg);
+          })
     {
-        m_thread = std::thread([this] { Run(); });
         m_ready.acquire();
     }
     WindowThread(const WindowThread&) = delete;
@@ -53,34 +69,46 @@ public:
     ~WindowThread() { Join(); }
 
     HWND Window() const { return m_window; }
-    DWORD Id() const { return m_id; }
-    // Runs there and waits.
-    LRESULT Do(std::function<LRESULT()> body) const
-    {
-        return SendMessageA(m_window, kRun, 0, reinterpret_cast<LPARAM>(&body));
-    }
+    DWORD Id() const { return GetWindowThreadProcessId(m_window, nullptr); }
     void Join()
     {
         if (!m_thread.joinable()) return;
-        PostThreadMessageA(m_id, WM_QUIT, 0, 0);
+        PostThreadMessageA(Id(), WM_QUIT, 0, 0);
         m_thread.join();
     }
 
 private:
-    void Run()
-    {
-        m_window = Make(m_handler ? &m_handler : nullptr);
-        m_id = GetCurrentThreadId();
-        m_ready.release();
-        MSG msg;
-        while (GetMessageA(&msg, nullptr, 0, 0) != 0)
-            DispatchMessageA(&msg);
-    }
-
     const Handler m_handler;
     std::binary_semaphore m_ready{0};
     HWND m_window = nullptr;
-    DWORD m_id = 0;
+    std::thread m_thread;
+};
+
+// A thread that sends one message to another thread's window, and has a window itself.
+class Sender
+{
+public:
+    Sender(HWND hTarget, UINT nMsg)
+        : m_thread([=, this] {
+              m_window = Make();
+              m_ready.release();
+              m_result = SendMessageA(hTarget, nMsg, 0, 0);
+          })
+    {
+        m_ready.acquire();
+    }
+    // Returns when the thread waits in SendMessageA, the only place where it serves what is sent to it.
+    void AwaitWaiting() const { SendMessageA(m_window, kPing, 0, 0); }
+    LRESULT Join()
+    {
+        m_thread.join();
+        return m_result;
+    }
+
+private:
+    HWND m_window = nullptr;
+    LRESULT m_result = -1;
+    std::binary_semaphore m_ready{0};
     std::thread m_thread;
 };
 

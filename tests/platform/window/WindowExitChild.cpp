@@ -6,16 +6,15 @@
 #include "tests/platform/window/Support.h"
 
 #include <cstdio>
+#include <memory>
 #include <unistd.h>
 
 namespace {
 
 struct AtExit
 {
-    HWND hMain = nullptr, hSender = nullptr;
-    std::binary_semaphore ready{0};
-    LRESULT lAnswer = -1;
-    std::thread sender;
+    HWND hMain = nullptr;
+    std::unique_ptr<test::Sender> pSender;
 
     ~AtExit()
     {
@@ -25,15 +24,13 @@ struct AtExit
             _exit(1);
         };
         check(!IsWindow(hMain) && !PostMessage(hMain, WM_USER, 0, 0), "the main thread's window is left");
-        check(SendMessageA(hSender, WM_NCCREATE, 0, 0) == 1, "no answer from a living thread");
-        PostThreadMessageA(GetWindowThreadProcessId(hSender, nullptr), WM_QUIT, 0, 0);
-        sender.join();
-        check(lAnswer == 0, "the sender was not released");
-        check(!test::Make() && !IsWindow(hSender), "a window is left");
-        int visited = 0;
+        check(pSender->Join() == 0, "the sender was not released");
+        const test::WindowThread living;
+        check(SendMessageA(living.Window(), test::kPing, 0, 0) == 1, "no answer from a living thread");
+        check(!test::Make(), "a window was made");
+        int nVisited = 0;
         const auto count = [](HWND, long lParam) { return ++*reinterpret_cast<int*>(lParam); };
-        KXHost::AddForeignWindow(5, true);
-        check(EnumDesktopWindows(nullptr, count, reinterpret_cast<long>(&visited)) && visited == 1,
+        check(EnumDesktopWindows(nullptr, count, reinterpret_cast<long>(&nVisited)) && nVisited == 1,
               "no walk");
         check(AfxMessageBox("late") == IDOK && KXHost::TakeMessageBoxes().size() == 1, "no message box");
     }
@@ -46,16 +43,7 @@ AtExit g_atExit; // built before the library's first use, so destroyed after wha
 int main()
 {
     g_atExit.hMain = test::Make();
-    g_atExit.sender = std::thread([] {
-        g_atExit.hSender = test::Make();
-        g_atExit.ready.release();
-        g_atExit.lAnswer = SendMessageA(g_atExit.hMain, WM_NCCREATE, 0, 0);
-        MSG msg;
-        while (GetMessageA(&msg, nullptr, 0, 0) != 0)
-            DispatchMessageA(&msg);
-    });
-    g_atExit.ready.acquire();
-    // Answered as soon as the thread waits for the main thread, which asks for no messages.
-    std::thread([] { SendMessageA(g_atExit.hSender, WM_NULL, 0, 0); }).join();
+    g_atExit.pSender = std::make_unique<test::Sender>(g_atExit.hMain, test::kPing);
+    test::InThread([] { g_atExit.pSender->AwaitWaiting(); }); // not on this thread, which would serve it
     return 0;
 }

@@ -29,40 +29,52 @@ HWND Numbered(std::uintptr_t n)
     return reinterpret_cast<HWND>(n);
 }
 
-TEST(Window, IsMadeWithItsMessages)
+TEST(Window, LivesThroughItsMessages)
 {
-    std::vector<UINT> seen;
+    std::vector<std::pair<UINT, bool>> seen; // and whether it was visible
+    std::vector<WPARAM> shows;
     const Handler handler = [&](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
-        seen.push_back(nMsg);
+        seen.emplace_back(nMsg, IsWindowVisible(hWnd) != 0);
         EXPECT_EQ(GetWindowThreadProcessId(hWnd, nullptr), GetCurrentThreadId());
         if (nMsg == NCCREATE || nMsg == CREATE) {
             const auto& create = *reinterpret_cast<const CREATESTRUCTA*>(lParam);
-            EXPECT_EQ(create.lpCreateParams, &handler);
+            EXPECT_TRUE(create.lpCreateParams == &handler && create.style == (WS_POPUP | WS_VISIBLE));
             EXPECT_STREQ(create.lpszName, "name");
             EXPECT_STREQ(create.lpszClass, "KXTest");
             EXPECT_THAT((std::vector{create.x, create.y, create.cx, create.cy}), ElementsAre(1, 2, 30, 40));
-            EXPECT_EQ(create.style, WS_POPUP | WS_VISIBLE);
         }
-        EXPECT_TRUE(nMsg != SHOW || wParam == 1);
+        if (nMsg == SHOW) shows.push_back(wParam);
+        EXPECT_FALSE((nMsg == DESTROY || nMsg == NCDESTROY) && DestroyWindow(hWnd)); // not twice
         return DefWindowProcA(hWnd, nMsg, wParam, lParam);
     };
     const HWND hWnd = Make(&handler, WS_POPUP | WS_VISIBLE, "name");
-    EXPECT_THAT(seen, ElementsAre(NCCREATE, CREATE, SHOW));
     EXPECT_TRUE(IsWindowVisible(hWnd));
-    EXPECT_EQ(TextOf(hWnd), "name");
+    EXPECT_TRUE(ShowWindow(hWnd, 1));
+    EXPECT_TRUE(ShowWindow(hWnd, SW_HIDE));
+    EXPECT_FALSE(ShowWindow(hWnd, SW_HIDE));
+    EXPECT_FALSE(ShowWindow(hWnd, SW_SHOW));
+    EXPECT_THAT(shows, ElementsAre(1u, 0u, 1u));
+
     EXPECT_EQ(GetWindowProcA(hWnd), test::WindowProc);
     DWORD dwProcessId = 0;
     EXPECT_EQ(GetWindowThreadProcessId(hWnd, &dwProcessId), GetCurrentThreadId());
     EXPECT_EQ(dwProcessId, GetCurrentProcessId());
+    test::InThread([&] {
+        EXPECT_FALSE(DestroyWindow(hWnd));
+        EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+    });
     EXPECT_EQ(SendMessageA(hWnd, WM_CLOSE, 0, 0), 0);
     EXPECT_FALSE(IsWindow(hWnd));
-    EXPECT_THAT(seen, ElementsAre(NCCREATE, CREATE, SHOW, WM_CLOSE, DESTROY, NCDESTROY));
+    using P = std::pair<UINT, bool>;
+    EXPECT_THAT(seen, ElementsAre(P(NCCREATE, false), P(CREATE, false), P(SHOW, false), P(SHOW, true),
+                                  P(SHOW, false), P(WM_CLOSE, true), P(DESTROY, false), P(NCDESTROY, false)));
 }
 
-// What the procedure does at one message, and which messages there are then.
+// What the procedure does at one message while the window is made, and which messages there are then.
 TEST(Window, IsNotMadeWhenItsProcedureRefusesOrEndsIt)
 {
     const auto destroy = [](HWND hWnd) { return LRESULT{DestroyWindow(hWnd)}; };
+    const auto fail = [](HWND) -> LRESULT { throw std::runtime_error("no"); };
     struct Case
     {
         UINT at;
@@ -75,7 +87,7 @@ TEST(Window, IsNotMadeWhenItsProcedureRefusesOrEndsIt)
         {NCCREATE, destroy, {NCCREATE, DESTROY, NCDESTROY}},
         {CREATE, destroy, {NCCREATE, CREATE, DESTROY, NCDESTROY}},
         {SHOW, destroy, {NCCREATE, CREATE, SHOW, DESTROY, NCDESTROY}},
-        {CREATE, [](HWND) -> LRESULT { throw std::runtime_error("no"); }, {NCCREATE, CREATE}},
+        {CREATE, fail, {NCCREATE, CREATE}},
     };
     for (const Case& c : cases) {
         std::vector<UINT> seen;
@@ -92,78 +104,10 @@ TEST(Window, IsNotMadeWhenItsProcedureRefusesOrEndsIt)
         EXPECT_EQ(seen, c.expected);
         EXPECT_FALSE(IsWindow(made));
     }
-}
-
-TEST(Window, IsShownAndHidden)
-{
-    std::vector<WPARAM> shows;
-    const Handler handler = [&](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
-        if (nMsg == SHOW) {
-            shows.push_back(wParam);
-            EXPECT_NE(IsWindowVisible(hWnd), static_cast<int>(wParam)); // not yet
-        }
-        return DefWindowProcA(hWnd, nMsg, wParam, lParam);
-    };
-    const HWND hWnd = Make(&handler);
-    EXPECT_FALSE(IsWindowVisible(hWnd));
-    EXPECT_FALSE(ShowWindow(hWnd, SW_HIDE));
-    EXPECT_FALSE(ShowWindow(hWnd, SW_SHOW));
-    EXPECT_TRUE(ShowWindow(hWnd, 1));
-    EXPECT_TRUE(IsWindowVisible(hWnd));
-    EXPECT_TRUE(ShowWindow(hWnd, SW_HIDE));
-    EXPECT_FALSE(IsWindowVisible(hWnd));
-    EXPECT_THAT(shows, ElementsAre(1u, 0u));
-    EXPECT_TRUE(DestroyWindow(hWnd));
-}
-
-TEST(Window, EndsOnceAndOnItsOwnThreadOnly)
-{
-    int ends = 0;
-    const Handler handler = [&](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
-        if (nMsg != DESTROY && nMsg != NCDESTROY) return DefWindowProcA(hWnd, nMsg, wParam, lParam);
-        ++ends;
-        EXPECT_FALSE(IsWindowVisible(hWnd));
-        EXPECT_TRUE(IsWindow(hWnd));
-        EXPECT_FALSE(DestroyWindow(hWnd));
-        EXPECT_EQ(SendMessageA(hWnd, WM_CLOSE, 0, 0), 0);
-        return LRESULT{0};
-    };
-    const HWND hWnd = Make(&handler, WS_VISIBLE);
-    test::InThread([&] {
-        EXPECT_FALSE(DestroyWindow(hWnd));
-        EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-    });
-    EXPECT_TRUE(DestroyWindow(hWnd));
-    EXPECT_FALSE(DestroyWindow(hWnd));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_WINDOW_HANDLE);
-    EXPECT_EQ(ends, 2);
-}
-
-TEST(Window, EndsAlsoWhenItsProcedureThrows)
-{
-    const Handler handler = [](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
-        if (nMsg == DESTROY) throw std::runtime_error("no");
-        return DefWindowProcA(hWnd, nMsg, wParam, lParam);
-    };
-    const HWND hWnd = Make(&handler);
+    const Handler failAtEnd = test::On(DESTROY, [&](HWND h, WPARAM) { return fail(h); });
+    const HWND hWnd = Make(&failAtEnd);
     EXPECT_THROW(DestroyWindow(hWnd), std::runtime_error);
     EXPECT_FALSE(IsWindow(hWnd));
-}
-
-TEST(Window, EndsWithItsThreadUnasked)
-{
-    HWND hWnd = nullptr;
-    bool bHeard = false;
-    const Handler handler = [&](HWND h, UINT nMsg, WPARAM wParam, LPARAM lParam) {
-        bHeard = bHeard || nMsg == DESTROY || nMsg == NCDESTROY;
-        return DefWindowProcA(h, nMsg, wParam, lParam);
-    };
-    test::InThread([&] {
-        for (int i = 0; i < 3; ++i)
-            hWnd = Make(&handler, WS_VISIBLE);
-        EXPECT_TRUE(IsWindow(hWnd));
-    });
-    EXPECT_FALSE(IsWindow(hWnd) || IsWindowVisible(hWnd) || bHeard);
 }
 
 TEST(Window, HandlesThatNameNoWindowAreHarmless)
@@ -174,91 +118,69 @@ TEST(Window, HandlesThatNameNoWindowAreHarmless)
         EXPECT_TRUE(used.insert(hWnd).second); // never again
         EXPECT_TRUE(DestroyWindow(hWnd));
     }
-    const HWND ended = *used.begin();
-    for (const HWND hWnd : {Numbered(0), Numbered(1), ended, Numbered(~std::uintptr_t{0})}) {
+    for (const HWND hWnd : {Numbered(0), Numbered(1), *used.begin(), Numbered(~std::uintptr_t{0})}) {
         DWORD dwProcessId = 1;
         char buffer[8] = "unset";
         MSG msg{hWnd, WM_USER, 0, 0, 0};
-        EXPECT_FALSE(IsWindow(hWnd));
-        EXPECT_FALSE(IsWindowVisible(hWnd));
-        EXPECT_FALSE(ShowWindow(hWnd, SW_SHOW));
-        EXPECT_FALSE(DestroyWindow(hWnd));
-        EXPECT_EQ(GetWindowProcA(hWnd), nullptr);
-        EXPECT_EQ(SetWindowLongPtrA(hWnd, GWLP_USERDATA, 7), 0);
-        EXPECT_EQ(GetWindowLongPtrA(hWnd, GWLP_USERDATA), 0);
-        EXPECT_FALSE(SetWindowTextA(hWnd, "text"));
-        EXPECT_EQ(GetWindowTextA(hWnd, buffer, 8), 0);
-        EXPECT_STREQ(buffer, "");
-        EXPECT_EQ(GetWindowThreadProcessId(hWnd, &dwProcessId), 0u);
-        EXPECT_EQ(dwProcessId, 0u);
-        EXPECT_EQ(SendMessageA(hWnd, WM_USER, 1, 2), 0);
-        EXPECT_EQ(DispatchMessageA(&msg), 0);
-        EXPECT_EQ(DefWindowProcA(hWnd, WM_CLOSE, 0, 0), 0);
-        if (!hWnd) continue;
-        SetLastError(0);
-        EXPECT_FALSE(PostMessage(hWnd, WM_USER, 1, 2));
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_WINDOW_HANDLE);
-        EXPECT_FALSE(PeekMessageA(&msg, hWnd, 0, 0, PM_REMOVE));
+        EXPECT_FALSE(IsWindow(hWnd) || IsWindowVisible(hWnd) || ShowWindow(hWnd, SW_SHOW));
+        EXPECT_FALSE(DestroyWindow(hWnd) || GetWindowProcA(hWnd) || SetWindowTextA(hWnd, "text"));
+        EXPECT_FALSE(SetWindowLongPtrA(hWnd, GWLP_USERDATA, 7) || GetWindowLongPtrA(hWnd, GWLP_USERDATA));
+        EXPECT_FALSE(GetWindowTextA(hWnd, buffer, 8) || *buffer);
+        EXPECT_FALSE(GetWindowThreadProcessId(hWnd, &dwProcessId) || dwProcessId);
+        EXPECT_FALSE(SendMessageA(hWnd, WM_USER, 1, 2) || DispatchMessageA(&msg));
+        EXPECT_FALSE(DefWindowProcA(hWnd, WM_CLOSE, 0, 0));
+        if (!hWnd) continue; // means the calling thread below
+        EXPECT_FALSE(PostMessage(hWnd, WM_USER, 1, 2) || PeekMessageA(&msg, hWnd, 0, 0, PM_REMOVE));
         EXPECT_EQ(GetMessageA(&msg, hWnd, 0, 0), -1);
+        EXPECT_EQ(GetLastError(), ERROR_INVALID_WINDOW_HANDLE);
     }
 }
 
 TEST(Window, KeepsTextAndUserValue)
 {
-    const HWND hWnd = Make(nullptr, 0, nullptr);
-    EXPECT_EQ(TextOf(hWnd), "");
+    const HWND hWnd = Make(nullptr, 0, "name");
+    EXPECT_EQ(TextOf(hWnd), "name");
     EXPECT_TRUE(SetWindowTextA(hWnd, "ab\xD6\xD0"));
     EXPECT_EQ(TextOf(hWnd), "ab\xD6\xD0");
     EXPECT_EQ(TextOf(hWnd, 4), "ab"); // never half a letter
     EXPECT_EQ(TextOf(hWnd, 1), "");
-    EXPECT_EQ(GetWindowTextA(hWnd, nullptr, 4), 0);
     char untouched[] = "x";
-    EXPECT_EQ(GetWindowTextA(hWnd, untouched, 0), 0);
-    EXPECT_EQ(GetWindowTextA(hWnd, untouched, -1), 0);
+    EXPECT_FALSE(GetWindowTextA(hWnd, nullptr, 4) || GetWindowTextA(hWnd, untouched, 0));
+    EXPECT_FALSE(GetWindowTextA(hWnd, untouched, -1));
     EXPECT_STREQ(untouched, "x");
     EXPECT_TRUE(SetWindowTextA(hWnd, nullptr));
     EXPECT_EQ(TextOf(hWnd), "");
 
-    EXPECT_EQ(SetWindowLongPtrA(hWnd, GWLP_USERDATA, INTPTR_MIN), 0);
+    SetWindowLongPtrA(hWnd, GWLP_USERDATA, INTPTR_MIN);
     EXPECT_EQ(GetWindowLongPtrA(hWnd, GWLP_USERDATA), INTPTR_MIN);
-    EXPECT_EQ(SetWindowLongPtrA(hWnd, -4, 1), 0);
-    EXPECT_EQ(GetWindowLongPtrA(hWnd, 0), 0);
+    EXPECT_FALSE(SetWindowLongPtrA(hWnd, -4, 1) || GetWindowLongPtrA(hWnd, -4));
     EXPECT_EQ(SetWindowLongPtrA(hWnd, GWLP_USERDATA, 0), INTPTR_MIN);
     EXPECT_TRUE(DestroyWindow(hWnd));
 }
 
 TEST(WindowClass, NamesAreTakenOnceIgnoringCase)
 {
-    const auto add = [](const char* pszName) {
-        const WNDCLASSA cls{DefWindowProcA, pszName};
+    const auto add = [](const char* pszName, WNDPROC proc = DefWindowProcA) {
+        const WNDCLASSA cls{proc, pszName};
         return RegisterClassA(&cls);
     };
-    const auto make = [](const char* pszName) { return CreateWindowExA(0, pszName, nullptr, 0, 0, 0, 0, 0); };
+    const auto make = [](const char* psz) { return CreateWindowExA(0, psz, nullptr, 0, 0, 0, 0, 0); };
     const WORD atom = add("Kx\xB0\x41"); // one letter whose second byte is an "A"
-    ASSERT_NE(atom, 0);
-    EXPECT_EQ(add("kX\xB0\x41"), 0);
+    const auto* pszAtom = reinterpret_cast<const char*>(std::uintptr_t{atom});
+    EXPECT_FALSE(add("kX\xB0\x41"));
     EXPECT_EQ(GetLastError(), ERROR_CLASS_ALREADY_EXISTS);
-    EXPECT_EQ(make("Kx\xB0\x61"), nullptr); // another letter
+    EXPECT_FALSE(make("Kx\xB0\x61")); // another letter
     EXPECT_EQ(GetLastError(), ERROR_CLASS_DOES_NOT_EXIST);
 
-    const HWND hWnd = make("KX\xB0\x41");
-    const HWND hByAtom = make(reinterpret_cast<const char*>(std::uintptr_t{atom}));
-    EXPECT_TRUE(hWnd && hByAtom);
+    const HWND hWnd = make("KX\xB0\x41"), hByAtom = make(pszAtom);
     EXPECT_TRUE(DestroyWindow(hByAtom));
     EXPECT_FALSE(UnregisterClassA("kx\xB0\x41"));
     EXPECT_EQ(GetLastError(), ERROR_CLASS_HAS_WINDOWS);
     EXPECT_TRUE(DestroyWindow(hWnd));
     EXPECT_TRUE(UnregisterClassA("kx\xB0\x41"));
-    EXPECT_FALSE(UnregisterClassA("kx\xB0\x41"));
-    EXPECT_EQ(make(reinterpret_cast<const char*>(std::uintptr_t{atom})), nullptr);
-
-    const WNDCLASSA noProcedure{nullptr, "KXOther"};
-    EXPECT_EQ(RegisterClassA(&noProcedure), 0);
-    EXPECT_EQ(RegisterClassA(nullptr), 0);
-    EXPECT_EQ(add(""), 0);
-    EXPECT_EQ(add(nullptr), 0);
-    EXPECT_EQ(make(nullptr), nullptr);
-    EXPECT_FALSE(UnregisterClassA(nullptr));
+    EXPECT_FALSE(UnregisterClassA("kx\xB0\x41") || make(pszAtom));
+    EXPECT_FALSE(add("KXOther", nullptr) || add("") || add(nullptr) || RegisterClassA(nullptr));
+    EXPECT_FALSE(make(nullptr) || UnregisterClassA(nullptr));
 }
 
 } // namespace

@@ -1,0 +1,241 @@
+#include <SDL2/SDL.h>
+#include <benchmark/benchmark.h>
+#include <cairo/cairo.h>
+#include <cstring>
+#include <memory>
+#include <pixman.h>
+#include <platform/Gdi.h>
+#include <random>
+#include <string>
+#include <vector>
+
+// Block copies and regions. Pictures are of 32 bits a pixel, source and destination of one size; a copy takes
+// all of it.
+
+namespace {
+
+struct Size
+{
+    int cx;
+    int cy;
+    std::size_t Pixels() const { return static_cast<std::size_t>(cx) * static_cast<std::size_t>(cy); }
+};
+
+constexpr DWORD dwKey = 0x00FF00FF;
+
+// Half of the pixels are of the key colour: in runs of 16 pixels, or at random.
+enum class Pattern
+{
+    Runs,
+    Noise
+};
+
+std::vector<DWORD> MakePixels(Size size, Pattern pattern)
+{
+    std::minstd_rand random(1);
+    std::vector<DWORD> pixels(size.Pixels());
+    for (std::size_t n = 0; n < pixels.size(); ++n) {
+        const bool bKey = pattern == Pattern::Runs ? n / 16 % 2 == 0 : random() / 64 % 2 == 0;
+        pixels[n] = bKey ? dwKey : static_cast<DWORD>(n * 2654435761u & 0xFFFFFE);
+    }
+    return pixels;
+}
+
+// A memory surface with a bitmap in it.
+class Ours
+{
+public:
+    explicit Ours(Size size) : m_hBitmap(CreateCompatibleBitmap(m_hDC, size.cx, size.cy))
+    {
+        SelectObject(m_hDC, m_hBitmap);
+    }
+    Ours(Size size, const std::vector<DWORD>& pixels) : Ours(size)
+    {
+        for (int y = 0; y < size.cy; ++y)
+            for (int x = 0; x < size.cx; ++x) {
+                const DWORD pixel = pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(size.cx) +
+                                           static_cast<std::size_t>(x)];
+                SetPixel(m_hDC, x, y, RGB(pixel >> 16, pixel >> 8, pixel));
+            }
+    }
+    Ours(const Ours&) = delete;
+    Ours& operator=(const Ours&) = delete;
+    ~Ours()
+    {
+        DeleteDC(m_hDC);
+        DeleteObject(m_hBitmap);
+    }
+    operator HDC() const { return m_hDC; }
+
+private:
+    HDC m_hDC = CreateCompatibleDC(nullptr);
+    HBITMAP m_hBitmap;
+};
+
+struct FreeSurface
+{
+    void operator()(SDL_Surface* p) const { SDL_FreeSurface(p); }
+};
+using SdlSurface = std::unique_ptr<SDL_Surface, FreeSurface>;
+
+SdlSurface MakeSdl(Size size, std::vector<DWORD>& pixels)
+{
+    return SdlSurface(SDL_CreateRGBSurfaceWithFormatFrom(pixels.data(), size.cx, size.cy, 32, size.cx * 4,
+                                                         SDL_PIXELFORMAT_RGB888));
+}
+
+struct FreeImage
+{
+    void operator()(pixman_image_t* p) const { pixman_image_unref(p); }
+};
+using PixmanImage = std::unique_ptr<pixman_image_t, FreeImage>;
+
+PixmanImage MakePixman(Size size, std::vector<DWORD>& pixels)
+{
+    return PixmanImage(
+        pixman_image_create_bits(PIXMAN_x8r8g8b8, size.cx, size.cy, pixels.data(), size.cx * 4));
+}
+
+// ---- Copies
+
+void CopyOurs(benchmark::State& state, Size size)
+{
+    const Ours from(size, MakePixels(size, Pattern::Noise));
+    const Ours to(size);
+    for (auto _ : state)
+        BitBlt(to, 0, 0, size.cx, size.cy, from, 0, 0, SRCCOPY);
+}
+
+void CopyMemcpy(benchmark::State& state, Size size)
+{
+    const auto from = MakePixels(size, Pattern::Noise);
+    std::vector<DWORD> to(size.Pixels());
+    const auto nRow = static_cast<std::size_t>(size.cx);
+    for (auto _ : state) {
+        for (std::size_t n = 0; n < from.size(); n += nRow)
+            std::memcpy(to.data() + n, from.data() + n, nRow * 4);
+        benchmark::ClobberMemory();
+    }
+}
+
+void CopyPixman(benchmark::State& state, Size size)
+{
+    auto pixels = MakePixels(size, Pattern::Noise);
+    std::vector<DWORD> target(size.Pixels());
+    const auto from = MakePixman(size, pixels);
+    const auto to = MakePixman(size, target);
+    for (auto _ : state)
+        pixman_image_composite32(PIXMAN_OP_SRC, from.get(), nullptr, to.get(), 0, 0, 0, 0, 0, 0, size.cx,
+                                 size.cy);
+}
+
+void BlitSdl(benchmark::State& state, Size size, Pattern pattern, bool bKeyed)
+{
+    auto pixels = MakePixels(size, pattern);
+    std::vector<DWORD> target(size.Pixels());
+    const auto from = MakeSdl(size, pixels);
+    const auto to = MakeSdl(size, target);
+    SDL_SetSurfaceBlendMode(from.get(), SDL_BLENDMODE_NONE);
+    if (bKeyed) SDL_SetColorKey(from.get(), SDL_TRUE, dwKey);
+    for (auto _ : state)
+        SDL_BlitSurface(from.get(), nullptr, to.get(), nullptr);
+}
+
+// ---- Copies with a colour key
+
+void KeyedOurs(benchmark::State& state, Size size, Pattern pattern)
+{
+    const Ours from(size, MakePixels(size, pattern));
+    const Ours to(size);
+    const COLORREF clrKey = RGB(dwKey >> 16, dwKey >> 8, dwKey);
+    for (auto _ : state)
+        TransparentBlt(to, 0, 0, size.cx, size.cy, from, 0, 0, size.cx, size.cy, clrKey);
+}
+
+void KeyedSelect(benchmark::State& state, Size size, Pattern pattern)
+{
+    const auto source = MakePixels(size, pattern);
+    std::vector<DWORD> target(size.Pixels());
+    const DWORD* from = source.data();
+    DWORD* to = target.data();
+    const std::size_t nPixels = source.size();
+    for (auto _ : state) {
+        for (std::size_t n = 0; n < nPixels; ++n)
+            to[n] = (from[n] & 0xFFFFFF) == dwKey ? to[n] : from[n];
+        benchmark::ClobberMemory();
+    }
+}
+
+// ---- Regions of 1024 by 1024 pixels from the runs of their rows
+
+constexpr int nSide = 1024;
+
+template <class IsIn>
+std::vector<RECT> MakeRuns(IsIn&& isIn)
+{
+    std::vector<RECT> runs;
+    for (int y = 0; y < nSide; ++y)
+        for (int x = 0; x < nSide; ++x) {
+            const int nFirst = x;
+            while (x < nSide && isIn(x, y))
+                ++x;
+            if (x > nFirst) runs.push_back({nFirst, y, x, y + 1});
+        }
+    return runs;
+}
+
+std::vector<RECT> MakeRuns(const std::string& shape)
+{
+    constexpr int nHalf = nSide / 2;
+    if (shape == "disc")
+        return MakeRuns([](int x, int y) {
+            return (x - nHalf) * (x - nHalf) + (y - nHalf) * (y - nHalf) < nHalf * nHalf;
+        });
+    if (shape == "checkerboard") return MakeRuns([](int x, int y) { return (x + y) % 2 == 0; });
+    return MakeRuns([random = std::minstd_rand(1)](int, int) mutable { return random() / 64 % 2 == 0; });
+}
+
+void RegionOurs(benchmark::State& state, const std::string& shape)
+{
+    const auto runs = MakeRuns(shape);
+    for (auto _ : state)
+        DeleteObject(CreateRectsRgn(runs.data(), static_cast<int>(runs.size())));
+}
+
+void RegionCairo(benchmark::State& state, const std::string& shape)
+{
+    std::vector<cairo_rectangle_int_t> rects;
+    for (const RECT& run : MakeRuns(shape))
+        rects.push_back({run.left, run.top, run.right - run.left, 1});
+    for (auto _ : state)
+        cairo_region_destroy(cairo_region_create_rectangles(rects.data(), static_cast<int>(rects.size())));
+}
+
+template <class Run, class... Args>
+void Register(const std::string& name, Run run, Args... args)
+{
+    benchmark::RegisterBenchmark(name.c_str(), run, args...)->UseRealTime();
+}
+
+const int registered = [] {
+    for (const Size size : {Size{64, 64}, Size{256, 256}, Size{1920, 1080}}) {
+        const std::string at = "_" + std::to_string(size.cx) + "x" + std::to_string(size.cy);
+        Register("copy" + at + "/ours", CopyOurs, size);
+        Register("copy" + at + "/memcpy", CopyMemcpy, size);
+        Register("copy" + at + "/pixman", CopyPixman, size);
+        Register("copy" + at + "/sdl2", BlitSdl, size, Pattern::Noise, false);
+        for (const auto& [name, pattern] :
+             {std::pair{"keyed_runs", Pattern::Runs}, {"keyed_noise", Pattern::Noise}}) {
+            Register(name + at + "/ours", KeyedOurs, size, pattern);
+            Register(name + at + "/select_loop", KeyedSelect, size, pattern);
+            Register(name + at + "/sdl2", BlitSdl, size, pattern, true);
+        }
+    }
+    for (const std::string shape : {"disc", "checkerboard", "noise"}) {
+        Register("region_" + shape + "/ours", RegionOurs, shape);
+        Register("region_" + shape + "/cairo", RegionCairo, shape);
+    }
+    return 0;
+}();
+
+} // namespace

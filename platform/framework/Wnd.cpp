@@ -1,0 +1,49 @@
+#include "include/platform/Wnd.h"
+
+#include "platform/framework/TempMap.h"
+
+#include <utility>
+
+IMPLEMENT_DYNAMIC(CWnd, CObject)
+
+namespace {
+
+bool IsAlive(HWND hWnd)
+{
+    return IsWindow(hWnd);
+}
+
+void Bind(CWnd& wnd, HWND hWnd)
+{
+    wnd.m_hWnd = hWnd;
+}
+
+} // namespace
+
+int CWnd::Attach(HWND hWnd)
+{
+    if (m_hWnd || !hWnd) return 0;
+    m_hWnd = hWnd;
+    return 1;
+}
+
+HWND CWnd::Detach()
+{
+    return std::exchange(m_hWnd, nullptr);
+}
+
+CWnd* CWnd::FromHandle(HWND hWnd)
+{
+    thread_local kx::framework::TempMap<CWnd, HWND, IsAlive, Bind> map;
+    return map.Get(hWnd);
+}
+
+void CWnd::GetClientRect(RECT* pRect) const
+{
+    if (!::GetClientRect(m_hWnd, pRect)) *pRect = RECT{};
+}
+
+void CWnd::GetWindowRect(RECT* pRect) const
+{
+    if (!::GetWindowRect(m_hWnd, pRect)) *pRect = RECT{};
+}

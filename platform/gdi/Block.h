@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/gdi/Canvas.h"
+
+#include <cstdint>
+
+namespace kx::gdi {
+
+// A block of pixels in a context's coordinates; nothing for a size of 0 or below.
+struct Block
+{
+    int x;
+    int y;
+    int cx;
+    int cy;
+};
+
+// Where it lies on the surface; sides beyond the range of coordinates stay at its end.
+inline RECT Place(const Block& block, POINT origin) noexcept
+{
+    const auto side = [](int nOrigin, int n, int nLength) { return std::int64_t{nOrigin} + n + nLength; };
+    return {ToSide(side(origin.x, block.x, 0)), ToSide(side(origin.y, block.y, 0)),
+            ToSide(side(origin.x, block.x, block.cx)), ToSide(side(origin.y, block.y, block.cy))};
+}
+
+// The part of a one-to-one copy that lies on both surfaces: `area` of the destination's, of which each pixel
+// comes from the source's that lies `dx` to the left and `dy` above it.
+struct Fit
+{
+    RECT area;
+    int dx = 0;
+    int dy = 0;
+};
+
+inline Fit FitBlock(const Canvas& to, const Block& block, const Canvas& from, int xSrc, int ySrc) noexcept
+{
+    const std::int64_t dx = std::int64_t{to.origin.x} + block.x - from.origin.x - xSrc;
+    const std::int64_t dy = std::int64_t{to.origin.y} + block.y - from.origin.y - ySrc;
+    const RECT area = Cut(Cut(Place(block, to.origin), to.bounds), Moved(from.bounds, dx, dy));
+    if (IsEmpty(area)) return {};
+    return {area, static_cast<int>(dx), static_cast<int>(dy)};
+}
+
+} // namespace kx::gdi

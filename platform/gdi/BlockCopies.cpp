@@ -1,0 +1,80 @@
+#include "platform/gdi/Copies.h"
+#include "platform/gdi/CopyObserver.h"
+#include "platform/gdi/DeviceContext.h"
+
+#include <new>
+
+using namespace kx::gdi;
+
+namespace {
+
+// Runs a copy between two surfaces; 0 if there is none by either handle.
+template <class Copy>
+int Between(HDC hDst, HDC hSrc, Copy&& copy)
+try {
+    const auto to = FindAs<DeviceContext>(hDst);
+    const auto from = hSrc == hDst ? to : FindAs<DeviceContext>(hSrc);
+    if (!to || !from) return 0;
+    const Canvas target = to->Paint();
+    return copy(target, from->Paint());
+} catch (const std::bad_alloc&) {
+    return 0;
+}
+
+bool HasNegativeSize(const Block& block) noexcept
+{
+    return block.cx < 0 || block.cy < 0;
+}
+
+// Whether a block lies on the surface as a whole.
+bool IsWithin(const Block& block, const Canvas& canvas) noexcept
+{
+    const RECT placed = Place(block, canvas.origin);
+    const RECT cut = Cut(placed, canvas.bounds);
+    return cut == placed;
+}
+
+} // namespace
+
+int BitBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, int ySrc, DWORD dwRop)
+{
+    TellCopy({KXHost::CopyKind::BitBlt, hDst, x, y, cx, cy, hSrc, xSrc, ySrc, cx, cy, 0});
+    if (dwRop != SRCCOPY) return 0;
+    return Between(hDst, hSrc, [&](const Canvas& to, const Canvas& from) {
+        CopyBlock(to, {x, y, cx, cy}, from, xSrc, ySrc);
+        return 1;
+    });
+}
+
+int StretchBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, int ySrc, int cxSrc, int cySrc,
+               DWORD dwRop)
+{
+    TellCopy({KXHost::CopyKind::StretchBlt, hDst, x, y, cx, cy, hSrc, xSrc, ySrc, cxSrc, cySrc, 0});
+    const Block block{x, y, cx, cy};
+    const Block source{xSrc, ySrc, cxSrc, cySrc};
+    if (dwRop != SRCCOPY || HasNegativeSize(block) || HasNegativeSize(source)) return 0;
+    return Between(hDst, hSrc, [&](const Canvas& to, const Canvas& from) {
+        if (cx == cxSrc && cy == cySrc)
+            CopyBlock(to, block, from, xSrc, ySrc);
+        else
+            ScaleBlock(to, block, from, source, std::nullopt);
+        return 1;
+    });
+}
+
+int TransparentBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, int ySrc, int cxSrc, int cySrc,
+                   UINT clrKey)
+{
+    TellCopy({KXHost::CopyKind::TransparentBlt, hDst, x, y, cx, cy, hSrc, xSrc, ySrc, cxSrc, cySrc, clrKey});
+    const Block block{x, y, cx, cy};
+    const Block source{xSrc, ySrc, cxSrc, cySrc};
+    if (HasNegativeSize(block) || HasNegativeSize(source)) return 0;
+    return Between(hDst, hSrc, [&](const Canvas& to, const Canvas& from) {
+        if (!IsWithin(source, from)) return 0;
+        if (cx == cxSrc && cy == cySrc)
+            CopyKeyedBlock(to, block, from, xSrc, ySrc, ToPixel(clrKey));
+        else
+            ScaleBlock(to, block, from, source, ToPixel(clrKey));
+        return 1;
+    });
+}

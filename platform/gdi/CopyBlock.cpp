@@ -1,0 +1,64 @@
+#include "platform/gdi/Copies.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <vector>
+
+namespace kx::gdi {
+
+namespace {
+
+// Rows within one surface are taken from the end that the copy moves to, so that none is overwritten unread.
+void CopyRows(Surface& to, const Surface& from, const Fit& fit) noexcept
+{
+    const RECT& area = fit.area;
+    if (IsEmpty(area)) return;
+    const bool bUpwards = &to == &from && fit.dy > 0;
+    const int nFirst = bUpwards ? area.bottom - 1 : area.top;
+    const std::ptrdiff_t nStep = bUpwards ? -1 : 1;
+    const std::size_t nBytes = static_cast<std::size_t>(area.right - area.left) * sizeof(DWORD);
+    DWORD* out = to.Row(nFirst) + area.left;
+    const DWORD* in = from.Row(nFirst - fit.dy) + area.left - fit.dx;
+    for (int nRows = area.bottom - area.top; nRows > 0; --nRows) {
+        std::memmove(out, in, nBytes);
+        out += nStep * to.Stride();
+        in += nStep * from.Stride();
+    }
+}
+
+// The parts in an order in which none overwrites what a later one reads.
+std::vector<RECT> Ordered(std::span<const RECT> clip, const Fit& fit)
+{
+    std::vector<RECT> parts(clip.begin(), clip.end());
+    std::sort(parts.begin(), parts.end(), [&](const RECT& a, const RECT& b) {
+        if (a.top != b.top) return (fit.dy > 0) == (a.top > b.top);
+        return fit.dx > 0 ? a.left > b.left : a.left < b.left;
+    });
+    return parts;
+}
+
+} // namespace
+
+void CopyBlock(const Canvas& to, const Block& block, const Canvas& from, int xSrc, int ySrc)
+{
+    const Fit fit = FitBlock(to, block, from, xSrc, ySrc);
+    const auto copy = [&](std::span<const RECT> parts) {
+        for (const RECT& part : parts)
+            CopyRows(to.surface, from.surface, {Cut(fit.area, part), fit.dx, fit.dy});
+    };
+    if (&to.surface == &from.surface && to.clip.size() > 1)
+        copy(Ordered(to.clip, fit));
+    else
+        copy(to.clip);
+}
+
+Surface Snapshot(const Surface& surface, const RECT& area)
+{
+    auto copy = Surface::Make(area.right - area.left, area.bottom - area.top);
+    if (!copy) throw std::bad_alloc();
+    CopyRows(*copy, surface, {{0, 0, copy->Width(), copy->Height()}, -area.left, -area.top});
+    return std::move(*copy);
+}
+
+} // namespace kx::gdi

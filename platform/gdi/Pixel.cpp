@@ -1,0 +1,41 @@
+#include "platform/gdi/DeviceContext.h"
+
+#include <algorithm>
+
+using namespace kx::gdi;
+
+namespace {
+
+// The pixel at a place of the context, null where it isn't drawn on.
+DWORD* PixelAt(const Canvas& canvas, int x, int y) noexcept
+{
+    const std::int64_t nColumn = std::int64_t{canvas.origin.x} + x;
+    const std::int64_t nRow = std::int64_t{canvas.origin.y} + y;
+    const auto holds = [&](const RECT& clip) {
+        return nColumn >= clip.left && nColumn < clip.right && nRow >= clip.top && nRow < clip.bottom;
+    };
+    if (std::none_of(canvas.clip.begin(), canvas.clip.end(), holds)) return nullptr;
+    return canvas.surface.Row(static_cast<int>(nRow)) + nColumn;
+}
+
+} // namespace
+
+COLORREF GetPixel(HDC hDC, int x, int y)
+{
+    const auto context = FindAs<DeviceContext>(hDC);
+    if (!context) return CLR_INVALID;
+    const Canvas canvas = context->Paint();
+    const DWORD* pixel = PixelAt(canvas, x, y);
+    return pixel ? ToColor(*pixel) : CLR_INVALID;
+}
+
+COLORREF SetPixel(HDC hDC, int x, int y, COLORREF clr)
+{
+    const auto context = FindAs<DeviceContext>(hDC);
+    if (!context) return CLR_INVALID;
+    const Canvas canvas = context->Paint();
+    DWORD* pixel = PixelAt(canvas, x, y);
+    if (!pixel) return CLR_INVALID;
+    *pixel = ToPixel(clr);
+    return ToColor(*pixel);
+}

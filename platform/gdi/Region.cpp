@@ -1,0 +1,135 @@
+#include "platform/gdi/Region.h"
+
+#include "platform/gdi/RoundShape.h"
+
+#include <algorithm>
+#include <new>
+#include <vector>
+
+using namespace kx::gdi;
+
+namespace {
+
+HRGN AddRegion(PixelRegion pixels)
+{
+    return static_cast<HRGN>(Add(std::make_shared<Region>(std::move(pixels))));
+}
+
+RECT Ordered(int nLeft, int nTop, int nRight, int nBottom) noexcept
+{
+    return {std::min(nLeft, nRight), std::min(nTop, nBottom), std::max(nLeft, nRight),
+            std::max(nTop, nBottom)};
+}
+
+PixelRegion Combined(const PixelRegion& a, const PixelRegion& b, int nMode)
+{
+    PixelRegion result = a;
+    switch (nMode) {
+    case RGN_AND:
+        result.IntersectWith(b);
+        break;
+    case RGN_OR:
+        result.UniteWith(b);
+        break;
+    case RGN_DIFF:
+        result.Subtract(b);
+        break;
+    case RGN_XOR: {
+        PixelRegion rest = b;
+        rest.Subtract(a);
+        result.Subtract(b);
+        result.UniteWith(rest);
+        break;
+    }
+    default:
+        break;
+    }
+    return result;
+}
+
+} // namespace
+
+HRGN CreateRectRgn(int nLeft, int nTop, int nRight, int nBottom)
+try {
+    return AddRegion(PixelRegion(Ordered(nLeft, nTop, nRight, nBottom)));
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}
+
+HRGN CreateRectsRgn(const RECT* pRects, int nCount)
+try {
+    if (nCount < 0 || (nCount > 0 && !pRects)) return nullptr;
+    return AddRegion(PixelRegion::FromRects({pRects, static_cast<std::size_t>(nCount)}));
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}
+
+int CombineRgn(HRGN hDst, HRGN hSrc1, HRGN hSrc2, int nMode)
+try {
+    const auto target = FindAs<Region>(hDst);
+    const auto first = FindAs<Region>(hSrc1);
+    const auto second = nMode == RGN_COPY ? first : FindAs<Region>(hSrc2);
+    if (!target || !first || !second || nMode < RGN_AND || nMode > RGN_COPY) return RGN_ERROR;
+    target->pixels = Combined(first->pixels, second->pixels, nMode);
+    return target->pixels.Complexity();
+} catch (const std::bad_alloc&) {
+    return RGN_ERROR;
+}
+
+int EqualRgn(HRGN a, HRGN b)
+{
+    const auto first = FindAs<Region>(a);
+    const auto second = FindAs<Region>(b);
+    return first && second && first->pixels == second->pixels ? 1 : 0;
+}
+
+int PtInRegion(HRGN hRgn, int x, int y)
+{
+    const auto region = FindAs<Region>(hRgn);
+    return region && region->pixels.Contains(x, y) ? 1 : 0;
+}
+
+int GetRgnBox(HRGN hRgn, RECT* pRect)
+{
+    const auto region = FindAs<Region>(hRgn);
+    if (!region || !pRect) return RGN_ERROR;
+    *pRect = region->pixels.Extents();
+    return region->pixels.Complexity();
+}
+
+int OffsetRgn(HRGN hRgn, int x, int y)
+{
+    const auto region = FindAs<Region>(hRgn);
+    if (!region) return RGN_ERROR;
+    region->pixels.Move(x, y);
+    return region->pixels.Complexity();
+}
+
+int GetRgnRects(HRGN hRgn, RECT* pRects, int nMax)
+{
+    const auto region = FindAs<Region>(hRgn);
+    if (!region) return 0;
+    const auto boxes = region->pixels.Boxes();
+    if (pRects && nMax > 0)
+        std::transform(boxes.begin(), boxes.begin() + std::min<std::ptrdiff_t>(nMax, std::ssize(boxes)),
+                       pRects, ToRect);
+    return static_cast<int>(boxes.size());
+}
+
+HRGN CreateRoundRectRgn(int nLeft, int nTop, int nRight, int nBottom, int cxEllipse, int cyEllipse)
+try {
+    const RECT rect = Ordered(nLeft, nTop, nRight, nBottom);
+    if (IsEmpty(rect)) return AddRegion(PixelRegion());
+    const RoundShape shape(rect, cxEllipse, cyEllipse);
+    const int nCorners = shape.CornerRows();
+    std::vector<RECT> rows;
+    rows.reserve(2 * static_cast<std::size_t>(nCorners) + 1);
+    for (int n = 0; n < nCorners; ++n)
+        rows.push_back(shape.Row(rect.top + n));
+    rows.push_back({rect.left, rect.top + nCorners, rect.right, rect.bottom - nCorners});
+    for (int n = nCorners; n > 0; --n)
+        rows.push_back(shape.Row(rect.bottom - n));
+    return AddRegion(PixelRegion::FromRects(rows));
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}

@@ -1,0 +1,43 @@
+#include "platform/gdi/text/Font.h"
+
+#include "platform/gdi/Stock.h"
+#include "platform/text/Conversion.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace kx::gdi {
+
+Font::Font(const LOGFONTA& log) : Object(Kind::Font), m_log(log)
+{
+    m_log.lfFaceName[sizeof(m_log.lfFaceName) - 1] = '\0';
+}
+
+FontFace& Font::Face()
+{
+    if (!m_face) {
+        FaceRequest request;
+        request.family = text::ToUtf8(m_log.lfFaceName).value_or("");
+        request.weight = m_log.lfWeight <= 0 ? FW_NORMAL : std::min<LONG>(m_log.lfWeight, 1000);
+        request.italic = m_log.lfItalic != 0;
+        m_face = FontFace::For(request, m_log.lfHeight);
+    }
+    return *m_face;
+}
+
+std::shared_ptr<Object> MakeStockFont(int)
+{
+    LOGFONTA log{};
+    log.lfHeight = -12;
+    return std::make_shared<Font>(log);
+}
+
+} // namespace kx::gdi
+
+HFONT CreateFontIndirectA(const LOGFONTA* pFont)
+try {
+    return pFont ? static_cast<HFONT>(kx::gdi::Add(std::make_shared<kx::gdi::Font>(*pFont))) : nullptr;
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/gdi/Object.h"
+#include "platform/gdi/text/FontFace.h"
+
+#include <memory>
+
+namespace kx::gdi {
+
+class Font : public Object
+{
+public:
+    explicit Font(const LOGFONTA& log);
+    // A LOGFONTA.
+    int Describe(int nSize, void* pBuffer) const override { return DescribeAs(m_log, nSize, pBuffer); }
+
+    // The typeface, looked for at the first use; under the text lock (TextLock.h).
+    FontFace& Face();
+    bool Underline() const noexcept { return m_log.lfUnderline != 0; }
+    bool StrikeOut() const noexcept { return m_log.lfStrikeOut != 0; }
+
+private:
+    LOGFONTA m_log;
+    std::shared_ptr<FontFace> m_face;
+};
+
+} // namespace kx::gdi

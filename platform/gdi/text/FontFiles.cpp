@@ -1,0 +1,111 @@
+#include "platform/gdi/text/FontFiles.h"
+
+#include "platform/Immortal.h"
+#include "platform/gdi/text/TextLock.h"
+
+#include <fontconfig/fontconfig.h>
+#include <ft2build.h>
+#include FT_FREETYPE_H
+
+namespace kx::gdi {
+
+namespace {
+
+// Made at the first use and never ended: faces may be closed while static objects are destroyed.
+FT_Library Library()
+{
+    static const FT_Library library = [] {
+        FT_Library made = nullptr;
+        return FT_Init_FreeType(&made) == 0 ? made : nullptr;
+    }();
+    return library;
+}
+
+FacePtr Open(FcPattern* font)
+{
+    FcChar8* file = nullptr;
+    int index = 0;
+    FT_Face face = nullptr;
+    if (!font || FcPatternGetString(font, FC_FILE, 0, &file) != FcResultMatch) return nullptr;
+    FcPatternGetInteger(font, FC_INDEX, 0, &index);
+    const auto* path = reinterpret_cast<const char*>(file);
+    if (!Library() || FT_New_Face(Library(), path, index, &face) != 0) return nullptr;
+    return FacePtr(face);
+}
+
+bool Has(FcPattern* font, char32_t ch)
+{
+    FcCharSet* chars = nullptr;
+    return FcPatternGetCharSet(font, FC_CHARSET, 0, &chars) == FcResultMatch && FcCharSetHasChar(chars, ch);
+}
+
+} // namespace
+
+std::mutex& TextLock() noexcept
+{
+    static Immortal<std::mutex> lock;
+    return lock.Get();
+}
+
+void FaceDeleter::operator()(FT_Face face) const noexcept
+{
+    FT_Done_Face(face);
+}
+
+struct FontFiles::Set
+{
+    FcPattern* pattern = nullptr;
+    FcFontSet* sorted = nullptr; // made when a character is missing in the best match
+
+    Set() = default;
+    Set(const Set&) = delete;
+    Set& operator=(const Set&) = delete;
+    ~Set()
+    {
+        if (sorted) FcFontSetDestroy(sorted);
+        if (pattern) FcPatternDestroy(pattern);
+    }
+};
+
+FontFiles::FontFiles(const FaceRequest& request) : m_set(std::make_unique<Set>())
+{
+    FcPattern* pattern = m_set->pattern = FcPatternCreate();
+    if (!pattern) return;
+    if (!request.family.empty())
+        FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8*>(request.family.c_str()));
+    FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8*>("sans-serif"));
+    FcPatternAddInteger(pattern, FC_WEIGHT, FcWeightFromOpenType(request.weight));
+    FcPatternAddInteger(pattern, FC_SLANT, request.italic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
+    FcPatternAddBool(pattern, FC_SCALABLE, FcTrue);
+    FcConfigSubstitute(nullptr, pattern, FcMatchPattern);
+    FcDefaultSubstitute(pattern);
+}
+
+FontFiles::~FontFiles() = default;
+
+FacePtr FontFiles::OpenBest()
+{
+    if (!m_set->pattern) return nullptr;
+    FcResult result = FcResultNoMatch;
+    FcPattern* font = FcFontMatch(nullptr, m_set->pattern, &result);
+    FacePtr face = Open(font);
+    if (font) FcPatternDestroy(font);
+    return face;
+}
+
+FacePtr FontFiles::OpenFor(char32_t ch)
+{
+    FcResult result = FcResultNoMatch;
+    if (!m_set->sorted && m_set->pattern) m_set->sorted = FcFontSort(nullptr, m_set->pattern, FcTrue, nullptr, &result);
+    if (!m_set->sorted) return nullptr;
+    for (int n = 0; n < m_set->sorted->nfont; ++n) {
+        FcPattern* font = m_set->sorted->fonts[n];
+        FcBool scalable = FcFalse;
+        FcPatternGetBool(font, FC_SCALABLE, 0, &scalable);
+        if (!scalable || !Has(font, ch)) continue;
+        if (FacePtr face = Open(font)) return face;
+    }
+    return nullptr;
+}
+
+} // namespace kx::gdi

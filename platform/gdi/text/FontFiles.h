@@ -1,0 +1,47 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+typedef struct FT_FaceRec_* FT_Face;
+
+namespace kx::gdi {
+
+// What is asked of a typeface.
+struct FaceRequest
+{
+    std::string family; // UTF-8; empty: the system's default
+    int weight = 400;
+    bool italic = false;
+
+    friend auto operator<=>(const FaceRequest&, const FaceRequest&) = default;
+};
+
+struct FaceDeleter
+{
+    void operator()(FT_Face face) const noexcept;
+};
+using FacePtr = std::unique_ptr<FT_FaceRec_, FaceDeleter>;
+
+// The system's scalable faces for a request, best match first, opened one at a time as they are needed. Not locked:
+// used under the text lock (TextLock.h).
+class FontFiles
+{
+public:
+    explicit FontFiles(const FaceRequest& request);
+    FontFiles(const FontFiles&) = delete;
+    FontFiles& operator=(const FontFiles&) = delete;
+    ~FontFiles();
+
+    // The best match, or null where the system has no face at all.
+    FacePtr OpenBest();
+    // The best face that has this character; null without one.
+    FacePtr OpenFor(char32_t ch);
+
+private:
+    struct Set;
+    std::unique_ptr<Set> m_set;
+};
+
+} // namespace kx::gdi

@@ -1,0 +1,101 @@
+#include "platform/gdi/text/Layout.h"
+
+#include "include/platform/CodePage.h"
+#include "platform/text/Conversion.h"
+#include "platform/text/Iconv.h"
+
+#include <cstring>
+#include <utility>
+
+namespace kx::gdi {
+
+namespace {
+
+// Letters that take no room: what would be a control sign, but for the tab, which is drawn as a blank.
+bool IsUnseen(char32_t ch)
+{
+    return ch < U' ' || ch == 0x7F;
+}
+
+// Takes the "&" signs out: one marks the letter behind it, two stand for one.
+void TakePrefixes(TextLine& line)
+{
+    std::u32string kept;
+    for (std::size_t n = 0; n < line.text.size(); ++n) {
+        if (line.text[n] == U'&') {
+            if (++n == line.text.size()) break;
+            if (line.text[n] != U'&') line.mark = static_cast<int>(kept.size());
+        }
+        kept += line.text[n];
+    }
+    line.text = std::move(kept);
+}
+
+// Where a line that is too long is cut: behind the last blank that fits, or else behind the last letter that does.
+std::size_t FindBreak(FontFace& face, std::u32string_view text, int nRoom)
+{
+    std::size_t nBlank = 0;
+    int width = 0;
+    for (std::size_t n = 0; n < text.size(); ++n) {
+        width += face.Get(text[n]).advance;
+        if (text[n] == U' ')
+            nBlank = n + 1;
+        else if (width > nRoom)
+            return nBlank > 0 ? nBlank : std::max<std::size_t>(n, 1);
+        else if (text[n] >= 0x2E80) // Chinese text breaks behind any letter
+            nBlank = n + 1;
+    }
+    return text.size();
+}
+
+} // namespace
+
+std::u32string Decode(std::string_view text)
+{
+    if (kx::text::IsAscii(text)) return {text.begin(), text.end()};
+    const std::string units = kx::text::Iconv::For(GetACP(), kx::text::Iconv::ToUtf32)
+                                  .ConvertLossy(text, std::string_view("\xFD\xFF\0\0", 4));
+    std::u32string decoded(units.size() / sizeof(char32_t), U'\0');
+    std::memcpy(decoded.data(), units.data(), decoded.size() * sizeof(char32_t));
+    return decoded;
+}
+
+int Measure(FontFace& face, std::u32string_view text)
+{
+    std::int64_t width = 0;
+    for (const char32_t ch : text) width += face.Get(ch).advance;
+    return static_cast<int>(std::min<std::int64_t>(width, INT32_MAX / 2));
+}
+
+std::vector<TextLine> BreakLines(FontFace& face, std::string_view text, UINT nFormat, int nRoom)
+{
+    const std::u32string all = Decode(text);
+    std::vector<TextLine> lines(1);
+    for (std::size_t n = 0; n < all.size(); ++n) {
+        const char32_t ch = all[n];
+        if (ch == U'\t') {
+            lines.back().text += U' ';
+        } else if (nFormat & DT_SINGLELINE ? false : ch == U'\r' || ch == U'\n') {
+            if (ch == U'\r' && n + 1 < all.size() && all[n + 1] == U'\n') ++n;
+            lines.emplace_back();
+        } else if (!IsUnseen(ch)) {
+            lines.back().text += ch;
+        }
+    }
+    std::vector<TextLine> broken;
+    for (TextLine& line : lines) {
+        if (!(nFormat & DT_NOPREFIX)) TakePrefixes(line);
+        if ((nFormat & DT_WORDBREAK) && !(nFormat & DT_SINGLELINE)) {
+            for (std::size_t nCut; (nCut = FindBreak(face, line.text, nRoom)) < line.text.size();) {
+                broken.push_back({line.text.substr(0, nCut), 0, line.mark < static_cast<int>(nCut) ? line.mark : -1});
+                line.text.erase(0, nCut);
+                line.mark = std::max(-1, line.mark - static_cast<int>(nCut));
+            }
+        }
+        broken.push_back(std::move(line));
+    }
+    for (TextLine& line : broken) line.width = Measure(face, line.text);
+    return broken;
+}
+
+} // namespace kx::gdi

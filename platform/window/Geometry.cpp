@@ -1,0 +1,30 @@
+// Where windows lie.
+
+#include "include/platform/Gdi.h"
+#include "platform/Errno.h"
+#include "platform/window/WindowTable.h"
+
+HWND GetDesktopWindow() noexcept
+{
+    return kx::window::kDesktopHandle;
+}
+
+int GetWindowRect(HWND hWnd, RECT* pRect) noexcept
+{
+    if (!pRect) return kx::Fail(ERROR_INVALID_PARAMETER);
+    if (hWnd == kx::window::kDesktopHandle) {
+        *pRect = {0, 0, DESKTOP_WIDTH, DESKTOP_HEIGHT};
+        return 1;
+    }
+    const auto window = kx::window::WindowTable::Instance().Find(hWnd);
+    if (!window) return kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
+    *pRect = window->Rect();
+    return 1;
+}
+
+int GetClientRect(HWND hWnd, RECT* pRect) noexcept
+{
+    if (!GetWindowRect(hWnd, pRect)) return 0;
+    *pRect = {0, 0, pRect->right - pRect->left, pRect->bottom - pRect->top};
+    return 1;
+}

@@ -1,0 +1,263 @@
+#include "KXBitmap.h"
+#include "tests/draw/CopyList.h"
+#include "tests/support/Picture.h"
+#include "tests/support/TempDir.h"
+
+#include <climits>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+// A bitmap of this size that its taker ends.
+HBITMAP MakeBitmap(int cx, int cy)
+{
+    const HDC hDC = CreateCompatibleDC(nullptr);
+    const HBITMAP hBitmap = CreateCompatibleBitmap(hDC, cx, cy);
+    DeleteDC(hDC);
+    return hBitmap;
+}
+
+// A bitmap with these pixels.
+HBITMAP MakeBitmap(const test::Picture& picture)
+{
+    const auto cx = static_cast<int>(picture[0].size());
+    const auto cy = static_cast<int>(picture.size());
+    const HBITMAP hBitmap = MakeBitmap(cx, cy);
+    const HDC hDC = CreateCompatibleDC(nullptr);
+    const HGDIOBJ hOld = SelectObject(hDC, hBitmap);
+    const test::Paper paper(picture);
+    BitBlt(hDC, 0, 0, cx, cy, paper, 0, 0, SRCCOPY);
+    SelectObject(hDC, hOld);
+    DeleteDC(hDC);
+    return hBitmap;
+}
+
+class Bitmap : public testing::Test
+{
+protected:
+    void Attach(int cx, int cy) { bitmap.AttachBitmap(MakeBitmap(cx, cy)); }
+
+    test::Paper paper{12, 6, 'W'};
+    CDC& dc = *CDC::FromHandle(paper);
+    CKXBitmap bitmap;
+    test::CopyList copies;
+};
+
+TEST_F(Bitmap, StatesDivideTheImageAndLeaveTheRest)
+{
+    Attach(102, 7);
+    EXPECT_EQ(bitmap.GetSrcImageRect(), CRect(0, 0, 102, 7));
+    bitmap.SetMultiState(5, 1);
+    EXPECT_EQ(bitmap.GetSrcImageRect(), CRect(0, 0, 20, 7));
+    bitmap.Draw(&dc, 1, 2, 4);
+    EXPECT_EQ(bitmap.GetSrcImageRect(), CRect(80, 0, 100, 7));
+    bitmap.SetMultiState(3, 0);
+    bitmap.Draw(&dc, 0, 0, 2);
+    for (const int nCount : {1, 0, -3}) {
+        bitmap.SetMultiState(nCount, 1);
+        bitmap.Draw(&dc, 0, 0, 9);
+    }
+    copies.Take();
+    bitmap.SetMultiState(3, 0);
+    bitmap.Draw(&dc, 0, 0, 2);
+    bitmap.Draw(&dc, 0, 0, 2);
+    EXPECT_THAT(copies.Take(), ElementsAre("0,0 102x2 from 0,4", "0,0 102x2 from 0,4"));
+    EXPECT_EQ(bitmap.GetMultiState(), 3);
+    EXPECT_EQ(bitmap.IsHorzMultiState(), 0);
+}
+
+TEST_F(Bitmap, DrawsPartsAndKeyedBlocks)
+{
+    Attach(40, 8);
+    bitmap.SetMultiState(2, 1);
+    bitmap.TransparentDraw(&dc, 3, 4, 0xFF00FF, 1);
+    bitmap.TransparentDraw(&dc, 3, 4, 50, 60, 0xFF00FF, 1);
+    bitmap.DrawPart(&dc, CRect(1, 2, 6, 5), CRect(3, 1, 100, 100), 1);
+    bitmap.TransparentDrawPart(&dc, CRect(1, 2, 6, 5), CRect(3, 1, 5, 7), 0, 0);
+    EXPECT_THAT(copies.Take(), ElementsAre("keyed 3,4 20x8 from 20,0", "keyed 3,4 50x60 from 20,0 20x8", "1,2 5x3 from 23,1",
+                                           "keyed 1,2 5x3 from 3,1 2x6"));
+}
+
+TEST_F(Bitmap, FillsMiddleFirstLastInThatOrder)
+{
+    Attach(30, 10);
+    bitmap.SetFillParam(10, 5, 1);
+    bitmap.DrawFill(&dc, CRect(0, 3, 50, 4), 0);
+    EXPECT_THAT(copies.Take(), ElementsAre("10,3 15x10 from 10,0", "25,3 15x10 from 10,0", "40,3 5x10 from 10,0",
+                                           "0,3 10x10 from 0,0", "45,3 5x10 from 25,0"));
+    bitmap.DrawFill(&dc, CRect(0, 0, 45, 1), 0); // whole tiles: none is cut
+    EXPECT_THAT(copies.Take(), ElementsAre("10,0 15x10 from 10,0", "25,0 15x10 from 10,0", "0,0 10x10 from 0,0",
+                                           "40,0 5x10 from 25,0"));
+    bitmap.TransparentDrawFill(&dc, CRect(0, 0, 12, 1), 7, 0); // no room: the ends alone, one over the other
+    EXPECT_THAT(copies.Take(), ElementsAre("keyed 0,0 10x10 from 0,0", "keyed 7,0 5x10 from 25,0"));
+    bitmap.SetFillParam(3, 2, 0);
+    bitmap.DrawFill(&dc, CRect(4, 0, 5, 12), 0);
+    EXPECT_THAT(copies.Take(), ElementsAre("4,3 30x5 from 0,3", "4,8 30x2 from 0,3", "4,0 30x3 from 0,0", "4,10 30x2 from 0,8"));
+}
+
+TEST_F(Bitmap, PavesInBandsAcross)
+{
+    Attach(10, 4);
+    bitmap.SetFillParam(2, 3, 1);
+    bitmap.Pave(&dc, CRect(0, 1, 11, 7), 0);
+    EXPECT_THAT(copies.Take(), ElementsAre("2,1 5x4 from 2,0", "7,1 1x4 from 2,0", "0,1 2x4 from 0,0", "8,1 3x4 from 7,0",
+                                           "2,5 5x2 from 2,0", "7,5 1x2 from 2,0", "0,5 2x2 from 0,0", "8,5 3x2 from 7,0"));
+    bitmap.Pave(&dc, CRect(0, 7, 11, 7), 0);
+    EXPECT_THAT(copies.Take(), IsEmpty());
+    bitmap.SetFillParam(1, 1, 0);
+    bitmap.Pave(&dc, CRect(0, 0, 12, 3), 0);
+    EXPECT_THAT(copies.Take(), ElementsAre("0,1 10x1 from 0,1", "0,0 10x1 from 0,0", "0,2 10x1 from 0,3", "10,1 2x1 from 0,1",
+                                           "10,0 2x1 from 0,0", "10,2 2x1 from 0,3"));
+}
+
+// What the rectangles stand for is settled by the last of load, SetMultiState, SetFillParam and a change of state.
+TEST_F(Bitmap, FillPartsFollowTheState)
+{
+    bitmap.SetFillParam(1, 1, 1);
+    bitmap.SetMultiState(2, 1);
+    Attach(20, 3);
+    EXPECT_EQ(bitmap.GetSrcImageRect(), CRect(0, 0, 10, 3));
+    bitmap.DrawFill(&dc, CRect(0, 0, 10, 3), 0); // a load leaves the parts as they were: of no image yet
+    copies.Take();
+    bitmap.DrawFill(&dc, CRect(0, 0, 10, 3), 1);
+    EXPECT_THAT(copies.Take(), ElementsAre("1,0 8x3 from 11,0", "0,0 1x3 from 10,0", "9,0 1x3 from 19,0"));
+}
+
+TEST_F(Bitmap, EmptyObjectsDrawNothing)
+{
+    unsigned char byte = 0;
+    CRgn rgn;
+    bitmap.Draw(&dc, 0, 0, 0);
+    bitmap.TransparentDraw(&dc, 0, 0, 1, 0);
+    bitmap.DrawFill(&dc, CRect(0, 0, 9, 9), 0);
+    bitmap.Pave(&dc, CRect(0, 0, 9, 9), 0);
+    bitmap.DrawPart(&dc, CRect(0, 0, 9, 9), CRect(0, 0, 9, 9), 0);
+    bitmap.CreateBitmapRgn(rgn, 0, 0);
+    EXPECT_EQ(bitmap.GetBits(&byte), 0);
+    EXPECT_EQ(rgn.GetSafeHandle(), nullptr);
+    EXPECT_EQ(bitmap.DetachBitmap(), nullptr);
+    EXPECT_THAT(copies.Take(), IsEmpty());
+    Attach(4, 4);
+    bitmap.Draw(nullptr, 0, 0, 0); // a null device: a copy that paints nothing
+    EXPECT_THAT(copies.Take(), ElementsAre("0,0 4x4 from 0,0"));
+}
+
+TEST_F(Bitmap, OddParametersEndQuietly)
+{
+    Attach(6, 3);
+    bitmap.DrawFill(&dc, CRect(0, 0, 100, 3), 0); // no fill parameters yet
+    bitmap.Pave(&dc, CRect(0, 0, 100, 3), 0);
+    for (const int nBig : {7, INT_MAX, INT_MIN, -1})
+        for (const int bHorz : {0, 1}) {
+            bitmap.SetFillParam(nBig, nBig, bHorz);
+            bitmap.DrawFill(&dc, CRect(0, 0, 12, 6), 0);
+            bitmap.Pave(&dc, CRect(0, 0, 12, 6), 0);
+        }
+    bitmap.SetMultiState(3, 1);
+    for (const int nState : {-1, 3, INT_MAX, INT_MIN}) {
+        bitmap.Draw(&dc, 0, 0, nState);
+        bitmap.TransparentDrawPart(&dc, CRect(0, 0, 12, 6), CRect(-5, -5, INT_MAX, 90), 0, nState);
+    }
+    bitmap.SetMultiState(INT_MAX, 0);
+    bitmap.Draw(&dc, 0, 0, 1);
+}
+
+TEST_F(Bitmap, PixelsOfAFillWithAndWithoutAKey)
+{
+    bitmap.AttachBitmap(MakeBitmap({"RGMB", "RGGB"}));
+    bitmap.SetFillParam(1, 1, 1);
+    bitmap.DrawFill(&dc, CRect(0, 0, 7, 2), 0);
+    bitmap.TransparentDrawFill(&dc, CRect(0, 3, 7, 5), test::ColorOf('M'), 0);
+    EXPECT_THAT(paper.Read(), ElementsAre("RGMGMGBWWWWW", "RGGGGGBWWWWW", "WWWWWWWWWWWW", "RGWGWGBWWWWW", "RGGGGGBWWWWW",
+                                          "WWWWWWWWWWWW"));
+}
+
+TEST_F(Bitmap, RegionOfAColorOrOfTheRest)
+{
+    bitmap.AttachBitmap(MakeBitmap({"MMRR", "MRMR", "MMMM"}));
+    bitmap.SetMultiState(2, 1); // states don't matter
+    for (const int bKeep : {0, 1}) {
+        CRgn rgn;
+        bitmap.CreateBitmapRgn(rgn, test::ColorOf('M'), bKeep);
+        const test::Picture picture{"MMRR", "MRMR", "MMMM"};
+        for (int y = -1; y < 4; ++y)
+            for (int x = -1; x < 5; ++x) {
+                const bool bInside = x >= 0 && y >= 0 && x < 4 && y < 3;
+                const bool bKey =
+                    bInside && picture[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)] == 'M';
+                EXPECT_EQ(rgn.PtInRegion(x, y) != 0, bInside && bKey == (bKeep != 0)) << x << "," << y;
+            }
+    }
+    CRgn all;
+    bitmap.CreateBitmapRgn(all, 0x01000000, 0); // no pixel is of a colour with a high byte
+    RECT box{};
+    EXPECT_EQ(all.GetRgnBox(&box), SIMPLEREGION);
+    EXPECT_EQ(box, CRect(0, 0, 4, 3));
+    bitmap.CreateBitmapRgn(all, 0, 0); // has a region: it stays
+    EXPECT_EQ(all.GetRgnBox(&box), SIMPLEREGION);
+}
+
+// The region of a tall picture is put together from bands in the right order.
+TEST_F(Bitmap, RegionOfATallPicture)
+{
+    test::Picture picture(100, "WW");
+    for (std::size_t y = 0; y < picture.size(); ++y) picture[y][y % 7 == 0 ? 0 : 1] = 'R';
+    bitmap.AttachBitmap(MakeBitmap(picture));
+    CRgn rgn;
+    bitmap.CreateBitmapRgn(rgn, test::ColorOf('R'), 1);
+    for (int y = 0; y < 100; ++y) EXPECT_TRUE(rgn.PtInRegion(y % 7 == 0 ? 0 : 1, y)) << y;
+}
+
+TEST_F(Bitmap, LoadsFilesAndForgetsTheOldOne)
+{
+    const test::TempDir dir;
+    test::Bmp file{.width = 2, .height = 2, .depth = 1, .colorsUsed = 2};
+    file.palette = test::Le(0xFF0000, 4) + test::Le(0x00FF00, 4);
+    file.pixels = test::Le(0x40, 4) + test::Le(0x80, 4); // bottom row first
+    dir.Write("two.bmp", file.File());
+    EXPECT_EQ(bitmap.LoadBitmapA(dir.Win("two.bmp")), 1);
+    EXPECT_EQ(bitmap.GetBITMAP().bmBitsPixel, 1);
+    unsigned char rows[8];
+    EXPECT_EQ(bitmap.GetBits(rows), 2);
+    EXPECT_EQ(rows[0], 0x80); // top row first, in its own depth
+    EXPECT_EQ(rows[4], 0x40);
+    bitmap.Draw(&dc, 0, 0, 0);
+    EXPECT_THAT(test::Read(paper, 0, 0, 3, 2), ElementsAre("GRW", "RGW"));
+    EXPECT_EQ(bitmap.LoadBitmapA(dir.Win("none.bmp")), 0);
+    EXPECT_EQ(bitmap.GetHBITMAP(), nullptr);
+    EXPECT_EQ(bitmap.GetBITMAP().bmWidth, 2); // the record stays
+    EXPECT_EQ(bitmap.LoadBitmapA(4711u), 0);
+}
+
+TEST(BitmapHandles, EachIsReleasedOnce)
+{
+    const test::NoLeak noLeak;
+    CKXBitmap a;
+    a.AttachBitmap(MakeBitmap(4, 4));
+    {
+        CKXBitmap b = a;
+        EXPECT_EQ(b.GetHBITMAP(), a.GetHBITMAP());
+        b.AttachBitmap(MakeBitmap(5, 5)); // parts from the copy, which keeps its own
+        EXPECT_NE(b.GetHBITMAP(), a.GetHBITMAP());
+        EXPECT_EQ(a.GetBITMAP().bmWidth, 4);
+        a = b;
+        a = a;
+    }
+    EXPECT_EQ(a.GetBITMAP().bmWidth, 5);
+    const HBITMAP hBitmap = a.DetachBitmap();
+    EXPECT_NE(hBitmap, nullptr);
+    EXPECT_EQ(a.GetHBITMAP(), nullptr);
+    EXPECT_EQ(a.DetachBitmap(), nullptr);
+    a.AttachBitmap(hBitmap);
+    a.AttachBitmap(hBitmap); // its own: kept
+    EXPECT_EQ(a.GetHBITMAP(), hBitmap);
+    a.AttachBitmap(nullptr);
+    EXPECT_EQ(a.GetHBITMAP(), nullptr);
+    EXPECT_EQ(DeleteObject(hBitmap), 0); // gone already
+}
+
+} // namespace

@@ -1,0 +1,69 @@
+#include "KXFrameBitmap.h"
+#include "tests/draw/CopyList.h"
+#include "tests/support/Picture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using testing::ElementsAre;
+
+namespace {
+
+// An image of 20 by 16 with corners 10x4, 5x3, 6x2 and 4x5, in the usual order.
+class Frame : public testing::Test
+{
+protected:
+    Frame()
+    {
+        frame.AttachBitmap(CreateCompatibleBitmap(paper, 20, 16));
+        frame.SetBitmapOptions(CSize(10, 4), CSize(5, 3), CSize(6, 2), CSize(4, 5));
+    }
+
+    test::Paper paper{40, 30, 'W'};
+    CDC& dc = *CDC::FromHandle(paper);
+    CKXFrameBitmap frame;
+    test::CopyList copies;
+};
+
+TEST_F(Frame, DrawsEdgesInTilesAndCornersOverThem)
+{
+    frame.Draw(&dc, CRect(0, 0, 40, 30), 0, 0);
+    EXPECT_THAT(copies.Take(),
+                ElementsAre("10,0 5x4 from 10,0", "15,0 5x4 from 10,0", "20,0 5x4 from 10,0", "25,0 5x4 from 10,0",
+                            "30,0 5x4 from 10,0",                                                     // top
+                            "6,28 10x2 from 6,14", "16,28 10x2 from 6,14", "26,28 10x2 from 6,14",    // bottom
+                            "0,4 10x10 from 0,4", "0,14 10x10 from 0,4", "0,24 10x4 from 0,4",        // left
+                            "35,3 5x8 from 15,3", "35,11 5x8 from 15,3", "35,19 5x6 from 15,3",       // right
+                            "0,0 10x4 from 0,0", "35,0 5x3 from 15,0", "0,28 6x2 from 0,14", "36,25 4x5 from 16,11"));
+}
+
+TEST_F(Frame, FillsTheCentreBetweenTheLargerCorners)
+{
+    frame.Draw(&dc, CRect(0, 0, 40, 30), 1, test::ColorOf('R'));
+    const auto at = [&](int x, int y) { return test::LetterOf(dc.GetPixel(x, y)); };
+    EXPECT_EQ(at(10, 4), 'R'); // insets 10, 5, 4, 5
+    EXPECT_EQ(at(34, 24), 'R');
+    EXPECT_NE(at(9, 10), 'R');
+    EXPECT_NE(at(20, 3), 'R');
+    EXPECT_EQ(at(20, 26), 'W'); // the bottom edge is thinner than its larger corner: left alone
+    frame.Draw(&dc, CRect(0, 0, 40, 30), 0, test::ColorOf('B'));
+    EXPECT_EQ(at(20, 15), 'R');
+}
+
+TEST_F(Frame, SmallerThanItsCornersDrawsThemAlone)
+{
+    frame.Draw(&dc, CRect(0, 0, 6, 4), 0, 0);
+    EXPECT_THAT(copies.Take(),
+                ElementsAre("0,0 10x4 from 0,0", "1,0 5x3 from 15,0", "0,2 6x2 from 0,14", "2,-1 4x5 from 16,11"));
+}
+
+TEST_F(Frame, EdgesWithoutLengthEnd)
+{
+    frame.SetBitmapOptions(CSize(10, 8), CSize(10, 8), CSize(10, 8), CSize(10, 8)); // the corners meet
+    frame.Draw(&dc, CRect(0, 0, 40, 30), 0, 0);
+    EXPECT_EQ(copies.Take().size(), 4u);
+    CKXFrameBitmap empty;
+    empty.Draw(&dc, CRect(0, 0, 40, 30), 0, 0);
+}
+
+} // namespace

@@ -1,0 +1,210 @@
+#include "include/platform/File.h"
+#include "tests/platform/files/Mounted.h"
+
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using test::Mounted;
+
+namespace {
+
+// What an operation gave: 0 for success, else the last error.
+DWORD Outcome(int bDone)
+{
+    return bDone ? ERROR_SUCCESS : GetLastError();
+}
+
+std::size_t Entries(const std::string& directory)
+{
+    return static_cast<std::size_t>(
+        std::distance(fs::directory_iterator(directory), fs::directory_iterator()));
+}
+
+void ReadOnly(const std::string& path)
+{
+    fs::permissions(path, fs::perms::owner_read | fs::perms::group_read);
+}
+
+// Lets no file grow beyond a size.
+class FileLimit
+{
+public:
+    explicit FileLimit(rlim_t bytes)
+    {
+        getrlimit(RLIMIT_FSIZE, &m_old);
+        const rlimit lower{bytes, m_old.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &lower);
+        std::signal(SIGXFSZ, SIG_IGN);
+    }
+    ~FileLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_old);
+        std::signal(SIGXFSZ, SIG_DFL);
+    }
+
+private:
+    rlimit m_old{};
+};
+
+} // namespace
+
+TEST(Copy, PassesOnContentPermissionsAndTime)
+{
+    const Mounted drive;
+    const std::string content(300'000, 'x');
+    drive.Write("from", content);
+    drive.Write("Old", "a longer text than nothing");
+    drive.Write("empty", "");
+    fs::permissions(drive.Path("from"), fs::perms::owner_read | fs::perms::owner_exec);
+    const timespec times[] = {{1'000'000'000, 5}, {1'100'000'000, 7}};
+    utimensat(AT_FDCWD, drive.Path("from").c_str(), times, 0);
+    for (const char* target : {"X:\\to", "X:\\OLD"})
+        EXPECT_TRUE(CopyFileA("X:\\FROM", target, 0));
+    for (const char* target : {"to", "Old"}) {
+        struct stat info;
+        ASSERT_EQ(stat(drive.Path(target).c_str(), &info), 0);
+        EXPECT_EQ(drive.Read(target), content);
+        EXPECT_EQ(info.st_mode & 0777, 0500u);
+        EXPECT_EQ(info.st_mtim.tv_sec, 1'100'000'000);
+        EXPECT_EQ(info.st_mtim.tv_nsec, 7);
+    }
+    EXPECT_TRUE(CopyFileA("X:\\empty", "X:\\new", 1));
+    EXPECT_TRUE(CopyFileA("C:\\proc\\self\\status", "X:\\proc", 0)); // its size is told as 0
+    EXPECT_TRUE(drive.Read("proc").starts_with("Name:"));
+    EXPECT_EQ(Entries(drive.Path()), 6u);
+}
+
+TEST(Copy, FollowsLinksToFilesAndCopiesLinksToDirectories)
+{
+    const Mounted drive;
+    drive.Write("file", "content");
+    drive.Write("dir/target", "old");
+    fs::create_symlink("file", drive.Path("in"));
+    fs::create_symlink("dir/target", drive.Path("out"));
+    fs::create_symlink("gone", drive.Path("dangling"));
+    fs::create_directory_symlink("dir", drive.Path("linkdir"));
+    EXPECT_TRUE(CopyFileA("X:\\in", "X:\\out", 0));
+    EXPECT_TRUE(fs::is_symlink(drive.Path("out")));
+    EXPECT_EQ(drive.Read("dir/target"), "content");
+    EXPECT_TRUE(CopyFileA("X:\\in", "X:\\dangling", 0));
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(drive.Path("dangling"))));
+    EXPECT_FALSE(drive.Exists("gone"));
+    for (const char* target : {"X:\\copy", "X:\\file"})
+        EXPECT_TRUE(CopyFileA("X:\\linkdir", target, 0));
+    EXPECT_EQ(fs::read_symlink(drive.Path("copy")), "dir");
+    EXPECT_EQ(fs::read_symlink(drive.Path("file")), "dir");
+    EXPECT_EQ(Outcome(CopyFileA("X:\\linkdir", "X:\\copy", 1)), ERROR_FILE_EXISTS);
+}
+
+TEST(Copy, RefusalsLeaveBothFiles)
+{
+    const Mounted drive;
+    for (const char* file : {"from", "to", "locked", "open", "dir/x"})
+        drive.Write(file, file);
+    ReadOnly(drive.Path("locked"));
+    fs::create_hard_link(drive.Path("from"), drive.Path("hard"));
+    fs::create_symlink("from", drive.Path("soft"));
+    mkfifo(drive.Path("pipe").c_str(), 0600);
+    fs::create_symlink("pipe", drive.Path("topipe"));
+    CFile writer;
+    ASSERT_TRUE(writer.Open("X:\\open", CFile::modeWrite | CFile::shareDenyWrite));
+    const std::size_t nEntries = Entries(drive.Path());
+    const struct
+    {
+        const char* from;
+        const char* to;
+        int bFailIfExists;
+        DWORD error;
+    } facts[] = {
+        {"X:\\none", "X:\\new", 0, ERROR_FILE_NOT_FOUND},
+        {"X:\\none\\a", "X:\\new", 0, ERROR_PATH_NOT_FOUND},
+        {"X:\\from", "X:\\none\\new", 0, ERROR_PATH_NOT_FOUND},
+        {"X:\\from", "X:\\from\\new", 0, ERROR_PATH_NOT_FOUND},
+        {"X:\\from", "X:\\to", 1, ERROR_FILE_EXISTS},
+        {"X:\\from", "X:\\LOCKED", 0, ERROR_ACCESS_DENIED},
+        {"X:\\from", "X:\\open", 0, ERROR_SHARING_VIOLATION},
+        {"X:\\from", "X:\\From", 0, ERROR_SHARING_VIOLATION},
+        {"X:\\from", "X:\\hard", 0, ERROR_SHARING_VIOLATION},
+        {"X:\\soft", "X:\\from", 0, ERROR_SHARING_VIOLATION},
+        {"X:\\from", "X:\\dir", 0, ERROR_ACCESS_DENIED},
+        {"X:\\from", "X:\\new\\", 0, ERROR_DIRECTORY},
+        {"X:\\dir", "X:\\new", 0, ERROR_ACCESS_DENIED},
+        {"X:\\pipe", "X:\\new", 0, ERROR_ACCESS_DENIED}, // and never waits for it
+        {"X:\\topipe", "X:\\new", 0, ERROR_ACCESS_DENIED},
+        {"X:\\from", "X:\\pipe", 0, ERROR_ACCESS_DENIED},
+        {"C:\\dev\\zero", "X:\\new", 0, ERROR_ACCESS_DENIED},
+    };
+    for (const auto& fact : facts)
+        EXPECT_EQ(Outcome(CopyFileA(fact.from, fact.to, fact.bFailIfExists)), fact.error)
+            << fact.from << fact.to;
+    for (const char* file : {"from", "to", "locked", "open"})
+        EXPECT_EQ(drive.Read(file), file);
+    EXPECT_EQ(Entries(drive.Path()), nEntries);
+}
+
+TEST(Copy, FailureOnTheWayLeavesTheOldFileAndNothingElse)
+{
+    const Mounted drive;
+    drive.Write("from", std::string(50'000, 'n'));
+    drive.Write("old", "old");
+    {
+        const FileLimit limit(10'000);
+        for (const char* target : {"X:\\old", "X:\\new"})
+            EXPECT_FALSE(CopyFileA("X:\\from", target, 0));
+    }
+    EXPECT_EQ(drive.Read("old"), "old");
+    EXPECT_EQ(Entries(drive.Path()), 2u);
+}
+
+TEST(Delete, TakesFilesAndLinksButNothingReadOnly)
+{
+    const Mounted drive;
+    for (const char* file : {"File", "locked", "dir/in"})
+        drive.Write(file, "");
+    ReadOnly(drive.Path("locked"));
+    mkfifo(drive.Path("pipe").c_str(), 0600);
+    fs::create_symlink("locked", drive.Path("tofile"));
+    fs::create_symlink("gone", drive.Path("dangling"));
+    fs::create_directory_symlink("dir", drive.Path("todir"));
+    const std::pair<const char*, DWORD> facts[] = {
+        {"X:\\file\\", ERROR_DIRECTORY},     {"X:\\file", ERROR_SUCCESS},
+        {"X:\\file", ERROR_FILE_NOT_FOUND},  {"X:\\none\\x", ERROR_PATH_NOT_FOUND},
+        {"X:\\locked", ERROR_ACCESS_DENIED}, {"X:\\tofile", ERROR_SUCCESS},
+        {"X:\\dangling", ERROR_SUCCESS},     {"X:\\pipe", ERROR_SUCCESS},
+        {"X:\\dir", ERROR_ACCESS_DENIED},    {"X:\\todir", ERROR_ACCESS_DENIED},
+        {"X:\\", ERROR_ACCESS_DENIED},
+    };
+    for (const auto& [path, error] : facts)
+        EXPECT_EQ(Outcome(DeleteFileA(path)), error) << path;
+    EXPECT_EQ(Entries(drive.Path()), 3u);
+}
+
+TEST(Directory, IsMadeOnceAndRemovedEmpty)
+{
+    const Mounted drive;
+    drive.Write("file", "");
+    EXPECT_EQ(Outcome(CreateDirectoryA("X:\\Dir\\", nullptr)), ERROR_SUCCESS);
+    EXPECT_EQ(Outcome(CreateDirectoryA("X:\\DIR\\\\In", nullptr)), ERROR_SUCCESS);
+    for (const char* path : {"X:\\dir", "X:\\file", "X:\\"})
+        EXPECT_EQ(Outcome(CreateDirectoryA(path, nullptr)), ERROR_ALREADY_EXISTS) << path;
+    for (const char* path : {"X:\\none\\a", "X:\\file\\a"})
+        EXPECT_EQ(Outcome(CreateDirectoryA(path, nullptr)), ERROR_PATH_NOT_FOUND) << path;
+    fs::create_directory_symlink("Dir", drive.Path("link"));
+    const std::pair<const char*, DWORD> facts[] = {
+        {"X:\\dir\\", ERROR_DIR_NOT_EMPTY},    {"X:\\link\\", ERROR_SUCCESS},
+        {"X:\\dir\\in", ERROR_SUCCESS},        {"X:\\dir\\", ERROR_SUCCESS},
+        {"X:\\file", ERROR_DIRECTORY},         {"X:\\dir", ERROR_FILE_NOT_FOUND},
+        {"X:\\none\\a", ERROR_PATH_NOT_FOUND},
+    };
+    for (const auto& [path, error] : facts)
+        EXPECT_EQ(Outcome(RemoveDirectoryA(path)), error) << path;
+    fs::remove(drive.Path("file"));
+    EXPECT_EQ(Outcome(RemoveDirectoryA("X:\\")), ERROR_ACCESS_DENIED);
+    EXPECT_TRUE(fs::exists(drive.Path()));
+}

@@ -1,0 +1,213 @@
+#include "include/platform/File.h"
+#include "tests/platform/files/Mounted.h"
+#include "tests/support/Child.h"
+
+#include <array>
+#include <fcntl.h>
+#include <functional>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using test::Mounted;
+
+namespace {
+
+// The cause of the failure of an operation that throws; `none` for success.
+int CauseOf(const std::function<void()>& operation)
+{
+    try {
+        operation();
+    } catch (CFileException* pException) {
+        const int nCause = pException->m_cause;
+        pException->Delete();
+        return nCause;
+    }
+    return CFileException::none;
+}
+
+int OpenCause(const char* pszPath, unsigned nFlags)
+{
+    CFile file;
+    CFileException failure;
+    const bool bOpen = file.Open(pszPath, nFlags, &failure) != 0;
+    EXPECT_EQ(bOpen, failure.m_cause == CFileException::none);
+    return failure.m_cause;
+}
+
+CString TextOf(const CException& exception)
+{
+    std::array<char, 200> text{"untouched"};
+    UINT nHelp = 7;
+    const bool bText = exception.GetErrorMessage(text.data(), 200, &nHelp) != 0;
+    EXPECT_EQ(bText, text[0] != '\0');
+    EXPECT_EQ(nHelp, 0u);
+    return text.data();
+}
+
+} // namespace
+
+TEST(File, CreatesKeepsEmptiesAndMoves)
+{
+    const Mounted drive;
+    CFile file;
+    ASSERT_TRUE(file.Open("X:\\new", CFile::modeCreate | CFile::modeReadWrite));
+    file.Write("0123456789", 10);
+    EXPECT_EQ(file.GetPosition(), 10u);
+    EXPECT_EQ(file.Seek(-3, CFile::current), 7u);
+    std::array<char, 20> buffer{};
+    EXPECT_EQ(file.Read(buffer.data(), 20), 3u);
+    EXPECT_STREQ(buffer.data(), "789");
+    EXPECT_EQ(file.Read(buffer.data(), 20), 0u);
+    EXPECT_EQ(file.SeekToEnd(), 10u);
+    EXPECT_EQ(CauseOf([&] { file.Seek(-1, CFile::begin); }), CFileException::badSeek);
+    EXPECT_EQ(CauseOf([&] { file.Seek(0, 9); }), CFileException::badSeek);
+    EXPECT_EQ(file.GetLength(), 10u);
+    EXPECT_EQ(file.GetFilePath(), "X:\\new");
+    ASSERT_TRUE(
+        file.Open("X:\\NEW", CFile::modeCreate | CFile::modeNoTruncate | CFile::modeWrite)); // closes first
+    EXPECT_EQ(drive.Read("new").size(), 10u);
+    file.Close();
+    ASSERT_TRUE(file.Open("X:\\new", CFile::modeCreate)); // to be read
+    EXPECT_EQ(file.GetLength(), 0u);
+}
+
+TEST(File, ClosedOneIsQuietButForReadsAndWrites)
+{
+    const Mounted drive;
+    CFile file;
+    EXPECT_FALSE(file.Open("X:\\none", CFile::modeRead)); // no record for the reason
+    char ch = 0;
+    EXPECT_EQ(CauseOf([&] { file.Read(&ch, 1); }), CFileException::invalidFile);
+    EXPECT_EQ(CauseOf([&] { file.Write(&ch, 1); }), CFileException::invalidFile);
+    EXPECT_EQ(CauseOf([&] { file.Close(), file.Flush(), file.SeekToBegin(); }), CFileException::none);
+    EXPECT_EQ(file.GetLength() + file.GetPosition(), 0u);
+    EXPECT_FALSE(file.IsOpen());
+    EXPECT_EQ(file.GetFilePath(), "");
+}
+
+TEST(File, FailuresToOpenTellTheCause)
+{
+    const Mounted drive;
+    drive.Write("file", "content");
+    drive.MakeDir("dir");
+    mkfifo(drive.Path("pipe").c_str(), 0600);
+    const std::string overlong = "X:\\" + std::string(300, 'a');
+    const struct
+    {
+        const char* path;
+        unsigned flags;
+        int cause;
+    } facts[] = {
+        {"X:\\none", CFile::modeRead, CFileException::fileNotFound},
+        {"X:\\none", CFile::modeWrite, CFileException::fileNotFound},
+        {"X:\\none\\a", CFile::modeCreate | CFile::modeWrite, CFileException::badPath},
+        {"X:\\file\\a", CFile::modeRead, CFileException::badPath},
+        {"X:\\file\\", CFile::modeRead, CFileException::badPath},
+        {"Q:\\file", CFile::modeRead, CFileException::badPath},
+        {overlong.c_str(), CFile::modeRead, CFileException::badPath},
+        {nullptr, CFile::modeRead, CFileException::badPath},
+        {"X:\\dir", CFile::modeRead, CFileException::accessDenied},
+        {"X:\\dir", CFile::modeCreate | CFile::modeWrite, CFileException::accessDenied},
+        {"X:\\pipe", CFile::modeRead, CFileException::accessDenied},
+        {"X:\\pipe", CFile::modeReadWrite, CFileException::accessDenied},
+        {"X:\\file", 3, CFileException::badPath},
+        {"X:\\file", CFile::modeRead | CFile::typeText | CFile::modeNoInherit, CFileException::none},
+    };
+    for (const auto& fact : facts)
+        EXPECT_EQ(OpenCause(fact.path, fact.flags), fact.cause) << fact.path;
+    EXPECT_EQ(drive.Read("file"), "content");
+}
+
+TEST(File, DevicesAreFilesAndAFullOneSaysSo)
+{
+    CFile file;
+    CFileException none;
+    ASSERT_TRUE(file.Open("C:\\dev\\full", CFile::modeCreate | CFile::modeWrite, &none));
+    CFile second;
+    EXPECT_TRUE(second.Open("C:\\dev\\full", CFile::modeWrite)); // devices are not kept from others
+    try {
+        file.Write("x", 1);
+        ADD_FAILURE();
+    } catch (CFileException* pException) {
+        EXPECT_EQ(pException->m_cause, CFileException::diskFull);
+        EXPECT_EQ(pException->m_lOsError, ENOSPC);
+        EXPECT_EQ(TextOf(*pException), "C:\\dev\\full: The disk is full.");
+        pException->Delete();
+    }
+}
+
+TEST(File, WritersShareAsTheySayAndReadersAlwaysDo)
+{
+    const Mounted drive;
+    const CString strPath = drive.Win("file"); // as other processes know it
+    const unsigned exclusive[] = {CFile::shareCompat, CFile::shareExclusive, CFile::shareDenyWrite};
+    const unsigned open[] = {CFile::shareDenyNone, CFile::shareDenyRead};
+    const auto second = [&](unsigned first, unsigned flags) {
+        CFile file;
+        EXPECT_TRUE(file.Open(strPath, CFile::modeCreate | CFile::modeWrite | first));
+        file.Write("kept", 4);
+        const int nHere = OpenCause(strPath, flags);
+        test::Child child("FilesChild", {"open", strPath.GetString(), std::to_string(flags)});
+        EXPECT_EQ(child.Wait(), nHere);
+        return nHere;
+    };
+    for (const unsigned first : exclusive) {
+        EXPECT_EQ(second(first, CFile::modeCreate | CFile::modeWrite | CFile::shareDenyNone),
+                  CFileException::sharingViolation);
+        EXPECT_EQ(drive.Read("file"), "kept");
+        EXPECT_EQ(second(first, CFile::modeRead | CFile::shareExclusive), CFileException::none);
+    }
+    for (const unsigned first : open) {
+        EXPECT_EQ(second(first, CFile::modeReadWrite | CFile::shareDenyNone), CFileException::none);
+        EXPECT_EQ(second(first, CFile::modeWrite | CFile::shareDenyWrite), CFileException::sharingViolation);
+    }
+    CFile reader;
+    EXPECT_TRUE(reader.Open(strPath, CFile::modeRead | CFile::shareExclusive));
+    EXPECT_EQ(OpenCause(strPath, CFile::modeWrite | CFile::shareExclusive), CFileException::none);
+}
+
+TEST(File, ShareEndsWithItsHolderAlsoByAKill)
+{
+    const Mounted drive;
+    drive.Write("file", "");
+    mkfifo(drive.Path("ready").c_str(), 0600);
+    const unsigned flags = CFile::modeWrite | CFile::shareDenyWrite;
+    test::Child holder("FilesChild",
+                       {"hold", drive.Win("file").GetString(), std::to_string(flags), drive.Path("ready")});
+    close(::open(drive.Path("ready").c_str(), O_RDONLY | O_CLOEXEC));
+    EXPECT_EQ(OpenCause("X:\\file", flags), CFileException::sharingViolation);
+    holder.Kill();
+    holder.Wait();
+    EXPECT_EQ(OpenCause("X:\\file", flags), CFileException::none);
+}
+
+TEST(Exceptions, TextsNameTheFileAndTheCauseAndFitTheBuffer)
+{
+    CFileException failure;
+    CFile().Open("X:\\\xD5\x5C.txt", CFile::modeRead, &failure);
+    EXPECT_EQ(TextOf(failure), "X:\\\xD5\x5C.txt: The path is invalid, or a directory of it doesn't exist.");
+    EXPECT_EQ(TextOf(CFileException(CFileException::fileNotFound)), "The file was not found.");
+    EXPECT_EQ(TextOf(CFileException(CFileException::genericException, EFAULT, "f")),
+              "f: The file can't be used. (Bad address)");
+    EXPECT_EQ(TextOf(CFileException()), "");
+    EXPECT_EQ(TextOf(CException()), "");
+    std::array<char, 5> small{};
+    EXPECT_TRUE(failure.GetErrorMessage(small.data(), 5));
+    EXPECT_STREQ(small.data(), "X:\\"); // no half character
+    EXPECT_FALSE(failure.GetErrorMessage(nullptr, 5));
+    EXPECT_FALSE(failure.GetErrorMessage(small.data(), 0));
+    const std::pair<void (*)(), const char*> throwers[] = {
+        {AfxThrowMemoryException, "There is not enough memory."},
+        {AfxThrowInvalidArgException, "An argument is invalid."},
+        {[] { AfxThrowFileException(CFileException::endOfFile, 0, "f"); }, "f: The file ended unexpectedly."},
+    };
+    for (const auto& [thrower, text] : throwers) {
+        try {
+            thrower();
+        } catch (CException* pException) {
+            EXPECT_EQ(TextOf(*pException), text);
+            pException->Delete();
+        }
+    }
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "include/platform/FileSystem.h"
+#include "include/platform/Host.h"
+#include "tests/support/TempDir.h"
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace test {
+
+// A temporary directory that is the drive `X:` for the time of its scope.
+class Mounted : public TempDir
+{
+public:
+    explicit Mounted(KXHost::Drive drive = {})
+    {
+        drive.strRoot = Path();
+        KXHost::MountDrive('X', drive);
+    }
+    ~Mounted() { KXHost::UnmountDrive('X'); }
+
+    // What a path of the library names, relative to the drive's root; "?" for a path elsewhere.
+    std::string Named(const char* pszPath) const
+    {
+        const std::string path = KXHost::ToSystemPath(pszPath);
+        return path == Path() ? "/" : path.starts_with(Path() + "/") ? path.substr(Path().size()) : "?";
+    }
+    // The library's path of an entry by its UTF-8 name.
+    CString Of(std::string_view relative) const { return KXHost::FromSystemPath(Path(relative)); }
+};
+
+// Comes back to the directory that was current.
+class KeepDirectory
+{
+public:
+    ~KeepDirectory()
+    {
+        std::error_code ignored;
+        std::filesystem::current_path(m_old, ignored);
+    }
+
+private:
+    std::filesystem::path m_old = std::filesystem::current_path();
+};
+
+} // namespace test

@@ -1,0 +1,244 @@
+#include "include/platform/File.h"
+#include "tests/platform/files/Mounted.h"
+#include "tests/support/Child.h"
+#include "tests/support/Host.h"
+
+#include <filesystem>
+#include <functional>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using test::Mounted;
+
+namespace {
+
+constexpr DWORD kUntouched = 12345;
+
+// The last error that an operation leaves.
+DWORD ErrorOf(const std::function<void()>& operation)
+{
+    SetLastError(kUntouched);
+    operation();
+    return GetLastError();
+}
+
+} // namespace
+
+TEST(Path, IsTakenApartInItsText)
+{
+    const Mounted drive;
+    const struct
+    {
+        const char* path;
+        const char* named;
+    } facts[] = {
+        {"X:\\", "/"},
+        {"x:/", "/"},
+        {"X:\\a\\b", "/a/b"},
+        {"x:/a\\b/", "/a/b"},
+        {"X:\\\\a\\\\\\b\\\\", "/a/b"},
+        {"X:\\.\\a\\.\\b\\.", "/a/b"},
+        {"X:\\gone\\..\\a", "/a"},
+        {"X:\\..\\..\\a\\..\\..\\..\\b", "/b"},
+        {"X:\\..", "/"},
+        {"X:\\...\\..a", "/.../..a"},
+        {"X:\\a:b", "/a:b"},
+        {"X:\\a*b?", "/a*b?"},
+    };
+    for (const auto& fact : facts)
+        EXPECT_EQ(drive.Named(fact.path), fact.named) << fact.path;
+}
+
+TEST(Path, RelativeOnesBeginInTheCurrentDirectoryAndItsDrive)
+{
+    const Mounted drive;
+    const test::KeepDirectory keep;
+    drive.MakeDir("work/deep");
+    EXPECT_TRUE(SetCurrentDirectoryA("x:\\WORK\\deep"));
+    const struct
+    {
+        const char* path;
+        const char* named;
+    } facts[] = {
+        {"a", "/work/deep/a"},       {".", "/work/deep"},  {"..\\a", "/work/a"},
+        {"..\\..\\..\\..\\a", "/a"}, {"\\a", "/a"},        {"/a/b", "/a/b"},
+        {"X:a", "/work/deep/a"},     {"X:", "/work/deep"}, {"..\\DEEP", "/work/deep"},
+        {"\\\\host\\a", "/host/a"},
+    };
+    for (const auto& fact : facts)
+        EXPECT_EQ(drive.Named(fact.path), fact.named) << fact.path;
+    EXPECT_EQ(KXHost::ToSystemPath("C:a"), "/a"); // another drive has no current directory of its own
+    EXPECT_EQ(drive.Named("C:\\.."), "?");
+
+    char buffer[MAX_PATH] = "as it was";
+    EXPECT_EQ(GetCurrentDirectoryA(12, buffer), 13u);
+    EXPECT_STREQ(buffer, "as it was");
+    EXPECT_EQ(GetCurrentDirectoryA(13, buffer), 12u);
+    EXPECT_STREQ(buffer, "X:\\work\\deep");
+    EXPECT_EQ(GetCurrentDirectoryA(0, nullptr), 13u);
+    EXPECT_TRUE(SetCurrentDirectoryA("\\"));
+    EXPECT_EQ(GetCurrentDirectoryA(MAX_PATH, buffer), 3u);
+    EXPECT_STREQ(buffer, "X:\\");
+    EXPECT_EQ(GetSystemDirectoryA(buffer, MAX_PATH), 10u);
+    EXPECT_STREQ(buffer, "C:\\usr\\lib");
+    EXPECT_EQ(GetWindowsDirectoryA(buffer, 3), 7u);
+    EXPECT_EQ(GetWindowsDirectoryA(buffer, MAX_PATH), 6u);
+    EXPECT_STREQ(buffer, "C:\\usr");
+}
+
+TEST(Path, CurrentDirectoryKeepsItsSpellingThroughLinksUntilOthersMoveIt)
+{
+    const Mounted drive;
+    const test::KeepDirectory keep;
+    drive.MakeDir("real/inner");
+    fs::create_directory_symlink(drive.Path("real"), drive.Path("link"));
+    char buffer[MAX_PATH];
+    EXPECT_TRUE(SetCurrentDirectoryA("X:\\link\\inner"));
+    GetCurrentDirectoryA(MAX_PATH, buffer);
+    EXPECT_STREQ(buffer, "X:\\link\\inner");
+    EXPECT_EQ(drive.Named("..\\a"), "/link/a");
+    fs::current_path(drive.Path("real"));
+    GetCurrentDirectoryA(MAX_PATH, buffer);
+    EXPECT_STREQ(buffer, "X:\\real");
+    EXPECT_FALSE(SetCurrentDirectoryA("X:\\none"));
+    EXPECT_EQ(drive.Named("a"), "/real/a");
+    fs::current_path("/");
+    EXPECT_EQ(drive.Named("tmp"), "?");
+}
+
+TEST(Path, ExactNameWinsElseTheLowestIgnoringCase)
+{
+    const Mounted drive;
+    for (const char* file :
+         {"Skins/Default/Skin.ini", "two/b", "two/B", "mix/NAME/in", "mix/Name", "é/Été", "one/É"})
+        drive.Write(file, "");
+    const struct
+    {
+        const char* path; // UTF-8
+        const char* named;
+    } facts[] = {
+        {"X:\\skins\\DEFAULT\\skin.INI", "/Skins/Default/Skin.ini"},
+        {"X:\\SKINS\\new\\Default", "/Skins/new/Default"}, // what doesn't exist is taken as it stands
+        {"X:\\two\\b", "/two/b"},
+        {"X:\\TWO\\b", "/two/b"},
+        {"X:\\two\\B", "/two/B"},
+        {"X:\\mix\\name", "/mix/NAME"},
+        {"X:\\mix\\name\\IN", "/mix/NAME/in"}, // the file `Name` holds nothing
+        {"X:\\É\\ÉTÉ", "/é/Été"},
+        {"X:\\one\\é", "/one/É"},
+        {"X:\\two\\b\\c", "/two/b/c"}, // a file holds nothing, and no other spelling is tried
+    };
+    for (const UINT page : {CP_GBK, CP_UTF8}) {
+        const test::CodePage scope(page);
+        for (const auto& fact : facts) {
+            std::string relative = fact.path + 3;
+            std::replace(relative.begin(), relative.end(), '\\', '/');
+            EXPECT_EQ(drive.Named(drive.Of(relative)), fact.named) << fact.path;
+        }
+    }
+    drive.Write("two/a/x", "");
+    EXPECT_EQ(drive.Named("X:\\two\\A\\X"), "/two/a/x");
+}
+
+TEST(Path, NamesOfBothCodePagesSurviveTheRoundTrip)
+{
+    const Mounted drive;
+    const char* names[] = {"plain",    "\xE8\xAA\xA0",     "\xE4\xB8\xAD\xE6\x96\x87",
+                           "\xC3\xB1", "\xF0\x9F\x98\x80", "a b"};
+    for (const UINT page : {CP_GBK, CP_UTF8}) {
+        const test::CodePage scope(page);
+        for (const std::string name : names)
+            EXPECT_EQ(drive.Named(drive.Of(name + "/" + name)), "/" + name + "/" + name) << name;
+    }
+    // The second byte of this character is a backslash.
+    EXPECT_EQ(drive.Named("X:\\\xD5\x5C\\\xD5\x5C"), "/\xE8\xAA\xA0/\xE8\xAA\xA0");
+    EXPECT_EQ(drive.Of("\xE8\xAA\xA0"), "X:\\\xD5\x5C");
+    const test::CodePage utf8(CP_UTF8);
+    EXPECT_EQ(ErrorOf([] { KXHost::ToSystemPath("X:\\\xD5\x5C"); }), ERROR_INVALID_NAME);
+}
+
+TEST(Path, LinuxPathsOutsideTheDrivesOrTheirNamesHaveNone)
+{
+    const Mounted drive;
+    EXPECT_EQ(KXHost::FromSystemPath("/usr//lib/./x/../y/"), "C:\\usr\\lib\\y");
+    EXPECT_EQ(KXHost::FromSystemPath("/"), "C:\\");
+    EXPECT_EQ(drive.Of(""), "X:\\");
+    EXPECT_EQ(KXHost::FromSystemPath(drive.Path() + "y"), CString("C:") + drive.Win().Mid(2) + "y");
+    for (const std::string path : {"", "relative", "/a\\b", "/\xFF"})
+        EXPECT_EQ(KXHost::FromSystemPath(path), "");
+    EXPECT_EQ(KXHost::FromSystemPath("/" + std::string(256, 'a')).GetLength(), 259);
+    EXPECT_EQ(KXHost::FromSystemPath("/" + std::string(257, 'a')), "");
+
+    KXHost::Drive elsewhere;
+    elsewhere.strRoot = drive.Path() + "//c/./";
+    EXPECT_TRUE(KXHost::MountDrive('c', elsewhere));
+    EXPECT_EQ(KXHost::FromSystemPath("/usr"), "");
+    EXPECT_EQ(KXHost::ToSystemPath("C:\\usr"), drive.Path("c/usr"));
+    EXPECT_EQ(drive.Of("c/usr"), "C:\\usr");
+    KXHost::UnmountDrive('C');
+    EXPECT_EQ(KXHost::ToSystemPath("C:\\usr"), "/usr");
+}
+
+TEST(Path, WhatNamesNothingFailsAlikeEverywhere)
+{
+    const Mounted drive;
+    const std::string longest = "X:\\" + std::string(256, 'a');
+    const std::string overlong = longest + "a";
+    const std::string huge = "X:\\" + std::string(1'000'000, 'b');
+    const struct
+    {
+        const char* path;
+        DWORD error;
+    } facts[] = {
+        {nullptr, ERROR_PATH_NOT_FOUND},
+        {"", ERROR_PATH_NOT_FOUND},
+        {"Q:\\a", ERROR_PATH_NOT_FOUND},
+        {"X:\\\xFF\xFF", ERROR_INVALID_NAME},
+        {overlong.c_str(), ERROR_FILENAME_EXCED_RANGE},
+        {huge.c_str(), ERROR_FILENAME_EXCED_RANGE},
+    };
+    WIN32_FIND_DATAA data;
+    for (const auto& fact : facts) {
+        const char* path = fact.path;
+        const std::function<bool()> operations[] = {
+            [&] { return !KXHost::ToSystemPath(path).empty(); },
+            [&] { return PathFileExistsA(path) != 0; },
+            [&] { return GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES; },
+            [&] { return FindFirstFileA(path, &data) != INVALID_HANDLE_VALUE; },
+            [&] { return DeleteFileA(path) != 0; },
+            [&] { return CreateDirectoryA(path, nullptr) != 0; },
+            [&] { return RemoveDirectoryA(path) != 0; },
+            [&] { return SetCurrentDirectoryA(path) != 0; },
+            [&] { return CopyFileA(path, "X:\\t", 0) != 0; },
+            [&] { return CFile().Open(path, CFile::modeRead) != 0; },
+        };
+        for (const auto& operation : operations)
+            EXPECT_EQ(ErrorOf([&] { EXPECT_FALSE(operation()); }), fact.error) << (path ? path : "null");
+        drive.Write("source", "");
+        EXPECT_EQ(ErrorOf([&] { EXPECT_FALSE(CopyFileA("X:\\source", path, 0)); }), fact.error);
+    }
+    EXPECT_EQ(drive.Named(longest.c_str()).size(), 257u);
+}
+
+TEST(Path, LoopsAndUnreadableDirectoriesEndTheSearch)
+{
+    const Mounted drive;
+    fs::create_symlink("loop2", drive.Path("loop1"));
+    fs::create_symlink("loop1", drive.Path("loop2"));
+    EXPECT_EQ(drive.Named("X:\\LOOP1"), "/loop1");
+    EXPECT_EQ(drive.Named("X:\\LOOP1\\x\\y"), "/LOOP1/x/y"); // no directory, so no match for a head
+    EXPECT_FALSE(PathFileExistsA("X:\\loop1\\x"));
+    EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
+    EXPECT_TRUE(PathFileExistsA("X:\\loop1"));
+
+    drive.Write("closed/File", "");
+    fs::permissions(drive.Path(), fs::perms::all);
+    fs::permissions(drive.Path("closed"), fs::perms::owner_exec | fs::perms::others_exec);
+    test::Child exact("FilesChild", {"exists", drive.Win("closed\\File").GetString()});
+    EXPECT_EQ(exact.Wait(), 0); // a name can be used where it can't be listed
+    test::Child folded("FilesChild", {"exists", drive.Win("closed\\file").GetString()});
+    EXPECT_EQ(folded.Wait(), static_cast<int>(ERROR_FILE_NOT_FOUND));
+    test::Child listed("FilesChild", {"list", drive.Win("closed\\*").GetString()});
+    EXPECT_EQ(listed.Wait(), static_cast<int>(ERROR_ACCESS_DENIED));
+}

@@ -1,0 +1,274 @@
+#include "tests/support/Picture.h"
+
+#include "tests/platform/gdi/LoadedImage.h"
+
+#include <array>
+#include <climits>
+#include <gmock/gmock.h>
+
+using test::Paper;
+using test::Picture;
+using test::Scoped;
+
+namespace {
+
+HBITMAP Load(const test::Bmp& bmp)
+{
+    return static_cast<HBITMAP>(test::LoadFile(bmp.File(), IMAGE_BITMAP));
+}
+
+// A picture in which every pixel differs from its neighbours.
+Picture Colorful(int width, int height)
+{
+    Picture picture;
+    for (int y = 0; y < height; ++y) {
+        picture.emplace_back();
+        for (int x = 0; x < width; ++x)
+            picture.back() += "RGBCMYW"[(x * 3 + y * 5 + x * y) % 7];
+    }
+    return picture;
+}
+
+struct Copy
+{
+    int x, y, cx, cy, xSrc, ySrc;
+};
+
+char& At(Picture& picture, int x, int y)
+{
+    return picture[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)];
+}
+
+bool IsIn(const Picture& picture, int x, int y)
+{
+    return x >= 0 && y >= 0 && y < static_cast<int>(picture.size()) &&
+           x < static_cast<int>(picture[0].size());
+}
+
+// What a copy makes of a picture: pixel by pixel, from what the source was before. `clip` tells where to
+// paint, `key` is left out unless it is 0.
+template <class Clip>
+Picture Copied(const Picture& to, Picture from, const Copy& copy, char key, Clip&& clip)
+{
+    Picture result = to;
+    for (int n = 0; n < copy.cy; ++n)
+        for (int m = 0; m < copy.cx; ++m) {
+            const int x = copy.x + m, y = copy.y + n, u = copy.xSrc + m, v = copy.ySrc + n;
+            if (IsIn(result, x, y) && IsIn(from, u, v) && clip(x, y) && At(from, u, v) != key)
+                At(result, x, y) = At(from, u, v);
+        }
+    return result;
+}
+
+const auto everywhere = [](int, int) { return true; };
+
+int Blit(HDC to, const Copy& copy, HDC from)
+{
+    return BitBlt(to, copy.x, copy.y, copy.cx, copy.cy, from, copy.xSrc, copy.ySrc, SRCCOPY);
+}
+
+int BlitKeyed(HDC to, const Copy& copy, HDC from, char key)
+{
+    return TransparentBlt(to, copy.x, copy.y, copy.cx, copy.cy, from, copy.xSrc, copy.ySrc, copy.cx, copy.cy,
+                          test::ColorOf(key));
+}
+
+} // namespace
+
+TEST(BitBlt, CopiesABlockAndCutsItToBothSurfaces)
+{
+    const Picture source = Colorful(6, 5);
+    const Paper from(source);
+    for (const Copy& copy :
+         {Copy{1, 1, 3, 2, 2, 1}, Copy{-2, -1, 6, 5, 0, 0}, Copy{3, 2, 9, 9, 0, 0}, Copy{0, 0, 4, 4, -2, -1},
+          Copy{0, 0, 4, 4, 4, 3}, Copy{-3, 1, 9, 1, -5, 2}, Copy{1, 1, 0, 3, 0, 0}, Copy{1, 1, -2, 3, 0, 0},
+          Copy{9, 9, 3, 3, 0, 0}, Copy{0, 0, 3, 3, 6, 0}}) {
+        const Paper to(5, 4);
+        EXPECT_EQ(Blit(to, copy, from), 1);
+        EXPECT_EQ(to.Read(), Copied(Picture(4, "....."), source, copy, 0, everywhere))
+            << copy.x << ' ' << copy.xSrc;
+    }
+    EXPECT_EQ(from.Read(), source);
+}
+
+// Each direction, within one surface: whole, and cut into three parts of which two lie side by side.
+TEST(BitBlt, OverlappingCopiesReadWhatWasThereBefore)
+{
+    const Picture before = Colorful(9, 8);
+    const std::array<RECT, 3> parts{{{0, 0, 4, 3}, {6, 0, 9, 3}, {1, 5, 8, 8}}};
+    const Scoped<HRGN> region(CreateRectsRgn(parts.data(), 3));
+    const auto inParts = [&](int x, int y) { return PtInRegion(region, x, y) != 0; };
+    for (int dx = -3; dx <= 3; ++dx)
+        for (int dy = -3; dy <= 3; ++dy) {
+            const Copy copy{2 + dx, 2 + dy, 6, 5, 2, 2};
+            for (const char key : {'\0', 'G'}) {
+                const Paper whole(before);
+                const Paper clipped(before);
+                SelectClipRgn(clipped, region);
+                for (const HDC dc : {HDC{whole}, HDC{clipped}})
+                    EXPECT_EQ(key ? BlitKeyed(dc, copy, dc, key) : Blit(dc, copy, dc), 1);
+                SelectClipRgn(clipped, nullptr);
+                EXPECT_EQ(whole.Read(), Copied(before, before, copy, key, everywhere))
+                    << dx << ' ' << dy << key;
+                EXPECT_EQ(clipped.Read(), Copied(before, before, copy, key, inParts))
+                    << dx << ' ' << dy << key;
+            }
+        }
+}
+
+TEST(BitBlt, ReadsAndPaintsTheDesktop)
+{
+    const HDC desktop = GetDC(nullptr);
+    const Paper paper(2, 2, 'R');
+    BitBlt(desktop, DESKTOP_WIDTH - 1, DESKTOP_HEIGHT - 1, 2, 2, paper, 0, 0, SRCCOPY);
+    const Paper shot(3, 3, 'W');
+    BitBlt(shot, 0, 0, 3, 3, desktop, DESKTOP_WIDTH - 2, DESKTOP_HEIGHT - 2, SRCCOPY);
+    EXPECT_EQ(shot.Read(), (Picture{"??W", "?RW", "WWW"}));
+    SetPixel(desktop, DESKTOP_WIDTH - 1, DESKTOP_HEIGHT - 1, DESKTOP_COLOR);
+    ReleaseDC(nullptr, desktop);
+}
+
+TEST(BlockCopy, RefusesBadSurfacesAndOperations)
+{
+    const Paper paper(2, 2, 'W');
+    const Paper from(2, 2, 'R');
+    EXPECT_EQ(BitBlt(nullptr, 0, 0, 2, 2, from, 0, 0, SRCCOPY), 0);
+    EXPECT_EQ(BitBlt(paper, 0, 0, 2, 2, nullptr, 0, 0, SRCCOPY), 0);
+    EXPECT_EQ(BitBlt(paper, 0, 0, 2, 2, from, 0, 0, 0x42), 0);
+    EXPECT_EQ(StretchBlt(paper, 0, 0, 2, 2, from, 0, 0, 1, 1, 0x42), 0);
+    EXPECT_EQ(StretchBlt(paper, 0, 0, -2, 2, from, 0, 0, 1, 1, SRCCOPY), 0);
+    EXPECT_EQ(StretchBlt(paper, 0, 0, 2, 2, from, 0, 0, 1, -1, SRCCOPY), 0);
+    EXPECT_EQ(StretchBlt(nullptr, 0, 0, 2, 2, from, 0, 0, 1, 1, SRCCOPY), 0);
+    EXPECT_EQ(TransparentBlt(nullptr, 0, 0, 2, 2, from, 0, 0, 2, 2, 0), 0);
+    EXPECT_EQ(TransparentBlt(paper, 0, 0, 2, 2, nullptr, 0, 0, 2, 2, 0), 0);
+    EXPECT_EQ(TransparentBlt(paper, 0, 0, 2, -2, from, 0, 0, 2, 2, 0), 0);
+    for (const Copy& copy : {Copy{0, 0, 2, 2, 1, 0}, Copy{0, 0, 2, 2, 0, -1}, Copy{0, 0, 3, 2, 0, 0},
+                             Copy{0, 0, 1, INT_MAX, 0, 1}})
+        EXPECT_EQ(BlitKeyed(paper, copy, from, 'G'), 0) << "a source that leaves its surface";
+    EXPECT_EQ(paper.Read(), (Picture{"WW", "WW"}));
+}
+
+TEST(BlockCopy, OfAnySizeAndPlaceStaysWithinTheSurfaces)
+{
+    const std::array<int, 7> numbers{INT_MIN, -1'000'000'000, -1, 0, 2, 1'500'000'000, INT_MAX};
+    const std::array<int, 4> sizes{0, 2, 1'500'000'000, INT_MAX};
+    const Paper paper(3, 3, 'W');
+    const Paper from(4, 4, 'R');
+    const test::NoLeak noLeak;
+    for (const int a : numbers)
+        for (const int b : numbers)
+            for (const int c : numbers) {
+                for (const int d : numbers) {
+                    BitBlt(paper, a, b, c, d, from, d, b, SRCCOPY);
+                    BitBlt(paper, a, 0, INT_MAX, 3, paper, b, c, SRCCOPY);
+                }
+                for (const int cx : sizes)
+                    for (const int cxSrc : sizes) {
+                        StretchBlt(paper, a, b, cx, 5, from, c, a, cxSrc, INT_MAX, SRCCOPY);
+                        StretchBlt(paper, a, 0, cx, INT_MAX, paper, b, c, cxSrc, 2, SRCCOPY);
+                        TransparentBlt(paper, a, b, cx, INT_MAX, from, 0, 1, 4, 3, 0);
+                        TransparentBlt(paper, a, b, 3, cx, paper, c, 0, cxSrc, 1, 0xFF);
+                    }
+            }
+    EXPECT_NE(GetPixel(paper, 2, 2), CLR_INVALID);
+}
+
+// Widths around those of vector registers, at each alignment.
+TEST(TransparentBlt, LeavesOutTheKeyAtAnyWidth)
+{
+    const Picture source = Colorful(70, 3);
+    const Paper from(source);
+    for (int width = 0; width <= 67; ++width) {
+        const Copy copy{width % 5, 1, width, 2, width % 3, 0};
+        const Paper to(72, 3, 'W');
+        ASSERT_EQ(BlitKeyed(to, copy, from, 'C'), 1);
+        ASSERT_EQ(to.Read(), Copied(Picture(3, std::string(72, 'W')), source, copy, 'C', everywhere))
+            << width;
+    }
+}
+
+TEST(TransparentBlt, HighBytesOfPixelsAndKeyDoNotCount)
+{
+    test::Bmp bmp = test::ToBmp({"KKKK"}, 32);
+    bmp.pixels =
+        test::Le(0xFF00FF00, 4) + test::Le(0x0000FF00, 4) + test::Le(0x80FF0000, 4) + test::Le(0xFF01, 4);
+    const Scoped<HBITMAP> loaded(Load(bmp));
+    const HDC from = CreateCompatibleDC(nullptr);
+    SelectObject(from, loaded);
+    const Paper to(4, 1, 'W');
+    EXPECT_EQ(TransparentBlt(to, 0, 0, 4, 1, from, 0, 0, 4, 1, 0xAB00FF00), 1);
+    EXPECT_EQ(to.Read(), (Picture{"WWR?"}));
+    EXPECT_EQ(TransparentBlt(to, 0, 0, 2, 1, from, 0, 0, 4, 1, 0x0000FF00), 1);
+    EXPECT_EQ(to.Read(), (Picture{"WRR?"}));
+    DeleteDC(from);
+}
+
+TEST(StretchBlt, TakesThePixelThatTheCentreFallsInto)
+{
+    const Paper from({"RGBC", "MYWR"});
+    const auto stretched = [&](int cx, int cy, int xSrc, int cxSrc, int cySrc) {
+        const Paper to(cx, cy);
+        EXPECT_EQ(StretchBlt(to, 0, 0, cx, cy, from, xSrc, 0, cxSrc, cySrc, SRCCOPY), 1);
+        return to.Read();
+    };
+    EXPECT_EQ(stretched(8, 4, 0, 4, 2), (Picture{"RRGGBBCC", "RRGGBBCC", "MMYYWWRR", "MMYYWWRR"}));
+    EXPECT_EQ(stretched(6, 1, 1, 2, 1), (Picture{"GGGBBB"}));
+    EXPECT_EQ(stretched(2, 1, 0, 4, 2), (Picture{"RB"})); // on an edge: the left, the upper
+    EXPECT_EQ(stretched(3, 2, 0, 4, 2), (Picture{"RGC", "MYR"}));
+    EXPECT_EQ(stretched(5, 1, 0, 4, 1), (Picture{"RGGBC"}));
+    EXPECT_EQ(stretched(4, 2, 0, 4, 2), from.Read());
+    EXPECT_EQ(stretched(8, 1, -2, 4, 1), (Picture{"....RRGG"})); // nothing outside is read
+    EXPECT_EQ(stretched(4, 4, 3, 2, 4), (Picture{"CC..", "RR..", "....", "...."}));
+    EXPECT_EQ(stretched(2, 2, 0, 0, 2), (Picture{"..", ".."}));
+}
+
+TEST(StretchBlt, CutsAndKeysLikeTheWhole)
+{
+    const Paper from({"RGB", "CMY"});
+    const Paper to(6, 4, 'W');
+    const RECT parts[] = {{0, 0, 2, 2}, {3, 1, 6, 4}};
+    const Scoped<HRGN> region(CreateRectsRgn(parts, 2));
+    SelectClipRgn(to, region);
+    EXPECT_EQ(TransparentBlt(to, -1, -1, 6, 6, from, 0, 0, 3, 2, test::ColorOf('G')), 1);
+    SelectClipRgn(to, nullptr);
+    EXPECT_EQ(to.Read(), (Picture{"RWWWWW", "RWWBBW", "WWWYYW", "WWWYYW"}));
+    EXPECT_EQ(StretchBlt(to, 4, 3, 4, 4, from, 0, 0, 2, 2, SRCCOPY), 1);
+    EXPECT_EQ(to.Read(), (Picture{"RWWWWW", "RWWBBW", "WWWYYW", "WWWYRR"}));
+}
+
+TEST(StretchBlt, WithinOneSurfaceReadsWhatWasThereBefore)
+{
+    const Paper paper({"RGBW", "CMYW"});
+    EXPECT_EQ(StretchBlt(paper, 0, 0, 4, 2, paper, 0, 0, 2, 1, SRCCOPY), 1);
+    EXPECT_EQ(paper.Read(), (Picture{"RRGG", "RRGG"}));
+    const Paper keyed({"RGBW"});
+    EXPECT_EQ(TransparentBlt(keyed, 0, 0, 4, 1, keyed, 0, 0, 2, 1, test::ColorOf('R')), 1);
+    EXPECT_EQ(keyed.Read(), (Picture{"RGGG"}));
+}
+
+TEST(CopyObserver, HearsOfEachCopyAsItWasCalled)
+{
+    const test::NoLeak noLeak;
+    const Paper to(2, 2);
+    const Paper from(2, 2);
+    std::vector<KXHost::CopyRecord> heard;
+    KXHost::SetCopyObserver([&](const KXHost::CopyRecord& copy) {
+        heard.push_back(copy);
+        BitBlt(to, 0, 0, 1, 1, from, 0, 0, SRCCOPY); // of its own copies it doesn't hear
+        throw 1;
+    });
+    BitBlt(nullptr, 1, -2, 3, 4, from, 5, 6, SRCCOPY);
+    StretchBlt(to, 1, 2, -3, 4, nullptr, 5, 6, 7, 8, 0x42);
+    TransparentBlt(to, 1, 2, 3, 4, from, 5, 6, 7, 8, 0x99);
+    KXHost::SetCopyObserver({});
+    BitBlt(to, 0, 0, 1, 1, from, 0, 0, SRCCOPY);
+    ASSERT_EQ(heard.size(), 3u);
+    const auto is = [](const KXHost::CopyRecord& a, const KXHost::CopyRecord& b) {
+        return a.kind == b.kind && a.hDst == b.hDst && a.x == b.x && a.y == b.y && a.cx == b.cx &&
+               a.cy == b.cy && a.hSrc == b.hSrc && a.xSrc == b.xSrc && a.ySrc == b.ySrc &&
+               a.cxSrc == b.cxSrc && a.cySrc == b.cySrc && a.clrKey == b.clrKey;
+    };
+    EXPECT_TRUE(is(heard[0], {KXHost::CopyKind::BitBlt, nullptr, 1, -2, 3, 4, from, 5, 6, 3, 4, 0}));
+    EXPECT_TRUE(is(heard[1], {KXHost::CopyKind::StretchBlt, to, 1, 2, -3, 4, nullptr, 5, 6, 7, 8, 0}));
+    EXPECT_TRUE(is(heard[2], {KXHost::CopyKind::TransparentBlt, to, 1, 2, 3, 4, from, 5, 6, 7, 8, 0x99}));
+}

@@ -1,0 +1,243 @@
+#include "include/platform/Gdi.h"
+
+#include "tests/platform/gdi/LoadedImage.h"
+
+namespace {
+
+using namespace test;
+
+const Picture kPicture = {"KBGCRMYWR", "WYMRCGBKG", "RRRRRBBBB"};
+const Picture kNull = {"null"};
+const Picture kTwoColors = {"KWKWWKWWWKW", "WWWWKKKKWKK"};
+
+// The last columns of a picture cut off.
+Picture CutTo(Picture picture, std::size_t width)
+{
+    for (std::string& row : picture)
+        row.resize(width);
+    return picture;
+}
+
+TEST(Bmp, EveryDepthDirectionAndRowPadding)
+{
+    for (const DWORD depth : {1u, 4u, 8u, 16u, 24u, 32u})
+        for (const bool topDown : {false, true})
+            for (std::size_t width = 1; width <= 9; ++width) {
+                const Picture picture = CutTo(depth == 1 ? kTwoColors : kPicture, width);
+                const Bmp bmp = ToBmp(picture, depth, topDown, depth == 1 ? "KW" : kLetters);
+                SCOPED_TRACE(testing::Message()
+                             << depth << " bits, width " << width << ", top-down " << topDown);
+                const LoadedBitmap bitmap(bmp.File());
+                ASSERT_EQ(bitmap.Letters(), picture);
+                const BITMAP record = bitmap.Record();
+                EXPECT_EQ(record.bmBitsPixel, depth);
+                EXPECT_EQ(record.bmWidthBytes, static_cast<LONG>(bmp.pixels.size() / picture.size()));
+            }
+}
+
+TEST(Bmp, EveryHeader)
+{
+    for (const DWORD size : {12u, 40u, 52u, 56u, 108u, 124u})
+        for (const DWORD depth : {8u, 24u}) {
+            Bmp bmp = ToBmp(kPicture, depth);
+            bmp.headerSize = size;
+            if (size == 12 && depth == 8) bmp.palette.resize(1024); // has no count
+            EXPECT_EQ(LoadedBitmap(bmp.File()).Letters(), kPicture) << size << " bytes, " << depth << " bits";
+        }
+}
+
+TEST(Bmp, ChannelsAreBroughtToEightBits)
+{
+    const struct
+    {
+        DWORD depth;
+        DWORD masks[4];
+        DWORD value;
+        DWORD pixel;
+    } cases[] = {
+        {16, {0xF800, 0x07E0, 0x001F, 0}, 0xFFFF, 0x00FFFFFF},
+        {16, {0xF800, 0x07E0, 0x001F, 0}, 0x8410, 0x00848284}, // 10000, 100000
+        {16, {0x7C00, 0x03E0, 0x001F, 0x8000}, 0x8C41, 0xFF181008},
+        {16, {0x0F00, 0x00F0, 0x000F, 0xF000}, 0x1A5F, 0x11AA55FF},
+        {16, {0xE000, 0x1C00, 0x0300, 0}, 0x4AFF, 0x004949AA}, // 010, 010, 10
+        {16, {0x8000, 0, 0x4000, 0}, 0xC000, 0x00FF00FF},      // one bit, none, one bit
+        {32, {0x000000FF, 0x0000FF00, 0x00FF0000, 0xFF000000}, 0x80112233, 0x80332211},
+        {32, {0x00FF0000, 0x0000FF00, 0x000000FF, 0xFF000000}, 0x80112233, 0x80112233},
+        {32, {0x3FF00000, 0x000FFC00, 0x000003FF, 0xC0000000}, 0x9ABCDEF1, 0xAA6ACDBC},
+        {32, {0xFFFF0000, 0x0000FFFF, 0, 0}, 0x12FF34FF, 0x00123400},
+        {32, {0xFFFFFFFF, 0, 0, 0}, 0x7F000000, 0x007F0000},
+    };
+    for (const auto& one : cases) {
+        Bmp bmp;
+        bmp.width = bmp.height = 1;
+        bmp.depth = one.depth;
+        bmp.compression = BI_BITFIELDS;
+        for (const DWORD mask : one.masks)
+            bmp.masks += Le(mask, 4);
+        bmp.headerSize = 56;
+        bmp.pixels = Le(one.value, 4);
+        SCOPED_TRACE(testing::Message() << std::hex << one.masks[0] << " of " << one.value);
+        const std::vector<DWORD> expected{one.depth == 32 ? one.pixel : one.pixel & 0xFFFFFF};
+        EXPECT_EQ(LoadedBitmap(bmp.File()).Pixels(), expected);
+
+        // The same masks behind an older header; the fourth has a number of its own.
+        bmp.headerSize = 40;
+        bmp.compression = 6;
+        EXPECT_EQ(LoadedBitmap(bmp.File()).Pixels(), expected);
+        if (one.masks[3] != 0) continue;
+        bmp.compression = BI_BITFIELDS;
+        bmp.masks.resize(12);
+        EXPECT_EQ(LoadedBitmap(bmp.File()).Pixels(), expected);
+    }
+}
+
+TEST(Bmp, HighByteOf32BitsIsKept)
+{
+    Bmp bmp = ToBmp({"RG"}, 32);
+    bmp.pixels[3] = '\x12';
+    bmp.pixels[7] = '\xFE';
+    EXPECT_EQ(LoadedBitmap(bmp.File()).Pixels(), (std::vector<DWORD>{0x12FF0000, 0xFE00FF00}));
+}
+
+TEST(Bmp, Palettes)
+{
+    Bmp few = ToBmp(kPicture, 8);
+    few.palette.resize(4 * 5), few.colorsUsed = 5; // as declared; the rest is black
+    const Picture cut = {"KBGCRKKKR", "KKKRCGBKG", "RRRRRBBBB"};
+    EXPECT_EQ(LoadedBitmap(few.File()).Letters(), cut);
+    few.colorsUsed = 200; // more than there are before the pixels
+    EXPECT_EQ(LoadedBitmap(few.File()).Letters(), cut);
+
+    Bmp many = ToBmp(kPicture, 4);
+    many.colorsUsed = 40; // more than the depth can name, and all are there
+    many.palette.resize(4 * 40);
+    EXPECT_EQ(LoadedBitmap(many.File()).Letters(), kPicture);
+    many.offset = 0; // counts as none, so that the pixels follow the palette
+    EXPECT_EQ(LoadedBitmap(many.File()).Letters(), kPicture);
+
+    Bmp gap = ToBmp(kPicture, 24);
+    gap.palette = std::string(100, 'x'); // of no use at this depth
+    EXPECT_EQ(LoadedBitmap(gap.File()).Letters(), kPicture);
+}
+
+TEST(Bmp, PaletteAndIndicesComeBack)
+{
+    Bmp bmp = ToBmp({"RGWGR"}, 8, true, "RGWRG"); // two colours twice
+    bmp.pixels = Le(0x01020304, 4) + Le(0, 4);
+    const LoadedBitmap bitmap(bmp.File());
+    ASSERT_EQ(bitmap.Letters(), Picture{"GRWGR"});
+    EXPECT_EQ(bitmap.Dib(8, 5), bmp.palette + bmp.pixels);
+}
+
+// Bytes written as hexadecimal digits.
+std::string Hex(const std::string& digits)
+{
+    std::string bytes;
+    for (std::size_t at = 0; at < digits.size(); at += digits[at] == ' ' ? 1u : 2u)
+        if (digits[at] != ' ') bytes += static_cast<char>(std::stoi(digits.substr(at, 2), nullptr, 16));
+    return bytes;
+}
+
+Bmp Compressed(DWORD compression, const std::string& data, std::string_view palette = kLetters)
+{
+    Bmp bmp = ToBmp({"KKKKK", "KKKKK", "KKKKK"}, compression == BI_RLE8 ? 8 : 4, false, palette);
+    bmp.compression = compression;
+    bmp.pixels = Hex(data);
+    return bmp;
+}
+
+TEST(Bmp, RunLengths)
+{
+    const struct
+    {
+        DWORD compression;
+        const char* data; // indices are places in kLetters
+        Picture expected;
+    } cases[] = {
+        {BI_RLE8, "0504 0000 0202 0301 0000 0507 0001", {"WWWWW", "GGBBB", "RRRRR"}},
+        {BI_RLE4, "0547 0000 0411 0001", {"KKKKK", "BBBBK", "RWRWR"}},
+        // Pixels one by one, padded to 16 bits.
+        {BI_RLE8, "0005 0102 0304 0509 0000 0004 0707 0606 0001", {"KKKKK", "WWYYK", "BGCRM"}},
+        {BI_RLE4, "0005 1234 5000 0000 0003 7670 0111 0001", {"KKKKK", "WYWBK", "BGCRM"}},
+        // An early end, and more behind it.
+        {BI_RLE8, "0504 0001 0507", {"KKKKK", "KKKKK", "RRRRR"}},
+        {BI_RLE4, "0001", {"KKKKK", "KKKKK", "KKKKK"}},
+        // A move.
+        {BI_RLE8, "0101 0002 0201 0202 0001", {"KKKKK", "KKKGG", "BKKKK"}},
+        // Past the row's end, and past the top.
+        {BI_RLE8, "FF01 0302 0000 0007 0101 0104 0404 0400 0001", {"KKKKK", "BBBRR", "BBBBB"}},
+        {BI_RLE4, "0912 0000 0009 1212 1212 1000 0001", {"KKKKK", "BGBGB", "BGBGB"}},
+        {BI_RLE8, "0504 0002 09C8 0901 0000 0901 0001", {"KKKKK", "KKKKK", "RRRRR"}},
+        // An index beyond the palette.
+        {BI_RLE8, "0504 0000 0563 0001", {"KKKKK", "KKKKK", "RRRRR"}},
+        // No end mark, a move or pixels cut, nothing at all.
+        {BI_RLE8, "0504 0000 0504 0000 0504 0000", kNull},
+        {BI_RLE4, "0547 0000", kNull},
+        {BI_RLE8, "0002 01", kNull},
+        {BI_RLE8, "00C8 0102 0300 01", kNull},
+        {BI_RLE8, "", kNull},
+    };
+    for (const auto& one : cases)
+        EXPECT_EQ(LoadedBitmap(Compressed(one.compression, one.data).File()).Letters(), one.expected)
+            << one.data;
+    EXPECT_EQ(LoadedBitmap(Compressed(BI_RLE8, "0002 0100 0101 0001", "RG").File()).Letters(),
+              (Picture{"RRRRR", "RRRRR", "RGRRR"}))
+        << "what is skipped has the first colour";
+}
+
+TEST(Bmp, LiesGiveNull)
+{
+    const std::string sound = ToBmp(kPicture, 8).File();
+    ASSERT_EQ(LoadedBitmap(sound).Letters(), kPicture);
+    const struct
+    {
+        const char* field;
+        std::size_t at;
+        std::size_t width;
+        std::vector<DWORD> values;
+    } lies[] = {
+        {"signature", 0, 2, {0, 0x4E42}},
+        {"pixel offset", 10, 4, {53, 14 + 40 + 32 + 1, 0xFFFFFFFF}},
+        {"header size", 14, 4, {0, 64, 0xFFFFFFFF}},
+        {"width", 18, 4, {0, 0xFFFFFFF7, 0x7FFFFFFF}},
+        {"height", 22, 4, {0, 4, 0xFFFFFFFC, 0x7FFFFFFF, 0x80000000}},
+        {"planes", 26, 2, {0, 2}},
+        {"depth", 28, 2, {0, 2, 64}},
+        {"compression", 30, 4, {BI_RLE4, BI_BITFIELDS, 4, 0xFFFFFFFF}},
+    };
+    for (const auto& lie : lies)
+        for (const DWORD value : lie.values) {
+            const std::string file = std::string(sound).replace(lie.at, lie.width, Le(value, lie.width));
+            EXPECT_EQ(LoadedBitmap(file).Letters(), kNull) << lie.field << " " << value;
+        }
+
+    Bmp wide = ToBmp({"RG"}, 24), palette = ToBmp(kPicture, 8), masks = ToBmp({"R"}, 32),
+        hole = ToBmp({"RG"}, 16), upside = Compressed(BI_RLE8, "0001"), desert = Compressed(BI_RLE8, "0001");
+    wide.width = wide.height = INT32_MAX;
+    palette.offset = 0, palette.colorsUsed = 0xFFFFFFFF;
+    masks.compression = BI_BITFIELDS, masks.pixels.clear();
+    hole.compression = BI_BITFIELDS, hole.masks = Le(0xF700, 4) + Le(0xE0, 4) + Le(0x1F, 4);
+    upside.height = -3;
+    desert.width = desert.height = 8192;
+    for (const Bmp& bmp : {wide, palette, masks, hole, upside, desert})
+        EXPECT_EQ(LoadedBitmap(bmp.File()).Letters(), kNull);
+}
+
+TEST(Bmp, CutsGiveNullAndOtherDamageDoesNoHarm)
+{
+    Bmp fields = ToBmp(kPicture, 16);
+    fields.compression = BI_BITFIELDS, fields.headerSize = 108;
+    fields.masks = Le(0xF800, 4) + Le(0x07E0, 4) + Le(0x001F, 4) + Le(0, 4);
+    for (const Bmp& bmp : {ToBmp(kTwoColors, 1, false, "KW"), ToBmp(kPicture, 4), ToBmp(kPicture, 24, true),
+                           fields, Compressed(BI_RLE8, "0504 0000 0005 0102 0304 0500 0002 0100 0903 0001"),
+                           Compressed(BI_RLE4, "0547 0000 0005 1234 5000 0002 0100 0936 0001")}) {
+        ASSERT_NE(LoadedBitmap(bmp.File()).Letters(), kNull);
+        ForEachCut(bmp.File(), [](const std::string& file) {
+            EXPECT_EQ(LoadedBitmap(file).Letters(), kNull) << file.size();
+        });
+        ForEachLie(bmp.File(),
+                   [](const std::string& file) { EXPECT_LE(LoadedBitmap(file).Letters().size(), 1u << 20); });
+    }
+}
+
+} // namespace

@@ -1,0 +1,191 @@
+#include "tests/platform/gdi/LoadedImage.h"
+#include "tests/support/Picture.h"
+
+#include <climits>
+#include <cstring>
+#include <map>
+
+using test::Paper;
+using test::Picture;
+using test::Scoped;
+
+namespace {
+
+HBITMAP Load(const test::Bmp& bmp)
+{
+    return static_cast<HBITMAP>(test::LoadFile(bmp.File(), IMAGE_BITMAP));
+}
+
+// A header with room for colours behind it, and a mark behind those.
+struct Info
+{
+    BITMAPINFO head{};
+    RGBQUAD more[300]{};
+
+    Info() { std::memset(static_cast<void*>(&head.bmiColors), 0xEE, sizeof(RGBQUAD) * 301); }
+    Info(int width, int height, WORD depth, DWORD room = 0) : Info()
+    {
+        head.bmiHeader = {40, width, height, 1, depth, BI_RGB, 0, 0, 0, room, 0};
+    }
+    // How many bytes behind the header have been written.
+    std::size_t Written() const
+    {
+        std::string bytes(sizeof(RGBQUAD) * 301, '\0');
+        std::memcpy(bytes.data(), reinterpret_cast<const char*>(&head) + sizeof(BITMAPINFOHEADER),
+                    bytes.size());
+        return bytes.find_last_not_of('\xEE') + 1;
+    }
+};
+
+// The rows that a call copies, each byte behind them being `#`.
+std::string Rows(HBITMAP bitmap, Info& info, UINT start, UINT lines, int expected)
+{
+    std::string rows(4096, '#');
+    const HDC dc = CreateCompatibleDC(nullptr);
+    EXPECT_EQ(GetDIBits(dc, bitmap, start, lines, rows.data(), &info.head, DIB_RGB_COLORS), expected);
+    DeleteDC(dc);
+    return rows.substr(0, rows.find_last_not_of('#') + 1);
+}
+
+const Picture picture{"RGBWK", "KKWRG", "WBWBW"};
+
+} // namespace
+
+TEST(GetDIBits, AQueryFillsTheHeaderAlone)
+{
+    const test::NoLeak noLeak;
+    const HDC dc = CreateCompatibleDC(nullptr);
+    for (const auto& [depth, size] : std::map<WORD, DWORD>{{4, 12}, {8, 24}, {16, 36}, {24, 48}, {32, 60}}) {
+        const Scoped<HBITMAP> bitmap(Load(test::ToBmp(picture, depth)));
+        Info info;
+        info.head.bmiHeader.biSize = 40;
+        EXPECT_EQ(GetDIBits(dc, bitmap, 0, 1, nullptr, &info.head, DIB_RGB_COLORS), 1);
+        const BITMAPINFOHEADER& header = info.head.bmiHeader;
+        EXPECT_EQ(header.biWidth, 5);
+        EXPECT_EQ(header.biHeight, 3);
+        EXPECT_EQ(header.biPlanes, 1);
+        EXPECT_EQ(header.biBitCount, depth);
+        EXPECT_EQ(header.biCompression, BI_RGB);
+        EXPECT_EQ(header.biSizeImage, size);
+        EXPECT_EQ(info.Written(), 0u);
+    }
+    DeleteDC(dc);
+}
+
+// The call that a query's header with room for one colour leads to gives the file's own rows, and writes no
+// colour.
+TEST(GetDIBits, GivesTheDeclaredDepthBack)
+{
+    for (const bool topDown : {false, true})
+        for (const std::uint32_t depth : {1u, 4u, 8u, 16u, 24u, 32u}) {
+            const Picture shown = depth == 1 ? Picture{"KWKKWWKWK", "WWKWKWKWW"} : picture;
+            const test::Bmp bmp = test::ToBmp(shown, depth, topDown, depth == 1 ? "KW" : test::kLetters);
+            const Scoped<HBITMAP> bitmap(Load(bmp));
+            Info info;
+            info.head.bmiHeader.biSize = 40;
+            Rows(bitmap, info, 0, 1, 1);
+            if (topDown) info.head.bmiHeader.biHeight *= -1;
+            const int nRows = static_cast<int>(shown.size());
+            EXPECT_EQ(Rows(bitmap, info, 0, static_cast<UINT>(nRows), nRows), bmp.pixels) << depth;
+            EXPECT_EQ(info.Written(), 0u);
+        }
+}
+
+TEST(GetDIBits, WritesAsManyColoursAsThereIsRoomFor)
+{
+    const Scoped<HBITMAP> bitmap(Load(test::ToBmp(picture, 8))); // 8 colours
+    for (const auto& [room, written] :
+         std::map<DWORD, DWORD>{{0, 0}, {1, 1}, {5, 5}, {8, 8}, {256, 8}, {UINT_MAX, 8}}) {
+        Info info(5, 3, 8, room);
+        Rows(bitmap, info, 0, 3, 3);
+        EXPECT_EQ(info.head.bmiHeader.biClrUsed, written);
+        EXPECT_EQ(info.Written(), written * sizeof(RGBQUAD));
+    }
+    Info info(5, 3, 8, 8);
+    Rows(bitmap, info, 0, 3, 3);
+    EXPECT_EQ(info.head.bmiColors[0].rgbRed, 0);
+    EXPECT_EQ(info.more[0].rgbBlue, 0xFF); // "KB..."
+    EXPECT_EQ(info.more[3].rgbRed, 0xFF);  // "....R"
+    Info deep(5, 3, 24, 8);
+    Rows(bitmap, deep, 0, 3, 3);
+    EXPECT_EQ(deep.Written(), 0u);
+}
+
+TEST(GetDIBits, CountsLinesFromTheBottom)
+{
+    const Scoped<HBITMAP> bitmap(Load(test::ToBmp(picture, 32)));
+    const auto packed = [](const Picture& rows) { return test::ToBmp(rows, 32, true).pixels; };
+    Info up(5, 3, 32);
+    EXPECT_EQ(Rows(bitmap, up, 1, 2, 2), packed({picture[1], picture[0]}));
+    EXPECT_EQ(Rows(bitmap, up, 2, 9, 1), packed({picture[0]}));
+    EXPECT_EQ(Rows(bitmap, up, 1, UINT_MAX, 2), packed({picture[1], picture[0]}));
+    EXPECT_EQ(Rows(bitmap, up, 3, 1, 0), "");
+    EXPECT_EQ(Rows(bitmap, up, UINT_MAX, UINT_MAX, 0), "");
+    EXPECT_EQ(Rows(bitmap, up, 0, 0, 0), "");
+    Info down(5, -3, 32);
+    EXPECT_EQ(Rows(bitmap, down, 1, 2, 2), packed({picture[0], picture[1]}));
+    EXPECT_EQ(Rows(bitmap, down, 0, 1, 1), packed({picture[2]}));
+}
+
+TEST(GetDIBits, ConvertsBetweenDepths)
+{
+    const Paper paper({"RGBWK"});
+    const auto as = [&](WORD depth) {
+        Info info(5, 1, depth);
+        return Rows(paper.Bitmap(), info, 0, 1, 1);
+    };
+    EXPECT_EQ(as(16), test::ToBmp({"RGBWK"}, 16).pixels);
+    EXPECT_EQ(as(24), test::ToBmp({"RGBWK"}, 24).pixels);
+    EXPECT_EQ(as(32), test::ToBmp({"RGBWK"}, 32).pixels);
+    const Scoped<HBITMAP> four(Load(test::ToBmp(picture, 4)));
+    Info eight(5, 3, 8, 8);
+    EXPECT_EQ(Rows(four, eight, 0, 3, 3), test::ToBmp(picture, 8).pixels);
+    Info one(5, 3, 1);
+    EXPECT_EQ(Rows(four, one, 0, 3, 0), ""); // it can't count eight colours
+    Info none(5, 1, 8);
+    EXPECT_EQ(Rows(paper.Bitmap(), none, 0, 1, 0), ""); // no palette
+}
+
+TEST(GetDIBits, GivesTheNearestColourOfWhatWasDrawn)
+{
+    const Scoped<HBITMAP> bitmap(Load(test::ToBmp({"KKKKKK"}, 8, false, "KRGW")));
+    const HDC dc = CreateCompatibleDC(nullptr);
+    const HGDIOBJ first = SelectObject(dc, bitmap);
+    const COLORREF drawn[] = {RGB(0, 0, 0),       RGB(200, 30, 30), RGB(1, 128, 2),
+                              RGB(250, 251, 200), RGB(60, 60, 60),  RGB(200, 30, 30)};
+    for (int x = 0; x < 6; ++x)
+        SetPixel(dc, x, 0, drawn[x]);
+    Info info(6, 1, 8);
+    const std::string rows = Rows(bitmap, info, 0, 1, 1); // while it is selected
+    EXPECT_EQ(rows.substr(0, 6), std::string("\0\1\2\3\0\1", 6));
+    SelectObject(dc, first);
+    DeleteDC(dc);
+}
+
+TEST(GetDIBits, RefusesBadHandlesAndHeaders)
+{
+    const Paper paper(5, 3);
+    Info good(5, 3, 32);
+    std::array<DWORD, 15> bits{};
+    EXPECT_EQ(GetDIBits(nullptr, paper.Bitmap(), 0, 3, bits.data(), &good.head, DIB_RGB_COLORS), 0);
+    EXPECT_EQ(GetDIBits(paper, nullptr, 0, 3, bits.data(), &good.head, DIB_RGB_COLORS), 0);
+    EXPECT_EQ(GetDIBits(paper, paper.Bitmap(), 0, 3, bits.data(), nullptr, DIB_RGB_COLORS), 0);
+    EXPECT_EQ(GetDIBits(paper, paper.Bitmap(), 0, 3, bits.data(), &good.head, 1), 0);
+    EXPECT_EQ(GetDIBits(paper, paper.Bitmap(), 0, 3, nullptr, &good.head, DIB_RGB_COLORS), 3);
+    const auto refused = [&](auto&& change) {
+        Info info(5, 3, 32);
+        change(info.head.bmiHeader);
+        EXPECT_EQ(GetDIBits(paper, paper.Bitmap(), 0, 3, bits.data(), &info.head, DIB_RGB_COLORS), 0);
+        EXPECT_EQ(info.Written(), 0u);
+    };
+    refused([](auto& header) { header.biSize = 0; });
+    refused([](auto& header) { header.biSize = 124; });
+    refused([](auto& header) { header.biWidth = 6; });
+    refused([](auto& header) { header.biWidth = -5; });
+    refused([](auto& header) { header.biHeight = 2; });
+    refused([](auto& header) { header.biHeight = INT_MIN; });
+    refused([](auto& header) { header.biPlanes = 0; });
+    refused([](auto& header) { header.biBitCount = 2; });
+    refused([](auto& header) { header.biBitCount = 0xFFFF; });
+    refused([](auto& header) { header.biCompression = BI_BITFIELDS; });
+}

@@ -1,0 +1,195 @@
+#include "include/platform/Gdi.h"
+
+#include "tests/platform/gdi/LoadedImage.h"
+
+namespace {
+
+using namespace test;
+using namespace std::string_literals;
+
+class LoadedIcon
+{
+public:
+    explicit LoadedIcon(std::string_view file, int cx = 0, int cy = 0)
+        : m_handle(static_cast<HICON>(LoadFile(file, IMAGE_ICON, cx, cy)))
+    {
+    }
+    LoadedIcon(const LoadedIcon&) = delete;
+    LoadedIcon& operator=(const LoadedIcon&) = delete;
+    ~LoadedIcon() { DestroyIcon(m_handle); }
+    explicit operator bool() const { return m_handle != nullptr; }
+    HICON Get() const { return m_handle; }
+
+    std::pair<int, int> Size() const
+    {
+        SIZE size{};
+        return GetIconSize(m_handle, &size) ? std::pair<int, int>(size.cx, size.cy) : std::pair(0, 0);
+    }
+    // What it looks like on pixels of one colour, drawn from `x`, `y` on.
+    std::vector<COLORREF> On(char ground, int x = 0, int y = 0) const
+    {
+        const auto [cx, cy] = Size();
+        const Paper paper(cx, cy, ground);
+        EXPECT_EQ(DrawIcon(paper, x, y, m_handle), 1);
+        std::vector<COLORREF> seen;
+        for (int i = 0; i < cx * cy; ++i)
+            seen.push_back(GetPixel(paper, i % cx, i / cx));
+        return seen;
+    }
+
+private:
+    HICON m_handle;
+};
+
+// The colours of a picture, where a dot shows the green ground.
+std::vector<COLORREF> ColorsOf(const Picture& picture)
+{
+    std::vector<COLORREF> colors;
+    for (const std::string& row : picture)
+        for (const char letter : row)
+            colors.push_back(ColorOf(letter == '.' ? 'G' : letter));
+    return colors;
+}
+
+// An image of one colour.
+std::string Square(int side, DWORD depth, char letter = 'R')
+{
+    const auto n = static_cast<std::size_t>(side);
+    return IconBmp(Picture(n, std::string(n, letter)), depth);
+}
+
+TEST(Icon, EveryDepthShowsItsColorsThroughItsMask)
+{
+    const Picture picture = {"R..GB", "WYMC.", ".KKK."}, twoColors = {"KW..K", "W.W.W", ".KKK."};
+    for (const DWORD depth : {4u, 8u, 16u, 24u, 32u})
+        EXPECT_EQ(LoadedIcon(Ico({IconBmp(picture, depth)})).On('G'), ColorsOf(picture)) << depth;
+    EXPECT_EQ(LoadedIcon(Ico({IconBmp(twoColors, 1, "KW")})).On('G'), ColorsOf(twoColors));
+}
+
+TEST(Icon, AnAlphaChannelCountsInPlaceOfTheMask)
+{
+    Bmp bmp = ToBmp({"RR", "RR"}, 32); // the lower row comes first
+    bmp.height = 4;
+    for (const auto& [at, alpha] : {std::pair(3u, 0), {7u, 255}, {11u, 128}, {15u, 1}})
+        bmp.pixels[at] = static_cast<char>(alpha);
+    const std::vector<COLORREF> expected = {0x007F80, 0x00FE01, 0x00FF00, 0x0000FF};
+    for (const char mask : {'\0', '\xFF'})
+        EXPECT_EQ(LoadedIcon(Ico({bmp.Dib() + std::string(8, mask)})).On('G'), expected);
+    EXPECT_EQ(LoadedIcon(Ico({bmp.Dib()})).On('G'), expected) << "the mask may be missing";
+}
+
+TEST(Icon, PngEntries)
+{
+    const std::string palette = PngChunk("PLTE", "\xFF\0\0\0\0\xFF"s) + PngChunk("tRNS", "\x80");
+    const std::string text = PngChunk("tEXt", "Comment\0words"s);
+    const struct
+    {
+        const char* name;
+        std::string image;
+        std::vector<COLORREF> seen;
+    } cases[] = {
+        {"RGB with alpha", Png(2, 1, 8, 6, "\0\xFF\0\0\xFF\0\0\xFF\x80"s), {0x0000FF, 0x807F00}},
+        {"RGB", Png(1, 2, 8, 2, "\0\xFF\0\0\0\x01\x02\x03"s), {0x0000FF, 0x030201}},
+        {"palette", Png(2, 1, 8, 3, "\0\0\1"s, palette), {0x007F80, 0xFF0000}},
+        {"four bits of grey", Png(2, 1, 4, 0, "\0\x5F"s, text), {0x555555, 0xFFFFFF}},
+        {"16 bits of grey with alpha", Png(1, 1, 16, 4, "\0\x40\x40\0\0"s), {0x00FF00}},
+    };
+    for (const auto& one : cases) {
+        EXPECT_EQ(LoadedIcon(Ico({one.image})).On('G'), one.seen) << one.name;
+        ForEachCut(one.image,
+                   [&](const std::string& cut) { EXPECT_FALSE(LoadedIcon(Ico({cut}))) << one.name; });
+    }
+    for (const std::string& large :
+         {Png(1025, 1, 1, 0, std::string(130, '\0')), Png(1, 1025, 1, 0, std::string(2050, '\0')),
+          Png(0, 1, 1, 0, "\0"s), Png(0xFFFFFFFF, 0xFFFFFFFF, 8, 6, "\0"s)})
+        EXPECT_FALSE(LoadedIcon(Ico({large})));
+    EXPECT_EQ(LoadedIcon(Ico({Png(1024, 1, 1, 0, std::string(129, '\0'))})).Size(), std::pair(1024, 1));
+}
+
+TEST(Icon, TheNearestEntryIsTaken)
+{
+    const std::string sixteen = Square(16, 8), best16 = Square(16, 32, 'B'), eight = Square(8, 24),
+                      large = Square(24, 4), wide = IconBmp(Picture(8, std::string(32, 'R')), 4),
+                      png = Png(64, 64, 1, 0, std::string(64 * 9, '\0'));
+    const struct
+    {
+        std::vector<std::string> images;
+        int cx, cy;
+        std::pair<int, int> size;
+    } cases[] = {
+        {{large, eight, sixteen}, 16, 16, {16, 16}},
+        {{large, eight, sixteen}, 0, 0, {24, 24}},
+        {{large, eight, sixteen}, 13, 13, {16, 16}},
+        {{eight, large}, 16, 16, {24, 24}}, // equally far: the larger
+        {{eight, png}, 48, 48, {64, 64}},
+        {{eight, sixteen}, 1000, 1000, {16, 16}},
+        {{sixteen, wide}, 32, 10, {32, 8}},
+        {{wide, sixteen}, 0, 15, {16, 16}},
+        {{wide, eight, large}, 20, 0, {24, 24}},
+        {{large}, 16, 16, {24, 24}},
+    };
+    for (const auto& one : cases)
+        EXPECT_EQ(LoadedIcon(Ico(one.images), one.cx, one.cy).Size(), one.size) << one.cx << " by " << one.cy;
+    for (const auto& images : {std::vector{sixteen, best16}, {best16, sixteen}})
+        EXPECT_EQ(LoadedIcon(Ico(images), 16, 16).On('G').front(), 0xFF0000u) << "the greater depth";
+}
+
+TEST(Icon, EntriesBeyondTheFileAreLeftOut)
+{
+    std::string file = Ico({Square(16, 8), Square(24, 8)});
+    file.replace(6 + 12, 4, Le(file.size(), 4));
+    EXPECT_EQ(LoadedIcon(file, 16, 16).Size(), std::pair(24, 24));
+}
+
+TEST(Icon, WhatIsNoIconGivesNull)
+{
+    const std::string sound = Ico({Square(4, 8)});
+    ASSERT_TRUE(LoadedIcon(sound));
+    EXPECT_FALSE(LoadedIcon(sound, -1, 16));
+    std::string cursor = sound, none = sound.substr(0, 4) + Le(0, 2), many = sound;
+    cursor[2] = 2;
+    many[5] = '\x7F';
+    Bmp topDown = ToBmp({"RR", "GG"}, 24, true), odd = ToBmp({"RR", "GG", "BB"}, 24),
+        packed = ToBmp({"RR", "GG"}, 8);
+    packed.compression = BI_RLE8, packed.pixels = "\2\1\0\1"s + std::string(20, '\0');
+    for (const std::string& file : {cursor, none, many, Ico({topDown.Dib()}), Ico({odd.Dib()}),
+                                    Ico({packed.Dib()}), ToBmp({"R"}, 24).File(), ""s})
+        EXPECT_FALSE(LoadedIcon(file));
+}
+
+TEST(Icon, CutsGiveNullAndOtherDamageDoesNoHarm)
+{
+    const std::string image = IconBmp({"R.G", "B.W"}, 8);
+    ForEachCut(Ico({image}), [](const std::string& file) { EXPECT_FALSE(LoadedIcon(file)) << file.size(); });
+    for (const std::string& file : {Ico({image, IconBmp({"R."}, 32)}), Ico({Png(2, 1, 8, 6, "\0abcdefgh"s)})})
+        ForEachLie(file, [](const std::string& broken) {
+            const LoadedIcon icon(broken, 16, 16);
+            if (icon) {
+                EXPECT_LE(icon.On('G').size(), 1u << 20);
+            }
+        });
+}
+
+TEST(Icon, DrawingClips)
+{
+    const LoadedIcon icon(Ico({IconBmp({"RG", "BW"}, 24)}));
+    EXPECT_EQ(icon.On('G', 1, 1), ColorsOf({"..", ".R"}));
+    EXPECT_EQ(icon.On('G', -1, 0), ColorsOf({"G.", "W."}));
+    for (const int far : {2, -2, INT32_MAX, INT32_MIN})
+        EXPECT_EQ(icon.On('G', far, far), ColorsOf({"..", ".."})) << far;
+}
+
+TEST(Icon, HandlesEndOnceAndAreNoOthers)
+{
+    const NoLeak noLeak;
+    const auto icon = static_cast<HICON>(LoadFile(Ico({Square(4, 8)}), IMAGE_ICON));
+    const Paper paper(4, 4);
+    SIZE size{};
+    EXPECT_EQ(DeleteObject(icon), 0);
+    EXPECT_EQ(GetIconSize(icon, nullptr) + DrawIcon(nullptr, 0, 0, icon), 0);
+    EXPECT_EQ(DestroyIcon(icon), 1);
+    for (const HICON none : {icon, HICON{}, reinterpret_cast<HICON>(paper.Bitmap())})
+        EXPECT_EQ(DestroyIcon(none) + GetIconSize(none, &size) + DrawIcon(paper, 0, 0, none), 0);
+}
+
+} // namespace

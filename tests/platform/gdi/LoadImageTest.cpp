@@ -1,0 +1,109 @@
+#include "include/platform/Gdi.h"
+
+#include "include/platform/Error.h"
+#include "include/platform/Module.h"
+#include "tests/platform/gdi/LoadedImage.h"
+#include "tests/platform/module/Bundles.h"
+
+#include <filesystem>
+#include <sys/stat.h>
+
+namespace {
+
+using namespace test;
+
+const Picture kPicture = {"RGB", "WKY"};
+
+DWORD ErrorOf(const char* pszPath, UINT nType = IMAGE_BITMAP, int cx = 0, int cy = 0)
+{
+    SetLastError(ERROR_SUCCESS);
+    EXPECT_EQ(LoadImageA(nullptr, pszPath, nType, cx, cy, LR_LOADFROMFILE), nullptr);
+    return GetLastError();
+}
+
+TEST(LoadImage, WhatIsNoReadableImageGivesNullAtOnce)
+{
+    const TempDir dir;
+    dir.MakeDir("folder");
+    dir.Write("empty.bmp", "");
+    dir.Write("text.bmp", "BM is how this text begins, and it goes on for more bytes than a header has.");
+    ASSERT_EQ(mkfifo(dir.Path("pipe.bmp").c_str(), 0600), 0);
+    std::filesystem::resize_file(dir.Write("huge.bmp", ToBmp(kPicture, 24).File()), std::uintmax_t{1} << 30);
+
+    EXPECT_EQ(ErrorOf(dir.Win("none.bmp")), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(ErrorOf(dir.Win("folder")), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(ErrorOf(dir.Win("pipe.bmp")), ERROR_ACCESS_DENIED);
+    for (const char* name : {"empty.bmp", "text.bmp", "huge.bmp"})
+        EXPECT_EQ(ErrorOf(dir.Win(name)), ERROR_RESOURCE_DATA_NOT_FOUND) << name;
+    EXPECT_EQ(ErrorOf(dir.Win("text.bmp"), IMAGE_ICON), ERROR_RESOURCE_DATA_NOT_FOUND);
+
+    const CString good = dir.Win("good.bmp");
+    dir.Write("good.bmp", ToBmp(kPicture, 24).File());
+    EXPECT_EQ(ErrorOf(nullptr), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf(MAKEINTRESOURCEA(7)), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf(good, 2), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf(good, IMAGE_BITMAP, -1, 4), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf(good, IMAGE_BITMAP, 1 << 20, 1 << 20), ERROR_RESOURCE_DATA_NOT_FOUND);
+}
+
+TEST(LoadImage, AFileIsFoundAsPathsAre)
+{
+    const TempDir dir;
+    dir.Write("Common/Btn.bmp", ToBmp(kPicture, 8).File());
+    const LoadedBitmap bitmap(LoadImageA(nullptr, dir.Win("common\\BTN.BMP"), IMAGE_BITMAP, 0, 0,
+                                         LR_LOADFROMFILE | LR_CREATEDIBSECTION));
+    EXPECT_EQ(bitmap.Letters(), kPicture);
+}
+
+TEST(LoadImage, AnotherSizeTakesTheNearestPixels)
+{
+    const std::string file = ToBmp({"RGBW", "KYMC"}, 8).File();
+    const struct
+    {
+        int cx, cy;
+        Picture expected;
+    } cases[] = {
+        {0, 0, {"RGBW", "KYMC"}},
+        {4, 2, {"RGBW", "KYMC"}},
+        {8, 0, {"RRGGBBWW", "KKYYMMCC"}},
+        {2, 1, {"RB"}},
+        {0, 4, {"RGBW", "RGBW", "KYMC", "KYMC"}},
+    };
+    for (const auto& one : cases) {
+        const LoadedBitmap bitmap(LoadFile(file, IMAGE_BITMAP, one.cx, one.cy));
+        EXPECT_EQ(bitmap.Letters(), one.expected) << one.cx << " by " << one.cy;
+        EXPECT_EQ(bitmap.Record().bmBitsPixel, 8);
+    }
+}
+
+TEST(LoadImage, Resources)
+{
+    const TempDir dir;
+    const Bmp bmp = ToBmp(kPicture, 4);
+    CompileBundle(dir, {{"BITMAP/101", bmp.Dib()},
+                        {"BITMAP/102", bmp.File()},
+                        {"BITMAP/BAR", bmp.File()},
+                        {"BITMAP/103", "no picture"},
+                        {"BITMAP/104", ""},
+                        {"ICON/101", Ico({IconBmp({"RG"}, 4), IconBmp({"RGB"}, 4)})}});
+    const HMODULE module = LoadLibraryA(dir.Win("bundle"));
+    ASSERT_NE(module, nullptr);
+    for (const char* name : {MAKEINTRESOURCEA(101), MAKEINTRESOURCEA(102), "#101", "Bar"}) {
+        const LoadedBitmap bitmap(LoadBitmapA(module, name));
+        EXPECT_EQ(bitmap.Letters(), kPicture);
+        EXPECT_EQ(bitmap.Record().bmBitsPixel, 4);
+    }
+    for (const WORD id : {WORD{0}, WORD{99}, WORD{103}, WORD{104}})
+        EXPECT_EQ(LoadBitmapA(module, MAKEINTRESOURCEA(id)), nullptr) << id;
+    EXPECT_EQ(LoadBitmapA(nullptr, MAKEINTRESOURCEA(101)), nullptr) << "not of this module";
+
+    const HANDLE icon = LoadImageA(module, MAKEINTRESOURCEA(101), IMAGE_ICON, 3, 1, 0);
+    SIZE size{};
+    EXPECT_EQ(GetIconSize(static_cast<HICON>(icon), &size), 1);
+    EXPECT_EQ(size.cx, 3);
+    DestroyIcon(static_cast<HICON>(icon));
+    FreeLibrary(module);
+    EXPECT_EQ(LoadBitmapA(module, MAKEINTRESOURCEA(101)), nullptr) << "after its end";
+}
+
+} // namespace

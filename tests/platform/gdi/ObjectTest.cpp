@@ -1,0 +1,183 @@
+#include "tests/support/Picture.h"
+
+#include <climits>
+#include <set>
+#include <thread>
+
+using test::NoLeak;
+using test::Paper;
+using test::Scoped;
+
+namespace {
+
+HGDIOBJ Invented(std::uintptr_t n)
+{
+    return reinterpret_cast<HGDIOBJ>(n);
+}
+
+template <class Record>
+Record Describe(HGDIOBJ object)
+{
+    Record record{};
+    EXPECT_EQ(GetObjectA(object, 0, nullptr), static_cast<int>(sizeof record));
+    EXPECT_EQ(GetObjectA(object, static_cast<int>(sizeof record) - 1, &record), 0);
+    EXPECT_EQ(GetObjectA(object, sizeof record, &record), static_cast<int>(sizeof record));
+    return record;
+}
+
+} // namespace
+
+TEST(Object, IsNamedByItsHandleUntilItsEndAndByNoOtherNumber)
+{
+    const NoLeak noLeak;
+    const HBRUSH brush = CreateSolidBrush(0);
+    EXPECT_EQ(GetObjectA(brush, 0, nullptr), static_cast<int>(sizeof(LOGBRUSH)));
+    EXPECT_EQ(DeleteObject(brush), 1);
+    EXPECT_EQ(DeleteObject(brush), 0);
+    const Scoped<HBRUSH> next(CreateSolidBrush(0)); // in the same place of the table
+    EXPECT_NE(next, brush);
+    int local = 0;
+    for (const HGDIOBJ handle : {HGDIOBJ{brush}, HGDIOBJ{nullptr}, HGDIOBJ{&local}, Invented(1), Invented(5),
+                                 Invented(UINTPTR_MAX), Invented(std::uintptr_t{1} << 32 | 0xFFFFF),
+                                 Invented(std::uintptr_t{1} << 32), Invented(0xFFFFFFFF)}) {
+        EXPECT_EQ(GetObjectA(handle, 0, nullptr), 0);
+        EXPECT_EQ(DeleteObject(handle), 0);
+        EXPECT_EQ(SelectObject(Paper(1, 1), handle), nullptr);
+        EXPECT_EQ(SelectObject(static_cast<HDC>(handle), next), nullptr);
+        EXPECT_EQ(DeleteDC(static_cast<HDC>(handle)), 0);
+        EXPECT_EQ(PtInRegion(static_cast<HRGN>(handle), 0, 0), 0);
+    }
+}
+
+TEST(Object, HandlesAreNotUsedAgainSoon)
+{
+    std::set<HGDIOBJ> seen;
+    for (int n = 0; n < 5000; ++n) {
+        const Scoped<HPEN> pen(CreatePen(PS_SOLID, 1, 0));
+        EXPECT_TRUE(seen.insert(pen).second);
+    }
+}
+
+TEST(Object, OfAnotherClassServesNoOperation)
+{
+    const Scoped<HBRUSH> brush(CreateSolidBrush(0));
+    const Scoped<HRGN> region(CreateRectRgn(0, 0, 1, 1));
+    const Paper paper(1, 1);
+    const RECT rect{0, 0, 1, 1};
+    EXPECT_EQ(FillRect(paper, &rect, reinterpret_cast<HBRUSH>(HRGN{region})), 0);
+    EXPECT_EQ(FillRgn(paper, reinterpret_cast<HRGN>(HBRUSH{brush}), brush), 0);
+    EXPECT_EQ(GetPixel(reinterpret_cast<HDC>(HBRUSH{brush}), 0, 0), CLR_INVALID);
+    EXPECT_EQ(SelectObject(paper, HDC{paper}), nullptr);
+    EXPECT_EQ(DeleteObject(HDC{paper}), 0);
+    EXPECT_EQ(GetObjectA(HDC{paper}, 0, nullptr), 0);
+}
+
+TEST(Object, TellsItsRecord)
+{
+    const Scoped<HPEN> pen(CreatePen(PS_SOLID, 3, 0xFF112233));
+    const auto line = Describe<LOGPEN>(pen);
+    EXPECT_EQ(line.lopnStyle, UINT{PS_SOLID});
+    EXPECT_EQ(line.lopnWidth.x, 3);
+    EXPECT_EQ(line.lopnColor, 0x112233u);
+    const Scoped<HPEN> thin(CreatePen(PS_NULL, -4, 0));
+    EXPECT_EQ(Describe<LOGPEN>(thin).lopnWidth.x, 1);
+    EXPECT_EQ(CreatePen(3, 1, 0), nullptr);
+
+    const Scoped<HBRUSH> brush(CreateSolidBrush(RGB(1, 2, 3)));
+    EXPECT_EQ(Describe<LOGBRUSH>(brush).lbColor, RGB(1, 2, 3));
+    EXPECT_EQ(Describe<LOGBRUSH>(GetStockObject(NULL_BRUSH)).lbStyle, BS_NULL);
+
+    const Paper paper(5, 7);
+    const auto bitmap = Describe<BITMAP>(paper.Bitmap());
+    EXPECT_EQ(bitmap.bmWidth, 5);
+    EXPECT_EQ(bitmap.bmHeight, 7);
+    EXPECT_EQ(bitmap.bmWidthBytes, 20);
+    EXPECT_EQ(bitmap.bmBitsPixel, 32);
+    EXPECT_EQ(bitmap.bmPlanes, 1);
+
+    const Scoped<HRGN> region(CreateRectRgn(0, 0, 1, 1));
+    EXPECT_EQ(GetObjectA(region, 0, nullptr), 0);
+}
+
+TEST(Object, StaysWhileASurfaceHoldsIt)
+{
+    const NoLeak noLeak;
+    const HBRUSH brush = CreateSolidBrush(test::ColorOf('R'));
+    const HPEN pen = CreatePen(PS_SOLID, 1, test::ColorOf('G'));
+    {
+        const Paper paper(3, 3);
+        const Paper other(1, 1);
+        EXPECT_EQ(SelectObject(paper, brush), GetStockObject(WHITE_BRUSH));
+        EXPECT_EQ(SelectObject(paper, brush), brush);
+        EXPECT_EQ(SelectObject(other, brush),
+                  GetStockObject(WHITE_BRUSH)); // a tool may be in several surfaces
+        EXPECT_EQ(SelectObject(paper, pen), GetStockObject(BLACK_PEN));
+        EXPECT_EQ(DeleteObject(brush), 0);
+        EXPECT_EQ(DeleteObject(pen), 0);
+        EXPECT_EQ(DeleteObject(paper.Bitmap()), 0);
+        EXPECT_EQ(SelectObject(paper, GetStockObject(WHITE_BRUSH)), brush);
+        EXPECT_EQ(DeleteObject(brush), 0);
+        Rectangle(paper, 0, 0, 3, 3);
+        EXPECT_EQ(paper.Read(), (test::Picture{"GGG", "GWG", "GGG"}));
+    }
+    EXPECT_EQ(DeleteObject(brush), 1);
+    EXPECT_EQ(DeleteObject(pen), 1);
+}
+
+TEST(Object, ABitmapIsInOneMemorySurfaceAtATime)
+{
+    const NoLeak noLeak;
+    const HDC first = CreateCompatibleDC(nullptr);
+    const HDC second = CreateCompatibleDC(nullptr);
+    const HDC desktop = GetDC(nullptr);
+    const HBITMAP bitmap = CreateCompatibleBitmap(desktop, 2, 2);
+    EXPECT_EQ(SelectObject(desktop, bitmap), nullptr);
+    const HGDIOBJ own = SelectObject(first, bitmap);
+    EXPECT_EQ(SelectObject(second, bitmap), nullptr);
+    EXPECT_EQ(GetPixel(first, 1, 1), 0u);
+    EXPECT_EQ(SelectObject(first, own), bitmap);
+    EXPECT_EQ(GetPixel(first, 1, 1), CLR_INVALID);
+    EXPECT_NE(SelectObject(second, bitmap), nullptr);
+    EXPECT_EQ(DeleteObject(bitmap), 0);
+    EXPECT_EQ(DeleteDC(second), 1); // gives it back
+    EXPECT_EQ(DeleteObject(own), 0);
+    EXPECT_NE(SelectObject(first, bitmap), nullptr);
+    EXPECT_EQ(DeleteDC(first), 1);
+    EXPECT_EQ(GetObjectA(own, 0, nullptr), 0); // ended with its surface
+    EXPECT_EQ(DeleteObject(bitmap), 1);
+    EXPECT_EQ(ReleaseDC(nullptr, desktop), 1);
+}
+
+TEST(Object, StockIsAlwaysTheSameAndStays)
+{
+    const NoLeak noLeak;
+    for (const int n : {WHITE_BRUSH, LTGRAY_BRUSH, GRAY_BRUSH, DKGRAY_BRUSH, BLACK_BRUSH, NULL_BRUSH,
+                        WHITE_PEN, BLACK_PEN, NULL_PEN}) {
+        EXPECT_NE(GetStockObject(n), nullptr);
+        EXPECT_EQ(DeleteObject(GetStockObject(n)), 0);
+        EXPECT_EQ(GetStockObject(n), GetStockObject(n));
+    }
+    for (const int n : {-1, 9, 18, INT_MIN, INT_MAX})
+        EXPECT_EQ(GetStockObject(n), nullptr) << n;
+}
+
+TEST(Object, ThreadsMakeFindAndEndThemAtOnce)
+{
+    const NoLeak noLeak;
+    std::atomic<HBRUSH> shared{CreateSolidBrush(0)};
+    const auto work = [&] {
+        for (int n = 0; n < 2000; ++n) {
+            LOGBRUSH record;
+            GetObjectA(shared.load(), sizeof record, &record);
+            const Scoped<HPEN> pen(CreatePen(PS_SOLID, 1, 0));
+            EXPECT_EQ(GetObjectA(pen, 0, nullptr), static_cast<int>(sizeof(LOGPEN)));
+            if (n % 16 == 0) DeleteObject(shared.exchange(CreateSolidBrush(0)));
+        }
+    };
+    {
+        const std::jthread a(work);
+        const std::jthread b(work);
+        const std::jthread c(work);
+    }
+    DeleteObject(shared);
+}

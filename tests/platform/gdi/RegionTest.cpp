@@ -1,0 +1,161 @@
+#include "tests/support/Picture.h"
+
+#include <algorithm>
+#include <climits>
+#include <random>
+#include <vector>
+
+using test::NoLeak;
+using test::Paper;
+using test::Picture;
+using test::Scoped;
+
+namespace {
+
+using Rgn = Scoped<HRGN>;
+
+std::vector<RECT> Rects(HRGN region)
+{
+    std::vector<RECT> rects(static_cast<std::size_t>(GetRgnRects(region, nullptr, 0)));
+    EXPECT_EQ(GetRgnRects(region, rects.data(), static_cast<int>(rects.size())),
+              static_cast<int>(rects.size()));
+    return rects;
+}
+
+Rgn FromRects(const std::vector<RECT>& rects)
+{
+    return Rgn(CreateRectsRgn(rects.data(), static_cast<int>(rects.size())));
+}
+
+Picture Show(HRGN region, int width, int height)
+{
+    const Paper paper(width, height);
+    FillRgn(paper, region, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+    return paper.Read();
+}
+
+} // namespace
+
+TEST(Region, TakesItsCornersInAnyOrder)
+{
+    const NoLeak noLeak;
+    const Rgn region(CreateRectRgn(5, 6, 2, 1));
+    EXPECT_EQ(Rects(region), (std::vector<RECT>{{2, 1, 5, 6}}));
+    RECT box;
+    EXPECT_EQ(GetRgnBox(region, &box), SIMPLEREGION);
+    EXPECT_EQ(box, (RECT{2, 1, 5, 6}));
+    EXPECT_TRUE(PtInRegion(region, 2, 1));
+    EXPECT_TRUE(PtInRegion(region, 4, 5));
+    EXPECT_FALSE(PtInRegion(region, 5, 5)); // right and bottom are outside
+    EXPECT_FALSE(PtInRegion(region, 4, 6));
+    const Rgn empty(CreateRectRgn(3, 3, 3, 9));
+    EXPECT_EQ(GetRgnBox(empty, &box), NULLREGION);
+    EXPECT_EQ(box, RECT{});
+    EXPECT_FALSE(PtInRegion(empty, 3, 3));
+}
+
+TEST(Region, OfRectanglesIsTheirUnion)
+{
+    EXPECT_EQ(Show(FromRects({{3, 1, 5, 3}, {0, 0, 2, 2}, {1, 1, 4, 2}, {4, 4, 2, 2}, {0, 0, 2, 2}}), 5, 3),
+              (Picture{"WW...", "WWWWW", "...WW"}));
+    EXPECT_EQ(Rects(FromRects({{0, 0, 1, 1}, {1, 0, 2, 1}, {0, 1, 2, 2}})),
+              (std::vector<RECT>{{0, 0, 2, 2}}));
+    RECT box;
+    EXPECT_EQ(GetRgnBox(FromRects({}), &box), NULLREGION);
+    EXPECT_EQ(CreateRectsRgn(&box, -1), nullptr);
+    EXPECT_EQ(CreateRectsRgn(nullptr, 1), nullptr);
+    RECT first[2]{{}, {7, 7, 7, 7}};
+    EXPECT_EQ(GetRgnRects(FromRects({{0, 0, 1, 1}, {5, 5, 6, 6}}), first, 1), 2);
+    EXPECT_EQ(first[0], (RECT{0, 0, 1, 1}));
+    EXPECT_EQ(first[1], (RECT{7, 7, 7, 7}));
+}
+
+TEST(Region, IsTheSameInWhateverOrderItsManyRectanglesCome)
+{
+    std::vector<RECT> runs;
+    for (int y = 0; y < 300; ++y)
+        for (int x = y % 2; x < 300; x += 2)
+            runs.push_back({x, y, x + 1, y + 1});
+    const Rgn sorted = FromRects(runs);
+    EXPECT_EQ(Rects(sorted), runs);
+    std::reverse(runs.begin(), runs.end());
+    EXPECT_TRUE(EqualRgn(FromRects(runs), sorted));
+    std::shuffle(runs.begin(), runs.end(), std::mt19937(7));
+    EXPECT_TRUE(EqualRgn(FromRects(runs), sorted));
+}
+
+TEST(Region, CombinesByMode)
+{
+    const NoLeak noLeak;
+    const Rgn a(CreateRectRgn(0, 0, 3, 2));
+    const Rgn b(CreateRectRgn(2, 1, 4, 3));
+    const Rgn to(CreateRectRgn(0, 0, 0, 0));
+    const auto combined = [&](int mode) {
+        EXPECT_NE(CombineRgn(to, a, b, mode), RGN_ERROR);
+        return Show(to, 4, 3);
+    };
+    EXPECT_EQ(combined(RGN_AND), (Picture{"....", "..W.", "...."}));
+    EXPECT_EQ(combined(RGN_OR), (Picture{"WWW.", "WWWW", "..WW"}));
+    EXPECT_EQ(combined(RGN_XOR), (Picture{"WWW.", "WW.W", "..WW"}));
+    EXPECT_EQ(combined(RGN_DIFF), (Picture{"WWW.", "WW..", "...."}));
+    EXPECT_EQ(combined(RGN_COPY), (Picture{"WWW.", "WWW.", "...."}));
+    EXPECT_EQ(CombineRgn(to, a, nullptr, RGN_COPY), SIMPLEREGION);
+    EXPECT_EQ(CombineRgn(to, to, b, RGN_XOR), COMPLEXREGION);
+    EXPECT_EQ(CombineRgn(to, to, to, RGN_DIFF), NULLREGION);
+    EXPECT_EQ(CombineRgn(to, a, b, 0), RGN_ERROR);
+    EXPECT_EQ(CombineRgn(to, a, b, 6), RGN_ERROR);
+    EXPECT_EQ(CombineRgn(to, a, nullptr, RGN_OR), RGN_ERROR);
+    EXPECT_EQ(CombineRgn(to, nullptr, a, RGN_OR), RGN_ERROR);
+    EXPECT_EQ(CombineRgn(nullptr, a, b, RGN_OR), RGN_ERROR);
+    EXPECT_EQ(Rects(to), std::vector<RECT>{});
+}
+
+TEST(Region, MovesWithinTheRangeOfCoordinates)
+{
+    const Rgn region(CreateRectRgn(0, 0, 2, 2));
+    EXPECT_EQ(OffsetRgn(region, 3, -1), SIMPLEREGION);
+    EXPECT_EQ(Rects(region), (std::vector<RECT>{{3, -1, 5, 1}}));
+    const Rgn widest(CreateRectRgn(INT_MIN, INT_MIN, INT_MAX, INT_MAX));
+    for (const int n : {INT_MAX, INT_MIN, INT_MIN, 5, INT_MAX}) {
+        OffsetRgn(widest, n, n);
+        RECT box;
+        GetRgnBox(widest, &box);
+        EXPECT_LE(box.left, box.right);
+        Show(widest, 2, 2);
+    }
+    EXPECT_EQ(OffsetRgn(nullptr, 1, 1), RGN_ERROR);
+    EXPECT_EQ(GetRgnBox(nullptr, nullptr), RGN_ERROR);
+    EXPECT_EQ(GetRgnRects(nullptr, nullptr, 0), 0);
+    EXPECT_EQ(EqualRgn(region, nullptr), 0);
+}
+
+TEST(Region, RoundsItsCorners)
+{
+    EXPECT_EQ(Show(Rgn(CreateRoundRectRgn(0, 0, 4, 4, 4, 4)), 4, 4),
+              (Picture{".WW.", "WWWW", "WWWW", ".WW."}));
+    EXPECT_EQ(Show(Rgn(CreateRoundRectRgn(7, 5, 0, 0, 5, -5)), 7, 5),
+              (Picture{".WWWWW.", "WWWWWWW", "WWWWWWW", "WWWWWWW", ".WWWWW."}));
+    EXPECT_EQ(Show(Rgn(CreateRoundRectRgn(0, 0, 10, 6, 8, 6)), 10, 6),
+              (Picture{"..WWWWWW..", ".WWWWWWWW.", "WWWWWWWWWW", "WWWWWWWWWW", ".WWWWWWWW.", "..WWWWWW.."}));
+    EXPECT_TRUE(EqualRgn(Rgn(CreateRoundRectRgn(1, 1, 9, 9, 0, 5)), Rgn(CreateRectRgn(1, 1, 9, 9))));
+    EXPECT_EQ(Rects(Rgn(CreateRoundRectRgn(1, 1, 1, 9, 3, 3))), std::vector<RECT>{});
+    const Rgn widest(CreateRoundRectRgn(INT_MIN, INT_MIN, INT_MAX, INT_MAX, INT_MAX, INT_MIN));
+    EXPECT_LE(GetRgnRects(widest, nullptr, 0), 0x8000); // however large, of so many rows
+    EXPECT_FALSE(PtInRegion(widest, INT_MIN, INT_MIN));
+    EXPECT_TRUE(PtInRegion(widest, 0, INT_MIN));
+}
+
+TEST(Region, IsFilledWithinTheClip)
+{
+    const Paper paper(5, 4);
+    const Rgn clip = FromRects({{0, 0, 2, 4}, {3, 1, 5, 3}});
+    SelectClipRgn(paper, clip);
+    const Rgn shape = FromRects({{1, 0, 4, 1}, {0, 2, 9, 9}});
+    EXPECT_EQ(FillRgn(paper, shape, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH))), 1);
+    EXPECT_EQ(FillRgn(paper, shape, static_cast<HBRUSH>(GetStockObject(NULL_BRUSH))), 1);
+    EXPECT_EQ(FillRgn(paper, shape, nullptr), 0);
+    EXPECT_EQ(FillRgn(paper, nullptr, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH))), 0);
+    EXPECT_EQ(FillRgn(nullptr, shape, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH))), 0);
+    SelectClipRgn(paper, nullptr);
+    EXPECT_EQ(paper.Read(), (Picture{".W...", ".....", "WW.WW", "WW..."}));
+}

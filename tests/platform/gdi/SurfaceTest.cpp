@@ -1,0 +1,153 @@
+#include "tests/support/Picture.h"
+
+#include <climits>
+#include <thread>
+
+using test::NoLeak;
+using test::Paper;
+using test::Picture;
+using test::Scoped;
+
+TEST(Surface, BeginsWithABlackPixelOfItsOwn)
+{
+    const NoLeak noLeak;
+    const HDC dc = CreateCompatibleDC(nullptr);
+    const HDC other = CreateCompatibleDC(dc);
+    EXPECT_EQ(test::Read(dc, -1, -1, 2, 2), (Picture{"   ", " . ", "   "}));
+    SetPixel(dc, 0, 0, RGB(255, 0, 0));
+    EXPECT_EQ(GetPixel(other, 0, 0), 0u);
+    EXPECT_EQ(ReleaseDC(nullptr, dc), 0); // it isn't the desktop's
+    EXPECT_EQ(DeleteDC(dc), 1);
+    EXPECT_EQ(DeleteDC(dc), 0);
+    EXPECT_EQ(DeleteDC(other), 1);
+    EXPECT_EQ(CreateCompatibleDC(dc), nullptr);
+    EXPECT_EQ(CreateCompatibleBitmap(dc, 1, 1), nullptr);
+}
+
+TEST(Surface, OfTheDesktopShowsItToAll)
+{
+    const NoLeak noLeak;
+    const HDC dc = GetDC(nullptr);
+    const HDC other = GetDC(nullptr);
+    ASSERT_NE(dc, nullptr);
+    EXPECT_EQ(GetPixel(other, DESKTOP_WIDTH - 1, DESKTOP_HEIGHT - 1), DESKTOP_COLOR);
+    EXPECT_EQ(SetPixel(dc, 3, 4, 0xFF123456), 0x123456u);
+    EXPECT_EQ(GetPixel(other, 3, 4), 0x123456u);
+    SetPixel(dc, 3, 4, DESKTOP_COLOR);
+    EXPECT_EQ(DeleteDC(dc), 0);
+    EXPECT_EQ(ReleaseDC(nullptr, dc), 1);
+    EXPECT_EQ(ReleaseDC(nullptr, dc), 0);
+    EXPECT_EQ(ReleaseDC(nullptr, other), 1);
+    int local = 0;
+    EXPECT_EQ(GetDC(reinterpret_cast<HWND>(&local)), nullptr);
+}
+
+TEST(Surface, BitmapsHaveASizeWithinBounds)
+{
+    const NoLeak noLeak;
+    const Paper paper(1, 1);
+    const int limit = static_cast<int>(MAX_BITMAP_PIXELS);
+    for (const auto& [cx, cy] : {std::pair{0, 1},
+                                 {1, 0},
+                                 {-1, 5},
+                                 {5, INT_MIN},
+                                 {INT_MAX, INT_MAX},
+                                 {limit + 1, 1},
+                                 {1, limit + 1},
+                                 {8193, 8192},
+                                 {INT_MAX, 2}})
+        EXPECT_EQ(CreateCompatibleBitmap(paper, cx, cy), nullptr) << cx << " by " << cy;
+    const Scoped<HBITMAP> tall(CreateCompatibleBitmap(paper, 3, 100'000));
+    EXPECT_NE(tall, nullptr);
+}
+
+TEST(Surface, PixelsOutsideAreNone)
+{
+    const Paper paper({"RG", "BW"});
+    EXPECT_EQ(test::Read(paper, -1, -1, 3, 3), (Picture{"    ", " RG ", " BW ", "    "}));
+    for (const int n : {-1, 2, INT_MAX, INT_MIN}) {
+        EXPECT_EQ(SetPixel(paper, n, 0, 0), CLR_INVALID);
+        EXPECT_EQ(GetPixel(paper, 0, n), CLR_INVALID);
+        EXPECT_EQ(GetPixel(paper, n, n), CLR_INVALID);
+    }
+    EXPECT_EQ(GetPixel(nullptr, 0, 0), CLR_INVALID);
+    EXPECT_EQ(SetPixel(nullptr, 0, 0, 0), CLR_INVALID);
+}
+
+TEST(Surface, ClipsToACopyOfARegion)
+{
+    const NoLeak noLeak;
+    const Paper paper(4, 3, 'W');
+    RECT box;
+    EXPECT_EQ(GetClipBox(paper, &box), SIMPLEREGION);
+    EXPECT_EQ(box, (RECT{0, 0, 4, 3}));
+    {
+        const RECT parts[] = {{0, 0, 1, 1}, {2, 1, 9, 9}};
+        const Scoped<HRGN> region(CreateRectsRgn(parts, 2));
+        EXPECT_EQ(SelectClipRgn(paper, region), COMPLEXREGION);
+        EXPECT_EQ(reinterpret_cast<std::intptr_t>(SelectObject(paper, region)), COMPLEXREGION);
+    }
+    EXPECT_EQ(GetClipBox(paper, &box), COMPLEXREGION);
+    EXPECT_EQ(box, (RECT{0, 0, 4, 3}));
+    const RECT all{-5, -5, 50, 50};
+    FillRect(paper, &all, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+    EXPECT_EQ(SetPixel(paper, 1, 0, 0), CLR_INVALID);
+    EXPECT_EQ(paper.Read(), (Picture{".   ", "  ..", "  .."}));
+
+    const Scoped<HRGN> outside(CreateRectRgn(10, 10, 20, 20));
+    EXPECT_EQ(SelectClipRgn(paper, outside), NULLREGION);
+    EXPECT_EQ(GetClipBox(paper, &box), NULLREGION);
+    EXPECT_EQ(box, RECT{});
+    EXPECT_EQ(SelectClipRgn(paper, nullptr), SIMPLEREGION);
+    EXPECT_EQ(paper.Read(), (Picture{".WWW", "WW..", "WW.."}));
+    EXPECT_EQ(SelectClipRgn(nullptr, outside), RGN_ERROR);
+    EXPECT_EQ(SelectClipRgn(paper, reinterpret_cast<HRGN>(paper.Bitmap())), RGN_ERROR);
+    EXPECT_EQ(GetClipBox(nullptr, &box), RGN_ERROR);
+    EXPECT_EQ(GetClipBox(paper, nullptr), RGN_ERROR);
+}
+
+TEST(Surface, KeepsItsClipForTheNextBitmap)
+{
+    const Paper paper(1, 1);
+    const Scoped<HRGN> region(CreateRectRgn(2, 2, 5, 5));
+    EXPECT_EQ(SelectClipRgn(paper, region), NULLREGION);
+    const Scoped<HBITMAP> larger(CreateCompatibleBitmap(paper, 4, 4));
+    const HGDIOBJ first = SelectObject(paper, larger);
+    RECT box;
+    EXPECT_EQ(GetClipBox(paper, &box), SIMPLEREGION);
+    EXPECT_EQ(box, (RECT{2, 2, 4, 4}));
+    SelectObject(paper, first);
+}
+
+TEST(Surface, ColoursAndModeGiveTheirOldValue)
+{
+    const Paper paper(1, 1);
+    EXPECT_EQ(SetTextColor(paper, 0xAB0000FF), 0u);
+    EXPECT_EQ(GetTextColor(paper), 0x0000FFu);
+    EXPECT_EQ(SetBkColor(paper, 7), 0xFFFFFFu);
+    EXPECT_EQ(GetBkColor(paper), 7u);
+    EXPECT_EQ(SetBkMode(paper, TRANSPARENT), OPAQUE);
+    EXPECT_EQ(SetBkMode(paper, 9), 0);
+    EXPECT_EQ(GetBkMode(paper), TRANSPARENT);
+    EXPECT_EQ(SetTextColor(nullptr, 0), CLR_INVALID);
+    EXPECT_EQ(GetTextColor(nullptr), CLR_INVALID);
+    EXPECT_EQ(SetBkColor(nullptr, 0), CLR_INVALID);
+    EXPECT_EQ(GetBkColor(nullptr), CLR_INVALID);
+    EXPECT_EQ(GetBkMode(nullptr), 0);
+}
+
+TEST(Surface, OfTheDesktopMayBeDrawnOnByThreadsAtOnce)
+{
+    const auto work = [] {
+        const HDC dc = GetDC(nullptr);
+        const RECT rect{100, 100, 132, 132};
+        for (int n = 0; n < 50; ++n) {
+            FillRect(dc, &rect, static_cast<HBRUSH>(GetStockObject(n % 2 ? WHITE_BRUSH : BLACK_BRUSH)));
+            BitBlt(dc, 104, 104, 20, 20, dc, 100, 100, SRCCOPY);
+            EXPECT_NE(GetPixel(dc, 110, 110), CLR_INVALID);
+        }
+        ReleaseDC(nullptr, dc);
+    };
+    const std::jthread a(work);
+    const std::jthread b(work);
+}

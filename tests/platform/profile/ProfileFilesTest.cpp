@@ -1,0 +1,176 @@
+#include "tests/platform/profile/IniFixture.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+using test::IniFile;
+namespace fs = std::filesystem;
+
+constexpr std::size_t kMaxFile = 16 * 1024 * 1024;
+constexpr char kLeftover[] = ".test.ini.kxnew";
+
+mode_t ModeOf(const std::string& path)
+{
+    struct stat status
+    {
+    };
+    EXPECT_EQ(stat(path.c_str(), &status), 0);
+    return status.st_mode & 07777;
+}
+
+void ExpectUnusable(const IniFile& ini)
+{
+    EXPECT_EQ(ini.Get("S", "k"), "<none>");
+    EXPECT_FALSE(ini.Set("S", "k", "v"));
+    EXPECT_NE(GetLastError(), ERROR_SUCCESS);
+    EXPECT_EQ(ini.Names(), std::set<std::string>{"test.ini"});
+}
+
+TEST(ProfileFiles, WhatIsNoFileIsNeitherReadNorWaitedForNorReplaced)
+{
+    {
+        const IniFile ini;
+        fs::create_directory(ini.Path());
+        ExpectUnusable(ini);
+    }
+    {
+        const IniFile ini;
+        ASSERT_EQ(mkfifo(ini.Path().c_str(), 0600), 0);
+        ExpectUnusable(ini);
+    }
+    {
+        const IniFile ini;
+        fs::create_symlink("/dev/zero", ini.Path());
+        ExpectUnusable(ini);
+    }
+    {
+        const IniFile ini;
+        fs::create_symlink("test.ini", ini.Path()); // a link to itself
+        ExpectUnusable(ini);
+    }
+}
+
+TEST(ProfileFiles, SizeIsLimitedTo16MiB)
+{
+    const IniFile ini("[S]\nk=v\n");
+    fs::resize_file(ini.Path(), kMaxFile);
+    EXPECT_EQ(ini.Get("S", "k"), "v");
+    EXPECT_FALSE(ini.Set("S", "l", "no more room"));
+    EXPECT_EQ(fs::file_size(ini.Path()), kMaxFile);
+    EXPECT_TRUE(ini.Set("S", "k", ""));
+    EXPECT_EQ(fs::file_size(ini.Path()), kMaxFile - 1);
+    fs::resize_file(ini.Path(), kMaxFile + 1);
+    ExpectUnusable(ini);
+}
+
+TEST(ProfileFiles, GiantLinesAndManyLinesAreOrdinary)
+{
+    const std::string giant(5'000'000, 'x');
+    const IniFile ini("[S]\n" + giant + "=1\nk=" + giant + "\nl=2\n[" + giant + "]\nk=3\n");
+    EXPECT_EQ(ini.Get("S", giant.c_str()), "1");
+    EXPECT_EQ(ini.Get("S", "k"), giant.substr(0, 1023));
+    EXPECT_EQ(ini.Get("S", "l"), "2");
+    EXPECT_EQ(ini.Get(giant.c_str(), "k"), "3");
+
+    std::string many = "[S]\n";
+    for (int n = 0; n < 300'000; ++n)
+        many += "@`"[n % 2] + std::to_string(n) + "=" + std::to_string(n) + "\n";
+    ini.Replace(many);
+    EXPECT_EQ(ini.Get("s", "`299999"), "299999");
+    EXPECT_EQ(ini.Get("s", "@300000"), "<none>");
+}
+
+TEST(ProfileFiles, PermissionsStay)
+{
+    const IniFile ini("[S]\nk=v\n");
+    for (const mode_t mode : {0600u, 0640u, 0666u, 0755u}) {
+        chmod(ini.Path().c_str(), mode);
+        ASSERT_TRUE(ini.Set("S", "k", std::to_string(mode).c_str()));
+        EXPECT_EQ(ModeOf(ini.Path()), mode);
+    }
+    const mode_t mask = umask(027);
+    fs::remove(ini.Path());
+    EXPECT_TRUE(ini.Set("S", "k", "v"));
+    EXPECT_EQ(ModeOf(ini.Path()), 0640u);
+    umask(mask);
+}
+
+TEST(ProfileFiles, LinksStayAndTheirTargetIsReplaced)
+{
+    const IniFile ini;
+    ini.Dir().Write("real/file", "[S]\nk=v\n");
+    fs::create_symlink("real/file", ini.Dir().Path("link"));
+    fs::create_symlink(ini.Dir().Path("link"), ini.Path());
+    EXPECT_TRUE(ini.Set("S", "k", "w"));
+    EXPECT_TRUE(fs::is_symlink(ini.Path()) && fs::is_symlink(ini.Dir().Path("link")));
+    EXPECT_EQ(ini.Dir().Read("real/file"), "[S]\nk=w\n");
+    EXPECT_EQ(ini.Get("S", "k"), "w");
+
+    fs::remove(ini.Dir().Path("real/file"));
+    EXPECT_EQ(ini.Get("S", "k"), "<none>");
+    EXPECT_TRUE(ini.Set("S", "k", "x"));
+    EXPECT_EQ(ini.Dir().Read("real/file"), "[S]\r\nk=x\r\n");
+}
+
+TEST(ProfileFiles, LeftoversOfOthersDoNoHarm)
+{
+    const IniFile ini("[S]\nk=v\n");
+    const std::string leftover = ini.Dir().Path(kLeftover);
+
+    ini.Dir().Write(kLeftover, std::string(1000, '#')); // a killed writer's
+    EXPECT_TRUE(ini.Set("S", "k", "1"));
+
+    const std::string victim = ini.Dir().Write("victim", "precious"); // with another name too
+    fs::create_hard_link(victim, leftover);
+    EXPECT_TRUE(ini.Set("S", "k", "2"));
+    EXPECT_EQ(ini.Dir().Read("victim"), "precious");
+
+    ASSERT_EQ(mkfifo(leftover.c_str(), 0600), 0);
+    EXPECT_TRUE(ini.Set("S", "k", "3"));
+    EXPECT_EQ(ini.Text(), "[S]\nk=3\n");
+
+    fs::create_symlink(victim, leftover); // isn't followed
+    EXPECT_FALSE(ini.Set("S", "k", "4"));
+    EXPECT_EQ(ini.Dir().Read("victim"), "precious");
+    fs::remove(leftover);
+    EXPECT_EQ(ini.Names(), (std::set<std::string>{"test.ini", "victim"}));
+}
+
+TEST(ProfileFiles, TheLongestNameIsWritten)
+{
+    const test::TempDir dir;
+    for (const std::size_t length : {std::size_t{200}, 259 - dir.Win("").View().size() - 1}) {
+        const std::string name(length, 'n');
+        EXPECT_TRUE(WritePrivateProfileStringA("S", "k", "v", dir.Win(name)));
+        EXPECT_EQ(dir.Read(name), "[S]\r\nk=v\r\n");
+    }
+}
+
+// As a user without rights, where the tests run as root.
+TEST(ProfileFiles, WhatMayNotBeReadOrWrittenStays)
+{
+    const IniFile ini("[S]\nk=v\n");
+    const bool bRoot = geteuid() == 0;
+    const auto tryAs = [&](mode_t file, mode_t directory, const char* expected) {
+        chmod(ini.Path().c_str(), file);
+        chmod(ini.Dir().Path().c_str(), directory);
+        ASSERT_TRUE(!bRoot || seteuid(65534) == 0);
+        EXPECT_EQ(ini.Get("S", "k"), expected);
+        EXPECT_FALSE(ini.Set("S", "k", "w"));
+        EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+        ASSERT_TRUE(!bRoot || seteuid(0) == 0);
+        chmod(ini.Dir().Path().c_str(), 0700);
+    };
+    tryAs(0444, 0777, "v");
+    tryAs(0000, 0777, "<none>");
+    tryAs(0666, 0555, "v");
+    EXPECT_EQ(ini.Text(), "[S]\nk=v\n");
+    EXPECT_EQ(ini.Names(), std::set<std::string>{"test.ini"});
+}
+
+} // namespace

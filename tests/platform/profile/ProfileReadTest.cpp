@@ -1,0 +1,172 @@
+#include "tests/platform/profile/IniFixture.h"
+#include "tests/support/Host.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace {
+
+using test::IniFile;
+
+TEST(ProfileRead, FindsWhatTheLinesSay)
+{
+    const std::string none = "<none>";
+    const struct
+    {
+        std::string_view text;
+        const char* section;
+        const char* key;
+        std::string value;
+    } cases[] = {
+        {"[S]\r\nk=v\r\n", "S", "k", "v"},
+        {"[S]\nk=v", "S", "k", "v"},
+        {"\xEF\xBB\xBF[S]\nk=v\n", "S", "k", "v"},
+        {" \t[ S ] ; remark\n\t k \t=\t v w \t\r\n", "S", "k", "v w"},
+        {"[S]\nk=v\n", " s\t", " K ", "v"},
+        {"[LONG section Name]\nA rather long KEY=v\n", "long SECTION nAME", "a RATHER long key", "v"},
+        {"[S]\nk=a=b;c\n", "S", "k", "a=b;c"},
+        {"[S]\nk=\" v \"\nq=' w '\n", "S", "k", " v "},
+        {"[S]\nk=\" v \"\nq=' w '\n", "S", "q", " w "},
+        {"[S]\nk=\"v'\n", "S", "k", "\"v'"},
+        {"[S]\nk=\"\n", "S", "k", "\""},
+        {"[S]\nk=\"\"\n", "S", "k", ""},
+        {"[S]\nk=\n", "S", "k", ""},
+        {"[S]\n;k=v\nk\n=v\n", "S", "k", none},
+        {"k=v\n[S]\n", "", "k", none},
+        {"[]\nk=v\n", "", "k", "v"},
+        {"[S\nk=v\n", "S", "k", "v"},
+        {"[a]b]\nk=v\n", "a", "k", "v"},
+        {"[S]\nk=1\nK=2\n[T]\n[s]\nk=3\nl=4\n", "S", "k", "1"},
+        {"[S]\nk=1\nK=2\n[T]\n[s]\nk=3\nl=4\n", "S", "l", none},
+        {{"[S]\nk=a\0b\n\0\nl=w\n", 18}, "S", "k", "a"},
+        {{"[S]\nk=a\0b\n\0\nl=w\n", 18}, "S", "l", "w"},
+        {"", "S", "k", none},
+        {"\xEF\xBB\xBF", "S", "k", none},
+    };
+    for (const auto& c : cases) {
+        const IniFile ini(c.text);
+        EXPECT_EQ(ini.Get(c.section, c.key), c.value) << c.text;
+    }
+}
+
+TEST(ProfileRead, NamesAreFoldedByCharacters)
+{
+    // In the double-byte code page "\x81\x41" and "\x81\x61" are two characters, and "\x81\x5D" holds no
+    // bracket.
+    const IniFile ini("[S]\n\x81\x41x=1\n\x81\x61X=2\n[\x81\x5D]\nk=3\n");
+    EXPECT_EQ(ini.Get("S", "\x81\x61x"), "2");
+    EXPECT_EQ(ini.Get("S", "\x81\x41X"), "1");
+    EXPECT_EQ(ini.Get("\x81\x5D", "k"), "3");
+    const test::CodePage utf8(CP_UTF8);
+    EXPECT_EQ(ini.Get("S", "\x81\x61x"), "1");
+    EXPECT_EQ(ini.Get("\x81", "k"), "3");
+}
+
+TEST(ProfileRead, DefaultStandsInAndIsCutLikeAValue)
+{
+    const IniFile ini("[S]\nk=abcdef\nwide=ab\xC4\xE3\n");
+    EXPECT_EQ(ini.Get("S", "none", "default"), "default");
+    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(ini.Get("none", "k", nullptr), "");
+    EXPECT_EQ(ini.Get(nullptr, "k", "d"), "d");
+    EXPECT_EQ(ini.Get("S", nullptr, "d"), "d");
+
+    std::array<char, 8> buffer;
+    const auto get = [&](const char* pszKey, DWORD nSize, const CString& strFile) {
+        buffer.fill('#');
+        const DWORD length = GetPrivateProfileStringA("S", pszKey, "fallback", buffer.data(), nSize, strFile);
+        EXPECT_EQ(buffer[nSize], '#');
+        EXPECT_EQ(length, strlen(buffer.data()));
+        return std::string(buffer.data());
+    };
+    EXPECT_EQ(get("k", 4, ini.Win()), "abc");
+    EXPECT_EQ(get("wide", 4, ini.Win()), "ab");
+    EXPECT_EQ(get("none", 4, ini.Win()), "fal");
+    EXPECT_EQ(get("k", 1, ini.Win()), "");
+    for (const char* pszFile : {"", "Q:\\a.ini", "C:\\no such directory\\a.ini", "no such file.ini"})
+        EXPECT_EQ(get("k", 4, pszFile), "fal") << pszFile;
+    EXPECT_EQ(GetPrivateProfileStringA("S", "k", "d", buffer.data(), 0, ini.Win()), 0u);
+    EXPECT_EQ(GetPrivateProfileStringA("S", "k", "d", nullptr, 4, ini.Win()), 0u);
+    EXPECT_EQ(GetPrivateProfileStringA("S", "k", "d", buffer.data(), 4, nullptr), 1u);
+}
+
+// The stamp of a file that is written in place, to the same size and within one tick of the clock, stays.
+TEST(ProfileRead, SeesEveryChangeMadeInPlace)
+{
+    const IniFile ini("[S]\nk=0000\n");
+    timespec same{};
+    for (int n = 0; n < 2000; ++n) {
+        const std::string value = std::to_string(1000 + n);
+        ini.Replace("[S]\nk=" + value + "\n");
+        if (n % 3 == 0) {
+            const timespec times[] = {same, same};
+            utimensat(AT_FDCWD, ini.Path().c_str(), times, 0);
+        }
+        ASSERT_EQ(ini.Get("S", "k"), value);
+    }
+}
+
+TEST(ProfileRead, SeesEveryReplacementAndEnd)
+{
+    const IniFile ini;
+    for (int n = 0; n < 500; ++n) {
+        const std::string value = std::to_string(1000 + n);
+        ini.Dir().Write("other", "[S]\nk=" + value + "\n");
+        std::filesystem::rename(ini.Dir().Path("other"), ini.Path());
+        ASSERT_EQ(ini.Get("S", "k"), value);
+        if (n % 7 != 0) continue;
+        std::filesystem::remove(ini.Path());
+        ASSERT_EQ(ini.Get("S", "k"), "<none>");
+    }
+}
+
+TEST(ProfileRead, EverySpellingGivesTheFileThatItNames)
+{
+    const test::TempDir dir;
+    dir.Write("Skins/Blue/Skin.ini", "[S]\nk=Skin\n");
+    const auto get = [](const CString& strFile) {
+        std::array<char, 16> value;
+        GetPrivateProfileStringA("S", "k", "-", value.data(), value.size(), strFile);
+        return std::string(value.data());
+    };
+    for (int pass = 0; pass < 2; ++pass) {
+        EXPECT_EQ(get(dir.Win("Skins\\Blue\\Skin.ini")), "Skin");
+        EXPECT_EQ(get(dir.Win("SKINS\\blue\\..\\blue\\skin.INI")), "Skin");
+        CString slashes = dir.Win("Skins\\Blue\\Skin.ini");
+        slashes.Replace('\\', '/');
+        EXPECT_EQ(get(slashes), "Skin");
+    }
+    // An exact name wins as soon as it is there, and the others count again when it goes.
+    const std::string exact = dir.Write("Skins/Blue/skin.ini", "[S]\nk=skin\n");
+    EXPECT_EQ(get(dir.Win("Skins\\Blue\\skin.ini")), "skin");
+    std::filesystem::remove(exact);
+    EXPECT_EQ(get(dir.Win("Skins\\Blue\\skin.ini")), "Skin");
+
+    dir.Write("Mounted/Skins/Blue/Skin.ini", "[S]\nk=there\n");
+    KXHost::Drive drive;
+    drive.strRoot = dir.Path("Mounted");
+    KXHost::MountDrive('K', drive);
+    EXPECT_EQ(get("K:\\Skins\\Blue\\Skin.ini"), "there");
+    drive.strRoot = dir.Path();
+    KXHost::MountDrive('K', drive);
+    EXPECT_EQ(get("K:\\Skins\\Blue\\Skin.ini"), "Skin");
+    KXHost::UnmountDrive('K');
+    EXPECT_EQ(get("K:\\Skins\\Blue\\Skin.ini"), "-");
+}
+
+TEST(ProfileRead, ManyFilesStayApart)
+{
+    const test::TempDir dir;
+    const int files = 150; // more than are kept parsed
+    for (int n = 0; n < files; ++n)
+        dir.Write(std::to_string(n) + ".ini", "[S]\nk=" + std::to_string(n) + "\n");
+    for (int n = 0; n < 3 * files; ++n) {
+        std::array<char, 16> value;
+        const std::string name = std::to_string(n * 7 % files);
+        GetPrivateProfileStringA("S", "k", "-", value.data(), value.size(), dir.Win(name + ".ini"));
+        ASSERT_EQ(value.data(), name);
+    }
+}
+
+} // namespace

@@ -1,0 +1,109 @@
+#include "tests/platform/profile/IniFixture.h"
+#include "tests/support/Child.h"
+
+#include <atomic>
+#include <gtest/gtest.h>
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using test::Child;
+using test::IniFile;
+
+std::unique_ptr<Child> Writer(const IniFile& ini, const std::string& prefix, int count)
+{
+    return std::make_unique<Child>(
+        "ProfileWriterChild", std::vector<std::string>{ini.Win().GetString(), prefix, std::to_string(count)});
+}
+
+void ExpectKeys(const IniFile& ini, const std::string& prefix, int count)
+{
+    for (int n = 0; n < count; ++n) {
+        const std::string number = std::to_string(n);
+        ASSERT_EQ(ini.Get("S", (prefix + number).c_str()), number) << prefix;
+    }
+}
+
+TEST(ProfileSharing, NoWriterLosesAnothersKeys)
+{
+    constexpr int kEach = 60;
+    const IniFile ini;
+    std::vector<std::unique_ptr<Child>> children;
+    for (const char* prefix : {"a", "b"})
+        children.push_back(Writer(ini, prefix, kEach));
+    std::vector<std::jthread> threads;
+    for (const std::string prefix : {"c", "d"})
+        threads.emplace_back([&ini, prefix] {
+            for (int n = 0; n < kEach; ++n) {
+                const std::string number = std::to_string(n);
+                EXPECT_TRUE(ini.Set("S", (prefix + number).c_str(), number.c_str()));
+            }
+        });
+    threads.clear();
+    for (const auto& child : children)
+        EXPECT_EQ(child->Wait(), 0);
+    for (const char* prefix : {"a", "b", "c", "d"})
+        ExpectKeys(ini, prefix, kEach);
+    EXPECT_EQ(ini.Names(), std::set<std::string>{"test.ini"});
+}
+
+TEST(ProfileSharing, ReaderSeesWhatAnotherProcessWroteBefore)
+{
+    const IniFile ini("[S]\na0=old\n");
+    EXPECT_EQ(ini.Get("S", "a0"), "old");
+    EXPECT_EQ(Writer(ini, "a", 3)->Wait(), 0);
+    ExpectKeys(ini, "a", 3);
+}
+
+// Whatever moment the kill comes at: the file is whole, nothing piles up, and the next writer isn't held up.
+TEST(ProfileSharing, KilledWriterLeavesTheOldFileOrTheNewOne)
+{
+    const std::string filler(200'000, '#');
+    const auto whole = [&](char ch) {
+        return "[S]\n" + filler + "\nk=" + std::string(60'000, ch) + "\n[T]\nlast=1\n";
+    };
+    const IniFile ini(whole('A'));
+    for (int round = 0; round < 40; ++round) {
+        ini.Set("S", "k", "start");
+        const auto child = Writer(ini, "k", 0);
+        while (ini.Get("S", "k") == "start")
+            std::this_thread::yield();
+        for (int n = 0; n < round * 3; ++n)
+            ASSERT_EQ(ini.Get("T", "last"), "1");
+        child->Kill();
+        EXPECT_EQ(child->Wait(), 128 + SIGKILL);
+
+        const std::string text = ini.Text();
+        ASSERT_TRUE(text == whole('A') || text == whole('B')) << text.size();
+        for (const auto& name : ini.Names())
+            ASSERT_TRUE(name == "test.ini" || name == ".test.ini.kxnew") << name;
+    }
+    EXPECT_TRUE(ini.Set("S", "k", "end"));
+    EXPECT_EQ(ini.Names(), std::set<std::string>{"test.ini"});
+}
+
+TEST(ProfileSharing, ThreadsReadWhileOneWrites)
+{
+    const IniFile ini("[S]\nsteady=value\nk=0\n");
+    std::atomic<bool> bDone{false};
+    std::vector<std::jthread> readers;
+    for (int n = 0; n < 3; ++n)
+        readers.emplace_back([&] {
+            int last = 0;
+            while (!bDone) {
+                ASSERT_EQ(ini.Get("S", "steady"), "value");
+                const int now = std::stoi(ini.Get("S", "k"));
+                ASSERT_GE(now, last);
+                last = now;
+            }
+        });
+    for (int n = 1; n <= 300; ++n) {
+        ASSERT_TRUE(ini.Set("S", "k", std::to_string(n).c_str()));
+        ASSERT_EQ(ini.Get("S", "k"), std::to_string(n));
+    }
+    bDone = true;
+}
+
+} // namespace
