@@ -29,7 +29,8 @@ CKXLanResManager* Manager()
     static CKXLanResManager* const pManager = [] {
         KXHost::SetExecutablePath(bench::Dir().Path("app"));
         std::string data;
-        for (int n = 0; n < nKeys; ++n) data += Key(n) + " = The text of entry number " + std::to_string(n) + "\r\n";
+        for (int n = 0; n < nKeys; ++n)
+            data += Key(n) + " = The text of entry number " + std::to_string(n) + "\r\n";
         bench::Dir().Write("lans/L/Lan.ini", "[Language]\r\nLanguage=L\r\n");
         bench::Dir().Write("lans/L/Data.txt", data);
         auto* pMade = CKXLanResManager::GetSingletonPtr();
@@ -47,7 +48,8 @@ struct Peer
 
     Peer()
     {
-        for (int n = 0; n < nKeys; ++n) texts[Key(n)] = "The text of entry number " + std::to_string(n);
+        for (int n = 0; n < nKeys; ++n)
+            texts[Key(n)] = "The text of entry number " + std::to_string(n);
     }
     std::string Get(const std::string& key)
     {
@@ -61,24 +63,29 @@ void Ours(benchmark::State& state)
 {
     CKXLanResManager* pManager = Manager();
     std::vector<CString> keys;
-    for (int n = 0; n < nKeys; ++n) keys.emplace_back(Key(n).c_str());
+    for (int n = 0; n < nKeys; ++n)
+        keys.emplace_back(Key(n).c_str());
     for (auto _ : state)
-        for (const CString& key : keys) benchmark::DoNotOptimize(pManager->GetString(key));
+        for (const CString& key : keys)
+            benchmark::DoNotOptimize(pManager->GetString(key));
 }
 
 void Theirs(benchmark::State& state)
 {
     static Peer peer;
     std::vector<std::string> keys;
-    for (int n = 0; n < nKeys; ++n) keys.push_back(Key(n));
+    for (int n = 0; n < nKeys; ++n)
+        keys.push_back(Key(n));
     for (auto _ : state)
-        for (const std::string& key : keys) benchmark::DoNotOptimize(peer.Get(key));
+        for (const std::string& key : keys)
+            benchmark::DoNotOptimize(peer.Get(key));
 }
 
 void LoadOurs(benchmark::State& state)
 {
     CKXLanResManager* pManager = Manager();
-    for (auto _ : state) pManager->SetCurrentLan("L", 0);
+    for (auto _ : state)
+        pManager->SetCurrentLan("L", 0);
 }
 
 void LoadTheirs(benchmark::State& state)
@@ -87,7 +94,8 @@ void LoadTheirs(benchmark::State& state)
     for (auto _ : state) {
         std::ifstream file(bench::Dir().Path("lans/L/Data.txt"));
         std::vector<std::string> lines;
-        for (std::string line; std::getline(file, line);) lines.push_back(line);
+        for (std::string line; std::getline(file, line);)
+            lines.push_back(line);
         benchmark::DoNotOptimize(lines.data());
     }
 }

@@ -23,7 +23,10 @@ constexpr std::uintmax_t cbLine = sizeof("[2009-03-14 08:05:09] 1 ") - 1 + sizeo
 class Ours
 {
 public:
-    explicit Ours(const char* pszName) : m_path(bench::Dir().Path(pszName)) { m_pLog->Initialize(bench::Dir().Win(pszName)); }
+    explicit Ours(const char* pszName) : m_path(bench::Dir().Path(pszName))
+    {
+        m_pLog->Initialize(bench::Dir().Win(pszName));
+    }
     ~Ours() { m_pLog->Uninitialize(); }
     void Push() { m_pLog->PushLog(CKXLogSys::LogInfo, m_strMessage); }
     void Finish() {}
@@ -58,7 +61,8 @@ private:
 
 void WaitForSize(const std::string& path, std::uintmax_t size)
 {
-    while (std::filesystem::file_size(path) < size) std::this_thread::sleep_for(std::chrono::microseconds(100));
+    while (std::filesystem::file_size(path) < size)
+        std::this_thread::sleep_for(std::chrono::microseconds(100));
 }
 
 using Clock = std::chrono::steady_clock;
@@ -77,7 +81,8 @@ void Drain(benchmark::State& state, int nProducers)
             std::vector<std::jthread> producers;
             for (int n = 0; n < nProducers; ++n)
                 producers.emplace_back([&] {
-                    for (int k = 0; k < nLines / nProducers; ++k) log.Push();
+                    for (int k = 0; k < nLines / nProducers; ++k)
+                        log.Push();
                 });
         }
         log.Finish();
@@ -92,7 +97,8 @@ void Caller(benchmark::State& state)
     for (auto _ : state) {
         Log log("caller.log");
         const auto start = Clock::now();
-        for (int n = 0; n < nLines; ++n) log.Push();
+        for (int n = 0; n < nLines; ++n)
+            log.Push();
         state.SetIterationTime(Seconds(start) / nLines);
         log.Finish();
         WaitForSize(log.Path(), nLines * cbLine);

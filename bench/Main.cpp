@@ -8,22 +8,18 @@
 #include <string>
 #include <vector>
 
-// Runs all pairs. A benchmark is named WORK/ours or WORK/PEER; repetitions of all of them alternate at random, so
-// that a busy machine disturbs both sides alike. A row of the table is a work, the median times of both, and
-// how many times faster we are; only that ratio says anything on a shared machine.
+// Runs all pairs. A benchmark is named WORK/ours or WORK/PEER; repetitions of all of them alternate at
+// random, so that a busy machine disturbs both sides alike. A row of the table is a work, the median times of
+// both, and how many times faster we are; only that ratio says anything on a shared machine.
 
 namespace {
 
 // What a row is meant to reach: the least ratio.
 const std::map<std::string, double> aims = {
-    {"log_drain_1_producer/spdlog", 2},
-    {"log_drain_4_producers/spdlog", 10},
-    {"log_caller_1_producer/spdlog", 2},
-    {"ini_read100/stat", 1 / 1.3},
-    {"ini_read100/gkeyfile", 15},
-    {"ini_cold/gkeyfile", 1},
-    {"text_1_thread/map_and_mutex", 1},
-    {"text_4_threads/map_and_mutex", 1.5},
+    {"log_drain_1_producer/spdlog", 2},  {"log_drain_4_producers/spdlog", 10},
+    {"log_caller_1_producer/spdlog", 2}, {"ini_read100/stat", 1 / 1.3},
+    {"ini_read100/gkeyfile", 15},        {"ini_cold/gkeyfile", 1},
+    {"text_1_thread/map_and_mutex", 1},  {"text_4_threads/map_and_mutex", 1.5},
     {"text_load/read_and_split", 0.5},
 };
 
@@ -76,11 +72,13 @@ private:
 
 void Print(const std::vector<Row>& rows)
 {
-    std::printf("%-24s %12s   %-15s %12s %8s %8s\n", "work", "ours (us)", "peer", "peer (us)", "ratio", "aim");
+    std::printf("%-24s %12s   %-15s %12s %8s %8s\n", "work", "ours (us)", "peer", "peer (us)", "ratio",
+                "aim");
     for (const Row& row : rows) {
         const bool bShort = row.Ratio() < row.Aim();
         std::printf("%-24s %12.3f   %-15s %12.3f %8.2f %8.2f%s\n", row.work.c_str(), row.ours / 1000,
-                    row.peer.c_str(), row.theirs / 1000, row.Ratio(), row.Aim(), bShort ? "  short of it" : "");
+                    row.peer.c_str(), row.theirs / 1000, row.Ratio(), row.Aim(),
+                    bShort ? "  short of it" : "");
     }
 }
 
@@ -90,9 +88,9 @@ void WriteJson(const std::vector<Row>& rows, const char* pszFile)
     file << std::setprecision(9) << "[";
     const char* pszSeparator = "\n";
     for (const Row& row : rows) {
-        file << pszSeparator << R"(  {"work": ")" << row.work << R"(", "ours_ns": )" << row.ours << R"(, "peer": ")"
-             << row.peer << R"(", "peer_ns": )" << row.theirs << R"(, "ratio": )" << row.Ratio() << R"(, "aim": )"
-             << row.Aim() << "}";
+        file << pszSeparator << R"(  {"work": ")" << row.work << R"(", "ours_ns": )" << row.ours
+             << R"(, "peer": ")" << row.peer << R"(", "peer_ns": )" << row.theirs << R"(, "ratio": )"
+             << row.Ratio() << R"(, "aim": )" << row.Aim() << "}";
         pszSeparator = ",\n";
     }
     file << "\n]\n";

@@ -14,7 +14,8 @@ CKXLogSys* CKXLogSys::s_pInstance = nullptr;
 
 CKXLogSys* CKXLogSys::GetSingletonPtr()
 {
-    if (!s_pInstance) s_pInstance = new (std::nothrow) CKXLogSys; // owned by s_auto_ptr from its constructor on
+    if (!s_pInstance)
+        s_pInstance = new (std::nothrow) CKXLogSys; // owned by s_auto_ptr from its constructor on
     return s_pInstance;
 }
 
@@ -129,7 +130,8 @@ unsigned CKXLogSys::WriteLogThreadFunc()
     const auto isStopped = [this] { return WaitForSingleObject(m_hStopEvent, 0) == WAIT_OBJECT_0; };
     while (WaitForSingleObject(m_hWakeEvent, INFINITE) == WAIT_OBJECT_0 && !isStopped()) {
         CString strLine;
-        while (!isStopped() && GetNextLog(strLine)) WriteLine(strLine);
+        while (!isStopped() && GetNextLog(strLine))
+            WriteLine(strLine);
         FlushFile();
         if (isStopped()) break;
     }

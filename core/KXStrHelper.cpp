@@ -1,18 +1,21 @@
 #include "KXStrHelper.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 int CKXStrHelper::Split(const CString& strText, const CString& strDelim, std::vector<CString>& vecOut)
 {
-    const CString text(strText), delim(strDelim); // either may be one of the vector's own strings
+    std::vector<CString> pieces; // apart, since the text or the delimiter may be one of the vector's own
     int start = 0;
-    while (!delim.IsEmpty()) {
-        const int found = text.Find(delim, start);
+    while (!strDelim.IsEmpty()) {
+        const int found = strText.Find(strDelim, start);
         if (found < 0) break;
-        vecOut.push_back(text.Mid(start, found - start));
-        start = found + delim.GetLength();
+        pieces.push_back(strText.Mid(start, found - start));
+        start = found + strDelim.GetLength();
     }
-    if (start < text.GetLength()) vecOut.push_back(text.Mid(start));
+    if (start < strText.GetLength()) pieces.push_back(strText.Mid(start));
+    std::move(pieces.begin(), pieces.end(), std::back_inserter(vecOut));
     return static_cast<int>(vecOut.size());
 }
 

@@ -22,10 +22,11 @@ public:
     int Read(int y)
     {
         const int nRows = std::min(nBandRows, m_size.cy - y);
-        const int nFromBottom = m_size.cy - y - nRows; // lines are counted from the bottom, also in a top-down copy
+        const int nFromBottom =
+            m_size.cy - y - nRows; // lines are counted from the bottom, also in a top-down copy
         return nRows <= 0 ? 0
-                          : GetDIBits(m_hDC, m_hBitmap, static_cast<UINT>(nFromBottom), static_cast<UINT>(nRows),
-                                      m_pixels.data(), &m_info, DIB_RGB_COLORS);
+                          : GetDIBits(m_hDC, m_hBitmap, static_cast<UINT>(nFromBottom),
+                                      static_cast<UINT>(nRows), m_pixels.data(), &m_info, DIB_RGB_COLORS);
     }
     const DWORD* Row(int n) const { return m_pixels.data() + static_cast<std::ptrdiff_t>(n) * m_size.cx; }
 
@@ -42,9 +43,11 @@ void AppendRuns(const DWORD* row, int nWidth, int y, DWORD key, bool bKeepColor,
 {
     const auto isIn = [&](int x) { return ((row[x] & 0xFFFFFF) == key) == bKeepColor; };
     for (int x = 0; x < nWidth;) {
-        while (x < nWidth && !isIn(x)) ++x;
+        while (x < nWidth && !isIn(x))
+            ++x;
         const int first = x;
-        while (x < nWidth && isIn(x)) ++x;
+        while (x < nWidth && isIn(x))
+            ++x;
         if (first < x) runs.push_back({first, y, x, y + 1});
     }
 }
@@ -62,7 +65,8 @@ HRGN kx::draw::MakeColorRegion(HDC hDC, HBITMAP hBitmap, SIZE size, COLORREF clr
     Rows rows(hDC, hBitmap, size);
     int y = 0;
     while (const int nRows = rows.Read(y)) {
-        for (int n = 0; n < nRows; ++n, ++y) AppendRuns(rows.Row(n), size.cx, y, key, bKeepColor, runs);
+        for (int n = 0; n < nRows; ++n, ++y)
+            AppendRuns(rows.Row(n), size.cx, y, key, bKeepColor, runs);
     }
     return CreateRectsRgn(runs.data(), static_cast<int>(runs.size()));
 }

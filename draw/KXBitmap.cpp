@@ -4,6 +4,7 @@
 #include "draw/Tiling.h"
 #include "draw/Wrap.h"
 
+#include <algorithm>
 #include <utility>
 
 using kx::draw::Minus;
@@ -104,8 +105,8 @@ HDC CKXBitmap::SelectState(int nState)
     return m_image.DC();
 }
 
-// The block copies of a fill: with or without a transparent colour, and named by their places along the fill and
-// across it, so that one road serves both directions.
+// The block copies of a fill: with or without a transparent colour, and named by their places along the fill
+// and across it, so that one road serves both directions.
 class CKXBitmap::Copier
 {
 public:
@@ -158,7 +159,10 @@ void CKXBitmap::DrawBand(const Copier& copier, const CRect& rcDst, int nAcross, 
     const int nLast = copier.Along(m_rcSrcLast).Length();
     const int nMiddle = copier.Along(m_rcSrcMiddle).Length();
     const int nStart = Plus(dst.from, nFirst);
-    kx::draw::ForEachTile(std::int64_t{dst.Length()} - nFirst - nLast, nMiddle, [&](int offset, int n) {
+    // End parts of a length below 0 make no more room than there is.
+    const std::int64_t nRoom =
+        std::min(std::int64_t{dst.Length()} - nFirst - nLast, std::int64_t{dst.Length()});
+    kx::draw::ForEachTile(nRoom, nMiddle, [&](int offset, int n) {
         copier.Copy(Plus(nStart, offset), nAcross, n, nThickness, m_rcSrcMiddle);
     });
     copier.Copy(dst.from, nAcross, nFirst, nThickness, m_rcSrcFirst);
@@ -210,25 +214,26 @@ void CKXBitmap::Pave(CDC* pDC, const CRect& rcDst, int nState)
     const Copier copier(pDC, hSrc, m_bHorzFill);
     const auto across = copier.Across(rcDst);
     if (across.from >= across.to) return;
-    kx::draw::ForEachTile(across.Length(), copier.Across(m_rcSrcMiddle).Length(), [&](int offset, int n) {
-        DrawBand(copier, rcDst, Plus(across.from, offset), n);
-    });
+    kx::draw::ForEachTile(across.Length(), copier.Across(m_rcSrcMiddle).Length(),
+                          [&](int offset, int n) { DrawBand(copier, rcDst, Plus(across.from, offset), n); });
 }
 
 void CKXBitmap::DrawPart(CDC* pDC, const CRect& rcDst, const CRect& rcSrc, int nState)
 {
     const HDC hSrc = SelectState(nState);
     if (!hSrc) return;
-    BitBlt(HandleOf(pDC), rcDst.left, rcDst.top, rcDst.Width(), rcDst.Height(), hSrc, Plus(m_rcSrcImage.left, rcSrc.left),
-           Plus(m_rcSrcImage.top, rcSrc.top), SRCCOPY);
+    BitBlt(HandleOf(pDC), rcDst.left, rcDst.top, rcDst.Width(), rcDst.Height(), hSrc,
+           Plus(m_rcSrcImage.left, rcSrc.left), Plus(m_rcSrcImage.top, rcSrc.top), SRCCOPY);
 }
 
-void CKXBitmap::TransparentDrawPart(CDC* pDC, const CRect& rcDst, const CRect& rcSrc, COLORREF clr, int nState)
+void CKXBitmap::TransparentDrawPart(CDC* pDC, const CRect& rcDst, const CRect& rcSrc, COLORREF clr,
+                                    int nState)
 {
     const HDC hSrc = SelectState(nState);
     if (!hSrc) return;
     TransparentBlt(HandleOf(pDC), rcDst.left, rcDst.top, rcDst.Width(), rcDst.Height(), hSrc,
-                   Plus(m_rcSrcImage.left, rcSrc.left), Plus(m_rcSrcImage.top, rcSrc.top), rcSrc.Width(), rcSrc.Height(), clr);
+                   Plus(m_rcSrcImage.left, rcSrc.left), Plus(m_rcSrcImage.top, rcSrc.top), rcSrc.Width(),
+                   rcSrc.Height(), clr);
 }
 
 int CKXBitmap::GetBits(unsigned char* pBits)

@@ -4,7 +4,8 @@
 
 #include <algorithm>
 
-void CKXFrameBitmap::SetBitmapOptions(CSize sizeTopLeft, CSize sizeTopRight, CSize sizeBottomLeft, CSize sizeBottomRight)
+void CKXFrameBitmap::SetBitmapOptions(CSize sizeTopLeft, CSize sizeTopRight, CSize sizeBottomLeft,
+                                      CSize sizeBottomRight)
 {
     const int W = GetBITMAP().bmWidth;
     const int H = GetBITMAP().bmHeight;
@@ -27,24 +28,31 @@ void CKXFrameBitmap::SetBitmapOptions(CSize sizeTopLeft, CSize sizeTopRight, CSi
 void CKXFrameBitmap::Draw(CDC* pDC, const CRect& rc, int bFillCenter, COLORREF clrCenter)
 {
     if (bFillCenter) {
-        const CRect center(rc.left + m_nInsetLeft, rc.top + m_nInsetTop, rc.right - m_nInsetRight, rc.bottom - m_nInsetBottom);
+        const CRect center(rc.left + m_nInsetLeft, rc.top + m_nInsetTop, rc.right - m_nInsetRight,
+                           rc.bottom - m_nInsetBottom);
         pDC->FillSolidRect(&center, clrCenter);
     }
     DrawFill(pDC,
-             CRect(rc.left + m_rcTopLeft.Width(), rc.top, rc.right - m_rcTopRight.Width(), rc.top + m_rcTop.Height()), m_rcTop, 1);
+             CRect(rc.left + m_rcTopLeft.Width(), rc.top, rc.right - m_rcTopRight.Width(),
+                   rc.top + m_rcTop.Height()),
+             m_rcTop, 1);
     DrawFill(pDC,
-             CRect(rc.left + m_rcBottomLeft.Width(), rc.bottom - m_rcBottom.Height(), rc.right - m_rcBottomRight.Width(), rc.bottom),
+             CRect(rc.left + m_rcBottomLeft.Width(), rc.bottom - m_rcBottom.Height(),
+                   rc.right - m_rcBottomRight.Width(), rc.bottom),
              m_rcBottom, 1);
     DrawFill(pDC,
-             CRect(rc.left, rc.top + m_rcTopLeft.Height(), rc.left + m_rcLeft.Width(), rc.bottom - m_rcBottomLeft.Height()),
+             CRect(rc.left, rc.top + m_rcTopLeft.Height(), rc.left + m_rcLeft.Width(),
+                   rc.bottom - m_rcBottomLeft.Height()),
              m_rcLeft, 0);
     DrawFill(pDC,
-             CRect(rc.right - m_rcRight.Width(), rc.top + m_rcTopRight.Height(), rc.right, rc.bottom - m_rcBottomRight.Height()),
+             CRect(rc.right - m_rcRight.Width(), rc.top + m_rcTopRight.Height(), rc.right,
+                   rc.bottom - m_rcBottomRight.Height()),
              m_rcRight, 0);
     DrawCorner(pDC, rc.left, rc.top, m_rcTopLeft);
     DrawCorner(pDC, rc.right - m_rcTopRight.Width(), rc.top, m_rcTopRight);
     DrawCorner(pDC, rc.left, rc.bottom - m_rcBottomLeft.Height(), m_rcBottomLeft);
-    DrawCorner(pDC, rc.right - m_rcBottomRight.Width(), rc.bottom - m_rcBottomRight.Height(), m_rcBottomRight);
+    DrawCorner(pDC, rc.right - m_rcBottomRight.Width(), rc.bottom - m_rcBottomRight.Height(),
+               m_rcBottomRight);
 }
 
 void CKXFrameBitmap::DrawFill(CDC* pDC, const CRect& rcDst, const CRect& rcSrc, int bHorz)

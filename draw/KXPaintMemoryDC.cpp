@@ -15,5 +15,6 @@ CKXPaintMemoryDC::CKXPaintMemoryDC(CDC* pDC, const CRect& rect) : m_pDestDC(pDC)
 CKXPaintMemoryDC::~CKXPaintMemoryDC()
 {
     if (m_pDestDC)
-        m_pDestDC->BitBlt(m_rcDest.left, m_rcDest.top, m_rcDest.Width(), m_rcDest.Height(), &m_dc, 0, 0, SRCCOPY);
+        m_pDestDC->BitBlt(m_rcDest.left, m_rcDest.top, m_rcDest.Width(), m_rcDest.Height(), &m_dc, 0, 0,
+                          SRCCOPY);
 }

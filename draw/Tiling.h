@@ -5,8 +5,8 @@
 
 namespace kx::draw {
 
-// Calls `tile(offset, length)` for each tile of `nTile` pixels that covers `nRoom`, the last one cut. A tile without
-// a length covers nothing.
+// Calls `tile(offset, length)` for each tile of `nTile` pixels that covers `nRoom`, the last one cut. A tile
+// without a length covers nothing.
 template <class Tile>
 void ForEachTile(std::int64_t nRoom, int nTile, Tile&& tile)
 {

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-// Sums and products that wrap around in 32 bits: a rectangle or state far out of range names some place off the
-// surface, where nothing is drawn, and nothing overflows on the way there.
+// Sums and products that wrap around in 32 bits: a rectangle or state far out of range names some place off
+// the surface, where nothing is drawn, and nothing overflows on the way there.
 namespace kx::draw {
 
 constexpr int Plus(int a, int b)

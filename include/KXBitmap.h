@@ -2,32 +2,34 @@
 
 #include "KXBitmapHandle.h"
 
-// One bitmap that holds several states of a control, side by side or one above the other. A state is drawn at its
-// natural size, as a part, with a transparent colour, or at any length from a fixed first part, a repeated middle
-// part and a fixed last part.
+// One bitmap that holds several states of a control, side by side or one above the other. A state is drawn at
+// its natural size, as a part, with a transparent colour, or at any length from a fixed first part, a
+// repeated middle part and a fixed last part.
 //
-// A client loads, then calls SetFillParam and SetMultiState in either order; SetMultiState alone may come before
-// the load. Nothing is drawn while there is no bitmap, and to a null `pDC`. A state outside the image, or a part of
-// it, names pixels that aren't there: they are left out. Copies share surface and bitmap (KXBitmapHandle.h). An
-// object is used by one thread at a time.
+// A client loads, then calls SetFillParam and SetMultiState in either order; SetMultiState alone may come
+// before the load. Nothing is drawn while there is no bitmap, and to a null `pDC`. A state outside the image,
+// or a part of it, names pixels that aren't there: they are left out. Copies share surface and bitmap
+// (KXBitmapHandle.h). An object is used by one thread at a time.
 class KX_API CKXBitmap
 {
 public:
     CKXBitmap() = default;
 
-    // Load a bitmap file (BMP), or a bitmap resource by its 16-bit number, from the module that has it. The old
-    // image is gone in any case, and the rectangle is that of state 0; the fill rectangles stay until SetFillParam,
-    // SetMultiState or a change of state. 1 on success, 0 on failure: there is nothing to draw then.
+    // Load a bitmap file (BMP), or a bitmap resource by its 16-bit number, from the module that has it. The
+    // old image is gone in any case, and the rectangle is that of state 0; the fill rectangles stay until
+    // SetFillParam, SetMultiState or a change of state. 1 on success, 0 on failure: there is nothing to draw
+    // then.
     int LoadBitmapA(const CString& strPath);
     int LoadBitmapA(unsigned int nID);
 
     // Takes over a bitmap that the caller made.
     void AttachBitmap(HBITMAP hBitmap);
-    // Gives an attached bitmap back to the caller, who ends it; null if none was attached. The object is empty then.
+    // Gives an attached bitmap back to the caller, who ends it; null if none was attached. The object is
+    // empty then.
     HBITMAP DetachBitmap();
 
-    // How many states there are (below 2: the whole image is the only one), side by side unless `bHorz` is 0. What is
-    // left over in dividing the image belongs to no state.
+    // How many states there are (below 2: the whole image is the only one), side by side unless `bHorz` is 0.
+    // What is left over in dividing the image belongs to no state.
     void SetMultiState(int nCount, int bHorz);
     // Lengths in pixels of a fill's fixed first and last part, along x unless `bHorz` is 0.
     void SetFillParam(int nFirst, int nLast, int bHorz);
@@ -48,7 +50,8 @@ public:
     void TransparentDraw(CDC* pDC, int x, int y, COLORREF clr, int nState);
     void TransparentDraw(CDC* pDC, int x, int y, int cx, int cy, COLORREF clr, int nState);
 
-    // Draws the middle part in tiles, then the first, then the last, along `rcDst`; the size across is the image's.
+    // Draws the middle part in tiles, then the first, then the last, along `rcDst`; the size across is the
+    // image's.
     void DrawFill(CDC* pDC, const CRect& rcDst, int nState);
     void TransparentDrawFill(CDC* pDC, const CRect& rcDst, COLORREF clr, int nState);
     // Repeats the fill in bands across the other axis, over all of `rcDst`.
@@ -59,12 +62,12 @@ public:
     // Stretches the block `rcSrc` of the state into `rcDst`, without the pixels of colour `clr`.
     void TransparentDrawPart(CDC* pDC, const CRect& rcDst, const CRect& rcSrc, COLORREF clr, int nState);
 
-    // Copies the bitmap's rows in its own depth, each padded to 4 bytes, top row first, into a buffer that holds them
-    // all. The number of rows; 0 on failure.
+    // Copies the bitmap's rows in its own depth, each padded to 4 bytes, top row first, into a buffer that
+    // holds them all. The number of rows; 0 on failure.
     int GetBits(unsigned char* pBits);
 
-    // Makes of the whole image the region of the pixels that aren't `clr`, or with `bKeepColor` of those that are.
-    // `rgn` comes in without a region, and is left so when there is no bitmap.
+    // Makes of the whole image the region of the pixels that aren't `clr`, or with `bKeepColor` of those that
+    // are. `rgn` comes in without a region, and is left so when there is no bitmap.
     void CreateBitmapRgn(CRgn& rgn, COLORREF clr, int bKeepColor);
 
 protected:

@@ -5,23 +5,23 @@
 
 #include <memory>
 
-// The memory surface and the bitmap in it that CKXBitmap and CKXFrameBitmap hold. Copies share them: what is held
-// is released once, with the last object, and a load or attach in one leaves the others what they had. For one
-// thread at a time.
+// The memory surface and the bitmap in it that CKXBitmap and CKXFrameBitmap hold. Copies share them: what is
+// held is released once, with the last object, and a load or attach in one leaves the others what they had.
+// For one thread at a time.
 class KX_API CKXBitmapHandle
 {
 public:
     // A memory surface compatible with the desktop, without a bitmap.
     CKXBitmapHandle();
 
-    // Releases the old bitmap, then loads a file, or a resource of the module that has it; 1 on success, 0 with
-    // nothing held on failure.
+    // Releases the old bitmap, then loads a file, or a resource of the module that has it; 1 on success, 0
+    // with nothing held on failure.
     int Load(const CString& strPath);
     int Load(unsigned int nID);
     // Releases the old bitmap and takes one over; 1 unless it is null.
     int Attach(HBITMAP hBitmap);
-    // Takes an attached bitmap out of the surface: from then on it is the caller's, and nothing is held. Null, with
-    // nothing changed, if the last Attach was answered by a Detach or there was none.
+    // Takes an attached bitmap out of the surface: from then on it is the caller's, and nothing is held.
+    // Null, with nothing changed, if the last Attach was answered by a Detach or there was none.
     HBITMAP Detach();
 
     // There is nothing to draw while this is null.

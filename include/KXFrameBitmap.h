@@ -2,9 +2,9 @@
 
 #include "KXBitmapHandle.h"
 
-// Draws a frame of any size from one small bitmap of four corners and four edges: the corners at their natural size,
-// the edges in tiles between them, the centre filled with a colour or left alone. Copies share surface and bitmap
-// (KXBitmapHandle.h). An object is used by one thread at a time.
+// Draws a frame of any size from one small bitmap of four corners and four edges: the corners at their
+// natural size, the edges in tiles between them, the centre filled with a colour or left alone. Copies share
+// surface and bitmap (KXBitmapHandle.h). An object is used by one thread at a time.
 class KX_API CKXFrameBitmap
 {
 public:
@@ -19,17 +19,18 @@ public:
     HBITMAP& GetHBITMAP() { return m_image.Bitmap(); }
     HDC& GetHDC() { return m_image.DC(); }
 
-    // Cuts the image into its areas by the sizes of its corners, which may differ: the left edge is as wide as the
-    // top left corner, the right edge as the top right one; the top edge is as high as the top left corner, the
-    // bottom edge as the bottom left one.
+    // Cuts the image into its areas by the sizes of its corners, which may differ: the left edge is as wide
+    // as the top left corner, the right edge as the top right one; the top edge is as high as the top left
+    // corner, the bottom edge as the bottom left one.
     void SetBitmapOptions(CSize sizeTopLeft, CSize sizeTopRight, CSize sizeBottomLeft, CSize sizeBottomRight);
 
-    // Draws into `rc` on `pDC`, which isn't null: the centre with `clrCenter` if `bFillCenter` is non-zero, the top,
-    // bottom, left and right edges, then the corners over them.
+    // Draws into `rc` on `pDC`, which isn't null: the centre with `clrCenter` if `bFillCenter` is non-zero,
+    // the top, bottom, left and right edges, then the corners over them.
     void Draw(CDC* pDC, const CRect& rc, int bFillCenter, COLORREF clrCenter);
 
 protected:
-    // Tiles the block `rcSrc` of the image along `rcDst`, along x unless `bHorz` is 0. The size across is `rcSrc`'s.
+    // Tiles the block `rcSrc` of the image along `rcDst`, along x unless `bHorz` is 0. The size across is
+    // `rcSrc`'s.
     void DrawFill(CDC* pDC, const CRect& rcDst, const CRect& rcSrc, int bHorz);
 
 private:

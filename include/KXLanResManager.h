@@ -53,8 +53,8 @@ public:
 
     // Selects by identifier, the first that is equal to the letter: loads its texts, and with `bNotify` sends
     // message WM_KXLANCHANGED to every visible top-level window of the process, waiting for each. The current
-    // language is loaded and announced again. 1; 0, with nothing changed, if there is none. Texts that can't be
-    // read show a message box and leave the table empty or partly filled; the selection stands.
+    // language is loaded and announced again. 1; 0, with nothing changed, if there is none. Texts that can't
+    // be read show a message box and leave the table empty or partly filled; the selection stands.
     int SetCurrentLan(const CString& strLanID, int bNotify);
     // The same by position; also 0 for the language that is current.
     int SetCurrentLan(int nIndex, int bNotify);
@@ -71,8 +71,8 @@ public:
     static int SaveLanToIniFile(const CString& strIniFile, const CString& strLanID);
     static int SaveLanToReg(const CString& strAppName, const CString& strLanID);
 
-    // The text of a key of the current language, or the key itself where the table lacks it. Keys are compared
-    // to the letter. During a selection a key may be missing for a moment. Any thread.
+    // The text of a key of the current language, or the key itself where the table lacks it. Keys are
+    // compared to the letter. During a selection a key may be missing for a moment. Any thread.
     CString GetString(const CString& strKey);
     // Adds a text by hand, with the escapes of the file but untrimmed, until the next selection. A key that
     // is there keeps its text. Any thread.

@@ -3,8 +3,8 @@
 #include "KXExport.h"
 #include "platform/Dc.h"
 
-// A memory surface that mirrors a rectangle of another surface. It can take that rectangle's present pixels in;
-// it never copies anything back. For one thread at a time.
+// A memory surface that mirrors a rectangle of another surface. It can take that rectangle's present pixels
+// in; it never copies anything back. For one thread at a time.
 class KX_API CKXMemDC : public CDC
 {
     DECLARE_DYNAMIC(CKXMemDC)
@@ -17,9 +17,9 @@ public:
     ~CKXMemDC() override;
 
     // Makes the surface, of the size of `rect`, or of the clip box of `pDC` where that is empty. `pDC` is not
-    // null, stays the caller's, and is there whenever FromDC is called. Unless `clrBk` is 0xFFFFFFFF, `rect` is
-    // filled with it in the surface's own coordinates: with a rectangle from 10, 10 on, only from there. What an
-    // earlier call made is released. IsValid tells whether there is a surface.
+    // null, stays the caller's, and is there whenever FromDC is called. Unless `clrBk` is 0xFFFFFFFF, `rect`
+    // is filled with it in the surface's own coordinates: with a rectangle from 10, 10 on, only from there.
+    // What an earlier call made is released. IsValid tells whether there is a surface.
     void Create(CDC* pDC, const CRect& rect, unsigned long clrBk);
 
     // 1 once the surface exists, else 0.
@@ -27,7 +27,8 @@ public:
     // The surface's bitmap; it stays this object's.
     CBitmap& GetBitmap() { return m_bitmap; }
 
-    // Copies the rectangle's present pixels from the mirrored surface to 0, 0. Without a surface nothing happens.
+    // Copies the rectangle's present pixels from the mirrored surface to 0, 0. Without a surface nothing
+    // happens.
     void FromDC();
 
 private:

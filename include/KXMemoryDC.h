@@ -3,8 +3,8 @@
 #include "KXExport.h"
 #include "platform/Dc.h"
 
-// A memory surface with a bitmap of a given size in it, compatible with the desktop. It can be made, destroyed
-// and made again. Without one, drawing on it does nothing. For one thread at a time.
+// A memory surface with a bitmap of a given size in it, compatible with the desktop. It can be made,
+// destroyed and made again. Without one, drawing on it does nothing. For one thread at a time.
 class KX_API CKXMemoryDC
 {
 public:

@@ -44,7 +44,8 @@ CKXLanResManager* CKXLanResManager::s_pInstance = nullptr;
 
 CKXLanResManager* CKXLanResManager::GetSingletonPtr()
 {
-    if (!s_pInstance) s_pInstance = new (std::nothrow) CKXLanResManager; // owned by s_auto_ptr from its constructor on
+    if (!s_pInstance)
+        s_pInstance = new (std::nothrow) CKXLanResManager; // owned by s_auto_ptr from its constructor on
     return s_pInstance;
 }
 
@@ -140,7 +141,8 @@ int CKXLanResManager::SetCurrentLan(const CString& strLanID, int bNotify)
     {
         const CKXAutoLock lock(&m_csLans);
         const KXLanguageItem* pItem = FindLan(0);
-        while (pItem && pItem->strID != strLanID) pItem = FindLan(++nFound);
+        while (pItem && pItem->strID != strLanID)
+            pItem = FindLan(++nFound);
         if (!pItem) return 0;
     }
     return Select(nFound, bNotify);
@@ -212,6 +214,7 @@ int CKXLanResManager::WndEnumProc(HWND hWnd, long)
 {
     DWORD dwProcessId = 0;
     GetWindowThreadProcessId(hWnd, &dwProcessId);
-    if (dwProcessId == GetCurrentProcessId() && IsWindowVisible(hWnd)) SendMessageA(hWnd, WM_KXLANCHANGED, 0, 0);
+    if (dwProcessId == GetCurrentProcessId() && IsWindowVisible(hWnd))
+        SendMessageA(hWnd, WM_KXLANCHANGED, 0, 0);
     return 1;
 }

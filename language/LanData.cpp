@@ -19,15 +19,18 @@ namespace {
 void ShowFailure(const CException& exception)
 {
     std::array<char, 1024> text;
-    if (exception.GetErrorMessage(text.data(), static_cast<UINT>(text.size()))) AfxMessageBox(text.data(), 0, 0);
+    if (exception.GetErrorMessage(text.data(), static_cast<UINT>(text.size())))
+        AfxMessageBox(text.data(), 0, 0);
 }
 
 // White space is ASCII and never the second byte of a letter.
 std::string_view Trim(std::string_view text)
 {
     constexpr auto isSpace = [](char ch) { return ch == ' ' || (ch >= '\t' && ch <= '\r'); };
-    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
-    while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
+    while (!text.empty() && isSpace(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isSpace(text.back()))
+        text.remove_suffix(1);
     return text;
 }
 
@@ -94,7 +97,8 @@ bool CKXLanResManager::ReadLanData(const CString& strFile)
         return false;
     }
     CString strLine;
-    while (file.ReadString(strLine)) AddLine(strLine);
+    while (file.ReadString(strLine))
+        AddLine(strLine);
     file.Close();
     return true;
 }

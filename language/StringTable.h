@@ -19,8 +19,8 @@ struct HashedKey
     std::size_t hash;
 };
 
-// The texts of one language by their keys, which are compared to the letter. Keys and nodes lie in blocks that are
-// given back all at once, so that filling the table costs one allocation for each text.
+// The texts of one language by their keys, which are compared to the letter. Keys and nodes lie in blocks
+// that are given back all at once, so that filling the table costs one allocation for each text.
 class StringTable
 {
 public:

@@ -19,7 +19,8 @@ template <class Call>
 auto RetryEintr(Call&& call)
 {
     decltype(call()) result;
-    do result = call();
+    do
+        result = call();
     while (result == -1 && errno == EINTR);
     return result;
 }

@@ -14,7 +14,8 @@ LRESULT OnMessage(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
     CKXLanResManager* pLans = CKXLanResManager::GetSingletonPtr();
     const CString strTitle = pLans->GetString("IDS_TITLE");
     SetWindowTextA(hWnd, strTitle);
-    std::printf("   window heard message %u: its title is now \"%s\"\n", nMsg, client::Utf8(strTitle).c_str());
+    std::printf("   window heard message %u: its title is now \"%s\"\n", nMsg,
+                client::Utf8(strTitle).c_str());
     CKXLogSys::GetSingletonPtr()->PushLogEx(CKXLogSys::LogInfo, "language is now %s",
                                             pLans->GetCurrentLan().strID.GetString());
     return 0;
@@ -57,7 +58,8 @@ bool client::ShowLanguages()
     if (!pLans->Initialize("Languages")) return false;
     const int nLans = pLans->GetLanCount();
     for (int n = 0; n < nLans; ++n)
-        std::printf("   %d: %s, \"%s\"\n", n, Utf8(pLans->GetLanID(n)).c_str(), Utf8(pLans->GetLanName(n)).c_str());
+        std::printf("   %d: %s, \"%s\"\n", n, Utf8(pLans->GetLanID(n)).c_str(),
+                    Utf8(pLans->GetLanName(n)).c_str());
 
     const Window window;
     pLans->SetCurrentLanFromReg(szAppName, 1);

@@ -19,8 +19,8 @@ int PrintEntry(tagKXFileInfo* pInfo, long)
 
 int PrintDisk(tagKXDiskInfo* pInfo, long)
 {
-    std::printf("   %c: %s, %s, serial %08X\n", pInfo->cDriveLetter, client::Utf8(pInfo->szDisplayName).c_str(),
-                pInfo->szFileSystem, pInfo->dwSerialNumber);
+    std::printf("   %c: %s, %s, serial %08X\n", pInfo->cDriveLetter,
+                client::Utf8(pInfo->szDisplayName).c_str(), pInfo->szFileSystem, pInfo->dwSerialNumber);
     return 1;
 }
 
@@ -32,7 +32,8 @@ bool client::ShowPaths()
     std::printf("   executable %s\n", Utf8(files.GetAppExeName()).c_str());
     CKXExeFileInfo::VersionInfo version{};
     if (!CKXExeFileInfo::GetFileInfo(files.GetAppPath() + files.GetAppExeName(), version)) return false;
-    std::printf("   version    %u.%u.%u.%u\n", version.dwMajor, version.dwMinor, version.dwRevision, version.dwBuild);
+    std::printf("   version    %u.%u.%u.%u\n", version.dwMajor, version.dwMinor, version.dwRevision,
+                version.dwBuild);
     const bool bDisks = CKXFileSystem::EnumDisks(PrintDisk, 0);
     const bool bDirs = CKXFileSystem::EnumDirs(files.GetAppPath(), PrintEntry, 0);
     return CKXFileSystem::EnumFiles(files.GetAppPath(), PrintEntry, 0) && bDirs && bDisks;

@@ -4,8 +4,9 @@
 #include "GdiObject.h"
 #include "String.h"
 
-// The framework's wrapper of a surface. It owns its handle and ends it with itself, unless it was detached or the
-// wrapper came from FromHandle. Not copyable. Without a handle nothing is drawn and every operation fails.
+// The framework's wrapper of a surface. It owns its handle and ends it with itself, unless it was detached or
+// the wrapper came from FromHandle. Not copyable. Without a handle nothing is drawn and every operation
+// fails.
 class KX_API CDC : public CObject
 {
     DECLARE_DYNAMIC(CDC)
@@ -47,8 +48,14 @@ public:
     void FillSolidRect(int x, int y, int cx, int cy, COLORREF clr);
     void FillRect(const RECT* pRect, CBrush* pBrush);
     int FillRgn(CRgn* pRgn, CBrush* pBrush);
-    int Rectangle(const RECT* pRect) { return ::Rectangle(m_hDC, pRect->left, pRect->top, pRect->right, pRect->bottom); }
-    int Rectangle(int nLeft, int nTop, int nRight, int nBottom) { return ::Rectangle(m_hDC, nLeft, nTop, nRight, nBottom); }
+    int Rectangle(const RECT* pRect)
+    {
+        return ::Rectangle(m_hDC, pRect->left, pRect->top, pRect->right, pRect->bottom);
+    }
+    int Rectangle(int nLeft, int nTop, int nRight, int nBottom)
+    {
+        return ::Rectangle(m_hDC, nLeft, nTop, nRight, nBottom);
+    }
     int RoundRect(const RECT* pRect, POINT ptEllipse);
     int MoveTo(int x, int y) { return MoveToEx(m_hDC, x, y, nullptr); }
     int LineTo(int x, int y) { return ::LineTo(m_hDC, x, y); }
@@ -58,8 +65,10 @@ public:
 
     // A null source copies nothing and gives 0.
     int BitBlt(int x, int y, int cx, int cy, CDC* pSrc, int xSrc, int ySrc, DWORD dwRop);
-    int StretchBlt(int x, int y, int cx, int cy, CDC* pSrc, int xSrc, int ySrc, int cxSrc, int cySrc, DWORD dwRop);
-    int TransparentBlt(int x, int y, int cx, int cy, CDC* pSrc, int xSrc, int ySrc, int cxSrc, int cySrc, UINT clrKey);
+    int StretchBlt(int x, int y, int cx, int cy, CDC* pSrc, int xSrc, int ySrc, int cxSrc, int cySrc,
+                   DWORD dwRop);
+    int TransparentBlt(int x, int y, int cx, int cy, CDC* pSrc, int xSrc, int ySrc, int cxSrc, int cySrc,
+                       UINT clrKey);
 
     int GetClipBox(RECT* pRect) const { return ::GetClipBox(m_hDC, pRect); }
     int SelectClipRgn(CRgn* pRgn);

@@ -62,8 +62,8 @@ public:
 
     int GetErrorMessage(char* pszError, UINT nMax, UINT* pHelpId = nullptr) const override;
 
-    int m_cause;      // a Cause
-    long m_lOsError;  // errno of the failed call
+    int m_cause;     // a Cause
+    long m_lOsError; // errno of the failed call
     CString m_strFileName;
 };
 

@@ -44,9 +44,9 @@ public:
     // Opens a path in the process's code page. modeCreate makes the file and empties an existing one, unless
     // modeNoTruncate stands beside it. Sharing is kept between this library's openers: a file open for
     // writing under shareDenyWrite, shareExclusive or shareCompat (which is exclusive) can't be opened for
-    // writing again, by any process, nor is it emptied by the attempt. Readers are never turned away, and only
-    // regular files and devices are opened. Non-zero on success; 0 otherwise, with the reason in `*pError`
-    // unless that is null. An object that is open is closed first.
+    // writing again, by any process, nor is it emptied by the attempt. Readers are never turned away, and
+    // only regular files and devices are opened. Non-zero on success; 0 otherwise, with the reason in
+    // `*pError` unless that is null. An object that is open is closed first.
     virtual int Open(const char* pszFileName, unsigned nOpenFlags, CFileException* pError = nullptr);
 
     // Closes the file; nothing happens when it isn't open. Throws CFileException* when what was written

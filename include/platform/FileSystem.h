@@ -12,12 +12,12 @@
 #include "Error.h"
 #include "Types.h"
 
-inline constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x1;  // no write permission for anyone
-inline constexpr DWORD FILE_ATTRIBUTE_HIDDEN = 0x2;    // the name begins with a point
-inline constexpr DWORD FILE_ATTRIBUTE_SYSTEM = 0x4;    // neither file nor directory: a device, socket or pipe
+inline constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x1; // no write permission for anyone
+inline constexpr DWORD FILE_ATTRIBUTE_HIDDEN = 0x2;   // the name begins with a point
+inline constexpr DWORD FILE_ATTRIBUTE_SYSTEM = 0x4;   // neither file nor directory: a device, socket or pipe
 inline constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
-inline constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20; // never given
-inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;   // none of the others
+inline constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;        // never given
+inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;         // none of the others
 inline constexpr DWORD FILE_ATTRIBUTE_REPARSE_POINT = 0x400; // a symbolic link; DIRECTORY tells of its target
 inline constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
 

@@ -1,9 +1,9 @@
 #pragma once
 
 // The framework's wrappers of drawing objects. A wrapper owns its handle and ends it with itself, unless the
-// handle was detached, or the wrapper came from FromHandle: such a one is the thread's, owns nothing and lives at
-// least as long as its handle. Not copyable. A wrapper without a handle answers everything with failure. One
-// thread at a time.
+// handle was detached, or the wrapper came from FromHandle: such a one is the thread's, owns nothing and
+// lives at least as long as its handle. Not copyable. A wrapper without a handle answers everything with
+// failure. One thread at a time.
 
 #include "Gdi.h"
 #include "Object.h"

@@ -109,8 +109,9 @@ struct SentMessage
     LPARAM lParam = 0;
 };
 
-// Puts a top-level window of another process on the headless desktop. What is sent or posted to it is recorded
-// (the newest 1,000); a sent message gives 0. Its thread's number is the process's. Null for a process of 0.
+// Puts a top-level window of another process on the headless desktop. What is sent or posted to it is
+// recorded (the newest 1,000); a sent message gives 0. Its thread's number is the process's. Null for a
+// process of 0.
 KX_API HWND AddForeignWindow(DWORD dwProcessId, bool bVisible);
 // What it received since the last call, oldest first; nothing for another handle.
 KX_API std::vector<SentMessage> TakeForeignMessages(HWND hWnd);
@@ -143,16 +144,16 @@ struct CopyRecord
 };
 using CopyObserver = std::function<void(const CopyRecord&)>;
 
-// Calls the observer, in place of the one before, at the start of each BitBlt, StretchBlt and TransparentBlt that
-// this library or its client makes, also one that will paint nothing or fail; on the caller's thread, so on several
-// at once if they copy at once. What it throws ends there. It may draw itself and isn't told of that. An empty
-// function ends it; a call that has begun on another thread may still be running then.
+// Calls the observer, in place of the one before, at the start of each BitBlt, StretchBlt and TransparentBlt
+// that this library or its client makes, also one that will paint nothing or fail; on the caller's thread, so
+// on several at once if they copy at once. What it throws ends there. It may draw itself and isn't told of
+// that. An empty function ends it; a call that has begun on another thread may still be running then.
 KX_API void SetCopyObserver(CopyObserver observer);
 
 // ---- Handles
 
-// How many events, threads, searches, registry keys, modules, surfaces, drawing objects and icons are open; stock
-// objects don't count.
+// How many events, threads, searches, registry keys, modules, surfaces, drawing objects and icons are open;
+// stock objects don't count.
 KX_API int LiveHandles();
 
 } // namespace KXHost

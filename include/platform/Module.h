@@ -35,8 +35,9 @@ KX_API HMODULE LoadLibraryA(const char* pszFileName);
 KX_API int FreeLibrary(HMODULE hModule);
 
 // The full path of a module's file; null: the process's executable, also when that was deleted or replaced.
-// Returns the path's length without its terminator. One too long is cut to the buffer at a character and ended
-// (ERROR_INSUFFICIENT_BUFFER). 0 and the empty string on failure, as for a path that the code page can't say.
+// Returns the path's length without its terminator. One too long is cut to the buffer at a character and
+// ended (ERROR_INSUFFICIENT_BUFFER). 0 and the empty string on failure, as for a path that the code page
+// can't say.
 KX_API DWORD GetModuleFileNameA(HMODULE hModule, char* pszBuffer, DWORD nSize);
 
 // A resource's number in place of its name, as FindResourceA takes it.
@@ -49,8 +50,8 @@ inline const char* const RT_BITMAP = MAKEINTRESOURCEA(2);
 inline const char* const RT_ICON = MAKEINTRESOURCEA(3);
 
 // Finds a resource by name and type. Either may be a number, as MAKEINTRESOURCEA(101) or as "#101" (type 2,
-// RT_BITMAP, is `BITMAP`; 3, RT_ICON, is `ICON`; any other number its digits), or a text in the process's code
-// page without slashes. As it is spelled, else in ASCII upper case. Null without one
+// RT_BITMAP, is `BITMAP`; 3, RT_ICON, is `ICON`; any other number its digits), or a text in the process's
+// code page without slashes. As it is spelled, else in ASCII upper case. Null without one
 // (ERROR_RESOURCE_NAME_NOT_FOUND). The same resource has the same handle, which lives as long as its module.
 KX_API HRSRC FindResourceA(HMODULE hModule, const char* pszName, const char* pszType);
 // The resource's size in bytes and its bytes, which the module owns; 0 and null for a handle that isn't of
@@ -62,6 +63,6 @@ KX_API const void* LockResource(HGLOBAL hResource);
 KX_API int FreeResource(HGLOBAL hResource);
 
 // A text of the string table in the process's code page, without the line end that a text file closes with,
-// cut to the buffer of `nSize` bytes at a character and ended. Characters that the code page lacks become "?".
-// Returns its length; 0 and the empty string without one.
+// cut to the buffer of `nSize` bytes at a character and ended. Characters that the code page lacks become
+// "?". Returns its length; 0 and the empty string without one.
 KX_API int LoadStringA(HINSTANCE hInstance, UINT nId, char* pszBuffer, int nSize);

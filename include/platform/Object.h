@@ -37,27 +37,27 @@ protected:
 };
 
 // Inside a class: its run-time record. In one source file: the record's definition.
-#define DECLARE_DYNAMIC(class_name)                                                                                    \
-public:                                                                                                                \
-    static CRuntimeClass class##class_name;                                                                            \
-    static CRuntimeClass* GetThisClass();                                                                              \
-    CRuntimeClass* GetRuntimeClass() const override;                                                                   \
-                                                                                                                       \
-protected:                                                                                                             \
+#define DECLARE_DYNAMIC(class_name)                                                                          \
+public:                                                                                                      \
+    static CRuntimeClass class##class_name;                                                                  \
+    static CRuntimeClass* GetThisClass();                                                                    \
+    CRuntimeClass* GetRuntimeClass() const override;                                                         \
+                                                                                                             \
+protected:                                                                                                   \
     static CRuntimeClass* _GetBaseClass();
 
-#define IMPLEMENT_DYNAMIC(class_name, base_name)                                                                       \
-    CRuntimeClass class_name::class##class_name = {#class_name, sizeof(class_name), 0xFFFF, nullptr,                    \
-                                                   &class_name::_GetBaseClass};                                        \
-    CRuntimeClass* class_name::GetThisClass()                                                                          \
-    {                                                                                                                  \
-        return &class##class_name;                                                                                     \
-    }                                                                                                                  \
-    CRuntimeClass* class_name::GetRuntimeClass() const                                                                 \
-    {                                                                                                                  \
-        return &class##class_name;                                                                                     \
-    }                                                                                                                  \
-    CRuntimeClass* class_name::_GetBaseClass()                                                                         \
-    {                                                                                                                  \
-        return base_name::GetThisClass();                                                                              \
+#define IMPLEMENT_DYNAMIC(class_name, base_name)                                                             \
+    CRuntimeClass class_name::class##class_name = {#class_name, sizeof(class_name), 0xFFFF, nullptr,         \
+                                                   &class_name::_GetBaseClass};                              \
+    CRuntimeClass* class_name::GetThisClass()                                                                \
+    {                                                                                                        \
+        return &class##class_name;                                                                           \
+    }                                                                                                        \
+    CRuntimeClass* class_name::GetRuntimeClass() const                                                       \
+    {                                                                                                        \
+        return &class##class_name;                                                                           \
+    }                                                                                                        \
+    CRuntimeClass* class_name::_GetBaseClass()                                                               \
+    {                                                                                                        \
+        return base_name::GetThisClass();                                                                    \
     }

@@ -24,8 +24,8 @@ struct VS_FIXEDFILEINFO
     DWORD dwFileDateLS;
 };
 
-// The size in bytes of the block that GetFileVersionInfoA fills. `pdwHandle` may be null and becomes 0. 0 for a
-// file without a version (ERROR_RESOURCE_DATA_NOT_FOUND) or one that can't be read.
+// The size in bytes of the block that GetFileVersionInfoA fills. `pdwHandle` may be null and becomes 0. 0 for
+// a file without a version (ERROR_RESOURCE_DATA_NOT_FOUND) or one that can't be read.
 KX_API DWORD GetFileVersionInfoSizeA(const char* pszFile, DWORD* pdwHandle);
 // Fills the caller's block of `nSize` bytes; `dwHandle` is ignored. Non-zero if it was filled; 0, with the
 // block untouched, also when it is too small (ERROR_INSUFFICIENT_BUFFER).

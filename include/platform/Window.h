@@ -107,8 +107,8 @@ KX_API int GetWindowTextA(HWND hWnd, char* pszBuffer, int nSize);
 
 // The window that all others lie on: it belongs to no process, hears no messages and is always there.
 KX_API HWND GetDesktopWindow() noexcept;
-// Where a window of this process, or the desktop's, lies on the desktop; its client area is all of it, and has its
-// top left at 0, 0. 0 for no such window, with the rectangle untouched.
+// Where a window of this process, or the desktop's, lies on the desktop; its client area is all of it, and
+// has its top left at 0, 0. 0 for no such window, with the rectangle untouched.
 KX_API int GetWindowRect(HWND hWnd, RECT* pRect) noexcept;
 KX_API int GetClientRect(HWND hWnd, RECT* pRect) noexcept;
 

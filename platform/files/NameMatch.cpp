@@ -1,11 +1,9 @@
 #include "platform/files/NameMatch.h"
 
-#include "platform/files/Directory.h"
-#include "platform/text/CharWalk.h"
+#include "platform/files/NameCache.h"
 #include "platform/text/Conversion.h"
 
 #include <algorithm>
-#include <optional>
 #include <string_view>
 #include <sys/stat.h>
 
@@ -17,28 +15,6 @@ bool Exists(const std::string& path)
 {
     struct stat info;
     return lstat(path.c_str(), &info) == 0;
-}
-
-// Whether a directory's entry equals a name that is folded already.
-bool EqualsFolded(std::string_view entry, std::string_view folded)
-{
-    if (!text::IsAscii(entry)) return text::FoldCase(entry) == folded;
-    return std::equal(entry.begin(), entry.end(), folded.begin(), folded.end(),
-                      [](char a, char b) { return text::ToLower(a) == b; });
-}
-
-// The entry of a directory that equals a name ignoring case. With `bDirectory` a file doesn't count.
-std::optional<std::string> FindEntry(const std::string& directory, std::string_view name, bool bDirectory)
-{
-    Directory entries(directory.empty() ? "/" : directory.c_str());
-    const std::string folded = text::FoldCase(name);
-    std::optional<std::string> found;
-    while (const auto entry = entries.Next()) {
-        if (!EqualsFolded(entry->name, folded) || (found && *found <= entry->name)) continue;
-        if (bDirectory && !entries.IsDirectory(*entry)) continue;
-        found = entry->name;
-    }
-    return found;
 }
 
 } // namespace
@@ -56,7 +32,8 @@ bool MatchExisting(std::string& path, std::size_t fixed)
         end = std::min(path.find('/', begin + 1), path.size());
         if (bReplaced && Exists(path.substr(0, end))) continue;
         const std::string_view name = std::string_view(path).substr(begin + 1, end - begin - 1);
-        const auto entry = FindEntry(path.substr(0, begin), name, end < path.size());
+        const std::string directory = begin == 0 ? "/" : path.substr(0, begin);
+        const auto entry = FindEntry(directory, text::FoldCase(name), end < path.size());
         if (!entry) break;
         path.replace(begin + 1, name.size(), *entry);
         end = begin + 1 + entry->size();

@@ -128,12 +128,14 @@ int CDC::BitBlt(int x, int y, int cx, int cy, CDC* pSrc, int xSrc, int ySrc, DWO
     return ::BitBlt(m_hDC, x, y, cx, cy, HandleOf(pSrc), xSrc, ySrc, dwRop);
 }
 
-int CDC::StretchBlt(int x, int y, int cx, int cy, CDC* pSrc, int xSrc, int ySrc, int cxSrc, int cySrc, DWORD dwRop)
+int CDC::StretchBlt(int x, int y, int cx, int cy, CDC* pSrc, int xSrc, int ySrc, int cxSrc, int cySrc,
+                    DWORD dwRop)
 {
     return ::StretchBlt(m_hDC, x, y, cx, cy, HandleOf(pSrc), xSrc, ySrc, cxSrc, cySrc, dwRop);
 }
 
-int CDC::TransparentBlt(int x, int y, int cx, int cy, CDC* pSrc, int xSrc, int ySrc, int cxSrc, int cySrc, UINT clrKey)
+int CDC::TransparentBlt(int x, int y, int cx, int cy, CDC* pSrc, int xSrc, int ySrc, int cxSrc, int cySrc,
+                        UINT clrKey)
 {
     return ::TransparentBlt(m_hDC, x, y, cx, cy, HandleOf(pSrc), xSrc, ySrc, cxSrc, cySrc, clrKey);
 }

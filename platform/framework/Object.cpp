@@ -17,6 +17,7 @@ CRuntimeClass* CObject::GetRuntimeClass() const
 bool CRuntimeClass::IsDerivedFrom(const CRuntimeClass* pBase) const
 {
     const CRuntimeClass* pClass = this;
-    while (pClass && pClass != pBase) pClass = pClass->m_pfnGetBaseClass ? pClass->m_pfnGetBaseClass() : nullptr;
+    while (pClass && pClass != pBase)
+        pClass = pClass->m_pfnGetBaseClass ? pClass->m_pfnGetBaseClass() : nullptr;
     return pClass != nullptr;
 }

@@ -7,15 +7,17 @@
 
 namespace kx::framework {
 
-// The wrappers that FromHandle gives: one for each handle and thread, owning nothing, kept while the handle lives.
-// `IsAlive` tells of a handle; dead ones are swept when the map has doubled, so it stays as small as what is used.
+// The wrappers that FromHandle gives: one for each handle and thread, owning nothing, kept while the handle
+// lives. `IsAlive` tells of a handle; dead ones are swept when the map has doubled, so it stays as small as
+// what is used.
 template <class Wrapper, class Handle, bool (*IsAlive)(Handle), void (*Bind)(Wrapper&, Handle)>
 class TempMap
 {
 public:
     ~TempMap()
     {
-        for (auto& entry : m_wrappers) Bind(*entry.second, Handle{});
+        for (auto& entry : m_wrappers)
+            Bind(*entry.second, Handle{});
     }
 
     Wrapper* Get(Handle handle)

@@ -21,11 +21,14 @@ struct KeyedRows
 // same for any picture.
 [[gnu::always_inline]] inline void Select(const KeyedRows& rows) noexcept
 {
-    DWORD* out = rows.out;
-    const DWORD* in = rows.in;
-    for (int y = 0; y < rows.height; ++y, out += rows.outStride, in += rows.inStride)
-        for (int x = 0; x < rows.width; ++x)
-            out[x] = ((in[x] ^ rows.key) & COLOR_BITS) == 0 ? out[x] : in[x];
+    const DWORD key = rows.key & COLOR_BITS;
+    const int nWidth = rows.width;
+    for (int y = 0; y < rows.height; ++y) {
+        DWORD* __restrict out = rows.out + y * rows.outStride;
+        const DWORD* __restrict in = rows.in + y * rows.inStride;
+        for (int x = 0; x < nWidth; ++x)
+            out[x] = (in[x] & COLOR_BITS) == key ? out[x] : in[x];
+    }
 }
 
 void SelectPlain(const KeyedRows& rows) noexcept

@@ -1,6 +1,7 @@
 #include "platform/gdi/PixelRegion.h"
 
 #include "include/platform/Gdi.h"
+#include "platform/gdi/BandBuilder.h"
 
 #include <algorithm>
 #include <new>
@@ -34,12 +35,22 @@ PixelRegion::PixelRegion(const RECT& rect) noexcept
 
 PixelRegion PixelRegion::FromRects(std::span<const RECT> rects)
 {
+    BandBuilder bands(rects.size());
+    for (const RECT& rect : rects)
+        if (!IsEmpty(rect) && !bands.Add(rect)) return FromAnyRects(rects);
+    PixelRegion region;
+    region.m_region = bands.Finish();
+    return region;
+}
+
+PixelRegion PixelRegion::FromAnyRects(std::span<const RECT> rects)
+{
     std::vector<pixman_box32_t> boxes;
     boxes.reserve(rects.size());
     for (const RECT& rect : rects)
         if (!IsEmpty(rect)) boxes.push_back({rect.left, rect.top, rect.right, rect.bottom});
-    // pixman sorts too, but its time grows with the square of the number for some orders.
-    if (!std::is_sorted(boxes.begin(), boxes.end(), InRows)) std::sort(boxes.begin(), boxes.end(), InRows);
+    // Pixman sorts too, but for some orders in a time that grows with the square of the number.
+    std::sort(boxes.begin(), boxes.end(), InRows);
     PixelRegion region;
     Check(pixman_region32_init_rects(&region.m_region, boxes.data(), static_cast<int>(boxes.size())));
     return region;

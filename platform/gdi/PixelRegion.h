@@ -38,6 +38,8 @@ public:
     friend bool operator==(const PixelRegion& a, const PixelRegion& b) noexcept;
 
 private:
+    static PixelRegion FromAnyRects(std::span<const RECT> rects);
+
     mutable pixman_region32_t m_region; // pixman's readers take it as not const, and change nothing
 };
 

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <string_view>
 
+using namespace std::string_view_literals;
+
 namespace kx::module {
 
 namespace {
@@ -24,7 +26,7 @@ struct Layout
 constexpr Layout k32{52, false, {{28, 42, 44, 32, 0, 4, 16, 28, 4}, {32, 46, 48, 40, 4, 16, 20, 32, 7}}};
 constexpr Layout k64{64, true, {{32, 54, 56, 56, 0, 8, 32, 48, 4}, {40, 58, 60, 64, 4, 24, 32, 48, 7}}};
 
-constexpr std::string_view kOwner("KXVersion", 10);
+constexpr std::string_view kOwner = "KXVersion\0"sv;
 constexpr std::uint32_t kVersionNote = 1;
 constexpr std::uint64_t kMaxEntries = 4096;    // of a table
 constexpr std::uint64_t kMaxNotes = 64 * 1024; // bytes looked at in one place

@@ -64,6 +64,14 @@ std::string KeyLine(std::string_view key, std::string_view value)
     return std::string(key).append("=").append(value);
 }
 
+// Where a key's new value begins: the blanks behind the "=" stay, unless it brings its own.
+std::size_t ValueBegin(std::string_view text, const IniLine& line, std::string_view value) noexcept
+{
+    if (value.empty() || !text::IsSpace(value.front()))
+        return static_cast<std::size_t>(line.value.data() - text.data());
+    return text.find('=', line.begin) + 1;
+}
+
 // Copies a text but for the pieces cut out of it, from front to back.
 struct Cutter
 {
@@ -110,8 +118,8 @@ std::string SetKey(std::string_view text, std::string_view section, std::string_
             if (sectionEnd) break;
             if (SameName(line.name, section)) sectionEnd = line.end;
         } else if (sectionEnd && line.kind == Kind::Key) {
-            const auto oldValue = static_cast<std::size_t>(line.value.data() - text.data());
-            if (SameName(line.name, key)) return Replace(text, oldValue, line.ending, value);
+            if (SameName(line.name, key))
+                return Replace(text, ValueBegin(text, line, value), line.ending, value);
             sectionEnd = line.end;
         }
     }

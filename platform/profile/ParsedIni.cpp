@@ -79,7 +79,8 @@ const ParsedIni::Entry* ParsedIni::Look(std::uint32_t group, const FoldedName& n
     const Entry* entry = m_entries.data() + part[0];
     const Entry* end = m_entries.data() + part[1];
     if (end - entry > kFew) entry = std::lower_bound(entry, end, name, before);
-    while (entry != end && before(*entry, name)) ++entry;
+    while (entry != end && before(*entry, name))
+        ++entry;
     const bool bFound =
         entry != end && entry->hash == hash && entry->group == group && View(entry->name) == name.View();
     return bFound ? entry : nullptr;

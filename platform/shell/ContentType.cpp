@@ -24,12 +24,23 @@ struct Free
 
 using Text = std::unique_ptr<char, Free>;
 
-// GIO locks for itself, but a client's race detector, which doesn't see into it, would not know.
-std::mutex& DatabaseLock()
+// Held around every use of the database. GIO locks for itself, but a client's race detector, which doesn't
+// see into it, would not know. Where the database lies is settled first, or GIO would read it twice and lose
+// the first reading.
+class Database
 {
-    static Immortal<std::mutex> lock;
-    return lock.Get();
-}
+public:
+    Database() : m_lock(TheLock()) { g_content_type_get_mime_dirs(); }
+
+private:
+    static std::mutex& TheLock()
+    {
+        static Immortal<std::mutex> lock;
+        return lock.Get();
+    }
+
+    std::lock_guard<std::mutex> m_lock;
+};
 
 // The entry itself, or what it points at if there is such a thing.
 bool Stat(const std::string& path, struct stat& info) noexcept
@@ -44,8 +55,7 @@ std::string_view NameOf(std::string_view path)
 
 Text Guess(const std::string& name, std::string_view head, bool& bUncertain)
 {
-    const std::lock_guard lock(DatabaseLock());
-    g_content_type_get_mime_dirs(); // where the database lies; else GIO reads it twice and loses the first
+    const Database database;
     gboolean uncertain = FALSE;
     Text type(g_content_type_guess(name.c_str(), reinterpret_cast<const guchar*>(head.data()), head.size(),
                                    &uncertain));
@@ -88,7 +98,7 @@ Text TypeOf(const std::string& path, const struct stat& info)
 std::string Describe(const char* type, const std::string& path, bool bDirectory)
 {
     const Text text = [type] {
-        const std::lock_guard lock(DatabaseLock());
+        const Database database;
         return Text(g_content_type_get_description(type));
     }();
     const bool bKnown =
@@ -99,13 +109,12 @@ std::string Describe(const char* type, const std::string& path, bool bDirectory)
 
 std::string IconsOf(const char* type)
 {
-    const std::lock_guard lock(DatabaseLock());
+    const Database database;
     std::string names;
     const std::unique_ptr<GIcon, Free> icon(g_content_type_get_icon(type));
     if (!G_IS_THEMED_ICON(icon.get())) return names;
     for (const char* const* name = g_themed_icon_get_names(G_THEMED_ICON(icon.get())); *name; ++name) {
-        if (std::string_view(*name).ends_with("-symbolic"))
-            continue; // one-coloured: for buttons, not for lists
+        if (std::string_view(*name).ends_with("-symbolic")) continue; // of one colour: for buttons, not lists
         if (!names.empty()) names += ' ';
         names += *name;
     }

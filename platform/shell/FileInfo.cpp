@@ -60,7 +60,17 @@ const char* DriveIcon(UINT nDriveType)
     }
 }
 
-std::optional<Item> FindDrive(char letter)
+// The label of a drive, or its kind for one without; looked up only if the name is asked for, since it takes
+// a look at the mounts.
+std::string DriveName(const char* pszRoot, const std::string& type)
+{
+    std::array<char, MAX_PATH> label{};
+    GetVolumeInformationA(pszRoot, label.data(), static_cast<DWORD>(label.size()), nullptr, nullptr, nullptr,
+                          nullptr, 0);
+    return (label[0] != '\0' ? label.data() : type) + " (" + pszRoot[0] + ":)";
+}
+
+std::optional<Item> FindDrive(char letter, bool bName)
 {
     const std::array<char, 4> root{letter, ':', '\\', '\0'};
     const UINT kind = GetDriveTypeA(root.data());
@@ -71,11 +81,7 @@ std::optional<Item> FindDrive(char letter)
     Item item;
     item.type = kx::text::FromUtf8Lossy(kx::shell::DriveWording(kind));
     item.icons = DriveIcon(kind);
-    std::array<char, MAX_PATH> label{};
-    const bool bLabelled = GetVolumeInformationA(root.data(), label.data(), label.size(), nullptr, nullptr,
-                                                 nullptr, nullptr, 0) &&
-                           label[0] != '\0';
-    item.name = (bLabelled ? label.data() : item.type) + " (" + letter + ":)";
+    if (bName) item.name = DriveName(root.data(), item.type);
     return item;
 }
 
@@ -94,16 +100,16 @@ std::optional<Item> FindEntry(const kx::path::Resolved& resolved)
     return Item{kx::text::FromUtf8Lossy(name), kx::text::FromUtf8Lossy(content->type), content->icons};
 }
 
-std::optional<Item> FindItem(const char* pszPath)
+std::optional<Item> FindItem(const char* pszPath, bool bName)
 {
     if (!pszPath) {
         SetLastError(ERROR_PATH_NOT_FOUND);
         return std::nullopt;
     }
-    if (const char letter = SpelledDrive(pszPath)) return FindDrive(letter);
+    if (const char letter = SpelledDrive(pszPath)) return FindDrive(letter, bName);
     const auto resolved = kx::path::Resolve(pszPath);
     if (!resolved) return std::nullopt;
-    return resolved->root ? FindDrive(ResolvedDrive(pszPath, *resolved)) : FindEntry(*resolved);
+    return resolved->root ? FindDrive(ResolvedDrive(pszPath, *resolved), bName) : FindEntry(*resolved);
 }
 
 template <std::size_t Size>
@@ -118,7 +124,7 @@ std::uintptr_t SHGetFileInfoA(const char* pszPath, DWORD, SHFILEINFOA* pInfo, UI
 {
     if (!pInfo || cbInfo < sizeof(SHFILEINFOA))
         return static_cast<std::uintptr_t>(kx::Fail(ERROR_INVALID_PARAMETER));
-    const auto item = FindItem(pszPath);
+    const auto item = FindItem(pszPath, (nFlags & SHGFI_DISPLAYNAME) != 0);
     if (nFlags & SHGFI_DISPLAYNAME) Put(item ? item->name : "", pInfo->szDisplayName);
     if (nFlags & SHGFI_TYPENAME) Put(item ? item->type : "", pInfo->szTypeName);
     if (nFlags & SHGFI_SYSICONINDEX) pInfo->iIcon = item ? kx::shell::IconIndex(item->icons) : 0;

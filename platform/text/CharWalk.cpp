@@ -23,8 +23,10 @@ std::size_t Find(std::string_view text, std::string_view sub, std::size_t start)
 
 std::string_view Trim(std::string_view text) noexcept
 {
-    while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
-    while (!text.empty() && IsSpace(text.back())) text.remove_suffix(1);
+    while (!text.empty() && IsSpace(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && IsSpace(text.back()))
+        text.remove_suffix(1);
     return text;
 }
 
@@ -40,7 +42,8 @@ int CompareNoCase(std::string_view a, std::string_view b) noexcept
             if (a[i] == b[i]) continue;
             return static_cast<unsigned char>(a[i]) - static_cast<unsigned char>(b[i]);
         }
-        const int diff = static_cast<unsigned char>(ToLower(a[i])) - static_cast<unsigned char>(ToLower(b[i]));
+        const int diff =
+            static_cast<unsigned char>(ToLower(a[i])) - static_cast<unsigned char>(ToLower(b[i]));
         if (diff != 0) return diff;
     }
     return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
@@ -50,7 +53,8 @@ std::string_view CutAtChar(std::string_view text, std::size_t max) noexcept
 {
     if (text.size() <= max) return text;
     if (!IsDoubleByte()) {
-        while (max > 0 && (static_cast<unsigned char>(text[max]) & 0xC0) == 0x80) --max;
+        while (max > 0 && (static_cast<unsigned char>(text[max]) & 0xC0) == 0x80)
+            --max;
         return text.substr(0, max);
     }
     return text.substr(0, IsCharStart(text, max, true) ? max : max - 1);

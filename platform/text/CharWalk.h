@@ -26,8 +26,7 @@ inline bool IsTrail(char ch) noexcept
 // The length in bytes of the character at `text[pos]`, which is inside the text.
 inline std::size_t CharLength(std::string_view text, std::size_t pos, bool bDoubleByte) noexcept
 {
-    const bool bPair =
-        bDoubleByte && IsLead(text[pos]) && pos + 1 < text.size() && IsTrail(text[pos + 1]);
+    const bool bPair = bDoubleByte && IsLead(text[pos]) && pos + 1 < text.size() && IsTrail(text[pos + 1]);
     return bPair ? 2 : 1;
 }
 
@@ -36,7 +35,8 @@ inline bool IsCharStart(std::string_view text, std::size_t pos, bool bDoubleByte
 {
     if (!bDoubleByte || pos >= text.size() || !IsTrail(text[pos])) return true;
     std::size_t leads = 0;
-    while (leads < pos && IsLead(text[pos - 1 - leads])) ++leads;
+    while (leads < pos && IsLead(text[pos - 1 - leads]))
+        ++leads;
     return leads % 2 == 0;
 }
 

@@ -55,23 +55,24 @@ int IsDBCSLeadByte(BYTE ch) noexcept
     return kx::text::IsDoubleByte() && kx::text::IsLead(static_cast<char>(ch));
 }
 
-int MultiByteToWideChar(UINT nCodePage, DWORD, const char* pszSource, int nSource, WCHAR* pTarget, int nTarget)
+int MultiByteToWideChar(UINT nCodePage, DWORD, const char* pszSource, int nSource, WCHAR* pTarget,
+                        int nTarget)
 {
     const UINT page = Served(nCodePage);
     if (page == 0 || !pszSource || nSource == 0) return kx::Fail(ERROR_INVALID_PARAMETER);
     const std::size_t length = nSource < 0 ? std::strlen(pszSource) + 1 : static_cast<std::size_t>(nSource);
-    auto& converter = kx::text::Iconv::For(page, kx::text::Iconv::ToUtf16);
+    auto& converter = kx::text::Iconv::For(page, kx::text::Iconv::Direction::ToUtf16);
     return Deliver(converter.ConvertLossy({pszSource, length}, "\xFD\xFF"), sizeof(WCHAR), pTarget, nTarget);
 }
 
-int WideCharToMultiByte(UINT nCodePage, DWORD, const WCHAR* pSource, int nSource, char* pszTarget, int nTarget,
-                        const char*, int*)
+int WideCharToMultiByte(UINT nCodePage, DWORD, const WCHAR* pSource, int nSource, char* pszTarget,
+                        int nTarget, const char*, int*)
 {
     const UINT page = Served(nCodePage);
     if (page == 0 || !pSource || nSource == 0) return kx::Fail(ERROR_INVALID_PARAMETER);
     const std::size_t units =
         nSource < 0 ? std::u16string_view(pSource).size() + 1 : static_cast<std::size_t>(nSource);
-    auto& converter = kx::text::Iconv::For(page, kx::text::Iconv::FromUtf16);
+    auto& converter = kx::text::Iconv::For(page, kx::text::Iconv::Direction::FromUtf16);
     const std::string_view bytes(reinterpret_cast<const char*>(pSource), units * sizeof(WCHAR));
     return Deliver(converter.ConvertLossy(bytes, "?", sizeof(WCHAR)), 1, pszTarget, nTarget);
 }

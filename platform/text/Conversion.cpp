@@ -19,19 +19,19 @@ bool IsAscii(std::string_view text) noexcept
 std::optional<std::string> ToUtf8(std::string_view codePageText)
 {
     if (IsAscii(codePageText)) return std::string(codePageText);
-    return Iconv::For(GetACP(), Iconv::ToUtf8).Convert(codePageText);
+    return Iconv::For(GetACP(), Iconv::Direction::ToUtf8).Convert(codePageText);
 }
 
 std::optional<std::string> FromUtf8(std::string_view utf8)
 {
     if (IsAscii(utf8)) return std::string(utf8);
-    return Iconv::For(GetACP(), Iconv::FromUtf8).Convert(utf8);
+    return Iconv::For(GetACP(), Iconv::Direction::FromUtf8).Convert(utf8);
 }
 
 std::string FromUtf8Lossy(std::string_view utf8)
 {
     if (IsAscii(utf8)) return std::string(utf8);
-    return Iconv::For(GetACP(), Iconv::FromUtf8).ConvertLossy(utf8, "?");
+    return Iconv::For(GetACP(), Iconv::Direction::FromUtf8).ConvertLossy(utf8, "?");
 }
 
 std::string FoldCase(std::string_view utf8)
@@ -41,7 +41,7 @@ std::string FoldCase(std::string_view utf8)
         std::transform(folded.begin(), folded.end(), folded.begin(), ToLower);
         return folded;
     }
-    const auto wide = Iconv::For(CP_UTF8, Iconv::ToUtf32).Convert(utf8);
+    const auto wide = Iconv::For(CP_UTF8, Iconv::Direction::ToUtf32).Convert(utf8);
     if (!wide) return folded;
     static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
     std::string units = *wide;
@@ -51,7 +51,7 @@ std::string FoldCase(std::string_view utf8)
         if (locale) unit = static_cast<char32_t>(towlower_l(static_cast<wint_t>(unit), locale));
         units.replace(i, 4, reinterpret_cast<const char*>(&unit), 4);
     }
-    return Iconv::For(CP_UTF8, Iconv::FromUtf32).Convert(units).value_or(folded);
+    return Iconv::For(CP_UTF8, Iconv::Direction::FromUtf32).Convert(units).value_or(folded);
 }
 
 } // namespace kx::text

@@ -14,17 +14,21 @@ namespace {
 const char* UnicodeForm(Iconv::Direction direction)
 {
     switch (direction) {
-    case Iconv::ToUtf8:
-    case Iconv::FromUtf8: return "UTF-8";
-    case Iconv::ToUtf16:
-    case Iconv::FromUtf16: return "UTF-16LE";
-    default: return "UTF-32LE";
+    case Iconv::Direction::ToUtf8:
+    case Iconv::Direction::FromUtf8:
+        return "UTF-8";
+    case Iconv::Direction::ToUtf16:
+    case Iconv::Direction::FromUtf16:
+        return "UTF-16LE";
+    default:
+        return "UTF-32LE";
     }
 }
 
 bool IsTo(Iconv::Direction direction)
 {
-    return direction == Iconv::ToUtf8 || direction == Iconv::ToUtf16 || direction == Iconv::ToUtf32;
+    return direction == Iconv::Direction::ToUtf8 || direction == Iconv::Direction::ToUtf16 ||
+           direction == Iconv::Direction::ToUtf32;
 }
 
 } // namespace
@@ -36,13 +40,15 @@ Iconv& Iconv::For(UINT nCodePage, Direction direction)
     if (!converter) {
         const char* page = nCodePage == CP_UTF8 ? "UTF-8" : "GB18030";
         const char* form = UnicodeForm(direction);
-        converter = IsTo(direction) ? std::make_unique<Iconv>(form, page)
-                                    : std::make_unique<Iconv>(page, form);
+        converter =
+            IsTo(direction) ? std::make_unique<Iconv>(form, page) : std::make_unique<Iconv>(page, form);
     }
     return *converter;
 }
 
-Iconv::Iconv(const char* pszTo, const char* pszFrom) : m_cd(iconv_open(pszTo, pszFrom)) {}
+Iconv::Iconv(const char* pszTo, const char* pszFrom) : m_cd(iconv_open(pszTo, pszFrom))
+{
+}
 
 Iconv::~Iconv()
 {

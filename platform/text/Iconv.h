@@ -13,7 +13,7 @@ namespace kx::text {
 class Iconv
 {
 public:
-    enum Direction
+    enum class Direction
     {
         ToUtf8,
         FromUtf8,

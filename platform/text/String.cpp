@@ -72,7 +72,9 @@ void CString::Assign(std::string_view str)
     SetLength(str.size());
 }
 
-CString::CString(const char* psz) : CString(ViewOf(psz)) {}
+CString::CString(const char* psz) : CString(ViewOf(psz))
+{
+}
 
 CString::CString(const char* pch, int nLength)
     : CString(pch && nLength > 0 ? std::string_view(pch, static_cast<std::size_t>(nLength))
@@ -234,7 +236,9 @@ int ToIndex(std::size_t pos)
 
 int CString::Find(char ch, int nStart) const noexcept
 {
-    return nStart > GetLength() ? -1 : ToIndex(text::Find(View(), ch, static_cast<std::size_t>(std::max(nStart, 0))));
+    return nStart > GetLength()
+               ? -1
+               : ToIndex(text::Find(View(), ch, static_cast<std::size_t>(std::max(nStart, 0))));
 }
 
 int CString::Find(const char* pszSub, int nStart) const noexcept
@@ -293,7 +297,8 @@ CString& CString::Trim()
 CString& CString::TrimLeft()
 {
     int first = 0;
-    while (first < GetLength() && text::IsSpace(m_pszData[first])) ++first;
+    while (first < GetLength() && text::IsSpace(m_pszData[first]))
+        ++first;
     Cut(first, GetLength() - first);
     return *this;
 }
@@ -301,7 +306,8 @@ CString& CString::TrimLeft()
 CString& CString::TrimRight()
 {
     int count = GetLength();
-    while (count > 0 && text::IsSpace(m_pszData[count - 1])) --count;
+    while (count > 0 && text::IsSpace(m_pszData[count - 1]))
+        --count;
     Cut(0, count);
     return *this;
 }
@@ -322,7 +328,8 @@ CString& CString::MakeUpper()
     MakeWritable(length);
     const bool bDoubleByte = text::IsDoubleByte();
     for (std::size_t i = 0; i < length; i += text::CharLength(View(), i, bDoubleByte))
-        if (m_pszData[i] >= 'a' && m_pszData[i] <= 'z') m_pszData[i] = static_cast<char>(m_pszData[i] - 'a' + 'A');
+        if (m_pszData[i] >= 'a' && m_pszData[i] <= 'z')
+            m_pszData[i] = static_cast<char>(m_pszData[i] - 'a' + 'A');
     return *this;
 }
 
@@ -345,13 +352,15 @@ CString CString::Tokenize(const char* pszDelims, int& nStart) const
         return text::CharLength(str, pos, bDoubleByte) == 1 && delims.find(str[pos]) != delims.npos;
     };
     std::size_t pos = nStart < 0 ? str.size() : static_cast<std::size_t>(nStart);
-    while (pos < str.size() && isDelim(pos)) ++pos;
+    while (pos < str.size() && isDelim(pos))
+        ++pos;
     if (pos >= str.size()) {
         nStart = -1;
         return {};
     }
     const std::size_t first = pos;
-    while (pos < str.size() && !isDelim(pos)) pos += text::CharLength(str, pos, bDoubleByte);
+    while (pos < str.size() && !isDelim(pos))
+        pos += text::CharLength(str, pos, bDoubleByte);
     nStart = static_cast<int>(std::min(pos + 1, str.size()));
     return CString(str.substr(first, pos - first));
 }
@@ -366,5 +375,6 @@ void CString::ReleaseBuffer(int nLength)
 {
     if (m_pszData == s_empty.text) return;
     const auto capacity = static_cast<std::size_t>(GetRep()->capacity);
-    SetLength(nLength < 0 ? strnlen(m_pszData, capacity) : std::min(static_cast<std::size_t>(nLength), capacity));
+    SetLength(nLength < 0 ? strnlen(m_pszData, capacity)
+                          : std::min(static_cast<std::size_t>(nLength), capacity));
 }

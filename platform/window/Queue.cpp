@@ -17,7 +17,8 @@ DWORD Queue::Post(const MSG& msg, const Window* target)
 {
     {
         std::lock_guard lock(m_lock);
-        if (m_closed || (target && target->ended)) return ERROR_INVALID_WINDOW_HANDLE;
+        if (m_closed) return ERROR_INVALID_THREAD_ID;
+        if (target && target->ended) return ERROR_INVALID_WINDOW_HANDLE;
         if (m_posted.size() >= kMaxPosted) return ERROR_NOT_ENOUGH_QUOTA;
         m_posted.push_back(msg);
     }
@@ -29,7 +30,7 @@ DWORD Queue::Send(const std::shared_ptr<SentMessage>& message)
 {
     {
         std::lock_guard lock(m_lock);
-        if (m_closed || message->Target().ended) return ERROR_INVALID_WINDOW_HANDLE;
+        if (message->Target().ended) return ERROR_INVALID_WINDOW_HANDLE;
         m_sent.push_back(message);
     }
     m_changed.NotifyOne();
@@ -141,16 +142,9 @@ void Queue::Forget(Window& window) noexcept
 
 void Queue::Close() noexcept
 {
-    Sent released;
-    {
-        std::lock_guard lock(m_lock);
-        m_closed = true;
-        m_posted.clear();
-        m_quit.reset();
-        released.swap(m_sent);
-    }
-    for (const auto& message : released)
-        message->Release();
+    std::lock_guard lock(m_lock);
+    m_closed = true;
+    m_posted.clear();
 }
 
 } // namespace kx::window

@@ -57,7 +57,7 @@ public:
     LRESULT WaitForAnswer(const SentMessage& message);
     // A window ends: releases its senders and drops what is posted to it.
     void Forget(Window& window) noexcept;
-    // The thread ends: the same for everything.
+    // The thread ends, after its windows: nothing is posted to it any more.
     void Close() noexcept;
 
 private:

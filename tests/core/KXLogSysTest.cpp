@@ -118,14 +118,16 @@ TEST_F(Log, AStopLosesNoLineToAStartThatFollows)
 {
     constexpr int nLines = 20000;
     Start();
-    for (int n = 0; n < nLines; ++n) log->PushLogEx(Level::LogInfo, "n%d", n);
+    for (int n = 0; n < nLines; ++n)
+        log->PushLogEx(Level::LogInfo, "n%d", n);
     log->Uninitialize();
     const std::string before = Text();
     Start();
     Drain();
     const std::string all = before + Text();
     std::string expected;
-    for (int n = 0; n < nLines; ++n) expected += "[2009-03-14 08:05:09] 1 n" + std::to_string(n) + "\n";
+    for (int n = 0; n < nLines; ++n)
+        expected += "[2009-03-14 08:05:09] 1 n" + std::to_string(n) + "\n";
     EXPECT_EQ(all, expected);
 }
 
@@ -137,7 +139,8 @@ TEST_F(Log, ThreadsKeepTheirOrder)
     std::vector<std::jthread> threads;
     for (int t = 0; t < nThreads; ++t)
         threads.emplace_back([this, t] {
-            for (int n = 0; n < nLines; ++n) log->PushLogEx(Level::LogInfo, "%d %d", t, n);
+            for (int n = 0; n < nLines; ++n)
+                log->PushLogEx(Level::LogInfo, "%d %d", t, n);
         });
     threads.clear();
     Drain();
@@ -149,7 +152,8 @@ TEST_F(Log, ThreadsKeepTheirOrder)
         if (std::sscanf(line.c_str(), "[%*[^]]] 1 %d %d", &t, &n) != 2) continue;
         EXPECT_EQ(n, next[t]++);
     }
-    for (int t = 0; t < nThreads; ++t) EXPECT_EQ(next[t], nLines);
+    for (int t = 0; t < nThreads; ++t)
+        EXPECT_EQ(next[t], nLines);
 }
 
 TEST_F(Log, RefusesASecondStartAndAFileThatCannotBe)
@@ -171,7 +175,8 @@ TEST_F(Log, RefusesASecondStartAndAFileThatCannotBe)
 TEST_F(Log, AFullDiskLosesLinesButNotTheWriter)
 {
     ASSERT_EQ(log->Initialize("C:\\dev\\full"), 1);
-    for (int n = 0; n < 5000; ++n) log->PushLog(Level::LogInfo, CString('x', 200));
+    for (int n = 0; n < 5000; ++n)
+        log->PushLog(Level::LogInfo, CString('x', 200));
     log->Uninitialize(); // waits for the writer: it is still there to be stopped
     Start();
     Drain();

@@ -4,12 +4,13 @@
 
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace test {
 
-// The block copies made while it lives, each as text: "x,y cx,cy from x,y", with "keyed" in front of a transparent
-// one, and the source's size behind one that stretches.
+// The block copies made while it lives, each as text: "x,y cx,cy from x,y", with "keyed" in front of a
+// transparent one, and the source's size behind one that stretches.
 class CopyList
 {
 public:
@@ -18,8 +19,10 @@ public:
         KXHost::SetCopyObserver([this](const KXHost::CopyRecord& copy) {
             std::ostringstream text;
             if (copy.kind == KXHost::CopyKind::TransparentBlt) text << "keyed ";
-            text << copy.x << ',' << copy.y << ' ' << copy.cx << 'x' << copy.cy << " from " << copy.xSrc << ',' << copy.ySrc;
-            if (copy.cxSrc != copy.cx || copy.cySrc != copy.cy) text << ' ' << copy.cxSrc << 'x' << copy.cySrc;
+            text << copy.x << ',' << copy.y << ' ' << copy.cx << 'x' << copy.cy << " from " << copy.xSrc
+                 << ',' << copy.ySrc;
+            if (copy.cxSrc != copy.cx || copy.cySrc != copy.cy)
+                text << ' ' << copy.cxSrc << 'x' << copy.cySrc;
             m_copies.push_back(text.str());
         });
     }

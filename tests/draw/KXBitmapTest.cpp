@@ -78,8 +78,8 @@ TEST_F(Bitmap, DrawsPartsAndKeyedBlocks)
     bitmap.TransparentDraw(&dc, 3, 4, 50, 60, 0xFF00FF, 1);
     bitmap.DrawPart(&dc, CRect(1, 2, 6, 5), CRect(3, 1, 100, 100), 1);
     bitmap.TransparentDrawPart(&dc, CRect(1, 2, 6, 5), CRect(3, 1, 5, 7), 0, 0);
-    EXPECT_THAT(copies.Take(), ElementsAre("keyed 3,4 20x8 from 20,0", "keyed 3,4 50x60 from 20,0 20x8", "1,2 5x3 from 23,1",
-                                           "keyed 1,2 5x3 from 3,1 2x6"));
+    EXPECT_THAT(copies.Take(), ElementsAre("keyed 3,4 20x8 from 20,0", "keyed 3,4 50x60 from 20,0 20x8",
+                                           "1,2 5x3 from 23,1", "keyed 1,2 5x3 from 3,1 2x6"));
 }
 
 TEST_F(Bitmap, FillsMiddleFirstLastInThatOrder)
@@ -87,16 +87,18 @@ TEST_F(Bitmap, FillsMiddleFirstLastInThatOrder)
     Attach(30, 10);
     bitmap.SetFillParam(10, 5, 1);
     bitmap.DrawFill(&dc, CRect(0, 3, 50, 4), 0);
-    EXPECT_THAT(copies.Take(), ElementsAre("10,3 15x10 from 10,0", "25,3 15x10 from 10,0", "40,3 5x10 from 10,0",
-                                           "0,3 10x10 from 0,0", "45,3 5x10 from 25,0"));
+    EXPECT_THAT(copies.Take(),
+                ElementsAre("10,3 15x10 from 10,0", "25,3 15x10 from 10,0", "40,3 5x10 from 10,0",
+                            "0,3 10x10 from 0,0", "45,3 5x10 from 25,0"));
     bitmap.DrawFill(&dc, CRect(0, 0, 45, 1), 0); // whole tiles: none is cut
-    EXPECT_THAT(copies.Take(), ElementsAre("10,0 15x10 from 10,0", "25,0 15x10 from 10,0", "0,0 10x10 from 0,0",
-                                           "40,0 5x10 from 25,0"));
+    EXPECT_THAT(copies.Take(), ElementsAre("10,0 15x10 from 10,0", "25,0 15x10 from 10,0",
+                                           "0,0 10x10 from 0,0", "40,0 5x10 from 25,0"));
     bitmap.TransparentDrawFill(&dc, CRect(0, 0, 12, 1), 7, 0); // no room: the ends alone, one over the other
     EXPECT_THAT(copies.Take(), ElementsAre("keyed 0,0 10x10 from 0,0", "keyed 7,0 5x10 from 25,0"));
     bitmap.SetFillParam(3, 2, 0);
     bitmap.DrawFill(&dc, CRect(4, 0, 5, 12), 0);
-    EXPECT_THAT(copies.Take(), ElementsAre("4,3 30x5 from 0,3", "4,8 30x2 from 0,3", "4,0 30x3 from 0,0", "4,10 30x2 from 0,8"));
+    EXPECT_THAT(copies.Take(), ElementsAre("4,3 30x5 from 0,3", "4,8 30x2 from 0,3", "4,0 30x3 from 0,0",
+                                           "4,10 30x2 from 0,8"));
 }
 
 TEST_F(Bitmap, PavesInBandsAcross)
@@ -104,17 +106,19 @@ TEST_F(Bitmap, PavesInBandsAcross)
     Attach(10, 4);
     bitmap.SetFillParam(2, 3, 1);
     bitmap.Pave(&dc, CRect(0, 1, 11, 7), 0);
-    EXPECT_THAT(copies.Take(), ElementsAre("2,1 5x4 from 2,0", "7,1 1x4 from 2,0", "0,1 2x4 from 0,0", "8,1 3x4 from 7,0",
-                                           "2,5 5x2 from 2,0", "7,5 1x2 from 2,0", "0,5 2x2 from 0,0", "8,5 3x2 from 7,0"));
+    EXPECT_THAT(copies.Take(),
+                ElementsAre("2,1 5x4 from 2,0", "7,1 1x4 from 2,0", "0,1 2x4 from 0,0", "8,1 3x4 from 7,0",
+                            "2,5 5x2 from 2,0", "7,5 1x2 from 2,0", "0,5 2x2 from 0,0", "8,5 3x2 from 7,0"));
     bitmap.Pave(&dc, CRect(0, 7, 11, 7), 0);
     EXPECT_THAT(copies.Take(), IsEmpty());
     bitmap.SetFillParam(1, 1, 0);
     bitmap.Pave(&dc, CRect(0, 0, 12, 3), 0);
-    EXPECT_THAT(copies.Take(), ElementsAre("0,1 10x1 from 0,1", "0,0 10x1 from 0,0", "0,2 10x1 from 0,3", "10,1 2x1 from 0,1",
-                                           "10,0 2x1 from 0,0", "10,2 2x1 from 0,3"));
+    EXPECT_THAT(copies.Take(), ElementsAre("0,1 10x1 from 0,1", "0,0 10x1 from 0,0", "0,2 10x1 from 0,3",
+                                           "10,1 2x1 from 0,1", "10,0 2x1 from 0,0", "10,2 2x1 from 0,3"));
 }
 
-// What the rectangles stand for is settled by the last of load, SetMultiState, SetFillParam and a change of state.
+// What the rectangles stand for is settled by the last of load, SetMultiState, SetFillParam and a change of
+// state.
 TEST_F(Bitmap, FillPartsFollowTheState)
 {
     bitmap.SetFillParam(1, 1, 1);
@@ -172,8 +176,8 @@ TEST_F(Bitmap, PixelsOfAFillWithAndWithoutAKey)
     bitmap.SetFillParam(1, 1, 1);
     bitmap.DrawFill(&dc, CRect(0, 0, 7, 2), 0);
     bitmap.TransparentDrawFill(&dc, CRect(0, 3, 7, 5), test::ColorOf('M'), 0);
-    EXPECT_THAT(paper.Read(), ElementsAre("RGMGMGBWWWWW", "RGGGGGBWWWWW", "WWWWWWWWWWWW", "RGWGWGBWWWWW", "RGGGGGBWWWWW",
-                                          "WWWWWWWWWWWW"));
+    EXPECT_THAT(paper.Read(), ElementsAre("RGMGMGBWWWWW", "RGGGGGBWWWWW", "WWWWWWWWWWWW", "RGWGWGBWWWWW",
+                                          "RGGGGGBWWWWW", "WWWWWWWWWWWW"));
 }
 
 TEST_F(Bitmap, RegionOfAColorOrOfTheRest)
@@ -205,17 +209,22 @@ TEST_F(Bitmap, RegionOfAColorOrOfTheRest)
 TEST_F(Bitmap, RegionOfATallPicture)
 {
     test::Picture picture(100, "WW");
-    for (std::size_t y = 0; y < picture.size(); ++y) picture[y][y % 7 == 0 ? 0 : 1] = 'R';
+    for (std::size_t y = 0; y < picture.size(); ++y)
+        picture[y][y % 7 == 0 ? 0 : 1] = 'R';
     bitmap.AttachBitmap(MakeBitmap(picture));
     CRgn rgn;
     bitmap.CreateBitmapRgn(rgn, test::ColorOf('R'), 1);
-    for (int y = 0; y < 100; ++y) EXPECT_TRUE(rgn.PtInRegion(y % 7 == 0 ? 0 : 1, y)) << y;
+    for (int y = 0; y < 100; ++y)
+        EXPECT_TRUE(rgn.PtInRegion(y % 7 == 0 ? 0 : 1, y)) << y;
 }
 
 TEST_F(Bitmap, LoadsFilesAndForgetsTheOldOne)
 {
     const test::TempDir dir;
-    test::Bmp file{.width = 2, .height = 2, .depth = 1, .colorsUsed = 2};
+    test::Bmp file;
+    file.width = file.height = 2;
+    file.depth = 1;
+    file.colorsUsed = 2;
     file.palette = test::Le(0xFF0000, 4) + test::Le(0x00FF00, 4);
     file.pixels = test::Le(0x40, 4) + test::Le(0x80, 4); // bottom row first
     dir.Write("two.bmp", file.File());

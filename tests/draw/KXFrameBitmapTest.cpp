@@ -28,13 +28,14 @@ protected:
 TEST_F(Frame, DrawsEdgesInTilesAndCornersOverThem)
 {
     frame.Draw(&dc, CRect(0, 0, 40, 30), 0, 0);
-    EXPECT_THAT(copies.Take(),
-                ElementsAre("10,0 5x4 from 10,0", "15,0 5x4 from 10,0", "20,0 5x4 from 10,0", "25,0 5x4 from 10,0",
-                            "30,0 5x4 from 10,0",                                                     // top
-                            "6,28 10x2 from 6,14", "16,28 10x2 from 6,14", "26,28 10x2 from 6,14",    // bottom
-                            "0,4 10x10 from 0,4", "0,14 10x10 from 0,4", "0,24 10x4 from 0,4",        // left
-                            "35,3 5x8 from 15,3", "35,11 5x8 from 15,3", "35,19 5x6 from 15,3",       // right
-                            "0,0 10x4 from 0,0", "35,0 5x3 from 15,0", "0,28 6x2 from 0,14", "36,25 4x5 from 16,11"));
+    EXPECT_THAT(
+        copies.Take(),
+        ElementsAre("10,0 5x4 from 10,0", "15,0 5x4 from 10,0", "20,0 5x4 from 10,0", "25,0 5x4 from 10,0",
+                    "30,0 5x4 from 10,0",                                                  // top
+                    "6,28 10x2 from 6,14", "16,28 10x2 from 6,14", "26,28 10x2 from 6,14", // bottom
+                    "0,4 10x10 from 0,4", "0,14 10x10 from 0,4", "0,24 10x4 from 0,4",     // left
+                    "35,3 5x8 from 15,3", "35,11 5x8 from 15,3", "35,19 5x6 from 15,3",    // right
+                    "0,0 10x4 from 0,0", "35,0 5x3 from 15,0", "0,28 6x2 from 0,14", "36,25 4x5 from 16,11"));
 }
 
 TEST_F(Frame, FillsTheCentreBetweenTheLargerCorners)
@@ -53,8 +54,8 @@ TEST_F(Frame, FillsTheCentreBetweenTheLargerCorners)
 TEST_F(Frame, SmallerThanItsCornersDrawsThemAlone)
 {
     frame.Draw(&dc, CRect(0, 0, 6, 4), 0, 0);
-    EXPECT_THAT(copies.Take(),
-                ElementsAre("0,0 10x4 from 0,0", "1,0 5x3 from 15,0", "0,2 6x2 from 0,14", "2,-1 4x5 from 16,11"));
+    EXPECT_THAT(copies.Take(), ElementsAre("0,0 10x4 from 0,0", "1,0 5x3 from 15,0", "0,2 6x2 from 0,14",
+                                           "2,-1 4x5 from 16,11"));
 }
 
 TEST_F(Frame, EdgesWithoutLengthEnd)

@@ -9,8 +9,8 @@ int main()
     CKXExeFileInfo::VersionInfo version{};
     const int bVersion =
         CKXExeFileInfo::GetFileInfo(CKXFileSystem::GetInstancePtr()->GetAppPath() + "client", version);
-    std::printf("installed client: version %u.%u.%u.%u\n", version.dwMajor, version.dwMinor, version.dwRevision,
-                version.dwBuild);
+    std::printf("installed client: version %u.%u.%u.%u\n", version.dwMajor, version.dwMinor,
+                version.dwRevision, version.dwBuild);
     const bool bExpected = !bVersion || (version.dwMajor == 3 && version.dwBuild == 15);
     return CreateGUIDString(strGuid) && strGuid.GetLength() == 36 && bExpected ? 0 : 1;
 }

@@ -35,7 +35,8 @@ protected:
         std::vector<KXLanguageItem> items{{"old", "old"}};
         lans->GetLans(items);
         std::vector<std::string> ids;
-        for (const auto& item : items) ids.emplace_back(item.strID);
+        for (const auto& item : items)
+            ids.emplace_back(item.strID);
         return ids;
     }
     std::string Current() const { return lans->GetCurrentLan().strID.GetString(); }
@@ -48,7 +49,10 @@ protected:
 class Listener
 {
 public:
-    explicit Listener(DWORD dwStyle) : m_hWnd(Make(dwStyle)) { SetWindowLongPtrA(m_hWnd, GWLP_USERDATA, reinterpret_cast<std::intptr_t>(this)); }
+    explicit Listener(DWORD dwStyle) : m_hWnd(Make(dwStyle))
+    {
+        SetWindowLongPtrA(m_hWnd, GWLP_USERDATA, reinterpret_cast<std::intptr_t>(this));
+    }
     Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;
     ~Listener() { DestroyWindow(m_hWnd); }
@@ -69,7 +73,8 @@ private:
         EXPECT_EQ(lParam, 0);
         auto* self = reinterpret_cast<Listener*>(GetWindowLongPtrA(hWnd, GWLP_USERDATA));
         auto* pLans = CKXLanResManager::GetSingletonPtr();
-        self->heard.push_back(std::string(pLans->GetCurrentLan().strID) + ":" + pLans->GetString("k").GetString());
+        self->heard.push_back(std::string(pLans->GetCurrentLan().strID) + ":" +
+                              pLans->GetString("k").GetString());
         return 0;
     }
 
@@ -105,7 +110,8 @@ TEST_F(Language, SelectsByPositionAndByExactIdentifier)
     EXPECT_EQ(lans->GetCurrentLanIndex(), 2);
     EXPECT_EQ(lans->SetCurrentLan(2, 1), 0);      // current already
     EXPECT_EQ(lans->SetCurrentLan("Beta", 1), 1); // but named, it is loaded and told again
-    for (const int n : {-1, 3}) EXPECT_EQ(lans->SetCurrentLan(n, 1), 0);
+    for (const int n : {-1, 3})
+        EXPECT_EQ(lans->SetCurrentLan(n, 1), 0);
     EXPECT_EQ(lans->SetCurrentLan("beta", 1), 0);
     EXPECT_EQ(lans->SetCurrentLan("", 1), 0);
     EXPECT_EQ(Current(), "Beta");
@@ -136,7 +142,8 @@ TEST_F(Language, WindowsOfOtherThreadsHearItOnTheirOwn)
         Listener window(WS_VISIBLE);
         ready.set_value();
         MSG msg;
-        while (window.heard.empty()) PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE);
+        while (window.heard.empty())
+            PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE);
         EXPECT_THAT(window.heard, ElementsAre("Beta:beta"));
     });
     ready.get_future().wait();
@@ -164,8 +171,8 @@ TEST_F(Language, SavedChoiceComesBackFromAnIniFile)
 void SetRegistry(DWORD dwType, std::string_view bytes)
 {
     HKEY hKey = nullptr;
-    RegCreateKeyExA(HKEY_CURRENT_USER, "SOFTWARE\\Brightfern\\App", 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr, &hKey,
-                    nullptr);
+    RegCreateKeyExA(HKEY_CURRENT_USER, "SOFTWARE\\Brightfern\\App", 0, nullptr, 0, KEY_READ | KEY_WRITE,
+                    nullptr, &hKey, nullptr);
     RegSetValueExA(hKey, "Language", 0, dwType, reinterpret_cast<const BYTE*>(bytes.data()),
                    static_cast<DWORD>(bytes.size()));
     RegCloseKey(hKey);
@@ -191,8 +198,9 @@ TEST_F(Language, SavedChoiceComesBackFromTheRegistry)
         std::string_view bytes;
         const char* pszSelected;
     } cases[] = {
-        {REG_EXPAND_SZ, "alpha\0"sv, "alpha"}, {REG_BINARY, "alpha\0"sv, ".hidden"}, {REG_SZ, "alpha"sv, ".hidden"},
-        {REG_SZ, ""sv, ".hidden"},             {REG_SZ, "gone\0"sv, ".hidden"},      {REG_SZ, strLong, ".hidden"},
+        {REG_EXPAND_SZ, "alpha\0"sv, "alpha"}, {REG_BINARY, "alpha\0"sv, ".hidden"},
+        {REG_SZ, "alpha"sv, ".hidden"},        {REG_SZ, ""sv, ".hidden"},
+        {REG_SZ, "gone\0"sv, ".hidden"},       {REG_SZ, strLong, ".hidden"},
     };
     for (const auto& c : cases) {
         lans->SetCurrentLan("Beta", 0);

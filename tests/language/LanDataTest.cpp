@@ -34,7 +34,9 @@ TEST_F(LanData, ReadsLinesOfKeyAndValue)
          "[Section]\n\nno entry\n"
          "; note = text\n"
          "dup=first\ndup=second\nDUP=other\n"
-         "long=" + std::string(50'000, 'x') + "\n"
+         "long=" +
+         std::string(50'000, 'x') +
+         "\n"
          "last=without an end");
     EXPECT_EQ(Get("a"), "b=c");
     EXPECT_EQ(Get(""), "empty key");
@@ -111,7 +113,8 @@ TEST_F(LanData, AFileThatIsNoFileIsShownToo)
 TEST_F(LanData, ReadersMayRunDuringALoad)
 {
     std::string data;
-    for (int n = 0; n < 500; ++n) data += "k" + std::to_string(n) + "=some text\n";
+    for (int n = 0; n < 500; ++n)
+        data += "k" + std::to_string(n) + "=some text\n";
     Load(data);
     std::atomic<bool> done{false};
     std::jthread reader([&] {
@@ -121,7 +124,8 @@ TEST_F(LanData, ReadersMayRunDuringALoad)
             lans->GetLanName(0);
         }
     });
-    for (int n = 0; n < 20; ++n) lans->SetCurrentLan("L", 0);
+    for (int n = 0; n < 20; ++n)
+        lans->SetCurrentLan("L", 0);
     lans->Initialize(tree.Name().c_str());
     done = true;
 }

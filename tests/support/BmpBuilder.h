@@ -170,7 +170,7 @@ inline std::string PngChunk(std::string_view type, std::string_view content)
 
 // A PNG whose rows, filter bytes included, are given as they are stored.
 inline std::string Png(std::uint32_t width, std::uint32_t height, int bits, int colorType,
-                       std::string_view rows, std::string_view chunks = {})
+                       std::string_view rows, std::string_view chunks = {}, int interlace = 0)
 {
     std::uint32_t a = 1, b = 0;
     for (const char ch : rows) {
@@ -178,7 +178,8 @@ inline std::string Png(std::uint32_t width, std::uint32_t height, int bits, int 
         b = (b + a) % 65521;
     }
     const std::string header = Be(width) + Be(height) + static_cast<char>(bits) +
-                               static_cast<char>(colorType) + std::string(3, '\0');
+                               static_cast<char>(colorType) + std::string(2, '\0') +
+                               static_cast<char>(interlace);
     const std::string stored =
         "\x78\x01\x01" + Le(rows.size(), 2) + Le(~rows.size(), 2) + std::string(rows) + Be(b << 16 | a);
     return "\x89PNG\r\n\x1a\n" + PngChunk("IHDR", header) + std::string(chunks) + PngChunk("IDAT", stored) +

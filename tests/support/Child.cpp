@@ -18,12 +18,14 @@ Child::Child(const std::string& name, std::vector<std::string> args, std::vector
     if (captureError && pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
     args.insert(args.begin(), std::string(KX_TEST_BIN) + "/" + name);
     std::vector<char*> argv;
-    for (auto& arg : args) argv.push_back(arg.data());
+    for (auto& arg : args)
+        argv.push_back(arg.data());
     argv.push_back(nullptr);
     m_pid = fork();
     if (m_pid < 0) throw std::runtime_error("no process");
     if (m_pid == 0) {
-        for (auto& setting : env) putenv(setting.data());
+        for (auto& setting : env)
+            putenv(setting.data());
         if (captureError) dup2(ends[1], STDERR_FILENO);
         execv(argv[0], argv.data());
         _exit(127);
@@ -49,13 +51,15 @@ int Child::Wait()
 {
     if (m_pipe >= 0) {
         std::array<char, 4096> block;
-        for (ssize_t got; (got = read(m_pipe, block.data(), block.size())) > 0 || (got < 0 && errno == EINTR);)
+        for (ssize_t got;
+             (got = read(m_pipe, block.data(), block.size())) > 0 || (got < 0 && errno == EINTR);)
             if (got > 0) m_error.append(block.data(), static_cast<std::size_t>(got));
         close(m_pipe);
         m_pipe = -1;
     }
     int status = 0;
-    while (waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {}
+    while (waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {
+    }
     m_pid = -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }

@@ -15,15 +15,16 @@ namespace kx::gdi {
 
 namespace {
 
-constexpr int kMaxHeight = 1024;                      // pixels; larger letters are drawn at this size
-constexpr int kDefaultHeight = -12;                   // for a height of 0
-constexpr std::size_t kMaxCoverage = 4u << 20;        // bytes of letters kept for a face
-constexpr std::size_t kMaxSources = 16;               // faces open for one font
-constexpr std::size_t kKept = 16;                     // fonts kept after their last use
+constexpr int kMaxHeight = 1024;               // pixels; larger letters are drawn at this size
+constexpr int kDefaultHeight = -12;            // for a height of 0
+constexpr std::size_t kMaxCoverage = 4u << 20; // bytes of letters kept for a face
+constexpr std::size_t kMaxSources = 16;        // faces open for one font
+constexpr std::size_t kKept = 16;              // fonts kept after their last use
 
 using Key = std::tuple<FaceRequest, int>;
 
-// Lately used fonts, the latest first: a client that makes its font anew for each drawing finds its letters again.
+// Lately used fonts, the latest first: a client that makes its font anew for each drawing finds its letters
+// again.
 struct Recent
 {
     std::list<std::pair<Key, std::shared_ptr<FontFace>>> entries;
@@ -46,7 +47,8 @@ std::shared_ptr<FontFace> FontFace::For(const FaceRequest& request, int nHeight)
     static Immortal<Recent> recent;
     auto& entries = recent->entries;
     const Key key(request, Clamped(nHeight));
-    const auto found = std::find_if(entries.begin(), entries.end(), [&](const auto& entry) { return entry.first == key; });
+    const auto found =
+        std::find_if(entries.begin(), entries.end(), [&](const auto& entry) { return entry.first == key; });
     if (found != entries.end()) {
         entries.splice(entries.begin(), entries, found);
         return entries.front().second;
@@ -57,13 +59,15 @@ std::shared_ptr<FontFace> FontFace::For(const FaceRequest& request, int nHeight)
     return made;
 }
 
-FontFace::FontFace(const FaceRequest& request, int nHeight) : m_request(request), m_height(nHeight), m_files(request)
+FontFace::FontFace(const FaceRequest& request, int nHeight)
+    : m_request(request), m_height(nHeight), m_files(request)
 {
     AddSource(m_files.OpenBest());
     ReadMetrics();
 }
 
-// A height above 0 is that of the cell, from the highest to the lowest of the letters; below 0 that of the em square.
+// A height above 0 is that of the cell, from the highest to the lowest of the letters; below 0 that of the em
+// square.
 void FontFace::SetSize(FT_Face face) const
 {
     FT_Size_RequestRec request{};
@@ -89,7 +93,8 @@ void FontFace::ReadMetrics()
     const FT_Size_Metrics& size = face->size->metrics;
     m_metrics.tmAscent = static_cast<LONG>((size.ascender + 63) >> 6);
     m_metrics.tmDescent = static_cast<LONG>((-size.descender + 63) >> 6);
-    if (m_height > 0) m_metrics.tmDescent = std::max(0, m_height - m_metrics.tmAscent); // the cell, to the pixel
+    if (m_height > 0)
+        m_metrics.tmDescent = std::max(0, m_height - m_metrics.tmAscent); // the cell, to the pixel
     m_metrics.tmHeight = m_metrics.tmAscent + m_metrics.tmDescent;
     m_metrics.tmInternalLeading = std::max(0, m_metrics.tmHeight - size.y_ppem);
     m_metrics.tmExternalLeading = std::max(0, Round26(size.height) - m_metrics.tmHeight);
@@ -114,12 +119,14 @@ Glyph FontFace::Render(char32_t ch)
     Glyph glyph;
     unsigned index = 0;
     const Source* source = SourceOf(ch, index);
-    if (!source || FT_Load_Glyph(source->face.get(), index, FT_LOAD_TARGET_LIGHT | FT_LOAD_NO_BITMAP) != 0) return glyph;
+    if (!source || FT_Load_Glyph(source->face.get(), index, FT_LOAD_TARGET_LIGHT | FT_LOAD_NO_BITMAP) != 0)
+        return glyph;
     const FT_GlyphSlot slot = source->face->glyph;
     if (source->embolden) FT_GlyphSlot_Embolden(slot);
     if (source->slant) FT_GlyphSlot_Oblique(slot);
     glyph.advance = std::max(0, Round26(slot->advance.x));
-    if (FT_Render_Glyph(slot, FT_RENDER_MODE_NORMAL) != 0 || slot->bitmap.pixel_mode != FT_PIXEL_MODE_GRAY) return glyph;
+    if (FT_Render_Glyph(slot, FT_RENDER_MODE_NORMAL) != 0 || slot->bitmap.pixel_mode != FT_PIXEL_MODE_GRAY)
+        return glyph;
 
     const FT_Bitmap& bitmap = slot->bitmap;
     glyph.left = slot->bitmap_left;

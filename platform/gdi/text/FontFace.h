@@ -11,8 +11,8 @@
 
 namespace kx::gdi {
 
-// One letter at one size: how far it moves on, and its coverage, 0 to 255 a pixel, placed from the pen's position on
-// the base line.
+// One letter at one size: how far it moves on, and its coverage, 0 to 255 a pixel, placed from the pen's
+// position on the base line.
 struct Glyph
 {
     int advance = 0;
@@ -23,13 +23,14 @@ struct Glyph
     std::vector<unsigned char> coverage;
 };
 
-// A typeface at one size, with the letters that were used. Characters that it lacks come from whatever face has
-// them. Used under the text lock (TextLock.h).
+// A typeface at one size, with the letters that were used. Characters that it lacks come from whatever face
+// has them. Used under the text lock (TextLock.h).
 class FontFace
 {
 public:
-    // The face for a request at a height as LOGFONTA::lfHeight counts it; shared by all who ask for the same, and kept
-    // for a while after the last. Never null; without any face on the system it has letters of no size.
+    // The face for a request at a height as LOGFONTA::lfHeight counts it; shared by all who ask for the same,
+    // and kept for a while after the last. Never null; without any face on the system it has letters of no
+    // size.
     static std::shared_ptr<FontFace> For(const FaceRequest& request, int nHeight);
 
     FontFace(const FaceRequest& request, int nHeight);

@@ -96,7 +96,8 @@ FacePtr FontFiles::OpenBest()
 FacePtr FontFiles::OpenFor(char32_t ch)
 {
     FcResult result = FcResultNoMatch;
-    if (!m_set->sorted && m_set->pattern) m_set->sorted = FcFontSort(nullptr, m_set->pattern, FcTrue, nullptr, &result);
+    if (!m_set->sorted && m_set->pattern)
+        m_set->sorted = FcFontSort(nullptr, m_set->pattern, FcTrue, nullptr, &result);
     if (!m_set->sorted) return nullptr;
     for (int n = 0; n < m_set->sorted->nfont; ++n) {
         FcPattern* font = m_set->sorted->fonts[n];

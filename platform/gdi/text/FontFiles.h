@@ -24,8 +24,8 @@ struct FaceDeleter
 };
 using FacePtr = std::unique_ptr<FT_FaceRec_, FaceDeleter>;
 
-// The system's scalable faces for a request, best match first, opened one at a time as they are needed. Not locked:
-// used under the text lock (TextLock.h).
+// The system's scalable faces for a request, best match first, opened one at a time as they are needed. Not
+// locked: used under the text lock (TextLock.h).
 class FontFiles
 {
 public:

@@ -31,7 +31,8 @@ void TakePrefixes(TextLine& line)
     line.text = std::move(kept);
 }
 
-// Where a line that is too long is cut: behind the last blank that fits, or else behind the last letter that does.
+// Where a line that is too long is cut: behind the last blank that fits, or else behind the last letter that
+// does.
 std::size_t FindBreak(FontFace& face, std::u32string_view text, int nRoom)
 {
     std::size_t nBlank = 0;
@@ -53,7 +54,7 @@ std::size_t FindBreak(FontFace& face, std::u32string_view text, int nRoom)
 std::u32string Decode(std::string_view text)
 {
     if (kx::text::IsAscii(text)) return {text.begin(), text.end()};
-    const std::string units = kx::text::Iconv::For(GetACP(), kx::text::Iconv::ToUtf32)
+    const std::string units = kx::text::Iconv::For(GetACP(), kx::text::Iconv::Direction::ToUtf32)
                                   .ConvertLossy(text, std::string_view("\xFD\xFF\0\0", 4));
     std::u32string decoded(units.size() / sizeof(char32_t), U'\0');
     std::memcpy(decoded.data(), units.data(), decoded.size() * sizeof(char32_t));
@@ -63,7 +64,8 @@ std::u32string Decode(std::string_view text)
 int Measure(FontFace& face, std::u32string_view text)
 {
     std::int64_t width = 0;
-    for (const char32_t ch : text) width += face.Get(ch).advance;
+    for (const char32_t ch : text)
+        width += face.Get(ch).advance;
     return static_cast<int>(std::min<std::int64_t>(width, INT32_MAX / 2));
 }
 
@@ -87,14 +89,16 @@ std::vector<TextLine> BreakLines(FontFace& face, std::string_view text, UINT nFo
         if (!(nFormat & DT_NOPREFIX)) TakePrefixes(line);
         if ((nFormat & DT_WORDBREAK) && !(nFormat & DT_SINGLELINE)) {
             for (std::size_t nCut; (nCut = FindBreak(face, line.text, nRoom)) < line.text.size();) {
-                broken.push_back({line.text.substr(0, nCut), 0, line.mark < static_cast<int>(nCut) ? line.mark : -1});
+                broken.push_back(
+                    {line.text.substr(0, nCut), 0, line.mark < static_cast<int>(nCut) ? line.mark : -1});
                 line.text.erase(0, nCut);
                 line.mark = std::max(-1, line.mark - static_cast<int>(nCut));
             }
         }
         broken.push_back(std::move(line));
     }
-    for (TextLine& line : broken) line.width = Measure(face, line.text);
+    for (TextLine& line : broken)
+        line.width = Measure(face, line.text);
     return broken;
 }
 

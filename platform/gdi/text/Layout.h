@@ -18,7 +18,8 @@ struct TextLine
 // The letters of a text in the process's code page; bytes that are none become U+FFFD.
 std::u32string Decode(std::string_view text);
 
-// Divides a text into lines as DrawTextA does by its flags, for a room of `nRoom` pixels. Under the text lock.
+// Divides a text into lines as DrawTextA does by its flags, for a room of `nRoom` pixels. Under the text
+// lock.
 std::vector<TextLine> BreakLines(FontFace& face, std::string_view text, UINT nFormat, int nRoom);
 
 // The length of letters in pixels. Under the text lock.

@@ -19,7 +19,8 @@ constexpr int kFar = INT_MAX / 4; // letters never lie further out than that
 std::string_view TextOf(const char* pszText, int nLength)
 {
     if (!pszText) return {};
-    return nLength < 0 ? std::string_view(pszText) : std::string_view(pszText, static_cast<std::size_t>(nLength));
+    return nLength < 0 ? std::string_view(pszText)
+                       : std::string_view(pszText, static_cast<std::size_t>(nLength));
 }
 
 int Near(std::int64_t position)
@@ -48,7 +49,8 @@ struct Writer
 
 int StartOf(const TextLine& line, const RECT& rect, UINT nFormat)
 {
-    if (nFormat & DT_CENTER) return Near(std::int64_t{rect.left} + (std::int64_t{rect.right} - rect.left - line.width) / 2);
+    if (nFormat & DT_CENTER)
+        return Near(std::int64_t{rect.left} + (std::int64_t{rect.right} - rect.left - line.width) / 2);
     if (nFormat & DT_RIGHT) return Near(std::int64_t{rect.right} - line.width);
     return rect.left;
 }
@@ -69,7 +71,8 @@ int Draw(Writer& writer, std::string_view text, RECT& rect, UINT nFormat)
     const int nHeight = Near(std::int64_t{nLine} * static_cast<std::int64_t>(lines.size()));
     if (nFormat & DT_CALCRECT) {
         int nWidth = 0;
-        for (const TextLine& line : lines) nWidth = std::max(nWidth, line.width);
+        for (const TextLine& line : lines)
+            nWidth = std::max(nWidth, line.width);
         rect.right = Near(std::int64_t{room.left} + nWidth);
         rect.bottom = Near(std::int64_t{room.top} + nHeight);
         return nHeight;

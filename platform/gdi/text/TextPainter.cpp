@@ -24,20 +24,26 @@ DWORD Mixed(DWORD from, DWORD to, unsigned nCoverage)
 
 RECT Common(const RECT& a, const RECT& b)
 {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right), std::min(a.bottom, b.bottom)};
+    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
+            std::min(a.bottom, b.bottom)};
 }
 
 } // namespace
 
 TextPainter::TextPainter(DeviceContext& context, Font& font)
-    : m_context(context), m_font(font), m_face(font.Face()), m_canvas(context.Paint()), m_pixel(ToPixel(context.textColor))
+    : m_context(context),
+      m_font(font),
+      m_face(font.Face()),
+      m_canvas(context.Paint()),
+      m_pixel(ToPixel(context.textColor))
 {
 }
 
 void TextPainter::Draw(const TextLine& line, int x, int y, const RECT& clip)
 {
     const TEXTMETRICA& metrics = m_face.Metrics();
-    if (m_context.backMode == OPAQUE) Bar(x, y, line.width, clip, ToPixel(m_context.backColor), metrics.tmHeight);
+    if (m_context.backMode == OPAQUE)
+        Bar(x, y, line.width, clip, ToPixel(m_context.backColor), metrics.tmHeight);
     const RECT inSurface = m_canvas.ToSurface(clip);
     const int nBase = y + metrics.tmAscent;
     int pen = x;
@@ -72,7 +78,8 @@ void TextPainter::Cover(const Glyph& glyph, int x, int y, const RECT& clip)
 void TextPainter::Blend(const Glyph& glyph, int x, int y, const RECT& part)
 {
     for (int row = part.top; row < part.bottom; ++row) {
-        const unsigned char* coverage = glyph.coverage.data() + static_cast<std::ptrdiff_t>(row - y) * glyph.width - x;
+        const unsigned char* coverage =
+            glyph.coverage.data() + static_cast<std::ptrdiff_t>(row - y) * glyph.width - x;
         DWORD* pixels = m_canvas.surface.Row(row);
         for (int column = part.left; column < part.right; ++column) {
             if (const unsigned n = coverage[column]; n == 255)

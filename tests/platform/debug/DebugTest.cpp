@@ -97,7 +97,7 @@ TEST(Debug, ObserversComeAndGoWhileThreadsSend)
     test::RunThreads(4, [&](int t) {
         while (t > 0 && !bStop)
             OutputDebugStringA("x");
-        for (int i = 0; t == 0 && i < 100; ++i) {
+        for (int i = 0; t == 0 && i < 50; ++i) {
             auto nCalls = std::make_unique<std::atomic<int>>(0);
             const int nId = AddDebugObserver([p = nCalls.get()](std::string_view) { ++*p; });
             test::Await([&] { return *nCalls > 0; });

@@ -3,10 +3,13 @@
 #include "tests/support/Child.h"
 #include "tests/support/Host.h"
 
+#include <algorithm>
+#include <atomic>
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
-#include <unistd.h>
+#include <thread>
+#include <vector>
 
 namespace fs = std::filesystem;
 using test::Mounted;
@@ -139,6 +142,66 @@ TEST(Path, ExactNameWinsElseTheLowestIgnoringCase)
     }
     drive.Write("two/a/x", "");
     EXPECT_EQ(drive.Named("X:\\two\\A\\X"), "/two/a/x");
+}
+
+TEST(Path, LargeDirectoriesAreKnownAsTheyAreNow)
+{
+    const Mounted drive;
+    const auto fill = [&] {
+        for (int i = 0; i < 300; ++i)
+            drive.Write("big/File" + std::to_string(i), "");
+        for (int i = 0; i < 3; ++i)
+            EXPECT_EQ(drive.Named("X:\\big\\NONE"), "/big/NONE");
+    };
+    fill();
+    EXPECT_EQ(drive.Named("X:\\BIG\\file299"), "/big/File299");
+    drive.Write("big/none", "");
+    EXPECT_EQ(drive.Named("X:\\big\\NONE"), "/big/none");
+    drive.Write("big/None", "");
+    EXPECT_EQ(drive.Named("X:\\big\\NONE"), "/big/None");
+    drive.MakeDir("big/noNE");
+    EXPECT_EQ(drive.Named("X:\\big\\NONE\\in"), "/big/noNE/in");
+    fs::rename(drive.Path("big/None"), drive.Path("big/zz"));
+    EXPECT_EQ(drive.Named("X:\\big\\nONE"), "/big/noNE");
+    EXPECT_EQ(drive.Named("X:\\big\\ZZ"), "/big/zz");
+    fs::remove_all(drive.Path("big"));
+    EXPECT_EQ(drive.Named("X:\\big\\ZZ"), "/big/ZZ");
+    fill();
+    for (int i = 0; i < 40'000; ++i)
+        drive.Write("big/File" + std::to_string(i % 300) + "x", ""); // more than is noticed
+    EXPECT_EQ(drive.Named("X:\\big\\FILE299X"), "/big/File299x");
+}
+
+TEST(Path, IsResolvedOnManyThreadsWhileDrivesAndDirectoriesChange)
+{
+    const Mounted drive;
+    for (int i = 0; i < 300; ++i)
+        drive.Write("big/File" + std::to_string(i), "");
+    std::atomic<bool> bStop{false};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i)
+        threads.emplace_back([&, i] {
+            while (!bStop) {
+                EXPECT_EQ(drive.Named("X:\\BIG\\file7"), "/big/File7");
+                EXPECT_EQ(drive.Named(("X:\\big\\new" + std::to_string(i)).c_str()),
+                          "/big/new" + std::to_string(i));
+                EXPECT_EQ(KXHost::FromSystemPath(drive.Path("big")), "X:\\big");
+                KXHost::ToSystemPath("relative");
+            }
+        });
+    const test::KeepDirectory keep;
+    KXHost::Drive other;
+    other.strRoot = "/other";
+    for (int i = 0; i < 200; ++i) {
+        KXHost::MountDrive('Y', other);
+        CreateDirectoryA("X:\\BIG\\dir", nullptr);
+        SetCurrentDirectoryA(i % 2 ? "X:\\big" : "X:\\");
+        RemoveDirectoryA("X:\\big\\DIR");
+        KXHost::UnmountDrive('Y');
+    }
+    bStop = true;
+    for (auto& thread : threads)
+        thread.join();
 }
 
 TEST(Path, NamesOfBothCodePagesSurviveTheRoundTrip)

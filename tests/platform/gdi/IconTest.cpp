@@ -17,39 +17,24 @@ public:
     LoadedIcon(const LoadedIcon&) = delete;
     LoadedIcon& operator=(const LoadedIcon&) = delete;
     ~LoadedIcon() { DestroyIcon(m_handle); }
-    explicit operator bool() const { return m_handle != nullptr; }
-    HICON Get() const { return m_handle; }
+    operator HICON() const { return m_handle; }
 
     std::pair<int, int> Size() const
     {
         SIZE size{};
         return GetIconSize(m_handle, &size) ? std::pair<int, int>(size.cx, size.cy) : std::pair(0, 0);
     }
-    // What it looks like on pixels of one colour, drawn from `x`, `y` on.
-    std::vector<COLORREF> On(char ground, int x = 0, int y = 0) const
+    // What it looks like on green, drawn from `x`, `y` on; black is a dot.
+    Picture OnGreen(int x = 0, int y = 0) const
     {
-        const auto [cx, cy] = Size();
-        const Paper paper(cx, cy, ground);
+        const Paper paper(Size().first, Size().second, 'G');
         EXPECT_EQ(DrawIcon(paper, x, y, m_handle), 1);
-        std::vector<COLORREF> seen;
-        for (int i = 0; i < cx * cy; ++i)
-            seen.push_back(GetPixel(paper, i % cx, i / cx));
-        return seen;
+        return paper.Read();
     }
 
 private:
     HICON m_handle;
 };
-
-// The colours of a picture, where a dot shows the green ground.
-std::vector<COLORREF> ColorsOf(const Picture& picture)
-{
-    std::vector<COLORREF> colors;
-    for (const std::string& row : picture)
-        for (const char letter : row)
-            colors.push_back(ColorOf(letter == '.' ? 'G' : letter));
-    return colors;
-}
 
 // An image of one colour.
 std::string Square(int side, DWORD depth, char letter = 'R')
@@ -60,50 +45,52 @@ std::string Square(int side, DWORD depth, char letter = 'R')
 
 TEST(Icon, EveryDepthShowsItsColorsThroughItsMask)
 {
-    const Picture picture = {"R..GB", "WYMC.", ".KKK."}, twoColors = {"KW..K", "W.W.W", ".KKK."};
+    const Picture picture = {"R..MB", "WYMC.", ".KKK."}, seen = {"RGGMB", "WYMCG", "G...G"};
     for (const DWORD depth : {4u, 8u, 16u, 24u, 32u})
-        EXPECT_EQ(LoadedIcon(Ico({IconBmp(picture, depth)})).On('G'), ColorsOf(picture)) << depth;
-    EXPECT_EQ(LoadedIcon(Ico({IconBmp(twoColors, 1, "KW")})).On('G'), ColorsOf(twoColors));
+        EXPECT_EQ(LoadedIcon(Ico({IconBmp(picture, depth)})).OnGreen(), seen) << depth;
+    EXPECT_EQ(LoadedIcon(Ico({IconBmp({"KW..K", "W.W.W"}, 1, "KW")})).OnGreen(), (Picture{".WGG.", "WGWGW"}));
 }
 
 TEST(Icon, AnAlphaChannelCountsInPlaceOfTheMask)
 {
-    Bmp bmp = ToBmp({"RR", "RR"}, 32); // the lower row comes first
-    bmp.height = 4;
-    for (const auto& [at, alpha] : {std::pair(3u, 0), {7u, 255}, {11u, 128}, {15u, 1}})
-        bmp.pixels[at] = static_cast<char>(alpha);
-    const std::vector<COLORREF> expected = {0x007F80, 0x00FE01, 0x00FF00, 0x0000FF};
-    for (const char mask : {'\0', '\xFF'})
-        EXPECT_EQ(LoadedIcon(Ico({bmp.Dib() + std::string(8, mask)})).On('G'), expected);
-    EXPECT_EQ(LoadedIcon(Ico({bmp.Dib()})).On('G'), expected) << "the mask may be missing";
+    Bmp bmp = ToBmp({"RR"}, 32);
+    bmp.height = 2;
+    bmp.pixels[3] = '\x80', bmp.pixels[7] = '\x01';
+    for (const std::string& mask : {std::string(4, '\0'), std::string(4, '\xFF'), ""s}) { // it may be missing
+        const LoadedIcon icon(Ico({bmp.Dib() + mask}));
+        const Paper paper(2, 1, 'G');
+        DrawIcon(paper, 0, 0, icon);
+        EXPECT_EQ(GetPixel(paper, 0, 0), 0x007F80u);
+        EXPECT_EQ(GetPixel(paper, 1, 0), 0x00FE01u);
+    }
 }
 
 TEST(Icon, PngEntries)
 {
-    const std::string palette = PngChunk("PLTE", "\xFF\0\0\0\0\xFF"s) + PngChunk("tRNS", "\x80");
-    const std::string text = PngChunk("tEXt", "Comment\0words"s);
+    const std::string palette = PngChunk("PLTE", "\xFF\0\0\0\0\xFF"s) + PngChunk("tRNS", "\0"s);
     const struct
     {
         const char* name;
         std::string image;
-        std::vector<COLORREF> seen;
+        Picture seen;
     } cases[] = {
-        {"RGB with alpha", Png(2, 1, 8, 6, "\0\xFF\0\0\xFF\0\0\xFF\x80"s), {0x0000FF, 0x807F00}},
-        {"RGB", Png(1, 2, 8, 2, "\0\xFF\0\0\0\x01\x02\x03"s), {0x0000FF, 0x030201}},
-        {"palette", Png(2, 1, 8, 3, "\0\0\1"s, palette), {0x007F80, 0xFF0000}},
-        {"four bits of grey", Png(2, 1, 4, 0, "\0\x5F"s, text), {0x555555, 0xFFFFFF}},
-        {"16 bits of grey with alpha", Png(1, 1, 16, 4, "\0\x40\x40\0\0"s), {0x00FF00}},
+        {"RGB with alpha", Png(2, 1, 8, 6, "\0\xFF\0\0\xFF\0\0\xFF\0"s), {"RG"}},
+        {"in two passes", Png(2, 1, 8, 6, "\0\xFF\0\0\xFF\0\0\0\xFF\xFF"s, "", 1), {"RB"}},
+        {"RGB", Png(1, 2, 8, 2, "\0\xFF\0\0\0\0\xFF\xFF"s), {"R", "C"}},
+        {"a palette with a transparent entry", Png(2, 1, 8, 3, "\0\0\1"s, palette), {"GB"}},
+        {"four bits of grey", Png(2, 1, 4, 0, "\0\x0F"s, PngChunk("tEXt", "Comment\0words"s)), {".W"}},
+        {"16 bits of grey with alpha", Png(1, 1, 16, 4, "\0\xFF\x90\xFF\x90"s), {"W"}},
     };
     for (const auto& one : cases) {
-        EXPECT_EQ(LoadedIcon(Ico({one.image})).On('G'), one.seen) << one.name;
+        EXPECT_EQ(LoadedIcon(Ico({one.image})).OnGreen(), one.seen) << one.name;
         ForEachCut(one.image,
                    [&](const std::string& cut) { EXPECT_FALSE(LoadedIcon(Ico({cut}))) << one.name; });
     }
-    for (const std::string& large :
+    EXPECT_EQ(LoadedIcon(Ico({Png(1024, 1, 1, 0, std::string(129, '\0'))})).Size(), std::pair(1024, 1));
+    for (const std::string& image :
          {Png(1025, 1, 1, 0, std::string(130, '\0')), Png(1, 1025, 1, 0, std::string(2050, '\0')),
           Png(0, 1, 1, 0, "\0"s), Png(0xFFFFFFFF, 0xFFFFFFFF, 8, 6, "\0"s)})
-        EXPECT_FALSE(LoadedIcon(Ico({large})));
-    EXPECT_EQ(LoadedIcon(Ico({Png(1024, 1, 1, 0, std::string(129, '\0'))})).Size(), std::pair(1024, 1));
+        EXPECT_FALSE(LoadedIcon(Ico({image})));
 }
 
 TEST(Icon, TheNearestEntryIsTaken)
@@ -131,7 +118,7 @@ TEST(Icon, TheNearestEntryIsTaken)
     for (const auto& one : cases)
         EXPECT_EQ(LoadedIcon(Ico(one.images), one.cx, one.cy).Size(), one.size) << one.cx << " by " << one.cy;
     for (const auto& images : {std::vector{sixteen, best16}, {best16, sixteen}})
-        EXPECT_EQ(LoadedIcon(Ico(images), 16, 16).On('G').front(), 0xFF0000u) << "the greater depth";
+        EXPECT_EQ(LoadedIcon(Ico(images), 16, 16).OnGreen().front().front(), 'B') << "the greater depth";
 }
 
 TEST(Icon, EntriesBeyondTheFileAreLeftOut)
@@ -164,19 +151,17 @@ TEST(Icon, CutsGiveNullAndOtherDamageDoesNoHarm)
     for (const std::string& file : {Ico({image, IconBmp({"R."}, 32)}), Ico({Png(2, 1, 8, 6, "\0abcdefgh"s)})})
         ForEachLie(file, [](const std::string& broken) {
             const LoadedIcon icon(broken, 16, 16);
-            if (icon) {
-                EXPECT_LE(icon.On('G').size(), 1u << 20);
-            }
+            EXPECT_EQ(DrawIcon(Paper(2, 2), 0, 0, icon), icon ? 1 : 0);
         });
 }
 
 TEST(Icon, DrawingClips)
 {
-    const LoadedIcon icon(Ico({IconBmp({"RG", "BW"}, 24)}));
-    EXPECT_EQ(icon.On('G', 1, 1), ColorsOf({"..", ".R"}));
-    EXPECT_EQ(icon.On('G', -1, 0), ColorsOf({"G.", "W."}));
+    const LoadedIcon icon(Ico({IconBmp({"RM", "BW"}, 24)}));
+    EXPECT_EQ(icon.OnGreen(1, 1), (Picture{"GG", "GR"}));
+    EXPECT_EQ(icon.OnGreen(-1, 0), (Picture{"MG", "WG"}));
     for (const int far : {2, -2, INT32_MAX, INT32_MIN})
-        EXPECT_EQ(icon.On('G', far, far), ColorsOf({"..", ".."})) << far;
+        EXPECT_EQ(icon.OnGreen(far, far), (Picture{"GG", "GG"})) << far;
 }
 
 TEST(Icon, HandlesEndOnceAndAreNoOthers)

@@ -9,6 +9,8 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
+#include <time.h>
 
 namespace test {
 
@@ -49,5 +51,17 @@ public:
 private:
     TempDir m_dir;
 };
+
+// Waits until the clock's tick of the file's last change is well over, so that it may be known by its stamp.
+inline void LetSettle(const std::string& path)
+{
+    const auto nanoseconds = [](const timespec& time) { return time.tv_sec * 1'000'000'000 + time.tv_nsec; };
+    struct stat status
+    {
+    };
+    stat(path.c_str(), &status);
+    for (timespec now{}; nanoseconds(now) - nanoseconds(status.st_ctim) < 50'000'000;)
+        clock_gettime(CLOCK_REALTIME, &now);
+}
 
 } // namespace test

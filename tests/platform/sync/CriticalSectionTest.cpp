@@ -38,7 +38,7 @@ TEST(CriticalSection, OwnerTakesItAgainAndLeavesItAsOften)
 
 TEST(CriticalSection, ExcludesManyThreads)
 {
-    constexpr int kThreads = 6, kRounds = 5000;
+    constexpr int kThreads = 6, kRounds = 2000;
     Section section;
     long nCount = 0; // no atomic: the lock alone keeps it
     test::RunThreads(kThreads, [&](int t) {

@@ -108,7 +108,7 @@ TEST(Event, ManualSignalReleasesAll)
 // Signals and time-outs that meet: each signal ends exactly one wait.
 TEST(Event, NoSignalIsLostOrCountedTwice)
 {
-    constexpr int kSignals = 1500;
+    constexpr int kSignals = 400;
     const test::VirtualClock clock;
     const Event event(false);
     std::atomic<int> nTaken{0};
@@ -132,7 +132,7 @@ TEST(Event, NoSignalIsLostOrCountedTwice)
 // The waiter closes the event as soon as it is released, while SetEvent may still run.
 TEST(Event, ReleasedThreadMayCloseIt)
 {
-    constexpr int kRounds = 3000;
+    constexpr int kRounds = 600;
     const int nLive = KXHost::LiveHandles();
     std::atomic<HANDLE> handed{nullptr};
     test::RunThreads(2, [&](int t) {

@@ -11,14 +11,16 @@ namespace {
 std::u16string Wide(UINT page, std::string_view bytes)
 {
     std::array<WCHAR, 64> units{};
-    const int n = MultiByteToWideChar(page, 0, bytes.data(), static_cast<int>(bytes.size()), units.data(), 64);
+    const int n =
+        MultiByteToWideChar(page, 0, bytes.data(), static_cast<int>(bytes.size()), units.data(), 64);
     return {units.data(), static_cast<std::size_t>(n)};
 }
 
 std::string Narrow(UINT page, std::u16string_view units)
 {
     std::array<char, 64> bytes{};
-    const int n = WideCharToMultiByte(page, 0, units.data(), static_cast<int>(units.size()), bytes.data(), 64);
+    const int n =
+        WideCharToMultiByte(page, 0, units.data(), static_cast<int>(units.size()), bytes.data(), 64);
     return {bytes.data(), static_cast<std::size_t>(n)};
 }
 
@@ -34,7 +36,9 @@ TEST(CodePage, ConvertsBothWays)
 
 TEST(CodePage, BytesThatAreNoTextAreReplaced)
 {
-    EXPECT_EQ(Wide(CP_GBK, "a\xFF" "b"), u"a\uFFFDb");
+    EXPECT_EQ(Wide(CP_GBK, "a\xFF"
+                           "b"),
+              u"a\uFFFDb");
     EXPECT_EQ(Wide(CP_UTF8, "\xE4\xB8"), u"\uFFFD\uFFFD");
     EXPECT_EQ(Narrow(CP_UTF8, std::u16string(1, char16_t{0xD800}) + u"x"), "?x");
 }

@@ -75,9 +75,12 @@ TEST(String, SearchesNeverMatchATrailByte)
     EXPECT_EQ(str.Find('\\', 3), 5);
     EXPECT_EQ(str.ReverseFind('\\'), 5);
     EXPECT_EQ(CString("\x95\x5C").ReverseFind('\\'), -1);
-    EXPECT_EQ(CString("\xB0\x41" "A").Find("A"), 2);
-    EXPECT_EQ(CString("\x5C\x95").Find('\\'), 0);      // a stray lead byte behind it
-    EXPECT_EQ(CString("\xB0\xB0\x5C").Find('\\'), 2);  // behind a whole letter
+    EXPECT_EQ(CString("\xB0\x41"
+                      "A")
+                  .Find("A"),
+              2);
+    EXPECT_EQ(CString("\x5C\x95").Find('\\'), 0);     // a stray lead byte behind it
+    EXPECT_EQ(CString("\xB0\xB0\x5C").Find('\\'), 2); // behind a whole letter
     EXPECT_EQ(str.Find('a', 99), -1);
     EXPECT_EQ(str.Find("", 3), 3);
 

@@ -32,7 +32,7 @@ TEST(Send, RunsOnTheOwnersThread)
     EXPECT_EQ(SendMessageA(own, kAsk, 5, INTPTR_MIN), GetCurrentThreadId() + (5LL << 32) + 1);
 
     Sender sender(own, kPing);
-    sender.AwaitWaiting();
+    test::InThread([&] { sender.AwaitWaiting(); }); // this thread would serve it in the wait
     MSG msg;
     EXPECT_FALSE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)); // serves all the same
     EXPECT_EQ(sender.Join(), 1);

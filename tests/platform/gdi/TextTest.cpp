@@ -1,0 +1,186 @@
+#include "include/platform/Gdi.h"
+#include "tests/support/Host.h"
+#include "tests/support/Picture.h"
+
+#include <climits>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+// A white surface with a font of a face and height selected.
+class Text : public testing::Test
+{
+protected:
+    Text() { Use("DejaVu Sans", 20); }
+    ~Text() override
+    {
+        SelectObject(paper, GetStockObject(SYSTEM_FONT));
+        DeleteObject(font);
+    }
+
+    void Use(const char* pszFace, int nHeight, int nWeight = FW_NORMAL)
+    {
+        LOGFONTA log{};
+        log.lfHeight = nHeight;
+        log.lfWeight = nWeight;
+        std::strncpy(log.lfFaceName, pszFace, sizeof(log.lfFaceName) - 1);
+        const HFONT made = CreateFontIndirectA(&log);
+        SelectObject(paper, made);
+        DeleteObject(font);
+        font = made;
+    }
+    int WidthOf(const std::string& text)
+    {
+        RECT rect{0, 0, 1, 1};
+        DrawTextA(paper, text.data(), static_cast<int>(text.size()), &rect,
+                  DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
+        return rect.right;
+    }
+    // The box of what isn't white.
+    RECT Ink()
+    {
+        RECT ink{INT_MAX, INT_MAX, INT_MIN, INT_MIN};
+        for (int y = 0; y < 60; ++y)
+            for (int x = 0; x < 200; ++x)
+                if (GetPixel(paper, x, y) != 0xFFFFFF)
+                    ink = {std::min<LONG>(ink.left, x), std::min<LONG>(ink.top, y),
+                           std::max<LONG>(ink.right, x + 1), std::max<LONG>(ink.bottom, y + 1)};
+        return ink;
+    }
+    RECT Draw(const char* psz, UINT nFormat, RECT rect = {0, 0, 200, 60})
+    {
+        const RECT all{0, 0, 200, 60};
+        FillRect(paper, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+        DrawTextA(paper, psz, -1, &rect, nFormat);
+        return Ink();
+    }
+
+    test::Paper paper{200, 60, 'W'};
+    HFONT font = nullptr;
+};
+
+TEST_F(Text, ALineIsAsLongAsItsLetters)
+{
+    for (const char* psz : {"A", "WAVE", "a b", "\xD6\xD0\xCE\xC4", "mixed \xD6\xD0"}) {
+        const std::string text = psz;
+        int sum = 0;
+        for (std::size_t n = 0; n < text.size(); ++n) {
+            const std::size_t length = IsDBCSLeadByte(static_cast<BYTE>(text[n])) ? 2 : 1;
+            sum += WidthOf(text.substr(n, length));
+            n += length - 1;
+        }
+        EXPECT_EQ(WidthOf(text), sum) << text;
+        EXPECT_GT(sum, 0);
+        SIZE size;
+        EXPECT_NE(GetTextExtentPoint32A(paper, psz, static_cast<int>(text.size()), &size), 0);
+        EXPECT_EQ(size.cx, sum);
+        EXPECT_EQ(size.cy, 20); // the cell's height, as asked
+    }
+}
+
+TEST_F(Text, StandsWhereTheFlagsSay)
+{
+    const int nWidth = WidthOf("HH");
+    const RECT left = Draw("HH", DT_SINGLELINE);
+    const RECT right = Draw("HH", DT_SINGLELINE | DT_RIGHT);
+    const RECT centre = Draw("HH", DT_SINGLELINE | DT_CENTER | DT_VCENTER);
+    EXPECT_EQ(right.left - left.left, 200 - nWidth);
+    EXPECT_EQ(centre.left - left.left, (200 - nWidth) / 2);
+    EXPECT_EQ(centre.top - left.top, (60 - 20) / 2);
+    EXPECT_EQ(Draw("HH", DT_SINGLELINE | DT_BOTTOM).top - left.top, 40);
+    EXPECT_EQ(Draw("HH", DT_VCENTER).top, left.top); // counts with DT_SINGLELINE alone
+    EXPECT_GE(Draw("H\nH", 0).bottom - left.top, 20);
+    EXPECT_EQ(Draw("H\r\nH", DT_SINGLELINE).bottom, left.bottom);
+}
+
+TEST_F(Text, IsClippedToItsRectangle)
+{
+    const RECT room{10, 5, 30, 15};
+    const RECT ink = Draw("WWWWWWWW", DT_SINGLELINE, room);
+    EXPECT_GE(ink.left, room.left);
+    EXPECT_GE(ink.top, room.top);
+    EXPECT_EQ(ink.right, room.right);
+    EXPECT_LE(ink.bottom, room.bottom);
+    EXPECT_GT(Draw("WWWWWWWW", DT_SINGLELINE | DT_NOCLIP, room).right, room.right);
+}
+
+TEST_F(Text, MeasuresLinesAndWraps)
+{
+    RECT rect{5, 6, 7, 8};
+    EXPECT_EQ(DrawTextA(paper, "ab\r\nabcd\nc", -1, &rect, DT_CALCRECT), 60);
+    EXPECT_EQ(rect, CRect(5, 6, 5 + WidthOf("abcd"), 66));
+    rect = {0, 0, static_cast<LONG>(WidthOf("one two")), 1};
+    EXPECT_EQ(DrawTextA(paper, "one two three", -1, &rect, DT_CALCRECT | DT_WORDBREAK), 40);
+    rect = {0, 0, 1, 1};
+    EXPECT_EQ(DrawTextA(paper, "abc", -1, &rect, DT_CALCRECT | DT_WORDBREAK), 60); // a letter a line at least
+    EXPECT_EQ(WidthOf(""), 0);
+}
+
+TEST_F(Text, PrefixesUnderlineALetter)
+{
+    RECT plain{};
+    RECT marked{};
+    DrawTextA(paper, "AB", -1, &plain, DT_CALCRECT | DT_SINGLELINE);
+    DrawTextA(paper, "&AB", -1, &marked, DT_CALCRECT | DT_SINGLELINE);
+    EXPECT_EQ(marked, plain);
+    EXPECT_GT(Draw("&AB", DT_SINGLELINE).bottom, Draw("AB", DT_SINGLELINE).bottom);
+    EXPECT_EQ(WidthOf("a&&b"), WidthOf("a") + WidthOf("b") + 2 * WidthOf("&"));
+}
+
+TEST_F(Text, ColoursAndBackground)
+{
+    SetTextColor(paper, test::ColorOf('R'));
+    SetBkColor(paper, test::ColorOf('B'));
+    Draw("H", DT_SINGLELINE);
+    EXPECT_EQ(test::LetterOf(GetPixel(paper, 0, 1)), 'B'); // OPAQUE: the cell is filled
+    SetBkMode(paper, TRANSPARENT);
+    Draw("H", DT_SINGLELINE);
+    EXPECT_EQ(test::LetterOf(GetPixel(paper, 0, 1)), 'W');
+    Use("DejaVu Sans", 40);
+    Draw("H", DT_SINGLELINE);
+    int nRed = 0;
+    for (int x = 0; x < 40; ++x)
+        nRed += test::LetterOf(GetPixel(paper, x, 20)) == 'R';
+    EXPECT_GT(nRed, 2);
+}
+
+TEST_F(Text, UnknownFacesAndSizesFallBack)
+{
+    Use("No Such Face", -16);
+    EXPECT_GT(WidthOf("A"), 0);
+    EXPECT_GT(WidthOf("\xD6\xD0"), 8); // a Chinese letter from whatever face has it
+    Use("\xCB\xCE\xCC\xE5", 0);        // a Chinese face name; the default size
+    EXPECT_GT(WidthOf("A"), 0);
+    const int nNormal = WidthOf("W");
+    Use("DejaVu Sans", INT_MAX, FW_BOLD);
+    EXPECT_GT(WidthOf("W"), nNormal);
+    EXPECT_GT(WidthOf(std::string("\xFF\xFE\x81", 3)), 0); // no text: signs for it
+    for (const int nHeight : {INT_MIN, -1, 1}) {
+        Use("DejaVu Sans", nHeight);
+        Draw("Some text", DT_SINGLELINE | DT_CENTER);
+    }
+}
+
+TEST_F(Text, BadArgumentsDrawNothing)
+{
+    const test::NoLeak noLeak;
+    RECT rect{};
+    SIZE size;
+    TEXTMETRICA metrics;
+    EXPECT_EQ(DrawTextA(nullptr, "a", 1, &rect, 0), 0);
+    EXPECT_EQ(DrawTextA(paper, nullptr, 1, &rect, 0), 0);
+    EXPECT_EQ(DrawTextA(paper, "a", 1, nullptr, 0), 0);
+    EXPECT_EQ(GetTextExtentPoint32A(paper, "a", 1, nullptr), 0);
+    EXPECT_EQ(GetTextExtentPoint32A(nullptr, "a", 1, &size), 0);
+    EXPECT_EQ(GetTextMetricsA(nullptr, &metrics), 0);
+    EXPECT_EQ(CreateFontIndirectA(nullptr), nullptr);
+    EXPECT_EQ(TextOutA(paper, INT_MAX, INT_MIN, "a", 1), 1);
+    RECT far{INT_MIN, INT_MIN, INT_MAX, INT_MAX};
+    DrawTextA(paper, "a", 1, &far, DT_SINGLELINE | DT_CENTER | DT_VCENTER);
+    EXPECT_NE(GetTextMetricsA(paper, &metrics), 0);
+    EXPECT_EQ(metrics.tmHeight, metrics.tmAscent + metrics.tmDescent);
+}
+
+} // namespace
