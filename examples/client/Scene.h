@@ -15,6 +15,7 @@ struct Scene
 
 bool ShowPaths();
 bool ShowLanguages();
+bool ShowDrawing();
 bool ShowLog();
 
 // A text of the library, which is in the process's code page, as the terminal's UTF-8.

@@ -15,6 +15,7 @@ int main()
     constexpr client::Scene scenes[] = {
         {"Paths and files", client::ShowPaths},
         {"Languages", client::ShowLanguages},
+        {"Drawing", client::ShowDrawing},
         {"Log", client::ShowLog},
     };
     int nFailed = 0;

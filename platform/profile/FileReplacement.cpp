@@ -70,9 +70,7 @@ DWORD FileReplacement::Begin(const std::string& path, mode_t mode)
     if (NameBegin(m_target) == m_target.size()) return ERROR_ACCESS_DENIED;
     m_name = LockName(m_target);
 
-    struct stat old
-    {
-    };
+    struct stat old = {};
     if (stat(m_target.c_str(), &old) == 0) {
         if (!S_ISREG(old.st_mode)) return ERROR_ACCESS_DENIED;
         if (faccessat(AT_FDCWD, m_target.c_str(), W_OK, AT_EACCESS) != 0) return ErrorFromErrno(errno);
@@ -95,12 +93,8 @@ FileReplacement::Turn FileReplacement::TryBegin(mode_t mode)
     if (RetryEintr([&] { return flock(m_lock.Get(), LOCK_EX); }) != 0) return Turn::Failed;
 
     // While we waited, the file may have taken its target's place or have been removed.
-    struct stat held
-    {
-    };
-    struct stat named
-    {
-    };
+    struct stat held = {};
+    struct stat named = {};
     if (fstat(m_lock.Get(), &held) != 0) return Turn::Failed;
     if (lstat(m_name.c_str(), &named) != 0) return errno == ENOENT ? Turn::Again : Turn::Failed;
     if (held.st_dev != named.st_dev || held.st_ino != named.st_ino) return Turn::Again;
@@ -123,12 +117,8 @@ FileReplacement::Turn FileReplacement::Retry() noexcept
 // Where the group can't be kept, its members get no more than everyone.
 void FileReplacement::PassOnStatus()
 {
-    struct stat old
-    {
-    };
-    struct stat made
-    {
-    };
+    struct stat old = {};
+    struct stat made = {};
     if (stat(m_target.c_str(), &old) != 0 || fstat(m_lock.Get(), &made) != 0) return;
     mode_t mode = old.st_mode & 07777;
     if (made.st_uid != old.st_uid && fchown(m_lock.Get(), old.st_uid, old.st_gid) == 0)

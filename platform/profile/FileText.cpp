@@ -35,9 +35,7 @@ DWORD ReadAll(int fd, std::size_t size, std::string& text)
 DWORD ReadFileText(const std::string& path, FileText& file)
 {
     const timespec now = FileTime();
-    struct stat status
-    {
-    };
+    struct stat status = {};
     if (stat(path.c_str(), &status) != 0) return ErrorFromErrno(errno);
     if (const DWORD error = CheckReadable(status)) return error;
 

@@ -10,7 +10,6 @@
 namespace {
 
 using kx::window::Desktop;
-using kx::window::Filter;
 using kx::window::Queue;
 using kx::window::SentMessage;
 using kx::window::Window;

@@ -56,9 +56,7 @@ private:
 inline void LetSettle(const std::string& path)
 {
     const auto nanoseconds = [](const timespec& time) { return time.tv_sec * 1'000'000'000 + time.tv_nsec; };
-    struct stat status
-    {
-    };
+    struct stat status = {};
     stat(path.c_str(), &status);
     for (timespec now{}; nanoseconds(now) - nanoseconds(status.st_ctim) < 50'000'000;)
         clock_gettime(CLOCK_REALTIME, &now);

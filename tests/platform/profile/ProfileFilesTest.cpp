@@ -16,9 +16,7 @@ constexpr char kLeftover[] = ".test.ini.kxnew";
 
 mode_t ModeOf(const std::string& path)
 {
-    struct stat status
-    {
-    };
+    struct stat status = {};
     EXPECT_EQ(stat(path.c_str(), &status), 0);
     return status.st_mode & 07777;
 }

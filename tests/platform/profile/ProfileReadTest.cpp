@@ -116,9 +116,7 @@ TEST(ProfileRead, SeesAChangeThatHidesItself)
     const kx::UniqueFd fd(open(ini.Path().c_str(), O_WRONLY | O_CLOEXEC));
     test::LetSettle(ini.Path());
     EXPECT_EQ(ini.Get("S", "k"), "0000");
-    struct stat status
-    {
-    };
+    struct stat status = {};
     ASSERT_EQ(fstat(fd.Get(), &status), 0);
     const timespec old[] = {status.st_atim, status.st_mtim};
     ASSERT_EQ(pwrite(fd.Get(), "1111", 4, 6), 4);

@@ -196,9 +196,7 @@ TEST_F(Registry, TheFileIsAllThatLasts)
 {
     Set(Create("Software\\A b"), "Language", {"zh\0", 3}, REG_SZ);
     EXPECT_EQ(m_dir.Read("registry.ini"), "[Software]\r\n[Software\\A%20b]\r\nLanguage=1:zh%00\r\n");
-    struct stat status
-    {
-    };
+    struct stat status = {};
     EXPECT_EQ(stat(m_dir.Path("registry.ini").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0600u);
 
@@ -226,9 +224,7 @@ TEST_F(Registry, LiesInTheUsersConfigurationMadeAtTheFirstWrite)
         EXPECT_EQ(Open("k", KEY_READ), nullptr);
         EXPECT_FALSE(m_dir.Exists(pszDirectory));
         EXPECT_NE(Create("k"), nullptr);
-        struct stat status
-        {
-        };
+        struct stat status = {};
         EXPECT_EQ(stat(m_dir.Path(pszDirectory).c_str(), &status), 0);
         EXPECT_EQ(status.st_mode & 07777, 0700u);
         EXPECT_TRUE(m_dir.Exists(std::string(pszDirectory) + "/registry.ini"));

@@ -8,7 +8,6 @@
 #include <pthread.h>
 #include <random>
 #include <stdexcept>
-#include <string>
 #include <vector>
 
 using test::Handler;
@@ -100,36 +99,19 @@ TEST(Send, IsAnsweredHoweverTheProcedureEnds)
     {
         LRESULT (*act)(HWND);
         LRESULT expected;
-        const char* outcome;
+        int thrown;
     };
     const Case cases[] = {
-        {[](HWND h) { return LRESULT{DestroyWindow(h)} + 6; }, 7, "went on"},
-        {[](HWND) -> LRESULT { throw std::runtime_error("no"); }, 0, "threw"},
-        {[](HWND) -> LRESULT { pthread_exit(nullptr); }, 0, "ended"},
+        {[](HWND h) { return LRESULT{DestroyWindow(h)} + 6; }, 7, 0},
+        {[](HWND) -> LRESULT { throw std::runtime_error("no"); }, 0, 1},
+        {[](HWND) -> LRESULT { pthread_exit(nullptr); }, 0, 0},
     };
     for (const Case& c : cases) {
-        std::binary_semaphore made{0};
-        HWND hWnd = nullptr;
-        std::string outcome = "ended";
-        const Handler handler = test::On(kAsk, [&](HWND h, WPARAM) { return c.act(h); });
-        std::thread owner([&] {
-            hWnd = Make(&handler);
-            made.release();
-            MSG msg;
-            try {
-                EXPECT_EQ(GetMessageA(&msg, nullptr, 0, 0), 0);
-                outcome = "went on";
-            } catch (const std::runtime_error&) {
-                outcome = "threw";
-            }
-        });
-        made.acquire();
-        const DWORD dwOwner = GetWindowThreadProcessId(hWnd, nullptr);
-        EXPECT_EQ(SendMessageA(hWnd, kAsk, 0, 0), c.expected);
-        PostThreadMessageA(dwOwner, WM_QUIT, 0, 0);
-        owner.join();
-        EXPECT_EQ(outcome, c.outcome);
-        EXPECT_FALSE(IsWindow(hWnd));
+        WindowThread thread(test::On(kAsk, [&](HWND h, WPARAM) { return c.act(h); }));
+        EXPECT_EQ(SendMessageA(thread.Window(), kAsk, 0, 0), c.expected);
+        thread.Join();
+        EXPECT_EQ(thread.Thrown(), c.thrown); // out of the thread's GetMessageA
+        EXPECT_FALSE(IsWindow(thread.Window()));
     }
 }
 

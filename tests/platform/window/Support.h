@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <semaphore>
+#include <stdexcept>
 #include <thread>
 
 namespace test {
@@ -55,11 +56,11 @@ class WindowThread
 public:
     explicit WindowThread(Handler handler = On(0, {}))
         : m_handler(std::move(handler)), m_thread([this] {
+              m_id = GetCurrentThreadId();
               m_window = Make(&m_handler);
               m_ready.release();
-              MSG msg;
-              while (GetMessageA(&msg, nullptr, 0, 0) != 0)
-                  DispatchMessageA(&msg);
+              while (Serve()) {
+              }
           })
     {
         m_ready.acquire();
@@ -69,18 +70,34 @@ public:
     ~WindowThread() { Join(); }
 
     HWND Window() const { return m_window; }
-    DWORD Id() const { return GetWindowThreadProcessId(m_window, nullptr); }
+    DWORD Id() const { return m_id; }
+    // How often its procedure threw; after Join.
+    int Thrown() const { return m_thrown; }
     void Join()
     {
         if (!m_thread.joinable()) return;
-        PostThreadMessageA(Id(), WM_QUIT, 0, 0);
+        PostThreadMessageA(m_id, WM_QUIT, 0, 0);
         m_thread.join();
     }
 
 private:
+    bool Serve()
+    {
+        try {
+            MSG msg;
+            if (GetMessageA(&msg, nullptr, 0, 0) == 0) return false;
+            DispatchMessageA(&msg);
+        } catch (const std::runtime_error&) {
+            ++m_thrown;
+        }
+        return true;
+    }
+
     const Handler m_handler;
     std::binary_semaphore m_ready{0};
     HWND m_window = nullptr;
+    DWORD m_id = 0;
+    int m_thrown = 0;
     std::thread m_thread;
 };
 
