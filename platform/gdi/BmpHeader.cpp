@@ -39,7 +39,6 @@ bool ParseMasks(FileBytes dib, DWORD nSize, DWORD nCompression, BmpHeader& heade
     if (header.nDepth != 16 && header.nDepth != 32) return false;
     const std::size_t nOwn = nCompression == kAlphaBitfields ? 16 : 12;
     const std::size_t nEnd = std::max(std::size_t{nSize}, kInfoSize + nOwn);
-    if (dib.size() < nEnd) return false;
     header.masks = {U32(dib, 40), U32(dib, 44), U32(dib, 48), nEnd >= 56 ? U32(dib, 52) : 0};
     header.nPaletteAt = nEnd;
     return true;

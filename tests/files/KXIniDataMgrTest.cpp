@@ -2,6 +2,7 @@
 
 #include "tests/support/TempDir.h"
 
+#include <initializer_list>
 #include <cfloat>
 #include <climits>
 #include <cmath>
@@ -33,7 +34,7 @@ protected:
 
 TEST_F(KXIniDataMgr, DefaultsStandInForWhatIsMissingOrEmpty)
 {
-    for (const char* value : {"", "\"\"", nullptr}) {
+    for (const char* value : std::initializer_list<const char*>{"", "\"\"", nullptr}) {
         if (value)
             Hold(value);
         else

@@ -140,9 +140,9 @@ TEST(Copy, RefusalsLeaveBothFiles)
         {"X:\\from", "X:\\pipe", 0, ERROR_ACCESS_DENIED},
         {"C:\\dev\\zero", "X:\\new", 0, ERROR_ACCESS_DENIED},
     };
-    for (const auto& fact : facts)
-        EXPECT_EQ(Outcome(CopyFileA(fact.from, fact.to, fact.bFailIfExists)), fact.error)
-            << fact.from << fact.to;
+    for (const auto& [from, to, bFailIfExists, error] : facts)
+        EXPECT_EQ(Outcome(CopyFileA(from, to, bFailIfExists)), error)
+            << from << to;
     for (const char* file : {"from", "to", "locked", "open"})
         EXPECT_EQ(drive.Read(file), file);
     EXPECT_EQ(Entries(drive.Path()), nEntries);

@@ -114,8 +114,8 @@ TEST(File, FailuresToOpenTellTheCause)
         {"X:\\file", 3, CFileException::badPath},
         {"X:\\file", CFile::modeRead | CFile::typeText | CFile::modeNoInherit, CFileException::none},
     };
-    for (const auto& fact : facts)
-        EXPECT_EQ(OpenCause(fact.path, fact.flags), fact.cause) << fact.path;
+    for (const auto& [path, flags, cause] : facts)
+        EXPECT_EQ(OpenCause(path, flags), cause) << path;
     EXPECT_EQ(drive.Read("file"), "content");
 }
 

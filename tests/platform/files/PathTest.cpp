@@ -49,8 +49,8 @@ TEST(Path, IsTakenApartInItsText)
         {"X:\\a:b", "/a:b"},
         {"X:\\a*b?", "/a*b?"},
     };
-    for (const auto& fact : facts)
-        EXPECT_EQ(drive.Named(fact.path), fact.named) << fact.path;
+    for (const auto& [path, named] : facts)
+        EXPECT_EQ(drive.Named(path), named) << path;
 }
 
 TEST(Path, RelativeOnesBeginInTheCurrentDirectoryAndItsDrive)
@@ -69,8 +69,8 @@ TEST(Path, RelativeOnesBeginInTheCurrentDirectoryAndItsDrive)
         {"X:a", "/work/deep/a"},     {"X:", "/work/deep"}, {"..\\DEEP", "/work/deep"},
         {"\\\\host\\a", "/host/a"},
     };
-    for (const auto& fact : facts)
-        EXPECT_EQ(drive.Named(fact.path), fact.named) << fact.path;
+    for (const auto& [path, named] : facts)
+        EXPECT_EQ(drive.Named(path), named) << path;
     EXPECT_EQ(KXHost::ToSystemPath("C:a"), "/a"); // another drive has no current directory of its own
     EXPECT_EQ(drive.Named("C:\\.."), "?");
 
@@ -134,10 +134,10 @@ TEST(Path, ExactNameWinsElseTheLowestIgnoringCase)
     };
     for (const UINT page : {CP_GBK, CP_UTF8}) {
         const test::CodePage scope(page);
-        for (const auto& fact : facts) {
-            std::string relative = fact.path + 3;
+        for (const auto& [path, named] : facts) {
+            std::string relative = path + 3;
             std::replace(relative.begin(), relative.end(), '\\', '/');
-            EXPECT_EQ(drive.Named(drive.Of(relative)), fact.named) << fact.path;
+            EXPECT_EQ(drive.Named(drive.Of(relative)), named) << path;
         }
     }
     drive.Write("two/a/x", "");
@@ -265,8 +265,8 @@ TEST(Path, WhatNamesNothingFailsAlikeEverywhere)
         {huge.c_str(), ERROR_FILENAME_EXCED_RANGE},
     };
     WIN32_FIND_DATAA data;
-    for (const auto& fact : facts) {
-        const char* path = fact.path;
+    for (const auto& [path, error] : facts) {
+        const char* path = path;
         const std::function<bool()> operations[] = {
             [&] { return !KXHost::ToSystemPath(path).empty(); },
             [&] { return PathFileExistsA(path) != 0; },
@@ -280,9 +280,9 @@ TEST(Path, WhatNamesNothingFailsAlikeEverywhere)
             [&] { return CFile().Open(path, CFile::modeRead) != 0; },
         };
         for (const auto& operation : operations)
-            EXPECT_EQ(ErrorOf([&] { EXPECT_FALSE(operation()); }), fact.error) << (path ? path : "null");
+            EXPECT_EQ(ErrorOf([&] { EXPECT_FALSE(operation()); }), error) << (path ? path : "null");
         drive.Write("source", "");
-        EXPECT_EQ(ErrorOf([&] { EXPECT_FALSE(CopyFileA("X:\\source", path, 0)); }), fact.error);
+        EXPECT_EQ(ErrorOf([&] { EXPECT_FALSE(CopyFileA("X:\\source", path, 0)); }), error);
     }
     EXPECT_EQ(drive.Named(longest.c_str()).size(), 257u);
 }

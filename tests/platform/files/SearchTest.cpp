@@ -91,8 +91,8 @@ TEST(Search, WildcardsStandForCharacters)
         {"*z*", {"a.tar.gz"}},
         {"*" + std::string(120, '*') + "q" + std::string(120, '*'), {}},
     };
-    for (const auto& fact : facts)
-        EXPECT_EQ(Find(("X:\\" + fact.pattern).c_str()), fact.names) << fact.pattern;
+    for (const auto& [pattern, names] : facts)
+        EXPECT_EQ(Find(("X:\\" + pattern).c_str()), names) << pattern;
 }
 
 TEST(Search, RecordsTellKindSizeAndTimes)

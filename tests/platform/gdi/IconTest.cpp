@@ -77,6 +77,9 @@ TEST(Icon, PngEntries)
         {"RGB with alpha", Png(2, 1, 8, 6, "\0\xFF\0\0\xFF\0\0\xFF\0"s), {"RG"}},
         {"in two passes", Png(2, 1, 8, 6, "\0\xFF\0\0\xFF\0\0\0\xFF\xFF"s, "", 1), {"RB"}},
         {"RGB", Png(1, 2, 8, 2, "\0\xFF\0\0\0\0\xFF\xFF"s), {"R", "C"}},
+        {"RGB with a transparent colour",
+         Png(2, 1, 8, 2, "\0\xFF\0\0\0\0\xFF"s, PngChunk("tRNS", "\0\xFF\0\0\0\0"s)),
+         {"GB"}},
         {"a palette with a transparent entry", Png(2, 1, 8, 3, "\0\0\1"s, palette), {"GB"}},
         {"four bits of grey", Png(2, 1, 4, 0, "\0\x0F"s, PngChunk("tEXt", "Comment\0words"s)), {".W"}},
         {"16 bits of grey with alpha", Png(1, 1, 16, 4, "\0\xFF\x90\xFF\x90"s), {"W"}},
@@ -105,7 +108,7 @@ TEST(Icon, TheNearestEntryIsTaken)
         std::pair<int, int> size;
     } cases[] = {
         {{large, eight, sixteen}, 16, 16, {16, 16}},
-        {{large, eight, sixteen}, 0, 0, {24, 24}},
+        {{eight, large, sixteen}, 0, 0, {8, 8}},
         {{large, eight, sixteen}, 13, 13, {16, 16}},
         {{eight, large}, 16, 16, {24, 24}}, // equally far: the larger
         {{eight, png}, 48, 48, {64, 64}},
@@ -121,8 +124,9 @@ TEST(Icon, TheNearestEntryIsTaken)
         EXPECT_EQ(LoadedIcon(Ico(images), 16, 16).OnGreen().front().front(), 'B') << "the greater depth";
 }
 
-TEST(Icon, EntriesBeyondTheFileAreLeftOut)
+TEST(Icon, EntriesBeyondTheFileOrWithoutASizeAreLeftOut)
 {
+    EXPECT_EQ(LoadedIcon(Ico({Png(0, 4, 1, 0, "\0"s), Square(24, 8)})).Size(), std::pair(24, 24));
     std::string file = Ico({Square(16, 8), Square(24, 8)});
     file.replace(6 + 12, 4, Le(file.size(), 4));
     EXPECT_EQ(LoadedIcon(file, 16, 16).Size(), std::pair(24, 24));
