@@ -34,7 +34,8 @@ void RoundBox(CDC& dc, const CRect& rect, COLORREF clrLine, COLORREF clrInside, 
 
 HBITMAP client::MakeButtonStates()
 {
-    constexpr COLORREF clrInside[] = {RGB(70, 130, 200), RGB(110, 170, 235), RGB(40, 90, 150), RGB(170, 175, 180)};
+    constexpr COLORREF clrInside[] = {RGB(70, 130, 200), RGB(110, 170, 235), RGB(40, 90, 150),
+                                      RGB(170, 175, 180)};
     return MakePicture(120, 30, [&](CDC& dc) {
         for (int n = 0; n < 4; ++n) {
             RoundBox(dc, CRect(n * 30, 0, n * 30 + 30, 30), RGB(20, 50, 90), clrInside[n], 12);

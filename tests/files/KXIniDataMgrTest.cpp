@@ -2,12 +2,12 @@
 
 #include "tests/support/TempDir.h"
 
-#include <initializer_list>
 #include <cfloat>
 #include <climits>
 #include <cmath>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <initializer_list>
 #include <limits>
 #include <string>
 

@@ -115,13 +115,7 @@ TEST(Copy, RefusalsLeaveBothFiles)
     CFile writer;
     ASSERT_TRUE(writer.Open("X:\\open", CFile::modeWrite | CFile::shareDenyWrite));
     const std::size_t nEntries = Entries(drive.Path());
-    const struct
-    {
-        const char* from;
-        const char* to;
-        int bFailIfExists;
-        DWORD error;
-    } facts[] = {
+    const std::tuple<const char*, const char*, int, DWORD> facts[] = {
         {"X:\\none", "X:\\new", 0, ERROR_FILE_NOT_FOUND},
         {"X:\\none\\a", "X:\\new", 0, ERROR_PATH_NOT_FOUND},
         {"X:\\from", "X:\\none\\new", 0, ERROR_PATH_NOT_FOUND},
@@ -138,11 +132,9 @@ TEST(Copy, RefusalsLeaveBothFiles)
         {"X:\\pipe", "X:\\new", 0, ERROR_ACCESS_DENIED}, // and never waits for it
         {"X:\\topipe", "X:\\new", 0, ERROR_ACCESS_DENIED},
         {"X:\\from", "X:\\pipe", 0, ERROR_ACCESS_DENIED},
-        {"C:\\dev\\zero", "X:\\new", 0, ERROR_ACCESS_DENIED},
-    };
+        {"C:\\dev\\zero", "X:\\new", 0, ERROR_ACCESS_DENIED}};
     for (const auto& [from, to, bFailIfExists, error] : facts)
-        EXPECT_EQ(Outcome(CopyFileA(from, to, bFailIfExists)), error)
-            << from << to;
+        EXPECT_EQ(Outcome(CopyFileA(from, to, bFailIfExists)), error) << from << to;
     for (const char* file : {"from", "to", "locked", "open"})
         EXPECT_EQ(drive.Read(file), file);
     EXPECT_EQ(Entries(drive.Path()), nEntries);
@@ -178,8 +170,7 @@ TEST(Delete, TakesFilesAndLinksButNothingReadOnly)
         {"X:\\locked", ERROR_ACCESS_DENIED}, {"X:\\tofile", ERROR_SUCCESS},
         {"X:\\dangling", ERROR_SUCCESS},     {"X:\\pipe", ERROR_SUCCESS},
         {"X:\\dir", ERROR_ACCESS_DENIED},    {"X:\\todir", ERROR_ACCESS_DENIED},
-        {"X:\\", ERROR_ACCESS_DENIED},
-    };
+        {"X:\\", ERROR_ACCESS_DENIED}};
     for (const auto& [path, error] : facts)
         EXPECT_EQ(Outcome(DeleteFileA(path)), error) << path;
     EXPECT_EQ(Entries(drive.Path()), 3u);
@@ -197,11 +188,10 @@ TEST(Directory, IsMadeOnceAndRemovedEmpty)
         EXPECT_EQ(Outcome(CreateDirectoryA(path, nullptr)), ERROR_PATH_NOT_FOUND) << path;
     fs::create_directory_symlink("Dir", drive.Path("link"));
     const std::pair<const char*, DWORD> facts[] = {
-        {"X:\\dir\\", ERROR_DIR_NOT_EMPTY},    {"X:\\link\\", ERROR_SUCCESS},
-        {"X:\\dir\\in", ERROR_SUCCESS},        {"X:\\dir\\", ERROR_SUCCESS},
-        {"X:\\file", ERROR_DIRECTORY},         {"X:\\dir", ERROR_FILE_NOT_FOUND},
-        {"X:\\none\\a", ERROR_PATH_NOT_FOUND},
-    };
+        {"X:\\dir\\", ERROR_DIR_NOT_EMPTY},   {"X:\\link\\", ERROR_SUCCESS},
+        {"X:\\dir\\in", ERROR_SUCCESS},       {"X:\\dir\\", ERROR_SUCCESS},
+        {"X:\\file", ERROR_DIRECTORY},        {"X:\\dir", ERROR_FILE_NOT_FOUND},
+        {"X:\\none\\a", ERROR_PATH_NOT_FOUND}};
     for (const auto& [path, error] : facts)
         EXPECT_EQ(Outcome(RemoveDirectoryA(path)), error) << path;
     fs::remove(drive.Path("file"));

@@ -93,12 +93,7 @@ TEST(File, FailuresToOpenTellTheCause)
     drive.MakeDir("dir");
     mkfifo(drive.Path("pipe").c_str(), 0600);
     const std::string overlong = "X:\\" + std::string(300, 'a');
-    const struct
-    {
-        const char* path;
-        unsigned flags;
-        int cause;
-    } facts[] = {
+    const std::tuple<const char*, unsigned, int> facts[] = {
         {"X:\\none", CFile::modeRead, CFileException::fileNotFound},
         {"X:\\none", CFile::modeWrite, CFileException::fileNotFound},
         {"X:\\none\\a", CFile::modeCreate | CFile::modeWrite, CFileException::badPath},
@@ -112,8 +107,7 @@ TEST(File, FailuresToOpenTellTheCause)
         {"X:\\pipe", CFile::modeRead, CFileException::accessDenied},
         {"X:\\pipe", CFile::modeReadWrite, CFileException::accessDenied},
         {"X:\\file", 3, CFileException::badPath},
-        {"X:\\file", CFile::modeRead | CFile::typeText | CFile::modeNoInherit, CFileException::none},
-    };
+        {"X:\\file", CFile::modeRead | CFile::typeText | CFile::modeNoInherit, CFileException::none}};
     for (const auto& [path, flags, cause] : facts)
         EXPECT_EQ(OpenCause(path, flags), cause) << path;
     EXPECT_EQ(drive.Read("file"), "content");
@@ -200,8 +194,8 @@ TEST(Exceptions, TextsNameTheFileAndTheCauseAndFitTheBuffer)
     const std::pair<void (*)(), const char*> throwers[] = {
         {AfxThrowMemoryException, "There is not enough memory."},
         {AfxThrowInvalidArgException, "An argument is invalid."},
-        {[] { AfxThrowFileException(CFileException::endOfFile, 0, "f"); }, "f: The file ended unexpectedly."},
-    };
+        {[] { AfxThrowFileException(CFileException::endOfFile, 0, "f"); },
+         "f: The file ended unexpectedly."}};
     for (const auto& [thrower, text] : throwers) {
         try {
             thrower();

@@ -31,24 +31,18 @@ DWORD ErrorOf(const std::function<void()>& operation)
 TEST(Path, IsTakenApartInItsText)
 {
     const Mounted drive;
-    const struct
-    {
-        const char* path;
-        const char* named;
-    } facts[] = {
-        {"X:\\", "/"},
-        {"x:/", "/"},
-        {"X:\\a\\b", "/a/b"},
-        {"x:/a\\b/", "/a/b"},
-        {"X:\\\\a\\\\\\b\\\\", "/a/b"},
-        {"X:\\.\\a\\.\\b\\.", "/a/b"},
-        {"X:\\gone\\..\\a", "/a"},
-        {"X:\\..\\..\\a\\..\\..\\..\\b", "/b"},
-        {"X:\\..", "/"},
-        {"X:\\...\\..a", "/.../..a"},
-        {"X:\\a:b", "/a:b"},
-        {"X:\\a*b?", "/a*b?"},
-    };
+    const std::pair<const char*, const char*> facts[] = {{"X:\\", "/"},
+                                                         {"x:/", "/"},
+                                                         {"X:\\a\\b", "/a/b"},
+                                                         {"x:/a\\b/", "/a/b"},
+                                                         {"X:\\\\a\\\\\\b\\\\", "/a/b"},
+                                                         {"X:\\.\\a\\.\\b\\.", "/a/b"},
+                                                         {"X:\\gone\\..\\a", "/a"},
+                                                         {"X:\\..\\..\\a\\..\\..\\..\\b", "/b"},
+                                                         {"X:\\..", "/"},
+                                                         {"X:\\...\\..a", "/.../..a"},
+                                                         {"X:\\a:b", "/a:b"},
+                                                         {"X:\\a*b?", "/a*b?"}};
     for (const auto& [path, named] : facts)
         EXPECT_EQ(drive.Named(path), named) << path;
 }
@@ -59,16 +53,11 @@ TEST(Path, RelativeOnesBeginInTheCurrentDirectoryAndItsDrive)
     const test::KeepDirectory keep;
     drive.MakeDir("work/deep");
     EXPECT_TRUE(SetCurrentDirectoryA("x:\\WORK\\deep"));
-    const struct
-    {
-        const char* path;
-        const char* named;
-    } facts[] = {
+    const std::pair<const char*, const char*> facts[] = {
         {"a", "/work/deep/a"},       {".", "/work/deep"},  {"..\\a", "/work/a"},
         {"..\\..\\..\\..\\a", "/a"}, {"\\a", "/a"},        {"/a/b", "/a/b"},
         {"X:a", "/work/deep/a"},     {"X:", "/work/deep"}, {"..\\DEEP", "/work/deep"},
-        {"\\\\host\\a", "/host/a"},
-    };
+        {"\\\\host\\a", "/host/a"}};
     for (const auto& [path, named] : facts)
         EXPECT_EQ(drive.Named(path), named) << path;
     EXPECT_EQ(KXHost::ToSystemPath("C:a"), "/a"); // another drive has no current directory of its own
@@ -116,11 +105,7 @@ TEST(Path, ExactNameWinsElseTheLowestIgnoringCase)
     for (const char* file :
          {"Skins/Default/Skin.ini", "two/b", "two/B", "mix/NAME/in", "mix/Name", "é/Été", "one/É"})
         drive.Write(file, "");
-    const struct
-    {
-        const char* path; // UTF-8
-        const char* named;
-    } facts[] = {
+    const std::pair<const char*, const char*> facts[] = {
         {"X:\\skins\\DEFAULT\\skin.INI", "/Skins/Default/Skin.ini"},
         {"X:\\SKINS\\new\\Default", "/Skins/new/Default"}, // what doesn't exist is taken as it stands
         {"X:\\two\\b", "/two/b"},
@@ -130,7 +115,7 @@ TEST(Path, ExactNameWinsElseTheLowestIgnoringCase)
         {"X:\\mix\\name\\IN", "/mix/NAME/in"}, // the file `Name` holds nothing
         {"X:\\É\\ÉTÉ", "/é/Été"},
         {"X:\\one\\é", "/one/É"},
-        {"X:\\two\\b\\c", "/two/b/c"}, // a file holds nothing, and no other spelling is tried
+        {"X:\\two\\b\\c", "/two/b/c"} // a file holds nothing, and no other spelling is tried
     };
     for (const UINT page : {CP_GBK, CP_UTF8}) {
         const test::CodePage scope(page);
@@ -252,21 +237,16 @@ TEST(Path, WhatNamesNothingFailsAlikeEverywhere)
     const std::string longest = "X:\\" + std::string(256, 'a');
     const std::string overlong = longest + "a";
     const std::string huge = "X:\\" + std::string(1'000'000, 'b');
-    const struct
-    {
-        const char* path;
-        DWORD error;
-    } facts[] = {
-        {nullptr, ERROR_PATH_NOT_FOUND},
-        {"", ERROR_PATH_NOT_FOUND},
-        {"Q:\\a", ERROR_PATH_NOT_FOUND},
-        {"X:\\\xFF\xFF", ERROR_INVALID_NAME},
-        {overlong.c_str(), ERROR_FILENAME_EXCED_RANGE},
-        {huge.c_str(), ERROR_FILENAME_EXCED_RANGE},
-    };
+    const std::pair<const char*, DWORD> facts[] = {{nullptr, ERROR_PATH_NOT_FOUND},
+                                                   {"", ERROR_PATH_NOT_FOUND},
+                                                   {"Q:\\a", ERROR_PATH_NOT_FOUND},
+                                                   {"X:\\\xFF\xFF", ERROR_INVALID_NAME},
+                                                   {overlong.c_str(), ERROR_FILENAME_EXCED_RANGE},
+                                                   {huge.c_str(), ERROR_FILENAME_EXCED_RANGE}};
     WIN32_FIND_DATAA data;
-    for (const auto& [path, error] : facts) {
-        const char* path = path;
+    for (const auto& fact : facts) {
+        const char* path = fact.first; // a lambda can't take a part of a pair everywhere
+        const DWORD error = fact.second;
         const std::function<bool()> operations[] = {
             [&] { return !KXHost::ToSystemPath(path).empty(); },
             [&] { return PathFileExistsA(path) != 0; },

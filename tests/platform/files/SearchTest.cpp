@@ -72,11 +72,7 @@ TEST(Search, WildcardsStandForCharacters)
     for (const char* file : {"name", "name.txt", "\xE8\xAA\xA0\xC3\xB1\xE4\xB8\xAD.TXT", "a.tar.gz", "aXbXc"})
         drive.Write(file, "");
     const std::string chinese = drive.Of("\xE8\xAA\xA0\xC3\xB1\xE4\xB8\xAD.TXT").Mid(3).GetString();
-    const struct
-    {
-        std::string pattern;
-        Names names;
-    } facts[] = {
+    const std::pair<std::string, Names> facts[] = {
         {"*.*", {".", "..", "a.tar.gz", "aXbXc", "name", "name.txt", chinese}},
         {"*.txt", {"name.txt", chinese}},
         {"NAME.*", {"name", "name.txt"}},
@@ -89,8 +85,7 @@ TEST(Search, WildcardsStandForCharacters)
         {"\xD5\x5C??.txt", {chinese}},
         {"*\xD6\xD0.*", {chinese}},
         {"*z*", {"a.tar.gz"}},
-        {"*" + std::string(120, '*') + "q" + std::string(120, '*'), {}},
-    };
+        {"*" + std::string(120, '*') + "q" + std::string(120, '*'), {}}};
     for (const auto& [pattern, names] : facts)
         EXPECT_EQ(Find(("X:\\" + pattern).c_str()), names) << pattern;
 }
@@ -112,16 +107,14 @@ TEST(Search, RecordsTellKindSizeAndTimes)
     fs::resize_file(drive.Path(".hid"), (std::uint64_t{1} << 32) + 7);
 
     constexpr DWORD kLink = FILE_ATTRIBUTE_REPARSE_POINT;
-    const std::pair<const char*, DWORD> kinds[] = {
-        {"X:\\file", FILE_ATTRIBUTE_NORMAL},
-        {"X:\\locked", FILE_ATTRIBUTE_READONLY},
-        {"X:\\sub", FILE_ATTRIBUTE_DIRECTORY},
-        {"X:\\link", kLink},
-        {"X:\\linkdir", kLink | FILE_ATTRIBUTE_DIRECTORY},
-        {"X:\\dangling", kLink},
-        {"X:\\pipe", FILE_ATTRIBUTE_SYSTEM},
-        {"X:\\.hid", FILE_ATTRIBUTE_HIDDEN},
-    };
+    const std::pair<const char*, DWORD> kinds[] = {{"X:\\file", FILE_ATTRIBUTE_NORMAL},
+                                                   {"X:\\locked", FILE_ATTRIBUTE_READONLY},
+                                                   {"X:\\sub", FILE_ATTRIBUTE_DIRECTORY},
+                                                   {"X:\\link", kLink},
+                                                   {"X:\\linkdir", kLink | FILE_ATTRIBUTE_DIRECTORY},
+                                                   {"X:\\dangling", kLink},
+                                                   {"X:\\pipe", FILE_ATTRIBUTE_SYSTEM},
+                                                   {"X:\\.hid", FILE_ATTRIBUTE_HIDDEN}};
     for (const auto& [path, kind] : kinds) {
         EXPECT_EQ(First(path).dwFileAttributes, kind) << path;
         EXPECT_EQ(GetFileAttributesA(path), kind) << path;
@@ -163,8 +156,7 @@ TEST(Search, FailuresSayWhatIsMissing)
         {"X:\\none", ERROR_FILE_NOT_FOUND},    {"X:\\none*", ERROR_FILE_NOT_FOUND},
         {"X:\\none\\*", ERROR_PATH_NOT_FOUND}, {"X:\\none\\a", ERROR_PATH_NOT_FOUND},
         {"X:\\file\\*", ERROR_PATH_NOT_FOUND}, {"X:\\", ERROR_FILE_NOT_FOUND},
-        {"X:\\file\\", ERROR_FILE_NOT_FOUND},  {"X:\\no*ne\\file", ERROR_PATH_NOT_FOUND},
-    };
+        {"X:\\file\\", ERROR_FILE_NOT_FOUND},  {"X:\\no*ne\\file", ERROR_PATH_NOT_FOUND}};
     WIN32_FIND_DATAA data{};
     for (const auto& [pattern, error] : facts) {
         EXPECT_EQ(FindFirstFileA(pattern, &data), INVALID_HANDLE_VALUE) << pattern;

@@ -55,8 +55,7 @@ TEST(StdioFile, LinesEndAtLfOrCrLfAndHaveAnyLength)
         {edge + "\r" + "b\r\n", {edge + "\rb"}},
         {edge + "x\r\nb", {edge + "x", "b"}},
         {edge + "\r\r\n", {edge + "\r"}},
-        {huge + "\r\n" + huge, {huge, huge}},
-    };
+        {huge + "\r\n" + huge, {huge, huge}}};
     for (const auto& [content, lines] : facts) {
         drive.Write("text", content);
         EXPECT_TRUE(Lines("X:\\text") == lines) << content.substr(0, 20);
