@@ -15,5 +15,7 @@ install(FILES "${CMAKE_CURRENT_BINARY_DIR}/KXCommonClassConfig.cmake"
               cmake/KXFileVersion.cmake cmake/KXFileVersion.cpp.in
     DESTINATION "${KX_CONFIG_DIR}")
 
+# Named from where the file lies, so that `cmake --install --prefix` may put it all anywhere.
+file(RELATIVE_PATH KX_PREFIX_FROM_PC "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/KXCommonClass.pc.in KXCommonClass.pc @ONLY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/KXCommonClass.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
