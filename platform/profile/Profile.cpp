@@ -27,7 +27,7 @@ DWORD GetPrivateProfileStringA(const char* pszSection, const char* pszKey, const
     const auto ini = pszSection && pszKey ? profile::Read(pszFile) : nullptr;
     const auto value = ini ? ini->Find(pszSection, pszKey) : std::nullopt;
     if (ini && !value) SetLastError(ERROR_FILE_NOT_FOUND);
-    const std::string_view fallback = pszDefault ? std::string_view(pszDefault) : std::string_view();
+    const std::string_view fallback = pszDefault ? pszDefault : "";
     return static_cast<DWORD>(text::CopyCut(value.value_or(fallback), pszBuffer, nSize));
 }
 

@@ -50,8 +50,8 @@ bool TryTake(CRITICAL_SECTION& section) noexcept
                                                  std::memory_order_relaxed);
 }
 
-// Looks ever more rarely, which leaves the owner its cache line: two threads that only lock and unlock run
-// three times as fast so as with a look after every pause.
+// Looks ever more rarely, which leaves the owner its cache line: two threads that only lock and unlock get
+// three times as far as with a look after every pause.
 bool SpinTake(CRITICAL_SECTION& section) noexcept
 {
     for (int nPauses = 1; nPauses <= kLongestSpin; nPauses *= 2) {

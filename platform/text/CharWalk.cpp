@@ -64,7 +64,7 @@ std::size_t CopyCut(std::string_view text, char* buffer, std::size_t size) noexc
 {
     if (size == 0) return 0;
     text = CutAtChar(text, size - 1);
-    std::memcpy(buffer, text.data(), text.size());
+    if (!text.empty()) std::memcpy(buffer, text.data(), text.size()); // an empty text may lie nowhere
     buffer[text.size()] = '\0';
     return text.size();
 }

@@ -1,3 +1,4 @@
+#include "include/platform/Window.h"
 #include "tests/support/Picture.h"
 
 #include <climits>
@@ -40,6 +41,35 @@ TEST(Surface, OfTheDesktopShowsItToAll)
     EXPECT_EQ(ReleaseDC(nullptr, other), 1);
     int local = 0;
     EXPECT_EQ(GetDC(reinterpret_cast<HWND>(&local)), nullptr);
+}
+
+TEST(Surface, OfAWindowIsItsPartOfTheDesktop)
+{
+    const NoLeak noLeak;
+    const WNDCLASSA windows{DefWindowProcA, "Surface"};
+    ASSERT_NE(RegisterClassA(&windows), 0);
+    const HWND hWnd = CreateWindowExA(0, "Surface", "", WS_POPUP, DESKTOP_WIDTH - 3, -1, 9, 3);
+    const HDC dc = GetDC(hWnd);
+    const HDC desktop = GetDC(GetDesktopWindow());
+    RECT box;
+    EXPECT_EQ(GetClipBox(dc, &box), SIMPLEREGION);
+    EXPECT_EQ(box, (RECT{0, 1, 3, 3}));
+    const Scoped<HRGN> clip(CreateRectRgn(1, 0, 9, 9));
+    SelectClipRgn(dc, clip);
+    Rectangle(dc, 0, 0, 9, 3);
+    EXPECT_EQ(test::Read(desktop, DESKTOP_WIDTH - 4, 0, DESKTOP_WIDTH + 1, 3),
+              (Picture{"??WW ", "??.. ", "???? "}));
+    BitBlt(desktop, DESKTOP_WIDTH - 2, 0, 2, 2, dc, 1, 2,
+           SRCCOPY); // row 2 of the window is row 1 of the desktop
+    EXPECT_EQ(test::Read(desktop, DESKTOP_WIDTH - 2, 0, DESKTOP_WIDTH, 2), (Picture{"..", ".."}));
+    const RECT all{0, 0, 9, 9};
+    const Scoped<HBRUSH> brush(CreateSolidBrush(DESKTOP_COLOR));
+    FillRect(dc, &all, brush);
+    EXPECT_EQ(ReleaseDC(hWnd, dc), 1);
+    EXPECT_EQ(ReleaseDC(GetDesktopWindow(), desktop), 1);
+    DestroyWindow(hWnd);
+    UnregisterClassA("Surface");
+    EXPECT_EQ(GetDC(hWnd), nullptr);
 }
 
 TEST(Surface, BitmapsHaveASizeWithinBounds)

@@ -68,7 +68,7 @@ TEST(ProfileFiles, SizeIsLimitedTo16MiB)
 
 TEST(ProfileFiles, GiantLinesAndManyLinesAreOrdinary)
 {
-    const std::string giant(5'000'000, 'x');
+    const std::string giant(1'000'000, 'x');
     const IniFile ini("[S]\n" + giant + "=1\nk=" + giant + "\nl=2\n[" + giant + "]\nk=3\n");
     EXPECT_EQ(ini.Get("S", giant.c_str()), "1");
     EXPECT_EQ(ini.Get("S", "k"), giant.substr(0, 1023));
@@ -76,11 +76,11 @@ TEST(ProfileFiles, GiantLinesAndManyLinesAreOrdinary)
     EXPECT_EQ(ini.Get(giant.c_str(), "k"), "3");
 
     std::string many = "[S]\n";
-    for (int n = 0; n < 300'000; ++n)
+    for (int n = 0; n < 60'000; ++n)
         many += "@`"[n % 2] + std::to_string(n) + "=" + std::to_string(n) + "\n";
     ini.Replace(many);
-    EXPECT_EQ(ini.Get("s", "`299999"), "299999");
-    EXPECT_EQ(ini.Get("s", "@300000"), "<none>");
+    EXPECT_EQ(ini.Get("s", "`59999"), "59999");
+    EXPECT_EQ(ini.Get("s", "@60000"), "<none>");
 }
 
 TEST(ProfileFiles, PermissionsStay)

@@ -9,6 +9,7 @@
 namespace {
 
 using test::IniFile;
+using std::literals::operator""sv;
 
 TEST(ProfileRead, FindsWhatTheLinesSay)
 {
@@ -40,8 +41,8 @@ TEST(ProfileRead, FindsWhatTheLinesSay)
         {"[a]b]\nk=v\n", "a", "k", "v"},
         {"[S]\nk=1\nK=2\n[T]\n[s]\nk=3\nl=4\n", "S", "k", "1"},
         {"[S]\nk=1\nK=2\n[T]\n[s]\nk=3\nl=4\n", "S", "l", none},
-        {{"[S]\nk=a\0b\n\0\nl=w\n", 18}, "S", "k", "a"},
-        {{"[S]\nk=a\0b\n\0\nl=w\n", 18}, "S", "l", "w"},
+        {"[S]\nk=a\0b\n\0\nl=w\n"sv, "S", "k", "a"},
+        {"[S]\nk=a\0b\n\0\nl=w\n"sv, "S", "l", "w"},
         {"", "S", "k", none},
         {"\xEF\xBB\xBF", "S", "k", none},
     };
@@ -155,6 +156,7 @@ TEST(ProfileRead, EverySpellingGivesTheFileThatItNames)
         slashes.Replace('\\', '/');
         EXPECT_EQ(get(slashes), "Skin");
     }
+    EXPECT_EQ(get(dir.Win("Skins\\Blue\\skin.ini")), "Skin");
     // An exact name wins as soon as it is there, and the others count again when it goes.
     const std::string exact = dir.Write("Skins/Blue/skin.ini", "[S]\nk=skin\n");
     EXPECT_EQ(get(dir.Win("Skins\\Blue\\skin.ini")), "skin");

@@ -6,6 +6,7 @@
 namespace {
 
 using test::IniFile;
+using std::literals::operator""sv;
 
 TEST(ProfileWrite, ChangesItsLineOnly)
 {
@@ -37,7 +38,7 @@ TEST(ProfileWrite, ChangesItsLineOnly)
         {"\xEF\xBB\xBF", "S", "k", "v", "\xEF\xBB\xBF[S]\r\nk=v\r\n"},
         {"; top", "S", "k", "", "; top\r\n[S]\r\nk=\r\n"},
         {"k=v\n", "S", "k", "w", "k=v\n[S]\nk=w\n"},
-        {{"[S]\n\0\x01\xFF", 7}, "T", "k", "v", {"[S]\n\0\x01\xFF\n[T]\nk=v\n", 16}},
+        {"[S]\n\0\x01\xFF"sv, "T", "k", "v", std::string("[S]\n\0\x01\xFF\n[T]\nk=v\n"sv)},
         // Removal.
         {"[S]\nk=1\n;k\nK=2\nl=3\n[T]\nk=4\n[s]\nk=5", "S", "k", nullptr, "[S]\n;k\nl=3\n[T]\nk=4\n[s]\n"},
         {"[S]\nk=1\n\n; about T\n[T]\nk=2\n[S]\nk=3\n", "S", nullptr, "x", "\n; about T\n[T]\nk=2\n"},

@@ -16,7 +16,7 @@ int main(int argc, char** argv)
         if (!WritePrivateProfileStringA("S", (prefix + number).c_str(), number.c_str(), argv[1])) return 1;
     }
     for (int n = 0; count == 0; ++n) {
-        const std::string text(60'000, n % 2 == 0 ? 'A' : 'B');
+        const std::string text(10'000, n % 2 == 0 ? 'A' : 'B');
         if (!WritePrivateProfileStringA("S", prefix.c_str(), text.c_str(), argv[1])) return 1;
     }
     return 0;
