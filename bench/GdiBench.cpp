@@ -3,6 +3,7 @@
 #include <cairo/cairo.h>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <pixman.h>
 #include <platform/Gdi.h>
 #include <random>
@@ -18,8 +19,26 @@ struct Size
 {
     int cx;
     int cy;
-    std::size_t Pixels() const { return static_cast<std::size_t>(cx) * static_cast<std::size_t>(cy); }
+    std::size_t Count() const { return static_cast<std::size_t>(cx) * static_cast<std::size_t>(cy); }
 };
+
+// Rows begin where the library's own do: what a copy costs depends on it.
+template <class T>
+struct Aligned
+{
+    using value_type = T;
+    static constexpr std::align_val_t alignment{64};
+
+    Aligned() = default;
+    template <class U>
+    explicit Aligned(const Aligned<U>&)
+    {
+    }
+    T* allocate(std::size_t n) { return static_cast<T*>(operator new(n * sizeof(T), alignment)); }
+    void deallocate(T* p, std::size_t) { operator delete(p, alignment); }
+    bool operator==(const Aligned&) const = default;
+};
+using Pixels = std::vector<DWORD, Aligned<DWORD>>;
 
 constexpr DWORD dwKey = 0x00FF00FF;
 
@@ -30,10 +49,10 @@ enum class Pattern
     Noise
 };
 
-std::vector<DWORD> MakePixels(Size size, Pattern pattern)
+Pixels MakePixels(Size size, Pattern pattern)
 {
     std::minstd_rand random(1);
-    std::vector<DWORD> pixels(size.Pixels());
+    Pixels pixels(size.Count());
     for (std::size_t n = 0; n < pixels.size(); ++n) {
         const bool bKey = pattern == Pattern::Runs ? n / 16 % 2 == 0 : random() / 64 % 2 == 0;
         pixels[n] = bKey ? dwKey : static_cast<DWORD>(n * 2654435761u & 0xFFFFFE);
@@ -49,7 +68,7 @@ public:
     {
         SelectObject(m_hDC, m_hBitmap);
     }
-    Ours(Size size, const std::vector<DWORD>& pixels) : Ours(size)
+    Ours(Size size, const Pixels& pixels) : Ours(size)
     {
         for (int y = 0; y < size.cy; ++y)
             for (int x = 0; x < size.cx; ++x) {
@@ -78,7 +97,7 @@ struct FreeSurface
 };
 using SdlSurface = std::unique_ptr<SDL_Surface, FreeSurface>;
 
-SdlSurface MakeSdl(Size size, std::vector<DWORD>& pixels)
+SdlSurface MakeSdl(Size size, Pixels& pixels)
 {
     return SdlSurface(SDL_CreateRGBSurfaceWithFormatFrom(pixels.data(), size.cx, size.cy, 32, size.cx * 4,
                                                          SDL_PIXELFORMAT_RGB888));
@@ -90,7 +109,7 @@ struct FreeImage
 };
 using PixmanImage = std::unique_ptr<pixman_image_t, FreeImage>;
 
-PixmanImage MakePixman(Size size, std::vector<DWORD>& pixels)
+PixmanImage MakePixman(Size size, Pixels& pixels)
 {
     return PixmanImage(
         pixman_image_create_bits(PIXMAN_x8r8g8b8, size.cx, size.cy, pixels.data(), size.cx * 4));
@@ -109,7 +128,7 @@ void CopyOurs(benchmark::State& state, Size size)
 void CopyMemcpy(benchmark::State& state, Size size)
 {
     const auto from = MakePixels(size, Pattern::Noise);
-    std::vector<DWORD> to(size.Pixels());
+    Pixels to(size.Count());
     const auto nRow = static_cast<std::size_t>(size.cx);
     for (auto _ : state) {
         for (std::size_t n = 0; n < from.size(); n += nRow)
@@ -121,7 +140,7 @@ void CopyMemcpy(benchmark::State& state, Size size)
 void CopyPixman(benchmark::State& state, Size size)
 {
     auto pixels = MakePixels(size, Pattern::Noise);
-    std::vector<DWORD> target(size.Pixels());
+    Pixels target(size.Count());
     const auto from = MakePixman(size, pixels);
     const auto to = MakePixman(size, target);
     for (auto _ : state)
@@ -132,7 +151,7 @@ void CopyPixman(benchmark::State& state, Size size)
 void BlitSdl(benchmark::State& state, Size size, Pattern pattern, bool bKeyed)
 {
     auto pixels = MakePixels(size, pattern);
-    std::vector<DWORD> target(size.Pixels());
+    Pixels target(size.Count());
     const auto from = MakeSdl(size, pixels);
     const auto to = MakeSdl(size, target);
     SDL_SetSurfaceBlendMode(from.get(), SDL_BLENDMODE_NONE);
@@ -155,7 +174,7 @@ void KeyedOurs(benchmark::State& state, Size size, Pattern pattern)
 void KeyedSelect(benchmark::State& state, Size size, Pattern pattern)
 {
     const auto source = MakePixels(size, pattern);
-    std::vector<DWORD> target(size.Pixels());
+    Pixels target(size.Count());
     const DWORD* from = source.data();
     DWORD* to = target.data();
     const std::size_t nPixels = source.size();

@@ -10,8 +10,10 @@
 #include "include/platform/CodePage.h"
 #include "include/platform/Host.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>

@@ -24,7 +24,7 @@ constexpr std::size_t RoundUp(std::size_t n, std::size_t nStep) noexcept
 // faster than on the thousands of small ones.
 void* Allocate(std::size_t nBytes) noexcept
 {
-    const bool bHuge = nBytes >= 4 * kHugePage;
+    const bool bHuge = nBytes >= 3 * kHugePage;
     const std::size_t nAlignment = bHuge ? kHugePage : kAlignment;
     void* const p = std::aligned_alloc(nAlignment, RoundUp(nBytes, nAlignment));
     if (!p) return nullptr;

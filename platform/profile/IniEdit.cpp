@@ -64,12 +64,13 @@ std::string KeyLine(std::string_view key, std::string_view value)
     return std::string(key).append("=").append(value);
 }
 
-// Where a key's new value begins: the blanks behind the "=" stay, unless it brings its own.
+// Where a key's new value begins: right behind the "=", or where the old one began in a line written like
+// `key = value`. A new one that brings blanks of its own takes the place of such.
 std::size_t ValueBegin(std::string_view text, const IniLine& line, std::string_view value) noexcept
 {
-    if (value.empty() || !text::IsSpace(value.front()))
-        return static_cast<std::size_t>(line.value.data() - text.data());
-    return text.find('=', line.begin) + 1;
+    const std::size_t equals = text.find('=', line.begin);
+    const bool bSpaced = text::IsSpace(text[equals - 1]) && (value.empty() || !text::IsSpace(value.front()));
+    return bSpaced ? static_cast<std::size_t>(line.value.data() - text.data()) : equals + 1;
 }
 
 // Copies a text but for the pieces cut out of it, from front to back.

@@ -139,13 +139,12 @@ DWORD GetTickCount() noexcept
 void KXHost::UseVirtualClock(std::int64_t nWallSeconds, VirtualSleep sleep)
 {
     using namespace kx::clock;
-    {
-        std::lock_guard lock(g_lock);
-        const bool bAlready = g_bVirtual.exchange(true);
-        const Moment now = bAlready ? g_virtual.now : std::min(RealNow(), kLatest);
-        g_virtual = {now, now, nWallSeconds, sleep == VirtualSleep::Advances};
-    }
-    Alarm::RingAll();
+    // Who sleeps for the real clock may go on: AdvanceClock wakes it, and if the real time comes first it
+    // looks at the clock again.
+    std::lock_guard lock(g_lock);
+    const bool bAlready = g_bVirtual.exchange(true);
+    const Moment now = bAlready ? g_virtual.now : std::min(RealNow(), kLatest);
+    g_virtual = {now, now, nWallSeconds, sleep == VirtualSleep::Advances};
 }
 
 void KXHost::AdvanceClock(std::uint64_t nMilliseconds)

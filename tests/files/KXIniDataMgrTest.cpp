@@ -18,13 +18,24 @@ using Mgr = CKXIniDataMgr;
 class KXIniDataMgr : public testing::Test
 {
 protected:
-    // A file with one key of that text, and the arguments that name it.
-    void Hold(const std::string& value) { m_dir.Write("t.ini", "[S]\r\nk=" + value + "\r\n"); }
-    std::string Stored() const
+    void Hold(const std::string& value) const { m_dir.Write("t.ini", "[S]\r\nk=" + value + "\r\n"); }
+
+    // What the key holds after a write with that result.
+    std::string After(int nResult) const
     {
         const std::string text = m_dir.Read("t.ini");
         const std::size_t begin = text.find("k=") + 2;
-        return text.substr(begin, text.find('\r', begin) - begin);
+        return nResult ? text.substr(begin, text.find('\r', begin) - begin) : "<refused>";
+    }
+
+    // What `get` gives for each text as the key's value.
+    template <class Value, class Get>
+    void ExpectReads(Get get, std::initializer_list<std::pair<const char*, Value>> rows) const
+    {
+        for (const auto& [text, value] : rows) {
+            Hold(text);
+            EXPECT_EQ(get(), value) << text;
+        }
     }
 
     test::TempDir m_dir;
@@ -34,11 +45,8 @@ protected:
 
 TEST_F(KXIniDataMgr, DefaultsStandInForWhatIsMissingOrEmpty)
 {
-    for (const char* value : std::initializer_list<const char*>{"", "\"\"", nullptr}) {
-        if (value)
-            Hold(value);
-        else
-            m_dir.Write("t.ini", "");
+    for (const char* text : {"[S]\nk=\n", "[S]\nk=\"\"\n", ""}) {
+        m_dir.Write("t.ini", text);
         EXPECT_EQ(Mgr::GetInteger(m_file, "S", "k", 5), 5);
         EXPECT_EQ(Mgr::GetInteger(m_file, "S", "k", 50, 1, 10), 50);
         EXPECT_EQ(Mgr::GetString(m_file, "S", "k", "d"), "d");
@@ -57,36 +65,32 @@ TEST_F(KXIniDataMgr, DefaultsStandInForWhatIsMissingOrEmpty)
 
 TEST_F(KXIniDataMgr, IntegerIsTheNumberAtTheStart)
 {
-    const std::pair<const char*, int> cases[] = {
-        {"12", 12},      {"abc", 0},  {"12abc", 12},           {"-7.9", -7},
-        {"\"  +3\"", 3}, {"0x10", 0}, {"2147483648", INT_MAX}, {"-99999999999999999999999", INT_MIN}};
-    for (const auto& [text, number] : cases) {
-        Hold(text);
-        EXPECT_EQ(Mgr::GetInteger(m_file, "S", "k", 5), number) << text;
-    }
-    const std::pair<const char*, int> ranged[] = {{"10", 10}, {"1", 1},  {"11", 5},
-                                                  {"0", 5},   {"-3", 5}, {"abc", 5}};
-    for (const auto& [text, number] : ranged) {
-        Hold(text);
-        EXPECT_EQ(Mgr::GetInteger(m_file, "S", "k", 5, 1, 10), number) << text;
-    }
+    ExpectReads<int>([this] { return Mgr::GetInteger(m_file, "S", "k", 5); },
+                     {{"12", 12},
+                      {"abc", 0},
+                      {"12abc", 12},
+                      {"-7.9", -7},
+                      {"\"  +3\"", 3},
+                      {"0x10", 0},
+                      {"2147483648", INT_MAX},
+                      {"-99999999999999999999999", INT_MIN}});
+    ExpectReads<int>([this] { return Mgr::GetInteger(m_file, "S", "k", 5, 1, 10); },
+                     {{"10", 10}, {"1", 1}, {"11", 5}, {"0", 5}, {"-3", 5}, {"abc", 5}});
     for (const int number : {0, -1, INT_MAX, INT_MIN}) {
-        EXPECT_NE(Mgr::WriteInteger(m_file, "S", "k", number), 0);
-        EXPECT_EQ(Stored(), std::to_string(number));
+        EXPECT_EQ(After(Mgr::WriteInteger(m_file, "S", "k", number)), std::to_string(number));
         EXPECT_EQ(Mgr::GetInteger(m_file, "S", "k", 5), number);
     }
 }
 
-TEST_F(KXIniDataMgr, StringIsCutAt255Bytes)
+TEST_F(KXIniDataMgr, StringIsStoredAsItStandsAndReadUpTo255Bytes)
 {
-    EXPECT_NE(Mgr::WriteString(m_file, "S", "k", std::string(300, 'x').c_str()), 0);
-    EXPECT_EQ(Mgr::GetString(m_file, "S", "k", ""), std::string(255, 'x').c_str());
-    EXPECT_NE(Mgr::WriteString(m_file, "S", "k", "  blank  "), 0);
-    EXPECT_EQ(Stored(), "  blank  ");
-    EXPECT_EQ(Mgr::GetString(m_file, "S", "k", ""), "blank");
-    EXPECT_NE(Mgr::WriteString(m_file, "S", "k", "\"  blank  \""), 0);
-    EXPECT_EQ(Mgr::GetString(m_file, "S", "k", ""), "  blank  ");
-    EXPECT_EQ(Mgr::WriteString(m_file, "S", "k", "two\nlines"), 0);
+    ExpectReads<CString>([this] { return Mgr::GetString(m_file, "S", "k", "d"); },
+                         {{std::string(300, 'x').c_str(), std::string(255, 'x').c_str()},
+                          {"  blank  ", "blank"},
+                          {"\"  kept  \"", "  kept  "}});
+    for (const char* text : {"  blank  ", "\"  kept  \"", "a=b;c"})
+        EXPECT_EQ(After(Mgr::WriteString(m_file, "S", "k", text)), text);
+    EXPECT_EQ(After(Mgr::WriteString(m_file, "S", "k", "two\nlines")), "<refused>");
     EXPECT_NE(Mgr::WriteString(m_file, "S", "k", nullptr), 0);
     EXPECT_EQ(Mgr::GetString(m_file, "S", "k", "gone"), "gone");
 }
@@ -112,103 +116,87 @@ TEST_F(KXIniDataMgr, DoublesReadAsTheCLibraryReadsThem)
 
 TEST_F(KXIniDataMgr, DoublesHaveSixDigitsBehindThePoint)
 {
-    const std::pair<double, const char*> cases[] = {{1.5, "1.500000"},
-                                                    {0.12345678, "0.123457"},
-                                                    {-0.0, "-0.000000"},
-                                                    {1e15, "1000000000000000.000000"},
-                                                    {HUGE_VAL, "inf"}};
-    for (const auto& [number, text] : cases) {
-        EXPECT_NE(Mgr::WriteDouble(m_file, "S", "k", number), 0);
-        EXPECT_EQ(Stored(), text);
-        EXPECT_EQ(Mgr::GetDouble(m_file, "S", "k", 7), std::atof(text));
+    for (const double number : {1.5, 0.12345678, -0.0, 1e15, -1.0 / 3, HUGE_VAL, 9e247}) {
+        CString strExpected;
+        strExpected.Format("%f", number);
+        EXPECT_EQ(After(Mgr::WriteDouble(m_file, "S", "k", number)), strExpected.GetString());
+        EXPECT_EQ(Mgr::GetDouble(m_file, "S", "k", 7), std::atof(strExpected));
     }
-    EXPECT_NE(Mgr::WriteFloat(m_file, "S", "k", 1.5F), 0);
-    EXPECT_EQ(Stored(), "1.500000");
-    EXPECT_NE(Mgr::WriteFloat(m_file, "S", "k", 0.1F), 0);
-    EXPECT_EQ(Stored(), "0.100000");
-    EXPECT_NE(Mgr::WriteDouble(m_file, "S", "k", 9e247), 0);
-    EXPECT_EQ(Stored().size(), 255u);
-    EXPECT_DOUBLE_EQ(Mgr::GetDouble(m_file, "S", "k", 7), 9e247);
-    EXPECT_EQ(Mgr::WriteDouble(m_file, "S", "k", 1e248), 0);
-    EXPECT_EQ(Mgr::WriteDouble(m_file, "S", "k", -DBL_MAX), 0);
+    EXPECT_EQ(After(Mgr::WriteFloat(m_file, "S", "k", 1.5F)), "1.500000");
+    EXPECT_EQ(After(Mgr::WriteFloat(m_file, "S", "k", 0.1F)), "0.100000");
     EXPECT_NE(Mgr::WriteFloat(m_file, "S", "k", FLT_MAX), 0);
     EXPECT_EQ(Mgr::GetFloat(m_file, "S", "k", 7), FLT_MAX);
+    EXPECT_EQ(Mgr::WriteDouble(m_file, "S", "k", 1e248), 0);
+    EXPECT_EQ(Mgr::WriteDouble(m_file, "S", "k", -DBL_MAX), 0);
 }
 
 TEST_F(KXIniDataMgr, OnlyTheWordTrueIsTrue)
 {
-    const std::pair<const char*, bool> cases[] = {{"TRUE", true},   {"True", true}, {"tRuE", true},
-                                                  {"1", false},     {"yes", false}, {"FALSE", false},
-                                                  {"true!", false}, {"tru", false}, {"T\x12UE", false}};
-    for (const auto& [text, bValue] : cases) {
-        Hold(text);
-        EXPECT_EQ(Mgr::GetBoolean(m_file, "S", "k", true), bValue) << text;
-        EXPECT_EQ(Mgr::GetBOOL(m_file, "S", "k", 7), bValue ? 1 : 0) << text;
-    }
-    for (const bool bValue : {true, false}) {
-        EXPECT_NE(Mgr::WriteBoolean(m_file, "S", "k", bValue), 0);
-        EXPECT_EQ(Stored(), bValue ? "TRUE" : "FALSE");
-        EXPECT_NE(Mgr::WriteBOOL(m_file, "S", "k", bValue ? 256 : 0), 0);
-        EXPECT_EQ(Stored(), bValue ? "TRUE" : "FALSE");
-    }
+    const auto isTrue = [this] {
+        const bool bTrue = Mgr::GetBoolean(m_file, "S", "k", true);
+        EXPECT_EQ(Mgr::GetBOOL(m_file, "S", "k", 7), bTrue ? 1 : 0);
+        return bTrue;
+    };
+    ExpectReads<bool>(isTrue, {{"TRUE", true},
+                               {"True", true},
+                               {"tRuE", true},
+                               {"1", false},
+                               {"yes", false},
+                               {"FALSE", false},
+                               {"true!", false},
+                               {"tru", false},
+                               {"T\x12UE", false}});
+    EXPECT_EQ(After(Mgr::WriteBoolean(m_file, "S", "k", true)), "TRUE");
+    EXPECT_EQ(After(Mgr::WriteBoolean(m_file, "S", "k", false)), "FALSE");
+    EXPECT_EQ(After(Mgr::WriteBOOL(m_file, "S", "k", 256)), "TRUE");
+    EXPECT_EQ(After(Mgr::WriteBOOL(m_file, "S", "k", 0)), "FALSE");
 }
 
 TEST_F(KXIniDataMgr, ColoursAndAddressesAreTheirNumbers)
 {
-    const std::pair<const char*, unsigned long> colours[] = {{"RGB(64,128,255)", 0xFF8040},
-                                                             {"12,34,56", 0x38220C},
-                                                             {"12 34 56", 0x38220C},
-                                                             {"RGB(1,-2,3)", 0x030201},
-                                                             {"RGB(1,2)", 9},
-                                                             {"RGB(1,2,3,4)", 9},
-                                                             {"RGB(1,2,256)", 9},
-                                                             {"RGB(4294967297,2,3)", 0x030201},
-                                                             {"4294967295 1 1", 9},
-                                                             {"none", 9}};
-    for (const auto& [text, colour] : colours) {
-        Hold(text);
-        EXPECT_EQ(Mgr::GetRGB(m_file, "S", "k", 9), colour) << text;
-    }
-    const std::pair<const char*, unsigned long> addresses[] = {{"IP(192.168.0.1)", 0xC0A80001},
-                                                               {"255.255.255.255", 0xFFFFFFFF},
-                                                               {"IP(1.2.3)", 9},
-                                                               {"1.2.3.4.5", 9},
-                                                               {"1.2.3.256", 9}};
-    for (const auto& [text, address] : addresses) {
-        Hold(text);
-        EXPECT_EQ(Mgr::GetIPAddress(m_file, "S", "k", 9), address) << text;
-    }
-    EXPECT_NE(Mgr::WriteRGB(m_file, "S", "k", 0x77FF8040), 0);
-    EXPECT_EQ(Stored(), "RGB(64,128,255)");
+    ExpectReads<unsigned long>([this] { return Mgr::GetRGB(m_file, "S", "k", 9); },
+                               {{"RGB(64,128,255)", 0xFF8040},
+                                {"12,34,56", 0x38220C},
+                                {"12 34 56", 0x38220C},
+                                {"RGB(1,-2,3)", 0x030201},
+                                {"RGB(1,2)", 9},
+                                {"RGB(1,2,3,4)", 9},
+                                {"RGB(1,2,256)", 9},
+                                {"4294967295 1 1", 9},
+                                {"none", 9}});
+    ExpectReads<unsigned long>([this] { return Mgr::GetIPAddress(m_file, "S", "k", 9); },
+                               {{"IP(192.168.0.1)", 0xC0A80001},
+                                {"255.255.255.255", 0xFFFFFFFF},
+                                {"IP(1.2.3)", 9},
+                                {"1.2.3.4.5", 9},
+                                {"1.2.3.256", 9}});
+    EXPECT_EQ(After(Mgr::WriteRGB(m_file, "S", "k", 0x77FF8040)), "RGB(64,128,255)");
     EXPECT_EQ(Mgr::GetRGB(m_file, "S", "k", 9), 0xFF8040u);
-    EXPECT_NE(Mgr::WriteIPAddress(m_file, "S", "k", 0xAA7F000001), 0);
-    EXPECT_EQ(Stored(), "IP(127.0.0.1)");
+    EXPECT_EQ(After(Mgr::WriteIPAddress(m_file, "S", "k", 0xAA7F000001)), "IP(127.0.0.1)");
     EXPECT_EQ(Mgr::GetIPAddress(m_file, "S", "k", 9), 0x7F000001u);
 }
 
 TEST_F(KXIniDataMgr, DatesAreLocalTime)
 {
-    const CTime fallback(9);
-    for (const char* text : {"2009-13-01 00:00:00", "2009-03-01", "2009-03-01 10:20", "1899-01-01 00:00:00",
-                             "2009-00-01 00:00:00", "2009-01-32 00:00:00", "2009-01-00 00:00:00",
-                             "2009-01-01 24:00:00", "2009-01-01 00:60:00", "2009-01-01 00:00:60",
-                             "2009/01/01 00:00:00", "soon", "1969-12-31 23:59:59"}) {
-        Hold(text);
-        EXPECT_EQ(Mgr::GetDateTime(m_file, "S", "k", fallback), fallback) << text;
-    }
-    const std::pair<const char*, const char*> cases[] = {{"2009-04-31 12:00:00", "2009-05-01 12:00:00"},
-                                                         {"2009-3-4 5:6:7 and more", "2009-03-04 05:06:07"},
-                                                         {"1900-01-01 00:00:00", "1900-01-01 00:00:00"},
-                                                         {"9999-12-31 23:59:59", "9999-12-31 23:59:59"}};
-    for (const auto& [text, expected] : cases) {
-        Hold(text);
-        const CTime time = Mgr::GetDateTime(m_file, "S", "k", fallback);
-        EXPECT_NE(Mgr::WriteDateTime(m_file, "S", "k", time), 0);
-        EXPECT_EQ(Stored(), expected);
-        EXPECT_EQ(Mgr::GetDateTime(m_file, "S", "k", fallback), time);
-    }
-    EXPECT_NE(Mgr::WriteDateTime(m_file, "S", "k", CTime(std::numeric_limits<std::int64_t>::max())), 0);
-    EXPECT_EQ(Stored(), "");
+    // What is read, written again.
+    const auto normal = [this] {
+        const CTime time = Mgr::GetDateTime(m_file, "S", "k", CTime(9));
+        const std::string text = After(Mgr::WriteDateTime(m_file, "S", "k", time));
+        EXPECT_EQ(Mgr::GetDateTime(m_file, "S", "k", CTime(8)), time);
+        return text;
+    };
+    const char* const fallback = "1970-01-01 00:00:09";
+    for (const char* text :
+         {"2009-13-01 00:00:00", "2009-03-01", "2009-03-01 10:20", "1899-01-01 00:00:00",
+          "2009-00-01 00:00:00", "2009-01-32 00:00:00", "2009-01-00 00:00:00", "2009-01-01 24:00:00",
+          "2009-01-01 00:60:00", "2009-01-01 00:00:60", "2009/01/01 00:00:00", "soon", "1969-12-31 23:59:59"})
+        ExpectReads<std::string>(normal, {{text, fallback}});
+    ExpectReads<std::string>(normal, {{"2009-04-31 12:00:00", "2009-05-01 12:00:00"},
+                                      {"2009-3-4 5:6:7 and more", "2009-03-04 05:06:07"},
+                                      {"1900-01-01 00:00:00", "1900-01-01 00:00:00"},
+                                      {"9999-12-31 23:59:59", "9999-12-31 23:59:59"}});
+    const CTime beyond(std::numeric_limits<std::int64_t>::max());
+    EXPECT_EQ(After(Mgr::WriteDateTime(m_file, "S", "k", beyond)), "");
 }
 
 } // namespace

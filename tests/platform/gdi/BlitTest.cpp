@@ -91,6 +91,18 @@ TEST(BitBlt, CopiesABlockAndCutsItToBothSurfaces)
     EXPECT_EQ(from.Read(), source);
 }
 
+TEST(BitBlt, CopiesLongRowsFromAndToAnyColumn)
+{
+    const Picture source = Colorful(1600, 2);
+    const Paper from(source);
+    for (const int x : {0, 1, 7, 15, 16, 17}) {
+        const Copy copy{x, 0, 1500, 2, x % 3, 0};
+        const Paper to(1600, 2);
+        Blit(to, copy, from);
+        EXPECT_EQ(to.Read(), Copied(Picture(2, std::string(1600, '.')), source, copy, 0, everywhere)) << x;
+    }
+}
+
 // Each direction, within one surface: whole, and cut into three parts of which two lie side by side.
 TEST(BitBlt, OverlappingCopiesReadWhatWasThereBefore)
 {

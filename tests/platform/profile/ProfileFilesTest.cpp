@@ -1,8 +1,7 @@
 #include "tests/platform/profile/IniFixture.h"
 
-#include <fcntl.h>
+#include <functional>
 #include <gtest/gtest.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -31,24 +30,15 @@ void ExpectUnusable(const IniFile& ini)
 
 TEST(ProfileFiles, WhatIsNoFileIsNeitherReadNorWaitedForNorReplaced)
 {
-    {
+    const std::function<void(const std::string&)> makers[] = {
+        [](const auto& path) { fs::create_directory(path); },
+        [](const auto& path) { mkfifo(path.c_str(), 0600); },
+        [](const auto& path) { fs::create_symlink("/dev/zero", path); },
+        [](const auto& path) { fs::create_symlink("test.ini", path); }, // a link to itself
+    };
+    for (const auto& make : makers) {
         const IniFile ini;
-        fs::create_directory(ini.Path());
-        ExpectUnusable(ini);
-    }
-    {
-        const IniFile ini;
-        ASSERT_EQ(mkfifo(ini.Path().c_str(), 0600), 0);
-        ExpectUnusable(ini);
-    }
-    {
-        const IniFile ini;
-        fs::create_symlink("/dev/zero", ini.Path());
-        ExpectUnusable(ini);
-    }
-    {
-        const IniFile ini;
-        fs::create_symlink("test.ini", ini.Path()); // a link to itself
+        make(ini.Path());
         ExpectUnusable(ini);
     }
 }

@@ -27,6 +27,7 @@ TEST(ProfileWrite, ChangesItsLineOnly)
         {"[S]\nk=1\nk=2\n", "S", "k", "new", "[S]\nk=new\nk=2\n"},
         {"[S]\nk=v\n", "S", "k", " \"as it stands\" ", "[S]\nk= \"as it stands\" \n"},
         {"[S]\nk =  1\n", "S", "k", " 2", "[S]\nk = 2\n"},
+        {"[S]\nk=  1\n", "S", "k", "2", "[S]\nk=2\n"},
         // Behind the section's last key.
         {"[S]\nk=v\n\n; about T\n[T]\nk=t\n", "S", "l", "w", "[S]\nk=v\nl=w\n\n; about T\n[T]\nk=t\n"},
         {"[S]\n[T]\n", "S", "k", "v", "[S]\nk=v\n[T]\n"},
