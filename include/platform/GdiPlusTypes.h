@@ -1,0 +1,177 @@
+#pragma once
+
+// The values that the calls of GdiPlusFlat.h and the classes of GdiPlus.h take and give.
+
+#include "Guid.h"
+#include "Types.h"
+
+namespace Gdiplus {
+
+using REAL = float;
+using INT = std::int32_t;
+using ARGB = std::uint32_t; // 0xAARRGGBB, the colours not multiplied by the alpha
+using PixelFormat = INT;
+
+enum Status
+{
+    Ok = 0,
+    GenericError = 1, // broken picture, failed read or write
+    InvalidParameter = 2,
+    OutOfMemory = 3, // also a picture beyond the limits of size
+    ObjectBusy = 4,
+    InsufficientBuffer = 5,
+    NotImplemented = 6,
+    Win32Error = 7,
+    WrongState = 8,
+    Aborted = 9,
+    FileNotFound = 10,
+    ValueOverflow = 11,
+    AccessDenied = 12,
+    UnknownImageFormat = 13,
+    UnsupportedGdiplusVersion = 17,
+    GdiplusNotInitialized = 18,
+    PropertyNotFound = 19,
+    PropertyNotSupported = 20
+};
+using GpStatus = Status;
+
+enum Unit
+{
+    UnitWorld = 0,
+    UnitDisplay = 1,
+    UnitPixel = 2
+};
+using GpUnit = Unit;
+
+enum WrapMode
+{
+    WrapModeTile = 0,
+    WrapModeTileFlipX = 1,
+    WrapModeTileFlipY = 2,
+    WrapModeTileFlipXY = 3,
+    WrapModeClamp = 4
+};
+using GpWrapMode = WrapMode;
+
+enum FillMode
+{
+    FillModeAlternate = 0,
+    FillModeWinding = 1
+};
+using GpFillMode = FillMode;
+
+enum RotateFlipType
+{
+    RotateNoneFlipNone = 0,
+    Rotate90FlipNone = 1,
+    Rotate180FlipNone = 2,
+    Rotate270FlipNone = 3,
+    RotateNoneFlipX = 4,
+    Rotate90FlipX = 5,
+    Rotate180FlipX = 6,
+    Rotate270FlipX = 7,
+    RotateNoneFlipY = Rotate180FlipX,
+    Rotate90FlipY = Rotate270FlipX,
+    Rotate180FlipY = RotateNoneFlipX,
+    Rotate270FlipY = Rotate90FlipX,
+    RotateNoneFlipXY = Rotate180FlipNone,
+    Rotate90FlipXY = Rotate270FlipNone,
+    Rotate180FlipXY = RotateNoneFlipNone,
+    Rotate270FlipXY = Rotate90FlipNone
+};
+
+enum ColorAdjustType
+{
+    ColorAdjustTypeDefault = 0,
+    ColorAdjustTypeBitmap = 1,
+    ColorAdjustTypeBrush = 2,
+    ColorAdjustTypePen = 3,
+    ColorAdjustTypeText = 4
+};
+
+enum ColorMatrixFlags
+{
+    ColorMatrixFlagsDefault = 0,
+    ColorMatrixFlagsSkipGrays = 1,
+    ColorMatrixFlagsAltGray = 2
+};
+
+// A colour as the row (red, green, blue, alpha, 1), each from 0 to 1, times this.
+struct ColorMatrix
+{
+    REAL m[5][5];
+};
+
+struct Point
+{
+    INT X = 0;
+    INT Y = 0;
+};
+using GpPoint = Point;
+
+inline constexpr PixelFormat PixelFormatUndefined = 0;
+inline constexpr PixelFormat PixelFormat1bppIndexed = 0x00030101;
+inline constexpr PixelFormat PixelFormat4bppIndexed = 0x00030402;
+inline constexpr PixelFormat PixelFormat8bppIndexed = 0x00030803;
+inline constexpr PixelFormat PixelFormat24bppRGB = 0x00021808;
+inline constexpr PixelFormat PixelFormat32bppRGB = 0x00022009;
+inline constexpr PixelFormat PixelFormat32bppARGB = 0x0026200A;
+inline constexpr PixelFormat PixelFormat32bppPARGB = 0x000E200B;
+
+using PROPID = DWORD;
+inline constexpr PROPID PropertyTagFrameDelay = 0x5100; // hundredths of a second, one for each frame
+inline constexpr PROPID PropertyTagLoopCount = 0x5101;  // 0: for ever
+inline constexpr WORD PropertyTagTypeShort = 3;
+inline constexpr WORD PropertyTagTypeLong = 4;
+
+struct PropertyItem
+{
+    PROPID id;
+    DWORD length; // of the value, in bytes
+    WORD type;
+    void* value;
+};
+
+// {6AEDBD6D-3FB5-418A-83A6-7F45229DC872}
+inline constexpr GUID FrameDimensionTime{
+    0x6AEDBD6D, 0x3FB5, 0x418A, {0x83, 0xA6, 0x7F, 0x45, 0x22, 0x9D, 0xC8, 0x72}};
+// {7462DC86-6180-4C7E-8E3F-EE7333A7A483}
+inline constexpr GUID FrameDimensionPage{
+    0x7462DC86, 0x6180, 0x4C7E, {0x8E, 0x3F, 0xEE, 0x73, 0x33, 0xA7, 0xA4, 0x83}};
+
+using CLSID = GUID;
+
+// The texts end in a NUL and live as long as the library.
+struct ImageCodecInfo
+{
+    CLSID Clsid;
+    GUID FormatID;
+    const WCHAR* CodecName;
+    const WCHAR* FormatDescription;
+    const WCHAR* FilenameExtension; // "*.JPG;*.JPEG"
+    const WCHAR* MimeType;
+};
+
+// Taken and ignored: the encoders have no choices.
+struct EncoderParameters;
+
+using GetThumbnailImageAbort = int (*)(void*);
+using DrawImageAbort = GetThumbnailImageAbort;
+
+struct GdiplusStartupInput
+{
+    DWORD GdiplusVersion = 1;
+    void* DebugEventCallback = nullptr;
+    int SuppressBackgroundThread = 0;
+    int SuppressExternalCodecs = 0;
+};
+struct GdiplusStartupOutput;
+
+// A picture of more pixels than this, or with a side above the second, is refused before anything is
+// allocated for it: OutOfMemory.
+inline constexpr std::int64_t MAX_IMAGE_PIXELS = std::int64_t{1} << 26;
+inline constexpr int MAX_IMAGE_SIDE = 32767;
+// The longest file or stream that is read.
+inline constexpr std::int64_t MAX_IMAGE_BYTES = std::int64_t{1} << 28;
+
+} // namespace Gdiplus
