@@ -48,11 +48,10 @@ public:
     std::optional<Surface> Run()
     {
         if (!m_info || !Guarded(&Decoder::ReadHeader)) return std::nullopt;
-        auto surface = Surface::Make(static_cast<int>(png_get_image_width(m_png, m_info)),
-                                     static_cast<int>(png_get_image_height(m_png, m_info)));
-        m_pSurface = surface ? &*surface : nullptr;
-        if (!m_pSurface || !Guarded(&Decoder::ReadPixels)) return std::nullopt;
-        return surface;
+        m_surface = Surface::Make(static_cast<int>(png_get_image_width(m_png, m_info)),
+                                  static_cast<int>(png_get_image_height(m_png, m_info)));
+        if (!m_surface || !Guarded(&Decoder::ReadPixels)) return std::nullopt;
+        return std::move(m_surface);
     }
 
 private:
@@ -94,8 +93,8 @@ private:
     void ReadPixels()
     {
         for (int pass = 0; pass < m_nPasses; ++pass)
-            for (int y = 0; y < m_pSurface->Height(); ++y)
-                png_read_row(m_png, reinterpret_cast<png_bytep>(m_pSurface->Row(y)), nullptr);
+            for (int y = 0; y < m_surface->Height(); ++y)
+                png_read_row(m_png, reinterpret_cast<png_bytep>(m_surface->Row(y)), nullptr);
         png_read_end(m_png, nullptr);
     }
 
@@ -104,7 +103,7 @@ private:
     png_infop m_info;
     const png_uint_32 m_nMaxSide;
     int m_nPasses = 1;
-    Surface* m_pSurface = nullptr;
+    std::optional<Surface> m_surface;
 };
 
 } // namespace

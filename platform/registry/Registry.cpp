@@ -4,7 +4,7 @@
 #include "platform/LiveHandles.h"
 #include "platform/registry/RegistryFile.h"
 
-#include <cstring>
+#include <algorithm>
 #include <memory>
 #include <mutex>
 #include <unordered_map>
@@ -134,7 +134,7 @@ long RegQueryValueExA(HKEY hKey, const char* pszValue, DWORD*, DWORD* pdwType, B
     *pcbData = static_cast<DWORD>(value->data.size());
     if (!pData) return ERROR_SUCCESS;
     if (room < *pcbData) return ERROR_MORE_DATA;
-    std::memcpy(pData, value->data.data(), value->data.size());
+    std::copy_n(value->data.data(), value->data.size(), pData);
     return ERROR_SUCCESS;
 }
 

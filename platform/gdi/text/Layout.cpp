@@ -39,12 +39,9 @@ std::size_t FindBreak(FontFace& face, std::u32string_view text, int nRoom)
     int width = 0;
     for (std::size_t n = 0; n < text.size(); ++n) {
         width += face.Get(text[n]).advance;
-        if (text[n] == U' ')
-            nBlank = n + 1;
-        else if (width > nRoom)
-            return nBlank > 0 ? nBlank : std::max<std::size_t>(n, 1);
-        else if (text[n] >= 0x2E80) // Chinese text breaks behind any letter
-            nBlank = n + 1;
+        const bool bBlank = text[n] == U' ';
+        if (!bBlank && width > nRoom) return nBlank > 0 ? nBlank : std::max<std::size_t>(n, 1);
+        if (bBlank || text[n] >= 0x2E80) nBlank = n + 1; // Chinese text breaks behind any letter
     }
     return text.size();
 }
