@@ -12,6 +12,22 @@
 
 CKXLogSys* CKXLogSys::s_pInstance = nullptr;
 
+namespace {
+
+// What can't be written, for a full disk or a lack of memory, is lost, and the writer goes on.
+template <class Step>
+void Try(Step step) noexcept
+{
+    try {
+        step();
+    } catch (CException* pException) {
+        pException->Delete();
+    } catch (const std::bad_alloc&) {
+    }
+}
+
+} // namespace
+
 CKXLogSys* CKXLogSys::GetSingletonPtr()
 {
     if (!s_pInstance)
@@ -28,15 +44,19 @@ CKXLogSys::CKXLogSys()
 CKXLogSys::~CKXLogSys()
 {
     OutputDebugStringA("CKXLogSys Deconstruction!\n");
-    StopThread(); // a writer that the client left running must not outlive what it works on
+    if (m_hThread) Uninitialize(); // a writer left running must not outlive what it works on
 }
 
 int CKXLogSys::Initialize(CString const& strFilePath)
 {
     if (m_hWakeEvent) return 0;
     if (!m_fileLog.Open(strFilePath, CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite)) return 0;
-    m_hWakeEvent = CreateEventA(nullptr, FALSE, FALSE, nullptr);
     m_hStopEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    const HANDLE hWakeEvent = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    {
+        const CKXAutoLock lock(&m_lockLog); // lines may be pushed meanwhile
+        m_hWakeEvent = hWakeEvent;
+    }
     StartThread();
     return 1;
 }
@@ -46,23 +66,25 @@ void CKXLogSys::Uninitialize()
     StopThread();
     for (HANDLE* pEvent : {&m_hWakeEvent, &m_hStopEvent})
         if (HANDLE hEvent = std::exchange(*pEvent, nullptr)) CloseHandle(hEvent);
-    try {
-        m_fileLog.Close();
-    } catch (CException* pException) { // the last block can't be written: lost, as any other would be
-        pException->Delete();
-    }
+    Try([this] { m_fileLog.Close(); });
 }
 
 int CKXLogSys::StartThread()
 {
     if (!m_hThread)
         m_hThread = reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, WriteLogThread, this, 0, nullptr));
+    m_dwProcess = GetCurrentProcessId();
     return 1;
 }
 
 int CKXLogSys::StopThread()
 {
     if (!m_hThread) return 1;
+    if (m_dwProcess != GetCurrentProcessId()) { // a fork has neither the thread nor its lines
+        CloseHandle(std::exchange(m_hThread, nullptr));
+        m_fileLog.Abort();
+        return 1;
+    }
     SetEvent(m_hStopEvent); // first, so that the writer, once awake, finds it
     SetEvent(m_hWakeEvent);
     WaitForSingleObject(m_hThread, INFINITE);
@@ -131,30 +153,12 @@ unsigned CKXLogSys::WriteLogThreadFunc()
     while (WaitForSingleObject(m_hWakeEvent, INFINITE) == WAIT_OBJECT_0 && !isStopped()) {
         CString strLine;
         while (!isStopped() && GetNextLog(strLine))
-            WriteLine(strLine);
-        FlushFile();
+            Try([&] { m_fileLog.WriteString(strLine); });
+        Try([this] { m_fileLog.Flush(); });
         if (isStopped()) break;
     }
     GiveBack();
     return 0;
-}
-
-void CKXLogSys::WriteLine(const CString& strLine)
-{
-    try {
-        m_fileLog.WriteString(strLine);
-    } catch (CException* pException) {
-        pException->Delete();
-    }
-}
-
-void CKXLogSys::FlushFile()
-{
-    try {
-        m_fileLog.Flush();
-    } catch (CException* pException) {
-        pException->Delete();
-    }
 }
 
 // What was taken but not written goes back to the head of the queue, where a later start finds it.

@@ -2,17 +2,20 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <iterator>
 
 int CKXStrHelper::Split(const CString& strText, const CString& strDelim, std::vector<CString>& vecOut)
 {
     std::vector<CString> pieces; // apart, since the text or the delimiter may be one of the vector's own
+    const char* const pszDelim = strDelim;
+    const int nDelim = static_cast<int>(std::strlen(pszDelim));
     int start = 0;
-    while (!strDelim.IsEmpty()) {
-        const int found = strText.Find(strDelim, start);
+    while (nDelim > 0) {
+        const int found = strText.Find(pszDelim, start);
         if (found < 0) break;
         pieces.push_back(strText.Mid(start, found - start));
-        start = found + strDelim.GetLength();
+        start = found + nDelim;
     }
     if (start < strText.GetLength()) pieces.push_back(strText.Mid(start));
     std::move(pieces.begin(), pieces.end(), std::back_inserter(vecOut));

@@ -5,19 +5,21 @@
 #include <array>
 #include <charconv>
 #include <cstring>
+#include <limits>
+#include <new>
 
 namespace {
 
 // The stamp of one second, kept for the other lines of that second.
 struct Stamp
 {
-    std::int64_t second = INT64_MIN;
+    std::int64_t second = 0;
     std::array<char, 64> text{};
-    std::size_t length = 0;
+    std::size_t length = 0; // 0: there is none yet
 
     std::string_view At(CTime now)
     {
-        if (now.GetTime() == second) return {text.data(), length};
+        if (now.GetTime() == second && length > 0) return {text.data(), length};
         std::tm fields{};
         length = now.GetLocalTm(&fields)
                      ? std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &fields)
@@ -48,6 +50,7 @@ CString kx::log::MakeLine(int nLevel, std::string_view message)
     const std::string_view level(digits.data(), static_cast<std::size_t>(end - digits.data()));
 
     const std::size_t length = stamp.size() + level.size() + message.size() + 5;
+    if (length > static_cast<std::size_t>(std::numeric_limits<int>::max())) throw std::bad_alloc();
     CString line;
     char* at = line.GetBuffer(static_cast<int>(length));
     for (const std::string_view part : {std::string_view("["), stamp, std::string_view("] "), level,

@@ -3,6 +3,7 @@
 #include "KXFileSystem.h"
 #include "files/FileSearch.h"
 
+#include <set>
 #include <utility>
 
 using kx::files::FileSearch;
@@ -42,6 +43,21 @@ int DeleteTree(const CString& strPath)
     return DeleteContent(strPath) ? RemoveDirectoryA(strPath) : 0;
 }
 
+// The names that came up in one directory. Of two that differ in case alone the second would be copied over
+// the first, since paths are found ignoring case.
+class Names
+{
+public:
+    bool IsFirst(const char* pszName)
+    {
+        CString strName = pszName;
+        return m_names.insert(strName.MakeLower()).second;
+    }
+
+private:
+    std::set<CString> m_names;
+};
+
 void CopySubdirectory(CString strSrc, CString strDst, const WIN32_FIND_DATAA& data)
 {
     if (kx::files::BeginsWithPoint(data)) return;
@@ -59,14 +75,16 @@ bool CopyContent(const CString& strSrc, const CString& strDst, KXCopyDirProc pfn
     WIN32_FIND_DATAA data;
     FileSearch search(strSrc + "*", data);
     if (!search) return true;
+    Names names;
     do {
         const CString strFrom = strSrc + data.cFileName;
         const CString strTo = strDst + data.cFileName;
+        const bool bFirst = names.IsFirst(data.cFileName);
         if (kx::files::IsDirectory(data)) {
-            CopySubdirectory(strFrom, strTo, data);
+            if (bFirst) CopySubdirectory(strFrom, strTo, data);
             continue;
         }
-        const int bCopied = CopyFileA(strFrom, strTo, FALSE);
+        const int bCopied = bFirst ? CopyFileA(strFrom, strTo, FALSE) : 0;
         if (pfn && !pfn(strFrom, strTo, 1, bCopied, lParam)) return false;
     } while (search.Next());
     return true;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <charconv>
 #include <climits>
 #include <cmath>
@@ -52,7 +53,9 @@ double ToDouble(std::string_view text)
     if (bNegative || text.starts_with('+')) text.remove_prefix(1);
     const bool bHex = text.starts_with("0x") || text.starts_with("0X");
     const std::string_view digits = text.substr(bHex ? 2 : 0);
-    if (digits.starts_with('-')) return 0;
+    const auto isHex = [](char ch) { return std::isxdigit(static_cast<unsigned char>(ch)) != 0; };
+    const std::string_view first = digits.substr(digits.starts_with('.') ? 1 : 0, 1);
+    if (digits.starts_with('-') || (bHex && !std::all_of(first.begin(), first.end(), isHex))) return 0;
 
     double value = 0;
     const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value,

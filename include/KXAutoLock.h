@@ -12,8 +12,9 @@ public:
         if (m_pLock) m_pLock->Lock();
     }
     CKXAutoLock(const CKXAutoLock&) = delete;
-    // A copy would give the lock back once too often.
-    CKXAutoLock& operator=(const CKXAutoLock&) = delete;
+    // Takes over which lock is given back at the end; neither takes nor gives back one now, so both guards
+    // are to be of locks that the thread holds often enough.
+    CKXAutoLock& operator=(const CKXAutoLock&) = default;
     ~CKXAutoLock() KX_RELEASE() KX_UNCHECKED_LOCKING
     {
         if (m_pLock) m_pLock->UnLock();

@@ -131,7 +131,8 @@ public:
     // Copies what a directory holds into another, which exists, over what is there. Directories whose names
     // begin with a point are left out; a link to a directory is copied as a link. A file that can't be copied
     // doesn't stop it. `pfn` may be null; it is told of the files directly in `strSrc`, whose callback can
-    // stop the copy, and at the end, also where `strSrc` can't be searched. The backslash that either path
+    // stop the copy, and at the end, also where `strSrc` can't be searched. Of names that differ in case
+    // alone only the first that is found is copied: the target would be one. The backslash that either path
     // lacks at its end is added to the caller's string. An empty path copies nothing. The target should not
     // lie in the source: it would be copied into itself until the paths are too long.
     static void CopyDir(CString& strSrc, CString& strDst, KXCopyDirProc pfn, long lParam);

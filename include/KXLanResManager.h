@@ -26,8 +26,8 @@ class StringTable;
 class KX_API CKXLanResManager
 {
 public:
-    // The manager, made at the first call, which must not race with another; null for lack of memory. The
-    // object is the library's.
+    // The manager, made at the first call, which must not race with another; null (or std::bad_alloc from
+    // its members) for lack of memory. The object is the library's.
     static CKXLanResManager* GetSingletonPtr();
 
     CKXLanResManager(const CKXLanResManager&) = delete;
@@ -98,14 +98,14 @@ private:
 
     bool ReadLanData(const CString& strFile);
     void AddLine(const CString& strLine);
-    void Insert(std::string_view key, CString strValue);
+    void Insert(std::string_view key, std::string_view value);
     int Select(int nIndex, int bNotify);
     const KXLanguageItem* FindLan(int nIndex) KX_REQUIRES(m_csLans);
 
     CKXCritSection m_csLans;
     CKXCritSection m_csData;
     std::vector<KXLanguageItem> m_vecLans KX_GUARDED_BY(m_csLans);
-    std::unique_ptr<kx::language::StringTable> m_mapStrings KX_GUARDED_BY(m_csData);
+    std::unique_ptr<kx::language::StringTable> m_mapStrings KX_GUARDED_BY(m_csData); // null: no texts
     KXLanguageItem m_curLan;
     int m_nCurLan = -1;
     CString m_strLanRoot;

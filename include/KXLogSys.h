@@ -72,8 +72,6 @@ private:
     friend struct std::default_delete<CKXLogSys>;
 
     void PushLine(CString strLine);
-    void WriteLine(const CString& strLine);
-    void FlushFile();
     void GiveBack();
 
     std::list<CString> m_listLog KX_GUARDED_BY(m_lockLog);
@@ -81,7 +79,9 @@ private:
     CStdioFile m_fileLog;
     HANDLE m_hThread = nullptr;
     HANDLE m_hStopEvent = nullptr;
-    HANDLE m_hWakeEvent = nullptr;
+    HANDLE m_hWakeEvent =
+        nullptr;           // set while the lock is held; the rest belongs to Initialize and Uninitialize
+    DWORD m_dwProcess = 0; // whose thread it is
     // Lines that the writer took off the queue in one go and has not written yet; its own.
     std::list<CString> m_listTaken;
 

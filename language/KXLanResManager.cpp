@@ -10,6 +10,7 @@
 #include "platform/Registry.h"
 
 #include <array>
+#include <memory>
 #include <new>
 #include <string_view>
 
@@ -49,8 +50,7 @@ CKXLanResManager* CKXLanResManager::GetSingletonPtr()
     return s_pInstance;
 }
 
-CKXLanResManager::CKXLanResManager()
-    : m_mapStrings(std::make_unique<kx::language::StringTable>()), m_curLan("", "")
+CKXLanResManager::CKXLanResManager() : m_curLan("", "")
 {
     s_auto_ptr.reset(this);
     OutputDebugStringA("CKXLanResManager Construction!\n");
@@ -73,11 +73,15 @@ int CKXLanResManager::Initialize(const CString& strLanDir)
         const CKXAutoLock lock(&m_csLans);
         m_vecLans.clear();
     }
-    m_strLanRoot = CKXFileSystem::GetInstancePtr()->GetAppPath() + strLanDir + "\\";
+    const auto* pFileSystem = CKXFileSystem::GetInstancePtr();
+    if (!pFileSystem) return 0;
+    m_strLanRoot = pFileSystem->GetAppPath() + strLanDir + "\\";
 
     WIN32_FIND_DATAA entry;
     const HANDLE hFind = FindFirstFileA(m_strLanRoot + "*", &entry);
     if (hFind == INVALID_HANDLE_VALUE) return 0;
+    constexpr auto close = [](HANDLE handle) { FindClose(handle); };
+    const std::unique_ptr<void, decltype(close)> search(hFind, close);
     int nResult = 0;
     do {
         const std::string_view name = entry.cFileName;
@@ -88,7 +92,6 @@ int CKXLanResManager::Initialize(const CString& strLanDir)
         m_vecLans.push_back(std::move(item));
         nResult = 1;
     } while (FindNextFileA(hFind, &entry));
-    FindClose(hFind);
     return nResult;
 }
 

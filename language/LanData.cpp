@@ -9,7 +9,6 @@
 #include <array>
 #include <new>
 #include <string_view>
-#include <utility>
 
 using kx::language::HashedKey;
 using kx::language::StringTable;
@@ -35,12 +34,13 @@ std::string_view Trim(std::string_view text)
 }
 
 // In this order, each over the whole value: what one makes, the next may see.
-void ReplaceEscapes(CString& strValue)
+CString ReplaceEscapes(std::string_view value)
 {
-    if (strValue.View().find('\\') == std::string_view::npos) return;
+    CString strValue(value);
     strValue.Replace("\\r\\n", "\r\n");
     strValue.Replace("\\n", "\r\n");
     strValue.Replace("\\t", "\t");
+    return strValue;
 }
 
 } // namespace
@@ -49,27 +49,32 @@ CString CKXLanResManager::GetString(const CString& strKey)
 {
     const HashedKey key(strKey.View());
     const CKXAutoLock lock(&m_csData);
-    const CString* pText = m_mapStrings->Find(key);
+    const CString* pText = m_mapStrings ? m_mapStrings->Find(key) : nullptr;
     return pText ? *pText : strKey;
 }
 
 void CKXLanResManager::InsertString(const CString& strKey, CString strValue)
 {
-    ReplaceEscapes(strValue);
-    Insert(strKey.View(), std::move(strValue));
+    Insert(strKey.View(), strValue.View());
 }
 
-void CKXLanResManager::Insert(std::string_view key, CString strValue)
+void CKXLanResManager::Insert(std::string_view key, std::string_view value)
 {
+    CString strReplaced;
+    if (value.find('\\') != std::string_view::npos) {
+        strReplaced = ReplaceEscapes(value);
+        value = strReplaced.View();
+    }
     const HashedKey hashed(key);
     const CKXAutoLock lock(&m_csData);
-    m_mapStrings->Insert(hashed, std::move(strValue));
+    if (!m_mapStrings) m_mapStrings = std::make_unique<StringTable>();
+    m_mapStrings->Insert(hashed, value);
 }
 
 // The old texts are freed outside the lock.
 void CKXLanResManager::ClearLanData()
 {
-    auto old = std::make_unique<StringTable>();
+    std::unique_ptr<StringTable> old;
     const CKXAutoLock lock(&m_csData);
     m_mapStrings.swap(old);
 }
@@ -109,7 +114,5 @@ void CKXLanResManager::AddLine(const CString& strLine)
     if (nEqual < 0) return;
     const std::string_view line = strLine.View();
     const auto nKey = static_cast<std::size_t>(nEqual);
-    CString strValue(Trim(line.substr(nKey + 1)));
-    ReplaceEscapes(strValue);
-    Insert(Trim(line.substr(0, nKey)), std::move(strValue));
+    Insert(Trim(line.substr(0, nKey)), Trim(line.substr(nKey + 1)));
 }

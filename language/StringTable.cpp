@@ -1,15 +1,27 @@
 #include "language/StringTable.h"
 
-#include <cstring>
-#include <utility>
+#include <algorithm>
 
-void kx::language::StringTable::Insert(const HashedKey& key, CString&& text)
+namespace kx::language {
+
+const CString* StringTable::Find(const HashedKey& key)
 {
-    HashedKey kept = key; // copied before it is known to be new: few keys occur twice
-    if (!key.text.empty()) {
-        auto* copy = static_cast<char*>(m_memory.allocate(key.text.size(), 1));
-        std::memcpy(copy, key.text.data(), key.text.size());
-        kept.text = {copy, key.text.size()};
-    }
-    m_texts.try_emplace(kept, std::move(text));
+    const auto found = m_texts.find(key);
+    if (found == m_texts.end()) return nullptr;
+    Text& text = found->second;
+    if (text.made.IsEmpty()) text.made = CString(text.stored);
+    return &text.made;
 }
+
+void StringTable::Insert(const HashedKey& key, std::string_view text)
+{
+    if (m_texts.find(key) != m_texts.end()) return;
+    auto* const pKey = static_cast<char*>(m_memory.allocate(key.text.size() + text.size() + 1, 1));
+    char* const pText = std::copy(key.text.begin(), key.text.end(), pKey);
+    std::copy(text.begin(), text.end(), pText);
+    HashedKey kept = key;
+    kept.text = {pKey, key.text.size()};
+    m_texts.emplace(kept, Text{{pText, text.size()}, {}});
+}
+
+} // namespace kx::language

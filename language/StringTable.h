@@ -19,22 +19,24 @@ struct HashedKey
     std::size_t hash;
 };
 
-// The texts of one language by their keys, which are compared to the letter. Keys and nodes lie in blocks
-// that are given back all at once, so that filling the table costs one allocation for each text.
+// The texts of one language by their keys, which are compared to the letter. Keys, texts and nodes lie in
+// blocks that are given back all at once; a text becomes a string when it is first asked for, as most of a
+// language's never are.
 class StringTable
 {
 public:
     // Null without such a key.
-    const CString* Find(const HashedKey& key) const
-    {
-        const auto found = m_texts.find(key);
-        return found != m_texts.end() ? &found->second : nullptr;
-    }
+    const CString* Find(const HashedKey& key);
 
     // Adds a text unless the key is there already.
-    void Insert(const HashedKey& key, CString&& text);
+    void Insert(const HashedKey& key, std::string_view text);
 
 private:
+    struct Text
+    {
+        std::string_view stored;
+        CString made; // empty before it is asked for
+    };
     struct Hash
     {
         using is_transparent = void;
@@ -47,7 +49,7 @@ private:
     };
 
     std::pmr::monotonic_buffer_resource m_memory{4096};
-    std::pmr::unordered_map<HashedKey, CString, Hash, Equal> m_texts{&m_memory};
+    std::pmr::unordered_map<HashedKey, Text, Hash, Equal> m_texts{&m_memory};
 };
 
 } // namespace kx::language

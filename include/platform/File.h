@@ -53,6 +53,9 @@ public:
     // before didn't reach the file; it is closed all the same.
     virtual void Close();
 
+    // Closes the file without a failure; what a buffer of a derived class still held is lost.
+    virtual void Abort() noexcept;
+
     // Reads up to `nCount` bytes; returns how many, 0 at the end. Throws CFileException*.
     virtual std::size_t Read(void* pBuf, std::size_t nCount);
     // Writes all of it or throws CFileException*.

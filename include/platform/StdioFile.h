@@ -15,6 +15,7 @@ public:
 
     int Open(const char* pszFileName, unsigned nOpenFlags, CFileException* pError = nullptr) override;
     void Close() override;
+    void Abort() noexcept override;
     // Delivers the bytes as they stand, `nCount` of them unless the file ends before.
     std::size_t Read(void* pBuf, std::size_t nCount) override;
     void Write(const void* pBuf, std::size_t nCount) override;

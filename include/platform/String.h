@@ -14,7 +14,7 @@
 // them changes, so passing by value is cheap. Positions and lengths are in bytes. Searches never match the
 // second byte of a double-byte character, and case conversion never changes one. A null `const char*`
 // counts as the empty string. Arguments out of range are pulled into range; nothing here fails but for lack
-// of memory (std::bad_alloc).
+// of memory or a text of 2 GiB (std::bad_alloc).
 //
 // Threads: distinct objects may be used from distinct threads, also when they share a buffer; one object is
 // used by one thread at a time.
@@ -67,8 +67,8 @@ public:
     CString Mid(int nFirst) const;
     CString Mid(int nFirst, int nCount) const;
 
-    // The first position at or behind `nStart` of a byte or text, -1 without one. An empty text is found at
-    // `nStart`.
+    // The first position at or behind `nStart`, where a character begins, of a byte or text; -1 without one
+    // or for a start behind the end. An empty text is found at `nStart`.
     int Find(char ch, int nStart = 0) const noexcept;
     int Find(const char* pszSub, int nStart = 0) const noexcept;
     // The last position of a byte, -1 without one.

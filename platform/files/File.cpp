@@ -62,6 +62,12 @@ void CFile::Close()
         throw new CFileException(kx::CauseFromErrno(errno), errno, strFileName);
 }
 
+void CFile::Abort() noexcept
+{
+    if (m_fd >= 0) close(std::exchange(m_fd, -1));
+    m_strFileName = CString();
+}
+
 std::size_t CFile::Read(void* pBuf, std::size_t nCount)
 {
     const ssize_t got = kx::RetryEintr([&] { return read(m_fd, pBuf, nCount); });

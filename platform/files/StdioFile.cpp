@@ -34,6 +34,13 @@ void CStdioFile::Close()
     if (error) throw new CFileException(kx::CauseFromErrno(error), error, strFileName);
 }
 
+void CStdioFile::Abort() noexcept
+{
+    m_nPos = m_nEnd = 0;
+    m_bWriting = false;
+    CFile::Abort();
+}
+
 void CStdioFile::Flush()
 {
     if (const int error = WriteOut()) Throw(error);

@@ -5,20 +5,60 @@
 
 namespace kx::text {
 
+namespace {
+
+// Tells which of a text's positions begin a character, when asked in rising order: it never looks back behind
+// what it knows already, so that a search takes time in proportion to the text alone.
+class CharStarts
+{
+public:
+    CharStarts(std::string_view text, std::size_t start, bool bDoubleByte) noexcept
+        : m_text(text), m_known(start), m_bDoubleByte(bDoubleByte)
+    {
+    }
+    bool At(std::size_t pos) noexcept
+    {
+        if (!m_bDoubleByte || pos >= m_text.size()) return true;
+        const bool bStart = IsCharStart(m_text.substr(m_known), pos - m_known, true);
+        m_known = bStart ? pos : pos + 1; // behind a trail byte the next character begins
+        return bStart;
+    }
+
+private:
+    const std::string_view m_text;
+    std::size_t m_known; // a character begins here
+    const bool m_bDoubleByte;
+};
+
+template <class Sought>
+std::size_t FindStart(std::string_view text, Sought sought, std::size_t start, bool bDoubleByte) noexcept
+{
+    CharStarts starts(text, start, bDoubleByte);
+    for (auto pos = text.find(sought, start); pos != text.npos; pos = text.find(sought, pos + 1))
+        if (starts.At(pos)) return pos;
+    return text.npos;
+}
+
+} // namespace
+
 std::size_t Find(std::string_view text, char ch, std::size_t start) noexcept
 {
-    const bool bDoubleByte = IsTrail(ch) && IsDoubleByte();
-    for (auto pos = text.find(ch, start); pos != text.npos; pos = text.find(ch, pos + 1))
-        if (IsCharStart(text, pos, bDoubleByte)) return pos;
-    return text.npos;
+    return FindStart(text, ch, start, IsTrail(ch) && IsDoubleByte());
 }
 
 std::size_t Find(std::string_view text, std::string_view sub, std::size_t start) noexcept
 {
-    const bool bDoubleByte = IsDoubleByte();
-    for (auto pos = text.find(sub, start); pos != text.npos; pos = text.find(sub, pos + 1))
-        if (IsCharStart(text, pos, bDoubleByte)) return pos;
-    return text.npos;
+    return FindStart(text, sub, start, IsDoubleByte());
+}
+
+std::size_t FindLast(std::string_view text, char ch) noexcept
+{
+    if (!IsTrail(ch) || !IsDoubleByte()) return text.rfind(ch);
+    CharStarts starts(text, 0, true);
+    std::size_t last = text.npos;
+    for (auto pos = text.find(ch); pos != text.npos; pos = text.find(ch, pos + 1))
+        if (starts.At(pos)) last = pos;
+    return last;
 }
 
 std::string_view Trim(std::string_view text) noexcept

@@ -50,9 +50,11 @@ constexpr char ToLower(char ch) noexcept
     return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch + ('a' - 'A')) : ch;
 }
 
-// Position of the first occurrence that begins a character, npos without one.
+// Position of the first or last occurrence that begins a character, npos without one. A character begins at
+// `start`.
 std::size_t Find(std::string_view text, char ch, std::size_t start = 0) noexcept;
 std::size_t Find(std::string_view text, std::string_view sub, std::size_t start = 0) noexcept;
+std::size_t FindLast(std::string_view text, char ch) noexcept;
 
 // White space cut from both ends; it never is a trail byte.
 std::string_view Trim(std::string_view text) noexcept;

@@ -1,12 +1,12 @@
 #include "include/platform/String.h"
 
-#include "include/platform/Exception.h"
 #include "platform/text/CharWalk.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <string>
 
 namespace text = kx::text;
@@ -16,7 +16,7 @@ constinit CString::Rep CString::s_empty{-1, 0, 0, {'\0'}};
 
 CString::Rep* CString::NewRep(std::size_t nCapacity)
 {
-    if (nCapacity > static_cast<std::size_t>(INT_MAX) - sizeof(Rep)) AfxThrowMemoryException();
+    if (nCapacity > static_cast<std::size_t>(INT_MAX) - sizeof(Rep)) throw std::bad_alloc();
     void* memory = ::operator new(sizeof(Rep) + nCapacity);
     return new (memory) Rep{1, 0, static_cast<int>(nCapacity), {'\0'}};
 }
@@ -40,7 +40,9 @@ void CString::MakeWritable(std::size_t nCapacity)
 {
     if (nCapacity <= static_cast<std::size_t>(INT_MAX) && IsWritable(static_cast<int>(nCapacity))) return;
     const std::string_view old = View();
-    const std::size_t grown = nCapacity > old.size() ? std::max(nCapacity, old.size() * 3 / 2) : old.size();
+    constexpr auto nMost = static_cast<std::size_t>(INT_MAX) - sizeof(Rep);
+    const std::size_t ahead = std::min(old.size() + old.size() / 2, nMost);
+    const std::size_t grown = nCapacity > old.size() ? std::max(nCapacity, ahead) : old.size();
     Rep* rep = NewRep(grown);
     std::memcpy(rep->text, old.data(), old.size());
     rep->text[old.size()] = '\0';
@@ -249,11 +251,7 @@ int CString::Find(const char* pszSub, int nStart) const noexcept
 
 int CString::ReverseFind(char ch) const noexcept
 {
-    const std::string_view str = View();
-    const bool bDoubleByte = text::IsDoubleByte();
-    for (auto pos = str.rfind(ch); pos != str.npos; pos = pos == 0 ? str.npos : str.rfind(ch, pos - 1))
-        if (text::IsCharStart(str, pos, bDoubleByte)) return static_cast<int>(pos);
-    return -1;
+    return ToIndex(text::FindLast(View(), ch));
 }
 
 int CString::Replace(const char* pszOld, const char* pszNew)

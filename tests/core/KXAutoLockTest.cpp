@@ -25,6 +25,38 @@ TEST(AutoLock, GuardsAndNests)
     const CKXAutoLock none(nullptr);
 }
 
+TEST(AutoLock, AssignmentMovesWhatIsGivenBack)
+{
+    CKXCritSection kept;
+    CKXCritSection given;
+    {
+        CKXAutoLock first(&kept);
+        const CKXAutoLock second(&given);
+        given.Lock(); // for `first` to give back in place of `kept`
+        first = second;
+    }
+    std::jthread([&] { const CKXAutoLock lock(&given); }).join();
+    kept.UnLock();
+    std::jthread([&] { const CKXAutoLock lock(&kept); }).join();
+}
+
+TEST(AutoResHandle, AssignmentCopiesWhatComesBack)
+{
+    int a = 0;
+    int b = 0;
+    const auto hBefore = AfxGetResourceHandle();
+    const auto hOuter = reinterpret_cast<HINSTANCE>(&a);
+    const auto hInner = reinterpret_cast<HINSTANCE>(&b);
+    {
+        CKXAutoResHandle outer(hOuter);
+        const CKXAutoResHandle inner(hInner);
+        outer = inner;
+        EXPECT_EQ(AfxGetResourceHandle(), hInner);
+    }
+    EXPECT_EQ(AfxGetResourceHandle(), hOuter); // what `inner` had kept
+    AfxSetResourceHandle(hBefore);
+}
+
 TEST(AutoResHandle, NestsByScope)
 {
     int a = 0;
@@ -35,9 +67,7 @@ TEST(AutoResHandle, NestsByScope)
     {
         const CKXAutoResHandle outer(hOuter);
         {
-            CKXAutoResHandle inner(hInner);
-            EXPECT_EQ(AfxGetResourceHandle(), hInner);
-            inner = inner;
+            const CKXAutoResHandle inner(hInner);
             EXPECT_EQ(AfxGetResourceHandle(), hInner);
         }
         EXPECT_EQ(AfxGetResourceHandle(), hOuter);

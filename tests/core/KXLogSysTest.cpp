@@ -5,11 +5,13 @@
 #include <algorithm>
 #include <cstdlib>
 #include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
 #include <sys/inotify.h>
+#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -28,6 +30,28 @@ void WaitForText(const std::string& path, const std::string& text)
         ASSERT_GT(read(notices, block, sizeof(block)), 0);
     }
     close(notices);
+}
+
+// Waits until all threads but the caller's sleep, as the writer does when it has nothing to do.
+void AwaitSleepers()
+{
+    const auto sleeps = [](const std::filesystem::path& task) {
+        const std::string stat = test::ReadFile((task / "stat").string());
+        return task.filename() == std::to_string(gettid()) || stat.find(") S ") != std::string::npos;
+    };
+    const auto allSleep = [&] {
+        const std::filesystem::directory_iterator tasks("/proc/self/task");
+        return std::all_of(begin(tasks), end(tasks), [&](const auto& task) { return sleeps(task.path()); });
+    };
+    while (!allSleep())
+        std::this_thread::yield();
+}
+
+// How often this process wrote to anything.
+long WriteCalls()
+{
+    const std::string io = test::ReadFile("/proc/self/io");
+    return std::atol(io.c_str() + io.find("syscw: ") + 7);
 }
 
 class Log : public testing::Test
@@ -92,8 +116,10 @@ TEST_F(Log, AnInstantBeyondTheCalendarIsSaid)
     const test::VirtualClock never(INT64_MAX);
     Start();
     log->PushLog(Level::LogInfo, "when?");
+    KXHost::UseVirtualClock(INT64_MIN);
+    log->PushLog(Level::LogInfo, "when?");
     Drain();
-    EXPECT_EQ(Text(), "[Invalid DateTime] 1 when?\n");
+    EXPECT_EQ(Text(), "[Invalid DateTime] 1 when?\n[Invalid DateTime] 1 when?\n");
 }
 
 // Lines from before a start wait for the first one after it, and so do lines that a stop left behind.
@@ -101,6 +127,7 @@ TEST_F(Log, HoldsLinesWhileItDoesNotRun)
 {
     log->PushLog(Level::LogInfo, "early");
     Start();
+    AwaitSleepers();
     EXPECT_EQ(Text(), "");
     Drain();
     EXPECT_EQ(Text(), "[2009-03-14 08:05:09] 1 early\n");
@@ -108,9 +135,53 @@ TEST_F(Log, HoldsLinesWhileItDoesNotRun)
     log->Uninitialize();
     log->PushLog(Level::LogInfo, "between");
     Start();
+    AwaitSleepers();
     EXPECT_EQ(Text(), ""); // each start empties the file
     Drain();
     EXPECT_EQ(Text(), "[2009-03-14 08:05:09] 1 between\n");
+}
+
+TEST_F(Log, WritesABatchInOneGo)
+{
+    for (int n = 0; n < 500; ++n)
+        log->PushLog(Level::LogInfo, "batch");
+    Start();
+    const long nBefore = WriteCalls();
+    Drain();
+    AwaitSleepers();
+    EXPECT_LT(WriteCalls() - nBefore, 20);
+}
+
+TEST_F(Log, TakesLinesWhileItStarts)
+{
+    std::jthread pusher([this] {
+        for (int n = 0; n < 2000; ++n)
+            log->PushLog(Level::LogInfo, "meanwhile");
+    });
+    Start();
+    pusher.join();
+    Drain();
+    const std::string text = Text();
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 2000);
+}
+
+// The fork has neither the writer nor the right to write what is buffered.
+TEST_F(Log, AForkEndsWithoutTheWriter)
+{
+    Start();
+    log->PushLog(Level::LogInfo, "once");
+    Drain();
+    AwaitSleepers();
+    const pid_t child = fork();
+    if (child == 0) {
+        log->Uninitialize();
+        _exit(7);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(WEXITSTATUS(status), 7);
+    Drain();
+    EXPECT_EQ(Text(), "[2009-03-14 08:05:09] 1 once\n");
 }
 
 // Whatever a stop finds, each line ends up in one of the two files, once and in order.

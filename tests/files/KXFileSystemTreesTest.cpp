@@ -154,6 +154,22 @@ TEST_F(FileSystemTrees, CopyDirTellsOfTheTopFilesAlone)
     EXPECT_EQ(fs::read_symlink(dir.Path("d/toplink")), "sub");
 }
 
+// The target could hold one of them only.
+TEST_F(FileSystemTrees, CopyDirCopiesTheFirstOfNamesThatDifferInCase)
+{
+    for (const char* name : {"s/A", "s/a", "s/B/f", "s/b/f"})
+        dir.Write(name, name);
+    dir.MakeDir("d");
+    Progress progress;
+    progress.Copy(dir.Win("s"), dir.Win("d"));
+    EXPECT_EQ(progress.calls.size(), 3u);
+    EXPECT_THAT(progress.calls, testing::Contains(testing::EndsWith("-")));
+    for (const std::string name : {"A", "a", "B/f", "b/f"})
+        if (dir.Exists("d/" + name)) EXPECT_EQ(dir.Read("d/" + name), "s/" + name);
+    EXPECT_NE(dir.Exists("d/A"), dir.Exists("d/a"));
+    EXPECT_NE(dir.Exists("d/B/f"), dir.Exists("d/b/f"));
+}
+
 TEST_F(FileSystemTrees, CopyDirStopsWhereTheCallbackSaysAndOnlyThere)
 {
     for (const char* name : {"s/a", "s/b", "s/c/a"})

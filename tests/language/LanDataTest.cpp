@@ -1,7 +1,9 @@
 #include "tests/language/LanguageTree.h"
 
 #include <atomic>
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
@@ -107,6 +109,25 @@ TEST_F(LanData, AFileThatIsNoFileIsShownToo)
     EXPECT_EQ(lans->SetCurrentLan("D", 0), 1);
     EXPECT_EQ(lans->SetCurrentLan("F", 0), 1);
     EXPECT_EQ(KXHost::TakeMessageBoxes().size(), 2u);
+
+    test::AppDir().Write(tree.Path("R/Lan.ini"), "[Language]\nLanguage=R\n");
+    std::filesystem::create_symlink("/proc/self/mem", test::AppDir().Path(tree.Path("R/Data.txt")));
+    lans->Initialize(tree.Name().c_str());
+    EXPECT_EQ(lans->SetCurrentLan("R", 0), 1); // opens, but can't be read
+    const auto boxes = KXHost::TakeMessageBoxes();
+    ASSERT_EQ(boxes.size(), 1u);
+    EXPECT_GE(boxes[0].strText.Find("Data.txt"), 0) << boxes[0].strText.GetString();
+}
+
+TEST_F(LanData, ATextThatIsThereCostsNothingMore)
+{
+    Load("");
+    const std::string key(100'000, 'k');
+    lans->InsertString(key.c_str(), "first");
+    const std::size_t nBefore = mallinfo2().uordblks + mallinfo2().hblkhd;
+    for (int n = 0; n < 1000; ++n)
+        lans->InsertString(key.c_str(), "again");
+    EXPECT_LT(mallinfo2().uordblks + mallinfo2().hblkhd, nBefore + 1'000'000);
 }
 
 // While a language loads, other threads find each text whole or not at all.

@@ -53,6 +53,20 @@ TEST(String, AppendsItselfAndPartsOfItself)
     EXPECT_STREQ("<" + str + ">" + CString("!"), "<cbc>!");
 }
 
+// One long run of lead bytes, in which only counting from its beginning tells where letters begin.
+TEST(String, LongTextsOfDoubleBytesAreSearchedInOneGo)
+{
+    std::string letters;
+    for (int n = 0; n < 500'000; ++n)
+        letters += "\xB0\xA1";
+    CString str(letters.c_str());
+    EXPECT_EQ(str.Find("\xA1\xB0"), -1);
+    EXPECT_EQ(str.ReverseFind('\xA1'), -1);
+    EXPECT_EQ(str.ReverseFind('\xB0'), 999'998);
+    EXPECT_EQ(str.Replace("\xB0\xA1", "ab"), 500'000);
+    EXPECT_EQ(str.GetLength(), 1'000'000);
+}
+
 TEST(String, PartsArePulledIntoRange)
 {
     const CString str("abcdef");
