@@ -42,13 +42,6 @@ inline constexpr DWORD DESKTOP_ENUMERATE = 64;
 using WNDPROC = LRESULT (*)(HWND, UINT, WPARAM, LPARAM);
 using WNDENUMPROC = int (*)(HWND, long);
 
-// The last errors of this header's operations, beside those of Error.h.
-inline constexpr DWORD ERROR_CLASS_ALREADY_EXISTS = 1410;
-inline constexpr DWORD ERROR_CLASS_DOES_NOT_EXIST = 1411;
-inline constexpr DWORD ERROR_CLASS_HAS_WINDOWS = 1412;
-inline constexpr DWORD ERROR_INVALID_THREAD_ID = 1444;
-inline constexpr DWORD ERROR_NOT_ENOUGH_QUOTA = 1816;
-
 struct WNDCLASSA
 {
     WNDPROC lpfnWndProc = nullptr;

@@ -1,6 +1,7 @@
 #include "platform/profile/FileReplacement.h"
 
 #include "platform/Errno.h"
+#include "platform/files/OpenFile.h"
 
 #include <array>
 #include <climits>
@@ -42,16 +43,6 @@ std::string LockName(const std::string& path)
     const std::size_t begin = NameBegin(path);
     const std::string name = path.substr(begin, NAME_MAX - 1 - kSuffix.size());
     return path.substr(0, begin).append(".").append(name).append(kSuffix);
-}
-
-bool WriteAll(int fd, std::string_view text) noexcept
-{
-    while (!text.empty()) {
-        const ssize_t done = RetryEintr([&] { return write(fd, text.data(), text.size()); });
-        if (done < 0) return false;
-        text.remove_prefix(static_cast<std::size_t>(done));
-    }
-    return true;
 }
 
 } // namespace
@@ -132,7 +123,8 @@ DWORD FileReplacement::Commit(std::string_view text)
 {
     if (ftruncate(m_lock.Get(), 0) != 0) return ErrorFromErrno(errno);
     PassOnStatus();
-    if (!WriteAll(m_lock.Get(), text) || fdatasync(m_lock.Get()) != 0) return ErrorFromErrno(errno);
+    if (const int error = WriteAll(m_lock.Get(), text.data(), text.size())) return ErrorFromErrno(error);
+    if (fdatasync(m_lock.Get()) != 0) return ErrorFromErrno(errno);
     if (rename(m_name.c_str(), m_target.c_str()) != 0) return ErrorFromErrno(errno);
     m_bOurs = false;
     return ERROR_SUCCESS;

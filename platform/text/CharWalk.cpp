@@ -93,9 +93,13 @@ std::string_view CutAtChar(std::string_view text, std::size_t max) noexcept
 {
     if (text.size() <= max) return text;
     if (!IsDoubleByte()) {
-        while (max > 0 && (static_cast<unsigned char>(text[max]) & 0xC0) == 0x80)
-            --max;
-        return text.substr(0, max);
+        const auto continues = [&](std::size_t pos) {
+            return (static_cast<unsigned char>(text[pos]) & 0xC0) == 0x80;
+        };
+        std::size_t cut = max;
+        while (cut > 0 && max - cut < 3 && continues(cut)) // no character has more bytes behind its first
+            --cut;
+        return text.substr(0, continues(cut) ? max : cut);
     }
     return text.substr(0, IsCharStart(text, max, true) ? max : max - 1);
 }
