@@ -1,44 +1,16 @@
-#include <SDL2/SDL.h>
-#include <benchmark/benchmark.h>
+#include "bench/Surfaces.h"
+
 #include <cairo/cairo.h>
 #include <cstring>
-#include <memory>
-#include <new>
 #include <pixman.h>
-#include <platform/Gdi.h>
 #include <random>
-#include <string>
-#include <vector>
 
 // Block copies and regions. Pictures are of 32 bits a pixel, source and destination of one size; a copy takes
 // all of it.
 
+using namespace bench;
+
 namespace {
-
-struct Size
-{
-    int cx;
-    int cy;
-    std::size_t Count() const { return static_cast<std::size_t>(cx) * static_cast<std::size_t>(cy); }
-};
-
-// Rows begin where the library's own do: what a copy costs depends on it.
-template <class T>
-struct Aligned
-{
-    using value_type = T;
-    static constexpr std::align_val_t alignment{64};
-
-    Aligned() = default;
-    template <class U>
-    explicit Aligned(const Aligned<U>&)
-    {
-    }
-    T* allocate(std::size_t n) { return static_cast<T*>(operator new(n * sizeof(T), alignment)); }
-    void deallocate(T* p, std::size_t) { operator delete(p, alignment); }
-    bool operator==(const Aligned&) const = default;
-};
-using Pixels = std::vector<DWORD, Aligned<DWORD>>;
 
 constexpr DWORD dwKey = 0x00FF00FF;
 
@@ -58,49 +30,6 @@ Pixels MakePixels(Size size, Pattern pattern)
         pixels[n] = bKey ? dwKey : static_cast<DWORD>(n * 2654435761u & 0xFFFFFE);
     }
     return pixels;
-}
-
-// A memory surface with a bitmap in it.
-class Ours
-{
-public:
-    explicit Ours(Size size) : m_hBitmap(CreateCompatibleBitmap(m_hDC, size.cx, size.cy))
-    {
-        SelectObject(m_hDC, m_hBitmap);
-    }
-    Ours(Size size, const Pixels& pixels) : Ours(size)
-    {
-        for (int y = 0; y < size.cy; ++y)
-            for (int x = 0; x < size.cx; ++x) {
-                const DWORD pixel = pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(size.cx) +
-                                           static_cast<std::size_t>(x)];
-                SetPixel(m_hDC, x, y, RGB(pixel >> 16, pixel >> 8, pixel));
-            }
-    }
-    Ours(const Ours&) = delete;
-    Ours& operator=(const Ours&) = delete;
-    ~Ours()
-    {
-        DeleteDC(m_hDC);
-        DeleteObject(m_hBitmap);
-    }
-    operator HDC() const { return m_hDC; }
-
-private:
-    HDC m_hDC = CreateCompatibleDC(nullptr);
-    HBITMAP m_hBitmap;
-};
-
-struct FreeSurface
-{
-    void operator()(SDL_Surface* p) const { SDL_FreeSurface(p); }
-};
-using SdlSurface = std::unique_ptr<SDL_Surface, FreeSurface>;
-
-SdlSurface MakeSdl(Size size, Pixels& pixels)
-{
-    return SdlSurface(SDL_CreateRGBSurfaceWithFormatFrom(pixels.data(), size.cx, size.cy, 32, size.cx * 4,
-                                                         SDL_PIXELFORMAT_RGB888));
 }
 
 struct FreeImage
@@ -228,12 +157,6 @@ void RegionCairo(benchmark::State& state, const std::string& shape)
         rects.push_back({run.left, run.top, run.right - run.left, 1});
     for (auto _ : state)
         cairo_region_destroy(cairo_region_create_rectangles(rects.data(), static_cast<int>(rects.size())));
-}
-
-template <class Run, class... Args>
-void Register(const std::string& name, Run run, Args... args)
-{
-    benchmark::RegisterBenchmark(name.c_str(), run, args...)->UseRealTime();
 }
 
 const int registered = [] {

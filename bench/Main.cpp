@@ -48,6 +48,23 @@ const std::map<std::string, double> aims = {
     {"region_disc/cairo", 1},
     {"region_checkerboard/cairo", 2},
     {"region_noise/cairo", 2},
+    {"draw_scaled/pixbuf", 1},
+    {"draw_scaled_alpha/pixbuf", 1},
+    {"draw_enlarged/pixbuf", 1},
+    {"thumbnail/pixbuf", 1},
+    {"line_down/cairo", 1},
+    {"line_across/cairo", 1},
+    {"line_oblique/cairo", 1},
+    {"path_gradient/cairo_radial", 1},
+    {"path_gradient/cairo_mesh", 1},
+    {"draw_fill/sdl2", 1},
+    {"bitmap_rgn_disc_1024/scan_pixman", 1 / 1.3},
+    {"bitmap_rgn_checkerboard_1024/scan_pixman", 1 / 1.3},
+    {"bitmap_rgn_noise_1024/scan_pixman", 1 / 1.3},
+    {"bitmap_rgn_noise_2048/256_64_times", 0.7},
+    {"letter/cairo", 5},
+    {"skin_change/read_and_decode", 1 / 1.5},
+    {"skin_ini_reads/whole_change", 20},
 };
 
 struct Row

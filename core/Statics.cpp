@@ -4,7 +4,9 @@
 #include "KXFileSystem.h"
 #include "KXLanResManager.h"
 #include "KXLogSys.h"
+#include "KXSkinResManager.h"
 
 std::unique_ptr<CKXFileSystem> CKXFileSystem::s_auto_ptr;
 std::unique_ptr<CKXLogSys> CKXLogSys::s_auto_ptr;
 std::unique_ptr<CKXLanResManager> CKXLanResManager::s_auto_ptr;
+std::unique_ptr<CKXSkinResManager> CKXSkinResManager::s_auto_ptr;

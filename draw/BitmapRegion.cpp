@@ -1,7 +1,12 @@
 #include "draw/BitmapRegion.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
+#include <new>
+#include <span>
 #include <vector>
 
 namespace {
@@ -38,35 +43,112 @@ private:
     BITMAPINFO m_info{};
 };
 
-// Appends the runs of a row whose pixels are of the colour, or aren't.
-void AppendRuns(const DWORD* row, int nWidth, int y, DWORD key, bool bKeepColor, std::vector<RECT>& runs)
+// One bit for each pixel, lowest first, in words of 64; a row begins with a word of its own.
+class Bits
 {
-    const auto isIn = [&](int x) { return ((row[x] & 0xFFFFFF) == key) == bKeepColor; };
-    for (int x = 0; x < nWidth;) {
-        while (x < nWidth && !isIn(x))
-            ++x;
-        const int first = x;
-        while (x < nWidth && isIn(x))
-            ++x;
-        if (first < x) runs.push_back({first, y, x, y + 1});
+public:
+    static constexpr int WORD_BITS = 64;
+
+    explicit Bits(SIZE size)
+        : m_nRow((static_cast<std::size_t>(size.cx) + WORD_BITS - 1) / WORD_BITS),
+          m_words(m_nRow * static_cast<std::size_t>(size.cy))
+    {
     }
+    std::span<std::uint64_t> Row(int y)
+    {
+        return std::span(m_words).subspan(static_cast<std::size_t>(y) * m_nRow, m_nRow);
+    }
+
+private:
+    std::size_t m_nRow;
+    std::vector<std::uint64_t> m_words;
+};
+
+// The bits of 64 pixels that are of the colour. Without branches, and in steps that become vector
+// instructions.
+std::uint64_t Compare(const DWORD* pixels, DWORD key)
+{
+    std::array<std::uint8_t, Bits::WORD_BITS> equal;
+    for (std::size_t n = 0; n < equal.size(); ++n)
+        equal[n] = (pixels[n] & 0xFFFFFF) == key ? 1 : 0;
+    std::uint64_t bits = 0;
+    for (std::size_t n = 0; n < equal.size(); n += 8) {
+        std::uint64_t eight = 0;
+        for (std::size_t k = 0; k < 8; ++k)
+            eight |= std::uint64_t{equal[n + k]} << 8 * k;
+        bits |= (eight * 0x0102040810204080 >> 56) << n; // the eight bytes' lowest bits side by side
+    }
+    return bits;
+}
+
+// Marks the pixels of a row that are of the colour, or with `flip` of ones those that aren't.
+void Mark(const DWORD* row, int nWidth, DWORD key, std::uint64_t flip, std::span<std::uint64_t> bits)
+{
+    int x = 0;
+    for (; x + Bits::WORD_BITS <= nWidth; x += Bits::WORD_BITS)
+        bits[static_cast<std::size_t>(x / Bits::WORD_BITS)] = Compare(row + x, key) ^ flip;
+    if (x == nWidth) return;
+    std::array<DWORD, Bits::WORD_BITS> last{};
+    std::copy(row + x, row + nWidth, last.begin());
+    bits.back() = (Compare(last.data(), key) ^ flip) & ((std::uint64_t{1} << (nWidth - x)) - 1);
+}
+
+// Calls `edge(x)` for each place of a row where a run begins or ends, in turn; the last may end at the right
+// side.
+template <class Edge>
+void ForEachEdge(std::span<const std::uint64_t> bits, Edge&& edge)
+{
+    std::uint64_t before = 0; // the bit to the left
+    int x = 0;
+    for (const std::uint64_t word : bits) {
+        for (std::uint64_t edges = word ^ (word << 1 | before); edges != 0; edges &= edges - 1)
+            edge(x + std::countr_zero(edges));
+        before = word >> (Bits::WORD_BITS - 1);
+        x += Bits::WORD_BITS;
+    }
+    if (before != 0) edge(x);
+}
+
+std::size_t CountRuns(std::span<const std::uint64_t> bits)
+{
+    std::uint64_t before = 0;
+    int nBegins = 0;
+    for (const std::uint64_t word : bits) {
+        nBegins += std::popcount(word & ~(word << 1 | before));
+        before = word >> (Bits::WORD_BITS - 1);
+    }
+    return static_cast<std::size_t>(nBegins);
 }
 
 } // namespace
 
 HRGN kx::draw::MakeColorRegion(HDC hDC, HBITMAP hBitmap, SIZE size, COLORREF clr, bool bKeepColor)
-{
+try {
     // A colour with a high byte is no pixel's.
     const bool bNone = (clr >> 24) != 0;
     if (bNone) return bKeepColor ? CreateRectRgn(0, 0, 0, 0) : CreateRectRgn(0, 0, size.cx, size.cy);
     const DWORD key = (clr & 0xFF) << 16 | (clr & 0xFF00) | (clr >> 16 & 0xFF);
 
-    std::vector<RECT> runs;
+    Bits bits(size);
     Rows rows(hDC, hBitmap, size);
+    std::size_t nRuns = 0;
     int y = 0;
     while (const int nRows = rows.Read(y)) {
-        for (int n = 0; n < nRows; ++n, ++y)
-            AppendRuns(rows.Row(n), size.cx, y, key, bKeepColor, runs);
+        for (int n = 0; n < nRows; ++n, ++y) {
+            Mark(rows.Row(n), size.cx, key, bKeepColor ? 0 : ~std::uint64_t{0}, bits.Row(y));
+            nRuns += CountRuns(bits.Row(y));
+        }
+    }
+    std::vector<RECT> runs;
+    runs.reserve(nRuns); // twice the memory would be touched if it grew
+    for (y = 0; y < size.cy; ++y) {
+        int nFirst = -1;
+        ForEachEdge(bits.Row(y), [&](int x) {
+            if (nFirst >= 0) runs.push_back({nFirst, y, x, y + 1});
+            nFirst = nFirst >= 0 ? -1 : x;
+        });
     }
     return CreateRectsRgn(runs.data(), static_cast<int>(runs.size()));
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }

@@ -9,6 +9,7 @@
 
 using kx::draw::Minus;
 using kx::draw::Plus;
+using kx::draw::Span;
 using kx::draw::Times;
 
 namespace {
@@ -16,6 +17,11 @@ namespace {
 HDC HandleOf(const CDC* pDC)
 {
     return pDC ? pDC->m_hDC : nullptr;
+}
+
+int LengthOf(Span span)
+{
+    return Minus(span.to, span.from);
 }
 
 } // namespace
@@ -32,7 +38,8 @@ int CKXBitmap::LoadBitmapA(unsigned int nID)
 
 void CKXBitmap::AttachBitmap(HBITMAP hBitmap)
 {
-    SelectFirstState(m_image.Attach(hBitmap));
+    m_image.Attach(hBitmap);
+    SelectFirstState(1);
 }
 
 HBITMAP CKXBitmap::DetachBitmap()
@@ -105,26 +112,37 @@ HDC CKXBitmap::SelectState(int nState)
     return m_image.DC();
 }
 
+// A copy without the pixels of a colour. The platform refuses a source block that leaves the image, so what
+// isn't there is cut off first.
+void CKXBitmap::CopyKeyed(HDC hDst, int x, int y, const CRect& rcSrc, COLORREF clrKey) const
+{
+    const std::int64_t right = std::int64_t{rcSrc.left} + rcSrc.Width();
+    const std::int64_t bottom = std::int64_t{rcSrc.top} + rcSrc.Height();
+    CRect cut(std::max<LONG>(rcSrc.left, 0), std::max<LONG>(rcSrc.top, 0),
+              static_cast<int>(std::min<std::int64_t>(right, GetBITMAP().bmWidth)),
+              static_cast<int>(std::min<std::int64_t>(bottom, GetBITMAP().bmHeight)));
+    if (cut.IsRectEmpty()) cut = rcSrc;
+    TransparentBlt(hDst, Plus(x, Minus(cut.left, rcSrc.left)), Plus(y, Minus(cut.top, rcSrc.top)),
+                   cut.Width(), cut.Height(), m_image.DC(), cut.left, cut.top, cut.Width(), cut.Height(),
+                   clrKey);
+}
+
 // The block copies of a fill: with or without a transparent colour, and named by their places along the fill
 // and across it, so that one road serves both directions.
 class CKXBitmap::Copier
 {
 public:
-    Copier(const CDC* pDC, HDC hSrc, int bHorz) : m_hDst(HandleOf(pDC)), m_hSrc(hSrc), m_bHorz(bHorz) {}
-    Copier(const CDC* pDC, HDC hSrc, int bHorz, COLORREF clrKey) : Copier(pDC, hSrc, bHorz)
+    Copier(const CKXBitmap& bitmap, const CDC* pDC) : m_bitmap(bitmap), m_hDst(HandleOf(pDC)) {}
+    Copier(const CKXBitmap& bitmap, const CDC* pDC, COLORREF clrKey) : Copier(bitmap, pDC)
     {
         m_bKeyed = true;
         m_clrKey = clrKey;
     }
 
-    struct Span
-    {
-        int from;
-        int to;
-        int Length() const { return Minus(to, from); }
-    };
-    Span Along(const CRect& rc) const { return m_bHorz ? Span{rc.left, rc.right} : Span{rc.top, rc.bottom}; }
-    Span Across(const CRect& rc) const { return m_bHorz ? Span{rc.top, rc.bottom} : Span{rc.left, rc.right}; }
+    Span Along(const CRect& rc) const { return SpanOf(rc, m_bHorz); }
+    Span Across(const CRect& rc) const { return SpanOf(rc, !m_bHorz); }
+    Span SeenAlong() const { return kx::draw::SeenOf(m_hDst, m_bHorz); }
+    Span SeenAcross() const { return kx::draw::SeenOf(m_hDst, !m_bHorz); }
 
     // Copies from the head of a part of the source.
     void Copy(int along, int across, int nAlong, int nAcross, const CRect& rcSrc) const
@@ -136,17 +154,23 @@ public:
     }
 
 private:
+    static Span SpanOf(const CRect& rc, bool bHorz)
+    {
+        return bHorz ? Span{rc.left, rc.right} : Span{rc.top, rc.bottom};
+    }
     void CopyBlock(int x, int y, int cx, int cy, const CRect& rcSrc) const
     {
+        const int left = rcSrc.left;
+        const int top = rcSrc.top;
         if (m_bKeyed)
-            TransparentBlt(m_hDst, x, y, cx, cy, m_hSrc, rcSrc.left, rcSrc.top, cx, cy, m_clrKey);
+            m_bitmap.CopyKeyed(m_hDst, x, y, CRect(left, top, Plus(left, cx), Plus(top, cy)), m_clrKey);
         else
-            BitBlt(m_hDst, x, y, cx, cy, m_hSrc, rcSrc.left, rcSrc.top, SRCCOPY);
+            BitBlt(m_hDst, x, y, cx, cy, m_bitmap.m_image.DC(), left, top, SRCCOPY);
     }
 
+    const CKXBitmap& m_bitmap;
     HDC m_hDst;
-    HDC m_hSrc;
-    int m_bHorz;
+    bool m_bHorz = m_bitmap.m_bHorzFill != 0;
     bool m_bKeyed = false;
     COLORREF m_clrKey = 0;
 };
@@ -154,17 +178,15 @@ private:
 // One band of a fill: the middle in tiles, the first part, and the last part over both.
 void CKXBitmap::DrawBand(const Copier& copier, const CRect& rcDst, int nAcross, int nThickness) const
 {
-    const auto dst = copier.Along(rcDst);
-    const int nFirst = copier.Along(m_rcSrcFirst).Length();
-    const int nLast = copier.Along(m_rcSrcLast).Length();
-    const int nMiddle = copier.Along(m_rcSrcMiddle).Length();
-    const int nStart = Plus(dst.from, nFirst);
-    // End parts of a length below 0 make no more room than there is.
-    const std::int64_t nRoom =
-        std::min(std::int64_t{dst.Length()} - nFirst - nLast, std::int64_t{dst.Length()});
-    kx::draw::ForEachTile(nRoom, nMiddle, [&](int offset, int n) {
-        copier.Copy(Plus(nStart, offset), nAcross, n, nThickness, m_rcSrcMiddle);
-    });
+    const Span dst = copier.Along(rcDst);
+    const int nFirst = LengthOf(copier.Along(m_rcSrcFirst));
+    const int nLast = LengthOf(copier.Along(m_rcSrcLast));
+    const int nMiddle = LengthOf(copier.Along(m_rcSrcMiddle));
+    const std::int64_t nStart = std::int64_t{dst.from} + nFirst;
+    const std::int64_t nRoom = dst.to - nStart - nLast;
+    kx::draw::ForEachTile(
+        nStart, nRoom, nMiddle, [&] { return copier.SeenAlong(); },
+        [&](int at, int n) { copier.Copy(at, nAcross, n, nThickness, m_rcSrcMiddle); });
     copier.Copy(dst.from, nAcross, nFirst, nThickness, m_rcSrcFirst);
     copier.Copy(Minus(dst.to, nLast), nAcross, nLast, nThickness, m_rcSrcLast);
 }
@@ -172,7 +194,7 @@ void CKXBitmap::DrawBand(const Copier& copier, const CRect& rcDst, int nAcross, 
 // A band as thick as the image, at the head of the rectangle.
 void CKXBitmap::Fill(const Copier& copier, const CRect& rcDst) const
 {
-    DrawBand(copier, rcDst, copier.Across(rcDst).from, copier.Across(m_rcSrcMiddle).Length());
+    DrawBand(copier, rcDst, copier.Across(rcDst).from, LengthOf(copier.Across(m_rcSrcMiddle)));
 }
 
 void CKXBitmap::Draw(CDC* pDC, int x, int y, int nState)
@@ -185,8 +207,7 @@ void CKXBitmap::Draw(CDC* pDC, int x, int y, int nState)
 
 void CKXBitmap::TransparentDraw(CDC* pDC, int x, int y, COLORREF clr, int nState)
 {
-    if (!SelectState(nState)) return;
-    TransparentDraw(pDC, x, y, m_rcSrcImage.Width(), m_rcSrcImage.Height(), clr, nState);
+    if (SelectState(nState)) CopyKeyed(HandleOf(pDC), x, y, m_rcSrcImage, clr);
 }
 
 void CKXBitmap::TransparentDraw(CDC* pDC, int x, int y, int cx, int cy, COLORREF clr, int nState)
@@ -199,23 +220,22 @@ void CKXBitmap::TransparentDraw(CDC* pDC, int x, int y, int cx, int cy, COLORREF
 
 void CKXBitmap::DrawFill(CDC* pDC, const CRect& rcDst, int nState)
 {
-    if (const HDC hSrc = SelectState(nState)) Fill(Copier(pDC, hSrc, m_bHorzFill), rcDst);
+    if (SelectState(nState)) Fill(Copier(*this, pDC), rcDst);
 }
 
 void CKXBitmap::TransparentDrawFill(CDC* pDC, const CRect& rcDst, COLORREF clr, int nState)
 {
-    if (const HDC hSrc = SelectState(nState)) Fill(Copier(pDC, hSrc, m_bHorzFill, clr), rcDst);
+    if (SelectState(nState)) Fill(Copier(*this, pDC, clr), rcDst);
 }
 
 void CKXBitmap::Pave(CDC* pDC, const CRect& rcDst, int nState)
 {
-    const HDC hSrc = SelectState(nState);
-    if (!hSrc) return;
-    const Copier copier(pDC, hSrc, m_bHorzFill);
-    const auto across = copier.Across(rcDst);
-    if (across.from >= across.to) return;
-    kx::draw::ForEachTile(across.Length(), copier.Across(m_rcSrcMiddle).Length(),
-                          [&](int offset, int n) { DrawBand(copier, rcDst, Plus(across.from, offset), n); });
+    if (!SelectState(nState)) return;
+    const Copier copier(*this, pDC);
+    const Span across = copier.Across(rcDst);
+    kx::draw::ForEachTile(
+        across.from, std::int64_t{across.to} - across.from, LengthOf(copier.Across(m_rcSrcMiddle)),
+        [&] { return copier.SeenAcross(); }, [&](int at, int n) { DrawBand(copier, rcDst, at, n); });
 }
 
 void CKXBitmap::DrawPart(CDC* pDC, const CRect& rcDst, const CRect& rcSrc, int nState)

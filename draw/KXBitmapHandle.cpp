@@ -13,6 +13,7 @@ CKXBitmapHandle::Surface::~Surface()
 
 void CKXBitmapHandle::Surface::CreateBitmapDC()
 {
+    if (m_hDC) return;
     const HWND hDesktop = GetDesktopWindow();
     const HDC hDesktopDC = GetDC(hDesktop);
     m_hDC = CreateCompatibleDC(hDesktopDC);
@@ -21,6 +22,7 @@ void CKXBitmapHandle::Surface::CreateBitmapDC()
 
 void CKXBitmapHandle::Surface::DeleteBitmapDC()
 {
+    m_hOldBitmap = nullptr; // ends with the surface
     if (HDC hDC = std::exchange(m_hDC, nullptr)) DeleteDC(hDC);
 }
 
@@ -40,8 +42,18 @@ CKXBitmapHandle::CKXBitmapHandle() : m_pSurface(std::make_shared<Surface>())
     m_pSurface->CreateBitmapDC();
 }
 
+void CKXBitmapHandle::CreateBitmapDC()
+{
+    m_pSurface->CreateBitmapDC();
+}
+
+void CKXBitmapHandle::DeleteBitmapDC()
+{
+    m_pSurface->DeleteBitmapDC();
+}
+
 // The old image is gone before a new one is tried; from copies that share it this object parts instead.
-void CKXBitmapHandle::Release()
+void CKXBitmapHandle::DeleteBitmap()
 {
     if (m_pSurface.use_count() > 1) {
         m_pSurface = std::make_shared<Surface>();
@@ -61,7 +73,7 @@ int CKXBitmapHandle::Hold(HBITMAP hBitmap)
 
 int CKXBitmapHandle::Load(const CString& strPath)
 {
-    Release();
+    DeleteBitmap();
     const HINSTANCE hInstance = AfxGetModuleState()->m_hCurrentInstanceHandle;
     return Hold(static_cast<HBITMAP>(
         LoadImageA(hInstance, strPath, IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE | LR_CREATEDIBSECTION)));
@@ -69,19 +81,18 @@ int CKXBitmapHandle::Load(const CString& strPath)
 
 int CKXBitmapHandle::Load(unsigned int nID)
 {
-    Release();
+    DeleteBitmap();
     const char* pszName = MAKEINTRESOURCEA(static_cast<WORD>(nID));
     return Hold(::LoadBitmapA(AfxFindResourceHandle(pszName, RT_BITMAP), pszName));
 }
 
-int CKXBitmapHandle::Attach(HBITMAP hBitmap)
+void CKXBitmapHandle::Attach(HBITMAP hBitmap)
 {
     if (hBitmap != Bitmap()) {
-        Release();
+        DeleteBitmap();
         Hold(hBitmap);
     }
     m_bAttached = 1;
-    return hBitmap != nullptr;
 }
 
 HBITMAP CKXBitmapHandle::Detach()

@@ -11,7 +11,8 @@ CKXMemoryDC::~CKXMemoryDC()
 
 void CKXMemoryDC::Destroy()
 {
-    if (CGdiObject* pOld = std::exchange(m_pOldBitmap, nullptr)) m_dc.SelectObject(pOld);
+    m_pOldBitmap = nullptr;
+    if (HGDIOBJ hOld = std::exchange(m_hOldBitmap, nullptr)) ::SelectObject(m_dc, hOld);
     m_dc.DeleteDC();
     m_bitmap.DeleteObject();
 }
@@ -23,7 +24,11 @@ void CKXMemoryDC::Create(int cx, int cy)
     const HDC hDesktop = ::GetDC(GetDesktopWindow());
     CDC* pDesktop = CDC::FromHandle(hDesktop);
     m_dc.CreateCompatibleDC(pDesktop);
-    m_bitmap.CreateCompatibleBitmap(pDesktop, cx, cy);
-    m_pOldBitmap = m_dc.SelectObject(static_cast<CGdiObject*>(&m_bitmap));
+    if (m_bitmap.CreateCompatibleBitmap(pDesktop, cx, cy)) {
+        m_hOldBitmap = ::SelectObject(m_dc, m_bitmap);
+        m_pOldBitmap = CGdiObject::FromHandle(m_hOldBitmap);
+    } else {
+        m_dc.DeleteDC();
+    }
     ReleaseDC(GetDesktopWindow(), hDesktop);
 }

@@ -8,8 +8,10 @@
 //
 // A client loads, then calls SetFillParam and SetMultiState in either order; SetMultiState alone may come
 // before the load. Nothing is drawn while there is no bitmap, and to a null `pDC`. A state outside the image,
-// or a part of it, names pixels that aren't there: they are left out. Copies share surface and bitmap
-// (KXBitmapHandle.h). An object is used by one thread at a time.
+// or a part of it, names pixels that aren't there: they are left out, and with them the whole of a
+// transparent copy that stretches. A rectangle may be of any size: of more than 4,096 tiles only those are
+// drawn that lie in the clip box of `pDC`. Copies share surface and bitmap (KXBitmapHandle.h), so an object
+// and its copies are used by one thread at a time.
 class KX_API CKXBitmap
 {
 public:
@@ -67,10 +69,16 @@ public:
     int GetBits(unsigned char* pBits);
 
     // Makes of the whole image the region of the pixels that aren't `clr`, or with `bKeepColor` of those that
-    // are. `rgn` comes in without a region, and is left so when there is no bitmap.
+    // are. `rgn` comes in without a region, and is left so when there is no bitmap or too little memory.
     void CreateBitmapRgn(CRgn& rgn, COLORREF clr, int bKeepColor);
 
 protected:
+    // The steps of the object's life taken singly: make the surface unless there is one; end it; take the
+    // bitmap out of it and end that.
+    void CreateBitmapDC() { m_image.CreateBitmapDC(); }
+    void DeleteBitmapDC() { m_image.DeleteBitmapDC(); }
+    void DeleteBitmap() { m_image.DeleteBitmap(); }
+
     void CalcSrcImageRect(int nState);
     void CalcSrcFillRects();
 
@@ -79,6 +87,7 @@ private:
 
     int SelectFirstState(int bLoaded);
     HDC SelectState(int nState);
+    void CopyKeyed(HDC hDst, int x, int y, const CRect& rcSrc, COLORREF clrKey) const;
     void DrawBand(const Copier& copier, const CRect& rcDst, int nAcross, int nThickness) const;
     void Fill(const Copier& copier, const CRect& rcDst) const;
 

@@ -6,23 +6,33 @@
 #include <memory>
 
 // The memory surface and the bitmap in it that CKXBitmap and CKXFrameBitmap hold. Copies share them: what is
-// held is released once, with the last object, and a load or attach in one leaves the others what they had.
-// For one thread at a time.
+// held is released once, with the last object, and a load or attach in one leaves the others what they had. A
+// move is a copy, so that no object is ever without. An object and its copies are for one thread at a time.
 class KX_API CKXBitmapHandle
 {
 public:
     // A memory surface compatible with the desktop, without a bitmap.
     CKXBitmapHandle();
+    CKXBitmapHandle(const CKXBitmapHandle&) = default;
+    CKXBitmapHandle& operator=(const CKXBitmapHandle&) = default;
+    ~CKXBitmapHandle() = default;
 
     // Releases the old bitmap, then loads a file, or a resource of the module that has it; 1 on success, 0
     // with nothing held on failure.
     int Load(const CString& strPath);
     int Load(unsigned int nID);
-    // Releases the old bitmap and takes one over; 1 unless it is null.
-    int Attach(HBITMAP hBitmap);
+    // Releases the old bitmap and takes one over.
+    void Attach(HBITMAP hBitmap);
     // Takes an attached bitmap out of the surface: from then on it is the caller's, and nothing is held.
     // Null, with nothing changed, if the last Attach was answered by a Detach or there was none.
     HBITMAP Detach();
+
+    // The steps that an object's life is made of, taken singly. Make the surface, unless there is one.
+    void CreateBitmapDC();
+    // Ends the surface, for copies too; a bitmap that was in it stays held, and isn't drawn from.
+    void DeleteBitmapDC();
+    // Takes the bitmap out of the surface and ends it.
+    void DeleteBitmap();
 
     // There is nothing to draw while this is null.
     HBITMAP& Bitmap() { return m_pSurface->m_hBitmap; }
@@ -50,7 +60,6 @@ private:
         HGDIOBJ m_hOldBitmap = nullptr;
     };
 
-    void Release();
     int Hold(HBITMAP hBitmap);
 
     std::shared_ptr<Surface> m_pSurface;

@@ -4,7 +4,7 @@
 
 // Draws a frame of any size from one small bitmap of four corners and four edges: the corners at their
 // natural size, the edges in tiles between them, the centre filled with a colour or left alone. Copies share
-// surface and bitmap (KXBitmapHandle.h). An object is used by one thread at a time.
+// surface and bitmap (KXBitmapHandle.h), so an object and its copies are used by one thread at a time.
 class KX_API CKXFrameBitmap
 {
 public:
@@ -29,6 +29,12 @@ public:
     void Draw(CDC* pDC, const CRect& rc, int bFillCenter, COLORREF clrCenter);
 
 protected:
+    // The steps of the object's life taken singly: make the surface unless there is one; end it; take the
+    // bitmap out of it and end that.
+    void CreateBitmapDC() { m_image.CreateBitmapDC(); }
+    void DeleteBitmapDC() { m_image.DeleteBitmapDC(); }
+    void DeleteBitmap() { m_image.DeleteBitmap(); }
+
     // Tiles the block `rcSrc` of the image along `rcDst`, along x unless `bHorz` is 0. The size across is
     // `rcSrc`'s.
     void DrawFill(CDC* pDC, const CRect& rcDst, const CRect& rcSrc, int bHorz);

@@ -19,7 +19,8 @@ public:
     // Makes the surface, of the size of `rect`, or of the clip box of `pDC` where that is empty. `pDC` is not
     // null, stays the caller's, and is there whenever FromDC is called. Unless `clrBk` is 0xFFFFFFFF, `rect`
     // is filled with it in the surface's own coordinates: with a rectangle from 10, 10 on, only from there.
-    // What an earlier call made is released. IsValid tells whether there is a surface.
+    // What an earlier call made is released. IsValid tells whether there is a surface; without a bitmap,
+    // which may be too large, drawing on it does nothing.
     void Create(CDC* pDC, const CRect& rect, unsigned long clrBk);
 
     // 1 once the surface exists, else 0.
@@ -33,10 +34,12 @@ public:
 
 private:
     void Release();
+    void ClipToNothing();
 
     CDC* m_pDC = nullptr;
     CRect m_rect;
     CBitmap m_bitmap;
-    CGdiObject* m_pOldBitmap = nullptr;
+    CGdiObject* m_pOldBitmap = nullptr; // the thread's wrapper, which may end before this: never looked into
     int m_bValid = 0;
+    HGDIOBJ m_hOldBitmap = nullptr; // what goes back
 };

@@ -13,7 +13,8 @@ public:
     CKXMemoryDC& operator=(const CKXMemoryDC&) = delete;
     virtual ~CKXMemoryDC();
 
-    // Releases what is held and makes a surface of `cx` by `cy` pixels; GetHBitmap tells whether it could.
+    // Releases what is held and makes a surface of `cx` by `cy` pixels. Where there can't be such a bitmap
+    // there is no surface either: GetHBitmap and GetHDC give null.
     void Create(int cx, int cy);
     // Releases surface and bitmap, if any. The size stays.
     void Destroy();
@@ -29,6 +30,9 @@ public:
 protected:
     CDC m_dc;
     CBitmap m_bitmap;
-    CGdiObject* m_pOldBitmap = nullptr;
+    CGdiObject* m_pOldBitmap = nullptr; // the thread's wrapper, which may end before this: never looked into
     CSize m_size;
+
+private:
+    HGDIOBJ m_hOldBitmap = nullptr; // what goes back
 };

@@ -12,7 +12,7 @@ public:
     CKXPaintMemoryDC(CWnd* pWnd, CDC* pDC, unsigned long clrBk);
     // Covers `rect`, whose top left corner is 0, 0 of the memory surface. Nothing is filled.
     CKXPaintMemoryDC(CDC* pDC, const CRect& rect);
-    // Copies to the surface given, unless that was null, then releases.
+    // Copies to the surface given, unless that was null or there is no bitmap, then releases.
     ~CKXPaintMemoryDC() override;
 
     operator CDC&() { return m_dc; }

@@ -4,6 +4,7 @@
 #include "KXFileSystem.h"
 #include "KXIniDataMgr.h"
 #include "KXMessages.h"
+#include "KXWindowNotice.h"
 #include "language/StringTable.h"
 #include "platform/Debug.h"
 #include "platform/FileSystem.h"
@@ -207,17 +208,12 @@ int CKXLanResManager::SaveLanToReg(const CString& strAppName, const CString& str
 
 int CKXLanResManager::NotifyLanChanged()
 {
-    const HDESK hDesk = OpenDesktopA("Default", 0, FALSE, DESKTOP_ENUMERATE);
-    EnumDesktopWindows(hDesk, WndEnumProc, reinterpret_cast<long>(this));
-    CloseDesktop(hDesk);
+    kx::WalkDesktop(WndEnumProc, this);
     return 1;
 }
 
 int CKXLanResManager::WndEnumProc(HWND hWnd, long)
 {
-    DWORD dwProcessId = 0;
-    GetWindowThreadProcessId(hWnd, &dwProcessId);
-    if (dwProcessId == GetCurrentProcessId() && IsWindowVisible(hWnd))
-        SendMessageA(hWnd, WM_KXLANCHANGED, 0, 0);
+    kx::TellOwnWindow(hWnd, WM_KXLANCHANGED);
     return 1;
 }

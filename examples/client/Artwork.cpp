@@ -59,3 +59,16 @@ HBITMAP client::MakeDisc()
         RoundBox(dc, CRect(20, 20, 40, 40), clrKey, clrKey, 20);
     });
 }
+
+HBITMAP client::MakeLandscape()
+{
+    return MakePicture(160, 100, [](CDC& dc) {
+        CKXGdiplusHelper::DrawGradientRect(dc, RGB(60, 130, 220), RGB(250, 225, 190), CRect(0, 0, 160, 84), 0,
+                                           0);
+        RoundBox(dc, CRect(108, 14, 136, 42), RGB(255, 220, 120), RGB(255, 240, 180), 28);
+        RoundBox(dc, CRect(-60, 52, 100, 160), RGB(70, 120, 90), RGB(90, 150, 105), 160);
+        RoundBox(dc, CRect(50, 60, 230, 160), RGB(60, 105, 60), RGB(75, 130, 70), 180);
+        CKXGdiplusHelper::DrawLinearGradientRect(dc, CRect(0, 84, 160, 100), RGB(40, 80, 150),
+                                                 RGB(190, 215, 240), 1);
+    });
+}

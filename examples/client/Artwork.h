@@ -11,5 +11,7 @@ inline constexpr COLORREF clrKey = RGB(255, 0, 255); // the transparent colour o
 HBITMAP MakeButtonStates();
 HBITMAP MakeFrame();
 HBITMAP MakeDisc();
+// A landscape of 160 by 100.
+HBITMAP MakeLandscape();
 
 } // namespace client

@@ -16,6 +16,8 @@ struct Scene
 bool ShowPaths();
 bool ShowLanguages();
 bool ShowDrawing();
+bool ShowPictures();
+bool ShowSkins();
 bool ShowLog();
 
 // A text of the library, which is in the process's code page, as the terminal's UTF-8.

@@ -13,10 +13,9 @@ int main()
         return 1;
     }
     constexpr client::Scene scenes[] = {
-        {"Paths and files", client::ShowPaths},
-        {"Languages", client::ShowLanguages},
-        {"Drawing", client::ShowDrawing},
-        {"Log", client::ShowLog},
+        {"Paths and files", client::ShowPaths}, {"Languages", client::ShowLanguages},
+        {"Drawing", client::ShowDrawing},       {"Pictures", client::ShowPictures},
+        {"Skins", client::ShowSkins},           {"Log", client::ShowLog},
     };
     int nFailed = 0;
     for (const auto& scene : scenes) {

@@ -33,7 +33,10 @@ public:
     CPen* SelectObject(CPen* pObject);
     CBrush* SelectObject(CBrush* pObject);
     CFont* SelectObject(CFont* pObject);
+    // A region is copied into the clip and displaces nothing: null.
     CGdiObject* SelectObject(CGdiObject* pObject);
+    // What SelectClipRgn gives for the region; RGN_ERROR, with nothing changed, without one.
+    int SelectObject(CRgn* pRgn);
     CGdiObject* SelectStockObject(int nIndex);
 
     COLORREF SetTextColor(COLORREF clr) { return ::SetTextColor(m_hDC, clr); }
@@ -43,7 +46,8 @@ public:
     int SetBkMode(int nMode) { return ::SetBkMode(m_hDC, nMode); }
     int GetBkMode() const { return ::GetBkMode(m_hDC); }
 
-    // Fills with one colour, which becomes the surface's background colour too.
+    // Fills with one colour, which becomes the surface's background colour too. Sides beyond the range of
+    // coordinates stay at its end.
     void FillSolidRect(const RECT* pRect, COLORREF clr);
     void FillSolidRect(int x, int y, int cx, int cy, COLORREF clr);
     void FillRect(const RECT* pRect, CBrush* pBrush);

@@ -151,10 +151,11 @@ inline constexpr UINT IMAGE_ICON = 1;
 inline constexpr UINT LR_LOADFROMFILE = 0x10;
 inline constexpr UINT LR_CREATEDIBSECTION = 0x2000;
 
-// Loads an image at its own size (`cx`, `cy` 0): a bitmap from a BMP file of 1, 4, 8, 16, 24 or 32 bits, or
-// an icon from an ICO file, of which the entry nearest to `cx` by `cy` is taken. With LR_LOADFROMFILE
-// `pszName` is a path, otherwise a resource of the module (a number by MAKEINTRESOURCEA). The caller ends a
-// bitmap with DeleteObject, an icon with DestroyIcon. Null for anything that is no such image.
+// Loads a bitmap from a BMP file of 1, 4, 8, 16, 24 or 32 bits, or an icon from an ICO file. A bitmap is
+// brought to `cx` by `cy` with its nearest pixels, where 0 keeps its own side; an icon keeps the size of the
+// entry nearest to `cx` by `cy`, with 0, 0 of the first. With LR_LOADFROMFILE `pszName` is a path, otherwise
+// a resource of the module (a number by MAKEINTRESOURCEA). The caller ends a bitmap with DeleteObject, an
+// icon with DestroyIcon. Null for anything that is no such image, and for a size below 0.
 KX_API HANDLE LoadImageA(HINSTANCE hInstance, const char* pszName, UINT nType, int cx, int cy, UINT nFlags);
 KX_API HBITMAP LoadBitmapA(HINSTANCE hInstance, const char* pszName);
 KX_API int DestroyIcon(HICON hIcon);

@@ -81,7 +81,8 @@ public:
     GpImage* Native() const { return m_pImage.get(); }
 
 protected:
-    Image(GpImage* pImage, Status status);
+    Image() = default;
+    void Take(GpImage* pImage, Status status);
     Status Keep(Status status) const;
 
 private:
@@ -103,7 +104,7 @@ public:
     Status SetPixel(INT x, INT y, const Color& color);
 
 private:
-    Bitmap(GpBitmap* pBitmap, Status status);
+    Bitmap() = default;
 };
 
 class KX_API ImageAttributes

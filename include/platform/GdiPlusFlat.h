@@ -2,9 +2,9 @@
 
 // Pictures, drawing with alpha, and gradient brushes, as plain calls. GdiPlus.h has classes over them.
 //
-// Each call gives a status, 0 (Ok) on success. Before GdiplusStartup, and after the last GdiplusShutdown, each
-// gives GdiplusNotInitialized and does nothing else, except those that end an object: they end it. A null
-// object or result gives InvalidParameter; on failure a result that is an object becomes null. Paths are
+// Each call gives a status, 0 (Ok) on success. Before GdiplusStartup, and after the last GdiplusShutdown,
+// each gives GdiplusNotInitialized and does nothing else, except those that end an object: they end it. A
+// null object or result gives InvalidParameter; on failure a result that is an object becomes null. Paths are
 // UTF-16. An object is used by one thread at a time, different ones by any.
 
 #include "../KXExport.h"
@@ -38,10 +38,13 @@ namespace DllExports {
 
 // ---- Pictures
 
-// Pictures are BMP, PNG, JPEG, GIF, TIFF and ICO, told by their first bytes. FileNotFound or AccessDenied for
-// what can't be opened, UnknownImageFormat, GenericError for a broken picture, OutOfMemory for one beyond the
-// limits. A JPEG's orientation is not applied, colour profiles are not. The file may be replaced as soon as
-// the call returns; a stream is read from its beginning, and a reference to it is held until the image ends.
+// Pictures are BMP, PNG, JPEG, GIF, TIFF and ICO (its largest image), told by their first bytes. FileNotFound
+// or AccessDenied for what can't be opened, UnknownImageFormat, OutOfMemory for one beyond the limits,
+// GenericError for a broken picture: also one that is cut off, a JPEG that lacks pixels before its end or, if
+// progressive, the end mark, a GIF without a whole first frame, and one that claims more pixels than its
+// bytes can tell. A JPEG's orientation is not applied, nor are colour profiles and gammas. The file may be
+// replaced as soon as the call returns; a stream is read from its beginning, and a reference to it is held
+// until the image ends.
 KX_API GpStatus GdipLoadImageFromFile(const WCHAR* pszPath, GpImage** ppImage);
 KX_API GpStatus GdipLoadImageFromStream(IStream* pStream, GpImage** ppImage);
 KX_API GpStatus GdipLoadImageFromStreamICM(IStream* pStream, GpImage** ppImage);
@@ -67,9 +70,11 @@ KX_API GpStatus GdipGetImagePixelFormat(GpImage* pImage, PixelFormat* pFormat);
 KX_API GpStatus GdipBitmapGetPixel(GpBitmap* pBitmap, INT x, INT y, ARGB* pColor);
 KX_API GpStatus GdipBitmapSetPixel(GpBitmap* pBitmap, INT x, INT y, ARGB color);
 
-// In place; the picture has one frame after that. One over the caller's pixels gets pixels of its own.
+// In place, turned to the right and then mirrored; the picture has one frame after that. One over the
+// caller's pixels gets pixels of its own. RotateNoneFlipNone changes nothing.
 KX_API GpStatus GdipImageRotateFlip(GpImage* pImage, RotateFlipType type);
-// A new picture of exactly that size, of the current frame; 0 by 0: 120 by 120. The callback is not called.
+// A new picture of exactly that size, of the current frame; 0 by 0: 120 by 120, InvalidParameter for one 0.
+// The callback is not called.
 KX_API GpStatus GdipGetImageThumbnail(GpImage* pImage, UINT nWidth, UINT nHeight, GpImage** ppThumbnail,
                                       GetThumbnailImageAbort pfnAbort, void* pData);
 
@@ -81,11 +86,13 @@ KX_API GpStatus GdipImageGetFrameDimensionsCount(GpImage* pImage, UINT* pnCount)
 KX_API GpStatus GdipImageGetFrameDimensionsList(GpImage* pImage, GUID* pDimensions, UINT nCount);
 // Only frames that can be read count: a file cut off in a frame has those before it.
 KX_API GpStatus GdipImageGetFrameCount(GpImage* pImage, const GUID* pDimension, UINT* pnCount);
-// The frame becomes the picture: for a GIF what playing from the first to it shows. InvalidParameter for no
-// such dimension or frame; the frame then stays.
+// The frame becomes the picture: for a GIF what playing from the first to it shows. A step to the next frame
+// decodes it alone, a step back all from the first on. InvalidParameter for no such dimension or frame,
+// GenericError for a broken page; the frame then stays.
 KX_API GpStatus GdipImageSelectActiveFrame(GpImage* pImage, const GUID* pDimension, UINT nFrame);
 // The size of a property with its record, and both in one block: `value` points behind the record. Sizes must
-// match. PropertyNotFound. A GIF of two or more frames has PropertyTagFrameDelay and PropertyTagLoopCount.
+// match. PropertyNotFound. A GIF of two or more frames has PropertyTagFrameDelay, numbers of 32 bits, and
+// PropertyTagLoopCount, one of 16 bits.
 KX_API GpStatus GdipGetPropertyItemSize(GpImage* pImage, PROPID id, UINT* pnSize);
 KX_API GpStatus GdipGetPropertyItem(GpImage* pImage, PROPID id, UINT nSize, PropertyItem* pItem);
 
@@ -95,8 +102,11 @@ KX_API GpStatus GdipGetPropertyItem(GpImage* pImage, PROPID id, UINT nSize, Prop
 // numbers are as GdipGetImageEncodersSize gave them.
 KX_API GpStatus GdipGetImageEncodersSize(UINT* pnCount, UINT* pnBytes);
 KX_API GpStatus GdipGetImageEncoders(UINT nCount, UINT nBytes, ImageCodecInfo* pEncoders);
-// Saves the current frame. An encoder without alpha gets the picture over black. A file is replaced whole, or
-// stays as it was.
+// Saves the current frame. BMP (24 bits), JPEG (quality 75, colours at half the resolution) and GIF get it
+// over black; in a GIF, pixels of an opacity below 128 are transparent, and more than 256 colours become 256
+// near ones. PNG and TIFF keep its alpha. A file is replaced whole, or stays as it was: FileNotFound where
+// its directory isn't, AccessDenied for one that can't be written, GenericError for a full disk or a stream
+// that doesn't take all. UnknownImageFormat for no such encoder.
 KX_API GpStatus GdipSaveImageToFile(GpImage* pImage, const WCHAR* pszPath, const CLSID* pEncoder,
                                     const EncoderParameters* pParameters);
 KX_API GpStatus GdipSaveImageToStream(GpImage* pImage, IStream* pStream, const CLSID* pEncoder,
@@ -104,22 +114,27 @@ KX_API GpStatus GdipSaveImageToStream(GpImage* pImage, IStream* pStream, const C
 
 // ---- Drawing
 
-// Draws on a surface, clipped as it is, for as long as the surface lives; or on a picture's current frame.
-// The picture must outlive the graphics.
+// Draws on a surface, clipped as it is, for as long as the surface lives: after that each drawing gives
+// Win32Error. Or on a picture's current frame; the picture must outlive the graphics. An opaque target's high
+// bytes become 0 where it is drawn on.
 KX_API GpStatus GdipCreateFromHDC(HDC hDC, GpGraphics** ppGraphics);
 KX_API GpStatus GdipGetImageGraphicsContext(GpImage* pImage, GpGraphics** ppGraphics);
 KX_API GpStatus GdipDeleteGraphics(GpGraphics* pGraphics);
+// The bounds of what can be drawn on, within the clip; all 0 where nothing can.
+KX_API GpStatus GdipGetVisibleClipBoundsI(GpGraphics* pGraphics, GpRect* pRect);
 
-// Draw the current frame over what is there, by its alpha: at its own size in pixels, or stretched to a block.
-// A negative width or height mirrors it, leftwards or upwards from x, y; one of 0 draws nothing. Reducing
-// takes the mean of the pixels that a target pixel covers, enlarging goes linearly from one pixel's centre to
-// the next's.
+// Draw the current frame over what is there, by its alpha: at its own size in pixels, or stretched to a
+// block. A negative width or height mirrors it, leftwards or upwards from x, y; one of 0 draws nothing.
+// Reducing takes the mean of the pixels that a target pixel covers, enlarging goes linearly from one pixel's
+// centre to the next's; each direction by itself. Alpha is blended with rounding to the nearest, and exact
+// for 0 and 255. A picture may be drawn on itself.
 KX_API GpStatus GdipDrawImageI(GpGraphics* pGraphics, GpImage* pImage, INT x, INT y);
 KX_API GpStatus GdipDrawImageRectI(GpGraphics* pGraphics, GpImage* pImage, INT x, INT y, INT nWidth,
                                    INT nHeight);
 // A block of the picture, in pixels (`unit` UnitPixel, else NotImplemented), into a block of the target,
-// through the attributes unless they are null. What of the source lies outside the picture draws nothing.
-// The callback is not called.
+// through the attributes unless they are null. What of the source lies outside the picture draws nothing, and
+// a pixel counts as in a block if its centre is. InvalidParameter for what is no finite number. The callback
+// is not called.
 KX_API GpStatus GdipDrawImageRectRect(GpGraphics* pGraphics, GpImage* pImage, REAL x, REAL y, REAL nWidth,
                                       REAL nHeight, REAL xSrc, REAL ySrc, REAL nSrcWidth, REAL nSrcHeight,
                                       GpUnit unit, const GpImageAttributes* pAttributes,
@@ -128,7 +143,9 @@ KX_API GpStatus GdipDrawImageRectRect(GpGraphics* pGraphics, GpImage* pImage, RE
 KX_API GpStatus GdipCreateImageAttributes(GpImageAttributes** ppAttributes);
 KX_API GpStatus GdipDisposeImageAttributes(GpImageAttributes* pAttributes);
 // Sets a matrix for drawing pictures (types Default and Bitmap; others are kept from having any effect), or
-// with `bEnable` 0 takes it away. `pGray` and other flags than ColorMatrixFlagsDefault: NotImplemented.
+// with `bEnable` 0 takes it away; one for Bitmap goes before one for Default. It works on colours that are
+// not multiplied by the alpha, limits what it gives to 0 to 255 and rounds to the nearest. `pGray` and other
+// flags than ColorMatrixFlagsDefault: NotImplemented.
 KX_API GpStatus GdipSetImageAttributesColorMatrix(GpImageAttributes* pAttributes, ColorAdjustType type,
                                                   int bEnable, const ColorMatrix* pMatrix,
                                                   const ColorMatrix* pGray, ColorMatrixFlags flags);
@@ -136,12 +153,15 @@ KX_API GpStatus GdipSetImageAttributesColorMatrix(GpImageAttributes* pAttributes
 // ---- Brushes and shapes
 
 // From one colour at a point to another at a second, straight across the line between them, and over again
-// on either side as the mode says (WrapModeClamp: InvalidParameter). OutOfMemory for two equal points, as the
-// platform has it.
+// on either side as the mode says: FlipX and FlipXY turn every other period about, FlipY changes nothing
+// (WrapModeClamp: InvalidParameter). Pixels count by their top left corners, so that the one at the first
+// point has the first colour; the one at the second point has the second colour, and only periods further on
+// begin with the first again. OutOfMemory for two equal points, as the platform has it.
 KX_API GpStatus GdipCreateLineBrushI(const GpPoint* pFirst, const GpPoint* pSecond, ARGB first, ARGB second,
                                      GpWrapMode mode, GpLineGradient** ppBrush);
-// From a path's centre, at first the middle of its bounds, out to its edge; nothing outside of it. At first
-// all white. OutOfMemory for a path of fewer than three points.
+// From a path's centre, the middle of its bounds, along rays out to its edge, where the colour goes from each
+// point's to the next one's; nothing outside of it. Pixels count by their centres. Of figures that overlap
+// the later one counts. At first all white. OutOfMemory for a path of fewer than three points.
 KX_API GpStatus GdipCreatePathGradientFromPath(const GpPath* pPath, GpPathGradient** ppBrush);
 KX_API GpStatus GdipSetPathGradientCenterColor(GpPathGradient* pBrush, ARGB color);
 // Colours of the path's points, `*pnCount` of them, at least 1 and at most its points; the last one counts
@@ -150,6 +170,8 @@ KX_API GpStatus GdipSetPathGradientSurroundColorsWithCount(GpPathGradient* pBrus
                                                            INT* pnCount);
 KX_API GpStatus GdipDeleteBrush(GpBrush* pBrush);
 
+// A path of rectangles. With FillModeAlternate its inside is what lies in an odd number of them. A width or
+// height of 0 or below adds nothing.
 KX_API GpStatus GdipCreatePath(GpFillMode mode, GpPath** ppPath);
 KX_API GpStatus GdipAddPathRectangleI(GpPath* pPath, INT x, INT y, INT nWidth, INT nHeight);
 KX_API GpStatus GdipDeletePath(GpPath* pPath);
@@ -158,7 +180,8 @@ KX_API GpStatus GdipDeletePath(GpPath* pPath);
 KX_API GpStatus GdipCreateRegionHrgn(HRGN hRgn, GpRegion** ppRegion);
 KX_API GpStatus GdipDeleteRegion(GpRegion* pRegion);
 
-// A pen of one colour; its width counts as at least 1 pixel. The unit is UnitWorld or UnitPixel.
+// A pen of one colour; its width counts as at least 1 pixel. InvalidParameter for a width that is no finite
+// number, and for another unit than UnitWorld or UnitPixel.
 KX_API GpStatus GdipCreatePen1(ARGB color, REAL nWidth, GpUnit unit, GpPen** ppPen);
 KX_API GpStatus GdipDeletePen(GpPen* pPen);
 
@@ -167,7 +190,8 @@ KX_API GpStatus GdipFillRectangleI(GpGraphics* pGraphics, GpBrush* pBrush, INT x
                                    INT nHeight);
 KX_API GpStatus GdipFillRegion(GpGraphics* pGraphics, GpBrush* pBrush, GpRegion* pRegion);
 // The outline, of which a pen one pixel wide covers the columns x and x + nWidth and the rows y and
-// y + nHeight. Nothing for a width or height below 0.
+// y + nHeight; wider ones reach to both sides alike, of an even width one pixel more to the left and upwards.
+// Nothing for a width or height below 0.
 KX_API GpStatus GdipDrawRectangleI(GpGraphics* pGraphics, GpPen* pPen, INT x, INT y, INT nWidth, INT nHeight);
 
 } // namespace DllExports

@@ -109,10 +109,21 @@ struct Point
 };
 using GpPoint = Point;
 
+struct Rect
+{
+    INT X = 0;
+    INT Y = 0;
+    INT Width = 0;
+    INT Height = 0;
+};
+using GpRect = Rect;
+
 inline constexpr PixelFormat PixelFormatUndefined = 0;
 inline constexpr PixelFormat PixelFormat1bppIndexed = 0x00030101;
 inline constexpr PixelFormat PixelFormat4bppIndexed = 0x00030402;
 inline constexpr PixelFormat PixelFormat8bppIndexed = 0x00030803;
+inline constexpr PixelFormat PixelFormat16bppRGB555 = 0x00021005;
+inline constexpr PixelFormat PixelFormat16bppRGB565 = 0x00021006;
 inline constexpr PixelFormat PixelFormat24bppRGB = 0x00021808;
 inline constexpr PixelFormat PixelFormat32bppRGB = 0x00022009;
 inline constexpr PixelFormat PixelFormat32bppARGB = 0x0026200A;

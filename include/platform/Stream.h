@@ -16,12 +16,14 @@
 inline constexpr UINT GMEM_FIXED = 0;    // the handle is the block's address
 inline constexpr UINT GMEM_MOVEABLE = 2; // the block lies where GlobalLock says, for as long as it is locked
 inline constexpr UINT GMEM_ZEROINIT = 0x40;
+inline constexpr std::size_t MAX_BLOCK_BYTES = 0x7FFFFFFF;
 
-// A block of `nBytes`, 0 too. Null for a lack of memory. The caller ends it with GlobalFree.
+// A block of `nBytes`, 0 too. Null for a lack of memory or more than MAX_BLOCK_BYTES. The caller ends it with
+// GlobalFree.
 KX_API HGLOBAL GlobalAlloc(UINT nFlags, std::size_t nBytes);
 // The block's bytes; null for a bad handle. Each GlobalLock is undone by a GlobalUnlock.
 KX_API void* GlobalLock(HGLOBAL hBlock);
-// Non-zero while the block stays locked.
+// Non-zero while the block stays locked. One more than there were locks does nothing.
 KX_API int GlobalUnlock(HGLOBAL hBlock);
 // The size in bytes; 0 for a bad handle.
 KX_API std::size_t GlobalSize(HGLOBAL hBlock);
@@ -64,8 +66,11 @@ protected:
 };
 
 // A stream over a block, at its beginning; null makes a moveable block of its own. Writing past the end
-// makes a moveable block longer and fails with STG_E_MEDIUMFULL on a fixed one. With `bDeleteOnRelease` the
-// last Release frees the block. E_POINTER for a null `ppStream`, E_INVALIDARG for a bad block.
+// makes a moveable block longer, with zeros between the end and the position. It fails with STG_E_MEDIUMFULL,
+// writing nothing, on a fixed block, on one that is locked and would have to move, and beyond
+// MAX_BLOCK_BYTES. With `bDeleteOnRelease` the last Release frees the block. E_POINTER for a null `ppStream`,
+// E_INVALIDARG for a bad block.
 KX_API HRESULT CreateStreamOnHGlobal(HGLOBAL hBlock, int bDeleteOnRelease, IStream** ppStream);
-// The block under a stream that CreateStreamOnHGlobal made; it stays the stream's.
+// The block under a stream that CreateStreamOnHGlobal made; it stays the stream's. E_INVALIDARG for another
+// stream.
 KX_API HRESULT GetHGlobalFromStream(IStream* pStream, HGLOBAL* phBlock);

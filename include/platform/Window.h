@@ -38,6 +38,8 @@ inline constexpr UINT PM_NOREMOVE = 0;
 inline constexpr UINT PM_REMOVE = 1;
 inline constexpr int GWLP_USERDATA = -21;
 inline constexpr DWORD DESKTOP_ENUMERATE = 64;
+inline constexpr int SM_CYCAPTION = 4;
+inline constexpr int SM_CYFRAME = 33;
 
 using WNDPROC = LRESULT (*)(HWND, UINT, WPARAM, LPARAM);
 using WNDENUMPROC = int (*)(HWND, long);
@@ -104,6 +106,10 @@ KX_API HWND GetDesktopWindow() noexcept;
 // has its top left at 0, 0. 0 for no such window, with the rectangle untouched.
 KX_API int GetWindowRect(HWND hWnd, RECT* pRect) noexcept;
 KX_API int GetClientRect(HWND hWnd, RECT* pRect) noexcept;
+
+// A measure of the desktop's own windows in pixels, the classic one: 19 for the height of their caption
+// (SM_CYCAPTION), 4 for that of their sizing frame (SM_CYFRAME). 0 for any other index.
+KX_API int GetSystemMetrics(int nIndex) noexcept;
 
 // What a window does with a message that it doesn't handle: WM_CLOSE destroys it, WM_NCCREATE gives 1, the
 // rest gives 0.

@@ -1,6 +1,8 @@
 #include "include/platform/Dc.h"
 
 #include "platform/framework/TempMap.h"
+#include "platform/gdi/Object.h"
+#include "platform/gdi/Rect.h"
 
 #include <utility>
 
@@ -86,7 +88,14 @@ CFont* CDC::SelectObject(CFont* pObject)
 
 CGdiObject* CDC::SelectObject(CGdiObject* pObject)
 {
-    return CGdiObject::FromHandle(Select(m_hDC, pObject));
+    const HGDIOBJ hDisplaced = Select(m_hDC, pObject);
+    return kx::gdi::Find(hDisplaced) ? CGdiObject::FromHandle(hDisplaced)
+                                     : nullptr; // a region gives a number
+}
+
+int CDC::SelectObject(CRgn* pRgn)
+{
+    return pRgn && pRgn->m_hObject ? SelectClipRgn(pRgn) : RGN_ERROR;
 }
 
 CGdiObject* CDC::SelectStockObject(int nIndex)
@@ -104,7 +113,7 @@ void CDC::FillSolidRect(const RECT* pRect, COLORREF clr)
 
 void CDC::FillSolidRect(int x, int y, int cx, int cy, COLORREF clr)
 {
-    const RECT rect{x, y, x + cx, y + cy};
+    const RECT rect{x, y, kx::gdi::ToSide(std::int64_t{x} + cx), kx::gdi::ToSide(std::int64_t{y} + cy)};
     FillSolidRect(&rect, clr);
 }
 

@@ -3,6 +3,7 @@
 #include "include/platform/Dc.h"
 #include "include/platform/Module.h"
 #include "platform/framework/TempMap.h"
+#include "platform/gdi/Object.h"
 #include "platform/text/CharWalk.h"
 
 #include <utility>
@@ -18,7 +19,7 @@ namespace {
 
 bool IsAlive(HGDIOBJ handle)
 {
-    return GetObjectA(handle, 0, nullptr) != 0;
+    return kx::gdi::Find(handle) != nullptr;
 }
 
 template <class Wrapper>

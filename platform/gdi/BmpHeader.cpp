@@ -21,12 +21,18 @@ constexpr bool IsKnownDepth(WORD nDepth) noexcept
     return nDepth == 1 || nDepth == 4 || nDepth == 8 || nDepth == 16 || nDepth == 24 || nDepth == 32;
 }
 
+constexpr BmpMasks PlainMasks(WORD nDepth) noexcept
+{
+    return nDepth == 16 ? MASKS_555 : MASKS_888;
+}
+
 std::optional<BmpHeader> ParseCore(FileBytes dib) noexcept
 {
     BmpHeader header;
     header.nWidth = U16(dib, 4);
     header.nHeight = U16(dib, 6);
     header.nDepth = U16(dib, 10);
+    header.masks = PlainMasks(header.nDepth);
     header.nPaletteAt = kCoreSize;
     header.nColorSize = 3;
     if (U16(dib, 8) != 1) return std::nullopt;
@@ -49,7 +55,7 @@ bool ParseCompression(FileBytes dib, DWORD nSize, BmpHeader& header) noexcept
     const DWORD nCompression = U32(dib, 16);
     switch (nCompression) {
     case BI_RGB:
-        header.masks = header.nDepth == 16 ? MASKS_555 : MASKS_888;
+        header.masks = PlainMasks(header.nDepth);
         return true;
     case BI_RLE8:
     case BI_RLE4:

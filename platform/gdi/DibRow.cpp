@@ -43,7 +43,7 @@ bool HasDepth(const Bitmap& bitmap, int nDepth) noexcept
     case 1:
     case 4:
     case 8:
-        return bitmap.depth <= nDepth && bitmap.palette.size() <= std::size_t{1} << nDepth;
+        return !bitmap.palette.empty() && bitmap.palette.size() <= std::size_t{1} << nDepth;
     case 16:
     case 24:
     case 32:

@@ -31,6 +31,17 @@ void OnWarning(png_structp, png_const_charp)
 {
 }
 
+// Turns a row of bytes red, green, blue, which end where the row ends, into opaque pixels. No pixel is
+// written over bytes that are still to be read.
+void Expand(DWORD* row, int nWidth) noexcept
+{
+    const auto* from = reinterpret_cast<const std::uint8_t*>(row) + nWidth;
+    for (int x = 0; x < nWidth; ++x, from += 3) {
+        const DWORD red = from[0], green = from[1], blue = from[2];
+        row[x] = 0xFF000000 | red << 16 | green << 8 | blue;
+    }
+}
+
 class Decoder
 {
 public:
@@ -48,7 +59,7 @@ public:
     std::optional<Surface> Run()
     {
         if (!m_info || !Guarded(&Decoder::ReadHeader)) return std::nullopt;
-        m_surface = Surface::Make(static_cast<int>(png_get_image_width(m_png, m_info)),
+        m_surface = Surface::MakeUnset(static_cast<int>(png_get_image_width(m_png, m_info)),
                                   static_cast<int>(png_get_image_height(m_png, m_info)));
         if (!m_surface || !Guarded(&Decoder::ReadPixels)) return std::nullopt;
         return std::move(m_surface);
@@ -79,22 +90,38 @@ private:
         png_set_keep_unknown_chunks(m_png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
         png_read_info(m_png, m_info);
 
+        // The pixels have a checksum of their own besides those of their chunks.
+        png_set_crc_action(m_png, PNG_CRC_QUIET_USE, PNG_CRC_QUIET_USE);
+
         png_set_expand(m_png);
         png_set_scale_16(m_png);
         png_set_gray_to_rgb(m_png);
-        png_set_bgr(m_png);
-        png_set_add_alpha(m_png, 0xFF, PNG_FILLER_AFTER);
         m_nPasses = png_set_interlace_handling(m_png);
+        // Plain colours are expanded faster here, but passes have to find what those before them left.
+        m_bTriplets = m_nPasses == 1 && png_get_color_type(m_png, m_info) == PNG_COLOR_TYPE_RGB &&
+                      png_get_valid(m_png, m_info, PNG_INFO_tRNS) == 0;
+        if (!m_bTriplets) {
+            png_set_bgr(m_png);
+            png_set_add_alpha(m_png, 0xFF, PNG_FILLER_AFTER);
+        }
         png_read_update_info(m_png, m_info);
-        if (png_get_rowbytes(m_png, m_info) != png_get_image_width(m_png, m_info) * sizeof(DWORD))
-            png_error(m_png, "not 32 bits");
+        const std::size_t nPixel = m_bTriplets ? 3 : sizeof(DWORD);
+        if (png_get_rowbytes(m_png, m_info) != png_get_image_width(m_png, m_info) * nPixel)
+            png_error(m_png, "other pixels than asked for");
+    }
+
+    void ReadRow(DWORD* row)
+    {
+        const int nWidth = m_surface->Width();
+        png_read_row(m_png, reinterpret_cast<png_bytep>(row) + (m_bTriplets ? nWidth : 0), nullptr);
+        if (m_bTriplets) Expand(row, nWidth);
     }
 
     void ReadPixels()
     {
         for (int pass = 0; pass < m_nPasses; ++pass)
             for (int y = 0; y < m_surface->Height(); ++y)
-                png_read_row(m_png, reinterpret_cast<png_bytep>(m_surface->Row(y)), nullptr);
+                ReadRow(m_surface->Row(y));
         png_read_end(m_png, nullptr);
     }
 
@@ -103,6 +130,7 @@ private:
     png_infop m_info;
     const png_uint_32 m_nMaxSide;
     int m_nPasses = 1;
+    bool m_bTriplets = false; // rows are read as bytes red, green, blue
     std::optional<Surface> m_surface;
 };
 

@@ -98,11 +98,13 @@ int GetRgnBox(HRGN hRgn, RECT* pRect)
 }
 
 int OffsetRgn(HRGN hRgn, int x, int y)
-{
+try {
     const auto region = FindAs<Region>(hRgn);
     if (!region) return RGN_ERROR;
     region->pixels.Move(x, y);
     return region->pixels.Complexity();
+} catch (const std::bad_alloc&) {
+    return RGN_ERROR;
 }
 
 int GetRgnRects(HRGN hRgn, RECT* pRects, int nMax)

@@ -20,8 +20,8 @@ constexpr std::size_t RoundUp(std::size_t n, std::size_t nStep) noexcept
     return (n + nStep - 1) / nStep * nStep;
 }
 
-// Zeroed memory. Large blocks are put on huge pages where the system has them: they are filled and copied
-// faster than on the thousands of small ones.
+// Large blocks are put on huge pages where the system has them: they are filled and copied faster than on the
+// thousands of small ones.
 void* Allocate(std::size_t nBytes) noexcept
 {
     const bool bHuge = nBytes >= 3 * kHugePage;
@@ -29,7 +29,7 @@ void* Allocate(std::size_t nBytes) noexcept
     void* const p = std::aligned_alloc(nAlignment, RoundUp(nBytes, nAlignment));
     if (!p) return nullptr;
     if (bHuge) madvise(p, RoundUp(nBytes, nAlignment), MADV_HUGEPAGE);
-    return std::memset(p, 0, nBytes);
+    return p;
 }
 
 } // namespace
@@ -44,7 +44,7 @@ Surface::Surface(int nWidth, int nHeight, std::ptrdiff_t nStride, Pixels pixels)
 {
 }
 
-std::optional<Surface> Surface::Make(int nWidth, int nHeight)
+std::optional<Surface> Surface::MakeUnset(int nWidth, int nHeight)
 {
     if (nWidth <= 0 || nHeight <= 0 || std::int64_t{nWidth} * nHeight > MAX_BITMAP_PIXELS)
         return std::nullopt;
@@ -54,6 +54,15 @@ std::optional<Surface> Surface::Make(int nWidth, int nHeight)
     Pixels pixels(static_cast<DWORD*>(Allocate(nStride * static_cast<std::size_t>(nHeight) * sizeof(DWORD))));
     if (!pixels) return std::nullopt;
     return Surface(nWidth, nHeight, static_cast<std::ptrdiff_t>(nStride), std::move(pixels));
+}
+
+std::optional<Surface> Surface::Make(int nWidth, int nHeight)
+{
+    auto surface = MakeUnset(nWidth, nHeight);
+    if (surface)
+        std::memset(surface->Row(0), 0,
+                    static_cast<std::size_t>(surface->Stride() * surface->Height()) * sizeof(DWORD));
+    return surface;
 }
 
 } // namespace kx::gdi

@@ -16,6 +16,8 @@ class Surface
 public:
     // Black pixels. Nothing for a size of 0 or below, more than MAX_BITMAP_PIXELS, or a lack of memory.
     static std::optional<Surface> Make(int nWidth, int nHeight);
+    // The same of pixels that may be anything, for one who writes all of them: large ones take long to fill.
+    static std::optional<Surface> MakeUnset(int nWidth, int nHeight);
 
     int Width() const noexcept { return m_nWidth; }
     int Height() const noexcept { return m_nHeight; }

@@ -1,48 +1,13 @@
 #pragma once
 
 #include "include/platform/GdiPlusFlat.h"
-#include "platform/gdi/Surface.h"
+#include "platform/LiveHandles.h"
+#include "platform/gdiplus/CallerPixels.h"
+#include "platform/gdiplus/Picture.h"
+#include "platform/gdiplus/StreamRef.h"
 
-#include <cstddef>
-#include <memory>
-#include <optional>
-#include <vector>
-
-namespace kx::gdiplus {
-
-// What the high byte of a pixel means.
-enum class Alpha
-{
-    Opaque,       // nothing: the pixel hides what lies below
-    Straight,     // opacity, by which the colours are not multiplied
-    Premultiplied // opacity, by which they are
-};
-
-// Pixels that lie elsewhere, 0xAARRGGBB, the top row first.
-struct PixelView
-{
-    DWORD* first = nullptr;
-    std::ptrdiff_t stride = 0; // from one row to the next, in pixels; may be negative
-    int width = 0;
-    int height = 0;
-    Alpha alpha = Alpha::Opaque;
-
-    DWORD* Row(int y) const noexcept { return first + y * stride; }
-};
-
-// The frames of a picture that has several. Keeps the bytes they are decoded from, not the frames.
-class Frames
-{
-public:
-    virtual ~Frames() = default;
-    virtual GUID Dimension() const noexcept = 0;
-    virtual unsigned Count() const noexcept = 0;
-    // Makes that frame the picture: may draw on the surface given, or replace it. On failure it stays.
-    virtual Gdiplus::Status Select(unsigned nFrame, gdi::Surface& surface, Alpha& alpha) = 0;
-    virtual std::unique_ptr<Frames> Clone() const = 0;
-};
-
-} // namespace kx::gdiplus
+#include <utility>
+#include <variant>
 
 namespace Gdiplus {
 
@@ -50,21 +15,49 @@ namespace Gdiplus {
 class GpImage
 {
 public:
+    // The stream that it was read from is held as long as it lives: callers end theirs after that.
+    explicit GpImage(kx::gdiplus::Picture picture, kx::gdiplus::StreamRef stream = nullptr) noexcept
+        : m_pixels(std::move(picture)), m_stream(std::move(stream))
+    {
+    }
+    explicit GpImage(kx::gdiplus::CallerPixels pixels) noexcept : m_pixels(std::move(pixels)) {}
     GpImage(const GpImage&) = delete;
     GpImage& operator=(const GpImage&) = delete;
     virtual ~GpImage();
 
     // The current frame. It ends with the next call that changes the picture's frame or size.
-    virtual kx::gdiplus::PixelView Pixels() noexcept = 0;
+    kx::gdiplus::PixelView Pixels() noexcept;
     // To be called when pixels were changed through a view.
-    virtual void Changed() noexcept {}
+    void Changed() noexcept;
 
-protected:
-    GpImage() = default;
+    int Width() const noexcept;
+    int Height() const noexcept;
+    PixelFormat Format() const noexcept;
+    // A pixel as it lies there. The place is within the picture.
+    DWORD Get(int x, int y) const noexcept;
+    void Set(int x, int y, DWORD pixel) noexcept;
+    kx::gdiplus::Alpha HighByte() const noexcept;
+
+    GUID Dimension() const noexcept;
+    // Null for a picture of one frame.
+    const kx::gdiplus::Frames* Frames() const noexcept;
+    Status SelectFrame(unsigned nFrame);
+    // Pixels of its own in place of all that it had; the format stays.
+    void Replace(kx::gdi::Surface surface) noexcept;
+    // OutOfMemory.
+    Status Clone(GpImage** ppClone);
+
+private:
+    std::variant<kx::gdiplus::Picture, kx::gdiplus::CallerPixels> m_pixels;
+    const kx::gdiplus::StreamRef m_stream;
+    const kx::LiveHandle m_live;
 };
 
+// All pictures are: it is another name for what can be asked for single pixels.
 class GpBitmap : public GpImage
 {
+public:
+    using GpImage::GpImage;
 };
 
 } // namespace Gdiplus

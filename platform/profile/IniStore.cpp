@@ -6,6 +6,7 @@
 #include "platform/profile/FileReplacement.h"
 #include "platform/profile/FileText.h"
 #include "platform/profile/IniCache.h"
+#include "platform/profile/KeptIni.h"
 
 #include <utility>
 
@@ -48,15 +49,11 @@ bool HasDrive(std::string_view path) noexcept
     return path.size() > 1 && path[1] == ':';
 }
 
-} // namespace
-
 // The way of a path through its directories costs more than all the rest, so a file is kept by the text of
 // its path where that text alone names it: an exact spelling wins over every other as long as it is there.
 // Other files are kept by their Linux path, which never looks like one of those texts.
-IniPtr Read(const char* pszFile)
+IniPtr ReadNow(std::string_view spelled, const char* pszFile, unsigned generation)
 {
-    const std::string_view spelled = pszFile ? std::string_view(pszFile) : std::string_view();
-    const unsigned generation = path::Generation();
     if (HasDrive(spelled))
         if (auto file = Cache().Find(spelled); file && file->IsCurrent(generation))
             return IniOf(std::move(file));
@@ -67,6 +64,22 @@ IniPtr Read(const char* pszFile)
     return ReadAt(resolved->system, generation);
 }
 
+} // namespace
+
+IniPtr Read(const char* pszFile)
+{
+    const std::string_view spelled = pszFile ? std::string_view(pszFile) : std::string_view();
+    const unsigned generation = path::Generation();
+    KeptIni* const kept = KeptIni::OfThread();
+    if (!kept || !HasDrive(spelled)) return ReadNow(spelled, pszFile, generation);
+    if (auto ini = kept->Find(spelled, generation)) return ini;
+    auto ini = ReadNow(spelled, pszFile, generation);
+    kept->name = spelled;
+    kept->generation = generation;
+    kept->ini = ini;
+    return ini;
+}
+
 IniPtr ReadSystem(const std::string& path)
 {
     return ReadAt(path, path::Generation());
@@ -74,6 +87,7 @@ IniPtr ReadSystem(const std::string& path)
 
 DWORD Update(const std::string& path, mode_t mode, const Edit& edit)
 {
+    if (KeptIni* kept = KeptIni::OfThread()) kept->ini = nullptr;
     FileReplacement replacement;
     if (const DWORD error = replacement.Begin(path, mode)) return error;
     FileText file;

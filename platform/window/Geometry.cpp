@@ -1,4 +1,4 @@
-// Where windows lie.
+// Where windows lie, and what their parts measure.
 
 #include "include/platform/Gdi.h"
 #include "platform/Errno.h"
@@ -27,4 +27,16 @@ int GetClientRect(HWND hWnd, RECT* pRect) noexcept
     if (!GetWindowRect(hWnd, pRect)) return 0;
     *pRect = {0, 0, pRect->right - pRect->left, pRect->bottom - pRect->top};
     return 1;
+}
+
+int GetSystemMetrics(int nIndex) noexcept
+{
+    switch (nIndex) {
+    case SM_CYCAPTION:
+        return 19;
+    case SM_CYFRAME:
+        return 4;
+    default:
+        return 0;
+    }
 }

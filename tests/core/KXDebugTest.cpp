@@ -23,10 +23,12 @@ TEST(Debug, SingletonsAnnounceThemselvesAndEndInOrder)
     test::Child child("UnloadChild", {}, {"KX_DEBUG=1"}, true);
     EXPECT_EQ(child.Wait(), 0);
     EXPECT_EQ(child.ErrorText(), "loaded\n"
+                                 "CKXFileSystem construction!\n" // the skins ask for it
+                                 "CKXSkinResManager Construction!\n"
                                  "CKXLogSys Construction!\n"
                                  "CKXLanResManager Construction!\n"
-                                 "CKXFileSystem construction!\n"
                                  "end of main\n"
+                                 "CKXSkinResManager Deconstruction!\n"
                                  "CKXLanResManager Deconstruction!\n"
                                  "CKXLogSys Deconstruction!\n"
                                  "CKXFileSystem destroy!\n");

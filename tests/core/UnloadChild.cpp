@@ -1,12 +1,14 @@
 #include "KXFileSystem.h"
 #include "KXLanResManager.h"
 #include "KXLogSys.h"
+#include "KXSkinResManager.h"
 #include "platform/Debug.h"
 
 // Makes the singletons in another order than the one in which they are to go.
 int main()
 {
     OutputDebugStringA("loaded\n");
+    CKXSkinResManager::GetSingletonPtr();
     CKXLogSys::GetSingletonPtr();
     CKXLanResManager::GetSingletonPtr();
     CKXFileSystem::GetInstancePtr();

@@ -1,5 +1,10 @@
 #include "KXBitmap.h"
+#include "KXFrameBitmap.h"
+#include "KXMemDC.h"
+#include "KXPaintMemoryDC.h"
 #include "tests/draw/CopyList.h"
+#include "tests/platform/module/Bundles.h"
+#include "tests/support/Child.h"
 #include "tests/support/Picture.h"
 #include "tests/support/TempDir.h"
 
@@ -170,6 +175,66 @@ TEST_F(Bitmap, OddParametersEndQuietly)
     bitmap.Draw(&dc, 0, 0, 1);
 }
 
+// End parts of a length below 0 make that much more room for the middle.
+TEST_F(Bitmap, NegativeEndPartsMakeRoom)
+{
+    Attach(4, 3);
+    bitmap.SetFillParam(-2, -1, 1);
+    bitmap.DrawFill(&dc, CRect(0, 0, 10, 3), 0);
+    EXPECT_THAT(copies.Take(), ElementsAre("-2,0 7x3 from -2,0", "5,0 6x3 from -2,0", "0,0 -2x3 from 0,0",
+                                           "11,0 -1x3 from 5,0"));
+}
+
+// Tiles that can't be seen aren't drawn once there are very many, and those that can stand where they would.
+TEST_F(Bitmap, RectanglesOfAnySizeEndSoon)
+{
+    Attach(7, 3);
+    bitmap.SetFillParam(1, 1, 1);
+    bitmap.DrawFill(&dc, CRect(INT_MIN, 0, INT_MAX, 3), 0); // from -2147483647 on in steps of 5
+    EXPECT_THAT(copies.Take(), ElementsAre("-2,0 5x3 from 1,0", "3,0 5x3 from 1,0", "8,0 5x3 from 1,0",
+                                           "-2147483648,0 1x3 from 0,0", "2147483646,0 1x3 from 6,0"));
+    bitmap.DrawFill(nullptr, CRect(0, 0, INT_MAX, 3), 0);
+    EXPECT_EQ(copies.Take().size(), 2u);
+    bitmap.DrawFill(&dc, CRect(-5 * 4096 - 1, 0, 1, 3), 0); // 4,096 tiles: all
+    EXPECT_EQ(copies.Take().size(), 4098u);
+    const CRect huge[] = {CRect(INT_MIN, INT_MIN, INT_MAX, INT_MAX), CRect(0, 0, INT_MAX, INT_MAX),
+                          CRect(INT_MIN, INT_MIN, 1, 1), CRect(INT_MAX, INT_MAX, INT_MIN, INT_MIN)};
+    for (const int bHorz : {1, 0})
+        for (const CRect& rc : huge) {
+            bitmap.SetFillParam(1, 1, bHorz);
+            bitmap.DrawFill(&dc, rc, 0);
+            bitmap.TransparentDrawFill(&dc, rc, 1, 0);
+            bitmap.Pave(&dc, rc, 0);
+            bitmap.Pave(nullptr, rc, 0);
+        }
+    EXPECT_LT(copies.Take().size(), 1000u);
+}
+
+// A part of a keyed copy that the image lacks is left out alone, though the platform refuses such a copy.
+TEST_F(Bitmap, KeyedCopiesLeaveOutWhatIsNotThere)
+{
+    bitmap.AttachBitmap(MakeBitmap({"RMB"}));
+    bitmap.SetFillParam(5, 0, 1); // longer than the image
+    bitmap.TransparentDrawFill(&dc, CRect(1, 0, 6, 1), test::ColorOf('M'), 0);
+    bitmap.SetFillParam(-2, 0, 1); // the middle begins in front of it
+    bitmap.TransparentDrawFill(&dc, CRect(8, 1, 11, 2), test::ColorOf('M'), 0);
+    EXPECT_THAT(test::Read(paper, 0, 0, 12, 2), ElementsAre("WRWBWWWWWWWW", "WWWWWWWWRWBW"));
+    bitmap.SetMultiState(2, 1);
+    copies.Take();
+    for (const int nState : {-1, 3})
+        bitmap.TransparentDraw(&dc, 0, 3, test::ColorOf('M'), nState);
+    EXPECT_EQ(copies.Take().size(), 2u);
+}
+
+TEST_F(Bitmap, AttachingNothingSelectsTheFirstState)
+{
+    Attach(20, 3);
+    bitmap.SetMultiState(2, 1);
+    bitmap.Draw(&dc, 0, 0, 1);
+    bitmap.AttachBitmap(nullptr);
+    EXPECT_EQ(bitmap.GetSrcImageRect(), CRect(0, 0, 10, 3)); // of the last record
+}
+
 TEST_F(Bitmap, PixelsOfAFillWithAndWithoutAKey)
 {
     bitmap.AttachBitmap(MakeBitmap({"RGMB", "RGGB"}));
@@ -254,7 +319,8 @@ TEST(BitmapHandles, EachIsReleasedOnce)
         EXPECT_NE(b.GetHBITMAP(), a.GetHBITMAP());
         EXPECT_EQ(a.GetBITMAP().bmWidth, 4);
         a = b;
-        a = a;
+        const CKXBitmap& same = a;
+        a = same;
     }
     EXPECT_EQ(a.GetBITMAP().bmWidth, 5);
     const HBITMAP hBitmap = a.DetachBitmap();
@@ -267,6 +333,90 @@ TEST(BitmapHandles, EachIsReleasedOnce)
     a.AttachBitmap(nullptr);
     EXPECT_EQ(a.GetHBITMAP(), nullptr);
     EXPECT_EQ(DeleteObject(hBitmap), 0); // gone already
+}
+
+TEST(BitmapHandles, MovesAreCopies)
+{
+    const test::NoLeak noLeak;
+    CKXBitmap from;
+    from.AttachBitmap(MakeBitmap(4, 4));
+    CKXBitmap to = std::move(from);
+    EXPECT_EQ(from.GetHBITMAP(), to.GetHBITMAP()); // NOLINT(bugprone-use-after-move)
+    CKXBitmap other;
+    other = std::move(to);
+    to.AttachBitmap(MakeBitmap(2, 2)); // NOLINT(bugprone-use-after-move)
+    EXPECT_EQ(other.GetHBITMAP(), from.GetHBITMAP());
+}
+
+TEST(BitmapHandles, StepsAreOpenToDerivedClasses)
+{
+    const test::NoLeak noLeak;
+    struct Client : CKXBitmap
+    {
+        void Step(int n) { n == 0 ? CreateBitmapDC() : n == 1 ? DeleteBitmapDC() : DeleteBitmap(); }
+    } client;
+    const HDC hDC = client.GetHDC();
+    client.Step(0);
+    EXPECT_EQ(client.GetHDC(), hDC); // there already
+    client.AttachBitmap(MakeBitmap(3, 3));
+    client.Step(2);
+    EXPECT_EQ(client.GetHBITMAP(), nullptr);
+    client.AttachBitmap(MakeBitmap(3, 3));
+    const CKXBitmap copy = client;
+    client.Step(1);
+    EXPECT_EQ(client.GetHDC(), nullptr);
+    client.Draw(nullptr, 0, 0, 0);
+    client.Step(0);
+    client.AttachBitmap(MakeBitmap(3, 3));
+    EXPECT_NE(client.GetHDC(), nullptr);
+}
+
+// Whatever is loaded, drawn, loaded anew and ended leaves nothing behind.
+TEST(BitmapHandles, ManyRoundsLeaveNothing)
+{
+    const test::TempDir dir;
+    const std::string bmp = test::ToBmp({"RGB", "WKM"}, 8).File();
+    dir.Write("image.bmp", bmp);
+    const test::LinkedIn resources({{"BITMAP/101", bmp}});
+    const test::NoLeak noLeak;
+    const test::Paper paper(20, 20);
+    CDC& dc = *CDC::FromHandle(paper);
+    CKXBitmap kept;
+    const auto use = [&](auto& bitmap, auto&& draw) {
+        EXPECT_EQ(bitmap.LoadBitmapA(101u), 1);
+        draw();
+        EXPECT_EQ(bitmap.LoadBitmapA(dir.Win("image.bmp")), 1);
+        draw();
+        EXPECT_EQ(bitmap.LoadBitmapA(102u), 0);
+        bitmap.AttachBitmap(MakeBitmap(2, 2));
+        DeleteObject(bitmap.DetachBitmap());
+        EXPECT_EQ(bitmap.LoadBitmapA(101u), 1);
+    };
+    for (int n = 0; n < 300; ++n) {
+        CKXBitmap bitmap = kept;
+        bitmap.SetFillParam(1, 1, n % 2);
+        use(bitmap, [&] {
+            CRgn rgn;
+            bitmap.Pave(&dc, CRect(0, 0, 20, 20), 0);
+            bitmap.TransparentDraw(&dc, 0, 0, 9, 9, 0, 0);
+            bitmap.CreateBitmapRgn(rgn, 0, n % 2);
+        });
+        kept = bitmap;
+        CKXFrameBitmap frame;
+        use(frame, [&] {
+            frame.SetBitmapOptions(CSize(1, 1), CSize(1, 1), CSize(1, 1), CSize(1, 1));
+            CKXPaintMemoryDC mem(&dc, CRect(0, 0, 20, 20));
+            frame.Draw(mem, CRect(0, 0, 20, 20), 1, 0xFF);
+        });
+        CKXMemDC mirror(&dc, CRect(), 0);
+        mirror.Create(&dc, CRect(1, 1, 5, 5), 0);
+        mirror.FromDC();
+    }
+}
+
+TEST(BitmapHandles, ARegionWithoutMemoryIsNone)
+{
+    EXPECT_EQ(test::Child("NoMemoryChild", {}).Wait(), 0);
 }
 
 } // namespace

@@ -2,10 +2,16 @@
 #include "tests/draw/CopyList.h"
 #include "tests/support/Picture.h"
 
+#include <climits>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <utility>
 
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::Ge;
+using testing::Le;
+using testing::SizeIs;
 
 namespace {
 
@@ -65,6 +71,43 @@ TEST_F(Frame, EdgesWithoutLengthEnd)
     EXPECT_EQ(copies.Take().size(), 4u);
     CKXFrameBitmap empty;
     empty.Draw(&dc, CRect(0, 0, 40, 30), 0, 0);
+}
+
+// Tiles that can't be seen aren't drawn once there are very many, and those that can stand where they would.
+TEST_F(Frame, OfAnySizeEndsSoon)
+{
+    frame.Draw(&dc, CRect(INT_MIN, 0, INT_MAX, 30), 1, 0);
+    EXPECT_THAT(copies.Take(), SizeIs(AllOf(Ge(16u), Le(40u))));
+    for (const CRect& rc :
+         {CRect(INT_MIN, INT_MIN, INT_MAX, INT_MAX), CRect(INT_MAX, INT_MAX, INT_MIN, INT_MIN),
+          CRect(0, 0, INT_MAX, INT_MAX), CRect(INT_MIN, INT_MIN, 0, 0)})
+        frame.Draw(&dc, rc, 1, 0);
+    for (const int n : {INT_MIN, -1, INT_MAX}) {
+        const CSize size(n, n);
+        frame.SetBitmapOptions(size, size, size, size);
+        frame.Draw(&dc, CRect(0, 0, 40, 30), 1, 0);
+    }
+    EXPECT_LT(copies.Take().size(), 1000u);
+}
+
+TEST_F(Frame, IsMovedAsACopy)
+{
+    struct Client : CKXFrameBitmap
+    {
+        void Empty()
+        {
+            DeleteBitmap();
+            DeleteBitmapDC();
+            CreateBitmapDC();
+        }
+    } client;
+    static_cast<CKXFrameBitmap&>(client) = std::move(frame);
+    frame.Draw(&dc, CRect(0, 0, 40, 30), 1, 0); // NOLINT(bugprone-use-after-move)
+    EXPECT_EQ(copies.Take().size(), 18u);
+    client.Empty();
+    EXPECT_EQ(client.GetHBITMAP(), nullptr);
+    EXPECT_NE(client.GetHDC(), nullptr);
+    EXPECT_NE(frame.GetHBITMAP(), nullptr);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <thread>
 
 using testing::ElementsAre;
 
@@ -44,6 +45,13 @@ TEST(MemDC, FillsItsRectangleUnshifted)
     EXPECT_THAT(test::Read(mem, 0, 0, 4, 4), ElementsAre("....", "....", ".RRR", ".RRR"));
     CKXMemDC black(CDC::FromHandle(paper), CRect(0, 0, 2, 2), 0);
     EXPECT_EQ(black.GetPixel(0, 0), 0u);
+    CKXMemDC unfilled(CDC::FromHandle(paper), CRect(0, 0, 2, 2), static_cast<unsigned long>(-1));
+    EXPECT_EQ(unfilled.GetPixel(0, 0), 0u);
+    CKXMemDC none(CDC::FromHandle(paper), CRect(0, 0, 1 << 15, 1 << 15), test::ColorOf('R')); // too large
+    EXPECT_EQ(none.IsValid(), 1);
+    EXPECT_EQ(none.GetBitmap().GetSafeHandle(), nullptr);
+    EXPECT_EQ(BitBlt(paper, 0, 0, 2, 2, none, 0, 0, SRCCOPY), 1);
+    EXPECT_EQ(GetPixel(paper, 0, 0), 0u); // the fill drew nothing
 }
 
 TEST(MemoryDC, IsMadeDestroyedAndMadeAgain)
@@ -63,7 +71,30 @@ TEST(MemoryDC, IsMadeDestroyedAndMadeAgain)
     EXPECT_EQ(mem.GetSize(), CSize(3, 4));
     mem.Create(-1, 1 << 30); // can't be: drawing on it does nothing
     EXPECT_EQ(mem.GetHBitmap(), nullptr);
+    EXPECT_EQ(mem.GetHDC(), nullptr);
     mem.GetDC().FillSolidRect(0, 0, 9, 9, 0xFF);
+}
+
+// The wrapper of what a bitmap displaced ends with its thread, or after its handle.
+TEST(MemoryDC, OutlivesTheWrapperOfWhatItsBitmapDisplaced)
+{
+    static CKXMemoryDC s_atExit; // ends behind the thread's wrappers
+    s_atExit.Create(1, 1);
+    const test::NoLeak noLeak;
+    const test::Paper paper(2, 2);
+    CKXMemoryDC fromThread;
+    CKXMemDC mirror;
+    std::thread([&] {
+        fromThread.Create(2, 2);
+        mirror.Create(CDC::FromHandle(paper), CRect(0, 0, 2, 2), 0);
+    }).join();
+    fromThread.Destroy();
+    mirror.Create(CDC::FromHandle(paper), CRect(0, 0, 1, 1), 0);
+    CKXMemoryDC mem;
+    mem.Create(2, 2);
+    mem.GetDC().DeleteDC();
+    for (int n = 0; n < 200; ++n)
+        CGdiObject::FromHandle(test::Scoped<HPEN>(CreatePen(PS_SOLID, 1, 0)));
 }
 
 TEST(PaintMemoryDC, CopiesItselfAtItsEnd)
@@ -78,6 +109,33 @@ TEST(PaintMemoryDC, CopiesItselfAtItsEnd)
     }
     EXPECT_THAT(paper.Read(), ElementsAre("WWWW", "WR.W", "WR.W"));
     const CKXPaintMemoryDC nowhere(nullptr, CRect(0, 0, 2, 2));
+    {
+        const CKXPaintMemoryDC none(CDC::FromHandle(paper), CRect(0, 0, 1 << 15, 1 << 15)); // too large
+    }
+    EXPECT_EQ(test::LetterOf(GetPixel(paper, 0, 0)), 'W');
+}
+
+TEST(PaintMemoryDC, CoversAWindowAndFillsItUnlessWithBlack)
+{
+    const WNDCLASSA type{DefWindowProcA, "Painted"};
+    RegisterClassA(&type);
+    const HWND hWnd = CreateWindowExA(0, "Painted", "", 0, 0, 0, 3, 2);
+    ASSERT_NE(hWnd, nullptr);
+    const test::Paper paper(4, 3, 'W');
+    for (const auto& [clrBk, shown] :
+         {std::pair<unsigned long, char>{test::ColorOf('G'), 'G'}, {0, '.'}, {1ul << 32, '.'}}) {
+        {
+            CKXPaintMemoryDC mem(CWnd::FromHandle(hWnd), CDC::FromHandle(paper), clrBk);
+            EXPECT_EQ(mem.GetSize(), CSize(3, 2));
+            CDC* pDC = mem;
+            pDC->SetPixel(0, 0, test::ColorOf('R'));
+            EXPECT_EQ(pDC->GetBkColor(), test::ColorOf(shown == 'G' ? 'G' : 'W')); // a fill leaves its colour
+        }
+        const std::string rest(2, shown);
+        EXPECT_THAT(paper.Read(), ElementsAre("R" + rest + "W", shown + rest + "W", "WWWW"));
+    }
+    DestroyWindow(hWnd);
+    UnregisterClassA("Painted");
 }
 
 } // namespace

@@ -133,11 +133,13 @@ Glyph FontFace::Render(char32_t ch)
     glyph.top = slot->bitmap_top;
     glyph.width = static_cast<int>(bitmap.width);
     glyph.rows = static_cast<int>(bitmap.rows);
-    glyph.coverage.reserve(std::size_t{bitmap.width} * bitmap.rows);
+    glyph.coverage.reserve(sizeof(DWORD) * bitmap.width * bitmap.rows + Glyph::PADDING);
     for (unsigned y = 0; y < bitmap.rows; ++y) {
         const unsigned char* row = bitmap.buffer + static_cast<std::ptrdiff_t>(y) * bitmap.pitch;
-        glyph.coverage.insert(glyph.coverage.end(), row, row + bitmap.width);
+        for (unsigned x = 0; x < bitmap.width; ++x)
+            glyph.coverage.insert(glyph.coverage.end(), {row[x], row[x], row[x], 0});
     }
+    glyph.coverage.resize(glyph.coverage.size() + Glyph::PADDING);
     return glyph;
 }
 

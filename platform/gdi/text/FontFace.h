@@ -12,15 +12,18 @@
 namespace kx::gdi {
 
 // One letter at one size: how far it moves on, and its coverage, 0 to 255 a pixel, placed from the pen's
-// position on the base line.
+// position on the base line. The coverage lies as it is blended: once for each colour of a pixel, and 0 for
+// the pixel's high byte. Some zeros follow it, so that it may be read in blocks.
 struct Glyph
 {
+    static constexpr std::size_t PADDING = 12;
+
     int advance = 0;
     int left = 0; // of the first column
     int top = 0;  // of the first row, upwards
     int width = 0;
     int rows = 0;
-    std::vector<unsigned char> coverage;
+    std::vector<std::uint8_t> coverage;
 };
 
 // A typeface at one size, with the letters that were used. Characters that it lacks come from whatever face

@@ -21,6 +21,14 @@ FT_Library Library()
     return library;
 }
 
+// Held while a face is opened or closed, which changes the library's list of them: a face ends with its last
+// user, which may be a font that is deleted outside of the text lock. Taken after that lock where both are.
+std::mutex& LibraryLock() noexcept
+{
+    static Immortal<std::mutex> lock;
+    return lock.Get();
+}
+
 FacePtr Open(FcPattern* font)
 {
     FcChar8* file = nullptr;
@@ -29,6 +37,7 @@ FacePtr Open(FcPattern* font)
     if (!font || FcPatternGetString(font, FC_FILE, 0, &file) != FcResultMatch) return nullptr;
     FcPatternGetInteger(font, FC_INDEX, 0, &index);
     const auto* path = reinterpret_cast<const char*>(file);
+    const std::lock_guard lock(LibraryLock());
     if (!Library() || FT_New_Face(Library(), path, index, &face) != 0) return nullptr;
     return FacePtr(face);
 }
@@ -49,6 +58,7 @@ std::mutex& TextLock() noexcept
 
 void FaceDeleter::operator()(FT_Face face) const noexcept
 {
+    const std::lock_guard lock(LibraryLock());
     FT_Done_Face(face);
 }
 

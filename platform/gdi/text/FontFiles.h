@@ -18,6 +18,7 @@ struct FaceRequest
     friend auto operator<=>(const FaceRequest&, const FaceRequest&) = default;
 };
 
+// On any thread.
 struct FaceDeleter
 {
     void operator()(FT_Face face) const noexcept;

@@ -4,6 +4,7 @@
 #include "platform/text/Conversion.h"
 #include "platform/text/Iconv.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -17,9 +18,16 @@ bool IsUnseen(char32_t ch)
     return ch < U' ' || ch == 0x7F;
 }
 
+// Whether each letter is drawn as it stands.
+bool IsPlain(std::u32string_view text)
+{
+    return std::none_of(text.begin(), text.end(), [](char32_t ch) { return IsUnseen(ch) || ch == U'&'; });
+}
+
 // Takes the "&" signs out: one marks the letter behind it, two stand for one.
 void TakePrefixes(TextLine& line)
 {
+    if (line.text.find(U'&') == std::u32string::npos) return;
     std::u32string kept;
     for (std::size_t n = 0; n < line.text.size(); ++n) {
         if (line.text[n] == U'&') {
@@ -36,7 +44,7 @@ void TakePrefixes(TextLine& line)
 std::size_t FindBreak(FontFace& face, std::u32string_view text, int nRoom)
 {
     std::size_t nBlank = 0;
-    int width = 0;
+    std::int64_t width = 0;
     for (std::size_t n = 0; n < text.size(); ++n) {
         width += face.Get(text[n]).advance;
         const bool bBlank = text[n] == U' ';
@@ -44,6 +52,19 @@ std::size_t FindBreak(FontFace& face, std::u32string_view text, int nRoom)
         if (bBlank || text[n] >= 0x2E80) nBlank = n + 1; // Chinese text breaks behind any letter
     }
     return text.size();
+}
+
+// Cuts a line into pieces that fit into the room.
+void BreakWords(FontFace& face, const TextLine& line, int nRoom, std::vector<TextLine>& pieces)
+{
+    std::u32string_view rest = line.text;
+    int mark = line.mark; // in the rest
+    for (std::size_t nCut; (nCut = FindBreak(face, rest, nRoom)) < rest.size(); rest.remove_prefix(nCut)) {
+        const bool bMarked = mark < static_cast<int>(nCut);
+        pieces.push_back({std::u32string(rest.substr(0, nCut)), 0, bMarked ? mark : -1});
+        mark = bMarked ? -1 : mark - static_cast<int>(nCut);
+    }
+    pieces.push_back({std::u32string(rest), 0, mark});
 }
 
 } // namespace
@@ -68,35 +89,38 @@ int Measure(FontFace& face, std::u32string_view text)
 
 std::vector<TextLine> BreakLines(FontFace& face, std::string_view text, UINT nFormat, int nRoom)
 {
-    const std::u32string all = Decode(text);
-    std::vector<TextLine> lines(1);
+    std::u32string all = Decode(text);
+    const bool bSingle = (nFormat & DT_SINGLELINE) != 0;
+    std::vector<TextLine> lines;
+    if (bSingle && IsPlain(all)) { // most texts by far
+        const int nWidth = Measure(face, all);
+        lines.push_back({std::move(all), nWidth});
+        return lines;
+    }
+    TextLine line;
+    const auto end = [&] {
+        if (!(nFormat & DT_NOPREFIX)) TakePrefixes(line);
+        if ((nFormat & DT_WORDBREAK) && !bSingle)
+            BreakWords(face, line, nRoom, lines);
+        else
+            lines.push_back(std::move(line));
+        line = {};
+    };
     for (std::size_t n = 0; n < all.size(); ++n) {
         const char32_t ch = all[n];
         if (ch == U'\t') {
-            lines.back().text += U' ';
-        } else if (nFormat & DT_SINGLELINE ? false : ch == U'\r' || ch == U'\n') {
+            line.text += U' ';
+        } else if (!bSingle && (ch == U'\r' || ch == U'\n')) {
             if (ch == U'\r' && n + 1 < all.size() && all[n + 1] == U'\n') ++n;
-            lines.emplace_back();
+            end();
         } else if (!IsUnseen(ch)) {
-            lines.back().text += ch;
+            line.text += ch;
         }
     }
-    std::vector<TextLine> broken;
-    for (TextLine& line : lines) {
-        if (!(nFormat & DT_NOPREFIX)) TakePrefixes(line);
-        if ((nFormat & DT_WORDBREAK) && !(nFormat & DT_SINGLELINE)) {
-            for (std::size_t nCut; (nCut = FindBreak(face, line.text, nRoom)) < line.text.size();) {
-                broken.push_back(
-                    {line.text.substr(0, nCut), 0, line.mark < static_cast<int>(nCut) ? line.mark : -1});
-                line.text.erase(0, nCut);
-                line.mark = std::max(-1, line.mark - static_cast<int>(nCut));
-            }
-        }
-        broken.push_back(std::move(line));
-    }
-    for (TextLine& line : broken)
-        line.width = Measure(face, line.text);
-    return broken;
+    end();
+    for (TextLine& each : lines)
+        each.width = Measure(face, each.text);
+    return lines;
 }
 
 } // namespace kx::gdi

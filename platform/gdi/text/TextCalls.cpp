@@ -38,13 +38,13 @@ struct Writer
 {
     explicit Writer(HDC hDC) : lock(TextLock()), context(FindAs<DeviceContext>(hDC))
     {
-        if (context) font = std::dynamic_pointer_cast<Font>(context->CurrentFont());
+        if (context) font = static_cast<Font*>(context->CurrentFont().get());
     }
     explicit operator bool() const { return font != nullptr; }
 
     std::lock_guard<std::mutex> lock;
     std::shared_ptr<DeviceContext> context;
-    std::shared_ptr<Font> font;
+    Font* font = nullptr; // stays while it is selected
 };
 
 int StartOf(const TextLine& line, const RECT& rect, UINT nFormat)

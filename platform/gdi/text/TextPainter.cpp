@@ -4,22 +4,61 @@
 #include "platform/gdi/Rect.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 
 namespace kx::gdi {
 
 namespace {
 
-// Moves a pixel's channels towards a colour's, by a coverage of 0 to 255.
-DWORD Mixed(DWORD from, DWORD to, unsigned nCoverage)
+constexpr int kBlock = 4; // pixels
+using Bytes = std::uint8_t __attribute__((vector_size(16)));
+using Words = std::uint16_t __attribute__((vector_size(16)));
+using Pixels = DWORD __attribute__((vector_size(16)));
+
+Bytes Load(const void* p)
 {
-    DWORD mixed = from & ~COLOR_BITS;
-    for (const unsigned nShift : {0u, 8u, 16u}) {
-        const int a = static_cast<int>(from >> nShift & 0xFF);
-        const int b = static_cast<int>(to >> nShift & 0xFF);
-        const int step = (b - a) * static_cast<int>(nCoverage);
-        mixed |= static_cast<DWORD>(a + (step + (step < 0 ? -127 : 127)) / 255) << nShift;
-    }
-    return mixed;
+    Bytes bytes;
+    std::memcpy(&bytes, p, sizeof(bytes));
+    return bytes;
+}
+
+Words Low(Bytes bytes)
+{
+    return reinterpret_cast<Words>(
+        __builtin_shufflevector(bytes, Bytes{}, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23));
+}
+
+Words High(Bytes bytes)
+{
+    return reinterpret_cast<Words>(__builtin_shufflevector(bytes, Bytes{}, 8, 24, 9, 25, 10, 26, 11, 27, 12,
+                                                           28, 13, 29, 14, 30, 15, 31));
+}
+
+// Each moved from `a` to `b` by a coverage of 0 to 255, to the nearest value.
+Words Mixed(Words a, Words b, Words coverage)
+{
+    const Words sum = a * (255 - coverage) + b * coverage + 128;
+    return (sum + (sum >> 8)) >> 8; // by 255
+}
+
+// A block of pixels, of whose bytes each has its coverage.
+Bytes MixBlock(Bytes from, Bytes color, Bytes coverage)
+{
+    const auto low = reinterpret_cast<Bytes>(Mixed(Low(from), Low(color), Low(coverage)));
+    const auto high = reinterpret_cast<Bytes>(Mixed(High(from), High(color), High(coverage)));
+    return __builtin_shufflevector(low, high, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
+}
+
+// At most three pixels, put together in registers: a block loaded from where its pixels have just been stored
+// one by one is waited for.
+void MixRest(DWORD* out, int nPixels, Bytes color, Bytes coverage)
+{
+    const Pixels from{out[0], nPixels > 1 ? out[1] : 0, nPixels > 2 ? out[2] : 0, 0};
+    const auto mixed = reinterpret_cast<Pixels>(MixBlock(reinterpret_cast<Bytes>(from), color, coverage));
+    out[0] = mixed[0];
+    if (nPixels > 1) out[1] = mixed[1];
+    if (nPixels > 2) out[2] = mixed[2];
 }
 
 RECT Common(const RECT& a, const RECT& b)
@@ -77,16 +116,17 @@ void TextPainter::Cover(const Glyph& glyph, int x, int y, const RECT& clip)
 
 void TextPainter::Blend(const Glyph& glyph, int x, int y, const RECT& part)
 {
+    const auto color = reinterpret_cast<Bytes>(Pixels{m_pixel, m_pixel, m_pixel, m_pixel});
     for (int row = part.top; row < part.bottom; ++row) {
-        const unsigned char* coverage =
-            glyph.coverage.data() + static_cast<std::ptrdiff_t>(row - y) * glyph.width - x;
-        DWORD* pixels = m_canvas.surface.Row(row);
-        for (int column = part.left; column < part.right; ++column) {
-            if (const unsigned n = coverage[column]; n == 255)
-                pixels[column] = (pixels[column] & ~COLOR_BITS) | m_pixel;
-            else if (n != 0)
-                pixels[column] = Mixed(pixels[column], m_pixel, n);
+        const std::ptrdiff_t nFirst = static_cast<std::ptrdiff_t>(row - y) * glyph.width + part.left - x;
+        const std::uint8_t* coverage = glyph.coverage.data() + nFirst * std::ptrdiff_t{sizeof(DWORD)};
+        DWORD* out = m_canvas.surface.Row(row) + part.left;
+        int nLeft = part.right - part.left;
+        for (; nLeft >= kBlock; nLeft -= kBlock, out += kBlock, coverage += sizeof(Bytes)) {
+            const Bytes mixed = MixBlock(Load(out), color, Load(coverage));
+            std::memcpy(out, &mixed, sizeof(mixed));
         }
+        if (nLeft > 0) MixRest(out, nLeft, color, Load(coverage));
     }
 }
 

@@ -38,7 +38,7 @@ TEST(Bmp, EveryDepthDirectionAndRowPadding)
 TEST(Bmp, EveryHeader)
 {
     for (const DWORD size : {12u, 40u, 52u, 56u, 108u, 124u})
-        for (const DWORD depth : {8u, 24u}) {
+        for (const DWORD depth : {8u, 16u, 24u, 32u}) {
             Bmp bmp = ToBmp(kPicture, depth);
             bmp.headerSize = size;
             if (size == 12 && depth == 8) bmp.palette.resize(1024); // has no count

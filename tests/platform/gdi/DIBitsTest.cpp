@@ -142,6 +142,12 @@ TEST(GetDIBits, ConvertsBetweenDepths)
     EXPECT_EQ(Rows(four, eight, 0, 3, 3), test::ToBmp(picture, 8).pixels);
     Info one(5, 3, 1);
     EXPECT_EQ(Rows(four, one, 0, 3, 0), ""); // it can't count eight colours
+    const Picture two{"KWKWW"};
+    const Scoped<HBITMAP> few(Load(test::ToBmp(two, 8, false, "KW"))); // two colours: any depth counts them
+    for (const WORD depth : {WORD{1}, WORD{4}, WORD{8}}) {
+        Info info(5, 1, depth);
+        EXPECT_EQ(Rows(few, info, 0, 1, 1), test::ToBmp(two, depth, false, "KW").pixels) << depth;
+    }
     Info none(5, 1, 8);
     EXPECT_EQ(Rows(paper.Bitmap(), none, 0, 1, 0), ""); // no palette
 }
@@ -158,6 +164,24 @@ TEST(GetDIBits, GivesTheNearestColourOfWhatWasDrawn)
     Info info(6, 1, 8);
     const std::string rows = Rows(bitmap, info, 0, 1, 1); // while it is selected
     EXPECT_EQ(rows.substr(0, 6), std::string("\0\1\2\3\0\1", 6));
+    SelectObject(dc, first);
+    DeleteDC(dc);
+}
+
+// A pixel of a colour that the palette holds twice keeps its own index when it is copied; one that never had
+// an index gets the first.
+TEST(GetDIBits, KeepsTheIndicesOfWhatWasCopied)
+{
+    test::Bmp bmp = test::ToBmp({"RGWGRK"}, 8, true, "RGWRGK");
+    bmp.pixels = test::Le(0x05'02'04'01'03'00, 8);
+    const Scoped<HBITMAP> bitmap(Load(bmp));
+    const HDC dc = CreateCompatibleDC(nullptr);
+    const HGDIOBJ first = SelectObject(dc, bitmap);
+    BitBlt(dc, 0, 0, 3, 1, dc, 1, 0, SRCCOPY);
+    const Paper paper({"RG"});
+    BitBlt(dc, 4, 0, 2, 1, paper, 0, 0, SRCCOPY);
+    Info info(6, 1, 8);
+    EXPECT_EQ(Rows(bitmap, info, 0, 1, 1), test::Le(0x01'00'04'04'01'03, 8));
     SelectObject(dc, first);
     DeleteDC(dc);
 }

@@ -2,10 +2,14 @@
 #include "tests/support/Host.h"
 #include "tests/support/Picture.h"
 
+#include <barrier>
 #include <climits>
 #include <cstring>
+#include <ctime>
 #include <gtest/gtest.h>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -106,6 +110,30 @@ TEST_F(Text, IsClippedToItsRectangle)
     EXPECT_GT(Draw("WWWWWWWW", DT_SINGLELINE | DT_NOCLIP, room).right, room.right);
 }
 
+// However a letter is cut into parts, they are those of the whole.
+TEST_F(Text, PartsMakeUpTheWhole)
+{
+    SetBkMode(paper, TRANSPARENT);
+    SetTextColor(paper, RGB(200, 40, 90));
+    const auto pixels = [&] {
+        std::vector<COLORREF> all;
+        for (int y = 0; y < 24; ++y)
+            for (int x = 0; x < 40; ++x)
+                all.push_back(GetPixel(paper, x, y));
+        return all;
+    };
+    Draw("mg", DT_SINGLELINE);
+    const auto whole = pixels();
+    for (int x = 1; x < 40; ++x) {
+        Draw("mg", DT_SINGLELINE, {0, 0, x, 60});
+        SelectClipRgn(paper, test::Scoped<HRGN>(CreateRectRgn(x, 0, 200, 60)));
+        RECT rect{0, 0, 200, 60};
+        DrawTextA(paper, "mg", 2, &rect, DT_SINGLELINE);
+        SelectClipRgn(paper, nullptr);
+        EXPECT_EQ(pixels(), whole) << x;
+    }
+}
+
 TEST_F(Text, MeasuresLinesAndWraps)
 {
     RECT rect{5, 6, 7, 8};
@@ -126,6 +154,8 @@ TEST_F(Text, PrefixesUnderlineALetter)
     DrawTextA(paper, "&AB", -1, &marked, DT_CALCRECT | DT_SINGLELINE);
     EXPECT_EQ(marked, plain);
     EXPECT_GT(Draw("&AB", DT_SINGLELINE).bottom, Draw("AB", DT_SINGLELINE).bottom);
+    const RECT narrow{0, 0, 30, 60}; // the second line
+    EXPECT_GT(Draw("AA &B", DT_WORDBREAK, narrow).bottom, Draw("AA B", DT_WORDBREAK, narrow).bottom);
     EXPECT_EQ(WidthOf("a&&b"), WidthOf("a") + WidthOf("b") + 2 * WidthOf("&"));
 }
 
@@ -161,6 +191,45 @@ TEST_F(Text, UnknownFacesAndSizesFallBack)
         Use("DejaVu Sans", nHeight);
         Draw("Some text", DT_SINGLELINE | DT_CENTER);
     }
+}
+
+// A text of any length is cut in a time that grows with it: one that grew with its square would take minutes.
+TEST_F(Text, ManyLinesAreCutInOnePass)
+{
+    const std::clock_t begin = std::clock();
+    const std::string text(1 << 20, 'a');
+    RECT rect{0, 0, 1, 1};
+    EXPECT_EQ(DrawTextA(paper, text.data(), 1 << 20, &rect, DT_CALCRECT | DT_WORDBREAK), 20 << 20);
+    EXPECT_LT((std::clock() - begin) / CLOCKS_PER_SEC, 30);
+}
+
+// Faces that nobody uses any more end on the threads that delete their fonts, several at once.
+TEST(Fonts, AreMadeMeasuredAndEndedOnSeveralThreads)
+{
+    const test::NoLeak noLeak;
+    std::barrier allMade(4);
+    const auto work = [&](int nThread) {
+        const test::Paper paper(4, 4);
+        for (int nRound = 0; nRound < 2; ++nRound) {
+            std::vector<HFONT> fonts;
+            for (int n = 0; n < 24; ++n) {
+                LOGFONTA log{};
+                log.lfHeight = 10 + 24 * (2 * nThread + nRound) + n;
+                fonts.push_back(CreateFontIndirectA(&log));
+                const HGDIOBJ old = SelectObject(paper, fonts.back());
+                TEXTMETRICA metrics;
+                EXPECT_EQ(GetTextMetricsA(paper, &metrics), 1);
+                EXPECT_EQ(metrics.tmHeight, log.lfHeight);
+                SelectObject(paper, old);
+            }
+            allMade.arrive_and_wait(); // so that they end at once
+            for (const HFONT font : fonts)
+                EXPECT_EQ(DeleteObject(font), 1);
+        }
+    };
+    std::vector<std::jthread> threads;
+    for (int n = 0; n < 4; ++n)
+        threads.emplace_back(work, n);
 }
 
 TEST_F(Text, BadArgumentsDrawNothing)

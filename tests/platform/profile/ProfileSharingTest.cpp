@@ -57,6 +57,29 @@ TEST(ProfileSharing, ReaderSeesWhatAnotherProcessWroteBefore)
     ExpectKeys(ini, "a", 3);
 }
 
+// Many values of one moment: what others write in between is not seen, what the thread itself writes is.
+TEST(ProfileSharing, AMomentShowsOneStateOfAFile)
+{
+    const IniFile ini("[S]\nk=old\n"), other("[S]\nk=other\n");
+    {
+        const kx::profile::Moment moment;
+        EXPECT_EQ(ini.Get("S", "k"), "old");
+        ini.Replace("[S]\nk=new, and longer\n");
+        {
+            const kx::profile::Moment inner;
+            EXPECT_EQ(ini.Get("S", "k"), "old");
+        }
+        EXPECT_EQ(ini.Get("S", "k"), "old");
+        std::jthread([&] { EXPECT_EQ(ini.Get("S", "k"), "new, and longer"); }).join();
+        EXPECT_EQ(other.Get("S", "k"), "other");
+        EXPECT_EQ(ini.Get("S", "k"), "new, and longer"); // only the file read last is kept
+        EXPECT_TRUE(ini.Set("S", "k", "mine"));
+        EXPECT_EQ(ini.Get("S", "k"), "mine");
+        ini.Replace("[S]\nk=last\n");
+    }
+    EXPECT_EQ(ini.Get("S", "k"), "last");
+}
+
 // Whatever moment the kill comes at: the file is whole, nothing piles up, and the next writer isn't held up.
 TEST(ProfileSharing, KilledWriterLeavesTheOldFileOrTheNewOne)
 {

@@ -1,0 +1,254 @@
+#include "bench/Surfaces.h"
+
+#include <array>
+#include <cairo/cairo.h>
+#include <gdk-pixbuf/gdk-pixbuf.h>
+#include <memory>
+#include <platform/GdiPlus.h>
+#include <random>
+
+// Pictures drawn smaller or larger, and gradients. Ours go through the classes, with all that they make and
+// end on the way; the peers' pictures and targets are made beforehand.
+
+using namespace bench;
+
+namespace {
+
+constexpr Size photo{1024, 768};
+constexpr Size screen{1920, 1080};
+
+const std::uintptr_t token = [] {
+    std::uintptr_t nToken = 0;
+    const Gdiplus::GdiplusStartupInput input;
+    Gdiplus::GdiplusStartup(&nToken, &input, nullptr);
+    return nToken;
+}();
+
+// ---- Pictures
+
+// The same noise for both sides; with alpha some of it half transparent.
+Pixels MakePhoto(bool bAlpha)
+{
+    std::minstd_rand random(1);
+    Pixels pixels(photo.Count());
+    for (DWORD& pixel : pixels) {
+        pixel = 0xFF000000 | static_cast<DWORD>(random());
+        if (bAlpha && random() % 4 == 0) pixel &= 0x80FFFFFF;
+    }
+    return pixels;
+}
+
+class OurPhoto
+{
+public:
+    explicit OurPhoto(bool bAlpha)
+        : m_pixels(MakePhoto(bAlpha)),
+          m_bitmap(photo.cx, photo.cy, photo.cx * 4,
+                   bAlpha ? Gdiplus::PixelFormat32bppARGB : Gdiplus::PixelFormat32bppRGB,
+                   reinterpret_cast<BYTE*>(m_pixels.data()))
+    {
+    }
+    Gdiplus::Bitmap* operator->() { return &m_bitmap; }
+    operator Gdiplus::Image*() { return &m_bitmap; }
+
+private:
+    Pixels m_pixels;
+    Gdiplus::Bitmap m_bitmap;
+};
+
+struct Unref
+{
+    void operator()(GdkPixbuf* p) const { g_object_unref(p); }
+    void operator()(cairo_surface_t* p) const { cairo_surface_destroy(p); }
+    void operator()(cairo_t* p) const { cairo_destroy(p); }
+    void operator()(cairo_pattern_t* p) const { cairo_pattern_destroy(p); }
+};
+using Pixbuf = std::unique_ptr<GdkPixbuf, Unref>;
+
+Pixbuf MakePixbuf(Size size, bool bAlpha)
+{
+    return Pixbuf(gdk_pixbuf_new(GDK_COLORSPACE_RGB, bAlpha, 8, size.cx, size.cy));
+}
+
+Pixbuf MakePixbufPhoto(bool bAlpha)
+{
+    const Pixels pixels = MakePhoto(bAlpha);
+    Pixbuf pixbuf = MakePixbuf(photo, bAlpha);
+    const int nBytes = bAlpha ? 4 : 3;
+    for (int y = 0; y < photo.cy; ++y) {
+        guchar* out = gdk_pixbuf_get_pixels(pixbuf.get()) + y * gdk_pixbuf_get_rowstride(pixbuf.get());
+        for (int x = 0; x < photo.cx; ++x, out += nBytes) {
+            const DWORD pixel = pixels[static_cast<std::size_t>(y * photo.cx + x)];
+            const std::array channels{pixel >> 16, pixel >> 8, pixel, pixel >> 24};
+            for (int n = 0; n < nBytes; ++n)
+                out[n] = static_cast<guchar>(channels[static_cast<std::size_t>(n)]);
+        }
+    }
+    return pixbuf;
+}
+
+void DrawScaledOurs(benchmark::State& state, Size size, bool bAlpha)
+{
+    OurPhoto from(bAlpha);
+    const Ours to(size);
+    for (auto _ : state) {
+        Gdiplus::Graphics graphics(static_cast<HDC>(to));
+        graphics.DrawImage(from, 0, 0, size.cx, size.cy);
+    }
+}
+
+// With alpha blended over what is there, as ours does.
+void DrawScaledPixbuf(benchmark::State& state, Size size, bool bAlpha)
+{
+    const Pixbuf from = MakePixbufPhoto(bAlpha);
+    const Pixbuf to = MakePixbuf(size, false);
+    gdk_pixbuf_fill(to.get(), 0);
+    const double across = static_cast<double>(size.cx) / photo.cx;
+    const double down = static_cast<double>(size.cy) / photo.cy;
+    for (auto _ : state) {
+        if (bAlpha)
+            gdk_pixbuf_composite(from.get(), to.get(), 0, 0, size.cx, size.cy, 0, 0, across, down,
+                                 GDK_INTERP_BILINEAR, 255);
+        else
+            gdk_pixbuf_scale(from.get(), to.get(), 0, 0, size.cx, size.cy, 0, 0, across, down,
+                             GDK_INTERP_BILINEAR);
+    }
+}
+
+void ThumbnailOurs(benchmark::State& state, Size size)
+{
+    OurPhoto from(false);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(std::unique_ptr<Gdiplus::Image>(
+            from->GetThumbnailImage(static_cast<UINT>(size.cx), static_cast<UINT>(size.cy))));
+}
+
+// ---- Gradients over a full screen
+
+enum class Way
+{
+    Down,
+    Across,
+    Oblique
+};
+
+constexpr std::array<int, 2> EndOf(Way way)
+{
+    switch (way) {
+    case Way::Down:
+        return {0, screen.cy};
+    case Way::Across:
+        return {screen.cx, 0};
+    default:
+        return {screen.cx, screen.cy};
+    }
+}
+
+void LineOurs(benchmark::State& state, Way way)
+{
+    const Ours to(screen);
+    const auto [x, y] = EndOf(way);
+    for (auto _ : state) {
+        Gdiplus::Graphics graphics(static_cast<HDC>(to));
+        const Gdiplus::LinearGradientBrush brush({0, 0}, {x, y}, Gdiplus::Color(255, 128, 0),
+                                                 Gdiplus::Color(0, 64, 255));
+        graphics.FillRectangle(&brush, 0, 0, screen.cx, screen.cy);
+    }
+}
+
+void PathOurs(benchmark::State& state)
+{
+    const Ours to(screen);
+    for (auto _ : state) {
+        Gdiplus::Graphics graphics(static_cast<HDC>(to));
+        Gdiplus::GraphicsPath path;
+        path.AddRectangle(0, 0, screen.cx, screen.cy);
+        Gdiplus::PathGradientBrush brush(&path);
+        brush.SetCenterColor(Gdiplus::Color(255, 128, 0));
+        const Gdiplus::Color surround(0, 64, 255);
+        int nCount = 1;
+        brush.SetSurroundColors(&surround, &nCount);
+        graphics.FillRectangle(&brush, 0, 0, screen.cx, screen.cy);
+    }
+}
+
+// A pattern that `make` makes, painted over an image surface each time.
+template <class Make>
+void PaintCairo(benchmark::State& state, Make make)
+{
+    const std::unique_ptr<cairo_surface_t, Unref> surface(
+        cairo_image_surface_create(CAIRO_FORMAT_RGB24, screen.cx, screen.cy));
+    const std::unique_ptr<cairo_t, Unref> to(cairo_create(surface.get()));
+    for (auto _ : state) {
+        const std::unique_ptr<cairo_pattern_t, Unref> pattern(make());
+        cairo_set_source(to.get(), pattern.get());
+        cairo_paint(to.get());
+    }
+}
+
+cairo_pattern_t* WithStops(cairo_pattern_t* pattern)
+{
+    cairo_pattern_add_color_stop_rgb(pattern, 0, 1, 0.5, 0);
+    cairo_pattern_add_color_stop_rgb(pattern, 1, 0, 0.25, 1);
+    return pattern;
+}
+
+void LineCairo(benchmark::State& state, Way way)
+{
+    const auto [x, y] = EndOf(way);
+    PaintCairo(state, [x = x, y = y] { return WithStops(cairo_pattern_create_linear(0, 0, x, y)); });
+}
+
+void RadialCairo(benchmark::State& state)
+{
+    PaintCairo(state, [] {
+        return WithStops(cairo_pattern_create_radial(screen.cx / 2, screen.cy / 2, 0, screen.cx / 2,
+                                                     screen.cy / 2, screen.cx / 2));
+    });
+}
+
+// The same four triangles.
+void MeshCairo(benchmark::State& state)
+{
+    PaintCairo(state, [] {
+        cairo_pattern_t* mesh = cairo_pattern_create_mesh();
+        const std::array<std::array<int, 2>, 5> corners{
+            {{0, 0}, {screen.cx, 0}, {screen.cx, screen.cy}, {0, screen.cy}, {0, 0}}};
+        for (std::size_t n = 0; n < 4; ++n) {
+            cairo_mesh_pattern_begin_patch(mesh);
+            cairo_mesh_pattern_move_to(mesh, screen.cx / 2, screen.cy / 2);
+            cairo_mesh_pattern_line_to(mesh, corners[n][0], corners[n][1]);
+            cairo_mesh_pattern_line_to(mesh, corners[n + 1][0], corners[n + 1][1]);
+            cairo_mesh_pattern_set_corner_color_rgb(mesh, 0, 1, 0.5, 0);
+            for (const unsigned nCorner : {1U, 2U})
+                cairo_mesh_pattern_set_corner_color_rgb(mesh, nCorner, 0, 0.25, 1);
+            cairo_mesh_pattern_end_patch(mesh);
+        }
+        return mesh;
+    });
+}
+
+const int registered = [] {
+    constexpr Size block{400, 300};
+    constexpr Size large{1600, 1200};
+    constexpr Size thumbnail{160, 120};
+    Register("draw_scaled/ours", DrawScaledOurs, block, false);
+    Register("draw_scaled/pixbuf", DrawScaledPixbuf, block, false);
+    Register("draw_scaled_alpha/ours", DrawScaledOurs, block, true);
+    Register("draw_scaled_alpha/pixbuf", DrawScaledPixbuf, block, true);
+    Register("draw_enlarged/ours", DrawScaledOurs, large, false);
+    Register("draw_enlarged/pixbuf", DrawScaledPixbuf, large, false);
+    Register("thumbnail/ours", ThumbnailOurs, thumbnail);
+    Register("thumbnail/pixbuf", DrawScaledPixbuf, thumbnail, false);
+    for (const auto& [name, way] :
+         {std::pair{"line_down", Way::Down}, {"line_across", Way::Across}, {"line_oblique", Way::Oblique}}) {
+        Register(std::string(name) + "/ours", LineOurs, way);
+        Register(std::string(name) + "/cairo", LineCairo, way);
+    }
+    Register("path_gradient/ours", PathOurs);
+    Register("path_gradient/cairo_radial", RadialCairo);
+    Register("path_gradient/cairo_mesh", MeshCairo);
+    return 0;
+}();
+
+} // namespace

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "KXBitmap.h"
+
+// What buttons, tabs and list headers are drawn with in the current skin. Clients read the members; which
+// state of a bitmap stands for what is theirs to say. Everything is 0 or empty until the first load. A copy
+// shares the images of that moment with its source. One thread at a time.
+class KX_API CKXSkinBtnRes
+{
+public:
+    CKXSkinBtnRes() = default;
+    CKXSkinBtnRes(const CKXSkinBtnRes& src) = default;
+    CKXSkinBtnRes& operator=(const CKXSkinBtnRes& src) = default;
+    ~CKXSkinBtnRes() = default;
+
+    // Loads the bitmaps from `strResDir`, which ends in a backslash, and reads section "Button" of the skin's
+    // `Skin.ini`; what either lacks becomes empty or 0. The result is always 1.
+    int LoadRes(const CString& strResDir, const CString& strIniFile);
+
+    // Whether the bitmap of that name was loaded.
+    int m_bPushButton = 0;
+    int m_bCheckBox = 0;
+    int m_bRadioButton = 0;
+    int m_bSpinButton = 0;
+    int m_bComboButton = 0;
+
+    // The states lie side by side.
+    CKXBitmap m_bmpPushButton;  // 5 states
+    CKXBitmap m_bmpCheckBox;    // 12
+    CKXBitmap m_bmpRadioButton; // 8
+    CKXBitmap m_bmpSpinButton;  // 8
+    CKXBitmap m_bmpComboButton; // 4, as all below
+    CKXBitmap m_bmpTabBtnVert;
+    CKXBitmap m_bmpTabBtnHorz;
+    CKXBitmap m_bmpMainTabBtn;
+    CKXBitmap m_bmpListViewHeader;
+
+    // As the file has them.
+    CString m_strMainTabBtnMask;
+    int m_nMainTabBtnIntersectHeight = 0;
+
+    // The size of one state; 0 by 0 for a bitmap that couldn't be loaded.
+    CSize m_sizePushButton;
+    CSize m_sizeCheckBox;
+    CSize m_sizeRadioButton;
+    CSize m_sizeSpinButton;
+    CSize m_sizeComboButton;
+    CSize m_sizeTabBtnVert;
+    CSize m_sizeTabBtnHorz;
+    CSize m_sizeMainTabBtn;
+    CSize m_sizeListViewHeader;
+
+    // The bitmaps' transparent colour, for clients: never changed here.
+    int m_bUseMaskColor = 1;
+    COLORREF m_clrMask = 0xFF00FF;
+};

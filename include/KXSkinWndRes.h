@@ -1,0 +1,96 @@
+#pragma once
+
+#include "KXBitmap.h"
+#include "platform/GdiObject.h"
+
+#include <vector>
+
+// What a top-level window is drawn with in the current skin: frame, caption buttons, corners, colours and
+// background. Clients read the members; which state of a bitmap and which corner stands for what is theirs to
+// say. Everything is 0 or empty until the first load. Not copyable. One thread at a time.
+class KX_API CKXSkinWndRes
+{
+public:
+    CKXSkinWndRes() = default;
+    CKXSkinWndRes(const CKXSkinWndRes&) = delete;
+    CKXSkinWndRes& operator=(const CKXSkinWndRes&) = delete;
+    ~CKXSkinWndRes() = default;
+
+    // Loads the bitmaps from `strResDir`, which ends in a backslash, and reads sections "COLOR",
+    // "RoundCorner", "Border", "SysButton" and "Background" of the skin's `Skin.ini`. A bitmap that can't be
+    // loaded becomes empty, a value that the file lacks takes its default: white for back and title colours
+    // (`m_clrTitleAlt`: 0xFF00FF), 1 for `m_bAutoAlign`, otherwise 0 or empty. The scroll bar's bitmap and
+    // what belongs to another type of background than the skin's stay as they were. The result is always 1.
+    int LoadRes(const CString& strResDir, const CString& strIniFile);
+
+    // Replaces `vecPoints` by the points in a text like `0,5|1,3|3,1|5,0`. A coordinate is the number that
+    // its text begins with, 0 without one; a piece without a comma, or with nothing before it, is no point.
+    void ParsePathPoint(CString& strPath, std::vector<CPoint>& vecPoints);
+
+    std::vector<CPoint> m_vecCornerPath1;
+    std::vector<CPoint> m_vecCornerPath2;
+    std::vector<CPoint> m_vecCornerPath3;
+    std::vector<CPoint> m_vecCornerPath4;
+    CString m_strCornerMask[4]; // as the file has them
+    int m_nDrawType = 0;        // as the file has it
+
+    // Where title text, system menu and caption buttons lie, in pixels.
+    int m_bAutoAlign = 0;
+    int m_nMinBtnOffset = 0;
+    int m_nMaxBtnOffset = 0;
+    int m_nCloseBtnOffset = 0;
+    int m_nMinBtnTop = 0;
+    int m_nMaxBtnTop = 0;
+    int m_nCloseBtnTop = 0;
+    int m_nBtnSpace = 0;
+    int m_nSysMenuTop = 0;
+    int m_nSysMenuLeft = 0;
+    int m_nTitleTextTop = 0;
+    int m_nTitleTextLeft = 0;
+    int m_bAlwaysShowMinBtn = 0;
+
+    // The size of one state; here and below 0 for a bitmap that couldn't be loaded.
+    CSize m_sizeMinBtn;
+    CSize m_sizeMaxBtn;
+    CSize m_sizeCloseBtn;
+
+    // How thick one state of the frame's bitmaps is, now and before the latest load.
+    int m_nLeftWidth = 0;
+    int m_nRightWidth = 0;
+    int m_nTitleHeight = 0;
+    int m_nBottomHeight = 0;
+    int m_nOldLeftWidth = 0;
+    int m_nOldRightWidth = 0;
+    int m_nOldTitleHeight = 0;
+    int m_nOldBottomHeight = 0;
+
+    COLORREF m_clrBack = 0;
+    COLORREF m_clrText = 0;
+    COLORREF m_clrTitle = 0;
+    COLORREF m_clrTitleAlt = 0; // the title's colour again, with another default
+
+    // The frame: 2 states, of the title and the bottom one above the other, of the sides side by side.
+    CKXBitmap m_bmpTitle;
+    CKXBitmap m_bmpLeft;
+    CKXBitmap m_bmpRight;
+    CKXBitmap m_bmpBottom;
+    // The caption buttons: 8 states side by side.
+    CKXBitmap m_bmpMinBtn;
+    CKXBitmap m_bmpMaxBtn;
+    CKXBitmap m_bmpRestoreBtn;
+    CKXBitmap m_bmpCloseBtn;
+
+    // The background. `m_nBkgType` tells what counts: 0 nothing of it, 1 `m_clrBkg`, 2 `m_bmpBkg`, 3 the
+    // three bitmaps and two heights. The rest may be an earlier skin's.
+    CKXBitmap m_bmpBkg;
+    CKXBitmap m_bmpBkgTop;
+    CKXBitmap m_bmpBkgMid;
+    CKXBitmap m_bmpBkgBtm;
+    int m_nBkgTopHeight = 0;
+    int m_nBkgBtmHeight = 0;
+    int m_nBkgType = 0;
+    COLORREF m_clrBkg = 0;
+
+    // An earlier skin's where the current one has none. Replacing it ends the old bitmap.
+    CBitmap m_bmpScrollBar;
+};

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/gdiplus/Image.h"
+
+namespace kx::gdiplus {
+
+// n / 255 rounded to the nearest, for n from 0 to 255 * 255: the rule by which every share of a channel is
+// rounded. A share of 0 is nothing, one of 255 the whole.
+constexpr DWORD By255(DWORD n) noexcept
+{
+    return (n + 128 + ((n + 128) >> 8)) >> 8;
+}
+
+// Pixels of straight alpha from multiplied ones.
+void ToStraight(const DWORD* from, DWORD* to, int n) noexcept;
+
+// Lays a run of pixels over another by its alpha. The high byte of an opaque target becomes 0, as fills leave
+// it on a surface. The two don't overlap.
+void Blend(const DWORD* from, Alpha fromAlpha, DWORD* to, Alpha toAlpha, int n) noexcept;
+
+} // namespace kx::gdiplus

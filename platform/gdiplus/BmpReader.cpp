@@ -1,0 +1,65 @@
+#include "platform/gdi/BmpHeader.h"
+#include "platform/gdiplus/Decode.h"
+
+#include <cstdlib>
+
+namespace kx::gdiplus {
+
+namespace {
+
+using Gdiplus::PixelFormat;
+
+constexpr std::size_t kFileHeader = 14;
+
+// What the file claims, sound or not.
+Gdiplus::Status CheckClaim(FileBytes dib) noexcept
+{
+    const bool bCore = gdi::U32(dib, 0) == 12;
+    const std::int64_t nWidth = bCore ? gdi::U16(dib, 4) : static_cast<LONG>(gdi::U32(dib, 4));
+    const std::int64_t nHeight = bCore ? gdi::U16(dib, 6) : static_cast<LONG>(gdi::U32(dib, 8));
+    return CheckSize(nWidth, std::abs(nHeight));
+}
+
+PixelFormat FormatOf(WORD nDepth, FileBytes dib) noexcept
+{
+    switch (nDepth) {
+    case 1:
+        return Gdiplus::PixelFormat1bppIndexed;
+    case 4:
+        return Gdiplus::PixelFormat4bppIndexed;
+    case 8:
+        return Gdiplus::PixelFormat8bppIndexed;
+    case 16: {
+        const auto header = gdi::ParseBmpHeader(dib);
+        return header && header->masks.green == 0x7E0 ? Gdiplus::PixelFormat16bppRGB565
+                                                      : Gdiplus::PixelFormat16bppRGB555;
+    }
+    case 24:
+        return Gdiplus::PixelFormat24bppRGB;
+    default:
+        return Gdiplus::PixelFormat32bppRGB;
+    }
+}
+
+} // namespace
+
+Gdiplus::Status ReadBmp(const File& file, std::optional<Picture>& picture)
+{
+    const FileBytes dib = gdi::From(*file, kFileHeader);
+    const Gdiplus::Status status = CheckClaim(dib);
+    if (status != Gdiplus::Ok) return status;
+    const auto bitmap = gdi::ReadBmp(*file);
+    if (!bitmap) return Gdiplus::GenericError;
+    picture = Picture{std::move(bitmap->surface), Alpha::Opaque, FormatOf(bitmap->depth, dib)};
+    return Gdiplus::Ok;
+}
+
+Gdiplus::Status ReadIco(const File& file, std::optional<Picture>& picture)
+{
+    auto surface = gdi::ReadIcon(*file, Gdiplus::MAX_IMAGE_SIDE, Gdiplus::MAX_IMAGE_SIDE);
+    if (!surface) return Gdiplus::GenericError;
+    picture = Picture{std::move(*surface), Alpha::Straight, Gdiplus::PixelFormat32bppARGB};
+    return Gdiplus::Ok;
+}
+
+} // namespace kx::gdiplus

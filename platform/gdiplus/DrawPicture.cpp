@@ -1,0 +1,74 @@
+#include "platform/gdiplus/DrawPicture.h"
+
+#include "platform/gdiplus/Blend.h"
+#include "platform/gdiplus/ClipRows.h"
+#include "platform/gdiplus/ColorTransform.h"
+#include "platform/gdiplus/PictureRows.h"
+
+#include <cstring>
+#include <functional>
+#include <new>
+#include <optional>
+
+namespace kx::gdiplus {
+
+namespace {
+
+// Whether two pictures share memory, at least as far as their first and last rows tell.
+bool MayOverlap(const PixelView& a, const PixelView& b) noexcept
+{
+    const auto range = [](const PixelView& view) {
+        return std::minmax({view.Row(0), view.Row(view.height - 1)}, std::less<>());
+    };
+    const auto [aFirst, aLast] = range(a);
+    const auto [bFirst, bLast] = range(b);
+    return std::less<>()(aFirst, bLast + b.width) && std::less<>()(bFirst, aLast + a.width);
+}
+
+gdi::Surface CopyOf(const PixelView& from)
+{
+    auto copy = gdi::Surface::Make(from.width, from.height);
+    if (!copy) throw std::bad_alloc();
+    for (int y = 0; y < from.height; ++y)
+        std::memcpy(copy->Row(y), from.Row(y), static_cast<std::size_t>(from.width) * sizeof(DWORD));
+    return std::move(*copy);
+}
+
+} // namespace
+
+void DrawPicture(const Target& target, const PixelView& from, Stretch columns, Stretch rows,
+                 const Gdiplus::ColorMatrix* pMatrix)
+{
+    if (!from.first || from.width <= 0 || from.height <= 0) return;
+    columns.to += target.origin.x;
+    rows.to += target.origin.y;
+    std::optional<gdi::Surface> copy;
+    if (MayOverlap(from, target.pixels)) copy = CopyOf(from);
+    PictureRows picture(copy ? ViewOf(*copy, from.alpha) : from, columns, rows, BoundsOf(target.clip));
+    const RECT area = picture.Area();
+    if (gdi::IsEmpty(area)) return;
+
+    std::optional<ColorTransform> transform;
+    std::vector<DWORD> changed;
+    if (pMatrix) {
+        transform.emplace(*pMatrix);
+        changed.resize(static_cast<std::size_t>(area.right - area.left));
+    }
+    const Alpha alpha = transform ? transform->Gives(from.alpha) : from.alpha;
+    ForRows(target.clip, area, [&](int y, std::span<const RECT> clip) {
+        const DWORD* row = picture.Row(y);
+        if (transform) {
+            transform->Apply(row, from.alpha, changed.data(), area.right - area.left);
+            row = changed.data();
+        }
+        for (const RECT& rect : clip) {
+            const int nLeft = std::max(rect.left, area.left);
+            const int nCount = std::min(rect.right, area.right) - nLeft;
+            if (nCount > 0)
+                Blend(row + (nLeft - area.left), alpha, target.pixels.Row(y) + nLeft, target.pixels.alpha,
+                      nCount);
+        }
+    });
+}
+
+} // namespace kx::gdiplus

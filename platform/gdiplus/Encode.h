@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/gdiplus/Picture.h"
+
+#include <span>
+#include <vector>
+
+namespace kx::gdiplus {
+
+using Bytes = std::vector<std::uint8_t>;
+
+struct Encoder
+{
+    Gdiplus::ImageCodecInfo info;
+    // Puts the picture, as a file of that format, behind the bytes. GenericError, OutOfMemory; throws
+    // std::bad_alloc.
+    Gdiplus::Status (*write)(const PixelView& view, Bytes& file);
+};
+
+std::span<const Encoder> Encoders() noexcept;
+// Null for none of that class.
+const Encoder* FindEncoder(const Gdiplus::CLSID& clsid) noexcept;
+
+// 24 bits, over black.
+Gdiplus::Status WriteBmp(const PixelView& view, Bytes& file);
+// Quality 75, colours at half the resolution; over black.
+Gdiplus::Status WriteJpeg(const PixelView& view, Bytes& file);
+// Up to 256 colours exactly, more of them by the library's median cut. Pixels of an opacity below 128 become
+// transparent, those above lie over black.
+Gdiplus::Status WriteGif(const PixelView& view, Bytes& file);
+// With LZW; an alpha channel if the picture has one.
+Gdiplus::Status WriteTiff(const PixelView& view, Bytes& file);
+Gdiplus::Status WritePng(const PixelView& view, Bytes& file);
+
+} // namespace kx::gdiplus

@@ -1,0 +1,55 @@
+#include "platform/gdiplus/EncodedRows.h"
+
+#include "platform/gdiplus/Blend.h"
+
+namespace kx::gdiplus {
+
+namespace {
+
+constexpr DWORD kOpaque = 0xFF000000;
+
+bool IsOpaque(const DWORD* row, int nWidth) noexcept
+{
+    DWORD all = kOpaque;
+    for (int x = 0; x < nWidth; ++x)
+        all &= row[x];
+    return (all & kOpaque) == kOpaque;
+}
+
+std::vector<DWORD> RoomFor(const PixelView& view, Alpha changed)
+{
+    return std::vector<DWORD>(view.alpha == changed ? static_cast<std::size_t>(view.width) : 0);
+}
+
+} // namespace
+
+RowsOverBlack::RowsOverBlack(const PixelView& view) : m_view(view), m_row(RoomFor(view, Alpha::Straight))
+{
+}
+
+const DWORD* RowsOverBlack::Row(int y) noexcept
+{
+    const DWORD* const row = m_view.Row(y);
+    if (m_row.empty() || IsOpaque(row, m_view.width)) return row;
+    DWORD* const out = m_row.data();
+    for (int x = 0; x < m_view.width; ++x) {
+        const DWORD pixel = row[x], alpha = pixel >> 24;
+        out[x] = By255((pixel >> 16 & 0xFF) * alpha) << 16 | By255((pixel >> 8 & 0xFF) * alpha) << 8 |
+                 By255((pixel & 0xFF) * alpha);
+    }
+    return out;
+}
+
+StraightRows::StraightRows(const PixelView& view) : m_view(view), m_row(RoomFor(view, Alpha::Premultiplied))
+{
+}
+
+const DWORD* StraightRows::Row(int y) noexcept
+{
+    const DWORD* const row = m_view.Row(y);
+    if (m_row.empty()) return row;
+    ToStraight(row, m_row.data(), m_view.width);
+    return m_row.data();
+}
+
+} // namespace kx::gdiplus

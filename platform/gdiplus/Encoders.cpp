@@ -1,0 +1,45 @@
+#include "platform/gdiplus/Encode.h"
+
+#include <cstring>
+
+namespace kx::gdiplus {
+
+namespace {
+
+constexpr GUID ClassId(std::uint32_t nLast) noexcept
+{
+    return {0x557CF400 + nLast, 0x1A04, 0x11D3, {0x9A, 0x73, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
+}
+
+constexpr GUID FormatId(std::uint32_t nLast) noexcept
+{
+    return {0xB96B3C00 + nLast, 0x0728, 0x11D3, {0x9D, 0x7B, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
+}
+
+constexpr Encoder kEncoders[] = {
+    {{ClassId(0), FormatId(0xAB), u"Built-in BMP Codec", u"BMP", u"*.BMP;*.DIB;*.RLE", u"image/bmp"},
+     WriteBmp},
+    {{ClassId(1), FormatId(0xAE), u"Built-in JPEG Codec", u"JPEG", u"*.JPG;*.JPEG;*.JPE;*.JFIF",
+      u"image/jpeg"},
+     WriteJpeg},
+    {{ClassId(2), FormatId(0xB0), u"Built-in GIF Codec", u"GIF", u"*.GIF", u"image/gif"}, WriteGif},
+    {{ClassId(5), FormatId(0xB1), u"Built-in TIFF Codec", u"TIFF", u"*.TIF;*.TIFF", u"image/tiff"},
+     WriteTiff},
+    {{ClassId(6), FormatId(0xAF), u"Built-in PNG Codec", u"PNG", u"*.PNG", u"image/png"}, WritePng},
+};
+
+} // namespace
+
+std::span<const Encoder> Encoders() noexcept
+{
+    return kEncoders;
+}
+
+const Encoder* FindEncoder(const Gdiplus::CLSID& clsid) noexcept
+{
+    for (const Encoder& encoder : kEncoders)
+        if (std::memcmp(&encoder.info.Clsid, &clsid, sizeof clsid) == 0) return &encoder;
+    return nullptr;
+}
+
+} // namespace kx::gdiplus

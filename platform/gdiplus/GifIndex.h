@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/gdiplus/Decode.h"
+
+#include <optional>
+#include <vector>
+
+namespace kx::gdiplus {
+
+// More than a byte of a GIF can be: the longest run that a code of 12 bits stands for makes it 2,560.
+inline constexpr std::int64_t MAX_GIF_PIXELS_PER_BYTE = 4096;
+
+// What a GIF's frame does when its time is over.
+enum class Disposal
+{
+    Stay,   // 0, 1 and unknown numbers
+    Clear,  // 2: its block becomes transparent
+    Restore // 3: its block becomes what it was before
+};
+
+struct GifFrame
+{
+    std::size_t dataAt = 0;    // of the size of its codes, and its blocks behind that
+    std::size_t paletteAt = 0; // its own, or the one that all share
+    int colors = 0;            // of the palette; 0 without one
+    int left = 0;
+    int top = 0;
+    int width = 0;
+    int height = 0;
+    int transparent = -1; // index of the colour that leaves what is below, if any
+    Disposal disposal = Disposal::Stay;
+    WORD delay = 0; // hundredths of a second
+    bool interlaced = false;
+
+    std::size_t Pixels() const noexcept
+    {
+        return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+    }
+};
+
+// Where the frames of a GIF lie.
+struct GifIndex
+{
+    int width = 0;
+    int height = 0;
+    WORD loops = 1; // how often it plays; 0: for ever
+    std::vector<GifFrame> frames;
+};
+
+// The frames whose blocks are all there, up to the first that isn't, has no pixel or too many, or claims more
+// than 65,536 and more than its data can be. Passes over the blocks without decoding them. Nothing without a
+// frame.
+std::optional<GifIndex> ReadGifIndex(FileBytes file);
+
+} // namespace kx::gdiplus

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "platform/LiveHandles.h"
+#include "platform/gdi/DeviceContext.h"
+#include "platform/gdiplus/Image.h"
+
+#include <span>
+
+namespace kx::gdiplus {
+
+// Where a graphics draws, for the length of one operation. All but `origin` is in the target's pixels.
+struct Target
+{
+    PixelView pixels;
+    POINT origin;               // the graphics' 0, 0
+    std::span<const RECT> clip; // what may be written: disjoint, in rows from the top; within the pixels
+};
+
+inline PixelView ViewOf(gdi::Surface& surface, Alpha alpha) noexcept
+{
+    return {surface.Row(0), surface.Stride(), surface.Width(), surface.Height(), alpha};
+}
+
+} // namespace kx::gdiplus
+
+namespace Gdiplus {
+
+// Draws on a device context, found anew for each operation, or on a picture.
+class GpGraphics
+{
+public:
+    explicit GpGraphics(HDC hDC) noexcept : m_hDC(hDC) {}
+    explicit GpGraphics(GpImage* pImage) noexcept : m_pImage(pImage) {}
+
+    // Gives `draw` the target; Win32Error if the device context is gone, OutOfMemory if the picture can't
+    // show its pixels.
+    template <class Draw>
+    Status On(Draw&& draw) const
+    {
+        return m_pImage ? OnPicture(draw) : OnSurface(draw);
+    }
+
+private:
+    template <class Draw>
+    Status OnSurface(Draw&& draw) const
+    {
+        using namespace kx;
+        const auto context = gdi::FindAs<gdi::DeviceContext>(m_hDC);
+        if (!context) return Win32Error;
+        const gdi::Canvas canvas = context->Paint();
+        draw(gdiplus::Target{gdiplus::ViewOf(canvas.surface, gdiplus::Alpha::Opaque), canvas.origin,
+                             canvas.clip});
+        return Ok;
+    }
+
+    template <class Draw>
+    Status OnPicture(Draw&& draw) const
+    {
+        const kx::gdiplus::PixelView pixels = m_pImage->Pixels();
+        if (!pixels.first) return OutOfMemory;
+        const RECT all{0, 0, pixels.width, pixels.height};
+        draw(kx::gdiplus::Target{pixels, {}, {&all, 1}});
+        m_pImage->Changed();
+        return Ok;
+    }
+
+    HDC m_hDC = nullptr;
+    GpImage* m_pImage = nullptr;
+    kx::LiveHandle m_live;
+};
+
+} // namespace Gdiplus

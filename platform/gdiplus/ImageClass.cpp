@@ -1,0 +1,143 @@
+#include "include/platform/GdiPlus.h"
+#include "platform/gdiplus/LastStatus.h"
+
+#include <new>
+
+namespace Gdiplus {
+
+using namespace DllExports;
+
+void End::operator()(GpImage* p) const noexcept
+{
+    GdipDisposeImage(p);
+}
+
+// ---- Image
+
+Image::Image(const WCHAR* pszPath, int)
+{
+    GpImage* pImage = nullptr;
+    const Status status = GdipLoadImageFromFile(pszPath, &pImage);
+    Take(pImage, status);
+}
+
+Image::Image(IStream* pStream, int bUseEmbeddedColorManagement)
+{
+    GpImage* pImage = nullptr;
+    const Status status = bUseEmbeddedColorManagement ? GdipLoadImageFromStreamICM(pStream, &pImage)
+                                                      : GdipLoadImageFromStream(pStream, &pImage);
+    Take(pImage, status);
+}
+
+Image::~Image() = default;
+
+void Image::Take(GpImage* pImage, Status status)
+{
+    m_pImage.reset(pImage);
+    Keep(status);
+}
+
+Status Image::Keep(Status status) const
+{
+    return kx::gdiplus::KeepIn(m_lastResult, status);
+}
+
+Status Image::GetLastStatus() const
+{
+    return kx::gdiplus::TakeFrom(m_lastResult);
+}
+
+UINT Image::GetWidth() const
+{
+    UINT nWidth = 0;
+    Keep(GdipGetImageWidth(Native(), &nWidth));
+    return nWidth;
+}
+
+UINT Image::GetHeight() const
+{
+    UINT nHeight = 0;
+    Keep(GdipGetImageHeight(Native(), &nHeight));
+    return nHeight;
+}
+
+PixelFormat Image::GetPixelFormat() const
+{
+    PixelFormat format = PixelFormatUndefined;
+    Keep(GdipGetImagePixelFormat(Native(), &format));
+    return format;
+}
+
+Status Image::RotateFlip(RotateFlipType type)
+{
+    return Keep(GdipImageRotateFlip(Native(), type));
+}
+
+Image* Image::GetThumbnailImage(UINT nWidth, UINT nHeight, GetThumbnailImageAbort pfnAbort, void* pData)
+{
+    auto* const pObject = new (std::nothrow) Image();
+    if (!pObject) return nullptr;
+    GpImage* pThumbnail = nullptr;
+    const Status status = GdipGetImageThumbnail(Native(), nWidth, nHeight, &pThumbnail, pfnAbort, pData);
+    pObject->Take(pThumbnail, Keep(status));
+    return pObject;
+}
+
+Image* Image::Clone() const
+{
+    std::unique_ptr<Image> object(new (std::nothrow) Image());
+    GpImage* pClone = nullptr;
+    if (!object || Keep(GdipCloneImage(Native(), &pClone)) != Ok) return nullptr;
+    object->Take(pClone, Ok);
+    return object.release();
+}
+
+// ---- Frames and properties
+
+UINT Image::GetFrameDimensionsCount() const
+{
+    UINT nCount = 0;
+    Keep(GdipImageGetFrameDimensionsCount(Native(), &nCount));
+    return nCount;
+}
+
+Status Image::GetFrameDimensionsList(GUID* pDimensions, UINT nCount) const
+{
+    return Keep(GdipImageGetFrameDimensionsList(Native(), pDimensions, nCount));
+}
+
+UINT Image::GetFrameCount(const GUID* pDimension) const
+{
+    UINT nCount = 0;
+    Keep(GdipImageGetFrameCount(Native(), pDimension, &nCount));
+    return nCount;
+}
+
+Status Image::SelectActiveFrame(const GUID* pDimension, UINT nFrame)
+{
+    return Keep(GdipImageSelectActiveFrame(Native(), pDimension, nFrame));
+}
+
+UINT Image::GetPropertyItemSize(PROPID id) const
+{
+    UINT nSize = 0;
+    Keep(GdipGetPropertyItemSize(Native(), id, &nSize));
+    return nSize;
+}
+
+Status Image::GetPropertyItem(PROPID id, UINT nSize, PropertyItem* pItem) const
+{
+    return Keep(GdipGetPropertyItem(Native(), id, nSize, pItem));
+}
+
+Status Image::Save(const WCHAR* pszPath, const CLSID* pEncoder, const EncoderParameters* pParameters) const
+{
+    return Keep(GdipSaveImageToFile(Native(), pszPath, pEncoder, pParameters));
+}
+
+Status Image::Save(IStream* pStream, const CLSID* pEncoder, const EncoderParameters* pParameters) const
+{
+    return Keep(GdipSaveImageToStream(Native(), pStream, pEncoder, pParameters));
+}
+
+} // namespace Gdiplus

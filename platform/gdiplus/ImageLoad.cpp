@@ -1,0 +1,142 @@
+#include "platform/gdi/Bitmap.h"
+#include "platform/gdiplus/DrawObjects.h"
+#include "platform/gdiplus/Image.h"
+#include "platform/gdiplus/Source.h"
+
+using namespace kx::gdiplus;
+
+namespace Gdiplus::DllExports {
+
+namespace {
+
+// All pictures are bitmaps, whichever of both a call gives.
+template <class Result>
+GpStatus FromBytes(const File& file, StreamRef stream, Result** ppImage)
+{
+    std::optional<Picture> picture;
+    const GpStatus status = Decode(file, picture);
+    return status == Ok ? Give<GpBitmap>(ppImage, std::move(*picture), std::move(stream)) : status;
+}
+
+template <class Result>
+GpStatus FromFile(const WCHAR* pszPath, Result** ppImage) noexcept
+{
+    return MakeObject(ppImage, [&] {
+        if (!pszPath) return InvalidParameter;
+        File file;
+        const GpStatus status = ReadWhole(pszPath, file);
+        return status == Ok ? FromBytes(file, nullptr, ppImage) : status;
+    });
+}
+
+template <class Result>
+GpStatus FromStream(IStream* pStream, Result** ppImage) noexcept
+{
+    return MakeObject(ppImage, [&] {
+        if (!pStream) return InvalidParameter;
+        File file;
+        const GpStatus status = ReadWhole(*pStream, file);
+        return status == Ok ? FromBytes(file, Refer(pStream), ppImage) : status;
+    });
+}
+
+PixelFormat FormatOfDepth(WORD nDepth) noexcept
+{
+    switch (nDepth) {
+    case 1:
+        return PixelFormat1bppIndexed;
+    case 4:
+        return PixelFormat4bppIndexed;
+    case 8:
+        return PixelFormat8bppIndexed;
+    case 16:
+        return PixelFormat16bppRGB555;
+    case 24:
+        return PixelFormat24bppRGB;
+    default:
+        return PixelFormat32bppRGB;
+    }
+}
+
+GpStatus OverCallerPixels(INT nWidth, INT nHeight, INT nStride, PixelFormat format, BYTE* pScan0,
+                          GpBitmap** ppBitmap)
+{
+    std::optional<CallerPixels> pixels;
+    const GpStatus status = CallerPixels::Make(nWidth, nHeight, nStride, format, pScan0, pixels);
+    return status == Ok ? Give<GpBitmap>(ppBitmap, std::move(*pixels)) : status;
+}
+
+GpStatus OfOwnPixels(INT nWidth, INT nHeight, PixelFormat format, GpBitmap** ppBitmap)
+{
+    const auto alpha = AlphaOf(format);
+    if (!alpha) return NotImplemented;
+    auto surface = kx::gdi::Surface::Make(nWidth, nHeight);
+    if (!surface) return OutOfMemory;
+    return Give<GpBitmap>(ppBitmap, Picture{std::move(*surface), *alpha, format});
+}
+
+} // namespace
+
+GpStatus GdipLoadImageFromFile(const WCHAR* pszPath, GpImage** ppImage)
+{
+    return FromFile(pszPath, ppImage);
+}
+
+GpStatus GdipLoadImageFromStream(IStream* pStream, GpImage** ppImage)
+{
+    return FromStream(pStream, ppImage);
+}
+
+GpStatus GdipLoadImageFromStreamICM(IStream* pStream, GpImage** ppImage)
+{
+    return FromStream(pStream, ppImage);
+}
+
+GpStatus GdipCreateBitmapFromFile(const WCHAR* pszPath, GpBitmap** ppBitmap)
+{
+    return FromFile(pszPath, ppBitmap);
+}
+
+GpStatus GdipCreateBitmapFromStream(IStream* pStream, GpBitmap** ppBitmap)
+{
+    return FromStream(pStream, ppBitmap);
+}
+
+GpStatus GdipCreateBitmapFromHBITMAP(HBITMAP hBitmap, void*, GpBitmap** ppBitmap)
+{
+    return MakeObject(ppBitmap, [&] {
+        const auto bitmap = kx::gdi::FindAs<kx::gdi::Bitmap>(hBitmap);
+        if (!bitmap) return InvalidParameter;
+        kx::gdi::Surface& from = bitmap->surface;
+        const GpStatus status = CheckSize(from.Width(), from.Height());
+        if (status != Ok) return status;
+        auto surface = CopyPixels({from.Row(0), from.Stride(), from.Width(), from.Height(), Alpha::Opaque});
+        if (!surface) return OutOfMemory;
+        return Give<GpBitmap>(ppBitmap,
+                              Picture{std::move(*surface), Alpha::Opaque, FormatOfDepth(bitmap->depth)});
+    });
+}
+
+GpStatus GdipCreateBitmapFromScan0(INT nWidth, INT nHeight, INT nStride, PixelFormat format, BYTE* pScan0,
+                                   GpBitmap** ppBitmap)
+{
+    return MakeObject(ppBitmap, [&] {
+        if (nWidth <= 0 || nHeight <= 0) return InvalidParameter;
+        const GpStatus status = CheckSize(nWidth, nHeight);
+        if (status != Ok) return status;
+        return pScan0 ? OverCallerPixels(nWidth, nHeight, nStride, format, pScan0, ppBitmap)
+                      : OfOwnPixels(nWidth, nHeight, format, ppBitmap);
+    });
+}
+
+GpStatus GdipCloneImage(GpImage* pImage, GpImage** ppClone)
+{
+    return MakeObject(ppClone, [&] { return pImage ? pImage->Clone(ppClone) : InvalidParameter; });
+}
+
+GpStatus GdipDisposeImage(GpImage* pImage)
+{
+    return EndObject(pImage);
+}
+
+} // namespace Gdiplus::DllExports

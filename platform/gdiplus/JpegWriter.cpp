@@ -1,0 +1,66 @@
+#include "platform/gdiplus/Encode.h"
+#include "platform/gdiplus/EncodedRows.h"
+#include "platform/gdiplus/Jpeg.h"
+
+#include <cstdlib>
+
+namespace kx::gdiplus {
+
+namespace {
+
+constexpr int kQuality = 75;
+
+class JpegEncoder : private JpegErrors
+{
+public:
+    explicit JpegEncoder(const PixelView& view) : m_view(view), m_rows(view) { m_jpeg.err = this; }
+    JpegEncoder(const JpegEncoder&) = delete;
+    JpegEncoder& operator=(const JpegEncoder&) = delete;
+    ~JpegEncoder()
+    {
+        jpeg_destroy_compress(&m_jpeg);
+        std::free(m_pBytes);
+    }
+
+    Gdiplus::Status Run(Bytes& file)
+    {
+        if (!Guarded([this] { Write(); })) return Failure();
+        file.assign(m_pBytes, m_pBytes + m_nBytes);
+        return Gdiplus::Ok;
+    }
+
+private:
+    void Write()
+    {
+        jpeg_create_compress(&m_jpeg);
+        jpeg_mem_dest(&m_jpeg, &m_pBytes, &m_nBytes);
+        m_jpeg.image_width = static_cast<JDIMENSION>(m_view.width);
+        m_jpeg.image_height = static_cast<JDIMENSION>(m_view.height);
+        m_jpeg.input_components = 4;
+        m_jpeg.in_color_space = JCS_EXT_BGRX;
+        jpeg_set_defaults(&m_jpeg); // colours at half the resolution
+        jpeg_set_quality(&m_jpeg, kQuality, TRUE);
+        jpeg_start_compress(&m_jpeg, TRUE);
+        for (int y = 0; y < m_view.height; ++y) {
+            // The library reads it alone.
+            auto* row = reinterpret_cast<JSAMPLE*>(const_cast<DWORD*>(m_rows.Row(y)));
+            jpeg_write_scanlines(&m_jpeg, &row, 1);
+        }
+        jpeg_finish_compress(&m_jpeg);
+    }
+
+    const PixelView m_view;
+    RowsOverBlack m_rows;
+    jpeg_compress_struct m_jpeg{};
+    unsigned char* m_pBytes = nullptr;
+    unsigned long m_nBytes = 0;
+};
+
+} // namespace
+
+Gdiplus::Status WriteJpeg(const PixelView& view, Bytes& file)
+{
+    return JpegEncoder(view).Run(file);
+}
+
+} // namespace kx::gdiplus

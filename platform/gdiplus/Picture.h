@@ -1,0 +1,82 @@
+#pragma once
+
+#include "include/platform/GdiPlusTypes.h"
+#include "platform/gdi/Surface.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace kx::gdiplus {
+
+// What the high byte of a pixel means.
+enum class Alpha
+{
+    Opaque,       // nothing: the pixel hides what lies below
+    Straight,     // opacity, by which the colours are not multiplied
+    Premultiplied // opacity, by which they are
+};
+
+// Pixels that lie elsewhere, 0xAARRGGBB, the top row first.
+struct PixelView
+{
+    DWORD* first = nullptr;
+    std::ptrdiff_t stride = 0; // from one row to the next, in pixels; may be negative
+    int width = 0;
+    int height = 0;
+    Alpha alpha = Alpha::Opaque;
+
+    DWORD* Row(int y) const noexcept { return first + y * stride; }
+};
+
+// A property of a picture: so many values of that type as bytes.
+struct Property
+{
+    WORD type = 0;
+    std::vector<std::uint8_t> value;
+};
+
+// The frames of a picture that has several. Keeps the bytes they are decoded from, not the frames.
+class Frames
+{
+public:
+    virtual ~Frames() = default;
+    virtual unsigned Count() const noexcept = 0;
+    // Makes that frame, of which there is one, the picture: may draw on the surface given, or replace it. On
+    // failure it stays.
+    virtual Gdiplus::Status Select(unsigned nFrame, gdi::Surface& surface, Alpha& alpha) = 0;
+    virtual std::optional<Property> FindProperty(Gdiplus::PROPID id) const = 0;
+    // Stands at no frame: the surface of the next Select may hold anything, but is of this picture's size.
+    virtual std::unique_ptr<Frames> Clone() const = 0;
+};
+
+// Pixels with what is known of them.
+struct Picture
+{
+    gdi::Surface surface;
+    Alpha alpha = Alpha::Opaque;
+    Gdiplus::PixelFormat format = Gdiplus::PixelFormat32bppRGB; // of what it was decoded from
+    std::unique_ptr<Frames> frames{};                           // null for one frame
+    GUID dimension = Gdiplus::FrameDimensionPage;
+
+    PixelView View() noexcept { return {surface.Row(0), surface.Stride(), Width(), Height(), alpha}; }
+    void Changed() noexcept {}
+    DWORD Get(int x, int y) const noexcept { return surface.Row(y)[x]; }
+    void Set(int x, int y, DWORD pixel) noexcept { surface.Row(y)[x] = pixel; }
+    Gdiplus::PixelFormat Format() const noexcept { return format; }
+    int Width() const noexcept { return surface.Width(); }
+    int Height() const noexcept { return surface.Height(); }
+    Alpha HighByte() const noexcept { return alpha; }
+    GUID Dimension() const noexcept { return dimension; }
+};
+
+// OutOfMemory for a size beyond the limits, GenericError for one of 0 or below.
+Gdiplus::Status CheckSize(std::int64_t nWidth, std::int64_t nHeight) noexcept;
+
+// A copy of the pixels alone; nothing for a lack of memory.
+std::optional<gdi::Surface> CopyPixels(const PixelView& view);
+
+} // namespace kx::gdiplus

@@ -1,0 +1,90 @@
+#include "platform/gdiplus/Encode.h"
+#include "platform/gdiplus/EncodedRows.h"
+
+#include <csetjmp>
+#include <new>
+#include <png.h>
+
+namespace kx::gdiplus {
+
+namespace {
+
+// Errors leave by a jump over the frames in between, none of which may need a destructor.
+[[noreturn]] void OnError(png_structp png, png_const_charp)
+{
+    png_longjmp(png, 1);
+}
+
+void OnWarning(png_structp, png_const_charp)
+{
+}
+
+bool Append(Bytes& file, const std::uint8_t* bytes, std::size_t nBytes) noexcept
+try {
+    file.insert(file.end(), bytes, bytes + nBytes);
+    return true;
+} catch (const std::bad_alloc&) {
+    return false;
+}
+
+class PngEncoder
+{
+public:
+    PngEncoder(const PixelView& view, Bytes& file)
+        : m_view(view),
+          m_rows(view),
+          m_file(file),
+          m_png(png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, OnError, OnWarning)),
+          m_info(m_png ? png_create_info_struct(m_png) : nullptr)
+    {
+    }
+    PngEncoder(const PngEncoder&) = delete;
+    PngEncoder& operator=(const PngEncoder&) = delete;
+    ~PngEncoder() { png_destroy_write_struct(&m_png, &m_info); }
+
+    // The one reason for a failure is a lack of memory.
+    Gdiplus::Status Run()
+    {
+        if (!m_info || setjmp(png_jmpbuf(m_png)) != 0) return Gdiplus::OutOfMemory;
+        WriteAll();
+        return Gdiplus::Ok;
+    }
+
+private:
+    static void Write(png_structp png, png_bytep bytes, png_size_t nBytes)
+    {
+        if (!Append(static_cast<PngEncoder*>(png_get_io_ptr(png))->m_file, bytes, nBytes))
+            png_error(png, "memory");
+    }
+
+    void WriteAll()
+    {
+        const bool bAlpha = m_view.alpha != Alpha::Opaque;
+        png_set_write_fn(m_png, this, Write, nullptr);
+        png_set_IHDR(m_png, m_info, static_cast<png_uint_32>(m_view.width),
+                     static_cast<png_uint_32>(m_view.height), 8,
+                     bAlpha ? PNG_COLOR_TYPE_RGB_ALPHA : PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
+                     PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+        png_write_info(m_png, m_info);
+        if (!bAlpha) png_set_filler(m_png, 0, PNG_FILLER_AFTER);
+        png_set_bgr(m_png);
+        for (int y = 0; y < m_view.height; ++y)
+            png_write_row(m_png, reinterpret_cast<png_const_bytep>(m_rows.Row(y)));
+        png_write_end(m_png, nullptr);
+    }
+
+    const PixelView m_view;
+    StraightRows m_rows;
+    Bytes& m_file;
+    png_structp m_png;
+    png_infop m_info;
+};
+
+} // namespace
+
+Gdiplus::Status WritePng(const PixelView& view, Bytes& file)
+{
+    return PngEncoder(view, file).Run();
+}
+
+} // namespace kx::gdiplus

@@ -1,0 +1,133 @@
+#include "platform/gdiplus/Decode.h"
+#include "platform/gdiplus/TiffFile.h"
+#include "platform/gdiplus/TiffIndex.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace kx::gdiplus {
+
+namespace {
+
+using Gdiplus::Status;
+
+constexpr std::int64_t kMaxBlock = std::int64_t{8} * Gdiplus::MAX_IMAGE_PIXELS;
+constexpr std::int64_t kMaxPerByte = 4096;  // bytes of pixels
+constexpr std::int64_t kMaxRowsPerByte = 8; // of a fax, whose rows can be a bit each
+
+struct EndImage
+{
+    void operator()(TIFFRGBAImage* p) const noexcept { TIFFRGBAImageEnd(p); }
+};
+
+bool IsFax(TIFF* tiff) noexcept
+{
+    std::uint16_t nCompression = COMPRESSION_NONE;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &nCompression);
+    return nCompression == COMPRESSION_CCITTRLE || nCompression == COMPRESSION_CCITTRLEW ||
+           nCompression == COMPRESSION_CCITTFAX3 || nCompression == COMPRESSION_CCITTFAX4;
+}
+
+Status CheckClaim(TIFF* tiff, std::size_t nFileBytes) noexcept
+{
+    std::uint32_t nWidth = 0, nHeight = 0;
+    std::uint16_t nBits = 1, nSamples = 1;
+    TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &nWidth);
+    TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &nHeight);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &nBits);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &nSamples);
+    const Status status = CheckSize(nWidth, nHeight);
+    if (status != Gdiplus::Ok) return status;
+    if (IsFax(tiff))
+        return nHeight / kMaxRowsPerByte > static_cast<std::int64_t>(nFileBytes) ? Gdiplus::GenericError
+                                                                                 : Gdiplus::Ok;
+    const std::int64_t nBytes = std::int64_t{nWidth} * nHeight * nBits * nSamples / 8;
+    return IsAbsurd(nBytes, nFileBytes, kMaxPerByte) ? Gdiplus::GenericError : Gdiplus::Ok;
+}
+
+Gdiplus::PixelFormat FormatOf(const TIFFRGBAImage& image) noexcept
+{
+    if (image.alpha != 0) return Gdiplus::PixelFormat32bppARGB;
+    if (image.samplesperpixel > 1) return Gdiplus::PixelFormat24bppRGB;
+    return image.bitspersample == 1   ? Gdiplus::PixelFormat1bppIndexed
+           : image.bitspersample <= 4 ? Gdiplus::PixelFormat4bppIndexed
+                                      : Gdiplus::PixelFormat8bppIndexed;
+}
+
+// The library leaves rows one behind the other, of pixels with red in their low byte. They go where the
+// surface has them, the last one first, since its rows are no shorter.
+void ToRows(gdi::Surface& surface) noexcept
+{
+    const std::ptrdiff_t nWidth = surface.Width();
+    for (int y = surface.Height(); y-- > 0;) {
+        const DWORD* const from = surface.Row(0) + y * nWidth;
+        DWORD* const to = surface.Row(y);
+        for (std::ptrdiff_t x = nWidth; x-- > 0;)
+            to[x] = (from[x] & 0xFF00FF00) | (from[x] & 0xFF) << 16 | (from[x] >> 16 & 0xFF);
+    }
+}
+
+// A page that can't be read in full is broken.
+Status ReadPage(FileBytes file, std::uint32_t at, std::optional<Picture>& picture)
+{
+    TiffMemory memory{file, nullptr, 0};
+    const TiffHandle tiff = OpenTiff(memory, "rmh", kMaxBlock);
+    if (!tiff || !TIFFSetSubDirectory(tiff.get(), at)) return Gdiplus::GenericError;
+    const Status status = CheckClaim(tiff.get(), file.size());
+    if (status != Gdiplus::Ok) return status;
+
+    std::array<char, 1024> why;
+    TIFFRGBAImage image;
+    if (!TIFFRGBAImageOK(tiff.get(), why.data()) || !TIFFRGBAImageBegin(&image, tiff.get(), 1, why.data()))
+        return Gdiplus::GenericError;
+    const std::unique_ptr<TIFFRGBAImage, EndImage> end(&image);
+    image.req_orientation = ORIENTATION_TOPLEFT;
+    auto surface = gdi::Surface::Make(static_cast<int>(image.width), static_cast<int>(image.height));
+    if (!surface) return Gdiplus::OutOfMemory;
+    if (!TIFFRGBAImageGet(&image, surface->Row(0), image.width, image.height)) return Gdiplus::GenericError;
+    ToRows(*surface);
+    // Whatever the file has, the library gives multiplied colours.
+    picture = Picture{std::move(*surface), image.alpha != 0 ? Alpha::Premultiplied : Alpha::Opaque,
+                      FormatOf(image)};
+    return Gdiplus::Ok;
+}
+
+class TiffPages : public Frames
+{
+public:
+    TiffPages(File file, std::vector<std::uint32_t> pages) noexcept
+        : m_file(std::move(file)), m_pages(std::move(pages))
+    {
+    }
+    unsigned Count() const noexcept override { return static_cast<unsigned>(m_pages.size()); }
+    std::optional<Property> FindProperty(Gdiplus::PROPID) const override { return std::nullopt; }
+    std::unique_ptr<Frames> Clone() const override { return std::make_unique<TiffPages>(m_file, m_pages); }
+    Status Select(unsigned nFrame, gdi::Surface& surface, Alpha& alpha) override
+    {
+        std::optional<Picture> page;
+        const Status status = ReadPage(*m_file, m_pages[nFrame], page);
+        if (status != Gdiplus::Ok) return status;
+        surface = std::move(page->surface);
+        alpha = page->alpha;
+        return Gdiplus::Ok;
+    }
+
+private:
+    const File m_file;
+    const std::vector<std::uint32_t> m_pages;
+};
+
+} // namespace
+
+Status ReadTiff(const File& file, std::optional<Picture>& picture)
+{
+    auto pages = ReadTiffIndex(*file);
+    if (pages.empty()) return Gdiplus::GenericError;
+    const Status status = ReadPage(*file, pages.front(), picture);
+    if (status == Gdiplus::Ok && pages.size() > 1)
+        picture->frames = std::make_unique<TiffPages>(file, std::move(pages));
+    return status;
+}
+
+} // namespace kx::gdiplus

@@ -1,0 +1,113 @@
+#include "KXSkinResManager.h"
+
+#include "KXMessages.h"
+#include "KXWindowNotice.h"
+#include "platform/Debug.h"
+#include "platform/Profile.h"
+
+#include <new>
+
+CKXSkinResManager* CKXSkinResManager::s_pInstance = nullptr;
+
+CKXSkinResManager* CKXSkinResManager::GetSingletonPtr()
+{
+    if (!s_pInstance)
+        s_pInstance = new (std::nothrow) CKXSkinResManager; // owned by s_auto_ptr from its constructor on
+    return s_pInstance;
+}
+
+// Owned only once nothing can throw any more: until then the memory is for who called `new`.
+CKXSkinResManager::CKXSkinResManager()
+{
+    if (const auto* pFileSystem = CKXFileSystem::GetInstancePtr()) {
+        m_strSkinsRoot = pFileSystem->GetAppPath() + "\\Skins\\";
+        EnumSkins();
+    }
+    s_auto_ptr.reset(this);
+    OutputDebugStringA("CKXSkinResManager Construction!\n");
+}
+
+CKXSkinResManager::~CKXSkinResManager()
+{
+    OutputDebugStringA("CKXSkinResManager Deconstruction!\n");
+}
+
+void CKXSkinResManager::UnInitialize()
+{
+    m_OthRes.UnLoadRes();
+}
+
+int CKXSkinResManager::EnumSkins()
+{
+    m_vecSkins.clear();
+    CKXFileSystem::EnumDirs(m_strSkinsRoot, EnumDirCallback, reinterpret_cast<long>(this));
+    return GetSkinsTotal();
+}
+
+int CKXSkinResManager::EnumDirCallback(tagKXFileInfo* pInfo, long lParam)
+{
+    CString strProbe;
+    strProbe.Format("%s%s\\skin.ini", pInfo->szPath, pInfo->FindData.cFileName);
+    if (CKXFileSystem::FindFileInfo(strProbe, nullptr))
+        reinterpret_cast<CKXSkinResManager*>(lParam)->m_vecSkins.emplace_back(pInfo->FindData.cFileName);
+    return 1;
+}
+
+CString CKXSkinResManager::GetSkinName(int nIndex)
+{
+    const bool bInList = nIndex >= 0 && nIndex < GetSkinsTotal();
+    return bInList ? m_vecSkins[static_cast<std::size_t>(nIndex)] : CString();
+}
+
+int CKXSkinResManager::SetSkin(int nIndex, int bNotify)
+{
+    if (nIndex < 0 || nIndex >= GetSkinsTotal()) return 0;
+    if (nIndex == m_nCurrentSkin) return 1;
+    return Select(nIndex, GetSkinName(nIndex), bNotify);
+}
+
+int CKXSkinResManager::SetSkin(const CString& strSkinName, int bNotify)
+{
+    for (int nIndex = 0; nIndex < GetSkinsTotal(); ++nIndex)
+        if (GetSkinName(nIndex).CompareNoCase(strSkinName) == 0) return Select(nIndex, strSkinName, bNotify);
+    return 0;
+}
+
+int CKXSkinResManager::Select(int nIndex, const CString& strName, int bNotify)
+{
+    m_nCurrentSkin = nIndex;
+    m_strCurrentSkinPath = m_strSkinsRoot + strName + "\\";
+    if (!LoadSkinResources()) return 0;
+    if (bNotify) NotifySkinChanged();
+    return 1;
+}
+
+int CKXSkinResManager::LoadSkinResources()
+{
+    const CString strFile = m_strCurrentSkinPath + "Skin.ini";
+    const kx::profile::Moment moment; // all values from one state of the file
+    m_WndRes.LoadRes(m_strCurrentSkinPath + "Common\\Window\\", strFile);
+    m_BtnRes.LoadRes(m_strCurrentSkinPath + "Common\\Button\\", strFile);
+    m_IMLRes.LoadRes(m_strCurrentSkinPath + "Common\\IMList\\", strFile);
+    m_OthRes.LoadRes(m_strCurrentSkinPath + "Common\\Others\\", strFile);
+    m_ClrDef.ReadColors(strFile);
+    return 1;
+}
+
+int CKXSkinResManager::NotifySkinChanged()
+{
+    if (m_pfnSkinChanged) m_pfnSkinChanged(m_strCurrentSkinPath);
+    kx::WalkDesktop(WndEnumProc, this);
+    return 1;
+}
+
+int CKXSkinResManager::WndEnumProc(HWND hWnd, long)
+{
+    kx::TellOwnWindow(hWnd, WM_KXSKINCHANGED);
+    return 1;
+}
+
+int CKXSkinResManager::GetTitleBarAdjust()
+{
+    return m_WndRes.m_nTitleHeight - GetSystemMetrics(SM_CYCAPTION) - GetSystemMetrics(SM_CYFRAME);
+}

@@ -1,0 +1,198 @@
+#include "KXGifRender.h"
+#include "tests/draw/Pictures.h"
+#include "tests/platform/gdiplus/GifBuilder.h"
+#include "tests/platform/gdiplus/TiffBuilder.h"
+
+#include <functional>
+
+using testing::ElementsAre;
+
+namespace {
+
+// Shows what deriving classes see.
+class Player : public CKXGifRender
+{
+public:
+    using CKXGifRender::CanPlay;
+    using CKXGifRender::FixRender;
+    using CKXGifRender::GetFixRenderRect;
+    using CKXGifRender::m_dwLastTime;
+    using CKXGifRender::m_nCurFrame;
+    using CKXGifRender::m_nFrameDelay;
+    using CKXGifRender::m_nPlayState;
+    using CKXGifRender::PlayNextFrame;
+    using CKXGifRender::Release;
+};
+
+class GifRender : public test::PictureTest
+{
+protected:
+    // Frames of one pixel, each with its delay.
+    static std::string Frames(const std::string& letters, const std::vector<unsigned>& delays)
+    {
+        std::vector<test::GifFrame> frames;
+        for (std::size_t n = 0; n < letters.size(); ++n)
+            frames.push_back({.picture = {{letters[n]}}, .delay = delays[n]});
+        return test::Gif(1, 1, frames);
+    }
+    int Load(Player& loaded, const std::string& file)
+    {
+        dir.Write("a.gif", file);
+        return loaded.Load(dir.Win("a.gif"));
+    }
+    // The active frame's first pixel.
+    char Shown(CKXGifRender& shown)
+    {
+        dc.FillSolidRect(0, 0, 8, 6, test::ColorOf('W'));
+        shown.Render(&dc, 2, 1);
+        return test::LetterOf(dc.GetPixel(2, 1));
+    }
+
+    Player gif;
+};
+
+TEST_F(GifRender, FramesGoRoundWithTheirDelays)
+{
+    // Below 10 ms and above 65,280 ms a frame takes 100.
+    ASSERT_EQ(Load(gif, Frames("RGBCMY", {0, 1, 5, 6528, 6529, 65535})), 1);
+    EXPECT_EQ(gif.Play(), 1);
+    std::string shown;
+    std::vector<DWORD> delays;
+    for (int n = 0; n < 8; ++n) {
+        shown += Shown(gif);
+        delays.push_back(gif.m_nFrameDelay);
+        gif.PlayNextFrame();
+    }
+    EXPECT_EQ(shown, "RGBCMYRG");
+    EXPECT_THAT(delays, ElementsAre(100, 10, 50, 65280, 100, 100, 100, 10));
+}
+
+TEST_F(GifRender, PlayingMovesOneFrameWhenTheDelayHasPassed)
+{
+    Load(gif, Frames("RGB", {10, 10, 10}));
+    gif.Play();
+    gif.m_dwLastTime = 0xFFFFFFF0;
+    const auto at = [&](unsigned long dwNow) { return gif.Playing(dwNow) == 1 ? Shown(gif) : '0'; };
+    EXPECT_EQ(at(0x53), 'R');             // 99 ms
+    EXPECT_EQ(at(0x54), 'G');             // the clock has wrapped
+    EXPECT_EQ(at(0x700000054 + 99), 'G'); // only its low 32 bits count
+    EXPECT_EQ(at(1000), 'B');             // late: one frame all the same
+    EXPECT_EQ(gif.m_dwLastTime, 1000u);
+    gif.Stop();
+    EXPECT_EQ(Shown(gif), 'B'); // left where it was
+    gif.Play();
+    EXPECT_EQ(Shown(gif), 'R');
+    EXPECT_EQ(gif.m_dwLastTime, 1000u);
+}
+
+TEST_F(GifRender, States)
+{
+    Load(gif, Frames("RG", {10, 10}));
+    // The result and the state that follow on stopped, playing and paused.
+    const struct
+    {
+        const char* pszName;
+        std::function<int()> call;
+        int nResult[3];
+        int nState[3];
+    } cases[] = {
+        {"Play", [&] { return gif.Play(); }, {1, 0, 0}, {1, 1, 2}},
+        {"Pause", [&] { return gif.Pause(), 0; }, {0, 0, 0}, {2, 2, 1}},
+        {"Stop", [&] { return gif.Stop(); }, {0, 1, 1}, {0, 0, 0}},
+        {"Playing", [&] { return gif.Playing(5000); }, {0, 1, 0}, {0, 1, 2}},
+    };
+    for (const auto& c : cases)
+        for (int nState = 0; nState < 3; ++nState) {
+            gif.m_nPlayState = nState;
+            EXPECT_EQ(c.call(), c.nResult[nState]) << c.pszName << " on " << nState;
+            EXPECT_EQ(gif.m_nPlayState, c.nState[nState]) << c.pszName << " on " << nState;
+        }
+}
+
+TEST_F(GifRender, OneFrameIsDrawnNotPlayed)
+{
+    EXPECT_EQ(Load(gif, Frames("R", {10})), 1);
+    EXPECT_EQ(gif.CanPlay(), 0);
+    EXPECT_EQ(gif.Play(), 0);
+    gif.m_nPlayState = 1;
+    EXPECT_EQ(gif.Playing(5000), 0);
+    EXPECT_EQ(Shown(gif), 'R');
+    gif.Render(nullptr, 0, 0);
+}
+
+TEST_F(GifRender, PagesWithoutDelaysPlayAtATenthOfASecond)
+{
+    const auto page = [](char pixel) {
+        return test::TiffPage{.width = 1, .height = 1, .samples = 1, .photometric = 1, .pixels = {pixel}};
+    };
+    ASSERT_EQ(Load(gif, test::Tiff({page('\0'), page('\xFF')})), 1);
+    EXPECT_EQ(gif.CanPlay(), 1);
+    gif.m_nFrameDelay = 7;
+    EXPECT_EQ(gif.Play(), 1);
+    EXPECT_EQ(gif.m_nFrameDelay, 100u);
+    EXPECT_EQ(gif.Playing(5000), 1);
+    EXPECT_EQ(gif.m_nCurFrame, 1u);
+    EXPECT_EQ(Shown(gif), '.'); // pages aren't frames in time: the first stays
+}
+
+TEST_F(GifRender, FailedLoadsHaveDroppedTheOldPicture)
+{
+    const test::NoLeak noLeak;
+    dir.Write("bad.gif", "GIF89a");
+    for (const CString& strPath : {dir.Win("none.gif"), dir.Win("bad.gif"), CString()}) {
+        Load(gif, Frames("RG", {30, 30}));
+        gif.Play();
+        gif.m_dwLastTime = 77;
+        EXPECT_EQ(gif.Load(strPath), 0);
+        EXPECT_EQ(gif.GetImage() == nullptr, strPath.IsEmpty()); // an object without a picture
+        EXPECT_EQ(Shown(gif), 'W');
+        EXPECT_TRUE(gif.m_nPlayState == 1 && gif.m_nFrameDelay == 300 && gif.m_dwLastTime == 77); // stay
+        EXPECT_EQ(gif.Playing(5000), 0);
+        gif.PlayNextFrame();
+        EXPECT_EQ(gif.m_nCurFrame, 0xFFFFFFFFu);
+        gif.Stop();
+        EXPECT_EQ(gif.Play(), 0);
+    }
+}
+
+TEST_F(GifRender, CopiesShareThePictureUntilTheLast)
+{
+    const test::NoLeak noLeak;
+    {
+        Player copy;
+        {
+            Player first;
+            Load(first, Frames("RG", {10, 20}));
+            first.Play();
+            copy = first;
+            first.PlayNextFrame();
+        }
+        EXPECT_EQ(Shown(copy), 'G'); // the active frame is the picture's
+        EXPECT_EQ(copy.m_nCurFrame, 0u);
+        copy.PlayNextFrame();
+        EXPECT_EQ(copy.m_nFrameDelay, 200u);
+        gif = copy;
+        copy.Release();
+        EXPECT_EQ(copy.GetImage(), nullptr);
+        EXPECT_EQ(copy.CanPlay(), 0);
+    }
+    EXPECT_EQ(Shown(gif), 'G');
+    gif.Release();
+}
+
+TEST_F(GifRender, FixedRectangle)
+{
+    CRect fixed;
+    gif.GetFixRenderRect(CRect(1, 2, 3, 4), fixed);
+    EXPECT_EQ(fixed, CRect(1, 2, 3, 4)); // no picture
+    Gdiplus::Graphics graphics(paper);
+    gif.FixRender(graphics, CRect(0, 0, 8, 6));
+    EXPECT_EQ(paper.Read(), test::Block(0, 0, 0, 0));
+    Load(gif, test::Gif(8, 4, {{.picture = test::Plain(8, 4)}}));
+    gif.GetFixRenderRect(CRect(2, 0, 6, 4), fixed);
+    EXPECT_EQ(fixed, CRect(2, 1, 6, 3));
+    gif.FixRender(graphics, CRect(2, 0, 6, 4));
+    EXPECT_EQ(paper.Read(), test::Block(2, 1, 6, 3));
+}
+
+} // namespace

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "platform/Dc.h"
+#include "platform/GdiPlus.h"
+#include "tests/support/Picture.h"
+#include "tests/support/TempDir.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace test {
+
+// "Load a picture with Load first!", in code page 936.
+inline constexpr char szNoImage[] = "\xC7\xEB\xCF\xC8\xCA\xB9\xD3\xC3Load\xB7\xBD\xB7\xA8"
+                                    "\xBC\xD3\xD4\xD8\xCD\xBC\xC6\xAC\xA3\xA1";
+
+inline const unsigned short* Mime(const char16_t* psz)
+{
+    return reinterpret_cast<const unsigned short*>(psz);
+}
+
+inline Picture Plain(int cx, int cy, char letter = 'R')
+{
+    return Picture(static_cast<std::size_t>(cy), std::string(static_cast<std::size_t>(cx), letter));
+}
+
+// A red block on the white paper of a PictureTest.
+inline Picture Block(int left, int top, int right, int bottom)
+{
+    Picture picture = Plain(8, 6, 'W');
+    for (auto y = static_cast<std::size_t>(top); y < static_cast<std::size_t>(bottom); ++y)
+        for (auto x = static_cast<std::size_t>(left); x < static_cast<std::size_t>(right); ++x)
+            picture[y][x] = 'R';
+    return picture;
+}
+
+inline std::string File(const Picture& picture)
+{
+    return ToBmp(picture, 24).File();
+}
+
+// The layer, started, and a white paper to draw on.
+class PictureTest : public testing::Test
+{
+protected:
+    PictureTest()
+    {
+        const Gdiplus::GdiplusStartupInput input;
+        EXPECT_EQ(Gdiplus::GdiplusStartup(&m_token, &input, nullptr), Gdiplus::Ok);
+    }
+    ~PictureTest() override { Gdiplus::GdiplusShutdown(m_token); }
+
+    static int LoadBytes(auto& object, std::string bytes)
+    {
+        return object.Load(reinterpret_cast<BYTE*>(bytes.data()), bytes.size());
+    }
+    // What a call leaves on the paper.
+    template <class Draw>
+    Picture Drawn(Draw&& draw)
+    {
+        dc.FillSolidRect(0, 0, 8, 6, ColorOf('W'));
+        draw();
+        return paper.Read();
+    }
+    // An object's picture at its natural size.
+    Picture Shown(const auto& object)
+    {
+        const CSize size = object.GetImageSize();
+        Drawn([&] { object.Render(&dc, CRect(0, 0, size.cx, size.cy)); });
+        return Read(paper, 0, 0, size.cx, size.cy);
+    }
+
+    const TempDir dir;
+    Paper paper{8, 6, 'W'};
+    CDC& dc = *CDC::FromHandle(paper);
+
+private:
+    std::uintptr_t m_token = 0;
+};
+
+} // namespace test

@@ -1,0 +1,249 @@
+#include "tests/platform/gdi/LoadedImage.h"
+#include "tests/platform/gdiplus/GifBuilder.h"
+#include "tests/platform/gdiplus/Images.h"
+#include "tests/platform/gdiplus/JpegBuilder.h"
+#include "tests/platform/gdiplus/TiffBuilder.h"
+
+namespace {
+
+using namespace test;
+
+class CodecTest : public DrawingTest
+{
+    const NoLeak m_noLeak;
+};
+
+TEST_F(CodecTest, PngOfAllKinds)
+{
+    const std::string palette = PngChunk("PLTE", "\xFF\0\0\0\0\xFF\0\xFF\0"s);
+    const std::string faded = palette + PngChunk("tRNS", "\x80"s);
+    struct Case
+    {
+        const char* what;
+        std::string file;
+        Row pixels;
+        PixelFormat format;
+    };
+    const Case cases[] = {
+        {"1 bit", Png(2, 1, 1, 0, "\0\x40"s), {0xFF000000, 0xFFFFFFFF}, PixelFormat1bppIndexed},
+        {"2 bits", Png(2, 1, 2, 0, "\0\x60"s), {0xFF555555, 0xFFAAAAAA}, PixelFormat4bppIndexed},
+        {"grey", Png(2, 1, 8, 0, "\0\x12\x34"s), {0xFF121212, 0xFF343434}, PixelFormat8bppIndexed},
+        {"16 bits of grey", Png(1, 1, 16, 0, "\0\x80\x80"s), {0xFF808080}, PixelFormat8bppIndexed},
+        {"grey, alpha", Png(1, 1, 8, 4, "\0\x12\x34"s), {0x34121212}, PixelFormat32bppARGB},
+        {"palette", Png(2, 1, 4, 3, "\0\x12"s, palette), {0xFF0000FF, 0xFF00FF00}, PixelFormat4bppIndexed},
+        {"alpha in it", Png(2, 1, 8, 3, "\0\0\1"s, faded), {0x80FF0000, 0xFF0000FF}, PixelFormat32bppARGB},
+        {"RGB", Png(1, 1, 8, 2, "\0\1\2\3"s), {0xFF010203}, PixelFormat24bppRGB},
+        {"a colour that is none",
+         Png(2, 1, 8, 2, "\0\1\2\3\4\5\6"s, PngChunk("tRNS", "\0\1\0\2\0\3"s)),
+         {0x00010203, 0xFF040506},
+         PixelFormat32bppARGB},
+        {"16 bits", Png(1, 1, 16, 2, "\0\x10\x10\x20\x20\x30\x30"s), {0xFF102030}, PixelFormat24bppRGB},
+        {"RGB, alpha", Png(1, 1, 8, 6, "\0\1\2\3\4"s), {0x04010203}, PixelFormat32bppARGB},
+        {"all 16 bits", Png(1, 1, 16, 6, "\0\1\1\2\2\3\3\4\4"s), {0x04010203}, PixelFormat32bppARGB},
+        {"no gamma",
+         Png(1, 1, 8, 0, "\0\x40"s, PngChunk("gAMA", Be(100000))),
+         {0xFF404040},
+         PixelFormat8bppIndexed},
+        {"in passes",
+         Png(2, 2, 8, 0, "\0\1\0\2\0\3\4"s, "", 1),
+         {0xFF010101, 0xFF020202, 0xFF030303, 0xFF040404},
+         PixelFormat8bppIndexed},
+    };
+    for (const auto& [what, file, pixels, format] : cases) {
+        const Loaded loaded(file);
+        EXPECT_EQ(loaded.Pixels(), pixels) << what;
+        EXPECT_EQ(loaded.Format(), format) << what;
+    }
+}
+
+TEST_F(CodecTest, JpegOfAllColors)
+{
+    const auto pixel = [](const Jpeg& jpeg) {
+        const Loaded loaded(jpeg.File());
+        EXPECT_EQ(loaded.status, Ok);
+        EXPECT_EQ(loaded.Height(), 8u);
+        EXPECT_EQ(loaded.Width(), 8 * jpeg.blocks.size());
+        return loaded.Pixel(loaded.Width() - 1, 7);
+    };
+    EXPECT_EQ(pixel({.blocks = {{10}, {200}}}), 0xFFC8C8C8);
+    EXPECT_EQ(pixel({.blocks = {{200}}, .progressive = true}), 0xFFC8C8C8);
+    EXPECT_EQ(pixel({.blocks = {{50, 128, 128}, {76, 85, 255}}}), 0xFFFE0000);
+    EXPECT_EQ(pixel({.blocks = {{254, 1, 2}}, .adobe = 0}), 0xFFFE0102);
+    // Ink: what Adobe's mark turns round, and what it doesn't.
+    EXPECT_EQ(pixel({.blocks = {{255, 100, 0, 128}}, .adobe = 0}), 0xFF803200);
+    EXPECT_EQ(pixel({.blocks = {{0, 155, 255, 127}}}), 0xFF803200);
+    EXPECT_EQ(pixel({.blocks = {{76, 85, 255, 128}}, .adobe = 2}) & 0xFFFEFEFE, 0xFF008080 & 0xFFFEFEFE);
+
+    EXPECT_EQ(Loaded(Jpeg{.blocks = {{1}}}.File()).Format(), PixelFormat8bppIndexed);
+    EXPECT_EQ(Loaded(Jpeg{.blocks = {{1, 2, 3}}}.File()).Format(), PixelFormat24bppRGB);
+    // Turned by its orientation it would be upright.
+    const std::string exif =
+        Jpeg::Segment('\xE1', "Exif\0\0MM\0*\0\0\0\x08\0\1\1\x12\0\3\0\0\0\1\0\6\0\0\0\0\0\0"s);
+    EXPECT_EQ(Loaded(Jpeg{.blocks = {{1}, {2}}, .extra = exif}.File()).Width(), 16u);
+}
+
+TEST_F(CodecTest, AJpegMayLackItsEndMarkButNoPixels)
+{
+    const std::string file = Jpeg{.blocks = {{10}, {200}, {30}, {90}}}.File();
+    EXPECT_EQ(LoadStatus(file.substr(0, file.size() - 2)), Ok);
+    EXPECT_EQ(LoadStatus(file.substr(0, file.size() - 4)), GenericError);
+    EXPECT_EQ(LoadStatus(file.substr(0, file.size() - 4) + "\xFF\xD9"), GenericError);
+    const std::string progressive = Jpeg{.blocks = {{10}, {200}}, .progressive = true}.File();
+    EXPECT_EQ(LoadStatus(progressive.substr(0, progressive.size() - 2)), GenericError); // scans may lack
+}
+
+TEST_F(CodecTest, BmpAndIco)
+{
+    const Picture picture = {"RGB", "WKY"};
+    const std::pair<std::uint32_t, PixelFormat> depths[] = {{4, PixelFormat4bppIndexed},
+                                                            {8, PixelFormat8bppIndexed},
+                                                            {16, PixelFormat16bppRGB555},
+                                                            {24, PixelFormat24bppRGB},
+                                                            {32, PixelFormat32bppRGB}};
+    for (const auto& [depth, format] : depths) {
+        const Loaded loaded(ToBmp(picture, depth).File());
+        EXPECT_EQ(loaded.Letters(), picture) << depth; // high bytes of 0 are no alpha
+        EXPECT_EQ(loaded.Format(), format);
+    }
+    const Loaded icon(Ico({IconBmp({"R"}, 4), IconBmp({"G.", ".B"}, 8), IconBmp({"W"}, 24)}));
+    EXPECT_EQ(icon.Letters(), (Picture{"G ", " B"})); // the largest
+    EXPECT_EQ(icon.Format(), PixelFormat32bppARGB);
+    Bmp lying = ToBmp(picture, 24);
+    lying.width = 8193, lying.height = -8193;
+    EXPECT_EQ(LoadStatus(lying.File()), OutOfMemory);
+    lying.width = 800, lying.height = 600;
+    EXPECT_EQ(LoadStatus(lying.File()), GenericError);
+}
+
+TEST_F(CodecTest, TiffOfManyKinds)
+{
+    struct Case
+    {
+        const char* what;
+        TiffPage page;
+        Row pixels;
+        PixelFormat format;
+    };
+    const Case cases[] = {
+        {"white is 0",
+         {.width = 2, .height = 1, .bits = 1, .samples = 1, .photometric = 0, .pixels = "\x40"},
+         {0xFFFFFFFF, 0xFF000000},
+         PixelFormat1bppIndexed},
+        {"grey",
+         {.width = 2, .height = 1, .samples = 1, .photometric = 1, .pixels = "\x12\x34"},
+         {0xFF121212, 0xFF343434},
+         PixelFormat8bppIndexed},
+        {"RGB",
+         {.width = 1, .height = 2, .pixels = "\1\2\3\4\5\6"},
+         {0xFF010203, 0xFF040506},
+         PixelFormat24bppRGB},
+        {"alpha",
+         {.width = 1, .height = 1, .samples = 4, .pixels = "\xC8\0\0\x80"s, .tags = {{338, 2}}},
+         {0x80C70000},
+         PixelFormat32bppARGB},
+        {"multiplied",
+         {.width = 1, .height = 1, .samples = 4, .pixels = "\x40\0\0\x80"s, .tags = {{338, 1}}},
+         {0x80800000},
+         PixelFormat32bppARGB},
+        {"16 bits",
+         {.width = 1, .height = 1, .bits = 16, .pixels = "\x10\x10\x20\x20\x30\x30"},
+         {0xFF102030},
+         PixelFormat24bppRGB},
+        {"from the bottom",
+         {.width = 1, .height = 2, .samples = 1, .photometric = 1, .pixels = "\1\2", .tags = {{274, 4}}},
+         {0xFF020202, 0xFF010101},
+         PixelFormat8bppIndexed},
+        {"packed",
+         {.width = 3,
+          .height = 1,
+          .samples = 1,
+          .photometric = 1,
+          .pixels = "\xFE\7",
+          .tags = {{259, 32773}}},
+         {0xFF070707, 0xFF070707, 0xFF070707},
+         PixelFormat8bppIndexed},
+    };
+    for (const auto& [what, page, pixels, format] : cases)
+        for (const bool bBigEndian : {false, true}) {
+            const Loaded loaded(Tiff({page}, bBigEndian));
+            EXPECT_EQ(loaded.Pixels(), pixels) << what;
+            EXPECT_EQ(loaded.Format(), format) << what;
+        }
+    // Rows of a length at which they are padded once read.
+    std::string pixels(37 * 3, '\0');
+    for (std::size_t i = 0; i < pixels.size(); ++i)
+        pixels[i] = static_cast<char>(i);
+    const Loaded wide(Tiff({{.width = 37, .height = 3, .samples = 1, .photometric = 1, .pixels = pixels}}));
+    for (std::size_t i = 0; i < pixels.size(); ++i)
+        ASSERT_EQ(wide.Pixel(static_cast<UINT>(i % 37), static_cast<UINT>(i / 37)),
+                  Gray(static_cast<int>(i)));
+}
+
+std::vector<std::string> Samples()
+{
+    return {
+        Png(3, 2, 8, 3, "\0\0\1\0\0\1\0\1"s, PngChunk("PLTE", "\xFF\0\0\0\0\xFF"s) + PngChunk("tRNS", "\0"s)),
+        Png(2, 2, 8, 0, "\0\1\0\2\0\3\4"s, "", 1),
+        Jpeg{.blocks = {{10, 128, 128}, {200, 1, 2}}}.File(),
+        Jpeg{.blocks = {{10}, {200}, {7}}, .progressive = true}.File(),
+        Jpeg{.blocks = {{10, 20, 30, 40}}, .adobe = 2}.File(),
+        Gif(4, 4, {{{"RG.B", "WWWW"}, 0, 1, 2, 5}, {{"RG", "BY"}, 3, 3, 3, 1, true, "WRGBYC"}}),
+        Tiff({{.width = 2, .height = 2, .pixels = "abcdefghijkl"},
+              {.width = 9, .height = 1, .bits = 1, .samples = 1, .photometric = 0, .pixels = "\x12\x80"}}),
+        Tiff({{.width = 3,
+               .height = 1,
+               .samples = 1,
+               .photometric = 1,
+               .pixels = "\xFE\7",
+               .tags = {{259, 32773}}}},
+             true),
+        ToBmp({"RGB", "CMY"}, 8).File(),
+        Ico({IconBmp({"G.", ".B"}, 8)})};
+}
+
+// Whatever came of it: all frames can be selected.
+void SelectAll(const std::string& file)
+{
+    const Loaded loaded(file);
+    if (loaded.status != Ok) return;
+    GUID dimension{};
+    UINT nFrames = 0;
+    EXPECT_EQ(GdipImageGetFrameDimensionsList(loaded, &dimension, 1), Ok);
+    EXPECT_EQ(GdipImageGetFrameCount(loaded, &dimension, &nFrames), Ok);
+    EXPECT_GE(nFrames, 1u);
+    for (UINT n = 0; n < nFrames; ++n)
+        GdipImageSelectActiveFrame(loaded, &dimension, n);
+    EXPECT_EQ(loaded.Pixels().size(), std::size_t{loaded.Width()} * loaded.Height());
+}
+
+TEST_F(CodecTest, CutAndLyingFilesAreHarmless)
+{
+    for (const std::string& file : Samples()) {
+        EXPECT_EQ(LoadStatus(file), Ok);
+        ForEachCut(file, SelectAll);
+        ForEachLie(file, SelectAll);
+    }
+}
+
+TEST_F(CodecTest, PicturesBeyondTheLimitsAreRefused)
+{
+    const std::string row(1, '\0');
+    EXPECT_EQ(LoadStatus(Png(32768, 1, 8, 2, row)), OutOfMemory);
+    EXPECT_EQ(LoadStatus(Png(8193, 8192, 8, 2, row)), OutOfMemory);
+    EXPECT_EQ(LoadStatus(Gif(32768, 1, {{{"R"}}})), OutOfMemory);
+    EXPECT_EQ(LoadStatus(Gif(8193, 8192, {{{"R"}}})), OutOfMemory);
+    EXPECT_EQ(LoadStatus(Tiff({{.width = 8193, .height = 8192, .pixels = "abc"}})), OutOfMemory);
+    const auto jpegOf = [](const char* pszSides) {
+        std::string file = Jpeg{.blocks = {{1}}}.File();
+        return file.replace(file.find("\xFF\xC0") + 5, 4, pszSides, 4);
+    };
+    EXPECT_EQ(LoadStatus(jpegOf("\x80\0\0\1")), OutOfMemory);
+    EXPECT_EQ(LoadStatus(jpegOf("\x20\1\x20\0")), OutOfMemory);
+    // Sizes within the limits that so few bytes can't fill.
+    EXPECT_EQ(LoadStatus(Png(8192, 8192, 8, 2, row)), GenericError);
+    EXPECT_EQ(LoadStatus(Gif(8192, 8192, {{{"R"}}})), GenericError);
+    EXPECT_EQ(LoadStatus(Tiff({{.width = 8192, .height = 8192, .pixels = "abc"}})), GenericError);
+    EXPECT_EQ(LoadStatus(jpegOf("\x20\0\x20\0")), GenericError);
+}
+
+} // namespace

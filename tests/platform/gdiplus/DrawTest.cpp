@@ -1,0 +1,256 @@
+#include "tests/platform/gdiplus/Sheet.h"
+
+#include "include/platform/Dc.h"
+#include "include/platform/Window.h"
+
+using namespace test;
+using namespace Gdiplus::DllExports;
+
+namespace {
+
+class Draw : public DrawingTest
+{
+};
+
+int Nearest(double value)
+{
+    return static_cast<int>(std::floor(value + 0.5));
+}
+
+// A picture of 256 by 256 pixels.
+template <class Pixel>
+Row Square(Pixel&& pixel)
+{
+    Row row;
+    for (ARGB y = 0; y < 256; ++y)
+        for (ARGB x = 0; x < 256; ++x)
+            row.push_back(pixel(x, y));
+    return row;
+}
+
+constexpr ARGB Of(ARGB alpha, int red, int green, int blue)
+{
+    return alpha << 24 | static_cast<ARGB>(red) << 16 | static_cast<ARGB>(green) << 8 |
+           static_cast<ARGB>(blue);
+}
+
+ColorMatrix Diagonal(float red, float green, float blue, float alpha)
+{
+    return {
+        {{red, 0, 0, 0, 0}, {0, green, 0, 0, 0}, {0, 0, blue, 0, 0}, {0, 0, 0, alpha, 0}, {0, 0, 0, 0, 1}}};
+}
+
+// One row of pixels drawn one to one through attributes.
+Row Through(const ImageAttributes& attributes, const Row& from, PixelFormat format = PixelFormat32bppARGB)
+{
+    const int nCount = static_cast<int>(from.size());
+    Sheet source(nCount, from, format);
+    Sheet sheet(nCount, 1);
+    const auto width = static_cast<float>(nCount);
+    EXPECT_EQ(sheet.graphics.DrawImage(&source.bitmap, 0.F, 0.F, width, 1.F, 0.F, 0.F, width, 1.F, UnitPixel,
+                                       &attributes),
+              Ok);
+    return sheet.pixels;
+}
+
+} // namespace
+
+// Every alpha over every shade, or over every alpha, against the rule in plain arithmetic.
+TEST_F(Draw, BlendsByTheAlphaRoundingToTheNearest)
+{
+    Sheet source(256, Square([](ARGB alpha, ARGB) { return Of(alpha, 0, 200, 255); }));
+    Sheet opaque(256, Square([](ARGB, ARGB shade) { return Of(7, 99, static_cast<int>(shade), 0); }),
+                 PixelFormat32bppRGB);
+    Sheet straight(256, Square([](ARGB, ARGB alpha) { return Of(alpha, 255, 100, 1); }));
+    const auto share = [](ARGB n, double of) { return Nearest(n * of / 255); };
+    Sheet multiplied(256, Square([&](ARGB, ARGB alpha) { return Of(alpha, 0, share(alpha, 100), 0); }),
+                     PixelFormat32bppPARGB);
+    for (Sheet* sheet : {&opaque, &straight, &multiplied})
+        EXPECT_EQ(sheet->graphics.DrawImage(&source.bitmap, 0, 0), Ok);
+
+    EXPECT_EQ(opaque.pixels, Square([](ARGB alpha, ARGB shade) {
+                  const auto mix = [alpha](double above, double below) {
+                      return Nearest((above * alpha + below * (255 - alpha)) / 255);
+                  };
+                  return Of(0, mix(0, 99), mix(200, shade), mix(255, 0));
+              }));
+    EXPECT_EQ(straight.pixels, Square([](ARGB above, ARGB below) {
+                  const double part = above * 255.0;
+                  const double rest = below * (255.0 - above);
+                  if (above == 0) return Of(below, 255, 100, 1);
+                  const auto mix = [=](double a, double b) {
+                      return Nearest((a * part + b * rest) / (part + rest));
+                  };
+                  return Of(static_cast<ARGB>(Nearest((part + rest) / 255)), mix(0, 255), mix(200, 100),
+                            mix(255, 1));
+              }));
+    EXPECT_EQ(multiplied.pixels, Square([&](ARGB above, ARGB below) {
+                  const auto mix = [above](double a, double b) {
+                      return Nearest((a * above + b * (255 - above)) / 255);
+                  };
+                  return Of(static_cast<ARGB>(mix(255, below)), 0, mix(200, share(below, 100)), mix(255, 0));
+              }));
+}
+
+TEST_F(Draw, BlendsMultipliedPicturesToo)
+{
+    // The last one has a colour above its alpha.
+    const Row from{0xFF102030, 0x80402000, 0x00000000, 0x40FF0000};
+    for (const auto& [format, row] :
+         {std::pair{PixelFormat32bppRGB, Row{0x00102030, 0x00725232, 0x00646464, 0x00FF4B4B}},
+          {PixelFormat32bppPARGB, Row{0xFF102030, 0xFF725232, 0xFF646464, 0xFFFF4B4B}},
+          {PixelFormat32bppARGB, Row{0xFF102030, 0xFF725232, 0xFF646464, 0xFF8B4B4B}}}) {
+        Sheet source(4, from, PixelFormat32bppPARGB);
+        Sheet sheet(4, Grays({100, 100, 100, 100}), format);
+        sheet.graphics.DrawImage(&source.bitmap, 0, 0);
+        EXPECT_EQ(sheet.pixels, row) << format;
+    }
+}
+
+TEST_F(Draw, CutsToTheTargetAndItsClip)
+{
+    Sheet red(4, Row(16, 0xFFFF0000), PixelFormat32bppRGB);
+    const Paper paper(6, 4, 'W');
+    Graphics graphics(static_cast<HDC>(paper));
+    graphics.DrawImage(&red.bitmap, -2, -3);
+    graphics.DrawImage(&red.bitmap, 5, 3);
+    EXPECT_EQ(paper.Read(), (Picture{"RRWWWW", "WWWWWW", "WWWWWW", "WWWWWR"}));
+
+    const Scoped<HRGN> clip(CreateRectRgn(0, 0, 3, 2));
+    const Scoped<HRGN> more(CreateRectRgn(2, 1, 6, 3));
+    const Scoped<HRGN> hole(CreateRectRgn(4, 2, 5, 3));
+    CombineRgn(clip, clip, more, RGN_OR);
+    CombineRgn(clip, clip, hole, RGN_DIFF);
+    SelectClipRgn(paper, clip);
+    graphics.DrawImage(&red.bitmap, 1, 0, 9, 9);
+    SelectClipRgn(paper, nullptr);
+    EXPECT_EQ(paper.Read(), (Picture{"RRRWWW", "WRRRRR", "WWRRWR", "WWWWWR"}));
+    const HBITMAP other = CreateCompatibleBitmap(paper, 1, 1);
+    const HGDIOBJ first = SelectObject(paper, other);
+    EXPECT_EQ(graphics.DrawImage(&red.bitmap, 0, 0), Ok);
+    EXPECT_EQ(LetterOf(GetPixel(paper, 0, 0)), 'R') << "draws on what is selected now";
+    DeleteObject(SelectObject(paper, first));
+}
+
+TEST_F(Draw, DrawsOnTheDesktopFromAWindowsCorner)
+{
+    Sheet dots(2, {0xFFFF0000, 0xFF00FF00}, PixelFormat32bppRGB);
+    const WNDCLASSA wndClass{DefWindowProcA, "Drawing"};
+    ASSERT_NE(RegisterClassA(&wndClass), 0);
+    const HWND hWnd = CreateWindowExA(0, "Drawing", "", WS_POPUP, 5, 7, 3, 2);
+    const HDC desktop = GetDC(nullptr);
+    const HDC window = GetDC(hWnd);
+    Graphics graphics(window);
+    EXPECT_EQ(graphics.DrawImage(&dots.bitmap, 1, 1), Ok);
+    EXPECT_EQ(graphics.DrawImage(&dots.bitmap, 2, 0), Ok);
+    EXPECT_EQ(Read(desktop, 5, 7, 9, 9), (Picture{"??R?", "?RG?"}));
+    ReleaseDC(hWnd, window);
+    EXPECT_EQ(graphics.DrawImage(&dots.bitmap, 0, 0), Win32Error);
+    EXPECT_EQ(graphics.GetLastStatus(), Win32Error);
+    const RECT used{5, 7, 9, 9};
+    const Scoped<HBRUSH> brush(CreateSolidBrush(DESKTOP_COLOR));
+    FillRect(desktop, &used, brush);
+    ReleaseDC(nullptr, desktop);
+    DestroyWindow(hWnd);
+    UnregisterClassA("Drawing");
+}
+
+TEST_F(Draw, DrawsAPictureOnItself)
+{
+    for (const PixelFormat format : {PixelFormat32bppARGB, PixelFormat24bppRGB}) {
+        Row bytes{0xFF030201, 0xFF060504, 0xFF090807};
+        Bitmap bitmap(format == PixelFormat32bppARGB ? 3 : 4, 1, 12, format,
+                      reinterpret_cast<BYTE*>(bytes.data()));
+        Graphics graphics(&bitmap);
+        EXPECT_EQ(graphics.DrawImage(&bitmap, 1, 0), Ok);
+        EXPECT_EQ(bytes, format == PixelFormat32bppARGB ? (Row{0xFF030201, 0xFF030201, 0xFF060504})
+                                                        : (Row{0x01030201, 0x04FF0302, 0x07FF0605}))
+            << format;
+    }
+}
+
+TEST_F(Draw, ChangesColoursByAMatrix)
+{
+    ImageAttributes attributes;
+    const ColorMatrix gray{{{0.3F, 0.3F, 0.3F, 0, 0},
+                            {0.59F, 0.59F, 0.59F, 0, 0},
+                            {0.11F, 0.11F, 0.11F, 0, 0},
+                            {0, 0, 0, 1, 0},
+                            {0, 0, 0, 0, 1}}};
+    EXPECT_EQ(attributes.SetColorMatrix(&gray), Ok);
+    // 76.5; 150.45; 28.05; 255; 0.3 + 1.18 + 0.33 = 1.81; 29.5; 30 + 118 + 5.5 = 153.5, each alpha as it was.
+    EXPECT_EQ(Through(attributes,
+                      {0xFFFF0000, 0xFF00FF00, 0xFF0000FF, 0x80FFFFFF, 0x01010203, 0xFF003200, 0xFE64C832}),
+              (Row{0xFF4D4D4D, 0xFF969696, 0xFF1C1C1C, 0x80FFFFFF, 0x01020202, 0xFF1E1E1E, 0xFE9A9A9A}));
+    EXPECT_EQ(Through(attributes, {0x00FF0000}, PixelFormat32bppRGB), Row{0xFF4D4D4D});
+    EXPECT_EQ(Through(attributes, {0x80800000, 0}, PixelFormat32bppPARGB), (Row{0x804D4D4D, 0}));
+
+    // Out of range, alpha from a colour, and something added.
+    ColorMatrix matrix = Diagonal(2, -1, 0.5F, 0);
+    matrix.m[0][3] = 1;
+    matrix.m[4][2] = 0.2F;
+    attributes.SetColorMatrix(&matrix);
+    EXPECT_EQ(Through(attributes, {0xFF60FF10, 0x0080FF11, 0xFFFFFFFF}),
+              (Row{0x60C0003B, 0x80FF003C, 0xFFFF00B3}));
+    for (float& entry : matrix.m[1])
+        entry = std::numeric_limits<float>::max();
+    for (float& entry : matrix.m[0])
+        entry = -std::numeric_limits<float>::max();
+    attributes.SetColorMatrix(&matrix);
+    EXPECT_THAT(Through(attributes, {0xFFFFFFFF}), testing::SizeIs(1)) << "no number, and no harm";
+}
+
+TEST_F(Draw, TakesTheMatrixForPicturesFirst)
+{
+    GpImageAttributes* attributes = nullptr;
+    ASSERT_EQ(GdipCreateImageAttributes(&attributes), Ok);
+    Sheet source(1, Row{0xFF808080});
+    const auto draw = [&] {
+        Sheet sheet(1, 1);
+        EXPECT_EQ(GdipDrawImageRectRect(sheet.graphics.Native(), source.bitmap.Native(), 0, 0, 1, 1, 0, 0, 1,
+                                        1, UnitPixel, attributes, nullptr, nullptr),
+                  Ok);
+        return sheet.pixels[0];
+    };
+    const auto set = [&](ColorAdjustType type, int bEnable, const ColorMatrix* matrix,
+                         ColorMatrixFlags flags = ColorMatrixFlagsDefault,
+                         const ColorMatrix* pGray = nullptr) {
+        return GdipSetImageAttributesColorMatrix(attributes, type, bEnable, matrix, pGray, flags);
+    };
+    const ColorMatrix red = Diagonal(1, 0, 0, 1);
+    const ColorMatrix blue = Diagonal(0, 0, 1, 1);
+    EXPECT_EQ(set(ColorAdjustTypePen, 1, &red), Ok);
+    EXPECT_EQ(draw(), 0xFF808080);
+    EXPECT_EQ(set(ColorAdjustTypeBitmap, 1, &blue), Ok);
+    EXPECT_EQ(set(ColorAdjustTypeDefault, 1, &red), Ok);
+    EXPECT_EQ(draw(), 0xFF000080);
+    EXPECT_EQ(set(ColorAdjustTypeBitmap, 0, nullptr), Ok);
+    EXPECT_EQ(draw(), 0xFF800000);
+    ColorMatrix bad = red;
+    bad.m[4][4] = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_EQ(set(ColorAdjustTypeDefault, 1, nullptr), InvalidParameter);
+    EXPECT_EQ(set(ColorAdjustTypeDefault, 1, &bad), InvalidParameter);
+    EXPECT_EQ(set(static_cast<ColorAdjustType>(5), 1, &blue), InvalidParameter);
+    EXPECT_EQ(set(ColorAdjustTypeDefault, 1, &blue, ColorMatrixFlagsAltGray), NotImplemented);
+    EXPECT_EQ(set(ColorAdjustTypeDefault, 1, &blue, ColorMatrixFlagsDefault, &blue), NotImplemented);
+    EXPECT_EQ(draw(), 0xFF800000);
+    EXPECT_EQ(GdipDisposeImageAttributes(attributes), Ok);
+}
+
+TEST_F(Draw, RefusesWhatIsNoNumber)
+{
+    Sheet source(1, Row{0xFFFFFFFF});
+    Sheet sheet(1, 1);
+    for (const float bad : {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
+                            -std::numeric_limits<float>::infinity()})
+        for (std::size_t n = 0; n < 8; ++n) {
+            float v[8] = {0, 0, 1, 1, 0, 0, 1, 1};
+            v[n] = bad;
+            EXPECT_EQ(sheet.graphics.DrawImage(&source.bitmap, v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7],
+                                               UnitPixel),
+                      InvalidParameter);
+        }
+    EXPECT_EQ(sheet.graphics.DrawImage(&source.bitmap, 0.F, 0.F, 1.F, 1.F, 0.F, 0.F, 1.F, 1.F, UnitDisplay),
+              NotImplemented);
+    EXPECT_EQ(sheet.pixels, Row{0});
+}

@@ -1,0 +1,222 @@
+#include "tests/platform/gdiplus/GifBuilder.h"
+#include "tests/platform/gdiplus/Images.h"
+#include "tests/platform/gdiplus/TiffBuilder.h"
+
+#include <random>
+
+namespace {
+
+using namespace test;
+
+class FramesTest : public DrawingTest
+{
+    const NoLeak m_noLeak;
+};
+
+UINT CountOf(GpImage* image, const GUID& dimension = FrameDimensionTime)
+{
+    UINT n = 0;
+    GdipImageGetFrameCount(image, &dimension, &n);
+    return n;
+}
+
+Picture Shown(const Loaded& loaded, UINT nFrame, const GUID& dimension = FrameDimensionTime)
+{
+    EXPECT_EQ(GdipImageSelectActiveFrame(loaded, &dimension, nFrame), Ok);
+    return loaded.Letters();
+}
+
+std::vector<Picture> Played(const Loaded& loaded)
+{
+    std::vector<Picture> frames;
+    for (UINT n = 0; n < CountOf(loaded); ++n)
+        frames.push_back(Shown(loaded, n));
+    return frames;
+}
+
+TEST_F(FramesTest, EachDisposalDoesItsOwn)
+{
+    const auto play = [](std::uint32_t disposal) {
+        return Played(Loaded(Gif(3, 2, {{{"RRR", "GGG"}}, {{"B", "B"}, 1, 0, disposal}, {{"W"}, 2, 1}})));
+    };
+    const Picture first = {"RRR", "GGG"}, second = {"RBR", "GBG"};
+    for (const std::uint32_t disposal : {0u, 1u, 5u})
+        EXPECT_THAT(play(disposal), testing::ElementsAre(first, second, Picture{"RBR", "GBW"}));
+    EXPECT_THAT(play(2), testing::ElementsAre(first, second, Picture{"R R", "G W"}));
+    EXPECT_THAT(play(3), testing::ElementsAre(first, second, Picture{"RRR", "GGW"}));
+}
+
+TEST_F(FramesTest, PlacesTransparencyAndPalettesOfFrames)
+{
+    // Smaller than the canvas, then past all its sides, then nowhere on it; what is drawn on is kept.
+    const Loaded placed(
+        Gif(3, 3, {{{"R.", "GB"}, 1, 1}, {{"YYY", "Y.Y"}, 2, 2}, {{"W"}, 9, 9}, {{"W"}, 0, 0}}));
+    EXPECT_THAT(Played(placed),
+                testing::ElementsAre(Picture{"   ", " R ", " GB"}, Picture{"   ", " R ", " GY"},
+                                     Picture{"   ", " R ", " GY"}, Picture{"W  ", " R ", " GY"}));
+    EXPECT_EQ(placed.Format(), PixelFormat8bppIndexed);
+    const Loaded own(Gif(2, 1, {{{"RB"}}, {{"RB"}, 0, 0, 0, 0, false, "BR"}, {{"RB"}}}));
+    EXPECT_THAT(Played(own), testing::ElementsAre(Picture{"RB"}, Picture{"RB"}, Picture{"RB"}));
+    // Rows that come in passes.
+    Picture rows;
+    for (const char letter : std::string("RGBCMYWRGBCRGBYW"s)) {
+        rows.emplace_back(3, letter);
+        EXPECT_EQ(
+            Loaded(Gif(3, static_cast<std::uint32_t>(rows.size()), {{rows, 0, 0, 0, 0, true}})).Letters(),
+            rows);
+    }
+    EXPECT_EQ(Loaded(Gif(0, 0, {{{"RG"}, 1, 1}})).Letters(),
+              (Picture{"   ", " RG"})); // a size left to the frame
+}
+
+// What the frames show is worked out anew for each: no state is kept from one to the next.
+std::vector<Picture> ByHand(int cx, int cy, const std::vector<GifFrame>& frames)
+{
+    Picture canvas(static_cast<std::size_t>(cy), std::string(static_cast<std::size_t>(cx), ' '));
+    std::vector<Picture> shown;
+    for (const GifFrame& frame : frames) {
+        const Picture before = canvas;
+        const auto each = [&](auto&& change) {
+            for (std::size_t y = 0; y < frame.picture.size(); ++y)
+                for (std::size_t x = 0; x < frame.picture[y].size(); ++x)
+                    if (y + frame.top < canvas.size() && x + frame.left < canvas[0].size())
+                        change(canvas[y + frame.top][x + frame.left], frame.picture[y][x]);
+        };
+        each([](char& at, char letter) { at = letter == '.' ? at : letter; });
+        shown.push_back(canvas);
+        if (frame.disposal == 2) each([](char& at, char) { at = ' '; });
+        if (frame.disposal == 3) canvas = before;
+    }
+    return shown;
+}
+
+TEST_F(FramesTest, AFrameSelectedOutOfOrderShowsWhatPlayingToItShows)
+{
+    std::minstd_rand random(7);
+    const auto below = [&](unsigned n) { return static_cast<std::uint32_t>(random() / 64 % n); };
+    for (int nRound = 0; nRound < 30; ++nRound) {
+        std::vector<GifFrame> frames(8);
+        for (GifFrame& frame : frames) {
+            frame = {Picture(1 + below(6)), below(5), below(5), below(4), below(9), below(2) == 1};
+            const std::size_t nWidth = 1 + below(6);
+            for (std::string& row : frame.picture)
+                for (std::size_t x = 0; x < nWidth; ++x)
+                    row += "RGBCMY."[below(7)];
+        }
+        const auto shown = ByHand(6, 5, frames);
+        const Loaded loaded(Gif(6, 5, frames));
+        EXPECT_EQ(Played(loaded), shown);
+        for (int i = 0; i < 12; ++i) {
+            const UINT nFrame = below(8);
+            ASSERT_EQ(Shown(loaded, nFrame), shown[nFrame]) << nFrame;
+        }
+        const Loaded clone;
+        GdipCloneImage(loaded, const_cast<GpImage**>(&clone.image));
+        EXPECT_EQ(clone.Letters(), shown[0]); // at its first frame
+        EXPECT_EQ(Shown(clone, 7), shown[7]);
+    }
+}
+
+TEST_F(FramesTest, FramesThatAreCutOffDontCount)
+{
+    const std::string one = Gif(2, 2, {{{"RG", "BY"}}}), two = Gif(2, 2, {{{"RG", "BY"}}, {{"WW", "WW"}}});
+    const std::size_t nSecond = one.size() - 1;
+    for (std::size_t size = 0; size < two.size(); ++size) {
+        const Loaded cut(two.substr(0, size));
+        const bool bAny = size >= nSecond;
+        EXPECT_EQ(cut.status, bAny ? Ok : size < 6 ? UnknownImageFormat : GenericError) << size;
+        if (!bAny) continue;
+        EXPECT_EQ(CountOf(cut), size == two.size() - 1 ? 2u : 1u) << size;
+        EXPECT_EQ(cut.Letters(), (Picture{"RG", "BY"}));
+    }
+    // Blocks that are all there but hold too little: the rest stays.
+    std::string shorter = two;
+    const std::size_t at = shorter.rfind("\x80\x07"); // the codes of the second frame
+    shorter.replace(at + 3, 3, "\x81\x81\x81");
+    EXPECT_EQ(Shown(Loaded(shorter), 1), (Picture{"WW", "BY"}));
+    // A frame of 64 million pixels in a few bytes isn't believed.
+    std::string lying = two;
+    lying.replace(nSecond + 8 + 5, 4, "\xFF\x7F\xFF\x7F");
+    EXPECT_EQ(CountOf(Loaded(lying)), 1u);
+}
+
+TEST_F(FramesTest, DelaysAndLoops)
+{
+    const auto read = [](GpImage* image, PROPID id) {
+        UINT size = 0;
+        EXPECT_EQ(GdipGetPropertyItemSize(image, id, &size), Ok);
+        std::vector<PropertyItem> block(size / sizeof(PropertyItem) + 1);
+        EXPECT_EQ(GdipGetPropertyItem(image, id, size - 1, block.data()), InvalidParameter);
+        EXPECT_EQ(GdipGetPropertyItem(image, id, size, block.data()), Ok);
+        const PropertyItem& item = block[0];
+        EXPECT_EQ(item.id, id);
+        EXPECT_EQ(item.value, &block[1]);
+        EXPECT_EQ(item.length, size - sizeof(PropertyItem));
+        EXPECT_EQ(item.type, item.length == 2 ? PropertyTagTypeShort : PropertyTagTypeLong);
+        std::vector<DWORD> values(item.length == 2 ? 1 : item.length / 4);
+        std::memcpy(values.data(), item.value, item.length);
+        return values;
+    };
+    const std::vector<GifFrame> frames = {
+        {{"R"}, 0, 0, 0, 0}, {{"R"}, 0, 0, 0, 6529}, {{"R"}, 0, 0, 2, 65535}};
+    std::string file = Gif(1, 1, frames);
+    EXPECT_THAT(read(Loaded(file), PropertyTagFrameDelay), testing::ElementsAre(0, 6529, 65535));
+    EXPECT_THAT(read(Loaded(file), PropertyTagLoopCount), testing::ElementsAre(1));
+    file.insert(GifHead(1, 1).size(), GifLoops(0));
+    EXPECT_THAT(read(Loaded(file), PropertyTagLoopCount), testing::ElementsAre(0));
+    file.insert(GifHead(1, 1).size(), "!\xFE\3abc\0"s + GifLoops(5)); // the last one counts
+    EXPECT_EQ(CountOf(Loaded(file)), 3u);
+
+    UINT size = 9;
+    EXPECT_EQ(GdipGetPropertyItemSize(Loaded(file), 0x112, &size), PropertyNotFound);
+    EXPECT_EQ(size, 0u);
+    EXPECT_EQ(GdipGetPropertyItemSize(Loaded(Gif(1, 1, {frames[1]})), PropertyTagFrameDelay, &size),
+              PropertyNotFound);
+}
+
+TEST_F(FramesTest, APictureHasOneDimension)
+{
+    GUID dimension{};
+    UINT n = 0;
+    const Loaded gif(Gif(1, 1, {{{"R"}}, {{"G"}}})), still(Gif(1, 1, {{{"R"}}})), plain(Picture{"RG"});
+    for (const auto& [loaded, expected] : {std::pair<const Loaded*, GUID>(&gif, FrameDimensionTime),
+                                           {&still, FrameDimensionTime},
+                                           {&plain, FrameDimensionPage}}) {
+        EXPECT_EQ(GdipImageGetFrameDimensionsCount(*loaded, &n), Ok);
+        EXPECT_EQ(n, 1u);
+        EXPECT_EQ(GdipImageGetFrameDimensionsList(*loaded, &dimension, 1), Ok);
+        EXPECT_EQ(std::memcmp(&dimension, &expected, sizeof dimension), 0);
+        EXPECT_EQ(GdipImageGetFrameDimensionsList(*loaded, &dimension, 2), InvalidParameter);
+        EXPECT_EQ(GdipImageSelectActiveFrame(*loaded, &dimension, 0), Ok);
+        EXPECT_EQ(GdipImageSelectActiveFrame(*loaded, &dimension, 2), InvalidParameter);
+    }
+    EXPECT_EQ(GdipImageSelectActiveFrame(gif, &FrameDimensionPage, 0), InvalidParameter);
+    EXPECT_EQ(GdipImageGetFrameCount(gif, &FrameDimensionPage, &n), InvalidParameter);
+    EXPECT_EQ(Shown(gif, 1), (Picture{"G"}));
+    EXPECT_EQ(GdipImageRotateFlip(gif, RotateNoneFlipX), Ok); // one frame after that
+    EXPECT_EQ(gif.Letters(), (Picture{"G"}));
+    EXPECT_EQ(CountOf(gif), 1u);
+}
+
+TEST_F(FramesTest, PagesOfATiff)
+{
+    const TiffPage red{.width = 1, .height = 1, .pixels = "\xFF\0\0"s};
+    const TiffPage alpha{
+        .width = 1, .height = 2, .samples = 4, .pixels = "\0\xFF\0\xFF\0\0\0\0"s, .tags = {{338, 1}}};
+    TiffPage broken = red;
+    broken.tags[259] = 999; // no such compression
+    const std::string file = Tiff({red, alpha, broken});
+    const Loaded pages(file);
+    EXPECT_EQ(CountOf(pages, FrameDimensionPage), 3u);
+    EXPECT_EQ(Shown(pages, 1, FrameDimensionPage), (Picture{"G", " "}));
+    EXPECT_EQ(GdipImageSelectActiveFrame(pages, &FrameDimensionPage, 2), GenericError);
+    EXPECT_EQ(pages.Letters(), (Picture{"G", " "})); // stays
+    EXPECT_EQ(Shown(pages, 0, FrameDimensionPage), (Picture{"R"}));
+    EXPECT_EQ(CountOf(Loaded(file.substr(0, file.size() - 5)), FrameDimensionPage), 2u);
+
+    std::string loop = Tiff({red, red}); // the second page's successor is the first
+    loop.replace(loop.size() - 4, 4, loop.substr(4, 4));
+    EXPECT_LE(CountOf(Loaded(loop), FrameDimensionPage), 3u);
+}
+
+} // namespace

@@ -1,0 +1,172 @@
+#include "tests/platform/gdiplus/Sheet.h"
+
+using namespace test;
+using namespace Gdiplus::DllExports;
+
+namespace {
+
+class GraphicsCalls : public DrawingTest
+{
+};
+
+const Color red(255, 0, 0);
+
+// A brush of one colour everywhere.
+LinearGradientBrush Solid(ARGB color)
+{
+    return {{0, 0}, {1, 0}, Color(color), Color(color)};
+}
+
+test::Picture Outline(int x, int y, int nWidth, int nHeight, REAL nPen)
+{
+    const Paper paper(7, 6, 'W');
+    Graphics graphics(static_cast<HDC>(paper));
+    const Gdiplus::Pen pen(red, nPen);
+    EXPECT_EQ(graphics.DrawRectangle(&pen, x, y, nWidth, nHeight), Ok);
+    return paper.Read();
+}
+
+} // namespace
+
+TEST_F(GraphicsCalls, OutlineCoversTheLinesOnBothSides)
+{
+    const test::Picture thin{"WWWWWWW", "WRRRRWW", "WRWWRWW", "WRRRRWW", "WWWWWWW", "WWWWWWW"};
+    for (const REAL nPen : {1.F, 0.F, -3.F, 1.9F})
+        EXPECT_EQ(Outline(1, 1, 3, 2, nPen), thin) << nPen;
+    EXPECT_EQ(Outline(1, 1, 4, 3, 2),
+              (test::Picture{"RRRRRRW", "RRRRRRW", "RRWWRRW", "RRRRRRW", "RRRRRRW", "WWWWWWW"}));
+    EXPECT_EQ(Outline(1, 1, 4, 4, 3),
+              (test::Picture{"RRRRRRR", "RRRRRRR", "RRRRRRR", "RRRWRRR", "RRRRRRR", "RRRRRRR"}));
+    EXPECT_EQ(Outline(2, 1, 0, 2, 1),
+              (test::Picture{"WWWWWWW", "WWRWWWW", "WWRWWWW", "WWRWWWW", "WWWWWWW", "WWWWWWW"}));
+    const test::Picture none(6, "WWWWWWW");
+    EXPECT_EQ(Outline(1, 1, -1, 2, 1), none);
+    EXPECT_EQ(Outline(1, 1, 2, INT_MIN, 9), none);
+    EXPECT_EQ(Outline(INT_MAX, INT_MAX, INT_MAX, INT_MAX, 1), none);
+    EXPECT_EQ(Outline(-1, -1, INT_MAX, INT_MAX, 1), none);
+    EXPECT_EQ(Outline(3, 3, 1, 1, 1e38F), test::Picture(6, "RRRRRRR"));
+}
+
+TEST_F(GraphicsCalls, OutlinePaintsEachPixelOnce)
+{
+    Sheet sheet(3, Grays({100, 100, 100, 100, 100, 100, 100, 100, 100}));
+    const Gdiplus::Pen pen(Color(128, 200, 200, 200));
+    sheet.graphics.DrawRectangle(&pen, 0, 0, 2, 2);
+    EXPECT_EQ(Blues(sheet.pixels), (std::vector{150, 150, 150, 150, 100, 150, 150, 150, 150}));
+}
+
+TEST_F(GraphicsCalls, FillsWithinTheClipAndTheTarget)
+{
+    const Paper paper(5, 3, 'W');
+    const Scoped<HRGN> clip(CreateRectRgn(1, 0, 4, 3));
+    const Scoped<HRGN> hole(CreateRectRgn(2, 1, 3, 2));
+    CombineRgn(clip, clip, hole, RGN_DIFF);
+    SelectClipRgn(paper, clip);
+    Graphics graphics(static_cast<HDC>(paper));
+    const LinearGradientBrush brush = Solid(0xFFFF0000);
+    for (const auto& [nWidth, nHeight] : {std::pair{0, 9}, {9, 0}, {-1, 9}, {INT_MIN, INT_MIN}})
+        EXPECT_EQ(graphics.FillRectangle(&brush, 0, 0, nWidth, nHeight), Ok);
+    EXPECT_EQ(graphics.FillRectangle(&brush, INT_MIN, INT_MIN, INT_MAX, INT_MAX), Ok);
+    EXPECT_EQ(graphics.FillRectangle(&brush, -2, 1, INT_MAX, INT_MAX), Ok);
+    SelectClipRgn(paper, nullptr);
+    EXPECT_EQ(paper.Read(), (test::Picture{"WWWWW", "WRWRW", "WRRRW"}));
+    // As GDI's own fills leave it.
+    const LinearGradientBrush glass = Solid(0x80FF0000);
+    graphics.FillRectangle(&glass, 1, 0, 1, 1);
+    BITMAPINFO info{};
+    info.bmiHeader = {sizeof(BITMAPINFOHEADER), 5, -3, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    Row pixels(15);
+    ASSERT_EQ(GetDIBits(paper, paper.Bitmap(), 0, 3, pixels.data(), &info, DIB_RGB_COLORS), 3);
+    EXPECT_EQ(pixels[1], 0x00FF7F7Fu);
+    EXPECT_EQ(pixels[6], 0x00FF0000u);
+}
+
+TEST_F(GraphicsCalls, FillsACopyOfARegion)
+{
+    const Paper paper(5, 4, 'W');
+    HRGN hRgn = CreateRectRgn(1, 1, 4, 3);
+    const Scoped<HRGN> hole(CreateRectRgn(2, 1, 3, 2));
+    CombineRgn(hRgn, hRgn, hole, RGN_DIFF);
+    const Gdiplus::Region region(hRgn);
+    OffsetRgn(hRgn, 9, 9);
+    DeleteObject(hRgn);
+    Graphics graphics(static_cast<HDC>(paper));
+    const LinearGradientBrush brush = Solid(0xFF00FF00);
+    EXPECT_EQ(graphics.FillRegion(&brush, &region), Ok);
+    EXPECT_EQ(paper.Read(), (test::Picture{"WWWWW", "WGWGW", "WGGGW", "WWWWW"}));
+    const Gdiplus::Region none(hRgn);
+    EXPECT_EQ(none.GetLastStatus(), InvalidParameter);
+    EXPECT_EQ(graphics.FillRegion(&brush, &none), InvalidParameter);
+}
+
+TEST_F(GraphicsCalls, SayByStatusWhatIsMissing)
+{
+    auto* graphics = reinterpret_cast<GpGraphics*>(8);
+    EXPECT_EQ(GdipCreateFromHDC(nullptr, &graphics), InvalidParameter);
+    EXPECT_EQ(graphics, nullptr);
+    EXPECT_EQ(GdipGetImageGraphicsContext(nullptr, &graphics), InvalidParameter);
+    EXPECT_EQ(GdipCreateFromHDC(nullptr, nullptr), InvalidParameter);
+    Graphics none(static_cast<HDC>(nullptr));
+    EXPECT_EQ(none.GetLastStatus(), InvalidParameter);
+    EXPECT_EQ(none.GetLastStatus(), Ok) << "told once";
+
+    Sheet sheet(1, 1);
+    const LinearGradientBrush brush = Solid(0xFFFF0000);
+    const Gdiplus::Pen pen(red);
+    const Gdiplus::Pen noPen(red, std::numeric_limits<float>::quiet_NaN());
+    EXPECT_EQ(noPen.GetLastStatus(), InvalidParameter);
+    for (const Status status :
+         {none.DrawImage(&sheet.bitmap, 0, 0), none.FillRectangle(&brush, 0, 0, 1, 1),
+          none.DrawRectangle(&pen, 0, 0, 1, 1), sheet.graphics.DrawImage(nullptr, 0, 0),
+          sheet.graphics.DrawImage(nullptr, 0, 0, 1, 1), sheet.graphics.FillRectangle(nullptr, 0, 0, 1, 1),
+          sheet.graphics.FillRegion(&brush, nullptr), sheet.graphics.DrawRectangle(nullptr, 0, 0, 1, 1),
+          sheet.graphics.DrawRectangle(&noPen, 0, 0, 1, 1),
+          Graphics(static_cast<Image*>(nullptr)).GetLastStatus(), GdipDeleteGraphics(nullptr),
+          GdipDeleteBrush(nullptr), GdipDeletePath(nullptr), GdipDeletePen(nullptr),
+          GdipDeleteRegion(nullptr), GdipDisposeImageAttributes(nullptr)})
+        EXPECT_EQ(status, InvalidParameter);
+    EXPECT_EQ(sheet.pixels, Row{0});
+
+    HDC dc = CreateCompatibleDC(nullptr);
+    Graphics onDead(dc);
+    DeleteDC(dc);
+    EXPECT_EQ(onDead.DrawImage(&sheet.bitmap, 0, 0), Win32Error);
+    EXPECT_EQ(onDead.FillRectangle(&brush, 0, 0, 1, 1), Win32Error);
+    EXPECT_EQ(onDead.GetLastStatus(), Win32Error);
+    EXPECT_EQ(Graphics(dc).GetLastStatus(), InvalidParameter);
+}
+
+TEST(GraphicsStart, NothingWorksBeforeOrAfter)
+{
+    const NoLeak noLeak;
+    std::uintptr_t nToken = 0;
+    const GdiplusStartupInput input;
+    ASSERT_EQ(GdiplusStartup(&nToken, &input, nullptr), Ok);
+    const int nBefore = KXHost::LiveHandles();
+    {
+        const Paper paper(1, 1, 'W');
+        Graphics graphics(static_cast<HDC>(paper));
+        const LinearGradientBrush brush = Solid(0xFFFF0000);
+        GraphicsPath path;
+        path.AddRectangle(0, 0, 1, 1);
+        const PathGradientBrush pathBrush(&path);
+        const Gdiplus::Pen pen(red);
+        const ImageAttributes attributes;
+        const Scoped<HRGN> rgn(CreateRectRgn(0, 0, 1, 1));
+        const Gdiplus::Region region(rgn);
+        // Of GDI's the surface with its bitmap and the region, of ours seven.
+        EXPECT_EQ(KXHost::LiveHandles(), nBefore + 10);
+        GdiplusShutdown(nToken);
+        EXPECT_EQ(graphics.FillRectangle(&brush, 0, 0, 1, 1), GdiplusNotInitialized);
+        EXPECT_EQ(graphics.FillRegion(&brush, &region), GdiplusNotInitialized);
+        EXPECT_EQ(graphics.DrawRectangle(&pen, 0, 0, 1, 1), GdiplusNotInitialized);
+        EXPECT_EQ(path.AddRectangle(0, 0, 1, 1), GdiplusNotInitialized);
+        EXPECT_EQ(paper.Read(), test::Picture{"W"});
+        for (const Status status :
+             {Graphics(static_cast<HDC>(paper)).GetLastStatus(), Solid(0).GetLastStatus(),
+              GraphicsPath().GetLastStatus(), PathGradientBrush(&path).GetLastStatus(),
+              Gdiplus::Pen(red).GetLastStatus(), ImageAttributes().GetLastStatus(),
+              Gdiplus::Region(rgn).GetLastStatus()})
+            EXPECT_EQ(status, GdiplusNotInitialized);
+    }
+}

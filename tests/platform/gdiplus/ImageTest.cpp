@@ -1,0 +1,327 @@
+#include "tests/platform/gdiplus/Images.h"
+#include "tests/support/Host.h"
+
+#include <array>
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace test;
+
+const std::string kRed = Png(1, 1, 8, 2, "\0\xFF\0\0"s);
+
+using ImageTest = DrawingTest;
+
+TEST(ImageStart, NothingWorksBeforeTheStartOrAfterTheLastShutdown)
+{
+    const NoLeak noLeak;
+    std::uintptr_t first = 0, second = 0;
+    GdiplusStartupInput input;
+    EXPECT_EQ(GdiplusStartup(nullptr, &input, nullptr), InvalidParameter);
+    EXPECT_EQ(GdiplusStartup(&first, nullptr, nullptr), InvalidParameter);
+    input.GdiplusVersion = 2;
+    EXPECT_EQ(GdiplusStartup(&first, &input, nullptr), UnsupportedGdiplusVersion);
+    input.GdiplusVersion = 1;
+    EXPECT_EQ(LoadStatus(kRed), GdiplusNotInitialized);
+    EXPECT_EQ(Bitmap(1, 1).GetLastStatus(), GdiplusNotInitialized);
+
+    EXPECT_EQ(GdiplusStartup(&first, &input, nullptr), Ok);
+    EXPECT_EQ(GdiplusStartup(&second, &input, nullptr), Ok);
+    EXPECT_NE(first, second);
+    GdiplusShutdown(first);
+    GdiplusShutdown(first);
+    const auto bitmap = std::make_unique<Bitmap>(1, 1);
+    EXPECT_EQ(LoadStatus(kRed), Ok);
+    GdiplusShutdown(second);
+
+    GpImage* const image = bitmap->Native();
+    const CLSID clsid{};
+    GUID guid{};
+    UINT n = 77;
+    ARGB color = 77;
+    PropertyItem item{};
+    GpImage* none = image;
+    for (const Status status :
+         {LoadStatus(kRed), GdipGetImageWidth(image, &n), GdipGetImageHeight(image, &n),
+          GdipBitmapGetPixel(reinterpret_cast<GpBitmap*>(image), 0, 0, &color),
+          GdipBitmapSetPixel(reinterpret_cast<GpBitmap*>(image), 0, 0, color), GdipCloneImage(image, &none),
+          GdipImageRotateFlip(image, Rotate90FlipNone), GdipImageGetFrameDimensionsCount(image, &n),
+          GdipGetImageThumbnail(image, 1, 1, &none, nullptr, nullptr), GdipGetImageEncodersSize(&n, &n),
+          GdipImageGetFrameDimensionsList(image, &guid, 1), GdipGetPropertyItem(image, 0, n, &item),
+          GdipImageGetFrameCount(image, &guid, &n), GdipImageSelectActiveFrame(image, &guid, 0),
+          GdipGetPropertyItemSize(image, 0, &n), GdipSaveImageToFile(image, u"C:\\x", &clsid, nullptr),
+          bitmap->Save(u"C:\\x", &clsid)})
+        EXPECT_EQ(status, GdiplusNotInitialized);
+    EXPECT_EQ(n, 77u);
+    EXPECT_EQ(color, 77u);
+    EXPECT_EQ(none, nullptr);
+} // the bitmap ends all the same
+
+TEST_F(ImageTest, NullsAreRefused)
+{
+    const Loaded red(kRed);
+    GpImage* made = red;
+    GpBitmap* bitmap = nullptr;
+    UINT n = 0;
+    ARGB color = 0;
+    const CLSID png = EncoderOf(u"png");
+    for (const Status status : {GdipLoadImageFromFile(nullptr, &made),
+                                GdipLoadImageFromFile(u"x", nullptr),
+                                GdipLoadImageFromStream(nullptr, &made),
+                                GdipLoadImageFromStreamICM(nullptr, &made),
+                                GdipCreateBitmapFromFile(nullptr, &bitmap),
+                                GdipCreateBitmapFromStream(nullptr, &bitmap),
+                                GdipCreateBitmapFromHBITMAP(nullptr, nullptr, &bitmap),
+                                GdipCloneImage(nullptr, &made),
+                                GdipCloneImage(red, nullptr),
+                                GdipDisposeImage(nullptr),
+                                GdipGetImageWidth(nullptr, &n),
+                                GdipGetImageWidth(red, nullptr),
+                                GdipBitmapGetPixel(nullptr, 0, 0, &color),
+                                GdipBitmapGetPixel(red.Bitmap(), 0, 0, nullptr),
+                                GdipBitmapGetPixel(red.Bitmap(), 1, 0, &color),
+                                GdipBitmapSetPixel(red.Bitmap(), 0, -1, 0),
+                                GdipImageRotateFlip(nullptr, Rotate90FlipNone),
+                                GdipSaveImageToStream(red, nullptr, &png, nullptr),
+                                GdipSaveImageToFile(red, u"x", nullptr, nullptr),
+                                GdipSaveImageToFile(nullptr, u"x", &png, nullptr),
+                                GdipImageGetFrameDimensionsCount(red, nullptr)})
+        EXPECT_EQ(status, InvalidParameter);
+    EXPECT_EQ(made, nullptr);
+}
+
+TEST_F(ImageTest, FilesAreReadWholeAndMayGoAtOnce)
+{
+    const NoLeak noLeak;
+    const TempDir dir;
+    dir.Write("red.png", kRed);
+    const Image image(Wide(dir.Win("red.png")).c_str());
+    std::filesystem::remove(dir.Path("red.png"));
+    EXPECT_EQ(image.GetLastStatus(), Ok);
+    EXPECT_EQ(image.GetWidth(), 1u);
+
+    dir.Write("words", "no picture");
+    dir.Write("empty", "");
+    dir.MakeDir("directory");
+    const auto status = [&](const char* name) { return Bitmap(Wide(dir.Win(name)).c_str()).GetLastStatus(); };
+    EXPECT_EQ(status("none"), FileNotFound);
+    EXPECT_EQ(status("none\\none"), FileNotFound);
+    EXPECT_EQ(status("directory"), AccessDenied);
+    EXPECT_EQ(status("words"), UnknownImageFormat);
+    EXPECT_EQ(status("empty"), UnknownImageFormat);
+    EXPECT_EQ(Bitmap(u"").GetLastStatus(), FileNotFound);
+    const CodePage gbk(936);
+    dir.Write("\xE5\x9B\xBE.png", kRed);
+    EXPECT_EQ(Bitmap((Wide(dir.Win()) + u"\\\u56FE.png").c_str()).GetLastStatus(), Ok);
+}
+
+// A client's own stream, which gives its bytes in steps.
+class OwnStream : public IStream
+{
+public:
+    explicit OwnStream(std::string of, std::size_t nStep) : bytes(std::move(of)), step(nStep) {}
+    virtual ~OwnStream() = default;
+    HRESULT QueryInterface(const GUID&, void**) override { return E_NOINTERFACE; }
+    ULONG AddRef() override { return ++refs; }
+    ULONG Release() override { return --refs; }
+    HRESULT Read(void* to, ULONG n, ULONG* pnRead) override
+    {
+        *pnRead = static_cast<ULONG>(std::min({std::size_t{n}, step, bytes.size() - at}));
+        std::memcpy(to, bytes.data() + at, *pnRead);
+        at += *pnRead;
+        *pnRead += lie;
+        return *pnRead > 0 ? S_OK : S_FALSE;
+    }
+    HRESULT Write(const void*, ULONG n, ULONG* pnWritten) override
+    {
+        *pnWritten = n > room ? room : n;
+        room -= *pnWritten;
+        return S_OK;
+    }
+    HRESULT Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER*) override
+    {
+        if (origin != STREAM_SEEK_SET || !seeks) return E_FAIL;
+        at = static_cast<std::size_t>(move.QuadPart);
+        return S_OK;
+    }
+
+    std::string bytes;
+    std::size_t step;
+    std::size_t at = 1;
+    ULONG refs = 1;
+    ULONG lie = 0;
+    ULONG room = 0;
+    bool seeks = true;
+};
+
+TEST_F(ImageTest, AStreamIsReadFromItsBeginningAndHeldAsLongAsTheImageLives)
+{
+    OwnStream stream(kRed, 7);
+    {
+        const Bitmap bitmap(&stream);
+        EXPECT_EQ(bitmap.GetLastStatus(), Ok);
+        EXPECT_EQ(bitmap.GetWidth(), 1u);
+        EXPECT_EQ(stream.refs, 2u);
+        const std::unique_ptr<Bitmap> clone(bitmap.Clone());
+        EXPECT_EQ(clone->GetWidth(), 1u);
+    }
+    EXPECT_EQ(stream.refs, 1u);
+
+    stream.bytes.resize(20);
+    EXPECT_EQ(Image(&stream, 1).GetLastStatus(), GenericError);
+    stream.lie = 1000;
+    EXPECT_EQ(Image(&stream).GetLastStatus(), GenericError);
+    stream.seeks = false;
+    EXPECT_EQ(Image(&stream).GetLastStatus(), GenericError);
+    EXPECT_EQ(stream.refs, 1u);
+    const CLSID png = EncoderOf(u"png");
+    EXPECT_EQ(GdipSaveImageToStream(Loaded(kRed), &stream, &png, nullptr), GenericError); // full
+}
+
+TEST_F(ImageTest, AnObjectWithoutAPictureSaysSo)
+{
+    const Stream stream = MakeStream("no picture");
+    Bitmap bitmap(stream.get());
+    EXPECT_EQ(bitmap.GetLastStatus(), UnknownImageFormat);
+    EXPECT_EQ(bitmap.GetLastStatus(), Ok);
+    EXPECT_EQ(bitmap.Native(), nullptr);
+    EXPECT_EQ(bitmap.GetWidth(), 0u);
+    EXPECT_EQ(bitmap.GetLastStatus(), InvalidParameter);
+    EXPECT_EQ(bitmap.RotateFlip(Rotate90FlipNone), InvalidParameter);
+    EXPECT_EQ(bitmap.Clone(), nullptr);
+    const std::unique_ptr<Image> thumbnail(bitmap.GetThumbnailImage(4, 4));
+    ASSERT_NE(thumbnail, nullptr);
+    EXPECT_EQ(thumbnail->GetLastStatus(), InvalidParameter);
+    EXPECT_EQ(bitmap.GetFrameCount(&FrameDimensionPage), 0u);
+    Color color(1, 2, 3);
+    EXPECT_EQ(bitmap.GetPixel(0, 0, &color), InvalidParameter);
+    EXPECT_EQ(color.GetValue(), 0xFF010203);
+}
+
+TEST_F(ImageTest, TheCallersPixelsAreReadAndDrawnOnAsTheyAre)
+{
+    const NoLeak noLeak;
+    struct Case
+    {
+        PixelFormat format;
+        DWORD lying; // 0x40302010 as it lies there
+        ARGB seen;
+        DWORD set; // what 0x80FF0000 puts there
+    };
+    for (const auto& [format, lying, seen, set] :
+         {Case{PixelFormat32bppRGB, 0x40302010, 0xFF302010, 0x80FF0000},
+          Case{PixelFormat32bppARGB, 0x40302010, 0x40302010, 0x80FF0000},
+          Case{PixelFormat32bppPARGB, 0x40302010, 0x40BF8040, 0x80800000},
+          Case{PixelFormat24bppRGB, 0x40302010, 0xFF302010, 0x40FF0000}})
+        for (const int nOff : {0, 1})           // that pixels may lie at odd addresses
+            for (const int nStride : {8, -8}) { // rows go down or up
+                std::array<BYTE, 20> memory{};
+                BYTE* const first = memory.data() + nOff + (nStride < 0 ? 8 : 0);
+                const Bitmap bitmap(1, 2, nStride, format, first);
+                ASSERT_EQ(bitmap.GetLastStatus(), Ok);
+                std::memcpy(first + nStride, &lying, 4);
+                Color color;
+                bitmap.GetPixel(0, 1, &color);
+                EXPECT_EQ(color.GetValue(), seen) << format;
+                const std::unique_ptr<Bitmap> clone(bitmap.Clone());
+                const_cast<Bitmap&>(bitmap).SetPixel(0, 1, Color(0x80FF0000));
+                DWORD now = 0;
+                std::memcpy(&now, first + nStride, 4);
+                EXPECT_EQ(now, set) << format;
+                clone->GetPixel(0, 1, &color);
+                EXPECT_EQ(color.GetValue(), seen); // shares nothing
+            }
+}
+
+TEST_F(ImageTest, DrawingOnTheCallersTripletsArrivesThere)
+{
+    std::array<BYTE, 16> memory{};
+    Bitmap bitmap(2, 2, 8, PixelFormat24bppRGB, memory.data());
+    Graphics graphics(&bitmap);
+    const Loaded red(Picture{"R"});
+    memory[8] = 7; // seen by what comes
+    EXPECT_EQ(GdipDrawImageI(graphics.Native(), red, 1, 1), Ok);
+    EXPECT_EQ(memory, (std::array<BYTE, 16>{0, 0, 0, 0, 0, 0, 0, 0, 7, 0, 0, 0, 0, 255, 0, 0}));
+}
+
+TEST_F(ImageTest, SizesAndStridesThatCantBeAreRefused)
+{
+    BYTE memory[64] = {};
+    EXPECT_EQ(Bitmap(0, 1).GetLastStatus(), InvalidParameter);
+    EXPECT_EQ(Bitmap(1, -1).GetLastStatus(), InvalidParameter);
+    EXPECT_EQ(Bitmap(32768, 1).GetLastStatus(), OutOfMemory);
+    EXPECT_EQ(Bitmap(8193, 8192).GetLastStatus(), OutOfMemory);
+    EXPECT_EQ(Bitmap(2, 2, PixelFormat8bppIndexed).GetLastStatus(), NotImplemented);
+    EXPECT_EQ(Bitmap(2, 2, 8, PixelFormat1bppIndexed, memory).GetLastStatus(), NotImplemented);
+    EXPECT_EQ(Bitmap(2, 2, 4, PixelFormat32bppRGB, memory).GetLastStatus(), InvalidParameter);
+    EXPECT_EQ(Bitmap(2, 2, 6, PixelFormat24bppRGB, memory).GetLastStatus(), InvalidParameter);
+    EXPECT_EQ(Bitmap(2, 2, INT32_MIN, PixelFormat32bppRGB, memory).GetLastStatus(), Ok); // never touched
+    EXPECT_EQ(Loaded(Picture{"  "}).Pixels(), (Row{0, 0}));
+    EXPECT_EQ(Loaded(Picture{"  "}, PixelFormat24bppRGB).Pixels(), (Row{0xFF000000, 0xFF000000}));
+}
+
+TEST_F(ImageTest, ABitmapHandleIsCopiedOpaque)
+{
+    const NoLeak noLeak;
+    const Paper paper(Picture{"RG", "BW"});
+    const Bitmap bitmap(paper.Bitmap(), nullptr);
+    SetPixel(paper, 0, 0, 0);
+    Color color;
+    EXPECT_EQ(bitmap.GetPixel(0, 0, &color), Ok);
+    EXPECT_EQ(color.GetValue(), 0xFFFF0000);
+    EXPECT_EQ(bitmap.GetPixel(1, 1, &color), Ok);
+    EXPECT_EQ(color.GetValue(), 0xFFFFFFFF);
+    EXPECT_EQ(bitmap.GetPixelFormat(), PixelFormat32bppRGB);
+    EXPECT_EQ(Bitmap(static_cast<HBITMAP>(GetStockObject(NULL_BRUSH)), nullptr).GetLastStatus(),
+              InvalidParameter);
+}
+
+TEST_F(ImageTest, TurnsAndMirrors)
+{
+    const std::pair<RotateFlipType, Picture> cases[] = {
+        {RotateNoneFlipNone, {"RGB", "CMY"}}, {Rotate90FlipNone, {"CR", "MG", "YB"}},
+        {Rotate180FlipNone, {"YMC", "BGR"}},  {Rotate270FlipNone, {"BY", "GM", "RC"}},
+        {RotateNoneFlipX, {"BGR", "YMC"}},    {Rotate90FlipX, {"RC", "GM", "BY"}},
+        {Rotate180FlipX, {"CMY", "RGB"}},     {Rotate270FlipX, {"YB", "MG", "CR"}},
+    };
+    for (const auto& [type, turned] : cases) {
+        const Loaded loaded(Picture{"RGB", "CMY"});
+        EXPECT_EQ(GdipImageRotateFlip(loaded, type), Ok);
+        EXPECT_EQ(loaded.Letters(), turned) << type;
+    }
+    // Larger than the blocks that it goes by, over the caller's pixels, which stay.
+    Row pixels(37 * 21);
+    for (std::size_t i = 0; i < pixels.size(); ++i)
+        pixels[i] = static_cast<ARGB>(i);
+    Bitmap bitmap(37, 21, 37 * 4, PixelFormat32bppARGB, reinterpret_cast<BYTE*>(pixels.data()));
+    EXPECT_EQ(bitmap.RotateFlip(Rotate90FlipNone), Ok);
+    EXPECT_EQ(pixels[1], 1u);
+    EXPECT_EQ(bitmap.GetWidth(), 21u);
+    for (int y = 0; y < 37; ++y)
+        for (int x = 0; x < 21; ++x) {
+            Color color;
+            bitmap.GetPixel(x, y, &color);
+            ASSERT_EQ(color.GetValue(), static_cast<ARGB>((20 - x) * 37 + y));
+        }
+}
+
+TEST_F(ImageTest, AThumbnailHasExactlyTheSizeAsked)
+{
+    const Loaded loaded(Picture{"RRBB", "RRBB", "RRBB", "RRBB"});
+    const auto thumbnail = [&](UINT cx, UINT cy) {
+        auto made = std::make_unique<Loaded>();
+        made->status = GdipGetImageThumbnail(loaded, cx, cy, &made->image, nullptr, nullptr);
+        return made;
+    };
+    EXPECT_EQ(thumbnail(2, 1)->Letters(), (Picture{"RB"}));
+    EXPECT_EQ(thumbnail(0, 0)->Width(), 120u);
+    EXPECT_EQ(thumbnail(0, 0)->Height(), 120u);
+    EXPECT_EQ(thumbnail(7, 300)->Height(), 300u);
+    EXPECT_EQ(thumbnail(0, 9)->status, InvalidParameter);
+    EXPECT_EQ(thumbnail(32768, 1)->status, OutOfMemory);
+    EXPECT_EQ(thumbnail(32767, 32767)->status, OutOfMemory);
+}
+
+} // namespace

@@ -1,0 +1,157 @@
+#pragma once
+
+#include "include/platform/CodePage.h"
+#include "tests/platform/gdiplus/Sheet.h"
+#include "tests/support/TempDir.h"
+
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+
+// Picture files in memory, loaded and read back.
+namespace test {
+
+using namespace Gdiplus::DllExports;
+using namespace std::string_literals;
+
+struct EndStream
+{
+    void operator()(IStream* p) const { p->Release(); }
+};
+using Stream = std::unique_ptr<IStream, EndStream>;
+
+// A stream of its own block, at its beginning.
+inline Stream MakeStream(std::string_view bytes = {})
+{
+    IStream* stream = nullptr;
+    EXPECT_EQ(CreateStreamOnHGlobal(nullptr, 1, &stream), S_OK);
+    stream->Write(bytes.data(), static_cast<ULONG>(bytes.size()), nullptr);
+    stream->Seek({0}, STREAM_SEEK_SET, nullptr);
+    return Stream(stream);
+}
+
+inline std::string Content(IStream* stream)
+{
+    HGLOBAL block = nullptr;
+    EXPECT_EQ(GetHGlobalFromStream(stream, &block), S_OK);
+    std::string bytes(static_cast<const char*>(GlobalLock(block)), GlobalSize(block));
+    GlobalUnlock(block);
+    return bytes;
+}
+
+// A picture, and how making it went.
+class Loaded
+{
+public:
+    explicit Loaded(std::string_view file)
+    {
+        const Stream stream = MakeStream(file);
+        status = GdipLoadImageFromStream(stream.get(), &image);
+    }
+    // Of letters; a space is a transparent pixel.
+    explicit Loaded(const Picture& picture, PixelFormat format = PixelFormat32bppARGB)
+    {
+        GpBitmap* bitmap = nullptr;
+        const auto cx = static_cast<int>(picture.at(0).size()), cy = static_cast<int>(picture.size());
+        status = GdipCreateBitmapFromScan0(cx, cy, 0, format, nullptr, &bitmap);
+        for (int y = 0; y < cy; ++y)
+            for (int x = 0; x < cx; ++x) {
+                const char letter = picture[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)];
+                if (letter != ' ') GdipBitmapSetPixel(bitmap, x, y, 0xFF000000 | PixelOf(letter));
+            }
+        image = reinterpret_cast<GpImage*>(bitmap); // clients know no more of both than that they are one
+    }
+    Loaded() = default;
+    Loaded(const Loaded&) = delete;
+    Loaded& operator=(const Loaded&) = delete;
+    ~Loaded()
+    {
+        if (image) GdipDisposeImage(image);
+    }
+
+    operator GpImage*() const { return image; }
+    GpBitmap* Bitmap() const { return reinterpret_cast<GpBitmap*>(image); }
+
+    UINT Width() const
+    {
+        UINT n = 0;
+        GdipGetImageWidth(image, &n);
+        return n;
+    }
+    UINT Height() const
+    {
+        UINT n = 0;
+        GdipGetImageHeight(image, &n);
+        return n;
+    }
+    PixelFormat Format() const
+    {
+        PixelFormat format = PixelFormatUndefined;
+        GdipGetImagePixelFormat(image, &format);
+        return format;
+    }
+    ARGB Pixel(UINT x, UINT y) const
+    {
+        ARGB color = 0x12345678;
+        GdipBitmapGetPixel(Bitmap(), static_cast<int>(x), static_cast<int>(y), &color);
+        return color;
+    }
+    Row Pixels() const
+    {
+        Row pixels;
+        for (UINT y = 0; y < Height(); ++y)
+            for (UINT x = 0; x < Width(); ++x)
+                pixels.push_back(Pixel(x, y));
+        return pixels;
+    }
+    // A space for what is wholly transparent, `?` for what is partly so or no letter's colour.
+    Picture Letters() const
+    {
+        Picture picture(Height());
+        for (UINT y = 0; y < Height(); ++y)
+            for (UINT x = 0; x < Width(); ++x) {
+                const ARGB color = Pixel(x, y);
+                picture[y] += color >> 24 == 255 ? LetterOfPixel(color) : color >> 24 == 0 ? ' ' : '?';
+            }
+        return picture;
+    }
+
+    GpImage* image = nullptr;
+    Status status = Ok;
+};
+
+inline Status LoadStatus(std::string_view file)
+{
+    return Loaded(file).status;
+}
+
+// Class ids of the encoders, by the end of their MIME type.
+inline CLSID EncoderOf(std::u16string_view type)
+{
+    UINT nCount = 0, nBytes = 0;
+    EXPECT_EQ(GdipGetImageEncodersSize(&nCount, &nBytes), Ok);
+    std::vector<ImageCodecInfo> encoders(nBytes / sizeof(ImageCodecInfo));
+    EXPECT_EQ(GdipGetImageEncoders(nCount, nBytes, encoders.data()), Ok);
+    for (const ImageCodecInfo& encoder : encoders)
+        if (std::u16string_view(encoder.MimeType) == u"image/" + std::u16string(type)) return encoder.Clsid;
+    return {};
+}
+
+inline std::string Saved(GpImage* image, std::u16string_view type)
+{
+    const Stream stream = MakeStream();
+    const CLSID clsid = EncoderOf(type);
+    EXPECT_EQ(GdipSaveImageToStream(image, stream.get(), &clsid, nullptr), Ok);
+    return Content(stream.get());
+}
+
+inline std::u16string Wide(const char* path)
+{
+    std::u16string wide(300, u'\0');
+    const int nUnits = MultiByteToWideChar(CP_ACP, 0, path, -1, wide.data(), 300);
+    wide.resize(static_cast<std::size_t>(nUnits) - 1);
+    return wide;
+}
+
+} // namespace test

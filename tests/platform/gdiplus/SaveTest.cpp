@@ -1,0 +1,164 @@
+#include "tests/platform/gdiplus/Images.h"
+
+#include <cmath>
+#include <csignal>
+#include <filesystem>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace test;
+
+class SaveTest : public DrawingTest
+{
+    const NoLeak m_noLeak;
+};
+
+TEST_F(SaveTest, TheEncodersStandInTheirOrder)
+{
+    UINT nCount = 0, nBytes = 0;
+    EXPECT_EQ(GdipGetImageEncodersSize(&nCount, &nBytes), Ok);
+    ASSERT_EQ(nBytes, nCount * sizeof(ImageCodecInfo));
+    std::vector<ImageCodecInfo> encoders(nCount);
+    EXPECT_EQ(GdipGetImageEncoders(nCount, nBytes - 1, encoders.data()), InvalidParameter);
+    EXPECT_EQ(GdipGetImageEncoders(nCount, nBytes, encoders.data()), Ok);
+    const std::pair<std::u16string_view, std::uint32_t> expected[] = {{u"image/bmp", 0x557CF400},
+                                                                      {u"image/jpeg", 0x557CF401},
+                                                                      {u"image/gif", 0x557CF402},
+                                                                      {u"image/tiff", 0x557CF405},
+                                                                      {u"image/png", 0x557CF406}};
+    ASSERT_EQ(nCount, std::size(expected));
+    for (std::size_t i = 0; i < nCount; ++i) {
+        EXPECT_EQ(std::u16string_view(encoders[i].MimeType), expected[i].first);
+        EXPECT_EQ(encoders[i].Clsid.Data1, expected[i].second);
+    }
+    GUID jpeg{};
+    CLSIDFromString(u"{557CF401-1A04-11D3-9A73-0000F81EF32E}", &jpeg);
+    EXPECT_EQ(std::memcmp(&jpeg, &encoders[1].Clsid, sizeof jpeg), 0);
+    const CLSID none{};
+    const Stream stream = MakeStream();
+    EXPECT_EQ(GdipSaveImageToStream(Loaded(Picture{"R"}), stream.get(), &none, nullptr), UnknownImageFormat);
+    EXPECT_EQ(Content(stream.get()), "");
+}
+
+TEST_F(SaveTest, WhatIsSavedLoadsAsItWas)
+{
+    const Picture picture = {"RGBCM", "YWKRG", "BCMYW"};
+    for (const auto* const type : {u"bmp", u"gif", u"tiff", u"png"})
+        for (const PixelFormat format : {PixelFormat24bppRGB, PixelFormat32bppARGB, PixelFormat32bppPARGB})
+            EXPECT_EQ(Loaded(Saved(Loaded(picture, format), type)).Letters(), picture);
+    for (const auto* const type : {u"gif", u"tiff", u"png"})
+        EXPECT_EQ(Loaded(Saved(Loaded(Picture{"R B", " G "}), type)).Letters(), (Picture{"R B", " G "}));
+    EXPECT_EQ(Loaded(Saved(Loaded(picture), u"bmp")).Format(), PixelFormat24bppRGB);
+    EXPECT_EQ(Loaded(Saved(Loaded(picture), u"png")).Format(), PixelFormat32bppARGB);
+    EXPECT_EQ(Loaded(Saved(Loaded(picture, PixelFormat32bppRGB), u"png")).Format(), PixelFormat24bppRGB);
+    const Loaded gray(Saved(Loaded(Picture(16, std::string(16, 'W'))), u"jpeg"));
+    EXPECT_EQ(gray.Pixel(7, 7), 0xFFFFFFFF);
+}
+
+TEST_F(SaveTest, OpacityIsKeptOrLaidOverBlack)
+{
+    for (const PixelFormat format : {PixelFormat32bppARGB, PixelFormat32bppPARGB}) {
+        const Loaded half(Picture(8, "RRRRRRRR"), format);
+        for (int i = 0; i < 64; ++i)
+            GdipBitmapSetPixel(half.Bitmap(), i % 8, i / 8, 0x80FF0000);
+        EXPECT_EQ(Loaded(Saved(half, u"png")).Pixel(3, 3), 0x80FF0000);
+        EXPECT_EQ(Loaded(Saved(half, u"tiff")).Pixel(3, 3), 0x80FF0000);
+        EXPECT_EQ(Loaded(Saved(half, u"bmp")).Pixel(3, 3), 0xFF800000);
+        EXPECT_EQ(Loaded(Saved(half, u"gif")).Pixel(3, 3), 0xFF800000);
+        EXPECT_EQ(Loaded(Saved(half, u"jpeg")).Pixel(3, 3) & 0xFFFEFEFE, 0xFF800000);
+        GdipBitmapSetPixel(half.Bitmap(), 3, 3, 0x7FFF0000);
+        EXPECT_EQ(Loaded(Saved(half, u"gif")).Pixel(3, 3), 0u);
+    }
+}
+
+// Channels that differ most between two pictures of one size.
+int Farthest(const Loaded& one, const Loaded& other)
+{
+    int nFarthest = 0;
+    const Row first = one.Pixels(), second = other.Pixels();
+    EXPECT_EQ(first.size(), second.size());
+    for (std::size_t i = 0; i < first.size() && i < second.size(); ++i)
+        for (const int nShift : {0, 8, 16})
+            nFarthest = std::max(nFarthest, std::abs(static_cast<int>(first[i] >> nShift & 255) -
+                                                     static_cast<int>(second[i] >> nShift & 255)));
+    return nFarthest;
+}
+
+TEST_F(SaveTest, GifColorsAreExactUpTo256AndNearBeyond)
+{
+    const Loaded colors(Picture(16, std::string(17, 'K')), PixelFormat32bppRGB);
+    for (int i = 0; i < 256; ++i)
+        GdipBitmapSetPixel(colors.Bitmap(), i % 16, i / 16, 0xFF000000 | static_cast<ARGB>(i) * 0x01039B);
+    EXPECT_EQ(Farthest(Loaded(Saved(colors, u"gif")), colors), 0);
+    GdipBitmapSetPixel(colors.Bitmap(), 16, 15, 0xFF123456); // one too many
+    EXPECT_LE(Farthest(Loaded(Saved(colors, u"gif")), colors), 16);
+
+    const Loaded smooth(Picture(64, std::string(64, 'K')));
+    for (int i = 0; i < 64 * 64; ++i)
+        GdipBitmapSetPixel(smooth.Bitmap(), i % 64, i / 64,
+                           0xFF000080 | static_cast<ARGB>(i % 64 * 4) << 16 |
+                               static_cast<ARGB>(i / 64 * 4) << 8);
+    EXPECT_LE(Farthest(Loaded(Saved(smooth, u"gif")), smooth), 40);
+    EXPECT_LE(Farthest(Loaded(Saved(smooth, u"jpeg")), smooth), 24);
+    GdipBitmapSetPixel(smooth.Bitmap(), 5, 5, 0);
+    const Loaded hole(Saved(smooth, u"gif"));
+    EXPECT_EQ(hole.Pixel(5, 5), 0u);
+    EXPECT_EQ(hole.Pixel(6, 5) >> 24, 255u);
+}
+
+TEST_F(SaveTest, AFileIsReplacedWholeOrStaysAsItWas)
+{
+    const TempDir dir;
+    const CLSID png = EncoderOf(u"png"), bmp = EncoderOf(u"bmp");
+    const Loaded red(Picture{"R"}), large(Picture(200, std::string(200, 'G')));
+    const auto save = [&](GpImage* image, const char* name, const CLSID& encoder) {
+        return GdipSaveImageToFile(image, Wide(dir.Win(name)).c_str(), &encoder, nullptr);
+    };
+    const auto letters = [&](const char* name) { return Loaded(dir.Read(name)).Letters(); };
+    EXPECT_EQ(save(red, "a.png", png), Ok);
+    EXPECT_EQ(letters("a.png"), (Picture{"R"}));
+    struct stat info
+    {
+    };
+    const mode_t mask = umask(022);
+    umask(mask);
+    stat(dir.Path("a.png").c_str(), &info);
+    EXPECT_EQ(info.st_mode & 0777, 0666 & ~mask);
+
+    // Saved over itself, through a link; the permissions stay.
+    std::filesystem::create_symlink("a.png", dir.Path("link.png"));
+    chmod(dir.Path("a.png").c_str(), 0640);
+    Image same(Wide(dir.Win("link.png")).c_str());
+    EXPECT_EQ(save(same.Native(), "link.png", bmp), Ok);
+    EXPECT_TRUE(std::filesystem::is_symlink(dir.Path("link.png")));
+    EXPECT_EQ(dir.Read("a.png").substr(0, 2), "BM");
+    stat(dir.Path("a.png").c_str(), &info);
+    EXPECT_EQ(info.st_mode & 0777, 0640u);
+
+    // A full disk, as a limit on a file's size has it.
+    rlimit old{};
+    getrlimit(RLIMIT_FSIZE, &old);
+    const rlimit small{4096, old.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    EXPECT_EQ(save(large, "a.png", bmp), GenericError);
+    setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(letters("a.png"), (Picture{"R"}));
+
+    dir.MakeDir("directory");
+    EXPECT_EQ(save(red, "directory", png), AccessDenied);
+    EXPECT_EQ(save(red, "directory\\", png), AccessDenied);
+    EXPECT_EQ(save(red, "none\\a.png", png), FileNotFound);
+    EXPECT_EQ(GdipSaveImageToFile(red, u"", &png, nullptr), FileNotFound);
+    EXPECT_EQ(GdipSaveImageToFile(red, u"C:\\proc\\a.png", &png, nullptr), FileNotFound);
+    int nEntries = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(dir.Path()))
+        nEntries += !entry.path().empty();
+    EXPECT_EQ(nEntries, 3) << "something was left behind";
+}
+
+} // namespace

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "include/platform/GdiPlus.h"
+#include "tests/support/Picture.h"
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <vector>
+
+// Small pictures over pixels that the test holds, to draw and to draw on.
+namespace test {
+
+using namespace Gdiplus;
+using Row = std::vector<ARGB>;
+
+class DrawingTest : public testing::Test
+{
+protected:
+    DrawingTest()
+    {
+        const GdiplusStartupInput input;
+        EXPECT_EQ(GdiplusStartup(&m_nToken, &input, nullptr), Ok);
+    }
+    ~DrawingTest() override { GdiplusShutdown(m_nToken); }
+
+private:
+    std::uintptr_t m_nToken = 0;
+};
+
+class Sheet
+{
+public:
+    Sheet(int nWidth, Row of, PixelFormat format = PixelFormat32bppARGB)
+        : pixels(std::move(of)),
+          bitmap(nWidth, static_cast<int>(pixels.size()) / nWidth, nWidth * 4, format,
+                 reinterpret_cast<BYTE*>(pixels.data())),
+          graphics(&bitmap)
+    {
+        EXPECT_EQ(bitmap.GetLastStatus(), Ok);
+    }
+    // Transparent, or black.
+    Sheet(int nWidth, int nHeight, PixelFormat format = PixelFormat32bppARGB)
+        : Sheet(nWidth, Row(static_cast<std::size_t>(nWidth) * static_cast<std::size_t>(nHeight)), format)
+    {
+    }
+
+    Row pixels;
+    Bitmap bitmap;
+    Graphics graphics;
+};
+
+// An opaque gray, and a row of them.
+constexpr ARGB Gray(int n)
+{
+    return 0xFF000000 | static_cast<ARGB>(n) * 0x010101;
+}
+
+inline Row Grays(const std::vector<int>& values)
+{
+    Row row(values.size());
+    std::transform(values.begin(), values.end(), row.begin(), Gray);
+    return row;
+}
+
+// The lowest channel of each pixel.
+inline std::vector<int> Blues(const Row& pixels)
+{
+    std::vector<int> blues;
+    for (const ARGB pixel : pixels)
+        blues.push_back(static_cast<int>(pixel & 255));
+    return blues;
+}
+
+} // namespace test

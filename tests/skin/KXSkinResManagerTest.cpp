@@ -1,0 +1,244 @@
+#include "KXSkinResManager.h"
+
+#include "KXMessages.h"
+#include "platform/Sync.h"
+#include "tests/skin/SkinTree.h"
+#include "tests/support/Child.h"
+
+#include <array>
+#include <cctype>
+#include <climits>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <map>
+#include <sys/inotify.h>
+#include <unistd.h>
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+namespace {
+
+// Spelled as by somebody whose file system doesn't tell case apart.
+std::string Mixed(std::string name)
+{
+    const std::size_t step = name == "Skin.ini" ? 1 : 2;
+    for (std::size_t n = 0; n < name.size(); n += step)
+        name[n] = static_cast<char>(std::toupper(static_cast<unsigned char>(name[n])));
+    return name;
+}
+
+// The process's skins, written before the manager looks for them.
+const test::TempDir& Tree()
+{
+    static const test::TempDir& tree = []() -> const test::TempDir& {
+        const test::TempDir& app = test::AppDir();
+        for (const std::string& name : test::SkinFiles()) {
+            app.Write("Skins/Full/" + name, test::SkinFile(name));
+            app.Write("Skins/mixed/" + Mixed(name), test::SkinFile(name));
+            app.Write("Skins/Garbage/" + name, "garbage\xFF\xFE[ = \n" + std::string(3000, '['));
+        }
+        for (const char* name : {"Skins/Bare/skin.ini", "Skins/.hidden/skin.ini", "Skins/None/other.ini",
+                                 "Skins/Directory/skin.ini/file", "Skins/skin.ini"})
+            app.Write(name, "");
+        return app;
+    }();
+    return tree;
+}
+
+std::vector<std::string> events;
+
+int OnSkinChanged(const CString& strPath)
+{
+    auto* pSkins = CKXSkinResManager::GetSingletonPtr();
+    EXPECT_EQ(strPath, pSkins->GetCurrentSkinPath());
+    events.push_back("callback " + std::to_string(pSkins->GetWndRes()->m_nTitleHeight) + " " +
+                     std::to_string(pSkins->GetBtnRes()->m_bPushButton) + " " +
+                     std::to_string(pSkins->GetClrDef()->m_clrMainTabClient));
+    return 0;
+}
+
+LRESULT OnMessage(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
+{
+    std::array<char, 16> name{};
+    GetWindowTextA(hWnd, name.data(), static_cast<int>(name.size()));
+    if (nMsg == WM_KXSKINCHANGED && wParam == 0 && lParam == 0)
+        events.push_back(std::string("message to ") + name.data());
+    return DefWindowProcA(hWnd, nMsg, wParam, lParam);
+}
+
+// A window of the test's that hears of changes.
+struct Window
+{
+    explicit Window(const char* pszName, DWORD dwStyle = WS_VISIBLE)
+    {
+        const WNDCLASSA windowClass{OnMessage, "SkinListener"};
+        RegisterClassA(&windowClass);
+        hWnd = CreateWindowExA(0, "SkinListener", pszName, dwStyle, 0, 0, 1, 1);
+    }
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
+    ~Window() { DestroyWindow(hWnd); }
+
+    HWND hWnd;
+};
+
+// The files of the full skin that are opened while it lives, in the order of their first opening: values of a
+// file written a moment ago are not kept for the next read.
+class OpenedFiles
+{
+public:
+    OpenedFiles()
+    {
+        for (const char* dir : {"", "Common/Window/", "Common/Button/", "Common/IMList/", "Common/Others/"})
+            m_dirs[inotify_add_watch(m_fd, Tree().Path("Skins/Full/" + std::string(dir)).c_str(), IN_OPEN)] =
+                dir;
+    }
+    OpenedFiles(const OpenedFiles&) = delete;
+    OpenedFiles& operator=(const OpenedFiles&) = delete;
+    ~OpenedFiles() { close(m_fd); }
+
+    std::vector<std::string> Names() const
+    {
+        std::vector<std::string> names;
+        alignas(inotify_event) std::array<char, 16384> buffer;
+        const ssize_t got = read(m_fd, buffer.data(), buffer.size());
+        for (ssize_t at = 0; at < got;) {
+            const auto* event = reinterpret_cast<const inotify_event*>(buffer.data() + at);
+            const std::string name = m_dirs.at(event->wd) + event->name;
+            if (!(event->mask & IN_ISDIR) && !std::ranges::count(names, name)) names.push_back(name);
+            at += static_cast<ssize_t>(sizeof(*event) + event->len);
+        }
+        return names;
+    }
+
+private:
+    int m_fd = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    std::map<int, std::string> m_dirs;
+};
+
+class Skins : public test::PictureTest
+{
+protected:
+    Skins()
+    {
+        skins->SetSkin("Bare", 0);
+        skins->SetCallbackFunc(OnSkinChanged);
+        events.clear();
+    }
+    ~Skins() override { skins->UnInitialize(); }
+
+    CKXSkinResManager* skins = (Tree(), CKXSkinResManager::GetSingletonPtr());
+    const CString root = CKXFileSystem::GetInstancePtr()->GetAppPath() + "\\Skins\\";
+};
+
+TEST_F(Skins, AreTheDirectoriesThatHoldASkinFile)
+{
+    std::vector<std::string> names;
+    for (int n = 0; n < skins->GetSkinsTotal(); ++n)
+        names.emplace_back(skins->GetSkinName(n));
+    EXPECT_THAT(names, ElementsAre("Bare", "Directory", "Full", "Garbage", "mixed"));
+    for (const int n : {-1, skins->GetSkinsTotal(), INT_MIN, INT_MAX}) {
+        EXPECT_EQ(skins->GetSkinName(n), "");
+        EXPECT_EQ(skins->SetSkin(n, 1), 0);
+    }
+    for (const char* name : {"", "None", ".hidden", "skin.ini", "..", "Full\\"})
+        EXPECT_EQ(skins->SetSkin(name, 1), 0) << name;
+    EXPECT_EQ(skins->GetCurrentSkinName(), "Bare");
+    EXPECT_EQ(skins->GetCurrentSkinPath(), root + "Bare\\");
+    EXPECT_THAT(events, IsEmpty());
+}
+
+// All is loaded in order, then the callback is told, then the windows that are to hear of it.
+TEST_F(Skins, RoadOfOneChange)
+{
+    const Window first("first"), hidden("hidden", 0), second("second");
+    const HWND hForeign = KXHost::AddForeignWindow(GetCurrentProcessId() + 1, true);
+    Tree().Write("Skins/Full/Skin.ini", test::SkinFile("Skin.ini") + "\r\n"); // so that it is read anew
+    const OpenedFiles files;
+    EXPECT_EQ(skins->SetSkin("full", 1), 1);
+    EXPECT_THAT(files.Names(), ElementsAreArray(test::SkinFiles()));
+    EXPECT_THAT(events, ElementsAre("callback 30 1 197121", "message to first", "message to second"));
+    EXPECT_THAT(KXHost::TakeForeignMessages(hForeign), IsEmpty());
+    KXHost::RemoveForeignWindow(hForeign);
+    EXPECT_EQ(skins->GetTitleBarAdjust(), 7);
+    EXPECT_EQ(skins->GetCurrentSkinName(), "Full");
+    EXPECT_EQ(skins->GetCurrentSkinPath(), root + "full\\");
+}
+
+TEST_F(Skins, TheCurrentOneIsLoadedAgainByNameOnly)
+{
+    const Window window("window");
+    EXPECT_EQ(skins->SetSkin(2, 0), 1); // silently
+    EXPECT_EQ(skins->GetCurrentSkinkID() + skins->GetBtnRes()->m_bPushButton, 3);
+    const OpenedFiles files;
+    EXPECT_EQ(skins->SetSkin(2, 1), 1);
+    EXPECT_THAT(files.Names(), IsEmpty());
+    EXPECT_THAT(events, IsEmpty());
+    EXPECT_EQ(skins->SetSkin("FULL", 1), 1);
+    skins->SetCallbackFunc(nullptr);
+    EXPECT_EQ(skins->SetSkin(0, 1), 1);
+    EXPECT_THAT(events, ElementsAre("callback 30 1 197121", "message to window", "message to window"));
+}
+
+TEST_F(Skins, MaySpellTheirNamesAsTheyLike)
+{
+    EXPECT_EQ(skins->SetSkin("MIXED", 1), 1);
+    EXPECT_THAT(events, ElementsAre("callback 30 1 197121"));
+    EXPECT_EQ(skins->GetWndRes()->m_nBkgBtmHeight, 10);
+    EXPECT_NE(skins->GetIMLRes()->m_hExpandIcon, nullptr);
+    EXPECT_EQ(skins->GetOthRes()->m_imgFileReceive.GetImageSize().cx, 1);
+}
+
+TEST_F(Skins, MissingAndBrokenFilesLeaveDefaults)
+{
+    for (const char* name : {"Bare", "Directory", "Garbage"}) {
+        skins->SetSkin("Full", 0);
+        EXPECT_EQ(skins->SetSkin(name, 1), 1) << name;
+        EXPECT_EQ(events.back(), "callback 0 0 16777215");
+        EXPECT_EQ(skins->GetWndRes()->m_nBkgType + skins->GetWndRes()->m_bAutoAlign, 1);
+        EXPECT_EQ(skins->GetIMLRes()->m_hNormalIcon, nullptr);
+        EXPECT_EQ(skins->GetOthRes()->m_imgFileSend.GetImageSize().cx, 0);
+    }
+    EXPECT_THAT(KXHost::TakeMessageBoxes(), IsEmpty());
+}
+
+long ResidentKilobytes()
+{
+    long nTotal = 0, nResident = 0;
+    std::ifstream("/proc/self/statm") >> nTotal >> nResident;
+    return nResident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+TEST_F(Skins, AThousandChangesLeaveNothingBehind)
+{
+#ifdef __SANITIZE_ADDRESS__ // which holds on to what is freed
+    constexpr long nBound = LONG_MAX / 2;
+#else
+    constexpr long nBound = 2048;
+#endif
+    int nHandles = 0;
+    long nResident = 0;
+    for (int n = 0; n < 1000; ++n) {
+        ASSERT_EQ(skins->SetSkin(n % skins->GetSkinsTotal(), 0), 1);
+        if (n != 9) continue;
+        nHandles = KXHost::LiveHandles();
+        nResident = ResidentKilobytes();
+    }
+    EXPECT_EQ(KXHost::LiveHandles(), nHandles);
+    EXPECT_LE(ResidentKilobytes(), nResident + nBound);
+}
+
+TEST(SkinProcess, KnowsNothingAtFirstAndEndsWithAllReleased)
+{
+    const test::TempDir none;
+    test::Child fresh("FreshSkinChild", {none.Path("app")}, {}, true);
+    EXPECT_EQ(fresh.Wait(), 0);
+    EXPECT_EQ(fresh.ErrorText(), "");
+    test::Child loaded("FreshSkinChild", {Tree().Path("app"), "Full"}, {}, true);
+    EXPECT_EQ(loaded.Wait(), 0);
+    EXPECT_EQ(loaded.ErrorText(), "0 handles left\n");
+}
+
+} // namespace
