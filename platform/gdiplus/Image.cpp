@@ -8,51 +8,63 @@ using kx::gdiplus::Alpha;
 using kx::gdiplus::Picture;
 using kx::gdiplus::PixelView;
 
+namespace {
+
+// Hands over whichever of both there is. Unlike std::visit it can't throw.
+template <class Pixels, class Use>
+auto With(Pixels& pixels, Use&& use) noexcept
+{
+    auto* const pOwn = std::get_if<Picture>(&pixels);
+    return pOwn ? use(*pOwn) : use(*std::get_if<kx::gdiplus::CallerPixels>(&pixels));
+}
+
+} // namespace
+
 GpImage::~GpImage() = default;
 
 PixelView GpImage::Pixels() noexcept
 {
-    return std::visit([](auto& pixels) { return pixels.View(); }, m_pixels);
+    return With(m_pixels, [](auto& pixels) { return pixels.View(); });
 }
 
 void GpImage::Changed() noexcept
 {
-    std::visit([](auto& pixels) { pixels.Changed(); }, m_pixels);
+    With(m_pixels, [](auto& pixels) { pixels.Changed(); });
 }
 
 int GpImage::Width() const noexcept
 {
-    return std::visit([](const auto& pixels) { return pixels.Width(); }, m_pixels);
+    return With(m_pixels, [](const auto& pixels) { return pixels.Width(); });
 }
 
 int GpImage::Height() const noexcept
 {
-    return std::visit([](const auto& pixels) { return pixels.Height(); }, m_pixels);
+    return With(m_pixels, [](const auto& pixels) { return pixels.Height(); });
 }
 
 PixelFormat GpImage::Format() const noexcept
 {
-    return std::visit([](const auto& pixels) { return pixels.Format(); }, m_pixels);
+    return With(m_pixels, [](const auto& pixels) { return pixels.Format(); });
 }
 
 Alpha GpImage::HighByte() const noexcept
 {
-    return std::visit([](const auto& pixels) { return pixels.HighByte(); }, m_pixels);
+    return With(m_pixels, [](const auto& pixels) { return pixels.HighByte(); });
 }
 
 DWORD GpImage::Get(int x, int y) const noexcept
 {
-    return std::visit([=](const auto& pixels) { return pixels.Get(x, y); }, m_pixels);
+    return With(m_pixels, [=](const auto& pixels) { return pixels.Get(x, y); });
 }
 
 void GpImage::Set(int x, int y, DWORD pixel) noexcept
 {
-    std::visit([=](auto& pixels) { pixels.Set(x, y, pixel); }, m_pixels);
+    With(m_pixels, [=](auto& pixels) { pixels.Set(x, y, pixel); });
 }
 
 GUID GpImage::Dimension() const noexcept
 {
-    return std::visit([](const auto& pixels) { return pixels.Dimension(); }, m_pixels);
+    return With(m_pixels, [](const auto& pixels) { return pixels.Dimension(); });
 }
 
 const kx::gdiplus::Frames* GpImage::Frames() const noexcept
@@ -67,7 +79,7 @@ Status GpImage::SelectFrame(unsigned nFrame)
     return pOwn && pOwn->frames ? pOwn->frames->Select(nFrame, pOwn->surface, pOwn->alpha) : Ok;
 }
 
-void GpImage::Replace(kx::gdi::Surface surface) noexcept
+void GpImage::Replace(kx::gdi::Surface surface)
 {
     m_pixels = Picture{std::move(surface), HighByte(), Format(), nullptr, Dimension()};
 }

@@ -43,7 +43,7 @@ public:
     const kx::gdiplus::Frames* Frames() const noexcept;
     Status SelectFrame(unsigned nFrame);
     // Pixels of its own in place of all that it had; the format stays.
-    void Replace(kx::gdi::Surface surface) noexcept;
+    void Replace(kx::gdi::Surface surface);
     // OutOfMemory.
     Status Clone(GpImage** ppClone);
 

@@ -10,7 +10,7 @@ using namespace test;
 
 class CodecTest : public DrawingTest
 {
-    const NoLeak m_noLeak;
+    NoLeak m_noLeak;
 };
 
 TEST_F(CodecTest, PngOfAllKinds)

@@ -10,7 +10,7 @@ using namespace test;
 
 class FramesTest : public DrawingTest
 {
-    const NoLeak m_noLeak;
+    NoLeak m_noLeak;
 };
 
 UINT CountOf(GpImage* image, const GUID& dimension = FrameDimensionTime)

@@ -13,7 +13,7 @@ using namespace test;
 
 class SaveTest : public DrawingTest
 {
-    const NoLeak m_noLeak;
+    NoLeak m_noLeak;
 };
 
 TEST_F(SaveTest, TheEncodersStandInTheirOrder)
