@@ -60,7 +60,7 @@ public:
     {
         if (!m_info || !Guarded(&Decoder::ReadHeader)) return std::nullopt;
         m_surface = Surface::MakeUnset(static_cast<int>(png_get_image_width(m_png, m_info)),
-                                  static_cast<int>(png_get_image_height(m_png, m_info)));
+                                       static_cast<int>(png_get_image_height(m_png, m_info)));
         if (!m_surface || !Guarded(&Decoder::ReadPixels)) return std::nullopt;
         return std::move(m_surface);
     }
