@@ -41,8 +41,8 @@ std::optional<gdi::Surface> RotateFlip(const PixelView& from, Gdiplus::RotateFli
     const int nQuarters = type & 3;
     const bool bFlipX = (type & 4) != 0;
     const bool bTurned = nQuarters % 2 != 0;
-    auto to =
-        bTurned ? gdi::Surface::MakeUnset(from.height, from.width) : gdi::Surface::MakeUnset(from.width, from.height);
+    auto to = bTurned ? gdi::Surface::MakeUnset(from.height, from.width)
+                      : gdi::Surface::MakeUnset(from.width, from.height);
     if (!to) return std::nullopt;
     const bool bHalf = nQuarters >= 2; // turned by a half besides
     if (bTurned)
