@@ -53,7 +53,8 @@ CString CKXLanResManager::GetString(const CString& strKey)
     return pText ? *pText : strKey;
 }
 
-void CKXLanResManager::InsertString(const CString& strKey, CString strValue)
+void CKXLanResManager::InsertString(const CString& strKey, // by value, as clients have it declared:
+                                    CString strValue)      // NOLINT(performance-unnecessary-value-param)
 {
     Insert(strKey.View(), strValue.View());
 }

@@ -182,6 +182,9 @@ struct GdiplusStartupOutput;
 // allocated for it: OutOfMemory.
 inline constexpr std::int64_t MAX_IMAGE_PIXELS = std::int64_t{1} << 26;
 inline constexpr int MAX_IMAGE_SIDE = 32767;
+// The frames of an animation that plays over and over are kept as pictures if they have no more pixels than
+// this in all; of a longer one each frame is decoded anew.
+inline constexpr std::int64_t MAX_KEPT_FRAMES_PIXELS = std::int64_t{1} << 23;
 // The longest file or stream that is read.
 inline constexpr std::int64_t MAX_IMAGE_BYTES = std::int64_t{1} << 28;
 

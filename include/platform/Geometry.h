@@ -30,7 +30,11 @@ class CPoint : public POINT
 {
 public:
     CPoint() = default;
-    CPoint(int nX, int nY) : POINT{nX, nY} {}
+    CPoint(int nX, int nY)
+    {
+        x = nX;
+        y = nY;
+    }
     CPoint(const POINT& pt) : POINT(pt) {}
 };
 
@@ -38,7 +42,11 @@ class CSize : public SIZE
 {
 public:
     CSize() = default;
-    CSize(int nCx, int nCy) : SIZE{nCx, nCy} {}
+    CSize(int nCx, int nCy)
+    {
+        cx = nCx;
+        cy = nCy;
+    }
     CSize(const SIZE& size) : SIZE(size) {}
 };
 
@@ -46,7 +54,13 @@ class CRect : public RECT
 {
 public:
     CRect() = default;
-    CRect(int nLeft, int nTop, int nRight, int nBottom) : RECT{nLeft, nTop, nRight, nBottom} {}
+    CRect(int nLeft, int nTop, int nRight, int nBottom)
+    {
+        left = nLeft;
+        top = nTop;
+        right = nRight;
+        bottom = nBottom;
+    }
     CRect(const RECT& rc) : RECT(rc) {}
 
     // Sides too far apart for an int wrap around.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <new>
 #include <span>
 #include <utility>
 
@@ -93,6 +94,12 @@ std::size_t LargestCovered(const GifIndex& index) noexcept
     return nPixels;
 }
 
+void CopyPixels(const gdi::Surface& from, gdi::Surface& to) noexcept
+{
+    for (int y = 0; y < from.Height(); ++y)
+        std::copy_n(from.Row(y), from.Width(), to.Row(y));
+}
+
 } // namespace
 
 GifFrames::GifFrames(File file, GifIndex index)
@@ -106,14 +113,50 @@ GifFrames::GifFrames(File file, GifIndex index)
 Gdiplus::Status GifFrames::Select(unsigned nFrame, gdi::Surface& surface, Alpha& alpha)
 {
     const int nWanted = static_cast<int>(nFrame);
-    if (nWanted < m_nShown || m_nShown < 0) Restart(surface);
+    if (nWanted < m_nShown && m_kept.empty()) m_bKeeps = FitsKept(surface);
+    const int nKept = static_cast<int>(m_kept.size());
+    if (nKept > 0 && m_nShown != std::min(nWanted, nKept - 1))
+        PutKept(std::min(nWanted, nKept - 1), surface);
+    else if (nWanted < m_nShown || m_nShown < 0)
+        Restart(surface);
     while (m_nShown < nWanted) {
         if (m_nShown >= 0) Dispose(m_index.frames[static_cast<std::size_t>(m_nShown)], surface);
         Show(m_index.frames[static_cast<std::size_t>(++m_nShown)], surface);
+        if (m_bKeeps) Keep(surface);
     }
     // Transparent pixels are all zero, so they are as good as multiplied.
     alpha = m_bOpaque ? Alpha::Opaque : Alpha::Premultiplied;
     return Gdiplus::Ok;
+}
+
+bool GifFrames::FitsKept(const gdi::Surface& surface) const noexcept
+{
+    const auto nPixels = std::int64_t{surface.Width()} * surface.Height();
+    return nPixels * static_cast<std::int64_t>(Count()) <= Gdiplus::MAX_KEPT_FRAMES_PIXELS;
+}
+
+// Frames are kept in their order from the first on, so the last one kept is the last one decoded: what was
+// saved of it still holds.
+void GifFrames::Keep(const gdi::Surface& surface) noexcept
+{
+    try {
+        if (auto copy = gdi::Surface::MakeUnset(surface.Width(), surface.Height())) {
+            CopyPixels(surface, *copy);
+            m_kept.push_back({std::move(*copy), m_bOpaque});
+            return;
+        }
+    } catch (const std::bad_alloc&) { // goes on without
+    }
+    m_kept.clear();
+    m_bKeeps = false;
+}
+
+void GifFrames::PutKept(int nFrame, gdi::Surface& surface) noexcept
+{
+    const Kept& kept = m_kept[static_cast<std::size_t>(nFrame)];
+    CopyPixels(kept.surface, surface);
+    m_bOpaque = kept.bOpaque;
+    m_nShown = nFrame;
 }
 
 void GifFrames::Restart(gdi::Surface& surface) noexcept
@@ -129,8 +172,7 @@ void GifFrames::Show(const GifFrame& frame, gdi::Surface& surface) noexcept
     if (frame.disposal == Disposal::Restore) Save(frame, surface);
     const Covered covered(frame, surface);
     const Palette palette = ToPalette(*m_file, frame);
-    const std::size_t nDecoded = m_indices.Decode(FileBytes(*m_file).subspan(frame.dataAt), frame.Pixels());
-    const int nRows = static_cast<int>(nDecoded / static_cast<std::size_t>(frame.width));
+    const int nRows = m_indices.Decode(*m_file, frame);
     const BYTE* indices = m_indices.Bytes();
     ForEachRow(frame, nRows, [&](int y) {
         if (frame.top + y < covered.bottom)
