@@ -191,7 +191,8 @@ TEST_F(Language, SavedChoiceComesBackFromTheRegistry)
     EXPECT_EQ(Current(), "Beta");
 
     using namespace std::string_view_literals;
-    const std::string strLong = std::string(300, 'x') + '\0';
+    std::string strLong(301, 'x');
+    strLong.back() = '\0';
     const struct
     {
         DWORD dwType;

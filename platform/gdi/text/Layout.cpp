@@ -87,16 +87,20 @@ int Measure(FontFace& face, std::u32string_view text)
     return static_cast<int>(std::min<std::int64_t>(width, INT32_MAX / 2));
 }
 
+bool TakePlainLine(FontFace& face, std::string_view text, UINT nFormat, TextLine& line)
+{
+    if (!(nFormat & DT_SINGLELINE)) return false;
+    line.text = Decode(text);
+    if (!IsPlain(line.text)) return false;
+    line.width = Measure(face, line.text);
+    return true;
+}
+
 std::vector<TextLine> BreakLines(FontFace& face, std::string_view text, UINT nFormat, int nRoom)
 {
-    std::u32string all = Decode(text);
+    const std::u32string all = Decode(text);
     const bool bSingle = (nFormat & DT_SINGLELINE) != 0;
     std::vector<TextLine> lines;
-    if (bSingle && IsPlain(all)) { // most texts by far
-        const int nWidth = Measure(face, all);
-        lines.push_back({std::move(all), nWidth});
-        return lines;
-    }
     TextLine line;
     const auto end = [&] {
         if (!(nFormat & DT_NOPREFIX)) TakePrefixes(line);

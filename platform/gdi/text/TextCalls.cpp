@@ -9,6 +9,8 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <span>
+#include <vector>
 
 using namespace kx::gdi;
 
@@ -67,7 +69,11 @@ int Draw(Writer& writer, std::string_view text, RECT& rect, UINT nFormat)
     FontFace& face = writer.font->Face();
     const RECT room = Near(rect);
     const int nLine = face.Metrics().tmHeight;
-    const auto lines = BreakLines(face, text, nFormat, room.right - room.left);
+    TextLine plain;
+    std::vector<TextLine> broken;
+    std::span<const TextLine> lines(&plain, 1);
+    if (!TakePlainLine(face, text, nFormat, plain))
+        lines = broken = BreakLines(face, text, nFormat, room.right - room.left);
     const int nHeight = Near(std::int64_t{nLine} * static_cast<std::int64_t>(lines.size()));
     if (nFormat & DT_CALCRECT) {
         int nWidth = 0;

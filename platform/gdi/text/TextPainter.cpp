@@ -61,6 +61,14 @@ void MixRest(DWORD* out, int nPixels, Bytes color, Bytes coverage)
     if (nPixels > 2) out[2] = mixed[2];
 }
 
+// Whether a block lies beside the letter, as many do.
+bool IsEmpty(const std::uint8_t* coverage)
+{
+    std::uint64_t halves[2];
+    std::memcpy(halves, coverage, sizeof(halves));
+    return (halves[0] | halves[1]) == 0;
+}
+
 RECT Common(const RECT& a, const RECT& b)
 {
     return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
@@ -123,6 +131,7 @@ void TextPainter::Blend(const Glyph& glyph, int x, int y, const RECT& part)
         DWORD* out = m_canvas.surface.Row(row) + part.left;
         int nLeft = part.right - part.left;
         for (; nLeft >= kBlock; nLeft -= kBlock, out += kBlock, coverage += sizeof(Bytes)) {
+            if (IsEmpty(coverage)) continue;
             const Bytes mixed = MixBlock(Load(out), color, Load(coverage));
             std::memcpy(out, &mixed, sizeof(mixed));
         }
