@@ -8,6 +8,9 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
 else()
     # g++ 12 sees overlaps in std::string's own code that can't happen.
     target_compile_options(kx_flags INTERFACE -Wno-restrict)
+    if(KX_PCH) # nor, out of precompiled headers, that the code is the library's at all
+        target_compile_options(kx_flags INTERFACE -Wno-array-bounds -Wno-stringop-overflow -Wno-stringop-overread)
+    endif()
 endif()
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
