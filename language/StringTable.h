@@ -3,10 +3,11 @@
 #include "platform/String.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory_resource>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 namespace kx::language {
 
@@ -19,37 +20,34 @@ struct HashedKey
     std::size_t hash;
 };
 
-// The texts of one language by their keys, which are compared to the letter. Keys, texts and nodes lie in
-// blocks that are given back all at once; a text becomes a string when it is first asked for, as most of a
+// The texts of one language by their keys, which are compared to the letter. Keys and texts lie in blocks
+// that are given back all at once; a text becomes a string when it is first asked for, as most of a
 // language's never are.
 class StringTable
 {
 public:
-    // Null without such a key.
+    // Null without such a key. Valid until the next insertion.
     const CString* Find(const HashedKey& key);
 
     // Adds a text unless the key is there already.
     void Insert(const HashedKey& key, std::string_view text);
 
 private:
-    struct Text
+    struct Entry
     {
+        HashedKey key;
         std::string_view stored;
         CString made; // empty before it is asked for
     };
-    struct Hash
-    {
-        using is_transparent = void;
-        std::size_t operator()(const HashedKey& key) const { return key.hash; }
-    };
-    struct Equal
-    {
-        using is_transparent = void;
-        bool operator()(const HashedKey& a, const HashedKey& b) const { return a.text == b.text; }
-    };
+
+    // The slot that names the key's entry, or the free one at which the search for it ends.
+    std::size_t SlotOf(const HashedKey& key) const;
+    void Grow();
 
     std::pmr::monotonic_buffer_resource m_memory{4096};
-    std::pmr::unordered_map<HashedKey, Text, Hash, Equal> m_texts{&m_memory};
+    std::vector<Entry> m_entries;
+    std::vector<std::uint32_t>
+        m_slots; // an entry's number from 1 on, or 0: a power of two, at most half in use
 };
 
 } // namespace kx::language
