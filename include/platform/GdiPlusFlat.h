@@ -38,13 +38,13 @@ namespace DllExports {
 
 // ---- Pictures
 
-// Pictures are BMP, PNG, JPEG, GIF, TIFF and ICO (its largest image), told by their first bytes. FileNotFound
-// or AccessDenied for what can't be opened, UnknownImageFormat, OutOfMemory for one beyond the limits,
-// GenericError for a broken picture: also one that is cut off, a JPEG that lacks pixels before its end or, if
-// progressive, the end mark, a GIF without a whole first frame, and one that claims more pixels than its
-// bytes can tell. A JPEG's orientation is not applied, nor are colour profiles and gammas. The file may be
-// replaced as soon as the call returns; a stream is read from its beginning, and a reference to it is held
-// until the image ends.
+// Pictures are BMP, PNG, JPEG, GIF, TIFF (BigTIFF too) and ICO (its largest image), told by their first
+// bytes. FileNotFound or AccessDenied for what can't be opened, UnknownImageFormat, OutOfMemory for one
+// beyond the limits, GenericError for a broken picture: also one that is cut off, a JPEG that lacks pixels
+// before its end or, if progressive, the end mark, a GIF without a whole first frame, and one that claims
+// more pixels than its bytes can tell. A JPEG's orientation is not applied, nor are colour profiles and
+// gammas. The file may be replaced as soon as the call returns; a stream is read from its beginning, and a
+// reference to it is held until the image ends.
 KX_API GpStatus GdipLoadImageFromFile(const WCHAR* pszPath, GpImage** ppImage);
 KX_API GpStatus GdipLoadImageFromStream(IStream* pStream, GpImage** ppImage);
 KX_API GpStatus GdipLoadImageFromStreamICM(IStream* pStream, GpImage** ppImage);
@@ -102,11 +102,11 @@ KX_API GpStatus GdipGetPropertyItem(GpImage* pImage, PROPID id, UINT nSize, Prop
 // numbers are as GdipGetImageEncodersSize gave them.
 KX_API GpStatus GdipGetImageEncodersSize(UINT* pnCount, UINT* pnBytes);
 KX_API GpStatus GdipGetImageEncoders(UINT nCount, UINT nBytes, ImageCodecInfo* pEncoders);
-// Saves the current frame. BMP (24 bits), JPEG (quality 75, colours at half the resolution) and GIF get it
-// over black; in a GIF, pixels of an opacity below 128 are transparent, and more than 256 colours become 256
-// near ones. PNG and TIFF keep its alpha. A file is replaced whole, or stays as it was: FileNotFound where
-// its directory isn't, AccessDenied for one that can't be written, GenericError for a full disk or a stream
-// that doesn't take all. UnknownImageFormat for no such encoder.
+// Saves the current frame. BMP (24 bits), JPEG (quality 75, colours at half the resolution, one channel alone
+// if all is grey) and GIF get it over black; in a GIF, pixels of an opacity below 128 are transparent, and
+// more than 256 colours become 256 near ones. PNG and TIFF keep its alpha. A file is replaced whole, or stays
+// as it was: FileNotFound where its directory isn't, AccessDenied for one that can't be written, GenericError
+// for a full disk or a stream that doesn't take all. UnknownImageFormat for no such encoder.
 KX_API GpStatus GdipSaveImageToFile(GpImage* pImage, const WCHAR* pszPath, const CLSID* pEncoder,
                                     const EncoderParameters* pParameters);
 KX_API GpStatus GdipSaveImageToStream(GpImage* pImage, IStream* pStream, const CLSID* pEncoder,
@@ -164,6 +164,8 @@ KX_API GpStatus GdipCreateLineBrushI(const GpPoint* pFirst, const GpPoint* pSeco
 // the later one counts. At first all white. OutOfMemory for a path of fewer than three points.
 KX_API GpStatus GdipCreatePathGradientFromPath(const GpPath* pPath, GpPathGradient** ppBrush);
 KX_API GpStatus GdipSetPathGradientCenterColor(GpPathGradient* pBrush, ARGB color);
+// Moves the centre, to an edge of the path or outside of it if need be.
+KX_API GpStatus GdipSetPathGradientCenterPointI(GpPathGradient* pBrush, const GpPoint* pPoint);
 // Colours of the path's points, `*pnCount` of them, at least 1 and at most its points; the last one counts
 // for all that follow.
 KX_API GpStatus GdipSetPathGradientSurroundColorsWithCount(GpPathGradient* pBrush, const ARGB* pColors,

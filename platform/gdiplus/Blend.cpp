@@ -9,8 +9,6 @@ namespace kx::gdiplus {
 
 namespace {
 
-constexpr DWORD alphaBits = ~gdi::COLOR_BITS;
-
 constexpr DWORD Channel(DWORD pixel, int nShift) noexcept
 {
     return pixel >> nShift & 0xFF;
@@ -98,7 +96,7 @@ DWORD StraightPixel(DWORD pixel) noexcept
     const DWORD alpha = pixel >> 24;
     if (alpha == 255) return pixel;
     if (alpha == 0) return 0;
-    DWORD straight = pixel & alphaBits;
+    DWORD straight = pixel & ALPHA_BITS;
     for (const int nShift : {0, 8, 16})
         straight |= std::min<DWORD>((Channel(pixel, nShift) * 255 + alpha / 2) / alpha, 255) << nShift;
     return straight;
@@ -140,7 +138,7 @@ void ToStraight(const DWORD* from, DWORD* to, int n) noexcept
 void Blend(const DWORD* from, Alpha fromAlpha, DWORD* to, Alpha toAlpha, int n) noexcept
 {
     const DWORD mask = toAlpha == Alpha::Opaque ? gdi::COLOR_BITS : ~DWORD{0};
-    if (fromAlpha == Alpha::Opaque) return CopyRun(from, to, n, gdi::COLOR_BITS, alphaBits & mask);
+    if (fromAlpha == Alpha::Opaque) return CopyRun(from, to, n, gdi::COLOR_BITS, ALPHA_BITS & mask);
     if (toAlpha == Alpha::Straight) return BlendStraightRun(from, fromAlpha, to, n);
     if (fromAlpha == Alpha::Premultiplied) return BlendRun<Multiplied>(from, to, n, mask);
     if (toAlpha == Alpha::Opaque) return BlendRun<Straight>(from, to, n, mask);

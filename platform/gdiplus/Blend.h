@@ -11,6 +11,14 @@ constexpr DWORD By255(DWORD n) noexcept
     return (n + 128 + ((n + 128) >> 8)) >> 8;
 }
 
+// A multiplied pixel from one of straight alpha.
+constexpr DWORD ToMultiplied(DWORD pixel) noexcept
+{
+    const DWORD alpha = pixel >> 24;
+    return (pixel & ALPHA_BITS) | By255((pixel >> 16 & 0xFF) * alpha) << 16 |
+           By255((pixel >> 8 & 0xFF) * alpha) << 8 | By255((pixel & 0xFF) * alpha);
+}
+
 // Pixels of straight alpha from multiplied ones.
 void ToStraight(const DWORD* from, DWORD* to, int n) noexcept;
 

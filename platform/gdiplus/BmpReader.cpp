@@ -7,8 +7,6 @@ namespace kx::gdiplus {
 
 namespace {
 
-using Gdiplus::PixelFormat;
-
 constexpr std::size_t kFileHeader = 14;
 
 // What the file claims, sound or not.
@@ -20,25 +18,11 @@ Gdiplus::Status CheckClaim(FileBytes dib) noexcept
     return CheckSize(nWidth, std::abs(nHeight));
 }
 
-PixelFormat FormatOf(WORD nDepth, FileBytes dib) noexcept
+Gdiplus::PixelFormat FormatOf(WORD nDepth, FileBytes dib) noexcept
 {
-    switch (nDepth) {
-    case 1:
-        return Gdiplus::PixelFormat1bppIndexed;
-    case 4:
-        return Gdiplus::PixelFormat4bppIndexed;
-    case 8:
-        return Gdiplus::PixelFormat8bppIndexed;
-    case 16: {
-        const auto header = gdi::ParseBmpHeader(dib);
-        return header && header->masks.green == 0x7E0 ? Gdiplus::PixelFormat16bppRGB565
-                                                      : Gdiplus::PixelFormat16bppRGB555;
-    }
-    case 24:
-        return Gdiplus::PixelFormat24bppRGB;
-    default:
-        return Gdiplus::PixelFormat32bppRGB;
-    }
+    const auto header = nDepth == 16 ? gdi::ParseBmpHeader(dib) : std::nullopt;
+    const bool bSixOfGreen = header && header->masks.green == 0x7E0;
+    return bSixOfGreen ? Gdiplus::PixelFormat16bppRGB565 : FormatOfDepth(nDepth);
 }
 
 } // namespace

@@ -7,8 +7,6 @@ namespace kx::gdiplus {
 
 namespace {
 
-constexpr DWORD kOpaque = 0xFF000000;
-
 constexpr int PixelBytes(Gdiplus::PixelFormat format) noexcept
 {
     return format == Gdiplus::PixelFormat24bppRGB ? 3 : 4;
@@ -64,7 +62,7 @@ BYTE* CallerPixels::At(int x, int y) const noexcept
 
 DWORD CallerPixels::Get(int x, int y) const noexcept
 {
-    DWORD pixel = m_format == Gdiplus::PixelFormat24bppRGB ? kOpaque : 0;
+    DWORD pixel = m_format == Gdiplus::PixelFormat24bppRGB ? ALPHA_BITS : 0;
     std::memcpy(&pixel, At(x, y), static_cast<std::size_t>(PixelBytes(m_format)));
     return pixel;
 }

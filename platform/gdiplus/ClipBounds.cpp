@@ -13,8 +13,7 @@ GpStatus GdipGetVisibleClipBoundsI(GpGraphics* pGraphics, GpRect* pRect)
             if (target.clip.empty())
                 *pRect = {};
             else
-                *pRect = {bounds.left - target.origin.x, bounds.top - target.origin.y,
-                          bounds.right - bounds.left, bounds.bottom - bounds.top};
+                *pRect = {bounds.left, bounds.top, bounds.right - bounds.left, bounds.bottom - bounds.top};
         });
     });
 }

@@ -10,11 +10,65 @@ namespace {
 // so near a half counts as one; a matrix of four digits has no other values there.
 constexpr float nearHalf = 1.0F / 8192;
 
+constexpr float Channel(DWORD pixel, int nShift) noexcept
+{
+    return static_cast<float>(static_cast<int>(pixel >> nShift & 255));
+}
+
+constexpr DWORD Cut(float f) noexcept
+{
+    return static_cast<DWORD>(static_cast<int>(f));
+}
+
 constexpr float Limited(float f) noexcept
 {
     f = f > 0 ? f : 0; // also for what is no number
     return f < 255 ? f : 255;
 }
+
+// Shades of grey, each the same weight of a pixel's colours.
+struct Grays
+{
+    float red;
+    float green;
+    float blue;
+    float plus;
+    DWORD set; // of each pixel before
+};
+
+[[gnu::always_inline]] inline void Weigh(const Grays& grays, const DWORD* from, DWORD* to, int n) noexcept
+{
+    const auto [red, green, blue, plus, set] = grays;
+    for (int x = 0; x < n; ++x) {
+        const DWORD pixel = from[x];
+        const DWORD gray =
+            Cut(Channel(pixel, 16) * red + Channel(pixel, 8) * green + Channel(pixel, 0) * blue + plus);
+        to[x] = ((pixel | set) & ALPHA_BITS) | gray << 16 | gray << 8 | gray;
+    }
+}
+
+void WeighPlain(const Grays& grays, const DWORD* from, DWORD* to, int n) noexcept
+{
+    Weigh(grays, from, to, n);
+}
+
+#if defined(__x86_64__)
+[[gnu::target("avx2")]] void WeighAvx2(const Grays& grays, const DWORD* from, DWORD* to, int n) noexcept
+{
+    Weigh(grays, from, to, n);
+}
+
+void WeighRun(const Grays& grays, const DWORD* from, DWORD* to, int n) noexcept
+{
+    static const bool bAvx2 = __builtin_cpu_supports("avx2") != 0;
+    bAvx2 ? WeighAvx2(grays, from, to, n) : WeighPlain(grays, from, to, n);
+}
+#else
+void WeighRun(const Grays& grays, const DWORD* from, DWORD* to, int n) noexcept
+{
+    WeighPlain(grays, from, to, n);
+}
+#endif
 
 } // namespace
 
@@ -26,16 +80,19 @@ ColorTransform::ColorTransform(const Gdiplus::ColorMatrix& matrix) noexcept
     const auto& [red, green, blue, alpha] = m_sums;
     m_keepsAlpha =
         alpha == Sum{0, 0, 0, 1, 0.5F + nearHalf} && red.alpha == 0 && green.alpha == 0 && blue.alpha == 0;
-    m_makesGray = red == green && green == blue;
+    m_weighs = m_keepsAlpha && red == green && green == blue && red.IsWeight();
+}
+
+// Whether it can't leave 0 to 255, by more than what floats are off.
+bool ColorTransform::Sum::IsWeight() const noexcept
+{
+    return red >= 0 && green >= 0 && blue >= 0 && plus >= 0 && 255 * (red + green + blue) + plus < 255.9F;
 }
 
 [[gnu::always_inline]] inline DWORD ColorTransform::Sum::Of(DWORD pixel) const noexcept
 {
-    const auto in = [pixel](int nShift) {
-        return static_cast<float>(static_cast<int>(pixel >> nShift & 255));
-    };
-    return static_cast<DWORD>(
-        static_cast<int>(Limited(in(16) * red + in(8) * green + in(0) * blue + in(24) * alpha + plus)));
+    return Cut(Limited(Channel(pixel, 16) * red + Channel(pixel, 8) * green + Channel(pixel, 0) * blue +
+                       Channel(pixel, 24) * alpha + plus));
 }
 
 void ColorTransform::Apply(const DWORD* from, Alpha alpha, DWORD* to, int n) const noexcept
@@ -44,16 +101,9 @@ void ColorTransform::Apply(const DWORD* from, Alpha alpha, DWORD* to, int n) con
         ToStraight(from, to, n);
         from = to;
     }
-    const DWORD set = alpha == Alpha::Opaque ? ~gdi::COLOR_BITS : 0;
+    const DWORD set = alpha == Alpha::Opaque ? ALPHA_BITS : 0;
     const auto [red, green, blue, opacity] = m_sums;
-    if (m_keepsAlpha && m_makesGray) {
-        for (int x = 0; x < n; ++x) {
-            const DWORD pixel = from[x] | set;
-            const DWORD gray = red.Of(pixel & gdi::COLOR_BITS);
-            to[x] = (pixel & ~gdi::COLOR_BITS) | gray << 16 | gray << 8 | gray;
-        }
-        return;
-    }
+    if (m_weighs) return WeighRun({red.red, red.green, red.blue, red.plus, set}, from, to, n);
     for (int x = 0; x < n; ++x) {
         const DWORD pixel = from[x] | set;
         to[x] = opacity.Of(pixel) << 24 | red.Of(pixel) << 16 | green.Of(pixel) << 8 | blue.Of(pixel);

@@ -33,11 +33,12 @@ private:
         float plus;
         friend bool operator==(const Sum&, const Sum&) = default;
         DWORD Of(DWORD pixel) const noexcept;
+        bool IsWeight() const noexcept;
     };
 
     std::array<Sum, 4> m_sums; // red, green, blue, alpha
     bool m_keepsAlpha;         // and the colours don't depend on it
-    bool m_makesGray;
+    bool m_weighs;             // and all of them are one weight of the three: some shade of grey
 };
 
 } // namespace kx::gdiplus

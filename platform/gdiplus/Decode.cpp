@@ -23,6 +23,8 @@ constexpr Format kFormats[] = {
     {"GIF89a"sv, ReadGif},
     {"II*\0"sv, ReadTiff},
     {"MM\0*"sv, ReadTiff},
+    {"II+\0"sv, ReadTiff}, // BigTIFF
+    {"MM\0+"sv, ReadTiff},
     {"\0\0\1\0"sv, ReadIco},
 };
 

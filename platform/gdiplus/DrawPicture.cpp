@@ -5,7 +5,7 @@
 #include "platform/gdiplus/ColorTransform.h"
 #include "platform/gdiplus/PictureRows.h"
 
-#include <cstring>
+#include <algorithm>
 #include <functional>
 #include <new>
 #include <optional>
@@ -25,25 +25,17 @@ bool MayOverlap(const PixelView& a, const PixelView& b) noexcept
     return std::less<>()(aFirst, bLast + b.width) && std::less<>()(bFirst, aLast + a.width);
 }
 
-gdi::Surface CopyOf(const PixelView& from)
-{
-    auto copy = gdi::Surface::Make(from.width, from.height);
-    if (!copy) throw std::bad_alloc();
-    for (int y = 0; y < from.height; ++y)
-        std::memcpy(copy->Row(y), from.Row(y), static_cast<std::size_t>(from.width) * sizeof(DWORD));
-    return std::move(*copy);
-}
-
 } // namespace
 
 void DrawPicture(const Target& target, const PixelView& from, Stretch columns, Stretch rows,
                  const Gdiplus::ColorMatrix* pMatrix)
 {
     if (!from.first || from.width <= 0 || from.height <= 0) return;
-    columns.to += target.origin.x;
-    rows.to += target.origin.y;
     std::optional<gdi::Surface> copy;
-    if (MayOverlap(from, target.pixels)) copy = CopyOf(from);
+    if (MayOverlap(from, target.pixels)) {
+        copy = CopyPixels(from);
+        if (!copy) throw std::bad_alloc();
+    }
     PictureRows picture(copy ? ViewOf(*copy, from.alpha) : from, columns, rows, BoundsOf(target.clip));
     const RECT area = picture.Area();
     if (gdi::IsEmpty(area)) return;

@@ -23,9 +23,9 @@ const Encoder* FindEncoder(const Gdiplus::CLSID& clsid) noexcept;
 
 // 24 bits, over black.
 Gdiplus::Status WriteBmp(const PixelView& view, Bytes& file);
-// Quality 75, colours at half the resolution; over black.
+// Quality 75, colours at half the resolution, or none where all pixels are grey; over black.
 Gdiplus::Status WriteJpeg(const PixelView& view, Bytes& file);
-// Up to 256 colours exactly, more of them by the library's median cut. Pixels of an opacity below 128 become
+// Up to 256 colours exactly, of more the 256 that stand best for them. Pixels of an opacity below 128 become
 // transparent, those above lie over black.
 Gdiplus::Status WriteGif(const PixelView& view, Bytes& file);
 // With LZW; an alpha channel if the picture has one.

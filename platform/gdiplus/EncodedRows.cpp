@@ -2,18 +2,18 @@
 
 #include "platform/gdiplus/Blend.h"
 
+#include <algorithm>
+
 namespace kx::gdiplus {
 
 namespace {
 
-constexpr DWORD kOpaque = 0xFF000000;
-
 bool IsOpaque(const DWORD* row, int nWidth) noexcept
 {
-    DWORD all = kOpaque;
+    DWORD all = ALPHA_BITS;
     for (int x = 0; x < nWidth; ++x)
         all &= row[x];
-    return (all & kOpaque) == kOpaque;
+    return (all & ALPHA_BITS) == ALPHA_BITS;
 }
 
 std::vector<DWORD> RoomFor(const PixelView& view, Alpha changed)
@@ -32,11 +32,7 @@ const DWORD* RowsOverBlack::Row(int y) noexcept
     const DWORD* const row = m_view.Row(y);
     if (m_row.empty() || IsOpaque(row, m_view.width)) return row;
     DWORD* const out = m_row.data();
-    for (int x = 0; x < m_view.width; ++x) {
-        const DWORD pixel = row[x], alpha = pixel >> 24;
-        out[x] = By255((pixel >> 16 & 0xFF) * alpha) << 16 | By255((pixel >> 8 & 0xFF) * alpha) << 8 |
-                 By255((pixel & 0xFF) * alpha);
-    }
+    std::transform(row, row + m_view.width, out, ToMultiplied);
     return out;
 }
 

@@ -24,10 +24,7 @@ public:
     void Box(const RECT& box) noexcept { m_brush.IsOpaque() ? Cover(box) : Lay(box); }
 
 private:
-    void Draw(int x, int y, DWORD mask, std::span<DWORD> out) const noexcept
-    {
-        m_brush.Row(std::int64_t{x} - m_target.origin.x, std::int64_t{y} - m_target.origin.y, mask, out);
-    }
+    void Draw(int x, int y, DWORD mask, std::span<DWORD> out) const noexcept { m_brush.Row(x, y, mask, out); }
 
     void Cover(const RECT& box) const noexcept
     {
@@ -64,7 +61,6 @@ private:
 void FillArea(const Target& target, const Gdiplus::GpBrush& brush, gdi::PixelRegion area)
 {
     if (brush.Area()) area.IntersectWith(*brush.Area());
-    area.Move(target.origin.x, target.origin.y);
     area.IntersectWith(gdi::PixelRegion::FromRects(target.clip));
     const RECT bounds = area.Extents();
     Filling filling(target, brush, bounds.right - bounds.left);
@@ -74,7 +70,7 @@ void FillArea(const Target& target, const Gdiplus::GpBrush& brush, gdi::PixelReg
 
 gdi::PixelRegion BlockArea(int x, int y, int nWidth, int nHeight) noexcept
 {
-    return gdi::PixelRegion(gdi::Place({x, y, nWidth, nHeight}, {}));
+    return gdi::PixelRegion(gdi::Place({x, y, nWidth, nHeight}));
 }
 
 } // namespace kx::gdiplus

@@ -40,7 +40,7 @@ using Palette = std::array<DWORD, 256>;
 Palette ToPalette(FileBytes file, const GifFrame& frame) noexcept
 {
     Palette pixels;
-    pixels.fill(0xFF000000);
+    pixels.fill(ALPHA_BITS);
     const std::uint8_t* color = file.data() + frame.paletteAt;
     for (int i = 0; i < frame.colors; ++i, color += 3)
         pixels[static_cast<std::size_t>(i)] |= DWORD{color[0]} << 16 | DWORD{color[1]} << 8 | color[2];

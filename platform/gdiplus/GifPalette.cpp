@@ -1,13 +1,10 @@
 #include "platform/gdiplus/GifPalette.h"
 
-#include "platform/Immortal.h"
+#include "platform/gdiplus/ColorCut.h"
 #include "platform/gdiplus/EncodedRows.h"
 
 #include <algorithm>
 #include <array>
-#include <gif_lib.h>
-#include <mutex>
-#include <new>
 
 namespace kx::gdiplus {
 
@@ -74,36 +71,18 @@ bool TakeExactly(const PixelView& view, std::size_t nMax, IndexedPicture& pictur
     return bFits;
 }
 
-void Quantize(const PixelView& view, std::size_t nMax, IndexedPicture& picture)
+void Reduce(const PixelView& view, std::size_t nMax, IndexedPicture& picture)
 {
-    static Immortal<std::mutex> lock; // the library sorts by a variable that all calls share
-    const std::size_t nPixels = PixelCount(view);
-    Bytes red(nPixels), green(nPixels), blue(nPixels);
-    std::size_t at = 0;
+    ColorCut cut;
     ForEachColor(view, [&](DWORD color) {
-        const DWORD seen = color == kTransparent ? 0 : color;
-        red[at] = static_cast<std::uint8_t>(seen >> 16);
-        green[at] = static_cast<std::uint8_t>(seen >> 8);
-        blue[at++] = static_cast<std::uint8_t>(seen);
+        if (color != kTransparent) cut.Count(color);
         return true;
     });
-    int nColors = static_cast<int>(nMax);
-    std::array<GifColorType, kMaxColors> colors{};
-    {
-        const std::lock_guard guard(lock.Get());
-        if (GifQuantizeBuffer(static_cast<unsigned>(view.width), static_cast<unsigned>(view.height), &nColors,
-                              red.data(), green.data(), blue.data(), picture.indices.data(),
-                              colors.data()) != GIF_OK)
-            throw std::bad_alloc();
-    }
-    picture.colors.clear();
-    for (const GifColorType& color : colors)
-        picture.colors.push_back(DWORD{color.Red} << 16 | DWORD{color.Green} << 8 | color.Blue);
-    picture.colors.resize(nMax);
-    at = 0;
+    picture.colors = cut.Cut(nMax);
+    std::size_t at = 0;
     ForEachColor(view, [&](DWORD color) {
-        if (color == kTransparent) picture.indices[at] = static_cast<std::uint8_t>(picture.transparent);
-        ++at;
+        picture.indices[at++] =
+            color == kTransparent ? static_cast<std::uint8_t>(picture.transparent) : cut.NumberOf(color);
         return true;
     });
 }
@@ -117,7 +96,7 @@ IndexedPicture ToIndices(const PixelView& view)
     const std::size_t nMax = bTransparent ? kMaxColors - 1 : kMaxColors;
     if (bTransparent) picture.transparent = static_cast<int>(nMax);
     picture.indices.resize(PixelCount(view));
-    if (!TakeExactly(view, nMax, picture)) Quantize(view, nMax, picture);
+    if (!TakeExactly(view, nMax, picture)) Reduce(view, nMax, picture);
     return picture;
 }
 

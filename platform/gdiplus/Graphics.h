@@ -8,11 +8,10 @@
 
 namespace kx::gdiplus {
 
-// Where a graphics draws, for the length of one operation. All but `origin` is in the target's pixels.
+// Where a graphics draws, for the length of one operation.
 struct Target
 {
     PixelView pixels;
-    POINT origin;               // the graphics' 0, 0
     std::span<const RECT> clip; // what may be written: disjoint, in rows from the top; within the pixels
 };
 
@@ -48,8 +47,7 @@ private:
         const auto context = gdi::FindAs<gdi::DeviceContext>(m_hDC);
         if (!context) return Win32Error;
         const gdi::Canvas canvas = context->Paint();
-        draw(gdiplus::Target{gdiplus::ViewOf(canvas.surface, gdiplus::Alpha::Opaque), canvas.origin,
-                             canvas.clip});
+        draw(gdiplus::Target{gdiplus::ViewOf(canvas.surface, gdiplus::Alpha::Opaque), canvas.clip});
         return Ok;
     }
 
@@ -59,7 +57,7 @@ private:
         const kx::gdiplus::PixelView pixels = m_pImage->Pixels();
         if (!pixels.first) return OutOfMemory;
         const RECT all{0, 0, pixels.width, pixels.height};
-        draw(kx::gdiplus::Target{pixels, {}, {&all, 1}});
+        draw(kx::gdiplus::Target{pixels, {&all, 1}});
         m_pImage->Changed();
         return Ok;
     }

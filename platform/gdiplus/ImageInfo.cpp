@@ -8,8 +8,6 @@ namespace Gdiplus::DllExports {
 
 namespace {
 
-constexpr ARGB kOpaque = 0xFF000000;
-
 template <class Value, class Get>
 GpStatus Tell(const GpImage* pImage, Value* pValue, Get&& get) noexcept
 {
@@ -23,13 +21,6 @@ GpStatus Tell(const GpImage* pImage, Value* pValue, Get&& get) noexcept
 bool HasPixel(const GpBitmap* pBitmap, INT x, INT y) noexcept
 {
     return pBitmap && x >= 0 && y >= 0 && x < pBitmap->Width() && y < pBitmap->Height();
-}
-
-ARGB Multiplied(ARGB color) noexcept
-{
-    const ARGB alpha = color >> 24;
-    return (color & kOpaque) | By255((color >> 16 & 0xFF) * alpha) << 16 |
-           By255((color >> 8 & 0xFF) * alpha) << 8 | By255((color & 0xFF) * alpha);
 }
 
 } // namespace
@@ -54,7 +45,7 @@ GpStatus GdipBitmapGetPixel(GpBitmap* pBitmap, INT x, INT y, ARGB* pColor)
     return Guarded([&] {
         if (!HasPixel(pBitmap, x, y) || !pColor) return InvalidParameter;
         const DWORD pixel = pBitmap->Get(x, y);
-        *pColor = pixel | kOpaque;
+        *pColor = pixel | ALPHA_BITS;
         if (pBitmap->HighByte() == Alpha::Straight) *pColor = pixel;
         if (pBitmap->HighByte() == Alpha::Premultiplied) ToStraight(&pixel, pColor, 1);
         return Ok;
@@ -65,7 +56,7 @@ GpStatus GdipBitmapSetPixel(GpBitmap* pBitmap, INT x, INT y, ARGB color)
 {
     return Guarded([&] {
         if (!HasPixel(pBitmap, x, y)) return InvalidParameter;
-        pBitmap->Set(x, y, pBitmap->HighByte() == Alpha::Premultiplied ? Multiplied(color) : color);
+        pBitmap->Set(x, y, pBitmap->HighByte() == Alpha::Premultiplied ? ToMultiplied(color) : color);
         return Ok;
     });
 }

@@ -40,24 +40,6 @@ GpStatus FromStream(IStream* pStream, Result** ppImage) noexcept
     });
 }
 
-PixelFormat FormatOfDepth(WORD nDepth) noexcept
-{
-    switch (nDepth) {
-    case 1:
-        return PixelFormat1bppIndexed;
-    case 4:
-        return PixelFormat4bppIndexed;
-    case 8:
-        return PixelFormat8bppIndexed;
-    case 16:
-        return PixelFormat16bppRGB555;
-    case 24:
-        return PixelFormat24bppRGB;
-    default:
-        return PixelFormat32bppRGB;
-    }
-}
-
 GpStatus OverCallerPixels(INT nWidth, INT nHeight, INT nStride, PixelFormat format, BYTE* pScan0,
                           GpBitmap** ppBitmap)
 {

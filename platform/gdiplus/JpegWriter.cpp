@@ -10,10 +10,25 @@ namespace {
 
 constexpr int kQuality = 75;
 
+// Whether no pixel has another colour than grey.
+bool IsGray(const PixelView& view) noexcept
+{
+    DWORD off = 0;
+    for (int y = 0; y < view.height && off == 0; ++y) {
+        const DWORD* const row = view.Row(y);
+        for (int x = 0; x < view.width; ++x)
+            off |= (row[x] ^ row[x] >> 8) & 0xFFFF;
+    }
+    return off == 0;
+}
+
 class JpegEncoder : private JpegErrors
 {
 public:
-    explicit JpegEncoder(const PixelView& view) : m_view(view), m_rows(view) { m_jpeg.err = this; }
+    explicit JpegEncoder(const PixelView& view) : m_view(view), m_rows(view), m_bGray(IsGray(view))
+    {
+        m_jpeg.err = this;
+    }
     JpegEncoder(const JpegEncoder&) = delete;
     JpegEncoder& operator=(const JpegEncoder&) = delete;
     ~JpegEncoder()
@@ -39,6 +54,7 @@ private:
         m_jpeg.input_components = 4;
         m_jpeg.in_color_space = JCS_EXT_BGRX;
         jpeg_set_defaults(&m_jpeg); // colours at half the resolution
+        if (m_bGray) jpeg_set_colorspace(&m_jpeg, JCS_GRAYSCALE);
         jpeg_set_quality(&m_jpeg, kQuality, TRUE);
         jpeg_start_compress(&m_jpeg, TRUE);
         for (int y = 0; y < m_view.height; ++y) {
@@ -51,6 +67,7 @@ private:
 
     const PixelView m_view;
     RowsOverBlack m_rows;
+    const bool m_bGray;
     jpeg_compress_struct m_jpeg{};
     unsigned char* m_pBytes = nullptr;
     unsigned long m_nBytes = 0;

@@ -104,6 +104,12 @@ void GpPathGradient::SetCenter(ARGB color) noexcept
     m_center = ToChannels(color);
 }
 
+void GpPathGradient::MoveCenter(Point point) noexcept
+{
+    m_x = point.X;
+    m_y = point.Y;
+}
+
 void GpPathGradient::SetSurround(std::span<const ARGB> colors) noexcept
 {
     std::size_t n = 0;
@@ -149,6 +155,15 @@ GpStatus GdipSetPathGradientCenterColor(GpPathGradient* pBrush, ARGB color)
     return Guarded([&] {
         if (!pBrush) return InvalidParameter;
         pBrush->SetCenter(color);
+        return Ok;
+    });
+}
+
+GpStatus GdipSetPathGradientCenterPointI(GpPathGradient* pBrush, const GpPoint* pPoint)
+{
+    return Guarded([&] {
+        if (!pBrush || !pPoint) return InvalidParameter;
+        pBrush->MoveCenter(*pPoint);
         return Ok;
     });
 }

@@ -20,6 +20,7 @@ public:
     // The path's points.
     std::size_t Points() const noexcept { return 4 * m_figures.size(); }
     void SetCenter(ARGB color) noexcept;
+    void MoveCenter(Point point) noexcept;
     // Those of the first points; the last one counts for all that follow. At least one.
     void SetSurround(std::span<const ARGB> colors) noexcept;
 

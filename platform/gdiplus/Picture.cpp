@@ -4,6 +4,15 @@
 
 namespace kx::gdiplus {
 
+Gdiplus::PixelFormat FormatOfDepth(int nBits) noexcept
+{
+    if (nBits <= 1) return Gdiplus::PixelFormat1bppIndexed;
+    if (nBits <= 4) return Gdiplus::PixelFormat4bppIndexed;
+    if (nBits <= 8) return Gdiplus::PixelFormat8bppIndexed;
+    if (nBits <= 16) return Gdiplus::PixelFormat16bppRGB555;
+    return nBits <= 24 ? Gdiplus::PixelFormat24bppRGB : Gdiplus::PixelFormat32bppRGB;
+}
+
 Gdiplus::Status CheckSize(std::int64_t nWidth, std::int64_t nHeight) noexcept
 {
     if (nWidth <= 0 || nHeight <= 0) return Gdiplus::GenericError;

@@ -73,6 +73,12 @@ struct Picture
     GUID Dimension() const noexcept { return dimension; }
 };
 
+// The bits of a pixel that its opacity takes.
+inline constexpr DWORD ALPHA_BITS = ~gdi::COLOR_BITS;
+
+// The format of pixels of so many bits: indices up to 8.
+Gdiplus::PixelFormat FormatOfDepth(int nBits) noexcept;
+
 // OutOfMemory for a size beyond the limits, GenericError for one of 0 or below.
 Gdiplus::Status CheckSize(std::int64_t nWidth, std::int64_t nHeight) noexcept;
 

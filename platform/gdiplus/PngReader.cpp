@@ -38,8 +38,7 @@ Gdiplus::PixelFormat FormatOf(const gdi::PngHeader& header, int nType, bool bAlp
 {
     if (bAlpha) return Gdiplus::PixelFormat32bppARGB;
     if (nType != 0 && !(nType & kPalette)) return Gdiplus::PixelFormat24bppRGB;
-    if (header.nDepth == 1) return Gdiplus::PixelFormat1bppIndexed;
-    return header.nDepth <= 4 ? Gdiplus::PixelFormat4bppIndexed : Gdiplus::PixelFormat8bppIndexed;
+    return FormatOfDepth(std::min(header.nDepth, 8));
 }
 
 } // namespace

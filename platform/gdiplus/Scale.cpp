@@ -36,7 +36,7 @@ void SumAcross(const DWORD* in, const std::vector<Span>& columns, Quad* out) noe
 template <Alpha alpha>
 [[gnu::always_inline]] inline DWORD Mean(const Quad& sum, float weight) noexcept
 {
-    if constexpr (alpha == Alpha::Opaque) return ToPixel(sum / Fill(weight)) | 0xFF000000;
+    if constexpr (alpha == Alpha::Opaque) return ToPixel(sum / Fill(weight)) | ALPHA_BITS;
     if constexpr (alpha == Alpha::Premultiplied) return ToPixel(sum / Fill(weight));
     const float opacity = sum[3];
     if (opacity + opacity < weight) return 0; // rounds to none

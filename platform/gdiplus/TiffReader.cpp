@@ -50,9 +50,7 @@ Gdiplus::PixelFormat FormatOf(const TIFFRGBAImage& image) noexcept
 {
     if (image.alpha != 0) return Gdiplus::PixelFormat32bppARGB;
     if (image.samplesperpixel > 1) return Gdiplus::PixelFormat24bppRGB;
-    return image.bitspersample == 1   ? Gdiplus::PixelFormat1bppIndexed
-           : image.bitspersample <= 4 ? Gdiplus::PixelFormat4bppIndexed
-                                      : Gdiplus::PixelFormat8bppIndexed;
+    return FormatOfDepth(std::min<int>(image.bitspersample, 8));
 }
 
 // The library leaves rows one behind the other, of pixels with red in their low byte. They go where the
@@ -69,7 +67,7 @@ void ToRows(gdi::Surface& surface) noexcept
 }
 
 // A page that can't be read in full is broken.
-Status ReadPage(FileBytes file, std::uint32_t at, std::optional<Picture>& picture)
+Status ReadPage(FileBytes file, std::uint64_t at, std::optional<Picture>& picture)
 {
     TiffMemory memory{file, nullptr, 0};
     const TiffHandle tiff = OpenTiff(memory, "rmh", kMaxBlock);
@@ -96,7 +94,7 @@ Status ReadPage(FileBytes file, std::uint32_t at, std::optional<Picture>& pictur
 class TiffPages : public Frames
 {
 public:
-    TiffPages(File file, std::vector<std::uint32_t> pages) noexcept
+    TiffPages(File file, std::vector<std::uint64_t> pages) noexcept
         : m_file(std::move(file)), m_pages(std::move(pages))
     {
     }
@@ -115,7 +113,7 @@ public:
 
 private:
     const File m_file;
-    const std::vector<std::uint32_t> m_pages;
+    const std::vector<std::uint64_t> m_pages;
 };
 
 } // namespace

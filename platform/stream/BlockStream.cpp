@@ -59,9 +59,10 @@ public:
     HRESULT Seek(LARGE_INTEGER nMove, DWORD nOrigin, ULARGE_INTEGER* pnPosition) override;
 
 private:
+    // The block may have been freed already, and its address be another's now.
     ~BlockStream()
     {
-        if (m_bDeleteOnRelease) GlobalFree(m_hBlock);
+        if (m_bDeleteOnRelease && kx::stream::FindBlock(m_hBlock) == m_block) GlobalFree(m_hBlock);
     }
 
     std::atomic<ULONG> m_nRefs{1};
@@ -79,7 +80,7 @@ HRESULT BlockStream::Read(void* pBytes, ULONG nBytes, ULONG* pnRead)
     const std::uint64_t nSize = m_block->Size();
     const std::uint64_t nThere = m_nPosition < nSize ? nSize - m_nPosition : 0;
     const auto nRead = static_cast<ULONG>(std::min<std::uint64_t>(nBytes, nThere));
-    if (nRead > 0) std::memcpy(pBytes, m_block->Bytes() + m_nPosition, nRead);
+    if (nRead > 0) std::memmove(pBytes, m_block->Bytes() + m_nPosition, nRead); // maybe within the block
     m_nPosition += nRead;
     Tell(pnRead, nRead);
     return nRead == nBytes ? S_OK : S_FALSE;
@@ -93,7 +94,7 @@ HRESULT BlockStream::Write(const void* pBytes, ULONG nBytes, ULONG* pnWritten)
     if (m_nPosition > MAX_BLOCK_BYTES - nBytes) return STG_E_MEDIUMFULL;
     const std::uint64_t nEnd = m_nPosition + nBytes;
     if (nEnd > m_block->Size() && !m_block->Grow(nEnd)) return STG_E_MEDIUMFULL;
-    std::memcpy(m_block->Bytes() + m_nPosition, pBytes, nBytes);
+    std::memmove(m_block->Bytes() + m_nPosition, pBytes, nBytes);
     m_nPosition = nEnd;
     Tell(pnWritten, nBytes);
     return S_OK;

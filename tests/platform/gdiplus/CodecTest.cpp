@@ -164,8 +164,9 @@ TEST_F(CodecTest, TiffOfManyKinds)
          PixelFormat8bppIndexed},
     };
     for (const auto& [what, page, pixels, format] : cases)
-        for (const bool bBigEndian : {false, true}) {
-            const Loaded loaded(Tiff({page}, bBigEndian));
+        for (const auto& [bBigEndian, bBigTiff] :
+             {std::pair{false, false}, {true, false}, {false, true}, {true, true}}) {
+            const Loaded loaded(Tiff({page}, bBigEndian, bBigTiff));
             EXPECT_EQ(loaded.Pixels(), pixels) << what;
             EXPECT_EQ(loaded.Format(), format) << what;
         }
@@ -197,6 +198,9 @@ std::vector<std::string> Samples()
                .pixels = "\xFE\7",
                .tags = {{259, 32773}}}},
              true),
+        Tiff({{.width = 2, .height = 1, .samples = 1, .photometric = 1, .pixels = "ab"},
+              {.width = 1, .height = 1, .samples = 4, .pixels = "abcd"}},
+             false, true),
         ToBmp({"RGB", "CMY"}, 8).File(),
         Ico({IconBmp({"G.", ".B"}, 8)})};
 }

@@ -132,24 +132,22 @@ TEST_F(Draw, CutsToTheTargetAndItsClip)
     DeleteObject(SelectObject(paper, first));
 }
 
-TEST_F(Draw, DrawsOnTheDesktopFromAWindowsCorner)
+TEST_F(Draw, DrawsOnAWindowFromItsCorner)
 {
     Sheet dots(2, {0xFFFF0000, 0xFF00FF00}, PixelFormat32bppRGB);
     const WNDCLASSA wndClass{DefWindowProcA, "Drawing"};
     ASSERT_NE(RegisterClassA(&wndClass), 0);
     const HWND hWnd = CreateWindowExA(0, "Drawing", "", WS_POPUP, 5, 7, 3, 2);
     const HDC desktop = GetDC(nullptr);
+    ShowWindow(hWnd, SW_SHOWNA);
     const HDC window = GetDC(hWnd);
     Graphics graphics(window);
     EXPECT_EQ(graphics.DrawImage(&dots.bitmap, 1, 1), Ok);
     EXPECT_EQ(graphics.DrawImage(&dots.bitmap, 2, 0), Ok);
-    EXPECT_EQ(Read(desktop, 5, 7, 9, 9), (Picture{"??R?", "?RG?"}));
     ReleaseDC(hWnd, window);
+    EXPECT_EQ(Read(desktop, 4, 7, 9, 9), (Picture{"?..R?", "?.RG?"}));
     EXPECT_EQ(graphics.DrawImage(&dots.bitmap, 0, 0), Win32Error);
     EXPECT_EQ(graphics.GetLastStatus(), Win32Error);
-    const RECT used{5, 7, 9, 9};
-    const Scoped<HBRUSH> brush(CreateSolidBrush(DESKTOP_COLOR));
-    FillRect(desktop, &used, brush);
     ReleaseDC(nullptr, desktop);
     DestroyWindow(hWnd);
     UnregisterClassA("Drawing");

@@ -30,13 +30,16 @@ struct Figure
     int x, y, width, height;
 };
 Row Path(int nWidth, int nHeight, const std::vector<Figure>& rects, ARGB center,
-         const std::vector<ARGB>& surround, FillMode mode = FillModeAlternate)
+         const std::vector<ARGB>& surround, FillMode mode = FillModeAlternate, const Point* pCenter = nullptr)
 {
     GraphicsPath path(mode);
     for (const Figure& rect : rects)
         EXPECT_EQ(path.AddRectangle(rect.x, rect.y, rect.width, rect.height), Ok);
     PathGradientBrush brush(&path);
     EXPECT_EQ(brush.SetCenterColor(Color(center)), Ok);
+    if (pCenter) {
+        EXPECT_EQ(brush.SetCenterPoint(*pCenter), Ok);
+    }
     std::vector<Color> colors(surround.begin(), surround.end());
     int nCount = static_cast<int>(colors.size());
     EXPECT_EQ(brush.SetSurroundColors(colors.data(), &nCount), Ok);
@@ -131,6 +134,23 @@ TEST_F(Gradient, GoesFromAPathsCentreToItsEdge)
     EXPECT_EQ(Path(1, 1, {{0, 0, 1, 1}}, 0x80123456, {Gray(0)}), Row{0x80123456});
     EXPECT_EQ(Path(2, 2, {{-2, -3, 0, 5}, {0, 0, 2, -1}, {0, 0, 2, 2}}, 0xFF0000FE, {0x00FF0000}),
               Row(4, 0x80800080 - 1));
+}
+
+// From a corner, from the middle of a side, and from outside of the path.
+TEST_F(Gradient, GoesFromWhereverItsCentreIsMoved)
+{
+    const auto from = [](Point center, int nWidth, int nHeight) {
+        return Blues(Path(nWidth, nHeight, {{0, 0, nWidth, nHeight}}, Gray(80), {Gray(0)}, FillModeAlternate,
+                          &center));
+    };
+    EXPECT_EQ(from({0, 0}, 2, 2), (std::vector{60, 20, 20, 20}));
+    EXPECT_EQ(from({2, 0}, 4, 2), (std::vector{20, 60, 60, 20, 20, 20, 20, 20}));
+    EXPECT_EQ(from({2, 2}, 4, 2), (std::vector{20, 20, 20, 20, 20, 60, 60, 20}));
+    EXPECT_EQ(from({4, 1}, 4, 2), (std::vector{10, 30, 40, 40, 10, 30, 40, 40}));
+    EXPECT_EQ(from({0, -2}, 2, 2), (std::vector{30, 20, 10, 10}));
+    for (const int n : {INT_MIN, INT_MAX})
+        EXPECT_EQ(from({n, n}, 2, 1).size(), 2u);
+    EXPECT_EQ(GdipSetPathGradientCenterPointI(nullptr, nullptr), InvalidParameter);
 }
 
 TEST_F(Gradient, GoesAlongTheEdgeBetweenItsPointsColours)

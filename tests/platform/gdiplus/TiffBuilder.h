@@ -21,15 +21,18 @@ struct TiffPage
     std::map<std::uint32_t, std::uint32_t> tags = {}; // further ones, or in place of the usual
 };
 
-// Each directory lies behind its page's pixels.
-inline std::string Tiff(const std::vector<TiffPage>& pages, bool bBigEndian = false)
+// Each directory lies behind its page's pixels. A BigTIFF has wider numbers in it.
+inline std::string Tiff(const std::vector<TiffPage>& pages, bool bBigEndian = false, bool bBigTiff = false)
 {
+    const std::size_t nWide = bBigTiff ? 8 : 4;
     const auto number = [=](std::uint64_t value, std::size_t width) {
         const std::string bytes = Le(value, width);
         return bBigEndian ? std::string(bytes.rbegin(), bytes.rend()) : bytes;
     };
-    std::string file = (bBigEndian ? "MM" : "II") + number(42, 2) + number(0, 4);
-    std::size_t linkAt = 4;
+    std::string file = (bBigEndian ? "MM" : "II") + number(bBigTiff ? 43 : 42, 2);
+    if (bBigTiff) file += number(8, 2) + number(0, 2);
+    std::size_t linkAt = file.size();
+    file += number(0, nWide);
     for (const TiffPage& page : pages) {
         const std::size_t pixelsAt = file.size(), bitsAt = pixelsAt + (page.pixels.size() + 1) / 2 * 2;
         file += page.pixels;
@@ -46,19 +49,24 @@ inline std::string Tiff(const std::vector<TiffPage>& pages, bool bBigEndian = fa
                      {277, page.samples},
                      {278, page.height},
                      {279, page.pixels.size()}});
-        tags[258] = static_cast<std::uint32_t>(page.samples > 2 ? bitsAt : page.bits | page.bits << 16);
-        file.replace(linkAt, 4, number(file.size(), 4));
-        file += number(tags.size(), 2);
+        tags[258] = static_cast<std::uint32_t>(bitsAt); // unless they fit
+        file.replace(linkAt, nWide, number(file.size(), nWide));
+        file += number(tags.size(), bBigTiff ? 8 : 2);
         for (const auto& [tag, value] : tags) {
             const bool bBits = tag == 258, bLong = tag < 258 || tag == 273 || tag == 278 || tag == 279;
-            file += number(tag, 2) + number(bLong ? 4 : 3, 2) + number(bBits ? page.samples : 1, 4);
-            if (bLong || (bBits && page.samples > 2))
-                file += number(value, 4);
+            file += number(tag, 2) + number(bLong ? 4 : 3, 2) + number(bBits ? page.samples : 1, nWide);
+            const bool bInPlace = bBits && page.samples * 2 <= nWide;
+            std::string bytes;
+            if (bInPlace)
+                for (std::uint32_t i = 0; i < page.samples; ++i)
+                    bytes += number(page.bits, 2);
             else
-                file += number(value & 0xFFFF, 2) + number(value >> 16, 2);
+                bytes = number(value, bBits ? nWide : bLong ? 4 : 2);
+            bytes.resize(nWide);
+            file += bytes;
         }
         linkAt = file.size();
-        file += number(0, 4);
+        file += number(0, nWide);
     }
     return file;
 }

@@ -174,6 +174,27 @@ TEST_F(StreamTest, ItsBlockEndsWithItOrBeforeItOrAfterIt)
     EXPECT_EQ(Read(1, S_FALSE), "");
     EXPECT_EQ(Write("x"), STG_E_MEDIUMFULL);
     EXPECT_EQ(Seek(0, STREAM_SEEK_END), 0);
+    stream->Release();
+
+    const HGLOBAL gone = GlobalAlloc(GMEM_FIXED, 1000);
+    Make(gone, true);
+    GlobalFree(gone);
+    const HGLOBAL next = GlobalAlloc(GMEM_FIXED, 1000); // at the same address, as it usually is
+    stream->Release();
+    EXPECT_EQ(GlobalSize(next), 1000u);
+    GlobalFree(next);
+    Make(nullptr, true);
+}
+
+TEST_F(StreamTest, BytesMayComeFromTheBlockItself)
+{
+    const HGLOBAL block = GlobalAlloc(GMEM_FIXED, 6);
+    Put(block, "abcdef");
+    Make(block, true);
+    Seek(2, STREAM_SEEK_SET);
+    EXPECT_EQ(stream->Write(GlobalLock(block), 4, nullptr), S_OK);
+    EXPECT_EQ(Content(block), "ababcd");
+    GlobalUnlock(block);
 }
 
 TEST_F(StreamTest, AnswersForItsInterfacesAndRefusesBadArguments)
