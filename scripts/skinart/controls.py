@@ -38,9 +38,41 @@ def tick(x, y, size, width):
                      (x + size * 0.84, y + size * 0.24)], width)
 
 
+def left_right(name, length):
+    """The two keys of a picture's fixed ends, equally long."""
+    return {f'{name}Left': length, f'{name}Right': length}
+
+
 class Controls:
     """A skin derives from this: it sets `looks` by state, `accent`, `ground` (what lies beneath the
-    controls), `page` (what lies in lists and boxes), `radius` and so on, and draws its own frame and tabs."""
+    controls), `page` (what lies in lists and boxes), `radius` and so on, and draws its own frame and tabs.
+    Its values for the file are `colours`, `border`, `caption`, `backdrop`, and `fixed_ends` by control."""
+
+    @property
+    def ini(self):
+        """The sections of the skin's file, each with its keys and values."""
+        def ends(*controls, separator='_'):
+            return {key: length for control in controls
+                    for key, length in left_right(control + separator, self.fixed_ends[control]).items()}
+
+        return {
+            'COLOR': self.colours, 'Border': self.border, 'SysButton': self.caption,
+            'Background': {
+                **self.backdrop, **left_right('Bkg_bmp_', 0), **left_right('BkgTop_bmp_', 16),
+                **left_right('BkgMid_bmp_', 16), **left_right('BkgBtm_bmp_', 0),
+            },
+            'Button': {
+                **ends('PushButton', 'TabBtnVert', 'TabBtnHorz'), **ends('ListViewHeader', separator=''),
+                'MainTabBtn_Mask': 'RGB(255,0,255)', 'MainTabBtnIntersect_Height': 1,
+            },
+            'IMList': ends('GroupBtn'),
+            'OtherCtrl': ends('SliderCtrlTrack', 'SliderCtrlThumb', 'OutlookCtrlBar', 'FileTransProgressBar'),
+        }
+
+    def background_middle(self):
+        band = Canvas(96, 16)
+        band.fill(rounded((0, 0, 96, 16)), self.ground)
+        return band
 
     def face(self, canvas, box, look, radius):
         canvas.fill(rounded(box, radius), look.border)

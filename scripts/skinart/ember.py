@@ -126,11 +126,6 @@ class Ember(Controls):
         band.fill(rounded((0, 0, 96, 64)), vertical('#4d3a27', self.ground, 0, 64))
         return band
 
-    def background_middle(self):
-        band = Canvas(96, 16)
-        band.fill(rounded((0, 0, 96, 16)), self.ground)
-        return band
-
     def background_bottom(self):
         """Coals, glowing from below."""
         band = Canvas(96, 40)
@@ -142,44 +137,31 @@ class Ember(Controls):
             band.fill(circle(x, 42, r).outline(1.2), self.accent, 0.7)
         return band
 
-    ini = {
-        'COLOR': {
-            'BackColor': (34, 34, 38), 'TextColor': (234, 223, 210), 'TitleColor': (255, 216, 168),
-            'MainTabClient': (56, 56, 61), 'MainTabBkg': (45, 45, 49), 'MainTabBorderLine': (90, 90, 97),
-            'TabBorderLine': (242, 140, 40), 'CommonBorderLine': (90, 90, 97),
-            'ControlBarBk1': (58, 58, 63), 'ControlBarBk2': (40, 40, 44),
-            'MenuBorderNormal': (78, 78, 84), 'MenuBorderSelect': (242, 140, 40),
-            'MenuBorderPress': (255, 179, 102), 'MenuSelectBk': (94, 66, 36), 'PopMenuBk': (45, 45, 49),
-            'PopMenuLeftBk': (34, 34, 38), 'PopMenuSelBk': (112, 68, 26), 'PopMenuSelBorder': (242, 140, 40),
-            'FileTransHotBk1': (84, 63, 42), 'FileTransHotBk2': (56, 48, 42),
-        },
-        'Border': {
-            'DrawType': 0, 'Title_Left_Width': 56, 'Title_Right_Width': 16, 'Left_Top_Height': 12,
-            'Left_Bottom_Height': 12, 'Right_Top_Height': 12, 'Right_Bottom_Height': 12,
-            'Bottom_Left_Width': 12, 'Bottom_Right_Width': 28,
-        },
-        'SysButton': {
-            'AutoAlign': True, 'MinButton_Offset': 58, 'MaxButton_Offset': 31, 'CloseButton_Offset': 4,
-            'MinButton_Top': 5, 'MaxButton_Top': 5, 'CloseButton_Top': 5, 'Button_Space': 1,
-            'SysMenu_Top': 8, 'SysMenu_Left': 52, 'TitleText_Top': 2, 'TitleText_Left': 76,
-            'AlwaysShowMinButton': True,
-        },
-        'Background': {
-            'BackColor': (61, 50, 40), 'BkgType': 'SingleBmp', 'Bkg_bmp_Left': 0, 'Bkg_bmp_Right': 0,
-            'BkgTop_bmp_Left': 16, 'BkgTop_bmp_Right': 16, 'BkgMid_bmp_Left': 16, 'BkgMid_bmp_Right': 16,
-            'BkgBtm_bmp_Left': 0, 'BkgBtm_bmp_Right': 0,
-        },
-        'Button': {
-            'PushButton_Left': 4, 'PushButton_Right': 4, 'TabBtnVert_Left': 4, 'TabBtnVert_Right': 4,
-            'TabBtnHorz_Left': 4, 'TabBtnHorz_Right': 4, 'ListViewHeaderLeft': 4, 'ListViewHeaderRight': 4,
-            'MainTabBtn_Mask': 'RGB(255,0,255)', 'MainTabBtnIntersect_Height': 1,
-        },
-        'IMList': {'GroupBtn_Left': 4, 'GroupBtn_Right': 4},
-        'OtherCtrl': {
-            'SliderCtrlTrack_Left': 4, 'SliderCtrlTrack_Right': 4, 'SliderCtrlThumb_Left': 2,
-            'SliderCtrlThumb_Right': 2, 'OutlookCtrlBar_Left': 6, 'OutlookCtrlBar_Right': 6,
-            'FileTransProgressBar_Left': 6, 'FileTransProgressBar_Right': 6,
-        },
+    colours = {
+        'BackColor': (34, 34, 38), 'TextColor': (234, 223, 210), 'TitleColor': (255, 216, 168),
+        'MainTabClient': (56, 56, 61), 'MainTabBkg': (45, 45, 49), 'MainTabBorderLine': (90, 90, 97),
+        'TabBorderLine': (242, 140, 40), 'CommonBorderLine': (90, 90, 97),
+        'ControlBarBk1': (58, 58, 63), 'ControlBarBk2': (40, 40, 44),
+        'MenuBorderNormal': (78, 78, 84), 'MenuBorderSelect': (242, 140, 40),
+        'MenuBorderPress': (255, 179, 102), 'MenuSelectBk': (94, 66, 36), 'PopMenuBk': (45, 45, 49),
+        'PopMenuLeftBk': (34, 34, 38), 'PopMenuSelBk': (112, 68, 26), 'PopMenuSelBorder': (242, 140, 40),
+        'FileTransHotBk1': (84, 63, 42), 'FileTransHotBk2': (56, 48, 42),
+    }
+    border = {
+        'DrawType': 0, 'Title_Left_Width': 56, 'Title_Right_Width': 16, 'Left_Top_Height': 12,
+        'Left_Bottom_Height': 12, 'Right_Top_Height': 12, 'Right_Bottom_Height': 12,
+        'Bottom_Left_Width': 12, 'Bottom_Right_Width': 28,
+    }
+    caption = {
+        'AutoAlign': True, 'MinButton_Offset': 58, 'MaxButton_Offset': 31, 'CloseButton_Offset': 4,
+        'MinButton_Top': 5, 'MaxButton_Top': 5, 'CloseButton_Top': 5, 'Button_Space': 1,
+        'SysMenu_Top': 8, 'SysMenu_Left': 52, 'TitleText_Top': 2, 'TitleText_Left': 76,
+        'AlwaysShowMinButton': True,
+    }
+    backdrop = {'BackColor': (61, 50, 40), 'BkgType': 'SingleBmp'}
+    fixed_ends = {
+        'PushButton': 4, 'TabBtnVert': 4, 'TabBtnHorz': 4, 'ListViewHeader': 4, 'GroupBtn': 4,
+        'SliderCtrlTrack': 4, 'SliderCtrlThumb': 2, 'OutlookCtrlBar': 6, 'FileTransProgressBar': 6,
     }
 
 

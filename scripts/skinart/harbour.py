@@ -122,11 +122,6 @@ class Harbour(Controls):
         band.fill(rounded((0, 0, 96, 72)), vertical('#cfe5f7', self.ground, 0, 72))
         return band
 
-    def background_middle(self):
-        band = Canvas(96, 16)
-        band.fill(rounded((0, 0, 96, 16)), self.ground)
-        return band
-
     def background_bottom(self):
         """Waves, one of them as long as the band, which meets itself at its ends."""
         band = Canvas(96, 56)
@@ -136,46 +131,33 @@ class Harbour(Controls):
             band.fill(below(lambda x: top + swell * sin(x * pi / 48 + shift), (0, 0, 96, 56)), colour)
         return band
 
-    ini = {
-        'COLOR': {
-            'BackColor': (255, 255, 255), 'TextColor': (27, 58, 87), 'TitleColor': (255, 255, 255),
-            'MainTabClient': (234, 243, 251), 'MainTabBkg': (207, 229, 247),
-            'MainTabBorderLine': (95, 155, 203),
-            'TabBorderLine': (134, 174, 207), 'CommonBorderLine': (134, 174, 207),
-            'ControlBarBk1': (247, 251, 255), 'ControlBarBk2': (205, 226, 243),
-            'MenuBorderNormal': (206, 226, 243), 'MenuBorderSelect': (61, 143, 209),
-            'MenuBorderPress': (43, 108, 163), 'MenuSelectBk': (215, 235, 252), 'PopMenuBk': (252, 254, 255),
-            'PopMenuLeftBk': (222, 236, 248), 'PopMenuSelBk': (205, 229, 250),
-            'PopMenuSelBorder': (61, 143, 209),
-            'FileTransHotBk1': (241, 248, 255), 'FileTransHotBk2': (200, 225, 247),
-        },
-        'Border': {
-            'DrawType': 1, 'Title_Left_Width': 20, 'Title_Right_Width': 20, 'Left_Top_Height': 8,
-            'Left_Bottom_Height': 8, 'Right_Top_Height': 8, 'Right_Bottom_Height': 8,
-            'Bottom_Left_Width': 12, 'Bottom_Right_Width': 12,
-        },
-        'SysButton': {
-            'AutoAlign': False, 'MinButton_Offset': 64, 'MaxButton_Offset': 36, 'CloseButton_Offset': 8,
-            'MinButton_Top': 6, 'MaxButton_Top': 6, 'CloseButton_Top': 6, 'Button_Space': 2,
-            'SysMenu_Top': 8, 'SysMenu_Left': 9, 'TitleText_Top': 1, 'TitleText_Left': 32,
-            'AlwaysShowMinButton': False,
-        },
-        'Background': {
-            'BackColor': (214, 232, 247), 'BkgType': 'multibmp', 'Bkg_bmp_Left': 0, 'Bkg_bmp_Right': 0,
-            'BkgTop_bmp_Left': 16, 'BkgTop_bmp_Right': 16, 'BkgMid_bmp_Left': 16, 'BkgMid_bmp_Right': 16,
-            'BkgBtm_bmp_Left': 0, 'BkgBtm_bmp_Right': 0,
-        },
-        'Button': {
-            'PushButton_Left': 8, 'PushButton_Right': 8, 'TabBtnVert_Left': 8, 'TabBtnVert_Right': 8,
-            'TabBtnHorz_Left': 8, 'TabBtnHorz_Right': 8, 'ListViewHeaderLeft': 4, 'ListViewHeaderRight': 4,
-            'MainTabBtn_Mask': 'RGB(255,0,255)', 'MainTabBtnIntersect_Height': 1,
-        },
-        'IMList': {'GroupBtn_Left': 8, 'GroupBtn_Right': 8},
-        'OtherCtrl': {
-            'SliderCtrlTrack_Left': 6, 'SliderCtrlTrack_Right': 6, 'SliderCtrlThumb_Left': 4,
-            'SliderCtrlThumb_Right': 4, 'OutlookCtrlBar_Left': 8, 'OutlookCtrlBar_Right': 8,
-            'FileTransProgressBar_Left': 8, 'FileTransProgressBar_Right': 8,
-        },
+    colours = {
+        'BackColor': (255, 255, 255), 'TextColor': (27, 58, 87), 'TitleColor': (255, 255, 255),
+        'MainTabClient': (234, 243, 251), 'MainTabBkg': (207, 229, 247),
+        'MainTabBorderLine': (95, 155, 203),
+        'TabBorderLine': (134, 174, 207), 'CommonBorderLine': (134, 174, 207),
+        'ControlBarBk1': (247, 251, 255), 'ControlBarBk2': (205, 226, 243),
+        'MenuBorderNormal': (206, 226, 243), 'MenuBorderSelect': (61, 143, 209),
+        'MenuBorderPress': (43, 108, 163), 'MenuSelectBk': (215, 235, 252), 'PopMenuBk': (252, 254, 255),
+        'PopMenuLeftBk': (222, 236, 248), 'PopMenuSelBk': (205, 229, 250),
+        'PopMenuSelBorder': (61, 143, 209),
+        'FileTransHotBk1': (241, 248, 255), 'FileTransHotBk2': (200, 225, 247),
+    }
+    border = {
+        'DrawType': 1, 'Title_Left_Width': 20, 'Title_Right_Width': 20, 'Left_Top_Height': 8,
+        'Left_Bottom_Height': 8, 'Right_Top_Height': 8, 'Right_Bottom_Height': 8,
+        'Bottom_Left_Width': 12, 'Bottom_Right_Width': 12,
+    }
+    caption = {
+        'AutoAlign': False, 'MinButton_Offset': 64, 'MaxButton_Offset': 36, 'CloseButton_Offset': 8,
+        'MinButton_Top': 6, 'MaxButton_Top': 6, 'CloseButton_Top': 6, 'Button_Space': 2,
+        'SysMenu_Top': 8, 'SysMenu_Left': 9, 'TitleText_Top': 1, 'TitleText_Left': 32,
+        'AlwaysShowMinButton': False,
+    }
+    backdrop = {'BackColor': (214, 232, 247), 'BkgType': 'multibmp'}
+    fixed_ends = {
+        'PushButton': 8, 'TabBtnVert': 8, 'TabBtnHorz': 8, 'ListViewHeader': 4, 'GroupBtn': 8,
+        'SliderCtrlTrack': 6, 'SliderCtrlThumb': 4, 'OutlookCtrlBar': 8, 'FileTransProgressBar': 8,
     }
 
 

@@ -1,30 +1,14 @@
 #pragma once
 
-#include "KXFileSystem.h"
 #include "KXLanResManager.h"
+#include "tests/support/AppDir.h"
 #include "tests/support/Host.h"
-#include "tests/support/TempDir.h"
 
-#include <gtest/gtest.h>
-#include <initializer_list>
 #include <string>
 
 namespace test {
 
-// The directory of the executable, as far as the library is told: one for the process, made before the file
-// system's singleton looks.
-inline const TempDir& AppDir()
-{
-    static const TempDir dir;
-    static const bool told = [] {
-        KXHost::SetExecutablePath(dir.Path("app"));
-        return CKXFileSystem::GetInstancePtr() != nullptr;
-    }();
-    EXPECT_TRUE(told);
-    return dir;
-}
-
-// A language root of its own below it, for one test.
+// A language root of its own in the directory of the executable, for one test.
 class LanguageTree
 {
 public:

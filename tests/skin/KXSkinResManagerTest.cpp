@@ -8,11 +8,15 @@
 #include <array>
 #include <cctype>
 #include <climits>
+#include <filesystem>
 #include <fstream>
+#include <functional>
 #include <gmock/gmock.h>
 #include <map>
 #include <sys/inotify.h>
+#include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -39,15 +43,24 @@ const test::TempDir& Tree()
             app.Write("Skins/mixed/" + Mixed(name), test::SkinFile(name));
             app.Write("Skins/Garbage/" + name, "garbage\xFF\xFE[ = \n" + std::string(3000, '['));
         }
-        for (const char* name : {"Skins/Bare/skin.ini", "Skins/.hidden/skin.ini", "Skins/None/other.ini",
-                                 "Skins/Directory/skin.ini/file", "Skins/skin.ini"})
+        for (const char* name : {"Skin.ini", "Common/Window/Frame_Title.bmp", "Common/Button/CheckBox.bmp",
+                                 "Common/IMList/Expand.ico", "Common/Others/FileReceive.png"})
+            app.Write("Skins/Partial/" + std::string(name), test::SkinFile(name));
+        for (const char* name : {"Skins/Gone/skin.ini", "Skins/Bare/skin.ini", "Skins/.hidden/skin.ini",
+                                 "Skins/None/other.ini", "Skins/Directory/skin.ini/file", "Skins/skin.ini"})
             app.Write(name, "");
+        for (const std::string& name : test::SkinFiles()) { // that a reader would wait for
+            app.Write("Skins/Pipes/" + name, "");
+            std::filesystem::remove(app.Path("Skins/Pipes/" + name));
+            EXPECT_EQ(mkfifo(app.Path("Skins/Pipes/" + name).c_str(), 0600), 0);
+        }
         return app;
     }();
     return tree;
 }
 
 std::vector<std::string> events;
+std::function<void()> onMessage; // once
 
 int OnSkinChanged(const CString& strPath)
 {
@@ -65,6 +78,7 @@ LRESULT OnMessage(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
     GetWindowTextA(hWnd, name.data(), static_cast<int>(name.size()));
     if (nMsg == WM_KXSKINCHANGED && wParam == 0 && lParam == 0)
         events.push_back(std::string("message to ") + name.data());
+    if (const auto act = nMsg == WM_KXSKINCHANGED ? std::exchange(onMessage, {}) : nullptr) act();
     return DefWindowProcA(hWnd, nMsg, wParam, lParam);
 }
 
@@ -138,7 +152,8 @@ TEST_F(Skins, AreTheDirectoriesThatHoldASkinFile)
     std::vector<std::string> names;
     for (int n = 0; n < skins->GetSkinsTotal(); ++n)
         names.emplace_back(skins->GetSkinName(n));
-    EXPECT_THAT(names, ElementsAre("Bare", "Directory", "Full", "Garbage", "mixed"));
+    EXPECT_THAT(names,
+                ElementsAre("Bare", "Directory", "Full", "Garbage", "Gone", "mixed", "Partial", "Pipes"));
     for (const int n : {-1, skins->GetSkinsTotal(), INT_MIN, INT_MAX}) {
         EXPECT_EQ(skins->GetSkinName(n), "");
         EXPECT_EQ(skins->SetSkin(n, 1), 0);
@@ -193,7 +208,7 @@ TEST_F(Skins, MaySpellTheirNamesAsTheyLike)
 
 TEST_F(Skins, MissingAndBrokenFilesLeaveDefaults)
 {
-    for (const char* name : {"Bare", "Directory", "Garbage"}) {
+    for (const char* name : {"Bare", "Directory", "Garbage", "Pipes"}) {
         skins->SetSkin("Full", 0);
         EXPECT_EQ(skins->SetSkin(name, 1), 1) << name;
         EXPECT_EQ(events.back(), "callback 0 0 16777215");
@@ -202,6 +217,56 @@ TEST_F(Skins, MissingAndBrokenFilesLeaveDefaults)
         EXPECT_EQ(skins->GetOthRes()->m_imgFileSend.GetImageSize().cx, 0);
     }
     EXPECT_THAT(KXHost::TakeMessageBoxes(), IsEmpty());
+    skins->SetSkin("Full", 0);
+    EXPECT_EQ(skins->SetSkin("Partial", 1), 1); // as far as its files go
+    EXPECT_EQ(events.back(), "callback 30 0 197121");
+    EXPECT_EQ(skins->GetWndRes()->m_nLeftWidth + skins->GetBtnRes()->m_bRadioButton, 0);
+    EXPECT_EQ(skins->GetWndRes()->m_nOldLeftWidth + skins->GetBtnRes()->m_bCheckBox, 13);
+    EXPECT_EQ(skins->GetIMLRes()->m_hNormalIcon, nullptr);
+    EXPECT_NE(skins->GetIMLRes()->m_hExpandIcon, nullptr);
+    EXPECT_EQ(skins->GetOthRes()->m_imgFileSend.IsValid(), 0);
+    EXPECT_EQ(skins->GetOthRes()->m_imgFileReceive.GetImageSize().cx, 1);
+}
+
+TEST_F(Skins, OneThatIsGoneSinceIsLeftWithDefaults)
+{
+    for (const std::string& name : test::SkinFiles())
+        Tree().Write("Skins/Gone/" + name, test::SkinFile(name));
+    EXPECT_EQ(skins->SetSkin("Gone", 1), 1);
+    EXPECT_EQ(events.back(), "callback 30 1 197121");
+    std::filesystem::remove_all(Tree().Path("Skins/Gone"));
+    EXPECT_EQ(skins->SetSkin("Gone", 1), 1);
+    EXPECT_EQ(events.back(), "callback 0 0 16777215");
+    EXPECT_EQ(skins->GetIMLRes()->m_hNormalIcon, nullptr);
+}
+
+int ChangeFullToMixed(const CString& strPath)
+{
+    OnSkinChanged(strPath);
+    auto* pSkins = CKXSkinResManager::GetSingletonPtr();
+    if (pSkins->GetCurrentSkinName() == "Full") pSkins->SetSkin("mixed", 1);
+    return 0;
+}
+
+// By the callback, and by a window that ends the next one as well: each change is announced whole, and the
+// last one stands.
+TEST_F(Skins, MayBeChangedWhileAChangeIsAnnounced)
+{
+    const Window first("first"), second("second");
+    skins->SetCallbackFunc(ChangeFullToMixed);
+    EXPECT_EQ(skins->SetSkin("Full", 1), 1);
+    EXPECT_EQ(skins->GetCurrentSkinPath(), root + "mixed\\");
+    EXPECT_THAT(events, ElementsAre("callback 30 1 197121", "callback 30 1 197121", "message to first",
+                                    "message to second", "message to first", "message to second"));
+    events.clear();
+    onMessage = [&] {
+        DestroyWindow(second.hWnd);
+        skins->SetSkin("Bare", 1);
+    };
+    EXPECT_EQ(skins->SetSkin("mixed", 1), 1);
+    EXPECT_EQ(skins->GetCurrentSkinPath(), root + "Bare\\");
+    EXPECT_THAT(events, ElementsAre("callback 30 1 197121", "message to first", "callback 0 0 16777215",
+                                    "message to first"));
 }
 
 long ResidentKilobytes()

@@ -2,8 +2,9 @@
 
 #include "KXBitmap.h"
 #include "platform/GdiPlus.h"
-#include "tests/language/LanguageTree.h" // AppDir
+#include "tests/support/AppDir.h"
 #include "tests/support/BmpBuilder.h"
+#include "tests/support/Host.h"
 #include "tests/support/Picture.h"
 
 #include <algorithm>
