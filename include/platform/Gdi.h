@@ -69,15 +69,19 @@ KX_API HGDIOBJ GetStockObject(int nIndex);
 
 // ---- Surfaces
 
-// The desktop's pixels, of which windows cover a part. They begin as DESKTOP_COLOR.
+// The size of a desktop in memory unless the host chose another (Host.h), and what its pixels begin as.
 inline constexpr int DESKTOP_WIDTH = 1024;
 inline constexpr int DESKTOP_HEIGHT = 768;
 inline constexpr COLORREF DESKTOP_COLOR = RGB(0, 128, 128);
 
-// A surface of the desktop (null or GetDesktopWindow()) or of a window's client area, whose top left is its
-// 0, 0. What is drawn on it is on the desktop at once, for all surfaces to be read. Given back with
-// ReleaseDC, which gives 1, or 0 for another surface. Surfaces of the desktop may be drawn on from several
-// threads at once.
+// A surface of a window's client area, or with null or GetDesktopWindow() of the desktop. Given back with
+// ReleaseDC, which gives 1, or 0 for another surface.
+//
+// A window has pixels of its own, which it keeps while others lie over it. What is drawn is seen on the
+// desktop once the surface has been given back (or EndPaint called) and the window is visible.
+//
+// Reading the desktop gives what is seen at that moment, windows included. Drawing on it changes what lies
+// under all windows: on a real display nothing, in memory at once. It may be drawn on from several threads.
 KX_API HDC GetDC(HWND hWnd);
 KX_API int ReleaseDC(HWND hWnd, HDC hDC);
 // A memory surface with a bitmap of 1 by 1 pixel in it, black pen, white brush, default font; ended with

@@ -15,6 +15,7 @@ using WCHAR = char16_t;
 using LPCSTR = const char*;
 using LPSTR = char*;
 
+using UINT_PTR = std::uintptr_t;
 using WPARAM = std::uintptr_t;
 using LPARAM = std::intptr_t;
 using LRESULT = std::intptr_t;

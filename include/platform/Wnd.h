@@ -1,9 +1,17 @@
 #pragma once
 
+#include "Dc.h"
+#include "Input.h"
+#include "MessageMap.h"
 #include "Object.h"
-#include "Window.h"
+#include "WindowPaint.h"
 
-// The framework's wrapper of a window's handle. It doesn't own the window.
+// The framework's window. CreateEx makes a window whose messages come to this object, on the thread that made
+// it, until the window ends; the object ends it with itself then, and must do so on that thread. Attach and
+// FromHandle wrap a window without owning it or hearing its messages.
+//
+// A message goes to WindowProc, which looks for its handler in the message maps from the object's class up to
+// CWnd and without one calls DefWindowProc.
 class KX_API CWnd : public CObject
 {
     DECLARE_DYNAMIC(CWnd)
@@ -12,17 +20,129 @@ public:
     CWnd() = default;
     CWnd(const CWnd&) = delete;
     CWnd& operator=(const CWnd&) = delete;
+    ~CWnd() override;
+
+    // ---- The window
 
     HWND GetSafeHwnd() const { return m_hWnd; }
     // 0 for null or when there is a handle already.
     int Attach(HWND hWnd);
     HWND Detach();
-    // The thread's own wrapper of a handle; it lives at least as long as the window.
+    // This thread's object whose window it is, else the thread's own wrapper, which lives at least as long as
+    // the window; null for null.
     static CWnd* FromHandle(HWND hWnd);
 
+    // Makes the window; arguments as for CreateWindowExA. The parent is null or the desktop's. 1, or 0 when
+    // there is a window already or none can be made.
+    int CreateEx(DWORD dwExStyle, const char* pszClass, const char* pszName, DWORD dwStyle, const RECT& rect,
+                 CWnd* pParent, UINT nId, void* pParam = nullptr);
+    // 0 without a window of this thread.
+    virtual int DestroyWindow();
+
+    // ---- What the platform's operations of these names do
+
+    static CWnd* GetDesktopWindow() { return FromHandle(::GetDesktopWindow()); }
+    int ShowWindow(int nCmd) { return ::ShowWindow(m_hWnd, nCmd); }
+    int IsWindowVisible() const { return ::IsWindowVisible(m_hWnd); }
+    int SetWindowPos(HWND hAfter, int x, int y, int cx, int cy, UINT nFlags)
+    {
+        return ::SetWindowPos(m_hWnd, hAfter, x, y, cx, cy, nFlags);
+    }
+    void MoveWindow(const RECT& rect, int bRepaint = 1)
+    {
+        ::MoveWindow(m_hWnd, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top, bRepaint);
+    }
+    int AnimateWindow(DWORD dwTime, DWORD dwFlags) { return ::AnimateWindow(m_hWnd, dwTime, dwFlags); }
     // Left and top are 0. All zero without a window.
     void GetClientRect(RECT* pRect) const;
     void GetWindowRect(RECT* pRect) const;
+    void SetWindowText(const char* psz) { ::SetWindowTextA(m_hWnd, psz); }
+
+    void Invalidate(int bErase = 1) { ::InvalidateRect(m_hWnd, nullptr, bErase); }
+    void InvalidateRect(const RECT* pRect, int bErase = 1) { ::InvalidateRect(m_hWnd, pRect, bErase); }
+    void UpdateWindow() { ::UpdateWindow(m_hWnd); }
+    CDC* GetDC() { return CDC::FromHandle(::GetDC(m_hWnd)); }
+    int ReleaseDC(CDC* pDC) { return pDC ? ::ReleaseDC(m_hWnd, pDC->m_hDC) : 0; }
+
+    UINT_PTR SetTimer(UINT_PTR nId, UINT nPeriod, TIMERPROC pfn)
+    {
+        return ::SetTimer(m_hWnd, nId, nPeriod, pfn);
+    }
+    int KillTimer(UINT_PTR nId) { return ::KillTimer(m_hWnd, nId); }
+    CWnd* SetFocus() { return FromHandle(::SetFocus(m_hWnd)); }
+    static CWnd* GetFocus() { return FromHandle(::GetFocus()); }
+
+    LRESULT SendMessage(UINT nMsg, WPARAM wParam = 0, LPARAM lParam = 0)
+    {
+        return SendMessageA(m_hWnd, nMsg, wParam, lParam);
+    }
+    int PostMessage(UINT nMsg, WPARAM wParam = 0, LPARAM lParam = 0)
+    {
+        return ::PostMessage(m_hWnd, nMsg, wParam, lParam);
+    }
 
     HWND m_hWnd = nullptr;
+
+protected:
+    virtual LRESULT WindowProc(UINT nMsg, WPARAM wParam, LPARAM lParam);
+    virtual LRESULT DefWindowProc(UINT nMsg, WPARAM wParam, LPARAM lParam);
+    // The window's last sight of this object, which may delete itself here.
+    virtual void PostNcDestroy() {}
+    // The default handling of the message that is being handled.
+    LRESULT Default();
+
+    // Each does what Default does.
+    int OnCreate(CREATESTRUCTA* pCreate);
+    void OnDestroy();
+    void OnClose();
+    void OnMove(int x, int y);
+    void OnSize(UINT nType, int cx, int cy);
+    void OnSetFocus(CWnd* pOldWnd);
+    void OnKillFocus(CWnd* pNewWnd);
+    void OnPaint();
+    int OnEraseBkgnd(CDC* pDC);
+    void OnShowWindow(int bShow, UINT nStatus);
+    void OnTimer(UINT nId);
+    void OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags);
+    void OnChar(UINT nChar, UINT nRepeat, UINT nFlags);
+    void OnMouseMove(UINT nFlags, CPoint point);
+    void OnLButtonDown(UINT nFlags, CPoint point);
+    void OnLButtonUp(UINT nFlags, CPoint point);
+
+    DECLARE_MESSAGE_MAP()
+
+private:
+    friend LRESULT AfxWndProc(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam);
+
+    bool m_bOwnsWindow = false;
 };
+
+// The surface of a WM_PAINT: BeginPaint in its constructor, EndPaint in its destructor.
+class KX_API CPaintDC : public CDC
+{
+public:
+    explicit CPaintDC(CWnd* pWnd);
+    ~CPaintDC() override;
+
+    PAINTSTRUCT m_ps;
+
+private:
+    HWND m_hWnd;
+};
+
+// The surface of a window's client area, as long as the object lives.
+class KX_API CClientDC : public CDC
+{
+public:
+    explicit CClientDC(CWnd* pWnd);
+    ~CClientDC() override;
+
+private:
+    HWND m_hWnd;
+};
+
+// The name of a window class whose windows belong to CWnd objects: the same for the same arguments, made
+// known at the first call. Cursor and icon are accepted and ignored. The name lives as long as the process;
+// null for lack of room.
+KX_API const char* AfxRegisterWndClass(UINT nStyle, void* hCursor = nullptr, HBRUSH hBackground = nullptr,
+                                       HICON hIcon = nullptr);

@@ -1,6 +1,7 @@
 #include "include/platform/Wnd.h"
 
 #include "platform/framework/TempMap.h"
+#include "platform/framework/WndMap.h"
 
 #include <utility>
 
@@ -20,6 +21,11 @@ void Bind(CWnd& wnd, HWND hWnd)
 
 } // namespace
 
+CWnd::~CWnd()
+{
+    if (m_bOwnsWindow) CWnd::DestroyWindow();
+}
+
 int CWnd::Attach(HWND hWnd)
 {
     if (m_hWnd || !hWnd) return 0;
@@ -29,13 +35,21 @@ int CWnd::Attach(HWND hWnd)
 
 HWND CWnd::Detach()
 {
+    if (std::exchange(m_bOwnsWindow, false)) kx::framework::Wnds().erase(m_hWnd);
     return std::exchange(m_hWnd, nullptr);
 }
 
 CWnd* CWnd::FromHandle(HWND hWnd)
 {
+    const auto& own = kx::framework::Wnds();
+    if (const auto it = own.find(hWnd); it != own.end()) return it->second;
     thread_local kx::framework::TempMap<CWnd, HWND, IsAlive, Bind> map;
     return map.Get(hWnd);
+}
+
+int CWnd::DestroyWindow()
+{
+    return ::DestroyWindow(m_hWnd);
 }
 
 void CWnd::GetClientRect(RECT* pRect) const

@@ -16,11 +16,10 @@ struct Block
 };
 
 // Where it lies on the surface; sides beyond the range of coordinates stay at its end.
-inline RECT Place(const Block& block, POINT origin) noexcept
+inline RECT Place(const Block& block) noexcept
 {
-    const auto side = [](int nOrigin, int n, int nLength) { return std::int64_t{nOrigin} + n + nLength; };
-    return {ToSide(side(origin.x, block.x, 0)), ToSide(side(origin.y, block.y, 0)),
-            ToSide(side(origin.x, block.x, block.cx)), ToSide(side(origin.y, block.y, block.cy))};
+    return {block.x, block.y, ToSide(std::int64_t{block.x} + block.cx),
+            ToSide(std::int64_t{block.y} + block.cy)};
 }
 
 // The part of a one-to-one copy that lies on both surfaces: `area` of the destination's, of which each pixel
@@ -34,9 +33,9 @@ struct Fit
 
 inline Fit FitBlock(const Canvas& to, const Block& block, const Canvas& from, int xSrc, int ySrc) noexcept
 {
-    const std::int64_t dx = std::int64_t{to.origin.x} + block.x - from.origin.x - xSrc;
-    const std::int64_t dy = std::int64_t{to.origin.y} + block.y - from.origin.y - ySrc;
-    const RECT area = Cut(Cut(Place(block, to.origin), to.bounds), Moved(from.bounds, dx, dy));
+    const std::int64_t dx = std::int64_t{block.x} - xSrc;
+    const std::int64_t dy = std::int64_t{block.y} - ySrc;
+    const RECT area = Cut(Cut(Place(block), to.bounds), Moved(from.bounds, dx, dy));
     if (IsEmpty(area)) return {};
     return {area, static_cast<int>(dx), static_cast<int>(dy)};
 }

@@ -8,15 +8,15 @@ using namespace kx::gdi;
 
 namespace {
 
-// Runs a copy between two surfaces; 0 if there is none by either handle.
+// Runs a copy from a block of one surface to another; 0 if there is none by either handle.
 template <class Copy>
-int Between(HDC hDst, HDC hSrc, Copy&& copy)
+int Between(HDC hDst, HDC hSrc, const Block& source, Copy&& copy)
 try {
     const auto to = FindAs<DeviceContext>(hDst);
     const auto from = hSrc == hDst ? to : FindAs<DeviceContext>(hSrc);
     if (!to || !from) return 0;
     const Canvas target = to->Paint();
-    return copy(target, from->Paint());
+    return copy(target, from->Read(Place(source)));
 } catch (const std::bad_alloc&) {
     return 0;
 }
@@ -29,7 +29,7 @@ bool HasNegativeSize(const Block& block) noexcept
 // Whether a block lies on the surface as a whole.
 bool IsWithin(const Block& block, const Canvas& canvas) noexcept
 {
-    const RECT placed = Place(block, canvas.origin);
+    const RECT placed = Place(block);
     const RECT cut = Cut(placed, canvas.bounds);
     return cut == placed;
 }
@@ -40,7 +40,7 @@ int BitBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, int ySrc,
 {
     TellCopy({KXHost::CopyKind::BitBlt, hDst, x, y, cx, cy, hSrc, xSrc, ySrc, cx, cy, 0});
     if (dwRop != SRCCOPY) return 0;
-    return Between(hDst, hSrc, [&](const Canvas& to, const Canvas& from) {
+    return Between(hDst, hSrc, {xSrc, ySrc, cx, cy}, [&](const Canvas& to, const Canvas& from) {
         CopyBlock(to, {x, y, cx, cy}, from, xSrc, ySrc);
         return 1;
     });
@@ -53,7 +53,7 @@ int StretchBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, int y
     const Block block{x, y, cx, cy};
     const Block source{xSrc, ySrc, cxSrc, cySrc};
     if (dwRop != SRCCOPY || HasNegativeSize(block) || HasNegativeSize(source)) return 0;
-    return Between(hDst, hSrc, [&](const Canvas& to, const Canvas& from) {
+    return Between(hDst, hSrc, source, [&](const Canvas& to, const Canvas& from) {
         if (cx == cxSrc && cy == cySrc)
             CopyBlock(to, block, from, xSrc, ySrc);
         else
@@ -69,7 +69,7 @@ int TransparentBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, i
     const Block block{x, y, cx, cy};
     const Block source{xSrc, ySrc, cxSrc, cySrc};
     if (HasNegativeSize(block) || HasNegativeSize(source)) return 0;
-    return Between(hDst, hSrc, [&](const Canvas& to, const Canvas& from) {
+    return Between(hDst, hSrc, source, [&](const Canvas& to, const Canvas& from) {
         if (!IsWithin(source, from)) return 0;
         if (cx == cxSrc && cy == cySrc)
             CopyKeyedBlock(to, block, from, xSrc, ySrc, ToPixel(clrKey));

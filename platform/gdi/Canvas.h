@@ -8,19 +8,15 @@
 
 namespace kx::gdi {
 
-// Where a device context draws, for the length of one operation. Everything but `origin` is in the surface's
+// Where a device context draws, for the length of one operation. Everything is in the surface's
 // coordinates.
 struct Canvas
 {
     Surface& surface;
-    POINT origin;               // the context's 0, 0
     RECT bounds;                // what may be read; within the surface
     std::span<const RECT> clip; // what may be written: disjoint, in rows from the top; within the bounds
     // Held while the surface is the desktop's, which windows of several threads share.
     std::unique_lock<std::recursive_mutex> lock;
-
-    // A rectangle of the context's, cut to nothing yet.
-    RECT ToSurface(const RECT& rect) const noexcept { return Moved(rect, origin.x, origin.y); }
 };
 
 } // namespace kx::gdi

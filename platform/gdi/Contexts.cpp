@@ -1,5 +1,5 @@
 #include "platform/gdi/DeviceContext.h"
-#include "platform/gdi/Screen.h"
+#include "platform/window/Backing.h"
 
 #include <new>
 
@@ -7,8 +7,7 @@ using namespace kx::gdi;
 
 HDC GetDC(HWND hWnd)
 try {
-    const auto area = AreaOf(hWnd);
-    return area ? static_cast<HDC>(Add(std::make_shared<DeviceContext>(*area))) : nullptr;
+    return kx::window::OpenContext(hWnd, std::nullopt);
 } catch (const std::bad_alloc&) {
     return nullptr;
 }
@@ -16,7 +15,9 @@ try {
 int ReleaseDC(HWND, HDC hDC)
 {
     const auto context = FindAs<DeviceContext>(hDC);
-    return context && !context->IsMemory() && Remove(hDC) ? 1 : 0;
+    if (!context || context->IsMemory() || !Remove(hDC)) return 0;
+    kx::window::Present(context->Window(), *context);
+    return 1;
 }
 
 HDC CreateCompatibleDC(HDC hDC)

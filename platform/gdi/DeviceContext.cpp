@@ -2,6 +2,7 @@
 
 #include "platform/gdi/Screen.h"
 #include "platform/gdi/Stock.h"
+#include "platform/window/Desktop.h"
 
 #include <new>
 #include <utility>
@@ -25,9 +26,7 @@ std::shared_ptr<Bitmap> MakeOwnBitmap()
 } // namespace
 
 DeviceContext::DeviceContext()
-    : m_origin{},
-      m_own(MakeOwnBitmap()),
-      m_view(MakeView(m_own->surface, WholeOf(m_own->surface), std::nullopt))
+    : m_own(MakeOwnBitmap()), m_view(MakeView(m_own->surface, WholeOf(m_own->surface), std::nullopt))
 {
     HoldStock();
     if (!Add(m_own, true)) throw std::bad_alloc();
@@ -35,10 +34,12 @@ DeviceContext::DeviceContext()
     Hold(m_own);
 }
 
-DeviceContext::DeviceContext(const RECT& area)
-    : m_origin{area.left, area.top},
-      m_view(
-          MakeView(Screen::Instance().surface, Cut(area, WholeOf(Screen::Instance().surface)), std::nullopt))
+DeviceContext::DeviceContext(HWND hWnd, std::shared_ptr<Backing> pixels,
+                             const std::optional<PixelRegion>& limit)
+    : m_window(hWnd),
+      m_limit(limit),
+      m_shared(std::move(pixels)),
+      m_view(MakeView(m_shared->surface, WholeOf(m_shared->surface), std::nullopt))
 {
     HoldStock();
 }
@@ -54,11 +55,8 @@ DeviceContext::View DeviceContext::MakeView(Surface& surface, const RECT& bounds
                                             const std::optional<PixelRegion>& region) const
 {
     View view{&surface, bounds, PixelRegion(bounds), {}};
-    if (region) {
-        PixelRegion placed = *region;
-        placed.Move(m_origin.x, m_origin.y);
-        view.visible.IntersectWith(placed);
-    }
+    if (m_limit) view.visible.IntersectWith(*m_limit);
+    if (region) view.visible.IntersectWith(*region);
     const auto boxes = view.visible.Boxes();
     view.clip.reserve(boxes.size());
     for (const auto& box : boxes)
@@ -108,16 +106,24 @@ void DeviceContext::SetClip(std::optional<PixelRegion> region)
 
 int DeviceContext::ClipBox(RECT& rect) const noexcept
 {
-    rect = Moved(m_view.visible.Extents(), -std::int64_t{m_origin.x}, -std::int64_t{m_origin.y});
+    rect = m_view.visible.Extents();
     if (m_view.visible.Complexity() == NULLREGION) rect = {};
     return m_view.visible.Complexity();
 }
 
 Canvas DeviceContext::Paint() noexcept
 {
-    Canvas canvas{*m_view.surface, m_origin, m_view.bounds, m_view.clip, {}};
-    if (!IsMemory()) canvas.lock = std::unique_lock(Screen::Instance().lock);
+    Canvas canvas{*m_view.surface, m_view.bounds, m_view.clip, {}};
+    if (m_shared) canvas.lock = std::unique_lock(Screen::Instance().lock);
     return canvas;
+}
+
+Canvas DeviceContext::Read(const RECT& rect)
+{
+    if (!m_shared || m_window) return Paint();
+    std::unique_lock lock(Screen::Instance().lock);
+    Surface& seen = window::Desktop::Instance().Look(rect, m_shared->surface);
+    return {seen, m_view.bounds, m_view.clip, std::move(lock)};
 }
 
 } // namespace kx::gdi

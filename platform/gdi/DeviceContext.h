@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/gdi/Backing.h"
 #include "platform/gdi/Bitmap.h"
 #include "platform/gdi/Brush.h"
 #include "platform/gdi/Canvas.h"
@@ -19,14 +20,19 @@ class DeviceContext : public Object
 public:
     // A memory surface, whose first bitmap is its own, of 1 by 1 pixel.
     DeviceContext();
-    // The surface of an area of the desktop; its 0, 0 is the area's top left, which may lie outside the
-    // desktop.
-    explicit DeviceContext(const RECT& area);
+    // Shared pixels: a window's, of which drawing reaches `limit` alone where there is one, or with null for
+    // the window the desktop's.
+    DeviceContext(HWND hWnd, std::shared_ptr<Backing> pixels, const std::optional<PixelRegion>& limit);
     ~DeviceContext() override;
 
     bool IsMemory() const noexcept { return m_own != nullptr; }
+    // Whose pixels they are; null for memory and the desktop.
+    HWND Window() const noexcept { return m_window; }
     // Where to draw now. It ends before the next change of the context.
     Canvas Paint() noexcept;
+    // The same for one who reads: the desktop as it is seen now, of which the rectangle of the context's is
+    // up to date. Windows lie over what is drawn, so nothing is written there.
+    Canvas Read(const RECT& rect);
 
     // Selects a bitmap, pen, brush or font and gives the handle of what it displaced; null where it can't be.
     HGDIOBJ Select(std::shared_ptr<Object> object);
@@ -65,9 +71,11 @@ private:
     // Takes an object, whose `selected` counts this context already, in place of the one that it gives.
     std::shared_ptr<Object> Hold(std::shared_ptr<Object> object) noexcept;
 
-    const POINT m_origin;
-    std::optional<PixelRegion> m_region; // in the context's coordinates
-    std::shared_ptr<Bitmap> m_own;       // null on the desktop
+    const HWND m_window = nullptr;
+    const std::optional<PixelRegion> m_limit;
+    std::optional<PixelRegion> m_region;
+    std::shared_ptr<Bitmap> m_own;     // null where the pixels are shared
+    std::shared_ptr<Backing> m_shared; // null for memory
     View m_view;
     std::array<std::shared_ptr<Object>, static_cast<std::size_t>(Kind::Font) + 1> m_held;
 };

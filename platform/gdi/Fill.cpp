@@ -45,8 +45,7 @@ try {
     const auto brush = FindAs<Brush>(hBrush);
     if (!context || !brush || !pRect) return 0;
     const Canvas canvas = context->Paint();
-    const RECT rect = canvas.ToSurface(*pRect);
-    if (brush->Draws()) FillRects(canvas, {&rect, 1}, ToPixel(brush->color));
+    if (brush->Draws()) FillRects(canvas, {pRect, 1}, ToPixel(brush->color));
     return 1;
 } catch (const std::bad_alloc&) {
     return 0;
@@ -62,8 +61,7 @@ try {
     const Canvas canvas = context->Paint();
     const auto boxes = region->pixels.Boxes();
     std::vector<RECT> rects(boxes.size());
-    std::transform(boxes.begin(), boxes.end(), rects.begin(),
-                   [&](const auto& box) { return canvas.ToSurface(ToRect(box)); });
+    std::transform(boxes.begin(), boxes.end(), rects.begin(), [](const auto& box) { return ToRect(box); });
     FillRects(canvas, rects, ToPixel(brush->color));
     return 1;
 } catch (const std::bad_alloc&) {

@@ -39,7 +39,7 @@ int DrawIcon(HDC hDC, int x, int y, HICON hIcon)
     if (!context || !icon) return 0;
     const Surface& image = icon->surface;
     const Canvas canvas = context->Paint();
-    const RECT place = Place({x, y, image.Width(), image.Height()}, canvas.origin);
+    const RECT place = Place({x, y, image.Width(), image.Height()});
     for (const RECT& clip : canvas.clip) {
         const RECT part = Cut(place, clip);
         if (IsEmpty(part)) continue;

@@ -70,10 +70,8 @@ void DrawLine(const Canvas& canvas, POINT from, POINT to, const Pen& pen)
 {
     const std::int64_t dx = std::int64_t{to.x} - from.x;
     const std::int64_t dy = std::int64_t{to.y} - from.y;
-    const std::int64_t x = std::int64_t{from.x} + canvas.origin.x;
-    const std::int64_t y = std::int64_t{from.y} + canvas.origin.y;
     const bool bFlat = std::abs(dx) >= std::abs(dy);
-    const Slope slope = bFlat ? MakeSlope(x, y, dx, dy) : MakeSlope(y, x, dy, dx);
+    const Slope slope = bFlat ? MakeSlope(from.x, from.y, dx, dy) : MakeSlope(from.y, from.x, dy, dx);
     if (slope.length == 0) return;
     // Across a sloping line there is more of it than its width.
     const double fLean = std::hypot(1.0, static_cast<double>(slope.rise) / static_cast<double>(slope.length));

@@ -1,3 +1,4 @@
+#include "platform/gdi/Block.h"
 #include "platform/gdi/DeviceContext.h"
 
 #include <algorithm>
@@ -9,13 +10,11 @@ namespace {
 // The pixel at a place of the context, null where it isn't drawn on.
 DWORD* PixelAt(const Canvas& canvas, int x, int y) noexcept
 {
-    const std::int64_t nColumn = std::int64_t{canvas.origin.x} + x;
-    const std::int64_t nRow = std::int64_t{canvas.origin.y} + y;
     const auto holds = [&](const RECT& clip) {
-        return nColumn >= clip.left && nColumn < clip.right && nRow >= clip.top && nRow < clip.bottom;
+        return x >= clip.left && x < clip.right && y >= clip.top && y < clip.bottom;
     };
     if (std::none_of(canvas.clip.begin(), canvas.clip.end(), holds)) return nullptr;
-    return canvas.surface.Row(static_cast<int>(nRow)) + nColumn;
+    return canvas.surface.Row(y) + x;
 }
 
 } // namespace
@@ -24,7 +23,7 @@ COLORREF GetPixel(HDC hDC, int x, int y)
 {
     const auto context = FindAs<DeviceContext>(hDC);
     if (!context) return CLR_INVALID;
-    const Canvas canvas = context->Paint();
+    const Canvas canvas = context->Read(Place({x, y, 1, 1}));
     const DWORD* pixel = PixelAt(canvas, x, y);
     return pixel ? ToColor(*pixel) : CLR_INVALID;
 }

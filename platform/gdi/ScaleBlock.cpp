@@ -82,14 +82,12 @@ void ScalePart(Surface& to, const Surface& from, const RECT& part, const Axis& c
 void ScaleBlock(const Canvas& to, const Block& block, const Canvas& from, const Block& source,
                 std::optional<DWORD> key)
 {
-    const RECT area = Cut(Place(block, to.origin), to.bounds);
+    const RECT area = Cut(Place(block), to.bounds);
     if (IsEmpty(area) || source.cx <= 0 || source.cy <= 0) return;
-    Axis columns = MakeAxis({std::int64_t{to.origin.x} + block.x, block.cx},
-                            {std::int64_t{from.origin.x} + source.x, source.cx}, area.left, area.right,
+    Axis columns = MakeAxis({block.x, block.cx}, {source.x, source.cx}, area.left, area.right,
                             from.bounds.left, from.bounds.right);
-    Axis rows = MakeAxis({std::int64_t{to.origin.y} + block.y, block.cy},
-                         {std::int64_t{from.origin.y} + source.y, source.cy}, area.top, area.bottom,
-                         from.bounds.top, from.bounds.bottom);
+    Axis rows = MakeAxis({block.y, block.cy}, {source.y, source.cy}, area.top, area.bottom, from.bounds.top,
+                         from.bounds.bottom);
     if (columns.sources.empty() || rows.sources.empty()) return;
 
     std::optional<Surface> snapshot;

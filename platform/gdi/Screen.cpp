@@ -1,37 +1,28 @@
 #include "platform/gdi/Screen.h"
 
-#include "include/platform/Window.h"
 #include "platform/Immortal.h"
+#include "platform/window/Desktop.h"
 
 #include <algorithm>
-#include <new>
 
 namespace kx::gdi {
 
-namespace {
-
-Surface MakeDesktop()
-{
-    auto surface = Surface::Make(DESKTOP_WIDTH, DESKTOP_HEIGHT);
-    if (!surface) throw std::bad_alloc();
-    for (int y = 0; y < DESKTOP_HEIGHT; ++y)
-        std::fill_n(surface->Row(y), DESKTOP_WIDTH, ToPixel(DESKTOP_COLOR));
-    return std::move(*surface);
-}
-
-} // namespace
-
 Screen& Screen::Instance()
 {
-    static Immortal<Screen> screen(MakeDesktop());
+    static Immortal<Screen> screen;
     return screen.Get();
 }
 
-std::optional<RECT> AreaOf(HWND hWnd)
+const std::shared_ptr<Backing>& Screen::Root()
 {
-    RECT area;
-    if (!GetWindowRect(hWnd ? hWnd : GetDesktopWindow(), &area)) return std::nullopt;
-    return area;
+    if (m_root) return m_root;
+    const SIZE size = window::Desktop::Instance().Size();
+    auto surface = Surface::Make(size.cx, size.cy);
+    if (!surface) return m_root;
+    for (int y = 0; y < size.cy; ++y)
+        std::fill_n(surface->Row(y), size.cx, ToPixel(DESKTOP_COLOR));
+    m_root = std::make_shared<Backing>(std::move(*surface));
+    return m_root;
 }
 
 } // namespace kx::gdi

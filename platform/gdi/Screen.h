@@ -1,24 +1,28 @@
 #pragma once
 
-#include "platform/gdi/Surface.h"
+#include "platform/gdi/Backing.h"
 
+#include <memory>
 #include <mutex>
-#include <optional>
-#include <utility>
 
 namespace kx::gdi {
 
-// The pixels of the desktop, on which windows draw. Made at the first use, never destroyed.
-struct Screen
+// The desktop's pixels below all windows, and the lock of everything that is shown on it. Never destroyed.
+class Screen
 {
-    explicit Screen(Surface pixels) noexcept : surface(std::move(pixels)) {}
+public:
     static Screen& Instance();
 
-    Surface surface;
-    std::recursive_mutex lock; // guards the pixels
-};
+    // Guards the pixels of the desktop and of all windows.
+    std::recursive_mutex lock;
 
-// What of the desktop the surface of a window covers: all of it for null, nothing for no such window.
-std::optional<RECT> AreaOf(HWND hWnd);
+    // Of the desktop's size, made at the first use; null for a lack of memory. Under the lock.
+    const std::shared_ptr<Backing>& Root();
+    // Lets the next Root be made anew, for another desktop. Who holds the old one keeps it.
+    void Forget() noexcept { m_root.reset(); }
+
+private:
+    std::shared_ptr<Backing> m_root;
+};
 
 } // namespace kx::gdi

@@ -3,66 +3,76 @@
 #include "platform/gdi/RoundShape.h"
 
 #include <new>
+#include <span>
 #include <vector>
 
 using namespace kx::gdi;
 
 namespace {
 
-// A shape cut into what the pen paints and what the brush does, on the canvas's surface.
-struct Pieces
+// What paints a shape: null for what doesn't.
+struct Tools
 {
-    std::vector<RECT> outline;
-    std::vector<RECT> inside;
+    const Pen* pen;
+    const Brush* brush;
+    int Width() const { return pen ? pen->width : 0; }
+
+    // The shape cut into what the pen paints and what the brush does.
+    void Paint(const Canvas& canvas, std::span<const RECT> outline, std::span<const RECT> inside) const
+    {
+        if (brush) FillRects(canvas, inside, ToPixel(brush->color));
+        if (pen) FillRects(canvas, outline, ToPixel(pen->color));
+    }
 };
 
-Pieces CutSquare(const RECT& rect, int nWidth)
+void DrawSquare(const Canvas& canvas, const RECT& rect, const Tools& tools)
 {
+    const int nWidth = tools.Width();
     const RECT inner{ToSide(std::int64_t{rect.left} + nWidth), ToSide(std::int64_t{rect.top} + nWidth),
                      ToSide(std::int64_t{rect.right} - nWidth), ToSide(std::int64_t{rect.bottom} - nWidth)};
-    if (IsEmpty(inner)) return {{rect}, {}};
-    return {{{rect.left, rect.top, rect.right, inner.top},
-             {rect.left, inner.top, inner.left, inner.bottom},
-             {inner.right, inner.top, rect.right, inner.bottom},
-             {rect.left, inner.bottom, rect.right, rect.bottom}},
-            {inner}};
+    if (IsEmpty(inner)) return tools.Paint(canvas, {&rect, 1}, {});
+    const RECT outline[] = {{rect.left, rect.top, rect.right, inner.top},
+                            {rect.left, inner.top, inner.left, inner.bottom},
+                            {inner.right, inner.top, rect.right, inner.bottom},
+                            {rect.left, inner.bottom, rect.right, rect.bottom}};
+    tools.Paint(canvas, outline, {&inner, 1});
 }
 
-Pieces CutRound(const RoundShape& shape, int nWidth, int nTop, int nBottom)
+void DrawRound(const Canvas& canvas, const RECT& rect, const RoundShape& shape, const Tools& tools)
 {
-    Pieces pieces;
-    for (int y = nTop; y < nBottom; ++y) {
+    const int nWidth = tools.Width();
+    const RECT rows = Cut(rect, canvas.bounds);
+    std::vector<RECT> outlines, insides;
+    for (int y = rows.top; y < rows.bottom; ++y) {
         const RECT row = shape.Row(y);
         const RECT inside = nWidth > 0 ? shape.RowInside(y, nWidth) : row;
         if (IsEmpty(inside)) {
-            pieces.outline.push_back(row);
+            outlines.push_back(row);
             continue;
         }
-        pieces.outline.push_back({row.left, y, inside.left, row.bottom});
-        pieces.outline.push_back({inside.right, y, row.right, row.bottom});
-        pieces.inside.push_back(inside);
+        outlines.push_back({row.left, y, inside.left, row.bottom});
+        outlines.push_back({inside.right, y, row.right, row.bottom});
+        insides.push_back(inside);
     }
-    return pieces;
+    tools.Paint(canvas, outlines, insides);
 }
 
-void Draw(DeviceContext& context, const RECT& shape, int cxEllipse, int cyEllipse)
+void Draw(DeviceContext& context, RECT rect, int cxEllipse, int cyEllipse)
 {
     const Pen& pen = context.CurrentPen();
     const Brush& brush = context.CurrentBrush();
+    const Tools tools{pen.Draws() ? &pen : nullptr, brush.Draws() ? &brush : nullptr};
     const Canvas canvas = context.Paint();
-    RECT rect = canvas.ToSurface(shape);
     // As the platform has it, a shape without an outline is a pixel shorter each way.
-    if (!pen.Draws())
+    if (!tools.pen)
         rect = {rect.left, rect.top, ToSide(std::int64_t{rect.right} - 1),
                 ToSide(std::int64_t{rect.bottom} - 1)};
     if (IsEmpty(rect)) return;
-    const int nWidth = pen.Draws() ? pen.width : 0;
     const RoundShape round(rect, cxEllipse, cyEllipse);
-    const RECT rows = Cut(rect, canvas.bounds);
-    const Pieces pieces =
-        round.IsSquare() ? CutSquare(rect, nWidth) : CutRound(round, nWidth, rows.top, rows.bottom);
-    if (brush.Draws()) FillRects(canvas, pieces.inside, ToPixel(brush.color));
-    if (pen.Draws()) FillRects(canvas, pieces.outline, ToPixel(pen.color));
+    if (round.IsSquare())
+        DrawSquare(canvas, rect, tools);
+    else
+        DrawRound(canvas, rect, round, tools);
 }
 
 } // namespace

@@ -14,6 +14,8 @@ struct WindowClass
     CString name;
     CString key; // the name with its ASCII letters folded
     WNDPROC proc;
+    HBRUSH background; // null: none
+    UINT style;
 };
 
 // The classes of windows by name. A class's atom tells its place here. Any thread.

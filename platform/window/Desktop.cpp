@@ -1,12 +1,55 @@
 #include "platform/window/Desktop.h"
 
+#include "platform/Immortal.h"
+#include "platform/gdi/Screen.h"
+#include "platform/window/WindowTable.h"
 #include "platform/window/headless/HeadlessDesktop.h"
+#include "platform/window/x11/X11Desktop.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <mutex>
+#include <utility>
 
 namespace kx::window {
 
+namespace {
+
+std::atomic<Desktop*> g_desktop{nullptr};
+
+Desktop& Choose()
+{
+    const char* pszDisplay = std::getenv("DISPLAY");
+    auto display = pszDisplay && *pszDisplay ? X11Desktop::Open(pszDisplay) : nullptr;
+    if (!display) return HeadlessDesktop::Instance();
+    return X11Desktop::Keep(std::move(display));
+}
+
+} // namespace
+
 Desktop& Desktop::Instance()
 {
-    return HeadlessDesktop::Instance();
+    if (Desktop* chosen = g_desktop.load(std::memory_order_acquire)) return *chosen;
+    static Immortal<std::mutex> choosing;
+    const std::lock_guard lock(choosing.Get());
+    if (Desktop* chosen = g_desktop.load()) return *chosen;
+    Desktop& choice = Choose();
+    Desktop* none = nullptr;
+    if (!g_desktop.compare_exchange_strong(none, &choice)) choice.Leave(); // the host was faster
+    return *g_desktop.load();
+}
+
+bool Desktop::Use(Desktop& desktop)
+{
+    Desktop* old = nullptr;
+    {
+        const std::lock_guard lock(gdi::Screen::Instance().lock);
+        if (!WindowTable::Instance().Handles().empty()) return false;
+        old = g_desktop.exchange(&desktop);
+        gdi::Screen::Instance().Forget();
+    }
+    if (old && old != &desktop) old->Leave();
+    return true;
 }
 
 } // namespace kx::window

@@ -2,6 +2,8 @@
 
 #include "include/platform/Host.h"
 #include "include/platform/Window.h"
+#include "platform/gdi/PixelRegion.h"
+#include "platform/gdi/Surface.h"
 
 #include <optional>
 #include <vector>
@@ -16,8 +18,17 @@ struct WindowFacts
     bool visible;
 };
 
+enum class Order
+{
+    Top,        // above all of its kind, which are the topmost and the others
+    Bottom,     // below all
+    Topmost,    // from now on one of the topmost
+    NotTopmost, // no longer
+};
+
 // Where windows appear: what differs between desktops. The messages of this process's windows are none of its
-// business: what a desktop learns of them (input, a wish to close) it gives them with PostMessage.
+// business: what a desktop learns of them (input, a wish to close) it gives them with PostMessage and
+// PostChore.
 //
 // Any thread may call any operation, and no lock is held during the call. What concerns a window of this
 // process is called on the window's thread, but for Show and SetText. A handle that ended, or never was, is
@@ -27,7 +38,14 @@ class Desktop
 public:
     // The process's desktop, chosen at the first use.
     static Desktop& Instance();
+    // Chooses another from now on; false while there are windows.
+    static bool Use(Desktop& desktop);
     virtual ~Desktop() = default;
+
+    virtual SIZE Size() const noexcept = 0;
+    // Another has taken its place: it gives back what it holds of the system's. Without the lock of the
+    // desktop's pixels.
+    virtual void Leave() noexcept {}
 
     // ---- Windows of this process
 
@@ -35,7 +53,24 @@ public:
     virtual bool Create(HWND hWnd, const CREATESTRUCTA& create) = 0;
     virtual void Show(HWND hWnd, bool bVisible) = 0;
     virtual void SetText(HWND hWnd, const char* pszText) = 0;
+    virtual void Place(HWND hWnd, const RECT& rect) = 0;
+    virtual void Stack(HWND hWnd, Order order) = 0;
+    // Cut to a region of its own coordinates, or with null whole. Under the lock of the desktop's pixels.
+    virtual void Shape(HWND, const gdi::PixelRegion*) {}
+    // Opaque at first: 255.
+    virtual void SetOpacity(HWND hWnd, BYTE opacity) = 0;
+    // Gives the keyboard to a window, or with null to none of this process.
+    virtual void Focus(HWND hWnd) = 0;
     virtual void Destroy(HWND hWnd) noexcept = 0;
+
+    // ---- Pixels, under the lock of the desktop's pixels
+
+    // A rectangle of a window's pixels has changed, or with the first call since Show all of them count: only
+    // from then on there is something to see of it.
+    virtual void Present(HWND hWnd, const gdi::Surface& pixels, const RECT& rect) = 0;
+    // The desktop as it is seen, of which the rectangle is up to date; `root` is what lies under all windows.
+    // The pixels are of the root's size.
+    virtual gdi::Surface& Look(const RECT& rect, gdi::Surface& root) = 0;
 
     // ---- Windows of other processes, which it numbers with NewHandle
 

@@ -1,7 +1,7 @@
 // Where windows lie, and what their parts measure.
 
-#include "include/platform/Gdi.h"
 #include "platform/Errno.h"
+#include "platform/window/Desktop.h"
 #include "platform/window/WindowTable.h"
 
 HWND GetDesktopWindow() noexcept
@@ -13,7 +13,8 @@ int GetWindowRect(HWND hWnd, RECT* pRect) noexcept
 {
     if (!pRect) return kx::Fail(ERROR_INVALID_PARAMETER);
     if (hWnd == kx::window::kDesktopHandle) {
-        *pRect = {0, 0, DESKTOP_WIDTH, DESKTOP_HEIGHT};
+        const SIZE size = kx::window::Desktop::Instance().Size();
+        *pRect = {0, 0, size.cx, size.cy};
         return 1;
     }
     const auto window = kx::window::WindowTable::Instance().Find(hWnd);
@@ -32,6 +33,10 @@ int GetClientRect(HWND hWnd, RECT* pRect) noexcept
 int GetSystemMetrics(int nIndex) noexcept
 {
     switch (nIndex) {
+    case SM_CXSCREEN:
+        return kx::window::Desktop::Instance().Size().cx;
+    case SM_CYSCREEN:
+        return kx::window::Desktop::Instance().Size().cy;
     case SM_CYCAPTION:
         return 19;
     case SM_CYFRAME:

@@ -1,7 +1,9 @@
 #include "platform/window/Lifetime.h"
 
 #include "platform/Errno.h"
+#include "platform/window/Appearance.h"
 #include "platform/window/Desktop.h"
+#include "platform/window/Focus.h"
 #include "platform/window/ThreadQueue.h"
 #include "platform/window/WindowTable.h"
 
@@ -14,6 +16,7 @@ void End(Window& window) noexcept
     WindowTable::Instance().Remove(window.Handle());
     Desktop::Instance().Destroy(window.Handle());
     window.Owner().Forget(window);
+    ForgetFocus(window.Handle());
     window.LeaveClass();
 }
 
@@ -63,12 +66,13 @@ void EndWindowsOf(Queue& owner) noexcept
 namespace window = kx::window;
 
 HWND CreateWindowExA(DWORD, const char* pszClassName, const char* pszName, DWORD dwStyle, int x, int y,
-                     int nWidth, int nHeight, void* pParam)
+                     int nWidth, int nHeight, HWND hParent, void*, HINSTANCE, void* pParam)
 {
     const auto refuse = [](DWORD dwError) {
         SetLastError(dwError);
         return HWND{};
     };
+    if (hParent && hParent != window::kDesktopHandle) return refuse(ERROR_INVALID_PARAMETER);
     auto cls = window::ClassTable::Instance().Find(pszClassName);
     if (!cls) return refuse(ERROR_CLASS_DOES_NOT_EXIST);
     auto queue = window::ThisThread();
@@ -97,8 +101,7 @@ int DestroyWindow(HWND hWnd)
 
     target->ending = true;
     const window::EndAtExit end(*target);
-    target->visible = false;
-    window::Desktop::Instance().Show(hWnd, false);
+    if (target->visible) window::Appear(*target, false);
     target->Call(WM_DESTROY, 0, 0);
     target->Call(WM_NCDESTROY, 0, 0);
     return 1;

@@ -1,6 +1,8 @@
 #include "include/platform/Clock.h"
+#include "include/platform/Input.h"
 #include "include/platform/Sync.h"
 #include "platform/Errno.h"
+#include "platform/window/Chores.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/ThreadQueue.h"
 #include "platform/window/WindowTable.h"
@@ -55,11 +57,21 @@ LRESULT SendAcross(const WindowPtr& target, UINT nMsg, WPARAM wParam, LPARAM lPa
 }
 
 // The window of a filter of this thread; false for one that isn't.
-bool FindOwn(HWND hWnd, WindowPtr& window)
+bool FindFilter(HWND hWnd, WindowPtr& window)
 {
-    if (!hWnd) return true;
-    window = WindowTable::Instance().Find(hWnd);
-    return window && kx::window::IsThisThread(window->Owner());
+    if (hWnd) window = kx::window::FindOwn(hWnd);
+    return !hWnd || window;
+}
+
+bool IsPress(UINT nMsg) noexcept
+{
+    return nMsg == WM_LBUTTONDOWN || nMsg == WM_RBUTTONDOWN;
+}
+
+// A pressed button gives its window the focus before anyone hears of it.
+void FocusOnPress(const MSG& msg)
+{
+    if (IsPress(msg.message) && msg.hwnd && GetFocus() != msg.hwnd) SetFocus(msg.hwnd);
 }
 
 } // namespace
@@ -108,9 +120,11 @@ int GetMessageA(MSG* pMsg, HWND hWnd, UINT nMin, UINT nMax)
     WindowPtr window;
     if (!pMsg) return refuse(ERROR_INVALID_PARAMETER);
     if (!own) return refuse(ERROR_INVALID_THREAD_ID);
-    if (!FindOwn(hWnd, window)) return refuse(ERROR_INVALID_WINDOW_HANDLE);
+    if (!FindFilter(hWnd, window)) return refuse(ERROR_INVALID_WINDOW_HANDLE);
     const int nResult = own->Get(*pMsg, {window.get(), nMin, nMax});
-    return nResult < 0 ? refuse(ERROR_INVALID_WINDOW_HANDLE) : nResult;
+    if (nResult < 0) return refuse(ERROR_INVALID_WINDOW_HANDLE);
+    FocusOnPress(*pMsg);
+    return nResult;
 }
 
 int PeekMessageA(MSG* pMsg, HWND hWnd, UINT nMin, UINT nMax, UINT nRemove)
@@ -119,13 +133,26 @@ int PeekMessageA(MSG* pMsg, HWND hWnd, UINT nMin, UINT nMax, UINT nRemove)
     WindowPtr window;
     if (!pMsg) return kx::Fail(ERROR_INVALID_PARAMETER);
     if (!own) return kx::Fail(ERROR_INVALID_THREAD_ID);
-    if (!FindOwn(hWnd, window)) return kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
-    return own->Peek(*pMsg, {window.get(), nMin, nMax}, (nRemove & PM_REMOVE) != 0);
+    if (!FindFilter(hWnd, window)) return kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
+    const bool bRemove = (nRemove & PM_REMOVE) != 0;
+    const bool bFound = own->Peek(*pMsg, {window.get(), nMin, nMax}, bRemove);
+    if (bFound && bRemove) FocusOnPress(*pMsg);
+    return bFound;
 }
 
 LRESULT DispatchMessageA(const MSG* pMsg)
 {
-    WindowPtr window;
-    if (!pMsg || !pMsg->hwnd || !FindOwn(pMsg->hwnd, window)) return 0;
+    if (!pMsg || !pMsg->hwnd) return 0;
+    const WindowPtr window = kx::window::FindOwn(pMsg->hwnd);
+    if (!window) return 0;
+    if (pMsg->message == kx::window::kChore) {
+        kx::window::DoChore(*window, static_cast<kx::window::Chore>(pMsg->wParam), pMsg->lParam);
+        return 0;
+    }
+    if (pMsg->message == WM_TIMER && pMsg->lParam) {
+        const auto pfn = reinterpret_cast<TIMERPROC>(pMsg->lParam);
+        pfn(pMsg->hwnd, WM_TIMER, pMsg->wParam, GetTickCount());
+        return 0;
+    }
     return window->Call(pMsg->message, pMsg->wParam, pMsg->lParam);
 }

@@ -15,10 +15,24 @@ bool Filter::Passes(const MSG& msg) const noexcept
 
 DWORD Queue::Post(const MSG& msg, const Window* target)
 {
+    return PostTo(msg, target, false);
+}
+
+DWORD Queue::PostLatest(const MSG& msg, const Window& target)
+{
+    return PostTo(msg, &target, true);
+}
+
+DWORD Queue::PostTo(const MSG& msg, const Window* target, bool bLatest)
+{
     {
         std::lock_guard lock(m_lock);
         if (m_closed) return ERROR_INVALID_THREAD_ID;
         if (target && target->ended) return ERROR_INVALID_WINDOW_HANDLE;
+        const auto isSame = [&](const MSG& other) {
+            return other.hwnd == msg.hwnd && other.message == msg.message;
+        };
+        if (bLatest && !m_posted.empty() && isSame(m_posted.back())) m_posted.pop_back();
         if (m_posted.size() >= kMaxPosted) return ERROR_NOT_ENOUGH_QUOTA;
         m_posted.push_back(msg);
     }
@@ -68,7 +82,7 @@ int Queue::Get(MSG& msg, const Filter& filter)
         ServeSent(lock);
         if (filter.window && filter.window->ended) return -1;
         if (Take(msg, filter, true)) return msg.message != WM_QUIT;
-        Wait(lock);
+        Wait(lock, m_timers.NextDue([&](const MSG& timer) { return filter.Passes(timer); }));
     }
 }
 
@@ -106,22 +120,90 @@ void Queue::ServeSent(Lock& lock)
 
 bool Queue::Take(MSG& msg, const Filter& filter, bool bRemove)
 {
-    const auto it = std::ranges::find_if(m_posted, [&](const MSG& posted) { return filter.Passes(posted); });
-    if (it != m_posted.end()) {
-        msg = *it;
-        if (bRemove) m_posted.erase(it);
-        return true;
-    }
+    const auto passes = [&](const MSG& candidate) { return filter.Passes(candidate); };
+    const auto it = std::ranges::find_if(m_posted, passes);
+    if (it == m_posted.end())
+        return TakeQuit(msg, bRemove) || TakePaint(msg, filter) ||
+               m_timers.Take(msg, clock::Now(), bRemove, passes);
+    msg = *it;
+    if (bRemove) m_posted.erase(it);
+    return true;
+}
+
+bool Queue::TakeQuit(MSG& msg, bool bRemove)
+{
     if (!m_quit) return false;
     msg = *m_quit;
     if (bRemove) m_quit.reset();
     return true;
 }
 
-// The one place where a thread waits for messages.
-void Queue::Wait(Lock& lock)
+// It stays until the window has painted.
+bool Queue::TakePaint(MSG& msg, const Filter& filter) const
 {
-    if (m_sent.empty()) m_changed.WaitUntil(lock, clock::kNever);
+    const auto passes = [&](const Window& window) {
+        return filter.Passes({window.Handle(), WM_PAINT, 0, 0, 0});
+    };
+    const Window* window = m_updates.First(passes);
+    if (window) msg = {window->Handle(), WM_PAINT, 0, 0, 0};
+    return window != nullptr;
+}
+
+// The one place where a thread waits for messages.
+void Queue::Wait(Lock& lock, clock::Moment deadline)
+{
+    if (m_sent.empty()) m_changed.WaitUntil(lock, deadline);
+}
+
+void Queue::ServeUntil(clock::Moment deadline)
+{
+    Lock lock(m_lock);
+    for (;;) {
+        ServeSent(lock);
+        if (clock::Now() >= deadline) return;
+        Wait(lock, deadline);
+    }
+}
+
+void Queue::Invalidate(const Window& window, const RECT& rect, bool bErase)
+{
+    {
+        std::lock_guard lock(m_lock);
+        if (window.ended) return;
+        m_updates.Add(window, rect, bErase);
+    }
+    m_changed.NotifyOne();
+}
+
+void Queue::Validate(const Window& window, const RECT& rect)
+{
+    std::lock_guard lock(m_lock);
+    m_updates.Subtract(window, rect);
+}
+
+RECT Queue::UpdateBounds(const Window& window)
+{
+    std::lock_guard lock(m_lock);
+    const Update* update = m_updates.Find(window);
+    return update ? update->region.Extents() : RECT{};
+}
+
+Update Queue::TakeUpdate(const Window& window)
+{
+    std::lock_guard lock(m_lock);
+    return m_updates.Take(window);
+}
+
+void Queue::SetTimer(const Window& window, UINT_PTR nId, UINT nPeriod, TIMERPROC pfn)
+{
+    std::lock_guard lock(m_lock);
+    m_timers.Set(window, nId, nPeriod, pfn);
+}
+
+bool Queue::KillTimer(const Window& window, UINT_PTR nId) noexcept
+{
+    std::lock_guard lock(m_lock);
+    return m_timers.Kill(window, nId);
 }
 
 void Queue::Forget(Window& window) noexcept
@@ -131,6 +213,8 @@ void Queue::Forget(Window& window) noexcept
         std::lock_guard lock(m_lock);
         window.ended = true;
         std::erase_if(m_posted, [&](const MSG& posted) { return posted.hwnd == window.Handle(); });
+        m_updates.Take(window);
+        m_timers.KillAll(window);
         for (auto it = m_sent.begin(); it != m_sent.end();) {
             const auto here = it++;
             if (&(*here)->Target() == &window) released.splice(released.end(), m_sent, here);

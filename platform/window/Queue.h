@@ -2,6 +2,8 @@
 
 #include "platform/time/Condition.h"
 #include "platform/window/SentMessage.h"
+#include "platform/window/Timers.h"
+#include "platform/window/Updates.h"
 #include "platform/window/Window.h"
 
 #include <deque>
@@ -22,7 +24,8 @@ struct Filter
     bool Passes(const MSG& msg) const noexcept;
 };
 
-// What waits for one thread: messages posted to it or its windows, and messages that other threads sent. No
+// What waits for one thread: messages posted to it or its windows, messages that other threads sent, what its
+// windows have to paint, and their timers. No
 // lock is held while a window procedure runs.
 class Queue
 {
@@ -35,18 +38,31 @@ public:
 
     DWORD ThreadId() const noexcept { return m_threadId; }
 
-    // ---- Any thread. The first two give an error number, ERROR_SUCCESS when done.
+    // ---- Any thread. The first three give an error number, ERROR_SUCCESS when done.
 
     // Appends a message, to a window of this thread or, with null, to the thread.
     DWORD Post(const MSG& msg, const Window* target);
+    // The same, in place of the newest one if that is the same message to the same window.
+    DWORD PostLatest(const MSG& msg, const Window& target);
     DWORD Send(const std::shared_ptr<SentMessage>& message);
     // Takes back what this queue was sent, if its procedure hasn't begun.
     void Withdraw(const SentMessage& message) noexcept;
     // Ends the wait for a message that this queue's thread sent.
     void TakeAnswer(SentMessage& message, LRESULT nResult) noexcept;
 
+    // Gives or takes a rectangle that one of this thread's windows has to paint.
+    void Invalidate(const Window& window, const RECT& rect, bool bErase);
+    void Validate(const Window& window, const RECT& rect);
+    // The bounds of what it has to paint; an empty rectangle for nothing.
+    RECT UpdateBounds(const Window& window);
+
     // ---- The queue's thread
 
+    Update TakeUpdate(const Window& window);
+    void SetTimer(const Window& window, UINT_PTR nId, UINT nPeriod, TIMERPROC pfn);
+    bool KillTimer(const Window& window, UINT_PTR nId) noexcept;
+    // Serves what is sent here until the clock has come to the deadline.
+    void ServeUntil(clock::Moment deadline);
     // WM_QUIT comes after all that is posted; the queue's bound doesn't count it.
     void PostQuit(int nExitCode);
     // Waits for a message that passes: 0 for WM_QUIT, -1 when the filter's window has ended, else 1.
@@ -64,15 +80,20 @@ private:
     using Lock = std::unique_lock<std::mutex>;
     using Sent = std::list<std::shared_ptr<SentMessage>>;
 
+    DWORD PostTo(const MSG& msg, const Window* target, bool bLatest);
     void ServeSent(Lock& lock);
     bool Take(MSG& msg, const Filter& filter, bool bRemove);
-    void Wait(Lock& lock);
+    bool TakeQuit(MSG& msg, bool bRemove);
+    bool TakePaint(MSG& msg, const Filter& filter) const;
+    void Wait(Lock& lock, clock::Moment deadline = clock::kNever);
 
     const DWORD m_threadId;
     std::mutex m_lock;
     clock::Condition m_changed; // the thread alone waits for it
     std::deque<MSG> m_posted;
     std::optional<MSG> m_quit;
+    Updates m_updates;
+    Timers m_timers;
     Sent m_sent; // not yet begun
     bool m_closed = false;
 };

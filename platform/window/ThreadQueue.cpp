@@ -3,6 +3,7 @@
 #include "include/platform/Sync.h"
 #include "platform/Immortal.h"
 #include "platform/window/Lifetime.h"
+#include "platform/window/WindowTable.h"
 
 #include <map>
 #include <mutex>
@@ -83,6 +84,14 @@ std::shared_ptr<Queue> ThisThread()
 bool IsThisThread(const Queue& queue) noexcept
 {
     return t_queue == &queue;
+}
+
+std::shared_ptr<Window> FindOwn(HWND hWnd) noexcept
+{
+    auto window = WindowTable::Instance().Find(hWnd);
+    if (window && IsThisThread(window->Owner())) return window;
+    SetLastError(window ? ERROR_ACCESS_DENIED : ERROR_INVALID_WINDOW_HANDLE);
+    return nullptr;
 }
 
 std::shared_ptr<Queue> FindThread(DWORD dwThreadId) noexcept

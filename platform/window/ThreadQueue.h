@@ -15,6 +15,9 @@ std::shared_ptr<Queue> ThisThread();
 // Whether the queue is the calling thread's. Doesn't make one.
 bool IsThisThread(const Queue& queue) noexcept;
 
+// A window of the calling thread, or null with the last error set.
+std::shared_ptr<Window> FindOwn(HWND hWnd) noexcept;
+
 // The queue of a thread by its number; null when it has none.
 std::shared_ptr<Queue> FindThread(DWORD dwThreadId) noexcept;
 

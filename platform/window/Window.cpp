@@ -1,49 +1,57 @@
 #include "platform/window/Window.h"
 
-#include <algorithm>
-#include <cstdint>
-
 #include "include/platform/Sync.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <utility>
 
 namespace kx::window {
 
-namespace {
-
-// A size below 0 counts as none, and the far sides stay within an int.
-RECT RectOf(const CREATESTRUCTA& create)
+RECT RectOf(int x, int y, int nWidth, int nHeight) noexcept
 {
     const auto end = [](int from, int length) {
         return static_cast<LONG>(std::min<std::int64_t>(std::int64_t{from} + std::max(length, 0), INT32_MAX));
     };
-    return {create.x, create.y, end(create.x, create.cx), end(create.y, create.cy)};
+    return {x, y, end(x, nWidth), end(y, nHeight)};
 }
-
-} // namespace
 
 Window::Window(HWND handle, std::shared_ptr<const WindowClass> cls, std::shared_ptr<Queue> owner,
                const CREATESTRUCTA& create)
     : m_handle(handle),
       m_processId(GetCurrentProcessId()),
       m_proc(cls->proc),
+      m_background(cls->background),
+      m_classStyle(cls->style),
       m_class(std::move(cls)),
       m_owner(std::move(owner)),
-      m_rect(RectOf(create)),
+      m_rect(RectOf(create.x, create.y, create.cx, create.cy)),
       m_text(create.lpszName ? create.lpszName : "")
 {
 }
 
+RECT Window::Rect() const
+{
+    std::lock_guard lock(m_lock);
+    return m_rect;
+}
+
+void Window::SetRect(const RECT& rect)
+{
+    std::lock_guard lock(m_lock);
+    m_rect = rect;
+}
+
 std::string Window::Text() const
 {
-    std::lock_guard lock(m_textLock);
+    std::lock_guard lock(m_lock);
     return m_text;
 }
 
 void Window::SetText(const char* pszText)
 {
     std::string text = pszText ? pszText : "";
-    std::lock_guard lock(m_textLock);
+    std::lock_guard lock(m_lock);
     m_text.swap(text);
 }
 

@@ -1,16 +1,22 @@
 #pragma once
 
 #include "include/platform/Window.h"
+#include "platform/gdi/Backing.h"
+#include "platform/gdi/PixelRegion.h"
 #include "platform/window/ClassTable.h"
 
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 
 namespace kx::window {
 
 class Queue;
+
+// The rectangle of that place and size: a size below 0 counts as none, and the far sides stay within an int.
+RECT RectOf(int x, int y, int nWidth, int nHeight) noexcept;
 
 // A window of this process. Those who work with it share it, so it outlives its end in the WindowTable.
 class Window
@@ -32,14 +38,24 @@ public:
     // Lets the class be removed, whoever still holds this window. By the owning thread.
     void LeaveClass() noexcept { m_class.reset(); }
 
+    HBRUSH Background() const noexcept { return m_background; }
+    UINT ClassStyle() const noexcept { return m_classStyle; }
+
     // Where it lies on the desktop.
-    const RECT& Rect() const noexcept { return m_rect; }
+    RECT Rect() const;
+    void SetRect(const RECT& rect);
 
     std::string Text() const;
     void SetText(const char* pszText);
 
     std::atomic<bool> visible{false};
+    std::atomic<BYTE> opacity{255};
     std::atomic<std::intptr_t> userData{0};
+
+    // Guarded by the lock of the desktop's pixels (gdi/Screen.h).
+    std::shared_ptr<gdi::Backing> backing; // null until something is drawn
+    std::optional<gdi::PixelRegion> shape; // what of it there is to see; nothing: all
+    bool appeared = false;                 // it has been painted since it was shown
 
     // The owning thread's alone: its end has begun.
     bool ending = false;
@@ -51,10 +67,12 @@ private:
     const HWND m_handle;
     const DWORD m_processId;
     const WNDPROC m_proc;
+    const HBRUSH m_background;
+    const UINT m_classStyle;
     std::shared_ptr<const WindowClass> m_class;
     const std::shared_ptr<Queue> m_owner;
-    const RECT m_rect;
-    mutable std::mutex m_textLock;
+    mutable std::mutex m_lock; // guards what follows
+    RECT m_rect;
     std::string m_text;
 };
 

@@ -1,7 +1,9 @@
 // What is asked of a window and set in it.
 
+#include "include/platform/WindowPaint.h"
 #include "platform/Errno.h"
 #include "platform/text/CharWalk.h"
+#include "platform/window/Appearance.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Queue.h"
 #include "platform/window/WindowTable.h"
@@ -26,6 +28,15 @@ std::shared_ptr<kx::window::Window> Find(HWND hWnd) noexcept
     auto window = WindowTable::Instance().Find(hWnd);
     if (!window) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
     return window;
+}
+
+// Fills with the brush of the window's class, if it has one.
+int Erase(HWND hWnd, HDC hDC)
+{
+    const auto window = Find(hWnd);
+    RECT client;
+    if (!window || !window->Background() || !GetClientRect(hWnd, &client)) return 0;
+    return FillRect(hDC, &client, window->Background());
 }
 
 } // namespace
@@ -57,8 +68,9 @@ int ShowWindow(HWND hWnd, int nCmd)
     const bool bWas = window->visible;
     if (bShow == bWas) return bWas;
     SendMessageA(hWnd, WM_SHOWWINDOW, bShow, 0);
-    window->visible = bShow;
-    Desktop::Instance().Show(hWnd, bShow);
+    if (!IsWindow(hWnd)) return bWas;
+    kx::window::Appear(*window, bShow);
+    if (bShow && nCmd != SW_SHOWNOACTIVATE && nCmd != SW_SHOWNA) SetFocus(hWnd);
     return bWas;
 }
 
@@ -100,8 +112,21 @@ int GetWindowTextA(HWND hWnd, char* pszBuffer, int nSize)
     return static_cast<int>(kx::text::CopyCut(window->Text(), pszBuffer, static_cast<std::size_t>(nSize)));
 }
 
-LRESULT DefWindowProcA(HWND hWnd, UINT nMsg, WPARAM, LPARAM)
+LRESULT DefWindowProcA(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM)
 {
-    if (nMsg == WM_CLOSE) DestroyWindow(hWnd);
-    return nMsg == WM_NCCREATE;
+    switch (nMsg) {
+    case WM_CLOSE:
+        DestroyWindow(hWnd);
+        return 0;
+    case WM_PAINT: {
+        PAINTSTRUCT paint;
+        BeginPaint(hWnd, &paint);
+        EndPaint(hWnd, &paint);
+        return 0;
+    }
+    case WM_ERASEBKGND:
+        return Erase(hWnd, reinterpret_cast<HDC>(wParam));
+    default:
+        return nMsg == WM_NCCREATE;
+    }
 }

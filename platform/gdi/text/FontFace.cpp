@@ -133,11 +133,14 @@ Glyph FontFace::Render(char32_t ch)
     glyph.top = slot->bitmap_top;
     glyph.width = static_cast<int>(bitmap.width);
     glyph.rows = static_cast<int>(bitmap.rows);
-    glyph.coverage.reserve(sizeof(DWORD) * bitmap.width * bitmap.rows + Glyph::PADDING);
+    glyph.stride = (glyph.width + Glyph::BLOCK - 1) / Glyph::BLOCK * Glyph::BLOCK;
+    const auto nStride = sizeof(DWORD) * static_cast<std::size_t>(glyph.stride);
+    glyph.coverage.reserve(nStride * bitmap.rows + Glyph::PADDING);
     for (unsigned y = 0; y < bitmap.rows; ++y) {
         const unsigned char* row = bitmap.buffer + static_cast<std::ptrdiff_t>(y) * bitmap.pitch;
         for (unsigned x = 0; x < bitmap.width; ++x)
             glyph.coverage.insert(glyph.coverage.end(), {row[x], row[x], row[x], 0});
+        glyph.coverage.resize(nStride * (y + 1));
     }
     glyph.coverage.resize(glyph.coverage.size() + Glyph::PADDING);
     return glyph;

@@ -13,9 +13,11 @@ namespace kx::gdi {
 
 // One letter at one size: how far it moves on, and its coverage, 0 to 255 a pixel, placed from the pen's
 // position on the base line. The coverage lies as it is blended: once for each colour of a pixel, and 0 for
-// the pixel's high byte. Some zeros follow it, so that it may be read in blocks.
+// the pixel's high byte. Zeros fill each row up to whole blocks, and some follow the last, so that it may be
+// read in blocks from any column.
 struct Glyph
 {
+    static constexpr int BLOCK = 4; // pixels
     static constexpr std::size_t PADDING = 12;
 
     int advance = 0;
@@ -23,6 +25,7 @@ struct Glyph
     int top = 0;  // of the first row, upwards
     int width = 0;
     int rows = 0;
+    int stride = 0; // from one row to the next, in pixels
     std::vector<std::uint8_t> coverage;
 };
 

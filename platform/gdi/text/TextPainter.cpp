@@ -11,7 +11,7 @@ namespace kx::gdi {
 
 namespace {
 
-constexpr int kBlock = 4; // pixels
+constexpr int kBlock = Glyph::BLOCK;
 using Bytes = std::uint8_t __attribute__((vector_size(16)));
 using Words = std::uint16_t __attribute__((vector_size(16)));
 using Pixels = DWORD __attribute__((vector_size(16)));
@@ -38,8 +38,8 @@ Words High(Bytes bytes)
 // Each moved from `a` to `b` by a coverage of 0 to 255, to the nearest value.
 Words Mixed(Words a, Words b, Words coverage)
 {
-    const Words sum = a * (255 - coverage) + b * coverage + 128;
-    return (sum + (sum >> 8)) >> 8; // by 255
+    const Words sum = (a << 8) - a + (b - a) * coverage + 128; // what is below 0 on the way comes back
+    return (sum + (sum >> 8)) >> 8;                            // by 255
 }
 
 // A block of pixels, of whose bytes each has its coverage.
@@ -64,9 +64,10 @@ void MixRest(DWORD* out, int nPixels, Bytes color, Bytes coverage)
 // Whether a block lies beside the letter, as many do.
 bool IsEmpty(const std::uint8_t* coverage)
 {
-    std::uint64_t halves[2];
-    std::memcpy(halves, coverage, sizeof(halves));
-    return (halves[0] | halves[1]) == 0;
+    std::uint64_t low, high;
+    std::memcpy(&low, coverage, sizeof(low));
+    std::memcpy(&high, coverage + sizeof(low), sizeof(high));
+    return (low | high) == 0;
 }
 
 RECT Common(const RECT& a, const RECT& b)
@@ -91,12 +92,11 @@ void TextPainter::Draw(const TextLine& line, int x, int y, const RECT& clip)
     const TEXTMETRICA& metrics = m_face.Metrics();
     if (m_context.backMode == OPAQUE)
         Bar(x, y, line.width, clip, ToPixel(m_context.backColor), metrics.tmHeight);
-    const RECT inSurface = m_canvas.ToSurface(clip);
     const int nBase = y + metrics.tmAscent;
     int pen = x;
     for (std::size_t n = 0; n < line.text.size() && pen < clip.right; ++n) {
         const Glyph& glyph = m_face.Get(line.text[n]);
-        Cover(glyph, pen + m_canvas.origin.x, nBase + m_canvas.origin.y, inSurface);
+        Cover(glyph, pen, nBase, clip);
         if (static_cast<int>(n) == line.mark) Bar(pen, nBase + 1, glyph.advance, clip, m_pixel, 1);
         pen += glyph.advance;
     }
@@ -108,11 +108,10 @@ void TextPainter::Bar(int x, int y, int nWidth, const RECT& clip, DWORD pixel, i
 {
     const RECT bar = Common({x, y, x + nWidth, y + nHeight}, clip);
     if (bar.left >= bar.right || bar.top >= bar.bottom) return;
-    const RECT inSurface = m_canvas.ToSurface(bar);
-    FillRects(m_canvas, {&inSurface, 1}, pixel);
+    FillRects(m_canvas, {&bar, 1}, pixel);
 }
 
-// (x, y): the pen on the base line, in the surface's coordinates.
+// (x, y): the pen on the base line.
 void TextPainter::Cover(const Glyph& glyph, int x, int y, const RECT& clip)
 {
     const RECT box{x + glyph.left, y - glyph.top, x + glyph.left + glyph.width, y - glyph.top + glyph.rows};
@@ -125,11 +124,15 @@ void TextPainter::Cover(const Glyph& glyph, int x, int y, const RECT& clip)
 void TextPainter::Blend(const Glyph& glyph, int x, int y, const RECT& part)
 {
     const auto color = reinterpret_cast<Bytes>(Pixels{m_pixel, m_pixel, m_pixel, m_pixel});
+    int nWidth = part.right - part.left;
+    // A letter that is seen whole is drawn in blocks to its end: what the last covers behind it stays as it
+    // is.
+    if (nWidth == glyph.width && part.left + glyph.stride <= m_canvas.surface.Width()) nWidth = glyph.stride;
     for (int row = part.top; row < part.bottom; ++row) {
-        const std::ptrdiff_t nFirst = static_cast<std::ptrdiff_t>(row - y) * glyph.width + part.left - x;
+        const std::ptrdiff_t nFirst = static_cast<std::ptrdiff_t>(row - y) * glyph.stride + part.left - x;
         const std::uint8_t* coverage = glyph.coverage.data() + nFirst * std::ptrdiff_t{sizeof(DWORD)};
         DWORD* out = m_canvas.surface.Row(row) + part.left;
-        int nLeft = part.right - part.left;
+        int nLeft = nWidth;
         for (; nLeft >= kBlock; nLeft -= kBlock, out += kBlock, coverage += sizeof(Bytes)) {
             if (IsEmpty(coverage)) continue;
             const Bytes mixed = MixBlock(Load(out), color, Load(coverage));

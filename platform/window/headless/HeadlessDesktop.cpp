@@ -3,6 +3,7 @@
 #include "include/platform/MessageBox.h"
 #include "platform/Immortal.h"
 #include "platform/window/WindowTable.h"
+#include "platform/window/headless/Compose.h"
 
 namespace kx::window {
 
@@ -10,6 +11,47 @@ HeadlessDesktop& HeadlessDesktop::Instance()
 {
     static Immortal<HeadlessDesktop> desktop;
     return desktop.Get();
+}
+
+SIZE HeadlessDesktop::Size() const noexcept
+{
+    std::lock_guard lock(m_lock);
+    return m_size;
+}
+
+void HeadlessDesktop::SetSize(SIZE size)
+{
+    std::lock_guard lock(m_lock);
+    m_size = size;
+}
+
+bool HeadlessDesktop::Create(HWND hWnd, const CREATESTRUCTA&)
+{
+    std::lock_guard lock(m_lock);
+    m_stack.Add(hWnd);
+    return true;
+}
+
+void HeadlessDesktop::Stack(HWND hWnd, Order order)
+{
+    std::lock_guard lock(m_lock);
+    m_stack.Move(hWnd, order);
+}
+
+void HeadlessDesktop::Destroy(HWND hWnd) noexcept
+{
+    std::lock_guard lock(m_lock);
+    m_stack.Remove(hWnd);
+}
+
+gdi::Surface& HeadlessDesktop::Look(const RECT& rect, gdi::Surface& root)
+{
+    std::vector<HWND> order;
+    {
+        std::lock_guard lock(m_lock);
+        order = m_stack.Handles();
+    }
+    return Compose(order, rect, root, m_seen);
 }
 
 std::vector<HWND> HeadlessDesktop::ForeignWindows() const

@@ -2,23 +2,34 @@
 
 #include "platform/window/Desktop.h"
 #include "platform/window/headless/Recent.h"
+#include "platform/window/headless/WindowStack.h"
 
 #include <map>
 #include <mutex>
 
 namespace kx::window {
 
-// A desktop in memory: nothing is seen, windows of other processes are those that the host puts there, and
-// message boxes are recorded for it. Works from static destructors too.
+// A desktop in memory, which is seen by those who read its pixels: windows of other processes are
+// those that the host puts there, and message boxes are recorded for it. Works from static destructors too.
 class HeadlessDesktop : public Desktop
 {
 public:
     static HeadlessDesktop& Instance();
 
-    bool Create(HWND, const CREATESTRUCTA&) override { return true; }
+    SIZE Size() const noexcept override;
+
+    bool Create(HWND hWnd, const CREATESTRUCTA& create) override;
     void Show(HWND, bool) override {}
     void SetText(HWND, const char*) override {}
-    void Destroy(HWND) noexcept override {}
+    void Place(HWND, const RECT&) override {}
+    void Stack(HWND hWnd, Order order) override;
+    void Shape(HWND, const gdi::PixelRegion*) override {}
+    void SetOpacity(HWND, BYTE) override {}
+    void Focus(HWND) override {}
+    void Destroy(HWND hWnd) noexcept override;
+
+    void Present(HWND, const gdi::Surface&, const RECT&) override {}
+    gdi::Surface& Look(const RECT& rect, gdi::Surface& root) override;
 
     std::vector<HWND> ForeignWindows() const override;
     std::optional<WindowFacts> FindForeign(HWND hWnd) const noexcept override;
@@ -28,6 +39,7 @@ public:
 
     // ---- For the host
 
+    void SetSize(SIZE size);
     HWND AddForeign(const WindowFacts& facts);
     void RemoveForeign(HWND hWnd);
     std::vector<KXHost::SentMessage> TakeMessages(HWND hWnd);
@@ -41,6 +53,9 @@ private:
     };
 
     mutable std::mutex m_lock;
+    SIZE m_size{DESKTOP_WIDTH, DESKTOP_HEIGHT};
+    WindowStack m_stack;
+    std::optional<gdi::Surface> m_seen; // under the lock of the desktop's pixels instead
     std::map<HWND, Foreign> m_foreign;
     Recent<KXHost::MessageBoxRecord> m_boxes;
 };

@@ -4,6 +4,7 @@
 #include <climits>
 #include <thread>
 
+using test::ColorOf;
 using test::NoLeak;
 using test::Paper;
 using test::Picture;
@@ -43,31 +44,31 @@ TEST(Surface, OfTheDesktopShowsItToAll)
     EXPECT_EQ(GetDC(reinterpret_cast<HWND>(&local)), nullptr);
 }
 
-TEST(Surface, OfAWindowIsItsPartOfTheDesktop)
+TEST(Surface, OfAWindowIsSeenOnceItIsGivenBack)
 {
     const NoLeak noLeak;
     const WNDCLASSA windows{DefWindowProcA, "Surface"};
     ASSERT_NE(RegisterClassA(&windows), 0);
     const HWND hWnd = CreateWindowExA(0, "Surface", "", WS_POPUP, DESKTOP_WIDTH - 3, -1, 9, 3);
+    ShowWindow(hWnd, SW_SHOWNA);
     const HDC dc = GetDC(hWnd);
     const HDC desktop = GetDC(GetDesktopWindow());
     RECT box;
     EXPECT_EQ(GetClipBox(dc, &box), SIMPLEREGION);
-    EXPECT_EQ(box, (RECT{0, 1, 3, 3}));
+    EXPECT_EQ(box, (RECT{0, 0, 9, 3}));
     const Scoped<HRGN> clip(CreateRectRgn(1, 0, 9, 9));
     SelectClipRgn(dc, clip);
     Rectangle(dc, 0, 0, 9, 3);
-    EXPECT_EQ(test::Read(desktop, DESKTOP_WIDTH - 4, 0, DESKTOP_WIDTH + 1, 3),
-              (Picture{"??WW ", "??.. ", "???? "}));
-    BitBlt(desktop, DESKTOP_WIDTH - 2, 0, 2, 2, dc, 1, 2,
-           SRCCOPY); // row 2 of the window is row 1 of the desktop
-    EXPECT_EQ(test::Read(desktop, DESKTOP_WIDTH - 2, 0, DESKTOP_WIDTH, 2), (Picture{"..", ".."}));
-    const RECT all{0, 0, 9, 9};
-    const Scoped<HBRUSH> brush(CreateSolidBrush(DESKTOP_COLOR));
-    FillRect(dc, &all, brush);
+    const auto seen = [&] { return test::Read(desktop, DESKTOP_WIDTH - 4, 0, DESKTOP_WIDTH + 1, 3); };
+    EXPECT_EQ(seen(), (Picture{"???? ", "???? ", "???? "}));
     EXPECT_EQ(ReleaseDC(hWnd, dc), 1);
-    EXPECT_EQ(ReleaseDC(GetDesktopWindow(), desktop), 1);
+    EXPECT_EQ(seen(), (Picture{"?.WW ", "?... ", "???? "}));
+    SetPixel(desktop, DESKTOP_WIDTH - 2, 1, ColorOf('G')); // lies below the window
+    EXPECT_EQ(seen()[1], "?... ");
     DestroyWindow(hWnd);
+    EXPECT_EQ(seen(), (Picture{"???? ", "??G? ", "???? "}));
+    SetPixel(desktop, DESKTOP_WIDTH - 2, 1, DESKTOP_COLOR);
+    EXPECT_EQ(ReleaseDC(GetDesktopWindow(), desktop), 1);
     UnregisterClassA("Surface");
     EXPECT_EQ(GetDC(hWnd), nullptr);
 }

@@ -41,7 +41,8 @@ inline HWND Make(const Handler* handler = nullptr, DWORD dwStyle = 0, const char
 {
     static const WNDCLASSA cls{WindowProc, "KXTest"};
     [[maybe_unused]] static const WORD atom = RegisterClassA(&cls);
-    return CreateWindowExA(0, "KXTest", pszName, dwStyle, 1, 2, 30, 40, const_cast<Handler*>(handler));
+    return CreateWindowExA(0, "KXTest", pszName, dwStyle, 1, 2, 30, 40, nullptr, nullptr, nullptr,
+                           const_cast<Handler*>(handler));
 }
 
 // Runs on a thread of its own, which has no queue yet and loses it afterwards.

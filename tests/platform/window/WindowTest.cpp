@@ -66,8 +66,10 @@ TEST(Window, LivesThroughItsMessages)
     EXPECT_EQ(SendMessageA(hWnd, WM_CLOSE, 0, 0), 0);
     EXPECT_FALSE(IsWindow(hWnd));
     using P = std::pair<UINT, bool>;
-    EXPECT_THAT(seen, ElementsAre(P(NCCREATE, false), P(CREATE, false), P(SHOW, false), P(SHOW, true),
-                                  P(SHOW, false), P(WM_CLOSE, true), P(DESTROY, false), P(NCDESTROY, false)));
+    EXPECT_THAT(seen, ElementsAre(P(NCCREATE, false), P(CREATE, false), P(SHOW, false), P(WM_SETFOCUS, true),
+                                  P(SHOW, true), P(WM_KILLFOCUS, false), P(SHOW, false), P(WM_SETFOCUS, true),
+                                  P(WM_CLOSE, true), P(WM_KILLFOCUS, false), P(DESTROY, false),
+                                  P(NCDESTROY, false)));
 }
 
 // What the procedure does at one message while the window is made, and which messages there are then.

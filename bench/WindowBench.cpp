@@ -1,0 +1,295 @@
+#include "bench/Surfaces.h"
+
+#include <KXBitmap.h>
+#include <KXPaintMemoryDC.h>
+#include <array>
+#include <cairo/cairo.h>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <platform/Host.h>
+#include <platform/Sync.h>
+#include <platform/Window.h>
+#include <platform/Wnd.h>
+#include <semaphore>
+#include <thread>
+
+// Messages to windows, and a whole window painted anew.
+
+using namespace bench;
+
+namespace {
+
+LRESULT Answer(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
+{
+    return nMsg == WM_USER ? static_cast<LRESULT>(wParam) + 1 : DefWindowProcA(hWnd, nMsg, wParam, lParam);
+}
+
+HWND MakeWindow()
+{
+    static const WNDCLASSA cls{Answer, "Bench"};
+    [[maybe_unused]] static const WORD atom = RegisterClassA(&cls);
+    return CreateWindowExA(0, "Bench", "", WS_POPUP, 0, 0, 1, 1);
+}
+
+void SendOwn(benchmark::State& state)
+{
+    const HWND hWnd = MakeWindow();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(SendMessageA(hWnd, WM_USER, 1, 0));
+    DestroyWindow(hWnd);
+}
+
+void CallFunction(benchmark::State& state)
+{
+    std::function<LRESULT(HWND, UINT, WPARAM, LPARAM)> call = Answer;
+    benchmark::DoNotOptimize(call);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(call(nullptr, WM_USER, 1, 0));
+}
+
+// To a thread that waits for messages, and back.
+void SendAcross(benchmark::State& state)
+{
+    std::binary_semaphore ready{0};
+    HWND hWnd = nullptr;
+    DWORD dwThreadId = 0;
+    std::thread receiver([&] {
+        hWnd = MakeWindow();
+        dwThreadId = GetCurrentThreadId();
+        ready.release();
+        MSG msg;
+        while (GetMessageA(&msg, nullptr, 0, 0) > 0)
+            DispatchMessageA(&msg);
+    });
+    ready.acquire();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(SendMessageA(hWnd, WM_USER, 1, 0));
+    PostThreadMessageA(dwThreadId, WM_QUIT, 0, 0);
+    receiver.join();
+}
+
+void PingPong(benchmark::State& state)
+{
+    std::mutex lock;
+    std::condition_variable changed;
+    int turn = 0; // 1: the other's, 2: the end
+    std::thread receiver([&] {
+        for (std::unique_lock guard(lock);;) {
+            changed.wait(guard, [&] { return turn != 0; });
+            if (turn == 2) return;
+            turn = 0;
+            changed.notify_one();
+        }
+    });
+    for (auto _ : state) {
+        std::unique_lock guard(lock);
+        turn = 1;
+        changed.notify_one();
+        changed.wait(guard, [&] { return turn == 0; });
+    }
+    {
+        const std::lock_guard guard(lock);
+        turn = 2;
+    }
+    changed.notify_one();
+    receiver.join();
+}
+
+// ---- A skinned window of 800 by 600: a frame, a background, buttons with a key colour, a list
+
+constexpr Size window{800, 600};
+constexpr DWORD dwKey = 0x00FF00FF;
+
+// The pictures that both sides draw: their size, and how many lie side by side in a row.
+struct Art
+{
+    Size size;
+    bool bKeyed;
+};
+constexpr Art title{{400, 30}, false}, side{{8, 200}, false}, bottom{{400, 8}, false},
+    ground{{64, 64}, false}, push{{75, 23}, true}, check{{13, 13}, true}, caption{{21, 21}, true},
+    header{{80, 22}, false};
+
+Pixels PixelsOf(const Art& art)
+{
+    Pixels pixels;
+    for (int y = 0; y < art.size.cy; ++y)
+        for (int x = 0; x < art.size.cx; ++x) {
+            const bool bCorner = (x < 3 || x >= art.size.cx - 3) && (y < 3 || y >= art.size.cy - 3);
+            const int nShade = 128 + (x * 7 + y * 3) % 96;
+            pixels.push_back(art.bKeyed && bCorner ? dwKey : static_cast<DWORD>(nShade * 0x010101));
+        }
+    return pixels;
+}
+
+// Where each picture goes; the same list for both sides. `fill` repeats the picture over the rectangle.
+struct Step
+{
+    int art;
+    CRect rect;
+    bool fill;
+};
+constexpr std::array arts{title, side, bottom, ground, push, check, caption, header};
+
+std::vector<Step> Steps()
+{
+    std::vector<Step> steps{{3, {8, 30, 792, 592}, true},
+                            {0, {0, 0, 800, 30}, true},
+                            {1, {0, 30, 8, 592}, true},
+                            {1, {792, 30, 800, 592}, true},
+                            {2, {0, 592, 800, 600}, true}};
+    for (int n = 0; n < 4; ++n)
+        steps.push_back({6, {700 + n * 24, 4, 721 + n * 24, 25}, false});
+    for (int n = 0; n < 8; ++n)
+        steps.push_back({4, {20 + n * 90, 555, 95 + n * 90, 578}, false});
+    for (int n = 0; n < 10; ++n)
+        steps.push_back({5, {20 + n % 2 * 150, 420 + n / 2 * 22, 33 + n % 2 * 150, 433 + n / 2 * 22}, false});
+    for (int n = 0; n < 6; ++n)
+        steps.push_back({7, {20 + n * 120, 60, 140 + n * 120, 82}, true});
+    return steps;
+}
+
+class CBenchWnd : public CWnd
+{
+public:
+    CBenchWnd()
+    {
+        for (std::size_t n = 0; n < arts.size(); ++n) {
+            const Size size = arts[n].size;
+            m_bitmaps[n].AttachBitmap(CreateCompatibleBitmap(Ours({1, 1}), size.cx, size.cy));
+            BitBlt(m_bitmaps[n].GetHDC(), 0, 0, size.cx, size.cy, Ours(size, PixelsOf(arts[n])), 0, 0,
+                   SRCCOPY);
+        }
+    }
+
+protected:
+    void OnPaint()
+    {
+        CPaintDC paint(this);
+        CKXPaintMemoryDC memory(this, &paint, 0);
+        CDC& dc = memory;
+        for (const Step& step : m_steps) {
+            CKXBitmap& bitmap = m_bitmaps[static_cast<std::size_t>(step.art)];
+            if (step.fill)
+                bitmap.Pave(&dc, step.rect, 0);
+            else
+                bitmap.TransparentDraw(&dc, step.rect.left, step.rect.top, RGB(255, 0, 255), 0);
+        }
+        for (int n = 0; n < 15; ++n)
+            dc.FillSolidRect(20, 82 + n * 20, 720, 20, n % 2 ? RGB(240, 244, 250) : RGB(255, 255, 255));
+    }
+    int OnEraseBkgnd(CDC*) { return 1; }
+    DECLARE_MESSAGE_MAP()
+
+private:
+    const std::vector<Step> m_steps = Steps();
+    std::array<CKXBitmap, arts.size()> m_bitmaps;
+};
+
+BEGIN_MESSAGE_MAP(CBenchWnd, CWnd)
+ON_WM_PAINT()
+ON_WM_ERASEBKGND()
+END_MESSAGE_MAP()
+
+void RepaintOurs(benchmark::State& state)
+{
+    KXHost::UseMemoryDesktop();
+    CBenchWnd wnd;
+    wnd.CreateEx(0, AfxRegisterWndClass(0), "", WS_POPUP, CRect(0, 0, window.cx, window.cy), nullptr, 0);
+    wnd.ShowWindow(SW_SHOWNA);
+    for (auto _ : state) {
+        wnd.Invalidate();
+        wnd.UpdateWindow();
+    }
+}
+
+// The same into a buffer that is then shown, with the key colour made transparent beforehand.
+class CairoWindow
+{
+public:
+    CairoWindow()
+    {
+        for (const Art& art : arts) {
+            cairo_surface_t* surface =
+                cairo_image_surface_create(CAIRO_FORMAT_ARGB32, art.size.cx, art.size.cy);
+            const Pixels pixels = PixelsOf(art);
+            for (int y = 0; y < art.size.cy; ++y) {
+                auto* row = reinterpret_cast<DWORD*>(cairo_image_surface_get_data(surface) +
+                                                     y * cairo_image_surface_get_stride(surface));
+                for (int x = 0; x < art.size.cx; ++x) {
+                    const DWORD pixel = pixels[static_cast<std::size_t>(y * art.size.cx + x)];
+                    row[x] = art.bKeyed && pixel == dwKey ? 0 : 0xFF000000 | pixel;
+                }
+            }
+            cairo_surface_mark_dirty(surface);
+            m_patterns.push_back(cairo_pattern_create_for_surface(surface));
+            cairo_surface_destroy(surface);
+        }
+    }
+    CairoWindow(const CairoWindow&) = delete;
+    CairoWindow& operator=(const CairoWindow&) = delete;
+    ~CairoWindow()
+    {
+        for (cairo_pattern_t* pattern : m_patterns)
+            cairo_pattern_destroy(pattern);
+        cairo_surface_destroy(m_buffer);
+        cairo_surface_destroy(m_shown);
+    }
+
+    void Paint()
+    {
+        cairo_t* cairo = cairo_create(m_buffer);
+        for (const Step& step : m_steps)
+            Draw(cairo, step);
+        for (int n = 0; n < 15; ++n) {
+            cairo_set_source_rgb(cairo, n % 2 ? 0.94 : 1, n % 2 ? 0.957 : 1, n % 2 ? 0.98 : 1);
+            cairo_rectangle(cairo, 20, 82 + n * 20, 720, 20);
+            cairo_fill(cairo);
+        }
+        cairo_destroy(cairo);
+        cairo_t* shown = cairo_create(m_shown);
+        cairo_set_operator(shown, CAIRO_OPERATOR_SOURCE);
+        cairo_set_source_surface(shown, m_buffer, 0, 0);
+        cairo_paint(shown);
+        cairo_destroy(shown);
+    }
+
+private:
+    void Draw(cairo_t* cairo, const Step& step)
+    {
+        cairo_pattern_t* pattern = m_patterns[static_cast<std::size_t>(step.art)];
+        cairo_matrix_t matrix;
+        cairo_matrix_init_translate(&matrix, -step.rect.left, -step.rect.top);
+        cairo_pattern_set_matrix(pattern, &matrix);
+        cairo_pattern_set_extend(pattern, step.fill ? CAIRO_EXTEND_REPEAT : CAIRO_EXTEND_NONE);
+        cairo_pattern_set_filter(pattern, CAIRO_FILTER_NEAREST);
+        cairo_set_source(cairo, pattern);
+        cairo_rectangle(cairo, step.rect.left, step.rect.top, step.rect.Width(), step.rect.Height());
+        cairo_fill(cairo);
+    }
+
+    const std::vector<Step> m_steps = Steps();
+    std::vector<cairo_pattern_t*> m_patterns;
+    cairo_surface_t* m_buffer = cairo_image_surface_create(CAIRO_FORMAT_RGB24, window.cx, window.cy);
+    cairo_surface_t* m_shown = cairo_image_surface_create(CAIRO_FORMAT_RGB24, window.cx, window.cy);
+};
+
+void RepaintCairo(benchmark::State& state)
+{
+    CairoWindow cairo;
+    for (auto _ : state)
+        cairo.Paint();
+}
+
+const int registered = [] {
+    Register("send_own/ours", SendOwn);
+    Register("send_own/function", CallFunction);
+    Register("send_across/ours", SendAcross);
+    Register("send_across/condvar", PingPong);
+    Register("repaint_800x600/ours", RepaintOurs);
+    Register("repaint_800x600/cairo", RepaintCairo);
+    return 0;
+}();
+
+} // namespace

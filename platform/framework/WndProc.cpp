@@ -1,0 +1,126 @@
+#include "include/platform/Wnd.h"
+
+#include "platform/Immortal.h"
+#include "platform/framework/WndMap.h"
+
+#include <cstdio>
+#include <map>
+#include <mutex>
+#include <string>
+#include <utility>
+
+namespace kx::framework {
+
+std::unordered_map<HWND, CWnd*>& Wnds()
+{
+    thread_local std::unordered_map<HWND, CWnd*> map;
+    return map;
+}
+
+} // namespace kx::framework
+
+namespace {
+
+// What this thread does now: the object that CreateEx makes a window for, and the message being handled.
+thread_local CWnd* t_creating = nullptr;
+thread_local MSG t_message;
+
+// Puts back at the end of a scope what stood there, also when a handler throws.
+template <class T>
+class Restore
+{
+public:
+    Restore(T& place, T value) : m_place(place), m_old(std::exchange(place, std::move(value))) {}
+    Restore(const Restore&) = delete;
+    Restore& operator=(const Restore&) = delete;
+    ~Restore() { m_place = std::move(m_old); }
+
+private:
+    T& m_place;
+    T m_old;
+};
+
+CWnd* ObjectOf(HWND hWnd)
+{
+    const auto& wnds = kx::framework::Wnds();
+    const auto it = wnds.find(hWnd);
+    return it == wnds.end() ? nullptr : it->second;
+}
+
+const AFX_MSGMAP_ENTRY* FindHandler(const AFX_MSGMAP* map, UINT nMsg)
+{
+    for (; map; map = map->pfnGetBaseMap())
+        for (const AFX_MSGMAP_ENTRY* entry = map->lpEntries; entry->pfnCall; ++entry)
+            if (entry->nMessage == nMsg) return entry;
+    return nullptr;
+}
+
+} // namespace
+
+// The procedure of every window that belongs to a CWnd.
+LRESULT AfxWndProc(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
+{
+    if (CWnd* created = std::exchange(t_creating, nullptr)) {
+        created->m_hWnd = hWnd;
+        created->m_bOwnsWindow = true;
+        kx::framework::Wnds()[hWnd] = created;
+    }
+    CWnd* wnd = ObjectOf(hWnd);
+    if (!wnd) return DefWindowProcA(hWnd, nMsg, wParam, lParam);
+    const Restore message(t_message, MSG{hWnd, nMsg, wParam, lParam, 0});
+    if (nMsg != WM_NCDESTROY) return wnd->WindowProc(nMsg, wParam, lParam);
+    const LRESULT nResult = wnd->WindowProc(nMsg, wParam, lParam);
+    kx::framework::Wnds().erase(hWnd);
+    wnd->m_bOwnsWindow = false;
+    wnd->m_hWnd = nullptr;
+    wnd->PostNcDestroy();
+    return nResult;
+}
+
+int CWnd::CreateEx(DWORD dwExStyle, const char* pszClass, const char* pszName, DWORD dwStyle,
+                   const RECT& rect, CWnd* pParent, UINT, void* pParam)
+{
+    if (m_hWnd) return 0;
+    const Restore creating(t_creating, this);
+    const HWND hWnd = CreateWindowExA(dwExStyle, pszClass, pszName, dwStyle, rect.left, rect.top,
+                                      rect.right - rect.left, rect.bottom - rect.top,
+                                      pParent ? pParent->m_hWnd : nullptr, nullptr, nullptr, pParam);
+    return hWnd != nullptr;
+}
+
+LRESULT CWnd::WindowProc(UINT nMsg, WPARAM wParam, LPARAM lParam)
+{
+    const AFX_MSGMAP_ENTRY* entry = FindHandler(GetMessageMap(), nMsg);
+    return entry ? entry->pfnCall(*this, wParam, lParam) : DefWindowProc(nMsg, wParam, lParam);
+}
+
+LRESULT CWnd::DefWindowProc(UINT nMsg, WPARAM wParam, LPARAM lParam)
+{
+    return DefWindowProcA(m_hWnd, nMsg, wParam, lParam);
+}
+
+LRESULT CWnd::Default()
+{
+    return DefWindowProc(t_message.message, t_message.wParam, t_message.lParam);
+}
+
+const char* AfxRegisterWndClass(UINT nStyle, void*, HBRUSH hBackground, HICON)
+{
+    struct Names
+    {
+        std::mutex lock;
+        std::map<std::pair<UINT, HBRUSH>, std::string> names;
+    };
+    static kx::Immortal<Names> made;
+    Names& all = made.Get();
+    const std::lock_guard lock(all.lock);
+    const auto [it, bNew] = all.names.try_emplace({nStyle, hBackground});
+    if (!bNew) return it->second.c_str();
+    char name[64];
+    std::snprintf(name, sizeof name, "Afx:%x:%p", nStyle, static_cast<void*>(hBackground));
+    it->second = name;
+    const WNDCLASSA cls{AfxWndProc, name, hBackground, nStyle};
+    if (RegisterClassA(&cls)) return it->second.c_str();
+    all.names.erase(it);
+    return nullptr;
+}

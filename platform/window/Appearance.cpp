@@ -1,0 +1,29 @@
+#include "platform/window/Appearance.h"
+
+#include "include/platform/WindowPaint.h"
+#include "platform/gdi/Screen.h"
+#include "platform/window/Desktop.h"
+#include "platform/window/Focus.h"
+#include "platform/window/ThreadQueue.h"
+
+namespace kx::window {
+
+void Appear(Window& window, bool bVisible)
+{
+    const HWND hWnd = window.Handle();
+    {
+        const std::lock_guard lock(gdi::Screen::Instance().lock);
+        window.visible = bVisible;
+        window.appeared = false;
+    }
+    Desktop::Instance().Show(hWnd, bVisible);
+    if (bVisible) {
+        Desktop::Instance().Stack(hWnd, Order::Top);
+        InvalidateRect(hWnd, nullptr, 1);
+        return;
+    }
+    ValidateRect(hWnd, nullptr);
+    if (IsThisThread(window.Owner())) DropFocus(hWnd);
+}
+
+} // namespace kx::window

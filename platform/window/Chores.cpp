@@ -1,0 +1,40 @@
+#include "platform/window/Chores.h"
+
+#include "include/platform/Clock.h"
+#include "platform/window/Focus.h"
+#include "platform/window/Placement.h"
+#include "platform/window/Queue.h"
+#include "platform/window/WindowTable.h"
+
+namespace kx::window {
+
+void PostChore(HWND hWnd, Chore chore, LPARAM lParam)
+{
+    PostMessage(hWnd, kChore, static_cast<WPARAM>(chore), lParam);
+}
+
+void PostLatest(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
+{
+    if (const auto window = WindowTable::Instance().Find(hWnd))
+        window->Owner().PostLatest({hWnd, nMsg, wParam, lParam, GetTickCount()}, *window);
+}
+
+void DoChore(Window& window, Chore chore, LPARAM lParam)
+{
+    switch (chore) {
+    case Chore::Destroy:
+        DestroyWindow(window.Handle());
+        break;
+    case Chore::GainFocus:
+        TakeFocus(window.Handle());
+        break;
+    case Chore::LoseFocus:
+        DropFocus(window.Handle());
+        break;
+    case Chore::Place:
+        TellPlace(window, true, lParam != 0);
+        break;
+    }
+}
+
+} // namespace kx::window

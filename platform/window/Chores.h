@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/window/Window.h"
+
+// What a desktop has learnt of a window and its thread is to do. It goes through the thread's queue, in its
+// place among the messages, and DispatchMessageA does it in place of the window's procedure.
+
+namespace kx::window {
+
+inline constexpr UINT kChore = 0x0313; // below WM_USER, and no message that a window hears
+
+enum class Chore : WPARAM
+{
+    Destroy, // it is gone from the desktop
+    GainFocus,
+    LoseFocus,
+    Place, // it lies where its rectangle, set already, says; LPARAM 1: at another size
+};
+
+void PostChore(HWND hWnd, Chore chore, LPARAM lParam = 0);
+// Posts a message in place of the newest that the window's thread has yet to take, if that is the same one.
+void PostLatest(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam);
+void DoChore(Window& window, Chore chore, LPARAM lParam);
+
+} // namespace kx::window

@@ -1,0 +1,54 @@
+#include "include/platform/Host.h"
+#include "platform/gdi/Screen.h"
+#include "platform/gdiplus/Encode.h"
+#include "platform/gdiplus/Graphics.h"
+#include "platform/window/Desktop.h"
+#include "platform/window/headless/HeadlessDesktop.h"
+#include "platform/window/x11/X11Desktop.h"
+
+#include <fstream>
+#include <utility>
+
+using kx::window::Desktop;
+using kx::window::HeadlessDesktop;
+using kx::window::X11Desktop;
+
+bool KXHost::UseMemoryDesktop(int nWidth, int nHeight)
+{
+    constexpr int nMost = 16'384;
+    if (nWidth < 1 || nHeight < 1 || nWidth > nMost || nHeight > nMost) return false;
+    HeadlessDesktop& desktop = HeadlessDesktop::Instance();
+    if (!Desktop::Use(desktop)) return false;
+    desktop.SetSize({nWidth, nHeight});
+    return true;
+}
+
+bool KXHost::UseDisplay(const char* pszDisplay)
+{
+    auto display = X11Desktop::Open(pszDisplay);
+    if (!display || !Desktop::Use(*display)) return false;
+    X11Desktop::Keep(std::move(display));
+    return true;
+}
+
+bool KXHost::IsMemoryDesktop()
+{
+    return &Desktop::Instance() == &HeadlessDesktop::Instance();
+}
+
+bool KXHost::SaveDesktop(const std::string& strPath)
+{
+    kx::gdiplus::Bytes file;
+    {
+        const std::lock_guard lock(kx::gdi::Screen::Instance().lock);
+        const auto root = kx::gdi::Screen::Instance().Root();
+        if (!root) return false;
+        const SIZE size = Desktop::Instance().Size();
+        kx::gdi::Surface& seen = Desktop::Instance().Look({0, 0, size.cx, size.cy}, root->surface);
+        const auto view = kx::gdiplus::ViewOf(seen, kx::gdiplus::Alpha::Opaque);
+        if (kx::gdiplus::WritePng(view, file) != Gdiplus::Ok) return false;
+    }
+    std::ofstream out(strPath, std::ios::binary);
+    out.write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
+    return out.flush().good();
+}

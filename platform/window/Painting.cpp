@@ -1,0 +1,80 @@
+#include "include/platform/WindowPaint.h"
+#include "platform/Errno.h"
+#include "platform/window/Backing.h"
+#include "platform/window/ThreadQueue.h"
+#include "platform/window/WindowTable.h"
+
+#include <new>
+
+namespace {
+
+using kx::window::Window;
+
+RECT ClientOf(const Window& window)
+{
+    const RECT rect = window.Rect();
+    return {0, 0, rect.right - rect.left, rect.bottom - rect.top};
+}
+
+std::shared_ptr<Window> Find(HWND hWnd)
+{
+    auto window = kx::window::WindowTable::Instance().Find(hWnd);
+    if (!window) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+    return window;
+}
+
+} // namespace
+
+int InvalidateRect(HWND hWnd, const RECT* pRect, int bErase)
+{
+    const auto window = Find(hWnd);
+    if (!window) return 0;
+    const RECT client = ClientOf(*window);
+    const RECT rect = pRect ? kx::gdi::Cut(*pRect, client) : client;
+    if (window->visible) window->Owner().Invalidate(*window, rect, bErase != 0);
+    return 1;
+}
+
+int ValidateRect(HWND hWnd, const RECT* pRect)
+{
+    const auto window = Find(hWnd);
+    if (!window) return 0;
+    window->Owner().Validate(*window, pRect ? *pRect : ClientOf(*window));
+    return 1;
+}
+
+int GetUpdateRect(HWND hWnd, RECT* pRect)
+{
+    const auto window = Find(hWnd);
+    if (!window) return 0;
+    const RECT bounds = window->Owner().UpdateBounds(*window);
+    if (pRect) *pRect = bounds;
+    return bounds != RECT{};
+}
+
+int UpdateWindow(HWND hWnd)
+{
+    const auto window = kx::window::FindOwn(hWnd);
+    if (!window) return 0;
+    if (GetUpdateRect(hWnd, nullptr)) window->Call(WM_PAINT, 0, 0);
+    return 1;
+}
+
+HDC BeginPaint(HWND hWnd, PAINTSTRUCT* pPaint)
+try {
+    const auto window = kx::window::FindOwn(hWnd);
+    if (!window || !pPaint) return nullptr;
+    const kx::window::Update update = window->Owner().TakeUpdate(*window);
+    *pPaint = {kx::window::OpenContext(hWnd, update.region), update.erase, update.region.Extents()};
+    if (pPaint->hdc && update.erase)
+        pPaint->fErase = !SendMessageA(hWnd, WM_ERASEBKGND, reinterpret_cast<WPARAM>(pPaint->hdc), 0);
+    return pPaint->hdc;
+} catch (const std::bad_alloc&) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return nullptr;
+}
+
+int EndPaint(HWND hWnd, const PAINTSTRUCT* pPaint)
+{
+    return pPaint ? ReleaseDC(hWnd, pPaint->hdc) : 0;
+}

@@ -1,0 +1,94 @@
+#include "platform/window/Placement.h"
+
+#include "include/platform/WindowPaint.h"
+#include "platform/Errno.h"
+#include "platform/window/Backing.h"
+#include "platform/window/Desktop.h"
+#include "platform/window/ThreadQueue.h"
+
+#include <memory>
+
+namespace kx::window {
+
+namespace {
+
+LPARAM Pack(LONG nLow, LONG nHigh) noexcept
+{
+    return static_cast<LPARAM>(static_cast<WORD>(nLow) | DWORD{static_cast<WORD>(nHigh)} << 16);
+}
+
+SIZE SizeOf(const RECT& rect) noexcept
+{
+    return {rect.right - rect.left, rect.bottom - rect.top};
+}
+
+// What was painted stays; what a larger size brought is to be painted, and for a class that wants it so all.
+void InvalidateNew(const Window& window, SIZE before, SIZE now)
+{
+    const bool bAll = ((window.ClassStyle() & CS_HREDRAW) && before.cx != now.cx) ||
+                      ((window.ClassStyle() & CS_VREDRAW) && before.cy != now.cy);
+    const RECT right{before.cx, 0, now.cx, now.cy};
+    const RECT below{0, before.cy, now.cx, now.cy};
+    if (bAll) InvalidateRect(window.Handle(), nullptr, 1);
+    if (!bAll && now.cx > before.cx) InvalidateRect(window.Handle(), &right, 1);
+    if (!bAll && now.cy > before.cy) InvalidateRect(window.Handle(), &below, 1);
+}
+
+void Reorder(HWND hWnd, HWND hAfter)
+{
+    Order order = Order::Top;
+    if (hAfter == HWND_BOTTOM) order = Order::Bottom;
+    if (hAfter == HWND_TOPMOST) order = Order::Topmost;
+    if (hAfter == HWND_NOTOPMOST) order = Order::NotTopmost;
+    Desktop::Instance().Stack(hWnd, order);
+}
+
+RECT Wanted(const RECT& old, int x, int y, int nWidth, int nHeight, UINT nFlags) noexcept
+{
+    const SIZE size = SizeOf(old);
+    const bool bKeepSize = (nFlags & SWP_NOSIZE) != 0;
+    const bool bKeepPlace = (nFlags & SWP_NOMOVE) != 0;
+    return RectOf(bKeepPlace ? old.left : x, bKeepPlace ? old.top : y, bKeepSize ? size.cx : nWidth,
+                  bKeepSize ? size.cy : nHeight);
+}
+
+} // namespace
+
+void TellPlace(Window& window, bool bMoved, bool bResized)
+{
+    const SIZE before = FitBacking(window);
+    const RECT rect = window.Rect();
+    if (bResized) InvalidateNew(window, before, SizeOf(rect));
+    if (bMoved) window.Call(WM_MOVE, 0, Pack(rect.left, rect.top));
+    if (bResized && !window.ended)
+        window.Call(WM_SIZE, 0, Pack(rect.right - rect.left, rect.bottom - rect.top));
+}
+
+} // namespace kx::window
+
+namespace window = kx::window;
+
+int SetWindowPos(HWND hWnd, HWND hAfter, int x, int y, int nWidth, int nHeight, UINT nFlags)
+{
+    const auto found = window::FindOwn(hWnd);
+    if (!found) return 0;
+    const RECT old = found->Rect();
+    const RECT rect = window::Wanted(old, x, y, nWidth, nHeight, nFlags);
+    if (!(nFlags & SWP_NOZORDER)) window::Reorder(hWnd, hAfter);
+    if (rect != old) {
+        found->SetRect(rect);
+        window::Desktop::Instance().Place(hWnd, rect);
+        const bool bMoved = rect.left != old.left || rect.top != old.top;
+        window::TellPlace(*found, bMoved, window::SizeOf(rect) != window::SizeOf(old));
+    }
+    if (nFlags & SWP_SHOWWINDOW) ShowWindow(hWnd, SW_SHOWNA);
+    if (nFlags & SWP_HIDEWINDOW) ShowWindow(hWnd, SW_HIDE);
+    if (!(nFlags & (SWP_NOACTIVATE | SWP_HIDEWINDOW)) && IsWindowVisible(hWnd)) SetFocus(hWnd);
+    return 1;
+}
+
+int MoveWindow(HWND hWnd, int x, int y, int nWidth, int nHeight, int bRepaint)
+{
+    if (!SetWindowPos(hWnd, HWND_TOP, x, y, nWidth, nHeight, SWP_NOZORDER | SWP_NOACTIVATE)) return 0;
+    return bRepaint ? InvalidateRect(hWnd, nullptr, 1) : 1;
+}

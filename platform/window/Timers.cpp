@@ -1,0 +1,30 @@
+#include "platform/window/Timers.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace kx::window {
+
+void Timers::Set(const Window& window, UINT_PTR nId, UINT nPeriod, TIMERPROC pfn)
+{
+    const std::chrono::milliseconds period(std::max(nPeriod, kLeastPeriod));
+    const Timer timer{&window, nId, period, clock::Now() + period, pfn};
+    const auto same = [&](const Timer& t) { return t.window == &window && t.id == nId; };
+    const auto it = std::ranges::find_if(m_timers, same);
+    if (it == m_timers.end())
+        m_timers.push_back(timer);
+    else
+        *it = timer;
+}
+
+bool Timers::Kill(const Window& window, UINT_PTR nId) noexcept
+{
+    return std::erase_if(m_timers, [&](const Timer& t) { return t.window == &window && t.id == nId; }) != 0;
+}
+
+void Timers::KillAll(const Window& window) noexcept
+{
+    std::erase_if(m_timers, [&](const Timer& t) { return t.window == &window; });
+}
+
+} // namespace kx::window

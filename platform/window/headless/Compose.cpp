@@ -1,0 +1,108 @@
+#include "platform/window/headless/Compose.h"
+
+#include "platform/gdi/Rect.h"
+#include "platform/window/WindowTable.h"
+
+#include <algorithm>
+#include <memory>
+#include <pixman.h>
+#include <vector>
+
+namespace kx::window {
+
+namespace {
+
+using WindowPtr = std::shared_ptr<Window>;
+
+struct Unref
+{
+    void operator()(pixman_image_t* image) const noexcept { pixman_image_unref(image); }
+};
+using Image = std::unique_ptr<pixman_image_t, Unref>;
+
+Image ImageOf(gdi::Surface& surface)
+{
+    return Image(pixman_image_create_bits(PIXMAN_x8r8g8b8, surface.Width(), surface.Height(), surface.Row(0),
+                                          static_cast<int>(surface.Stride() * 4)));
+}
+
+Image MaskOf(BYTE opacity)
+{
+    const pixman_color_t color{0, 0, 0, static_cast<std::uint16_t>(opacity * 257)};
+    return Image(pixman_image_create_solid_fill(&color));
+}
+
+// Those that there is something to see of.
+std::vector<WindowPtr> Visible(std::span<const HWND> handles, const RECT& area)
+{
+    std::vector<WindowPtr> windows;
+    for (const HWND hWnd : handles) {
+        auto window = WindowTable::Instance().Find(hWnd);
+        const bool bSeen = window && window->visible && window->appeared && window->backing;
+        if (bSeen && window->opacity > 0 && !gdi::IsEmpty(gdi::Cut(area, window->Rect())))
+            windows.push_back(std::move(window));
+    }
+    return windows;
+}
+
+// Lets drawing on an image reach only what of a window there is to see, until the scope ends.
+class ShapeClip
+{
+public:
+    ShapeClip(const Window& window, const RECT& rect, pixman_image_t* image) : m_image(image)
+    {
+        if (!window.shape) return;
+        const auto boxes = window.shape->Boxes();
+        pixman_region32_t clip;
+        pixman_region32_init_rects(&clip, boxes.data(), static_cast<int>(boxes.size()));
+        pixman_region32_translate(&clip, rect.left, rect.top);
+        pixman_image_set_clip_region32(m_image, &clip);
+        pixman_region32_fini(&clip);
+    }
+    ShapeClip(const ShapeClip&) = delete;
+    ShapeClip& operator=(const ShapeClip&) = delete;
+    ~ShapeClip() { pixman_image_set_clip_region32(m_image, nullptr); }
+
+private:
+    pixman_image_t* m_image;
+};
+
+void Lay(Window& window, const RECT& area, pixman_image_t* seen)
+{
+    const RECT rect = window.Rect();
+    const RECT part = gdi::Cut(area, rect);
+    const BYTE opacity = window.opacity;
+    const Image mask = opacity < 255 ? MaskOf(opacity) : nullptr;
+    const Image pixels = ImageOf(window.backing->surface);
+    if (!pixels || (opacity < 255 && !mask)) return;
+    const ShapeClip clip(window, rect, seen);
+    pixman_image_composite32(PIXMAN_OP_OVER, pixels.get(), mask.get(), seen, part.left - rect.left,
+                             part.top - rect.top, 0, 0, part.left, part.top, part.right - part.left,
+                             part.bottom - part.top);
+}
+
+void CopyRows(gdi::Surface& from, gdi::Surface& to, const RECT& area)
+{
+    for (int y = area.top; y < area.bottom; ++y)
+        std::copy_n(from.Row(y) + area.left, area.right - area.left, to.Row(y) + area.left);
+}
+
+} // namespace
+
+gdi::Surface& Compose(std::span<const HWND> handles, const RECT& rect, gdi::Surface& root,
+                      std::optional<gdi::Surface>& seen)
+{
+    const RECT area = gdi::Cut(rect, {0, 0, root.Width(), root.Height()});
+    const std::vector<WindowPtr> windows = Visible(handles, area);
+    if (windows.empty()) return root;
+    if (!seen || seen->Width() != root.Width() || seen->Height() != root.Height())
+        seen = gdi::Surface::MakeUnset(root.Width(), root.Height());
+    const Image image = seen ? ImageOf(*seen) : nullptr;
+    if (!image) return root;
+    CopyRows(root, *seen, area);
+    for (const WindowPtr& window : windows)
+        Lay(*window, area, image.get());
+    return *seen;
+}
+
+} // namespace kx::window

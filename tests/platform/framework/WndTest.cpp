@@ -1,0 +1,175 @@
+#include "include/platform/Wnd.h"
+#include "tests/support/Picture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr UINT kOwn = WM_USER + 1;
+
+// Notes what its handlers are called for.
+class CBase : public CWnd
+{
+    DECLARE_DYNAMIC(CBase)
+
+public:
+    std::vector<std::string> calls;
+    int failAt = 0; // the size that OnSize throws at
+
+protected:
+    int OnCreate(CREATESTRUCTA* pCreate)
+    {
+        calls.push_back(std::string("create ") + pCreate->lpszName);
+        return CWnd::OnCreate(pCreate);
+    }
+    void OnSize(UINT, int cx, int cy)
+    {
+        calls.push_back("size " + std::to_string(cx) + " " + std::to_string(cy));
+        if (cx == failAt) throw std::runtime_error("size");
+    }
+    void OnDestroy()
+    {
+        calls.emplace_back("destroy");
+        CWnd::OnDestroy();
+    }
+    LRESULT OnOwn(WPARAM wParam, LPARAM lParam) { return static_cast<LRESULT>(wParam) * 10 + lParam; }
+    void PostNcDestroy() override { calls.emplace_back(m_hWnd ? "window" : "gone"); }
+    DECLARE_MESSAGE_MAP()
+};
+
+class CDerived : public CBase
+{
+protected:
+    void OnMouseMove(UINT nFlags, CPoint point)
+    {
+        calls.push_back("move " + std::to_string(nFlags) + " " + std::to_string(point.x) + " " +
+                        std::to_string(point.y));
+    }
+    // In place of the base's, which is called for the rest.
+    void OnSize(UINT nType, int cx, int cy)
+    {
+        calls.emplace_back("derived");
+        CBase::OnSize(nType, cx, cy);
+    }
+    DECLARE_MESSAGE_MAP()
+};
+
+IMPLEMENT_DYNAMIC(CBase, CWnd)
+
+BEGIN_MESSAGE_MAP(CBase, CWnd)
+ON_WM_CREATE()
+ON_WM_SIZE()
+ON_WM_DESTROY()
+ON_MESSAGE(kOwn, OnOwn)
+END_MESSAGE_MAP()
+
+BEGIN_MESSAGE_MAP(CDerived, CBase)
+ON_WM_MOUSEMOVE()
+ON_WM_SIZE()
+END_MESSAGE_MAP()
+
+int Create(CWnd& wnd, DWORD dwStyle = WS_POPUP)
+{
+    return wnd.CreateEx(0, AfxRegisterWndClass(CS_HREDRAW), "name", dwStyle, CRect(1, 2, 4, 6),
+                        CWnd::GetDesktopWindow(), 0);
+}
+
+TEST(Wnd, HandlersAreFoundFromTheDerivedClassUp)
+{
+    CDerived wnd;
+    ASSERT_TRUE(Create(wnd));
+    EXPECT_FALSE(Create(wnd)); // it has one
+    EXPECT_EQ(CWnd::FromHandle(wnd.m_hWnd), &wnd);
+    EXPECT_EQ(wnd.SendMessage(kOwn, 4, 2), 42);
+    wnd.SendMessage(WM_MOUSEMOVE, MK_SHIFT, 0xFFFF0003);
+    wnd.MoveWindow(CRect(1, 2, 9, 6));
+    EXPECT_TRUE(wnd.DestroyWindow());
+    EXPECT_EQ(wnd.m_hWnd, nullptr);
+    EXPECT_THAT(wnd.calls,
+                testing::ElementsAre("create name", "move 4 3 -1", "derived", "size 8 4", "destroy", "gone"));
+    EXPECT_TRUE(wnd.IsKindOf(CBase::GetThisClass()) && wnd.IsKindOf(CWnd::GetThisClass()));
+    ASSERT_TRUE(Create(wnd)); // and again
+}
+
+TEST(Wnd, EndsItsWindowWithItself)
+{
+    HWND hWnd = nullptr;
+    {
+        CBase wnd;
+        Create(wnd);
+        hWnd = wnd.m_hWnd;
+        CWnd wrapper;
+        EXPECT_TRUE(wrapper.Attach(hWnd));
+        EXPECT_FALSE(wrapper.Attach(hWnd));
+    }
+    EXPECT_FALSE(IsWindow(hWnd));
+
+    auto wnd = std::make_unique<CBase>();
+    Create(*wnd);
+    hWnd = wnd->Detach(); // it no longer hears anything
+    EXPECT_EQ(SendMessageA(hWnd, kOwn, 4, 2), 0);
+    EXPECT_NE(CWnd::FromHandle(hWnd), wnd.get());
+    wnd.reset();
+    EXPECT_TRUE(DestroyWindow(hWnd));
+
+    CWnd none;
+    CRect rect(1, 1, 2, 2);
+    none.GetClientRect(&rect);
+    EXPECT_EQ(rect, CRect());
+    EXPECT_FALSE(none.DestroyWindow() || none.ShowWindow(SW_SHOW) || none.SetTimer(1, 10, nullptr));
+    EXPECT_FALSE(none.CreateEx(0, "NoSuchClass", "", 0, rect, nullptr, 0));
+    EXPECT_EQ(CWnd::FromHandle(nullptr), nullptr);
+}
+
+TEST(Wnd, AHandlerThatThrowsLeavesOrder)
+{
+    CBase wnd;
+    wnd.failAt = 7;
+    Create(wnd);
+    EXPECT_THROW(wnd.SendMessage(WM_SIZE, 0, 7), std::runtime_error);
+    EXPECT_EQ(wnd.SendMessage(kOwn, 1, 1), 11);
+}
+
+TEST(Wnd, PaintsThroughContextsThatEndWithTheirScope)
+{
+    const test::NoLeak noLeak;
+    CBase wnd;
+    Create(wnd);
+    wnd.ShowWindow(SW_SHOWNA);
+    const auto seen = [] {
+        const HDC desktop = GetDC(nullptr);
+        const test::Picture row = test::Read(desktop, 0, 2, 5, 3);
+        ReleaseDC(nullptr, desktop);
+        return row[0];
+    };
+    {
+        CPaintDC dc(&wnd);
+        EXPECT_EQ(dc.m_ps.rcPaint, CRect(0, 0, 3, 4));
+        dc.FillSolidRect(0, 0, 9, 9, test::ColorOf('R'));
+    }
+    EXPECT_EQ(seen(), "?RRR?");
+    {
+        CPaintDC dc(&wnd); // nothing is to be painted any more
+        dc.FillSolidRect(0, 0, 9, 9, test::ColorOf('G'));
+    }
+    EXPECT_EQ(seen(), "?RRR?");
+    CClientDC(&wnd).SetPixel(1, 0, test::ColorOf('B'));
+    EXPECT_EQ(seen(), "?RBR?");
+    CPaintDC none(nullptr);
+    EXPECT_EQ(none.m_hDC, nullptr);
+}
+
+TEST(Wnd, RegistersAClassOnceForEachKind)
+{
+    const test::Scoped<HBRUSH> brush(CreateSolidBrush(0));
+    EXPECT_EQ(AfxRegisterWndClass(3), AfxRegisterWndClass(3));
+    EXPECT_STRNE(AfxRegisterWndClass(3), AfxRegisterWndClass(1));
+    EXPECT_STRNE(AfxRegisterWndClass(3), AfxRegisterWndClass(3, nullptr, brush));
+}
+
+} // namespace

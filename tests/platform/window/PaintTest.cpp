@@ -1,0 +1,311 @@
+#include "include/platform/Clock.h"
+#include "include/platform/WindowPaint.h"
+#include "tests/platform/window/Support.h"
+#include "tests/support/Host.h"
+#include "tests/support/Picture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <optional>
+#include <vector>
+
+using test::Handler;
+using test::Make;
+using test::Picture;
+
+namespace {
+
+// The messages of painting that a window of 30 by 40 at 1, 2 hears, of which it fills what it may.
+class Painted
+{
+public:
+    explicit Painted(char letter, DWORD dwStyle = WS_POPUP | WS_VISIBLE)
+        : m_handler([=, this](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
+              if (nMsg == WM_ERASEBKGND) return Erase(reinterpret_cast<HDC>(wParam), letter);
+              return nMsg == WM_PAINT ? Paint(hWnd) : DefWindowProcA(hWnd, nMsg, wParam, lParam);
+          }),
+          window(Make(&m_handler, dwStyle))
+    {
+    }
+    Painted(const Painted&) = delete;
+    Painted& operator=(const Painted&) = delete;
+    ~Painted() { DestroyWindow(window); }
+
+    std::vector<RECT> TakePainted() { return std::exchange(m_painted, {}); }
+    int erased = 0;
+
+private:
+    LRESULT Erase(HDC hDC, char letter)
+    {
+        ++erased;
+        const test::Scoped<HBRUSH> brush(CreateSolidBrush(test::ColorOf(letter)));
+        const RECT all{0, 0, 99, 99};
+        return FillRect(hDC, &all, brush);
+    }
+    LRESULT Paint(HWND hWnd)
+    {
+        PAINTSTRUCT paint;
+        RECT clip;
+        EXPECT_NE(BeginPaint(hWnd, &paint), nullptr);
+        GetClipBox(paint.hdc, &clip);
+        EXPECT_EQ(clip, paint.rcPaint);
+        EXPECT_EQ(paint.fErase, 0);
+        m_painted.push_back(paint.rcPaint);
+        EndPaint(hWnd, &paint);
+        return 0;
+    }
+
+    const Handler m_handler;
+    std::vector<RECT> m_painted;
+
+public:
+    const HWND window;
+};
+
+void Pump()
+{
+    MSG msg;
+    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE))
+        DispatchMessageA(&msg);
+}
+
+// A row of the desktop as letters, `?` for its own colour.
+std::string Seen(int left, int y, int nLength)
+{
+    const HDC desktop = GetDC(nullptr);
+    const Picture row = test::Read(desktop, left, y, left + nLength, y + 1);
+    ReleaseDC(nullptr, desktop);
+    return row[0];
+}
+
+using Rects = std::vector<RECT>;
+
+TEST(Paint, ComesLastAndCoversWhatWasInvalidated)
+{
+    Painted painted('R');
+    EXPECT_EQ(Seen(0, 2, 3), "???"); // shown, and not painted yet
+    PostMessage(painted.window, WM_USER, 0, 0);
+    MSG msg;
+    ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+    EXPECT_EQ(msg.message, UINT{WM_USER});
+    for (int i = 0; i < 2; ++i) { // until it is painted
+        ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+        EXPECT_EQ(msg.message, WM_PAINT);
+    }
+    Pump();
+    EXPECT_EQ(painted.TakePainted(), (Rects{{0, 0, 30, 40}}));
+    EXPECT_EQ(Seen(0, 2, 3), "?RR");
+
+    const RECT part{-5, 1, 4, 3}, other{10, 5, 12, 6}, gone{9, 0, 99, 99};
+    InvalidateRect(painted.window, &part, 0);
+    InvalidateRect(painted.window, &other, 0);
+    RECT bounds;
+    EXPECT_TRUE(GetUpdateRect(painted.window, &bounds));
+    EXPECT_EQ(bounds, (RECT{0, 1, 12, 6}));
+    ValidateRect(painted.window, &gone);
+    UpdateWindow(painted.window);
+    UpdateWindow(painted.window);
+    EXPECT_EQ(painted.TakePainted(), (Rects{{0, 1, 4, 3}}));
+    EXPECT_EQ(painted.erased, 1);
+
+    ShowWindow(painted.window, SW_HIDE);
+    InvalidateRect(painted.window, nullptr, 1);
+    Pump();
+    EXPECT_EQ(Seen(0, 2, 3), "???");
+    ShowWindow(painted.window, SW_SHOWNA);
+    EXPECT_EQ(Seen(0, 2, 3), "???"); // not what it showed before
+    Pump();
+    EXPECT_EQ(painted.TakePainted(), (Rects{{0, 0, 30, 40}}));
+    EXPECT_EQ(painted.erased, 2);
+}
+
+TEST(Paint, ByDefaultErasesWithTheBrushOfTheClass)
+{
+    const test::Scoped<HBRUSH> brush(CreateSolidBrush(test::ColorOf('C')));
+    const WNDCLASSA cls{DefWindowProcA, "Brushed", brush};
+    RegisterClassA(&cls);
+    const HWND hWnd = CreateWindowExA(0, "Brushed", "", WS_POPUP | WS_VISIBLE, 5, 5, 2, 1);
+    Pump();
+    EXPECT_EQ(Seen(4, 5, 4), "?CC?");
+    DestroyWindow(hWnd);
+    UnregisterClassA("Brushed");
+    PAINTSTRUCT paint;
+    EXPECT_EQ(BeginPaint(hWnd, &paint), nullptr);
+    EXPECT_FALSE(EndPaint(hWnd, &paint) || InvalidateRect(hWnd, nullptr, 1) || UpdateWindow(hWnd));
+}
+
+TEST(Paint, WindowsLieOnEachOtherInTheirOrder)
+{
+    Painted red('R'), green('G'), blue('B');
+    Pump();
+    const auto top = [] { return Seen(1, 2, 1); };
+    const auto order = [](const Painted& p, HWND hAfter) {
+        SetWindowPos(p.window, hAfter, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
+    };
+    EXPECT_EQ(top(), "B");
+    order(red, HWND_TOP);
+    EXPECT_EQ(top(), "R");
+    order(green, HWND_TOPMOST);
+    order(blue, HWND_TOP);
+    EXPECT_EQ(top(), "G");
+    order(red, HWND_TOPMOST);
+    EXPECT_EQ(top(), "R");
+    order(red, HWND_NOTOPMOST);
+    EXPECT_EQ(top(), "G");
+    order(green, HWND_BOTTOM); // no longer topmost
+    EXPECT_EQ(top(), "R");
+    ShowWindow(red.window, SW_HIDE);
+    EXPECT_EQ(top(), "B");
+    ShowWindow(green.window, SW_HIDE);
+    ShowWindow(green.window, SW_SHOWNA); // shown on top of its kind
+    Pump();
+    EXPECT_EQ(top(), "G");
+}
+
+TEST(Paint, AMovedWindowKeepsItsPixelsAndPaintsWhatIsNew)
+{
+    std::vector<std::pair<UINT, LPARAM>> told;
+    Painted painted('M');
+    Pump();
+    painted.TakePainted();
+    SetWindowPos(painted.window, HWND_TOP, 50, -3, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    EXPECT_EQ(Seen(49, 0, 3), "?MM");
+    EXPECT_EQ(Seen(1, 2, 2), "??");
+    RECT rect;
+    GetWindowRect(painted.window, &rect);
+    EXPECT_EQ(rect, (RECT{50, -3, 80, 37}));
+    Pump();
+    EXPECT_TRUE(painted.TakePainted().empty());
+
+    MoveWindow(painted.window, 50, 0, 32, 41, 0);
+    EXPECT_EQ(Seen(78, 0, 5), "MM..?"); // what is new isn't painted yet
+    Pump();
+    EXPECT_EQ(painted.TakePainted(), (Rects{{0, 0, 32, 41}}));
+    EXPECT_EQ(Seen(78, 0, 5), "MMMM?");
+    MoveWindow(painted.window, 50, 0, -7, 41, 1); // nothing of it
+    Pump();
+    EXPECT_TRUE(painted.TakePainted().empty());
+}
+
+TEST(Paint, AShapedWindowIsSeenWithinItsRegion)
+{
+    const test::NoLeak noLeak;
+    Painted painted('Y');
+    Pump();
+    const HRGN region = CreateRectRgn(1, 0, 3, 1);
+    EXPECT_TRUE(SetWindowRgn(painted.window, region, 0));
+    EXPECT_FALSE(DeleteObject(region)); // it was given away
+    EXPECT_EQ(Seen(0, 2, 6), "??YY??");
+    EXPECT_EQ(Seen(0, 3, 6), "??????");
+    EXPECT_FALSE(SetWindowRgn(painted.window, region, 0));
+    EXPECT_TRUE(SetWindowRgn(painted.window, nullptr, 1));
+    EXPECT_EQ(Seen(0, 2, 6), "?YYYYY");
+    Pump();
+    EXPECT_EQ(painted.TakePainted().size(), 2u);
+}
+
+TEST(Paint, TellsOfAChangedPlace)
+{
+    std::vector<std::pair<UINT, LPARAM>> told;
+    const Handler handler = [&](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
+        if (nMsg == WM_MOVE || nMsg == WM_SIZE) told.emplace_back(nMsg, lParam);
+        return DefWindowProcA(hWnd, nMsg, wParam, lParam);
+    };
+    const HWND hWnd = Make(&handler);
+    MoveWindow(hWnd, 1, 2, 30, 40);
+    MoveWindow(hWnd, -1, 3, 30, 40);
+    MoveWindow(hWnd, -1, 3, 31, 41);
+    using P = std::pair<UINT, LPARAM>;
+    EXPECT_THAT(told, testing::ElementsAre(P(WM_MOVE, 0x3FFFF), P(WM_SIZE, 0x29001F)));
+    test::InThread([&] { EXPECT_FALSE(MoveWindow(hWnd, 0, 0, 1, 1)); });
+    DestroyWindow(hWnd);
+}
+
+// An opacity of 128 shows half of the window and half of what lies below.
+TEST(Paint, AFadingWindowLetsThroughWhatLiesBelow)
+{
+    const test::VirtualClock clock(0);
+    std::optional<DWORD> finished;
+    std::binary_semaphore ready{0};
+    HWND hWnd = nullptr;
+    std::thread thread([&] {
+        Painted painted('W', WS_POPUP);
+        hWnd = painted.window;
+        ready.release();
+        const DWORD begin = GetTickCount();
+        EXPECT_TRUE(AnimateWindow(painted.window, 3000, AW_BLEND));
+        finished = GetTickCount() - begin;
+        EXPECT_TRUE(AnimateWindow(painted.window, 300, AW_BLEND | AW_HIDE));
+        EXPECT_FALSE(IsWindowVisible(painted.window));
+        EXPECT_FALSE(AnimateWindow(painted.window, 300, AW_BLEND | AW_HIDE)); // hidden already
+    });
+    ready.acquire();
+    const auto red = [] {
+        const HDC desktop = GetDC(nullptr);
+        const int nRed = GetRValue(GetPixel(desktop, 1, 2)); // of white over a desktop that has none
+        ReleaseDC(nullptr, desktop);
+        return nRed;
+    };
+    const auto advance = [](DWORD dwMilliseconds) {
+        while (KXHost::ClockWaiters() == 0)
+            std::this_thread::yield();
+        KXHost::AdvanceClock(dwMilliseconds);
+        while (KXHost::ClockWaiters() == 0)
+            std::this_thread::yield();
+    };
+    advance(0);
+    EXPECT_EQ(red(), 0);
+    advance(1000);
+    EXPECT_EQ(red(), 85);
+    EXPECT_EQ(SendMessageA(hWnd, test::kPing, 0, 0), 1); // served meanwhile
+    advance(1000);
+    EXPECT_EQ(red(), 170);
+    advance(1000);
+    EXPECT_EQ(red(), 255);
+    advance(150);
+    EXPECT_NEAR(red(), 127, 1);
+    KXHost::AdvanceClock(150);
+    thread.join();
+    EXPECT_EQ(finished, DWORD{3000});
+    EXPECT_EQ(red(), 0);
+}
+
+TEST(Paint, AnAnimationEndsWithItsWindow)
+{
+    const test::VirtualClock clock(0, KXHost::VirtualSleep::Advances);
+    HWND hWnd = nullptr;
+    const Handler handler = test::On(WM_PAINT, [&](HWND h, WPARAM) { return LRESULT{DestroyWindow(h)}; });
+    hWnd = Make(&handler, WS_POPUP);
+    EXPECT_FALSE(AnimateWindow(hWnd, 3000, AW_BLEND));
+    EXPECT_FALSE(IsWindow(hWnd));
+
+    Painted painted('R', WS_POPUP); // without blending all is done at once
+    const DWORD begin = GetTickCount();
+    EXPECT_TRUE(AnimateWindow(painted.window, 3000, AW_ACTIVATE));
+    EXPECT_EQ(GetTickCount(), begin);
+    EXPECT_EQ(GetFocus(), painted.window);
+    EXPECT_EQ(Seen(1, 2, 1), "R");
+}
+
+TEST(Paint, TheDesktopIsOfTheSizeThatTheHostChose)
+{
+    EXPECT_TRUE(KXHost::IsMemoryDesktop());
+    {
+        Painted painted('R');
+        EXPECT_FALSE(KXHost::UseMemoryDesktop(3, 2)); // it has windows
+    }
+    EXPECT_FALSE(KXHost::UseMemoryDesktop(0, 2) || KXHost::UseMemoryDesktop(16'385, 2));
+    const HDC old = GetDC(nullptr);
+    ASSERT_TRUE(KXHost::UseMemoryDesktop(3, 2));
+    EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 3);
+    EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 2);
+    EXPECT_EQ(SetPixel(old, 9, 9, 0), 0u); // harmless
+    ReleaseDC(nullptr, old);
+    const HDC desktop = GetDC(nullptr);
+    EXPECT_EQ(GetPixel(desktop, 3, 0), CLR_INVALID);
+    EXPECT_EQ(GetPixel(desktop, 2, 1), DESKTOP_COLOR);
+    ReleaseDC(nullptr, desktop);
+    EXPECT_TRUE(KXHost::UseMemoryDesktop());
+}
+
+} // namespace

@@ -1,0 +1,231 @@
+#include "KXTipWnd.h"
+
+#include "KXLanResManager.h"
+#include "include/platform/Clock.h"
+#include "tests/support/Host.h"
+#include "tests/support/Picture.h"
+
+#include <algorithm>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr COLORREF kYellow = RGB(255, 255, 0), kBlue = RGB(0, 0, 255);
+constexpr int kLeft = (DESKTOP_WIDTH - 200) / 2, kTop = (DESKTOP_HEIGHT - 100) / 2;
+
+// The desktop as it is seen.
+COLORREF Seen(int x, int y)
+{
+    const HDC desktop = GetDC(nullptr);
+    const COLORREF clr = GetPixel(desktop, x, y);
+    ReleaseDC(nullptr, desktop);
+    return clr;
+}
+
+// The bounds of what is more blue than yellow within the box.
+RECT TextBounds()
+{
+    const HDC desktop = GetDC(nullptr);
+    RECT bounds{999, 999, -1, -1};
+    for (int y = 0; y < 100; ++y)
+        for (int x = 0; x < 200; ++x) {
+            const COLORREF clr = GetPixel(desktop, kLeft + x, kTop + y);
+            if (GetBValue(clr) < 128) continue;
+            bounds = {std::min(bounds.left, x), std::min(bounds.top, y), std::max(bounds.right, x + 1),
+                      std::max(bounds.bottom, y + 1)};
+        }
+    ReleaseDC(nullptr, desktop);
+    return bounds;
+}
+
+void Pump()
+{
+    MSG msg;
+    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE))
+        DispatchMessageA(&msg);
+}
+
+// A tip on a clock that its fades move themselves.
+struct Tip : testing::Test
+{
+    test::VirtualClock clock{0, KXHost::VirtualSleep::Advances};
+    CKXTipWnd tip;
+};
+
+using Fades = Tip;
+
+TEST_F(Tip, IsAYellowBoxInTheMiddleWithALineInBlue)
+{
+    const test::NoLeak noLeak;
+    CKXTipWnd box;
+    ASSERT_TRUE(box.CreateTipWnd());
+    EXPECT_FALSE(box.IsWindowVisible());
+    EXPECT_FALSE(box.CreateTipWnd()); // once
+    RECT rect;
+    box.GetWindowRect(&rect);
+    EXPECT_EQ(rect, CRect(kLeft, kTop, kLeft + 200, kTop + 100));
+    EXPECT_EQ(Seen(kLeft, kTop), DESKTOP_COLOR);
+
+    const DWORD begin = GetTickCount();
+    box.ShowTipWnd("Well done", 500);
+    EXPECT_EQ(GetTickCount() - begin, 3000u);
+    EXPECT_TRUE(box.IsWindowVisible());
+    for (const auto& [x, y] : {std::pair(0, 0), {199, 0}, {0, 99}, {199, 99}})
+        EXPECT_EQ(Seen(kLeft + x, kTop + y), kYellow);
+    EXPECT_EQ(Seen(kLeft - 1, kTop), DESKTOP_COLOR);
+    EXPECT_EQ(Seen(kLeft + 200, kTop + 99), DESKTOP_COLOR);
+
+    const RECT text = TextBounds();
+    EXPECT_NEAR((text.left + text.right) / 2, 100, 2);
+    EXPECT_NEAR((text.top + text.bottom) / 2, 50, 4);
+    EXPECT_THAT(text.bottom - text.top, testing::AllOf(testing::Ge(8), testing::Le(18))); // 10 points
+}
+
+TEST_F(Tip, StaysAsLongAsTold)
+{
+    tip.CreateTipWnd();
+    tip.ShowTipWnd("text", 1000);
+    KXHost::AdvanceClock(999);
+    Pump();
+    EXPECT_TRUE(tip.IsWindowVisible()); // nine ticks
+    const DWORD before = GetTickCount();
+    KXHost::AdvanceClock(1);
+    Pump(); // the tenth
+    EXPECT_EQ(GetTickCount() - before, 3001u);
+    EXPECT_FALSE(tip.IsWindowVisible());
+    EXPECT_EQ(Seen(kLeft, kTop), DESKTOP_COLOR);
+    EXPECT_FALSE(tip.KillTimer(1)); // it killed that
+
+    tip.ShowTipWnd("again", 0);
+    EXPECT_TRUE(tip.IsWindowVisible());
+    KXHost::AdvanceClock(99);
+    Pump();
+    EXPECT_TRUE(tip.IsWindowVisible());
+    KXHost::AdvanceClock(1);
+    Pump();
+    EXPECT_FALSE(tip.IsWindowVisible());
+}
+
+TEST_F(Tip, ThatIsUpIsReplaced)
+{
+    tip.CreateTipWnd();
+    tip.ShowTipWnd("i", 1000);
+    const RECT narrow = TextBounds();
+    KXHost::AdvanceClock(900);
+    const DWORD begin = GetTickCount();
+    tip.ShowTipWnd("a text of more words than the box of the tip can hold on one line of it", 1000);
+    EXPECT_EQ(GetTickCount() - begin, 3000u);
+    const RECT wide = TextBounds();
+    EXPECT_LT(wide.left, 3); // cut at both edges, and one line
+    EXPECT_GT(wide.right, 197);
+    EXPECT_LT(narrow.right - narrow.left, 10);
+    EXPECT_LT(wide.bottom - wide.top, 20);
+
+    Pump(); // the timer went on meanwhile, but the time runs anew
+    KXHost::AdvanceClock(900);
+    Pump();
+    EXPECT_TRUE(tip.IsWindowVisible());
+    KXHost::AdvanceClock(100);
+    Pump();
+    EXPECT_FALSE(tip.IsWindowVisible());
+    KXHost::AdvanceClock(5000);
+    MSG msg;
+    EXPECT_FALSE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)); // there was no second timer
+}
+
+TEST_F(Tip, LivesThroughTheWrapOfTheTickCount)
+{
+    tip.CreateTipWnd();
+    KXHost::AdvanceClock(0xFFFFFFFFu - GetTickCount() - 3500);
+    tip.ShowTipWnd("text", 1000); // ends behind the wrap
+    EXPECT_GT(GetTickCount(), 0xF0000000u);
+    KXHost::AdvanceClock(900);
+    Pump();
+    EXPECT_LT(GetTickCount(), 0x10000000u);
+    EXPECT_TRUE(tip.IsWindowVisible());
+    KXHost::AdvanceClock(100);
+    Pump();
+    EXPECT_FALSE(tip.IsWindowVisible());
+}
+
+TEST_F(Tip, HandsTheFocusBack)
+{
+    tip.CreateTipWnd();
+    CWnd own;
+    own.CreateEx(0, AfxRegisterWndClass(0), "", WS_POPUP | WS_VISIBLE, CRect(0, 0, 1, 1), nullptr, 0);
+    ASSERT_EQ(CWnd::GetFocus(), &own);
+    tip.ShowTipWnd("text", 1000);
+    EXPECT_EQ(CWnd::GetFocus(), &own); // it didn't take it
+    tip.PostMessage(WM_LBUTTONDOWN);
+    Pump();
+    EXPECT_EQ(CWnd::GetFocus(), &own);
+    own.DestroyWindow();
+    tip.SetFocus(); // from nobody: there is no one to give it to
+    EXPECT_EQ(CWnd::GetFocus(), &tip);
+}
+
+TEST_F(Tip, LeavesAlienTimersAndEndsItsOwn)
+{
+    tip.CreateTipWnd();
+    tip.ShowTipWnd("text", 0);
+    tip.SendMessage(WM_TIMER, 2);
+    EXPECT_TRUE(tip.IsWindowVisible());
+    tip.DestroyWindow();
+    KXHost::AdvanceClock(1000);
+    MSG msg;
+    EXPECT_FALSE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+    tip.ShowTipWnd("text", 0); // without a window nothing happens
+    ASSERT_TRUE(tip.CreateTipWnd());
+    tip.ShowTipWnd("text", 0); // with a new one it runs as before
+    KXHost::AdvanceClock(100);
+    Pump();
+    EXPECT_FALSE(tip.IsWindowVisible());
+}
+
+TEST_F(Tip, PaintsTheTextWithoutFillingAndRestoresTheSurface)
+{
+    const test::Paper paper(200, 100, 'W');
+    tip.CreateTipWnd();
+    const HGDIOBJ hFont = GetStockObject(SYSTEM_FONT);
+    SetTextColor(paper, test::ColorOf('R'));
+    EXPECT_EQ(tip.OnEraseBkgnd(CDC::FromHandle(paper)), 1);
+    EXPECT_EQ(GetPixel(paper, 0, 0), kYellow);
+    EXPECT_EQ(GetTextColor(paper), test::ColorOf('R'));
+    EXPECT_EQ(SelectObject(paper, hFont), hFont);
+}
+
+// A fade of three seconds both ways, looked at from another thread.
+TEST(TipFade, OpacityRisesAndFallsEvenly)
+{
+    const test::VirtualClock clock;
+    std::thread thread([] {
+        CKXTipWnd tip;
+        tip.CreateTipWnd();
+        tip.ShowTipWnd("", 100);
+        MSG msg;
+        while (tip.IsWindowVisible() && GetMessageA(&msg, nullptr, 0, 0))
+            DispatchMessageA(&msg);
+    });
+    const auto advance = [](DWORD dwMilliseconds) {
+        KXHost::AdvanceClock(dwMilliseconds);
+        while (KXHost::ClockWaiters() == 0)
+            std::this_thread::yield();
+        return int{GetRValue(Seen(kLeft, kTop))}; // yellow has all of it, the desktop nothing
+    };
+    EXPECT_EQ(advance(0), 0);
+    EXPECT_EQ(advance(1500), 127);
+    EXPECT_EQ(advance(600), 178);
+    EXPECT_EQ(advance(900), 255);
+    EXPECT_EQ(advance(100), 255); // the timer: from now on it falls
+    EXPECT_EQ(advance(600), 204);
+    EXPECT_EQ(advance(900), 128);
+    KXHost::AdvanceClock(1500);
+    thread.join();
+    EXPECT_EQ(Seen(kLeft, kTop), DESKTOP_COLOR);
+}
+
+} // namespace
