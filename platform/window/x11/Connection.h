@@ -1,0 +1,54 @@
+#pragma once
+
+#include "include/platform/Geometry.h"
+#include "platform/window/x11/Atoms.h"
+
+#include <atomic>
+#include <memory>
+#include <xcb/xcb.h>
+
+namespace kx::window::x11 {
+
+// A connection to a server, and what is known of its screen. Once the server is lost requests do nothing and
+// answers are null.
+class Connection
+{
+public:
+    // Null for a server that doesn't answer. A null name is DISPLAY's.
+    static std::unique_ptr<Connection> Open(const char* pszDisplay);
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    xcb_connection_t* Get() const noexcept { return m_connection.get(); }
+    bool IsLost() const noexcept { return xcb_connection_has_error(Get()) != 0; }
+    // Whether it is on this machine, so that memory can be shared with it.
+    bool IsLocal() const noexcept;
+    // Makes it lost, and lets go whoever waits for it. Any thread.
+    void Shut() noexcept;
+
+    xcb_window_t Root() const noexcept { return m_screen.root; }
+    const xcb_screen_t& Screen() const noexcept { return m_screen; }
+    // Whether its pixels are those that windows keep: 32 bits, 0xXXRRGGBB in this machine's order.
+    bool HasOurPixels() const noexcept { return m_bOurPixels; }
+    // Whether a window of that number was made by this connection.
+    bool IsOurs(xcb_window_t id) const noexcept { return (id & ~m_idMask) == m_idBase; }
+
+    const Atoms atoms;
+    std::atomic<SIZE> size; // of the screen
+
+private:
+    struct Disconnect
+    {
+        void operator()(xcb_connection_t* connection) const noexcept { xcb_disconnect(connection); }
+    };
+    using Handle = std::unique_ptr<xcb_connection_t, Disconnect>;
+    Connection(Handle connection, const xcb_setup_t& setup, const xcb_screen_t& screen);
+
+    const Handle m_connection;
+    const xcb_screen_t m_screen;
+    const bool m_bOurPixels;
+    const std::uint32_t m_idBase;
+    const std::uint32_t m_idMask;
+};
+
+} // namespace kx::window::x11

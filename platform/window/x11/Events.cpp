@@ -1,0 +1,224 @@
+#include "platform/window/x11/Events.h"
+
+#include "include/platform/Input.h"
+#include "platform/gdi/Screen.h"
+#include "platform/text/Conversion.h"
+#include "platform/window/Chores.h"
+#include "platform/window/WindowTable.h"
+
+#include <new>
+
+namespace kx::window::x11 {
+
+namespace {
+
+// Without the mark of those that a client sent.
+constexpr int KindOf(const xcb_generic_event_t& event) noexcept
+{
+    return event.response_type & 0x7F;
+}
+
+template <class T>
+const T& As(const xcb_generic_event_t& event) noexcept
+{
+    return reinterpret_cast<const T&>(event);
+}
+
+LPARAM PlaceOf(std::int16_t x, std::int16_t y) noexcept
+{
+    return static_cast<LPARAM>(static_cast<WORD>(x) | DWORD{static_cast<WORD>(y)} << 16);
+}
+
+UINT HeldOf(std::uint16_t state) noexcept
+{
+    UINT held = 0;
+    if (state & XCB_KEY_BUT_MASK_BUTTON_1) held |= MK_LBUTTON;
+    if (state & XCB_KEY_BUT_MASK_BUTTON_3) held |= MK_RBUTTON;
+    if (state & XCB_KEY_BUT_MASK_SHIFT) held |= MK_SHIFT;
+    if (state & XCB_KEY_BUT_MASK_CONTROL) held |= MK_CONTROL;
+    return held;
+}
+
+struct Button
+{
+    xcb_button_t number;
+    UINT held;
+    UINT down;
+    UINT up;
+};
+constexpr Button kButtons[] = {{1, MK_LBUTTON, WM_LBUTTONDOWN, WM_LBUTTONUP},
+                               {3, MK_RBUTTON, WM_RBUTTONDOWN, WM_RBUTTONUP}};
+
+} // namespace
+
+Events::Events(std::shared_ptr<Session> session)
+    : m_session(std::move(session)), m_keyboard(m_session->connection->Get())
+{
+}
+
+void Events::Run()
+{
+    while (const Event event = Next()) {
+        try {
+            Handle(*event);
+        } catch (const std::bad_alloc&) {
+            // One event less is the least harm.
+        }
+    }
+}
+
+Events::Event Events::Next()
+{
+    if (m_next) return std::move(m_next);
+    return Own(xcb_wait_for_event(m_session->connection->Get()));
+}
+
+const xcb_generic_event_t* Events::Peek()
+{
+    if (!m_next) m_next = Own(xcb_poll_for_queued_event(m_session->connection->Get()));
+    return m_next.get();
+}
+
+void Events::Handle(const xcb_generic_event_t& event)
+{
+    switch (KindOf(event)) {
+    case XCB_EXPOSE:
+        return OnExpose(As<xcb_expose_event_t>(event));
+    case XCB_CONFIGURE_NOTIFY:
+        return OnConfigure(As<xcb_configure_notify_event_t>(event), event.full_sequence);
+    case XCB_REPARENT_NOTIFY: {
+        const auto& reparent = As<xcb_reparent_notify_event_t>(event);
+        return Access(m_session)->own.LearnParent(reparent.window, reparent.parent);
+    }
+    case XCB_MAP_NOTIFY:
+        return Access(m_session)->own.LearnShown(As<xcb_map_notify_event_t>(event).window);
+    case XCB_DESTROY_NOTIFY:
+        return OnDestroy(As<xcb_destroy_notify_event_t>(event));
+    case XCB_CLIENT_MESSAGE:
+        return OnClientMessage(As<xcb_client_message_event_t>(event));
+    case XCB_FOCUS_IN:
+    case XCB_FOCUS_OUT:
+        return OnFocus(As<xcb_focus_in_event_t>(event), event.full_sequence, KindOf(event) == XCB_FOCUS_IN);
+    case XCB_MOTION_NOTIFY:
+        return OnMotion(As<xcb_motion_notify_event_t>(event));
+    case XCB_BUTTON_PRESS:
+    case XCB_BUTTON_RELEASE:
+        return OnButton(As<xcb_button_press_event_t>(event), KindOf(event) == XCB_BUTTON_PRESS);
+    case XCB_KEY_PRESS:
+    case XCB_KEY_RELEASE:
+        return OnKey(As<xcb_key_press_event_t>(event), KindOf(event) == XCB_KEY_PRESS);
+    default: // what else comes is errors of requests, whose windows had ended meanwhile
+        if (m_keyboard.IsChange(event)) OnKeyboardChange();
+    }
+}
+
+HWND Events::HandleOf(xcb_window_t id)
+{
+    return Access(m_session)->own.HandleOf(id);
+}
+
+// The window's kept pixels are put there again; the client isn't troubled.
+void Events::OnExpose(const xcb_expose_event_t& event)
+{
+    const RECT rect = RectOf(event.x, event.y, event.width, event.height);
+    const auto window = WindowTable::Instance().Find(HandleOf(event.window));
+    const std::lock_guard lock(gdi::Screen::Instance().lock);
+    if (!window || !window->visible || !window->appeared || !window->backing) return;
+    Access(m_session)->pixels.Put(event.window, window->backing->surface, rect);
+}
+
+void Events::OnConfigure(const xcb_configure_notify_event_t& event, std::uint32_t sequence)
+{
+    Connection& connection = *m_session->connection;
+    if (event.window == connection.Root()) {
+        connection.size = SIZE{event.width, event.height};
+        return;
+    }
+    const HWND hWnd = HandleOf(event.window);
+    const auto window = WindowTable::Instance().Find(hWnd);
+    if (!window) return;
+    const auto change = Access(m_session)->own.Learn(event, sequence, window->Rect());
+    if (!change) return;
+    window->SetRect(change->rect);
+    PostChore(hWnd, Chore::Place, change->resized);
+}
+
+void Events::OnDestroy(const xcb_destroy_notify_event_t& event)
+{
+    if (const HWND hWnd = HandleOf(event.window)) return PostChore(hWnd, Chore::Destroy);
+    Access(m_session)->foreign.Forget(event.window);
+}
+
+void Events::OnClientMessage(const xcb_client_message_event_t& event)
+{
+    const Atoms& atoms = m_session->connection->atoms;
+    const bool bClose = event.type == atoms.wmProtocols && event.data.data32[0] == atoms.wmDeleteWindow;
+    const HWND hWnd = HandleOf(event.window);
+    if (bClose && hWnd) PostMessage(hWnd, WM_CLOSE, 0, 0);
+}
+
+// Changes come in flocks.
+void Events::OnKeyboardChange()
+{
+    while (Peek() && m_keyboard.IsChange(*Peek()))
+        m_next.reset();
+    m_keyboard.Reload();
+}
+
+// A manager's keys grab the keyboard for a moment, which moves no focus; nor does the pointer's place.
+void Events::OnFocus(const xcb_focus_in_event_t& event, std::uint32_t sequence, bool bHas)
+{
+    if (event.mode == XCB_NOTIFY_MODE_GRAB || event.mode == XCB_NOTIFY_MODE_UNGRAB) return;
+    if (event.detail >= XCB_NOTIFY_DETAIL_POINTER) return;
+    const HWND hWnd = HandleOf(event.event);
+    if (Access(m_session)->own.LearnFocus(event.event, bHas, sequence) && hWnd)
+        PostChore(hWnd, bHas ? Chore::GainFocus : Chore::LoseFocus);
+}
+
+bool Events::IsOvertaken(const xcb_motion_notify_event_t& event)
+{
+    const auto* next = Peek();
+    if (!next || KindOf(*next) != XCB_MOTION_NOTIFY) return false;
+    const auto& other = As<xcb_motion_notify_event_t>(*next);
+    return other.event == event.event && other.state == event.state;
+}
+
+void Events::OnMotion(const xcb_motion_notify_event_t& event)
+{
+    if (IsOvertaken(event)) return;
+    if (const HWND hWnd = HandleOf(event.event))
+        PostLatest(hWnd, WM_MOUSEMOVE, HeldOf(event.state), PlaceOf(event.event_x, event.event_y));
+}
+
+void Events::OnButton(const xcb_button_press_event_t& event, bool bDown)
+{
+    const HWND hWnd = HandleOf(event.event);
+    for (const Button& button : kButtons) {
+        if (!hWnd || button.number != event.detail) continue;
+        // The event tells what was held before it.
+        const UINT held = bDown ? HeldOf(event.state) | button.held : HeldOf(event.state) & ~button.held;
+        PostMessage(hWnd, bDown ? button.down : button.up, held, PlaceOf(event.event_x, event.event_y));
+    }
+}
+
+// The server repeats a held key by a release and a press of the same moment.
+bool Events::IsRepeat(const xcb_key_release_event_t& event)
+{
+    const auto* next = Peek();
+    if (!next || KindOf(*next) != XCB_KEY_PRESS) return false;
+    const auto& press = As<xcb_key_press_event_t>(*next);
+    return press.detail == event.detail && press.time == event.time && press.event == event.event;
+}
+
+void Events::OnKey(const xcb_key_press_event_t& event, bool bDown)
+{
+    const HWND hWnd = HandleOf(event.event);
+    if (!hWnd || (!bDown && IsRepeat(event))) return;
+    const Keyboard::Key key = m_keyboard.Read(event.detail, event.state);
+    if (key.number) PostMessage(hWnd, bDown ? WM_KEYDOWN : WM_KEYUP, key.number, 1);
+    if (!bDown) return;
+    for (const char ch : text::FromUtf8Lossy(key.text))
+        PostMessage(hWnd, WM_CHAR, static_cast<BYTE>(ch), 1);
+}
+
+} // namespace kx::window::x11

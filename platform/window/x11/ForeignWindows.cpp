@@ -1,0 +1,102 @@
+#include "platform/window/x11/ForeignWindows.h"
+
+#include "platform/window/WindowTable.h"
+#include "platform/window/x11/Properties.h"
+#include "platform/window/x11/Reply.h"
+
+#include <algorithm>
+#include <span>
+
+namespace kx::window::x11 {
+
+namespace {
+
+constexpr std::uint32_t kMost = 1'000;
+
+} // namespace
+
+ForeignWindows::ForeignWindows(const Connection& connection)
+    : m_connection(connection), m_machine(MachineName())
+{
+}
+
+std::vector<xcb_window_t> ForeignWindows::Candidates() const
+{
+    xcb_connection_t* const connection = m_connection.Get();
+    const auto listed = Own(
+        xcb_get_property_reply(connection,
+                               xcb_get_property(connection, 0, m_connection.Root(),
+                                                m_connection.atoms.netClientList, XCB_ATOM_WINDOW, 0, kMost),
+                               nullptr));
+    std::vector<xcb_window_t> ids;
+    if (listed && listed->format == 32) {
+        const auto* first = static_cast<const xcb_window_t*>(xcb_get_property_value(listed.get()));
+        ids.assign(first, first + listed->value_len);
+    } else if (const auto tree = Own(xcb_query_tree_reply(
+                   connection, xcb_query_tree(connection, m_connection.Root()), nullptr))) {
+        const std::span children(xcb_query_tree_children(tree.get()), tree->children_len);
+        const auto some = children.first(std::min<std::size_t>(children.size(), kMost));
+        ids.assign(some.begin(), some.end());
+    }
+    std::erase_if(ids, [&](xcb_window_t id) { return m_connection.IsOurs(id); });
+    return ids;
+}
+
+std::vector<HWND> ForeignWindows::List()
+{
+    std::vector<Questions> questions;
+    for (const xcb_window_t id : Candidates())
+        questions.push_back(Ask(id));
+    std::vector<HWND> handles;
+    for (const Questions& asked : questions)
+        if (Answer(asked)) handles.push_back(Number(asked.id));
+    return handles;
+}
+
+// Its end is to be told from now on, since its number of the server's may then become another's.
+HWND ForeignWindows::Number(xcb_window_t id)
+{
+    HWND& handle = m_handles[id];
+    if (handle) return handle;
+    handle = NewHandle();
+    m_windows.emplace(handle, id);
+    const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_connection.Get(), id, XCB_CW_EVENT_MASK, &events);
+    return handle;
+}
+
+void ForeignWindows::Forget(xcb_window_t id) noexcept
+{
+    const auto it = m_handles.find(id);
+    if (it == m_handles.end()) return;
+    m_windows.erase(it->second);
+    m_handles.erase(it);
+}
+
+std::optional<WindowFacts> ForeignWindows::Find(HWND hWnd) const noexcept
+{
+    const auto it = m_windows.find(hWnd);
+    return it == m_windows.end() ? std::nullopt : Answer(Ask(it->second));
+}
+
+ForeignWindows::Questions ForeignWindows::Ask(xcb_window_t id) const
+{
+    return {id, xcb_get_window_attributes(m_connection.Get(), id),
+            AskFor(m_connection, id, m_connection.atoms.netWmPid),
+            AskFor(m_connection, id, XCB_ATOM_WM_CLIENT_MACHINE)};
+}
+
+// A process of another machine has a number that means nothing here.
+std::optional<WindowFacts> ForeignWindows::Answer(const Questions& questions) const noexcept
+{
+    xcb_connection_t* const connection = m_connection.Get();
+    const auto attributes = Own(xcb_get_window_attributes_reply(connection, questions.attributes, nullptr));
+    const auto process = Own(xcb_get_property_reply(connection, questions.process, nullptr));
+    const auto machine = Own(xcb_get_property_reply(connection, questions.machine, nullptr));
+    const auto id = NumberOf(process.get());
+    if (!attributes || !id || *id == 0 || TextOf(machine.get()) != m_machine) return std::nullopt;
+    // A process's first thread has the process's number.
+    return WindowFacts{*id, *id, attributes->map_state == XCB_MAP_STATE_VIEWABLE};
+}
+
+} // namespace kx::window::x11

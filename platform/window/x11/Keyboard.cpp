@@ -1,0 +1,149 @@
+#include "platform/window/x11/Keyboard.h"
+
+#include "include/platform/Input.h"
+
+#include <algorithm>
+#include <array>
+#include <xkbcommon/xkbcommon-keysyms.h>
+#include <xkbcommon/xkbcommon-x11.h>
+
+// A header for C, with a member of that name.
+#define explicit explicit_
+#include <xcb/xkb.h>
+#undef explicit
+
+namespace kx::window::x11 {
+
+namespace {
+
+struct Named
+{
+    xkb_keysym_t symbol;
+    UINT number;
+};
+
+constexpr std::array kNamed{
+    Named{XKB_KEY_BackSpace, VK_BACK},
+    Named{XKB_KEY_Tab, VK_TAB},
+    Named{XKB_KEY_ISO_Left_Tab, VK_TAB},
+    Named{XKB_KEY_Return, VK_RETURN},
+    Named{XKB_KEY_KP_Enter, VK_RETURN},
+    Named{XKB_KEY_Shift_L, VK_SHIFT},
+    Named{XKB_KEY_Shift_R, VK_SHIFT},
+    Named{XKB_KEY_Control_L, VK_CONTROL},
+    Named{XKB_KEY_Control_R, VK_CONTROL},
+    Named{XKB_KEY_Alt_L, VK_MENU},
+    Named{XKB_KEY_Alt_R, VK_MENU},
+    Named{XKB_KEY_Escape, VK_ESCAPE},
+    Named{XKB_KEY_space, VK_SPACE},
+    Named{XKB_KEY_Prior, VK_PRIOR},
+    Named{XKB_KEY_Next, VK_NEXT},
+    Named{XKB_KEY_End, VK_END},
+    Named{XKB_KEY_Home, VK_HOME},
+    Named{XKB_KEY_Left, VK_LEFT},
+    Named{XKB_KEY_Up, VK_UP},
+    Named{XKB_KEY_Right, VK_RIGHT},
+    Named{XKB_KEY_Down, VK_DOWN},
+    Named{XKB_KEY_Delete, VK_DELETE},
+    Named{XKB_KEY_KP_Prior, VK_PRIOR},
+    Named{XKB_KEY_KP_Next, VK_NEXT},
+    Named{XKB_KEY_KP_End, VK_END},
+    Named{XKB_KEY_KP_Home, VK_HOME},
+    Named{XKB_KEY_KP_Left, VK_LEFT},
+    Named{XKB_KEY_KP_Up, VK_UP},
+    Named{XKB_KEY_KP_Right, VK_RIGHT},
+    Named{XKB_KEY_KP_Down, VK_DOWN},
+    Named{XKB_KEY_KP_Delete, VK_DELETE},
+};
+
+UINT NumberOfSymbol(xkb_keysym_t symbol) noexcept
+{
+    if (symbol >= XKB_KEY_a && symbol <= XKB_KEY_z) return symbol - XKB_KEY_a + 'A';
+    if (symbol >= XKB_KEY_0 && symbol <= XKB_KEY_9) return symbol - XKB_KEY_0 + '0';
+    if (symbol >= XKB_KEY_F1 && symbol <= XKB_KEY_F12) return symbol - XKB_KEY_F1 + VK_F1;
+    const auto it = std::ranges::find(kNamed, symbol, &Named::symbol);
+    return it == kNamed.end() ? 0 : it->number;
+}
+
+// The parts of a key event's state.
+constexpr xkb_mod_mask_t HeldKeys(std::uint16_t held) noexcept
+{
+    return held & 0xFF;
+}
+constexpr xkb_layout_index_t Layout(std::uint16_t held) noexcept
+{
+    return held >> 13 & 3;
+}
+
+} // namespace
+
+Keyboard::Keyboard(xcb_connection_t* connection)
+    : m_connection(connection), m_context(xkb_context_new(XKB_CONTEXT_NO_FLAGS))
+{
+    if (m_context)
+        xkb_context_set_log_level(m_context.get(), XKB_LOG_LEVEL_CRITICAL); // a lost server is no news
+    xkb_x11_setup_xkb_extension(connection, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
+                                XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, &m_firstEvent,
+                                nullptr);
+    // From here on the server tells of changes by events of the extension alone, and only if asked.
+    constexpr std::uint16_t events = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
+    constexpr std::uint16_t allParts = 0xFF;
+    if (m_firstEvent)
+        xcb_xkb_select_events(connection, XCB_XKB_ID_USE_CORE_KBD, events, 0, events, allParts, allParts,
+                              nullptr);
+    Reload();
+}
+
+bool Keyboard::IsChange(const xcb_generic_event_t& event) const noexcept
+{
+    if (event.response_type == XCB_MAPPING_NOTIFY) return true;
+    // The second byte tells which one it is.
+    const bool bTells = event.pad0 == XCB_XKB_NEW_KEYBOARD_NOTIFY || event.pad0 == XCB_XKB_MAP_NOTIFY;
+    return m_firstEvent && event.response_type == m_firstEvent && bTells;
+}
+
+void Keyboard::Reload()
+{
+    m_state.reset();
+    m_keymap.reset();
+    const std::int32_t nDevice = xkb_x11_get_core_keyboard_device_id(m_connection);
+    if (!m_context || nDevice < 0) return;
+    m_keymap.reset(
+        xkb_x11_keymap_new_from_device(m_context.get(), m_connection, nDevice, XKB_KEYMAP_COMPILE_NO_FLAGS));
+    if (m_keymap) m_state.reset(xkb_state_new(m_keymap.get()));
+}
+
+// By what the key is without others held, in its layout or else the first that has a number for it: a
+// letter's key keeps its number in a layout of other letters.
+UINT Keyboard::NumberOf(xcb_keycode_t code, xkb_layout_index_t layout) const
+{
+    const auto inLayout = [&](xkb_layout_index_t which) {
+        const xkb_keysym_t* symbols = nullptr;
+        const int nSymbols = xkb_keymap_key_get_syms_by_level(m_keymap.get(), code, which, 0, &symbols);
+        return nSymbols == 1 ? NumberOfSymbol(symbols[0]) : 0;
+    };
+    UINT number = inLayout(layout);
+    const auto nLayouts = xkb_keymap_num_layouts_for_key(m_keymap.get(), code);
+    for (xkb_layout_index_t which = 0; number == 0 && which < nLayouts; ++which)
+        number = inLayout(which);
+    return number;
+}
+
+Keyboard::Key Keyboard::Read(xcb_keycode_t code, std::uint16_t held)
+{
+    if (!m_state) return {};
+    xkb_state_update_mask(m_state.get(), HeldKeys(held), 0, 0, 0, 0, Layout(held));
+    // The number block's keys mean digits or moves by what is held.
+    Key key{NumberOf(code, Layout(held)), {}};
+    const xkb_keysym_t symbol = xkb_state_key_get_one_sym(m_state.get(), code);
+    if (symbol >= XKB_KEY_KP_0 && symbol <= XKB_KEY_KP_9) key.number = symbol - XKB_KEY_KP_0 + '0';
+    const bool bAlt =
+        xkb_state_mod_name_is_active(m_state.get(), XKB_MOD_NAME_ALT, XKB_STATE_MODS_EFFECTIVE) > 0;
+    if (bAlt || key.number == VK_DELETE) return key;
+    key.text.resize(
+        static_cast<std::size_t>(std::max(xkb_state_key_get_utf8(m_state.get(), code, nullptr, 0), 0)));
+    xkb_state_key_get_utf8(m_state.get(), code, key.text.data(), key.text.size() + 1);
+    return key;
+}
+
+} // namespace kx::window::x11

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "include/platform/Types.h"
+
+#include <memory>
+#include <string>
+#include <xcb/xcb.h>
+#include <xkbcommon/xkbcommon.h>
+
+namespace kx::window::x11 {
+
+// What the keys of the server's keyboard mean. One thread at a time.
+class Keyboard
+{
+public:
+    explicit Keyboard(xcb_connection_t* connection);
+
+    // Whether the event tells that keys have got other meanings.
+    bool IsChange(const xcb_generic_event_t& event) const noexcept;
+    void Reload();
+
+    struct Key
+    {
+        UINT number = 0;  // a VK_..., 0 for none
+        std::string text; // UTF-8
+    };
+    // A key with what a key event says is held beside it.
+    Key Read(xcb_keycode_t code, std::uint16_t held);
+
+private:
+    struct Unref
+    {
+        void operator()(xkb_context* p) const noexcept { xkb_context_unref(p); }
+        void operator()(xkb_keymap* p) const noexcept { xkb_keymap_unref(p); }
+        void operator()(xkb_state* p) const noexcept { xkb_state_unref(p); }
+    };
+    UINT NumberOf(xcb_keycode_t code, xkb_layout_index_t layout) const;
+
+    xcb_connection_t* const m_connection;
+    std::uint8_t m_firstEvent = 0; // of those about keyboards; 0 for a server that has none
+    std::unique_ptr<xkb_context, Unref> m_context;
+    std::unique_ptr<xkb_keymap, Unref>
+        m_keymap; // null where the server tells none: then no key means anything
+    std::unique_ptr<xkb_state, Unref> m_state;
+};
+
+} // namespace kx::window::x11

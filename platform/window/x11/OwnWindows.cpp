@@ -1,0 +1,179 @@
+#include "platform/window/x11/OwnWindows.h"
+
+#include "platform/window/Window.h"
+#include "platform/window/x11/Properties.h"
+
+#include <algorithm>
+#include <array>
+
+namespace kx::window::x11 {
+
+namespace {
+
+constexpr std::uint32_t kEvents = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
+                                  XCB_EVENT_MASK_FOCUS_CHANGE | XCB_EVENT_MASK_KEY_PRESS |
+                                  XCB_EVENT_MASK_KEY_RELEASE | XCB_EVENT_MASK_BUTTON_PRESS |
+                                  XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION;
+
+// The nearest place that a server can give: 16 bits, and a pixel at least.
+RECT ToServer(const RECT& rect) noexcept
+{
+    constexpr LONG nMost = 0x7FFF;
+    const LONG x = std::clamp(rect.left, -nMost, nMost);
+    const LONG y = std::clamp(rect.top, -nMost, nMost);
+    const auto side = [](std::int64_t n) { return static_cast<LONG>(std::clamp<std::int64_t>(n, 1, nMost)); };
+    return {x, y, x + side(std::int64_t{rect.right} - rect.left),
+            y + side(std::int64_t{rect.bottom} - rect.top)};
+}
+
+std::uint16_t Side(LONG nFrom, LONG nTo) noexcept
+{
+    return static_cast<std::uint16_t>(nTo - nFrom);
+}
+
+} // namespace
+
+// A window has no background of the server's: what isn't painted yet leaves the screen as it is.
+bool OwnWindows::Create(HWND hWnd, const CREATESTRUCTA& create)
+{
+    if (m_connection.IsLost() || !m_connection.HasOurPixels()) return false;
+    const RECT place = ToServer(RectOf(create.x, create.y, create.cx, create.cy));
+    const xcb_window_t id = xcb_generate_id(m_connection.Get());
+    const Entry entry{.id = id, .popup = (create.style & WS_POPUP) != 0, .place = place};
+    const std::array<std::uint32_t, 4> values{XCB_BACK_PIXMAP_NONE, XCB_GRAVITY_NORTH_WEST, entry.popup,
+                                              kEvents};
+    xcb_create_window(m_connection.Get(), XCB_COPY_FROM_PARENT, id, m_connection.Root(),
+                      static_cast<std::int16_t>(place.left), static_cast<std::int16_t>(place.top),
+                      Side(place.left, place.right), Side(place.top, place.bottom), 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                      XCB_CW_BACK_PIXMAP | XCB_CW_BIT_GRAVITY | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK,
+                      values.data());
+    Describe(m_connection, id, create.style);
+    SetTitle(m_connection, id, create.lpszName ? create.lpszName : "");
+    SetWantedPlace(m_connection, id, place);
+    m_entries.emplace(hWnd, entry);
+    m_handles.emplace(id, hWnd);
+    m_stack.Add(hWnd);
+    return true;
+}
+
+void OwnWindows::Destroy(HWND hWnd) noexcept
+{
+    const Entry* entry = Find(hWnd);
+    if (!entry) return;
+    xcb_destroy_window(m_connection.Get(), entry->id);
+    m_handles.erase(entry->id);
+    m_entries.erase(hWnd);
+    m_stack.Remove(hWnd);
+}
+
+// A manager is told of the hiding by an event of its own, since it may not have got to the showing yet.
+void OwnWindows::Show(HWND hWnd, bool bVisible)
+{
+    Entry* entry = Find(hWnd);
+    if (!entry) return;
+    entry->shown = bVisible;
+    if (bVisible) {
+        if (!entry->popup) SetAbove(m_connection, entry->id, entry->topmost);
+        xcb_map_window(m_connection.Get(), entry->id);
+        return;
+    }
+    if (m_wantsFocus == entry->id) m_wantsFocus = 0;
+    xcb_unmap_window(m_connection.Get(), entry->id);
+    xcb_unmap_notify_event_t event{};
+    event.response_type = XCB_UNMAP_NOTIFY;
+    event.event = m_connection.Root();
+    event.window = entry->id;
+    if (!entry->popup)
+        xcb_send_event(m_connection.Get(), 0, m_connection.Root(),
+                       XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                       reinterpret_cast<const char*>(&event));
+}
+
+void OwnWindows::SetText(HWND hWnd, const char* pszText)
+{
+    if (const xcb_window_t id = NumberOf(hWnd)) SetTitle(m_connection, id, pszText);
+}
+
+void OwnWindows::Place(HWND hWnd, const RECT& rect)
+{
+    Entry* entry = Find(hWnd);
+    if (!entry) return;
+    entry->place = ToServer(rect);
+    const RECT& place = entry->place;
+    SetWantedPlace(m_connection, entry->id, place);
+    const std::array<std::uint32_t, 4> values{static_cast<std::uint32_t>(place.left),
+                                              static_cast<std::uint32_t>(place.top),
+                                              Side(place.left, place.right), Side(place.top, place.bottom)};
+    entry->placing = xcb_configure_window(m_connection.Get(), entry->id,
+                                          XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
+                                              XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                                          values.data())
+                         .sequence;
+}
+
+void OwnWindows::Raise(const Entry& entry)
+{
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(m_connection.Get(), entry.id, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+}
+
+// The server knows no topmost windows: pop-ups that are follow each one that is raised.
+void OwnWindows::Stack(HWND hWnd, Order order)
+{
+    Entry* entry = Find(hWnd);
+    if (!entry) return;
+    m_stack.Move(hWnd, order);
+    const bool bWas = entry->topmost;
+    if (order != Order::Top) entry->topmost = order == Order::Topmost;
+    if (!entry->popup && entry->shown && entry->topmost != bWas)
+        AskAbove(m_connection, entry->id, entry->topmost);
+    if (order == Order::Bottom) {
+        const std::uint32_t below = XCB_STACK_MODE_BELOW;
+        xcb_configure_window(m_connection.Get(), entry->id, XCB_CONFIG_WINDOW_STACK_MODE, &below);
+        return;
+    }
+    Raise(*entry);
+    if (entry->topmost) return;
+    for (const HWND hOther : m_stack.Handles()) {
+        const Entry* other = Find(hOther);
+        if (other->popup && other->topmost) Raise(*other);
+    }
+}
+
+void OwnWindows::SetOpacity(HWND hWnd, BYTE opacity)
+{
+    if (const xcb_window_t id = NumberOf(hWnd)) SetOpacityOf(m_connection, id, opacity);
+}
+
+// Until it is shown a window can't have the keyboard. One of another process keeps it.
+void OwnWindows::Focus(HWND hWnd)
+{
+    const xcb_window_t id = NumberOf(hWnd);
+    if (hWnd ? !id : !m_focused) return;
+    m_wantsFocus = id;
+    constexpr xcb_window_t nobody = XCB_INPUT_FOCUS_POINTER_ROOT;
+    m_focusing = xcb_set_input_focus(m_connection.Get(), XCB_INPUT_FOCUS_POINTER_ROOT, id ? id : nobody,
+                                     XCB_CURRENT_TIME)
+                     .sequence;
+}
+
+xcb_window_t OwnWindows::NumberOf(HWND hWnd) const noexcept
+{
+    const auto it = m_entries.find(hWnd);
+    return it == m_entries.end() ? 0 : it->second.id;
+}
+
+HWND OwnWindows::HandleOf(xcb_window_t id) const noexcept
+{
+    const auto it = m_handles.find(id);
+    return it == m_handles.end() ? nullptr : it->second;
+}
+
+OwnWindows::Entry* OwnWindows::Find(HWND hWnd) noexcept
+{
+    const auto it = m_entries.find(hWnd);
+    return it == m_entries.end() ? nullptr : &it->second;
+}
+
+} // namespace kx::window::x11

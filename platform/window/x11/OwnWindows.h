@@ -1,0 +1,76 @@
+#pragma once
+
+#include "platform/window/Desktop.h"
+#include "platform/window/headless/WindowStack.h"
+#include "platform/window/x11/Connection.h"
+
+#include <map>
+#include <optional>
+
+namespace kx::window::x11 {
+
+// This process's windows on the server. A handle or number that is none of them is harmless.
+class OwnWindows
+{
+public:
+    explicit OwnWindows(const Connection& connection) : m_connection(connection) {}
+
+    bool Create(HWND hWnd, const CREATESTRUCTA& create);
+    void Destroy(HWND hWnd) noexcept;
+    void Show(HWND hWnd, bool bVisible);
+    void SetText(HWND hWnd, const char* pszText);
+    void Place(HWND hWnd, const RECT& rect);
+    void Stack(HWND hWnd, Order order);
+    void SetOpacity(HWND hWnd, BYTE opacity);
+    void Focus(HWND hWnd);
+
+    // Null or 0 for none.
+    xcb_window_t NumberOf(HWND hWnd) const noexcept;
+    HWND HandleOf(xcb_window_t id) const noexcept;
+    std::vector<HWND> Handles() const { return m_stack.Handles(); }
+
+    // ---- What the server tells
+
+    // A window lies there now, by an event of that sequence number. Where that is news: what has become of
+    // its `rect`, and whether its size changed.
+    struct Change
+    {
+        RECT rect;
+        bool resized;
+    };
+    std::optional<Change> Learn(const xcb_configure_notify_event_t& event, std::uint32_t sequence,
+                                const RECT& rect);
+    void LearnParent(xcb_window_t id, xcb_window_t parent) noexcept;
+    // It can be given the keyboard only from now on.
+    void LearnShown(xcb_window_t id);
+    // Whether it is news: what was so before the last wish of this process is old.
+    bool LearnFocus(xcb_window_t id, bool bHas, std::uint32_t sequence) noexcept;
+
+private:
+    struct Entry
+    {
+        xcb_window_t id;
+        bool popup; // not the window manager's business
+        bool shown = false;
+        bool topmost = false;
+        bool framed = false;       // lies in a window of the manager's
+        RECT place{};              // as the server has it, or was told last
+        std::uint32_t placing = 0; // the request that told it
+    };
+
+    Entry* Find(HWND hWnd) noexcept;
+    Entry* FindNumber(xcb_window_t id) noexcept { return Find(HandleOf(id)); }
+    void Raise(const Entry& entry);
+    // The place within the screen that the event tells within the window's parent.
+    std::optional<POINT> OriginOf(const Entry& entry, const xcb_configure_notify_event_t& event) const;
+
+    const Connection& m_connection;
+    std::map<HWND, Entry> m_entries;
+    std::map<xcb_window_t, HWND> m_handles;
+    WindowStack m_stack;
+    xcb_window_t m_focused = 0;
+    xcb_window_t m_wantsFocus = 0; // not shown yet
+    std::uint32_t m_focusing = 0;  // the request that asked last
+};
+
+} // namespace kx::window::x11

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "include/platform/Window.h"
+#include "platform/window/x11/Connection.h"
+
+#include <optional>
+#include <string>
+
+// What other programs are told about a window: its manager, compositors, and those who look for it.
+
+namespace kx::window::x11 {
+
+// All that is fixed from the window's beginning.
+void Describe(const Connection& connection, xcb_window_t window, DWORD dwStyle);
+// A text in the process's code page.
+void SetTitle(const Connection& connection, xcb_window_t window, const char* pszText);
+// Where a window without a frame is to lie; the manager puts its frame around that.
+void SetWantedPlace(const Connection& connection, xcb_window_t window, const RECT& rect);
+void SetOpacityOf(const Connection& connection, xcb_window_t window, BYTE opacity);
+// Whether the manager is to keep the window above the others, from when it is shown next.
+void SetAbove(const Connection& connection, xcb_window_t window, bool bAbove);
+// The same of a window that is shown, whose state is the manager's.
+void AskAbove(const Connection& connection, xcb_window_t window, bool bAbove);
+
+// A property's text of at most 1,000 bytes, or a number; of an answer, which may be an error.
+std::string TextOf(const xcb_get_property_reply_t* reply);
+std::optional<std::uint32_t> NumberOf(const xcb_get_property_reply_t* reply);
+xcb_get_property_cookie_t AskFor(const Connection& connection, xcb_window_t window, xcb_atom_t property);
+
+// This machine's name, as windows tell it.
+std::string MachineName();
+
+} // namespace kx::window::x11

@@ -1,0 +1,183 @@
+#include "platform/window/x11/X11Desktop.h"
+
+#include "platform/Immortal.h"
+#include "platform/window/MessageBoxWindow.h"
+#include "platform/window/headless/HeadlessDesktop.h"
+#include "platform/window/x11/EventThread.h"
+#include "platform/window/x11/Shape.h"
+
+#include <pthread.h>
+#include <system_error>
+
+namespace kx::window {
+
+using x11::Access;
+
+namespace {
+
+std::atomic<int> g_forks{0};
+[[maybe_unused]] const int g_atFork = pthread_atfork(nullptr, nullptr, [] { ++g_forks; });
+
+// Those that are, or were, the process's.
+struct Kept
+{
+    static Kept& Instance()
+    {
+        static Immortal<Kept> kept;
+        return kept.Get();
+    }
+    std::mutex lock;
+    std::vector<std::unique_ptr<X11Desktop>> desktops;
+};
+
+// No thread may run in the library once it has been unloaded.
+struct LeaveAtUnload
+{
+    ~LeaveAtUnload()
+    {
+        const std::lock_guard lock(Kept::Instance().lock);
+        for (const auto& desktop : Kept::Instance().desktops)
+            desktop->Leave();
+    }
+} g_leaveAtUnload;
+
+} // namespace
+
+std::unique_ptr<X11Desktop> X11Desktop::Open(const char* pszDisplay)
+try {
+    auto connection = x11::Connection::Open(pszDisplay);
+    if (!connection) return nullptr;
+    return std::make_unique<X11Desktop>(std::make_shared<x11::Session>(std::move(connection)));
+} catch (const std::system_error&) {
+    return nullptr;
+}
+
+X11Desktop& X11Desktop::Keep(std::unique_ptr<X11Desktop> desktop)
+{
+    const std::lock_guard lock(Kept::Instance().lock);
+    return *Kept::Instance().desktops.emplace_back(std::move(desktop));
+}
+
+X11Desktop::X11Desktop(std::shared_ptr<x11::Session> session)
+    : m_process(g_forks), m_session(std::move(session)), m_events(x11::StartEvents(m_session))
+{
+}
+
+X11Desktop::~X11Desktop()
+{
+    Leave();
+}
+
+// The thread ends by itself once the connection does.
+void X11Desktop::Leave() noexcept
+{
+    if (m_process != g_forks) return;
+    std::shared_ptr<x11::Session> session;
+    std::thread events;
+    {
+        const std::lock_guard lock(m_lock);
+        session.swap(m_session);
+        events.swap(m_events);
+    }
+    if (!session) return;
+    session->leaving = true;
+    session->connection->Shut();
+    events.join();
+}
+
+std::shared_ptr<x11::Session> X11Desktop::Session() const noexcept
+{
+    if (m_process != g_forks) return nullptr;
+    const std::lock_guard lock(m_lock);
+    return m_session;
+}
+
+SIZE X11Desktop::Size() const noexcept
+{
+    const auto session = Session();
+    return session ? session->connection->size.load() : SIZE{};
+}
+
+bool X11Desktop::Create(HWND hWnd, const CREATESTRUCTA& create)
+{
+    const Access server(Session());
+    return server && server->own.Create(hWnd, create);
+}
+
+void X11Desktop::Show(HWND hWnd, bool bVisible)
+{
+    if (const Access server(Session()); server) server->own.Show(hWnd, bVisible);
+}
+
+void X11Desktop::SetText(HWND hWnd, const char* pszText)
+{
+    if (const Access server(Session()); server) server->own.SetText(hWnd, pszText);
+}
+
+void X11Desktop::Place(HWND hWnd, const RECT& rect)
+{
+    if (const Access server(Session()); server) server->own.Place(hWnd, rect);
+}
+
+void X11Desktop::Stack(HWND hWnd, Order order)
+{
+    if (const Access server(Session()); server) server->own.Stack(hWnd, order);
+}
+
+void X11Desktop::Shape(HWND hWnd, const gdi::PixelRegion* region)
+{
+    const Access server(Session());
+    const xcb_window_t id = server ? server->own.NumberOf(hWnd) : 0;
+    if (id) x11::SetShape(*server->connection, id, region);
+}
+
+void X11Desktop::SetOpacity(HWND hWnd, BYTE opacity)
+{
+    if (const Access server(Session()); server) server->own.SetOpacity(hWnd, opacity);
+}
+
+void X11Desktop::Focus(HWND hWnd)
+{
+    if (const Access server(Session()); server) server->own.Focus(hWnd);
+}
+
+void X11Desktop::Destroy(HWND hWnd) noexcept
+{
+    if (const Access server(Session()); server) server->own.Destroy(hWnd);
+}
+
+void X11Desktop::Present(HWND hWnd, const gdi::Surface& pixels, const RECT& rect)
+{
+    const Access server(Session());
+    const xcb_window_t id = server ? server->own.NumberOf(hWnd) : 0;
+    if (id) server->pixels.Put(id, pixels, rect);
+}
+
+gdi::Surface& X11Desktop::Look(const RECT& rect, gdi::Surface& root)
+{
+    if (!m_seen || m_seen->Width() != root.Width() || m_seen->Height() != root.Height())
+        m_seen = gdi::Surface::Make(root.Width(), root.Height());
+    const Access server(Session());
+    return server && m_seen && server->pixels.Get(rect, *m_seen) ? *m_seen : root;
+}
+
+std::vector<HWND> X11Desktop::ForeignWindows() const
+{
+    const Access server(Session());
+    return server ? server->foreign.List() : std::vector<HWND>();
+}
+
+std::optional<WindowFacts> X11Desktop::FindForeign(HWND hWnd) const noexcept
+{
+    const Access server(Session());
+    return server ? server->foreign.Find(hWnd) : std::nullopt;
+}
+
+// One that the screen can't show is left to the host.
+int X11Desktop::ShowMessageBox(const KXHost::MessageBoxRecord& box)
+{
+    const int nAnswer = RunMessageBox(box);
+    return nAnswer ? nAnswer : HeadlessDesktop::Instance().ShowMessageBox(box);
+}
+
+} // namespace kx::window

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "platform/window/Desktop.h"
+
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace kx::window {
+
+namespace x11 {
+struct Session;
+}
+
+// The screen of an X server. What is asked of it goes through one connection, and a thread of its own makes
+// messages and chores of what the server tells. When the server is lost its windows end by chores, and every
+// operation from then on is harmless.
+//
+// Windows of other processes can be found, but there is no channel for messages to them: what is posted or
+// sent to one fails.
+class X11Desktop : public Desktop
+{
+public:
+    // Null for a server that doesn't answer. A null name is DISPLAY's.
+    static std::unique_ptr<X11Desktop> Open(const char* pszDisplay);
+    // Lets it live, for those who still use it, until the library goes.
+    static X11Desktop& Keep(std::unique_ptr<X11Desktop> desktop);
+    explicit X11Desktop(std::shared_ptr<x11::Session> session); // throws where no thread can be had
+    X11Desktop(const X11Desktop&) = delete;
+    X11Desktop& operator=(const X11Desktop&) = delete;
+    ~X11Desktop() override;
+
+    SIZE Size() const noexcept override;
+    void Leave() noexcept override;
+
+    bool Create(HWND hWnd, const CREATESTRUCTA& create) override;
+    void Show(HWND hWnd, bool bVisible) override;
+    void SetText(HWND hWnd, const char* pszText) override;
+    void Place(HWND hWnd, const RECT& rect) override;
+    void Stack(HWND hWnd, Order order) override;
+    void Shape(HWND hWnd, const gdi::PixelRegion* region) override;
+    void SetOpacity(HWND hWnd, BYTE opacity) override;
+    void Focus(HWND hWnd) override;
+    void Destroy(HWND hWnd) noexcept override;
+
+    void Present(HWND hWnd, const gdi::Surface& pixels, const RECT& rect) override;
+    gdi::Surface& Look(const RECT& rect, gdi::Surface& root) override;
+
+    std::vector<HWND> ForeignWindows() const override;
+    std::optional<WindowFacts> FindForeign(HWND hWnd) const noexcept override;
+    bool PostForeign(HWND, const KXHost::SentMessage&) override { return false; }
+    LRESULT SendForeign(HWND, const KXHost::SentMessage&) override { return 0; }
+    int ShowMessageBox(const KXHost::MessageBoxRecord& box) override;
+
+private:
+    // Null once it has been left, and in a forked child, who would disturb its parent's connection.
+    std::shared_ptr<x11::Session> Session() const noexcept;
+
+    const int m_process; // counted by forks
+    mutable std::mutex m_lock;
+    std::shared_ptr<x11::Session> m_session; // guarded by the lock
+    std::thread m_events;                    // as well
+    std::optional<gdi::Surface> m_seen;      // guarded by the lock of the desktop's pixels
+};
+
+} // namespace kx::window

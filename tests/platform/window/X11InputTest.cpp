@@ -1,0 +1,138 @@
+// The mouse and the keys of an X server as messages.
+
+#include "include/platform/Input.h"
+#include "tests/platform/window/X11Support.h"
+#include "tests/support/Host.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using namespace test;
+using testing::HasSubstr;
+
+class X11InputTest : public X11Test
+{
+protected:
+    // Runs what happens outside, and gives what the window hears up to the word expected.
+    std::string Hear(ColorWindow& window, const std::string& last, const std::function<void()>& act)
+    {
+        window.heard.clear();
+        act();
+        EXPECT_TRUE(Pump([&] { return window.heard.find(last) != std::string::npos; })) << window.heard;
+        return window.heard;
+    }
+    void Type(xcb_keycode_t code)
+    {
+        outside->Key(code, true);
+        outside->Key(code, false);
+    }
+};
+
+TEST_F(X11InputTest, TheMouseIsHeardWithinTheWindow)
+{
+    ColorWindow window(kRed, {50, 60, 150, 160});
+    outside->MoveMouse(400, 400);
+    ShowSeen(window, kRed, 100, 100);
+    EXPECT_EQ(Hear(window, "move", [&] { outside->MoveMouse(60, 75); }), "move 0 10,15;");
+    EXPECT_EQ(Hear(window, "up",
+                   [&] {
+                       outside->Button(1, true);
+                       outside->MoveMouse(40, 70);
+                       outside->Button(1, false);
+                   }),
+              "down 1 10,15;move 1 -10,10;up 0 -10,10;");
+    EXPECT_EQ(Hear(window, "keyup",
+                   [&] {
+                       outside->MoveMouse(149, 159);
+                       outside->Button(2, true); // no message tells of it
+                       outside->Button(2, false);
+                       outside->Key(outside->KeyOf(0xFFE3), true); // Control
+                       outside->Button(3, true);
+                       outside->Button(3, false);
+                       outside->Key(outside->KeyOf(0xFFE3), false);
+                   }),
+              "move 0 99,99;key 17 1,0;rdown 10 99,99;rup 8 99,99;keyup 17 1,0;");
+}
+
+// However long a thread looks away, its queue holds one motion.
+TEST_F(X11InputTest, MotionsThatNobodyTookAreOne)
+{
+    ColorWindow window(kRed, {0, 0, 400, 400});
+    ShowSeen(window, kRed, 100, 100);
+    const std::string heard = Hear(window, "up", [&] {
+        for (int i = 0; i < 300; ++i)
+            outside->MoveMouse(50 + i, 60);
+        outside->Button(1, true);
+        outside->Button(1, false);
+        // All of it has come when the button has, and only then is a message taken.
+        MSG msg;
+        ASSERT_TRUE(Await(
+            [&] { return PeekMessageA(&msg, window.handle, WM_LBUTTONUP, WM_LBUTTONUP, PM_NOREMOVE); }));
+    });
+    EXPECT_EQ(heard, "move 0 349,60;down 1 349,60;up 0 349,60;");
+}
+
+TEST_F(X11InputTest, KeysAreHeardByWhoHasTheFocus)
+{
+    ColorWindow window(kRed, {0, 0, 100, 100}, WS_POPUP, "window");
+    ColorWindow other(kBlue, {200, 0, 300, 100}, WS_CAPTION);
+    ShowSeen(window, kRed, 50, 50);
+    ShowSeen(other, kBlue, 250, 50);
+    EXPECT_EQ(GetFocus(), other.handle);
+    outside->MoveMouse(50, 50);
+    outside->Button(1, true);
+    outside->Button(1, false);
+    ASSERT_TRUE(Pump([&] { return outside->Focused() == outside->Find("window"); }));
+    EXPECT_EQ(GetFocus(), window.handle);
+
+    const xcb_keycode_t shift = outside->KeyOf(0xFFE1);
+    EXPECT_EQ(Hear(window, "keyup", [&] { Type(outside->KeyOf('a')); }),
+              "key 65 1,0;char 97 1,0;keyup 65 1,0;");
+    EXPECT_EQ(Hear(window, "keyup 16",
+                   [&] {
+                       outside->Key(shift, true);
+                       Type(outside->KeyOf('b'));
+                       outside->Key(shift, false);
+                   }),
+              "key 16 1,0;key 66 1,0;char 66 1,0;keyup 66 1,0;keyup 16 1,0;");
+    const auto last = [&](xcb_keysym_t symbol) {
+        return Hear(window, "keyup", [&] { Type(outside->KeyOf(symbol)); });
+    };
+    EXPECT_EQ(last('7'), "key 55 1,0;char 55 1,0;keyup 55 1,0;");
+    EXPECT_EQ(last(0xFF0D), "key 13 1,0;char 13 1,0;keyup 13 1,0;");
+    EXPECT_EQ(last(0xFF1B), "key 27 1,0;char 27 1,0;keyup 27 1,0;");
+    EXPECT_EQ(last(0xFFFF), "key 46 1,0;keyup 46 1,0;");
+    EXPECT_EQ(last(0xFF51), "key 37 1,0;keyup 37 1,0;");
+    EXPECT_EQ(last(0xFFC2), "key 116 1,0;keyup 116 1,0;");
+    EXPECT_THAT(other.heard, testing::Not(HasSubstr("key")));
+}
+
+TEST_F(X11InputTest, CharactersComeInTheCodePage)
+{
+    ColorWindow window(kRed, {0, 0, 100, 100});
+    ShowSeen(window, kRed, 50, 50);
+    const xcb_keycode_t key = outside->Assign(0x01000000 + 0x4E2D); // U+4E2D, which has no number as a key
+    EXPECT_EQ(Hear(window, "208", [&] { Type(key); }), "char 214 1,0;char 208 1,0;");
+    const CodePage utf8(CP_UTF8);
+    EXPECT_EQ(Hear(window, "173", [&] { Type(key); }), "char 228 1,0;char 184 1,0;char 173 1,0;");
+}
+
+TEST_F(X11InputTest, TheFocusGoesWhereTheServerGivesIt)
+{
+    ColorWindow first(kRed, {0, 0, 100, 100}, WS_CAPTION, "first"), second(kBlue, {200, 0, 300, 100});
+    ShowSeen(first, kRed, 50, 50);
+    ShowSeen(second, kBlue, 250, 50);
+    ASSERT_TRUE(Pump([&] { return GetFocus() == second.handle; }));
+    // Both ask again and again, and the last one has it.
+    for (int i = 0; i < 20; ++i)
+        SetFocus(i % 2 ? first.handle : second.handle);
+    ASSERT_TRUE(Pump([&] { return outside->Focused() == outside->Find("first"); }));
+    EXPECT_EQ(Hear(first, "keyup", [&] { Type(outside->KeyOf('a')); }).find("key 65"), 0u);
+    EXPECT_EQ(GetFocus(), first.handle);
+    outside->Focus(0);
+    EXPECT_TRUE(Pump([&] { return !GetFocus(); }));
+    EXPECT_THAT(first.heard, HasSubstr("unfocus"));
+}
+
+} // namespace

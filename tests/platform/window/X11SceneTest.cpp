@@ -1,0 +1,134 @@
+// What a user sees and does on an X server: a message box, the tip and the transparent window.
+
+#include "include/KXTipWnd.h"
+#include "include/KXTransparentWnd.h"
+#include "include/platform/Input.h"
+#include "include/platform/MessageBox.h"
+#include "tests/platform/window/X11Support.h"
+#include "tests/support/Host.h"
+
+namespace {
+
+using namespace test;
+
+class X11SceneTest : public X11Test
+{
+protected:
+    // Red, green and blue, each within a few steps.
+    bool Looks(int x, int y, COLORREF color)
+    {
+        const COLORREF seen = outside->Pixel(x, y);
+        for (const int shift : {0, 8, 16})
+            if (std::abs(static_cast<int>(seen >> shift & 0xFF) - static_cast<int>(color >> shift & 0xFF)) >
+                6)
+                return false;
+        return true;
+    }
+    bool HasPixel(const RECT& rect, COLORREF color)
+    {
+        for (int y = rect.top; y < rect.bottom; ++y)
+            for (int x = rect.left; x < rect.right; ++x)
+                if (outside->Pixel(x, y) == color) return true;
+        return false;
+    }
+};
+
+TEST_F(X11SceneTest, AMessageBoxWaitsForItsAnswer)
+{
+    const std::function<void()> answers[] = {
+        [&] {
+            outside->Key(outside->KeyOf(0xFF0D), true);
+            outside->Key(outside->KeyOf(0xFF0D), false);
+        },
+        [&] { outside->AskToClose(outside->Find("test.platform.window")); },
+        [&] { outside->Destroy(outside->Find("test.platform.window")); },
+        [&] {
+            outside->MoveMouse(320, 261);
+            outside->Button(1, true);
+            outside->Button(1, false);
+        },
+    };
+    for (const auto& answer : answers) {
+        const Handler ask = On(kAsk, [](HWND, WPARAM) { return AfxMessageBox("one\ntwo & three"); });
+        const WindowThread thread(ask);
+        PostMessage(thread.Window(), kAsk, 0, 0);
+        // In the middle of the screen, with its button's edge.
+        ASSERT_TRUE(Await([&] { return HasPixel({320, 200, 321, 280}, RGB(0, 120, 215)); }));
+        EXPECT_TRUE(outside->Property(outside->Find("test.platform.window"), "_NET_WM_STATE").size() == 4);
+        EXPECT_EQ(SendMessageA(thread.Window(), kPing, 0, 0), 1) << "what is sent meanwhile is served";
+        answer();
+        EXPECT_TRUE(Await([&] { return !outside->Find("test.platform.window"); }));
+    }
+    EXPECT_TRUE(KXHost::TakeMessageBoxes().empty());
+}
+
+TEST_F(X11SceneTest, AMessageBoxEndsWithItsThread)
+{
+    const Handler ask = On(kAsk, [](HWND, WPARAM) { return AfxMessageBox("text"); });
+    WindowThread thread(ask);
+    PostMessage(thread.Window(), kAsk, 0, 0);
+    ASSERT_TRUE(Await([&] { return outside->Find("test.platform.window"); }));
+    thread.Join(); // by WM_QUIT, which also the loop around the box is to hear
+    EXPECT_TRUE(Await([&] { return !outside->Find("test.platform.window"); }));
+}
+
+// On a screen that composes windows by their opacity the yellow box rises and falls in the middle.
+TEST_F(X11SceneTest, TheTipFades)
+{
+    const Program compositor({"picom", "--config", "/dev/null", "--backend", "xrender"},
+                             {"DISPLAY=" + server->Name()});
+    ASSERT_TRUE(Await([&] { return outside->IsComposed(); }));
+    outside->Cover(0, 0, 640, 480, RGB(0, 0, 0));
+    const VirtualClock clock;
+    std::thread user([&] {
+        CKXTipWnd tip;
+        tip.CreateTipWnd();
+        tip.ShowTipWnd("Well done", 1'000);
+        for (MSG msg; IsWindowVisible(tip.m_hWnd) && GetMessageA(&msg, nullptr, 0, 0) > 0;)
+            DispatchMessageA(&msg);
+    });
+    constexpr int left = 220, top = 190, right = 420, bottom = 290;
+    const auto reaches = [&](int share) {
+        const auto level = static_cast<BYTE>(share);
+        const COLORREF yellow = RGB(level, level, 0);
+        const bool good = Await([&] { return Looks(left + 3, top + 3, yellow); });
+        EXPECT_TRUE(good) << share << ": " << std::hex << outside->Pixel(left + 3, top + 3);
+    };
+    const auto advance = [](unsigned milliseconds) {
+        ASSERT_TRUE(Await([] { return KXHost::ClockWaiters() > 0; }));
+        KXHost::AdvanceClock(milliseconds);
+    };
+    for (const int quarter : {1, 2, 3, 4}) {
+        advance(750);
+        reaches(quarter * 255 / 4);
+    }
+    EXPECT_TRUE(Looks(right - 3, bottom - 3, RGB(255, 255, 0)));
+    EXPECT_TRUE(Looks(left - 3, top - 3, 0) && Looks(right + 3, bottom + 3, 0));
+    EXPECT_TRUE(HasPixel({280, 225, 360, 255}, RGB(0, 0, 255))) << "the text, in blue";
+    for (int i = 0; i < 10; ++i)
+        advance(100); // the timer's beat, up to the time that it is shown
+    for (const int quarter : {3, 2, 1, 0}) {
+        advance(750);
+        reaches(quarter * 255 / 4);
+    }
+    user.join();
+}
+
+TEST_F(X11SceneTest, TheTransparentWindowShowsWhatLiesUnderIt)
+{
+    outside->Cover(0, 0, 300, 480, kGreen);
+    outside->Cover(300, 0, 340, 480, kRed);
+    CKXTransparentWnd window;
+    ASSERT_TRUE(
+        window.CreateEx(0, AfxRegisterWndClass(0), nullptr, WS_POPUP, {200, 100, 400, 200}, nullptr, 0));
+    window.ShowWindow(SW_SHOWNA);
+    EXPECT_TRUE(Pump([&] { return outside->Pixel(200, 100) == 0 && outside->Pixel(399, 199) == 0; }))
+        << "outline";
+    EXPECT_EQ(outside->Pixel(210, 190), kGreen);
+    EXPECT_EQ(outside->Pixel(390, 190), kRed);
+    EXPECT_EQ(outside->Pixel(199, 150), kGreen);
+    EXPECT_TRUE(HasPixel({260, 100, 340, 125}, RGB(255, 255, 255))) << "the text's own background";
+    window.DestroyWindow();
+}
+
+} // namespace

@@ -1,0 +1,117 @@
+#pragma once
+
+#include "include/platform/Host.h"
+#include "include/platform/Input.h"
+#include "include/platform/WindowPaint.h"
+#include "tests/platform/window/Support.h"
+#include "tests/platform/window/XClient.h"
+#include "tests/support/XServer.h"
+
+#include <chrono>
+#include <gtest/gtest.h>
+#include <map>
+#include <optional>
+#include <string>
+#include <thread>
+
+namespace test {
+
+inline constexpr COLORREF kRed = RGB(255, 0, 0);
+inline constexpr COLORREF kGreen = RGB(0, 255, 0);
+inline constexpr COLORREF kBlue = RGB(0, 0, 255);
+
+// Looks again and again until it is so, or a time has passed in which everything would have come.
+template <class Ready>
+bool Await(Ready ready)
+{
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!ready()) {
+        if (std::chrono::steady_clock::now() > end) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    return true;
+}
+
+// The same while this thread's messages are dispatched.
+template <class Ready>
+bool Pump(Ready ready)
+{
+    return Await([&] {
+        for (MSG msg; PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE);)
+            DispatchMessageA(&msg);
+        return ready();
+    });
+}
+
+// A window that fills itself with a colour and writes down what it hears of what a test asks for.
+class ColorWindow
+{
+public:
+    ColorWindow(COLORREF color, RECT rect, DWORD style = WS_POPUP, const char* title = "colour")
+        : m_color(color), m_handler([this](HWND h, UINT m, WPARAM w, LPARAM l) { return Hear(h, m, w, l); })
+    {
+        handle = Make(&m_handler, style, title);
+        SetWindowPos(handle, nullptr, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
+                     SWP_NOACTIVATE);
+    }
+    ColorWindow(const ColorWindow&) = delete;
+    ColorWindow& operator=(const ColorWindow&) = delete;
+    ~ColorWindow() { DestroyWindow(handle); }
+
+    HWND handle = nullptr;
+    int paints = 0;
+    std::string heard; // as "name wParam x,y;"
+
+private:
+    LRESULT Hear(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
+    {
+        static const std::map<UINT, const char*> names{
+            {WM_LBUTTONDOWN, "down"},  {WM_LBUTTONUP, "up"}, {WM_RBUTTONDOWN, "rdown"},
+            {WM_RBUTTONUP, "rup"},     {WM_KEYDOWN, "key"},  {WM_KEYUP, "keyup"},
+            {WM_CHAR, "char"},         {WM_SIZE, "size"},    {WM_SETFOCUS, "focus"},
+            {WM_KILLFOCUS, "unfocus"}, {WM_CLOSE, "close"},  {WM_DESTROY, "destroy"},
+            {WM_MOUSEMOVE, "move"}};
+        if (const auto it = names.find(nMsg); it != names.end())
+            heard += std::string(it->second) + " " + std::to_string(nMsg == WM_SETFOCUS ? 0 : wParam) + " " +
+                     std::to_string(GET_X_LPARAM(lParam)) + "," + std::to_string(GET_Y_LPARAM(lParam)) + ";";
+        if (nMsg != WM_PAINT) return DefWindowProcA(hWnd, nMsg, wParam, lParam);
+        ++paints;
+        PAINTSTRUCT paint;
+        BeginPaint(hWnd, &paint);
+        const HBRUSH brush = CreateSolidBrush(m_color);
+        const RECT all{0, 0, 2000, 2000};
+        FillRect(paint.hdc, &all, brush);
+        DeleteObject(brush);
+        EndPaint(hWnd, &paint);
+        return 0;
+    }
+
+    const COLORREF m_color;
+    const Handler m_handler;
+};
+
+// A test on a screen of its own.
+class X11Test : public testing::Test
+{
+protected:
+    void SetUp() override { Begin(); }
+    void TearDown() override { EXPECT_TRUE(KXHost::UseMemoryDesktop()); }
+    void Begin(const std::string& screen = "640x480x24", std::vector<std::string> options = {})
+    {
+        server.reset();
+        server.emplace(screen, options);
+        ASSERT_TRUE(KXHost::UseDisplay(server->Name().c_str()));
+        outside.emplace(server->Name());
+    }
+    // Shows a window and waits until it is seen.
+    void ShowSeen(const ColorWindow& window, COLORREF color, int x, int y)
+    {
+        ShowWindow(window.handle, SW_SHOW);
+        ASSERT_TRUE(Pump([&] { return outside->Pixel(x, y) == color; }));
+    }
+
+    std::optional<XServer> server;
+    std::optional<XClient> outside;
+};
+
+} // namespace test

@@ -1,0 +1,269 @@
+// Windows on an X server: what is seen of them, and what happens to them from outside.
+
+#include "include/platform/MessageBox.h"
+#include "tests/platform/window/X11Support.h"
+#include "tests/support/Child.h"
+#include "tests/support/Host.h"
+
+#include <gmock/gmock.h>
+#include <map>
+
+namespace {
+
+using namespace test;
+using testing::HasSubstr;
+
+class X11WindowTest : public X11Test
+{
+};
+
+// With shared memory, and on a server that can't share.
+TEST_F(X11WindowTest, PixelsReachTheScreenAndComeBackFromIt)
+{
+    for (const std::vector<std::string>& options : {std::vector<std::string>{}, {"-extension", "MIT-SHM"}}) {
+        Begin("640x480x24", options);
+        EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 640);
+        EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 480);
+        const xcb_window_t below = outside->Cover(40, 40, 200, 200, kBlue);
+        ColorWindow window(kRed, {50, 60, 150, 140});
+        ShowWindow(window.handle, SW_SHOWNA);
+        EXPECT_EQ(outside->Pixel(100, 100), kBlue) << "not painted yet";
+        ShowSeen(window, kRed, 50, 60);
+        EXPECT_EQ(outside->Pixel(149, 139), kRed);
+        EXPECT_EQ(outside->Pixel(150, 139), kBlue);
+
+        const HDC desktop = GetDC(nullptr);
+        EXPECT_EQ(GetPixel(desktop, 50, 60), kRed);
+        EXPECT_EQ(GetPixel(desktop, 49, 60), kBlue);
+        EXPECT_EQ(GetPixel(desktop, 639, 479), RGB(0, 0, 0));
+        ReleaseDC(nullptr, desktop);
+
+        const int paints = window.paints;
+        const xcb_window_t above = outside->Cover(40, 40, 200, 200, kGreen);
+        EXPECT_EQ(outside->Pixel(100, 100), kGreen);
+        outside->Destroy(above);
+        EXPECT_TRUE(Pump([&] { return outside->Pixel(50, 60) == kRed && outside->Pixel(149, 139) == kRed; }));
+        EXPECT_EQ(window.paints, paints) << "what is kept needs no painting";
+        outside->Destroy(below);
+        DestroyWindow(window.handle);
+        EXPECT_TRUE(Await([&] { return outside->Pixel(100, 100) == RGB(0, 0, 0); }));
+        ASSERT_TRUE(KXHost::UseMemoryDesktop());
+    }
+}
+
+TEST_F(X11WindowTest, ALargeWindowIsShownWhole)
+{
+    Begin("2000x1500x24");
+    ColorWindow window(kRed, {0, 0, 2000, 1500});
+    ShowSeen(window, kRed, 0, 0);
+    for (const int y : {500, 1000, 1499})
+        EXPECT_EQ(outside->Pixel(1999, y), kRed);
+    const HDC desktop = GetDC(nullptr);
+    const HDC copy = CreateCompatibleDC(desktop);
+    const HBITMAP bitmap = CreateCompatibleBitmap(desktop, 2000, 1500);
+    const HGDIOBJ old = SelectObject(copy, bitmap);
+    BitBlt(copy, 0, 0, 2000, 1500, desktop, 0, 0, SRCCOPY);
+    EXPECT_EQ(GetPixel(copy, 1999, 1499), kRed);
+    SelectObject(copy, old);
+    DeleteObject(bitmap);
+    DeleteDC(copy);
+    ReleaseDC(nullptr, desktop);
+}
+
+TEST_F(X11WindowTest, AScreenOfOtherPixelsHasNoWindows)
+{
+    Begin("640x480x16");
+    EXPECT_EQ(Make(), nullptr);
+    const HDC desktop = GetDC(nullptr);
+    EXPECT_EQ(GetPixel(desktop, 5, 5), DESKTOP_COLOR);
+    ReleaseDC(nullptr, desktop);
+}
+
+TEST_F(X11WindowTest, OthersAreToldWhatAWindowIs)
+{
+    // "中文" in code page 936.
+    const ColorWindow plain(kRed, {0, 0, 50, 50}, 0, "\xD6\xD0\xCE\xC4");
+    const ColorWindow framed(kRed, {0, 0, 50, 50}, WS_CAPTION, "framed");
+    const ColorWindow popup(kRed, {0, 0, 50, 50}, WS_POPUP, std::string(100'000, 'x').c_str());
+    SetWindowTextA(popup.handle, "\xFF tip");
+    ASSERT_TRUE(Await([&] { return outside->Find("? tip"); }));
+    const xcb_window_t idPlain = outside->Find("\xE4\xB8\xAD\xE6\x96\x87");
+    const xcb_window_t idFramed = outside->Find("framed");
+    const xcb_window_t idPopup = outside->Find("? tip");
+    ASSERT_TRUE(idPlain && idFramed && idPopup);
+    EXPECT_TRUE(outside->IsPopup(idPopup));
+    EXPECT_FALSE(outside->IsPopup(idPlain) || outside->IsPopup(idFramed));
+    EXPECT_EQ(outside->Property(idPlain, "_MOTIF_WM_HINTS").size(), 20u);
+    EXPECT_EQ(outside->Property(idFramed, "_MOTIF_WM_HINTS"), "");
+    const auto pid = static_cast<std::uint32_t>(GetCurrentProcessId());
+    EXPECT_EQ(outside->Property(idFramed, "_NET_WM_PID"),
+              std::string(reinterpret_cast<const char*>(&pid), sizeof pid));
+
+    EXPECT_EQ(outside->Property(idFramed, "_NET_WM_STATE"), "");
+    SetWindowPos(framed.handle, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
+    ShowWindow(framed.handle, SW_SHOWNA);
+    EXPECT_TRUE(Await([&] { return outside->Property(idFramed, "_NET_WM_STATE").size() == 4; }));
+}
+
+TEST_F(X11WindowTest, TopmostPopupsStayAboveTheOthers)
+{
+    ColorWindow top(kRed, {0, 0, 100, 100}), other(kBlue, {50, 0, 150, 100}),
+        third(kGreen, {60, 0, 160, 100});
+    const auto order = [](const ColorWindow& window, HWND hAfter) {
+        SetWindowPos(window.handle, hAfter, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
+    };
+    order(top, HWND_TOPMOST);
+    ShowSeen(top, kRed, 75, 50);
+    ShowSeen(other, kBlue, 125, 50);
+    EXPECT_EQ(outside->Pixel(75, 50), kRed);
+    ShowSeen(third, kGreen, 125, 50);
+    order(third, HWND_BOTTOM);
+    EXPECT_TRUE(Await([&] { return outside->Pixel(125, 50) == kBlue; }));
+    EXPECT_EQ(outside->Pixel(75, 50), kRed);
+    order(top, HWND_NOTOPMOST);
+    order(other, HWND_TOP);
+    EXPECT_TRUE(Await([&] { return outside->Pixel(75, 50) == kBlue; }));
+}
+
+TEST_F(X11WindowTest, AShapeCutsAWindow)
+{
+    outside->Cover(0, 0, 200, 200, kBlue);
+    ColorWindow window(kRed, {0, 0, 100, 100});
+    ShowSeen(window, kRed, 50, 50);
+    SetWindowRgn(window.handle, CreateRectRgn(10, 10, 60, 60), 1);
+    EXPECT_TRUE(Pump([&] { return outside->Pixel(9, 10) == kBlue && outside->Pixel(60, 59) == kBlue; }));
+    EXPECT_EQ(outside->Pixel(10, 10), kRed);
+    EXPECT_EQ(outside->Pixel(59, 59), kRed);
+    SetWindowRgn(window.handle, nullptr, 1);
+    EXPECT_TRUE(Pump([&] { return outside->Pixel(99, 99) == kRed; }));
+}
+
+TEST_F(X11WindowTest, WindowsAreClosedMovedAndEndedFromOutside)
+{
+    ColorWindow closed(kRed, {0, 0, 50, 50}, WS_CAPTION, "closed");
+    ColorWindow ended(kRed, {100, 0, 150, 50}, WS_CAPTION, "ended");
+    ColorWindow moved(kRed, {200, 0, 250, 50}, WS_CAPTION, "moved");
+    for (ColorWindow* window : {&closed, &ended, &moved})
+        ShowWindow(window->handle, SW_SHOWNA);
+    ASSERT_TRUE(Pump([&] { return outside->Pixel(225, 25) == kRed; }));
+
+    outside->AskToClose(outside->Find("closed"));
+    EXPECT_TRUE(Pump([&] { return !IsWindow(closed.handle); }));
+    EXPECT_THAT(closed.heard, HasSubstr("close 0 0,0;destroy"));
+    outside->Destroy(outside->Find("ended"));
+    EXPECT_TRUE(Pump([&] { return !IsWindow(ended.handle); }));
+    EXPECT_THAT(ended.heard, Not(HasSubstr("close")));
+    EXPECT_THAT(ended.heard, HasSubstr("destroy"));
+
+    moved.heard.clear();
+    outside->Place(outside->Find("moved"), 300, 100, 80, 70);
+    EXPECT_TRUE(Pump([&] { return outside->Pixel(379, 169) == kRed; })) << "what is new gets painted";
+    RECT rect;
+    GetWindowRect(moved.handle, &rect);
+    EXPECT_EQ(rect, (RECT{300, 100, 380, 170}));
+    EXPECT_THAT(moved.heard, HasSubstr("size 0 80,70;"));
+    EXPECT_TRUE(IsWindow(moved.handle));
+}
+
+// The owner's own wish is the last word, whatever the server still has to tell of earlier ones.
+TEST_F(X11WindowTest, APlaceChosenHereStands)
+{
+    ColorWindow window(kRed, {0, 0, 50, 50});
+    ShowSeen(window, kRed, 25, 25);
+    window.heard.clear();
+    for (int i = 1; i <= 100; ++i) {
+        MoveWindow(window.handle, i, i, 50 + i, 50);
+        RECT rect;
+        GetWindowRect(window.handle, &rect);
+        ASSERT_EQ(rect, (RECT{i, i, 50 + 2 * i, 50 + i}));
+    }
+    MoveWindow(window.handle, 10, 10, 0, 0);
+    MoveWindow(window.handle, -100'000, -100'000, 200'000, 200'000);
+    MoveWindow(window.handle, 100, 100, 60, 60);
+    EXPECT_TRUE(Pump([&] { return outside->Pixel(159, 159) == kRed; }));
+    RECT rect;
+    GetWindowRect(window.handle, &rect);
+    EXPECT_EQ(rect, (RECT{100, 100, 160, 160}));
+}
+
+TEST_F(X11WindowTest, WindowsEndInOrderWithTheServer)
+{
+    for (const bool killed : {false, true}) {
+        if (killed) Begin();
+        ColorWindow first(kRed, {0, 0, 50, 50}, WS_CAPTION, "first"), second(kRed, {60, 0, 110, 50});
+        const WindowThread another;
+        ShowSeen(first, kRed, 25, 25);
+        if (killed)
+            server->Kill();
+        else
+            outside->KillOwner(outside->Find("first"));
+        EXPECT_TRUE(Pump([&] {
+            return !IsWindow(first.handle) && !IsWindow(second.handle) && !IsWindow(another.Window());
+        }));
+        EXPECT_THAT(first.heard, HasSubstr("destroy"));
+        EXPECT_EQ(Make(), nullptr);
+        EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 640);
+        const HDC desktop = GetDC(nullptr);
+        EXPECT_EQ(GetPixel(desktop, 5, 5), DESKTOP_COLOR);
+        ReleaseDC(nullptr, desktop);
+        KXHost::TakeMessageBoxes();
+        EXPECT_EQ(AfxMessageBox("nobody sees it"), IDOK);
+        EXPECT_EQ(KXHost::TakeMessageBoxes().size(), 1u);
+        ASSERT_TRUE(KXHost::UseMemoryDesktop());
+    }
+}
+
+TEST_F(X11WindowTest, WindowsOfOtherProcessesAreListed)
+{
+    const ColorWindow own(kRed, {0, 0, 50, 50}, WS_CAPTION);
+    ShowWindow(own.handle, SW_SHOWNA);
+    const xcb_window_t id = outside->Cover(0, 100, 50, 50, kBlue, 1);
+    outside->Cover(0, 200, 50, 50, kBlue); // doesn't tell whose it is
+    const auto walk = [] {
+        std::vector<HWND> found;
+        const auto add = [](HWND hWnd, long lParam) {
+            reinterpret_cast<std::vector<HWND>*>(lParam)->push_back(hWnd);
+            return 1;
+        };
+        EXPECT_TRUE(EnumDesktopWindows(nullptr, add, reinterpret_cast<long>(&found)));
+        return found;
+    };
+    const std::vector<HWND> found = walk();
+    ASSERT_EQ(found.size(), 2u);
+    EXPECT_EQ(found[0], own.handle);
+    DWORD process = 0;
+    GetWindowThreadProcessId(found[1], &process);
+    EXPECT_EQ(process, 1u);
+    EXPECT_TRUE(IsWindowVisible(found[1]));
+    EXPECT_EQ(walk(), found) << "the number stays";
+    EXPECT_FALSE(PostMessage(found[1], WM_USER, 0, 0));
+    EXPECT_EQ(SendMessageA(found[1], WM_USER, 0, 0), 0);
+    outside->Destroy(id);
+    EXPECT_TRUE(Await([&] { return !IsWindow(found[1]); }));
+    EXPECT_EQ(walk(), std::vector{own.handle});
+}
+
+TEST_F(X11WindowTest, AnotherDesktopIsChosenOnlyWithoutWindows)
+{
+    {
+        const ColorWindow window(kRed, {0, 0, 50, 50});
+        EXPECT_FALSE(KXHost::UseMemoryDesktop());
+        EXPECT_FALSE(KXHost::UseDisplay(server->Name().c_str()));
+        EXPECT_FALSE(KXHost::IsMemoryDesktop());
+    }
+    EXPECT_FALSE(KXHost::UseDisplay(":nonsense"));
+    EXPECT_FALSE(KXHost::IsMemoryDesktop());
+}
+
+TEST_F(X11WindowTest, DisplayIsChosenWhereItAnswers)
+{
+    const auto run = [](const std::string& display, const char* expected) {
+        Child child("X11ExitChild", {expected}, {"DISPLAY=" + display}, true);
+        EXPECT_EQ(child.Wait(), 0) << expected << ": " << child.ErrorText();
+    };
+    run(server->Name(), "display");
+    run(":nonsense", "memory");
+    run("", "memory");
+}
+
+} // namespace

@@ -1,0 +1,205 @@
+#include "tests/platform/window/XClient.h"
+
+#include "include/platform/Geometry.h"
+
+#include <array>
+#include <cstring>
+#include <stdexcept>
+#include <unistd.h>
+#include <xcb/xtest.h>
+
+namespace test {
+
+namespace {
+
+template <class T>
+std::unique_ptr<T, void (*)(void*)> Own(T* reply)
+{
+    return {reply, std::free};
+}
+
+constexpr std::uint32_t Swap(COLORREF color)
+{
+    return (color & 0xFF) << 16 | (color & 0xFF00) | (color >> 16 & 0xFF);
+}
+
+} // namespace
+
+XClient::XClient(const std::string& display) : m_connection(xcb_connect(display.c_str(), nullptr))
+{
+    if (xcb_connection_has_error(m_connection.get())) throw std::runtime_error("no X server");
+    m_screen = *xcb_setup_roots_iterator(xcb_get_setup(m_connection.get())).data;
+}
+
+void XClient::Finish()
+{
+    Own(xcb_get_input_focus_reply(m_connection.get(), xcb_get_input_focus(m_connection.get()), nullptr));
+}
+
+xcb_atom_t XClient::Atom(const char* name)
+{
+    const auto cookie =
+        xcb_intern_atom(m_connection.get(), 0, static_cast<std::uint16_t>(std::strlen(name)), name);
+    const auto reply = Own(xcb_intern_atom_reply(m_connection.get(), cookie, nullptr));
+    return reply ? reply->atom : 0;
+}
+
+COLORREF XClient::Pixel(int x, int y)
+{
+    const auto cookie = xcb_get_image(m_connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, m_screen.root,
+                                      static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), 1, 1, ~0u);
+    const auto image = Own(xcb_get_image_reply(m_connection.get(), cookie, nullptr));
+    std::uint32_t pixel = 0;
+    if (image) std::memcpy(&pixel, xcb_get_image_data(image.get()), sizeof pixel);
+    return Swap(pixel);
+}
+
+xcb_window_t XClient::Find(const std::string& title)
+{
+    const auto tree = Own(
+        xcb_query_tree_reply(m_connection.get(), xcb_query_tree(m_connection.get(), m_screen.root), nullptr));
+    for (int i = 0; tree && i < xcb_query_tree_children_length(tree.get()); ++i)
+        if (Property(xcb_query_tree_children(tree.get())[i], "_NET_WM_NAME") == title)
+            return xcb_query_tree_children(tree.get())[i];
+    return 0;
+}
+
+std::string XClient::Property(xcb_window_t window, const char* name)
+{
+    const auto cookie =
+        xcb_get_property(m_connection.get(), 0, window, Atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, 100);
+    const auto reply = Own(xcb_get_property_reply(m_connection.get(), cookie, nullptr));
+    if (!reply) return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+}
+
+bool XClient::IsPopup(xcb_window_t window)
+{
+    const auto cookie = xcb_get_window_attributes(m_connection.get(), window);
+    const auto reply = Own(xcb_get_window_attributes_reply(m_connection.get(), cookie, nullptr));
+    return reply && reply->override_redirect;
+}
+
+bool XClient::IsComposed()
+{
+    const auto cookie = xcb_get_selection_owner(m_connection.get(), Atom("_NET_WM_CM_S0"));
+    const auto reply = Own(xcb_get_selection_owner_reply(m_connection.get(), cookie, nullptr));
+    return reply && reply->owner;
+}
+
+xcb_window_t XClient::Cover(int x, int y, int width, int height, COLORREF color, unsigned process)
+{
+    const xcb_window_t id = xcb_generate_id(m_connection.get());
+    const std::array<std::uint32_t, 2> values{Swap(color), 1};
+    xcb_create_window(m_connection.get(), XCB_COPY_FROM_PARENT, id, m_screen.root,
+                      static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
+                      static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height), 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values.data());
+    std::array<char, 256> machine{};
+    gethostname(machine.data(), machine.size() - 1);
+    xcb_change_property(m_connection.get(), XCB_PROP_MODE_REPLACE, id, XCB_ATOM_WM_CLIENT_MACHINE,
+                        XCB_ATOM_STRING, 8, static_cast<std::uint32_t>(std::strlen(machine.data())),
+                        machine.data());
+    if (process)
+        xcb_change_property(m_connection.get(), XCB_PROP_MODE_REPLACE, id, Atom("_NET_WM_PID"),
+                            XCB_ATOM_CARDINAL, 32, 1, &process);
+    xcb_map_window(m_connection.get(), id);
+    Finish();
+    return id;
+}
+
+void XClient::Destroy(xcb_window_t window)
+{
+    xcb_destroy_window(m_connection.get(), window);
+    Finish();
+}
+
+void XClient::KillOwner(xcb_window_t window)
+{
+    xcb_kill_client(m_connection.get(), window);
+    Finish();
+}
+
+void XClient::Focus(xcb_window_t window)
+{
+    xcb_set_input_focus(m_connection.get(), XCB_INPUT_FOCUS_NONE, window, XCB_CURRENT_TIME);
+    Finish();
+}
+
+xcb_window_t XClient::Focused()
+{
+    const auto reply =
+        Own(xcb_get_input_focus_reply(m_connection.get(), xcb_get_input_focus(m_connection.get()), nullptr));
+    return reply ? reply->focus : 0;
+}
+
+void XClient::AskToClose(xcb_window_t window)
+{
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    event.type = Atom("WM_PROTOCOLS");
+    event.data.data32[0] = Atom("WM_DELETE_WINDOW");
+    xcb_send_event(m_connection.get(), 0, window, 0, reinterpret_cast<const char*>(&event));
+    Finish();
+}
+
+void XClient::Place(xcb_window_t window, int x, int y, int width, int height)
+{
+    const std::array values{static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y),
+                            static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height)};
+    xcb_configure_window(m_connection.get(), window,
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                             XCB_CONFIG_WINDOW_HEIGHT,
+                         values.data());
+    Finish();
+}
+
+void XClient::Fake(std::uint8_t type, std::uint8_t detail, int x, int y)
+{
+    xcb_test_fake_input(m_connection.get(), type, detail, XCB_CURRENT_TIME, m_screen.root,
+                        static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), 0);
+    Finish();
+}
+
+void XClient::MoveMouse(int x, int y)
+{
+    Fake(XCB_MOTION_NOTIFY, 0, x, y);
+}
+
+void XClient::Button(int number, bool down)
+{
+    Fake(down ? XCB_BUTTON_PRESS : XCB_BUTTON_RELEASE, static_cast<std::uint8_t>(number));
+}
+
+void XClient::Key(xcb_keycode_t code, bool down)
+{
+    Fake(down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, code);
+}
+
+xcb_keycode_t XClient::KeyOf(xcb_keysym_t symbol)
+{
+    const xcb_setup_t* setup = xcb_get_setup(m_connection.get());
+    const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
+    const auto cookie = xcb_get_keyboard_mapping(m_connection.get(), setup->min_keycode, count);
+    const auto reply = Own(xcb_get_keyboard_mapping_reply(m_connection.get(), cookie, nullptr));
+    if (!reply) return 0;
+    const xcb_keysym_t* symbols = xcb_get_keyboard_mapping_keysyms(reply.get());
+    for (int i = 0; i < count; ++i)
+        if (symbols[i * reply->keysyms_per_keycode] == symbol)
+            return static_cast<xcb_keycode_t>(setup->min_keycode + i);
+    return 0;
+}
+
+xcb_keycode_t XClient::Assign(xcb_keysym_t symbol)
+{
+    const xcb_keycode_t spare = KeyOf(XCB_NO_SYMBOL);
+    xcb_change_keyboard_mapping(m_connection.get(), 1, spare, 1, &symbol);
+    Finish();
+    return spare;
+}
+
+} // namespace test

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "include/platform/Gdi.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+#include <xcb/xcb.h>
+
+namespace test {
+
+// Another program on the same X server: it looks at the screen, handles windows from outside and moves the
+// mouse and the keys.
+class XClient
+{
+public:
+    explicit XClient(const std::string& display);
+
+    // What is seen there.
+    COLORREF Pixel(int x, int y);
+    // The top-level window of that title; 0 for none.
+    xcb_window_t Find(const std::string& title);
+    // A property's bytes as they lie there; empty for none.
+    std::string Property(xcb_window_t window, const char* name);
+    bool IsPopup(xcb_window_t window);
+    bool IsComposed();
+
+    // A coloured window over all others, of another process of this machine if `process` isn't 0.
+    xcb_window_t Cover(int x, int y, int width, int height, COLORREF color, unsigned process = 0);
+    void Destroy(xcb_window_t window);
+    void KillOwner(xcb_window_t window);
+    void AskToClose(xcb_window_t window);
+    void Focus(xcb_window_t window); // 0: none
+    xcb_window_t Focused();
+    void Place(xcb_window_t window, int x, int y, int width, int height);
+
+    void MoveMouse(int x, int y);
+    void Button(int number, bool down);
+    // Lets a spare key mean a character; gives its code.
+    xcb_keycode_t Assign(xcb_keysym_t symbol);
+    xcb_keycode_t KeyOf(xcb_keysym_t symbol);
+    void Key(xcb_keycode_t code, bool down);
+
+private:
+    xcb_atom_t Atom(const char* name);
+    // All that was asked has been done when it returns.
+    void Finish();
+    void Fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
+
+    struct Disconnect
+    {
+        void operator()(xcb_connection_t* c) const { xcb_disconnect(c); }
+    };
+    std::unique_ptr<xcb_connection_t, Disconnect> m_connection;
+    xcb_screen_t m_screen;
+};
+
+} // namespace test

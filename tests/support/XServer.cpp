@@ -1,0 +1,83 @@
+#include "tests/support/XServer.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <poll.h>
+#include <stdexcept>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace test {
+
+namespace {
+
+constexpr int kStartLimit = 60'000; // milliseconds
+
+std::vector<std::string> Command(const std::string& screen, int fd, const std::vector<std::string>& options)
+{
+    std::vector<std::string> args{"Xvfb",      "-displayfd", std::to_string(fd), "-screen", "0", screen,
+                                  "-nolisten", "tcp",        "-noreset"};
+    args.insert(args.end(), options.begin(), options.end());
+    return args;
+}
+
+} // namespace
+
+Program::Program(std::vector<std::string> args, std::vector<std::string> env)
+{
+    std::vector<char*> argv;
+    for (auto& arg : args)
+        argv.push_back(arg.data());
+    argv.push_back(nullptr);
+    m_pid = fork();
+    if (m_pid < 0) throw std::runtime_error("no process");
+    if (m_pid > 0) return;
+    for (auto& setting : env)
+        putenv(setting.data());
+    const int nowhere = open("/dev/null", O_RDWR);
+    dup2(nowhere, STDOUT_FILENO);
+    dup2(nowhere, STDERR_FILENO);
+    execvp(argv[0], argv.data());
+    _exit(127);
+}
+
+void Program::Kill()
+{
+    if (m_pid <= 0) return;
+    kill(m_pid, SIGTERM);
+    while (waitpid(m_pid, nullptr, 0) < 0 && errno == EINTR) {
+    }
+    m_pid = -1;
+}
+
+XServer::Pipe::Pipe()
+{
+    if (pipe(ends) != 0) throw std::runtime_error("no pipe");
+}
+
+XServer::Pipe::~Pipe()
+{
+    close(ends[0]);
+    close(ends[1]);
+}
+
+std::string XServer::Pipe::ReadLine()
+{
+    std::string line;
+    for (char ch = 0; ch != '\n'; line += ch) {
+        pollfd ready{ends[0], POLLIN, 0};
+        if (poll(&ready, 1, kStartLimit) != 1 || read(ends[0], &ch, 1) != 1)
+            throw std::runtime_error("the X server doesn't start");
+    }
+    line.pop_back();
+    return line;
+}
+
+XServer::XServer(const std::string& screen, std::vector<std::string> options)
+    : m_program(Command(screen, m_pipe.ends[1], options)), m_name(":" + m_pipe.ReadLine())
+{
+}
+
+} // namespace test

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace test {
+
+// A program of the system's, killed and waited for at the end.
+class Program
+{
+public:
+    explicit Program(std::vector<std::string> args, std::vector<std::string> env = {});
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+    ~Program() { Kill(); }
+
+    // Ends it, and returns when it has ended.
+    void Kill();
+
+private:
+    pid_t m_pid = -1;
+};
+
+// An X server whose screen nobody sees, on a display that was free.
+class XServer
+{
+public:
+    explicit XServer(const std::string& screen = "640x480x24", std::vector<std::string> options = {});
+
+    // As for DISPLAY.
+    const std::string& Name() const { return m_name; }
+    void Kill() { m_program.Kill(); }
+
+private:
+    struct Pipe
+    {
+        Pipe();
+        Pipe(const Pipe&) = delete;
+        Pipe& operator=(const Pipe&) = delete;
+        ~Pipe();
+        std::string ReadLine();
+        int ends[2];
+    };
+    Pipe m_pipe; // the server tells its display's number
+    Program m_program;
+    std::string m_name;
+};
+
+} // namespace test
