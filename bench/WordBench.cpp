@@ -1,0 +1,79 @@
+#include "bench/Surfaces.h"
+
+#include <KXEnglishWord.h>
+#include <array>
+#include <cairo/cairo.h>
+#include <cstring>
+#include <string_view>
+
+// A test word of twelve letters, of which five are hidden in boxes: each letter measured, then drawn or
+// framed.
+
+namespace {
+
+constexpr const char* pszFace = "DejaVu Sans";
+constexpr int nHeight = 20;
+constexpr const char* pszWord = "photographer";
+constexpr const char* pszTest = "ph*t*g**ph*r";
+constexpr bench::Size paperSize{240, 40};
+const CRect rcWord(10, 4, 230, 36);
+
+void DrawOurs(benchmark::State& state)
+{
+    const bench::Ours paper(paperSize);
+    LOGFONTA log{};
+    log.lfHeight = -nHeight;
+    std::strcpy(log.lfFaceName, pszFace);
+    CFont font;
+    font.CreateFontIndirectA(&log);
+    CDC* const pDC = CDC::FromHandle(paper);
+    const CString strWord = pszWord;
+    const CString strTest = pszTest;
+    for (auto _ : state)
+        CKXEnglishWord::DrawTestWord(pDC, strWord, strTest, rcWord, &font, RGB(0, 0, 255), RGB(255, 255, 255),
+                                     1);
+}
+
+void Frame(cairo_t* cairo, double x, double width)
+{
+    cairo_set_source_rgb(cairo, 0, 0, 1);
+    cairo_rectangle(cairo, x + 0.5, rcWord.top + 1.5, width, rcWord.Height() - 3);
+    cairo_stroke(cairo);
+    cairo_set_source_rgb(cairo, 1, 1, 1);
+}
+
+void DrawCairo(benchmark::State& state)
+{
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, paperSize.cx, paperSize.cy);
+    cairo_t* cairo = cairo_create(surface);
+    cairo_select_font_face(cairo, pszFace, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+    cairo_set_font_size(cairo, nHeight);
+    cairo_set_line_width(cairo, 1);
+    cairo_set_source_rgb(cairo, 1, 1, 1);
+    const std::string_view word = pszWord, test = pszTest;
+    for (auto _ : state) {
+        double x = rcWord.left;
+        for (std::size_t n = 0; n < word.size(); ++n) {
+            const std::array<char, 2> letter{word[n], '\0'};
+            cairo_text_extents_t extents;
+            cairo_text_extents(cairo, letter.data(), &extents);
+            if (test[n] == '*') {
+                Frame(cairo, x, extents.x_advance);
+            } else {
+                cairo_move_to(cairo, x, 27);
+                cairo_show_text(cairo, letter.data());
+            }
+            x += extents.x_advance;
+        }
+    }
+    cairo_destroy(cairo);
+    cairo_surface_destroy(surface);
+}
+
+const int registered = [] {
+    bench::Register("test_word/ours", DrawOurs);
+    bench::Register("test_word/cairo", DrawCairo);
+    return 0;
+}();
+
+} // namespace

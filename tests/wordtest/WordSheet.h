@@ -1,0 +1,124 @@
+#pragma once
+
+#include "KXEnglishWord.h"
+#include "tests/support/Host.h"
+#include "tests/support/Picture.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace test {
+
+inline void MakeFont(CFont& font, const char* pszFace, int nHeight, int nWeight = FW_NORMAL)
+{
+    LOGFONTA log{};
+    log.lfHeight = nHeight;
+    log.lfWeight = nWeight;
+    std::strncpy(log.lfFaceName, pszFace, sizeof(log.lfFaceName) - 1);
+    font.CreateFontIndirectA(&log);
+}
+
+// A patterned sheet, on which all that is painted shows. Its device has a pen, brush, font, colours and mode
+// of its own, and fails the test if it hasn't in the end.
+class WordSheet : public CDC
+{
+public:
+    static constexpr int WIDTH = 200;
+    static constexpr int HEIGHT = 100;
+
+    explicit WordSheet(unsigned nTint = 0, int nMode = OPAQUE) : m_nMode(nMode)
+    {
+        Attach(m_paper);
+        for (int at = 0; at < WIDTH * HEIGHT; ++at)
+            SetPixel(at % WIDTH, at / WIDTH, GroundOf(at % WIDTH, at / WIDTH, nTint));
+        MakeFont(m_font, "DejaVu Serif", 17);
+        m_hFont = m_font;
+        Swap();
+        SetTextColor(RGB(1, 2, 3));
+        SetBkMode(nMode);
+    }
+    ~WordSheet() override
+    {
+        EXPECT_EQ(GetTextColor(), RGB(1, 2, 3));
+        EXPECT_EQ(GetBkMode(), m_nMode);
+        Swap();
+        EXPECT_EQ(m_hPen, m_pen.m_hObject);
+        EXPECT_EQ(m_hBrush, m_brush.m_hObject);
+        EXPECT_EQ(m_hFont, m_font.m_hObject);
+        Detach();
+    }
+
+    static COLORREF GroundOf(int x, int y, unsigned nTint = 0)
+    {
+        return RGB(nTint, static_cast<unsigned>(x % 16 * 15), static_cast<unsigned>(y % 16 * 15));
+    }
+    // Where another sheet differs first; "" if it doesn't.
+    std::string DifferenceTo(const WordSheet& other) const
+    {
+        const auto mine = Pixels(), theirs = other.Pixels();
+        const auto at = std::ranges::mismatch(mine, theirs).in1 - mine.begin();
+        return at == WIDTH * HEIGHT ? "" : std::to_string(at % WIDTH) + ", " + std::to_string(at / WIDTH);
+    }
+    // How far the letters of a text go, each by itself.
+    int WidthOf(const std::string& text, const CFont& font) const
+    {
+        int nWidth = 0;
+        const HGDIOBJ hOld = ::SelectObject(m_hDC, font.GetSafeHandle());
+        for (const char letter : text)
+            nWidth += GetTextExtent(CString(letter)).cx;
+        ::SelectObject(m_hDC, hOld);
+        return nWidth;
+    }
+    // Draws, to compare with: the letters of a text that aren't "*", at the places of a word's, each in its
+    // cell.
+    void WriteLetters(int x, int y, const std::string& word, const std::string& shown, const CFont& font,
+                      COLORREF clr)
+    {
+        const HGDIOBJ hOld = ::SelectObject(m_hDC, font.GetSafeHandle());
+        const COLORREF clrOld = SetTextColor(clr);
+        SetBkMode(TRANSPARENT);
+        for (std::size_t n = 0; n < word.size(); ++n) {
+            RECT cell{x, y, x + WidthOf(word.substr(n, 1), font), y + 20};
+            if (shown[n] != '*') DrawText(&shown[n], 1, &cell, DT_SINGLELINE);
+            x = cell.right;
+        }
+        SetBkMode(m_nMode);
+        SetTextColor(clrOld);
+        ::SelectObject(m_hDC, hOld);
+    }
+
+private:
+    void Swap()
+    {
+        for (HGDIOBJ* phObject : {&m_hPen, &m_hBrush, &m_hFont})
+            *phObject = ::SelectObject(m_hDC, *phObject);
+    }
+    std::vector<DWORD> Pixels() const
+    {
+        BITMAPINFO info{{sizeof(BITMAPINFOHEADER), WIDTH, -HEIGHT, 1, 32, BI_RGB, 0, 0, 0, 0, 0}, {}};
+        std::vector<DWORD> pixels(WIDTH * HEIGHT);
+        GetDIBits(m_hDC, m_paper.Bitmap(), 0, HEIGHT, pixels.data(), &info, DIB_RGB_COLORS);
+        return pixels;
+    }
+
+    Paper m_paper{WIDTH, HEIGHT};
+    int m_nMode;
+    CPen m_pen{PS_SOLID, 3, RGB(7, 7, 7)};
+    CBrush m_brush{RGB(8, 8, 8)};
+    CFont m_font;
+    HGDIOBJ m_hPen = m_pen, m_hBrush = m_brush, m_hFont = nullptr; // what is to be selected next
+};
+
+// With letters of 20 pixels, of distinct widths.
+class Words : public testing::Test
+{
+protected:
+    Words() { MakeFont(font, "DejaVu Sans", 20); }
+
+    NoLeak noLeak;
+    CFont font;
+};
+
+} // namespace test

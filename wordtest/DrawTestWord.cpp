@@ -1,0 +1,35 @@
+#include "KXEnglishWord.h"
+
+#include "wordtest/DeviceState.h"
+#include "wordtest/LetterRow.h"
+
+using namespace kx::wordtest;
+
+namespace {
+
+void DrawBox(CDC& dc, const CRect& cell)
+{
+    dc.Rectangle(cell.left, Plus(cell.top, 1), Plus(cell.right, 1), Plus(cell.bottom, -1));
+}
+
+} // namespace
+
+void CKXEnglishWord::DrawTestWord(CDC* pDC, const CString& strWord, const CString& strTestWord,
+                                  const CRect& rcWord, CFont* pFont, COLORREF clrBox, COLORREF clrText,
+                                  int bDrawBox)
+{
+    if (!pDC) return;
+    const CPen pen(PS_SOLID, 1, clrBox);
+    const Selected selectedPen(*pDC, pen.GetSafeHandle());
+    const Selected noBrush(*pDC, GetStockObject(NULL_BRUSH));
+    Lettering lettering(*pDC, pFont, clrText);
+    lettering.LetGroundShow();
+    LetterRow row(*pDC, rcWord);
+    for (int n = 0; n < strWord.GetLength(); ++n) {
+        const CRect cell = row.Next(strWord[n]);
+        if (strTestWord[n] != MASK)
+            DrawLetter(*pDC, strWord[n], cell);
+        else if (bDrawBox)
+            DrawBox(*pDC, cell);
+    }
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/Dc.h"
+
+namespace kx::wordtest {
+
+// A place far out of range wraps around to another off the surface, and nothing overflows on the way there.
+constexpr int Plus(int a, int b)
+{
+    return static_cast<int>(static_cast<DWORD>(a) + static_cast<DWORD>(b));
+}
+
+inline constexpr UINT DRAW_FORMAT = DT_SINGLELINE | DT_VCENTER;
+
+// Where the letters of a word lie in a row: each starts where the one before ended, wherever the row's right
+// side is.
+class LetterRow
+{
+public:
+    explicit LetterRow(CDC& dc, const CRect& rcRow, int nIndent = 0)
+        : m_dc(dc), m_rcRow(rcRow), m_x(Plus(rcRow.left, nIndent))
+    {
+    }
+
+    // Measures a letter in the device's font: its cell, as high as the row.
+    CRect Next(char letter)
+    {
+        CRect cell(m_x, m_rcRow.top, m_rcRow.right, m_rcRow.bottom);
+        m_dc.DrawText(&letter, 1, &cell, DT_CALCRECT | DRAW_FORMAT);
+        cell.top = m_rcRow.top;
+        cell.bottom = m_rcRow.bottom;
+        m_x = cell.right;
+        return cell;
+    }
+
+private:
+    CDC& m_dc;
+    CRect m_rcRow;
+    int m_x;
+};
+
+inline void DrawLetter(CDC& dc, char letter, CRect cell)
+{
+    dc.DrawText(&letter, 1, &cell, DRAW_FORMAT);
+}
+
+} // namespace kx::wordtest
