@@ -1,0 +1,112 @@
+#include <KXCommonTaskThread.h>
+#include <benchmark/benchmark.h>
+#include <condition_variable>
+#include <deque>
+#include <malloc.h>
+#include <memory>
+#include <mutex>
+#include <semaphore>
+#include <thread>
+
+// A million tasks that do nothing, from one producer, until the last is deleted: by the task thread, and by
+// the least that could do it, a deque with a mutex and a condition variable.
+
+namespace {
+
+constexpr int nTasks = 1'000'000;
+
+int Nothing(tagKXCommonTask*, HANDLE)
+{
+    return 0;
+}
+
+struct LastTask : tagKXCommonTask
+{
+    explicit LastTask(std::binary_semaphore& done) : tagKXCommonTask(Nothing), semaphore(done) {}
+    ~LastTask() override { semaphore.release(); }
+    std::binary_semaphore& semaphore;
+};
+
+class Ours
+{
+public:
+    Ours() { m_thread.Initialize(); }
+    ~Ours() { m_thread.UnInitialize(); }
+    void Add(tagKXCommonTask* task) { m_thread.AddTask(task); }
+
+private:
+    CKXCommonTaskThread m_thread;
+};
+
+class Deque
+{
+public:
+    ~Deque() { Add(nullptr); }
+    void Add(tagKXCommonTask* task)
+    {
+        {
+            const std::lock_guard lock(m_lock);
+            m_queue.push_back(task);
+        }
+        m_wake.notify_one();
+    }
+
+private:
+    tagKXCommonTask* Take()
+    {
+        std::unique_lock lock(m_lock);
+        m_wake.wait(lock, [this] { return !m_queue.empty(); });
+        tagKXCommonTask* task = m_queue.front();
+        m_queue.pop_front();
+        return task;
+    }
+    void Work()
+    {
+        while (const std::unique_ptr<tagKXCommonTask> task{Take()})
+            task->pfnTaskProc(task.get(), nullptr);
+    }
+
+    std::mutex m_lock;
+    std::condition_variable m_wake;
+    std::deque<tagKXCommonTask*> m_queue;
+    std::jthread m_thread{[this] { Work(); }};
+};
+
+template <class Queue>
+void RunAll(Queue& queue)
+{
+    std::binary_semaphore done{0};
+    for (int n = 1; n < nTasks; ++n)
+        queue.Add(new tagKXCommonTask(Nothing));
+    queue.Add(new LastTask(done));
+    done.acquire();
+}
+
+template <class Queue>
+void Measure(benchmark::State& state)
+{
+    Queue queue;
+    for (auto _ : state)
+        RunAll(queue);
+}
+
+void MeasureOurs(benchmark::State& state)
+{
+    Ours queue;
+    RunAll(queue);
+    const std::size_t before = mallinfo2().uordblks;
+    for (auto _ : state)
+        RunAll(queue);
+    if (mallinfo2().uordblks > before + 16 * 1024) state.SkipWithError("memory grows");
+}
+
+const int registered = [] {
+    const auto add = [](const char* name, void (*run)(benchmark::State&)) {
+        benchmark::RegisterBenchmark(name, run)->UseRealTime()->Iterations(1);
+    };
+    add("tasks_1_producer/ours", MeasureOurs);
+    add("tasks_1_producer/bare_deque", Measure<Deque>);
+    return 0;
+}();
+
+} // namespace

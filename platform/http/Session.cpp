@@ -1,0 +1,124 @@
+#include "platform/http/Session.h"
+
+#include "platform/http/Options.h"
+#include "platform/http/PipeSignal.h"
+#include "platform/http/Transfer.h"
+
+#include <algorithm>
+#include <chrono>
+#include <dlfcn.h>
+
+namespace {
+
+// A look-up of a name that is given up goes on for a while on a thread of libcurl's, so that mustn't be
+// unloaded with this library.
+void StayLoaded()
+{
+    Dl_info info;
+    if (dladdr(reinterpret_cast<void*>(&curl_global_init), &info) && info.dli_fname)
+        dlopen(info.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+}
+
+void Initialize(unsigned long dwContext)
+{
+    static const CURLcode code = [] {
+        StayLoaded();
+        return curl_global_init(CURL_GLOBAL_DEFAULT);
+    }();
+    if (code != CURLE_OK) kx::http::Throw(code, dwContext);
+}
+
+} // namespace
+
+namespace kx::http {
+
+Session::Session(const char* pszAgent, bool bProxies, unsigned long dwContext)
+    : m_agent(pszAgent ? pszAgent : ""), m_bProxies(bProxies)
+{
+    Initialize(dwContext);
+    m_multi.reset(curl_multi_init());
+    if (!m_multi) AfxThrowMemoryException();
+}
+
+void Session::CheckOpen(unsigned long dwContext) const
+{
+    if (!m_multi) Throw(ERROR_INTERNET_INCORRECT_HANDLE_STATE, dwContext, "The session is closed.");
+}
+
+Gear Session::Take(unsigned long dwContext)
+{
+    CheckOpen(dwContext);
+    if (!m_idle) return {MakeEasy(m_agent.c_str(), m_bProxies), BlockBuffer(Transfer::kAhead)};
+    Gear gear = std::move(*m_idle);
+    m_idle.reset();
+    return gear;
+}
+
+void Session::GiveBack(Gear gear) noexcept
+{
+    if (!m_multi || m_idle) return;
+    gear.buffer.Clear();
+    m_idle.emplace(std::move(gear));
+}
+
+void Session::Add(Transfer& transfer)
+{
+    m_transfers.push_back(&transfer);
+    if (const CURLMcode code = curl_multi_add_handle(m_multi.get(), transfer.Handle()); code != CURLM_OK)
+        Throw(code, transfer.Context());
+}
+
+void Session::Remove(Transfer& transfer) noexcept
+{
+    const NoPipeSignal guard;
+    if (m_multi) curl_multi_remove_handle(m_multi.get(), transfer.Handle());
+    std::erase(m_transfers, &transfer);
+}
+
+void Session::Perform(unsigned long dwContext)
+{
+    CheckOpen(dwContext);
+    int nRunning = 0;
+    const CURLMcode code = curl_multi_perform(m_multi.get(), &nRunning);
+    TellEnded();
+    if (code != CURLM_OK) Throw(code, dwContext);
+}
+
+void Session::TellEnded() noexcept
+{
+    int nLeft = 0;
+    while (const CURLMsg* message = curl_multi_info_read(m_multi.get(), &nLeft)) {
+        if (message->msg != CURLMSG_DONE) continue;
+        const CURLcode result = message->data.result; // the message is gone with the next call
+        if (auto* transfer = Get<Transfer*>(message->easy_handle, CURLINFO_PRIVATE)) transfer->OnEnd(result);
+    }
+}
+
+void Session::Wait(clock::Moment deadline) noexcept
+{
+    using std::chrono::milliseconds;
+    // The host moves a virtual clock without telling a poll, which therefore looks up now and then.
+    const auto longest = clock::IsVirtual() ? milliseconds(10) : milliseconds(60'000);
+    const auto left = std::chrono::ceil<milliseconds>(deadline - clock::Now());
+    const auto nTime = std::clamp(left, milliseconds(0), longest).count();
+    curl_multi_poll(m_multi.get(), nullptr, 0, static_cast<int>(nTime), nullptr);
+}
+
+void Session::Close() noexcept
+{
+    const NoPipeSignal guard;
+    while (!m_transfers.empty())
+        m_transfers.back()->Abandon();
+    m_idle.reset();
+    const std::lock_guard lock(m_lock);
+    m_multi.reset();
+}
+
+void Session::Cancel() noexcept
+{
+    m_bCancelled = true;
+    const std::lock_guard lock(m_lock);
+    if (m_multi) curl_multi_wakeup(m_multi.get());
+}
+
+} // namespace kx::http

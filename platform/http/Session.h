@@ -1,0 +1,65 @@
+#pragma once
+
+#include "platform/http/BlockBuffer.h"
+#include "platform/http/Curl.h"
+#include "platform/time/Clock.h"
+
+#include <atomic>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kx::http {
+
+class Transfer;
+
+// What a transfer works with. One is kept for the next transfer, with its connections in the session.
+struct Gear
+{
+    Easy easy;
+    BlockBuffer buffer;
+};
+
+// The connections of a CInternetSession and the transfers on them. All of them move on whenever one is
+// waited for; what comes for one that nobody reads stays with the server once its buffer is full.
+class Session
+{
+public:
+    Session(const char* pszAgent, bool bProxies, unsigned long dwContext);
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session() { Close(); }
+
+    // Throw ERROR_INTERNET_INCORRECT_HANDLE_STATE once it is closed.
+    Gear Take(unsigned long dwContext);
+    void Add(Transfer& transfer);
+
+    // The transfer's end, whether it came to one or not.
+    void Remove(Transfer& transfer) noexcept;
+    void GiveBack(Gear gear) noexcept;
+
+    // Does what can be done without waiting, and tells those transfers that have ended.
+    void Perform(unsigned long dwContext);
+    // Waits until there is something to do, the clock has come to the deadline, or Cancel; also returns for
+    // no reason.
+    void Wait(clock::Moment deadline) noexcept;
+
+    void Close() noexcept;
+    void Cancel() noexcept;
+    bool IsCancelled() const noexcept { return m_bCancelled; }
+
+private:
+    void TellEnded() noexcept;
+    void CheckOpen(unsigned long dwContext) const;
+
+    const std::string m_agent;
+    const bool m_bProxies;
+    std::mutex m_lock; // between Cancel and Close
+    Multi m_multi;     // null once closed
+    std::optional<Gear> m_idle;
+    std::vector<Transfer*> m_transfers;
+    std::atomic<bool> m_bCancelled{false};
+};
+
+} // namespace kx::http

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "KXHttpDownloadMgr.h"
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace test {
+
+// A notification, as far as tests compare it.
+struct Notice
+{
+    unsigned int code;
+    unsigned int id;
+    unsigned long total;
+    unsigned long received;
+    bool operator==(const Notice&) const = default;
+};
+
+// Collects what the callback is told. One at a time: a callback has no room for a pointer.
+class Journal
+{
+public:
+    Journal() { s_current = this; }
+    Journal(const Journal&) = delete;
+    Journal& operator=(const Journal&) = delete;
+    ~Journal() { s_current = nullptr; }
+
+    // The callback. The user's parameter is the code at which it does `act`, once it has written down.
+    static int Write(unsigned int code, unsigned int id, CString const& url, CString const& file,
+                     unsigned long total, unsigned long received, unsigned int param)
+    {
+        Journal& self = *s_current;
+        {
+            const std::lock_guard lock(self.m_lock);
+            self.m_notices.push_back({code, id, total, received});
+            self.m_names = std::string(url) + " " + std::string(file);
+        }
+        self.m_changed.notify_all();
+        if (code == param && self.act) self.act();
+        return 0;
+    }
+
+    void Await(unsigned int code, unsigned int id)
+    {
+        std::unique_lock lock(m_lock);
+        m_changed.wait(lock, [&] {
+            for (const Notice& notice : m_notices)
+                if (notice.code == code && notice.id == id) return true;
+            return false;
+        });
+    }
+    std::vector<Notice> Notices() const
+    {
+        const std::lock_guard lock(m_lock);
+        return m_notices;
+    }
+    // The codes of one task, a run of blocks as one.
+    std::vector<unsigned int> Codes(unsigned int id) const
+    {
+        std::vector<unsigned int> codes;
+        for (const Notice& notice : Notices())
+            if (notice.id == id && (codes.empty() || codes.back() != notice.code))
+                codes.push_back(notice.code);
+        return codes;
+    }
+    std::string Names() const
+    {
+        const std::lock_guard lock(m_lock);
+        return m_names;
+    }
+
+    std::function<void()> act;
+
+private:
+    static inline Journal* s_current = nullptr;
+    mutable std::mutex m_lock;
+    std::condition_variable m_changed;
+    std::vector<Notice> m_notices;
+    std::string m_names;
+};
+
+} // namespace test

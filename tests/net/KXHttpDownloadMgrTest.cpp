@@ -1,0 +1,367 @@
+#include "KXHttpDownloadMgr.h"
+#include "platform/Exception.h"
+#include "platform/Host.h"
+#include "tests/net/Journal.h"
+#include "tests/support/Child.h"
+#include "tests/support/HttpServer.h"
+#include "tests/support/RawServer.h"
+#include "tests/support/TempDir.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+using test::Notice;
+using test::Peer;
+using test::RawServer;
+using Codes = std::vector<unsigned int>;
+
+const std::string kOk = "HTTP/1.1 200 OK\r\n";
+const std::string kHello = kOk + "Content-Length: 5\r\n\r\nhello";
+
+class Manager : public CKXHttpDownloadMgr
+{
+public:
+    Manager() = default;
+    ~Manager() = default;
+    using CKXHttpDownloadMgr::DownloadFunc;
+    using CKXHttpDownloadMgr::GetNextTask;
+    using CKXHttpDownloadMgr::Initialize;
+    using CKXHttpDownloadMgr::StartDownload;
+    using CKXHttpDownloadMgr::StopDownload;
+    using CKXHttpDownloadMgr::Uninitialize;
+};
+
+std::ptrdiff_t Threads()
+{
+    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+}
+
+class Downloads : public testing::Test
+{
+protected:
+    Downloads() { manager.emplace(); }
+    unsigned int Add(const std::string& url, const CString& file = "", unsigned int actAt = 0)
+    {
+        return manager->AddTask(url.c_str(), file, test::Journal::Write, actAt);
+    }
+    // Adds a task and waits for its last code.
+    unsigned int Run(const std::string& url, const CString& file = "")
+    {
+        const unsigned int id = Add(url, file);
+        journal.Await(2031, id);
+        return id;
+    }
+    // Waits until the worker has ended by itself; the test has that many servers of its own.
+    void AwaitEnd(int nServers = 0)
+    {
+        while (Threads() > nThreads + nServers)
+            std::this_thread::yield();
+    }
+
+    test::TempDir dir;
+    test::Journal journal;
+    RawServer hello{RawServer::Answering(kHello)};
+    std::ptrdiff_t nThreads = Threads();
+    std::optional<Manager> manager;
+};
+
+TEST_F(Downloads, TellEachStepOfACompleteTransfer)
+{
+    const std::string body(5000, 'b');
+    RawServer known(RawServer::Answering(kOk + "Content-Length: 5000\r\n\r\n" + body));
+    RawServer chunked(
+        RawServer::Answering(kOk + "Transfer-Encoding: chunked\r\n\r\n1388\r\n" + body + "\r\n0\r\n\r\n"));
+    RawServer empty(RawServer::Answering(kOk + "Content-Length: 0\r\n\r\n"));
+    RawServer error(RawServer::Answering("HTTP/1.1 500 Oh\r\nContent-Length: 3\r\n\r\noh!"));
+    const struct
+    {
+        RawServer& server;
+        unsigned long total;
+        std::string body;
+    } cases[] = {{known, 5000, body}, {chunked, 0, body}, {empty, 0, ""}, {error, 3, "oh!"}};
+    for (const auto& c : cases) {
+        dir.Write("file", "what was there before, longer than some of the bodies");
+        const unsigned int id = Run(c.server.Url(), dir.Win("file"));
+        EXPECT_EQ(dir.Read("file"), c.body);
+        EXPECT_EQ(journal.Names(), c.server.Url() + " " + std::string(dir.Win("file")));
+        std::vector<Notice> notices;
+        for (const Notice& notice : journal.Notices())
+            if (notice.id == id) notices.push_back(notice);
+        EXPECT_EQ(notices.front(), (Notice{2029, id, c.total, 0}));
+        EXPECT_EQ(notices.back(), (Notice{2031, id, c.total, c.body.size()}));
+        unsigned long received = 0;
+        for (std::size_t n = 1; n + 1 < notices.size(); ++n) {
+            EXPECT_EQ(notices[n].code, 2030u);
+            EXPECT_GT(notices[n].received, received);
+            EXPECT_LE(notices[n].received, received + 2048);
+            received = notices[n].received;
+        }
+        EXPECT_EQ(received, c.body.size());
+    }
+}
+
+TEST_F(Downloads, FollowOneAnotherInOrderOnOneConnection)
+{
+    const unsigned int first = Add(hello.Url("/1"), dir.Win("1"));
+    EXPECT_EQ(Add(hello.Url("/2")), first + 1); // nowhere
+    EXPECT_EQ(manager->AddTask(hello.Url("/3").c_str(), "", nullptr), first + 2);
+    EXPECT_EQ(manager->AddTask(hello.Url("/4").c_str(), "", nullptr, 0), first + 3);
+    const unsigned int last = Run(hello.Url("/5"), dir.Win("5"));
+    EXPECT_EQ(last, first + 4);
+    std::vector<unsigned int> ids;
+    for (const Notice& notice : journal.Notices())
+        ids.push_back(notice.id);
+    EXPECT_TRUE(std::is_sorted(ids.begin(), ids.end()));
+    EXPECT_EQ(dir.Read("1"), "hello");
+    EXPECT_EQ(dir.Read("5"), "hello");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path()), {}), 2);
+    EXPECT_EQ(hello.Connections(), 1);
+}
+
+TEST_F(Downloads, AFileHoldsWhatATaskHasReceived)
+{
+    std::vector<std::size_t> sizes;
+    journal.act = [&] { sizes.push_back(std::filesystem::file_size(dir.Path("file"))); };
+    RawServer server(RawServer::Answering(kOk + "Content-Length: 9000\r\n\r\n" + std::string(9000, 'x')));
+    const unsigned int id = Add(server.Url(), dir.Win("file"), 2030);
+    journal.Await(2031, id);
+    std::size_t n = 0;
+    for (const Notice& notice : journal.Notices()) {
+        if (notice.code == 2030) {
+            EXPECT_EQ(sizes.at(n++), notice.received);
+        }
+    }
+}
+
+TEST_F(Downloads, ACallbackMayAddTasks)
+{
+    unsigned int added = 0;
+    journal.act = [&] { added = Add(hello.Url("/more")); };
+    const unsigned int id = Add(hello.Url(), "", 2029);
+    journal.Await(2031, id);
+    journal.Await(2031, added);
+    EXPECT_EQ(journal.Codes(added), (Codes{2029, 2030, 2031}));
+}
+
+TEST_F(Downloads, WorkAgainstAServerOfAnotherMaking)
+{
+    const std::string body = [] {
+        std::string text;
+        for (int n = 0; n < 200'000; ++n)
+            text += std::to_string(n) + ",";
+        return text;
+    }();
+    test::HttpServer server([&](httplib::Server& http) {
+        http.Get("/whole", [&](const auto&, auto& response) { response.set_content(body, "text/plain"); });
+        http.Get("/pieces", [&](const auto&, auto& response) {
+            response.set_chunked_content_provider("text/plain", [&](std::size_t at, httplib::DataSink& sink) {
+                if (at < body.size())
+                    sink.write(body.data() + at, std::min<std::size_t>(7777, body.size() - at));
+                else
+                    sink.done();
+                return true;
+            });
+        });
+        http.Get("/moved", [](const auto&, auto& response) { response.set_redirect("/whole"); });
+    });
+    for (const char* pszPath : {"/whole", "/pieces", "/moved"}) {
+        const unsigned int id = Run(server.Url(pszPath), dir.Win("file"));
+        EXPECT_EQ(dir.Read("file"), body) << pszPath;
+        EXPECT_EQ(journal.Notices().back(),
+                  (Notice{2031, id, *pszPath && pszPath[1] == 'p' ? 0 : body.size(), body.size()}));
+    }
+    Run(server.Url("/none"), dir.Win("file"));
+    EXPECT_EQ(dir.Read("file"), "");
+}
+
+struct Failure
+{
+    const char* name;
+    std::string url;
+    CString file;
+    std::function<void()> act; // at 2030
+    Codes codes;
+    std::string kept; // what the local file holds then
+};
+
+// Whatever fails ends the worker: no last code, and no task after it.
+TEST_F(Downloads, TheFirstFailureIsTheEnd)
+{
+    RawServer cut(RawServer::Answering(kOk + "Content-Length: 9\r\n\r\nhello", true));
+    const std::string gone = [] { return RawServer([](Peer&) {}).Url(); }();
+    const CString file = dir.Win("file");
+    KXHost::Drive devices;
+    devices.strRoot = "/dev";
+    KXHost::MountDrive('D', devices);
+    const std::vector<Failure> cases = {
+        {"server gone", gone, file, {}, {}, "old"},
+        {"no URL", "optype&optypeval=3", file, {}, {}, "old"},
+        {"another protocol", "file:///etc/hostname", file, {}, {}, "old"},
+        {"cut", cut.Url(), file, {}, {2029, 2030}, "hello"},
+        {"cut, nowhere", cut.Url(), "", {}, {2029, 2030}, "old"},
+        {"no directory", hello.Url(), dir.Win("none\\file"), {}, {2029}, "old"},
+        {"a directory", hello.Url(), dir.Win(), {}, {2029}, "old"},
+        {"full disk", hello.Url(), "D:\\full", {}, {2029}, "old"},
+        {"number thrown", hello.Url(), file, [] { throw 5; }, {2029, 2030}, "hello"},
+        {"exception thrown", hello.Url(), file, [] { AfxThrowMemoryException(); }, {2029, 2030}, "hello"},
+    };
+    for (const Failure& c : cases) {
+        dir.Write("file", "old");
+        journal.act = c.act;
+        const unsigned int id = Add(c.url, c.file, 2030);
+        AwaitEnd(1);
+        EXPECT_EQ(journal.Codes(id), c.codes) << c.name;
+        EXPECT_EQ(dir.Read("file"), c.kept) << c.name;
+        const int nConnections = hello.Connections();
+        const unsigned int later = Add(hello.Url());
+        EXPECT_EQ(later, id + 1) << c.name;
+        manager.emplace(); // frees the task that waits
+        EXPECT_EQ(journal.Codes(later), Codes{}) << c.name;
+        EXPECT_EQ(hello.Connections(), nConnections) << c.name;
+    }
+    KXHost::UnmountDrive('D');
+}
+
+// A server that sends a part of its answer and then nothing more.
+std::function<void(Peer&)> Stalling(std::string part)
+{
+    return [=](Peer& peer) {
+        peer.Request();
+        peer.Send(part);
+        peer.AwaitClose();
+    };
+}
+
+TEST_F(Downloads, AStopCutsShortAtOnceWhatASilentServerHoldsUp)
+{
+    RawServer afterBlock(Stalling(kOk + "Content-Length: 9\r\n\r\nhello"));
+    RawServer afterHeaders(Stalling(kOk + "Content-Length: 9\r\n\r\n"));
+    const struct
+    {
+        RawServer& server;
+        unsigned int await;
+        Codes codes;
+    } cases[] = {{afterBlock, 2030, {2029, 2030, 2032, 2031}}, {afterHeaders, 2029, {2029, 2032}}};
+    for (const auto& c : cases) {
+        const unsigned int id = Add(c.server.Url(), dir.Win("file"));
+        const unsigned int waiting = Add(hello.Url());
+        journal.Await(c.await, id);
+        manager.emplace();
+        EXPECT_EQ(journal.Codes(id), c.codes);
+        EXPECT_EQ(journal.Codes(waiting), Codes{});
+    }
+    EXPECT_EQ(dir.Read("file"), ""); // the second one emptied it
+}
+
+TEST_F(Downloads, AStopEndsAServerThatNeverAnswers)
+{
+    std::binary_semaphore asked{0};
+    RawServer server([&](Peer& peer) {
+        peer.Request();
+        asked.release();
+        peer.AwaitClose();
+    });
+    const unsigned int id = Add(server.Url());
+    asked.acquire();
+    manager->Uninitialize();
+    manager->StartDownload(); // the stop stays: its worker ends at once
+    const unsigned int later = Add(hello.Url());
+    AwaitEnd(1);
+    manager->StopDownload();
+    manager->Initialize();
+    EXPECT_EQ(journal.Codes(id), Codes{});
+    EXPECT_EQ(journal.Codes(later), Codes{});
+    std::unique_ptr<CKXHttpDownloadMgr::Task> left(manager->GetNextTask());
+    ASSERT_TRUE(left);
+    EXPECT_EQ(left->uTaskId, later);
+    EXPECT_EQ(left->strUrl, hello.Url().c_str());
+    EXPECT_EQ(manager->GetNextTask(), nullptr);
+    EXPECT_EQ(Manager::DownloadFunc(nullptr), 1u);
+}
+
+// A live server at a stop: what arrives is told of before the stop is.
+TEST_F(Downloads, AStopIsSeenBehindABlock)
+{
+    RawServer endless([](Peer& peer) {
+        peer.Request();
+        peer.Send(kOk + "\r\n");
+        while (peer.Send(std::string(10'000, 'x'))) {
+        }
+    });
+    const unsigned int id = Add(endless.Url(), dir.Win("file"));
+    journal.Await(2030, id);
+    manager.reset();
+    EXPECT_EQ(journal.Codes(id), (Codes{2029, 2030, 2032, 2031}));
+    EXPECT_EQ(dir.Read("file").size(), journal.Notices().back().received);
+}
+
+TEST_F(Downloads, TasksOfManyThreadsAreAllServed)
+{
+    std::vector<std::jthread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([this] {
+            for (int n = 0; n < 50; ++n)
+                Add(hello.Url());
+        });
+    threads.clear();
+    Run(hello.Url());
+    const auto notices = journal.Notices();
+    EXPECT_EQ(std::count_if(notices.begin(), notices.end(), [](const Notice& n) { return n.code == 2031; }),
+              201);
+}
+
+TEST_F(Downloads, LeaveNoHandleBehind)
+{
+    Run(hello.Url());
+    manager.reset();
+    const int nBefore = KXHost::LiveHandles();
+    manager.emplace();
+    Run(hello.Url());
+    Add("no URL");
+    AwaitEnd();
+    manager.reset();
+    EXPECT_EQ(KXHost::LiveHandles(), nBefore);
+}
+
+TEST_F(Downloads, AForkEndsWithoutTheWorker)
+{
+    Run(hello.Url());
+    const pid_t child = fork();
+    if (child == 0) {
+        manager.reset();
+        _exit(7);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(WEXITSTATUS(status), 7);
+    Run(hello.Url());
+    EXPECT_EQ(hello.Connections(), 1);
+}
+
+// The library's one manager, at the process's end: DownloadChild prints what it is told.
+TEST_F(Downloads, EndWithTheProcess)
+{
+    RawServer silent(Stalling(kOk + "Content-Length: 9\r\n\r\nhello"));
+    const struct
+    {
+        const char* how;
+        std::string url;
+        std::string text;
+    } cases[] = {
+        {"return", silent.Url(), "2 2029\n2 2030\n2 2032\n2 2031\n"},
+        {"exit", silent.Url(), "2 2029\n2 2030\n"}, // by the callback itself, which doesn't return
+        {"wait", hello.Url(), "2 2029\n2 2030\n2 2031\n3 2029\n3 2030\n3 2031\n"},
+        {"limit", hello.Url(), "2 2029\n"}, // no room on its disk
+    };
+    for (const auto& c : cases) {
+        test::Child child("DownloadChild", {c.how, c.url, std::string(dir.Win("file"))}, {}, true);
+        EXPECT_EQ(child.Wait(), 0) << c.how;
+        EXPECT_EQ(child.ErrorText(), c.text) << c.how;
+    }
+}
+
+} // namespace

@@ -1,0 +1,180 @@
+#include "KXStatSender.h"
+#include "platform/Host.h"
+#include "platform/Registry.h"
+#include "tests/support/Child.h"
+#include "tests/support/HttpServer.h"
+#include "tests/support/TempDir.h"
+
+#include <condition_variable>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <regex>
+#include <set>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::MatchesRegex;
+
+class Sender : public CKXStatSender
+{
+public:
+    Sender() = default;
+    ~Sender() = default;
+    using CKXStatSender::ReadUserId;
+    using CKXStatSender::SaveUserId;
+};
+
+class Stats : public testing::Test
+{
+protected:
+    Stats() { KXHost::SetRegistryFile(dir.Path("registry.ini")); }
+    ~Stats() override { KXHost::SetRegistryFile(""); }
+
+    // The targets of the next requests that the server gets.
+    std::vector<std::string> Take(std::size_t nCount)
+    {
+        std::unique_lock lock(m_lock);
+        m_changed.wait(lock, [&] { return m_targets.size() >= nCount; });
+        return std::exchange(m_targets, {});
+    }
+    std::string Base() const { return server.Url("/stat"); }
+    // What a report begins with, with this sender's id.
+    std::string IdOf(Sender& sender)
+    {
+        sender.Initialize(Base().c_str(), "1");
+        sender.Report("id", 0);
+        std::smatch match;
+        const std::string target = Take(1).front();
+        EXPECT_TRUE(
+            std::regex_match(target, match, std::regex(R"(/stat\?userid=(.*)&ver=1&optype=id&optypeval=0)")))
+            << target;
+        return match[1];
+    }
+    void Store(DWORD type, std::string_view data)
+    {
+        HKEY key = nullptr;
+        RegCreateKeyExA(HKEY_CURRENT_USER, "Software\\norvale\\setup", 0, nullptr, 0, KEY_READ | KEY_WRITE,
+                        nullptr, &key, nullptr);
+        RegSetValueExA(key, "PCGUID", 0, type, reinterpret_cast<const BYTE*>(data.data()),
+                       static_cast<DWORD>(data.size()));
+        RegCloseKey(key);
+    }
+
+    test::TempDir dir;
+    std::mutex m_lock;
+    std::condition_variable m_changed;
+    std::vector<std::string> m_targets;
+    test::HttpServer server{[this](httplib::Server& http) {
+        http.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+            const std::lock_guard lock(m_lock);
+            if (request.path == "/stat") m_targets.push_back(request.target);
+            m_changed.notify_all();
+            response.set_content("thanks", "text/plain");
+            return httplib::Server::HandlerResponse::Handled;
+        });
+    }};
+};
+
+const std::string kHex = "^[0-9A-F]{32}$";
+
+TEST_F(Stats, ReportsInOrderWithTheCallersTextsAsTheyAre)
+{
+    Store(REG_SZ, std::string_view("me", 3));
+    Sender sender;
+    sender.Initialize(Base().c_str(), "2.6%20b");
+    sender.Report("abc", 3);
+    sender.UnInitialize();
+    Sender copy(sender);
+    copy.Report("\xD6\xD0&x=1", -2147483647 - 1);
+    copy = sender;
+    copy.Report("", 0);
+    EXPECT_THAT(Take(3), ElementsAre("/stat?userid=me&ver=2.6%20b&optype=abc&optypeval=3",
+                                     "/stat?userid=me&ver=2.6%20b&optype=\xD6\xD0&x=1&optypeval=-2147483648",
+                                     "/stat?userid=me&ver=2.6%20b&optype=&optypeval=0"));
+}
+
+TEST_F(Stats, TheIdIsMadeOnceAndKept)
+{
+    Sender first;
+    CString stored;
+    EXPECT_FALSE(first.ReadUserId(stored));
+    const std::string id = IdOf(first);
+    EXPECT_THAT(id, MatchesRegex(kHex));
+    EXPECT_TRUE(first.ReadUserId(stored));
+    EXPECT_EQ(stored, id.c_str());
+    Sender second;
+    EXPECT_EQ(IdOf(second), id);
+    KXHost::SetRegistryFile(dir.Path("another.ini"));
+    EXPECT_NE(IdOf(second), id);
+}
+
+TEST_F(Stats, AnIdThatIsNoneIsReplaced)
+{
+    const std::string longest(99, 'l');
+    const struct
+    {
+        DWORD type;
+        std::string data;
+        std::string id; // empty: a new one
+    } cases[] = {
+        {REG_SZ, std::string("xxxx\0", 5), "xxxx"},
+        {REG_EXPAND_SZ, std::string("any%20thing\0", 12), "any%20thing"},
+        {REG_SZ, longest + '\0', longest},
+        {REG_SZ, std::string("two\0ends\0", 9), "two"},
+        {REG_SZ, longest + std::string("l\0", 2), ""},
+        {REG_SZ, std::string("\0", 1), ""},
+        {REG_SZ, "", ""},
+        {REG_SZ, "no end", ""},
+        {REG_BINARY, std::string("bytes\0", 6), ""},
+        {REG_DWORD, std::string("\1\0\0\0", 4), ""},
+    };
+    for (const auto& c : cases) {
+        Store(c.type, c.data);
+        Sender sender;
+        const std::string id = IdOf(sender);
+        EXPECT_THAT(id, MatchesRegex(c.id.empty() ? kHex : "^" + c.id + "$"));
+        Sender next;
+        EXPECT_EQ(IdOf(next), id);
+    }
+}
+
+TEST_F(Stats, AnIdThatCannotBeKeptServesThisRun)
+{
+    KXHost::SetRegistryFile("/proc/none/registry.ini");
+    Sender sender;
+    EXPECT_FALSE(sender.SaveUserId("x"));
+    EXPECT_THAT(IdOf(sender), MatchesRegex(kHex));
+}
+
+// Each process reports with the id that it has made; the one that stays is one of theirs.
+TEST_F(Stats, ProcessesMayStartTogetherForTheFirstTime)
+{
+    constexpr std::size_t nChildren = 6;
+    const std::vector<std::string> env{"XDG_CONFIG_HOME=" + dir.Path("config")};
+    const auto start = [&] { return std::make_unique<test::Child>("StatChild", std::vector{Base()}, env); };
+    std::vector<std::unique_ptr<test::Child>> children;
+    for (std::size_t n = 0; n < nChildren; ++n)
+        children.push_back(start());
+    for (auto& child : children)
+        EXPECT_EQ(child->Wait(), 0);
+    const auto together = Take(nChildren);
+    for (const std::string& target : together)
+        EXPECT_THAT(target, MatchesRegex("^/stat\\?userid=[0-9A-F]{32}&ver=7&optype=start&optypeval=1$"));
+    for (int n = 0; n < 2; ++n) {
+        EXPECT_EQ(start()->Wait(), 0);
+        EXPECT_THAT(together, testing::Contains(Take(1).front()));
+    }
+}
+
+// Without Initialize there is no URL: the report fails, and what comes after it isn't sent.
+TEST_F(Stats, AReportBeforeInitializeIsAFailedTask)
+{
+    test::Child child("StatChild", {Base(), "early"});
+    EXPECT_EQ(child.Wait(), 0);
+    const std::lock_guard lock(m_lock);
+    EXPECT_THAT(m_targets, ElementsAre());
+}
+
+} // namespace

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "include/platform/Internet.h"
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace test {
+
+// What came of fetching a URL.
+struct Fetched
+{
+    std::optional<unsigned long> length; // as announced
+    std::string body;
+    DWORD error = 0; // of the exception that ended it
+    bool opened = false;
+};
+
+// Takes what a call throws and gives its error, 0 for nothing.
+template <class Call>
+DWORD ErrorOf(Call call)
+{
+    try {
+        call();
+        return 0;
+    } catch (CInternetException* exception) {
+        const DWORD error = exception->m_dwError;
+        exception->Delete();
+        return error;
+    }
+}
+
+inline std::unique_ptr<CHttpFile> Open(CInternetSession& session, const std::string& url)
+{
+    return std::unique_ptr<CHttpFile>(session.OpenURL(url.c_str(), 7));
+}
+
+inline void ReadAll(CHttpFile& file, std::string& body)
+{
+    std::array<char, 2048> block;
+    while (const UINT got = file.Read(block.data(), block.size()))
+        body.append(block.data(), got);
+}
+
+inline Fetched Fetch(CInternetSession& session, const std::string& url)
+{
+    Fetched result;
+    result.error = ErrorOf([&] {
+        const auto file = Open(session, url);
+        result.opened = true;
+        unsigned long length = 0;
+        if (file->QueryInfo(HTTP_QUERY_CONTENT_LENGTH, length)) result.length = length;
+        ReadAll(*file, result.body);
+    });
+    return result;
+}
+
+inline Fetched Fetch(const std::string& url)
+{
+    CInternetSession session;
+    return Fetch(session, url);
+}
+
+} // namespace test

@@ -1,0 +1,232 @@
+#include "include/platform/Host.h"
+#include "tests/platform/http/Fetch.h"
+#include "tests/support/Host.h"
+#include "tests/support/RawServer.h"
+
+#include <future>
+#include <gtest/gtest.h>
+#include <semaphore>
+
+namespace {
+
+using test::Fetch;
+using test::Peer;
+using test::RawServer;
+
+const std::string kOk = "HTTP/1.1 200 OK\r\n";
+
+// A server that sends a part of its answer and then nothing more.
+class SilentServer
+{
+public:
+    explicit SilentServer(std::string part)
+        : m_server([this, part](Peer& peer) {
+              peer.Request();
+              peer.Send(part);
+              m_sent.release();
+              peer.AwaitClose();
+          })
+    {
+    }
+    std::string Url() const { return m_server.Url(); }
+    void AwaitSent() { m_sent.acquire(); }
+
+private:
+    std::counting_semaphore<> m_sent{0};
+    RawServer m_server;
+};
+
+const std::vector<std::string> kSilences = {"", "HTTP/1.1 2", kOk + "Content-Length: 9\r\n\r\n",
+                                            kOk + "Content-Length: 9\r\n\r\nhello"};
+
+// Runs a fetch on another thread.
+std::future<test::Fetched> Begin(CInternetSession& session, const std::string& url)
+{
+    return std::async(std::launch::async, [&session, url] { return Fetch(session, url); });
+}
+
+TEST(Pull, OpensBeforeTheBodyIsThere)
+{
+    std::binary_semaphore go{0};
+    RawServer server([&](Peer& peer) {
+        peer.Request();
+        peer.Send(kOk + "Content-Length: 4\r\n\r\n");
+        for (const char* pszPiece : {"a", "bc", "d"}) {
+            go.acquire();
+            peer.Send(pszPiece);
+        }
+    });
+    CInternetSession session;
+    const auto file = test::Open(session, server.Url());
+    std::array<char, 2048> block;
+    for (const UINT size : {1u, 2u, 1u, 0u}) {
+        go.release();
+        EXPECT_EQ(file->Read(block.data(), block.size()), size);
+        EXPECT_EQ(file->Read(block.data(), 0), 0u);
+    }
+}
+
+TEST(Pull, ACancelWakesWhoWaits)
+{
+    for (const std::string& part : kSilences) {
+        SilentServer server(part);
+        CInternetSession session;
+        auto fetched = Begin(session, server.Url());
+        server.AwaitSent();
+        session.Cancel();
+        const auto result = fetched.get();
+        EXPECT_EQ(result.error, ERROR_INTERNET_OPERATION_CANCELLED) << part;
+        EXPECT_EQ(Fetch(session, server.Url()).error, ERROR_INTERNET_OPERATION_CANCELLED);
+    }
+}
+
+TEST(Pull, ACancelLeavesWhatHasArrived)
+{
+    SilentServer server(kSilences.back());
+    CInternetSession session;
+    const auto file = test::Open(session, server.Url());
+    std::array<char, 2048> block;
+    ASSERT_EQ(file->Read(block.data(), 2), 2u);
+    session.Cancel();
+    EXPECT_EQ(file->Read(block.data(), block.size()), 3u);
+    EXPECT_EQ(test::ErrorOf([&] { file->Read(block.data(), 1); }), ERROR_INTERNET_OPERATION_CANCELLED);
+}
+
+TEST(Pull, AServerThatIsSilentForAMinuteHasFailed)
+{
+    for (const std::string& part : kSilences) {
+        const test::VirtualClock clock;
+        SilentServer server(part);
+        CInternetSession session;
+        auto fetched = Begin(session, server.Url());
+        server.AwaitSent();
+        while (fetched.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready)
+            KXHost::AdvanceClock(20'000);
+        EXPECT_EQ(fetched.get().error, ERROR_INTERNET_TIMEOUT) << part;
+    }
+}
+
+TEST(Pull, ASlowReaderIsNotASilentServer)
+{
+    const test::VirtualClock clock;
+    std::string body;
+    RawServer server([&](Peer& peer) {
+        peer.Request();
+        peer.Send(kOk + "Content-Length: 5\r\n\r\n");
+        peer.Send("xxxxx");
+    });
+    CInternetSession session;
+    const auto file = test::Open(session, server.Url());
+    std::array<char, 1> byte;
+    while (file->Read(byte.data(), 1) == 1) {
+        body += byte[0];
+        KXHost::AdvanceClock(59'000);
+    }
+    EXPECT_EQ(body, "xxxxx");
+}
+
+TEST(Pull, ASessionThatClosesEndsItsFiles)
+{
+    RawServer server(RawServer::Answering(kOk + "Content-Length: 3\r\n\r\nabc"));
+    std::unique_ptr<CHttpFile> file;
+    std::array<char, 9> block;
+    unsigned long length = 5;
+    {
+        CInternetSession session;
+        file = test::Open(session, server.Url());
+        session.Close();
+        session.Close();
+        session.Cancel();
+        EXPECT_EQ(Fetch(session, server.Url()).error, ERROR_INTERNET_INCORRECT_HANDLE_STATE);
+    }
+    const auto read = [&] { file->Read(block.data(), 9); };
+    EXPECT_EQ(test::ErrorOf(read), ERROR_INTERNET_INCORRECT_HANDLE_STATE);
+    file->Close();
+    file->Close();
+    EXPECT_FALSE(file->QueryInfo(HTTP_QUERY_CONTENT_LENGTH, length));
+    EXPECT_EQ(test::ErrorOf(read), ERROR_INTERNET_INCORRECT_HANDLE_STATE);
+}
+
+// What is sent to a file that nobody reads stays with its server, also while another file moves on.
+TEST(Pull, HoldsNoMoreThanABlockAhead)
+{
+    constexpr std::size_t kPiece = 64 * 1024;
+    std::atomic<std::size_t> sent = 0;
+    RawServer endless([&](Peer& peer) {
+        peer.Request();
+        peer.Send(kOk + "\r\n");
+        while (peer.Send(std::string(kPiece, 'x')))
+            sent += kPiece;
+    });
+    const std::string body(96 << 20, 'y');
+    RawServer server([&](Peer& peer) {
+        peer.Request();
+        peer.Send(kOk + "\r\n");
+        peer.Send(body);
+    });
+    CInternetSession session;
+    const auto idle = test::Open(session, endless.Url());
+    EXPECT_EQ(Fetch(session, server.Url()).body.size(), body.size());
+    EXPECT_LT(sent, 16u << 20); // what the system's own buffers take
+    std::array<char, 2048> block;
+    const std::size_t before = sent;
+    for (std::size_t got = 0; got < 32u << 20;) // and it goes on where it stopped
+        got += idle->Read(block.data(), block.size());
+    EXPECT_GT(sent, before);
+}
+
+TEST(Pull, TwoFilesOfASessionAreReadInTurns)
+{
+    const std::string body = [] {
+        std::string text;
+        for (int n = 0; n < 100'000; ++n)
+            text += std::to_string(n);
+        return text;
+    }();
+    const std::string answer = kOk + "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
+    RawServer one(RawServer::Answering(answer));
+    RawServer other(RawServer::Answering(answer));
+    CInternetSession session;
+    const auto a = test::Open(session, one.Url());
+    const auto b = test::Open(session, other.Url());
+    std::string first;
+    std::string second;
+    std::array<char, 3000> block;
+    for (UINT n = 1; n > 0;) {
+        n = a->Read(block.data(), block.size());
+        first.append(block.data(), n);
+        const UINT m = b->Read(block.data(), 1000);
+        second.append(block.data(), m);
+    }
+    test::ReadAll(*b, second);
+    EXPECT_EQ(first, body);
+    EXPECT_EQ(second, body);
+}
+
+TEST(Pull, EndsAnAnswerOfEndlessHeaders)
+{
+    RawServer server([](Peer& peer) {
+        peer.Request();
+        peer.Send(kOk);
+        while (peer.Send("X-More: " + std::string(1000, 'x') + "\r\n")) {
+        }
+    });
+    RawServer interim([](Peer& peer) {
+        peer.Request();
+        while (peer.Send("HTTP/1.1 103 Wait\r\n\r\n")) {
+        }
+    });
+    EXPECT_EQ(Fetch(server.Url()).error, ERROR_HTTP_INVALID_SERVER_RESPONSE);
+    EXPECT_EQ(Fetch(interim.Url()).error, ERROR_HTTP_INVALID_SERVER_RESPONSE);
+}
+
+TEST(Pull, AConnectionThatBreaksOffIsAFailure)
+{
+    RawServer server([](Peer& peer) {
+        peer.Request();
+        peer.Reset();
+    });
+    EXPECT_EQ(Fetch(server.Url()).error, ERROR_INTERNET_CONNECTION_RESET);
+}
+
+} // namespace
