@@ -1,21 +1,22 @@
 #include "KXIniDataMgr.h"
 
 #include "KXNum.h"
+#include "files/NumberText.h"
 #include "platform/Error.h"
 #include "platform/Exception.h"
 #include "platform/Profile.h"
 
 #include <algorithm>
 #include <array>
-#include <cctype>
-#include <charconv>
 #include <climits>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <string_view>
 #include <vector>
+
+using kx::files::FixedText;
+using kx::files::ToDouble;
 
 namespace {
 
@@ -42,31 +43,6 @@ private:
 int ToInteger(const Text& text)
 {
     return static_cast<int>(std::clamp(std::strtol(text.Get(), nullptr, 10), long{INT_MIN}, long{INT_MAX}));
-}
-
-// As atof, but with a point in every locale. A text this short leaves the range of `double` by its exponent
-// only, whose sign then tells which way.
-double ToDouble(std::string_view text)
-{
-    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
-    const bool bNegative = text.starts_with('-');
-    if (bNegative || text.starts_with('+')) text.remove_prefix(1);
-    const bool bHex = text.starts_with("0x") || text.starts_with("0X");
-    const std::string_view digits = text.substr(bHex ? 2 : 0);
-    const auto isHex = [](char ch) { return std::isxdigit(static_cast<unsigned char>(ch)) != 0; };
-    const std::string_view first = digits.substr(digits.starts_with('.') ? 1 : 0, 1);
-    if (digits.starts_with('-') || (bHex && !std::all_of(first.begin(), first.end(), isHex))) return 0;
-
-    double value = 0;
-    const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value,
-                                        bHex ? std::chars_format::hex : std::chars_format::general);
-    if (result.ec == std::errc::result_out_of_range) {
-        const std::string_view number(digits.data(), result.ptr);
-        value = number.find('-') != number.npos ? 0 : HUGE_VAL;
-    } else if (result.ec != std::errc()) {
-        value = 0;
-    }
-    return bNegative ? -value : value;
 }
 
 bool ToBool(const Text& text)
@@ -207,16 +183,12 @@ int CKXIniDataMgr::WriteFloat(const char* pszFile, const char* pszSection, const
 
 int CKXIniDataMgr::WriteDouble(const char* pszFile, const char* pszSection, const char* pszKey, double dValue)
 {
-    // As "%f", but with a point in every locale.
-    std::array<char, kMaxText> text;
-    const auto result =
-        std::to_chars(text.data(), text.data() + text.size() - 1, dValue, std::chars_format::fixed, 6);
-    if (result.ec != std::errc()) {
+    const CString text = FixedText(dValue);
+    if (text.GetLength() >= static_cast<int>(kMaxText)) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
-    *result.ptr = '\0';
-    return WritePrivateProfileStringA(pszSection, pszKey, text.data(), pszFile);
+    return Write(pszFile, pszSection, pszKey, text);
 }
 
 int CKXIniDataMgr::WriteBoolean(const char* pszFile, const char* pszSection, const char* pszKey, bool bValue)

@@ -2,8 +2,11 @@
 
 #include "../KXExport.h"
 #include "String.h"
+#include "Types.h"
 
 #include <cstdint>
+
+inline constexpr DWORD LANG_USER_DEFAULT = 0x400;
 
 // A date and time of day without a zone: a count of days since 1899-12-30 with the time as its fraction
 // (of the absolute value, for days before that), and a status. Years 100 to 9999.
@@ -31,6 +34,12 @@ public:
     // Sets the value from six fields. Valid only if the day count made of them converts back to the very
     // same six; otherwise the count becomes 0 and the status invalid. Returns the status' number.
     int SetDateTime(int nYear, int nMonth, int nDay, int nHour, int nMin, int nSec);
+
+    // Sets the value from a text: a date ("2009-03-01", "2009/3/1", "3/1/2009"), a time of day of 1899-12-30
+    // ("12:34", "12:34:56", "1:02:03 PM"), or both with a blank or "T" between them and maybe a "Z" behind,
+    // which moves nothing. Non-zero on success; else the count becomes 0 and the status invalid. Flags and
+    // language are ignored.
+    int ParseDateTime(const char* pszText, DWORD dwFlags = 0, DWORD dwLanguage = LANG_USER_DEFAULT);
 
     DateTimeStatus GetStatus() const noexcept { return m_status; }
     void SetStatus(DateTimeStatus status) noexcept { m_status = status; }

@@ -3,6 +3,7 @@
 #include "include/platform/Module.h"
 #include "platform/time/BrokenTime.h"
 #include "platform/time/Clock.h"
+#include "platform/time/DateText.h"
 #include "platform/time/DayCount.h"
 
 #include <algorithm>
@@ -71,6 +72,15 @@ int COleDateTime::SetDateTime(int nYear, int nMonth, int nDay, int nHour, int nM
     m_dt = days.value_or(0);
     m_status = days ? valid : invalid;
     return m_status;
+}
+
+int COleDateTime::ParseDateTime(const char* pszText, DWORD, DWORD)
+{
+    const auto fields = kx::clock::ParseDateText(pszText ? std::string_view(pszText) : std::string_view());
+    const auto days = fields ? kx::clock::DaysFromFields(*fields) : std::nullopt;
+    m_dt = days.value_or(0);
+    m_status = days ? valid : invalid;
+    return days.has_value();
 }
 
 int COleDateTime::GetYear() const

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -93,6 +94,54 @@ TEST(OleDateTime, SaysWhatHasNoFields)
     value.SetStatus(COleDateTime::null);
     EXPECT_STREQ(value.Format(kStamp), "");
     EXPECT_EQ(Fields(value), kNoFields);
+}
+
+TEST(OleDateTime, ParsesTexts)
+{
+    const COleDateTime moment(2009, 3, 1, 12, 34, 56);
+    COleDateTime bad(0.0);
+    bad.SetStatus(COleDateTime::invalid);
+    const std::pair<const char*, COleDateTime> cases[] = {
+        {"2009-03-01 12:34:56", moment},
+        {"2009-03-01T12:34:56", moment},
+        {" 2009/3/1  12:34:56 ", moment},
+        {"3/1/2009 12:34:56 PM", moment},
+        {"2009-03-01T12:34:56Z", moment},
+        {"2009-03-01 12:34", COleDateTime(2009, 3, 1, 12, 34, 0)},
+        {"2009-03-01", COleDateTime(2009, 3, 1, 0, 0, 0)},
+        {"100-01-01 18:00:00", COleDateTime(100, 1, 1, 18, 0, 0)},
+        {"9999-12-31 23:59:59", COleDateTime(9999, 12, 31, 23, 59, 59)},
+        {"2008-02-29", COleDateTime(2008, 2, 29, 0, 0, 0)},
+        {"06:00", COleDateTime(0.25)},
+        {"12:00:00 am", COleDateTime(0.0)},
+        {"11:30pm", COleDateTime(1899, 12, 30, 23, 30, 0)},
+        {nullptr, bad},
+        {"", bad},
+        {"2009-02-29", bad},
+        {"2009-04-31", bad},
+        {"2009-13-01", bad},
+        {"2009-03-01 24:00:00", bad},
+        {"2009-03-01 12:34:60", bad},
+        {"2009-03-01 12", bad},
+        {"2009-03-01 12:34:56.5", bad},
+        {"2009-03-01 12:34:56 x", bad},
+        {"2009-03-01T", bad},
+        {"2009-03/01", bad},
+        {"09-03-01", bad},
+        {"20090301", bad},
+        {"2009-03-0000000001", bad},
+        {"99999999999999999999-01-01", bad},
+        {"13:00 pm", bad},
+        {"0:30 am", bad},
+        {"12:34Z", bad},
+        {"nonsense", bad},
+        {"\xC4\xE3\xBA\xC3", bad},
+    };
+    for (const auto& [text, value] : cases) {
+        COleDateTime parsed(1.5);
+        EXPECT_EQ(parsed.ParseDateTime(text) != 0, value != bad) << text;
+        EXPECT_EQ(parsed, value) << text;
+    }
 }
 
 TEST(OleDateTime, ReadsTheClock)

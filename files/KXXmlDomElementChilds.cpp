@@ -1,0 +1,206 @@
+#include "KXStrHelper.h"
+#include "KXXmlDomDocument.h"
+#include "files/NumberText.h"
+#include "files/WideText.h"
+
+#include <memory>
+
+using kx::files::FixedText;
+using kx::files::ScanNumber;
+using kx::files::ToDouble;
+using kx::xml::WideText;
+
+namespace {
+
+struct ReleaseList
+{
+    void operator()(IXMLDOMNodeList* pList) const noexcept { pList->Release(); }
+};
+using ListPtr = std::unique_ptr<IXMLDOMNodeList, ReleaseList>;
+
+// A node as an element, if it is one. Takes over the reference.
+CKXXmlDomElement AsElement(IXMLDOMNode* pNode)
+{
+    if (!pNode) return {};
+    void* pElement = nullptr;
+    pNode->QueryInterface(IID_IXMLDOMElement, &pElement);
+    pNode->Release();
+    auto* const pFound = static_cast<IXMLDOMElement*>(pElement);
+    CKXXmlDomElement element(pFound);
+    if (pFound) pFound->Release();
+    return element;
+}
+
+// The readers of numbers differ in whether an empty text is one.
+enum class Empty
+{
+    IsMissing,
+    IsText
+};
+
+template <class Value, class Read>
+int ReadChild(const CKXXmlDomElement& parent, const char* pszPath, Value& value, bool bRequired,
+              const Value& valueDefault, Empty empty, Read read)
+{
+    const CKXXmlDomElement child = parent.GetChild(pszPath);
+    if (!child.IsValid()) {
+        value = valueDefault;
+        return bRequired ? 0 : 1;
+    }
+    const CString strText = child.GetText();
+    if (empty == Empty::IsMissing && strText.IsEmpty()) {
+        value = valueDefault;
+        return 0;
+    }
+    read(strText, value);
+    return 1;
+}
+
+template <class Number>
+int ReadNumber(const CKXXmlDomElement& parent, const char* pszPath, Number& nValue, bool bRequired,
+               Number nDefault, Empty empty = Empty::IsMissing)
+{
+    return ReadChild(parent, pszPath, nValue, bRequired, nDefault, empty,
+                     [](const CString& strText, Number& n) { ScanNumber(strText.View(), n); });
+}
+
+// Both forms of ISO 8601; a "Z" ends the text.
+void ReadDateTime(CString strText, COleDateTime& tValue)
+{
+    strText.Replace('T', ' ');
+    strText.Replace('t', ' ');
+    for (const char chZone : {'Z', 'z'})
+        if (const int nZone = strText.Find(chZone); nZone >= 0) strText.Truncate(nZone);
+    tValue = CKXStrHelper::String2DateTime(strText);
+}
+
+} // namespace
+
+CKXXmlDomElement CKXXmlDomElement::GetChild(const char* pszPath) const
+{
+    if (!m_pElement) return {};
+    IXMLDOMNode* pNode = nullptr;
+    const HRESULT hr = m_pElement->selectSingleNode(WideText(pszPath), &pNode);
+    return hr == S_OK ? AsElement(pNode) : CKXXmlDomElement();
+}
+
+int CKXXmlDomElement::GetChild(const char* pszPath, CKXXmlDomElement& child) const
+{
+    child = GetChild(pszPath);
+    return child.IsValid();
+}
+
+std::vector<CKXXmlDomElement> CKXXmlDomElement::GetChilds(const char* pszPath) const
+{
+    std::vector<CKXXmlDomElement> childs;
+    if (!m_pElement) return childs;
+    IXMLDOMNodeList* pList = nullptr;
+    if (m_pElement->selectNodes(WideText(pszPath), &pList) != S_OK || !pList) return childs;
+    const ListPtr list(pList);
+    long nLength = 0;
+    pList->get_length(&nLength);
+    childs.reserve(static_cast<std::size_t>(nLength));
+    for (long n = 0; n < nLength; ++n) {
+        IXMLDOMNode* pNode = nullptr;
+        pList->item(n, &pNode);
+        childs.push_back(AsElement(pNode));
+    }
+    return childs;
+}
+
+int CKXXmlDomElement::GetChild(const char* pszPath, CString& strValue, bool bRequired) const
+{
+    return ReadChild(*this, pszPath, strValue, bRequired, CString(), Empty::IsText,
+                     [](const CString& strText, CString& str) { str = strText; });
+}
+
+int CKXXmlDomElement::GetChild(const char* pszPath, int& nValue, bool bRequired, int nDefault) const
+{
+    return ReadNumber(*this, pszPath, nValue, bRequired, nDefault);
+}
+
+int CKXXmlDomElement::GetChild(const char* pszPath, long& nValue, bool bRequired, long nDefault) const
+{
+    return ReadNumber(*this, pszPath, nValue, bRequired, nDefault);
+}
+
+int CKXXmlDomElement::GetChild(const char* pszPath, unsigned long& nValue, bool bRequired,
+                               unsigned long nDefault) const
+{
+    return ReadNumber(*this, pszPath, nValue, bRequired, nDefault);
+}
+
+int CKXXmlDomElement::GetChild(const char* pszPath, unsigned long long& nValue, bool bRequired,
+                               unsigned long long nDefault) const
+{
+    return ReadNumber(*this, pszPath, nValue, bRequired, nDefault, Empty::IsText);
+}
+
+int CKXXmlDomElement::GetChild(const char* pszPath, double& dValue, bool bRequired, double dDefault) const
+{
+    return ReadChild(*this, pszPath, dValue, bRequired, dDefault, Empty::IsMissing,
+                     [](const CString& strText, double& d) { d = ToDouble(strText.View()); });
+}
+
+int CKXXmlDomElement::GetChild(const char* pszPath, COleDateTime& tValue, bool bRequired,
+                               COleDateTime tDefault) const
+{
+    return ReadChild(*this, pszPath, tValue, bRequired, tDefault, Empty::IsText, ReadDateTime);
+}
+
+int CKXXmlDomElement::SetChild(const char* pszPath, const char* pszText)
+{
+    CKXXmlDomElement child = GetChild(pszPath);
+    if (!child.IsValid()) return 0;
+    child.SetText(pszText);
+    return 1;
+}
+
+void CKXXmlDomElement::AppendChild(CKXXmlDomDocument& doc, const char* pszName, const CString& strValue,
+                                   bool bForce)
+{
+    if (strValue.IsEmpty() && !bForce) return;
+    AppendChild(doc.CreateElement(pszName, strValue.IsEmpty() ? nullptr : strValue.GetString()));
+}
+
+void CKXXmlDomElement::AppendChild(CKXXmlDomDocument& doc, const char* pszName, long nValue, bool bForce,
+                                   long nDefault)
+{
+    if (nValue == nDefault && !bForce) return;
+    CString strText;
+    strText.Format("%ld", nValue);
+    AppendChild(doc.CreateElement(pszName, strText));
+}
+
+void CKXXmlDomElement::AppendChild(CKXXmlDomDocument& doc, const char* pszName, unsigned long nValue,
+                                   bool bForce, unsigned long nDefault)
+{
+    if (nValue == nDefault && !bForce) return;
+    CString strText;
+    strText.Format("%lu", nValue);
+    AppendChild(doc.CreateElement(pszName, strText));
+}
+
+void CKXXmlDomElement::AppendChild(CKXXmlDomDocument& doc, const char* pszName, int nValue, bool bForce,
+                                   int nDefault)
+{
+    AppendChild(doc, pszName, long{nValue}, bForce, long{nDefault});
+}
+
+void CKXXmlDomElement::AppendChild(CKXXmlDomDocument& doc, const char* pszName, unsigned long long nValue,
+                                   bool bForce, unsigned long long nDefault)
+{
+    AppendChild(doc, pszName, static_cast<long>(nValue), bForce, static_cast<long>(nDefault));
+}
+
+void CKXXmlDomElement::AppendChild(CKXXmlDomDocument& doc, const char* pszName, double dValue, bool bForce,
+                                   double dDefault)
+{
+    if (dValue == dDefault && !bForce) return;
+    AppendChild(doc.CreateElement(pszName, FixedText(dValue)));
+}
+
+void CKXXmlDomElement::AppendChild(CKXXmlDomDocument& doc, const char* pszName, COleDateTime& tValue, bool)
+{
+    AppendChild(doc.CreateElement(pszName, tValue.Format("%Y-%m-%d %H:%M:%S")));
+}

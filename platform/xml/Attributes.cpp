@@ -1,0 +1,96 @@
+#include "platform/xml/Attributes.h"
+
+#include "include/platform/Xml.h"
+#include "platform/xml/Names.h"
+#include "platform/xml/Namespaces.h"
+
+#include <libxml/valid.h>
+
+namespace kx::xml {
+
+namespace {
+
+xmlAttr* Find(const xmlNode* element, const std::string& name, int& nCount)
+{
+    nCount = 0;
+    for (xmlAttr* attribute = element->properties; attribute; attribute = attribute->next, ++nCount)
+        if (IsCalled(attribute->ns, attribute->name, name)) return attribute;
+    return nullptr;
+}
+
+std::string ValueOf(const xmlAttr* attribute)
+{
+    const xmlNode* const text = attribute->children;
+    if (!text) return {};
+    if (text->type == XML_TEXT_NODE && !text->next) return std::string(ViewOf(text->content));
+    const XmlText joined(xmlNodeListGetString(attribute->doc, text, 1));
+    return std::string(ViewOf(joined.get()));
+}
+
+HRESULT Declare(xmlNode* element, const std::string& prefix, const std::string& uri)
+{
+    if (prefix == "xml" || prefix == "xmlns" || (uri.empty() && !prefix.empty())) return E_INVALIDARG;
+    if (xmlNs* const ns = FindDeclaration(element, prefix)) {
+        xmlChar* const href = xmlStrdup(ToXml(uri.c_str()));
+        if (!href) return E_OUTOFMEMORY;
+        xmlFree(const_cast<xmlChar*>(ns->href));
+        ns->href = href;
+        return S_OK;
+    }
+    const xmlChar* const name = prefix.empty() ? nullptr : ToXml(prefix.c_str());
+    if (!xmlNewNs(element, ToXml(uri.c_str()), name)) return E_OUTOFMEMORY;
+    ResolvePrefixes(element);
+    return S_OK;
+}
+
+xmlAttr* Add(xmlNode* element, const std::string& name, const std::string& value)
+{
+    const QualifiedName parts(name);
+    xmlNs* const ns =
+        parts.prefix.empty() ? nullptr : xmlSearchNs(element->doc, element, ToXml(parts.prefix.c_str()));
+    const std::string& local = ns ? parts.local : name;
+    return xmlNewNsProp(element, ns, ToXml(local.c_str()), ToXml(value.c_str()));
+}
+
+// Nothing is looked up by its identity, and what isn't in that table can't be left behind in it.
+void ForgetId(xmlAttr* attribute)
+{
+    if (attribute->atype == XML_ATTRIBUTE_ID) xmlRemoveID(attribute->doc, attribute);
+}
+
+} // namespace
+
+std::optional<std::string> GetAttribute(const xmlNode* element, const std::string& name)
+{
+    if (const auto prefix = DeclaredPrefix(name)) {
+        const xmlNs* const ns = FindDeclaration(element, *prefix);
+        return ns ? std::optional<std::string>(ViewOf(ns->href)) : std::nullopt;
+    }
+    int nCount = 0;
+    const xmlAttr* const attribute = Find(element, name, nCount);
+    return attribute ? std::optional(ValueOf(attribute)) : std::nullopt;
+}
+
+HRESULT SetAttribute(xmlNode* element, const std::string& name, const std::string& value)
+{
+    if (!IsName(name) || value.size() > XML_MAX_ATTRIBUTE) return E_INVALIDARG;
+    if (const auto prefix = DeclaredPrefix(name)) return Declare(element, *prefix, value);
+    int nCount = 0;
+    if (xmlAttr* const attribute = Find(element, name, nCount)) return SetValue(attribute, value);
+    if (nCount >= XML_MAX_ATTRIBUTES) return E_INVALIDARG;
+    xmlAttr* const attribute = Add(element, name, value);
+    if (!attribute) return E_OUTOFMEMORY;
+    ForgetId(attribute);
+    return S_OK;
+}
+
+HRESULT SetValue(xmlAttr* attribute, const std::string& value)
+{
+    if (value.size() > XML_MAX_ATTRIBUTE) return E_INVALIDARG;
+    if (!xmlSetNsProp(attribute->parent, attribute->ns, attribute->name, ToXml(value.c_str())))
+        return E_OUTOFMEMORY;
+    ForgetId(attribute);
+    return S_OK;
+}
+
+} // namespace kx::xml

@@ -1,0 +1,129 @@
+#include "platform/xml/Change.h"
+
+#include "platform/xml/Attributes.h"
+#include "platform/xml/Namespaces.h"
+
+#include <algorithm>
+
+namespace kx::xml {
+
+namespace {
+
+using NodePtr = std::unique_ptr<xmlNode, FreeBy<xmlFreeNode>>;
+
+bool LiesIn(const xmlNode* node, const xmlNode* branch) noexcept
+{
+    while (node && node != branch)
+        node = node->parent;
+    return node;
+}
+
+// How many elements lie within each other, down to this one.
+int DepthOf(const xmlNode* node) noexcept
+{
+    int nDepth = 0;
+    for (; node && node->type == XML_ELEMENT_NODE; node = node->parent)
+        ++nDepth;
+    return nDepth;
+}
+
+int HeightOf(xmlNode* branch) noexcept
+{
+    int nHeight = 0;
+    int nAt = 1;
+    for (xmlNode* node = branch; node;) {
+        if (node->type == XML_ELEMENT_NODE) nHeight = std::max(nHeight, nAt);
+        xmlNode* const next = NextBelow(branch, node);
+        if (next && next->parent == node) {
+            ++nAt;
+        } else if (next) {
+            for (const xmlNode* up = node; up->parent != next->parent; up = up->parent)
+                --nAt;
+        }
+        node = next;
+    }
+    return nHeight;
+}
+
+// Takes an element out of its place, into another tree if need be.
+HRESULT Take(NodeObject& element, Tree& to)
+{
+    xmlNode* const node = element.Node();
+    if (node->doc == to.Doc()) {
+        xmlUnlinkNode(node);
+        return S_OK;
+    }
+    const Hush hush;
+    const int nResult = xmlDOMWrapAdoptNode(nullptr, node->doc, node, to.Doc(), nullptr, 0);
+    return nResult == 0 ? S_OK : E_OUTOFMEMORY;
+}
+
+void SettleIn(Tree& to, xmlNode* node)
+{
+    KeepNamespaces(node);
+    ResolvePrefixes(node);
+    NodeObject::Settle(to, node);
+}
+
+HRESULT PutElementText(Place place, const std::string& text)
+{
+    if (text.size() > XML_MAX_TEXT) return E_INVALIDARG;
+    NodePtr content(xmlNewDocTextLen(place.node->doc, ToXml(text.data()), static_cast<int>(text.size())));
+    if (!content) return E_OUTOFMEMORY;
+    while (xmlNode* const child = place.node->children) {
+        xmlUnlinkNode(child);
+        NodeObject::LetGo(*place.tree, child);
+    }
+    xmlAddChild(place.node, content.release());
+    return S_OK;
+}
+
+} // namespace
+
+HRESULT PutText(Place place, BSTR bstrText)
+{
+    if (!place.node) return E_FAIL;
+    switch (place.node->type) {
+    case XML_ELEMENT_NODE:
+        return PutElementText(place, ToXmlText(bstrText));
+    case XML_ATTRIBUTE_NODE:
+        return SetValue(reinterpret_cast<xmlAttr*>(place.node), ToXmlText(bstrText));
+    default:
+        return E_FAIL;
+    }
+}
+
+HRESULT AppendChild(Place place, IXMLDOMNode* pChild)
+{
+    const auto child = NodeObject::From(pChild);
+    if (!child || !child->IsElement()) return E_INVALIDARG;
+    if (place.node && place.node->type == XML_DOCUMENT_NODE)
+        return place.tree->Root() ? E_FAIL : SetRoot(*place.tree, *child);
+    if (!place.node || place.node->type != XML_ELEMENT_NODE) return E_FAIL;
+    xmlNode* const node = child->Node();
+    if (LiesIn(place.node, node) || DepthOf(place.node) + HeightOf(node) > XML_MAX_DEPTH) return E_INVALIDARG;
+
+    const Ref before(&child->GetTree()); // what the branch leaves behind lives until it has settled
+    const HRESULT hr = Take(*child, *place.tree);
+    if (FAILED(hr)) return hr;
+    xmlAddChild(place.node, node);
+    SettleIn(*place.tree, node);
+    return S_OK;
+}
+
+HRESULT SetRoot(Tree& tree, NodeObject& element)
+{
+    xmlNode* const node = element.Node();
+    if (node == tree.Root()) return S_OK;
+    if (HeightOf(node) > XML_MAX_DEPTH) return E_INVALIDARG;
+
+    const Ref before(&element.GetTree());
+    const HRESULT hr = Take(element, tree);
+    if (FAILED(hr)) return hr;
+    xmlNode* const old = xmlDocSetRootElement(tree.Doc(), node);
+    SettleIn(tree, node);
+    if (old) NodeObject::LetGo(tree, old);
+    return S_OK;
+}
+
+} // namespace kx::xml

@@ -1,0 +1,140 @@
+#include "platform/xml/NodeObject.h"
+
+#include "platform/SameGuid.h"
+#include "platform/xml/Attributes.h"
+#include "platform/xml/Namespaces.h"
+
+#include <new>
+
+namespace kx::xml {
+
+namespace {
+
+// Tells an object of this class from a client's own.
+constexpr GUID kOwnNode{0x9B1F6E04, 0x5C7A, 0x4B0D, {0x8E, 0x33, 0x61, 0xD2, 0x0F, 0xA4, 0x77, 0x5B}};
+
+NodeObject* ObjectOf(const xmlNode* node) noexcept
+{
+    return static_cast<NodeObject*>(node->_private);
+}
+
+xmlNode* TopOf(xmlNode* node) noexcept
+{
+    while (node->parent)
+        node = node->parent;
+    return node;
+}
+
+// Calls it for every object in the branch.
+template <class Use>
+void ForEachObject(xmlNode* branch, Use use)
+{
+    for (xmlNode* node = branch; node; node = NextBelow(branch, node)) {
+        if (node->_private) use(*ObjectOf(node));
+        if (node->type != XML_ELEMENT_NODE) continue;
+        for (xmlAttr* attribute = node->properties; attribute; attribute = attribute->next)
+            if (attribute->_private) use(*static_cast<NodeObject*>(attribute->_private));
+    }
+}
+
+bool HasObject(xmlNode* branch)
+{
+    bool bFound = false;
+    ForEachObject(branch, [&](NodeObject&) { bFound = true; });
+    return bFound;
+}
+
+} // namespace
+
+Ref<NodeObject> NodeObject::Of(Tree& tree, xmlNode* node)
+{
+    if (!node || node->type == XML_DOCUMENT_NODE) return Ref<NodeObject>::Adopt(new NodeObject(tree, node));
+    if (node->_private) return Ref(ObjectOf(node));
+    auto object = Ref<NodeObject>::Adopt(new NodeObject(tree, node));
+    node->_private = object.Get();
+    xmlNode* const top = TopOf(node);
+    if (top != node && top->type != XML_DOCUMENT_NODE) object->m_anchor = Of(tree, top);
+    return object;
+}
+
+Ref<NodeObject> NodeObject::From(IXMLDOMNode* pNode)
+{
+    void* pOwn = nullptr;
+    if (!pNode || FAILED(pNode->QueryInterface(kOwnNode, &pOwn))) return {};
+    return Ref<NodeObject>::Adopt(static_cast<NodeObject*>(pOwn));
+}
+
+NodeObject::~NodeObject()
+{
+    if (!m_node || m_node->type == XML_DOCUMENT_NODE) return;
+    m_node->_private = nullptr;
+    if (!m_node->parent) xmlFreeNode(m_node);
+}
+
+void NodeObject::Settle(Tree& tree, xmlNode* branch)
+{
+    xmlNode* const top = TopOf(branch);
+    const auto anchor = top->type == XML_DOCUMENT_NODE ? Ref<NodeObject>() : Of(tree, top);
+    ForEachObject(branch, [&](NodeObject& object) {
+        object.m_tree = Ref(&tree);
+        object.m_anchor = object.m_node == top ? Ref<NodeObject>() : anchor;
+    });
+}
+
+void NodeObject::LetGo(Tree& tree, xmlNode* branch)
+{
+    if (!HasObject(branch)) {
+        xmlFreeNode(branch);
+        return;
+    }
+    KeepNamespaces(branch);
+    const auto top = Of(tree, branch); // its end, unless an object in the branch becomes its holder
+    Settle(tree, branch);
+}
+
+HRESULT NodeObject::QueryInterface(const GUID& iid, void** ppObject)
+{
+    if (!ppObject) return E_POINTER;
+    *ppObject = nullptr;
+    if (SameGuid(iid, kOwnNode))
+        *ppObject = this;
+    else if (SameGuid(iid, IID_IUnknown) || SameGuid(iid, IID_IXMLDOMNode) ||
+             (IsElement() && SameGuid(iid, IID_IXMLDOMElement)))
+        *ppObject = static_cast<IXMLDOMElement*>(this);
+    else
+        return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+}
+
+HRESULT NodeObject::getAttribute(BSTR bstrName, VARIANT* pValue)
+{
+    return Guarded([&]() -> HRESULT {
+        if (!pValue) return E_POINTER;
+        VariantInit(pValue);
+        if (!IsElement()) return E_FAIL;
+        const auto value = GetAttribute(m_node, ToUtf8(bstrName));
+        pValue->vt = VT_NULL;
+        if (!value) return S_FALSE;
+        const BSTR bstr = ToBstr(*value);
+        if (!bstr) return E_OUTOFMEMORY;
+        pValue->vt = VT_BSTR;
+        pValue->bstrVal = bstr;
+        return S_OK;
+    });
+}
+
+HRESULT NodeObject::setAttribute(BSTR bstrName, VARIANT value)
+{
+    return Guarded([&]() -> HRESULT {
+        if (!IsElement()) return E_FAIL;
+        VARIANT text{};
+        const HRESULT hr = VariantChangeType(&text, &value, 0, VT_BSTR);
+        if (FAILED(hr)) return hr;
+        const HRESULT hrSet = SetAttribute(m_node, ToUtf8(bstrName), ToXmlText(text.bstrVal));
+        VariantClear(&text);
+        return hrSet;
+    });
+}
+
+} // namespace kx::xml

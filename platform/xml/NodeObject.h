@@ -1,0 +1,56 @@
+#pragma once
+
+#include "platform/xml/NodeMethods.h"
+
+namespace kx::xml {
+
+// A node's object, found by the node's `_private` for as long as it lives.
+//
+// A node that hangs in the document lives as long as its tree. A branch that doesn't lives as long as one of
+// its nodes has an object: its top then has one too, which the others in the branch hold a reference on
+// (their anchor), and whose end frees the branch.
+class NodeObject final : public NodeMethods<IXMLDOMElement>
+{
+public:
+    // The node's object, made unless it has one. Of no node (one that can't be kept) all operations fail.
+    static Ref<NodeObject> Of(Tree& tree, xmlNode* node);
+    // The object behind an interface pointer; null for null and for a client's own implementation.
+    static Ref<NodeObject> From(IXMLDOMNode* pNode);
+
+    NodeObject(const NodeObject&) = delete;
+    NodeObject& operator=(const NodeObject&) = delete;
+
+    Tree& GetTree() const noexcept { return *m_tree; }
+    xmlNode* Node() const noexcept { return m_node; }
+    bool IsElement() const noexcept { return m_node && m_node->type == XML_ELEMENT_NODE; }
+
+    // To be called for a branch after it was moved to a tree and place: its objects move along.
+    static void Settle(Tree& tree, xmlNode* branch);
+    // Frees a branch that was taken out of its place, or leaves it to the objects of its nodes.
+    static void LetGo(Tree& tree, xmlNode* branch);
+
+    HRESULT QueryInterface(const GUID& iid, void** ppObject) override;
+    ULONG AddRef() override { return ++m_nRefs; }
+    ULONG Release() override
+    {
+        const ULONG nRefs = --m_nRefs;
+        if (nRefs == 0) delete this;
+        return nRefs;
+    }
+    HRESULT getAttribute(BSTR bstrName, VARIANT* pValue) override;
+    HRESULT setAttribute(BSTR bstrName, VARIANT value) override;
+
+protected:
+    Place Here() const noexcept override { return {m_tree.Get(), m_node}; }
+
+private:
+    NodeObject(Tree& tree, xmlNode* node) noexcept : m_tree(&tree), m_node(node) {}
+    ~NodeObject();
+
+    ULONG m_nRefs = 1;
+    Ref<Tree> m_tree;
+    xmlNode* const m_node;
+    Ref<NodeObject> m_anchor;
+};
+
+} // namespace kx::xml

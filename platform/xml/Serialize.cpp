@@ -1,0 +1,80 @@
+#include "platform/xml/Serialize.h"
+
+#include <libxml/xmlsave.h>
+#include <new>
+
+namespace kx::xml {
+
+namespace {
+
+using Buffer = std::unique_ptr<xmlBuffer, FreeBy<xmlBufferFree>>;
+
+constexpr const char* kUtf8 = "UTF-8";
+
+// libxml2's marks in `standalone`.
+bool HasDeclaration(const xmlDoc* doc) noexcept
+{
+    return doc->standalone != -1;
+}
+
+std::string Declaration(const xmlDoc* doc, std::string_view encoding)
+{
+    if (!HasDeclaration(doc)) return {};
+    std::string text = R"(<?xml version=")";
+    text += doc->version ? ViewOf(doc->version) : "1.0";
+    if (!encoding.empty()) text.append(R"(" encoding=")").append(encoding);
+    if (doc->standalone >= 0) text.append(R"(" standalone=")").append(doc->standalone ? "yes" : "no");
+    return text + "\"?>\n";
+}
+
+// Non-ASCII characters as they are.
+void Append(std::string& text, xmlNode* node)
+{
+    const std::unique_ptr<xmlOutputBuffer, FreeBy<xmlOutputBufferClose>> out(xmlAllocOutputBuffer(nullptr));
+    if (!out) throw std::bad_alloc();
+    xmlNodeDumpOutput(out.get(), node->doc, node, 0, 0, kUtf8);
+    if (out->error != 0) throw std::bad_alloc();
+    text.append(ViewOf(xmlOutputBufferGetContent(out.get())).substr(0, xmlOutputBufferGetSize(out.get())));
+}
+
+std::string DocumentMarkup(xmlDoc* doc, std::string_view encoding)
+{
+    std::string text = Declaration(doc, encoding);
+    for (xmlNode* node = doc->children; node; node = node->next) {
+        Append(text, node);
+        if (node->next) text += '\n';
+    }
+    return text;
+}
+
+} // namespace
+
+std::string MarkupOf(xmlNode* node)
+{
+    const Hush hush;
+    if (node->type == XML_DOCUMENT_NODE) return DocumentMarkup(reinterpret_cast<xmlDoc*>(node), {});
+    std::string text;
+    Append(text, node);
+    if (node->type == XML_ATTRIBUTE_NODE) text.erase(0, text.find_first_not_of(' '));
+    return text;
+}
+
+std::optional<std::string> FileContentOf(xmlDoc* doc)
+{
+    const Hush hush;
+    const bool bOther =
+        HasDeclaration(doc) && doc->encoding && xmlStrcasecmp(doc->encoding, ToXml(kUtf8)) != 0;
+    if (!bOther) return DocumentMarkup(doc, kUtf8) + "\n";
+
+    const Buffer buffer(xmlBufferCreate());
+    if (!buffer) return std::nullopt;
+    xmlSaveCtxt* const saving =
+        xmlSaveToBuffer(buffer.get(), reinterpret_cast<const char*>(doc->encoding), XML_SAVE_AS_XML);
+    if (!saving) return std::nullopt;
+    const bool bWritten = xmlSaveDoc(saving, doc) >= 0;
+    if (xmlSaveClose(saving) < 0 || !bWritten) return std::nullopt;
+    return std::string(reinterpret_cast<const char*>(xmlBufferContent(buffer.get())),
+                       static_cast<std::size_t>(xmlBufferLength(buffer.get())));
+}
+
+} // namespace kx::xml

@@ -1,0 +1,93 @@
+#include "platform/xml/WideText.h"
+
+#include "include/platform/CodePage.h"
+#include "platform/text/Conversion.h"
+#include "platform/text/Iconv.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace kx::xml {
+
+namespace {
+
+using text::Iconv;
+
+std::u16string_view Units(BSTR bstr) noexcept
+{
+    return {bstr, SysStringLen(bstr)};
+}
+
+bool IsAscii(std::u16string_view units) noexcept
+{
+    WCHAR all = 0;
+    for (const WCHAR unit : units)
+        all |= unit;
+    return all < 0x80;
+}
+
+std::string FromUtf16(UINT nCodePage, std::u16string_view units)
+{
+    if (IsAscii(units)) return {units.begin(), units.end()};
+    const std::string_view bytes(reinterpret_cast<const char*>(units.data()), units.size() * sizeof(WCHAR));
+    return Iconv::For(nCodePage, Iconv::Direction::FromUtf16).ConvertLossy(bytes, "?", sizeof(WCHAR));
+}
+
+bool IsControl(char ch) noexcept
+{
+    return static_cast<unsigned char>(ch) < 0x20 && ch != '\t' && ch != '\n' && ch != '\r';
+}
+
+// U+FFFE and U+FFFF are no characters.
+void ReplaceNonCharacters(std::string& utf8)
+{
+    for (std::size_t at = 0; (at = utf8.find("\xEF\xBF", at)) != std::string::npos; ++at)
+        if (at + 2 < utf8.size() && static_cast<unsigned char>(utf8[at + 2]) >= 0xBE)
+            utf8.replace(at, 3, 1, '?');
+}
+
+} // namespace
+
+std::string ToUtf8(BSTR bstr)
+{
+    return FromUtf16(CP_UTF8, Units(bstr));
+}
+
+std::string ToXmlText(BSTR bstr)
+{
+    std::string utf8 = ToUtf8(bstr);
+    std::replace_if(utf8.begin(), utf8.end(), IsControl, '?');
+    ReplaceNonCharacters(utf8);
+    return utf8;
+}
+
+BSTR ToBstr(std::string_view utf8)
+{
+    if (text::IsAscii(utf8)) {
+        if (utf8.size() > MAX_BSTR_UNITS) return nullptr;
+        const BSTR bstr = SysAllocStringLen(nullptr, static_cast<UINT>(utf8.size()));
+        if (bstr) std::copy(utf8.begin(), utf8.end(), bstr);
+        return bstr;
+    }
+    const std::string wide =
+        Iconv::For(CP_UTF8, Iconv::Direction::ToUtf16).ConvertLossy(utf8, std::string_view("\xFD\xFF"));
+    const std::size_t nUnits = wide.size() / sizeof(WCHAR);
+    if (nUnits > MAX_BSTR_UNITS) return nullptr;
+    const BSTR bstr = SysAllocStringLen(nullptr, static_cast<UINT>(nUnits));
+    if (bstr) std::memcpy(bstr, wide.data(), wide.size());
+    return bstr;
+}
+
+HRESULT Deliver(std::string_view utf8, BSTR* pbstr)
+{
+    if (!pbstr) return E_POINTER;
+    *pbstr = ToBstr(utf8);
+    return *pbstr ? S_OK : E_OUTOFMEMORY;
+}
+
+std::string ToCodePage(BSTR bstr)
+{
+    return FromUtf16(GetACP(), Units(bstr));
+}
+
+} // namespace kx::xml

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/xml/Tree.h"
+
+#include "include/platform/Guid.h"
+
+#include <string>
+#include <vector>
+
+namespace kx::xml {
+
+// The nodes that an XPath expression selects from a node, in document order. Null stands for a namespace
+// node, which doesn't outlive the evaluation.
+HRESULT EvaluateXPath(Tree& tree, xmlNode* from, const std::string& expression, std::vector<xmlNode*>& found);
+
+} // namespace kx::xml

@@ -1,0 +1,260 @@
+#include "include/KXXmlDomDocument.h"
+
+#include "tests/support/Com.h"
+#include "tests/support/Host.h"
+#include "tests/support/TempDir.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+
+namespace {
+
+constexpr const char* kNiHao = "\xC4\xE3\xBA\xC3"; // two characters of code page 936
+const std::string kNiHaoUtf8 = "\xE4\xBD\xA0\xE5\xA5\xBD";
+
+class KXXmlDomDocument : public testing::Test
+{
+protected:
+    // Loads a file of these bytes.
+    bool Load(CKXXmlDomDocument& doc, std::string_view bytes) const
+    {
+        m_dir.Write("in.xml", bytes);
+        return doc.Load(m_dir.Win("in.xml"));
+    }
+    std::string Saved(CKXXmlDomDocument& doc) const
+    {
+        doc.Save(m_dir.Win("out.xml"));
+        return m_dir.Read("out.xml");
+    }
+
+    test::Com m_com;
+    test::TempDir m_dir;
+};
+
+// Every operation of a document that there is none of, and of the elements that it gives.
+TEST_F(KXXmlDomDocument, IsNullWithoutComOnItsThread)
+{
+    std::thread([&] {
+        CKXXmlDomDocument doc;
+        EXPECT_FALSE(Load(doc, "<a/>"));
+        EXPECT_FALSE(doc.LoadXml("<a/>"));
+        EXPECT_EQ(Saved(doc), "");
+        doc.SetText("x");
+        EXPECT_EQ(doc.GetXml(), "");
+        EXPECT_EQ(doc.GetText(), "");
+        EXPECT_FALSE(doc.GetDocumentElement().IsValid());
+        CKXXmlDomElement element = doc.CreateElement("a", "b");
+        EXPECT_FALSE(element.IsValid());
+        doc.SetDocumentElement(element);
+    }).join();
+    CKXXmlDomDocument doc;
+    EXPECT_TRUE(doc.LoadXml("<a/>"));
+}
+
+TEST_F(KXXmlDomDocument, LoadsWhatIsWellFormed)
+{
+    const struct
+    {
+        const char* pszXml;
+        const char* pszBack; // null where it is refused
+    } cases[] = {
+        {"<a/>", "<a/>"},
+        {"<a></a>", "<a/>"},
+        {"<?xml version='1.0'?><a>1</a>", "<?xml version=\"1.0\"?>\n<a>1</a>"},
+        {"<?xml version=\"1.0\" encoding=\"GB2312\" standalone='yes'?><a/>",
+         "<?xml version=\"1.0\" standalone=\"yes\"?>\n<a/>"},
+        {"<!-- c --><a>\n <b x='1'/>\n</a>", "<!-- c -->\n<a>\n <b x=\"1\"/>\n</a>"},
+        {"<a><![CDATA[<b>&]]>x<!--c--><?p i?></a>", "<a><![CDATA[<b>&]]>x<!--c--><?p i?></a>"},
+        {"<a xmlns='urn:d' xmlns:p='urn:p'><p:b p:c='1'/></a>",
+         "<a xmlns=\"urn:d\" xmlns:p=\"urn:p\"><p:b p:c=\"1\"/></a>"},
+        {"<a>\xC4\xE3&lt;&#x597D;</a>", "<a>\xC4\xE3&lt;\xBA\xC3</a>"},
+        {"<a>\r\n\t</a>", "<a>\n\t</a>"},
+        {"", nullptr},
+        {" ", nullptr},
+        {"text", nullptr},
+        {"<a>", nullptr},
+        {"<a></b>", nullptr},
+        {"<a/><b/>", nullptr},
+        {"<a b='1' b='2'/>", nullptr},
+        {"<a b=1/>", nullptr},
+        {"<a>&nbsp;</a>", nullptr},
+        {"<a>&#1;</a>", nullptr},
+        {"<a><!-- -- --></a>", nullptr},
+        {nullptr, nullptr},
+    };
+    for (const auto& one : cases) {
+        CKXXmlDomDocument doc;
+        EXPECT_TRUE(doc.LoadXml("<before/>"));
+        EXPECT_EQ(doc.LoadXml(one.pszXml), one.pszBack != nullptr) << one.pszXml;
+        EXPECT_STREQ(doc.GetXml(), one.pszBack ? one.pszBack : "") << one.pszXml;
+        EXPECT_STREQ(doc.GetText(), doc.GetXml());
+        EXPECT_EQ(doc.GetDocumentElement().IsValid(), one.pszBack != nullptr);
+    }
+}
+
+std::string Utf16(std::string_view ascii, bool bBigEndian, bool bMark)
+{
+    std::string text;
+    const auto add = [&](char high, char low) {
+        text += bBigEndian ? high : low;
+        text += bBigEndian ? low : high;
+    };
+    if (bMark) add('\xFE', '\xFF');
+    for (const char ch : ascii)
+        ch == '!' ? add('\x4F', '\x60') : add('\0', ch); // "!" stands for the first of kNiHao
+    return text;
+}
+
+TEST_F(KXXmlDomDocument, ReadsFilesInTheirEncodings)
+{
+    const std::string gbk = std::string("<w>") + kNiHao + "</w>";
+    const std::string utf8 = "<w>" + kNiHaoUtf8 + "</w>";
+    const std::string first = std::string(kNiHao).substr(0, 2);
+    const std::pair<std::string, std::string> cases[] = {
+        {utf8, kNiHao},
+        {"\xEF\xBB\xBF" + utf8, kNiHao},
+        {"<?xml version='1.0' encoding='utf-8'?>" + utf8, kNiHao},
+        {"<?xml version='1.0' encoding=\"GBK\"?>" + gbk, kNiHao},
+        {"<?xml version='1.0' encoding = 'gb2312' ?>" + gbk, kNiHao},
+        // A character of GBK that GB2312 lacks, as files with that name hold it.
+        {"<?xml version='1.0' encoding='gb2312'?><w>\x96\x7C</w>", "\x96\x7C"},
+        {Utf16("<w>!</w>", false, true), first},
+        {Utf16("<w>!</w>", true, true), first},
+        {Utf16("<?xml version='1.0' encoding='utf-16'?><w>!</w>", false, true), first},
+        {Utf16("<?xml version='1.0'?><w>!</w>", true, false), first},
+        {"<?xml version='1.0' encoding='iso-8859-1'?><w>\xE9</w>", "\xA8\xA6"},
+    };
+    for (const auto& [bytes, text] : cases) {
+        CKXXmlDomDocument doc;
+        EXPECT_TRUE(Load(doc, bytes)) << bytes;
+        EXPECT_STREQ(doc.GetDocumentElement().GetText(), text.c_str()) << bytes;
+        // What is saved reads the same.
+        EXPECT_TRUE(Load(doc, Saved(doc))) << bytes;
+        EXPECT_STREQ(doc.GetDocumentElement().GetText(), text.c_str()) << bytes;
+    }
+    for (const char* refused : {"<?xml version='1.0' encoding='no-such'?><w/>", "<w>\xFF</w>",
+                                "<w>\xC4\xE3</w>", "<?xml version='1.0' encoding='gbk'?><w>\x96\xFF</w>",
+                                "<?xml version='1.0' encoding='utf-16'?><w/>", "\xFE\xFF<w/>", ""}) {
+        CKXXmlDomDocument doc;
+        EXPECT_FALSE(Load(doc, refused)) << refused;
+    }
+}
+
+TEST_F(KXXmlDomDocument, SavesInItsEncoding)
+{
+    const std::string w = "<w>" + std::string(kNiHao) + "\x96\x7C</w>"; // the last one is not in GB2312
+    const std::string utf8 = "<w>" + kNiHaoUtf8 + "\xE6\x9D\xB1</w>";
+    const struct
+    {
+        const char* pszDeclaration;
+        std::string saved;
+    } cases[] = {
+        {"", utf8 + "\n"},
+        {"<?xml version='1.0'?>", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + utf8 + "\n"},
+        {"<?xml version='1.0' encoding='gbk'?>", "<?xml version=\"1.0\" encoding=\"gbk\"?>\n" + w + "\n"},
+        {"<?xml version='1.0' encoding='GB2312'?>",
+         "<?xml version=\"1.0\" encoding=\"GB2312\"?>\n<w>" + std::string(kNiHao) + "&#26481;</w>\n"},
+        {"<?xml version='1.0' encoding='nonsense'?>",
+         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + utf8 + "\n"},
+    };
+    CKXXmlDomDocument doc;
+    for (const auto& one : cases) {
+        ASSERT_TRUE(doc.LoadXml((one.pszDeclaration + w).c_str())) << one.pszDeclaration;
+        EXPECT_EQ(Saved(doc), one.saved) << one.pszDeclaration;
+        EXPECT_TRUE(doc.Load(m_dir.Win("out.xml")));
+        EXPECT_STREQ(doc.GetDocumentElement().GetXml(), w.c_str());
+    }
+}
+
+TEST_F(KXXmlDomDocument, TextFollowsTheCodePage)
+{
+    CKXXmlDomDocument doc;
+    {
+        const test::CodePage page(65001);
+        ASSERT_TRUE(doc.LoadXml(("<w a='" + kNiHaoUtf8 + "'>\xF0\x9F\x98\x80</w>").c_str()));
+        CKXXmlDomElement w = doc.GetDocumentElement();
+        EXPECT_EQ(w.GetAttributeString("a"), kNiHaoUtf8.c_str());
+        EXPECT_EQ(w.GetText(), "\xF0\x9F\x98\x80");
+        EXPECT_TRUE(doc.LoadXml("<w>\xFF</w>")); // bytes that are no text
+        EXPECT_EQ(doc.GetDocumentElement().GetText(), "\xEF\xBF\xBD");
+        w.SetText(kNiHaoUtf8.c_str());
+        EXPECT_TRUE(doc.LoadXml(w.GetXml()));
+    }
+    EXPECT_EQ(doc.GetDocumentElement().GetText(), kNiHao);
+}
+
+TEST_F(KXXmlDomDocument, SaveLeavesTheOldFileOrTheNew)
+{
+    CKXXmlDomDocument doc;
+    ASSERT_TRUE(doc.LoadXml("<new/>"));
+    m_dir.Write("a.xml", "old");
+    std::filesystem::permissions(m_dir.Path("a.xml"), std::filesystem::perms(0640));
+    std::filesystem::create_symlink("a.xml", m_dir.Path("link.xml"));
+    doc.Save(m_dir.Win("link.xml"));
+    EXPECT_EQ(m_dir.Read("a.xml"), "<new/>\n");
+    EXPECT_TRUE(std::filesystem::is_symlink(m_dir.Path("link.xml")));
+    EXPECT_EQ(std::filesystem::status(m_dir.Path("a.xml")).permissions(), std::filesystem::perms(0640));
+
+    m_dir.MakeDir("d");
+    for (const CString& strTo : {m_dir.Win("d"), m_dir.Win("none\\a.xml"), CString("?:\\x"), CString()})
+        doc.Save(strTo);
+    doc.Save(nullptr);
+    int nEntries = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(m_dir.Path()))
+        nEntries += entry.exists();
+    EXPECT_EQ(nEntries, 3); // nothing half-made is left
+
+    EXPECT_FALSE(doc.Load(nullptr));
+    EXPECT_EQ(doc.GetXml(), "");
+    for (const CString& strFrom : {m_dir.Win("d"), m_dir.Win("none.xml"), CString("http://127.0.0.1/a.xml")})
+        EXPECT_FALSE(doc.Load(strFrom));
+}
+
+TEST_F(KXXmlDomDocument, BuildsADocument)
+{
+    CKXXmlDomDocument doc;
+    EXPECT_EQ(doc.GetXml(), "");
+    CKXXmlDomElement root = doc.CreateElement("root", nullptr);
+    CKXXmlDomElement none;
+    EXPECT_EQ(root.GetXml(), "<root/>");
+    EXPECT_FALSE(doc.GetDocumentElement().IsValid());
+    doc.SetDocumentElement(root);
+    doc.SetDocumentElement(none);
+    doc.SetText("lost");
+    EXPECT_EQ(doc.GetXml(), "<root/>");
+    root.AppendChild(doc.CreateElement("e", ""));
+    root.AppendChild(doc.CreateElement("t", "a<b & \"c\"\r\n"));
+    root.AppendChild(doc.CreateElement(kNiHao, kNiHao));
+    root.AppendChild(doc.CreateElement("c", "\x01\x1F!"));
+    root.AppendChild(none);
+    EXPECT_STREQ(root.GetXml(), (std::string("<root><e></e><t>a&lt;b &amp; \"c\"&#13;\n</t><") + kNiHao +
+                                 ">" + kNiHao + "</" + kNiHao + "><c>?\?!</c></root>")
+                                    .c_str());
+    ASSERT_TRUE(doc.LoadXml(doc.GetXml()));
+    EXPECT_EQ(doc.GetDocumentElement().GetChild("t").GetText(), "a<b & \"c\"\r\n");
+
+    // Another root takes the place of the first, which goes on without it; a part of it too.
+    CKXXmlDomElement old = doc.GetDocumentElement();
+    CKXXmlDomElement part = old.GetChild("t");
+    doc.SetDocumentElement(part);
+    EXPECT_EQ(doc.GetDocumentElement().GetElementPtr(), part.GetElementPtr());
+    EXPECT_FALSE(old.GetChild("t").IsValid());
+    doc.SetDocumentElement(old);
+    EXPECT_EQ(doc.GetDocumentElement().GetName(), "root");
+    EXPECT_EQ(part.GetText(), "a<b & \"c\"\r\n");
+}
+
+TEST_F(KXXmlDomDocument, RefusesWhatIsNoName)
+{
+    CKXXmlDomDocument doc;
+    for (const char* name : {"", "1a", "a b", " a", "a ", "<a>", "-a", "a:", ":a", "a:b:c", "a&b", "\x01"})
+        EXPECT_FALSE(doc.CreateElement(name, "x").IsValid()) << name;
+    EXPECT_FALSE(doc.CreateElement(nullptr, "x").IsValid());
+    EXPECT_FALSE(doc.CreateElement(CString('a', 60000), nullptr).IsValid());
+    for (const char* name : {"a", "_a-1.b", "p:a", kNiHao})
+        EXPECT_EQ(doc.CreateElement(name, "x").GetName(), name);
+}
+
+} // namespace

@@ -1,0 +1,362 @@
+#include "include/KXXmlDomDocument.h"
+
+#include "include/platform/Host.h"
+#include "tests/support/Com.h"
+#include "tests/support/Host.h"
+#include "tests/support/TempDir.h"
+
+#include <gtest/gtest.h>
+#include <locale.h>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace {
+
+ULONG RefsOf(const CKXXmlDomElement& element)
+{
+    element.GetElementPtr()->AddRef();
+    return element.GetElementPtr()->Release();
+}
+
+class KXXmlDomElement : public testing::Test
+{
+protected:
+    CKXXmlDomElement Root(const std::string& xml)
+    {
+        EXPECT_TRUE(m_doc.LoadXml(xml.c_str())) << xml;
+        return m_doc.GetDocumentElement();
+    }
+
+    test::Com m_com;
+    CKXXmlDomDocument m_doc;
+};
+
+TEST_F(KXXmlDomElement, NoOperationOfAnInvalidOneDoesAnything)
+{
+    CKXXmlDomElement none;
+    CKXXmlDomElement child = m_doc.CreateElement("c", nullptr);
+    int n = 5;
+    CString str = "x";
+    const COleDateTime day(1.0);
+    EXPECT_FALSE(none.IsValid());
+    EXPECT_EQ(none.GetElementPtr(), nullptr);
+    EXPECT_EQ(none.GetName() + none.GetText() + none.GetXml(), "");
+    none.SetText("x");
+    none.AppendChild(child);
+    none.AppendChild(m_doc, "n", 1, true, 0);
+    none.SetAttributeString("a", "x");
+    none.SetAttributeInt32("a", 1);
+    EXPECT_EQ(none.GetAttributeString("a"), "");
+    EXPECT_EQ(none.GetAttributeInt32("a"), 0);
+    EXPECT_EQ(none.GetAttributeDouble("a", 2.5), 2.5);
+    EXPECT_EQ(none.GetAttributeDateTime("a", day), day);
+    EXPECT_FALSE(none.GetChild("a").IsValid());
+    EXPECT_EQ(none.GetChild("a", child), 0);
+    EXPECT_FALSE(child.IsValid());
+    EXPECT_TRUE(none.GetChilds("a").empty());
+    EXPECT_EQ(none.GetChild("a", n, true, 7), 0);
+    EXPECT_EQ(n, 7);
+    EXPECT_EQ(none.GetChild("a", str, false), 1);
+    EXPECT_EQ(str, "");
+    EXPECT_EQ(none.SetChild("a", "x"), 0);
+    EXPECT_FALSE(CKXXmlDomElement(none).IsValid());
+    EXPECT_FALSE(CKXXmlDomElement(nullptr).IsValid());
+}
+
+TEST_F(KXXmlDomElement, CopiesShareOneElementAndCountIt)
+{
+    CKXXmlDomElement root = Root("<a><b>1</b></a>");
+    EXPECT_EQ(RefsOf(root), 1u);
+    {
+        CKXXmlDomElement copy(root);
+        CKXXmlDomElement raw(root.GetElementPtr());
+        EXPECT_EQ(RefsOf(root), 3u);
+        copy.SetText("new");
+        EXPECT_EQ(root.GetText(), "new");
+        CKXXmlDomElement& same = copy;
+        copy = same;
+        EXPECT_TRUE(copy.IsValid());
+        EXPECT_EQ(RefsOf(root), 3u);
+        copy = CKXXmlDomElement();
+        EXPECT_FALSE(copy.IsValid());
+        EXPECT_EQ(RefsOf(root), 2u);
+        raw = m_doc.CreateElement("c", nullptr);
+        EXPECT_EQ(RefsOf(root), 1u);
+    }
+    root.AppendChild(m_doc.CreateElement("d", "x"));
+    EXPECT_EQ(RefsOf(root), 1u);
+    EXPECT_EQ(RefsOf(root.GetChild("d")), 1u);
+    EXPECT_EQ(root.GetChild("d").GetElementPtr(), root.GetChilds("d")[0].GetElementPtr());
+}
+
+TEST_F(KXXmlDomElement, OutlivesItsDocument)
+{
+    std::optional<CKXXmlDomDocument> doc(std::in_place);
+    ASSERT_TRUE(doc->LoadXml("<a xmlns:p='urn:p'><p:b><c>1</c></p:b></a>"));
+    CKXXmlDomElement b = doc->GetDocumentElement().GetChild("p:b");
+    CKXXmlDomElement made = doc->CreateElement("made", "2");
+    ASSERT_TRUE(doc->LoadXml("<other/>"));
+    doc.reset();
+    b.AppendChild(made);
+    made = CKXXmlDomElement();
+    EXPECT_EQ(b.GetXml(), "<p:b><c>1</c><made>2</made></p:b>");
+    EXPECT_EQ(b.GetChild("/a/p:b/made").GetText(), "2");
+}
+
+// What is taken out of its place stays whole for those who hold a part of it.
+TEST_F(KXXmlDomElement, PartsOutliveTheirPlace)
+{
+    CKXXmlDomElement root = Root("<a xmlns:p='urn:p'><b><p:c p:x='1'><d>1</d></p:c></b></a>");
+    CKXXmlDomElement c = root.GetChild("b/p:c");
+    CKXXmlDomElement d = c.GetChild("d");
+    root.SetText("");
+    EXPECT_EQ(root.GetXml(), "<a xmlns:p=\"urn:p\"></a>");
+    c = CKXXmlDomElement();
+    EXPECT_EQ(d.GetText(), "1");
+    CKXXmlDomElement up = d.GetChild("../..");
+    EXPECT_EQ(up.GetName(), "b");
+    EXPECT_STREQ(up.GetXml(), "<b><p:c xmlns:p=\"urn:p\" p:x=\"1\"><d>1</d></p:c></b>");
+    root = up;
+    up = CKXXmlDomElement();
+    EXPECT_EQ(root.GetChild("p:c/d").GetElementPtr(), d.GetElementPtr());
+}
+
+TEST_F(KXXmlDomElement, AppendMovesAndRefusesLoops)
+{
+    CKXXmlDomElement root = Root("<a><b><c/></b><d/></a>");
+    CKXXmlDomElement b = root.GetChild("b");
+    CKXXmlDomElement c = b.GetChild("c");
+    c.AppendChild(b);
+    c.AppendChild(root);
+    c.AppendChild(c);
+    EXPECT_EQ(root.GetXml(), "<a><b><c/></b><d/></a>");
+    root.AppendChild(b);
+    root.GetChild("d").AppendChild(c);
+    EXPECT_EQ(root.GetXml(), "<a><d><c/></d><b/></a>");
+
+    // From another document, that is gone afterwards, with what it had declared elsewhere.
+    CKXXmlDomElement moved;
+    {
+        CKXXmlDomDocument other;
+        ASSERT_TRUE(
+            other.LoadXml("<o xmlns:p='urn:p'><p:m p:a='1' xml:id='i'>text<![CDATA[d]]></p:m>rest</o>"));
+        moved = other.GetDocumentElement().GetChild("p:m");
+        c.AppendChild(moved);
+        EXPECT_EQ(other.GetXml(), "<o xmlns:p=\"urn:p\">rest</o>");
+    }
+    EXPECT_STREQ(c.GetXml(), "<c><p:m xmlns:p=\"urn:p\" p:a=\"1\" xml:id=\"i\">text<![CDATA[d]]></p:m></c>");
+    EXPECT_EQ(root.GetChild("d/c/p:m").GetElementPtr(), moved.GetElementPtr());
+}
+
+TEST_F(KXXmlDomElement, NestsNoDeeperThanItLoads)
+{
+    CKXXmlDomElement top = m_doc.CreateElement("e", "x");
+    for (int n = 0; n < 3 * XML_MAX_DEPTH; ++n) { // from the inside
+        CKXXmlDomElement outer = m_doc.CreateElement("e", nullptr);
+        outer.AppendChild(top);
+        if (!outer.GetChild("e").IsValid()) break;
+        top = outer;
+    }
+    m_doc.SetDocumentElement(top);
+    CKXXmlDomDocument again;
+    EXPECT_TRUE(again.LoadXml(m_doc.GetXml()));
+    int nDepth = 0;
+    for (CKXXmlDomElement at = again.GetDocumentElement(); at.IsValid(); at = at.GetChild("e"))
+        ++nDepth;
+    EXPECT_EQ(nDepth, XML_MAX_DEPTH);
+}
+
+TEST_F(KXXmlDomElement, ReadsAttributes)
+{
+    CKXXmlDomElement root = Root("<a xmlns='urn:d' xmlns:p='urn:p' p:q='5' s='a&lt;&#x4F60;' e='' h='\"'/>");
+    const std::pair<const char*, const char*> texts[] = {
+        {"s", "a<\xC4\xE3"}, {"e", ""}, {"h", "\""},        {"p:q", "5"},
+        {"none", ""},        {"q", ""}, {"xmlns", "urn:d"}, {"xmlns:p", "urn:p"},
+        {"xmlns:q", ""},     {"", ""},  {"S", ""},
+    };
+    for (const auto& [name, text] : texts)
+        EXPECT_STREQ(root.GetAttributeString(name), text) << name;
+    EXPECT_EQ(root.GetAttributeString(nullptr), "");
+
+    constexpr double kDefault = -7.5;
+    const struct
+    {
+        const char* pszText;
+        long nLong;
+        double dDouble;
+    } numbers[] = {
+        {"0", 0, 0},
+        {" 42 ", 42, 42},
+        {"+5", 5, 5},
+        {"-2147483648", -2147483648L, -2147483648.0},
+        {"2147483648", 0, 2147483648.0}, // beyond 32 bits
+        {"1.5", 2, 1.5},
+        {"2.5", 2, 2.5},
+        {"-1e3", -1000, -1000},
+        {"1e400", 0, kDefault},
+        {"abc", 0, kDefault},
+        {"12abc", 0, kDefault},
+        {"1,5", 0, kDefault},
+        {"", 0, kDefault},
+        {"-", 0, kDefault},
+        {"+-5", 0, kDefault},
+        {"nan", 0, kDefault},
+        {"inf", 0, kDefault},
+        {"0x10", 0, kDefault},
+        {"\xC4\xE3", 0, kDefault},
+    };
+    for (const auto& one : numbers) {
+        root.SetAttributeString("n", one.pszText);
+        EXPECT_EQ(root.GetAttributeInt32("n"), one.nLong) << one.pszText;
+        EXPECT_EQ(root.GetAttributeDouble("n", kDefault), one.dDouble) << one.pszText;
+    }
+    EXPECT_EQ(root.GetAttributeInt32("none"), 0);
+    EXPECT_EQ(root.GetAttributeDouble("none", kDefault), kDefault);
+}
+
+TEST_F(KXXmlDomElement, ReadsDatesInAttributes)
+{
+    const COleDateTime moment(2009, 3, 1, 12, 34, 56);
+    const COleDateTime day(2009, 3, 1, 0, 0, 0);
+    COleDateTime bad(0.0);
+    bad.SetStatus(COleDateTime::invalid);
+    COleDateTime null(4.5);
+    null.SetStatus(COleDateTime::null);
+    const std::pair<const char*, COleDateTime> cases[] = {
+        {"2009-03-01 12:34:56", moment},
+        {"2009-03-01T12:34:56", moment},
+        {"2009-03-01T12:34:56.123", moment},
+        {"2009-03-01 12:34:56.9", moment},
+        {"2009-03-01T12:34:56Z", moment},
+        {"2009-03-01T12:34:56.123Z", moment},
+        {"2009-03-01", day},
+        {"", null},
+        {"nonsense", bad},
+        {"T", bad},
+        {".", bad},
+        {"2009-02-30", bad},
+        {"2009-03-01 25:00:00", bad},
+        {"\xC4\xE3", bad},
+    };
+    CKXXmlDomElement root = Root("<a/>");
+    EXPECT_EQ(root.GetAttributeDateTime("d", null), null);
+    for (const auto& [text, value] : cases) {
+        root.SetAttributeString("d", text);
+        EXPECT_EQ(root.GetAttributeDateTime("d", null), value) << text;
+    }
+}
+
+TEST_F(KXXmlDomElement, WritesAttributes)
+{
+    CKXXmlDomElement root = Root("<a x='1' xmlns:p='urn:p' p:y='2'><p:b/></a>");
+    root.SetAttributeInt32("x", -5);
+    root.SetAttributeInt32("big", 5000000000);
+    root.SetAttributeString("p:y", "<\"&\n\x02");
+    root.SetAttributeString("u:z", nullptr);
+    for (const char* name : {"", "1", "a b", "xmlns:xml"})
+        root.SetAttributeString(name, "x");
+    root.SetAttributeString(nullptr, "x");
+    EXPECT_STREQ(root.GetXml(),
+                 "<a xmlns:p=\"urn:p\" x=\"-5\" p:y=\"&lt;&quot;&amp;&#10;?\" big=\"5000000000\" "
+                 "u:z=\"\"><p:b/></a>");
+    root.SetAttributeString("xmlns:p", "urn:q");
+    root.SetAttributeString("xmlns:r", "urn:r");
+    EXPECT_EQ(root.GetAttributeString("xmlns:p"), "urn:q");
+    EXPECT_TRUE(root.GetChild("p:b").IsValid());
+    // More than would be loaded again.
+    root.SetAttributeString("x", CString('x', (1 << 20) + 1));
+    EXPECT_EQ(root.GetAttributeString("x"), "-5");
+    root.SetAttributeString("x", CString('x', 1 << 20));
+    EXPECT_TRUE(m_doc.LoadXml(m_doc.GetXml()));
+    EXPECT_EQ(m_doc.GetDocumentElement().GetAttributeString("x").GetLength(), 1 << 20);
+}
+
+TEST_F(KXXmlDomElement, FindsByPattern)
+{
+    CKXXmlDomElement root =
+        Root("<r xmlns='urn:d' xmlns:p='urn:p'>\n<a i='1'>one</a><b><a i='2'>two<c/></a></b><a i='3'/>"
+             "<p:a i='4'/><q:a xmlns:q='urn:p' i='5'/><!--a--><deep xmlns:z='urn:z'><z:a i='6'/></deep></r>");
+    const struct
+    {
+        const char* pszPattern;
+        const char* pszFound; // the attributes `i` of all, "-" for what is no element
+    } cases[] = {
+        {"a", "13"},
+        {"b/a", "2"},
+        {"//a", "123"},
+        {"./a", "13"},
+        {"a[2]", "3"},
+        {"a[@i='3'] | a[1]", "13"},
+        {"a[last()]/preceding-sibling::a", "1"},
+        {"*/a", "2"},
+        {"p:a", "45"},
+        {"./p:a", "45"},
+        {"q:a", "5"},
+        {"deep/z:a", "6"},
+        {"a/@i", "--"},
+        {"a/text()", "-"},
+        {"comment()", "-"},
+        {"a/namespace::*", nullptr},
+        {"/", "-"},
+        {"/r/b/a", "2"},
+        {"A", ""},
+        {"none", ""},
+        {"b/none", ""},
+        {"x:a", ""},
+        {"./x:a", ""},
+        {"a[", ""},
+        {"count(a)", ""},
+        {"'text'", ""},
+        {"id('x')", ""},
+        {"$v", ""},
+        {"f()", ""},
+        {"", ""},
+        {"\x81", ""},
+    };
+    for (const auto& one : cases) {
+        std::string found;
+        const auto all = root.GetChilds(one.pszPattern);
+        for (CKXXmlDomElement element : all)
+            found += element.IsValid() ? element.GetAttributeString("i").GetString() : "-";
+        if (one.pszFound)
+            EXPECT_EQ(found, one.pszFound) << one.pszPattern;
+        else
+            EXPECT_EQ(found, std::string(all.size(), '-')) << one.pszPattern;
+        const CKXXmlDomElement first = root.GetChild(one.pszPattern);
+        EXPECT_EQ(first.GetElementPtr(), all.empty() ? nullptr : all[0].GetElementPtr()) << one.pszPattern;
+    }
+    EXPECT_FALSE(root.GetChild(nullptr).IsValid());
+    EXPECT_EQ(root.GetChild("b").GetText(), "two");
+    EXPECT_EQ(root.GetChild("b/a").GetChild("../..").GetElementPtr(), root.GetElementPtr());
+    // A prefix that is declared after the element was named.
+    root.AppendChild(m_doc.CreateElement("n:made", nullptr));
+    EXPECT_TRUE(root.GetChild("n:made").IsValid());
+    EXPECT_FALSE(root.GetChild("./n:made").IsValid());
+    root.SetAttributeString("xmlns:n", "urn:n");
+    EXPECT_TRUE(root.GetChild("./n:made").IsValid());
+    const std::string nested = std::string(2000, '(') + "a" + std::string(2000, ')');
+    EXPECT_FALSE(root.GetChild(nested.c_str()).IsValid());
+}
+
+TEST_F(KXXmlDomElement, LeavesNothingBehind)
+{
+    const int nBefore = KXHost::LiveHandles();
+    for (int nRound = 0; nRound < 1000; ++nRound) {
+        CKXXmlDomDocument doc;
+        ASSERT_TRUE(doc.LoadXml("<r><w i='1'><t>a</t></w><w i='2'>b</w>text</r>"));
+        CKXXmlDomElement root = doc.GetDocumentElement();
+        for (CKXXmlDomElement w : root.GetChilds("w | w/@i | //text()"))
+            if (w.IsValid()) w.GetChild("t").SetText(w.GetAttributeString("i"));
+        CKXXmlDomElement first = root.GetChild("w[1]");
+        doc.CreateElement("dropped", "x");
+        doc.SetDocumentElement(first);
+        root.AppendChild(doc, "n", nRound, true, 0);
+        doc.LoadXml(nRound % 2 ? "<bad>" : "<good/>");
+        EXPECT_EQ(KXHost::LiveHandles(), nBefore + 2); // the old tree and the new one
+        EXPECT_EQ(RefsOf(first), 1u);
+    }
+    EXPECT_EQ(KXHost::LiveHandles(), nBefore);
+}
+
+} // namespace

@@ -1,0 +1,233 @@
+#include "include/platform/Xml.h"
+
+#include "include/platform/Host.h"
+#include "tests/support/Com.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+// A text as an argument.
+class Arg
+{
+public:
+    Arg(const char16_t* psz) : m_bstr(SysAllocString(psz)) {}
+    Arg(const Arg&) = delete;
+    Arg& operator=(const Arg&) = delete;
+    ~Arg() { SysFreeString(m_bstr); }
+    operator BSTR() const { return m_bstr; }
+
+private:
+    BSTR m_bstr;
+};
+
+// Holds what an operation gives out.
+template <class Interface>
+class Out
+{
+public:
+    Out() = default;
+    Out(const Out&) = delete;
+    Out& operator=(const Out&) = delete;
+    ~Out() { Reset(); }
+    Interface** operator&()
+    {
+        Reset();
+        return &m_p;
+    }
+    Interface* operator->() const { return m_p; }
+    operator Interface*() const { return m_p; }
+
+private:
+    void Reset()
+    {
+        if (m_p) m_p->Release();
+        m_p = nullptr;
+    }
+
+    Interface* m_p = nullptr;
+};
+
+HRESULT Make(const GUID& iid, void** pp)
+{
+    return CoCreateInstance(CLSID_DOMDocument, nullptr, CLSCTX_ALL, iid, pp);
+}
+
+using Getter = HRESULT (IXMLDOMNode::*)(BSTR*);
+
+std::u16string Get(IXMLDOMNode* pNode, Getter get)
+{
+    BSTR bstr = nullptr;
+    if ((pNode->*get)(&bstr) != S_OK) return u"<failed>";
+    const std::u16string text(bstr, SysStringLen(bstr));
+    SysFreeString(bstr);
+    return text;
+}
+
+TEST(Com, IsReadyPerThreadAndCounted)
+{
+    void* p = &p;
+    EXPECT_EQ(Make(IID_IXMLDOMDocument, &p), CO_E_NOTINITIALIZED);
+    EXPECT_EQ(p, nullptr);
+    CoUninitialize();
+    EXPECT_EQ(CoInitialize(nullptr), S_OK);
+    EXPECT_EQ(CoInitialize(nullptr), S_FALSE);
+    CoUninitialize();
+    std::thread([&] { EXPECT_EQ(Make(IID_IXMLDOMDocument, &p), CO_E_NOTINITIALIZED); }).join();
+    Out<IXMLDOMDocument> doc;
+    EXPECT_EQ(Make(IID_IXMLDOMDocument, reinterpret_cast<void**>(&doc)), S_OK);
+    CoUninitialize();
+    EXPECT_EQ(Make(IID_IXMLDOMDocument, &p), CO_E_NOTINITIALIZED);
+    VARIANT_BOOL bDone = VARIANT_FALSE;
+    EXPECT_EQ(doc->loadXML(Arg(u"<a/>"), &bDone), S_OK);
+    EXPECT_EQ(bDone, VARIANT_TRUE);
+
+    const test::Com com;
+    EXPECT_EQ(Make(IID_IXMLDOMElement, &p), E_NOINTERFACE);
+    EXPECT_EQ(CoCreateInstance(IID_IUnknown, nullptr, CLSCTX_ALL, IID_IUnknown, &p), REGDB_E_CLASSNOTREG);
+    EXPECT_EQ(CoCreateInstance(CLSID_DOMDocument, nullptr, 4, IID_IUnknown, &p), REGDB_E_CLASSNOTREG);
+    EXPECT_EQ(CoCreateInstance(CLSID_DOMDocument, doc, CLSCTX_ALL, IID_IUnknown, &p), CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(Make(IID_IXMLDOMDocument, nullptr), E_POINTER);
+}
+
+class Dom : public testing::Test
+{
+protected:
+    Dom()
+    {
+        Make(IID_IXMLDOMDocument, reinterpret_cast<void**>(&m_doc));
+        VARIANT_BOOL bDone = VARIANT_FALSE;
+        m_doc->loadXML(Arg(u"<?p i?><!--c--><a k='v'>t<b/><![CDATA[d]]></a>"), &bDone);
+        m_doc->get_documentElement(&m_root);
+    }
+
+    // What a pattern finds, from the document.
+    HRESULT Find(const char16_t* pattern, Out<IXMLDOMNode>& node)
+    {
+        return m_doc->selectSingleNode(Arg(pattern), &node);
+    }
+
+    test::Com m_com;
+    Out<IXMLDOMDocument> m_doc;
+    Out<IXMLDOMElement> m_root;
+};
+
+TEST_F(Dom, TellsWhatANodeIs)
+{
+    const struct
+    {
+        const char16_t* pattern;
+        const char16_t* name;
+        const char16_t* text;
+        const char16_t* xml;
+        bool bElement;
+    } cases[] = {
+        {u"a", u"a", u"td", u"<a k=\"v\">t<b/><![CDATA[d]]></a>", true},
+        {u"a/@k", u"k", u"v", u"k=\"v\"", false},
+        {u"a/text()[1]", u"#text", u"t", u"t", false},
+        {u"a/text()[2]", u"#cdata-section", u"d", u"<![CDATA[d]]>", false},
+        {u"comment()", u"#comment", u"c", u"<!--c-->", false},
+        {u"processing-instruction()", u"p", u"i", u"<?p i?>", false},
+        {u"a/..", u"#document", u"td", u"<?p i?>\n<!--c-->\n<a k=\"v\">t<b/><![CDATA[d]]></a>", false},
+        {u"a/namespace::xml", u"<failed>", u"<failed>", u"<failed>", false},
+    };
+    for (const auto& one : cases) {
+        Out<IXMLDOMNode> node, again, child;
+        Out<IXMLDOMElement> element;
+        ASSERT_EQ(Find(one.pattern, node), S_OK);
+        EXPECT_EQ(Get(node, &IXMLDOMNode::get_nodeName), one.name);
+        EXPECT_EQ(Get(node, &IXMLDOMNode::get_text), one.text);
+        EXPECT_EQ(Get(node, &IXMLDOMNode::get_xml), one.xml);
+        EXPECT_EQ(node->QueryInterface(IID_IXMLDOMElement, reinterpret_cast<void**>(&element)),
+                  one.bElement ? S_OK : E_NOINTERFACE);
+        EXPECT_EQ(node->QueryInterface(IID_IXMLDOMNode, nullptr), E_POINTER);
+        EXPECT_EQ(m_root->appendChild(node, &child), E_INVALIDARG); // the root itself, or no element
+        EXPECT_FALSE(child);
+    }
+    EXPECT_EQ(m_doc->put_text(Arg(u"x")), E_FAIL);
+    Out<IXMLDOMNode> attribute;
+    ASSERT_EQ(Find(u"a/@k", attribute), S_OK);
+    EXPECT_EQ(attribute->put_text(Arg(u"new\x01\xFFFE")), S_OK);
+    EXPECT_EQ(attribute->appendChild(m_root, nullptr), E_FAIL);
+    EXPECT_EQ(Get(m_root, &IXMLDOMNode::get_xml), u"<a k=\"new??\">t<b/><![CDATA[d]]></a>");
+}
+
+TEST_F(Dom, TellsNothingFoundFromFailure)
+{
+    Out<IXMLDOMNode> node;
+    Out<IXMLDOMNodeList> list;
+    VARIANT value{};
+    EXPECT_EQ(Find(u"none", node), S_FALSE);
+    EXPECT_EQ(Find(u"//none", node), S_FALSE);
+    EXPECT_EQ(Find(u"a[", node), E_INVALIDARG);
+    EXPECT_EQ(Find(u"u:a/b", node), E_INVALIDARG);
+    EXPECT_EQ(Find(u"1+1", node), E_FAIL);
+    EXPECT_EQ(m_root->selectSingleNode(Arg(u"b"), nullptr), E_POINTER);
+    EXPECT_EQ(m_root->selectNodes(Arg(u"none"), &list), S_OK);
+    long nLength = -1;
+    EXPECT_EQ(list->get_length(&nLength), S_OK);
+    EXPECT_EQ(nLength, 0);
+    EXPECT_EQ(m_root->selectNodes(Arg(u"node()"), &list), S_OK);
+    EXPECT_EQ(list->get_length(&nLength), S_OK);
+    EXPECT_EQ(nLength, 3);
+    for (const long n : {-1L, 3L, 1L << 40}) {
+        EXPECT_EQ(list->item(n, &node), S_FALSE);
+        EXPECT_FALSE(node);
+    }
+    EXPECT_EQ(m_root->put_text(nullptr), S_OK); // the list's nodes are no longer in the document
+    EXPECT_EQ(list->item(2, &node), S_OK);
+    EXPECT_EQ(Get(node, &IXMLDOMNode::get_text), u"d");
+    EXPECT_EQ(m_root->getAttribute(Arg(u"none"), &value), S_FALSE);
+    EXPECT_EQ(value.vt, VT_NULL);
+    EXPECT_EQ(m_root->setAttribute(Arg(u"k"), value), DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(m_root->getAttribute(Arg(u"k"), nullptr), E_POINTER);
+    VARIANT_BOOL bDone = VARIANT_TRUE;
+    EXPECT_EQ(m_doc->load(value, &bDone), S_FALSE); // no path
+    EXPECT_EQ(bDone, VARIANT_FALSE);
+    EXPECT_EQ(m_doc->save(value), E_INVALIDARG);
+    Out<IXMLDOMElement> none;
+    EXPECT_EQ(m_doc->get_documentElement(&none), S_FALSE);
+    EXPECT_EQ(m_doc->createElement(Arg(u"1"), &none), E_INVALIDARG);
+}
+
+TEST_F(Dom, BoundsTheStepsOfAnExpression)
+{
+    VARIANT_BOOL bDone = VARIANT_FALSE;
+    std::u16string xml = u"<a>";
+    for (int n = 0; n < 300; ++n)
+        xml += u"<b/>";
+    ASSERT_EQ(m_doc->loadXML(Arg((xml + u"</a>").c_str()), &bDone), S_OK);
+    Out<IXMLDOMNode> node;
+    EXPECT_EQ(Find(u"//b[count(//b[count(//b[count(//b) > 0]) > 0]) > 0]", node), E_FAIL);
+    EXPECT_EQ(Find(u"//b[count(//b) > 0]", node), S_OK); // the next one has its own
+}
+
+// A document's node keeps what is replaced alive, and each thread has documents of its own.
+TEST(DomThreads, WorkOnTheirOwnDocuments)
+{
+    const int nBefore = KXHost::LiveHandles();
+    std::vector<std::thread> threads;
+    for (int nThread = 0; nThread < 4; ++nThread)
+        threads.emplace_back([] {
+            const test::Com com;
+            for (int nRound = 0; nRound < 100; ++nRound) {
+                Out<IXMLDOMDocument> doc;
+                Out<IXMLDOMElement> root;
+                Out<IXMLDOMNode> found;
+                VARIANT_BOOL bDone = VARIANT_FALSE;
+                ASSERT_EQ(Make(IID_IXMLDOMDocument, reinterpret_cast<void**>(&doc)), S_OK);
+                ASSERT_EQ(doc->loadXML(Arg(u"<a><b>\u4F60</b></a>"), &bDone), S_OK);
+                ASSERT_EQ(doc->get_documentElement(&root), S_OK);
+                ASSERT_EQ(root->selectSingleNode(Arg(u"./b"), &found), S_OK);
+                EXPECT_EQ(Get(found, &IXMLDOMNode::get_text), u"\u4F60");
+            }
+        });
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(KXHost::LiveHandles(), nBefore);
+}
+
+} // namespace

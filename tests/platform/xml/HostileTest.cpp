@@ -1,0 +1,172 @@
+#include "include/platform/Xml.h"
+
+#include "include/platform/Host.h"
+#include "tests/support/Com.h"
+#include "tests/support/TempDir.h"
+
+#include <chrono>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/resource.h>
+#include <vector>
+
+namespace {
+
+std::string Repeat(int nTimes, const std::string& text)
+{
+    std::string all;
+    for (int n = 0; n < nTimes; ++n)
+        all += text;
+    return all;
+}
+
+class HostileXml : public testing::Test
+{
+protected:
+    HostileXml() { CoCreateInstance(CLSID_DOMDocument, nullptr, CLSCTX_ALL, IID_IXMLDOMDocument, &m_pDoc); }
+    ~HostileXml() override { Doc()->Release(); }
+
+    IXMLDOMDocument* Doc() const { return static_cast<IXMLDOMDocument*>(m_pDoc); }
+
+    // Whether a file of these bytes is loaded; in any case soon and in little memory.
+    bool Loads(const std::string& bytes)
+    {
+        m_dir.Write("x.xml", bytes);
+        const CString strPath = m_dir.Win("x.xml");
+        std::u16string path(strPath.View().begin(), strPath.View().end());
+        VARIANT value{};
+        value.vt = VT_BSTR;
+        value.bstrVal = SysAllocString(path.c_str());
+        const auto start = std::chrono::steady_clock::now();
+        VARIANT_BOOL bDone = VARIANT_FALSE;
+        const HRESULT hr = Doc()->load(value, &bDone);
+        EXPECT_EQ(hr, bDone ? S_OK : S_FALSE);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+        VariantClear(&value);
+        rusage usage{};
+        getrusage(RUSAGE_SELF, &usage);
+        EXPECT_LT(usage.ru_maxrss, 1 << 20); // KiB
+        return bDone != VARIANT_FALSE;
+    }
+    std::u16string Text() const
+    {
+        BSTR bstr = nullptr;
+        Doc()->get_text(&bstr);
+        const std::u16string text(bstr, SysStringLen(bstr));
+        SysFreeString(bstr);
+        return text;
+    }
+
+    test::Com m_com;
+    test::TempDir m_dir;
+    void* m_pDoc = nullptr;
+};
+
+TEST_F(HostileXml, NothingOutsideIsFetched)
+{
+    m_dir.Write("secret.txt", "secret");
+    m_dir.Write("x.dtd", "<!ENTITY e 'secret'>");
+    const std::string file = "file://" + m_dir.Path("secret.txt");
+    for (const std::string& doctype : std::vector<std::string>{
+             "<!DOCTYPE a SYSTEM 'x.dtd'>",
+             "<!DOCTYPE a PUBLIC '-//X//Y' 'http://127.0.0.1:1/x.dtd'>",
+             "<!DOCTYPE a [<!ENTITY e SYSTEM 'secret.txt'>]>",
+             "<!DOCTYPE a [<!ENTITY e SYSTEM '" + file + "'>]>",
+             "<!DOCTYPE a [<!ENTITY % p SYSTEM 'x.dtd'> %p;]>",
+             "<!DOCTYPE a [<!ENTITY e PUBLIC 'x' 'http://127.0.0.1:1/'>]>",
+             "<!DOCTYPE a [<!ENTITY u SYSTEM 'x' NDATA n>]>",
+         })
+        for (const char* pszRest : {"<a>&e;</a>", "<a b='&e;'/>", "<a/>"})
+            EXPECT_FALSE(Loads(doctype + pszRest)) << doctype;
+    EXPECT_TRUE(Loads("<a xmlns:xi='http://www.w3.org/2001/XInclude'><xi:include href='secret.txt' "
+                      "parse='text'/></a>"));
+    EXPECT_EQ(Text(), u"");
+}
+
+TEST_F(HostileXml, EntitiesOfItsOwnAreText)
+{
+    EXPECT_TRUE(Loads("<!DOCTYPE a [<!ENTITY x 'A &amp; &#66;'><!ENTITY y '[&x;]'><!ELEMENT a ANY>"
+                      "<!ATTLIST a d CDATA 'def'>]><a b='&y;'>&y;<c>&x;</c></a>"));
+    EXPECT_EQ(Text(), u"[A & B]A & B");
+    VARIANT value{};
+    BSTR name = SysAllocString(u"b");
+    IXMLDOMElement* pRoot = nullptr;
+    Doc()->get_documentElement(&pRoot);
+    EXPECT_EQ(pRoot->getAttribute(name, &value), S_OK);
+    EXPECT_EQ(std::u16string(value.bstrVal), u"[A & B]");
+    pRoot->Release();
+    SysFreeString(name);
+    VariantClear(&value);
+}
+
+TEST_F(HostileXml, EntitiesDontMultiply)
+{
+    std::string laughs = "<!DOCTYPE a [<!ENTITY e0 'ha'>";
+    for (int n = 1; n < 10; ++n)
+        laughs +=
+            "<!ENTITY e" + std::to_string(n) + " '" + Repeat(10, "&e" + std::to_string(n - 1) + ";") + "'>";
+    EXPECT_FALSE(Loads(laughs + "]><a>&e9;</a>"));
+    EXPECT_FALSE(Loads(laughs + "]><a b='&e9;'/>"));
+    const std::string big = "<!DOCTYPE a [<!ENTITY e '" + Repeat(1000, "<b/>") + "'>]><a>";
+    EXPECT_TRUE(Loads(big + Repeat(10, "&e;") + "</a>"));
+    EXPECT_FALSE(Loads(big + Repeat(100'000, "&e;") + "</a>"));
+    for (const char* pszLoop : {"<!ENTITY a '&b;'><!ENTITY b '&a;'>", "<!ENTITY a '&a;'>",
+                                "<!ENTITY % p '&#37;p;'> %p;", "<!ENTITY % p '<!ENTITY a \"x\">'> %p; %p;"})
+        Loads(std::string("<!DOCTYPE a [") + pszLoop + "]><a>&a;</a>"); // the last one may be taken
+    std::string parameters = "<!DOCTYPE a [<!ENTITY % e0 ''>";
+    for (int n = 1; n < 10; ++n)
+        parameters += "<!ENTITY % e" + std::to_string(n) + " '" +
+                      Repeat(100, "&#37;e" + std::to_string(n - 1) + ";") + "'>";
+    EXPECT_FALSE(Loads(parameters + "%e9;]><a/>"));
+    // One name for two kinds of entities.
+    EXPECT_FALSE(Loads("<!DOCTYPE a [<!ENTITY % e 'x'><!ENTITY e '" + std::string(4000, 'x') + "'>]><a>" +
+                       Repeat(100'000, "&e;") + "</a>"));
+    std::string defaults = "<!DOCTYPE a [";
+    for (int n = 0; n < 900; ++n)
+        defaults += "<!ATTLIST b x" + std::to_string(n) + " CDATA '1'>";
+    EXPECT_TRUE(Loads(defaults + "]><a><b/></a>"));
+    EXPECT_FALSE(Loads(defaults + "]><a>" + Repeat(100'000, "<b/>") + "</a>"));
+    EXPECT_FALSE(Loads("<!DOCTYPE a [<!ATTLIST b x CDATA '" + std::string(500'000, 'x') + "'>]><a>" +
+                       Repeat(100'000, "<b/>") + "</a>"));
+}
+
+TEST_F(HostileXml, ShapesAreBounded)
+{
+    EXPECT_FALSE(Loads(Repeat(1'000'000, "<a>")));
+    EXPECT_FALSE(Loads(Repeat(1'000'000, "<a>") + Repeat(1'000'000, "</a>")));
+    EXPECT_TRUE(Loads(Repeat(XML_MAX_DEPTH, "<a>") + Repeat(XML_MAX_DEPTH, "</a>")));
+    EXPECT_FALSE(Loads(Repeat(XML_MAX_DEPTH + 1, "<a>") + Repeat(XML_MAX_DEPTH + 1, "</a>")));
+    EXPECT_TRUE(Loads("<a b='" + std::string(XML_MAX_ATTRIBUTE, 'x') + "'/>"));
+    for (const int nMegabytes : {2, 12, 50})
+        EXPECT_FALSE(Loads("<a b='" + std::string(static_cast<std::size_t>(nMegabytes) << 20, 'x') + "'/>"));
+    const auto attributes = [](int nCount, const char* pszPrefix) {
+        std::string xml = "<a";
+        for (int n = 0; n < nCount; ++n)
+            xml += std::string(" ") + pszPrefix + std::to_string(n) + "='x'";
+        return xml + "/>";
+    };
+    EXPECT_TRUE(Loads(attributes(XML_MAX_ATTRIBUTES, "b")));
+    EXPECT_FALSE(Loads(attributes(XML_MAX_ATTRIBUTES + 1, "b")));
+    EXPECT_FALSE(Loads(attributes(1'000'000, "b")));
+    EXPECT_FALSE(Loads(attributes(1'000'000, "xmlns:p")));
+    EXPECT_FALSE(Loads("<" + std::string(2'000'000, 'a') + "/>"));
+    EXPECT_TRUE(Loads("<a>" + std::string(XML_MAX_TEXT, 'x') + "</a>"));
+    EXPECT_FALSE(Loads("<a>" + std::string(XML_MAX_TEXT + 100'000, 'x') + "</a>"));
+    EXPECT_FALSE(Loads("<a><![CDATA[" + std::string(12 << 20, 'x') + "]]></a>"));
+    EXPECT_FALSE(Loads("<a><!--" + std::string(12 << 20, 'x') + "--></a>"));
+    EXPECT_TRUE(Loads("<a>" + Repeat(500'000, "<b/>") + "</a>"));
+}
+
+TEST_F(HostileXml, BrokenBytesAreRefused)
+{
+    for (const char* pszBytes :
+         {"<a>\xFF</a>", "<a>\xC3</a>", "<a>\xED\xA0\x80</a>", "<a>\xF4\x90\x80\x80</a>", "<a>\xC0\x80</a>",
+          "<a b='\x80'/>", "<\xFF/>", "<a>\xEF\xBF\xBF</a>"})
+        EXPECT_FALSE(Loads(pszBytes)) << pszBytes;
+    EXPECT_FALSE(Loads(std::string("<a>\0</a>", 8)));
+    EXPECT_FALSE(Loads(std::string("\xFF\xFE<\0a\0/\0>", 9)));
+    EXPECT_FALSE(Loads(std::string("\xFF\xFE<\0a\0>\0\x00\xD8<\0/\0a\0>\0", 18)));
+    EXPECT_FALSE(Loads(Repeat(1'000'000, "\xFF\xFE")));
+}
+
+} // namespace
