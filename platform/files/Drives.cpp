@@ -35,6 +35,15 @@ public:
         return system;
     }
 
+    std::optional<std::size_t> Peek(std::size_t index, std::span<char> buffer) noexcept
+    {
+        const std::unique_lock lock(m_lock, std::try_to_lock);
+        if (!lock) return std::nullopt;
+        if (m_drives[index]) return CopyRoot(*m_drives[index], buffer);
+        if (index == IndexOf('C')) return 0;
+        return PeekSystemRoot(index, buffer);
+    }
+
     Letters Taken()
     {
         const std::lock_guard lock(m_lock);
@@ -70,6 +79,19 @@ std::optional<Drive> Find(char letter, bool bLook)
     if (index == kLetters) return std::nullopt;
     if (auto drive = TheHost().Find(index)) return drive;
     return FindSystemDrive(index, TheHost().Taken(), bLook ? Look::Again : Look::AtMounts);
+}
+
+std::optional<std::size_t> PeekRoot(char letter, std::span<char> buffer) noexcept
+{
+    const std::size_t index = IndexOf(letter);
+    if (index == kLetters) return std::nullopt;
+    return TheHost().Peek(index, buffer);
+}
+
+std::optional<std::size_t> CopyRoot(const Drive& drive, std::span<char> buffer) noexcept
+{
+    if (!drive.root || drive.root->size() > buffer.size()) return std::nullopt;
+    return drive.root->copy(buffer.data(), buffer.size());
 }
 
 std::optional<Drive> Holding(std::string_view systemPath)

@@ -2,7 +2,9 @@
 
 #include "include/platform/Host.h"
 
+#include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -30,6 +32,12 @@ std::optional<Drive> Find(char letter, bool bLook = false);
 
 // The drive whose root holds an absolute Linux path: the longest root, then the lowest letter from `C` on.
 std::optional<Drive> Holding(std::string_view systemPath);
+
+// A drive's root without heap or waiting, for a process that has crashed: the length of what is written to
+// the buffer; nothing where there is none, where it doesn't fit, and where a lock is held. A drive of the
+// system's is where it was at the last look.
+std::optional<std::size_t> PeekRoot(char letter, std::span<char> buffer) noexcept;
+std::optional<std::size_t> CopyRoot(const Drive& drive, std::span<char> buffer) noexcept;
 
 // Changes whenever a letter's drive or root does.
 unsigned Generation() noexcept;

@@ -44,6 +44,13 @@ public:
         return m_drives[letter];
     }
 
+    std::optional<std::size_t> Peek(std::size_t letter, std::span<char> buffer) noexcept
+    {
+        const std::unique_lock lock(m_lock, std::try_to_lock);
+        if (!lock || !m_drives[letter]) return std::nullopt;
+        return CopyRoot(*m_drives[letter], buffer);
+    }
+
     std::vector<Drive> All(const Letters& taken)
     {
         const std::lock_guard lock(m_lock);
@@ -160,6 +167,11 @@ std::optional<Drive> FindSystemDrive(std::size_t letter, const Letters& taken, L
 std::vector<Drive> AllSystemDrives(const Letters& taken)
 {
     return TheDrives().All(taken);
+}
+
+std::optional<std::size_t> PeekSystemRoot(std::size_t letter, std::span<char> buffer) noexcept
+{
+    return TheDrives().Peek(letter, buffer);
 }
 
 std::string SystemRoot()

@@ -25,6 +25,9 @@ enum class Look
 std::optional<Drive> FindSystemDrive(std::size_t letter, const Letters& taken, Look look);
 std::vector<Drive> AllSystemDrives(const Letters& taken);
 
+// The root at the last look, without heap or waiting, as PeekRoot tells.
+std::optional<std::size_t> PeekSystemRoot(std::size_t letter, std::span<char> buffer) noexcept;
+
 // The directory that holds `proc`, `sys` and `dev`; empty for the system's root.
 std::string SystemRoot();
 

@@ -1,6 +1,7 @@
 #include "include/platform/Sync.h"
 
 #include "platform/Errno.h"
+#include "platform/sync/AlternateStack.h"
 #include "platform/sync/Signal.h"
 #include "platform/sync/Waitable.h"
 
@@ -82,6 +83,7 @@ void* Thread::Main(void* pThread)
     running.thread = std::move(self->m_running);
     self->m_id.store(GetCurrentThreadId(), std::memory_order_release);
     kx::sync::FutexWake(self->m_id);
+    const kx::sync::AlternateStack alternate;
     self->m_pfnStart(self->m_pArg);
     return nullptr;
 }

@@ -1,0 +1,125 @@
+#include "platform/crash/Process.h"
+
+#include "include/platform/Crash.h"
+#include "platform/Errno.h"
+#include "platform/Immortal.h"
+#include "platform/UniqueFd.h"
+#include "platform/crash/Filtering.h"
+#include "platform/crash/Orphans.h"
+
+#include <algorithm>
+#include <array>
+#include <poll.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+
+namespace kx::crash {
+
+namespace {
+
+struct Reserve
+{
+    std::array<std::shared_ptr<Process>, 4> processes;
+    std::size_t next = 0; // the thread in the filter's own
+};
+
+// What is taken from it stays in it, so that closing a handle in the filter frees nothing.
+Reserve& TheReserve() noexcept
+{
+    static Immortal<Reserve> reserve;
+    return reserve.Get();
+}
+
+DWORD CodeOf(const siginfo_t& info) noexcept
+{
+    return static_cast<DWORD>(info.si_code == CLD_EXITED ? info.si_status : 128 + info.si_status);
+}
+
+} // namespace
+
+Process::~Process()
+{
+    if (!TryTake()) AddOrphan(m_pid);
+}
+
+Process* Process::Of(HANDLE handle) noexcept
+{
+    Waitable* object = Waitable::Of(handle);
+    if (object && object->GetKind() == Kind::Process) return static_cast<Process*>(object);
+    SetLastError(ERROR_INVALID_HANDLE);
+    return nullptr;
+}
+
+DWORD Process::ExitCode() noexcept
+{
+    return TryTake() ? m_dwCode : STILL_ACTIVE;
+}
+
+// Where somebody else has collected it, as by ignoring SIGCHLD, it has ended too, with a code that is lost.
+bool Process::TryTake() noexcept
+{
+    const std::lock_guard lock(m_lock);
+    if (m_pid == 0) return true;
+    siginfo_t info{};
+    const auto id = static_cast<id_t>(m_pid);
+    const int nResult = RetryEintr([&] { return waitid(P_PID, id, &info, WEXITED | WNOHANG); });
+    if (nResult == 0 && info.si_pid == 0) return false;
+    if (nResult == 0) m_dwCode = CodeOf(info);
+    m_pid = 0;
+    return true;
+}
+
+bool Process::WaitUntil(clock::Moment deadline) noexcept
+{
+    using std::chrono::ceil;
+    using std::chrono::milliseconds;
+    const pid_t pid = m_pid;
+    if (deadline == clock::kNever && pid != 0) {
+        siginfo_t info{};
+        RetryEintr([&] { return waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOWAIT); });
+        return TryTake();
+    }
+    // A clock that the host moves doesn't wake who polls, who therefore looks at it again and again.
+    const milliseconds slice(clock::IsVirtual() ? 5 : 1000);
+    const UniqueFd fd(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
+    while (!TryTake()) {
+        const auto left = ceil<milliseconds>(deadline - clock::Now());
+        if (left.count() <= 0) return false;
+        pollfd watch{fd.Get(), POLLIN, 0};
+        poll(&watch, 1, static_cast<int>(std::min(left, fd ? slice : milliseconds(5)).count()));
+    }
+    return true;
+}
+
+void PrepareProcesses() noexcept
+{
+    for (auto& process : TheReserve().processes) {
+        try {
+            if (!process) process = std::make_shared<Process>();
+        } catch (const std::bad_alloc&) {
+        }
+    }
+}
+
+std::shared_ptr<Process> NewProcess() noexcept
+{
+    Reserve& reserve = TheReserve();
+    if (InFilter())
+        return reserve.next < reserve.processes.size() ? reserve.processes[reserve.next++] : nullptr;
+    try {
+        return std::make_shared<Process>();
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+} // namespace kx::crash
+
+int GetExitCodeProcess(HANDLE hProcess, DWORD* pdwExitCode) noexcept
+{
+    auto* process = kx::crash::Process::Of(hProcess);
+    if (!process) return 0;
+    if (!pdwExitCode) return kx::Fail(ERROR_INVALID_PARAMETER);
+    *pdwExitCode = process->ExitCode();
+    return 1;
+}

@@ -1,0 +1,263 @@
+#include "KXCommonTaskThread.h"
+#include "KXLogSys.h"
+#include "platform/Exception.h"
+#include "platform/Host.h"
+#include "platform/Sync.h"
+#include "tests/support/Host.h"
+#include "tests/support/TempDir.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <semaphore>
+#include <stdexcept>
+#include <string>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+class Worker : public CKXCommonTaskThread
+{
+public:
+    using CKXCommonTaskThread::GetNextTask;
+    using CKXCommonTaskThread::ProcessTaskThread;
+    using CKXCommonTaskThread::StartThread;
+    using CKXCommonTaskThread::StopThread;
+};
+
+// What happened, in order.
+class Trace
+{
+public:
+    void Add(const std::string& text)
+    {
+        const std::lock_guard lock(m_lock);
+        m_text += text + " ";
+    }
+    std::string Text() const
+    {
+        const std::lock_guard lock(m_lock);
+        return m_text;
+    }
+
+private:
+    mutable std::mutex m_lock;
+    std::string m_text;
+};
+
+// Does what it is told, and leaves its name's two forms in the trace: when it runs, and when it is deleted.
+struct Job : tagKXCommonTask
+{
+    Job(Trace& journal, std::string text, std::function<void(HANDLE)> what = {})
+        : tagKXCommonTask(Run), trace(journal), name(std::move(text)), act(std::move(what))
+    {
+        pszTaskName = name.c_str();
+    }
+    ~Job() override { trace.Add("~" + name); }
+    static int Run(tagKXCommonTask* task, HANDLE stop)
+    {
+        auto& self = *static_cast<Job*>(task);
+        self.trace.Add(self.name);
+        if (self.act) self.act(stop);
+        return 0;
+    }
+
+    Trace& trace;
+    std::string name;
+    std::function<void(HANDLE)> act;
+};
+
+class Tasks : public testing::Test
+{
+protected:
+    void Add(const std::string& name, std::function<void(HANDLE)> act = {})
+    {
+        worker->AddTask(new Job(trace, name, std::move(act)));
+    }
+    // Waits until all tasks that were added before are deleted.
+    void Drain()
+    {
+        std::binary_semaphore reached{0};
+        Add("", [&](HANDLE) { reached.release(); });
+        reached.acquire();
+    }
+
+    Trace trace;
+    std::optional<Worker> worker{std::in_place};
+};
+
+TEST_F(Tasks, RunOneAfterTheOther)
+{
+    worker->Initialize();
+    worker->Initialize();
+    Add("a");
+    worker->AddTask(nullptr);
+    Add("b", [this](HANDLE) { Add("c"); });
+    Drain();
+    Drain();
+    worker->UnInitialize();
+    EXPECT_EQ(trace.Text().substr(0, 10), "a ~a b ~b ");
+    EXPECT_NE(trace.Text().find("c ~c"), std::string::npos);
+}
+
+TEST_F(Tasks, WithoutWorkAreOnlyDeleted)
+{
+    struct Idle : Job
+    {
+        explicit Idle(Trace& journal) : Job(journal, "idle") { pfnTaskProc = nullptr; }
+    };
+    worker->Initialize();
+    worker->AddTask(new Idle(trace));
+    Drain();
+    worker->UnInitialize();
+    EXPECT_EQ(trace.Text(), "~idle  ~ ");
+}
+
+TEST_F(Tasks, ThatFailLeaveALineInTheLogAndTheThreadAlive)
+{
+    const test::TempDir dir;
+    const test::VirtualClock clock(1'237'017'909); // 2009-03-14 08:05:09 UTC
+    CKXLogSys* log = CKXLogSys::GetSingletonPtr();
+    ASSERT_TRUE(log->Initialize(dir.Win("app.log")));
+    worker->Initialize();
+    Add("thrown", [](HANDLE) { throw 5; });
+    Add("standard", [](HANDLE) { throw std::runtime_error("no"); });
+    Add("framework", [](HANDLE) { AfxThrowMemoryException(); });
+    auto nameless = std::make_unique<Job>(trace, "nameless", [](HANDLE) { throw 5; });
+    nameless->pszTaskName = nullptr;
+    worker->AddTask(nameless.release());
+    Add("well");
+    Drain();
+    worker->UnInitialize();
+    EXPECT_EQ(trace.Text(),
+              "thrown ~thrown standard ~standard framework ~framework nameless ~nameless well ~well  ~ ");
+    const auto line = [](const std::string& name) {
+        return "[2009-03-14 08:05:09] 2 "
+               "\xB4\xA6\xC0\xED\xC8\xCE\xCE\xF1\xCA\xB1\xB3\xF6\xB4\xED\xA3\xA1\xA3\xA8taskname:" +
+               name + "\xA3\xA9\n";
+    };
+    const std::string expected = line("thrown") + line("standard") + line("framework") + line("");
+    while (test::ReadFile(dir.Path("app.log")).size() < expected.size())
+        std::this_thread::yield();
+    log->Uninitialize();
+    EXPECT_EQ(dir.Read("app.log"), expected);
+}
+
+TEST_F(Tasks, AreStoppedByTheirEvent)
+{
+    std::binary_semaphore running{0};
+    worker->Initialize();
+    Add("long", [&](HANDLE stop) {
+        EXPECT_EQ(WaitForSingleObject(stop, 0), WAIT_TIMEOUT);
+        running.release();
+        EXPECT_EQ(WaitForSingleObject(stop, INFINITE), WAIT_OBJECT_0);
+        trace.Add("stopped");
+    });
+    Add("left");
+    running.acquire();
+    worker->UnInitialize();
+    worker->UnInitialize();
+    EXPECT_EQ(trace.Text(), "long stopped ~long ");
+    worker->Initialize(); // what was left runs with the next task
+    Drain();
+    worker->UnInitialize();
+    EXPECT_EQ(trace.Text(), "long stopped ~long left ~left  ~ ");
+}
+
+TEST_F(Tasks, AreDeletedUnrunWithTheirQueue)
+{
+    std::binary_semaphore running{0};
+    worker->Initialize();
+    Add("long", [&](HANDLE stop) {
+        running.release();
+        WaitForSingleObject(stop, INFINITE);
+    });
+    Add("a");
+    Add("b");
+    running.acquire();
+    worker.reset(); // stops the thread by itself
+    EXPECT_EQ(trace.Text(), "long ~long ~a ~b ");
+}
+
+TEST_F(Tasks, WaitForAnInitialize)
+{
+    Add("early");
+    EXPECT_EQ(worker->StartThread(), 1); // there is one, if not for long
+    EXPECT_EQ(worker->StopThread(), 1);
+    EXPECT_EQ(worker->StopThread(), 1);
+    EXPECT_EQ(trace.Text(), "");
+    worker->UnInitialize();
+    worker->Initialize();
+    Drain();
+    worker->UnInitialize();
+    EXPECT_EQ(trace.Text(), "early ~early  ~ ");
+}
+
+TEST_F(Tasks, ThreadSaysWhenItBeginsAndEnds)
+{
+    const test::DebugText debug;
+    EXPECT_EQ(Worker::ProcessTaskThread(nullptr), 0u);
+    worker->UnInitialize();
+    worker->Initialize();
+    EXPECT_EQ(debug.Text(), "");
+    Drain();
+    EXPECT_EQ(debug.Text(), "\xBD\xF8\xC8\xEB CommonTaskThread! \n");
+    worker->UnInitialize();
+    EXPECT_EQ(debug.Text(), "\xBD\xF8\xC8\xEB CommonTaskThread! \n\xCD\xCB\xB3\xF6 CommonTaskThread! \n");
+}
+
+TEST_F(Tasks, OfSeveralProducersKeepEachOnesOrder)
+{
+    constexpr int nProducers = 4;
+    constexpr int nTasks = 5000;
+    std::vector<std::vector<int>> seen(nProducers); // by the worker alone
+    struct Numbered : tagKXCommonTask
+    {
+        Numbered(std::vector<int>& target, int number) : tagKXCommonTask(Run), list(target), n(number) {}
+        static int Run(tagKXCommonTask* task, HANDLE)
+        {
+            auto& self = *static_cast<Numbered*>(task);
+            self.list.push_back(self.n);
+            return 0;
+        }
+        std::vector<int>& list;
+        int n;
+    };
+    const int nHandles = KXHost::LiveHandles();
+    worker->Initialize();
+    std::vector<std::jthread> producers;
+    for (int p = 0; p < nProducers; ++p)
+        producers.emplace_back([&, p] {
+            for (int n = 0; n < nTasks; ++n)
+                worker->AddTask(new Numbered(seen[static_cast<std::size_t>(p)], n));
+        });
+    producers.clear();
+    Drain();
+    EXPECT_EQ(KXHost::LiveHandles(), nHandles + 3); // one thread, however many began
+    worker->UnInitialize();
+    EXPECT_EQ(KXHost::LiveHandles(), nHandles);
+    for (const auto& list : seen) {
+        ASSERT_EQ(list.size(), static_cast<std::size_t>(nTasks));
+        EXPECT_TRUE(std::is_sorted(list.begin(), list.end()));
+    }
+}
+
+TEST_F(Tasks, AForkEndsWithoutTheThread)
+{
+    worker->Initialize();
+    Drain();
+    const pid_t child = fork();
+    if (child == 0) {
+        worker->UnInitialize();
+        _exit(7);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(WEXITSTATUS(status), 7);
+    worker->UnInitialize();
+}
+
+} // namespace

@@ -1,0 +1,355 @@
+#include "KXCrashDumper.h"
+#include "tests/support/Child.h"
+#include "tests/support/CrashKinds.h"
+#include "tests/support/TempDir.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <httplib.h>
+#include <memory>
+#include <regex>
+#include <sys/stat.h>
+#include <thread>
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
+
+// A root of `C:` with an application's directory, a reporter in it, and the marker file.
+class Place
+{
+public:
+    explicit Place(const std::string& app = "app") : m_app(app)
+    {
+        m_dir.MakeDir(app);
+        m_dir.Write("nv_dbg_14.txt", "");
+    }
+
+    Place& RealReporter()
+    {
+        fs::create_symlink(std::string(KX_TEST_BIN) + "/KXCrashReport.exe", Reporter());
+        return *this;
+    }
+    // A reporter that writes its arguments, a line a start, to the file `args` and then runs these commands.
+    Place& Script(const std::string& commands = "")
+    {
+        m_dir.Write(m_app + "/KXCrashReport.exe",
+                    "#!/bin/sh\ncd \"$(dirname \"$0\")\"\nprintf '%s\\n' \"$*\" >> args\n" + commands);
+        fs::permissions(Reporter(), fs::perms::owner_all);
+        return *this;
+    }
+
+    test::Child Start(const std::string& how, std::vector<std::string> env = {}) const
+    {
+        // AddressSanitizer has handlers of its own, which are no ordinary course.
+        const char* pszOptions = std::getenv("ASAN_OPTIONS");
+        env.push_back("ASAN_OPTIONS=" + std::string(pszOptions ? pszOptions : "") +
+                      ":handle_segv=0:handle_sigfpe=0");
+        return test::Child("CrashDumperChild", {m_dir.Path(), how}, std::move(env));
+    }
+    int Crash(const std::string& how, std::vector<std::string> env = {}) const
+    {
+        return Start(how, std::move(env)).Wait();
+    }
+
+    std::string Reporter() const { return m_dir.Path(m_app + "/KXCrashReport.exe"); }
+    std::string Arguments() const { return m_dir.Read(m_app + "/args"); }
+    std::string Pipe(const char* pszName) const
+    {
+        const std::string path = m_dir.Path(m_app + "/" + pszName);
+        mkfifo(path.c_str(), 0600);
+        return path;
+    }
+    // The one file of this kind in the directory of dumps; empty for none or several.
+    std::string Dump(const char* pszExtension) const
+    {
+        std::vector<std::string> found;
+        std::error_code error;
+        for (const auto& entry : fs::directory_iterator(m_dir.Path(m_app + "/dumps"), error))
+            if (entry.path().extension() == pszExtension) found.push_back(entry.path().native());
+        return found.size() == 1 ? found[0] : "";
+    }
+    const test::TempDir& Dir() const { return m_dir; }
+
+private:
+    test::TempDir m_dir;
+    std::string m_app;
+};
+
+std::string Output(const std::string& command)
+{
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    std::string text;
+    for (int ch; (ch = std::fgetc(pipe.get())) != EOF;)
+        text += static_cast<char>(ch);
+    return text;
+}
+
+// The report's part about the thread that crashed.
+std::string CrashedThread(const std::string& report)
+{
+    const auto begin = report.find("(crashed)\n");
+    return begin == report.npos ? "" : report.substr(begin, report.find("\n\n", begin) - begin);
+}
+
+class CrashDumper : public testing::Test
+{
+protected:
+#if defined(__SANITIZE_THREAD__)
+    void SetUp() override
+    {
+        GTEST_SKIP() << "ThreadSanitizer puts handlers of its own before a crash's";
+    }
+#endif
+};
+
+TEST_F(CrashDumper, ReportsEveryKindAndEndsByItsSignal)
+{
+    std::map<std::string, crashes::Kind> kinds(crashes::kKinds.begin(), crashes::kKinds.end());
+    kinds["log"] = {nullptr, SIGSEGV, "CrashByRead"};
+    if (kSanitized) kinds.erase("heap"); // its allocator is another one
+    for (const auto& [how, kind] : kinds) {
+        SCOPED_TRACE(how);
+        Place place;
+        place.RealReporter();
+        EXPECT_EQ(place.Crash(how), 128 + kind.nSignal);
+        const std::string report = test::ReadFile(place.Dump(".txt"));
+        EXPECT_THAT(report, HasSubstr("signal       " + std::to_string(kind.nSignal) + " SIG"));
+        EXPECT_THAT(report, HasSubstr("\nmodules\n"));
+        EXPECT_THAT(CrashedThread(report), HasSubstr(kind.pszFunction));
+        EXPECT_TRUE(how != "overflow" ||
+                    CrashedThread(report).find("_start") != std::string::npos); // its origin
+        EXPECT_GT(fs::file_size(place.Dump(".dmp")), 4096u);
+    }
+}
+
+// No heap, no lock: the reporter's path has to be converted and found in another case while the heap is
+// locked.
+TEST_F(CrashDumper, FindsItsReporterInEveryState)
+{
+    const std::vector<std::pair<std::string, std::string>> paths{
+        {"app", "C:\\app\\"},
+        {"App Dir", "c:/app dir\\"},
+        {"\u7A0B\u5E8F", "C:\\\xB3\xCC\xD0\xF2\\"},
+        {"deep/dir", "C:\\.\\deep\\gone\\..\\..\\..\\DEEP\\Dir\\"},
+    };
+    for (const auto& [directory, path] : paths) {
+        SCOPED_TRACE(directory);
+        Place place(directory);
+        place.Script("[ -d dumps ] && echo there >> args\n");
+        EXPECT_EQ(place.Crash(kSanitized ? "read" : "heap", {"KX_TEST_PATH=" + path}), 128 + SIGSEGV);
+        EXPECT_THAT(place.Arguments(), testing::EndsWith("there\n"));
+    }
+}
+
+TEST_F(CrashDumper, HandsOverItsArguments)
+{
+    Place place;
+    place.Script();
+    const auto crash = [&](std::vector<std::string> env) {
+        fs::remove(place.Dir().Path("app/args"));
+        env.insert(env.end(), {"KX_TEST_TIME=1236989109", "TZ=CST-8"}); // 2009-03-14 08:05:09 in that zone
+        EXPECT_EQ(place.Crash("read", std::move(env)), 128 + SIGSEGV);
+        return place.Arguments();
+    };
+    const std::string middle =
+        R"(-dmp\[C:\\app\\dumps\\stem_20090314080509\.dmp\] -pid\[(\d+)\] -tid\[\1\] -exp\[\d+\] -inf\[ann@example\.com\])";
+    const auto expect = [&](const std::string& text, const std::string& head, const std::string& tail) {
+        EXPECT_TRUE(std::regex_match(text, std::regex(head + middle + tail + "\n"))) << text;
+    };
+    expect(crash({}), R"(-sd -app\[App\] -run\[\] )", "");
+    expect(
+        crash({"KX_TEST_APP=My  [beta] App", "KX_TEST_RUN=-a \"b\"", "KX_TEST_SEND=1", "KX_TEST_RESTART=1"}),
+        R"(-sd -app\[My  \[beta\] App\] -run\[-a "b"\] )", " -autosend -autorestart");
+    expect(crash({"KX_TEST_RESTART=1"}), R"(-sd -app\[App\] -run\[\] )", " -autorestart");
+}
+
+TEST_F(CrashDumper, RunsWithEmptyValuesBeforeInitialize)
+{
+    Place place;
+    place.Script();
+    const auto before = fs::current_path();
+    fs::current_path(place.Dir().Path("app"));
+    EXPECT_EQ(place.Crash("abort", {"KX_TEST_EARLY=1"}), 128 + SIGABRT);
+    fs::current_path(before);
+    EXPECT_THAT(place.Arguments(), testing::StartsWith("-sd -app[] -run[] -dmp[dumps\\_"));
+    EXPECT_TRUE(place.Dir().Exists("app/dumps"));
+}
+
+TEST_F(CrashDumper, CrashesAtOnceAreOneReport)
+{
+    for (int nTry = 0; nTry < 5; ++nTry) {
+        Place place;
+        place.Script();
+        EXPECT_EQ(place.Crash("together"), 128 + SIGSEGV);
+        const std::string lines = place.Arguments();
+        EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 1);
+    }
+}
+
+TEST_F(CrashDumper, EndsInOrderWithoutAReport)
+{
+    struct Case
+    {
+        const char* pszWhat;
+        void (*pfnPrepare)(Place&);
+        std::vector<std::string> env;
+    };
+    const Case cases[] = {
+        {"no marker", [](Place& place) { fs::remove(place.Script().Dir().Path("nv_dbg_14.txt")); }, {}},
+        {"a directory for a marker",
+         [](Place& place) {
+             fs::remove(place.Script().Dir().Path("nv_dbg_14.txt"));
+             place.Dir().MakeDir("nv_dbg_14.txt");
+         },
+         {}},
+        {"no reporter", [](Place&) {}, {}},
+        {"a reporter that can't run",
+         [](Place& place) { place.Dir().Write("app/KXCrashReport.exe", "#!"); },
+         {}},
+        {"a reporter that is no program",
+         [](Place& place) {
+             place.Dir().Write("app/KXCrashReport.exe", "words");
+             fs::permissions(place.Reporter(), fs::perms::owner_all);
+         },
+         {}},
+        {"an unknown drive", [](Place& place) { place.Script(); }, {"KX_TEST_PATH=Q:\\app\\"}},
+        {"no dump directory", [](Place& place) { place.RealReporter().Dir().Write("app/dumps", ""); }, {}},
+        {"values beyond reason",
+         [](Place& place) { place.Script(); },
+         {"KX_TEST_APP=" + std::string(40'000, 'a')}},
+        {"a path beyond reason",
+         [](Place& place) { place.Script(); },
+         {"KX_TEST_PATH=C:\\" + std::string(300, 'a')}},
+    };
+    for (const Case& one : cases) {
+        SCOPED_TRACE(one.pszWhat);
+        Place place;
+        one.pfnPrepare(place);
+        EXPECT_EQ(place.Crash("division", one.env), 128 + SIGFPE);
+        EXPECT_EQ(place.Arguments() + place.Dump(".dmp") + place.Dump(".txt"), "");
+    }
+}
+
+TEST_F(CrashDumper, WaitsForItsReporterWhateverThatDoes)
+{
+    Place place;
+    const std::string started = place.Pipe("started");
+    const std::string go = place.Pipe("go");
+    place.Script("echo $PPID > started\nread line < go\nkill -KILL $$\n");
+    test::Child child = place.Start("read");
+    EXPECT_EQ(test::ReadFile(started), std::to_string(child.Pid()) + "\n"); // waits for it
+    EXPECT_EQ(kill(child.Pid(), 0), 0);
+    EXPECT_THAT(test::ReadFile("/proc/" + std::to_string(child.Pid()) + "/status"),
+                testing::Not(HasSubstr("State:\tZ")));
+    std::ofstream(go) << "go\n";
+    EXPECT_EQ(child.Wait(), 128 + SIGSEGV);
+}
+
+TEST_F(CrashDumper, LeavesACoreThatADebuggerOpens)
+{
+    for (const char* pszHow : {"division", "exception", "thread", "overflow"}) {
+        SCOPED_TRACE(pszHow);
+        Place place;
+        place.RealReporter().Crash(pszHow);
+        const std::string program = std::string(KX_TEST_BIN) + "/CrashDumperChild";
+        const std::string text =
+            Output("gdb -nx -batch -ex 'bt 40' -ex 'info threads' -ex 'p $_siginfo.si_signo' " + program +
+                   " " + place.Dump(".dmp") + " 2>&1");
+        const crashes::Kind& kind = crashes::kKinds.at(pszHow);
+        EXPECT_THAT(text, HasSubstr("Program terminated with signal SIG"));
+        EXPECT_THAT(text, HasSubstr(kind.pszFunction));
+        EXPECT_THAT(text, HasSubstr("$1 = " + std::to_string(kind.nSignal)));
+        EXPECT_TRUE(kind.nSignal == SIGABRT || std::regex_search(text, std::regex("#0 .*CrashBy"))) << text;
+    }
+}
+
+TEST_F(CrashDumper, SendsBothFilesToItsServer)
+{
+    httplib::Server server;
+    httplib::MultipartFormDataMap form;
+    server.Post("/crash", [&](const httplib::Request& request, httplib::Response&) { form = request.files; });
+    const int nPort = server.bind_to_any_port("127.0.0.1");
+    std::jthread serving([&] { server.listen_after_bind(); });
+    Place place;
+    const std::string url = "KX_CRASH_URL=http://127.0.0.1:" + std::to_string(nPort) + "/crash";
+    EXPECT_EQ(place.RealReporter().Crash("read", {url, "KX_TEST_APP=\xB3\xCC\xD0\xF2"}),
+              128 + SIGSEGV); // not asked to
+    EXPECT_TRUE(form.empty());
+    EXPECT_EQ(place.Crash("abort", {url, "KX_TEST_SEND=1", "KX_TEST_APP=\xB3\xCC\xD0\xF2"}), 128 + SIGABRT);
+    server.stop();
+    const auto content = [&](const char* pszName) {
+        const auto found = form.find(pszName);
+        return found != form.end() ? found->second.content : "";
+    };
+    EXPECT_EQ(content("app"), "\u7A0B\u5E8F");
+    EXPECT_EQ(content("contact"), "ann@example.com");
+    EXPECT_THAT(content("report"), HasSubstr("SIGABRT"));
+    EXPECT_THAT(content("dump"), testing::StartsWith("\177ELF"));
+}
+
+TEST_F(CrashDumper, RestartsTheProgramOnceItHasEnded)
+{
+    Place place;
+    const std::string pipe = place.Pipe("restarted");
+    test::Child child =
+        place.RealReporter().Start("read", {"KX_TEST_RESTART=1", "KX_TEST_RUN=" + pipe + " restarted again"});
+    EXPECT_EQ(child.Wait(), 128 + SIGSEGV);
+    EXPECT_EQ(test::ReadFile(pipe), "again\n"); // waits for it
+}
+
+// What a client sees of the class in its own process.
+class Dumper : public CKXCrashDumper
+{
+public:
+    using CKXCrashDumper::ExceptionFilter;
+    using CKXCrashDumper::m_bAutoRestart;
+    using CKXCrashDumper::m_bAutoSend;
+    using CKXCrashDumper::m_OriginalFilter;
+    using CKXCrashDumper::m_strAppName;
+    using CKXCrashDumper::m_strAppPath;
+    using CKXCrashDumper::m_strContactInfo;
+    using CKXCrashDumper::m_strExeName;
+    using CKXCrashDumper::m_strRestartParam;
+};
+
+long Other(_EXCEPTION_POINTERS*)
+{
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+TEST(CrashHook, HooksForItsLifeAndKeepsTheLastValues)
+{
+    EXPECT_EQ(SetUnhandledExceptionFilter(Other), nullptr);
+    {
+        Dumper dumper;
+        EXPECT_EQ(Dumper::m_OriginalFilter, &Other);
+        dumper.Initialize("a", "b", "c", "d", "e", 1, 2);
+        dumper.Initialize("A", "B\\", "C", "D", "E", 0, 7);
+        dumper.Unintialize();
+        const Dumper& same = dumper;
+        EXPECT_EQ(&(dumper = same), &dumper);
+        EXPECT_EQ(Dumper::m_strAppName + Dumper::m_strAppPath + Dumper::m_strExeName +
+                      Dumper::m_strRestartParam + Dumper::m_strContactInfo,
+                  "AB\\CDE");
+        EXPECT_EQ(Dumper::m_bAutoSend, 0);
+        EXPECT_EQ(Dumper::m_bAutoRestart, 7);
+        EXPECT_EQ(SetUnhandledExceptionFilter(Other), &Dumper::ExceptionFilter);
+    }
+    EXPECT_EQ(SetUnhandledExceptionFilter(nullptr), &Other);
+}
+
+} // namespace

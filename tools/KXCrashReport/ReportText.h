@@ -1,0 +1,16 @@
+#pragma once
+
+#include "tools/KXCrashReport/CommandLine.h"
+#include "tools/KXCrashReport/Crash.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kx::report {
+
+// The report for people: what crashed and why, the registers, the stack of each thread, the modules. UTF-8.
+std::string ReportText(const CommandLine& line, const Tracee& tracee, const std::optional<CrashRecord>& crash,
+                       const std::vector<ThreadState>& threads);
+
+} // namespace kx::report
