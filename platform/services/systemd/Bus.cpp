@@ -1,0 +1,103 @@
+#include "platform/services/systemd/Bus.h"
+
+#include "include/platform/Services.h"
+#include "platform/services/systemd/BusError.h"
+
+#include <algorithm>
+#include <unistd.h>
+
+namespace kx::systemd {
+
+namespace {
+
+constexpr const char* kName = "org.freedesktop.systemd1";
+constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
+
+int Open(sd_bus** bus, const std::string& address)
+{
+    if (address.empty()) return geteuid() == 0 ? sd_bus_open_system(bus) : sd_bus_open_user(bus);
+    int result = sd_bus_new(bus);
+    if (result >= 0) result = sd_bus_set_address(*bus, address.c_str());
+    if (result >= 0) result = sd_bus_set_bus_client(*bus, 1);
+    return result < 0 ? result : sd_bus_start(*bus);
+}
+
+struct Error
+{
+    Error() = default;
+    Error(const Error&) = delete;
+    Error& operator=(const Error&) = delete;
+    ~Error() { sd_bus_error_free(&value); }
+    sd_bus_error value{};
+};
+
+} // namespace
+
+Bus::Bus(DWORD timeout)
+    : m_deadline(std::chrono::steady_clock::now() + std::chrono::milliseconds(std::max<DWORD>(timeout, 1)))
+{
+}
+
+std::uint64_t Bus::MicrosecondsLeft() const noexcept
+{
+    using std::chrono::microseconds;
+    const auto left =
+        std::chrono::duration_cast<microseconds>(m_deadline - std::chrono::steady_clock::now()).count();
+    return left > 0 ? static_cast<std::uint64_t>(left) : 0;
+}
+
+DWORD Bus::Connect(const std::string& address)
+{
+    sd_bus* bus = nullptr;
+    const int result = Open(&bus, address);
+    m_bus.reset(bus);
+    if (result == -ENOMEM) return ERROR_NOT_ENOUGH_MEMORY;
+    return result < 0 ? RPC_S_SERVER_UNAVAILABLE : AwaitReady();
+}
+
+// A call would wait for the greeting too, but by a time-out of its own.
+DWORD Bus::AwaitReady()
+{
+    for (;;) {
+        int result = sd_bus_process(m_bus.get(), nullptr);
+        if (result < 0) return RPC_S_SERVER_UNAVAILABLE;
+        const int ready = sd_bus_is_ready(m_bus.get());
+        if (ready != 0) return ready > 0 ? ERROR_SUCCESS : RPC_S_SERVER_UNAVAILABLE;
+        if (result > 0) continue;
+        const std::uint64_t left = MicrosecondsLeft();
+        if (left == 0) return ERROR_SERVICE_REQUEST_TIMEOUT;
+        result = sd_bus_wait(m_bus.get(), left);
+        if (result < 0 && result != -EINTR) return RPC_S_SERVER_UNAVAILABLE;
+    }
+}
+
+Message Bus::NewCall(const char* path, const char* interface, const char* method)
+{
+    sd_bus_message* call = nullptr;
+    if (sd_bus_message_new_method_call(m_bus.get(), &call, kName, path, interface, method) < 0)
+        return nullptr;
+    sd_bus_message_set_auto_start(call, 0); // a manager that has to be started first is none
+    return Message(call);
+}
+
+DWORD Bus::Send(sd_bus_message* call, Message* pReply)
+{
+    const std::uint64_t left = MicrosecondsLeft();
+    if (left == 0) return ERROR_SERVICE_REQUEST_TIMEOUT;
+    Error error;
+    sd_bus_message* reply = nullptr;
+    const int result = sd_bus_call(m_bus.get(), call, left, &error.value, &reply);
+    Message owned(reply);
+    if (result < 0) return ErrorFromBus(error.value, -result);
+    if (pReply) *pReply = std::move(owned);
+    return ERROR_SUCCESS;
+}
+
+DWORD Bus::Read(const char* path, const char* interface, std::span<const Property> properties)
+{
+    Message reply;
+    if (const DWORD error = Call(&reply, path, kProperties, "GetAll", "s", interface)) return error;
+    return ReadProperties(reply.get(), properties) < 0 ? ERROR_GEN_FAILURE : ERROR_SUCCESS;
+}
+
+} // namespace kx::systemd

@@ -1,0 +1,185 @@
+#include "platform/services/systemd/Manager.h"
+
+#include "platform/services/systemd/CommandLine.h"
+#include "platform/services/systemd/Dependents.h"
+#include "platform/services/systemd/UnitFiles.h"
+#include "platform/services/systemd/UnitName.h"
+#include "platform/services/systemd/UnitText.h"
+#include "platform/text/Conversion.h"
+
+#include <optional>
+#include <unistd.h>
+
+std::shared_ptr<KXHost::ServiceManager> KXHost::MakeSystemdManager(const SystemdPlace& place)
+{
+    return std::make_shared<kx::systemd::Manager>(place);
+}
+
+namespace kx::systemd {
+
+namespace {
+
+// What wants the services that start with the machine, or with the user's first session.
+const char* StartTarget() noexcept
+{
+    return geteuid() == 0 ? "multi-user.target" : "default.target";
+}
+
+// A text that a unit can say, in UTF-8; a line of a unit file has an end.
+std::optional<std::string> UnitLine(const CString& text)
+{
+    constexpr int kMaxLength = 32'767;
+    return text.GetLength() <= kMaxLength ? text::ToUtf8(text.View()) : std::nullopt;
+}
+
+DWORD CheckSettings(const KXHost::ServiceSettings& settings) noexcept
+{
+    const bool bValid = settings.dwServiceType == SERVICE_WIN32_OWN_PROCESS &&
+                        settings.dwStartType >= SERVICE_AUTO_START &&
+                        settings.dwStartType <= SERVICE_DISABLED;
+    return bValid ? ERROR_SUCCESS : ERROR_INVALID_PARAMETER;
+}
+
+} // namespace
+
+Manager::Manager(const KXHost::SystemdPlace& place)
+    : m_address(place.strBusAddress), m_timeout(place.dwTimeout), m_store(place.strUnitDir)
+{
+}
+
+// Connects, and reads the unit's state whether it exists or not.
+DWORD Manager::Find(const CString& name, Service& service) const
+{
+    auto unit = UnitOf(name);
+    if (!unit) return ERROR_INVALID_NAME;
+    service.unit = std::move(*unit);
+    if (const DWORD error = service.bus.Connect(m_address)) return error;
+    if (const DWORD error = ReadUnit(service.bus, service.unit, service.state)) return error;
+    return service.state.Exists() ? ERROR_SUCCESS : ERROR_SERVICE_DOES_NOT_EXIST;
+}
+
+// One that was deleted and still runs can only be stopped.
+DWORD Manager::FindInstalled(const CString& name, Service& service) const
+{
+    if (const DWORD error = Find(name, service)) return error;
+    return service.state.loadState == "not-found" ? ERROR_SERVICE_MARKED_FOR_DELETE : ERROR_SUCCESS;
+}
+
+DWORD Manager::OpenManager(DWORD)
+{
+    Bus bus(m_timeout);
+    if (const DWORD error = bus.Connect(m_address)) return error;
+    return bus.Call(nullptr, kManagerPath, "org.freedesktop.DBus.Peer", "Ping", "");
+}
+
+DWORD Manager::OpenService(const CString& strName, DWORD)
+{
+    Service service(m_timeout);
+    return Find(strName, service);
+}
+
+DWORD Manager::Create(const CString& strName, const KXHost::ServiceSettings& settings, DWORD)
+{
+    if (const DWORD error = CheckSettings(settings)) return error;
+    std::vector<std::string> command;
+    if (const DWORD error = ParseBinaryPath(settings.strBinaryPath, command)) return error;
+    const auto title = UnitLine(settings.strDisplayName);
+    if (!title) return ERROR_INVALID_PARAMETER;
+
+    Service service(m_timeout);
+    const DWORD error = FindInstalled(strName, service);
+    if (error == ERROR_SUCCESS) return ERROR_SERVICE_EXISTS;
+    if (error != ERROR_SERVICE_DOES_NOT_EXIST) return error;
+    return Install(service, UnitText(*title, command, StartTarget()), settings.dwStartType);
+}
+
+DWORD Manager::Install(Service& service, const std::string& text, DWORD startType) const
+{
+    if (const DWORD error = m_store.Create(service.unit, text)) return error;
+    DWORD error = Reload(service.bus);
+    if (error == ERROR_SUCCESS) error = ReadUnit(service.bus, service.unit, service.state);
+    if (error == ERROR_SUCCESS && service.state.loadState != "loaded")
+        error = service.state.loadState == "not-found" ? ERROR_PATH_NOT_FOUND : ERROR_INVALID_PARAMETER;
+    if (error == ERROR_SUCCESS && startType != SERVICE_DEMAND_START)
+        error = systemd::SetStartType(service.bus, service.unit, startType);
+    if (error == ERROR_SUCCESS) return ERROR_SUCCESS;
+    ForgetStartType(service.bus, service.unit);
+    m_store.Remove(service.unit);
+    Reload(service.bus);
+    return error;
+}
+
+DWORD Manager::Delete(const CString& strName)
+{
+    Service service(m_timeout);
+    if (const DWORD error = FindInstalled(strName, service)) return error;
+    if (!m_store.Has(service.unit)) return ERROR_ACCESS_DENIED;
+    if (const DWORD error = ForgetStartType(service.bus, service.unit)) return error;
+    if (const DWORD error = m_store.Remove(service.unit)) return error;
+    return Reload(service.bus);
+}
+
+DWORD Manager::SetStartType(const CString& strName, DWORD dwStartType)
+{
+    Service service(m_timeout);
+    if (const DWORD error = FindInstalled(strName, service)) return error;
+    return systemd::SetStartType(service.bus, service.unit, dwStartType);
+}
+
+DWORD Manager::SetDescription(const CString& strName, const CString& strText)
+{
+    const auto text = UnitLine(strText);
+    if (!text) return ERROR_INVALID_PARAMETER;
+    Service service(m_timeout);
+    if (const DWORD error = FindInstalled(strName, service)) return error;
+    const DWORD error = text->empty() ? m_store.Undescribe(service.unit)
+                                      : m_store.Describe(service.unit, DescriptionText(*text));
+    return error == ERROR_SUCCESS ? Reload(service.bus) : error;
+}
+
+DWORD Manager::Query(const CString& strName, SERVICE_STATUS_PROCESS& status)
+{
+    Service service(m_timeout);
+    if (const DWORD error = Find(strName, service)) return error;
+    status = StatusOf(service.state);
+    return ERROR_SUCCESS;
+}
+
+DWORD Manager::Start(const CString& strName)
+{
+    Service service(m_timeout);
+    if (const DWORD error = FindInstalled(strName, service)) return error;
+    if (StatusOf(service.state).dwCurrentState != SERVICE_STOPPED) return ERROR_SERVICE_ALREADY_RUNNING;
+    return service.bus.Call(nullptr, kManagerPath, kManager, "StartUnit", "ss", service.unit.c_str(),
+                            "replace");
+}
+
+DWORD Manager::Stop(const CString& strName, SERVICE_STATUS& status)
+{
+    Service service(m_timeout);
+    if (const DWORD error = Find(strName, service)) return error;
+    const DWORD state = StatusOf(service.state).dwCurrentState;
+    if (state == SERVICE_STOPPED) return ERROR_SERVICE_NOT_ACTIVE;
+    if (state != SERVICE_RUNNING) return ERROR_SERVICE_CANNOT_ACCEPT_CTRL;
+    std::vector<KXHost::DependentService> dependents;
+    if (const DWORD error = systemd::ListDependents(service.bus, service.unit, service.state, dependents))
+        return error;
+    // systemd would stop them too.
+    for (const auto& one : dependents)
+        if (one.status.dwCurrentState != SERVICE_STOPPED) return ERROR_DEPENDENT_SERVICES_RUNNING;
+    if (const DWORD error = service.bus.Call(nullptr, kManagerPath, kManager, "StopUnit", "ss",
+                                             service.unit.c_str(), "replace"))
+        return error;
+    if (const DWORD error = ReadUnit(service.bus, service.unit, service.state)) return error;
+    status = WithoutProcess(StatusOf(service.state));
+    return ERROR_SUCCESS;
+}
+
+DWORD Manager::ListDependents(const CString& strName, std::vector<KXHost::DependentService>& dependents)
+{
+    Service service(m_timeout);
+    if (const DWORD error = Find(strName, service)) return error;
+    return systemd::ListDependents(service.bus, service.unit, service.state, dependents);
+}
+
+} // namespace kx::systemd

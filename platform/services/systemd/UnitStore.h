@@ -1,0 +1,35 @@
+#pragma once
+
+#include "include/platform/Types.h"
+
+#include <string>
+#include <string_view>
+
+namespace kx::systemd {
+
+// The directory of the units that are made here. A file appears in it, or changes, as a whole. Units are
+// named by `NAME.service`; results are ERROR_... codes.
+class UnitStore
+{
+public:
+    // Empty: for root the machine's, else the user's.
+    explicit UnitStore(const std::string& directory);
+
+    // ERROR_SERVICE_EXISTS where anything has its name.
+    DWORD Create(const std::string& unit, std::string_view text) const;
+    // Whether it was made here.
+    bool Has(const std::string& unit) const;
+    // Removes it with what belongs to it.
+    DWORD Remove(const std::string& unit) const;
+
+    // Gives any unit another description than it has of its own; without a text takes that away.
+    DWORD Describe(const std::string& unit, std::string_view text) const;
+    DWORD Undescribe(const std::string& unit) const;
+
+private:
+    std::string Path(const std::string& unit) const { return m_directory + "/" + unit; }
+
+    std::string m_directory; // empty: there is none to be had
+};
+
+} // namespace kx::systemd

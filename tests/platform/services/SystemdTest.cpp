@@ -1,0 +1,498 @@
+#include "include/KXWinService.h"
+#include "include/platform/Host.h"
+#include "tests/platform/services/StandIn.h"
+#include "tests/support/Host.h"
+
+#include <chrono>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <optional>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+class Systemd : public testing::Test
+{
+protected:
+    static void SetUpTestSuite() { s_bus = std::make_unique<test::PrivateBus>(); }
+    static void TearDownTestSuite() { s_bus.reset(); }
+
+    Systemd()
+    {
+        std::filesystem::create_directories(m_units);
+        m_standIn.emplace(*s_bus, m_units);
+        Use(s_bus->Address());
+    }
+
+    void Use(const std::string& address, DWORD dwTimeout = 20'000)
+    {
+        KXHost::SystemdPlace place;
+        place.strBusAddress = address;
+        place.strUnitDir = m_units;
+        place.dwTimeout = dwTimeout;
+        m_manager = KXHost::MakeSystemdManager(place);
+    }
+
+    DWORD OpenManager() { return m_manager->OpenManager(0); }
+    DWORD Open(const CString& strName) { return m_manager->OpenService(strName, 0); }
+    DWORD Create(const CString& strName, const CString& strPath = "C:\\bin\\nv", DWORD dwStartType = 3,
+                 const CString& strTitle = "Norvale")
+    {
+        return m_manager->Create(strName, {strTitle, strPath, SERVICE_WIN32_OWN_PROCESS, dwStartType, 1}, 0);
+    }
+    DWORD Delete(const CString& strName) { return m_manager->Delete(strName); }
+    DWORD SetType(const char* pszName, DWORD dwType) { return m_manager->SetStartType(pszName, dwType); }
+    DWORD Describe(const char* pszName, const char* psz) { return m_manager->SetDescription(pszName, psz); }
+    DWORD Start(const char* pszName) { return m_manager->Start(pszName); }
+    DWORD Stop(const char* pszName)
+    {
+        m_stopped = {};
+        return m_manager->Stop(pszName, m_stopped);
+    }
+    SERVICE_STATUS_PROCESS Status(const char* pszName)
+    {
+        SERVICE_STATUS_PROCESS status{};
+        EXPECT_EQ(m_manager->Query(pszName, status), 0u);
+        return status;
+    }
+    // "name=title,state" of each.
+    Strings Dependents(const char* pszName)
+    {
+        std::vector<KXHost::DependentService> listed;
+        EXPECT_EQ(m_manager->ListDependents(pszName, listed), 0u);
+        Strings texts;
+        for (const auto& one : listed)
+            texts.push_back((one.strName + "=" + one.strDisplayName + ",").GetString() +
+                            std::to_string(one.status.dwCurrentState));
+        return texts;
+    }
+
+    Strings Files() const
+    {
+        Strings files;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(m_units))
+            files.push_back(entry.path().lexically_relative(m_units));
+        std::sort(files.begin(), files.end());
+        return files;
+    }
+    std::string Calls() { return m_standIn->Calls(); }
+
+    static std::unique_ptr<test::PrivateBus> s_bus;
+    test::TempDir m_dir;
+    const std::string m_units = m_dir.Path("units");
+    std::optional<test::StandIn> m_standIn;
+    std::shared_ptr<KXHost::ServiceManager> m_manager;
+    SERVICE_STATUS m_stopped{};
+};
+
+std::unique_ptr<test::PrivateBus> Systemd::s_bus;
+
+constexpr const char* kHead = "# Made by KXCommonClass for its service controller\n[Unit]\nDescription=";
+const std::string kInstall =
+    std::string("\n\n[Install]\nWantedBy=") + (geteuid() == 0 ? "multi-user" : "default") + ".target\n";
+
+std::string UnitText(const std::string& title, const std::string& command)
+{
+    return kHead + title + "\n\n[Service]\nType=exec\nExecStart=" + command + kInstall;
+}
+
+TEST_F(Systemd, AMachineWithoutAManagerHasNoServices)
+{
+    EXPECT_EQ(OpenManager(), 0u);
+    m_standIn.reset();
+    EXPECT_EQ(OpenManager(), RPC_S_SERVER_UNAVAILABLE);
+    for (const std::string& address : {"unix:path=" + m_dir.Path("none"), std::string("no address"),
+                                       std::string("unix:path=/proc/version"), std::string("tcp:host=")}) {
+        Use(address);
+        EXPECT_EQ(OpenManager(), RPC_S_SERVER_UNAVAILABLE) << address;
+    }
+}
+
+TEST_F(Systemd, NoCallOutlastsItsTime)
+{
+    using std::chrono::steady_clock;
+    const auto begin = steady_clock::now();
+    m_standIn->Set("Nv.service", {});
+    m_standIn->Fail("StartUnit", "");
+    Use(s_bus->Address(), 100);
+    EXPECT_EQ(Start("Nv"), ERROR_SERVICE_REQUEST_TIMEOUT);
+    m_standIn->Fail("LoadUnit", "");
+    EXPECT_EQ(Open("Nv"), ERROR_SERVICE_REQUEST_TIMEOUT);
+
+    // A bus that takes connections and says nothing.
+    const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address{AF_UNIX, {}};
+    const std::string path = m_dir.Path("mute");
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(listen(listener, 4), 0);
+    Use("unix:path=" + path, 100);
+    EXPECT_EQ(OpenManager(), ERROR_SERVICE_REQUEST_TIMEOUT);
+    close(listener);
+    EXPECT_LT(steady_clock::now() - begin, std::chrono::seconds(10));
+}
+
+TEST_F(Systemd, AServiceIsAUnitFileAndLinksThatSystemdMakes)
+{
+    EXPECT_EQ(Open("Nv"), ERROR_SERVICE_DOES_NOT_EXIST);
+    Calls();
+    EXPECT_EQ(Create("Nv", "C:\\opt\\nv -x", SERVICE_AUTO_START), 0u);
+    EXPECT_EQ(Calls(), "LoadUnit Nv.service;Reload;LoadUnit Nv.service;UnmaskUnitFiles Nv.service;"
+                       "EnableUnitFiles Nv.service;Reload;");
+    EXPECT_EQ(m_dir.Read("units/Nv.service"), UnitText("Norvale", R"(":/opt/nv" "-x")"));
+    EXPECT_EQ(std::filesystem::status(m_units + "/Nv.service").permissions(), std::filesystem::perms(0644));
+    EXPECT_EQ(Create("Nv"), ERROR_SERVICE_EXISTS);
+    const std::string load = "LoadUnit Nv.service;";
+    Calls();
+    EXPECT_EQ(SetType("Nv", SERVICE_DEMAND_START), 0u);
+    EXPECT_EQ(Calls(), load + "UnmaskUnitFiles Nv.service;DisableUnitFiles Nv.service;Reload;");
+    EXPECT_EQ(SetType("Nv", SERVICE_DISABLED), 0u);
+    EXPECT_EQ(Calls(), load + "DisableUnitFiles Nv.service;MaskUnitFiles Nv.service;Reload;");
+    for (const DWORD dwType : {0u, 1u, 5u})
+        EXPECT_EQ(SetType("Nv", dwType), ERROR_INVALID_PARAMETER);
+
+    EXPECT_EQ(Describe("Nv", "Says a lot"), 0u);
+    EXPECT_EQ(m_dir.Read("units/Nv.service.d/50-kx-description.conf"), std::string(kHead) + "Says a lot\n");
+    EXPECT_EQ(Describe("Nv", ""), 0u);
+    EXPECT_EQ(Files(), Strings{"Nv.service"});
+    EXPECT_EQ(Describe("Nv", "Again"), 0u);
+    Calls();
+    EXPECT_EQ(Delete("Nv"), 0u);
+    EXPECT_EQ(Calls(), load + "UnmaskUnitFiles Nv.service;DisableUnitFiles Nv.service;Reload;");
+    EXPECT_EQ(Files(), Strings{});
+    EXPECT_EQ(Delete("Nv"), ERROR_SERVICE_DOES_NOT_EXIST);
+    EXPECT_EQ(Create("Nv", "C:\\opt\\nv", SERVICE_DISABLED), 0u);
+    EXPECT_EQ(Delete("Nv"), 0u);
+}
+
+TEST_F(Systemd, WhatCantBeInstalledLeavesNothing)
+{
+    m_standIn->Set("Nv.service", {});
+    m_dir.Write("units/Hand.service", "[Service]\nExecStart=/bin/true\n");
+    m_standIn->Set("Hand.service", {});
+    std::filesystem::create_symlink(m_dir.Path("elsewhere"), m_units + "/Link.service");
+    const Strings before = Files();
+    EXPECT_EQ(Create("Link"), ERROR_SERVICE_EXISTS);
+    EXPECT_FALSE(m_dir.Exists("elsewhere"));
+    // Only what was made here is deleted.
+    EXPECT_EQ(Delete("Nv"), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(Delete("Hand"), ERROR_ACCESS_DENIED);
+
+    EXPECT_EQ(Create("New", "relative\\nv"), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(Create("New", "C:\\nv", SERVICE_AUTO_START - 1), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(Create("_static", "C:\\nv", SERVICE_AUTO_START), ERROR_INVALID_PARAMETER);
+    m_standIn->Fail("EnableUnitFiles", "org.freedesktop.DBus.Error.AccessDenied");
+    EXPECT_EQ(Create("New", "C:\\nv", SERVICE_AUTO_START), ERROR_ACCESS_DENIED);
+    m_standIn->Fail("Reload", "org.freedesktop.DBus.Error.InteractiveAuthorizationRequired");
+    EXPECT_EQ(Create("New"), ERROR_ACCESS_DENIED);
+    m_standIn->Fail("LoadUnit", "org.freedesktop.DBus.Error.NoReply");
+    EXPECT_EQ(Create("New"), ERROR_SERVICE_REQUEST_TIMEOUT);
+    EXPECT_EQ(Files(), before);
+}
+
+TEST_F(Systemd, ADeletedServiceThatRunsCanOnlyBeStopped)
+{
+    EXPECT_EQ(Create("Nv"), 0u);
+    test::Unit unit;
+    unit.active = "active";
+    unit.steps = {{"inactive", "dead"}};
+    m_standIn->Set("Nv.service", unit);
+    EXPECT_EQ(Delete("Nv"), 0u);
+    EXPECT_EQ(Status("Nv").dwCurrentState, SERVICE_RUNNING);
+    for (const DWORD error : {Create("Nv"), Delete("Nv"), SetType("Nv", 2), Describe("Nv", "x"), Start("Nv")})
+        EXPECT_EQ(error, ERROR_SERVICE_MARKED_FOR_DELETE);
+    EXPECT_EQ(Stop("Nv"), 0u);
+    EXPECT_EQ(m_stopped.dwCurrentState, SERVICE_STOPPED);
+    EXPECT_EQ(Create("Nv"), 0u);
+}
+
+TEST_F(Systemd, NamesAndTextsStayWhatTheyAre)
+{
+    struct Name
+    {
+        CString name;
+        const char* unit; // null: refused
+    };
+    const std::string longest(245, 'n');
+    const Name names[] = {
+        {"a-B_1:2.3@4", "a-B_1:2.3@4.service"},
+        {"two words", "two\\x20words.service"},
+        {"n\n[Service]\nExecStart=x", "n\\x0a\\x5bService\\x5d\\x0aExecStart\\x3dx.service"},
+        {"%h$(x)`;&|<>\"'*?",
+         "\\x25h\\x24\\x28x\\x29\\x60\\x3b\\x26\\x7c\\x3c\\x3e\\x22\\x27\\x2a\\x3f.service"},
+        {".hidden", "\\x2ehidden.service"},
+        {"..", "\\x2e..service"},
+        {"-x", "-x.service"},
+        {"@", "\\x40.service"},
+        {"x@", "x\\x40.service"},
+        {"x.service", "x.service.service"},
+        {"\xC4\xE3", "\\xe4\\xbd\\xa0.service"},
+        {longest.c_str(), "n"},
+        {(longest + "n").c_str(), nullptr},
+        {std::string(64, '%').c_str(), nullptr},
+        {"../x", nullptr},
+        {"/etc/x", nullptr},
+        {"a\\b", nullptr},
+        {"\xFF\xFF", nullptr},
+    };
+    for (const Name& one : names) {
+        EXPECT_EQ(Create(one.name), one.unit ? 0u : ERROR_INVALID_NAME) << one.name;
+        EXPECT_EQ(Open(one.name), one.unit ? 0u : ERROR_INVALID_NAME) << one.name;
+        const std::string unit = one.unit && *one.unit == 'n' && !one.unit[1] ? longest + ".service"
+                                 : one.unit                                   ? one.unit
+                                                                              : "";
+        EXPECT_EQ(Files(), unit.empty() ? Strings{} : Strings{unit});
+        EXPECT_EQ(Delete(one.name), one.unit ? 0u : ERROR_INVALID_NAME) << one.name;
+        EXPECT_EQ(Files(), Strings{});
+    }
+
+    struct Text
+    {
+        const char* title;
+        std::string written;
+    };
+    const Text texts[] = {
+        {"100% \"q\" 'x' $HOME", "100%% \"q\" 'x' $HOME"},
+        {"a\r\n[Service]\n\x7FUser=root\t", "a  [Service]  User=root "},
+        {"ends\\", "ends\\ "},
+        {"ends\\\\", "ends\\\\ "},
+        {"\xC4\xE3", "\xE4\xBD\xA0"},
+    };
+    for (const Text& one : texts) {
+        EXPECT_EQ(Create("Nv", "C:\\x", 3, one.title), 0u);
+        EXPECT_EQ(m_dir.Read("units/Nv.service"), UnitText(one.written, "\":/x\""));
+        EXPECT_EQ(Describe("Nv", one.title), 0u);
+        EXPECT_EQ(m_dir.Read("units/Nv.service.d/50-kx-description.conf"), kHead + one.written + "\n");
+        EXPECT_EQ(Delete("Nv"), 0u);
+    }
+    for (const CString& title : {CString("\xFF\xFF"), CString('t', 32'768)})
+        EXPECT_EQ(Create("Nv", "C:\\x", 3, title), ERROR_INVALID_PARAMETER);
+}
+
+TEST_F(Systemd, ABinaryPathIsAProgramAndWords)
+{
+    const std::string program = m_dir.Write("My App/nv.exe", ""), quoted = "\":" + program + "\"";
+    const std::string mine = m_dir.Win("My App\\nv.exe").GetString();
+    struct Case
+    {
+        std::string path;
+        std::string command; // empty: refused
+        DWORD error = 0;
+    };
+    const Case cases[] = {
+        {mine, quoted, 0},
+        {" \"" + mine + "\"  a ", quoted + " \"a\"", 0},
+        {"\"" + mine + "\"", quoted, 0},
+        {"/usr/bin/nv", "\":/usr/bin/nv\"", 0},
+        {"\\usr\\bin\\nv", "\":/usr/bin/nv\"", 0},
+        {"C:\\none here\\x", "\":/none\" \"here\\\\x\"", 0},
+        {"C:\\x \"a b\"c \"\" ; %n $HOME ${X}", R"(":/x" "a bc" "" ";" "%%n" "$HOME" "${X}")", 0},
+        {"C:\\x a\\b \\\\\"c d\\\\\" \\\"e \"f\\\"g", R"(":/x" "a\\b" "\\c d\\" "\"e" "f\"g")", 0},
+        {"C:\\x \"\n[Service]\nUser=0\x7F\"", R"(":/x" "\x0a[Service]\x0aUser=0\x7f")", 0},
+        {"C:\\x end\\", R"(":/x" "end\\")", 0},
+        {"C:\\a%b$c;d \xC4\xE3", "\":/a%%b$c;d\" \"\xE4\xBD\xA0\"", 0},
+        {"C:\\x \x95\x5C\"", "\":/x\" \"\xE6\x98\x9E\"", 0}, // a second byte is no backslash
+        {"\"C:\\a\nb\"", "", ERROR_INVALID_NAME},
+        {"\"C:\\a'b\"", "", ERROR_INVALID_NAME},
+        {"\"\" x", "", ERROR_INVALID_PARAMETER},
+        {"C:x", "", ERROR_INVALID_PARAMETER},
+        {"nv.exe", "", ERROR_INVALID_PARAMETER},
+        {" ", "", ERROR_INVALID_PARAMETER},
+        {"Q:\\x", "", ERROR_PATH_NOT_FOUND},
+        {"C:\\x \xFF\xFF", "", ERROR_INVALID_PARAMETER},
+        {"C:\\x " + std::string(33'000, 'a'), "", ERROR_INVALID_PARAMETER},
+    };
+    for (const Case& one : cases) {
+        EXPECT_EQ(Create("Nv", one.path.c_str()), one.error) << one.path;
+        EXPECT_EQ(m_dir.Read("units/Nv.service"),
+                  one.command.empty() ? "" : UnitText("Norvale", one.command));
+        EXPECT_EQ(Delete("Nv"), one.error ? ERROR_SERVICE_DOES_NOT_EXIST : 0u);
+    }
+}
+
+TEST_F(Systemd, StatesBecomeThePlatforms)
+{
+    constexpr std::uint64_t kNone = ~std::uint64_t{0};
+    struct Case
+    {
+        const char *active, *sub, *job;
+        std::uint64_t secondsAgo, limit;
+        DWORD dwState, dwCheckPoint, dwWaitHint;
+    };
+    const Case cases[] = {
+        {"active", "running", "", 9, 90, SERVICE_RUNNING, 0, 250},
+        {"active", "exited", "", 9, 90, SERVICE_RUNNING, 0, 250},
+        {"reloading", "reload", "reload", 9, 90, SERVICE_RUNNING, 0, 250},
+        {"inactive", "dead", "", 9, 90, SERVICE_STOPPED, 0, 10'000},
+        {"failed", "failed", "", 9, 90, SERVICE_STOPPED, 0, 10'000},
+        {"maintenance", "cleaning", "", 9, 90, SERVICE_STOPPED, 0, 10'000},
+        {"activating", "start-pre", "start", 3, 90, SERVICE_START_PENDING, 2003, 10'000},
+        {"activating", "start", "start", 0, 90, SERVICE_START_PENDING, 3000, 10'000},
+        {"activating", "start", "", 5000, 7, SERVICE_START_PENDING, 3007, 10'000},
+        {"activating", "start", "", 5000, kNone, SERVICE_START_PENDING, 3090, 10'000},
+        {"activating", "start", "", 5000, 4000, SERVICE_START_PENDING, 3999, 10'000},
+        {"activating", "auto-restart", "", 5, 90, SERVICE_START_PENDING, 1, 10'000},
+        {"deactivating", "stop-sigterm", "stop", 4, 90, SERVICE_STOP_PENDING, 7004, 250},
+        {"deactivating", "stop-sigterm", "restart", 4, 90, SERVICE_STOP_PENDING, 7004, 250},
+        // A job that waits counts as what it will do.
+        {"inactive", "dead", "start", 900, 90, SERVICE_START_PENDING, 1, 10'000},
+        {"failed", "failed", "restart", 900, 90, SERVICE_START_PENDING, 1, 10'000},
+        {"active", "running", "stop", 900, 90, SERVICE_STOP_PENDING, 1, 250},
+        {"active", "running", "try-restart", 900, 90, SERVICE_STOP_PENDING, 1, 250},
+        {"inactive", "dead", "verify-active", 900, 90, SERVICE_STOPPED, 0, 10'000},
+    };
+    for (const Case& one : cases) {
+        test::Unit unit;
+        unit.active = one.active;
+        unit.sub = one.sub;
+        unit.jobType = one.job;
+        unit.secondsAgo = one.secondsAgo;
+        unit.startLimit = unit.stopLimit = one.limit == kNone ? kNone : one.limit * 1'000'000;
+        unit.pid = 42;
+        m_standIn->Set("Nv.service", unit);
+        const auto status = Status("Nv");
+        EXPECT_EQ(status.dwCurrentState, one.dwState) << one.active << one.sub << one.job;
+        EXPECT_EQ(status.dwCheckPoint, one.dwCheckPoint) << one.active << one.sub << one.job;
+        EXPECT_EQ(status.dwWaitHint, one.dwWaitHint) << one.active << one.sub << one.job;
+        EXPECT_EQ(status.dwControlsAccepted, one.dwState == SERVICE_RUNNING ? SERVICE_ACCEPT_STOP : 0u);
+        EXPECT_EQ(status.dwProcessId, 42u);
+        EXPECT_EQ(status.dwServiceType, SERVICE_WIN32_OWN_PROCESS);
+    }
+    // A job that ends while it is asked for.
+    test::Unit gone;
+    gone.jobType = "start";
+    gone.jobGone = true;
+    m_standIn->Set("Nv.service", gone);
+    EXPECT_EQ(Status("Nv").dwCurrentState, SERVICE_STOPPED);
+
+    struct Exit
+    {
+        const char* result;
+        std::uint64_t started;
+        DWORD dwExitCode, dwSpecific;
+    };
+    const Exit exits[] = {{"success", 1, 0, 0},      {"success", 0, ERROR_SERVICE_NEVER_STARTED, 0},
+                          {"exit-code", 1, 1066, 3}, {"signal", 1, ERROR_PROCESS_ABORTED, 0},
+                          {"timeout", 1, 1053, 0},   {"start-limit-hit", 0, 1067, 0}};
+    for (const Exit& one : exits) {
+        test::Unit unit;
+        unit.result = one.result;
+        unit.started = one.started;
+        unit.exitStatus = 3;
+        m_standIn->Set("Nv.service", unit);
+        const auto status = Status("Nv");
+        EXPECT_EQ(status.dwWin32ExitCode, one.dwExitCode) << one.result;
+        EXPECT_EQ(status.dwServiceSpecificExitCode, one.dwSpecific) << one.result;
+    }
+    for (const char* pszType : {"s", "i", "as", "a{ss}", "a{sv}"}) {
+        m_standIn->Fail("GetAll", std::string("=") + pszType);
+        EXPECT_EQ(Open("Nv"), ERROR_GEN_FAILURE) << pszType;
+    }
+}
+
+TEST_F(Systemd, StartsAndStopsAreRefusedAsThePlatformDoes)
+{
+    test::Unit unit;
+    struct Case
+    {
+        const char* active;
+        DWORD dwStart, dwStop;
+    };
+    for (const Case& one : {Case{"active", 1056, 0}, Case{"activating", 1056, 1061},
+                            Case{"deactivating", 1056, 1061}, Case{"failed", 0, 1062}}) {
+        unit.active = one.active;
+        m_standIn->Set("Nv.service", unit);
+        Calls();
+        EXPECT_EQ(Start("Nv"), one.dwStart);
+        EXPECT_EQ(Calls().find("StartUnit Nv.service replace;") != std::string::npos, one.dwStart == 0);
+        EXPECT_EQ(Stop("Nv"), one.dwStop);
+        EXPECT_EQ(Calls().find("StopUnit Nv.service replace;") != std::string::npos, one.dwStop == 0);
+    }
+    const std::pair<const char*, DWORD> errors[] = {
+        {"systemd1.UnitMasked", ERROR_SERVICE_DISABLED},
+        {"systemd1.NoSuchUnit", ERROR_SERVICE_DOES_NOT_EXIST},
+        {"systemd1.OnlyByDependency", ERROR_INVALID_SERVICE_CONTROL},
+        {"systemd1.ShuttingDown", ERROR_SHUTDOWN_IN_PROGRESS},
+        {"systemd1.SomethingNew", ERROR_GEN_FAILURE},
+        {"DBus.Error.AccessDenied", ERROR_ACCESS_DENIED},
+        {"DBus.Error.ServiceUnknown", RPC_S_SERVER_UNAVAILABLE},
+    };
+    for (const auto& [name, error] : errors) {
+        m_standIn->Fail("StartUnit", std::string("org.freedesktop.") + name);
+        unit.active = "inactive";
+        m_standIn->Set("Nv.service", unit);
+        EXPECT_EQ(Start("Nv"), error) << name;
+    }
+}
+
+TEST_F(Systemd, DependentsComeAheadOfWhatTheyNeed)
+{
+    const auto add = [&](const std::string& name, const std::string& active,
+                         std::map<std::string, Strings> lists) {
+        test::Unit unit;
+        unit.active = active;
+        unit.lists = std::move(lists);
+        unit.description = "T " + name.substr(0, 2);
+        m_standIn->Set(name, unit);
+    };
+    EXPECT_EQ(Open("Db"), ERROR_SERVICE_DOES_NOT_EXIST);
+    add("Db.service", "active",
+        {{"RequiredBy", {"A.service", "all.target", "gone.service"}},
+         {"BoundBy", {"B x.service", "B\\x20x.service"}},
+         {"WantedBy", {"Loose.service"}}});
+    add("A.service", "active", {{"RequisiteOf", {"C.service"}}});
+    add("C.service", "inactive", {{"RequiredBy", {"A.service", "Db.service"}}}); // in a circle
+    add("all.target", "active", {{"RequiredBy", {"D.service", "x\\x2dy.service"}}});
+    add("D.service", "activating", {});
+    add("B\\x20x.service", "active", {});
+    add("x\\x2dy.service", "active", {}); // no service's unit, as its name would be "x-y"
+    EXPECT_EQ(Dependents("Db"), (Strings{"C=T C.,1", "A=T A.,4", "D=T D.,2", "B x=T B\\,4"}));
+    EXPECT_EQ(Dependents("D"), Strings{});
+    Calls();
+    EXPECT_EQ(Stop("Db"), ERROR_DEPENDENT_SERVICES_RUNNING);
+    EXPECT_EQ(Calls().find("StopUnit"), std::string::npos);
+}
+
+TEST_F(Systemd, TheControllerWorksOnIt)
+{
+    const test::VirtualClock clock(1'700'000'000, KXHost::VirtualSleep::Advances);
+    const test::DebugText text;
+    test::Unit main, dependent;
+    main.lists = {{"RequiredBy", {"Dep.service"}}};
+    main.steps = {{"activating", "start"},
+                  {"activating", "start"},
+                  {"activating", "start-post"},
+                  {"active", "running"}};
+    m_standIn->Set("Nv.service", main);
+    m_standIn->Set("Dep.service", dependent);
+    KXHost::SetServiceManager(m_manager);
+    CKXWinService service("Nv");
+    EXPECT_EQ(service.DoStart(), 1);
+    main.active = dependent.active = "active";
+    main.steps = {{"deactivating", "stop"}, {"deactivating", "stop-sigterm"}, {"inactive", "dead"}};
+    dependent.steps = {{"deactivating", "stop-sigterm"}, {"inactive", "dead"}};
+    m_standIn->Set("Dep.service", dependent);
+    m_standIn->Set("Nv.service", main);
+    EXPECT_EQ(service.DoStop(), 1);
+    // A stop that ends while a start waits for it.
+    main.active = "deactivating";
+    main.moving = true;
+    main.steps = {{"deactivating", "stop-sigterm"},
+                  {"deactivating", "final-sigterm"},
+                  {"inactive", "dead"},
+                  {"inactive", "dead"},
+                  {"activating", "start"},
+                  {"active", "running"}};
+    m_standIn->Set("Nv.service", main);
+    EXPECT_EQ(service.DoStart(), 1);
+    KXHost::SetServiceManager(nullptr);
+    EXPECT_EQ(text.Text(), "Service start pending...\nService started successfully.\n"
+                           "Service stopped successfully\n"
+                           "Service start pending...\nService started successfully.\n");
+}
+
+} // namespace
