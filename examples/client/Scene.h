@@ -18,7 +18,17 @@ bool ShowLanguages();
 bool ShowDrawing();
 bool ShowPictures();
 bool ShowSkins();
+bool ShowDownloads();
+bool ShowSpelling();
+bool ShowWordLists();
+bool ShowCrash();
+bool ShowServices();
 bool ShowLog();
+
+// The spelling test in a window, until it is closed; the program's exit code.
+int RunSpelling();
+// How a client is started whose only work is to crash, for ShowCrash; it doesn't return.
+int Crash();
 
 // A text of the library, which is in the process's code page, as the terminal's UTF-8.
 std::string Utf8(const CString& str);

@@ -234,6 +234,7 @@ void client::SkinPainter::Progress(const CRect& rc, int nPercent)
     const int nHeight = bmp.GetSrcImageRect().Height();
     CRect rcBar(rc.left, Middle(rc, nHeight), rc.right, Middle(rc, nHeight) + nHeight);
     bmp.TransparentDrawFill(&m_dc, rcBar, m_other.m_clrMask, 0);
+    if (nPercent <= 0) return; // the ends of a bar would be wider than it
     rcBar.right = rcBar.left + rcBar.Width() * nPercent / 100;
     bmp.TransparentDrawFill(&m_dc, rcBar, m_other.m_clrMask, 1);
 }

@@ -1,5 +1,4 @@
 #include "GdiplusStart.h"
-#include "PngFile.h"
 #include "Scene.h"
 #include "SkinWindows.h"
 #include "SkinnedWindow.h"
@@ -25,9 +24,7 @@ bool WriteDesktop(const CString& strSkin, const CString& strLan)
     const CString strPath =
         CKXFileSystem::GetInstancePtr()->GetAppPath() + "skin-" + strSkin + "-" + strLan + ".png";
     const std::string systemPath = KXHost::ToSystemPath(strPath);
-    const HDC hDC = GetDC(nullptr);
-    const bool bWritten = client::WritePng(hDC, sizePicture, systemPath);
-    ReleaseDC(nullptr, hDC);
+    const bool bWritten = KXHost::SaveDesktop(systemPath);
     if (bWritten) std::printf("      %s\n", systemPath.c_str());
     return bWritten;
 }
@@ -76,6 +73,7 @@ bool client::ShowSkins()
     const GdiplusStart start;
     CKXSkinResManager* pSkins = CKXSkinResManager::GetSingletonPtr();
     if (!start.IsStarted() || pSkins->GetSkinsTotal() == 0) return false;
+    if (!KXHost::UseMemoryDesktop(sizePicture.cx, sizePicture.cy)) return false;
     for (int n = 0; n < pSkins->GetSkinsTotal(); ++n)
         std::printf("   %d: %s\n", n, Utf8(pSkins->GetSkinName(n)).c_str());
     pSkins->SetCallbackFunc(OnSkinChanged);

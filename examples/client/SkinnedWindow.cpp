@@ -55,10 +55,12 @@ void client::SkinnedWindow::Redraw()
             rc = PaintFrame(painter, m_size, TextOf(m_look.pszTitle), m_look.bActive, m_look.bMinMaxBox);
         m_look.Paint(painter, rc);
     }
-    CRgn rgn;
-    if (m_look.pszTitle) MakeWindowRgn(*CKXSkinResManager::GetSingletonPtr()->GetWndRes(), m_size, rgn);
+    if (m_look.pszTitle) {
+        CRgn rgn;
+        MakeWindowRgn(*CKXSkinResManager::GetSingletonPtr()->GetWndRes(), m_size, rgn);
+        SetWindowRgn(m_hWnd, static_cast<HRGN>(rgn.Detach()), 0);
+    }
     const HDC hDC = GetDC(m_hWnd);
-    SelectClipRgn(hDC, rgn);
     BitBlt(hDC, 0, 0, m_size.cx, m_size.cy, surface.GetHDC(), 0, 0, SRCCOPY);
     ReleaseDC(m_hWnd, hDC);
 }

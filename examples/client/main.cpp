@@ -2,10 +2,18 @@
 
 #include <cstdio>
 #include <iterator>
+#include <platform/Host.h>
+#include <string_view>
 
-// The order is a client's own: the log first, so that the others can write to it, and last what it wrote.
-int main()
+// Without an argument shows what the library does, scene by scene, in the terminal and in pictures; with
+// "window" it is the spelling test in a window of its own. The order is a client's own: the log first, so
+// that the others can write to it, and last what it wrote.
+int main(int nArgs, char** args)
 {
+    const std::string_view mode = nArgs > 1 ? args[1] : "";
+    if (mode == "crash") return client::Crash();
+    if (mode == "window") return client::RunSpelling();
+    KXHost::UseMemoryDesktop(); // the scenes need no display
     CKXLogSys* pLog = CKXLogSys::GetSingletonPtr();
     const CString strLog = CKXFileSystem::GetInstancePtr()->GetAppPath() + "client.log";
     if (!pLog->Initialize(strLog)) {
@@ -13,9 +21,17 @@ int main()
         return 1;
     }
     constexpr client::Scene scenes[] = {
-        {"Paths and files", client::ShowPaths}, {"Languages", client::ShowLanguages},
-        {"Drawing", client::ShowDrawing},       {"Pictures", client::ShowPictures},
-        {"Skins", client::ShowSkins},           {"Log", client::ShowLog},
+        {"Paths and files", client::ShowPaths},
+        {"Languages", client::ShowLanguages},
+        {"Drawing", client::ShowDrawing},
+        {"Pictures", client::ShowPictures},
+        {"Skins", client::ShowSkins},
+        {"Downloads", client::ShowDownloads},
+        {"Spelling test", client::ShowSpelling},
+        {"Word lists", client::ShowWordLists},
+        {"Crash report", client::ShowCrash},
+        {"Services", client::ShowServices},
+        {"Log", client::ShowLog},
     };
     int nFailed = 0;
     for (const auto& scene : scenes) {
