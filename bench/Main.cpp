@@ -59,6 +59,7 @@ const std::map<std::string, double> aims = {
     {"load_gif20/gdk_pixbuf", 1},
     {"gif_step_320x240/giflib", 1},
     {"save_jpeg/libjpeg", 1 / 1.3},
+    {"save_gray/libjpeg", 1 / 1.3},
     {"thumbnail/pixbuf", 1},
     {"line_down/cairo", 1},
     {"line_across/cairo", 1},
@@ -71,8 +72,20 @@ const std::map<std::string, double> aims = {
     {"bitmap_rgn_noise_1024/scan_pixman", 1 / 1.3},
     {"bitmap_rgn_noise_2048/256_64_times", 0.7},
     {"letter/cairo", 5},
+    {"test_word/cairo", 5},
+    {"send_own/function", 1 / 20.0},
+    {"send_across/condvar", 1 / 1.5},
+    {"repaint_800x600/cairo", 1.5},
+    {"download_256mb/libcurl_2048", 0.9},
+    {"download_2000_small/libcurl", 0.95},
+    {"tasks_1_producer/bare_deque", 0.8},
     {"skin_change/read_and_decode", 1 / 1.5},
     {"skin_ini_reads/whole_change", 20},
+    {"crash_to_main/posix_spawn", 0.5},
+    {"xml_load_5mb/libxml2", 1 / 1.15},
+    {"xml_read_childs/libxml2_xpath", 5},
+    {"xml_read_childs/ten_tenths", 0.8},
+    {"xml_write/libxml2", 1 / 1.5},
 };
 
 struct Row

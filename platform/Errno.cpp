@@ -1,8 +1,9 @@
 #include "platform/Errno.h"
 
 namespace {
-thread_local DWORD t_lastError = ERROR_SUCCESS;
-}
+// In the threads' static block: a crash filter may set it, and must not be the first to have it allocated.
+[[gnu::tls_model("initial-exec")]] constinit thread_local DWORD t_lastError = ERROR_SUCCESS;
+} // namespace
 
 DWORD GetLastError() noexcept
 {

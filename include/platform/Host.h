@@ -6,6 +6,7 @@
 
 #include "../KXExport.h"
 #include "Gdi.h"
+#include "ServiceManager.h"
 #include "String.h"
 #include "Types.h"
 
@@ -92,6 +93,18 @@ KX_API void SetRegistryFile(const std::string& strPath);
 
 // ---- Desktop
 
+// Where windows appear: on the X server that DISPLAY names if it answers, else on a desktop in memory. These
+// choose another; false, with nothing changed, while there are windows. The size is at most 16,384 each way.
+KX_API bool UseMemoryDesktop(int nWidth = 1024, int nHeight = 768);
+// A null name is DISPLAY's. False also when it doesn't answer. Windows of other processes are found there,
+// but messages don't reach them: what is posted or sent to one gives 0. Windows need a screen of 24 bits and
+// more, and end with the server, as if each was destroyed.
+KX_API bool UseDisplay(const char* pszDisplay = nullptr);
+// Whether windows appear in memory alone.
+KX_API bool IsMemoryDesktop();
+// Writes what is seen on the desktop as a PNG file under a Linux path; false if that fails.
+KX_API bool SaveDesktop(const std::string& strPath);
+
 struct MessageBoxRecord
 {
     CString strText;
@@ -109,7 +122,7 @@ struct SentMessage
     LPARAM lParam = 0;
 };
 
-// Puts a top-level window of another process on the headless desktop. What is sent or posted to it is
+// Puts a top-level window of another process on the desktop in memory. What is sent or posted to it is
 // recorded (the newest 1,000); a sent message gives 0. Its thread's number is the process's. Null for a
 // process of 0.
 KX_API HWND AddForeignWindow(DWORD dwProcessId, bool bVisible);
@@ -150,10 +163,14 @@ using CopyObserver = std::function<void(const CopyRecord&)>;
 // that. An empty function ends it; a call that has begun on another thread may still be running then.
 KX_API void SetCopyObserver(CopyObserver observer);
 
+// ---- Services
+//
+// SetServiceManager and what it takes: see ServiceManager.h.
+
 // ---- Handles
 
-// How many events, threads, searches, registry keys, modules, surfaces, drawing objects and icons are open;
-// stock objects don't count.
+// How many events, threads, processes, searches, registry keys, service handles, modules, surfaces, drawing
+// objects and icons are open, and XML documents or parts of them in use; stock objects don't count.
 KX_API int LiveHandles();
 
 } // namespace KXHost

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 
-// The user's home, registry and zone stay out of every test.
+// The user's home, registry, zone and network stay out of every test.
 int main(int argc, char** argv)
 {
     testing::InitGoogleTest(&argc, argv);
@@ -14,5 +14,9 @@ int main(int argc, char** argv)
     setenv("TZ", "UTC0", 1);
     setenv("LC_ALL", "C.UTF-8", 1);
     unsetenv("KX_DEBUG");
+    for (const char* pszName : {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY",
+                                "no_proxy", "NO_PROXY", "CURL_CA_BUNDLE", "SSL_CERT_FILE", "SSL_CERT_DIR"})
+        unsetenv(pszName);
+    unsetenv("DISPLAY"); // windows appear in memory, not on the developer's screen
     return RUN_ALL_TESTS();
 }

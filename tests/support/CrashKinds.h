@@ -1,0 +1,152 @@
+#pragma once
+
+#include "include/platform/Crash.h"
+#include "include/platform/Sync.h"
+
+#include <array>
+#include <atomic>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <stdexcept>
+#include <string_view>
+#include <thread>
+
+// Ways to crash, for child programs. Each function has a name of its own in the stack.
+namespace crashes {
+
+// Without the checks of a sanitizer's build, which would come first.
+#define KX_CRASHES __attribute__((noinline, no_sanitize("undefined", "address")))
+
+inline volatile int g_nSink = 0;
+inline void* volatile g_pBlock = nullptr;
+inline volatile int g_nDividend = 7000;
+inline volatile int* volatile g_pNowhere = reinterpret_cast<volatile int*>(16);
+
+KX_CRASHES inline void CrashByRead()
+{
+    g_nSink = *g_pNowhere;
+}
+
+KX_CRASHES inline void CrashByWrite()
+{
+    *g_pNowhere = g_nSink;
+}
+
+KX_CRASHES inline void CrashByAbort()
+{
+    std::abort();
+}
+
+KX_CRASHES inline void CrashByException()
+{
+    throw std::runtime_error("nobody catches this");
+}
+
+KX_CRASHES inline void CrashByDivision()
+{
+    g_nSink = g_nDividend / g_nSink;
+}
+
+KX_CRASHES inline void CrashByTrap()
+{
+    __builtin_trap();
+}
+
+KX_CRASHES inline void CrashByCall()
+{
+    void (*volatile pfnNothing)() = nullptr;
+    pfnNothing();
+    g_nSink = 1; // no tail call, so that this is in the stack
+}
+
+KX_CRASHES inline int CrashByOverflow(int nDepth = 0)
+{
+    std::array<volatile char, 512> room;
+    room[static_cast<std::size_t>(nDepth) % room.size()] = 1;
+    return nDepth < 100'000'000 ? CrashByOverflow(nDepth + 1) + room[0] : 0;
+}
+
+// The allocator follows a torn link while it holds the heap's lock, which it takes once there are threads.
+KX_CRASHES inline void CrashByHeap()
+{
+    std::jthread other([](std::stop_token stop) {
+        while (!stop.stop_requested())
+            std::this_thread::yield();
+    });
+    g_pBlock = std::malloc(5000);
+    const volatile auto torn = reinterpret_cast<std::uintptr_t>(g_pBlock);
+    g_pBlock = std::malloc(5000);
+    std::free(reinterpret_cast<void*>(torn));
+    reinterpret_cast<std::uintptr_t*>(torn)[1] = 0x7000000000; // where the list of free blocks goes on
+    g_pBlock = std::malloc(9000);
+}
+
+template <void (*pfnCrash)()>
+unsigned OnWorker(void*)
+{
+    pfnCrash();
+    return 0;
+}
+
+template <void (*pfnCrash)()>
+void OnThread()
+{
+    const auto handle = _beginthreadex(nullptr, 0, OnWorker<pfnCrash>, nullptr, 0, nullptr);
+    WaitForSingleObject(reinterpret_cast<HANDLE>(handle), INFINITE);
+}
+
+inline void Overflow()
+{
+    CrashByOverflow();
+}
+
+inline void OverflowOnClientThread()
+{
+    std::thread([] {
+        KXCrash::GuardThread();
+        CrashByOverflow();
+    }).join();
+}
+
+// As many at once as can be had.
+inline void CrashTogether()
+{
+    static std::atomic<bool> bGo{false};
+    std::array<std::jthread, 4> threads;
+    for (std::jthread& thread : threads)
+        thread = std::jthread([] {
+            bGo.wait(false);
+            CrashByRead();
+        });
+    bGo = true;
+    bGo.notify_all();
+}
+
+struct Kind
+{
+    void (*pfnCrash)();
+    int nSignal;
+    const char* pszFunction; // in the stack
+};
+
+inline const std::map<std::string_view, Kind> kKinds{
+    {"read", {CrashByRead, SIGSEGV, "CrashByRead"}},
+    {"write", {CrashByWrite, SIGSEGV, "CrashByWrite"}},
+    {"abort", {CrashByAbort, SIGABRT, "CrashByAbort"}},
+    {"exception", {CrashByException, SIGABRT, "CrashByException"}},
+    {"division", {CrashByDivision, SIGFPE, "CrashByDivision"}},
+    {"trap", {CrashByTrap, SIGILL, "CrashByTrap"}},
+    {"call", {CrashByCall, SIGSEGV, "CrashByCall"}},
+    {"overflow", {Overflow, SIGSEGV, "CrashByOverflow"}},
+    {"heap", {CrashByHeap, SIGSEGV, "CrashByHeap"}},
+    {"thread", {OnThread<CrashByRead>, SIGSEGV, "CrashByRead"}},
+    {"thread_overflow", {OnThread<Overflow>, SIGSEGV, "CrashByOverflow"}},
+    {"client_overflow", {OverflowOnClientThread, SIGSEGV, "CrashByOverflow"}},
+    {"together", {CrashTogether, SIGSEGV, "CrashByRead"}},
+};
+
+#undef KX_CRASHES
+
+} // namespace crashes
