@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -157,7 +158,7 @@ int CKXWinService::Create(CString const& strBinaryPath, unsigned long dwStartTyp
 {
     m_strBinaryPath = strBinaryPath;
     m_dwStartType = dwStartType;
-    m_strDisplayName = strDisplayName;
+    m_strDisplayName = std::move(strDisplayName);
     if (!OpenSCM()) return 0;
     m_hService =
         CreateServiceA(m_hSCManager, m_strServiceName, m_strDisplayName, SERVICE_ALL_ACCESS,

@@ -74,7 +74,7 @@ BSTR ToBstr(std::string_view utf8)
     const std::size_t nUnits = wide.size() / sizeof(WCHAR);
     if (nUnits > MAX_BSTR_UNITS) return nullptr;
     const BSTR bstr = SysAllocStringLen(nullptr, static_cast<UINT>(nUnits));
-    if (bstr) std::memcpy(bstr, wide.data(), wide.size());
+    if (bstr) std::copy_n(wide.data(), wide.size(), reinterpret_cast<char*>(bstr));
     return bstr;
 }
 
