@@ -1,4 +1,5 @@
 #include <KXCommonTaskThread.h>
+#include <array>
 #include <benchmark/benchmark.h>
 #include <condition_variable>
 #include <deque>
@@ -9,7 +10,8 @@
 #include <thread>
 
 // A million tasks that do nothing, from one producer, until the last is deleted: by the task thread, and by
-// the least that could do it, a deque with a mutex and a condition variable.
+// the least that could do it, a deque with a mutex and a condition variable, with the same two allocations
+// for each task: its record, and a node of a list's size that names it.
 
 namespace {
 
@@ -44,19 +46,27 @@ public:
     ~Deque() { Add(nullptr); }
     void Add(tagKXCommonTask* task)
     {
+        auto node = std::make_unique<Node>(task);
         {
             const std::lock_guard lock(m_lock);
-            m_queue.push_back(task);
+            m_queue.push_back(std::move(node));
         }
         m_wake.notify_one();
     }
 
 private:
+    struct Node
+    {
+        explicit Node(tagKXCommonTask* p) : task(p) {}
+        std::array<void*, 2> links{};
+        tagKXCommonTask* task;
+    };
+
     tagKXCommonTask* Take()
     {
         std::unique_lock lock(m_lock);
         m_wake.wait(lock, [this] { return !m_queue.empty(); });
-        tagKXCommonTask* task = m_queue.front();
+        tagKXCommonTask* task = m_queue.front()->task;
         m_queue.pop_front();
         return task;
     }
@@ -68,7 +78,7 @@ private:
 
     std::mutex m_lock;
     std::condition_variable m_wake;
-    std::deque<tagKXCommonTask*> m_queue;
+    std::deque<std::unique_ptr<Node>> m_queue;
     std::jthread m_thread{[this] { Work(); }};
 };
 

@@ -61,14 +61,14 @@ void CKXXmlDomDocument::SetText(const char* pszText)
     m_pDocument->put_text(WideText(pszText));
 }
 
-CString CKXXmlDomDocument::GetXml()
+CString CKXXmlDomDocument::GetXml() const
 {
     WideResult xml;
     if (m_pDocument) m_pDocument->get_xml(xml.Target());
     return xml.Text();
 }
 
-CString CKXXmlDomDocument::GetText()
+CString CKXXmlDomDocument::GetText() const
 {
     return GetXml();
 }

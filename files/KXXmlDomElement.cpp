@@ -98,13 +98,13 @@ void CKXXmlDomElement::AppendChild(const CKXXmlDomElement& child)
     if (pAppended) pAppended->Release();
 }
 
-CString CKXXmlDomElement::GetAttributeString(const char* pszName)
+CString CKXXmlDomElement::GetAttributeString(const char* pszName) const
 {
     const Attribute value(m_pElement, pszName, VT_BSTR);
     return value ? ToText(value->bstrVal) : CString();
 }
 
-long CKXXmlDomElement::GetAttributeInt32(const char* pszName)
+long CKXXmlDomElement::GetAttributeInt32(const char* pszName) const
 {
     const Attribute value(m_pElement, pszName, VT_I4);
     return value ? value->lVal : 0;

@@ -19,14 +19,14 @@ public:
     bool Load(const char* pszFile);
     bool LoadXml(const char* pszXml);
     // Writes the file in the document's declared encoding, in UTF-8 without one. An old file stays unless all
-    // of the new one could be written.
+    // of the new one could be written, and if the document is empty.
     void Save(const char* pszFile);
 
     // A document takes no text: nothing happens.
     void SetText(const char* pszText);
     // The markup, in both.
-    CString GetXml();
-    CString GetText();
+    CString GetXml() const;
+    CString GetText() const;
 
     CKXXmlDomElement GetDocumentElement();
     // Takes the place of the element that was there. Nothing happens if it is invalid.

@@ -24,7 +24,7 @@ class KX_API CKXXmlDomElement
 public:
     CKXXmlDomElement() = default;
     // Takes a reference of its own; null makes an invalid element.
-    explicit CKXXmlDomElement(IXMLDOMElement* pElement);
+    CKXXmlDomElement(IXMLDOMElement* pElement);
     CKXXmlDomElement(const CKXXmlDomElement& other);
     ~CKXXmlDomElement();
     CKXXmlDomElement& operator=(const CKXXmlDomElement& other);
@@ -44,9 +44,9 @@ public:
 
     // ---- Attributes
 
-    CString GetAttributeString(const char* pszName);
+    CString GetAttributeString(const char* pszName) const;
     // Also 0 for a text that is no number as a whole or lies beyond 32 bits.
-    long GetAttributeInt32(const char* pszName);
+    long GetAttributeInt32(const char* pszName) const;
     // The default for a missing attribute and a text that is no number as a whole.
     double GetAttributeDouble(const char* pszName, double dDefault);
     // The default for a missing or empty attribute; day 0 with the status invalid for a text that is no date.

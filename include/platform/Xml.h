@@ -107,7 +107,7 @@ struct IXMLDOMDocument : IXMLDOMNode
     virtual HRESULT load(VARIANT path, VARIANT_BOOL* pbSuccess) = 0;
     virtual HRESULT loadXML(BSTR bstrXml, VARIANT_BOOL* pbSuccess) = 0;
     // Writes the file in the declared encoding, in UTF-8 without one. The file's old content stays unless all
-    // of the new could be written: E_FAIL then.
+    // of the new could be written: E_FAIL then, as for a document without an element.
     virtual HRESULT save(VARIANT path) = 0;
 
     // S_FALSE and null if the document is empty.

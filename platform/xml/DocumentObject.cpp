@@ -92,6 +92,7 @@ HRESULT DocumentObject::save(VARIANT path)
 {
     return Guarded([&] {
         if (path.vt != VT_BSTR) return E_INVALIDARG;
+        if (!m_tree->Root()) return E_FAIL; // the file could never be loaded
         const auto content = FileContentOf(m_tree->Doc());
         if (!content) return E_OUTOFMEMORY;
         const auto target = path::Resolve(ToCodePage(path.bstrVal).c_str());

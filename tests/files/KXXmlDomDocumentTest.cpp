@@ -208,6 +208,8 @@ TEST_F(KXXmlDomDocument, SaveLeavesTheOldFileOrTheNew)
 
     EXPECT_FALSE(doc.Load(nullptr));
     EXPECT_EQ(doc.GetXml(), "");
+    doc.Save(m_dir.Win("a.xml")); // an empty document is no file
+    EXPECT_EQ(m_dir.Read("a.xml"), "<new/>\n");
     for (const CString& strFrom : {m_dir.Win("d"), m_dir.Win("none.xml"), CString("http://127.0.0.1/a.xml")})
         EXPECT_FALSE(doc.Load(strFrom));
 }

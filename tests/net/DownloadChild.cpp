@@ -1,14 +1,12 @@
 #include "KXHttpDownloadMgr.h"
+#include "tests/net/WorkerThread.h"
 
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <iterator>
 #include <semaphore>
 #include <string_view>
 #include <sys/resource.h>
-#include <thread>
 
 namespace {
 
@@ -16,14 +14,12 @@ namespace {
 std::counting_semaphore<>& Blocks = *new std::counting_semaphore<>(0);
 std::counting_semaphore<>& Ends = *new std::counting_semaphore<>(0);
 
-std::ptrdiff_t Threads()
-{
-    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
-}
+test::WorkerThread worker;
 
 int Print(unsigned int code, unsigned int id, CString const&, CString const&, unsigned long, unsigned long,
           unsigned int bExit)
 {
+    worker.Note();
     std::fprintf(stderr, "%u %u\n", id, code);
     if (code == WM_KXDOWNLOADBLOCK && bExit) std::exit(0);
     if (code == WM_KXDOWNLOADBLOCK) Blocks.release();
@@ -43,8 +39,7 @@ int main(int, char** argv)
         const rlimit none{2, 2};
         setrlimit(RLIMIT_FSIZE, &none);
         mgr.AddTask(argv[2], argv[3], Print, 0);
-        while (Threads() > 1) // until the worker has ended by itself
-            std::this_thread::yield();
+        worker.AwaitEnd();
         return 0;
     }
     mgr.AddTask(argv[2], argv[3], Print, how == "exit");

@@ -1,25 +1,27 @@
 #include "KXHttpDownloadMgr.h"
 #include "KXStatSender.h"
+#include "tests/net/WorkerThread.h"
 
-#include <filesystem>
-#include <iterator>
 #include <semaphore>
-#include <thread>
 
 namespace {
 
-std::binary_semaphore ended{0};
+test::WorkerThread worker;
+std::counting_semaphore<> ended{0};
 
 int OnDownload(unsigned int code, unsigned int, CString const&, CString const&, unsigned long, unsigned long,
                unsigned int)
 {
+    worker.Note();
     if (code == WM_KXDOWNLOADENDED) ended.release();
     return 0;
 }
 
-std::ptrdiff_t Threads()
+// Waits until all that was added before has been sent.
+void Drain(const CString& strBase)
 {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+    CKXHttpDownloadMgr::Instance().AddTask(strBase + "/end", "", OnDownload, 0);
+    ended.acquire();
 }
 
 } // namespace
@@ -29,14 +31,12 @@ int main(int argc, char** argv)
 {
     CKXStatSender& sender = CKXStatSender::Instance();
     if (argc > 2) {
+        Drain(argv[1]);
         sender.Report("abc", 3);
-        while (Threads() > 1) // until the worker has ended by itself
-            std::this_thread::yield();
+        worker.AwaitEnd();
     }
     sender.Initialize(argv[1], "7");
     sender.Report("start", 1);
-    if (argc > 2) return 0;
-    CKXHttpDownloadMgr::Instance().AddTask(CString(argv[1]) + "/end", "", OnDownload, 0);
-    ended.acquire();
+    if (argc == 2) Drain(argv[1]);
     return 0;
 }

@@ -80,9 +80,11 @@ TEST_F(X11InputTest, KeysAreHeardByWhoHasTheFocus)
     ShowSeen(window, kRed, 50, 50);
     ShowSeen(other, kBlue, 250, 50);
     EXPECT_EQ(GetFocus(), other.handle);
-    outside->MoveMouse(50, 50);
-    outside->Button(1, true);
-    outside->Button(1, false);
+    Hear(window, "up", [&] {
+        outside->MoveMouse(50, 50);
+        outside->Button(1, true);
+        outside->Button(1, false);
+    });
     ASSERT_TRUE(Pump([&] { return outside->Focused() == outside->Find("window"); }));
     EXPECT_EQ(GetFocus(), window.handle);
 
@@ -128,7 +130,7 @@ TEST_F(X11InputTest, TheFocusGoesWhereTheServerGivesIt)
     for (int i = 0; i < 20; ++i)
         SetFocus(i % 2 ? first.handle : second.handle);
     ASSERT_TRUE(Pump([&] { return outside->Focused() == outside->Find("first"); }));
-    EXPECT_EQ(Hear(first, "keyup", [&] { Type(outside->KeyOf('a')); }).find("key 65"), 0u);
+    EXPECT_THAT(Hear(first, "keyup", [&] { Type(outside->KeyOf('a')); }), HasSubstr("key 65"));
     EXPECT_EQ(GetFocus(), first.handle);
     outside->Focus(0);
     EXPECT_TRUE(Pump([&] { return !GetFocus(); }));
