@@ -5,7 +5,6 @@
 #include "platform/xml/EntityBudget.h"
 
 #include <algorithm>
-#include <cstring>
 #include <libxml/SAX2.h>
 #include <libxml/parserInternals.h>
 #include <libxml/valid.h>
@@ -92,7 +91,7 @@ int Parsing::OnRead(void* self, char* target, int nSize) noexcept
         return -1;
     }
     const std::size_t nBytes = std::min(static_cast<std::size_t>(nSize), parsing.m_rest.size());
-    std::memcpy(target, parsing.m_rest.data(), nBytes);
+    parsing.m_rest.copy(target, nBytes);
     parsing.m_rest.remove_prefix(nBytes);
     return static_cast<int>(nBytes);
 }
