@@ -273,7 +273,8 @@ TEST_F(CrashDumper, LeavesACoreThatADebuggerOpens)
         EXPECT_THAT(text, HasSubstr("Program terminated with signal SIG"));
         EXPECT_THAT(text, HasSubstr(kind.pszFunction));
         EXPECT_THAT(text, HasSubstr("$1 = " + std::to_string(kind.nSignal)));
-        EXPECT_TRUE(kind.nSignal == SIGABRT || std::regex_search(text, std::regex("#[01] .*CrashBy"))) << text;
+        EXPECT_TRUE(kind.nSignal == SIGABRT || std::regex_search(text, std::regex("#[01] .*CrashBy")))
+            << text;
     }
 }
 
