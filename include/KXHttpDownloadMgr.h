@@ -32,10 +32,12 @@ inline constexpr unsigned int WM_KXDOWNLOADCUT = 2032;    // the library's unloa
 //
 // A task's notifications are one of
 //
-//     2029, 2030 for each block of up to 2,048 bytes, 2031    all of it arrived; of an empty body just 2029,
-//     2031 2029, then 2032                                         the unload came before the first block
-//     2029, 2030 for each block, 2032, 2031                   the unload came after a block
-//     nothing, or 2029 and 2030s, and no last code            it failed
+//     2029, 2030 for each block, 2031          all of it arrived (of an empty body just 2029, 2031)
+//     2029, 2032                               the unload came before the first block
+//     2029, 2030 for each block, 2032, 2031    the unload came after a block
+//     nothing, or 2029 and 2030s               it failed
+//
+// where a block has up to 2,048 bytes.
 //
 // The server's status isn't looked at: an error page is stored as any other body. After a 2030 for a local
 // file, that file holds as many bytes as were received.
