@@ -33,7 +33,7 @@ struct AFX_MSGMAP
 #define DECLARE_MESSAGE_MAP()                                                                                \
 protected:                                                                                                   \
     static const AFX_MSGMAP* GetThisMessageMap();                                                            \
-    virtual const AFX_MSGMAP* GetMessageMap() const;
+    const AFX_MSGMAP* GetMessageMap() const override;
 
 #define BEGIN_MESSAGE_MAP(the_class, base_class)                                                             \
     const AFX_MSGMAP* the_class::GetMessageMap() const                                                       \

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr COLORREF kYellow = RGB(255, 255, 0), kBlue = RGB(0, 0, 255);
+constexpr COLORREF kYellow = RGB(255, 255, 0);
 constexpr int kLeft = (DESKTOP_WIDTH - 200) / 2, kTop = (DESKTOP_HEIGHT - 100) / 2;
 
 // The desktop as it is seen.
