@@ -1,5 +1,6 @@
 #include "include/platform/Services.h"
 
+#include "tests/support/Host.h"
 #include "tests/support/ScriptedManager.h"
 
 #include <gtest/gtest.h>
@@ -34,6 +35,7 @@ protected:
                                     nullptr, nullptr, nullptr, nullptr, nullptr, pszTitle);
     }
 
+    const test::VirtualClock m_clock; // the manager writes down what time passes
     const int m_nLive = KXHost::LiveHandles();
     std::shared_ptr<test::ScriptedManager> m_manager = std::make_shared<test::ScriptedManager>();
     SC_HANDLE m_hManager = nullptr;
