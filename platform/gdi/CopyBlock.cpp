@@ -1,8 +1,10 @@
+#include "platform/Cpu.h"
 #include "platform/gdi/Copies.h"
 
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace kx::gdi {
@@ -46,7 +48,7 @@ void CopyLongRow(DWORD* out, const DWORD* in, std::size_t nPixels) noexcept
 }
 
 // Rows within one surface are taken from the end that the copy moves to, so that none is overwritten unread.
-void CopyRows(Surface& to, const Surface& from, const Fit& fit) noexcept
+[[gnu::always_inline]] inline void CopyRowsInline(Surface& to, const Surface& from, const Fit& fit) noexcept
 {
     const RECT& area = fit.area;
     if (IsEmpty(area)) return;
@@ -54,10 +56,14 @@ void CopyRows(Surface& to, const Surface& from, const Fit& fit) noexcept
     const bool bOntoItself = &to == &from && fit.dy == 0; // within a row
     const int nFirst = bUpwards ? area.bottom - 1 : area.top;
     const std::ptrdiff_t nStep = bUpwards ? -1 : 1;
-    const auto nPixels = static_cast<std::size_t>(area.right - area.left);
+    auto nPixels = static_cast<std::size_t>(area.right - area.left);
     DWORD* out = to.Row(nFirst) + area.left;
     const DWORD* in = from.Row(nFirst - fit.dy) + area.left - fit.dx;
-    for (int nRows = area.bottom - area.top; nRows > 0; --nRows) {
+    int nRows = area.bottom - area.top;
+    if (&to != &from && static_cast<std::ptrdiff_t>(nPixels) == to.Stride() &&
+        to.Stride() == from.Stride()) // the rows lie without a gap
+        nPixels *= static_cast<std::size_t>(std::exchange(nRows, 1));
+    for (; nRows > 0; --nRows) {
         if (bOntoItself)
             std::memmove(out, in, nPixels * sizeof(DWORD));
         else
@@ -65,6 +71,21 @@ void CopyRows(Surface& to, const Surface& from, const Fit& fit) noexcept
         out += nStep * to.Stride();
         in += nStep * from.Stride();
     }
+}
+
+void CopyRowsPlain(Surface& to, const Surface& from, const Fit& fit) noexcept
+{
+    CopyRowsInline(to, from, fit);
+}
+
+KX_AVX2 void CopyRowsAvx2(Surface& to, const Surface& from, const Fit& fit) noexcept
+{
+    CopyRowsInline(to, from, fit);
+}
+
+void CopyRows(Surface& to, const Surface& from, const Fit& fit) noexcept
+{
+    HasAvx2() ? CopyRowsAvx2(to, from, fit) : CopyRowsPlain(to, from, fit);
 }
 
 // The parts in an order in which none overwrites what a later one reads.

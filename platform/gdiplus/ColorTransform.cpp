@@ -1,5 +1,6 @@
 #include "platform/gdiplus/ColorTransform.h"
 
+#include "platform/Cpu.h"
 #include "platform/gdiplus/Blend.h"
 
 namespace kx::gdiplus {
@@ -52,23 +53,15 @@ void WeighPlain(const Grays& grays, const DWORD* from, DWORD* to, int n) noexcep
     Weigh(grays, from, to, n);
 }
 
-#if defined(__x86_64__)
-[[gnu::target("avx2")]] void WeighAvx2(const Grays& grays, const DWORD* from, DWORD* to, int n) noexcept
+KX_AVX2 void WeighAvx2(const Grays& grays, const DWORD* from, DWORD* to, int n) noexcept
 {
     Weigh(grays, from, to, n);
 }
 
 void WeighRun(const Grays& grays, const DWORD* from, DWORD* to, int n) noexcept
 {
-    static const bool bAvx2 = __builtin_cpu_supports("avx2") != 0;
-    bAvx2 ? WeighAvx2(grays, from, to, n) : WeighPlain(grays, from, to, n);
+    HasAvx2() ? WeighAvx2(grays, from, to, n) : WeighPlain(grays, from, to, n);
 }
-#else
-void WeighRun(const Grays& grays, const DWORD* from, DWORD* to, int n) noexcept
-{
-    WeighPlain(grays, from, to, n);
-}
-#endif
 
 } // namespace
 

@@ -96,7 +96,7 @@ TEST(BitBlt, CopiesLongRowsFromAndToAnyColumn)
     const Picture source = Colorful(1600, 2);
     const Paper from(source);
     for (const int x : {0, 1, 7, 15, 16, 17}) {
-        const Copy copy{x, 0, 1500, 2, x % 3, 0};
+        const Copy copy{x, 0, x == 0 ? 1600 : 1500, 2, x % 3, 0}; // or all of it at once
         const Paper to(1600, 2);
         Blit(to, copy, from);
         EXPECT_EQ(to.Read(), Copied(Picture(2, std::string(1600, '.')), source, copy, 0, everywhere)) << x;
@@ -188,7 +188,8 @@ TEST(BlockCopy, OfAnySizeAndPlaceStaysWithinTheSurfaces)
 // Widths around those of vector registers, at each alignment.
 TEST(TransparentBlt, LeavesOutTheKeyAtAnyWidth)
 {
-    const Picture source = Colorful(70, 3);
+    Picture source = Colorful(70, 3);
+    source[1].replace(8, 40, 40, 'C'); // whole lines of the cache without a pixel to copy
     const Paper from(source);
     for (int width = 0; width <= 67; ++width) {
         const Copy copy{width % 5, 1, width, 2, width % 3, 0};
