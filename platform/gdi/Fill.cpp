@@ -14,8 +14,14 @@ namespace {
 void FillPart(Surface& surface, const RECT& part, DWORD pixel) noexcept
 {
     if (IsEmpty(part)) return;
-    for (int y = part.top; y < part.bottom; ++y)
-        std::fill_n(surface.Row(y) + part.left, part.right - part.left, pixel);
+    const int nWidth = part.right - part.left;
+    DWORD* row = surface.Row(part.top) + part.left;
+    for (int nRows = part.bottom - part.top; nRows > 0; --nRows, row += surface.Stride()) {
+        if (nWidth == 1) // the side of a box
+            *row = pixel;
+        else
+            std::fill_n(row, nWidth, pixel);
+    }
 }
 
 } // namespace

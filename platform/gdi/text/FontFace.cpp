@@ -15,11 +15,11 @@ namespace kx::gdi {
 
 namespace {
 
-constexpr int kMaxHeight = 1024;               // pixels; larger letters are drawn at this size
-constexpr int kDefaultHeight = -12;            // for a height of 0
-constexpr std::size_t kMaxCoverage = 4u << 20; // bytes of letters kept for a face
-constexpr std::size_t kMaxSources = 16;        // faces open for one font
-constexpr std::size_t kKept = 16;              // fonts kept after their last use
+constexpr int kMaxHeight = 1024;            // pixels; larger letters are drawn at this size
+constexpr int kDefaultHeight = -12;         // for a height of 0
+constexpr std::size_t kMaxBytes = 8u << 20; // of letters kept for a face
+constexpr std::size_t kMaxSources = 16;     // faces open for one font
+constexpr std::size_t kKept = 16;           // fonts kept after their last use
 
 using Key = std::tuple<FaceRequest, int>;
 
@@ -38,6 +38,12 @@ int Clamped(int nHeight)
 int Round26(FT_Pos value)
 {
     return static_cast<int>((value + 32) >> 6);
+}
+
+// Of a coverage of 0 to 255.
+std::int16_t WeightOf(unsigned char coverage)
+{
+    return static_cast<std::int16_t>(coverage * (Glyph::WHOLE - 1) / 255);
 }
 
 } // namespace
@@ -134,15 +140,15 @@ Glyph FontFace::Render(char32_t ch)
     glyph.width = static_cast<int>(bitmap.width);
     glyph.rows = static_cast<int>(bitmap.rows);
     glyph.stride = (glyph.width + Glyph::BLOCK - 1) / Glyph::BLOCK * Glyph::BLOCK;
-    const auto nStride = sizeof(DWORD) * static_cast<std::size_t>(glyph.stride);
-    glyph.coverage.reserve(nStride * bitmap.rows + Glyph::PADDING);
+    glyph.weights.reserve(static_cast<std::size_t>(glyph.stride) * bitmap.rows * Glyph::CHANNELS);
     for (unsigned y = 0; y < bitmap.rows; ++y) {
         const unsigned char* row = bitmap.buffer + static_cast<std::ptrdiff_t>(y) * bitmap.pitch;
-        for (unsigned x = 0; x < bitmap.width; ++x)
-            glyph.coverage.insert(glyph.coverage.end(), {row[x], row[x], row[x], 0});
-        glyph.coverage.resize(nStride * (y + 1));
+        for (unsigned x = 0; x < bitmap.width; ++x) {
+            const std::int16_t weight = WeightOf(row[x]);
+            glyph.weights.insert(glyph.weights.end(), {weight, weight, weight, 0});
+        }
+        glyph.weights.resize(static_cast<std::size_t>(glyph.stride) * (y + 1) * Glyph::CHANNELS);
     }
-    glyph.coverage.resize(glyph.coverage.size() + Glyph::PADDING);
     return glyph;
 }
 
@@ -154,12 +160,12 @@ const Glyph& FontFace::Get(char32_t ch)
         return *kept;
     }
     if (const auto found = m_others.find(ch); found != m_others.end()) return found->second;
-    if (m_bytes > kMaxCoverage) {
+    if (m_bytes > kMaxBytes) {
         m_others.clear();
         m_bytes = 0;
     }
     const Glyph& glyph = m_others[ch] = Render(ch);
-    m_bytes += glyph.coverage.size() + sizeof(Glyph);
+    m_bytes += glyph.weights.size() * sizeof(std::int16_t) + sizeof(Glyph);
     return glyph;
 }
 

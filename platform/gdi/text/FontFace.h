@@ -5,28 +5,29 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <unordered_map>
 #include <vector>
 
 namespace kx::gdi {
 
-// One letter at one size: how far it moves on, and its coverage, 0 to 255 a pixel, placed from the pen's
-// position on the base line. The coverage lies as it is blended: once for each colour of a pixel, and 0 for
-// the pixel's high byte. Zeros fill each row up to whole blocks, and some follow the last, so that it may be
-// read in blocks from any column.
+// One letter at one size: how far it moves on, and how much of each pixel it covers, placed from the pen's
+// position on the base line. The weights lie as they are blended: a pixel's coverage once for each of its
+// colours, and 0 for its high byte. Zeros fill each row up to whole blocks.
 struct Glyph
 {
-    static constexpr int BLOCK = 4; // pixels
-    static constexpr std::size_t PADDING = 12;
+    static constexpr int BLOCK = 4;    // pixels
+    static constexpr int CHANNELS = 4; // weights of a pixel
+    static constexpr int WHOLE = 1 << 15;
 
     int advance = 0;
     int left = 0; // of the first column
     int top = 0;  // of the first row, upwards
     int width = 0;
     int rows = 0;
-    int stride = 0; // from one row to the next, in pixels
-    std::vector<std::uint8_t> coverage;
+    int stride = 0;                    // from one row to the next, in pixels
+    std::vector<std::int16_t> weights; // as parts of WHOLE, which itself is written as one less
 };
 
 // A typeface at one size, with the letters that were used. Characters that it lacks come from whatever face
@@ -66,7 +67,7 @@ private:
     TEXTMETRICA m_metrics{};
     std::array<std::unique_ptr<Glyph>, 128> m_ascii;
     std::unordered_map<char32_t, Glyph> m_others;
-    std::size_t m_bytes = 0; // of coverage in m_others
+    std::size_t m_bytes = 0; // of weights in m_others
 };
 
 } // namespace kx::gdi

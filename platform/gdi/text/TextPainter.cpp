@@ -1,74 +1,78 @@
 #include "platform/gdi/text/TextPainter.h"
 
+#include "platform/Cpu.h"
 #include "platform/gdi/Fill.h"
 #include "platform/gdi/Rect.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
 
 namespace kx::gdi {
 
 namespace {
 
-constexpr int kBlock = Glyph::BLOCK;
-using Bytes = std::uint8_t __attribute__((vector_size(16)));
-using Words = std::uint16_t __attribute__((vector_size(16)));
-using Pixels = DWORD __attribute__((vector_size(16)));
-
-Bytes Load(const void* p)
+// The part of a letter that is seen.
+struct Rows
 {
-    Bytes bytes;
-    std::memcpy(&bytes, p, sizeof(bytes));
-    return bytes;
+    DWORD* out;
+    std::ptrdiff_t outStride;
+    const std::int16_t* weights;
+    std::ptrdiff_t weightStride;
+    int width;
+    int height;
+    DWORD color;
+};
+
+// Moves the bytes of pixels towards the colour's by their weights, to the nearest value.
+void MixRow(DWORD* out, const std::int16_t* weights, int nPixels, DWORD color) noexcept
+{
+    std::array<std::uint8_t, sizeof(DWORD)> to;
+    std::memcpy(to.data(), &color, sizeof(color));
+    auto* bytes = reinterpret_cast<std::uint8_t*>(out);
+    for (int n = 0; n < nPixels * Glyph::CHANNELS; ++n) {
+        const int nWay = to[static_cast<std::size_t>(n % Glyph::CHANNELS)] - bytes[n];
+        bytes[n] = static_cast<std::uint8_t>(bytes[n] + ((nWay * weights[n] + Glyph::WHOLE / 2) >> 15));
+    }
 }
 
-Words Low(Bytes bytes)
+void MixPlain(const Rows& rows) noexcept
 {
-    return reinterpret_cast<Words>(
-        __builtin_shufflevector(bytes, Bytes{}, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23));
+    for (int y = 0; y < rows.height; ++y)
+        MixRow(rows.out + y * rows.outStride, rows.weights + y * rows.weightStride, rows.width, rows.color);
 }
 
-Words High(Bytes bytes)
+#if defined(__x86_64__)
+// The same in blocks.
+KX_AVX2 void MixAvx2(const Rows& rows) noexcept
 {
-    return reinterpret_cast<Words>(__builtin_shufflevector(bytes, Bytes{}, 8, 24, 9, 25, 10, 26, 11, 27, 12,
-                                                           28, 13, 29, 14, 30, 15, 31));
+    const __m256i color = _mm256_cvtepu8_epi16(_mm_set1_epi32(static_cast<int>(rows.color)));
+    for (int y = 0; y < rows.height; ++y) {
+        DWORD* const out = rows.out + y * rows.outStride;
+        const std::int16_t* const weights = rows.weights + y * rows.weightStride;
+        int x = 0;
+        for (; x + Glyph::BLOCK <= rows.width; x += Glyph::BLOCK) {
+            auto* const block = reinterpret_cast<__m128i*>(out + x);
+            const auto* const weight = reinterpret_cast<const __m256i*>(weights + x * Glyph::CHANNELS);
+            const __m256i from = _mm256_cvtepu8_epi16(_mm_loadu_si128(block));
+            const __m256i way =
+                _mm256_mulhrs_epi16(_mm256_sub_epi16(color, from), _mm256_loadu_si256(weight));
+            const __m256i mixed = _mm256_add_epi16(from, way);
+            _mm_storeu_si128(
+                block, _mm_packus_epi16(_mm256_castsi256_si128(mixed), _mm256_extracti128_si256(mixed, 1)));
+        }
+        MixRow(out + x, weights + x * Glyph::CHANNELS, rows.width - x, rows.color);
+    }
 }
-
-// Each moved from `a` to `b` by a coverage of 0 to 255, to the nearest value.
-Words Mixed(Words a, Words b, Words coverage)
+#else
+void MixAvx2(const Rows&) noexcept
 {
-    const Words sum = (a << 8) - a + (b - a) * coverage + 128; // what is below 0 on the way comes back
-    return (sum + (sum >> 8)) >> 8;                            // by 255
 }
-
-// A block of pixels, of whose bytes each has its coverage.
-Bytes MixBlock(Bytes from, Bytes color, Bytes coverage)
-{
-    const auto low = reinterpret_cast<Bytes>(Mixed(Low(from), Low(color), Low(coverage)));
-    const auto high = reinterpret_cast<Bytes>(Mixed(High(from), High(color), High(coverage)));
-    return __builtin_shufflevector(low, high, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
-}
-
-// At most three pixels, put together in registers: a block loaded from where its pixels have just been stored
-// one by one is waited for.
-void MixRest(DWORD* out, int nPixels, Bytes color, Bytes coverage)
-{
-    const Pixels from{out[0], nPixels > 1 ? out[1] : 0, nPixels > 2 ? out[2] : 0, 0};
-    const auto mixed = reinterpret_cast<Pixels>(MixBlock(reinterpret_cast<Bytes>(from), color, coverage));
-    out[0] = mixed[0];
-    if (nPixels > 1) out[1] = mixed[1];
-    if (nPixels > 2) out[2] = mixed[2];
-}
-
-// Whether a block lies beside the letter, as many do.
-bool IsEmpty(const std::uint8_t* coverage)
-{
-    std::uint64_t low, high;
-    std::memcpy(&low, coverage, sizeof(low));
-    std::memcpy(&high, coverage + sizeof(low), sizeof(high));
-    return (low | high) == 0;
-}
+#endif
 
 RECT Common(const RECT& a, const RECT& b)
 {
@@ -123,23 +127,19 @@ void TextPainter::Cover(const Glyph& glyph, int x, int y, const RECT& clip)
 
 void TextPainter::Blend(const Glyph& glyph, int x, int y, const RECT& part)
 {
-    const auto color = reinterpret_cast<Bytes>(Pixels{m_pixel, m_pixel, m_pixel, m_pixel});
     int nWidth = part.right - part.left;
     // A letter that is seen whole is drawn in blocks to its end: what the last covers behind it stays as it
     // is.
     if (nWidth == glyph.width && part.left + glyph.stride <= m_canvas.surface.Width()) nWidth = glyph.stride;
-    for (int row = part.top; row < part.bottom; ++row) {
-        const std::ptrdiff_t nFirst = static_cast<std::ptrdiff_t>(row - y) * glyph.stride + part.left - x;
-        const std::uint8_t* coverage = glyph.coverage.data() + nFirst * std::ptrdiff_t{sizeof(DWORD)};
-        DWORD* out = m_canvas.surface.Row(row) + part.left;
-        int nLeft = nWidth;
-        for (; nLeft >= kBlock; nLeft -= kBlock, out += kBlock, coverage += sizeof(Bytes)) {
-            if (IsEmpty(coverage)) continue;
-            const Bytes mixed = MixBlock(Load(out), color, Load(coverage));
-            std::memcpy(out, &mixed, sizeof(mixed));
-        }
-        if (nLeft > 0) MixRest(out, nLeft, color, Load(coverage));
-    }
+    const std::ptrdiff_t nStride = std::ptrdiff_t{glyph.stride} * Glyph::CHANNELS;
+    const Rows rows{m_canvas.surface.Row(part.top) + part.left,
+                    m_canvas.surface.Stride(),
+                    glyph.weights.data() + (part.top - y) * nStride + (part.left - x) * Glyph::CHANNELS,
+                    nStride,
+                    nWidth,
+                    part.bottom - part.top,
+                    m_pixel};
+    HasAvx2() ? MixAvx2(rows) : MixPlain(rows);
 }
 
 } // namespace kx::gdi
