@@ -1,9 +1,11 @@
 #include "platform/gdi/Surface.h"
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <cstdlib>
 #include <cstring>
+#include <malloc.h>
 #include <sys/mman.h>
 #include <utility>
 
@@ -22,7 +24,7 @@ constexpr std::size_t RoundUp(std::size_t n, std::size_t nStep) noexcept
 
 // Large blocks are put on huge pages where the system has them: they are filled and copied faster than on the
 // thousands of small ones.
-void* Allocate(std::size_t nBytes) noexcept
+void* AllocateNew(std::size_t nBytes) noexcept
 {
     const bool bHuge = nBytes >= 3 * kHugePage;
     const std::size_t nAlignment = bHuge ? kHugePage : kAlignment;
@@ -32,11 +34,36 @@ void* Allocate(std::size_t nBytes) noexcept
     return p;
 }
 
+// The block that ended last, for the next of about its size: a client makes the surface that it paints on
+// anew for each paint, and fresh pages cost more than the painting.
+std::atomic<void*> spare{nullptr};
+constexpr std::size_t kLeastSpare = std::size_t{128} << 10; // smaller ones the allocator keeps itself
+constexpr std::size_t kMostSpare = std::size_t{16} << 20;
+
+void Release(void* p) noexcept
+{
+#if !defined(KX_SANITIZED) // a sanitizer is to see who uses a block that ended
+    const std::size_t nBytes = malloc_usable_size(p);
+    if (nBytes >= kLeastSpare && nBytes <= kMostSpare) p = spare.exchange(p, std::memory_order_acq_rel);
+#endif
+    std::free(p);
+}
+
+void* Allocate(std::size_t nBytes) noexcept
+{
+    if (nBytes < kLeastSpare || nBytes > kMostSpare) return AllocateNew(nBytes);
+    void* const p = spare.exchange(nullptr, std::memory_order_acq_rel);
+    const std::size_t nThere = p ? malloc_usable_size(p) : 0;
+    if (nThere >= nBytes && nThere - nBytes <= nBytes / 4) return p;
+    if (p) Release(p);
+    return AllocateNew(nBytes);
+}
+
 } // namespace
 
 void Surface::Free::operator()(DWORD* p) const noexcept
 {
-    std::free(p);
+    if (p) Release(p);
 }
 
 Surface::Surface(int nWidth, int nHeight, std::ptrdiff_t nStride, Pixels pixels) noexcept

@@ -1,3 +1,5 @@
+#include "platform/Cpu.h"
+#include "platform/gdiplus/Blend.h"
 #include "platform/gdiplus/Encode.h"
 #include "platform/gdiplus/EncodedRows.h"
 #include "platform/gdiplus/Jpeg.h"
@@ -10,22 +12,47 @@ namespace {
 
 constexpr int kQuality = 75;
 
-// Whether no pixel has another colour than grey.
-bool IsGray(const PixelView& view) noexcept
+struct Look
+{
+    bool bGray = true; // no pixel has another colour
+    bool bOpaque = true;
+};
+
+[[gnu::always_inline]] inline Look LookAt(const PixelView& view) noexcept
 {
     DWORD off = 0;
-    for (int y = 0; y < view.height && off == 0; ++y) {
+    DWORD all = ALPHA_BITS;
+    for (int y = 0; y < view.height; ++y) {
         const DWORD* const row = view.Row(y);
-        for (int x = 0; x < view.width; ++x)
+        for (int x = 0; x < view.width; ++x) {
             off |= (row[x] ^ row[x] >> 8) & 0xFFFF;
+            all &= row[x];
+        }
     }
-    return off == 0;
+    return {off == 0, view.alpha == Alpha::Opaque || (all & ALPHA_BITS) == ALPHA_BITS};
+}
+
+KX_AVX2 Look LookAvx2(const PixelView& view) noexcept
+{
+    return LookAt(view);
+}
+
+Look LookPlain(const PixelView& view) noexcept
+{
+    return LookAt(view);
+}
+
+PixelView WithAlphaOf(PixelView view, const Look& look) noexcept
+{
+    if (look.bOpaque) view.alpha = Alpha::Opaque;
+    return view;
 }
 
 class JpegEncoder : private JpegErrors
 {
 public:
-    explicit JpegEncoder(const PixelView& view) : m_view(view), m_rows(view), m_bGray(IsGray(view))
+    JpegEncoder(const PixelView& view, const Look& look)
+        : m_view(view), m_rows(WithAlphaOf(view, look)), m_bGray(look.bGray)
     {
         m_jpeg.err = this;
     }
@@ -77,7 +104,7 @@ private:
 
 Gdiplus::Status WriteJpeg(const PixelView& view, Bytes& file)
 {
-    return JpegEncoder(view).Run(file);
+    return JpegEncoder(view, HasAvx2() ? LookAvx2(view) : LookPlain(view)).Run(file);
 }
 
 } // namespace kx::gdiplus
