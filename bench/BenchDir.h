@@ -11,13 +11,22 @@
 
 namespace bench {
 
-// A temporary directory for the length of the program.
+// A temporary directory for the length of the program; in memory where the disk's time is nothing of ours.
 class BenchDir
 {
 public:
-    BenchDir()
+    enum class On
     {
-        std::string pattern = (std::filesystem::temp_directory_path() / "kxbench-XXXXXX").string();
+        Disk,
+        Memory
+    };
+
+    explicit BenchDir(On on = On::Disk)
+    {
+        const std::filesystem::path memory = "/dev/shm";
+        const bool bMemory = on == On::Memory && std::filesystem::is_directory(memory);
+        const auto root = bMemory ? memory : std::filesystem::temp_directory_path();
+        std::string pattern = (root / "kxbench-XXXXXX").string();
         m_path = mkdtemp(pattern.data());
     }
     BenchDir(const BenchDir&) = delete;
