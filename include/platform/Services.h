@@ -162,7 +162,8 @@ KX_API int ChangeServiceConfigA(SC_HANDLE hService, DWORD dwServiceType, DWORD d
 KX_API int ChangeServiceConfig2A(SC_HANDLE hService, DWORD dwLevel, void* pInfo);
 
 // Reads the status (right SERVICE_QUERY_STATUS) into a buffer for a SERVICE_STATUS_PROCESS, whose size
-// `*pcbNeeded` becomes. On failure the buffer stays as it was; ERROR_INSUFFICIENT_BUFFER for one too small.
+// `*pcbNeeded` becomes. A service that has gone since it was opened is a stopped one. On failure the buffer
+// stays as it was; ERROR_INSUFFICIENT_BUFFER for one too small.
 KX_API int QueryServiceStatusEx(SC_HANDLE hService, SC_STATUS_TYPE level, BYTE* pBuffer, DWORD cbBuffer,
                                 DWORD* pcbNeeded);
 

@@ -14,6 +14,7 @@ constexpr std::array kSignals{SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP,
 
 std::array<struct sigaction, kSignals.size()> g_before;
 SignalHandler g_pfnHandler = nullptr;
+pid_t g_handedOn = 0; // whose signal came again last; of the thread in the filter alone
 
 struct sigaction Default() noexcept
 {
@@ -73,7 +74,12 @@ void RemoveHandlers() noexcept
 bool ComeAgain(Course course, const siginfo_t& info, void* pUserContext) noexcept
 {
     const int nSignal = info.si_signo;
-    const struct sigaction action = course == Course::End ? Default() : Before(nSignal);
+    struct sigaction action = course == Course::End ? Default() : Before(nSignal);
+    // Who was there before us may hand on to us in turn: then the two would go on for ever.
+    struct sigaction now = Default();
+    sigaction(nSignal, nullptr, &now);
+    if (now.sa_sigaction == action.sa_sigaction && g_handedOn == gettid()) action = Default();
+    g_handedOn = gettid();
     sigaction(nSignal, &action, nullptr);
     sigdelset(&static_cast<ucontext_t*>(pUserContext)->uc_sigmask, nSignal);
     siginfo_t copy = info;

@@ -103,8 +103,8 @@ void PreparePaths() noexcept
 {
     if (g_fromGbk == kNone) g_fromGbk = iconv_open("UTF-8", "GB18030");
     std::array<char, PATH_MAX> root;
-    drives::PeekRoot('C', root); // builds what is built at the first look
-    drives::PeekRoot('D', root);
+    for (char letter = 'A'; letter <= 'Z'; ++letter)
+        drives::PeekRoot(letter, root); // builds what is built at the first look, whoever has the drive
 }
 
 bool ToSystem(const char* pszPath, PathText& system) noexcept

@@ -278,6 +278,20 @@ TEST_F(CrashDumper, LeavesACoreThatADebuggerOpens)
     }
 }
 
+TEST_F(CrashDumper, TellsWhatItCanOfAProcessThatItMayNotLookInto)
+{
+    Place place;
+    // For one that may not be traced, one that isn't there, in which nothing can be read either.
+    place.Script("exec ./real $(printf %s \"$*\" | sed 's/id.[0-9]*/id[999999999/g')\n");
+    fs::create_symlink(std::string(KX_TEST_BIN) + "/KXCrashReport.exe", place.Dir().Path("app/real"));
+    place.Dir().MakeDir("app/Dumps"); // the filter finds it, and so does the reporter
+    EXPECT_EQ(place.Crash("read"), 128 + SIGSEGV);
+    EXPECT_FALSE(place.Dir().Exists("app/dumps"));
+    fs::rename(place.Dir().Path("app/Dumps"), place.Dir().Path("app/dumps"));
+    EXPECT_THAT(test::ReadFile(place.Dump(".txt")), HasSubstr("application  App\n"));
+    EXPECT_EQ(place.Dump(".dmp"), "");
+}
+
 TEST_F(CrashDumper, SendsBothFilesToItsServer)
 {
     httplib::Server server;

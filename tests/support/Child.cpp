@@ -61,7 +61,8 @@ int Child::Wait()
     while (waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {
     }
     m_pid = -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    if (WIFSIGNALED(status)) return 128 + WTERMSIG(status);
+    return WEXITSTATUS(status) < 128 ? WEXITSTATUS(status) : -WEXITSTATUS(status);
 }
 
 } // namespace test

@@ -40,7 +40,7 @@ void AddThread(Notes& notes, const Tracee& tracee, const ThreadState& thread, in
     status.pr_cursig = static_cast<short>(nSignal);
     status.pr_pid = thread.tid;
     std::memcpy(&status.pr_reg, &thread.registers, sizeof(status.pr_reg));
-    user_fpregs_struct floating{};
+    elf_fpregset_t floating{};
     status.pr_fpvalid = tracee.ReadRegisters(thread.tid, NT_PRFPREG, &floating, sizeof(floating)) ? 1 : 0;
     notes.AddRecord(NT_PRSTATUS, status);
     if (status.pr_fpvalid) notes.AddRecord(NT_PRFPREG, floating);

@@ -1,6 +1,7 @@
 #include "tools/KXCrashReport/ReportFiles.h"
 
 #include "platform/UniqueFd.h"
+#include "platform/crash/EntryMatch.h"
 
 #include <cstdio>
 #include <fcntl.h>
@@ -9,11 +10,13 @@ namespace kx::report {
 
 ReportFiles PlaceOf(std::string_view program, std::string_view dump)
 {
-    const std::string directory(program.substr(0, program.rfind('/') + 1));
+    const std::size_t beside = program.rfind('/');
+    std::string directory = std::string(program.substr(0, beside + 1)) + "dumps";
+    crash::MatchEntries(directory.data(), beside == program.npos ? 0 : beside);
     std::string name(dump.substr(dump.find_last_of("\\/") + 1));
     if (name.empty() || name == "." || name == "..") name = "crash.dmp";
     const std::string stem = name.ends_with(".dmp") ? name.substr(0, name.size() - 4) : name;
-    return {directory + "dumps/" + name, directory + "dumps/" + stem + ".txt"};
+    return {directory + "/" + name, directory + "/" + stem + ".txt"};
 }
 
 bool WriteWhole(const std::string& path, const std::function<bool(int)>& write)

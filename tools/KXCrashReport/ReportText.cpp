@@ -111,6 +111,7 @@ std::string ReportText(const CommandLine& line, const Tracee& tracee, const std:
         << "process      " << line.pid << " " << OneLine(program.native()) << "\n"
         << "thread       " << line.tid << "\n";
     if (crash) WriteCause(out, *crash);
+    if (threads.empty()) out << "\nThe process can't be looked into: no registers, no stacks.\n";
     StackWalk walk(tracee);
     for (const ThreadState& thread : threads)
         WriteThread(out, ThreadName(tracee, thread.tid), thread, thread.tid == line.tid, walk.Walk(thread));

@@ -9,7 +9,8 @@
 
 namespace kx::report {
 
-// The report for people: what crashed and why, the registers, the stack of each thread, the modules. UTF-8.
+// The report for people: what crashed and why, the registers, the stack of each thread, the modules; of a
+// process that can't be read, what is known without. UTF-8.
 std::string ReportText(const CommandLine& line, const Tracee& tracee, const std::optional<CrashRecord>& crash,
                        const std::vector<ThreadState>& threads);
 

@@ -26,6 +26,17 @@ bool WasJustRestarted()
     return nAge >= 0 && nAge < 60;
 }
 
+// Where the program's file was, or the one that has taken its place while it ran.
+std::string ProgramOf(pid_t pid)
+{
+    constexpr std::string_view kGone = " (deleted)";
+    std::error_code error;
+    std::string path = std::filesystem::read_symlink("/proc/" + std::to_string(pid) + "/exe", error).native();
+    if (path.ends_with(kGone) && !std::filesystem::exists(path, error))
+        path.resize(path.size() - kGone.size());
+    return path;
+}
+
 std::vector<std::string> Split(std::string_view text)
 {
     std::vector<std::string> parts;
@@ -54,14 +65,13 @@ std::vector<std::string> Split(std::string_view text)
 
 void RestartAfter(pid_t pid, const std::string& arguments)
 {
-    std::error_code error;
-    const auto program = std::filesystem::read_symlink("/proc/" + std::to_string(pid) + "/exe", error);
+    const std::string program = ProgramOf(pid);
     const UniqueFd process(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
-    if (error || !process || WasJustRestarted() || fork() != 0) return;
+    if (program.empty() || !process || WasJustRestarted() || fork() != 0) return;
     setsid();
     pollfd watch{process.Get(), POLLIN, 0};
     poll(&watch, 1, kLongestWait);
-    Run(program.native(), arguments);
+    Run(program, arguments);
 }
 
 } // namespace kx::report

@@ -97,10 +97,11 @@ struct StackWalk::Callbacks
 StackWalk::StackWalk(const Tracee& tracee) : m_tracee(tracee), m_dwfl(dwfl_begin(&kFiles))
 {
     unsetenv("DEBUGINFOD_URLS");
-    if (!m_dwfl || tracee.Threads().empty()) return;
+    if (!m_dwfl) return;
     dwfl_report_begin(m_dwfl.get());
     dwfl_linux_proc_report(m_dwfl.get(), tracee.Pid());
     dwfl_report_end(m_dwfl.get(), nullptr, nullptr);
+    if (tracee.Threads().empty()) return;
     m_thread.tid = tracee.Pid();
     dwfl_attach_state(m_dwfl.get(), nullptr, tracee.Pid(), &Callbacks::kThread, this);
 }

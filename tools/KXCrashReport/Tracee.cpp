@@ -34,10 +34,9 @@ std::vector<pid_t> ThreadsOf(pid_t pid)
 {
     std::vector<pid_t> threads;
     std::error_code error;
-    const std::filesystem::directory_iterator entries("/proc/" + std::to_string(pid) + "/task", error);
-    if (error) return threads;
-    for (const auto& entry : entries)
-        threads.push_back(static_cast<pid_t>(std::atoi(entry.path().filename().c_str())));
+    std::filesystem::directory_iterator entry("/proc/" + std::to_string(pid) + "/task", error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error))
+        threads.push_back(static_cast<pid_t>(std::atoi(entry->path().filename().c_str())));
     return threads;
 }
 

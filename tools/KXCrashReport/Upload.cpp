@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <curl/curl.h>
 #include <memory>
+#include <unistd.h>
 
 namespace kx::report {
 
@@ -15,11 +16,12 @@ void AddText(curl_mime* form, const char* pszName, const std::string& text)
     curl_mime_data(part, text.data(), text.size());
 }
 
-void AddFile(curl_mime* form, const char* pszName, const std::string& path)
+bool AddFile(curl_mime* form, const char* pszName, const std::string& path)
 {
+    if (access(path.c_str(), R_OK) != 0) return false;
     curl_mimepart* part = curl_mime_addpart(form);
     curl_mime_name(part, pszName);
-    curl_mime_filedata(part, path.c_str());
+    return curl_mime_filedata(part, path.c_str()) == CURLE_OK;
 }
 
 std::size_t Ignore(char*, std::size_t size, std::size_t count, void*)
@@ -39,8 +41,9 @@ bool Upload(const CommandLine& line, const ReportFiles& files)
                                                                      curl_mime_free);
     AddText(form.get(), "app", line.app);
     AddText(form.get(), "contact", line.contact);
-    AddFile(form.get(), "dump", files.dump);
-    AddFile(form.get(), "report", files.text);
+    const bool bDump = AddFile(form.get(), "dump", files.dump);
+    const bool bText = AddFile(form.get(), "report", files.text);
+    if (!bDump && !bText) return false;
     curl_easy_setopt(curl.get(), CURLOPT_URL, pszUrl);
     curl_easy_setopt(curl.get(), CURLOPT_PROTOCOLS_STR, "http,https");
     curl_easy_setopt(curl.get(), CURLOPT_MIMEPOST, form.get());

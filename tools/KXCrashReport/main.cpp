@@ -36,13 +36,14 @@ bool WriteDump(int fd, const Tracee& tracee, const std::vector<ThreadState>& thr
     return WriteCore(fd, tracee, CoreNotes(tracee, threads, crash, maps), ChooseMemory(maps, threads));
 }
 
+// Whether the whole report could be made. Of a process that may not be stopped there is a text alone.
 bool Report(const CommandLine& line, const ReportFiles& files)
 {
     const Tracee tracee(line.pid, line.tid);
-    if (tracee.Threads().empty()) return false;
     const auto crash = ReadCrash(tracee, line.exception);
     const auto threads = ReadThreads(tracee, line.tid, crash);
-    const bool bDump = WriteWhole(files.dump, [&](int fd) { return WriteDump(fd, tracee, threads, crash); });
+    const bool bDump = !threads.empty() &&
+                       WriteWhole(files.dump, [&](int fd) { return WriteDump(fd, tracee, threads, crash); });
     const std::string text = ReportText(line, tracee, crash, threads);
     const bool bText = WriteWhole(files.text, [&](int fd) {
         return write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size());
@@ -62,6 +63,7 @@ int main(int nArgs, char** args)
     }
     if (line->bRestart) RestartAfter(line->pid, line->restart);
     const ReportFiles files = PlaceOf(args[0], line->dump);
-    if (!Report(*line, files)) return 1;
-    return !line->bSend || Upload(*line, files) ? 0 : 1;
+    const bool bWhole = Report(*line, files);
+    const bool bSent = !line->bSend || Upload(*line, files);
+    return bWhole && bSent ? 0 : 1;
 }

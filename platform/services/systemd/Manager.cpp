@@ -140,7 +140,10 @@ DWORD Manager::SetDescription(const CString& strName, const CString& strText)
 DWORD Manager::Query(const CString& strName, SERVICE_STATUS_PROCESS& status)
 {
     Service service(m_timeout);
-    if (const DWORD error = Find(strName, service)) return error;
+    const DWORD error = Find(strName, service);
+    // Who has one open that was deleted may wait for its end, after which it is known no more.
+    const bool bGone = error == ERROR_SERVICE_DOES_NOT_EXIST && service.state.loadState == "not-found";
+    if (error != ERROR_SUCCESS && !bGone) return error;
     status = StatusOf(service.state);
     return ERROR_SUCCESS;
 }

@@ -1,5 +1,6 @@
 #include "platform/window/x11/EventThread.h"
 
+#include "platform/sync/AlternateStack.h"
 #include "platform/window/Chores.h"
 #include "platform/window/x11/Events.h"
 
@@ -33,6 +34,7 @@ private:
 
 void Serve(const std::shared_ptr<Session>& session)
 {
+    const sync::AlternateStack alternate;
     Events(session).Run();
     if (session->leaving) return;
     for (const HWND hWnd : Access(session)->own.Handles())

@@ -67,6 +67,23 @@ void FallsToTheHandlerBefore()
     WriteToPage(PassOn);
 }
 
+// A handler that was set over ours, hands on to what it replaced, and is there still when ours is set again.
+void FallsThroughOneThatHandsOn()
+{
+    static struct sigaction before;
+    SetUnhandledExceptionFilter(PassOn);
+    struct sigaction action
+    {
+    };
+    action.sa_sigaction = [](int nSignal, siginfo_t* pInfo, void* pContext) {
+        before.sa_sigaction(nSignal, pInfo, pContext);
+    };
+    action.sa_flags = SA_SIGINFO;
+    sigaction(SIGSEGV, &action, &before);
+    SetUnhandledExceptionFilter(nullptr);
+    WriteToPage(PassOn);
+}
+
 // ---- What it is told
 
 long Check(_EXCEPTION_POINTERS* pPointers)
@@ -177,6 +194,7 @@ const std::map<std::string, void (*)()> kCases{
     {"pass_on", [] { CrashWith(PassOn, crashes::CrashByAbort); }},
     {"resumes", Resumes},
     {"handler_before", FallsToTheHandlerBefore},
+    {"hands_on", FallsThroughOneThatHandsOn},
     {"record", [] { WriteToPage(Check); }},
     {"code_abort", [] { CrashAs<STATUS_FATAL_APP_EXIT>("abort"); }},
     {"code_division", [] { CrashAs<EXCEPTION_INT_DIVIDE_BY_ZERO>("division"); }},

@@ -23,6 +23,7 @@ TEST(Filter, EachCaseEndsAsItShould)
         {"pass_on", 128 + SIGABRT, {}},
         {"resumes", kCame, {}},
         {"handler_before", kCame, {}},
+        {"hands_on", 128 + SIGSEGV, {}},
         {"record", kCame, {}},
         {"code_abort", kCame, {}},
         {"code_division", kCame, {}},
