@@ -8,6 +8,7 @@
 using kx::files::FixedText;
 using kx::files::ScanNumber;
 using kx::files::ToDouble;
+using kx::xml::WideResult;
 using kx::xml::WideText;
 
 namespace {
@@ -18,17 +19,14 @@ struct ReleaseList
 };
 using ListPtr = std::unique_ptr<IXMLDOMNodeList, ReleaseList>;
 
-// A node as an element, if it is one. Takes over the reference.
-CKXXmlDomElement AsElement(IXMLDOMNode* pNode)
+// A node as an element, null if it is none. Takes over the reference.
+IXMLDOMElement* AsElement(IXMLDOMNode* pNode)
 {
-    if (!pNode) return {};
     void* pElement = nullptr;
+    if (!pNode) return nullptr;
     pNode->QueryInterface(IID_IXMLDOMElement, &pElement);
     pNode->Release();
-    auto* const pFound = static_cast<IXMLDOMElement*>(pElement);
-    CKXXmlDomElement element(pFound);
-    if (pFound) pFound->Release();
-    return element;
+    return static_cast<IXMLDOMElement*>(pElement);
 }
 
 // The readers of numbers differ in whether an empty text is one.
@@ -47,12 +45,13 @@ int ReadChild(const CKXXmlDomElement& parent, const char* pszPath, Value& value,
         value = valueDefault;
         return bRequired ? 0 : 1;
     }
-    const CString strText = child.GetText();
-    if (empty == Empty::IsMissing && strText.IsEmpty()) {
+    WideResult text;
+    child.GetElementPtr()->get_text(text.Target());
+    if (empty == Empty::IsMissing && text.IsEmpty()) {
         value = valueDefault;
         return 0;
     }
-    read(strText, value);
+    read(text, value);
     return 1;
 }
 
@@ -61,12 +60,13 @@ int ReadNumber(const CKXXmlDomElement& parent, const char* pszPath, Number& nVal
                Number nDefault, Empty empty = Empty::IsMissing)
 {
     return ReadChild(parent, pszPath, nValue, bRequired, nDefault, empty,
-                     [](const CString& strText, Number& n) { ScanNumber(strText.View(), n); });
+                     [](WideResult& text, Number& n) { ScanNumber(text.View(), n); });
 }
 
 // Both forms of ISO 8601; a "Z" ends the text.
-void ReadDateTime(CString strText, COleDateTime& tValue)
+void ReadDateTime(const WideResult& text, COleDateTime& tValue)
 {
+    CString strText = text.Text();
     strText.Replace('T', ' ');
     strText.Replace('t', ' ');
     for (const char chZone : {'Z', 'z'})
@@ -78,10 +78,11 @@ void ReadDateTime(CString strText, COleDateTime& tValue)
 
 CKXXmlDomElement CKXXmlDomElement::GetChild(const char* pszPath) const
 {
-    if (!m_pElement) return {};
+    CKXXmlDomElement child;
     IXMLDOMNode* pNode = nullptr;
-    const HRESULT hr = m_pElement->selectSingleNode(WideText(pszPath), &pNode);
-    return hr == S_OK ? AsElement(pNode) : CKXXmlDomElement();
+    if (m_pElement && m_pElement->selectSingleNode(WideText(pszPath), &pNode) == S_OK)
+        child.m_pElement = AsElement(pNode);
+    return child;
 }
 
 int CKXXmlDomElement::GetChild(const char* pszPath, CKXXmlDomElement& child) const
@@ -103,7 +104,7 @@ std::vector<CKXXmlDomElement> CKXXmlDomElement::GetChilds(const char* pszPath) c
     for (long n = 0; n < nLength; ++n) {
         IXMLDOMNode* pNode = nullptr;
         pList->item(n, &pNode);
-        childs.push_back(AsElement(pNode));
+        childs.emplace_back().m_pElement = AsElement(pNode);
     }
     return childs;
 }
@@ -111,7 +112,7 @@ std::vector<CKXXmlDomElement> CKXXmlDomElement::GetChilds(const char* pszPath) c
 int CKXXmlDomElement::GetChild(const char* pszPath, CString& strValue, bool bRequired) const
 {
     return ReadChild(*this, pszPath, strValue, bRequired, CString(), Empty::IsText,
-                     [](const CString& strText, CString& str) { str = strText; });
+                     [](const WideResult& text, CString& str) { str = text.Text(); });
 }
 
 int CKXXmlDomElement::GetChild(const char* pszPath, int& nValue, bool bRequired, int nDefault) const
@@ -139,7 +140,7 @@ int CKXXmlDomElement::GetChild(const char* pszPath, unsigned long long& nValue, 
 int CKXXmlDomElement::GetChild(const char* pszPath, double& dValue, bool bRequired, double dDefault) const
 {
     return ReadChild(*this, pszPath, dValue, bRequired, dDefault, Empty::IsMissing,
-                     [](const CString& strText, double& d) { d = ToDouble(strText.View()); });
+                     [](WideResult& text, double& d) { d = ToDouble(text.View()); });
 }
 
 int CKXXmlDomElement::GetChild(const char* pszPath, COleDateTime& tValue, bool bRequired,

@@ -11,11 +11,11 @@ namespace kx::files {
 
 namespace {
 
-constexpr std::string_view kSpace = " \t\n\v\f\r";
-
 void SkipSpace(std::string_view& text)
 {
-    text.remove_prefix(std::min(text.find_first_not_of(kSpace), text.size()));
+    const auto isSpace = [](char ch) { return ch == ' ' || (ch >= '\t' && ch <= '\r'); };
+    while (!text.empty() && isSpace(text[0]))
+        text.remove_prefix(1);
 }
 
 // Whether a sign was there, and a minus.

@@ -8,37 +8,65 @@
 
 namespace kx::xml {
 
+namespace {
+
+WCHAR Widen(char ch) noexcept
+{
+    return static_cast<unsigned char>(ch);
+}
+
+// False for a text that is longer or not ASCII.
+template <std::size_t nRoom>
+bool NarrowAscii(BSTR bstr, UINT nUnits, std::array<char, nRoom>& text) noexcept
+{
+    if (nUnits > nRoom) return false;
+    for (UINT i = 0; i < nUnits; ++i) {
+        if (bstr[i] >= 0x80) return false;
+        text[i] = static_cast<char>(bstr[i]);
+    }
+    return true;
+}
+
+} // namespace
+
 WideText::WideText(const char* pszText)
 {
     if (!pszText) return;
-    const std::string_view text(pszText);
-    if (!Fill(text)) Allocate(text);
+    std::size_t n = 0; // one pass over a name, which is shorter than any setting out for more at a time
+    while (n<kRoom&& static_cast<signed char>(pszText[n])> 0) {
+        m_short.units[n] = Widen(pszText[n]);
+        ++n;
+    }
+    if (n == kRoom || pszText[n] != '\0') {
+        Allocate(pszText);
+        return;
+    }
+    m_short.units[n] = u'\0';
+    m_short.nBytes = static_cast<BSTR_LENGTH>(n * sizeof(WCHAR));
+    m_text = m_short.units.data();
 }
 
-bool WideText::Fill(std::string_view text) noexcept
+bool WideText::IsAscii(std::string_view text) noexcept
 {
-    if (text.size() >= kRoom) return false;
     unsigned char all = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        all |= static_cast<unsigned char>(text[i]);
-        m_short.units[i] = static_cast<unsigned char>(text[i]);
-    }
-    if (all >= 0x80) return false;
-    m_short.units[text.size()] = u'\0';
-    m_short.nBytes = static_cast<BSTR_LENGTH>(text.size() * sizeof(WCHAR));
-    m_text = m_short.units.data();
-    return true;
+    for (const char ch : text)
+        all |= static_cast<unsigned char>(ch);
+    return all < 0x80;
 }
 
 void WideText::Allocate(std::string_view text)
 try {
     if (text.size() > INT_MAX) AfxThrowMemoryException();
     const int nBytes = static_cast<int>(text.size());
-    const int nUnits = MultiByteToWideChar(CP_ACP, 0, text.data(), nBytes, nullptr, 0);
+    const bool bAscii = IsAscii(text);
+    const int nUnits = bAscii ? nBytes : MultiByteToWideChar(CP_ACP, 0, text.data(), nBytes, nullptr, 0);
     if (nUnits > 0) m_allocated = SysAllocStringLen(nullptr, static_cast<UINT>(nUnits));
     if (!m_allocated) AfxThrowMemoryException();
-    MultiByteToWideChar(CP_ACP, 0, text.data(), nBytes, m_allocated, nUnits);
     m_text = m_allocated;
+    if (bAscii)
+        std::transform(text.begin(), text.end(), m_text, Widen);
+    else
+        MultiByteToWideChar(CP_ACP, 0, text.data(), nBytes, m_text, nUnits);
 } catch (const std::bad_alloc&) {
     AfxThrowMemoryException();
 }
@@ -56,21 +84,24 @@ CString WideResult::Text() const
     return ToText(m_text);
 }
 
+std::string_view WideResult::View()
+{
+    const UINT nUnits = SysStringLen(m_text);
+    if (NarrowAscii(m_text, nUnits, m_short)) return {m_short.data(), nUnits};
+    m_strLong = Text();
+    return m_strLong.View();
+}
+
 CString ToText(BSTR bstr)
 {
-    const int nUnits = static_cast<int>(SysStringLen(bstr));
+    const UINT nUnits = SysStringLen(bstr);
     if (nUnits == 0) return {};
-    WCHAR all = 0;
-    for (int i = 0; i < nUnits; ++i)
-        all |= bstr[i];
-    const bool bAscii = all < 0x80;
-    const int nBytes = bAscii ? nUnits : WideCharToMultiByte(CP_ACP, 0, bstr, nUnits, nullptr, 0);
+    std::array<char, 64> shortText; // spares most texts the way through a buffer
+    if (NarrowAscii(bstr, nUnits, shortText)) return CString(shortText.data(), static_cast<int>(nUnits));
+    const int nWide = static_cast<int>(nUnits);
+    const int nBytes = WideCharToMultiByte(CP_ACP, 0, bstr, nWide, nullptr, 0);
     CString strText;
-    char* const pszText = strText.GetBuffer(nBytes);
-    if (bAscii)
-        std::transform(bstr, bstr + nUnits, pszText, [](WCHAR unit) { return static_cast<char>(unit); });
-    else
-        WideCharToMultiByte(CP_ACP, 0, bstr, nUnits, pszText, nBytes);
+    WideCharToMultiByte(CP_ACP, 0, bstr, nWide, strText.GetBuffer(nBytes), nBytes);
     strText.ReleaseBuffer(nBytes);
     return strText;
 }

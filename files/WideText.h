@@ -26,7 +26,7 @@ public:
 private:
     static constexpr std::size_t kRoom = 40;
 
-    bool Fill(std::string_view text) noexcept;
+    static bool IsAscii(std::string_view text) noexcept;
     void Allocate(std::string_view text);
 
     BSTR m_text = nullptr;
@@ -48,10 +48,15 @@ public:
     ~WideResult() { SysFreeString(m_text); }
 
     BSTR* Target() noexcept { return &m_text; }
+    bool IsEmpty() const noexcept { return SysStringLen(m_text) == 0; }
     CString Text() const;
+    // The text for as long as this lives, without a CString if it is short.
+    std::string_view View();
 
 private:
     BSTR m_text = nullptr;
+    std::array<char, 64> m_short;
+    CString m_strLong;
 };
 
 // The text of the process's code page.

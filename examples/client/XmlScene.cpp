@@ -87,7 +87,7 @@ bool client::ShowWordLists()
         if (nSame < entries.size()) nSame += Same(entry, entries[nSame]);
     }
     std::printf("   best: %s\n",
-                Utf8(root.GetChild("word[not(../word/score > score)]/text").GetText()).c_str());
+                Utf8(root.GetChild("word[score][not(../word/score > score)]/text").GetText()).c_str());
     std::printf("   %s\n", Utf8(root.GetChild("word[3]").GetXml()).c_str());
     return nSame == entries.size();
 }

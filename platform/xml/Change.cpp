@@ -48,6 +48,8 @@ int HeightOf(xmlNode* branch) noexcept
 // Takes an element out of its place, into another tree if need be.
 HRESULT Take(NodeObject& element, Tree& to)
 {
+    element.GetTree().ForgetSearch();
+    to.ForgetSearch();
     xmlNode* const node = element.Node();
     if (node->doc == to.Doc()) {
         xmlUnlinkNode(node);
@@ -70,6 +72,7 @@ HRESULT PutElementText(Place place, const std::string& text)
     if (text.size() > XML_MAX_TEXT) return E_INVALIDARG;
     NodePtr content(xmlNewDocTextLen(place.node->doc, ToXml(text.data()), static_cast<int>(text.size())));
     if (!content) return E_OUTOFMEMORY;
+    place.tree->ForgetSearch();
     while (xmlNode* const child = place.node->children) {
         xmlUnlinkNode(child);
         NodeObject::LetGo(*place.tree, child);

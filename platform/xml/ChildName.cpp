@@ -4,17 +4,18 @@
 
 namespace kx::xml {
 
-ChildName::ChildName(const xmlNode* parent, const std::string& name) : m_name(name), m_parts(name)
+ChildName::ChildName(const xmlNode* parent, const std::string& name) : m_name(name)
 {
-    if (!m_parts.prefix.empty() && parent->type == XML_ELEMENT_NODE)
-        m_ns = xmlSearchNs(parent->doc, const_cast<xmlNode*>(parent), ToXml(m_parts.prefix.c_str()));
+    QualifiedName parts(name);
+    if (parts.prefix.empty() || parent->type != XML_ELEMENT_NODE) return;
+    m_ns = xmlSearchNs(parent->doc, const_cast<xmlNode*>(parent), ToXml(parts.prefix.c_str()));
+    m_local = std::move(parts.local);
 }
 
 bool ChildName::Matches(const xmlNode* element) const noexcept
 {
     if (!m_ns) return IsCalled(element->ns, element->name, m_name);
-    return element->ns && ViewOf(element->name) == m_parts.local &&
-           xmlStrEqual(element->ns->href, m_ns->href);
+    return element->ns && ViewOf(element->name) == m_local && xmlStrEqual(element->ns->href, m_ns->href);
 }
 
 xmlNode* ChildName::FirstFrom(xmlNode* node) const noexcept

@@ -7,7 +7,7 @@
 
 namespace kx::xml {
 
-// Finds children by a plain name without XPath.
+// Finds children by a name of any kind, with a prefix or without, and no XPath.
 class ChildName
 {
 public:
@@ -21,8 +21,8 @@ private:
     bool Matches(const xmlNode* element) const noexcept;
 
     const std::string& m_name;
-    QualifiedName m_parts;
-    const xmlNs* m_ns = nullptr;
+    std::string m_local;
+    const xmlNs* m_ns = nullptr; // what the prefix stands for
 };
 
 } // namespace kx::xml

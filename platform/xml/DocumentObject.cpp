@@ -13,9 +13,11 @@ namespace kx::xml {
 
 namespace {
 
-class DocumentObject final : public NodeMethods<IXMLDOMDocument>
+class DocumentObject final : public NodeMethods<IXMLDOMDocument, DocumentObject>
 {
 public:
+    Place Where() const noexcept { return {m_tree.Get(), m_tree->DocNode()}; }
+
     HRESULT QueryInterface(const GUID& iid, void** ppObject) override;
     ULONG AddRef() override { return ++m_nRefs; }
     ULONG Release() override
@@ -31,9 +33,6 @@ public:
     HRESULT get_documentElement(IXMLDOMElement** ppElement) override;
     HRESULT putref_documentElement(IXMLDOMElement* pElement) override;
     HRESULT createElement(BSTR bstrName, IXMLDOMElement** ppElement) override;
-
-protected:
-    Place Here() const noexcept override { return {m_tree.Get(), m_tree->DocNode()}; }
 
 private:
     ~DocumentObject() = default;

@@ -29,7 +29,9 @@ std::string DeclaredEncoding(std::string_view document)
     constexpr std::size_t kLongest = 1000;
     constexpr std::string_view kMark = "\xEF\xBB\xBF";
     if (document.starts_with(kMark)) document.remove_prefix(kMark.size());
-    if (!document.starts_with("<?xml")) return {};
+    constexpr std::string_view kStart = "<?xml";
+    if (!document.starts_with(kStart) || document.size() == kStart.size()) return {};
+    if (!text::IsSpace(document[kStart.size()])) return {}; // an instruction with a longer name
     const std::size_t end = document.substr(0, kLongest).find("?>");
     return end == document.npos ? std::string() : std::string(Quoted(document.substr(0, end), "encoding"));
 }

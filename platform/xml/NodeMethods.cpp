@@ -45,7 +45,7 @@ HRESULT SelectSingleNode(Place place, BSTR bstrPattern, IXMLDOMNode** ppNode)
 {
     if (!place.node) return E_FAIL;
     xmlNode* found = nullptr;
-    const HRESULT hr = SelectFirst(place, ToUtf8(bstrPattern), found);
+    const HRESULT hr = SelectFirst(place, bstrPattern, found);
     if (hr == S_OK) *ppNode = NodeObject::Of(*place.tree, found).Detach();
     return hr;
 }
@@ -54,7 +54,7 @@ HRESULT SelectNodes(Place place, BSTR bstrPattern, IXMLDOMNodeList** ppList)
 {
     if (!place.node) return E_FAIL;
     std::vector<xmlNode*> found;
-    const HRESULT hr = SelectAll(place, ToUtf8(bstrPattern), found);
+    const HRESULT hr = SelectAll(place, bstrPattern, found);
     if (FAILED(hr)) return hr;
     *ppList = MakeNodeList(*place.tree, found).Detach();
     return S_OK;

@@ -34,8 +34,8 @@ HRESULT AppendChild(Place place, IXMLDOMNode* pChild);
 HRESULT SelectSingleNode(Place place, BSTR bstrPattern, IXMLDOMNode** ppNode);
 HRESULT SelectNodes(Place place, BSTR bstrPattern, IXMLDOMNodeList** ppList);
 
-// IXMLDOMNode for an object that says where its node is.
-template <class Interface>
+// IXMLDOMNode for an object, of class `Self`, that says where its node is.
+template <class Interface, class Self>
 class NodeMethods : public Interface
 {
 public:
@@ -70,9 +70,8 @@ public:
 protected:
     ~NodeMethods() = default;
 
-    virtual Place Here() const noexcept = 0;
-
 private:
+    Place Here() const noexcept { return static_cast<const Self*>(this)->Where(); }
     HRESULT Get(BSTR* pbstr, HRESULT (*get)(Place, BSTR*))
     {
         if (!pbstr) return E_POINTER;

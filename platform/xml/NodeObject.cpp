@@ -48,13 +48,37 @@ bool HasObject(xmlNode* branch)
 
 Ref<NodeObject> NodeObject::Of(Tree& tree, xmlNode* node)
 {
-    if (!node || node->type == XML_DOCUMENT_NODE) return Ref<NodeObject>::Adopt(new NodeObject(tree, node));
+    if (!node || node->type == XML_DOCUMENT_NODE) return Make(tree, node);
     if (node->_private) return Ref(ObjectOf(node));
-    auto object = Ref<NodeObject>::Adopt(new NodeObject(tree, node));
+    auto object = Make(tree, node);
     node->_private = object.Get();
-    xmlNode* const top = TopOf(node);
-    if (top != node && top->type != XML_DOCUMENT_NODE) object->m_anchor = Of(tree, top);
+    if (!IsBelowAttached(node)) object->m_anchor = AnchorOf(tree, node);
     return object;
+}
+
+// Most nodes, found from another one's object, without a climb to the top.
+bool NodeObject::IsBelowAttached(const xmlNode* node) noexcept
+{
+    const xmlNode* const parent = node->parent;
+    return parent && parent->_private && parent->parent && !ObjectOf(parent)->m_anchor;
+}
+
+Ref<NodeObject> NodeObject::AnchorOf(Tree& tree, xmlNode* node)
+{
+    xmlNode* const top = TopOf(node);
+    return top == node || top->type == XML_DOCUMENT_NODE ? Ref<NodeObject>() : Of(tree, top);
+}
+
+Ref<NodeObject> NodeObject::Make(Tree& tree, xmlNode* node)
+{
+    return Ref<NodeObject>::Adopt(new (tree.NewBlock(sizeof(NodeObject))) NodeObject(tree, node));
+}
+
+void NodeObject::End() noexcept
+{
+    const Ref<Tree> tree = m_tree;
+    this->~NodeObject();
+    tree->EndBlock(this);
 }
 
 Ref<NodeObject> NodeObject::From(IXMLDOMNode* pNode)
@@ -68,7 +92,9 @@ NodeObject::~NodeObject()
 {
     if (!m_node || m_node->type == XML_DOCUMENT_NODE) return;
     m_node->_private = nullptr;
-    if (!m_node->parent) xmlFreeNode(m_node);
+    if (m_node->parent) return;
+    m_tree->ForgetSearch();
+    xmlFreeNode(m_node);
 }
 
 void NodeObject::Settle(Tree& tree, xmlNode* branch)
@@ -83,6 +109,7 @@ void NodeObject::Settle(Tree& tree, xmlNode* branch)
 
 void NodeObject::LetGo(Tree& tree, xmlNode* branch)
 {
+    tree.ForgetSearch();
     if (!HasObject(branch)) {
         xmlFreeNode(branch);
         return;
@@ -96,11 +123,11 @@ HRESULT NodeObject::QueryInterface(const GUID& iid, void** ppObject)
 {
     if (!ppObject) return E_POINTER;
     *ppObject = nullptr;
-    if (SameGuid(iid, kOwnNode))
-        *ppObject = this;
-    else if (SameGuid(iid, IID_IUnknown) || SameGuid(iid, IID_IXMLDOMNode) ||
-             (IsElement() && SameGuid(iid, IID_IXMLDOMElement)))
+    if ((IsElement() && SameGuid(iid, IID_IXMLDOMElement)) || SameGuid(iid, IID_IXMLDOMNode) ||
+        SameGuid(iid, IID_IUnknown))
         *ppObject = static_cast<IXMLDOMElement*>(this);
+    else if (SameGuid(iid, kOwnNode))
+        *ppObject = this;
     else
         return E_NOINTERFACE;
     AddRef();

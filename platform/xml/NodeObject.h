@@ -9,7 +9,7 @@ namespace kx::xml {
 // A node that hangs in the document lives as long as its tree. A branch that doesn't lives as long as one of
 // its nodes has an object: its top then has one too, which the others in the branch hold a reference on
 // (their anchor), and whose end frees the branch.
-class NodeObject final : public NodeMethods<IXMLDOMElement>
+class NodeObject final : public NodeMethods<IXMLDOMElement, NodeObject>
 {
 public:
     // The node's object, made unless it has one. Of no node (one that can't be kept) all operations fail.
@@ -22,6 +22,7 @@ public:
 
     Tree& GetTree() const noexcept { return *m_tree; }
     xmlNode* Node() const noexcept { return m_node; }
+    Place Where() const noexcept { return {m_tree.Get(), m_node}; }
     bool IsElement() const noexcept { return m_node && m_node->type == XML_ELEMENT_NODE; }
 
     // To be called for a branch after it was moved to a tree and place: its objects move along.
@@ -30,22 +31,24 @@ public:
     static void LetGo(Tree& tree, xmlNode* branch);
 
     HRESULT QueryInterface(const GUID& iid, void** ppObject) override;
-    ULONG AddRef() override { return ++m_nRefs; }
-    ULONG Release() override
+    ULONG AddRef() noexcept override { return ++m_nRefs; }
+    ULONG Release() noexcept override
     {
         const ULONG nRefs = --m_nRefs;
-        if (nRefs == 0) delete this;
+        if (nRefs == 0) End();
         return nRefs;
     }
     HRESULT getAttribute(BSTR bstrName, VARIANT* pValue) override;
     HRESULT setAttribute(BSTR bstrName, VARIANT value) override;
 
-protected:
-    Place Here() const noexcept override { return {m_tree.Get(), m_node}; }
-
 private:
     NodeObject(Tree& tree, xmlNode* node) noexcept : m_tree(&tree), m_node(node) {}
     ~NodeObject();
+    static bool IsBelowAttached(const xmlNode* node) noexcept;
+    // What holds the branch that the node lies in, if that hangs in no document; nothing for its top.
+    static Ref<NodeObject> AnchorOf(Tree& tree, xmlNode* node);
+    static Ref<NodeObject> Make(Tree& tree, xmlNode* node);
+    void End() noexcept;
 
     ULONG m_nRefs = 1;
     Ref<Tree> m_tree;

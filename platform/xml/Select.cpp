@@ -2,12 +2,32 @@
 
 #include "platform/xml/ChildName.h"
 #include "platform/xml/Names.h"
+#include "platform/xml/SimpleName.h"
 #include "platform/xml/XPath.h"
 
 namespace kx::xml {
 
-HRESULT SelectFirst(Place place, const std::string& pattern, xmlNode*& found)
+namespace {
+
+template <class Name>
+HRESULT FindAll(const Name& name, xmlNode* node, std::vector<xmlNode*>& found)
 {
+    while ((node = name.FirstFrom(node))) {
+        found.push_back(node);
+        node = node->next;
+    }
+    return found.empty() ? S_FALSE : S_OK;
+}
+
+} // namespace
+
+HRESULT SelectFirst(Place place, BSTR bstrPattern, xmlNode*& found)
+{
+    if (const SimpleName name(bstrPattern); name) {
+        found = name.FirstIn(place.node, place.tree->LastSearch());
+        return found ? S_OK : S_FALSE;
+    }
+    const std::string pattern = ToUtf8(bstrPattern);
     if (IsName(pattern)) {
         found = ChildName(place.node, pattern).FirstFrom(place.node->children);
         return found ? S_OK : S_FALSE;
@@ -18,13 +38,12 @@ HRESULT SelectFirst(Place place, const std::string& pattern, xmlNode*& found)
     return hr;
 }
 
-HRESULT SelectAll(Place place, const std::string& pattern, std::vector<xmlNode*>& found)
+HRESULT SelectAll(Place place, BSTR bstrPattern, std::vector<xmlNode*>& found)
 {
-    if (!IsName(pattern)) return EvaluateXPath(*place.tree, place.node, pattern, found);
-    const ChildName name(place.node, pattern);
-    for (xmlNode* node = name.FirstFrom(place.node->children); node; node = name.FirstFrom(node->next))
-        found.push_back(node);
-    return found.empty() ? S_FALSE : S_OK;
+    if (const SimpleName name(bstrPattern); name) return FindAll(name, place.node->children, found);
+    const std::string pattern = ToUtf8(bstrPattern);
+    if (IsName(pattern)) return FindAll(ChildName(place.node, pattern), place.node->children, found);
+    return EvaluateXPath(*place.tree, place.node, pattern, found);
 }
 
 } // namespace kx::xml

@@ -27,11 +27,25 @@ std::string Declaration(const xmlDoc* doc, std::string_view encoding)
     return text + "\"?>\n";
 }
 
-// Non-ASCII characters as they are.
+// Without an encoding, libxml2 would spell out the characters of attributes as numbers.
+class AsUtf8
+{
+public:
+    explicit AsUtf8(xmlDoc* doc) : m_doc(doc), m_encoding(doc->encoding) { m_doc->encoding = ToXml(kUtf8); }
+    AsUtf8(const AsUtf8&) = delete;
+    AsUtf8& operator=(const AsUtf8&) = delete;
+    ~AsUtf8() { m_doc->encoding = m_encoding; }
+
+private:
+    xmlDoc* m_doc;
+    const xmlChar* m_encoding;
+};
+
 void Append(std::string& text, xmlNode* node)
 {
     const std::unique_ptr<xmlOutputBuffer, FreeBy<xmlOutputBufferClose>> out(xmlAllocOutputBuffer(nullptr));
     if (!out) throw std::bad_alloc();
+    const AsUtf8 mark(node->doc);
     xmlNodeDumpOutput(out.get(), node->doc, node, 0, 0, kUtf8);
     if (out->error != 0) throw std::bad_alloc();
     text.append(ViewOf(xmlOutputBufferGetContent(out.get())).substr(0, xmlOutputBufferGetSize(out.get())));

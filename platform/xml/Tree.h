@@ -4,12 +4,24 @@
 #include "platform/xml/Libxml.h"
 #include "platform/xml/Ref.h"
 
+#include <cstdint>
 #include <libxml/xpath.h>
 #include <memory>
+#include <new>
+#include <utility>
 
 namespace kx::xml {
 
 using DocPtr = std::unique_ptr<xmlDoc, FreeBy<xmlFreeDoc>>;
+
+// How far a parent's children have been looked through, from the first one on: records are read child by
+// child in about their order, and then each is passed once.
+struct Passed
+{
+    const xmlNode* parent = nullptr;
+    xmlNode* last = nullptr;
+    std::uint64_t names = 0; // a bit for each name among them, which others may share
+};
 
 // One libxml2 document with all nodes that were made in it, whether they hang in it or not. Counted by the
 // document object and by each node's.
@@ -30,14 +42,27 @@ public:
     xmlDoc* Doc() const noexcept { return m_doc.get(); }
     xmlNode* DocNode() const noexcept { return reinterpret_cast<xmlNode*>(m_doc.get()); }
     xmlNode* Root() const noexcept { return xmlDocGetRootElement(m_doc.get()); }
+    // Memory for nodes' objects, all of one size, which come and go with every step of a walk.
+    void* NewBlock(std::size_t nBytes);
+    void EndBlock(void* block) noexcept;
+    Passed& LastSearch() noexcept { return m_passed; }
+    // To be called before nodes come, go or move.
+    void ForgetSearch() noexcept { m_passed = {}; }
     // For expressions, kept for the next one; null for a lack of memory.
     xmlXPathContext* XPath();
 
 private:
     explicit Tree(DocPtr doc) noexcept : m_doc(std::move(doc)) {}
-    ~Tree() = default;
+    ~Tree();
+
+    struct Block
+    {
+        Block* next;
+    };
 
     unsigned m_nRefs = 1;
+    Block* m_blocks = nullptr; // those that ended
+    Passed m_passed;
     const LiveHandle m_live;
     DocPtr m_doc;
     std::unique_ptr<xmlXPathContext, FreeBy<xmlXPathFreeContext>> m_xpath;

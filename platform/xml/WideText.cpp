@@ -1,11 +1,12 @@
 #include "platform/xml/WideText.h"
 
 #include "include/platform/CodePage.h"
-#include "platform/text/Conversion.h"
 #include "platform/text/Iconv.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <type_traits>
 
 namespace kx::xml {
 
@@ -18,17 +19,24 @@ std::u16string_view Units(BSTR bstr) noexcept
     return {bstr, SysStringLen(bstr)};
 }
 
-bool IsAscii(std::u16string_view units) noexcept
+// Unlike a search for the first one, as wide as the machine can.
+template <class Unit>
+bool IsAscii(std::basic_string_view<Unit> text) noexcept
 {
-    WCHAR all = 0;
-    for (const WCHAR unit : units)
-        all |= unit;
+    std::make_unsigned_t<Unit> all = 0;
+    for (const Unit unit : text)
+        all |= static_cast<std::make_unsigned_t<Unit>>(unit);
     return all < 0x80;
 }
 
 std::string FromUtf16(UINT nCodePage, std::u16string_view units)
 {
-    if (IsAscii(units)) return {units.begin(), units.end()};
+    if (IsAscii(units)) {
+        std::string text(units.size(), '\0');
+        std::transform(units.begin(), units.end(), text.begin(),
+                       [](WCHAR unit) { return static_cast<char>(unit); });
+        return text;
+    }
     const std::string_view bytes(reinterpret_cast<const char*>(units.data()), units.size() * sizeof(WCHAR));
     return Iconv::For(nCodePage, Iconv::Direction::FromUtf16).ConvertLossy(bytes, "?", sizeof(WCHAR));
 }
@@ -63,17 +71,17 @@ std::string ToXmlText(BSTR bstr)
 
 BSTR ToBstr(std::string_view utf8)
 {
-    if (text::IsAscii(utf8)) {
-        if (utf8.size() > MAX_BSTR_UNITS) return nullptr;
-        const BSTR bstr = SysAllocStringLen(nullptr, static_cast<UINT>(utf8.size()));
-        if (bstr) std::copy(utf8.begin(), utf8.end(), bstr);
-        return bstr;
-    }
+    if (utf8.size() > MAX_BSTR_UNITS) return nullptr; // characters take no more units than bytes
+    const BSTR ascii = SysAllocStringLen(nullptr, static_cast<UINT>(utf8.size()));
+    if (!ascii) return nullptr;
+    std::size_t n = 0;
+    for (; n < utf8.size() && static_cast<signed char>(utf8[n]) >= 0; ++n)
+        ascii[n] = static_cast<WCHAR>(utf8[n]);
+    if (n == utf8.size()) return ascii;
+    SysFreeString(ascii);
     const std::string wide =
         Iconv::For(CP_UTF8, Iconv::Direction::ToUtf16).ConvertLossy(utf8, std::string_view("\xFD\xFF"));
-    const std::size_t nUnits = wide.size() / sizeof(WCHAR);
-    if (nUnits > MAX_BSTR_UNITS) return nullptr;
-    const BSTR bstr = SysAllocStringLen(nullptr, static_cast<UINT>(nUnits));
+    const BSTR bstr = SysAllocStringLen(nullptr, static_cast<UINT>(wide.size() / sizeof(WCHAR)));
     if (bstr) std::copy_n(wide.data(), wide.size(), reinterpret_cast<char*>(bstr));
     return bstr;
 }

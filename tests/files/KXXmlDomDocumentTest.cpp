@@ -70,6 +70,7 @@ TEST_F(KXXmlDomDocument, LoadsWhatIsWellFormed)
         {"<a xmlns='urn:d' xmlns:p='urn:p'><p:b p:c='1'/></a>",
          "<a xmlns=\"urn:d\" xmlns:p=\"urn:p\"><p:b p:c=\"1\"/></a>"},
         {"<a>\xC4\xE3&lt;&#x597D;</a>", "<a>\xC4\xE3&lt;\xBA\xC3</a>"},
+        {"<a \xC4\xE3='\xBA\xC3'/>", "<a \xC4\xE3=\"\xBA\xC3\"/>"},
         {"<a>\r\n\t</a>", "<a>\n\t</a>"},
         {"", nullptr},
         {" ", nullptr},
