@@ -1,7 +1,7 @@
 #include "platform/http/Session.h"
 
+#include "platform/PipeSignal.h"
 #include "platform/http/Options.h"
-#include "platform/http/PipeSignal.h"
 #include "platform/http/Transfer.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/http/PipeSignal.h"
+#include "platform/PipeSignal.h"
 #include "platform/window/x11/ForeignWindows.h"
 #include "platform/window/x11/OwnWindows.h"
 #include "platform/window/x11/PixelPort.h"
@@ -50,7 +50,7 @@ public:
 private:
     const std::shared_ptr<Session> m_session; // ends after the lock
     std::unique_lock<std::mutex> m_lock;
-    const http::NoPipeSignal m_noSignal; // xcb writes to a server that may be gone
+    const NoPipeSignal m_noSignal; // xcb writes to a server that may be gone
 };
 
 } // namespace kx::window::x11

@@ -3,9 +3,9 @@
 #include <csignal>
 #include <ctime>
 
-namespace kx::http {
+namespace kx {
 
-// Keeps SIGPIPE from the thread for a scope: a server that hung up must not end the process, and what the
+// Keeps SIGPIPE from the thread for a scope: a peer that hung up must not end the process, and what the
 // process does with the signal is its own business. A TLS library writes to sockets without asking for that.
 class NoPipeSignal
 {
@@ -41,4 +41,4 @@ private:
     bool m_bPending;
 };
 
-} // namespace kx::http
+} // namespace kx
