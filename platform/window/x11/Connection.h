@@ -4,6 +4,7 @@
 #include "platform/window/x11/Atoms.h"
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <xcb/xcb.h>
 
@@ -14,8 +15,8 @@ namespace kx::window::x11 {
 class Connection
 {
 public:
-    // Null for a server that doesn't answer. A null name is DISPLAY's.
-    static std::unique_ptr<Connection> Open(const char* pszDisplay);
+    // Null for a server that doesn't answer, within the limit if it takes the call. A null name is DISPLAY's.
+    static std::unique_ptr<Connection> Open(const char* pszDisplay, std::chrono::milliseconds limit);
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 

@@ -43,9 +43,9 @@ struct LeaveAtUnload
 
 } // namespace
 
-std::unique_ptr<X11Desktop> X11Desktop::Open(const char* pszDisplay)
+std::unique_ptr<X11Desktop> X11Desktop::Open(const char* pszDisplay, std::chrono::milliseconds limit)
 try {
-    auto connection = x11::Connection::Open(pszDisplay);
+    auto connection = x11::Connection::Open(pszDisplay, limit);
     if (!connection) return nullptr;
     return std::make_unique<X11Desktop>(std::make_shared<x11::Session>(std::move(connection)));
 } catch (const std::system_error&) {
