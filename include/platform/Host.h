@@ -93,8 +93,8 @@ KX_API void SetRegistryFile(const std::string& strPath);
 
 // ---- Desktop
 
-// How long a server is waited for that takes the call and says nothing, in milliseconds. Once it has answered
-// it is trusted to: one that stops later holds up those who ask it something.
+// How long an X server is waited for until all is known that windows need, in milliseconds. Once it has
+// answered it is trusted to: one that stops later holds up those who ask it something.
 inline constexpr DWORD ANSWER_LIMIT = 5'000;
 
 // Where windows appear: on the X server that DISPLAY names if it answers in time, else on a desktop in

@@ -1,7 +1,5 @@
 #include "platform/window/x11/Connection.h"
 
-#include "platform/window/x11/Probe.h"
-
 #include <bit>
 #include <sys/socket.h>
 
@@ -49,10 +47,8 @@ bool SeesOurPixels(const xcb_setup_t& setup, const xcb_screen_t& screen)
 
 } // namespace
 
-std::unique_ptr<Connection> Connection::Open(const char* pszDisplay, std::chrono::milliseconds limit)
+std::unique_ptr<Connection> Connection::Open(const char* pszDisplay)
 {
-    const Probe probe(pszDisplay, limit);
-    if (probe.IsSilent()) return nullptr;
     int nScreen = 0;
     Handle connection(xcb_connect(pszDisplay, &nScreen));
     if (xcb_connection_has_error(connection.get())) return nullptr;

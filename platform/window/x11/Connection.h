@@ -4,7 +4,6 @@
 #include "platform/window/x11/Atoms.h"
 
 #include <atomic>
-#include <chrono>
 #include <memory>
 #include <xcb/xcb.h>
 
@@ -15,8 +14,8 @@ namespace kx::window::x11 {
 class Connection
 {
 public:
-    // Null for a server that doesn't answer, within the limit if it takes the call. A null name is DISPLAY's.
-    static std::unique_ptr<Connection> Open(const char* pszDisplay, std::chrono::milliseconds limit);
+    // Null for a server that refuses, and without end for one that says nothing. A null name is DISPLAY's.
+    static std::unique_ptr<Connection> Open(const char* pszDisplay);
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 

@@ -22,7 +22,7 @@ struct Session;
 class X11Desktop : public Desktop
 {
 public:
-    // Null for a server that doesn't answer, within the limit if it takes the call. A null name is DISPLAY's.
+    // Null for a server that hasn't answered within the limit. A null name is DISPLAY's.
     static std::unique_ptr<X11Desktop> Open(const char* pszDisplay, std::chrono::milliseconds limit);
     // Lets it live, for those who still use it, until the library goes.
     static X11Desktop& Keep(std::unique_ptr<X11Desktop> desktop);
