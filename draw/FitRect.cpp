@@ -1,6 +1,6 @@
 #include "draw/FitRect.h"
 
-#include "draw/Wrap.h"
+#include "platform/Wrap.h"
 
 #include <algorithm>
 #include <cstdint>

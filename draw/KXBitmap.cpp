@@ -2,15 +2,15 @@
 
 #include "draw/BitmapRegion.h"
 #include "draw/Tiling.h"
-#include "draw/Wrap.h"
+#include "platform/Wrap.h"
 
 #include <algorithm>
 #include <utility>
 
-using kx::draw::Minus;
-using kx::draw::Plus;
+using kx::Minus;
+using kx::Plus;
+using kx::Times;
 using kx::draw::Span;
-using kx::draw::Times;
 
 namespace {
 

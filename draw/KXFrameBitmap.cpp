@@ -1,12 +1,12 @@
 #include "KXFrameBitmap.h"
 
 #include "draw/Tiling.h"
-#include "draw/Wrap.h"
+#include "platform/Wrap.h"
 
 #include <algorithm>
 
-using kx::draw::Minus;
-using kx::draw::Plus;
+using kx::Minus;
+using kx::Plus;
 
 void CKXFrameBitmap::SetBitmapOptions(CSize sizeTopLeft, CSize sizeTopRight, CSize sizeBottomLeft,
                                       CSize sizeBottomRight)

@@ -7,14 +7,14 @@
 #include "draw/NoImageMessage.h"
 #include "draw/Pave.h"
 #include "draw/WideText.h"
-#include "draw/Wrap.h"
+#include "platform/Wrap.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <utility>
 
+using kx::Plus;
 using kx::draw::Guard;
-using kx::draw::Plus;
 
 namespace {
 

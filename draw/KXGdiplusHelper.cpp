@@ -1,11 +1,11 @@
 #include "KXGdiplusHelper.h"
 
-#include "draw/Wrap.h"
 #include "platform/GdiObject.h"
 #include "platform/GdiPlus.h"
+#include "platform/Wrap.h"
 
-using kx::draw::Minus;
-using kx::draw::Plus;
+using kx::Minus;
+using kx::Plus;
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include "wordtest/DeviceState.h"
 #include "wordtest/LetterRow.h"
 
+using kx::Plus;
 using namespace kx::wordtest;
 
 namespace {

@@ -1,14 +1,9 @@
 #pragma once
 
 #include "platform/Dc.h"
+#include "platform/Wrap.h"
 
 namespace kx::wordtest {
-
-// A place far out of range wraps around to another off the surface, and nothing overflows on the way there.
-constexpr int Plus(int a, int b)
-{
-    return static_cast<int>(static_cast<DWORD>(a) + static_cast<DWORD>(b));
-}
 
 inline constexpr UINT DRAW_FORMAT = DT_SINGLELINE | DT_VCENTER;
 

@@ -20,7 +20,8 @@ void PaintBorder(client::SkinPainter& painter, const CSize& size, int nState)
 }
 
 // The buttons from the right: in a row with equal spaces, or each at its own offset.
-void PaintCaptionButtons(client::SkinPainter& painter, int nWidth, bool bActive, bool bMinMaxBox)
+void PaintCaptionButtons(client::SkinPainter& painter, int nWidth, bool bActive, client::Boxes boxes,
+                         client::State close)
 {
     CKXSkinWndRes& wnd = painter.Wnd();
     struct Button
@@ -31,12 +32,12 @@ void PaintCaptionButtons(client::SkinPainter& painter, int nWidth, bool bActive,
         client::State state;
     };
     Button buttons[] = {
-        {wnd.m_bmpCloseBtn, wnd.m_sizeCloseBtn.cx, wnd.m_nCloseBtnOffset, wnd.m_nCloseBtnTop, true,
-         bActive ? client::Hot : client::Normal},
-        {wnd.m_bmpMaxBtn, wnd.m_sizeMaxBtn.cx, wnd.m_nMaxBtnOffset, wnd.m_nMaxBtnTop, bMinMaxBox,
-         client::Normal},
+        {wnd.m_bmpCloseBtn, wnd.m_sizeCloseBtn.cx, wnd.m_nCloseBtnOffset, wnd.m_nCloseBtnTop, true, close},
+        {wnd.m_bmpMaxBtn, wnd.m_sizeMaxBtn.cx, wnd.m_nMaxBtnOffset, wnd.m_nMaxBtnTop,
+         boxes == client::Boxes::All, client::Normal},
         {wnd.m_bmpMinBtn, wnd.m_sizeMinBtn.cx, wnd.m_nMinBtnOffset, wnd.m_nMinBtnTop,
-         bMinMaxBox || wnd.m_bAlwaysShowMinBtn != 0, client::Normal},
+         boxes == client::Boxes::All || (boxes == client::Boxes::Usual && wnd.m_bAlwaysShowMinBtn != 0),
+         client::Normal},
     };
     int xNext = nWidth - wnd.m_nCloseBtnOffset;
     for (Button& button : buttons) {
@@ -63,7 +64,7 @@ int CutOf(const std::vector<CPoint>& path, int nRow)
 } // namespace
 
 CRect client::PaintFrame(SkinPainter& painter, const CSize& size, const CString& strTitle, bool bActive,
-                         bool bMinMaxBox)
+                         Boxes boxes, State close)
 {
     CKXSkinWndRes& wnd = painter.Wnd();
     const CRect rcClient(wnd.m_nLeftWidth, wnd.m_nTitleHeight, size.cx - wnd.m_nRightWidth,
@@ -73,8 +74,15 @@ CRect client::PaintFrame(SkinPainter& painter, const CSize& size, const CString&
     painter.DC().DrawIcon(wnd.m_nSysMenuLeft, wnd.m_nSysMenuTop, painter.List().m_hNormalIcon);
     painter.Bold(CRect(wnd.m_nTitleTextLeft, wnd.m_nTitleTextTop, size.cx, wnd.m_nTitleHeight), strTitle,
                  wnd.m_clrTitle);
-    PaintCaptionButtons(painter, size.cx, bActive, bMinMaxBox);
+    PaintCaptionButtons(painter, size.cx, bActive, boxes, close);
     return rcClient;
+}
+
+CRect client::CloseBoxRect(const CKXSkinWndRes& wnd, int nWidth)
+{
+    const int nRight = nWidth - wnd.m_nCloseBtnOffset;
+    return CRect(nRight - wnd.m_sizeCloseBtn.cx, wnd.m_nCloseBtnTop, nRight,
+                 wnd.m_nCloseBtnTop + wnd.m_sizeCloseBtn.cy);
 }
 
 void client::MakeWindowRgn(const CKXSkinWndRes& wnd, const CSize& size, CRgn& rgn)

@@ -4,9 +4,19 @@
 
 namespace client {
 
+enum class Boxes
+{
+    All,
+    Usual, // those to close and, where the skin always shows it, to minimise
+    Close,
+};
+
 // Draws a window's frame with its title and, over what is left, its background; where that is.
-CRect PaintFrame(SkinPainter& painter, const CSize& size, const CString& strTitle, bool bActive,
-                 bool bMinMaxBox);
+CRect PaintFrame(SkinPainter& painter, const CSize& size, const CString& strTitle, bool bActive, Boxes boxes,
+                 State close);
+
+// Where the box to close a window of that width lies.
+CRect CloseBoxRect(const CKXSkinWndRes& wnd, int nWidth);
 
 // Makes the shape of a window of that size, with its corners cut along the skin's paths.
 void MakeWindowRgn(const CKXSkinWndRes& wnd, const CSize& size, CRgn& rgn);

@@ -52,7 +52,8 @@ void client::SkinnedWindow::Redraw()
         SkinPainter painter(surface.GetDC());
         CRect rc(0, 0, m_size.cx, m_size.cy);
         if (m_look.pszTitle)
-            rc = PaintFrame(painter, m_size, TextOf(m_look.pszTitle), m_look.bActive, m_look.bMinMaxBox);
+            rc = PaintFrame(painter, m_size, TextOf(m_look.pszTitle), m_look.bActive,
+                            m_look.bMinMaxBox ? Boxes::All : Boxes::Usual, m_look.bActive ? Hot : Normal);
         m_look.Paint(painter, rc);
     }
     if (m_look.pszTitle) {

@@ -1,6 +1,7 @@
 #include "GdiplusStart.h"
 #include "Scene.h"
 #include "SpellingWnd.h"
+#include "TipThread.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -82,13 +83,17 @@ bool Play()
 {
     std::srand(7);
     client::CSpellingWnd wnd;
+    CKXTipWnd tip;
+    const auto showHint = [&](const CString& str) { tip.ShowTipWnd(str, 2000); };
     CKXSkinResManager* pSkins = CKXSkinResManager::GetSingletonPtr();
     if (!pSkins->SetSkin(pSkins->GetSkinName(1), 0) ||
-        !CKXLanResManager::GetSingletonPtr()->SetCurrentLan("English", 0) || !wnd.Create())
+        !CKXLanResManager::GetSingletonPtr()->SetCurrentLan("English", 0) || !tip.CreateTipWnd() ||
+        !wnd.Create(showHint))
         return false;
     wnd.ShowWindow(SW_SHOW);
     Player player(wnd);
     const bool bPlayed = TakeTest(wnd, player) && ChangeLook(wnd, player);
+    tip.DestroyWindow();
     wnd.DestroyWindow();
     MSG msg; // the window's end is the program's
     return bPlayed && PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
@@ -117,8 +122,10 @@ int client::RunSpelling()
     pLans->SetCurrentLanFromReg("SampleClient", 0);
     CKXSkinResManager* pSkins = CKXSkinResManager::GetSingletonPtr();
     pSkins->SetSkin(pSkins->GetSkinName(0), 0);
+    TipThread tip;
     CSpellingWnd wnd;
-    if (!wnd.Create()) return 1;
+    if (!wnd.Create([&](const CString& str) { tip.Show(str, wnd.m_hWnd, CSpellingWnd::TAKE_FOCUS); }))
+        return 1;
     wnd.ShowWindow(SW_SHOW);
     MSG msg;
     while (GetMessageA(&msg, nullptr, 0, 0) > 0) {

@@ -12,7 +12,6 @@ constexpr int kHeight = 420;
 constexpr int kSideWidth = 150;
 constexpr UINT kGifTimer = 1;
 constexpr UINT kGifPeriod = 50;
-constexpr unsigned long kTipTime = 2000;
 constexpr COLORREF kField = RGB(255, 255, 255);
 constexpr COLORREF kWord = RGB(30, 50, 90);
 constexpr COLORREF kBox = RGB(150, 160, 180);
@@ -46,10 +45,12 @@ ON_WM_LBUTTONUP()
 ON_WM_DESTROY()
 ON_MESSAGE(WM_KXSKINCHANGED, OnChanged)
 ON_MESSAGE(WM_KXLANCHANGED, OnChanged)
+ON_MESSAGE(TAKE_FOCUS, OnTakeFocus)
 END_MESSAGE_MAP()
 
-bool CSpellingWnd::Create()
+bool CSpellingWnd::Create(ShowText showHint)
 {
+    m_showHint = std::move(showHint);
     const int x = (GetSystemMetrics(SM_CXSCREEN) - kWidth) / 2;
     const int y = (GetSystemMetrics(SM_CYSCREEN) - kHeight) / 2;
     return CreateEx(0, AfxRegisterWndClass(0), TextOf("IDS_SPELL_TITLE"), 0,
@@ -63,14 +64,12 @@ int CSpellingWnd::OnCreate(CREATESTRUCTA* pCreate)
     const CString strGif = CKXFileSystem::GetInstancePtr()->GetAppPath() + "spinner.gif";
     if (MakeSpinnerGif(strGif) && m_gif.Load(strGif)) m_gif.Play();
     SetTimer(kGifTimer, kGifPeriod, nullptr);
-    m_tip.CreateTipWnd();
     OnChanged(0, 0);
     return CWnd::OnCreate(pCreate);
 }
 
 void CSpellingWnd::OnDestroy()
 {
-    m_tip.DestroyWindow();
     CWnd::OnDestroy();
     PostQuitMessage(0);
 }
@@ -132,6 +131,8 @@ void CSpellingWnd::Layout()
     const std::vector<CString> texts = TextsOf("IDS_SPELL_BUTTONS");
     const std::function<void()> acts[] = {[this] { Enter(); }, [this] { ShowHint(); },
                                           [this] { PostMessage(WM_CLOSE); }};
+    m_strNext = texts.size() > std::size(acts) ? texts[std::size(acts)] : CString();
+    m_boxes = {{CloseBoxRect(*pSkins->GetWndRes(), kWidth), "", acts[2]}};
     m_buttons.clear();
     for (std::size_t n = 0; n < texts.size() && n < std::size(acts); ++n) {
         const int x = rc.right - 14 - static_cast<int>(3 - n) * 104;
@@ -148,7 +149,7 @@ CPoint CSpellingWnd::CenterOf(const Items& items, std::size_t n)
 
 CSpellingWnd::Item* CSpellingWnd::ItemAt(CPoint point)
 {
-    for (Items* items : {&m_buttons, &m_skins, &m_lans})
+    for (Items* items : {&m_boxes, &m_buttons, &m_skins, &m_lans})
         for (Item& item : *items)
             if (Contains(item.rc, point)) return &item;
     return nullptr;
@@ -172,15 +173,18 @@ State CSpellingWnd::StateOf(const Item& item) const
 void CSpellingWnd::PaintAll(CDC& dc)
 {
     SkinPainter painter(dc);
-    PaintFrame(painter, CSize(kWidth, kHeight), TextOf("IDS_SPELL_TITLE"), true, false);
+    PaintFrame(painter, CSize(kWidth, kHeight), TextOf("IDS_SPELL_TITLE"), true, Boxes::Close,
+               StateOf(m_boxes.front()));
     PaintChoices(painter);
     PaintQuestion(painter);
     if (m_test.IsAnswered())
         PaintResult(dc);
     else
         PaintTyped(painter);
-    for (const Item& item : m_buttons)
-        painter.PushButton(item.rc, item.strText, StateOf(item));
+    for (const Item& item : m_buttons) {
+        const bool bNext = m_test.IsAnswered() && &item == &m_buttons.front();
+        painter.PushButton(item.rc, bNext ? m_strNext : item.strText, StateOf(item));
+    }
 }
 
 void CSpellingWnd::PaintChoices(SkinPainter& painter)
@@ -245,6 +249,12 @@ void CSpellingWnd::PaintResult(CDC& dc)
 
 // ---- Input
 
+LRESULT CSpellingWnd::OnTakeFocus(WPARAM, LPARAM)
+{
+    SetFocus();
+    return 0;
+}
+
 void CSpellingWnd::OnTimer(UINT nId)
 {
     const CRect rc = ClientArea();
@@ -293,7 +303,7 @@ void CSpellingWnd::Enter()
 void CSpellingWnd::ShowHint()
 {
     const CString& strWord = m_test.Word();
-    m_tip.ShowTipWnd(TextOf("IDS_SPELL_TIP") + " " + strWord.Left(strWord.GetLength() / 2) + "...", kTipTime);
+    m_showHint(TextOf("IDS_SPELL_TIP") + " " + strWord.Left(strWord.GetLength() / 2) + "...");
 }
 
 void CSpellingWnd::OnMouseMove(UINT nFlags, CPoint point)

@@ -13,8 +13,12 @@ namespace client {
 class CSpellingWnd : public CWnd
 {
 public:
-    // Around the middle of the desktop. False if there is no window to be had.
-    bool Create();
+    // Has it take the focus.
+    static constexpr UINT TAKE_FOCUS = WM_USER;
+    using ShowText = std::function<void(const CString&)>;
+    // Around the middle of the desktop; a hint that is asked for goes to `showHint`. False if there is no
+    // window to be had.
+    bool Create(ShowText showHint);
 
     const SpellingTest& Test() const { return m_test; }
     // The middle of a button, or of a skin's or language's tab, for who plays the user.
@@ -34,6 +38,7 @@ protected:
     void OnLButtonUp(UINT nFlags, CPoint point);
     void OnDestroy();
     LRESULT OnChanged(WPARAM wParam, LPARAM lParam);
+    LRESULT OnTakeFocus(WPARAM wParam, LPARAM lParam);
     DECLARE_MESSAGE_MAP()
 
 private:
@@ -66,9 +71,11 @@ private:
 
     SpellingTest m_test;
     CKXGifRender m_gif;
-    CKXTipWnd m_tip;
+    ShowText m_showHint;
     CFont m_wordFont;
+    Items m_boxes; // in the title
     Items m_buttons;
+    CString m_strNext; // the first button's text once the word is answered
     Items m_skins;
     Items m_lans;
     CRect m_rcHot; // of the item below the mouse

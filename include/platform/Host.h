@@ -93,13 +93,18 @@ KX_API void SetRegistryFile(const std::string& strPath);
 
 // ---- Desktop
 
-// Where windows appear: on the X server that DISPLAY names if it answers, else on a desktop in memory. These
-// choose another; false, with nothing changed, while there are windows. The size is at most 16,384 each way.
+// How long an X server is waited for until all is known that windows need, in milliseconds. Once it has
+// answered it is trusted to: one that stops later holds up those who ask it something.
+inline constexpr DWORD ANSWER_LIMIT = 5'000;
+
+// Where windows appear: on the X server that DISPLAY names if it answers in time, else on a desktop in
+// memory. These choose another; false, with nothing changed, while there are windows. The size is at most
+// 16,384 each way.
 KX_API bool UseMemoryDesktop(int nWidth = 1024, int nHeight = 768);
-// A null name is DISPLAY's. False also when it doesn't answer. Windows of other processes are found there,
-// but messages don't reach them: what is posted or sent to one gives 0. Windows need a screen of 24 bits and
-// more, and end with the server, as if each was destroyed.
-KX_API bool UseDisplay(const char* pszDisplay = nullptr);
+// A null name is DISPLAY's. False also when it doesn't answer within the limit. Windows of other processes
+// are found there, but messages don't reach them: what is posted or sent to one gives 0. Windows need a
+// screen of 24 bits and more, and end with the server, as if each was destroyed.
+KX_API bool UseDisplay(const char* pszDisplay = nullptr, DWORD dwLimit = ANSWER_LIMIT);
 // Whether windows appear in memory alone.
 KX_API bool IsMemoryDesktop();
 // Writes what is seen on the desktop as a PNG file under a Linux path; false if that fails.

@@ -10,16 +10,24 @@ inline constexpr UINT WM_LBUTTONDOWN = 0x0201;
 inline constexpr UINT WM_LBUTTONUP = 0x0202;
 inline constexpr UINT WM_RBUTTONDOWN = 0x0204;
 inline constexpr UINT WM_RBUTTONUP = 0x0205;
+inline constexpr UINT WM_MBUTTONDOWN = 0x0207;
+inline constexpr UINT WM_MBUTTONUP = 0x0208;
+// To the window below the mouse. WPARAM: the MK_... held in its low 16 bits, and in its high ones how far the
+// wheel was turned, WHEEL_DELTA for each notch and below 0 towards the user; LPARAM: x and y on the desktop.
+inline constexpr UINT WM_MOUSEWHEEL = 0x020A;
+inline constexpr int WHEEL_DELTA = 120;
 inline constexpr UINT MK_LBUTTON = 0x01;
 inline constexpr UINT MK_RBUTTON = 0x02;
 inline constexpr UINT MK_SHIFT = 0x04;
 inline constexpr UINT MK_CONTROL = 0x08;
+inline constexpr UINT MK_MBUTTON = 0x10;
 
 // WPARAM: a VK_... number, for letters and digits their capital in ASCII; LPARAM: 1. A key without a number
 // gives its characters alone.
 inline constexpr UINT WM_KEYDOWN = 0x0100;
 inline constexpr UINT WM_KEYUP = 0x0101;
 // WPARAM: one byte of a character in the process's code page, so that one of two bytes makes two messages.
+// A dead key gives none; the next one gives the character of both.
 inline constexpr UINT WM_CHAR = 0x0102;
 
 inline constexpr UINT VK_BACK = 0x08;

@@ -19,8 +19,9 @@ std::atomic<Desktop*> g_desktop{nullptr};
 
 Desktop& Choose()
 {
+    constexpr std::chrono::milliseconds limit(KXHost::ANSWER_LIMIT);
     const char* pszDisplay = std::getenv("DISPLAY");
-    auto display = pszDisplay && *pszDisplay ? X11Desktop::Open(pszDisplay) : nullptr;
+    auto display = pszDisplay && *pszDisplay ? X11Desktop::Open(pszDisplay, limit) : nullptr;
     if (!display) return HeadlessDesktop::Instance();
     return X11Desktop::Keep(std::move(display));
 }

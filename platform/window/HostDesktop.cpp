@@ -6,6 +6,7 @@
 #include "platform/window/headless/HeadlessDesktop.h"
 #include "platform/window/x11/X11Desktop.h"
 
+#include <chrono>
 #include <fstream>
 #include <utility>
 
@@ -23,9 +24,9 @@ bool KXHost::UseMemoryDesktop(int nWidth, int nHeight)
     return true;
 }
 
-bool KXHost::UseDisplay(const char* pszDisplay)
+bool KXHost::UseDisplay(const char* pszDisplay, DWORD dwLimit)
 {
-    auto display = X11Desktop::Open(pszDisplay);
+    auto display = X11Desktop::Open(pszDisplay, std::chrono::milliseconds(dwLimit));
     if (!display || !Desktop::Use(*display)) return false;
     X11Desktop::Keep(std::move(display));
     return true;

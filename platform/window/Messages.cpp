@@ -65,7 +65,7 @@ bool FindFilter(HWND hWnd, WindowPtr& window)
 
 bool IsPress(UINT nMsg) noexcept
 {
-    return nMsg == WM_LBUTTONDOWN || nMsg == WM_RBUTTONDOWN;
+    return nMsg == WM_LBUTTONDOWN || nMsg == WM_RBUTTONDOWN || nMsg == WM_MBUTTONDOWN;
 }
 
 // A pressed button gives its window the focus before anyone hears of it.

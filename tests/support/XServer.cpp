@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <stdexcept>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -34,6 +35,7 @@ Program::Program(std::vector<std::string> args, std::vector<std::string> env)
     m_pid = fork();
     if (m_pid < 0) throw std::runtime_error("no process");
     if (m_pid > 0) return;
+    prctl(PR_SET_PDEATHSIG, SIGTERM); // a test that crashes leaves none behind
     for (auto& setting : env)
         putenv(setting.data());
     const int nowhere = open("/dev/null", O_RDWR);

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/window/Desktop.h"
+#include "platform/window/WindowStack.h"
 #include "platform/window/headless/Recent.h"
-#include "platform/window/headless/WindowStack.h"
 
 #include <map>
 #include <mutex>

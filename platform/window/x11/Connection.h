@@ -14,7 +14,7 @@ namespace kx::window::x11 {
 class Connection
 {
 public:
-    // Null for a server that doesn't answer. A null name is DISPLAY's.
+    // Null for a server that refuses, and without end for one that says nothing. A null name is DISPLAY's.
     static std::unique_ptr<Connection> Open(const char* pszDisplay);
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;

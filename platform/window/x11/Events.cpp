@@ -33,6 +33,7 @@ UINT HeldOf(std::uint16_t state) noexcept
 {
     UINT held = 0;
     if (state & XCB_KEY_BUT_MASK_BUTTON_1) held |= MK_LBUTTON;
+    if (state & XCB_KEY_BUT_MASK_BUTTON_2) held |= MK_MBUTTON;
     if (state & XCB_KEY_BUT_MASK_BUTTON_3) held |= MK_RBUTTON;
     if (state & XCB_KEY_BUT_MASK_SHIFT) held |= MK_SHIFT;
     if (state & XCB_KEY_BUT_MASK_CONTROL) held |= MK_CONTROL;
@@ -47,7 +48,11 @@ struct Button
     UINT up;
 };
 constexpr Button kButtons[] = {{1, MK_LBUTTON, WM_LBUTTONDOWN, WM_LBUTTONUP},
+                               {2, MK_MBUTTON, WM_MBUTTONDOWN, WM_MBUTTONUP},
                                {3, MK_RBUTTON, WM_RBUTTONDOWN, WM_RBUTTONUP}};
+// To the server each notch of the wheel is a press and a release of one of these.
+constexpr xcb_button_t kWheelUp = 4;
+constexpr xcb_button_t kWheelDown = 5;
 
 } // namespace
 
@@ -193,6 +198,12 @@ void Events::OnMotion(const xcb_motion_notify_event_t& event)
 void Events::OnButton(const xcb_button_press_event_t& event, bool bDown)
 {
     const HWND hWnd = HandleOf(event.event);
+    if (bDown && hWnd && (event.detail == kWheelUp || event.detail == kWheelDown)) {
+        const int nTurn = event.detail == kWheelUp ? WHEEL_DELTA : -WHEEL_DELTA;
+        const UINT turn = static_cast<WORD>(nTurn);
+        PostMessage(hWnd, WM_MOUSEWHEEL, HeldOf(event.state) | turn << 16,
+                    PlaceOf(event.root_x, event.root_y));
+    }
     for (const Button& button : kButtons) {
         if (!hWnd || button.number != event.detail) continue;
         // The event tells what was held before it.
@@ -214,7 +225,7 @@ void Events::OnKey(const xcb_key_press_event_t& event, bool bDown)
 {
     const HWND hWnd = HandleOf(event.event);
     if (!hWnd || (!bDown && IsRepeat(event))) return;
-    const Keyboard::Key key = m_keyboard.Read(event.detail, event.state);
+    const Keyboard::Key key = m_keyboard.Read(event.detail, event.state, bDown);
     if (key.number) PostMessage(hWnd, bDown ? WM_KEYDOWN : WM_KEYUP, key.number, 1);
     if (!bDown) return;
     for (const char ch : text::FromUtf8Lossy(key.text))

@@ -30,12 +30,13 @@ std::vector<xcb_window_t> ForeignWindows::Candidates() const
                                nullptr));
     std::vector<xcb_window_t> ids;
     if (listed && listed->format == 32) {
-        const auto* first = static_cast<const xcb_window_t*>(xcb_get_property_value(listed.get()));
-        ids.assign(first, first + listed->value_len);
+        const auto windows = ValuesOf<xcb_window_t>(listed.get());
+        ids.assign(windows.begin(), windows.end());
     } else if (const auto tree = Own(xcb_query_tree_reply(
                    connection, xcb_query_tree(connection, m_connection.Root()), nullptr))) {
-        const std::span children(xcb_query_tree_children(tree.get()), tree->children_len);
-        const auto some = children.first(std::min<std::size_t>(children.size(), kMost));
+        // Of those that are told of, the ones that came: one to a word.
+        const std::uint32_t nSome = std::min({std::uint32_t{tree->children_len}, tree->length, kMost});
+        const std::span some(xcb_query_tree_children(tree.get()), nSome);
         ids.assign(some.begin(), some.end());
     }
     std::erase_if(ids, [&](xcb_window_t id) { return m_connection.IsOurs(id); });

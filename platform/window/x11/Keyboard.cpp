@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
+#include <utility>
 #include <xkbcommon/xkbcommon-keysyms.h>
 #include <xkbcommon/xkbcommon-x11.h>
 
@@ -65,6 +67,19 @@ UINT NumberOfSymbol(xkb_keysym_t symbol) noexcept
     return it == kNamed.end() ? 0 : it->number;
 }
 
+// The user's own table, or that of the system's most usual locale. Its texts are UTF-8 in any case.
+xkb_compose_table* DeadKeys(xkb_context* context)
+{
+    const char* pszLocale = nullptr;
+    for (const char* pszName : {"LC_ALL", "LC_CTYPE", "LANG"})
+        if (!pszLocale || !*pszLocale) pszLocale = std::getenv(pszName);
+    xkb_compose_table* table = nullptr;
+    if (pszLocale && *pszLocale)
+        table = xkb_compose_table_new_from_locale(context, pszLocale, XKB_COMPOSE_COMPILE_NO_FLAGS);
+    return table ? table
+                 : xkb_compose_table_new_from_locale(context, "en_US.UTF-8", XKB_COMPOSE_COMPILE_NO_FLAGS);
+}
+
 // The parts of a key event's state.
 constexpr xkb_mod_mask_t HeldKeys(std::uint16_t held) noexcept
 {
@@ -82,6 +97,8 @@ Keyboard::Keyboard(xcb_connection_t* connection)
 {
     if (m_context)
         xkb_context_set_log_level(m_context.get(), XKB_LOG_LEVEL_CRITICAL); // a lost server is no news
+    const std::unique_ptr<xkb_compose_table, Unref> deadKeys(m_context ? DeadKeys(m_context.get()) : nullptr);
+    if (deadKeys) m_compose.reset(xkb_compose_state_new(deadKeys.get(), XKB_COMPOSE_STATE_NO_FLAGS));
     xkb_x11_setup_xkb_extension(connection, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
                                 XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, &m_firstEvent,
                                 nullptr);
@@ -129,7 +146,23 @@ UINT Keyboard::NumberOf(xcb_keycode_t code, xkb_layout_index_t layout) const
     return number;
 }
 
-Keyboard::Key Keyboard::Read(xcb_keycode_t code, std::uint16_t held)
+std::optional<std::string> Keyboard::Compose(xkb_keysym_t symbol)
+{
+    if (!m_compose || xkb_compose_state_feed(m_compose.get(), symbol) == XKB_COMPOSE_FEED_IGNORED)
+        return std::nullopt;
+    const xkb_compose_status status = xkb_compose_state_get_status(m_compose.get());
+    if (status == XKB_COMPOSE_NOTHING) return std::nullopt;
+    std::string text;
+    if (status == XKB_COMPOSE_COMPOSED) {
+        text.resize(
+            static_cast<std::size_t>(std::max(xkb_compose_state_get_utf8(m_compose.get(), nullptr, 0), 0)));
+        xkb_compose_state_get_utf8(m_compose.get(), text.data(), text.size() + 1);
+    }
+    if (status != XKB_COMPOSE_COMPOSING) xkb_compose_state_reset(m_compose.get());
+    return text;
+}
+
+Keyboard::Key Keyboard::Read(xcb_keycode_t code, std::uint16_t held, bool bDown)
 {
     if (!m_state) return {};
     xkb_state_update_mask(m_state.get(), HeldKeys(held), 0, 0, 0, 0, Layout(held));
@@ -139,7 +172,11 @@ Keyboard::Key Keyboard::Read(xcb_keycode_t code, std::uint16_t held)
     if (symbol >= XKB_KEY_KP_0 && symbol <= XKB_KEY_KP_9) key.number = symbol - XKB_KEY_KP_0 + '0';
     const bool bAlt =
         xkb_state_mod_name_is_active(m_state.get(), XKB_MOD_NAME_ALT, XKB_STATE_MODS_EFFECTIVE) > 0;
-    if (bAlt || key.number == VK_DELETE) return key;
+    if (!bDown || bAlt || key.number == VK_DELETE) return key;
+    if (auto composed = Compose(symbol)) {
+        key.text = std::move(*composed);
+        return key;
+    }
     key.text.resize(
         static_cast<std::size_t>(std::max(xkb_state_key_get_utf8(m_state.get(), code, nullptr, 0), 0)));
     xkb_state_key_get_utf8(m_state.get(), code, key.text.data(), key.text.size() + 1);

@@ -3,8 +3,10 @@
 #include "include/platform/Types.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <xcb/xcb.h>
+#include <xkbcommon/xkbcommon-compose.h>
 #include <xkbcommon/xkbcommon.h>
 
 namespace kx::window::x11 {
@@ -24,21 +26,27 @@ public:
         UINT number = 0;  // a VK_..., 0 for none
         std::string text; // UTF-8
     };
-    // A key with what a key event says is held beside it.
-    Key Read(xcb_keycode_t code, std::uint16_t held);
+    // A key that goes down or up, with what the event says is held beside it. A dead key has no text; the
+    // next one that goes down has that of both.
+    Key Read(xcb_keycode_t code, std::uint16_t held, bool bDown);
 
 private:
     struct Unref
     {
+        void operator()(xkb_compose_table* p) const noexcept { xkb_compose_table_unref(p); }
+        void operator()(xkb_compose_state* p) const noexcept { xkb_compose_state_unref(p); }
         void operator()(xkb_context* p) const noexcept { xkb_context_unref(p); }
         void operator()(xkb_keymap* p) const noexcept { xkb_keymap_unref(p); }
         void operator()(xkb_state* p) const noexcept { xkb_state_unref(p); }
     };
+    // The text that keys make together with this one; nothing where it stands for itself.
+    std::optional<std::string> Compose(xkb_keysym_t symbol);
     UINT NumberOf(xcb_keycode_t code, xkb_layout_index_t layout) const;
 
     xcb_connection_t* const m_connection;
     std::uint8_t m_firstEvent = 0; // of those about keyboards; 0 for a server that has none
     std::unique_ptr<xkb_context, Unref> m_context;
+    std::unique_ptr<xkb_compose_state, Unref> m_compose; // null where the system has no table of dead keys
     std::unique_ptr<xkb_keymap, Unref>
         m_keymap; // null where the server tells none: then no key means anything
     std::unique_ptr<xkb_state, Unref> m_state;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/window/Desktop.h"
-#include "platform/window/headless/WindowStack.h"
+#include "platform/window/WindowStack.h"
 #include "platform/window/x11/Connection.h"
 
 #include <map>

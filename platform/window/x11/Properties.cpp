@@ -134,14 +134,14 @@ xcb_get_property_cookie_t AskFor(const Connection& connection, xcb_window_t wind
 
 std::string TextOf(const xcb_get_property_reply_t* reply)
 {
-    if (!reply || reply->format != 8) return {};
-    return {static_cast<const char*>(xcb_get_property_value(reply)), reply->value_len};
+    const auto text = ValuesOf<char>(reply);
+    return {text.begin(), text.end()};
 }
 
 std::optional<std::uint32_t> NumberOf(const xcb_get_property_reply_t* reply)
 {
-    if (!reply || reply->format != 32 || reply->value_len < 1) return std::nullopt;
-    return *static_cast<const std::uint32_t*>(xcb_get_property_value(reply));
+    const auto numbers = ValuesOf<std::uint32_t>(reply);
+    return numbers.empty() ? std::nullopt : std::optional(numbers.front());
 }
 
 std::string MachineName()

@@ -3,7 +3,9 @@
 #include "include/platform/Window.h"
 #include "platform/window/x11/Connection.h"
 
+#include <algorithm>
 #include <optional>
+#include <span>
 #include <string>
 
 // What other programs are told about a window: its manager, compositors, and those who look for it.
@@ -22,6 +24,15 @@ void SetAbove(const Connection& connection, xcb_window_t window, bool bAbove);
 // The same of a window that is shown, whose state is the manager's.
 void AskAbove(const Connection& connection, xcb_window_t window, bool bAbove);
 
+// Of the values that an answer says it has, those that came with it; none of an error or of other sizes.
+template <class T>
+std::span<const T> ValuesOf(const xcb_get_property_reply_t* reply)
+{
+    if (!reply || reply->format != sizeof(T) * 8) return {};
+    const std::size_t nCame = std::size_t{reply->length} * 4 / sizeof(T);
+    return {static_cast<const T*>(xcb_get_property_value(reply)),
+            std::min<std::size_t>(reply->value_len, nCame)};
+}
 // A property's text of at most 1,000 bytes, or a number; of an answer, which may be an error.
 std::string TextOf(const xcb_get_property_reply_t* reply);
 std::optional<std::uint32_t> NumberOf(const xcb_get_property_reply_t* reply);

@@ -4,9 +4,13 @@
 #include "platform/window/MessageBoxWindow.h"
 #include "platform/window/headless/HeadlessDesktop.h"
 #include "platform/window/x11/EventThread.h"
+#include "platform/window/x11/NoSignals.h"
 #include "platform/window/x11/Shape.h"
 
+#include <future>
+#include <optional>
 #include <pthread.h>
+#include <string>
 #include <system_error>
 
 namespace kx::window {
@@ -41,13 +45,29 @@ struct LeaveAtUnload
     }
 } g_leaveAtUnload;
 
+// xcb waits for a server without end. It does so on a thread of its own, which is left to itself when it
+// takes too long and throws away what it then gets.
+std::shared_ptr<x11::Session> OpenSession(const char* pszDisplay, std::chrono::milliseconds limit)
+{
+    const std::optional name = pszDisplay ? std::optional<std::string>(pszDisplay) : std::nullopt;
+    std::packaged_task<std::shared_ptr<x11::Session>()> open([name] {
+        auto connection = x11::Connection::Open(name ? name->c_str() : nullptr);
+        return connection ? std::make_shared<x11::Session>(std::move(connection)) : nullptr;
+    });
+    auto session = open.get_future();
+    {
+        const x11::NoSignals blocked;
+        std::thread(std::move(open)).detach();
+    }
+    return session.wait_for(limit) == std::future_status::ready ? session.get() : nullptr;
+}
+
 } // namespace
 
-std::unique_ptr<X11Desktop> X11Desktop::Open(const char* pszDisplay)
+std::unique_ptr<X11Desktop> X11Desktop::Open(const char* pszDisplay, std::chrono::milliseconds limit)
 try {
-    auto connection = x11::Connection::Open(pszDisplay);
-    if (!connection) return nullptr;
-    return std::make_unique<X11Desktop>(std::make_shared<x11::Session>(std::move(connection)));
+    auto session = OpenSession(pszDisplay, limit);
+    return session ? std::make_unique<X11Desktop>(std::move(session)) : nullptr;
 } catch (const std::system_error&) {
     return nullptr;
 }

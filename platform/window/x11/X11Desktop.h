@@ -2,6 +2,7 @@
 
 #include "platform/window/Desktop.h"
 
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -21,8 +22,8 @@ struct Session;
 class X11Desktop : public Desktop
 {
 public:
-    // Null for a server that doesn't answer. A null name is DISPLAY's.
-    static std::unique_ptr<X11Desktop> Open(const char* pszDisplay);
+    // Null for a server that hasn't answered within the limit. A null name is DISPLAY's.
+    static std::unique_ptr<X11Desktop> Open(const char* pszDisplay, std::chrono::milliseconds limit);
     // Lets it live, for those who still use it, until the library goes.
     static X11Desktop& Keep(std::unique_ptr<X11Desktop> desktop);
     explicit X11Desktop(std::shared_ptr<x11::Session> session); // throws where no thread can be had

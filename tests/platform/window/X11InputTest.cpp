@@ -45,14 +45,17 @@ TEST_F(X11InputTest, TheMouseIsHeardWithinTheWindow)
     EXPECT_EQ(Hear(window, "keyup",
                    [&] {
                        outside->MoveMouse(149, 159);
-                       outside->Button(2, true); // no message tells of it
-                       outside->Button(2, false);
+                       for (const int n : {2, 4, 5}) { // the middle one, and the wheel's
+                           outside->Button(n, true);
+                           outside->Button(n, false);
+                       }
                        outside->Key(outside->KeyOf(0xFFE3), true); // Control
                        outside->Button(3, true);
                        outside->Button(3, false);
                        outside->Key(outside->KeyOf(0xFFE3), false);
                    }),
-              "move 0 99,99;key 17 1,0;rdown 10 99,99;rup 8 99,99;keyup 17 1,0;");
+              "move 0 99,99;mdown 16 99,99;mup 0 99,99;wheel 7864320 149,159;wheel 4287102976 149,159;key 17 "
+              "1,0;rdown 10 99,99;rup 8 99,99;keyup 17 1,0;");
 }
 
 // However long a thread looks away, its queue holds one motion.
@@ -116,6 +119,13 @@ TEST_F(X11InputTest, CharactersComeInTheCodePage)
     ShowSeen(window, kRed, 50, 50);
     const xcb_keycode_t key = outside->Assign(0x01000000 + 0x4E2D); // U+4E2D, which has no number as a key
     EXPECT_EQ(Hear(window, "208", [&] { Type(key); }), "char 214 1,0;char 208 1,0;");
+    const xcb_keycode_t dead = outside->Assign(0xFE51); // the acute accent
+    EXPECT_EQ(Hear(window, "keyup 69",
+                   [&] {
+                       Type(dead);
+                       Type(outside->KeyOf('e'));
+                   }),
+              "key 69 1,0;char 168 1,0;char 166 1,0;keyup 69 1,0;");
     const CodePage utf8(CP_UTF8);
     EXPECT_EQ(Hear(window, "173", [&] { Type(key); }), "char 228 1,0;char 184 1,0;char 173 1,0;");
 }

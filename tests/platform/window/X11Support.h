@@ -66,10 +66,11 @@ private:
     LRESULT Hear(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
     {
         static const std::map<UINT, const char*> names{
-            {WM_LBUTTONDOWN, "down"},  {WM_LBUTTONUP, "up"}, {WM_RBUTTONDOWN, "rdown"},
-            {WM_RBUTTONUP, "rup"},     {WM_KEYDOWN, "key"},  {WM_KEYUP, "keyup"},
-            {WM_CHAR, "char"},         {WM_SIZE, "size"},    {WM_SETFOCUS, "focus"},
-            {WM_KILLFOCUS, "unfocus"}, {WM_CLOSE, "close"},  {WM_DESTROY, "destroy"},
+            {WM_LBUTTONDOWN, "down"},  {WM_LBUTTONUP, "up"},      {WM_RBUTTONDOWN, "rdown"},
+            {WM_RBUTTONUP, "rup"},     {WM_MBUTTONDOWN, "mdown"}, {WM_MBUTTONUP, "mup"},
+            {WM_MOUSEWHEEL, "wheel"},  {WM_KEYDOWN, "key"},       {WM_KEYUP, "keyup"},
+            {WM_CHAR, "char"},         {WM_SIZE, "size"},         {WM_SETFOCUS, "focus"},
+            {WM_KILLFOCUS, "unfocus"}, {WM_CLOSE, "close"},       {WM_DESTROY, "destroy"},
             {WM_MOUSEMOVE, "move"}};
         if (const auto it = names.find(nMsg); it != names.end())
             heard += std::string(it->second) + " " + std::to_string(nMsg == WM_SETFOCUS ? 0 : wParam) + " " +

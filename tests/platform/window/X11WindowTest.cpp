@@ -4,6 +4,7 @@
 #include "tests/platform/window/X11Support.h"
 #include "tests/support/Child.h"
 #include "tests/support/Host.h"
+#include "tests/support/RawServer.h"
 
 #include <gmock/gmock.h>
 #include <map>
@@ -252,6 +253,11 @@ TEST_F(X11WindowTest, AnotherDesktopIsChosenOnlyWithoutWindows)
         EXPECT_FALSE(KXHost::IsMemoryDesktop());
     }
     EXPECT_FALSE(KXHost::UseDisplay(":nonsense"));
+    const RawServer silent([](Peer& peer) { peer.AwaitClose(); });
+    const std::string port = silent.Host().substr(silent.Host().find(':') + 1);
+    const std::string name = "127.0.0.1:" + std::to_string(std::stoi(port) - 6000);
+    EXPECT_FALSE(KXHost::UseDisplay(name.c_str(), 50));
+    EXPECT_EQ(silent.Connections(), 1) << "it took the call and said nothing";
     EXPECT_FALSE(KXHost::IsMemoryDesktop());
 }
 

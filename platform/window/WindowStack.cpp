@@ -1,4 +1,4 @@
-#include "platform/window/headless/WindowStack.h"
+#include "platform/window/WindowStack.h"
 
 #include <algorithm>
 
