@@ -104,20 +104,22 @@ void CKXCommonTaskThread::StartLocked()
     m_hThread = reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, ProcessTaskThread, this, 0, nullptr));
 }
 
-// The thread takes the lock for its next task, so it isn't waited for in here.
+// The thread takes the lock for its next task, so it isn't waited for in here. It counts as there until it
+// has ended: a task that adds one meanwhile must not start another.
 int CKXCommonTaskThread::StopThread()
 {
     HANDLE hThread = nullptr;
     {
         const CKXAutoLock lock(&m_lockTask);
-        hThread = std::exchange(m_hThread, nullptr);
+        hThread = m_hThread;
         if (!hThread) return 1;
         SetEvent(m_hStopEvent); // first, so that the thread, once awake, finds it
         SetEvent(m_hWakeEvent);
     }
     if (m_dwProcess == GetCurrentProcessId()) // a fork has no thread to wait for
         WaitForSingleObject(hThread, INFINITE);
-    CloseHandle(hThread);
+    const CKXAutoLock lock(&m_lockTask);
+    CloseHandle(std::exchange(m_hThread, nullptr));
     return 1;
 }
 

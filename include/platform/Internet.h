@@ -120,6 +120,8 @@ public:
 
     // Ends all connections; open files and later calls of OpenURL fail with
     // ERROR_INTERNET_INCORRECT_HANDLE_STATE.
+    // A look-up of a name that is under way isn't waited for: it ends by itself on a thread of the HTTP
+    // library's, when the system's resolver gives up.
     void Close() noexcept;
 
     // Lets the call that is waiting for a server fail at once with ERROR_INTERNET_OPERATION_CANCELLED, and

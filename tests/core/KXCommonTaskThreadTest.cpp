@@ -167,6 +167,25 @@ TEST_F(Tasks, AreStoppedByTheirEvent)
     EXPECT_EQ(trace.Text(), "long stopped ~long left ~left  ~ ");
 }
 
+TEST_F(Tasks, AddedByOneThatIsBeingStoppedStayQueued)
+{
+    std::binary_semaphore running{0};
+    worker->Initialize();
+    Add("long", [&](HANDLE stop) {
+        running.release();
+        WaitForSingleObject(stop, INFINITE);
+        Add("next");
+    });
+    running.acquire();
+    worker->UnInitialize();
+    EXPECT_EQ(trace.Text(), "long ~long ");
+    worker->Initialize();
+    Add("last");
+    Drain();
+    worker->UnInitialize();
+    EXPECT_EQ(trace.Text(), "long ~long next ~next last ~last  ~ ");
+}
+
 TEST_F(Tasks, AreDeletedUnrunWithTheirQueue)
 {
     std::binary_semaphore running{0};
