@@ -80,4 +80,9 @@ protected:
 
     int m_fd = -1;
     CString m_strFileName;
+
+private:
+    int CloseSystemFile() noexcept;
+
+    int m_nProcess = 0; // that opened it
 };

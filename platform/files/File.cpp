@@ -8,6 +8,7 @@
 #include "platform/files/OpenFile.h"
 #include "platform/files/Path.h"
 
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -35,7 +36,15 @@ kx::UniqueFd OpenPath(const char* pszFileName, unsigned nOpenFlags, CFileExcepti
 
 CFile::~CFile()
 {
-    if (m_fd >= 0) close(m_fd);
+    if (m_fd >= 0) CloseSystemFile();
+}
+
+// A process that is being started has copies of all descriptors for a moment, and with them the lock that
+// keeps others out: it is given up by hand, but not by a fork, whose parent has it.
+int CFile::CloseSystemFile() noexcept
+{
+    if (m_nProcess == getpid()) flock(m_fd, LOCK_UN);
+    return close(std::exchange(m_fd, -1));
 }
 
 int CFile::Open(const char* pszFileName, unsigned nOpenFlags, CFileException* pError)
@@ -47,6 +56,7 @@ int CFile::Open(const char* pszFileName, unsigned nOpenFlags, CFileException* pE
     }
     CFileException failure;
     m_fd = OpenPath(pszFileName, nOpenFlags, failure).Release();
+    m_nProcess = getpid();
     if (m_fd >= 0)
         m_strFileName = pszFileName;
     else if (pError)
@@ -58,13 +68,13 @@ void CFile::Close()
 {
     if (m_fd < 0) return;
     const CString strFileName = std::exchange(m_strFileName, CString());
-    if (close(std::exchange(m_fd, -1)) != 0 && errno != EINTR)
+    if (CloseSystemFile() != 0 && errno != EINTR)
         throw new CFileException(kx::CauseFromErrno(errno), errno, strFileName);
 }
 
 void CFile::Abort() noexcept
 {
-    if (m_fd >= 0) close(std::exchange(m_fd, -1));
+    if (m_fd >= 0) CloseSystemFile();
     m_strFileName = CString();
 }
 

@@ -7,6 +7,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using test::Mounted;
@@ -159,6 +160,37 @@ TEST(File, WritersShareAsTheySayAndReadersAlwaysDo)
     CFile reader;
     EXPECT_TRUE(reader.Open(strPath, CFile::modeRead | CFile::shareExclusive));
     EXPECT_EQ(OpenCause(strPath, CFile::modeWrite | CFile::shareExclusive), CFileException::none);
+}
+
+// A process has copies of its parent's descriptors until it runs a program of its own. They keep no file from
+// others once it is closed; and what a fork closes stays its parent's.
+TEST(File, IsFreeForOthersOnceClosedWhoeverHasCopies)
+{
+    const Mounted drive;
+    const unsigned flags = CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite;
+    CFile file;
+    ASSERT_TRUE(file.Open("X:\\held", flags));
+    const pid_t closing = fork();
+    if (closing == 0) {
+        file.Abort();
+        _exit(0);
+    }
+    EXPECT_EQ(waitpid(closing, nullptr, 0), closing);
+    EXPECT_EQ(OpenCause("X:\\held", flags), CFileException::sharingViolation);
+
+    int end[2];
+    ASSERT_EQ(pipe(end), 0);
+    const pid_t holding = fork();
+    if (holding == 0) {
+        char ch = 0;
+        close(end[1]);
+        _exit(static_cast<int>(read(end[0], &ch, 1)));
+    }
+    file.Close();
+    EXPECT_EQ(OpenCause("X:\\held", flags), CFileException::none);
+    for (const int fd : end)
+        close(fd);
+    EXPECT_EQ(waitpid(holding, nullptr, 0), holding);
 }
 
 TEST(File, ShareEndsWithItsHolderAlsoByAKill)
