@@ -1,0 +1,46 @@
+#include "Short.h"
+
+#include <httplib.h>
+#include <platform/Sync.h>
+#include <thread>
+
+// A file downloaded from a server in this process, with a callback that hears of each step; and a report of
+// use.
+namespace {
+
+HANDLE hDone;
+
+int Tell(unsigned uCode, unsigned, const CString& strUrl, const CString&, unsigned long dwTotal,
+         unsigned long dwReceived, unsigned)
+{
+    if (uCode != WM_KXDOWNLOADENDED) return 0;
+    std::printf("%s: %lu of %lu bytes\n", strUrl.GetString(), dwReceived, dwTotal);
+    SetEvent(hDone);
+    return 0;
+}
+
+} // namespace
+
+int main()
+{
+    httplib::Server server;
+    server.Get("/lesson", [](const httplib::Request&, httplib::Response& response) {
+        response.set_content(std::string(10'000, 'x'), "text/plain");
+    });
+    const HANDLE hReport = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    server.Get("/report", [&](const httplib::Request&, httplib::Response&) { SetEvent(hReport); });
+    CString strHost;
+    strHost.Format("http://127.0.0.1:%d", server.bind_to_any_port("127.0.0.1"));
+    std::jthread thread([&] { server.listen_after_bind(); });
+
+    hDone = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    CKXHttpDownloadMgr::Instance().AddTask(strHost + "/lesson", Beside("lesson.txt"), Tell, 0);
+    const bool bEnded = WaitForSingleObject(hDone, 10'000) == WAIT_OBJECT_0;
+
+    KXHost::SetRegistryFile(KXHost::ToSystemPath(Beside("registry.ini"))); // where the user's id is kept
+    CKXStatSender::Instance().Initialize(strHost + "/report", "2.6");
+    CKXStatSender::Instance().Report("lesson", 12);
+    const bool bReported = WaitForSingleObject(hReport, 10'000) == WAIT_OBJECT_0;
+    server.stop();
+    return bEnded && bReported ? 0 : 1;
+}
