@@ -1,8 +1,10 @@
-# cmake --install: library, headers, find_package files and the pkg-config file.
+# cmake --install: library, headers, find_package files and the pkg-config file, in two components: what a client
+# runs with (Runtime), and what it is built with (Development).
 include(CMakePackageConfigHelpers)
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME Development)
 
 install(TARGETS KXCommonClass EXPORT KXCommonClassTargets
-    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Runtime NAMELINK_COMPONENT Development)
 install(DIRECTORY include/ DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/KXCommonClass" FILES_MATCHING PATTERN "*.h")
 
 set(KX_CONFIG_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/KXCommonClass")

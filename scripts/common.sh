@@ -21,11 +21,10 @@ need_packages() {
     "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q install -y --no-install-recommends "${missing[@]}"
 }
 
-# build NAME CMAKE-ARGUMENT...: configures and builds build/NAME.
+# build PRESET CMAKE-ARGUMENT...: configures and builds build/PRESET, as CMakePresets.json says.
 build() {
     local dir=build/$1
-    shift
-    cmake -S . -B "$dir" -G Ninja "$@" >"$dir.log" 2>&1 || { cat "$dir.log"; return 1; }
+    cmake --preset "$@" >"$dir.log" 2>&1 || { cat "$dir.log"; return 1; }
     cmake --build "$dir" -j "$jobs" >>"$dir.log" 2>&1 || { tail -n 60 "$dir.log"; return 1; }
 }
 
