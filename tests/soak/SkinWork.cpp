@@ -1,0 +1,34 @@
+#include "KXIniDataMgr.h"
+#include "KXSkinResManager.h"
+#include "include/platform/GdiPlus.h"
+#include "tests/soak/Soak.h"
+
+#include <filesystem>
+
+soak::Figures soak::RunSkins(Turn turn, const test::TempDir& dir)
+{
+    std::uintptr_t nToken = 0;
+    const Gdiplus::GdiplusStartupInput input;
+    Gdiplus::GdiplusStartup(&nToken, &input, nullptr);
+    CKXSkinResManager* const pSkins = CKXSkinResManager::GetSingletonPtr();
+    Figures figures;
+    while (turn.Goes()) {
+        const CString strName = pSkins->GetSkinName(turn.Below(pSkins->GetSkinsTotal()));
+        const std::string file = dir.Path("Skins/" + std::string(strName) + "/Common/Button/PushButton.bmp");
+        const bool bShort = turn.Below(4) == 0 && std::filesystem::exists(file);
+        if (bShort) std::filesystem::rename(file, file + ".away");
+        pSkins->SetSkin(strName, 1);
+        if (bShort) std::filesystem::rename(file + ".away", file);
+        const CString strIni = pSkins->GetCurrentSkinPath() + "Skin.ini";
+        const bool bLoaded = pSkins->GetBtnRes()->m_bmpPushButton.GetHBITMAP() != nullptr;
+        figures.losses += pSkins->GetCurrentSkinName() != strName;
+        figures.losses += bLoaded == bShort && std::filesystem::exists(file);
+        figures.losses += pSkins->GetClrDef()->m_clrMenuSelectBk !=
+                          CKXIniDataMgr::GetRGB(strIni, "COLOR", "MenuSelectBk", 1);
+        figures.faults += bShort;
+        ++figures.operations;
+    }
+    pSkins->UnInitialize();
+    Gdiplus::GdiplusShutdown(nToken);
+    return figures;
+}
