@@ -4,19 +4,19 @@ namespace kx::xml {
 
 namespace {
 
-constexpr bool IsLetter(char16_t ch) noexcept
+constexpr bool IsLetter(unsigned ch) noexcept
 {
     return ((ch | 0x20) >= u'a' && (ch | 0x20) <= u'z') || ch == u'_';
 }
 
 constexpr std::array<bool, 128> kNameChars = [] {
     std::array<bool, 128> allowed{};
-    for (char16_t ch = 0; ch < allowed.size(); ++ch)
+    for (unsigned ch = 0; ch < allowed.size(); ++ch)
         allowed[ch] = IsLetter(ch) || (ch >= u'0' && ch <= u'9') || ch == u'-' || ch == u'.';
     return allowed;
 }();
 
-constexpr bool IsNameChar(char16_t ch) noexcept
+constexpr bool IsNameChar(unsigned ch) noexcept
 {
     return ch < kNameChars.size() && kNameChars[ch];
 }

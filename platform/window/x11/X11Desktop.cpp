@@ -85,7 +85,7 @@ X11Desktop::X11Desktop(std::shared_ptr<x11::Session> session)
 
 X11Desktop::~X11Desktop()
 {
-    Leave();
+    X11Desktop::Leave();
 }
 
 // The thread ends by itself once the connection does.
