@@ -1,6 +1,6 @@
 #include "Short.h"
 
-// A gradient saved as a PNG, loaded, drawn fitted and made a grey JPEG; then a GIF of several frames played.
+// A gradient saved as a PNG, loaded, drawn fitted, and made a grey JPEG and a thumbnail.
 namespace {
 
 CKXGdiplusBitmap Sunset(const CSize& size)

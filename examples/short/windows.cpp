@@ -32,6 +32,7 @@ END_MESSAGE_MAP()
 int main()
 {
     KXHost::UseMemoryDesktop(400, 300);
+    KXHost::UseVirtualClock(0, KXHost::VirtualSleep::Advances); // so that fades take no time here
     HelloWnd window;
     if (!window.Create()) return 1;
     window.UpdateWindow();
@@ -41,5 +42,6 @@ int main()
     const bool bSaved = KXHost::SaveDesktop(KXHost::ToSystemPath(Beside("windows.png")));
     tip.DestroyWindow();
     window.DestroyWindow();
+    KXHost::UseRealClock();
     return bSaved ? 0 : 1;
 }

@@ -42,6 +42,7 @@ int main(int nArgs, char** args)
     start("registry", soak::RunRegistry);
     start("xml", soak::RunXml);
     std::uint64_t losses = 0;
+    std::printf("seed %u\n", seed);
     std::printf("%-12s %12s %12s %12s\n", "", "operations", "faults", "losses");
     for (Part& part : parts) {
         const soak::Figures figures = part.figures.get();
