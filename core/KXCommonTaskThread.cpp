@@ -109,15 +109,16 @@ void CKXCommonTaskThread::StartLocked()
 int CKXCommonTaskThread::StopThread()
 {
     HANDLE hThread = nullptr;
+    bool bOwn = false; // a fork has no thread to wait for
     {
         const CKXAutoLock lock(&m_lockTask);
         hThread = m_hThread;
         if (!hThread) return 1;
+        bOwn = m_dwProcess == GetCurrentProcessId();
         SetEvent(m_hStopEvent); // first, so that the thread, once awake, finds it
         SetEvent(m_hWakeEvent);
     }
-    if (m_dwProcess == GetCurrentProcessId()) // a fork has no thread to wait for
-        WaitForSingleObject(hThread, INFINITE);
+    if (bOwn) WaitForSingleObject(hThread, INFINITE);
     const CKXAutoLock lock(&m_lockTask);
     CloseHandle(std::exchange(m_hThread, nullptr));
     return 1;

@@ -71,8 +71,8 @@ void CKXLogSys::Uninitialize()
 
 int CKXLogSys::StartThread()
 {
-    if (!m_hThread)
-        m_hThread = reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, WriteLogThread, this, 0, nullptr));
+    if (m_hThread) return 1;
+    m_hThread = reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, WriteLogThread, this, 0, nullptr));
     m_dwProcess = GetCurrentProcessId();
     return 1;
 }

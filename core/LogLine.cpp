@@ -49,12 +49,14 @@ CString kx::log::MakeLine(int nLevel, std::string_view message)
     const char* end = std::to_chars(digits.data(), digits.data() + digits.size(), nLevel).ptr;
     const std::string_view level(digits.data(), static_cast<std::size_t>(end - digits.data()));
 
-    const std::size_t length = stamp.size() + level.size() + message.size() + 5;
+    const std::string_view parts[] = {"[", stamp, "] ", level, " ", message, "\n"};
+    std::size_t length = 0;
+    for (const std::string_view part : parts)
+        length += part.size();
     if (length > static_cast<std::size_t>(std::numeric_limits<int>::max())) throw std::bad_alloc();
     CString line;
     char* at = line.GetBuffer(static_cast<int>(length));
-    for (const std::string_view part : {std::string_view("["), stamp, std::string_view("] "), level,
-                                        std::string_view(" "), message, std::string_view("\n")})
+    for (const std::string_view part : parts)
         at = Put(at, part);
     line.ReleaseBuffer(static_cast<int>(length));
     return line;

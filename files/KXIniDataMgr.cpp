@@ -8,15 +8,14 @@
 
 #include <algorithm>
 #include <array>
-#include <climits>
 #include <cstdio>
-#include <cstdlib>
 #include <optional>
 #include <string_view>
 #include <vector>
 
-using kx::files::FixedText;
+using kx::files::ScanNumber;
 using kx::files::ToDouble;
+using kx::files::ToFixedPoint;
 
 namespace {
 
@@ -42,7 +41,9 @@ private:
 
 int ToInteger(const Text& text)
 {
-    return static_cast<int>(std::clamp(std::strtol(text.Get(), nullptr, 10), long{INT_MIN}, long{INT_MAX}));
+    int n = 0;
+    ScanNumber(text.View(), n);
+    return n;
 }
 
 bool ToBool(const Text& text)
@@ -183,7 +184,7 @@ int CKXIniDataMgr::WriteFloat(const char* pszFile, const char* pszSection, const
 
 int CKXIniDataMgr::WriteDouble(const char* pszFile, const char* pszSection, const char* pszKey, double dValue)
 {
-    const CString text = FixedText(dValue);
+    const CString text = ToFixedPoint(dValue);
     if (text.GetLength() >= static_cast<int>(kMaxText)) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;

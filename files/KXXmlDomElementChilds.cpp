@@ -5,9 +5,9 @@
 
 #include <memory>
 
-using kx::files::FixedText;
 using kx::files::ScanNumber;
 using kx::files::ToDouble;
+using kx::files::ToFixedPoint;
 using kx::xml::WideResult;
 using kx::xml::WideText;
 
@@ -198,7 +198,7 @@ void CKXXmlDomElement::AppendChild(CKXXmlDomDocument& doc, const char* pszName, 
                                    double dDefault)
 {
     if (dValue == dDefault && !bForce) return;
-    AppendChild(doc.CreateElement(pszName, FixedText(dValue)));
+    AppendChild(doc.CreateElement(pszName, ToFixedPoint(dValue)));
 }
 
 void CKXXmlDomElement::AppendChild(CKXXmlDomDocument& doc, const char* pszName, COleDateTime& tValue, bool)

@@ -18,7 +18,7 @@ void SkipSpace(std::string_view& text)
         text.remove_prefix(1);
 }
 
-// Whether a sign was there, and a minus.
+// Steps over a sign; true for a minus.
 bool TakeSign(std::string_view& text)
 {
     const bool bNegative = text.starts_with('-');
@@ -89,7 +89,7 @@ double ToDouble(std::string_view text)
     return bNegative ? -value : value;
 }
 
-CString FixedText(double dValue)
+CString ToFixedPoint(double dValue)
 {
     std::array<char, 400> text; // 309 digits, a sign, a point and six more
     const auto result =

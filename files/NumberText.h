@@ -12,7 +12,7 @@ namespace kx::files {
 double ToDouble(std::string_view text);
 
 // As "%f".
-CString FixedText(double dValue);
+CString ToFixedPoint(double dValue);
 
 // As the `sscanf` of a decimal number of that type: the number at the text's start behind white space. What
 // is out of range gives the nearest one; an unsigned one takes a minus sign and wraps. The value stays as it

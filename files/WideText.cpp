@@ -10,6 +10,12 @@ namespace kx::xml {
 
 namespace {
 
+// ASCII, and not the end.
+bool IsPlain(char ch) noexcept
+{
+    return static_cast<signed char>(ch) > 0;
+}
+
 WCHAR Widen(char ch) noexcept
 {
     return static_cast<unsigned char>(ch);
@@ -33,7 +39,7 @@ WideText::WideText(const char* pszText)
 {
     if (!pszText) return;
     std::size_t n = 0; // one pass over a name, which is shorter than any setting out for more at a time
-    while (n<kRoom&& static_cast<signed char>(pszText[n])> 0) {
+    while (n < kRoom && IsPlain(pszText[n])) {
         m_short.units[n] = Widen(pszText[n]);
         ++n;
     }

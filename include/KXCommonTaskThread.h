@@ -75,7 +75,7 @@ private:
     HANDLE m_hWakeEvent KX_GUARDED_BY(m_lockTask) = nullptr;
     HANDLE m_hStopEvent KX_GUARDED_BY(m_lockTask) = nullptr;
     bool m_bWoken KX_GUARDED_BY(m_lockTask) = false; // the thread will look at the queue once more
-    DWORD m_dwProcess = 0;                           // whose thread it is
+    DWORD m_dwProcess KX_GUARDED_BY(m_lockTask) = 0; // whose thread it is
     // Tasks that the thread took off the queue in one go and has not run yet; its own.
     std::list<tagKXCommonTask*> m_listTaken;
 };

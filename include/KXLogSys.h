@@ -79,8 +79,8 @@ private:
     CStdioFile m_fileLog;
     HANDLE m_hThread = nullptr;
     HANDLE m_hStopEvent = nullptr;
-    HANDLE m_hWakeEvent =
-        nullptr;           // set while the lock is held; the rest belongs to Initialize and Uninitialize
+    // Set under the lock by Initialize, cleared without it by Uninitialize, when no thread pushes.
+    HANDLE m_hWakeEvent = nullptr;
     DWORD m_dwProcess = 0; // whose thread it is
     // Lines that the writer took off the queue in one go and has not written yet; its own.
     std::list<CString> m_listTaken;

@@ -11,14 +11,37 @@ namespace kx::gdi {
 
 namespace {
 
+// Rows of one width, and how far it is from one to the next.
+struct Rows
+{
+    DWORD* out;
+    const DWORD* in;
+    std::ptrdiff_t outStep;
+    std::ptrdiff_t inStep;
+    std::size_t pixels;
+    int count;
+
+    template <class Copy>
+    [[gnu::always_inline]] void Each(const Copy& copy) const noexcept
+    {
+        DWORD* to = out;
+        const DWORD* from = in;
+        for (int n = count; n > 0; --n, to += outStep, from += inStep)
+            copy(to, from);
+    }
+};
+
 // For short rows a call takes longer than the copy: they are moved in blocks, the last of which may lie over
 // the one before it.
 template <std::size_t nBlock>
-[[gnu::always_inline]] inline void CopyInBlocks(DWORD* out, const DWORD* in, std::size_t nPixels) noexcept
+[[gnu::always_inline]] inline void CopyInBlocks(const Rows& rows, std::size_t nBlocks) noexcept
 {
-    for (std::size_t n = 0; n + nBlock < nPixels; n += nBlock)
-        std::memcpy(out + n, in + n, nBlock * sizeof(DWORD));
-    std::memcpy(out + nPixels - nBlock, in + nPixels - nBlock, nBlock * sizeof(DWORD));
+    const std::size_t nLast = rows.pixels - nBlock;
+    rows.Each([=](DWORD* to, const DWORD* from) {
+        for (std::size_t n = 0; n + 1 < nBlocks; ++n)
+            std::memcpy(to + n * nBlock, from + n * nBlock, nBlock * sizeof(DWORD));
+        std::memcpy(to + nLast, from + nLast, nBlock * sizeof(DWORD));
+    });
 }
 
 // Long rows the C library copies by one string instruction. On some processors that takes ten times as long
@@ -35,16 +58,27 @@ void CopyLongRow(DWORD* out, const DWORD* in, std::size_t nPixels) noexcept
     std::memmove(out, in, nPixels * sizeof(DWORD));
 }
 
-[[gnu::always_inline]] inline void CopyRow(DWORD* out, const DWORD* in, std::size_t nPixels) noexcept
+[[gnu::always_inline]] inline void CopyEach(const Rows& rows) noexcept
 {
-    if (nPixels > 32)
-        CopyLongRow(out, in, nPixels);
-    else if (nPixels >= 8)
-        CopyInBlocks<8>(out, in, nPixels);
-    else if (nPixels >= 2)
-        CopyInBlocks<2>(out, in, nPixels);
-    else
-        *out = *in;
+    switch (rows.pixels / 8) {
+    case 0:
+        if (rows.pixels == 1)
+            rows.Each([](DWORD* to, const DWORD* from) { *to = *from; });
+        else
+            CopyInBlocks<2>(rows, (rows.pixels + 1) / 2);
+        break;
+    case 1:
+        CopyInBlocks<8>(rows, 2);
+        break;
+    case 2:
+        CopyInBlocks<8>(rows, 3);
+        break;
+    case 3:
+        CopyInBlocks<8>(rows, 4);
+        break;
+    default:
+        rows.Each([&](DWORD* to, const DWORD* from) { CopyLongRow(to, from, rows.pixels); });
+    }
 }
 
 // Rows within one surface are taken from the end that the copy moves to, so that none is overwritten unread.
@@ -53,24 +87,19 @@ void CopyLongRow(DWORD* out, const DWORD* in, std::size_t nPixels) noexcept
     const RECT& area = fit.area;
     if (IsEmpty(area)) return;
     const bool bUpwards = &to == &from && fit.dy > 0;
-    const bool bOntoItself = &to == &from && fit.dy == 0; // within a row
     const int nFirst = bUpwards ? area.bottom - 1 : area.top;
     const std::ptrdiff_t nStep = bUpwards ? -1 : 1;
-    auto nPixels = static_cast<std::size_t>(area.right - area.left);
-    DWORD* out = to.Row(nFirst) + area.left;
-    const DWORD* in = from.Row(nFirst - fit.dy) + area.left - fit.dx;
-    int nRows = area.bottom - area.top;
-    if (&to != &from && static_cast<std::ptrdiff_t>(nPixels) == to.Stride() &&
-        to.Stride() == from.Stride()) // the rows lie without a gap
-        nPixels *= static_cast<std::size_t>(std::exchange(nRows, 1));
-    for (; nRows > 0; --nRows) {
-        if (bOntoItself)
-            std::memmove(out, in, nPixels * sizeof(DWORD));
-        else
-            CopyRow(out, in, nPixels);
-        out += nStep * to.Stride();
-        in += nStep * from.Stride();
+    Rows rows{
+        to.Row(nFirst) + area.left, from.Row(nFirst - fit.dy) + area.left - fit.dx,   nStep * to.Stride(),
+        nStep * from.Stride(),      static_cast<std::size_t>(area.right - area.left), area.bottom - area.top};
+    if (&to == &from && fit.dy == 0) { // each within itself
+        rows.Each([&](DWORD* out, const DWORD* in) { std::memmove(out, in, rows.pixels * sizeof(DWORD)); });
+        return;
     }
+    const auto nWidth = static_cast<std::ptrdiff_t>(rows.pixels);
+    if (&to != &from && nWidth == to.Stride() && nWidth == from.Stride()) // without a gap between them
+        rows.pixels *= static_cast<std::size_t>(std::exchange(rows.count, 1));
+    CopyEach(rows);
 }
 
 void CopyRowsPlain(Surface& to, const Surface& from, const Fit& fit) noexcept
