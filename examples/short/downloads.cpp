@@ -42,5 +42,7 @@ int main()
     CKXStatSender::Instance().Report("lesson", 12);
     const bool bReported = WaitForSingleObject(hReport, 10'000) == WAIT_OBJECT_0;
     server.stop();
+    CloseHandle(hReport);
+    CloseHandle(hDone);
     return bEnded && bReported ? 0 : 1;
 }

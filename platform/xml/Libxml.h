@@ -9,6 +9,16 @@
 
 namespace kx::xml {
 
+// libxml2 makes its locks and tables at their first use, which no two threads may have at once.
+inline void StartLibxml()
+{
+    static const bool bStarted = [] {
+        xmlInitParser();
+        return xmlInitializeDict() == 0;
+    }();
+    static_cast<void>(bStarted);
+}
+
 inline const xmlChar* ToXml(const char* text) noexcept
 {
     return reinterpret_cast<const xmlChar*>(text);

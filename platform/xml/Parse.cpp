@@ -8,7 +8,6 @@
 #include <libxml/SAX2.h>
 #include <libxml/parserInternals.h>
 #include <libxml/valid.h>
-#include <mutex>
 
 namespace kx::xml {
 
@@ -162,8 +161,7 @@ void Parsing::OnElement(void* context, const xmlChar* local, const xmlChar* pref
 
 bool Parsing::MakeContext()
 {
-    static std::once_flag initialized;
-    std::call_once(initialized, xmlInitParser);
+    StartLibxml();
     m_context.reset(xmlCreateIOParserCtxt(nullptr, nullptr, OnRead, nullptr, this, XML_CHAR_ENCODING_NONE));
     if (!m_context) return false;
     m_context->_private = this;

@@ -7,6 +7,7 @@ namespace kx::xml {
 Ref<Tree> Tree::Make(DocPtr doc)
 {
     if (!doc) {
+        StartLibxml();
         doc.reset(xmlNewDoc(ToXml("1.0")));
         if (doc) doc->dict = xmlDictCreate(); // so that names repeated cost nothing
     }
