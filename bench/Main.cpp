@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstring>
+#include <filesystem>
 #include <map>
 #include <string>
 #include <vector>
@@ -54,11 +55,11 @@ private:
 int main(int argc, char** argv)
 {
     const char* pszJson = nullptr;
-    const char* pszPage = nullptr;
+    std::filesystem::path page; // whole, for a work may move to another directory
     std::string filter = "--benchmark_filter=.";
     for (int n = 1; n + 1 < argc; ++n) {
         if (std::strcmp(argv[n], "--json") == 0) pszJson = argv[n + 1];
-        if (std::strcmp(argv[n], "--page") == 0) pszPage = argv[n + 1];
+        if (std::strcmp(argv[n], "--page") == 0) page = std::filesystem::absolute(argv[n + 1]);
         if (std::strcmp(argv[n], "--only") == 0) filter = std::string("--benchmark_filter=") + argv[n + 1];
     }
     std::string interleave = "--benchmark_enable_random_interleaving=true";
@@ -72,6 +73,6 @@ int main(int argc, char** argv)
     const auto rows = pairs.Rows();
     Print(rows);
     if (pszJson) WriteJson(rows, pszJson);
-    if (pszPage) WritePage(rows, pszPage);
+    if (!page.empty()) WritePage(rows, page.c_str());
     return rows.empty() ? 1 : 0;
 }
