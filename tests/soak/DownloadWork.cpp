@@ -82,6 +82,8 @@ soak::Figures soak::RunDownloads(Turn turn, const test::TempDir& dir)
     const char* const bad[] = {"cut", "reset", "noise"};
     Figures figures;
     while (turn.Goes()) {
+        const int nGood = 1 + turn.Below(8);
+        ends.ended.clear(); // of a bad download that the last manager's end cut short, too
         Manager manager;
         std::vector<int> sizes;
         const auto add = [&](const char* pszKind, int nBytes) {
@@ -90,7 +92,6 @@ soak::Figures soak::RunDownloads(Turn turn, const test::TempDir& dir)
             manager.AddTask(url.c_str(), dir.Win(name), Tell, static_cast<unsigned>(sizes.size()));
             sizes.push_back(nBytes);
         };
-        const int nGood = 1 + turn.Below(8);
         for (int n = 0; n < nGood; ++n)
             add(good[turn.Below(3)], turn.Below(20'000));
         add(bad[turn.Below(3)], turn.Below(5'000));
@@ -99,10 +100,9 @@ soak::Figures soak::RunDownloads(Turn turn, const test::TempDir& dir)
         ends.changed.wait_for(lock, std::chrono::seconds(30),
                               [&] { return ends.ended.size() >= static_cast<std::size_t>(nGood); });
         for (unsigned n = 0; n < static_cast<unsigned>(nGood); ++n)
-            figures.losses +=
-                !ends.ended.contains(n) || dir.Read("load" + std::to_string(n)) != Body(sizes[n]);
-        figures.losses += ends.ended.size() != static_cast<std::size_t>(nGood);
-        ends.ended.clear();
+            figures.Need(ends.ended.contains(n) && dir.Read("load" + std::to_string(n)) == Body(sizes[n]),
+                         "download " + std::to_string(n) + " of " + std::to_string(sizes[n]) + " bytes");
+        figures.Need(ends.ended.size() == static_cast<std::size_t>(nGood), "a failed download's silence");
         figures.operations += static_cast<std::uint64_t>(nGood);
         ++figures.faults;
     }

@@ -35,7 +35,7 @@ soak::Figures soak::RunLanguages(Turn turn, const test::TempDir& dir)
     }
     CKXLanResManager* const pLanguages = CKXLanResManager::GetSingletonPtr();
     Figures figures;
-    if (!pLanguages->Initialize("Soaked")) ++figures.losses;
+    figures.Need(pLanguages->Initialize("Soaked"), "the languages");
     std::atomic<std::uint64_t> reads{0}, wrong{0};
     {
         std::vector<std::jthread> readers;
@@ -50,10 +50,10 @@ soak::Figures soak::RunLanguages(Turn turn, const test::TempDir& dir)
         for (; turn.Goes(); ++figures.operations) {
             const CString strId = figures.operations % 2 ? "One" : "Two";
             pLanguages->SetCurrentLan(strId, 0);
-            figures.losses += pLanguages->GetString("KEY7") != strId + "7";
+            figures.Need(pLanguages->GetString("KEY7") == strId + "7", "the language selected");
         }
     }
     figures.operations += reads;
-    figures.losses += wrong;
+    figures.Need(wrong == 0, std::to_string(wrong) + " texts read");
     return figures;
 }

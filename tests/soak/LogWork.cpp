@@ -49,7 +49,7 @@ soak::Figures soak::RunLog(Turn turn, const test::TempDir& dir)
     Figures figures;
     CKXLogSys* const pLog = CKXLogSys::GetSingletonPtr();
     while (turn.Goes()) {
-        if (!pLog->Initialize(dir.Win("soak.log"))) ++figures.losses;
+        figures.Need(pLog->Initialize(dir.Win("soak.log")), "the log's file");
         {
             std::vector<std::jthread> threads;
             for (int nThread = 0; nThread < kThreads; ++nThread)
@@ -65,7 +65,8 @@ soak::Figures soak::RunLog(Turn turn, const test::TempDir& dir)
             text = dir.Read("soak.log");
         } while (CountLines(text) < kThreads * kLines && std::chrono::steady_clock::now() < limit);
         pLog->Uninitialize();
-        figures.losses += CountLosses(text);
+        const std::uint64_t losses = CountLosses(text);
+        figures.Need(losses == 0, std::to_string(losses) + " log lines of a round");
         figures.operations += kThreads * kLines;
     }
     return figures;

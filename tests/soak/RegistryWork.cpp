@@ -34,14 +34,14 @@ soak::Figures soak::RunRegistry(Turn turn, const test::TempDir& dir)
                           torn = "torn" + std::to_string(nRound % 50);
         test::Child writer("RegistryWriterChild", {file, whole, std::to_string(kValues)});
         test::Child victim("RegistryWriterChild", {file, torn, "0"}); // until it is killed
-        figures.losses += writer.Wait() != 0;
+        figures.Need(writer.Wait() == 0, "a registry writer");
         std::this_thread::sleep_for(std::chrono::milliseconds(turn.Below(30)));
         victim.Kill();
         victim.Wait();
         for (int n = 0; n < kValues; ++n)
-            figures.losses += Get(whole + std::to_string(n)) != std::to_string(n);
+            figures.Need(Get(whole + std::to_string(n)) == std::to_string(n), "registry value " + whole);
         const std::string left = Get(torn);
-        figures.losses += !left.empty() && left != std::string(10'000, left[0]);
+        figures.Need(left.empty() || left == std::string(10'000, left[0]), "a killed writer's value, whole");
         figures.operations += kValues + 1;
         ++figures.faults;
     }

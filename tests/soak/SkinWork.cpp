@@ -21,10 +21,11 @@ soak::Figures soak::RunSkins(Turn turn, const test::TempDir& dir)
         if (bShort) std::filesystem::rename(file + ".away", file);
         const CString strIni = pSkins->GetCurrentSkinPath() + "Skin.ini";
         const bool bLoaded = pSkins->GetBtnRes()->m_bmpPushButton.GetHBITMAP() != nullptr;
-        figures.losses += pSkins->GetCurrentSkinName() != strName;
-        figures.losses += bLoaded == bShort && std::filesystem::exists(file);
-        figures.losses += pSkins->GetClrDef()->m_clrMenuSelectBk !=
-                          CKXIniDataMgr::GetRGB(strIni, "COLOR", "MenuSelectBk", 1);
+        figures.Need(pSkins->GetCurrentSkinName() == strName, "the skin's name");
+        figures.Need(bLoaded != bShort || !std::filesystem::exists(file), "the skin's push button");
+        figures.Need(pSkins->GetClrDef()->m_clrMenuSelectBk ==
+                         CKXIniDataMgr::GetRGB(strIni, "COLOR", "MenuSelectBk", 1),
+                     "the skin's colour");
         figures.faults += bShort;
         ++figures.operations;
     }

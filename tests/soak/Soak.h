@@ -4,7 +4,9 @@
 
 #include <chrono>
 #include <cstdint>
+#include <cstdio>
 #include <random>
+#include <string>
 
 namespace soak {
 
@@ -13,6 +15,14 @@ struct Figures
     std::uint64_t operations = 0;
     std::uint64_t faults = 0; // injected
     std::uint64_t losses = 0; // what was lost or came out wrong
+
+    // Counts a loss where something isn't kept, and says on stderr which.
+    void Need(bool bKept, const std::string& what)
+    {
+        if (bKept) return;
+        ++losses;
+        std::fprintf(stderr, "lost: %s\n", what.c_str());
+    }
 };
 
 // What each work gets: until when, and chance of its own.

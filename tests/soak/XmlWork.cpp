@@ -47,7 +47,7 @@ soak::Figures soak::RunXml(Turn turn, const test::TempDir& dir)
         doc.SetDocumentElement(root);
         doc.Save(strFile);
         CKXXmlDomDocument again;
-        figures.losses += !again.Load(strFile) || again.GetXml() != doc.GetXml();
+        figures.Need(again.Load(strFile) && again.GetXml() == doc.GetXml(), "a document's round");
 
         std::string bytes = dir.Read("soak.xml");
         while (!bytes.empty() && (bytes.back() == '\n' || bytes.back() == '\r'))
@@ -55,7 +55,7 @@ soak::Figures soak::RunXml(Turn turn, const test::TempDir& dir)
         dir.Write("cut.xml",
                   bytes.substr(0, static_cast<std::size_t>(turn.Below(static_cast<int>(bytes.size())))));
         CKXXmlDomDocument cut;
-        figures.losses += cut.Load(dir.Win("cut.xml"));
+        figures.Need(!cut.Load(dir.Win("cut.xml")), "a cut document's refusal");
         ++figures.faults;
     }
     return figures;
