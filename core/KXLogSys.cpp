@@ -14,6 +14,13 @@ CKXLogSys* CKXLogSys::s_pInstance = nullptr;
 
 namespace {
 
+// Nodes with their buffers go round between who pushes and the writer, as neither the heap's lock nor its
+// memory is then touched for a line: so many are spare at least before the writer frees any, it hands so many
+// back at a time, and a longer line's buffer is freed.
+constexpr std::size_t SPARE_LINES = 4096;
+constexpr std::size_t SPENT_LINES = 256;
+constexpr int SPARE_LENGTH = 1024;
+
 // What can't be written, for a full disk or a lack of memory, is lost, and the writer goes on.
 template <class Step>
 void Try(Step step) noexcept
@@ -95,7 +102,7 @@ int CKXLogSys::StopThread()
 void CKXLogSys::PushLog(LogLevel level, CString const& strLog)
 {
     if (level < 1) return;
-    PushLine(kx::log::MakeLine(level, strLog.View()));
+    PushLine({level, strLog.View()});
 }
 
 void CKXLogSys::PushLogEx(LogLevel level, char const* format, ...)
@@ -108,38 +115,58 @@ void CKXLogSys::PushLogEx(LogLevel level, char const* format, ...)
     va_copy(again, args);
     const int length = std::vsnprintf(fixed.data(), fixed.size(), format, args);
     if (length < 0) {
-        PushLine(kx::log::MakeLine(level, format));
+        PushLine({level, format});
     } else if (static_cast<std::size_t>(length) < fixed.size()) {
-        PushLine(kx::log::MakeLine(level, {fixed.data(), static_cast<std::size_t>(length)}));
+        PushLine({level, {fixed.data(), static_cast<std::size_t>(length)}});
     } else {
         CString strMessage;
         strMessage.FormatV(format, again);
-        PushLine(kx::log::MakeLine(level, strMessage.View()));
+        PushLine({level, strMessage.View()});
     }
     va_end(again);
     va_end(args);
 }
 
-// Everything that takes time is done before the lock: the line is formatted and its node allocated.
-void CKXLogSys::PushLine(CString strLine)
+// What takes time is done before the lock: the line is formatted, and its node allocated if none was spare.
+void CKXLogSys::PushLine(const kx::log::Line& line)
 {
-    std::list<CString> node;
-    node.push_back(std::move(strLine));
+    if (PushIntoSpare(line)) return;
+    std::list<CString> node(1);
+    line.CopyTo(node.front());
     const CKXAutoLock lock(&m_lockLog);
     m_listLog.splice(m_listLog.end(), node);
     SetEvent(m_hWakeEvent);
 }
 
+bool CKXLogSys::PushIntoSpare(const kx::log::Line& line)
+{
+    const CKXAutoLock lock(&m_lockLog);
+    if (m_listSpare.empty()) return false;
+    line.CopyTo(m_listSpare.front());
+    m_listLog.splice(m_listLog.end(), m_listSpare, m_listSpare.begin());
+    SetEvent(m_hWakeEvent);
+    return true;
+}
+
 int CKXLogSys::GetNextLog(CString& strLog)
 {
-    if (m_listTaken.empty()) {
-        const CKXAutoLock lock(&m_lockLog);
-        m_listTaken.swap(m_listLog);
-    }
+    if (m_listTaken.empty() || m_listSpent.size() >= SPENT_LINES) Exchange();
     if (m_listTaken.empty()) return 0;
-    strLog = std::move(m_listTaken.front());
-    m_listTaken.pop_front();
+    if (strLog.GetLength() > SPARE_LENGTH) strLog.Empty();
+    strLog = std::move(m_listTaken.front()); // and the node has the buffer of the line before
+    m_listSpent.splice(m_listSpent.begin(), m_listTaken, m_listTaken.begin());
     return 1;
+}
+
+// Takes over the queue, once the part taken before is written, for the nodes that are spent.
+void CKXLogSys::Exchange()
+{
+    {
+        const CKXAutoLock lock(&m_lockLog);
+        if (m_listTaken.empty()) m_listTaken.swap(m_listLog);
+        if (m_listSpare.size() < SPARE_LINES) m_listSpare.splice(m_listSpare.begin(), m_listSpent);
+    }
+    m_listSpent.clear();
 }
 
 unsigned CKXLogSys::WriteLogThread(void* pParam)
@@ -164,6 +191,10 @@ unsigned CKXLogSys::WriteLogThreadFunc()
 // What was taken but not written goes back to the head of the queue, where a later start finds it.
 void CKXLogSys::GiveBack()
 {
-    const CKXAutoLock lock(&m_lockLog);
-    m_listLog.splice(m_listLog.begin(), m_listTaken);
+    {
+        const CKXAutoLock lock(&m_lockLog);
+        m_listLog.splice(m_listLog.begin(), m_listTaken);
+        m_listSpent.splice(m_listSpent.begin(), m_listSpare);
+    }
+    m_listSpent.clear();
 }

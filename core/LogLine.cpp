@@ -41,7 +41,9 @@ char* Put(char* at, std::string_view text)
 
 } // namespace
 
-CString kx::log::MakeLine(int nLevel, std::string_view message)
+namespace kx::log {
+
+Line::Line(int nLevel, std::string_view message)
 {
     thread_local Stamp kept;
     const std::string_view stamp = kept.At(CTime::GetCurrentTime());
@@ -54,10 +56,18 @@ CString kx::log::MakeLine(int nLevel, std::string_view message)
     for (const std::string_view part : parts)
         length += part.size();
     if (length > static_cast<std::size_t>(std::numeric_limits<int>::max())) throw std::bad_alloc();
-    CString line;
-    char* at = line.GetBuffer(static_cast<int>(length));
+    char* const line = length <= m_fixed.size() ? m_fixed.data() : m_long.GetBuffer(static_cast<int>(length));
+    char* at = line;
     for (const std::string_view part : parts)
         at = Put(at, part);
-    line.ReleaseBuffer(static_cast<int>(length));
-    return line;
+    m_line = {line, length};
 }
+
+void Line::CopyTo(CString& str) const
+{
+    const auto nLength = static_cast<int>(m_line.size());
+    Put(str.GetBuffer(nLength), m_line);
+    str.ReleaseBuffer(nLength);
+}
+
+} // namespace kx::log

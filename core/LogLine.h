@@ -2,11 +2,27 @@
 
 #include "platform/String.h"
 
+#include <array>
 #include <string_view>
 
 namespace kx::log {
 
-// The line of a message: "[stamp] level message" and a line end, stamped with the local time of the call.
-CString MakeLine(int nLevel, std::string_view message);
+// The line of a message: "[stamp] level message" and a line end, stamped with the local time at which it is
+// made.
+class Line
+{
+public:
+    Line(int nLevel, std::string_view message);
+    Line(const Line&) = delete;
+    Line& operator=(const Line&) = delete;
+
+    // Makes a text this line, in the buffer that it has if that is long enough.
+    void CopyTo(CString& str) const;
+
+private:
+    std::array<char, 256> m_fixed;
+    CString m_long; // of a line that is longer
+    std::string_view m_line;
+};
 
 } // namespace kx::log

@@ -7,6 +7,10 @@
 #include <list>
 #include <memory>
 
+namespace kx::log {
+class Line;
+}
+
 // The process's one log. Any thread pushes lines at the cost of formatting and one insertion into a queue; a
 // writer thread appends them to one text file. A line in the file is
 //
@@ -71,7 +75,9 @@ protected:
 private:
     friend struct std::default_delete<CKXLogSys>;
 
-    void PushLine(CString strLine);
+    void PushLine(const kx::log::Line& line);
+    bool PushIntoSpare(const kx::log::Line& line);
+    void Exchange();
     void GiveBack();
 
     std::list<CString> m_listLog KX_GUARDED_BY(m_lockLog);
@@ -82,8 +88,12 @@ private:
     // Set under the lock by Initialize, cleared without it by Uninitialize, when no thread pushes.
     HANDLE m_hWakeEvent = nullptr;
     DWORD m_dwProcess = 0; // whose thread it is
-    // Lines that the writer took off the queue in one go and has not written yet; its own.
+    // Nodes for lines to come, with buffers.
+    std::list<CString> m_listSpare KX_GUARDED_BY(m_lockLog);
+    // The writer's own: lines that it took off the queue in one go and has not written yet, and the nodes of
+    // those that it has.
     std::list<CString> m_listTaken;
+    std::list<CString> m_listSpent;
 
     static CKXLogSys* s_pInstance;
     static std::unique_ptr<CKXLogSys> s_auto_ptr;
