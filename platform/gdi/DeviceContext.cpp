@@ -26,7 +26,9 @@ std::shared_ptr<Bitmap> MakeOwnBitmap()
 } // namespace
 
 DeviceContext::DeviceContext()
-    : m_own(MakeOwnBitmap()), m_view(MakeView(m_own->surface, WholeOf(m_own->surface), std::nullopt))
+    : Object(Kind::Context),
+      m_own(MakeOwnBitmap()),
+      m_view(MakeView(m_own->surface, WholeOf(m_own->surface), std::nullopt))
 {
     HoldStock();
     if (!Add(m_own, true)) throw std::bad_alloc();
@@ -36,7 +38,8 @@ DeviceContext::DeviceContext()
 
 DeviceContext::DeviceContext(HWND hWnd, std::shared_ptr<Backing> pixels,
                              const std::optional<PixelRegion>& limit)
-    : m_window(hWnd),
+    : Object(Kind::Context),
+      m_window(hWnd),
       m_limit(limit),
       m_shared(std::move(pixels)),
       m_view(MakeView(m_shared->surface, WholeOf(m_shared->surface), std::nullopt))

@@ -2,6 +2,7 @@
 
 #include "platform/Immortal.h"
 #include "platform/LiveHandles.h"
+#include "platform/gdi/text/TextLock.h"
 
 #include <array>
 #include <cstdint>
@@ -28,6 +29,7 @@ public:
     HGDIOBJ Add(std::shared_ptr<Object> object, bool stock);
     std::shared_ptr<Object> Find(HGDIOBJ handle) noexcept;
     std::shared_ptr<Object> Remove(HGDIOBJ handle) noexcept;
+    Object* FindHeldContext(HGDIOBJ handle) noexcept;
     bool IsStock(HGDIOBJ handle) noexcept;
 
 private:
@@ -37,6 +39,7 @@ private:
         bool stock = false;
         std::optional<LiveHandle> live;
         std::shared_ptr<Object> object;
+        std::atomic<Object*> context{nullptr}; // the object if it is one; reset under the text lock
     };
     struct Name
     {
@@ -128,6 +131,7 @@ HGDIOBJ ObjectTable::Add(std::shared_ptr<Object> object, bool stock)
     object->m_handle = handle;
     held->stock = stock;
     if (!stock) held->live.emplace();
+    if (object->kind == Kind::Context) held->context.store(object.get(), std::memory_order_release);
     held->object = std::move(object);
     return handle;
 }
@@ -142,18 +146,29 @@ std::shared_ptr<Object> ObjectTable::Find(HGDIOBJ handle) noexcept
 std::shared_ptr<Object> ObjectTable::Remove(HGDIOBJ handle) noexcept
 {
     const Name name(handle);
-    std::shared_ptr<Object> object;
+    std::shared_ptr<Object> object = Find(handle);
+    if (!object) return nullptr;
     {
+        std::unique_lock<std::mutex> text;
+        if (object->kind == Kind::Context) text = std::unique_lock(TextLock());
         Lock held(At(name.index), name.generation);
-        if (!held || !held->object) return nullptr;
-        object = std::move(held->object);
+        if (!held) return nullptr; // somebody else was faster
         held->object.reset();
+        held->context.store(nullptr, std::memory_order_relaxed);
         held->live.reset();
         held.MoveOn();
     }
     const std::lock_guard lock(m_lock);
     m_free.push_back(name.index);
     return object;
+}
+
+// Whatever is found is whole, for its handle was there before it.
+Object* ObjectTable::FindHeldContext(HGDIOBJ handle) noexcept
+{
+    const Slot* const slot = At(Name(handle).index);
+    Object* const context = slot ? slot->context.load(std::memory_order_acquire) : nullptr;
+    return context && context->Handle() == handle ? context : nullptr;
 }
 
 bool ObjectTable::IsStock(HGDIOBJ handle) noexcept
@@ -178,6 +193,11 @@ std::shared_ptr<Object> Find(HGDIOBJ handle) noexcept
 std::shared_ptr<Object> Remove(HGDIOBJ handle) noexcept
 {
     return ObjectTable::Instance().Remove(handle);
+}
+
+Object* FindHeldContext(HGDIOBJ handle) noexcept
+{
+    return ObjectTable::Instance().FindHeldContext(handle);
 }
 
 bool IsStock(HGDIOBJ handle) noexcept

@@ -9,8 +9,8 @@
 
 namespace kx::gdi {
 
-// What an object can be selected as; `Other` (a device context, an icon) can't be, and DeleteObject leaves it
-// alone.
+// What an object can be selected as; a device context and `Other` (an icon) can't be, and DeleteObject leaves
+// them alone.
 enum class Kind
 {
     Bitmap,
@@ -18,6 +18,7 @@ enum class Kind
     Brush,
     Font,
     Region,
+    Context,
     Other
 };
 
@@ -53,7 +54,11 @@ HGDIOBJ Add(std::shared_ptr<Object> object, bool stock = false);
 // The object of a handle, or null.
 std::shared_ptr<Object> Find(HGDIOBJ handle) noexcept;
 // Takes a handle out of the table; the object ends with its last user. Null if there is no such handle.
+// A device context leaves under the text lock (text/TextLock.h).
 std::shared_ptr<Object> Remove(HGDIOBJ handle) noexcept;
+// The device context of a handle, or null, for who holds the text lock: it stays until that is let go, and
+// needs no count.
+Object* FindHeldContext(HGDIOBJ handle) noexcept;
 bool IsStock(HGDIOBJ handle) noexcept;
 
 // The object of a handle if it is of that class.

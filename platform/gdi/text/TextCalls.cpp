@@ -38,14 +38,14 @@ RECT Near(const RECT& rect)
 // A context and the font in it, held for one operation.
 struct Writer
 {
-    explicit Writer(HDC hDC) : lock(TextLock()), context(FindAs<DeviceContext>(hDC))
+    explicit Writer(HDC hDC) : lock(TextLock()), context(static_cast<DeviceContext*>(FindHeldContext(hDC)))
     {
         if (context) font = static_cast<Font*>(context->CurrentFont().get());
     }
     explicit operator bool() const { return font != nullptr; }
 
     std::lock_guard<std::mutex> lock;
-    std::shared_ptr<DeviceContext> context;
+    DeviceContext* context;
     Font* font = nullptr; // stays while it is selected
 };
 
