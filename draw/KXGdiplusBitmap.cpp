@@ -137,8 +137,8 @@ int CKXGdiplusBitmap::Load(BYTE* pData, unsigned long nSize)
     return Guard([&] {
         auto memory = kx::draw::MemoryStream::CopyOf(pData, nSize);
         if (!memory.pStream) return 0;
-        Free();
         const auto pPicture = std::make_shared<BitmapInMemory>(std::move(memory));
+        Free();
         Hold({pPicture, &pPicture->bitmap});
         return 1;
     });

@@ -58,7 +58,7 @@ int CKXGdiplusImage::Load(unsigned int nID)
         auto memory = MemoryStream::CopyOf(LockResource(hData), SizeofResource(hModule, hResource));
         if (!memory.pStream) return 0;
         const int bRead = Load(memory.pStream.get());
-        m_hGlobal = std::move(memory.pBlock);
+        if (m_pImage) m_hGlobal = std::move(memory.pBlock);
         return bRead;
     });
     FreeResource(hData);
@@ -84,8 +84,9 @@ int CKXGdiplusImage::Load(BYTE* pData, unsigned long nSize)
     return Guard([&] {
         auto memory = MemoryStream::CopyOf(pData, nSize);
         if (!memory.pStream) return 0;
+        auto pImage = std::make_shared<Gdiplus::Image>(memory.pStream.get());
         Free();
-        m_pImage = std::make_shared<Gdiplus::Image>(memory.pStream.get());
+        m_pImage = std::move(pImage);
         m_hGlobal = std::move(memory.pBlock);
         return 1;
     });

@@ -4,7 +4,8 @@
 #include "platform/Gdi.h"
 
 // Paints gradients of opaque colours on a surface, whose pen and brush stay as they were. The client has
-// called Gdiplus::GdiplusStartup. A bad surface or a rectangle without width or height paints nothing.
+// called Gdiplus::GdiplusStartup. A bad surface paints nothing, and a rectangle without width or
+// height has no inside to paint.
 // Distinct surfaces may be painted by distinct threads.
 class KX_API CKXGdiplusHelper
 {

@@ -34,8 +34,8 @@ public:
     CSize GetImageSize() const;
 
     // Loads a resource of the type "IMAGE" from the module that is current for resources, by its 16-bit
-    // number. 1 on success; 0 with the old picture kept when there is no such resource or memory lacks, and 0
-    // with one that can't be read in its place.
+    // number. 1 on success; 0 with the old picture kept when there is no such resource or no memory for a
+    // copy of it, and 0 with one that can't be read, or none, in its place.
     int Load(unsigned int nID);
     // Loads a file by its path in the process's code page. 0, with the old picture kept, for what can't be
     // opened or read, is longer than Gdiplus::MAX_IMAGE_BYTES, or for a lack of memory; 1 else, even if the

@@ -268,9 +268,9 @@ struct LOGBRUSH
 // another style.
 KX_API HPEN CreatePen(int nStyle, int nWidth, COLORREF clr);
 KX_API HBRUSH CreateSolidBrush(COLORREF clr);
-// A rectangle outlined with the pen, inside its sides, and filled with the brush within that. Nothing for an
-// empty one. With a pen that draws nothing it is a pixel narrower and lower, as the platform has it. 0 for a
-// bad surface.
+// A rectangle between two corners in any order, outlined with the pen, inside its sides, and filled with the
+// brush within that. Nothing for an empty one. With a pen that draws nothing it is a pixel narrower and
+// lower, as the platform has it. 0 for a bad surface.
 KX_API int Rectangle(HDC hDC, int nLeft, int nTop, int nRight, int nBottom);
 // The same with corners that are quarters of an ellipse of that size, of at most 32,767 pixels each way and
 // at most the rectangle's. Pixels are in that have their centre within.

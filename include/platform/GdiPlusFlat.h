@@ -84,11 +84,12 @@ KX_API GpStatus GdipGetImageThumbnail(GpImage* pImage, UINT nWidth, UINT nHeight
 KX_API GpStatus GdipImageGetFrameDimensionsCount(GpImage* pImage, UINT* pnCount);
 // `nCount` as GdipImageGetFrameDimensionsCount gave it.
 KX_API GpStatus GdipImageGetFrameDimensionsList(GpImage* pImage, GUID* pDimensions, UINT nCount);
-// Only frames that can be read count: a file cut off in a frame has those before it.
+// Only frames that can be read count: a file cut off in a frame has those before it. A GIF has 65,536 at
+// most.
 KX_API GpStatus GdipImageGetFrameCount(GpImage* pImage, const GUID* pDimension, UINT* pnCount);
 // The frame becomes the picture: for a GIF what playing from the first to it shows. A step to the next frame
-// decodes it alone, a step back all from the first on. InvalidParameter for no such dimension or frame,
-// GenericError for a broken page; the frame then stays.
+// decodes it alone, a step back all from the first on, unless they are kept (MAX_KEPT_FRAMES_PIXELS).
+// InvalidParameter for no such dimension or frame, GenericError for a broken page; the frame then stays.
 KX_API GpStatus GdipImageSelectActiveFrame(GpImage* pImage, const GUID* pDimension, UINT nFrame);
 // The size of a property with its record, and both in one block: `value` points behind the record. Sizes must
 // match. PropertyNotFound. A GIF of two or more frames has PropertyTagFrameDelay, numbers of 32 bits, and

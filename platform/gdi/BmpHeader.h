@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/gdi/Bitmap.h"
 #include "platform/gdi/BmpBytes.h"
 #include "platform/gdi/BmpMasks.h"
 
@@ -25,10 +26,7 @@ struct BmpHeader
     bool IsCompressed() const noexcept { return nCompression != BI_RGB; }
     // Where the pixels lie if nothing else is said.
     std::size_t PixelsAt() const noexcept { return nPaletteAt + nColors * nColorSize; }
-    std::size_t RowBytes() const noexcept
-    {
-        return (static_cast<std::size_t>(nWidth) * nDepth + 31) / 32 * 4;
-    }
+    std::size_t RowBytes() const noexcept { return gdi::RowBytes(nWidth, nDepth, 32); }
     std::size_t PixelBytes() const noexcept { return RowBytes() * static_cast<std::size_t>(nHeight); }
 };
 

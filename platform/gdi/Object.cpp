@@ -76,7 +76,7 @@ class ObjectTable::Lock
 public:
     Lock(Slot* slot, std::uint32_t nGeneration) noexcept : m_free(nGeneration << 1)
     {
-        if (!slot) return;
+        if (!slot || nGeneration > UINT32_MAX / 2) return;
         for (std::uint32_t state = m_free;
              !slot->state.compare_exchange_weak(state, m_free | 1, std::memory_order_acquire);
              state = m_free) {

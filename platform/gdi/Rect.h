@@ -12,6 +12,13 @@ constexpr bool IsEmpty(const RECT& rect) noexcept
     return rect.right <= rect.left || rect.bottom <= rect.top;
 }
 
+// With the sides of two corners that came in any order.
+inline RECT Ordered(const RECT& rect) noexcept
+{
+    return {std::min(rect.left, rect.right), std::min(rect.top, rect.bottom), std::max(rect.left, rect.right),
+            std::max(rect.top, rect.bottom)};
+}
+
 // The cut of two rectangles, empty when they have none.
 inline RECT Cut(const RECT& a, const RECT& b) noexcept
 {

@@ -15,12 +15,6 @@ HRGN AddRegion(PixelRegion pixels)
     return static_cast<HRGN>(Add(std::make_shared<Region>(std::move(pixels))));
 }
 
-RECT Ordered(int nLeft, int nTop, int nRight, int nBottom) noexcept
-{
-    return {std::min(nLeft, nRight), std::min(nTop, nBottom), std::max(nLeft, nRight),
-            std::max(nTop, nBottom)};
-}
-
 PixelRegion Combined(const PixelRegion& a, const PixelRegion& b, int nMode)
 {
     PixelRegion result = a;
@@ -51,7 +45,7 @@ PixelRegion Combined(const PixelRegion& a, const PixelRegion& b, int nMode)
 
 HRGN CreateRectRgn(int nLeft, int nTop, int nRight, int nBottom)
 try {
-    return AddRegion(PixelRegion(Ordered(nLeft, nTop, nRight, nBottom)));
+    return AddRegion(PixelRegion(Ordered({nLeft, nTop, nRight, nBottom})));
 } catch (const std::bad_alloc&) {
     return nullptr;
 }
@@ -120,7 +114,7 @@ int GetRgnRects(HRGN hRgn, RECT* pRects, int nMax)
 
 HRGN CreateRoundRectRgn(int nLeft, int nTop, int nRight, int nBottom, int cxEllipse, int cyEllipse)
 try {
-    const RECT rect = Ordered(nLeft, nTop, nRight, nBottom);
+    const RECT rect = Ordered({nLeft, nTop, nRight, nBottom});
     if (IsEmpty(rect)) return AddRegion(PixelRegion());
     const RoundShape shape(rect, cxEllipse, cyEllipse);
     const int nCorners = shape.CornerRows();

@@ -19,7 +19,6 @@ public:
     // Those of them that lie within an outline of `nWidth` pixels, which is the shape's own. One of 1 pixel
     // is as thin as it can be without gaps.
     RECT RowInside(int y, int nWidth) const noexcept;
-    const RECT& Rect() const noexcept { return m_rect; }
     // How many rows at the top, and at the bottom, may be narrower than the rectangle.
     int CornerRows() const noexcept { return m_cy / 2; }
     bool IsSquare() const noexcept { return m_cx == 0; }

@@ -86,7 +86,7 @@ int RoundRect(HDC hDC, int nLeft, int nTop, int nRight, int nBottom, int cxEllip
 try {
     const auto context = FindAs<DeviceContext>(hDC);
     if (!context) return 0;
-    Draw(*context, {nLeft, nTop, nRight, nBottom}, cxEllipse, cyEllipse);
+    Draw(*context, Ordered({nLeft, nTop, nRight, nBottom}), cxEllipse, cyEllipse);
     return 1;
 } catch (const std::bad_alloc&) {
     return 0;

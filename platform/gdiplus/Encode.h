@@ -9,11 +9,14 @@ namespace kx::gdiplus {
 
 using Bytes = std::vector<std::uint8_t>;
 
+// For the codecs' libraries, through which nothing may be thrown: false for a lack of memory.
+bool Append(Bytes& file, const std::uint8_t* bytes, std::size_t nBytes) noexcept;
+
 struct Encoder
 {
     Gdiplus::ImageCodecInfo info;
-    // Puts the picture, as a file of that format, behind the bytes. GenericError, OutOfMemory; throws
-    // std::bad_alloc.
+    // Puts the picture, as a file of that format, into the bytes, of which there are none yet. GenericError,
+    // OutOfMemory; throws std::bad_alloc.
     Gdiplus::Status (*write)(const PixelView& view, Bytes& file);
 };
 

@@ -1,6 +1,7 @@
 #include "platform/gdiplus/Encode.h"
 
 #include <cstring>
+#include <new>
 
 namespace kx::gdiplus {
 
@@ -29,6 +30,14 @@ constexpr Encoder kEncoders[] = {
 };
 
 } // namespace
+
+bool Append(Bytes& file, const std::uint8_t* bytes, std::size_t nBytes) noexcept
+try {
+    file.insert(file.end(), bytes, bytes + nBytes);
+    return true;
+} catch (const std::bad_alloc&) {
+    return false;
+}
 
 std::span<const Encoder> Encoders() noexcept
 {

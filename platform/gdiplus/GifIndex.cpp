@@ -70,6 +70,7 @@ private:
         ReadPalette(flags, frame);
         frame.dataAt = m_at++;
         if (!SkipSubBlocks() || !IsSound(frame)) return false;
+        if (m_index.frames.size() == MAX_GIF_FRAMES) return false;
         m_index.frames.push_back(frame);
         m_next.transparent = -1;
         m_next.disposal = Disposal::Stay;

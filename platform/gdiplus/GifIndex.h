@@ -9,6 +9,8 @@ namespace kx::gdiplus {
 
 // More than a byte of a GIF can be: the longest run that a code of 12 bits stands for makes it 2,560.
 inline constexpr std::int64_t MAX_GIF_PIXELS_PER_BYTE = 4096;
+// Those behind don't count: a file of empty frames would take five times its size to index.
+inline constexpr std::size_t MAX_GIF_FRAMES = 65'536;
 
 // What a GIF's frame does when its time is over.
 enum class Disposal

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <gif_lib.h>
 #include <memory>
-#include <new>
 
 namespace kx::gdiplus {
 
@@ -22,13 +21,10 @@ struct CloseGif
 };
 using Gif = std::unique_ptr<GifFileType, CloseGif>;
 
-int Append(GifFileType* gif, const GifByteType* bytes, int nBytes) noexcept
-try {
+int Write(GifFileType* gif, const GifByteType* bytes, int nBytes) noexcept
+{
     auto& file = *static_cast<Bytes*>(gif->UserData);
-    file.insert(file.end(), bytes, bytes + nBytes);
-    return nBytes;
-} catch (const std::bad_alloc&) {
-    return 0; // nothing is thrown through the library
+    return Append(file, bytes, static_cast<std::size_t>(nBytes)) ? nBytes : 0;
 }
 
 // A power of two of colours, black behind those that there are.
@@ -65,7 +61,7 @@ Gdiplus::Status WriteGif(const PixelView& view, Bytes& file)
 {
     IndexedPicture picture = ToIndices(view);
     const Map map = ToMap(picture);
-    Gif gif(EGifOpen(&file, Append, nullptr));
+    Gif gif(EGifOpen(&file, Write, nullptr));
     if (!map || !gif) return Gdiplus::OutOfMemory;
     EGifSetGifVersion(gif.get(), true);
     const bool bWritten =

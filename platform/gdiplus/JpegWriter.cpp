@@ -4,7 +4,7 @@
 #include "platform/gdiplus/EncodedRows.h"
 #include "platform/gdiplus/Jpeg.h"
 
-#include <cstdlib>
+#include <array>
 
 namespace kx::gdiplus {
 
@@ -48,34 +48,62 @@ PixelView WithAlphaOf(PixelView view, const Look& look) noexcept
     return view;
 }
 
+// Where the library's bytes go: by blocks to the end of a file. (The library's own for memory keeps a block
+// from whoever is to free it when it runs out of memory.)
+class JpegFile : public jpeg_destination_mgr
+{
+public:
+    explicit JpegFile(Bytes& file) noexcept : m_file(file)
+    {
+        init_destination = [](j_compress_ptr jpeg) { Of(jpeg).Begin(); };
+        empty_output_buffer = [](j_compress_ptr jpeg) -> boolean {
+            Of(jpeg).Put(jpeg, BLOCK);
+            return TRUE;
+        };
+        term_destination = [](j_compress_ptr jpeg) { Of(jpeg).Put(jpeg, BLOCK - Of(jpeg).free_in_buffer); };
+    }
+
+private:
+    static constexpr std::size_t BLOCK = std::size_t{1} << 16;
+
+    static JpegFile& Of(j_compress_ptr jpeg) { return *static_cast<JpegFile*>(jpeg->dest); }
+    void Begin() noexcept
+    {
+        next_output_byte = m_block.data();
+        free_in_buffer = m_block.size();
+    }
+    void Put(j_compress_ptr jpeg, std::size_t nBytes)
+    {
+        if (!Append(m_file, m_block.data(), nBytes)) ERREXIT1(jpeg, JERR_OUT_OF_MEMORY, 0);
+        Begin();
+    }
+
+    Bytes& m_file;
+    std::array<JOCTET, BLOCK> m_block;
+};
+
 class JpegEncoder : private JpegErrors
 {
 public:
-    JpegEncoder(const PixelView& view, const Look& look)
-        : m_view(view), m_rows(WithAlphaOf(view, look)), m_bGray(look.bGray)
+    JpegEncoder(const PixelView& view, const Look& look, Bytes& file)
+        : m_view(view), m_rows(WithAlphaOf(view, look)), m_bGray(look.bGray), m_file(file)
     {
         m_jpeg.err = this;
     }
     JpegEncoder(const JpegEncoder&) = delete;
     JpegEncoder& operator=(const JpegEncoder&) = delete;
-    ~JpegEncoder()
-    {
-        jpeg_destroy_compress(&m_jpeg);
-        std::free(m_pBytes);
-    }
+    ~JpegEncoder() { jpeg_destroy_compress(&m_jpeg); }
 
-    Gdiplus::Status Run(Bytes& file)
+    Gdiplus::Status Run()
     {
-        if (!Guarded([this] { Write(); })) return Failure();
-        file.assign(m_pBytes, m_pBytes + m_nBytes);
-        return Gdiplus::Ok;
+        return Guarded([this] { Write(); }) ? Gdiplus::Ok : Failure();
     }
 
 private:
     void Write()
     {
         jpeg_create_compress(&m_jpeg);
-        jpeg_mem_dest(&m_jpeg, &m_pBytes, &m_nBytes);
+        m_jpeg.dest = &m_file;
         m_jpeg.image_width = static_cast<JDIMENSION>(m_view.width);
         m_jpeg.image_height = static_cast<JDIMENSION>(m_view.height);
         m_jpeg.input_components = 4;
@@ -95,16 +123,15 @@ private:
     const PixelView m_view;
     RowsOverBlack m_rows;
     const bool m_bGray;
+    JpegFile m_file;
     jpeg_compress_struct m_jpeg{};
-    unsigned char* m_pBytes = nullptr;
-    unsigned long m_nBytes = 0;
 };
 
 } // namespace
 
 Gdiplus::Status WriteJpeg(const PixelView& view, Bytes& file)
 {
-    return JpegEncoder(view, HasAvx2() ? LookAvx2(view) : LookPlain(view)).Run(file);
+    return JpegEncoder(view, HasAvx2() ? LookAvx2(view) : LookPlain(view), file).Run();
 }
 
 } // namespace kx::gdiplus

@@ -2,7 +2,6 @@
 #include "platform/gdiplus/EncodedRows.h"
 
 #include <csetjmp>
-#include <new>
 #include <png.h>
 
 namespace kx::gdiplus {
@@ -17,14 +16,6 @@ namespace {
 
 void OnWarning(png_structp, png_const_charp)
 {
-}
-
-bool Append(Bytes& file, const std::uint8_t* bytes, std::size_t nBytes) noexcept
-try {
-    file.insert(file.end(), bytes, bytes + nBytes);
-    return true;
-} catch (const std::bad_alloc&) {
-    return false;
 }
 
 class PngEncoder

@@ -5,6 +5,7 @@
 #include "tests/support/Child.h"
 
 #include <climits>
+#include <random>
 
 using test::Block;
 using test::Plain;
@@ -242,7 +243,12 @@ TEST_F(GdiplusBitmap, EmptyObjects)
 
 TEST_F(GdiplusBitmap, NothingEscapesWhenMemoryLacks)
 {
-    dir.Write("a.bmp", test::File(Plain(16, 8)));
+    std::minstd_rand random(1);
+    test::Picture noise = Plain(150, 150); // which as a file takes several blocks
+    for (std::string& row : noise)
+        for (char& pixel : row)
+            pixel = "KWRGB"[random() / 64 % 5];
+    dir.Write("a.bmp", test::File(noise));
     dir.Write("a.gif", test::Gif(2, 1, {{.picture = {"RG"}}, {.picture = {"GB"}}}));
     const CString strDir = dir.Win() + "\\";
     EXPECT_EQ(test::Child("ShortMemoryChild", {strDir.GetString()}).Wait(), 0);

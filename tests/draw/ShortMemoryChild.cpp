@@ -20,14 +20,38 @@ namespace {
 constexpr int nAll = std::numeric_limits<int>::max();
 int g_nLeft = nAll; // allocations until all fail
 
+bool IsShort()
+{
+    if (g_nLeft == 0) return true;
+    if (g_nLeft != nAll) --g_nLeft;
+    return false;
+}
+
 } // namespace
 
-// In place of the library's too.
+// In place of what the library has, and the codecs' libraries too.
+#if !defined(KX_SANITIZED)
+extern "C" {
+void* __libc_malloc(std::size_t);
+void* __libc_calloc(std::size_t, std::size_t);
+void* __libc_realloc(void*, std::size_t);
+void* malloc(std::size_t nBytes) noexcept
+{
+    return IsShort() ? nullptr : __libc_malloc(nBytes);
+}
+void* calloc(std::size_t nCount, std::size_t nBytes) noexcept
+{
+    return IsShort() ? nullptr : __libc_calloc(nCount, nBytes);
+}
+void* realloc(void* p, std::size_t nBytes) noexcept
+{
+    return IsShort() ? nullptr : __libc_realloc(p, nBytes);
+}
+}
+#else // where only these can be
 void* operator new(std::size_t nBytes, const std::nothrow_t&) noexcept
 {
-    if (g_nLeft == 0) return nullptr;
-    if (g_nLeft != nAll) --g_nLeft;
-    return std::malloc(nBytes);
+    return IsShort() ? nullptr : std::malloc(nBytes);
 }
 void* operator new(std::size_t nBytes)
 {
@@ -43,6 +67,7 @@ void operator delete(void* p, std::size_t) noexcept
 {
     std::free(p);
 }
+#endif
 
 int main(int, char** argv)
 {

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kMaxHeight = 1024;            // pixels; larger letters are drawn at this size
 constexpr int kDefaultHeight = -12;         // for a height of 0
-constexpr std::size_t kMaxBytes = 8u << 20; // of letters kept for a face
+constexpr std::size_t kMaxBytes = 4u << 20; // of letters kept for a face
 constexpr std::size_t kMaxSources = 16;     // faces open for one font
 constexpr std::size_t kKept = 16;           // fonts kept after their last use
 
@@ -84,7 +84,7 @@ void FontFace::SetSize(FT_Face face) const
 
 void FontFace::AddSource(FacePtr face)
 {
-    if (!face || m_sources.size() >= kMaxSources) return;
+    if (!face) return;
     SetSize(face.get());
     const bool bBold = (face->style_flags & FT_STYLE_FLAG_BOLD) != 0;
     const bool bItalic = (face->style_flags & FT_STYLE_FLAG_ITALIC) != 0;
@@ -114,7 +114,7 @@ const FontFace::Source* FontFace::SourceOf(char32_t ch, unsigned& index)
     for (const Source& source : m_sources)
         if ((index = FT_Get_Char_Index(source.face.get(), ch)) != 0) return &source;
     const std::size_t before = m_sources.size();
-    AddSource(m_files.OpenFor(ch));
+    if (before < kMaxSources) AddSource(m_files.OpenFor(ch));
     if (m_sources.size() > before && (index = FT_Get_Char_Index(m_sources.back().face.get(), ch)) != 0)
         return &m_sources.back();
     return m_sources.empty() ? nullptr : &m_sources[0];
@@ -155,18 +155,24 @@ Glyph FontFace::Render(char32_t ch)
 const Glyph& FontFace::Get(char32_t ch)
 {
     if (ch < m_ascii.size()) {
-        auto& kept = m_ascii[ch];
-        if (!kept) kept = std::make_unique<Glyph>(Render(ch));
-        return *kept;
+        if (const auto& kept = m_ascii[ch]) return *kept;
+    } else if (const auto found = m_others.find(ch); found != m_others.end()) {
+        return found->second;
     }
-    if (const auto found = m_others.find(ch); found != m_others.end()) return found->second;
+    return Keep(ch, Render(ch));
+}
+
+const Glyph& FontFace::Keep(char32_t ch, Glyph glyph)
+{
     if (m_bytes > kMaxBytes) {
+        m_ascii = {};
         m_others.clear();
         m_bytes = 0;
     }
-    const Glyph& glyph = m_others[ch] = Render(ch);
     m_bytes += glyph.weights.size() * sizeof(std::int16_t) + sizeof(Glyph);
-    return glyph;
+    if (ch >= m_ascii.size()) return m_others[ch] = std::move(glyph);
+    m_ascii[ch] = std::make_unique<Glyph>(std::move(glyph));
+    return *m_ascii[ch];
 }
 
 } // namespace kx::gdi

@@ -58,6 +58,7 @@ private:
     void AddSource(FacePtr face);
     const Source* SourceOf(char32_t ch, unsigned& index);
     Glyph Render(char32_t ch);
+    const Glyph& Keep(char32_t ch, Glyph glyph);
     void ReadMetrics();
 
     const FaceRequest m_request;
@@ -67,7 +68,7 @@ private:
     TEXTMETRICA m_metrics{};
     std::array<std::unique_ptr<Glyph>, 128> m_ascii;
     std::unordered_map<char32_t, Glyph> m_others;
-    std::size_t m_bytes = 0; // of weights in m_others
+    std::size_t m_bytes = 0; // of all these letters
 };
 
 } // namespace kx::gdi

@@ -74,12 +74,6 @@ void MixAvx2(const Rows&) noexcept
 }
 #endif
 
-RECT Common(const RECT& a, const RECT& b)
-{
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
-}
-
 } // namespace
 
 TextPainter::TextPainter(DeviceContext& context, Font& font)
@@ -110,8 +104,8 @@ void TextPainter::Draw(const TextLine& line, int x, int y, const RECT& clip)
 
 void TextPainter::Bar(int x, int y, int nWidth, const RECT& clip, DWORD pixel, int nHeight)
 {
-    const RECT bar = Common({x, y, x + nWidth, y + nHeight}, clip);
-    if (bar.left >= bar.right || bar.top >= bar.bottom) return;
+    const RECT bar = Cut({x, y, x + nWidth, y + nHeight}, clip);
+    if (IsEmpty(bar)) return;
     FillRects(m_canvas, {&bar, 1}, pixel);
 }
 
@@ -120,8 +114,8 @@ void TextPainter::Cover(const Glyph& glyph, int x, int y, const RECT& clip)
 {
     const RECT box{x + glyph.left, y - glyph.top, x + glyph.left + glyph.width, y - glyph.top + glyph.rows};
     for (const RECT& visible : m_canvas.clip) {
-        const RECT part = Common(Common(box, clip), visible);
-        if (part.left < part.right && part.top < part.bottom) Blend(glyph, box.left, box.top, part);
+        const RECT part = Cut(Cut(box, clip), visible);
+        if (!IsEmpty(part)) Blend(glyph, box.left, box.top, part);
     }
 }
 

@@ -36,10 +36,13 @@ TEST(Object, IsNamedByItsHandleUntilItsEndAndByNoOtherNumber)
     EXPECT_EQ(DeleteObject(brush), 0);
     const Scoped<HBRUSH> next(CreateSolidBrush(0)); // in the same place of the table
     EXPECT_NE(next, brush);
+    const HGDIOBJ flipped =
+        Invented(reinterpret_cast<std::uintptr_t>(HBRUSH{next}) ^ std::uintptr_t{1} << 63);
     int local = 0;
-    for (const HGDIOBJ handle : {HGDIOBJ{brush}, HGDIOBJ{nullptr}, HGDIOBJ{&local}, Invented(1), Invented(5),
-                                 Invented(UINTPTR_MAX), Invented(std::uintptr_t{1} << 32 | 0xFFFFF),
-                                 Invented(std::uintptr_t{1} << 32), Invented(0xFFFFFFFF)}) {
+    for (const HGDIOBJ handle :
+         {HGDIOBJ{brush}, flipped, HGDIOBJ{nullptr}, HGDIOBJ{&local}, Invented(1), Invented(5),
+          Invented(UINTPTR_MAX), Invented(std::uintptr_t{1} << 32 | 0xFFFFF),
+          Invented(std::uintptr_t{1} << 32), Invented(0xFFFFFFFF)}) {
         EXPECT_EQ(GetObjectA(handle, 0, nullptr), 0);
         EXPECT_EQ(DeleteObject(handle), 0);
         EXPECT_EQ(SelectObject(Paper(1, 1), handle), nullptr);

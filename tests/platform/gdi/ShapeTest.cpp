@@ -76,8 +76,11 @@ TEST(Rectangle, IsOutlinedInsideItsSides)
     EXPECT_EQ(drawn('R', 'B', 1, {2, 2, 3, 3})[2], "WWRWWW");
     EXPECT_EQ(drawn('R', 'B', 1, {-3, -3, 3, 3}),
               (Picture{"BBRWWW", "BBRWWW", "RRRWWW", "WWWWWW", "WWWWWW"}));
-    for (const RECT& empty : {RECT{3, 3, 3, 4}, RECT{4, 4, 1, 1}, RECT{INT_MAX, 0, INT_MIN, 9}})
+    for (const RECT& empty : {RECT{3, 3, 3, 4}, RECT{INT_MIN, 2, INT_MAX, 2}})
         EXPECT_EQ(drawn('R', 'B', 1, empty), Picture(5, "WWWWWW"));
+    EXPECT_EQ(drawn('R', 'B', 1, {5, 4, 1, 1}), drawn('R', 'B', 1, {1, 1, 5, 4}));
+    EXPECT_EQ(drawn('-', 'B', 1, {5, 1, 1, 4}), drawn('-', 'B', 1, {1, 1, 5, 4}));
+    EXPECT_EQ(drawn('R', 'B', 1, {INT_MAX, 9, INT_MIN, 0})[0], "RRRRRR");
     EXPECT_EQ(drawn('R', 'B', 9, {INT_MIN, INT_MIN, INT_MAX, INT_MAX}), Picture(5, "BBBBBB"));
     EXPECT_EQ(Rectangle(nullptr, 0, 0, 1, 1), 0);
 }
@@ -112,7 +115,7 @@ TEST(RoundRect, FillsWhatItsRegionHolds)
             const Sheet sheet(21, 13, 'R', 'R', cx % 4);
             const Sheet filled(21, 13, 'R', 'R');
             RoundRect(sheet, 0, 0, 21, 13, cx, cy);
-            const Scoped<HRGN> region(CreateRoundRectRgn(0, 0, 21, 13, cx, cy));
+            const Scoped<HRGN> region(CreateRoundRectRgn(21, 0, 0, 13, cx, cy));
             const Scoped<HBRUSH> red(CreateSolidBrush(test::ColorOf('R')));
             FillRgn(filled, region, red);
             EXPECT_EQ(sheet.Read(), filled.Read()) << cx << ' ' << cy;

@@ -6,9 +6,11 @@
 #include <climits>
 #include <cstring>
 #include <ctime>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <string>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -202,6 +204,23 @@ TEST_F(Text, ManyLinesAreCutInOnePass)
     EXPECT_EQ(DrawTextA(paper, text.data(), 1 << 20, &rect, DT_CALCRECT | DT_WORDBREAK), 20 << 20);
     EXPECT_LT((std::clock() - begin) / CLOCKS_PER_SEC, 30);
 }
+
+#if !defined(KX_SANITIZED) // under which memory that ended is kept
+// At this size the letters of ASCII would take a quarter of a gigabyte.
+TEST_F(Text, LettersAreKeptWithinABound)
+{
+    const auto resident = [] {
+        std::size_t nTotal = 0, nResident = 0;
+        std::ifstream("/proc/self/statm") >> nTotal >> nResident;
+        return nResident * static_cast<std::size_t>(getpagesize());
+    };
+    Use("DejaVu Sans", -1024);
+    const std::size_t nBefore = resident();
+    for (char ch = '!'; ch <= '~'; ++ch)
+        EXPECT_GT(WidthOf(std::string(1, ch)), 0);
+    EXPECT_LT(resident(), nBefore + (64u << 20));
+}
+#endif
 
 // Faces that nobody uses any more end on the threads that delete their fonts, several at once.
 TEST(Fonts, AreMadeMeasuredAndEndedOnSeveralThreads)
