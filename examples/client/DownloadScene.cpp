@@ -66,6 +66,7 @@ LRESULT DownloadProc(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
         pDownload->sheet.Show(static_cast<unsigned long>(lParam), pDownload->dwTotal);
         return 0;
     case WM_KXDOWNLOADENDED:
+    case WM_TIMER:
         pDownload->bEnded = true;
         return 0;
     default:
@@ -79,17 +80,22 @@ bool DownloadInSkin(const client::LocalServer& server, HWND hWnd, const CString&
     Download download;
     SetWindowLongPtrA(hWnd, GWLP_USERDATA, reinterpret_cast<std::intptr_t>(&download));
     const unsigned int uTask = CKXHttpDownloadMgr::Instance().AddTask(server.LessonUrl(), strFile, hWnd);
+    // A download that fails falls silent.
+    constexpr UINT_PTR nSilence = 1;
+    constexpr UINT nLimit = 30'000;
+    SetTimer(hWnd, nSilence, nLimit, nullptr);
     MSG msg;
     while (!download.bEnded && GetMessageA(&msg, nullptr, 0, 0))
         DispatchMessageA(&msg);
+    KillTimer(hWnd, nSilence);
     SetWindowLongPtrA(hWnd, GWLP_USERDATA, 0);
 
     CFile file;
-    const bool bWhole =
-        file.Open(strFile, CFile::modeRead) && file.GetLength() == client::LocalServer::kLessonSize;
+    const std::uint64_t nLength = file.Open(strFile, CFile::modeRead) ? file.GetLength() : 0;
     std::printf("   task %u, in %s: %lu bytes in %d blocks\n", uTask, client::Utf8(strSkin).c_str(),
-                static_cast<unsigned long>(file.GetLength()), download.nBlocks);
-    return bWhole && download.sheet.Write("download-" + strSkin + ".png");
+                static_cast<unsigned long>(nLength), download.nBlocks);
+    return nLength == client::LocalServer::kLessonSize &&
+           download.sheet.Write("download-" + strSkin + ".png");
 }
 
 bool DownloadInAllSkins(const client::LocalServer& server)

@@ -88,7 +88,8 @@ KX_API void SetExecutablePath(const std::string& strPath);
 
 // ---- Registry
 
-// The file that holds the per-user values; empty: its place in the user's configuration directory.
+// The file that holds the per-user values, a relative path from the working directory of the call on; empty:
+// its place in the user's configuration directory.
 KX_API void SetRegistryFile(const std::string& strPath);
 
 // ---- Desktop

@@ -68,7 +68,7 @@ public:
     CString Mid(int nFirst, int nCount) const;
 
     // The first position at or behind `nStart`, where a character begins, of a byte or text; -1 without one
-    // or for a start behind the end. An empty text is found at `nStart`.
+    // or for a start behind the end. An empty text is found at once.
     int Find(char ch, int nStart = 0) const noexcept;
     int Find(const char* pszSub, int nStart = 0) const noexcept;
     // The last position of a byte, -1 without one.

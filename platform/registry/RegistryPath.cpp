@@ -5,9 +5,11 @@
 
 #include <array>
 #include <cstdlib>
+#include <filesystem>
 #include <mutex>
 #include <pwd.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -45,9 +47,11 @@ std::string ConfigDirectory()
 
 void KXHost::SetRegistryFile(const std::string& strPath)
 {
+    std::error_code error;
+    std::string path = strPath.empty() ? strPath : std::filesystem::absolute(strPath, error).string();
     HostPath& host = TheHostPath();
     const std::lock_guard lock(host.lock);
-    host.path = strPath;
+    host.path = std::move(path);
 }
 
 std::string kx::registry::FilePath()

@@ -234,19 +234,24 @@ int ToIndex(std::size_t pos)
 {
     return pos == std::string_view::npos ? -1 : static_cast<int>(pos);
 }
+
+// Where the first character at or behind a position begins.
+std::size_t StartFrom(std::string_view str, int nStart) noexcept
+{
+    const auto start = static_cast<std::size_t>(std::max(nStart, 0));
+    return text::IsCharStart(str, start, text::IsDoubleByte()) ? start : start + 1;
+}
 } // namespace
 
 int CString::Find(char ch, int nStart) const noexcept
 {
-    return nStart > GetLength()
-               ? -1
-               : ToIndex(text::Find(View(), ch, static_cast<std::size_t>(std::max(nStart, 0))));
+    return nStart > GetLength() ? -1 : ToIndex(text::Find(View(), ch, StartFrom(View(), nStart)));
 }
 
 int CString::Find(const char* pszSub, int nStart) const noexcept
 {
     if (nStart > GetLength()) return -1;
-    return ToIndex(text::Find(View(), ViewOf(pszSub), static_cast<std::size_t>(std::max(nStart, 0))));
+    return ToIndex(text::Find(View(), ViewOf(pszSub), StartFrom(View(), nStart)));
 }
 
 int CString::ReverseFind(char ch) const noexcept

@@ -232,6 +232,16 @@ TEST_F(Registry, LiesInTheUsersConfigurationMadeAtTheFirstWrite)
     setenv("XDG_CONFIG_HOME", old.c_str(), 1);
 }
 
+TEST_F(Registry, ARelativeFileStaysWhereItIs)
+{
+    const auto old = std::filesystem::current_path();
+    std::filesystem::current_path(m_dir.Path());
+    KXHost::SetRegistryFile("new/relative.ini");
+    std::filesystem::current_path(old);
+    Set(Create("k"), "v", "1");
+    EXPECT_TRUE(m_dir.Exists("new/relative.ini"));
+}
+
 TEST_F(Registry, WriteAccessNeedsAFileThatCanBeWritten)
 {
     Set(Create("k"), "v", "1");

@@ -93,8 +93,10 @@ TEST(String, SearchesNeverMatchATrailByte)
                       "A")
                   .Find("A"),
               2);
-    EXPECT_EQ(CString("\x5C\x95").Find('\\'), 0);     // a stray lead byte behind it
-    EXPECT_EQ(CString("\xB0\xB0\x5C").Find('\\'), 2); // behind a whole letter
+    EXPECT_EQ(CString("\x5C\x95").Find('\\'), 0);         // a stray lead byte behind it
+    EXPECT_EQ(CString("\xB0\xB0\x5C").Find('\\'), 2);     // behind a whole letter
+    EXPECT_EQ(CString("\x81\x5Cx\x5C").Find('\\', 1), 3); // begun on the second byte
+    EXPECT_EQ(CString("\xB0\xB0\xB0\xB0").Find("\xB0\xB0", 1), 2);
     EXPECT_EQ(str.Find('a', 99), -1);
     EXPECT_EQ(str.Find("", 3), 3);
 
