@@ -111,8 +111,9 @@ void RegionPixman(benchmark::State& state, int nSide, const std::string& shape)
 constexpr const char* pszFace = "DejaVu Sans";
 constexpr int nHeight = 20;
 
-void LetterOurs(benchmark::State& state)
+void LetterOurs(benchmark::State& state, bool bThreaded)
 {
+    if (bThreaded) HaveHadThreads();
     const Ours paper({64, 32});
     LOGFONTA log{};
     log.lfHeight = -nHeight;
@@ -129,8 +130,9 @@ void LetterOurs(benchmark::State& state)
     DeleteObject(hFont);
 }
 
-void LetterCairo(benchmark::State& state)
+void LetterCairo(benchmark::State& state, bool bThreaded)
 {
+    if (bThreaded) HaveHadThreads();
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 64, 32);
     cairo_t* cairo = cairo_create(surface);
     cairo_select_font_face(cairo, pszFace, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
@@ -156,8 +158,10 @@ const int registered = [] {
     // 2048 by 2048 pixels are 64 times 256 by 256.
     Register("bitmap_rgn_noise_2048/ours", RegionOurs, 2048, "noise", 1);
     Register("bitmap_rgn_noise_2048/256_64_times", RegionOurs, 256, "noise", 64);
-    Register("letter/ours", LetterOurs);
-    Register("letter/cairo", LetterCairo);
+    for (const std::string work : {"letter", "letter_threaded"}) {
+        Register(work + "/ours", LetterOurs, work != "letter");
+        Register(work + "/cairo", LetterCairo, work != "letter");
+    }
     return 0;
 }();
 

@@ -7,6 +7,7 @@
 #include <new>
 #include <platform/Gdi.h>
 #include <string>
+#include <thread>
 #include <vector>
 
 // Pictures of 32 bits a pixel, on our surfaces and on the peers'.
@@ -78,6 +79,12 @@ inline SdlSurface MakeSdl(Size size, Pixels& pixels)
 {
     return SdlSurface(SDL_CreateRGBSurfaceWithFormatFrom(pixels.data(), size.cx, size.cy, 32, size.cx * 4,
                                                          SDL_PIXELFORMAT_RGB888));
+}
+
+// From here on the process counts as one with threads, in which what is shared is counted by atomic steps.
+inline void HaveHadThreads()
+{
+    std::thread([] {}).join();
 }
 
 template <class Run, class... Args>

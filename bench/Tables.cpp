@@ -87,8 +87,9 @@ void WritePage(const std::vector<Row>& rows, const char* pszFile)
             "Written by `scripts/bench` on "
          << Today() << ": " << Machine()
          << ".\n\n"
-            "A row is a work, done by the library and by a peer in one run: medians of nine, in turns at "
-            "random. The\n"
+            "A row is a work, done by the library and by a peer in one process of its own: medians of nine, "
+            "in "
+            "turns at random. The\n"
             "ratio is how many times faster the library is; the aim is the least that it is meant to be. "
             "Machines\n"
             "are shared: a ratio moves by a tenth or two from run to run.\n\n"

@@ -4,6 +4,7 @@
 #include <array>
 #include <cairo/cairo.h>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 // A test word of twelve letters, of which five are hidden in boxes: each letter measured, then drawn or
@@ -18,8 +19,9 @@ constexpr const char* pszTest = "ph*t*g**ph*r";
 constexpr bench::Size paperSize{240, 40};
 const CRect rcWord(10, 4, 230, 36);
 
-void DrawOurs(benchmark::State& state)
+void DrawOurs(benchmark::State& state, bool bThreaded)
 {
+    if (bThreaded) bench::HaveHadThreads();
     const bench::Ours paper(paperSize);
     LOGFONTA log{};
     log.lfHeight = -nHeight;
@@ -42,8 +44,9 @@ void Frame(cairo_t* cairo, double x, double width)
     cairo_set_source_rgb(cairo, 1, 1, 1);
 }
 
-void DrawCairo(benchmark::State& state)
+void DrawCairo(benchmark::State& state, bool bThreaded)
 {
+    if (bThreaded) bench::HaveHadThreads();
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, paperSize.cx, paperSize.cy);
     cairo_t* cairo = cairo_create(surface);
     cairo_select_font_face(cairo, pszFace, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
@@ -71,8 +74,10 @@ void DrawCairo(benchmark::State& state)
 }
 
 const int registered = [] {
-    bench::Register("test_word/ours", DrawOurs);
-    bench::Register("test_word/cairo", DrawCairo);
+    for (const std::string work : {"test_word", "test_word_threaded"}) {
+        bench::Register(work + "/ours", DrawOurs, work != "test_word");
+        bench::Register(work + "/cairo", DrawCairo, work != "test_word");
+    }
     return 0;
 }();
 
