@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <new>
@@ -43,7 +42,7 @@ private:
     BITMAPINFO m_info{};
 };
 
-// One bit for each pixel, lowest first, in words of 64; a row begins with a word of its own.
+// A mask as CreateMaskRgn takes it.
 class Bits
 {
 public:
@@ -58,6 +57,7 @@ public:
     {
         return std::span(m_words).subspan(static_cast<std::size_t>(y) * m_nRow, m_nRow);
     }
+    const std::uint64_t* Data() const { return m_words.data(); }
 
 private:
     std::size_t m_nRow;
@@ -93,33 +93,6 @@ void Mark(const DWORD* row, int nWidth, DWORD key, std::uint64_t flip, std::span
     bits.back() = (Compare(last.data(), key) ^ flip) & ((std::uint64_t{1} << (nWidth - x)) - 1);
 }
 
-// Calls `edge(x)` for each place of a row where a run begins or ends, in turn; the last may end at the right
-// side.
-template <class Edge>
-void ForEachEdge(std::span<const std::uint64_t> bits, Edge&& edge)
-{
-    std::uint64_t before = 0; // the bit to the left
-    int x = 0;
-    for (const std::uint64_t word : bits) {
-        for (std::uint64_t edges = word ^ (word << 1 | before); edges != 0; edges &= edges - 1)
-            edge(x + std::countr_zero(edges));
-        before = word >> (Bits::WORD_BITS - 1);
-        x += Bits::WORD_BITS;
-    }
-    if (before != 0) edge(x);
-}
-
-std::size_t CountRuns(std::span<const std::uint64_t> bits)
-{
-    std::uint64_t before = 0;
-    int nBegins = 0;
-    for (const std::uint64_t word : bits) {
-        nBegins += std::popcount(word & ~(word << 1 | before));
-        before = word >> (Bits::WORD_BITS - 1);
-    }
-    return static_cast<std::size_t>(nBegins);
-}
-
 } // namespace
 
 HRGN kx::draw::MakeColorRegion(HDC hDC, HBITMAP hBitmap, SIZE size, COLORREF clr, bool bKeepColor)
@@ -131,24 +104,11 @@ try {
 
     Bits bits(size);
     Rows rows(hDC, hBitmap, size);
-    std::size_t nRuns = 0;
     int y = 0;
-    while (const int nRows = rows.Read(y)) {
-        for (int n = 0; n < nRows; ++n, ++y) {
+    while (const int nRows = rows.Read(y))
+        for (int n = 0; n < nRows; ++n, ++y)
             Mark(rows.Row(n), size.cx, key, bKeepColor ? 0 : ~std::uint64_t{0}, bits.Row(y));
-            nRuns += CountRuns(bits.Row(y));
-        }
-    }
-    std::vector<RECT> runs;
-    runs.reserve(nRuns); // twice the memory would be touched if it grew
-    for (y = 0; y < size.cy; ++y) {
-        int nFirst = -1;
-        ForEachEdge(bits.Row(y), [&](int x) {
-            if (nFirst >= 0) runs.push_back({nFirst, y, x, y + 1});
-            nFirst = nFirst >= 0 ? -1 : x;
-        });
-    }
-    return CreateRectsRgn(runs.data(), static_cast<int>(runs.size()));
+    return CreateMaskRgn(bits.Data(), size.cx, size.cy);
 } catch (const std::bad_alloc&) {
     return nullptr;
 }

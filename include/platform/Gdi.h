@@ -232,6 +232,10 @@ KX_API HRGN CreateRoundRectRgn(int nLeft, int nTop, int nRight, int nBottom, int
 // A region of `nCount` rectangles, which may overlap; empty ones count for nothing. Fastest when they come in
 // rows from the top, each row from the left. Null for a negative count.
 KX_API HRGN CreateRectsRgn(const RECT* pRects, int nCount);
+// A region of the bits that are set in a mask of `nHeight` rows from the top, each of `nWidth` bits in words
+// of its own, the lowest bit first; those behind the width are 0. Null for a negative size, or without a
+// mask.
+KX_API HRGN CreateMaskRgn(const std::uint64_t* pMask, int nWidth, int nHeight);
 // `hDst` becomes a combination of two regions, either of which may be `hDst` itself. RGN_COPY takes the first
 // and doesn't look at the second. Gives NULLREGION, SIMPLEREGION, COMPLEXREGION, or for a bad handle or mode
 // RGN_ERROR with nothing changed; so do GetRgnBox and OffsetRgn.

@@ -12,9 +12,9 @@ namespace kx::gdi {
 // but sorts them, which for the half million runs of a checkered picture takes ten times as long as finding
 // them.
 //
-// It fills in pixman's region record, which pixman.h declares: the rectangles lie in one block from malloc,
-// in bands of equal top and bottom from the top, each from the left, without two that touch in a band or two
-// bands that touch and are alike.
+// It fills in pixman's region record, which pixman.h declares: the rectangles lie in one block that free
+// ends, in bands of equal top and bottom from the top, each from the left, without two that touch in a band
+// or two bands that touch and are alike.
 class BandBuilder
 {
 public:

@@ -2,6 +2,7 @@
 
 #include "include/platform/Gdi.h"
 #include "platform/gdi/BandBuilder.h"
+#include "platform/gdi/MaskRuns.h"
 
 #include <algorithm>
 #include <new>
@@ -38,6 +39,28 @@ PixelRegion PixelRegion::FromRects(std::span<const RECT> rects)
     BandBuilder bands(rects.size());
     for (const RECT& rect : rects)
         if (!IsEmpty(rect) && !bands.Add(rect)) return FromAnyRects(rects);
+    PixelRegion region;
+    region.m_region = bands.Finish();
+    return region;
+}
+
+PixelRegion PixelRegion::FromMask(const std::uint64_t* mask, int nWidth, int nHeight)
+{
+    const std::size_t nWords = (static_cast<std::size_t>(nWidth) + MASK_BITS - 1) / MASK_BITS;
+    const auto row = [&](int y) { return std::span(mask + static_cast<std::size_t>(y) * nWords, nWords); };
+    std::size_t nRuns = 0;
+    for (int y = 0; y < nHeight; ++y)
+        nRuns += CountRuns(row(y));
+    BandBuilder bands(nRuns);
+    for (int y = 0; y < nHeight; ++y) {
+        bool bInside = false;
+        RECT run{0, y, 0, y + 1};
+        ForEachEdge(row(y), [&](int x) {
+            (bInside ? run.right : run.left) = x;
+            if (bInside) bands.Add(run);
+            bInside = !bInside;
+        });
+    }
     PixelRegion region;
     region.m_region = bands.Finish();
     return region;

@@ -2,6 +2,7 @@
 
 #include "platform/gdi/Rect.h"
 
+#include <cstdint>
 #include <pixman.h>
 #include <span>
 #include <vector>
@@ -17,6 +18,8 @@ public:
     // Rectangles in any order, which may overlap and be empty. Linear when they come in rows from the top,
     // each row from the left.
     static PixelRegion FromRects(std::span<const RECT> rects);
+    // The bits set in a mask as CreateMaskRgn takes it.
+    static PixelRegion FromMask(const std::uint64_t* mask, int nWidth, int nHeight);
     PixelRegion(const PixelRegion& other);
     PixelRegion(PixelRegion&& other) noexcept;
     PixelRegion& operator=(PixelRegion other) noexcept;

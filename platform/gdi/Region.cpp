@@ -58,6 +58,14 @@ try {
     return nullptr;
 }
 
+HRGN CreateMaskRgn(const std::uint64_t* pMask, int nWidth, int nHeight)
+try {
+    if (nWidth < 0 || nHeight < 0 || (nWidth > 0 && nHeight > 0 && !pMask)) return nullptr;
+    return AddRegion(PixelRegion::FromMask(pMask, nWidth, nHeight));
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}
+
 int CombineRgn(HRGN hDst, HRGN hSrc1, HRGN hSrc2, int nMode)
 try {
     const auto target = FindAs<Region>(hDst);

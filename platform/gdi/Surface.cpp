@@ -1,37 +1,24 @@
 #include "platform/gdi/Surface.h"
 
+#include "platform/gdi/BigBlock.h"
+
 #include <algorithm>
 #include <atomic>
 #include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <malloc.h>
-#include <sys/mman.h>
 #include <utility>
 
 namespace kx::gdi {
 
 namespace {
 
-constexpr std::size_t kAlignment = 64;
-constexpr std::size_t kAlignedPixels = kAlignment / sizeof(DWORD);
-constexpr std::size_t kHugePage = std::size_t{2} << 20;
+constexpr std::size_t kAlignedPixels = BLOCK_ALIGNMENT / sizeof(DWORD);
 
 constexpr std::size_t RoundUp(std::size_t n, std::size_t nStep) noexcept
 {
     return (n + nStep - 1) / nStep * nStep;
-}
-
-// Large blocks are put on huge pages where the system has them: they are filled and copied faster than on the
-// thousands of small ones.
-void* AllocateNew(std::size_t nBytes) noexcept
-{
-    const bool bHuge = nBytes >= 3 * kHugePage;
-    const std::size_t nAlignment = bHuge ? kHugePage : kAlignment;
-    void* const p = std::aligned_alloc(nAlignment, RoundUp(nBytes, nAlignment));
-    if (!p) return nullptr;
-    if (bHuge) madvise(p, RoundUp(nBytes, nAlignment), MADV_HUGEPAGE);
-    return p;
 }
 
 // The block that ended last, for the next of about its size: a client makes the surface that it paints on
@@ -51,12 +38,12 @@ void Release(void* p) noexcept
 
 void* Allocate(std::size_t nBytes) noexcept
 {
-    if (nBytes < kLeastSpare || nBytes > kMostSpare) return AllocateNew(nBytes);
+    if (nBytes < kLeastSpare || nBytes > kMostSpare) return AllocateBlock(nBytes);
     void* const p = spare.exchange(nullptr, std::memory_order_acq_rel);
     const std::size_t nThere = p ? malloc_usable_size(p) : 0;
     if (nThere >= nBytes && nThere - nBytes <= nBytes / 4) return p;
     if (p) Release(p);
-    return AllocateNew(nBytes);
+    return AllocateBlock(nBytes);
 }
 
 } // namespace

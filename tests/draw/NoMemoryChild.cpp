@@ -38,7 +38,7 @@ int main()
         for (int x = 0; x < nSide; ++x)
             if (random() / 64 % 2 == 0) SetPixel(bitmap.GetHDC(), x, y, 0xFF);
     CRgn region;
-    g_nMost = std::size_t{64} << 10; // the pixels of some rows
+    g_nMost = std::size_t{16} << 10; // less than the pixels of some rows
     bitmap.CreateBitmapRgn(region, 0, 0);
     if (region.GetSafeHandle()) return 1;
     g_nMost = SIZE_MAX;

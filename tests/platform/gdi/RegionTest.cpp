@@ -62,6 +62,12 @@ TEST(Region, OfRectanglesIsTheirUnion)
               (std::vector<RECT>{{0, 0, 2, 2}}));
     RECT box;
     EXPECT_EQ(GetRgnBox(FromRects({}), &box), NULLREGION);
+    std::uint64_t mask[] = {0b1011, 1, 0b1011, 1, std::uint64_t{1} << 63, 1, 0, 0};
+    EXPECT_EQ(Rects(Rgn(CreateMaskRgn(mask, 65, 4))),
+              (std::vector<RECT>{{0, 0, 2, 2}, {3, 0, 4, 2}, {64, 0, 65, 2}, {63, 2, 65, 3}}));
+    EXPECT_EQ(GetRgnBox(Rgn(CreateMaskRgn(nullptr, 0, 9)), &box), NULLREGION);
+    EXPECT_EQ(CreateMaskRgn(mask, -1, 1), nullptr);
+    EXPECT_EQ(CreateMaskRgn(nullptr, 1, 1), nullptr);
     EXPECT_EQ(CreateRectsRgn(&box, -1), nullptr);
     EXPECT_EQ(CreateRectsRgn(nullptr, 1), nullptr);
     RECT first[2]{{}, {7, 7, 7, 7}};
