@@ -28,25 +28,6 @@ BandBuilder::BandBuilder(std::size_t nMost)
     m_boxes = BoxesOf(m_data.get());
 }
 
-bool BandBuilder::Add(const RECT& rect) noexcept
-{
-    if (m_nCount > m_nBand) {
-        pixman_box32_t& last = m_boxes[m_nCount - 1];
-        if (rect.top == last.y1) {
-            if (rect.bottom != last.y2 || rect.left < last.x2) return false;
-            if (rect.left == last.x2) {
-                last.x2 = rect.right;
-                return true;
-            }
-        } else {
-            if (rect.top < last.y2) return false;
-            CloseBand();
-        }
-    }
-    m_boxes[m_nCount++] = {rect.left, rect.top, rect.right, rect.bottom};
-    return true;
-}
-
 bool BandBuilder::IsLikePrevious() const noexcept
 {
     const std::size_t nBoxes = m_nCount - m_nBand;
@@ -57,6 +38,8 @@ bool BandBuilder::IsLikePrevious() const noexcept
 
 void BandBuilder::CloseBand() noexcept
 {
+    m_nLeft = std::min(m_nLeft, m_boxes[m_nBand].x1);
+    m_nRight = std::max(m_nRight, m_boxes[m_nCount - 1].x2);
     if (m_nBand > 0 && IsLikePrevious()) {
         const auto nBottom = m_boxes[m_nBand].y2;
         for (std::size_t n = m_nPrevious; n < m_nBand; ++n)
@@ -79,11 +62,7 @@ pixman_region32_t BandBuilder::Finish() noexcept
             pixman_region32_init_with_extents(&region, m_boxes);
         return region;
     }
-    region.extents = {m_boxes[0].x1, m_boxes[0].y1, m_boxes[0].x2, m_boxes[m_nCount - 1].y2};
-    for (std::size_t n = 1; n < m_nCount; ++n) {
-        region.extents.x1 = std::min(region.extents.x1, m_boxes[n].x1);
-        region.extents.x2 = std::max(region.extents.x2, m_boxes[n].x2);
-    }
+    region.extents = {m_nLeft, m_boxes[0].y1, m_nRight, m_boxes[m_nCount - 1].y2};
     if (void* const fitting = std::realloc(m_data.get(), BytesFor(m_nCount))) {
         static_cast<void>(m_data.release());
         m_data.reset(static_cast<pixman_region32_data_t*>(fitting));

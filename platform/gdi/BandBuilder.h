@@ -41,6 +41,27 @@ private:
     std::size_t m_nPrevious = 0; // where the last closed band begins
     std::size_t m_nBand = 0;     // where the open band begins
     std::size_t m_nCount = 0;
+    int m_nLeft = INT32_MAX; // of the closed bands
+    int m_nRight = INT32_MIN;
 };
+
+inline bool BandBuilder::Add(const RECT& rect) noexcept
+{
+    if (m_nCount > m_nBand) {
+        pixman_box32_t& last = m_boxes[m_nCount - 1];
+        if (rect.top == last.y1) {
+            if (rect.bottom != last.y2 || rect.left < last.x2) return false;
+            if (rect.left == last.x2) {
+                last.x2 = rect.right;
+                return true;
+            }
+        } else {
+            if (rect.top < last.y2) return false;
+            CloseBand();
+        }
+    }
+    m_boxes[m_nCount++] = {rect.left, rect.top, rect.right, rect.bottom};
+    return true;
+}
 
 } // namespace kx::gdi
