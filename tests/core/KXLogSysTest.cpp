@@ -102,12 +102,15 @@ TEST_F(Log, MessagesOfAnyLengthStayWhole)
 {
     Start();
     std::string expected;
-    for (const std::size_t length : {1022u, 1023u, 1024u, 1025u, 100'000u}) {
-        const std::string message(length, 'm');
-        log->PushLogEx(Level::LogInfo, "%s", message.c_str());
-        expected += "[2009-03-14 08:05:09] 1 " + message + "\n";
+    for (char ch = 'a'; ch <= 'e'; ++ch) { // over what the lines before were in
+        for (const std::size_t length :
+             {230u, 0u, 231u, 232u, 233u, 998u, 5u, 1023u, 1024u, 1025u, 100'000u}) {
+            const std::string message(length, ch);
+            log->PushLogEx(Level::LogInfo, "%s", message.c_str());
+            expected += "[2009-03-14 08:05:09] 1 " + message + "\n";
+        }
+        Drain();
     }
-    Drain();
     EXPECT_EQ(Text(), expected);
 }
 
