@@ -19,7 +19,7 @@ namespace {
 
 bool IsAlive(HGDIOBJ handle)
 {
-    return kx::gdi::Find(handle) != nullptr;
+    return static_cast<bool>(kx::gdi::Find(handle));
 }
 
 template <class Wrapper>

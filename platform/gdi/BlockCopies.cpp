@@ -13,7 +13,7 @@ template <class Copy>
 int Between(HDC hDst, HDC hSrc, const Block& source, Copy&& copy)
 try {
     const auto to = FindAs<DeviceContext>(hDst);
-    const auto from = hSrc == hDst ? to : FindAs<DeviceContext>(hSrc);
+    const auto from = FindAs<DeviceContext>(hSrc);
     if (!to || !from) return 0;
     const Canvas target = to->Paint();
     return copy(target, from->Read(Place(source)));

@@ -15,8 +15,11 @@
 namespace kx::gdi {
 
 // A handle is a slot's number and its generation, which Remove moves on, so that a slot comes round to the
-// same handle after 2^31 objects. Finding takes no lock but the slot's own, for the copy of one pointer;
-// slots stay where they are once made.
+// same handle after 2^32 objects. Slots stay where they are once made.
+//
+// A slot's state is its generation above the number of its pins, with a mark on an object that was removed
+// while pinned: who takes the last pin off ends it. So finding takes one atomic step, letting go another, and
+// neither ever waits.
 class ObjectTable
 {
 public:
@@ -27,31 +30,38 @@ public:
     }
 
     HGDIOBJ Add(std::shared_ptr<Object> object, bool stock);
-    std::shared_ptr<Object> Find(HGDIOBJ handle) noexcept;
-    std::shared_ptr<Object> Remove(HGDIOBJ handle) noexcept;
+    Pinned<Object> Find(HGDIOBJ handle) noexcept;
+    std::shared_ptr<Object> FindShared(HGDIOBJ handle) noexcept;
+    bool Remove(HGDIOBJ handle) noexcept;
     Object* FindHeldContext(HGDIOBJ handle) noexcept;
     bool IsStock(HGDIOBJ handle) noexcept;
+    void EndRemoved(Pins& pins) noexcept;
 
 private:
-    struct Slot
+    struct Slot : Pins
     {
-        std::atomic<std::uint32_t> state{2}; // the generation, from 1, above a bit that is set while locked
+        Slot() noexcept : Pins{kGeneration} {}
+
+        std::uint32_t index = 0;
+        std::atomic<bool> taken{false};
+        // Written before `taken` is set, and read by who has found it set.
         bool stock = false;
-        std::optional<LiveHandle> live;
         std::shared_ptr<Object> object;
+        std::optional<LiveHandle> live;
         std::atomic<Object*> context{nullptr}; // the object if it is one; reset under the text lock
     };
     struct Name
     {
         explicit Name(HGDIOBJ handle) noexcept
             : index(static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(handle)) - 1),
-              generation(static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(handle) >> 32))
+              generation(reinterpret_cast<std::uintptr_t>(handle) & ~std::uint64_t{UINT32_MAX})
         {
         }
         std::uint32_t index;
-        std::uint32_t generation;
+        std::uint64_t generation; // as it stands in a slot's state
     };
-    class Lock;
+    static constexpr std::uint64_t kGeneration = std::uint64_t{1} << 32;
+    static constexpr std::uint64_t kGenerations = ~(kGeneration - 1);
     static constexpr std::uint32_t kChunk = 1024;
     static constexpr std::uint32_t kChunks = 1024;
     using Chunk = std::array<Slot, kChunk>;
@@ -62,6 +72,12 @@ private:
         Chunk* chunk = m_chunks[nIndex / kChunk].load(std::memory_order_acquire);
         return chunk ? &(*chunk)[nIndex % kChunk] : nullptr;
     }
+    static std::uint64_t NextGeneration(std::uint64_t state) noexcept
+    {
+        const std::uint64_t next = (state & kGenerations) + kGeneration;
+        return next == 0 ? kGeneration : next;
+    }
+    Slot* Pin(HGDIOBJ handle) noexcept;
     std::optional<std::uint32_t> TakeFree();
 
     std::array<std::atomic<Chunk*>, kChunks> m_chunks{};
@@ -70,37 +86,11 @@ private:
     std::vector<std::uint32_t> m_free;          // under the lock; with room for every slot made
 };
 
-// Holds a slot while it is of the generation asked for.
-class ObjectTable::Lock
-{
-public:
-    Lock(Slot* slot, std::uint32_t nGeneration) noexcept : m_free(nGeneration << 1)
-    {
-        if (!slot || nGeneration > UINT32_MAX / 2) return;
-        for (std::uint32_t state = m_free;
-             !slot->state.compare_exchange_weak(state, m_free | 1, std::memory_order_acquire);
-             state = m_free) {
-            if (state >> 1 != nGeneration) return;
-            if (state & 1) std::this_thread::yield();
-        }
-        m_slot = slot;
-    }
-    Lock(const Lock&) = delete;
-    Lock& operator=(const Lock&) = delete;
-    ~Lock()
-    {
-        if (m_slot) m_slot->state.store(m_free, std::memory_order_release);
-    }
+namespace {
 
-    explicit operator bool() const noexcept { return m_slot; }
-    Slot* operator->() const noexcept { return m_slot; }
-    // The slot is let go under its next generation, so that its handle names nothing.
-    void MoveOn() noexcept { m_free = m_free == UINT32_MAX - 1 ? 2 : m_free + 2; }
+constexpr std::uint64_t kRemoved = std::uint64_t{1} << 31;
 
-private:
-    Slot* m_slot = nullptr;
-    std::uint32_t m_free;
-};
+}
 
 std::optional<std::uint32_t> ObjectTable::TakeFree()
 {
@@ -110,10 +100,12 @@ std::optional<std::uint32_t> ObjectTable::TakeFree()
         if (nMade == kChunks) return std::nullopt;
         m_free.reserve((nMade + 1) * kChunk);
         m_made.push_back(std::make_unique<Chunk>());
-        m_chunks[nMade].store(m_made.back().get(), std::memory_order_release);
         const auto nFirst = static_cast<std::uint32_t>(nMade) * kChunk;
-        for (std::uint32_t n = kChunk; n-- > 0;)
+        for (std::uint32_t n = kChunk; n-- > 0;) {
+            (*m_made.back())[n].index = nFirst + n;
             m_free.push_back(nFirst + n);
+        }
+        m_chunks[nMade].store(m_made.back().get(), std::memory_order_release);
     }
     const std::uint32_t nIndex = m_free.back();
     m_free.pop_back();
@@ -125,42 +117,81 @@ HGDIOBJ ObjectTable::Add(std::shared_ptr<Object> object, bool stock)
     const auto nIndex = TakeFree();
     if (!nIndex) return nullptr;
     Slot* slot = At(*nIndex);
-    const std::uint32_t nGeneration = slot->state.load(std::memory_order_relaxed) >> 1;
-    const Lock held(slot, nGeneration);
-    const auto handle = reinterpret_cast<HGDIOBJ>(std::uintptr_t{nGeneration} << 32 | (*nIndex + 1));
+    const std::uint64_t generation = slot->state.load(std::memory_order_relaxed) & kGenerations;
+    const auto handle = reinterpret_cast<HGDIOBJ>(std::uintptr_t{generation} | (*nIndex + 1));
     object->m_handle = handle;
-    held->stock = stock;
-    if (!stock) held->live.emplace();
-    if (object->kind == Kind::Context) held->context.store(object.get(), std::memory_order_release);
-    held->object = std::move(object);
+    slot->stock = stock;
+    if (!stock) slot->live.emplace();
+    slot->object = std::move(object);
+    if (slot->object->kind == Kind::Context)
+        slot->context.store(slot->object.get(), std::memory_order_release);
+    slot->taken.store(true, std::memory_order_release);
     return handle;
 }
 
-std::shared_ptr<Object> ObjectTable::Find(HGDIOBJ handle) noexcept
+// Null for a handle that names nothing.
+ObjectTable::Slot* ObjectTable::Pin(HGDIOBJ handle) noexcept
 {
     const Name name(handle);
-    const Lock held(At(name.index), name.generation);
-    return held ? held->object : nullptr;
+    Slot* const slot = At(name.index);
+    if (!slot) return nullptr;
+    std::uint64_t state = slot->state.load(std::memory_order_relaxed);
+    do {
+        if ((state & kGenerations) != name.generation || (state & kRemoved)) return nullptr;
+    } while (!slot->state.compare_exchange_weak(state, state + 1, std::memory_order_acquire,
+                                                std::memory_order_relaxed));
+    if (slot->taken.load(std::memory_order_acquire)) return slot;
+    Unpin(*slot); // free: the handle is invented
+    return nullptr;
 }
 
-std::shared_ptr<Object> ObjectTable::Remove(HGDIOBJ handle) noexcept
+Pinned<Object> ObjectTable::Find(HGDIOBJ handle) noexcept
 {
-    const Name name(handle);
-    std::shared_ptr<Object> object = Find(handle);
-    if (!object) return nullptr;
+    Slot* const slot = Pin(handle);
+    if (!slot) return {};
+    return {slot, slot->object.get()};
+}
+
+std::shared_ptr<Object> ObjectTable::FindShared(HGDIOBJ handle) noexcept
+{
+    Slot* const slot = Pin(handle);
+    if (!slot) return nullptr;
+    std::shared_ptr<Object> object = slot->object;
+    Unpin(*slot);
+    return object;
+}
+
+bool ObjectTable::Remove(HGDIOBJ handle) noexcept
+{
+    Slot* const slot = Pin(handle);
+    if (!slot) return false;
+    bool bRemoved = false;
     {
         std::unique_lock<std::mutex> text;
-        if (object->kind == Kind::Context) text = std::unique_lock(TextLock());
-        Lock held(At(name.index), name.generation);
-        if (!held) return nullptr; // somebody else was faster
-        held->object.reset();
-        held->context.store(nullptr, std::memory_order_relaxed);
-        held->live.reset();
-        held.MoveOn();
+        if (slot->object->kind == Kind::Context) text = std::unique_lock(TextLock());
+        const std::uint64_t generation = Name(handle).generation;
+        std::uint64_t state = slot->state.load(std::memory_order_relaxed);
+        while (!bRemoved && (state & kGenerations) == generation)
+            bRemoved = slot->state.compare_exchange_weak(
+                state, NextGeneration(state) | kRemoved | (state & (kRemoved - 1)), std::memory_order_acq_rel,
+                std::memory_order_relaxed);
+        if (bRemoved) slot->context.store(nullptr, std::memory_order_relaxed);
     }
+    Unpin(*slot);
+    return bRemoved;
+}
+
+// By who took the last pin off.
+void ObjectTable::EndRemoved(Pins& pins) noexcept
+{
+    Slot& slot = static_cast<Slot&>(pins);
+    const std::shared_ptr<Object> object = std::move(slot.object); // which ends last, outside of the lock
+    slot.object.reset();
+    slot.live.reset();
+    slot.taken.store(false, std::memory_order_relaxed);
+    slot.state.fetch_and(~kRemoved, std::memory_order_release);
     const std::lock_guard lock(m_lock);
-    m_free.push_back(name.index);
-    return object;
+    m_free.push_back(slot.index);
 }
 
 // Whatever is found is whole, for its handle was there before it.
@@ -173,9 +204,11 @@ Object* ObjectTable::FindHeldContext(HGDIOBJ handle) noexcept
 
 bool ObjectTable::IsStock(HGDIOBJ handle) noexcept
 {
-    const Name name(handle);
-    const Lock held(At(name.index), name.generation);
-    return held && held->object && held->stock;
+    Slot* const slot = Pin(handle);
+    if (!slot) return false;
+    const bool bStock = slot->stock;
+    Unpin(*slot);
+    return bStock;
 }
 
 HGDIOBJ Add(std::shared_ptr<Object> object, bool stock)
@@ -185,14 +218,25 @@ try {
     return nullptr;
 }
 
-std::shared_ptr<Object> Find(HGDIOBJ handle) noexcept
+Pinned<Object> Find(HGDIOBJ handle) noexcept
 {
     return ObjectTable::Instance().Find(handle);
 }
 
-std::shared_ptr<Object> Remove(HGDIOBJ handle) noexcept
+std::shared_ptr<Object> FindShared(HGDIOBJ handle) noexcept
+{
+    return ObjectTable::Instance().FindShared(handle);
+}
+
+bool Remove(HGDIOBJ handle) noexcept
 {
     return ObjectTable::Instance().Remove(handle);
+}
+
+void Unpin(Pins& pins) noexcept
+{
+    if ((pins.state.fetch_sub(1, std::memory_order_acq_rel) & UINT32_MAX) == (kRemoved | 1))
+        ObjectTable::Instance().EndRemoved(pins);
 }
 
 Object* FindHeldContext(HGDIOBJ handle) noexcept

@@ -3,9 +3,11 @@
 #include "include/platform/Gdi.h"
 
 #include <atomic>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <typeinfo>
+#include <utility>
 
 namespace kx::gdi {
 
@@ -47,29 +49,71 @@ private:
     HGDIOBJ m_handle = nullptr;
 };
 
+// What a place of the table knows of who works on its object: see Object.cpp.
+struct Pins
+{
+    std::atomic<std::uint64_t> state;
+};
+void Unpin(Pins& pins) noexcept;
+
+// Keeps an object from its end while it is worked on.
+template <class T>
+class Pinned
+{
+public:
+    Pinned() = default;
+    Pinned(Pins* pins, T* object) noexcept : m_pins(pins), m_object(object) {}
+    Pinned(Pinned&& other) noexcept
+        : m_pins(std::exchange(other.m_pins, nullptr)), m_object(std::exchange(other.m_object, nullptr))
+    {
+    }
+    Pinned& operator=(Pinned&&) = delete;
+    ~Pinned()
+    {
+        if (m_pins) Unpin(*m_pins);
+    }
+
+    explicit operator bool() const noexcept { return m_object; }
+    T* get() const noexcept { return m_object; }
+    T* operator->() const noexcept { return m_object; }
+    T& operator*() const noexcept { return *m_object; }
+    // The same pin under the object's own class; the object isn't looked at.
+    template <class U>
+    Pinned<U> As(U* object) && noexcept
+    {
+        return {std::exchange(m_pins, nullptr), object};
+    }
+
+private:
+    Pins* m_pins = nullptr;
+    T* m_object = nullptr;
+};
+
 // Puts an object into the table; null for lack of memory or of room (1,048,576 objects). A stock object is
 // one that the caller of the library didn't make: DeleteObject leaves it alone, and it isn't counted as a
 // live handle. Any thread may call any of these.
 HGDIOBJ Add(std::shared_ptr<Object> object, bool stock = false);
-// The object of a handle, or null.
-std::shared_ptr<Object> Find(HGDIOBJ handle) noexcept;
-// Takes a handle out of the table; the object ends with its last user. Null if there is no such handle.
-// A device context leaves under the text lock (text/TextLock.h).
-std::shared_ptr<Object> Remove(HGDIOBJ handle) noexcept;
+// The object of a handle, or none.
+Pinned<Object> Find(HGDIOBJ handle) noexcept;
+// The same for who goes on holding it.
+std::shared_ptr<Object> FindShared(HGDIOBJ handle) noexcept;
+// Takes a handle out of the table; the object ends with its last user. False if there is no such handle. A
+// device context leaves under the text lock (text/TextLock.h).
+bool Remove(HGDIOBJ handle) noexcept;
 // The device context of a handle, or null, for who holds the text lock: it stays until that is let go, and
-// needs no count.
+// needs no pin.
 Object* FindHeldContext(HGDIOBJ handle) noexcept;
 bool IsStock(HGDIOBJ handle) noexcept;
 
 // The object of a handle if it is of that class.
 template <class T>
-std::shared_ptr<T> FindAs(const void* handle) noexcept
+Pinned<T> FindAs(const void* handle) noexcept
 {
-    std::shared_ptr<Object> object = Find(const_cast<void*>(handle));
-    if (!object) return nullptr;
-    const Object& named = *object;
-    if (typeid(named) == typeid(T)) return std::static_pointer_cast<T>(std::move(object));
-    return std::dynamic_pointer_cast<T>(std::move(object));
+    Pinned<Object> object = Find(const_cast<void*>(handle));
+    if (!object) return {};
+    Object& named = *object;
+    T* const of = typeid(named) == typeid(T) ? static_cast<T*>(&named) : dynamic_cast<T*>(&named);
+    return of ? std::move(object).As(of) : Pinned<T>();
 }
 
 // Describe for a record that is at hand.

@@ -70,7 +70,7 @@ int CombineRgn(HRGN hDst, HRGN hSrc1, HRGN hSrc2, int nMode)
 try {
     const auto target = FindAs<Region>(hDst);
     const auto first = FindAs<Region>(hSrc1);
-    const auto second = nMode == RGN_COPY ? first : FindAs<Region>(hSrc2);
+    const auto second = FindAs<Region>(nMode == RGN_COPY ? hSrc1 : hSrc2);
     if (!target || !first || !second || nMode < RGN_AND || nMode > RGN_COPY) return RGN_ERROR;
     target->pixels = Combined(first->pixels, second->pixels, nMode);
     return target->pixels.Complexity();
