@@ -1,7 +1,6 @@
 #include "platform/gdi/DeviceContext.h"
 
 #include "platform/gdi/Screen.h"
-#include "platform/gdi/Stock.h"
 #include "platform/window/Desktop.h"
 
 #include <new>
@@ -33,7 +32,7 @@ DeviceContext::DeviceContext()
     HoldStock();
     if (!Add(m_own, true)) throw std::bad_alloc();
     m_own->selected = 1;
-    Hold(m_own);
+    Hold(Find(m_own->Handle()));
 }
 
 DeviceContext::DeviceContext(HWND hWnd, std::shared_ptr<Backing> pixels,
@@ -67,7 +66,7 @@ DeviceContext::View DeviceContext::MakeView(Surface& surface, const RECT& bounds
     return view;
 }
 
-std::shared_ptr<Object> DeviceContext::Hold(std::shared_ptr<Object> object) noexcept
+Pinned<Object> DeviceContext::Hold(Pinned<Object> object) noexcept
 {
     auto& held = m_held[static_cast<std::size_t>(object->kind)];
     if (held) --held->selected;
@@ -77,28 +76,28 @@ std::shared_ptr<Object> DeviceContext::Hold(std::shared_ptr<Object> object) noex
 void DeviceContext::HoldStock()
 {
     for (const int nStock : {BLACK_PEN, WHITE_BRUSH, SYSTEM_FONT})
-        if (auto object = StockObject(nStock)) Select(std::move(object));
+        if (auto object = Find(GetStockObject(nStock))) Select(std::move(object));
 }
 
-HGDIOBJ DeviceContext::Select(std::shared_ptr<Object> object)
+HGDIOBJ DeviceContext::Select(Pinned<Object> object)
 {
     if (static_cast<std::size_t>(object->kind) >= m_held.size()) return nullptr;
-    if (object == Held(object->kind)) return object->Handle();
-    if (object->kind == Kind::Bitmap)
-        return SelectBitmap(std::static_pointer_cast<Bitmap>(std::move(object)));
+    if (object.get() == Held(object->kind).get()) return object->Handle();
+    if (object->kind == Kind::Bitmap) return SelectBitmap(std::move(object));
     ++object->selected;
     const auto displaced = Hold(std::move(object));
     return displaced ? displaced->Handle() : nullptr;
 }
 
-HGDIOBJ DeviceContext::SelectBitmap(std::shared_ptr<Bitmap> bitmap)
+HGDIOBJ DeviceContext::SelectBitmap(Pinned<Object> object)
 {
     if (!IsMemory()) return nullptr;
-    View view = MakeView(bitmap->surface, WholeOf(bitmap->surface), m_region);
+    auto& bitmap = static_cast<Bitmap&>(*object);
+    View view = MakeView(bitmap.surface, WholeOf(bitmap.surface), m_region);
     int nNone = 0;
-    if (!bitmap->selected.compare_exchange_strong(nNone, 1)) return nullptr;
+    if (!bitmap.selected.compare_exchange_strong(nNone, 1)) return nullptr;
     m_view = std::move(view);
-    return Hold(std::move(bitmap))->Handle();
+    return Hold(std::move(object))->Handle();
 }
 
 void DeviceContext::SetClip(std::optional<PixelRegion> region)

@@ -35,10 +35,10 @@ public:
     Canvas Read(const RECT& rect);
 
     // Selects a bitmap, pen, brush or font and gives the handle of what it displaced; null where it can't be.
-    HGDIOBJ Select(std::shared_ptr<Object> object);
+    HGDIOBJ Select(Pinned<Object> object);
     const Pen& CurrentPen() const noexcept { return static_cast<const Pen&>(*Held(Kind::Pen)); }
     const Brush& CurrentBrush() const noexcept { return static_cast<const Brush&>(*Held(Kind::Brush)); }
-    const std::shared_ptr<Object>& CurrentFont() const noexcept { return Held(Kind::Font); }
+    Object* CurrentFont() const noexcept { return Held(Kind::Font).get(); }
 
     // Clips to a region in the context's coordinates, or with nothing to the surface alone. Throws
     // std::bad_alloc and changes nothing then.
@@ -62,14 +62,11 @@ private:
     };
     View MakeView(Surface& surface, const RECT& bounds, const std::optional<PixelRegion>& region) const;
 
-    const std::shared_ptr<Object>& Held(Kind what) const noexcept
-    {
-        return m_held[static_cast<std::size_t>(what)];
-    }
+    const Pinned<Object>& Held(Kind what) const noexcept { return m_held[static_cast<std::size_t>(what)]; }
     void HoldStock();
-    HGDIOBJ SelectBitmap(std::shared_ptr<Bitmap> bitmap);
+    HGDIOBJ SelectBitmap(Pinned<Object> object);
     // Takes an object, whose `selected` counts this context already, in place of the one that it gives.
-    std::shared_ptr<Object> Hold(std::shared_ptr<Object> object) noexcept;
+    Pinned<Object> Hold(Pinned<Object> object) noexcept;
 
     const HWND m_window = nullptr;
     const std::optional<PixelRegion> m_limit;
@@ -77,7 +74,7 @@ private:
     std::shared_ptr<Bitmap> m_own;     // null where the pixels are shared
     std::shared_ptr<Backing> m_shared; // null for memory
     View m_view;
-    std::array<std::shared_ptr<Object>, static_cast<std::size_t>(Kind::Font) + 1> m_held;
+    std::array<Pinned<Object>, static_cast<std::size_t>(Kind::Font) + 1> m_held;
 };
 
 } // namespace kx::gdi

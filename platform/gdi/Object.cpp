@@ -31,7 +31,6 @@ public:
 
     HGDIOBJ Add(std::shared_ptr<Object> object, bool stock);
     Pinned<Object> Find(HGDIOBJ handle) noexcept;
-    std::shared_ptr<Object> FindShared(HGDIOBJ handle) noexcept;
     bool Remove(HGDIOBJ handle) noexcept;
     Object* FindHeldContext(HGDIOBJ handle) noexcept;
     bool IsStock(HGDIOBJ handle) noexcept;
@@ -152,15 +151,6 @@ Pinned<Object> ObjectTable::Find(HGDIOBJ handle) noexcept
     return {slot, slot->object.get()};
 }
 
-std::shared_ptr<Object> ObjectTable::FindShared(HGDIOBJ handle) noexcept
-{
-    Slot* const slot = Pin(handle);
-    if (!slot) return nullptr;
-    std::shared_ptr<Object> object = slot->object;
-    Unpin(*slot);
-    return object;
-}
-
 bool ObjectTable::Remove(HGDIOBJ handle) noexcept
 {
     Slot* const slot = Pin(handle);
@@ -221,11 +211,6 @@ try {
 Pinned<Object> Find(HGDIOBJ handle) noexcept
 {
     return ObjectTable::Instance().Find(handle);
-}
-
-std::shared_ptr<Object> FindShared(HGDIOBJ handle) noexcept
-{
-    return ObjectTable::Instance().FindShared(handle);
 }
 
 bool Remove(HGDIOBJ handle) noexcept

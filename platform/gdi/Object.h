@@ -67,7 +67,12 @@ public:
         : m_pins(std::exchange(other.m_pins, nullptr)), m_object(std::exchange(other.m_object, nullptr))
     {
     }
-    Pinned& operator=(Pinned&&) = delete;
+    Pinned& operator=(Pinned&& other) noexcept
+    {
+        std::swap(m_pins, other.m_pins);
+        std::swap(m_object, other.m_object);
+        return *this;
+    }
     ~Pinned()
     {
         if (m_pins) Unpin(*m_pins);
@@ -95,8 +100,6 @@ private:
 HGDIOBJ Add(std::shared_ptr<Object> object, bool stock = false);
 // The object of a handle, or none.
 Pinned<Object> Find(HGDIOBJ handle) noexcept;
-// The same for who goes on holding it.
-std::shared_ptr<Object> FindShared(HGDIOBJ handle) noexcept;
 // Takes a handle out of the table; the object ends with its last user. False if there is no such handle. A
 // device context leaves under the text lock (text/TextLock.h).
 bool Remove(HGDIOBJ handle) noexcept;

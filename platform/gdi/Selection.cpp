@@ -8,7 +8,7 @@ using namespace kx::gdi;
 HGDIOBJ SelectObject(HDC hDC, HGDIOBJ hObject)
 try {
     const auto context = FindAs<DeviceContext>(hDC);
-    auto object = FindShared(hObject);
+    auto object = Find(hObject);
     if (!context || !object) return nullptr;
     if (object->kind != Kind::Region) return context->Select(std::move(object));
     const int nComplexity = SelectClipRgn(hDC, static_cast<HRGN>(hObject));

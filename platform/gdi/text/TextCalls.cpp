@@ -40,7 +40,7 @@ struct Writer
 {
     explicit Writer(HDC hDC) : lock(TextLock()), context(static_cast<DeviceContext*>(FindHeldContext(hDC)))
     {
-        if (context) font = static_cast<Font*>(context->CurrentFont().get());
+        if (context) font = static_cast<Font*>(context->CurrentFont());
     }
     explicit operator bool() const { return font != nullptr; }
 
