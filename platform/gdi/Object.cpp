@@ -157,8 +157,8 @@ bool ObjectTable::Remove(HGDIOBJ handle) noexcept
     if (!slot) return false;
     bool bRemoved = false;
     {
-        std::unique_lock<std::mutex> text;
-        if (slot->object->kind == Kind::Context) text = std::unique_lock(TextLock());
+        std::unique_lock<sync::WordLock> text;
+        if (slot->object->kind == Kind::Context) text = std::unique_lock(textLock);
         const std::uint64_t generation = Name(handle).generation;
         std::uint64_t state = slot->state.load(std::memory_order_relaxed);
         while (!bRemoved && (state & kGenerations) == generation)

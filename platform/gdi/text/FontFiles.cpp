@@ -1,7 +1,6 @@
 #include "platform/gdi/text/FontFiles.h"
 
 #include "platform/Immortal.h"
-#include "platform/gdi/text/TextLock.h"
 
 #include <fontconfig/fontconfig.h>
 #include <ft2build.h>
@@ -49,12 +48,6 @@ bool Has(FcPattern* font, char32_t ch)
 }
 
 } // namespace
-
-std::mutex& TextLock() noexcept
-{
-    static Immortal<std::mutex> lock;
-    return lock.Get();
-}
 
 void FaceDeleter::operator()(FT_Face face) const noexcept
 {

@@ -38,13 +38,13 @@ RECT Near(const RECT& rect)
 // A context and the font in it, held for one operation.
 struct Writer
 {
-    explicit Writer(HDC hDC) : lock(TextLock()), context(static_cast<DeviceContext*>(FindHeldContext(hDC)))
+    explicit Writer(HDC hDC) : lock(textLock), context(static_cast<DeviceContext*>(FindHeldContext(hDC)))
     {
         if (context) font = static_cast<Font*>(context->CurrentFont());
     }
     explicit operator bool() const { return font != nullptr; }
 
-    std::lock_guard<std::mutex> lock;
+    std::lock_guard<kx::sync::WordLock> lock;
     DeviceContext* context;
     Font* font = nullptr; // stays while it is selected
 };
