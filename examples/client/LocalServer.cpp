@@ -20,6 +20,7 @@ client::LocalServer::~LocalServer()
 void client::LocalServer::AddHandlers()
 {
     m_http.set_tcp_nodelay(true);
+    m_http.set_keep_alive_timeout(1); // second: for so long its end waits for a connection that is idle
     m_http.Get("/lesson", [](const httplib::Request&, httplib::Response& response) {
         const auto send = [](std::size_t, std::size_t nLeft, httplib::DataSink& sink) {
             static const std::string piece(4096, 'w');
