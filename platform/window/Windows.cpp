@@ -14,9 +14,10 @@ using kx::window::Desktop;
 using kx::window::WindowFacts;
 using kx::window::WindowTable;
 
-// What is known of a window of any process.
+// What is known of a window of any process, and of the desktop's, which is of none.
 std::optional<WindowFacts> Look(HWND hWnd) noexcept
 {
+    if (hWnd == kx::window::kDesktopHandle) return WindowFacts{0, 0, true};
     const auto window = WindowTable::Instance().Find(hWnd);
     if (!window) return Desktop::Instance().FindForeign(hWnd);
     return WindowFacts{window->Owner().ThreadId(), window->ProcessId(), window->visible};
@@ -56,8 +57,9 @@ DWORD GetWindowThreadProcessId(HWND hWnd, DWORD* pdwProcessId) noexcept
 {
     const auto found = Look(hWnd);
     if (pdwProcessId) *pdwProcessId = found ? found->processId : 0;
-    if (!found) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-    return found ? found->threadId : 0;
+    const DWORD dwThreadId = found ? found->threadId : 0;
+    if (dwThreadId == 0) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+    return dwThreadId;
 }
 
 int ShowWindow(HWND hWnd, int nCmd)

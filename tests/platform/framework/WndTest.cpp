@@ -126,6 +126,22 @@ TEST(Wnd, EndsItsWindowWithItself)
     EXPECT_EQ(CWnd::FromHandle(nullptr), nullptr);
 }
 
+// Wrappers of windows that ended are swept now and then.
+TEST(Wnd, TheDesktopsWrapperOutlivesWindows)
+{
+    CWnd* desktop = CWnd::GetDesktopWindow();
+    EXPECT_TRUE(IsWindow(GetDesktopWindow()));
+    for (int i = 0; i < 70; ++i) {
+        CBase wnd;
+        Create(wnd);
+        const HWND hWnd = wnd.Detach();
+        EXPECT_EQ(CWnd::FromHandle(hWnd)->m_hWnd, hWnd);
+        EXPECT_TRUE(DestroyWindow(hWnd));
+    }
+    ASSERT_EQ(CWnd::GetDesktopWindow(), desktop);
+    EXPECT_EQ(desktop->m_hWnd, GetDesktopWindow());
+}
+
 TEST(Wnd, AHandlerThatThrowsLeavesOrder)
 {
     CBase wnd;
