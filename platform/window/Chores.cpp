@@ -10,7 +10,9 @@ namespace kx::window {
 
 void PostChore(HWND hWnd, Chore chore, LPARAM lParam)
 {
-    PostMessage(hWnd, kChore, static_cast<WPARAM>(chore), lParam);
+    if (const auto window = WindowTable::Instance().Find(hWnd))
+        window->Owner().PostChore({hWnd, kChore, static_cast<WPARAM>(chore), lParam, GetTickCount()},
+                                  *window);
 }
 
 void PostLatest(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)

@@ -3,7 +3,8 @@
 #include "platform/window/Window.h"
 
 // What a desktop has learnt of a window and its thread is to do. It goes through the thread's queue, in its
-// place among the messages, and DispatchMessageA does it in place of the window's procedure.
+// place among the messages, and DispatchMessageA does it in place of the window's procedure. Of a kind there
+// is one at most for each window: the newest.
 
 namespace kx::window {
 

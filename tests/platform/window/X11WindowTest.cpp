@@ -214,6 +214,38 @@ TEST_F(X11WindowTest, WindowsEndInOrderWithTheServer)
     }
 }
 
+// The thread is busy, and its queue full, while the server tells of the windows.
+TEST_F(X11WindowTest, NewsOfTheServerComeThroughAFullQueue)
+{
+    ColorWindow window(kRed, {0, 0, 50, 50}, WS_CAPTION, "window");
+    const WindowThread another; // what happens to it shows that what came before has been told
+    SetWindowTextA(another.Window(), "another");
+    ShowSeen(window, kRed, 25, 25);
+    const auto fill = [&] {
+        for (int i = 0; i < 10'000; ++i)
+            EXPECT_TRUE(PostMessage(window.handle, WM_NULL, 0, 0));
+        EXPECT_FALSE(PostMessage(window.handle, WM_NULL, 0, 0));
+    };
+    fill();
+    window.heard.clear();
+    const xcb_window_t id = outside->Find("window");
+    for (int i = 1; i <= 20; ++i)
+        outside->Place(id, i, 0, 50 + i, 50);
+    outside->Place(id, 20, 0, 70, 60);
+    outside->Place(outside->Find("another"), 300, 300, 10, 10);
+    EXPECT_TRUE(Await([&] {
+        RECT rect;
+        return GetWindowRect(another.Window(), &rect) && rect == RECT{300, 300, 310, 310};
+    }));
+    EXPECT_TRUE(Pump([&] { return outside->Pixel(89, 59) == kRed; })) << window.heard;
+    EXPECT_EQ(window.heard, "place 0 20,0;size 0 70,60;") << "and all in one";
+
+    fill();
+    server->Kill();
+    EXPECT_TRUE(Await([&] { return !IsWindow(another.Window()); }));
+    EXPECT_TRUE(Pump([&] { return !IsWindow(window.handle); }));
+}
+
 TEST_F(X11WindowTest, WindowsOfOtherProcessesAreListed)
 {
     const ColorWindow own(kRed, {0, 0, 50, 50}, WS_CAPTION);
