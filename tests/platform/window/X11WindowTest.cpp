@@ -187,6 +187,26 @@ TEST_F(X11WindowTest, APlaceChosenHereStands)
     EXPECT_EQ(rect, (RECT{100, 100, 160, 160}));
 }
 
+// Its owner and a manager place it at the same time, again and again.
+TEST_F(X11WindowTest, WhereAWindowLiesIsKnownWhoeverPlacedItLast)
+{
+    ColorWindow window(kRed, {0, 0, 50, 50}, WS_CAPTION, "window");
+    ShowSeen(window, kRed, 25, 25);
+    const xcb_window_t id = outside->Find("window");
+    outside->Frame(id, outside->Cover(0, 0, 640, 480, kBlue));
+    for (int i = 1; i <= 500; ++i) {
+        std::thread manager([&] { outside->Place(id, i % 300, 10, 60, 60); });
+        MoveWindow(window.handle, i % 300, 20, 50, 50, 0);
+        manager.join();
+        RECT rect{}, seen{};
+        ASSERT_TRUE(Pump([&] {
+            seen = outside->PlaceOf(id);
+            return GetWindowRect(window.handle, &rect) && rect == seen;
+        })) << i
+            << ": " << rect.top << " is " << seen.top;
+    }
+}
+
 TEST_F(X11WindowTest, WindowsEndInOrderWithTheServer)
 {
     for (const bool killed : {false, true}) {
