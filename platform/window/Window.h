@@ -57,8 +57,9 @@ public:
     std::optional<gdi::PixelRegion> shape; // what of it there is to see; nothing: all
     bool appeared = false;                 // it has been painted since it was shown
 
-    // The owning thread's alone: its end has begun.
+    // The owning thread's alone: its end has begun, and which animation of it is the newest.
     bool ending = false;
+    unsigned animation = 0;
     // No message reaches it any more. Set by the owning thread under its queue's lock, so that thread may
     // read it without.
     bool ended = false;
