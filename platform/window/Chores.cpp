@@ -36,6 +36,12 @@ void DoChore(Window& window, Chore chore, LPARAM lParam)
     case Chore::Place:
         TellPlace(window, true, lParam != 0);
         break;
+    case Chore::AskFocus:
+        if (window.visible) SetFocus(window.Handle());
+        break;
+    case Chore::Hide:
+        if (!window.visible) DropFocus(window.Handle());
+        break;
     }
 }
 

@@ -2,9 +2,9 @@
 
 #include "platform/window/Window.h"
 
-// What a desktop has learnt of a window and its thread is to do. It goes through the thread's queue, in its
-// place among the messages, and DispatchMessageA does it in place of the window's procedure. Of a kind there
-// is one at most for each window: the newest.
+// What a desktop has learnt of a window, or another thread has done to it, and its thread is to do. It goes
+// through the thread's queue, in its place among the messages, and DispatchMessageA does it in place of the
+// window's procedure. Of a kind there is one at most for each window: the newest.
 
 namespace kx::window {
 
@@ -15,7 +15,9 @@ enum class Chore : WPARAM
     Destroy, // it is gone from the desktop
     GainFocus,
     LoseFocus,
-    Place, // it lies where its rectangle, set already, says; LPARAM 1: at another size
+    Place,    // it lies where its rectangle, set already, says; LPARAM 1: at another size
+    AskFocus, // it was shown to have the focus
+    Hide,     // it was hidden, and so can't have it
 };
 
 void PostChore(HWND hWnd, Chore chore, LPARAM lParam = 0);

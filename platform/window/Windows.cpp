@@ -4,8 +4,9 @@
 #include "platform/Errno.h"
 #include "platform/text/CharWalk.h"
 #include "platform/window/Appearance.h"
+#include "platform/window/Chores.h"
 #include "platform/window/Desktop.h"
-#include "platform/window/Queue.h"
+#include "platform/window/ThreadQueue.h"
 #include "platform/window/WindowTable.h"
 
 namespace {
@@ -29,6 +30,15 @@ std::shared_ptr<kx::window::Window> Find(HWND hWnd) noexcept
     auto window = WindowTable::Instance().Find(hWnd);
     if (!window) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
     return window;
+}
+
+// It gets the focus, from another thread than its own once that one comes to it.
+void AskFocus(const kx::window::Window& window)
+{
+    if (kx::window::IsThisThread(window.Owner()))
+        SetFocus(window.Handle());
+    else
+        kx::window::PostChore(window.Handle(), kx::window::Chore::AskFocus);
 }
 
 // Fills with the brush of the window's class, if it has one.
@@ -72,7 +82,7 @@ int ShowWindow(HWND hWnd, int nCmd)
     SendMessageA(hWnd, WM_SHOWWINDOW, bShow, 0);
     if (!IsWindow(hWnd)) return bWas;
     kx::window::Appear(*window, bShow);
-    if (bShow && nCmd != SW_SHOWNOACTIVATE && nCmd != SW_SHOWNA) SetFocus(hWnd);
+    if (bShow && nCmd != SW_SHOWNOACTIVATE && nCmd != SW_SHOWNA) AskFocus(*window);
     return bWas;
 }
 
