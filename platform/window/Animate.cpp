@@ -46,7 +46,8 @@ private:
 void WaitStep(Window& window, milliseconds length)
 {
     const auto nLength = static_cast<DWORD>(length.count());
-    if (!kx::clock::SkipSleep(nLength)) window.Owner().ServeUntil(kx::clock::DeadlineAfter(nLength));
+    const bool bSkipped = kx::clock::SkipSleep(nLength);
+    window.Owner().ServeUntil(bSkipped ? kx::clock::Now() : kx::clock::DeadlineAfter(nLength));
 }
 
 bool Animation::Fade(milliseconds total, bool bIn) const
