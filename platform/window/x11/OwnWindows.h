@@ -53,9 +53,9 @@ private:
         bool popup; // not the window manager's business
         bool shown = false;
         bool topmost = false;
-        bool framed = false;       // lies in a window of the manager's
-        RECT place{};              // as the server has it, or was told last
-        std::uint32_t placing = 0; // the request that told it
+        bool framed = false;                    // lies in a window of the manager's
+        RECT place{};                           // as the server has it, or was told last
+        std::optional<std::uint32_t> placing{}; // the request that told it, until the server has come to it
     };
 
     Entry* Find(HWND hWnd) noexcept;
@@ -69,8 +69,8 @@ private:
     std::map<xcb_window_t, HWND> m_handles;
     WindowStack m_stack;
     xcb_window_t m_focused = 0;
-    xcb_window_t m_wantsFocus = 0; // not shown yet
-    std::uint32_t m_focusing = 0;  // the request that asked last
+    xcb_window_t m_wantsFocus = 0;           // not shown yet
+    std::optional<std::uint32_t> m_focusing; // the request that asked last, likewise
 };
 
 } // namespace kx::window::x11

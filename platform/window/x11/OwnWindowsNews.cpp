@@ -11,10 +11,13 @@ namespace {
 
 constexpr std::uint8_t kSentByAClient = 0x80;
 
-// Whether an event tells of the time before the server came to a request. The numbers wrap.
-bool IsBefore(std::uint32_t sequence, std::uint32_t request) noexcept
+// Whether an event tells of the time before the server came to a request, which is forgotten once one
+// doesn't: the numbers wrap.
+bool IsBefore(std::uint32_t sequence, std::optional<std::uint32_t>& request) noexcept
 {
-    return static_cast<std::int32_t>(sequence - request) < 0;
+    if (request && static_cast<std::int32_t>(sequence - *request) < 0) return true;
+    request.reset();
+    return false;
 }
 
 } // namespace
