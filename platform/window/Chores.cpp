@@ -34,7 +34,7 @@ void DoChore(Window& window, Chore chore, LPARAM lParam)
         DropFocus(window.Handle());
         break;
     case Chore::Place:
-        TellPlace(window, true, lParam != 0);
+        TellPlace(window, (lParam & kMoved) != 0, (lParam & kResized) != 0);
         break;
     case Chore::AskFocus:
         if (window.visible) SetFocus(window.Handle());

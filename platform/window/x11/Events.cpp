@@ -148,7 +148,8 @@ void Events::OnConfigure(const xcb_configure_notify_event_t& event, std::uint32_
         change = server->own.Learn(event, sequence, window->Rect());
         if (change) window->SetRect(change->rect);
     }
-    if (change) PostChore(hWnd, Chore::Place, change->resized);
+    if (change)
+        PostChore(hWnd, Chore::Place, (change->moved ? kMoved : 0) | (change->resized ? kResized : 0));
 }
 
 void Events::OnDestroy(const xcb_destroy_notify_event_t& event)

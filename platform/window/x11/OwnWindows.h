@@ -32,10 +32,11 @@ public:
     // ---- What the server tells
 
     // A window lies there now, by an event of that sequence number. Where that is news: what has become of
-    // its `rect`, and whether its size changed.
+    // its `rect`, and which of its place and size changed.
     struct Change
     {
         RECT rect;
+        bool moved;
         bool resized;
     };
     std::optional<Change> Learn(const xcb_configure_notify_event_t& event, std::uint32_t sequence,

@@ -46,10 +46,12 @@ std::optional<OwnWindows::Change> OwnWindows::Learn(const xcb_configure_notify_e
     entry->place = place;
     const bool bResized =
         place.right - place.left != old.right - old.left || place.bottom - place.top != old.bottom - old.top;
-    // A size that the server couldn't give stays as long as it gives the same.
+    const bool bMoved = place.left != old.left || place.top != old.top;
+    // What the server couldn't give stays as long as it gives the same.
     const int nWidth = bResized ? event.width : rect.right - rect.left;
     const int nHeight = bResized ? event.height : rect.bottom - rect.top;
-    return Change{RectOf(place.left, place.top, nWidth, nHeight), bResized};
+    const RECT& at = bMoved ? place : rect;
+    return Change{RectOf(at.left, at.top, nWidth, nHeight), bMoved, bResized};
 }
 
 void OwnWindows::LearnParent(xcb_window_t id, xcb_window_t parent) noexcept

@@ -162,7 +162,15 @@ TEST_F(X11WindowTest, WindowsAreClosedMovedAndEndedFromOutside)
     RECT rect;
     GetWindowRect(moved.handle, &rect);
     EXPECT_EQ(rect, (RECT{300, 100, 380, 170}));
-    EXPECT_THAT(moved.heard, HasSubstr("size 0 80,70;"));
+    EXPECT_THAT(moved.heard, HasSubstr("place 0 300,100;size 0 80,70;"));
+    moved.heard.clear();
+    outside->Place(outside->Find("moved"), 300, 100, 90, 60); // and only what changed
+    EXPECT_TRUE(Pump([&] { return !moved.heard.empty(); }));
+    EXPECT_EQ(moved.heard, "size 0 90,60;");
+    moved.heard.clear();
+    outside->Place(outside->Find("moved"), 310, 100, 90, 60);
+    EXPECT_TRUE(Pump([&] { return !moved.heard.empty(); }));
+    EXPECT_EQ(moved.heard, "place 0 310,100;");
     EXPECT_TRUE(IsWindow(moved.handle));
 }
 
