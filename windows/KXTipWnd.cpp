@@ -14,6 +14,14 @@ constexpr COLORREF kBackground = RGB(255, 255, 0);
 constexpr COLORREF kTextColor = RGB(0, 0, 255);
 constexpr int kFontSize = 100; // tenths of a point
 
+// In the current language; without one the key itself.
+CString DefaultFace()
+{
+    const CString strKey = "IDS_DEF_FONT";
+    auto* pLanguage = CKXLanResManager::GetSingletonPtr();
+    return pLanguage ? pLanguage->GetString(strKey) : strKey;
+}
+
 } // namespace
 
 IMPLEMENT_DYNAMIC(CKXTipWnd, CWnd)
@@ -66,7 +74,7 @@ void CKXTipWnd::DrawTip(CDC& dc)
     CRect rcClient;
     GetClientRect(&rcClient);
     CFont font;
-    font.CreatePointFont(kFontSize, CKXLanResManager::GetSingletonPtr()->GetString("IDS_DEF_FONT"), nullptr);
+    font.CreatePointFont(kFontSize, DefaultFace(), nullptr);
     CFont* pOldFont = dc.SelectObject(&font);
     const COLORREF clrOld = dc.SetTextColor(kTextColor);
     dc.SetBkMode(TRANSPARENT);

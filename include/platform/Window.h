@@ -112,7 +112,8 @@ KX_API int IsWindowVisible(HWND hWnd) noexcept;
 // Hides with SW_HIDE, shows with any other number; non-zero if the window was visible before. A change is
 // announced to it with WM_SHOWWINDOW, whose WPARAM is 1 for showing, before it takes effect. A window that
 // is shown goes on top of the others of its kind, is to be painted whole, and appears with that; it takes the
-// focus but for SW_SHOWNOACTIVATE and SW_SHOWNA. One that is hidden loses it.
+// focus but for SW_SHOWNOACTIVATE and SW_SHOWNA. One that is hidden loses it. For a call by another thread
+// the focus changes when the owner comes to it among its messages.
 KX_API int ShowWindow(HWND hWnd, int nCmd);
 KX_API WNDPROC GetWindowProcA(HWND hWnd) noexcept;
 // The window's value of its client, 0 at first; `nIndex` is GWLP_USERDATA. Set gives the old value.

@@ -36,5 +36,5 @@ inline constexpr DWORD AW_BLEND = 0x80000;
 // falls evenly within `dwTime` milliseconds of the clock, without it that is done at once. One that appears
 // is shown and painted first; one that is visible already is painted anew. Returns at the end; what other
 // threads send is served meanwhile, what is posted isn't. It takes the focus with AW_ACTIVATE alone. 0 for a
-// window to hide that is hidden, and one that ends meanwhile.
+// window to hide that is hidden, and at once for one that meanwhile ends or is animated anew.
 KX_API int AnimateWindow(HWND hWnd, DWORD dwTime, DWORD dwFlags);

@@ -11,7 +11,7 @@
 // FromHandle wrap a window without owning it or hearing its messages.
 //
 // A message goes to WindowProc, which looks for its handler in the message maps from the object's class up to
-// CWnd and without one calls DefWindowProc.
+// CWnd and without one calls DefWindowProc, which calls the procedure of the window's class.
 class KX_API CWnd : public CObject
 {
     DECLARE_DYNAMIC(CWnd)
@@ -32,8 +32,8 @@ public:
     // the window; null for null.
     static CWnd* FromHandle(HWND hWnd);
 
-    // Makes the window; arguments as for CreateWindowExA. The parent is null or the desktop's. 1, or 0 when
-    // there is a window already or none can be made.
+    // Makes the window, of any class; arguments as for CreateWindowExA. The parent is null or the desktop's.
+    // 1, or 0 when there is a window already or none can be made.
     int CreateEx(DWORD dwExStyle, const char* pszClass, const char* pszName, DWORD dwStyle, const RECT& rect,
                  CWnd* pParent, UINT nId, void* pParam = nullptr);
     // 0 without a window of this thread.
@@ -142,7 +142,7 @@ private:
     HWND m_hWnd;
 };
 
-// The name of a window class whose windows belong to CWnd objects: the same for the same arguments, made
+// The name of a window class with the default handling, for CreateEx: the same for the same arguments, made
 // known at the first call. Cursor and icon are accepted and ignored. The name lives as long as the process;
 // null for lack of room.
 KX_API const char* AfxRegisterWndClass(UINT nStyle, void* hCursor = nullptr, HBRUSH hBackground = nullptr,

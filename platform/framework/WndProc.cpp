@@ -2,6 +2,7 @@
 
 #include "platform/Immortal.h"
 #include "platform/framework/WndMap.h"
+#include "platform/window/Lifetime.h"
 
 #include <cstdio>
 #include <map>
@@ -57,7 +58,7 @@ const AFX_MSGMAP_ENTRY* FindHandler(const AFX_MSGMAP* map, UINT nMsg)
 
 } // namespace
 
-// The procedure of every window that belongs to a CWnd.
+// The procedure of every window that CreateEx made, whose first message binds it to its object.
 LRESULT AfxWndProc(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
 {
     if (CWnd* created = std::exchange(t_creating, nullptr)) {
@@ -66,7 +67,7 @@ LRESULT AfxWndProc(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
         kx::framework::Wnds()[hWnd] = created;
     }
     CWnd* wnd = ObjectOf(hWnd);
-    if (!wnd) return DefWindowProcA(hWnd, nMsg, wParam, lParam);
+    if (!wnd) return kx::window::CallClass(hWnd, nMsg, wParam, lParam);
     const Restore message(t_message, MSG{hWnd, nMsg, wParam, lParam, 0});
     if (nMsg != WM_NCDESTROY) return wnd->WindowProc(nMsg, wParam, lParam);
     const LRESULT nResult = wnd->WindowProc(nMsg, wParam, lParam);
@@ -77,15 +78,15 @@ LRESULT AfxWndProc(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
     return nResult;
 }
 
-int CWnd::CreateEx(DWORD dwExStyle, const char* pszClass, const char* pszName, DWORD dwStyle,
-                   const RECT& rect, CWnd* pParent, UINT, void* pParam)
+int CWnd::CreateEx(DWORD, const char* pszClass, const char* pszName, DWORD dwStyle, const RECT& rect,
+                   CWnd* pParent, UINT, void* pParam)
 {
     if (m_hWnd) return 0;
     const Restore creating(t_creating, this);
-    const HWND hWnd = CreateWindowExA(dwExStyle, pszClass, pszName, dwStyle, rect.left, rect.top,
-                                      rect.right - rect.left, rect.bottom - rect.top,
-                                      pParent ? pParent->m_hWnd : nullptr, nullptr, nullptr, pParam);
-    return hWnd != nullptr;
+    const HWND hParent = pParent ? pParent->m_hWnd : nullptr;
+    return kx::window::Create({pszClass, pszName, dwStyle, rect.left, rect.top, rect.right - rect.left,
+                               rect.bottom - rect.top, hParent, pParam},
+                              AfxWndProc) != nullptr;
 }
 
 LRESULT CWnd::WindowProc(UINT nMsg, WPARAM wParam, LPARAM lParam)
@@ -96,7 +97,8 @@ LRESULT CWnd::WindowProc(UINT nMsg, WPARAM wParam, LPARAM lParam)
 
 LRESULT CWnd::DefWindowProc(UINT nMsg, WPARAM wParam, LPARAM lParam)
 {
-    return DefWindowProcA(m_hWnd, nMsg, wParam, lParam);
+    return m_bOwnsWindow ? kx::window::CallClass(m_hWnd, nMsg, wParam, lParam)
+                         : DefWindowProcA(m_hWnd, nMsg, wParam, lParam);
 }
 
 LRESULT CWnd::Default()
@@ -119,7 +121,7 @@ const char* AfxRegisterWndClass(UINT nStyle, void*, HBRUSH hBackground, HICON)
     char name[64];
     std::snprintf(name, sizeof name, "Afx:%x:%p", nStyle, static_cast<void*>(hBackground));
     it->second = name;
-    const WNDCLASSA cls{AfxWndProc, name, hBackground, nStyle};
+    const WNDCLASSA cls{DefWindowProcA, name, hBackground, nStyle};
     if (RegisterClassA(&cls)) return it->second.c_str();
     all.names.erase(it);
     return nullptr;

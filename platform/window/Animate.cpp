@@ -21,43 +21,51 @@ void SetOpacity(Window& window, BYTE opacity)
     if (!window.ended) Desktop::Instance().SetOpacity(window.Handle(), opacity);
 }
 
-// Whatever ends the animation, the window is opaque the next time that it is seen.
-class OpaqueAtExit
+// One animation of a window: until it ends, or a message that it serves begins another. Whatever ends it, the
+// window is opaque the next time that it is seen.
+class Animation
 {
 public:
-    explicit OpaqueAtExit(Window& window) noexcept : m_window(window) {}
-    OpaqueAtExit(const OpaqueAtExit&) = delete;
-    OpaqueAtExit& operator=(const OpaqueAtExit&) = delete;
-    ~OpaqueAtExit() { SetOpacity(m_window, 255); }
+    explicit Animation(Window& window) noexcept : m_window(window), m_number(++window.animation) {}
+    Animation(const Animation&) = delete;
+    Animation& operator=(const Animation&) = delete;
+    ~Animation()
+    {
+        if (m_window.animation == m_number) SetOpacity(m_window, 255);
+    }
+    bool GoesOn() const noexcept { return !m_window.ended && m_window.animation == m_number; }
+    // The opacity goes evenly from one end to the other; false if the animation is over before.
+    bool Fade(milliseconds total, bool bIn) const;
 
 private:
     Window& m_window;
+    const unsigned m_number;
 };
 
 // Lets time pass, in which others may send to this thread.
 void WaitStep(Window& window, milliseconds length)
 {
     const auto nLength = static_cast<DWORD>(length.count());
-    if (!kx::clock::SkipSleep(nLength)) window.Owner().ServeUntil(kx::clock::DeadlineAfter(nLength));
+    const bool bSkipped = kx::clock::SkipSleep(nLength);
+    window.Owner().ServeUntil(bSkipped ? kx::clock::Now() : kx::clock::DeadlineAfter(nLength));
 }
 
-// The opacity goes evenly from one end to the other; false if the window ends meanwhile.
-bool Fade(Window& window, milliseconds total, bool bIn)
+bool Animation::Fade(milliseconds total, bool bIn) const
 {
     const auto begin = kx::clock::Now();
-    for (;;) {
+    while (GoesOn()) {
         const auto passed = std::chrono::duration_cast<milliseconds>(kx::clock::Now() - begin);
         if (passed >= total) return true;
         const auto share = static_cast<BYTE>(passed * 255 / total);
-        SetOpacity(window, bIn ? share : static_cast<BYTE>(255 - share));
-        WaitStep(window, std::min(kStep, total - passed));
-        if (window.ended) return false;
+        SetOpacity(m_window, bIn ? share : static_cast<BYTE>(255 - share));
+        WaitStep(m_window, std::min(kStep, total - passed));
     }
+    return false;
 }
 
 bool Appear(Window& window, milliseconds total)
 {
-    const OpaqueAtExit opaque(window);
+    const Animation animation(window);
     SetOpacity(window, 0);
     const HWND hWnd = window.Handle();
     if (window.visible)
@@ -65,13 +73,13 @@ bool Appear(Window& window, milliseconds total)
     else
         ShowWindow(hWnd, SW_SHOWNA);
     if (!window.ended) UpdateWindow(hWnd);
-    return !window.ended && Fade(window, total, true);
+    return animation.Fade(total, true);
 }
 
 bool Vanish(Window& window, milliseconds total)
 {
-    const OpaqueAtExit opaque(window);
-    if (!Fade(window, total, false)) return false;
+    const Animation animation(window);
+    if (!animation.Fade(total, false)) return false;
     ShowWindow(window.Handle(), SW_HIDE);
     return !window.ended;
 }

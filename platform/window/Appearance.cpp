@@ -2,6 +2,7 @@
 
 #include "include/platform/WindowPaint.h"
 #include "platform/gdi/Screen.h"
+#include "platform/window/Chores.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Focus.h"
 #include "platform/window/ThreadQueue.h"
@@ -23,7 +24,10 @@ void Appear(Window& window, bool bVisible)
         return;
     }
     ValidateRect(hWnd, nullptr);
-    if (IsThisThread(window.Owner())) DropFocus(hWnd);
+    if (IsThisThread(window.Owner()))
+        DropFocus(hWnd);
+    else
+        PostChore(hWnd, Chore::Hide);
 }
 
 } // namespace kx::window

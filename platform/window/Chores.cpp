@@ -10,7 +10,9 @@ namespace kx::window {
 
 void PostChore(HWND hWnd, Chore chore, LPARAM lParam)
 {
-    PostMessage(hWnd, kChore, static_cast<WPARAM>(chore), lParam);
+    if (const auto window = WindowTable::Instance().Find(hWnd))
+        window->Owner().PostChore({hWnd, kChore, static_cast<WPARAM>(chore), lParam, GetTickCount()},
+                                  *window);
 }
 
 void PostLatest(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
@@ -32,7 +34,13 @@ void DoChore(Window& window, Chore chore, LPARAM lParam)
         DropFocus(window.Handle());
         break;
     case Chore::Place:
-        TellPlace(window, true, lParam != 0);
+        TellPlace(window, (lParam & kMoved) != 0, (lParam & kResized) != 0);
+        break;
+    case Chore::AskFocus:
+        if (window.visible) SetFocus(window.Handle());
+        break;
+    case Chore::Hide:
+        if (!window.visible) DropFocus(window.Handle());
         break;
     }
 }

@@ -2,8 +2,9 @@
 
 #include "platform/window/Window.h"
 
-// What a desktop has learnt of a window and its thread is to do. It goes through the thread's queue, in its
-// place among the messages, and DispatchMessageA does it in place of the window's procedure.
+// What a desktop has learnt of a window, or another thread has done to it, and its thread is to do. It goes
+// through the thread's queue, in its place among the messages, and DispatchMessageA does it in place of the
+// window's procedure. Of a kind there is one at most for each window: the newest.
 
 namespace kx::window {
 
@@ -14,8 +15,14 @@ enum class Chore : WPARAM
     Destroy, // it is gone from the desktop
     GainFocus,
     LoseFocus,
-    Place, // it lies where its rectangle, set already, says; LPARAM 1: at another size
+    Place,    // it lies where its rectangle, set already, says; the LPARAM tells what is new of it
+    AskFocus, // it was shown to have the focus
+    Hide,     // it was hidden, and so can't have it
 };
+
+// Of Place.
+inline constexpr LPARAM kMoved = 1;
+inline constexpr LPARAM kResized = 2;
 
 void PostChore(HWND hWnd, Chore chore, LPARAM lParam = 0);
 // Posts a message in place of the newest that the window's thread has yet to take, if that is the same one.

@@ -10,6 +10,8 @@
 
 namespace kx::window {
 
+class Window;
+
 // What anyone may know of a window of any process.
 struct WindowFacts
 {
@@ -53,7 +55,9 @@ public:
     virtual bool Create(HWND hWnd, const CREATESTRUCTA& create) = 0;
     virtual void Show(HWND hWnd, bool bVisible) = 0;
     virtual void SetText(HWND hWnd, const char* pszText) = 0;
-    virtual void Place(HWND hWnd, const RECT& rect) = 0;
+    // Sets the window's rectangle too: at once with what it asks for or learns of the place itself, so that
+    // the last word is the same here and there.
+    virtual void Place(Window& window, const RECT& rect) = 0;
     virtual void Stack(HWND hWnd, Order order) = 0;
     // Cut to a region of its own coordinates, or with null whole. Under the lock of the desktop's pixels.
     virtual void Shape(HWND, const gdi::PixelRegion*) {}

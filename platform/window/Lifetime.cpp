@@ -61,6 +61,39 @@ void EndWindowsOf(Queue& owner) noexcept
         End(*window);
 }
 
+HWND Create(const Wish& wish, WNDPROC hook)
+{
+    const auto refuse = [](DWORD dwError) {
+        SetLastError(dwError);
+        return HWND{};
+    };
+    if (wish.parent && wish.parent != kDesktopHandle) return refuse(ERROR_INVALID_PARAMETER);
+    auto cls = ClassTable::Instance().Find(wish.className);
+    if (!cls) return refuse(ERROR_CLASS_DOES_NOT_EXIST);
+    auto queue = ThisThread();
+    if (!queue) return refuse(ERROR_INVALID_THREAD_ID);
+
+    const CString className = cls->name;
+    const CREATESTRUCTA create{wish.param, wish.name, className, wish.x,
+                               wish.y,     wish.cx,   wish.cy,   wish.style};
+    const auto made = std::make_shared<Window>(NewHandle(), std::move(cls), hook, std::move(queue), create);
+    const HWND hWnd = made->Handle();
+    WindowTable::Instance().Add(made);
+    EndAtExit end(*made);
+    if (!Desktop::Instance().Create(hWnd, create)) return refuse(ERROR_NOT_ENOUGH_MEMORY);
+    if (!Announce(*made, create)) return nullptr;
+    if (wish.style & WS_VISIBLE) ShowWindow(hWnd, SW_SHOW);
+    if (made->ended) return nullptr;
+    end.Keep();
+    return hWnd;
+}
+
+LRESULT CallClass(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
+{
+    const auto window = FindOwn(hWnd);
+    return window ? window->ClassProcedure()(hWnd, nMsg, wParam, lParam) : 0;
+}
+
 } // namespace kx::window
 
 namespace window = kx::window;
@@ -68,29 +101,7 @@ namespace window = kx::window;
 HWND CreateWindowExA(DWORD, const char* pszClassName, const char* pszName, DWORD dwStyle, int x, int y,
                      int nWidth, int nHeight, HWND hParent, void*, HINSTANCE, void* pParam)
 {
-    const auto refuse = [](DWORD dwError) {
-        SetLastError(dwError);
-        return HWND{};
-    };
-    if (hParent && hParent != window::kDesktopHandle) return refuse(ERROR_INVALID_PARAMETER);
-    auto cls = window::ClassTable::Instance().Find(pszClassName);
-    if (!cls) return refuse(ERROR_CLASS_DOES_NOT_EXIST);
-    auto queue = window::ThisThread();
-    if (!queue) return refuse(ERROR_INVALID_THREAD_ID);
-
-    const CString className = cls->name;
-    const CREATESTRUCTA create{pParam, pszName, className, x, y, nWidth, nHeight, dwStyle};
-    const auto made =
-        std::make_shared<window::Window>(window::NewHandle(), std::move(cls), std::move(queue), create);
-    const HWND hWnd = made->Handle();
-    window::WindowTable::Instance().Add(made);
-    window::EndAtExit end(*made);
-    if (!window::Desktop::Instance().Create(hWnd, create)) return refuse(ERROR_NOT_ENOUGH_MEMORY);
-    if (!window::Announce(*made, create)) return nullptr;
-    if (dwStyle & WS_VISIBLE) ShowWindow(hWnd, SW_SHOW);
-    if (made->ended) return nullptr;
-    end.Keep();
-    return hWnd;
+    return window::Create({pszClassName, pszName, dwStyle, x, y, nWidth, nHeight, hParent, pParam}, nullptr);
 }
 
 int DestroyWindow(HWND hWnd)

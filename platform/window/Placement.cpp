@@ -76,8 +76,7 @@ int SetWindowPos(HWND hWnd, HWND hAfter, int x, int y, int nWidth, int nHeight, 
     const RECT rect = window::Wanted(old, x, y, nWidth, nHeight, nFlags);
     if (!(nFlags & SWP_NOZORDER)) window::Reorder(hWnd, hAfter);
     if (rect != old) {
-        found->SetRect(rect);
-        window::Desktop::Instance().Place(hWnd, rect);
+        window::Desktop::Instance().Place(*found, rect);
         const bool bMoved = rect.left != old.left || rect.top != old.top;
         window::TellPlace(*found, bMoved, window::SizeOf(rect) != window::SizeOf(old));
     }

@@ -29,15 +29,34 @@ DWORD Queue::PostTo(const MSG& msg, const Window* target, bool bLatest)
         std::lock_guard lock(m_lock);
         if (m_closed) return ERROR_INVALID_THREAD_ID;
         if (target && target->ended) return ERROR_INVALID_WINDOW_HANDLE;
-        const auto isSame = [&](const MSG& other) {
-            return other.hwnd == msg.hwnd && other.message == msg.message;
+        const auto isSame = [&](const Posted& other) {
+            return !other.chore && other.msg.hwnd == msg.hwnd && other.msg.message == msg.message;
         };
         if (bLatest && !m_posted.empty() && isSame(m_posted.back())) m_posted.pop_back();
-        if (m_posted.size() >= kMaxPosted) return ERROR_NOT_ENOUGH_QUOTA;
-        m_posted.push_back(msg);
+        if (m_posted.size() - m_chores >= kMaxPosted) return ERROR_NOT_ENOUGH_QUOTA;
+        m_posted.push_back({msg});
     }
     m_changed.NotifyOne();
     return ERROR_SUCCESS;
+}
+
+void Queue::PostChore(MSG chore, const Window& target)
+{
+    {
+        std::lock_guard lock(m_lock);
+        if (m_closed || target.ended) return;
+        const auto older = std::ranges::find_if(m_posted, [&](const Posted& other) {
+            return other.chore && other.msg.hwnd == chore.hwnd && other.msg.wParam == chore.wParam;
+        });
+        if (older != m_posted.end()) {
+            chore.lParam |= older->msg.lParam;
+            m_posted.erase(older);
+            --m_chores;
+        }
+        m_posted.push_back({chore, true});
+        ++m_chores;
+    }
+    m_changed.NotifyOne();
 }
 
 DWORD Queue::Send(const std::shared_ptr<SentMessage>& message)
@@ -121,12 +140,14 @@ void Queue::ServeSent(Lock& lock)
 bool Queue::Take(MSG& msg, const Filter& filter, bool bRemove)
 {
     const auto passes = [&](const MSG& candidate) { return filter.Passes(candidate); };
-    const auto it = std::ranges::find_if(m_posted, passes);
+    const auto it = std::ranges::find_if(m_posted, passes, &Posted::msg);
     if (it == m_posted.end())
         return TakeQuit(msg, bRemove) || TakePaint(msg, filter) ||
                m_timers.Take(msg, clock::Now(), bRemove, passes);
-    msg = *it;
-    if (bRemove) m_posted.erase(it);
+    msg = it->msg;
+    if (!bRemove) return true;
+    m_chores -= it->chore;
+    m_posted.erase(it);
     return true;
 }
 
@@ -212,7 +233,10 @@ void Queue::Forget(Window& window) noexcept
     {
         std::lock_guard lock(m_lock);
         window.ended = true;
-        std::erase_if(m_posted, [&](const MSG& posted) { return posted.hwnd == window.Handle(); });
+        const auto isIts = [&](const Posted& posted) { return posted.msg.hwnd == window.Handle(); };
+        m_chores -= static_cast<std::size_t>(std::ranges::count_if(
+            m_posted, [&](const Posted& posted) { return posted.chore && isIts(posted); }));
+        std::erase_if(m_posted, isIts);
         m_updates.Take(window);
         m_timers.KillAll(window);
         for (auto it = m_sent.begin(); it != m_sent.end();) {
@@ -229,6 +253,7 @@ void Queue::Close() noexcept
     std::lock_guard lock(m_lock);
     m_closed = true;
     m_posted.clear();
+    m_chores = 0;
 }
 
 } // namespace kx::window

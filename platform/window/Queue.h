@@ -45,6 +45,9 @@ public:
     // The same, in place of the newest one if that is the same message to the same window.
     DWORD PostLatest(const MSG& msg, const Window& target);
     DWORD Send(const std::shared_ptr<SentMessage>& message);
+    // Appends a chore in place of an older one of the kind for the window, with what that one's LPARAM held
+    // too. Nobody would tell of it again, so it has room always.
+    void PostChore(MSG chore, const Window& target);
     // Takes back what this queue was sent, if its procedure hasn't begun.
     void Withdraw(const SentMessage& message) noexcept;
     // Ends the wait for a message that this queue's thread sent.
@@ -79,6 +82,11 @@ public:
 private:
     using Lock = std::unique_lock<std::mutex>;
     using Sent = std::list<std::shared_ptr<SentMessage>>;
+    struct Posted
+    {
+        MSG msg;
+        bool chore = false;
+    };
 
     DWORD PostTo(const MSG& msg, const Window* target, bool bLatest);
     void ServeSent(Lock& lock);
@@ -90,7 +98,8 @@ private:
     const DWORD m_threadId;
     std::mutex m_lock;
     clock::Condition m_changed; // the thread alone waits for it
-    std::deque<MSG> m_posted;
+    std::deque<Posted> m_posted;
+    std::size_t m_chores = 0; // of those
     std::optional<MSG> m_quit;
     Updates m_updates;
     Timers m_timers;

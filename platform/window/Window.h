@@ -22,7 +22,8 @@ RECT RectOf(int x, int y, int nWidth, int nHeight) noexcept;
 class Window
 {
 public:
-    Window(HWND handle, std::shared_ptr<const WindowClass> cls, std::shared_ptr<Queue> owner,
+    // The hook is the procedure, or with null the class's.
+    Window(HWND handle, std::shared_ptr<const WindowClass> cls, WNDPROC hook, std::shared_ptr<Queue> owner,
            const CREATESTRUCTA& create);
 
     HWND Handle() const noexcept { return m_handle; }
@@ -30,6 +31,7 @@ public:
     // The queue of the thread that made it.
     Queue& Owner() const noexcept { return *m_owner; }
     WNDPROC Procedure() const noexcept { return m_proc; }
+    WNDPROC ClassProcedure() const noexcept { return m_classProc; }
     // Runs the procedure, on the owning thread.
     LRESULT Call(UINT nMsg, WPARAM wParam, LPARAM lParam) const
     {
@@ -57,8 +59,9 @@ public:
     std::optional<gdi::PixelRegion> shape; // what of it there is to see; nothing: all
     bool appeared = false;                 // it has been painted since it was shown
 
-    // The owning thread's alone: its end has begun.
+    // The owning thread's alone: its end has begun, and which animation of it is the newest.
     bool ending = false;
+    unsigned animation = 0;
     // No message reaches it any more. Set by the owning thread under its queue's lock, so that thread may
     // read it without.
     bool ended = false;
@@ -67,6 +70,7 @@ private:
     const HWND m_handle;
     const DWORD m_processId;
     const WNDPROC m_proc;
+    const WNDPROC m_classProc;
     const HBRUSH m_background;
     const UINT m_classStyle;
     std::shared_ptr<const WindowClass> m_class;

@@ -4,8 +4,9 @@
 #include "platform/Errno.h"
 #include "platform/text/CharWalk.h"
 #include "platform/window/Appearance.h"
+#include "platform/window/Chores.h"
 #include "platform/window/Desktop.h"
-#include "platform/window/Queue.h"
+#include "platform/window/ThreadQueue.h"
 #include "platform/window/WindowTable.h"
 
 namespace {
@@ -14,9 +15,10 @@ using kx::window::Desktop;
 using kx::window::WindowFacts;
 using kx::window::WindowTable;
 
-// What is known of a window of any process.
+// What is known of a window of any process, and of the desktop's, which is of none.
 std::optional<WindowFacts> Look(HWND hWnd) noexcept
 {
+    if (hWnd == kx::window::kDesktopHandle) return WindowFacts{0, 0, true};
     const auto window = WindowTable::Instance().Find(hWnd);
     if (!window) return Desktop::Instance().FindForeign(hWnd);
     return WindowFacts{window->Owner().ThreadId(), window->ProcessId(), window->visible};
@@ -28,6 +30,15 @@ std::shared_ptr<kx::window::Window> Find(HWND hWnd) noexcept
     auto window = WindowTable::Instance().Find(hWnd);
     if (!window) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
     return window;
+}
+
+// It gets the focus, from another thread than its own once that one comes to it.
+void AskFocus(const kx::window::Window& window)
+{
+    if (kx::window::IsThisThread(window.Owner()))
+        SetFocus(window.Handle());
+    else
+        kx::window::PostChore(window.Handle(), kx::window::Chore::AskFocus);
 }
 
 // Fills with the brush of the window's class, if it has one.
@@ -56,8 +67,9 @@ DWORD GetWindowThreadProcessId(HWND hWnd, DWORD* pdwProcessId) noexcept
 {
     const auto found = Look(hWnd);
     if (pdwProcessId) *pdwProcessId = found ? found->processId : 0;
-    if (!found) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-    return found ? found->threadId : 0;
+    const DWORD dwThreadId = found ? found->threadId : 0;
+    if (dwThreadId == 0) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+    return dwThreadId;
 }
 
 int ShowWindow(HWND hWnd, int nCmd)
@@ -70,7 +82,7 @@ int ShowWindow(HWND hWnd, int nCmd)
     SendMessageA(hWnd, WM_SHOWWINDOW, bShow, 0);
     if (!IsWindow(hWnd)) return bWas;
     kx::window::Appear(*window, bShow);
-    if (bShow && nCmd != SW_SHOWNOACTIVATE && nCmd != SW_SHOWNA) SetFocus(hWnd);
+    if (bShow && nCmd != SW_SHOWNOACTIVATE && nCmd != SW_SHOWNA) AskFocus(*window);
     return bWas;
 }
 

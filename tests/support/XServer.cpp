@@ -9,6 +9,7 @@
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace test {
 
@@ -62,11 +63,12 @@ XServer::Pipe::Pipe()
 XServer::Pipe::~Pipe()
 {
     close(ends[0]);
-    close(ends[1]);
+    if (ends[1] >= 0) close(ends[1]);
 }
 
 std::string XServer::Pipe::ReadLine()
 {
+    close(std::exchange(ends[1], -1)); // the server's copy alone is left, and ends with it
     std::string line;
     for (char ch = 0; ch != '\n'; line += ch) {
         pollfd ready{ends[0], POLLIN, 0};

@@ -6,8 +6,10 @@
 #include "tests/support/Picture.h"
 
 #include <algorithm>
+#include <atomic>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <semaphore>
 #include <string>
 #include <thread>
 #include <vector>
@@ -196,6 +198,68 @@ TEST_F(Tip, PaintsTheTextWithoutFillingAndRestoresTheSurface)
     EXPECT_EQ(GetPixel(paper, 0, 0), kYellow);
     EXPECT_EQ(GetTextColor(paper), test::ColorOf('R'));
     EXPECT_EQ(SelectObject(paper, hFont), hFont);
+}
+
+// Shows another text when it is asked to.
+class CAskedTip : public CKXTipWnd
+{
+public:
+    static constexpr UINT kAsk = WM_USER + 1;
+    std::binary_semaphore asked{0};
+
+protected:
+    LRESULT OnAsk(WPARAM, LPARAM)
+    {
+        asked.release();
+        ShowTipWnd("second", 5000);
+        return 1;
+    }
+    DECLARE_MESSAGE_MAP()
+};
+
+BEGIN_MESSAGE_MAP(CAskedTip, CKXTipWnd)
+ON_MESSAGE(kAsk, OnAsk)
+END_MESSAGE_MAP()
+
+// A message comes while the tip fades out, and shows it anew.
+TEST(TipFade, ATipThatIsShownWhileItFadesOutStays)
+{
+    const test::VirtualClock clock;
+    CAskedTip tip;
+    std::binary_semaphore made{0};
+    std::atomic<bool> over{false};
+    std::thread thread([&] {
+        tip.CreateTipWnd();
+        made.release();
+        tip.ShowTipWnd("first", 100);
+        MSG msg;
+        while (tip.IsWindowVisible() && GetMessageA(&msg, nullptr, 0, 0))
+            DispatchMessageA(&msg);
+        tip.DestroyWindow();
+        over = true;
+    });
+    made.acquire();
+    const auto advance = [&](DWORD dwMilliseconds) {
+        KXHost::AdvanceClock(dwMilliseconds);
+        while (KXHost::ClockWaiters() == 0 && !over)
+            std::this_thread::yield();
+        return int{GetRValue(Seen(kLeft, kTop))};
+    };
+    EXPECT_EQ(advance(0), 0);
+    EXPECT_EQ(advance(3000), 255);
+    EXPECT_EQ(advance(100), 255);
+    EXPECT_EQ(advance(600), 204); // it falls
+    std::thread sender([hTip = tip.m_hWnd] { SendMessageA(hTip, CAskedTip::kAsk, 0, 0); });
+    tip.asked.acquire();
+    EXPECT_EQ(advance(0), 0);
+    EXPECT_EQ(advance(1500), 127); // it rises
+    EXPECT_EQ(advance(1500), 255);
+    sender.join();
+    EXPECT_EQ(advance(4900), 255);
+    EXPECT_EQ(advance(100), 255);
+    EXPECT_EQ(advance(600), 204); // its time is over
+    EXPECT_EQ(advance(2400), GetRValue(DESKTOP_COLOR));
+    thread.join();
 }
 
 // A fade of three seconds both ways, looked at from another thread.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/window/Desktop.h"
+#include "platform/window/Window.h"
 #include "platform/window/WindowStack.h"
 #include "platform/window/headless/Recent.h"
 
@@ -21,7 +22,7 @@ public:
     bool Create(HWND hWnd, const CREATESTRUCTA& create) override;
     void Show(HWND, bool) override {}
     void SetText(HWND, const char*) override {}
-    void Place(HWND, const RECT&) override {}
+    void Place(Window& window, const RECT& rect) override { window.SetRect(rect); }
     void Stack(HWND hWnd, Order order) override;
     void Shape(HWND, const gdi::PixelRegion*) override {}
     void SetOpacity(HWND, BYTE) override {}

@@ -81,6 +81,14 @@ bool Connection::IsLocal() const noexcept
     return getpeername(fd, reinterpret_cast<sockaddr*>(&peer), &length) == 0 && peer.ss_family == AF_UNIX;
 }
 
+// The server counts words, and those of the request's head with them.
+std::size_t Connection::MostRequestBytes() const noexcept
+{
+    constexpr std::size_t nHead = 64;
+    const std::size_t nMost = std::size_t{xcb_get_maximum_request_length(Get())} * 4;
+    return nMost > nHead ? nMost - nHead : 0;
+}
+
 void Connection::Shut() noexcept
 {
     shutdown(xcb_get_file_descriptor(Get()), SHUT_RDWR);

@@ -142,10 +142,14 @@ void Events::OnConfigure(const xcb_configure_notify_event_t& event, std::uint32_
     const HWND hWnd = HandleOf(event.window);
     const auto window = WindowTable::Instance().Find(hWnd);
     if (!window) return;
-    const auto change = Access(m_session)->own.Learn(event, sequence, window->Rect());
-    if (!change) return;
-    window->SetRect(change->rect);
-    PostChore(hWnd, Chore::Place, change->resized);
+    std::optional<OwnWindows::Change> change;
+    {
+        const Access server(m_session); // nobody places the window between both
+        change = server->own.Learn(event, sequence, window->Rect());
+        if (change) window->SetRect(change->rect);
+    }
+    if (change)
+        PostChore(hWnd, Chore::Place, (change->moved ? kMoved : 0) | (change->resized ? kResized : 0));
 }
 
 void Events::OnDestroy(const xcb_destroy_notify_event_t& event)

@@ -46,23 +46,30 @@ std::vector<xcb_window_t> ForeignWindows::Candidates() const
 std::vector<HWND> ForeignWindows::List()
 {
     std::vector<Questions> questions;
-    for (const xcb_window_t id : Candidates())
+    for (const xcb_window_t id : Candidates()) {
+        if (!m_handles.contains(id)) Watch(id);
         questions.push_back(Ask(id));
+    }
     std::vector<HWND> handles;
     for (const Questions& asked : questions)
         if (Answer(asked)) handles.push_back(Number(asked.id));
     return handles;
 }
 
-// Its end is to be told from now on, since its number of the server's may then become another's.
+// Its end is to be told from now on, since its number of the server's may then become another's. One that is
+// found alive after this can't end untold.
+void ForeignWindows::Watch(xcb_window_t id)
+{
+    const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_connection.Get(), id, XCB_CW_EVENT_MASK, &events);
+}
+
 HWND ForeignWindows::Number(xcb_window_t id)
 {
     HWND& handle = m_handles[id];
     if (handle) return handle;
     handle = NewHandle();
     m_windows.emplace(handle, id);
-    const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    xcb_change_window_attributes(m_connection.Get(), id, XCB_CW_EVENT_MASK, &events);
     return handle;
 }
 

@@ -35,6 +35,7 @@ private:
     Questions Ask(xcb_window_t id) const;
     std::optional<WindowFacts> Answer(const Questions& questions) const noexcept;
     std::vector<xcb_window_t> Candidates() const;
+    void Watch(xcb_window_t id);
     HWND Number(xcb_window_t id);
 
     const Connection& m_connection;

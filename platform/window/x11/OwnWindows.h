@@ -32,10 +32,11 @@ public:
     // ---- What the server tells
 
     // A window lies there now, by an event of that sequence number. Where that is news: what has become of
-    // its `rect`, and whether its size changed.
+    // its `rect`, and which of its place and size changed.
     struct Change
     {
         RECT rect;
+        bool moved;
         bool resized;
     };
     std::optional<Change> Learn(const xcb_configure_notify_event_t& event, std::uint32_t sequence,
@@ -53,9 +54,9 @@ private:
         bool popup; // not the window manager's business
         bool shown = false;
         bool topmost = false;
-        bool framed = false;       // lies in a window of the manager's
-        RECT place{};              // as the server has it, or was told last
-        std::uint32_t placing = 0; // the request that told it
+        bool framed = false;                    // lies in a window of the manager's
+        RECT place{};                           // as the server has it, or was told last
+        std::optional<std::uint32_t> placing{}; // the request that told it, until the server has come to it
     };
 
     Entry* Find(HWND hWnd) noexcept;
@@ -69,8 +70,8 @@ private:
     std::map<xcb_window_t, HWND> m_handles;
     WindowStack m_stack;
     xcb_window_t m_focused = 0;
-    xcb_window_t m_wantsFocus = 0; // not shown yet
-    std::uint32_t m_focusing = 0;  // the request that asked last
+    xcb_window_t m_wantsFocus = 0;           // not shown yet
+    std::optional<std::uint32_t> m_focusing; // the request that asked last, likewise
 };
 
 } // namespace kx::window::x11

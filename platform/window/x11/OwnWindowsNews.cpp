@@ -11,10 +11,13 @@ namespace {
 
 constexpr std::uint8_t kSentByAClient = 0x80;
 
-// Whether an event tells of the time before the server came to a request. The numbers wrap.
-bool IsBefore(std::uint32_t sequence, std::uint32_t request) noexcept
+// Whether an event tells of the time before the server came to a request, which is forgotten once one
+// doesn't: the numbers wrap.
+bool IsBefore(std::uint32_t sequence, std::optional<std::uint32_t>& request) noexcept
 {
-    return static_cast<std::int32_t>(sequence - request) < 0;
+    if (request && static_cast<std::int32_t>(sequence - *request) < 0) return true;
+    request.reset();
+    return false;
 }
 
 } // namespace
@@ -43,10 +46,12 @@ std::optional<OwnWindows::Change> OwnWindows::Learn(const xcb_configure_notify_e
     entry->place = place;
     const bool bResized =
         place.right - place.left != old.right - old.left || place.bottom - place.top != old.bottom - old.top;
-    // A size that the server couldn't give stays as long as it gives the same.
+    const bool bMoved = place.left != old.left || place.top != old.top;
+    // What the server couldn't give stays as long as it gives the same.
     const int nWidth = bResized ? event.width : rect.right - rect.left;
     const int nHeight = bResized ? event.height : rect.bottom - rect.top;
-    return Change{RectOf(place.left, place.top, nWidth, nHeight), bResized};
+    const RECT& at = bMoved ? place : rect;
+    return Change{RectOf(at.left, at.top, nWidth, nHeight), bMoved, bResized};
 }
 
 void OwnWindows::LearnParent(xcb_window_t id, xcb_window_t parent) noexcept

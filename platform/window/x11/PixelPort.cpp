@@ -11,7 +11,7 @@ namespace kx::window::x11 {
 
 namespace {
 
-// What goes in one piece: a strip that is shared, and one within the longest request that any server takes.
+// What goes in one piece at most: a strip that is shared, and a part that is sent.
 constexpr std::size_t kSharedPixels = std::size_t{1} << 20;
 constexpr std::size_t kSentPixels = std::size_t{1} << 15;
 // The widest and highest window that there is.
@@ -35,6 +35,18 @@ bool InStrips(const RECT& rect, std::size_t nPixels, Call call)
     for (RECT strip = rect; strip.top < rect.bottom; strip.top = strip.bottom) {
         strip.bottom = std::min(strip.top + nRows, rect.bottom);
         if (!call(strip)) return false;
+    }
+    return true;
+}
+
+// The same for pieces of that many pixels at most, also where not even a row fits in.
+template <class Call>
+bool InPieces(const RECT& rect, std::size_t nPixels, Call call)
+{
+    const auto nColumns = static_cast<LONG>(std::min(nPixels, WidthOf(rect)));
+    for (RECT part = rect; part.left < rect.right; part.left = part.right) {
+        part.right = std::min(part.left + nColumns, rect.right);
+        if (!InStrips(part, nPixels, call)) return false;
     }
     return true;
 }
@@ -116,7 +128,9 @@ bool PixelPort::Share(xcb_window_t window, const gdi::Surface& pixels, const REC
 
 bool PixelPort::Send(xcb_window_t window, const gdi::Surface& pixels, const RECT& strip)
 {
-    return InStrips(strip, kSentPixels, [&](const RECT& piece) {
+    const std::size_t nMost = m_connection.MostRequestBytes() / sizeof(std::uint32_t);
+    if (nMost == 0) return false; // the server is lost
+    return InPieces(strip, std::min(kSentPixels, nMost), [&](const RECT& piece) {
         m_rows.resize(WidthOf(piece) * HeightOf(piece));
         CopyOut(pixels, piece, m_rows.data());
         xcb_put_image(m_connection.Get(), XCB_IMAGE_FORMAT_Z_PIXMAP, window, m_gc,

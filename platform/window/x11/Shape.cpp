@@ -9,9 +9,6 @@ namespace kx::window::x11 {
 
 namespace {
 
-// Within the longest request that any server takes.
-constexpr std::size_t kMostRectangles = 8'000;
-
 xcb_rectangle_t ToServer(const pixman_box32_t& box)
 {
     const auto within = [](std::int32_t n) { return std::clamp(n, -0x7FFF, 0x7FFF); };
@@ -34,10 +31,12 @@ void SetShape(const Connection& connection, xcb_window_t window, const gdi::Pixe
     }
     std::vector<xcb_rectangle_t> rectangles;
     std::ranges::transform(region->Boxes(), std::back_inserter(rectangles), ToServer);
+    const std::size_t nMost = connection.MostRequestBytes() / sizeof(xcb_rectangle_t);
+    if (nMost == 0) return; // the server is lost
     std::span<const xcb_rectangle_t> left = rectangles;
     xcb_shape_op_t operation = XCB_SHAPE_SO_SET;
     do {
-        const auto some = left.first(std::min(left.size(), kMostRectangles));
+        const auto some = left.first(std::min(left.size(), nMost));
         xcb_shape_rectangles(server, operation, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_YX_SORTED, window, 0,
                              0, static_cast<std::uint32_t>(some.size()), some.data());
         left = left.subspan(some.size());

@@ -2,6 +2,7 @@
 
 #include "platform/Immortal.h"
 #include "platform/window/MessageBoxWindow.h"
+#include "platform/window/Window.h"
 #include "platform/window/headless/HeadlessDesktop.h"
 #include "platform/window/x11/EventThread.h"
 #include "platform/window/x11/NoSignals.h"
@@ -134,9 +135,11 @@ void X11Desktop::SetText(HWND hWnd, const char* pszText)
     if (const Access server(Session()); server) server->own.SetText(hWnd, pszText);
 }
 
-void X11Desktop::Place(HWND hWnd, const RECT& rect)
+void X11Desktop::Place(Window& window, const RECT& rect)
 {
-    if (const Access server(Session()); server) server->own.Place(hWnd, rect);
+    const Access server(Session());
+    window.SetRect(rect);
+    if (server) server->own.Place(window.Handle(), rect);
 }
 
 void X11Desktop::Stack(HWND hWnd, Order order)

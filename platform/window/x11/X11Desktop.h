@@ -37,7 +37,7 @@ public:
     bool Create(HWND hWnd, const CREATESTRUCTA& create) override;
     void Show(HWND hWnd, bool bVisible) override;
     void SetText(HWND hWnd, const char* pszText) override;
-    void Place(HWND hWnd, const RECT& rect) override;
+    void Place(Window& window, const RECT& rect) override;
     void Stack(HWND hWnd, Order order) override;
     void Shape(HWND hWnd, const gdi::PixelRegion* region) override;
     void SetOpacity(HWND hWnd, BYTE opacity) override;

@@ -126,6 +126,72 @@ TEST(Wnd, EndsItsWindowWithItself)
     EXPECT_EQ(CWnd::FromHandle(nullptr), nullptr);
 }
 
+// Wrappers of windows that ended are swept now and then.
+TEST(Wnd, TheDesktopsWrapperOutlivesWindows)
+{
+    CWnd* desktop = CWnd::GetDesktopWindow();
+    EXPECT_TRUE(IsWindow(GetDesktopWindow()));
+    for (int i = 0; i < 70; ++i) {
+        CBase wnd;
+        Create(wnd);
+        const HWND hWnd = wnd.Detach();
+        EXPECT_EQ(CWnd::FromHandle(hWnd)->m_hWnd, hWnd);
+        EXPECT_TRUE(DestroyWindow(hWnd));
+    }
+    ASSERT_EQ(CWnd::GetDesktopWindow(), desktop);
+    EXPECT_EQ(desktop->m_hWnd, GetDesktopWindow());
+}
+
+std::vector<std::string> g_heardByClass;
+CBase* g_within = nullptr; // made while the window of the class below is
+
+// The procedure of a client's own class.
+LRESULT OwnProcedure(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
+{
+    if (nMsg == WM_CREATE) {
+        g_heardByClass.emplace_back("create");
+        if (g_within) Create(*g_within);
+        const char* pszClass = AfxRegisterWndClass(CS_HREDRAW);
+        const HWND plain = CreateWindowExA(0, pszClass, "plain", WS_POPUP, 0, 0, 1, 1);
+        EXPECT_NE(CWnd::FromHandle(plain)->m_hWnd, hWnd);
+        EXPECT_EQ(SendMessageA(plain, kOwn, 4, 2), 0); // nobody's
+        EXPECT_TRUE(DestroyWindow(plain));
+    }
+    if (nMsg == WM_DESTROY) g_heardByClass.emplace_back("destroy");
+    if (nMsg == kOwn + 1) return 7;
+    return DefWindowProcA(hWnd, nMsg, wParam, lParam);
+}
+
+TEST(Wnd, HearsTheWindowsOfAClientsOwnClassFirst)
+{
+    const WNDCLASSA cls{OwnProcedure, "KXWndTest"};
+    ASSERT_TRUE(RegisterClassA(&cls));
+    HWND detached = nullptr;
+    {
+        CBase wnd, within;
+        g_within = &within;
+        ASSERT_TRUE(wnd.CreateEx(0, "KXWndTest", "name", WS_POPUP, CRect(1, 2, 4, 6), nullptr, 0));
+        g_within = nullptr;
+        ASSERT_NE(wnd.m_hWnd, nullptr);
+        EXPECT_EQ(CWnd::FromHandle(wnd.m_hWnd), &wnd);
+        EXPECT_NE(wnd.m_hWnd, within.m_hWnd);
+        EXPECT_EQ(wnd.SendMessage(kOwn, 4, 2), 42);
+        EXPECT_EQ(within.SendMessage(kOwn, 4, 2), 42);
+        EXPECT_EQ(wnd.SendMessage(kOwn + 1), 7); // what it has no handler for
+        EXPECT_EQ(within.SendMessage(kOwn + 1), 0);
+        EXPECT_TRUE(wnd.DestroyWindow());
+        EXPECT_THAT(wnd.calls, testing::ElementsAre("create name", "destroy", "gone"));
+        EXPECT_THAT(g_heardByClass, testing::ElementsAre("create", "destroy"));
+
+        ASSERT_TRUE(wnd.CreateEx(0, "KXWndTest", "name", WS_POPUP, CRect(1, 2, 4, 6), nullptr, 0));
+        detached = wnd.Detach();
+    }
+    EXPECT_EQ(SendMessageA(detached, kOwn, 4, 2), 0);
+    EXPECT_EQ(SendMessageA(detached, kOwn + 1, 0, 0), 7); // its class's alone now
+    EXPECT_TRUE(DestroyWindow(detached));
+    EXPECT_TRUE(UnregisterClassA("KXWndTest"));
+}
+
 TEST(Wnd, AHandlerThatThrowsLeavesOrder)
 {
     CBase wnd;

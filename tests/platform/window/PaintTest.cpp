@@ -287,6 +287,34 @@ TEST(Paint, AnAnimationEndsWithItsWindow)
     EXPECT_EQ(Seen(1, 2, 1), "R");
 }
 
+// On a clock that the fade itself moves.
+TEST(Paint, AFadeThatSkipsTheWaitServesWhatIsSent)
+{
+    const test::VirtualClock clock(0, KXHost::VirtualSleep::Advances);
+    std::binary_semaphore made{0}, sent{0};
+    HWND hWnd = nullptr;
+    DWORD heardAt = 0, begin = 0;
+    const Handler handler = test::On(test::kAsk, [&](HWND, WPARAM) {
+        heardAt = GetTickCount();
+        return 5;
+    });
+    std::thread thread([&] {
+        hWnd = Make(&handler, WS_POPUP);
+        made.release();
+        sent.acquire();
+        begin = GetTickCount();
+        EXPECT_TRUE(AnimateWindow(hWnd, 3000, AW_BLEND));
+        EXPECT_EQ(GetTickCount() - begin, 3000u);
+    });
+    made.acquire();
+    test::Sender sender(hWnd, test::kAsk);
+    sender.AwaitWaiting();
+    sent.release();
+    thread.join();
+    EXPECT_EQ(sender.Join(), 5);
+    EXPECT_LT(heardAt - begin, 100u);
+}
+
 TEST(Paint, TheDesktopIsOfTheSizeThatTheHostChose)
 {
     EXPECT_TRUE(KXHost::IsMemoryDesktop());

@@ -160,6 +160,36 @@ TEST(Window, KeepsTextAndUserValue)
     EXPECT_TRUE(DestroyWindow(hWnd));
 }
 
+// Another thread shows and hides it; what concerns the focus comes to the owner among its messages.
+TEST(Window, GetsAndLosesTheFocusByAnotherThreadsCall)
+{
+    std::vector<UINT> heard;
+    std::vector<bool> has; // at each question
+    std::binary_semaphore answered{0};
+    test::WindowThread thread([&](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
+        if (nMsg == WM_SETFOCUS || nMsg == WM_KILLFOCUS) heard.push_back(nMsg);
+        if (nMsg == test::kAsk) {
+            has.push_back(GetFocus() == hWnd);
+            answered.release();
+        }
+        return DefWindowProcA(hWnd, nMsg, wParam, lParam);
+    });
+    const auto ask = [&] {
+        PostMessage(thread.Window(), test::kAsk, 0, 0);
+        answered.acquire();
+    };
+    ShowWindow(thread.Window(), SW_SHOWNA);
+    ask();
+    ShowWindow(thread.Window(), SW_HIDE);
+    ShowWindow(thread.Window(), SW_SHOW);
+    ask();
+    ShowWindow(thread.Window(), SW_HIDE);
+    ask();
+    EXPECT_THAT(has, ElementsAre(false, true, false));
+    EXPECT_THAT(heard, ElementsAre(WM_SETFOCUS, WM_KILLFOCUS));
+    thread.Join();
+}
+
 TEST(WindowClass, NamesAreTakenOnceIgnoringCase)
 {
     const auto add = [](const char* pszName, WNDPROC proc = DefWindowProcA) {

@@ -71,7 +71,7 @@ private:
             {WM_MOUSEWHEEL, "wheel"},  {WM_KEYDOWN, "key"},       {WM_KEYUP, "keyup"},
             {WM_CHAR, "char"},         {WM_SIZE, "size"},         {WM_SETFOCUS, "focus"},
             {WM_KILLFOCUS, "unfocus"}, {WM_CLOSE, "close"},       {WM_DESTROY, "destroy"},
-            {WM_MOUSEMOVE, "move"}};
+            {WM_MOUSEMOVE, "move"},    {WM_MOVE, "place"}};
         if (const auto it = names.find(nMsg); it != names.end())
             heard += std::string(it->second) + " " + std::to_string(nMsg == WM_SETFOCUS ? 0 : wParam) + " " +
                      std::to_string(GET_X_LPARAM(lParam)) + "," + std::to_string(GET_Y_LPARAM(lParam)) + ";";

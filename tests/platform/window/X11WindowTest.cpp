@@ -162,7 +162,15 @@ TEST_F(X11WindowTest, WindowsAreClosedMovedAndEndedFromOutside)
     RECT rect;
     GetWindowRect(moved.handle, &rect);
     EXPECT_EQ(rect, (RECT{300, 100, 380, 170}));
-    EXPECT_THAT(moved.heard, HasSubstr("size 0 80,70;"));
+    EXPECT_THAT(moved.heard, HasSubstr("place 0 300,100;size 0 80,70;"));
+    moved.heard.clear();
+    outside->Place(outside->Find("moved"), 300, 100, 90, 60); // and only what changed
+    EXPECT_TRUE(Pump([&] { return !moved.heard.empty(); }));
+    EXPECT_EQ(moved.heard, "size 0 90,60;");
+    moved.heard.clear();
+    outside->Place(outside->Find("moved"), 310, 100, 90, 60);
+    EXPECT_TRUE(Pump([&] { return !moved.heard.empty(); }));
+    EXPECT_EQ(moved.heard, "place 0 310,100;");
     EXPECT_TRUE(IsWindow(moved.handle));
 }
 
@@ -185,6 +193,26 @@ TEST_F(X11WindowTest, APlaceChosenHereStands)
     RECT rect;
     GetWindowRect(window.handle, &rect);
     EXPECT_EQ(rect, (RECT{100, 100, 160, 160}));
+}
+
+// Its owner and a manager place it at the same time, again and again.
+TEST_F(X11WindowTest, WhereAWindowLiesIsKnownWhoeverPlacedItLast)
+{
+    ColorWindow window(kRed, {0, 0, 50, 50}, WS_CAPTION, "window");
+    ShowSeen(window, kRed, 25, 25);
+    const xcb_window_t id = outside->Find("window");
+    outside->Frame(id, outside->Cover(0, 0, 640, 480, kBlue));
+    for (int i = 1; i <= 500; ++i) {
+        std::thread manager([&] { outside->Place(id, i % 300, 10, 60, 60); });
+        MoveWindow(window.handle, i % 300, 20, 50, 50, 0);
+        manager.join();
+        RECT rect{}, seen{};
+        ASSERT_TRUE(Pump([&] {
+            seen = outside->PlaceOf(id);
+            return GetWindowRect(window.handle, &rect) && rect == seen;
+        })) << i
+            << ": " << rect.top << " is " << seen.top;
+    }
 }
 
 TEST_F(X11WindowTest, WindowsEndInOrderWithTheServer)
@@ -212,6 +240,38 @@ TEST_F(X11WindowTest, WindowsEndInOrderWithTheServer)
         EXPECT_EQ(KXHost::TakeMessageBoxes().size(), 1u);
         ASSERT_TRUE(KXHost::UseMemoryDesktop());
     }
+}
+
+// The thread is busy, and its queue full, while the server tells of the windows.
+TEST_F(X11WindowTest, NewsOfTheServerComeThroughAFullQueue)
+{
+    ColorWindow window(kRed, {0, 0, 50, 50}, WS_CAPTION, "window");
+    const WindowThread another; // what happens to it shows that what came before has been told
+    SetWindowTextA(another.Window(), "another");
+    ShowSeen(window, kRed, 25, 25);
+    const auto fill = [&] {
+        for (int i = 0; i < 10'000; ++i)
+            EXPECT_TRUE(PostMessage(window.handle, WM_NULL, 0, 0));
+        EXPECT_FALSE(PostMessage(window.handle, WM_NULL, 0, 0));
+    };
+    fill();
+    window.heard.clear();
+    const xcb_window_t id = outside->Find("window");
+    for (int i = 1; i <= 20; ++i)
+        outside->Place(id, i, 0, 50 + i, 50);
+    outside->Place(id, 20, 0, 70, 60);
+    outside->Place(outside->Find("another"), 300, 300, 10, 10);
+    EXPECT_TRUE(Await([&] {
+        RECT rect;
+        return GetWindowRect(another.Window(), &rect) && rect == RECT{300, 300, 310, 310};
+    }));
+    EXPECT_TRUE(Pump([&] { return outside->Pixel(89, 59) == kRed; })) << window.heard;
+    EXPECT_EQ(window.heard, "place 0 20,0;size 0 70,60;") << "and all in one";
+
+    fill();
+    server->Kill();
+    EXPECT_TRUE(Await([&] { return !IsWindow(another.Window()); }));
+    EXPECT_TRUE(Pump([&] { return !IsWindow(window.handle); }));
 }
 
 TEST_F(X11WindowTest, WindowsOfOtherProcessesAreListed)

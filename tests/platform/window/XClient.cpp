@@ -158,6 +158,23 @@ void XClient::Place(xcb_window_t window, int x, int y, int width, int height)
     Finish();
 }
 
+RECT XClient::PlaceOf(xcb_window_t window)
+{
+    xcb_connection_t* const c = m_connection.get();
+    const auto sizeCookie = xcb_get_geometry(c, window);
+    const auto placeCookie = xcb_translate_coordinates(c, window, m_screen.root, 0, 0);
+    const auto size = Own(xcb_get_geometry_reply(c, sizeCookie, nullptr));
+    const auto place = Own(xcb_translate_coordinates_reply(c, placeCookie, nullptr));
+    if (!size || !place) return {};
+    return {place->dst_x, place->dst_y, place->dst_x + size->width, place->dst_y + size->height};
+}
+
+void XClient::Frame(xcb_window_t window, xcb_window_t frame)
+{
+    xcb_reparent_window(m_connection.get(), window, frame, 0, 0);
+    Finish();
+}
+
 void XClient::Fake(std::uint8_t type, std::uint8_t detail, int x, int y)
 {
     xcb_test_fake_input(m_connection.get(), type, detail, XCB_CURRENT_TIME, m_screen.root,

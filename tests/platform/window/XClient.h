@@ -33,6 +33,10 @@ public:
     void Focus(xcb_window_t window); // 0: none
     xcb_window_t Focused();
     void Place(xcb_window_t window, int x, int y, int width, int height);
+    // Where it lies on the screen; empty for no such window.
+    RECT PlaceOf(xcb_window_t window);
+    // Lays it into another window, as a manager does.
+    void Frame(xcb_window_t window, xcb_window_t frame);
 
     void MoveMouse(int x, int y);
     void Button(int number, bool down);
