@@ -202,6 +202,7 @@ DocPtr Parsing::Run(const char* pszEncoding, bool bIgnoreDeclared)
     const bool bWhole = m_context->wellFormed && !m_context->disableSAX && !m_bRefused;
     if (!doc || !bWhole) return nullptr;
     ForgetIds(doc.get());
+    if (doc->dict) xmlDictSetLimit(doc->dict, 0); // a full one gives null to what changes the tree
     return doc;
 }
 

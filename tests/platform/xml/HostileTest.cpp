@@ -57,9 +57,31 @@ protected:
         return text;
     }
 
+    // The document's element, for the caller to release.
+    IXMLDOMElement* Root() const
+    {
+        IXMLDOMElement* pRoot = nullptr;
+        Doc()->get_documentElement(&pRoot);
+        return pRoot;
+    }
+
     test::Com m_com;
     test::TempDir m_dir;
     void* m_pDoc = nullptr;
+};
+
+// A text as an argument.
+class Arg
+{
+public:
+    Arg(const char16_t* psz) : m_bstr(SysAllocString(psz)) {}
+    Arg(const Arg&) = delete;
+    Arg& operator=(const Arg&) = delete;
+    ~Arg() { SysFreeString(m_bstr); }
+    operator BSTR() const { return m_bstr; }
+
+private:
+    BSTR m_bstr;
 };
 
 TEST_F(HostileXml, NothingOutsideIsFetched)
@@ -167,6 +189,53 @@ TEST_F(HostileXml, BrokenBytesAreRefused)
     EXPECT_FALSE(Loads(std::string("\xFF\xFE<\0a\0/\0>", 9)));
     EXPECT_FALSE(Loads(std::string("\xFF\xFE<\0a\0>\0\x00\xD8<\0/\0a\0>\0", 18)));
     EXPECT_FALSE(Loads(Repeat(1'000'000, "\xFF\xFE")));
+}
+
+// The parser takes so many bytes of names and no more. What was loaded with all that fit can be changed.
+TEST_F(HostileXml, NamesThatLeaveNoRoomForOthers)
+{
+    std::string names = "<r>";
+    int nNames = 0;
+    for (const std::size_t nLength : {9000U, 9U}) {
+        std::vector<std::string> fit;
+        const auto loads = [&](int nCount) {
+            std::string xml = names;
+            for (int n = 0; n < nCount; ++n) {
+                const std::string number = std::to_string(nNames + n);
+                xml += "<n" + number + std::string(nLength - 1 - number.size(), 'x') + "/>";
+            }
+            if (!Loads(xml + "</r>")) return false;
+            fit.push_back(std::move(xml));
+            return true;
+        };
+        int nFits = 0;
+        for (int nStep = 2048; nStep > 0; nStep /= 2)
+            if (loads(nFits + nStep)) nFits += nStep;
+        nNames += nFits;
+        names = fit.back();
+    }
+    ASSERT_TRUE(Loads(names + "</r>"));
+    IXMLDOMElement* const pRoot = Root();
+    VARIANT value{};
+    value.vt = VT_BSTR;
+    value.bstrVal = SysAllocString(u"v");
+    EXPECT_EQ(pRoot->setAttribute(Arg(u"configuration-name"), value), S_OK);
+    VariantClear(&value);
+    EXPECT_EQ(pRoot->getAttribute(Arg(u"configuration-name"), &value), S_OK);
+    VariantClear(&value);
+
+    void* pOther = nullptr;
+    CoCreateInstance(CLSID_DOMDocument, nullptr, CLSCTX_ALL, IID_IXMLDOMDocument, &pOther);
+    IXMLDOMElement* pMade = nullptr;
+    IXMLDOMNode* pFound = nullptr;
+    static_cast<IXMLDOMDocument*>(pOther)->createElement(Arg(u"an-element-of-another-one"), &pMade);
+    EXPECT_EQ(pRoot->appendChild(pMade, nullptr), S_OK);
+    EXPECT_EQ(pRoot->selectSingleNode(Arg(u"an-element-of-another-one"), &pFound), S_OK);
+    EXPECT_EQ(pFound, pMade);
+    if (pFound) pFound->Release();
+    pMade->Release();
+    static_cast<IXMLDOMDocument*>(pOther)->Release();
+    pRoot->Release();
 }
 
 } // namespace
