@@ -15,6 +15,7 @@ namespace {
 
 constexpr int kMostNamespaces = 512; // declared around one place
 constexpr std::size_t kCostOfDefault = 32;
+constexpr std::size_t kLongestSubset = 64 << 10; // each list of values in it is read in quadratic time
 
 // One document on its way through libxml2, which reads it piece by piece and tells what it finds.
 class Parsing
@@ -50,6 +51,11 @@ private:
     {
         Allowed(context, [](Parsing&) { return false; });
     }
+    static void OnUndeclared(void* context, const xmlChar*)
+    {
+        Allowed(context, [](Parsing&) { return false; });
+    }
+    static void OnInstruction(void* context, const xmlChar* target, const xmlChar* data);
     static xmlParserInput* OnExternal(void*, const xmlChar*, const xmlChar*) { return nullptr; }
     static void OnElement(void* context, const xmlChar* local, const xmlChar* prefix, const xmlChar* uri,
                           int nNamespaces, const xmlChar** namespaces, int nAttributes, int nDefaulted,
@@ -58,6 +64,7 @@ private:
     bool MakeContext();
 
     std::string_view m_rest;
+    std::size_t m_nSubset = 0; // read of the document's own declarations
     Context m_context;
     EntityBudget m_budget;
     bool m_bRefused = false;
@@ -84,12 +91,14 @@ int Parsing::OnRead(void* self, char* target, int nSize) noexcept
     const xmlParserCtxt* const context = parsing.m_context.get();
     constexpr int kPerAttribute = 5; // places in the table, which grows to twice of what it needs
     constexpr int kPerNamespace = 2;
-    if (context && (context->maxatts > 2 * kPerAttribute * (XML_MAX_ATTRIBUTES + 1) ||
-                    context->nsMax > 2 * kPerNamespace * kMostNamespaces)) {
+    const std::size_t nBytes = std::min(static_cast<std::size_t>(nSize), parsing.m_rest.size());
+    if (context && context->inSubset != 0) parsing.m_nSubset += nBytes;
+    if (context &&
+        (context->maxatts > 2 * kPerAttribute * (XML_MAX_ATTRIBUTES + 1) ||
+         context->nsMax > 2 * kPerNamespace * kMostNamespaces || parsing.m_nSubset > kLongestSubset)) {
         parsing.m_bRefused = true;
         return -1;
     }
-    const std::size_t nBytes = std::min(static_cast<std::size_t>(nSize), parsing.m_rest.size());
     parsing.m_rest.copy(target, nBytes);
     parsing.m_rest.remove_prefix(nBytes);
     return static_cast<int>(nBytes);
@@ -137,6 +146,13 @@ xmlEntity* Parsing::OnParameter(void* context, const xmlChar* name)
     return bAllowed ? entity : nullptr;
 }
 
+// libxml2 keeps the catalogs that a document names, in a list that it walks to its end for each.
+void Parsing::OnInstruction(void* context, const xmlChar* target, const xmlChar* data)
+{
+    xmlCatalogFreeLocal(std::exchange(static_cast<xmlParserCtxt*>(context)->catalogs, nullptr));
+    xmlSAX2ProcessingInstruction(context, target, data);
+}
+
 // A name without a prefix is in no namespace here, whatever is the default one. It is declared nevertheless.
 void Parsing::OnElement(void* context, const xmlChar* local, const xmlChar* prefix, const xmlChar* uri,
                         int nNamespaces, const xmlChar** namespaces, int nAttributes, int nDefaulted,
@@ -172,6 +188,8 @@ bool Parsing::MakeContext()
     handler.attributeDecl = OnAttributeDeclaration;
     handler.getEntity = OnReference;
     handler.getParameterEntity = OnParameter;
+    handler.reference = OnUndeclared;
+    handler.processingInstruction = OnInstruction;
     handler.resolveEntity = OnExternal;
     handler.externalSubset = nullptr;
     handler.startElementNs = OnElement;

@@ -20,6 +20,20 @@ std::string Repeat(int nTimes, const std::string& text)
     return all;
 }
 
+// A text as an argument.
+class Arg
+{
+public:
+    Arg(const char16_t* psz) : m_bstr(SysAllocString(psz)) {}
+    Arg(const Arg&) = delete;
+    Arg& operator=(const Arg&) = delete;
+    ~Arg() { SysFreeString(m_bstr); }
+    operator BSTR() const { return m_bstr; }
+
+private:
+    BSTR m_bstr;
+};
+
 class HostileXml : public testing::Test
 {
 protected:
@@ -68,20 +82,6 @@ protected:
     test::Com m_com;
     test::TempDir m_dir;
     void* m_pDoc = nullptr;
-};
-
-// A text as an argument.
-class Arg
-{
-public:
-    Arg(const char16_t* psz) : m_bstr(SysAllocString(psz)) {}
-    Arg(const Arg&) = delete;
-    Arg& operator=(const Arg&) = delete;
-    ~Arg() { SysFreeString(m_bstr); }
-    operator BSTR() const { return m_bstr; }
-
-private:
-    BSTR m_bstr;
 };
 
 TEST_F(HostileXml, NothingOutsideIsFetched)
@@ -150,6 +150,34 @@ TEST_F(HostileXml, EntitiesDontMultiply)
     EXPECT_FALSE(Loads(defaults + "]><a>" + Repeat(100'000, "<b/>") + "</a>"));
     EXPECT_FALSE(Loads("<!DOCTYPE a [<!ATTLIST b x CDATA '" + std::string(500'000, 'x') + "'>]><a>" +
                        Repeat(100'000, "<b/>") + "</a>"));
+}
+
+TEST_F(HostileXml, DeclarationsAreBounded)
+{
+    const auto values = [](int nCount) {
+        std::string xml = "<!DOCTYPE a [<!ATTLIST a b (x";
+        for (int n = 0; n < nCount; ++n)
+            xml += "|x" + std::to_string(n);
+        return xml + ") #IMPLIED>]><a/>";
+    };
+    EXPECT_TRUE(Loads(values(5000)));
+    EXPECT_FALSE(Loads(values(1'000'000))); // each would be compared with all before it
+    EXPECT_TRUE(Loads("<!DOCTYPE a [<!ENTITY e 'x'>]><a>" + Repeat(100'000, "text ") + "</a>"));
+    // An entity that nothing declares is refused also where something unread could have declared it.
+    const std::string parameter = "<!DOCTYPE a [<!ENTITY % p ''> %p;]>";
+    EXPECT_TRUE(Loads(parameter + "<a>xy</a>"));
+    EXPECT_FALSE(Loads(parameter + "<a>x&undef;y</a>"));
+    EXPECT_FALSE(Loads(parameter + "<a b='x&undef;y'/>"));
+}
+
+// Each names a catalog, which nobody reads.
+TEST_F(HostileXml, CatalogInstructionsAreLikeOthers)
+{
+    EXPECT_TRUE(Loads(Repeat(300'000, "<?oasis-xml-catalog catalog='x'?>") + "<a/>"));
+    IXMLDOMNode* pFound = nullptr;
+    EXPECT_EQ(Doc()->selectSingleNode(Arg(u"processing-instruction('oasis-xml-catalog')[300000]"), &pFound),
+              S_OK);
+    if (pFound) pFound->Release();
 }
 
 TEST_F(HostileXml, ShapesAreBounded)
