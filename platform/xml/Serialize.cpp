@@ -1,5 +1,7 @@
 #include "platform/xml/Serialize.h"
 
+#include "platform/xml/EscapedTexts.h"
+
 #include <libxml/xmlsave.h>
 #include <new>
 
@@ -66,6 +68,7 @@ std::string DocumentMarkup(xmlDoc* doc, std::string_view encoding)
 std::string MarkupOf(xmlNode* node)
 {
     const Hush hush;
+    const EscapedTexts escaped(node);
     if (node->type == XML_DOCUMENT_NODE) return DocumentMarkup(reinterpret_cast<xmlDoc*>(node), {});
     std::string text;
     Append(text, node);
@@ -76,6 +79,7 @@ std::string MarkupOf(xmlNode* node)
 std::optional<std::string> FileContentOf(xmlDoc* doc)
 {
     const Hush hush;
+    const EscapedTexts escaped(reinterpret_cast<xmlNode*>(doc));
     const bool bOther =
         HasDeclaration(doc) && doc->encoding && xmlStrcasecmp(doc->encoding, ToXml(kUtf8)) != 0;
     if (!bOther) return DocumentMarkup(doc, kUtf8) + "\n";

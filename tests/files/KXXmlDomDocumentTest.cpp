@@ -72,6 +72,10 @@ TEST_F(KXXmlDomDocument, LoadsWhatIsWellFormed)
         {"<a>\xC4\xE3&lt;&#x597D;</a>", "<a>\xC4\xE3&lt;\xBA\xC3</a>"},
         {"<a \xC4\xE3='\xBA\xC3'/>", "<a \xC4\xE3=\"\xBA\xC3\"/>"},
         {"<a>\r\n\t</a>", "<a>\n\t</a>"},
+        {"<a xmlns:p='u?a=1&amp;b&lt;\"c\"&#9;'><p:b/></a>",
+         "<a xmlns:p=\"u?a=1&amp;b&lt;&quot;c&quot;&#9;\"><p:b/></a>"},
+        {"<!DOCTYPE a [<!ATTLIST a b CDATA \"x&amp;&lt;'&quot;y\">]><a/>",
+         "<!DOCTYPE a [\n<!ATTLIST a b CDATA \"x&amp;&lt;'&quot;y\">\n]>\n<a/>"},
         {"", nullptr},
         {" ", nullptr},
         {"text", nullptr},
@@ -92,6 +96,10 @@ TEST_F(KXXmlDomDocument, LoadsWhatIsWellFormed)
         EXPECT_STREQ(doc.GetXml(), one.pszBack ? one.pszBack : "") << one.pszXml;
         EXPECT_STREQ(doc.GetText(), doc.GetXml());
         EXPECT_EQ(doc.GetDocumentElement().IsValid(), one.pszBack != nullptr);
+        if (!one.pszBack) continue;
+        CKXXmlDomDocument again;
+        EXPECT_TRUE(again.LoadXml(doc.GetXml()) && Load(again, Saved(doc))) << one.pszXml;
+        EXPECT_STREQ(again.GetXml(), one.pszBack);
     }
 }
 

@@ -263,6 +263,8 @@ TEST_F(KXXmlDomElement, WritesAttributes)
     root.SetAttributeString("xmlns:p", "urn:q");
     root.SetAttributeString("xmlns:r", "urn:r");
     EXPECT_EQ(root.GetAttributeString("xmlns:p"), "urn:q");
+    root.SetAttributeString("xmlns:r", "a&b<c");
+    EXPECT_EQ(root.GetAttributeString("xmlns:r"), "a&b<c");
     EXPECT_TRUE(root.GetChild("p:b").IsValid());
     // More than would be loaded again.
     root.SetAttributeString("x", CString('x', (1 << 20) + 1));
