@@ -106,8 +106,10 @@ struct IXMLDOMDocument : IXMLDOMNode
     // ever fetched from elsewhere.
     virtual HRESULT load(VARIANT path, VARIANT_BOOL* pbSuccess) = 0;
     virtual HRESULT loadXML(BSTR bstrXml, VARIANT_BOOL* pbSuccess) = 0;
-    // Writes the file in the declared encoding, in UTF-8 without one. The file's old content stays unless all
-    // of the new could be written: E_FAIL then, as for a document without an element.
+    // Writes the file in the declared encoding (what is declared as GB2312 or GBK in GBK), with references
+    // for what that lacks in texts and attributes. In UTF-8 without one, and where it can't spell a name, a
+    // comment, an instruction or a CDATA section. The file's old content stays unless all of the new could be
+    // written: E_FAIL then, as for a document without an element.
     virtual HRESULT save(VARIANT path) = 0;
 
     // S_FALSE and null if the document is empty.

@@ -1,6 +1,7 @@
 #include "platform/xml/Serialize.h"
 
 #include "platform/xml/EscapedTexts.h"
+#include "platform/xml/FileEncoding.h"
 
 #include <libxml/xmlsave.h>
 #include <new>
@@ -9,15 +10,7 @@ namespace kx::xml {
 
 namespace {
 
-using Buffer = std::unique_ptr<xmlBuffer, FreeBy<xmlBufferFree>>;
-
 constexpr const char* kUtf8 = "UTF-8";
-
-// libxml2's marks in `standalone`.
-bool HasDeclaration(const xmlDoc* doc) noexcept
-{
-    return doc->standalone != -1;
-}
 
 std::string Declaration(const xmlDoc* doc, std::string_view encoding)
 {
@@ -80,19 +73,8 @@ std::optional<std::string> FileContentOf(xmlDoc* doc)
 {
     const Hush hush;
     const EscapedTexts escaped(reinterpret_cast<xmlNode*>(doc));
-    const bool bOther =
-        HasDeclaration(doc) && doc->encoding && xmlStrcasecmp(doc->encoding, ToXml(kUtf8)) != 0;
-    if (!bOther) return DocumentMarkup(doc, kUtf8) + "\n";
-
-    const Buffer buffer(xmlBufferCreate());
-    if (!buffer) return std::nullopt;
-    xmlSaveCtxt* const saving =
-        xmlSaveToBuffer(buffer.get(), reinterpret_cast<const char*>(doc->encoding), XML_SAVE_AS_XML);
-    if (!saving) return std::nullopt;
-    const bool bWritten = xmlSaveDoc(saving, doc) >= 0;
-    if (xmlSaveClose(saving) < 0 || !bWritten) return std::nullopt;
-    return std::string(reinterpret_cast<const char*>(xmlBufferContent(buffer.get())),
-                       static_cast<std::size_t>(xmlBufferLength(buffer.get())));
+    const FileEncoding encoding(doc);
+    return encoding.Encode(DocumentMarkup(doc, encoding.Name()) + "\n");
 }
 
 } // namespace kx::xml
