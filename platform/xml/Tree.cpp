@@ -23,16 +23,25 @@ Tree::~Tree()
 
 void* Tree::NewBlock(std::size_t nBytes)
 {
-    return m_blocks ? std::exchange(m_blocks, m_blocks->next) : ::operator new(nBytes);
+    if (!m_blocks) return ::operator new(nBytes);
+    --m_nBlocks;
+    return std::exchange(m_blocks, m_blocks->next);
 }
 
 void Tree::EndBlock(void* block) noexcept
 {
-#if defined(KX_SANITIZED) // a sanitizer is to see who uses an object that ended
-    ::operator delete(block);
+#if defined(KX_SANITIZED)
+    constexpr int kMostBlocks = 0; // a sanitizer is to see who uses an object that ended
 #else
-    m_blocks = new (block) Block{m_blocks};
+    constexpr int kMostBlocks =
+        64; // objects may come from another tree, and then more end here than are made
 #endif
+    if (m_nBlocks >= kMostBlocks) {
+        ::operator delete(block);
+        return;
+    }
+    m_blocks = new (block) Block{m_blocks};
+    ++m_nBlocks;
 }
 
 xmlXPathContext* Tree::XPath()

@@ -61,7 +61,8 @@ private:
     };
 
     unsigned m_nRefs = 1;
-    Block* m_blocks = nullptr; // those that ended
+    Block* m_blocks = nullptr; // some of those that ended
+    int m_nBlocks = 0;
     Passed m_passed;
     const LiveHandle m_live;
     DocPtr m_doc;
