@@ -133,8 +133,12 @@ void Parsing::OnAttributeDeclaration(void* context, const xmlChar* element, cons
 
 xmlEntity* Parsing::OnReference(void* context, const xmlChar* name)
 {
-    const bool bAllowed =
-        Allowed(context, [&](Parsing& self) { return self.m_budget.SpendEntity(ViewOf(name)); });
+    const xmlNode* const parent = static_cast<xmlParserCtxt*>(context)->node;
+    const xmlNode* const last = parent ? parent->last : nullptr;
+    const std::size_t nText = last && last->type == XML_TEXT_NODE ? ViewOf(last->content).size() : 0;
+    const bool bAllowed = Allowed(context, [&](Parsing& self) {
+        return self.m_budget.SpendEntity(ViewOf(name)) && self.m_budget.SpendText(nText);
+    });
     return bAllowed ? xmlSAX2GetEntity(context, name) : nullptr;
 }
 

@@ -132,6 +132,10 @@ TEST_F(HostileXml, EntitiesDontMultiply)
     const std::string big = "<!DOCTYPE a [<!ENTITY e '" + Repeat(1000, "<b/>") + "'>]><a>";
     EXPECT_TRUE(Loads(big + Repeat(10, "&e;") + "</a>"));
     EXPECT_FALSE(Loads(big + Repeat(100'000, "&e;") + "</a>"));
+    // Each is appended to the whole text before it.
+    const std::string text = "<!DOCTYPE a [<!ENTITY e 'x'>]><a>" + std::string(9'000'000, 'x');
+    EXPECT_TRUE(Loads(text + Repeat(100, "&e;") + "</a>"));
+    EXPECT_FALSE(Loads(text + Repeat(200'000, "&e;") + "</a>"));
     for (const char* pszLoop : {"<!ENTITY a '&b;'><!ENTITY b '&a;'>", "<!ENTITY a '&a;'>",
                                 "<!ENTITY % p '&#37;p;'> %p;", "<!ENTITY % p '<!ENTITY a \"x\">'> %p; %p;"})
         Loads(std::string("<!DOCTYPE a [") + pszLoop + "]><a>&a;</a>"); // the last one may be taken
