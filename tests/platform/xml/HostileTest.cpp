@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/resource.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -228,8 +229,8 @@ TEST_F(HostileXml, NamesThatLeaveNoRoomForOthers)
 {
     std::string names = "<r>";
     int nNames = 0;
-    for (const std::size_t nLength : {9000U, 9U}) {
-        std::vector<std::string> fit;
+    for (const auto& [nLength, nMost] : {std::pair(7400U, 1024), std::pair(9U, 4096)}) {
+        std::string fit;
         const auto loads = [&](int nCount) {
             std::string xml = names;
             for (int n = 0; n < nCount; ++n) {
@@ -237,14 +238,14 @@ TEST_F(HostileXml, NamesThatLeaveNoRoomForOthers)
                 xml += "<n" + number + std::string(nLength - 1 - number.size(), 'x') + "/>";
             }
             if (!Loads(xml + "</r>")) return false;
-            fit.push_back(std::move(xml));
+            fit = std::move(xml);
             return true;
         };
         int nFits = 0;
-        for (int nStep = 2048; nStep > 0; nStep /= 2)
+        for (int nStep = nMost; nStep > 0; nStep /= 2)
             if (loads(nFits + nStep)) nFits += nStep;
         nNames += nFits;
-        names = fit.back();
+        names = fit;
     }
     ASSERT_TRUE(Loads(names + "</r>"));
     IXMLDOMElement* const pRoot = Root();
