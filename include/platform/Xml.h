@@ -12,8 +12,11 @@
 // it.
 //
 // Limits: XML_MAX_DEPTH elements within each other, attribute values of XML_MAX_ATTRIBUTE and texts of
-// XML_MAX_TEXT bytes of UTF-8, XML_MAX_ATTRIBUTES on one element, documents of XML_MAX_FILE bytes. What goes
-// beyond is refused in loading and in changing alike.
+// XML_MAX_TEXT bytes of UTF-8, XML_MAX_ATTRIBUTES on one element, XML_MAX_NAMESPACES declared around one
+// place, names of 10,000 bytes, documents of XML_MAX_FILE bytes. What goes beyond is refused in loading,
+// changing and saving alike; texts that have come to lie beside each other count one by one until they are
+// loaded again. A document's own declarations are 1,000 in 64 KiB, its entities 4 KiB each and 64 KiB with
+// those in them, and all references to them give 1 MiB.
 //
 // Results: S_OK; S_FALSE for a search that found nothing, with its output null; E_POINTER for a null output,
 // E_INVALIDARG for an argument that makes no sense, E_OUTOFMEMORY, and E_FAIL where an operation has no
@@ -26,6 +29,7 @@
 
 inline constexpr int XML_MAX_DEPTH = 256;
 inline constexpr int XML_MAX_ATTRIBUTES = 4096;
+inline constexpr int XML_MAX_NAMESPACES = 512;
 inline constexpr UINT XML_MAX_ATTRIBUTE = 1 << 20;
 inline constexpr UINT XML_MAX_TEXT = 10'000'000;
 inline constexpr UINT XML_MAX_FILE = 64 << 20;
@@ -109,7 +113,7 @@ struct IXMLDOMDocument : IXMLDOMNode
     // Writes the file in the declared encoding (what is declared as GB2312 or GBK in GBK), with references
     // for what that lacks in texts and attributes. In UTF-8 without one, and where it can't spell a name, a
     // comment, an instruction or a CDATA section. The file's old content stays unless all of the new could be
-    // written: E_FAIL then, as for a document without an element.
+    // written: E_FAIL then, as for a document without an element and for one whose file would be too large.
     virtual HRESULT save(VARIANT path) = 0;
 
     // S_FALSE and null if the document is empty.

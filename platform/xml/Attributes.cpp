@@ -3,6 +3,7 @@
 #include "include/platform/Xml.h"
 #include "platform/xml/Names.h"
 #include "platform/xml/Namespaces.h"
+#include "platform/xml/Shape.h"
 
 #include <libxml/valid.h>
 
@@ -37,6 +38,7 @@ HRESULT Declare(xmlNode* element, const std::string& prefix, const std::string& 
         ns->href = href;
         return S_OK;
     }
+    if (!(Shape::Above(element->parent) + Shape::Below(element) + Shape{0, 1}).Fits()) return E_INVALIDARG;
     const xmlChar* const name = prefix.empty() ? nullptr : ToXml(prefix.c_str());
     if (!xmlNewNs(element, ToXml(uri.c_str()), name)) return E_OUTOFMEMORY;
     ResolvePrefixes(element);

@@ -2,8 +2,7 @@
 
 #include "platform/xml/Attributes.h"
 #include "platform/xml/Namespaces.h"
-
-#include <algorithm>
+#include "platform/xml/Shape.h"
 
 namespace kx::xml {
 
@@ -16,33 +15,6 @@ bool LiesIn(const xmlNode* node, const xmlNode* branch) noexcept
     while (node && node != branch)
         node = node->parent;
     return node;
-}
-
-// How many elements lie within each other, down to this one.
-int DepthOf(const xmlNode* node) noexcept
-{
-    int nDepth = 0;
-    for (; node && node->type == XML_ELEMENT_NODE; node = node->parent)
-        ++nDepth;
-    return nDepth;
-}
-
-int HeightOf(xmlNode* branch) noexcept
-{
-    int nHeight = 0;
-    int nAt = 1;
-    for (xmlNode* node = branch; node;) {
-        if (node->type == XML_ELEMENT_NODE) nHeight = std::max(nHeight, nAt);
-        xmlNode* const next = NextBelow(branch, node);
-        if (next && next->parent == node) {
-            ++nAt;
-        } else if (next) {
-            for (const xmlNode* up = node; up->parent != next->parent; up = up->parent)
-                --nAt;
-        }
-        node = next;
-    }
-    return nHeight;
 }
 
 // Takes an element out of its place, into another tree if need be.
@@ -104,7 +76,8 @@ HRESULT AppendChild(Place place, IXMLDOMNode* pChild)
         return place.tree->Root() ? E_FAIL : SetRoot(*place.tree, *child);
     if (!place.node || place.node->type != XML_ELEMENT_NODE) return E_FAIL;
     xmlNode* const node = child->Node();
-    if (LiesIn(place.node, node) || DepthOf(place.node) + HeightOf(node) > XML_MAX_DEPTH) return E_INVALIDARG;
+    if (LiesIn(place.node, node) || !(Shape::Above(place.node) + Shape::Below(node)).Fits())
+        return E_INVALIDARG;
 
     const Ref before(&child->GetTree()); // what the branch leaves behind lives until it has settled
     const HRESULT hr = Take(*child, *place.tree);
@@ -118,7 +91,7 @@ HRESULT SetRoot(Tree& tree, NodeObject& element)
 {
     xmlNode* const node = element.Node();
     if (node == tree.Root()) return S_OK;
-    if (HeightOf(node) > XML_MAX_DEPTH) return E_INVALIDARG;
+    if (!Shape::Below(node).Fits()) return E_INVALIDARG;
 
     const Ref before(&element.GetTree());
     const HRESULT hr = Take(element, tree);

@@ -262,6 +262,13 @@ TEST_F(KXXmlDomDocument, SaveLeavesTheOldFileOrTheNew)
     EXPECT_EQ(doc.GetXml(), "");
     doc.Save(m_dir.Win("a.xml")); // an empty document is no file
     EXPECT_EQ(m_dir.Read("a.xml"), "<new/>\n");
+    CKXXmlDomElement large = doc.CreateElement("large", nullptr); // as a file, beyond what is loaded
+    for (int n = 0; n < 2; ++n)
+        large.AppendChild(doc.CreateElement("e", CString('&', XML_MAX_FILE / 9)));
+    doc.SetDocumentElement(large);
+    doc.Save(m_dir.Win("a.xml"));
+    EXPECT_EQ(m_dir.Read("a.xml"), "<new/>\n");
+    EXPECT_TRUE(doc.LoadXml("<new/>"));
     for (const CString& strFrom : {m_dir.Win("d"), m_dir.Win("none.xml"), CString("http://127.0.0.1/a.xml")})
         EXPECT_FALSE(doc.Load(strFrom));
 }

@@ -167,6 +167,32 @@ TEST_F(KXXmlDomElement, NestsNoDeeperThanItLoads)
     EXPECT_EQ(nDepth, XML_MAX_DEPTH);
 }
 
+// Declarations around one place, wherever they were made.
+TEST_F(KXXmlDomElement, DeclaresNoMoreThanItLoads)
+{
+    const auto declare = [](CKXXmlDomElement element, const char* pszPrefix) {
+        int nTaken = 0;
+        for (int n = 0; n <= XML_MAX_NAMESPACES; ++n) {
+            const std::string name = "xmlns:" + (pszPrefix + std::to_string(n));
+            element.SetAttributeString(name.c_str(), "u");
+            nTaken += element.GetAttributeString(name.c_str()) == "u";
+        }
+        return nTaken;
+    };
+    CKXXmlDomElement root = Root("<a><b xmlns:x='u'/><b/><b/></a>");
+    CKXXmlDomElement c = m_doc.CreateElement("c", nullptr);
+    EXPECT_EQ(declare(c, "p"), XML_MAX_NAMESPACES);
+    root.GetChild("b[1]").AppendChild(c);
+    EXPECT_FALSE(root.GetChild("b/c").IsValid());
+    root.GetChild("b[2]").AppendChild(c);
+    EXPECT_TRUE(root.GetChild("b/c").IsValid());
+    EXPECT_EQ(declare(root, "q"), 0);
+    root.GetChild("b[2]").SetText("");
+    EXPECT_EQ(declare(root, "q"), XML_MAX_NAMESPACES - 1);
+    CKXXmlDomDocument again;
+    EXPECT_TRUE(again.LoadXml(m_doc.GetXml()));
+}
+
 TEST_F(KXXmlDomElement, ReadsAttributes)
 {
     CKXXmlDomElement root = Root("<a xmlns='urn:d' xmlns:p='urn:p' p:q='5' s='a&lt;&#x4F60;' e='' h='\"'/>");

@@ -203,7 +203,27 @@ TEST_F(HostileXml, ShapesAreBounded)
     EXPECT_TRUE(Loads(attributes(XML_MAX_ATTRIBUTES, "b")));
     EXPECT_FALSE(Loads(attributes(XML_MAX_ATTRIBUTES + 1, "b")));
     EXPECT_FALSE(Loads(attributes(1'000'000, "b")));
+    const auto namespaces = [](int nCount) {
+        std::string xml = "<a";
+        for (int n = 0; n < nCount; ++n)
+            xml.append(" xmlns:p").append(std::to_string(n)).append("='u'");
+        return xml;
+    };
+    EXPECT_TRUE(
+        Loads(namespaces(XML_MAX_NAMESPACES / 2) + ">" + namespaces(XML_MAX_NAMESPACES / 2) + "/></a>"));
+    EXPECT_FALSE(Loads(namespaces(XML_MAX_NAMESPACES / 2) + "><b xmlns='u'>" +
+                       namespaces(XML_MAX_NAMESPACES / 2) + "/></b></a>"));
     EXPECT_FALSE(Loads(attributes(1'000'000, "xmlns:p")));
+    // An entity's elements lie in those around it, and its text is part of the text around it.
+    const auto deep = [](int nDepth) { return Repeat(nDepth, "<a>") + "x" + Repeat(nDepth, "</a>"); };
+    const std::string entity = "<!DOCTYPE a [<!ENTITY e '" + deep(XML_MAX_DEPTH / 2) + "'>]>";
+    const auto around = [&](int nDepth) {
+        return entity + Repeat(nDepth, "<a>") + "&e;" + Repeat(nDepth, "</a>");
+    };
+    EXPECT_TRUE(Loads(around(XML_MAX_DEPTH / 2)));
+    EXPECT_FALSE(Loads(around(XML_MAX_DEPTH / 2 + 1)));
+    EXPECT_FALSE(
+        Loads("<!DOCTYPE a [<!ENTITY e '0123456789'>]><a>" + std::string(XML_MAX_TEXT - 1, 'x') + "&e;</a>"));
     EXPECT_FALSE(Loads("<" + std::string(2'000'000, 'a') + "/>"));
     EXPECT_TRUE(Loads("<a>" + std::string(XML_MAX_TEXT, 'x') + "</a>"));
     EXPECT_FALSE(Loads("<a>" + std::string(XML_MAX_TEXT + 100'000, 'x') + "</a>"));
