@@ -6,6 +6,7 @@
 #include "platform/xml/Shape.h"
 
 #include <libxml/valid.h>
+#include <new>
 
 namespace kx::xml {
 
@@ -25,6 +26,7 @@ std::string ValueOf(const xmlAttr* attribute)
     if (!text) return {};
     if (text->type == XML_TEXT_NODE && !text->next) return std::string(ViewOf(text->content));
     const XmlText joined(xmlNodeListGetString(attribute->doc, text, 1));
+    if (!joined) throw std::bad_alloc();
     return std::string(ViewOf(joined.get()));
 }
 

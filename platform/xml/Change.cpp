@@ -4,6 +4,8 @@
 #include "platform/xml/Namespaces.h"
 #include "platform/xml/Shape.h"
 
+#include <vector>
+
 namespace kx::xml {
 
 namespace {
@@ -32,7 +34,7 @@ HRESULT Take(NodeObject& element, Tree& to)
     return nResult == 0 ? S_OK : E_OUTOFMEMORY;
 }
 
-void SettleIn(Tree& to, xmlNode* node)
+void SettleIn(Tree& to, xmlNode* node) noexcept
 {
     KeepNamespaces(node);
     ResolvePrefixes(node);
@@ -44,11 +46,12 @@ HRESULT PutElementText(Place place, const std::string& text)
     if (text.size() > XML_MAX_TEXT) return E_INVALIDARG;
     NodePtr content(xmlNewDocTextLen(place.node->doc, ToXml(text.data()), static_cast<int>(text.size())));
     if (!content) return E_OUTOFMEMORY;
+    std::vector<Ref<NodeObject>> holders;
+    for (xmlNode* child = place.node->children; child; child = child->next)
+        if (auto holder = NodeObject::HolderOf(*place.tree, child)) holders.push_back(std::move(holder));
     place.tree->ForgetSearch();
-    while (xmlNode* const child = place.node->children) {
-        xmlUnlinkNode(child);
+    while (xmlNode* const child = place.node->children)
         NodeObject::LetGo(*place.tree, child);
-    }
     xmlAddChild(place.node, content.release());
     return S_OK;
 }
@@ -94,9 +97,11 @@ HRESULT SetRoot(Tree& tree, NodeObject& element)
     if (!Shape::Below(node).Fits()) return E_INVALIDARG;
 
     const Ref before(&element.GetTree());
+    xmlNode* const old = tree.Root();
+    const auto holder = old ? NodeObject::HolderOf(tree, old) : Ref<NodeObject>();
     const HRESULT hr = Take(element, tree);
     if (FAILED(hr)) return hr;
-    xmlNode* const old = xmlDocSetRootElement(tree.Doc(), node);
+    xmlDocSetRootElement(tree.Doc(), node);
     SettleIn(tree, node);
     if (old) NodeObject::LetGo(tree, old);
     return S_OK;
