@@ -67,7 +67,9 @@ struct IXMLDOMNode : IUnknown
 
     // The first node, or all nodes in the document's order, that an XPath 1.0 expression selects from here. A
     // name alone selects the children of that name. E_INVALIDARG for what is no such expression, E_FAIL for
-    // one that takes beyond thirty million steps or has another result than nodes.
+    // one that has another result than nodes, and for one that takes beyond three million steps or eight for
+    // each node, at most thirty million. Where steps meet the same nodes again and again, each may take as
+    // long as there are nodes: patterns with such axes (following, preceding) are for small documents.
     virtual HRESULT selectSingleNode(BSTR bstrPattern, IXMLDOMNode** ppNode) = 0;
     // An empty list and S_OK if nothing was found.
     virtual HRESULT selectNodes(BSTR bstrPattern, IXMLDOMNodeList** ppList) = 0;
