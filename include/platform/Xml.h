@@ -3,8 +3,9 @@
 // XML documents as a tree of counted nodes. A document is made by CoCreateInstance (Com.h).
 //
 // A node is a handle: it keeps the tree that it belongs to alive, also after its document object is gone or
-// has loaded another text, and asking for the same node twice gives the same object. A document, its nodes
-// and lists are used by one thread at a time, AddRef and Release included.
+// has loaded another text, and asking for the same node twice gives the same object, but for the document as
+// a node, which is no IXMLDOMDocument. A document, its nodes and lists are used by one thread at a time,
+// AddRef and Release included.
 //
 // Names are those that stand in the document, with their prefix. A name without a prefix, in a document or in
 // a pattern, means just itself, whatever default namespace is declared. A prefix in a pattern stands for the
@@ -13,10 +14,10 @@
 //
 // Limits: XML_MAX_DEPTH elements within each other, attribute values of XML_MAX_ATTRIBUTE and texts of
 // XML_MAX_TEXT bytes of UTF-8, XML_MAX_ATTRIBUTES on one element, XML_MAX_NAMESPACES declared around one
-// place, names of 10,000 bytes, documents of XML_MAX_FILE bytes. What goes beyond is refused in loading,
-// changing and saving alike; texts that have come to lie beside each other count one by one until they are
-// loaded again. A document's own declarations are 1,000 in 64 KiB, its entities 4 KiB each and 64 KiB with
-// those in them, and all references to them give 1 MiB.
+// place, names of 10,000 bytes (in loading, some more), documents of XML_MAX_FILE bytes. What goes beyond is
+// refused in loading, changing and saving alike; texts that have come to lie beside each other count one by
+// one until they are loaded again. A document's own declarations are 1,000 in 64 KiB, its entities 4 KiB each
+// and 64 KiB with those in them, and all references to them give 1 MiB.
 //
 // Results: S_OK; S_FALSE for a search that found nothing, with its output null; E_POINTER for a null output,
 // E_INVALIDARG for an argument that makes no sense, E_OUTOFMEMORY, and E_FAIL where an operation has no
