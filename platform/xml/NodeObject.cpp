@@ -106,6 +106,7 @@ void NodeObject::Settle(Tree& tree, xmlNode* branch) noexcept
     xmlNode* const top = TopOf(branch);
     const auto anchor = top->type == XML_DOCUMENT_NODE ? Ref<NodeObject>() : Ref(ObjectOf(top));
     ForEachObject(branch, [&](NodeObject& object) {
+        object.m_tree->PassObject(tree);
         object.m_tree = Ref(&tree);
         object.m_anchor = object.m_node == top ? Ref<NodeObject>() : anchor;
     });

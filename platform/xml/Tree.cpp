@@ -23,20 +23,21 @@ Tree::~Tree()
 
 void* Tree::NewBlock(std::size_t nBytes)
 {
-    if (!m_blocks) return ::operator new(nBytes);
-    --m_nBlocks;
-    return std::exchange(m_blocks, m_blocks->next);
+    void* const block = m_blocks ? std::exchange(m_blocks, m_blocks->next) : ::operator new(nBytes);
+    if (m_nBlocks > 0) --m_nBlocks;
+    CountObject();
+    return block;
 }
 
 void Tree::EndBlock(void* block) noexcept
 {
-#if defined(KX_SANITIZED)
-    constexpr int kMostBlocks = 0; // a sanitizer is to see who uses an object that ended
+#if defined(KX_SANITIZED) // a sanitizer is to see who uses an object that ended
+    constexpr bool bKept = false;
 #else
-    constexpr int kMostBlocks =
-        64; // objects may come from another tree, and then more end here than are made
+    const bool bKept = m_nBlocks < m_nMostObjects;
 #endif
-    if (m_nBlocks >= kMostBlocks) {
+    --m_nObjects;
+    if (!bKept) {
         ::operator delete(block);
         return;
     }
