@@ -39,8 +39,8 @@ public:
 private:
     void Add(std::string_view text)
     {
-        const auto beyond = [](char ch) { return static_cast<signed char>(ch) < 0; };
-        if (std::any_of(text.begin(), text.end(), beyond)) m_all += text;
+        if (std::ranges::any_of(text, [](char ch) { return static_cast<signed char>(ch) < 0; }))
+            m_all += text;
     }
     void AddNode(const xmlNode* node)
     {

@@ -17,7 +17,25 @@ bool UsesNamespaces(xmlNode* branch) noexcept
     return false;
 }
 
+// From the top down: what is above the node has been renewed.
+template <class Node>
+void Renew(xmlNode* element, Node& node, const xmlChar* prefix) noexcept
+{
+    if (!node.ns || !xmlStrEqual(node.ns->prefix, prefix)) return;
+    if (xmlNs* const ns = xmlSearchNs(element->doc, element, prefix)) node.ns = ns;
+}
+
 } // namespace
+
+void RenewPrefix(xmlNode* branch, const xmlChar* prefix) noexcept
+{
+    for (xmlNode* node = branch; node; node = NextBelow(branch, node)) {
+        if (node->type != XML_ELEMENT_NODE) continue;
+        Renew(node, *node, prefix);
+        for (xmlAttr* attribute = node->properties; attribute; attribute = attribute->next)
+            Renew(node, *attribute, prefix);
+    }
+}
 
 void KeepNamespaces(xmlNode* branch) noexcept
 {

@@ -11,6 +11,9 @@ namespace kx::xml {
 // before; what declares them there must still be alive.
 void KeepNamespaces(xmlNode* branch) noexcept;
 
+// Gives the nodes with a prefix, null for none, what it stands for now that the branch's top declares it.
+void RenewPrefix(xmlNode* branch, const xmlChar* prefix) noexcept;
+
 // Gives the elements that were named with a prefix before there was a declaration of it their namespace.
 void ResolvePrefixes(xmlNode* branch) noexcept;
 

@@ -300,6 +300,26 @@ TEST_F(KXXmlDomElement, WritesAttributes)
     EXPECT_EQ(m_doc.GetDocumentElement().GetAttributeString("x").GetLength(), 1 << 20);
 }
 
+// Names go with their prefixes, whatever those are made to mean.
+TEST_F(KXXmlDomElement, FollowsLaterDeclarations)
+{
+    CKXXmlDomElement root =
+        Root("<a xmlns:p='u' xmlns:q='v' p:x='1' q:x='2'><p:b p:i='1'><p:c/><d xmlns:p='w'>"
+             "<p:e/></d></p:b></a>");
+    root.SetAttributeString("xmlns:q", "u");
+    root.SetAttributeString("q:x", "3");
+    EXPECT_EQ(root.GetAttributeString("p:x"), "1");
+    EXPECT_EQ(root.GetAttributeString("q:x"), "3");
+    CKXXmlDomElement b = root.GetChild("p:b");
+    b.SetAttributeString("xmlns:p", "v");
+    EXPECT_TRUE(b.GetChild("p:c").IsValid());
+    EXPECT_TRUE(
+        b.GetChild("../*[namespace-uri()='v'][@*[namespace-uri()='v']]/*[namespace-uri()='v']").IsValid());
+    EXPECT_TRUE(b.GetChild("d/*[namespace-uri()='w']").IsValid());
+    EXPECT_FALSE(root.GetChild("p:b").IsValid());
+    EXPECT_STREQ(b.GetXml(), "<p:b xmlns:p=\"v\" p:i=\"1\"><p:c/><d xmlns:p=\"w\"><p:e/></d></p:b>");
+}
+
 TEST_F(KXXmlDomElement, FindsByPattern)
 {
     CKXXmlDomElement root =
