@@ -4,6 +4,7 @@
 #include "files/WideText.h"
 
 #include <memory>
+#include <new>
 
 using kx::files::ScanNumber;
 using kx::files::ToDouble;
@@ -100,7 +101,11 @@ std::vector<CKXXmlDomElement> CKXXmlDomElement::GetChilds(const char* pszPath) c
     const ListPtr list(pList);
     long nLength = 0;
     pList->get_length(&nLength);
-    childs.reserve(static_cast<std::size_t>(nLength));
+    try {
+        childs.reserve(static_cast<std::size_t>(nLength));
+    } catch (const std::bad_alloc&) {
+        AfxThrowMemoryException();
+    }
     for (long n = 0; n < nLength; ++n) {
         IXMLDOMNode* pNode = nullptr;
         pList->item(n, &pNode);

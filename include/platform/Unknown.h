@@ -24,7 +24,8 @@ inline constexpr bool FAILED(HRESULT hr)
 // {00000000-0000-0000-C000-000000000046}
 inline constexpr GUID IID_IUnknown{0, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
-// AddRef and Release give the new count, for tests alone, and may be called from any thread.
+// AddRef and Release give the new count, for tests alone, and may be called from any thread unless an
+// interface says otherwise.
 struct IUnknown
 {
     virtual HRESULT QueryInterface(const GUID& iid, void** ppObject) = 0;

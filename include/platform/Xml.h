@@ -3,8 +3,9 @@
 // XML documents as a tree of counted nodes. A document is made by CoCreateInstance (Com.h).
 //
 // A node is a handle: it keeps the tree that it belongs to alive, also after its document object is gone or
-// has loaded another text, and asking for the same node twice gives the same object. A document, its nodes
-// and lists are used by one thread at a time, AddRef and Release included.
+// has loaded another text, and asking for the same node twice gives the same object, but for the document as
+// a node, which is no IXMLDOMDocument. A document, its nodes and lists are used by one thread at a time,
+// AddRef and Release included.
 //
 // Names are those that stand in the document, with their prefix. A name without a prefix, in a document or in
 // a pattern, means just itself, whatever default namespace is declared. A prefix in a pattern stands for the
@@ -12,8 +13,11 @@
 // it.
 //
 // Limits: XML_MAX_DEPTH elements within each other, attribute values of XML_MAX_ATTRIBUTE and texts of
-// XML_MAX_TEXT bytes of UTF-8, XML_MAX_ATTRIBUTES on one element, documents of XML_MAX_FILE bytes. What goes
-// beyond is refused in loading and in changing alike.
+// XML_MAX_TEXT bytes of UTF-8, XML_MAX_ATTRIBUTES on one element, XML_MAX_NAMESPACES declared around one
+// place, names of 10,000 bytes (in loading, some more), documents of XML_MAX_FILE bytes. What goes beyond is
+// refused in loading, changing and saving alike; texts that have come to lie beside each other count one by
+// one until they are loaded again. A document's own declarations are 1,000 in 64 KiB, its entities 4 KiB each
+// and 64 KiB with those in them, and all references to them give 1 MiB.
 //
 // Results: S_OK; S_FALSE for a search that found nothing, with its output null; E_POINTER for a null output,
 // E_INVALIDARG for an argument that makes no sense, E_OUTOFMEMORY, and E_FAIL where an operation has no
@@ -26,6 +30,7 @@
 
 inline constexpr int XML_MAX_DEPTH = 256;
 inline constexpr int XML_MAX_ATTRIBUTES = 4096;
+inline constexpr int XML_MAX_NAMESPACES = 512;
 inline constexpr UINT XML_MAX_ATTRIBUTE = 1 << 20;
 inline constexpr UINT XML_MAX_TEXT = 10'000'000;
 inline constexpr UINT XML_MAX_FILE = 64 << 20;
@@ -63,7 +68,9 @@ struct IXMLDOMNode : IUnknown
 
     // The first node, or all nodes in the document's order, that an XPath 1.0 expression selects from here. A
     // name alone selects the children of that name. E_INVALIDARG for what is no such expression, E_FAIL for
-    // one that takes beyond thirty million steps or has another result than nodes.
+    // one that has another result than nodes, and for one that takes beyond three million steps or eight for
+    // each node, at most thirty million. Where steps meet the same nodes again and again, each may take as
+    // long as there are nodes: patterns with such axes (following, preceding) are for small documents.
     virtual HRESULT selectSingleNode(BSTR bstrPattern, IXMLDOMNode** ppNode) = 0;
     // An empty list and S_OK if nothing was found.
     virtual HRESULT selectNodes(BSTR bstrPattern, IXMLDOMNodeList** ppList) = 0;
@@ -106,8 +113,10 @@ struct IXMLDOMDocument : IXMLDOMNode
     // ever fetched from elsewhere.
     virtual HRESULT load(VARIANT path, VARIANT_BOOL* pbSuccess) = 0;
     virtual HRESULT loadXML(BSTR bstrXml, VARIANT_BOOL* pbSuccess) = 0;
-    // Writes the file in the declared encoding, in UTF-8 without one. The file's old content stays unless all
-    // of the new could be written: E_FAIL then, as for a document without an element.
+    // Writes the file in the declared encoding (what is declared as GB2312 or GBK in GBK), with references
+    // for what that lacks in texts and attributes. In UTF-8 without one, and where it can't spell a name, a
+    // comment, an instruction or a CDATA section. The file's old content stays unless all of the new could be
+    // written: E_FAIL then, as for a document without an element and for one whose file would be too large.
     virtual HRESULT save(VARIANT path) = 0;
 
     // S_FALSE and null if the document is empty.

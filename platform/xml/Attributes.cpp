@@ -3,8 +3,10 @@
 #include "include/platform/Xml.h"
 #include "platform/xml/Names.h"
 #include "platform/xml/Namespaces.h"
+#include "platform/xml/Shape.h"
 
 #include <libxml/valid.h>
+#include <new>
 
 namespace kx::xml {
 
@@ -24,21 +26,25 @@ std::string ValueOf(const xmlAttr* attribute)
     if (!text) return {};
     if (text->type == XML_TEXT_NODE && !text->next) return std::string(ViewOf(text->content));
     const XmlText joined(xmlNodeListGetString(attribute->doc, text, 1));
+    if (!joined) throw std::bad_alloc();
     return std::string(ViewOf(joined.get()));
 }
 
 HRESULT Declare(xmlNode* element, const std::string& prefix, const std::string& uri)
 {
     if (prefix == "xml" || prefix == "xmlns" || (uri.empty() && !prefix.empty())) return E_INVALIDARG;
-    if (xmlNs* const ns = FindDeclaration(element, prefix)) {
+    if (xmlNs* const declared = FindDeclaration(element, prefix)) {
         xmlChar* const href = xmlStrdup(ToXml(uri.c_str()));
         if (!href) return E_OUTOFMEMORY;
-        xmlFree(const_cast<xmlChar*>(ns->href));
-        ns->href = href;
+        xmlFree(const_cast<xmlChar*>(declared->href));
+        declared->href = href;
         return S_OK;
     }
+    if (!(Shape::Above(element->parent) + Shape::Below(element) + Shape{0, 1}).Fits()) return E_INVALIDARG;
     const xmlChar* const name = prefix.empty() ? nullptr : ToXml(prefix.c_str());
-    if (!xmlNewNs(element, ToXml(uri.c_str()), name)) return E_OUTOFMEMORY;
+    const xmlNs* const ns = xmlNewNs(element, ToXml(uri.c_str()), name);
+    if (!ns) return E_OUTOFMEMORY;
+    RenewPrefix(element, ns->prefix);
     ResolvePrefixes(element);
     return S_OK;
 }
@@ -87,8 +93,11 @@ HRESULT SetAttribute(xmlNode* element, const std::string& name, const std::strin
 HRESULT SetValue(xmlAttr* attribute, const std::string& value)
 {
     if (value.size() > XML_MAX_ATTRIBUTE) return E_INVALIDARG;
-    if (!xmlSetNsProp(attribute->parent, attribute->ns, attribute->name, ToXml(value.c_str())))
-        return E_OUTOFMEMORY;
+    xmlNode* const text = xmlNewDocText(attribute->doc, ToXml(value.c_str()));
+    if (!text) return E_OUTOFMEMORY;
+    xmlFreeNodeList(attribute->children); // its own, whatever others are in the same namespace by now
+    attribute->children = attribute->last = text;
+    text->parent = reinterpret_cast<xmlNode*>(attribute);
     ForgetId(attribute);
     return S_OK;
 }

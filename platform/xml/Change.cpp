@@ -2,8 +2,9 @@
 
 #include "platform/xml/Attributes.h"
 #include "platform/xml/Namespaces.h"
+#include "platform/xml/Shape.h"
 
-#include <algorithm>
+#include <vector>
 
 namespace kx::xml {
 
@@ -16,33 +17,6 @@ bool LiesIn(const xmlNode* node, const xmlNode* branch) noexcept
     while (node && node != branch)
         node = node->parent;
     return node;
-}
-
-// How many elements lie within each other, down to this one.
-int DepthOf(const xmlNode* node) noexcept
-{
-    int nDepth = 0;
-    for (; node && node->type == XML_ELEMENT_NODE; node = node->parent)
-        ++nDepth;
-    return nDepth;
-}
-
-int HeightOf(xmlNode* branch) noexcept
-{
-    int nHeight = 0;
-    int nAt = 1;
-    for (xmlNode* node = branch; node;) {
-        if (node->type == XML_ELEMENT_NODE) nHeight = std::max(nHeight, nAt);
-        xmlNode* const next = NextBelow(branch, node);
-        if (next && next->parent == node) {
-            ++nAt;
-        } else if (next) {
-            for (const xmlNode* up = node; up->parent != next->parent; up = up->parent)
-                --nAt;
-        }
-        node = next;
-    }
-    return nHeight;
 }
 
 // Takes an element out of its place, into another tree if need be.
@@ -60,7 +34,7 @@ HRESULT Take(NodeObject& element, Tree& to)
     return nResult == 0 ? S_OK : E_OUTOFMEMORY;
 }
 
-void SettleIn(Tree& to, xmlNode* node)
+void SettleIn(Tree& to, xmlNode* node) noexcept
 {
     KeepNamespaces(node);
     ResolvePrefixes(node);
@@ -72,11 +46,12 @@ HRESULT PutElementText(Place place, const std::string& text)
     if (text.size() > XML_MAX_TEXT) return E_INVALIDARG;
     NodePtr content(xmlNewDocTextLen(place.node->doc, ToXml(text.data()), static_cast<int>(text.size())));
     if (!content) return E_OUTOFMEMORY;
+    std::vector<Ref<NodeObject>> holders;
+    for (xmlNode* child = place.node->children; child; child = child->next)
+        if (auto holder = NodeObject::HolderOf(*place.tree, child)) holders.push_back(std::move(holder));
     place.tree->ForgetSearch();
-    while (xmlNode* const child = place.node->children) {
-        xmlUnlinkNode(child);
+    while (xmlNode* const child = place.node->children)
         NodeObject::LetGo(*place.tree, child);
-    }
     xmlAddChild(place.node, content.release());
     return S_OK;
 }
@@ -104,7 +79,8 @@ HRESULT AppendChild(Place place, IXMLDOMNode* pChild)
         return place.tree->Root() ? E_FAIL : SetRoot(*place.tree, *child);
     if (!place.node || place.node->type != XML_ELEMENT_NODE) return E_FAIL;
     xmlNode* const node = child->Node();
-    if (LiesIn(place.node, node) || DepthOf(place.node) + HeightOf(node) > XML_MAX_DEPTH) return E_INVALIDARG;
+    if (LiesIn(place.node, node) || !(Shape::Above(place.node) + Shape::Below(node)).Fits())
+        return E_INVALIDARG;
 
     const Ref before(&child->GetTree()); // what the branch leaves behind lives until it has settled
     const HRESULT hr = Take(*child, *place.tree);
@@ -118,12 +94,14 @@ HRESULT SetRoot(Tree& tree, NodeObject& element)
 {
     xmlNode* const node = element.Node();
     if (node == tree.Root()) return S_OK;
-    if (HeightOf(node) > XML_MAX_DEPTH) return E_INVALIDARG;
+    if (!Shape::Below(node).Fits()) return E_INVALIDARG;
 
     const Ref before(&element.GetTree());
+    xmlNode* const old = tree.Root();
+    const auto holder = old ? NodeObject::HolderOf(tree, old) : Ref<NodeObject>();
     const HRESULT hr = Take(element, tree);
     if (FAILED(hr)) return hr;
-    xmlNode* const old = xmlDocSetRootElement(tree.Doc(), node);
+    xmlDocSetRootElement(tree.Doc(), node);
     SettleIn(tree, node);
     if (old) NodeObject::LetGo(tree, old);
     return S_OK;

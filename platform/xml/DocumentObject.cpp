@@ -94,6 +94,7 @@ HRESULT DocumentObject::save(VARIANT path)
         if (!m_tree->Root()) return E_FAIL; // the file could never be loaded
         const auto content = FileContentOf(m_tree->Doc());
         if (!content) return E_OUTOFMEMORY;
+        if (content->size() > XML_MAX_FILE) return E_FAIL; // nor could this one
         const auto target = path::Resolve(ToCodePage(path.bstrVal).c_str());
         if (!target || target->trailing || target->root) return E_FAIL;
         return ReplaceFile(target->system, content->data(), content->size()) == 0 ? S_OK : E_FAIL;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -29,15 +30,23 @@ public:
         m_nSpent += nBytes + 1;
         return m_nSpent <= kMost;
     }
+    // A reference behind so long a text, to which its own is appended in time that follows the whole.
+    bool SpendText(std::size_t nBytes) noexcept
+    {
+        m_nWalked += nBytes;
+        return m_nWalked <= kMostWalked;
+    }
 
 private:
     static constexpr int kMostDeclarations = 1000;
     static constexpr std::size_t kLongestEntity = 4096;    // parsed in quadratic time
     static constexpr std::size_t kLongestExpanded = 65536; // with all that is in it
     static constexpr std::size_t kMost = std::size_t{1} << 20;
+    static constexpr std::uint64_t kMostWalked = std::uint64_t{2} << 30; // about half a second
 
     int m_nDeclarations = 0;
     std::size_t m_nSpent = 0;
+    std::uint64_t m_nWalked = 0;
     std::unordered_map<std::string, std::size_t> m_lengths; // expanded
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <libxml/catalog.h>
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 #include <libxml/xmlerror.h>
@@ -14,6 +15,7 @@ inline void StartLibxml()
 {
     static const bool bStarted = [] {
         xmlInitParser();
+        xmlInitializeCatalog();
         return xmlInitializeDict() == 0;
     }();
     static_cast<void>(bStarted);

@@ -17,24 +17,45 @@ bool UsesNamespaces(xmlNode* branch) noexcept
     return false;
 }
 
+// From the top down: what is above the node has been renewed.
+template <class Node>
+void Renew(xmlNode* element, Node& node, const xmlChar* prefix) noexcept
+{
+    if (!node.ns || !xmlStrEqual(node.ns->prefix, prefix)) return;
+    if (xmlNs* const ns = xmlSearchNs(element->doc, element, prefix)) node.ns = ns;
+}
+
 } // namespace
 
-void KeepNamespaces(xmlNode* branch)
+void RenewPrefix(xmlNode* branch, const xmlChar* prefix) noexcept
+{
+    for (xmlNode* node = branch; node; node = NextBelow(branch, node)) {
+        if (node->type != XML_ELEMENT_NODE) continue;
+        Renew(node, *node, prefix);
+        for (xmlAttr* attribute = node->properties; attribute; attribute = attribute->next)
+            Renew(node, *attribute, prefix);
+    }
+}
+
+void KeepNamespaces(xmlNode* branch) noexcept
 {
     if (!UsesNamespaces(branch)) return;
     const Hush hush;
     xmlDOMWrapReconcileNamespaces(nullptr, branch, 0);
 }
 
-void ResolvePrefixes(xmlNode* branch)
+void ResolvePrefixes(xmlNode* branch) noexcept
 {
     for (xmlNode* node = branch; node; node = NextBelow(branch, node)) {
-        if (node->type != XML_ELEMENT_NODE || node->ns || ViewOf(node->name).find(':') == std::string::npos)
-            continue;
-        const QualifiedName name(std::string(ViewOf(node->name)));
-        xmlNs* const ns = xmlSearchNs(node->doc, node, ToXml(name.prefix.c_str()));
-        if (!ns) continue;
-        xmlNodeSetName(node, ToXml(name.local.c_str()));
+        if (node->type != XML_ELEMENT_NODE || node->ns) continue;
+        const xmlChar* const colon = xmlStrchr(node->name, ':');
+        if (!colon) continue;
+        const XmlText prefix(xmlStrndup(node->name, static_cast<int>(colon - node->name)));
+        xmlNs* const ns = prefix ? xmlSearchNs(node->doc, node, prefix.get()) : nullptr;
+        // In the dictionary first: a lack of memory would leave the node without a name.
+        const xmlChar* const local = ns ? xmlDictLookup(node->doc->dict, colon + 1, -1) : nullptr;
+        if (!local) continue;
+        xmlNodeSetName(node, local);
         node->ns = ns;
     }
 }

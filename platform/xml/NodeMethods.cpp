@@ -32,8 +32,9 @@ HRESULT GetText(Place place, BSTR* pbstr)
     if (bHolder && !place.node->children) return Deliver({}, pbstr);
     if (const xmlNode* const text = bHolder ? OnlyText(place.node) : nullptr)
         return Deliver(ViewOf(text->content), pbstr);
+    if (!bHolder && place.node->type != XML_DOCUMENT_NODE) return Deliver(ViewOf(place.node->content), pbstr);
     const XmlText joined(xmlNodeGetContent(place.node));
-    return Deliver(ViewOf(joined.get()), pbstr);
+    return joined ? Deliver(ViewOf(joined.get()), pbstr) : E_OUTOFMEMORY;
 }
 
 HRESULT GetXml(Place place, BSTR* pbstr)

@@ -37,11 +37,15 @@ void ForEachObject(xmlNode* branch, Use use)
     }
 }
 
-bool HasObject(xmlNode* branch)
+bool HasObject(xmlNode* branch) noexcept
 {
-    bool bFound = false;
-    ForEachObject(branch, [&](NodeObject&) { bFound = true; });
-    return bFound;
+    for (xmlNode* node = branch; node; node = NextBelow(branch, node)) {
+        if (node->_private) return true;
+        if (node->type != XML_ELEMENT_NODE) continue;
+        for (const xmlAttr* attribute = node->properties; attribute; attribute = attribute->next)
+            if (attribute->_private) return true;
+    }
+    return false;
 }
 
 } // namespace
@@ -97,25 +101,30 @@ NodeObject::~NodeObject()
     xmlFreeNode(m_node);
 }
 
-void NodeObject::Settle(Tree& tree, xmlNode* branch)
+void NodeObject::Settle(Tree& tree, xmlNode* branch) noexcept
 {
     xmlNode* const top = TopOf(branch);
-    const auto anchor = top->type == XML_DOCUMENT_NODE ? Ref<NodeObject>() : Of(tree, top);
+    const auto anchor = top->type == XML_DOCUMENT_NODE ? Ref<NodeObject>() : Ref(ObjectOf(top));
     ForEachObject(branch, [&](NodeObject& object) {
+        object.m_tree->PassObject(tree);
         object.m_tree = Ref(&tree);
         object.m_anchor = object.m_node == top ? Ref<NodeObject>() : anchor;
     });
 }
 
-void NodeObject::LetGo(Tree& tree, xmlNode* branch)
+Ref<NodeObject> NodeObject::HolderOf(Tree& tree, xmlNode* branch)
 {
-    tree.ForgetSearch();
-    if (!HasObject(branch)) {
+    return HasObject(branch) ? Of(tree, branch) : Ref<NodeObject>();
+}
+
+void NodeObject::LetGo(Tree& tree, xmlNode* branch) noexcept
+{
+    xmlUnlinkNode(branch);
+    if (!branch->_private) {
         xmlFreeNode(branch);
         return;
     }
     KeepNamespaces(branch);
-    const auto top = Of(tree, branch); // its end, unless an object in the branch becomes its holder
     Settle(tree, branch);
 }
 

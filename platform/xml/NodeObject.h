@@ -25,10 +25,14 @@ public:
     Place Where() const noexcept { return {m_tree.Get(), m_node}; }
     bool IsElement() const noexcept { return m_node && m_node->type == XML_ELEMENT_NODE; }
 
-    // To be called for a branch after it was moved to a tree and place: its objects move along.
-    static void Settle(Tree& tree, xmlNode* branch);
-    // Frees a branch that was taken out of its place, or leaves it to the objects of its nodes.
-    static void LetGo(Tree& tree, xmlNode* branch);
+    // To be called for a branch after it was moved to a tree and place: its objects move along. Its top is
+    // the document or has an object.
+    static void Settle(Tree& tree, xmlNode* branch) noexcept;
+    // What is needed to let go of a branch, made while nothing has changed yet: its object, if one of its
+    // nodes has one.
+    static Ref<NodeObject> HolderOf(Tree& tree, xmlNode* branch);
+    // Takes a branch out of its place, and frees it or leaves it to its holder.
+    static void LetGo(Tree& tree, xmlNode* branch) noexcept;
 
     HRESULT QueryInterface(const GUID& iid, void** ppObject) override;
     ULONG AddRef() noexcept override { return ++m_nRefs; }

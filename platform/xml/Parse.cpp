@@ -3,6 +3,7 @@
 #include "include/platform/Xml.h"
 #include "platform/xml/Encoding.h"
 #include "platform/xml/EntityBudget.h"
+#include "platform/xml/Shape.h"
 
 #include <algorithm>
 #include <libxml/SAX2.h>
@@ -13,8 +14,10 @@ namespace kx::xml {
 
 namespace {
 
-constexpr int kMostNamespaces = 512; // declared around one place
+constexpr int kPerAttribute = 5; // places in libxml2's tables, which grow to twice of what they need
+constexpr int kPerNamespace = 2;
 constexpr std::size_t kCostOfDefault = 32;
+constexpr std::size_t kLongestSubset = 64 << 10; // each list of values in it is read in quadratic time
 
 // One document on its way through libxml2, which reads it piece by piece and tells what it finds.
 class Parsing
@@ -50,6 +53,11 @@ private:
     {
         Allowed(context, [](Parsing&) { return false; });
     }
+    static void OnUndeclared(void* context, const xmlChar*)
+    {
+        Allowed(context, [](Parsing&) { return false; });
+    }
+    static void OnInstruction(void* context, const xmlChar* target, const xmlChar* data);
     static xmlParserInput* OnExternal(void*, const xmlChar*, const xmlChar*) { return nullptr; }
     static void OnElement(void* context, const xmlChar* local, const xmlChar* prefix, const xmlChar* uri,
                           int nNamespaces, const xmlChar** namespaces, int nAttributes, int nDefaulted,
@@ -58,6 +66,7 @@ private:
     bool MakeContext();
 
     std::string_view m_rest;
+    std::size_t m_nSubset = 0; // read of the document's own declarations
     Context m_context;
     EntityBudget m_budget;
     bool m_bRefused = false;
@@ -82,14 +91,14 @@ int Parsing::OnRead(void* self, char* target, int nSize) noexcept
 {
     auto& parsing = *static_cast<Parsing*>(self);
     const xmlParserCtxt* const context = parsing.m_context.get();
-    constexpr int kPerAttribute = 5; // places in the table, which grows to twice of what it needs
-    constexpr int kPerNamespace = 2;
-    if (context && (context->maxatts > 2 * kPerAttribute * (XML_MAX_ATTRIBUTES + 1) ||
-                    context->nsMax > 2 * kPerNamespace * kMostNamespaces)) {
+    const std::size_t nBytes = std::min(static_cast<std::size_t>(nSize), parsing.m_rest.size());
+    if (context && context->inSubset != 0) parsing.m_nSubset += nBytes;
+    if (context &&
+        (context->maxatts > 2 * kPerAttribute * (XML_MAX_ATTRIBUTES + 1) ||
+         context->nsMax > 2 * kPerNamespace * XML_MAX_NAMESPACES || parsing.m_nSubset > kLongestSubset)) {
         parsing.m_bRefused = true;
         return -1;
     }
-    const std::size_t nBytes = std::min(static_cast<std::size_t>(nSize), parsing.m_rest.size());
     parsing.m_rest.copy(target, nBytes);
     parsing.m_rest.remove_prefix(nBytes);
     return static_cast<int>(nBytes);
@@ -124,8 +133,12 @@ void Parsing::OnAttributeDeclaration(void* context, const xmlChar* element, cons
 
 xmlEntity* Parsing::OnReference(void* context, const xmlChar* name)
 {
-    const bool bAllowed =
-        Allowed(context, [&](Parsing& self) { return self.m_budget.SpendEntity(ViewOf(name)); });
+    const xmlNode* const parent = static_cast<xmlParserCtxt*>(context)->node;
+    const xmlNode* const last = parent ? parent->last : nullptr;
+    const std::size_t nText = last && last->type == XML_TEXT_NODE ? ViewOf(last->content).size() : 0;
+    const bool bAllowed = Allowed(context, [&](Parsing& self) {
+        return self.m_budget.SpendEntity(ViewOf(name)) && self.m_budget.SpendText(nText);
+    });
     return bAllowed ? xmlSAX2GetEntity(context, name) : nullptr;
 }
 
@@ -137,6 +150,13 @@ xmlEntity* Parsing::OnParameter(void* context, const xmlChar* name)
     return bAllowed ? entity : nullptr;
 }
 
+// libxml2 keeps the catalogs that a document names, in a list that it walks to its end for each.
+void Parsing::OnInstruction(void* context, const xmlChar* target, const xmlChar* data)
+{
+    xmlCatalogFreeLocal(std::exchange(static_cast<xmlParserCtxt*>(context)->catalogs, nullptr));
+    xmlSAX2ProcessingInstruction(context, target, data);
+}
+
 // A name without a prefix is in no namespace here, whatever is the default one. It is declared nevertheless.
 void Parsing::OnElement(void* context, const xmlChar* local, const xmlChar* prefix, const xmlChar* uri,
                         int nNamespaces, const xmlChar** namespaces, int nAttributes, int nDefaulted,
@@ -144,9 +164,10 @@ void Parsing::OnElement(void* context, const xmlChar* local, const xmlChar* pref
 {
     const bool bAllowed = Allowed(context, [&](Parsing& self) {
         if (nAttributes > XML_MAX_ATTRIBUTES) return false;
-        if (static_cast<xmlParserCtxt*>(context)->nodeNr >= XML_MAX_DEPTH) return false;
+        const xmlParserCtxt* const at = static_cast<xmlParserCtxt*>(context);
+        if (at->nodeNr >= XML_MAX_DEPTH || at->nsNr > kPerNamespace * XML_MAX_NAMESPACES) return false;
         for (int i = 0; i < nAttributes; ++i) {
-            const xmlChar* const* const attribute = attributes + 5 * i;
+            const xmlChar* const* const attribute = attributes + kPerAttribute * i;
             const auto nLength = static_cast<std::size_t>(attribute[4] - attribute[3]);
             const bool bDefaulted = i >= nAttributes - nDefaulted;
             if (nLength > XML_MAX_ATTRIBUTE || (bDefaulted && !self.m_budget.Spend(nLength + kCostOfDefault)))
@@ -172,6 +193,8 @@ bool Parsing::MakeContext()
     handler.attributeDecl = OnAttributeDeclaration;
     handler.getEntity = OnReference;
     handler.getParameterEntity = OnParameter;
+    handler.reference = OnUndeclared;
+    handler.processingInstruction = OnInstruction;
     handler.resolveEntity = OnExternal;
     handler.externalSubset = nullptr;
     handler.startElementNs = OnElement;
@@ -189,6 +212,16 @@ void ForgetIds(xmlDoc* doc)
     xmlFreeRefTable(static_cast<xmlRefTable*>(std::exchange(doc->refs, nullptr)));
 }
 
+// The parser counts anew in each entity.
+bool HasRoom(xmlDoc* doc) noexcept
+{
+    xmlNode* const root = xmlDocGetRootElement(doc);
+    if (!Shape::Below(root).Fits()) return false;
+    for (xmlNode* node = root; node; node = NextBelow(root, node))
+        if (node->type == XML_TEXT_NODE && ViewOf(node->content).size() > XML_MAX_TEXT) return false;
+    return true;
+}
+
 DocPtr Parsing::Run(const char* pszEncoding, bool bIgnoreDeclared)
 {
     const Hush hush;
@@ -201,7 +234,9 @@ DocPtr Parsing::Run(const char* pszEncoding, bool bIgnoreDeclared)
     DocPtr doc(std::exchange(m_context->myDoc, nullptr));
     const bool bWhole = m_context->wellFormed && !m_context->disableSAX && !m_bRefused;
     if (!doc || !bWhole) return nullptr;
+    if (doc->intSubset && !HasRoom(doc.get())) return nullptr;
     ForgetIds(doc.get());
+    if (doc->dict) xmlDictSetLimit(doc->dict, 0); // a full one gives null to what changes the tree
     return doc;
 }
 

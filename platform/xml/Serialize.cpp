@@ -1,5 +1,8 @@
 #include "platform/xml/Serialize.h"
 
+#include "platform/xml/EscapedTexts.h"
+#include "platform/xml/FileEncoding.h"
+
 #include <libxml/xmlsave.h>
 #include <new>
 
@@ -7,15 +10,7 @@ namespace kx::xml {
 
 namespace {
 
-using Buffer = std::unique_ptr<xmlBuffer, FreeBy<xmlBufferFree>>;
-
 constexpr const char* kUtf8 = "UTF-8";
-
-// libxml2's marks in `standalone`.
-bool HasDeclaration(const xmlDoc* doc) noexcept
-{
-    return doc->standalone != -1;
-}
 
 std::string Declaration(const xmlDoc* doc, std::string_view encoding)
 {
@@ -66,6 +61,7 @@ std::string DocumentMarkup(xmlDoc* doc, std::string_view encoding)
 std::string MarkupOf(xmlNode* node)
 {
     const Hush hush;
+    const EscapedTexts escaped(node);
     if (node->type == XML_DOCUMENT_NODE) return DocumentMarkup(reinterpret_cast<xmlDoc*>(node), {});
     std::string text;
     Append(text, node);
@@ -76,19 +72,9 @@ std::string MarkupOf(xmlNode* node)
 std::optional<std::string> FileContentOf(xmlDoc* doc)
 {
     const Hush hush;
-    const bool bOther =
-        HasDeclaration(doc) && doc->encoding && xmlStrcasecmp(doc->encoding, ToXml(kUtf8)) != 0;
-    if (!bOther) return DocumentMarkup(doc, kUtf8) + "\n";
-
-    const Buffer buffer(xmlBufferCreate());
-    if (!buffer) return std::nullopt;
-    xmlSaveCtxt* const saving =
-        xmlSaveToBuffer(buffer.get(), reinterpret_cast<const char*>(doc->encoding), XML_SAVE_AS_XML);
-    if (!saving) return std::nullopt;
-    const bool bWritten = xmlSaveDoc(saving, doc) >= 0;
-    if (xmlSaveClose(saving) < 0 || !bWritten) return std::nullopt;
-    return std::string(reinterpret_cast<const char*>(xmlBufferContent(buffer.get())),
-                       static_cast<std::size_t>(xmlBufferLength(buffer.get())));
+    const EscapedTexts escaped(reinterpret_cast<xmlNode*>(doc));
+    const FileEncoding encoding(doc);
+    return encoding.Encode(DocumentMarkup(doc, encoding.Name()) + "\n");
 }
 
 } // namespace kx::xml

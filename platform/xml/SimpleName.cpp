@@ -66,6 +66,7 @@ xmlNode* SimpleName::FirstFrom(xmlNode* node) const noexcept
 
 xmlNode* SimpleName::FirstIn(const xmlNode* parent, Passed& passed) const noexcept
 {
+    if (parent->type == XML_ATTRIBUTE_NODE) return nullptr; // no elements in it, and its text comes and goes
     const std::uint64_t bit = BitOf(m_text.data());
     if (passed.parent != parent || (passed.names & bit)) passed = {parent, nullptr, 0};
     xmlNode* node = passed.last ? passed.last->next : parent->children;

@@ -23,16 +23,26 @@ Tree::~Tree()
 
 void* Tree::NewBlock(std::size_t nBytes)
 {
-    return m_blocks ? std::exchange(m_blocks, m_blocks->next) : ::operator new(nBytes);
+    void* const block = m_blocks ? std::exchange(m_blocks, m_blocks->next) : ::operator new(nBytes);
+    if (m_nBlocks > 0) --m_nBlocks;
+    CountObject();
+    return block;
 }
 
 void Tree::EndBlock(void* block) noexcept
 {
 #if defined(KX_SANITIZED) // a sanitizer is to see who uses an object that ended
-    ::operator delete(block);
+    constexpr bool bKept = false;
 #else
-    m_blocks = new (block) Block{m_blocks};
+    const bool bKept = m_nBlocks < m_nMostObjects;
 #endif
+    --m_nObjects;
+    if (!bKept) {
+        ::operator delete(block);
+        return;
+    }
+    m_blocks = new (block) Block{m_blocks};
+    ++m_nBlocks;
 }
 
 xmlXPathContext* Tree::XPath()

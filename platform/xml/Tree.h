@@ -4,6 +4,7 @@
 #include "platform/xml/Libxml.h"
 #include "platform/xml/Ref.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <libxml/xpath.h>
 #include <memory>
@@ -42,9 +43,17 @@ public:
     xmlDoc* Doc() const noexcept { return m_doc.get(); }
     xmlNode* DocNode() const noexcept { return reinterpret_cast<xmlNode*>(m_doc.get()); }
     xmlNode* Root() const noexcept { return xmlDocGetRootElement(m_doc.get()); }
-    // Memory for nodes' objects, all of one size, which come and go with every step of a walk.
+    // Memory for nodes' objects, all of one size, which come and go with every step of a walk. Those that
+    // ended are kept for the next ones, but no more than there ever were at once: objects also come from
+    // other trees.
     void* NewBlock(std::size_t nBytes);
     void EndBlock(void* block) noexcept;
+    // An object, with its block, goes over to another tree.
+    void PassObject(Tree& to) noexcept
+    {
+        --m_nObjects;
+        to.CountObject();
+    }
     Passed& LastSearch() noexcept { return m_passed; }
     // To be called before nodes come, go or move.
     void ForgetSearch() noexcept { m_passed = {}; }
@@ -54,6 +63,7 @@ public:
 private:
     explicit Tree(DocPtr doc) noexcept : m_doc(std::move(doc)) {}
     ~Tree();
+    void CountObject() noexcept { m_nMostObjects = std::max(m_nMostObjects, ++m_nObjects); }
 
     struct Block
     {
@@ -61,7 +71,10 @@ private:
     };
 
     unsigned m_nRefs = 1;
-    Block* m_blocks = nullptr; // those that ended
+    Block* m_blocks = nullptr; // kept
+    std::size_t m_nBlocks = 0;
+    std::size_t m_nObjects = 0;
+    std::size_t m_nMostObjects = 0;
     Passed m_passed;
     const LiveHandle m_live;
     DocPtr m_doc;

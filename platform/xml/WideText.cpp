@@ -49,9 +49,18 @@ bool IsControl(char ch) noexcept
 // U+FFFE and U+FFFF are no characters.
 void ReplaceNonCharacters(std::string& utf8)
 {
-    for (std::size_t at = 0; (at = utf8.find("\xEF\xBF", at)) != std::string::npos; ++at)
-        if (at + 2 < utf8.size() && static_cast<unsigned char>(utf8[at + 2]) >= 0xBE)
-            utf8.replace(at, 3, 1, '?');
+    std::size_t at = utf8.find("\xEF\xBF");
+    if (at == utf8.npos) return;
+    auto to = utf8.begin() + static_cast<std::ptrdiff_t>(at);
+    const std::string_view text = utf8;
+    while (at < text.size()) {
+        const std::string_view rest = text.substr(at);
+        const bool bNone =
+            rest.starts_with("\xEF\xBF") && rest.size() > 2 && static_cast<unsigned char>(rest[2]) >= 0xBE;
+        *to++ = bNone ? '?' : rest[0];
+        at += bNone ? 3 : 1;
+    }
+    utf8.erase(to, utf8.end());
 }
 
 } // namespace

@@ -2,12 +2,17 @@
 
 #include "include/platform/Unknown.h"
 
+#include <algorithm>
 #include <libxml/xpathInternals.h>
 
 namespace kx::xml {
 
 namespace {
 
+// A step may take time that follows the nodes found so far, so a small document gets by with few; those that
+// pass through all of a large one a few times need more.
+constexpr unsigned long kSteps = 3'000'000;
+constexpr unsigned long kStepsPerNode = 8;
 constexpr unsigned long kMostSteps = 30'000'000;
 // libxml2 nests to a depth of 5,000; the rest is for the caller's stack.
 constexpr int kDepthTaken = 4'000;
@@ -40,6 +45,9 @@ public:
     Result Run(const Expression& expression)
     {
         Prepare();
+        Result result(xmlXPathCompiledEval(expression.get(), m_context));
+        if (result || m_context->opCount < m_nSteps || !AllowMore()) return result;
+        Prepare();
         return Result(xmlXPathCompiledEval(expression.get(), m_context));
     }
     Expression Compile(const std::string& text)
@@ -56,10 +64,14 @@ private:
     {
         xmlResetError(&m_context->lastError);
         m_context->node = m_from;
-        m_context->opLimit = kMostSteps;
+        m_context->opLimit = m_nSteps;
         m_context->opCount = 0;
         m_context->depth = kDepthTaken;
     }
+
+    xmlNode* Top() const noexcept;
+    // As many steps as the document's size allows; false if that is no more.
+    bool AllowMore() noexcept;
 
     struct FreeList
     {
@@ -68,15 +80,31 @@ private:
 
     xmlXPathContext* m_context;
     xmlNode* m_from;
+    unsigned long m_nSteps = kSteps;
     std::unique_ptr<xmlNs*, FreeList> m_inScope;
 };
 
-void Evaluation::TakePrefixesFromAnywhere()
+// The document's element, or that of the branch.
+xmlNode* Evaluation::Top() const noexcept
 {
     xmlNode* top = m_from;
     while (top->parent && top->parent->type != XML_DOCUMENT_NODE)
         top = top->parent;
-    if (top->type == XML_DOCUMENT_NODE) top = xmlDocGetRootElement(top->doc);
+    return top->type == XML_DOCUMENT_NODE ? xmlDocGetRootElement(top->doc) : top;
+}
+
+bool Evaluation::AllowMore() noexcept
+{
+    xmlNode* const top = Top();
+    unsigned long nSteps = 0;
+    for (xmlNode* node = top; node && nSteps < kMostSteps; node = NextBelow(top, node))
+        nSteps += kStepsPerNode;
+    return nSteps > std::exchange(m_nSteps, std::clamp(nSteps, kSteps, kMostSteps));
+}
+
+void Evaluation::TakePrefixesFromAnywhere()
+{
+    xmlNode* const top = Top();
     for (xmlNode* node = top; node; node = NextBelow(top, node)) {
         if (node->type != XML_ELEMENT_NODE) continue;
         for (const xmlNs* ns = node->nsDef; ns; ns = ns->next)

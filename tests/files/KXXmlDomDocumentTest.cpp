@@ -4,8 +4,10 @@
 #include "tests/support/Host.h"
 #include "tests/support/TempDir.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <string>
 #include <thread>
 
@@ -72,6 +74,10 @@ TEST_F(KXXmlDomDocument, LoadsWhatIsWellFormed)
         {"<a>\xC4\xE3&lt;&#x597D;</a>", "<a>\xC4\xE3&lt;\xBA\xC3</a>"},
         {"<a \xC4\xE3='\xBA\xC3'/>", "<a \xC4\xE3=\"\xBA\xC3\"/>"},
         {"<a>\r\n\t</a>", "<a>\n\t</a>"},
+        {"<a xmlns:p='u?a=1&amp;b&lt;\"c\"&#9;'><p:b/></a>",
+         "<a xmlns:p=\"u?a=1&amp;b&lt;&quot;c&quot;&#9;\"><p:b/></a>"},
+        {"<!DOCTYPE a [<!ATTLIST a b CDATA \"x&amp;&lt;'&quot;y\">]><a/>",
+         "<!DOCTYPE a [\n<!ATTLIST a b CDATA \"x&amp;&lt;'&quot;y\">\n]>\n<a/>"},
         {"", nullptr},
         {" ", nullptr},
         {"text", nullptr},
@@ -92,6 +98,10 @@ TEST_F(KXXmlDomDocument, LoadsWhatIsWellFormed)
         EXPECT_STREQ(doc.GetXml(), one.pszBack ? one.pszBack : "") << one.pszXml;
         EXPECT_STREQ(doc.GetText(), doc.GetXml());
         EXPECT_EQ(doc.GetDocumentElement().IsValid(), one.pszBack != nullptr);
+        if (!one.pszBack) continue;
+        CKXXmlDomDocument again;
+        EXPECT_TRUE(again.LoadXml(doc.GetXml()) && Load(again, Saved(doc))) << one.pszXml;
+        EXPECT_STREQ(again.GetXml(), one.pszBack);
     }
 }
 
@@ -145,7 +155,8 @@ TEST_F(KXXmlDomDocument, ReadsFilesInTheirEncodings)
 
 TEST_F(KXXmlDomDocument, SavesInItsEncoding)
 {
-    const std::string w = "<w>" + std::string(kNiHao) + "\x96\x7C</w>"; // the last one is not in GB2312
+    const std::string w =
+        "<w>" + std::string(kNiHao) + "\x96\x7C</w>"; // the last one is not in GB2312 itself
     const std::string utf8 = "<w>" + kNiHaoUtf8 + "\xE6\x9D\xB1</w>";
     const struct
     {
@@ -156,7 +167,7 @@ TEST_F(KXXmlDomDocument, SavesInItsEncoding)
         {"<?xml version='1.0'?>", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + utf8 + "\n"},
         {"<?xml version='1.0' encoding='gbk'?>", "<?xml version=\"1.0\" encoding=\"gbk\"?>\n" + w + "\n"},
         {"<?xml version='1.0' encoding='GB2312'?>",
-         "<?xml version=\"1.0\" encoding=\"GB2312\"?>\n<w>" + std::string(kNiHao) + "&#26481;</w>\n"},
+         "<?xml version=\"1.0\" encoding=\"GB2312\"?>\n" + w + "\n"},
         {"<?xml version='1.0' encoding='nonsense'?>",
          "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + utf8 + "\n"},
     };
@@ -166,6 +177,46 @@ TEST_F(KXXmlDomDocument, SavesInItsEncoding)
         EXPECT_EQ(Saved(doc), one.saved) << one.pszDeclaration;
         EXPECT_TRUE(doc.Load(m_dir.Win("out.xml")));
         EXPECT_STREQ(doc.GetDocumentElement().GetXml(), w.c_str());
+    }
+}
+
+// What an encoding lacks becomes a reference in texts and attributes; where none can stand, the file is in
+// UTF-8 instead.
+TEST_F(KXXmlDomDocument, SavesWhatItsEncodingLacks)
+{
+    const std::string e = "\x81\x39\xEE\x39"; // of GB18030, in no smaller one
+    const struct
+    {
+        const char* pszEncoding;
+        std::string xml;
+        const char* pszIn; // the encoding of the file
+    } cases[] = {
+        {"gb2312", "<w a='\xA2\xE3'>\xA2\xE3" + e + "</w>", "gb2312"},
+        {"gb2312", "<w><![CDATA[\x96\x7C]]><!--\x96\x7C--></w>", "gb2312"},
+        {"gb2312", "<w><![CDATA[" + e + "]]></w>", "UTF-8"},
+        {"gbk", "<w><!--\xA2\xE3--></w>", "UTF-8"},
+        {"gb18030", "<w><![CDATA[" + e + "\xA2\xE3]]></w>", "gb18030"},
+        {"iso-8859-1", std::string("<w a='") + kNiHao + "'>" + kNiHao + "</w>", "iso-8859-1"},
+        {"iso-8859-1", std::string("<w><") + kNiHao + "/></w>", "UTF-8"},
+        {"iso-8859-1", std::string("<w ") + kNiHao + "='1'/>", "UTF-8"},
+        {"iso-8859-1", std::string("<w xmlns:") + kNiHao + "='u'/>", "UTF-8"},
+        {"iso-8859-1", std::string("<w><?p ") + kNiHao + "?></w>", "UTF-8"},
+        {"iso-8859-1", std::string("<!--") + kNiHao + "--><w/>", "UTF-8"},
+        {"us-ascii", std::string("<!DOCTYPE w [<!ENTITY ") + kNiHao + " 'x'>]><w/>", "UTF-8"},
+        {"utf-16", std::string("<w><") + kNiHao + "/></w>", "utf-16"},
+    };
+    for (const auto& one : cases) {
+        CKXXmlDomDocument doc;
+        const std::string declaration =
+            std::string("<?xml version='1.0' encoding='") + one.pszEncoding + "'?>";
+        ASSERT_TRUE(doc.LoadXml((declaration + one.xml).c_str())) << one.xml;
+        const CString strXml = doc.GetXml();
+        const std::string saved = Saved(doc);
+        std::string ascii;
+        std::copy_if(saved.begin(), saved.end(), std::back_inserter(ascii), [](char ch) { return ch > 0; });
+        EXPECT_NE(ascii.find(std::string("encoding=\"") + one.pszIn + "\""), ascii.npos) << ascii;
+        EXPECT_TRUE(doc.Load(m_dir.Win("out.xml"))) << one.xml;
+        EXPECT_EQ(doc.GetXml(), strXml);
     }
 }
 
@@ -211,6 +262,13 @@ TEST_F(KXXmlDomDocument, SaveLeavesTheOldFileOrTheNew)
     EXPECT_EQ(doc.GetXml(), "");
     doc.Save(m_dir.Win("a.xml")); // an empty document is no file
     EXPECT_EQ(m_dir.Read("a.xml"), "<new/>\n");
+    CKXXmlDomElement large = doc.CreateElement("large", nullptr); // as a file, beyond what is loaded
+    for (int n = 0; n < 2; ++n)
+        large.AppendChild(doc.CreateElement("e", CString('&', XML_MAX_FILE / 9)));
+    doc.SetDocumentElement(large);
+    doc.Save(m_dir.Win("a.xml"));
+    EXPECT_EQ(m_dir.Read("a.xml"), "<new/>\n");
+    EXPECT_TRUE(doc.LoadXml("<new/>"));
     for (const CString& strFrom : {m_dir.Win("d"), m_dir.Win("none.xml"), CString("http://127.0.0.1/a.xml")})
         EXPECT_FALSE(doc.Load(strFrom));
 }

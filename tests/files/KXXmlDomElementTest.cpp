@@ -167,6 +167,32 @@ TEST_F(KXXmlDomElement, NestsNoDeeperThanItLoads)
     EXPECT_EQ(nDepth, XML_MAX_DEPTH);
 }
 
+// Declarations around one place, wherever they were made.
+TEST_F(KXXmlDomElement, DeclaresNoMoreThanItLoads)
+{
+    const auto declare = [](CKXXmlDomElement element, const char* pszPrefix) {
+        int nTaken = 0;
+        for (int n = 0; n <= XML_MAX_NAMESPACES; ++n) {
+            const std::string name = "xmlns:" + (pszPrefix + std::to_string(n));
+            element.SetAttributeString(name.c_str(), "u");
+            nTaken += element.GetAttributeString(name.c_str()) == "u";
+        }
+        return nTaken;
+    };
+    CKXXmlDomElement root = Root("<a><b xmlns:x='u'/><b/><b/></a>");
+    CKXXmlDomElement c = m_doc.CreateElement("c", nullptr);
+    EXPECT_EQ(declare(c, "p"), XML_MAX_NAMESPACES);
+    root.GetChild("b[1]").AppendChild(c);
+    EXPECT_FALSE(root.GetChild("b/c").IsValid());
+    root.GetChild("b[2]").AppendChild(c);
+    EXPECT_TRUE(root.GetChild("b/c").IsValid());
+    EXPECT_EQ(declare(root, "q"), 0);
+    root.GetChild("b[2]").SetText("");
+    EXPECT_EQ(declare(root, "q"), XML_MAX_NAMESPACES - 1);
+    CKXXmlDomDocument again;
+    EXPECT_TRUE(again.LoadXml(m_doc.GetXml()));
+}
+
 TEST_F(KXXmlDomElement, ReadsAttributes)
 {
     CKXXmlDomElement root = Root("<a xmlns='urn:d' xmlns:p='urn:p' p:q='5' s='a&lt;&#x4F60;' e='' h='\"'/>");
@@ -263,6 +289,8 @@ TEST_F(KXXmlDomElement, WritesAttributes)
     root.SetAttributeString("xmlns:p", "urn:q");
     root.SetAttributeString("xmlns:r", "urn:r");
     EXPECT_EQ(root.GetAttributeString("xmlns:p"), "urn:q");
+    root.SetAttributeString("xmlns:r", "a&b<c");
+    EXPECT_EQ(root.GetAttributeString("xmlns:r"), "a&b<c");
     EXPECT_TRUE(root.GetChild("p:b").IsValid());
     // More than would be loaded again.
     root.SetAttributeString("x", CString('x', (1 << 20) + 1));
@@ -270,6 +298,26 @@ TEST_F(KXXmlDomElement, WritesAttributes)
     root.SetAttributeString("x", CString('x', 1 << 20));
     EXPECT_TRUE(m_doc.LoadXml(m_doc.GetXml()));
     EXPECT_EQ(m_doc.GetDocumentElement().GetAttributeString("x").GetLength(), 1 << 20);
+}
+
+// Names go with their prefixes, whatever those are made to mean.
+TEST_F(KXXmlDomElement, FollowsLaterDeclarations)
+{
+    CKXXmlDomElement root =
+        Root("<a xmlns:p='u' xmlns:q='v' p:x='1' q:x='2'><p:b p:i='1'><p:c/><d xmlns:p='w'>"
+             "<p:e/></d></p:b></a>");
+    root.SetAttributeString("xmlns:q", "u");
+    root.SetAttributeString("q:x", "3");
+    EXPECT_EQ(root.GetAttributeString("p:x"), "1");
+    EXPECT_EQ(root.GetAttributeString("q:x"), "3");
+    CKXXmlDomElement b = root.GetChild("p:b");
+    b.SetAttributeString("xmlns:p", "v");
+    EXPECT_TRUE(b.GetChild("p:c").IsValid());
+    EXPECT_TRUE(
+        b.GetChild("../*[namespace-uri()='v'][@*[namespace-uri()='v']]/*[namespace-uri()='v']").IsValid());
+    EXPECT_TRUE(b.GetChild("d/*[namespace-uri()='w']").IsValid());
+    EXPECT_FALSE(root.GetChild("p:b").IsValid());
+    EXPECT_STREQ(b.GetXml(), "<p:b xmlns:p=\"v\" p:i=\"1\"><p:c/><d xmlns:p=\"w\"><p:e/></d></p:b>");
 }
 
 TEST_F(KXXmlDomElement, FindsByPattern)

@@ -4,6 +4,7 @@
 #include "tests/support/Com.h"
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <string>
 #include <thread>
 #include <vector>
@@ -152,6 +153,10 @@ TEST_F(Dom, TellsWhatANodeIs)
     ASSERT_EQ(Find(u"a/@k", attribute), S_OK);
     EXPECT_EQ(attribute->put_text(Arg(u"new\x01\xFFFE")), S_OK);
     EXPECT_EQ(attribute->appendChild(m_root, nullptr), E_FAIL);
+    Out<IXMLDOMNode> none; // nothing is below it, and a search keeps nothing of what its text was
+    EXPECT_EQ(attribute->selectSingleNode(Arg(u"x"), &none), S_FALSE);
+    EXPECT_EQ(attribute->put_text(Arg(u"new\x01\xFFFE")), S_OK);
+    EXPECT_EQ(attribute->selectSingleNode(Arg(u"yy"), &none), S_FALSE);
     EXPECT_EQ(Get(m_root, &IXMLDOMNode::get_xml), u"<a k=\"new??\">t<b/><![CDATA[d]]></a>");
 }
 
@@ -203,6 +208,39 @@ TEST_F(Dom, BoundsTheStepsOfAnExpression)
     Out<IXMLDOMNode> node;
     EXPECT_EQ(Find(u"//b[count(//b[count(//b[count(//b) > 0]) > 0]) > 0]", node), E_FAIL);
     EXPECT_EQ(Find(u"//b[count(//b) > 0]", node), S_OK); // the next one has its own
+    // A long document may be passed a few times.
+    xml = u"<a>";
+    for (int n = 0; n < 800'000; ++n)
+        xml += u"<b/>";
+    ASSERT_EQ(m_doc->loadXML(Arg((xml + u"</a>").c_str()), &bDone), S_OK);
+    EXPECT_EQ(Find(u"//c | //d | //e | //f | *", node), S_OK);
+    EXPECT_EQ(Find(u"//c | //d | //e | //f | //g | //h | //i | //j | //k | *", node), E_FAIL);
+}
+
+// Objects that are made in one document and end in another.
+TEST_F(Dom, WanderersLeaveNoMemoryBehind)
+{
+    Out<IXMLDOMDocument> from;
+    ASSERT_EQ(Make(IID_IXMLDOMDocument, reinterpret_cast<void**>(&from)), S_OK);
+    const Arg name(u"e");
+    const auto round = [&] {
+        Out<IXMLDOMElement> element;
+        ASSERT_EQ(from->createElement(name, &element), S_OK);
+        ASSERT_EQ(m_root->appendChild(element, nullptr), S_OK);
+        ASSERT_EQ(m_root->put_text(nullptr), S_OK);
+    };
+    round();
+    const auto nBefore = mallinfo2().uordblks;
+    for (int nRound = 0; nRound < 100'000; ++nRound)
+        round();
+    EXPECT_LT(mallinfo2().uordblks, nBefore + (1 << 20));
+}
+
+TEST_F(Dom, ReplacesMuchThatIsNoCharacterInOnePass)
+{
+    const std::u16string text(3'000'000, u'\xFFFF');
+    EXPECT_EQ(m_root->put_text(Arg(text.c_str())), S_OK);
+    EXPECT_EQ(Get(m_root, &IXMLDOMNode::get_text), std::u16string(text.size(), u'?'));
 }
 
 // A document's node keeps what is replaced alive, and each thread has documents of its own.

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/resource.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -19,6 +20,20 @@ std::string Repeat(int nTimes, const std::string& text)
         all += text;
     return all;
 }
+
+// A text as an argument.
+class Arg
+{
+public:
+    Arg(const char16_t* psz) : m_bstr(SysAllocString(psz)) {}
+    Arg(const Arg&) = delete;
+    Arg& operator=(const Arg&) = delete;
+    ~Arg() { SysFreeString(m_bstr); }
+    operator BSTR() const { return m_bstr; }
+
+private:
+    BSTR m_bstr;
+};
 
 class HostileXml : public testing::Test
 {
@@ -55,6 +70,14 @@ protected:
         const std::u16string text(bstr, SysStringLen(bstr));
         SysFreeString(bstr);
         return text;
+    }
+
+    // The document's element, for the caller to release.
+    IXMLDOMElement* Root() const
+    {
+        IXMLDOMElement* pRoot = nullptr;
+        Doc()->get_documentElement(&pRoot);
+        return pRoot;
     }
 
     test::Com m_com;
@@ -110,6 +133,10 @@ TEST_F(HostileXml, EntitiesDontMultiply)
     const std::string big = "<!DOCTYPE a [<!ENTITY e '" + Repeat(1000, "<b/>") + "'>]><a>";
     EXPECT_TRUE(Loads(big + Repeat(10, "&e;") + "</a>"));
     EXPECT_FALSE(Loads(big + Repeat(100'000, "&e;") + "</a>"));
+    // Each is appended to the whole text before it.
+    const std::string text = "<!DOCTYPE a [<!ENTITY e 'x'>]><a>" + std::string(9'000'000, 'x');
+    EXPECT_TRUE(Loads(text + Repeat(100, "&e;") + "</a>"));
+    EXPECT_FALSE(Loads(text + Repeat(200'000, "&e;") + "</a>"));
     for (const char* pszLoop : {"<!ENTITY a '&b;'><!ENTITY b '&a;'>", "<!ENTITY a '&a;'>",
                                 "<!ENTITY % p '&#37;p;'> %p;", "<!ENTITY % p '<!ENTITY a \"x\">'> %p; %p;"})
         Loads(std::string("<!DOCTYPE a [") + pszLoop + "]><a>&a;</a>"); // the last one may be taken
@@ -130,6 +157,34 @@ TEST_F(HostileXml, EntitiesDontMultiply)
                        Repeat(100'000, "<b/>") + "</a>"));
 }
 
+TEST_F(HostileXml, DeclarationsAreBounded)
+{
+    const auto values = [](int nCount) {
+        std::string xml = "<!DOCTYPE a [<!ATTLIST a b (x";
+        for (int n = 0; n < nCount; ++n)
+            xml += "|x" + std::to_string(n);
+        return xml + ") #IMPLIED>]><a/>";
+    };
+    EXPECT_TRUE(Loads(values(5000)));
+    EXPECT_FALSE(Loads(values(1'000'000))); // each would be compared with all before it
+    EXPECT_TRUE(Loads("<!DOCTYPE a [<!ENTITY e 'x'>]><a>" + Repeat(100'000, "text ") + "</a>"));
+    // An entity that nothing declares is refused also where something unread could have declared it.
+    const std::string parameter = "<!DOCTYPE a [<!ENTITY % p ''> %p;]>";
+    EXPECT_TRUE(Loads(parameter + "<a>xy</a>"));
+    EXPECT_FALSE(Loads(parameter + "<a>x&undef;y</a>"));
+    EXPECT_FALSE(Loads(parameter + "<a b='x&undef;y'/>"));
+}
+
+// Each names a catalog, which nobody reads.
+TEST_F(HostileXml, CatalogInstructionsAreLikeOthers)
+{
+    EXPECT_TRUE(Loads(Repeat(300'000, "<?oasis-xml-catalog catalog='x'?>") + "<a/>"));
+    IXMLDOMNode* pFound = nullptr;
+    EXPECT_EQ(Doc()->selectSingleNode(Arg(u"processing-instruction('oasis-xml-catalog')[300000]"), &pFound),
+              S_OK);
+    if (pFound) pFound->Release();
+}
+
 TEST_F(HostileXml, ShapesAreBounded)
 {
     EXPECT_FALSE(Loads(Repeat(1'000'000, "<a>")));
@@ -148,7 +203,27 @@ TEST_F(HostileXml, ShapesAreBounded)
     EXPECT_TRUE(Loads(attributes(XML_MAX_ATTRIBUTES, "b")));
     EXPECT_FALSE(Loads(attributes(XML_MAX_ATTRIBUTES + 1, "b")));
     EXPECT_FALSE(Loads(attributes(1'000'000, "b")));
+    const auto namespaces = [](int nCount) {
+        std::string xml = "<a";
+        for (int n = 0; n < nCount; ++n)
+            xml.append(" xmlns:p").append(std::to_string(n)).append("='u'");
+        return xml;
+    };
+    EXPECT_TRUE(
+        Loads(namespaces(XML_MAX_NAMESPACES / 2) + ">" + namespaces(XML_MAX_NAMESPACES / 2) + "/></a>"));
+    EXPECT_FALSE(Loads(namespaces(XML_MAX_NAMESPACES / 2) + "><b xmlns='u'>" +
+                       namespaces(XML_MAX_NAMESPACES / 2) + "/></b></a>"));
     EXPECT_FALSE(Loads(attributes(1'000'000, "xmlns:p")));
+    // An entity's elements lie in those around it, and its text is part of the text around it.
+    const auto deep = [](int nDepth) { return Repeat(nDepth, "<a>") + "x" + Repeat(nDepth, "</a>"); };
+    const std::string entity = "<!DOCTYPE a [<!ENTITY e '" + deep(XML_MAX_DEPTH / 2) + "'>]>";
+    const auto around = [&](int nDepth) {
+        return entity + Repeat(nDepth, "<a>") + "&e;" + Repeat(nDepth, "</a>");
+    };
+    EXPECT_TRUE(Loads(around(XML_MAX_DEPTH / 2)));
+    EXPECT_FALSE(Loads(around(XML_MAX_DEPTH / 2 + 1)));
+    EXPECT_FALSE(
+        Loads("<!DOCTYPE a [<!ENTITY e '0123456789'>]><a>" + std::string(XML_MAX_TEXT - 1, 'x') + "&e;</a>"));
     EXPECT_FALSE(Loads("<" + std::string(2'000'000, 'a') + "/>"));
     EXPECT_TRUE(Loads("<a>" + std::string(XML_MAX_TEXT, 'x') + "</a>"));
     EXPECT_FALSE(Loads("<a>" + std::string(XML_MAX_TEXT + 100'000, 'x') + "</a>"));
@@ -167,6 +242,53 @@ TEST_F(HostileXml, BrokenBytesAreRefused)
     EXPECT_FALSE(Loads(std::string("\xFF\xFE<\0a\0/\0>", 9)));
     EXPECT_FALSE(Loads(std::string("\xFF\xFE<\0a\0>\0\x00\xD8<\0/\0a\0>\0", 18)));
     EXPECT_FALSE(Loads(Repeat(1'000'000, "\xFF\xFE")));
+}
+
+// The parser takes so many bytes of names and no more. What was loaded with all that fit can be changed.
+TEST_F(HostileXml, NamesThatLeaveNoRoomForOthers)
+{
+    std::string names = "<r>";
+    int nNames = 0;
+    for (const auto& [nLength, nMost] : {std::pair(7400U, 1024), std::pair(9U, 4096)}) {
+        std::string fit;
+        const auto loads = [&](int nCount) {
+            std::string xml = names;
+            for (int n = 0; n < nCount; ++n) {
+                const std::string number = std::to_string(nNames + n);
+                xml += "<n" + number + std::string(nLength - 1 - number.size(), 'x') + "/>";
+            }
+            if (!Loads(xml + "</r>")) return false;
+            fit = std::move(xml);
+            return true;
+        };
+        int nFits = 0;
+        for (int nStep = nMost; nStep > 0; nStep /= 2)
+            if (loads(nFits + nStep)) nFits += nStep;
+        nNames += nFits;
+        names = fit;
+    }
+    ASSERT_TRUE(Loads(names + "</r>"));
+    IXMLDOMElement* const pRoot = Root();
+    VARIANT value{};
+    value.vt = VT_BSTR;
+    value.bstrVal = SysAllocString(u"v");
+    EXPECT_EQ(pRoot->setAttribute(Arg(u"configuration-name"), value), S_OK);
+    VariantClear(&value);
+    EXPECT_EQ(pRoot->getAttribute(Arg(u"configuration-name"), &value), S_OK);
+    VariantClear(&value);
+
+    void* pOther = nullptr;
+    CoCreateInstance(CLSID_DOMDocument, nullptr, CLSCTX_ALL, IID_IXMLDOMDocument, &pOther);
+    IXMLDOMElement* pMade = nullptr;
+    IXMLDOMNode* pFound = nullptr;
+    static_cast<IXMLDOMDocument*>(pOther)->createElement(Arg(u"an-element-of-another-one"), &pMade);
+    EXPECT_EQ(pRoot->appendChild(pMade, nullptr), S_OK);
+    EXPECT_EQ(pRoot->selectSingleNode(Arg(u"an-element-of-another-one"), &pFound), S_OK);
+    EXPECT_EQ(pFound, pMade);
+    if (pFound) pFound->Release();
+    pMade->Release();
+    static_cast<IXMLDOMDocument*>(pOther)->Release();
+    pRoot->Release();
 }
 
 } // namespace

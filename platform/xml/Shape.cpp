@@ -1,0 +1,56 @@
+#include "platform/xml/Shape.h"
+
+#include "include/platform/Xml.h"
+#include "platform/xml/Tree.h"
+
+#include <algorithm>
+
+namespace kx::xml {
+
+namespace {
+
+// Of one node alone.
+Shape Own(const xmlNode* node) noexcept
+{
+    if (node->type != XML_ELEMENT_NODE) return {};
+    Shape own{1, 0};
+    for (const xmlNs* ns = node->nsDef; ns; ns = ns->next)
+        ++own.nNamespaces;
+    return own;
+}
+
+} // namespace
+
+Shape Shape::Below(xmlNode* branch) noexcept
+{
+    Shape most;
+    Shape at;
+    const auto leave = [&](const xmlNode* node) {
+        const Shape own = Own(node);
+        at = {at.nElements - own.nElements, at.nNamespaces - own.nNamespaces};
+    };
+    for (xmlNode* node = branch; node;) {
+        at = at + Own(node);
+        most = {std::max(most.nElements, at.nElements), std::max(most.nNamespaces, at.nNamespaces)};
+        xmlNode* const next = NextBelow(branch, node);
+        for (const xmlNode* left = node; next && left != next->parent; left = left->parent)
+            leave(left);
+        node = next;
+    }
+    return most;
+}
+
+Shape Shape::Above(const xmlNode* node) noexcept
+{
+    Shape all;
+    for (; node && node->type == XML_ELEMENT_NODE; node = node->parent)
+        all = all + Own(node);
+    return all;
+}
+
+bool Shape::Fits() const noexcept
+{
+    return nElements <= XML_MAX_DEPTH && nNamespaces <= XML_MAX_NAMESPACES;
+}
+
+} // namespace kx::xml
