@@ -14,6 +14,8 @@ class EscapedTexts
 public:
     explicit EscapedTexts(xmlNode* top);
 
+    bool Any() const noexcept { return !m_texts.empty(); }
+
 private:
     class Escaped
     {

@@ -56,15 +56,28 @@ std::string DocumentMarkup(xmlDoc* doc, std::string_view encoding)
     return text;
 }
 
+// What is written, once more if something in it has to be escaped. To look for declarations in the text is
+// far quicker than to walk through all nodes for them.
+template <class Write>
+std::string Escaped(xmlNode* top, Write write)
+{
+    std::string text = write();
+    if (!top->doc->intSubset && text.find("xmlns") == text.npos) return text;
+    const EscapedTexts escaped(top);
+    return escaped.Any() ? write() : text;
+}
+
 } // namespace
 
 std::string MarkupOf(xmlNode* node)
 {
     const Hush hush;
-    const EscapedTexts escaped(node);
-    if (node->type == XML_DOCUMENT_NODE) return DocumentMarkup(reinterpret_cast<xmlDoc*>(node), {});
-    std::string text;
-    Append(text, node);
+    std::string text = Escaped(node, [&] {
+        if (node->type == XML_DOCUMENT_NODE) return DocumentMarkup(reinterpret_cast<xmlDoc*>(node), {});
+        std::string markup;
+        Append(markup, node);
+        return markup;
+    });
     if (node->type == XML_ATTRIBUTE_NODE) text.erase(0, text.find_first_not_of(' '));
     return text;
 }
@@ -72,9 +85,9 @@ std::string MarkupOf(xmlNode* node)
 std::optional<std::string> FileContentOf(xmlDoc* doc)
 {
     const Hush hush;
-    const EscapedTexts escaped(reinterpret_cast<xmlNode*>(doc));
     const FileEncoding encoding(doc);
-    return encoding.Encode(DocumentMarkup(doc, encoding.Name()) + "\n");
+    return encoding.Encode(Escaped(reinterpret_cast<xmlNode*>(doc),
+                                   [&] { return DocumentMarkup(doc, encoding.Name()) + "\n"; }));
 }
 
 } // namespace kx::xml
