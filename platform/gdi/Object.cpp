@@ -9,7 +9,7 @@
 #include <mutex>
 #include <new>
 #include <optional>
-#include <thread>
+#include <sys/single_threaded.h>
 #include <vector>
 
 namespace kx::gdi {
@@ -89,7 +89,16 @@ namespace {
 
 constexpr std::uint64_t kRemoved = std::uint64_t{1} << 31;
 
+// By an atomic step, but in a process that has had no second thread.
+bool Replace(std::atomic<std::uint64_t>& state, std::uint64_t& seen, std::uint64_t next) noexcept
+{
+    if (!__libc_single_threaded)
+        return state.compare_exchange_weak(seen, next, std::memory_order_acq_rel, std::memory_order_relaxed);
+    state.store(next, std::memory_order_relaxed);
+    return true;
 }
+
+} // namespace
 
 std::optional<std::uint32_t> ObjectTable::TakeFree()
 {
@@ -137,8 +146,7 @@ ObjectTable::Slot* ObjectTable::Pin(HGDIOBJ handle) noexcept
     std::uint64_t state = slot->state.load(std::memory_order_relaxed);
     do {
         if ((state & kGenerations) != name.generation || (state & kRemoved)) return nullptr;
-    } while (!slot->state.compare_exchange_weak(state, state + 1, std::memory_order_acquire,
-                                                std::memory_order_relaxed));
+    } while (!Replace(slot->state, state, state + 1));
     if (slot->taken.load(std::memory_order_acquire)) return slot;
     Unpin(*slot); // free: the handle is invented
     return nullptr;
@@ -220,8 +228,10 @@ bool Remove(HGDIOBJ handle) noexcept
 
 void Unpin(Pins& pins) noexcept
 {
-    if ((pins.state.fetch_sub(1, std::memory_order_acq_rel) & UINT32_MAX) == (kRemoved | 1))
-        ObjectTable::Instance().EndRemoved(pins);
+    std::uint64_t state = pins.state.load(std::memory_order_relaxed);
+    while (!Replace(pins.state, state, state - 1)) {
+    }
+    if ((state & UINT32_MAX) == (kRemoved | 1)) ObjectTable::Instance().EndRemoved(pins);
 }
 
 Object* FindHeldContext(HGDIOBJ handle) noexcept
