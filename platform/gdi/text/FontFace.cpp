@@ -170,9 +170,8 @@ const Glyph& FontFace::Keep(char32_t ch, Glyph glyph)
         m_bytes = 0;
     }
     m_bytes += glyph.weights.size() * sizeof(std::int16_t) + sizeof(Glyph);
-    if (ch >= m_ascii.size()) return m_others[ch] = std::move(glyph);
-    m_ascii[ch] = std::make_unique<Glyph>(std::move(glyph));
-    return *m_ascii[ch];
+    Glyph& place = ch < m_ascii.size() ? *(m_ascii[ch] = std::make_unique<Glyph>()) : m_others[ch];
+    return place = std::move(glyph);
 }
 
 } // namespace kx::gdi
