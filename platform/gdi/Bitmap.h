@@ -12,11 +12,13 @@ namespace kx::gdi {
 // does its palette (depths of 8 bits and less; as many entries as the file declared, at most 2 to the depth).
 // A decoder may leave a pixel's index into the palette in its high byte: GetDIBits gives that index back for
 // as long as the pixel has its colour, even if the palette holds the colour twice.
-class Bitmap : public Object
+class Bitmap final : public Object
 {
 public:
+    static constexpr Kind KIND = Kind::Bitmap;
+
     Bitmap(Surface pixels, WORD nDepth, std::vector<RGBQUAD> colors = {}, bool bFromFile = false)
-        : Object(Kind::Bitmap),
+        : Object(KIND),
           surface(std::move(pixels)),
           depth(nDepth),
           palette(std::move(colors)),

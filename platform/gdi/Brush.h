@@ -5,11 +5,13 @@
 
 namespace kx::gdi {
 
-class Brush : public Object
+class Brush final : public Object
 {
 public:
+    static constexpr Kind KIND = Kind::Brush;
+
     // With BS_NULL the colour counts for nothing.
-    Brush(UINT nStyle, COLORREF clr) noexcept : Object(Kind::Brush), style(nStyle), color(clr & COLOR_BITS) {}
+    Brush(UINT nStyle, COLORREF clr) noexcept : Object(KIND), style(nStyle), color(clr & COLOR_BITS) {}
     // A LOGBRUSH.
     int Describe(int nSize, void* pBuffer) const override;
 

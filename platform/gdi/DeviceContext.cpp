@@ -25,7 +25,7 @@ std::shared_ptr<Bitmap> MakeOwnBitmap()
 } // namespace
 
 DeviceContext::DeviceContext()
-    : Object(Kind::Context),
+    : Object(KIND),
       m_own(MakeOwnBitmap()),
       m_view(MakeView(m_own->surface, WholeOf(m_own->surface), std::nullopt))
 {
@@ -37,7 +37,7 @@ DeviceContext::DeviceContext()
 
 DeviceContext::DeviceContext(HWND hWnd, std::shared_ptr<Backing> pixels,
                              const std::optional<PixelRegion>& limit)
-    : Object(Kind::Context),
+    : Object(KIND),
       m_window(hWnd),
       m_limit(limit),
       m_shared(std::move(pixels)),

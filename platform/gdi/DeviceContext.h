@@ -15,9 +15,11 @@
 namespace kx::gdi {
 
 // A surface to draw on, with what is selected into it. One thread at a time.
-class DeviceContext : public Object
+class DeviceContext final : public Object
 {
 public:
+    static constexpr Kind KIND = Kind::Context;
+
     // A memory surface, whose first bitmap is its own, of 1 by 1 pixel.
     DeviceContext();
     // Shared pixels: a window's, of which drawing reaches `limit` alone where there is one, or with null for

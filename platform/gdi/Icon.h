@@ -8,10 +8,12 @@
 namespace kx::gdi {
 
 // An icon: pixels whose high byte is their opacity.
-class Icon : public Object
+class Icon final : public Object
 {
 public:
-    explicit Icon(Surface image) : surface(std::move(image)) {}
+    static constexpr Kind KIND = Kind::Icon;
+
+    explicit Icon(Surface image) : Object(KIND), surface(std::move(image)) {}
 
     const Surface surface;
 };

@@ -33,7 +33,6 @@ public:
     Pinned<Object> Find(HGDIOBJ handle) noexcept;
     bool Remove(HGDIOBJ handle) noexcept;
     Object* FindHeldContext(HGDIOBJ handle) noexcept;
-    bool IsStock(HGDIOBJ handle) noexcept;
     void EndRemoved(Pins& pins) noexcept;
 
 private:
@@ -44,7 +43,6 @@ private:
         std::uint32_t index = 0;
         std::atomic<bool> taken{false};
         // Written before `taken` is set, and read by who has found it set.
-        bool stock = false;
         std::shared_ptr<Object> object;
         std::optional<LiveHandle> live;
         std::atomic<Object*> context{nullptr}; // the object if it is one; reset under the text lock
@@ -80,7 +78,7 @@ private:
     std::optional<std::uint32_t> TakeFree();
 
     std::array<std::atomic<Chunk*>, kChunks> m_chunks{};
-    std::mutex m_lock;
+    sync::WordLock m_lock;
     std::vector<std::unique_ptr<Chunk>> m_made; // under the lock
     std::vector<std::uint32_t> m_free;          // under the lock; with room for every slot made
 };
@@ -128,7 +126,7 @@ HGDIOBJ ObjectTable::Add(std::shared_ptr<Object> object, bool stock)
     const std::uint64_t generation = slot->state.load(std::memory_order_relaxed) & kGenerations;
     const auto handle = reinterpret_cast<HGDIOBJ>(std::uintptr_t{generation} | (*nIndex + 1));
     object->m_handle = handle;
-    slot->stock = stock;
+    object->m_stock = stock;
     if (!stock) slot->live.emplace();
     slot->object = std::move(object);
     if (slot->object->kind == Kind::Context)
@@ -200,15 +198,6 @@ Object* ObjectTable::FindHeldContext(HGDIOBJ handle) noexcept
     return context && context->Handle() == handle ? context : nullptr;
 }
 
-bool ObjectTable::IsStock(HGDIOBJ handle) noexcept
-{
-    Slot* const slot = Pin(handle);
-    if (!slot) return false;
-    const bool bStock = slot->stock;
-    Unpin(*slot);
-    return bStock;
-}
-
 HGDIOBJ Add(std::shared_ptr<Object> object, bool stock)
 try {
     return object ? ObjectTable::Instance().Add(std::move(object), stock) : nullptr;
@@ -237,11 +226,6 @@ void Unpin(Pins& pins) noexcept
 Object* FindHeldContext(HGDIOBJ handle) noexcept
 {
     return ObjectTable::Instance().FindHeldContext(handle);
-}
-
-bool IsStock(HGDIOBJ handle) noexcept
-{
-    return ObjectTable::Instance().IsStock(handle);
 }
 
 } // namespace kx::gdi

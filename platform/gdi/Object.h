@@ -6,13 +6,12 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
-#include <typeinfo>
 #include <utility>
 
 namespace kx::gdi {
 
-// What an object can be selected as; a device context and `Other` (an icon) can't be, and DeleteObject leaves
-// them alone.
+// An object's class, and what it can be selected as; a device context and an icon can't be, and DeleteObject
+// leaves them alone.
 enum class Kind
 {
     Bitmap,
@@ -21,7 +20,7 @@ enum class Kind
     Font,
     Region,
     Context,
-    Other
+    Icon
 };
 
 // What a handle of this family names. Objects are found through one table, so that a null, stale or invented
@@ -29,7 +28,7 @@ enum class Kind
 class Object
 {
 public:
-    explicit Object(Kind of = Kind::Other) noexcept : kind(of) {}
+    explicit Object(Kind of) noexcept : kind(of) {}
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;
     virtual ~Object() = default;
@@ -39,6 +38,7 @@ public:
     virtual int Describe(int, void*) const { return 0; }
     // Null before Add.
     HGDIOBJ Handle() const noexcept { return m_handle; }
+    bool IsStock() const noexcept { return m_stock; }
 
     const Kind kind;
     // How many surfaces hold it; DeleteObject refuses while there is one.
@@ -47,6 +47,7 @@ public:
 private:
     friend class ObjectTable;
     HGDIOBJ m_handle = nullptr;
+    bool m_stock = false;
 };
 
 // What a place of the table knows of who works on its object: see Object.cpp.
@@ -82,11 +83,11 @@ public:
     T* get() const noexcept { return m_object; }
     T* operator->() const noexcept { return m_object; }
     T& operator*() const noexcept { return *m_object; }
-    // The same pin under the object's own class; the object isn't looked at.
+    // The same pin under the object's own class.
     template <class U>
-    Pinned<U> As(U* object) && noexcept
+    Pinned<U> As() && noexcept
     {
-        return {std::exchange(m_pins, nullptr), object};
+        return {std::exchange(m_pins, nullptr), static_cast<U*>(m_object)};
     }
 
 private:
@@ -106,17 +107,14 @@ bool Remove(HGDIOBJ handle) noexcept;
 // The device context of a handle, or null, for who holds the text lock: it stays until that is let go, and
 // needs no pin.
 Object* FindHeldContext(HGDIOBJ handle) noexcept;
-bool IsStock(HGDIOBJ handle) noexcept;
 
 // The object of a handle if it is of that class.
 template <class T>
 Pinned<T> FindAs(const void* handle) noexcept
 {
     Pinned<Object> object = Find(const_cast<void*>(handle));
-    if (!object) return {};
-    Object& named = *object;
-    T* const of = typeid(named) == typeid(T) ? static_cast<T*>(&named) : dynamic_cast<T*>(&named);
-    return of ? std::move(object).As(of) : Pinned<T>();
+    if (!object || object->kind != T::KIND) return {};
+    return std::move(object).template As<T>();
 }
 
 // Describe for a record that is at hand.

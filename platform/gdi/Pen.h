@@ -5,11 +5,13 @@
 
 namespace kx::gdi {
 
-class Pen : public Object
+class Pen final : public Object
 {
 public:
+    static constexpr Kind KIND = Kind::Pen;
+
     Pen(UINT nStyle, int nWidth, COLORREF clr) noexcept
-        : Object(Kind::Pen), style(nStyle), width(nWidth > 1 ? nWidth : 1), color(clr & COLOR_BITS)
+        : Object(KIND), style(nStyle), width(nWidth > 1 ? nWidth : 1), color(clr & COLOR_BITS)
     {
     }
     // A LOGPEN.

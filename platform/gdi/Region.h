@@ -7,10 +7,12 @@
 
 namespace kx::gdi {
 
-class Region : public Object
+class Region final : public Object
 {
 public:
-    explicit Region(PixelRegion of) noexcept : Object(Kind::Region), pixels(std::move(of)) {}
+    static constexpr Kind KIND = Kind::Region;
+
+    explicit Region(PixelRegion of) noexcept : Object(KIND), pixels(std::move(of)) {}
 
     PixelRegion pixels;
 };

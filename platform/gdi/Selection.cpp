@@ -32,7 +32,7 @@ try {
 int DeleteObject(HGDIOBJ hObject)
 {
     const auto object = Find(hObject);
-    if (!object || object->kind >= Kind::Context || object->selected > 0 || IsStock(hObject)) return 0;
+    if (!object || object->kind >= Kind::Context || object->selected > 0 || object->IsStock()) return 0;
     return Remove(hObject) ? 1 : 0;
 }
 

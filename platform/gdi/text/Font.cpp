@@ -9,7 +9,7 @@
 
 namespace kx::gdi {
 
-Font::Font(const LOGFONTA& log) : Object(Kind::Font), m_log(log)
+Font::Font(const LOGFONTA& log) : Object(KIND), m_log(log)
 {
     m_log.lfFaceName[sizeof(m_log.lfFaceName) - 1] = '\0';
 }

@@ -7,9 +7,11 @@
 
 namespace kx::gdi {
 
-class Font : public Object
+class Font final : public Object
 {
 public:
+    static constexpr Kind KIND = Kind::Font;
+
     explicit Font(const LOGFONTA& log);
     // A LOGFONTA.
     int Describe(int nSize, void* pBuffer) const override { return DescribeAs(m_log, nSize, pBuffer); }
