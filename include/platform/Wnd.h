@@ -114,6 +114,7 @@ protected:
 
 private:
     friend LRESULT AfxWndProc(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam);
+    void LoseWindow() noexcept;
 
     bool m_bOwnsWindow = false;
 };

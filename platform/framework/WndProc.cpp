@@ -78,15 +78,31 @@ LRESULT AfxWndProc(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
     return nResult;
 }
 
+// An exception out of the creation ends the window without a message. A handler may have ended the object, so
+// it is looked for first.
+void CWnd::LoseWindow() noexcept
+{
+    const CWnd* const self = this;
+    if (std::erase_if(kx::framework::Wnds(), [&](const auto& entry) { return entry.second == self; }) == 0)
+        return;
+    m_bOwnsWindow = false;
+    m_hWnd = nullptr;
+}
+
 int CWnd::CreateEx(DWORD, const char* pszClass, const char* pszName, DWORD dwStyle, const RECT& rect,
                    CWnd* pParent, UINT, void* pParam)
 {
     if (m_hWnd) return 0;
     const Restore creating(t_creating, this);
     const HWND hParent = pParent ? pParent->m_hWnd : nullptr;
-    return kx::window::Create({pszClass, pszName, dwStyle, rect.left, rect.top, rect.right - rect.left,
-                               rect.bottom - rect.top, hParent, pParam},
-                              AfxWndProc) != nullptr;
+    try {
+        return kx::window::Create({pszClass, pszName, dwStyle, rect.left, rect.top, rect.right - rect.left,
+                                   rect.bottom - rect.top, hParent, pParam},
+                                  AfxWndProc) != nullptr;
+    } catch (...) {
+        LoseWindow();
+        throw;
+    }
 }
 
 LRESULT CWnd::WindowProc(UINT nMsg, WPARAM wParam, LPARAM lParam)

@@ -19,12 +19,13 @@ class CBase : public CWnd
 
 public:
     std::vector<std::string> calls;
-    int failAt = 0; // the size that OnSize throws at
+    int failAt = 0; // the size that OnSize throws at; below 0 OnCreate does
 
 protected:
     int OnCreate(CREATESTRUCTA* pCreate)
     {
         calls.push_back(std::string("create ") + pCreate->lpszName);
+        if (failAt < 0) throw std::runtime_error("create");
         return CWnd::OnCreate(pCreate);
     }
     void OnSize(UINT, int cx, int cy)
@@ -195,8 +196,11 @@ TEST(Wnd, HearsTheWindowsOfAClientsOwnClassFirst)
 TEST(Wnd, AHandlerThatThrowsLeavesOrder)
 {
     CBase wnd;
+    wnd.failAt = -1;
+    EXPECT_THROW(Create(wnd), std::runtime_error);
+    EXPECT_EQ(wnd.m_hWnd, nullptr);
     wnd.failAt = 7;
-    Create(wnd);
+    EXPECT_TRUE(Create(wnd));
     EXPECT_THROW(wnd.SendMessage(WM_SIZE, 0, 7), std::runtime_error);
     EXPECT_EQ(wnd.SendMessage(kOwn, 1, 1), 11);
 }
