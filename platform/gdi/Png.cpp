@@ -1,10 +1,10 @@
 #include "platform/gdi/Png.h"
 
+#include "platform/gdi/PngErrors.h"
+
 #include <algorithm>
 #include <array>
-#include <csetjmp>
 #include <cstring>
-#include <png.h>
 
 namespace kx::gdi {
 
@@ -18,17 +18,6 @@ constexpr png_alloc_size_t kMaxChunk = 1 << 20; // of those that are kept, none 
 DWORD BigEndian(FileBytes file, std::size_t at) noexcept
 {
     return DWORD{file[at]} << 24 | DWORD{file[at + 1]} << 16 | DWORD{file[at + 2]} << 8 | file[at + 3];
-}
-
-// Errors leave by a jump over the frames in between, none of which may need a destructor. Nothing is written
-// anywhere.
-[[noreturn]] void OnError(png_structp png, png_const_charp)
-{
-    png_longjmp(png, 1);
-}
-
-void OnWarning(png_structp, png_const_charp)
-{
 }
 
 // Turns a row of bytes red, green, blue, which end where the row ends, into opaque pixels. No pixel is
@@ -47,7 +36,7 @@ class Decoder
 public:
     Decoder(FileBytes file, int nMaxSide) noexcept
         : m_rest(file),
-          m_png(png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, OnError, OnWarning)),
+          m_png(png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, OnPngError, OnPngWarning)),
           m_info(m_png ? png_create_info_struct(m_png) : nullptr),
           m_nMaxSide(static_cast<png_uint_32>(nMaxSide))
     {

@@ -1,22 +1,10 @@
+#include "platform/gdi/PngErrors.h"
 #include "platform/gdiplus/Encode.h"
 #include "platform/gdiplus/EncodedRows.h"
-
-#include <csetjmp>
-#include <png.h>
 
 namespace kx::gdiplus {
 
 namespace {
-
-// Errors leave by a jump over the frames in between, none of which may need a destructor.
-[[noreturn]] void OnError(png_structp png, png_const_charp)
-{
-    png_longjmp(png, 1);
-}
-
-void OnWarning(png_structp, png_const_charp)
-{
-}
 
 class PngEncoder
 {
@@ -25,7 +13,7 @@ public:
         : m_view(view),
           m_rows(view),
           m_file(file),
-          m_png(png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, OnError, OnWarning)),
+          m_png(png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, gdi::OnPngError, gdi::OnPngWarning)),
           m_info(m_png ? png_create_info_struct(m_png) : nullptr)
     {
     }

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <csetjmp>
+#include <png.h>
+
+// Errors of the PNG library leave by a jump over the frames in between, none of which may need a destructor.
+// Nothing is written anywhere.
+namespace kx::gdi {
+
+[[noreturn]] inline void OnPngError(png_structp png, png_const_charp)
+{
+    png_longjmp(png, 1);
+}
+
+inline void OnPngWarning(png_structp, png_const_charp)
+{
+}
+
+} // namespace kx::gdi
