@@ -275,6 +275,8 @@ TEST_F(CrashDumper, LeavesACoreThatADebuggerOpens)
         EXPECT_THAT(text, HasSubstr("$1 = " + std::to_string(kind.nSignal)));
         EXPECT_TRUE(kind.nSignal == SIGABRT || std::regex_search(text, std::regex("#[01] .*CrashBy")))
             << text;
+        const bool bStack = std::regex_search(text, std::regex("#9 .*CrashByOverflow"));
+        EXPECT_EQ(bStack, std::string(pszHow) == "overflow") << text;
     }
 }
 

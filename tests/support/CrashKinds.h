@@ -11,6 +11,7 @@
 #include <map>
 #include <stdexcept>
 #include <string_view>
+#include <sys/mman.h>
 #include <thread>
 
 // Ways to crash, for child programs. Each function has a name of its own in the stack.
@@ -97,8 +98,14 @@ void OnThread()
     WaitForSingleObject(reinterpret_cast<HANDLE>(handle), INFINITE);
 }
 
+// In a process with more memory than a report takes in, in blocks that are smaller than the stack.
 inline void Overflow()
 {
+    constexpr std::size_t nBlock = 4 << 20;
+    for (int n = 0; n < 20; ++n) {
+        void* const p = mmap(nullptr, nBlock, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (p != MAP_FAILED) mprotect(p, 4096, PROT_NONE); // so that they stay apart
+    }
     CrashByOverflow();
 }
 

@@ -12,6 +12,17 @@ constexpr std::uint64_t kStacks = 32 << 20; // of all threads together
 constexpr std::uint64_t kBudget = 64 << 20;
 constexpr std::size_t kMaxPieces = 30'000; // far below what an ELF file can count
 
+// Where the stack that a thread works on begins to be used. One that overflowed points below it, by a frame.
+std::uint64_t StackOf(const ThreadState& thread, const std::vector<Mapping>& maps)
+{
+    constexpr std::uint64_t kLargestFrame = 1 << 20;
+    const std::uint64_t stack = StackPointer(thread.registers);
+    for (const Mapping& map : maps)
+        if (map.bWrite && map.end > stack)
+            return map.start > stack && map.start - stack <= kLargestFrame ? map.start : stack;
+    return stack;
+}
+
 // A function may use 128 bytes beyond the stack pointer.
 std::uint64_t LowestUsed(std::uint64_t stack, const Mapping& map)
 {
@@ -19,13 +30,12 @@ std::uint64_t LowestUsed(std::uint64_t stack, const Mapping& map)
 }
 
 // Cuts a mapping in two where its stack begins to be used.
-std::vector<Piece> Cut(const Mapping& map, const std::vector<ThreadState>& threads)
+std::vector<Piece> Cut(const Mapping& map, const std::vector<std::uint64_t>& stacks)
 {
-    const std::uint64_t limit = std::min(kStack, kStacks / std::max<std::size_t>(threads.size(), 1));
+    const std::uint64_t limit = std::min(kStack, kStacks / std::max<std::size_t>(stacks.size(), 1));
     std::uint64_t from = map.end;
     std::uint64_t to = map.start;
-    for (const ThreadState& thread : threads) {
-        const std::uint64_t stack = StackPointer(thread.registers);
+    for (const std::uint64_t stack : stacks) {
         if (!map.Holds(stack)) continue;
         from = std::min(from, LowestUsed(stack, map));
         to = std::max(to, std::min(map.end, LowestUsed(stack, map) + limit));
@@ -72,11 +82,14 @@ private:
 
 std::vector<Piece> ChooseMemory(const std::vector<Mapping>& maps, const std::vector<ThreadState>& threads)
 {
+    std::vector<std::uint64_t> stacks;
+    for (const ThreadState& thread : threads)
+        stacks.push_back(StackOf(thread, maps));
     std::vector<Piece> pieces;
     Budget budget;
     for (const Mapping& map : maps) {
         if (map.path == "[vsyscall]" || pieces.size() > kMaxPieces) continue;
-        for (Piece& piece : Cut(map, threads)) {
+        for (Piece& piece : Cut(map, stacks)) {
             budget.Charge(piece);
             pieces.push_back(std::move(piece));
         }
