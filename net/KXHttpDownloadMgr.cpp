@@ -42,6 +42,7 @@ CKXHttpDownloadMgr::~CKXHttpDownloadMgr()
     Uninitialize();
     if (!IsOwnProcess())
         m_pSession.release(); // NOLINT(bugprone-unused-return-value): its connections aren't ours
+    if (m_dwWorker == GetCurrentThreadId()) return; // other threads may be adding tasks yet
     CloseHandle(m_hThread);
     CloseHandle(m_hWakeEvent);
 }

@@ -227,8 +227,8 @@ DocPtr Parsing::Run(const char* pszEncoding, bool bIgnoreDeclared)
     const Hush hush;
     if (!MakeContext()) return nullptr;
     const int nIgnore = bIgnoreDeclared ? XML_PARSE_IGNORE_ENC : 0;
-    xmlCtxtUseOptions(m_context.get(),
-                      XML_PARSE_NOENT | XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | nIgnore);
+    xmlCtxtUseOptions(m_context.get(), XML_PARSE_NOENT | XML_PARSE_COMPACT | XML_PARSE_NONET |
+                                           XML_PARSE_NOERROR | XML_PARSE_NOWARNING | nIgnore);
     if (pszEncoding) xmlSwitchToEncoding(m_context.get(), xmlFindCharEncodingHandler(pszEncoding));
     xmlParseDocument(m_context.get());
     DocPtr doc(std::exchange(m_context->myDoc, nullptr));
