@@ -1,6 +1,7 @@
 #include "include/platform/Xml.h"
 
 #include "include/platform/Host.h"
+#include "tests/support/Arg.h"
 #include "tests/support/Com.h"
 
 #include <gtest/gtest.h>
@@ -11,19 +12,7 @@
 
 namespace {
 
-// A text as an argument.
-class Arg
-{
-public:
-    Arg(const char16_t* psz) : m_bstr(SysAllocString(psz)) {}
-    Arg(const Arg&) = delete;
-    Arg& operator=(const Arg&) = delete;
-    ~Arg() { SysFreeString(m_bstr); }
-    operator BSTR() const { return m_bstr; }
-
-private:
-    BSTR m_bstr;
-};
+using test::Arg;
 
 // Holds what an operation gives out.
 template <class Interface>

@@ -1,6 +1,7 @@
 #include "include/platform/Xml.h"
 
 #include "include/platform/Host.h"
+#include "tests/support/Arg.h"
 #include "tests/support/Com.h"
 #include "tests/support/TempDir.h"
 
@@ -21,19 +22,7 @@ std::string Repeat(int nTimes, const std::string& text)
     return all;
 }
 
-// A text as an argument.
-class Arg
-{
-public:
-    Arg(const char16_t* psz) : m_bstr(SysAllocString(psz)) {}
-    Arg(const Arg&) = delete;
-    Arg& operator=(const Arg&) = delete;
-    ~Arg() { SysFreeString(m_bstr); }
-    operator BSTR() const { return m_bstr; }
-
-private:
-    BSTR m_bstr;
-};
+using test::Arg;
 
 class HostileXml : public testing::Test
 {
