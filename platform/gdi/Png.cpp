@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <span>
 
 namespace kx::gdi {
 
@@ -13,6 +14,7 @@ namespace {
 constexpr std::array<std::uint8_t, 16> kStart = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n',
                                                  0,    0,   0,   13,  'I',  'H',  'D',  'R'};
 constexpr std::size_t kHeaderEnd = kStart.size() + 13;
+constexpr std::size_t kReadAtOnce = 64 << 10;
 constexpr png_alloc_size_t kMaxChunk = 1 << 20; // of those that are kept, none of which is as long
 
 DWORD BigEndian(FileBytes file, std::size_t at) noexcept
@@ -20,14 +22,12 @@ DWORD BigEndian(FileBytes file, std::size_t at) noexcept
     return DWORD{file[at]} << 24 | DWORD{file[at + 1]} << 16 | DWORD{file[at + 2]} << 8 | file[at + 3];
 }
 
-// Turns a row of bytes red, green, blue, which end where the row ends, into opaque pixels. No pixel is
-// written over bytes that are still to be read.
-void Expand(DWORD* row, int nWidth) noexcept
+// Opaque pixels of bytes red, green, blue.
+void Expand(const std::uint8_t* from, std::span<DWORD> row) noexcept
 {
-    const auto* from = reinterpret_cast<const std::uint8_t*>(row) + nWidth;
-    for (int x = 0; x < nWidth; ++x, from += 3) {
-        const DWORD red = from[0], green = from[1], blue = from[2];
-        row[x] = 0xFF000000 | red << 16 | green << 8 | blue;
+    for (DWORD& pixel : row) {
+        pixel = 0xFF000000 | DWORD{from[0]} << 16 | DWORD{from[1]} << 8 | from[2];
+        from += 3;
     }
 }
 
@@ -62,9 +62,11 @@ private:
         return true;
     }
 
+    static Decoder& Of(png_structp png) noexcept { return *static_cast<Decoder*>(png_get_io_ptr(png)); }
+
     static void Read(png_structp png, png_bytep target, png_size_t size)
     {
-        auto& rest = static_cast<Decoder*>(png_get_io_ptr(png))->m_rest;
+        FileBytes& rest = Of(png).m_rest;
         if (size > rest.size()) png_error(png, "cut");
         std::memcpy(target, rest.data(), size);
         rest = rest.subspan(size);
@@ -76,11 +78,10 @@ private:
         png_set_user_limits(m_png, m_nMaxSide, m_nMaxSide);
         png_set_chunk_malloc_max(m_png, kMaxChunk);
         png_set_chunk_cache_max(m_png, 1);
+        png_set_compression_buffer_size(m_png, kReadAtOnce);
+        png_set_option(m_png, PNG_IGNORE_ADLER32, PNG_OPTION_ON); // their chunks have checksums besides
         png_set_keep_unknown_chunks(m_png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
         png_read_info(m_png, m_info);
-
-        // The pixels have a checksum of their own besides those of their chunks.
-        png_set_crc_action(m_png, PNG_CRC_QUIET_USE, PNG_CRC_QUIET_USE);
 
         png_set_expand(m_png);
         png_set_scale_16(m_png);
@@ -89,7 +90,9 @@ private:
         // Plain colours are expanded faster here, but passes have to find what those before them left.
         m_bTriplets = m_nPasses == 1 && png_get_color_type(m_png, m_info) == PNG_COLOR_TYPE_RGB &&
                       png_get_valid(m_png, m_info, PNG_INFO_tRNS) == 0;
-        if (!m_bTriplets) {
+        if (m_bTriplets) {
+            png_set_read_user_transform_fn(m_png, ExpandRow);
+        } else {
             png_set_bgr(m_png);
             png_set_add_alpha(m_png, 0xFF, PNG_FILLER_AFTER);
         }
@@ -99,27 +102,30 @@ private:
             png_error(m_png, "other pixels than asked for");
     }
 
-    void ReadRow(DWORD* row)
+    // Takes the row out of the library's own buffer, which is called for no other one then.
+    static void ExpandRow(png_structp png, png_row_infop, png_bytep from)
     {
-        const int nWidth = m_surface->Width();
-        png_read_row(m_png, reinterpret_cast<png_bytep>(row) + (m_bTriplets ? nWidth : 0), nullptr);
-        if (m_bTriplets) Expand(row, nWidth);
+        Decoder& self = Of(png);
+        const auto nWidth = static_cast<std::size_t>(self.m_surface->Width());
+        Expand(from, {self.m_surface->Row(static_cast<int>(png_get_current_row_number(png))), nWidth});
     }
 
     void ReadPixels()
     {
         for (int pass = 0; pass < m_nPasses; ++pass)
             for (int y = 0; y < m_surface->Height(); ++y)
-                ReadRow(m_surface->Row(y));
+                png_read_row(m_png, m_bTriplets ? nullptr : RowBytes(y), nullptr);
         png_read_end(m_png, nullptr);
     }
+
+    png_bytep RowBytes(int y) noexcept { return reinterpret_cast<png_bytep>(m_surface->Row(y)); }
 
     FileBytes m_rest;
     png_structp m_png;
     png_infop m_info;
     const png_uint_32 m_nMaxSide;
     int m_nPasses = 1;
-    bool m_bTriplets = false; // rows are read as bytes red, green, blue
+    bool m_bTriplets = false; // rows are read as bytes red, green, blue, and by ExpandRow
     std::optional<Surface> m_surface;
 };
 

@@ -61,7 +61,7 @@ std::unique_ptr<Connection> Connection::Open(const char* pszDisplay)
 
 Connection::Connection(Handle connection, const xcb_setup_t& setup, const xcb_screen_t& screen)
     : atoms(connection.get()),
-      size(SIZE{screen.width_in_pixels, screen.height_in_pixels}),
+      size(ScreenSize{{screen.width_in_pixels, screen.height_in_pixels}}),
       m_connection(std::move(connection)),
       m_screen(screen),
       m_bOurPixels(SeesOurPixels(setup, screen)),

@@ -9,6 +9,11 @@
 
 namespace kx::window::x11 {
 
+// Aligned so that any compiler reads and writes it in one step.
+struct alignas(std::uint64_t) ScreenSize : SIZE
+{
+};
+
 // A connection to a server, and what is known of its screen. Once the server is lost requests do nothing and
 // answers are null.
 class Connection
@@ -36,7 +41,7 @@ public:
     bool IsOurs(xcb_window_t id) const noexcept { return (id & ~m_idMask) == m_idBase; }
 
     const Atoms atoms;
-    std::atomic<SIZE> size; // of the screen
+    std::atomic<ScreenSize> size;
 
 private:
     struct Disconnect

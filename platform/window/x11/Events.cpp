@@ -136,7 +136,7 @@ void Events::OnConfigure(const xcb_configure_notify_event_t& event, std::uint32_
 {
     Connection& connection = *m_session->connection;
     if (event.window == connection.Root()) {
-        connection.size = SIZE{event.width, event.height};
+        connection.size = ScreenSize{{event.width, event.height}};
         return;
     }
     const HWND hWnd = HandleOf(event.window);

@@ -10,9 +10,16 @@
 #include <xkbcommon/xkbcommon-x11.h>
 
 // A header for C, with a member of that name.
+#if defined(__clang__)
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wkeyword-macro"
+#endif
 #define explicit explicit_
 #include <xcb/xkb.h>
 #undef explicit
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#endif
 
 namespace kx::window::x11 {
 

@@ -116,7 +116,7 @@ std::shared_ptr<x11::Session> X11Desktop::Session() const noexcept
 SIZE X11Desktop::Size() const noexcept
 {
     const auto session = Session();
-    return session ? session->connection->size.load() : SIZE{};
+    return session ? SIZE{session->connection->size.load()} : SIZE{};
 }
 
 bool X11Desktop::Create(HWND hWnd, const CREATESTRUCTA& create)

@@ -56,6 +56,13 @@ TEST_F(CodecTest, PngOfAllKinds)
     }
 }
 
+TEST_F(CodecTest, PngWithADamagedPixel)
+{
+    std::string file = Png(1, 1, 8, 2, "\0\1\2\3"s);
+    file[file.find("\1\2\3") + 2] = 4;
+    EXPECT_NE(Loaded(file).status, Ok);
+}
+
 TEST_F(CodecTest, JpegOfAllColors)
 {
     const auto pixel = [](const Jpeg& jpeg) {
