@@ -23,9 +23,13 @@ HRESULT FindAll(const Name& name, xmlNode* node, std::vector<xmlNode*>& found)
 
 HRESULT SelectFirst(Place place, BSTR bstrPattern, xmlNode*& found)
 {
-    if (const SimpleName name(bstrPattern); name) {
-        found = name.FirstIn(place.node, place.tree->LastSearch());
-        return found ? S_OK : S_FALSE;
+    if (place.node->type != XML_ATTRIBUTE_NODE) { // whose text comes and goes
+        Passed& passed = place.tree->LastSearch();
+        if ((found = SimpleName::NextIn(bstrPattern, place.node, passed))) return S_OK;
+        if (const SimpleName name(bstrPattern); name) {
+            found = name.FirstIn(place.node, passed);
+            return found ? S_OK : S_FALSE;
+        }
     }
     const std::string pattern = ToUtf8(bstrPattern);
     if (IsName(pattern)) {

@@ -35,7 +35,30 @@ const char* NameOf(const xmlNode* element) noexcept
     return reinterpret_cast<const char*>(element->name);
 }
 
+// Whether the text is ASCII and the same.
+bool IsSpelled(const char* name, BSTR bstr, UINT nUnits) noexcept
+{
+    UINT n = 0;
+    for (; name[n] != '\0'; ++n)
+        if (static_cast<signed char>(name[n]) < 0 || static_cast<WCHAR>(name[n]) != bstr[n]) return false;
+    return n == nUnits;
+}
+
 } // namespace
+
+xmlNode* SimpleName::NextIn(BSTR bstr, const xmlNode* parent, Passed& passed) noexcept
+{
+    if (passed.parent != parent) passed = {parent, nullptr, 0};
+    xmlNode* node = passed.last ? passed.last->next : parent->children;
+    while (node && node->type != XML_ELEMENT_NODE)
+        node = node->next;
+    if (!bstr || !node || node->ns || !IsSpelled(NameOf(node), bstr, SysStringLen(bstr))) return nullptr;
+    const std::uint64_t bit = BitOf(NameOf(node));
+    if (passed.names & bit) return nullptr;
+    passed.last = node;
+    passed.names |= bit;
+    return node;
+}
 
 SimpleName::SimpleName(BSTR bstr) noexcept
 {
@@ -66,7 +89,6 @@ xmlNode* SimpleName::FirstFrom(xmlNode* node) const noexcept
 
 xmlNode* SimpleName::FirstIn(const xmlNode* parent, Passed& passed) const noexcept
 {
-    if (parent->type == XML_ATTRIBUTE_NODE) return nullptr; // no elements in it, and its text comes and goes
     const std::uint64_t bit = BitOf(m_text.data());
     if (passed.parent != parent || (passed.names & bit)) passed = {parent, nullptr, 0};
     xmlNode* node = passed.last ? passed.last->next : parent->children;

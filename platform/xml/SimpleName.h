@@ -14,6 +14,10 @@ class SimpleName
 public:
     explicit SimpleName(BSTR bstr) noexcept;
 
+    // The child behind the one where the last search of the same children ended, if it is the first of that
+    // name; null for all else. Most searches of a record end here. An attribute has no children for this.
+    static xmlNode* NextIn(BSTR bstr, const xmlNode* parent, Passed& passed) noexcept;
+
     explicit operator bool() const noexcept { return m_bSimple; }
     // The first such element at or behind a node among its siblings; null without one.
     xmlNode* FirstFrom(xmlNode* node) const noexcept;
