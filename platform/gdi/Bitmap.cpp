@@ -9,9 +9,9 @@ namespace kx::gdi {
 int Bitmap::Describe(int nSize, void* pBuffer) const
 {
     BITMAP record{};
-    record.bmWidth = surface.Width();
-    record.bmHeight = surface.Height();
-    record.bmWidthBytes = static_cast<LONG>(RowBytes(surface.Width(), depth, fromFile ? 32 : 16));
+    record.bmWidth = Width();
+    record.bmHeight = Height();
+    record.bmWidthBytes = static_cast<LONG>(RowBytes(Width(), depth, fromFile ? 32 : 16));
     record.bmPlanes = 1;
     record.bmBitsPixel = depth;
     return DescribeAs(record, nSize, pBuffer);
@@ -23,9 +23,9 @@ HBITMAP CreateCompatibleBitmap(HDC hDC, int cx, int cy)
 try {
     using namespace kx::gdi;
     if (!FindAs<DeviceContext>(hDC)) return nullptr;
-    auto pixels = Surface::Make(cx, cy);
+    auto pixels = Surface::MakeUnset(cx, cy);
     if (!pixels) return nullptr;
-    return static_cast<HBITMAP>(Add(std::make_shared<Bitmap>(std::move(*pixels), WORD{32})));
+    return static_cast<HBITMAP>(Add(std::make_shared<Bitmap>(std::move(*pixels))));
 } catch (const std::bad_alloc&) {
     return nullptr;
 }

@@ -9,8 +9,8 @@ namespace {
 
 BITMAPINFOHEADER HeaderOf(const Bitmap& bitmap) noexcept
 {
-    const int nWidth = bitmap.surface.Width();
-    const int nHeight = bitmap.surface.Height();
+    const int nWidth = bitmap.Width();
+    const int nHeight = bitmap.Height();
     const std::size_t nBytes = RowBytes(nWidth, bitmap.depth, 32) * static_cast<std::size_t>(nHeight);
     return {sizeof(BITMAPINFOHEADER),
             nWidth,
@@ -28,9 +28,8 @@ BITMAPINFOHEADER HeaderOf(const Bitmap& bitmap) noexcept
 bool Fits(const BITMAPINFOHEADER& header, const Bitmap& bitmap) noexcept
 {
     const std::int64_t nHeight = header.biHeight;
-    return header.biWidth == bitmap.surface.Width() &&
-           (nHeight < 0 ? -nHeight : nHeight) == bitmap.surface.Height() && header.biPlanes == 1 &&
-           header.biCompression == BI_RGB && HasDepth(bitmap, header.biBitCount);
+    return header.biWidth == bitmap.Width() && (nHeight < 0 ? -nHeight : nHeight) == bitmap.Height() &&
+           header.biPlanes == 1 && header.biCompression == BI_RGB && HasDepth(bitmap, header.biBitCount);
 }
 
 // As many colours as the caller has room for.
@@ -47,7 +46,7 @@ void CopyColors(const Bitmap& bitmap, BITMAPINFO& info) noexcept
 void CopyRows(const Bitmap& bitmap, const BITMAPINFOHEADER& header, int nStart, int nLines, BYTE* out)
 {
     DibRow row(bitmap, header.biBitCount);
-    const int nBottom = bitmap.surface.Height() - 1 - nStart;
+    const int nBottom = bitmap.Height() - 1 - nStart;
     const bool bTopDown = header.biHeight < 0;
     for (int n = 0; n < nLines; ++n, out += row.Bytes())
         row.Write(bTopDown ? nBottom - (nLines - 1) + n : nBottom - n, out);
@@ -66,7 +65,7 @@ int GetDIBits(HDC hDC, HBITMAP hBitmap, UINT nStart, UINT nLines, void* pBits, B
         header = HeaderOf(*bitmap);
         return 1;
     }
-    const auto nHeight = static_cast<UINT>(bitmap->surface.Height());
+    const auto nHeight = static_cast<UINT>(bitmap->Height());
     if (!Fits(header, *bitmap) || nStart >= nHeight) return 0;
     CopyColors(*bitmap, *pInfo);
     const UINT nCopied = std::min(nLines, nHeight - nStart);

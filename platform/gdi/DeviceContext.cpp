@@ -10,11 +10,6 @@ namespace kx::gdi {
 
 namespace {
 
-RECT WholeOf(const Surface& surface) noexcept
-{
-    return {0, 0, surface.Width(), surface.Height()};
-}
-
 std::shared_ptr<Bitmap> MakeOwnBitmap()
 {
     auto pixels = Surface::Make(1, 1);
@@ -25,9 +20,7 @@ std::shared_ptr<Bitmap> MakeOwnBitmap()
 } // namespace
 
 DeviceContext::DeviceContext()
-    : Object(KIND),
-      m_own(MakeOwnBitmap()),
-      m_view(MakeView(m_own->surface, WholeOf(m_own->surface), std::nullopt))
+    : Object(KIND), m_own(MakeOwnBitmap()), m_view(MakeView(m_own->Pixels(), nullptr, std::nullopt))
 {
     HoldStock();
     if (!Add(m_own, true)) throw std::bad_alloc();
@@ -41,7 +34,7 @@ DeviceContext::DeviceContext(HWND hWnd, std::shared_ptr<Backing> pixels,
       m_window(hWnd),
       m_limit(limit),
       m_shared(std::move(pixels)),
-      m_view(MakeView(m_shared->surface, WholeOf(m_shared->surface), std::nullopt))
+      m_view(MakeView(m_shared->surface, nullptr, std::nullopt))
 {
     HoldStock();
 }
@@ -53,10 +46,11 @@ DeviceContext::~DeviceContext()
     if (m_own) Remove(m_own->Handle());
 }
 
-DeviceContext::View DeviceContext::MakeView(Surface& surface, const RECT& bounds,
+DeviceContext::View DeviceContext::MakeView(Surface& surface, BlackRest* rest,
                                             const std::optional<PixelRegion>& region) const
 {
-    View view{&surface, bounds, PixelRegion(bounds), {}};
+    const RECT bounds = WholeOf(surface);
+    View view{&surface, rest, bounds, PixelRegion(bounds), {}};
     if (m_limit) view.visible.IntersectWith(*m_limit);
     if (region) view.visible.IntersectWith(*region);
     const auto boxes = view.visible.Boxes();
@@ -93,7 +87,7 @@ HGDIOBJ DeviceContext::SelectBitmap(Pinned<Object> object)
 {
     if (!IsMemory()) return nullptr;
     auto& bitmap = static_cast<Bitmap&>(*object);
-    View view = MakeView(bitmap.surface, WholeOf(bitmap.surface), m_region);
+    View view = MakeView(bitmap.UnsetPixels(), &bitmap.Rest(), m_region);
     int nNone = 0;
     if (!bitmap.selected.compare_exchange_strong(nNone, 1)) return nullptr;
     m_view = std::move(view);
@@ -102,7 +96,7 @@ HGDIOBJ DeviceContext::SelectBitmap(Pinned<Object> object)
 
 void DeviceContext::SetClip(std::optional<PixelRegion> region)
 {
-    m_view = MakeView(*m_view.surface, m_view.bounds, region);
+    m_view = MakeView(*m_view.surface, m_view.rest, region);
     m_region = std::move(region);
 }
 
@@ -113,16 +107,28 @@ int DeviceContext::ClipBox(RECT& rect) const noexcept
     return m_view.visible.Complexity();
 }
 
-Canvas DeviceContext::Paint() noexcept
+Canvas DeviceContext::PaintOver() noexcept
 {
-    Canvas canvas{*m_view.surface, m_view.bounds, m_view.clip, {}};
+    Canvas canvas{*m_view.surface, m_view.bounds, m_view.clip, {}, m_view.rest, m_window != nullptr};
     if (m_shared) canvas.lock = std::unique_lock(Screen::Instance().lock);
+    return canvas;
+}
+
+Canvas DeviceContext::Paint()
+{
+    Canvas canvas = PaintOver();
+    canvas.surface.Own();
+    if (canvas.rest) canvas.rest->Lay(canvas.surface);
     return canvas;
 }
 
 Canvas DeviceContext::Read(const RECT& rect)
 {
-    if (!m_shared || m_window) return Paint();
+    if (!m_shared || m_window) {
+        Canvas canvas = PaintOver();
+        if (canvas.rest) canvas.rest->Lay(canvas.surface);
+        return canvas;
+    }
     std::unique_lock lock(Screen::Instance().lock);
     Surface& seen = window::Desktop::Instance().Look(rect, m_shared->surface);
     return {seen, m_view.bounds, m_view.clip, std::move(lock)};

@@ -62,7 +62,7 @@ void DibRow::Write(int y, BYTE* out) noexcept
 {
     const std::size_t nBytes = Bytes();
     if (nBytes >= sizeof(DWORD)) std::memset(out + nBytes - sizeof(DWORD), 0, sizeof(DWORD)); // the padding
-    const std::span in(m_bitmap.surface.Row(y), static_cast<std::size_t>(m_bitmap.surface.Width()));
+    const std::span in(m_bitmap.Pixels().Row(y), static_cast<std::size_t>(m_bitmap.Width()));
     switch (m_nDepth) {
     case 16:
         return Write16(in, out);
@@ -77,7 +77,7 @@ void DibRow::Write(int y, BYTE* out) noexcept
 
 void DibRow::WriteIndices(const DWORD* in, BYTE* out) noexcept
 {
-    const int nWidth = m_bitmap.surface.Width();
+    const int nWidth = m_bitmap.Width();
     const int nPerByte = 8 / m_nDepth;
     for (int x = 0; x < nWidth; x += nPerByte) {
         unsigned nByte = 0;

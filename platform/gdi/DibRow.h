@@ -19,7 +19,7 @@ class DibRow
 public:
     DibRow(const Bitmap& bitmap, WORD nDepth) noexcept;
 
-    std::size_t Bytes() const noexcept { return RowBytes(m_bitmap.surface.Width(), m_nDepth, 32); }
+    std::size_t Bytes() const noexcept { return RowBytes(m_bitmap.Width(), m_nDepth, 32); }
     void Write(int y, BYTE* out) noexcept;
 
 private:

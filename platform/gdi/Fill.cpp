@@ -11,9 +11,11 @@ namespace kx::gdi {
 
 namespace {
 
-void FillPart(Surface& surface, const RECT& part, DWORD pixel) noexcept
+void FillPart(const Canvas& canvas, const RECT& part, DWORD pixel)
 {
     if (IsEmpty(part)) return;
+    canvas.Overwrite(part);
+    Surface& surface = canvas.surface;
     const int nWidth = part.right - part.left;
     DWORD* row = surface.Row(part.top) + part.left;
     for (int nRows = part.bottom - part.top; nRows > 0; --nRows, row += surface.Stride()) {
@@ -31,14 +33,14 @@ void FillRects(const Canvas& canvas, std::span<const RECT> rects, DWORD pixel)
     if (rects.size() <= 1 || canvas.clip.size() <= 1) {
         for (const RECT& clip : canvas.clip)
             for (const RECT& rect : rects)
-                FillPart(canvas.surface, Cut(rect, clip), pixel);
+                FillPart(canvas, Cut(rect, clip), pixel);
         return;
     }
     // Many by many: pixman cuts them in one pass.
     PixelRegion region = PixelRegion::FromRects(rects);
     region.IntersectWith(PixelRegion::FromRects(canvas.clip));
     for (const auto& box : region.Boxes())
-        FillPart(canvas.surface, ToRect(box), pixel);
+        FillPart(canvas, ToRect(box), pixel);
 }
 
 } // namespace kx::gdi
@@ -50,7 +52,7 @@ try {
     const auto context = FindAs<DeviceContext>(hDC);
     const auto brush = FindAs<Brush>(hBrush);
     if (!context || !brush || !pRect) return 0;
-    const Canvas canvas = context->Paint();
+    const Canvas canvas = context->PaintOver();
     if (brush->Draws()) FillRects(canvas, {pRect, 1}, ToPixel(brush->color));
     return 1;
 } catch (const std::bad_alloc&) {
@@ -64,7 +66,7 @@ try {
     const auto brush = FindAs<Brush>(hBrush);
     if (!context || !region || !brush) return 0;
     if (!brush->Draws()) return 1;
-    const Canvas canvas = context->Paint();
+    const Canvas canvas = context->PaintOver();
     const auto boxes = region->pixels.Boxes();
     std::vector<RECT> rects(boxes.size());
     std::transform(boxes.begin(), boxes.end(), rects.begin(), [](const auto& box) { return ToRect(box); });

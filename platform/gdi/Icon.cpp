@@ -3,6 +3,8 @@
 #include "platform/gdi/Block.h"
 #include "platform/gdi/DeviceContext.h"
 
+#include <new>
+
 using namespace kx::gdi;
 
 namespace {
@@ -33,7 +35,7 @@ int DestroyIcon(HICON hIcon)
 }
 
 int DrawIcon(HDC hDC, int x, int y, HICON hIcon)
-{
+try {
     const auto context = FindAs<DeviceContext>(hDC);
     const auto icon = FindAs<Icon>(hIcon);
     if (!context || !icon) return 0;
@@ -48,6 +50,8 @@ int DrawIcon(HDC hDC, int x, int y, HICON hIcon)
                    part.right - part.left);
     }
     return 1;
+} catch (const std::bad_alloc&) {
+    return 0;
 }
 
 int GetIconSize(HICON hIcon, SIZE* pSize)

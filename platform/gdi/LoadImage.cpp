@@ -23,9 +23,9 @@ std::shared_ptr<Bitmap> Scaled(Bitmap& bitmap, int cx, int cy)
 {
     auto surface = Surface::Make(cx, cy);
     if (!surface) return nullptr;
-    const Block to{0, 0, cx, cy}, from{0, 0, bitmap.surface.Width(), bitmap.surface.Height()};
+    const Block to{0, 0, cx, cy}, from{0, 0, bitmap.Width(), bitmap.Height()};
     const RECT toArea = Place(to), fromArea = Place(from);
-    ScaleBlock({*surface, toArea, std::span(&toArea, 1), {}}, to, {bitmap.surface, fromArea, {}, {}}, from,
+    ScaleBlock({*surface, toArea, std::span(&toArea, 1), {}}, to, {bitmap.Pixels(), fromArea, {}, {}}, from,
                std::nullopt);
     return std::make_shared<Bitmap>(std::move(*surface), bitmap.depth, bitmap.palette, bitmap.fromFile);
 }
@@ -36,9 +36,9 @@ std::shared_ptr<Bitmap> MakeBitmap(FileBytes bytes, bool bFile, int cx, int cy)
     const bool bWhole = bFile || (bytes.size() > 1 && bytes[0] == 'B' && bytes[1] == 'M');
     auto bitmap = bWhole ? ReadBmp(bytes) : ReadDib(bytes);
     if (!bitmap) return nullptr;
-    if (cx == 0) cx = bitmap->surface.Width();
-    if (cy == 0) cy = bitmap->surface.Height();
-    if (cx == bitmap->surface.Width() && cy == bitmap->surface.Height()) return bitmap;
+    if (cx == 0) cx = bitmap->Width();
+    if (cy == 0) cy = bitmap->Height();
+    if (cx == bitmap->Width() && cy == bitmap->Height()) return bitmap;
     return Scaled(*bitmap, cx, cy);
 }
 

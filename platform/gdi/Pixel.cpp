@@ -2,6 +2,7 @@
 #include "platform/gdi/DeviceContext.h"
 
 #include <algorithm>
+#include <new>
 
 using namespace kx::gdi;
 
@@ -29,7 +30,7 @@ COLORREF GetPixel(HDC hDC, int x, int y)
 }
 
 COLORREF SetPixel(HDC hDC, int x, int y, COLORREF clr)
-{
+try {
     const auto context = FindAs<DeviceContext>(hDC);
     if (!context) return CLR_INVALID;
     const Canvas canvas = context->Paint();
@@ -37,4 +38,6 @@ COLORREF SetPixel(HDC hDC, int x, int y, COLORREF clr)
     if (!pixel) return CLR_INVALID;
     *pixel = ToPixel(clr);
     return ToColor(*pixel);
+} catch (const std::bad_alloc&) {
+    return CLR_INVALID;
 }

@@ -1,9 +1,10 @@
 #pragma once
 
 #include "include/platform/Gdi.h"
+#include "platform/gdi/PixelBlock.h"
+#include "platform/gdi/Rect.h"
 
 #include <cstddef>
-#include <memory>
 #include <optional>
 
 namespace kx::gdi {
@@ -23,22 +24,35 @@ public:
     int Height() const noexcept { return m_nHeight; }
     // From one row to the next, in pixels.
     std::ptrdiff_t Stride() const noexcept { return m_nStride; }
-    DWORD* Row(int y) noexcept { return m_pixels.get() + y * m_nStride; }
-    const DWORD* Row(int y) const noexcept { return m_pixels.get() + y * m_nStride; }
+    DWORD* Row(int y) noexcept { return m_pixels.Get() + y * m_nStride; }
+    const DWORD* Row(int y) const noexcept { return m_pixels.Get() + y * m_nStride; }
+
+    // Takes the pixels of a surface of the same size and stride in place of its own. They are copied when
+    // one of the two is to be written to while the other still has them.
+    void Share(const Surface& other) noexcept { m_pixels = other.m_pixels; }
+    // To be called before a write to one that may have shared; what lies in the rectangle may be anything
+    // then if it is the whole. Throws std::bad_alloc and changes nothing then.
+    void Own(const RECT& written = {})
+    {
+        if (m_pixels.IsShared()) OwnNow(written);
+    }
 
 private:
-    struct Free
-    {
-        void operator()(DWORD* p) const noexcept;
-    };
-    using Pixels = std::unique_ptr<DWORD[], Free>;
-    Surface(int nWidth, int nHeight, std::ptrdiff_t nStride, Pixels pixels) noexcept;
+    Surface(int nWidth, int nHeight, std::ptrdiff_t nStride, PixelBlock pixels) noexcept;
+    // Pixels, with those between the rows.
+    std::size_t Size() const noexcept { return static_cast<std::size_t>(m_nStride * m_nHeight); }
+    void OwnNow(const RECT& written);
 
     int m_nWidth;
     int m_nHeight;
     std::ptrdiff_t m_nStride;
-    Pixels m_pixels;
+    PixelBlock m_pixels;
 };
+
+inline RECT WholeOf(const Surface& surface) noexcept
+{
+    return {0, 0, surface.Width(), surface.Height()};
+}
 
 // A pixel for a colour, and back; both order their bytes the other way round.
 constexpr DWORD ToPixel(COLORREF clr) noexcept

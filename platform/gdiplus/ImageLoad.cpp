@@ -89,7 +89,7 @@ GpStatus GdipCreateBitmapFromHBITMAP(HBITMAP hBitmap, void*, GpBitmap** ppBitmap
     return MakeObject(ppBitmap, [&] {
         const auto bitmap = kx::gdi::FindAs<kx::gdi::Bitmap>(hBitmap);
         if (!bitmap) return InvalidParameter;
-        kx::gdi::Surface& from = bitmap->surface;
+        kx::gdi::Surface& from = bitmap->Pixels();
         const GpStatus status = CheckSize(from.Width(), from.Height());
         if (status != Ok) return status;
         auto surface = CopyPixels({from.Row(0), from.Stride(), from.Width(), from.Height(), Alpha::Opaque});
