@@ -1,20 +1,29 @@
 #include "platform/xml/Select.h"
 
+#include "platform/xml/Ahead.h"
 #include "platform/xml/ChildName.h"
 #include "platform/xml/Names.h"
 #include "platform/xml/SimpleName.h"
 #include "platform/xml/XPath.h"
 
+#include <utility>
+
 namespace kx::xml {
 
 namespace {
 
+constexpr std::ptrdiff_t kAhead = 4;                // elements
+constexpr std::ptrdiff_t kBefore = sizeof(xmlNode); // the white space before each
+
 template <class Name>
 HRESULT FindAll(const Name& name, xmlNode* node, std::vector<xmlNode*>& found)
 {
+    const xmlNode* last = nullptr;
     while ((node = name.FirstFrom(node))) {
+        const std::ptrdiff_t nStep = last ? Distance(last, node) : 0;
+        AskFor(node, kAhead * nStep - kBefore, kBefore + sizeof(xmlNode));
         found.push_back(node);
-        node = node->next;
+        last = std::exchange(node, node->next);
     }
     return found.empty() ? S_FALSE : S_OK;
 }

@@ -1,5 +1,7 @@
 #include "platform/xml/SimpleName.h"
 
+#include "platform/xml/Ahead.h"
+
 namespace kx::xml {
 
 namespace {
@@ -48,7 +50,8 @@ bool IsSpelled(const char* name, BSTR bstr, UINT nUnits) noexcept
 
 xmlNode* SimpleName::NextIn(BSTR bstr, const xmlNode* parent, Passed& passed) noexcept
 {
-    if (passed.parent != parent) passed = {parent, nullptr, 0};
+    if (passed.parent != parent)
+        passed = {parent, nullptr, 0, passed.parent ? Distance(passed.parent, parent) : 0};
     xmlNode* node = passed.last ? passed.last->next : parent->children;
     while (node && node->type != XML_ELEMENT_NODE)
         node = node->next;
@@ -57,6 +60,7 @@ xmlNode* SimpleName::NextIn(BSTR bstr, const xmlNode* parent, Passed& passed) no
     if (passed.names & bit) return nullptr;
     passed.last = node;
     passed.names |= bit;
+    AskFor(node, passed.step, 3 * sizeof(xmlNode)); // with its text and the white space behind it
     return node;
 }
 
@@ -90,7 +94,7 @@ xmlNode* SimpleName::FirstFrom(xmlNode* node) const noexcept
 xmlNode* SimpleName::FirstIn(const xmlNode* parent, Passed& passed) const noexcept
 {
     const std::uint64_t bit = BitOf(m_text.data());
-    if (passed.parent != parent || (passed.names & bit)) passed = {parent, nullptr, 0};
+    if (passed.parent != parent || (passed.names & bit)) passed = {.parent = parent};
     xmlNode* node = passed.last ? passed.last->next : parent->children;
     for (; node; node = node->next) {
         passed.last = node;

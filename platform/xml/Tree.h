@@ -22,6 +22,7 @@ struct Passed
     const xmlNode* parent = nullptr;
     xmlNode* last = nullptr;
     std::uint64_t names = 0; // a bit for each name among them, which others may share
+    std::ptrdiff_t step = 0; // from the parent before this one, in memory
 };
 
 // One libxml2 document with all nodes that were made in it, whether they hang in it or not. Counted by the
