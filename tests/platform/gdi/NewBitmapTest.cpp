@@ -2,6 +2,8 @@
 #include "tests/support/Picture.h"
 
 #include <functional>
+#include <optional>
+#include <thread>
 
 // A new bitmap is black, though its pixels are made so as late as can be; and a window shares the pixels of a
 // bitmap that covers it, until one of the two is drawn on.
@@ -167,6 +169,23 @@ TEST_F(SharedPixels, LastBeyondTheWindow)
     EXPECT_EQ(Memory(), Picture{"RRR"});
     SetPixel(*m_paper, 0, 0, ColorOf('B'));
     EXPECT_EQ(Memory(), Picture{"BRR"});
+}
+
+TEST_F(SharedPixels, MayBeDrawnOnByTwoThreads)
+{
+    std::thread other([hWnd = m_hWnd] {
+        const HDC dc = GetDC(hWnd);
+        for (int n = 0; n < 200; ++n)
+            SetPixel(dc, 1, 0, ColorOf('G'));
+        ReleaseDC(hWnd, dc);
+    });
+    for (int n = 0; n < 200; ++n) {
+        SetPixel(*m_paper, 0, 0, ColorOf(n % 2 ? 'B' : 'Y'));
+        BitBlt(m_window, 0, 0, kWidth, kHeight, *m_paper, 0, 0, SRCCOPY);
+    }
+    other.join();
+    EXPECT_EQ(Memory(), Picture{"BRR"});
+    EXPECT_EQ(Window()[0][0], 'B');
 }
 
 TEST_F(SharedPixels, AreCopiedAroundAClip)
