@@ -6,7 +6,9 @@
 
 namespace kx {
 
-// A file in the making, under a hidden name beside the one that it is for; removed unless it is published.
+// A file in the making, in the directory of the one that it is for; removed unless it is published. It has no
+// name as long as it is written, where the file system allows that, so that nothing is left of it by a
+// process that is killed; else a hidden one.
 class NewFile
 {
 public:
@@ -24,7 +26,9 @@ public:
     bool Publish(const std::string& path, bool bReplace);
 
 private:
-    std::string m_path;
+    bool Hide(const std::string& path);
+
+    std::string m_path; // empty without a name
     UniqueFd m_fd;
 };
 

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -152,6 +153,32 @@ TEST(Copy, FailureOnTheWayLeavesTheOldFileAndNothingElse)
     }
     EXPECT_EQ(drive.Read("old"), "old");
     EXPECT_EQ(Entries(drive.Path()), 2u);
+}
+
+TEST(Copy, KilledOnTheWayLeavesNothing)
+{
+    const Mounted drive;
+    drive.Write("source", std::string(300'000, 'x'));
+    drive.Write("old", "old");
+    const int probe = open(drive.Path().c_str(), O_TMPFILE | O_RDWR, 0600);
+    if (probe < 0) GTEST_SKIP() << "files here have a name from the beginning";
+    close(probe);
+    const auto copy = [&](const char* target) {
+        const pid_t child = fork();
+        if (child == 0) {
+            const rlimit lower{100'000, 100'000};
+            setrlimit(RLIMIT_FSIZE, &lower); // whoever writes more is killed
+            CopyFileA(drive.Of("source"), drive.Of(target), 0);
+            _exit(0);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    };
+    EXPECT_EQ(copy("new"), SIGXFSZ);
+    EXPECT_EQ(copy("old"), SIGXFSZ);
+    EXPECT_EQ(Entries(drive.Path()), 2u);
+    EXPECT_EQ(drive.Read("old"), "old");
 }
 
 TEST(Delete, TakesFilesAndLinksButNothingReadOnly)
