@@ -24,20 +24,21 @@ public:
     int m_bSpinButton = 0;
     int m_bComboButton = 0;
 
-    // The states lie side by side.
-    CKXBitmap m_bmpPushButton;  // 5 states
-    CKXBitmap m_bmpCheckBox;    // 12
-    CKXBitmap m_bmpRadioButton; // 8
-    CKXBitmap m_bmpSpinButton;  // 8
-    CKXBitmap m_bmpComboButton; // 4, as all below
-    CKXBitmap m_bmpTabBtnVert;
-    CKXBitmap m_bmpTabBtnHorz;
-    CKXBitmap m_bmpMainTabBtn;
-    CKXBitmap m_bmpListViewHeader;
+    // The states lie side by side. Behind the file, the keys of the ends that stay unstretched, if it has
+    // some.
+    CKXBitmap m_bmpPushButton;     // 5 states; PushButton.bmp; PushButton_Left, PushButton_Right
+    CKXBitmap m_bmpCheckBox;       // 12; CheckBox.bmp
+    CKXBitmap m_bmpRadioButton;    // 8; RadioButton.bmp
+    CKXBitmap m_bmpSpinButton;     // 8; SpinButton.bmp
+    CKXBitmap m_bmpComboButton;    // 4, as all below; ComboButton.bmp
+    CKXBitmap m_bmpTabBtnVert;     // TabButtonVert.bmp; TabBtnVert_Left, TabBtnVert_Right
+    CKXBitmap m_bmpTabBtnHorz;     // TabButtonHorz.bmp; TabBtnHorz_Left, TabBtnHorz_Right
+    CKXBitmap m_bmpMainTabBtn;     // MainTabButton.bmp
+    CKXBitmap m_bmpListViewHeader; // ListViewHeader.bmp; ListViewHeaderLeft, ListViewHeaderRight
 
     // As the file has them.
-    CString m_strMainTabBtnMask;
-    int m_nMainTabBtnIntersectHeight = 0;
+    CString m_strMainTabBtnMask;          // MainTabBtn_Mask
+    int m_nMainTabBtnIntersectHeight = 0; // MainTabBtnIntersect_Height
 
     // The size of one state; 0 by 0 for a bitmap that couldn't be loaded.
     CSize m_sizePushButton;

@@ -20,8 +20,8 @@ public:
     int LoadRes(const CString& strResDir, const CString& strIniFile);
 
     // 3 states side by side.
-    CKXBitmap m_bmpGroupBtn;
-    CKXBitmap m_bmpTeamBtn;
+    CKXBitmap m_bmpGroupBtn; // GroupBtn.bmp; the ends that stay unstretched: GroupBtn_Left, GroupBtn_Right
+    CKXBitmap m_bmpTeamBtn;  // TeamBtn.bmp
 
     // The size of one state; 0 by 0 for a bitmap that couldn't be loaded.
     CSize m_sizeGroupBtn;
@@ -33,8 +33,8 @@ public:
 
     // 16 by 16 pixels, of the file's entries the nearest. The object's own, until the next load or its end;
     // null for one that couldn't be loaded.
-    HICON m_hNormalIcon = nullptr;
-    HICON m_hExpandIcon = nullptr;
+    HICON m_hNormalIcon = nullptr; // Normal.ico
+    HICON m_hExpandIcon = nullptr; // Expand.ico
 
 private:
     // End the icons.

@@ -22,10 +22,12 @@ public:
     // Empties the two images, which is to be done before the last GdiplusShutdown. The bitmaps stay.
     void UnLoadRes();
 
-    CKXBitmap m_bmpSliderTrack;
-    CKXBitmap m_bmpSliderThumb;
-    CKXBitmap m_bmpOutlookBar; // 3 states side by side
-    CKXBitmap m_bmpMenuIconChecked;
+    // Behind the file, the keys of the ends that stay unstretched.
+    CKXBitmap m_bmpSliderTrack;     // SliderCtrlTrack.bmp; SliderCtrlTrack_Left, SliderCtrlTrack_Right
+    CKXBitmap m_bmpSliderThumb;     // SliderCtrlThumb.bmp; SliderCtrlThumb_Left, SliderCtrlThumb_Right
+    CKXBitmap m_bmpOutlookBar;      // OutlookCtrlBar.bmp; OutlookCtrlBar_Left, OutlookCtrlBar_Right; 3 states
+                                    // side by side
+    CKXBitmap m_bmpMenuIconChecked; // MenuIconChecked.bmp
 
     // The size of one state; 0 by 0 for a bitmap that couldn't be loaded.
     CSize m_sizeOutlookBar;
@@ -34,8 +36,9 @@ public:
     int m_bUseMaskColor = 1;
     COLORREF m_clrMask = 0xFF00FF;
 
-    CKXBitmap m_bmpFileTransProgress; // 2 states side by side
+    // FileTransProgressBar.bmp; FileTransProgressBar_Left, FileTransProgressBar_Right; 2 states side by side.
+    CKXBitmap m_bmpFileTransProgress;
 
-    CKXGdiplusImage m_imgFileSend;
-    CKXGdiplusImage m_imgFileReceive;
+    CKXGdiplusImage m_imgFileSend;    // FileSend.png
+    CKXGdiplusImage m_imgFileReceive; // FileReceive.png
 };

@@ -27,27 +27,28 @@ public:
     // its text begins with, 0 without one; a piece without a comma, or with nothing before it, is no point.
     void ParsePathPoint(CString& strPath, std::vector<CPoint>& vecPoints);
 
-    std::vector<CPoint> m_vecCornerPath1;
-    std::vector<CPoint> m_vecCornerPath2;
-    std::vector<CPoint> m_vecCornerPath3;
-    std::vector<CPoint> m_vecCornerPath4;
-    CString m_strCornerMask[4]; // as the file has them
-    int m_nDrawType = 0;        // as the file has it
+    // Of "RoundCorner".
+    std::vector<CPoint> m_vecCornerPath1; // CornerPath1
+    std::vector<CPoint> m_vecCornerPath2; // CornerPath2
+    std::vector<CPoint> m_vecCornerPath3; // CornerPath3
+    std::vector<CPoint> m_vecCornerPath4; // CornerPath4
+    CString m_strCornerMask[4];           // CornerMask1 to CornerMask4, as the file has them
+    int m_nDrawType = 0;                  // "Border", DrawType, as the file has it
 
-    // Where title text, system menu and caption buttons lie, in pixels.
-    int m_bAutoAlign = 0;
-    int m_nMinBtnOffset = 0;
-    int m_nMaxBtnOffset = 0;
-    int m_nCloseBtnOffset = 0;
-    int m_nMinBtnTop = 0;
-    int m_nMaxBtnTop = 0;
-    int m_nCloseBtnTop = 0;
-    int m_nBtnSpace = 0;
-    int m_nSysMenuTop = 0;
-    int m_nSysMenuLeft = 0;
-    int m_nTitleTextTop = 0;
-    int m_nTitleTextLeft = 0;
-    int m_bAlwaysShowMinBtn = 0;
+    // Where title text, system menu and caption buttons lie, in pixels. Of "SysButton".
+    int m_bAutoAlign = 0;        // AutoAlign
+    int m_nMinBtnOffset = 0;     // MinButton_Offset
+    int m_nMaxBtnOffset = 0;     // MaxButton_Offset
+    int m_nCloseBtnOffset = 0;   // CloseButton_Offset
+    int m_nMinBtnTop = 0;        // MinButton_Top
+    int m_nMaxBtnTop = 0;        // MaxButton_Top
+    int m_nCloseBtnTop = 0;      // CloseButton_Top
+    int m_nBtnSpace = 0;         // Button_Space
+    int m_nSysMenuTop = 0;       // SysMenu_Top
+    int m_nSysMenuLeft = 0;      // SysMenu_Left
+    int m_nTitleTextTop = 0;     // TitleText_Top
+    int m_nTitleTextLeft = 0;    // TitleText_Left
+    int m_bAlwaysShowMinBtn = 0; // AlwaysShowMinButton
 
     // The size of one state; here and below 0 for a bitmap that couldn't be loaded.
     CSize m_sizeMinBtn;
@@ -64,33 +65,35 @@ public:
     int m_nOldTitleHeight = 0;
     int m_nOldBottomHeight = 0;
 
-    COLORREF m_clrBack = 0;
-    COLORREF m_clrText = 0;
-    COLORREF m_clrTitle = 0;
-    COLORREF m_clrTitleAlt = 0; // the title's colour again, with another default
+    // Of "COLOR".
+    COLORREF m_clrBack = 0;     // BackColor
+    COLORREF m_clrText = 0;     // TextColor
+    COLORREF m_clrTitle = 0;    // TitleColor
+    COLORREF m_clrTitleAlt = 0; // TitleColor again, with another default
 
-    // The frame: 2 states, of the title and the bottom one above the other, of the sides side by side.
-    CKXBitmap m_bmpTitle;
-    CKXBitmap m_bmpLeft;
-    CKXBitmap m_bmpRight;
-    CKXBitmap m_bmpBottom;
+    // The frame: 2 states, of the title and the bottom one above the other, of the sides side by side. Their
+    // ends are of "Border".
+    CKXBitmap m_bmpTitle;  // Frame_Title.bmp; Title_Left_Width, Title_Right_Width
+    CKXBitmap m_bmpLeft;   // Frame_Left.bmp; Left_Top_Height, Left_Bottom_Height
+    CKXBitmap m_bmpRight;  // Frame_Right.bmp; Right_Top_Height, Right_Bottom_Height
+    CKXBitmap m_bmpBottom; // Frame_Bottom.bmp; Bottom_Left_Width, Bottom_Right_Width
     // The caption buttons: 8 states side by side.
-    CKXBitmap m_bmpMinBtn;
-    CKXBitmap m_bmpMaxBtn;
-    CKXBitmap m_bmpRestoreBtn;
-    CKXBitmap m_bmpCloseBtn;
+    CKXBitmap m_bmpMinBtn;     // Frame_MinBtn.bmp
+    CKXBitmap m_bmpMaxBtn;     // Frame_MaxBtn.bmp
+    CKXBitmap m_bmpRestoreBtn; // Frame_RestoreBtn.bmp
+    CKXBitmap m_bmpCloseBtn;   // Frame_CloseBtn.bmp
 
     // The background. `m_nBkgType` tells what counts: 0 nothing of it, 1 `m_clrBkg`, 2 `m_bmpBkg`, 3 the
-    // three bitmaps and two heights. The rest may be an earlier skin's.
-    CKXBitmap m_bmpBkg;
-    CKXBitmap m_bmpBkgTop;
-    CKXBitmap m_bmpBkgMid;
-    CKXBitmap m_bmpBkgBtm;
-    int m_nBkgTopHeight = 0;
-    int m_nBkgBtmHeight = 0;
-    int m_nBkgType = 0;
-    COLORREF m_clrBkg = 0;
+    // three bitmaps and two heights. The rest may be an earlier skin's. Ends and colour are of "Background".
+    CKXBitmap m_bmpBkg;      // WndBkg.bmp; Bkg_bmp_Left, Bkg_bmp_Right
+    CKXBitmap m_bmpBkgTop;   // WndBkg_Top.bmp; BkgTop_bmp_Left, BkgTop_bmp_Right
+    CKXBitmap m_bmpBkgMid;   // WndBkg_Mid.bmp; BkgMid_bmp_Left, BkgMid_bmp_Right
+    CKXBitmap m_bmpBkgBtm;   // WndBkg_Btm.bmp; BkgBtm_bmp_Left, BkgBtm_bmp_Right
+    int m_nBkgTopHeight = 0; // of `m_bmpBkgTop`
+    int m_nBkgBtmHeight = 0; // of `m_bmpBkgBtm`
+    int m_nBkgType = 0;      // BkgType, in any case: 1 colorfill, 2 singlebmp, 3 multibmp, 0 for all else
+    COLORREF m_clrBkg = 0;   // BackColor
 
-    // An earlier skin's where the current one has none. Replacing it ends the old bitmap.
+    // ScrollBar.bmp. An earlier skin's where the current one has none. Replacing it ends the old bitmap.
     CBitmap m_bmpScrollBar;
 };

@@ -3,6 +3,7 @@
 #include "platform/Immortal.h"
 #include "platform/files/MountTable.h"
 #include "platform/files/SystemDrives.h"
+#include "platform/sync/LockSoon.h"
 
 #include <array>
 #include <atomic>
@@ -37,7 +38,7 @@ public:
 
     std::optional<std::size_t> Peek(std::size_t index, std::span<char> buffer) noexcept
     {
-        const std::unique_lock lock(m_lock, std::try_to_lock);
+        const std::unique_lock lock = sync::LockSoon(m_lock);
         if (!lock) return std::nullopt;
         if (m_drives[index]) return CopyRoot(*m_drives[index], buffer);
         if (index == IndexOf('C')) return 0;

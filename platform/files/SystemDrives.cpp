@@ -6,6 +6,7 @@
 #include "platform/files/BlockDevices.h"
 #include "platform/files/Directory.h"
 #include "platform/files/MountTable.h"
+#include "platform/sync/LockSoon.h"
 
 #include <algorithm>
 #include <array>
@@ -46,7 +47,7 @@ public:
 
     std::optional<std::size_t> Peek(std::size_t letter, std::span<char> buffer) noexcept
     {
-        const std::unique_lock lock(m_lock, std::try_to_lock);
+        const std::unique_lock lock = sync::LockSoon(m_lock);
         if (!lock || !m_drives[letter]) return std::nullopt;
         return CopyRoot(*m_drives[letter], buffer);
     }

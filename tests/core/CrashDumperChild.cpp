@@ -1,12 +1,16 @@
 #include "KXCrashDumper.h"
 #include "KXLogSys.h"
+#include "platform/FileSystem.h"
 #include "platform/Host.h"
 #include "tests/support/CrashKinds.h"
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <string>
+#include <sys/mman.h>
+#include <thread>
 
 // CrashDumperChild ROOT HOW: with `C:` at the directory ROOT, crashes in that way. The environment says the
 // rest.
@@ -35,6 +39,34 @@ void CrashBesideTheLog() KX_UNCHECKED_LOCKING
     crashes::OnThread<crashes::CrashByRead>();
 }
 
+// While others look for files the whole time, and so hold the lock of the drives nearly always: each look
+// copies what is known of the drive, which is much here.
+void CrashBesideSearches(KXHost::Drive drive)
+{
+    drive.strLabel.assign(1 << 20, 'x');
+    KXHost::MountDrive('C', drive);
+    constexpr int nThreads = 16;
+    static std::atomic<int> nSearches{0};
+    for (int n = 0; n < nThreads; ++n)
+        std::thread([] {
+            for (;; ++nSearches)
+                PathFileExistsA("C:\\nothing");
+        }).detach();
+    while (nSearches < 100 * nThreads)
+        std::this_thread::yield();
+    crashes::CrashByRead();
+}
+
+// With more mappings than are counted on, all of them before the stack.
+void CrashWithManyMappings()
+{
+    constexpr std::size_t nPages = 50'000, nPage = 4096;
+    void* const p = mmap(nullptr, nPages * nPage, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    for (std::size_t n = 0; p != MAP_FAILED && n < nPages; n += 2)
+        mprotect(static_cast<char*>(p) + n * nPage, nPage, PROT_NONE);
+    crashes::CrashByRead();
+}
+
 } // namespace
 
 int main(int, char** args)
@@ -59,6 +91,8 @@ int main(int, char** args)
         dumper.Unintialize();
     }
     if (how == "log") CrashBesideTheLog();
+    if (how == "searches") CrashBesideSearches(drive);
+    if (how == "mappings") CrashWithManyMappings();
     crashes::kKinds.at(how).pfnCrash();
     return 0;
 }

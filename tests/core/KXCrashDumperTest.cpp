@@ -119,7 +119,8 @@ protected:
 TEST_F(CrashDumper, ReportsEveryKindAndEndsByItsSignal)
 {
     std::map<std::string, crashes::Kind> kinds(crashes::kKinds.begin(), crashes::kKinds.end());
-    kinds["log"] = {nullptr, SIGSEGV, "CrashByRead"};
+    for (const char* how : {"log", "searches"})
+        kinds[how] = {nullptr, SIGSEGV, "CrashByRead"};
     if (kSanitized) kinds.erase("heap"); // its allocator is another one
     for (const auto& [how, kind] : kinds) {
         SCOPED_TRACE(how);
@@ -280,6 +281,15 @@ TEST_F(CrashDumper, LeavesACoreThatADebuggerOpens)
     }
 }
 
+TEST_F(CrashDumper, KeepsTheStackOfAProcessWithManyMappings)
+{
+    Place place;
+    place.RealReporter().Crash("mappings");
+    EXPECT_THAT(Output("gdb -nx -batch -ex bt " + std::string(KX_TEST_BIN) + "/CrashDumperChild " +
+                       place.Dump(".dmp") + " 2>&1"),
+                testing::ContainsRegex("#[1-9] .* in main "));
+}
+
 TEST_F(CrashDumper, TellsWhatItCanOfAProcessThatItMayNotLookInto)
 {
     Place place;
@@ -326,6 +336,22 @@ TEST_F(CrashDumper, RestartsTheProgramOnceItHasEnded)
         place.RealReporter().Start("read", {"KX_TEST_RESTART=1", "KX_TEST_RUN=" + pipe + " restarted again"});
     EXPECT_EQ(child.Wait(), 128 + SIGSEGV);
     EXPECT_EQ(test::ReadFile(pipe), "again\n"); // waits for it
+}
+
+TEST_F(CrashDumper, DoesNotRestartAProgramAgainAndAgain)
+{
+    Place place;
+    place.RealReporter();
+    const std::string mark = place.Dir().Path("mark");
+    // What is started holds the pipe that is read here to its end.
+    const auto crash = [&](const std::string& when) {
+        Output("ASAN_OPTIONS=handle_segv=0 KX_TEST_RESTART=1 KX_TEST_RUN='" + mark + " restarted again' " +
+               "KX_CRASH_RESTARTED=" + when + " " + KX_TEST_BIN + "/CrashDumperChild " + place.Dir().Path() +
+               " read 2>&1");
+        return fs::remove(mark);
+    };
+    EXPECT_FALSE(crash("$(date +%s)"));
+    EXPECT_TRUE(crash("$(($(date +%s) - 3600))"));
 }
 
 // What a client sees of the class in its own process.

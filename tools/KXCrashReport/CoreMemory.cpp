@@ -10,7 +10,12 @@ constexpr std::uint64_t kPage = 4096;
 constexpr std::uint64_t kStack = 1 << 20;
 constexpr std::uint64_t kStacks = 32 << 20; // of all threads together
 constexpr std::uint64_t kBudget = 64 << 20;
-constexpr std::size_t kMaxPieces = 30'000; // far below what an ELF file can count
+
+// So many pieces, below what an ELF file can count, with places for modules and stacks, which often come
+// last.
+constexpr std::size_t kMostPieces = 60'000;
+constexpr std::size_t kMostBeforeStacks = 50'000;
+constexpr std::size_t kMostOfOthers = 30'000;
 
 // Where the stack that a thread works on begins to be used. One that overflowed points below it, by a frame.
 std::uint64_t StackOf(const ThreadState& thread, const std::vector<Mapping>& maps)
@@ -58,6 +63,14 @@ std::uint64_t OfModule(const Mapping& map, const Mapping* next)
     return map.offset == 0 ? std::min(map.Size(), kPage) : 0;
 }
 
+// How many pieces there may be before a mapping.
+std::size_t MostBefore(const Mapping& map, const std::vector<std::uint64_t>& stacks)
+{
+    const auto holds = [&](std::uint64_t stack) { return map.Holds(stack); };
+    if (std::any_of(stacks.begin(), stacks.end(), holds)) return kMostPieces;
+    return map.IsFile() ? kMostBeforeStacks : kMostOfOthers;
+}
+
 class Budget
 {
 public:
@@ -88,7 +101,7 @@ std::vector<Piece> ChooseMemory(const std::vector<Mapping>& maps, const std::vec
     std::vector<Piece> pieces;
     Budget budget;
     for (const Mapping& map : maps) {
-        if (map.path == "[vsyscall]" || pieces.size() > kMaxPieces) continue;
+        if (map.path == "[vsyscall]" || pieces.size() >= MostBefore(map, stacks)) continue;
         for (Piece& piece : Cut(map, stacks)) {
             budget.Charge(piece);
             pieces.push_back(std::move(piece));

@@ -57,14 +57,13 @@ std::string Hex(unsigned long long nValue)
     return "0x" + std::string(digits.size() - count, '0') + std::string(digits.data(), count);
 }
 
-std::string ReadFile(const std::string& path)
+std::string ReadFile(const std::string& path, std::size_t nLimit)
 {
-    constexpr std::size_t kLimit = 1 << 20;
     const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     std::string content;
     std::array<char, 4096> block;
     for (ssize_t got;
-         file && content.size() < kLimit && (got = read(file.Get(), block.data(), block.size())) > 0;)
+         file && content.size() < nLimit && (got = read(file.Get(), block.data(), block.size())) > 0;)
         content.append(block.data(), static_cast<std::size_t>(got));
     return content;
 }

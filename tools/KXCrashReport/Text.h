@@ -14,7 +14,7 @@ std::string OneLine(std::string_view text);
 // A number in hexadecimal, at least 16 digits.
 std::string Hex(unsigned long long nValue);
 
-// A whole file, for those that tell no size; empty if it can't be read. At most a megabyte.
-std::string ReadFile(const std::string& path);
+// A whole file, for those that tell no size, but no more than about so many bytes; empty if it can't be read.
+std::string ReadFile(const std::string& path, std::size_t nLimit = 1 << 20);
 
 } // namespace kx::report

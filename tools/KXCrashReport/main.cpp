@@ -32,7 +32,8 @@ std::string Join(int nArgs, char** args)
 bool WriteDump(int fd, const Tracee& tracee, const std::vector<ThreadState>& threads,
                const std::optional<CrashRecord>& crash)
 {
-    const auto maps = ParseMaps(ReadFile(tracee.ProcFile("maps")));
+    constexpr std::size_t kMaps = 64 << 20; // far more than the system allows: stacks come last
+    const auto maps = ParseMaps(ReadFile(tracee.ProcFile("maps"), kMaps));
     return WriteCore(fd, tracee, CoreNotes(tracee, threads, crash, maps), ChooseMemory(maps, threads));
 }
 

@@ -1,6 +1,7 @@
 #include "platform/window/x11/X11Desktop.h"
 
 #include "platform/Immortal.h"
+#include "platform/sync/AlternateStack.h"
 #include "platform/window/MessageBoxWindow.h"
 #include "platform/window/Window.h"
 #include "platform/window/headless/HeadlessDesktop.h"
@@ -52,6 +53,7 @@ std::shared_ptr<x11::Session> OpenSession(const char* pszDisplay, std::chrono::m
 {
     const std::optional name = pszDisplay ? std::optional<std::string>(pszDisplay) : std::nullopt;
     std::packaged_task<std::shared_ptr<x11::Session>()> open([name] {
+        const sync::AlternateStack stack;
         auto connection = x11::Connection::Open(name ? name->c_str() : nullptr);
         return connection ? std::make_shared<x11::Session>(std::move(connection)) : nullptr;
     });
