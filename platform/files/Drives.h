@@ -33,9 +33,9 @@ std::optional<Drive> Find(char letter, bool bLook = false);
 // The drive whose root holds an absolute Linux path: the longest root, then the lowest letter from `C` on.
 std::optional<Drive> Holding(std::string_view systemPath);
 
-// A drive's root without heap and without waiting for long, for a process that has crashed: the length of what
-// is written to the buffer; nothing where there is none, where it doesn't fit, and where a lock stays held. A
-// drive of the system's is where it was at the last look.
+// A drive's root without heap and without waiting for long, for a process that has crashed: the length of
+// what is written to the buffer; nothing where there is none, where it doesn't fit, and where a lock stays
+// held. A drive of the system's is where it was at the last look.
 std::optional<std::size_t> PeekRoot(char letter, std::span<char> buffer) noexcept;
 std::optional<std::size_t> CopyRoot(const Drive& drive, std::span<char> buffer) noexcept;
 
