@@ -65,9 +65,26 @@ const xmlChar* X(const char* text)
 
 using Doc = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
 
-Doc LoadLibxml()
+// Short texts in their nodes, as ours has them.
+Doc LoadLibxml(const std::string& file = File(kRecords))
 {
-    return {xmlReadFile(File(kRecords).c_str(), nullptr, XML_PARSE_NOENT | XML_PARSE_NONET), xmlFreeDoc};
+    return {xmlReadFile(file.c_str(), nullptr, XML_PARSE_NOENT | XML_PARSE_NONET | XML_PARSE_COMPACT),
+            xmlFreeDoc};
+}
+
+// Whether a file has all records with all their children, of which the last one's last is looked at.
+bool IsWhole(const std::string& file)
+{
+    const Doc doc = LoadLibxml(file);
+    unsigned long nChildren = 0;
+    xmlNode* last = nullptr;
+    for (xmlNode* record = xmlFirstElementChild(xmlDocGetRootElement(doc.get())); record;
+         record = xmlNextElementSibling(record)) {
+        nChildren += xmlChildElementCount(record);
+        last = xmlLastElementChild(record);
+    }
+    return nChildren == kRecords * kFields && last->children &&
+           Value(kRecords - 1, kFields - 1) == reinterpret_cast<char*>(last->children->content);
 }
 
 class Com
@@ -93,7 +110,7 @@ void LoadPeer(benchmark::State& state)
 {
     File(kRecords);
     for (auto _ : state)
-        benchmark::DoNotOptimize(LoadLibxml());
+        if (!LoadLibxml()) state.SkipWithError("not loaded");
 }
 
 int ReadField(const CKXXmlDomElement& record, std::size_t i)
@@ -166,11 +183,14 @@ void ReadTenths(benchmark::State& state)
     CKXXmlDomDocument doc;
     doc.Load(Win(kRecords / 10));
     const CKXXmlDomElement root = doc.GetDocumentElement();
-    for (auto _ : state)
+    for (auto _ : state) {
+        int nFound = 0;
         for (int nTenth = 0; nTenth < 10; ++nTenth)
             for (const CKXXmlDomElement& record : root.GetChilds("record"))
                 for (std::size_t i = 0; i < kFields; ++i)
-                    benchmark::DoNotOptimize(ReadField(record, i));
+                    nFound += ReadField(record, i);
+        if (nFound != kRecords * kFields) state.SkipWithError("not all found");
+    }
 }
 
 // The texts are the same on both sides and made before.
@@ -213,6 +233,7 @@ void WriteOurs(benchmark::State& state)
         }
         doc.Save(file);
     }
+    if (!IsWhole(bench::Dir().Path("ours.xml"))) state.SkipWithError("not all written");
 }
 
 void WritePeer(benchmark::State& state)
@@ -231,6 +252,7 @@ void WritePeer(benchmark::State& state)
         }
         xmlSaveFormatFileEnc(file.c_str(), doc.get(), "UTF-8", 0);
     }
+    if (!IsWhole(file)) state.SkipWithError("not all written");
 }
 
 const int registered = [] {
