@@ -1,7 +1,7 @@
+#include "bench/CairoPaper.h"
 #include "bench/Surfaces.h"
 
 #include <KXBitmap.h>
-#include <cairo/cairo.h>
 #include <cstring>
 #include <pixman.h>
 #include <random>
@@ -35,40 +35,77 @@ constexpr Size bar{1000, 30};
 constexpr Size tile{30, 30};
 constexpr int nEnd = 5;
 
+Pixels TilePixels()
+{
+    Pixels pixels(tile.Count());
+    for (std::size_t n = 0; n < pixels.size(); ++n)
+        pixels[n] = static_cast<DWORD>(n * 2654435761u & 0xFFFFFF);
+    return pixels;
+}
+
+class SdlBar
+{
+public:
+    SdlBar() { SDL_SetSurfaceBlendMode(m_from.get(), SDL_BLENDMODE_NONE); }
+    void Fill()
+    {
+        constexpr int nMiddle = tile.cx - 2 * nEnd;
+        constexpr int nRoom = bar.cx - 2 * nEnd;
+        for (int done = 0; done < nRoom; done += nMiddle)
+            Blit(nEnd + done, nEnd, std::min(nRoom - done, nMiddle));
+        Blit(0, 0, nEnd);
+        Blit(bar.cx - nEnd, tile.cx - nEnd, nEnd);
+    }
+    const DWORD* Shown() const { return m_target.data(); }
+
+private:
+    void Blit(int x, int xSrc, int cx)
+    {
+        const SDL_Rect source{xSrc, 0, cx, tile.cy};
+        SDL_Rect place{x, 0, 0, 0};
+        SDL_BlitSurface(m_from.get(), &source, m_to.get(), &place);
+    }
+
+    Pixels m_pixels = TilePixels();
+    Pixels m_target = Pixels(bar.Count());
+    const SdlSurface m_from = MakeSdl(tile, m_pixels);
+    const SdlSurface m_to = MakeSdl(bar, m_target);
+};
+
 void FillOurs(benchmark::State& state)
 {
     const Ours paper(bar);
     CKXBitmap bitmap;
     bitmap.AttachBitmap(CreateCompatibleBitmap(paper, tile.cx, tile.cy));
+    BitBlt(bitmap.GetHDC(), 0, 0, tile.cx, tile.cy, Ours(tile, TilePixels()), 0, 0, SRCCOPY);
     bitmap.SetFillParam(nEnd, nEnd, 1);
     CDC* pDC = CDC::FromHandle(paper);
     for (auto _ : state)
         bitmap.DrawFill(pDC, CRect(0, 0, bar.cx, bar.cy), 0);
+    SdlBar peer;
+    peer.Fill();
+    if (!Shows(paper, bar, peer.Shown())) state.SkipWithError("another picture than the peer's");
 }
 
 void FillSdl(benchmark::State& state)
 {
-    Pixels pixels(tile.Count());
-    Pixels target(bar.Count());
-    const auto from = MakeSdl(tile, pixels);
-    const auto to = MakeSdl(bar, target);
-    SDL_SetSurfaceBlendMode(from.get(), SDL_BLENDMODE_NONE);
-    const auto blit = [&](int x, int xSrc, int cx) {
-        const SDL_Rect source{xSrc, 0, cx, tile.cy};
-        SDL_Rect place{x, 0, 0, 0};
-        SDL_BlitSurface(from.get(), &source, to.get(), &place);
-    };
-    constexpr int nMiddle = tile.cx - 2 * nEnd;
-    constexpr int nRoom = bar.cx - 2 * nEnd;
-    for (auto _ : state) {
-        for (int done = 0; done < nRoom; done += nMiddle)
-            blit(nEnd + done, nEnd, std::min(nRoom - done, nMiddle));
-        blit(0, 0, nEnd);
-        blit(bar.cx - nEnd, tile.cx - nEnd, nEnd);
-    }
+    SdlBar peer;
+    for (auto _ : state)
+        peer.Fill();
 }
 
 // ---- The region of what isn't of the key colour
+
+// Fills a region with the colour that isn't the key.
+bool Covers(const CRgn& rgn, int nSide, const Pixels& pixels)
+{
+    const Size size{nSide, nSide};
+    const Ours paper(size, Pixels(size.Count(), dwKey));
+    const HBRUSH hBrush = CreateSolidBrush(RGB(0x11, 0x22, 0x33));
+    FillRgn(paper, rgn, hBrush);
+    DeleteObject(hBrush);
+    return Shows(paper, size, pixels.data());
+}
 
 void RegionOurs(benchmark::State& state, int nSide, const std::string& shape, int nTimes)
 {
@@ -77,11 +114,15 @@ void RegionOurs(benchmark::State& state, int nSide, const std::string& shape, in
     CKXBitmap bitmap;
     bitmap.AttachBitmap(hBitmap);
     BitBlt(bitmap.GetHDC(), 0, 0, nSide, nSide, Ours(size, MakePixels(nSide, shape)), 0, 0, SRCCOPY);
+    const COLORREF clrKey = RGB(dwKey >> 16, dwKey >> 8, dwKey);
     for (auto _ : state)
         for (int n = 0; n < nTimes; ++n) {
             CRgn rgn;
-            bitmap.CreateBitmapRgn(rgn, RGB(dwKey >> 16, dwKey >> 8, dwKey), 0);
+            bitmap.CreateBitmapRgn(rgn, clrKey, 0);
         }
+    CRgn rgn; // behind the loop, whose time depends on what the heap has had before
+    bitmap.CreateBitmapRgn(rgn, clrKey, 0);
+    if (!Covers(rgn, nSide, MakePixels(nSide, shape))) state.SkipWithError("another region");
 }
 
 void RegionPixman(benchmark::State& state, int nSide, const std::string& shape)
@@ -108,24 +149,40 @@ void RegionPixman(benchmark::State& state, int nSide, const std::string& shape)
 
 // ---- A letter, measured and drawn again
 
-constexpr const char* pszFace = "DejaVu Sans";
-constexpr int nHeight = 20;
+constexpr Size letter{64, 32};
+
+void DrawLetter(HDC hDC)
+{
+    RECT rect{4, 2, 60, 30};
+    DrawTextA(hDC, "g", 1, &rect, DT_CALCRECT | DT_SINGLELINE | DT_VCENTER);
+    DrawTextA(hDC, "g", 1, &rect, DT_SINGLELINE | DT_VCENTER);
+}
+
+void DrawLetter(cairo_t* cairo)
+{
+    cairo_text_extents_t extents;
+    cairo_text_extents(cairo, "g", &extents);
+    cairo_move_to(cairo, 4, 24);
+    cairo_show_text(cairo, "g");
+}
 
 void LetterOurs(benchmark::State& state, bool bThreaded)
 {
     if (bThreaded) HaveHadThreads();
-    const Ours paper({64, 32});
+    const Ours paper(letter);
     LOGFONTA log{};
-    log.lfHeight = -nHeight;
+    log.lfHeight = -nFontHeight;
     std::strcpy(log.lfFaceName, pszFace);
     const HFONT hFont = CreateFontIndirectA(&log);
     const HGDIOBJ hOld = SelectObject(paper, hFont);
     SetBkMode(paper, TRANSPARENT);
-    for (auto _ : state) {
-        RECT rect{4, 2, 60, 30};
-        DrawTextA(paper, "g", 1, &rect, DT_CALCRECT | DT_SINGLELINE | DT_VCENTER);
-        DrawTextA(paper, "g", 1, &rect, DT_SINGLELINE | DT_VCENTER);
-    }
+    SetTextColor(paper, RGB(255, 255, 255));
+    const CairoPaper peer(letter);
+    DrawLetter(static_cast<HDC>(paper));
+    DrawLetter(static_cast<cairo_t*>(peer));
+    if (!InkOf(paper, letter).IsAbout(peer.Ink())) state.SkipWithError("another letter than the peer's");
+    for (auto _ : state)
+        DrawLetter(static_cast<HDC>(paper));
     SelectObject(paper, hOld);
     DeleteObject(hFont);
 }
@@ -133,19 +190,9 @@ void LetterOurs(benchmark::State& state, bool bThreaded)
 void LetterCairo(benchmark::State& state, bool bThreaded)
 {
     if (bThreaded) HaveHadThreads();
-    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 64, 32);
-    cairo_t* cairo = cairo_create(surface);
-    cairo_select_font_face(cairo, pszFace, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
-    cairo_set_font_size(cairo, nHeight);
-    cairo_set_source_rgb(cairo, 1, 1, 1);
-    for (auto _ : state) {
-        cairo_text_extents_t extents;
-        cairo_text_extents(cairo, "g", &extents);
-        cairo_move_to(cairo, 4, 24);
-        cairo_show_text(cairo, "g");
-    }
-    cairo_destroy(cairo);
-    cairo_surface_destroy(surface);
+    const CairoPaper paper(letter);
+    for (auto _ : state)
+        DrawLetter(static_cast<cairo_t*>(paper));
 }
 
 const int registered = [] {

@@ -1,5 +1,6 @@
 #include "bench/Surfaces.h"
 
+#include <algorithm>
 #include <cairo/cairo.h>
 #include <cstring>
 #include <pixman.h>
@@ -32,6 +33,13 @@ Pixels MakePixels(Size size, Pattern pattern)
     return pixels;
 }
 
+// What a copy without the key colour leaves on black.
+Pixels Unkeyed(Pixels pixels)
+{
+    std::replace(pixels.begin(), pixels.end(), dwKey, DWORD{0});
+    return pixels;
+}
+
 struct FreeImage
 {
     void operator()(pixman_image_t* p) const { pixman_image_unref(p); }
@@ -52,6 +60,7 @@ void CopyOurs(benchmark::State& state, Size size)
     const Ours to(size);
     for (auto _ : state)
         BitBlt(to, 0, 0, size.cx, size.cy, from, 0, 0, SRCCOPY);
+    if (!Shows(to, size, MakePixels(size, Pattern::Noise).data())) state.SkipWithError("not copied");
 }
 
 void CopyMemcpy(benchmark::State& state, Size size)
@@ -64,6 +73,7 @@ void CopyMemcpy(benchmark::State& state, Size size)
             std::memcpy(to.data() + n, from.data() + n, nRow * 4);
         benchmark::ClobberMemory();
     }
+    if (to != from) state.SkipWithError("not copied");
 }
 
 void CopyPixman(benchmark::State& state, Size size)
@@ -75,6 +85,7 @@ void CopyPixman(benchmark::State& state, Size size)
     for (auto _ : state)
         pixman_image_composite32(PIXMAN_OP_SRC, from.get(), nullptr, to.get(), 0, 0, 0, 0, 0, 0, size.cx,
                                  size.cy);
+    if (target != pixels) state.SkipWithError("not copied");
 }
 
 void BlitSdl(benchmark::State& state, Size size, Pattern pattern, bool bKeyed)
@@ -87,6 +98,7 @@ void BlitSdl(benchmark::State& state, Size size, Pattern pattern, bool bKeyed)
     if (bKeyed) SDL_SetColorKey(from.get(), SDL_TRUE, dwKey);
     for (auto _ : state)
         SDL_BlitSurface(from.get(), nullptr, to.get(), nullptr);
+    if (target != (bKeyed ? Unkeyed(pixels) : pixels)) state.SkipWithError("not copied");
 }
 
 // ---- Copies with a colour key
@@ -98,6 +110,7 @@ void KeyedOurs(benchmark::State& state, Size size, Pattern pattern)
     const COLORREF clrKey = RGB(dwKey >> 16, dwKey >> 8, dwKey);
     for (auto _ : state)
         TransparentBlt(to, 0, 0, size.cx, size.cy, from, 0, 0, size.cx, size.cy, clrKey);
+    if (!Shows(to, size, Unkeyed(MakePixels(size, pattern)).data())) state.SkipWithError("not copied");
 }
 
 void KeyedSelect(benchmark::State& state, Size size, Pattern pattern)
@@ -112,6 +125,7 @@ void KeyedSelect(benchmark::State& state, Size size, Pattern pattern)
             to[n] = (from[n] & 0xFFFFFF) == dwKey ? to[n] : from[n];
         benchmark::ClobberMemory();
     }
+    if (target != Unkeyed(source)) state.SkipWithError("not copied");
 }
 
 // ---- Regions of 1024 by 1024 pixels from the runs of their rows
@@ -143,9 +157,23 @@ std::vector<RECT> MakeRuns(const std::string& shape)
     return MakeRuns([random = std::minstd_rand(1)](int, int) mutable { return random() / 64 % 2 == 0; });
 }
 
+bool Covers(const std::vector<RECT>& runs)
+{
+    const Size size{nSide, nSide};
+    Pixels wanted(size.Count());
+    for (const RECT& run : runs)
+        std::fill_n(wanted.begin() + run.top * nSide + run.left, run.right - run.left, 0xFFFFFF);
+    const Ours paper(size);
+    const HRGN hRgn = CreateRectsRgn(runs.data(), static_cast<int>(runs.size()));
+    FillRgn(paper, hRgn, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+    DeleteObject(hRgn);
+    return Shows(paper, size, wanted.data());
+}
+
 void RegionOurs(benchmark::State& state, const std::string& shape)
 {
     const auto runs = MakeRuns(shape);
+    if (!Covers(runs)) state.SkipWithError("another region");
     for (auto _ : state)
         DeleteObject(CreateRectsRgn(runs.data(), static_cast<int>(runs.size())));
 }

@@ -1,7 +1,7 @@
+#include "bench/CairoPaper.h"
 #include "bench/Surfaces.h"
 
 #include <array>
-#include <cairo/cairo.h>
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <memory>
 #include <platform/GdiPlus.h>
@@ -59,8 +59,6 @@ private:
 struct Unref
 {
     void operator()(GdkPixbuf* p) const { g_object_unref(p); }
-    void operator()(cairo_surface_t* p) const { cairo_surface_destroy(p); }
-    void operator()(cairo_t* p) const { cairo_destroy(p); }
     void operator()(cairo_pattern_t* p) const { cairo_pattern_destroy(p); }
 };
 using Pixbuf = std::unique_ptr<GdkPixbuf, Unref>;
@@ -87,37 +85,68 @@ Pixbuf MakePixbufPhoto(bool bAlpha)
     return pixbuf;
 }
 
+// With alpha blended over what is there, as ours does.
+void DrawScaled(const GdkPixbuf* from, GdkPixbuf* to, bool bAlpha)
+{
+    const Size size{gdk_pixbuf_get_width(to), gdk_pixbuf_get_height(to)};
+    const double across = static_cast<double>(size.cx) / photo.cx;
+    const double down = static_cast<double>(size.cy) / photo.cy;
+    if (bAlpha)
+        gdk_pixbuf_composite(from, to, 0, 0, size.cx, size.cy, 0, 0, across, down, GDK_INTERP_BILINEAR, 255);
+    else
+        gdk_pixbuf_scale(from, to, 0, 0, size.cx, size.cy, 0, 0, across, down, GDK_INTERP_BILINEAR);
+}
+
+// Whether a surface shows what the peer makes of the picture, whose weights are sixteenths.
+bool ShowsScaled(HDC hDC, Size size, bool bAlpha)
+{
+    constexpr int nOff = 32;
+    const Pixbuf from = MakePixbufPhoto(bAlpha);
+    const Pixbuf to = MakePixbuf(size, false);
+    gdk_pixbuf_fill(to.get(), 0);
+    DrawScaled(from.get(), to.get(), bAlpha);
+    Pixels pixels;
+    for (int y = 0; y < size.cy; ++y) {
+        const guchar* in = gdk_pixbuf_get_pixels(to.get()) + y * gdk_pixbuf_get_rowstride(to.get());
+        for (int x = 0; x < size.cx; ++x, in += 3)
+            pixels.push_back(DWORD{in[0]} << 16 | DWORD{in[1]} << 8 | in[2]);
+    }
+    return Shows(hDC, size, pixels.data(), nOff);
+}
+
 void DrawScaledOurs(benchmark::State& state, Size size, bool bAlpha)
 {
     OurPhoto from(bAlpha);
     const Ours to(size);
-    for (auto _ : state) {
+    const auto draw = [&] {
         Gdiplus::Graphics graphics(static_cast<HDC>(to));
         graphics.DrawImage(from, 0, 0, size.cx, size.cy);
-    }
+    };
+    draw();
+    if (!ShowsScaled(to, size, bAlpha)) state.SkipWithError("another picture than the peer's");
+    for (auto _ : state)
+        draw();
 }
 
-// With alpha blended over what is there, as ours does.
 void DrawScaledPixbuf(benchmark::State& state, Size size, bool bAlpha)
 {
     const Pixbuf from = MakePixbufPhoto(bAlpha);
     const Pixbuf to = MakePixbuf(size, false);
     gdk_pixbuf_fill(to.get(), 0);
-    const double across = static_cast<double>(size.cx) / photo.cx;
-    const double down = static_cast<double>(size.cy) / photo.cy;
-    for (auto _ : state) {
-        if (bAlpha)
-            gdk_pixbuf_composite(from.get(), to.get(), 0, 0, size.cx, size.cy, 0, 0, across, down,
-                                 GDK_INTERP_BILINEAR, 255);
-        else
-            gdk_pixbuf_scale(from.get(), to.get(), 0, 0, size.cx, size.cy, 0, 0, across, down,
-                             GDK_INTERP_BILINEAR);
-    }
+    for (auto _ : state)
+        DrawScaled(from.get(), to.get(), bAlpha);
 }
 
 void ThumbnailOurs(benchmark::State& state, Size size)
 {
     OurPhoto from(false);
+    const Ours paper(size);
+    {
+        const std::unique_ptr<Gdiplus::Image> thumbnail(
+            from->GetThumbnailImage(static_cast<UINT>(size.cx), static_cast<UINT>(size.cy)));
+        Gdiplus::Graphics(static_cast<HDC>(paper)).DrawImage(thumbnail.get(), 0, 0);
+    }
+    if (!ShowsScaled(paper, size, false)) state.SkipWithError("another picture than the peer's");
     for (auto _ : state)
         benchmark::DoNotOptimize(std::unique_ptr<Gdiplus::Image>(
             from->GetThumbnailImage(static_cast<UINT>(size.cx), static_cast<UINT>(size.cy))));
@@ -144,46 +173,12 @@ constexpr std::array<int, 2> EndOf(Way way)
     }
 }
 
-void LineOurs(benchmark::State& state, Way way)
+// A pattern painted over a picture of the screen's size, and freed.
+void Paint(cairo_t* to, cairo_pattern_t* made)
 {
-    const Ours to(screen);
-    const auto [x, y] = EndOf(way);
-    for (auto _ : state) {
-        Gdiplus::Graphics graphics(static_cast<HDC>(to));
-        const Gdiplus::LinearGradientBrush brush({0, 0}, {x, y}, Gdiplus::Color(255, 128, 0),
-                                                 Gdiplus::Color(0, 64, 255));
-        graphics.FillRectangle(&brush, 0, 0, screen.cx, screen.cy);
-    }
-}
-
-void PathOurs(benchmark::State& state)
-{
-    const Ours to(screen);
-    for (auto _ : state) {
-        Gdiplus::Graphics graphics(static_cast<HDC>(to));
-        Gdiplus::GraphicsPath path;
-        path.AddRectangle(0, 0, screen.cx, screen.cy);
-        Gdiplus::PathGradientBrush brush(&path);
-        brush.SetCenterColor(Gdiplus::Color(255, 128, 0));
-        const Gdiplus::Color surround(0, 64, 255);
-        int nCount = 1;
-        brush.SetSurroundColors(&surround, &nCount);
-        graphics.FillRectangle(&brush, 0, 0, screen.cx, screen.cy);
-    }
-}
-
-// A pattern that `make` makes, painted over an image surface each time.
-template <class Make>
-void PaintCairo(benchmark::State& state, Make make)
-{
-    const std::unique_ptr<cairo_surface_t, Unref> surface(
-        cairo_image_surface_create(CAIRO_FORMAT_RGB24, screen.cx, screen.cy));
-    const std::unique_ptr<cairo_t, Unref> to(cairo_create(surface.get()));
-    for (auto _ : state) {
-        const std::unique_ptr<cairo_pattern_t, Unref> pattern(make());
-        cairo_set_source(to.get(), pattern.get());
-        cairo_paint(to.get());
-    }
+    const std::unique_ptr<cairo_pattern_t, Unref> pattern(made);
+    cairo_set_source(to, pattern.get());
+    cairo_paint(to);
 }
 
 cairo_pattern_t* WithStops(cairo_pattern_t* pattern)
@@ -193,39 +188,102 @@ cairo_pattern_t* WithStops(cairo_pattern_t* pattern)
     return pattern;
 }
 
-void LineCairo(benchmark::State& state, Way way)
+cairo_pattern_t* MakeLine(Way way)
 {
     const auto [x, y] = EndOf(way);
-    PaintCairo(state, [x = x, y = y] { return WithStops(cairo_pattern_create_linear(0, 0, x, y)); });
+    return WithStops(cairo_pattern_create_linear(0, 0, x, y));
+}
+
+cairo_pattern_t* MakeRadial()
+{
+    return WithStops(cairo_pattern_create_radial(screen.cx / 2, screen.cy / 2, 0, screen.cx / 2,
+                                                 screen.cy / 2, screen.cx / 2));
+}
+
+// The same four triangles.
+cairo_pattern_t* MakeMesh()
+{
+    cairo_pattern_t* mesh = cairo_pattern_create_mesh();
+    const std::array<std::array<int, 2>, 5> corners{
+        {{0, 0}, {screen.cx, 0}, {screen.cx, screen.cy}, {0, screen.cy}, {0, 0}}};
+    for (std::size_t n = 0; n < 4; ++n) {
+        cairo_mesh_pattern_begin_patch(mesh);
+        cairo_mesh_pattern_move_to(mesh, screen.cx / 2, screen.cy / 2);
+        cairo_mesh_pattern_line_to(mesh, corners[n][0], corners[n][1]);
+        cairo_mesh_pattern_line_to(mesh, corners[n + 1][0], corners[n + 1][1]);
+        cairo_mesh_pattern_set_corner_color_rgb(mesh, 0, 1, 0.5, 0);
+        for (const unsigned nCorner : {1U, 2U})
+            cairo_mesh_pattern_set_corner_color_rgb(mesh, nCorner, 0, 0.25, 1);
+        cairo_mesh_pattern_end_patch(mesh);
+    }
+    return mesh;
+}
+
+// A peer's pattern, made and painted each time.
+template <class Make>
+void PaintCairo(benchmark::State& state, Make make)
+{
+    const CairoPaper to(screen);
+    for (auto _ : state)
+        Paint(to, make());
+}
+
+// One of ours, each time with all that it needs, where the peer's is the same but for rounding.
+template <class Fill>
+void PaintOurs(benchmark::State& state, cairo_pattern_t* peer, Fill fill)
+{
+    constexpr int nRounding = 3;
+    const CairoPaper wanted(screen);
+    Paint(wanted, peer);
+    const Ours to(screen);
+    const auto paint = [&] {
+        Gdiplus::Graphics graphics(static_cast<HDC>(to));
+        fill(graphics);
+    };
+    paint();
+    if (!Shows(to, screen, wanted.Pixels(), nRounding))
+        state.SkipWithError("another picture than the peer's");
+    for (auto _ : state)
+        paint();
+}
+
+void LineOurs(benchmark::State& state, Way way)
+{
+    const auto [x, y] = EndOf(way);
+    PaintOurs(state, MakeLine(way), [x = x, y = y](Gdiplus::Graphics& graphics) {
+        const Gdiplus::LinearGradientBrush brush({0, 0}, {x, y}, Gdiplus::Color(255, 128, 0),
+                                                 Gdiplus::Color(0, 64, 255));
+        graphics.FillRectangle(&brush, 0, 0, screen.cx, screen.cy);
+    });
+}
+
+void PathOurs(benchmark::State& state)
+{
+    PaintOurs(state, MakeMesh(), [](Gdiplus::Graphics& graphics) {
+        Gdiplus::GraphicsPath path;
+        path.AddRectangle(0, 0, screen.cx, screen.cy);
+        Gdiplus::PathGradientBrush brush(&path);
+        brush.SetCenterColor(Gdiplus::Color(255, 128, 0));
+        const Gdiplus::Color surround(0, 64, 255);
+        int nCount = 1;
+        brush.SetSurroundColors(&surround, &nCount);
+        graphics.FillRectangle(&brush, 0, 0, screen.cx, screen.cy);
+    });
+}
+
+void LineCairo(benchmark::State& state, Way way)
+{
+    PaintCairo(state, [way] { return MakeLine(way); });
 }
 
 void RadialCairo(benchmark::State& state)
 {
-    PaintCairo(state, [] {
-        return WithStops(cairo_pattern_create_radial(screen.cx / 2, screen.cy / 2, 0, screen.cx / 2,
-                                                     screen.cy / 2, screen.cx / 2));
-    });
+    PaintCairo(state, MakeRadial);
 }
 
-// The same four triangles.
 void MeshCairo(benchmark::State& state)
 {
-    PaintCairo(state, [] {
-        cairo_pattern_t* mesh = cairo_pattern_create_mesh();
-        const std::array<std::array<int, 2>, 5> corners{
-            {{0, 0}, {screen.cx, 0}, {screen.cx, screen.cy}, {0, screen.cy}, {0, 0}}};
-        for (std::size_t n = 0; n < 4; ++n) {
-            cairo_mesh_pattern_begin_patch(mesh);
-            cairo_mesh_pattern_move_to(mesh, screen.cx / 2, screen.cy / 2);
-            cairo_mesh_pattern_line_to(mesh, corners[n][0], corners[n][1]);
-            cairo_mesh_pattern_line_to(mesh, corners[n + 1][0], corners[n + 1][1]);
-            cairo_mesh_pattern_set_corner_color_rgb(mesh, 0, 1, 0.5, 0);
-            for (const unsigned nCorner : {1U, 2U})
-                cairo_mesh_pattern_set_corner_color_rgb(mesh, nCorner, 0, 0.25, 1);
-            cairo_mesh_pattern_end_patch(mesh);
-        }
-        return mesh;
-    });
+    PaintCairo(state, MakeMesh);
 }
 
 const int registered = [] {

@@ -138,19 +138,6 @@ const Bytes& Sample(const std::string& kind)
 
 // ---- Loading
 
-void LoadOurs(benchmark::State& state, const std::string& kind)
-{
-    Start();
-    const Stream stream = MakeStream(Sample(kind));
-    for (auto _ : state) {
-        Image image(stream.get());
-        const UINT nFrames = image.GetFrameCount(&FrameDimensionTime);
-        for (UINT n = 0; n < nFrames; ++n)
-            image.SelectActiveFrame(&FrameDimensionTime, n);
-        if (image.GetWidth() == 0) state.SkipWithError("not loaded");
-    }
-}
-
 void LoadPixbuf(benchmark::State& state, const std::string& kind)
 {
     const Bytes& bytes = Sample(kind);
@@ -192,6 +179,8 @@ void LoadLibpng(benchmark::State& state)
             std::memcpy(to, source.at, n);
             source.at += n;
         });
+        png_set_compression_buffer_size(png, 64 << 10); // this and less checking, as ours
+        png_set_option(png, PNG_IGNORE_ADLER32, PNG_OPTION_ON);
         png_read_info(png, info);
         png_set_bgr(png);
         png_set_filler(png, 0xFF, PNG_FILLER_AFTER);
@@ -204,26 +193,31 @@ void LoadLibpng(benchmark::State& state)
     }
 }
 
+std::unique_ptr<DWORD[]> DecodeByLibjpeg(const Bytes& bytes)
+{
+    jpeg_error_mgr errors;
+    jpeg_decompress_struct jpeg;
+    jpeg.err = jpeg_std_error(&errors);
+    jpeg_create_decompress(&jpeg);
+    jpeg_mem_src(&jpeg, bytes.data(), bytes.size());
+    jpeg_read_header(&jpeg, TRUE);
+    jpeg.out_color_space = JCS_EXT_BGRX;
+    jpeg_start_decompress(&jpeg);
+    std::unique_ptr<DWORD[]> pixels(new DWORD[kPhoto.Count()]);
+    while (jpeg.output_scanline < jpeg.output_height) {
+        auto* row = reinterpret_cast<JSAMPROW>(pixels.get() + jpeg.output_scanline * jpeg.output_width);
+        jpeg_read_scanlines(&jpeg, &row, 1);
+    }
+    jpeg_finish_decompress(&jpeg);
+    jpeg_destroy_decompress(&jpeg);
+    return pixels;
+}
+
 void LoadLibjpeg(benchmark::State& state)
 {
     const Bytes& bytes = Sample("jpeg");
-    for (auto _ : state) {
-        jpeg_error_mgr errors;
-        jpeg_decompress_struct jpeg;
-        jpeg.err = jpeg_std_error(&errors);
-        jpeg_create_decompress(&jpeg);
-        jpeg_mem_src(&jpeg, bytes.data(), bytes.size());
-        jpeg_read_header(&jpeg, TRUE);
-        jpeg.out_color_space = JCS_EXT_BGRX;
-        jpeg_start_decompress(&jpeg);
-        const std::unique_ptr<DWORD[]> pixels(new DWORD[kPhoto.Count()]);
-        while (jpeg.output_scanline < jpeg.output_height) {
-            auto* row = reinterpret_cast<JSAMPROW>(pixels.get() + jpeg.output_scanline * jpeg.output_width);
-            jpeg_read_scanlines(&jpeg, &row, 1);
-        }
-        jpeg_finish_decompress(&jpeg);
-        jpeg_destroy_decompress(&jpeg);
-    }
+    for (auto _ : state)
+        benchmark::DoNotOptimize(DecodeByLibjpeg(bytes));
 }
 
 // Frame after frame, each as pixels.
@@ -296,6 +290,41 @@ void LoadGiflib(benchmark::State& state)
     }
 }
 
+bool IsDrawn(Image& image, Size size, const DWORD* pixels)
+{
+    const Ours paper(size);
+    Graphics(paper).DrawImage(&image, 0, 0);
+    return Shows(paper, size, pixels);
+}
+
+// Whether a picture, with all its frames, is what the peers decode.
+bool IsSample(Image& image, const std::string& kind)
+{
+    if (kind == "png") return IsDrawn(image, kPhoto, MakePhoto(kPhoto).data());
+    if (kind == "jpeg") return IsDrawn(image, kPhoto, DecodeByLibjpeg(Sample(kind)).get());
+    GiflibPlayer player(Sample(kind));
+    for (UINT n = 0; n < kFrames; ++n) {
+        image.SelectActiveFrame(&FrameDimensionTime, n);
+        if (!IsDrawn(image, kFrame, player.Next())) return false;
+    }
+    return image.GetFrameCount(&FrameDimensionTime) == kFrames;
+}
+
+void LoadOurs(benchmark::State& state, const std::string& kind)
+{
+    Start();
+    const Stream stream = MakeStream(Sample(kind));
+    for (auto _ : state) {
+        Image image(stream.get());
+        const UINT nFrames = image.GetFrameCount(&FrameDimensionTime);
+        for (UINT n = 0; n < nFrames; ++n)
+            image.SelectActiveFrame(&FrameDimensionTime, n);
+        if (image.GetWidth() == 0) state.SkipWithError("not loaded");
+    }
+    Image image(stream.get());
+    if (!IsSample(image, kind)) state.SkipWithError("another picture than the peer's");
+}
+
 // ---- Playing
 
 void StepOurs(benchmark::State& state)
@@ -314,6 +343,7 @@ void StepOurs(benchmark::State& state)
         Graphics graphics(paper);
         graphics.DrawImage(&image, 0, 0);
     }
+    if (!IsSample(image, "gif20")) state.SkipWithError("another picture than the peer's");
 }
 
 void StepGiflib(benchmark::State& state)
@@ -331,6 +361,34 @@ void StepGiflib(benchmark::State& state)
 
 // ---- Saving
 
+Bytes EncodeByLibjpeg(const DWORD* pixels, bool bGray = false)
+{
+    jpeg_error_mgr errors;
+    jpeg_compress_struct jpeg;
+    jpeg.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&jpeg);
+    unsigned char* pBytes = nullptr;
+    unsigned long nBytes = 0;
+    jpeg_mem_dest(&jpeg, &pBytes, &nBytes);
+    jpeg.image_width = static_cast<JDIMENSION>(kPhoto.cx);
+    jpeg.image_height = static_cast<JDIMENSION>(kPhoto.cy);
+    jpeg.input_components = 4;
+    jpeg.in_color_space = JCS_EXT_BGRX;
+    jpeg_set_defaults(&jpeg);
+    if (bGray) jpeg_set_colorspace(&jpeg, JCS_GRAYSCALE);
+    jpeg_set_quality(&jpeg, 75, TRUE);
+    jpeg_start_compress(&jpeg, TRUE);
+    for (int y = 0; y < kPhoto.cy; ++y) {
+        auto* row = reinterpret_cast<JSAMPROW>(const_cast<DWORD*>(pixels) + y * kPhoto.cx);
+        jpeg_write_scanlines(&jpeg, &row, 1);
+    }
+    jpeg_finish_compress(&jpeg);
+    jpeg_destroy_compress(&jpeg);
+    Bytes bytes(pBytes, pBytes + nBytes);
+    std::free(pBytes);
+    return bytes;
+}
+
 void SaveOurs(benchmark::State& state)
 {
     Start();
@@ -341,6 +399,13 @@ void SaveOurs(benchmark::State& state)
         const Stream stream = MakeStream();
         if (bitmap.Save(stream.get(), &kJpeg) != Ok) state.SkipWithError("not saved");
     }
+    if (Encode(pixels, kJpeg) != EncodeByLibjpeg(pixels.data()))
+        state.SkipWithError("another file than the peer's");
+}
+
+bool IsAboutAsLong(const Bytes& one, const Bytes& other)
+{
+    return one.size() > other.size() / 20 * 19 && one.size() < other.size() / 20 * 21;
 }
 
 // To a file, as the client has it, the disk aside.
@@ -355,50 +420,34 @@ void SaveGrayOurs(benchmark::State& state)
     if (!image.SaveGrayPic(strPath)) state.SkipWithError("not saved"); // decodes the picture
     for (auto _ : state)
         if (!image.SaveGrayPic(strPath)) state.SkipWithError("not saved");
-}
-
-Bytes EncodeByLibjpeg(const Pixels& pixels)
-{
-    jpeg_error_mgr errors;
-    jpeg_compress_struct jpeg;
-    jpeg.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&jpeg);
-    unsigned char* pBytes = nullptr;
-    unsigned long nBytes = 0;
-    jpeg_mem_dest(&jpeg, &pBytes, &nBytes);
-    jpeg.image_width = static_cast<JDIMENSION>(kPhoto.cx);
-    jpeg.image_height = static_cast<JDIMENSION>(kPhoto.cy);
-    jpeg.input_components = 4;
-    jpeg.in_color_space = JCS_EXT_BGRX;
-    jpeg_set_defaults(&jpeg);
-    jpeg_set_quality(&jpeg, 75, TRUE);
-    jpeg_start_compress(&jpeg, TRUE);
-    for (int y = 0; y < kPhoto.cy; ++y) {
-        auto* row = reinterpret_cast<JSAMPROW>(const_cast<DWORD*>(pixels.data()) + y * kPhoto.cx);
-        jpeg_write_scanlines(&jpeg, &row, 1);
-    }
-    jpeg_finish_compress(&jpeg);
-    jpeg_destroy_compress(&jpeg);
-    Bytes bytes(pBytes, pBytes + nBytes);
-    std::free(pBytes);
-    return bytes;
+    std::ifstream saved(memory.Path("gray.jpg"), std::ios::binary);
+    const Bytes bytes((std::istreambuf_iterator<char>(saved)), std::istreambuf_iterator<char>());
+    if (!IsAboutAsLong(bytes, EncodeByLibjpeg(MakePhoto(kPhoto).data(), true)))
+        state.SkipWithError("another file");
 }
 
 void SaveLibjpeg(benchmark::State& state)
 {
     const Pixels pixels = MakePhoto(kPhoto);
     for (auto _ : state)
-        benchmark::DoNotOptimize(EncodeByLibjpeg(pixels));
+        benchmark::DoNotOptimize(EncodeByLibjpeg(pixels.data()));
 }
 
-// The same picture, grey already, as any other: by default, with no file.
+// By the same steps: a grey picture, of which the brightness alone is encoded, and a file.
 void SaveGrayLibjpeg(benchmark::State& state)
 {
-    Pixels gray = MakePhoto(kPhoto);
-    for (DWORD& pixel : gray)
-        pixel = (pixel >> 8 & 0xFF) * 0x010101;
-    for (auto _ : state)
-        benchmark::DoNotOptimize(EncodeByLibjpeg(gray));
+    const Pixels pixels = MakePhoto(kPhoto);
+    const BenchDir memory(BenchDir::On::Memory);
+    for (auto _ : state) {
+        const std::unique_ptr<DWORD[]> gray(new DWORD[kPhoto.Count()]);
+        for (std::size_t n = 0; n < pixels.size(); ++n) {
+            const DWORD pixel = pixels[n];
+            const DWORD sum = (pixel >> 16 & 0xFF) * 77 + (pixel >> 8 & 0xFF) * 151 + (pixel & 0xFF) * 28;
+            gray[n] = (sum >> 8) * 0x010101;
+        }
+        const Bytes bytes = EncodeByLibjpeg(gray.get(), true);
+        memory.Write("gray.jpg", {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    }
 }
 
 const int registered = [] {

@@ -16,12 +16,17 @@ namespace {
 constexpr int kKeys = 100;
 constexpr int kColdFiles = 200; // more than are kept
 
-std::string Content()
+const char* Value(std::size_t n)
 {
     constexpr std::array<const char*, 5> values{"17", "Arial", "RGB(64,128,255)", "TRUE", "3"};
+    return values[n % values.size()];
+}
+
+std::string Content()
+{
     std::string text = "[Window]\r\n";
     for (std::size_t n = 0; n < kKeys; ++n)
-        text += "Property" + std::to_string(n) + "=" + values[n % values.size()] + "\r\n";
+        text += "Property" + std::to_string(n) + "=" + Value(n) + "\r\n";
     return text;
 }
 
@@ -71,6 +76,9 @@ void ReadOurs(benchmark::State& state)
         }
     }
     if (CKXIniDataMgr::GetRGB(file, "window", "property2", 0) != 0xFF8040) state.SkipWithError("wrong value");
+    for (std::size_t n = 0; n < kKeys; ++n)
+        if (CKXIniDataMgr::GetString(file, "Window", Keys()[n].c_str(), "") != Value(n))
+            state.SkipWithError("wrong value");
 }
 
 void ReadStat(benchmark::State& state)
@@ -84,22 +92,23 @@ void ReadStat(benchmark::State& state)
     }
 }
 
-// One value out of a file that is loaded for it.
-void LoadAndGet(const std::string& file, const std::string& key)
+// One value out of a file that is loaded for it; false if it isn't there.
+bool LoadAndGet(const std::string& file, const std::string& key)
 {
     GKeyFile* loaded = g_key_file_new();
     g_key_file_load_from_file(loaded, file.c_str(), G_KEY_FILE_NONE, nullptr);
     gchar* value = g_key_file_get_value(loaded, "Window", key.c_str(), nullptr);
-    benchmark::DoNotOptimize(value);
+    const bool bThere = value != nullptr;
     g_free(value);
     g_key_file_free(loaded);
+    return bThere;
 }
 
 void ReadGKeyFile(benchmark::State& state)
 {
     for (auto _ : state)
         for (const auto& key : Keys())
-            LoadAndGet(File(), key);
+            if (!LoadAndGet(File(), key)) state.SkipWithError("no value");
 }
 
 void WriteColdFiles()
@@ -118,10 +127,10 @@ void ColdOurs(benchmark::State& state)
     std::vector<CString> files;
     for (int n = 0; n < kColdFiles; ++n)
         files.push_back(bench::Dir().Win("cold\\" + std::to_string(n) + ".ini"));
-    std::size_t n = 0;
+    static std::size_t n = 0; // goes on in the next run, for which the last files are kept
     for (auto _ : state)
-        benchmark::DoNotOptimize(
-            CKXIniDataMgr::GetInteger(files[n++ % kColdFiles], "Window", "Property50", 0));
+        if (CKXIniDataMgr::GetInteger(files[n++ % kColdFiles], "Window", "Property50", 0) != 17)
+            state.SkipWithError("wrong value");
 }
 
 void ColdGKeyFile(benchmark::State& state)
@@ -132,7 +141,7 @@ void ColdGKeyFile(benchmark::State& state)
         files.push_back(bench::Dir().Path(ColdName(n)));
     std::size_t n = 0;
     for (auto _ : state)
-        LoadAndGet(files[n++ % kColdFiles], "Property50");
+        if (!LoadAndGet(files[n++ % kColdFiles], "Property50")) state.SkipWithError("no value");
 }
 
 const int registered = [] {

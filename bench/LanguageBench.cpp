@@ -24,13 +24,18 @@ std::string Key(int n)
     return "IDS_PAGE_" + std::to_string(n * 7919 % 100'000) + "_TEXT";
 }
 
+std::string Text(int n)
+{
+    return "The text of entry number " + std::to_string(n);
+}
+
 CKXLanResManager* Manager()
 {
     static CKXLanResManager* const pManager = [] {
         KXHost::SetExecutablePath(bench::Dir().Path("app"));
         std::string data;
         for (int n = 0; n < nKeys; ++n)
-            data += Key(n) + " = The text of entry number " + std::to_string(n) + "\r\n";
+            data += Key(n) + " = " + Text(n) + "\r\n";
         bench::Dir().Write("lans/L/Lan.ini", "[Language]\r\nLanguage=L\r\n");
         bench::Dir().Write("lans/L/Data.txt", data);
         auto* pMade = CKXLanResManager::GetSingletonPtr();
@@ -49,7 +54,7 @@ struct Peer
     Peer()
     {
         for (int n = 0; n < nKeys; ++n)
-            texts[Key(n)] = "The text of entry number " + std::to_string(n);
+            texts[Key(n)] = Text(n);
     }
     std::string Get(const std::string& key)
     {
@@ -59,12 +64,20 @@ struct Peer
     }
 };
 
+bool HasAll()
+{
+    for (int n = 0; n < nKeys; ++n)
+        if (Manager()->GetString(Key(n).c_str()) != Text(n).c_str()) return false;
+    return true;
+}
+
 void Ours(benchmark::State& state)
 {
     CKXLanResManager* pManager = Manager();
     std::vector<CString> keys;
     for (int n = 0; n < nKeys; ++n)
         keys.emplace_back(Key(n).c_str());
+    if (!HasAll()) state.SkipWithError("wrong text");
     for (auto _ : state)
         for (const CString& key : keys)
             benchmark::DoNotOptimize(pManager->GetString(key));
@@ -85,7 +98,8 @@ void LoadOurs(benchmark::State& state)
 {
     CKXLanResManager* pManager = Manager();
     for (auto _ : state)
-        pManager->SetCurrentLan("L", 0);
+        if (!pManager->SetCurrentLan("L", 0)) state.SkipWithError("no language");
+    if (!HasAll()) state.SkipWithError("not all loaded");
 }
 
 void LoadTheirs(benchmark::State& state)
@@ -96,7 +110,7 @@ void LoadTheirs(benchmark::State& state)
         std::vector<std::string> lines;
         for (std::string line; std::getline(file, line);)
             lines.push_back(line);
-        benchmark::DoNotOptimize(lines.data());
+        if (lines.size() != nKeys) state.SkipWithError("not all read");
     }
 }
 

@@ -49,7 +49,7 @@ public:
                                                        spdlog::async_overflow_policy::block);
         m_log->set_pattern("[%Y-%m-%d %H:%M:%S] 1 %v");
     }
-    void Push() { m_log->info("{}", szMessage); }
+    void Push() { m_log->info(szMessage); }
     void Finish() { m_log->flush(); }
     const std::string& Path() const { return m_path; }
 

@@ -21,13 +21,20 @@ public:
     void ReportRuns(const std::vector<Run>& runs) override
     {
         for (const Run& run : runs) {
-            if (run.run_type != Run::RT_Iteration || run.error_occurred) continue;
+            if (run.run_type != Run::RT_Iteration) continue;
+            if (run.error_occurred) {
+                std::fprintf(stderr, "%s: %s\n", run.benchmark_name().c_str(), run.error_message.c_str());
+                m_bFailed = true;
+                continue;
+            }
             const std::string& name = run.run_name.function_name;
             const auto slash = name.find('/');
             m_times[name.substr(0, slash)][name.substr(slash + 1)].push_back(
                 run.real_accumulated_time * 1e9 / static_cast<double>(run.iterations));
         }
     }
+    // A work of which any run failed has no rows: a side without times would look infinitely fast.
+    bool HasFailed() const { return m_bFailed; }
     std::vector<Row> Rows()
     {
         std::vector<Row> rows;
@@ -44,6 +51,7 @@ private:
         return times.empty() ? 0 : times[times.size() / 2];
     }
 
+    bool m_bFailed = false;
     std::map<std::string, std::map<std::string, std::vector<double>>> m_times;
 };
 
@@ -67,6 +75,7 @@ void Run(Pairs& pairs, std::string filter, std::string list)
 {
     Pairs pairs;
     Run(pairs, "^" + work + "/", "false");
+    if (pairs.HasFailed()) std::exit(1);
     std::ostringstream text;
     for (const Row& row : pairs.Rows())
         text << row.work << ' ' << row.peer << ' ' << row.ours << ' ' << row.theirs << '\n';

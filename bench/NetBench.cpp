@@ -1,9 +1,12 @@
 #include "bench/BenchDir.h"
 
 #include <KXHttpDownloadMgr.h>
+#include <algorithm>
+#include <atomic>
 #include <benchmark/benchmark.h>
 #include <curl/curl.h>
 #include <fcntl.h>
+#include <fstream>
 #include <httplib.h>
 #include <semaphore>
 #include <string>
@@ -36,6 +39,7 @@ public:
             });
         });
         m_http.Get("/small", [this](const auto&, auto& response) {
+            ++m_nSmall;
             response.set_content(m_piece.data(), cbSmall, "a/b");
         });
         m_port = m_http.bind_to_any_port("127.0.0.1");
@@ -48,18 +52,21 @@ public:
         m_http.stop();
         m_thread.join();
     }
+    // How many small ones it was asked for since the last call.
+    int TakeSmall() { return m_nSmall.exchange(0); }
     std::string Url(const char* path) const { return "http://127.0.0.1:" + std::to_string(m_port) + path; }
 
 private:
     const std::string m_piece = std::string(256 * 1024, 'p');
     httplib::Server m_http;
     int m_port = 0;
+    std::atomic<int> m_nSmall{0};
     std::thread m_thread;
 };
 
-const Server& TheServer()
+Server& TheServer()
 {
-    static const Server server;
+    static Server server;
     return server;
 }
 
@@ -75,6 +82,17 @@ int OnDownload(unsigned int code, unsigned int, CString const&, CString const&, 
     return 0;
 }
 
+bool IsLargeThere()
+{
+    std::ifstream file(bench::Dir().Path("large"), std::ios::binary);
+    std::string piece(1 << 20, '\0');
+    std::size_t size = 0;
+    while (file.read(piece.data(), static_cast<std::streamsize>(piece.size())) &&
+           piece.find_first_not_of('p') == std::string::npos)
+        size += piece.size();
+    return size == cbLarge && file.gcount() == 0;
+}
+
 void LargeOurs(benchmark::State& state)
 {
     const CString url = TheServer().Url("/large").c_str();
@@ -83,20 +101,21 @@ void LargeOurs(benchmark::State& state)
         CKXHttpDownloadMgr::Instance().AddTask(url, file, OnDownload, 0);
         ended.acquire();
     }
-    if (received != cbLarge) state.SkipWithError("wrong size");
+    if (received != cbLarge || !IsLargeThere()) state.SkipWithError("wrong file");
 }
 
 void SmallOurs(benchmark::State& state)
 {
     const CString url = TheServer().Url("/small").c_str();
     auto& mgr = CKXHttpDownloadMgr::Instance();
+    TheServer().TakeSmall();
     for (auto _ : state) {
         for (int n = 1; n < nSmall; ++n)
             mgr.AddTask(url, "", nullptr);
         mgr.AddTask(url, "", OnDownload, 0);
         ended.acquire();
     }
-    if (received != cbSmall) state.SkipWithError("wrong size");
+    if (received != cbSmall || TheServer().TakeSmall() != nSmall) state.SkipWithError("not all received");
 }
 
 struct Sink
@@ -142,6 +161,7 @@ void LargeCurl(benchmark::State& state)
         if (FetchByCurl(url, {fd, cbWrite, 0}) != cbLarge) state.SkipWithError("wrong size");
         close(fd);
     }
+    if (!IsLargeThere()) state.SkipWithError("wrong file");
 }
 
 void SmallCurl(benchmark::State& state)

@@ -207,14 +207,19 @@ Gdiplus::GpImage* DecodeImage(const std::string& path)
     return pImage;
 }
 
-void Decode(const Paths& paths)
+// False if one isn't there.
+bool Decode(const Paths& paths)
 {
+    int nEnded = 0;
     for (const CString& path : paths.bitmaps)
-        DeleteObject(LoadImageA(nullptr, path, IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE | LR_CREATEDIBSECTION));
+        nEnded += DeleteObject(
+            LoadImageA(nullptr, path, IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE | LR_CREATEDIBSECTION));
     for (const CString& path : paths.icons)
-        DestroyIcon(static_cast<HICON>(LoadImageA(nullptr, path, IMAGE_ICON, 16, 16, LR_LOADFROMFILE)));
+        nEnded +=
+            DestroyIcon(static_cast<HICON>(LoadImageA(nullptr, path, IMAGE_ICON, 16, 16, LR_LOADFROMFILE)));
     for (const std::string& path : paths.images)
-        Gdiplus::DllExports::GdipDisposeImage(DecodeImage(path));
+        nEnded += Gdiplus::DllExports::GdipDisposeImage(DecodeImage(path)) == Gdiplus::Ok;
+    return nEnded == std::size(bitmaps) + std::size(icons) + std::size(images);
 }
 
 void ChangeBare(benchmark::State& state)
@@ -225,7 +230,7 @@ void ChangeBare(benchmark::State& state)
         paths.push_back(PathsOf(skin));
     std::size_t n = 0;
     for (auto _ : state)
-        Decode(paths[n++ % paths.size()]);
+        if (!Decode(paths[n++ % paths.size()])) state.SkipWithError("not all decoded");
 }
 
 // ---- The reads of values
@@ -248,6 +253,10 @@ void ReadValues(benchmark::State& state)
     CKXSkinResManager* pManager = Manager();
     pManager->SetSkin(0, 0);
     const CString file = pManager->GetCurrentSkinPath() + "Skin.ini";
+    for (const Key& key : Keys())
+        for (const char* name : key.names)
+            if (CKXIniDataMgr::GetString(file, key.pszSection, name, "") != key.pszValue)
+                state.SkipWithError("wrong value");
     for (auto _ : state) {
         const kx::profile::Moment moment; // as in a change
         int nLeft = nReads;

@@ -3,6 +3,7 @@
 #include <SDL2/SDL.h>
 #include <benchmark/benchmark.h>
 #include <cstddef>
+#include <cstdlib>
 #include <memory>
 #include <new>
 #include <platform/Gdi.h>
@@ -79,6 +80,23 @@ inline SdlSurface MakeSdl(Size size, Pixels& pixels)
 {
     return SdlSurface(SDL_CreateRGBSurfaceWithFormatFrom(pixels.data(), size.cx, size.cy, 32, size.cx * 4,
                                                          SDL_PIXELFORMAT_RGB888));
+}
+
+// Whether a surface shows these pixels, each channel at most so far off. Only some are looked at, as each is
+// a call.
+inline bool Shows(HDC hDC, Size size, const DWORD* pixels, int nOff = 0)
+{
+    for (int y = 0; y < size.cy; y += 3)
+        for (int x = y / 3 % 3; x < size.cx; x += 3) {
+            const DWORD wanted = pixels[static_cast<std::ptrdiff_t>(y) * size.cx + x];
+            const COLORREF seen = GetPixel(hDC, x, y);
+            for (const int nByte : {0, 8, 16}) {
+                const int nOne = static_cast<int>(wanted >> (16 - nByte) & 0xFF);
+                const int nOther = static_cast<int>(seen >> nByte & 0xFF);
+                if (std::abs(nOne - nOther) > nOff) return false;
+            }
+        }
+    return true;
 }
 
 // From here on the process counts as one with threads, in which what is shared is counted by atomic steps.

@@ -1,8 +1,8 @@
+#include "bench/CairoPaper.h"
 #include "bench/Surfaces.h"
 
 #include <KXEnglishWord.h>
 #include <array>
-#include <cairo/cairo.h>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -12,29 +12,10 @@
 
 namespace {
 
-constexpr const char* pszFace = "DejaVu Sans";
-constexpr int nHeight = 20;
 constexpr const char* pszWord = "photographer";
 constexpr const char* pszTest = "ph*t*g**ph*r";
 constexpr bench::Size paperSize{240, 40};
 const CRect rcWord(10, 4, 230, 36);
-
-void DrawOurs(benchmark::State& state, bool bThreaded)
-{
-    if (bThreaded) bench::HaveHadThreads();
-    const bench::Ours paper(paperSize);
-    LOGFONTA log{};
-    log.lfHeight = -nHeight;
-    std::strcpy(log.lfFaceName, pszFace);
-    CFont font;
-    font.CreateFontIndirectA(&log);
-    CDC* const pDC = CDC::FromHandle(paper);
-    const CString strWord = pszWord;
-    const CString strTest = pszTest;
-    for (auto _ : state)
-        CKXEnglishWord::DrawTestWord(pDC, strWord, strTest, rcWord, &font, RGB(0, 0, 255), RGB(255, 255, 255),
-                                     1);
-}
 
 void Frame(cairo_t* cairo, double x, double width)
 {
@@ -44,39 +25,61 @@ void Frame(cairo_t* cairo, double x, double width)
     cairo_set_source_rgb(cairo, 1, 1, 1);
 }
 
-void DrawCairo(benchmark::State& state, bool bThreaded)
+void DrawCairo(cairo_t* cairo)
+{
+    const std::string_view word = pszWord, test = pszTest;
+    double x = rcWord.left;
+    for (std::size_t n = 0; n < word.size(); ++n) {
+        const std::array<char, 2> letter{word[n], '\0'};
+        cairo_text_extents_t extents;
+        cairo_text_extents(cairo, letter.data(), &extents);
+        if (test[n] == '*') {
+            Frame(cairo, x, extents.x_advance);
+        } else {
+            cairo_move_to(cairo, x, 27);
+            cairo_show_text(cairo, letter.data());
+        }
+        x += extents.x_advance;
+    }
+}
+
+void DrawOurs(benchmark::State& state, bool bThreaded)
 {
     if (bThreaded) bench::HaveHadThreads();
-    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, paperSize.cx, paperSize.cy);
-    cairo_t* cairo = cairo_create(surface);
-    cairo_select_font_face(cairo, pszFace, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
-    cairo_set_font_size(cairo, nHeight);
-    cairo_set_line_width(cairo, 1);
-    cairo_set_source_rgb(cairo, 1, 1, 1);
-    const std::string_view word = pszWord, test = pszTest;
-    for (auto _ : state) {
-        double x = rcWord.left;
-        for (std::size_t n = 0; n < word.size(); ++n) {
-            const std::array<char, 2> letter{word[n], '\0'};
-            cairo_text_extents_t extents;
-            cairo_text_extents(cairo, letter.data(), &extents);
-            if (test[n] == '*') {
-                Frame(cairo, x, extents.x_advance);
-            } else {
-                cairo_move_to(cairo, x, 27);
-                cairo_show_text(cairo, letter.data());
-            }
-            x += extents.x_advance;
-        }
-    }
-    cairo_destroy(cairo);
-    cairo_surface_destroy(surface);
+    const bench::Ours paper(paperSize);
+    LOGFONTA log{};
+    log.lfHeight = -bench::nFontHeight;
+    std::strcpy(log.lfFaceName, bench::pszFace);
+    CFont font;
+    font.CreateFontIndirectA(&log);
+    CDC* const pDC = CDC::FromHandle(paper);
+    const CString strWord = pszWord;
+    const CString strTest = pszTest;
+    const auto draw = [&] {
+        CKXEnglishWord::DrawTestWord(pDC, strWord, strTest, rcWord, &font, RGB(0, 0, 255), RGB(255, 255, 255),
+                                     1);
+    };
+    draw();
+    const bench::CairoPaper peer(paperSize);
+    DrawCairo(peer);
+    if (!bench::InkOf(paper, paperSize).IsAbout(peer.Ink()))
+        state.SkipWithError("another word than the peer's");
+    for (auto _ : state)
+        draw();
+}
+
+void DrawPeer(benchmark::State& state, bool bThreaded)
+{
+    if (bThreaded) bench::HaveHadThreads();
+    const bench::CairoPaper paper(paperSize);
+    for (auto _ : state)
+        DrawCairo(paper);
 }
 
 const int registered = [] {
     for (const std::string work : {"test_word", "test_word_threaded"}) {
         bench::Register(work + "/ours", DrawOurs, work != "test_word");
-        bench::Register(work + "/cairo", DrawCairo, work != "test_word");
+        bench::Register(work + "/cairo", DrawPeer, work != "test_word");
     }
     return 0;
 }();

@@ -10,7 +10,7 @@ namespace {
 void Check(const kx::gdi::Bitmap* bitmap, std::size_t size)
 {
     if (!bitmap) return;
-    const kx::gdi::Surface& surface = bitmap->surface;
+    const kx::gdi::Surface& surface = bitmap->Pixels();
     const auto nPixels =
         static_cast<std::size_t>(surface.Width()) * static_cast<std::size_t>(surface.Height());
     const std::size_t nColors = bitmap->depth <= 8 ? std::size_t{1} << bitmap->depth : 0;
