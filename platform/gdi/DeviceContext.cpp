@@ -111,14 +111,17 @@ Canvas DeviceContext::PaintOver() noexcept
 {
     Canvas canvas{*m_view.surface, m_view.bounds, m_view.clip, {}, m_view.rest, m_window != nullptr};
     if (m_shared) canvas.lock = std::unique_lock(Screen::Instance().lock);
+    canvas.ready = !(canvas.rest && canvas.rest->IsAny()) && !canvas.surface.IsShared();
     return canvas;
 }
 
 Canvas DeviceContext::Paint()
 {
     Canvas canvas = PaintOver();
+    if (canvas.ready) return canvas;
     canvas.surface.Own();
     if (canvas.rest) canvas.rest->Lay(canvas.surface);
+    canvas.ready = true;
     return canvas;
 }
 
@@ -126,7 +129,7 @@ Canvas DeviceContext::Read(const RECT& rect)
 {
     if (!m_shared || m_window) {
         Canvas canvas = PaintOver();
-        if (canvas.rest) canvas.rest->Lay(canvas.surface);
+        if (!canvas.ready && canvas.rest) canvas.rest->Lay(canvas.surface);
         return canvas;
     }
     std::unique_lock lock(Screen::Instance().lock);

@@ -11,7 +11,7 @@ namespace kx::gdi {
 
 namespace {
 
-void FillPart(const Canvas& canvas, const RECT& part, DWORD pixel)
+[[gnu::always_inline]] inline void FillPart(const Canvas& canvas, const RECT& part, DWORD pixel)
 {
     if (IsEmpty(part)) return;
     canvas.Overwrite(part);

@@ -34,8 +34,9 @@ public:
     // then if it is the whole. Throws std::bad_alloc and changes nothing then.
     void Own(const RECT& written = {})
     {
-        if (m_pixels.IsShared()) OwnNow(written);
+        if (IsShared()) OwnNow(written);
     }
+    bool IsShared() const noexcept { return m_pixels.IsShared(); }
 
 private:
     Surface(int nWidth, int nHeight, std::ptrdiff_t nStride, PixelBlock pixels) noexcept;
