@@ -2,15 +2,20 @@
 
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <optional>
 
 // The user's home, registry, zone and network stay out of every test.
 int main(int argc, char** argv)
 {
     testing::InitGoogleTest(&argc, argv);
-    const test::TempDir home;
-    setenv("HOME", home.Path().c_str(), 1);
-    setenv("XDG_CONFIG_HOME", home.Path().c_str(), 1);
-    setenv("XDG_DATA_HOME", home.Path().c_str(), 1);
+    // This program again, for a death test, has the home of the one that started it: it ends in the midst.
+    constexpr const char* pszMark = "KX_TEST_HOME";
+    std::optional<test::TempDir> home;
+    if (!std::getenv(pszMark)) {
+        home.emplace();
+        for (const char* pszName : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", pszMark})
+            setenv(pszName, home->Path().c_str(), 1);
+    }
     setenv("TZ", "UTC0", 1);
     setenv("LC_ALL", "C.UTF-8", 1);
     unsetenv("KX_DEBUG");
