@@ -156,9 +156,7 @@ const std::map<std::string, Aim> aims = {
     {"skin_change/read_and_decode", {1 / 1.5}},
     {"skin_ini_reads/whole_change", {20}},
     {"crash_to_main/posix_spawn", {0.5}},
-    {"xml_load_5mb/libxml2",
-     {1 / 1.15, "both take a hundred megabytes of fresh pages, whose first touch is dear on a virtual "
-                "machine: it varies by a factor of two"}},
+    {"xml_load_5mb/libxml2", {1 / 1.15}},
     {"xml_read_childs/libxml2_xpath", {5, "bound by the memory of the nodes that are passed"}},
     {"xml_read_childs/ten_tenths",
      {0.8, "a tenth of the document lies in the cache, the whole doesn't: linear in steps, not in waits"}},
