@@ -25,6 +25,19 @@ void Renew(xmlNode* element, Node& node, const xmlChar* prefix) noexcept
     if (xmlNs* const ns = xmlSearchNs(element->doc, element, prefix)) node.ns = ns;
 }
 
+void ResolvePrefix(xmlNode* node) noexcept
+{
+    const xmlChar* const colon = xmlStrchr(node->name, ':');
+    if (!colon) return;
+    const XmlText prefix(xmlStrndup(node->name, static_cast<int>(colon - node->name)));
+    xmlNs* const ns = prefix ? xmlSearchNs(node->doc, node, prefix.get()) : nullptr;
+    // In the dictionary first: a lack of memory would leave the node without a name.
+    const xmlChar* const local = ns ? xmlDictLookup(node->doc->dict, colon + 1, -1) : nullptr;
+    if (!local) return;
+    xmlNodeSetName(node, local);
+    node->ns = ns;
+}
+
 } // namespace
 
 void RenewPrefix(xmlNode* branch, const xmlChar* prefix) noexcept
@@ -39,25 +52,16 @@ void RenewPrefix(xmlNode* branch, const xmlChar* prefix) noexcept
 
 void KeepNamespaces(xmlNode* branch) noexcept
 {
-    if (!UsesNamespaces(branch)) return;
+    if (IsField(branch) || !UsesNamespaces(branch)) return;
     const Hush hush;
     xmlDOMWrapReconcileNamespaces(nullptr, branch, 0);
 }
 
 void ResolvePrefixes(xmlNode* branch) noexcept
 {
-    for (xmlNode* node = branch; node; node = NextBelow(branch, node)) {
-        if (node->type != XML_ELEMENT_NODE || node->ns) continue;
-        const xmlChar* const colon = xmlStrchr(node->name, ':');
-        if (!colon) continue;
-        const XmlText prefix(xmlStrndup(node->name, static_cast<int>(colon - node->name)));
-        xmlNs* const ns = prefix ? xmlSearchNs(node->doc, node, prefix.get()) : nullptr;
-        // In the dictionary first: a lack of memory would leave the node without a name.
-        const xmlChar* const local = ns ? xmlDictLookup(node->doc->dict, colon + 1, -1) : nullptr;
-        if (!local) continue;
-        xmlNodeSetName(node, local);
-        node->ns = ns;
-    }
+    if (IsField(branch)) return ResolvePrefix(branch);
+    for (xmlNode* node = branch; node; node = NextBelow(branch, node))
+        if (node->type == XML_ELEMENT_NODE && !node->ns) ResolvePrefix(node);
 }
 
 QualifiedName::QualifiedName(const std::string& name)

@@ -106,9 +106,11 @@ void NodeObject::Settle(Tree& tree, xmlNode* branch) noexcept
     xmlNode* const top = TopOf(branch);
     const auto anchor = top->type == XML_DOCUMENT_NODE ? Ref<NodeObject>() : Ref(ObjectOf(top));
     ForEachObject(branch, [&](NodeObject& object) {
-        object.m_tree->PassObject(tree);
-        object.m_tree = Ref(&tree);
-        object.m_anchor = object.m_node == top ? Ref<NodeObject>() : anchor;
+        if (object.m_tree.Get() != &tree) {
+            object.m_tree->PassObject(tree);
+            object.m_tree = Ref(&tree);
+        }
+        if (anchor || object.m_anchor) object.m_anchor = object.m_node == top ? Ref<NodeObject>() : anchor;
     });
 }
 

@@ -23,6 +23,7 @@ Shape Own(const xmlNode* node) noexcept
 
 Shape Shape::Below(xmlNode* branch) noexcept
 {
+    if (IsField(branch)) return {1, 0};
     Shape most;
     Shape at;
     const auto leave = [&](const xmlNode* node) {

@@ -82,6 +82,15 @@ private:
     std::unique_ptr<xmlXPathContext, FreeBy<xmlXPathFreeContext>> m_xpath;
 };
 
+// An element that holds a text at most and names no namespace, as most children of records: there is nothing
+// in it to walk through.
+inline bool IsField(const xmlNode* node) noexcept
+{
+    const xmlNode* const child = node->children;
+    return node->type == XML_ELEMENT_NODE && !node->ns && !node->nsDef && !node->properties &&
+           (!child || (child->type == XML_TEXT_NODE && !child->next));
+}
+
 // The next node in document order of those below `top`, whose attributes are not among them; null behind the
 // last one.
 inline xmlNode* NextBelow(const xmlNode* top, xmlNode* node) noexcept

@@ -29,8 +29,23 @@ bool IsAscii(std::basic_string_view<Unit> text) noexcept
     return all < 0x80;
 }
 
+// A short ASCII text: most are, and a loop of its own is done before any setting out for more at a time.
+bool TakeShort(std::u16string_view units, std::string& text)
+{
+    std::array<char, 32> narrow;
+    if (units.size() > narrow.size()) return false;
+    std::size_t n = 0;
+    for (; n < units.size() && units[n] < 0x80; ++n)
+        narrow[n] = static_cast<char>(units[n]);
+    if (n < units.size()) return false;
+    text.assign(narrow.data(), n);
+    return true;
+}
+
 std::string FromUtf16(UINT nCodePage, std::u16string_view units)
 {
+    std::string shortText;
+    if (TakeShort(units, shortText)) return shortText;
     if (IsAscii(units)) {
         std::string text(units.size(), '\0');
         std::transform(units.begin(), units.end(), text.begin(),
