@@ -48,7 +48,7 @@ UniqueFd OpenUnnamed(const std::string& directory)
 
 } // namespace
 
-NewFile::NewFile(const std::string& directory) : m_fd(OpenUnnamed(directory))
+NewFile::NewFile(const std::string& directory) : m_directory(directory), m_fd(OpenUnnamed(directory))
 {
     if (m_fd) return;
     m_path = directory + kHidden + "XXXXXX";
@@ -61,11 +61,11 @@ NewFile::~NewFile()
     if (!m_path.empty()) unlink(m_path.c_str());
 }
 
-// Under a hidden name beside the one that it is for: only a named file can take another one's place.
-bool NewFile::Hide(const std::string& path)
+// Only a file with a name can take another one's place.
+bool NewFile::Hide()
 {
     static std::atomic<unsigned> counter{0};
-    const std::string stem = path.substr(0, path.rfind('/')) + kHidden + std::to_string(getpid()) + '-';
+    const std::string stem = m_directory + kHidden + std::to_string(getpid()) + '-';
     do {
         m_path = stem + std::to_string(counter++);
         if (Link(OpenPath(m_fd.Get()), m_path)) return true;
@@ -78,7 +78,7 @@ bool NewFile::Publish(const std::string& path, bool bReplace)
 {
     if (m_path.empty()) {
         if (Link(OpenPath(m_fd.Get()), path)) return true;
-        if (errno != EEXIST || !bReplace || !Hide(path)) return false;
+        if (errno != EEXIST || !bReplace || !Hide()) return false;
     }
     if (!Rename(m_path, path, bReplace)) return false;
     m_path.clear();

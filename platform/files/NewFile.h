@@ -26,8 +26,9 @@ public:
     bool Publish(const std::string& path, bool bReplace);
 
 private:
-    bool Hide(const std::string& path);
+    bool Hide();
 
+    const std::string m_directory;
     std::string m_path; // empty without a name
     UniqueFd m_fd;
 };

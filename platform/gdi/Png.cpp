@@ -102,7 +102,7 @@ private:
             png_error(m_png, "other pixels than asked for");
     }
 
-    // Takes the row out of the library's own buffer, which is called for no other one then.
+    // Called with each row in the library's own buffer, out of which it is expanded.
     static void ExpandRow(png_structp png, png_row_infop, png_bytep from)
     {
         Decoder& self = Of(png);
