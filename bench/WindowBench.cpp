@@ -11,6 +11,7 @@
 #include <platform/Sync.h>
 #include <platform/Window.h>
 #include <platform/Wnd.h>
+#include <sched.h>
 #include <semaphore>
 #include <thread>
 
@@ -49,9 +50,31 @@ void CallFunction(benchmark::State& state)
         benchmark::DoNotOptimize(call(nullptr, WM_USER, 1, 0));
 }
 
+// Keeps this thread, and those that it starts, on one core: on two, the scheduler wakes a thread now here and
+// now there, which takes 3 or 40 microseconds for either side.
+class OneCore
+{
+public:
+    OneCore()
+    {
+        sched_getaffinity(0, sizeof m_before, &m_before);
+        cpu_set_t one;
+        CPU_ZERO(&one);
+        CPU_SET(static_cast<std::size_t>(sched_getcpu()), &one);
+        sched_setaffinity(0, sizeof one, &one);
+    }
+    OneCore(const OneCore&) = delete;
+    OneCore& operator=(const OneCore&) = delete;
+    ~OneCore() { sched_setaffinity(0, sizeof m_before, &m_before); }
+
+private:
+    cpu_set_t m_before{};
+};
+
 // To a thread that waits for messages, and back.
 void SendAcross(benchmark::State& state)
 {
+    const OneCore core;
     std::binary_semaphore ready{0};
     HWND hWnd = nullptr;
     DWORD dwThreadId = 0;
@@ -73,6 +96,7 @@ void SendAcross(benchmark::State& state)
 
 void PingPong(benchmark::State& state)
 {
+    const OneCore core;
     std::mutex lock;
     std::condition_variable changed;
     int turn = 0; // 1: the other's, 2: the end
