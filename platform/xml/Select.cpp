@@ -12,7 +12,7 @@ namespace kx::xml {
 
 namespace {
 
-constexpr std::ptrdiff_t kAhead = 4;                // elements
+constexpr std::ptrdiff_t kAhead = 8;                // elements
 constexpr std::ptrdiff_t kBefore = sizeof(xmlNode); // the white space before each
 
 template <class Name>
