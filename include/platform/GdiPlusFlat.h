@@ -52,10 +52,10 @@ KX_API GpStatus GdipCreateBitmapFromFile(const WCHAR* pszPath, GpBitmap** ppBitm
 KX_API GpStatus GdipCreateBitmapFromStream(IStream* pStream, GpBitmap** ppBitmap);
 // A copy of the bitmap's pixels, all opaque. The palette is not used.
 KX_API GpStatus GdipCreateBitmapFromHBITMAP(HBITMAP hBitmap, void* hPalette, GpBitmap** ppBitmap);
-// A picture over the caller's pixels, which it reads and draws to as long as it lives; for null over black,
-// transparent ones of its own. `nStride` is from one row to the next in bytes, a multiple of 4, negative for
-// rows that go up from `pScan0`. PixelFormat32bppRGB, 32bppARGB, 32bppPARGB or 24bppRGB (NotImplemented for
-// another).
+// A picture over the caller's pixels, the top row first, which it reads and draws to as long as it lives; for
+// null over black, transparent ones of its own. `nStride` is from one row to the next in bytes, a multiple of
+// 4 and no less than a row, and `pScan0` is aligned to 4 bytes (else InvalidParameter). PixelFormat32bppRGB
+// or 32bppARGB (NotImplemented for another).
 KX_API GpStatus GdipCreateBitmapFromScan0(INT nWidth, INT nHeight, INT nStride, PixelFormat format,
                                           BYTE* pScan0, GpBitmap** ppBitmap);
 // A copy that shares nothing and stands at its first frame.

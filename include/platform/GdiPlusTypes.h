@@ -127,7 +127,6 @@ inline constexpr PixelFormat PixelFormat16bppRGB565 = 0x00021006;
 inline constexpr PixelFormat PixelFormat24bppRGB = 0x00021808;
 inline constexpr PixelFormat PixelFormat32bppRGB = 0x00022009;
 inline constexpr PixelFormat PixelFormat32bppARGB = 0x0026200A;
-inline constexpr PixelFormat PixelFormat32bppPARGB = 0x000E200B;
 
 using PROPID = DWORD;
 inline constexpr PROPID PropertyTagFrameDelay = 0x5100; // hundredths of a second, one for each frame

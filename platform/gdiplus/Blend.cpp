@@ -2,7 +2,6 @@
 
 #include "platform/gdiplus/Quad.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace kx::gdiplus {
@@ -27,49 +26,22 @@ constexpr DWORD Channel(DWORD pixel, int nShift) noexcept
     return __builtin_shufflevector(pixels, pixels, 3, 3, 3, 3, 7, 7, 7, 7);
 }
 
-constexpr Words alphaOnly{0, 0, 0, 255, 0, 0, 0, 255};
-
-// What the three kinds of colours do to two pixels below them.
-
-struct Multiplied
+// Two pixels over opaque ones.
+[[gnu::always_inline]] inline Words Over(const Words& from, const Words& to) noexcept
 {
-    // Clamped, for a colour above its alpha is possible in what a client made.
-    static Words Over(const Words& from, const Words& to) noexcept
-    {
-        const Words sum = from + By255(to * (255 - AlphaOf(from)));
-        return sum > 255 ? Words{} + 255 : sum;
-    }
-};
+    const Words alpha = AlphaOf(from);
+    return By255(from * alpha + to * (255 - alpha));
+}
 
-struct Straight
+void BlendRun(const DWORD* from, DWORD* to, int n) noexcept
 {
-    static Words Over(const Words& from, const Words& to) noexcept
-    {
-        const Words alpha = AlphaOf(from);
-        return By255(from * alpha + to * (255 - alpha));
-    }
-};
-
-struct StraightOverMultiplied
-{
-    static Words Over(const Words& from, const Words& to) noexcept
-    {
-        // The alpha is a channel of full strength.
-        const Words alpha = AlphaOf(from);
-        return By255((from | alphaOnly) * alpha + to * (255 - alpha));
-    }
-};
-
-template <class Kind>
-void BlendRun(const DWORD* from, DWORD* to, int n, DWORD mask) noexcept
-{
-    const auto blend = [mask](const DWORD* above, DWORD* below) {
+    const auto blend = [](const DWORD* above, DWORD* below) {
         Bytes in;
         Bytes out;
         std::memcpy(&in, above, sizeof in);
         std::memcpy(&out, below, sizeof out);
-        out = Joined(Kind::Over(LowPixels(in), LowPixels(out)), Kind::Over(HighPixels(in), HighPixels(out)));
-        const auto masked = reinterpret_cast<Ints>(out) & static_cast<int>(mask);
+        out = Joined(Over(LowPixels(in), LowPixels(out)), Over(HighPixels(in), HighPixels(out)));
+        const auto masked = reinterpret_cast<Ints>(out) & static_cast<int>(gdi::COLOR_BITS);
         std::memcpy(below, &masked, sizeof masked);
     };
     int x = 0;
@@ -85,21 +57,10 @@ void BlendRun(const DWORD* from, DWORD* to, int n, DWORD mask) noexcept
     std::memcpy(to + x, below, nRest);
 }
 
-void CopyRun(const DWORD* from, DWORD* to, int n, DWORD mask, DWORD set) noexcept
+void CopyRun(const DWORD* from, DWORD* to, int n, DWORD set) noexcept
 {
     for (int x = 0; x < n; ++x)
-        to[x] = (from[x] & mask) | set;
-}
-
-DWORD StraightPixel(DWORD pixel) noexcept
-{
-    const DWORD alpha = pixel >> 24;
-    if (alpha == 255) return pixel;
-    if (alpha == 0) return 0;
-    DWORD straight = pixel & ALPHA_BITS;
-    for (const int nShift : {0, 8, 16})
-        straight |= std::min<DWORD>((Channel(pixel, nShift) * 255 + alpha / 2) / alpha, 255) << nShift;
-    return straight;
+        to[x] = (from[x] & gdi::COLOR_BITS) | set;
 }
 
 // Both of straight alpha: the colours are weighed by what is seen of each.
@@ -117,32 +78,22 @@ DWORD StraightOver(DWORD from, DWORD to) noexcept
     return pixel;
 }
 
-void BlendStraightRun(const DWORD* from, Alpha fromAlpha, DWORD* to, int n) noexcept
+void BlendStraightRun(const DWORD* from, DWORD* to, int n) noexcept
 {
     for (int x = 0; x < n; ++x) {
-        const DWORD above = fromAlpha == Alpha::Straight ? from[x] : StraightPixel(from[x]);
-        if (above >> 24 == 255)
-            to[x] = above;
-        else if (above >> 24 != 0)
-            to[x] = StraightOver(above, to[x]);
+        if (from[x] >> 24 == 255)
+            to[x] = from[x];
+        else if (from[x] >> 24 != 0)
+            to[x] = StraightOver(from[x], to[x]);
     }
 }
 
 } // namespace
 
-void ToStraight(const DWORD* from, DWORD* to, int n) noexcept
-{
-    std::transform(from, from + n, to, StraightPixel);
-}
-
 void Blend(const DWORD* from, Alpha fromAlpha, DWORD* to, Alpha toAlpha, int n) noexcept
 {
-    const DWORD mask = toAlpha == Alpha::Opaque ? gdi::COLOR_BITS : ~DWORD{0};
-    if (fromAlpha == Alpha::Opaque) return CopyRun(from, to, n, gdi::COLOR_BITS, ALPHA_BITS & mask);
-    if (toAlpha == Alpha::Straight) return BlendStraightRun(from, fromAlpha, to, n);
-    if (fromAlpha == Alpha::Premultiplied) return BlendRun<Multiplied>(from, to, n, mask);
-    if (toAlpha == Alpha::Opaque) return BlendRun<Straight>(from, to, n, mask);
-    BlendRun<StraightOverMultiplied>(from, to, n, mask);
+    if (fromAlpha == Alpha::Opaque) return CopyRun(from, to, n, toAlpha == Alpha::Opaque ? 0 : ALPHA_BITS);
+    toAlpha == Alpha::Opaque ? BlendRun(from, to, n) : BlendStraightRun(from, to, n);
 }
 
 } // namespace kx::gdiplus

@@ -19,9 +19,6 @@ constexpr DWORD ToMultiplied(DWORD pixel) noexcept
            By255((pixel >> 8 & 0xFF) * alpha) << 8 | By255((pixel & 0xFF) * alpha);
 }
 
-// Pixels of straight alpha from multiplied ones.
-void ToStraight(const DWORD* from, DWORD* to, int n) noexcept;
-
 // Lays a run of pixels over another by its alpha. The high byte of an opaque target becomes 0, as fills leave
 // it on a surface. The two don't overlap.
 void Blend(const DWORD* from, Alpha fromAlpha, DWORD* to, Alpha toAlpha, int n) noexcept;

@@ -1,7 +1,6 @@
 #include "platform/gdiplus/ColorTransform.h"
 
 #include "platform/Cpu.h"
-#include "platform/gdiplus/Blend.h"
 
 namespace kx::gdiplus {
 
@@ -90,10 +89,6 @@ bool ColorTransform::Sum::IsWeight() const noexcept
 
 void ColorTransform::Apply(const DWORD* from, Alpha alpha, DWORD* to, int n) const noexcept
 {
-    if (alpha == Alpha::Premultiplied) {
-        ToStraight(from, to, n);
-        from = to;
-    }
     const DWORD set = alpha == Alpha::Opaque ? ALPHA_BITS : 0;
     const auto [red, green, blue, opacity] = m_sums;
     if (m_weighs) return WeighRun({red.red, red.green, red.blue, red.plus, set}, from, to, n);

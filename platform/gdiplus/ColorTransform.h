@@ -19,7 +19,6 @@ public:
     {
         return from == Alpha::Opaque && m_keepsAlpha ? Alpha::Opaque : Alpha::Straight;
     }
-    // `to` may be `from`.
     void Apply(const DWORD* from, Alpha alpha, DWORD* to, int n) const noexcept;
 
 private:

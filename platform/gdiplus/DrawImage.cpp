@@ -18,7 +18,6 @@ template <class Place>
 Status Draw(GpGraphics& graphics, GpImage& image, Place&& place, const ColorMatrix* pMatrix)
 {
     const PixelView from = image.Pixels();
-    if (!from.first) return OutOfMemory;
     const auto [columns, rows] = place(static_cast<double>(from.width), static_cast<double>(from.height));
     return graphics.On([&, columns = columns, rows = rows](const Target& target) {
         DrawPicture(target, from, columns, rows, pMatrix);

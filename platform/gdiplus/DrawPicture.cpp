@@ -14,15 +14,10 @@ namespace kx::gdiplus {
 
 namespace {
 
-// Whether two pictures share memory, at least as far as their first and last rows tell.
+// Whether two pictures share memory, by their first and last rows.
 bool MayOverlap(const PixelView& a, const PixelView& b) noexcept
 {
-    const auto range = [](const PixelView& view) {
-        return std::minmax({view.Row(0), view.Row(view.height - 1)}, std::less<>());
-    };
-    const auto [aFirst, aLast] = range(a);
-    const auto [bFirst, bLast] = range(b);
-    return std::less<>()(aFirst, bLast + b.width) && std::less<>()(bFirst, aLast + a.width);
+    return std::less<>()(a.first, b.Row(b.height)) && std::less<>()(b.first, a.Row(a.height));
 }
 
 } // namespace
@@ -30,7 +25,6 @@ bool MayOverlap(const PixelView& a, const PixelView& b) noexcept
 void DrawPicture(const Target& target, const PixelView& from, Stretch columns, Stretch rows,
                  const Gdiplus::ColorMatrix* pMatrix)
 {
-    if (!from.first || from.width <= 0 || from.height <= 0) return;
     std::optional<gdi::Surface> copy;
     if (MayOverlap(from, target.pixels)) {
         copy = CopyPixels(from);

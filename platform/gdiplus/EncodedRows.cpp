@@ -16,14 +16,10 @@ bool IsOpaque(const DWORD* row, int nWidth) noexcept
     return (all & ALPHA_BITS) == ALPHA_BITS;
 }
 
-std::vector<DWORD> RoomFor(const PixelView& view, Alpha changed)
-{
-    return std::vector<DWORD>(view.alpha == changed ? static_cast<std::size_t>(view.width) : 0);
-}
-
 } // namespace
 
-RowsOverBlack::RowsOverBlack(const PixelView& view) : m_view(view), m_row(RoomFor(view, Alpha::Straight))
+RowsOverBlack::RowsOverBlack(const PixelView& view)
+    : m_view(view), m_row(view.alpha == Alpha::Straight ? static_cast<std::size_t>(view.width) : 0)
 {
 }
 
@@ -34,18 +30,6 @@ const DWORD* RowsOverBlack::Row(int y) noexcept
     DWORD* const out = m_row.data();
     std::transform(row, row + m_view.width, out, ToMultiplied);
     return out;
-}
-
-StraightRows::StraightRows(const PixelView& view) : m_view(view), m_row(RoomFor(view, Alpha::Premultiplied))
-{
-}
-
-const DWORD* StraightRows::Row(int y) noexcept
-{
-    const DWORD* const row = m_view.Row(y);
-    if (m_row.empty()) return row;
-    ToStraight(row, m_row.data(), m_view.width);
-    return m_row.data();
 }
 
 } // namespace kx::gdiplus

@@ -124,8 +124,7 @@ Gdiplus::Status GifFrames::Select(unsigned nFrame, gdi::Surface& surface, Alpha&
         Show(m_index.frames[static_cast<std::size_t>(++m_nShown)], surface);
         if (m_bKeeps) Keep(surface);
     }
-    // Transparent pixels are all zero, so they are as good as multiplied.
-    alpha = m_bOpaque ? Alpha::Opaque : Alpha::Premultiplied;
+    alpha = m_bOpaque ? Alpha::Opaque : Alpha::Straight;
     return Gdiplus::Ok;
 }
 
@@ -244,7 +243,7 @@ Gdiplus::Status ReadGif(const File& file, std::optional<Picture>& picture)
         return Gdiplus::GenericError;
     auto surface = gdi::Surface::Make(index->width, index->height);
     if (!surface) return Gdiplus::OutOfMemory;
-    Picture made{std::move(*surface), Alpha::Premultiplied, Gdiplus::PixelFormat8bppIndexed, nullptr,
+    Picture made{std::move(*surface), Alpha::Straight, Gdiplus::PixelFormat8bppIndexed, nullptr,
                  Gdiplus::FrameDimensionTime};
     auto frames = std::make_unique<GifFrames>(file, std::move(*index));
     frames->Select(0, made.surface, made.alpha);

@@ -15,11 +15,6 @@ struct Target
     std::span<const RECT> clip; // what may be written: disjoint, in rows from the top; within the pixels
 };
 
-inline PixelView ViewOf(gdi::Surface& surface, Alpha alpha) noexcept
-{
-    return {surface.Row(0), surface.Stride(), surface.Width(), surface.Height(), alpha};
-}
-
 } // namespace kx::gdiplus
 
 namespace Gdiplus {
@@ -31,8 +26,7 @@ public:
     explicit GpGraphics(HDC hDC) noexcept : m_hDC(hDC) {}
     explicit GpGraphics(GpImage* pImage) noexcept : m_pImage(pImage) {}
 
-    // Gives `draw` the target; Win32Error if the device context is gone, OutOfMemory if the picture can't
-    // show its pixels.
+    // Gives `draw` the target; Win32Error if the device context is gone.
     template <class Draw>
     Status On(Draw&& draw) const
     {
@@ -55,10 +49,8 @@ private:
     Status OnPicture(Draw&& draw) const
     {
         const kx::gdiplus::PixelView pixels = m_pImage->Pixels();
-        if (!pixels.first) return OutOfMemory;
         const RECT all{0, 0, pixels.width, pixels.height};
         draw(kx::gdiplus::Target{pixels, {&all, 1}});
-        m_pImage->Changed();
         return Ok;
     }
 

@@ -2,12 +2,11 @@
 
 #include "include/platform/GdiPlusFlat.h"
 #include "platform/LiveHandles.h"
-#include "platform/gdiplus/CallerPixels.h"
 #include "platform/gdiplus/Picture.h"
 #include "platform/gdiplus/StreamRef.h"
 
+#include <optional>
 #include <utility>
-#include <variant>
 
 namespace Gdiplus {
 
@@ -17,28 +16,18 @@ class GpImage
 public:
     // The stream that it was read from is held as long as it lives: callers end theirs after that.
     explicit GpImage(kx::gdiplus::Picture picture, kx::gdiplus::StreamRef stream = nullptr) noexcept
-        : m_pixels(std::move(picture)), m_stream(std::move(stream))
+        : m_picture(std::move(picture)), m_stream(std::move(stream))
     {
     }
-    explicit GpImage(kx::gdiplus::CallerPixels pixels) noexcept : m_pixels(std::move(pixels)) {}
+    explicit GpImage(const kx::gdiplus::PixelView& callers) noexcept : m_callers(callers) {}
     GpImage(const GpImage&) = delete;
     GpImage& operator=(const GpImage&) = delete;
     virtual ~GpImage();
 
     // The current frame. It ends with the next call that changes the picture's frame or size.
-    kx::gdiplus::PixelView Pixels() noexcept;
-    // To be called when pixels were changed through a view.
-    void Changed() noexcept;
-
-    int Width() const noexcept;
-    int Height() const noexcept;
+    kx::gdiplus::PixelView Pixels() noexcept { return m_picture ? m_picture->View() : m_callers; }
     PixelFormat Format() const noexcept;
-    // A pixel as it lies there. The place is within the picture.
-    DWORD Get(int x, int y) const noexcept;
-    void Set(int x, int y, DWORD pixel) noexcept;
-    kx::gdiplus::Alpha HighByte() const noexcept;
-
-    GUID Dimension() const noexcept;
+    GUID Dimension() const noexcept { return m_picture ? m_picture->dimension : FrameDimensionPage; }
     // Null for a picture of one frame.
     const kx::gdiplus::Frames* Frames() const noexcept;
     Status SelectFrame(unsigned nFrame);
@@ -48,7 +37,8 @@ public:
     Status Clone(GpImage** ppClone);
 
 private:
-    std::variant<kx::gdiplus::Picture, kx::gdiplus::CallerPixels> m_pixels;
+    std::optional<kx::gdiplus::Picture> m_picture; // nothing over the caller's pixels
+    const kx::gdiplus::PixelView m_callers;
     const kx::gdiplus::StreamRef m_stream;
     const kx::LiveHandle m_live;
 };

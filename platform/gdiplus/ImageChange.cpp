@@ -11,9 +11,7 @@ namespace {
 
 constexpr PixelFormat FormatOf(Alpha alpha) noexcept
 {
-    return alpha == Alpha::Opaque     ? PixelFormat32bppRGB
-           : alpha == Alpha::Straight ? PixelFormat32bppARGB
-                                      : PixelFormat32bppPARGB;
+    return alpha == Alpha::Opaque ? PixelFormat32bppRGB : PixelFormat32bppARGB;
 }
 
 } // namespace
@@ -42,7 +40,7 @@ GpStatus GdipGetImageThumbnail(GpImage* pImage, UINT nWidth, UINT nHeight, GpIma
         auto surface = kx::gdi::Surface::Make(static_cast<int>(nWidth), static_cast<int>(nHeight));
         if (!surface) return OutOfMemory;
         Scale(pImage->Pixels(), *surface);
-        const Alpha alpha = pImage->HighByte();
+        const Alpha alpha = pImage->Pixels().alpha;
         return Give<GpBitmap>(ppThumbnail, Picture{std::move(*surface), alpha, FormatOf(alpha)});
     });
 }

@@ -1,4 +1,3 @@
-#include "platform/gdiplus/Blend.h"
 #include "platform/gdiplus/Image.h"
 #include "platform/gdiplus/Startup.h"
 
@@ -9,7 +8,7 @@ namespace Gdiplus::DllExports {
 namespace {
 
 template <class Value, class Get>
-GpStatus Tell(const GpImage* pImage, Value* pValue, Get&& get) noexcept
+GpStatus Tell(GpImage* pImage, Value* pValue, Get&& get) noexcept
 {
     return Guarded([&] {
         if (!pImage || !pValue) return InvalidParameter;
@@ -18,36 +17,37 @@ GpStatus Tell(const GpImage* pImage, Value* pValue, Get&& get) noexcept
     });
 }
 
-bool HasPixel(const GpBitmap* pBitmap, INT x, INT y) noexcept
+// Null for none there.
+DWORD* PixelAt(GpBitmap* pBitmap, INT x, INT y) noexcept
 {
-    return pBitmap && x >= 0 && y >= 0 && x < pBitmap->Width() && y < pBitmap->Height();
+    if (!pBitmap || x < 0 || y < 0) return nullptr;
+    const PixelView pixels = pBitmap->Pixels();
+    return x < pixels.width && y < pixels.height ? pixels.Row(y) + x : nullptr;
 }
 
 } // namespace
 
 GpStatus GdipGetImageWidth(GpImage* pImage, UINT* pnWidth)
 {
-    return Tell(pImage, pnWidth, [](const GpImage& image) { return image.Width(); });
+    return Tell(pImage, pnWidth, [](GpImage& image) { return image.Pixels().width; });
 }
 
 GpStatus GdipGetImageHeight(GpImage* pImage, UINT* pnHeight)
 {
-    return Tell(pImage, pnHeight, [](const GpImage& image) { return image.Height(); });
+    return Tell(pImage, pnHeight, [](GpImage& image) { return image.Pixels().height; });
 }
 
 GpStatus GdipGetImagePixelFormat(GpImage* pImage, PixelFormat* pFormat)
 {
-    return Tell(pImage, pFormat, [](const GpImage& image) { return image.Format(); });
+    return Tell(pImage, pFormat, [](GpImage& image) { return image.Format(); });
 }
 
 GpStatus GdipBitmapGetPixel(GpBitmap* pBitmap, INT x, INT y, ARGB* pColor)
 {
     return Guarded([&] {
-        if (!HasPixel(pBitmap, x, y) || !pColor) return InvalidParameter;
-        const DWORD pixel = pBitmap->Get(x, y);
-        *pColor = pixel | ALPHA_BITS;
-        if (pBitmap->HighByte() == Alpha::Straight) *pColor = pixel;
-        if (pBitmap->HighByte() == Alpha::Premultiplied) ToStraight(&pixel, pColor, 1);
+        const DWORD* const pPixel = PixelAt(pBitmap, x, y);
+        if (!pPixel || !pColor) return InvalidParameter;
+        *pColor = pBitmap->Pixels().alpha == Alpha::Opaque ? *pPixel | ALPHA_BITS : *pPixel;
         return Ok;
     });
 }
@@ -55,8 +55,9 @@ GpStatus GdipBitmapGetPixel(GpBitmap* pBitmap, INT x, INT y, ARGB* pColor)
 GpStatus GdipBitmapSetPixel(GpBitmap* pBitmap, INT x, INT y, ARGB color)
 {
     return Guarded([&] {
-        if (!HasPixel(pBitmap, x, y)) return InvalidParameter;
-        pBitmap->Set(x, y, pBitmap->HighByte() == Alpha::Premultiplied ? ToMultiplied(color) : color);
+        DWORD* const pPixel = PixelAt(pBitmap, x, y);
+        if (!pPixel) return InvalidParameter;
+        *pPixel = color;
         return Ok;
     });
 }

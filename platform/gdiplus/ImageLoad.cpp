@@ -40,21 +40,20 @@ GpStatus FromStream(IStream* pStream, Result** ppImage) noexcept
     });
 }
 
-GpStatus OverCallerPixels(INT nWidth, INT nHeight, INT nStride, PixelFormat format, BYTE* pScan0,
+GpStatus OverCallerPixels(INT nWidth, INT nHeight, INT nStride, Alpha alpha, BYTE* pScan0,
                           GpBitmap** ppBitmap)
 {
-    std::optional<CallerPixels> pixels;
-    const GpStatus status = CallerPixels::Make(nWidth, nHeight, nStride, format, pScan0, pixels);
-    return status == Ok ? Give<GpBitmap>(ppBitmap, std::move(*pixels)) : status;
+    const bool bAligned = nStride % 4 == 0 && reinterpret_cast<std::uintptr_t>(pScan0) % 4 == 0;
+    if (!bAligned || nStride / 4 < nWidth) return InvalidParameter;
+    return Give<GpBitmap>(ppBitmap,
+                          PixelView{reinterpret_cast<DWORD*>(pScan0), nStride / 4, nWidth, nHeight, alpha});
 }
 
-GpStatus OfOwnPixels(INT nWidth, INT nHeight, PixelFormat format, GpBitmap** ppBitmap)
+GpStatus OfOwnPixels(INT nWidth, INT nHeight, PixelFormat format, Alpha alpha, GpBitmap** ppBitmap)
 {
-    const auto alpha = AlphaOf(format);
-    if (!alpha) return NotImplemented;
     auto surface = kx::gdi::Surface::Make(nWidth, nHeight);
     if (!surface) return OutOfMemory;
-    return Give<GpBitmap>(ppBitmap, Picture{std::move(*surface), *alpha, format});
+    return Give<GpBitmap>(ppBitmap, Picture{std::move(*surface), alpha, format});
 }
 
 } // namespace
@@ -92,7 +91,7 @@ GpStatus GdipCreateBitmapFromHBITMAP(HBITMAP hBitmap, void*, GpBitmap** ppBitmap
         kx::gdi::Surface& from = bitmap->Pixels();
         const GpStatus status = CheckSize(from.Width(), from.Height());
         if (status != Ok) return status;
-        auto surface = CopyPixels({from.Row(0), from.Stride(), from.Width(), from.Height(), Alpha::Opaque});
+        auto surface = CopyPixels(ViewOf(from, Alpha::Opaque));
         if (!surface) return OutOfMemory;
         return Give<GpBitmap>(ppBitmap,
                               Picture{std::move(*surface), Alpha::Opaque, FormatOfDepth(bitmap->depth)});
@@ -106,8 +105,10 @@ GpStatus GdipCreateBitmapFromScan0(INT nWidth, INT nHeight, INT nStride, PixelFo
         if (nWidth <= 0 || nHeight <= 0) return InvalidParameter;
         const GpStatus status = CheckSize(nWidth, nHeight);
         if (status != Ok) return status;
-        return pScan0 ? OverCallerPixels(nWidth, nHeight, nStride, format, pScan0, ppBitmap)
-                      : OfOwnPixels(nWidth, nHeight, format, ppBitmap);
+        if (format != PixelFormat32bppRGB && format != PixelFormat32bppARGB) return NotImplemented;
+        const Alpha alpha = format == PixelFormat32bppRGB ? Alpha::Opaque : Alpha::Straight;
+        return pScan0 ? OverCallerPixels(nWidth, nHeight, nStride, alpha, pScan0, ppBitmap)
+                      : OfOwnPixels(nWidth, nHeight, format, alpha, ppBitmap);
     });
 }
 

@@ -15,22 +15,26 @@ namespace kx::gdiplus {
 // What the high byte of a pixel means.
 enum class Alpha
 {
-    Opaque,       // nothing: the pixel hides what lies below
-    Straight,     // opacity, by which the colours are not multiplied
-    Premultiplied // opacity, by which they are
+    Opaque,  // nothing: the pixel hides what lies below
+    Straight // opacity, by which the colours are not multiplied
 };
 
 // Pixels that lie elsewhere, 0xAARRGGBB, the top row first.
 struct PixelView
 {
     DWORD* first = nullptr;
-    std::ptrdiff_t stride = 0; // from one row to the next, in pixels; may be negative
+    std::ptrdiff_t stride = 0; // from one row to the next, in pixels
     int width = 0;
     int height = 0;
     Alpha alpha = Alpha::Opaque;
 
     DWORD* Row(int y) const noexcept { return first + y * stride; }
 };
+
+inline PixelView ViewOf(gdi::Surface& surface, Alpha alpha) noexcept
+{
+    return {surface.Row(0), surface.Stride(), surface.Width(), surface.Height(), alpha};
+}
 
 // A property of a picture: so many values of that type as bytes.
 struct Property
@@ -62,15 +66,7 @@ struct Picture
     std::unique_ptr<Frames> frames{};                           // null for one frame
     GUID dimension = Gdiplus::FrameDimensionPage;
 
-    PixelView View() noexcept { return {surface.Row(0), surface.Stride(), Width(), Height(), alpha}; }
-    void Changed() noexcept {}
-    DWORD Get(int x, int y) const noexcept { return surface.Row(y)[x]; }
-    void Set(int x, int y, DWORD pixel) noexcept { surface.Row(y)[x] = pixel; }
-    Gdiplus::PixelFormat Format() const noexcept { return format; }
-    int Width() const noexcept { return surface.Width(); }
-    int Height() const noexcept { return surface.Height(); }
-    Alpha HighByte() const noexcept { return alpha; }
-    GUID Dimension() const noexcept { return dimension; }
+    PixelView View() noexcept { return ViewOf(surface, alpha); }
 };
 
 // The bits of a pixel that its opacity takes.

@@ -1,6 +1,5 @@
 #include "platform/gdi/PngErrors.h"
 #include "platform/gdiplus/Encode.h"
-#include "platform/gdiplus/EncodedRows.h"
 
 namespace kx::gdiplus {
 
@@ -11,7 +10,6 @@ class PngEncoder
 public:
     PngEncoder(const PixelView& view, Bytes& file)
         : m_view(view),
-          m_rows(view),
           m_file(file),
           m_png(png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, gdi::OnPngError, gdi::OnPngWarning)),
           m_info(m_png ? png_create_info_struct(m_png) : nullptr)
@@ -48,12 +46,11 @@ private:
         if (!bAlpha) png_set_filler(m_png, 0, PNG_FILLER_AFTER);
         png_set_bgr(m_png);
         for (int y = 0; y < m_view.height; ++y)
-            png_write_row(m_png, reinterpret_cast<png_const_bytep>(m_rows.Row(y)));
+            png_write_row(m_png, reinterpret_cast<png_const_bytep>(m_view.Row(y)));
         png_write_end(m_png, nullptr);
     }
 
     const PixelView m_view;
-    StraightRows m_rows;
     Bytes& m_file;
     png_structp m_png;
     png_infop m_info;

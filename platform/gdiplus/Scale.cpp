@@ -37,7 +37,6 @@ template <Alpha alpha>
 [[gnu::always_inline]] inline DWORD Mean(const Quad& sum, float weight) noexcept
 {
     if constexpr (alpha == Alpha::Opaque) return ToPixel(sum / Fill(weight)) | ALPHA_BITS;
-    if constexpr (alpha == Alpha::Premultiplied) return ToPixel(sum / Fill(weight));
     const float opacity = sum[3];
     if (opacity + opacity < weight) return 0; // rounds to none
     return ToPixel(sum / Quad{opacity, opacity, opacity, weight});
@@ -74,17 +73,10 @@ const Quad* Scaler::Across(int nRow) noexcept
     if (held.row == nRow) return held.quads.data();
     held.row = nRow;
     Quad* out = held.quads.data();
-    switch (m_from.alpha) {
-    case Alpha::Opaque:
+    if (m_from.alpha == Alpha::Opaque)
         SumAcross<Alpha::Opaque>(m_from.Row(nRow), m_columns.Spans(), out);
-        break;
-    case Alpha::Straight:
+    else
         SumAcross<Alpha::Straight>(m_from.Row(nRow), m_columns.Spans(), out);
-        break;
-    case Alpha::Premultiplied:
-        SumAcross<Alpha::Premultiplied>(m_from.Row(nRow), m_columns.Spans(), out);
-        break;
-    }
     return out;
 }
 
@@ -107,14 +99,10 @@ void Scaler::Row(int y, DWORD* out) noexcept
 {
     const Span& span = m_rows[y];
     Sum(span);
-    switch (m_from.alpha) {
-    case Alpha::Opaque:
-        return Means<Alpha::Opaque>(m_sum.data(), m_columns.Spans(), span.sum, out);
-    case Alpha::Straight:
-        return Means<Alpha::Straight>(m_sum.data(), m_columns.Spans(), span.sum, out);
-    case Alpha::Premultiplied:
-        return Means<Alpha::Premultiplied>(m_sum.data(), m_columns.Spans(), span.sum, out);
-    }
+    if (m_from.alpha == Alpha::Opaque)
+        Means<Alpha::Opaque>(m_sum.data(), m_columns.Spans(), span.sum, out);
+    else
+        Means<Alpha::Straight>(m_sum.data(), m_columns.Spans(), span.sum, out);
 }
 
 void Scale(const PixelView& from, gdi::Surface& to)

@@ -53,6 +53,18 @@ Gdiplus::PixelFormat FormatOf(const TIFFRGBAImage& image) noexcept
     return FormatOfDepth(std::min<int>(image.bitspersample, 8));
 }
 
+// Whatever the file has, the library gives colours that are multiplied by the alpha.
+DWORD ToStraight(DWORD pixel) noexcept
+{
+    const DWORD alpha = pixel >> 24;
+    if (alpha == 255) return pixel;
+    if (alpha == 0) return 0;
+    DWORD straight = pixel & ALPHA_BITS;
+    for (const int nShift : {0, 8, 16})
+        straight |= std::min<DWORD>(((pixel >> nShift & 0xFF) * 255 + alpha / 2) / alpha, 255) << nShift;
+    return straight;
+}
+
 // The library leaves rows one behind the other, of pixels with red in their low byte. They go where the
 // surface has them, the last one first, since its rows are no shorter.
 void ToRows(gdi::Surface& surface) noexcept
@@ -62,7 +74,7 @@ void ToRows(gdi::Surface& surface) noexcept
         const DWORD* const from = surface.Row(0) + y * nWidth;
         DWORD* const to = surface.Row(y);
         for (std::ptrdiff_t x = nWidth; x-- > 0;)
-            to[x] = (from[x] & 0xFF00FF00) | (from[x] & 0xFF) << 16 | (from[x] >> 16 & 0xFF);
+            to[x] = ToStraight((from[x] & 0xFF00FF00) | (from[x] & 0xFF) << 16 | (from[x] >> 16 & 0xFF));
     }
 }
 
@@ -85,9 +97,8 @@ Status ReadPage(FileBytes file, std::uint64_t at, std::optional<Picture>& pictur
     if (!surface) return Gdiplus::OutOfMemory;
     if (!TIFFRGBAImageGet(&image, surface->Row(0), image.width, image.height)) return Gdiplus::GenericError;
     ToRows(*surface);
-    // Whatever the file has, the library gives multiplied colours.
-    picture = Picture{std::move(*surface), image.alpha != 0 ? Alpha::Premultiplied : Alpha::Opaque,
-                      FormatOf(image)};
+    picture =
+        Picture{std::move(*surface), image.alpha != 0 ? Alpha::Straight : Alpha::Opaque, FormatOf(image)};
     return Gdiplus::Ok;
 }
 

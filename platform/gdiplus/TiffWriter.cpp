@@ -1,5 +1,4 @@
 #include "platform/gdiplus/Encode.h"
-#include "platform/gdiplus/EncodedRows.h"
 #include "platform/gdiplus/TiffFile.h"
 
 namespace kx::gdiplus {
@@ -28,13 +27,12 @@ bool Describe(TIFF* tiff, const PixelView& view, std::uint16_t nSamples) noexcep
 Gdiplus::Status WriteTiff(const PixelView& view, Bytes& file)
 {
     const std::uint16_t nSamples = view.alpha == Alpha::Opaque ? 3 : 4;
-    StraightRows rows(view);
     Bytes samples(static_cast<std::size_t>(view.width) * nSamples);
     TiffMemory memory{{}, &file, 0};
     const TiffHandle tiff = OpenTiff(memory, "w", kMaxBlock);
     if (!tiff || !Describe(tiff.get(), view, nSamples)) return Gdiplus::OutOfMemory;
     for (int y = 0; y < view.height; ++y) {
-        const DWORD* const row = rows.Row(y);
+        const DWORD* const row = view.Row(y);
         std::uint8_t* out = samples.data();
         for (int x = 0; x < view.width; ++x, out += nSamples) {
             out[0] = static_cast<std::uint8_t>(row[x] >> 16);

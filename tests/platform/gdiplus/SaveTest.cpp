@@ -47,7 +47,7 @@ TEST_F(SaveTest, WhatIsSavedLoadsAsItWas)
 {
     const Picture picture = {"RGBCM", "YWKRG", "BCMYW"};
     for (const auto* const type : {u"bmp", u"gif", u"tiff", u"png"})
-        for (const PixelFormat format : {PixelFormat24bppRGB, PixelFormat32bppARGB, PixelFormat32bppPARGB})
+        for (const PixelFormat format : {PixelFormat32bppRGB, PixelFormat32bppARGB})
             EXPECT_EQ(Loaded(Saved(Loaded(picture, format), type)).Letters(), picture);
     for (const auto* const type : {u"gif", u"tiff", u"png"})
         EXPECT_EQ(Loaded(Saved(Loaded(Picture{"R B", " G "}), type)).Letters(), (Picture{"R B", " G "}));
@@ -62,18 +62,16 @@ TEST_F(SaveTest, WhatIsSavedLoadsAsItWas)
 
 TEST_F(SaveTest, OpacityIsKeptOrLaidOverBlack)
 {
-    for (const PixelFormat format : {PixelFormat32bppARGB, PixelFormat32bppPARGB}) {
-        const Loaded half(Picture(8, "RRRRRRRR"), format);
-        for (int i = 0; i < 64; ++i)
-            GdipBitmapSetPixel(half.Bitmap(), i % 8, i / 8, 0x80FF0000);
-        EXPECT_EQ(Loaded(Saved(half, u"png")).Pixel(3, 3), 0x80FF0000);
-        EXPECT_EQ(Loaded(Saved(half, u"tiff")).Pixel(3, 3), 0x80FF0000);
-        EXPECT_EQ(Loaded(Saved(half, u"bmp")).Pixel(3, 3), 0xFF800000);
-        EXPECT_EQ(Loaded(Saved(half, u"gif")).Pixel(3, 3), 0xFF800000);
-        EXPECT_EQ(Loaded(Saved(half, u"jpeg")).Pixel(3, 3) & 0xFFFEFEFE, 0xFF800000);
-        GdipBitmapSetPixel(half.Bitmap(), 3, 3, 0x7FFF0000);
-        EXPECT_EQ(Loaded(Saved(half, u"gif")).Pixel(3, 3), 0u);
-    }
+    const Loaded half(Picture(8, "RRRRRRRR"));
+    for (int i = 0; i < 64; ++i)
+        GdipBitmapSetPixel(half.Bitmap(), i % 8, i / 8, 0x80FF0000);
+    EXPECT_EQ(Loaded(Saved(half, u"png")).Pixel(3, 3), 0x80FF0000);
+    EXPECT_EQ(Loaded(Saved(half, u"tiff")).Pixel(3, 3), 0x80FF0000);
+    EXPECT_EQ(Loaded(Saved(half, u"bmp")).Pixel(3, 3), 0xFF800000);
+    EXPECT_EQ(Loaded(Saved(half, u"gif")).Pixel(3, 3), 0xFF800000);
+    EXPECT_EQ(Loaded(Saved(half, u"jpeg")).Pixel(3, 3) & 0xFFFEFEFE, 0xFF800000);
+    GdipBitmapSetPixel(half.Bitmap(), 3, 3, 0x7FFF0000);
+    EXPECT_EQ(Loaded(Saved(half, u"gif")).Pixel(3, 3), 0u);
 }
 
 // Channels that differ most between two pictures of one size.

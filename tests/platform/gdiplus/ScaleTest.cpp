@@ -54,7 +54,6 @@ TEST_F(Scale, TakesNoColourFromTransparentPixels)
     EXPECT_EQ(Stretched(4, reducing, 2, 1), (Row{0x80FF0000, 0x80006020}));
     EXPECT_EQ(Stretched(2, {0xFFFFFFFF, 0x00000000}, 4, 1), (Row{0xFFFFFFFF, 0xBFFFFFFF, 0x40FFFFFF, 0}));
     EXPECT_EQ(Stretched(2, {0x00FF00FF, 0x00FFFFFF}, 1, 1), Row{0});
-    EXPECT_EQ(Stretched(2, {0x80804020, 0x00000000}, 1, 1, PixelFormat32bppPARGB), Row{0x40FF8040});
     // The high byte of an opaque picture is nothing.
     EXPECT_EQ(Stretched(2, {0x00102030, 0x80304050}, 1, 1, PixelFormat32bppRGB), Row{0xFF203040});
 }
