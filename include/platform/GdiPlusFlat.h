@@ -153,28 +153,23 @@ KX_API GpStatus GdipSetImageAttributesColorMatrix(GpImageAttributes* pAttributes
 
 // ---- Brushes and shapes
 
-// From one colour at a point to another at a second, straight across the line between them, and over again
-// on either side as the mode says: FlipX and FlipXY turn every other period about, FlipY changes nothing
-// (WrapModeClamp: InvalidParameter). Pixels count by their top left corners, so that the one at the first
-// point has the first colour; the one at the second point has the second colour, and only periods further on
-// begin with the first again. OutOfMemory for two equal points, as the platform has it.
+// From one colour at a point to another at a second, across or down, and over again on either side. Pixels
+// count by their top left corners, so that the one at the first point has the first colour; the one at the
+// second point has the second colour, and only periods further on begin with the first again. OutOfMemory for
+// two equal points, as the platform has it; NotImplemented for points that differ in both coordinates, and for
+// another mode than WrapModeTile.
 KX_API GpStatus GdipCreateLineBrushI(const GpPoint* pFirst, const GpPoint* pSecond, ARGB first, ARGB second,
                                      GpWrapMode mode, GpLineGradient** ppBrush);
-// From a path's centre, the middle of its bounds, along rays out to its edge, where the colour goes from each
-// point's to the next one's; nothing outside of it. Pixels count by their centres. Of figures that overlap
-// the later one counts. At first all white. OutOfMemory for a path of fewer than three points.
+// From a path's middle along rays out to its edge; nothing outside of it. Pixels count by their centres. At
+// first all white. OutOfMemory for an empty path.
 KX_API GpStatus GdipCreatePathGradientFromPath(const GpPath* pPath, GpPathGradient** ppBrush);
 KX_API GpStatus GdipSetPathGradientCenterColor(GpPathGradient* pBrush, ARGB color);
-// Moves the centre, to an edge of the path or outside of it if need be.
-KX_API GpStatus GdipSetPathGradientCenterPointI(GpPathGradient* pBrush, const GpPoint* pPoint);
-// Colours of the path's points, `*pnCount` of them, at least 1 and at most its points; the last one counts
-// for all that follow.
+// The one colour of the whole edge: `*pnCount` is 1, NotImplemented for more.
 KX_API GpStatus GdipSetPathGradientSurroundColorsWithCount(GpPathGradient* pBrush, const ARGB* pColors,
                                                            INT* pnCount);
 KX_API GpStatus GdipDeleteBrush(GpBrush* pBrush);
 
-// A path of rectangles. With FillModeAlternate its inside is what lies in an odd number of them. A width or
-// height of 0 or below adds nothing.
+// A path of one rectangle, NotImplemented for a second. A width or height of 0 or below adds nothing.
 KX_API GpStatus GdipCreatePath(GpFillMode mode, GpPath** ppPath);
 KX_API GpStatus GdipAddPathRectangleI(GpPath* pPath, INT x, INT y, INT nWidth, INT nHeight);
 KX_API GpStatus GdipDeletePath(GpPath* pPath);

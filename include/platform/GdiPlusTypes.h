@@ -45,11 +45,7 @@ using GpUnit = Unit;
 
 enum WrapMode
 {
-    WrapModeTile = 0,
-    WrapModeTileFlipX = 1,
-    WrapModeTileFlipY = 2,
-    WrapModeTileFlipXY = 3,
-    WrapModeClamp = 4
+    WrapModeTile = 0
 };
 using GpWrapMode = WrapMode;
 

@@ -3,8 +3,10 @@
 #include "include/platform/GdiPlusFlat.h"
 #include "platform/LiveHandles.h"
 #include "platform/gdi/PixelRegion.h"
+#include "platform/gdiplus/ColorRun.h"
 
 #include <cstdint>
+#include <optional>
 #include <span>
 
 namespace Gdiplus {
@@ -29,6 +31,74 @@ public:
 
 private:
     kx::LiveHandle m_live;
+};
+
+// Across or down. A pixel has the colour of its top left corner's place on the line.
+class GpLineGradient : public GpBrush
+{
+public:
+    // The points differ, in one coordinate.
+    GpLineGradient(const GpPoint& first, const GpPoint& second, ARGB firstColor, ARGB secondColor) noexcept;
+
+    bool IsOpaque() const noexcept override { return m_bOpaque; }
+    bool HasOneRow() const noexcept override { return m_bAcross; }
+    void Row(std::int64_t x, std::int64_t y, DWORD mask, std::span<DWORD> out) const noexcept override;
+
+private:
+    // How far a coordinate lies along the line, and where within the line's colours that is.
+    std::int64_t Way(std::int64_t coordinate) const noexcept;
+    std::int64_t Place(std::int64_t nWay) const noexcept;
+    kx::gdiplus::Channels ColorAt(std::int64_t nPlace) const noexcept;
+
+    bool m_bAcross;
+    bool m_bForward; // the second point lies to the right or below
+    std::int64_t m_nFirst;
+    std::int64_t m_nLength;
+    kx::gdiplus::Channels m_first;
+    kx::gdiplus::Channels m_slope; // from each pixel to the next along the line
+    bool m_bOpaque;
+};
+
+// One rectangle at most.
+class GpPath
+{
+public:
+    struct Figure
+    {
+        std::int64_t left;
+        std::int64_t top;
+        std::int64_t right;
+        std::int64_t bottom;
+    };
+    std::optional<Figure> figure;
+
+private:
+    kx::LiveHandle m_live;
+};
+
+// A pixel has the colour of its centre, which goes evenly from the rectangle's middle to its sides.
+class GpPathGradient : public GpBrush
+{
+public:
+    // Throws std::bad_alloc.
+    explicit GpPathGradient(const GpPath::Figure& sides);
+
+    void SetCenter(ARGB color) noexcept { m_center = kx::gdiplus::ToChannels(color); }
+    void SetSurround(ARGB color) noexcept { m_surround = kx::gdiplus::ToChannels(color); }
+
+    bool IsOpaque() const noexcept override { return m_center[3] == 255 && m_surround[3] == 255; }
+    const kx::gdi::PixelRegion* Area() const noexcept override { return &m_area; }
+    void Row(std::int64_t x, std::int64_t y, DWORD mask, std::span<DWORD> out) const noexcept override;
+
+private:
+    kx::gdi::PixelRegion m_area;
+    // The middle, and from it to the sides.
+    double m_x;
+    double m_y;
+    double m_halfWidth;
+    double m_halfHeight;
+    kx::gdiplus::Channels m_center;
+    kx::gdiplus::Channels m_surround;
 };
 
 } // namespace Gdiplus

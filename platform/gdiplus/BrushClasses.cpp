@@ -1,7 +1,6 @@
 #include "include/platform/GdiPlus.h"
+#include "platform/gdiplus/Brush.h"
 #include "platform/gdiplus/LastStatus.h"
-#include "platform/gdiplus/LineGradient.h"
-#include "platform/gdiplus/PathGradient.h"
 
 namespace Gdiplus {
 
@@ -49,11 +48,6 @@ PathGradientBrush::PathGradientBrush(const GraphicsPath* pPath)
 Status PathGradientBrush::SetCenterColor(const Color& color)
 {
     return Keep(GdipSetPathGradientCenterColor(static_cast<GpPathGradient*>(Native()), color.GetValue()));
-}
-
-Status PathGradientBrush::SetCenterPoint(const Point& point)
-{
-    return Keep(GdipSetPathGradientCenterPointI(static_cast<GpPathGradient*>(Native()), &point));
 }
 
 Status PathGradientBrush::SetSurroundColors(const Color* pColors, INT* pnCount)

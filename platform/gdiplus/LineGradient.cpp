@@ -1,5 +1,4 @@
-#include "platform/gdiplus/LineGradient.h"
-
+#include "platform/gdiplus/Brush.h"
 #include "platform/gdiplus/DrawObjects.h"
 
 #include <algorithm>
@@ -9,56 +8,50 @@ using namespace kx::gdiplus;
 
 namespace Gdiplus {
 
-// Where a pixel lies in the period that it lies in.
-struct GpLineGradient::Place
-{
-    double along;  // from 0 to the length
-    bool line;     // whether the period is the line itself, to which its end belongs too
-    bool next;     // whether it is the one after it, which so lacks its beginning
-    bool mirrored; // whether the colours run the other way in it
-};
-
-GpLineGradient::GpLineGradient(const GpPoint& first, const GpPoint& second, ARGB firstColor, ARGB secondColor,
-                               GpWrapMode mode) noexcept
-    : m_x(first.X),
-      m_y(first.Y),
-      m_dx(static_cast<double>(second.X) - first.X),
-      m_dy(static_cast<double>(second.Y) - first.Y),
-      m_length(m_dx * m_dx + m_dy * m_dy),
+GpLineGradient::GpLineGradient(const GpPoint& first, const GpPoint& second, ARGB firstColor,
+                               ARGB secondColor) noexcept
+    : m_bAcross(first.X != second.X),
+      m_bForward(first.X < second.X || first.Y < second.Y),
+      m_nFirst(m_bAcross ? first.X : first.Y),
+      m_nLength(std::abs((m_bAcross ? std::int64_t{second.X} : std::int64_t{second.Y}) - m_nFirst)),
       m_first(ToChannels(firstColor)),
-      m_slope(Mixed(ToChannels(secondColor), 1 / m_length, m_first, -1 / m_length)),
-      m_flips(mode == WrapModeTileFlipX || mode == WrapModeTileFlipXY),
-      m_opaque((firstColor & secondColor) >> 24 == 255)
+      m_slope(Mixed(ToChannels(secondColor), 1.0 / static_cast<double>(m_nLength), m_first,
+                    -1.0 / static_cast<double>(m_nLength))),
+      m_bOpaque((firstColor & secondColor) >> 24 == 255)
 {
 }
 
-GpLineGradient::Place GpLineGradient::PlaceOf(double along) const noexcept
+std::int64_t GpLineGradient::Way(std::int64_t coordinate) const noexcept
 {
-    if (along >= 0 && along <= m_length) return {along, true, false, false};
-    double in = std::fmod(along, 2 * m_length);
-    if (in < 0) in += 2 * m_length;
-    const bool bOdd = in >= m_length;
-    return {std::clamp(bOdd ? in - m_length : in, 0.0, m_length), false,
-            along > m_length && along < 2 * m_length, bOdd && m_flips};
+    return m_bForward ? coordinate - m_nFirst : m_nFirst - coordinate;
+}
+
+std::int64_t GpLineGradient::Place(std::int64_t nWay) const noexcept
+{
+    if (nWay == m_nLength) return m_nLength; // the line has its end, periods further on begin again there
+    const std::int64_t nPlace = nWay % m_nLength;
+    return nPlace < 0 ? nPlace + m_nLength : nPlace;
+}
+
+Channels GpLineGradient::ColorAt(std::int64_t nPlace) const noexcept
+{
+    return Mixed(m_first, 1, m_slope, static_cast<double>(nPlace));
 }
 
 void GpLineGradient::Row(std::int64_t x, std::int64_t y, DWORD mask, std::span<DWORD> out) const noexcept
 {
-    const double start = (static_cast<double>(x) - m_x) * m_dx + (static_cast<double>(y) - m_y) * m_dy;
+    if (!m_bAcross) return DrawRun(ColorAt(Place(Way(y))), {}, mask, out);
+    const Channels step = Mixed(m_slope, m_bForward ? 1 : -1, {}, 0);
     for (std::size_t n = 0; n < out.size();) {
-        const Place place = PlaceOf(start + static_cast<double>(n) * m_dx);
-        double count = static_cast<double>(out.size() - n);
-        if (m_dx > 0) {
-            const double rest = (m_length - place.along) / m_dx;
-            count = std::min(count, place.line ? std::floor(rest) + 1 : std::ceil(rest));
-        } else if (m_dx < 0) {
-            const double rest = place.along / -m_dx;
-            count = std::min(count, place.next ? std::ceil(rest) : std::floor(rest) + 1);
-        }
-        const auto run = out.subspan(n, static_cast<std::size_t>(std::max(count, 1.0)));
-        const double along = place.mirrored ? m_length - place.along : place.along;
-        const double step = place.mirrored ? -m_dx : m_dx;
-        DrawRun(Mixed(m_first, 1, m_slope, along), Mixed(m_slope, step, {}, 0), mask, run);
+        const std::int64_t nWay = Way(x + static_cast<std::int64_t>(n));
+        const std::int64_t nPlace = Place(nWay);
+        std::int64_t nCount = 0; // of pixels in the same period
+        if (m_bForward)
+            nCount = m_nLength - nPlace + (nWay >= 0 && nWay <= m_nLength ? 1 : 0);
+        else
+            nCount = nPlace + (nWay > m_nLength && nWay < 2 * m_nLength ? 0 : 1);
+        const auto run = out.subspan(n, std::min(out.size() - n, static_cast<std::size_t>(nCount)));
+        DrawRun(ColorAt(nPlace), step, mask, run);
         n += run.size();
     }
 }
@@ -69,9 +62,11 @@ GpStatus GdipCreateLineBrushI(const GpPoint* pFirst, const GpPoint* pSecond, ARG
                               GpWrapMode mode, GpLineGradient** ppBrush)
 {
     return MakeObject(ppBrush, [&] {
-        if (!pFirst || !pSecond || mode < WrapModeTile || mode > WrapModeTileFlipXY) return InvalidParameter;
-        if (pFirst->X == pSecond->X && pFirst->Y == pSecond->Y) return OutOfMemory;
-        return Give<GpLineGradient>(ppBrush, *pFirst, *pSecond, first, second, mode);
+        if (!pFirst || !pSecond) return InvalidParameter;
+        const bool bAcross = pFirst->X != pSecond->X, bDown = pFirst->Y != pSecond->Y;
+        if (!bAcross && !bDown) return OutOfMemory;
+        if ((bAcross && bDown) || mode != WrapModeTile) return NotImplemented;
+        return Give<GpLineGradient>(ppBrush, *pFirst, *pSecond, first, second);
     });
 }
 

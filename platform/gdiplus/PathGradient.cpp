@@ -1,5 +1,5 @@
-#include "platform/gdiplus/PathGradient.h"
-
+#include "platform/gdi/Rect.h"
+#include "platform/gdiplus/Brush.h"
 #include "platform/gdiplus/DrawObjects.h"
 
 #include <algorithm>
@@ -9,144 +9,84 @@ using namespace kx::gdiplus;
 
 namespace Gdiplus {
 
-// A row of pixels through a figure. From left to right it goes through the triangle to the left side, the one
-// to the top or the bottom and the one to the right side; any of them may be missed.
-class GpPathGradient::FigureRow
+namespace {
+
+double Middle(std::int64_t nFirst, std::int64_t nLast) noexcept
 {
-public:
-    FigureRow(const GpPathGradient& brush, const Figure& figure, std::int64_t y) noexcept
-        : m_brush(brush),
-          m_figure(figure),
-          m_down(static_cast<double>(y) + 0.5 - brush.m_y),
-          m_left(static_cast<double>(figure.sides.left) - brush.m_x),
-          m_right(static_cast<double>(figure.sides.right) - brush.m_x),
-          m_top(static_cast<double>(figure.sides.top) - brush.m_y),
-          m_bottom(static_cast<double>(figure.sides.bottom) - brush.m_y),
-          m_part(m_down == 0 ? 0 : m_down / (m_down < 0 ? m_top : m_bottom))
-    {
-    }
-
-    void Draw(std::int64_t x, DWORD mask, std::span<DWORD> out) const noexcept
-    {
-        // Right of the centre, by the row's part of the way to the upper or lower side: where the triangles
-        // meet.
-        const double leftEnd = std::min(0.0, m_left * m_part);
-        const double rightBegin = std::max(0.0, m_right * m_part);
-        const double begin = static_cast<double>(x) + 0.5 - m_brush.m_x;
-        const auto pixelsTo = [&](double end) {
-            return static_cast<std::size_t>(std::clamp(end, 0.0, static_cast<double>(out.size())));
-        };
-        const std::size_t nLeft = pixelsTo(std::ceil(leftEnd - begin));
-        const std::size_t nMiddle = std::max(nLeft, pixelsTo(std::floor(rightBegin - begin) + 1));
-        const auto& [topLeft, topRight, bottomRight, bottomLeft] = m_figure.corners;
-        DrawAcross(m_left, topLeft, bottomLeft, begin, mask, out.first(nLeft));
-        const bool bUp = m_down < 0;
-        DrawAlong(bUp ? topLeft : bottomLeft, bUp ? topRight : bottomRight,
-                  begin + static_cast<double>(nLeft), mask, out.subspan(nLeft, nMiddle - nLeft));
-        DrawAcross(m_right, topRight, bottomRight, begin + static_cast<double>(nMiddle), mask,
-                   out.subspan(nMiddle));
-    }
-
-private:
-    // In a triangle whose side is the figure's left or right one.
-    void DrawAcross(double side, const Channels& top, const Channels& bottom, double x, DWORD mask,
-                    std::span<DWORD> out) const noexcept
-    {
-        if (out.empty()) return;
-        const double height = m_bottom - m_top;
-        const Channels side0 =
-            Mixed(top, 1 + m_top / height, bottom, -m_top / height); // level with the centre
-        const Channels step = Mixed(side0, 1 / side, m_brush.m_center, -1 / side);
-        const Channels center = Mixed(Mixed(bottom, 1, top, -1), m_down / height, m_brush.m_center, 1);
-        DrawRun(Mixed(step, x, center, 1), step, mask, out);
-    }
-
-    // In one whose side is the upper or the lower one.
-    void DrawAlong(const Channels& left, const Channels& right, double x, DWORD mask,
-                   std::span<DWORD> out) const noexcept
-    {
-        if (out.empty()) return;
-        const double width = m_right - m_left;
-        const Channels side0 = Mixed(left, 1 + m_left / width, right, -m_left / width); // above the centre
-        const Channels step = Mixed(right, 1 / width, left, -1 / width);
-        const Channels center = Mixed(m_brush.m_center, 1 - m_part, side0, m_part);
-        DrawRun(Mixed(step, x, center, 1), step, mask, out);
-    }
-
-    const GpPathGradient& m_brush;
-    const Figure& m_figure;
-    // All from the path's centre.
-    const double m_down;
-    const double m_left;
-    const double m_right;
-    const double m_top;
-    const double m_bottom;
-    const double m_part; // of the way to the upper or lower side
-};
-
-GpPathGradient::GpPathGradient(const GpPath& path) : m_area(path.Inside())
-{
-    GpPath::Figure bounds = path.Figures().front();
-    for (const GpPath::Figure& sides : path.Figures()) {
-        m_figures.push_back({sides, {}});
-        bounds = {std::min(bounds.left, sides.left), std::min(bounds.top, sides.top),
-                  std::max(bounds.right, sides.right), std::max(bounds.bottom, sides.bottom)};
-    }
-    m_x = static_cast<double>(bounds.left + bounds.right) / 2;
-    m_y = static_cast<double>(bounds.top + bounds.bottom) / 2;
-    const ARGB white = 0xFFFFFFFF;
-    SetCenter(white);
-    SetSurround({&white, 1});
+    return static_cast<double>(nFirst + nLast) / 2;
 }
 
-void GpPathGradient::SetCenter(ARGB color) noexcept
+double Half(std::int64_t nFirst, std::int64_t nLast) noexcept
 {
-    m_center = ToChannels(color);
+    return static_cast<double>(nLast - nFirst) / 2;
 }
 
-void GpPathGradient::MoveCenter(Point point) noexcept
+} // namespace
+
+GpPathGradient::GpPathGradient(const GpPath::Figure& sides)
+    : m_area({kx::gdi::ToSide(sides.left), kx::gdi::ToSide(sides.top), kx::gdi::ToSide(sides.right),
+              kx::gdi::ToSide(sides.bottom)}),
+      m_x(Middle(sides.left, sides.right)),
+      m_y(Middle(sides.top, sides.bottom)),
+      m_halfWidth(Half(sides.left, sides.right)),
+      m_halfHeight(Half(sides.top, sides.bottom)),
+      m_center(ToChannels(0xFFFFFFFF)),
+      m_surround(m_center)
 {
-    m_x = point.X;
-    m_y = point.Y;
 }
 
-void GpPathGradient::SetSurround(std::span<const ARGB> colors) noexcept
-{
-    std::size_t n = 0;
-    for (Figure& figure : m_figures)
-        for (Channels& corner : figure.corners)
-            corner = ToChannels(colors[std::min(n++, colors.size() - 1)]);
-}
-
-bool GpPathGradient::IsOpaque() const noexcept
-{
-    const auto isOpaque = [](const Channels& color) { return color[3] == 255; };
-    return isOpaque(m_center) && std::all_of(m_figures.begin(), m_figures.end(), [&](const Figure& figure) {
-               return std::all_of(figure.corners.begin(), figure.corners.end(), isOpaque);
-           });
-}
-
+// From left to right a row goes through the triangle from the middle to the left side, the one to the upper
+// or lower side, in which it has one colour, and the one to the right side.
 void GpPathGradient::Row(std::int64_t x, std::int64_t y, DWORD mask, std::span<DWORD> out) const noexcept
 {
-    const std::int64_t nEnd = x + static_cast<std::int64_t>(out.size());
-    for (const Figure& figure : m_figures) {
-        const std::int64_t nLeft = std::max(x, figure.sides.left);
-        const std::int64_t nRight = std::min(nEnd, figure.sides.right);
-        if (y < figure.sides.top || y >= figure.sides.bottom || nLeft >= nRight) continue;
-        FigureRow(*this, figure, y)
-            .Draw(nLeft, mask,
-                  out.subspan(static_cast<std::size_t>(nLeft - x), static_cast<std::size_t>(nRight - nLeft)));
-    }
+    const double part = std::abs(static_cast<double>(y) + 0.5 - m_y) / m_halfHeight;
+    const double reach = m_halfWidth * part; // from the middle to where the triangles meet
+    const double begin = static_cast<double>(x) + 0.5 - m_x;
+    const auto pixelsTo = [&](double end) {
+        return static_cast<std::size_t>(std::clamp(end, 0.0, static_cast<double>(out.size())));
+    };
+    const std::size_t nLeft = pixelsTo(std::ceil(-reach - begin));
+    const std::size_t nMiddle = std::max(nLeft, pixelsTo(std::floor(reach - begin) + 1));
+    const Channels step = Mixed(m_surround, 1 / m_halfWidth, m_center, -1 / m_halfWidth);
+    const auto at = [&](double distance) { return Mixed(step, distance, m_center, 1); };
+    if (nLeft > 0) DrawRun(at(-begin), Mixed(step, -1, {}, 0), mask, out.first(nLeft));
+    if (nMiddle > nLeft)
+        DrawRun(Mixed(m_center, 1 - part, m_surround, part), {}, mask, out.subspan(nLeft, nMiddle - nLeft));
+    if (nMiddle < out.size())
+        DrawRun(at(begin + static_cast<double>(nMiddle)), step, mask, out.subspan(nMiddle));
 }
 
 namespace DllExports {
+
+GpStatus GdipCreatePath(GpFillMode mode, GpPath** ppPath)
+{
+    return MakeObject(ppPath, [&] {
+        if (mode != FillModeAlternate && mode != FillModeWinding) return InvalidParameter;
+        return Give<GpPath>(ppPath);
+    });
+}
+
+GpStatus GdipAddPathRectangleI(GpPath* pPath, INT x, INT y, INT nWidth, INT nHeight)
+{
+    return Guarded([&] {
+        if (!pPath) return InvalidParameter;
+        if (nWidth <= 0 || nHeight <= 0) return Ok;
+        if (pPath->figure) return NotImplemented;
+        pPath->figure = {x, y, std::int64_t{x} + nWidth, std::int64_t{y} + nHeight};
+        return Ok;
+    });
+}
+
+GpStatus GdipDeletePath(GpPath* pPath)
+{
+    return EndObject(pPath);
+}
 
 GpStatus GdipCreatePathGradientFromPath(const GpPath* pPath, GpPathGradient** ppBrush)
 {
     return MakeObject(ppBrush, [&] {
         if (!pPath) return InvalidParameter;
-        if (pPath->Figures().empty()) return OutOfMemory;
-        return Give<GpPathGradient>(ppBrush, *pPath);
+        return pPath->figure ? Give<GpPathGradient>(ppBrush, *pPath->figure) : OutOfMemory;
     });
 }
 
@@ -159,22 +99,12 @@ GpStatus GdipSetPathGradientCenterColor(GpPathGradient* pBrush, ARGB color)
     });
 }
 
-GpStatus GdipSetPathGradientCenterPointI(GpPathGradient* pBrush, const GpPoint* pPoint)
-{
-    return Guarded([&] {
-        if (!pBrush || !pPoint) return InvalidParameter;
-        pBrush->MoveCenter(*pPoint);
-        return Ok;
-    });
-}
-
 GpStatus GdipSetPathGradientSurroundColorsWithCount(GpPathGradient* pBrush, const ARGB* pColors, INT* pnCount)
 {
     return Guarded([&] {
-        if (!pBrush || !pColors || !pnCount || *pnCount < 1 ||
-            static_cast<std::size_t>(*pnCount) > pBrush->Points())
-            return InvalidParameter;
-        pBrush->SetSurround({pColors, static_cast<std::size_t>(*pnCount)});
+        if (!pBrush || !pColors || !pnCount || *pnCount < 1) return InvalidParameter;
+        if (*pnCount > 1) return NotImplemented;
+        pBrush->SetSurround(*pColors);
         return Ok;
     });
 }

@@ -10,13 +10,12 @@ class Gradient : public DrawingTest
 };
 
 // A sheet of one row, or of one column, under a line from a gray to another.
-std::vector<int> Line(int nFirst, int nSecond, int nFrom, int nTo, int nCount, bool bDown,
-                      WrapMode mode = WrapModeTile)
+std::vector<int> Line(int nFirst, int nSecond, int nFrom, int nTo, int nCount, bool bDown)
 {
     const Point first = bDown ? Point{3, nFirst} : Point{nFirst, 3};
     const Point second = bDown ? Point{3, nSecond} : Point{nSecond, 3};
     GpLineGradient* brush = nullptr;
-    EXPECT_EQ(GdipCreateLineBrushI(&first, &second, Gray(nFrom), Gray(nTo), mode, &brush), Ok);
+    EXPECT_EQ(GdipCreateLineBrushI(&first, &second, Gray(nFrom), Gray(nTo), WrapModeTile, &brush), Ok);
     Sheet sheet(bDown ? 1 : nCount, bDown ? nCount : 1);
     auto* const any = reinterpret_cast<GpBrush*>(brush);
     EXPECT_EQ(GdipFillRectangleI(sheet.graphics.Native(), any, 0, 0, nCount, nCount), Ok);
@@ -24,25 +23,16 @@ std::vector<int> Line(int nFirst, int nSecond, int nFrom, int nTo, int nCount, b
     return Blues(sheet.pixels);
 }
 
-// A path of these rectangles, filled out over a transparent sheet.
-struct Figure
+// A path of a rectangle, filled out over a transparent sheet.
+Row Path(int nWidth, int nHeight, const Rect& rect, ARGB center, ARGB surround)
 {
-    int x, y, width, height;
-};
-Row Path(int nWidth, int nHeight, const std::vector<Figure>& rects, ARGB center,
-         const std::vector<ARGB>& surround, FillMode mode = FillModeAlternate, const Point* pCenter = nullptr)
-{
-    GraphicsPath path(mode);
-    for (const Figure& rect : rects)
-        EXPECT_EQ(path.AddRectangle(rect.x, rect.y, rect.width, rect.height), Ok);
+    GraphicsPath path;
+    EXPECT_EQ(path.AddRectangle(rect.X, rect.Y, rect.Width, rect.Height), Ok);
     PathGradientBrush brush(&path);
     EXPECT_EQ(brush.SetCenterColor(Color(center)), Ok);
-    if (pCenter) {
-        EXPECT_EQ(brush.SetCenterPoint(*pCenter), Ok);
-    }
-    std::vector<Color> colors(surround.begin(), surround.end());
-    int nCount = static_cast<int>(colors.size());
-    EXPECT_EQ(brush.SetSurroundColors(colors.data(), &nCount), Ok);
+    const Color color(surround);
+    int nCount = 1;
+    EXPECT_EQ(brush.SetSurroundColors(&color, &nCount), Ok);
     Sheet sheet(nWidth, nHeight);
     EXPECT_EQ(sheet.graphics.FillRectangle(&brush, 0, 0, nWidth, nHeight), Ok);
     return sheet.pixels;
@@ -59,11 +49,6 @@ TEST_F(Gradient, GoesAlongItsLineAndOverAgain)
                   (std::vector{0, 25, 50, 75, 0, 25, 50, 75, 100, 25, 50, 75, 0, 25}));
         EXPECT_EQ(Line(8, 4, 0, 100, 14, bDown),
                   (std::vector{0, 75, 50, 25, 100, 75, 50, 25, 0, 75, 50, 25, 0, 75}));
-        EXPECT_EQ(Line(0, 4, 0, 100, 10, bDown, WrapModeTileFlipX),
-                  (std::vector{0, 25, 50, 75, 100, 75, 50, 25, 0, 25}));
-        EXPECT_EQ(Line(6, 2, 0, 100, 10, bDown, WrapModeTileFlipXY),
-                  (std::vector{50, 75, 100, 75, 50, 25, 0, 25, 50, 75}));
-        EXPECT_EQ(Line(0, 2, 0, 100, 6, bDown, WrapModeTileFlipY), (std::vector{0, 50, 100, 50, 0, 50}));
     }
 }
 
@@ -93,23 +78,11 @@ TEST_F(Gradient, HasNoSeamInAPanel)
     EXPECT_EQ(Blues(sheet.pixels), (std::vector{20, 40, 60, 80, 100, 105, 90, 75, 60, 45, 30}));
 }
 
-TEST_F(Gradient, GoesStraightAcrossAnObliqueLine)
+// Lines as long as there are, and the shortest.
+TEST_F(Gradient, GoesAsFarAsCoordinatesDo)
 {
-    const LinearGradientBrush brush({1, 0}, {3, 2}, Color(0x00, 0, 80, 255), Color(0xC8, 200, 0, 255));
-    Sheet sheet(5, 3);
-    sheet.graphics.FillRectangle(&brush, 0, 0, 5, 3);
-    // A quarter of the way for each step right or down, from 1, 0; 3, 2 and 5, 0 lie one whole way off.
-    const std::vector<ARGB> quarters{0x000050FF, 0x32323CFF, 0x646428FF, 0x969614FF, 0xC8C800FF};
-    const std::vector<int> steps{3, 0, 1, 2, 3, 0, 1, 2, 3, 4, 1, 2, 3, 4, 1};
-    Row expected;
-    for (const int n : steps)
-        expected.push_back(n == 0 ? 0 : quarters[static_cast<std::size_t>(n)]);
-    EXPECT_EQ(sheet.pixels, expected);
-
-    // Periods of less than a pixel's step, and lines as long as there are.
     Sheet far(3, 1);
-    const LinearGradientBrush longest({INT_MIN, INT_MIN}, {INT_MAX, INT_MAX}, Color(Gray(0)),
-                                      Color(Gray(200)));
+    const LinearGradientBrush longest({INT_MIN, 0}, {INT_MAX, 0}, Color(Gray(0)), Color(Gray(200)));
     EXPECT_EQ(far.graphics.FillRectangle(&longest, INT_MIN, INT_MIN, INT_MAX, INT_MAX), Ok);
     EXPECT_EQ(far.pixels, Row(3));
     EXPECT_EQ(far.graphics.FillRectangle(&longest, -1, -1, INT_MAX, INT_MAX), Ok);
@@ -124,59 +97,16 @@ TEST_F(Gradient, GoesFromAPathsCentreToItsEdge)
 {
     // Each pixel by its centre's share of the way: a quarter, three quarters.
     const ARGB a = Gray(75), b = Gray(25), none = 0;
-    EXPECT_EQ(Path(6, 5, {{1, 1, 4, 4}}, Gray(100), {Gray(0)}), (Row{none, none, none, none, none, none, //
-                                                                     none, b,    b,    b,    b,    none, //
-                                                                     none, b,    a,    a,    b,    none, //
-                                                                     none, b,    a,    a,    b,    none, //
-                                                                     none, b,    b,    b,    b,    none}));
-    EXPECT_EQ(Blues(Path(3, 1, {{0, 0, 3, 1}}, Gray(100), {Gray(0)})), (std::vector{33, 100, 33}));
-    EXPECT_EQ(Blues(Path(6, 1, {{0, 0, 6, 2}}, Gray(100), {Gray(0)})), (std::vector{17, 50, 50, 50, 50, 17}));
-    EXPECT_EQ(Path(1, 1, {{0, 0, 1, 1}}, 0x80123456, {Gray(0)}), Row{0x80123456});
-    EXPECT_EQ(Path(2, 2, {{-2, -3, 0, 5}, {0, 0, 2, -1}, {0, 0, 2, 2}}, 0xFF0000FE, {0x00FF0000}),
-              Row(4, 0x80800080 - 1));
-}
-
-// From a corner, from the middle of a side, and from outside of the path.
-TEST_F(Gradient, GoesFromWhereverItsCentreIsMoved)
-{
-    const auto from = [](Point center, int nWidth, int nHeight) {
-        return Blues(Path(nWidth, nHeight, {{0, 0, nWidth, nHeight}}, Gray(80), {Gray(0)}, FillModeAlternate,
-                          &center));
-    };
-    EXPECT_EQ(from({0, 0}, 2, 2), (std::vector{60, 20, 20, 20}));
-    EXPECT_EQ(from({2, 0}, 4, 2), (std::vector{20, 60, 60, 20, 20, 20, 20, 20}));
-    EXPECT_EQ(from({2, 2}, 4, 2), (std::vector{20, 20, 20, 20, 20, 60, 60, 20}));
-    EXPECT_EQ(from({4, 1}, 4, 2), (std::vector{10, 30, 40, 40, 10, 30, 40, 40}));
-    EXPECT_EQ(from({0, -2}, 2, 2), (std::vector{30, 20, 10, 10}));
-    for (const int n : {INT_MIN, INT_MAX})
-        EXPECT_EQ(from({n, n}, 2, 1).size(), 2u);
-    EXPECT_EQ(GdipSetPathGradientCenterPointI(nullptr, nullptr), InvalidParameter);
-}
-
-TEST_F(Gradient, GoesAlongTheEdgeBetweenItsPointsColours)
-{
-    EXPECT_EQ(Blues(Path(2, 2, {{0, 0, 2, 2}}, Gray(100), {Gray(0), Gray(200), Gray(100), Gray(50)})),
-              (std::vector{50, 150, 75, 100}));
-    EXPECT_EQ(Blues(Path(2, 2, {{0, 0, 2, 2}}, Gray(100), {Gray(0), Gray(200)})),
-              (std::vector{50, 150, 150, 150}));
-    // At 0.5, -1.5 of a square of 4: three quarters out, to two thirds of the upper side.
-    EXPECT_EQ(Blues(Path(4, 1, {{0, 0, 4, 4}}, Gray(100), {Gray(0), Gray(200), Gray(100), Gray(50)})),
-              (std::vector{25, 75, 125, 175}));
-    EXPECT_EQ(Blues(Path(1, 4, {{0, 0, 4, 4}}, Gray(100), {Gray(0), Gray(200), Gray(0), Gray(120)})),
-              (std::vector{25, 55, 85, 115}));
-}
-
-TEST_F(Gradient, FillsAPathOfSeveralFiguresByItsMode)
-{
-    const std::vector<Figure> ring{{0, 0, 5, 5}, {1, 1, 3, 3}};
-    const Row around = Path(5, 2, ring, Gray(100), {Gray(0)});
-    EXPECT_EQ(around, (Row{Gray(20), Gray(20), Gray(20), Gray(20), Gray(20), //
-                           Gray(20), 0, 0, 0, Gray(20)}));
-    EXPECT_EQ(Blues(Path(5, 3, ring, Gray(100), {Gray(0)}, FillModeWinding)),
-              (std::vector{20, 20, 20, 20, 20, 20, 33, 33, 33, 20, 20, 33, 100, 33, 20}));
-    // Figures to either side of the centre, each lit from there.
-    EXPECT_EQ(Blues(Path(6, 1, {{0, 0, 2, 1}, {4, 0, 2, 1}}, Gray(90), {Gray(0)})),
-              (std::vector{15, 45, 0, 0, 45, 15}));
+    EXPECT_EQ(Path(6, 5, {1, 1, 4, 4}, Gray(100), Gray(0)), (Row{none, none, none, none, none, none, //
+                                                                 none, b,    b,    b,    b,    none, //
+                                                                 none, b,    a,    a,    b,    none, //
+                                                                 none, b,    a,    a,    b,    none, //
+                                                                 none, b,    b,    b,    b,    none}));
+    EXPECT_EQ(Blues(Path(3, 1, {0, 0, 3, 1}, Gray(100), Gray(0))), (std::vector{33, 100, 33}));
+    EXPECT_EQ(Blues(Path(6, 1, {0, 0, 6, 2}, Gray(100), Gray(0))), (std::vector{17, 50, 50, 50, 50, 17}));
+    EXPECT_EQ(Blues(Path(6, 1, {-2, 0, 8, 1}, Gray(80), Gray(0))), (std::vector{50, 70, 70, 50, 30, 10}));
+    EXPECT_EQ(Path(1, 1, {0, 0, 1, 1}, 0x80123456, Gray(0)), Row{0x80123456});
+    EXPECT_EQ(Path(2, 2, {0, 0, 2, 2}, 0xFF0000FE, 0x00FF0000), Row(4, 0x80800080 - 1));
 }
 
 TEST_F(Gradient, RefusesWhatIsNone)
@@ -186,7 +116,9 @@ TEST_F(Gradient, RefusesWhatIsNone)
     auto* line = reinterpret_cast<GpLineGradient*>(8);
     EXPECT_EQ(GdipCreateLineBrushI(&at, &at, 0, 0, WrapModeTile, &line), OutOfMemory);
     EXPECT_EQ(line, nullptr);
-    EXPECT_EQ(GdipCreateLineBrushI(&at, &other, 0, 0, WrapModeClamp, &line), InvalidParameter);
+    const Point oblique{3, 3};
+    EXPECT_EQ(GdipCreateLineBrushI(&at, &oblique, 0, 0, WrapModeTile, &line), NotImplemented);
+    EXPECT_EQ(GdipCreateLineBrushI(&at, &other, 0, 0, static_cast<WrapMode>(1), &line), NotImplemented);
     EXPECT_EQ(GdipCreateLineBrushI(&at, nullptr, 0, 0, WrapModeTile, &line), InvalidParameter);
     EXPECT_EQ(GdipCreateLineBrushI(&at, &other, 0, 0, WrapModeTile, nullptr), InvalidParameter);
 
@@ -195,10 +127,13 @@ TEST_F(Gradient, RefusesWhatIsNone)
     EXPECT_EQ(PathGradientBrush(&path).GetLastStatus(), OutOfMemory);
     EXPECT_EQ(PathGradientBrush(nullptr).GetLastStatus(), InvalidParameter);
     path.AddRectangle(INT_MAX - 1, INT_MAX - 1, INT_MAX, INT_MAX);
+    EXPECT_EQ(path.AddRectangle(0, 0, 1, 1), NotImplemented);
     PathGradientBrush brush(&path);
-    const Color colors[5];
-    for (int nCount : {0, -1, 5, INT_MAX})
+    const Color colors[2];
+    for (int nCount : {0, -1})
         EXPECT_EQ(brush.SetSurroundColors(colors, &nCount), InvalidParameter);
+    int nTwo = 2;
+    EXPECT_EQ(brush.SetSurroundColors(colors, &nTwo), NotImplemented);
     EXPECT_EQ(brush.SetSurroundColors(colors, nullptr), InvalidParameter);
     Sheet sheet(1, 1);
     EXPECT_EQ(sheet.graphics.FillRectangle(&brush, 0, 0, INT_MAX, INT_MAX), Ok);
