@@ -1,7 +1,5 @@
 #include "platform/gdiplus/ColorTransform.h"
 
-#include "platform/Cpu.h"
-
 namespace kx::gdiplus {
 
 namespace {
@@ -36,7 +34,7 @@ struct Grays
     DWORD set; // of each pixel before
 };
 
-[[gnu::always_inline]] inline void Weigh(const Grays& grays, const DWORD* from, DWORD* to, int n) noexcept
+void Weigh(const Grays& grays, const DWORD* from, DWORD* to, int n) noexcept
 {
     const auto [red, green, blue, plus, set] = grays;
     for (int x = 0; x < n; ++x) {
@@ -45,21 +43,6 @@ struct Grays
             Cut(Channel(pixel, 16) * red + Channel(pixel, 8) * green + Channel(pixel, 0) * blue + plus);
         to[x] = ((pixel | set) & ALPHA_BITS) | gray << 16 | gray << 8 | gray;
     }
-}
-
-void WeighPlain(const Grays& grays, const DWORD* from, DWORD* to, int n) noexcept
-{
-    Weigh(grays, from, to, n);
-}
-
-KX_AVX2 void WeighAvx2(const Grays& grays, const DWORD* from, DWORD* to, int n) noexcept
-{
-    Weigh(grays, from, to, n);
-}
-
-void WeighRun(const Grays& grays, const DWORD* from, DWORD* to, int n) noexcept
-{
-    HasAvx2() ? WeighAvx2(grays, from, to, n) : WeighPlain(grays, from, to, n);
 }
 
 } // namespace
@@ -91,7 +74,7 @@ void ColorTransform::Apply(const DWORD* from, Alpha alpha, DWORD* to, int n) con
 {
     const DWORD set = alpha == Alpha::Opaque ? ALPHA_BITS : 0;
     const auto [red, green, blue, opacity] = m_sums;
-    if (m_weighs) return WeighRun({red.red, red.green, red.blue, red.plus, set}, from, to, n);
+    if (m_weighs) return Weigh({red.red, red.green, red.blue, red.plus, set}, from, to, n);
     for (int x = 0; x < n; ++x) {
         const DWORD pixel = from[x] | set;
         to[x] = opacity.Of(pixel) << 24 | red.Of(pixel) << 16 | green.Of(pixel) << 8 | blue.Of(pixel);

@@ -1,4 +1,3 @@
-#include "platform/Cpu.h"
 #include "platform/gdiplus/Blend.h"
 #include "platform/gdiplus/Encode.h"
 #include "platform/gdiplus/EncodedRows.h"
@@ -18,7 +17,7 @@ struct Look
     bool bOpaque = true;
 };
 
-[[gnu::always_inline]] inline Look LookAt(const PixelView& view) noexcept
+Look LookAt(const PixelView& view) noexcept
 {
     DWORD off = 0;
     DWORD all = ALPHA_BITS;
@@ -30,16 +29,6 @@ struct Look
         }
     }
     return {off == 0, view.alpha == Alpha::Opaque || (all & ALPHA_BITS) == ALPHA_BITS};
-}
-
-KX_AVX2 Look LookAvx2(const PixelView& view) noexcept
-{
-    return LookAt(view);
-}
-
-Look LookPlain(const PixelView& view) noexcept
-{
-    return LookAt(view);
 }
 
 PixelView WithAlphaOf(PixelView view, const Look& look) noexcept
@@ -131,7 +120,7 @@ private:
 
 Gdiplus::Status WriteJpeg(const PixelView& view, Bytes& file)
 {
-    return JpegEncoder(view, HasAvx2() ? LookAvx2(view) : LookPlain(view), file).Run();
+    return JpegEncoder(view, LookAt(view), file).Run();
 }
 
 } // namespace kx::gdiplus
