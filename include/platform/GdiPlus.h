@@ -59,8 +59,6 @@ public:
     // A new object, which the caller owns; null without memory.
     Image* GetThumbnailImage(UINT nWidth, UINT nHeight, GetThumbnailImageAbort pfnAbort = nullptr,
                              void* pData = nullptr);
-    // A new object, which the caller owns; null if this one has no picture or memory lacks.
-    virtual Image* Clone() const;
 
     UINT GetFrameDimensionsCount() const;
     Status GetFrameDimensionsList(GUID* pDimensions, UINT nCount) const;
@@ -98,13 +96,9 @@ public:
     Bitmap(HBITMAP hBitmap, void* hPalette);
     Bitmap(INT nWidth, INT nHeight, PixelFormat format = PixelFormat32bppARGB);
     Bitmap(INT nWidth, INT nHeight, INT nStride, PixelFormat format, BYTE* pScan0);
-    Bitmap* Clone() const override;
 
     Status GetPixel(INT x, INT y, Color* pColor) const;
     Status SetPixel(INT x, INT y, const Color& color);
-
-private:
-    Bitmap() = default;
 };
 
 class KX_API ImageAttributes

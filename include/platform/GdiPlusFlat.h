@@ -58,8 +58,6 @@ KX_API GpStatus GdipCreateBitmapFromHBITMAP(HBITMAP hBitmap, void* hPalette, GpB
 // or 32bppARGB (NotImplemented for another).
 KX_API GpStatus GdipCreateBitmapFromScan0(INT nWidth, INT nHeight, INT nStride, PixelFormat format,
                                           BYTE* pScan0, GpBitmap** ppBitmap);
-// A copy that shares nothing and stands at its first frame.
-KX_API GpStatus GdipCloneImage(GpImage* pImage, GpImage** ppClone);
 KX_API GpStatus GdipDisposeImage(GpImage* pImage);
 
 // In pixels.
@@ -92,8 +90,7 @@ KX_API GpStatus GdipImageGetFrameCount(GpImage* pImage, const GUID* pDimension, 
 // InvalidParameter for no such dimension or frame, GenericError for a broken page; the frame then stays.
 KX_API GpStatus GdipImageSelectActiveFrame(GpImage* pImage, const GUID* pDimension, UINT nFrame);
 // The size of a property with its record, and both in one block: `value` points behind the record. Sizes must
-// match. PropertyNotFound. A GIF of two or more frames has PropertyTagFrameDelay, numbers of 32 bits, and
-// PropertyTagLoopCount, one of 16 bits.
+// match. PropertyNotFound. A GIF of two or more frames has PropertyTagFrameDelay, numbers of 32 bits.
 KX_API GpStatus GdipGetPropertyItemSize(GpImage* pImage, PROPID id, UINT* pnSize);
 KX_API GpStatus GdipGetPropertyItem(GpImage* pImage, PROPID id, UINT nSize, PropertyItem* pItem);
 
@@ -143,10 +140,9 @@ KX_API GpStatus GdipDrawImageRectRect(GpGraphics* pGraphics, GpImage* pImage, RE
 
 KX_API GpStatus GdipCreateImageAttributes(GpImageAttributes** ppAttributes);
 KX_API GpStatus GdipDisposeImageAttributes(GpImageAttributes* pAttributes);
-// Sets a matrix for drawing pictures (types Default and Bitmap; others are kept from having any effect), or
-// with `bEnable` 0 takes it away; one for Bitmap goes before one for Default. It works on colours that are
-// not multiplied by the alpha, limits what it gives to 0 to 255 and rounds to the nearest. `pGray` and other
-// flags than ColorMatrixFlagsDefault: NotImplemented.
+// Sets a matrix for drawing pictures, or with `bEnable` 0 takes it away. It works on colours that are not
+// multiplied by the alpha, limits what it gives to 0 to 255 and rounds to the nearest. NotImplemented for
+// another type than ColorAdjustTypeDefault, other flags than ColorMatrixFlagsDefault, and `pGray`.
 KX_API GpStatus GdipSetImageAttributesColorMatrix(GpImageAttributes* pAttributes, ColorAdjustType type,
                                                   int bEnable, const ColorMatrix* pMatrix,
                                                   const ColorMatrix* pGray, ColorMatrixFlags flags);
@@ -156,8 +152,8 @@ KX_API GpStatus GdipSetImageAttributesColorMatrix(GpImageAttributes* pAttributes
 // From one colour at a point to another at a second, across or down, and over again on either side. Pixels
 // count by their top left corners, so that the one at the first point has the first colour; the one at the
 // second point has the second colour, and only periods further on begin with the first again. OutOfMemory for
-// two equal points, as the platform has it; NotImplemented for points that differ in both coordinates, and for
-// another mode than WrapModeTile.
+// two equal points, as the platform has it; NotImplemented for points that differ in both coordinates, and
+// for another mode than WrapModeTile.
 KX_API GpStatus GdipCreateLineBrushI(const GpPoint* pFirst, const GpPoint* pSecond, ARGB first, ARGB second,
                                      GpWrapMode mode, GpLineGradient** ppBrush);
 // From a path's middle along rays out to its edge; nothing outside of it. Pixels count by their centres. At

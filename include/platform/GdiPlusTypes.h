@@ -78,18 +78,12 @@ enum RotateFlipType
 
 enum ColorAdjustType
 {
-    ColorAdjustTypeDefault = 0,
-    ColorAdjustTypeBitmap = 1,
-    ColorAdjustTypeBrush = 2,
-    ColorAdjustTypePen = 3,
-    ColorAdjustTypeText = 4
+    ColorAdjustTypeDefault = 0
 };
 
 enum ColorMatrixFlags
 {
-    ColorMatrixFlagsDefault = 0,
-    ColorMatrixFlagsSkipGrays = 1,
-    ColorMatrixFlagsAltGray = 2
+    ColorMatrixFlagsDefault = 0
 };
 
 // A colour as the row (red, green, blue, alpha, 1), each from 0 to 1, times this.
@@ -126,8 +120,6 @@ inline constexpr PixelFormat PixelFormat32bppARGB = 0x0026200A;
 
 using PROPID = DWORD;
 inline constexpr PROPID PropertyTagFrameDelay = 0x5100; // hundredths of a second, one for each frame
-inline constexpr PROPID PropertyTagLoopCount = 0x5101;  // 0: for ever
-inline constexpr WORD PropertyTagTypeShort = 3;
 inline constexpr WORD PropertyTagTypeLong = 4;
 
 struct PropertyItem

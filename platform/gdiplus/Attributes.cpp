@@ -36,17 +36,11 @@ GpStatus GdipSetImageAttributesColorMatrix(GpImageAttributes* pAttributes, Color
                                            ColorMatrixFlags flags)
 {
     return Guarded([&] {
-        if (!pAttributes || type < ColorAdjustTypeDefault || type > ColorAdjustTypeText)
-            return InvalidParameter;
-        std::optional<ColorMatrix> matrix;
-        if (bEnable) {
-            if (!pMatrix) return InvalidParameter;
-            if (pGray || flags != ColorMatrixFlagsDefault) return NotImplemented;
-            if (!IsFinite(*pMatrix)) return InvalidParameter;
-            matrix = *pMatrix;
-        }
-        if (type == ColorAdjustTypeDefault) pAttributes->forAll = matrix;
-        if (type == ColorAdjustTypeBitmap) pAttributes->forBitmaps = matrix;
+        if (!pAttributes || (bEnable && !pMatrix)) return InvalidParameter;
+        if (type != ColorAdjustTypeDefault || flags != ColorMatrixFlagsDefault || pGray)
+            return NotImplemented;
+        if (bEnable && !IsFinite(*pMatrix)) return InvalidParameter;
+        pAttributes->matrix = bEnable ? std::optional(*pMatrix) : std::nullopt;
         return Ok;
     });
 }

@@ -11,15 +11,7 @@ namespace Gdiplus {
 class GpImageAttributes
 {
 public:
-    // The matrix that counts for pictures, or null.
-    const ColorMatrix* Matrix() const noexcept
-    {
-        if (forBitmaps) return &*forBitmaps;
-        return forAll ? &*forAll : nullptr;
-    }
-
-    std::optional<ColorMatrix> forAll;
-    std::optional<ColorMatrix> forBitmaps; // goes before the one for all
+    std::optional<ColorMatrix> matrix;
 
 private:
     kx::LiveHandle m_live;

@@ -1,9 +1,6 @@
 #include "include/platform/GdiPlus.h"
 #include "platform/gdiplus/Image.h"
 
-#include <memory>
-#include <new>
-
 namespace Gdiplus {
 
 using namespace DllExports;
@@ -38,15 +35,6 @@ Bitmap::Bitmap(INT nWidth, INT nHeight, INT nStride, PixelFormat format, BYTE* p
     GpBitmap* pBitmap = nullptr;
     const Status status = GdipCreateBitmapFromScan0(nWidth, nHeight, nStride, format, pScan0, &pBitmap);
     Take(pBitmap, status);
-}
-
-Bitmap* Bitmap::Clone() const
-{
-    std::unique_ptr<Bitmap> object(new (std::nothrow) Bitmap());
-    GpImage* pClone = nullptr;
-    if (!object || Keep(GdipCloneImage(Native(), &pClone)) != Ok) return nullptr;
-    object->Take(pClone, Ok);
-    return object.release();
 }
 
 // All pictures are bitmaps.

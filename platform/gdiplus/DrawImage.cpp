@@ -77,6 +77,6 @@ GpStatus DllExports::GdipDrawImageRectRect(GpGraphics* pGraphics, GpImage* pImag
             [=](double, double) -> Block {
                 return {{xSrc, nSrcWidth, x, nWidth}, {ySrc, nSrcHeight, y, nHeight}};
             },
-            pAttributes ? pAttributes->Matrix() : nullptr);
+            pAttributes && pAttributes->matrix ? &*pAttributes->matrix : nullptr);
     });
 }

@@ -212,25 +212,14 @@ void GifFrames::Dispose(const GifFrame& frame, gdi::Surface& surface) noexcept
 
 std::optional<Property> GifFrames::FindProperty(Gdiplus::PROPID id) const
 {
-    const auto append = [](std::vector<std::uint8_t>& bytes, DWORD value, std::size_t nBytes) {
-        for (std::size_t i = 0; i < nBytes; ++i)
-            bytes.push_back(static_cast<std::uint8_t>(value >> 8 * i));
-    };
+    if (id != Gdiplus::PropertyTagFrameDelay) return std::nullopt;
     Property property{Gdiplus::PropertyTagTypeLong, {}};
-    if (id == Gdiplus::PropertyTagFrameDelay) {
-        for (const GifFrame& frame : m_index.frames)
-            append(property.value, frame.delay, sizeof(DWORD));
-        return property;
+    for (const GifFrame& frame : m_index.frames) {
+        const DWORD nDelay = frame.delay;
+        const auto* const bytes = reinterpret_cast<const std::uint8_t*>(&nDelay);
+        property.value.insert(property.value.end(), bytes, bytes + sizeof nDelay);
     }
-    if (id != Gdiplus::PropertyTagLoopCount) return std::nullopt;
-    property.type = Gdiplus::PropertyTagTypeShort;
-    append(property.value, m_index.loops, sizeof(WORD));
     return property;
-}
-
-std::unique_ptr<Frames> GifFrames::Clone() const
-{
-    return std::make_unique<GifFrames>(m_file, m_index);
 }
 
 Gdiplus::Status ReadGif(const File& file, std::optional<Picture>& picture)

@@ -19,7 +19,6 @@ public:
     unsigned Count() const noexcept override { return static_cast<unsigned>(m_index.frames.size()); }
     Gdiplus::Status Select(unsigned nFrame, gdi::Surface& surface, Alpha& alpha) override;
     std::optional<Property> FindProperty(Gdiplus::PROPID id) const override;
-    std::unique_ptr<Frames> Clone() const override;
 
     // How many rows of the first frame could be decoded when it was selected.
     int FirstRows() const noexcept { return m_nFirstRows; }

@@ -3,7 +3,6 @@
 #include "platform/gdi/BmpBytes.h"
 
 #include <algorithm>
-#include <string_view>
 
 namespace kx::gdiplus {
 
@@ -14,7 +13,7 @@ using gdi::U16;
 constexpr std::size_t kHeader = 13;
 constexpr std::size_t kDescriptor = 10;
 constexpr BYTE kImage = ',', kExtension = '!';
-constexpr BYTE kControl = 0xF9, kApplication = 0xFF;
+constexpr BYTE kControl = 0xF9;
 constexpr std::int64_t kFreePixels = std::int64_t{1} << 16;
 
 class Scanner
@@ -91,7 +90,6 @@ private:
         const BYTE label = m_file[m_at + 1];
         m_at += 2;
         if (label == kControl && Has(5) && m_file[m_at] >= 4) ReadControl(m_file.subspan(m_at + 1, 4));
-        if (label == kApplication && Has(16)) ReadApplication(m_file.subspan(m_at, 16));
         return SkipSubBlocks();
     }
 
@@ -103,14 +101,6 @@ private:
         m_next.disposal = nDisposal < std::size(kDisposals) ? kDisposals[nDisposal] : Disposal::Stay;
         m_next.delay = U16(control, 1);
         m_next.transparent = control[0] & 1 ? control[3] : -1;
-    }
-
-    void ReadApplication(FileBytes bytes) noexcept
-    {
-        const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-        const std::string_view name = text.substr(1, 11);
-        const bool bLoops = bytes[0] == 11 && (name == "NETSCAPE2.0" || name == "ANIMEXTS1.0");
-        if (bLoops && bytes[12] == 3 && bytes[13] == 1) m_index.loops = U16(bytes, 14);
     }
 
     // False unless they end before the file does.

@@ -45,7 +45,6 @@ struct GifIndex
 {
     int width = 0;
     int height = 0;
-    WORD loops = 1; // how often it plays; 0: for ever
     std::vector<GifFrame> frames;
 };
 

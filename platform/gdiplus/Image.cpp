@@ -1,11 +1,8 @@
 #include "platform/gdiplus/Image.h"
 
-#include "platform/gdiplus/DrawObjects.h"
-
 namespace Gdiplus {
 
 using kx::gdiplus::Picture;
-using kx::gdiplus::PixelView;
 
 GpImage::~GpImage() = default;
 
@@ -29,20 +26,6 @@ Status GpImage::SelectFrame(unsigned nFrame)
 void GpImage::Replace(kx::gdi::Surface surface)
 {
     m_picture = Picture{std::move(surface), Pixels().alpha, Format(), nullptr, Dimension()};
-}
-
-Status GpImage::Clone(GpImage** ppClone)
-{
-    const PixelView pixels = Pixels();
-    auto surface = CopyPixels(pixels);
-    if (!surface) return OutOfMemory;
-    Picture copy{std::move(*surface), pixels.alpha, Format(), nullptr, Dimension()};
-    if (Frames()) {
-        copy.frames = Frames()->Clone();
-        const Status status = copy.frames->Select(0, copy.surface, copy.alpha);
-        if (status != Ok) return status;
-    }
-    return kx::gdiplus::Give<GpBitmap>(ppClone, std::move(copy));
 }
 
 } // namespace Gdiplus

@@ -33,8 +33,6 @@ public:
     Status SelectFrame(unsigned nFrame);
     // Pixels of its own in place of all that it had; the format stays.
     void Replace(kx::gdi::Surface surface);
-    // OutOfMemory.
-    Status Clone(GpImage** ppClone);
 
 private:
     std::optional<kx::gdiplus::Picture> m_picture; // nothing over the caller's pixels

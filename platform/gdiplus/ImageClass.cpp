@@ -83,15 +83,6 @@ Image* Image::GetThumbnailImage(UINT nWidth, UINT nHeight, GetThumbnailImageAbor
     return pObject;
 }
 
-Image* Image::Clone() const
-{
-    std::unique_ptr<Image> object(new (std::nothrow) Image());
-    GpImage* pClone = nullptr;
-    if (!object || Keep(GdipCloneImage(Native(), &pClone)) != Ok) return nullptr;
-    object->Take(pClone, Ok);
-    return object.release();
-}
-
 // ---- Frames and properties
 
 UINT Image::GetFrameDimensionsCount() const

@@ -112,11 +112,6 @@ GpStatus GdipCreateBitmapFromScan0(INT nWidth, INT nHeight, INT nStride, PixelFo
     });
 }
 
-GpStatus GdipCloneImage(GpImage* pImage, GpImage** ppClone)
-{
-    return MakeObject(ppClone, [&] { return pImage ? pImage->Clone(ppClone) : InvalidParameter; });
-}
-
 GpStatus GdipDisposeImage(GpImage* pImage)
 {
     return EndObject(pImage);

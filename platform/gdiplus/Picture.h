@@ -53,8 +53,6 @@ public:
     // failure it stays.
     virtual Gdiplus::Status Select(unsigned nFrame, gdi::Surface& surface, Alpha& alpha) = 0;
     virtual std::optional<Property> FindProperty(Gdiplus::PROPID id) const = 0;
-    // Stands at no frame: the surface of the next Select may hold anything, but is of this picture's size.
-    virtual std::unique_ptr<Frames> Clone() const = 0;
 };
 
 // Pixels with what is known of them.

@@ -111,7 +111,6 @@ public:
     }
     unsigned Count() const noexcept override { return static_cast<unsigned>(m_pages.size()); }
     std::optional<Property> FindProperty(Gdiplus::PROPID) const override { return std::nullopt; }
-    std::unique_ptr<Frames> Clone() const override { return std::make_unique<TiffPages>(m_file, m_pages); }
     Status Select(unsigned nFrame, gdi::Surface& surface, Alpha& alpha) override
     {
         std::optional<Picture> page;

@@ -166,7 +166,7 @@ TEST_F(Draw, ChangesColoursByAMatrix)
     EXPECT_THAT(Through(attributes, {0xFFFFFFFF}), testing::SizeIs(1)) << "no number, and no harm";
 }
 
-TEST_F(Draw, TakesTheMatrixForPicturesFirst)
+TEST_F(Draw, SetsAndTakesAwayTheMatrix)
 {
     GpImageAttributes* attributes = nullptr;
     ASSERT_EQ(GdipCreateImageAttributes(&attributes), Ok);
@@ -178,28 +178,24 @@ TEST_F(Draw, TakesTheMatrixForPicturesFirst)
                   Ok);
         return sheet.pixels[0];
     };
-    const auto set = [&](ColorAdjustType type, int bEnable, const ColorMatrix* matrix,
-                         ColorMatrixFlags flags = ColorMatrixFlagsDefault,
+    const auto set = [&](int bEnable, const ColorMatrix* matrix, int nType = 0, int nFlags = 0,
                          const ColorMatrix* pGray = nullptr) {
-        return GdipSetImageAttributesColorMatrix(attributes, type, bEnable, matrix, pGray, flags);
+        return GdipSetImageAttributesColorMatrix(attributes, static_cast<ColorAdjustType>(nType), bEnable,
+                                                 matrix, pGray, static_cast<ColorMatrixFlags>(nFlags));
     };
     const ColorMatrix red = Diagonal(1, 0, 0, 1);
-    const ColorMatrix blue = Diagonal(0, 0, 1, 1);
-    EXPECT_EQ(set(ColorAdjustTypePen, 1, &red), Ok);
-    EXPECT_EQ(draw(), 0xFF808080);
-    EXPECT_EQ(set(ColorAdjustTypeBitmap, 1, &blue), Ok);
-    EXPECT_EQ(set(ColorAdjustTypeDefault, 1, &red), Ok);
-    EXPECT_EQ(draw(), 0xFF000080);
-    EXPECT_EQ(set(ColorAdjustTypeBitmap, 0, nullptr), Ok);
-    EXPECT_EQ(draw(), 0xFF800000);
     ColorMatrix bad = red;
     bad.m[4][4] = std::numeric_limits<float>::quiet_NaN();
-    EXPECT_EQ(set(ColorAdjustTypeDefault, 1, nullptr), InvalidParameter);
-    EXPECT_EQ(set(ColorAdjustTypeDefault, 1, &bad), InvalidParameter);
-    EXPECT_EQ(set(static_cast<ColorAdjustType>(5), 1, &blue), InvalidParameter);
-    EXPECT_EQ(set(ColorAdjustTypeDefault, 1, &blue, ColorMatrixFlagsAltGray), NotImplemented);
-    EXPECT_EQ(set(ColorAdjustTypeDefault, 1, &blue, ColorMatrixFlagsDefault, &blue), NotImplemented);
+    EXPECT_EQ(draw(), 0xFF808080);
+    EXPECT_EQ(set(1, &red), Ok);
+    EXPECT_EQ(set(1, nullptr), InvalidParameter);
+    EXPECT_EQ(set(1, &bad), InvalidParameter);
+    EXPECT_EQ(set(0, nullptr, 1), NotImplemented);
+    EXPECT_EQ(set(0, nullptr, 0, 2), NotImplemented);
+    EXPECT_EQ(set(0, nullptr, 0, 0, &red), NotImplemented);
     EXPECT_EQ(draw(), 0xFF800000);
+    EXPECT_EQ(set(0, nullptr), Ok);
+    EXPECT_EQ(draw(), 0xFF808080);
     EXPECT_EQ(GdipDisposeImageAttributes(attributes), Ok);
 }
 

@@ -110,10 +110,6 @@ TEST_F(FramesTest, AFrameSelectedOutOfOrderShowsWhatPlayingToItShows)
             const UINT nFrame = below(8);
             ASSERT_EQ(Shown(loaded, nFrame), shown[nFrame]) << nFrame;
         }
-        const Loaded clone;
-        GdipCloneImage(loaded, const_cast<GpImage**>(&clone.image));
-        EXPECT_EQ(clone.Letters(), shown[0]); // at its first frame
-        EXPECT_EQ(Shown(clone, 7), shown[7]);
     }
 }
 
@@ -140,7 +136,7 @@ TEST_F(FramesTest, FramesThatAreCutOffDontCount)
     EXPECT_EQ(CountOf(Loaded(lying)), 1u);
 }
 
-TEST_F(FramesTest, DelaysAndLoops)
+TEST_F(FramesTest, Delays)
 {
     const auto read = [](GpImage* image, PROPID id) {
         UINT size = 0;
@@ -152,8 +148,8 @@ TEST_F(FramesTest, DelaysAndLoops)
         EXPECT_EQ(item.id, id);
         EXPECT_EQ(item.value, &block[1]);
         EXPECT_EQ(item.length, size - sizeof(PropertyItem));
-        EXPECT_EQ(item.type, item.length == 2 ? PropertyTagTypeShort : PropertyTagTypeLong);
-        std::vector<DWORD> values(item.length == 2 ? 1 : item.length / 4);
+        EXPECT_EQ(item.type, PropertyTagTypeLong);
+        std::vector<DWORD> values(item.length / 4);
         std::memcpy(values.data(), item.value, item.length);
         return values;
     };
@@ -161,10 +157,7 @@ TEST_F(FramesTest, DelaysAndLoops)
         {{"R"}, 0, 0, 0, 0}, {{"R"}, 0, 0, 0, 6529}, {{"R"}, 0, 0, 2, 65535}};
     std::string file = Gif(1, 1, frames);
     EXPECT_THAT(read(Loaded(file), PropertyTagFrameDelay), testing::ElementsAre(0, 6529, 65535));
-    EXPECT_THAT(read(Loaded(file), PropertyTagLoopCount), testing::ElementsAre(1));
-    file.insert(GifHead(1, 1).size(), GifLoops(0));
-    EXPECT_THAT(read(Loaded(file), PropertyTagLoopCount), testing::ElementsAre(0));
-    file.insert(GifHead(1, 1).size(), "!\xFE\3abc\0"s + GifLoops(5)); // the last one counts
+    file.insert(GifHead(1, 1).size(), "!\xFE\3abc\0"s + GifLoops(5)); // passed over
     EXPECT_EQ(CountOf(Loaded(file)), 3u);
 
     UINT size = 9;

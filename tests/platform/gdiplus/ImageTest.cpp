@@ -46,7 +46,7 @@ TEST(ImageStart, NothingWorksBeforeTheStartOrAfterTheLastShutdown)
     for (const Status status :
          {LoadStatus(kRed), GdipGetImageWidth(image, &n), GdipGetImageHeight(image, &n),
           GdipBitmapGetPixel(reinterpret_cast<GpBitmap*>(image), 0, 0, &color),
-          GdipBitmapSetPixel(reinterpret_cast<GpBitmap*>(image), 0, 0, color), GdipCloneImage(image, &none),
+          GdipBitmapSetPixel(reinterpret_cast<GpBitmap*>(image), 0, 0, color),
           GdipImageRotateFlip(image, Rotate90FlipNone), GdipImageGetFrameDimensionsCount(image, &n),
           GdipGetImageThumbnail(image, 1, 1, &none, nullptr, nullptr), GdipGetImageEncodersSize(&n, &n),
           GdipImageGetFrameDimensionsList(image, &guid, 1), GdipGetPropertyItem(image, 0, n, &item),
@@ -67,27 +67,17 @@ TEST_F(ImageTest, NullsAreRefused)
     UINT n = 0;
     ARGB color = 0;
     const CLSID png = EncoderOf(u"png");
-    for (const Status status : {GdipLoadImageFromFile(nullptr, &made),
-                                GdipLoadImageFromFile(u"x", nullptr),
-                                GdipLoadImageFromStream(nullptr, &made),
-                                GdipLoadImageFromStreamICM(nullptr, &made),
-                                GdipCreateBitmapFromFile(nullptr, &bitmap),
-                                GdipCreateBitmapFromStream(nullptr, &bitmap),
-                                GdipCreateBitmapFromHBITMAP(nullptr, nullptr, &bitmap),
-                                GdipCloneImage(nullptr, &made),
-                                GdipCloneImage(red, nullptr),
-                                GdipDisposeImage(nullptr),
-                                GdipGetImageWidth(nullptr, &n),
-                                GdipGetImageWidth(red, nullptr),
-                                GdipBitmapGetPixel(nullptr, 0, 0, &color),
-                                GdipBitmapGetPixel(red.Bitmap(), 0, 0, nullptr),
-                                GdipBitmapGetPixel(red.Bitmap(), 1, 0, &color),
-                                GdipBitmapSetPixel(red.Bitmap(), 0, -1, 0),
-                                GdipImageRotateFlip(nullptr, Rotate90FlipNone),
-                                GdipSaveImageToStream(red, nullptr, &png, nullptr),
-                                GdipSaveImageToFile(red, u"x", nullptr, nullptr),
-                                GdipSaveImageToFile(nullptr, u"x", &png, nullptr),
-                                GdipImageGetFrameDimensionsCount(red, nullptr)})
+    for (const Status status :
+         {GdipLoadImageFromFile(nullptr, &made), GdipLoadImageFromFile(u"x", nullptr),
+          GdipLoadImageFromStream(nullptr, &made), GdipLoadImageFromStreamICM(nullptr, &made),
+          GdipCreateBitmapFromFile(nullptr, &bitmap), GdipCreateBitmapFromStream(nullptr, &bitmap),
+          GdipCreateBitmapFromHBITMAP(nullptr, nullptr, &bitmap), GdipDisposeImage(nullptr),
+          GdipGetImageWidth(nullptr, &n), GdipGetImageWidth(red, nullptr),
+          GdipBitmapGetPixel(nullptr, 0, 0, &color), GdipBitmapGetPixel(red.Bitmap(), 0, 0, nullptr),
+          GdipBitmapGetPixel(red.Bitmap(), 1, 0, &color), GdipBitmapSetPixel(red.Bitmap(), 0, -1, 0),
+          GdipImageRotateFlip(nullptr, Rotate90FlipNone), GdipSaveImageToStream(red, nullptr, &png, nullptr),
+          GdipSaveImageToFile(red, u"x", nullptr, nullptr), GdipSaveImageToFile(nullptr, u"x", &png, nullptr),
+          GdipImageGetFrameDimensionsCount(red, nullptr)})
         EXPECT_EQ(status, InvalidParameter);
     EXPECT_EQ(made, nullptr);
 }
@@ -164,8 +154,6 @@ TEST_F(ImageTest, AStreamIsReadFromItsBeginningAndHeldAsLongAsTheImageLives)
         EXPECT_EQ(bitmap.GetLastStatus(), Ok);
         EXPECT_EQ(bitmap.GetWidth(), 1u);
         EXPECT_EQ(stream.refs, 2u);
-        const std::unique_ptr<Bitmap> clone(bitmap.Clone());
-        EXPECT_EQ(clone->GetWidth(), 1u);
     }
     EXPECT_EQ(stream.refs, 1u);
 
@@ -190,7 +178,6 @@ TEST_F(ImageTest, AnObjectWithoutAPictureSaysSo)
     EXPECT_EQ(bitmap.GetWidth(), 0u);
     EXPECT_EQ(bitmap.GetLastStatus(), InvalidParameter);
     EXPECT_EQ(bitmap.RotateFlip(Rotate90FlipNone), InvalidParameter);
-    EXPECT_EQ(bitmap.Clone(), nullptr);
     const std::unique_ptr<Image> thumbnail(bitmap.GetThumbnailImage(4, 4));
     ASSERT_NE(thumbnail, nullptr);
     EXPECT_EQ(thumbnail->GetLastStatus(), InvalidParameter);
@@ -211,11 +198,8 @@ TEST_F(ImageTest, TheCallersPixelsAreReadAndDrawnOnAsTheyAre)
         Color color;
         bitmap.GetPixel(0, 1, &color);
         EXPECT_EQ(color.GetValue(), seen);
-        const std::unique_ptr<Bitmap> clone(bitmap.Clone());
         bitmap.SetPixel(0, 1, Color(0x80FF0000));
         EXPECT_EQ(memory, (Row{1, 2, 0x80FF0000, 4}));
-        clone->GetPixel(0, 1, &color);
-        EXPECT_EQ(color.GetValue(), seen); // shares nothing
     }
 }
 
