@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/gdiplus/Image.h"
+#include "platform/gdiplus/Picture.h"
 
 namespace kx::gdiplus {
 

@@ -1,7 +1,6 @@
 #include "include/platform/Gdi.h"
 #include "platform/gdi/Bitmap.h"
 #include "platform/gdiplus/Encode.h"
-#include "platform/gdiplus/EncodedRows.h"
 
 #include <cstring>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "include/platform/GdiPlusTypes.h"
-#include "platform/gdiplus/Image.h"
+#include "platform/gdiplus/Picture.h"
 
 #include <array>
 

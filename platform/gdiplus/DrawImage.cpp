@@ -1,17 +1,93 @@
-#include "platform/gdiplus/Attributes.h"
-#include "platform/gdiplus/DrawPicture.h"
+#include "platform/gdiplus/Blend.h"
+#include "platform/gdiplus/Calls.h"
+#include "platform/gdiplus/ColorTransform.h"
 #include "platform/gdiplus/Graphics.h"
-#include "platform/gdiplus/Startup.h"
+#include "platform/gdiplus/Scale.h"
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <iterator>
+#include <optional>
 
 using namespace kx::gdiplus;
 
-using namespace Gdiplus;
+namespace Gdiplus {
+
+// How pictures are to be drawn.
+class GpImageAttributes
+{
+public:
+    std::optional<ColorMatrix> matrix;
+
+private:
+    kx::LiveHandle m_live;
+};
 
 namespace {
+
+// Whether two pictures share memory, by their first and last rows.
+bool MayOverlap(const PixelView& a, const PixelView& b) noexcept
+{
+    return std::less<>()(a.first, b.Row(b.height)) && std::less<>()(b.first, a.Row(a.height));
+}
+
+// Goes through the rows of an area that a clip leaves something of, from the top: `draw` gets the row and the
+// clip's rectangles in it, of which some may miss the area. The clip's rectangles are disjoint, in rows from
+// the top, those of one row of one height.
+template <class Draw>
+void ForRows(std::span<const RECT> clip, const RECT& area, Draw&& draw)
+{
+    while (!clip.empty()) {
+        const RECT& first = clip.front();
+        const auto end =
+            std::find_if(clip.begin(), clip.end(), [&](const RECT& rect) { return rect.top != first.top; });
+        const auto row = clip.first(static_cast<std::size_t>(end - clip.begin()));
+        clip = clip.subspan(row.size());
+        if (first.left >= area.right || row.back().right <= area.left) continue;
+        const int nEnd = std::min(first.bottom, area.bottom);
+        for (int y = std::max(first.top, area.top); y < nEnd; ++y)
+            draw(y, row);
+    }
+}
+
+// Draws a block of a picture over a block of the target, both in the graphics' coordinates, through the
+// matrix if there is one. The picture may lie where the target does. Throws std::bad_alloc and draws nothing
+// then.
+void DrawPicture(const Target& target, const PixelView& from, Stretch columns, Stretch rows,
+                 const ColorMatrix* pMatrix)
+{
+    std::optional<kx::gdi::Surface> copy;
+    if (MayOverlap(from, target.pixels)) {
+        copy = CopyPixels(from);
+        if (!copy) throw std::bad_alloc();
+    }
+    PictureRows picture(copy ? ViewOf(*copy, from.alpha) : from, columns, rows, BoundsOf(target.clip));
+    const RECT area = picture.Area();
+    if (kx::gdi::IsEmpty(area)) return;
+
+    std::optional<ColorTransform> transform;
+    std::vector<DWORD> changed;
+    if (pMatrix) {
+        transform.emplace(*pMatrix);
+        changed.resize(static_cast<std::size_t>(area.right - area.left));
+    }
+    const Alpha alpha = transform ? transform->Gives(from.alpha) : from.alpha;
+    ForRows(target.clip, area, [&](int y, std::span<const RECT> clip) {
+        const DWORD* row = picture.Row(y);
+        if (transform) {
+            transform->Apply(row, from.alpha, changed.data(), area.right - area.left);
+            row = changed.data();
+        }
+        for (const RECT& rect : clip) {
+            const int nLeft = std::max(rect.left, area.left);
+            const int nCount = std::min(rect.right, area.right) - nLeft;
+            if (nCount > 0)
+                Blend(row + (nLeft - area.left), alpha, target.pixels.Row(y) + nLeft, target.pixels.alpha,
+                      nCount);
+        }
+    });
+}
 
 // Draws a block of a picture, which `place` gives for its size, over one of the target.
 template <class Place>
@@ -30,9 +106,18 @@ struct Block
     Stretch rows;
 };
 
+bool IsFinite(const ColorMatrix& matrix) noexcept
+{
+    return std::all_of(std::begin(matrix.m), std::end(matrix.m), [](const auto& row) {
+        return std::all_of(std::begin(row), std::end(row), [](float f) { return std::isfinite(f); });
+    });
+}
+
 } // namespace
 
-GpStatus DllExports::GdipDrawImageI(GpGraphics* pGraphics, GpImage* pImage, INT x, INT y)
+namespace DllExports {
+
+GpStatus GdipDrawImageI(GpGraphics* pGraphics, GpImage* pImage, INT x, INT y)
 {
     return Guarded([&] {
         if (!pGraphics || !pImage) return InvalidParameter;
@@ -46,8 +131,7 @@ GpStatus DllExports::GdipDrawImageI(GpGraphics* pGraphics, GpImage* pImage, INT 
     });
 }
 
-GpStatus DllExports::GdipDrawImageRectI(GpGraphics* pGraphics, GpImage* pImage, INT x, INT y, INT nWidth,
-                                        INT nHeight)
+GpStatus GdipDrawImageRectI(GpGraphics* pGraphics, GpImage* pImage, INT x, INT y, INT nWidth, INT nHeight)
 {
     return Guarded([&] {
         if (!pGraphics || !pImage) return InvalidParameter;
@@ -61,10 +145,9 @@ GpStatus DllExports::GdipDrawImageRectI(GpGraphics* pGraphics, GpImage* pImage, 
     });
 }
 
-GpStatus DllExports::GdipDrawImageRectRect(GpGraphics* pGraphics, GpImage* pImage, REAL x, REAL y,
-                                           REAL nWidth, REAL nHeight, REAL xSrc, REAL ySrc, REAL nSrcWidth,
-                                           REAL nSrcHeight, GpUnit unit, const GpImageAttributes* pAttributes,
-                                           DrawImageAbort, void*)
+GpStatus GdipDrawImageRectRect(GpGraphics* pGraphics, GpImage* pImage, REAL x, REAL y, REAL nWidth,
+                               REAL nHeight, REAL xSrc, REAL ySrc, REAL nSrcWidth, REAL nSrcHeight,
+                               GpUnit unit, const GpImageAttributes* pAttributes, DrawImageAbort, void*)
 {
     return Guarded([&] {
         const REAL values[] = {x, y, nWidth, nHeight, xSrc, ySrc, nSrcWidth, nSrcHeight};
@@ -80,3 +163,31 @@ GpStatus DllExports::GdipDrawImageRectRect(GpGraphics* pGraphics, GpImage* pImag
             pAttributes && pAttributes->matrix ? &*pAttributes->matrix : nullptr);
     });
 }
+
+GpStatus GdipCreateImageAttributes(GpImageAttributes** ppAttributes)
+{
+    return MakeObject(ppAttributes, [&] { return Give<GpImageAttributes>(ppAttributes); });
+}
+
+GpStatus GdipDisposeImageAttributes(GpImageAttributes* pAttributes)
+{
+    return EndObject(pAttributes);
+}
+
+GpStatus GdipSetImageAttributesColorMatrix(GpImageAttributes* pAttributes, ColorAdjustType type, int bEnable,
+                                           const ColorMatrix* pMatrix, const ColorMatrix* pGray,
+                                           ColorMatrixFlags flags)
+{
+    return Guarded([&] {
+        if (!pAttributes || (bEnable && !pMatrix)) return InvalidParameter;
+        if (type != ColorAdjustTypeDefault || flags != ColorMatrixFlagsDefault || pGray)
+            return NotImplemented;
+        if (bEnable && !IsFinite(*pMatrix)) return InvalidParameter;
+        pAttributes->matrix = bEnable ? std::optional(*pMatrix) : std::nullopt;
+        return Ok;
+    });
+}
+
+} // namespace DllExports
+
+} // namespace Gdiplus

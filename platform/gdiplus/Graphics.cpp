@@ -1,6 +1,6 @@
 #include "platform/gdiplus/Graphics.h"
 
-#include "platform/gdiplus/DrawObjects.h"
+#include "platform/gdiplus/Calls.h"
 
 using namespace kx::gdiplus;
 
@@ -23,6 +23,20 @@ GpStatus GdipGetImageGraphicsContext(GpImage* pImage, GpGraphics** ppGraphics)
 GpStatus GdipDeleteGraphics(GpGraphics* pGraphics)
 {
     return EndObject(pGraphics);
+}
+
+GpStatus GdipGetVisibleClipBoundsI(GpGraphics* pGraphics, GpRect* pRect)
+{
+    return Guarded([&] {
+        if (!pGraphics || !pRect) return InvalidParameter;
+        return pGraphics->On([&](const Target& target) {
+            const RECT bounds = BoundsOf(target.clip);
+            if (target.clip.empty())
+                *pRect = {};
+            else
+                *pRect = {bounds.left, bounds.top, bounds.right - bounds.left, bounds.bottom - bounds.top};
+        });
+    });
 }
 
 } // namespace Gdiplus::DllExports

@@ -4,6 +4,7 @@
 #include "platform/gdi/DeviceContext.h"
 #include "platform/gdiplus/Image.h"
 
+#include <algorithm>
 #include <span>
 
 namespace kx::gdiplus {
@@ -14,6 +15,17 @@ struct Target
     PixelView pixels;
     std::span<const RECT> clip; // what may be written: disjoint, in rows from the top; within the pixels
 };
+
+// The least rectangle around a clip.
+inline RECT BoundsOf(std::span<const RECT> clip) noexcept
+{
+    if (clip.empty()) return {};
+    RECT bounds = clip.front();
+    for (const RECT& rect : clip)
+        bounds = {std::min(bounds.left, rect.left), bounds.top, std::max(bounds.right, rect.right),
+                  rect.bottom};
+    return bounds;
+}
 
 } // namespace kx::gdiplus
 

@@ -1,12 +1,30 @@
 #pragma once
 
 #include "include/platform/GdiPlusFlat.h"
+#include "include/platform/Stream.h"
 #include "platform/LiveHandles.h"
 #include "platform/gdiplus/Picture.h"
-#include "platform/gdiplus/StreamRef.h"
 
+#include <memory>
 #include <optional>
 #include <utility>
+
+namespace kx::gdiplus {
+
+struct ReleaseStream
+{
+    void operator()(IStream* pStream) const { pStream->Release(); }
+};
+// A reference to a stream.
+using StreamRef = std::unique_ptr<IStream, ReleaseStream>;
+
+inline StreamRef Refer(IStream* pStream)
+{
+    pStream->AddRef();
+    return StreamRef(pStream);
+}
+
+} // namespace kx::gdiplus
 
 namespace Gdiplus {
 

@@ -1,13 +1,64 @@
+#include "include/platform/Error.h"
 #include "platform/gdi/Bitmap.h"
-#include "platform/gdiplus/DrawObjects.h"
+#include "platform/gdiplus/Calls.h"
+#include "platform/gdiplus/Decode.h"
 #include "platform/gdiplus/Image.h"
-#include "platform/gdiplus/Source.h"
+#include "platform/module/RegularFile.h"
+
+#include <algorithm>
 
 using namespace kx::gdiplus;
 
 namespace Gdiplus::DllExports {
 
 namespace {
+
+constexpr std::size_t kMaxBytes = std::size_t{MAX_IMAGE_BYTES};
+constexpr std::size_t kStep = std::size_t{1} << 16;
+
+// How much there seems to be; the reads alone decide.
+std::size_t Hint(IStream& stream)
+{
+    ULARGE_INTEGER nEnd{};
+    const bool bKnown = SUCCEEDED(stream.Seek({0}, STREAM_SEEK_END, &nEnd));
+    return bKnown ? static_cast<std::size_t>(std::min<std::uint64_t>(nEnd.QuadPart, kMaxBytes)) : 0;
+}
+
+// A whole file by its path. FileNotFound, AccessDenied; GenericError for what can't be read; OutOfMemory for
+// more than MAX_IMAGE_BYTES.
+Status ReadWhole(const WCHAR* pszPath, File& file)
+{
+    const auto source = kx::module::RegularFile::Open(ToCodePage(pszPath).c_str());
+    if (!source) return StatusOf(GetLastError());
+    if (source->Size() > kMaxBytes) return OutOfMemory;
+    auto bytes = source->Read(0, source->Size());
+    if (!bytes) return GenericError;
+    file = std::make_shared<const std::vector<std::uint8_t>>(std::move(*bytes).Take());
+    return Ok;
+}
+
+// A stream from its beginning to where it gives no more.
+Status ReadWhole(IStream& stream, File& file)
+{
+    const std::size_t nHint = Hint(stream);
+    if (FAILED(stream.Seek({0}, STREAM_SEEK_SET, nullptr))) return GenericError;
+    std::vector<std::uint8_t> bytes;
+    for (std::size_t nFilled = 0;;) {
+        // One more than is expected, to be told of the end.
+        const std::size_t nAsk = nFilled <= nHint ? nHint - nFilled + 1 : std::max(kStep, nFilled / 2);
+        bytes.resize(nFilled + nAsk);
+        ULONG nRead = 0;
+        const HRESULT hr = stream.Read(bytes.data() + nFilled, static_cast<ULONG>(nAsk), &nRead);
+        if (FAILED(hr) || nRead > nAsk) return GenericError;
+        nFilled += nRead;
+        if (nFilled > kMaxBytes) return OutOfMemory;
+        if (hr == S_OK && nRead > 0) continue;
+        bytes.resize(nFilled);
+        break;
+    }
+    file = std::make_shared<const std::vector<std::uint8_t>>(std::move(bytes));
+    return Ok;
+}
 
 // All pictures are bitmaps, whichever of both a call gives.
 template <class Result>

@@ -1,13 +1,34 @@
+#include "platform/Errno.h"
+#include "platform/files/Path.h"
+#include "platform/files/ReplaceFile.h"
+#include "platform/gdiplus/Calls.h"
 #include "platform/gdiplus/Encode.h"
 #include "platform/gdiplus/Image.h"
-#include "platform/gdiplus/SaveFile.h"
-#include "platform/gdiplus/Startup.h"
+
+#include <algorithm>
 
 using namespace kx::gdiplus;
 
 namespace Gdiplus::DllExports {
 
 namespace {
+
+Status StatusOfErrno(int nErrno) noexcept
+{
+    if (nErrno == 0) return Ok;
+    if (nErrno == EISDIR || nErrno == EROFS) return AccessDenied;
+    return StatusOf(kx::ErrorFromErrno(nErrno));
+}
+
+// Puts the bytes in a file's place; an old one stays until all of them are written. A link is followed; an
+// old file passes its permissions on.
+Status SaveFile(const WCHAR* pszPath, std::span<const std::uint8_t> bytes)
+{
+    const auto named = kx::path::Resolve(ToCodePage(pszPath).c_str());
+    if (!named) return StatusOf(GetLastError());
+    if (named->trailing || named->root) return AccessDenied;
+    return StatusOfErrno(kx::ReplaceFile(named->system, bytes.data(), bytes.size()));
+}
 
 // Encodes before anything is written, so that what can't be encoded leaves nothing behind.
 template <class Put>

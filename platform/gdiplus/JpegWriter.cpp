@@ -1,6 +1,5 @@
 #include "platform/gdiplus/Blend.h"
 #include "platform/gdiplus/Encode.h"
-#include "platform/gdiplus/EncodedRows.h"
 #include "platform/gdiplus/Jpeg.h"
 
 #include <array>

@@ -1,5 +1,5 @@
 #include "platform/gdiplus/Brush.h"
-#include "platform/gdiplus/DrawObjects.h"
+#include "platform/gdiplus/Calls.h"
 
 #include <algorithm>
 #include <cmath>

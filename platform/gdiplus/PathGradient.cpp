@@ -1,6 +1,6 @@
 #include "platform/gdi/Rect.h"
 #include "platform/gdiplus/Brush.h"
-#include "platform/gdiplus/DrawObjects.h"
+#include "platform/gdiplus/Calls.h"
 
 #include <algorithm>
 #include <cmath>

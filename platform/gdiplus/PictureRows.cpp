@@ -1,4 +1,4 @@
-#include "platform/gdiplus/PictureRows.h"
+#include "platform/gdiplus/Scale.h"
 
 #include "platform/gdi/Rect.h"
 

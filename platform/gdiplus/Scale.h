@@ -1,14 +1,53 @@
 #pragma once
 
-#include "platform/gdi/Surface.h"
-#include "platform/gdiplus/Image.h"
+#include "platform/gdiplus/Picture.h"
 #include "platform/gdiplus/Quad.h"
-#include "platform/gdiplus/ScaleAxis.h"
 
 #include <array>
+#include <cstddef>
+#include <optional>
 #include <vector>
 
 namespace kx::gdiplus {
+
+// One direction of a picture's block stretched over a block of a target, in pixels of each. A negative length
+// reaches to the other side of its beginning, and mirrors.
+struct Stretch
+{
+    double from;
+    double fromLength;
+    double to;
+    double toLength;
+};
+
+// The pixels of the picture that one of the target is made of: the first and the last one by their weights,
+// those between by 1.
+struct Span
+{
+    int first;
+    int last; // at least `first`; where they are equal only `firstWeight` counts
+    float firstWeight;
+    float lastWeight;
+    float sum; // of all weights
+};
+
+// The spans of a run of the target's pixels.
+class Axis
+{
+public:
+    // For those from `begin` to `end` whose centres the picture's pixels 0 to `limit` cover. Throws
+    // std::bad_alloc.
+    Axis(const Stretch& stretch, int limit, int begin, int end);
+
+    int Begin() const noexcept { return m_nBegin; }
+    int End() const noexcept { return m_nBegin + static_cast<int>(m_spans.size()); }
+    const Span& operator[](int n) const noexcept { return m_spans[static_cast<std::size_t>(n - m_nBegin)]; }
+    const std::vector<Span>& Spans() const noexcept { return m_spans; }
+
+private:
+    int m_nBegin;
+    std::vector<Span> m_spans;
+};
 
 // Makes the rows of a picture's block stretched over a block of a target. Each direction goes by itself:
 // reducing takes the mean of what a target pixel covers, enlarging goes linearly from one pixel's centre to
@@ -46,5 +85,27 @@ private:
 // The whole of a picture stretched over the whole of a surface, of pixels that mean what the picture's do.
 // Throws std::bad_alloc.
 void Scale(const PixelView& from, gdi::Surface& to);
+
+// The rows of a picture's block over a block of a target, as they are where none is stretched. The picture's
+// pixels must stay while this lives.
+class PictureRows
+{
+public:
+    // `area`: the target's pixels that are wanted. Throws std::bad_alloc.
+    PictureRows(const PixelView& from, const Stretch& columns, const Stretch& rows, const RECT& area);
+
+    // The part of the area that the picture covers; may be empty.
+    RECT Area() const noexcept { return m_area; }
+    // A row of that part, which stays until the next call. Pixels mean what the picture's do.
+    const DWORD* Row(int y) noexcept;
+
+private:
+    PixelView m_from;
+    RECT m_area;
+    std::optional<Scaler> m_scaler; // none where the pixels are taken as they are
+    std::vector<DWORD> m_row;       // scaled
+    std::ptrdiff_t m_column = 0;    // of the picture at the area's left, if not scaled
+    std::ptrdiff_t m_rowShift = 0;  // from the target's rows to the picture's
+};
 
 } // namespace kx::gdiplus

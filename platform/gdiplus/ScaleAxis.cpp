@@ -1,4 +1,4 @@
-#include "platform/gdiplus/ScaleAxis.h"
+#include "platform/gdiplus/Scale.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,8 @@
 #include "platform/gdiplus/Encode.h"
 
+#include "platform/gdiplus/Blend.h"
+
+#include <algorithm>
 #include <cstring>
 #include <new>
 
@@ -29,6 +32,14 @@ constexpr Encoder kEncoders[] = {
     {{ClassId(6), FormatId(0xAF), u"Built-in PNG Codec", u"PNG", u"*.PNG", u"image/png"}, WritePng},
 };
 
+bool IsOpaque(const DWORD* row, int nWidth) noexcept
+{
+    DWORD all = ALPHA_BITS;
+    for (int x = 0; x < nWidth; ++x)
+        all &= row[x];
+    return (all & ALPHA_BITS) == ALPHA_BITS;
+}
+
 } // namespace
 
 bool Append(Bytes& file, const std::uint8_t* bytes, std::size_t nBytes) noexcept
@@ -49,6 +60,20 @@ const Encoder* FindEncoder(const Gdiplus::CLSID& clsid) noexcept
     for (const Encoder& encoder : kEncoders)
         if (std::memcmp(&encoder.info.Clsid, &clsid, sizeof clsid) == 0) return &encoder;
     return nullptr;
+}
+
+RowsOverBlack::RowsOverBlack(const PixelView& view)
+    : m_view(view), m_row(view.alpha == Alpha::Straight ? static_cast<std::size_t>(view.width) : 0)
+{
+}
+
+const DWORD* RowsOverBlack::Row(int y) noexcept
+{
+    const DWORD* const row = m_view.Row(y);
+    if (m_row.empty() || IsOpaque(row, m_view.width)) return row;
+    DWORD* const out = m_row.data();
+    std::transform(row, row + m_view.width, out, ToMultiplied);
+    return out;
 }
 
 } // namespace kx::gdiplus
