@@ -160,6 +160,7 @@ class KX_API PathGradientBrush : public Brush
 public:
     explicit PathGradientBrush(const GraphicsPath* pPath);
     Status SetCenterColor(const Color& color);
+    Status SetCenterPoint(const Point& point);
     Status SetSurroundColors(const Color* pColors, INT* pnCount);
 };
 

@@ -156,10 +156,12 @@ KX_API GpStatus GdipSetImageAttributesColorMatrix(GpImageAttributes* pAttributes
 // for another mode than WrapModeTile.
 KX_API GpStatus GdipCreateLineBrushI(const GpPoint* pFirst, const GpPoint* pSecond, ARGB first, ARGB second,
                                      GpWrapMode mode, GpLineGradient** ppBrush);
-// From a path's middle along rays out to its edge; nothing outside of it. Pixels count by their centres. At
-// first all white. OutOfMemory for an empty path.
+// From a path's centre, at first its middle, along rays out to its edge; nothing outside of it. Pixels count
+// by their centres. At first all white. OutOfMemory for an empty path.
 KX_API GpStatus GdipCreatePathGradientFromPath(const GpPath* pPath, GpPathGradient** ppBrush);
 KX_API GpStatus GdipSetPathGradientCenterColor(GpPathGradient* pBrush, ARGB color);
+// Moves the centre, to an edge of the path or outside of it if need be.
+KX_API GpStatus GdipSetPathGradientCenterPointI(GpPathGradient* pBrush, const GpPoint* pPoint);
 // The one colour of the whole edge: `*pnCount` is 1, NotImplemented for more.
 KX_API GpStatus GdipSetPathGradientSurroundColorsWithCount(GpPathGradient* pBrush, const ARGB* pColors,
                                                            INT* pnCount);

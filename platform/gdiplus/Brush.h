@@ -76,13 +76,15 @@ private:
     kx::LiveHandle m_live;
 };
 
-// A pixel has the colour of its centre, which goes evenly from the rectangle's middle to its sides.
+// A pixel has the colour of its centre. The rectangle is cut into triangles from a point to its sides, in
+// which the colour changes evenly.
 class GpPathGradient : public GpBrush
 {
 public:
     // Throws std::bad_alloc.
     explicit GpPathGradient(const GpPath::Figure& sides);
 
+    void MoveCenter(const GpPoint& point) noexcept;
     void SetCenter(ARGB color) noexcept { m_center = kx::gdiplus::ToChannels(color); }
     void SetSurround(ARGB color) noexcept { m_surround = kx::gdiplus::ToChannels(color); }
 
@@ -92,11 +94,9 @@ public:
 
 private:
     kx::gdi::PixelRegion m_area;
-    // The middle, and from it to the sides.
-    double m_x;
+    GpPath::Figure m_sides;
+    double m_x; // of the centre: at first the middle
     double m_y;
-    double m_halfWidth;
-    double m_halfHeight;
     kx::gdiplus::Channels m_center;
     kx::gdiplus::Channels m_surround;
 };

@@ -140,6 +140,11 @@ Status PathGradientBrush::SetCenterColor(const Color& color)
     return Keep(GdipSetPathGradientCenterColor(static_cast<GpPathGradient*>(Native()), color.GetValue()));
 }
 
+Status PathGradientBrush::SetCenterPoint(const Point& point)
+{
+    return Keep(GdipSetPathGradientCenterPointI(static_cast<GpPathGradient*>(Native()), &point));
+}
+
 Status PathGradientBrush::SetSurroundColors(const Color* pColors, INT* pnCount)
 {
     static_assert(sizeof(Color) == sizeof(ARGB));

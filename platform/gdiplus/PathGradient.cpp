@@ -9,51 +9,50 @@ using namespace kx::gdiplus;
 
 namespace Gdiplus {
 
-namespace {
-
-double Middle(std::int64_t nFirst, std::int64_t nLast) noexcept
-{
-    return static_cast<double>(nFirst + nLast) / 2;
-}
-
-double Half(std::int64_t nFirst, std::int64_t nLast) noexcept
-{
-    return static_cast<double>(nLast - nFirst) / 2;
-}
-
-} // namespace
-
 GpPathGradient::GpPathGradient(const GpPath::Figure& sides)
     : m_area({kx::gdi::ToSide(sides.left), kx::gdi::ToSide(sides.top), kx::gdi::ToSide(sides.right),
               kx::gdi::ToSide(sides.bottom)}),
-      m_x(Middle(sides.left, sides.right)),
-      m_y(Middle(sides.top, sides.bottom)),
-      m_halfWidth(Half(sides.left, sides.right)),
-      m_halfHeight(Half(sides.top, sides.bottom)),
+      m_sides(sides),
+      m_x(static_cast<double>(sides.left + sides.right) / 2),
+      m_y(static_cast<double>(sides.top + sides.bottom) / 2),
       m_center(ToChannels(0xFFFFFFFF)),
       m_surround(m_center)
 {
 }
 
-// From left to right a row goes through the triangle from the middle to the left side, the one to the upper
-// or lower side, in which it has one colour, and the one to the right side.
+void GpPathGradient::MoveCenter(const GpPoint& point) noexcept
+{
+    m_x = point.X;
+    m_y = point.Y;
+}
+
+// From left to right a row goes through the triangle to the left side, the one to the upper or lower side, in
+// which it has one colour, and the one to the right side; any of them may be missed.
 void GpPathGradient::Row(std::int64_t x, std::int64_t y, DWORD mask, std::span<DWORD> out) const noexcept
 {
-    const double part = std::abs(static_cast<double>(y) + 0.5 - m_y) / m_halfHeight;
-    const double reach = m_halfWidth * part; // from the middle to where the triangles meet
+    // All from the centre.
+    const double left = static_cast<double>(m_sides.left) - m_x;
+    const double right = static_cast<double>(m_sides.right) - m_x;
+    const double down = static_cast<double>(y) + 0.5 - m_y;
     const double begin = static_cast<double>(x) + 0.5 - m_x;
+    // The row's part of the way to the upper or lower side, which tells where the triangles meet.
+    const double part =
+        down == 0 ? 0 : down / (static_cast<double>(down < 0 ? m_sides.top : m_sides.bottom) - m_y);
     const auto pixelsTo = [&](double end) {
         return static_cast<std::size_t>(std::clamp(end, 0.0, static_cast<double>(out.size())));
     };
-    const std::size_t nLeft = pixelsTo(std::ceil(-reach - begin));
-    const std::size_t nMiddle = std::max(nLeft, pixelsTo(std::floor(reach - begin) + 1));
-    const Channels step = Mixed(m_surround, 1 / m_halfWidth, m_center, -1 / m_halfWidth);
-    const auto at = [&](double distance) { return Mixed(step, distance, m_center, 1); };
-    if (nLeft > 0) DrawRun(at(-begin), Mixed(step, -1, {}, 0), mask, out.first(nLeft));
+    const std::size_t nLeft = pixelsTo(std::ceil(std::min(0.0, left * part) - begin));
+    const std::size_t nMiddle =
+        std::max(nLeft, pixelsTo(std::floor(std::max(0.0, right * part) - begin) + 1));
+    const auto across = [&](double side, double from, std::span<DWORD> run) {
+        if (run.empty()) return;
+        const Channels step = Mixed(m_surround, 1 / side, m_center, -1 / side);
+        DrawRun(Mixed(step, from, m_center, 1), step, mask, run);
+    };
+    across(left, begin, out.first(nLeft));
     if (nMiddle > nLeft)
         DrawRun(Mixed(m_center, 1 - part, m_surround, part), {}, mask, out.subspan(nLeft, nMiddle - nLeft));
-    if (nMiddle < out.size())
-        DrawRun(at(begin + static_cast<double>(nMiddle)), step, mask, out.subspan(nMiddle));
+    across(right, begin + static_cast<double>(nMiddle), out.subspan(nMiddle));
 }
 
 namespace DllExports {
@@ -95,6 +94,15 @@ GpStatus GdipSetPathGradientCenterColor(GpPathGradient* pBrush, ARGB color)
     return Guarded([&] {
         if (!pBrush) return InvalidParameter;
         pBrush->SetCenter(color);
+        return Ok;
+    });
+}
+
+GpStatus GdipSetPathGradientCenterPointI(GpPathGradient* pBrush, const GpPoint* pPoint)
+{
+    return Guarded([&] {
+        if (!pBrush || !pPoint) return InvalidParameter;
+        pBrush->MoveCenter(*pPoint);
         return Ok;
     });
 }

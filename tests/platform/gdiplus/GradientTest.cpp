@@ -24,12 +24,16 @@ std::vector<int> Line(int nFirst, int nSecond, int nFrom, int nTo, int nCount, b
 }
 
 // A path of a rectangle, filled out over a transparent sheet.
-Row Path(int nWidth, int nHeight, const Rect& rect, ARGB center, ARGB surround)
+Row Path(int nWidth, int nHeight, const Rect& rect, ARGB center, ARGB surround,
+         const Point* pCenter = nullptr)
 {
     GraphicsPath path;
     EXPECT_EQ(path.AddRectangle(rect.X, rect.Y, rect.Width, rect.Height), Ok);
     PathGradientBrush brush(&path);
     EXPECT_EQ(brush.SetCenterColor(Color(center)), Ok);
+    if (pCenter) {
+        EXPECT_EQ(brush.SetCenterPoint(*pCenter), Ok);
+    }
     const Color color(surround);
     int nCount = 1;
     EXPECT_EQ(brush.SetSurroundColors(&color, &nCount), Ok);
@@ -107,6 +111,22 @@ TEST_F(Gradient, GoesFromAPathsCentreToItsEdge)
     EXPECT_EQ(Blues(Path(6, 1, {-2, 0, 8, 1}, Gray(80), Gray(0))), (std::vector{50, 70, 70, 50, 30, 10}));
     EXPECT_EQ(Path(1, 1, {0, 0, 1, 1}, 0x80123456, Gray(0)), Row{0x80123456});
     EXPECT_EQ(Path(2, 2, {0, 0, 2, 2}, 0xFF0000FE, 0x00FF0000), Row(4, 0x80800080 - 1));
+}
+
+// From a corner, from the middle of a side, and from outside of the path.
+TEST_F(Gradient, GoesFromWhereverItsCentreIsMoved)
+{
+    const auto from = [](Point center, int nWidth, int nHeight) {
+        return Blues(Path(nWidth, nHeight, {0, 0, nWidth, nHeight}, Gray(80), Gray(0), &center));
+    };
+    EXPECT_EQ(from({0, 0}, 2, 2), (std::vector{60, 20, 20, 20}));
+    EXPECT_EQ(from({2, 0}, 4, 2), (std::vector{20, 60, 60, 20, 20, 20, 20, 20}));
+    EXPECT_EQ(from({2, 2}, 4, 2), (std::vector{20, 20, 20, 20, 20, 60, 60, 20}));
+    EXPECT_EQ(from({4, 1}, 4, 2), (std::vector{10, 30, 40, 40, 10, 30, 40, 40}));
+    EXPECT_EQ(from({0, -2}, 2, 2), (std::vector{30, 20, 10, 10}));
+    for (const int n : {INT_MIN, INT_MAX})
+        EXPECT_EQ(from({n, n}, 2, 1).size(), 2u);
+    EXPECT_EQ(GdipSetPathGradientCenterPointI(nullptr, nullptr), InvalidParameter);
 }
 
 TEST_F(Gradient, RefusesWhatIsNone)
