@@ -29,8 +29,6 @@ KX_API void InitializeCriticalSection(CRITICAL_SECTION* pSection) noexcept;
 KX_API void DeleteCriticalSection(CRITICAL_SECTION* pSection) noexcept;
 // Waits as long as it takes.
 KX_API void EnterCriticalSection(CRITICAL_SECTION* pSection) noexcept;
-// Non-zero if the lock was taken. Never waits.
-KX_API int TryEnterCriticalSection(CRITICAL_SECTION* pSection) noexcept;
 // For the owner; called by another thread it changes nothing.
 KX_API void LeaveCriticalSection(CRITICAL_SECTION* pSection) noexcept;
 
@@ -39,25 +37,24 @@ inline constexpr DWORD WAIT_OBJECT_0 = 0;
 inline constexpr DWORD WAIT_TIMEOUT = 258;
 inline constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
 
-// Makes an event. Manual-reset: a signal releases every wait until ResetEvent. Auto-reset: a signal releases
+// Makes an event. Manual-reset: a signal releases every wait from then on. Auto-reset: a signal releases
 // one wait, the one that began first, or the next to come. The first and last arguments (security, name) are
 // accepted and ignored. The caller owns the handle and ends it with CloseHandle; null for lack of memory.
 KX_API HANDLE CreateEventA(void* pSecurity, int bManualReset, int bInitialState, const char* pszName);
 
-// Non-zero on success; 0 for a handle that is null or no event (ERROR_INVALID_HANDLE). Any thread. What the
+// Non-zero on success; 0 for a handle that is closed, null or no event's (ERROR_INVALID_HANDLE). Any thread. What the
 // thread did before SetEvent is seen by those whom the signal releases. A released thread may close the event
 // at once.
 KX_API int SetEvent(HANDLE hEvent) noexcept;
-KX_API int ResetEvent(HANDLE hEvent) noexcept;
 
 // Waits until the object (event, thread, process) is signalled: WAIT_OBJECT_0; WAIT_TIMEOUT when that many
-// milliseconds of the clock passed first; WAIT_FAILED at once for a null handle or INVALID_HANDLE_VALUE. A
-// thread is signalled when it has ended, its thread-local objects included. With 0 it only looks, and
-// INFINITE has no time-out. The handle must stay open during the call.
+// milliseconds of the clock passed first; WAIT_FAILED at once (ERROR_INVALID_HANDLE) for a handle that is null,
+// closed or of another kind. A thread is signalled when it has ended, its thread-local objects included. With
+// 0 it only looks, and INFINITE has no time-out. The handle may be closed meanwhile, which ends no wait.
 KX_API DWORD WaitForSingleObject(HANDLE hObject, DWORD dwMilliseconds);
 
 // Ends a handle of an event, thread or process; the object lives on while a thread waits for it or runs.
-// Non-zero on success, 0 for null or INVALID_HANDLE_VALUE. A handle is closed once and not used after that.
+// Non-zero on success; 0 (ERROR_INVALID_HANDLE) for a handle that is null, closed already or of another kind.
 KX_API int CloseHandle(HANDLE hObject) noexcept;
 
 // Starts a thread that runs `pfnStart(pArg)`. The security and flags arguments are accepted and ignored; the
@@ -71,7 +68,5 @@ KX_API std::uintptr_t _beginthreadex(void* pSecurity, unsigned nStackSize, unsig
 KX_API DWORD GetCurrentThreadId() noexcept;
 KX_API DWORD GetCurrentProcessId() noexcept;
 
-// Atomic steps on a counter; the result is the new value (Exchange: the old one). Full barriers.
+// Adds one to a counter in one atomic step, a full barrier; the result is the new value. Any thread.
 KX_API long InterlockedIncrement(volatile long* pValue) noexcept;
-KX_API long InterlockedDecrement(volatile long* pValue) noexcept;
-KX_API long InterlockedExchange(volatile long* pValue, long nValue) noexcept;

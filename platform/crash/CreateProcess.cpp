@@ -101,15 +101,18 @@ int CreateProcessA(const char* pszProgram, char* pszArguments, void*, void*, int
     PathText program;
     if (!ToSystem(pszProgram, program)) return 0;
     if (!InFilter()) CollectOrphans();
-    const auto process = NewProcess();
+    const auto [process, handle] = MakeProcess();
     if (!process) return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 
     const Arguments arguments(program.Data(), pszArguments);
     pid_t pid = 0;
     const int nError = g_start.Spawn(program.Data(), arguments.Get(), bInheritHandles != 0, pid);
-    if (nError != 0) return kx::Fail(kx::ErrorFromErrno(nError));
+    if (nError != 0) {
+        kx::RemoveHandle<kx::threads::Waitable>(handle);
+        return kx::Fail(kx::ErrorFromErrno(nError));
+    }
     if (InFilter()) prctl(PR_SET_PTRACER, static_cast<unsigned long>(pid), 0, 0, 0);
     process->SetPid(pid);
-    *pInformation = {process->Open(), nullptr, static_cast<DWORD>(pid), static_cast<DWORD>(pid)};
+    *pInformation = {handle, nullptr, static_cast<DWORD>(pid), static_cast<DWORD>(pid)};
     return 1;
 }

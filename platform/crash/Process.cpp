@@ -17,13 +17,14 @@ namespace kx::crash {
 
 namespace {
 
+// What is taken from it stays in the handle table's reserve, so that closing a handle in the filter frees
+// nothing.
 struct Reserve
 {
-    std::array<std::shared_ptr<Process>, 4> processes;
+    std::array<std::shared_ptr<Process>, kReservedHandles> processes;
     std::size_t next = 0; // the thread in the filter's own
 };
 
-// What is taken from it stays in it, so that closing a handle in the filter frees nothing.
 Reserve& TheReserve() noexcept
 {
     static Immortal<Reserve> reserve;
@@ -42,23 +43,17 @@ Process::~Process()
     if (!TryTake()) AddOrphan(m_pid);
 }
 
-Process* Process::Of(HANDLE handle) noexcept
-{
-    Waitable* object = Waitable::Of(handle);
-    if (object && object->GetKind() == Kind::Process) return static_cast<Process*>(object);
-    SetLastError(ERROR_INVALID_HANDLE);
-    return nullptr;
-}
-
 DWORD Process::ExitCode() noexcept
 {
-    return TryTake() ? m_dwCode : STILL_ACTIVE;
+    if (!TryTake()) return STILL_ACTIVE;
+    const sync::MutexLock lock(m_lock);
+    return m_dwCode;
 }
 
 // Where somebody else has collected it, as by ignoring SIGCHLD, it has ended too, with a code that is lost.
 bool Process::TryTake() noexcept
 {
-    const std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     if (m_pid == 0) return true;
     siginfo_t info{};
     const auto id = static_cast<id_t>(m_pid);
@@ -73,7 +68,9 @@ bool Process::WaitUntil(clock::Moment deadline) noexcept
 {
     using std::chrono::ceil;
     using std::chrono::milliseconds;
+    m_lock.lock();
     const pid_t pid = m_pid;
+    m_lock.unlock();
     if (deadline == clock::kNever && pid != 0) {
         siginfo_t info{};
         RetryEintr([&] { return waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOWAIT); });
@@ -93,23 +90,32 @@ bool Process::WaitUntil(clock::Moment deadline) noexcept
 
 void PrepareProcesses() noexcept
 {
-    for (auto& process : TheReserve().processes) {
+    auto& processes = TheReserve().processes;
+    for (std::size_t place = 0; place < processes.size(); ++place) {
+        if (processes[place]) continue;
         try {
-            if (!process) process = std::make_shared<Process>();
+            processes[place] = std::make_shared<Process>();
+            ReserveHandle<threads::Waitable>(place, processes[place]);
         } catch (const std::bad_alloc&) {
         }
     }
 }
 
-std::shared_ptr<Process> NewProcess() noexcept
+NewProcess MakeProcess() noexcept
 {
     Reserve& reserve = TheReserve();
-    if (InFilter())
-        return reserve.next < reserve.processes.size() ? reserve.processes[reserve.next++] : nullptr;
+    if (InFilter()) {
+        const std::size_t place = reserve.next;
+        if (place == reserve.processes.size() || !reserve.processes[place]) return {};
+        ++reserve.next;
+        return {reserve.processes[place], OpenReservedHandle(place)};
+    }
     try {
-        return std::make_shared<Process>();
+        NewProcess made{std::make_shared<Process>(), nullptr};
+        made.handle = AddHandle<threads::Waitable>(made.process);
+        return made.handle ? made : NewProcess{};
     } catch (const std::bad_alloc&) {
-        return nullptr;
+        return {};
     }
 }
 
@@ -117,7 +123,7 @@ std::shared_ptr<Process> NewProcess() noexcept
 
 int GetExitCodeProcess(HANDLE hProcess, DWORD* pdwExitCode) noexcept
 {
-    auto* process = kx::crash::Process::Of(hProcess);
+    const auto process = kx::threads::Waitable::FindAs<kx::crash::Process>(hProcess);
     if (!process) return 0;
     if (!pdwExitCode) return kx::Fail(ERROR_INVALID_PARAMETER);
     *pdwExitCode = process->ExitCode();

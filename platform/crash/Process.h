@@ -1,23 +1,23 @@
 #pragma once
 
-#include "platform/sync/Waitable.h"
+#include "platform/sync/Mutex.h"
+#include "platform/threads/Waitable.h"
 
-#include <mutex>
 #include <sys/types.h>
 
 namespace kx::crash {
 
 // A child process, signalled when it has ended.
-class Process final : public sync::Waitable
+class Process final : public threads::Waitable
 {
 public:
-    Process() noexcept : Waitable(Kind::Process) {}
+    static constexpr Kind KIND = Kind::Process;
+
+    Process() noexcept : Waitable(KIND) {}
     ~Process() override;
 
-    // The process of a handle; null, with the last error set, for the handle of anything else.
-    static Process* Of(HANDLE handle) noexcept;
-
-    void SetPid(pid_t pid) noexcept { m_pid = pid; }
+    // Once, before others know of the object.
+    void SetPid(pid_t pid) noexcept KX_NO_LOCK_ANALYSIS { m_pid = pid; }
     // STILL_ACTIVE until it has ended.
     DWORD ExitCode() noexcept;
 
@@ -25,15 +25,21 @@ public:
     bool WaitUntil(clock::Moment deadline) noexcept override;
 
 private:
-    std::mutex m_lock; // so that one thread collects the code and all learn it
-    pid_t m_pid = 0;   // 0 once it has been collected; changes under m_lock
-    DWORD m_dwCode = 0;
+    sync::Mutex m_lock;                    // so that one thread collects the code and all learn it
+    pid_t m_pid KX_GUARDED_BY(m_lock) = 0; // 0 once it has been collected
+    DWORD m_dwCode KX_GUARDED_BY(m_lock) = 0;
 };
 
-// Sets objects aside for a crash filter, which can't allocate. By one thread at a time.
+// Sets processes with their handles aside for a crash filter, which can't allocate. By one thread at a time.
 void PrepareProcesses() noexcept;
 
-// A process object without a handle: one of those in a filter, a new one elsewhere; null for lack of them.
-std::shared_ptr<Process> NewProcess() noexcept;
+// A process's object, whose handle is still to be had: one of those set aside in a filter, a new one
+// elsewhere. Empty for lack of them.
+struct NewProcess
+{
+    std::shared_ptr<Process> process;
+    HANDLE handle = nullptr;
+};
+NewProcess MakeProcess() noexcept;
 
 } // namespace kx::crash

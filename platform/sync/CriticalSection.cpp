@@ -128,18 +128,6 @@ void EnterCriticalSection(CRITICAL_SECTION* pSection) noexcept
     section.owner.store(Self(), std::memory_order_relaxed);
 }
 
-int TryEnterCriticalSection(CRITICAL_SECTION* pSection) noexcept
-{
-    if (!pSection) return 0;
-    if (TryTake(*pSection)) {
-        pSection->owner.store(Self(), std::memory_order_relaxed);
-        return 1;
-    }
-    if (!IsOwner(*pSection)) return 0;
-    ++pSection->recursion;
-    return 1;
-}
-
 void LeaveCriticalSection(CRITICAL_SECTION* pSection) noexcept
 {
     if (!pSection || !IsOwner(*pSection)) return;
@@ -152,4 +140,9 @@ void LeaveCriticalSection(CRITICAL_SECTION* pSection) noexcept
     std::uint32_t seen = kTaken;
     if (!section.state.compare_exchange_strong(seen, 0, std::memory_order_release, std::memory_order_relaxed))
         FreeAndWake(section, seen);
+}
+
+long InterlockedIncrement(volatile long* pValue) noexcept
+{
+    return __atomic_add_fetch(pValue, 1, __ATOMIC_SEQ_CST);
 }

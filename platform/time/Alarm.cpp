@@ -1,26 +1,26 @@
 #include "platform/time/Alarm.h"
 
-#include <mutex>
+#include "platform/sync/Mutex.h"
 
 namespace kx::clock {
 
 namespace {
 
-constinit std::mutex g_lock;
-constinit sync::IntrusiveList<Alarm> g_alarms; // guarded by g_lock
+constinit sync::Mutex g_lock; // also guards m_seen of every alarm in the list
+constinit sync::IntrusiveList<Alarm> g_alarms KX_GUARDED_BY(g_lock);
 
 } // namespace
 
 Alarm::~Alarm()
 {
     if (!m_bListed) return;
-    std::lock_guard lock(g_lock);
+    const sync::MutexLock lock(g_lock);
     g_alarms.Remove(*this);
 }
 
 void Alarm::Announce(std::uint32_t seen) noexcept
 {
-    std::lock_guard lock(g_lock);
+    const sync::MutexLock lock(g_lock);
     m_seen = seen;
     if (!m_bListed) g_alarms.Append(*this);
     m_bListed = true;
@@ -44,7 +44,7 @@ bool Alarm::Wait(std::uint32_t seen) noexcept
 
 void Alarm::RingDue(Moment now) noexcept
 {
-    std::lock_guard lock(g_lock);
+    const sync::MutexLock lock(g_lock);
     for (Alarm* alarm = g_alarms.First(); alarm; alarm = alarm->next) {
         if (alarm->m_deadline > now) continue;
         alarm->m_word.fetch_add(kRing, std::memory_order_release);
@@ -55,7 +55,7 @@ void Alarm::RingDue(Moment now) noexcept
 int Alarm::CountWaiting() noexcept
 {
     const Moment now = Now();
-    std::lock_guard lock(g_lock);
+    const sync::MutexLock lock(g_lock);
     int nCount = 0;
     for (const Alarm* alarm = g_alarms.First(); alarm; alarm = alarm->next)
         nCount += alarm->m_deadline > now && alarm->m_word.load(std::memory_order_relaxed) == alarm->m_seen;

@@ -3,11 +3,12 @@
 #include "include/platform/Clock.h"
 #include "include/platform/Host.h"
 #include "include/platform/Sync.h"
+#include "platform/sync/Mutex.h"
 #include "platform/time/Alarm.h"
 
 #include <algorithm>
 #include <atomic>
-#include <mutex>
+#include <sched.h>
 
 namespace kx::clock {
 
@@ -31,8 +32,8 @@ struct VirtualState
 constinit std::atomic<bool> g_bVirtual{false};
 // What the real clock is ahead of the system's, from the virtual times before.
 constinit std::atomic<std::int64_t> g_ahead{0};
-constinit std::mutex g_lock;
-constinit VirtualState g_virtual; // guarded by g_lock, like changes of the two above
+constinit sync::Mutex g_lock; // also guards changes of the two above
+constinit VirtualState g_virtual KX_GUARDED_BY(g_lock);
 
 nanoseconds SystemNow() noexcept
 {
@@ -60,8 +61,8 @@ std::timespec VirtualWall(const VirtualState& state) noexcept
     return {SaturatingAdd(state.wall, whole.count()), (passed - whole).count()};
 }
 
-// Needs g_lock. Returns the new time.
-Moment Move(std::uint64_t nMilliseconds) noexcept
+// Returns the new time.
+Moment Move(std::uint64_t nMilliseconds) noexcept KX_REQUIRES(g_lock)
 {
     const auto room = std::chrono::floor<milliseconds>(kLatest - g_virtual.now).count();
     const auto step = std::min<std::uint64_t>(nMilliseconds, static_cast<std::uint64_t>(room));
@@ -77,7 +78,7 @@ Moment Monotonic::now() noexcept
         const Moment now = RealNow();
         if (!IsVirtual()) return now; // taken before any change to a virtual clock, which begins no earlier
     }
-    std::lock_guard lock(g_lock);
+    const sync::MutexLock lock(g_lock);
     return IsVirtual() ? g_virtual.now : RealNow();
 }
 
@@ -94,7 +95,7 @@ std::int64_t WallSeconds() noexcept
 std::timespec WallTime() noexcept
 {
     if (IsVirtual()) {
-        std::lock_guard lock(g_lock);
+        const sync::MutexLock lock(g_lock);
         if (IsVirtual()) return VirtualWall(g_virtual);
     }
     std::timespec now;
@@ -120,7 +121,7 @@ bool SkipSleep(DWORD dwMilliseconds)
     if (!IsVirtual()) return false;
     Moment now;
     {
-        std::lock_guard lock(g_lock);
+        const sync::MutexLock lock(g_lock);
         if (!IsVirtual() || !g_virtual.sleepersMoveIt) return false;
         now = Move(dwMilliseconds);
     }
@@ -136,12 +137,25 @@ DWORD GetTickCount() noexcept
     return static_cast<DWORD>(std::chrono::floor<std::chrono::milliseconds>(since).count());
 }
 
+void Sleep(DWORD dwMilliseconds)
+{
+    if (dwMilliseconds == 0) {
+        sched_yield();
+        return;
+    }
+    if (dwMilliseconds != INFINITE && kx::clock::SkipSleep(dwMilliseconds)) return;
+    kx::sync::Word word{0};
+    kx::clock::Alarm alarm(word, kx::clock::DeadlineAfter(dwMilliseconds));
+    while (alarm.Wait(word.load(std::memory_order_acquire))) {
+    }
+}
+
 void KXHost::UseVirtualClock(std::int64_t nWallSeconds, VirtualSleep sleep)
 {
     using namespace kx::clock;
-    // Who sleeps for the real clock may go on: AdvanceClock wakes it, and if the real time comes first it
-    // looks at the clock again.
-    std::lock_guard lock(g_lock);
+    // A thread that sleeps for the real clock may go on: AdvanceClock wakes it, and if the real time comes
+    // first it looks at the clock again.
+    const kx::sync::MutexLock lock(g_lock);
     const bool bAlready = g_bVirtual.exchange(true);
     const Moment now = bAlready ? g_virtual.now : std::min(RealNow(), kLatest);
     g_virtual = {now, now, nWallSeconds, sleep == VirtualSleep::Advances};
@@ -152,7 +166,7 @@ void KXHost::AdvanceClock(std::uint64_t nMilliseconds)
     using namespace kx::clock;
     Moment now;
     {
-        std::lock_guard lock(g_lock);
+        const kx::sync::MutexLock lock(g_lock);
         if (!IsVirtual()) return;
         now = Move(nMilliseconds);
     }
@@ -163,7 +177,7 @@ void KXHost::UseRealClock()
 {
     using namespace kx::clock;
     {
-        std::lock_guard lock(g_lock);
+        const kx::sync::MutexLock lock(g_lock);
         if (!IsVirtual()) return;
         g_ahead.store((g_virtual.now.time_since_epoch() - SystemNow()).count(), std::memory_order_relaxed);
         g_bVirtual.store(false, std::memory_order_release);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/sync/Mutex.h"
 #include "platform/time/Alarm.h"
 
 namespace kx::clock {
@@ -21,7 +22,7 @@ public:
     // Gives the lock up, sleeps until a notice or the deadline, and takes it again. False if the deadline had
     // come; true may also mean nothing, so look at the state.
     template <class Lock>
-    bool WaitUntil(Lock& lock, Moment deadline)
+    bool WaitUntil(Lock& lock, Moment deadline) KX_NO_LOCK_ANALYSIS
     {
         const std::uint32_t seen = Enter();
         lock.unlock();
@@ -33,7 +34,7 @@ public:
     // Waits until `ready()`, which is called under the lock, gives true; its result when the deadline has
     // come.
     template <class Lock, class Ready>
-    bool WaitUntil(Lock& lock, Moment deadline, Ready ready)
+    bool WaitUntil(Lock& lock, Moment deadline, Ready ready) KX_NO_LOCK_ANALYSIS
     {
         while (!ready())
             if (!WaitUntil(lock, deadline)) return ready();
@@ -41,9 +42,23 @@ public:
     }
 
 private:
-    std::uint32_t Enter() noexcept;
-    bool SleepUntil(std::uint32_t seen, Moment deadline) noexcept;
-    void Notify(int nWaiters) noexcept;
+    std::uint32_t Enter() noexcept
+    {
+        m_nWaiters.fetch_add(1);
+        return m_sequence.load();
+    }
+    bool SleepUntil(std::uint32_t seen, Moment deadline) noexcept
+    {
+        const bool bInTime = Alarm(m_sequence, deadline).Wait(seen);
+        m_nWaiters.fetch_sub(1);
+        return bInTime;
+    }
+    // Both sides make their own mark before they look for the other's, so one of them sees it.
+    void Notify(int nWaiters) noexcept
+    {
+        m_sequence.fetch_add(Alarm::kRing);
+        if (m_nWaiters.load() != 0) sync::FutexWake(m_sequence, nWaiters);
+    }
 
     sync::Word m_sequence{0};
     std::atomic<int> m_nWaiters{0};

@@ -1,6 +1,5 @@
-#include "platform/time/DateText.h"
-
 #include "platform/text/CharWalk.h"
+#include "platform/time/DayCount.h"
 
 #include <algorithm>
 #include <charconv>

@@ -3,7 +3,6 @@
 #include "include/platform/Module.h"
 #include "platform/time/BrokenTime.h"
 #include "platform/time/Clock.h"
-#include "platform/time/DateText.h"
 #include "platform/time/DayCount.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "include/platform/Debug.h"
 
-#include "tests/platform/sync/Await.h"
+#include "tests/support/Await.h"
 #include "tests/support/Child.h"
 #include "tests/support/Host.h"
 

@@ -2,7 +2,7 @@
 
 #include "include/platform/Sync.h"
 #include "include/platform/Time.h"
-#include "tests/platform/sync/Await.h"
+#include "tests/support/Await.h"
 #include "tests/support/Host.h"
 
 #include <atomic>

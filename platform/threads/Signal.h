@@ -2,13 +2,12 @@
 
 #include "platform/sync/Futex.h"
 #include "platform/sync/IntrusiveList.h"
+#include "platform/sync/Mutex.h"
 #include "platform/time/Clock.h"
 
-#include <mutex>
+namespace kx::threads {
 
-namespace kx::sync {
-
-// What threads wait for: a flag that stays set until cleared (manual), or a signal that releases one wait
+// What threads wait for: a flag that stays set (manual), or a signal that releases one wait
 // (automatic). With threads waiting, an automatic signal goes straight to the one that waits longest: signals
 // given in a row each release another, and nobody who comes later takes one away.
 //
@@ -28,16 +27,15 @@ public:
     Signal& operator=(const Signal&) = delete;
 
     void Set() noexcept;
-    void Clear() noexcept;
     // True when it is set; takes an automatic signal.
     bool TryTake() noexcept;
     // Waits for it; false when the deadline came first.
     bool WaitUntil(clock::Moment deadline) noexcept;
 
 private:
-    struct Waiter : ListLink<Waiter>
+    struct Waiter : sync::ListLink<Waiter>
     {
-        Word word{0}; // kReleased once it is released
+        sync::Word word{0}; // kReleased once it is released
         bool bQueued = false;
     };
 
@@ -50,9 +48,9 @@ private:
     bool Release() noexcept;
 
     const bool m_bManual;
-    Word m_state;
-    std::mutex m_lock;
-    IntrusiveList<Waiter> m_queue; // guarded by m_lock, like bQueued of its elements and changes of kQueued
+    sync::Word m_state;
+    sync::Mutex m_lock; // also guards bQueued of the queue's elements, and changes of kQueued
+    sync::IntrusiveList<Waiter> m_queue KX_GUARDED_BY(m_lock);
 };
 
-} // namespace kx::sync
+} // namespace kx::threads

@@ -1,8 +1,8 @@
-#include "platform/sync/Signal.h"
+#include "platform/threads/Signal.h"
 
 #include "platform/time/Alarm.h"
 
-namespace kx::sync {
+namespace kx::threads {
 
 void Signal::Set() noexcept
 {
@@ -16,11 +16,6 @@ void Signal::Set() noexcept
             return;
         }
     }
-}
-
-void Signal::Clear() noexcept
-{
-    m_state.fetch_and(~kSet, std::memory_order_relaxed);
 }
 
 bool Signal::TryTake() noexcept
@@ -49,7 +44,7 @@ bool Signal::WaitUntil(clock::Moment deadline) noexcept
 // Takes what is set already, or else puts the caller into the queue.
 bool Signal::TakeOrQueue(Waiter& waiter) noexcept
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     std::uint32_t state = m_state.load(std::memory_order_relaxed);
     std::uint32_t next;
     do {
@@ -69,7 +64,7 @@ bool Signal::TakeOrQueue(Waiter& waiter) noexcept
 bool Signal::Leave(Waiter& waiter) noexcept
 {
     {
-        std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         if (waiter.bQueued) {
             m_queue.Remove(waiter);
             if (m_queue.IsEmpty()) m_state.fetch_and(~kQueued, std::memory_order_relaxed);
@@ -78,7 +73,7 @@ bool Signal::Leave(Waiter& waiter) noexcept
     }
     // Set has taken it off the queue and is about to touch it for the last time.
     for (std::uint32_t seen; !((seen = waiter.word.load(std::memory_order_acquire)) & kReleased);)
-        FutexWait(waiter.word, seen);
+        sync::FutexWait(waiter.word, seen);
     return false;
 }
 
@@ -86,9 +81,9 @@ bool Signal::Leave(Waiter& waiter) noexcept
 // see after the lock is free again.
 bool Signal::Release() noexcept
 {
-    IntrusiveList<Waiter> released;
+    sync::IntrusiveList<Waiter> released;
     {
-        std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         if (m_queue.IsEmpty()) return false;
         if (m_bManual) {
             released.Swap(m_queue);
@@ -101,11 +96,11 @@ bool Signal::Release() noexcept
             waiter->bQueued = false;
     }
     while (Waiter* waiter = released.TakeFirst()) {
-        Word& word = waiter->word;
+        sync::Word& word = waiter->word;
         word.fetch_or(kReleased, std::memory_order_release);
-        FutexWake(word);
+        sync::FutexWake(word);
     }
     return true;
 }
 
-} // namespace kx::sync
+} // namespace kx::threads
