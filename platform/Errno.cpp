@@ -42,6 +42,7 @@ DWORD kx::ErrorFromErrno(int nErrno) noexcept
         return ERROR_ALREADY_EXISTS;
     case ENOSPC:
     case EDQUOT:
+    case EFBIG:
         return ERROR_DISK_FULL;
     case ENOTEMPTY:
         return ERROR_DIR_NOT_EMPTY;

@@ -5,6 +5,7 @@
 #include "platform/files/NewFile.h"
 #include "platform/files/OpenFile.h"
 #include "platform/files/Path.h"
+#include "platform/files/WholeFile.h"
 
 #include <array>
 #include <cstdlib>

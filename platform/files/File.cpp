@@ -7,6 +7,7 @@
 #include "platform/files/Exception.h"
 #include "platform/files/OpenFile.h"
 #include "platform/files/Path.h"
+#include "platform/files/WholeFile.h"
 
 #include <sys/file.h>
 #include <sys/stat.h>

@@ -73,17 +73,4 @@ UniqueFd OpenFile(const std::string& systemPath, unsigned nOpenFlags)
     return fd;
 }
 
-int WriteAll(int fd, const void* pBuf, std::size_t nCount) noexcept
-{
-    const char* pch = static_cast<const char*>(pBuf);
-    do {
-        const ssize_t put = RetryEintr([&] { return write(fd, pch, nCount); });
-        if (put < 0) return errno;
-        if (put == 0 && nCount > 0) return ENOSPC; // no progress would be no end
-        pch += put;
-        nCount -= static_cast<std::size_t>(put);
-    } while (nCount > 0);
-    return 0;
-}
-
 } // namespace kx

@@ -4,6 +4,7 @@
 #include "platform/files/OpenFile.h"
 #include "platform/files/Path.h"
 #include "platform/files/ReadFile.h"
+#include "platform/files/WholeFile.h"
 
 #include <cerrno>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 #include "include/platform/StdioFile.h"
 
 #include "platform/files/Exception.h"
-#include "platform/files/OpenFile.h"
+#include "platform/files/WholeFile.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -6,12 +6,13 @@
 
 namespace kx::profile {
 
-CachedIni::CachedIni(std::string path, FileText file, unsigned nowGeneration)
+CachedIni::CachedIni(std::string path, const FileStamp& read, const timespec& now, std::string text,
+                     unsigned nowGeneration)
     : system(std::move(path)),
-      stamp(file.stamp),
-      bSettled(file.bSettled),
+      stamp(read),
+      bSettled(read.IsSettled(now)),
       generation(nowGeneration),
-      ini(std::move(file.text))
+      ini(std::move(text))
 {
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/profile/FileText.h"
+#include "platform/profile/FileStamp.h"
 #include "platform/profile/ParsedIni.h"
 
 #include <atomic>
@@ -14,14 +14,18 @@
 
 namespace kx::profile {
 
+// A larger file counts as unreadable, and none is made larger.
+inline constexpr std::size_t kMaxFile = 16 * 1024 * 1024;
+
 // A file as it was read.
 struct CachedIni
 {
-    CachedIni(std::string path, FileText file, unsigned nowGeneration);
+    CachedIni(std::string path, const FileStamp& read, const timespec& now, std::string text,
+              unsigned nowGeneration);
 
     std::string system; // its Linux path
     FileStamp stamp;
-    bool bSettled;       // as in FileText
+    bool bSettled;       // whether the stamp tells every change since
     unsigned generation; // of paths and code page
     ParsedIni ini;
     mutable std::atomic<std::uint64_t> lastUse{0};

@@ -3,8 +3,7 @@
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
 #include "platform/files/Path.h"
-#include "platform/profile/FileReplacement.h"
-#include "platform/profile/FileText.h"
+#include "platform/files/WholeFile.h"
 #include "platform/profile/IniCache.h"
 #include "platform/profile/KeptIni.h"
 
@@ -28,12 +27,14 @@ IniPtr IniOf(CachedIniPtr file)
 
 IniPtr Load(std::string_view name, const std::string& path, unsigned generation)
 {
-    FileText file;
-    if (const DWORD error = ReadFileText(path, file)) {
+    const timespec now = FileTime();
+    FileContent file;
+    if (const DWORD error = ReadWholeFile(path, kMaxFile, file)) {
         SetLastError(error);
         return nullptr;
     }
-    auto loaded = std::make_shared<const CachedIni>(path, std::move(file), generation);
+    auto loaded = std::make_shared<const CachedIni>(path, FileStamp(file.status), now, std::move(file.bytes),
+                                                    generation);
     Cache().Put(name, loaded);
     return IniOf(std::move(loaded));
 }
@@ -90,14 +91,15 @@ DWORD Update(const std::string& path, mode_t mode, const Edit& edit)
     if (KeptIni* kept = KeptIni::OfThread()) kept->ini = nullptr;
     FileReplacement replacement;
     if (const DWORD error = replacement.Begin(path, mode)) return error;
-    FileText file;
-    const DWORD error = ReadFileText(replacement.Target(), file);
+    FileContent file;
+    const DWORD error = ReadWholeFile(replacement.Target(), kMaxFile, file);
     if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND) return error;
-    const auto edited = edit(file.text);
+    const auto edited = edit(file.bytes);
     if (!edited) return ERROR_INVALID_PARAMETER;
-    if (*edited == file.text) return ERROR_SUCCESS;
+    if (*edited == file.bytes) return ERROR_SUCCESS;
     if (edited->size() > kMaxFile) return ERROR_DISK_FULL;
-    return replacement.Commit(*edited);
+    replacement.Write(edited->data(), edited->size());
+    return replacement.Commit();
 }
 
 } // namespace kx::profile

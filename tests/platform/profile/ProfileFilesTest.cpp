@@ -1,7 +1,9 @@
 #include "tests/platform/profile/IniFixture.h"
 
+#include <csignal>
 #include <functional>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -86,6 +88,51 @@ TEST(ProfileFiles, PermissionsStay)
     EXPECT_TRUE(ini.Set("S", "k", "v"));
     EXPECT_EQ(ModeOf(ini.Path()), 0640u);
     umask(mask);
+}
+
+// As root alone: only it can give a file away.
+TEST(ProfileFiles, OwnerGroupAndWholeModeStay)
+{
+    if (geteuid() != 0) GTEST_SKIP() << "needs root";
+    constexpr uid_t kNobody = 65534;
+    constexpr gid_t kGroup = 12345; // which nobody is in
+    const IniFile ini("[S]\nk=v\n");
+    struct stat now = {};
+    for (const mode_t mode : {02664u, 06755u, 0640u}) {
+        ASSERT_EQ(chown(ini.Path().c_str(), kNobody, kGroup), 0);
+        ASSERT_EQ(chmod(ini.Path().c_str(), mode), 0);
+        ASSERT_TRUE(ini.Set("S", "k", std::to_string(mode).c_str()));
+        EXPECT_EQ(ModeOf(ini.Path()), mode);
+        ASSERT_EQ(stat(ini.Path().c_str(), &now), 0);
+        EXPECT_TRUE(now.st_uid == kNobody && now.st_gid == kGroup);
+    }
+
+    // Its own group is another: the members of that get no more than everyone.
+    ASSERT_EQ(chmod(ini.Path().c_str(), 02664), 0);
+    ASSERT_EQ(chmod(ini.Dir().Path().c_str(), 0777), 0);
+    ASSERT_EQ(seteuid(kNobody), 0);
+    EXPECT_TRUE(ini.Set("S", "k", "by its owner"));
+    ASSERT_EQ(seteuid(0), 0);
+    EXPECT_EQ(ModeOf(ini.Path()), 0644u);
+}
+
+TEST(ProfileFiles, FullDiskLeavesTheOldFile)
+{
+    const IniFile ini("[S]\nk=v\n");
+    rlimit old = {};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{4096, old.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const bool bSet = ini.Set("S", "l", std::string(10'000, 'x').c_str());
+    const DWORD error = GetLastError();
+    setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, handler);
+
+    EXPECT_FALSE(bSet);
+    EXPECT_EQ(error, ERROR_DISK_FULL);
+    EXPECT_EQ(ini.Text(), "[S]\nk=v\n");
+    EXPECT_EQ(ini.Names(), std::set<std::string>{"test.ini"});
 }
 
 TEST(ProfileFiles, LinksStayAndTheirTargetIsReplaced)

@@ -2,9 +2,14 @@
 #include "tests/support/Child.h"
 
 #include <atomic>
+#include <chrono>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <memory>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -105,6 +110,43 @@ TEST(ProfileSharing, KilledWriterLeavesTheOldFileOrTheNewOne)
     }
     EXPECT_TRUE(ini.Set("S", "k", "end"));
     EXPECT_EQ(ini.Names(), std::set<std::string>{"test.ini"});
+}
+
+// Whether a write fails after at most the usual wait, with the file as it was.
+void ExpectGivesUp(const IniFile& ini)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_FALSE(ini.Set("S", "k", "w"));
+    EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
+    EXPECT_EQ(ini.Text(), "[S]\nk=v\n");
+}
+
+// A process that was stopped in the midst, and another user's files, free or locked, which one may not
+// remove.
+TEST(ProfileSharing, NobodyHoldsAWriterUpForLong)
+{
+    const bool bRoot = geteuid() == 0;
+    const IniFile stopped("[S]\nk=v\n"), locked("[S]\nk=v\n"), left("[S]\nk=v\n");
+    std::vector<int> parts;
+    for (const IniFile* ini : {&stopped, &locked, &left}) {
+        const std::string part = ini->Dir().Path(".test.ini.kxnew");
+        parts.push_back(open(part.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, ini == &locked ? 0600 : 0644));
+        ASSERT_EQ(chmod(ini->Path().c_str(), 0666), 0);
+        ASSERT_EQ(chmod(ini->Dir().Path().c_str(), 01777), 0);
+        ASSERT_TRUE((ini == &left && bRoot) || flock(parts.back(), LOCK_EX) == 0);
+    }
+    ASSERT_TRUE(!bRoot || seteuid(65534) == 0);
+    {
+        std::vector<std::jthread> writers;
+        for (const IniFile* ini : {&stopped, &locked, &left})
+            writers.emplace_back([ini] { ExpectGivesUp(*ini); });
+    }
+    ASSERT_TRUE(!bRoot || seteuid(0) == 0);
+    for (const int part : parts)
+        close(part);
+    EXPECT_TRUE(stopped.Set("S", "k", "w"));
+    EXPECT_EQ(stopped.Names(), std::set<std::string>{"test.ini"});
 }
 
 TEST(ProfileSharing, ThreadsReadWhileOneWrites)
