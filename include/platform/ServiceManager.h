@@ -66,7 +66,9 @@ struct SystemdPlace
     // enables and masks a unit lies in the configuration's, which systemd itself writes, and takes
     // precedence.
     std::string strUnitDir;
-    DWORD dwTimeout = 25'000; // milliseconds, at least 1, that a call of Services.h waits for all its answers
+    DWORD dwTimeout =
+        25'000; // milliseconds, at least 1, that a call of Services.h waits for all its answers;
+                // taking back what a failed CreateServiceA wrote has ten seconds of its own
 };
 
 KX_API std::shared_ptr<ServiceManager> MakeSystemdManager(const SystemdPlace& place = {});

@@ -145,8 +145,8 @@ KX_API int CloseServiceHandle(SC_HANDLE hObject);
 
 // All that follow give non-zero on success and 0 on failure.
 
-// Uninstalls the service (right DELETE). One that runs goes on until it is stopped. ERROR_ACCESS_DENIED also
-// for a service that CreateServiceA didn't install.
+// Uninstalls the service (right DELETE), with what is known of its last run. One that runs goes on until it
+// is stopped. ERROR_ACCESS_DENIED also for a service that CreateServiceA didn't install.
 KX_API int DeleteService(SC_HANDLE hService);
 
 // Changes the start type (right SERVICE_CHANGE_CONFIG), or nothing for SERVICE_NO_CHANGE. Type and error
@@ -168,8 +168,9 @@ KX_API int QueryServiceStatusEx(SC_HANDLE hService, SC_STATUS_TYPE level, BYTE* 
                                 DWORD* pcbNeeded);
 
 // Has the service started (right SERVICE_START), without arguments: 0 and null. Its state is
-// SERVICE_START_PENDING at first. ERROR_SERVICE_ALREADY_RUNNING in any state but SERVICE_STOPPED,
-// ERROR_SERVICE_DISABLED for one of that start type.
+// SERVICE_START_PENDING at first, and SERVICE_RUNNING once it says that it is ready or, for a program that
+// doesn't, such as all that CreateServiceA installs, has run for half a second. ERROR_SERVICE_ALREADY_RUNNING
+// in any state but SERVICE_STOPPED, ERROR_SERVICE_DISABLED for one of that start type.
 KX_API int StartServiceA(SC_HANDLE hService, DWORD dwArgs, const char** ppszArgs);
 
 // Has the service stopped (SERVICE_CONTROL_STOP, right SERVICE_STOP) and tells its status then.

@@ -152,9 +152,13 @@ TEST_F(WinService, WithoutAManagerEachOperationTriesAgain)
     EXPECT_EQ(service.GetStatus(bExists, dwState), 0);
     EXPECT_EQ(bExists, 0);
     EXPECT_EQ(dwState, SERVICE_STOPPED);
-    EXPECT_EQ(service.Create("C:\\a", 2, "b") + service.Delete() + service.ChangeDesc("c") +
-                  service.ChangeStartType(2) + service.DoStart() + service.DoStop() + service.OpenSCM(),
-              0);
+    EXPECT_EQ(service.Create("C:\\a", 2, "b"), 0);
+    EXPECT_EQ(service.Delete(), 0);
+    EXPECT_EQ(service.ChangeDesc("c"), 0);
+    EXPECT_EQ(service.ChangeStartType(2), 0);
+    EXPECT_EQ(service.DoStart(), 0);
+    EXPECT_EQ(service.DoStop(), 0);
+    EXPECT_EQ(service.OpenSCM(), 0);
     std::string expected;
     for (int n = 0; n < 9; ++n)
         expected += "OpenSCManager failed (1722)\n";
@@ -322,7 +326,8 @@ TEST_F(WinService, AServiceOpensItsHandleAnewAndACopyHasItsOwn)
     {
         CKXWinService service("Nv");
         EXPECT_EQ(count(), 1);
-        EXPECT_EQ(service.ChangeDesc("a") + service.ChangeStartType(2), 2);
+        EXPECT_EQ(service.ChangeDesc("a"), 1);
+        EXPECT_EQ(service.ChangeStartType(2), 1);
         EXPECT_EQ(count(), 2);
         CKXWinService copy(service);
         EXPECT_EQ(count(), 2);
@@ -354,8 +359,10 @@ TEST_F(WinService, WhatAManagerThrowsIsAFailure)
         if (call == "query Nv") throw 1;
         if (call == "delete Nv") throw std::bad_alloc();
     };
-    EXPECT_EQ(Run([](auto& service) { return service.DoStop() + service.Delete(); }), 0);
-    EXPECT_EQ(m_text, "QueryServiceStatusEx failed (31)\nDeleteService failed (8)\n");
+    EXPECT_EQ(Run([](auto& service) { return service.DoStop(); }), 0);
+    EXPECT_EQ(m_text, "QueryServiceStatusEx failed (31)\n");
+    EXPECT_EQ(Run([](auto& service) { return service.Delete(); }), 0);
+    EXPECT_EQ(m_text, "DeleteService failed (8)\n");
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "platform/services/systemd/CommandLine.h"
+#include "platform/services/systemd/UnitText.h"
 
 #include "include/platform/Error.h"
 #include "platform/files/Path.h"
@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <sys/stat.h>
 
-namespace kx::systemd {
+namespace kx::services::systemd {
 
 namespace {
 
@@ -51,27 +51,8 @@ DWORD FindProgram(std::string_view program, std::string& path)
     return bNameable && text::FromUtf8(path) ? ERROR_SUCCESS : ERROR_INVALID_NAME;
 }
 
-} // namespace
-
-DWORD ParseBinaryPath(const CString& binaryPath, std::vector<std::string>& command)
-{
-    const std::string_view line = text::Trim(binaryPath.View());
-    if (line.empty() || line.size() > kMaxBinaryPath) return ERROR_INVALID_PARAMETER;
-    std::string program;
-    // A path with spaces that nobody quoted, as it is and never a part of it.
-    if (FindProgram(line, program) == ERROR_SUCCESS && IsFile(program)) {
-        command.assign({std::move(program)});
-        return ERROR_SUCCESS;
-    }
-    const Parts parts = SplitProgram(line);
-    const auto rest = text::ToUtf8(parts.rest);
-    if (!rest || parts.program.empty()) return ERROR_INVALID_PARAMETER;
-    if (const DWORD error = FindProgram(parts.program, program)) return error;
-    command.assign({std::move(program)});
-    SplitArguments(*rest, command);
-    return ERROR_SUCCESS;
-}
-
+// Appends a command line's arguments: white space parts them but within double quotes, and backslashes are
+// plain but before a double quote, where two of them are one and an odd one makes the quote plain.
 void SplitArguments(std::string_view line, std::vector<std::string>& arguments)
 {
     std::size_t at = 0;
@@ -99,4 +80,25 @@ void SplitArguments(std::string_view line, std::vector<std::string>& arguments)
     }
 }
 
-} // namespace kx::systemd
+} // namespace
+
+DWORD ParseBinaryPath(const CString& binaryPath, std::vector<std::string>& command)
+{
+    const std::string_view line = text::Trim(binaryPath.View());
+    if (line.empty() || line.size() > kMaxBinaryPath) return ERROR_INVALID_PARAMETER;
+    std::string program;
+    // A path with spaces that nobody quoted, as it is and never a part of it.
+    if (FindProgram(line, program) == ERROR_SUCCESS && IsFile(program)) {
+        command.assign({std::move(program)});
+        return ERROR_SUCCESS;
+    }
+    const Parts parts = SplitProgram(line);
+    const auto rest = text::ToUtf8(parts.rest);
+    if (!rest || parts.program.empty()) return ERROR_INVALID_PARAMETER;
+    if (const DWORD error = FindProgram(parts.program, program)) return error;
+    command.assign({std::move(program)});
+    SplitArguments(*rest, command);
+    return ERROR_SUCCESS;
+}
+
+} // namespace kx::services::systemd

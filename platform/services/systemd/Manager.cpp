@@ -1,9 +1,5 @@
 #include "platform/services/systemd/Manager.h"
 
-#include "platform/services/systemd/CommandLine.h"
-#include "platform/services/systemd/Dependents.h"
-#include "platform/services/systemd/UnitFiles.h"
-#include "platform/services/systemd/UnitName.h"
 #include "platform/services/systemd/UnitText.h"
 #include "platform/text/Conversion.h"
 
@@ -12,12 +8,14 @@
 
 std::shared_ptr<KXHost::ServiceManager> KXHost::MakeSystemdManager(const SystemdPlace& place)
 {
-    return std::make_shared<kx::systemd::Manager>(place);
+    return std::make_shared<kx::services::systemd::Manager>(place);
 }
 
-namespace kx::systemd {
+namespace kx::services::systemd {
 
 namespace {
+
+constexpr DWORD kTakeBackTime = 10'000; // milliseconds
 
 // What wants the services that start with the machine, or with the user's first session.
 const char* StartTarget() noexcept
@@ -97,16 +95,25 @@ DWORD Manager::Install(Service& service, const std::string& text, DWORD startTyp
 {
     if (const DWORD error = m_store.Create(service.unit, text)) return error;
     DWORD error = Reload(service.bus);
+    // An earlier service of the name may have failed after it was deleted.
+    if (error == ERROR_SUCCESS) error = ResetFailed(service.bus, service.unit);
     if (error == ERROR_SUCCESS) error = ReadUnit(service.bus, service.unit, service.state);
     if (error == ERROR_SUCCESS && service.state.loadState != "loaded")
         error = service.state.loadState == "not-found" ? ERROR_PATH_NOT_FOUND : ERROR_INVALID_PARAMETER;
     if (error == ERROR_SUCCESS && startType != SERVICE_DEMAND_START)
         error = systemd::SetStartType(service.bus, service.unit, startType);
-    if (error == ERROR_SUCCESS) return ERROR_SUCCESS;
-    ForgetStartType(service.bus, service.unit);
-    m_store.Remove(service.unit);
-    Reload(service.bus);
+    if (error != ERROR_SUCCESS) TakeBack(service.unit);
     return error;
+}
+
+// Removes what a failed Install wrote. The operation's own time may be over, and its connection broken.
+void Manager::TakeBack(const std::string& unit) const
+{
+    m_store.Remove(unit);
+    Bus bus(kTakeBackTime);
+    if (bus.Connect(m_address) != ERROR_SUCCESS) return;
+    ForgetStartType(bus, unit);
+    Reload(bus);
 }
 
 DWORD Manager::Delete(const CString& strName)
@@ -116,7 +123,9 @@ DWORD Manager::Delete(const CString& strName)
     if (!m_store.Has(service.unit)) return ERROR_ACCESS_DENIED;
     if (const DWORD error = ForgetStartType(service.bus, service.unit)) return error;
     if (const DWORD error = m_store.Remove(service.unit)) return error;
-    return Reload(service.bus);
+    if (const DWORD error = Reload(service.bus)) return error;
+    ResetFailed(service.bus, service.unit); // Create does so too
+    return ERROR_SUCCESS;
 }
 
 DWORD Manager::SetStartType(const CString& strName, DWORD dwStartType)
@@ -152,7 +161,7 @@ DWORD Manager::Start(const CString& strName)
 {
     Service service(m_timeout);
     if (const DWORD error = FindInstalled(strName, service)) return error;
-    if (StatusOf(service.state).dwCurrentState != SERVICE_STOPPED) return ERROR_SERVICE_ALREADY_RUNNING;
+    if (CurrentState(service.state) != SERVICE_STOPPED) return ERROR_SERVICE_ALREADY_RUNNING;
     return service.bus.Call(nullptr, kManagerPath, kManager, "StartUnit", "ss", service.unit.c_str(),
                             "replace");
 }
@@ -161,7 +170,7 @@ DWORD Manager::Stop(const CString& strName, SERVICE_STATUS& status)
 {
     Service service(m_timeout);
     if (const DWORD error = Find(strName, service)) return error;
-    const DWORD state = StatusOf(service.state).dwCurrentState;
+    const DWORD state = CurrentState(service.state);
     if (state == SERVICE_STOPPED) return ERROR_SERVICE_NOT_ACTIVE;
     if (state != SERVICE_RUNNING) return ERROR_SERVICE_CANNOT_ACCEPT_CTRL;
     std::vector<KXHost::DependentService> dependents;
@@ -185,4 +194,4 @@ DWORD Manager::ListDependents(const CString& strName, std::vector<KXHost::Depend
     return systemd::ListDependents(service.bus, service.unit, service.state, dependents);
 }
 
-} // namespace kx::systemd
+} // namespace kx::services::systemd

@@ -5,7 +5,7 @@
 #include "platform/services/systemd/UnitState.h"
 #include "platform/services/systemd/UnitStore.h"
 
-namespace kx::systemd {
+namespace kx::services::systemd {
 
 // systemd as the manager of services. Each operation makes a connection of its own, so that nothing is
 // shared, and a systemd that was started anew meanwhile is no matter.
@@ -38,10 +38,11 @@ private:
     DWORD Find(const CString& name, Service& service) const;
     DWORD FindInstalled(const CString& name, Service& service) const;
     DWORD Install(Service& service, const std::string& text, DWORD startType) const;
+    void TakeBack(const std::string& unit) const;
 
     const std::string m_address;
     const DWORD m_timeout;
     const UnitStore m_store;
 };
 
-} // namespace kx::systemd
+} // namespace kx::services::systemd

@@ -5,7 +5,7 @@
 #include <limits>
 #include <string_view>
 
-namespace kx::systemd {
+namespace kx::services::systemd {
 
 namespace {
 
@@ -18,22 +18,22 @@ constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 constexpr DWORD kStartHint = 10'000;
 constexpr DWORD kStopHint = 250;
 
+// A program that doesn't tell when it is ready counts as running once it has run this long. One that exits at
+// once has done so by then on a busy machine too.
+constexpr std::uint64_t kSettled = kSecond / 2;
+constexpr DWORD kSettling = 4999; // its check point until then: past all steps of a start
+
 // The order in which a unit goes through the parts of its start or stop; no step goes back.
 constexpr std::string_view kSteps[] = {
     "condition",    "start-pre",    "start",     "start-post",     "stop",          "stop-watchdog",
     "stop-sigterm", "stop-sigkill", "stop-post", "final-watchdog", "final-sigterm", "final-sigkill",
 };
 
-DWORD CurrentState(const UnitState& unit) noexcept
+bool IsSettling(const UnitState& unit, std::uint64_t now) noexcept
 {
-    const std::string_view active = unit.activeState, job = unit.jobType;
-    const bool bToStart = job == "start" || job == "restart" || job == "reload-or-start";
-    const bool bToStop = job == "stop" || job == "restart" || job == "try-restart";
-    if (active == "deactivating") return SERVICE_STOP_PENDING;
-    if (active == "inactive" || active == "failed" || active == "maintenance")
-        return bToStart ? SERVICE_START_PENDING : SERVICE_STOPPED;
-    if (bToStop) return SERVICE_STOP_PENDING;
-    return active == "activating" ? SERVICE_START_PENDING : SERVICE_RUNNING;
+    const std::string_view type = unit.serviceType;
+    return (type == "exec" || type == "simple" || type == "idle") && unit.activeState == "active" &&
+           now - std::min(unit.activeSince, now) < kSettled;
 }
 
 // Rises with each step, and within it with each second for as long as systemd itself allows the step: it
@@ -59,24 +59,40 @@ DWORD ExitCode(const UnitState& unit, DWORD state) noexcept
 
 } // namespace
 
+DWORD CurrentState(const UnitState& unit) noexcept
+{
+    const std::string_view active = unit.activeState, job = unit.jobType;
+    const bool bToStart = job == "start" || job == "restart" || job == "reload-or-start";
+    const bool bToStop = job == "stop" || job == "restart" || job == "try-restart";
+    if (active == "deactivating") return SERVICE_STOP_PENDING;
+    if (active == "inactive" || active == "failed" || active == "maintenance")
+        return bToStart ? SERVICE_START_PENDING : SERVICE_STOPPED;
+    if (bToStop) return SERVICE_STOP_PENDING;
+    return active == "activating" ? SERVICE_START_PENDING : SERVICE_RUNNING;
+}
+
 SERVICE_STATUS_PROCESS StatusOf(const UnitState& unit, std::uint64_t now) noexcept
 {
     SERVICE_STATUS_PROCESS status{};
     status.dwServiceType = SERVICE_WIN32_OWN_PROCESS;
     status.dwCurrentState = CurrentState(unit);
-    status.dwControlsAccepted =
-        status.dwCurrentState == SERVICE_RUNNING && unit.canStop ? SERVICE_ACCEPT_STOP : 0;
+    const bool bSettling = status.dwCurrentState == SERVICE_RUNNING && IsSettling(unit, now);
+    if (bSettling) status.dwCurrentState = SERVICE_START_PENDING;
+    const bool bRuns = status.dwCurrentState == SERVICE_RUNNING;
+    const bool bStarts = status.dwCurrentState == SERVICE_START_PENDING;
+    const bool bStops = status.dwCurrentState == SERVICE_STOP_PENDING;
+    status.dwControlsAccepted = bRuns && unit.canStop ? SERVICE_ACCEPT_STOP : 0;
     status.dwWin32ExitCode = ExitCode(unit, status.dwCurrentState);
     if (status.dwWin32ExitCode == ERROR_SERVICE_SPECIFIC_ERROR)
         status.dwServiceSpecificExitCode = static_cast<DWORD>(unit.exitStatus);
     status.dwProcessId = unit.mainPid;
-    const bool bStarts = status.dwCurrentState == SERVICE_START_PENDING;
-    const bool bStops = status.dwCurrentState == SERVICE_STOP_PENDING;
-    if (bStarts || bStops)
+    if (bSettling)
+        status.dwCheckPoint = kSettling;
+    else if (bStarts || bStops)
         status.dwCheckPoint = CheckPoint(unit, bStarts ? unit.startLimit : unit.stopLimit, now);
-    // A running service has a hint so that who waits for its end doesn't spin, a stopped one so that who has
-    // waited for its stop doesn't find it overdue.
-    status.dwWaitHint = bStops || status.dwCurrentState == SERVICE_RUNNING ? kStopHint : kStartHint;
+    // A running service has a hint so that a caller who waits for its end doesn't spin, a stopped one so that
+    // a caller who has waited for its stop doesn't find it overdue.
+    status.dwWaitHint = bStops || bRuns ? kStopHint : kStartHint;
     return status;
 }
 
@@ -99,4 +115,4 @@ SERVICE_STATUS WithoutProcess(const SERVICE_STATUS_PROCESS& status) noexcept
             status.dwWaitHint};
 }
 
-} // namespace kx::systemd
+} // namespace kx::services::systemd

@@ -13,7 +13,7 @@
 #include <systemd/sd-path.h>
 #include <unistd.h>
 
-namespace kx::systemd {
+namespace kx::services::systemd {
 
 namespace {
 
@@ -65,6 +65,27 @@ DWORD RemoveFile(const std::string& path) noexcept
                                                                             : ErrorFromErrno(errno);
 }
 
+DWORD Enable(Bus& bus, const std::string& unit)
+{
+    Message reply;
+    if (const DWORD error =
+            bus.Call(&reply, kManagerPath, kManager, "EnableUnitFiles", "asbb", 1, unit.c_str(), 0, 0))
+        return error;
+    int bSaysWhen = 0;
+    if (sd_bus_message_read_basic(reply.get(), 'b', &bSaysWhen) <= 0) return ERROR_GEN_FAILURE;
+    return bSaysWhen ? ERROR_SUCCESS : ERROR_INVALID_PARAMETER;
+}
+
+DWORD Disable(Bus& bus, const std::string& unit)
+{
+    return bus.Call(nullptr, kManagerPath, kManager, "DisableUnitFiles", "asb", 1, unit.c_str(), 0);
+}
+
+DWORD Unmask(Bus& bus, const std::string& unit)
+{
+    return bus.Call(nullptr, kManagerPath, kManager, "UnmaskUnitFiles", "asb", 1, unit.c_str(), 0);
+}
+
 } // namespace
 
 UnitStore::UnitStore(const std::string& directory)
@@ -106,4 +127,37 @@ DWORD UnitStore::Undescribe(const std::string& unit) const
     return ERROR_SUCCESS;
 }
 
-} // namespace kx::systemd
+DWORD Reload(Bus& bus)
+{
+    return bus.Call(nullptr, kManagerPath, kManager, "Reload", "");
+}
+
+DWORD ForgetStartType(Bus& bus, const std::string& unit)
+{
+    const DWORD unmasked = Unmask(bus, unit), disabled = Disable(bus, unit);
+    return unmasked == ERROR_SUCCESS ? disabled : unmasked;
+}
+
+DWORD ResetFailed(Bus& bus, const std::string& unit)
+{
+    const DWORD error = bus.Call(nullptr, kManagerPath, kManager, "ResetFailedUnit", "s", unit.c_str());
+    return error == ERROR_SERVICE_DOES_NOT_EXIST ? ERROR_SUCCESS : error; // one that isn't loaded
+}
+
+DWORD SetStartType(Bus& bus, const std::string& unit, DWORD startType)
+{
+    DWORD error = ERROR_INVALID_PARAMETER;
+    if (startType == SERVICE_AUTO_START) {
+        error = Unmask(bus, unit);
+        if (error == ERROR_SUCCESS) error = Enable(bus, unit);
+    } else if (startType == SERVICE_DEMAND_START) {
+        error = ForgetStartType(bus, unit);
+    } else if (startType == SERVICE_DISABLED) {
+        error = Disable(bus, unit);
+        if (error == ERROR_SUCCESS)
+            error = bus.Call(nullptr, kManagerPath, kManager, "MaskUnitFiles", "asbb", 1, unit.c_str(), 0, 0);
+    }
+    return error == ERROR_SUCCESS ? Reload(bus) : error;
+}
+
+} // namespace kx::services::systemd

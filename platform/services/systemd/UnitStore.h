@@ -1,11 +1,11 @@
 #pragma once
 
-#include "include/platform/Types.h"
+#include "platform/services/systemd/Bus.h"
 
 #include <string>
 #include <string_view>
 
-namespace kx::systemd {
+namespace kx::services::systemd {
 
 // The directory of the units that are made here. A file appears in it, or changes, as a whole. Units are
 // named by `NAME.service`; results are ERROR_... codes.
@@ -32,4 +32,19 @@ private:
     std::string m_directory; // empty: there is none to be had
 };
 
-} // namespace kx::systemd
+// Below is what systemd itself writes of units; results are ERROR_... codes.
+
+// Reads all units anew.
+DWORD Reload(Bus& bus);
+
+// Has a unit started with the machine, only when asked, or not at all, by SERVICE_..._START or
+// SERVICE_DISABLED; ERROR_INVALID_PARAMETER for another or for a unit that can't be started by itself.
+DWORD SetStartType(Bus& bus, const std::string& unit, DWORD startType);
+
+// Removes what was written for any of them, as much of it as can be: the first error.
+DWORD ForgetStartType(Bus& bus, const std::string& unit);
+
+// Has a unit that failed counted as one that is stopped. Nothing happens to one in another state.
+DWORD ResetFailed(Bus& bus, const std::string& unit);
+
+} // namespace kx::services::systemd

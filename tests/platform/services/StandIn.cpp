@@ -72,6 +72,9 @@ void AppendUnit(sd_bus_message* reply, const std::string& name, const Unit& unit
     sd_bus_message_append(reply, "{sv}", "CanStop", "b", unit.canStop);
     sd_bus_message_append(reply, "{sv}", "StateChangeTimestampMonotonic", "t",
                           Microseconds() - unit.secondsAgo * 1'000'000);
+    sd_bus_message_append(reply, "{sv}", "ActiveEnterTimestampMonotonic", "t",
+                          Microseconds() - unit.activeFor);
+    sd_bus_message_append(reply, "{sv}", "Type", "s", unit.type.c_str());
     sd_bus_message_append(reply, "{sv}", "Job", "(uo)", unit.jobType.empty() ? 0u : 7u, job.c_str());
     sd_bus_message_append(reply, "{sv}", "MainPID", "u", unit.pid);
     sd_bus_message_append(reply, "{sv}", "Result", "s", unit.result.c_str());
@@ -141,6 +144,12 @@ void StandIn::Set(const std::string& name, Unit unit)
     m_units[name] = std::move(unit);
 }
 
+std::string StandIn::Active(const std::string& name)
+{
+    const std::lock_guard lock(m_lock);
+    return m_units[name].active;
+}
+
 void StandIn::Fail(const std::string& method, const std::string& error)
 {
     const std::lock_guard lock(m_lock);
@@ -204,6 +213,12 @@ int StandIn::AnswerManager(sd_bus_message* call, const std::string& method)
     if (result < 0) return result;
     m_calls +=
         method + " " + name + (*mode ? std::string(" ") + mode : "") + (runtime || force ? " !" : "") + ";";
+    if (method == "ResetFailedUnit") {
+        if (!m_units.contains(name))
+            return sd_bus_reply_method_errorf(call, "org.freedesktop.systemd1.NoSuchUnit", "not loaded");
+        if (m_units[name].active == "failed") m_units[name].active = "inactive";
+        return sd_bus_reply_method_return(call, "");
+    }
     if (method == "LoadUnit") return sd_bus_reply_method_return(call, "o", PathOf(kUnits, name).c_str());
     if (bJob) {
         Unit& unit = m_units[name];

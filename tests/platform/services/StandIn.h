@@ -37,9 +37,11 @@ struct Unit
     std::string load = "loaded";
     std::string active = "inactive";
     std::string sub = "dead";
-    std::string jobType;          // empty: no job
-    bool jobGone = false;         // the job has ended when it is asked for
-    std::uint64_t secondsAgo = 0; // since the last change
+    std::string jobType;                 // empty: no job
+    bool jobGone = false;                // the job has ended when it is asked for
+    std::uint64_t secondsAgo = 0;        // since the last change
+    std::uint64_t activeFor = 2'000'000; // microseconds
+    std::string type = "exec";
     std::string description = "A unit";
     bool canStop = true;
     std::uint32_t pid = 0;
@@ -65,6 +67,8 @@ public:
     ~StandIn();
 
     void Set(const std::string& name, Unit unit);
+    // A unit's active state.
+    std::string Active(const std::string& name);
     // From now on that method fails with an error of this name; "": never answers; "=TYPE": answers with
     // nothing of that type.
     void Fail(const std::string& method, const std::string& error);

@@ -141,8 +141,8 @@ TEST_F(Systemd, AServiceIsAUnitFileAndLinksThatSystemdMakes)
     EXPECT_EQ(Open("Nv"), ERROR_SERVICE_DOES_NOT_EXIST);
     Calls();
     EXPECT_EQ(Create("Nv", "C:\\opt\\nv -x", SERVICE_AUTO_START), 0u);
-    EXPECT_EQ(Calls(), "LoadUnit Nv.service;Reload;LoadUnit Nv.service;UnmaskUnitFiles Nv.service;"
-                       "EnableUnitFiles Nv.service;Reload;");
+    EXPECT_EQ(Calls(), "LoadUnit Nv.service;Reload;ResetFailedUnit Nv.service;LoadUnit Nv.service;"
+                       "UnmaskUnitFiles Nv.service;EnableUnitFiles Nv.service;Reload;");
     EXPECT_EQ(m_dir.Read("units/Nv.service"), UnitText("Norvale", R"(":/opt/nv" "-x")"));
     EXPECT_EQ(std::filesystem::status(m_units + "/Nv.service").permissions(), std::filesystem::perms(0644));
     EXPECT_EQ(Create("Nv"), ERROR_SERVICE_EXISTS);
@@ -162,7 +162,8 @@ TEST_F(Systemd, AServiceIsAUnitFileAndLinksThatSystemdMakes)
     EXPECT_EQ(Describe("Nv", "Again"), 0u);
     Calls();
     EXPECT_EQ(Delete("Nv"), 0u);
-    EXPECT_EQ(Calls(), load + "UnmaskUnitFiles Nv.service;DisableUnitFiles Nv.service;Reload;");
+    EXPECT_EQ(Calls(), load + "UnmaskUnitFiles Nv.service;DisableUnitFiles Nv.service;Reload;"
+                              "ResetFailedUnit Nv.service;");
     EXPECT_EQ(Files(), Strings{});
     EXPECT_EQ(Delete("Nv"), ERROR_SERVICE_DOES_NOT_EXIST);
     EXPECT_EQ(Create("Nv", "C:\\opt\\nv", SERVICE_DISABLED), 0u);
@@ -192,6 +193,53 @@ TEST_F(Systemd, WhatCantBeInstalledLeavesNothing)
     m_standIn->Fail("LoadUnit", "org.freedesktop.DBus.Error.NoReply");
     EXPECT_EQ(Create("New"), ERROR_SERVICE_REQUEST_TIMEOUT);
     EXPECT_EQ(Files(), before);
+}
+
+TEST_F(Systemd, ACreateThatRanOutOfTimeTakesBackWhatSystemdWrote)
+{
+    for (const auto& [method, type] :
+         {std::pair{"EnableUnitFiles", SERVICE_AUTO_START}, std::pair{"MaskUnitFiles", SERVICE_DISABLED}}) {
+        m_standIn->Fail(method, ""); // has done it, and answers too late
+        Use(s_bus->Address(), 100);
+        Calls();
+        EXPECT_EQ(Create("Nv", "C:\\nv", type), ERROR_SERVICE_REQUEST_TIMEOUT);
+        const std::string calls = Calls();
+        EXPECT_TRUE(calls.ends_with("UnmaskUnitFiles Nv.service;DisableUnitFiles Nv.service;Reload;"))
+            << calls;
+        EXPECT_EQ(Files(), Strings{});
+    }
+    // A part that can't be taken back keeps no other from it.
+    m_standIn->Fail("UnmaskUnitFiles", "org.freedesktop.DBus.Error.AccessDenied");
+    EXPECT_EQ(Create("Nv", "C:\\nv", SERVICE_AUTO_START), ERROR_ACCESS_DENIED);
+    EXPECT_TRUE(Calls().ends_with("DisableUnitFiles Nv.service;Reload;"));
+    EXPECT_EQ(Files(), Strings{});
+}
+
+TEST_F(Systemd, NothingIsLeftOfAFailedRunByADeletedService)
+{
+    const auto fail = [&] {
+        test::Unit unit;
+        unit.active = unit.sub = "failed";
+        unit.result = "exit-code";
+        m_standIn->Set("Nv.service", unit);
+    };
+    EXPECT_EQ(Create("Nv"), 0u);
+    fail();
+    EXPECT_EQ(Delete("Nv"), 0u);
+    EXPECT_EQ(m_standIn->Active("Nv.service"), "inactive");
+    // One that fails after it was deleted.
+    test::Unit gone;
+    gone.load = "not-found";
+    gone.active = "failed";
+    m_standIn->Set("Nv.service", gone);
+    EXPECT_EQ(Create("Nv"), 0u);
+    EXPECT_EQ(m_standIn->Active("Nv.service"), "inactive");
+    // What can't be reset is deleted all the same, and not made anew.
+    m_standIn->Fail("ResetFailedUnit", "org.freedesktop.DBus.Error.AccessDenied");
+    EXPECT_EQ(Delete("Nv"), 0u);
+    EXPECT_EQ(Files(), Strings{});
+    EXPECT_EQ(Create("Nv"), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(Files(), Strings{});
 }
 
 TEST_F(Systemd, ADeletedServiceThatRunsCanOnlyBeStopped)
@@ -356,6 +404,26 @@ TEST_F(Systemd, StatesBecomeThePlatforms)
         EXPECT_EQ(status.dwControlsAccepted, one.dwState == SERVICE_RUNNING ? SERVICE_ACCEPT_STOP : 0u);
         EXPECT_EQ(status.dwProcessId, 42u);
         EXPECT_EQ(status.dwServiceType, SERVICE_WIN32_OWN_PROCESS);
+    }
+    // systemd calls a unit active as soon as the program is loaded; a program that doesn't tell when it is
+    // ready runs only when it has been so for half a second. It can be stopped before.
+    for (const char* pszType : {"exec", "simple", "idle", "notify", "forking", "oneshot"}) {
+        for (const auto& [activeFor, bSettled] : {std::pair{99'000u, false}, {501'000u, true}}) {
+            test::Unit unit;
+            unit.active = "active";
+            unit.sub = "running";
+            unit.type = pszType;
+            unit.activeFor = activeFor;
+            m_standIn->Set("Nv.service", unit);
+            const auto status = Status("Nv");
+            const bool bTells = std::string_view("notify forking oneshot").find(pszType) != std::string::npos;
+            const bool bRuns = bSettled || bTells;
+            EXPECT_EQ(status.dwCurrentState, bRuns ? SERVICE_RUNNING : SERVICE_START_PENDING) << pszType;
+            EXPECT_EQ(status.dwCheckPoint, bRuns ? 0u : 4999u) << pszType;
+            EXPECT_EQ(status.dwWaitHint, bRuns ? 250u : 10'000u) << pszType;
+            EXPECT_EQ(Start("Nv"), ERROR_SERVICE_ALREADY_RUNNING);
+            EXPECT_EQ(Stop("Nv"), 0u);
+        }
     }
     // A job that ends while it is asked for.
     test::Unit gone;

@@ -1,8 +1,11 @@
 #include "platform/services/systemd/UnitState.h"
 
-#include "platform/Errno.h"
+#include "platform/services/systemd/UnitText.h"
+#include "platform/text/Conversion.h"
 
-namespace kx::systemd {
+#include <set>
+
+namespace kx::services::systemd {
 
 namespace {
 
@@ -30,6 +33,7 @@ DWORD ReadUnitPart(Bus& bus, const std::string& path, UnitState& state)
         {"SubState", &state.subState},
         {"Description", &state.description},
         {"StateChangeTimestampMonotonic", &state.changed},
+        {"ActiveEnterTimestampMonotonic", &state.activeSince},
         {"CanStop", &state.canStop},
         {"Job", &state.job},
         {"RequiredBy", &requiredBy},
@@ -46,6 +50,7 @@ DWORD ReadUnitPart(Bus& bus, const std::string& path, UnitState& state)
 DWORD ReadServicePart(Bus& bus, const std::string& path, UnitState& state)
 {
     const Property properties[] = {
+        {"Type", &state.serviceType},
         {"MainPID", &state.mainPid},
         {"Result", &state.result},
         {"ExecMainStatus", &state.exitStatus},
@@ -61,6 +66,25 @@ DWORD ReadJobPart(Bus& bus, UnitState& state)
 {
     const Property properties[] = {{"JobType", &state.jobType}};
     return bus.Read(state.job.path.c_str(), kJob, properties);
+}
+
+constexpr std::size_t kMaxUnits = 10'000; // more are no honest answer
+
+// A unit whose dependents are being looked at.
+struct Visit
+{
+    std::string unit;
+    UnitState state;
+    std::size_t next = 0;
+};
+
+void Add(const Visit& visit, std::vector<KXHost::DependentService>& dependents)
+{
+    auto name = NameOf(visit.unit);
+    if (!name || !visit.state.Exists()) return;
+    const std::string title = text::FromUtf8Lossy(visit.state.description);
+    dependents.push_back(
+        {std::move(*name), CString(std::string_view(title)), WithoutProcess(StatusOf(visit.state))});
 }
 
 } // namespace
@@ -85,4 +109,26 @@ DWORD ReadUnit(Bus& bus, const std::string& unit, UnitState& state)
     return ERROR_SUCCESS;
 }
 
-} // namespace kx::systemd
+DWORD ListDependents(Bus& bus, const std::string& unit, const UnitState& state,
+                     std::vector<KXHost::DependentService>& dependents)
+{
+    std::set<std::string> seen{unit};
+    std::vector<Visit> path;
+    path.push_back({unit, state});
+    while (!path.empty()) {
+        Visit& last = path.back();
+        if (last.next == last.state.dependents.size()) {
+            if (path.size() > 1) Add(last, dependents);
+            path.pop_back();
+            continue;
+        }
+        Visit visit{last.state.dependents[last.next++], {}};
+        if (!seen.insert(visit.unit).second) continue;
+        if (seen.size() > kMaxUnits) return ERROR_GEN_FAILURE;
+        if (const DWORD error = ReadUnit(bus, visit.unit, visit.state)) return error;
+        path.push_back(std::move(visit));
+    }
+    return ERROR_SUCCESS;
+}
+
+} // namespace kx::services::systemd
