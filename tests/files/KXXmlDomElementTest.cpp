@@ -320,6 +320,20 @@ TEST_F(KXXmlDomElement, FollowsLaterDeclarations)
     EXPECT_STREQ(b.GetXml(), "<p:b xmlns:p=\"v\" p:i=\"1\"><p:c/><d xmlns:p=\"w\"><p:e/></d></p:b>");
 }
 
+TEST_F(KXXmlDomElement, TakesByte80AndCharacter80ForTwoThings)
+{
+    const std::string longer(80, 'x');
+    for (const std::string& head : {std::string(), longer}) {
+        const std::string character = head + "\xC2\x80"; // in UTF-8
+        CKXXmlDomElement root = Root("<r/>");
+        root.SetText((head + "\x80").c_str()); // a byte that isn't ASCII
+        const test::CodePage utf8(65001);
+        EXPECT_STRNE(root.GetText(), character.c_str());
+        root = Root("<r>" + character + "</r>");
+        EXPECT_STREQ(root.GetText(), character.c_str());
+    }
+}
+
 TEST_F(KXXmlDomElement, FindsByPattern)
 {
     CKXXmlDomElement root =

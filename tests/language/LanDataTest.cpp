@@ -138,17 +138,27 @@ TEST_F(LanData, ReadersMayRunDuringALoad)
         data += "k" + std::to_string(n) + "=some text\n";
     Load(data);
     std::atomic<bool> done{false};
+    std::atomic<int> reads{0}, names{0};
     std::jthread reader([&] {
-        while (!done) {
+        for (; !done; ++reads) {
             const std::string text = Get("k499");
-            EXPECT_TRUE(text == "some text" || text == "k499") << text;
-            lans->GetLanName(0);
+            if (text != "k499") {
+                EXPECT_EQ(text, "some text");
+            }
+            names += lans->GetLanName(0) == "L";
         }
     });
-    for (int n = 0; n < 20; ++n)
-        lans->SetCurrentLan("L", 0);
-    lans->Initialize(tree.Name().c_str());
+    for (int n = 0; n < 20; ++n) {
+        const int nBefore = reads;
+        EXPECT_EQ(lans->SetCurrentLan("L", 0), 1);
+        while (reads == nBefore)
+            std::this_thread::yield();
+    }
+    EXPECT_EQ(lans->Initialize(tree.Name().c_str()), 1);
     done = true;
+    reader.join();
+    EXPECT_GE(reads, 20);
+    EXPECT_GE(names, 20);
 }
 
 } // namespace

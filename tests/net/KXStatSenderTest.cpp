@@ -5,6 +5,7 @@
 #include "tests/support/HttpServer.h"
 #include "tests/support/TempDir.h"
 
+#include <algorithm>
 #include <condition_variable>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -108,6 +109,23 @@ TEST_F(Stats, TheIdIsMadeOnceAndKept)
     EXPECT_EQ(IdOf(second), id);
     KXHost::SetRegistryFile(dir.Path("another.ini"));
     EXPECT_NE(IdOf(second), id);
+}
+
+TEST_F(Stats, AnIdHasSixteenBytesOfItsOwn)
+{
+    Sender sender;
+    std::vector<std::string> ids;
+    for (int n = 0; n < 6; ++n) {
+        KXHost::SetRegistryFile(dir.Path("id" + std::to_string(n)));
+        ids.push_back(IdOf(sender));
+        ASSERT_THAT(ids.back(), MatchesRegex(kHex));
+    }
+    // No two of them are the same one, as they would be in each id then.
+    for (std::size_t a = 0; a < 32; a += 2)
+        for (std::size_t b = 0; b < a; b += 2)
+            EXPECT_FALSE(std::ranges::all_of(
+                ids, [&](const std::string& id) { return id.substr(a, 2) == id.substr(b, 2); }))
+                << a << " and " << b;
 }
 
 TEST_F(Stats, AnIdThatIsNoneIsReplaced)

@@ -186,7 +186,8 @@ TEST_F(Skins, TheCurrentOneIsLoadedAgainByNameOnly)
 {
     const Window window("window");
     EXPECT_EQ(skins->SetSkin(2, 0), 1); // silently
-    EXPECT_EQ(skins->GetCurrentSkinkID() + skins->GetBtnRes()->m_bPushButton, 3);
+    EXPECT_EQ(skins->GetCurrentSkinkID(), 2);
+    EXPECT_EQ(skins->GetBtnRes()->m_bPushButton, 1);
     const OpenedFiles files;
     EXPECT_EQ(skins->SetSkin(2, 1), 1);
     EXPECT_THAT(files.Names(), IsEmpty());
@@ -212,7 +213,8 @@ TEST_F(Skins, MissingAndBrokenFilesLeaveDefaults)
         skins->SetSkin("Full", 0);
         EXPECT_EQ(skins->SetSkin(name, 1), 1) << name;
         EXPECT_EQ(events.back(), "callback 0 0 16777215");
-        EXPECT_EQ(skins->GetWndRes()->m_nBkgType + skins->GetWndRes()->m_bAutoAlign, 1);
+        EXPECT_EQ(skins->GetWndRes()->m_nBkgType, 0);
+        EXPECT_EQ(skins->GetWndRes()->m_bAutoAlign, 1);
         EXPECT_EQ(skins->GetIMLRes()->m_hNormalIcon, nullptr);
         EXPECT_EQ(skins->GetOthRes()->m_imgFileSend.GetImageSize().cx, 0);
     }
@@ -220,8 +222,10 @@ TEST_F(Skins, MissingAndBrokenFilesLeaveDefaults)
     skins->SetSkin("Full", 0);
     EXPECT_EQ(skins->SetSkin("Partial", 1), 1); // as far as its files go
     EXPECT_EQ(events.back(), "callback 30 0 197121");
-    EXPECT_EQ(skins->GetWndRes()->m_nLeftWidth + skins->GetBtnRes()->m_bRadioButton, 0);
-    EXPECT_EQ(skins->GetWndRes()->m_nOldLeftWidth + skins->GetBtnRes()->m_bCheckBox, 13);
+    EXPECT_EQ(skins->GetWndRes()->m_nLeftWidth, 0);
+    EXPECT_EQ(skins->GetBtnRes()->m_bRadioButton, 0);
+    EXPECT_EQ(skins->GetWndRes()->m_nOldLeftWidth, 12);
+    EXPECT_EQ(skins->GetBtnRes()->m_bCheckBox, 1);
     EXPECT_EQ(skins->GetIMLRes()->m_hNormalIcon, nullptr);
     EXPECT_NE(skins->GetIMLRes()->m_hExpandIcon, nullptr);
     EXPECT_EQ(skins->GetOthRes()->m_imgFileSend.IsValid(), 0);

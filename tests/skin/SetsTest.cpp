@@ -296,12 +296,14 @@ TEST_F(Sets, OtherControlsHaveFillsStatesAndImages)
     EXPECT_EQ(images(), "1x2 1x2");
     for (int n = 0; n < 2; ++n) {
         res.UnLoadRes();
-        EXPECT_EQ(res.m_imgFileSend.IsValid() + res.m_imgFileReceive.IsValid(), 0);
+        EXPECT_EQ(res.m_imgFileSend.IsValid(), 0);
+        EXPECT_EQ(res.m_imgFileReceive.IsValid(), 0);
     }
     Load(res);
     EXPECT_EQ(images(), "1x2 1x2");
     LoadNothing(res);
-    EXPECT_EQ(res.m_imgFileSend.IsValid() + res.m_imgFileReceive.IsValid(), 0);
+    EXPECT_EQ(res.m_imgFileSend.IsValid(), 0);
+    EXPECT_EQ(res.m_imgFileReceive.IsValid(), 0);
     EXPECT_EQ(Text(res.m_sizeOutlookBar), "0x0");
 }
 
