@@ -1,0 +1,81 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace faults {
+
+enum class Call
+{
+    Allocate,
+    Open,
+    Write,
+    Sync,
+    Rename,
+};
+
+// Which calls of this process fail, the C library's own users and the libraries below included.
+struct Plan
+{
+    Call call = Call::Allocate;
+    long nth = 1;        // the first that fails, from 1
+    bool bAll = false;   // and all that follow
+    int error = 0;       // errno
+    bool bShort = false; // a write writes half instead
+};
+
+// From now on calls fail as the plan says, on all threads.
+void Arm(const Plan& plan) noexcept;
+// Ends that: how many calls of the plan's kind there were.
+long Disarm() noexcept;
+// Where the first call that failed came from.
+std::vector<void*> FirstFailure();
+
+// Nothing fails in its scope: for what a work checks.
+class Pause
+{
+public:
+    Pause() noexcept;
+    Pause(const Pause&) = delete;
+    Pause& operator=(const Pause&) = delete;
+    ~Pause();
+
+private:
+    const bool m_bArmed;
+};
+
+// What a work may use: a directory of its own, empty at first, and one with files to read.
+struct Place
+{
+    std::string own, data;
+
+    std::string Path(const char* pszName) const { return own + "/" + pszName; }
+    // The library's paths, without an allocation; each lasts for seven calls more.
+    const char* Own(const char* pszName) const noexcept;
+    const char* Data(const char* pszName) const noexcept;
+};
+
+// Something that the library is used for. Each step runs in a process of its own.
+struct Work
+{
+    const char* pszName;
+    // Done before calls fail. May be null.
+    void (*prepare)(const Place& place);
+    // Whether it succeeded, all results checked. What it made it has ended, in any case.
+    bool (*run)(const Place& place);
+    // Whether the files are whole: the old state or the new one. May be null.
+    bool (*intact)(const Place& place);
+    bool bWritesFiles;
+};
+
+const std::vector<Work>& Works();
+// Where downloads come from: a server that answers "downloaded".
+void SetServer(const std::string& url);
+// Makes the files to read.
+void MakeData(const std::string& directory);
+
+std::string ReadFile(const std::string& path);
+void WriteFile(const std::string& path, std::string_view text);
+
+} // namespace faults

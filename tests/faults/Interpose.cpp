@@ -1,0 +1,203 @@
+#include "tests/faults/Faults.h"
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstdarg>
+#include <cstddef>
+#include <dlfcn.h>
+#include <execinfo.h>
+#include <fcntl.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+// Calls of the C library in this program's place, which all libraries of the process find first.
+
+namespace {
+
+std::atomic<bool> g_bArmed{false}, g_bFailed{false};
+std::atomic<long> g_calls{0};
+faults::Plan g_plan;
+std::array<void*, 40> g_frames;
+std::atomic<int> g_nFrames{0};
+
+bool Fails(faults::Call call) noexcept
+{
+    if (!g_bArmed.load(std::memory_order_acquire) || g_plan.call != call) return false;
+    const long n = ++g_calls;
+    if (n != g_plan.nth && !(g_plan.bAll && n > g_plan.nth)) return false;
+    if (!g_bFailed.exchange(true)) g_nFrames = backtrace(g_frames.data(), static_cast<int>(g_frames.size()));
+    errno = g_plan.error;
+    return true;
+}
+
+template <class Function>
+Function* Next(Function*, const char* pszName) noexcept
+{
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, pszName));
+}
+
+} // namespace
+
+void faults::Arm(const Plan& plan) noexcept
+{
+    void* warm[2];
+    backtrace(warm, 2); // loads what it needs
+    g_plan = plan;
+    g_calls = 0;
+    g_bFailed = false;
+    g_bArmed.store(true, std::memory_order_release);
+}
+
+long faults::Disarm() noexcept
+{
+    g_bArmed = false;
+    return g_calls;
+}
+
+faults::Pause::Pause() noexcept : m_bArmed(g_bArmed.exchange(false))
+{
+}
+
+faults::Pause::~Pause()
+{
+    g_bArmed = m_bArmed;
+}
+
+std::vector<void*> faults::FirstFailure()
+{
+    return std::vector<void*>(g_frames.begin(), g_frames.begin() + g_nFrames);
+}
+
+#define KX_NEXT(name)                                                                                        \
+    static auto* const next = Next(&name, #name);                                                            \
+    return next
+
+extern "C" {
+void* __libc_malloc(std::size_t);
+void* __libc_calloc(std::size_t, std::size_t);
+void* __libc_realloc(void*, std::size_t);
+void* __libc_memalign(std::size_t, std::size_t);
+
+void* malloc(std::size_t nBytes) noexcept
+{
+    return Fails(faults::Call::Allocate) ? nullptr : __libc_malloc(nBytes);
+}
+void* calloc(std::size_t nCount, std::size_t nBytes) noexcept
+{
+    return Fails(faults::Call::Allocate) ? nullptr : __libc_calloc(nCount, nBytes);
+}
+void* realloc(void* p, std::size_t nBytes) noexcept
+{
+    return Fails(faults::Call::Allocate) ? nullptr : __libc_realloc(p, nBytes);
+}
+void* aligned_alloc(std::size_t nAlign, std::size_t nBytes) noexcept
+{
+    return Fails(faults::Call::Allocate) ? nullptr : __libc_memalign(nAlign, nBytes);
+}
+int posix_memalign(void** pp, std::size_t nAlign, std::size_t nBytes) noexcept
+{
+    void* const p = Fails(faults::Call::Allocate) ? nullptr : __libc_memalign(nAlign, nBytes);
+    if (p) *pp = p;
+    return p ? 0 : ENOMEM;
+}
+
+// With O_TMPFILE or O_CREAT there is a mode.
+#define KX_MODE(flags)                                                                                       \
+    mode_t mode = 0;                                                                                         \
+    if ((flags) & (O_CREAT | __O_TMPFILE)) {                                                                 \
+        va_list args;                                                                                        \
+        va_start(args, flags);                                                                               \
+        mode = va_arg(args, mode_t);                                                                         \
+        va_end(args);                                                                                        \
+    }
+int open(const char* pszPath, int flags, ...)
+{
+    KX_MODE(flags)
+    if (Fails(faults::Call::Open)) return -1;
+    KX_NEXT(openat64)(AT_FDCWD, pszPath, flags, mode);
+}
+int open64(const char* pszPath, int flags, ...)
+{
+    KX_MODE(flags)
+    if (Fails(faults::Call::Open)) return -1;
+    KX_NEXT(openat64)(AT_FDCWD, pszPath, flags, mode);
+}
+int openat(int fd, const char* pszPath, int flags, ...)
+{
+    KX_MODE(flags)
+    if (Fails(faults::Call::Open)) return -1;
+    KX_NEXT(openat64)(fd, pszPath, flags, mode);
+}
+int openat64(int fd, const char* pszPath, int flags, ...)
+{
+    KX_MODE(flags)
+    if (Fails(faults::Call::Open)) return -1;
+    KX_NEXT(openat64)(fd, pszPath, flags, mode);
+}
+
+ssize_t write(int fd, const void* p, std::size_t n)
+{
+    if (Fails(faults::Call::Write)) {
+        if (!g_plan.bShort) return -1;
+        n = n / 2 + n % 2;
+    }
+    KX_NEXT(write)(fd, p, n);
+}
+ssize_t pwrite(int fd, const void* p, std::size_t n, off_t at)
+{
+    if (Fails(faults::Call::Write)) {
+        if (!g_plan.bShort) return -1;
+        n = n / 2 + n % 2;
+    }
+    KX_NEXT(pwrite)(fd, p, n, at);
+}
+ssize_t writev(int fd, const iovec* parts, int nParts)
+{
+    if (Fails(faults::Call::Write)) {
+        if (!g_plan.bShort) return -1;
+        nParts = 1;
+    }
+    KX_NEXT(writev)(fd, parts, nParts);
+}
+ssize_t copy_file_range(int from, off64_t* pFrom, int to, off64_t* pTo, std::size_t n, unsigned flags)
+{
+    if (Fails(faults::Call::Write)) {
+        if (!g_plan.bShort) return -1;
+        n = n / 2 + n % 2;
+    }
+    KX_NEXT(copy_file_range)(from, pFrom, to, pTo, n, flags);
+}
+
+int fsync(int fd)
+{
+    if (Fails(faults::Call::Sync)) return -1;
+    KX_NEXT(fsync)(fd);
+}
+int fdatasync(int fd)
+{
+    if (Fails(faults::Call::Sync)) return -1;
+    KX_NEXT(fdatasync)(fd);
+}
+
+int rename(const char* pszFrom, const char* pszTo) noexcept
+{
+    if (Fails(faults::Call::Rename)) return -1;
+    KX_NEXT(rename)(pszFrom, pszTo);
+}
+int renameat(int from, const char* pszFrom, int to, const char* pszTo) noexcept
+{
+    if (Fails(faults::Call::Rename)) return -1;
+    KX_NEXT(renameat)(from, pszFrom, to, pszTo);
+}
+int renameat2(int from, const char* pszFrom, int to, const char* pszTo, unsigned flags) noexcept
+{
+    if (Fails(faults::Call::Rename)) return -1;
+    KX_NEXT(renameat2)(from, pszFrom, to, pszTo, flags);
+}
+int linkat(int from, const char* pszFrom, int to, const char* pszTo, int flags) noexcept
+{
+    if (Fails(faults::Call::Rename)) return -1;
+    KX_NEXT(linkat)(from, pszFrom, to, pszTo, flags);
+}
+}

@@ -1,0 +1,439 @@
+#include "tests/faults/Faults.h"
+
+#include "KXBitmap.h"
+#include "KXEnglishWord.h"
+#include "KXFileSystem.h"
+#include "KXGdiplusBitmap.h"
+#include "KXGifRender.h"
+#include "KXHttpDownloadMgr.h"
+#include "KXIniDataMgr.h"
+#include "KXLanResManager.h"
+#include "KXLogSys.h"
+#include "KXMemoryDC.h"
+#include "KXSkinResManager.h"
+#include "KXTipWnd.h"
+#include "KXTransparentWnd.h"
+#include "KXWinService.h"
+#include "KXXmlDomDocument.h"
+#include "include/platform/Host.h"
+#include "include/platform/Registry.h"
+#include "tests/platform/gdiplus/GifBuilder.h"
+#include "tests/support/Com.h"
+#include "tests/support/RawServer.h"
+#include "tests/support/ScriptedManager.h"
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <semaphore>
+#include <sys/stat.h>
+
+namespace faults {
+
+namespace {
+
+constexpr const char* kTypes[] = {"png", "jpg", "bmp", "tif", "gif"};
+constexpr const char* kMimes[] = {"image/png", "image/jpeg", "image/bmp", "image/tiff", "image/gif"};
+
+// A path of the library's without an allocation.
+const char* Join(const std::string& directory, const char* pszName) noexcept
+{
+    static thread_local std::array<std::array<char, 512>, 8> buffers;
+    static thread_local std::size_t next = 0;
+    auto& buffer = buffers[next++ % buffers.size()];
+    std::snprintf(buffer.data(), buffer.size(), "C:%s/%s", directory.c_str(), pszName);
+    for (char& ch : buffer)
+        if (ch == '/') ch = '\\';
+    return buffer.data();
+}
+
+struct Gdiplus_
+{
+    Gdiplus_() { Gdiplus::GdiplusStartup(&token, &input, nullptr); }
+    Gdiplus_(const Gdiplus_&) = delete;
+    Gdiplus_& operator=(const Gdiplus_&) = delete;
+    ~Gdiplus_() { Gdiplus::GdiplusShutdown(token); }
+    std::uintptr_t token = 0;
+    const Gdiplus::GdiplusStartupInput input;
+};
+
+void UseClock(const Place&)
+{
+    KXHost::UseVirtualClock(1'700'000'000, KXHost::VirtualSleep::Advances);
+}
+
+// ---- Files
+
+bool Log(const Place& place)
+{
+    CKXLogSys* const pLog = CKXLogSys::GetSingletonPtr();
+    if (!pLog || !pLog->Initialize(place.Own("a.log"))) return false;
+    for (int n = 0; n < 5; ++n)
+        pLog->PushLogEx(CKXLogSys::LogInfo, "line %d of a log", n);
+    pLog->PushLog(CKXLogSys::LogError, "the last");
+    pLog->Uninitialize();
+    const Pause pause;
+    const std::string text = ReadFile(place.Path("a.log"));
+    for (const char* pszLine : {"line 0 of a log\n", "line 4 of a log\n", "the last\n"})
+        if (text.find(pszLine) == text.npos) return false;
+    return true;
+}
+bool LogIntact(const Place& place)
+{
+    const std::string text = ReadFile(place.Path("a.log"));
+    return text.empty() || text.back() == '\n';
+}
+
+const std::string kIni = "; a file\r\n[A]\r\nkeep=1\r\nchange=old\r\n\r\n[B]\r\nkeep=2\r\n";
+
+void PrepareIni(const Place& place)
+{
+    WriteFile(place.Path("a.ini"), kIni);
+}
+bool Ini(const Place& place)
+{
+    const char* const pszFile = place.Own("a.ini");
+    if (CKXIniDataMgr::GetInteger(pszFile, "A", "keep", 7) != 1) return false;
+    if (!CKXIniDataMgr::WriteInteger(pszFile, "A", "change", 5)) return false;
+    if (!CKXIniDataMgr::WriteInteger(pszFile, "C", "new", 6)) return false;
+    return CKXIniDataMgr::GetInteger(pszFile, "A", "change", 0) == 5 &&
+           CKXIniDataMgr::GetInteger(pszFile, "C", "new", 0) == 6 &&
+           CKXIniDataMgr::GetInteger(pszFile, "B", "keep", 0) == 2;
+}
+bool IniIntact(const Place& place)
+{
+    const std::string text = ReadFile(place.Path("a.ini"));
+    return text.starts_with("; a file\r\n[A]\r\nkeep=1\r\nchange=") &&
+           text.find("\r\n\r\n[B]\r\nkeep=2\r\n") != text.npos && text.ends_with("\r\n");
+}
+
+void PrepareRegistry(const Place& place)
+{
+    KXHost::SetRegistryFile(place.Path("registry"));
+    HKEY hKey = nullptr;
+    RegCreateKeyExA(HKEY_CURRENT_USER, "Kept", 0, nullptr, 0, KEY_WRITE, nullptr, &hKey, nullptr);
+    RegSetValueExA(hKey, "v", 0, REG_SZ, reinterpret_cast<const BYTE*>("kept"), 5);
+    RegCloseKey(hKey);
+}
+bool ReadValue(const char* pszKey, std::string_view expected)
+{
+    HKEY hKey = nullptr;
+    if (RegOpenKeyExA(HKEY_CURRENT_USER, pszKey, 0, KEY_READ, &hKey) != ERROR_SUCCESS) return false;
+    std::array<char, 64> data{};
+    DWORD nSize = data.size();
+    const long error =
+        RegQueryValueExA(hKey, "v", nullptr, nullptr, reinterpret_cast<BYTE*>(data.data()), &nSize);
+    RegCloseKey(hKey);
+    return error == ERROR_SUCCESS && expected == data.data();
+}
+bool Registry(const Place&)
+{
+    HKEY hKey = nullptr;
+    if (RegCreateKeyExA(HKEY_CURRENT_USER, "Made\\Below", 0, nullptr, 0, KEY_WRITE, nullptr, &hKey,
+                        nullptr) != ERROR_SUCCESS)
+        return false;
+    const long error = RegSetValueExA(hKey, "v", 0, REG_SZ, reinterpret_cast<const BYTE*>("made"), 5);
+    RegCloseKey(hKey);
+    return error == ERROR_SUCCESS && ReadValue("Made\\Below", "made") && ReadValue("Kept", "kept");
+}
+bool RegistryIntact(const Place&)
+{
+    return ReadValue("Kept", "kept");
+}
+
+bool Copy(const Place& place)
+{
+    if (!CopyFileA(place.Data("a.png"), place.Own("copy.png"), 0)) return false;
+    if (!CKXFileSystem::FileExists(place.Own("copy.png"))) return false;
+    if (!CKXFileSystem::CreatePath(place.Own("x\\y\\z\\"))) return false;
+    const Pause pause;
+    return ReadFile(place.Path("copy.png")) == ReadFile(place.data + "/a.png");
+}
+bool CopyIntact(const Place& place)
+{
+    const std::string text = ReadFile(place.Path("copy.png"));
+    return text.empty() || text == ReadFile(place.data + "/a.png");
+}
+
+// ---- Skins and languages
+
+bool Skin(const Place&)
+{
+    const Gdiplus_ gdiplus;
+    CKXSkinResManager* const pSkins = CKXSkinResManager::GetSingletonPtr();
+    if (!pSkins) return false;
+    struct End
+    {
+        CKXSkinResManager* pSkins;
+        ~End() { pSkins->UnInitialize(); }
+    } const end{pSkins};
+    if (!pSkins->SetSkin("Ember", 1) || !pSkins->SetSkin("Harbour", 1)) return false;
+    return pSkins->GetBtnRes()->m_bmpPushButton.GetHBITMAP() && pSkins->GetCurrentSkinName() == "Harbour" &&
+           pSkins->GetSkinsTotal() == 2;
+}
+
+bool Language(const Place&)
+{
+    CKXLanResManager* const pLanguages = CKXLanResManager::GetSingletonPtr();
+    if (!pLanguages || !pLanguages->Initialize("Languages")) return false;
+    if (!pLanguages->SetCurrentLan("Chinese", 1) || !pLanguages->SetCurrentLan("English", 1)) return false;
+    return pLanguages->GetString("IDS_DEF_FONT") != "IDS_DEF_FONT" && pLanguages->GetLanCount() == 2;
+}
+
+// ---- XML
+
+void PrepareXml(const Place& place)
+{
+    WriteFile(place.Path("a.xml"),
+              "<?xml version=\"1.0\"?>\n<list n=\"2\"><one>first</one><one>second</one></list>\n");
+}
+bool Xml(const Place& place)
+{
+    const test::Com com;
+    CKXXmlDomDocument document;
+    if (!document.Load(place.Own("a.xml"))) return false;
+    CKXXmlDomElement root = document.GetDocumentElement(), one;
+    CString strOne;
+    if (!root.IsValid() || root.GetChild("one", strOne, true) != 1 || strOne != "first") return false;
+    if (root.GetAttributeString("n") != "2") return false;
+    root.AppendChild(document.CreateElement("two", "third"));
+    root.SetAttributeString("m", "a & b");
+    document.Save(place.Own("b.xml"));
+    CKXXmlDomDocument again;
+    return again.Load(place.Own("b.xml")) && again.GetDocumentElement().GetChild("two", strOne, true) == 1 &&
+           strOne == "third";
+}
+bool XmlIntact(const Place& place)
+{
+    const std::string text = ReadFile(place.Path("b.xml"));
+    return text.empty() || text.find("</list>") != text.npos;
+}
+
+// ---- Pictures
+
+bool BitmapWork(const Place& place)
+{
+    CKXMemoryDC surface;
+    surface.Create(64, 64);
+    CKXBitmap bitmap;
+    if (!bitmap.LoadBitmapA(place.Data("a.bmp"))) return false;
+    bitmap.SetMultiState(2, 1);
+    CDC& dc = surface.GetDC();
+    bitmap.Draw(&dc, 0, 0, 1);
+    bitmap.TransparentDraw(&dc, 8, 8, RGB(255, 0, 0), 0);
+    bitmap.Pave(&dc, CRect(0, 0, 64, 64), 0);
+    CRgn region;
+    bitmap.CreateBitmapRgn(region, RGB(255, 0, 0), 0);
+    return region.GetSafeHandle() && dc.GetPixel(0, 0) != CLR_INVALID;
+}
+
+template <std::size_t Type>
+bool PictureWork(const Place& place)
+{
+    const Gdiplus_ gdiplus;
+    CKXMemoryDC surface;
+    surface.Create(64, 64);
+    CKXGdiplusBitmap picture;
+    std::array<char, 16> name{};
+    std::snprintf(name.data(), name.size(), "a.%s", kTypes[Type]);
+    picture.Load(place.Data(name.data()));
+    if (!picture.IsValid() || !picture.FitRender(&surface.GetDC(), CRect(0, 0, 20, 20))) return false;
+    return picture.SaveToFile(place.Own(name.data()), kMimes[Type]) == 1;
+}
+template <std::size_t Type>
+bool PictureIntact(const Place& place)
+{
+    const Gdiplus_ gdiplus;
+    const std::string name = std::string("a.") + kTypes[Type];
+    if (ReadFile(place.Path(name.c_str())).empty()) return true;
+    CKXGdiplusBitmap picture;
+    picture.Load(place.Own(name.c_str()));
+    return picture.IsValid();
+}
+
+bool Gif(const Place& place)
+{
+    const Gdiplus_ gdiplus;
+    CKXMemoryDC surface;
+    surface.Create(16, 16);
+    CKXGifRender gif;
+    if (!gif.Load(place.Data("frames.gif")) || !gif.Play()) return false;
+    for (DWORD dwNow = 0; dwNow < 2'000; dwNow += 200) {
+        if (!gif.Playing(dwNow)) return false;
+        gif.Render(&surface.GetDC(), 0, 0);
+    }
+    return true;
+}
+
+// ---- Windows
+
+void Pump()
+{
+    MSG msg;
+    for (int n = 0; n < 1'000 && PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE); ++n)
+        DispatchMessageA(&msg);
+}
+
+void PrepareWindow(const Place& place)
+{
+    UseClock(place);
+    KXHost::UseMemoryDesktop();
+}
+bool Tip(const Place&)
+{
+    CKXTipWnd tip;
+    if (!tip.CreateTipWnd()) return false;
+    tip.ShowTipWnd("a tip", 100);
+    for (int n = 0; n < 60; ++n) {
+        KXHost::AdvanceClock(100);
+        Pump();
+    }
+    return tip.DestroyWindow() != 0;
+}
+bool Transparent(const Place&)
+{
+    CKXTransparentWnd window;
+    const char* const pszClass = AfxRegisterWndClass(CS_HREDRAW | CS_VREDRAW);
+    if (!pszClass || !window.CreateEx(0, pszClass, "", WS_POPUP, CRect(10, 10, 110, 60), nullptr, 0))
+        return false;
+    window.ShowWindow(SW_SHOW);
+    window.UpdateWindow();
+    Pump();
+    return window.DestroyWindow() != 0;
+}
+
+// ---- Others
+
+std::string g_url;
+
+class Downloads : public CKXHttpDownloadMgr
+{
+};
+std::binary_semaphore g_ended{0};
+
+int Tell(unsigned uCode, unsigned, const CString&, const CString&, unsigned long, unsigned long, unsigned)
+{
+    if (uCode == WM_KXDOWNLOADENDED) g_ended.release();
+    return 0;
+}
+bool Download(const Place& place)
+{
+    (void)g_ended.try_acquire();
+    Downloads downloads;
+    downloads.AddTask(g_url.c_str(), place.Own("loaded"), Tell, 0);
+    // A worker that failed tells nobody.
+    const bool bEnded = g_ended.try_acquire_for(std::chrono::milliseconds(400));
+    const Pause pause;
+    return bEnded && ReadFile(place.Path("loaded")) == "downloaded";
+}
+
+bool WordTest(const Place&)
+{
+    const Gdiplus_ gdiplus;
+    CKXMemoryDC surface;
+    surface.Create(300, 100);
+    CDC& dc = surface.GetDC();
+    CFont font;
+    LOGFONTA log{};
+    log.lfHeight = 17;
+    if (!font.CreateFontIndirectA(&log)) return false;
+    CString strWord("wonderful");
+    CString strTest = strWord;
+    CKXEnglishWord::MakeTestWord(strTest, 3, 1);
+    const CRect rc(0, 0, 300, 30), rcBelow(0, 30, 300, 60);
+    CKXEnglishWord::DrawTestWord(&dc, strWord, strTest, rc, &font, 0, RGB(9, 9, 9), 1);
+    CKXEnglishWord::RedrawWordInvalidPart(&dc, &dc, "wond", "wonders", rc, &font, 0);
+    CKXEnglishWord::DrawTestWordResult(&dc, strWord, "wonderfil", rc, rcBelow, &font, 1, 2, 3, 4);
+    return strTest != strWord;
+}
+
+// A host's manager without allocations of its own but for the texts it is given.
+void PrepareService(const Place& place)
+{
+    UseClock(place);
+    const auto manager = std::make_shared<test::ScriptedManager>();
+    manager->states["Nv"] = {{SERVICE_RUNNING, 1, 10, 0, 0}};
+    KXHost::SetServiceManager(manager);
+}
+bool Service(const Place&)
+{
+    CKXWinService service("Nv");
+    int bExists = 0;
+    unsigned long dwState = 0;
+    return service.Create("C:\\a\\b", SERVICE_DEMAND_START, "A title") &&
+           service.ChangeDesc("a description") && service.ChangeStartType(SERVICE_AUTO_START) &&
+           service.GetStatus(bExists, dwState) && bExists && dwState == SERVICE_RUNNING && service.Delete();
+}
+
+} // namespace
+
+const char* Place::Own(const char* pszName) const noexcept
+{
+    return Join(own, pszName);
+}
+const char* Place::Data(const char* pszName) const noexcept
+{
+    return Join(data, pszName);
+}
+
+const std::vector<Work>& Works()
+{
+    static const std::vector<Work> works{
+        {"log", UseClock, Log, LogIntact, true},
+        {"ini", PrepareIni, Ini, IniIntact, true},
+        {"registry", PrepareRegistry, Registry, RegistryIntact, true},
+        {"files", nullptr, Copy, CopyIntact, true},
+        {"skin", PrepareWindow, Skin, nullptr, false},
+        {"language", PrepareWindow, Language, nullptr, false},
+        {"xml", PrepareXml, Xml, XmlIntact, true},
+        {"bitmap", nullptr, BitmapWork, nullptr, false},
+        {"png", nullptr, PictureWork<0>, PictureIntact<0>, true},
+        {"jpeg", nullptr, PictureWork<1>, PictureIntact<1>, true},
+        {"bmp", nullptr, PictureWork<2>, PictureIntact<2>, true},
+        {"tiff", nullptr, PictureWork<3>, PictureIntact<3>, true},
+        {"gif-file", nullptr, PictureWork<4>, PictureIntact<4>, true},
+        {"gif", nullptr, Gif, nullptr, false},
+        {"tip", PrepareWindow, Tip, nullptr, false},
+        {"transparent", PrepareWindow, Transparent, nullptr, false},
+        {"download", nullptr, Download, nullptr, true},
+        {"wordtest", nullptr, WordTest, nullptr, false},
+        {"service", PrepareService, Service, nullptr, false},
+    };
+    return works;
+}
+
+void SetServer(const std::string& url)
+{
+    g_url = url;
+}
+
+void MakeData(const std::string& directory)
+{
+    const Gdiplus_ gdiplus;
+    const Place place{directory, directory};
+    CKXMemoryDC surface;
+    surface.Create(24, 16);
+    surface.GetDC().FillSolidRect(0, 0, 24, 16, RGB(255, 0, 0));
+    surface.GetDC().FillSolidRect(4, 4, 9, 9, RGB(0, 80, 255));
+    CKXGdiplusBitmap picture(surface.GetHBitmap());
+    for (std::size_t n = 0; n < std::size(kTypes); ++n)
+        picture.SaveToFile(place.Own((std::string("a.") + kTypes[n]).c_str()), kMimes[n]);
+    std::vector<test::GifFrame> frames;
+    for (const char letter : std::string("RGB"))
+        frames.push_back({.picture = test::Picture(4, std::string(4, letter)), .delay = 10});
+    WriteFile(directory + "/frames.gif", test::Gif(4, 4, frames));
+}
+
+std::string ReadFile(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void WriteFile(const std::string& path, std::string_view text)
+{
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+} // namespace faults
