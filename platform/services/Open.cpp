@@ -1,17 +1,35 @@
-#include "platform/services/Attempt.h"
-#include "platform/services/Current.h"
-#include "platform/services/Handles.h"
+#include "platform/services/Handle.h"
+
+#include "platform/Immortal.h"
+#include "platform/sync/Mutex.h"
 
 #include <string_view>
+#include <utility>
 
 using namespace kx::services;
 
 namespace {
 
-SC_HANDLE Null(DWORD error) noexcept
+struct Current
 {
-    SetLastError(error);
-    return nullptr;
+    kx::sync::Mutex lock;
+    std::shared_ptr<KXHost::ServiceManager> manager KX_GUARDED_BY(lock); // null: the machine's
+};
+
+Current& TheCurrent()
+{
+    static kx::Immortal<Current> current;
+    return current.Get();
+}
+
+std::shared_ptr<KXHost::ServiceManager> CurrentManager()
+{
+    {
+        Current& current = TheCurrent();
+        const kx::sync::MutexLock lock(current.lock);
+        if (current.manager) return current.manager;
+    }
+    return KXHost::MakeSystemdManager();
 }
 
 bool IsEmpty(const char* psz) noexcept
@@ -19,26 +37,45 @@ bool IsEmpty(const char* psz) noexcept
     return !psz || !*psz;
 }
 
+DWORD Name(Handle handle, SC_HANDLE& hNamed)
+{
+    hNamed = static_cast<SC_HANDLE>(kx::AddHandle(std::make_shared<Handle>(std::move(handle))));
+    return hNamed ? ERROR_SUCCESS : ERROR_NOT_ENOUGH_MEMORY;
+}
+
 } // namespace
+
+void KXHost::SetServiceManager(std::shared_ptr<ServiceManager> manager)
+{
+    Current& current = TheCurrent();
+    const kx::sync::MutexLock lock(current.lock);
+    current.manager.swap(manager); // the old one ends behind the lock
+}
 
 SC_HANDLE OpenSCManagerA(const char* pszMachine, const char* pszDatabase, DWORD dwAccess)
 {
-    if (!IsEmpty(pszMachine)) return Null(RPC_S_SERVER_UNAVAILABLE);
-    if (pszDatabase && std::string_view(pszDatabase) != "ServicesActive")
-        return Null(ERROR_DATABASE_DOES_NOT_EXIST);
-    const auto manager = CurrentManager();
-    if (!Attempt([&] { return manager->OpenManager(dwAccess); })) return nullptr;
-    return AddHandle(std::make_shared<const Handle>(manager, dwAccess | SC_MANAGER_CONNECT));
+    SC_HANDLE hManager = nullptr;
+    Attempt([&]() -> DWORD {
+        if (!IsEmpty(pszMachine)) return RPC_S_SERVER_UNAVAILABLE;
+        if (pszDatabase && std::string_view(pszDatabase) != "ServicesActive")
+            return ERROR_DATABASE_DOES_NOT_EXIST;
+        const auto manager = CurrentManager();
+        const DWORD error = manager->OpenManager(dwAccess);
+        return error ? error : Name({manager, dwAccess | SC_MANAGER_CONNECT, {}}, hManager);
+    });
+    return hManager;
 }
 
 SC_HANDLE OpenServiceA(SC_HANDLE hManager, const char* pszName, DWORD dwAccess)
 {
-    const HandlePtr opened = FindHandle(hManager, Kind::Manager, SC_MANAGER_CONNECT);
-    if (!opened) return nullptr;
-    if (IsEmpty(pszName)) return Null(pszName ? ERROR_INVALID_NAME : ERROR_INVALID_PARAMETER);
-    const CString name = pszName;
-    if (!Attempt([&] { return opened->manager->OpenService(name, dwAccess); })) return nullptr;
-    return AddHandle(std::make_shared<const Handle>(opened->manager, dwAccess, name));
+    SC_HANDLE hService = nullptr;
+    AttemptOn(hManager, true, SC_MANAGER_CONNECT, [&](const Handle& opened) -> DWORD {
+        if (IsEmpty(pszName)) return pszName ? ERROR_INVALID_NAME : ERROR_INVALID_PARAMETER;
+        const CString name = pszName;
+        const DWORD error = opened.manager->OpenService(name, dwAccess);
+        return error ? error : Name({opened.manager, dwAccess, name}, hService);
+    });
+    return hService;
 }
 
 SC_HANDLE CreateServiceA(SC_HANDLE hManager, const char* pszName, const char* pszDisplayName, DWORD dwAccess,
@@ -46,20 +83,23 @@ SC_HANDLE CreateServiceA(SC_HANDLE hManager, const char* pszName, const char* ps
                          const char* pszBinaryPath, const char* pszGroup, DWORD* pdwTag,
                          const char* pszDependencies, const char* pszAccount, const char* pszPassword)
 {
-    const HandlePtr opened = FindHandle(hManager, Kind::Manager, SC_MANAGER_CREATE_SERVICE);
-    if (!opened) return nullptr;
-    if (!pszName || IsEmpty(pszBinaryPath)) return Null(ERROR_INVALID_PARAMETER);
-    if (pszGroup || pdwTag || pszDependencies || pszAccount || pszPassword)
-        return Null(ERROR_INVALID_PARAMETER);
-    const CString name = pszName;
-    if (name.IsEmpty()) return Null(ERROR_INVALID_NAME);
-    const KXHost::ServiceSettings settings{IsEmpty(pszDisplayName) ? name : CString(pszDisplayName),
-                                           pszBinaryPath, dwServiceType, dwStartType, dwErrorControl};
-    if (!Attempt([&] { return opened->manager->Create(name, settings, dwAccess); })) return nullptr;
-    return AddHandle(std::make_shared<const Handle>(opened->manager, dwAccess, name));
+    SC_HANDLE hService = nullptr;
+    AttemptOn(hManager, true, SC_MANAGER_CREATE_SERVICE, [&](const Handle& opened) -> DWORD {
+        if (!pszName || IsEmpty(pszBinaryPath)) return ERROR_INVALID_PARAMETER;
+        if (pszGroup || pdwTag || pszDependencies || pszAccount || pszPassword)
+            return ERROR_INVALID_PARAMETER;
+        const CString name = pszName;
+        if (name.IsEmpty()) return ERROR_INVALID_NAME;
+        const KXHost::ServiceSettings settings{IsEmpty(pszDisplayName) ? name : CString(pszDisplayName),
+                                               pszBinaryPath, dwServiceType, dwStartType, dwErrorControl};
+        const DWORD error = opened.manager->Create(name, settings, dwAccess);
+        return error ? error : Name({opened.manager, dwAccess, name}, hService);
+    });
+    return hService;
 }
 
 int CloseServiceHandle(SC_HANDLE hObject)
 {
-    return RemoveHandle(hObject) ? 1 : kx::Fail(ERROR_INVALID_HANDLE);
+    return Attempt(
+        [&]() -> DWORD { return kx::RemoveHandle<Handle>(hObject) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE; });
 }

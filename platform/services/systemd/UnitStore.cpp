@@ -19,6 +19,7 @@ namespace {
 
 constexpr const char* kMachineUnits = "/usr/local/lib/systemd/system";
 constexpr const char* kDropIn = "50-kx-description.conf";
+constexpr mode_t kMode = 0644;
 
 struct Free
 {
@@ -42,15 +43,15 @@ void MakeDirectories(const std::string& directory)
     }
 }
 
-DWORD Write(const std::string& directory, const std::string& path, std::string_view text, bool bReplace)
+DWORD Write(const std::string& directory, const std::string& path, std::string_view text,
+            FileReplacement::Existing existing)
 {
     MakeDirectories(directory);
-    NewFile file(directory);
-    if (!file) return errno == ENOENT ? ERROR_PATH_NOT_FOUND : ErrorFromErrno(errno);
-    if (const int error = WriteAll(file.Fd(), text.data(), text.size())) return ErrorFromErrno(error);
-    const bool bDone =
-        fchmod(file.Fd(), 0644) == 0 && fdatasync(file.Fd()) == 0 && file.Publish(path, bReplace);
-    return bDone ? ERROR_SUCCESS : ErrorFromErrno(errno);
+    FileReplacement file(existing);
+    if (const DWORD error = file.Begin(path, kMode)) return error;
+    fchmod(file.Fd(), kMode); // whatever the process's mask: other users ask for it too
+    file.Write(text.data(), text.size());
+    return file.Commit();
 }
 
 bool IsRegular(const std::string& path) noexcept
@@ -96,14 +97,15 @@ UnitStore::UnitStore(const std::string& directory)
 DWORD UnitStore::Create(const std::string& unit, std::string_view text) const
 {
     if (m_directory.empty()) return ERROR_PATH_NOT_FOUND;
-    const DWORD error = Write(m_directory, Path(unit), text, false);
+    const DWORD error = Write(m_directory, Path(unit), text, FileReplacement::Existing::Refused);
     return error == ERROR_ALREADY_EXISTS ? ERROR_SERVICE_EXISTS : error;
 }
 
 bool UnitStore::Has(const std::string& unit) const
 {
     const std::string path = Path(unit);
-    return IsRegular(path) && ReadFile(path, kMark.size()) == kMark;
+    FileContent head;
+    return IsRegular(path) && ReadFileHead(path, kMark.size(), head) == ERROR_SUCCESS && head.bytes == kMark;
 }
 
 DWORD UnitStore::Remove(const std::string& unit) const
@@ -116,7 +118,7 @@ DWORD UnitStore::Describe(const std::string& unit, std::string_view text) const
 {
     if (m_directory.empty()) return ERROR_PATH_NOT_FOUND;
     const std::string directory = Path(unit) + ".d";
-    return Write(directory, directory + "/" + kDropIn, text, true);
+    return Write(directory, directory + "/" + kDropIn, text, FileReplacement::Existing::Replaced);
 }
 
 DWORD UnitStore::Undescribe(const std::string& unit) const
