@@ -167,6 +167,7 @@ TEST_F(WinService, WithoutAManagerEachOperationTriesAgain)
     m_manager->errors.clear();
     EXPECT_EQ(service.GetStatus(bExists, dwState), 1);
     EXPECT_EQ(service.GetStatus(bExists, dwState), 1);
+    EXPECT_EQ(service.OpenSCM(), 1);
     EXPECT_EQ(m_manager->Calls(), "manager f003f; open Nv 4; query Nv; open Nv 4; query Nv;");
     EXPECT_EQ(bExists, 1);
     EXPECT_EQ(dwState, SERVICE_RUNNING);
@@ -255,6 +256,16 @@ TEST_F(WinService, AStopGoesByStatesAndHintsAndHasThirtySeconds)
     };
     for (const Case& one : cases)
         Check(one, "open Nv 2c;", [](auto& service) { return service.DoStop(); });
+    // Each wait is told of before it begins.
+    Script("3:0:20000 3:0:30000 1");
+    std::vector<DWORD> told;
+    const DWORD dwBegin = GetTickCount();
+    const int nObserver = KXHost::AddDebugObserver([&](std::string_view text) {
+        if (text.ends_with("pending...\n")) told.push_back(GetTickCount() - dwBegin);
+    });
+    EXPECT_EQ(Run([](auto& service) { return service.DoStop(); }), 1);
+    KXHost::RemoveDebugObserver(nObserver);
+    EXPECT_EQ(told, (std::vector<DWORD>{0, 2000}));
     // What the opening takes counts too.
     Script("4 3:0:1");
     m_manager->onCall = [](const std::string& call) { Sleep(call == "open Nv" ? 29'999 : 0); };
@@ -275,10 +286,15 @@ TEST_F(WinService, DependentsAreStoppedInTurnUntilOneFails)
         GetStatus(service);
         return service.StopDependentServices();
     };
-    // A handle that may not list them, and none at all.
+    // Without a handle, and with one that may not list them.
     EXPECT_EQ(Run(stop), 0);
     Script("4");
     EXPECT_EQ(Run(stop), 0);
+    const auto stopAlone = [](OpenService& service) {
+        service.DoStart(); // which opens a handle that may, of a service that runs
+        return service.StopDependentServices();
+    };
+    EXPECT_EQ(Run(stopAlone), 1);
 
     m_manager->dependents = Services{listed("A", kRunning), listed("Idle", kStopped), listed("B", kStopping)};
     const std::string end = "stop Nv;", head = "open Nv 2c; query Nv; list Nv; list Nv; ";
@@ -287,12 +303,14 @@ TEST_F(WinService, DependentsAreStoppedInTurnUntilOneFails)
         std::map<std::string, const char*> states;
         std::map<std::string, DWORD> errors;
         std::string calls;
+        int result = 0; // of the dependents' stop by itself
     };
 
     const Walk cases[] = {
         {{{"A", "3:0:300 3:0:20 1"}, {"B", "1"}},
          {},
-         "open A 24; stop A; +300 query A; +20 query A; open B 24; stop B; "},
+         "open A 24; stop A; +300 query A; +20 query A; open B 24; stop B; ",
+         1},
         {{{"B", "1"}}, {}, "open A 24; "},
         {{{"A", "1"}, {"B", "1"}}, {{"stop A", 1051}}, "open A 24; stop A; "},
         {{{"A", "3:0:5 1!"}, {"B", "1"}}, {}, "open A 24; stop A; +5 query A; "},
@@ -315,6 +333,11 @@ TEST_F(WinService, DependentsAreStoppedInTurnUntilOneFails)
         EXPECT_EQ(m_text, "Service stopped successfully\n");
         EXPECT_EQ(m_calls,
                   (one.errors.contains("list") ? "open Nv 2c; query Nv; list Nv; " : head) + one.calls + end);
+
+        for (const auto& [name, states] : one.states)
+            m_manager->states[name] = States(states);
+        Script("4");
+        EXPECT_EQ(Run(stopAlone), one.result) << one.calls;
     }
 }
 
