@@ -1,7 +1,5 @@
 #include "platform/gdi/BandBuilder.h"
 
-#include "platform/gdi/BigBlock.h"
-
 #include <cassert>
 #include <new>
 
@@ -22,7 +20,7 @@ pixman_box32_t* BoxesOf(pixman_region32_data_t* data) noexcept
 } // namespace
 
 BandBuilder::BandBuilder(std::size_t nMost)
-    : m_data(static_cast<pixman_region32_data_t*>(AllocateBlock(BytesFor(nMost)))), m_nMost(nMost)
+    : m_data(static_cast<pixman_region32_data_t*>(std::malloc(BytesFor(nMost)))), m_nMost(nMost)
 {
     if (!m_data) throw std::bad_alloc();
     m_boxes = BoxesOf(m_data.get());

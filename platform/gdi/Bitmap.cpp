@@ -23,9 +23,9 @@ HBITMAP CreateCompatibleBitmap(HDC hDC, int cx, int cy)
 try {
     using namespace kx::gdi;
     if (!FindAs<DeviceContext>(hDC)) return nullptr;
-    auto pixels = Surface::MakeUnset(cx, cy);
+    auto pixels = Surface::Make(cx, cy);
     if (!pixels) return nullptr;
-    return static_cast<HBITMAP>(Add(std::make_shared<Bitmap>(std::move(*pixels))));
+    return static_cast<HBITMAP>(Add(std::make_shared<Bitmap>(std::move(*pixels), WORD{32})));
 } catch (const std::bad_alloc&) {
     return nullptr;
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/gdi/BlackRest.h"
 #include "platform/gdi/Object.h"
 #include "platform/gdi/Surface.h"
 
@@ -23,41 +22,19 @@ public:
           depth(nDepth),
           palette(std::move(colors)),
           fromFile(bFromFile),
-          m_surface(std::move(pixels))
-    {
-    }
-    // A black one of 32 bits, of pixels that may be anything.
-    explicit Bitmap(Surface unset)
-        : Object(KIND), depth(32), fromFile(false), m_surface(std::move(unset)), m_rest(WholeOf(m_surface))
+          surface(std::move(pixels))
     {
     }
     // A BITMAP.
     int Describe(int nSize, void* pBuffer) const override;
 
-    int Width() const noexcept { return m_surface.Width(); }
-    int Height() const noexcept { return m_surface.Height(); }
-    // The pixels, all of them set.
-    Surface& Pixels() noexcept
-    {
-        m_rest.Lay(m_surface);
-        return m_surface;
-    }
-    const Surface& Pixels() const noexcept
-    {
-        m_rest.Lay(m_surface);
-        return m_surface;
-    }
-    // For one who asks for the rest, or leaves what is written to it, at each use.
-    Surface& UnsetPixels() noexcept { return m_surface; }
-    BlackRest& Rest() noexcept { return m_rest; }
+    int Width() const noexcept { return surface.Width(); }
+    int Height() const noexcept { return surface.Height(); }
 
     const WORD depth;
     const std::vector<RGBQUAD> palette;
     const bool fromFile; // rows count as padded to 32 bits, not 16
-
-private:
-    mutable Surface m_surface; // what is black in it is so for readers too
-    mutable BlackRest m_rest;
+    Surface surface;
 };
 
 // The bytes of a row of `nWidth` pixels that is padded to a multiple of `nPadding` bits.

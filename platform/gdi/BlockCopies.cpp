@@ -10,12 +10,12 @@ namespace {
 
 // Runs a copy from a block of one surface to another; 0 if there is none by either handle.
 template <class Copy>
-int Between(Canvas (DeviceContext::*paint)(), HDC hDst, HDC hSrc, const Block& source, Copy&& copy)
+int Between(HDC hDst, HDC hSrc, const Block& source, Copy&& copy)
 try {
     const auto to = FindAs<DeviceContext>(hDst);
     const auto from = FindAs<DeviceContext>(hSrc);
     if (!to || !from) return 0;
-    const Canvas target = ((*to).*paint)();
+    const Canvas target = to->Paint();
     return copy(target, from->Read(Place(source)));
 } catch (const std::bad_alloc&) {
     return 0;
@@ -24,7 +24,7 @@ try {
 int CopySame(HDC hDst, const Block& block, HDC hSrc, int xSrc, int ySrc)
 {
     const Block source{xSrc, ySrc, block.cx, block.cy};
-    return Between(&DeviceContext::PaintOver, hDst, hSrc, source, [&](const Canvas& to, const Canvas& from) {
+    return Between(hDst, hSrc, source, [&](const Canvas& to, const Canvas& from) {
         CopyBlock(to, block, from, xSrc, ySrc);
         return 1;
     });
@@ -59,7 +59,7 @@ int StretchBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, int y
     const Block source{xSrc, ySrc, cxSrc, cySrc};
     if (dwRop != SRCCOPY || HasNegativeSize(block) || HasNegativeSize(source)) return 0;
     if (cx == cxSrc && cy == cySrc) return CopySame(hDst, block, hSrc, xSrc, ySrc);
-    return Between(&DeviceContext::Paint, hDst, hSrc, source, [&](const Canvas& to, const Canvas& from) {
+    return Between(hDst, hSrc, source, [&](const Canvas& to, const Canvas& from) {
         ScaleBlock(to, block, from, source, std::nullopt);
         return 1;
     });
@@ -72,7 +72,7 @@ int TransparentBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, i
     const Block block{x, y, cx, cy};
     const Block source{xSrc, ySrc, cxSrc, cySrc};
     if (HasNegativeSize(block) || HasNegativeSize(source)) return 0;
-    return Between(&DeviceContext::Paint, hDst, hSrc, source, [&](const Canvas& to, const Canvas& from) {
+    return Between(hDst, hSrc, source, [&](const Canvas& to, const Canvas& from) {
         if (!IsWithin(source, from)) return 0;
         if (cx == cxSrc && cy == cySrc)
             CopyKeyedBlock(to, block, from, xSrc, ySrc, ToPixel(clrKey));

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/gdi/BlackRest.h"
 #include "platform/gdi/PixelRegion.h"
 #include "platform/gdi/Surface.h"
 
@@ -18,17 +17,6 @@ struct Canvas
     std::span<const RECT> clip; // what may be written: disjoint, in rows from the top; within the bounds
     // Held while the surface is the desktop's, which windows of several threads share.
     std::unique_lock<std::recursive_mutex> lock;
-    BlackRest* rest = nullptr; // of a bitmap; null for shared pixels, which are all set
-    bool window = false;       // the pixels are a window's
-    bool ready = true;         // all are set, and no other surface has them
-
-    // To be called before all of a rectangle is written. Throws std::bad_alloc.
-    void Overwrite(const RECT& part) const
-    {
-        if (!ready) [[unlikely]]
-            MakeReady(part);
-    }
-    void MakeReady(const RECT& part) const;
 };
 
 } // namespace kx::gdi

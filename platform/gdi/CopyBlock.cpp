@@ -138,31 +138,14 @@ std::vector<RECT> Ordered(std::span<const RECT> clip, const Fit& fit)
     return parts;
 }
 
-// Whether a window's pixels all become a memory surface's, which mostly ends after it: they may be shared
-// then. Small ones are copied sooner than shared.
-bool CanShare(const Canvas& to, const Canvas& from, const Fit& fit) noexcept
-{
-    constexpr std::int64_t kLeastPixels = 1 << 14;
-    const RECT whole = WholeOf(to.surface);
-    return to.window && !from.lock && std::int64_t{whole.right} * whole.bottom >= kLeastPixels &&
-           fit.area == whole && fit.dx == 0 && fit.dy == 0 && WholeOf(from.surface) == whole &&
-           to.surface.Stride() == from.surface.Stride() && to.clip.size() == 1 && to.clip[0] == whole;
-}
-
 } // namespace
 
 void CopyBlock(const Canvas& to, const Block& block, const Canvas& from, int xSrc, int ySrc)
 {
     const Fit fit = FitBlock(to, block, from, xSrc, ySrc);
-    if (CanShare(to, from, fit)) {
-        to.surface.Share(from.surface);
-        return;
-    }
     const auto copy = [&](std::span<const RECT> parts) {
         for (const RECT& part : parts) {
-            const Fit seen{Cut(fit.area, part), fit.dx, fit.dy};
-            to.Overwrite(seen.area);
-            CopyRows(to.surface, from.surface, seen);
+            CopyRows(to.surface, from.surface, {Cut(fit.area, part), fit.dx, fit.dy});
         }
     };
     if (&to.surface == &from.surface && to.clip.size() > 1)

@@ -20,7 +20,7 @@ std::shared_ptr<Bitmap> MakeOwnBitmap()
 } // namespace
 
 DeviceContext::DeviceContext()
-    : Object(KIND), m_own(MakeOwnBitmap()), m_view(MakeView(m_own->Pixels(), nullptr, std::nullopt))
+    : Object(KIND), m_own(MakeOwnBitmap()), m_view(MakeView(m_own->surface, std::nullopt))
 {
     HoldStock();
     if (!Add(m_own, true)) throw std::bad_alloc();
@@ -34,7 +34,7 @@ DeviceContext::DeviceContext(HWND hWnd, std::shared_ptr<Backing> pixels,
       m_window(hWnd),
       m_limit(limit),
       m_shared(std::move(pixels)),
-      m_view(MakeView(m_shared->surface, nullptr, std::nullopt))
+      m_view(MakeView(m_shared->surface, std::nullopt))
 {
     HoldStock();
 }
@@ -46,11 +46,10 @@ DeviceContext::~DeviceContext()
     if (m_own) Remove(m_own->Handle());
 }
 
-DeviceContext::View DeviceContext::MakeView(Surface& surface, BlackRest* rest,
-                                            const std::optional<PixelRegion>& region) const
+DeviceContext::View DeviceContext::MakeView(Surface& surface, const std::optional<PixelRegion>& region) const
 {
     const RECT bounds = WholeOf(surface);
-    View view{&surface, rest, bounds, PixelRegion(bounds), {}};
+    View view{&surface, bounds, PixelRegion(bounds), {}};
     if (m_limit) view.visible.IntersectWith(*m_limit);
     if (region) view.visible.IntersectWith(*region);
     const auto boxes = view.visible.Boxes();
@@ -87,7 +86,7 @@ HGDIOBJ DeviceContext::SelectBitmap(Pinned<Object> object)
 {
     if (!IsMemory()) return nullptr;
     auto& bitmap = static_cast<Bitmap&>(*object);
-    View view = MakeView(bitmap.UnsetPixels(), &bitmap.Rest(), m_region);
+    View view = MakeView(bitmap.surface, m_region);
     int nNone = 0;
     if (!bitmap.selected.compare_exchange_strong(nNone, 1)) return nullptr;
     m_view = std::move(view);
@@ -96,7 +95,7 @@ HGDIOBJ DeviceContext::SelectBitmap(Pinned<Object> object)
 
 void DeviceContext::SetClip(std::optional<PixelRegion> region)
 {
-    m_view = MakeView(*m_view.surface, m_view.rest, region);
+    m_view = MakeView(*m_view.surface, region);
     m_region = std::move(region);
 }
 
@@ -107,31 +106,16 @@ int DeviceContext::ClipBox(RECT& rect) const noexcept
     return m_view.visible.Complexity();
 }
 
-Canvas DeviceContext::PaintOver() noexcept
+Canvas DeviceContext::Paint() noexcept
 {
-    Canvas canvas{*m_view.surface, m_view.bounds, m_view.clip, {}, m_view.rest, m_window != nullptr};
+    Canvas canvas{*m_view.surface, m_view.bounds, m_view.clip, {}};
     if (m_shared) canvas.lock = std::unique_lock(Screen::Instance().lock);
-    canvas.ready = !(canvas.rest && canvas.rest->IsAny()) && !canvas.surface.IsShared();
-    return canvas;
-}
-
-Canvas DeviceContext::Paint()
-{
-    Canvas canvas = PaintOver();
-    if (canvas.ready) return canvas;
-    canvas.surface.Own();
-    if (canvas.rest) canvas.rest->Lay(canvas.surface);
-    canvas.ready = true;
     return canvas;
 }
 
 Canvas DeviceContext::Read(const RECT& rect)
 {
-    if (!m_shared || m_window) {
-        Canvas canvas = PaintOver();
-        if (!canvas.ready && canvas.rest) canvas.rest->Lay(canvas.surface);
-        return canvas;
-    }
+    if (!m_shared || m_window) return Paint();
     std::unique_lock lock(Screen::Instance().lock);
     Surface& seen = window::Desktop::Instance().Look(rect, m_shared->surface);
     return {seen, m_view.bounds, m_view.clip, std::move(lock)};

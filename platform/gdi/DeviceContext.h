@@ -30,10 +30,8 @@ public:
     bool IsMemory() const noexcept { return m_own != nullptr; }
     // Whose pixels they are; null for memory and the desktop.
     HWND Window() const noexcept { return m_window; }
-    // Where to draw now. It ends before the next change of the context. Throws std::bad_alloc.
-    Canvas Paint();
-    // The same for one who writes whole rectangles and nothing else, and tells the canvas of each before.
-    Canvas PaintOver() noexcept;
+    // Where to draw now. It ends before the next change of the context.
+    Canvas Paint() noexcept;
     // The same for one who reads: the desktop as it is seen now, of which the rectangle of the context's is
     // up to date. Windows lie over what is drawn, so nothing is written there.
     Canvas Read(const RECT& rect);
@@ -60,12 +58,11 @@ private:
     struct View
     {
         Surface* surface;
-        BlackRest* rest; // of a bitmap; null for shared pixels, which are all set
         RECT bounds;
         PixelRegion visible;
         std::vector<RECT> clip; // the rectangles of `visible`
     };
-    View MakeView(Surface& surface, BlackRest* rest, const std::optional<PixelRegion>& region) const;
+    View MakeView(Surface& surface, const std::optional<PixelRegion>& region) const;
 
     const Pinned<Object>& Held(Kind what) const noexcept { return m_held[static_cast<std::size_t>(what)]; }
     void HoldStock();

@@ -62,7 +62,7 @@ void DibRow::Write(int y, BYTE* out) noexcept
 {
     const std::size_t nBytes = Bytes();
     if (nBytes >= sizeof(DWORD)) std::memset(out + nBytes - sizeof(DWORD), 0, sizeof(DWORD)); // the padding
-    const std::span in(m_bitmap.Pixels().Row(y), static_cast<std::size_t>(m_bitmap.Width()));
+    const std::span in(m_bitmap.surface.Row(y), static_cast<std::size_t>(m_bitmap.Width()));
     switch (m_nDepth) {
     case 16:
         return Write16(in, out);

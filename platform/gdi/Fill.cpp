@@ -14,7 +14,6 @@ namespace {
 [[gnu::always_inline]] inline void FillPart(const Canvas& canvas, const RECT& part, DWORD pixel)
 {
     if (IsEmpty(part)) return;
-    canvas.Overwrite(part);
     Surface& surface = canvas.surface;
     const int nWidth = part.right - part.left;
     DWORD* row = surface.Row(part.top) + part.left;
@@ -52,7 +51,7 @@ try {
     const auto context = FindAs<DeviceContext>(hDC);
     const auto brush = FindAs<Brush>(hBrush);
     if (!context || !brush || !pRect) return 0;
-    const Canvas canvas = context->PaintOver();
+    const Canvas canvas = context->Paint();
     if (brush->Draws()) FillRects(canvas, {pRect, 1}, ToPixel(brush->color));
     return 1;
 } catch (const std::bad_alloc&) {
@@ -66,7 +65,7 @@ try {
     const auto brush = FindAs<Brush>(hBrush);
     if (!context || !region || !brush) return 0;
     if (!brush->Draws()) return 1;
-    const Canvas canvas = context->PaintOver();
+    const Canvas canvas = context->Paint();
     const auto boxes = region->pixels.Boxes();
     std::vector<RECT> rects(boxes.size());
     std::transform(boxes.begin(), boxes.end(), rects.begin(), [](const auto& box) { return ToRect(box); });

@@ -48,8 +48,8 @@ public:
     std::optional<Surface> Run()
     {
         if (!m_info || !Guarded(&Decoder::ReadHeader)) return std::nullopt;
-        m_surface = Surface::MakeUnset(static_cast<int>(png_get_image_width(m_png, m_info)),
-                                       static_cast<int>(png_get_image_height(m_png, m_info)));
+        m_surface = Surface::Make(static_cast<int>(png_get_image_width(m_png, m_info)),
+                                  static_cast<int>(png_get_image_height(m_png, m_info)));
         if (!m_surface || !Guarded(&Decoder::ReadPixels)) return std::nullopt;
         return std::move(m_surface);
     }

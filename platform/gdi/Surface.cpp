@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <bit>
-#include <new>
 #include <utility>
 
 namespace kx::gdi {
 
 namespace {
 
-constexpr std::size_t kAlignedPixels = BLOCK_ALIGNMENT / sizeof(DWORD);
+constexpr std::size_t kAlignment = 64; // bytes: a line of the cache
 
 constexpr std::size_t RoundUp(std::size_t n, std::size_t nStep) noexcept
 {
@@ -18,36 +17,24 @@ constexpr std::size_t RoundUp(std::size_t n, std::size_t nStep) noexcept
 
 } // namespace
 
-Surface::Surface(int nWidth, int nHeight, std::ptrdiff_t nStride, PixelBlock pixels) noexcept
-    : m_nWidth(nWidth), m_nHeight(nHeight), m_nStride(nStride), m_pixels(std::move(pixels))
-{
-}
-
-std::optional<Surface> Surface::MakeUnset(int nWidth, int nHeight)
+std::optional<Surface> Surface::Make(int nWidth, int nHeight)
 {
     if (nWidth <= 0 || nHeight <= 0 || std::int64_t{nWidth} * nHeight > MAX_BITMAP_PIXELS)
         return std::nullopt;
     const auto nColumns = static_cast<std::size_t>(nWidth);
-    const std::size_t nStep = std::min(std::bit_ceil(nColumns), kAlignedPixels);
+    const std::size_t nStep = std::min(std::bit_ceil(nColumns), kAlignment / sizeof(DWORD));
     const std::size_t nStride = RoundUp(nColumns, nStep);
-    auto pixels = PixelBlock::Make(nStride * static_cast<std::size_t>(nHeight));
-    if (!pixels) return std::nullopt;
-    return Surface(nWidth, nHeight, static_cast<std::ptrdiff_t>(nStride), std::move(pixels));
-}
+    std::size_t nRoom = nStride * static_cast<std::size_t>(nHeight) * sizeof(DWORD) + kAlignment;
 
-std::optional<Surface> Surface::Make(int nWidth, int nHeight)
-{
-    auto surface = MakeUnset(nWidth, nHeight);
-    if (surface) std::fill_n(surface->Row(0), surface->Size(), 0u);
+    Surface surface;
+    surface.m_memory.reset(std::calloc(nRoom, 1));
+    void* aligned = surface.m_memory.get();
+    if (!aligned) return std::nullopt;
+    surface.m_pixels = static_cast<DWORD*>(std::align(kAlignment, nRoom - kAlignment, aligned, nRoom));
+    surface.m_nWidth = nWidth;
+    surface.m_nHeight = nHeight;
+    surface.m_nStride = static_cast<std::ptrdiff_t>(nStride);
     return surface;
-}
-
-void Surface::OwnNow(const RECT& written)
-{
-    PixelBlock own = PixelBlock::Make(Size());
-    if (!own) throw std::bad_alloc();
-    if (written != WholeOf(*this)) std::copy_n(m_pixels.Get(), Size(), own.Get());
-    m_pixels = std::move(own);
 }
 
 } // namespace kx::gdi

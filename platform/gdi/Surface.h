@@ -1,10 +1,11 @@
 #pragma once
 
 #include "include/platform/Gdi.h"
-#include "platform/gdi/PixelBlock.h"
 #include "platform/gdi/Rect.h"
 
 #include <cstddef>
+#include <cstdlib>
+#include <memory>
 #include <optional>
 
 namespace kx::gdi {
@@ -17,37 +18,27 @@ class Surface
 public:
     // Black pixels. Nothing for a size of 0 or below, more than MAX_BITMAP_PIXELS, or a lack of memory.
     static std::optional<Surface> Make(int nWidth, int nHeight);
-    // The same of pixels that may be anything, for one who writes all of them: large ones take long to fill.
-    static std::optional<Surface> MakeUnset(int nWidth, int nHeight);
 
     int Width() const noexcept { return m_nWidth; }
     int Height() const noexcept { return m_nHeight; }
     // From one row to the next, in pixels.
     std::ptrdiff_t Stride() const noexcept { return m_nStride; }
-    DWORD* Row(int y) noexcept { return m_pixels.Get() + y * m_nStride; }
-    const DWORD* Row(int y) const noexcept { return m_pixels.Get() + y * m_nStride; }
-
-    // Takes the pixels of a surface of the same size and stride in place of its own. They are copied when
-    // one of the two is to be written to while the other still has them.
-    void Share(const Surface& other) noexcept { m_pixels = other.m_pixels; }
-    // To be called before a write to one that may have shared; what lies in the rectangle may be anything
-    // then if it is the whole. Throws std::bad_alloc and changes nothing then.
-    void Own(const RECT& written = {})
-    {
-        if (IsShared()) OwnNow(written);
-    }
-    bool IsShared() const noexcept { return m_pixels.IsShared(); }
+    DWORD* Row(int y) noexcept { return m_pixels + y * m_nStride; }
+    const DWORD* Row(int y) const noexcept { return m_pixels + y * m_nStride; }
 
 private:
-    Surface(int nWidth, int nHeight, std::ptrdiff_t nStride, PixelBlock pixels) noexcept;
-    // Pixels, with those between the rows.
-    std::size_t Size() const noexcept { return static_cast<std::size_t>(m_nStride * m_nHeight); }
-    void OwnNow(const RECT& written);
+    struct Free
+    {
+        void operator()(void* p) const noexcept { std::free(p); }
+    };
 
-    int m_nWidth;
-    int m_nHeight;
-    std::ptrdiff_t m_nStride;
-    PixelBlock m_pixels;
+    Surface() = default;
+
+    int m_nWidth = 0;
+    int m_nHeight = 0;
+    std::ptrdiff_t m_nStride = 0;
+    std::unique_ptr<void, Free> m_memory;
+    DWORD* m_pixels = nullptr; // the first aligned place in the memory
 };
 
 inline RECT WholeOf(const Surface& surface) noexcept

@@ -65,7 +65,7 @@ Gdiplus::Status ReadBmp(const File& file, std::optional<Picture>& picture)
     if (status != Gdiplus::Ok) return status;
     const auto bitmap = gdi::ReadBmp(*file);
     if (!bitmap) return Gdiplus::GenericError;
-    picture = Picture{std::move(bitmap->Pixels()), Alpha::Opaque, FormatOf(bitmap->depth, dib)};
+    picture = Picture{std::move(bitmap->surface), Alpha::Opaque, FormatOf(bitmap->depth, dib)};
     return Gdiplus::Ok;
 }
 

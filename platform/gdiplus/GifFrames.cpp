@@ -139,7 +139,7 @@ bool GifFrames::FitsKept(const gdi::Surface& surface) const noexcept
 void GifFrames::Keep(const gdi::Surface& surface) noexcept
 {
     try {
-        if (auto copy = gdi::Surface::MakeUnset(surface.Width(), surface.Height())) {
+        if (auto copy = gdi::Surface::Make(surface.Width(), surface.Height())) {
             CopyPixels(surface, *copy);
             m_kept.push_back({std::move(*copy), m_bOpaque});
             return;

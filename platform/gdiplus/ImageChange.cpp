@@ -43,8 +43,8 @@ std::optional<kx::gdi::Surface> Turned(const PixelView& from, RotateFlipType typ
     const int nQuarters = type & 3;
     const bool bFlipX = (type & 4) != 0;
     const bool bTurned = nQuarters % 2 != 0;
-    auto to = bTurned ? kx::gdi::Surface::MakeUnset(from.height, from.width)
-                      : kx::gdi::Surface::MakeUnset(from.width, from.height);
+    auto to = bTurned ? kx::gdi::Surface::Make(from.height, from.width)
+                      : kx::gdi::Surface::Make(from.width, from.height);
     if (!to) return std::nullopt;
     const bool bHalf = nQuarters >= 2; // turned by a half besides
     if (bTurned)

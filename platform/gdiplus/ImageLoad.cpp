@@ -139,7 +139,7 @@ GpStatus GdipCreateBitmapFromHBITMAP(HBITMAP hBitmap, void*, GpBitmap** ppBitmap
     return MakeObject(ppBitmap, [&] {
         const auto bitmap = kx::gdi::FindAs<kx::gdi::Bitmap>(hBitmap);
         if (!bitmap) return InvalidParameter;
-        kx::gdi::Surface& from = bitmap->Pixels();
+        kx::gdi::Surface& from = bitmap->surface;
         const GpStatus status = CheckSize(from.Width(), from.Height());
         if (status != Ok) return status;
         auto surface = CopyPixels(ViewOf(from, Alpha::Opaque));

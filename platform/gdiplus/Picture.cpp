@@ -22,7 +22,7 @@ Gdiplus::Status CheckSize(std::int64_t nWidth, std::int64_t nHeight) noexcept
 
 std::optional<gdi::Surface> CopyPixels(const PixelView& view)
 {
-    auto surface = gdi::Surface::MakeUnset(view.width, view.height);
+    auto surface = gdi::Surface::Make(view.width, view.height);
     if (!surface) return std::nullopt;
     for (int y = 0; y < view.height; ++y)
         std::memcpy(surface->Row(y), view.Row(y), static_cast<std::size_t>(view.width) * sizeof(DWORD));

@@ -96,7 +96,7 @@ gdi::Surface& Compose(std::span<const HWND> handles, const RECT& rect, gdi::Surf
     const std::vector<WindowPtr> windows = Visible(handles, area);
     if (windows.empty()) return root;
     if (!seen || seen->Width() != root.Width() || seen->Height() != root.Height())
-        seen = gdi::Surface::MakeUnset(root.Width(), root.Height());
+        seen = gdi::Surface::Make(root.Width(), root.Height());
     const Image image = seen ? ImageOf(*seen) : nullptr;
     if (!image) return root;
     CopyRows(root, *seen, area);

@@ -2,11 +2,8 @@
 #include "tests/support/Picture.h"
 
 #include <functional>
-#include <optional>
-#include <thread>
 
-// A new bitmap is black, though its pixels are made so as late as can be; and a window shares the pixels of a
-// bitmap that covers it, until one of the two is drawn on.
+// A new bitmap is black, whatever lay in its memory before; and a window's pixels are its own.
 
 using test::ColorOf;
 using test::Paper;
@@ -49,35 +46,6 @@ private:
     int m_cy;
     HDC m_dc = CreateCompatibleDC(nullptr);
     HBITMAP m_bitmap = Make();
-};
-
-constexpr int kWidth = 160, kHeight = 110; // as large as what is shared
-
-class SharedPixels : public testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        const WNDCLASSA windows{DefWindowProcA, "Shared"};
-        ASSERT_NE(RegisterClassA(&windows), 0);
-        m_hWnd = CreateWindowExA(0, "Shared", "", WS_POPUP, 0, 0, kWidth, kHeight);
-        m_window = GetDC(m_hWnd);
-        m_paper.emplace(kWidth, kHeight, 'R');
-        BitBlt(m_window, 0, 0, kWidth, kHeight, *m_paper, 0, 0, SRCCOPY);
-    }
-    void TearDown() override
-    {
-        ReleaseDC(m_hWnd, m_window);
-        DestroyWindow(m_hWnd);
-        UnregisterClassA("Shared");
-    }
-    Picture Window() const { return Read(m_window, 0, 0, 3, 1); }
-    Picture Memory() const { return Read(*m_paper, 0, 0, 3, 1); }
-
-    test::NoLeak m_noLeak;
-    HWND m_hWnd = nullptr;
-    HDC m_window = nullptr;
-    std::optional<Paper> m_paper;
 };
 
 } // namespace
@@ -135,66 +103,28 @@ TEST(NewBitmap, IsBlackForWhoReadsOrChangesIt)
     EXPECT_EQ(pixel, 0u);
 }
 
-TEST(NewBitmap, IsWrittenInManyPieces)
+TEST(WindowPixels, AreApartFromTheBitmapThatCoversThem)
 {
     const test::NoLeak noLeak;
-    constexpr int kSide = 100;
-    const NewBitmap chess(kSide, kSide);
-    for (int y = 0; y < kSide; ++y)
-        for (int x = y % 2; x < kSide; x += 2)
-            chess.Fill({x, y, x + 1, y + 1}, 'W');
-    EXPECT_EQ(Read(chess, 0, 0, 3, 2), (Picture{"W.W", ".W."}));
-    EXPECT_EQ(Read(chess, kSide - 3, kSide - 2, kSide, kSide), (Picture{".W.", "W.W"}));
-}
-
-TEST_F(SharedPixels, KeepWhatTheOtherDraws)
-{
-    SetPixel(*m_paper, 0, 0, ColorOf('B'));
-    EXPECT_EQ(Window(), Picture{"RRR"});
-    BitBlt(m_window, 0, 0, kWidth, kHeight, *m_paper, 0, 0, SRCCOPY);
-    EXPECT_EQ(Window(), Picture{"BRR"});
-    const RECT pixel{1, 0, 2, 1};
-    const Scoped<HBRUSH> green(CreateSolidBrush(ColorOf('G')));
-    FillRect(m_window, &pixel, green);
-    EXPECT_EQ(Memory(), Picture{"BRR"});
-    m_paper.reset();
-    EXPECT_EQ(Window(), Picture{"BGR"});
-}
-
-TEST_F(SharedPixels, LastBeyondTheWindow)
-{
-    ReleaseDC(m_hWnd, m_window);
-    m_window = nullptr;
-    DestroyWindow(m_hWnd);
-    EXPECT_EQ(Memory(), Picture{"RRR"});
-    SetPixel(*m_paper, 0, 0, ColorOf('B'));
-    EXPECT_EQ(Memory(), Picture{"BRR"});
-}
-
-TEST_F(SharedPixels, MayBeDrawnOnByTwoThreads)
-{
-    std::thread other([hWnd = m_hWnd] {
-        const HDC dc = GetDC(hWnd);
-        for (int n = 0; n < 200; ++n)
-            SetPixel(dc, 1, 0, ColorOf('G'));
-        ReleaseDC(hWnd, dc);
-    });
-    for (int n = 0; n < 200; ++n) {
-        SetPixel(*m_paper, 0, 0, ColorOf(n % 2 ? 'B' : 'Y'));
-        BitBlt(m_window, 0, 0, kWidth, kHeight, *m_paper, 0, 0, SRCCOPY);
+    const WNDCLASSA windows{DefWindowProcA, "Covered"};
+    ASSERT_NE(RegisterClassA(&windows), 0);
+    constexpr int kWidth = 160, kHeight = 110;
+    const HWND hWnd = CreateWindowExA(0, "Covered", "", WS_POPUP, 0, 0, kWidth, kHeight);
+    const HDC window = GetDC(hWnd);
+    const auto seen = [&] { return Read(window, 0, 0, 3, 1); };
+    {
+        const Paper paper(kWidth, kHeight, 'R');
+        BitBlt(window, 0, 0, kWidth, kHeight, paper, 0, 0, SRCCOPY);
+        BitBlt(window, 0, 0, kWidth, kHeight, window, 0, 0, SRCCOPY);
+        EXPECT_EQ(seen(), Picture{"RRR"});
+        SetPixel(paper, 0, 0, ColorOf('B'));
+        EXPECT_EQ(seen(), Picture{"RRR"});
+        BitBlt(window, 0, 0, kWidth, kHeight, paper, 0, 0, SRCCOPY);
+        SetPixel(window, 1, 0, ColorOf('G'));
+        EXPECT_EQ(Read(paper, 0, 0, 3, 1), Picture{"BRR"});
     }
-    other.join();
-    EXPECT_EQ(Memory(), Picture{"BRR"});
-    EXPECT_EQ(Window()[0][0], 'B');
-}
-
-TEST_F(SharedPixels, AreCopiedAroundAClip)
-{
-    const Scoped<HRGN> first(CreateRectRgn(0, 0, 1, 1));
-    SelectClipRgn(m_window, first);
-    const Paper blue(kWidth, kHeight, 'B');
-    BitBlt(m_window, 0, 0, kWidth, kHeight, blue, 0, 0, SRCCOPY);
-    SelectClipRgn(m_window, nullptr);
-    EXPECT_EQ(Window(), Picture{"BRR"});
-    EXPECT_EQ(Memory(), Picture{"RRR"});
+    EXPECT_EQ(seen(), Picture{"BGR"});
+    ReleaseDC(hWnd, window);
+    DestroyWindow(hWnd);
+    UnregisterClassA("Covered");
 }
