@@ -61,8 +61,6 @@ public:
         return ::Rectangle(m_hDC, nLeft, nTop, nRight, nBottom);
     }
     int RoundRect(const RECT* pRect, POINT ptEllipse);
-    int MoveTo(int x, int y) { return MoveToEx(m_hDC, x, y, nullptr); }
-    int LineTo(int x, int y) { return ::LineTo(m_hDC, x, y); }
     COLORREF GetPixel(int x, int y) const { return ::GetPixel(m_hDC, x, y); }
     COLORREF SetPixel(int x, int y, COLORREF clr) { return ::SetPixel(m_hDC, x, y, clr); }
     int DrawIcon(int x, int y, HICON hIcon) { return ::DrawIcon(m_hDC, x, y, hIcon); }

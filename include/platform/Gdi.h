@@ -49,8 +49,8 @@ KX_API int DeleteObject(HGDIOBJ hObject);
 // memory surface. A clip region stays in force when another bitmap is selected.
 KX_API HGDIOBJ SelectObject(HDC hDC, HGDIOBJ hObject);
 
-// Copies the object's record into `pBuffer` (a BITMAP for a bitmap, a LOGFONTA for a font, a LOGPEN, a
-// LOGBRUSH) when `nSize` holds it; with a null buffer gives the size. 0 on failure.
+// Copies the object's record into `pBuffer` (a BITMAP for a bitmap, a LOGFONTA for a font) when `nSize` holds
+// it; with a null buffer gives the size. 0 on failure, and for an object without a record.
 KX_API int GetObjectA(HGDIOBJ hObject, int nSize, void* pBuffer);
 
 inline constexpr int WHITE_BRUSH = 0;
@@ -240,33 +240,16 @@ KX_API HRGN CreateMaskRgn(const std::uint64_t* pMask, int nWidth, int nHeight);
 // and doesn't look at the second. Gives NULLREGION, SIMPLEREGION, COMPLEXREGION, or for a bad handle or mode
 // RGN_ERROR with nothing changed; so do GetRgnBox and OffsetRgn.
 KX_API int CombineRgn(HRGN hDst, HRGN hSrc1, HRGN hSrc2, int nMode);
-KX_API int EqualRgn(HRGN a, HRGN b);
 KX_API int PtInRegion(HRGN hRgn, int x, int y);
 KX_API int GetRgnBox(HRGN hRgn, RECT* pRect);
 // What leaves the range of coordinates is lost.
 KX_API int OffsetRgn(HRGN hRgn, int x, int y);
-// The region's disjoint rectangles in rows from top to bottom, at most `nMax`; gives how many there are.
-KX_API int GetRgnRects(HRGN hRgn, RECT* pRects, int nMax);
 KX_API int FillRgn(HDC hDC, HRGN hRgn, HBRUSH hBrush);
 
 // ---- Pens, brushes and shapes
 
 inline constexpr int PS_SOLID = 0;
 inline constexpr int PS_NULL = 5;
-inline constexpr UINT BS_SOLID = 0;
-inline constexpr UINT BS_NULL = 1;
-struct LOGPEN
-{
-    UINT lopnStyle;
-    POINT lopnWidth;
-    COLORREF lopnColor;
-};
-struct LOGBRUSH
-{
-    UINT lbStyle;
-    COLORREF lbColor;
-    std::uintptr_t lbHatch;
-};
 
 // A solid pen of `nWidth` pixels (below 1 counts as 1), or with PS_NULL one that draws nothing. Null for
 // another style.
@@ -281,12 +264,6 @@ KX_API int Rectangle(HDC hDC, int nLeft, int nTop, int nRight, int nBottom);
 KX_API int RoundRect(HDC hDC, int nLeft, int nTop, int nRight, int nBottom, int cxEllipse, int cyEllipse);
 // Fill with a brush; 0 for a bad handle.
 KX_API int FillRect(HDC hDC, const RECT* pRect, HBRUSH hBrush);
-// Sets the current position, at first 0, 0, and tells the old one unless `pOld` is null.
-KX_API int MoveToEx(HDC hDC, int x, int y, POINT* pOld);
-// A line from the current position up to, not including, the point given, which becomes the current position.
-// A wide pen's line lies evenly around it, the odd pixel to the right or below, and ends square to the nearer
-// axis.
-KX_API int LineTo(HDC hDC, int x, int y);
 
 // ---- Text
 
@@ -345,16 +322,3 @@ inline constexpr UINT DT_NOPREFIX = 0x800;
 KX_API int DrawTextA(HDC hDC, const char* pszText, int nLength, RECT* pRect, UINT nFormat);
 KX_API int TextOutA(HDC hDC, int x, int y, const char* pszText, int nLength);
 KX_API int GetTextExtentPoint32A(HDC hDC, const char* pszText, int nLength, SIZE* pSize);
-
-struct TEXTMETRICA
-{
-    LONG tmHeight; // tmAscent + tmDescent
-    LONG tmAscent;
-    LONG tmDescent;
-    LONG tmInternalLeading;
-    LONG tmExternalLeading;
-    LONG tmAveCharWidth;
-    LONG tmMaxCharWidth;
-    LONG tmWeight;
-};
-KX_API int GetTextMetricsA(HDC hDC, TEXTMETRICA* pMetrics);

@@ -3,6 +3,8 @@
 #include "platform/gdi/Object.h"
 #include "platform/gdi/Surface.h"
 
+#include <optional>
+
 namespace kx::gdi {
 
 class Brush final : public Object
@@ -10,15 +12,17 @@ class Brush final : public Object
 public:
     static constexpr Kind KIND = Kind::Brush;
 
-    // With BS_NULL the colour counts for nothing.
-    Brush(UINT nStyle, COLORREF clr) noexcept : Object(KIND), style(nStyle), color(clr & COLOR_BITS) {}
-    // A LOGBRUSH.
-    int Describe(int nSize, void* pBuffer) const override;
+    // Without a colour it draws nothing.
+    explicit Brush(std::optional<COLORREF> clr) noexcept
+        : Object(KIND), color(clr.value_or(0) & COLOR_BITS), m_draws(clr.has_value())
+    {
+    }
+    bool Draws() const noexcept { return m_draws; }
 
-    bool Draws() const noexcept { return style != BS_NULL; }
-
-    const UINT style; // BS_SOLID or BS_NULL
     const COLORREF color;
+
+private:
+    const bool m_draws;
 };
 
 } // namespace kx::gdi

@@ -51,7 +51,6 @@ public:
     COLORREF textColor = RGB(0, 0, 0);
     COLORREF backColor = RGB(255, 255, 255);
     int backMode = OPAQUE;
-    POINT position; // where the next line begins
 
 private:
     // What is drawn on, and the part of it that may be.

@@ -14,9 +14,6 @@ public:
         : Object(KIND), style(nStyle), width(nWidth > 1 ? nWidth : 1), color(clr & COLOR_BITS)
     {
     }
-    // A LOGPEN.
-    int Describe(int nSize, void* pBuffer) const override;
-
     bool Draws() const noexcept { return style != PS_NULL; }
 
     const UINT style; // PS_SOLID or PS_NULL

@@ -153,9 +153,4 @@ void PixelRegion::Subtract(const PixelRegion& other)
     Check(pixman_region32_subtract(&m_region, &m_region, &other.m_region));
 }
 
-bool operator==(const PixelRegion& a, const PixelRegion& b) noexcept
-{
-    return pixman_region32_equal(&a.m_region, &b.m_region);
-}
-
 } // namespace kx::gdi

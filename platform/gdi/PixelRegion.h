@@ -38,8 +38,6 @@ public:
     void UniteWith(const PixelRegion& other);
     void Subtract(const PixelRegion& other);
 
-    friend bool operator==(const PixelRegion& a, const PixelRegion& b) noexcept;
-
 private:
     static PixelRegion FromAnyRects(std::span<const RECT> rects);
 

@@ -2,7 +2,6 @@
 
 #include "platform/gdi/RoundShape.h"
 
-#include <algorithm>
 #include <new>
 #include <vector>
 
@@ -78,13 +77,6 @@ try {
     return RGN_ERROR;
 }
 
-int EqualRgn(HRGN a, HRGN b)
-{
-    const auto first = FindAs<Region>(a);
-    const auto second = FindAs<Region>(b);
-    return first && second && first->pixels == second->pixels ? 1 : 0;
-}
-
 int PtInRegion(HRGN hRgn, int x, int y)
 {
     const auto region = FindAs<Region>(hRgn);
@@ -107,17 +99,6 @@ try {
     return region->pixels.Complexity();
 } catch (const std::bad_alloc&) {
     return RGN_ERROR;
-}
-
-int GetRgnRects(HRGN hRgn, RECT* pRects, int nMax)
-{
-    const auto region = FindAs<Region>(hRgn);
-    if (!region) return 0;
-    const auto boxes = region->pixels.Boxes();
-    if (pRects && nMax > 0)
-        std::transform(boxes.begin(), boxes.begin() + std::min<std::ptrdiff_t>(nMax, std::ssize(boxes)),
-                       pRects, ToRect);
-    return static_cast<int>(boxes.size());
 }
 
 HRGN CreateRoundRectRgn(int nLeft, int nTop, int nRight, int nBottom, int cxEllipse, int cyEllipse)

@@ -18,15 +18,15 @@ Stock MakeStock()
     const auto put = [&](int nIndex, std::shared_ptr<Object> object) {
         if (Add(object, true)) stock[static_cast<std::size_t>(nIndex)] = std::move(object);
     };
-    const auto brush = [&](int nIndex, UINT nStyle, unsigned nGrey) {
-        put(nIndex, std::make_shared<Brush>(nStyle, RGB(nGrey, nGrey, nGrey)));
+    const auto brush = [&](int nIndex, unsigned nGrey) {
+        put(nIndex, std::make_shared<Brush>(RGB(nGrey, nGrey, nGrey)));
     };
-    brush(WHITE_BRUSH, BS_SOLID, 255);
-    brush(LTGRAY_BRUSH, BS_SOLID, 192);
-    brush(GRAY_BRUSH, BS_SOLID, 128);
-    brush(DKGRAY_BRUSH, BS_SOLID, 64);
-    brush(BLACK_BRUSH, BS_SOLID, 0);
-    brush(NULL_BRUSH, BS_NULL, 0);
+    brush(WHITE_BRUSH, 255);
+    brush(LTGRAY_BRUSH, 192);
+    brush(GRAY_BRUSH, 128);
+    brush(DKGRAY_BRUSH, 64);
+    brush(BLACK_BRUSH, 0);
+    put(NULL_BRUSH, std::make_shared<Brush>(std::nullopt));
     put(WHITE_PEN, std::make_shared<Pen>(UINT{PS_SOLID}, 1, RGB(255, 255, 255)));
     put(BLACK_PEN, std::make_shared<Pen>(UINT{PS_SOLID}, 1, RGB(0, 0, 0)));
     put(NULL_PEN, std::make_shared<Pen>(UINT{PS_NULL}, 1, RGB(0, 0, 0)));

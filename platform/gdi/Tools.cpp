@@ -3,20 +3,6 @@
 
 #include <new>
 
-namespace kx::gdi {
-
-int Pen::Describe(int nSize, void* pBuffer) const
-{
-    return DescribeAs(LOGPEN{style, {width, 0}, color}, nSize, pBuffer);
-}
-
-int Brush::Describe(int nSize, void* pBuffer) const
-{
-    return DescribeAs(LOGBRUSH{style, color, 0}, nSize, pBuffer);
-}
-
-} // namespace kx::gdi
-
 HPEN CreatePen(int nStyle, int nWidth, COLORREF clr)
 try {
     using namespace kx::gdi;
@@ -29,7 +15,7 @@ try {
 HBRUSH CreateSolidBrush(COLORREF clr)
 try {
     using namespace kx::gdi;
-    return static_cast<HBRUSH>(Add(std::make_shared<Brush>(BS_SOLID, clr)));
+    return static_cast<HBRUSH>(Add(std::make_shared<Brush>(clr)));
 } catch (const std::bad_alloc&) {
     return nullptr;
 }

@@ -93,19 +93,12 @@ void FontFace::AddSource(FacePtr face)
 
 void FontFace::ReadMetrics()
 {
-    m_metrics.tmWeight = m_request.weight;
     if (m_sources.empty()) return;
     const FT_Face face = m_sources[0].face.get();
     const FT_Size_Metrics& size = face->size->metrics;
-    m_metrics.tmAscent = static_cast<LONG>((size.ascender + 63) >> 6);
-    m_metrics.tmDescent = static_cast<LONG>((-size.descender + 63) >> 6);
-    if (m_height > 0)
-        m_metrics.tmDescent = std::max(0, m_height - m_metrics.tmAscent); // the cell, to the pixel
-    m_metrics.tmHeight = m_metrics.tmAscent + m_metrics.tmDescent;
-    m_metrics.tmInternalLeading = std::max(0, m_metrics.tmHeight - size.y_ppem);
-    m_metrics.tmExternalLeading = std::max(0, Round26(size.height) - m_metrics.tmHeight);
-    m_metrics.tmMaxCharWidth = Round26(size.max_advance);
-    m_metrics.tmAveCharWidth = Get(U'x').advance;
+    m_metrics.ascent = static_cast<int>((size.ascender + 63) >> 6);
+    m_metrics.descent = static_cast<int>((-size.descender + 63) >> 6);
+    if (m_height > 0) m_metrics.descent = std::max(0, m_height - m_metrics.ascent); // the cell, to the pixel
 }
 
 // The first face that has the character; the best match, with its sign for a missing one, where none has.

@@ -30,6 +30,14 @@ struct Glyph
     std::vector<std::int16_t> weights; // as parts of WHOLE, which itself is written as one less
 };
 
+// In pixels, from the base line.
+struct FontMetrics
+{
+    int ascent = 0;
+    int descent = 0;
+    int Height() const noexcept { return ascent + descent; }
+};
+
 // A typeface at one size, with the letters that were used. Characters that it lacks come from whatever face
 // has them. Used under the text lock (TextLock.h).
 class FontFace
@@ -44,7 +52,7 @@ public:
 
     // Valid until the next call.
     const Glyph& Get(char32_t ch);
-    const TEXTMETRICA& Metrics() const noexcept { return m_metrics; }
+    const FontMetrics& Metrics() const noexcept { return m_metrics; }
 
 private:
     struct Source
@@ -65,7 +73,7 @@ private:
     const int m_height;
     FontFiles m_files;
     std::vector<Source> m_sources; // the best match first
-    TEXTMETRICA m_metrics{};
+    FontMetrics m_metrics;
     std::array<std::unique_ptr<Glyph>, 128> m_ascii;
     std::unordered_map<char32_t, Glyph> m_others;
     std::size_t m_bytes = 0; // of all these letters

@@ -68,7 +68,7 @@ int Draw(Writer& writer, std::string_view text, RECT& rect, UINT nFormat)
 {
     FontFace& face = writer.font->Face();
     const RECT room = Near(rect);
-    const int nLine = face.Metrics().tmHeight;
+    const int nLine = face.Metrics().Height();
     TextLine plain;
     std::vector<TextLine> broken;
     std::span<const TextLine> lines(&plain, 1);
@@ -122,16 +122,6 @@ try {
     RECT rect;
     Draw(writer, TextOf(pszText, nLength), rect, DT_SINGLELINE | DT_NOPREFIX | DT_CALCRECT);
     *pSize = {rect.right, rect.bottom};
-    return 1;
-} catch (const std::bad_alloc&) {
-    return 0;
-}
-
-int GetTextMetricsA(HDC hDC, TEXTMETRICA* pMetrics)
-try {
-    Writer writer(hDC);
-    if (!writer || !pMetrics) return 0;
-    *pMetrics = writer.font->Face().Metrics();
     return 1;
 } catch (const std::bad_alloc&) {
     return 0;

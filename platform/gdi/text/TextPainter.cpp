@@ -87,10 +87,10 @@ TextPainter::TextPainter(DeviceContext& context, Font& font)
 
 void TextPainter::Draw(const TextLine& line, int x, int y, const RECT& clip)
 {
-    const TEXTMETRICA& metrics = m_face.Metrics();
+    const FontMetrics& metrics = m_face.Metrics();
     if (m_context.backMode == OPAQUE)
-        Bar(x, y, line.width, clip, ToPixel(m_context.backColor), metrics.tmHeight);
-    const int nBase = y + metrics.tmAscent;
+        Bar(x, y, line.width, clip, ToPixel(m_context.backColor), metrics.Height());
+    const int nBase = y + metrics.ascent;
     int pen = x;
     for (std::size_t n = 0; n < line.text.size() && pen < clip.right; ++n) {
         const Glyph& glyph = m_face.Get(line.text[n]);
@@ -99,7 +99,7 @@ void TextPainter::Draw(const TextLine& line, int x, int y, const RECT& clip)
         pen += glyph.advance;
     }
     if (m_font.Underline()) Bar(x, nBase + 1, line.width, clip, m_pixel, 1);
-    if (m_font.StrikeOut()) Bar(x, nBase - metrics.tmAscent / 3, line.width, clip, m_pixel, 1);
+    if (m_font.StrikeOut()) Bar(x, nBase - metrics.ascent / 3, line.width, clip, m_pixel, 1);
 }
 
 void TextPainter::Bar(int x, int y, int nWidth, const RECT& clip, DWORD pixel, int nHeight)

@@ -14,17 +14,30 @@ namespace {
 
 using Rgn = Scoped<HRGN>;
 
-std::vector<RECT> Rects(HRGN region)
-{
-    std::vector<RECT> rects(static_cast<std::size_t>(GetRgnRects(region, nullptr, 0)));
-    EXPECT_EQ(GetRgnRects(region, rects.data(), static_cast<int>(rects.size())),
-              static_cast<int>(rects.size()));
-    return rects;
-}
-
 Rgn FromRects(const std::vector<RECT>& rects)
 {
     return Rgn(CreateRectsRgn(rects.data(), static_cast<int>(rects.size())));
+}
+
+bool IsSame(HRGN a, HRGN b)
+{
+    const Rgn difference(CreateRectRgn(0, 0, 0, 0));
+    return CombineRgn(difference, a, b, RGN_XOR) == NULLREGION;
+}
+
+std::string Repeated(const std::string& part, int nTimes)
+{
+    std::string all;
+    for (int n = 0; n < nTimes; ++n)
+        all += part;
+    return all;
+}
+
+RECT BoxOf(HRGN region)
+{
+    RECT box{7, 7, 7, 7};
+    GetRgnBox(region, &box);
+    return box;
 }
 
 Picture Show(HRGN region, int width, int height)
@@ -40,7 +53,6 @@ TEST(Region, TakesItsCornersInAnyOrder)
 {
     const NoLeak noLeak;
     const Rgn region(CreateRectRgn(5, 6, 2, 1));
-    EXPECT_EQ(Rects(region), (std::vector<RECT>{{2, 1, 5, 6}}));
     RECT box;
     EXPECT_EQ(GetRgnBox(region, &box), SIMPLEREGION);
     EXPECT_EQ(box, (RECT{2, 1, 5, 6}));
@@ -58,22 +70,19 @@ TEST(Region, OfRectanglesIsTheirUnion)
 {
     EXPECT_EQ(Show(FromRects({{3, 1, 5, 3}, {0, 0, 2, 2}, {1, 1, 4, 2}, {4, 4, 2, 2}, {0, 0, 2, 2}}), 5, 3),
               (Picture{"WW...", "WWWWW", "...WW"}));
-    EXPECT_EQ(Rects(FromRects({{0, 0, 1, 1}, {1, 0, 2, 1}, {0, 1, 2, 2}})),
-              (std::vector<RECT>{{0, 0, 2, 2}}));
     RECT box;
+    EXPECT_EQ(GetRgnBox(FromRects({{0, 0, 1, 1}, {1, 0, 2, 1}, {0, 1, 2, 2}}), &box), SIMPLEREGION);
+    EXPECT_EQ(box, (RECT{0, 0, 2, 2}));
     EXPECT_EQ(GetRgnBox(FromRects({}), &box), NULLREGION);
     std::uint64_t mask[] = {0b1011, 1, 0b1011, 1, std::uint64_t{1} << 63, 1, 0, 0};
-    EXPECT_EQ(Rects(Rgn(CreateMaskRgn(mask, 65, 4))),
-              (std::vector<RECT>{{0, 0, 2, 2}, {3, 0, 4, 2}, {64, 0, 65, 2}, {63, 2, 65, 3}}));
+    const std::string gap(60, '.'), row = "WW.W" + gap + 'W';
+    EXPECT_EQ(Show(Rgn(CreateMaskRgn(mask, 65, 4)), 66, 4),
+              (Picture{row + '.', row + '.', std::string(63, '.') + "WW.", std::string(66, '.')}));
     EXPECT_EQ(GetRgnBox(Rgn(CreateMaskRgn(nullptr, 0, 9)), &box), NULLREGION);
     EXPECT_EQ(CreateMaskRgn(mask, -1, 1), nullptr);
     EXPECT_EQ(CreateMaskRgn(nullptr, 1, 1), nullptr);
     EXPECT_EQ(CreateRectsRgn(&box, -1), nullptr);
     EXPECT_EQ(CreateRectsRgn(nullptr, 1), nullptr);
-    RECT first[2]{{}, {7, 7, 7, 7}};
-    EXPECT_EQ(GetRgnRects(FromRects({{0, 0, 1, 1}, {5, 5, 6, 6}}), first, 1), 2);
-    EXPECT_EQ(first[0], (RECT{0, 0, 1, 1}));
-    EXPECT_EQ(first[1], (RECT{7, 7, 7, 7}));
 }
 
 TEST(Region, IsTheSameInWhateverOrderItsManyRectanglesCome)
@@ -83,11 +92,11 @@ TEST(Region, IsTheSameInWhateverOrderItsManyRectanglesCome)
         for (int x = y % 2; x < 300; x += 2)
             runs.push_back({x, y, x + 1, y + 1});
     const Rgn sorted = FromRects(runs);
-    EXPECT_EQ(Rects(sorted), runs);
+    EXPECT_EQ(Show(sorted, 300, 2), (Picture{Repeated("W.", 150), Repeated(".W", 150)}));
     std::reverse(runs.begin(), runs.end());
-    EXPECT_TRUE(EqualRgn(FromRects(runs), sorted));
+    EXPECT_TRUE(IsSame(FromRects(runs), sorted));
     std::shuffle(runs.begin(), runs.end(), std::mt19937(7));
-    EXPECT_TRUE(EqualRgn(FromRects(runs), sorted));
+    EXPECT_TRUE(IsSame(FromRects(runs), sorted));
 }
 
 TEST(Region, CombinesByMode)
@@ -113,14 +122,14 @@ TEST(Region, CombinesByMode)
     EXPECT_EQ(CombineRgn(to, a, nullptr, RGN_OR), RGN_ERROR);
     EXPECT_EQ(CombineRgn(to, nullptr, a, RGN_OR), RGN_ERROR);
     EXPECT_EQ(CombineRgn(nullptr, a, b, RGN_OR), RGN_ERROR);
-    EXPECT_EQ(Rects(to), std::vector<RECT>{});
+    EXPECT_EQ(BoxOf(to), RECT{});
 }
 
 TEST(Region, MovesWithinTheRangeOfCoordinates)
 {
     const Rgn region(CreateRectRgn(0, 0, 2, 2));
     EXPECT_EQ(OffsetRgn(region, 3, -1), SIMPLEREGION);
-    EXPECT_EQ(Rects(region), (std::vector<RECT>{{3, -1, 5, 1}}));
+    EXPECT_EQ(BoxOf(region), (RECT{3, -1, 5, 1}));
     const Rgn widest(CreateRectRgn(INT_MIN, INT_MIN, INT_MAX, INT_MAX));
     for (const int n : {INT_MAX, INT_MIN, INT_MIN, 5, INT_MAX}) {
         OffsetRgn(widest, n, n);
@@ -131,8 +140,6 @@ TEST(Region, MovesWithinTheRangeOfCoordinates)
     }
     EXPECT_EQ(OffsetRgn(nullptr, 1, 1), RGN_ERROR);
     EXPECT_EQ(GetRgnBox(nullptr, nullptr), RGN_ERROR);
-    EXPECT_EQ(GetRgnRects(nullptr, nullptr, 0), 0);
-    EXPECT_EQ(EqualRgn(region, nullptr), 0);
 }
 
 TEST(Region, RoundsItsCorners)
@@ -143,10 +150,9 @@ TEST(Region, RoundsItsCorners)
               (Picture{".WWWWW.", "WWWWWWW", "WWWWWWW", "WWWWWWW", ".WWWWW."}));
     EXPECT_EQ(Show(Rgn(CreateRoundRectRgn(0, 0, 10, 6, 8, 6)), 10, 6),
               (Picture{"..WWWWWW..", ".WWWWWWWW.", "WWWWWWWWWW", "WWWWWWWWWW", ".WWWWWWWW.", "..WWWWWW.."}));
-    EXPECT_TRUE(EqualRgn(Rgn(CreateRoundRectRgn(1, 1, 9, 9, 0, 5)), Rgn(CreateRectRgn(1, 1, 9, 9))));
-    EXPECT_EQ(Rects(Rgn(CreateRoundRectRgn(1, 1, 1, 9, 3, 3))), std::vector<RECT>{});
+    EXPECT_TRUE(IsSame(Rgn(CreateRoundRectRgn(1, 1, 9, 9, 0, 5)), Rgn(CreateRectRgn(1, 1, 9, 9))));
+    EXPECT_EQ(BoxOf(Rgn(CreateRoundRectRgn(1, 1, 1, 9, 3, 3))), RECT{});
     const Rgn widest(CreateRoundRectRgn(INT_MIN, INT_MIN, INT_MAX, INT_MAX, INT_MAX, INT_MIN));
-    EXPECT_LE(GetRgnRects(widest, nullptr, 0), 0x8000); // however large, of so many rows
     EXPECT_FALSE(PtInRegion(widest, INT_MIN, INT_MIN));
     EXPECT_TRUE(PtInRegion(widest, 0, INT_MIN));
 }

@@ -1,6 +1,5 @@
 #include "tests/support/Picture.h"
 
-#include <array>
 #include <climits>
 
 using test::Paper;
@@ -33,14 +32,6 @@ private:
     HGDIOBJ m_oldPen;
     HGDIOBJ m_oldBrush;
 };
-
-Picture Line(POINT from, POINT to, int width = 1)
-{
-    const Sheet sheet(6, 5, 'K', '-', width);
-    MoveToEx(sheet, from.x, from.y, nullptr);
-    EXPECT_EQ(LineTo(sheet, to.x, to.y), 1);
-    return sheet.Read();
-}
 
 } // namespace
 
@@ -129,60 +120,6 @@ TEST(Shapes, AreCutToTheClip)
     const Scoped<HRGN> region(CreateRectsRgn(parts, 2));
     SelectClipRgn(sheet, region);
     Rectangle(sheet, 1, 0, 5, 4);
-    MoveToEx(sheet, 0, 1, nullptr);
-    LineTo(sheet, 6, 1);
     SelectClipRgn(sheet, nullptr);
-    EXPECT_EQ(sheet.Read(), (Picture{"WRWWWW", "RRWRRR", "WWWBRW", "WWWRRW"}));
-}
-
-TEST(LineTo, ExcludesItsEnd)
-{
-    EXPECT_EQ(Line({1, 1}, {4, 1}), (Picture{"WWWWWW", "W...WW", "WWWWWW", "WWWWWW", "WWWWWW"}));
-    EXPECT_EQ(Line({4, 1}, {1, 1}), (Picture{"WWWWWW", "WW...W", "WWWWWW", "WWWWWW", "WWWWWW"}));
-    EXPECT_EQ(Line({2, 4}, {2, 1}), (Picture{"WWWWWW", "WWWWWW", "WW.WWW", "WW.WWW", "WW.WWW"}));
-    EXPECT_EQ(Line({0, 0}, {4, 4}), (Picture{".WWWWW", "W.WWWW", "WW.WWW", "WWW.WW", "WWWWWW"}));
-    EXPECT_EQ(Line({5, 4}, {-1, 1}), (Picture{"WWWWWW", "WWWWWW", "..WWWW", "WW..WW", "WWWW.."}));
-    EXPECT_EQ(Line({1, 0}, {3, 5}), (Picture{"W.WWWW", "W.WWWW", "WW.WWW", "WW.WWW", "WWW.WW"}));
-    EXPECT_EQ(Line({3, 3}, {3, 3}), Picture(5, "WWWWWW"));
-}
-
-TEST(LineTo, GoesOnFromWhereItEnded)
-{
-    const Sheet sheet(3, 3, 'R', '-');
-    POINT old{7, 7};
-    EXPECT_EQ(MoveToEx(sheet, 0, 0, &old), 1);
-    EXPECT_EQ(old, (POINT{0, 0}));
-    LineTo(sheet, 2, 0);
-    LineTo(sheet, 2, 3);
-    EXPECT_EQ(sheet.Read(), (Picture{"RRR", "WWR", "WWR"}));
-    MoveToEx(sheet, 0, 0, &old);
-    EXPECT_EQ(old, (POINT{2, 3}));
-    const Sheet none(3, 3, '-', '-');
-    EXPECT_EQ(LineTo(none, 3, 3), 1);
-    EXPECT_EQ(none.Read(), Picture(3, "WWW"));
-    EXPECT_EQ(LineTo(nullptr, 1, 1), 0);
-    EXPECT_EQ(MoveToEx(nullptr, 1, 1, &old), 0);
-}
-
-TEST(LineTo, HasThePensWidth)
-{
-    EXPECT_EQ(Line({1, 2}, {4, 2}, 2), (Picture{"WWWWWW", "WWWWWW", "W...WW", "W...WW", "WWWWWW"}));
-    EXPECT_EQ(Line({2, 0}, {2, 4}, 3), (Picture{"W...WW", "W...WW", "W...WW", "W...WW", "WWWWWW"}));
-    EXPECT_EQ(Line({0, 0}, {5, 5}, 2),
-              (Picture{"..WWWW", "...WWW", "W...WW", "WW...W", "WWW..W"})); // 2 times the root of 2
-    EXPECT_EQ(Line({3, 3}, {4, 3}, INT_MAX), (Picture(5, "WWW.WW")));
-}
-
-// From far outside a line is the same as nearby, and takes no longer.
-TEST(LineTo, OfAnyLengthIsCutToTheSurface)
-{
-    EXPECT_EQ(Line({-600'000'000, -600'000'001}, {600'000'000, 599'999'999}), Line({0, -1}, {6, 5}));
-    EXPECT_EQ(Line({INT_MIN, INT_MIN}, {INT_MAX, INT_MAX}), Line({-9, -9}, {9, 9}));
-    EXPECT_EQ(Line({INT_MAX, 2}, {INT_MIN, 2}), Line({9, 2}, {-9, 2}));
-    const std::array<int, 6> numbers{INT_MIN, -1, 0, 3, 1'999'999'999, INT_MAX};
-    for (const int a : numbers)
-        for (const int b : numbers)
-            for (const int c : numbers)
-                for (const int width : {1, 7, INT_MAX})
-                    Line({a, b}, {c, a}, width);
+    EXPECT_EQ(sheet.Read(), (Picture{"WRWWWW", "WRWBRW", "WWWBRW", "WWWRRW"}));
 }
