@@ -35,7 +35,7 @@ inline Fit FitBlock(const Canvas& to, const Block& block, const Canvas& from, in
 {
     const std::int64_t dx = std::int64_t{block.x} - xSrc;
     const std::int64_t dy = std::int64_t{block.y} - ySrc;
-    const RECT area = Cut(Cut(Place(block), to.bounds), Moved(from.bounds, dx, dy));
+    const RECT area = Cut(Cut(Place(block), to.reach), Moved(from.bounds, dx, dy));
     if (IsEmpty(area)) return {};
     return {area, static_cast<int>(dx), static_cast<int>(dy)};
 }

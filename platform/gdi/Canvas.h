@@ -3,6 +3,7 @@
 #include "platform/gdi/PixelRegion.h"
 #include "platform/gdi/Surface.h"
 
+#include <algorithm>
 #include <mutex>
 #include <span>
 
@@ -14,9 +15,32 @@ struct Canvas
 {
     Surface& surface;
     RECT bounds;                // what may be read; within the surface
-    std::span<const RECT> clip; // what may be written: disjoint, in rows from the top; within the bounds
+    std::span<const RECT> clip; // what may be written: disjoint, in rows from the top; within the reach
+    RECT reach;                 // the least rectangle around the clip
     // Held while the surface is the desktop's, which windows of several threads share.
     std::unique_lock<std::recursive_mutex> lock;
 };
+
+// Calls `use(part)` for each rectangle of an area cut to the boxes of a region, which are disjoint and lie in
+// rows from the top, each row from the left and of one height. Rows and boxes that the area doesn't touch are
+// passed over by bisection, so that the cost grows with what is touched.
+template <class Box, class Use>
+void ForEachPart(std::span<const Box> boxes, const RECT& area, Use&& use)
+{
+    auto row = std::partition_point(boxes.begin(), boxes.end(),
+                                    [&](const Box& box) { return ToRect(box).bottom <= area.top; });
+    while (row != boxes.end() && ToRect(*row).top < area.bottom) {
+        const LONG nTop = ToRect(*row).top;
+        const auto end =
+            std::partition_point(row, boxes.end(), [&](const Box& box) { return ToRect(box).top == nTop; });
+        auto box = std::partition_point(row, end, [&](const Box& b) { return ToRect(b).right <= area.left; });
+        for (; box != end && ToRect(*box).left < area.right; ++box)
+            if (const RECT part = Cut(ToRect(*box), area); !IsEmpty(part)) use(part);
+        row = end;
+    }
+}
+
+// Fills a rectangle, which may reach out of the canvas's surface, with one pixel.
+void FillArea(const Canvas& canvas, const RECT& area, DWORD pixel) noexcept;
 
 } // namespace kx::gdi

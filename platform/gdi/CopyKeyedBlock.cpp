@@ -87,13 +87,11 @@ void CopyKeyedBlock(const Canvas& to, const Block& block, const Canvas& from, in
     const Surface& surface = snapshot ? *snapshot : from.surface;
     const int dx = snapshot ? fit.area.left : fit.dx;
     const int dy = snapshot ? fit.area.top : fit.dy;
-    for (const RECT& clip : to.clip) {
-        const RECT part = Cut(fit.area, clip);
-        if (IsEmpty(part)) continue;
+    ForEachPart(to.clip, fit.area, [&](const RECT& part) {
         SelectRows({to.surface.Row(part.top) + part.left, to.surface.Stride(),
                     surface.Row(part.top - dy) + part.left - dx, surface.Stride(), part.right - part.left,
                     part.bottom - part.top, key & COLOR_BITS});
-    }
+    });
 }
 
 } // namespace kx::gdi

@@ -49,9 +49,10 @@ DeviceContext::~DeviceContext()
 DeviceContext::View DeviceContext::MakeView(Surface& surface, const std::optional<PixelRegion>& region) const
 {
     const RECT bounds = WholeOf(surface);
-    View view{&surface, bounds, PixelRegion(bounds), {}};
+    View view{&surface, bounds, PixelRegion(bounds), {}, {}};
     if (m_limit) view.visible.IntersectWith(*m_limit);
     if (region) view.visible.IntersectWith(*region);
+    view.reach = view.visible.Extents();
     const auto boxes = view.visible.Boxes();
     view.clip.reserve(boxes.size());
     for (const auto& box : boxes)
@@ -101,14 +102,13 @@ void DeviceContext::SetClip(std::optional<PixelRegion> region)
 
 int DeviceContext::ClipBox(RECT& rect) const noexcept
 {
-    rect = m_view.visible.Extents();
-    if (m_view.visible.Complexity() == NULLREGION) rect = {};
+    rect = m_view.reach;
     return m_view.visible.Complexity();
 }
 
 Canvas DeviceContext::Paint() noexcept
 {
-    Canvas canvas{*m_view.surface, m_view.bounds, m_view.clip, {}};
+    Canvas canvas{*m_view.surface, m_view.bounds, m_view.clip, m_view.reach, {}};
     if (m_shared) canvas.lock = std::unique_lock(Screen::Instance().lock);
     return canvas;
 }
@@ -118,7 +118,7 @@ Canvas DeviceContext::Read(const RECT& rect)
     if (!m_shared || m_window) return Paint();
     std::unique_lock lock(Screen::Instance().lock);
     Surface& seen = window::Desktop::Instance().Look(rect, m_shared->surface);
-    return {seen, m_view.bounds, m_view.clip, std::move(lock)};
+    return {seen, m_view.bounds, m_view.clip, m_view.reach, std::move(lock)};
 }
 
 } // namespace kx::gdi

@@ -59,7 +59,8 @@ private:
         Surface* surface;
         RECT bounds;
         PixelRegion visible;
-        std::vector<RECT> clip; // the rectangles of `visible`
+        RECT reach;             // the least rectangle around it
+        std::vector<RECT> clip; // its rectangles
     };
     View MakeView(Surface& surface, const std::optional<PixelRegion>& region) const;
 

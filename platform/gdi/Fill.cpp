@@ -1,76 +1,76 @@
-#include "platform/gdi/Fill.h"
-
+#include "platform/gdi/Block.h"
 #include "platform/gdi/DeviceContext.h"
 #include "platform/gdi/Region.h"
 
 #include <algorithm>
-#include <new>
-#include <vector>
 
 namespace kx::gdi {
 
-namespace {
-
-[[gnu::always_inline]] inline void FillPart(const Canvas& canvas, const RECT& part, DWORD pixel)
+void FillArea(const Canvas& canvas, const RECT& area, DWORD pixel) noexcept
 {
-    if (IsEmpty(part)) return;
     Surface& surface = canvas.surface;
-    const int nWidth = part.right - part.left;
-    DWORD* row = surface.Row(part.top) + part.left;
-    for (int nRows = part.bottom - part.top; nRows > 0; --nRows, row += surface.Stride()) {
-        if (nWidth == 1) // the side of a box
-            *row = pixel;
-        else
-            std::fill_n(row, nWidth, pixel);
-    }
-}
-
-} // namespace
-
-void FillRects(const Canvas& canvas, std::span<const RECT> rects, DWORD pixel)
-{
-    if (rects.size() <= 1 || canvas.clip.size() <= 1) {
-        for (const RECT& clip : canvas.clip)
-            for (const RECT& rect : rects)
-                FillPart(canvas, Cut(rect, clip), pixel);
-        return;
-    }
-    // Many by many: pixman cuts them in one pass.
-    PixelRegion region = PixelRegion::FromRects(rects);
-    region.IntersectWith(PixelRegion::FromRects(canvas.clip));
-    for (const auto& box : region.Boxes())
-        FillPart(canvas, ToRect(box), pixel);
+    ForEachPart(canvas.clip, area, [&](const RECT& part) {
+        DWORD* row = surface.Row(part.top) + part.left;
+        for (int y = part.top; y < part.bottom; ++y, row += surface.Stride())
+            std::fill_n(row, part.right - part.left, pixel);
+    });
 }
 
 } // namespace kx::gdi
 
 using namespace kx::gdi;
 
+namespace {
+
+// The pixel at a place of the context, null where it isn't drawn on.
+DWORD* PixelAt(const Canvas& canvas, int x, int y) noexcept
+{
+    DWORD* pixel = nullptr;
+    ForEachPart(canvas.clip, Place({x, y, 1, 1}),
+                [&](const RECT& part) { pixel = canvas.surface.Row(part.top) + part.left; });
+    return pixel;
+}
+
+} // namespace
+
+COLORREF GetPixel(HDC hDC, int x, int y)
+{
+    const auto context = FindAs<DeviceContext>(hDC);
+    if (!context) return CLR_INVALID;
+    const Canvas canvas = context->Read(Place({x, y, 1, 1}));
+    const DWORD* pixel = PixelAt(canvas, x, y);
+    return pixel ? ToColor(*pixel) : CLR_INVALID;
+}
+
+COLORREF SetPixel(HDC hDC, int x, int y, COLORREF clr)
+{
+    const auto context = FindAs<DeviceContext>(hDC);
+    if (!context) return CLR_INVALID;
+    const Canvas canvas = context->Paint();
+    DWORD* pixel = PixelAt(canvas, x, y);
+    if (!pixel) return CLR_INVALID;
+    *pixel = ToPixel(clr);
+    return ToColor(*pixel);
+}
+
 int FillRect(HDC hDC, const RECT* pRect, HBRUSH hBrush)
-try {
+{
     const auto context = FindAs<DeviceContext>(hDC);
     const auto brush = FindAs<Brush>(hBrush);
     if (!context || !brush || !pRect) return 0;
-    const Canvas canvas = context->Paint();
-    if (brush->Draws()) FillRects(canvas, {pRect, 1}, ToPixel(brush->color));
+    if (brush->Draws()) FillArea(context->Paint(), *pRect, ToPixel(brush->color));
     return 1;
-} catch (const std::bad_alloc&) {
-    return 0;
 }
 
 int FillRgn(HDC hDC, HRGN hRgn, HBRUSH hBrush)
-try {
+{
     const auto context = FindAs<DeviceContext>(hDC);
     const auto region = FindAs<Region>(hRgn);
     const auto brush = FindAs<Brush>(hBrush);
     if (!context || !region || !brush) return 0;
     if (!brush->Draws()) return 1;
     const Canvas canvas = context->Paint();
-    const auto boxes = region->pixels.Boxes();
-    std::vector<RECT> rects(boxes.size());
-    std::transform(boxes.begin(), boxes.end(), rects.begin(), [](const auto& box) { return ToRect(box); });
-    FillRects(canvas, rects, ToPixel(brush->color));
+    ForEachPart(region->pixels.Boxes(), canvas.reach,
+                [&](const RECT& part) { FillArea(canvas, part, ToPixel(brush->color)); });
     return 1;
-} catch (const std::bad_alloc&) {
-    return 0;
 }

@@ -3,8 +3,6 @@
 #include "platform/gdi/Block.h"
 #include "platform/gdi/DeviceContext.h"
 
-#include <new>
-
 using namespace kx::gdi;
 
 namespace {
@@ -35,23 +33,19 @@ int DestroyIcon(HICON hIcon)
 }
 
 int DrawIcon(HDC hDC, int x, int y, HICON hIcon)
-try {
+{
     const auto context = FindAs<DeviceContext>(hDC);
     const auto icon = FindAs<Icon>(hIcon);
     if (!context || !icon) return 0;
     const Surface& image = icon->surface;
     const Canvas canvas = context->Paint();
     const RECT place = Place({x, y, image.Width(), image.Height()});
-    for (const RECT& clip : canvas.clip) {
-        const RECT part = Cut(place, clip);
-        if (IsEmpty(part)) continue;
+    ForEachPart(canvas.clip, place, [&](const RECT& part) {
         for (int row = part.top; row < part.bottom; ++row)
             LayRow(image.Row(row - place.top) + (part.left - place.left), canvas.surface.Row(row) + part.left,
                    part.right - part.left);
-    }
+    });
     return 1;
-} catch (const std::bad_alloc&) {
-    return 0;
 }
 
 int GetIconSize(HICON hIcon, SIZE* pSize)

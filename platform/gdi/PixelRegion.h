@@ -48,5 +48,9 @@ inline RECT ToRect(const pixman_box32_t& box) noexcept
 {
     return {box.x1, box.y1, box.x2, box.y2};
 }
+inline const RECT& ToRect(const RECT& rect) noexcept
+{
+    return rect;
+}
 
 } // namespace kx::gdi

@@ -82,7 +82,7 @@ void ScalePart(Surface& to, const Surface& from, const RECT& part, const Axis& c
 void ScaleBlock(const Canvas& to, const Block& block, const Canvas& from, const Block& source,
                 std::optional<DWORD> key)
 {
-    const RECT area = Cut(Place(block), to.bounds);
+    const RECT area = Cut(Place(block), to.reach);
     if (IsEmpty(area) || source.cx <= 0 || source.cy <= 0) return;
     Axis columns = MakeAxis({block.x, block.cx}, {source.x, source.cx}, area.left, area.right,
                             from.bounds.left, from.bounds.right);
@@ -99,11 +99,9 @@ void ScaleBlock(const Canvas& to, const Block& block, const Canvas& from, const 
         Shift(rows, read.top);
     }
     const RECT all{columns.first, rows.first, columns.End(), rows.End()};
-    for (const RECT& clip : to.clip) {
-        const RECT part = Cut(all, clip);
-        if (!IsEmpty(part))
-            ScalePart(to.surface, snapshot ? *snapshot : from.surface, part, columns, rows, key);
-    }
+    ForEachPart(to.clip, all, [&](const RECT& part) {
+        ScalePart(to.surface, snapshot ? *snapshot : from.surface, part, columns, rows, key);
+    });
 }
 
 } // namespace kx::gdi

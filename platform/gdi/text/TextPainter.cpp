@@ -1,7 +1,6 @@
 #include "platform/gdi/text/TextPainter.h"
 
 #include "platform/Cpu.h"
-#include "platform/gdi/Fill.h"
 #include "platform/gdi/Rect.h"
 
 #include <algorithm>
@@ -105,18 +104,15 @@ void TextPainter::Draw(const TextLine& line, int x, int y, const RECT& clip)
 void TextPainter::Bar(int x, int y, int nWidth, const RECT& clip, DWORD pixel, int nHeight)
 {
     const RECT bar = Cut({x, y, x + nWidth, y + nHeight}, clip);
-    if (IsEmpty(bar)) return;
-    FillRects(m_canvas, {&bar, 1}, pixel);
+    FillArea(m_canvas, bar, pixel);
 }
 
 // (x, y): the pen on the base line.
 void TextPainter::Cover(const Glyph& glyph, int x, int y, const RECT& clip)
 {
     const RECT box{x + glyph.left, y - glyph.top, x + glyph.left + glyph.width, y - glyph.top + glyph.rows};
-    for (const RECT& visible : m_canvas.clip) {
-        const RECT part = Cut(Cut(box, clip), visible);
-        if (!IsEmpty(part)) Blend(glyph, box.left, box.top, part);
-    }
+    ForEachPart(m_canvas.clip, Cut(box, clip),
+                [&](const RECT& part) { Blend(glyph, box.left, box.top, part); });
 }
 
 void TextPainter::Blend(const Glyph& glyph, int x, int y, const RECT& part)

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <climits>
+#include <ctime>
 #include <gmock/gmock.h>
 
 using test::Paper;
@@ -103,16 +104,16 @@ TEST(BitBlt, CopiesLongRowsFromAndToAnyColumn)
     }
 }
 
-// Each direction, within one surface: whole, and cut into three parts of which two lie side by side.
+// Each direction, within one surface: whole, and cut into parts that lie side by side and below each other.
 TEST(BitBlt, OverlappingCopiesReadWhatWasThereBefore)
 {
     const Picture before = Colorful(9, 8);
-    const std::array<RECT, 3> parts{{{0, 0, 4, 3}, {6, 0, 9, 3}, {1, 5, 8, 8}}};
-    const Scoped<HRGN> region(CreateRectsRgn(parts.data(), 3));
+    const std::array<RECT, 5> parts{{{0, 0, 3, 3}, {4, 0, 6, 3}, {7, 0, 9, 3}, {0, 4, 4, 8}, {5, 4, 9, 8}}};
+    const Scoped<HRGN> region(CreateRectsRgn(parts.data(), 5));
     const auto inParts = [&](int x, int y) { return PtInRegion(region, x, y) != 0; };
     for (int dx = -3; dx <= 3; ++dx)
         for (int dy = -3; dy <= 3; ++dy) {
-            const Copy copy{2 + dx, 2 + dy, 6, 5, 2, 2};
+            const Copy copy{dx, dy, 9, 8, 0, 0};
             for (const char key : {'\0', 'G'}) {
                 const Paper whole(before);
                 const Paper clipped(before);
@@ -126,6 +127,39 @@ TEST(BitBlt, OverlappingCopiesReadWhatWasThereBefore)
                     << dx << ' ' << dy << key;
             }
         }
+}
+
+// A clip of many rectangles cuts as one by one they would, and those out of a copy's reach cost it nothing:
+// at a look at each, these copies would take minutes.
+TEST(BlockCopy, UnderAClipOfManyRectanglesTouchesThoseInItsReach)
+{
+    constexpr int kSide = 256;
+    std::vector<RECT> chess;
+    for (int y = 0; y < kSide; ++y)
+        for (int x = y % 2; x < kSide; x += 2)
+            chess.push_back({x, y, x + 1, y + 1});
+    const Scoped<HRGN> region(CreateRectsRgn(chess.data(), static_cast<int>(chess.size())));
+    const auto inChess = [](int x, int y) { return (x + y) % 2 == 0; };
+    const Paper paper(kSide, kSide, 'W');
+    SelectClipRgn(paper, region);
+    const Picture source = Colorful(4, 3);
+    const Paper from(source);
+    const std::clock_t begin = std::clock();
+    for (int n = 0; n < 100'000; ++n)
+        Blit(paper, {n % kSide, n / kSide % kSide, 4, 3, 0, 0}, from);
+    EXPECT_LT((std::clock() - begin) / CLOCKS_PER_SEC, 5);
+    for (const Copy& copy :
+         {Copy{250, 250, 4, 3, 0, 0}, Copy{-1, 9, 4, 3, 0, 0}, Copy{254, 254, 4, 3, 0, 0}}) {
+        FillRect(paper, std::array<RECT, 1>{{{0, 0, kSide, kSide}}}.data(),
+                 static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+        EXPECT_EQ(Blit(paper, copy, from), 1);
+        EXPECT_EQ(BlitKeyed(paper, {100, 101, 4, 3, 0, 0}, from, 'R'), 1);
+        SelectClipRgn(paper, nullptr);
+        Picture expected = Copied(Picture(kSide, std::string(kSide, 'W')), source, copy, 0, inChess);
+        expected = Copied(expected, source, {100, 101, 4, 3, 0, 0}, 'R', inChess);
+        EXPECT_EQ(paper.Read(), expected) << copy.x;
+        SelectClipRgn(paper, region);
+    }
 }
 
 TEST(BitBlt, ReadsAndPaintsTheDesktop)
