@@ -22,18 +22,16 @@ inline Span SeenOf(HDC hDC, int bHorz)
     return bHorz ? Span{seen.left, seen.right} : Span{seen.top, seen.bottom};
 }
 
-// So many tiles are drawn without a question; of more, those alone that can be seen.
-inline constexpr std::int64_t MAX_UNSEEN_TILES = 4096;
-
 // Calls `tile(position, length)` for each tile of `nTile` pixels that covers `nRoom` from `from` on, the last
-// one cut. A tile without a length covers nothing. `seen()` gives the Span that can be seen.
+// one cut, but for those that can't be seen. A tile without a length covers nothing. `seen()` gives the Span
+// that can be seen; it is asked where there is more than one tile.
 template <class Seen, class Tile>
 void ForEachTile(std::int64_t from, std::int64_t nRoom, int nTile, Seen&& seen, Tile&& tile)
 {
     if (nTile <= 0 || nRoom <= 0) return;
     std::int64_t done = 0;
     std::int64_t end = nRoom;
-    if (nRoom > MAX_UNSEEN_TILES * nTile) {
+    if (nRoom > nTile) {
         const Span span = seen();
         done = std::max(std::int64_t{0}, span.from - from) / nTile * nTile;
         end = std::min(end, span.to - from);

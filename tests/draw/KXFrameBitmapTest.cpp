@@ -73,7 +73,7 @@ TEST_F(Frame, EdgesWithoutLengthEnd)
     empty.Draw(&dc, CRect(0, 0, 40, 30), 0, 0);
 }
 
-// Tiles that can't be seen aren't drawn once there are very many, and those that can stand where they would.
+// Tiles that can't be seen aren't drawn, and those that can stand where they would.
 TEST_F(Frame, OfAnySizeEndsSoon)
 {
     frame.Draw(&dc, CRect(INT_MIN, 0, INT_MAX, 30), 1, 0);
