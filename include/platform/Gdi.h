@@ -5,7 +5,8 @@
 // A handle is an opaque number that is never reused soon; null, stale and foreign handles are harmless: each
 // operation then gives its failure. Coordinates are pixels from the top left; rectangles exclude their right
 // and bottom. Everything clips to the surfaces it reads and writes. Pixels are held as 32 bits, 0x00RRGGBB in
-// a DWORD with a high byte that copies keep and comparisons ignore, whatever depth a bitmap declares.
+// a DWORD with a high byte that copies keep and comparisons ignore, whatever depth a bitmap declares; it is 0
+// but for what a file of 32 bits brought along.
 //
 // Threads: handles may be passed between threads; one surface, or an object selected into it, is used by one
 // thread at a time.
@@ -155,9 +156,10 @@ inline constexpr UINT IMAGE_ICON = 1;
 inline constexpr UINT LR_LOADFROMFILE = 0x10;
 inline constexpr UINT LR_CREATEDIBSECTION = 0x2000;
 
-// Loads a bitmap from a BMP file of 1, 4, 8, 16, 24 or 32 bits, or an icon from an ICO file. A bitmap is
-// brought to `cx` by `cy` with its nearest pixels, where 0 keeps its own side; an icon keeps the size of the
-// entry nearest to `cx` by `cy`, with 0, 0 of the first. With LR_LOADFROMFILE `pszName` is a path, otherwise
+// Loads a bitmap from a BMP file of 1, 2, 4, 8, 16, 24 or 32 bits, or an icon from an ICO file. Both are
+// brought to `cx` by `cy`, where 0 keeps the own side: a bitmap with its nearest pixels; an icon with the
+// means, opacity included, of its smallest entry that is as large, or else its largest. With 0, 0 an icon is
+// the file's first entry. With LR_LOADFROMFILE `pszName` is a path, otherwise
 // a resource of the module (a number by MAKEINTRESOURCEA). The caller ends a bitmap with DeleteObject, an
 // icon with DestroyIcon. Null for anything that is no such image, and for a size below 0.
 KX_API HANDLE LoadImageA(HINSTANCE hInstance, const char* pszName, UINT nType, int cx, int cy, UINT nFlags);

@@ -8,16 +8,24 @@
 
 namespace kx::gdi {
 
+// What a bitmap of 8 bits and less has besides its pixels. GetDIBits gives a pixel's own index back for as
+// long as the pixel has that entry's colour.
+struct Palette
+{
+    std::vector<RGBQUAD> colors; // as many as the file declared, at most 2 to the depth
+    // The indices as they were loaded, a row of the bitmap's width after the other from the top; empty where
+    // no colour stands in the palette twice, so that a colour tells its index.
+    std::vector<BYTE> indices;
+};
+
 // A bitmap: 32-bit pixels whatever its declared depth, which stays with it for GetObjectA and GetDIBits, as
-// does its palette (depths of 8 bits and less; as many entries as the file declared, at most 2 to the depth).
-// A decoder may leave a pixel's index into the palette in its high byte: GetDIBits gives that index back for
-// as long as the pixel has its colour, even if the palette holds the colour twice.
+// does its palette.
 class Bitmap final : public Object
 {
 public:
     static constexpr Kind KIND = Kind::Bitmap;
 
-    Bitmap(Surface pixels, WORD nDepth, std::vector<RGBQUAD> colors = {}, bool bFromFile = false)
+    Bitmap(Surface pixels, WORD nDepth, Palette colors = {}, bool bFromFile = false)
         : Object(KIND),
           depth(nDepth),
           palette(std::move(colors)),
@@ -32,7 +40,7 @@ public:
     int Height() const noexcept { return surface.Height(); }
 
     const WORD depth;
-    const std::vector<RGBQUAD> palette;
+    const Palette palette;
     const bool fromFile; // rows count as padded to 32 bits, not 16
     Surface surface;
 };

@@ -1,6 +1,6 @@
-#include "platform/gdi/BmpRows.h"
-#include "platform/gdi/Rle.h"
+#include "platform/gdi/BmpHeader.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace kx::gdi {
@@ -9,16 +9,53 @@ namespace {
 
 constexpr std::size_t kFileHeader = 14;
 
+bool HasTwice(std::vector<DWORD> colors)
+{
+    std::sort(colors.begin(), colors.end());
+    return std::adjacent_find(colors.begin(), colors.end()) != colors.end();
+}
+
+// Takes the indices out of the high bytes of pixels.
+std::vector<BYTE> TakeIndices(Surface& surface)
+{
+    std::vector<BYTE> indices;
+    indices.reserve(static_cast<std::size_t>(surface.Width()) * static_cast<std::size_t>(surface.Height()));
+    for (int y = 0; y < surface.Height(); ++y)
+        for (DWORD* pixel = surface.Row(y); pixel < surface.Row(y) + surface.Width(); ++pixel) {
+            indices.push_back(static_cast<BYTE>(*pixel >> 24));
+            *pixel &= COLOR_BITS;
+        }
+    return indices;
+}
+
 std::shared_ptr<Bitmap> Decode(const BmpHeader& header, FileBytes dib, std::size_t nPixelsAt)
 {
-    auto palette = ReadPalette(header, dib, nPixelsAt);
-    BmpColors colors = ToColors(palette);
-    for (DWORD i = 0; i < palette.size(); ++i)
-        colors[i] |= i << 24; // tells apart entries of one colour
+    Palette palette{ReadPalette(header, dib, nPixelsAt), {}};
+    BmpColors colors = ToColors(palette.colors);
+    const auto nColors = static_cast<std::ptrdiff_t>(palette.colors.size());
+    const bool bMarked = HasTwice({colors.begin(), colors.begin() + nColors});
+    for (DWORD i = 0; bMarked && i < colors.size(); ++i)
+        colors[i] |= i << 24;
     const FileBytes bytes = From(dib, nPixelsAt);
     auto surface = header.IsCompressed() ? ReadRle(header, bytes, colors) : ReadRows(header, bytes, colors);
     if (!surface) return nullptr;
-    return std::make_shared<Bitmap>(std::move(*surface), header.nDepth, std::move(palette), true);
+    if (bMarked) palette.indices = TakeIndices(*surface);
+    const WORD nDepth = header.nDepth == 2 ? 4 : header.nDepth; // two bits are no depth of the platform
+    return std::make_shared<Bitmap>(std::move(*surface), nDepth, std::move(palette), true);
+}
+
+// Where the pixels of a file lie, counted from its second header; nothing where they can't.
+std::optional<std::size_t> PixelsAt(FileBytes file, const BmpHeader& header) noexcept
+{
+    const std::size_t nOffset = U32(file, 10);
+    if (nOffset == 0) return header.PixelsAt();
+    if (nOffset < kFileHeader + header.nPaletteAt) return std::nullopt;
+    return nOffset - kFileHeader;
+}
+
+bool IsBmp(FileBytes file) noexcept
+{
+    return U16(file, 0) == 0x4D42; // "BM"
 }
 
 } // namespace
@@ -31,13 +68,23 @@ std::shared_ptr<Bitmap> ReadDib(FileBytes dib)
 
 std::shared_ptr<Bitmap> ReadBmp(FileBytes file)
 {
-    if (U16(file, 0) != 0x4D42) return nullptr; // "BM"
+    if (!IsBmp(file)) return nullptr;
     const FileBytes dib = From(file, kFileHeader);
-    const std::size_t nOffset = U32(file, 10);
-    if (nOffset == 0) return ReadDib(dib);
     const auto header = ParseBmpHeader(dib);
-    if (!header || nOffset < kFileHeader + header->nPaletteAt) return nullptr;
-    return Decode(*header, dib, nOffset - kFileHeader);
+    const auto nPixelsAt = header ? PixelsAt(file, *header) : std::nullopt;
+    return nPixelsAt ? Decode(*header, dib, *nPixelsAt) : nullptr;
+}
+
+std::optional<std::uint64_t> BmpBytesToRead(FileBytes head, std::uint64_t nFileSize) noexcept
+{
+    if (!IsBmp(head)) return std::nullopt;
+    const auto header = ParseBmpHeader(From(head, kFileHeader));
+    const auto nPixelsAt = header ? PixelsAt(head, *header) : std::nullopt;
+    if (!nPixelsAt || kFileHeader + *nPixelsAt > nFileSize) return std::nullopt;
+    if (header->IsCompressed()) return nFileSize;
+    const std::uint64_t nThere = nFileSize - kFileHeader - *nPixelsAt;
+    if (nThere < header->LeastPixelBytes()) return std::nullopt;
+    return kFileHeader + *nPixelsAt + std::min<std::uint64_t>(nThere, header->PixelBytes());
 }
 
 } // namespace kx::gdi

@@ -8,17 +8,25 @@ namespace {
 
 constexpr DWORD kCoreSize = 12;
 constexpr DWORD kInfoSize = 40;
+constexpr DWORD kOs2Size = 64;       // a second kind, which may be cut to any multiple of 4 from 16 on
 constexpr DWORD kAlphaBitfields = 6; // BI_BITFIELDS with a fourth mask
+constexpr DWORD kOs2Rle24 = 4;       // in headers of the second kind
 
 // Info, with three and four masks, V4 and V5.
-constexpr bool IsKnownSize(DWORD nSize) noexcept
+constexpr bool IsInfoSize(DWORD nSize) noexcept
 {
     return nSize == kInfoSize || nSize == 52 || nSize == 56 || nSize == 108 || nSize == 124;
 }
 
+constexpr bool IsOs2Size(DWORD nSize) noexcept
+{
+    return nSize >= 16 && nSize <= kOs2Size && nSize % 4 == 0 && !IsInfoSize(nSize);
+}
+
 constexpr bool IsKnownDepth(WORD nDepth) noexcept
 {
-    return nDepth == 1 || nDepth == 4 || nDepth == 8 || nDepth == 16 || nDepth == 24 || nDepth == 32;
+    return nDepth == 1 || nDepth == 2 || nDepth == 4 || nDepth == 8 || nDepth == 16 || nDepth == 24 ||
+           nDepth == 32;
 }
 
 constexpr BmpMasks PlainMasks(WORD nDepth) noexcept
@@ -59,7 +67,7 @@ bool ParseCompression(FileBytes dib, DWORD nSize, BmpHeader& header) noexcept
         return true;
     case BI_RLE8:
     case BI_RLE4:
-        header.nCompression = nCompression;
+        header.compression = nCompression == BI_RLE8 ? BmpCompression::Rle8 : BmpCompression::Rle4;
         return header.nDepth == (nCompression == BI_RLE8 ? 8 : 4) && !header.bTopDown;
     case BI_BITFIELDS:
     case kAlphaBitfields:
@@ -69,9 +77,19 @@ bool ParseCompression(FileBytes dib, DWORD nSize, BmpHeader& header) noexcept
     }
 }
 
+bool ParseOs2Compression(FileBytes dib, BmpHeader& header) noexcept
+{
+    if (U32(dib, 16) != kOs2Rle24) return ParseCompression(dib, kOs2Size, header) && header.nDepth != 16;
+    header.compression = BmpCompression::Rle24;
+    return header.nDepth == 24 && !header.bTopDown;
+}
+
+// `dib` is the header alone or with what is behind it: what a short header lacks counts as 0.
 std::optional<BmpHeader> ParseInfo(FileBytes dib, DWORD nSize) noexcept
 {
     BmpHeader header;
+    const bool bOs2 = IsOs2Size(nSize);
+    if (bOs2) dib = dib.first(nSize);
     const auto nHeight = static_cast<std::int32_t>(U32(dib, 8));
     if (nHeight == INT32_MIN) return std::nullopt;
     header.bTopDown = nHeight < 0;
@@ -80,7 +98,8 @@ std::optional<BmpHeader> ParseInfo(FileBytes dib, DWORD nSize) noexcept
     header.nDepth = U16(dib, 14);
     header.nPaletteAt = nSize;
     header.nColors = U32(dib, 32);
-    if (U16(dib, 12) != 1 || !ParseCompression(dib, nSize, header)) return std::nullopt;
+    const bool bKnown = bOs2 ? ParseOs2Compression(dib, header) : ParseCompression(dib, nSize, header);
+    if (U16(dib, 12) != 1 || !bKnown) return std::nullopt;
     return header;
 }
 
@@ -92,7 +111,7 @@ std::optional<BmpHeader> ParseBmpHeader(FileBytes dib) noexcept
     if (dib.size() < nSize) return std::nullopt;
     std::optional<BmpHeader> header;
     if (nSize == kCoreSize) header = ParseCore(dib);
-    if (IsKnownSize(nSize)) header = ParseInfo(dib, nSize);
+    if (IsInfoSize(nSize) || IsOs2Size(nSize)) header = ParseInfo(dib, nSize);
     if (!header || header->nWidth <= 0 || header->nHeight <= 0 || !IsKnownDepth(header->nDepth))
         return std::nullopt;
     if (std::int64_t{header->nWidth} * header->nHeight > MAX_BITMAP_PIXELS) return std::nullopt;

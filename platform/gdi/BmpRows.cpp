@@ -1,10 +1,68 @@
-#include "platform/gdi/BmpRows.h"
+#include "platform/gdi/BmpHeader.h"
 
+#include <bit>
 #include <cstring>
 
 namespace kx::gdi {
 
 namespace {
+
+// One channel of a pixel of bit fields, brought to 8 bits: a wider one keeps its upper bits, a narrower one
+// is repeated, so that all ones give 255 and cutting back gives the old value.
+class BmpChannel
+{
+public:
+    // Nothing unless the mask's bits lie side by side. A channel without bits is always 0.
+    static std::optional<BmpChannel> Make(DWORD mask) noexcept;
+
+    DWORD Of(DWORD pixel) const noexcept { return m_scaled[(pixel & m_mask) >> m_nShift]; }
+
+private:
+    DWORD m_mask = 0; // the upper 8 bits at most
+    int m_nShift = 0;
+    std::array<std::uint8_t, 256> m_scaled{};
+};
+
+struct BmpChannels
+{
+    BmpChannel red;
+    BmpChannel green;
+    BmpChannel blue;
+    BmpChannel alpha;
+
+    static std::optional<BmpChannels> Make(const BmpMasks& masks) noexcept;
+    DWORD ToPixel(DWORD pixel) const noexcept
+    {
+        return alpha.Of(pixel) << 24 | red.Of(pixel) << 16 | green.Of(pixel) << 8 | blue.Of(pixel);
+    }
+};
+
+std::optional<BmpChannel> BmpChannel::Make(DWORD mask) noexcept
+{
+    BmpChannel channel;
+    if (mask == 0) return channel;
+    const int low = std::countr_zero(mask), width = std::popcount(mask);
+    if (static_cast<int>(std::bit_width(mask)) != low + width) return std::nullopt;
+
+    const int used = width < 8 ? width : 8;
+    channel.m_nShift = low + width - used;
+    channel.m_mask = mask >> channel.m_nShift << channel.m_nShift;
+    for (unsigned value = 0; value < 1u << used; ++value) {
+        unsigned scaled = 0;
+        for (int at = 8 - used; at > -used; at -= used)
+            scaled |= at >= 0 ? value << at : value >> -at;
+        channel.m_scaled[value] = static_cast<std::uint8_t>(scaled);
+    }
+    return channel;
+}
+
+std::optional<BmpChannels> BmpChannels::Make(const BmpMasks& masks) noexcept
+{
+    const auto red = BmpChannel::Make(masks.red), green = BmpChannel::Make(masks.green),
+               blue = BmpChannel::Make(masks.blue), alpha = BmpChannel::Make(masks.alpha);
+    if (!red || !green || !blue || !alpha) return std::nullopt;
+    return BmpChannels{*red, *green, *blue, *alpha};
+}
 
 // Calls `row(in, out)` for each of the file's rows and the surface's it belongs to.
 template <class Row>
@@ -60,6 +118,8 @@ bool Fill(const BmpHeader& header, FileBytes bytes, const BmpColors& colors, Sur
     switch (header.nDepth) {
     case 1:
         return ReadIndexed<1>(header, bytes, colors, surface);
+    case 2:
+        return ReadIndexed<2>(header, bytes, colors, surface);
     case 4:
         return ReadIndexed<4>(header, bytes, colors, surface);
     case 8:
@@ -78,7 +138,7 @@ bool Fill(const BmpHeader& header, FileBytes bytes, const BmpColors& colors, Sur
 
 std::optional<Surface> ReadRows(const BmpHeader& header, FileBytes bytes, const BmpColors& colors)
 {
-    if (bytes.size() < header.PixelBytes()) return std::nullopt;
+    if (bytes.size() < header.LeastPixelBytes()) return std::nullopt;
     auto surface = Surface::Make(header.nWidth, header.nHeight);
     if (surface && !Fill(header, bytes, colors, *surface)) surface.reset();
     return surface;

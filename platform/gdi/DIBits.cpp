@@ -1,28 +1,184 @@
 #include "platform/gdi/DeviceContext.h"
-#include "platform/gdi/DibRow.h"
 
 #include <algorithm>
+#include <array>
+#include <cstring>
+#include <new>
+#include <optional>
+#include <span>
 
 using namespace kx::gdi;
 
 namespace {
 
+int SquareOf(DWORD a, DWORD b, int nShift) noexcept
+{
+    const int nDifference = static_cast<int>(a >> nShift & 0xFF) - static_cast<int>(b >> nShift & 0xFF);
+    return nDifference * nDifference;
+}
+
+int Distance(DWORD a, DWORD b) noexcept
+{
+    return SquareOf(a, b, 16) + SquareOf(a, b, 8) + SquareOf(a, b, 0);
+}
+
+// Finds a palette's entries for pixels: the one that is proposed if it has that colour, else the first of
+// that colour, else the nearest.
+class PaletteIndex
+{
+public:
+    explicit PaletteIndex(std::span<const RGBQUAD> palette) noexcept
+        : m_nColors(std::min(palette.size(), kMost))
+    {
+        std::transform(palette.begin(), palette.begin() + static_cast<std::ptrdiff_t>(m_nColors),
+                       m_colors.begin(), ToPixel);
+    }
+
+    BYTE Find(DWORD pixel, BYTE nProposed) noexcept
+    {
+        const DWORD color = pixel & COLOR_BITS;
+        if (nProposed < m_nColors && m_colors[nProposed] == color) return nProposed;
+        Found& found = m_found[color * 2654435761u >> 22];
+        if (found.color != color) found = {color, Search(color)};
+        return found.index;
+    }
+
+private:
+    static DWORD ToPixel(const RGBQUAD& color) noexcept
+    {
+        return DWORD{color.rgbRed} << 16 | DWORD{color.rgbGreen} << 8 | color.rgbBlue;
+    }
+    BYTE Search(DWORD color) const noexcept
+    {
+        const auto end = m_colors.begin() + static_cast<std::ptrdiff_t>(m_nColors);
+        const auto nearest = std::min_element(
+            m_colors.begin(), end, [&](DWORD a, DWORD b) { return Distance(a, color) < Distance(b, color); });
+        return nearest == end ? BYTE{0} : static_cast<BYTE>(nearest - m_colors.begin());
+    }
+
+    static constexpr std::size_t kMost = 256;
+    std::size_t m_nColors;
+    std::array<DWORD, kMost> m_colors{};
+    // What was searched for before.
+    struct Found
+    {
+        DWORD color = 0xFFFFFFFF;
+        BYTE index = 0;
+    };
+    std::array<Found, 1024> m_found{};
+};
+
+void Write16(std::span<const DWORD> in, BYTE* out) noexcept
+{
+    for (const DWORD pixel : in) {
+        const auto packed =
+            static_cast<WORD>((pixel >> 9 & 0x7C00) | (pixel >> 6 & 0x03E0) | (pixel >> 3 & 0x1F));
+        std::memcpy(out, &packed, sizeof(packed));
+        out += sizeof(packed);
+    }
+}
+
+void Write24(std::span<const DWORD> in, BYTE* out) noexcept
+{
+    for (const DWORD pixel : in) {
+        *out++ = static_cast<BYTE>(pixel);
+        *out++ = static_cast<BYTE>(pixel >> 8);
+        *out++ = static_cast<BYTE>(pixel >> 16);
+    }
+}
+
+void Write32(std::span<const DWORD> in, BYTE* out, DWORD nMask) noexcept
+{
+    for (const DWORD pixel : in) {
+        const DWORD kept = pixel & nMask;
+        std::memcpy(out, &kept, sizeof(kept));
+        out += sizeof(kept);
+    }
+}
+
+// Writes rows of a bitmap as they stand in memory or a file: padded to 32 bits, the leftmost pixel in the
+// highest bits of a byte, 16 bits as 5 of each colour, more as bytes of blue, green, red; padding bits are 0.
+// The fourth byte of 32 bits is the pixel's own if the bitmap declares that depth, else 0.
+class RowWriter
+{
+public:
+    RowWriter(const Bitmap& bitmap, WORD nDepth) noexcept : m_bitmap(bitmap), m_nDepth(nDepth)
+    {
+        if (nDepth <= 8) m_indices.emplace(bitmap.palette.colors);
+    }
+
+    std::size_t Bytes() const noexcept { return RowBytes(m_bitmap.Width(), m_nDepth, 32); }
+    void Write(int y, BYTE* out) noexcept
+    {
+        const std::size_t nBytes = Bytes();
+        if (nBytes >= sizeof(DWORD))
+            std::memset(out + nBytes - sizeof(DWORD), 0, sizeof(DWORD)); // the padding
+        const std::span in(m_bitmap.surface.Row(y), static_cast<std::size_t>(m_bitmap.Width()));
+        switch (m_nDepth) {
+        case 16:
+            return Write16(in, out);
+        case 24:
+            return Write24(in, out);
+        case 32:
+            return Write32(in, out, m_bitmap.depth == 32 ? 0xFFFFFFFF : COLOR_BITS);
+        default:
+            return WriteIndices(y, in, out);
+        }
+    }
+
+private:
+    void WriteIndices(int y, std::span<const DWORD> in, BYTE* out) noexcept
+    {
+        const std::vector<BYTE>& loaded = m_bitmap.palette.indices;
+        const BYTE* const own =
+            loaded.empty() ? nullptr : loaded.data() + static_cast<std::size_t>(y) * in.size();
+        const std::size_t nPerByte = 8u / m_nDepth;
+        for (std::size_t x = 0; x < in.size(); x += nPerByte) {
+            unsigned nByte = 0;
+            for (std::size_t at = x; at < x + nPerByte; ++at)
+                nByte = nByte << m_nDepth |
+                        (at < in.size() ? m_indices->Find(in[at], own ? own[at] : BYTE{0}) : 0u);
+            *out++ = static_cast<BYTE>(nByte);
+        }
+    }
+
+    const Bitmap& m_bitmap;
+    const WORD m_nDepth;
+    std::optional<PaletteIndex> m_indices; // for depths of 8 bits and less
+};
+
+// Whether a bitmap's rows can be given in a depth: in one of 8 bits and less if it has a palette itself,
+// which the depth can count.
+bool HasDepth(const Bitmap& bitmap, int nDepth) noexcept
+{
+    const std::size_t nColors = bitmap.palette.colors.size();
+    switch (nDepth) {
+    case 1:
+    case 4:
+    case 8:
+        return nColors > 0 && nColors <= std::size_t{1} << nDepth;
+    case 16:
+    case 24:
+    case 32:
+        return true;
+    default:
+        return false;
+    }
+}
+
 BITMAPINFOHEADER HeaderOf(const Bitmap& bitmap) noexcept
 {
-    const int nWidth = bitmap.Width();
-    const int nHeight = bitmap.Height();
-    const std::size_t nBytes = RowBytes(nWidth, bitmap.depth, 32) * static_cast<std::size_t>(nHeight);
-    return {sizeof(BITMAPINFOHEADER),
-            nWidth,
-            nHeight,
-            1,
-            bitmap.depth,
-            BI_RGB,
-            static_cast<DWORD>(nBytes),
-            0,
-            0,
-            0,
-            0};
+    const std::size_t nBytes =
+        RowBytes(bitmap.Width(), bitmap.depth, 32) * static_cast<std::size_t>(bitmap.Height());
+    BITMAPINFOHEADER header{};
+    header.biSize = sizeof(header);
+    header.biWidth = bitmap.Width();
+    header.biHeight = bitmap.Height();
+    header.biPlanes = 1;
+    header.biBitCount = bitmap.depth;
+    header.biCompression = BI_RGB;
+    header.biSizeImage = static_cast<DWORD>(nBytes);
+    return header;
 }
 
 bool Fits(const BITMAPINFOHEADER& header, const Bitmap& bitmap) noexcept
@@ -36,16 +192,17 @@ bool Fits(const BITMAPINFOHEADER& header, const Bitmap& bitmap) noexcept
 void CopyColors(const Bitmap& bitmap, BITMAPINFO& info) noexcept
 {
     const std::size_t nRoom = info.bmiHeader.biBitCount <= 8 ? info.bmiHeader.biClrUsed : 0;
-    const std::size_t nColors = std::min(nRoom, bitmap.palette.size());
+    const std::size_t nColors = std::min(nRoom, bitmap.palette.colors.size());
     RGBQUAD* const colors = info.bmiColors;
-    std::copy_n(bitmap.palette.begin(), nColors, colors);
+    std::copy_n(bitmap.palette.colors.begin(), nColors, colors);
     info.bmiHeader.biClrUsed = static_cast<DWORD>(nColors);
 }
 
 // Lines are counted from the bottom, whichever comes first in the buffer.
-void CopyRows(const Bitmap& bitmap, const BITMAPINFOHEADER& header, int nStart, int nLines, BYTE* out)
+void CopyLines(const Bitmap& bitmap, const BITMAPINFOHEADER& header, int nStart, int nLines,
+               BYTE* out) noexcept
 {
-    DibRow row(bitmap, header.biBitCount);
+    RowWriter row(bitmap, header.biBitCount);
     const int nBottom = bitmap.Height() - 1 - nStart;
     const bool bTopDown = header.biHeight < 0;
     for (int n = 0; n < nLines; ++n, out += row.Bytes())
@@ -53,6 +210,31 @@ void CopyRows(const Bitmap& bitmap, const BITMAPINFOHEADER& header, int nStart, 
 }
 
 } // namespace
+
+namespace kx::gdi {
+
+int Bitmap::Describe(int nSize, void* pBuffer) const
+{
+    BITMAP record{};
+    record.bmWidth = Width();
+    record.bmHeight = Height();
+    record.bmWidthBytes = static_cast<LONG>(RowBytes(Width(), depth, fromFile ? 32 : 16));
+    record.bmPlanes = 1;
+    record.bmBitsPixel = depth;
+    return DescribeAs(record, nSize, pBuffer);
+}
+
+} // namespace kx::gdi
+
+HBITMAP CreateCompatibleBitmap(HDC hDC, int cx, int cy)
+try {
+    if (!FindAs<DeviceContext>(hDC)) return nullptr;
+    auto pixels = Surface::Make(cx, cy);
+    if (!pixels) return nullptr;
+    return static_cast<HBITMAP>(Add(std::make_shared<Bitmap>(std::move(*pixels), WORD{32})));
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}
 
 int GetDIBits(HDC hDC, HBITMAP hBitmap, UINT nStart, UINT nLines, void* pBits, BITMAPINFO* pInfo, UINT nUsage)
 {
@@ -70,7 +252,7 @@ int GetDIBits(HDC hDC, HBITMAP hBitmap, UINT nStart, UINT nLines, void* pBits, B
     CopyColors(*bitmap, *pInfo);
     const UINT nCopied = std::min(nLines, nHeight - nStart);
     if (pBits)
-        CopyRows(*bitmap, header, static_cast<int>(nStart), static_cast<int>(nCopied),
-                 static_cast<BYTE*>(pBits));
+        CopyLines(*bitmap, header, static_cast<int>(nStart), static_cast<int>(nCopied),
+                  static_cast<BYTE*>(pBits));
     return static_cast<int>(nCopied);
 }

@@ -2,6 +2,8 @@
 
 #include "platform/gdi/Bitmap.h"
 
+#include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -10,6 +12,34 @@
 namespace kx::gdi {
 
 using FileBytes = std::span<const std::uint8_t>;
+
+static_assert(std::endian::native == std::endian::little, "pixels are copied as the file orders them");
+
+// Little-endian integers; 0 outside the bytes.
+constexpr DWORD Little(FileBytes bytes, std::size_t at, std::size_t width) noexcept
+{
+    DWORD value = 0;
+    if (at > bytes.size() || width > bytes.size() - at) return 0;
+    for (std::size_t i = width; i-- > 0;)
+        value = value << 8 | bytes[at + i];
+    return value;
+}
+
+constexpr WORD U16(FileBytes bytes, std::size_t at) noexcept
+{
+    return static_cast<WORD>(Little(bytes, at, 2));
+}
+
+constexpr DWORD U32(FileBytes bytes, std::size_t at) noexcept
+{
+    return Little(bytes, at, 4);
+}
+
+// What lies behind an offset; nothing beyond the end.
+constexpr FileBytes From(FileBytes bytes, std::size_t at) noexcept
+{
+    return at < bytes.size() ? bytes.subspan(at) : FileBytes();
+}
 
 // The longest image file that is read: that of the largest bitmap whose rows are all padding but for a pixel,
 // and a mebibyte for its headers.
@@ -25,23 +55,32 @@ inline constexpr int MAX_PNG_ICON_SIDE = 1024;
 //
 // Colours that the palette lacks are black. Channels of other widths than 8 bits are cut to their upper 8, or
 // widened by repeating their bits. The high byte of a pixel is the file's own at 32 bits, its alpha where
-// masks tell one, its index into the palette at 8 bits and less, else 0.
+// masks tell one, else 0. A bitmap of 2 bits declares 4.
 //
-// Compressed pixels must end with their end mark. What lies outside the bitmap is left out, and what the data
-// skip has the palette's first colour. They are refused when they claim over a mebipixel and over 256 pixels
-// for each of their bytes, twice what runs of the greatest length could fill.
+// The last row may lack its padding. Compressed pixels must end with their end mark. What lies outside the
+// bitmap is left out, and what the data skip has the palette's first colour. They are refused when they claim
+// over a mebipixel and over 256 pixels for each of their bytes, twice what runs of the greatest length could
+// fill.
 std::shared_ptr<Bitmap> ReadBmp(FileBytes file);
+
+// How much of a BMP file is to be read, of which `head` holds the beginning, IMAGE_HEAD bytes where it has as
+// many: nothing for one whose header is bad or claims more than there is.
+std::optional<std::uint64_t> BmpBytesToRead(FileBytes head, std::uint64_t nFileSize) noexcept;
+inline constexpr std::size_t IMAGE_HEAD = 256;
 
 // A BMP without its file header, as a bitmap resource holds it.
 std::shared_ptr<Bitmap> ReadDib(FileBytes dib);
 
+// Whether a file begins as one of icons does.
+bool IsIco(FileBytes file) noexcept;
+
 // An icon's pixels; the high byte of each is its opacity, 0 to 255, by which its colours are not multiplied.
 //
-// The entry of an ICO file is taken whose size is nearest to `cx` by `cy` (sum of both differences; a 0 fits
-// any size, two take the first entry), of those the larger, of those the one of greatest depth, of those the
-// first. Sizes and depths are those that the images tell themselves; entries that lie outside the file or
-// have no sound header don't count. An image whose alpha channel is missing or 0 throughout takes its opacity
-// from its mask.
+// The smallest entry of an ICO file is taken that is at least `cx` wide and `cy` high, without one the
+// largest, of those alike the one of greatest depth, of those the first; with 0 for both sides the first of
+// all. Sizes and depths are those that the images tell themselves; entries that lie outside the file or have
+// no sound header don't count. An image whose alpha channel is missing or 0 throughout takes its opacity from
+// its mask.
 std::optional<Surface> ReadIcon(FileBytes file, int cx, int cy);
 
 } // namespace kx::gdi

@@ -45,7 +45,7 @@ std::shared_ptr<Bitmap> MakeBitmap(FileBytes bytes, bool bFile, int cx, int cy)
 std::shared_ptr<Icon> MakeIcon(FileBytes bytes, int cx, int cy)
 {
     auto surface = ReadIcon(bytes, cx, cy);
-    return surface ? std::make_shared<Icon>(std::move(*surface)) : nullptr;
+    return surface ? Icon::Make(std::move(*surface), {cx, cy}) : nullptr;
 }
 
 HANDLE Make(FileBytes bytes, bool bFile, UINT nType, int cx, int cy)
@@ -60,12 +60,21 @@ HANDLE Make(FileBytes bytes, bool bFile, UINT nType, int cx, int cy)
     return handle ? handle : Refuse(ERROR_NOT_ENOUGH_MEMORY);
 }
 
+// A file that can't be an image is refused by its beginning.
+std::optional<std::uint64_t> BytesToRead(FileBytes head, std::uint64_t nFileSize, UINT nType) noexcept
+{
+    if (nType == IMAGE_BITMAP) return BmpBytesToRead(head, nFileSize);
+    return IsIco(head) ? std::optional(nFileSize) : std::nullopt;
+}
+
 HANDLE FromFile(const char* pszPath, UINT nType, int cx, int cy)
 {
     const auto file = RegularFile::Open(pszPath);
     if (!file) return nullptr;
     if (file->Size() > MAX_IMAGE_FILE) return Refuse(ERROR_RESOURCE_DATA_NOT_FOUND);
-    const auto bytes = file->Read(0, file->Size());
+    const auto head = file->Read(0, std::min<std::uint64_t>(file->Size(), IMAGE_HEAD));
+    const auto nBytes = head ? BytesToRead(head->All(), file->Size(), nType) : std::nullopt;
+    const auto bytes = nBytes ? file->Read(0, *nBytes) : std::nullopt;
     return bytes ? Make(bytes->All(), true, nType, cx, cy) : Refuse(ERROR_RESOURCE_DATA_NOT_FOUND);
 }
 

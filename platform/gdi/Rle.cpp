@@ -1,4 +1,4 @@
-#include "platform/gdi/Rle.h"
+#include "platform/gdi/BmpHeader.h"
 
 #include <algorithm>
 
@@ -52,30 +52,33 @@ class Decoder
 {
 public:
     Decoder(const BmpHeader& header, FileBytes bytes, const BmpColors& colors, Surface& surface)
-        : m_bNibbles(header.nCompression == BI_RLE4), m_bytes(bytes), m_colors(colors), m_cursor(surface)
+        : m_compression(header.compression), m_bytes(bytes), m_colors(colors), m_cursor(surface)
     {
     }
 
     // False if the data end before their end mark.
     bool Run()
     {
+        const std::size_t nValue = m_compression == BmpCompression::Rle24 ? 3 : 1; // bytes
         while (m_bytes.size() >= 2) {
-            const std::uint8_t nCount = m_bytes[0], nValue = m_bytes[1];
+            const std::uint8_t nCount = m_bytes[0], nEscape = m_bytes[1];
+            if (nCount > 0) {
+                if (m_bytes.size() < 1 + nValue) return false;
+                Paint(nCount, m_bytes.data() + 1, true);
+                m_bytes = m_bytes.subspan(1 + nValue);
+                continue;
+            }
             m_bytes = m_bytes.subspan(2);
-            if (nCount > 0)
-                PaintRun(nCount, nValue);
-            else if (nValue == kEndOfBitmap)
-                return true;
-            else if (!Escape(nValue))
-                return false;
+            if (nEscape == kEndOfBitmap) return true;
+            if (!Escape(nEscape)) return false;
         }
         return false;
     }
 
 private:
-    bool Escape(std::uint8_t nValue)
+    bool Escape(std::uint8_t nEscape)
     {
-        switch (nValue) {
+        switch (nEscape) {
         case kEndOfLine:
             m_cursor.EndLine();
             return true;
@@ -85,36 +88,41 @@ private:
             m_bytes = m_bytes.subspan(2);
             return true;
         default:
-            return PaintLiteral(nValue);
-        }
-    }
-
-    void PaintRun(int nCount, std::uint8_t nValue)
-    {
-        if (m_bNibbles) {
-            const DWORD pair[] = {m_colors[nValue >> 4], m_colors[nValue & 0xF]};
-            m_cursor.Paint(nCount, [&](int i) { return pair[i & 1]; });
-        } else {
-            m_cursor.Paint(nCount, [color = m_colors[nValue]](int) { return color; });
+            return PaintLiteral(nEscape);
         }
     }
 
     // Pixels one by one, padded to 16 bits.
-    bool PaintLiteral(int nCount)
+    bool PaintLiteral(std::size_t nCount)
     {
-        const auto nPadded =
-            static_cast<std::size_t>(m_bNibbles ? (nCount + 3) / 4 * 2 : (nCount + 1) / 2 * 2);
+        const std::size_t nBits = m_compression == BmpCompression::Rle4   ? 4
+                                  : m_compression == BmpCompression::Rle8 ? 8
+                                                                          : 24;
+        const std::size_t nPadded = (nCount * nBits + 15) / 16 * 2;
         if (m_bytes.size() < nPadded) return false;
-        const std::uint8_t* in = m_bytes.data();
-        if (m_bNibbles)
-            m_cursor.Paint(nCount, [&](int i) { return m_colors[(in[i / 2] >> (i & 1 ? 0 : 4)) & 0xF]; });
-        else
-            m_cursor.Paint(nCount, [&](int i) { return m_colors[in[i]]; });
+        Paint(static_cast<int>(nCount), m_bytes.data(), false);
         m_bytes = m_bytes.subspan(nPadded);
         return true;
     }
 
-    const bool m_bNibbles;
+    // A run repeats its value, of 4 bits two in turn.
+    void Paint(int nCount, const std::uint8_t* in, bool bRun)
+    {
+        switch (m_compression) {
+        case BmpCompression::Rle4:
+            return m_cursor.Paint(
+                nCount, [&](int i) { return m_colors[in[bRun ? 0 : i / 2] >> (i & 1 ? 0 : 4) & 0xF]; });
+        case BmpCompression::Rle8:
+            return m_cursor.Paint(nCount, [&](int i) { return m_colors[in[bRun ? 0 : i]]; });
+        default:
+            return m_cursor.Paint(nCount, [&](int i) {
+                const std::uint8_t* const color = in + (bRun ? 0 : 3 * i);
+                return DWORD{color[2]} << 16 | DWORD{color[1]} << 8 | color[0];
+            });
+        }
+    }
+
+    const BmpCompression m_compression;
     FileBytes m_bytes;
     const BmpColors& m_colors;
     Cursor m_cursor;

@@ -1,6 +1,6 @@
 #include "platform/gdiplus/GifIndex.h"
 
-#include "platform/gdi/BmpBytes.h"
+#include "platform/gdi/ImageFile.h"
 
 #include <algorithm>
 

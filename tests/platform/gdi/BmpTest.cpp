@@ -37,13 +37,36 @@ TEST(Bmp, EveryDepthDirectionAndRowPadding)
 
 TEST(Bmp, EveryHeader)
 {
-    for (const DWORD size : {12u, 40u, 52u, 56u, 108u, 124u})
+    for (const DWORD size : {12u, 40u, 52u, 56u, 64u, 108u, 124u})
         for (const DWORD depth : {8u, 16u, 24u, 32u}) {
+            if (size == 64 && depth == 16) continue; // it has no masks, and no depth that needs any
             Bmp bmp = ToBmp(kPicture, depth);
             bmp.headerSize = size;
             if (size == 12 && depth == 8) bmp.palette.resize(1024); // has no count
             EXPECT_EQ(LoadedBitmap(bmp.File()).Letters(), kPicture) << size << " bytes, " << depth << " bits";
         }
+}
+
+// The second kind of header may end behind the depth; what it lacks counts as 0.
+TEST(Bmp, AHeaderMayBeShort)
+{
+    Bmp bmp = ToBmp(kPicture, 8);
+    bmp.palette.resize(1024);
+    for (const std::size_t size : {16u, 24u, 36u}) {
+        const std::string dib = Le(size, 4) + bmp.Header().substr(4, size - 4) + bmp.palette + bmp.pixels;
+        const std::string file = "BM" + Le(0, 8) + Le(14 + size + 1024, 4) + dib;
+        EXPECT_EQ(LoadedBitmap(file).Letters(), kPicture) << size;
+    }
+}
+
+TEST(Bmp, TwoBitsAreShownAsFour)
+{
+    const Picture picture = {"RGWKR", "KWGRG"};
+    const LoadedBitmap bitmap(ToBmp(picture, 2, false, "KRGW").File());
+    EXPECT_EQ(bitmap.Letters(), picture);
+    EXPECT_EQ(bitmap.Record().bmBitsPixel, 4);
+    EXPECT_EQ(bitmap.Dib(4, 4),
+              ToBmp(picture, 4, true, "KRGW").palette + ToBmp(picture, 4, true, "KRGW").pixels);
 }
 
 TEST(Bmp, ChannelsAreBroughtToEightBits)
@@ -185,6 +208,24 @@ TEST(Bmp, RunLengths)
         << "what is skipped has the first colour";
 }
 
+TEST(Bmp, RunLengthsOfWholeColours)
+{
+    Bmp bmp = ToBmp({"KKKKK", "KKKKK", "KKKKK"}, 24);
+    bmp.headerSize = 64;
+    bmp.compression = 4;
+    const auto letters = [&](const std::string& data) {
+        bmp.pixels = Hex(data);
+        return LoadedBitmap(bmp.File()).Letters();
+    };
+    EXPECT_EQ(letters("05 0000FF 0000 0003 FF0000 00FF00 0000FF 00 02 FFFFFF 0001"),
+              (Picture{"KKKKK", "BGRWW", "RRRRR"}));
+    EXPECT_EQ(letters("0002 0101 02 00FF00 0001"), (Picture{"KKKKK", "KGGKK", "KKKKK"}));
+    EXPECT_EQ(letters("05 0000FF 0000"), kNull);
+    EXPECT_EQ(letters("05 0000"), kNull);
+    bmp.headerSize = 40; // where the number means something else
+    EXPECT_EQ(letters("05 0000FF 0001"), kNull);
+}
+
 TEST(Bmp, LiesGiveNull)
 {
     const std::string sound = ToBmp(kPicture, 8).File();
@@ -197,12 +238,12 @@ TEST(Bmp, LiesGiveNull)
         std::vector<DWORD> values;
     } lies[] = {
         {"signature", 0, 2, {0, 0x4E42}},
-        {"pixel offset", 10, 4, {53, 14 + 40 + 32 + 1, 0xFFFFFFFF}},
-        {"header size", 14, 4, {0, 64, 0xFFFFFFFF}},
+        {"pixel offset", 10, 4, {53, 14 + 40 + 32 + 4, 0xFFFFFFFF}},
+        {"header size", 14, 4, {0, 8, 66, 0xFFFFFFFF}},
         {"width", 18, 4, {0, 0xFFFFFFF7, 0x7FFFFFFF}},
         {"height", 22, 4, {0, 4, 0xFFFFFFFC, 0x7FFFFFFF, 0x80000000}},
         {"planes", 26, 2, {0, 2}},
-        {"depth", 28, 2, {0, 2, 64}},
+        {"depth", 28, 2, {0, 3, 64}},
         {"compression", 30, 4, {BI_RLE4, BI_BITFIELDS, 4, 0xFFFFFFFF}},
     };
     for (const auto& lie : lies)
@@ -232,8 +273,14 @@ TEST(Bmp, CutsGiveNullAndOtherDamageDoesNoHarm)
                            fields, Compressed(BI_RLE8, "0504 0000 0005 0102 0304 0500 0002 0100 0903 0001"),
                            Compressed(BI_RLE4, "0547 0000 0005 1234 5000 0002 0100 0936 0001")}) {
         ASSERT_NE(LoadedBitmap(bmp.File()).Letters(), kNull);
-        ForEachCut(bmp.File(), [](const std::string& file) {
-            EXPECT_EQ(LoadedBitmap(file).Letters(), kNull) << file.size();
+        const Picture whole = LoadedBitmap(bmp.File()).Letters();
+        const auto nWidth = static_cast<std::size_t>(bmp.width);
+        const std::size_t nPadding = bmp.compression == BI_RLE8 || bmp.compression == BI_RLE4
+                                         ? 0
+                                         : (32 - nWidth * bmp.depth % 32) % 32 / 8;
+        ForEachCut(bmp.File(), [&](const std::string& file) {
+            const bool bPaddingAlone = file.size() + nPadding >= bmp.File().size(); // of the last row
+            EXPECT_EQ(LoadedBitmap(file).Letters(), bPaddingAlone ? whole : kNull) << file.size();
         });
         ForEachLie(bmp.File(),
                    [](const std::string& file) { EXPECT_LE(LoadedBitmap(file).Letters().size(), 1u << 20); });

@@ -96,40 +96,68 @@ TEST(Icon, PngEntries)
         EXPECT_FALSE(LoadedIcon(Ico({image})));
 }
 
-TEST(Icon, TheNearestEntryIsTaken)
+TEST(Icon, IsOfTheSizeAskedForFromTheSmallestEntryThatIsAsLarge)
 {
-    const std::string sixteen = Square(16, 8), best16 = Square(16, 32, 'B'), eight = Square(8, 24),
-                      large = Square(24, 4), wide = IconBmp(Picture(8, std::string(32, 'R')), 4),
-                      png = Png(64, 64, 1, 0, std::string(64 * 9, '\0'));
+    const std::string eight = Square(8, 24, 'G'), sixteen = Square(16, 8, 'R'), best16 = Square(16, 32, 'B'),
+                      large = Square(24, 4, 'W'), wide = IconBmp(Picture(8, std::string(32, 'Y')), 4),
+                      png = Png(64, 64, 1, 0, std::string(64 * 9, '\0')); // black
     const struct
     {
         std::vector<std::string> images;
         int cx, cy;
         std::pair<int, int> size;
+        char color;
     } cases[] = {
-        {{large, eight, sixteen}, 16, 16, {16, 16}},
-        {{eight, large, sixteen}, 0, 0, {8, 8}},
-        {{large, eight, sixteen}, 13, 13, {16, 16}},
-        {{eight, large}, 16, 16, {24, 24}}, // equally far: the larger
-        {{eight, png}, 48, 48, {64, 64}},
-        {{eight, sixteen}, 1000, 1000, {16, 16}},
-        {{sixteen, wide}, 32, 10, {32, 8}},
-        {{wide, sixteen}, 0, 15, {16, 16}},
-        {{wide, eight, large}, 20, 0, {24, 24}},
-        {{large}, 16, 16, {24, 24}},
+        {{large, eight, sixteen}, 16, 16, {16, 16}, 'R'},
+        {{eight, large, sixteen}, 0, 0, {8, 8}, 'G'},
+        {{large, eight, sixteen}, 13, 13, {13, 13}, 'R'},
+        {{eight, sixteen, png}, 17, 17, {17, 17}, '.'},
+        {{eight, sixteen}, 100, 90, {100, 90}, 'R'}, // none is as large
+        {{sixteen, wide}, 32, 8, {32, 8}, 'Y'},
+        {{wide, sixteen}, 0, 16, {16, 16}, 'R'},
+        {{wide, eight, large}, 20, 0, {20, 8}, 'Y'},
+        {{sixteen, best16}, 16, 16, {16, 16}, 'B'}, // the greater depth
+        {{best16, sixteen}, 16, 16, {16, 16}, 'B'},
     };
-    for (const auto& one : cases)
-        EXPECT_EQ(LoadedIcon(Ico(one.images), one.cx, one.cy).Size(), one.size) << one.cx << " by " << one.cy;
-    for (const auto& images : {std::vector{sixteen, best16}, {best16, sixteen}})
-        EXPECT_EQ(LoadedIcon(Ico(images), 16, 16).OnGreen().front().front(), 'B') << "the greater depth";
+    for (const auto& one : cases) {
+        const LoadedIcon icon(Ico(one.images), one.cx, one.cy);
+        EXPECT_EQ(icon.Size(), one.size) << one.cx << " by " << one.cy;
+        EXPECT_EQ(icon.OnGreen(), Picture(static_cast<std::size_t>(one.size.second),
+                                          std::string(static_cast<std::size_t>(one.size.first), one.color)))
+            << one.cx << " by " << one.cy;
+    }
+    EXPECT_FALSE(LoadedIcon(Ico({eight}), 1 << 20, 1 << 20));
+}
+
+// A pixel is the mean of those that it stands for, in which what is transparent has no colour.
+TEST(Icon, IsScaledWithItsOpacity)
+{
+    const Picture left = {"RR..", "RR..", "WBWB", "BWBW"};
+    const LoadedIcon half(Ico({IconBmp(left, 24)}), 2, 2);
+    const Paper paper(2, 2, 'G');
+    DrawIcon(paper, 0, 0, half);
+    EXPECT_EQ(GetPixel(paper, 0, 0), ColorOf('R'));
+    EXPECT_EQ(GetPixel(paper, 1, 0), ColorOf('G'));
+    EXPECT_EQ(GetPixel(paper, 0, 1), RGB(128, 128, 255));
+
+    const LoadedIcon cell(Ico({IconBmp({"R..", "...", "..."}, 24)}), 1, 1); // a ninth of it is red
+    const Paper one(1, 1, 'G');
+    DrawIcon(one, 0, 0, cell);
+    EXPECT_EQ(GetPixel(one, 0, 0), RGB(28, 227, 0));
+    const LoadedIcon third(Ico({IconBmp({"RRB"}, 24)}), 2, 1);
+    DrawIcon(paper, 0, 0, third);
+    EXPECT_EQ(GetPixel(paper, 0, 0), ColorOf('R'));
+    EXPECT_EQ(GetPixel(paper, 1, 0), RGB(85, 0, 170));
+    const LoadedIcon twice(Ico({IconBmp({"R.", "BW"}, 24)}), 4, 4);
+    EXPECT_EQ(twice.OnGreen(), (Picture{"RRGG", "RRGG", "BBWW", "BBWW"}));
 }
 
 TEST(Icon, EntriesBeyondTheFileOrWithoutASizeAreLeftOut)
 {
     EXPECT_EQ(LoadedIcon(Ico({Png(0, 4, 1, 0, "\0"s), Square(24, 8)})).Size(), std::pair(24, 24));
-    std::string file = Ico({Square(16, 8), Square(24, 8)});
+    std::string file = Ico({Square(16, 8), Square(24, 8, 'B')});
     file.replace(6 + 12, 4, Le(file.size(), 4));
-    EXPECT_EQ(LoadedIcon(file, 16, 16).Size(), std::pair(24, 24));
+    EXPECT_EQ(LoadedIcon(file, 16, 16).OnGreen(), Picture(16, std::string(16, 'B')));
 }
 
 TEST(Icon, WhatIsNoIconGivesNull)

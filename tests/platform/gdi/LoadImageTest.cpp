@@ -6,6 +6,8 @@
 #include "tests/platform/module/Bundles.h"
 
 #include <filesystem>
+#include <fstream>
+#include <string>
 #include <sys/stat.h>
 
 namespace {
@@ -13,6 +15,15 @@ namespace {
 using namespace test;
 
 const Picture kPicture = {"RGB", "WKY"};
+
+// What this process has read of files so far.
+std::uint64_t ReadCharacters()
+{
+    std::string word;
+    std::uint64_t nCount = 0;
+    std::ifstream("/proc/self/io") >> word >> nCount;
+    return nCount;
+}
 
 DWORD ErrorOf(const char* pszPath, UINT nType = IMAGE_BITMAP, int cx = 0, int cy = 0)
 {
@@ -36,6 +47,19 @@ TEST(LoadImage, WhatIsNoReadableImageGivesNullAtOnce)
     for (const char* name : {"empty.bmp", "text.bmp", "huge.bmp"})
         EXPECT_EQ(ErrorOf(dir.Win(name)), ERROR_RESOURCE_DATA_NOT_FOUND) << name;
     EXPECT_EQ(ErrorOf(dir.Win("text.bmp"), IMAGE_ICON), ERROR_RESOURCE_DATA_NOT_FOUND);
+
+    // Of a large file that is no picture, or claims more than it has, the beginning alone is read.
+    Bmp liar = ToBmp(kPicture, 24);
+    liar.height = 20 << 20; // rows of 12 bytes
+    const auto readBytes = [&](const char* name, const std::string& head) {
+        std::filesystem::resize_file(dir.Write(name, head), std::uintmax_t{200} << 20);
+        const std::uint64_t nBefore = ReadCharacters();
+        EXPECT_EQ(ErrorOf(dir.Win(name)), ERROR_RESOURCE_DATA_NOT_FOUND) << name;
+        EXPECT_EQ(ErrorOf(dir.Win(name), IMAGE_ICON), ERROR_RESOURCE_DATA_NOT_FOUND) << name;
+        return ReadCharacters() - nBefore;
+    };
+    EXPECT_LT(readBytes("noise.bmp", "no picture"), 1u << 20);
+    EXPECT_LT(readBytes("liar.bmp", liar.File()), 1u << 20);
 
     const CString good = dir.Win("good.bmp");
     dir.Write("good.bmp", ToBmp(kPicture, 24).File());
