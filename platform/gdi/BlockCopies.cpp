@@ -1,12 +1,57 @@
+#include "include/platform/Host.h"
+#include "platform/Immortal.h"
 #include "platform/gdi/Copies.h"
-#include "platform/gdi/CopyObserver.h"
 #include "platform/gdi/DeviceContext.h"
 
+#include <atomic>
+#include <memory>
+#include <mutex>
 #include <new>
+#include <utility>
 
 using namespace kx::gdi;
+using kx::Immortal;
 
 namespace {
+
+constinit std::atomic<bool> g_bObserved{false};
+
+struct Observer
+{
+    std::mutex lock;
+    std::shared_ptr<const KXHost::CopyObserver> call; // under the lock
+};
+
+Observer& TheObserver()
+{
+    static Immortal<Observer> observer;
+    return observer.Get();
+}
+
+std::shared_ptr<const KXHost::CopyObserver> Current()
+{
+    Observer& observer = TheObserver();
+    const std::lock_guard lock(observer.lock);
+    return observer.call;
+}
+
+void TellCopyObserver(const KXHost::CopyRecord& copy) noexcept
+{
+    thread_local bool t_bTelling = false;
+    if (std::exchange(t_bTelling, true)) return;
+    try {
+        if (const auto call = Current()) (*call)(copy);
+    } catch (...) { // the copy has no part in it
+    }
+    t_bTelling = false;
+}
+
+// Tells the host's observer of a block copy; one load when there is none.
+void TellCopy(const KXHost::CopyRecord& copy) noexcept
+{
+    if (g_bObserved.load(std::memory_order_acquire)) [[unlikely]]
+        TellCopyObserver(copy);
+}
 
 // Runs a copy from a block of one surface to another; 0 if there is none by either handle.
 template <class Copy>
@@ -80,4 +125,13 @@ int TransparentBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, i
             ScaleBlock(to, block, from, source, ToPixel(clrKey));
         return 1;
     });
+}
+
+void KXHost::SetCopyObserver(CopyObserver observer)
+{
+    auto call = observer ? std::make_shared<const CopyObserver>(std::move(observer)) : nullptr;
+    Observer& current = TheObserver();
+    const std::lock_guard lock(current.lock);
+    g_bObserved.store(call != nullptr, std::memory_order_release);
+    current.call.swap(call);
 }

@@ -9,6 +9,16 @@
 
 namespace kx::gdi {
 
+// Pixels on which several contexts draw, and which are shown.
+struct SharedSurface
+{
+    Surface surface; // guarded by the lock
+    std::recursive_mutex& lock;
+    // What a reader sees in place of the surface, of which the rectangle is up to date; null for the surface
+    // itself. Called under the lock.
+    Surface& (*look)(const RECT& rect, Surface& surface) = nullptr;
+};
+
 // Where a device context draws, for the length of one operation. Everything is in the surface's
 // coordinates.
 struct Canvas
@@ -17,7 +27,7 @@ struct Canvas
     RECT bounds;                // what may be read; within the surface
     std::span<const RECT> clip; // what may be written: disjoint, in rows from the top; within the reach
     RECT reach;                 // the least rectangle around the clip
-    // Held while the surface is the desktop's, which windows of several threads share.
+    // Held while the surface is a shared one.
     std::unique_lock<std::recursive_mutex> lock;
 };
 

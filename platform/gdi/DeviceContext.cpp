@@ -1,8 +1,5 @@
 #include "platform/gdi/DeviceContext.h"
 
-#include "platform/gdi/Screen.h"
-#include "platform/window/Desktop.h"
-
 #include <new>
 #include <utility>
 
@@ -28,7 +25,7 @@ DeviceContext::DeviceContext()
     Hold(Find(m_own->Handle()));
 }
 
-DeviceContext::DeviceContext(HWND hWnd, std::shared_ptr<Backing> pixels,
+DeviceContext::DeviceContext(HWND hWnd, std::shared_ptr<SharedSurface> pixels,
                              const std::optional<PixelRegion>& limit)
     : Object(KIND),
       m_window(hWnd),
@@ -109,15 +106,15 @@ int DeviceContext::ClipBox(RECT& rect) const noexcept
 Canvas DeviceContext::Paint() noexcept
 {
     Canvas canvas{*m_view.surface, m_view.bounds, m_view.clip, m_view.reach, {}};
-    if (m_shared) canvas.lock = std::unique_lock(Screen::Instance().lock);
+    if (m_shared) canvas.lock = std::unique_lock(m_shared->lock);
     return canvas;
 }
 
 Canvas DeviceContext::Read(const RECT& rect)
 {
-    if (!m_shared || m_window) return Paint();
-    std::unique_lock lock(Screen::Instance().lock);
-    Surface& seen = window::Desktop::Instance().Look(rect, m_shared->surface);
+    if (!m_shared || !m_shared->look) return Paint();
+    std::unique_lock lock(m_shared->lock);
+    Surface& seen = m_shared->look(rect, m_shared->surface);
     return {seen, m_view.bounds, m_view.clip, m_view.reach, std::move(lock)};
 }
 

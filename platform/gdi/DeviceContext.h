@@ -1,11 +1,9 @@
 #pragma once
 
-#include "platform/gdi/Backing.h"
 #include "platform/gdi/Bitmap.h"
-#include "platform/gdi/Brush.h"
 #include "platform/gdi/Canvas.h"
 #include "platform/gdi/Object.h"
-#include "platform/gdi/Pen.h"
+#include "platform/gdi/Tools.h"
 
 #include <array>
 #include <memory>
@@ -22,9 +20,9 @@ public:
 
     // A memory surface, whose first bitmap is its own, of 1 by 1 pixel.
     DeviceContext();
-    // Shared pixels: a window's, of which drawing reaches `limit` alone where there is one, or with null for
-    // the window the desktop's.
-    DeviceContext(HWND hWnd, std::shared_ptr<Backing> pixels, const std::optional<PixelRegion>& limit);
+    // Shared pixels, a window's or with null for the window the desktop's, of which drawing reaches `limit`
+    // alone where there is one.
+    DeviceContext(HWND hWnd, std::shared_ptr<SharedSurface> pixels, const std::optional<PixelRegion>& limit);
     ~DeviceContext() override;
 
     bool IsMemory() const noexcept { return m_own != nullptr; }
@@ -32,8 +30,8 @@ public:
     HWND Window() const noexcept { return m_window; }
     // Where to draw now. It ends before the next change of the context.
     Canvas Paint() noexcept;
-    // The same for one who reads: the desktop as it is seen now, of which the rectangle of the context's is
-    // up to date. Windows lie over what is drawn, so nothing is written there.
+    // Where to read now: of shared pixels as they are seen the rectangle is up to date. Nothing is written
+    // there.
     Canvas Read(const RECT& rect);
 
     // Selects a bitmap, pen, brush or font and gives the handle of what it displaced; null where it can't be.
@@ -73,8 +71,8 @@ private:
     const HWND m_window = nullptr;
     const std::optional<PixelRegion> m_limit;
     std::optional<PixelRegion> m_region;
-    std::shared_ptr<Bitmap> m_own;     // null where the pixels are shared
-    std::shared_ptr<Backing> m_shared; // null for memory
+    std::shared_ptr<Bitmap> m_own;           // null where the pixels are shared
+    std::shared_ptr<SharedSurface> m_shared; // null for memory
     View m_view;
     std::array<Pinned<Object>, static_cast<std::size_t>(Kind::Font) + 1> m_held;
 };

@@ -1,6 +1,6 @@
-#include "platform/gdi/Block.h"
 #include "platform/gdi/DeviceContext.h"
-#include "platform/gdi/Region.h"
+#include "platform/gdi/PixelRegion.h"
+#include "platform/gdi/Rect.h"
 
 #include <algorithm>
 

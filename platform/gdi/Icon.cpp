@@ -1,7 +1,7 @@
 #include "platform/gdi/Icon.h"
 
-#include "platform/gdi/Block.h"
 #include "platform/gdi/DeviceContext.h"
+#include "platform/gdi/Rect.h"
 
 #include <algorithm>
 #include <array>

@@ -1,13 +1,11 @@
 #include "platform/gdi/PixelRegion.h"
 
 #include "include/platform/Gdi.h"
-#include "platform/gdi/BandBuilder.h"
-#include "platform/gdi/MaskRuns.h"
 
 #include <algorithm>
 #include <new>
-#include <tuple>
 #include <utility>
+#include <vector>
 
 namespace kx::gdi {
 
@@ -16,11 +14,6 @@ namespace {
 void Check(pixman_bool_t done)
 {
     if (!done) throw std::bad_alloc();
-}
-
-bool InRows(const pixman_box32_t& a, const pixman_box32_t& b) noexcept
-{
-    return std::tie(a.y1, a.x1) < std::tie(b.y1, b.x1);
 }
 
 } // namespace
@@ -32,51 +25,6 @@ PixelRegion::PixelRegion(const RECT& rect) noexcept
         pixman_region32_init(&m_region);
     else
         pixman_region32_init_with_extents(&m_region, &box);
-}
-
-PixelRegion PixelRegion::FromRects(std::span<const RECT> rects)
-{
-    BandBuilder bands(rects.size());
-    for (const RECT& rect : rects)
-        if (!IsEmpty(rect) && !bands.Add(rect)) return FromAnyRects(rects);
-    PixelRegion region;
-    region.m_region = bands.Finish();
-    return region;
-}
-
-PixelRegion PixelRegion::FromMask(const std::uint64_t* mask, int nWidth, int nHeight)
-{
-    const std::size_t nWords = (static_cast<std::size_t>(nWidth) + MASK_BITS - 1) / MASK_BITS;
-    const auto row = [&](int y) { return std::span(mask + static_cast<std::size_t>(y) * nWords, nWords); };
-    std::size_t nRuns = 0;
-    for (int y = 0; y < nHeight; ++y)
-        nRuns += CountRuns(row(y));
-    BandBuilder bands(nRuns);
-    for (int y = 0; y < nHeight; ++y) {
-        bool bInside = false;
-        RECT run{0, y, 0, y + 1};
-        ForEachEdge(row(y), [&](int x) {
-            (bInside ? run.right : run.left) = x;
-            if (bInside) bands.Add(run);
-            bInside = !bInside;
-        });
-    }
-    PixelRegion region;
-    region.m_region = bands.Finish();
-    return region;
-}
-
-PixelRegion PixelRegion::FromAnyRects(std::span<const RECT> rects)
-{
-    std::vector<pixman_box32_t> boxes;
-    boxes.reserve(rects.size());
-    for (const RECT& rect : rects)
-        if (!IsEmpty(rect)) boxes.push_back({rect.left, rect.top, rect.right, rect.bottom});
-    // Pixman sorts too, but for some orders in a time that grows with the square of the number.
-    std::sort(boxes.begin(), boxes.end(), InRows);
-    PixelRegion region;
-    Check(pixman_region32_init_rects(&region.m_region, boxes.data(), static_cast<int>(boxes.size())));
-    return region;
 }
 
 PixelRegion::PixelRegion(const PixelRegion& other) : PixelRegion()

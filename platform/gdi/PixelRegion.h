@@ -1,11 +1,12 @@
 #pragma once
 
+#include "platform/gdi/Object.h"
 #include "platform/gdi/Rect.h"
 
 #include <cstdint>
 #include <pixman.h>
 #include <span>
-#include <vector>
+#include <utility>
 
 namespace kx::gdi {
 
@@ -52,5 +53,16 @@ inline const RECT& ToRect(const RECT& rect) noexcept
 {
     return rect;
 }
+
+// What a region's handle names.
+class Region final : public Object
+{
+public:
+    static constexpr Kind KIND = Kind::Region;
+
+    explicit Region(PixelRegion of) noexcept : Object(KIND), pixels(std::move(of)) {}
+
+    PixelRegion pixels;
+};
 
 } // namespace kx::gdi

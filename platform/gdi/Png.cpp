@@ -1,7 +1,5 @@
 #include "platform/gdi/Png.h"
 
-#include "platform/gdi/PngErrors.h"
-
 #include <algorithm>
 #include <array>
 #include <cstring>

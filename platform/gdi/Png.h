@@ -2,6 +2,9 @@
 
 #include "platform/gdi/ImageFile.h"
 
+#include <csetjmp>
+#include <png.h>
+
 namespace kx::gdi {
 
 // What the first bytes of a PNG say.
@@ -18,5 +21,16 @@ std::optional<PngHeader> ParsePngHeader(FileBytes file) noexcept;
 // A PNG's pixels, the high byte their opacity. Nothing for one that is broken, cut before its end mark, or
 // has a side above `nMaxSide`. Only what the pixels need is read of it: texts and profiles are passed over.
 std::optional<Surface> ReadPng(FileBytes file, int nMaxSide);
+
+// Errors of the PNG library leave by a jump over the frames in between, none of which may need a destructor.
+// Nothing is written anywhere.
+[[noreturn]] inline void OnPngError(png_structp png, png_const_charp)
+{
+    png_longjmp(png, 1);
+}
+
+inline void OnPngWarning(png_structp, png_const_charp)
+{
+}
 
 } // namespace kx::gdi

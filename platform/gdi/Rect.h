@@ -38,4 +38,20 @@ inline RECT Moved(const RECT& rect, std::int64_t dx, std::int64_t dy) noexcept
     return {ToSide(rect.left + dx), ToSide(rect.top + dy), ToSide(rect.right + dx), ToSide(rect.bottom + dy)};
 }
 
+// A block of pixels in a context's coordinates; nothing for a size of 0 or below.
+struct Block
+{
+    int x;
+    int y;
+    int cx;
+    int cy;
+};
+
+// Where it lies on the surface; sides beyond the range of coordinates stay at its end.
+inline RECT Place(const Block& block) noexcept
+{
+    return {block.x, block.y, ToSide(std::int64_t{block.x} + block.cx),
+            ToSide(std::int64_t{block.y} + block.cy)};
+}
+
 } // namespace kx::gdi

@@ -1,4 +1,4 @@
-#include "platform/gdi/Region.h"
+#include "platform/gdi/PixelRegion.h"
 
 #include "platform/gdi/RoundShape.h"
 

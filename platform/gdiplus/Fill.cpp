@@ -1,6 +1,6 @@
-#include "platform/gdi/Block.h"
 #include "platform/gdi/Rect.h"
-#include "platform/gdi/Region.h"
+#include "platform/gdi/Rect.h"
+#include "platform/gdi/PixelRegion.h"
 #include "platform/gdiplus/Blend.h"
 #include "platform/gdiplus/Brush.h"
 #include "platform/gdiplus/Calls.h"

@@ -1,4 +1,4 @@
-#include "platform/gdi/PngErrors.h"
+#include "platform/gdi/Png.h"
 #include "platform/gdiplus/Encode.h"
 
 namespace kx::gdiplus {

@@ -1,7 +1,7 @@
 #include "platform/window/Appearance.h"
 
 #include "include/platform/WindowPaint.h"
-#include "platform/gdi/Screen.h"
+#include "platform/screen/Screen.h"
 #include "platform/window/Chores.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Focus.h"
@@ -13,7 +13,7 @@ void Appear(Window& window, bool bVisible)
 {
     const HWND hWnd = window.Handle();
     {
-        const std::lock_guard lock(gdi::Screen::Instance().lock);
+        const std::lock_guard lock(screen::Screen::Instance().lock);
         window.visible = bVisible;
         window.appeared = false;
     }

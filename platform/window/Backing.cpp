@@ -1,40 +1,44 @@
 #include "platform/window/Backing.h"
 
 #include "platform/gdi/DeviceContext.h"
-#include "platform/gdi/Screen.h"
+#include "platform/screen/Screen.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/WindowTable.h"
 
-#include <algorithm>
+#include <new>
 
 namespace kx::window {
 
 namespace {
 
-// Pixels of the window's size, black; null for a window of no size and for a lack of memory.
-std::shared_ptr<gdi::Backing> MakeBacking(const Window& window)
+SIZE SizeOf(const Window& window)
 {
     const RECT rect = window.Rect();
-    auto surface = gdi::Surface::Make(rect.right - rect.left, rect.bottom - rect.top);
-    return surface ? std::make_shared<gdi::Backing>(std::move(*surface)) : nullptr;
+    return {rect.right - rect.left, rect.bottom - rect.top};
 }
 
-void CopyShared(const gdi::Surface& from, gdi::Surface& to)
+std::shared_ptr<screen::Backing> PixelsOf(HWND hWnd)
 {
-    const int nWidth = std::min(from.Width(), to.Width());
-    const int nHeight = std::min(from.Height(), to.Height());
-    for (int y = 0; y < nHeight; ++y)
-        std::copy_n(from.Row(y), nWidth, to.Row(y));
-}
-
-std::shared_ptr<gdi::Backing> PixelsOf(HWND hWnd)
-{
-    const std::lock_guard lock(gdi::Screen::Instance().lock);
-    if (!hWnd) return gdi::Screen::Instance().Root();
+    const std::lock_guard lock(screen::Screen::Instance().lock);
+    if (!hWnd) return Root();
     const auto window = WindowTable::Instance().Find(hWnd);
     if (!window) return nullptr;
-    if (!window->backing) window->backing = MakeBacking(*window);
+    if (!window->backing) window->backing = screen::MakeBacking(SizeOf(*window));
     return window->backing;
+}
+
+// What was drawn by a context of that window appears on the desktop, if the window is visible.
+void Present(HWND hWnd, const gdi::DeviceContext& context)
+{
+    const std::lock_guard lock(screen::Screen::Instance().lock);
+    const auto window = WindowTable::Instance().Find(hWnd);
+    RECT drawn;
+    if (!window || !window->visible || !window->backing) return;
+    context.ClipBox(drawn);
+    if (!window->appeared)
+        drawn = {0, 0, window->backing->surface.Width(), window->backing->surface.Height()};
+    window->appeared = true;
+    Desktop::Instance().Present(hWnd, window->backing->surface, drawn);
 }
 
 } // namespace
@@ -47,31 +51,35 @@ HDC OpenContext(HWND hWnd, const std::optional<gdi::PixelRegion>& limit)
     return static_cast<HDC>(gdi::Add(std::make_shared<gdi::DeviceContext>(hWnd, std::move(pixels), limit)));
 }
 
-void Present(HWND hWnd, const gdi::DeviceContext& context)
-{
-    const std::lock_guard lock(gdi::Screen::Instance().lock);
-    const auto window = WindowTable::Instance().Find(hWnd);
-    RECT drawn;
-    if (!window || !window->visible || !window->backing) return;
-    context.ClipBox(drawn);
-    if (!window->appeared)
-        drawn = {0, 0, window->backing->surface.Width(), window->backing->surface.Height()};
-    window->appeared = true;
-    Desktop::Instance().Present(hWnd, window->backing->surface, drawn);
-}
-
 SIZE FitBacking(Window& window)
 {
-    const std::lock_guard lock(gdi::Screen::Instance().lock);
-    if (!window.backing) return {};
-    const RECT rect = window.Rect();
-    const gdi::Surface& old = window.backing->surface;
-    const SIZE before{old.Width(), old.Height()};
-    if (before == SIZE{rect.right - rect.left, rect.bottom - rect.top}) return before;
-    auto fitted = MakeBacking(window);
-    if (fitted) CopyShared(old, fitted->surface);
-    window.backing = std::move(fitted);
-    return before;
+    const std::lock_guard lock(screen::Screen::Instance().lock);
+    return screen::Resize(window.backing, SizeOf(window));
+}
+
+std::shared_ptr<screen::Backing> Root()
+{
+    Desktop& desktop = Desktop::Instance();
+    return screen::Screen::Instance().Root(desktop.Size(),
+                                           [](const RECT& rect, gdi::Surface& root) -> gdi::Surface& {
+                                               return Desktop::Instance().Look(rect, root);
+                                           });
 }
 
 } // namespace kx::window
+
+HDC GetDC(HWND hWnd)
+try {
+    return kx::window::OpenContext(hWnd, std::nullopt);
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}
+
+int ReleaseDC(HWND, HDC hDC)
+{
+    using namespace kx::window;
+    const auto context = kx::gdi::FindAs<kx::gdi::DeviceContext>(hDC);
+    if (!context || context->IsMemory() || !kx::gdi::Remove(hDC)) return 0;
+    Present(context->Window(), *context);
+    return 1;
+}

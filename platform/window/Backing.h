@@ -2,12 +2,9 @@
 
 #include "include/platform/Gdi.h"
 #include "platform/gdi/PixelRegion.h"
+#include "platform/screen/Screen.h"
 
 #include <optional>
-
-namespace kx::gdi {
-class DeviceContext;
-}
 
 // The pixels that a window of this process keeps, from which the desktop shows it.
 
@@ -20,11 +17,11 @@ class Window;
 // throws std::bad_alloc.
 HDC OpenContext(HWND hWnd, const std::optional<gdi::PixelRegion>& limit);
 
-// What was drawn by a context of that window appears on the desktop, if the window is visible.
-void Present(HWND hWnd, const gdi::DeviceContext& context);
-
 // Gives the window's pixels its size, if they have another; what both sizes share stays. Gives the old size,
 // 0 by 0 without pixels.
 SIZE FitBacking(Window& window);
+
+// The desktop's pixels below all windows; null for a lack of memory. Under the lock of the desktop's pixels.
+std::shared_ptr<screen::Backing> Root();
 
 } // namespace kx::window

@@ -1,7 +1,7 @@
 #include "platform/window/Desktop.h"
 
 #include "platform/Immortal.h"
-#include "platform/gdi/Screen.h"
+#include "platform/screen/Screen.h"
 #include "platform/window/WindowTable.h"
 #include "platform/window/headless/HeadlessDesktop.h"
 #include "platform/window/x11/X11Desktop.h"
@@ -44,10 +44,10 @@ bool Desktop::Use(Desktop& desktop)
 {
     Desktop* old = nullptr;
     {
-        const std::lock_guard lock(gdi::Screen::Instance().lock);
+        const std::lock_guard lock(screen::Screen::Instance().lock);
         if (!WindowTable::Instance().Handles().empty()) return false;
         old = g_desktop.exchange(&desktop);
-        gdi::Screen::Instance().Forget();
+        screen::Screen::Instance().Forget();
     }
     if (old && old != &desktop) old->Leave();
     return true;

@@ -1,7 +1,8 @@
 #include "include/platform/Host.h"
-#include "platform/gdi/Screen.h"
 #include "platform/gdiplus/Encode.h"
 #include "platform/gdiplus/Graphics.h"
+#include "platform/screen/Screen.h"
+#include "platform/window/Backing.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/headless/HeadlessDesktop.h"
 #include "platform/window/x11/X11Desktop.h"
@@ -41,8 +42,8 @@ bool KXHost::SaveDesktop(const std::string& strPath)
 {
     kx::gdiplus::Bytes file;
     {
-        const std::lock_guard lock(kx::gdi::Screen::Instance().lock);
-        const auto root = kx::gdi::Screen::Instance().Root();
+        const std::lock_guard lock(kx::screen::Screen::Instance().lock);
+        const auto root = kx::window::Root();
         if (!root) return false;
         const SIZE size = Desktop::Instance().Size();
         kx::gdi::Surface& seen = Desktop::Instance().Look({0, 0, size.cx, size.cy}, root->surface);

@@ -1,7 +1,7 @@
 #include "include/platform/WindowPaint.h"
 #include "platform/Errno.h"
-#include "platform/gdi/Region.h"
-#include "platform/gdi/Screen.h"
+#include "platform/gdi/PixelRegion.h"
+#include "platform/screen/Screen.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/ThreadQueue.h"
 
@@ -14,7 +14,7 @@ try {
     if (!window) return 0;
     if (hRgn && !region) return kx::Fail(ERROR_INVALID_HANDLE);
     {
-        const std::lock_guard lock(kx::gdi::Screen::Instance().lock);
+        const std::lock_guard lock(kx::screen::Screen::Instance().lock);
         window->shape.reset();
         if (region) window->shape = region->pixels;
         kx::window::Desktop::Instance().Shape(hWnd, region ? &*window->shape : nullptr);

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "include/platform/Window.h"
-#include "platform/gdi/Backing.h"
 #include "platform/gdi/PixelRegion.h"
+#include "platform/screen/Screen.h"
 #include "platform/window/ClassTable.h"
 
 #include <atomic>
@@ -54,10 +54,10 @@ public:
     std::atomic<BYTE> opacity{255};
     std::atomic<std::intptr_t> userData{0};
 
-    // Guarded by the lock of the desktop's pixels (gdi/Screen.h).
-    std::shared_ptr<gdi::Backing> backing; // null until something is drawn
-    std::optional<gdi::PixelRegion> shape; // what of it there is to see; nothing: all
-    bool appeared = false;                 // it has been painted since it was shown
+    // Guarded by the lock of the desktop's pixels (screen/Screen.h).
+    std::shared_ptr<screen::Backing> backing; // null until something is drawn
+    std::optional<gdi::PixelRegion> shape;    // what of it there is to see; nothing: all
+    bool appeared = false;                    // it has been painted since it was shown
 
     // The owning thread's alone: its end has begun, and which animation of it is the newest.
     bool ending = false;

@@ -1,6 +1,6 @@
 #include "platform/gdi/text/Font.h"
 
-#include "platform/gdi/Stock.h"
+#include "platform/gdi/Tools.h"
 #include "platform/text/Conversion.h"
 
 #include <algorithm>
@@ -26,7 +26,7 @@ FontFace& Font::Face()
     return *m_face;
 }
 
-std::shared_ptr<Object> MakeStockFont(int)
+std::shared_ptr<Object> MakeStockFont()
 {
     LOGFONTA log{};
     log.lfHeight = -12;

@@ -1,7 +1,7 @@
 #include "platform/window/x11/Events.h"
 
 #include "include/platform/Input.h"
-#include "platform/gdi/Screen.h"
+#include "platform/screen/Screen.h"
 #include "platform/text/Conversion.h"
 #include "platform/window/Chores.h"
 #include "platform/window/WindowTable.h"
@@ -127,7 +127,7 @@ void Events::OnExpose(const xcb_expose_event_t& event)
 {
     const RECT rect = RectOf(event.x, event.y, event.width, event.height);
     const auto window = WindowTable::Instance().Find(HandleOf(event.window));
-    const std::lock_guard lock(gdi::Screen::Instance().lock);
+    const std::lock_guard lock(screen::Screen::Instance().lock);
     if (!window || !window->visible || !window->appeared || !window->backing) return;
     Access(m_session)->pixels.Put(event.window, window->backing->surface, rect);
 }
