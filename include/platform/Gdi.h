@@ -198,7 +198,7 @@ KX_API COLORREF SetPixel(HDC hDC, int x, int y, COLORREF clr);
 
 inline constexpr DWORD SRCCOPY = 0x00CC0020;
 
-// What lies outside either surface, or the destination's clip, is left out; the source's clip doesn't count.
+// Pixels outside either surface, or the destination's clip, are left out; the source's clip doesn't count.
 // Source and destination may be one surface and overlap: each pixel is what the source was before the call.
 // Each gives non-zero even if nothing was in reach to copy, and 0, with nothing painted, for a bad surface,
 // another operation than SRCCOPY, or a lack of memory.
@@ -229,7 +229,7 @@ inline constexpr int COMPLEXREGION = 3;
 // Two corners may come in any order; without a width or height between them the region is empty. The caller
 // ends a region with DeleteObject.
 KX_API HRGN CreateRectRgn(int nLeft, int nTop, int nRight, int nBottom);
-// What RoundRect would fill between an outline's outer edges.
+// The region that RoundRect would fill between an outline's outer edges.
 KX_API HRGN CreateRoundRectRgn(int nLeft, int nTop, int nRight, int nBottom, int cxEllipse, int cyEllipse);
 // A region of `nCount` rectangles, which may overlap; empty ones count for nothing. Fastest when they come in
 // rows from the top, each row from the left. Null for a negative count.
@@ -244,7 +244,7 @@ KX_API HRGN CreateMaskRgn(const std::uint64_t* pMask, int nWidth, int nHeight);
 KX_API int CombineRgn(HRGN hDst, HRGN hSrc1, HRGN hSrc2, int nMode);
 KX_API int PtInRegion(HRGN hRgn, int x, int y);
 KX_API int GetRgnBox(HRGN hRgn, RECT* pRect);
-// What leaves the range of coordinates is lost.
+// Pixels that leave the range of coordinates are lost.
 KX_API int OffsetRgn(HRGN hRgn, int x, int y);
 KX_API int FillRgn(HDC hDC, HRGN hRgn, HBRUSH hBrush);
 

@@ -1,5 +1,6 @@
 #include "include/platform/Dc.h"
 
+#include "include/platform/Wnd.h"
 #include "platform/framework/TempMap.h"
 #include "platform/gdi/Object.h"
 #include "platform/gdi/Rect.h"
@@ -89,8 +90,8 @@ CFont* CDC::SelectObject(CFont* pObject)
 CGdiObject* CDC::SelectObject(CGdiObject* pObject)
 {
     const HGDIOBJ hDisplaced = Select(m_hDC, pObject);
-    return kx::gdi::Find(hDisplaced) ? CGdiObject::FromHandle(hDisplaced)
-                                     : nullptr; // a region gives a number
+    return kx::FindHandle<kx::gdi::Object>(hDisplaced) ? CGdiObject::FromHandle(hDisplaced)
+                                                       : nullptr; // a region gives a number
 }
 
 int CDC::SelectObject(CRgn* pRgn)
@@ -174,4 +175,25 @@ CSize CDC::GetTextExtent(const CString& str) const
     SIZE size;
     GetTextExtentPoint32A(m_hDC, str, str.GetLength(), &size);
     return size;
+}
+
+CPaintDC::CPaintDC(CWnd* pWnd) : m_hWnd(pWnd ? pWnd->m_hWnd : nullptr)
+{
+    Attach(BeginPaint(m_hWnd, &m_ps));
+}
+
+CPaintDC::~CPaintDC()
+{
+    Detach();
+    EndPaint(m_hWnd, &m_ps);
+}
+
+CClientDC::CClientDC(CWnd* pWnd) : m_hWnd(pWnd ? pWnd->m_hWnd : nullptr)
+{
+    if (m_hWnd) Attach(GetDC(m_hWnd));
+}
+
+CClientDC::~CClientDC()
+{
+    ReleaseDC(m_hWnd, Detach());
 }

@@ -19,7 +19,7 @@ namespace {
 
 bool IsAlive(HGDIOBJ handle)
 {
-    return static_cast<bool>(kx::gdi::Find(handle));
+    return kx::FindHandle<kx::gdi::Object>(handle) != nullptr;
 }
 
 template <class Wrapper>

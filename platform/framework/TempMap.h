@@ -1,15 +1,18 @@
 #pragma once
 
+#include "include/platform/Exception.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <memory>
+#include <new>
 #include <unordered_map>
 
 namespace kx::framework {
 
 // The wrappers that FromHandle gives: one for each handle and thread, owning nothing, kept while the handle
 // lives. `IsAlive` tells of a handle; dead ones are swept when the map has doubled, so it stays as small as
-// what is used.
+// what is used. For lack of memory a CMemoryException* is thrown.
 template <class Wrapper, class Handle, bool (*IsAlive)(Handle), void (*Bind)(Wrapper&, Handle)>
 class TempMap
 {
@@ -24,10 +27,16 @@ public:
     {
         if (!handle) return nullptr;
         if (const auto found = m_wrappers.find(handle); found != m_wrappers.end()) return found->second.get();
-        if (m_wrappers.size() >= m_nSweepAt) Sweep();
-        auto wrapper = std::make_unique<Wrapper>();
-        Bind(*wrapper, handle);
-        return (m_wrappers[handle] = std::move(wrapper)).get();
+        try {
+            if (m_wrappers.size() >= m_nSweepAt) Sweep();
+            auto wrapper = std::make_unique<Wrapper>();
+            Wrapper* const made = wrapper.get();
+            m_wrappers.emplace(handle, std::move(wrapper));
+            Bind(*made, handle);
+            return made;
+        } catch (const std::bad_alloc&) {
+            AfxThrowMemoryException();
+        }
     }
 
 private:

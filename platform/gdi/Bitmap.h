@@ -8,7 +8,7 @@
 
 namespace kx::gdi {
 
-// What a bitmap of 8 bits and less has besides its pixels. GetDIBits gives a pixel's own index back for as
+// A bitmap of 8 bits and less has one besides its pixels. GetDIBits gives a pixel's own index back for as
 // long as the pixel has that entry's colour.
 struct Palette
 {

@@ -1,11 +1,12 @@
 #include "include/platform/Host.h"
+#include "platform/Errno.h"
 #include "platform/Immortal.h"
 #include "platform/gdi/Copies.h"
 #include "platform/gdi/DeviceContext.h"
+#include "platform/sync/Mutex.h"
 
 #include <atomic>
 #include <memory>
-#include <mutex>
 #include <new>
 #include <utility>
 
@@ -18,8 +19,8 @@ constinit std::atomic<bool> g_bObserved{false};
 
 struct Observer
 {
-    std::mutex lock;
-    std::shared_ptr<const KXHost::CopyObserver> call; // under the lock
+    kx::sync::Mutex lock;
+    std::shared_ptr<const KXHost::CopyObserver> call KX_GUARDED_BY(lock);
 };
 
 Observer& TheObserver()
@@ -31,7 +32,7 @@ Observer& TheObserver()
 std::shared_ptr<const KXHost::CopyObserver> Current()
 {
     Observer& observer = TheObserver();
-    const std::lock_guard lock(observer.lock);
+    const kx::sync::MutexLock lock(observer.lock);
     return observer.call;
 }
 
@@ -61,9 +62,9 @@ try {
     const auto from = FindAs<DeviceContext>(hSrc);
     if (!to || !from) return 0;
     const Canvas target = to->Paint();
-    return copy(target, from->Read(Place(source)));
+    return copy(target, from->Read(Place(source), &target));
 } catch (const std::bad_alloc&) {
-    return 0;
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }
 
 int CopySame(HDC hDst, const Block& block, HDC hSrc, int xSrc, int ySrc)
@@ -131,7 +132,7 @@ void KXHost::SetCopyObserver(CopyObserver observer)
 {
     auto call = observer ? std::make_shared<const CopyObserver>(std::move(observer)) : nullptr;
     Observer& current = TheObserver();
-    const std::lock_guard lock(current.lock);
+    const kx::sync::MutexLock lock(current.lock);
     g_bObserved.store(call != nullptr, std::memory_order_release);
     current.call.swap(call);
 }

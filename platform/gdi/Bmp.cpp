@@ -44,7 +44,7 @@ std::shared_ptr<Bitmap> Decode(const BmpHeader& header, FileBytes dib, std::size
     return std::make_shared<Bitmap>(std::move(*surface), nDepth, std::move(palette), true);
 }
 
-// Where the pixels of a file lie, counted from its second header; nothing where they can't.
+// The offset of a file's pixels from its second header; nothing for one that lies.
 std::optional<std::size_t> PixelsAt(FileBytes file, const BmpHeader& header) noexcept
 {
     const std::size_t nOffset = U32(file, 10);

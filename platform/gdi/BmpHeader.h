@@ -34,7 +34,7 @@ enum class BmpCompression
     Rle24
 };
 
-// What the header of a BMP says, which is sound in itself but may claim more than the file holds. Offsets
+// The claims of a BMP's header, which is sound in itself but may claim more than the file holds. Offsets
 // count from the header's first byte.
 struct BmpHeader
 {
@@ -49,7 +49,7 @@ struct BmpHeader
     std::size_t nColorSize = 4;
 
     bool IsCompressed() const noexcept { return compression != BmpCompression::None; }
-    // Where the pixels lie if nothing else is said.
+    // The offset of the pixels if nothing else is said.
     std::size_t PixelsAt() const noexcept { return nPaletteAt + nColors * nColorSize; }
     std::size_t RowBytes() const noexcept { return gdi::RowBytes(nWidth, nDepth, 32); }
     std::size_t PixelBytes() const noexcept { return RowBytes() * static_cast<std::size_t>(nHeight); }

@@ -2,24 +2,33 @@
 
 #include "platform/gdi/PixelRegion.h"
 #include "platform/gdi/Surface.h"
+#include "platform/sync/Mutex.h"
 
 #include <algorithm>
 #include <mutex>
 #include <span>
+#include <utility>
 
 namespace kx::gdi {
 
-// Pixels on which several contexts draw, and which are shown.
+// Guards all shared surfaces. Taken before the lock of texts.
+inline constinit sync::Mutex pixelLock;
+
+// Pixels on which several contexts draw, and which are shown: a window's, or the desktop's.
 struct SharedSurface
 {
-    Surface surface; // guarded by the lock
-    std::recursive_mutex& lock;
-    // What a reader sees in place of the surface, of which the rectangle is up to date; null for the surface
-    // itself. Called under the lock.
-    Surface& (*look)(const RECT& rect, Surface& surface) = nullptr;
+    // Gives the pixels that a reader sees in place of the surface, of which the rectangle is up to date.
+    using Look = Surface& (*)(const RECT& rect, Surface& surface);
+
+    explicit SharedSurface(Surface pixels, Look seen = nullptr) noexcept
+        : surface(std::move(pixels)), look(seen)
+    {
+    }
+    Surface surface KX_GUARDED_BY(pixelLock);
+    const Look look; // null where a reader sees the surface itself; called under the lock
 };
 
-// Where a device context draws, for the length of one operation. Everything is in the surface's
+// The pixels that a device context draws on, for the length of one operation. Everything is in the surface's
 // coordinates.
 struct Canvas
 {
@@ -28,7 +37,7 @@ struct Canvas
     std::span<const RECT> clip; // what may be written: disjoint, in rows from the top; within the reach
     RECT reach;                 // the least rectangle around the clip
     // Held while the surface is a shared one.
-    std::unique_lock<std::recursive_mutex> lock;
+    std::unique_lock<sync::Mutex> lock;
 };
 
 // Calls `use(part)` for each rectangle of an area cut to the boxes of a region, which are disjoint and lie in

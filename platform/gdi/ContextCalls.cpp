@@ -1,8 +1,30 @@
+#include "platform/Errno.h"
 #include "platform/gdi/DeviceContext.h"
 #include "platform/gdi/PixelRegion.h"
 
 #include <new>
 #include <utility>
+
+namespace kx::gdi {
+
+HGDIOBJ Add(const std::shared_ptr<Object>& object, bool stock) noexcept
+{
+    object->m_stock = stock;
+    return object->m_handle = AddHandle(object, !stock);
+}
+
+std::nullptr_t NoMemory() noexcept
+{
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return nullptr;
+}
+
+bool Remove(HGDIOBJ handle) noexcept
+{
+    return RemoveHandle<Object>(handle) != nullptr;
+}
+
+} // namespace kx::gdi
 
 using namespace kx::gdi;
 
@@ -11,7 +33,7 @@ try {
     if (hDC && !FindAs<DeviceContext>(hDC)) return nullptr;
     return static_cast<HDC>(Add(std::make_shared<DeviceContext>()));
 } catch (const std::bad_alloc&) {
-    return nullptr;
+    return NoMemory();
 }
 
 int DeleteDC(HDC hDC)
@@ -29,13 +51,13 @@ int GetClipBox(HDC hDC, RECT* pRect)
 HGDIOBJ SelectObject(HDC hDC, HGDIOBJ hObject)
 try {
     const auto context = FindAs<DeviceContext>(hDC);
-    auto object = Find(hObject);
+    auto object = kx::FindHandle<Object>(hObject);
     if (!context || !object) return nullptr;
     if (object->kind != Kind::Region) return context->Select(std::move(object));
     const int nComplexity = SelectClipRgn(hDC, static_cast<HRGN>(hObject));
     return reinterpret_cast<HGDIOBJ>(std::intptr_t{nComplexity});
 } catch (const std::bad_alloc&) {
-    return nullptr;
+    return NoMemory();
 }
 
 int SelectClipRgn(HDC hDC, HRGN hRgn)
@@ -47,19 +69,19 @@ try {
     RECT ignored;
     return context->ClipBox(ignored);
 } catch (const std::bad_alloc&) {
-    return RGN_ERROR;
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY); // RGN_ERROR
 }
 
 int DeleteObject(HGDIOBJ hObject)
 {
-    const auto object = Find(hObject);
+    const auto object = kx::FindHandle<Object>(hObject);
     if (!object || object->kind >= Kind::Context || object->selected > 0 || object->IsStock()) return 0;
     return Remove(hObject) ? 1 : 0;
 }
 
 int GetObjectA(HGDIOBJ hObject, int nSize, void* pBuffer)
 {
-    const auto object = Find(hObject);
+    const auto object = kx::FindHandle<Object>(hObject);
     return object ? object->Describe(nSize, pBuffer) : 0;
 }
 

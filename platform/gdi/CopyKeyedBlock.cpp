@@ -36,8 +36,8 @@ void SelectPlain(const KeyedRows& rows) noexcept
 }
 
 #if defined(__x86_64__)
-// As wide as a line of the cache. What surrounds a picture is most of what has the key: where it fills a
-// whole line, nothing of the target is read or written.
+// A step is as wide as a line of the cache. Most of the key surrounds a picture: a line that it fills whole
+// costs no access to the target.
 KX_AVX2 void SelectAvx2(const KeyedRows& rows) noexcept
 {
     constexpr int kHalf = 8, kLine = 2 * kHalf;
@@ -80,7 +80,7 @@ void CopyKeyedBlock(const Canvas& to, const Block& block, const Canvas& from, in
     const Fit fit = FitBlock(to, block, from, xSrc, ySrc);
     if (IsEmpty(fit.area)) return;
     const RECT source = Moved(fit.area, -fit.dx, -fit.dy);
-    // Where a copy meets its own source, it reads a snapshot, the first pixel of which is the source's first.
+    // A copy that meets its own source reads a snapshot, whose first pixel is the source's first.
     std::optional<Surface> snapshot;
     if (&to.surface == &from.surface && !IsEmpty(Cut(source, fit.area)))
         snapshot = Snapshot(from.surface, source);
@@ -90,7 +90,7 @@ void CopyKeyedBlock(const Canvas& to, const Block& block, const Canvas& from, in
     ForEachPart(to.clip, fit.area, [&](const RECT& part) {
         SelectRows({to.surface.Row(part.top) + part.left, to.surface.Stride(),
                     surface.Row(part.top - dy) + part.left - dx, surface.Stride(), part.right - part.left,
-                    part.bottom - part.top, key & COLOR_BITS});
+                    part.bottom - part.top, key});
     });
 }
 

@@ -59,7 +59,7 @@ private:
     static constexpr std::size_t kMost = 256;
     std::size_t m_nColors;
     std::array<DWORD, kMost> m_colors{};
-    // What was searched for before.
+    // Results of earlier searches, by a hash of the colour.
     struct Found
     {
         DWORD color = 0xFFFFFFFF;
@@ -188,7 +188,7 @@ bool Fits(const BITMAPINFOHEADER& header, const Bitmap& bitmap) noexcept
            header.biPlanes == 1 && header.biCompression == BI_RGB && HasDepth(bitmap, header.biBitCount);
 }
 
-// As many colours as the caller has room for.
+// Gives the caller as many colours as it has room for.
 void CopyColors(const Bitmap& bitmap, BITMAPINFO& info) noexcept
 {
     const std::size_t nRoom = info.bmiHeader.biBitCount <= 8 ? info.bmiHeader.biClrUsed : 0;
@@ -233,7 +233,7 @@ try {
     if (!pixels) return nullptr;
     return static_cast<HBITMAP>(Add(std::make_shared<Bitmap>(std::move(*pixels), WORD{32})));
 } catch (const std::bad_alloc&) {
-    return nullptr;
+    return NoMemory();
 }
 
 int GetDIBits(HDC hDC, HBITMAP hBitmap, UINT nStart, UINT nLines, void* pBits, BITMAPINFO* pInfo, UINT nUsage)

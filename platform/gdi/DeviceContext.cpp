@@ -22,7 +22,7 @@ DeviceContext::DeviceContext()
     HoldStock();
     if (!Add(m_own, true)) throw std::bad_alloc();
     m_own->selected = 1;
-    Hold(Find(m_own->Handle()));
+    Hold(m_own);
 }
 
 DeviceContext::DeviceContext(HWND hWnd, std::shared_ptr<SharedSurface> pixels,
@@ -57,7 +57,7 @@ DeviceContext::View DeviceContext::MakeView(Surface& surface, const std::optiona
     return view;
 }
 
-Pinned<Object> DeviceContext::Hold(Pinned<Object> object) noexcept
+std::shared_ptr<Object> DeviceContext::Hold(std::shared_ptr<Object> object) noexcept
 {
     auto& held = m_held[static_cast<std::size_t>(object->kind)];
     if (held) --held->selected;
@@ -67,10 +67,10 @@ Pinned<Object> DeviceContext::Hold(Pinned<Object> object) noexcept
 void DeviceContext::HoldStock()
 {
     for (const int nStock : {BLACK_PEN, WHITE_BRUSH, SYSTEM_FONT})
-        if (auto object = Find(GetStockObject(nStock))) Select(std::move(object));
+        if (auto object = FindHandle<Object>(GetStockObject(nStock))) Select(std::move(object));
 }
 
-HGDIOBJ DeviceContext::Select(Pinned<Object> object)
+HGDIOBJ DeviceContext::Select(std::shared_ptr<Object> object)
 {
     if (static_cast<std::size_t>(object->kind) >= m_held.size()) return nullptr;
     if (object.get() == Held(object->kind).get()) return object->Handle();
@@ -80,7 +80,7 @@ HGDIOBJ DeviceContext::Select(Pinned<Object> object)
     return displaced ? displaced->Handle() : nullptr;
 }
 
-HGDIOBJ DeviceContext::SelectBitmap(Pinned<Object> object)
+HGDIOBJ DeviceContext::SelectBitmap(std::shared_ptr<Object> object)
 {
     if (!IsMemory()) return nullptr;
     auto& bitmap = static_cast<Bitmap&>(*object);
@@ -106,15 +106,16 @@ int DeviceContext::ClipBox(RECT& rect) const noexcept
 Canvas DeviceContext::Paint() noexcept
 {
     Canvas canvas{*m_view.surface, m_view.bounds, m_view.clip, m_view.reach, {}};
-    if (m_shared) canvas.lock = std::unique_lock(m_shared->lock);
+    if (m_shared) canvas.lock = std::unique_lock(pixelLock);
     return canvas;
 }
 
-Canvas DeviceContext::Read(const RECT& rect)
+Canvas DeviceContext::Read(const RECT& rect, const Canvas* other)
 {
-    if (!m_shared || !m_shared->look) return Paint();
-    std::unique_lock lock(m_shared->lock);
-    Surface& seen = m_shared->look(rect, m_shared->surface);
+    std::unique_lock<sync::Mutex> lock;
+    if (m_shared && !(other && other->lock)) lock = std::unique_lock(pixelLock);
+    const bool bLooks = m_shared && m_shared->look;
+    Surface& seen = bLooks ? m_shared->look(rect, m_shared->surface) : *m_view.surface;
     return {seen, m_view.bounds, m_view.clip, m_view.reach, std::move(lock)};
 }
 

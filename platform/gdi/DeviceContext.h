@@ -22,20 +22,21 @@ public:
     DeviceContext();
     // Shared pixels, a window's or with null for the window the desktop's, of which drawing reaches `limit`
     // alone where there is one.
-    DeviceContext(HWND hWnd, std::shared_ptr<SharedSurface> pixels, const std::optional<PixelRegion>& limit);
+    DeviceContext(HWND hWnd, std::shared_ptr<SharedSurface> pixels,
+                  const std::optional<PixelRegion>& limit) KX_NO_LOCK_ANALYSIS; // the size never changes
     ~DeviceContext() override;
 
     bool IsMemory() const noexcept { return m_own != nullptr; }
-    // Whose pixels they are; null for memory and the desktop.
+    // The window whose pixels they are; null for memory and the desktop.
     HWND Window() const noexcept { return m_window; }
-    // Where to draw now. It ends before the next change of the context.
+    // The place to draw on now. It ends before the next change of the context.
     Canvas Paint() noexcept;
-    // Where to read now: of shared pixels as they are seen the rectangle is up to date. Nothing is written
-    // there.
-    Canvas Read(const RECT& rect);
+    // The place to read from now: shared pixels as they are seen, of which the rectangle is up to date.
+    // Nothing is written there. `other` is what the same operation paints on, whose lock may be the same.
+    Canvas Read(const RECT& rect, const Canvas* other = nullptr) KX_NO_LOCK_ANALYSIS;
 
     // Selects a bitmap, pen, brush or font and gives the handle of what it displaced; null where it can't be.
-    HGDIOBJ Select(Pinned<Object> object);
+    HGDIOBJ Select(std::shared_ptr<Object> object);
     const Pen& CurrentPen() const noexcept { return static_cast<const Pen&>(*Held(Kind::Pen)); }
     const Brush& CurrentBrush() const noexcept { return static_cast<const Brush&>(*Held(Kind::Brush)); }
     Object* CurrentFont() const noexcept { return Held(Kind::Font).get(); }
@@ -43,7 +44,7 @@ public:
     // Clips to a region in the context's coordinates, or with nothing to the surface alone. Throws
     // std::bad_alloc and changes nothing then.
     void SetClip(std::optional<PixelRegion> region);
-    // What drawing is clipped to, in the context's coordinates: its complexity, and its bounds.
+    // The clip of drawing, in the context's coordinates: its complexity, and its bounds.
     int ClipBox(RECT& rect) const noexcept;
 
     COLORREF textColor = RGB(0, 0, 0);
@@ -51,7 +52,7 @@ public:
     int backMode = OPAQUE;
 
 private:
-    // What is drawn on, and the part of it that may be.
+    // The surface that is drawn on, and the part of it that may be.
     struct View
     {
         Surface* surface;
@@ -62,11 +63,14 @@ private:
     };
     View MakeView(Surface& surface, const std::optional<PixelRegion>& region) const;
 
-    const Pinned<Object>& Held(Kind what) const noexcept { return m_held[static_cast<std::size_t>(what)]; }
+    const std::shared_ptr<Object>& Held(Kind what) const noexcept
+    {
+        return m_held[static_cast<std::size_t>(what)];
+    }
     void HoldStock();
-    HGDIOBJ SelectBitmap(Pinned<Object> object);
+    HGDIOBJ SelectBitmap(std::shared_ptr<Object> object);
     // Takes an object, whose `selected` counts this context already, in place of the one that it gives.
-    Pinned<Object> Hold(Pinned<Object> object) noexcept;
+    std::shared_ptr<Object> Hold(std::shared_ptr<Object> object) noexcept;
 
     const HWND m_window = nullptr;
     const std::optional<PixelRegion> m_limit;
@@ -74,7 +78,7 @@ private:
     std::shared_ptr<Bitmap> m_own;           // null where the pixels are shared
     std::shared_ptr<SharedSurface> m_shared; // null for memory
     View m_view;
-    std::array<Pinned<Object>, static_cast<std::size_t>(Kind::Font) + 1> m_held;
+    std::array<std::shared_ptr<Object>, static_cast<std::size_t>(Kind::Font) + 1> m_held;
 };
 
 } // namespace kx::gdi

@@ -44,7 +44,7 @@ bool DescribeBmp(const BmpHeader& bmp, IcoEntry& entry) noexcept
     return bmp.nHeight % 2 == 0 && !bmp.bTopDown && !bmp.IsCompressed();
 }
 
-// What the image itself says: the directory's record of it can't tell more than 256 pixels, and often lies.
+// Reads the image itself: the directory's record of it can't tell more than 256 pixels, and often lies.
 bool Describe(IcoEntry& entry) noexcept
 {
     if (const auto png = ParsePngHeader(entry.bytes)) return DescribePng(*png, entry);

@@ -35,7 +35,7 @@ constexpr DWORD U32(FileBytes bytes, std::size_t at) noexcept
     return Little(bytes, at, 4);
 }
 
-// What lies behind an offset; nothing beyond the end.
+// The bytes behind an offset; nothing beyond the end.
 constexpr FileBytes From(FileBytes bytes, std::size_t at) noexcept
 {
     return at < bytes.size() ? bytes.subspan(at) : FileBytes();
@@ -64,7 +64,7 @@ inline constexpr int MAX_PNG_ICON_SIDE = 1024;
 std::shared_ptr<Bitmap> ReadBmp(FileBytes file);
 
 // How much of a BMP file is to be read, of which `head` holds the beginning, IMAGE_HEAD bytes where it has as
-// many: nothing for one whose header is bad or claims more than there is.
+// many. Nothing for a file whose header is bad or claims more than there is.
 std::optional<std::uint64_t> BmpBytesToRead(FileBytes head, std::uint64_t nFileSize) noexcept;
 inline constexpr std::size_t IMAGE_HEAD = 256;
 

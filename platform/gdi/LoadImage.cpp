@@ -51,13 +51,13 @@ std::shared_ptr<Icon> MakeIcon(FileBytes bytes, int cx, int cy)
 HANDLE Make(FileBytes bytes, bool bFile, UINT nType, int cx, int cy)
 {
     std::shared_ptr<Object> object;
+    SetLastError(ERROR_SUCCESS);
     if (nType == IMAGE_ICON)
         object = MakeIcon(bytes, cx, cy);
     else
         object = MakeBitmap(bytes, bFile, cx, cy);
-    if (!object) return Refuse(ERROR_RESOURCE_DATA_NOT_FOUND);
-    const HANDLE handle = Add(std::move(object));
-    return handle ? handle : Refuse(ERROR_NOT_ENOUGH_MEMORY);
+    if (object) return Add(object);
+    return GetLastError() == ERROR_NOT_ENOUGH_MEMORY ? nullptr : Refuse(ERROR_RESOURCE_DATA_NOT_FOUND);
 }
 
 // A file that can't be an image is refused by its beginning.

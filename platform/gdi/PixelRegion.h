@@ -33,7 +33,7 @@ public:
     int Complexity() const noexcept;
     bool Contains(int x, int y) const noexcept;
 
-    // What leaves the range of coordinates is lost.
+    // Pixels that leave the range of coordinates are lost.
     void Move(int dx, int dy);
     void IntersectWith(const PixelRegion& other);
     void UniteWith(const PixelRegion& other);
@@ -54,7 +54,7 @@ inline const RECT& ToRect(const RECT& rect) noexcept
     return rect;
 }
 
-// What a region's handle names.
+// The object that a region's handle names.
 class Region final : public Object
 {
 public:

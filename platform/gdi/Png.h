@@ -7,7 +7,7 @@
 
 namespace kx::gdi {
 
-// What the first bytes of a PNG say.
+// The claims of a PNG's first bytes.
 struct PngHeader
 {
     DWORD nWidth = 0;

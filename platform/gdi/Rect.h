@@ -47,7 +47,7 @@ struct Block
     int cy;
 };
 
-// Where it lies on the surface; sides beyond the range of coordinates stay at its end.
+// The block as a rectangle; sides beyond the range of coordinates stay at its end.
 inline RECT Place(const Block& block) noexcept
 {
     return {block.x, block.y, ToSide(std::int64_t{block.x} + block.cx),

@@ -1,3 +1,4 @@
+#include "platform/Errno.h"
 #include "platform/gdi/PixelRegion.h"
 
 #include "platform/gdi/RoundShape.h"
@@ -46,7 +47,7 @@ HRGN CreateRectRgn(int nLeft, int nTop, int nRight, int nBottom)
 try {
     return AddRegion(PixelRegion(Ordered({nLeft, nTop, nRight, nBottom})));
 } catch (const std::bad_alloc&) {
-    return nullptr;
+    return NoMemory();
 }
 
 HRGN CreateRectsRgn(const RECT* pRects, int nCount)
@@ -54,7 +55,7 @@ try {
     if (nCount < 0 || (nCount > 0 && !pRects)) return nullptr;
     return AddRegion(PixelRegion::FromRects({pRects, static_cast<std::size_t>(nCount)}));
 } catch (const std::bad_alloc&) {
-    return nullptr;
+    return NoMemory();
 }
 
 HRGN CreateMaskRgn(const std::uint64_t* pMask, int nWidth, int nHeight)
@@ -62,7 +63,7 @@ try {
     if (nWidth < 0 || nHeight < 0 || (nWidth > 0 && nHeight > 0 && !pMask)) return nullptr;
     return AddRegion(PixelRegion::FromMask(pMask, nWidth, nHeight));
 } catch (const std::bad_alloc&) {
-    return nullptr;
+    return NoMemory();
 }
 
 int CombineRgn(HRGN hDst, HRGN hSrc1, HRGN hSrc2, int nMode)
@@ -74,7 +75,7 @@ try {
     target->pixels = Combined(first->pixels, second->pixels, nMode);
     return target->pixels.Complexity();
 } catch (const std::bad_alloc&) {
-    return RGN_ERROR;
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY); // RGN_ERROR
 }
 
 int PtInRegion(HRGN hRgn, int x, int y)
@@ -98,7 +99,7 @@ try {
     region->pixels.Move(x, y);
     return region->pixels.Complexity();
 } catch (const std::bad_alloc&) {
-    return RGN_ERROR;
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY); // RGN_ERROR
 }
 
 HRGN CreateRoundRectRgn(int nLeft, int nTop, int nRight, int nBottom, int cxEllipse, int cyEllipse)
@@ -116,5 +117,5 @@ try {
         rows.push_back(shape.Row(rect.bottom - n));
     return AddRegion(PixelRegion::FromRects(rows));
 } catch (const std::bad_alloc&) {
-    return nullptr;
+    return NoMemory();
 }

@@ -13,7 +13,7 @@ constexpr std::uint8_t kEndOfLine = 0;
 constexpr std::uint8_t kEndOfBitmap = 1;
 constexpr std::uint8_t kDelta = 2;
 
-// Where the next pixel goes, from the bottom left. It may lie outside the bitmap, where nothing is painted.
+// The place of the next pixel, from the bottom left. It may lie outside the bitmap, where nothing is painted.
 class Cursor
 {
 public:

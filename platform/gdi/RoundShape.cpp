@@ -62,7 +62,7 @@ RECT RoundShape::RowInside(int y, int nWidth) const noexcept
 {
     const std::int64_t nFromEdge = FromEdge(y);
     if (nFromEdge < nWidth) return {};
-    // What touches the outside with a side is outline, and no more is needed for one without gaps.
+    // A pixel that touches the outside with a side is outline; an outline without gaps needs no more.
     if (nWidth == 1) return RowAt(y, std::max(Inset(nFromEdge) + 1, Inset(nFromEdge - 1)));
     const RECT inner{ToSide(std::int64_t{m_rect.left} + nWidth), ToSide(std::int64_t{m_rect.top} + nWidth),
                      ToSide(std::int64_t{m_rect.right} - nWidth),

@@ -5,7 +5,7 @@ using namespace kx::gdi;
 
 namespace {
 
-// What paints a shape: null for what doesn't.
+// The pen and the brush that paint a shape; null for one that paints nothing.
 struct Tools
 {
     const Pen* pen;
@@ -58,7 +58,7 @@ void Draw(DeviceContext& context, RECT rect, int cxEllipse, int cyEllipse)
     const Brush& brush = context.CurrentBrush();
     const Tools tools{pen.Draws() ? &pen : nullptr, brush.Draws() ? &brush : nullptr};
     const Canvas canvas = context.Paint();
-    // As the platform has it, a shape without an outline is a pixel shorter each way.
+    // On the platform a shape without an outline is a pixel shorter each way.
     if (!tools.pen)
         rect = {rect.left, rect.top, ToSide(std::int64_t{rect.right} - 1),
                 ToSide(std::int64_t{rect.bottom} - 1)};

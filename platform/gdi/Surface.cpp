@@ -1,5 +1,7 @@
 #include "platform/gdi/Surface.h"
 
+#include "include/platform/Error.h"
+
 #include <algorithm>
 #include <bit>
 #include <utility>
@@ -29,7 +31,10 @@ std::optional<Surface> Surface::Make(int nWidth, int nHeight)
     Surface surface;
     surface.m_memory.reset(std::calloc(nRoom, 1));
     void* aligned = surface.m_memory.get();
-    if (!aligned) return std::nullopt;
+    if (!aligned) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return std::nullopt;
+    }
     surface.m_pixels = static_cast<DWORD*>(std::align(kAlignment, nRoom - kAlignment, aligned, nRoom));
     surface.m_nWidth = nWidth;
     surface.m_nHeight = nHeight;

@@ -41,14 +41,14 @@ try {
     if (nStyle != PS_SOLID && nStyle != PS_NULL) return nullptr;
     return static_cast<HPEN>(Add(std::make_shared<Pen>(static_cast<UINT>(nStyle), nWidth, clr)));
 } catch (const std::bad_alloc&) {
-    return nullptr;
+    return NoMemory();
 }
 
 HBRUSH CreateSolidBrush(COLORREF clr)
 try {
     return static_cast<HBRUSH>(Add(std::make_shared<Brush>(clr)));
 } catch (const std::bad_alloc&) {
-    return nullptr;
+    return NoMemory();
 }
 
 HGDIOBJ GetStockObject(int nIndex)
@@ -58,5 +58,5 @@ try {
     const auto& object = stock.Get()[static_cast<std::size_t>(nIndex)];
     return object ? object->Handle() : nullptr;
 } catch (const std::bad_alloc&) {
-    return nullptr;
+    return NoMemory();
 }

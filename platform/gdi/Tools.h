@@ -42,7 +42,7 @@ private:
     const bool m_draws;
 };
 
-// What the text operations supply: the font behind SYSTEM_FONT and DEFAULT_GUI_FONT.
+// Supplied by the text operations: the font behind SYSTEM_FONT and DEFAULT_GUI_FONT.
 std::shared_ptr<Object> MakeStockFont();
 
 } // namespace kx::gdi

@@ -12,22 +12,21 @@ Screen& Screen::Instance()
     return screen.Get();
 }
 
-const std::shared_ptr<Backing>& Screen::Root(SIZE size, gdi::Surface& (*look)(const RECT&, gdi::Surface&))
+const std::shared_ptr<Backing>& Screen::Root(SIZE size, Backing::Look look)
 {
     if (m_root) return m_root;
     auto surface = gdi::Surface::Make(size.cx, size.cy);
     if (!surface) return m_root;
     for (int y = 0; y < size.cy; ++y)
         std::fill_n(surface->Row(y), size.cx, gdi::ToPixel(DESKTOP_COLOR));
-    m_root = std::make_shared<Backing>(std::move(*surface), lock, look);
+    m_root = std::make_shared<Backing>(std::move(*surface), look);
     return m_root;
 }
 
 std::shared_ptr<Backing> MakeBacking(SIZE size)
 {
     auto surface = gdi::Surface::Make(size.cx, size.cy);
-    return surface ? std::make_shared<Backing>(std::move(*surface), Screen::Instance().lock, nullptr)
-                   : nullptr;
+    return surface ? std::make_shared<Backing>(std::move(*surface)) : nullptr;
 }
 
 SIZE Resize(std::shared_ptr<Backing>& backing, SIZE size)

@@ -13,7 +13,7 @@ void Appear(Window& window, bool bVisible)
 {
     const HWND hWnd = window.Handle();
     {
-        const std::lock_guard lock(screen::Screen::Instance().lock);
+        const sync::MutexLock lock(gdi::pixelLock);
         window.visible = bVisible;
         window.appeared = false;
     }

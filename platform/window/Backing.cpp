@@ -19,8 +19,9 @@ SIZE SizeOf(const Window& window)
 
 std::shared_ptr<screen::Backing> PixelsOf(HWND hWnd)
 {
-    const std::lock_guard lock(screen::Screen::Instance().lock);
-    if (!hWnd) return Root();
+    const SIZE size = hWnd ? SIZE{} : Desktop::Instance().Size(); // which may wait for a display
+    const sync::MutexLock lock(gdi::pixelLock);
+    if (!hWnd) return Root(size);
     const auto window = WindowTable::Instance().Find(hWnd);
     if (!window) return nullptr;
     if (!window->backing) window->backing = screen::MakeBacking(SizeOf(*window));
@@ -30,7 +31,7 @@ std::shared_ptr<screen::Backing> PixelsOf(HWND hWnd)
 // What was drawn by a context of that window appears on the desktop, if the window is visible.
 void Present(HWND hWnd, const gdi::DeviceContext& context)
 {
-    const std::lock_guard lock(screen::Screen::Instance().lock);
+    const sync::MutexLock lock(gdi::pixelLock);
     const auto window = WindowTable::Instance().Find(hWnd);
     RECT drawn;
     if (!window || !window->visible || !window->backing) return;
@@ -53,17 +54,15 @@ HDC OpenContext(HWND hWnd, const std::optional<gdi::PixelRegion>& limit)
 
 SIZE FitBacking(Window& window)
 {
-    const std::lock_guard lock(screen::Screen::Instance().lock);
+    const sync::MutexLock lock(gdi::pixelLock);
     return screen::Resize(window.backing, SizeOf(window));
 }
 
-std::shared_ptr<screen::Backing> Root()
+std::shared_ptr<screen::Backing> Root(SIZE size)
 {
-    Desktop& desktop = Desktop::Instance();
-    return screen::Screen::Instance().Root(desktop.Size(),
-                                           [](const RECT& rect, gdi::Surface& root) -> gdi::Surface& {
-                                               return Desktop::Instance().Look(rect, root);
-                                           });
+    return screen::Screen::Instance().Root(size, [](const RECT& rect, gdi::Surface& root) -> gdi::Surface& {
+        return Desktop::Instance().Look(rect, root);
+    });
 }
 
 } // namespace kx::window
@@ -72,7 +71,7 @@ HDC GetDC(HWND hWnd)
 try {
     return kx::window::OpenContext(hWnd, std::nullopt);
 } catch (const std::bad_alloc&) {
-    return nullptr;
+    return kx::gdi::NoMemory();
 }
 
 int ReleaseDC(HWND, HDC hDC)

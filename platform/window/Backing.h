@@ -21,7 +21,7 @@ HDC OpenContext(HWND hWnd, const std::optional<gdi::PixelRegion>& limit);
 // 0 by 0 without pixels.
 SIZE FitBacking(Window& window);
 
-// The desktop's pixels below all windows; null for a lack of memory. Under the lock of the desktop's pixels.
-std::shared_ptr<screen::Backing> Root();
+// The desktop's pixels below all windows, made of that size at the first use; null for a lack of memory.
+std::shared_ptr<screen::Backing> Root(SIZE size) KX_REQUIRES(gdi::pixelLock);
 
 } // namespace kx::window

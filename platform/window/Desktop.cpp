@@ -44,7 +44,7 @@ bool Desktop::Use(Desktop& desktop)
 {
     Desktop* old = nullptr;
     {
-        const std::lock_guard lock(screen::Screen::Instance().lock);
+        const sync::MutexLock lock(gdi::pixelLock);
         if (!WindowTable::Instance().Handles().empty()) return false;
         old = g_desktop.exchange(&desktop);
         screen::Screen::Instance().Forget();

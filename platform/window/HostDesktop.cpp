@@ -42,10 +42,10 @@ bool KXHost::SaveDesktop(const std::string& strPath)
 {
     kx::gdiplus::Bytes file;
     {
-        const std::lock_guard lock(kx::screen::Screen::Instance().lock);
-        const auto root = kx::window::Root();
-        if (!root) return false;
         const SIZE size = Desktop::Instance().Size();
+        const kx::sync::MutexLock lock(kx::gdi::pixelLock);
+        const auto root = kx::window::Root(size);
+        if (!root) return false;
         kx::gdi::Surface& seen = Desktop::Instance().Look({0, 0, size.cx, size.cy}, root->surface);
         const auto view = kx::gdiplus::ViewOf(seen, kx::gdiplus::Alpha::Opaque);
         if (kx::gdiplus::WritePng(view, file) != Gdiplus::Ok) return false;

@@ -14,7 +14,7 @@ try {
     if (!window) return 0;
     if (hRgn && !region) return kx::Fail(ERROR_INVALID_HANDLE);
     {
-        const std::lock_guard lock(kx::screen::Screen::Instance().lock);
+        const kx::sync::MutexLock lock(kx::gdi::pixelLock);
         window->shape.reset();
         if (region) window->shape = region->pixels;
         kx::window::Desktop::Instance().Shape(hWnd, region ? &*window->shape : nullptr);

@@ -54,7 +54,7 @@ public:
     std::atomic<BYTE> opacity{255};
     std::atomic<std::intptr_t> userData{0};
 
-    // Guarded by the lock of the desktop's pixels (screen/Screen.h).
+    // Guarded by gdi::pixelLock.
     std::shared_ptr<screen::Backing> backing; // null until something is drawn
     std::optional<gdi::PixelRegion> shape;    // what of it there is to see; nothing: all
     bool appeared = false;                    // it has been painted since it was shown

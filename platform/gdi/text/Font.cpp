@@ -39,5 +39,5 @@ HFONT CreateFontIndirectA(const LOGFONTA* pFont)
 try {
     return pFont ? static_cast<HFONT>(kx::gdi::Add(std::make_shared<kx::gdi::Font>(*pFont))) : nullptr;
 } catch (const std::bad_alloc&) {
-    return nullptr;
+    return kx::gdi::NoMemory();
 }

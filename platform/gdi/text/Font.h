@@ -16,7 +16,7 @@ public:
     // A LOGFONTA.
     int Describe(int nSize, void* pBuffer) const override { return DescribeAs(m_log, nSize, pBuffer); }
 
-    // The typeface, looked for at the first use; under the text lock (TextLock.h).
+    // The typeface, looked for at the first use; under the text lock.
     FontFace& Face();
     bool Underline() const noexcept { return m_log.lfUnderline != 0; }
     bool StrikeOut() const noexcept { return m_log.lfStrikeOut != 0; }

@@ -40,7 +40,7 @@ int Round26(FT_Pos value)
     return static_cast<int>((value + 32) >> 6);
 }
 
-// Of a coverage of 0 to 255.
+// The weight for a coverage of 0 to 255.
 std::int16_t WeightOf(unsigned char coverage)
 {
     return static_cast<std::int16_t>(coverage * (Glyph::WHOLE - 1) / 255);

@@ -2,6 +2,7 @@
 
 #include "include/platform/Gdi.h"
 #include "platform/gdi/text/FontFiles.h"
+#include "platform/sync/Mutex.h"
 
 #include <array>
 #include <cstddef>
@@ -11,6 +12,9 @@
 #include <vector>
 
 namespace kx::gdi {
+
+// Held while text is measured or drawn: FreeType's faces and the glyph caches belong to one thread at a time.
+inline constinit sync::Mutex textLock;
 
 // One letter at one size: how far it moves on, and how much of each pixel it covers, placed from the pen's
 // position on the base line. The weights lie as they are blended: a pixel's coverage once for each of its
@@ -39,7 +43,7 @@ struct FontMetrics
 };
 
 // A typeface at one size, with the letters that were used. Characters that it lacks come from whatever face
-// has them. Used under the text lock (TextLock.h).
+// has them. Used under the text lock.
 class FontFace
 {
 public:

@@ -1,6 +1,6 @@
 #include "platform/gdi/text/FontFiles.h"
 
-#include "platform/Immortal.h"
+#include "platform/sync/Mutex.h"
 
 #include <fontconfig/fontconfig.h>
 #include <ft2build.h>
@@ -22,11 +22,7 @@ FT_Library Library()
 
 // Held while a face is opened or closed, which changes the library's list of them: a face ends with its last
 // user, which may be a font that is deleted outside of the text lock. Taken after that lock where both are.
-std::mutex& LibraryLock() noexcept
-{
-    static Immortal<std::mutex> lock;
-    return lock.Get();
-}
+constinit sync::Mutex g_libraryLock;
 
 FacePtr Open(FcPattern* font)
 {
@@ -36,7 +32,7 @@ FacePtr Open(FcPattern* font)
     if (!font || FcPatternGetString(font, FC_FILE, 0, &file) != FcResultMatch) return nullptr;
     FcPatternGetInteger(font, FC_INDEX, 0, &index);
     const auto* path = reinterpret_cast<const char*>(file);
-    const std::lock_guard lock(LibraryLock());
+    const sync::MutexLock lock(g_libraryLock);
     if (!Library() || FT_New_Face(Library(), path, index, &face) != 0) return nullptr;
     return FacePtr(face);
 }
@@ -51,7 +47,7 @@ bool Has(FcPattern* font, char32_t ch)
 
 void FaceDeleter::operator()(FT_Face face) const noexcept
 {
-    const std::lock_guard lock(LibraryLock());
+    const sync::MutexLock lock(g_libraryLock);
     FT_Done_Face(face);
 }
 

@@ -8,7 +8,7 @@ typedef struct FT_FaceRec_* FT_Face;
 
 namespace kx::gdi {
 
-// What is asked of a typeface.
+// The properties by which a typeface is looked for.
 struct FaceRequest
 {
     std::string family; // UTF-8; empty: the system's default
@@ -26,7 +26,7 @@ struct FaceDeleter
 using FacePtr = std::unique_ptr<FT_FaceRec_, FaceDeleter>;
 
 // The system's scalable faces for a request, best match first, opened one at a time as they are needed. Not
-// locked: used under the text lock (TextLock.h).
+// locked: used under the text lock.
 class FontFiles
 {
 public:

@@ -39,8 +39,8 @@ void TakePrefixes(TextLine& line)
     line.text = std::move(kept);
 }
 
-// Where a line that is too long is cut: behind the last blank that fits, or else behind the last letter that
-// does.
+// The place where a line that is too long is cut: behind the last blank that fits, or else behind the last
+// letter that does.
 std::size_t FindBreak(FontFace& face, std::u32string_view text, int nRoom)
 {
     std::size_t nBlank = 0;

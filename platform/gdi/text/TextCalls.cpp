@@ -1,20 +1,164 @@
-// DrawTextA and its kin.
+// Text on device contexts. Where a text is drawn, the lock of the pixels is taken before that of the texts,
+// so that a call that measures, or draws in memory, never waits for the display.
 
+#include "platform/Cpu.h"
+#include "platform/Errno.h"
 #include "platform/gdi/DeviceContext.h"
-#include "platform/gdi/text/TextLock.h"
-#include "platform/gdi/text/TextPainter.h"
+#include "platform/gdi/text/Font.h"
+#include "platform/gdi/text/Layout.h"
 
 #include <algorithm>
+#include <array>
 #include <climits>
+#include <cstdint>
 #include <cstring>
-#include <memory>
 #include <new>
 #include <span>
 #include <vector>
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
 
 using namespace kx::gdi;
+using kx::HasAvx2;
 
 namespace {
+
+// The part of a letter that is seen.
+struct Rows
+{
+    DWORD* out;
+    std::ptrdiff_t outStride;
+    const std::int16_t* weights;
+    std::ptrdiff_t weightStride;
+    int width;
+    int height;
+    DWORD color;
+};
+
+// Moves the bytes of pixels towards the colour's by their weights, to the nearest value.
+void MixRow(DWORD* out, const std::int16_t* weights, int nPixels, DWORD color) noexcept
+{
+    std::array<std::uint8_t, sizeof(DWORD)> to;
+    std::memcpy(to.data(), &color, sizeof(color));
+    auto* bytes = reinterpret_cast<std::uint8_t*>(out);
+    for (int n = 0; n < nPixels * Glyph::CHANNELS; ++n) {
+        const int nWay = to[static_cast<std::size_t>(n % Glyph::CHANNELS)] - bytes[n];
+        bytes[n] = static_cast<std::uint8_t>(bytes[n] + ((nWay * weights[n] + Glyph::WHOLE / 2) >> 15));
+    }
+}
+
+void MixPlain(const Rows& rows) noexcept
+{
+    for (int y = 0; y < rows.height; ++y)
+        MixRow(rows.out + y * rows.outStride, rows.weights + y * rows.weightStride, rows.width, rows.color);
+}
+
+#if defined(__x86_64__)
+// The same in blocks.
+KX_AVX2 void MixAvx2(const Rows& rows) noexcept
+{
+    const __m256i color = _mm256_cvtepu8_epi16(_mm_set1_epi32(static_cast<int>(rows.color)));
+    for (int y = 0; y < rows.height; ++y) {
+        DWORD* const out = rows.out + y * rows.outStride;
+        const std::int16_t* const weights = rows.weights + y * rows.weightStride;
+        int x = 0;
+        for (; x + Glyph::BLOCK <= rows.width; x += Glyph::BLOCK) {
+            auto* const block = reinterpret_cast<__m128i*>(out + x);
+            const auto* const weight = reinterpret_cast<const __m256i*>(weights + x * Glyph::CHANNELS);
+            const __m256i from = _mm256_cvtepu8_epi16(_mm_loadu_si128(block));
+            const __m256i way =
+                _mm256_mulhrs_epi16(_mm256_sub_epi16(color, from), _mm256_loadu_si256(weight));
+            const __m256i mixed = _mm256_add_epi16(from, way);
+            _mm_storeu_si128(
+                block, _mm_packus_epi16(_mm256_castsi256_si128(mixed), _mm256_extracti128_si256(mixed, 1)));
+        }
+        MixRow(out + x, weights + x * Glyph::CHANNELS, rows.width - x, rows.color);
+    }
+}
+#else
+void MixAvx2(const Rows&) noexcept
+{
+}
+#endif
+
+// Draws lines on a context with its font and colours. Used under the text lock.
+class TextPainter
+{
+public:
+    TextPainter(const DeviceContext& context, Font& font, const Canvas& canvas);
+
+    // Draws a line whose cell begins at (x, y) in the context's coordinates, within `clip`.
+    void Draw(const TextLine& line, int x, int y, const RECT& clip);
+
+private:
+    void Cover(const Glyph& glyph, int x, int y, const RECT& clip);
+    void Blend(const Glyph& glyph, int x, int y, const RECT& part);
+    void Bar(int x, int y, int nWidth, const RECT& clip, DWORD pixel, int nHeight);
+
+    const DeviceContext& m_context;
+    Font& m_font;
+    FontFace& m_face;
+    const Canvas& m_canvas;
+    DWORD m_pixel;
+};
+
+TextPainter::TextPainter(const DeviceContext& context, Font& font, const Canvas& canvas)
+    : m_context(context),
+      m_font(font),
+      m_face(font.Face()),
+      m_canvas(canvas),
+      m_pixel(ToPixel(context.textColor))
+{
+}
+
+void TextPainter::Draw(const TextLine& line, int x, int y, const RECT& clip)
+{
+    const FontMetrics& metrics = m_face.Metrics();
+    if (m_context.backMode == OPAQUE)
+        Bar(x, y, line.width, clip, ToPixel(m_context.backColor), metrics.Height());
+    const int nBase = y + metrics.ascent;
+    int pen = x;
+    for (std::size_t n = 0; n < line.text.size() && pen < clip.right; ++n) {
+        const Glyph& glyph = m_face.Get(line.text[n]);
+        Cover(glyph, pen, nBase, clip);
+        if (static_cast<int>(n) == line.mark) Bar(pen, nBase + 1, glyph.advance, clip, m_pixel, 1);
+        pen += glyph.advance;
+    }
+    if (m_font.Underline()) Bar(x, nBase + 1, line.width, clip, m_pixel, 1);
+    if (m_font.StrikeOut()) Bar(x, nBase - metrics.ascent / 3, line.width, clip, m_pixel, 1);
+}
+
+void TextPainter::Bar(int x, int y, int nWidth, const RECT& clip, DWORD pixel, int nHeight)
+{
+    const RECT bar = Cut({x, y, x + nWidth, y + nHeight}, clip);
+    FillArea(m_canvas, bar, pixel);
+}
+
+// (x, y): the pen on the base line.
+void TextPainter::Cover(const Glyph& glyph, int x, int y, const RECT& clip)
+{
+    const RECT box{x + glyph.left, y - glyph.top, x + glyph.left + glyph.width, y - glyph.top + glyph.rows};
+    ForEachPart(m_canvas.clip, Cut(box, clip),
+                [&](const RECT& part) { Blend(glyph, box.left, box.top, part); });
+}
+
+void TextPainter::Blend(const Glyph& glyph, int x, int y, const RECT& part)
+{
+    int nWidth = part.right - part.left;
+    // A letter that is seen whole is drawn in blocks to its end: what the last covers behind it stays as it
+    // is.
+    if (nWidth == glyph.width && part.left + glyph.stride <= m_canvas.surface.Width()) nWidth = glyph.stride;
+    const std::ptrdiff_t nStride = std::ptrdiff_t{glyph.stride} * Glyph::CHANNELS;
+    const Rows rows{m_canvas.surface.Row(part.top) + part.left,
+                    m_canvas.surface.Stride(),
+                    glyph.weights.data() + (part.top - y) * nStride + (part.left - x) * Glyph::CHANNELS,
+                    nStride,
+                    nWidth,
+                    part.bottom - part.top,
+                    m_pixel};
+    HasAvx2() ? MixAvx2(rows) : MixPlain(rows);
+}
 
 constexpr int kFar = INT_MAX / 4; // letters never lie further out than that
 
@@ -38,15 +182,34 @@ RECT Near(const RECT& rect)
 // A context and the font in it, held for one operation.
 struct Writer
 {
-    explicit Writer(HDC hDC) : lock(textLock), context(static_cast<DeviceContext*>(FindHeldContext(hDC)))
+    explicit Writer(HDC hDC) : context(FindAs<DeviceContext>(hDC))
     {
         if (context) font = static_cast<Font*>(context->CurrentFont());
     }
     explicit operator bool() const { return font != nullptr; }
 
-    std::lock_guard<kx::sync::WordLock> lock;
-    DeviceContext* context;
+    std::shared_ptr<DeviceContext> context;
     Font* font = nullptr; // stays while it is selected
+};
+
+// A text in lines, and the height of one.
+struct Lines
+{
+    Lines(FontFace& face, std::string_view text, UINT nFormat, int nRoom) : nHeight(face.Metrics().Height())
+    {
+        if (!TakePlainLine(face, text, nFormat, m_plain)) m_broken = BreakLines(face, text, nFormat, nRoom);
+    }
+    std::span<const TextLine> All() const
+    {
+        return m_broken.empty() ? std::span(&m_plain, 1) : std::span<const TextLine>(m_broken);
+    }
+    int TotalHeight() const { return Near(std::int64_t{nHeight} * static_cast<std::int64_t>(All().size())); }
+
+    const int nHeight;
+
+private:
+    TextLine m_plain;
+    std::vector<TextLine> m_broken; // empty for a plain line
 };
 
 int StartOf(const TextLine& line, const RECT& rect, UINT nFormat)
@@ -64,65 +227,69 @@ int TopOf(const RECT& rect, int nHeight, UINT nFormat)
     return nFormat & DT_BOTTOM ? rect.bottom - nHeight : rect.top;
 }
 
-int Draw(Writer& writer, std::string_view text, RECT& rect, UINT nFormat)
+// Moves the right and bottom of a rectangle to the text's.
+int Measure(const Writer& writer, std::string_view text, RECT& rect, UINT nFormat)
 {
-    FontFace& face = writer.font->Face();
+    const kx::sync::MutexLock lock(textLock);
     const RECT room = Near(rect);
-    const int nLine = face.Metrics().Height();
-    TextLine plain;
-    std::vector<TextLine> broken;
-    std::span<const TextLine> lines(&plain, 1);
-    if (!TakePlainLine(face, text, nFormat, plain))
-        lines = broken = BreakLines(face, text, nFormat, room.right - room.left);
-    const int nHeight = Near(std::int64_t{nLine} * static_cast<std::int64_t>(lines.size()));
-    if (nFormat & DT_CALCRECT) {
-        int nWidth = 0;
-        for (const TextLine& line : lines)
-            nWidth = std::max(nWidth, line.width);
-        rect.right = Near(std::int64_t{room.left} + nWidth);
-        rect.bottom = Near(std::int64_t{room.top} + nHeight);
-        return nHeight;
-    }
+    const Lines lines(writer.font->Face(), text, nFormat, room.right - room.left);
+    int nWidth = 0;
+    for (const TextLine& line : lines.All())
+        nWidth = std::max(nWidth, line.width);
+    rect.right = Near(std::int64_t{room.left} + nWidth);
+    rect.bottom = Near(std::int64_t{room.top} + lines.TotalHeight());
+    return lines.TotalHeight();
+}
+
+int Draw(const Writer& writer, std::string_view text, const RECT& rect, UINT nFormat)
+{
+    const Canvas canvas = writer.context->Paint();
+    const kx::sync::MutexLock lock(textLock);
+    const RECT room = Near(rect);
+    const Lines lines(writer.font->Face(), text, nFormat, room.right - room.left);
     const RECT clip = nFormat & DT_NOCLIP ? RECT{-kFar, -kFar, kFar, kFar} : room;
-    TextPainter painter(*writer.context, *writer.font);
-    int y = TopOf(room, nHeight, nFormat);
-    for (const TextLine& line : lines) {
+    TextPainter painter(*writer.context, *writer.font, canvas);
+    int y = TopOf(room, lines.TotalHeight(), nFormat);
+    for (const TextLine& line : lines.All()) {
         if (y >= clip.bottom) break;
         painter.Draw(line, StartOf(line, room, nFormat), y, clip);
-        y += nLine;
+        y += lines.nHeight;
     }
-    return nHeight;
+    return lines.TotalHeight();
 }
 
 } // namespace
 
 int DrawTextA(HDC hDC, const char* pszText, int nLength, RECT* pRect, UINT nFormat)
 try {
-    Writer writer(hDC);
-    return writer && pszText && pRect ? Draw(writer, TextOf(pszText, nLength), *pRect, nFormat) : 0;
+    const Writer writer(hDC);
+    if (!writer || !pszText || !pRect) return 0;
+    const std::string_view text = TextOf(pszText, nLength);
+    return nFormat & DT_CALCRECT ? Measure(writer, text, *pRect, nFormat)
+                                 : Draw(writer, text, *pRect, nFormat);
 } catch (const std::bad_alloc&) {
-    return 0;
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }
 
 int TextOutA(HDC hDC, int x, int y, const char* pszText, int nLength)
 try {
-    Writer writer(hDC);
+    const Writer writer(hDC);
     if (!writer || !pszText) return 0;
-    RECT rect{Near(x), Near(y), kFar, kFar};
-    Draw(writer, TextOf(pszText, nLength), rect, DT_SINGLELINE | DT_NOPREFIX | DT_NOCLIP);
+    Draw(writer, TextOf(pszText, nLength), {Near(x), Near(y), kFar, kFar},
+         DT_SINGLELINE | DT_NOPREFIX | DT_NOCLIP);
     return 1;
 } catch (const std::bad_alloc&) {
-    return 0;
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }
 
 int GetTextExtentPoint32A(HDC hDC, const char* pszText, int nLength, SIZE* pSize)
 try {
-    Writer writer(hDC);
+    const Writer writer(hDC);
     if (!writer || !pszText || !pSize) return 0;
     RECT rect;
-    Draw(writer, TextOf(pszText, nLength), rect, DT_SINGLELINE | DT_NOPREFIX | DT_CALCRECT);
+    Measure(writer, TextOf(pszText, nLength), rect, DT_SINGLELINE | DT_NOPREFIX);
     *pSize = {rect.right, rect.bottom};
     return 1;
 } catch (const std::bad_alloc&) {
-    return 0;
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }

@@ -127,7 +127,7 @@ void Events::OnExpose(const xcb_expose_event_t& event)
 {
     const RECT rect = RectOf(event.x, event.y, event.width, event.height);
     const auto window = WindowTable::Instance().Find(HandleOf(event.window));
-    const std::lock_guard lock(screen::Screen::Instance().lock);
+    const sync::MutexLock lock(gdi::pixelLock);
     if (!window || !window->visible || !window->appeared || !window->backing) return;
     Access(m_session)->pixels.Put(event.window, window->backing->surface, rect);
 }

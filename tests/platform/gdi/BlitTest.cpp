@@ -46,7 +46,7 @@ bool IsIn(const Picture& picture, int x, int y)
            x < static_cast<int>(picture[0].size());
 }
 
-// What a copy makes of a picture: pixel by pixel, from what the source was before. `clip` tells where to
+// The result of a copy on a picture: pixel by pixel, from what the source was before. `clip` tells where to
 // paint, `key` is left out unless it is 0.
 template <class Clip>
 Picture Copied(const Picture& to, Picture from, const Copy& copy, char key, Clip&& clip)

@@ -24,7 +24,7 @@ public:
         SIZE size{};
         return GetIconSize(m_handle, &size) ? std::pair<int, int>(size.cx, size.cy) : std::pair(0, 0);
     }
-    // What it looks like on green, drawn from `x`, `y` on; black is a dot.
+    // The icon drawn on green, drawn from `x`, `y` on; black is a dot.
     Picture OnGreen(int x = 0, int y = 0) const
     {
         const Paper paper(Size().first, Size().second, 'G');

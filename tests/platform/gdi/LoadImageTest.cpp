@@ -16,7 +16,7 @@ using namespace test;
 
 const Picture kPicture = {"RGB", "WKY"};
 
-// What this process has read of files so far.
+// The bytes that this process has read of files so far.
 std::uint64_t ReadCharacters()
 {
     std::string word;
@@ -48,7 +48,7 @@ TEST(LoadImage, WhatIsNoReadableImageGivesNullAtOnce)
         EXPECT_EQ(ErrorOf(dir.Win(name)), ERROR_RESOURCE_DATA_NOT_FOUND) << name;
     EXPECT_EQ(ErrorOf(dir.Win("text.bmp"), IMAGE_ICON), ERROR_RESOURCE_DATA_NOT_FOUND);
 
-    // Of a large file that is no picture, or claims more than it has, the beginning alone is read.
+    // A large file that is no picture, or claims more than it has, is refused by its beginning.
     Bmp liar = ToBmp(kPicture, 24);
     liar.height = 20 << 20; // rows of 12 bytes
     const auto readBytes = [&](const char* name, const std::string& head) {

@@ -38,8 +38,8 @@ public:
         GetObjectA(m_handle, sizeof record, &record);
         return record;
     }
-    // What GetDIBits gives from the top row on: the first colours of the palette, if any are asked for, then
-    // the rows.
+    // The result of GetDIBits from the top row on: the first colours of the palette, if any are asked for,
+    // then the rows.
     std::string Dib(WORD depth, DWORD nColors = 0) const
     {
         const BITMAP record = Record();
