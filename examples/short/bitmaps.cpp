@@ -36,5 +36,11 @@ int main()
     const bool bFilled = surface.GetDC().GetPixel(100, 8) == RGB(100, 160, 210);
     const bool bKeyed = surface.GetDC().GetPixel(1, 24) == surface.GetDC().GetPixel(199, 39);
     std::printf("filled: %d, keyed: %d\n", bFilled, bKeyed);
-    return bFilled && bKeyed ? 0 : 1;
+
+    CRgn body; // what isn't black of the picture: there a click would count
+    RECT box;
+    button.CreateBitmapRgn(body, RGB(0, 0, 0), 0);
+    body.GetRgnBox(&box);
+    const bool bHit = body.PtInRegion(10, 8) && !body.PtInRegion(1, 8) && box.left == 3;
+    return bFilled && bKeyed && bHit ? 0 : 1;
 }
