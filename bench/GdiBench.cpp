@@ -101,6 +101,25 @@ void BlitSdl(benchmark::State& state, Size size, Pattern pattern, bool bKeyed)
     if (target != (bKeyed ? Unkeyed(pixels) : pixels)) state.SkipWithError("not copied");
 }
 
+// A copy of 8 by 8 pixels under a clip of one rectangle, or of one for every second pixel of 256 by 256.
+void CopyClipped(benchmark::State& state, bool bMany)
+{
+    constexpr Size size{256, 256};
+    std::vector<RECT> chess;
+    for (int y = 0; y < size.cy; ++y)
+        for (int x = y % 2; x < size.cx; x += 2)
+            chess.push_back({x, y, x + 1, y + 1});
+    const Ours to(size);
+    const Ours from({8, 8}, Pixels(64, 0xFFFFFF));
+    const HRGN rgn = bMany ? CreateRectsRgn(chess.data(), static_cast<int>(chess.size()))
+                           : CreateRectRgn(0, 0, size.cx, size.cy);
+    SelectClipRgn(to, rgn);
+    DeleteObject(rgn);
+    for (auto _ : state)
+        BitBlt(to, 124, 124, 8, 8, from, 0, 0, SRCCOPY);
+    if (GetPixel(to, 128, 128) != 0xFFFFFF) state.SkipWithError("not copied");
+}
+
 // ---- Copies with a colour key
 
 void KeyedOurs(benchmark::State& state, Size size, Pattern pattern)
@@ -201,6 +220,8 @@ const int registered = [] {
             Register(name + at + "/sdl2", BlitSdl, size, pattern, true);
         }
     }
+    Register("clip_32768/ours", CopyClipped, true);
+    Register("clip_32768/1_rectangle", CopyClipped, false);
     for (const std::string shape : {"disc", "checkerboard", "noise"}) {
         Register("region_" + shape + "/ours", RegionOurs, shape);
         Register("region_" + shape + "/cairo", RegionCairo, shape);
