@@ -6,6 +6,14 @@
 #include "include/platform/MessageBox.h"
 #include "tests/platform/window/X11Support.h"
 #include "tests/support/Host.h"
+#include "tests/support/Picture.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <future>
+#include <unistd.h>
 
 namespace {
 
@@ -32,6 +40,56 @@ protected:
         return false;
     }
 };
+
+// A thread whose calls wait for the display; it is known to do so when the system has put it to sleep.
+class WaitingThread
+{
+public:
+    explicit WaitingThread(const std::function<void()>& call)
+        : m_thread([this, call] {
+              m_id = gettid();
+              call();
+          })
+    {
+        EXPECT_TRUE(Await([&] { return m_id != 0 && State() == 'S'; }));
+    }
+
+private:
+    char State() const
+    {
+        std::string text;
+        std::getline(std::ifstream("/proc/self/task/" + std::to_string(m_id) + "/stat"), text);
+        const std::size_t at = text.rfind(')');
+        return at == std::string::npos ? '?' : text[at + 2];
+    }
+
+    std::atomic<pid_t> m_id{0};
+    std::jthread m_thread;
+};
+
+// A server that answers nobody holds up the calls that need it, and no text in memory.
+TEST_F(X11SceneTest, ATextInMemoryWaitsForNoDisplay)
+{
+    const ColorWindow window(kRed, {0, 0, 100, 50});
+    ShowSeen(window, kRed, 10, 10);
+    const test::Paper paper(40, 20, 'W');
+    TextOutA(paper, 0, 0, "a", 1); // so that the font is there
+    const HDC dc = GetDC(window.handle);
+    const HDC desktop = GetDC(nullptr);
+    xcb_connection_t* const other = xcb_connect(server->Name().c_str(), nullptr);
+    xcb_grab_server(other);
+    free(xcb_get_input_focus_reply(other, xcb_get_input_focus(other), nullptr));
+    {
+        const WaitingThread look([&] { GetPixel(desktop, 1, 1); });
+        const WaitingThread write([&] { TextOutA(dc, 0, 0, "text", 4); });
+        std::future<int> text =
+            std::async(std::launch::async, [&] { return TextOutA(paper, 0, 0, "text", 4); });
+        EXPECT_EQ(text.wait_for(std::chrono::seconds(20)), std::future_status::ready);
+        xcb_disconnect(other); // lets the server go
+    }
+    ReleaseDC(nullptr, desktop);
+    ReleaseDC(window.handle, dc);
+}
 
 TEST_F(X11SceneTest, AMessageBoxWaitsForItsAnswer)
 {
