@@ -47,8 +47,8 @@ public:
         if (status != Gdiplus::Ok) return status;
         m_nPixels = std::int64_t{m_jpeg.image_width} * m_jpeg.image_height;
         if (IsAbsurd(m_nPixels, m_file.size(), kMaxPerByte)) return Gdiplus::GenericError;
-        auto surface = gdi::Surface::Make(static_cast<int>(m_jpeg.image_width),
-                                               static_cast<int>(m_jpeg.image_height));
+        auto surface =
+            gdi::Surface::Make(static_cast<int>(m_jpeg.image_width), static_cast<int>(m_jpeg.image_height));
         if (!surface) return Gdiplus::OutOfMemory;
         m_pSurface = &*surface;
         if (!Guarded([this] { ReadPixels(); })) return Failure();

@@ -42,8 +42,7 @@ TEST(Object, IsNamedByItsHandleUntilItsEndAndByNoOtherNumber)
     int local = 0;
     for (const HGDIOBJ handle :
          {HGDIOBJ{brush}, flipped, HGDIOBJ{nullptr}, HGDIOBJ{&local}, Invented(1), Invented(5),
-          Invented(UINTPTR_MAX), Invented(std::uintptr_t{1} << 32 | 0xFFFFF),
-          Invented(std::uintptr_t{1} << 32), Invented(0xFFFFFFFF)}) {
+          Invented(UINTPTR_MAX), Invented(std::uintptr_t{1} << 32 | 0xFFFFF), Invented(0xFFFFFFFF)}) {
         EXPECT_EQ(GetObjectA(handle, 0, nullptr), 0);
         EXPECT_EQ(DeleteObject(handle), 0);
         EXPECT_EQ(SelectObject(Paper(1, 1), handle), nullptr);
