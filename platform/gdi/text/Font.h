@@ -16,14 +16,14 @@ public:
     // A LOGFONTA.
     int Describe(int nSize, void* pBuffer) const override { return DescribeAs(m_log, nSize, pBuffer); }
 
-    // The typeface, looked for at the first use; under the text lock.
-    FontFace& Face();
+    // The typeface, looked for at the first use.
+    FontFace& Face() KX_REQUIRES(textLock);
     bool Underline() const noexcept { return m_log.lfUnderline != 0; }
     bool StrikeOut() const noexcept { return m_log.lfStrikeOut != 0; }
 
 private:
     LOGFONTA m_log;
-    std::shared_ptr<FontFace> m_face;
+    std::shared_ptr<FontFace> m_face KX_GUARDED_BY(textLock);
 };
 
 } // namespace kx::gdi

@@ -50,7 +50,7 @@ public:
     // The face for a request at a height as LOGFONTA::lfHeight counts it; shared by all who ask for the same,
     // and kept for a while after the last. Never null; without any face on the system it has letters of no
     // size.
-    static std::shared_ptr<FontFace> For(const FaceRequest& request, int nHeight);
+    static std::shared_ptr<FontFace> For(const FaceRequest& request, int nHeight) KX_REQUIRES(textLock);
 
     FontFace(const FaceRequest& request, int nHeight);
 

@@ -86,7 +86,7 @@ void MixAvx2(const Rows&) noexcept
 class TextPainter
 {
 public:
-    TextPainter(const DeviceContext& context, Font& font, const Canvas& canvas);
+    TextPainter(const DeviceContext& context, Font& font, const Canvas& canvas) KX_REQUIRES(textLock);
 
     // Draws a line whose cell begins at (x, y) in the context's coordinates, within `clip`.
     void Draw(const TextLine& line, int x, int y, const RECT& clip);
