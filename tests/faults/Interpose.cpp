@@ -73,6 +73,7 @@ std::vector<void*> faults::FirstFailure()
     static auto* const next = Next(&name, #name);                                                            \
     return next
 
+#pragma GCC visibility push(default) // so that libraries find them
 extern "C" {
 void* __libc_malloc(std::size_t);
 void* __libc_calloc(std::size_t, std::size_t);
@@ -201,3 +202,4 @@ int linkat(int from, const char* pszFrom, int to, const char* pszTo, int flags) 
     KX_NEXT(linkat)(from, pszFrom, to, pszTo, flags);
 }
 }
+#pragma GCC visibility pop

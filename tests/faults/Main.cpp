@@ -117,7 +117,7 @@ struct Left
     setrlimit(RLIMIT_CPU, &seconds);
     const rlimit none{0, 0};
     setrlimit(RLIMIT_CORE, &none);
-    alarm(40);
+    alarm(20);
     if (work.prepare) work.prepare(place);
     faults::Arm(plan);
     const std::string first = Try(work, place);
@@ -143,6 +143,7 @@ std::string InChild(Body&& body)
     const pid_t pid = fork();
     if (pid == 0) {
         close(ends[0]);
+        dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDERR_FILENO); // libraries tell much there
         body(ends[1]);
         _exit(0);
     }
@@ -160,7 +161,7 @@ std::string InChild(Body&& body)
 
 struct Mode
 {
-    const char* pszName;
+    std::string name;
     Plan plan;
 };
 
@@ -170,11 +171,9 @@ std::vector<Mode> Modes()
                             {"all allocations", {Call::Allocate, 1, true, ENOMEM, false}}};
     const std::pair<const char*, int> errors[] = {
         {"ENOSPC", ENOSPC}, {"EIO", EIO}, {"EDQUOT", EDQUOT}, {"EINTR", EINTR}};
-    static std::vector<std::string> names;
-    names.reserve(64);
     const auto add = [&](const char* pszCall, Call call, const char* pszError, int error, bool bAll) {
-        names.push_back(std::string(bAll ? "each " : "one ") + pszCall + " " + pszError);
-        modes.push_back({names.back().c_str(), {call, 1, bAll, error, false}});
+        modes.push_back({std::string(bAll ? "disk: each " : "disk: one ") + pszCall + " " + pszError,
+                         {call, 1, bAll, error, false}});
     };
     for (const auto& [name, error] : errors)
         for (const bool bAll : {false, true}) {
@@ -184,8 +183,8 @@ std::vector<Mode> Modes()
             add("rename", Call::Rename, name, error, bAll);
             add("open", Call::Open, name, error, bAll);
         }
-    modes.push_back({"one short write", {Call::Write, 1, false, 0, true}});
-    modes.push_back({"short writes", {Call::Write, 1, true, 0, true}});
+    modes.push_back({"disk: one short write", {Call::Write, 1, false, 0, true}});
+    modes.push_back({"disk: short writes", {Call::Write, 1, true, 0, true}});
     return modes;
 }
 
@@ -243,7 +242,7 @@ public:
     long Print(bool bFrames) const
     {
         if (m_tried == 0) return 0;
-        std::printf("%-12s %-18s %6ld tried %5ld bad\n", m_work.pszName, m_mode.pszName, m_tried, m_bad);
+        std::printf("%-12s %-24s %6ld tried %5ld bad\n", m_work.pszName, m_mode.name.c_str(), m_tried, m_bad);
         for (const auto& [what, one] : m_found) {
             std::printf("    %ld times, first %ld: %s\n", one.times, one.first, what.c_str());
             if (bFrames) std::printf("%s\n", one.frames.c_str());
@@ -360,7 +359,7 @@ int main(int nArgs, char** args)
         if (!usual) continue;
         for (const Mode& mode : Modes()) {
             const bool bApplies = mode.plan.call == Call::Allocate || work.bWritesFiles;
-            if (bApplies && std::string_view(mode.pszName).find(options.modes) != std::string::npos)
+            if (bApplies && mode.name.find(options.modes) != std::string::npos)
                 all.emplace_back(work, mode, data.Path(), *usual);
         }
     }

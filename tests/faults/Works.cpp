@@ -27,7 +27,7 @@
 #include <fstream>
 #include <iterator>
 #include <semaphore>
-#include <sys/stat.h>
+#include <unistd.h>
 
 namespace faults {
 
@@ -65,6 +65,14 @@ void UseClock(const Place&)
 
 // ---- Files
 
+bool HasLines(const std::string& text)
+{
+    std::size_t at = 0;
+    for (const char* pszLine : {"line 0 of a log", "line 1 of a log", "line 2 of a log", "line 3 of a log",
+                                "line 4 of a log", "the last"})
+        if (at = text.find(pszLine, at); at == text.npos) return false;
+    return text.ends_with('\n');
+}
 bool Log(const Place& place)
 {
     CKXLogSys* const pLog = CKXLogSys::GetSingletonPtr();
@@ -72,12 +80,17 @@ bool Log(const Place& place)
     for (int n = 0; n < 5; ++n)
         pLog->PushLogEx(CKXLogSys::LogInfo, "line %d of a log", n);
     pLog->PushLog(CKXLogSys::LogError, "the last");
+    // A stop leaves what is queued, so the lines are waited for; those that found no memory never come.
+    bool bAll = false;
+    for (int n = 0; n < 300 && !bAll; ++n) {
+        {
+            const Pause pause;
+            bAll = HasLines(ReadFile(place.Path("a.log")));
+        }
+        usleep(1'000);
+    }
     pLog->Uninitialize();
-    const Pause pause;
-    const std::string text = ReadFile(place.Path("a.log"));
-    for (const char* pszLine : {"line 0 of a log\n", "line 4 of a log\n", "the last\n"})
-        if (text.find(pszLine) == text.npos) return false;
-    return true;
+    return bAll;
 }
 bool LogIntact(const Place& place)
 {
