@@ -28,6 +28,7 @@ protected:
         test::AppDir().Write(tree.Path("nameless/Lan.ini"), "[Language]\r\nLanguage=\r\n");
         test::AppDir().MakeDir(tree.Path("bare"));
         test::AppDir().Write(tree.Path("file"), "");
+        test::AppDir().Write(tree.Path("Lan.ini"), "[Language]\r\nLanguage=the root itself\r\n");
     }
     void Init() { ASSERT_EQ(lans->Initialize(tree.Name().c_str()), 1); }
     std::vector<std::string> Ids() const
@@ -166,6 +167,9 @@ TEST_F(Language, SavedChoiceComesBackFromAnIniFile)
     lans->SetCurrentLanFromIniFile(strIni, 0); // not installed: nothing changes
     EXPECT_EQ(Current(), "alpha");
     EXPECT_EQ(CKXLanResManager::SaveLanToIniFile(dir.Win("none\\user.ini"), "alpha"), 0);
+    const Listener window(WS_VISIBLE);
+    lans->SetCurrentLanFromIniFile(dir.Win("other.ini"), 1);
+    EXPECT_THAT(window.heard, ElementsAre(".hidden:hidden"));
 }
 
 void SetRegistry(DWORD dwType, std::string_view bytes)
