@@ -14,12 +14,19 @@ namespace {
 void CopyRows(Surface& to, const Surface& from, const Fit& fit) noexcept
 {
     const RECT& area = fit.area;
-    const bool bFromBottom = &to == &from && fit.dy > 0;
+    const bool bSame = &to == &from;
+    const bool bFromBottom = bSame && fit.dy > 0;
     const int nFirst = bFromBottom ? area.bottom - 1 : area.top;
-    const int nStep = bFromBottom ? -1 : 1;
-    const std::size_t nBytes = static_cast<std::size_t>(area.right - area.left) * sizeof(DWORD);
-    for (int n = area.bottom - area.top, y = nFirst; n > 0; --n, y += nStep)
-        std::memmove(to.Row(y) + area.left, from.Row(y - fit.dy) + area.left - fit.dx, nBytes);
+    const std::ptrdiff_t nOutStep = bFromBottom ? -to.Stride() : to.Stride();
+    const std::ptrdiff_t nInStep = bFromBottom ? -from.Stride() : from.Stride();
+    DWORD* out = to.Row(nFirst) + area.left;
+    const DWORD* in = from.Row(nFirst - fit.dy) + area.left - fit.dx;
+    std::size_t nBytes = static_cast<std::size_t>(area.right - area.left) * sizeof(DWORD);
+    int nRows = area.bottom - area.top;
+    if (!bSame && area.right - area.left == nOutStep && nOutStep == nInStep) // no gap between the rows
+        nBytes *= static_cast<std::size_t>(std::exchange(nRows, 1));
+    for (; nRows > 0; --nRows, out += nOutStep, in += nInStep)
+        bSame ? std::memmove(out, in, nBytes) : std::memcpy(out, in, nBytes);
 }
 
 // Puts the parts of a copy within one surface in an order in which none overwrites what a later one reads.
