@@ -10,8 +10,9 @@
 // calls Playing with the time that it has, and draws the active frame.
 //
 // The client has called Gdiplus::GdiplusStartup. Copies share the picture with its active frame, and each
-// counts on by itself; the picture ends with the last of them. An object is used by one thread at a time, and
-// so are those that share a picture.
+// counts on by itself, at the cost of one frame a step also where they stand at different ones, as far as the
+// memory of Gdiplus::MAX_KEPT_FRAMES_PIXELS goes; the picture ends with the last of them. An object is used
+// by one thread at a time, and so are those that share a picture.
 class KX_API CKXGifRender
 {
 public:

@@ -170,7 +170,8 @@ struct GdiplusStartupOutput;
 inline constexpr std::int64_t MAX_IMAGE_PIXELS = std::int64_t{1} << 26;
 inline constexpr int MAX_IMAGE_SIDE = 32767;
 // The frames of an animation that plays over and over are kept as pictures if they have no more pixels than
-// this in all; of a longer one each frame is decoded anew.
+// this in all. Of a longer one each frame is decoded anew; so many pixels then let players that share the
+// picture go on each from its own frame, up to 64 of them.
 inline constexpr std::int64_t MAX_KEPT_FRAMES_PIXELS = std::int64_t{1} << 23;
 // The longest file or stream that is read.
 inline constexpr std::int64_t MAX_IMAGE_BYTES = std::int64_t{1} << 28;

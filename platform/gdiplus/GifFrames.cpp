@@ -1,98 +1,15 @@
-#include "platform/gdiplus/GifFrames.h"
+#include "platform/gdiplus/GifCanvas.h"
 
 #include <algorithm>
-#include <array>
-#include <cstring>
 #include <new>
-#include <span>
 #include <utility>
 
 namespace kx::gdiplus {
 
 namespace {
 
-// The part of a frame that lies on the canvas.
-struct Covered
-{
-    int left;
-    int top;
-    int right;
-    int bottom;
-
-    Covered(const GifFrame& frame, int nWidth, int nHeight) noexcept
-        : left(std::min(frame.left, nWidth)),
-          top(std::min(frame.top, nHeight)),
-          right(std::min(frame.left + frame.width, nWidth)),
-          bottom(std::min(frame.top + frame.height, nHeight))
-    {
-    }
-    Covered(const GifFrame& frame, const gdi::Surface& surface) noexcept
-        : Covered(frame, surface.Width(), surface.Height())
-    {
-    }
-    std::size_t Width() const noexcept { return static_cast<std::size_t>(right - left); }
-    std::size_t Size() const noexcept { return Width() * static_cast<std::size_t>(bottom - top); }
-};
-
-using Palette = std::array<DWORD, 256>;
-
-// Opaque pixels for the indices; black for those that the palette lacks.
-Palette ToPalette(FileBytes file, const GifFrame& frame) noexcept
-{
-    Palette pixels;
-    pixels.fill(ALPHA_BITS);
-    const std::uint8_t* color = file.data() + frame.paletteAt;
-    for (int i = 0; i < frame.colors; ++i, color += 3)
-        pixels[static_cast<std::size_t>(i)] |= DWORD{color[0]} << 16 | DWORD{color[1]} << 8 | color[2];
-    return pixels;
-}
-
-void DrawRow(const BYTE* indices, DWORD* to, std::size_t nPixels, const Palette& palette,
-             int nTransparent) noexcept
-{
-    if (nTransparent < 0) {
-        for (std::size_t x = 0; x < nPixels; ++x)
-            to[x] = palette[indices[x]];
-        return;
-    }
-    for (std::size_t x = 0; x < nPixels; ++x)
-        to[x] = indices[x] == nTransparent ? to[x] : palette[indices[x]];
-}
-
-// Interlaced rows come in four passes: every eighth from 0, every eighth from 4, every fourth from 2, every
-// other from 1. Calls `row(y)` for the first so many rows of the data, in their order.
-template <class Row>
-void ForEachRow(const GifFrame& frame, int nRows, Row&& row)
-{
-    struct Pass
-    {
-        int first;
-        int step;
-    };
-    constexpr Pass kPlain[] = {{0, 1}}, kInterlaced[] = {{0, 8}, {4, 8}, {2, 4}, {1, 2}};
-    const std::span<const Pass> passes = frame.interlaced ? std::span<const Pass>(kInterlaced) : kPlain;
-    for (const Pass& pass : passes)
-        for (int y = pass.first; y < frame.height && nRows > 0; y += pass.step, --nRows)
-            row(y);
-}
-
-std::size_t LargestFrame(const GifIndex& index) noexcept
-{
-    std::size_t nPixels = 0;
-    for (const GifFrame& frame : index.frames)
-        nPixels = std::max(nPixels, frame.Pixels());
-    return nPixels;
-}
-
-// Of the frames that will be undone.
-std::size_t LargestCovered(const GifIndex& index) noexcept
-{
-    std::size_t nPixels = 0;
-    for (const GifFrame& frame : index.frames)
-        if (frame.disposal == Disposal::Restore)
-            nPixels = std::max(nPixels, Covered(frame, index.width, index.height).Size());
-    return nPixels;
-}
+// How many players of one picture keep their places, at most.
+constexpr std::size_t kMaxWaiting = 64;
 
 void CopyPixels(const gdi::Surface& from, gdi::Surface& to) noexcept
 {
@@ -100,38 +17,78 @@ void CopyPixels(const gdi::Surface& from, gdi::Surface& to) noexcept
         std::copy_n(from.Row(y), from.Width(), to.Row(y));
 }
 
-} // namespace
-
-GifFrames::GifFrames(File file, GifIndex index)
-    : m_file(std::move(file)),
-      m_index(std::move(index)),
-      m_indices(LargestFrame(m_index)),
-      m_saved(LargestCovered(m_index))
+// A step to the next frame decodes that one alone. From the first step back on, what the frames show is kept,
+// unless that is too much: then several players of the picture, each at another frame, have a canvas each, as
+// long as these are not too much.
+class GifFrames : public Frames
 {
-}
+public:
+    // At the first frame, of which `nRows` could be decoded. Throws std::bad_alloc.
+    GifFrames(File file, GifIndex index, gdi::Surface& surface, int& nRows)
+        : m_source(std::move(file), std::move(index)),
+          m_canvas(m_source.index),
+          m_bFitsKept(std::int64_t{surface.Width()} * surface.Height() * static_cast<std::int64_t>(Count()) <=
+                      Gdiplus::MAX_KEPT_FRAMES_PIXELS)
+    {
+        nRows = m_canvas.PlayNext(m_source, surface);
+    }
+
+    unsigned Count() const noexcept override { return static_cast<unsigned>(m_source.index.frames.size()); }
+    Gdiplus::Status Select(unsigned nFrame, gdi::Surface& surface, Alpha& alpha) override;
+    std::optional<Property> FindProperty(Gdiplus::PROPID id) const override;
+    Alpha HighByte() const noexcept { return m_canvas.IsOpaque() ? Alpha::Opaque : Alpha::Straight; }
+
+private:
+    struct Kept
+    {
+        gdi::Surface surface;
+        bool bOpaque;
+    };
+    struct Player
+    {
+        GifCanvas canvas;
+        gdi::Surface surface;
+        unsigned nTurn; // when it last had one
+    };
+
+    bool IsAtLast(const GifCanvas& canvas) const noexcept
+    {
+        return canvas.Shown() + 1 == static_cast<int>(Count());
+    }
+    void Keep(const gdi::Surface& surface) noexcept;
+    void PutKept(int nFrame, gdi::Surface& surface) noexcept;
+    void TakeTurn(int nWanted, gdi::Surface& surface) noexcept;
+    void StartOver(gdi::Surface& surface) noexcept;
+    void Change(Player& player, gdi::Surface& surface) noexcept;
+    bool AddWaiting(const gdi::Surface& surface) noexcept;
+
+    GifSource m_source;
+    GifCanvas m_canvas; // of the picture's surface
+    const bool m_bFitsKept;
+    bool m_bKeeps = false;
+    std::vector<Kept> m_kept;      // the first frames, as they show
+    std::vector<Player> m_waiting; // for their turn at the picture
+    unsigned m_nTurns = 0;
+};
 
 Gdiplus::Status GifFrames::Select(unsigned nFrame, gdi::Surface& surface, Alpha& alpha)
 {
     const int nWanted = static_cast<int>(nFrame);
-    if (nWanted < m_nShown && m_kept.empty()) m_bKeeps = FitsKept(surface);
+    if (nWanted < m_canvas.Shown() && m_kept.empty()) {
+        m_bKeeps = m_bFitsKept;
+        if (m_bKeeps) m_canvas.Rewind(surface);
+    }
     const int nKept = static_cast<int>(m_kept.size());
-    if (nKept > 0 && m_nShown != std::min(nWanted, nKept - 1))
+    if (nKept > 0 && m_canvas.Shown() != std::min(nWanted, nKept - 1))
         PutKept(std::min(nWanted, nKept - 1), surface);
-    else if (nWanted < m_nShown || m_nShown < 0)
-        Restart(surface);
-    while (m_nShown < nWanted) {
-        if (m_nShown >= 0) Dispose(m_index.frames[static_cast<std::size_t>(m_nShown)], surface);
-        Show(m_index.frames[static_cast<std::size_t>(++m_nShown)], surface);
+    if (!m_bFitsKept) TakeTurn(nWanted, surface);
+    if (nWanted < m_canvas.Shown()) m_canvas.Rewind(surface);
+    while (m_canvas.Shown() < nWanted) {
+        m_canvas.PlayNext(m_source, surface);
         if (m_bKeeps) Keep(surface);
     }
-    alpha = m_bOpaque ? Alpha::Opaque : Alpha::Straight;
+    alpha = HighByte();
     return Gdiplus::Ok;
-}
-
-bool GifFrames::FitsKept(const gdi::Surface& surface) const noexcept
-{
-    const auto nPixels = std::int64_t{surface.Width()} * surface.Height();
-    return nPixels * static_cast<std::int64_t>(Count()) <= Gdiplus::MAX_KEPT_FRAMES_PIXELS;
 }
 
 // Frames are kept in their order from the first on, so the last one kept is the last one decoded: what was
@@ -141,7 +98,7 @@ void GifFrames::Keep(const gdi::Surface& surface) noexcept
     try {
         if (auto copy = gdi::Surface::Make(surface.Width(), surface.Height())) {
             CopyPixels(surface, *copy);
-            m_kept.push_back({std::move(*copy), m_bOpaque});
+            m_kept.push_back({std::move(*copy), m_canvas.IsOpaque()});
             return;
         }
     } catch (const std::bad_alloc&) { // goes on without
@@ -154,73 +111,77 @@ void GifFrames::PutKept(int nFrame, gdi::Surface& surface) noexcept
 {
     const Kept& kept = m_kept[static_cast<std::size_t>(nFrame)];
     CopyPixels(kept.surface, surface);
-    m_bOpaque = kept.bOpaque;
-    m_nShown = nFrame;
+    m_canvas.Assume(nFrame, kept.bOpaque);
 }
 
-void GifFrames::Restart(gdi::Surface& surface) noexcept
+// Gives the picture to the player that stands nearest before the frame.
+void GifFrames::TakeTurn(int nWanted, gdi::Surface& surface) noexcept
 {
-    for (int y = 0; y < surface.Height(); ++y)
-        std::memset(surface.Row(y), 0, static_cast<std::size_t>(surface.Width()) * sizeof(DWORD));
-    m_bOpaque = false;
-    m_nShown = -1;
-}
-
-void GifFrames::Show(const GifFrame& frame, gdi::Surface& surface) noexcept
-{
-    if (frame.disposal == Disposal::Restore) Save(frame, surface);
-    const Covered covered(frame, surface);
-    const Palette palette = ToPalette(*m_file, frame);
-    const int nRows = m_indices.Decode(*m_file, frame);
-    const BYTE* indices = m_indices.Bytes();
-    ForEachRow(frame, nRows, [&](int y) {
-        if (frame.top + y < covered.bottom)
-            DrawRow(indices, surface.Row(frame.top + y) + covered.left, covered.Width(), palette,
-                    frame.transparent);
-        indices += frame.width;
-    });
-    const bool bCoversAll = covered.Size() == static_cast<std::size_t>(surface.Width()) *
-                                                  static_cast<std::size_t>(surface.Height());
-    m_bOpaque = m_bOpaque || (bCoversAll && nRows == frame.height && frame.transparent < 0);
-    if (m_nShown == 0) m_nFirstRows = nRows;
-}
-
-void GifFrames::Save(const GifFrame& frame, const gdi::Surface& surface) noexcept
-{
-    const Covered covered(frame, surface);
-    DWORD* saved = m_saved.data();
-    for (int y = covered.top; y < covered.bottom; ++y, saved += covered.Width())
-        std::copy_n(surface.Row(y) + covered.left, covered.Width(), saved);
-    m_bSavedOpaque = m_bOpaque;
-}
-
-void GifFrames::Dispose(const GifFrame& frame, gdi::Surface& surface) noexcept
-{
-    if (frame.disposal == Disposal::Stay) return;
-    const bool bClear = frame.disposal == Disposal::Clear;
-    const Covered covered(frame, surface);
-    const DWORD* saved = m_saved.data();
-    for (int y = covered.top; y < covered.bottom; ++y) {
-        DWORD* const to = surface.Row(y) + covered.left;
-        if (bClear)
-            std::fill_n(to, covered.Width(), 0);
-        else
-            std::copy_n(std::exchange(saved, saved + covered.Width()), covered.Width(), to);
+    Player* pNearest = nullptr;
+    const bool bCurrent = m_canvas.Shown() <= nWanted;
+    int nNearest = bCurrent ? m_canvas.Shown() : -2;
+    for (Player& player : m_waiting) {
+        const int nShown = player.canvas.Shown();
+        if (nShown > nWanted || nShown <= nNearest) continue;
+        pNearest = &player;
+        nNearest = nShown;
     }
-    m_bOpaque = bClear ? m_bOpaque && covered.Size() == 0 : m_bSavedOpaque;
+    if (pNearest)
+        Change(*pNearest, surface);
+    else if (!bCurrent)
+        StartOver(surface);
+}
+
+// At the last frame a player needs its place no more; else there is room for another player, or the one goes
+// whose turn was longest ago.
+void GifFrames::StartOver(gdi::Surface& surface) noexcept
+{
+    if (!IsAtLast(m_canvas)) {
+        auto player = std::find_if(m_waiting.begin(), m_waiting.end(),
+                                   [this](const Player& p) { return IsAtLast(p.canvas); });
+        if (player == m_waiting.end() && AddWaiting(surface)) player = m_waiting.end() - 1;
+        if (player == m_waiting.end())
+            player = std::min_element(m_waiting.begin(), m_waiting.end(),
+                                      [](const Player& a, const Player& b) { return a.nTurn < b.nTurn; });
+        if (player != m_waiting.end()) Change(*player, surface);
+    }
+    m_canvas.Rewind(surface);
+}
+
+void GifFrames::Change(Player& player, gdi::Surface& surface) noexcept
+{
+    std::swap(player.canvas, m_canvas);
+    std::swap(player.surface, surface);
+    player.nTurn = ++m_nTurns;
+}
+
+bool GifFrames::AddWaiting(const gdi::Surface& surface) noexcept
+try {
+    const std::size_t nPixels =
+        static_cast<std::size_t>(surface.Width()) * static_cast<std::size_t>(surface.Height()) +
+        m_canvas.SavedPixels();
+    if (m_waiting.size() == kMaxWaiting || (m_waiting.size() + 1) * nPixels > Gdiplus::MAX_KEPT_FRAMES_PIXELS)
+        return false;
+    auto fresh = gdi::Surface::Make(surface.Width(), surface.Height());
+    if (fresh) m_waiting.push_back({GifCanvas(m_source.index), std::move(*fresh), 0});
+    return fresh.has_value();
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 std::optional<Property> GifFrames::FindProperty(Gdiplus::PROPID id) const
 {
     if (id != Gdiplus::PropertyTagFrameDelay) return std::nullopt;
     Property property{Gdiplus::PropertyTagTypeLong, {}};
-    for (const GifFrame& frame : m_index.frames) {
+    for (const GifFrame& frame : m_source.index.frames) {
         const DWORD nDelay = frame.delay;
         const auto* const bytes = reinterpret_cast<const std::uint8_t*>(&nDelay);
         property.value.insert(property.value.end(), bytes, bytes + sizeof nDelay);
     }
     return property;
 }
+
+} // namespace
 
 Gdiplus::Status ReadGif(const File& file, std::optional<Picture>& picture)
 {
@@ -232,13 +193,12 @@ Gdiplus::Status ReadGif(const File& file, std::optional<Picture>& picture)
         return Gdiplus::GenericError;
     auto surface = gdi::Surface::Make(index->width, index->height);
     if (!surface) return Gdiplus::OutOfMemory;
-    Picture made{std::move(*surface), Alpha::Straight, Gdiplus::PixelFormat8bppIndexed, nullptr,
-                 Gdiplus::FrameDimensionTime};
-    auto frames = std::make_unique<GifFrames>(file, std::move(*index));
-    frames->Select(0, made.surface, made.alpha);
-    if (frames->FirstRows() == 0) return Gdiplus::GenericError;
-    if (frames->Count() > 1) made.frames = std::move(frames);
-    picture = std::move(made);
+    int nRows = 0;
+    auto frames = std::make_unique<GifFrames>(file, std::move(*index), *surface, nRows);
+    if (nRows == 0) return Gdiplus::GenericError;
+    picture = Picture{std::move(*surface), frames->HighByte(), Gdiplus::PixelFormat8bppIndexed, nullptr,
+                      Gdiplus::FrameDimensionTime};
+    if (frames->Count() > 1) picture->frames = std::move(frames);
     return Gdiplus::Ok;
 }
 

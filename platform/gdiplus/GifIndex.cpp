@@ -47,7 +47,7 @@ private:
         return m_at <= m_file.size() && nBytes <= m_file.size() - m_at;
     }
 
-    // False at the end, at the first frame that is cut, and at what is no block.
+    // False at the end, at a frame that is cut, and at what is no block.
     bool ReadBlock()
     {
         if (!Has(2)) return false;
@@ -67,14 +67,17 @@ private:
         frame.interlaced = (flags & 0x40) != 0;
         m_at += kDescriptor;
         ReadPalette(flags, frame);
+        if (!Has(1)) return false;
         frame.dataAt = m_at++;
-        if (!SkipSubBlocks() || !IsSound(frame)) return false;
+        const bool bWhole = SkipSubBlocks();
+        m_at = std::min(m_at, m_file.size());
+        if ((!bWhole && !m_index.frames.empty()) || !IsSound(frame)) return false;
         if (m_index.frames.size() == MAX_GIF_FRAMES) return false;
         m_index.frames.push_back(frame);
         m_next.transparent = -1;
         m_next.disposal = Disposal::Stay;
         m_next.delay = 0;
-        return true;
+        return bWhole;
     }
 
     bool IsSound(const GifFrame& frame) const noexcept

@@ -49,8 +49,8 @@ struct GifIndex
 };
 
 // The frames whose blocks are all there, up to the first that isn't, has no pixel or too many, or claims more
-// than 65,536 and more than its data can be. Passes over the blocks without decoding them. Nothing without a
-// frame.
+// than 65,536 and more than its data can be. Of a file that is cut in its first frame that one counts. Passes
+// over the blocks without decoding them. Nothing without a frame.
 std::optional<GifIndex> ReadGifIndex(FileBytes file);
 
 } // namespace kx::gdiplus

@@ -113,17 +113,68 @@ TEST_F(FramesTest, AFrameSelectedOutOfOrderShowsWhatPlayingToItShows)
     }
 }
 
+// Long GIFs, of which no frames are kept. Each frame has a pixel of its own, in a row.
+std::string LongGif(const std::string& letters)
+{
+    std::vector<GifFrame> frames;
+    for (std::size_t n = 0; n < letters.size(); ++n)
+        frames.push_back({{{letters[n]}}, static_cast<std::uint32_t>(n)});
+    return Gif(1024, 1024, frames);
+}
+
+// A mark that is left on the picture is there as long as what it is drawn from isn't decoded anew.
+TEST_F(FramesTest, PlayersThatShareAPictureGoOnEachFromItsOwnFrame)
+{
+    const Loaded shared(LongGif("RGBCMYWRGBCM"));
+    ASSERT_GT(CountOf(shared) << 20, MAX_KEPT_FRAMES_PIXELS);
+    const auto step = [&](UINT nFrame) {
+        EXPECT_EQ(GdipImageSelectActiveFrame(shared, &FrameDimensionTime, nFrame), Ok);
+        EXPECT_EQ(shared.Pixel(nFrame, 0), 0xFF000000 | PixelOf("RGBCMYWRGBCM"[nFrame]));
+        EXPECT_EQ(shared.Pixel(nFrame + 1, 0), 0u);
+        return shared.Pixel(500, 500);
+    };
+    EXPECT_EQ(step(5), 0u);
+    GdipBitmapSetPixel(shared.Bitmap(), 500, 500, 0xFF0000FF);
+    EXPECT_EQ(step(0), 0u);
+    GdipBitmapSetPixel(shared.Bitmap(), 500, 500, 0xFF00FF00);
+    for (const UINT n : {1u, 2u, 3u, 4u}) {
+        EXPECT_EQ(step(n + 5), 0xFF0000FF);
+        EXPECT_EQ(step(n), 0xFF00FF00);
+    }
+    // At the last frame a player has no more use for its place.
+    EXPECT_EQ(step(11), 0xFF0000FF);
+    EXPECT_EQ(step(0), 0u);
+    EXPECT_EQ(step(5), 0xFF00FF00);
+}
+
+TEST_F(FramesTest, OnlySoManyPlayersKeepTheirPlaces)
+{
+    const Loaded shared(LongGif(std::string(30, 'R')));
+    const auto select = [&](UINT n) { GdipImageSelectActiveFrame(shared, &FrameDimensionTime, n); };
+    const UINT nPlaces = MAX_KEPT_FRAMES_PIXELS / (1024 * 1024) + 1; // and that of the picture itself
+    for (UINT n = 0; n < 2 * nPlaces; ++n) { // each at an earlier frame than those before
+        select(25 - n);
+        GdipBitmapSetPixel(shared.Bitmap(), 500, 500, 0xFF000000 + n);
+    }
+    UINT nMarked = 0;
+    for (UINT n = 2 * nPlaces; n-- > 0;) {
+        select(25 - n);
+        nMarked += shared.Pixel(500, 500) == 0xFF000000 + n;
+    }
+    EXPECT_EQ(nMarked, nPlaces);
+}
+
 TEST_F(FramesTest, FramesThatAreCutOffDontCount)
 {
     const std::string one = Gif(2, 2, {{{"RG", "BY"}}}), two = Gif(2, 2, {{{"RG", "BY"}}, {{"WW", "WW"}}});
     const std::size_t nSecond = one.size() - 1;
     for (std::size_t size = 0; size < two.size(); ++size) {
         const Loaded cut(two.substr(0, size));
-        const bool bAny = size >= nSecond;
+        const bool bAny = size >= nSecond - 4; // the codes of a row are there
         EXPECT_EQ(cut.status, bAny ? Ok : size < 6 ? UnknownImageFormat : GenericError) << size;
         if (!bAny) continue;
         EXPECT_EQ(CountOf(cut), size == two.size() - 1 ? 2u : 1u) << size;
-        EXPECT_EQ(cut.Letters(), (Picture{"RG", "BY"}));
+        EXPECT_EQ(cut.Letters(), size < nSecond - 1 ? (Picture{"RG", "  "}) : (Picture{"RG", "BY"})) << size;
     }
     // Blocks that are all there but hold too little: the rest stays.
     std::string shorter = two;
