@@ -10,6 +10,8 @@
 #include "platform/File.h"
 #include "platform/Module.h"
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <utility>
 
@@ -28,6 +30,14 @@ constexpr Gdiplus::ColorMatrix matrixGray{{{0.3F, 0.3F, 0.3F, 0, 0},
 CSize SizeOf(const Gdiplus::Image& image)
 {
     return {static_cast<int>(image.GetWidth()), static_cast<int>(image.GetHeight())};
+}
+
+// Whether the first bytes of a file are those of a picture.
+bool IsPicture(const BYTE* pHead, std::size_t nBytes)
+{
+    const auto memory = MemoryStream::CopyOf(pHead, nBytes);
+    return !memory.pStream ||
+           Gdiplus::Image(memory.pStream.get()).GetLastStatus() != Gdiplus::UnknownImageFormat;
 }
 
 } // namespace
@@ -70,10 +80,14 @@ int CKXGdiplusImage::Load(const char* pszPath)
     return Guard([&] {
         CFile file;
         if (!file.Open(pszPath, CFile::modeRead | CFile::shareDenyNone)) return 0;
+        std::array<BYTE, 16> head;
+        const std::size_t nHead = file.Read(head.data(), head.size());
+        if (!IsPicture(head.data(), nHead)) return Load(head.data(), nHead); // there is no need of the rest
         const std::uint64_t nLength = file.GetLength();
-        if (nLength > Gdiplus::MAX_IMAGE_BYTES) return 0;
+        if (nLength > Gdiplus::MAX_IMAGE_BYTES || nLength < nHead) return 0;
         const auto pData = std::make_unique_for_overwrite<BYTE[]>(nLength);
-        const std::size_t nRead = file.Read(pData.get(), nLength);
+        std::copy_n(head.data(), nHead, pData.get());
+        const std::size_t nRead = nHead + file.Read(pData.get() + nHead, nLength - nHead);
         file.Close();
         return Load(pData.get(), nRead);
     });

@@ -40,11 +40,16 @@ namespace DllExports {
 
 // Pictures are BMP, PNG, JPEG, GIF, TIFF (BigTIFF too) and ICO (its largest image), told by their first
 // bytes. FileNotFound or AccessDenied for what can't be opened, UnknownImageFormat, OutOfMemory for one
-// beyond the limits, GenericError for a broken picture: also one that is cut off, a JPEG that lacks pixels
-// before its end or, if progressive, the end mark, a GIF without a whole first frame, and one that claims
-// more pixels than its bytes can tell. A JPEG's orientation is not applied, nor are colour profiles and
-// gammas. The file may be replaced as soon as the call returns; a stream is read from its beginning, and a
-// reference to it is held until the image ends.
+// beyond the limits, GenericError for a broken picture, and one that claims more pixels than its bytes can
+// tell. What is no picture by its first bytes isn't read further.
+//
+// A BMP, PNG, JPEG or GIF that is cut off is read as far as it goes, if a row of it is there: the rows that
+// lack are transparent, in a JPEG grey, in a progressive one blurred. Without a row it is broken, as is a
+// TIFF or ICO that is cut, and a compressed BMP.
+//
+// A JPEG's orientation is not applied, nor are colour profiles and gammas. The file may be replaced as soon
+// as the call returns; a stream is read from its beginning, and a reference to it is held until the image
+// ends.
 KX_API GpStatus GdipLoadImageFromFile(const WCHAR* pszPath, GpImage** ppImage);
 KX_API GpStatus GdipLoadImageFromStream(IStream* pStream, GpImage** ppImage);
 KX_API GpStatus GdipLoadImageFromStreamICM(IStream* pStream, GpImage** ppImage);
@@ -82,11 +87,12 @@ KX_API GpStatus GdipGetImageThumbnail(GpImage* pImage, UINT nWidth, UINT nHeight
 KX_API GpStatus GdipImageGetFrameDimensionsCount(GpImage* pImage, UINT* pnCount);
 // `nCount` as GdipImageGetFrameDimensionsCount gave it.
 KX_API GpStatus GdipImageGetFrameDimensionsList(GpImage* pImage, GUID* pDimensions, UINT nCount);
-// Only frames that can be read count: a file cut off in a frame has those before it. A GIF has 65,536 at
-// most.
+// Only frames that can be read count: a file cut off in a frame has those before it, or this one if it is the
+// first. A GIF has 65,536 at most.
 KX_API GpStatus GdipImageGetFrameCount(GpImage* pImage, const GUID* pDimension, UINT* pnCount);
 // The frame becomes the picture: for a GIF what playing from the first to it shows. A step to the next frame
-// decodes it alone, a step back all from the first on, unless they are kept (MAX_KEPT_FRAMES_PIXELS).
+// decodes it alone, also for several players of the picture in turns; a step back decodes all from the first
+// on, unless they are kept (MAX_KEPT_FRAMES_PIXELS).
 // InvalidParameter for no such dimension or frame, GenericError for a broken page; the frame then stays.
 KX_API GpStatus GdipImageSelectActiveFrame(GpImage* pImage, const GUID* pDimension, UINT nFrame);
 // The size of a property with its record, and both in one block: `value` points behind the record. Sizes must

@@ -32,8 +32,9 @@ void Expand(const std::uint8_t* from, std::span<DWORD> row) noexcept
 class Decoder
 {
 public:
-    Decoder(FileBytes file, int nMaxSide) noexcept
+    Decoder(FileBytes file, int nMaxSide, bool* pbCut) noexcept
         : m_rest(file),
+          m_pbCut(pbCut),
           m_png(png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, OnPngError, OnPngWarning)),
           m_info(m_png ? png_create_info_struct(m_png) : nullptr),
           m_nMaxSide(static_cast<png_uint_32>(nMaxSide))
@@ -48,7 +49,10 @@ public:
         if (!m_info || !Guarded(&Decoder::ReadHeader)) return std::nullopt;
         m_surface = Surface::Make(static_cast<int>(png_get_image_width(m_png, m_info)),
                                   static_cast<int>(png_get_image_height(m_png, m_info)));
-        if (!m_surface || !Guarded(&Decoder::ReadPixels)) return std::nullopt;
+        if (!m_surface) return std::nullopt;
+        const bool bRead = Guarded(&Decoder::ReadPixels);
+        if (!bRead && !(m_pbCut && m_bEnded && m_nRows > 0)) return std::nullopt;
+        if (m_pbCut) *m_pbCut = !m_bAllPixels;
         return std::move(m_surface);
     }
 
@@ -64,10 +68,21 @@ private:
 
     static void Read(png_structp png, png_bytep target, png_size_t size)
     {
-        FileBytes& rest = Of(png).m_rest;
-        if (size > rest.size()) png_error(png, "cut");
+        Decoder& self = Of(png);
+        FileBytes& rest = self.m_rest;
+        self.m_bEnded = size > rest.size();
+        if (self.m_bEnded) png_error(png, "cut");
         std::memcpy(target, rest.data(), size);
         rest = rest.subspan(size);
+        if (self.m_pbCut && size == 8) ShortenIfCut(target, rest.size());
+    }
+
+    // A chunk of pixels that goes past the end of the file is made as long as what is there of it.
+    static void ShortenIfCut(std::uint8_t* chunk, std::size_t nThere) noexcept
+    {
+        if (std::memcmp(chunk + 4, "IDAT", 4) != 0 || BigEndian({chunk, 4}, 0) <= nThere) return;
+        for (int i = 0; i < 4; ++i)
+            chunk[i] = static_cast<std::uint8_t>(nThere >> 8 * (3 - i));
     }
 
     void ReadHeader()
@@ -111,20 +126,27 @@ private:
     void ReadPixels()
     {
         for (int pass = 0; pass < m_nPasses; ++pass)
-            for (int y = 0; y < m_surface->Height(); ++y)
+            for (int y = 0; y < m_surface->Height(); ++y) {
                 png_read_row(m_png, m_bTriplets ? nullptr : RowBytes(y), nullptr);
+                ++m_nRows;
+            }
+        m_bAllPixels = true;
         png_read_end(m_png, nullptr);
     }
 
     png_bytep RowBytes(int y) noexcept { return reinterpret_cast<png_bytep>(m_surface->Row(y)); }
 
     FileBytes m_rest;
+    bool* const m_pbCut;
     png_structp m_png;
     png_infop m_info;
     const png_uint_32 m_nMaxSide;
     int m_nPasses = 1;
     bool m_bTriplets = false; // rows are read as bytes red, green, blue, and by ExpandRow
     std::optional<Surface> m_surface;
+    std::int64_t m_nRows = 0; // read, those of each pass
+    bool m_bAllPixels = false;
+    bool m_bEnded = false; // the file did before what was to be read of it
 };
 
 } // namespace
@@ -140,9 +162,9 @@ std::optional<PngHeader> ParsePngHeader(FileBytes file) noexcept
     return PngHeader{BigEndian(file, 16), BigEndian(file, 20), nBits * nChannels};
 }
 
-std::optional<Surface> ReadPng(FileBytes file, int nMaxSide)
+std::optional<Surface> ReadPng(FileBytes file, int nMaxSide, bool* pbCut)
 {
-    return Decoder(file, nMaxSide).Run();
+    return Decoder(file, nMaxSide, pbCut).Run();
 }
 
 } // namespace kx::gdi

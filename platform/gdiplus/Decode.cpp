@@ -1,7 +1,9 @@
 #include "platform/gdiplus/Decode.h"
 
 #include "platform/gdi/BmpHeader.h"
+#include "platform/gdi/Png.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <string_view>
 
@@ -11,26 +13,8 @@ namespace {
 
 using namespace std::string_view_literals;
 
-struct Format
-{
-    std::string_view start;
-    Gdiplus::Status (*read)(const File& file, std::optional<Picture>& picture);
-};
-
-constexpr Format kFormats[] = {
-    {"BM"sv, ReadBmp},
-    {"\x89PNG\r\n\x1A\n"sv, ReadPng},
-    {"\xFF\xD8\xFF"sv, ReadJpeg},
-    {"GIF87a"sv, ReadGif},
-    {"GIF89a"sv, ReadGif},
-    {"II*\0"sv, ReadTiff},
-    {"MM\0*"sv, ReadTiff},
-    {"II+\0"sv, ReadTiff}, // BigTIFF
-    {"MM\0+"sv, ReadTiff},
-    {"\0\0\1\0"sv, ReadIco},
-};
-
 constexpr std::size_t kFileHeader = 14;
+constexpr std::int64_t kMaxPixelsPerByte = 4096; // of a file that is cut
 
 // What the file claims, sound or not.
 Gdiplus::Status CheckClaim(FileBytes dib) noexcept
@@ -48,24 +32,116 @@ Gdiplus::PixelFormat FormatOf(WORD nDepth, FileBytes dib) noexcept
     return bSixOfGreen ? Gdiplus::PixelFormat16bppRGB565 : FormatOfDepth(nDepth);
 }
 
+Gdiplus::Status CheckBmp(FileBytes head) noexcept
+{
+    const FileBytes dib = gdi::From(head, kFileHeader);
+    const Gdiplus::Status status = CheckClaim(dib);
+    return status == Gdiplus::Ok && !gdi::ParseBmpHeader(dib) ? Gdiplus::GenericError : status;
+}
+
+Gdiplus::Status CheckPng(FileBytes head) noexcept
+{
+    const auto header = gdi::ParsePngHeader(head);
+    return header ? CheckSize(header->nWidth, header->nHeight) : Gdiplus::GenericError;
+}
+
+// Behind the colours that all frames share comes a block.
+Gdiplus::Status CheckGif(FileBytes head) noexcept
+{
+    constexpr std::size_t kHeader = 13;
+    if (head.size() < kHeader) return Gdiplus::GenericError;
+    const std::size_t nColors = head[10] & 0x80 ? std::size_t{2} << (head[10] & 7) : 0;
+    const FileBytes block = gdi::From(head, kHeader + 3 * nColors);
+    return block.empty() || (block[0] != ',' && block[0] != '!') ? Gdiplus::GenericError : Gdiplus::Ok;
+}
+
+struct Format
+{
+    std::string_view start;
+    Gdiplus::Status (*read)(const File& file, std::optional<Picture>& picture);
+    Gdiplus::Status (*check)(FileBytes head) noexcept = nullptr;
+};
+
+constexpr Format kFormats[] = {
+    {"BM"sv, ReadBmp, CheckBmp},     {"\x89PNG\r\n\x1A\n"sv, ReadPng, CheckPng},
+    {"\xFF\xD8\xFF"sv, ReadJpeg},    {"GIF87a"sv, ReadGif, CheckGif},
+    {"GIF89a"sv, ReadGif, CheckGif}, {"II*\0"sv, ReadTiff},
+    {"MM\0*"sv, ReadTiff},           {"II+\0"sv, ReadTiff}, // BigTIFF
+    {"MM\0+"sv, ReadTiff},           {"\0\0\1\0"sv, ReadIco},
+};
+
+const Format* FormatOf(FileBytes file) noexcept
+{
+    const std::string_view bytes(reinterpret_cast<const char*>(file.data()), file.size());
+    for (const Format& format : kFormats)
+        if (bytes.starts_with(format.start)) return &format;
+    return nullptr;
+}
+
+// The bytes of a row that pixels lie in, without its padding.
+std::int64_t LeastRowBytes(const gdi::BmpHeader& header) noexcept
+{
+    return (std::int64_t{header.nWidth} * header.nDepth + 7) / 8;
+}
+
+// How many rows the file has; all of them where that isn't told by its length.
+int RowsThere(FileBytes file, const gdi::BmpHeader& header, std::size_t nPixelsAt) noexcept
+{
+    if (header.IsCompressed()) return header.nHeight;
+    const auto nRow = static_cast<std::int64_t>(header.RowBytes());
+    const auto nBytes = static_cast<std::int64_t>(gdi::From(file, nPixelsAt).size());
+    return static_cast<int>(
+        std::min<std::int64_t>(header.nHeight, (nBytes + nRow - LeastRowBytes(header)) / nRow));
+}
+
+// Of a bitmap whose last rows in the file lack: makes those transparent and the others opaque.
+void SetAlpha(gdi::Surface& surface, int nRows, bool bTopDown) noexcept
+{
+    for (int y = 0; y < surface.Height(); ++y) {
+        const bool bThere = (bTopDown ? y : surface.Height() - 1 - y) < nRows;
+        DWORD* const row = surface.Row(y);
+        std::transform(row, row + surface.Width(), row,
+                       [=](DWORD pixel) { return bThere ? pixel | ALPHA_BITS : 0; });
+    }
+}
+
 } // namespace
+
+Gdiplus::Status CheckHead(FileBytes head) noexcept
+{
+    const Format* const format = FormatOf(head);
+    if (!format) return Gdiplus::UnknownImageFormat;
+    return format->check ? format->check(head) : Gdiplus::Ok;
+}
 
 Gdiplus::Status Decode(const File& file, std::optional<Picture>& picture)
 {
-    const std::string_view bytes(reinterpret_cast<const char*>(file->data()), file->size());
-    for (const Format& format : kFormats)
-        if (bytes.starts_with(format.start)) return format.read(file, picture);
-    return Gdiplus::UnknownImageFormat;
+    const Gdiplus::Status status = CheckHead(*file);
+    return status == Gdiplus::Ok ? FormatOf(*file)->read(file, picture) : status;
 }
 
 Gdiplus::Status ReadBmp(const File& file, std::optional<Picture>& picture)
 {
     const FileBytes dib = gdi::From(*file, kFileHeader);
-    const Gdiplus::Status status = CheckClaim(dib);
-    if (status != Gdiplus::Ok) return status;
-    const auto bitmap = gdi::ReadBmp(*file);
+    const auto header = gdi::ParseBmpHeader(dib);
+    if (!header) return Gdiplus::GenericError;
+    const std::size_t nOffset = gdi::U32(*file, 10);
+    const std::size_t nPixelsAt = nOffset != 0 ? nOffset : kFileHeader + header->PixelsAt();
+    const int nRows = RowsThere(*file, *header, nPixelsAt);
+    const bool bCut = nRows < header->nHeight;
+    const std::int64_t nPixels = std::int64_t{header->nWidth} * header->nHeight;
+    if (nRows == 0 || (bCut && IsAbsurd(nPixels, file->size(), kMaxPixelsPerByte)))
+        return Gdiplus::GenericError;
+    std::vector<std::uint8_t> whole; // what lacks filled up with zeros
+    if (bCut) {
+        whole.assign(file->begin(), file->end());
+        whole.resize(nPixelsAt + header->PixelBytes());
+    }
+    const auto bitmap = gdi::ReadBmp(bCut ? FileBytes(whole) : FileBytes(*file));
     if (!bitmap) return Gdiplus::GenericError;
-    picture = Picture{std::move(bitmap->surface), Alpha::Opaque, FormatOf(bitmap->depth, dib)};
+    picture = Picture{std::move(bitmap->surface), bCut ? Alpha::Straight : Alpha::Opaque,
+                      FormatOf(bitmap->depth, dib)};
+    if (bCut) SetAlpha(picture->surface, nRows, header->bTopDown);
     return Gdiplus::Ok;
 }
 

@@ -13,22 +13,27 @@ namespace kx::gdiplus {
 using File = std::shared_ptr<const std::vector<std::uint8_t>>;
 using gdi::FileBytes;
 
+// Whether a picture may follow these first bytes of a file, of which HEAD_BYTES are as good as all:
+// UnknownImageFormat, or what a header alone can say.
+Gdiplus::Status CheckHead(FileBytes head) noexcept;
+inline constexpr std::size_t HEAD_BYTES = 1024;
+
 // Decodes a picture, told by its first bytes, into 32-bit pixels. UnknownImageFormat, GenericError,
 // OutOfMemory; throws std::bad_alloc. Bounded in time and memory by the limits and the file's length.
 Gdiplus::Status Decode(const File& file, std::optional<Picture>& picture);
 
-// The decoders of each format, for bytes that begin as it does.
+// The decoders of each format, for bytes that begin as it does. Of a file that is cut off they give what
+// there is, if that is a row at least: what lacks is transparent.
 Gdiplus::Status ReadBmp(const File& file, std::optional<Picture>& picture);
 // The largest image of an icon.
 Gdiplus::Status ReadIco(const File& file, std::optional<Picture>& picture);
 Gdiplus::Status ReadPng(const File& file, std::optional<Picture>& picture);
-// Pixels that are missing before the end of the file, or the end mark in it, make a broken picture, as does a
-// progressive one without its end mark. What is damaged in between is decoded as far as it goes.
+// What lacks is grey, and in a progressive one blurred. What is damaged is decoded as far as it goes.
 Gdiplus::Status ReadJpeg(const File& file, std::optional<Picture>& picture);
-// Frames whose blocks are all there count, up to the first that isn't. What a frame's data lack stays as it
-// was, but the first one must have a row at least.
+// Frames whose blocks are all there count, up to the first that isn't, unless that is the first of all. What
+// a frame's data lack stays as it was.
 Gdiplus::Status ReadGif(const File& file, std::optional<Picture>& picture);
-// Pages whose pixels lie within the file count, up to the first that doesn't.
+// Pages whose pixels lie within the file count, up to the first that doesn't; none is read in part.
 Gdiplus::Status ReadTiff(const File& file, std::optional<Picture>& picture);
 
 // Whether so few bytes can't be that many pixels, if each is at most so many: tiny files may otherwise claim

@@ -24,12 +24,16 @@ std::size_t Hint(IStream& stream)
     return bKnown ? static_cast<std::size_t>(std::min<std::uint64_t>(nEnd.QuadPart, kMaxBytes)) : 0;
 }
 
-// A whole file by its path. FileNotFound, AccessDenied; GenericError for what can't be read; OutOfMemory for
-// more than MAX_IMAGE_BYTES.
+// A whole file by its path, of which no more than the head is read if that is no picture's. FileNotFound,
+// AccessDenied; GenericError for what can't be read; OutOfMemory for more than MAX_IMAGE_BYTES.
 Status ReadWhole(const WCHAR* pszPath, File& file)
 {
     const auto source = kx::module::RegularFile::Open(ToCodePage(pszPath).c_str());
     if (!source) return StatusOf(GetLastError());
+    const auto head = source->Read(0, std::min<std::uint64_t>(source->Size(), HEAD_BYTES));
+    if (!head) return GenericError;
+    const Status status = CheckHead(head->All());
+    if (status != Ok) return status;
     if (source->Size() > kMaxBytes) return OutOfMemory;
     auto bytes = source->Read(0, source->Size());
     if (!bytes) return GenericError;
@@ -37,27 +41,38 @@ Status ReadWhole(const WCHAR* pszPath, File& file)
     return Ok;
 }
 
-// A stream from its beginning to where it gives no more.
+// Reads at most so many bytes more; `bMore` tells whether the stream may have others.
+Status ReadOn(IStream& stream, std::size_t nAsk, std::vector<std::uint8_t>& bytes, bool& bMore)
+{
+    const std::size_t nFilled = bytes.size();
+    bytes.resize(nFilled + nAsk);
+    ULONG nRead = 0;
+    const HRESULT hr = stream.Read(bytes.data() + nFilled, static_cast<ULONG>(nAsk), &nRead);
+    if (FAILED(hr) || nRead > nAsk) return GenericError;
+    bytes.resize(nFilled + nRead);
+    bMore = hr == S_OK && nRead > 0;
+    return bytes.size() > kMaxBytes ? OutOfMemory : Ok;
+}
+
+// A stream from its beginning to where it gives no more, in the same way.
 Status ReadWhole(IStream& stream, File& file)
 {
     const std::size_t nHint = Hint(stream);
     if (FAILED(stream.Seek({0}, STREAM_SEEK_SET, nullptr))) return GenericError;
     std::vector<std::uint8_t> bytes;
-    for (std::size_t nFilled = 0;;) {
+    bool bMore = true;
+    Status status = Ok;
+    while (bMore && status == Ok && bytes.size() < HEAD_BYTES)
+        status = ReadOn(stream, HEAD_BYTES - bytes.size(), bytes, bMore);
+    if (status == Ok) status = CheckHead(bytes);
+    while (bMore && status == Ok) {
         // One more than is expected, to be told of the end.
-        const std::size_t nAsk = nFilled <= nHint ? nHint - nFilled + 1 : std::max(kStep, nFilled / 2);
-        bytes.resize(nFilled + nAsk);
-        ULONG nRead = 0;
-        const HRESULT hr = stream.Read(bytes.data() + nFilled, static_cast<ULONG>(nAsk), &nRead);
-        if (FAILED(hr) || nRead > nAsk) return GenericError;
-        nFilled += nRead;
-        if (nFilled > kMaxBytes) return OutOfMemory;
-        if (hr == S_OK && nRead > 0) continue;
-        bytes.resize(nFilled);
-        break;
+        const std::size_t nAsk =
+            bytes.size() <= nHint ? nHint - bytes.size() + 1 : std::max(kStep, bytes.size() / 2);
+        status = ReadOn(stream, nAsk, bytes, bMore);
     }
-    file = std::make_shared<const std::vector<std::uint8_t>>(std::move(bytes));
-    return Ok;
+    if (status == Ok) file = std::make_shared<const std::vector<std::uint8_t>>(std::move(bytes));
+    return status;
 }
 
 // All pictures are bitmaps, whichever of both a call gives.

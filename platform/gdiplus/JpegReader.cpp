@@ -61,15 +61,15 @@ public:
 private:
     static JpegDecoder& Of(j_common_ptr jpeg) noexcept { return static_cast<JpegDecoder&>(*jpeg->err); }
 
-    // Warnings are silent, and end it where they tell of missing pixels.
+    // Warnings are silent. Behind the end of the data the library goes on with grey, which is no picture if
+    // there isn't a single row of blocks.
     static void OnMessage(j_common_ptr jpeg, int nLevel)
     {
         if (nLevel >= 0) return;
         JpegDecoder& self = Of(jpeg);
-        if (self.msg_code == JWRN_JPEG_EOF) self.m_bEnded = true;
-        const bool bMissing = self.msg_code == JWRN_HIT_MARKER && self.m_jpeg.unread_marker == kEndMark;
-        const bool bMoreScans = self.m_bEnded && self.m_bAbsorbing;
-        if (bMissing || bMoreScans) self.error_exit(jpeg);
+        const bool bEnded = self.msg_code == JWRN_HIT_MARKER && self.m_jpeg.unread_marker == kEndMark;
+        if (bEnded && self.m_jpeg.input_scan_number <= 1 && self.m_jpeg.input_iMCU_row == 0)
+            self.error_exit(jpeg);
     }
     // Scans cost time by the picture's size, whatever their own is.
     static void OnProgress(j_common_ptr jpeg)
@@ -91,9 +91,7 @@ private:
     {
         const bool bInk = m_jpeg.jpeg_color_space == JCS_CMYK || m_jpeg.jpeg_color_space == JCS_YCCK;
         m_jpeg.out_color_space = bInk ? JCS_CMYK : JCS_EXT_BGRX;
-        m_bAbsorbing = jpeg_has_multiple_scans(&m_jpeg) != FALSE;
         jpeg_start_decompress(&m_jpeg);
-        m_bAbsorbing = false;
         std::array<JSAMPROW, 16> rows;
         while (m_jpeg.output_scanline < m_jpeg.output_height) {
             const JDIMENSION nFirst = m_jpeg.output_scanline;
@@ -112,8 +110,6 @@ private:
     jpeg_progress_mgr m_progress{};
     gdi::Surface* m_pSurface = nullptr;
     std::int64_t m_nPixels = 0;
-    bool m_bEnded = false;     // the file had no end mark where one was looked for
-    bool m_bAbsorbing = false; // reads scans up to the end mark
 };
 
 } // namespace

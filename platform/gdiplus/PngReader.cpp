@@ -54,9 +54,10 @@ Gdiplus::Status ReadPng(const File& file, std::optional<Picture>& picture)
 
     const int nType = (*file)[25];
     const bool bAlpha = (nType & kAlpha) != 0 || HasTransparency(*file);
-    auto surface = gdi::ReadPng(*file, Gdiplus::MAX_IMAGE_SIDE);
+    bool bCut = false;
+    auto surface = gdi::ReadPng(*file, Gdiplus::MAX_IMAGE_SIDE, &bCut);
     if (!surface) return Gdiplus::GenericError;
-    picture = Picture{std::move(*surface), bAlpha ? Alpha::Straight : Alpha::Opaque,
+    picture = Picture{std::move(*surface), bAlpha || bCut ? Alpha::Straight : Alpha::Opaque,
                       FormatOf(*header, nType, bAlpha)};
     return Gdiplus::Ok;
 }

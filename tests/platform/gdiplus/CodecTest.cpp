@@ -4,9 +4,12 @@
 #include "tests/platform/gdiplus/JpegBuilder.h"
 #include "tests/platform/gdiplus/TiffBuilder.h"
 
+#include <random>
+
 namespace {
 
 using namespace test;
+using namespace std::string_view_literals;
 
 class CodecTest : public DrawingTest
 {
@@ -89,14 +92,86 @@ TEST_F(CodecTest, JpegOfAllColors)
     EXPECT_EQ(Loaded(Jpeg{.blocks = {{1}, {2}}, .extra = exif}.File()).Width(), 16u);
 }
 
-TEST_F(CodecTest, AJpegMayLackItsEndMarkButNoPixels)
+TEST_F(CodecTest, AJpegNeedsARowOfBlocks)
 {
     const std::string file = Jpeg{.blocks = {{10}, {200}, {30}, {90}}}.File();
     EXPECT_EQ(LoadStatus(file.substr(0, file.size() - 2)), Ok);
     EXPECT_EQ(LoadStatus(file.substr(0, file.size() - 4)), GenericError);
     EXPECT_EQ(LoadStatus(file.substr(0, file.size() - 4) + "\xFF\xD9"), GenericError);
     const std::string progressive = Jpeg{.blocks = {{10}, {200}}, .progressive = true}.File();
-    EXPECT_EQ(LoadStatus(progressive.substr(0, progressive.size() - 2)), GenericError); // scans may lack
+    EXPECT_EQ(LoadStatus(progressive.substr(0, progressive.size() - 2)),
+              Ok); // further scans aren't asked for
+    EXPECT_EQ(LoadStatus(progressive.substr(0, progressive.size() - 4)), GenericError);
+}
+
+// A picture of 64 rows that can't be encoded much shorter than it is.
+Row Noise()
+{
+    std::minstd_rand random(3);
+    Row pixels(64 * 64);
+    for (ARGB& pixel : pixels)
+        pixel = 0xFF000000 | static_cast<ARGB>(random());
+    return pixels;
+}
+
+// How many rows of a cut file are as they were, from the end where a file begins; those beyond are `lacking`.
+int RowsShown(const Loaded& cut, const Row& whole, ARGB lacking, bool bBottomUp = false)
+{
+    EXPECT_EQ(cut.status, Ok);
+    const Row pixels = cut.Pixels();
+    EXPECT_EQ(pixels.size(), whole.size());
+    if (pixels.size() != whole.size()) return 0;
+    int nRows = 0;
+    bool bLacks = false;
+    for (int n = 0; n < 64; ++n) {
+        const auto at = static_cast<std::ptrdiff_t>(bBottomUp ? 63 - n : n) * 64;
+        const bool bSame = std::equal(whole.begin() + at, whole.begin() + at + 64, pixels.begin() + at);
+        nRows += bSame;
+        EXPECT_FALSE(bSame && bLacks) << n;
+        bLacks = !bSame;
+        if (bLacks && n > nRows) {
+            EXPECT_EQ(Row(pixels.begin() + at, pixels.begin() + at + 64), Row(64, lacking)) << n;
+        }
+    }
+    return nRows;
+}
+
+TEST_F(CodecTest, WhatIsThereOfACutFileIsShown)
+{
+    Row noise = Noise();
+    const Sheet sheet(64, noise, PixelFormat32bppRGB);
+    const auto half = [&](std::u16string_view type) {
+        const std::string file = Saved(sheet.bitmap.Native(), type);
+        return file.substr(0, file.size() / 2);
+    };
+    const std::string bmp = half(u"bmp"), png = half(u"png"), jpeg = half(u"jpeg"), gif = half(u"gif");
+    EXPECT_EQ(RowsShown(Loaded(bmp), noise, 0, true), 31);
+    EXPECT_EQ(RowsShown(Loaded(png), noise, 0), 31);
+    const std::string wholeGif = Saved(sheet.bitmap.Native(), u"gif");
+    EXPECT_NEAR(RowsShown(Loaded(gif), Loaded(wholeGif).Pixels(), 0), 28, 4);
+    const std::string wholeJpeg = Saved(sheet.bitmap.Native(), u"jpeg");
+    EXPECT_NEAR(RowsShown(Loaded(jpeg), Loaded(wholeJpeg).Pixels(), 0xFF808080), 24, 8);
+    // A cut in the middle of the first row leaves a header.
+    for (const auto* const type : {u"bmp", u"png", u"jpeg", u"gif"}) {
+        const std::string file = Saved(sheet.bitmap.Native(), type);
+        const std::size_t nHeader = type == u"bmp"sv   ? 54
+                                    : type == u"png"sv ? 41
+                                    : type == u"gif"sv ? 791
+                                                       : 623;
+        EXPECT_EQ(LoadStatus(file.substr(0, nHeader + 30)), GenericError) << nHeader;
+    }
+    // Passes that are there are shown in their places.
+    const std::string passes = Png(2, 2, 8, 0, "\0\1\0\2\0\3\4"s, "", 1);
+    const std::size_t nEnd = passes.size() - 12 - 4 - 4; // before the checksums of the pixels
+    bool bAny = false;
+    for (std::size_t size = nEnd; size > nEnd - 9; --size) {
+        const Loaded cut(passes.substr(0, size));
+        if (cut.status != Ok) continue;
+        bAny = true;
+        EXPECT_EQ(cut.Pixel(0, 0), 0xFF010101);
+        EXPECT_THAT(cut.Pixel(1, 1), testing::AnyOf(0u, 0xFF040404)) << size;
+    }
+    EXPECT_TRUE(bAny);
 }
 
 TEST_F(CodecTest, BmpAndIco)

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <filesystem>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -105,6 +106,24 @@ TEST_F(ImageTest, FilesAreReadWholeAndMayGoAtOnce)
     const CodePage gbk(936);
     dir.Write("\xE5\x9B\xBE.png", kRed);
     EXPECT_EQ(Bitmap((Wide(dir.Win()) + u"\\\u56FE.png").c_str()).GetLastStatus(), Ok);
+}
+
+// A file is told by its head: what can't be a picture costs no more than that, however long it is.
+TEST_F(ImageTest, WhatIsNoPictureIsReadNoFurtherThanItsHead)
+{
+    const TempDir dir;
+    for (const std::string& head :
+         {"no picture"s, "BM"s + std::string(60, 'x'), "\x89PNG\r\n\x1A\n"s + "IHDR",
+          "GIF89a"s + std::string(4, 1) + std::string(20, '\0')}) {
+        dir.Write("long", head);
+        ASSERT_EQ(truncate(dir.Path("long").c_str(), MAX_IMAGE_BYTES), 0);
+        const std::u16string path = Wide(dir.Win("long"));
+        rusage before{}, after{};
+        getrusage(RUSAGE_SELF, &before);
+        EXPECT_THAT(Bitmap(path.c_str()).GetLastStatus(), testing::AnyOf(UnknownImageFormat, GenericError));
+        getrusage(RUSAGE_SELF, &after);
+        EXPECT_LT(after.ru_maxrss, before.ru_maxrss + 65'536) << head; // KiB
+    }
 }
 
 // A client's own stream, which gives its bytes in steps.
