@@ -43,9 +43,9 @@ namespace DllExports {
 // beyond the limits, GenericError for a broken picture, and one that claims more pixels than its bytes can
 // tell. What is no picture by its first bytes isn't read further.
 //
-// A BMP, PNG, JPEG or GIF that is cut off is read as far as it goes, if a row of it is there: the rows that
-// lack are transparent, in a JPEG grey, in a progressive one blurred. Without a row it is broken, as is a
-// TIFF or ICO that is cut, and a compressed BMP.
+// A picture that is cut off is read as far as it goes, if a row of it is there (a strip of a TIFF, whose
+// description comes first): the rows that lack are transparent, in a JPEG grey, in a progressive one blurred.
+// Without a row it is broken, as is an ICO or a compressed BMP that is cut.
 //
 // A JPEG's orientation is not applied, nor are colour profiles and gammas. The file may be replaced as soon
 // as the call returns; a stream is read from its beginning, and a reference to it is held until the image

@@ -18,8 +18,8 @@ inline constexpr UINT GMEM_MOVEABLE = 2; // the block lies where GlobalLock says
 inline constexpr UINT GMEM_ZEROINIT = 0x40;
 inline constexpr std::size_t MAX_BLOCK_BYTES = 0x7FFFFFFF;
 
-// A block of `nBytes`, 0 too. Null for a lack of memory or more than MAX_BLOCK_BYTES. The caller ends it with
-// GlobalFree.
+// A block of `nBytes`, 0 too. Null, with ERROR_NOT_ENOUGH_MEMORY, for a lack of memory or more than
+// MAX_BLOCK_BYTES. The caller ends it with GlobalFree.
 KX_API HGLOBAL GlobalAlloc(UINT nFlags, std::size_t nBytes);
 // The block's bytes; null for a bad handle. Each GlobalLock is undone by a GlobalUnlock.
 KX_API void* GlobalLock(HGLOBAL hBlock);

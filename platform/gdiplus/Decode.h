@@ -33,7 +33,8 @@ Gdiplus::Status ReadJpeg(const File& file, std::optional<Picture>& picture);
 // Frames whose blocks are all there count, up to the first that isn't, unless that is the first of all. What
 // a frame's data lack stays as it was.
 Gdiplus::Status ReadGif(const File& file, std::optional<Picture>& picture);
-// Pages whose pixels lie within the file count, up to the first that doesn't; none is read in part.
+// Pages whose pixels lie within the file count, up to the first that doesn't, unless that is the first of
+// all. Of a page that stands alone the strips that can be read are.
 Gdiplus::Status ReadTiff(const File& file, std::optional<Picture>& picture);
 
 // Whether so few bytes can't be that many pixels, if each is at most so many: tiny files may otherwise claim

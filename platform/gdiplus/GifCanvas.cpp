@@ -24,20 +24,25 @@ public:
             Put(at, frame.width);
             Put(at + 2, frame.height);
         }
-        m_rest = m_head;
     }
 
+    // The library reads the head in pieces, then the size of the codes, and then sizes of blocks and blocks.
     int Read(GifByteType* pBytes, int nBytes) noexcept
     {
-        int nDone = 0;
-        while (nDone < nBytes && (!m_rest.empty() || !m_data.empty())) {
-            if (m_rest.empty()) std::swap(m_rest, m_data);
-            const std::size_t n = std::min(m_rest.size(), static_cast<std::size_t>(nBytes - nDone));
-            std::memcpy(pBytes + nDone, m_rest.data(), n);
-            m_rest = m_rest.subspan(n);
-            nDone += static_cast<int>(n);
-        }
-        return nDone;
+        const bool bHead = m_nHead < m_head.size();
+        const FileBytes from = bHead ? FileBytes(m_head).subspan(m_nHead) : m_data;
+        const std::size_t nRead = std::min(from.size(), static_cast<std::size_t>(nBytes));
+        std::copy_n(from.begin(), nRead, pBytes);
+        if (bHead)
+            m_nHead += nRead;
+        else
+            m_data = m_data.subspan(nRead);
+        if (bHead || std::exchange(m_bSizeNext, !m_bSizeNext) == false) return static_cast<int>(nRead);
+        // Of a file that is cut, the last block is as long as what is there of it, and behind it is the end.
+        if (nRead == 0) *pBytes = 0;
+        *pBytes = static_cast<GifByteType>(std::min<std::size_t>(*pBytes, m_data.size()));
+        if (*pBytes == 0) m_bSizeNext = true;
+        return 1;
     }
 
 private:
@@ -50,8 +55,9 @@ private:
     }
 
     std::array<std::uint8_t, kDescriptor + 10> m_head{};
-    FileBytes m_rest; // of the head, then of the data
+    std::size_t m_nHead = 0; // how much of it was read
     FileBytes m_data;
+    bool m_bSizeNext = false; // what is read next is the size of a block
 };
 
 int ReadBytes(GifFileType* gif, GifByteType* pBytes, int nBytes)

@@ -49,9 +49,10 @@ public:
             const std::size_t nLink = m_widths.entries + nEntries * m_widths.Entry();
             const std::size_t nSize = nLink + m_widths.number;
             nWalked += nSize;
-            if (!Has(at, nSize) || nWalked > m_file.size() || !HasPixels(at + m_widths.entries, nEntries))
-                break;
-            pages.push_back(at);
+            if (!Has(at, nSize) || nWalked > m_file.size()) break;
+            const bool bWhole = HasPixels(at + m_widths.entries, nEntries);
+            if (bWhole || pages.empty()) pages.push_back(at);
+            if (!bWhole) break;
             at = Number(at + nLink, m_widths.number);
         }
         return pages;
@@ -103,8 +104,8 @@ private:
 };
 
 // Where the pages of a TIFF, classic or BigTIFF, are described: the offsets of those directories, in their
-// order, up to the first that is cut, lies over another or whose last pixels lie outside the file. Takes time
-// by the file's length alone.
+// order, up to the first that is cut, lies over another or whose last pixels lie outside the file, unless
+// that page is the first. Takes time by the file's length alone.
 std::vector<std::uint64_t> ReadTiffIndex(gdi::FileBytes file)
 {
     return file.size() < 8 ? std::vector<std::uint64_t>() : Walker(file).Run();
@@ -172,8 +173,15 @@ void ToRows(gdi::Surface& surface) noexcept
     }
 }
 
-// A page that can't be read in full is broken.
-Status ReadPage(FileBytes file, std::uint64_t at, std::optional<Picture>& picture)
+// Some strip or tile could be read, as those that come first in the file are.
+bool HasAnyPixel(const gdi::Surface& surface) noexcept
+{
+    const DWORD* const first = surface.Row(0);
+    return std::any_of(first, first + surface.Width(), [](DWORD pixel) { return pixel != 0; });
+}
+
+// A page that can't be read in full is broken, unless it may be in part.
+Status ReadPage(FileBytes file, std::uint64_t at, bool bInPart, std::optional<Picture>& picture)
 {
     TiffMemory memory{file, nullptr, 0};
     const TiffHandle tiff = OpenTiff(memory, "rmh", kMaxBlock);
@@ -189,10 +197,11 @@ Status ReadPage(FileBytes file, std::uint64_t at, std::optional<Picture>& pictur
     image.req_orientation = ORIENTATION_TOPLEFT;
     auto surface = gdi::Surface::Make(static_cast<int>(image.width), static_cast<int>(image.height));
     if (!surface) return Gdiplus::OutOfMemory;
-    if (!TIFFRGBAImageGet(&image, surface->Row(0), image.width, image.height)) return Gdiplus::GenericError;
+    const bool bWhole = TIFFRGBAImageGet(&image, surface->Row(0), image.width, image.height) != 0;
+    if (!bWhole && !(bInPart && HasAnyPixel(*surface))) return Gdiplus::GenericError;
     ToRows(*surface);
-    picture =
-        Picture{std::move(*surface), image.alpha != 0 ? Alpha::Straight : Alpha::Opaque, FormatOf(image)};
+    const bool bAlpha = image.alpha != 0 || !bWhole;
+    picture = Picture{std::move(*surface), bAlpha ? Alpha::Straight : Alpha::Opaque, FormatOf(image)};
     return Gdiplus::Ok;
 }
 
@@ -208,7 +217,7 @@ public:
     Status Select(unsigned nFrame, gdi::Surface& surface, Alpha& alpha) override
     {
         std::optional<Picture> page;
-        const Status status = ReadPage(*m_file, m_pages[nFrame], page);
+        const Status status = ReadPage(*m_file, m_pages[nFrame], false, page);
         if (status != Gdiplus::Ok) return status;
         surface = std::move(page->surface);
         alpha = page->alpha;
@@ -226,7 +235,7 @@ Status ReadTiff(const File& file, std::optional<Picture>& picture)
 {
     auto pages = ReadTiffIndex(*file);
     if (pages.empty()) return Gdiplus::GenericError;
-    const Status status = ReadPage(*file, pages.front(), picture);
+    const Status status = ReadPage(*file, pages.front(), pages.size() == 1, picture);
     if (status == Gdiplus::Ok && pages.size() > 1)
         picture->frames = std::make_unique<TiffPages>(file, std::move(pages));
     return status;

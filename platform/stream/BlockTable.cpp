@@ -1,3 +1,4 @@
+#include "include/platform/Error.h"
 #include "platform/Immortal.h"
 #include "platform/stream/Block.h"
 
@@ -60,10 +61,12 @@ std::shared_ptr<Block> FindBlock(HGLOBAL hBlock) noexcept
 using namespace kx::stream;
 
 HGLOBAL GlobalAlloc(UINT nFlags, std::size_t nBytes)
-try {
-    auto block = Block::Make(nFlags, nBytes);
-    return block ? g_blocks->Add(std::move(block)) : nullptr;
-} catch (const std::bad_alloc&) {
+{
+    try {
+        if (auto block = Block::Make(nFlags, nBytes)) return g_blocks->Add(std::move(block));
+    } catch (const std::bad_alloc&) { // told below
+    }
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return nullptr;
 }
 

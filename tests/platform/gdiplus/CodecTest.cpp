@@ -114,43 +114,38 @@ Row Noise()
     return pixels;
 }
 
-// How many rows of a cut file are as they were, from the end where a file begins; those beyond are `lacking`.
-int RowsShown(const Loaded& cut, const Row& whole, ARGB lacking, bool bBottomUp = false)
+// Rows of a cut file that are as they were, and others that lack.
+struct Rows
 {
-    EXPECT_EQ(cut.status, Ok);
+    int first;
+    int end;
+};
+void ExpectCut(const Loaded& cut, const Row& whole, Rows there, Rows lacking, ARGB lack)
+{
+    ASSERT_EQ(cut.status, Ok);
     const Row pixels = cut.Pixels();
-    EXPECT_EQ(pixels.size(), whole.size());
-    if (pixels.size() != whole.size()) return 0;
-    int nRows = 0;
-    bool bLacks = false;
-    for (int n = 0; n < 64; ++n) {
-        const auto at = static_cast<std::ptrdiff_t>(bBottomUp ? 63 - n : n) * 64;
-        const bool bSame = std::equal(whole.begin() + at, whole.begin() + at + 64, pixels.begin() + at);
-        nRows += bSame;
-        EXPECT_FALSE(bSame && bLacks) << n;
-        bLacks = !bSame;
-        if (bLacks && n > nRows) {
-            EXPECT_EQ(Row(pixels.begin() + at, pixels.begin() + at + 64), Row(64, lacking)) << n;
-        }
-    }
-    return nRows;
+    ASSERT_EQ(pixels.size(), whole.size());
+    const auto rows = [](const Row& of, int nFirst, int nEnd) {
+        return Row(of.begin() + nFirst * 64, of.begin() + nEnd * 64);
+    };
+    EXPECT_EQ(rows(pixels, there.first, there.end), rows(whole, there.first, there.end));
+    EXPECT_EQ(rows(pixels, lacking.first, lacking.end),
+              Row(static_cast<std::size_t>(lacking.end - lacking.first) * 64, lack));
 }
 
 TEST_F(CodecTest, WhatIsThereOfACutFileIsShown)
 {
     Row noise = Noise();
     const Sheet sheet(64, noise, PixelFormat32bppRGB);
+    const auto whole = [&](std::u16string_view type) { return Saved(sheet.bitmap.Native(), type); };
     const auto half = [&](std::u16string_view type) {
-        const std::string file = Saved(sheet.bitmap.Native(), type);
+        const std::string file = whole(type);
         return file.substr(0, file.size() / 2);
     };
-    const std::string bmp = half(u"bmp"), png = half(u"png"), jpeg = half(u"jpeg"), gif = half(u"gif");
-    EXPECT_EQ(RowsShown(Loaded(bmp), noise, 0, true), 31);
-    EXPECT_EQ(RowsShown(Loaded(png), noise, 0), 31);
-    const std::string wholeGif = Saved(sheet.bitmap.Native(), u"gif");
-    EXPECT_NEAR(RowsShown(Loaded(gif), Loaded(wholeGif).Pixels(), 0), 28, 4);
-    const std::string wholeJpeg = Saved(sheet.bitmap.Native(), u"jpeg");
-    EXPECT_NEAR(RowsShown(Loaded(jpeg), Loaded(wholeJpeg).Pixels(), 0xFF808080), 24, 8);
+    ExpectCut(Loaded(half(u"bmp")), noise, {33, 64}, {0, 33}, 0);
+    ExpectCut(Loaded(half(u"png")), noise, {0, 31}, {33, 64}, 0);
+    ExpectCut(Loaded(half(u"gif")), Loaded(whole(u"gif")).Pixels(), {0, 26}, {34, 64}, 0);
+    ExpectCut(Loaded(half(u"jpeg")), Loaded(whole(u"jpeg")).Pixels(), {0, 8}, {48, 64}, 0xFF808080);
     // A cut in the middle of the first row leaves a header.
     for (const auto* const type : {u"bmp", u"png", u"jpeg", u"gif"}) {
         const std::string file = Saved(sheet.bitmap.Native(), type);
@@ -160,6 +155,22 @@ TEST_F(CodecTest, WhatIsThereOfACutFileIsShown)
                                                        : 623;
         EXPECT_EQ(LoadStatus(file.substr(0, nHeader + 30)), GenericError) << nHeader;
     }
+    // A TIFF of two strips, described before them.
+    std::string tiff = "II*\0\x08\0\0\0"s + Le(9, 2);
+    const std::pair<std::uint32_t, std::uint32_t> tags[] = {{256, 1}, {257, 2}, {258, 8}, {259, 1}, {262, 1},
+                                                            {273, 0}, {277, 1}, {278, 1}, {279, 0}};
+    for (const auto& [tag, value] : tags) {
+        const bool bList = tag == 273 || tag == 279;
+        tiff += Le(tag, 2) + Le(4, 2) + Le(bList ? 2 : 1, 4) +
+                Le(tag == 273   ? 122
+                   : tag == 279 ? 130
+                                : value,
+                   4);
+    }
+    tiff += Le(0, 4) + Le(138, 4) + Le(139, 4) + Le(1, 4) + Le(1, 4) + "\x40\x50";
+    EXPECT_EQ(Loaded(tiff).Pixels(), (Row{0xFF404040, 0xFF505050}));
+    EXPECT_EQ(Loaded(tiff.substr(0, 139)).Pixels(), (Row{0xFF404040, 0}));
+    EXPECT_EQ(LoadStatus(tiff.substr(0, 138)), GenericError);
     // Passes that are there are shown in their places.
     const std::string passes = Png(2, 2, 8, 0, "\0\1\0\2\0\3\4"s, "", 1);
     const std::size_t nEnd = passes.size() - 12 - 4 - 4; // before the checksums of the pixels

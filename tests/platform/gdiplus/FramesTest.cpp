@@ -174,7 +174,7 @@ TEST_F(FramesTest, FramesThatAreCutOffDontCount)
         EXPECT_EQ(cut.status, bAny ? Ok : size < 6 ? UnknownImageFormat : GenericError) << size;
         if (!bAny) continue;
         EXPECT_EQ(CountOf(cut), size == two.size() - 1 ? 2u : 1u) << size;
-        EXPECT_EQ(cut.Letters(), size < nSecond - 1 ? (Picture{"RG", "  "}) : (Picture{"RG", "BY"})) << size;
+        EXPECT_EQ(cut.Letters(), size < nSecond - 2 ? (Picture{"RG", "  "}) : (Picture{"RG", "BY"})) << size;
     }
     // Blocks that are all there but hold too little: the rest stays.
     std::string shorter = two;

@@ -1,3 +1,4 @@
+#include "include/platform/Error.h"
 #include "include/platform/Stream.h"
 #include "tests/support/Picture.h"
 
@@ -46,7 +47,9 @@ TEST(Block, LocksAreCounted)
 TEST(Block, NoneIsMadeBeyondTheLimitAndBadHandlesAreHarmless)
 {
     const test::NoLeak noLeak;
+    SetLastError(ERROR_SUCCESS);
     EXPECT_EQ(GlobalAlloc(GMEM_FIXED, MAX_BLOCK_BYTES + 1), nullptr);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_MEMORY));
     EXPECT_EQ(GlobalAlloc(GMEM_MOVEABLE, SIZE_MAX), nullptr);
     const HGLOBAL empty = GlobalAlloc(GMEM_FIXED, 0), freed = GlobalAlloc(GMEM_MOVEABLE, 9);
     EXPECT_EQ(GlobalSize(empty), 0u);
