@@ -1,0 +1,138 @@
+#include "tests/corpora/Readers.h"
+
+#include "include/KXXmlDomDocument.h"
+#include "include/platform/Com.h"
+#include "include/platform/Error.h"
+#include "include/platform/Module.h"
+#include "include/platform/Profile.h"
+#include "include/platform/Version.h"
+
+#include <algorithm>
+#include <fstream>
+#include <string_view>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace corpora {
+
+namespace {
+
+constexpr int kMostElements = 10'000;
+constexpr std::size_t kMostKeys = 10'000;
+
+bool IsListed(const fs::path& file, const char* pszList)
+{
+    std::ifstream list(file.parent_path() / pszList);
+    for (std::string line; std::getline(list, line);)
+        if (line == file.filename()) return true;
+    return false;
+}
+
+void Walk(CKXXmlDomElement element, int& nLeft)
+{
+    if (!element.IsValid() || --nLeft < 0) return;
+    element.GetText();
+    for (const CKXXmlDomElement& child : element.GetChilds("*"))
+        Walk(child, nLeft);
+}
+
+std::string HeadOf(const fs::path& file)
+{
+    std::string head(16, '\0');
+    std::ifstream in(file, std::ios::binary);
+    in.read(head.data(), static_cast<std::streamsize>(head.size()));
+    head.resize(static_cast<std::size_t>(in.gcount()));
+    return head;
+}
+
+std::string Lower(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    return text;
+}
+
+} // namespace
+
+std::string ToPlatform(const fs::path& file)
+{
+    std::string path = "C:" + fs::absolute(file).string();
+    std::replace(path.begin(), path.end(), '/', '\\');
+    return path;
+}
+
+Outcome ReadDocument(const fs::path& file)
+{
+    CoInitialize(nullptr);
+    Outcome outcome;
+    {
+        CKXXmlDomDocument document;
+        const bool bLoaded = document.Load(ToPlatform(file).c_str());
+        int nLeft = kMostElements;
+        if (bLoaded) Walk(document.GetDocumentElement(), nLeft);
+        if (!bLoaded) outcome = {Verdict::Refused, "not well-formed, or beyond a limit"};
+        if (!bLoaded && IsListed(file, "accepted.txt")) outcome = {Verdict::Wrong, "listed as accepted"};
+        if (bLoaded && IsListed(file, "refused.txt")) outcome = {Verdict::Wrong, "listed as refused"};
+    }
+    CoUninitialize();
+    return outcome;
+}
+
+// Every key, found as the file's lines have it.
+Outcome ReadIni(const fs::path& file)
+{
+    std::ifstream in(file, std::ios::binary);
+    const std::string path = ToPlatform(file);
+    std::string section;
+    std::size_t nKeys = 0, nFound = 0;
+    for (std::string line; std::getline(in, line) && nKeys < kMostKeys;) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        const std::size_t nClose = line.find(']');
+        if (!line.empty() && line[0] == '[' && nClose != std::string::npos)
+            section = line.substr(1, nClose - 1);
+        const std::size_t nEquals = line.find('=');
+        if (nEquals == std::string::npos || line[0] == ';' || line[0] == '[') continue;
+        char value[4096];
+        SetLastError(ERROR_SUCCESS);
+        GetPrivateProfileStringA(section.c_str(), line.substr(0, nEquals).c_str(), "", value, sizeof value,
+                                 path.c_str());
+        ++nKeys;
+        nFound += GetLastError() == ERROR_SUCCESS;
+    }
+    if (nFound > 0) return {};
+    return {Verdict::Refused, nKeys == 0 ? "no key" : "none of its keys is found"};
+}
+
+Outcome ReadBinary(const fs::path& file)
+{
+    const std::string path = ToPlatform(file);
+    const DWORD nSize = GetFileVersionInfoSizeA(path.c_str(), nullptr);
+    std::vector<char> block(nSize);
+    const bool bVersion = nSize > 0 && GetFileVersionInfoA(path.c_str(), 0, nSize, block.data()) != 0;
+    const HMODULE hModule = LoadLibraryA(path.c_str());
+    if (hModule) FreeLibrary(hModule);
+    if (bVersion || hModule) return {};
+    return {Verdict::Refused, "neither a version nor resources"};
+}
+
+Outcome Read(const fs::path& file, const fs::path& saved)
+{
+    const std::string extension = Lower(file.extension().string()), head = HeadOf(file);
+    const auto isOneOf = [&](std::initializer_list<std::string_view> all) {
+        return std::find(all.begin(), all.end(), extension) != all.end();
+    };
+    if (isOneOf({".bmp", ".png", ".jpg", ".jpeg", ".gif", ".tif", ".tiff", ".ico"}))
+        return ReadPicture(file, saved);
+    if (isOneOf({".xml", ".xhtml", ".xsd", ".xsl", ".rng", ".rdf", ".svg", ".html", ".htm", ".sct"}))
+        return ReadDocument(file);
+    if (isOneOf({".ini", ".inf", ".cfg"})) return ReadIni(file);
+    if (head.starts_with("MZ") ||
+        head.starts_with("\x7F"
+                         "ELF") ||
+        head.starts_with("GVariant"))
+        return ReadBinary(file);
+    return {Verdict::Unknown};
+}
+
+} // namespace corpora

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+// What the readers of the library make of a foreign file.
+namespace corpora {
+
+enum class Verdict
+{
+    Read,
+    Refused,
+    Wrong, // other than what lies beside the file says that it must be
+    Unknown
+};
+
+struct Outcome
+{
+    Verdict verdict = Verdict::Read;
+    std::string reason = {};
+};
+
+// Picks the readers by the file's name and first bytes. Pictures are drawn into `saved`, as PNG files, unless
+// that is empty.
+//
+// What must come out is looked for beside the file: `frames/NAME-N.png` or `frames/NAME.png` is what a frame
+// must show; `expected.txt`, here or above, has lines of a file and the pictures below `expected` of which
+// one must appear; `accepted.txt` and `refused.txt` list documents.
+Outcome Read(const std::filesystem::path& file, const std::filesystem::path& saved);
+
+Outcome ReadPicture(const std::filesystem::path& file, const std::filesystem::path& saved);
+Outcome ReadDocument(const std::filesystem::path& file);
+Outcome ReadIni(const std::filesystem::path& file);
+Outcome ReadBinary(const std::filesystem::path& file);
+
+// A path as the library takes it.
+std::string ToPlatform(const std::filesystem::path& file);
+
+} // namespace corpora
