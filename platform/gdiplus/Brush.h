@@ -1,7 +1,7 @@
 #pragma once
 
 #include "include/platform/GdiPlusFlat.h"
-#include "platform/LiveHandles.h"
+#include "platform/Handles.h"
 #include "platform/gdi/PixelRegion.h"
 #include "platform/gdiplus/ColorRun.h"
 

@@ -4,9 +4,9 @@
 #include "include/platform/Error.h"
 #include "include/platform/GdiPlusFlat.h"
 #include "platform/Immortal.h"
+#include "platform/sync/Mutex.h"
 
 #include <atomic>
-#include <mutex>
 #include <string_view>
 #include <unordered_set>
 
@@ -18,23 +18,23 @@ class Starts
 public:
     std::uintptr_t Begin()
     {
-        const std::lock_guard lock(m_mutex);
+        const kx::sync::MutexLock lock(m_lock);
         m_tokens.insert(++m_nLast);
         m_nCount.store(m_tokens.size(), std::memory_order_relaxed);
         return m_nLast;
     }
     void End(std::uintptr_t nToken)
     {
-        const std::lock_guard lock(m_mutex);
+        const kx::sync::MutexLock lock(m_lock);
         m_tokens.erase(nToken);
         m_nCount.store(m_tokens.size(), std::memory_order_relaxed);
     }
     bool Any() const noexcept { return m_nCount.load(std::memory_order_relaxed) > 0; }
 
 private:
-    std::mutex m_mutex;
-    std::unordered_set<std::uintptr_t> m_tokens;
-    std::uintptr_t m_nLast = 0;
+    kx::sync::Mutex m_lock;
+    std::unordered_set<std::uintptr_t> m_tokens KX_GUARDED_BY(m_lock);
+    std::uintptr_t m_nLast KX_GUARDED_BY(m_lock) = 0;
     std::atomic<std::size_t> m_nCount{0};
 };
 

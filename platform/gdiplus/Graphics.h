@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/LiveHandles.h"
+#include "platform/Handles.h"
 #include "platform/gdi/DeviceContext.h"
 #include "platform/gdiplus/Image.h"
 

@@ -2,7 +2,7 @@
 
 #include "include/platform/GdiPlusFlat.h"
 #include "include/platform/Stream.h"
-#include "platform/LiveHandles.h"
+#include "platform/Handles.h"
 #include "platform/gdiplus/Picture.h"
 
 #include <memory>

@@ -1,6 +1,6 @@
-#include "platform/Errno.h"
+#include "include/platform/Error.h"
 #include "platform/files/Path.h"
-#include "platform/files/ReplaceFile.h"
+#include "platform/files/WholeFile.h"
 #include "platform/gdiplus/Calls.h"
 #include "platform/gdiplus/Encode.h"
 #include "platform/gdiplus/Image.h"
@@ -13,21 +13,15 @@ namespace Gdiplus::DllExports {
 
 namespace {
 
-Status StatusOfErrno(int nErrno) noexcept
-{
-    if (nErrno == 0) return Ok;
-    if (nErrno == EISDIR || nErrno == EROFS) return AccessDenied;
-    return StatusOf(kx::ErrorFromErrno(nErrno));
-}
-
-// Puts the bytes in a file's place; an old one stays until all of them are written. A link is followed; an
-// old file passes its permissions on.
-Status SaveFile(const WCHAR* pszPath, std::span<const std::uint8_t> bytes)
+// Replaces a file as a whole, or makes it.
+Status SaveFile(const WCHAR* pszPath, const Bytes& bytes)
 {
     const auto named = kx::path::Resolve(ToCodePage(pszPath).c_str());
     if (!named) return StatusOf(GetLastError());
     if (named->trailing || named->root) return AccessDenied;
-    return StatusOfErrno(kx::ReplaceFile(named->system, bytes.data(), bytes.size()));
+    const DWORD dwError = kx::ReplaceWholeFile(
+        named->system, {reinterpret_cast<const char*>(bytes.data()), bytes.size()}, 0666);
+    return dwError == ERROR_SUCCESS ? Ok : StatusOf(dwError);
 }
 
 // Encodes before anything is written, so that what can't be encoded leaves nothing behind.

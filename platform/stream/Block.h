@@ -1,7 +1,7 @@
 #pragma once
 
 #include "include/platform/Stream.h"
-#include "platform/LiveHandles.h"
+#include "platform/Handles.h"
 
 #include <atomic>
 #include <cstddef>

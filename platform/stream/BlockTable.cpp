@@ -1,8 +1,8 @@
 #include "include/platform/Error.h"
 #include "platform/Immortal.h"
 #include "platform/stream/Block.h"
+#include "platform/sync/Mutex.h"
 
-#include <mutex>
 #include <new>
 #include <unordered_map>
 
@@ -17,7 +17,7 @@ class BlockTable
 public:
     HGLOBAL Add(std::shared_ptr<Block> block)
     {
-        const std::lock_guard guard(m_lock);
+        const sync::MutexLock lock(m_lock);
         const HGLOBAL hBlock = block->IsMoveable() ? reinterpret_cast<HGLOBAL>(m_nNext) : block->Bytes();
         m_blocks[hBlock] = std::move(block);
         m_nNext += 2;
@@ -25,14 +25,14 @@ public:
     }
     std::shared_ptr<Block> Find(HGLOBAL hBlock) noexcept
     {
-        const std::lock_guard guard(m_lock);
+        const sync::MutexLock lock(m_lock);
         const auto found = m_blocks.find(hBlock);
         return found != m_blocks.end() ? found->second : nullptr;
     }
     // The address of a fixed block may be a new one's as soon as its bytes are freed: they end in here.
     bool End(HGLOBAL hBlock) noexcept
     {
-        const std::lock_guard guard(m_lock);
+        const sync::MutexLock lock(m_lock);
         const auto found = m_blocks.find(hBlock);
         if (found == m_blocks.end()) return false;
         const std::shared_ptr<Block> block = std::move(found->second);
@@ -42,9 +42,9 @@ public:
     }
 
 private:
-    std::mutex m_lock;
-    std::unordered_map<HGLOBAL, std::shared_ptr<Block>> m_blocks;
-    std::uintptr_t m_nNext = 1;
+    sync::Mutex m_lock;
+    std::unordered_map<HGLOBAL, std::shared_ptr<Block>> m_blocks KX_GUARDED_BY(m_lock);
+    std::uintptr_t m_nNext KX_GUARDED_BY(m_lock) = 1;
 };
 
 Immortal<BlockTable> g_blocks;
