@@ -1,4 +1,5 @@
 #include "bench/BenchDir.h"
+#include "internal/IniSnapshot.h"
 #include "tests/support/BmpBuilder.h"
 
 #include <KXFileSystem.h>
@@ -11,7 +12,6 @@
 #include <iterator>
 #include <platform/GdiPlus.h>
 #include <platform/Host.h>
-#include <platform/Profile.h>
 #include <platform/Stream.h>
 #include <png.h>
 #include <string>
@@ -258,7 +258,7 @@ void ReadValues(benchmark::State& state)
             if (CKXIniDataMgr::GetString(file, key.pszSection, name, "") != key.pszValue)
                 state.SkipWithError("wrong value");
     for (auto _ : state) {
-        const kx::profile::Moment moment; // as in a change
+        const kx::profile::IniSnapshot snapshot; // as in a change
         int nLeft = nReads;
         while (nLeft > 0)
             for (const Key& key : Keys())

@@ -1,6 +1,6 @@
 #include "KXCrashDumper.h"
 
-#include "platform/FixedText.h"
+#include "internal/FixedText.h"
 #include "platform/Sync.h"
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "draw/FitRect.h"
 
-#include "platform/Wrap.h"
+#include "internal/Wrap.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -2,7 +2,7 @@
 
 #include "draw/BitmapRegion.h"
 #include "draw/Tiling.h"
-#include "platform/Wrap.h"
+#include "internal/Wrap.h"
 
 #include <algorithm>
 #include <utility>
@@ -258,17 +258,13 @@ void CKXBitmap::TransparentDrawPart(CDC* pDC, const CRect& rcDst, const CRect& r
 
 int CKXBitmap::GetBits(unsigned char* pBits)
 {
-    struct
-    {
-        BITMAPINFO info;
-        RGBQUAD more[255]; // a colour table of 8 bits is written behind the header
-    } block{};
-    BITMAPINFOHEADER& header = block.info.bmiHeader;
+    BITMAPINFO info{};
+    BITMAPINFOHEADER& header = info.bmiHeader;
     header.biSize = sizeof(header);
-    GetDIBits(m_image.DC(), m_image.Bitmap(), 0, 1, nullptr, &block.info, DIB_RGB_COLORS);
+    GetDIBits(m_image.DC(), m_image.Bitmap(), 0, 1, nullptr, &info, DIB_RGB_COLORS);
     header.biHeight = -header.biHeight;
     const auto nLines = static_cast<UINT>(GetBITMAP().bmHeight);
-    return GetDIBits(m_image.DC(), m_image.Bitmap(), 0, nLines, pBits, &block.info, DIB_RGB_COLORS);
+    return GetDIBits(m_image.DC(), m_image.Bitmap(), 0, nLines, pBits, &info, DIB_RGB_COLORS);
 }
 
 void CKXBitmap::CreateBitmapRgn(CRgn& rgn, COLORREF clr, int bKeepColor)

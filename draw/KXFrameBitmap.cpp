@@ -1,7 +1,7 @@
 #include "KXFrameBitmap.h"
 
 #include "draw/Tiling.h"
-#include "platform/Wrap.h"
+#include "internal/Wrap.h"
 
 #include <algorithm>
 

@@ -7,7 +7,7 @@
 #include "draw/NoImageMessage.h"
 #include "draw/Pave.h"
 #include "draw/WideText.h"
-#include "platform/Wrap.h"
+#include "internal/Wrap.h"
 
 #include <algorithm>
 #include <cstddef>

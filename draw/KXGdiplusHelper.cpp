@@ -1,8 +1,8 @@
 #include "KXGdiplusHelper.h"
 
+#include "internal/Wrap.h"
 #include "platform/GdiObject.h"
 #include "platform/GdiPlus.h"
-#include "platform/Wrap.h"
 
 using kx::Minus;
 using kx::Plus;

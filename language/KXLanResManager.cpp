@@ -4,7 +4,7 @@
 #include "KXFileSystem.h"
 #include "KXIniDataMgr.h"
 #include "KXMessages.h"
-#include "KXWindowNotice.h"
+#include "internal/WindowNotice.h"
 #include "language/StringTable.h"
 #include "platform/Debug.h"
 #include "platform/FileSystem.h"

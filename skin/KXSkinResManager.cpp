@@ -1,9 +1,9 @@
 #include "KXSkinResManager.h"
 
 #include "KXMessages.h"
-#include "KXWindowNotice.h"
+#include "internal/IniSnapshot.h"
+#include "internal/WindowNotice.h"
 #include "platform/Debug.h"
-#include "platform/Profile.h"
 
 #include <new>
 
@@ -85,7 +85,7 @@ int CKXSkinResManager::Select(int nIndex, const CString& strName, int bNotify)
 int CKXSkinResManager::LoadSkinResources()
 {
     const CString strFile = m_strCurrentSkinPath + "Skin.ini";
-    const kx::profile::Moment moment; // all values from one state of the file
+    const kx::profile::IniSnapshot snapshot; // all values from one state of the file
     m_WndRes.LoadRes(m_strCurrentSkinPath + "Common\\Window\\", strFile);
     m_BtnRes.LoadRes(m_strCurrentSkinPath + "Common\\Button\\", strFile);
     m_IMLRes.LoadRes(m_strCurrentSkinPath + "Common\\IMList\\", strFile);

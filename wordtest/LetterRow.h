@@ -1,7 +1,7 @@
 #pragma once
 
+#include "internal/Wrap.h"
 #include "platform/Dc.h"
-#include "platform/Wrap.h"
 
 namespace kx::wordtest {
 

@@ -14,8 +14,8 @@ HBITMAP MakeStates()
     for (int n = 0; n < nStates; ++n) {
         const CRect rcState(n * cxState, 0, (n + 1) * cxState, cyState);
         const CRect rcEdge(rcState.left, 0, rcState.left + 3, cyState);
-        dc.FillSolidRect(&rcState, colors[n]);
-        dc.FillSolidRect(&rcEdge, RGB(0, 0, 0));
+        dc.FillSolidRect(rcState, colors[n]);
+        dc.FillSolidRect(rcEdge, RGB(0, 0, 0));
     }
     return static_cast<HBITMAP>(surface.GetBitmap().Detach());
 }

@@ -16,9 +16,9 @@ public:
     {
         CPaintDC dc(this);
         CRect rc;
-        GetClientRect(&rc);
-        dc.FillSolidRect(&rc, RGB(235, 240, 250));
-        dc.DrawText("hello", &rc, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
+        GetClientRect(rc);
+        dc.FillSolidRect(rc, RGB(235, 240, 250));
+        dc.DrawText("hello", rc, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
     }
     DECLARE_MESSAGE_MAP()
 };

@@ -14,7 +14,7 @@ int main()
     CKXMemoryDC surface;
     surface.Create(300, 100);
     const CRect rcAll(0, 0, 300, 100);
-    surface.GetDC().FillSolidRect(&rcAll, RGB(255, 255, 255));
+    surface.GetDC().FillSolidRect(rcAll, RGB(255, 255, 255));
     CFont font;
     font.CreatePointFont(140, "DejaVu Sans");
     CKXEnglishWord::DrawTestWord(&surface.GetDC(), strWord, strTest, CRect(10, 10, 290, 50), &font,

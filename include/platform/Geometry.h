@@ -63,6 +63,10 @@ public:
     }
     CRect(const RECT& rc) : RECT(rc) {}
 
+    // So that one is passed where a call takes a rectangle by its address.
+    operator const RECT*() const { return this; }
+    operator RECT*() { return this; }
+
     // Sides too far apart for an int wrap around.
     int Width() const { return Distance(left, right); }
     int Height() const { return Distance(top, bottom); }

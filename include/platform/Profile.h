@@ -10,8 +10,6 @@
 #include "../KXExport.h"
 #include "Types.h"
 
-#include <memory>
-
 // Copies the value, cut at a whole character to `nSize` - 1 bytes and ended, and returns its length. Without
 // a file, section or key, and for a null name: the default, cut likewise (null counts as empty), with the
 // last error set. Each call sees what other processes wrote before it; in between the file is parsed once.
@@ -33,24 +31,3 @@ KX_API DWORD GetPrivateProfileStringA(const char* pszSection, const char* pszKey
 // no key.
 KX_API int WritePrivateProfileStringA(const char* pszSection, const char* pszKey, const char* pszText,
                                       const char* pszFile);
-
-namespace kx::profile {
-
-struct KeptIni;
-
-// While one lives, the reads of its thread find the file that they read last as it was then, unless the
-// thread writes to a file: many values of one file are then of one moment, and cost one look at it. One that
-// is made while another lives adds nothing. Ends on its thread.
-class KX_API Moment
-{
-public:
-    Moment();
-    Moment(const Moment&) = delete;
-    Moment& operator=(const Moment&) = delete;
-    ~Moment();
-
-private:
-    std::unique_ptr<KeptIni> m_kept;
-};
-
-} // namespace kx::profile

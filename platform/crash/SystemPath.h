@@ -1,6 +1,6 @@
 #pragma once
 
-#include "include/platform/FixedText.h"
+#include "internal/FixedText.h"
 
 namespace kx::crash {
 

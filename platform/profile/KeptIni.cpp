@@ -8,14 +8,14 @@ KeptIni*& KeptIni::OfThread() noexcept
     return kept;
 }
 
-Moment::Moment()
+IniSnapshot::IniSnapshot()
 {
     if (KeptIni::OfThread()) return;
     m_kept = std::make_unique<KeptIni>();
     KeptIni::OfThread() = m_kept.get();
 }
 
-Moment::~Moment()
+IniSnapshot::~IniSnapshot()
 {
     if (m_kept) KeptIni::OfThread() = nullptr;
 }

@@ -1,3 +1,4 @@
+#include "internal/IniSnapshot.h"
 #include "tests/platform/profile/IniFixture.h"
 #include "tests/support/Child.h"
 
@@ -63,15 +64,15 @@ TEST(ProfileSharing, ReaderSeesWhatAnotherProcessWroteBefore)
 }
 
 // Many values of one moment: what others write in between is not seen, what the thread itself writes is.
-TEST(ProfileSharing, AMomentShowsOneStateOfAFile)
+TEST(ProfileSharing, ASnapshotShowsOneStateOfAFile)
 {
     const IniFile ini("[S]\nk=old\n"), other("[S]\nk=other\n");
     {
-        const kx::profile::Moment moment;
+        const kx::profile::IniSnapshot snapshot;
         EXPECT_EQ(ini.Get("S", "k"), "old");
         ini.Replace("[S]\nk=new, and longer\n");
         {
-            const kx::profile::Moment inner;
+            const kx::profile::IniSnapshot inner;
             EXPECT_EQ(ini.Get("S", "k"), "old");
         }
         EXPECT_EQ(ini.Get("S", "k"), "old");

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "platform/Sync.h"
-#include "platform/Window.h"
+#include "include/platform/Sync.h"
+#include "include/platform/Window.h"
 
 #include <memory>
 
-// How the library's managers tell the process's windows of a change. For the library's own use.
+// How the library's managers tell the process's windows of a change.
 namespace kx {
 
 // Calls `pfn` for each top-level window of the desktop, with `pManager` as its parameter.
