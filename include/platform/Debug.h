@@ -7,4 +7,9 @@
 // line end is added; null counts as the empty text. On the standard error stream a text is written in one
 // piece and at once. Without either a call costs a few nanoseconds. Any thread; works from static destructors
 // too.
+//
+// The library sends diagnostics there as well, a line for each quiet fallback: what was looked for, where,
+// and what was taken instead. A line begins with its family: skin, language, picture, xml, http, log,
+// gdiplus, com, window, module, service. KX_DEBUG=1 prints them all, a list of families, as in
+// KX_DEBUG=skin,language, their lines and nothing else. An observer hears them if it asked for them.
 KX_API void OutputDebugStringA(const char* pszText);

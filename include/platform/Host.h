@@ -25,8 +25,10 @@ using DebugObserver = std::function<void(std::string_view)>;
 // Calls the observer with each text sent to the debug channel from now on, on the sender's thread, so on
 // several threads at once if they send at once. The text is valid during the call. What an observer throws
 // ends there. It may send texts itself: they go to all observers but those that are being called on that
-// thread, so it never hears itself. Returns its number, never 0; an empty function is never called.
-KX_API int AddDebugObserver(DebugObserver observer);
+// thread, so it never hears itself. With `bDiagnostics` it hears diagnostics too: a line, ended by LF, for
+// each quiet fallback, which begins with its family, as in "skin: ...". Returns its number, never 0; an empty
+// function is never called.
+KX_API int AddDebugObserver(DebugObserver observer, bool bDiagnostics = false);
 // Waits for the observer's running calls and frees it: no call of it runs or begins once this has returned.
 // So don't hold what such a call waits for. From within an observer's call it doesn't wait: no further call
 // begins, and the observer is freed after its last one. An unknown number changes nothing.

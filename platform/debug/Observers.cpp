@@ -16,9 +16,13 @@ namespace {
 class Observer
 {
 public:
-    Observer(int nId, KXHost::DebugObserver call) : m_nId(nId), m_call(std::move(call)) {}
+    Observer(int nId, KXHost::DebugObserver call, bool bDiagnostics)
+        : m_nId(nId), m_bDiagnostics(bDiagnostics), m_call(std::move(call))
+    {
+    }
 
     int Id() const noexcept { return m_nId; }
+    bool WantsDiagnostics() const noexcept { return m_bDiagnostics; }
 
     void Tell(std::string_view text) noexcept
     {
@@ -46,11 +50,15 @@ private:
     static constexpr unsigned kOneCall = 2;
 
     const int m_nId;
+    const bool m_bDiagnostics;
     KXHost::DebugObserver m_call;
     std::atomic<unsigned> m_state{0};
 };
 
 using List = std::vector<std::shared_ptr<Observer>>;
+
+constinit std::atomic<bool> g_bAny{false};
+constinit std::atomic<bool> g_bAnyDiagnostics{false};
 
 struct Registry
 {
@@ -58,9 +66,17 @@ struct Registry
     std::shared_ptr<const List> list =
         std::make_shared<List>(); // never changed, only replaced; under the lock
     int nLastId = 0;              // under the lock
-};
 
-constinit std::atomic<bool> g_bAny{false};
+    // Under the lock.
+    void Replace(std::shared_ptr<const List> with) noexcept
+    {
+        list = std::move(with);
+        g_bAny.store(!list->empty(), std::memory_order_release);
+        g_bAnyDiagnostics.store(
+            std::any_of(list->begin(), list->end(), [](const auto& one) { return one->WantsDiagnostics(); }),
+            std::memory_order_release);
+    }
+};
 
 Registry& TheRegistry()
 {
@@ -85,9 +101,15 @@ bool IsCalled(const Observer& observer) noexcept
 
 } // namespace
 
-void TellObservers(std::string_view text)
+bool AnyWantsDiagnostics() noexcept
 {
-    if (!g_bAny.load(std::memory_order_acquire)) return;
+    return g_bAnyDiagnostics.load(std::memory_order_acquire);
+}
+
+void TellObservers(std::string_view text, Kind kind)
+{
+    const std::atomic<bool>& bAny = kind == Kind::Diagnostic ? g_bAnyDiagnostics : g_bAny;
+    if (!bAny.load(std::memory_order_acquire)) return;
     Registry& registry = TheRegistry();
     std::shared_ptr<const List> list;
     {
@@ -95,6 +117,7 @@ void TellObservers(std::string_view text)
         list = registry.list;
     }
     for (const auto& observer : *list) {
+        if (kind == Kind::Diagnostic && !observer->WantsDiagnostics()) continue;
         if (IsCalled(*observer)) continue;
         const Call call{observer.get(), t_calls};
         t_calls = &call;
@@ -105,17 +128,16 @@ void TellObservers(std::string_view text)
 
 } // namespace kx::debug
 
-int KXHost::AddDebugObserver(DebugObserver observer)
+int KXHost::AddDebugObserver(DebugObserver observer, bool bDiagnostics)
 {
     using namespace kx::debug;
     Registry& registry = TheRegistry();
     std::lock_guard lock(registry.lock);
     const int nId = registry.nLastId == INT32_MAX ? 1 : registry.nLastId + 1;
     auto list = std::make_shared<List>(*registry.list);
-    if (observer) list->push_back(std::make_shared<Observer>(nId, std::move(observer)));
+    if (observer) list->push_back(std::make_shared<Observer>(nId, std::move(observer), bDiagnostics));
     registry.nLastId = nId;
-    registry.list = std::move(list);
-    g_bAny.store(!registry.list->empty(), std::memory_order_release);
+    registry.Replace(std::move(list));
     return nId;
 }
 
@@ -132,8 +154,7 @@ void KXHost::RemoveDebugObserver(int nObserver)
         if (found == list->end()) return;
         removed = *found;
         list->erase(found);
-        registry.list = std::move(list);
-        g_bAny.store(!registry.list->empty(), std::memory_order_release);
+        registry.Replace(std::move(list));
     }
     removed->Remove();
     if (!t_calls) removed->Finish();

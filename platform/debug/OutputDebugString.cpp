@@ -1,26 +1,55 @@
 #include "include/platform/Debug.h"
-
+#include "include/platform/Error.h"
+#include "internal/Debug.h"
 #include "platform/Errno.h"
 #include "platform/debug/Observers.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
+#include <cstdarg>
+#include <cstdio>
 #include <cstdlib>
 #include <string_view>
 #include <unistd.h>
 
+using kx::debug::Kind;
+
 namespace {
 
-bool WantsStandardError()
+// What KX_DEBUG asked for as the library was loaded, before threads run that could change the environment.
+class Wish
 {
-    static const bool bWants = [] {
-        const char* psz = std::getenv("KX_DEBUG");
-        return psz && std::string_view(psz) == "1";
-    }();
-    return bWants;
-}
+public:
+    static const Wish& Get() noexcept
+    {
+        static const Wish wish(std::getenv("KX_DEBUG"));
+        return wish;
+    }
 
-// Asked at load, before threads run that could change the environment.
-[[maybe_unused]] const bool g_bAsked = WantsStandardError();
+    bool All() const noexcept { return m_list == "1"; }
+    bool Has(std::string_view family) const noexcept
+    {
+        for (std::string_view rest = m_list; !rest.empty();) {
+            const std::size_t nEnd = std::min(rest.find(','), rest.size());
+            if (rest.substr(0, nEnd) == family) return true;
+            rest.remove_prefix(std::min(nEnd + 1, rest.size()));
+        }
+        return All();
+    }
+
+private:
+    explicit Wish(const char* psz) noexcept
+    {
+        const std::string_view wanted = psz ? psz : "";
+        m_list = {m_text.data(), wanted.copy(m_text.data(), m_text.size())};
+    }
+
+    std::array<char, 512> m_text; // a copy, as the environment's own text may change
+    std::string_view m_list;
+};
+
+[[maybe_unused]] const bool g_bAsked = Wish::Get().All();
 
 // One call for the whole text, past every stdio lock and buffer, so that lines of several threads stay whole
 // and the last line before a crash is out.
@@ -34,13 +63,70 @@ void WriteStandardError(std::string_view text)
     }
 }
 
+// A diagnostic as it is sent.
+class Line
+{
+public:
+    void Add(const char* pszFormat, va_list args) noexcept
+    {
+        const std::size_t nRoom = kMost - m_length; // with the end of the text, where the line's will stand
+        const int n = std::vsnprintf(m_text.data() + m_length, nRoom, pszFormat, args);
+        if (n > 0) m_length += std::min(static_cast<std::size_t>(n), nRoom - 1);
+    }
+    void Add(const char* pszFormat, ...) noexcept __attribute__((format(printf, 2, 3)))
+    {
+        va_list args;
+        va_start(args, pszFormat);
+        Add(pszFormat, args);
+        va_end(args);
+    }
+    std::string_view Finish() noexcept
+    {
+        const auto end = m_text.begin() + static_cast<std::ptrdiff_t>(m_length);
+        std::replace_if(
+            m_text.begin(), end, [](char ch) { return static_cast<unsigned char>(ch) < ' ' || ch == 0x7F; },
+            '?');
+        *end = '\n';
+        return {m_text.data(), m_length + 1};
+    }
+
+private:
+    static constexpr std::size_t kMost = 1023;
+
+    std::array<char, kMost> m_text;
+    std::size_t m_length = 0;
+};
+
 } // namespace
 
 void OutputDebugStringA(const char* pszText)
 {
     const int nSaved = errno;
     const std::string_view text = pszText ? pszText : "";
-    if (WantsStandardError()) WriteStandardError(text);
-    kx::debug::TellObservers(text);
+    if (Wish::Get().All()) WriteStandardError(text);
+    kx::debug::TellObservers(text, Kind::Described);
     errno = nSaved;
+}
+
+bool kx::debug::Wants(std::string_view family) noexcept
+{
+    return AnyWantsDiagnostics() || Wish::Get().Has(family);
+}
+
+void kx::debug::Tell(const char* pszFamily, const char* pszFormat, ...) noexcept
+{
+    if (!Wants(pszFamily)) return;
+    const int nErrno = errno;
+    const DWORD dwError = GetLastError();
+    Line line;
+    line.Add("%s: ", pszFamily);
+    va_list args;
+    va_start(args, pszFormat);
+    line.Add(pszFormat, args);
+    va_end(args);
+    const std::string_view text = line.Finish();
+    if (Wish::Get().Has(pszFamily)) WriteStandardError(text);
+    TellObservers(text, Kind::Diagnostic);
+    SetLastError(dwError);
+    errno = nErrno;
 }

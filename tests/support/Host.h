@@ -40,11 +40,13 @@ private:
 class DebugText
 {
 public:
-    DebugText()
-        : m_id(KXHost::AddDebugObserver([this](std::string_view text) {
-              std::lock_guard lock(m_lock);
-              m_text += text;
-          }))
+    explicit DebugText(bool bDiagnostics = false)
+        : m_id(KXHost::AddDebugObserver(
+              [this](std::string_view text) {
+                  std::lock_guard lock(m_lock);
+                  m_text += text;
+              },
+              bDiagnostics))
     {
     }
     DebugText(const DebugText&) = delete;

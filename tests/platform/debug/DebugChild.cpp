@@ -1,7 +1,9 @@
-// Sends from main and from the destructor of a static object, which is also heard by an observer.
+// Sends texts and diagnostics from main, and one text from the destructor of a static object, which an
+// observer hears too. an observer.
 
 #include "include/platform/Debug.h"
 #include "include/platform/Host.h"
+#include "internal/Debug.h"
 
 #include <cstdlib>
 #include <unistd.h>
@@ -26,4 +28,6 @@ int main()
 {
     setenv("KX_DEBUG", "1", 1); // too late to count
     OutputDebugStringA("main\n");
+    kx::debug::Tell("skin", "s");
+    kx::debug::Tell("xml", "x");
 }

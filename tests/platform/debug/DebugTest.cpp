@@ -1,5 +1,7 @@
 #include "include/platform/Debug.h"
 
+#include "include/platform/Error.h"
+#include "internal/Debug.h"
 #include "tests/support/Await.h"
 #include "tests/support/Child.h"
 #include "tests/support/Host.h"
@@ -107,10 +109,34 @@ TEST(Debug, ObserversComeAndGoWhileThreadsSend)
     });
 }
 
+TEST(Debug, DiagnosticsAreForThoseWhoAsked)
+{
+    std::vector<std::string> described, all;
+    const int nDescribed = AddDebugObserver([&](std::string_view text) { described.emplace_back(text); });
+    EXPECT_FALSE(kx::debug::Wants("skin"));
+    kx::debug::Tell("skin", "%s", "nobody listens");
+    const int nAll = AddDebugObserver([&](std::string_view text) { all.emplace_back(text); }, true);
+    EXPECT_TRUE(kx::debug::Wants("skin"));
+    errno = 77;
+    SetLastError(78);
+    kx::debug::Tell("skin", "%s is missing, %d kept", "a\nb.bmp", 3);
+    EXPECT_EQ(errno, 77);
+    EXPECT_EQ(GetLastError(), 78u);
+    kx::debug::Tell("xml", "%s", std::string(5000, 'x').c_str());
+    OutputDebugStringA("described\n");
+    for (const int nId : {nDescribed, nAll})
+        RemoveDebugObserver(nId);
+    EXPECT_FALSE(kx::debug::Wants("skin"));
+    EXPECT_THAT(described, testing::ElementsAre("described\n"));
+    EXPECT_THAT(all, testing::ElementsAre("skin: a?b.bmp is missing, 3 kept\n",
+                                          "xml: " + std::string(1023 - 6, 'x') + "\n", "described\n"));
+}
+
 TEST(Debug, StandardErrorOnDemandToTheLastStatic)
 {
     const std::pair<std::vector<std::string>, const char*> cases[] = {
-        {{"KX_DEBUG=1"}, "main\nstatic\nobserved static\n"},
+        {{"KX_DEBUG=1"}, "main\nskin: s\nxml: x\nstatic\nobserved static\n"},
+        {{"KX_DEBUG=language,xml"}, "xml: x\nobserved static\n"},
         {{"KX_DEBUG=0"}, "observed static\n"},
         {{}, "observed static\n"},
     };

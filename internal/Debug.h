@@ -1,0 +1,22 @@
+#pragma once
+
+#include "include/KXExport.h"
+
+#include <string_view>
+
+// Diagnostics: one line to the debug channel for each quiet fallback that a person would want to know of,
+// with what was looked for, where, and what was taken instead.
+namespace kx::debug {
+
+// Whether anybody listens to a family's diagnostics: the environment's KX_DEBUG was "1" or named the family
+// as the library was loaded, or an observer of the host asked for diagnostics. Worth asking only before work
+// that is done for a diagnostic alone; costs a few nanoseconds while nobody listens.
+KX_API bool Wants(std::string_view family) noexcept;
+
+// Sends "family: text\n", printf-style; nothing is formatted while nobody listens. The line is cut at 1,023
+// bytes, and control characters in it become "?". Keeps `errno` and the last error. An observer is the host's
+// code, so no lock may be held. Any thread.
+KX_API void Tell(const char* pszFamily, const char* pszFormat, ...) noexcept
+    __attribute__((format(printf, 2, 3)));
+
+} // namespace kx::debug
