@@ -10,7 +10,6 @@
 #include <new>
 #include <string_view>
 
-using kx::language::HashedKey;
 using kx::language::StringTable;
 
 namespace {
@@ -47,9 +46,8 @@ CString ReplaceEscapes(std::string_view value)
 
 CString CKXLanResManager::GetString(const CString& strKey)
 {
-    const HashedKey key(strKey.View());
     const CKXAutoLock lock(&m_csData);
-    const CString* pText = m_mapStrings ? m_mapStrings->Find(key) : nullptr;
+    const CString* pText = m_mapStrings ? m_mapStrings->Find(strKey.View()) : nullptr;
     return pText ? *pText : strKey;
 }
 
@@ -66,10 +64,9 @@ void CKXLanResManager::Insert(std::string_view key, std::string_view value)
         strReplaced = ReplaceEscapes(value);
         value = strReplaced.View();
     }
-    const HashedKey hashed(key);
     const CKXAutoLock lock(&m_csData);
     if (!m_mapStrings) m_mapStrings = std::make_unique<StringTable>();
-    m_mapStrings->Insert(hashed, value);
+    m_mapStrings->Insert(key, value);
 }
 
 // The old texts are freed outside the lock.

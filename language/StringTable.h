@@ -2,23 +2,12 @@
 
 #include "platform/String.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <functional>
+#include <algorithm>
 #include <memory_resource>
 #include <string_view>
-#include <vector>
+#include <unordered_map>
 
 namespace kx::language {
-
-// A key with its hash, which is worked out before a lock is taken.
-struct HashedKey
-{
-    explicit HashedKey(std::string_view key) : text(key), hash(std::hash<std::string_view>()(key)) {}
-
-    std::string_view text;
-    std::size_t hash;
-};
 
 // The texts of one language by their keys, which are compared to the letter. Keys and texts lie in blocks
 // that are given back all at once; a text becomes a string when it is first asked for, as most of a
@@ -27,27 +16,37 @@ class StringTable
 {
 public:
     // Null without such a key. Valid until the next insertion.
-    const CString* Find(const HashedKey& key);
+    const CString* Find(std::string_view key)
+    {
+        const auto found = m_texts.find(key);
+        if (found == m_texts.end()) return nullptr;
+        Text& text = found->second;
+        if (text.made.IsEmpty()) text.made = CString(text.stored);
+        return &text.made;
+    }
 
-    // Adds a text unless the key is there already.
-    void Insert(const HashedKey& key, std::string_view text);
+    // Adds a text; false, with nothing changed, if the key is there already.
+    bool Insert(std::string_view key, std::string_view text)
+    {
+        return !m_texts.contains(key) && m_texts.emplace(Keep(key), Text{Keep(text), {}}).second;
+    }
 
 private:
-    struct Entry
+    struct Text
     {
-        HashedKey key;
         std::string_view stored;
         CString made; // empty before it is asked for
     };
 
-    // The slot that names the key's entry, or the free one at which the search for it ends.
-    std::size_t SlotOf(const HashedKey& key) const;
-    void Grow();
+    std::string_view Keep(std::string_view text)
+    {
+        auto* const pKept = static_cast<char*>(m_memory.allocate(text.size(), 1));
+        std::copy(text.begin(), text.end(), pKept);
+        return {pKept, text.size()};
+    }
 
     std::pmr::monotonic_buffer_resource m_memory{4096};
-    std::vector<Entry> m_entries;
-    std::vector<std::uint32_t>
-        m_slots; // an entry's number from 1 on, or 0: a power of two, at most half in use
+    std::pmr::unordered_map<std::string_view, Text> m_texts{&m_memory};
 };
 
 } // namespace kx::language
