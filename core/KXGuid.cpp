@@ -1,8 +1,10 @@
 #include "KXGuid.h"
 
 #include "platform/CodePage.h"
+#include "platform/Exception.h"
 
 #include <cstring>
+#include <new>
 #include <string>
 
 int CreateGUIDString(CString& strGuid)
@@ -22,7 +24,7 @@ void GUID2String(const GUID& guid, CString& strGuid)
 }
 
 void String2GUID(CString strGuid, GUID& guid)
-{
+try {
     const bool bOpens = strGuid.GetAt(0) == '{';
     const bool bCloses = strGuid.GetAt(strGuid.GetLength() - 1) == '}';
     if (!bOpens && !bCloses) strGuid = "{" + strGuid + "}";
@@ -30,6 +32,8 @@ void String2GUID(CString strGuid, GUID& guid)
     std::u16string wide(strGuid.View().size() + 1, u'\0');
     MultiByteToWideChar(CP_ACP, 0, strGuid, -1, wide.data(), static_cast<int>(wide.size()));
     CLSIDFromString(wide.c_str(), &guid);
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 int IsSameGUID(const GUID& guid1, const GUID& guid2)

@@ -1,9 +1,12 @@
 #include "KXNum.h"
 
+#include "platform/Exception.h"
+
 #include <cstdint>
+#include <new>
 
 int CKXNum::ApartNums(const char* pszText, std::vector<int>& vecOut)
-{
+try {
     std::uint32_t value = 0;
     bool bOpen = false;
     for (const char* p = pszText; p && *p; ++p) {
@@ -18,6 +21,8 @@ int CKXNum::ApartNums(const char* pszText, std::vector<int>& vecOut)
     }
     if (bOpen) vecOut.push_back(static_cast<int>(value));
     return static_cast<int>(vecOut.size());
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 int CKXNum::CalcFactorial(int nHigh, int nLow)

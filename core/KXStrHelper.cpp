@@ -1,12 +1,15 @@
 #include "KXStrHelper.h"
 
+#include "platform/Exception.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
+#include <new>
 
 int CKXStrHelper::Split(const CString& strText, const CString& strDelim, std::vector<CString>& vecOut)
-{
+try {
     std::vector<CString> pieces; // apart, since the text or the delimiter may be one of the vector's own
     const char* const pszDelim = strDelim;
     const int nDelim = static_cast<int>(std::strlen(pszDelim));
@@ -20,6 +23,8 @@ int CKXStrHelper::Split(const CString& strText, const CString& strDelim, std::ve
     if (start < strText.GetLength()) pieces.push_back(strText.Mid(start));
     std::move(pieces.begin(), pieces.end(), std::back_inserter(vecOut));
     return static_cast<int>(vecOut.size());
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 COleDateTime CKXStrHelper::String2DateTime(const CString& strTime)

@@ -1,8 +1,10 @@
 #include "KXBitmapHandle.h"
 
+#include "platform/Exception.h"
 #include "platform/Module.h"
 #include "platform/Window.h"
 
+#include <new>
 #include <utility>
 
 CKXBitmapHandle::Surface::~Surface()
@@ -37,9 +39,11 @@ void CKXBitmapHandle::Surface::DeleteBitmap()
     if (HBITMAP hBitmap = std::exchange(m_hBitmap, nullptr)) DeleteObject(hBitmap);
 }
 
-CKXBitmapHandle::CKXBitmapHandle() : m_pSurface(std::make_shared<Surface>())
-{
+CKXBitmapHandle::CKXBitmapHandle()
+try : m_pSurface(std::make_shared<Surface>()) {
     m_pSurface->CreateBitmapDC();
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 void CKXBitmapHandle::CreateBitmapDC()
@@ -48,8 +52,10 @@ void CKXBitmapHandle::CreateBitmapDC()
 }
 
 void CKXBitmapHandle::DeleteBitmapDC()
-{
+try {
     m_pSurface->DeleteBitmapDC();
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 // The old image is gone before a new one is tried; from copies that share it this object parts instead.

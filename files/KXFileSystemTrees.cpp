@@ -2,7 +2,9 @@
 
 #include "KXFileSystem.h"
 #include "files/FileSearch.h"
+#include "platform/Exception.h"
 
+#include <new>
 #include <set>
 #include <utility>
 
@@ -94,7 +96,7 @@ bool CopyContent(const CString& strSrc, const CString& strDst, KXCopyDirProc pfn
 
 // The results are handed over at the end, since the path may be the very string that takes the root.
 int CKXFileSystem::ParsePath(const CString& strPath, CString& strRoot, std::vector<CString>& vecDirs)
-{
+try {
     CString strFound;
     std::vector<CString> vecFound;
     int nStart = 0;
@@ -110,6 +112,8 @@ int CKXFileSystem::ParsePath(const CString& strPath, CString& strRoot, std::vect
     strRoot = std::move(strFound);
     vecDirs = std::move(vecFound);
     return !strRoot.IsEmpty() || !vecDirs.empty();
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 int CKXFileSystem::CreatePath(const CString& strPath)
@@ -136,7 +140,7 @@ int CKXFileSystem::DeleteFolder(CString strPath)
 }
 
 void CKXFileSystem::CopyDir(CString& strSrc, CString& strDst, KXCopyDirProc pfn, long lParam)
-{
+try {
     const bool bNamed = !strSrc.IsEmpty() && !strDst.IsEmpty();
     kx::files::AddBackslash(strSrc);
     kx::files::AddBackslash(strDst);
@@ -144,4 +148,6 @@ void CKXFileSystem::CopyDir(CString& strSrc, CString& strDst, KXCopyDirProc pfn,
     const CString strTo = strDst;
     if (bNamed && !CopyContent(strFrom, strTo, pfn, lParam)) return;
     if (pfn) pfn(strFrom, strTo, 0, 1, lParam);
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <new>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -144,17 +145,21 @@ int CKXIniDataMgr::GetBOOL(const char* pszFile, const char* pszSection, const ch
 
 unsigned long CKXIniDataMgr::GetRGB(const char* pszFile, const char* pszSection, const char* pszKey,
                                     unsigned long clrDefault)
-{
+try {
     const Text text(pszFile, pszSection, pszKey);
     const auto bytes = text ? ToBytes<3>(text) : std::nullopt;
     return bytes ? *bytes >> 16 | (*bytes & 0xFF00) | (*bytes & 0xFF) << 16 : clrDefault;
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 unsigned long CKXIniDataMgr::GetIPAddress(const char* pszFile, const char* pszSection, const char* pszKey,
                                           unsigned long dwDefault)
-{
+try {
     const Text text(pszFile, pszSection, pszKey);
     return text ? ToBytes<4>(text).value_or(dwDefault) : dwDefault;
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 CTime CKXIniDataMgr::GetDateTime(const char* pszFile, const char* pszSection, const char* pszKey,

@@ -24,8 +24,8 @@
 class KX_API CKXSkinResManager
 {
 public:
-    // The manager, made at the first call, which must not race with another; null (or std::bad_alloc from
-    // its members) for lack of memory. The object is the library's.
+    // The manager, made at the first call, which must not race with another; null (or a CMemoryException*
+    // from its members) for lack of memory. The object is the library's.
     static CKXSkinResManager* GetSingletonPtr();
 
     CKXSkinResManager(const CKXSkinResManager&) = delete;

@@ -1,6 +1,9 @@
 #include "KXSkinIMListRes.h"
 
+#include "platform/Exception.h"
 #include "skin/SkinFiles.h"
+
+#include <new>
 
 using kx::skin::SetFill;
 using kx::skin::StateSize;
@@ -22,7 +25,7 @@ HICON LoadSmallIcon(const CString& strFile, std::shared_ptr<void>& owner)
 } // namespace
 
 int CKXSkinIMListRes::LoadRes(const CString& strResDir, const CString& strIniFile)
-{
+try {
     m_bmpGroupBtn.LoadBitmapA(strResDir + "GroupBtn.bmp");
     m_bmpTeamBtn.LoadBitmapA(strResDir + "TeamBtn.bmp");
     SetFill(m_bmpGroupBtn, {strIniFile, "IMList"}, "GroupBtn_Left", "GroupBtn_Right");
@@ -33,4 +36,6 @@ int CKXSkinIMListRes::LoadRes(const CString& strResDir, const CString& strIniFil
     m_hNormalIcon = LoadSmallIcon(strResDir + "Normal.ico", m_pNormalIcon);
     m_hExpandIcon = LoadSmallIcon(strResDir + "Expand.ico", m_pExpandIcon);
     return 1;
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }

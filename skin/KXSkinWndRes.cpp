@@ -1,10 +1,12 @@
 #include "KXSkinWndRes.h"
 
+#include "platform/Exception.h"
 #include "skin/SkinFiles.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
+#include <new>
 
 using kx::skin::Section;
 using kx::skin::SetFill;
@@ -183,7 +185,7 @@ int CKXSkinWndRes::LoadRes(const CString& strResDir, const CString& strIniFile)
 }
 
 void CKXSkinWndRes::ParsePathPoint(CString& strPath, std::vector<CPoint>& vecPoints)
-{
+try {
     vecPoints.clear();
     int nStart = 0;
     CString strPoint;
@@ -192,4 +194,6 @@ void CKXSkinWndRes::ParsePathPoint(CString& strPath, std::vector<CPoint>& vecPoi
         if (nComma < 1) continue;
         vecPoints.emplace_back(ToInteger(strPoint.Left(nComma)), ToInteger(strPoint.Mid(nComma + 1)));
     }
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }

@@ -9,8 +9,8 @@ class KX_API CException
 {
 public:
     CException() = default;
-    CException(const CException&) = default;
-    CException& operator=(const CException&) = default;
+    CException(const CException&) noexcept {} // a copy is its owner's
+    CException& operator=(const CException&) noexcept { return *this; }
     virtual ~CException();
 
     // Writes the failure's text, cut to `nMax` - 1 bytes and ended. 0 without a text; the buffer is then
@@ -18,13 +18,23 @@ public:
     virtual int GetErrorMessage(char* pszError, UINT nMax, UINT* pHelpId = nullptr) const;
 
     // Frees an exception that was thrown.
-    void Delete() { delete this; }
+    void Delete()
+    {
+        if (!m_bLasting) delete this;
+    }
+
+protected:
+    bool m_bLasting = false; // nobody's to free
 };
 
-// Lack of memory.
+// Lack of memory. What is thrown was there before memory became short.
 class KX_API CMemoryException : public CException
 {
 public:
+    CMemoryException() = default;
+    // One that Delete leaves alone.
+    explicit CMemoryException(bool bLasting) { m_bLasting = bLasting; }
+
     int GetErrorMessage(char* pszError, UINT nMax, UINT* pHelpId = nullptr) const override;
 };
 

@@ -14,7 +14,7 @@
 // them changes, so passing by value is cheap. Positions and lengths are in bytes. Searches never match the
 // second byte of a double-byte character, and case conversion never changes one. A null `const char*`
 // counts as the empty string. Arguments out of range are pulled into range; nothing here fails but for lack
-// of memory or a text of 2 GiB (std::bad_alloc).
+// of memory or a text of 2 GiB (CMemoryException*, Exception.h), and then the object is what it was.
 //
 // Threads: distinct objects may be used from distinct threads, also when they share a buffer; one object is
 // used by one thread at a time.
@@ -33,6 +33,7 @@ public:
     CString& operator=(const CString& str) noexcept;
     CString& operator=(CString&& str) noexcept;
     CString& operator=(const char* psz);
+    CString& operator=(std::string_view text);
 
     int GetLength() const noexcept { return GetRep()->length; }
     bool IsEmpty() const noexcept { return GetLength() == 0; }
@@ -43,6 +44,7 @@ public:
     // The text, ending in a NUL; valid until the object changes or ends.
     const char* GetString() const noexcept { return m_pszData; }
     operator const char*() const noexcept { return m_pszData; }
+    operator std::string_view() const noexcept { return View(); }
     std::string_view View() const noexcept { return {m_pszData, static_cast<std::size_t>(GetLength())}; }
 
     // The byte at a position; 0 for a position out of range.
@@ -54,6 +56,7 @@ public:
     CString& operator+=(const CString& str) { return Append(str.View()); }
     CString& operator+=(const char* psz);
     CString& operator+=(char ch) { return Append({&ch, 1}); }
+    CString& operator+=(std::string_view text) { return Append(text); }
     CString& Append(std::string_view text);
 
     // printf-style. The result replaces (Format) or extends (AppendFormat) the text; the arguments may

@@ -1,19 +1,22 @@
 #include "platform/files/Exception.h"
 
 #include "include/platform/Error.h"
+#include "platform/Immortal.h"
 #include "platform/text/CharWalk.h"
 
 #include <cerrno>
 #include <cstring>
+#include <new>
+#include <string_view>
 
 namespace {
 
 // The texts are cut to the caller's buffer; an empty one is none.
-int Deliver(const CString& strText, char* pszError, UINT nMax, UINT* pHelpId)
+int Deliver(std::string_view text, char* pszError, UINT nMax, UINT* pHelpId)
 {
     if (pHelpId) *pHelpId = 0;
-    if (pszError) kx::text::CopyCut(strText.View(), pszError, nMax);
-    return pszError && nMax > 0 && !strText.IsEmpty();
+    if (pszError) kx::text::CopyCut(text, pszError, nMax);
+    return pszError && nMax > 0 && !text.empty();
 }
 
 const char* CauseText(int nCause)
@@ -52,7 +55,7 @@ CException::~CException() = default;
 
 int CException::GetErrorMessage(char* pszError, UINT nMax, UINT* pHelpId) const
 {
-    return Deliver(CString(), pszError, nMax, pHelpId);
+    return Deliver({}, pszError, nMax, pHelpId);
 }
 
 int CMemoryException::GetErrorMessage(char* pszError, UINT nMax, UINT* pHelpId) const
@@ -68,28 +71,33 @@ int CInvalidArgException::GetErrorMessage(char* pszError, UINT nMax, UINT* pHelp
 int CFileException::GetErrorMessage(char* pszError, UINT nMax, UINT* pHelpId) const
 {
     const char* pszCause = CauseText(m_cause);
-    if (!pszCause) return Deliver(CString(), pszError, nMax, pHelpId);
+    if (!pszCause) return Deliver({}, pszError, nMax, pHelpId);
     CString strText = m_strFileName.IsEmpty() ? CString() : m_strFileName + ": ";
     strText += pszCause;
     const bool bSystem = m_cause == genericException && m_lOsError > 0;
     if (const char* pszSystem = bSystem ? strerrordesc_np(static_cast<int>(m_lOsError)) : nullptr)
         strText.AppendFormat(" (%s)", pszSystem);
-    return Deliver(strText, pszError, nMax, pHelpId);
+    return Deliver(strText.View(), pszError, nMax, pHelpId);
 }
 
 void AfxThrowMemoryException()
 {
-    throw new CMemoryException;
+    static kx::Immortal<CMemoryException> exception(true);
+    throw &exception.Get();
 }
 
 void AfxThrowInvalidArgException()
-{
+try {
     throw new CInvalidArgException;
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 void AfxThrowFileException(int nCause, int nOsError, const char* pszFileName)
-{
+try {
     throw new CFileException(nCause, nOsError, pszFileName);
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 int kx::CauseFromErrno(int nErrno) noexcept

@@ -1,5 +1,6 @@
 #include "include/platform/String.h"
 
+#include "include/platform/Exception.h"
 #include "platform/text/CharWalk.h"
 
 #include <algorithm>
@@ -7,7 +8,7 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
-#include <string>
+#include <utility>
 
 namespace text = kx::text;
 
@@ -16,8 +17,9 @@ constinit CString::Rep CString::s_empty{-1, 0, 0, {'\0'}};
 
 CString::Rep* CString::NewRep(std::size_t nCapacity)
 {
-    if (nCapacity > static_cast<std::size_t>(INT_MAX) - sizeof(Rep)) throw std::bad_alloc();
-    void* memory = ::operator new(sizeof(Rep) + nCapacity);
+    const bool bFits = nCapacity <= static_cast<std::size_t>(INT_MAX) - sizeof(Rep);
+    void* memory = bFits ? ::operator new(sizeof(Rep) + nCapacity, std::nothrow) : nullptr;
+    if (!memory) AfxThrowMemoryException();
     return new (memory) Rep{1, 0, static_cast<int>(nCapacity), {'\0'}};
 }
 
@@ -86,7 +88,11 @@ CString::CString(const char* pch, int nLength)
 
 CString::CString(char ch, int nRepeat) : m_pszData(s_empty.text)
 {
-    if (nRepeat > 0) Assign(std::string(static_cast<std::size_t>(nRepeat), ch));
+    if (nRepeat <= 0) return;
+    const auto length = static_cast<std::size_t>(nRepeat);
+    MakeWritable(length);
+    std::memset(m_pszData, ch, length);
+    SetLength(length);
 }
 
 CString::CString(std::string_view str) : m_pszData(s_empty.text)
@@ -110,6 +116,12 @@ CString& CString::operator=(CString&& str) noexcept
 CString& CString::operator=(const char* psz)
 {
     Assign(ViewOf(psz));
+    return *this;
+}
+
+CString& CString::operator=(std::string_view str)
+{
+    Assign(str);
     return *this;
 }
 
@@ -265,15 +277,15 @@ int CString::Replace(const char* pszOld, const char* pszNew)
     const std::string_view replacement = ViewOf(pszNew);
     const std::string_view str = View();
     if (old.empty()) return 0;
-    std::string result;
+    CString result;
     int count = 0;
     std::size_t done = 0;
     for (auto pos = text::Find(str, old); pos != str.npos; pos = text::Find(str, old, done)) {
-        result.append(str, done, pos - done).append(replacement);
+        result.Append(str.substr(done, pos - done)).Append(replacement);
         done = pos + old.size();
         ++count;
     }
-    if (count > 0) Assign(result.append(str, done));
+    if (count > 0) *this = std::move(result.Append(str.substr(done)));
     return count;
 }
 
