@@ -143,6 +143,40 @@ TEST_F(Bitmap, FillPartsFollowTheState)
     EXPECT_THAT(copies.Take(), ElementsAre("1,0 8x3 from 11,0", "0,0 1x3 from 10,0", "9,0 1x3 from 19,0"));
 }
 
+// The parts are those of the image that was there at SetFillParam or SetMultiState.
+TEST_F(Bitmap, FillPartsOutliveALoad)
+{
+    Attach(20, 3);
+    bitmap.SetFillParam(2, 3, 1);
+    const auto filled = [&] {
+        bitmap.DrawFill(&dc, CRect(0, 0, 20, 3), 0);
+        return copies.Take();
+    };
+    const auto kept = ElementsAre("2,0 15x3 from 2,0", "0,0 2x3 from 0,0", "17,0 3x3 from 17,0");
+    Attach(10, 3);
+    EXPECT_THAT(filled(), kept);
+    const test::TempDir dir;
+    dir.Write("small.bmp", test::ToBmp({"RGBRGB"}, 24).File());
+    EXPECT_EQ(bitmap.LoadBitmapA(dir.Win("small.bmp")), 1);
+    EXPECT_THAT(filled(), kept);
+    bitmap.SetMultiState(1, 1);
+    EXPECT_THAT(filled(),
+                ElementsAre("2,0 1x1 from 2,0", "3,0 1x1 from 2,0", "4,0 1x1 from 2,0", "5,0 1x1 from 2,0",
+                            "6,0 1x1 from 2,0", "7,0 1x1 from 2,0", "8,0 1x1 from 2,0", "9,0 1x1 from 2,0",
+                            "10,0 1x1 from 2,0", "11,0 1x1 from 2,0", "12,0 1x1 from 2,0",
+                            "13,0 1x1 from 2,0", "14,0 1x1 from 2,0", "15,0 1x1 from 2,0",
+                            "16,0 1x1 from 2,0", "0,0 2x1 from 0,0", "17,0 3x1 from 3,0"));
+}
+
+TEST_F(Bitmap, FillPartsAreOfTheFirstStateAfterSetMultiState)
+{
+    Attach(20, 3);
+    bitmap.SetFillParam(2, 3, 1);
+    bitmap.SetMultiState(2, 1);
+    bitmap.DrawFill(&dc, CRect(0, 0, 10, 3), 0);
+    EXPECT_THAT(copies.Take(), ElementsAre("2,0 5x3 from 2,0", "0,0 2x3 from 0,0", "7,0 3x3 from 7,0"));
+}
+
 TEST_F(Bitmap, EmptyObjectsDrawNothing)
 {
     unsigned char byte = 0;
@@ -343,6 +377,43 @@ TEST(BitmapHandles, EachIsReleasedOnce)
     EXPECT_EQ(DeleteObject(hBitmap), 0); // gone already
 }
 
+// Whatever a copy loads, attaches, empties or is assigned, and when it ends: the others still draw theirs.
+TEST(BitmapHandles, CopiesLeaveTheSharedBitmapAlone)
+{
+    const test::NoLeak noLeak;
+    struct Client : CKXBitmap
+    {
+        using CKXBitmap::DeleteBitmap;
+    };
+    const test::Paper paper(2, 1, 'W');
+    Client bitmap;
+    bitmap.AttachBitmap(MakeBitmap({"RG"}));
+    const HBITMAP hBitmap = bitmap.GetHBITMAP();
+    const auto expectWhole = [&](const char* pszAfter) {
+        BITMAP record{};
+        CDC::FromHandle(paper)->FillSolidRect(0, 0, 2, 1, test::ColorOf('W'));
+        bitmap.Draw(CDC::FromHandle(paper), 0, 0, 0);
+        EXPECT_THAT(paper.Read(), ElementsAre("RG")) << pszAfter;
+        EXPECT_NE(GetObjectA(hBitmap, sizeof(record), &record), 0) << pszAfter;
+    };
+    {
+        const Client copy = bitmap;
+    }
+    expectWhole("the end of a copy");
+    Client copy = bitmap;
+    copy.AttachBitmap(MakeBitmap({"BB"}));
+    expectWhole("an attach");
+    copy = bitmap;
+    copy.LoadBitmapA("C:\\none.bmp");
+    expectWhole("a load that fails");
+    copy = bitmap;
+    copy.DeleteBitmap();
+    expectWhole("an end of the copy's bitmap");
+    copy = bitmap;
+    copy = Client();
+    expectWhole("an assignment");
+}
+
 TEST(BitmapHandles, MovesAreCopies)
 {
     const test::NoLeak noLeak;
@@ -396,6 +467,7 @@ TEST(BitmapHandles, ManyRoundsLeaveNothing)
         EXPECT_EQ(bitmap.LoadBitmapA(dir.Win("image.bmp")), 1);
         draw();
         EXPECT_EQ(bitmap.LoadBitmapA(102u), 0);
+        EXPECT_EQ(bitmap.LoadBitmapA(0x10000u + 101), 1); // 16 bits count
         bitmap.AttachBitmap(MakeBitmap(2, 2));
         DeleteObject(bitmap.DetachBitmap());
         EXPECT_EQ(bitmap.LoadBitmapA(101u), 1);

@@ -2,6 +2,7 @@
 #include "tests/draw/CopyList.h"
 #include "tests/support/Picture.h"
 
+#include <algorithm>
 #include <climits>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -55,6 +56,28 @@ TEST_F(Frame, FillsTheCentreBetweenTheLargerCorners)
     EXPECT_EQ(at(20, 26), 'W'); // the bottom edge is thinner than its larger corner: left alone
     frame.Draw(&dc, CRect(0, 0, 40, 30), 0, test::ColorOf('B'));
     EXPECT_EQ(at(20, 15), 'R');
+}
+
+// Each inset is that of the larger of its two corners, whichever that is. Without an image only the centre
+// is seen.
+TEST_F(Frame, InsetsAreThoseOfTheLargerCorner)
+{
+    const auto centre = [&](CSize topLeft, CSize topRight, CSize bottomLeft, CSize bottomRight) {
+        CKXFrameBitmap empty;
+        empty.SetBitmapOptions(topLeft, topRight, bottomLeft, bottomRight);
+        const test::Paper fresh(40, 30, 'W');
+        empty.Draw(CDC::FromHandle(fresh), CRect(0, 0, 40, 30), 1, test::ColorOf('R'));
+        CRect rc(40, 30, 0, 0);
+        const test::Picture picture = fresh.Read();
+        for (int y = 0; y < 30; ++y)
+            for (int x = 0; x < 40; ++x)
+                if (picture[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)] == 'R')
+                    rc = CRect(std::min(rc.left, x), std::min(rc.top, y), std::max(rc.right, x + 1),
+                               std::max(rc.bottom, y + 1));
+        return rc;
+    };
+    EXPECT_EQ(centre(CSize(10, 4), CSize(5, 3), CSize(6, 2), CSize(4, 5)), CRect(10, 4, 35, 25));
+    EXPECT_EQ(centre(CSize(6, 3), CSize(4, 7), CSize(9, 8), CSize(5, 6)), CRect(9, 7, 35, 22));
 }
 
 TEST_F(Frame, SmallerThanItsCornersDrawsThemAlone)

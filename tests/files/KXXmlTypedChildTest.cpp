@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -110,6 +111,28 @@ TEST_F(KXXmlTypedChild, ReadsStrings)
     m_doc.SetDocumentElement(m_root);
     EXPECT_EQ(m_root.GetChild("/r/n", n, true, 2), 1);
     EXPECT_EQ(n, 7);
+}
+
+// A name that stands there several times is its first, wherever the reads before ended.
+TEST_F(KXXmlTypedChild, ReadsTheFirstOfANameInAnyOrder)
+{
+    for (const auto& [pszName, pszText] :
+         {std::pair("a", "1"), {"b", "2"}, {"a", "3"}, {"c", "4"}, {"b", "5"}, {"a", "6"}})
+        m_root.AppendChild(m_doc.CreateElement(pszName, pszText));
+    for (const auto& [pszName, nValue] : {std::pair("a", 1),
+                                          {"b", 2},
+                                          {"a", 1},
+                                          {"c", 4},
+                                          {"b", 2},
+                                          {"a", 1},
+                                          {"a", 1},
+                                          {"c", 4},
+                                          {"c", 4},
+                                          {"b", 2}}) {
+        int n = 0;
+        EXPECT_EQ(m_root.GetChild(pszName, n, true, 0), 1);
+        EXPECT_EQ(n, nValue) << pszName;
+    }
 }
 
 TEST_F(KXXmlTypedChild, ReadsNumbers)

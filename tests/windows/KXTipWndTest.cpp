@@ -51,9 +51,13 @@ void Pump()
         DispatchMessageA(&msg);
 }
 
-// A tip on a clock that its fades move themselves.
+// A tip on a clock that its fades move themselves, in a face that nobody would take by chance.
 struct Tip : testing::Test
 {
+    static constexpr char kFace[] = "DejaVu Sans Mono";
+
+    Tip() { CKXLanResManager::GetSingletonPtr()->InsertString("IDS_DEF_FONT", kFace); }
+
     test::VirtualClock clock{0, KXHost::VirtualSleep::Advances};
     CKXTipWnd tip;
 };
@@ -85,6 +89,85 @@ TEST_F(Tip, IsAYellowBoxInTheMiddleWithALineInBlue)
     EXPECT_NEAR((text.left + text.right) / 2, 100, 2);
     EXPECT_NEAR((text.top + text.bottom) / 2, 50, 4);
     EXPECT_THAT(text.bottom - text.top, testing::AllOf(testing::Ge(8), testing::Le(18))); // 10 points
+}
+
+// The text of the tip's box as it must be: erasing draws it, and so does painting.
+std::vector<COLORREF> Letters(const char* pszText)
+{
+    const test::Paper paper(200, 100);
+    CDC& dc = *CDC::FromHandle(paper);
+    dc.FillSolidRect(0, 0, 200, 100, kYellow);
+    CFont font;
+    font.CreatePointFont(100, Tip::kFace, nullptr);
+    CFont* pOld = dc.SelectObject(&font);
+    dc.SetTextColor(RGB(0, 0, 255));
+    dc.SetBkMode(TRANSPARENT);
+    CRect rc(0, 0, 200, 100);
+    for (int n = 0; n < 2; ++n)
+        dc.DrawText(pszText, rc, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
+    dc.SelectObject(pOld);
+    std::vector<COLORREF> pixels;
+    for (int y = 0; y < 100; ++y)
+        for (int x = 0; x < 200; ++x)
+            pixels.push_back(dc.GetPixel(x, y));
+    return pixels;
+}
+
+std::vector<COLORREF> SeenInTheBox()
+{
+    std::vector<COLORREF> pixels;
+    for (int y = 0; y < 100; ++y)
+        for (int x = 0; x < 200; ++x)
+            pixels.push_back(Seen(kLeft + x, kTop + y));
+    return pixels;
+}
+
+TEST_F(Tip, DrawsInTenPointsOfTheLanguagesFaceOnTheYellow)
+{
+    tip.CreateTipWnd();
+    tip.ShowTipWnd("Well done", 500);
+    EXPECT_TRUE(SeenInTheBox() == Letters("Well done"));
+    const HDC hDC = GetDC(tip.m_hWnd); // a paint alone draws the text, without the ground
+    CDC::FromHandle(hDC)->FillSolidRect(0, 0, 200, 100, kYellow);
+    ReleaseDC(tip.m_hWnd, hDC);
+    EXPECT_EQ(TextBounds().right, -1);
+    InvalidateRect(tip.m_hWnd, nullptr, FALSE);
+    Pump();
+    const RECT text = TextBounds();
+    EXPECT_GT(text.right - text.left, 50);
+    EXPECT_EQ(Seen(kLeft + text.left - 1, kTop + text.top), kYellow);
+}
+
+// Counts how often it loses the focus.
+class CFocusCounter : public CWnd
+{
+public:
+    int m_nLosses = 0;
+
+protected:
+    void OnKillFocus(CWnd* pNew)
+    {
+        ++m_nLosses;
+        CWnd::OnKillFocus(pNew);
+    }
+    DECLARE_MESSAGE_MAP()
+};
+
+BEGIN_MESSAGE_MAP(CFocusCounter, CWnd)
+ON_WM_KILLFOCUS()
+END_MESSAGE_MAP()
+
+TEST_F(Tip, StaysAboveOtherWindowsAndDisturbsNone)
+{
+    CFocusCounter own;
+    const CRect rc(kLeft, kTop, kLeft + 200, kTop + 100);
+    own.CreateEx(0, AfxRegisterWndClass(0), "", WS_POPUP | WS_VISIBLE, rc, nullptr, 0);
+    ASSERT_EQ(CWnd::GetFocus(), &own);
+    tip.CreateTipWnd();
+    tip.ShowTipWnd("text", 1000);
+    EXPECT_EQ(own.m_nLosses, 0);
+    own.SetWindowPos(HWND_TOP, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
+    EXPECT_EQ(Seen(kLeft, kTop), kYellow);
 }
 
 TEST_F(Tip, StaysAsLongAsTold)

@@ -85,6 +85,30 @@ TEST(Transparent, ShowsTheScreenBelowItselfOutlined)
     EXPECT_EQ(Row(20, 70, 120).find_first_of("W?"), std::string::npos);
 }
 
+// Its white-on-screen notice, letter by letter: "开始听写！" in code page 936, in the default font.
+TEST(Transparent, ShowsTheNotice)
+{
+    constexpr char szNotice[] = "\xBF\xAA\xCA\xBC\xCC\xFD\xD0\xB4\xA3\xA1";
+    const Stripes stripes({20, 30, 140, 90});
+    const test::Paper paper(120, 60);
+    CDC& dc = *CDC::FromHandle(paper);
+    const HDC desktop = GetDC(nullptr);
+    BitBlt(paper, 0, 0, 120, 60, desktop, 20, 30, SRCCOPY);
+    CRect rc(0, 0, 120, 60);
+    CGdiObject* pOld = dc.SelectStockObject(NULL_BRUSH);
+    dc.Rectangle(rc);
+    dc.SelectObject(pOld);
+    dc.DrawText(szNotice, rc, DT_CENTER | DT_VCENTER);
+    CKXTransparentWnd wnd;
+    Create(wnd, CRect(20, 30, 140, 90));
+    wnd.ShowWindow(SW_SHOWNA);
+    Pump();
+    for (int y = 0; y < 60; ++y)
+        for (int x = 0; x < 120; ++x)
+            ASSERT_EQ(GetPixel(desktop, 20 + x, 30 + y), dc.GetPixel(x, y)) << x << "," << y;
+    ReleaseDC(nullptr, desktop);
+}
+
 TEST(Transparent, TakesTheCopyAnewAtEachPaintAndTheSizeAtEachShow)
 {
     const Stripes stripes({18, 28, 150, 92});
