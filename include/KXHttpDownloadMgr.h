@@ -9,6 +9,7 @@
 #include <list>
 #include <memory>
 
+class CException;
 class CFile;
 class CHttpFile;
 class CInternetSession;
@@ -44,7 +45,8 @@ inline constexpr unsigned int WM_KXDOWNLOADCUT = 2032;    // the library's unloa
 //
 // The first task that fails (no server, a broken transfer, a file that can't be opened or written, a callback
 // that throws) ends the worker for good. What its file holds by then stays. Tasks are still accepted after
-// that, but none is served, and none is told of.
+// that, but none is served, and none is told of: IsRunning and GetLastFailure tell, and so does a line on the
+// debug channel.
 class KX_API CKXHttpDownloadMgr
 {
 public:
@@ -80,6 +82,13 @@ public:
     unsigned int AddTask(CString const& strUrl, CString const& strLocalFile, KXDownloadCallback pfnCallback,
                          unsigned int uUserParam);
 
+    // Whether the worker serves tasks: false once one has failed or the library unloads, in a fork, and where
+    // no thread could be started. Any thread.
+    bool IsRunning() const;
+    // The URL of the task that ended the worker and why it failed, as in "http://host/a: the file can't be
+    // opened"; empty where none did. It is there before IsRunning gives false. Any thread.
+    CString GetLastFailure() const;
+
 protected:
     CKXHttpDownloadMgr();
     ~CKXHttpDownloadMgr();
@@ -112,6 +121,8 @@ private:
     unsigned int Queue(std::unique_ptr<Task> task);
     std::unique_ptr<Task> WaitForTask();
     Course Run(Task& task, CFile& file) noexcept;
+    void NoteFailure(const Task& task, const char* pszReason) noexcept;
+    void NoteFailure(const Task& task, const CException& exception) noexcept;
     Course Download(Task& task, CFile& file);
     bool Transfer(Task& task, CHttpFile& http, CFile& file);
     int ReadBlock(CHttpFile& http, char* pBlock, std::size_t cbBlock) const;
@@ -121,8 +132,10 @@ private:
     HANDLE m_hThread = nullptr;
     HANDLE m_hWakeEvent = nullptr;
     std::atomic<int> m_bStop{0};
+    std::atomic<bool> m_bRunning{false};
     std::list<Task*> m_listTask KX_GUARDED_BY(m_lockTask);
-    CKXCritSection m_lockTask;
+    CString m_strFailure KX_GUARDED_BY(m_lockTask);
+    mutable CKXCritSection m_lockTask;
     std::unique_ptr<CInternetSession> m_pSession; // the worker's; others cancel it at most
     DWORD m_dwProcess = 0;                        // whose threads they are
     std::atomic<DWORD> m_dwWorker{0};

@@ -1,12 +1,15 @@
 #include "KXHttpDownloadMgr.h"
 
 #include "KXAutoLock.h"
+#include "internal/Debug.h"
+#include "platform/Exception.h"
 #include "platform/File.h"
 #include "platform/Internet.h"
 #include "platform/Sync.h"
 #include "platform/Window.h"
 
 #include <array>
+#include <new>
 #include <utility>
 
 namespace {
@@ -48,14 +51,18 @@ CKXHttpDownloadMgr::~CKXHttpDownloadMgr()
 }
 
 unsigned int CKXHttpDownloadMgr::AddTask(CString const& strUrl, CString const& strLocalFile, HWND hWnd)
-{
+try {
     return Queue(std::make_unique<Task>(strUrl, strLocalFile, hWnd, nullptr, 0u));
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 unsigned int CKXHttpDownloadMgr::AddTask(CString const& strUrl, CString const& strLocalFile,
                                          KXDownloadCallback pfnCallback, unsigned int uUserParam)
-{
+try {
     return Queue(std::make_unique<Task>(strUrl, strLocalFile, nullptr, pfnCallback, uUserParam));
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 unsigned int CKXHttpDownloadMgr::Queue(std::unique_ptr<Task> task)
@@ -73,13 +80,19 @@ unsigned int CKXHttpDownloadMgr::Queue(std::unique_ptr<Task> task)
 // The session is made here, not by the worker: what HTTP stands on is then older than the manager, and still
 // there when that is destroyed at the process's end.
 void CKXHttpDownloadMgr::StartDownload()
-{
+try {
     if (m_hThread && WaitForSingleObject(m_hThread, 0) != WAIT_OBJECT_0) return;
     m_pSession = std::make_unique<CInternetSession>(nullptr, 1, INTERNET_OPEN_TYPE_PRECONFIG);
     if (HANDLE hThread = std::exchange(m_hThread, nullptr)) CloseHandle(hThread);
     if (!m_hWakeEvent) m_hWakeEvent = CreateEventA(nullptr, FALSE, FALSE, nullptr);
     m_dwProcess = GetCurrentProcessId();
+    m_bRunning = true;
     m_hThread = reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, DownloadFunc, this, 0, nullptr));
+    if (m_hThread) return;
+    m_bRunning = false;
+    kx::debug::Tell("http", "no thread for downloads could be started; none is served");
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 void CKXHttpDownloadMgr::StopDownload()
@@ -90,6 +103,17 @@ void CKXHttpDownloadMgr::StopDownload()
     SetEvent(m_hWakeEvent);
     m_pSession->Cancel();
     WaitForSingleObject(m_hThread, INFINITE);
+}
+
+bool CKXHttpDownloadMgr::IsRunning() const
+{
+    return m_bRunning && !IsStopped() && IsOwnProcess();
+}
+
+CString CKXHttpDownloadMgr::GetLastFailure() const
+{
+    const CKXAutoLock lock(&m_lockTask);
+    return m_strFailure;
 }
 
 // A fork has neither the worker nor the right to what it worked with.
@@ -150,6 +174,7 @@ unsigned CKXHttpDownloadMgr::__DownloadFunc() // NOLINT(bugprone-reserved-identi
         if (!task) break;
         course = Run(*task, file);
     }
+    m_bRunning = false;
     m_pSession->Close();
     return course == Course::Failed ? static_cast<unsigned>(-1) : 0;
 }
@@ -173,11 +198,34 @@ CKXHttpDownloadMgr::Course CKXHttpDownloadMgr::Run(Task& task, CFile& file) noex
     try {
         course = Download(task, file);
     } catch (CException* pException) {
+        NoteFailure(task, *pException);
         pException->Delete();
     } catch (...) {
+        NoteFailure(task, "its callback threw");
     }
     file.Abort(); // what it holds stays
     return course;
+}
+
+void CKXHttpDownloadMgr::NoteFailure(const Task& task, const CException& exception) noexcept
+{
+    std::array<char, 512> text;
+    const bool bText = exception.GetErrorMessage(text.data(), static_cast<UINT>(text.size())) != 0;
+    NoteFailure(task, bText ? text.data() : "it failed");
+}
+
+void CKXHttpDownloadMgr::NoteFailure(const Task& task, const char* pszReason) noexcept
+{
+    if (IsStopped()) return; // cut short as asked
+    try {
+        const CString strFailure = task.strUrl + ": " + pszReason;
+        const CKXAutoLock lock(&m_lockTask);
+        m_strFailure = strFailure;
+    } catch (CException* pException) { // the line below still tells
+        pException->Delete();
+    }
+    kx::debug::Tell("http", "%s: %s; the download worker has ended, and what is queued is never served",
+                    task.strUrl.GetString(), pszReason);
 }
 
 CKXHttpDownloadMgr::Course CKXHttpDownloadMgr::Download(Task& task, CFile& file)
@@ -185,8 +233,12 @@ CKXHttpDownloadMgr::Course CKXHttpDownloadMgr::Download(Task& task, CFile& file)
     std::unique_ptr<CHttpFile> http(m_pSession->OpenURL(task.strUrl, 1, INTERNET_FLAG_TRANSFER_ASCII));
     http->QueryInfo(HTTP_QUERY_CONTENT_LENGTH, task.dwTotalSize);
     NotifyOrCallback(WM_KXDOWNLOADOPENED, &task);
-    if (!task.strLocalFile.IsEmpty() && !file.Open(task.strLocalFile, CFile::modeCreate | CFile::modeWrite))
+    CFileException failure;
+    if (!task.strLocalFile.IsEmpty() &&
+        !file.Open(task.strLocalFile, CFile::modeCreate | CFile::modeWrite, &failure)) {
+        NoteFailure(task, failure);
         return Course::NoFile;
+    }
 
     if (!Transfer(task, *http, file)) {
         NotifyOrCallback(WM_KXDOWNLOADCUT, &task);

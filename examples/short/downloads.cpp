@@ -4,8 +4,8 @@
 #include <platform/Sync.h>
 #include <thread>
 
-// A file downloaded from a server in this process, with a callback that hears of each step; and a report of
-// use.
+// A file downloaded from a server in this process, with a callback that hears of each step; a report of use;
+// and a download that fails, which ends the worker.
 namespace {
 
 HANDLE hDone;
@@ -42,7 +42,13 @@ int main()
     CKXStatSender::Instance().Report("lesson", 12);
     const bool bReported = WaitForSingleObject(hReport, 10'000) == WAIT_OBJECT_0;
     server.stop();
+
+    CKXHttpDownloadMgr& downloads = CKXHttpDownloadMgr::Instance();
+    downloads.AddTask(strHost + "/lesson", "", nullptr); // nobody listens there any more
+    while (downloads.IsRunning()) // a client asks when it next has something to download
+        Sleep(10);
+    std::printf("no more downloads: %s\n", downloads.GetLastFailure().GetString());
     CloseHandle(hReport);
     CloseHandle(hDone);
-    return bEnded && bReported ? 0 : 1;
+    return bEnded && bReported && !downloads.GetLastFailure().IsEmpty() ? 0 : 1;
 }

@@ -3,11 +3,13 @@
 #include "platform/Host.h"
 #include "tests/net/Journal.h"
 #include "tests/support/Child.h"
+#include "tests/support/Host.h"
 #include "tests/support/HttpServer.h"
 #include "tests/support/RawServer.h"
 #include "tests/support/TempDir.h"
 
 #include <filesystem>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -185,7 +187,8 @@ struct Failure
     CString file;
     std::function<void()> act; // at 2030
     Codes codes;
-    std::string kept; // what the local file holds then
+    std::string kept;   // what the local file holds then
+    std::string reason; // a part of what is told of it
 };
 
 // Whatever fails ends the worker: no last code, and no task after it.
@@ -198,22 +201,36 @@ TEST_F(Downloads, TheFirstFailureIsTheEnd)
     devices.strRoot = "/dev";
     KXHost::MountDrive('D', devices);
     const std::vector<Failure> cases = {
-        {"server gone", gone, file, {}, {}, "old"},
-        {"no URL", "optype&optypeval=3", file, {}, {}, "old"},
-        {"another protocol", "file:///etc/hostname", file, {}, {}, "old"},
-        {"cut", cut.Url(), file, {}, {2029, 2030}, "hello"},
-        {"cut, nowhere", cut.Url(), "", {}, {2029, 2030}, "old"},
-        {"no directory", hello.Url(), dir.Win("none\\file"), {}, {2029}, "old"},
-        {"a directory", hello.Url(), dir.Win(), {}, {2029}, "old"},
-        {"full disk", hello.Url(), "D:\\full", {}, {2029}, "old"},
-        {"number thrown", hello.Url(), file, [] { throw 5; }, {2029, 2030}, "hello"},
-        {"exception thrown", hello.Url(), file, [] { AfxThrowMemoryException(); }, {2029, 2030}, "hello"},
+        {"server gone", gone, file, {}, {}, "old", "onnect"},
+        {"no URL", "optype&optypeval=3", file, {}, {}, "old", "URL"},
+        {"another protocol", "file:///etc/hostname", file, {}, {}, "old", "file:///etc/hostname: "},
+        {"cut", cut.Url(), file, {}, {2029, 2030}, "hello", cut.Url() + ": "},
+        {"cut, nowhere", cut.Url(), "", {}, {2029, 2030}, "old", cut.Url() + ": "},
+        {"no directory", hello.Url(), dir.Win("none\\file"), {}, {2029}, "old", "none\\file: "},
+        {"a directory", hello.Url(), dir.Win(), {}, {2029}, "old", "denied"},
+        {"full disk", hello.Url(), "D:\\full", {}, {2029}, "old", "full"},
+        {"number thrown", hello.Url(), file, [] { throw 5; }, {2029, 2030}, "hello", "callback threw"},
+        {"exception thrown",
+         hello.Url(),
+         file,
+         [] { AfxThrowMemoryException(); },
+         {2029, 2030},
+         "hello",
+         "memory"},
     };
     for (const Failure& c : cases) {
         dir.Write("file", "old");
         journal.act = c.act;
+        const test::DebugText debug(true);
+        EXPECT_TRUE(manager->IsRunning());
+        EXPECT_EQ(manager->GetLastFailure(), "");
         const unsigned int id = Add(c.url, c.file, 2030);
         AwaitEnd(1);
+        EXPECT_FALSE(manager->IsRunning());
+        EXPECT_THAT(std::string(manager->GetLastFailure()),
+                    testing::AllOf(testing::StartsWith(c.url + ": "), testing::HasSubstr(c.reason)));
+        EXPECT_EQ(debug.Text(), "http: " + std::string(manager->GetLastFailure()) +
+                                    "; the download worker has ended, and what is queued is never served\n");
         EXPECT_EQ(journal.Codes(id), c.codes) << c.name;
         EXPECT_EQ(dir.Read("file"), c.kept) << c.name;
         const int nConnections = hello.Connections();
@@ -273,6 +290,8 @@ TEST_F(Downloads, AStopEndsAServerThatNeverAnswers)
     AwaitEnd(1);
     manager->StopDownload();
     manager->Initialize();
+    EXPECT_FALSE(manager->IsRunning());
+    EXPECT_EQ(manager->GetLastFailure(), ""); // a stop is no failure
     EXPECT_EQ(journal.Codes(id), Codes{});
     EXPECT_EQ(journal.Codes(later), Codes{});
     std::unique_ptr<CKXHttpDownloadMgr::Task> left(manager->GetNextTask());
@@ -332,8 +351,9 @@ TEST_F(Downloads, AForkEndsWithoutTheWorker)
     Run(hello.Url());
     const pid_t child = fork();
     if (child == 0) {
+        const int nCode = manager->IsRunning() ? 1 : 7;
         manager.reset();
-        _exit(7);
+        _exit(nCode);
     }
     int status = 0;
     waitpid(child, &status, 0);
