@@ -38,6 +38,7 @@
 #include "KXSkinWndRes.h"
 #include "KXStatSender.h"
 #include "KXStrHelper.h"
+#include "KXText.h"
 #include "KXTipWnd.h"
 #include "KXTransparentWnd.h"
 #include "KXWinService.h"

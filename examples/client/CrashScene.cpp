@@ -22,7 +22,7 @@ int PrintReport(tagKXFileInfo* pInfo, long pParam)
     if (strName.Right(4) != ".txt") return 1;
     CStdioFile file;
     if (!file.Open(CString(pInfo->szPath) + strName, CFile::modeRead)) return 0;
-    std::printf("   %s\n", client::Utf8(strName).c_str());
+    std::printf("   %s\n", KXText::ToUtf8(strName).c_str());
     int nLeft = 0;
     for (CString strLine; file.ReadString(strLine);) {
         const char* const heads[] = {"signal", "exception", "instruction", "address"};

@@ -92,7 +92,7 @@ bool DownloadInSkin(const client::LocalServer& server, HWND hWnd, const CString&
 
     CFile file;
     const std::uint64_t nLength = file.Open(strFile, CFile::modeRead) ? file.GetLength() : 0;
-    std::printf("   task %u, in %s: %lu bytes in %d blocks\n", uTask, client::Utf8(strSkin).c_str(),
+    std::printf("   task %u, in %s: %lu bytes in %d blocks\n", uTask, KXText::ToUtf8(strSkin).c_str(),
                 static_cast<unsigned long>(nLength), download.nBlocks);
     return nLength == client::LocalServer::kLessonSize &&
            download.sheet.Write("download-" + strSkin + ".png");

@@ -15,7 +15,7 @@ LRESULT OnMessage(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
     const CString strTitle = pLans->GetString("IDS_TITLE");
     SetWindowTextA(hWnd, strTitle);
     std::printf("   window heard message %u: its title is now \"%s\"\n", nMsg,
-                client::Utf8(strTitle).c_str());
+                KXText::ToUtf8(strTitle).c_str());
     CKXLogSys::GetSingletonPtr()->PushLogEx(CKXLogSys::LogInfo, "language is now %s",
                                             pLans->GetCurrentLan().strID.GetString());
     return 0;
@@ -46,7 +46,7 @@ private:
 void PrintTexts(CKXLanResManager* pLans)
 {
     for (const char* pszKey : {"IDS_GREETING", "IDS_TEST_HINT", "IDS_NOT_THERE"})
-        std::printf("      %-14s %s\n", pszKey, client::Utf8(pLans->GetString(pszKey)).c_str());
+        std::printf("      %-14s %s\n", pszKey, KXText::ToUtf8(pLans->GetString(pszKey)).c_str());
 }
 
 } // namespace
@@ -58,17 +58,18 @@ bool client::ShowLanguages()
     if (!pLans->Initialize("Languages")) return false;
     const int nLans = pLans->GetLanCount();
     for (int n = 0; n < nLans; ++n)
-        std::printf("   %d: %s, \"%s\"\n", n, Utf8(pLans->GetLanID(n)).c_str(),
-                    Utf8(pLans->GetLanName(n)).c_str());
+        std::printf("   %d: %s, \"%s\"\n", n, KXText::ToUtf8(pLans->GetLanID(n)).c_str(),
+                    KXText::ToUtf8(pLans->GetLanName(n)).c_str());
 
     const Window window;
     pLans->SetCurrentLanFromReg(szAppName, 1);
-    std::printf("   starting in %s, as saved for this user\n", Utf8(pLans->GetCurrentLan().strName).c_str());
+    std::printf("   starting in %s, as saved for this user\n",
+                KXText::ToUtf8(pLans->GetCurrentLan().strName).c_str());
     PrintTexts(pLans);
 
     const int nNext = (pLans->GetCurrentLanIndex() + 1) % nLans;
     if (!pLans->SetCurrentLan(nNext, 1)) return false;
     PrintTexts(pLans);
-    std::printf("   saving %s for the next run\n", Utf8(pLans->GetCurrentLan().strName).c_str());
+    std::printf("   saving %s for the next run\n", KXText::ToUtf8(pLans->GetCurrentLan().strName).c_str());
     return CKXLanResManager::SaveLanToReg(szAppName, pLans->GetCurrentLan().strID) && g_nHeard == 2;
 }

@@ -19,7 +19,7 @@ bool client::ShowLog()
             strAll += "   " + strLine + "\n";
         }
         if (!bMarked) continue;
-        std::fputs(Utf8(strAll).c_str(), stdout);
+        std::fputs(KXText::ToUtf8(strAll).c_str(), stdout);
         return true;
     }
     return false;

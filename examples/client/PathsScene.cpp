@@ -12,15 +12,15 @@ int PrintEntry(tagKXFileInfo* pInfo, long)
     const CString strPath = CString(pInfo->szPath) + pInfo->FindData.cFileName;
     CKXFileSystem::GetTypeDesc(strPath, strDisplay, strType);
     CKXFileSystem::GetFileImage(strPath, info, 1);
-    std::printf("   %-20s %-28s icon %d\n", client::Utf8(strDisplay).c_str(), client::Utf8(strType).c_str(),
-                info.iIcon);
+    std::printf("   %-20s %-28s icon %d\n", KXText::ToUtf8(strDisplay).c_str(),
+                KXText::ToUtf8(strType).c_str(), info.iIcon);
     return 1;
 }
 
 int PrintDisk(tagKXDiskInfo* pInfo, long)
 {
     std::printf("   %c: %s, %s, serial %08X\n", pInfo->cDriveLetter,
-                client::Utf8(pInfo->szDisplayName).c_str(), pInfo->szFileSystem, pInfo->dwSerialNumber);
+                KXText::ToUtf8(pInfo->szDisplayName).c_str(), pInfo->szFileSystem, pInfo->dwSerialNumber);
     return 1;
 }
 
@@ -29,7 +29,7 @@ int PrintDisk(tagKXDiskInfo* pInfo, long)
 bool client::ShowPaths()
 {
     const CKXFileSystem& files = *CKXFileSystem::GetInstancePtr();
-    std::printf("   executable %s\n", Utf8(files.GetAppExeName()).c_str());
+    std::printf("   executable %s\n", KXText::ToUtf8(files.GetAppExeName()).c_str());
     CKXExeFileInfo::VersionInfo version{};
     if (!CKXExeFileInfo::GetFileInfo(files.GetAppPath() + files.GetAppExeName(), version)) return false;
     std::printf("   version    %u.%u.%u.%u\n", version.dwMajor, version.dwMinor, version.dwRevision,

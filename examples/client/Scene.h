@@ -30,7 +30,4 @@ int RunSpelling();
 // How a client is started whose only work is to crash, for ShowCrash; it doesn't return.
 int Crash();
 
-// A text of the library, which is in the process's code page, as the terminal's UTF-8.
-std::string Utf8(const CString& str);
-
 } // namespace client

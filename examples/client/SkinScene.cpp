@@ -31,7 +31,7 @@ bool WriteDesktop(const CString& strSkin, const CString& strLan)
 
 int OnSkinChanged(const CString& strPath)
 {
-    std::printf("      all of it is loaded from %s\n", client::Utf8(strPath).c_str());
+    std::printf("      all of it is loaded from %s\n", KXText::ToUtf8(strPath).c_str());
     return 1;
 }
 
@@ -39,10 +39,10 @@ bool ShowSkin(CKXSkinResManager& skins, int nSkin)
 {
     const CString strSkin = skins.GetSkinName(nSkin);
     PaintDesktop();
-    std::printf("   changing to %s\n", client::Utf8(strSkin).c_str());
+    std::printf("   changing to %s\n", KXText::ToUtf8(strSkin).c_str());
     if (!skins.SetSkin(strSkin, 1) || skins.GetCurrentSkinkID() != nSkin) return false;
     std::printf("      the current skin is %s, its title by %d pixels higher than the desktop's\n",
-                client::Utf8(skins.GetCurrentSkinName()).c_str(), skins.GetTitleBarAdjust());
+                KXText::ToUtf8(skins.GetCurrentSkinName()).c_str(), skins.GetTitleBarAdjust());
     CKXLanResManager* pLans = CKXLanResManager::GetSingletonPtr();
     for (int n = 0; n < pLans->GetLanCount(); ++n) {
         const CString strLan = pLans->GetLanID(n);
@@ -75,7 +75,7 @@ bool client::ShowSkins()
     if (!start.IsStarted() || pSkins->GetSkinsTotal() == 0) return false;
     if (!KXHost::UseMemoryDesktop(sizePicture.cx, sizePicture.cy)) return false;
     for (int n = 0; n < pSkins->GetSkinsTotal(); ++n)
-        std::printf("   %d: %s\n", n, Utf8(pSkins->GetSkinName(n)).c_str());
+        std::printf("   %d: %s\n", n, KXText::ToUtf8(pSkins->GetSkinName(n)).c_str());
     pSkins->SetCallbackFunc(OnSkinChanged);
     const bool bShown = ShowAllSkins(*pSkins);
     pSkins->SetCallbackFunc(nullptr);

@@ -51,7 +51,7 @@ private:
 bool TakeTest(client::CSpellingWnd& wnd, Player& player)
 {
     const client::SpellingTest& test = wnd.Test();
-    std::printf("   asked for \"%s\" as %s\n", client::Utf8(test.Meaning()).c_str(),
+    std::printf("   asked for \"%s\" as %s\n", KXText::ToUtf8(test.Meaning()).c_str(),
                 test.Shown().GetString());
     player.Type("voyege");
     if (!player.Save("spelling-1-typed.png")) return false;
@@ -71,8 +71,8 @@ bool ChangeLook(client::CSpellingWnd& wnd, Player& player)
     player.Click(wnd.SkinCenter(0));
     player.Click(wnd.LanguageCenter(0));
     std::printf("   picked the skin %s and the language %s\n",
-                client::Utf8(CKXSkinResManager::GetSingletonPtr()->GetCurrentSkinName()).c_str(),
-                client::Utf8(CKXLanResManager::GetSingletonPtr()->GetCurrentLan().strName).c_str());
+                KXText::ToUtf8(CKXSkinResManager::GetSingletonPtr()->GetCurrentSkinName()).c_str(),
+                KXText::ToUtf8(CKXLanResManager::GetSingletonPtr()->GetCurrentLan().strName).c_str());
     if (!player.Save("spelling-3-other-look.png")) return false;
     player.Enter();
     player.Click(wnd.ButtonCenter(1)); // the hint, a tip that is up by now

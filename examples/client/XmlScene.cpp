@@ -78,16 +78,18 @@ bool client::ShowWordLists()
     if (!doc.Load(strPath)) return false;
     CKXXmlDomElement root = doc.GetDocumentElement();
     std::printf("   \"%s\", %ld words, as read back from words.xml:\n",
-                Utf8(root.GetAttributeString("list")).c_str(), root.GetAttributeInt32("count"));
+                KXText::ToUtf8(root.GetAttributeString("list")).c_str(), root.GetAttributeInt32("count"));
     std::size_t nSame = 0;
     for (const CKXXmlDomElement& word : root.GetChilds("word")) {
         const Entry entry = Read(word);
-        std::printf("      %-14s %-6s %3d  %s\n", Utf8(entry.strWord).c_str(), Utf8(entry.strMeaning).c_str(),
-                    entry.nScore, entry.tLearned.Format("%Y-%m-%d %H:%M:%S").GetString());
+        std::printf("      %-14s %-6s %3d  %s\n", KXText::ToUtf8(entry.strWord).c_str(),
+                    KXText::ToUtf8(entry.strMeaning).c_str(), entry.nScore,
+                    entry.tLearned.Format("%Y-%m-%d %H:%M:%S").GetString());
         if (nSame < entries.size()) nSame += Same(entry, entries[nSame]);
     }
-    std::printf("   best: %s\n",
-                Utf8(root.GetChild("word[score][not(../word/score > score)]/text").GetText()).c_str());
-    std::printf("   %s\n", Utf8(root.GetChild("word[3]").GetXml()).c_str());
+    std::printf(
+        "   best: %s\n",
+        KXText::ToUtf8(root.GetChild("word[score][not(../word/score > score)]/text").GetText()).c_str());
+    std::printf("   %s\n", KXText::ToUtf8(root.GetChild("word[3]").GetXml()).c_str());
     return nSame == entries.size();
 }

@@ -17,7 +17,7 @@ int main(int nArgs, char** args)
     CKXLogSys* pLog = CKXLogSys::GetSingletonPtr();
     const CString strLog = CKXFileSystem::GetInstancePtr()->GetAppPath() + "client.log";
     if (!pLog->Initialize(strLog)) {
-        std::fprintf(stderr, "no log at %s\n", client::Utf8(strLog).c_str());
+        std::fprintf(stderr, "no log at %s\n", KXText::ToUtf8(strLog).c_str());
         return 1;
     }
     constexpr client::Scene scenes[] = {
