@@ -6,6 +6,7 @@
 #include "platform/Window.h"
 
 #include <memory>
+#include <set>
 #include <string_view>
 #include <vector>
 
@@ -26,8 +27,8 @@ class StringTable;
 class KX_API CKXLanResManager
 {
 public:
-    // The manager, made at the first call, which must not race with another; null (or std::bad_alloc from
-    // its members) for lack of memory. The object is the library's.
+    // The manager, made at the first call, which must not race with another; null for lack of
+    // memory, or a CMemoryException* from its members. The object is the library's.
     static CKXLanResManager* GetSingletonPtr();
 
     CKXLanResManager(const CKXLanResManager&) = delete;
@@ -98,6 +99,8 @@ private:
 
     bool ReadLanData(const CString& strFile);
     void AddLine(const CString& strLine);
+    void TellMissing(const CString& strKey);
+    void TellFindings() const;
     void Insert(std::string_view key, std::string_view value);
     int Select(int nIndex, int bNotify);
     const KXLanguageItem* FindLan(int nIndex) KX_REQUIRES(m_csLans);
@@ -106,6 +109,7 @@ private:
     CKXCritSection m_csData;
     std::vector<KXLanguageItem> m_vecLans KX_GUARDED_BY(m_csLans);
     std::unique_ptr<kx::language::StringTable> m_mapStrings KX_GUARDED_BY(m_csData); // null: no texts
+    std::set<CString> m_setMissing KX_GUARDED_BY(m_csData); // keys that a diagnostic has told of
     KXLanguageItem m_curLan;
     int m_nCurLan = -1;
     CString m_strLanRoot;

@@ -4,9 +4,11 @@
 #include "KXFileSystem.h"
 #include "KXIniDataMgr.h"
 #include "KXMessages.h"
+#include "internal/Debug.h"
 #include "internal/WindowNotice.h"
 #include "language/StringTable.h"
 #include "platform/Debug.h"
+#include "platform/Exception.h"
 #include "platform/FileSystem.h"
 #include "platform/Registry.h"
 
@@ -69,7 +71,7 @@ void CKXLanResManager::Uninitialize()
 }
 
 int CKXLanResManager::Initialize(const CString& strLanDir)
-{
+try {
     {
         const CKXAutoLock lock(&m_csLans);
         m_vecLans.clear();
@@ -80,7 +82,10 @@ int CKXLanResManager::Initialize(const CString& strLanDir)
 
     WIN32_FIND_DATAA entry;
     const HANDLE hFind = FindFirstFileA(m_strLanRoot + "*", &entry);
-    if (hFind == INVALID_HANDLE_VALUE) return 0;
+    if (hFind == INVALID_HANDLE_VALUE) {
+        kx::debug::Tell("language", "%s can't be read: there is no language", m_strLanRoot.GetString());
+        return 0;
+    }
     constexpr auto close = [](HANDLE handle) { FindClose(handle); };
     const std::unique_ptr<void, decltype(close)> search(hFind, close);
     int nResult = 0;
@@ -88,12 +93,19 @@ int CKXLanResManager::Initialize(const CString& strLanDir)
         const std::string_view name = entry.cFileName;
         if (!(entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) || name == "." || name == "..") continue;
         KXLanguageItem item(entry.cFileName, "");
-        if (!LoadLanProperty(m_strLanRoot + item.strID, item)) continue;
+        if (!LoadLanProperty(m_strLanRoot + item.strID, item)) {
+            kx::debug::Tell("language",
+                            "%s%s is passed over: its Lan.ini has no key Language in section [Language]",
+                            m_strLanRoot.GetString(), item.strID.GetString());
+            continue;
+        }
         const CKXAutoLock lock(&m_csLans);
         m_vecLans.push_back(std::move(item));
         nResult = 1;
     } while (FindNextFileA(hFind, &entry));
     return nResult;
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 int CKXLanResManager::LoadLanProperty(const CString& strLanPath, KXLanguageItem& item)
@@ -103,9 +115,11 @@ int CKXLanResManager::LoadLanProperty(const CString& strLanPath, KXLanguageItem&
 }
 
 void CKXLanResManager::GetLans(std::vector<KXLanguageItem>& vecLans)
-{
+try {
     const CKXAutoLock lock(&m_csLans);
     vecLans = m_vecLans;
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 int CKXLanResManager::GetLanCount()

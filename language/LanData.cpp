@@ -2,7 +2,10 @@
 
 #include "KXAutoLock.h"
 #include "KXLanResManager.h"
+#include "internal/Debug.h"
+#include "language/LanguageCheck.h"
 #include "language/StringTable.h"
+#include "platform/Exception.h"
 #include "platform/MessageBox.h"
 #include "platform/StdioFile.h"
 
@@ -21,17 +24,6 @@ void ShowFailure(const CException& exception)
         AfxMessageBox(text.data(), 0, 0);
 }
 
-// White space is ASCII and never the second byte of a letter.
-std::string_view Trim(std::string_view text)
-{
-    constexpr auto isSpace = [](char ch) { return ch == ' ' || (ch >= '\t' && ch <= '\r'); };
-    while (!text.empty() && isSpace(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isSpace(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
-
 // In this order, each over the whole value: what one makes, the next may see.
 CString ReplaceEscapes(std::string_view value)
 {
@@ -45,16 +37,34 @@ CString ReplaceEscapes(std::string_view value)
 } // namespace
 
 CString CKXLanResManager::GetString(const CString& strKey)
+try {
+    {
+        const CKXAutoLock lock(&m_csData);
+        if (const CString* pText = m_mapStrings ? m_mapStrings->Find(strKey.View()) : nullptr) return *pText;
+    }
+    if (kx::debug::Wants("language")) TellMissing(strKey);
+    return strKey;
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
+}
+
+// Each key once, as a client may ask at every paint.
+void CKXLanResManager::TellMissing(const CString& strKey)
 {
-    const CKXAutoLock lock(&m_csData);
-    const CString* pText = m_mapStrings ? m_mapStrings->Find(strKey.View()) : nullptr;
-    return pText ? *pText : strKey;
+    constexpr std::size_t nMost = 1000;
+    {
+        const CKXAutoLock lock(&m_csData);
+        if (m_setMissing.size() >= nMost || !m_setMissing.insert(strKey).second) return;
+    }
+    kx::debug::Tell("language", "there is no text for key \"%s\"; the key is taken", strKey.GetString());
 }
 
 void CKXLanResManager::InsertString(const CString& strKey, // by value, as clients have it declared:
                                     CString strValue)      // NOLINT(performance-unnecessary-value-param)
-{
+try {
     Insert(strKey.View(), strValue.View());
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 void CKXLanResManager::Insert(std::string_view key, std::string_view value)
@@ -75,12 +85,14 @@ void CKXLanResManager::ClearLanData()
     std::unique_ptr<StringTable> old;
     const CKXAutoLock lock(&m_csData);
     m_mapStrings.swap(old);
+    m_setMissing.clear();
 }
 
 int CKXLanResManager::LoadLanData()
 {
     ClearLanData();
     try {
+        if (kx::debug::Wants("language")) TellFindings();
         return ReadLanData(m_strLanRoot + m_curLan.strID + "\\Data.txt");
     } catch (CException* pException) {
         ShowFailure(*pException);
@@ -89,6 +101,18 @@ int CKXLanResManager::LoadLanData()
         ShowFailure(CMemoryException());
     }
     return 0;
+}
+
+void CKXLanResManager::TellFindings() const
+{
+    std::vector<kx::language::Text> texts;
+    kx::language::ReadLanguage(m_strLanRoot + m_curLan.strID + "\\", texts, [](const kx::Finding& finding) {
+        if (finding.nLine > 0)
+            kx::debug::Tell("language", "%s:%d: %s", finding.strFile.GetString(), finding.nLine,
+                            finding.strText.GetString());
+        else
+            kx::debug::Tell("language", "%s %s", finding.strFile.GetString(), finding.strText.GetString());
+    });
 }
 
 bool CKXLanResManager::ReadLanData(const CString& strFile)
@@ -108,9 +132,5 @@ bool CKXLanResManager::ReadLanData(const CString& strFile)
 
 void CKXLanResManager::AddLine(const CString& strLine)
 {
-    const int nEqual = strLine.Find('=');
-    if (nEqual < 0) return;
-    const std::string_view line = strLine.View();
-    const auto nKey = static_cast<std::size_t>(nEqual);
-    Insert(Trim(line.substr(0, nKey)), Trim(line.substr(nKey + 1)));
+    if (const auto line = kx::language::SplitLine(strLine)) Insert(line->key, line->value);
 }

@@ -1,11 +1,27 @@
 #include "KXSkinResManager.h"
 
 #include "KXMessages.h"
+#include "internal/Debug.h"
 #include "internal/IniSnapshot.h"
 #include "internal/WindowNotice.h"
 #include "platform/Debug.h"
+#include "platform/Exception.h"
+#include "skin/SkinCheck.h"
 
 #include <new>
+
+namespace {
+
+void TellFinding(const kx::Finding& finding)
+{
+    if (finding.nLine > 0)
+        kx::debug::Tell("skin", "%s:%d: %s", finding.strFile.GetString(), finding.nLine,
+                        finding.strText.GetString());
+    else
+        kx::debug::Tell("skin", "%s %s", finding.strFile.GetString(), finding.strText.GetString());
+}
+
+} // namespace
 
 CKXSkinResManager* CKXSkinResManager::s_pInstance = nullptr;
 
@@ -38,10 +54,12 @@ void CKXSkinResManager::UnInitialize()
 }
 
 int CKXSkinResManager::EnumSkins()
-{
+try {
     m_vecSkins.clear();
     CKXFileSystem::EnumDirs(m_strSkinsRoot, EnumDirCallback, reinterpret_cast<long>(this));
     return GetSkinsTotal();
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 int CKXSkinResManager::EnumDirCallback(tagKXFileInfo* pInfo, long lParam)
@@ -83,7 +101,7 @@ int CKXSkinResManager::Select(int nIndex, const CString& strName, int bNotify)
 }
 
 int CKXSkinResManager::LoadSkinResources()
-{
+try {
     const CString strFile = m_strCurrentSkinPath + "Skin.ini";
     const kx::profile::IniSnapshot snapshot; // all values from one state of the file
     m_WndRes.LoadRes(m_strCurrentSkinPath + "Common\\Window\\", strFile);
@@ -91,7 +109,10 @@ int CKXSkinResManager::LoadSkinResources()
     m_IMLRes.LoadRes(m_strCurrentSkinPath + "Common\\IMList\\", strFile);
     m_OthRes.LoadRes(m_strCurrentSkinPath + "Common\\Others\\", strFile);
     m_ClrDef.ReadColors(strFile);
+    if (kx::debug::Wants("skin")) kx::skin::CheckSkin(m_strCurrentSkinPath, TellFinding);
     return 1;
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 int CKXSkinResManager::NotifySkinChanged()

@@ -81,6 +81,29 @@ TEST_F(LanData, TextsByHandNeverOverwriteAndEndWithTheLanguage)
     EXPECT_EQ(Get("n"), "n");
 }
 
+// Who asks for diagnostics hears of what the table passes over, and of each missing key once.
+TEST_F(LanData, DiagnosticsTellWhatIsWrongWithTheTexts)
+{
+    const test::DebugText described;
+    Load("k=v\nk=w\n");
+    Get("none");
+    const test::DebugText debug(true);
+    test::AppDir().MakeDir(tree.Path("nameless"));
+    lans->Initialize(tree.Name().c_str());
+    lans->SetCurrentLan("L", 0);
+    for (int n = 0; n < 2; ++n)
+        Get("none");
+    const std::string root = std::string(test::AppDir().Win(tree.Name())) + "\\";
+    EXPECT_EQ(debug.Text(),
+              "language: " + root +
+                  "nameless is passed over: its Lan.ini has no key Language in section [Language]\n"
+                  "language: " +
+                  root +
+                  "L\\Data.txt:2: key k stands at line 1 already, and that text is taken\n"
+                  "language: there is no text for key \"none\"; the key is taken\n");
+    EXPECT_EQ(described.Text(), "");
+}
+
 TEST_F(LanData, AMissingFileIsShownAndTheSelectionStands)
 {
     Load("k=v\n");

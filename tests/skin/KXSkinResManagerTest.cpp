@@ -232,6 +232,29 @@ TEST_F(Skins, MissingAndBrokenFilesLeaveDefaults)
     EXPECT_EQ(skins->GetOthRes()->m_imgFileReceive.GetImageSize().cx, 1);
 }
 
+// Who asks for diagnostics hears of each fallback; nobody else does.
+TEST_F(Skins, DiagnosticsTellWhatIsMissing)
+{
+    const test::DebugText described;
+    const test::DebugText debug(true);
+    Tree().Write("Skins/Partial/Skin.ini", "[COLOR]\r\nTextColor=red\r\nTextColour=1,2,3\r\n");
+    skins->SetSkin("Partial", 0);
+    Tree().Write("Skins/Partial/Skin.ini", test::SkinFile("Skin.ini"));
+    const std::string path = std::string(root) + "Partial\\";
+    EXPECT_THAT(debug.Text(),
+                testing::AllOf(
+                    testing::HasSubstr("skin: " + path +
+                                       "Skin.ini:2: \"red\" is no colour, which is three numbers from 0 to "
+                                       "255; RGB(0,0,0) is taken\n"),
+                    testing::HasSubstr("skin: " + path +
+                                       "Skin.ini:3: nothing reads key TextColour; did you mean "
+                                       "\"TextColor\"?\n"),
+                    testing::HasSubstr("skin: " + path +
+                                       "Common\\Button\\PushButton.bmp is missing: nothing is "
+                                       "drawn where it is needed\n")));
+    EXPECT_EQ(described.Text(), "");
+}
+
 TEST_F(Skins, OneThatIsGoneSinceIsLeftWithDefaults)
 {
     for (const std::string& name : test::SkinFiles())
