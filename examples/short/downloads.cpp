@@ -1,6 +1,7 @@
 #include "Short.h"
 
 #include <httplib.h>
+#include <platform/Clock.h>
 #include <platform/Sync.h>
 #include <thread>
 

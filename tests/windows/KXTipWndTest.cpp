@@ -161,10 +161,14 @@ TEST_F(Tip, StaysAboveOtherWindowsAndDisturbsNone)
 {
     CFocusCounter own;
     const CRect rc(kLeft, kTop, kLeft + 200, kTop + 100);
-    own.CreateEx(0, AfxRegisterWndClass(0), "", WS_POPUP | WS_VISIBLE, rc, nullptr, 0);
+    const auto hWhite = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
+    own.CreateEx(0, AfxRegisterWndClass(0, nullptr, hWhite), "", WS_POPUP | WS_VISIBLE, rc, nullptr, 0);
+    Pump();
     ASSERT_EQ(CWnd::GetFocus(), &own);
+    ASSERT_EQ(Seen(kLeft, kTop), RGB(255, 255, 255));
     tip.CreateTipWnd();
-    tip.ShowTipWnd("text", 1000);
+    for (int n = 0; n < 2; ++n) // anew, and while it is up
+        tip.ShowTipWnd("text", 1000);
     EXPECT_EQ(own.m_nLosses, 0);
     own.SetWindowPos(HWND_TOP, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
     EXPECT_EQ(Seen(kLeft, kTop), kYellow);

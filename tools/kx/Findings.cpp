@@ -1,0 +1,124 @@
+#include "tools/kx/Findings.h"
+
+#include <KXText.h>
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <platform/Host.h>
+#include <tuple>
+#include <utility>
+
+namespace kx::tool {
+
+namespace {
+
+// A path of the library as people write it, below the tree that was checked.
+std::string Shown(const CString& strFile, const std::string& strRoot)
+{
+    const std::string path = KXHost::ToSystemPath(strFile);
+    if (path.empty()) return KXText::ToUtf8(strFile);
+    std::error_code error;
+    const auto relative = std::filesystem::relative(path, strRoot, error);
+    return error || relative.empty() ? path : relative.string();
+}
+
+const char* Plural(std::size_t n)
+{
+    return n == 1 ? "" : "s";
+}
+
+} // namespace
+
+const char* NameOf(Severity severity)
+{
+    switch (severity) {
+    case Severity::Error:
+        return "error";
+    case Severity::Warning:
+        return "warning";
+    default:
+        return "note";
+    }
+}
+
+std::string JsonText(std::string_view text)
+{
+    std::string json;
+    for (const char ch : text) {
+        if (ch == '"' || ch == '\\') json += '\\';
+        if (static_cast<unsigned char>(ch) >= ' ') {
+            json += ch;
+            continue;
+        }
+        std::array<char, 8> escape;
+        std::snprintf(escape.data(), escape.size(), "\\u%04x", static_cast<unsigned>(ch));
+        json += escape.data();
+    }
+    return json;
+}
+
+FindingSink Findings::Sink()
+{
+    return [this](const Finding& finding) { m_all.push_back(finding); };
+}
+
+bool Findings::HasErrors() const
+{
+    return std::any_of(m_all.begin(), m_all.end(),
+                       [](const Finding& finding) { return finding.severity == Severity::Error; });
+}
+
+int Findings::Print(const std::string& strRoot, bool bJson)
+{
+    std::stable_sort(m_all.begin(), m_all.end(), [](const Finding& a, const Finding& b) {
+        return std::tie(a.strFile, a.nLine, a.nColumn) < std::tie(b.strFile, b.nLine, b.nColumn);
+    });
+    std::array<std::size_t, 3> counts{};
+    std::string out = bJson ? "{\"findings\":[" : "";
+    for (const Finding& finding : m_all) {
+        const std::string file = Shown(finding.strFile, strRoot);
+        const std::string text = KXText::ToUtf8(finding.strText);
+        const char* const pszName = NameOf(finding.severity);
+        if (bJson) {
+            if (out.back() == '}') out += ',';
+            out += "{\"file\":\"" + JsonText(file) + "\",\"line\":" + std::to_string(finding.nLine) +
+                   ",\"column\":" + std::to_string(finding.nColumn) + ",\"severity\":\"" + pszName +
+                   "\",\"rule\":\"" + finding.pszRule + "\",\"text\":\"" + JsonText(text) + "\"}";
+        } else {
+            out += file + ":";
+            if (finding.nLine > 0) out += std::to_string(finding.nLine) + ":";
+            if (finding.nColumn > 0) out += std::to_string(finding.nColumn) + ":";
+            out += std::string(" ") + pszName + ": " + text + " [" + finding.pszRule + "]\n";
+        }
+        ++counts[static_cast<std::size_t>(finding.severity)];
+    }
+    const auto& [nErrors, nWarnings, nNotes] = counts;
+    if (bJson)
+        out += "],\"errors\":" + std::to_string(nErrors) + ",\"warnings\":" + std::to_string(nWarnings) +
+               ",\"notes\":" + std::to_string(nNotes) + "}\n";
+    else
+        out += std::to_string(nErrors) + " error" + Plural(nErrors) + ", " + std::to_string(nWarnings) +
+               " warning" + Plural(nWarnings) + ", " + std::to_string(nNotes) + " note" + Plural(nNotes) +
+               "\n";
+    std::fwrite(out.data(), 1, out.size(), stdout);
+    return nErrors + nWarnings > 0 ? Found : Clean;
+}
+
+CString LibraryPath(const std::string& path, bool bDirectory)
+{
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, error).lexically_normal();
+    CString strPath = error ? CString() : KXHost::FromSystemPath(absolute.string());
+    if (bDirectory && !strPath.IsEmpty() && strPath.ReverseFind('\\') != strPath.GetLength() - 1)
+        strPath += '\\';
+    return strPath;
+}
+
+int Complain(const std::string& text)
+{
+    std::fprintf(stderr, "kx: %s\n", text.c_str());
+    return Failed;
+}
+
+} // namespace kx::tool

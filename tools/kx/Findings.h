@@ -1,0 +1,49 @@
+#pragma once
+
+#include "internal/Finding.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kx::tool {
+
+// How a command ends; what a script of a build asks for.
+enum ExitCode
+{
+    Clean = 0, // nothing worse than a note
+    Found = 1, // warnings or errors
+    Failed = 2 // it couldn't be done, or was asked for wrongly
+};
+
+// What checks found, and its output.
+class Findings
+{
+public:
+    FindingSink Sink();
+    void Add(Finding finding) { m_all.push_back(std::move(finding)); }
+    bool HasErrors() const;
+    const std::vector<Finding>& All() const { return m_all; }
+
+    // Writes all to the standard output, in order of file and line: a line for each, as compilers do, and a
+    // sum; or with `bJson` one JSON object. Files are named from `strRoot`, the Linux path of what was
+    // checked, on. The exit code.
+    int Print(const std::string& strRoot, bool bJson);
+
+private:
+    std::vector<Finding> m_all;
+};
+
+// "error", "warning" or "note".
+const char* NameOf(Severity severity);
+// A text as the inside of a JSON string.
+std::string JsonText(std::string_view text);
+
+// The library's path of a Linux path, which may be relative; empty where it has none. With `bDirectory` it
+// ends in a backslash.
+CString LibraryPath(const std::string& path, bool bDirectory);
+
+// Says on the standard error what went wrong: "kx: ..."; gives Failed.
+int Complain(const std::string& text);
+
+} // namespace kx::tool
