@@ -2,11 +2,11 @@
 
 #include "include/platform/Host.h"
 #include "platform/Immortal.h"
+#include "platform/sync/Mutex.h"
 
 #include <algorithm>
 #include <atomic>
 #include <memory>
-#include <mutex>
 
 namespace kx::debug {
 
@@ -62,13 +62,12 @@ constinit std::atomic<bool> g_bAnyDiagnostics{false};
 
 struct Registry
 {
-    std::mutex lock;
-    std::shared_ptr<const List> list =
-        std::make_shared<List>(); // never changed, only replaced; under the lock
-    int nLastId = 0;              // under the lock
+    sync::Mutex lock;
+    std::shared_ptr<const List>
+        list KX_GUARDED_BY(lock) = std::make_shared<List>(); // never changed, only replaced
+    int nLastId KX_GUARDED_BY(lock) = 0;
 
-    // Under the lock.
-    void Replace(std::shared_ptr<const List> with) noexcept
+    void Replace(std::shared_ptr<const List> with) noexcept KX_REQUIRES(lock)
     {
         list = std::move(with);
         g_bAny.store(!list->empty(), std::memory_order_release);
@@ -113,7 +112,7 @@ void TellObservers(std::string_view text, Kind kind)
     Registry& registry = TheRegistry();
     std::shared_ptr<const List> list;
     {
-        std::lock_guard lock(registry.lock);
+        const sync::MutexLock lock(registry.lock);
         list = registry.list;
     }
     for (const auto& observer : *list) {
@@ -132,7 +131,7 @@ int KXHost::AddDebugObserver(DebugObserver observer, bool bDiagnostics)
 {
     using namespace kx::debug;
     Registry& registry = TheRegistry();
-    std::lock_guard lock(registry.lock);
+    const kx::sync::MutexLock lock(registry.lock);
     const int nId = registry.nLastId == INT32_MAX ? 1 : registry.nLastId + 1;
     auto list = std::make_shared<List>(*registry.list);
     if (observer) list->push_back(std::make_shared<Observer>(nId, std::move(observer), bDiagnostics));
@@ -147,7 +146,7 @@ void KXHost::RemoveDebugObserver(int nObserver)
     Registry& registry = TheRegistry();
     std::shared_ptr<Observer> removed;
     {
-        std::lock_guard lock(registry.lock);
+        const kx::sync::MutexLock lock(registry.lock);
         auto list = std::make_shared<List>(*registry.list);
         const auto found =
             std::find_if(list->begin(), list->end(), [&](const auto& one) { return one->Id() == nObserver; });

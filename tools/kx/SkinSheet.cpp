@@ -145,10 +145,10 @@ void SkinSheet::Frame(const CRect& rc, bool bFront)
     m_wnd.m_bmpBottom.TransparentDrawFill(pDC, CRect(rc.left, yBottom, rc.right, rc.bottom), kKey, nState);
     if (m_list.m_hNormalIcon)
         pDC->DrawIcon(rc.left + m_wnd.m_nSysMenuLeft, rc.top + m_wnd.m_nSysMenuTop, m_list.m_hNormalIcon);
+    const int xButtons = CaptionButtons(rc, bFront);
     pDC->SelectObject(&m_bold);
-    Text(CRect(rc.left + m_wnd.m_nTitleTextLeft, rc.top + m_wnd.m_nTitleTextTop, rc.right, yTitle), m_strName,
-         m_wnd.m_clrTitle, DT_LEFT);
-    CaptionButtons(rc, bFront);
+    Text(CRect(rc.left + m_wnd.m_nTitleTextLeft, rc.top + m_wnd.m_nTitleTextTop, xButtons - 4, yTitle),
+         m_strName, m_wnd.m_clrTitle, DT_LEFT);
     pDC->SelectObject(&m_font);
     if (rcClient.Height() > 40)
         Text(CRect(rcClient.left + 10, rcClient.top + 6, rcClient.right, rcClient.top + 26), "Text on it",
@@ -177,8 +177,8 @@ void SkinSheet::Background(const CRect& rc)
     }
 }
 
-// From the right: in a row with equal spaces, or each at its own offset.
-void SkinSheet::CaptionButtons(const CRect& rc, bool bFront)
+// From the right: in a row with equal spaces, or each at its own offset. Where the last one begins.
+int SkinSheet::CaptionButtons(const CRect& rc, bool bFront)
 {
     struct
     {
@@ -190,11 +190,14 @@ void SkinSheet::CaptionButtons(const CRect& rc, bool bFront)
         {m_wnd.m_bmpMinBtn, m_wnd.m_sizeMinBtn.cx, m_wnd.m_nMinBtnOffset, m_wnd.m_nMinBtnTop},
     };
     int xNext = rc.right - m_wnd.m_nCloseBtnOffset;
+    int xFirst = rc.right;
     for (const auto& button : buttons) {
         const int x = (m_wnd.m_bAutoAlign ? xNext : rc.right - button.nOffset) - button.cx;
         button.bitmap.TransparentDraw(&m_surface.GetDC(), x, rc.top + button.nTop, kKey, bFront ? 0 : 4);
         xNext = x - m_wnd.m_nBtnSpace;
+        xFirst = std::min(xFirst, x);
     }
+    return xFirst;
 }
 
 void SkinSheet::Strips(const char* pszDir)

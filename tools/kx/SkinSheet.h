@@ -31,7 +31,7 @@ private:
     void Frames();
     void Frame(const CRect& rc, bool bFront);
     void Background(const CRect& rc);
-    void CaptionButtons(const CRect& rc, bool bFront);
+    int CaptionButtons(const CRect& rc, bool bFront);
     void Strips(const char* pszDir);
     void Strip(const skin::SkinFile& file);
     void Pictures();
