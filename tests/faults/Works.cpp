@@ -150,10 +150,6 @@ bool Registry(const Place&)
     RegCloseKey(hKey);
     return error == ERROR_SUCCESS && ReadValue("Made\\Below", "made") && ReadValue("Kept", "kept");
 }
-bool RegistryIntact(const Place&)
-{
-    return ReadValue("Kept", "kept");
-}
 
 bool Copy(const Place& place)
 {
@@ -395,7 +391,7 @@ const std::vector<Work>& Works()
     static const std::vector<Work> works{
         {"log", UseClock, Log, LogIntact, true},
         {"ini", PrepareIni, Ini, IniIntact, true},
-        {"registry", PrepareRegistry, Registry, RegistryIntact, true},
+        {"registry", PrepareRegistry, Registry, [](const Place&) { return ReadValue("Kept", "kept"); }, true},
         {"files", nullptr, Copy, CopyIntact, true},
         {"skin", PrepareWindow, Skin, nullptr, false},
         {"language", PrepareWindow, Language, nullptr, false},

@@ -165,9 +165,9 @@ TEST_F(WinService, WithoutAManagerEachOperationTriesAgain)
     EXPECT_EQ(text.Text(), expected);
     m_manager->Calls();
     m_manager->errors.clear();
-    EXPECT_EQ(service.GetStatus(bExists, dwState), 1);
-    EXPECT_EQ(service.GetStatus(bExists, dwState), 1);
     EXPECT_EQ(service.OpenSCM(), 1);
+    EXPECT_EQ(service.GetStatus(bExists, dwState), 1);
+    EXPECT_EQ(service.GetStatus(bExists, dwState), 1);
     EXPECT_EQ(m_manager->Calls(), "manager f003f; open Nv 4; query Nv; open Nv 4; query Nv;");
     EXPECT_EQ(bExists, 1);
     EXPECT_EQ(dwState, SERVICE_RUNNING);
