@@ -13,6 +13,14 @@ namespace {
 
 using Path = FixedText<4096>;
 
+// The values as the filter reads them. They have no destructor, unlike the static strings: a crash may come
+// after those are gone, in a destructor of a static object or on a thread that outlives main.
+FixedText<32'768> g_app;
+FixedText<32'768> g_restart;
+FixedText<32'768> g_contact;
+Path g_path;
+Path g_stem;
+
 // What the filter writes to, which one thread at a time is in.
 Path g_dumps;
 Path g_dump;
@@ -65,6 +73,15 @@ void CKXCrashDumper::Initialize(CString const& strAppName, CString const& strApp
                                 CString const& strExeName, CString const& strRestartParam,
                                 CString const& strContactInfo, int bAutoSend, int bAutoRestart)
 {
+    const auto keep = [](auto& target, const CString& str) {
+        target.Clear();
+        target << str.View();
+    };
+    keep(g_app, strAppName);
+    keep(g_path, strAppPath);
+    keep(g_stem, strExeName);
+    keep(g_restart, strRestartParam);
+    keep(g_contact, strContactInfo);
     m_strAppName = strAppName;
     m_strAppPath = strAppPath;
     m_strExeName = strExeName;
@@ -87,21 +104,21 @@ long CKXCrashDumper::ExceptionFilter(_EXCEPTION_POINTERS* pExceptionInfo)
     g_dump.Clear();
     g_reporter.Clear();
     g_arguments.Clear();
-    const auto path = m_strAppPath.View();
-    KXCrash::MakeDirectory((g_dumps << path << "dumps").Data());
-    AppendTime(g_dump << path << "dumps\\" << m_strExeName.View() << "_");
+    KXCrash::MakeDirectory((g_dumps << g_path.View() << "dumps").Data());
+    AppendTime(g_dump << g_path.View() << "dumps\\" << g_stem.View() << "_");
     g_dump << ".dmp";
-    g_reporter << path << "KXCrashReport.exe";
-    g_arguments << "-sd -app[" << m_strAppName.View() << "] -run[" << m_strRestartParam.View() << "] -dmp["
-                << g_dump.View() << "] -pid[";
+    g_reporter << g_path.View() << "KXCrashReport.exe";
+    g_arguments << "-sd -app[" << g_app.View() << "] -run[" << g_restart.View() << "] -dmp[" << g_dump.View()
+                << "] -pid[";
     g_arguments.Number(GetCurrentProcessId()) << "] -tid[";
     g_arguments.Number(GetCurrentThreadId()) << "] -exp[";
     g_arguments.Number(reinterpret_cast<std::intptr_t>(pExceptionInfo))
-        << "] -inf[" << m_strContactInfo.View() << "]";
+        << "] -inf[" << g_contact.View() << "]";
     if (m_bAutoSend) g_arguments << " -autosend";
     if (m_bAutoRestart) g_arguments << " -autorestart";
 
-    if (g_dump.Fits() && g_reporter.Fits() && g_arguments.Fits()) RunReporter();
+    const bool bFits = g_app.Fits() && g_path.Fits() && g_stem.Fits() && g_restart.Fits() && g_contact.Fits();
+    if (bFits && g_dump.Fits() && g_reporter.Fits() && g_arguments.Fits()) RunReporter();
     if (m_OriginalFilter) SetUnhandledExceptionFilter(m_OriginalFilter);
     return EXCEPTION_EXECUTE_HANDLER;
 }

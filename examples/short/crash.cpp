@@ -4,7 +4,7 @@
 // root of the drive and the reporter beside the client.
 int main(int nArgs, char** args)
 {
-    CKXCrashDumper dumper;
+    static CKXCrashDumper& dumper = *new CKXCrashDumper; // never deleted: it serves to the end of the process
     dumper.Initialize("Trainer", Beside(""), "trainer", "-restarted", "ann@example.com", 0, 0);
     if (nArgs > 1 && CString(args[1]) == "crash") {
         volatile int* volatile pWord = nullptr;

@@ -2,6 +2,7 @@
 
 #include "platform/sync/Futex.h"
 
+#include <cstdlib>
 #include <pthread.h>
 #include <unistd.h>
 
@@ -17,6 +18,19 @@ constinit sync::Word g_owner{0}; // the thread's number, 0 for none
 std::uint32_t Self() noexcept
 {
     return static_cast<std::uint32_t>(gettid());
+}
+
+// A filter that ends the process never leaves, and then the process ends here by its signal.
+void AwaitFilter() noexcept
+{
+    for (std::uint32_t owner; (owner = g_owner.load(std::memory_order_acquire)) != 0 && owner != Self();)
+        sync::FutexWait(g_owner, owner);
+}
+
+// The lowest number that a library may use runs last of its destructors.
+[[gnu::destructor(101)]] void AwaitFilterLast() noexcept
+{
+    AwaitFilter();
 }
 
 } // namespace
@@ -42,6 +56,11 @@ void LeaveFilter() noexcept
 {
     g_owner.store(0, std::memory_order_release);
     sync::FutexWake(g_owner);
+}
+
+void HoldExits() noexcept
+{
+    [[maybe_unused]] static const int nRegistered = std::atexit(AwaitFilter);
 }
 
 } // namespace kx::crash

@@ -12,4 +12,11 @@ bool InFilter() noexcept;
 bool EnterFilter() noexcept;
 void LeaveFilter() noexcept;
 
+// From now on `exit` waits for a filter that runs on another thread: both before what was registered with
+// atexit until now, and once more as the last that this library does.
+void HoldExits() noexcept;
+
+// Sets a descriptor aside with which a filter opens a file in a process that has no other left.
+void PrepareDescriptor() noexcept;
+
 } // namespace kx::crash

@@ -51,6 +51,8 @@ void Prepare() noexcept
     PrepareProcesses();
     PreparePaths();
     PrepareZone();
+    PrepareDescriptor();
+    HoldExits();
 }
 
 } // namespace
@@ -61,7 +63,10 @@ LPTOP_LEVEL_EXCEPTION_FILTER SetUnhandledExceptionFilter(LPTOP_LEVEL_EXCEPTION_F
 {
     using namespace kx::crash;
     if (InFilter()) return g_pFilter.exchange(pFilter);
-    if (pFilter) KXCrash::GuardThread();
+    if (pFilter) {
+        kx::sync::GuardCallers();
+        kx::sync::GuardThread();
+    }
     const std::lock_guard lock(g_lock);
     if (pFilter && !g_bHandled) Prepare();
     const LPTOP_LEVEL_EXCEPTION_FILTER pBefore = g_pFilter.exchange(pFilter);
@@ -73,6 +78,5 @@ LPTOP_LEVEL_EXCEPTION_FILTER SetUnhandledExceptionFilter(LPTOP_LEVEL_EXCEPTION_F
 
 bool KXCrash::GuardThread() noexcept
 {
-    thread_local const kx::sync::AlternateStack stack;
-    return stack.IsThere();
+    return kx::sync::GuardThread();
 }

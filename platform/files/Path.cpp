@@ -7,6 +7,7 @@
 #include "platform/files/CurrentDirectory.h"
 #include "platform/files/Drives.h"
 #include "platform/files/NameMatch.h"
+#include "platform/sync/AlternateStack.h"
 #include "platform/text/Conversion.h"
 
 #include <algorithm>
@@ -102,6 +103,7 @@ std::size_t Append(std::string& directory, std::size_t root, std::string_view re
 // A path's text in UTF-8; nothing, with the last error set, for what can't be one.
 std::optional<std::string> ReadText(const char* pszPath)
 {
+    sync::GuardCaller();
     const std::size_t length = pszPath ? strnlen(pszPath, MAX_PATH) : 0;
     std::optional<std::string> utf8;
     if (length > 0 && length <= kMaxLength) utf8 = text::ToUtf8({pszPath, length});

@@ -48,4 +48,10 @@ AlternateStack::~AlternateStack()
     munmap(m_memory, page + kSize);
 }
 
+bool GuardThread() noexcept
+{
+    thread_local const AlternateStack stack;
+    return stack.IsThere();
+}
+
 } // namespace kx::sync

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <csignal>
 
 namespace kx::sync {
@@ -23,5 +24,31 @@ private:
     void* m_memory = nullptr; // a page that faults, then the stack
     bool m_bThere = false;
 };
+
+// Gives the calling thread an alternate stack until it ends; false for lack of memory. Allocates at a
+// thread's first call.
+bool GuardThread() noexcept;
+
+namespace detail {
+
+inline constinit std::atomic<bool> g_bGuardCallers{false};
+[[gnu::tls_model("initial-exec")]] inline constinit thread_local bool t_bGuarded = false;
+
+} // namespace detail
+
+// From now on GuardCaller guards.
+inline void GuardCallers() noexcept
+{
+    detail::g_bGuardCallers.store(true, std::memory_order_relaxed);
+}
+
+// Guards a thread that the library didn't make, and that hasn't asked for it, at its first call of what calls
+// this, once there is a crash filter. Not for calls that a filter makes.
+inline void GuardCaller() noexcept
+{
+    if (detail::t_bGuarded || !detail::g_bGuardCallers.load(std::memory_order_relaxed)) return;
+    detail::t_bGuarded = true;
+    GuardThread();
+}
 
 } // namespace kx::sync

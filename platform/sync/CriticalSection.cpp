@@ -1,5 +1,6 @@
 #include "include/platform/Sync.h"
 
+#include "platform/sync/AlternateStack.h"
 #include "platform/sync/Futex.h"
 
 #include <chrono>
@@ -117,6 +118,7 @@ void DeleteCriticalSection(CRITICAL_SECTION* pSection) noexcept
 void EnterCriticalSection(CRITICAL_SECTION* pSection) noexcept
 {
     if (!pSection) return;
+    kx::sync::GuardCaller();
     CRITICAL_SECTION& section = *pSection;
     if (!TryTake(section)) {
         if (IsOwner(section)) {

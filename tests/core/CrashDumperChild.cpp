@@ -7,10 +7,13 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <thread>
+#include <unistd.h>
 
 // CrashDumperChild ROOT HOW: with `C:` at the directory ROOT, crashes in that way. The environment says the
 // rest.
@@ -67,11 +70,71 @@ void CrashWithManyMappings()
     crashes::CrashByRead();
 }
 
+// Without a descriptor left.
+void CrashWithoutDescriptors()
+{
+    const rlimit few{64, 64};
+    setrlimit(RLIMIT_NOFILE, &few);
+    while (dup(STDERR_FILENO) >= 0) {
+    }
+    crashes::CrashByRead();
+}
+
+// ---- While the process ends
+
+std::string g_root;
+std::atomic<bool> g_bCrashNow{false};
+
+void AwaitReporter()
+{
+    while (!std::filesystem::exists(g_root + "/app/args"))
+        std::this_thread::yield();
+}
+
+// One that crashes when it is told to.
+void StartThread()
+{
+    std::thread([] {
+        g_bCrashNow.wait(false);
+        crashes::CrashByRead();
+    }).detach();
+}
+
+void LetThreadCrash()
+{
+    g_bCrashNow = true;
+    g_bCrashNow.notify_all();
+    AwaitReporter();
+}
+
+// Goes after all that main made.
+struct Last
+{
+    std::string how;
+    ~Last()
+    {
+        if (how == "static") crashes::CrashByRead();
+        if (how == "outliving") LetThreadCrash();
+    }
+} g_last;
+
+void EndMain(const std::string& how)
+{
+    g_last.how = how;
+    if (how == "atexit") std::atexit(crashes::CrashByRead);
+    if (how == "outliving") StartThread();
+    if (how == "masked") {
+        StartThread();
+        LetThreadCrash();
+        std::atexit([] { std::ofstream(g_root + "/exits") << "now"; });
+    }
+}
+
 } // namespace
 
 int main(int, char** args)
 {
-    const std::string root = args[1];
+    const std::string root = g_root = args[1];
     const std::string how = args[2];
     if (how == "restarted") { // how this very program is started again
         std::ofstream(root) << args[3] << "\n";
@@ -82,7 +145,7 @@ int main(int, char** args)
     KXHost::MountDrive('C', drive);
     if (!Setting("KX_TEST_TIME").empty())
         KXHost::UseVirtualClock(std::atoll(Setting("KX_TEST_TIME").c_str()));
-    CKXCrashDumper dumper;
+    static CKXCrashDumper& dumper = *new CKXCrashDumper; // the process's, to its last end
     if (Setting("KX_TEST_EARLY").empty()) {
         dumper.Initialize("first", "C:\\elsewhere\\", "first", "first", "first", 0, 0);
         dumper.Initialize(Setting("KX_TEST_APP", "App").c_str(), Setting("KX_TEST_PATH", "C:\\app\\").c_str(),
@@ -93,6 +156,10 @@ int main(int, char** args)
     if (how == "log") CrashBesideTheLog();
     if (how == "searches") CrashBesideSearches(drive);
     if (how == "mappings") CrashWithManyMappings();
-    crashes::kKinds.at(how).pfnCrash();
+    if (how == "descriptors") CrashWithoutDescriptors();
+    if (crashes::kKinds.count(how))
+        crashes::kKinds.at(how).pfnCrash();
+    else
+        EndMain(how);
     return 0;
 }

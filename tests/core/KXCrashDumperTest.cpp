@@ -7,11 +7,13 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <httplib.h>
+#include <link.h>
 #include <memory>
 #include <regex>
 #include <sys/stat.h>
@@ -260,6 +262,62 @@ TEST_F(CrashDumper, WaitsForItsReporterWhateverThatDoes)
     EXPECT_EQ(child.Wait(), 128 + SIGSEGV);
 }
 
+// A fault in a static object's destructor and in an atexit handler, and one of a thread while static objects
+// go.
+TEST_F(CrashDumper, ReportsToTheEndOfTheProcess)
+{
+    for (const char* pszHow : {"static", "atexit", "outliving"}) {
+        SCOPED_TRACE(pszHow);
+        Place place;
+        place.Script("exec ./real \"$@\"\n");
+        fs::create_symlink(std::string(KX_TEST_BIN) + "/KXCrashReport.exe", place.Dir().Path("app/real"));
+        EXPECT_EQ(place.Crash(pszHow), 128 + SIGSEGV);
+        EXPECT_THAT(place.Arguments(),
+                    testing::StartsWith("-sd -app[App] -run[] -dmp[C:\\app\\dumps\\stem_"));
+        EXPECT_THAT(CrashedThread(test::ReadFile(place.Dump(".txt"))), HasSubstr("CrashByRead"));
+    }
+}
+
+TEST_F(CrashDumper, HoldsAnExitUntilTheReportIsMade)
+{
+    Place place;
+    place.Script("read line < go\n");
+    const std::string go = place.Pipe("go");
+    test::Child child = place.Start("masked");
+    while (!place.Dir().Exists("exits"))
+        std::this_thread::yield();
+    std::ofstream(go) << "go\n";
+    EXPECT_EQ(child.Wait(), 128 + SIGSEGV);
+}
+
+TEST_F(CrashDumper, ReportsWithoutADescriptorLeft)
+{
+    Place place;
+    place.Script();
+    EXPECT_EQ(place.Crash("descriptors"), 128 + SIGSEGV);
+    EXPECT_THAT(place.Arguments(), testing::StartsWith("-sd -app[App]"));
+}
+
+// What is asked of the loader, and it keeps to: it never takes the library away.
+TEST(Library, IsNeverUnloaded)
+{
+    const auto look = [](dl_phdr_info* info, std::size_t, void* pFound) {
+        if (!std::strstr(info->dlpi_name, "KXCommonClass")) return 0;
+        for (int n = 0; n < info->dlpi_phnum; ++n) {
+            const ElfW(Phdr)& segment = info->dlpi_phdr[n];
+            if (segment.p_type != PT_DYNAMIC) continue;
+            for (auto* entry = reinterpret_cast<const ElfW(Dyn)*>(info->dlpi_addr + segment.p_vaddr);
+                 entry->d_tag != DT_NULL; ++entry)
+                if (entry->d_tag == DT_FLAGS_1 && (entry->d_un.d_val & DF_1_NODELETE))
+                    *static_cast<bool*>(pFound) = true;
+        }
+        return 1;
+    };
+    bool bFound = false;
+    EXPECT_EQ(dl_iterate_phdr(look, &bFound), 1);
+    EXPECT_TRUE(bFound);
+}
+
 TEST_F(CrashDumper, LeavesACoreThatADebuggerOpens)
 {
     for (const char* pszHow : {"division", "exception", "thread", "overflow"}) {
@@ -326,6 +384,38 @@ TEST_F(CrashDumper, SendsBothFilesToItsServer)
     EXPECT_EQ(content("contact"), "ann@example.com");
     EXPECT_THAT(content("report"), HasSubstr("SIGABRT"));
     EXPECT_THAT(content("dump"), testing::StartsWith("\177ELF"));
+}
+
+// A dump goes to nobody who doesn't take it, and over no net in plain text unless that was asked for.
+TEST_F(CrashDumper, TakesOnlyAnAnswerOf2xxForSent)
+{
+    httplib::Server server;
+    int nPosts = 0;
+    server.Post(R"(/(\d+))", [&](const httplib::Request& request, httplib::Response& response) {
+        ++nPosts;
+        response.status = std::stoi(request.matches[1]);
+        if (response.status == 302) response.set_redirect("/200");
+    });
+    const std::string port = ":" + std::to_string(server.bind_to_any_port("0.0.0.0"));
+    std::jthread serving([&] { server.listen_after_bind(); });
+    const auto send = [&](const std::string& url, const std::string& setting = "KX_CRASH_PLAIN=") {
+        Place place;
+        place.Script("./real \"$@\"; echo $? > code\n");
+        fs::create_symlink(std::string(KX_TEST_BIN) + "/KXCrashReport.exe", place.Dir().Path("app/real"));
+        nPosts = 0;
+        place.Crash("read", {"KX_CRASH_URL=" + url, "KX_TEST_SEND=1", setting,
+                             "http_proxy=http://127.0.0.1:1", "no_proxy=0.0.0.0"});
+        return place.Dir().Read("app/code") + std::to_string(nPosts);
+    };
+    EXPECT_EQ(send("http://127.0.0.1" + port + "/200"), "0\n1");
+    EXPECT_EQ(send("http://localhost" + port + "/204"), "0\n1");
+    EXPECT_EQ(send("http://127.0.0.1" + port + "/302"), "1\n1");
+    EXPECT_EQ(send("http://127.0.0.1" + port + "/500"), "1\n1");
+    EXPECT_EQ(send("http://0.0.0.0" + port + "/200"), "1\n0");
+    EXPECT_EQ(send("0.0.0.0" + port + "/200", "KX_CRASH_PLAIN=1"), "1\n0"); // that is an https address
+    EXPECT_EQ(send("http://0.0.0.0" + port + "/200", "KX_CRASH_PLAIN=1"), "0\n1");
+    EXPECT_EQ(send("ftp://127.0.0.1" + port + "/200", "KX_CRASH_PLAIN=1"), "1\n0");
+    server.stop();
 }
 
 TEST_F(CrashDumper, RestartsTheProgramOnceItHasEnded)

@@ -117,6 +117,17 @@ inline void OverflowOnClientThread()
     }).join();
 }
 
+// It hasn't asked for anything, but has called the library.
+inline void OverflowOnForeignThread()
+{
+    std::thread([] {
+        CRITICAL_SECTION section;
+        EnterCriticalSection(&section);
+        LeaveCriticalSection(&section);
+        CrashByOverflow();
+    }).join();
+}
+
 // As many at once as can be had.
 inline void CrashTogether()
 {
@@ -151,6 +162,7 @@ inline const std::map<std::string_view, Kind> kKinds{
     {"thread", {OnThread<CrashByRead>, SIGSEGV, "CrashByRead"}},
     {"thread_overflow", {OnThread<Overflow>, SIGSEGV, "CrashByOverflow"}},
     {"client_overflow", {OverflowOnClientThread, SIGSEGV, "CrashByOverflow"}},
+    {"foreign_overflow", {OverflowOnForeignThread, SIGSEGV, "CrashByOverflow"}},
     {"together", {CrashTogether, SIGSEGV, "CrashByRead"}},
 };
 
