@@ -2,6 +2,9 @@
 
 #include "KXAutoLock.h"
 #include "core/LogLine.h"
+#include "core/LogQueue.h"
+#include "platform/Clock.h"
+#include "platform/Crash.h"
 #include "platform/Debug.h"
 
 #include <array>
@@ -14,26 +17,37 @@ CKXLogSys* CKXLogSys::s_pInstance = nullptr;
 
 namespace {
 
-// Nodes with their buffers go round between who pushes and the writer, as neither the heap's lock nor its
-// memory is then touched for a line: so many are spare at least before the writer frees any, it hands so many
-// back at a time, and a longer line's buffer is freed.
-constexpr std::size_t SPARE_LINES = 4096;
-constexpr std::size_t SPENT_LINES = 256;
-constexpr int SPARE_LENGTH = 1024;
+// The writer hands lines over when it has this many bytes of them, which with a usual line fit the file's
+// buffer of 64 KiB and so are one call of the system.
+constexpr std::uint64_t BATCH_BYTES = 56 * 1024;
+// The writer's own copy of a line gives a longer buffer back.
+constexpr int KEPT_LENGTH = 1024;
 
-// What can't be written, for a full disk or a lack of memory, is lost, and the writer goes on.
+// Runs a step of the writer, whom no failure ends: false for a full disk or a lack of memory.
 template <class Step>
-void Try(Step step) noexcept
+bool Try(Step step) noexcept
 {
     try {
         step();
+        return true;
     } catch (CException* pException) {
         pException->Delete();
     } catch (const std::bad_alloc&) {
     }
+    return false;
 }
 
 } // namespace
+
+// A thread that waits in Flush. In the log's list, and then only used under its lock, until it is answered.
+struct CKXLogSys::FlushWait
+{
+    std::uint64_t nLines = 0; // how many had been pushed by then
+    HANDLE hEvent = nullptr;  // set when they are handed over, or the log stops
+    bool bDone = false;
+    bool bLost = false; // a line of them couldn't be written
+    FlushWait* pNext = nullptr;
+};
 
 CKXLogSys* CKXLogSys::GetSingletonPtr()
 {
@@ -42,27 +56,36 @@ CKXLogSys* CKXLogSys::GetSingletonPtr()
     return s_pInstance;
 }
 
-CKXLogSys::CKXLogSys()
+CKXLogSys::CKXLogSys() : m_listLog(kx::log::Queue::Get())
 {
     s_auto_ptr.reset(this);
+    KXCrash::SetLogRecord(&m_listLog.GetRecord());
+    KXAtFork(BeforeFork, AfterFork);
     OutputDebugStringA("CKXLogSys Construction!\n");
 }
 
 CKXLogSys::~CKXLogSys()
 {
     OutputDebugStringA("CKXLogSys Deconstruction!\n");
-    if (m_hThread) Uninitialize(); // a writer left running must not outlive what it works on
+    if (m_hWakeEvent) Uninitialize(); // a writer left running must not outlive what it works on
 }
 
 int CKXLogSys::Initialize(CString const& strFilePath)
 {
     if (m_hWakeEvent) return 0;
     if (!m_fileLog.Open(strFilePath, CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite)) return 0;
-    m_hStopEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     const HANDLE hWakeEvent = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    m_hStopEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    if (!hWakeEvent || !m_hStopEvent) {
+        if (hWakeEvent) CloseHandle(hWakeEvent);
+        Uninitialize();
+        return 0;
+    }
     {
         const CKXAutoLock lock(&m_lockLog); // lines may be pushed meanwhile
         m_hWakeEvent = hWakeEvent;
+        m_bWoken = false;
+        m_listLog.SetFile(GetCurrentProcessId(), m_fileLog.GetDescriptor());
     }
     StartThread();
     return 1;
@@ -73,6 +96,10 @@ void CKXLogSys::Uninitialize()
     StopThread();
     for (HANDLE* pEvent : {&m_hWakeEvent, &m_hStopEvent})
         if (HANDLE hEvent = std::exchange(*pEvent, nullptr)) CloseHandle(hEvent);
+    {
+        const CKXAutoLock lock(&m_lockLog);
+        m_listLog.SetFile(0, -1);
+    }
     Try([this] { m_fileLog.Close(); });
 }
 
@@ -80,23 +107,90 @@ int CKXLogSys::StartThread()
 {
     if (m_hThread) return 1;
     m_hThread = reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, WriteLogThread, this, 0, nullptr));
-    m_dwProcess = GetCurrentProcessId();
+    const CKXAutoLock lock(&m_lockLog);
+    m_bRunning = m_hThread != nullptr;
     return 1;
 }
 
 int CKXLogSys::StopThread()
 {
     if (!m_hThread) return 1;
-    if (m_dwProcess != GetCurrentProcessId()) { // a fork has neither the thread nor its lines
-        CloseHandle(std::exchange(m_hThread, nullptr));
-        m_fileLog.Abort();
-        return 1;
+    {
+        const CKXAutoLock lock(&m_lockLog);
+        m_bRunning = false;
     }
     SetEvent(m_hStopEvent); // first, so that the writer, once awake, finds it
     SetEvent(m_hWakeEvent);
     WaitForSingleObject(m_hThread, INFINITE);
     CloseHandle(std::exchange(m_hThread, nullptr));
+    EndFlushes();
     return 1;
+}
+
+// A fork comes when nobody changes the queue.
+void CKXLogSys::BeforeFork() noexcept KX_UNCHECKED_LOCKING
+{
+    if (s_auto_ptr) s_auto_ptr->m_lockLog.Lock();
+}
+
+void CKXLogSys::AfterFork(bool bChild) noexcept KX_UNCHECKED_LOCKING
+{
+    if (!s_auto_ptr) return;
+    if (bChild) s_auto_ptr->StartAnew();
+    s_auto_ptr->m_lockLog.UnLock();
+}
+
+// A fork's child has no writer, and lines and file are its parent's. The lock is held.
+void CKXLogSys::StartAnew() noexcept KX_UNCHECKED_LOCKING
+{
+    kx::log::Queue::Free(m_listLog.Forget());
+    m_bRunning = m_bWoken = false;
+    m_pFlushes = nullptr; // on stacks that aren't there any more
+    for (HANDLE* pHandle : {&m_hThread, &m_hWakeEvent, &m_hStopEvent})
+        if (HANDLE hObject = std::exchange(*pHandle, nullptr)) CloseHandle(hObject);
+    m_fileLog.Abort();
+}
+
+int CKXLogSys::Flush(unsigned long dwMilliseconds)
+{
+    FlushWait wait;
+    wait.hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    if (!wait.hEvent) return 0;
+    {
+        const CKXAutoLock lock(&m_lockLog);
+        wait.nLines = m_listLog.Pushed();
+        wait.bDone = m_bRunning && wait.nLines == m_listLog.HandedOver();
+        if (m_bRunning && !wait.bDone) {
+            wait.pNext = std::exchange(m_pFlushes, &wait);
+            m_bWoken = true;
+            SetEvent(m_hWakeEvent); // lines from before the start wait for it
+        } else {
+            SetEvent(wait.hEvent);
+        }
+    }
+    constexpr unsigned long dwForever = INFINITE;
+    WaitForSingleObject(wait.hEvent,
+                        static_cast<DWORD>(dwMilliseconds < dwForever ? dwMilliseconds : dwForever));
+    {
+        const CKXAutoLock lock(&m_lockLog); // so that who sets the event has left it
+        for (FlushWait** ppNext = &m_pFlushes; *ppNext; ppNext = &(*ppNext)->pNext) {
+            if (*ppNext != &wait) continue;
+            *ppNext = wait.pNext;
+            break;
+        }
+    }
+    CloseHandle(wait.hEvent);
+    return wait.bDone && !wait.bLost;
+}
+
+// The log has stopped: whoever waits for it learns that.
+void CKXLogSys::EndFlushes()
+{
+    const CKXAutoLock lock(&m_lockLog);
+    while (FlushWait* pWait = m_pFlushes) {
+        m_pFlushes = pWait->pNext;
+        SetEvent(pWait->hEvent);
+    }
 }
 
 void CKXLogSys::PushLog(LogLevel level, CString const& strLog)
@@ -127,46 +221,38 @@ void CKXLogSys::PushLogEx(LogLevel level, char const* format, ...)
     va_end(args);
 }
 
-// What takes time is done before the lock: the line is formatted, and its node allocated if none was spare.
 void CKXLogSys::PushLine(const kx::log::Line& line)
 {
-    if (PushIntoSpare(line)) return;
-    std::list<CString> node(1);
-    line.CopyTo(node.front());
-    const CKXAutoLock lock(&m_lockLog);
-    m_listLog.splice(m_listLog.end(), node);
-    SetEvent(m_hWakeEvent);
+    {
+        const CKXAutoLock lock(&m_lockLog);
+        m_listLog.Push(line.View());
+        if (m_hWakeEvent && !std::exchange(m_bWoken, true)) SetEvent(m_hWakeEvent);
+    }
+    AwaitEnd();
 }
 
-bool CKXLogSys::PushIntoSpare(const kx::log::Line& line)
+// In a process whose queue the crash reporter has read no push comes back, as its line would be lost, and
+// nothing is written any more. Looked at behind the insertion: a line that was queued before is among those
+// that were read.
+void CKXLogSys::AwaitEnd() const
 {
-    const CKXAutoLock lock(&m_lockLog);
-    if (m_listSpare.empty()) return false;
-    line.CopyTo(m_listSpare.front());
-    m_listLog.splice(m_listLog.end(), m_listSpare, m_listSpare.begin());
-    SetEvent(m_hWakeEvent);
-    return true;
+    while (m_listLog.IsClosed())
+        Sleep(INFINITE);
 }
 
 int CKXLogSys::GetNextLog(CString& strLog)
 {
-    if (m_listTaken.empty() || m_listSpent.size() >= SPENT_LINES) Exchange();
-    if (m_listTaken.empty()) return 0;
-    if (strLog.GetLength() > SPARE_LENGTH) strLog.Empty();
-    strLog = std::move(m_listTaken.front()); // and the node has the buffer of the line before
-    m_listSpent.splice(m_listSpent.begin(), m_listTaken, m_listTaken.begin());
-    return 1;
-}
-
-// Takes over the queue, once the part taken before is written, for the nodes that are spent.
-void CKXLogSys::Exchange()
-{
-    {
+    std::string_view line;
+    if (!m_listLog.Next(line)) {
         const CKXAutoLock lock(&m_lockLog);
-        if (m_listTaken.empty()) m_listTaken.swap(m_listLog);
-        if (m_listSpare.size() < SPARE_LINES) m_listSpare.splice(m_listSpare.begin(), m_listSpent);
+        if (!m_listLog.Look()) m_bWoken = false; // the next line wakes the writer
+        if (!m_listLog.Next(line)) return 0;
     }
-    m_listSpent.clear();
+    if (strLog.GetLength() > KEPT_LENGTH) strLog.Empty();
+    const auto nLength = static_cast<int>(line.size());
+    line.copy(strLog.GetBuffer(nLength), line.size());
+    strLog.ReleaseBuffer(nLength);
+    return 1;
 }
 
 unsigned CKXLogSys::WriteLogThread(void* pParam)
@@ -179,22 +265,54 @@ unsigned CKXLogSys::WriteLogThreadFunc()
     const auto isStopped = [this] { return WaitForSingleObject(m_hStopEvent, 0) == WAIT_OBJECT_0; };
     while (WaitForSingleObject(m_hWakeEvent, INFINITE) == WAIT_OBJECT_0 && !isStopped()) {
         CString strLine;
-        while (!isStopped() && GetNextLog(strLine))
-            Try([&] { m_fileLog.WriteString(strLine); });
-        Try([this] { m_fileLog.Flush(); });
+        while (!isStopped() && WriteNext(strLine)) {
+        }
+        HandOver(false);
         if (isStopped()) break;
     }
-    GiveBack();
     return 0;
 }
 
-// What was taken but not written goes back to the head of the queue, where a later start finds it.
-void CKXLogSys::GiveBack()
+// Writes the oldest line; false without one. A batch that has grown, or has failed, is handed over at once:
+// its blocks are free for lines to come then.
+bool CKXLogSys::WriteNext(CString& strLine)
 {
+    bool bLine = true;
+    const bool bFirst = m_listLog.ReadBytes() == 0;
+    const bool bWritten = Try([&] {
+        bLine = GetNextLog(strLine) != 0;
+        if (!bLine) return;
+        if (bFirst && m_listLog.NeedsLineBreak()) m_fileLog.WriteString("\n");
+        m_fileLog.WriteString(strLine);
+    });
+    if (!bWritten || m_listLog.ReadBytes() >= BATCH_BYTES) HandOver(!bWritten);
+    return bLine;
+}
+
+// Gives the system what was taken off the queue, and tells who waits in Flush. How far it came where that
+// fails, the file's length tells.
+void CKXLogSys::HandOver(bool bFailed)
+{
+    if (m_listLog.ReadBytes() == 0) return;
+    AwaitEnd();
+    if (!Try([this] { m_fileLog.Flush(); })) bFailed = true;
+    const std::uint64_t nLength = m_fileLog.GetPosition();
+    kx::log::Block* pFreed = nullptr;
     {
         const CKXAutoLock lock(&m_lockLog);
-        m_listLog.splice(m_listLog.begin(), m_listTaken);
-        m_listSpent.splice(m_listSpent.begin(), m_listSpare);
+        const auto written = bFailed ? m_listLog.WrittenIn(nLength) : kx::log::Queue::Written{};
+        const std::uint64_t nFirstLost = m_listLog.HandedOver() + written.lines;
+        pFreed = m_listLog.HandOver(nLength, written.bTorn);
+        for (FlushWait** ppNext = &m_pFlushes; FlushWait* pWait = *ppNext;) {
+            if (bFailed && nFirstLost < pWait->nLines) pWait->bLost = true;
+            pWait->bDone = pWait->nLines <= m_listLog.HandedOver();
+            if (!pWait->bDone) {
+                ppNext = &pWait->pNext;
+                continue;
+            }
+            *ppNext = pWait->pNext;
+            SetEvent(pWait->hEvent);
+        }
     }
-    m_listSpent.clear();
+    kx::log::Queue::Free(pFreed);
 }

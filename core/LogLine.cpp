@@ -63,11 +63,4 @@ Line::Line(int nLevel, std::string_view message)
     m_line = {line, length};
 }
 
-void Line::CopyTo(CString& str) const
-{
-    const auto nLength = static_cast<int>(m_line.size());
-    Put(str.GetBuffer(nLength), m_line);
-    str.ReleaseBuffer(nLength);
-}
-
 } // namespace kx::log

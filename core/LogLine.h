@@ -16,8 +16,7 @@ public:
     Line(const Line&) = delete;
     Line& operator=(const Line&) = delete;
 
-    // Makes a text this line, in the buffer that it has if that is long enough.
-    void CopyTo(CString& str) const;
+    std::string_view View() const noexcept { return m_line; }
 
 private:
     std::array<char, 256> m_fixed;

@@ -4,15 +4,24 @@
 #include "platform/StdioFile.h"
 #include "platform/String.h"
 
-#include <list>
 #include <memory>
 
 namespace kx::log {
 class Line;
-}
+class Queue;
+} // namespace kx::log
 
 // The process's one log. Any thread pushes lines at the cost of formatting and one insertion into a queue; a
-// writer thread appends them to one text file. A line in the file is
+// writer thread appends them to one text file. A client flushes before it stops the log, or the file may end
+// before the last lines, even be empty:
+//
+//     CKXLogSys* pLog = CKXLogSys::GetSingletonPtr();
+//     if (!pLog->Initialize(strFilePath)) return 1;
+//     pLog->PushLogEx(CKXLogSys::LogInfo, "lesson %d begins", 12); // from any thread
+//     pLog->Flush(5000);
+//     pLog->Uninitialize();
+//
+// A line in the file is
 //
 //     [2009-03-14 08:05:09] 2 message
 //
@@ -22,8 +31,16 @@ class Line;
 // What becomes of a queued line: while the log runs, the writer takes it, and has handed it to the system at
 // the end of its batch, after which a crash of the process no longer loses it. Lines pushed while the log
 // doesn't run wait; they go ahead of the next line that is pushed while it runs. Uninitialize doesn't drain:
-// what the writer hasn't taken by then waits in the same way, or is lost when the library unloads. A line
-// that can't be written (a full disk) is lost, and the writer goes on. The queue has no bound but memory.
+// what the writer hasn't taken by then waits in the same way, or is lost when the process ends. A line that
+// can't be written (a full disk) is lost, and the writer goes on; the next line that can be written begins on
+// a line of its own. The queue has no bound but memory.
+//
+// A child of fork has a log that doesn't run and whose queue is empty, for it to start on a file of its own
+// (platform/Sync.h says what else such a child may call).
+//
+// A crash that is reported (KXCrashDumper.h) loses no queued line: the reporter appends to the log's file
+// what the writer hadn't handed over, and puts it into the report. Of a crash that isn't reported, because
+// the marker file or the reporter isn't there, the queued lines are lost.
 class KX_API CKXLogSys
 {
 public:
@@ -43,13 +60,19 @@ public:
     CKXLogSys& operator=(const CKXLogSys&) = delete;
 
     // Creates the log file, or empties it, and starts the writer. `strFilePath` is the file's full path; its
-    // directory exists. Others may read the file meanwhile, not write it. 1 on success; 0 when the file can't
-    // be opened or the log runs already, with nothing changed. Not at the same time as Uninitialize.
+    // directory exists. Others may read the file meanwhile, not write it. 1 on success, also where no thread
+    // can be started: lines wait then. 0 when the file can't be opened, memory lacks or the log runs already,
+    // with nothing left running. Not at the same time as Uninitialize.
     int Initialize(CString const& strFilePath);
 
     // Stops the writer after the line in hand, waits for it, and closes the file. Nothing happens when the
     // log doesn't run. No thread pushes lines meanwhile.
     void Uninitialize();
+
+    // Waits until every line that was queued before the call has been handed to the system. 1 then; 0 when
+    // that many milliseconds have passed first (INFINITE: no limit), one of these lines can't be written, the
+    // log is stopped meanwhile, or memory lacks; 0 at once while the log doesn't run. Any thread.
+    int Flush(unsigned long dwMilliseconds);
 
     // Queues a line. A level below 1 does nothing at all. Any thread.
     void PushLog(LogLevel level, CString const& strLog);
@@ -75,25 +98,27 @@ protected:
 private:
     friend struct std::default_delete<CKXLogSys>;
 
-    void PushLine(const kx::log::Line& line);
-    bool PushIntoSpare(const kx::log::Line& line);
-    void Exchange();
-    void GiveBack();
+    struct FlushWait;
 
-    std::list<CString> m_listLog KX_GUARDED_BY(m_lockLog);
+    void PushLine(const kx::log::Line& line);
+    bool WriteNext(CString& strLine);
+    void HandOver(bool bFailed);
+    void AwaitEnd() const;
+    void EndFlushes();
+    static void BeforeFork() noexcept;
+    static void AfterFork(bool bChild) noexcept;
+    void StartAnew() noexcept;
+
+    kx::log::Queue& m_listLog; // guarded by m_lockLog, but for what the writer reads
     CKXCritSection m_lockLog;
     CStdioFile m_fileLog;
     HANDLE m_hThread = nullptr;
     HANDLE m_hStopEvent = nullptr;
     // Set under the lock by Initialize, cleared without it by Uninitialize, when no thread pushes.
     HANDLE m_hWakeEvent = nullptr;
-    DWORD m_dwProcess = 0; // whose thread it is
-    // Nodes for lines to come, with buffers.
-    std::list<CString> m_listSpare KX_GUARDED_BY(m_lockLog);
-    // The writer's own: lines that it took off the queue in one go and has not written yet, and the nodes of
-    // those that it has.
-    std::list<CString> m_listTaken;
-    std::list<CString> m_listSpent;
+    bool m_bWoken KX_GUARDED_BY(m_lockLog) = false;           // the writer will look at the queue once more
+    bool m_bRunning KX_GUARDED_BY(m_lockLog) = false;         // there is a writer, not asked to stop
+    FlushWait* m_pFlushes KX_GUARDED_BY(m_lockLog) = nullptr; // who waits in Flush
 
     static CKXLogSys* s_pInstance;
     static std::unique_ptr<CKXLogSys> s_auto_ptr;

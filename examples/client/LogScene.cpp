@@ -1,11 +1,11 @@
 #include "Scene.h"
 
 #include <cstdio>
-#include <platform/Clock.h>
 
-// The writer works in the background: the scene waits until the line that it marked is in the file.
+// The writer works in the background: the scene waits until it has written what the client has logged so far.
 bool client::ShowLog()
 {
+<<<<<<< HEAD
     const CString strMark = "that is all";
     CKXLogSys::GetSingletonPtr()->PushLog(CKXLogSys::LogError, strMark);
     const CString strPath = CKXFileSystem::GetInstancePtr()->GetAppPath() + "client.log";
@@ -23,4 +23,16 @@ bool client::ShowLog()
         return true;
     }
     return false;
+=======
+    CKXLogSys* pLog = CKXLogSys::GetSingletonPtr();
+    pLog->PushLog(CKXLogSys::LogError, "that is all");
+    if (!pLog->Flush(5000)) return false;
+    CStdioFile file;
+    if (!file.Open(CKXFileSystem::GetInstancePtr()->GetAppPath() + "client.log",
+                   CFile::modeRead | CFile::shareDenyNone))
+        return false;
+    for (CString strLine; file.ReadString(strLine);)
+        std::fputs(Utf8("   " + strLine + "\n").c_str(), stdout);
+    return true;
+>>>>>>> 89059cf (Bring a crashed process's queued log lines home, and let clients flush the log)
 }

@@ -41,6 +41,7 @@ int main(int nArgs, char** args)
         std::printf("   failed\n");
         ++nFailed;
     }
+    pLog->Flush(5000); // a stop doesn't wait for what is queued
     pLog->Uninitialize();
     return nFailed;
 }

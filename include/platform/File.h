@@ -72,6 +72,8 @@ public:
     virtual std::uint64_t GetLength() const;
 
     bool IsOpen() const noexcept { return m_fd >= 0; }
+    // The system's number of the open file, -1 for a closed one. The object's own to close.
+    int GetDescriptor() const noexcept { return m_fd; }
     // The path that was opened, as given; empty for a closed file.
     const CString& GetFilePath() const noexcept { return m_strFileName; }
 

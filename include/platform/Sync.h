@@ -42,15 +42,16 @@ inline constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
 // accepted and ignored. The caller owns the handle and ends it with CloseHandle; null for lack of memory.
 KX_API HANDLE CreateEventA(void* pSecurity, int bManualReset, int bInitialState, const char* pszName);
 
-// Non-zero on success; 0 for a handle that is closed, null or no event's (ERROR_INVALID_HANDLE). Any thread. What the
-// thread did before SetEvent is seen by those whom the signal releases. A released thread may close the event
-// at once.
+// Non-zero on success; 0 for a handle that is closed, null or no event's (ERROR_INVALID_HANDLE). Any thread.
+// What the thread did before SetEvent is seen by those whom the signal releases. A released thread may close
+// the event at once.
 KX_API int SetEvent(HANDLE hEvent) noexcept;
 
 // Waits until the object (event, thread, process) is signalled: WAIT_OBJECT_0; WAIT_TIMEOUT when that many
-// milliseconds of the clock passed first; WAIT_FAILED at once (ERROR_INVALID_HANDLE) for a handle that is null,
-// closed or of another kind. A thread is signalled when it has ended, its thread-local objects included. With
-// 0 it only looks, and INFINITE has no time-out. The handle may be closed meanwhile, which ends no wait.
+// milliseconds of the clock passed first; WAIT_FAILED at once (ERROR_INVALID_HANDLE) for a handle that is
+// null, closed or of another kind. A thread is signalled when it has ended, its thread-local objects
+// included. With 0 it only looks, and INFINITE has no time-out. The handle may be closed meanwhile, which
+// ends no wait.
 KX_API DWORD WaitForSingleObject(HANDLE hObject, DWORD dwMilliseconds);
 
 // Ends a handle of an event, thread or process; the object lives on while a thread waits for it or runs.
@@ -70,3 +71,22 @@ KX_API DWORD GetCurrentProcessId() noexcept;
 
 // Adds one to a counter in one atomic step, a full barrier; the result is the new value. Any thread.
 KX_API long InterlockedIncrement(volatile long* pValue) noexcept;
+
+// ---- After a fork
+//
+// A child of `fork` has the forking thread alone. Until it ends or runs another program it may call, whatever
+// the parent's threads were at when it was made:
+// - the log (KXLogSys.h). It doesn't run in the child, and its queue is empty: the lines and the file are the
+//   parent's. The child may start it on a file of its own;
+// - paths and files (KXFileSystem.h, platform/FileSystem.h, platform/File.h) and INI files (KXIniDataMgr.h,
+//   platform/Profile.h);
+// - locks, events and threads of its own. A lock that another thread of the parent held stays taken;
+// - a crash filter that the parent set: it reports the child.
+// Nothing else: no windows, drawing, downloads or services, and none of the parent's threads and their
+// objects. A handle of the parent's may be closed. `exit` is as safe as `_exit`, as far as the library goes.
+
+// For a class with a lock that a child needs: `pfnBefore`, which takes it, runs on the forking thread before
+// each fork from now on, and `pfnAfter`, which gives it back, behind it on both sides. The library's own
+// locks are taken after these and given back before. 0 for a null pointer or where there is no room for
+// another. Any thread.
+KX_API int KXAtFork(void (*pfnBefore)() noexcept, void (*pfnAfter)(bool bChild) noexcept) noexcept;

@@ -1,17 +1,26 @@
 #include "KXLogSys.h"
+#include "platform/Sync.h"
+#include "tests/support/Child.h"
 #include "tests/support/Host.h"
 #include "tests/support/TempDir.h"
 
 #include <algorithm>
+#include <array>
+#include <atomic>
+#include <csignal>
 #include <cstdlib>
 #include <ctime>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
+#include <poll.h>
 #include <string>
-#include <sys/inotify.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -19,18 +28,6 @@
 namespace {
 
 using Level = CKXLogSys::LogLevel;
-
-// Waits until a file holds a text, by the system's own notices of writes to it.
-void WaitForText(const std::string& path, const std::string& text)
-{
-    const int notices = inotify_init1(IN_CLOEXEC);
-    ASSERT_GE(inotify_add_watch(notices, path.c_str(), IN_MODIFY), 0);
-    while (test::ReadFile(path).find(text) == std::string::npos) {
-        char block[4096];
-        ASSERT_GT(read(notices, block, sizeof(block)), 0);
-    }
-    close(notices);
-}
 
 // Waits until all threads but the caller's sleep, as the writer does when it has nothing to do.
 void AwaitSleepers()
@@ -60,27 +57,12 @@ protected:
     ~Log() override { log->Uninitialize(); }
 
     void Start() { ASSERT_EQ(log->Initialize(dir.Win("app.log")), 1); }
-    // Pushes a last line and waits until it is written, and with it all before it.
-    void Drain()
-    {
-        const std::string mark = "mark " + std::to_string(++marks);
-        log->PushLog(Level::LogInfo, mark.c_str());
-        WaitForText(dir.Path("app.log"), "1 " + mark + "\n");
-    }
-    // The file without the lines of Drain.
-    std::string Text() const
-    {
-        std::string text;
-        std::ifstream file(dir.Path("app.log"));
-        for (std::string line; std::getline(file, line);)
-            if (line.find("] 1 mark ") == std::string::npos) text += line + "\n";
-        return text;
-    }
+    void Drain() { ASSERT_EQ(log->Flush(INFINITE), 1); }
+    std::string Text() const { return dir.Read("app.log"); }
 
     test::TempDir dir;
     test::VirtualClock clock{1'237'017'909}; // 2009-03-14 08:05:09 UTC
     CKXLogSys* log = CKXLogSys::GetSingletonPtr();
-    int marks = 0;
 };
 
 TEST_F(Log, WritesStampLevelAndMessage)
@@ -132,8 +114,9 @@ TEST_F(Log, HoldsLinesWhileItDoesNotRun)
     Start();
     AwaitSleepers();
     EXPECT_EQ(Text(), "");
+    log->PushLog(Level::LogInfo, "more");
     Drain();
-    EXPECT_EQ(Text(), "[2009-03-14 08:05:09] 1 early\n");
+    EXPECT_EQ(Text(), "[2009-03-14 08:05:09] 1 early\n[2009-03-14 08:05:09] 1 more\n");
     log->Uninitialize();
     log->Uninitialize();
     log->PushLog(Level::LogInfo, "between");
@@ -254,7 +237,162 @@ TEST_F(Log, AFullDiskLosesLinesButNotTheWriter)
     log->Uninitialize(); // waits for the writer: it is still there to be stopped
     Start();
     Drain();
-    EXPECT_NE(test::ReadFile(dir.Path("app.log")).find("mark 1"), std::string::npos);
+    log->PushLog(Level::LogInfo, "after");
+    Drain();
+    EXPECT_THAT(Text(), testing::EndsWith("] 1 after\n"));
+}
+
+// The system cuts a line where a limit of the file's size is, as a full disk does.
+TEST_F(Log, ALineBehindOneThatTheDiskCutStandsOnItsOwn)
+{
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    signal(SIGXFSZ, SIG_IGN);
+    Start();
+    const std::string line = "[2009-03-14 08:05:09] 1 " + std::string(59, 'x') + "\n"; // of 84 bytes
+    const rlimit room{1000, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &room);
+    for (int n = 0; n < 30; ++n)
+        log->PushLog(Level::LogInfo, CString('x', 59));
+    EXPECT_EQ(log->Flush(INFINITE), 0); // some are lost
+    log->PushLog(Level::LogInfo, "lost too");
+    EXPECT_EQ(log->Flush(INFINITE), 0);
+    setrlimit(RLIMIT_FSIZE, &before);
+    signal(SIGXFSZ, SIG_DFL);
+    log->PushLog(Level::LogInfo, "after");
+    EXPECT_EQ(log->Flush(INFINITE), 1);
+    std::string expected;
+    for (int n = 0; n < 11; ++n)
+        expected += line;
+    EXPECT_EQ(Text(), expected + line.substr(0, 1000 - 11 * 84) + "\n[2009-03-14 08:05:09] 1 after\n");
+}
+
+// The far end of a terminal, which takes no more once nobody reads what was written.
+class Terminal
+{
+public:
+    Terminal()
+    {
+        grantpt(m_fd);
+        unlockpt(m_fd);
+        m_near = open(ptsname(m_fd), O_RDWR | O_NOCTTY | O_CLOEXEC);
+        termios mode{};
+        tcgetattr(m_near, &mode);
+        cfmakeraw(&mode);
+        tcsetattr(m_near, TCSANOW, &mode);
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+    ~Terminal()
+    {
+        close(m_near);
+        close(m_fd);
+    }
+    CString Path() const { return ("C:" + std::string(ptsname(m_fd))).c_str(); }
+    // All that is written until nothing comes any more and `bDone` holds.
+    std::string ReadUntil(const std::atomic<bool>& bDone)
+    {
+        std::string text;
+        for (;;) {
+            const bool bLast = bDone;
+            pollfd watch{m_fd, POLLIN, 0};
+            char block[4096];
+            if (poll(&watch, 1, bLast ? 0 : 10) > 0)
+                text.append(block,
+                            static_cast<std::size_t>(std::max<ssize_t>(read(m_fd, block, sizeof(block)), 0)));
+            else if (bLast)
+                return text;
+        }
+    }
+
+private:
+    int m_fd = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    int m_near = -1;
+};
+
+// A stop that comes while the writer is at a line leaves the lines behind it, and those are written ahead of
+// what is pushed later.
+TEST_F(Log, AStopLeavesLinesInTheirOrder)
+{
+    Terminal terminal;
+    ASSERT_EQ(log->Initialize(terminal.Path()), 1);
+    int nPushed = 0;
+    const auto push = [&](int nLines) {
+        for (int n = 0; n < nLines; ++n)
+            log->PushLogEx(Level::LogInfo, "n%d", nPushed++);
+    };
+    push(20'000);
+    AwaitSleepers(); // the writer, in the midst of them
+    push(20'000);
+    std::atomic<bool> bDone{false};
+    std::jthread stop([&] {
+        log->Uninitialize();
+        bDone = true;
+    });
+    std::jthread waiting([&] { EXPECT_EQ(log->Flush(INFINITE), 0); }); // the stop ends it
+    AwaitSleepers();
+    const std::string before = terminal.ReadUntil(bDone);
+    stop.join();
+    waiting.join();
+    EXPECT_EQ(log->Flush(INFINITE), 0); // it doesn't run
+    Start();
+    push(1);
+    Drain();
+    std::string expected;
+    for (int n = 0; n < nPushed; ++n)
+        expected += "[2009-03-14 08:05:09] 1 n" + std::to_string(n) + "\n";
+    EXPECT_EQ(before + Text(), expected);
+    EXPECT_GT(Text().size(), before.size());
+}
+
+TEST_F(Log, AFlushEndsWithItsTime)
+{
+    Terminal terminal;
+    ASSERT_EQ(log->Initialize(terminal.Path()), 1);
+    EXPECT_EQ(log->Flush(INFINITE), 1); // there is nothing to wait for
+    for (int n = 0; n < 1000; ++n)
+        log->PushLog(Level::LogInfo, CString('x', 100));
+    EXPECT_EQ(log->Flush(0), 0);
+    std::atomic<int> nResult{-1};
+    std::jthread waiting([&] { nResult = log->Flush(5000); });
+    while (KXHost::ClockWaiters() == 0)
+        std::this_thread::yield();
+    KXHost::AdvanceClock(4999);
+    EXPECT_EQ(nResult, -1);
+    KXHost::AdvanceClock(1);
+    waiting.join();
+    EXPECT_EQ(nResult, 0);
+    std::atomic<bool> bDone{false};
+    std::jthread flushing([&] {
+        EXPECT_EQ(log->Flush(static_cast<unsigned long>(-1)), 1);
+        bDone = true;
+    });
+    EXPECT_EQ(terminal.ReadUntil(bDone).size(), 1000u * 125);
+}
+
+// Whichever allocation fails, and where no thread can be started.
+TEST(LogStart, ThatFailsLeavesNothingRunning)
+{
+    const test::TempDir dir;
+    test::Child child("LogStartChild", {dir.Path("app.log")}, {}, true);
+    EXPECT_EQ(child.Wait(), 0) << child.ErrorText();
+}
+
+// Neither hangs nor loses a line of the parent's, and the child's lines go where it says.
+TEST(LogFork, OfABusyProcessMayLogAndUseFiles)
+{
+    const test::TempDir dir;
+    test::Child child("ForkChild", {dir.Path(), "100"}, {}, true);
+    EXPECT_EQ(child.Wait(), 0) << child.ErrorText();
+    std::array<int, 2> next{};
+    std::ifstream file(dir.Path("parent.log"));
+    for (std::string line; std::getline(file, line);) {
+        unsigned t = 2;
+        int n = 0;
+        ASSERT_EQ(std::sscanf(line.c_str(), "[%*[^]]] 1 %u %d", &t, &n), 2) << line;
+        ASSERT_TRUE(t < 2 && n == next[t]++) << line;
+    }
+    EXPECT_GT(next[0], 0);
 }
 
 TEST_F(Log, LeavesNoHandleBehind)

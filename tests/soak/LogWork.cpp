@@ -14,14 +14,6 @@ namespace {
 constexpr int kThreads = 8;
 constexpr int kLines = 2'000; // of a thread in a round
 
-int CountLines(const std::string& text)
-{
-    int nLines = 0;
-    for (const char ch : text)
-        nLines += ch == '\n';
-    return nLines;
-}
-
 // How many of the lines aren't where they belong.
 std::uint64_t CountLosses(const std::string& text)
 {
@@ -58,14 +50,9 @@ soak::Figures soak::RunLog(Turn turn, const test::TempDir& dir)
                         pLog->PushLogEx(CKXLogSys::LogInfo, "thread %d line %d", nThread, n);
                 });
         }
-        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-        std::string text;
-        do {
-            std::this_thread::yield();
-            text = dir.Read("soak.log");
-        } while (CountLines(text) < kThreads * kLines && std::chrono::steady_clock::now() < limit);
+        figures.Need(pLog->Flush(30'000), "a flush in thirty seconds");
         pLog->Uninitialize();
-        const std::uint64_t losses = CountLosses(text);
+        const std::uint64_t losses = CountLosses(dir.Read("soak.log"));
         figures.Need(losses == 0, std::to_string(losses) + " log lines of a round");
         figures.operations += kThreads * kLines;
     }

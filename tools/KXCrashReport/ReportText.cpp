@@ -100,7 +100,7 @@ std::string ThreadName(const Tracee& tracee, pid_t tid)
 } // namespace
 
 std::string ReportText(const CommandLine& line, const Tracee& tracee, const std::optional<CrashRecord>& crash,
-                       const std::vector<ThreadState>& threads)
+                       const std::vector<ThreadState>& threads, const std::string& lines)
 {
     std::error_code error;
     const auto program = std::filesystem::read_symlink(tracee.ProcFile("exe"), error);
@@ -111,7 +111,8 @@ std::string ReportText(const CommandLine& line, const Tracee& tracee, const std:
         << "process      " << line.pid << " " << OneLine(program.native()) << "\n"
         << "thread       " << line.tid << "\n";
     if (crash) WriteCause(out, *crash);
-    if (threads.empty()) out << "\nThe process can't be looked into: no registers, no stacks.\n";
+    if (threads.empty())
+        out << "\nThe process can't be looked into: no registers, no stacks, no queued log lines.\n";
     StackWalk walk(tracee);
     for (const ThreadState& thread : threads)
         WriteThread(out, ThreadName(tracee, thread.tid), thread, thread.tid == line.tid, walk.Walk(thread));
@@ -119,6 +120,7 @@ std::string ReportText(const CommandLine& line, const Tracee& tracee, const std:
     for (const Module& module : walk.Modules())
         out << "  " << Hex(module.start) << "-" << Hex(module.end) << "  " << OneLine(module.file)
             << (module.build.empty() ? "" : "  build " + module.build) << "\n";
+    if (!lines.empty()) out << "\nlog lines that were queued\n" << lines;
     return out.str();
 }
 

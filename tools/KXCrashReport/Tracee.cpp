@@ -53,7 +53,8 @@ Tracee::Tracee(pid_t pid, pid_t crashed) : m_pid(pid)
                 bNew = true;
         AwaitStops();
     }
-    m_memory.Reset(open(ProcFile("mem").c_str(), O_RDONLY | O_CLOEXEC));
+    m_memory.Reset(open(ProcFile("mem").c_str(), O_RDWR | O_CLOEXEC));
+    if (!m_memory) m_memory.Reset(open(ProcFile("mem").c_str(), O_RDONLY | O_CLOEXEC));
 }
 
 Tracee::~Tracee()
@@ -102,6 +103,11 @@ std::size_t Tracee::Read(std::uint64_t address, void* pTarget, std::size_t size)
         done += static_cast<std::size_t>(got);
     }
     return done;
+}
+
+void Tracee::Write(std::uint64_t address, const void* pBytes, std::size_t size) const
+{
+    [[maybe_unused]] const ssize_t done = pwrite(m_memory.Get(), pBytes, size, static_cast<off_t>(address));
 }
 
 bool Tracee::ReadRegisters(pid_t tid, unsigned nType, void* pTarget, std::size_t size) const

@@ -39,6 +39,9 @@ public:
         return value;
     }
 
+    // Changes memory, where the system allows it.
+    void Write(std::uint64_t address, const void* pBytes, std::size_t size) const;
+
     // A set of a thread's registers by its note type (NT_PRSTATUS, NT_PRFPREG); false where it can't be read.
     bool ReadRegisters(pid_t tid, unsigned nType, void* pTarget, std::size_t size) const;
 

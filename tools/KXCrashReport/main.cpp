@@ -4,6 +4,7 @@
 #include "tools/KXCrashReport/CommandLine.h"
 #include "tools/KXCrashReport/CoreFile.h"
 #include "tools/KXCrashReport/CoreNotes.h"
+#include "tools/KXCrashReport/LogFile.h"
 #include "tools/KXCrashReport/ReportFiles.h"
 #include "tools/KXCrashReport/ReportText.h"
 #include "tools/KXCrashReport/Restart.h"
@@ -30,10 +31,8 @@ std::string Join(int nArgs, char** args)
 }
 
 bool WriteDump(int fd, const Tracee& tracee, const std::vector<ThreadState>& threads,
-               const std::optional<CrashRecord>& crash)
+               const std::optional<CrashRecord>& crash, const std::vector<Mapping>& maps)
 {
-    constexpr std::size_t kMaps = 64 << 20; // far more than the system allows: stacks come last
-    const auto maps = ParseMaps(ReadFile(tracee.ProcFile("maps"), kMaps));
     return WriteCore(fd, tracee, CoreNotes(tracee, threads, crash, maps), ChooseMemory(maps, threads));
 }
 
@@ -41,11 +40,15 @@ bool WriteDump(int fd, const Tracee& tracee, const std::vector<ThreadState>& thr
 bool Report(const CommandLine& line, const ReportFiles& files)
 {
     const Tracee tracee(line.pid, line.tid);
+    constexpr std::size_t kMaps = 64 << 20; // far more than the system allows: stacks come last
+    const auto maps = ParseMaps(ReadFile(tracee.ProcFile("maps"), kMaps));
+    const std::string lines = BringLinesHome(tracee, maps); // first, as it is done soonest
     const auto crash = ReadCrash(tracee, line.exception);
     const auto threads = ReadThreads(tracee, line.tid, crash);
-    const bool bDump = !threads.empty() &&
-                       WriteWhole(files.dump, [&](int fd) { return WriteDump(fd, tracee, threads, crash); });
-    const std::string text = ReportText(line, tracee, crash, threads);
+    const bool bDump = !threads.empty() && WriteWhole(files.dump, [&](int fd) {
+        return WriteDump(fd, tracee, threads, crash, maps);
+    });
+    const std::string text = ReportText(line, tracee, crash, threads, lines);
     const bool bText = WriteWhole(files.text, [&](int fd) {
         return write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size());
     });

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+
+// What the library does around a fork. Its locks that a child needs are taken before it, in their order, and
+// are free behind it on both sides: so what they guard is whole in the child, which has the forking thread
+// alone.
+
+namespace kx::sync {
+
+// In the order in which locks may be taken: who holds one takes only those behind it.
+enum class ForkOrder : std::uint8_t
+{
+    Client, // what uses the library: the log
+    Profile,
+    CurrentDirectory,
+    Drives,
+    SystemDrives,
+    Executable,
+    Text,
+    Debug,
+    Handles,
+    Alarms,
+    Clock,
+    Zone,
+};
+
+struct ForkStep
+{
+    ForkOrder order;
+    void (*pfnBefore)() noexcept;
+    void (*pfnAfter)(bool bChild) noexcept;
+};
+
+// Adds a step to every later fork. True, so that a static object's initialisation can do it; false where
+// there is no room for another.
+bool AtFork(const ForkStep& step) noexcept;
+
+// A step for a lock that a function finds.
+template <auto& (*pfnLock)()>
+bool LockAtFork(ForkOrder order) noexcept
+{
+    return AtFork({order, []() noexcept { pfnLock().lock(); }, [](bool) noexcept { pfnLock().unlock(); }});
+}
+
+} // namespace kx::sync

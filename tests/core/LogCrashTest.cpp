@@ -1,0 +1,180 @@
+// What the crash reporter makes of lines that were queued.
+
+#include "tests/support/Child.h"
+#include "tests/support/TempDir.h"
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+// A root of `C:` with the marker file, and the reporter in the application's directory.
+struct Place
+{
+    Place()
+    {
+        dir.Write("nv_dbg_14.txt", "");
+        dir.MakeDir("app");
+        fs::create_symlink(std::string(KX_TEST_BIN) + "/KXCrashReport.exe",
+                           dir.Path("app/KXCrashReport.exe"));
+    }
+
+    std::unique_ptr<test::Child> Start(const std::string& how, const std::string& what) const
+    {
+        const char* pszOptions = std::getenv("ASAN_OPTIONS");
+        return std::make_unique<test::Child>(
+            "LogCrashChild", std::vector<std::string>{dir.Path(), how, what},
+            std::vector<std::string>{"ASAN_OPTIONS=" + std::string(pszOptions ? pszOptions : "") +
+                                     ":handle_segv=0:handle_sigfpe=0"});
+    }
+    std::string Log() const { return dir.Read("app/app.log"); }
+    std::string Report() const
+    {
+        std::error_code error;
+        for (const auto& entry : fs::directory_iterator(dir.Path("app/dumps"), error))
+            if (entry.path().extension() == ".txt") return test::ReadFile(entry.path().native());
+        return "";
+    }
+
+    test::TempDir dir;
+};
+
+// The numbers of each thread's lines in a log, in their order; says so if a line is none.
+template <std::size_t nThreads>
+std::array<std::vector<std::uint64_t>, nThreads> NumbersIn(const std::string& log)
+{
+    std::array<std::vector<std::uint64_t>, nThreads> numbers;
+    std::istringstream lines(log);
+    for (std::string line; std::getline(lines, line);) {
+        unsigned t = nThreads;
+        unsigned long long n = 0;
+        const int fields = std::sscanf(line.c_str(), "[%*[0-9: -]] 1 %u %llu ", &t, &n);
+        EXPECT_TRUE(fields == 2 && t < nThreads &&
+                    line.find_first_not_of('x', line.rfind(' ') + 1) == line.npos)
+            << line;
+        if (fields == 2 && t < nThreads) numbers[t].push_back(n);
+    }
+    EXPECT_TRUE(log.ends_with('\n'));
+    return numbers;
+}
+
+class LogCrash : public testing::Test
+{
+protected:
+#if defined(__SANITIZE_THREAD__)
+    void SetUp() override
+    {
+        GTEST_SKIP() << "ThreadSanitizer puts handlers of its own before a crash's";
+    }
+#endif
+};
+
+// Each line whose push had returned is in the file, once and in its thread's order; one that was being pushed
+// may be.
+TEST_F(LogCrash, AtAnyMomentLosesNoLine)
+{
+    constexpr std::size_t nThreads = 8;
+    const char* pszRounds = std::getenv("KX_TEST_ROUNDS");
+    const unsigned nRounds = pszRounds ? static_cast<unsigned>(std::atoi(pszRounds)) : 200;
+    std::uint64_t nLines = 0;
+    for (unsigned nSeed = 0; nSeed < nRounds; ++nSeed) {
+        SCOPED_TRACE("seed " + std::to_string(nSeed));
+        const Place place;
+        ASSERT_EQ(place.Start("threads", std::to_string(nSeed))->Wait(), 128 + SIGSEGV);
+        const std::string counts = place.dir.Read("counts");
+        ASSERT_EQ(counts.size(), nThreads * sizeof(std::uint64_t));
+        const auto numbers = NumbersIn<nThreads>(place.Log());
+        for (std::size_t t = 0; t < nThreads; ++t) {
+            std::uint64_t nPushed = 0;
+            std::memcpy(&nPushed, counts.data() + t * sizeof(nPushed), sizeof(nPushed));
+            EXPECT_GE(numbers[t].size(), nPushed);
+            EXPECT_LE(numbers[t].size(), nPushed + 1);
+            for (std::uint64_t n = 0; n < numbers[t].size(); ++n)
+                ASSERT_EQ(numbers[t][n], n) << "thread " << t;
+            nLines += nPushed;
+        }
+    }
+    RecordProperty("lines", std::to_string(nLines));
+}
+
+TEST_F(LogCrash, OfEveryKindBringsWaitingLinesHome)
+{
+    std::vector<std::string> kinds{"read", "abort",           "heap",   "overflow", "thread",
+                                   "call", "thread_overflow", "locked", "together"};
+#if defined(__SANITIZE_ADDRESS__)
+    std::erase(kinds, "heap"); // its allocator is another one
+#endif
+    for (const std::string& kind : kinds) {
+        SCOPED_TRACE(kind);
+        const Place place;
+        place.Start("waiting", kind)->Wait();
+        std::istringstream lines(place.Log());
+        int nLines = 0;
+        for (std::string line; std::getline(lines, line); ++nLines) {
+            const std::string message = line.substr(std::min(line.find("] 1 "), line.size() - 4) + 4);
+            ASSERT_EQ(message,
+                      "n" + std::to_string(nLines) + " " + std::string(nLines % 500 ? 9 : 100'000, 'x'));
+        }
+        EXPECT_EQ(nLines, 1000);
+        EXPECT_THAT(place.Report(), HasSubstr("\n" + place.Log()));
+    }
+}
+
+TEST_F(LogCrash, WithoutAFilePutsTheLinesIntoTheReport)
+{
+    const Place place;
+    place.Start("waiting", "unopened")->Wait();
+    EXPECT_FALSE(place.dir.Exists("app/app.log"));
+    EXPECT_THAT(place.Report(), testing::AllOf(HasSubstr("] 1 n0 xxx"), HasSubstr("] 1 n999 xxx")));
+}
+
+TEST_F(LogCrash, LeavesFaultsOfTheQueueBehind)
+{
+    const std::string torn = "before\nfirst\nsec";
+    const std::string damage = "KXCrashReport: the queue of the log is damaged: lines are missing here\n";
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {"sound", torn + "ond\nthird\n"},
+        {"next", torn + "ond\nthird\n" + damage},
+        {"circle", torn + "ond\nthird\n" + damage},
+        {"used", torn + "ond\n" + damage},
+        {"number", torn + "ond\n" + damage},
+        {"magic", torn + "ond\n" + damage},
+        {"length", torn + "ond\n" + damage},
+        {"first", torn + "\n" + damage},
+        {"file", torn},
+        {"process", torn},
+        {"version", torn},
+        {"record", torn},
+    };
+    for (const auto& [what, expected] : cases) {
+        SCOPED_TRACE(what);
+        const Place place;
+        EXPECT_EQ(place.Start("forged", what)->Wait(), 128 + SIGSEGV);
+        std::string log = place.Log();
+        const auto own = log.find("KXCrashReport: ");
+        if (own != log.npos) log.erase(own - 24, 24); // its stamp and level
+        EXPECT_EQ(log, expected);
+        const std::string report = place.Report();
+        EXPECT_THAT(report, HasSubstr("\nmodules\n"));
+        EXPECT_EQ(report.find("queue of the log is damaged") != report.npos, own != log.npos);
+        EXPECT_EQ(report.find("\nfirst\nsecond\n") != report.npos,
+                  what == "file" || (what != "first" && log != torn));
+    }
+}
+
+} // namespace

@@ -1,0 +1,122 @@
+#include "KXLogSys.h"
+#include "platform/Exception.h"
+#include "platform/Host.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <new>
+#include <pthread.h>
+#include <string>
+
+// LogStartChild FILE: starts the log while an allocation fails, each in its turn, and while no thread can be
+// made.
+
+namespace {
+
+std::atomic<int> g_nLeft{-1}; // allocations until the one that fails; below 0: none does
+std::atomic<bool> g_bNoThreads{false};
+
+void* Allocate(std::size_t nSize)
+{
+    if (g_nLeft >= 0 && g_nLeft-- == 0) return nullptr;
+    return std::malloc(nSize ? nSize : 1);
+}
+
+long Threads()
+{
+    const std::filesystem::directory_iterator tasks("/proc/self/task");
+    return std::distance(begin(tasks), end(tasks));
+}
+
+#define CHECK(condition)                                                                                     \
+    if (!(condition)) {                                                                                      \
+        std::fprintf(stderr, "line %d, failing allocation %d: %s\n", __LINE__, n, #condition);               \
+        std::_Exit(1);                                                                                       \
+    }
+
+int Start(CKXLogSys* pLog, const CString& strFile)
+{
+    try {
+        return pLog->Initialize(strFile);
+    } catch (CException* pException) {
+        pException->Delete();
+    } catch (const std::bad_alloc&) {
+    }
+    return 0;
+}
+
+} // namespace
+
+void* operator new(std::size_t nSize)
+{
+    if (void* p = Allocate(nSize)) return p;
+    throw std::bad_alloc();
+}
+void* operator new(std::size_t nSize, const std::nothrow_t&) noexcept
+{
+    return Allocate(nSize);
+}
+void operator delete(void* p) noexcept
+{
+    std::free(p);
+}
+void operator delete(void* p, std::size_t) noexcept
+{
+    std::free(p);
+}
+
+extern "C" int pthread_create(pthread_t* pThread, const pthread_attr_t* pAttributes, void* (*pfnMain)(void*),
+                              void* pArg)
+{
+    if (g_bNoThreads) return EAGAIN;
+    static const auto pfnReal =
+        reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+    return pfnReal(pThread, pAttributes, pfnMain, pArg);
+}
+
+int main(int, char** args)
+{
+    const CString strFile = ("C:" + std::string(args[1])).c_str();
+    const auto text = [&] {
+        std::ifstream file(args[1]);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    };
+    CKXLogSys* pLog = CKXLogSys::GetSingletonPtr();
+    int n = 0;
+    for (bool bAll = false; !bAll; ++n) {
+        const int nHandles = KXHost::LiveHandles();
+        g_nLeft = n;
+        const int nStarted = Start(pLog, strFile);
+        bAll = g_nLeft >= 0;
+        g_nLeft = -1;
+        CHECK(nStarted || Threads() == 1);
+        CHECK(nStarted || KXHost::LiveHandles() == nHandles);
+        pLog->PushLog(CKXLogSys::LogInfo, "line");
+        CHECK(nStarted || pLog->Flush(INFINITE) == 0);
+        pLog->Uninitialize();
+        CHECK(KXHost::LiveHandles() == nHandles);
+        CHECK(Start(pLog, strFile));
+        CHECK(pLog->Flush(INFINITE));
+        pLog->Uninitialize();
+    }
+    CHECK(n > 5);
+
+    g_bNoThreads = true;
+    CHECK(Start(pLog, strFile));
+    pLog->PushLog(CKXLogSys::LogInfo, "waits");
+    CHECK(pLog->Flush(INFINITE) == 0);
+    pLog->Uninitialize();
+    CHECK(text().empty());
+    g_bNoThreads = false;
+    CHECK(Start(pLog, strFile));
+    CHECK(pLog->Flush(INFINITE));
+    CHECK(text().ends_with("] 1 waits\n"));
+    pLog->Uninitialize();
+    return 0;
+}
