@@ -4,6 +4,7 @@
 #include "include/platform/Host.h"
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
+#include "platform/sync/Fork.h"
 #include "platform/sync/Mutex.h"
 
 #include <array>
@@ -39,6 +40,8 @@ constexpr std::uint32_t kReservedGeneration = 0xFFFFFFFE; // no slot of the tabl
 class Table
 {
 public:
+    sync::Mutex& Lock() noexcept KX_RETURN_LOCK(m_lock) { return m_lock; }
+
     HANDLE Add(HandleKind kind, std::shared_ptr<void> object, bool bCounted)
     {
         const sync::MutexLock lock(m_lock);
@@ -105,6 +108,12 @@ Table& TheTable() noexcept
     static Immortal<Table> table;
     return table.Get();
 }
+
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+{
+    return TheTable().Lock();
+}
+> (sync::ForkOrder::Handles);
 
 struct Reserved
 {

@@ -2,6 +2,7 @@
 
 #include "include/platform/Host.h"
 #include "platform/Immortal.h"
+#include "platform/sync/Fork.h"
 #include "platform/sync/Mutex.h"
 
 #include <algorithm>
@@ -82,6 +83,12 @@ Registry& TheRegistry()
     static Immortal<Registry> registry;
     return registry.Get();
 }
+
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+{
+    return TheRegistry().lock;
+}
+> (sync::ForkOrder::Debug);
 
 // The observers whose calls are running on this thread, innermost first.
 struct Call

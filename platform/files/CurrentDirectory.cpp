@@ -2,6 +2,7 @@
 
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
+#include "platform/sync/Fork.h"
 
 #include <cstdlib>
 #include <memory>
@@ -24,6 +25,12 @@ Chosen& TheChosen()
     static Immortal<Chosen> chosen;
     return chosen.Get();
 }
+
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+{
+    return TheChosen().lock;
+}
+> (sync::ForkOrder::CurrentDirectory);
 
 bool IsHere(const std::string& path)
 {

@@ -3,6 +3,7 @@
 #include "platform/Immortal.h"
 #include "platform/files/MountTable.h"
 #include "platform/files/SystemDrives.h"
+#include "platform/sync/Fork.h"
 #include "platform/sync/LockSoon.h"
 
 #include <array>
@@ -61,6 +62,8 @@ public:
         g_generation.fetch_add(1, std::memory_order_release);
     }
 
+    std::mutex& Lock() noexcept { return m_lock; }
+
 private:
     std::mutex m_lock;
     std::array<std::optional<Drive>, kLetters> m_drives;
@@ -71,6 +74,12 @@ HostDrives& TheHost()
     static Immortal<HostDrives> drives;
     return drives.Get();
 }
+
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+{
+    return TheHost().Lock();
+}
+> (sync::ForkOrder::Drives);
 
 } // namespace
 

@@ -3,6 +3,7 @@
 #include "platform/Immortal.h"
 #include "platform/UniqueFd.h"
 #include "platform/files/Directory.h"
+#include "platform/sync/Fork.h"
 #include "platform/text/CharWalk.h"
 #include "platform/text/Conversion.h"
 
@@ -88,6 +89,7 @@ struct Listing
 class NameCache
 {
 public:
+    std::mutex& Lock() noexcept { return m_lock; }
     std::optional<std::string> Find(const std::string& directory, std::string_view folded, bool bDirectory)
     {
         const std::lock_guard lock(m_lock);
@@ -194,12 +196,23 @@ private:
     pid_t m_process = 0;
 };
 
+NameCache& TheCache()
+{
+    static Immortal<NameCache> cache;
+    return cache.Get();
+}
+
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+{
+    return TheCache().Lock();
+}
+> (sync::ForkOrder::Names);
+
 } // namespace
 
 std::optional<std::string> FindEntry(const std::string& directory, std::string_view folded, bool bDirectory)
 {
-    static Immortal<NameCache> cache;
-    return cache->Find(directory, folded, bDirectory);
+    return TheCache().Find(directory, folded, bDirectory);
 }
 
 } // namespace kx::path

@@ -6,6 +6,7 @@
 #include "platform/files/BlockDevices.h"
 #include "platform/files/Directory.h"
 #include "platform/files/MountTable.h"
+#include "platform/sync/Fork.h"
 #include "platform/sync/LockSoon.h"
 
 #include <algorithm>
@@ -38,6 +39,8 @@ std::optional<std::string> MountPoint(const BlockDevice& device, const std::vect
 class SystemDrives
 {
 public:
+    std::mutex& Lock() noexcept { return m_lock; }
+
     std::optional<Drive> Find(std::size_t letter, const Letters& taken, Look look)
     {
         const std::lock_guard lock(m_lock);
@@ -157,6 +160,12 @@ SystemDrives& TheDrives()
     static Immortal<SystemDrives> drives;
     return drives.Get();
 }
+
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+{
+    return TheDrives().Lock();
+}
+> (sync::ForkOrder::SystemDrives);
 
 } // namespace
 

@@ -2,6 +2,7 @@
 
 #include "include/platform/Host.h"
 #include "platform/Immortal.h"
+#include "platform/sync/Fork.h"
 
 #include <mutex>
 #include <string_view>
@@ -23,6 +24,12 @@ Override& TheOverride()
     static kx::Immortal<Override> instance;
     return instance.Get();
 }
+
+[[maybe_unused]] const bool g_atFork = kx::sync::LockAtFork < []() -> auto&
+{
+    return TheOverride().lock;
+}
+> (kx::sync::ForkOrder::Executable);
 
 bool IsThisExecutable(const std::string& path)
 {

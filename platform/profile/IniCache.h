@@ -49,6 +49,8 @@ public:
     // isn't kept.
     void Put(std::string_view name, CachedIniPtr file);
 
+    std::shared_mutex& Lock() const noexcept { return m_lock; }
+
 private:
     struct Hash
     {

@@ -6,6 +6,7 @@
 #include "platform/files/WholeFile.h"
 #include "platform/profile/IniCache.h"
 #include "platform/profile/KeptIni.h"
+#include "platform/sync/Fork.h"
 
 #include <utility>
 
@@ -18,6 +19,12 @@ IniCache& Cache()
     static Immortal<IniCache> cache;
     return cache.Get();
 }
+
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+{
+    return Cache().Lock();
+}
+> (sync::ForkOrder::Profile);
 
 IniPtr IniOf(CachedIniPtr file)
 {

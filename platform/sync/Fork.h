@@ -1,6 +1,9 @@
 #pragma once
 
+#include "platform/sync/Mutex.h"
+
 #include <cstdint>
+#include <memory>
 
 // What the library does around a fork. Its locks that a child needs are taken before it, in their order, and
 // are free behind it on both sides: so what they guard is whole in the child, which has the forking thread
@@ -11,12 +14,13 @@ namespace kx::sync {
 // In the order in which locks may be taken: who holds one takes only those behind it.
 enum class ForkOrder : std::uint8_t
 {
-    Client, // what uses the library: the log
+    Client, // what uses the platform: the log
     Profile,
+    Executable,
     CurrentDirectory,
     Drives,
     SystemDrives,
-    Executable,
+    Names,
     Text,
     Debug,
     Handles,
@@ -36,11 +40,26 @@ struct ForkStep
 // there is no room for another.
 bool AtFork(const ForkStep& step) noexcept;
 
-// A step for a lock that a function finds.
-template <auto& (*pfnLock)()>
+// A step for a lock, which a function finds.
+template <auto pfnLock>
+struct ForkedLock
+{
+    static void Take() noexcept KX_NO_LOCK_ANALYSIS { pfnLock().lock(); }
+    // Where a lock knows its owner by the thread's number, the child, whose thread has another, has a new
+    // one.
+    static void Give([[maybe_unused]] bool bChild) noexcept KX_NO_LOCK_ANALYSIS
+    {
+        auto& lock = pfnLock();
+        if constexpr (requires { lock.lock_shared(); })
+            if (bChild) return (void)std::construct_at(&lock);
+        lock.unlock();
+    }
+};
+
+template <auto pfnLock>
 bool LockAtFork(ForkOrder order) noexcept
 {
-    return AtFork({order, []() noexcept { pfnLock().lock(); }, [](bool) noexcept { pfnLock().unlock(); }});
+    return AtFork({order, ForkedLock<pfnLock>::Take, ForkedLock<pfnLock>::Give});
 }
 
 } // namespace kx::sync

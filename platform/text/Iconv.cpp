@@ -2,6 +2,9 @@
 
 #include "include/platform/CodePage.h"
 
+#include "platform/sync/Fork.h"
+#include "platform/sync/Mutex.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -10,6 +13,14 @@
 namespace kx::text {
 
 namespace {
+
+// The C library has a lock of its own in these, which a fork's child may find taken for ever.
+constinit sync::Mutex g_lock;
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+{
+    return g_lock;
+}
+> (sync::ForkOrder::Text);
 
 const char* UnicodeForm(Iconv::Direction direction)
 {
@@ -46,12 +57,15 @@ Iconv& Iconv::For(UINT nCodePage, Direction direction)
     return *converter;
 }
 
-Iconv::Iconv(const char* pszTo, const char* pszFrom) : m_cd(iconv_open(pszTo, pszFrom))
+Iconv::Iconv(const char* pszTo, const char* pszFrom)
 {
+    const sync::MutexLock lock(g_lock);
+    m_cd = iconv_open(pszTo, pszFrom);
 }
 
 Iconv::~Iconv()
 {
+    const sync::MutexLock lock(g_lock);
     if (m_cd != reinterpret_cast<iconv_t>(-1)) iconv_close(m_cd);
 }
 

@@ -1,5 +1,6 @@
 #include "platform/time/Alarm.h"
 
+#include "platform/sync/Fork.h"
 #include "platform/sync/Mutex.h"
 
 namespace kx::clock {
@@ -8,6 +9,21 @@ namespace {
 
 constinit sync::Mutex g_lock; // also guards m_seen of every alarm in the list
 constinit sync::IntrusiveList<Alarm> g_alarms KX_GUARDED_BY(g_lock);
+
+void BeforeFork() noexcept KX_NO_LOCK_ANALYSIS
+{
+    g_lock.lock();
+}
+
+// The alarms of threads that a fork's child doesn't have lie on stacks that others will use.
+void AfterFork(bool bChild) noexcept KX_NO_LOCK_ANALYSIS
+{
+    sync::IntrusiveList<Alarm> none;
+    if (bChild) g_alarms.Swap(none);
+    g_lock.unlock();
+}
+
+[[maybe_unused]] const bool g_atFork = sync::AtFork({sync::ForkOrder::Alarms, BeforeFork, AfterFork});
 
 } // namespace
 

@@ -1,5 +1,8 @@
 #include "platform/time/BrokenTime.h"
 
+#include "platform/sync/Fork.h"
+#include "platform/sync/Mutex.h"
+
 #include <array>
 #include <cstring>
 #include <locale.h>
@@ -8,6 +11,14 @@
 namespace kx::clock {
 
 namespace {
+
+// The C library has a lock of its own in localtime_r, which a fork's child may find taken for ever.
+constinit sync::Mutex g_lock;
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+{
+    return g_lock;
+}
+> (sync::ForkOrder::Zone);
 
 locale_t PlainLocale()
 {
@@ -34,6 +45,7 @@ CString FormatLong(const std::tm& fields, const char* pszFormat)
 bool ToLocal(std::int64_t nTime, std::tm& fields) noexcept
 {
     const std::time_t time = nTime;
+    const sync::MutexLock lock(g_lock);
     return localtime_r(&time, &fields) != nullptr;
 }
 

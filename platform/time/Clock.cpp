@@ -3,6 +3,7 @@
 #include "include/platform/Clock.h"
 #include "include/platform/Host.h"
 #include "include/platform/Sync.h"
+#include "platform/sync/Fork.h"
 #include "platform/sync/Mutex.h"
 #include "platform/time/Alarm.h"
 
@@ -34,6 +35,11 @@ constinit std::atomic<bool> g_bVirtual{false};
 constinit std::atomic<std::int64_t> g_ahead{0};
 constinit sync::Mutex g_lock; // also guards changes of the two above
 constinit VirtualState g_virtual KX_GUARDED_BY(g_lock);
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+{
+    return g_lock;
+}
+> (sync::ForkOrder::Clock);
 
 nanoseconds SystemNow() noexcept
 {
