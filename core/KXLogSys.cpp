@@ -10,6 +10,7 @@
 #include <array>
 #include <cstdarg>
 #include <cstdio>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -136,13 +137,16 @@ void CKXLogSys::BeforeFork() noexcept KX_UNCHECKED_LOCKING
 void CKXLogSys::AfterFork(bool bChild) noexcept KX_UNCHECKED_LOCKING
 {
     if (!s_auto_ptr) return;
-    if (bChild) s_auto_ptr->StartAnew();
     s_auto_ptr->m_lockLog.UnLock();
+    if (bChild) s_auto_ptr->StartAnew();
 }
 
-// A fork's child has no writer, and lines and file are its parent's. The lock is held.
+// A fork's child has no writer, and lines and file are its parent's. The lock is a new one: the old one may
+// be promised to a thread that waited for it in the parent.
 void CKXLogSys::StartAnew() noexcept KX_UNCHECKED_LOCKING
 {
+    std::destroy_at(&m_lockLog);
+    std::construct_at(&m_lockLog);
     kx::log::Queue::Free(m_listLog.Forget());
     m_bRunning = m_bWoken = false;
     m_pFlushes = nullptr; // on stacks that aren't there any more
