@@ -3,6 +3,7 @@
 #include "files/WideText.h"
 #include "platform/Com.h"
 
+using kx::xml::Checked;
 using kx::xml::WideResult;
 using kx::xml::WideText;
 
@@ -21,7 +22,7 @@ CKXXmlDomElement Wrap(IXMLDOMElement* pElement)
 CKXXmlDomDocument::CKXXmlDomDocument()
 {
     void* pDocument = nullptr;
-    CoCreateInstance(CLSID_DOMDocument, nullptr, CLSCTX_ALL, IID_IXMLDOMDocument, &pDocument);
+    Checked(CoCreateInstance(CLSID_DOMDocument, nullptr, CLSCTX_ALL, IID_IXMLDOMDocument, &pDocument));
     m_pDocument = static_cast<IXMLDOMDocument*>(pDocument);
 }
 
@@ -35,7 +36,7 @@ bool CKXXmlDomDocument::Load(const char* pszFile)
     if (!m_pDocument) return false;
     const WideText file(pszFile);
     VARIANT_BOOL bLoaded = VARIANT_FALSE;
-    const HRESULT hr = m_pDocument->load(file.AsVariant(), &bLoaded);
+    const HRESULT hr = Checked(m_pDocument->load(file.AsVariant(), &bLoaded));
     return SUCCEEDED(hr) && bLoaded != VARIANT_FALSE;
 }
 
@@ -44,7 +45,7 @@ bool CKXXmlDomDocument::LoadXml(const char* pszXml)
     if (!m_pDocument) return false;
     const WideText xml(pszXml);
     VARIANT_BOOL bLoaded = VARIANT_FALSE;
-    const HRESULT hr = m_pDocument->loadXML(xml, &bLoaded);
+    const HRESULT hr = Checked(m_pDocument->loadXML(xml, &bLoaded));
     return SUCCEEDED(hr) && bLoaded != VARIANT_FALSE;
 }
 
@@ -52,19 +53,19 @@ void CKXXmlDomDocument::Save(const char* pszFile)
 {
     if (!m_pDocument) return;
     const WideText file(pszFile);
-    m_pDocument->save(file.AsVariant());
+    Checked(m_pDocument->save(file.AsVariant()));
 }
 
 void CKXXmlDomDocument::SetText(const char* pszText)
 {
     if (!m_pDocument) return;
-    m_pDocument->put_text(WideText(pszText));
+    Checked(m_pDocument->put_text(WideText(pszText)));
 }
 
 CString CKXXmlDomDocument::GetXml() const
 {
     WideResult xml;
-    if (m_pDocument) m_pDocument->get_xml(xml.Target());
+    if (m_pDocument) Checked(m_pDocument->get_xml(xml.Target()));
     return xml.Text();
 }
 
@@ -76,20 +77,20 @@ CString CKXXmlDomDocument::GetText() const
 CKXXmlDomElement CKXXmlDomDocument::GetDocumentElement()
 {
     IXMLDOMElement* pElement = nullptr;
-    if (m_pDocument) m_pDocument->get_documentElement(&pElement);
+    if (m_pDocument) Checked(m_pDocument->get_documentElement(&pElement));
     return Wrap(pElement);
 }
 
 void CKXXmlDomDocument::SetDocumentElement(CKXXmlDomElement& element)
 {
-    if (m_pDocument) m_pDocument->putref_documentElement(element.GetElementPtr());
+    if (m_pDocument) Checked(m_pDocument->putref_documentElement(element.GetElementPtr()));
 }
 
 CKXXmlDomElement CKXXmlDomDocument::CreateElement(const char* pszName, const char* pszText)
 {
     if (!m_pDocument) return {};
     IXMLDOMElement* pElement = nullptr;
-    const HRESULT hr = m_pDocument->createElement(WideText(pszName), &pElement);
+    const HRESULT hr = Checked(m_pDocument->createElement(WideText(pszName), &pElement));
     CKXXmlDomElement element = Wrap(pElement);
     if (SUCCEEDED(hr) && pszText) element.SetText(pszText);
     return element;

@@ -4,6 +4,7 @@
 
 #include <limits>
 
+using kx::xml::Checked;
 using kx::xml::ToText;
 using kx::xml::WideResult;
 using kx::xml::WideText;
@@ -24,9 +25,10 @@ class Attribute
 public:
     Attribute(IXMLDOMElement* pElement, const char* pszName, VARTYPE vt)
     {
-        if (!pElement) return;
-        m_bThere = pElement->getAttribute(WideText(pszName), &m_value) == S_OK &&
-                   SUCCEEDED(VariantChangeType(&m_value, &m_value, 0, vt));
+        if (!pElement || Checked(pElement->getAttribute(WideText(pszName), &m_value)) != S_OK) return;
+        const HRESULT hr = VariantChangeType(&m_value, &m_value, 0, vt);
+        if (hr == E_OUTOFMEMORY) VariantClear(&m_value);
+        m_bThere = SUCCEEDED(Checked(hr));
     }
     Attribute(const Attribute&) = delete;
     Attribute& operator=(const Attribute&) = delete;
@@ -68,33 +70,33 @@ CKXXmlDomElement& CKXXmlDomElement::operator=(const CKXXmlDomElement& other)
 CString CKXXmlDomElement::GetName() const
 {
     WideResult name;
-    return m_pElement && m_pElement->get_nodeName(name.Target()) == S_OK ? name.Text() : CString();
+    return m_pElement && Checked(m_pElement->get_nodeName(name.Target())) == S_OK ? name.Text() : CString();
 }
 
 CString CKXXmlDomElement::GetText() const
 {
     WideResult text;
-    if (m_pElement) m_pElement->get_text(text.Target());
+    if (m_pElement) Checked(m_pElement->get_text(text.Target()));
     return text.Text();
 }
 
 CString CKXXmlDomElement::GetXml() const
 {
     WideResult xml;
-    if (m_pElement) m_pElement->get_xml(xml.Target());
+    if (m_pElement) Checked(m_pElement->get_xml(xml.Target()));
     return xml.Text();
 }
 
 void CKXXmlDomElement::SetText(const char* pszText)
 {
-    if (m_pElement) m_pElement->put_text(WideText(pszText));
+    if (m_pElement) Checked(m_pElement->put_text(WideText(pszText)));
 }
 
 void CKXXmlDomElement::AppendChild(const CKXXmlDomElement& child)
 {
     if (!m_pElement) return;
     IXMLDOMNode* pAppended = nullptr;
-    m_pElement->appendChild(child.m_pElement, &pAppended);
+    Checked(m_pElement->appendChild(child.m_pElement, &pAppended));
     if (pAppended) pAppended->Release();
 }
 
@@ -133,7 +135,7 @@ void CKXXmlDomElement::SetAttributeString(const char* pszName, const char* pszVa
 {
     if (!m_pElement) return;
     const WideText value(pszValue);
-    m_pElement->setAttribute(WideText(pszName), value.AsVariant());
+    Checked(m_pElement->setAttribute(WideText(pszName), value.AsVariant()));
 }
 
 void CKXXmlDomElement::SetAttributeInt32(const char* pszName, long nValue)
@@ -149,5 +151,5 @@ void CKXXmlDomElement::SetAttributeInt32(const char* pszName, long nValue)
     VARIANT value{};
     value.vt = VT_I4;
     value.lVal = static_cast<LONG>(nValue);
-    m_pElement->setAttribute(WideText(pszName), value);
+    Checked(m_pElement->setAttribute(WideText(pszName), value));
 }

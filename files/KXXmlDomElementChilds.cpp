@@ -9,6 +9,7 @@
 using kx::files::ScanNumber;
 using kx::files::ToDouble;
 using kx::files::ToFixedPoint;
+using kx::xml::Checked;
 using kx::xml::WideResult;
 using kx::xml::WideText;
 
@@ -47,7 +48,7 @@ int ReadChild(const CKXXmlDomElement& parent, const char* pszPath, Value& value,
         return bRequired ? 0 : 1;
     }
     WideResult text;
-    child.GetElementPtr()->get_text(text.Target());
+    Checked(child.GetElementPtr()->get_text(text.Target()));
     if (empty == Empty::IsMissing && text.IsEmpty()) {
         value = valueDefault;
         return 0;
@@ -81,7 +82,7 @@ CKXXmlDomElement CKXXmlDomElement::GetChild(const char* pszPath) const
 {
     CKXXmlDomElement child;
     IXMLDOMNode* pNode = nullptr;
-    if (m_pElement && m_pElement->selectSingleNode(WideText(pszPath), &pNode) == S_OK)
+    if (m_pElement && Checked(m_pElement->selectSingleNode(WideText(pszPath), &pNode)) == S_OK)
         child.m_pElement = AsElement(pNode);
     return child;
 }
@@ -97,7 +98,7 @@ std::vector<CKXXmlDomElement> CKXXmlDomElement::GetChilds(const char* pszPath) c
     std::vector<CKXXmlDomElement> childs;
     if (!m_pElement) return childs;
     IXMLDOMNodeList* pList = nullptr;
-    if (m_pElement->selectNodes(WideText(pszPath), &pList) != S_OK || !pList) return childs;
+    if (Checked(m_pElement->selectNodes(WideText(pszPath), &pList)) != S_OK || !pList) return childs;
     const ListPtr list(pList);
     long nLength = 0;
     pList->get_length(&nLength);
@@ -108,7 +109,7 @@ std::vector<CKXXmlDomElement> CKXXmlDomElement::GetChilds(const char* pszPath) c
     }
     for (long n = 0; n < nLength; ++n) {
         IXMLDOMNode* pNode = nullptr;
-        pList->item(n, &pNode);
+        Checked(pList->item(n, &pNode));
         childs.emplace_back().m_pElement = AsElement(pNode);
     }
     return childs;

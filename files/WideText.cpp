@@ -1,6 +1,7 @@
 #include "files/WideText.h"
 
 #include "platform/CodePage.h"
+#include "platform/Unknown.h"
 
 #include <algorithm>
 #include <climits>
@@ -107,9 +108,17 @@ CString ToText(BSTR bstr)
     const int nWide = static_cast<int>(nUnits);
     const int nBytes = WideCharToMultiByte(CP_ACP, 0, bstr, nWide, nullptr, 0);
     CString strText;
-    WideCharToMultiByte(CP_ACP, 0, bstr, nWide, strText.GetBuffer(nBytes), nBytes);
+    char* const pText = strText.GetBuffer(nBytes);
+    if (nBytes == 0 || WideCharToMultiByte(CP_ACP, 0, bstr, nWide, pText, nBytes) == 0)
+        AfxThrowMemoryException();
     strText.ReleaseBuffer(nBytes);
     return strText;
+}
+
+HRESULT Checked(HRESULT hr)
+{
+    if (hr == E_OUTOFMEMORY) AfxThrowMemoryException();
+    return hr;
 }
 
 } // namespace kx::xml

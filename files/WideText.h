@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Exception.h"
+#include "platform/Guid.h"
 #include "platform/String.h"
 #include "platform/Variant.h"
 
@@ -61,5 +62,8 @@ private:
 
 // The text of the process's code page.
 CString ToText(BSTR bstr);
+
+// The result of an interface's operation; throws a CMemoryException for a lack of memory.
+HRESULT Checked(HRESULT hr);
 
 } // namespace kx::xml

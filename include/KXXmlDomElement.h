@@ -13,12 +13,12 @@ class CKXXmlDomDocument;
 // CKXXmlDomDocument that it came from is gone.
 //
 // An element may be invalid: everything then does nothing and gives the empty string, 0 or an invalid
-// element, as does what fails. Texts are in the process's code page; what the code page lacks comes out as
-// "?". A null text counts as the empty one. What the document service makes of names, patterns and texts, and
-// its limits, is told in platform/Xml.h.
+// element, as does what fails. Texts are in the process's code page (platform/CodePage.h), which holds every
+// character. A null text counts as the empty one. What the document service makes of names, patterns and
+// texts, and its limits, is told in platform/Xml.h.
 //
-// Nothing is thrown but a CMemoryException, by operations that take a text. A document and its elements are
-// used by one thread at a time.
+// Nothing is thrown but a CMemoryException, for a lack of memory: a change is then not made, and a file not
+// touched. A document and its elements are used by one thread at a time.
 class KX_API CKXXmlDomElement
 {
 public:

@@ -1,7 +1,8 @@
 #pragma once
 
-// 8-bit text in the process's code page: 936 (GBK) unless the host chose 65001 (see Host.h). Conversions of
-// code page 936 go through GB18030, its superset, so that every Unicode text survives the round trip.
+// 8-bit text in the process's code page: 936 (GBK) unless the host chose 65001 (see Host.h). Code page 936 is
+// GB18030 here, its superset: what GBK lacks takes four bytes, so that every Unicode text survives the round
+// trip. Byte 80, which GB18030 lacks, is read as the euro sign, which is written as A2 E3.
 // All operations may be called from any thread.
 
 #include "../KXExport.h"
@@ -14,7 +15,7 @@ inline constexpr UINT CP_GBK = 936;
 // The process's code page, 936 or 65001.
 KX_API UINT GetACP() noexcept;
 
-// Non-zero if the byte begins a double-byte character of the process's code page; always 0 in 65001.
+// Non-zero if the byte begins a character of two or four bytes of the process's code page; always 0 in 65001.
 KX_API int IsDBCSLeadByte(BYTE ch) noexcept;
 
 // Converts 8-bit text to UTF-16. `nSource` is in bytes, -1 for a text that ends in a NUL, which is then
@@ -24,7 +25,8 @@ KX_API int IsDBCSLeadByte(BYTE ch) noexcept;
 KX_API int MultiByteToWideChar(UINT nCodePage, DWORD dwFlags, const char* pszSource, int nSource,
                                WCHAR* pTarget, int nTarget);
 
-// The way back, with the same rules; characters that the code page lacks become "?". The two last
+// The way back, with the same rules; half of a surrogate pair, all that either code page lacks, becomes "?".
+// The two last
 // arguments of the platform's call are accepted and ignored.
 KX_API int WideCharToMultiByte(UINT nCodePage, DWORD dwFlags, const WCHAR* pSource, int nSource,
                                char* pszTarget, int nTarget, const char* pszDefault = nullptr,

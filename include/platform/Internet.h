@@ -12,11 +12,11 @@
 // other.
 //
 // Limits: a server that sends nothing for 60 seconds (looking up its name and connecting included) is a
-// failure, and so are over 256 KiB of headers. A file holds 64 KiB of the body ahead of its reader, and asks
-// the server for more only while it is read.
+// failure, and so are over 256 KiB of headers, and a line of over 100 KiB (libcurl's own limit). A file holds
+// 64 KiB of the body ahead of its reader, and asks the server for more only while it is read.
 //
 // A session and its files are used by one thread at a time, but for Cancel. Failures are exceptions:
-// CInternetException*, or for lack of memory CMemoryException* or std::bad_alloc.
+// CInternetException*, or CMemoryException* for lack of memory.
 
 #include "../KXExport.h"
 #include "Exception.h"
@@ -109,11 +109,11 @@ public:
     ~CInternetSession(); // closes
 
     // Asks for a URL and waits until its headers are there; those of a redirect don't count. The URL goes out
-    // as it is, so who makes it encodes what has to be: one with a space or a control character in it,
-    // without a scheme or with another one is refused. Only a fragment (`#...`) is left out, and bytes above
-    // 127 in its path are percent-encoded. Flags are accepted and
-    // ignored; further headers aren't offered, so `pszHeaders` is null, or CInvalidArgException* is thrown.
-    // Never null.
+    // as it is, so its maker encodes what means something else as it stands: a fragment (`#...`) is left out,
+    // and blanks and control characters behind the host, and bytes above 127 in the path, are
+    // percent-encoded. One without a scheme or with another one is refused. Flags are accepted and ignored;
+    // further headers aren't offered, so `pszHeaders` is null, or CInvalidArgException* is thrown. Never
+    // null.
     CHttpFile* OpenURL(const char* pszURL, unsigned long dwContext = 1,
                        DWORD dwFlags = INTERNET_FLAG_TRANSFER_ASCII, const char* pszHeaders = nullptr,
                        DWORD dwHeadersLength = 0);

@@ -11,8 +11,8 @@
 #include <string_view>
 
 // An 8-bit string in the process's code page, with value semantics. Copies share one buffer until one of
-// them changes, so passing by value is cheap. Positions and lengths are in bytes. Searches never match the
-// second byte of a double-byte character, and case conversion never changes one. A null `const char*`
+// them changes, so passing by value is cheap. Positions and lengths are in bytes. Searches never match
+// inside a character of two or four bytes, and case conversion never changes one. A null `const char*`
 // counts as the empty string. Arguments out of range are pulled into range; nothing here fails but for lack
 // of memory or a text of 2 GiB (CMemoryException*, Exception.h), and then the object is what it was.
 //

@@ -12,12 +12,15 @@
 // namespace that it has at the node that is asked, or else for the one that the document first declares for
 // it.
 //
-// Limits: XML_MAX_DEPTH elements within each other, attribute values of XML_MAX_ATTRIBUTE and texts of
-// XML_MAX_TEXT bytes of UTF-8, XML_MAX_ATTRIBUTES on one element, XML_MAX_NAMESPACES declared around one
-// place, names of 10,000 bytes (in loading, some more), documents of XML_MAX_FILE bytes. What goes beyond is
-// refused in loading, changing and saving alike; texts that have come to lie beside each other count one by
-// one until they are loaded again. A document's own declarations are 1,000 in 64 KiB, its entities 4 KiB each
-// and 64 KiB with those in them, and all references to them give 1 MiB.
+// Limits, beyond which loading, changing and saving refuse, in time and memory that follow the input:
+// XML_MAX_DEPTH elements within each other, XML_MAX_ATTRIBUTES on one element, XML_MAX_NAMESPACES declared
+// around one place, about XML_MAX_NAMES distinct names (of elements, attributes, prefixes, namespaces) of
+// 10 MB together and 10,000 bytes each (in loading, some more), attribute values of XML_MAX_ATTRIBUTE and
+// texts of XML_MAX_TEXT bytes of UTF-8, documents of XML_MAX_FILE bytes. Texts that have come to lie beside
+// each other count one by one until they are loaded again. What a document declares is XML_MAX_DECLARATIONS
+// bytes, and what its entities add to it XML_MAX_EXPANSION: their text, 32 bytes for each node and reference,
+// 1,000 for a parameter's, and a 400th of each text that an entity's is appended to. Default attributes
+// aren't added, but count there.
 //
 // Results: S_OK; S_FALSE for a search that found nothing, with its output null; E_POINTER for a null output,
 // E_INVALIDARG for an argument that makes no sense, E_OUTOFMEMORY, and E_FAIL where an operation has no
@@ -34,6 +37,9 @@ inline constexpr int XML_MAX_NAMESPACES = 512;
 inline constexpr UINT XML_MAX_ATTRIBUTE = 1 << 20;
 inline constexpr UINT XML_MAX_TEXT = 10'000'000;
 inline constexpr UINT XML_MAX_FILE = 64 << 20;
+inline constexpr int XML_MAX_NAMES = 100'000;
+inline constexpr UINT XML_MAX_DECLARATIONS = 128 << 10;
+inline constexpr UINT XML_MAX_EXPANSION = 10'000'000;
 
 // {2933BF80-7B36-11D2-B20E-00C04F983E60} and so on
 inline constexpr GUID IID_IXMLDOMNode{
@@ -67,10 +73,12 @@ struct IXMLDOMNode : IUnknown
     virtual HRESULT appendChild(IXMLDOMNode* pChild, IXMLDOMNode** ppAppended) = 0;
 
     // The first node, or all nodes in the document's order, that an XPath 1.0 expression selects from here. A
-    // name alone selects the children of that name. E_INVALIDARG for what is no such expression, E_FAIL for
-    // one that has another result than nodes, and for one that takes beyond three million steps or eight for
-    // each node, at most thirty million. Where steps meet the same nodes again and again, each may take as
-    // long as there are nodes: patterns with such axes (following, preceding) are for small documents.
+    // name alone selects the children of that name. `id()` knows the attributes that the document's own
+    // declarations make identities, and `namespace-uri()` tells the default namespace of an element without a
+    // prefix. E_INVALIDARG for what is no such expression, E_FAIL for one that has another result than nodes.
+    // An expression takes as long as it takes: there is no limit on its steps. Time follows the nodes passed,
+    // but for axes by which steps meet the same nodes again (`..` not at the end of a path of names,
+    // ancestor, preceding, following, their siblings): it then grows with the square of the nodes found.
     virtual HRESULT selectSingleNode(BSTR bstrPattern, IXMLDOMNode** ppNode) = 0;
     // An empty list and S_OK if nothing was found.
     virtual HRESULT selectNodes(BSTR bstrPattern, IXMLDOMNodeList** ppList) = 0;
@@ -104,18 +112,20 @@ protected:
 
 struct IXMLDOMDocument : IXMLDOMNode
 {
-    // Load a file, by a path of this library in a VT_BSTR, or a text. The file's encoding is the one that it
-    // declares (what is declared as GB2312 or GBK is read as their superset); a text's declared encoding
-    // counts for saving alone. Entities of the document's own are replaced by their text. `*pbSuccess` tells
-    // whether it succeeded, and the result is S_FALSE if not; the document is empty then.
-    // Refused besides texts that aren't well-formed: whatever names a DTD or an entity outside of the
-    // document, entities that multiply without bounds, and what goes beyond the limits above. Nothing is
-    // ever fetched from elsewhere.
+    // Load a file, by a path of this library in a VT_BSTR, or a text. The file's encoding is that of its byte
+    // order mark, or else the one that it declares (what is declared as GB2312 or GBK is read as their
+    // superset, byte 80 as the euro sign); a text's declared encoding counts for saving alone. `*pbSuccess`
+    // tells whether it succeeded, and the result is S_FALSE if not; the document is empty then. What is
+    // well-formed is accepted but for the limits above.
+    // Entities that the document declares are replaced by their text. Nothing is ever fetched from elsewhere:
+    // a reference to an entity that lies there, or that only what lies there could declare, stays as it is
+    // in the markup and counts as an empty text; in an attribute's value it is left out.
     virtual HRESULT load(VARIANT path, VARIANT_BOOL* pbSuccess) = 0;
     virtual HRESULT loadXML(BSTR bstrXml, VARIANT_BOOL* pbSuccess) = 0;
-    // Writes the file in the declared encoding (what is declared as GB2312 or GBK in GBK), with references
-    // for what that lacks in texts and attributes. In UTF-8 without one, and where it can't spell a name, a
-    // comment, an instruction or a CDATA section. The file's old content stays unless all of the new could be
+    // Writes the file in the declared encoding if that is UTF-16, GBK or GB2312 (in GBK), GB18030, Big5,
+    // EUC-JP, EUC-KR, ISO-8859-x or windows-125x, with references for what that lacks in texts and
+    // attributes, and what was written reads as the same document; else in UTF-8. The document type
+    // declaration is written as it was read. The file's old content stays unless all of the new could be
     // written: E_FAIL then, as for a document without an element and for one whose file would be too large.
     virtual HRESULT save(VARIANT path) = 0;
 

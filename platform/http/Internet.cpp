@@ -3,6 +3,8 @@
 #include "platform/http/Session.h"
 #include "platform/http/Transfer.h"
 
+#include <new>
+
 CHttpFile::CHttpFile(std::unique_ptr<kx::http::Transfer> transfer) noexcept : m_transfer(std::move(transfer))
 {
 }
@@ -30,10 +32,12 @@ void CHttpFile::Close() noexcept
 
 CInternetSession::CInternetSession(const char* pszAgent, unsigned long dwContext, DWORD dwAccessType,
                                    const char*, const char*, DWORD)
-{
+try {
     if (dwAccessType > INTERNET_OPEN_TYPE_DIRECT) AfxThrowInvalidArgException();
     const bool bProxies = dwAccessType == INTERNET_OPEN_TYPE_PRECONFIG;
     m_session = std::make_shared<kx::http::Session>(pszAgent, bProxies, dwContext);
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 CInternetSession::~CInternetSession()
@@ -43,11 +47,13 @@ CInternetSession::~CInternetSession()
 
 CHttpFile* CInternetSession::OpenURL(const char* pszURL, unsigned long dwContext, DWORD,
                                      const char* pszHeaders, DWORD)
-{
+try {
     if (pszHeaders) AfxThrowInvalidArgException();
     auto transfer = std::make_unique<kx::http::Transfer>(m_session, pszURL, dwContext);
     transfer->Open();
     return std::make_unique<CHttpFile>(std::move(transfer)).release();
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 void CInternetSession::Close() noexcept

@@ -2,8 +2,8 @@
 
 #include "platform/http/Transfer.h"
 
+#include <algorithm>
 #include <cstdlib>
-#include <string_view>
 
 namespace {
 
@@ -32,6 +32,23 @@ void SetAuthorities(CURL* easy)
 }
 
 } // namespace
+
+std::string kx::http::ToWire(std::string_view url)
+{
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    const std::size_t scheme = url.find("://");
+    const std::size_t host = scheme == url.npos ? 0 : scheme + 3;
+    const std::size_t path = std::min(url.find_first_of("/?#", host), url.size());
+    std::string wire(url.substr(0, path)); // a host with a blank is none
+    for (const char ch : url.substr(path)) {
+        const auto byte = static_cast<unsigned char>(ch);
+        if (byte > ' ' && byte != 0x7F)
+            wire += ch;
+        else
+            wire.append({'%', kDigits[byte >> 4], kDigits[byte & 15]});
+    }
+    return wire;
+}
 
 bool kx::http::CheckUrl(const char* pszUrl, unsigned long dwContext)
 {

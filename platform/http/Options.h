@@ -2,7 +2,13 @@
 
 #include "platform/http/Curl.h"
 
+#include <string>
+#include <string_view>
+
 namespace kx::http {
+
+// An URL with blanks and control characters behind its host percent-encoded, which a request line can't hold.
+std::string ToWire(std::string_view url);
 
 // Whether an URL may be fetched and is one that can be sent; throws CInternetException* if not. True for
 // `https`.

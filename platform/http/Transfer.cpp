@@ -11,10 +11,11 @@ namespace kx::http {
 Transfer::Transfer(std::shared_ptr<Session> session, const char* pszUrl, unsigned long dwContext)
     : m_session(std::move(session)), m_dwContext(dwContext)
 {
-    const bool bSecure = CheckUrl(pszUrl, dwContext);
+    const std::string url = ToWire(pszUrl ? pszUrl : "");
+    const bool bSecure = CheckUrl(url.c_str(), dwContext);
     m_gear = m_session->Take(dwContext);
     CURL* const easy = Handle();
-    Set(easy, CURLOPT_URL, pszUrl);
+    Set(easy, CURLOPT_URL, url.c_str());
     Set(easy, CURLOPT_REDIR_PROTOCOLS_STR, bSecure ? "https" : "http,https");
     Set(easy, CURLOPT_PRIVATE, this);
     Set(easy, CURLOPT_HEADERDATA, this);
@@ -94,8 +95,10 @@ void Transfer::Resume()
 
 void Transfer::ThrowResult() const
 {
-    const bool bForeign = *m_result == CURLE_UNSUPPORTED_PROTOCOL && !m_bMoved; // no HTTP what came
-    Throw(bForeign ? CURLE_WEIRD_SERVER_REPLY : *m_result, m_dwContext, m_text.data());
+    // No HTTP what came, or a line longer than libcurl holds, which it takes for a lack of memory.
+    const bool bForeign = *m_result == CURLE_UNSUPPORTED_PROTOCOL && !m_bMoved;
+    const bool bTooLong = *m_result == CURLE_OUT_OF_MEMORY && m_nHeaders > 0 && !m_bOpen;
+    Throw(bForeign || bTooLong ? CURLE_WEIRD_SERVER_REPLY : *m_result, m_dwContext, m_text.data());
 }
 
 std::size_t Transfer::OnHeader(char* pch, std::size_t nSize, std::size_t nCount, void* pTransfer)

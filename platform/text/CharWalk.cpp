@@ -7,6 +7,12 @@ namespace kx::text {
 
 namespace {
 
+// Whether a byte may be one of a longer character.
+bool IsTail(char ch) noexcept
+{
+    return IsTrail(ch) || IsDigit(ch);
+}
+
 // Tells which of a text's positions begin a character, when asked in rising order: it never looks back behind
 // what it knows already, so that a search takes time in proportion to the text alone.
 class CharStarts
@@ -19,9 +25,8 @@ public:
     bool At(std::size_t pos) noexcept
     {
         if (!m_bDoubleByte || pos >= m_text.size()) return true;
-        const bool bStart = IsCharStart(m_text.substr(m_known), pos - m_known, true);
-        m_known = bStart ? pos : pos + 1; // behind a trail byte the next character begins
-        return bStart;
+        if (pos >= m_known) m_known = CharStartFrom(m_text, pos, true, m_known);
+        return m_known == pos;
     }
 
 private:
@@ -41,9 +46,21 @@ std::size_t FindStart(std::string_view text, Sought sought, std::size_t start, b
 
 } // namespace
 
+std::size_t CharStartFrom(std::string_view text, std::size_t pos, bool bDoubleByte,
+                          std::size_t known) noexcept
+{
+    if (!bDoubleByte || pos >= text.size()) return pos;
+    std::size_t at = pos; // behind a byte that no character goes on after, a new one begins
+    while (at > known && (IsLead(text[at - 1]) || IsDigit(text[at - 1])))
+        --at;
+    while (at < pos)
+        at += CharLength(text, at, true);
+    return at;
+}
+
 std::size_t Find(std::string_view text, char ch, std::size_t start) noexcept
 {
-    return FindStart(text, ch, start, IsTrail(ch) && IsDoubleByte());
+    return FindStart(text, ch, start, IsTail(ch) && IsDoubleByte());
 }
 
 std::size_t Find(std::string_view text, std::string_view sub, std::size_t start) noexcept
@@ -53,7 +70,7 @@ std::size_t Find(std::string_view text, std::string_view sub, std::size_t start)
 
 std::size_t FindLast(std::string_view text, char ch) noexcept
 {
-    if (!IsTrail(ch) || !IsDoubleByte()) return text.rfind(ch);
+    if (!IsTail(ch) || !IsDoubleByte()) return text.rfind(ch);
     CharStarts starts(text, 0, true);
     std::size_t last = text.npos;
     for (auto pos = text.find(ch); pos != text.npos; pos = text.find(ch, pos + 1))
@@ -101,7 +118,10 @@ std::string_view CutAtChar(std::string_view text, std::size_t max) noexcept
             --cut;
         return text.substr(0, continues(cut) ? max : cut);
     }
-    return text.substr(0, IsCharStart(text, max, true) ? max : max - 1);
+    std::size_t cut = max;
+    while (CharStartFrom(text, cut, true) != cut)
+        --cut;
+    return text.substr(0, cut);
 }
 
 std::size_t CopyCut(std::string_view text, char* buffer, std::size_t size) noexcept

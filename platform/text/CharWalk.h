@@ -3,12 +3,13 @@
 #include <cstddef>
 #include <string_view>
 
-// Walking 8-bit text by characters. A lead byte and a valid trail byte are one character of code page 936;
-// anything else, a stray lead byte too, is a character of one byte.
+// Walking 8-bit text by characters. In code page 936 a lead byte and a valid trail byte are one character,
+// and so are four bytes of which the first and third are lead bytes and the others digits; anything else, a
+// stray lead byte too, is a character of one byte.
 
 namespace kx::text {
 
-// Whether the process's code page has double-byte characters.
+// Whether the process's code page has characters of two and four bytes.
 bool IsDoubleByte() noexcept;
 
 inline bool IsLead(char ch) noexcept
@@ -23,22 +24,24 @@ inline bool IsTrail(char ch) noexcept
     return byte >= 0x40 && byte <= 0xFE && byte != 0x7F;
 }
 
+inline bool IsDigit(char ch) noexcept
+{
+    return ch >= '0' && ch <= '9';
+}
+
 // The length in bytes of the character at `text[pos]`, which is inside the text.
 inline std::size_t CharLength(std::string_view text, std::size_t pos, bool bDoubleByte) noexcept
 {
-    const bool bPair = bDoubleByte && IsLead(text[pos]) && pos + 1 < text.size() && IsTrail(text[pos + 1]);
-    return bPair ? 2 : 1;
+    if (!bDoubleByte || !IsLead(text[pos]) || pos + 1 >= text.size()) return 1;
+    if (IsTrail(text[pos + 1])) return 2;
+    const bool bFour =
+        pos + 3 < text.size() && IsDigit(text[pos + 1]) && IsLead(text[pos + 2]) && IsDigit(text[pos + 3]);
+    return bFour ? 4 : 1;
 }
 
-// Whether a character begins at `text[pos]`, by the bytes before it.
-inline bool IsCharStart(std::string_view text, std::size_t pos, bool bDoubleByte) noexcept
-{
-    if (!bDoubleByte || pos >= text.size() || !IsTrail(text[pos])) return true;
-    std::size_t leads = 0;
-    while (leads < pos && IsLead(text[pos - 1 - leads]))
-        ++leads;
-    return leads % 2 == 0;
-}
+// The first position at or behind `pos` where a character begins; one begins at `known`, before it.
+std::size_t CharStartFrom(std::string_view text, std::size_t pos, bool bDoubleByte,
+                          std::size_t known = 0) noexcept;
 
 constexpr bool IsSpace(char ch) noexcept
 {
@@ -59,7 +62,7 @@ std::size_t FindLast(std::string_view text, char ch) noexcept;
 // White space cut from both ends; it never is a trail byte.
 std::string_view Trim(std::string_view text) noexcept;
 
-// ASCII letters folded, trail bytes left alone: negative, 0 or positive in byte order.
+// ASCII letters folded, those in longer characters left alone: negative, 0 or positive in byte order.
 int CompareNoCase(std::string_view a, std::string_view b) noexcept;
 
 // The longest head of the text that has at most `max` bytes and ends with a whole character.

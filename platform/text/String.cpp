@@ -251,7 +251,7 @@ int ToIndex(std::size_t pos)
 std::size_t StartFrom(std::string_view str, int nStart) noexcept
 {
     const auto start = static_cast<std::size_t>(std::max(nStart, 0));
-    return text::IsCharStart(str, start, text::IsDoubleByte()) ? start : start + 1;
+    return text::CharStartFrom(str, start, text::IsDoubleByte());
 }
 } // namespace
 

@@ -2,8 +2,7 @@
 
 #include "include/platform/Xml.h"
 #include "platform/xml/Names.h"
-#include "platform/xml/Namespaces.h"
-#include "platform/xml/Shape.h"
+#include "platform/xml/Tree.h"
 
 #include <libxml/valid.h>
 #include <new>
@@ -58,10 +57,12 @@ xmlAttr* Add(xmlNode* element, const std::string& name, const std::string& value
     return xmlNewNsProp(element, ns, ToXml(local.c_str()), ToXml(value.c_str()));
 }
 
-// Nothing is looked up by its identity, and what isn't in that table can't be left behind in it.
+// libxml2 notes one that is new in a table, in which it would be left behind.
 void ForgetId(xmlAttr* attribute)
 {
-    if (attribute->atype == XML_ATTRIBUTE_ID) xmlRemoveID(attribute->doc, attribute);
+    if (attribute->atype != XML_ATTRIBUTE_ID) return;
+    xmlRemoveID(attribute->doc, attribute);
+    attribute->atype = XML_ATTRIBUTE_ID;
 }
 
 } // namespace
@@ -83,7 +84,7 @@ HRESULT SetAttribute(xmlNode* element, const std::string& name, const std::strin
     if (const auto prefix = DeclaredPrefix(name)) return Declare(element, *prefix, value);
     int nCount = 0;
     if (xmlAttr* const attribute = Find(element, name, nCount)) return SetValue(attribute, value);
-    if (nCount >= XML_MAX_ATTRIBUTES) return E_INVALIDARG;
+    if (nCount >= XML_MAX_ATTRIBUTES || xmlDictSize(element->doc->dict) >= XML_MAX_NAMES) return E_INVALIDARG;
     xmlAttr* const attribute = Add(element, name, value);
     if (!attribute) return E_OUTOFMEMORY;
     ForgetId(attribute);
@@ -98,7 +99,6 @@ HRESULT SetValue(xmlAttr* attribute, const std::string& value)
     xmlFreeNodeList(attribute->children); // its own, whatever others are in the same namespace by now
     attribute->children = attribute->last = text;
     text->parent = reinterpret_cast<xmlNode*>(attribute);
-    ForgetId(attribute);
     return S_OK;
 }
 

@@ -1,16 +1,12 @@
-#include "platform/xml/Change.h"
-
 #include "platform/xml/Attributes.h"
-#include "platform/xml/Namespaces.h"
-#include "platform/xml/Shape.h"
+#include "platform/xml/Names.h"
+#include "platform/xml/NodeObject.h"
 
 #include <vector>
 
 namespace kx::xml {
 
 namespace {
-
-using NodePtr = std::unique_ptr<xmlNode, FreeBy<xmlFreeNode>>;
 
 bool LiesIn(const xmlNode* node, const xmlNode* branch) noexcept
 {
@@ -19,19 +15,34 @@ bool LiesIn(const xmlNode* node, const xmlNode* branch) noexcept
     return node;
 }
 
+// References mean nothing in a document that doesn't declare their entities.
+void DropReferences(xmlNode* branch) noexcept
+{
+    for (xmlNode* node = branch; node;) {
+        xmlNode* const next = NextBelow(branch, node);
+        if (node->type == XML_ENTITY_REF_NODE) {
+            xmlUnlinkNode(node);
+            xmlFreeNode(node);
+        }
+        node = next;
+    }
+}
+
 // Takes an element out of its place, into another tree if need be.
 HRESULT Take(NodeObject& element, Tree& to)
 {
-    element.GetTree().ForgetSearch();
-    to.ForgetSearch();
     xmlNode* const node = element.Node();
+    if (node->parent) element.GetTree().Children().Forget();
     if (node->doc == to.Doc()) {
         xmlUnlinkNode(node);
         return S_OK;
     }
-    const Hush hush;
-    const int nResult = xmlDOMWrapAdoptNode(nullptr, node->doc, node, to.Doc(), nullptr, 0);
-    return nResult == 0 ? S_OK : E_OUTOFMEMORY;
+    if (!to.HasRoomForNames(xmlDictSize(node->doc->dict))) return E_INVALIDARG;
+    element.GetTree().Children().Forget();
+    const Complaints complaints;
+    if (xmlDOMWrapAdoptNode(nullptr, node->doc, node, to.Doc(), nullptr, 0) != 0) return E_OUTOFMEMORY;
+    DropReferences(node);
+    return S_OK;
 }
 
 void SettleIn(Tree& to, xmlNode* node) noexcept
@@ -49,7 +60,7 @@ HRESULT PutElementText(Place place, const std::string& text)
     std::vector<Ref<NodeObject>> holders;
     for (xmlNode* child = place.node->children; child; child = child->next)
         if (auto holder = NodeObject::HolderOf(*place.tree, child)) holders.push_back(std::move(holder));
-    place.tree->ForgetSearch();
+    if (!IsField(place.node)) place.tree->Children().Forget();
     while (xmlNode* const child = place.node->children)
         NodeObject::LetGo(*place.tree, child);
     xmlAddChild(place.node, content.release());
@@ -87,6 +98,7 @@ HRESULT AppendChild(Place place, IXMLDOMNode* pChild)
     if (FAILED(hr)) return hr;
     xmlAddChild(place.node, node);
     SettleIn(*place.tree, node);
+    place.tree->Children().Added(place.node, node);
     return S_OK;
 }
 

@@ -1,13 +1,12 @@
-#include "platform/xml/DocumentObject.h"
-
+#include "include/platform/Com.h"
 #include "platform/SameGuid.h"
 #include "platform/files/Path.h"
 #include "platform/files/ReplaceFile.h"
 #include "platform/module/RegularFile.h"
-#include "platform/xml/Change.h"
 #include "platform/xml/Names.h"
+#include "platform/xml/NodeObject.h"
 #include "platform/xml/Parse.h"
-#include "platform/xml/Serialize.h"
+#include "platform/xml/Write.h"
 
 namespace kx::xml {
 
@@ -62,9 +61,9 @@ HRESULT DocumentObject::Replace(VARIANT_BOOL* pbSuccess, Parse parse)
     if (pbSuccess) *pbSuccess = VARIANT_FALSE;
     return Guarded([&] {
         m_tree = Tree::Make();
-        DocPtr doc = parse();
-        if (!doc) return S_FALSE;
-        m_tree = Tree::Make(std::move(doc));
+        Ref<Tree> tree = parse();
+        if (!tree) return S_FALSE;
+        m_tree = std::move(tree);
         if (pbSuccess) *pbSuccess = VARIANT_TRUE;
         return S_OK;
     });
@@ -72,19 +71,22 @@ HRESULT DocumentObject::Replace(VARIANT_BOOL* pbSuccess, Parse parse)
 
 HRESULT DocumentObject::load(VARIANT path, VARIANT_BOOL* pbSuccess)
 {
-    return Replace(pbSuccess, [&]() -> DocPtr {
-        if (path.vt != VT_BSTR) return nullptr;
+    return Replace(pbSuccess, [&]() -> Ref<Tree> {
+        if (path.vt != VT_BSTR) return {};
         const auto file = module::RegularFile::Open(ToCodePage(path.bstrVal).c_str());
-        if (!file || file->Size() > XML_MAX_FILE) return nullptr;
+        if (!file || file->Size() > XML_MAX_FILE) return {};
         const auto bytes = file->Read(0, file->Size());
-        if (!bytes) return nullptr;
+        if (!bytes) return {};
         return ParseFile({reinterpret_cast<const char*>(bytes->All().data()), bytes->Size()});
     });
 }
 
 HRESULT DocumentObject::loadXML(BSTR bstrXml, VARIANT_BOOL* pbSuccess)
 {
-    return Replace(pbSuccess, [&] { return ParseText(ToUtf8(bstrXml)); });
+    return Replace(pbSuccess, [&] {
+        const std::string text = ToUtf8(bstrXml);
+        return text.size() <= XML_MAX_FILE ? ParseText(text) : Ref<Tree>();
+    });
 }
 
 HRESULT DocumentObject::save(VARIANT path)
@@ -92,12 +94,11 @@ HRESULT DocumentObject::save(VARIANT path)
     return Guarded([&] {
         if (path.vt != VT_BSTR) return E_INVALIDARG;
         if (!m_tree->Root()) return E_FAIL; // the file could never be loaded
-        const auto content = FileContentOf(m_tree->Doc());
-        if (!content) return E_OUTOFMEMORY;
-        if (content->size() > XML_MAX_FILE) return E_FAIL; // nor could this one
+        const std::string content = FileContentOf(*m_tree);
+        if (content.size() > XML_MAX_FILE) return E_FAIL; // nor could this one
         const auto target = path::Resolve(ToCodePage(path.bstrVal).c_str());
         if (!target || target->trailing || target->root) return E_FAIL;
-        return ReplaceFile(target->system, content->data(), content->size()) == 0 ? S_OK : E_FAIL;
+        return ReplaceFile(target->system, content.data(), content.size()) == 0 ? S_OK : E_FAIL;
     });
 }
 
@@ -127,9 +128,8 @@ HRESULT DocumentObject::createElement(BSTR bstrName, IXMLDOMElement** ppElement)
     *ppElement = nullptr;
     return Guarded([&] {
         const std::string name = ToUtf8(bstrName);
-        if (!IsName(name)) return E_INVALIDARG;
-        std::unique_ptr<xmlNode, FreeBy<xmlFreeNode>> node(
-            xmlNewDocNode(m_tree->Doc(), nullptr, ToXml(name.c_str()), nullptr));
+        if (!IsName(name) || !m_tree->HasRoomForNames(1)) return E_INVALIDARG;
+        NodePtr node(xmlNewDocNode(m_tree->Doc(), nullptr, ToXml(name.c_str()), nullptr));
         if (!node) return E_OUTOFMEMORY;
         *ppElement = NodeObject::Of(*m_tree, node.get()).Detach();
         static_cast<void>(node.release());
@@ -139,9 +139,33 @@ HRESULT DocumentObject::createElement(BSTR bstrName, IXMLDOMElement** ppElement)
 
 } // namespace
 
-Ref<IXMLDOMDocument> MakeDocument()
-{
-    return Ref<IXMLDOMDocument>::Adopt(new DocumentObject);
+} // namespace kx::xml
+
+namespace {
+thread_local int g_nInitialized = 0;
 }
 
-} // namespace kx::xml
+HRESULT CoInitialize(void*)
+{
+    return g_nInitialized++ == 0 ? S_OK : S_FALSE;
+}
+
+void CoUninitialize()
+{
+    if (g_nInitialized > 0) --g_nInitialized;
+}
+
+HRESULT CoCreateInstance(const GUID& clsid, IUnknown* pOuter, DWORD dwContext, const GUID& iid,
+                         void** ppObject)
+try {
+    constexpr DWORD kInProcess = 1;
+    if (!ppObject) return E_POINTER;
+    *ppObject = nullptr;
+    if (g_nInitialized == 0) return CO_E_NOTINITIALIZED;
+    if (!kx::SameGuid(clsid, CLSID_DOMDocument) || !(dwContext & kInProcess)) return REGDB_E_CLASSNOTREG;
+    if (pOuter) return CLASS_E_NOAGGREGATION;
+    const auto document = kx::xml::Ref<IXMLDOMDocument>::Adopt(new kx::xml::DocumentObject);
+    return document->QueryInterface(iid, ppObject);
+} catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
+}

@@ -1,7 +1,8 @@
 #include "platform/xml/Encoding.h"
 
+#include "include/platform/CodePage.h"
 #include "platform/text/CharWalk.h"
-#include "platform/xml/Libxml.h"
+#include "platform/text/Iconv.h"
 
 #include <algorithm>
 #include <libxml/encoding.h>
@@ -9,6 +10,27 @@
 namespace kx::xml {
 
 namespace {
+
+using text::Iconv;
+
+constexpr const char* kUtf8 = "UTF-8";
+
+// What stands first in a file in an encoding that can't be read as ASCII. A mark is no part of the text.
+struct Start
+{
+    std::string_view bytes;
+    const char* encoding; // null for UTF-8
+    bool bMark;
+};
+using namespace std::string_view_literals;
+constexpr Start kStarts[] = {
+    {"\xEF\xBB\xBF"sv, nullptr, true},    {"\xFF\xFE\0\0"sv, "UTF-32LE", true},
+    {"\0\0\xFE\xFF"sv, "UTF-32BE", true}, {"\xFF\xFE"sv, "UTF-16LE", true},
+    {"\xFE\xFF"sv, "UTF-16BE", true},     {"<\0\0\0"sv, "UTF-32LE", false},
+    {"\0\0\0<"sv, "UTF-32BE", false},     {"<\0?\0"sv, "UTF-16LE", false},
+    {"\0<\0?"sv, "UTF-16BE", false},
+};
+constexpr std::string_view kEbcdic = "\x4C\x6F\xA7\x94"; // "<?xm", as all its code pages have it
 
 // The quoted text behind `name =`; empty without one.
 std::string_view Quoted(std::string_view text, std::string_view name)
@@ -22,34 +44,104 @@ std::string_view Quoted(std::string_view text, std::string_view name)
     return close == text.npos ? std::string_view() : text.substr(open + 1, close - open - 1);
 }
 
+bool IsNameChar(char ch) noexcept
+{
+    return (ch >= '0' && ch <= '9') || (text::ToLower(ch) >= 'a' && text::ToLower(ch) <= 'z') || ch == '-' ||
+           ch == '_' || ch == '.' || ch == ':';
+}
+
+bool IsOneOf(std::string_view name, std::initializer_list<std::string_view> names) noexcept
+{
+    return std::any_of(names.begin(), names.end(),
+                       [&](std::string_view known) { return text::CompareNoCase(name, known) == 0; });
+}
+
+// Names that stand for code page 936, whichever of its subsets they belong to.
+bool IsChinese(std::string_view name) noexcept
+{
+    return IsOneOf(name, {"gb2312", "gbk", "cp936", "gb18030"});
+}
+
+std::optional<std::string> ToUtf8(std::string_view bytes, const std::string& encoding)
+{
+    if (IsChinese(encoding)) return Iconv::For(CP_GBK, Iconv::Direction::ToUtf8).Convert(bytes);
+    if (auto text = Iconv(kUtf8, encoding.c_str()).Convert(bytes)) return text;
+    const char* const pszOther = xmlGetCharEncodingName(xmlParseCharEncoding(encoding.c_str()));
+    return pszOther ? Iconv(kUtf8, pszOther).Convert(bytes) : std::nullopt;
+}
+
+// The converter's name of an encoding that is kept; null for others. Windows-1255 and 1258 are none: what
+// they spell as a letter and its mark is read as one character.
+const char* KeptAs(const std::string& encoding) noexcept
+{
+    const auto begins = [&](std::string_view prefix) {
+        return text::CompareNoCase(std::string_view(encoding).substr(0, prefix.size()), prefix) == 0;
+    };
+    if (IsOneOf(encoding, {"gb18030"})) return "GB18030";
+    if (IsChinese(encoding)) return "GBK";
+    if (IsOneOf(encoding, {"windows-1255", "windows-1258"})) return nullptr;
+    if (begins("iso-8859-") || begins("windows-125") ||
+        IsOneOf(encoding, {"utf-16", "big5", "euc-jp", "euc-kr"}))
+        return encoding.c_str();
+    return nullptr;
+}
+
+// Takes the character at the text's front, which is UTF-8, out of it.
+std::string TakeReference(std::string_view& utf8)
+{
+    const auto first = static_cast<unsigned char>(utf8[0]);
+    const std::size_t nLength = first < 0x80 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+    unsigned code = nLength == 1 ? first : first & (0x7Fu >> nLength);
+    for (std::size_t n = 1; n < nLength && n < utf8.size(); ++n)
+        code = code << 6 | (static_cast<unsigned char>(utf8[n]) & 0x3Fu);
+    utf8.remove_prefix(std::min(nLength, utf8.size()));
+    return "&#" + std::to_string(code) + ";";
+}
+
 } // namespace
 
 std::string DeclaredEncoding(std::string_view document)
 {
     constexpr std::size_t kLongest = 1000;
-    constexpr std::string_view kMark = "\xEF\xBB\xBF";
-    if (document.starts_with(kMark)) document.remove_prefix(kMark.size());
     constexpr std::string_view kStart = "<?xml";
     if (!document.starts_with(kStart) || document.size() == kStart.size()) return {};
     if (!text::IsSpace(document[kStart.size()])) return {}; // an instruction with a longer name
     const std::size_t end = document.substr(0, kLongest).find("?>");
-    return end == document.npos ? std::string() : std::string(Quoted(document.substr(0, end), "encoding"));
+    if (end == document.npos) return {};
+    const std::string_view name = Quoted(document.substr(0, end), "encoding");
+    return std::all_of(name.begin(), name.end(), IsNameChar) ? std::string(name) : std::string();
 }
 
-bool IsEncoding(const std::string& name)
+std::optional<std::string> Decode(std::string bytes)
 {
-    xmlCharEncodingHandler* const handler = name.empty() ? nullptr : xmlFindCharEncodingHandler(name.c_str());
-    if (!handler) return false;
-    const bool bBothWays = handler->input || (handler->iconv_in && handler->iconv_out);
-    xmlCharEncCloseFunc(handler);
-    return bBothWays;
+    for (const Start& start : kStarts) {
+        if (!bytes.starts_with(start.bytes)) continue;
+        if (start.bMark) bytes.erase(0, start.bytes.size());
+        if (!start.encoding) return bytes;
+        return Iconv(kUtf8, start.encoding).Convert(bytes);
+    }
+    std::string declared = DeclaredEncoding(bytes);
+    if (bytes.starts_with(kEbcdic)) {
+        const auto text = Iconv(kUtf8, "IBM037").Convert(std::string_view(bytes).substr(0, 1000));
+        declared = text ? DeclaredEncoding(*text) : std::string();
+        if (declared.empty()) declared = "IBM037";
+    }
+    if (declared.empty() || IsOneOf(declared, {kUtf8, "utf8"})) return bytes;
+    return ToUtf8(bytes, declared);
 }
 
-bool IsChinese(std::string_view name)
+std::optional<std::string> Encode(std::string_view utf8, const std::string& encoding)
 {
-    constexpr std::string_view kNames[] = {"gb2312", "gbk", "cp936", "gb18030"};
-    return std::any_of(std::begin(kNames), std::end(kNames),
-                       [&](std::string_view known) { return text::CompareNoCase(name, known) == 0; });
+    const char* const pszKept = KeptAs(encoding);
+    if (!pszKept) return std::nullopt;
+    const bool bWide = IsOneOf(encoding, {"utf-16"});
+    Iconv converter(bWide ? "UTF-16LE" : pszKept, kUtf8);
+    std::string bytes(bWide ? "\xFF\xFE" : "");
+    while (!converter.Append(utf8, bytes)) {
+        if (!converter) return std::nullopt;
+        bytes += TakeReference(utf8); // ASCII is the same in all that lack a character
+    }
+    return bytes;
 }
 
 } // namespace kx::xml

@@ -2,9 +2,7 @@
 
 #include "platform/SameGuid.h"
 #include "platform/xml/Attributes.h"
-#include "platform/xml/Namespaces.h"
-
-#include <new>
+#include "platform/xml/Names.h"
 
 namespace kx::xml {
 
@@ -52,9 +50,9 @@ bool HasObject(xmlNode* branch) noexcept
 
 Ref<NodeObject> NodeObject::Of(Tree& tree, xmlNode* node)
 {
-    if (!node || node->type == XML_DOCUMENT_NODE) return Make(tree, node);
+    if (!node || node->type == XML_DOCUMENT_NODE) return Ref<NodeObject>::Adopt(new NodeObject(tree, node));
     if (node->_private) return Ref(ObjectOf(node));
-    auto object = Make(tree, node);
+    auto object = Ref<NodeObject>::Adopt(new NodeObject(tree, node));
     node->_private = object.Get();
     if (!IsBelowAttached(node)) object->m_anchor = AnchorOf(tree, node);
     return object;
@@ -73,18 +71,6 @@ Ref<NodeObject> NodeObject::AnchorOf(Tree& tree, xmlNode* node)
     return top == node || top->type == XML_DOCUMENT_NODE ? Ref<NodeObject>() : Of(tree, top);
 }
 
-Ref<NodeObject> NodeObject::Make(Tree& tree, xmlNode* node)
-{
-    return Ref<NodeObject>::Adopt(new (tree.NewBlock(sizeof(NodeObject))) NodeObject(tree, node));
-}
-
-void NodeObject::End() noexcept
-{
-    const Ref<Tree> tree = m_tree;
-    this->~NodeObject();
-    tree->EndBlock(this);
-}
-
 Ref<NodeObject> NodeObject::From(IXMLDOMNode* pNode)
 {
     void* pOwn = nullptr;
@@ -97,7 +83,7 @@ NodeObject::~NodeObject()
     if (!m_node || m_node->type == XML_DOCUMENT_NODE) return;
     m_node->_private = nullptr;
     if (m_node->parent) return;
-    m_tree->ForgetSearch();
+    m_tree->Children().Forget();
     xmlFreeNode(m_node);
 }
 
@@ -106,10 +92,7 @@ void NodeObject::Settle(Tree& tree, xmlNode* branch) noexcept
     xmlNode* const top = TopOf(branch);
     const auto anchor = top->type == XML_DOCUMENT_NODE ? Ref<NodeObject>() : Ref(ObjectOf(top));
     ForEachObject(branch, [&](NodeObject& object) {
-        if (object.m_tree.Get() != &tree) {
-            object.m_tree->PassObject(tree);
-            object.m_tree = Ref(&tree);
-        }
+        if (object.m_tree.Get() != &tree) object.m_tree = Ref(&tree);
         if (anchor || object.m_anchor) object.m_anchor = object.m_node == top ? Ref<NodeObject>() : anchor;
     });
 }

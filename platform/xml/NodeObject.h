@@ -39,7 +39,7 @@ public:
     ULONG Release() noexcept override
     {
         const ULONG nRefs = --m_nRefs;
-        if (nRefs == 0) End();
+        if (nRefs == 0) delete this;
         return nRefs;
     }
     HRESULT getAttribute(BSTR bstrName, VARIANT* pValue) override;
@@ -51,13 +51,14 @@ private:
     static bool IsBelowAttached(const xmlNode* node) noexcept;
     // What holds the branch that the node lies in, if that hangs in no document; nothing for its top.
     static Ref<NodeObject> AnchorOf(Tree& tree, xmlNode* node);
-    static Ref<NodeObject> Make(Tree& tree, xmlNode* node);
-    void End() noexcept;
 
     ULONG m_nRefs = 1;
     Ref<Tree> m_tree;
     xmlNode* const m_node;
     Ref<NodeObject> m_anchor;
 };
+
+// Puts an element in the place of the document's, as IXMLDOMDocument::putref_documentElement.
+HRESULT SetRoot(Tree& tree, NodeObject& element);
 
 } // namespace kx::xml

@@ -2,10 +2,9 @@
 
 #include "include/platform/Xml.h"
 #include "platform/xml/Encoding.h"
-#include "platform/xml/EntityBudget.h"
-#include "platform/xml/Shape.h"
 
 #include <algorithm>
+#include <array>
 #include <libxml/SAX2.h>
 #include <libxml/parserInternals.h>
 #include <libxml/valid.h>
@@ -16,19 +15,38 @@ namespace {
 
 constexpr int kPerAttribute = 5; // places in libxml2's tables, which grow to twice of what they need
 constexpr int kPerNamespace = 2;
-constexpr std::size_t kCostOfDefault = 32;
-constexpr std::size_t kLongestSubset = 64 << 10; // each list of values in it is read in quadratic time
+constexpr std::size_t kCostOfNode = 32;        // of the cap on expansion, as its text's bytes are
+constexpr std::size_t kWalkedPerByte = 400;    // bytes passed over in the time that a byte of it is worth
+constexpr std::size_t kCostOfParameter = 1000; // of one reference: libxml2 takes long to set out for it
+constexpr int kDeepestParameter = 32;          // libxml2 gives up at 40, but doesn't come back
+
+// What a copy of these nodes, which are an entity's, takes of the cap.
+std::size_t CostOf(const xmlNode* nodes) noexcept
+{
+    std::size_t nCost = 0;
+    for (const xmlNode* node = nodes; node; node = node->next) {
+        nCost += kCostOfNode;
+        if (node->type == XML_ELEMENT_NODE) {
+            for (const xmlAttr* attribute = node->properties; attribute; attribute = attribute->next)
+                nCost +=
+                    kCostOfNode + (attribute->children ? ViewOf(attribute->children->content).size() : 0);
+            nCost += CostOf(node->children); // no deeper than documents may be
+        } else if (node->type != XML_ENTITY_REF_NODE) {
+            nCost += ViewOf(node->content).size();
+        }
+    }
+    return nCost;
+}
 
 // One document on its way through libxml2, which reads it piece by piece and tells what it finds.
 class Parsing
 {
 public:
-    explicit Parsing(std::string_view bytes) : m_rest(bytes) {}
+    explicit Parsing(std::string_view text) : m_text(text), m_rest(text) {}
     Parsing(const Parsing&) = delete;
     Parsing& operator=(const Parsing&) = delete;
 
-    // With an encoding, that of the document's own declaration doesn't count.
-    DocPtr Run(const char* pszEncoding, bool bIgnoreDeclared);
+    Ref<Tree> Run();
 
 private:
     using Context = std::unique_ptr<xmlParserCtxt, FreeBy<xmlFreeParserCtxt>>;
@@ -37,67 +55,73 @@ private:
     {
         return *static_cast<Parsing*>(static_cast<xmlParserCtxt*>(context)->_private);
     }
-    // What is called meanwhile may be in C: nothing is thrown through it.
-    template <class Allow>
-    static bool Allowed(void* context, Allow allow) noexcept;
 
     static int OnRead(void* self, char* target, int nSize) noexcept;
     static void OnDocType(void* context, const xmlChar* name, const xmlChar* external, const xmlChar* system);
+    static void OnDocTypeEnd(void* context, const xmlChar*, const xmlChar*, const xmlChar*);
     static void OnEntity(void* context, const xmlChar* name, int nType, const xmlChar* publicId,
                          const xmlChar* systemId, xmlChar* content);
-    static void OnAttributeDeclaration(void* context, const xmlChar* element, const xmlChar* name, int nType,
-                                       int nDefault, const xmlChar* value, xmlEnumeration* values);
     static xmlEntity* OnReference(void* context, const xmlChar* name);
     static xmlEntity* OnParameter(void* context, const xmlChar* name);
-    static void OnUnparsed(void* context, const xmlChar*, const xmlChar*, const xmlChar*, const xmlChar*)
-    {
-        Allowed(context, [](Parsing&) { return false; });
-    }
-    static void OnUndeclared(void* context, const xmlChar*)
-    {
-        Allowed(context, [](Parsing&) { return false; });
-    }
     static void OnInstruction(void* context, const xmlChar* target, const xmlChar* data);
-    static xmlParserInput* OnExternal(void*, const xmlChar*, const xmlChar*) { return nullptr; }
     static void OnElement(void* context, const xmlChar* local, const xmlChar* prefix, const xmlChar* uri,
                           int nNamespaces, const xmlChar** namespaces, int nAttributes, int nDefaulted,
                           const xmlChar** attributes);
 
-    bool MakeContext();
+    // Counts against the cap on expansion.
+    bool Spend(std::size_t nBytes) noexcept
+    {
+        m_nExpanded += nBytes;
+        return m_nExpanded <= XML_MAX_EXPANSION;
+    }
+    // Ends the parse in this context, which may be one of an entity.
+    void Refuse(void* context) noexcept;
+    bool IsTooMuch() const noexcept;
+    std::size_t Position() const noexcept
+    {
+        return static_cast<std::size_t>(xmlByteConsumed(m_context.get()));
+    }
+    void MakeContext();
 
+    const std::string_view m_text;
     std::string_view m_rest;
-    std::size_t m_nSubset = 0; // read of the document's own declarations
+    std::size_t m_subsetAt = 0; // where the part of the declaration behind its names begins and ends
+    std::size_t m_subsetEnd = 0;
+    std::size_t m_nSubset = 0; // read of it
+    std::size_t m_nExpanded = 0;
     Context m_context;
-    EntityBudget m_budget;
+    xmlEntity m_unread{}; // stands for parameter entities that lie elsewhere
+    xmlChar m_nothing[1] = {};
     bool m_bRefused = false;
 };
 
-template <class Allow>
-bool Parsing::Allowed(void* context, Allow allow) noexcept
+void Parsing::Refuse(void* context) noexcept
 {
-    Parsing& self = Of(context);
-    try {
-        if (!self.m_bRefused && allow(self)) return true;
-    } catch (const std::bad_alloc&) {
-    }
-    self.m_bRefused = true;
+    m_bRefused = true;
     xmlStopParser(static_cast<xmlParserCtxt*>(context));
-    xmlStopParser(self.m_context.get());
-    return false;
+    xmlStopParser(m_context.get());
+}
+
+// The caps on what libxml2 would treat in quadratic time.
+bool Parsing::IsTooMuch() const noexcept
+{
+    const xmlParserCtxt& context = *m_context;
+    return context.maxatts > 2 * kPerAttribute * (XML_MAX_ATTRIBUTES + 1) ||
+           context.nsMax > 2 * kPerNamespace * XML_MAX_NAMESPACES || m_nSubset > XML_MAX_DECLARATIONS ||
+           xmlDictSize(context.dict) > XML_MAX_NAMES;
 }
 
 // Also where a start tag is seen before libxml2 compares all its attributes with each other.
 int Parsing::OnRead(void* self, char* target, int nSize) noexcept
 {
     auto& parsing = *static_cast<Parsing*>(self);
-    const xmlParserCtxt* const context = parsing.m_context.get();
     const std::size_t nBytes = std::min(static_cast<std::size_t>(nSize), parsing.m_rest.size());
-    if (context && context->inSubset != 0) parsing.m_nSubset += nBytes;
-    if (context &&
-        (context->maxatts > 2 * kPerAttribute * (XML_MAX_ATTRIBUTES + 1) ||
-         context->nsMax > 2 * kPerNamespace * XML_MAX_NAMESPACES || parsing.m_nSubset > kLongestSubset)) {
-        parsing.m_bRefused = true;
-        return -1;
+    if (parsing.m_context) {
+        if (parsing.m_context->inSubset != 0) parsing.m_nSubset += nBytes;
+        if (parsing.IsTooMuch()) {
+            parsing.m_bRefused = true;
+            return -1;
+        }
     }
     parsing.m_rest.copy(target, nBytes);
     parsing.m_rest.remove_prefix(nBytes);
@@ -106,48 +130,66 @@ int Parsing::OnRead(void* self, char* target, int nSize) noexcept
 
 void Parsing::OnDocType(void* context, const xmlChar* name, const xmlChar* external, const xmlChar* system)
 {
-    if (Allowed(context, [&](Parsing&) { return !external && !system; }))
-        xmlSAX2InternalSubset(context, name, external, system);
+    Of(context).m_subsetAt = Of(context).Position();
+    xmlSAX2InternalSubset(context, name, external, system);
 }
 
+void Parsing::OnDocTypeEnd(void* context, const xmlChar*, const xmlChar*, const xmlChar*)
+{
+    Of(context).m_subsetEnd = Of(context).Position();
+}
+
+// An entity that lies elsewhere consists of a reference to itself, which libxml2 then copies to where it is
+// used, instead of reading it.
 void Parsing::OnEntity(void* context, const xmlChar* name, int nType, const xmlChar* publicId,
                        const xmlChar* systemId, xmlChar* content)
 {
-    const bool bAllowed = Allowed(context, [&](Parsing& self) {
-        if (publicId || systemId) return false;
-        return nType == XML_INTERNAL_PARAMETER_ENTITY
-                   ? self.m_budget.DeclareParameter(ViewOf(content))
-                   : self.m_budget.DeclareEntity(ViewOf(name), ViewOf(content));
-    });
-    if (bAllowed) xmlSAX2EntityDecl(context, name, nType, publicId, systemId, content);
+    xmlSAX2EntityDecl(context, name, nType, publicId, systemId, content);
+    if (nType != XML_EXTERNAL_GENERAL_PARSED_ENTITY) return;
+    xmlDoc* const doc = static_cast<xmlParserCtxt*>(context)->myDoc;
+    xmlEntity* const entity = xmlGetDocEntity(doc, name);
+    if (!entity || entity->etype != nType || entity->children) return;
+    xmlNode* const reference = xmlNewReference(doc, name);
+    if (!reference) return Of(context).Refuse(context);
+    reference->parent = reinterpret_cast<xmlNode*>(entity);
+    entity->children = entity->last = reference;
+    entity->owner = 1;
+    entity->checked = 2; // as one that was parsed
 }
 
-void Parsing::OnAttributeDeclaration(void* context, const xmlChar* element, const xmlChar* name, int nType,
-                                     int nDefault, const xmlChar* value, xmlEnumeration* values)
-{
-    if (Allowed(context, [](Parsing& self) { return self.m_budget.Declare(); }))
-        xmlSAX2AttributeDecl(context, element, name, nType, nDefault, value, values);
-    else
-        xmlFreeEnumeration(values);
-}
-
+// The first reference parses the entity's text; each further one copies what came of it. Behind a text, its
+// own is appended in time that follows the whole.
 xmlEntity* Parsing::OnReference(void* context, const xmlChar* name)
 {
+    Parsing& self = Of(context);
+    xmlEntity* const entity = xmlSAX2GetEntity(context, name);
     const xmlNode* const parent = static_cast<xmlParserCtxt*>(context)->node;
     const xmlNode* const last = parent ? parent->last : nullptr;
-    const std::size_t nText = last && last->type == XML_TEXT_NODE ? ViewOf(last->content).size() : 0;
-    const bool bAllowed = Allowed(context, [&](Parsing& self) {
-        return self.m_budget.SpendEntity(ViewOf(name)) && self.m_budget.SpendText(nText);
-    });
-    return bAllowed ? xmlSAX2GetEntity(context, name) : nullptr;
+    std::size_t nCost = kCostOfNode;
+    if (entity) nCost += ViewOf(entity->content).size() + CostOf(entity->children);
+    if (last && last->type == XML_TEXT_NODE) nCost += ViewOf(last->content).size() / kWalkedPerByte;
+    if (!self.Spend(nCost)) {
+        self.Refuse(context);
+        return nullptr;
+    }
+    if (!entity) { // within an entity, what isn't read may declare it just as well
+        auto* const at = static_cast<xmlParserCtxt*>(context);
+        at->hasExternalSubset |= self.m_context->hasExternalSubset;
+        at->hasPErefs |= self.m_context->hasPErefs;
+    }
+    return entity;
 }
 
 xmlEntity* Parsing::OnParameter(void* context, const xmlChar* name)
 {
+    Parsing& self = Of(context);
     xmlEntity* const entity = xmlSAX2GetParameterEntity(context, name);
-    const auto nLength = entity ? static_cast<std::size_t>(entity->length) : 0;
-    const bool bAllowed = Allowed(context, [&](Parsing& self) { return self.m_budget.Spend(nLength); });
-    return bAllowed ? entity : nullptr;
+    const std::size_t nLength = entity ? ViewOf(entity->content).size() : 0;
+    if (!self.Spend(nLength + kCostOfParameter) || self.m_context->inputNr > kDeepestParameter) {
+        self.Refuse(context);
+        return nullptr;
+    }
+    return entity && entity->etype == XML_EXTERNAL_PARAMETER_ENTITY ? &self.m_unread : entity;
 }
 
 // libxml2 keeps the catalogs that a document names, in a list that it walks to its end for each.
@@ -162,52 +204,57 @@ void Parsing::OnElement(void* context, const xmlChar* local, const xmlChar* pref
                         int nNamespaces, const xmlChar** namespaces, int nAttributes, int nDefaulted,
                         const xmlChar** attributes)
 {
-    const bool bAllowed = Allowed(context, [&](Parsing& self) {
-        if (nAttributes > XML_MAX_ATTRIBUTES) return false;
-        const xmlParserCtxt* const at = static_cast<xmlParserCtxt*>(context);
-        if (at->nodeNr >= XML_MAX_DEPTH || at->nsNr > kPerNamespace * XML_MAX_NAMESPACES) return false;
-        for (int i = 0; i < nAttributes; ++i) {
-            const xmlChar* const* const attribute = attributes + kPerAttribute * i;
-            const auto nLength = static_cast<std::size_t>(attribute[4] - attribute[3]);
-            const bool bDefaulted = i >= nAttributes - nDefaulted;
-            if (nLength > XML_MAX_ATTRIBUTE || (bDefaulted && !self.m_budget.Spend(nLength + kCostOfDefault)))
-                return false;
-        }
-        return true;
-    });
-    if (bAllowed)
-        xmlSAX2StartElementNs(context, local, prefix, prefix ? uri : nullptr, nNamespaces, namespaces,
-                              nAttributes, nDefaulted, attributes);
+    Parsing& self = Of(context);
+    const xmlParserCtxt* const at = static_cast<xmlParserCtxt*>(context);
+    bool bAllowed = nAttributes <= XML_MAX_ATTRIBUTES && at->nodeNr < XML_MAX_DEPTH &&
+                    at->nsNr <= kPerNamespace * XML_MAX_NAMESPACES;
+    for (int i = 0; bAllowed && i < nAttributes; ++i) {
+        const xmlChar* const* const attribute = attributes + kPerAttribute * i;
+        const auto nLength = static_cast<std::size_t>(attribute[4] - attribute[3]);
+        const bool bDefaulted = i >= nAttributes - nDefaulted;
+        bAllowed = nLength <= XML_MAX_ATTRIBUTE && (!bDefaulted || self.Spend(nLength + kCostOfNode));
+    }
+    if (!bAllowed) return self.Refuse(context);
+    xmlSAX2StartElementNs(context, local, prefix, prefix ? uri : nullptr, nNamespaces, namespaces,
+                          nAttributes, nDefaulted, attributes);
 }
 
-bool Parsing::MakeContext()
+void Parsing::MakeContext()
 {
     StartLibxml();
-    m_context.reset(xmlCreateIOParserCtxt(nullptr, nullptr, OnRead, nullptr, this, XML_CHAR_ENCODING_NONE));
-    if (!m_context) return false;
+    m_context.reset(xmlCreateIOParserCtxt(nullptr, nullptr, OnRead, nullptr, this, XML_CHAR_ENCODING_UTF8));
+    if (!m_context) throw std::bad_alloc();
     m_context->_private = this;
+    m_context->encoding = xmlStrdup(ToXml("UTF-8")); // or it would be guessed once more
+    xmlCtxtUseOptions(m_context.get(), XML_PARSE_NOENT | XML_PARSE_COMPACT | XML_PARSE_NONET |
+                                           XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_IGNORE_ENC);
+    m_unread.type = XML_ENTITY_DECL;
+    m_unread.etype = XML_INTERNAL_PARAMETER_ENTITY;
+    m_unread.name = m_unread.content = m_nothing;
     xmlSAXHandler& handler = *m_context->sax;
     handler.internalSubset = OnDocType;
+    handler.externalSubset = OnDocTypeEnd;
     handler.entityDecl = OnEntity;
-    handler.unparsedEntityDecl = OnUnparsed;
-    handler.attributeDecl = OnAttributeDeclaration;
     handler.getEntity = OnReference;
     handler.getParameterEntity = OnParameter;
-    handler.reference = OnUndeclared;
     handler.processingInstruction = OnInstruction;
-    handler.resolveEntity = OnExternal;
-    handler.externalSubset = nullptr;
     handler.startElementNs = OnElement;
-    return true;
 }
 
-// Nothing is looked up by its identity: attributes can then come and go without leaving themselves there.
-void ForgetIds(xmlDoc* doc)
+// Takes the references to themselves out of entities that lie elsewhere.
+void EmptyEntities(xmlDoc* doc) noexcept
 {
-    const auto forget = [](void* id, void*, const xmlChar*) {
-        if (xmlAttr* const attribute = static_cast<xmlID*>(id)->attr) attribute->atype = XML_ATTRIBUTE_CDATA;
-    };
-    xmlHashScan(static_cast<xmlHashTable*>(doc->ids), forget, nullptr);
+    for (xmlNode* node = doc->intSubset ? doc->intSubset->children : nullptr; node; node = node->next) {
+        auto* const entity = reinterpret_cast<xmlEntity*>(node);
+        if (node->type != XML_ENTITY_DECL || entity->etype != XML_EXTERNAL_GENERAL_PARSED_ENTITY) continue;
+        xmlFreeNodeList(std::exchange(entity->children, nullptr));
+        entity->last = nullptr;
+    }
+}
+
+// Attributes can then come and go without leaving themselves behind; `id()` looks for them by their type.
+void ForgetIds(xmlDoc* doc) noexcept
+{
     xmlFreeIDTable(static_cast<xmlIDTable*>(std::exchange(doc->ids, nullptr)));
     xmlFreeRefTable(static_cast<xmlRefTable*>(std::exchange(doc->refs, nullptr)));
 }
@@ -222,48 +269,39 @@ bool HasRoom(xmlDoc* doc) noexcept
     return true;
 }
 
-DocPtr Parsing::Run(const char* pszEncoding, bool bIgnoreDeclared)
+Ref<Tree> Parsing::Run()
 {
-    const Hush hush;
-    if (!MakeContext()) return nullptr;
-    const int nIgnore = bIgnoreDeclared ? XML_PARSE_IGNORE_ENC : 0;
-    xmlCtxtUseOptions(m_context.get(), XML_PARSE_NOENT | XML_PARSE_COMPACT | XML_PARSE_NONET |
-                                           XML_PARSE_NOERROR | XML_PARSE_NOWARNING | nIgnore);
-    if (pszEncoding) xmlSwitchToEncoding(m_context.get(), xmlFindCharEncodingHandler(pszEncoding));
+    const Complaints complaints;
+    MakeContext();
     xmlParseDocument(m_context.get());
     DocPtr doc(std::exchange(m_context->myDoc, nullptr));
-    const bool bWhole = m_context->wellFormed && !m_context->disableSAX && !m_bRefused;
-    if (!doc || !bWhole) return nullptr;
-    if (doc->intSubset && !HasRoom(doc.get())) return nullptr;
+    if (doc) EmptyEntities(doc.get());
+    // Too many names are a lack of memory to libxml2 as well, and what it has then is not to be trusted.
+    if (!doc || complaints.NoMemory()) return {};
+    if (!m_context->wellFormed || m_context->disableSAX || m_bRefused || IsTooMuch()) return {};
+    if (doc->intSubset && !HasRoom(doc.get())) return {};
     ForgetIds(doc.get());
     if (doc->dict) xmlDictSetLimit(doc->dict, 0); // a full one gives null to what changes the tree
-    return doc;
-}
-
-void SetEncoding(xmlDoc* doc, const std::string& name)
-{
     xmlFree(const_cast<xmlChar*>(doc->encoding));
-    doc->encoding = IsEncoding(name) ? xmlStrdup(ToXml(name.c_str())) : nullptr;
+    const std::string encoding = DeclaredEncoding(m_text);
+    doc->encoding = encoding.empty() ? nullptr : xmlStrdup(ToXml(encoding.c_str()));
+    if (!encoding.empty() && !doc->encoding) throw std::bad_alloc();
+    return Tree::Make(std::move(doc), std::string(m_text.substr(m_subsetAt, m_subsetEnd - m_subsetAt)));
 }
 
 } // namespace
 
-DocPtr ParseFile(std::string_view bytes)
+Ref<Tree> ParseFile(std::string bytes)
 {
-    const std::string declared = DeclaredEncoding(bytes);
-    const bool bMarked = !bytes.empty() && bytes[0] != '<'; // a byte order mark
-    if (bMarked || !IsChinese(declared)) return Parsing(bytes).Run(nullptr, false);
-    DocPtr doc = Parsing(bytes).Run("GB18030", true);
-    if (doc) SetEncoding(doc.get(), declared);
-    return doc;
+    const auto text = Decode(std::move(bytes));
+    return text ? ParseText(*text) : Ref<Tree>();
 }
 
-DocPtr ParseText(std::string_view utf8)
+Ref<Tree> ParseText(std::string_view utf8)
 {
-    if (utf8.size() > XML_MAX_FILE) return nullptr;
-    DocPtr doc = Parsing(utf8).Run(nullptr, true);
-    if (doc) SetEncoding(doc.get(), DeclaredEncoding(utf8));
-    return doc;
+    constexpr std::string_view kMark = "\xEF\xBB\xBF";
+    if (utf8.starts_with(kMark)) utf8.remove_prefix(kMark.size());
+    return Parsing(utf8).Run();
 }
 
 } // namespace kx::xml

@@ -7,11 +7,12 @@
 namespace kx::xml {
 
 // Documents from what anybody may have written: null for what is refused, in time and memory that follow the
-// length of the input. Nothing outside of it is ever looked for.
+// length of the input, and where libxml2 runs out of memory. Nothing outside of it is ever looked for. Throw
+// std::bad_alloc.
 
-// A file's bytes in the encoding that they declare.
-DocPtr ParseFile(std::string_view bytes);
-// UTF-8, whatever encoding is declared; that becomes the document's if there is such a one.
-DocPtr ParseText(std::string_view utf8);
+// A file's bytes, in the encoding that they declare.
+Ref<Tree> ParseFile(std::string bytes);
+// UTF-8, whatever encoding is declared; that becomes the document's.
+Ref<Tree> ParseText(std::string_view utf8);
 
 } // namespace kx::xml

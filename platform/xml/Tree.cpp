@@ -1,57 +1,82 @@
 #include "platform/xml/Tree.h"
 
-#include <new>
+#include "include/platform/Xml.h"
+
+#include <algorithm>
 
 namespace kx::xml {
 
-Ref<Tree> Tree::Make(DocPtr doc)
+namespace {
+
+// Of one node alone.
+Shape Own(const xmlNode* node) noexcept
+{
+    if (node->type != XML_ELEMENT_NODE) return {};
+    Shape own{1, 0};
+    for (const xmlNs* ns = node->nsDef; ns; ns = ns->next)
+        ++own.nNamespaces;
+    return own;
+}
+
+} // namespace
+
+Ref<Tree> Tree::Make(DocPtr doc, std::string subset)
 {
     if (!doc) {
         StartLibxml();
+        const Complaints quiet;
         doc.reset(xmlNewDoc(ToXml("1.0")));
-        if (doc) doc->dict = xmlDictCreate(); // so that names repeated cost nothing
+        if (doc) doc->dict = xmlDictCreate(); // names repeated then cost nothing
+        if (!doc || !doc->dict) throw std::bad_alloc();
     }
-    if (!doc) throw std::bad_alloc();
-    return Ref<Tree>::Adopt(new Tree(std::move(doc)));
+    return Ref<Tree>::Adopt(new Tree(std::move(doc), std::move(subset)));
 }
 
-Tree::~Tree()
+bool Tree::HasRoomForNames(int nMore) const noexcept
 {
-    while (m_blocks)
-        ::operator delete(std::exchange(m_blocks, m_blocks->next));
-}
-
-void* Tree::NewBlock(std::size_t nBytes)
-{
-    void* const block = m_blocks ? std::exchange(m_blocks, m_blocks->next) : ::operator new(nBytes);
-    if (m_nBlocks > 0) --m_nBlocks;
-    CountObject();
-    return block;
-}
-
-void Tree::EndBlock(void* block) noexcept
-{
-#if defined(KX_SANITIZED) // a sanitizer is to see who uses an object that ended
-    constexpr bool bKept = false;
-#else
-    const bool bKept = m_nBlocks < m_nMostObjects;
-#endif
-    --m_nObjects;
-    if (!bKept) {
-        ::operator delete(block);
-        return;
-    }
-    m_blocks = new (block) Block{m_blocks};
-    ++m_nBlocks;
+    return xmlDictSize(m_doc->dict) + nMore <= XML_MAX_NAMES;
 }
 
 xmlXPathContext* Tree::XPath()
 {
     if (!m_xpath) {
         m_xpath.reset(xmlXPathNewContext(m_doc.get()));
-        if (m_xpath) m_xpath->error = [](void*, xmlErrorPtr) {};
+        if (!m_xpath) throw std::bad_alloc();
     }
     return m_xpath.get();
+}
+
+Shape Shape::Below(xmlNode* branch) noexcept
+{
+    if (IsField(branch)) return {1, 0};
+    Shape most;
+    Shape at;
+    const auto leave = [&](const xmlNode* node) {
+        const Shape own = Own(node);
+        at = {at.nElements - own.nElements, at.nNamespaces - own.nNamespaces};
+    };
+    for (xmlNode* node = branch; node;) {
+        at = at + Own(node);
+        most = {std::max(most.nElements, at.nElements), std::max(most.nNamespaces, at.nNamespaces)};
+        xmlNode* const next = NextBelow(branch, node);
+        for (const xmlNode* left = node; next && left != next->parent; left = left->parent)
+            leave(left);
+        node = next;
+    }
+    return most;
+}
+
+Shape Shape::Above(const xmlNode* node) noexcept
+{
+    Shape all;
+    for (; node && node->type == XML_ELEMENT_NODE; node = node->parent)
+        all = all + Own(node);
+    return all;
+}
+
+bool Shape::Fits() const noexcept
+{
+    return nElements <= XML_MAX_DEPTH && nNamespaces <= XML_MAX_NAMESPACES;
 }
 
 } // namespace kx::xml

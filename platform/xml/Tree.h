@@ -1,37 +1,22 @@
 #pragma once
 
 #include "platform/LiveHandles.h"
-#include "platform/xml/Libxml.h"
+#include "platform/xml/ChildIndex.h"
 #include "platform/xml/Ref.h"
 
-#include <algorithm>
-#include <cstdint>
 #include <libxml/xpath.h>
-#include <memory>
-#include <new>
-#include <utility>
+#include <string>
 
 namespace kx::xml {
-
-using DocPtr = std::unique_ptr<xmlDoc, FreeBy<xmlFreeDoc>>;
-
-// How far a parent's children have been looked through, from the first one on: records are read child by
-// child in about their order, and then each is passed once.
-struct Passed
-{
-    const xmlNode* parent = nullptr;
-    xmlNode* last = nullptr;
-    std::uint64_t names = 0; // a bit for each name among them, which others may share
-    std::ptrdiff_t step = 0; // from the parent before this one, in memory
-};
 
 // One libxml2 document with all nodes that were made in it, whether they hang in it or not. Counted by the
 // document object and by each node's.
 class Tree
 {
 public:
-    // With the caller's reference. The document may be null: a new, empty one.
-    static Ref<Tree> Make(DocPtr doc = nullptr);
+    // With the caller's reference. The document may be null: a new, empty one. `subset` is what stood behind
+    // the names in its document type declaration, up to the ">" and with it.
+    static Ref<Tree> Make(DocPtr doc = nullptr, std::string subset = {});
     Tree(const Tree&) = delete;
     Tree& operator=(const Tree&) = delete;
 
@@ -44,41 +29,22 @@ public:
     xmlDoc* Doc() const noexcept { return m_doc.get(); }
     xmlNode* DocNode() const noexcept { return reinterpret_cast<xmlNode*>(m_doc.get()); }
     xmlNode* Root() const noexcept { return xmlDocGetRootElement(m_doc.get()); }
-    // Memory for nodes' objects, all of one size, which come and go with every step of a walk. Those that
-    // ended are kept for the next ones, but no more than there ever were at once: objects also come from
-    // other trees.
-    void* NewBlock(std::size_t nBytes);
-    void EndBlock(void* block) noexcept;
-    // An object, with its block, goes over to another tree.
-    void PassObject(Tree& to) noexcept
-    {
-        --m_nObjects;
-        to.CountObject();
-    }
-    Passed& LastSearch() noexcept { return m_passed; }
-    // To be called before nodes come, go or move.
-    void ForgetSearch() noexcept { m_passed = {}; }
-    // For expressions, kept for the next one; null for a lack of memory.
+    const std::string& Subset() const noexcept { return m_subset; }
+    ChildIndex& Children() noexcept { return m_children; }
+    // Whether so many more distinct names would still be loaded again.
+    bool HasRoomForNames(int nMore) const noexcept;
+    // For expressions, kept for the next one. Throws std::bad_alloc.
     xmlXPathContext* XPath();
 
 private:
-    explicit Tree(DocPtr doc) noexcept : m_doc(std::move(doc)) {}
-    ~Tree();
-    void CountObject() noexcept { m_nMostObjects = std::max(m_nMostObjects, ++m_nObjects); }
-
-    struct Block
-    {
-        Block* next;
-    };
+    Tree(DocPtr doc, std::string subset) noexcept : m_doc(std::move(doc)), m_subset(std::move(subset)) {}
+    ~Tree() = default;
 
     unsigned m_nRefs = 1;
-    Block* m_blocks = nullptr; // kept
-    std::size_t m_nBlocks = 0;
-    std::size_t m_nObjects = 0;
-    std::size_t m_nMostObjects = 0;
-    Passed m_passed;
+    ChildIndex m_children;
     const LiveHandle m_live;
     DocPtr m_doc;
+    std::string m_subset;
     std::unique_ptr<xmlXPathContext, FreeBy<xmlXPathFreeContext>> m_xpath;
 };
 
@@ -100,5 +66,24 @@ inline xmlNode* NextBelow(const xmlNode* top, xmlNode* node) noexcept
         node = node->parent;
     return node == top ? nullptr : node->next;
 }
+
+// How much lies within each other along the longest way down: elements, and declarations of namespaces. What
+// exceeds the limits of one document could be written but not be loaded again.
+struct Shape
+{
+    int nElements = 0;
+    int nNamespaces = 0;
+
+    // From a branch's top down to its leaves, each at its most.
+    static Shape Below(xmlNode* branch) noexcept;
+    // From the document down to this node, which may be null.
+    static Shape Above(const xmlNode* node) noexcept;
+
+    bool Fits() const noexcept;
+    friend Shape operator+(const Shape& a, const Shape& b) noexcept
+    {
+        return {a.nElements + b.nElements, a.nNamespaces + b.nNamespaces};
+    }
+};
 
 } // namespace kx::xml

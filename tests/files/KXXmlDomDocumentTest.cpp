@@ -77,7 +77,15 @@ TEST_F(KXXmlDomDocument, LoadsWhatIsWellFormed)
         {"<a xmlns:p='u?a=1&amp;b&lt;\"c\"&#9;'><p:b/></a>",
          "<a xmlns:p=\"u?a=1&amp;b&lt;&quot;c&quot;&#9;\"><p:b/></a>"},
         {"<!DOCTYPE a [<!ATTLIST a b CDATA \"x&amp;&lt;'&quot;y\">]><a/>",
-         "<!DOCTYPE a [\n<!ATTLIST a b CDATA \"x&amp;&lt;'&quot;y\">\n]>\n<a/>"},
+         "<!DOCTYPE a [<!ATTLIST a b CDATA \"x&amp;&lt;'&quot;y\">]>\n<a/>"},
+        {"<!DOCTYPE a PUBLIC 'p' 's\"' [\n<!ENTITY % q '%'><!-- ] --> %q; <!ENTITY e SYSTEM 'f'>]  "
+         "><a>&e;</a>",
+         nullptr},
+        {"<!DOCTYPE a PUBLIC 'p' 's\"' [\n<!ENTITY % q SYSTEM ''><!-- ] -->%q;<!ENTITY e SYSTEM 'f'>]  >"
+         "<a>&e;&f;</a>",
+         "<!DOCTYPE a PUBLIC \"p\" 's\"' [\n<!ENTITY % q SYSTEM ''><!-- ] -->%q;<!ENTITY e SYSTEM 'f'>]  >\n"
+         "<a>&e;&f;</a>"},
+        {"<a><![CDATA[x]]]]><![CDATA[>]]></a>", "<a><![CDATA[x]]]]><![CDATA[>]]></a>"},
         {"", nullptr},
         {" ", nullptr},
         {"text", nullptr},
@@ -136,6 +144,10 @@ TEST_F(KXXmlDomDocument, ReadsFilesInTheirEncodings)
         {Utf16("<?xml version='1.0' encoding='utf-16'?><w>!</w>", false, true), first},
         {Utf16("<?xml version='1.0'?><w>!</w>", true, false), first},
         {"<?xml version='1.0' encoding='iso-8859-1'?><w>\xE9</w>", "\xA8\xA6"},
+        {"<?xml version='1.0' encoding='gbk'?><w>\x80</w>",
+         "\xA2\xE3"}, // as files of the platform have the euro
+        {"\xEF\xBB\xBF<?xml version='1.0' encoding='utf-7'?>" + utf8, kNiHao}, // the mark counts
+        {"<?xml version='1.0' encoding='utf-7'?><w>+T2BZfQ-</w>", kNiHao},
     };
     for (const auto& [bytes, text] : cases) {
         CKXXmlDomDocument doc;
@@ -194,7 +206,15 @@ TEST_F(KXXmlDomDocument, SavesWhatItsEncodingLacks)
         {"gb2312", "<w a='\xA2\xE3'>\xA2\xE3" + e + "</w>", "gb2312"},
         {"gb2312", "<w><![CDATA[\x96\x7C]]><!--\x96\x7C--></w>", "gb2312"},
         {"gb2312", "<w><![CDATA[" + e + "]]></w>", "UTF-8"},
-        {"gbk", "<w><!--\xA2\xE3--></w>", "UTF-8"},
+        {"gbk", "<w><!--\xA2\xE3--></w>", "gbk"},
+        {"gbk", "<w><!--\x80--></w>", "gbk"},
+        {"euc-jp", "<w a='\xA3\xA4'>\xA3\xA4</w>", "euc-jp"},
+        {"windows-1258", "<w>a</w>", "UTF-8"},
+        {"shift_jis", "<w>\\~</w>", "UTF-8"},
+        {"utf-7", "<w>+</w>", "UTF-8"},
+        {"utf-32", "<w/>", "UTF-8"},
+        {"iso-2022-kr", "<w/>", "UTF-8"},
+        {"ebcdic-us", "<w/>", "UTF-8"},
         {"gb18030", "<w><![CDATA[" + e + "\xA2\xE3]]></w>", "gb18030"},
         {"iso-8859-1", std::string("<w a='") + kNiHao + "'>" + kNiHao + "</w>", "iso-8859-1"},
         {"iso-8859-1", std::string("<w><") + kNiHao + "/></w>", "UTF-8"},

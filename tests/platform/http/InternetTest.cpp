@@ -117,6 +117,8 @@ TEST(Internet, SendsTheUrlAsItIs)
     const std::string request = Fetch(server.Url(path) + "#part").body;
     EXPECT_EQ(request.substr(0, request.find('\n')), "GET " + path + " HTTP/1.1\r");
     EXPECT_THAT(Fetch(server.Url("/\xD6\xD0?")).body, HasSubstr("GET /%d6%d0? HTTP/1.1\r\n"));
+    EXPECT_THAT(Fetch(server.Url("/a b?v=1.0 beta\r\nX: 1\t\x7F ")).body,
+                HasSubstr("GET /a%20b?v=1.0%20beta%0D%0AX:%201%09%7F%20 HTTP/1.1\r\n"));
     EXPECT_THAT(request, HasSubstr("\r\nHost: " + server.Host() + "\r\n"));
     EXPECT_THAT(request, Not(HasSubstr("User-Agent")));
     EXPECT_THAT(request, Not(HasSubstr("Accept-Encoding")));
@@ -135,9 +137,7 @@ TEST(Internet, RefusesUrlsThatItCannotSend)
         {"file:///etc/hostname", ERROR_INTERNET_UNRECOGNIZED_SCHEME},
         {"ftp://" + host + "/x", ERROR_INTERNET_UNRECOGNIZED_SCHEME},
         {"http://", ERROR_INTERNET_INVALID_URL},
-        {"http://" + host + "/a b", ERROR_INTERNET_INVALID_URL},
-        {"http://" + host + "/a\r\nX-Injected: 1", ERROR_INTERNET_INVALID_URL},
-        {"http://" + host + "/a\nb", ERROR_INTERNET_INVALID_URL},
+        {"http://127.0.0 .1/", ERROR_INTERNET_INVALID_URL},
         {"http://127.0.0.1:99999/", ERROR_INTERNET_INVALID_URL},
         {std::string(9'000'000, 'a'), ERROR_INTERNET_INVALID_URL},
     };

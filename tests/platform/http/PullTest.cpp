@@ -217,7 +217,14 @@ TEST(Pull, EndsAnAnswerOfEndlessHeaders)
         }
     });
     EXPECT_EQ(Fetch(server.Url()).error, ERROR_HTTP_INVALID_SERVER_RESPONSE);
+    RawServer lines([](Peer& peer) {
+        const std::string request = peer.Request();
+        const auto nLength = static_cast<std::size_t>(std::stoi(request.substr(5)));
+        peer.Send(kOk + "X-Long: " + std::string(nLength, 'x') + "\r\nContent-Length: 2\r\n\r\nok");
+    });
     EXPECT_EQ(Fetch(interim.Url()).error, ERROR_HTTP_INVALID_SERVER_RESPONSE);
+    EXPECT_EQ(Fetch(lines.Url("/100000")).body, "ok");
+    EXPECT_EQ(Fetch(lines.Url("/110000")).error, ERROR_HTTP_INVALID_SERVER_RESPONSE);
 }
 
 TEST(Pull, AConnectionThatBreaksOffIsAFailure)

@@ -187,25 +187,6 @@ TEST_F(Dom, TellsNothingFoundFromFailure)
     EXPECT_EQ(m_doc->createElement(Arg(u"1"), &none), E_INVALIDARG);
 }
 
-TEST_F(Dom, BoundsTheStepsOfAnExpression)
-{
-    VARIANT_BOOL bDone = VARIANT_FALSE;
-    std::u16string xml = u"<a>";
-    for (int n = 0; n < 300; ++n)
-        xml += u"<b/>";
-    ASSERT_EQ(m_doc->loadXML(Arg((xml + u"</a>").c_str()), &bDone), S_OK);
-    Out<IXMLDOMNode> node;
-    EXPECT_EQ(Find(u"//b[count(//b[count(//b[count(//b) > 0]) > 0]) > 0]", node), E_FAIL);
-    EXPECT_EQ(Find(u"//b[count(//b) > 0]", node), S_OK); // the next one has its own
-    // A long document may be passed a few times.
-    xml = u"<a>";
-    for (int n = 0; n < 800'000; ++n)
-        xml += u"<b/>";
-    ASSERT_EQ(m_doc->loadXML(Arg((xml + u"</a>").c_str()), &bDone), S_OK);
-    EXPECT_EQ(Find(u"//c | //d | //e | //f | *", node), S_OK);
-    EXPECT_EQ(Find(u"//c | //d | //e | //f | //g | //h | //i | //j | //k | *", node), E_FAIL);
-}
-
 // Objects that are made in one document and end in another.
 TEST_F(Dom, WanderersLeaveNoMemoryBehind)
 {

@@ -74,22 +74,41 @@ protected:
     void* m_pDoc = nullptr;
 };
 
+// What lies elsewhere is named and not read: references to it stay, and count as empty texts.
 TEST_F(HostileXml, NothingOutsideIsFetched)
 {
     m_dir.Write("secret.txt", "secret");
     m_dir.Write("x.dtd", "<!ENTITY e 'secret'>");
     const std::string file = "file://" + m_dir.Path("secret.txt");
-    for (const std::string& doctype : std::vector<std::string>{
-             "<!DOCTYPE a SYSTEM 'x.dtd'>",
-             "<!DOCTYPE a PUBLIC '-//X//Y' 'http://127.0.0.1:1/x.dtd'>",
-             "<!DOCTYPE a [<!ENTITY e SYSTEM 'secret.txt'>]>",
-             "<!DOCTYPE a [<!ENTITY e SYSTEM '" + file + "'>]>",
-             "<!DOCTYPE a [<!ENTITY % p SYSTEM 'x.dtd'> %p;]>",
-             "<!DOCTYPE a [<!ENTITY e PUBLIC 'x' 'http://127.0.0.1:1/'>]>",
-             "<!DOCTYPE a [<!ENTITY u SYSTEM 'x' NDATA n>]>",
-         })
-        for (const char* pszRest : {"<a>&e;</a>", "<a b='&e;'/>", "<a/>"})
-            EXPECT_FALSE(Loads(doctype + pszRest)) << doctype;
+    const struct
+    {
+        std::string doctype;
+        bool bInText; // whether a reference may stand there, and in an attribute
+        bool bInAttribute;
+    } cases[] = {
+        {"<!DOCTYPE a SYSTEM 'x.dtd'>", true, true},
+        {"<!DOCTYPE a PUBLIC '-//X//Y' 'http://127.0.0.1:1/x.dtd'>", true, true},
+        {"<!DOCTYPE a [<!ENTITY e SYSTEM 'secret.txt'>]>", true, false},
+        {"<!DOCTYPE a [<!ENTITY e SYSTEM '" + file + "'>]>", true, false},
+        {"<!DOCTYPE a [<!ENTITY % p SYSTEM 'x.dtd'> %p;]>", true, true},
+        {"<!DOCTYPE a [<!ENTITY e PUBLIC 'x' 'http://127.0.0.1:1/'>]>", true, false},
+        {"<!DOCTYPE a SYSTEM 'x.dtd' [<!NOTATION n SYSTEM 'n'><!ENTITY e SYSTEM 'x' NDATA n>]>", false,
+         false},
+        {"<!DOCTYPE a [<!ENTITY f SYSTEM 'x'>]>", false, false}, // nothing else could declare `e`
+    };
+    for (const auto& one : cases) {
+        EXPECT_TRUE(Loads(one.doctype + "<a/>")) << one.doctype;
+        EXPECT_EQ(Loads(one.doctype + "<a b='&e;'/>"), one.bInAttribute) << one.doctype;
+        EXPECT_EQ(Loads(one.doctype + "<a>x&e;<b>&e;</b>y</a>"), one.bInText) << one.doctype;
+        if (!one.bInText) continue;
+        EXPECT_EQ(Text(), u"xy") << one.doctype;
+        IXMLDOMNode* pNode = nullptr;
+        EXPECT_EQ(Doc()->selectSingleNode(Arg(u"//b[.='']"), &pNode), S_OK);
+        BSTR xml = nullptr;
+        EXPECT_TRUE(pNode && SUCCEEDED(pNode->get_xml(&xml)) && std::u16string(xml) == u"<b>&e;</b>");
+        SysFreeString(xml);
+        if (pNode) pNode->Release();
+    }
     EXPECT_TRUE(Loads("<a xmlns:xi='http://www.w3.org/2001/XInclude'><xi:include href='secret.txt' "
                       "parse='text'/></a>"));
     EXPECT_EQ(Text(), u"");
@@ -97,8 +116,9 @@ TEST_F(HostileXml, NothingOutsideIsFetched)
 
 TEST_F(HostileXml, EntitiesOfItsOwnAreText)
 {
-    EXPECT_TRUE(Loads("<!DOCTYPE a [<!ENTITY x 'A &amp; &#66;'><!ENTITY y '[&x;]'><!ELEMENT a ANY>"
-                      "<!ATTLIST a d CDATA 'def'>]><a b='&y;'>&y;<c>&x;</c></a>"));
+    EXPECT_TRUE(Loads(
+        "<!DOCTYPE a [<!ENTITY % p '100&#37;'><!ENTITY y '[&x;]'><!ENTITY x 'A &amp; &#66;'><!ELEMENT a ANY>"
+        "<!ATTLIST a d CDATA 'def'>]><a b='&y;'>&y;<c>&x;</c></a>"));
     EXPECT_EQ(Text(), u"[A & B]A & B");
     VARIANT value{};
     BSTR name = SysAllocString(u"b");
@@ -157,11 +177,20 @@ TEST_F(HostileXml, DeclarationsAreBounded)
     EXPECT_TRUE(Loads(values(5000)));
     EXPECT_FALSE(Loads(values(1'000'000))); // each would be compared with all before it
     EXPECT_TRUE(Loads("<!DOCTYPE a [<!ENTITY e 'x'>]><a>" + Repeat(100'000, "text ") + "</a>"));
-    // An entity that nothing declares is refused also where something unread could have declared it.
-    const std::string parameter = "<!DOCTYPE a [<!ENTITY % p ''> %p;]>";
-    EXPECT_TRUE(Loads(parameter + "<a>xy</a>"));
-    EXPECT_FALSE(Loads(parameter + "<a>x&undef;y</a>"));
-    EXPECT_FALSE(Loads(parameter + "<a b='x&undef;y'/>"));
+    // Each name is looked for among those before it.
+    const auto names = [](int nCount) {
+        std::string xml = "<a>";
+        for (int n = 0; n < nCount; ++n)
+            xml += "<n" + std::to_string(n) + "/>";
+        return xml + "</a>";
+    };
+    EXPECT_TRUE(Loads(names(XML_MAX_NAMES - 100)));
+    EXPECT_FALSE(Loads(names(XML_MAX_NAMES + 1)));
+    EXPECT_FALSE(Loads(names(1'000'000)));
+    std::string prefixes = "<a>";
+    for (int n = 0; n < 200'000; ++n)
+        prefixes += "<p" + std::to_string(n) + ":b/>";
+    EXPECT_FALSE(Loads(prefixes + "</a>"));
 }
 
 // Each names a catalog, which nobody reads.

@@ -1,0 +1,230 @@
+#include "include/KXXmlDomDocument.h"
+
+#include "tests/platform/xml/Peer.h"
+#include "tests/support/Com.h"
+#include "tests/support/Host.h"
+
+#include <gtest/gtest.h>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+class XPath : public testing::Test
+{
+protected:
+    CKXXmlDomElement Root(const std::string& xml)
+    {
+        EXPECT_TRUE(m_doc.LoadXml(xml.c_str()));
+        return m_doc.GetDocumentElement();
+    }
+    std::size_t Count(const std::string& xml, const char* pszPattern)
+    {
+        return Root(xml).GetChilds(pszPattern).size();
+    }
+
+    test::Com m_com;
+    test::CodePage m_page{65001};
+    CKXXmlDomDocument m_doc;
+};
+
+template <class Each>
+std::string Records(int nCount, Each each)
+{
+    std::string xml = "<r>";
+    for (int n = 0; n < nCount; ++n)
+        xml += each(std::to_string(n));
+    return xml + "</r>";
+}
+
+// However many steps that takes.
+TEST_F(XPath, FindsAllThatIsRight)
+{
+    const std::string items = Records(
+        200'000, [](const std::string& n) { return "<item id='" + n + "'><name>id" + n + "</name></item>"; });
+    EXPECT_EQ(Count(items, "//item[substring(name,3)=@id and @id>=0]"), 200'000u);
+    EXPECT_EQ(Count(Records(2000, [](const std::string& n) { return "<i n='" + n + "'/>"; }),
+                    "i[not(@n=preceding-sibling::i/@n)]"),
+              2000u);
+    // Each parent once, in time that follows their number.
+    const std::string pairs = Records(200'000, [](const std::string&) { return "<a><b/><b/></a>"; });
+    EXPECT_EQ(Count(pairs, "//a/b/.."), 200'000u);
+    EXPECT_EQ(Count(pairs, "a/b/../.."), 1u);
+}
+
+TEST_F(XPath, KnowsIdentitiesThatAreDeclared)
+{
+    CKXXmlDomElement root =
+        Root("<!DOCTYPE r [<!ATTLIST e k ID #IMPLIED>]><r><e k='k1' v='1'/><e k='k2' v='2'/>"
+             "<f k='k3'/><ref>k2 k1</ref></r>");
+    const auto found = [&](const char* pszPattern) {
+        std::string all;
+        for (CKXXmlDomElement e : root.GetChilds(pszPattern))
+            all += e.GetAttributeString("v");
+        return all;
+    };
+    EXPECT_EQ(found("id('k1')"), "1");
+    EXPECT_EQ(found("id(' k2  k1 k3 none')"), "12");
+    EXPECT_EQ(found("id(ref)"), "12");
+    EXPECT_EQ(found("id('k3')"), ""); // none by its declaration
+    root.GetChild("e[1]").SetAttributeString("k", "k9");
+    EXPECT_EQ(found("id('k1 k9')"), "1");
+    root.GetChild("ref").SetText("k9");
+    root.GetChild("ref").AppendChild(root.GetChild("e[2]"));
+    EXPECT_EQ(found("id('k2')"), "2");
+    root.GetChild("ref").SetText("gone");
+    EXPECT_EQ(found("id('k2')"), "");
+    CKXXmlDomElement made = m_doc.CreateElement("e", nullptr);
+    made.SetAttributeString("v", "3");
+    root.AppendChild(made);
+    made.SetAttributeString("k", "k2");
+    EXPECT_EQ(found("id('k2')"), "3");
+}
+
+TEST_F(XPath, TellsTheDefaultNamespace)
+{
+    CKXXmlDomElement root = Root("<r xmlns='u' xmlns:p='v'><a/><p:b/><c xmlns='w'/><d xmlns=''/><x:e/></r>");
+    const auto names = [&](const char* pszPattern) {
+        std::string all;
+        for (CKXXmlDomElement e : root.GetChilds(pszPattern))
+            all += e.GetName() + " ";
+        return all;
+    };
+    EXPECT_EQ(names("*[namespace-uri()='u']"), "a ");
+    EXPECT_EQ(names("*[namespace-uri(.)='v']"), "p:b ");
+    EXPECT_EQ(names("*[namespace-uri()='w']"), "c ");
+    EXPECT_EQ(names("*[namespace-uri()='']"), "d x:e ");
+    EXPECT_EQ(names("a | c"), "a c ");
+}
+
+// All children of a record with many, in the order in which they lie, backwards and mixed, while some come.
+TEST_F(XPath, ReadsManyChildrenInAnyOrder)
+{
+    constexpr int kMany = 50'000;
+    CKXXmlDomElement root =
+        Root(Records(kMany, [](const std::string& n) { return "<n" + n + ">" + n + "</n" + n + ">"; }));
+    long nSum = 0;
+    const auto read = [&](int n) {
+        int nValue = 0;
+        EXPECT_EQ(root.GetChild(("n" + std::to_string(n)).c_str(), nValue, true, 0), 1);
+        nSum += nValue;
+    };
+    for (int n = 0; n < kMany; ++n)
+        read(n);
+    for (int n = kMany - 1; n >= 0; --n)
+        read(n);
+    for (int n = 0; n < kMany; ++n)
+        read(static_cast<int>(n * 7919L % kMany));
+    EXPECT_EQ(nSum, 3L * kMany * (kMany - 1) / 2);
+    for (int n = 0; n < 20'000; ++n) { // what isn't there yet is looked for and appended
+        const std::string name = "m" + std::to_string(n);
+        EXPECT_FALSE(root.GetChild(name.c_str()).IsValid());
+        root.AppendChild(m_doc, name.c_str(), n, true, 0);
+        EXPECT_TRUE(root.GetChild(name.c_str()).IsValid());
+    }
+    // An element that leaves is found no more, and the next one of its name is.
+    CKXXmlDomElement first = root.GetChild("n40000");
+    root.AppendChild(m_doc, "n40000", 1, true, 0);
+    EXPECT_EQ(root.GetChild("n40000").GetElementPtr(), first.GetElementPtr());
+    m_doc.CreateElement("other", nullptr).AppendChild(first);
+    EXPECT_EQ(root.GetChild("n40000").GetText(), "1");
+}
+
+// ---- Random patterns on random trees: the result is libxml2's own
+
+class Chance
+{
+public:
+    explicit Chance(unsigned nSeed) : m_random(nSeed) {}
+
+    std::string Element(int nDepth)
+    {
+        const std::string name = Of({"a", "b", "c", "p:a", "p:b"});
+        std::string xml = "<" + name;
+        if (Odds(3)) xml += " xmlns:p='" + Of({"u", "v"}) + "'";
+        if (Odds(5)) xml += " xmlns='u'";
+        if (Odds(2)) xml += " x='" + Of({"1", "2", "t"}) + "'";
+        if (Odds(3)) xml += " p:y='" + Of({"1", "2"}) + "'";
+        xml += ">";
+        for (int n = 0; nDepth > 0 && n < static_cast<int>(m_random() % 5); ++n)
+            xml +=
+                Odds(3) ? Of({"t", "1", "<!--c-->", "<?p i?>", "<![CDATA[t]]>", " "}) : Element(nDepth - 1);
+        return xml + "</" + name + ">";
+    }
+    std::string Path(int nDepth)
+    {
+        std::string path = Of({"", "", "/", "//", "./"});
+        const int nSteps = 1 + static_cast<int>(m_random() % 4);
+        for (int n = 0; n < nSteps; ++n) {
+            if (n > 0) path += Of({"/", "/", "//"});
+            path += Step(nDepth);
+        }
+        return Odds(8) && nDepth > 0 ? path + " | " + Path(nDepth - 1) : path;
+    }
+
+private:
+    bool Odds(unsigned nOneIn) { return m_random() % nOneIn == 0; }
+    std::string Of(std::initializer_list<const char*> values)
+    {
+        return *(values.begin() + m_random() % values.size());
+    }
+    std::string Step(int nDepth)
+    {
+        if (Odds(5)) return Of({".", "..", "..", "@x", "@*", "text()", "comment()"});
+        std::string step = Odds(2) ? ""
+                                   : Of({"child", "descendant", "descendant-or-self", "parent", "ancestor",
+                                         "ancestor-or-self", "following", "preceding", "following-sibling",
+                                         "preceding-sibling", "self", "attribute"}) +
+                                         "::";
+        step += Of({"a", "b", "c", "p:a", "p:*", "*", "*", "node()", "x"});
+        if (nDepth > 0 && Odds(3)) step += "[" + Predicate(nDepth - 1) + "]";
+        return step;
+    }
+    std::string Predicate(int nDepth)
+    {
+        switch (m_random() % 7) {
+        case 0:
+            return Of({"1", "2", "last()", "position()<3", "position()=last()"});
+        case 1:
+            return Path(nDepth);
+        case 2:
+            return "count(" + Path(nDepth) + ")" + Of({"=", ">", "<"}) + Of({"0", "1", "2"});
+        case 3:
+            return "not(" + Path(nDepth) + ")";
+        case 4:
+            return "@x" + Of({"=", "!=", ">"}) + Of({"1", "'t'", "@p:y"});
+        case 5:
+            return Of({"contains(.,'t')", "string-length()>2", "name()='p:a'", "starts-with(name(),'p')",
+                       "namespace-uri()='v'", "local-name()='b'", "normalize-space()=''", "sum(@x)>0"});
+        default:
+            return Path(nDepth) + Of({" = ", " and ", " or "}) + Path(nDepth);
+        }
+    }
+
+    std::mt19937 m_random;
+};
+
+TEST_F(XPath, SelectsAsLibxml2)
+{
+    int nFound = 0;
+    for (unsigned nSeed = 0; nSeed < 150; ++nSeed) {
+        Chance chance(nSeed);
+        const std::string xml = "<r xmlns:p='u'>" + chance.Element(4) + chance.Element(4) + "</r>";
+        CKXXmlDomElement root = Root(xml);
+        test::Peer peer(xml);
+        ASSERT_TRUE(peer);
+        peer.ForgetDefaultNamespaces();
+        for (int n = 0; n < 40; ++n) {
+            const std::string pattern = chance.Path(2);
+            // Which default namespace there is is told by this library alone.
+            if (xml.find("xmlns='") != xml.npos && pattern.find("namespace-uri") != pattern.npos) continue;
+            const std::string found = test::Selected(root.GetElementPtr(), pattern);
+            ASSERT_EQ(found, peer.Selected(pattern)) << pattern << "\n" << xml;
+            nFound += !found.empty();
+        }
+    }
+    EXPECT_GT(nFound, 1000);
+}
+
+} // namespace
