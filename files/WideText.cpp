@@ -100,7 +100,7 @@ std::string_view WideResult::View()
 }
 
 CString ToText(BSTR bstr)
-{
+try {
     const UINT nUnits = SysStringLen(bstr);
     if (nUnits == 0) return {};
     std::array<char, 64> shortText; // spares most texts the way through a buffer
@@ -113,6 +113,8 @@ CString ToText(BSTR bstr)
         AfxThrowMemoryException();
     strText.ReleaseBuffer(nBytes);
     return strText;
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 HRESULT Checked(HRESULT hr)

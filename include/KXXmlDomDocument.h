@@ -15,7 +15,7 @@ public:
 
     // Load a file or a text in place of what the document held, which elements that the client has keep.
     // False, with the document empty, for what is no well-formed document or goes beyond the limits of
-    // platform/Xml.h, or where memory is short. Nothing outside of the document is ever fetched.
+    // platform/Xml.h. Nothing outside of the document is ever fetched.
     bool Load(const char* pszFile);
     bool LoadXml(const char* pszXml);
     // Writes the file in the document's declared encoding if that is one of those of platform/Xml.h, else in

@@ -48,21 +48,22 @@ HRESULT Declare(xmlNode* element, const std::string& prefix, const std::string& 
     return S_OK;
 }
 
-xmlAttr* Add(xmlNode* element, const std::string& name, const std::string& value)
+HRESULT Add(xmlNode* element, const std::string& name, const std::string& value)
 {
     const QualifiedName parts(name);
     xmlNs* const ns =
         parts.prefix.empty() ? nullptr : xmlSearchNs(element->doc, element, ToXml(parts.prefix.c_str()));
     const std::string& local = ns ? parts.local : name;
-    return xmlNewNsProp(element, ns, ToXml(local.c_str()), ToXml(value.c_str()));
-}
-
-// libxml2 notes one that is new in a table, in which it would be left behind.
-void ForgetId(xmlAttr* attribute)
-{
-    if (attribute->atype != XML_ATTRIBUTE_ID) return;
-    xmlRemoveID(attribute->doc, attribute);
-    attribute->atype = XML_ATTRIBUTE_ID;
+    // Without a value at first: one that there is no memory for would be left out without a word, and one
+    // that is an identity be noted in a table, in which it would be left behind.
+    xmlAttr* const attribute = xmlNewNsProp(element, ns, ToXml(local.c_str()), nullptr);
+    if (!attribute) return E_OUTOFMEMORY;
+    const HRESULT hr = attribute->name ? SetValue(attribute, value) : E_OUTOFMEMORY;
+    if (FAILED(hr))
+        xmlRemoveProp(attribute);
+    else if (xmlIsID(element->doc, element, attribute) == 1)
+        attribute->atype = XML_ATTRIBUTE_ID;
+    return hr;
 }
 
 } // namespace
@@ -85,20 +86,17 @@ HRESULT SetAttribute(xmlNode* element, const std::string& name, const std::strin
     int nCount = 0;
     if (xmlAttr* const attribute = Find(element, name, nCount)) return SetValue(attribute, value);
     if (nCount >= XML_MAX_ATTRIBUTES || xmlDictSize(element->doc->dict) >= XML_MAX_NAMES) return E_INVALIDARG;
-    xmlAttr* const attribute = Add(element, name, value);
-    if (!attribute) return E_OUTOFMEMORY;
-    ForgetId(attribute);
-    return S_OK;
+    return Add(element, name, value);
 }
 
 HRESULT SetValue(xmlAttr* attribute, const std::string& value)
 {
     if (value.size() > XML_MAX_ATTRIBUTE) return E_INVALIDARG;
-    xmlNode* const text = xmlNewDocText(attribute->doc, ToXml(value.c_str()));
-    if (!text) return E_OUTOFMEMORY;
+    NodePtr text(xmlNewDocText(attribute->doc, ToXml(value.c_str())));
+    if (!text || !text->content) return E_OUTOFMEMORY;
     xmlFreeNodeList(attribute->children); // its own, whatever others are in the same namespace by now
-    attribute->children = attribute->last = text;
     text->parent = reinterpret_cast<xmlNode*>(attribute);
+    attribute->children = attribute->last = text.release();
     return S_OK;
 }
 

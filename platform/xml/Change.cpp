@@ -56,7 +56,7 @@ HRESULT PutElementText(Place place, const std::string& text)
 {
     if (text.size() > XML_MAX_TEXT) return E_INVALIDARG;
     NodePtr content(xmlNewDocTextLen(place.node->doc, ToXml(text.data()), static_cast<int>(text.size())));
-    if (!content) return E_OUTOFMEMORY;
+    if (!content || !content->content) return E_OUTOFMEMORY;
     std::vector<Ref<NodeObject>> holders;
     for (xmlNode* child = place.node->children; child; child = child->next)
         if (auto holder = NodeObject::HolderOf(*place.tree, child)) holders.push_back(std::move(holder));

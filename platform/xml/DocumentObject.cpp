@@ -1,8 +1,8 @@
 #include "include/platform/Com.h"
+#include "include/platform/Error.h"
 #include "platform/SameGuid.h"
 #include "platform/files/Path.h"
-#include "platform/files/ReplaceFile.h"
-#include "platform/module/RegularFile.h"
+#include "platform/files/WholeFile.h"
 #include "platform/xml/Names.h"
 #include "platform/xml/NodeObject.h"
 #include "platform/xml/Parse.h"
@@ -73,11 +73,10 @@ HRESULT DocumentObject::load(VARIANT path, VARIANT_BOOL* pbSuccess)
 {
     return Replace(pbSuccess, [&]() -> Ref<Tree> {
         if (path.vt != VT_BSTR) return {};
-        const auto file = module::RegularFile::Open(ToCodePage(path.bstrVal).c_str());
-        if (!file || file->Size() > XML_MAX_FILE) return {};
-        const auto bytes = file->Read(0, file->Size());
-        if (!bytes) return {};
-        return ParseFile({reinterpret_cast<const char*>(bytes->All().data()), bytes->Size()});
+        const auto source = path::Resolve(ToCodePage(path.bstrVal).c_str());
+        FileContent file;
+        if (!source || ReadWholeFile(source->system, XML_MAX_FILE, file) != ERROR_SUCCESS) return {};
+        return ParseFile(std::move(file.bytes));
     });
 }
 
@@ -98,7 +97,9 @@ HRESULT DocumentObject::save(VARIANT path)
         if (content.size() > XML_MAX_FILE) return E_FAIL; // nor could this one
         const auto target = path::Resolve(ToCodePage(path.bstrVal).c_str());
         if (!target || target->trailing || target->root) return E_FAIL;
-        return ReplaceFile(target->system, content.data(), content.size()) == 0 ? S_OK : E_FAIL;
+        const DWORD dwError = ReplaceWholeFile(target->system, content, 0666);
+        if (dwError == ERROR_NOT_ENOUGH_MEMORY) return E_OUTOFMEMORY;
+        return dwError == ERROR_SUCCESS ? S_OK : E_FAIL;
     });
 }
 

@@ -69,6 +69,7 @@ public:
     {
         xmlSetStructuredErrorFunc(m_structuredContext, m_structured);
         xmlSetGenericErrorFunc(m_genericContext, m_generic);
+        if (m_nLast != XML_ERR_OK) xmlResetLastError(); // which keeps copies of texts
     }
 
     bool NoMemory() const noexcept { return m_bNoMemory; }
@@ -78,9 +79,15 @@ public:
     }
 
 private:
+    // Texts and attributes beyond the parser's limits are lacks of memory to it as well.
     static void Take(void* self, xmlErrorPtr error)
     {
-        if (error && error->code == XML_ERR_NO_MEMORY) static_cast<Complaints*>(self)->m_bNoMemory = true;
+        auto& complaints = *static_cast<Complaints*>(self);
+        const std::string_view what = error->message ? error->message : "";
+        const bool bLimit =
+            complaints.m_nLast == XML_ERR_ATTRIBUTE_NOT_FINISHED || what.find("huge") != what.npos;
+        if (error->code == XML_ERR_NO_MEMORY && !bLimit) complaints.m_bNoMemory = true;
+        complaints.m_nLast = error->code;
     }
     __attribute__((format(printf, 2, 3))) static void Ignore(void*, const char*, ...) {}
 
@@ -88,6 +95,7 @@ private:
     void* m_structuredContext;
     xmlGenericErrorFunc m_generic;
     void* m_genericContext;
+    int m_nLast = XML_ERR_OK;
     bool m_bNoMemory = false;
 };
 

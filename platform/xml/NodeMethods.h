@@ -18,6 +18,7 @@ struct Place
 template <class Run>
 HRESULT Guarded(Run run) noexcept
 {
+    const Complaints quiet;
     try {
         return run();
     } catch (const std::bad_alloc&) {

@@ -2,6 +2,7 @@
 
 #include "include/platform/Xml.h"
 #include "platform/xml/Encoding.h"
+#include "platform/xml/Write.h"
 
 #include <algorithm>
 #include <array>
@@ -47,6 +48,8 @@ public:
     Parsing& operator=(const Parsing&) = delete;
 
     Ref<Tree> Run();
+    // Whether prefixes stood where they may, after Run.
+    bool HasRightPrefixes() const noexcept { return m_context->nsWellFormed != 0; }
 
 private:
     using Context = std::unique_ptr<xmlParserCtxt, FreeBy<xmlFreeParserCtxt>>;
@@ -222,8 +225,18 @@ void Parsing::OnElement(void* context, const xmlChar* local, const xmlChar* pref
 void Parsing::MakeContext()
 {
     StartLibxml();
-    m_context.reset(xmlCreateIOParserCtxt(nullptr, nullptr, OnRead, nullptr, this, XML_CHAR_ENCODING_UTF8));
+    m_context.reset(xmlNewParserCtxt());
     if (!m_context) throw std::bad_alloc();
+    using Buffer = std::unique_ptr<xmlParserInputBuffer, FreeBy<xmlFreeParserInputBuffer>>;
+    Buffer buffer(xmlParserInputBufferCreateIO(OnRead, nullptr, this, XML_CHAR_ENCODING_UTF8));
+    xmlParserInput* const input =
+        buffer ? xmlNewIOInputStream(m_context.get(), buffer.get(), XML_CHAR_ENCODING_UTF8) : nullptr;
+    if (!input) throw std::bad_alloc();
+    static_cast<void>(buffer.release());
+    if (inputPush(m_context.get(), input) < 0) {
+        xmlFreeInputStream(input);
+        throw std::bad_alloc();
+    }
     m_context->_private = this;
     m_context->encoding = xmlStrdup(ToXml("UTF-8")); // or it would be guessed once more
     xmlCtxtUseOptions(m_context.get(), XML_PARSE_NOENT | XML_PARSE_COMPACT | XML_PARSE_NONET |
@@ -276,9 +289,10 @@ Ref<Tree> Parsing::Run()
     xmlParseDocument(m_context.get());
     DocPtr doc(std::exchange(m_context->myDoc, nullptr));
     if (doc) EmptyEntities(doc.get());
-    // Too many names are a lack of memory to libxml2 as well, and what it has then is not to be trusted.
-    if (!doc || complaints.NoMemory()) return {};
-    if (!m_context->wellFormed || m_context->disableSAX || m_bRefused || IsTooMuch()) return {};
+    const bool bFull = xmlDictGetUsage(m_context->dict) > XML_MAX_DICTIONARY_LIMIT; // which it tells like that too
+    if (complaints.NoMemory() && !bFull) throw std::bad_alloc();
+    if (!doc || complaints.NoMemory() || m_bRefused || IsTooMuch()) return {};
+    if (!m_context->wellFormed || m_context->disableSAX) return {};
     if (doc->intSubset && !HasRoom(doc.get())) return {};
     ForgetIds(doc.get());
     if (doc->dict) xmlDictSetLimit(doc->dict, 0); // a full one gives null to what changes the tree
@@ -301,7 +315,13 @@ Ref<Tree> ParseText(std::string_view utf8)
 {
     constexpr std::string_view kMark = "\xEF\xBB\xBF";
     if (utf8.starts_with(kMark)) utf8.remove_prefix(kMark.size());
-    return Parsing(utf8).Run();
+    Parsing parsing(utf8);
+    Ref<Tree> tree = parsing.Run();
+    if (!tree || parsing.HasRightPrefixes()) return tree;
+    // For want of memory libxml2 may take half a name. It does so once.
+    const Ref<Tree> again = Parsing(utf8).Run();
+    if (!again || MarkupOf(*again, again->DocNode()) != MarkupOf(*tree, tree->DocNode())) throw std::bad_alloc();
+    return tree;
 }
 
 } // namespace kx::xml

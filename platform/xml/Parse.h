@@ -7,8 +7,7 @@
 namespace kx::xml {
 
 // Documents from what anybody may have written: null for what is refused, in time and memory that follow the
-// length of the input, and where libxml2 runs out of memory. Nothing outside of it is ever looked for. Throw
-// std::bad_alloc.
+// length of the input. Nothing outside of it is ever looked for. Throw std::bad_alloc.
 
 // A file's bytes, in the encoding that they declare.
 Ref<Tree> ParseFile(std::string bytes);

@@ -16,6 +16,9 @@ namespace {
 // libxml2 nests to a depth of 5,000; the rest is for the caller's stack.
 constexpr int kDepthTaken = 4'000;
 
+// What must be there before an evaluation begins, for libxml2's doesn't survive a lack of memory.
+constexpr std::size_t kMemoryNeeded = 64 << 10;
+
 using Parser = std::unique_ptr<xmlXPathParserContext, FreeBy<xmlXPathFreeParserContext>>;
 using Result = std::unique_ptr<xmlXPathObject, FreeBy<xmlXPathFreeObject>>;
 
@@ -188,6 +191,7 @@ bool IsMalformed(xmlXPathError error) noexcept
 
 HRESULT Evaluate(Tree& tree, xmlNode* from, const std::string& expression, std::vector<xmlNode*>& found)
 {
+    ::operator delete(::operator new(kMemoryNeeded));
     const Complaints complaints;
     Evaluation evaluation(tree.XPath(), from);
     Result result = evaluation.Run(expression);
