@@ -289,7 +289,8 @@ Ref<Tree> Parsing::Run()
     xmlParseDocument(m_context.get());
     DocPtr doc(std::exchange(m_context->myDoc, nullptr));
     if (doc) EmptyEntities(doc.get());
-    const bool bFull = xmlDictGetUsage(m_context->dict) > XML_MAX_DICTIONARY_LIMIT; // which it tells like that too
+    const bool bFull =
+        xmlDictGetUsage(m_context->dict) > XML_MAX_DICTIONARY_LIMIT; // which it tells like that too
     if (complaints.NoMemory() && !bFull) throw std::bad_alloc();
     if (!doc || complaints.NoMemory() || m_bRefused || IsTooMuch()) return {};
     if (!m_context->wellFormed || m_context->disableSAX) return {};
@@ -320,7 +321,8 @@ Ref<Tree> ParseText(std::string_view utf8)
     if (!tree || parsing.HasRightPrefixes()) return tree;
     // For want of memory libxml2 may take half a name. It does so once.
     const Ref<Tree> again = Parsing(utf8).Run();
-    if (!again || MarkupOf(*again, again->DocNode()) != MarkupOf(*tree, tree->DocNode())) throw std::bad_alloc();
+    if (!again || MarkupOf(*again, again->DocNode()) != MarkupOf(*tree, tree->DocNode()))
+        throw std::bad_alloc();
     return tree;
 }
 

@@ -1,0 +1,24 @@
+#include "tests/support/Child.h"
+#include "tests/support/TempDir.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// What the child says of it is on its output.
+TEST(XmlMemory, EachAllocationMayFail)
+{
+    const test::TempDir dir;
+    EXPECT_EQ(test::Child("XmlMemoryChild", {dir.Path()}).Wait(), 0);
+}
+
+TEST(XmlMemory, AFileIsSavedWholeOrNotAtAll)
+{
+#if defined(KX_SANITIZED)
+    GTEST_SKIP() << "a sanitizer takes address space of its own";
+#endif
+    const test::TempDir dir;
+    EXPECT_EQ(test::Child("XmlMemoryChild", {dir.Path(), "limit"}).Wait(), 0);
+}
+
+} // namespace
