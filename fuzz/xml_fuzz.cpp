@@ -4,8 +4,7 @@
 #include "fuzz/XmlWalk.h"
 
 #include "include/platform/CodePage.h"
-#include "platform/xml/Parse.h"
-#include "platform/xml/Write.h"
+#include "platform/xml/Markup.h"
 
 #include <cstdint>
 #include <libxml/c14n.h>

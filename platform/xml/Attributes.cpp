@@ -1,4 +1,4 @@
-#include "platform/xml/Attributes.h"
+#include "platform/xml/NodeObject.h"
 
 #include "include/platform/Xml.h"
 #include "platform/xml/Names.h"

@@ -1,4 +1,3 @@
-#include "platform/xml/Attributes.h"
 #include "platform/xml/Names.h"
 #include "platform/xml/NodeObject.h"
 

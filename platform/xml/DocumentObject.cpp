@@ -3,10 +3,9 @@
 #include "platform/SameGuid.h"
 #include "platform/files/Path.h"
 #include "platform/files/WholeFile.h"
+#include "platform/xml/Markup.h"
 #include "platform/xml/Names.h"
 #include "platform/xml/NodeObject.h"
-#include "platform/xml/Parse.h"
-#include "platform/xml/Write.h"
 
 namespace kx::xml {
 

@@ -1,4 +1,4 @@
-#include "platform/xml/Encoding.h"
+#include "platform/xml/Markup.h"
 
 #include "include/platform/CodePage.h"
 #include "platform/text/CharWalk.h"

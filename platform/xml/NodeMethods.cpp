@@ -1,10 +1,9 @@
 #include "platform/xml/NodeMethods.h"
 
 #include "platform/SameGuid.h"
+#include "platform/xml/Markup.h"
 #include "platform/xml/Names.h"
 #include "platform/xml/NodeObject.h"
-#include "platform/xml/Write.h"
-#include "platform/xml/XPath.h"
 
 #include <vector>
 

@@ -5,6 +5,8 @@
 #include "platform/xml/WideText.h"
 
 #include <new>
+#include <string>
+#include <vector>
 
 namespace kx::xml {
 
@@ -34,6 +36,10 @@ HRESULT GetXml(Place place, BSTR* pbstr);
 HRESULT AppendChild(Place place, IXMLDOMNode* pChild);
 HRESULT SelectSingleNode(Place place, BSTR bstrPattern, IXMLDOMNode** ppNode);
 HRESULT SelectNodes(Place place, BSTR bstrPattern, IXMLDOMNodeList** ppList);
+
+// The nodes that an XPath expression selects from a node, in document order. Null stands for a namespace
+// node, which doesn't outlive the evaluation. Results as those of IXMLDOMNode::selectNodes.
+HRESULT EvaluateXPath(Tree& tree, xmlNode* from, const std::string& expression, std::vector<xmlNode*>& found);
 
 // IXMLDOMNode for an object, of class `Self`, that says where its node is.
 template <class Interface, class Self>

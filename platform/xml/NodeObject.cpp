@@ -1,7 +1,6 @@
 #include "platform/xml/NodeObject.h"
 
 #include "platform/SameGuid.h"
-#include "platform/xml/Attributes.h"
 #include "platform/xml/Names.h"
 
 namespace kx::xml {

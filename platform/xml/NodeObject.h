@@ -2,6 +2,8 @@
 
 #include "platform/xml/NodeMethods.h"
 
+#include <optional>
+
 namespace kx::xml {
 
 // A node's object, found by the node's `_private` for as long as it lives.
@@ -57,6 +59,14 @@ private:
     xmlNode* const m_node;
     Ref<NodeObject> m_anchor;
 };
+
+// An element's attributes by their names as they stand, namespace declarations among them.
+std::optional<std::string> GetAttribute(const xmlNode* element, const std::string& name);
+
+// As IXMLDOMElement::setAttribute.
+HRESULT SetAttribute(xmlNode* element, const std::string& name, const std::string& value);
+// Overwrites an attribute's value.
+HRESULT SetValue(xmlAttr* attribute, const std::string& value);
 
 // Puts an element in the place of the document's, as IXMLDOMDocument::putref_documentElement.
 HRESULT SetRoot(Tree& tree, NodeObject& element);

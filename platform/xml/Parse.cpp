@@ -1,8 +1,6 @@
-#include "platform/xml/Parse.h"
+#include "platform/xml/Markup.h"
 
 #include "include/platform/Xml.h"
-#include "platform/xml/Encoding.h"
-#include "platform/xml/Write.h"
 
 #include <algorithm>
 #include <array>

@@ -1,13 +1,78 @@
 #pragma once
 
 #include "platform/LiveHandles.h"
-#include "platform/xml/ChildIndex.h"
-#include "platform/xml/Ref.h"
+#include "platform/xml/Libxml.h"
 
 #include <libxml/xpath.h>
 #include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
 
 namespace kx::xml {
+
+// Holds one reference on an object with AddRef and Release.
+template <class T>
+class Ref
+{
+public:
+    Ref() = default;
+    explicit Ref(T* object) noexcept : m_object(object)
+    {
+        if (m_object) m_object->AddRef();
+    }
+    // Takes over the caller's reference.
+    static Ref Adopt(T* object) noexcept
+    {
+        Ref ref;
+        ref.m_object = object;
+        return ref;
+    }
+    Ref(const Ref& other) noexcept : Ref(other.m_object) {}
+    Ref(Ref&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
+    Ref& operator=(Ref other) noexcept
+    {
+        std::swap(m_object, other.m_object);
+        return *this;
+    }
+    ~Ref()
+    {
+        if (m_object) m_object->Release();
+    }
+
+    T* Get() const noexcept { return m_object; }
+    T* operator->() const noexcept { return m_object; }
+    T& operator*() const noexcept { return *m_object; }
+    explicit operator bool() const noexcept { return m_object; }
+    // Gives the reference to the caller.
+    T* Detach() noexcept { return std::exchange(m_object, nullptr); }
+
+private:
+    T* m_object = nullptr;
+};
+
+// Finds a node's children by names without a prefix. Those of a parent with many are indexed, and the index
+// is kept until another large parent is asked: all children of a record, read in any order, take time in
+// proportion to their number.
+class ChildIndex
+{
+public:
+    // The first such child; null without one.
+    xmlNode* Find(const xmlNode* parent, std::string_view name);
+    // To be called when an element has become the last child of `parent`.
+    void Added(const xmlNode* parent, xmlNode* child);
+    // To be called before an element leaves its place, with others in it, or gets another name.
+    void Forget() noexcept;
+
+private:
+    void Build(const xmlNode* parent);
+
+    const xmlNode* m_parent = nullptr; // the one whose children are in the index
+    std::unordered_map<std::string_view, xmlNode*> m_first;
+};
+
+// Whether a node is an element of this name, which has no prefix.
+bool IsNamed(const xmlNode* node, std::string_view name) noexcept;
 
 // One libxml2 document with all nodes that were made in it, whether they hang in it or not. Counted by the
 // document object and by each node's.

@@ -4,9 +4,7 @@
 #include "platform/text/Iconv.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
-#include <type_traits>
 
 namespace kx::xml {
 
@@ -19,39 +17,15 @@ std::u16string_view Units(BSTR bstr) noexcept
     return {bstr, SysStringLen(bstr)};
 }
 
-// Unlike a search for the first one, as wide as the machine can.
-template <class Unit>
-bool IsAscii(std::basic_string_view<Unit> text) noexcept
-{
-    std::make_unsigned_t<Unit> all = 0;
-    for (const Unit unit : text)
-        all |= static_cast<std::make_unsigned_t<Unit>>(unit);
-    return all < 0x80;
-}
-
-// A short ASCII text: most are, and a loop of its own is done before any setting out for more at a time.
-bool TakeShort(std::u16string_view units, std::string& text)
-{
-    std::array<char, 32> narrow;
-    if (units.size() > narrow.size()) return false;
-    std::size_t n = 0;
-    for (; n < units.size() && units[n] < 0x80; ++n)
-        narrow[n] = static_cast<char>(units[n]);
-    if (n < units.size()) return false;
-    text.assign(narrow.data(), n);
-    return true;
-}
-
 std::string FromUtf16(UINT nCodePage, std::u16string_view units)
 {
-    std::string shortText;
-    if (TakeShort(units, shortText)) return shortText;
-    if (IsAscii(units)) {
-        std::string text(units.size(), '\0');
-        std::transform(units.begin(), units.end(), text.begin(),
-                       [](WCHAR unit) { return static_cast<char>(unit); });
-        return text;
+    std::string text(units.size(), '\0');
+    WCHAR all = 0;
+    for (std::size_t n = 0; n < units.size(); ++n) {
+        text[n] = static_cast<char>(units[n]);
+        all |= units[n];
     }
+    if (all < 0x80) return text;
     const std::string_view bytes(reinterpret_cast<const char*>(units.data()), units.size() * sizeof(WCHAR));
     return Iconv::For(nCodePage, Iconv::Direction::FromUtf16).ConvertLossy(bytes, "?", sizeof(WCHAR));
 }

@@ -1,7 +1,4 @@
-#include "platform/xml/Write.h"
-
-#include "platform/xml/Encoding.h"
-#include "platform/xml/Parse.h"
+#include "platform/xml/Markup.h"
 
 namespace kx::xml {
 

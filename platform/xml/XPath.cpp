@@ -1,4 +1,4 @@
-#include "platform/xml/XPath.h"
+#include "platform/xml/NodeMethods.h"
 
 #include "include/platform/Unknown.h"
 #include "platform/xml/Names.h"

@@ -25,7 +25,7 @@ std::atomic<long> g_nLeft{-1}; // allocations until the one that fails; negative
 std::atomic<long> g_nLive{0};
 std::atomic<long> g_nFailed{0};
 
-bool IsToFail()
+[[maybe_unused]] bool IsToFail()
 {
     if (g_nLeft.load(std::memory_order_relaxed) < 0 || g_nLeft.fetch_sub(1) != 0) return false;
     ++g_nFailed;
@@ -33,7 +33,7 @@ bool IsToFail()
     return true;
 }
 
-void* Counted(void* block)
+[[maybe_unused]] void* Counted(void* block)
 {
     if (block) ++g_nLive;
     return block;
