@@ -38,6 +38,8 @@ Session::Session(const char* pszAgent, bool bProxies, unsigned long dwContext)
     Initialize(dwContext);
     m_multi.reset(curl_multi_init());
     if (!m_multi) AfxThrowMemoryException();
+    const sync::MutexLock lock(m_lock);
+    m_wakeable = m_multi.get();
 }
 
 void Session::CheckOpen(unsigned long dwContext) const
@@ -110,15 +112,18 @@ void Session::Close() noexcept
     while (!m_transfers.empty())
         m_transfers.back()->Abandon();
     m_idle.reset();
-    const std::lock_guard lock(m_lock);
+    {
+        const sync::MutexLock lock(m_lock);
+        m_wakeable = nullptr;
+    }
     m_multi.reset();
 }
 
 void Session::Cancel() noexcept
 {
     m_bCancelled = true;
-    const std::lock_guard lock(m_lock);
-    if (m_multi) curl_multi_wakeup(m_multi.get());
+    const sync::MutexLock lock(m_lock);
+    if (m_wakeable) curl_multi_wakeup(m_wakeable);
 }
 
 } // namespace kx::http

@@ -2,10 +2,10 @@
 
 #include "platform/http/BlockBuffer.h"
 #include "platform/http/Curl.h"
+#include "platform/sync/Mutex.h"
 #include "platform/time/Clock.h"
 
 #include <atomic>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -55,8 +55,9 @@ private:
 
     const std::string m_agent;
     const bool m_bProxies;
-    std::mutex m_lock; // between Cancel and Close
-    Multi m_multi;     // null once closed
+    sync::Mutex m_lock;                                // nothing else is locked while it is held
+    CURLM* m_wakeable KX_GUARDED_BY(m_lock) = nullptr; // what Cancel, on any thread, wakes
+    Multi m_multi;                                     // null once closed
     std::optional<Gear> m_idle;
     std::vector<Transfer*> m_transfers;
     std::atomic<bool> m_bCancelled{false};
