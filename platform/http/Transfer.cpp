@@ -12,7 +12,7 @@ Transfer::Transfer(std::shared_ptr<Session> session, const char* pszUrl, unsigne
     : m_session(std::move(session)), m_dwContext(dwContext)
 {
     const std::string url = ToWire(pszUrl ? pszUrl : "");
-    const bool bSecure = CheckUrl(url.c_str(), dwContext);
+    const bool bSecure = CheckUrl(pszUrl ? url.c_str() : nullptr, dwContext);
     m_gear = m_session->Take(dwContext);
     CURL* const easy = Handle();
     Set(easy, CURLOPT_URL, url.c_str());
