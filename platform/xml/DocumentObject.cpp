@@ -129,6 +129,7 @@ HRESULT DocumentObject::createElement(BSTR bstrName, IXMLDOMElement** ppElement)
     return Guarded([&] {
         const std::string name = ToUtf8(bstrName);
         if (!IsName(name) || !m_tree->HasRoomForNames(1)) return E_INVALIDARG;
+        const Complaints quiet;
         NodePtr node(xmlNewDocNode(m_tree->Doc(), nullptr, ToXml(name.c_str()), nullptr));
         if (!node) return E_OUTOFMEMORY;
         *ppElement = NodeObject::Of(*m_tree, node.get()).Detach();

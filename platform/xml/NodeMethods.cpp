@@ -5,6 +5,7 @@
 #include "platform/xml/Names.h"
 #include "platform/xml/NodeObject.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace kx::xml {
@@ -81,24 +82,11 @@ std::vector<xmlNode*> ChildrenNamed(const xmlNode* parent, std::string_view name
 // are read by. A name with a prefix that nothing declares is one too.
 bool IsPlainName(const std::string& pattern) noexcept
 {
+    const auto isPlain = [](char ch) {
+        return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z') || ch == '_';
+    };
+    if (!pattern.empty() && std::all_of(pattern.begin(), pattern.end(), isPlain)) return true; // as most
     return pattern.find(':') == pattern.npos && IsName(pattern);
-}
-
-// What a pattern selects; of children by name the first one alone will do.
-HRESULT Select(Place place, BSTR bstrPattern, bool bFirst, std::vector<xmlNode*>& found)
-{
-    const std::string pattern = ToUtf8(bstrPattern);
-    bool bName = IsPlainName(pattern);
-    if (!bName) {
-        const HRESULT hr = EvaluateXPath(*place.tree, place.node, pattern, found);
-        bName = hr == E_INVALIDARG && IsName(pattern);
-        if (!bName) return hr;
-    }
-    if (!bFirst)
-        found = ChildrenNamed(place.node, pattern);
-    else if (xmlNode* const node = place.tree->Children().Find(place.node, pattern))
-        found.push_back(node);
-    return found.empty() ? S_FALSE : S_OK;
 }
 
 } // namespace
@@ -131,18 +119,34 @@ HRESULT GetXml(Place place, BSTR* pbstr)
 HRESULT SelectSingleNode(Place place, BSTR bstrPattern, IXMLDOMNode** ppNode)
 {
     if (!place.node) return E_FAIL;
-    std::vector<xmlNode*> found;
-    const HRESULT hr = Select(place, bstrPattern, true, found);
-    if (hr == S_OK) *ppNode = NodeObject::Of(*place.tree, found.front()).Detach();
+    const std::string pattern = ToUtf8(bstrPattern);
+    xmlNode* node = nullptr;
+    HRESULT hr = E_INVALIDARG;
+    const bool bPlain = IsPlainName(pattern);
+    if (!bPlain) {
+        std::vector<xmlNode*> found;
+        hr = EvaluateXPath(*place.tree, place.node, pattern, found);
+        if (hr == S_OK) node = found.front();
+    }
+    if (bPlain || (hr == E_INVALIDARG && IsName(pattern))) {
+        node = place.tree->Children().Find(place.node, pattern);
+        hr = node ? S_OK : S_FALSE;
+    }
+    if (hr == S_OK) *ppNode = NodeObject::Of(*place.tree, node).Detach();
     return hr;
 }
 
 HRESULT SelectNodes(Place place, BSTR bstrPattern, IXMLDOMNodeList** ppList)
 {
     if (!place.node) return E_FAIL;
+    const std::string pattern = ToUtf8(bstrPattern);
     std::vector<xmlNode*> found;
-    const HRESULT hr = Select(place, bstrPattern, false, found);
-    if (FAILED(hr)) return hr;
+    HRESULT hr = E_INVALIDARG;
+    if (!IsPlainName(pattern)) hr = EvaluateXPath(*place.tree, place.node, pattern, found);
+    if (hr == E_INVALIDARG && IsName(pattern))
+        found = ChildrenNamed(place.node, pattern);
+    else if (FAILED(hr))
+        return hr;
     *ppList = new NodeList(*place.tree, found);
     return S_OK;
 }

@@ -20,7 +20,6 @@ struct Place
 template <class Run>
 HRESULT Guarded(Run run) noexcept
 {
-    const Complaints quiet;
     try {
         return run();
     } catch (const std::bad_alloc&) {
@@ -51,11 +50,13 @@ public:
     HRESULT get_xml(BSTR* pbstr) override { return Get(pbstr, GetXml); }
     HRESULT put_text(BSTR bstrText) override
     {
+        const Complaints quiet;
         return Guarded([&] { return PutText(Here(), bstrText); });
     }
     HRESULT appendChild(IXMLDOMNode* pChild, IXMLDOMNode** ppAppended) override
     {
         if (ppAppended) *ppAppended = nullptr;
+        const Complaints quiet;
         const HRESULT hr = Guarded([&] { return AppendChild(Here(), pChild); });
         return FAILED(hr) || !ppAppended
                    ? hr

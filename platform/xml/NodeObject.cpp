@@ -148,6 +148,7 @@ HRESULT NodeObject::setAttribute(BSTR bstrName, VARIANT value)
 {
     return Guarded([&]() -> HRESULT {
         if (!IsElement()) return E_FAIL;
+        const Complaints quiet;
         VARIANT text{};
         const HRESULT hr = VariantChangeType(&text, &value, 0, VT_BSTR);
         if (FAILED(hr)) return hr;
