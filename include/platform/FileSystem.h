@@ -54,9 +54,9 @@ KX_API int PathFileExistsA(const char* pszPath);
 
 // Copies content, permissions and time of a regular file; a link to a directory is copied as a link. Fails
 // for a target that is read-only, is the source itself, is open for writing without sharing, or exists while
-// `bFailIfExists` is non-zero. The target, behind its links (a link to nothing is one itself), is replaced as
-// a whole, for which its directory must be writable: it is the old file or the new one at any moment, and the
-// old one after a failure.
+// `bFailIfExists` is non-zero. The target, behind its links, is replaced as a whole and keeps its owner and
+// group, for which its directory must be writable: it is the old file or the new one at any moment, and the
+// old one after a failure. Holes of a sparse file stay holes.
 KX_API int CopyFileA(const char* pszSource, const char* pszTarget, int bFailIfExists);
 // Deletes a file or a link to a file; fails for a directory and for a read-only file.
 KX_API int DeleteFileA(const char* pszPath);

@@ -23,7 +23,8 @@ KX_API DWORD GetPrivateProfileStringA(const char* pszSection, const char* pszKey
 //
 // Writers of one file, in all processes, wait for each other, and a reader or a kill at any moment finds the
 // old file or the new one. To that end the file is replaced by one made beside it, ".<name>.kxnew", which
-// keeps its mode and, where that is allowed, its owner; a link stays and its target is replaced.
+// keeps its mode and, where that is allowed, its owner, group and access list; a link stays and its target is
+// replaced. A writer that another one holds up for five seconds fails with ERROR_SHARING_VIOLATION.
 //
 // Non-zero on success, also where there is nothing to change. 0, with the last error set and the file as it
 // was, where the file can't be read or replaced, would pass 16 MiB, or for a section, key or text that

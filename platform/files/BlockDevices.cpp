@@ -1,7 +1,7 @@
 #include "platform/files/BlockDevices.h"
 
 #include "platform/files/Directory.h"
-#include "platform/files/ReadFile.h"
+#include "platform/files/WholeFile.h"
 #include "platform/text/CharWalk.h"
 
 #include <algorithm>
@@ -16,7 +16,9 @@ constexpr std::string_view kScsiOptical = "5"; // the device type of CD and DVD 
 
 std::string ReadAttribute(const std::string& path)
 {
-    return std::string(text::Trim(ReadFile(path, 64).value_or("")));
+    FileContent attribute;
+    ReadFileHead(path, 64, attribute);
+    return std::string(text::Trim(attribute.bytes));
 }
 
 std::string BaseName(std::string_view path)

@@ -2,43 +2,64 @@
 #include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
 #include "platform/files/EntryInfo.h"
-#include "platform/files/NewFile.h"
 #include "platform/files/OpenFile.h"
 #include "platform/files/Path.h"
 #include "platform/files/WholeFile.h"
 
+#include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
-#include <sys/file.h>
+#include <limits>
+#include <new>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
-// Within the kernel where it can; a file of `/proc` or one of another file system may have to pass through
-// here.
-bool CopyContent(int source, int target)
+// A part of a file, as much of it as there is: within the kernel where it can; a file of `/proc` or one of
+// another file system may have to pass through here.
+bool CopyRange(int source, int target, off_t begin, off_t end)
 {
-    constexpr std::size_t kStep = std::size_t{1} << 30;
-    ssize_t copied = 0;
-    bool bAny = false;
-    while ((copied = copy_file_range(source, nullptr, target, nullptr, kStep, 0)) > 0)
-        bAny = true;
-    if (copied == 0 && bAny) return true;
+    constexpr off_t kStep = off_t{1} << 30;
+    off_t at = begin;
+    off_t put = begin;
+    while (at < end && copy_file_range(source, &at, target, &put,
+                                       static_cast<std::size_t>(std::min(end - at, kStep)), 0) > 0) {
+    }
+    if (at < end && lseek(target, at, SEEK_SET) < 0) return false;
     std::array<char, std::size_t{64} << 10> block;
-    for (;;) {
-        const ssize_t got = kx::RetryEintr([&] { return read(source, block.data(), block.size()); });
+    while (at < end) {
+        const auto want = std::min(block.size(), static_cast<std::size_t>(end - at));
+        const ssize_t got = kx::RetryEintr([&] { return pread(source, block.data(), want, at); });
         if (got <= 0) return got == 0;
         errno = kx::WriteAll(target, block.data(), static_cast<std::size_t>(got));
         if (errno != 0) return false;
+        at += got;
     }
+    return true;
+}
+
+// Holes stay holes.
+bool CopyContent(int source, int target, off_t size)
+{
+    constexpr off_t kEnd = std::numeric_limits<off_t>::max();
+    if (size == 0) return CopyRange(source, target, 0, kEnd); // or of a size that isn't told
+    for (off_t at = 0; at < size;) {
+        const off_t data = lseek(source, at, SEEK_DATA);
+        if (data < 0 && errno == ENXIO) return ftruncate(target, size) == 0;
+        const off_t hole = data < 0 ? -1 : lseek(source, data, SEEK_HOLE);
+        if (hole < 0) return CopyRange(source, target, at, kEnd); // the file system doesn't tell
+        if (!CopyRange(source, target, data, hole)) return false;
+        at = hole;
+    }
+    return true;
 }
 
 // Content, permissions and time; the last two as far as the target's file system has them.
 bool CopyInto(int source, int target, const struct stat& info)
 {
-    if (!CopyContent(source, target)) return false;
+    if (!CopyContent(source, target, info.st_size)) return false;
     static_cast<void>(fchmod(target, info.st_mode & 0777) == 0);
     const std::array<timespec, 2> times{info.st_atim, info.st_mtim};
     futimens(target, times.data());
@@ -60,28 +81,24 @@ int CheckTarget(const std::string& target, const struct stat& source)
     return kx::OpenFile(target, access) || kx::path::FailAt(target);
 }
 
-// The file that a target names, behind its links.
-std::string BehindLinks(const std::string& path)
-{
-    std::error_code error;
-    const auto real = std::filesystem::canonical(path, error);
-    return error ? path : real.native();
-}
-
 int CopyRegular(const std::string& source, const std::string& target, bool bFailIfExists)
 {
-    const kx::UniqueFd from = kx::OpenFile(source, CFile::modeRead);
     struct stat info;
-    if (!from || fstat(from.Get(), &info) != 0) return kx::path::FailAt(source);
-    if (!S_ISREG(info.st_mode)) return kx::Fail(ERROR_ACCESS_DENIED);
+    const kx::UniqueFd from = kx::OpenRegularFile(source, info);
+    if (!from) return kx::path::FailAt(source);
     if (!bFailIfExists && !CheckTarget(target, info)) return 0;
-    const std::string final = bFailIfExists ? target : BehindLinks(target);
 
-    struct stat existing; // before the work, which it would be a pity to do in vain
-    if (bFailIfExists && lstat(final.c_str(), &existing) == 0) return kx::Fail(ERROR_FILE_EXISTS);
-    kx::NewFile copy(kx::path::DirectoryOf(final));
-    if (copy && CopyInto(from.Get(), copy.Fd(), info) && copy.Publish(final, !bFailIfExists)) return 1;
-    return errno == EEXIST ? kx::Fail(ERROR_FILE_EXISTS) : kx::path::FailAt(final);
+    using kx::FileReplacement;
+    FileReplacement copy(bFailIfExists ? FileReplacement::Existing::Refused
+                                       : FileReplacement::Existing::Replaced);
+    struct stat old;
+    const bool bNew = stat(target.c_str(), &old) != 0;
+    DWORD error = copy.Begin(target, S_IRUSR | S_IWUSR);
+    if (error == ERROR_SUCCESS && !CopyInto(from.Get(), copy.Fd(), info)) return kx::FailErrno();
+    // A copy that takes no file's place can be made again, so nobody waits for the disk.
+    if (error == ERROR_SUCCESS) error = copy.Commit(!bNew);
+    if (error == ERROR_SUCCESS) return 1;
+    return kx::Fail(bFailIfExists && error == ERROR_ALREADY_EXISTS ? ERROR_FILE_EXISTS : error);
 }
 
 int CopyLink(const std::string& source, const std::string& target, bool bFailIfExists)
@@ -103,7 +120,7 @@ int CopyLink(const std::string& source, const std::string& target, bool bFailIfE
 } // namespace
 
 int CopyFileA(const char* pszSource, const char* pszTarget, int bFailIfExists)
-{
+try {
     const auto source = kx::path::Resolve(pszSource);
     const auto target = source ? kx::path::Resolve(pszTarget) : std::nullopt;
     if (!target) return 0;
@@ -116,4 +133,6 @@ int CopyFileA(const char* pszSource, const char* pszTarget, int bFailIfExists)
         return CopyLink(source->system, target->system, bFailIfExists != 0);
     if (kind & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_SYSTEM)) return kx::Fail(ERROR_ACCESS_DENIED);
     return CopyRegular(source->system, target->system, bFailIfExists != 0);
+} catch (const std::bad_alloc&) {
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }

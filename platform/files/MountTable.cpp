@@ -1,6 +1,6 @@
 #include "platform/files/MountTable.h"
 
-#include "platform/files/ReadFile.h"
+#include "platform/files/WholeFile.h"
 
 #include <algorithm>
 #include <optional>
@@ -76,8 +76,9 @@ std::string MountTableFile(const std::string& systemRoot)
 std::vector<Mount> ReadMounts(const std::string& systemRoot)
 {
     std::vector<Mount> mounts;
-    const auto table = ReadFile(MountTableFile(systemRoot), kMaxTable);
-    std::string_view rest = table ? std::string_view(*table) : std::string_view();
+    FileContent table;
+    ReadFileHead(MountTableFile(systemRoot), kMaxTable, table);
+    std::string_view rest = table.bytes;
     while (!rest.empty())
         if (auto mount = ParseLine(TakeUntil(rest, '\n'))) mounts.push_back(std::move(*mount));
     return mounts;

@@ -80,7 +80,10 @@ DWORD ReadUpTo(int fd, std::size_t count, std::size_t size, std::string& bytes)
     while (done < bytes.size()) {
         const ssize_t got = RetryEintr(
             [&] { return pread(fd, bytes.data() + done, bytes.size() - done, static_cast<off_t>(done)); });
-        if (got < 0) return ErrorFromErrno(errno);
+        if (got < 0) {
+            bytes.clear();
+            return ErrorFromErrno(errno);
+        }
         if (got == 0) break;
         done += static_cast<std::size_t>(got);
         if (done == bytes.size()) bytes.resize(std::min(count, done + std::max(kStep, done / 2)));
@@ -262,17 +265,17 @@ bool FileReplacement::Publish() const noexcept
     return rename(m_name.c_str(), m_target.c_str()) == 0;
 }
 
-DWORD FileReplacement::Commit()
+DWORD FileReplacement::Commit(bool bSync)
 {
     if (m_errno != 0) return ErrorFromErrno(m_errno);
     if (!m_bOurs) return ERROR_INVALID_HANDLE;
     // Writing may take the higher bits away, so the mode is set behind it.
     if (m_mode & ~0777u) fchmod(m_part.Get(), m_mode);
-    if (fsync(m_part.Get()) != 0) return ErrorFromErrno(errno);
+    if (bSync && fsync(m_part.Get()) != 0) return ErrorFromErrno(errno);
     if (!HasName()) return ERROR_SHARING_VIOLATION; // where there are no locks, or somebody has cleaned up
     if (!Publish()) return ErrorFromErrno(errno);
     End();
-    if (m_directory) fsync(m_directory.Get());
+    if (bSync && m_directory) fsync(m_directory.Get());
     return ERROR_SUCCESS;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "include/platform/Types.h"
+#include "include/platform/Error.h"
 #include "platform/UniqueFd.h"
 
 #include <chrono>
@@ -78,9 +78,9 @@ public:
     // Appends to the part file; false for a failure, which Commit then gives too.
     bool Write(const void* pBuf, std::size_t nCount) noexcept;
 
-    // Puts the part file in the file's place, once, after its content is on the disk, and ends the turn. On
-    // failure the old file stays.
-    DWORD Commit();
+    // Puts the part file in the file's place, once, after its content is on the disk unless `bSync` is false,
+    // and ends the turn. On failure the old file stays.
+    DWORD Commit(bool bSync = true);
 
 private:
     enum class Turn

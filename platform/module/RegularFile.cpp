@@ -2,8 +2,8 @@
 
 #include "platform/Errno.h"
 #include "platform/files/Path.h"
+#include "platform/files/WholeFile.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -13,22 +13,12 @@ std::optional<RegularFile> RegularFile::Open(const char* pszPath)
 {
     auto path = path::ToSystem(pszPath);
     if (!path) return std::nullopt;
-    const auto refuse = [](DWORD dwError) {
-        SetLastError(dwError);
+    struct stat info = {};
+    UniqueFd fd = OpenRegularFile(*path, info);
+    if (!fd) {
+        FailErrno();
         return std::nullopt;
-    };
-
-    // Asked before opening, since opening some devices does something, and again after it, since the name may
-    // mean another file by then; without waiting, for the same reason.
-    struct stat info
-    {
-    };
-    if (stat(path->c_str(), &info) != 0) return refuse(ErrorFromErrno(errno));
-    if (!S_ISREG(info.st_mode)) return refuse(ERROR_ACCESS_DENIED);
-    UniqueFd fd(
-        RetryEintr([&] { return open(path->c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
-    if (!fd || fstat(fd.Get(), &info) != 0) return refuse(ErrorFromErrno(errno));
-    if (!S_ISREG(info.st_mode)) return refuse(ERROR_ACCESS_DENIED);
+    }
     return RegularFile(std::move(fd), std::move(*path), static_cast<std::uint64_t>(info.st_size));
 }
 

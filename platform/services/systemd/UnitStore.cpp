@@ -2,8 +2,6 @@
 
 #include "include/platform/Services.h"
 #include "platform/Errno.h"
-#include "platform/files/NewFile.h"
-#include "platform/files/ReadFile.h"
 #include "platform/files/WholeFile.h"
 #include "platform/services/systemd/UnitText.h"
 
