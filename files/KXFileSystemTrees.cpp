@@ -2,10 +2,10 @@
 
 #include "KXFileSystem.h"
 #include "files/FileSearch.h"
+#include "platform/CodePage.h"
 #include "platform/Exception.h"
 
 #include <new>
-#include <set>
 #include <utility>
 
 using kx::files::FileSearch;
@@ -45,21 +45,6 @@ int DeleteTree(const CString& strPath)
     return DeleteContent(strPath) ? RemoveDirectoryA(strPath) : 0;
 }
 
-// The names that came up in one directory. Of two that differ in case alone the second would be copied over
-// the first, since paths are found ignoring case.
-class Names
-{
-public:
-    bool IsFirst(const char* pszName)
-    {
-        CString strName = pszName;
-        return m_names.insert(strName.MakeLower()).second;
-    }
-
-private:
-    std::set<CString> m_names;
-};
-
 void CopySubdirectory(CString strSrc, CString strDst, const WIN32_FIND_DATAA& data)
 {
     if (kx::files::BeginsWithPoint(data)) return;
@@ -77,11 +62,14 @@ bool CopyContent(const CString& strSrc, const CString& strDst, KXCopyDirProc pfn
     WIN32_FIND_DATAA data;
     FileSearch search(strSrc + "*", data);
     if (!search) return true;
-    Names names;
+    CString strLast;
     do {
         const CString strFrom = strSrc + data.cFileName;
         const CString strTo = strDst + data.cFileName;
-        const bool bFirst = names.IsFirst(data.cFileName);
+        // Of names that differ in case alone, which come one after the other, a later one would be copied
+        // over the first, since paths are found ignoring case.
+        const bool bFirst = lstrcmpiA(strLast, data.cFileName) != 0;
+        strLast = data.cFileName;
         if (kx::files::IsDirectory(data)) {
             if (bFirst) CopySubdirectory(strFrom, strTo, data);
             continue;
@@ -124,7 +112,9 @@ int CKXFileSystem::CreatePath(const CString& strPath)
     for (const CString& strDir : vecDirs) {
         strRunning += '\\';
         strRunning += strDir;
-        if (!PathFileExistsA(strRunning) && !CreateDirectoryA(strRunning, nullptr)) return 0;
+        const bool bThere = PathFileExistsA(strRunning) || CreateDirectoryA(strRunning, nullptr) ||
+                            GetLastError() == ERROR_ALREADY_EXISTS; // another thread was first
+        if (!bThere) return 0;
     }
     return 1;
 }

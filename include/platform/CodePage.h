@@ -31,3 +31,8 @@ KX_API int MultiByteToWideChar(UINT nCodePage, DWORD dwFlags, const char* pszSou
 KX_API int WideCharToMultiByte(UINT nCodePage, DWORD dwFlags, const WCHAR* pSource, int nSource,
                                char* pszTarget, int nTarget, const char* pszDefault = nullptr,
                                int* pbUsedDefault = nullptr);
+
+// Compares two texts ignoring case, as a path finds its entries: letters of all scripts are folded by
+// Unicode's simple mapping. Negative, 0 or positive in the order of the folded texts; a null text counts as
+// the empty one. Where memory lacks, or a text has bytes that are no character, bytes are compared.
+KX_API int lstrcmpiA(const char* psz1, const char* psz2) noexcept;

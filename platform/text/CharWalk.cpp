@@ -106,6 +106,14 @@ int CompareNoCase(std::string_view a, std::string_view b) noexcept
     return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
 }
 
+void LowerAscii(char* text, std::size_t length) noexcept
+{
+    const bool bDoubleByte = IsDoubleByte();
+    const std::string_view view(text, length);
+    for (std::size_t i = 0; i < length; i += CharLength(view, i, bDoubleByte))
+        text[i] = ToLower(text[i]);
+}
+
 std::string_view CutAtChar(std::string_view text, std::size_t max) noexcept
 {
     if (text.size() <= max) return text;

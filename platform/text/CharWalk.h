@@ -65,6 +65,9 @@ std::string_view Trim(std::string_view text) noexcept;
 // ASCII letters folded, those in longer characters left alone: negative, 0 or positive in byte order.
 int CompareNoCase(std::string_view a, std::string_view b) noexcept;
 
+// Folds the ASCII letters of a text in its place, trail bytes left alone.
+void LowerAscii(char* text, std::size_t length) noexcept;
+
 // The longest head of the text that has at most `max` bytes and ends with a whole character.
 std::string_view CutAtChar(std::string_view text, std::size_t max) noexcept;
 

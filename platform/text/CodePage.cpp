@@ -4,10 +4,12 @@
 #include "include/platform/Host.h"
 #include "platform/Errno.h"
 #include "platform/text/CharWalk.h"
+#include "platform/text/Conversion.h"
 #include "platform/text/Iconv.h"
 
 #include <atomic>
 #include <cstring>
+#include <new>
 
 namespace {
 
@@ -55,19 +57,35 @@ int IsDBCSLeadByte(BYTE ch) noexcept
     return kx::text::IsDoubleByte() && kx::text::IsLead(static_cast<char>(ch));
 }
 
+int lstrcmpiA(const char* psz1, const char* psz2) noexcept
+{
+    const std::string_view a = psz1 ? psz1 : "";
+    const std::string_view b = psz2 ? psz2 : "";
+    try {
+        const auto first = kx::text::ToUtf8(a);
+        const auto second = kx::text::ToUtf8(b);
+        if (first && second) return kx::text::FoldCase(*first).compare(kx::text::FoldCase(*second));
+    } catch (const std::bad_alloc&) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    }
+    return a.compare(b);
+}
+
 int MultiByteToWideChar(UINT nCodePage, DWORD, const char* pszSource, int nSource, WCHAR* pTarget,
                         int nTarget)
-{
+try {
     const UINT page = Served(nCodePage);
     if (page == 0 || !pszSource || nSource == 0) return kx::Fail(ERROR_INVALID_PARAMETER);
     const std::size_t length = nSource < 0 ? std::strlen(pszSource) + 1 : static_cast<std::size_t>(nSource);
     auto& converter = kx::text::Iconv::For(page, kx::text::Iconv::Direction::ToUtf16);
     return Deliver(converter.ConvertLossy({pszSource, length}, "\xFD\xFF"), sizeof(WCHAR), pTarget, nTarget);
+} catch (const std::bad_alloc&) {
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }
 
 int WideCharToMultiByte(UINT nCodePage, DWORD, const WCHAR* pSource, int nSource, char* pszTarget,
                         int nTarget, const char*, int*)
-{
+try {
     const UINT page = Served(nCodePage);
     if (page == 0 || !pSource || nSource == 0) return kx::Fail(ERROR_INVALID_PARAMETER);
     const std::size_t units =
@@ -75,4 +93,6 @@ int WideCharToMultiByte(UINT nCodePage, DWORD, const WCHAR* pSource, int nSource
     auto& converter = kx::text::Iconv::For(page, kx::text::Iconv::Direction::FromUtf16);
     const std::string_view bytes(reinterpret_cast<const char*>(pSource), units * sizeof(WCHAR));
     return Deliver(converter.ConvertLossy(bytes, "?", sizeof(WCHAR)), 1, pszTarget, nTarget);
+} catch (const std::bad_alloc&) {
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }

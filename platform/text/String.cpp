@@ -331,9 +331,7 @@ CString& CString::MakeLower()
 {
     const std::size_t length = View().size();
     MakeWritable(length);
-    const bool bDoubleByte = text::IsDoubleByte();
-    for (std::size_t i = 0; i < length; i += text::CharLength(View(), i, bDoubleByte))
-        m_pszData[i] = text::ToLower(m_pszData[i]);
+    text::LowerAscii(m_pszData, length);
     return *this;
 }
 

@@ -1,11 +1,15 @@
 #include "KXFileSystem.h"
+#include "platform/CodePage.h"
 #include "tests/support/Host.h"
 #include "tests/support/TempDir.h"
 
+#include <algorithm>
+#include <barrier>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -58,6 +62,20 @@ TEST_F(FileSystemTrees, CreatePathMakesWhatIsMissing)
     EXPECT_EQ(CKXFileSystem::CreatePath(dir.Win("x\\..\\file\\y\\z\\")), 0);
     EXPECT_TRUE(dir.Exists("x")); // what came before the failure stays
     EXPECT_EQ(CKXFileSystem::CreatePath(dir.Win(std::string(300, 'n') + "\\")), 0);
+}
+
+TEST_F(FileSystemTrees, CreatePathSucceedsOnAllThreadsThatMakeTheSame)
+{
+    constexpr int kRounds = 200;
+    std::barrier begin(2);
+    std::vector<std::jthread> threads;
+    for (int n = 0; n < 2; ++n)
+        threads.emplace_back([&] {
+            for (int i = 0; i < kRounds; ++i) {
+                begin.arrive_and_wait();
+                EXPECT_EQ(CKXFileSystem::CreatePath(dir.Win("r" + std::to_string(i) + "\\a\\b\\c\\")), 1);
+            }
+        });
 }
 
 TEST_F(FileSystemTrees, CreatePathWithoutADriveBeginsAtTheRoot)
@@ -164,6 +182,21 @@ TEST_F(FileSystemTrees, CopyDirCopiesTheFirstOfNamesThatDifferInCase)
     progress.Copy(dir.Win("s"), dir.Win("d"));
     EXPECT_EQ(progress.calls.size(), 3u);
     EXPECT_THAT(progress.calls, testing::Contains(testing::EndsWith("-")));
+    const test::CodePage scope(CP_UTF8);
+    for (const char* name : {"t/Я.txt", "t/я.txt", "t/Ａ.txt", "t/ａ.txt", "t/Ж/f", "t/ж/f"})
+        dir.Write(name, name);
+    dir.MakeDir("e");
+    Progress letters;
+    letters.Copy(dir.Win("t"), dir.Win("e"));
+    EXPECT_EQ(std::count_if(letters.calls.begin(), letters.calls.end(),
+                            [](const auto& call) { return call.ends_with('-'); }),
+              2);
+    for (const auto& [a, b] :
+         {std::pair("Я.txt", "я.txt"), std::pair("Ａ.txt", "ａ.txt"), std::pair("Ж/f", "ж/f")}) {
+        const std::string copied = dir.Exists(std::string("e/") + a) ? a : b;
+        EXPECT_EQ(dir.Read("e/" + copied), "t/" + copied);
+        EXPECT_NE(dir.Exists(std::string("e/") + a), dir.Exists(std::string("e/") + b));
+    }
     for (const auto& [a, b] : {std::pair("A", "a"), std::pair("B/f", "b/f")}) {
         const std::string copied = dir.Exists(std::string("d/") + a) ? a : b;
         EXPECT_EQ(dir.Read("d/" + copied), "s/" + copied);

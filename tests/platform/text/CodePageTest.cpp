@@ -59,4 +59,19 @@ TEST(CodePage, SizesAndFailures)
     EXPECT_FALSE(IsDBCSLeadByte(0x81));
 }
 
+TEST(CodePage, ComparesIgnoringTheCaseOfAllLetters)
+{
+    EXPECT_EQ(lstrcmpiA("aB", "Ab"), 0);
+    EXPECT_EQ(lstrcmpiA(nullptr, ""), 0);
+    EXPECT_LT(lstrcmpiA("a", "B"), 0);
+    EXPECT_NE(lstrcmpiA("\xB0\x61", "\xB0\x41"), 0); // the second byte of a character is no letter
+    const test::CodePage utf8(CP_UTF8);
+    EXPECT_EQ(lstrcmpiA("Яｂ", "яＢ"), 0);
+    EXPECT_NE(lstrcmpiA("\xFF"
+                        "a",
+                        "\xFF"
+                        "A"),
+              0);
+}
+
 } // namespace
