@@ -1,15 +1,17 @@
 #include "include/platform/Module.h"
 #include "platform/Errno.h"
-#include "platform/module/ModuleTable.h"
+#include "platform/module/OpenModule.h"
 #include "platform/text/CharWalk.h"
 #include "platform/text/Conversion.h"
 
 #include <algorithm>
 #include <charconv>
+#include <new>
 #include <optional>
 
 using kx::module::Content;
-using kx::module::ModuleTable;
+using kx::module::OpenModule;
+using kx::module::Resource;
 
 namespace {
 
@@ -55,9 +57,17 @@ HRSRC Find(HMODULE hModule, const char* pszName, const char* pszType)
     const auto type = TypeOf(pszType), name = NameOf(pszName);
     if (!type || !name) return nullptr;
     const std::string path = "/" + *type + "/" + *name;
-    auto& table = ModuleTable::Instance();
-    const HRSRC found = table.Find(hModule, path);
-    return found ? found : table.Find(hModule, UpperCase(path));
+    const auto module = OpenModule::Of(hModule);
+    if (!module) return nullptr;
+    const HRSRC found = module->Find(hModule, path);
+    return found ? found : module->Find(hModule, UpperCase(path));
+}
+
+// The bytes of a resource of that module; null for another handle.
+Content ContentOf(HMODULE hModule, HRSRC hResource)
+{
+    const auto resource = kx::FindHandle<Resource>(hResource);
+    return resource && resource->hModule == hModule ? resource->content : nullptr;
 }
 
 std::string_view TextOf(const Content& content)
@@ -77,33 +87,34 @@ HINSTANCE AfxFindResourceHandle(const char* pszName, const char* pszType)
 }
 
 HRSRC FindResourceA(HMODULE hModule, const char* pszName, const char* pszType)
-{
+try {
     const HRSRC found = Find(hModule, pszName, pszType);
-    if (!found)
-        SetLastError(ModuleTable::Instance().Has(hModule) ? ERROR_RESOURCE_NAME_NOT_FOUND
-                                                          : ERROR_INVALID_HANDLE);
+    if (!found) SetLastError(OpenModule::Of(hModule) ? ERROR_RESOURCE_NAME_NOT_FOUND : ERROR_INVALID_HANDLE);
     return found;
+} catch (const std::bad_alloc&) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return nullptr;
 }
 
 DWORD SizeofResource(HMODULE hModule, HRSRC hResource)
 {
-    const Content content = ModuleTable::Instance().ContentOf(hModule, hResource);
+    const Content content = ContentOf(hModule, hResource);
     if (!content) return static_cast<DWORD>(kx::Fail(ERROR_INVALID_HANDLE));
     return static_cast<DWORD>(TextOf(content).size());
 }
 
 HGLOBAL LoadResource(HMODULE hModule, HRSRC hResource)
 {
-    if (ModuleTable::Instance().ContentOf(hModule, hResource)) return hResource;
+    if (ContentOf(hModule, hResource)) return hResource;
     SetLastError(ERROR_INVALID_HANDLE);
     return nullptr;
 }
 
 const void* LockResource(HGLOBAL hResource)
 {
-    const Content content = ModuleTable::Instance().ContentOf(hResource);
-    if (!content) return nullptr;
-    const std::string_view text = TextOf(content);
+    const auto resource = kx::FindHandle<Resource>(hResource);
+    if (!resource) return nullptr;
+    const std::string_view text = TextOf(resource->content);
     return text.empty() ? "" : text.data();
 }
 
@@ -113,12 +124,12 @@ int FreeResource(HGLOBAL)
 }
 
 int LoadStringA(HINSTANCE hInstance, UINT nId, char* pszBuffer, int nSize)
-{
+try {
     if (!pszBuffer || nSize <= 0) return kx::Fail(ERROR_INVALID_PARAMETER);
     *pszBuffer = '\0';
-    auto& table = ModuleTable::Instance();
+    const auto module = OpenModule::Of(hInstance);
     const Content content =
-        table.ContentOf(hInstance, table.Find(hInstance, "/STRING/" + std::to_string(nId)));
+        module ? ContentOf(hInstance, module->Find(hInstance, "/STRING/" + std::to_string(nId))) : nullptr;
     if (!content) return kx::Fail(ERROR_RESOURCE_NAME_NOT_FOUND);
 
     // No character takes more than four bytes of UTF-8, so what lies behind that many for each byte of the
@@ -129,4 +140,6 @@ int LoadStringA(HINSTANCE hInstance, UINT nId, char* pszBuffer, int nSize)
     if (utf8.ends_with('\n')) utf8.remove_suffix(1);
     if (utf8.ends_with('\r')) utf8.remove_suffix(1);
     return static_cast<int>(kx::text::CopyCut(kx::text::FromUtf8Lossy(utf8), pszBuffer, size));
+} catch (const std::bad_alloc&) {
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }

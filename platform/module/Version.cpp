@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstring>
 #include <iterator>
+#include <new>
 
 using namespace kx::module;
 
@@ -36,13 +37,15 @@ std::optional<VS_FIXEDFILEINFO> VersionOf(const char* pszFile)
 } // namespace
 
 DWORD GetFileVersionInfoSizeA(const char* pszFile, DWORD* pdwHandle)
-{
+try {
     if (pdwHandle) *pdwHandle = 0;
     return VersionOf(pszFile) ? sizeof(Block) : 0;
+} catch (const std::bad_alloc&) {
+    return static_cast<DWORD>(kx::Fail(ERROR_NOT_ENOUGH_MEMORY));
 }
 
 int GetFileVersionInfoA(const char* pszFile, DWORD, DWORD nSize, void* pBlock)
-{
+try {
     if (!pBlock) return kx::Fail(ERROR_INVALID_PARAMETER);
     if (nSize < sizeof(Block)) return kx::Fail(ERROR_INSUFFICIENT_BUFFER);
     const auto version = VersionOf(pszFile);
@@ -51,6 +54,8 @@ int GetFileVersionInfoA(const char* pszFile, DWORD, DWORD nSize, void* pBlock)
     std::memcpy(block.key, kVersionKey, sizeof(kVersionKey));
     std::memcpy(pBlock, &block, sizeof(block));
     return 1;
+} catch (const std::bad_alloc&) {
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }
 
 int VerQueryValueA(const void* pBlock, const char* pszSubBlock, void** ppRecord, UINT* pnSize)

@@ -1,13 +1,13 @@
 #include "include/platform/Registry.h"
 
+#include "platform/Handles.h"
 #include "platform/Immortal.h"
-#include "platform/LiveHandles.h"
 #include "platform/registry/RegistryFile.h"
 
 #include <algorithm>
 #include <memory>
-#include <mutex>
-#include <unordered_map>
+#include <new>
+#include <utility>
 
 namespace registry = kx::registry;
 
@@ -22,60 +22,25 @@ constexpr std::size_t kMaxValueName = 16383;
 
 struct Key
 {
+    static constexpr kx::HandleKind HANDLE_KIND = kx::HandleKind::RegistryKey;
+
     registry::KeyPath path;
     DWORD access = kQueryValue | kSetValue | kCreateSubKey;
 };
 
-using KeyPtr = std::shared_ptr<const Key>;
+using KeyPtr = std::shared_ptr<Key>;
 
-// The open keys by their numbers. A number is never given twice, so a key that was closed stays unknown.
-class KeyTable
+// Null for what is no open key.
+KeyPtr FindKey(HKEY hKey)
 {
-public:
-    HKEY Add(Key key)
-    {
-        auto entry = std::make_shared<const Entry>(std::move(key));
-        const std::lock_guard lock(m_lock);
-        m_last += 4; // never HKEY_CURRENT_USER's, which is odd
-        const HKEY hKey = reinterpret_cast<HKEY>(m_last);
-        m_keys.emplace(hKey, std::move(entry));
-        return hKey;
-    }
+    static kx::Immortal<KeyPtr> root(std::make_shared<Key>());
+    return hKey == HKEY_CURRENT_USER ? root.Get() : kx::FindHandle<Key>(hKey);
+}
 
-    // Null for what is no open key.
-    KeyPtr Find(HKEY hKey)
-    {
-        if (hKey == HKEY_CURRENT_USER) return m_root;
-        const std::lock_guard lock(m_lock);
-        const auto found = m_keys.find(hKey);
-        if (found == m_keys.end()) return nullptr;
-        return {found->second, &found->second->key};
-    }
-
-    bool Remove(HKEY hKey)
-    {
-        const std::lock_guard lock(m_lock);
-        return m_keys.erase(hKey) > 0;
-    }
-
-private:
-    struct Entry
-    {
-        explicit Entry(Key opened) : key(std::move(opened)) {}
-        Key key;
-        kx::LiveHandle live;
-    };
-
-    const KeyPtr m_root = std::make_shared<const Key>();
-    std::mutex m_lock;
-    std::unordered_map<HKEY, std::shared_ptr<const Entry>> m_keys;
-    std::uintptr_t m_last = 0;
-};
-
-KeyTable& Keys()
+DWORD OpenKey(registry::KeyPath path, DWORD dwAccess, HKEY* phResult)
 {
-    static kx::Immortal<KeyTable> keys;
-    return keys.Get();
+    *phResult = static_cast<HKEY>(kx::AddHandle(std::make_shared<Key>(Key{std::move(path), dwAccess})));
+    return *phResult ? ERROR_SUCCESS : ERROR_NOT_ENOUGH_MEMORY;
 }
 
 std::string_view ViewOf(const char* psz) noexcept
@@ -88,7 +53,7 @@ DWORD FindPath(HKEY hKey, const char* pszSubKey, DWORD dwAccess, HKEY* phResult,
 {
     if (!phResult) return ERROR_INVALID_PARAMETER;
     *phResult = nullptr;
-    const KeyPtr parent = Keys().Find(hKey);
+    const KeyPtr parent = FindKey(hKey);
     if (!parent) return ERROR_INVALID_HANDLE;
     auto joined = registry::Join(parent->path, ViewOf(pszSubKey));
     if (!joined) return ERROR_INVALID_PARAMETER;
@@ -99,29 +64,31 @@ DWORD FindPath(HKEY hKey, const char* pszSubKey, DWORD dwAccess, HKEY* phResult,
 } // namespace
 
 long RegOpenKeyExA(HKEY hKey, const char* pszSubKey, DWORD, DWORD dwAccess, HKEY* phResult)
-{
+try {
     registry::KeyPath path;
     if (const DWORD error = FindPath(hKey, pszSubKey, dwAccess, phResult, path)) return error;
     if (!registry::HasKey(path)) return ERROR_FILE_NOT_FOUND;
-    *phResult = Keys().Add({std::move(path), dwAccess});
-    return ERROR_SUCCESS;
+    return static_cast<long>(OpenKey(std::move(path), dwAccess, phResult));
+} catch (const std::bad_alloc&) {
+    return ERROR_NOT_ENOUGH_MEMORY;
 }
 
 long RegCreateKeyExA(HKEY hKey, const char* pszSubKey, DWORD, char*, DWORD, DWORD dwAccess, void*,
                      HKEY* phResult, DWORD* pdwDisposition)
-{
+try {
     registry::KeyPath path;
     if (const DWORD error = FindPath(hKey, pszSubKey, dwAccess, phResult, path)) return error;
     bool bNew = false;
     if (const DWORD error = registry::MakeKey(path, bNew)) return error;
     if (pdwDisposition) *pdwDisposition = bNew ? 1 : 2;
-    *phResult = Keys().Add({std::move(path), dwAccess});
-    return ERROR_SUCCESS;
+    return static_cast<long>(OpenKey(std::move(path), dwAccess, phResult));
+} catch (const std::bad_alloc&) {
+    return ERROR_NOT_ENOUGH_MEMORY;
 }
 
 long RegQueryValueExA(HKEY hKey, const char* pszValue, DWORD*, DWORD* pdwType, BYTE* pData, DWORD* pcbData)
-{
-    const KeyPtr key = Keys().Find(hKey);
+try {
+    const KeyPtr key = FindKey(hKey);
     if (!key) return ERROR_INVALID_HANDLE;
     if (!(key->access & kQueryValue)) return ERROR_ACCESS_DENIED;
     if (pData && !pcbData) return ERROR_INVALID_PARAMETER;
@@ -136,11 +103,13 @@ long RegQueryValueExA(HKEY hKey, const char* pszValue, DWORD*, DWORD* pdwType, B
     if (room < *pcbData) return ERROR_MORE_DATA;
     std::copy_n(value->data.data(), value->data.size(), pData);
     return ERROR_SUCCESS;
+} catch (const std::bad_alloc&) {
+    return ERROR_NOT_ENOUGH_MEMORY;
 }
 
 long RegSetValueExA(HKEY hKey, const char* pszValue, DWORD, DWORD dwType, const BYTE* pData, DWORD cbData)
-{
-    const KeyPtr key = Keys().Find(hKey);
+try {
+    const KeyPtr key = FindKey(hKey);
     if (!key) return ERROR_INVALID_HANDLE;
     if (!(key->access & kSetValue)) return ERROR_ACCESS_DENIED;
     const std::string_view name = ViewOf(pszValue);
@@ -149,10 +118,12 @@ long RegSetValueExA(HKEY hKey, const char* pszValue, DWORD, DWORD dwType, const 
     registry::Value value{dwType, {}};
     if (cbData > 0) value.data.assign(reinterpret_cast<const char*>(pData), cbData);
     return registry::SetValue(key->path, name, value);
+} catch (const std::bad_alloc&) {
+    return ERROR_NOT_ENOUGH_MEMORY;
 }
 
 long RegCloseKey(HKEY hKey)
 {
-    if (hKey == HKEY_CURRENT_USER || Keys().Remove(hKey)) return ERROR_SUCCESS;
+    if (hKey == HKEY_CURRENT_USER || kx::RemoveHandle<Key>(hKey)) return ERROR_SUCCESS;
     return ERROR_INVALID_HANDLE;
 }

@@ -1,17 +1,23 @@
 #include "platform/registry/RegistryFile.h"
 
 #include "include/platform/Error.h"
+#include "include/platform/Host.h"
 #include "platform/Errno.h"
+#include "platform/Immortal.h"
 #include "platform/profile/IniEdit.h"
 #include "platform/profile/IniStore.h"
-#include "platform/registry/Escape.h"
-#include "platform/registry/RegistryPath.h"
+#include "platform/sync/Mutex.h"
 #include "platform/text/CharWalk.h"
 
+#include <array>
 #include <charconv>
+#include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace kx::registry {
 
@@ -21,6 +27,96 @@ constexpr std::size_t kMaxName = 255;
 constexpr std::size_t kMaxPath = 3 * 1024;
 constexpr mode_t kNewFile = 0600;
 constexpr mode_t kNewDirectory = 0700;
+
+struct HostPath
+{
+    kx::sync::Mutex lock;
+    std::string path KX_GUARDED_BY(lock);
+};
+
+HostPath& TheHostPath()
+{
+    static kx::Immortal<HostPath> path;
+    return path.Get();
+}
+
+std::string HomeDirectory()
+{
+    if (const char* home = std::getenv("HOME"); home && home[0] == '/') return home;
+    std::array<char, 4096> buffer;
+    passwd entry{};
+    passwd* found = nullptr;
+    getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found);
+    return found && found->pw_dir && found->pw_dir[0] == '/' ? found->pw_dir : "";
+}
+
+// A relative setting counts as none.
+std::string ConfigDirectory()
+{
+    if (const char* config = std::getenv("XDG_CONFIG_HOME"); config && config[0] == '/') return config;
+    const std::string home = HomeDirectory();
+    return home.empty() ? home : home + "/.config";
+}
+
+// The Linux path of the file with the per-user values; empty where the user has no home.
+std::string FilePath()
+{
+    HostPath& host = TheHostPath();
+    {
+        const kx::sync::MutexLock lock(host.lock);
+        if (!host.path.empty()) return host.path;
+    }
+    const std::string config = ConfigDirectory();
+    return config.empty() ? config : config + "/kxcommon/registry.ini";
+}
+
+bool IsPlain(char ch) noexcept
+{
+    return ch > ' ' && ch < '\x7F' && std::string_view("%=;[]@\"'").find(ch) == std::string_view::npos;
+}
+
+// Any bytes as printable ASCII that an INI file keeps as a name or a value: all but letters, digits and plain
+// marks become "%" and two hexadecimal digits. Both bytes of a double-byte character do, so that its second
+// is no letter whose case is ignored.
+std::string Escape(std::string_view bytes)
+{
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    const bool bDoubleByte = text::IsDoubleByte();
+    std::string escaped;
+    escaped.reserve(bytes.size());
+    for (std::size_t i = 0; i < bytes.size();) {
+        const std::size_t length = text::CharLength(bytes, i, bDoubleByte);
+        for (const char ch : bytes.substr(i, length)) {
+            if (length == 1 && IsPlain(ch)) {
+                escaped += ch;
+            } else {
+                const auto byte = static_cast<unsigned char>(ch);
+                escaped.append({'%', kDigits[byte >> 4], kDigits[byte & 15]});
+            }
+        }
+        i += length;
+    }
+    return escaped;
+}
+
+std::optional<std::string> Unescape(std::string_view text)
+{
+    std::string bytes;
+    bytes.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '%') {
+            bytes += text[i];
+            continue;
+        }
+        if (text.size() - i < 3) return std::nullopt;
+        unsigned byte = 0;
+        const char* end = text.data() + i + 3;
+        if (std::from_chars(end - 2, end, byte, 16).ptr != end) return std::nullopt;
+        bytes += static_cast<char>(byte);
+        i += 2;
+    }
+    return bytes;
+}
 
 std::string LineName(std::string_view name)
 {
@@ -125,3 +221,12 @@ DWORD CheckWritable()
 }
 
 } // namespace kx::registry
+
+void KXHost::SetRegistryFile(const std::string& strPath)
+{
+    std::error_code error;
+    std::string path = strPath.empty() ? strPath : std::filesystem::absolute(strPath, error).string();
+    kx::registry::HostPath& host = kx::registry::TheHostPath();
+    const kx::sync::MutexLock lock(host.lock);
+    host.path = std::move(path);
+}

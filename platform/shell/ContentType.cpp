@@ -1,18 +1,55 @@
 #include "platform/shell/ContentType.h"
 
+#include "include/platform/FileSystem.h"
 #include "platform/Immortal.h"
-#include "platform/files/ReadFile.h"
-#include "platform/shell/Wording.h"
+#include "platform/files/WholeFile.h"
+#include "platform/sync/Mutex.h"
 
+#include <algorithm>
 #include <gio/gio.h>
+#include <glib.h>
 #include <memory>
-#include <mutex>
 #include <string_view>
 #include <sys/stat.h>
 
 namespace kx::shell {
 
 namespace {
+
+struct Word
+{
+    const char* english;
+    const char* chinese;
+};
+
+// The languages of the database's own texts, in the user's order, so that both speak alike.
+std::string Say(const Word& word)
+{
+    for (const char* const* language = g_get_language_names(); *language; ++language) {
+        const std::string_view name = *language;
+        if (name.starts_with("zh")) return word.chinese;
+        if (name.starts_with("en") || name == "C") break;
+    }
+    return word.english;
+}
+
+Word DriveWord(UINT nDriveType)
+{
+    switch (nDriveType) {
+    case DRIVE_REMOVABLE:
+        return {"Removable Disk", "可移动磁盘"};
+    case DRIVE_FIXED:
+        return {"Local Disk", "本地磁盘"};
+    case DRIVE_REMOTE:
+        return {"Network Drive", "网络驱动器"};
+    case DRIVE_CDROM:
+        return {"CD Drive", "CD 驱动器"};
+    case DRIVE_RAMDISK:
+        return {"RAM Disk", "RAM 磁盘"};
+    default:
+        return {"Disk", "磁盘"};
+    }
+}
 
 constexpr std::size_t kHead = 4096; // more than any of the database's rules looks at
 
@@ -33,13 +70,13 @@ public:
     Database() : m_lock(TheLock()) { g_content_type_get_mime_dirs(); }
 
 private:
-    static std::mutex& TheLock()
+    static sync::Mutex& TheLock()
     {
-        static Immortal<std::mutex> lock;
+        static Immortal<sync::Mutex> lock;
         return lock.Get();
     }
 
-    std::lock_guard<std::mutex> m_lock;
+    sync::MutexLock m_lock;
 };
 
 // The entry itself, or what it points at if there is such a thing.
@@ -70,8 +107,9 @@ Text FileType(const std::string& path, const struct stat& info)
     Text type = Guess(name, {}, bUncertain);
     if (!bUncertain) return type;
     if (info.st_size == 0) return Text(g_strdup("application/x-zerosize"));
-    const auto head = ReadFile(path, kHead);
-    return head && !head->empty() ? Guess(name, *head, bUncertain) : std::move(type);
+    FileContent head;
+    ReadFileHead(path, kHead, head);
+    return head.bytes.empty() ? std::move(type) : Guess(name, head.bytes, bUncertain);
 }
 
 Text TypeOf(const std::string& path, const struct stat& info)
@@ -137,6 +175,26 @@ bool IsDirectory(const std::string& path) noexcept
 {
     struct stat info;
     return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+std::string DriveWording(UINT nDriveType)
+{
+    return Say(DriveWord(nDriveType));
+}
+
+std::string FolderWording()
+{
+    return Say({"Folder", "文件夹"});
+}
+
+std::string FileWording(std::string_view name)
+{
+    std::string file = Say({"File", "文件"});
+    const auto point = name.rfind('.');
+    if (point == name.npos || point == 0 || point + 1 == name.size()) return file;
+    std::string extension(name.substr(point + 1));
+    std::transform(extension.begin(), extension.end(), extension.begin(), g_ascii_toupper);
+    return extension + ' ' + file;
 }
 
 } // namespace kx::shell

@@ -2,19 +2,91 @@
 
 #include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
+#include "platform/Immortal.h"
 #include "platform/files/Path.h"
 #include "platform/shell/ContentType.h"
-#include "platform/shell/ImageList.h"
-#include "platform/shell/Wording.h"
+#include "platform/sync/Mutex.h"
 #include "platform/text/CharWalk.h"
 #include "platform/text/Conversion.h"
 
 #include <array>
+#include <deque>
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+
+struct _IMAGELIST
+{
+    int size; // the icons' sides in pixels
+};
 
 namespace {
+
+constexpr _IMAGELIST kLarge{32};
+constexpr _IMAGELIST kSmall{16};
+
+// The icons so far, the same ones in both sizes. The names stay where they are once they are in.
+class IconTable
+{
+public:
+    IconTable()
+    {
+        const kx::sync::MutexLock lock(m_lock);
+        Add("application-octet-stream application-x-generic");
+    }
+
+    int Find(const std::string& names)
+    {
+        const kx::sync::MutexLock lock(m_lock);
+        const auto found = m_indices.find(names);
+        return found == m_indices.end() ? Add(names) : found->second;
+    }
+
+    int Count()
+    {
+        const kx::sync::MutexLock lock(m_lock);
+        return static_cast<int>(m_names.size());
+    }
+
+    const char* NameAt(int nIndex)
+    {
+        const kx::sync::MutexLock lock(m_lock);
+        const bool bInside = nIndex >= 0 && static_cast<std::size_t>(nIndex) < m_names.size();
+        return bInside ? m_names[static_cast<std::size_t>(nIndex)].c_str() : "";
+    }
+
+private:
+    int Add(const std::string& names) KX_REQUIRES(m_lock)
+    {
+        const int index = static_cast<int>(m_names.size());
+        m_indices.emplace(m_names.emplace_back(names), index);
+        return index;
+    }
+
+    kx::sync::Mutex m_lock;
+    std::deque<std::string> m_names KX_GUARDED_BY(m_lock);
+    std::unordered_map<std::string_view, int> m_indices KX_GUARDED_BY(m_lock);
+};
+
+IconTable& TheTable()
+{
+    static kx::Immortal<IconTable> table;
+    return table.Get();
+}
+
+// The index in the system image lists of the icon with these names, which is added if it is new. Index 0 is
+// the icon of a file of which nothing is known.
+int IconIndex(const std::string& names)
+{
+    return names.empty() ? 0 : TheTable().Find(names);
+}
+
+const _IMAGELIST* SystemImageList(bool bSmall) noexcept
+{
+    return bSmall ? &kSmall : &kLarge;
+}
 
 // What is shown of a path; texts in the process's code page.
 struct Item
@@ -43,7 +115,7 @@ char ResolvedDrive(std::string_view path, const kx::path::Resolved& resolved)
 {
     if (path.size() >= 2 && path[1] == ':') return DriveLetter(path[0]);
     const auto named = kx::path::FromSystem(resolved.system);
-    return named ? named->GetAt(0) : '\0';
+    return named ? named->front() : '\0';
 }
 
 const char* DriveIcon(UINT nDriveType)
@@ -121,14 +193,34 @@ void Put(const std::string& text, char (&field)[Size])
 } // namespace
 
 std::uintptr_t SHGetFileInfoA(const char* pszPath, DWORD, SHFILEINFOA* pInfo, UINT cbInfo, UINT nFlags)
-{
+try {
     if (!pInfo || cbInfo < sizeof(SHFILEINFOA))
         return static_cast<std::uintptr_t>(kx::Fail(ERROR_INVALID_PARAMETER));
     const auto item = FindItem(pszPath, (nFlags & SHGFI_DISPLAYNAME) != 0);
     if (nFlags & SHGFI_DISPLAYNAME) Put(item ? item->name : "", pInfo->szDisplayName);
     if (nFlags & SHGFI_TYPENAME) Put(item ? item->type : "", pInfo->szTypeName);
-    if (nFlags & SHGFI_SYSICONINDEX) pInfo->iIcon = item ? kx::shell::IconIndex(item->icons) : 0;
+    if (nFlags & SHGFI_SYSICONINDEX) pInfo->iIcon = item ? IconIndex(item->icons) : 0;
     if (!item) return 0;
     if (!(nFlags & SHGFI_SYSICONINDEX)) return 1;
-    return reinterpret_cast<std::uintptr_t>(kx::shell::SystemImageList((nFlags & SHGFI_SMALLICON) != 0));
+    return reinterpret_cast<std::uintptr_t>(SystemImageList((nFlags & SHGFI_SMALLICON) != 0));
+} catch (const std::bad_alloc&) {
+    kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+    return 0;
+}
+
+int ImageList_GetImageCount(const _IMAGELIST* pList)
+{
+    return pList ? TheTable().Count() : 0;
+}
+
+int ImageList_GetIconSize(const _IMAGELIST* pList, int* pnWidth, int* pnHeight)
+{
+    if (!pList || !pnWidth || !pnHeight) return 0;
+    *pnWidth = *pnHeight = pList->size;
+    return 1;
+}
+
+const char* ImageList_GetIconName(const _IMAGELIST* pList, int nIndex)
+{
+    return pList ? TheTable().NameAt(nIndex) : "";
 }

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "include/platform/Types.h"
+#include "platform/Handles.h"
+#include "platform/module/Bundle.h"
+#include "platform/sync/Mutex.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace kx::module {
+
+// A resource that was found. Its handle lasts as long as its module's.
+struct Resource
+{
+    static constexpr HandleKind HANDLE_KIND = HandleKind::Resource;
+
+    HMODULE hModule;
+    Content content;
+};
+
+// An open resource module with the resources found in it. Any thread.
+class OpenModule
+{
+public:
+    static constexpr HandleKind HANDLE_KIND = HandleKind::Module;
+
+    OpenModule(Bundle bundle, std::string systemPath)
+        : m_bundle(std::move(bundle)), m_path(std::move(systemPath))
+    {
+    }
+
+    // The module of a handle; the null handle stands for the executable, which is always there. Null for a
+    // handle that isn't open.
+    static std::shared_ptr<OpenModule> Of(HMODULE hModule);
+
+    // The Linux path of the module's file; empty for the executable.
+    const std::string& Path() const noexcept { return m_path; }
+
+    // A resource by its path in the bundle; the same resource has one handle. Null without one.
+    HRSRC Find(HMODULE hThis, const std::string& path);
+    // Ends the handles of all resources.
+    void Close();
+
+private:
+    const Bundle m_bundle;
+    const std::string m_path;
+    sync::Mutex m_lock; // the handle table's is taken under it
+    std::map<std::string, HRSRC> m_found KX_GUARDED_BY(m_lock);
+    bool m_bClosed KX_GUARDED_BY(m_lock) = false;
+};
+
+} // namespace kx::module
