@@ -1,10 +1,47 @@
 #include "platform/profile/IniCache.h"
 
 #include <algorithm>
-#include <mutex>
+#include <cstdint>
 #include <utility>
 
 namespace kx::profile {
+
+namespace {
+
+constexpr std::int64_t kSecond = 1'000'000'000;
+
+std::int64_t Nanoseconds(const timespec& time) noexcept
+{
+    return static_cast<std::int64_t>(time.tv_sec) * kSecond + time.tv_nsec;
+}
+
+std::int64_t Tick() noexcept
+{
+    static const std::int64_t tick = [] {
+        timespec resolution{};
+        return clock_getres(CLOCK_REALTIME_COARSE, &resolution) == 0 ? Nanoseconds(resolution)
+                                                                     : kSecond / 100;
+    }();
+    return tick;
+}
+
+} // namespace
+
+// The time of change is the one that counts: it can't be set by hand. A file system whose times have no
+// fraction counts by seconds, or by two.
+bool FileStamp::IsSettled(const timespec& now) const noexcept
+{
+    const bool bWholeSeconds = modified.tv_nsec == 0 && changed.tv_nsec == 0;
+    const std::int64_t unsettled = bWholeSeconds ? 2 * kSecond + 2 * Tick() : 2 * Tick();
+    return Nanoseconds(now) - Nanoseconds(changed) > unsettled;
+}
+
+timespec FileTime() noexcept
+{
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME_COARSE, &now);
+    return now;
+}
 
 CachedIni::CachedIni(std::string path, const FileStamp& read, const timespec& now, std::string text,
                      unsigned nowGeneration)
@@ -23,37 +60,32 @@ bool CachedIni::IsCurrent(unsigned nowGeneration) const noexcept
            stamp.IsOf(status);
 }
 
-CachedIniPtr IniCache::Find(std::string_view name) const
+CachedIniPtr IniCache::Find(std::string_view name)
 {
-    const std::shared_lock lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     const auto file = m_files.find(name);
     if (file == m_files.end()) return nullptr;
-    // Readers of one file write nothing here, so they don't slow each other.
-    auto& lastUse = file->second->lastUse;
-    if (lastUse.load(std::memory_order_relaxed) != m_uses.load(std::memory_order_relaxed))
-        lastUse.store(m_uses.fetch_add(1, std::memory_order_relaxed) + 1, std::memory_order_relaxed);
-    return file->second;
+    file->second.lastUse = ++m_uses;
+    return file->second.file;
 }
 
 void IniCache::Put(std::string_view name, CachedIniPtr file)
 {
     const std::size_t bytes = file->ini.Bytes();
-    const std::unique_lock lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     if (const auto old = m_files.find(name); old != m_files.end()) Remove(old);
     if (bytes > kMaxBytes) return;
     while (m_files.size() >= kMaxFiles || m_bytes + bytes > kMaxBytes)
         Remove(std::min_element(m_files.begin(), m_files.end(), [](const auto& a, const auto& b) {
-            return a.second->lastUse.load(std::memory_order_relaxed) <
-                   b.second->lastUse.load(std::memory_order_relaxed);
+            return a.second.lastUse < b.second.lastUse;
         }));
-    file->lastUse = ++m_uses;
-    m_files.emplace(name, std::move(file));
+    m_files.emplace(name, Entry{std::move(file), ++m_uses});
     m_bytes += bytes;
 }
 
 void IniCache::Remove(Files::iterator file)
 {
-    m_bytes -= file->second->ini.Bytes();
+    m_bytes -= file->second.file->ini.Bytes();
     m_files.erase(file);
 }
 

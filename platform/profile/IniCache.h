@@ -1,18 +1,60 @@
 #pragma once
 
-#include "platform/profile/FileStamp.h"
 #include "platform/profile/ParsedIni.h"
+#include "platform/sync/Mutex.h"
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <ctime>
+#include <functional>
+#include <map>
 #include <memory>
-#include <shared_mutex>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <sys/stat.h>
+#include <sys/types.h>
 
 namespace kx::profile {
+
+// What tells one state of a file from another without reading it.
+struct FileStamp
+{
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    timespec modified{};
+    timespec changed{};
+
+    FileStamp() = default;
+    explicit FileStamp(const struct stat& status) noexcept
+        : device(status.st_dev),
+          inode(status.st_ino),
+          size(status.st_size),
+          modified(status.st_mtim),
+          changed(status.st_ctim)
+    {
+    }
+
+    bool IsOf(const struct stat& status) const noexcept
+    {
+        return inode == status.st_ino && device == status.st_dev && size == status.st_size &&
+               Same(modified, status.st_mtim) && Same(changed, status.st_ctim);
+    }
+
+    // Whether every change made after the instant `now` shows in the stamp. The kernel's time goes by ticks,
+    // so a file changed in the tick of its last change, to the same size, keeps its stamp; only once that
+    // tick is over does an equal stamp mean an equal file.
+    bool IsSettled(const timespec& now) const noexcept;
+
+private:
+    static bool Same(const timespec& a, const timespec& b) noexcept
+    {
+        return a.tv_nsec == b.tv_nsec && a.tv_sec == b.tv_sec;
+    }
+};
+
+// The kernel's time as it stamps files.
+timespec FileTime() noexcept;
 
 // A larger file counts as unreadable, and none is made larger.
 inline constexpr std::size_t kMaxFile = 16 * 1024 * 1024;
@@ -28,7 +70,6 @@ struct CachedIni
     bool bSettled;       // whether the stamp tells every change since
     unsigned generation; // of paths and code page
     ParsedIni ini;
-    mutable std::atomic<std::uint64_t> lastUse{0};
 
     // Whether the file still is what was read, by one look at it.
     bool IsCurrent(unsigned nowGeneration) const noexcept;
@@ -44,7 +85,7 @@ public:
     static constexpr std::size_t kMaxBytes = 32 * 1024 * 1024;
 
     // Null without it.
-    CachedIniPtr Find(std::string_view name) const;
+    CachedIniPtr Find(std::string_view name);
     // Takes it in, and the least recently used out while there are too many. One that is too large by itself
     // isn't kept.
     void Put(std::string_view name, CachedIniPtr file);
@@ -52,22 +93,19 @@ public:
     std::shared_mutex& Lock() const noexcept { return m_lock; }
 
 private:
-    struct Hash
+    struct Entry
     {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view name) const noexcept
-        {
-            return std::hash<std::string_view>()(name);
-        }
+        CachedIniPtr file;
+        std::uint64_t lastUse;
     };
-    using Files = std::unordered_map<std::string, CachedIniPtr, Hash, std::equal_to<>>;
+    using Files = std::map<std::string, Entry, std::less<>>;
 
-    void Remove(Files::iterator file);
+    void Remove(Files::iterator file) KX_REQUIRES(m_lock);
 
-    mutable std::shared_mutex m_lock;
-    mutable std::atomic<std::uint64_t> m_uses{0};
-    Files m_files;
-    std::size_t m_bytes = 0;
+    sync::Mutex m_lock;
+    Files m_files KX_GUARDED_BY(m_lock);
+    std::uint64_t m_uses KX_GUARDED_BY(m_lock) = 0;
+    std::size_t m_bytes KX_GUARDED_BY(m_lock) = 0;
 };
 
 } // namespace kx::profile

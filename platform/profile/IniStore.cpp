@@ -1,16 +1,33 @@
 #include "platform/profile/IniStore.h"
 
+#include "internal/IniSnapshot.h"
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
 #include "platform/files/Path.h"
 #include "platform/files/WholeFile.h"
 #include "platform/profile/IniCache.h"
-#include "platform/profile/KeptIni.h"
 #include "platform/sync/Fork.h"
 
 #include <utility>
 
 namespace kx::profile {
+
+// The file that a thread read last while its IniSnapshot lives.
+struct KeptIni
+{
+    std::string name;
+    unsigned generation = 0; // of paths and code page
+    IniPtr ini;
+
+    // The thread's own; null without an IniSnapshot. Never destroyed with the thread, so that statics may
+    // read.
+    static KeptIni*& OfThread() noexcept;
+
+    IniPtr Find(std::string_view wanted, unsigned nowGeneration) const noexcept
+    {
+        return generation == nowGeneration && name == wanted ? ini : nullptr;
+    }
+};
 
 namespace {
 
@@ -20,11 +37,11 @@ IniCache& Cache()
     return cache.Get();
 }
 
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+sync::Mutex& LockOfFork() noexcept
 {
     return Cache().Lock();
 }
-> (sync::ForkOrder::Profile);
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Profile);
 
 IniPtr IniOf(CachedIniPtr file)
 {
@@ -107,6 +124,24 @@ DWORD Update(const std::string& path, mode_t mode, const Edit& edit)
     if (edited->size() > kMaxFile) return ERROR_DISK_FULL;
     replacement.Write(edited->data(), edited->size());
     return replacement.Commit();
+}
+
+KeptIni*& KeptIni::OfThread() noexcept
+{
+    thread_local KeptIni* kept = nullptr;
+    return kept;
+}
+
+IniSnapshot::IniSnapshot()
+{
+    if (KeptIni::OfThread()) return;
+    m_kept = std::make_unique<KeptIni>();
+    KeptIni::OfThread() = m_kept.get();
+}
+
+IniSnapshot::~IniSnapshot()
+{
+    if (m_kept) KeptIni::OfThread() = nullptr;
 }
 
 } // namespace kx::profile

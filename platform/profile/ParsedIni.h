@@ -1,25 +1,18 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 namespace kx::profile {
 
-class FoldedName;
-
 // An INI text, made ready for lookups. Unchanging once built, so any number of threads may share one.
-//
-// The names stand folded and in the order of their hashes, with an index by the hash's upper bits: a lookup
-// goes to the few entries of its part and searches them by halves, so that a text made to collide costs no
-// more than some comparisons.
 class ParsedIni
 {
 public:
-    // The text must have less than 4 GiB; whoever reads files stops far below.
     explicit ParsedIni(std::string text);
     ParsedIni(const ParsedIni&) = delete;
     ParsedIni& operator=(const ParsedIni&) = delete;
@@ -30,41 +23,17 @@ public:
     // this object.
     std::optional<std::string_view> Find(std::string_view section, std::string_view key) const;
 
-    // The memory that it holds.
+    // The memory that it holds, about.
     std::size_t Bytes() const noexcept;
 
 private:
-    struct Span
-    {
-        std::uint32_t begin = 0;
-        std::uint32_t length = 0;
-    };
-    // A section or a key. A section's number is where its name begins.
-    struct Entry
-    {
-        std::uint32_t hash;  // of name and group
-        std::uint32_t group; // the key's section, or kSections
-        Span name;
-        Span value;
-    };
-    static constexpr std::uint32_t kSections = UINT32_MAX;
+    // Section and key, whose names are folded; the section itself has an empty key.
+    using Name = std::pair<std::string_view, std::string_view>;
 
-    static std::uint32_t Hash(std::uint32_t name, std::uint32_t group) noexcept
-    {
-        return name ^ group * 0x9E3779B1;
-    }
+    std::string_view FoldInPlace(std::string_view part) noexcept;
 
-    void ReadLines();
-    void Order();
-    void Index();
-    Span Place(std::string_view part) const noexcept;
-    std::string_view View(Span span) const noexcept { return {m_text.data() + span.begin, span.length}; }
-    const Entry* Look(std::uint32_t group, const FoldedName& name) const noexcept;
-
-    std::string m_text;
-    std::vector<Entry> m_entries;
-    std::vector<std::uint32_t> m_parts; // where each part of the entries begins, and the end
-    int m_shift = 0;                    // from a hash to its part
+    std::string m_text; // which all names and values refer to
+    std::map<Name, std::string_view> m_values;
 };
 
 } // namespace kx::profile

@@ -6,6 +6,8 @@
 #include "platform/profile/IniStore.h"
 #include "platform/text/CharWalk.h"
 
+#include <new>
+
 namespace profile = kx::profile;
 namespace text = kx::text;
 
@@ -24,16 +26,21 @@ DWORD GetPrivateProfileStringA(const char* pszSection, const char* pszKey, const
                                char* pszBuffer, DWORD nSize, const char* pszFile)
 {
     if (!pszBuffer || nSize == 0) return 0;
-    const auto ini = pszSection && pszKey ? profile::Read(pszFile) : nullptr;
-    const auto value = ini ? ini->Find(pszSection, pszKey) : std::nullopt;
-    if (ini && !value) SetLastError(ERROR_FILE_NOT_FOUND);
     const std::string_view fallback = pszDefault ? pszDefault : "";
-    return static_cast<DWORD>(text::CopyCut(value.value_or(fallback), pszBuffer, nSize));
+    try {
+        const auto ini = pszSection && pszKey ? profile::Read(pszFile) : nullptr;
+        const auto value = ini ? ini->Find(pszSection, pszKey) : std::nullopt;
+        if (ini && !value) SetLastError(ERROR_FILE_NOT_FOUND);
+        return static_cast<DWORD>(text::CopyCut(value.value_or(fallback), pszBuffer, nSize));
+    } catch (const std::bad_alloc&) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return static_cast<DWORD>(text::CopyCut(fallback, pszBuffer, nSize));
+    }
 }
 
 int WritePrivateProfileStringA(const char* pszSection, const char* pszKey, const char* pszText,
                                const char* pszFile)
-{
+try {
     const std::string_view section = TrimName(pszSection);
     const std::string_view key = TrimName(pszKey);
     const bool bStorable = pszSection && profile::IsSection(section) && (!pszKey || profile::IsKey(key)) &&
@@ -48,4 +55,6 @@ int WritePrivateProfileStringA(const char* pszSection, const char* pszKey, const
         return profile::SetKey(old, section, key, pszText);
     });
     return error == ERROR_SUCCESS ? 1 : kx::Fail(error);
+} catch (const std::bad_alloc&) {
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }
