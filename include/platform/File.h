@@ -66,7 +66,6 @@ public:
     // Moves and returns the position in bytes; throws CFileException* for one before the start.
     virtual std::uint64_t Seek(std::int64_t nOff, unsigned nFrom);
     virtual std::uint64_t GetPosition() const;
-    std::uint64_t SeekToEnd() { return Seek(0, end); }
     void SeekToBegin() { Seek(0, begin); }
     // The size in bytes; 0 for a closed file.
     virtual std::uint64_t GetLength() const;

@@ -1,10 +1,11 @@
-// DeleteFileA, CreateDirectoryA, RemoveDirectoryA.
+// GetFileAttributesA, DeleteFileA, CreateDirectoryA, RemoveDirectoryA.
 
 #include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
 #include "platform/files/EntryInfo.h"
 #include "platform/files/Path.h"
 
+#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -33,26 +34,54 @@ std::optional<Entry> FindEntry(const char* pszPath)
 
 } // namespace
 
+DWORD GetFileAttributesA(const char* pszPath)
+try {
+    const auto path = kx::path::Resolve(pszPath);
+    if (!path) return INVALID_FILE_ATTRIBUTES;
+    const auto attributes = kx::path::ReadAttributes(path->system);
+    if (!attributes) {
+        kx::path::FailAt(path->system);
+        return INVALID_FILE_ATTRIBUTES;
+    }
+    if (path->trailing && !(*attributes & FILE_ATTRIBUTE_DIRECTORY)) {
+        kx::Fail(ERROR_DIRECTORY);
+        return INVALID_FILE_ATTRIBUTES;
+    }
+    return *attributes;
+} catch (const std::bad_alloc&) {
+    kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+    return INVALID_FILE_ATTRIBUTES;
+}
+
+int PathFileExistsA(const char* pszPath)
+{
+    return GetFileAttributesA(pszPath) != INVALID_FILE_ATTRIBUTES;
+}
+
 // The platform refuses read-only files to everyone, also to those whom the system would let delete them.
 int DeleteFileA(const char* pszPath)
-{
+try {
     const auto entry = FindEntry(pszPath);
     if (!entry) return 0;
     if (entry->Has(FILE_ATTRIBUTE_DIRECTORY) || entry->Has(FILE_ATTRIBUTE_READONLY))
         return kx::Fail(ERROR_ACCESS_DENIED);
     if (entry->path.trailing) return kx::Fail(ERROR_DIRECTORY);
     return unlink(entry->path.system.c_str()) == 0 || kx::path::FailAt(entry->path.system);
+} catch (const std::bad_alloc&) {
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }
 
 int CreateDirectoryA(const char* pszPath, void*)
-{
+try {
     const auto path = kx::path::Resolve(pszPath);
     if (!path) return 0;
     return mkdir(path->system.c_str(), 0777) == 0 || kx::path::FailAt(path->system);
+} catch (const std::bad_alloc&) {
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }
 
 int RemoveDirectoryA(const char* pszPath)
-{
+try {
     const auto entry = FindEntry(pszPath);
     if (!entry) return 0;
     if (!entry->Has(FILE_ATTRIBUTE_DIRECTORY)) return kx::Fail(ERROR_DIRECTORY);
@@ -62,4 +91,6 @@ int RemoveDirectoryA(const char* pszPath)
         entry->Has(FILE_ATTRIBUTE_REPARSE_POINT) ? unlink(pszSystem) == 0 : rmdir(pszSystem) == 0;
     if (bGone) return 1;
     return errno == EEXIST ? kx::Fail(ERROR_DIR_NOT_EMPTY) : kx::path::FailAt(entry->path.system);
+} catch (const std::bad_alloc&) {
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }

@@ -1,14 +1,21 @@
-#include "platform/files/CurrentDirectory.h"
+// The process's current directory and the system's own ones.
 
+#include "platform/files/Path.h"
+
+#include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
+#include "platform/files/EntryInfo.h"
 #include "platform/sync/Fork.h"
+#include "platform/sync/Mutex.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <memory>
-#include <mutex>
+#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace kx::path {
 
@@ -16,8 +23,8 @@ namespace {
 
 struct Chosen
 {
-    std::mutex lock;
-    std::string path;
+    sync::Mutex lock; // held over chdir, so that the path is that of the last change
+    std::string path KX_GUARDED_BY(lock);
 };
 
 Chosen& TheChosen()
@@ -26,11 +33,11 @@ Chosen& TheChosen()
     return chosen.Get();
 }
 
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+sync::Mutex& LockOfFork() noexcept
 {
     return TheChosen().lock;
 }
-> (sync::ForkOrder::CurrentDirectory);
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::CurrentDirectory);
 
 bool IsHere(const std::string& path)
 {
@@ -46,8 +53,9 @@ std::string CurrentDirectory()
 {
     std::string chosen;
     {
-        const std::lock_guard lock(TheChosen().lock);
-        chosen = TheChosen().path;
+        Chosen& last = TheChosen();
+        const sync::MutexLock lock(last.lock);
+        chosen = last.path;
     }
     if (!chosen.empty() && IsHere(chosen)) return chosen;
     const std::unique_ptr<char, decltype(&std::free)> path(getcwd(nullptr, 0), std::free);
@@ -56,10 +64,52 @@ std::string CurrentDirectory()
 
 bool ChangeDirectory(const std::string& systemPath)
 {
-    const std::lock_guard lock(TheChosen().lock); // so that the path is that of the last change
-    if (chdir(systemPath.c_str()) != 0) return false;
-    TheChosen().path = systemPath;
+    std::string path = systemPath; // before the change, after which nothing may fail
+    Chosen& last = TheChosen();
+    const sync::MutexLock lock(last.lock);
+    if (chdir(path.c_str()) != 0) return false;
+    last.path = std::move(path);
     return true;
 }
 
 } // namespace kx::path
+
+namespace {
+
+UINT Deliver(std::string_view text, char* pszBuffer, UINT nSize)
+{
+    const auto length = static_cast<UINT>(text.size());
+    if (!pszBuffer || nSize <= length) return length + 1;
+    std::memcpy(pszBuffer, text.data(), length);
+    pszBuffer[length] = '\0';
+    return length;
+}
+
+} // namespace
+
+int SetCurrentDirectoryA(const char* pszPath)
+try {
+    const auto path = kx::path::ToSystem(pszPath);
+    return path && (kx::path::ChangeDirectory(*path) || kx::path::FailAt(*path));
+} catch (const std::bad_alloc&) {
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+}
+
+DWORD GetCurrentDirectoryA(DWORD nSize, char* pszBuffer)
+try {
+    const auto path = kx::path::FromSystem(kx::path::CurrentDirectory());
+    if (!path) return static_cast<DWORD>(kx::Fail(ERROR_PATH_NOT_FOUND));
+    return Deliver(*path, pszBuffer, nSize);
+} catch (const std::bad_alloc&) {
+    return static_cast<DWORD>(kx::Fail(ERROR_NOT_ENOUGH_MEMORY));
+}
+
+UINT GetSystemDirectoryA(char* pszBuffer, UINT nSize)
+{
+    return Deliver("C:\\usr\\lib", pszBuffer, nSize);
+}
+
+UINT GetWindowsDirectoryA(char* pszBuffer, UINT nSize)
+{
+    return Deliver("C:\\usr", pszBuffer, nSize);
+}

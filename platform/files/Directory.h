@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <sys/stat.h>
 
 namespace kx {
 
@@ -24,9 +25,21 @@ public:
 
     explicit operator bool() const noexcept { return m_dir != nullptr; }
     // Nothing at the end, also where reading fails.
-    std::optional<Entry> Next() noexcept;
+    std::optional<Entry> Next() noexcept
+    {
+        while (const dirent* entry = m_dir ? readdir(m_dir.get()) : nullptr) {
+            const std::string_view name = entry->d_name;
+            if (name != "." && name != "..") return Entry{name, entry->d_type};
+        }
+        return std::nullopt;
+    }
     // Whether an entry just read is a directory or a link to one.
-    bool IsDirectory(const Entry& entry) const noexcept;
+    bool IsDirectory(const Entry& entry) const noexcept
+    {
+        if (entry.type != DT_LNK && entry.type != DT_UNKNOWN) return entry.type == DT_DIR;
+        struct stat info;
+        return fstatat(Fd(), entry.name.data(), &info, 0) == 0 && S_ISDIR(info.st_mode);
+    }
     // For calls that take names relative to it; the current directory's where it isn't open.
     int Fd() const noexcept { return m_dir ? dirfd(m_dir.get()) : AT_FDCWD; }
 

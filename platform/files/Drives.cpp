@@ -4,12 +4,11 @@
 #include "platform/files/MountTable.h"
 #include "platform/files/SystemDrives.h"
 #include "platform/sync/Fork.h"
-#include "platform/sync/LockSoon.h"
+#include "platform/sync/Mutex.h"
 
 #include <array>
 #include <atomic>
 #include <filesystem>
-#include <mutex>
 
 namespace kx::drives {
 
@@ -30,7 +29,7 @@ class HostDrives
 public:
     std::optional<Drive> Find(std::size_t index)
     {
-        const std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         if (m_drives[index] || index != IndexOf('C')) return m_drives[index];
         Drive system;
         system.root = "";
@@ -39,16 +38,18 @@ public:
 
     std::optional<std::size_t> Peek(std::size_t index, std::span<char> buffer) noexcept
     {
-        const std::unique_lock lock = sync::LockSoon(m_lock);
-        if (!lock) return std::nullopt;
-        if (m_drives[index]) return CopyRoot(*m_drives[index], buffer);
+        if (!m_lock.TryLockBriefly()) return std::nullopt;
+        const bool bHost = m_drives[index].has_value();
+        const auto copied = bHost ? CopyRoot(*m_drives[index], buffer) : std::nullopt;
+        m_lock.unlock();
+        if (bHost) return copied;
         if (index == IndexOf('C')) return 0;
         return PeekSystemRoot(index, buffer);
     }
 
     Letters Taken()
     {
-        const std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         Letters taken;
         for (std::size_t i = 0; i < kLetters; ++i)
             taken[i] = m_drives[i].has_value();
@@ -57,16 +58,16 @@ public:
 
     void Set(std::size_t index, std::optional<Drive> drive)
     {
-        const std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         m_drives[index] = std::move(drive);
         g_generation.fetch_add(1, std::memory_order_release);
     }
 
-    std::mutex& Lock() noexcept { return m_lock; }
+    sync::Mutex& Lock() noexcept KX_RETURN_LOCK(m_lock) { return m_lock; }
 
 private:
-    std::mutex m_lock;
-    std::array<std::optional<Drive>, kLetters> m_drives;
+    sync::Mutex m_lock;
+    std::array<std::optional<Drive>, kLetters> m_drives KX_GUARDED_BY(m_lock);
 };
 
 HostDrives& TheHost()
@@ -75,11 +76,11 @@ HostDrives& TheHost()
     return drives.Get();
 }
 
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+sync::Mutex& LockOfFork() noexcept
 {
     return TheHost().Lock();
 }
-> (sync::ForkOrder::Drives);
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Drives);
 
 } // namespace
 

@@ -9,6 +9,7 @@
 #include "platform/files/Path.h"
 #include "platform/files/WholeFile.h"
 
+#include <new>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -55,14 +56,19 @@ int CFile::Open(const char* pszFileName, unsigned nOpenFlags, CFileException* pE
     } catch (CException* pException) { // what was lost belongs to the file before this one
         pException->Delete();
     }
-    CFileException failure;
-    m_fd = OpenPath(pszFileName, nOpenFlags, failure).Release();
-    m_nProcess = getpid();
-    if (m_fd >= 0)
-        m_strFileName = pszFileName;
-    else if (pError)
-        *pError = failure;
-    return m_fd >= 0;
+    try {
+        CFileException failure;
+        kx::UniqueFd fd = OpenPath(pszFileName, nOpenFlags, failure);
+        if (fd)
+            m_strFileName = pszFileName;
+        else if (pError)
+            *pError = failure;
+        m_fd = fd.Release();
+        m_nProcess = getpid();
+        return m_fd >= 0;
+    } catch (const std::bad_alloc&) {
+        AfxThrowMemoryException();
+    }
 }
 
 void CFile::Close()
@@ -70,7 +76,7 @@ void CFile::Close()
     if (m_fd < 0) return;
     const CString strFileName = std::exchange(m_strFileName, CString());
     if (CloseSystemFile() != 0 && errno != EINTR)
-        throw new CFileException(kx::CauseFromErrno(errno), errno, strFileName);
+        AfxThrowFileException(kx::CauseFromErrno(errno), errno, strFileName);
 }
 
 void CFile::Abort() noexcept
@@ -117,5 +123,5 @@ std::uint64_t CFile::GetLength() const
 
 void CFile::Throw(int nErrno) const
 {
-    throw new CFileException(kx::CauseFromErrno(nErrno), nErrno, m_strFileName);
+    AfxThrowFileException(kx::CauseFromErrno(nErrno), nErrno, m_strFileName);
 }

@@ -1,17 +1,17 @@
 #include "platform/files/Path.h"
 
 #include "include/platform/CodePage.h"
+#include "include/platform/Exception.h"
 #include "include/platform/Host.h"
 #include "include/platform/Types.h"
 #include "platform/Errno.h"
-#include "platform/files/CurrentDirectory.h"
 #include "platform/files/Drives.h"
-#include "platform/files/NameMatch.h"
 #include "platform/sync/AlternateStack.h"
 #include "platform/text/Conversion.h"
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace kx::path {
 
@@ -174,7 +174,7 @@ std::optional<std::string> ToSystem(const char* pszPath)
     return std::move(resolved->system);
 }
 
-std::optional<CString> FromSystem(std::string_view systemPath)
+std::optional<std::string> FromSystem(std::string_view systemPath)
 {
     if (systemPath.empty() || systemPath[0] != '/') return std::nullopt;
     std::string path;
@@ -188,7 +188,7 @@ std::optional<CString> FromSystem(std::string_view systemPath)
     std::replace(path.begin(), path.end(), '/', '\\');
     const auto bytes = text::FromUtf8(path);
     if (!bytes || bytes->size() > kMaxLength) return std::nullopt;
-    return CString(std::string_view(*bytes));
+    return bytes;
 }
 
 std::string_view LastName(std::string_view systemPath) noexcept
@@ -209,11 +209,15 @@ unsigned Generation() noexcept
 } // namespace kx::path
 
 std::string KXHost::ToSystemPath(const char* pszPath)
-{
+try {
     return kx::path::ToSystem(pszPath).value_or("");
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 CString KXHost::FromSystemPath(const std::string& strPath)
-{
-    return kx::path::FromSystem(strPath).value_or(CString());
+try {
+    return CString(std::string_view(kx::path::FromSystem(strPath).value_or("")));
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "include/platform/String.h"
-
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -42,7 +41,7 @@ std::optional<std::string> ToSystem(const char* pszPath);
 
 // A path of this library for an absolute Linux path: the drive with the longest matching root. Nothing where
 // no drive holds it or the name can't be said in the code page or in 259 bytes.
-std::optional<CString> FromSystem(std::string_view systemPath);
+std::optional<std::string> FromSystem(std::string_view systemPath);
 
 // A Linux path's last component, and the directory that holds it.
 std::string_view LastName(std::string_view systemPath) noexcept;
@@ -51,5 +50,17 @@ std::string DirectoryOf(const std::string& systemPath);
 // Changes whenever drives, their roots or the code page change, so that what was resolved before is stale.
 // Paths that aren't `absolute` are stale too when the current directory changes, which is not counted here.
 unsigned Generation() noexcept;
+
+// Makes an absolute Linux path, of which nothing up to `fixed` is touched, name what exists: where it doesn't
+// as it stands, each missing component behind `fixed` is replaced by the entry of its directory that equals
+// it ignoring case, the lowest in byte order. What has no such entry stays. True if a component was replaced.
+bool MatchExisting(std::string& path, std::size_t fixed);
+
+// The process's current directory as an absolute Linux path; empty where it has none any more. While it is
+// the one that ChangeDirectory chose, links in its path stay as they were spelled there.
+std::string CurrentDirectory();
+
+// Changes it; `errno` on failure.
+bool ChangeDirectory(const std::string& systemPath);
 
 } // namespace kx::path

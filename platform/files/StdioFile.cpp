@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <string_view>
 #include <unistd.h>
 #include <utility>
@@ -31,7 +32,7 @@ void CStdioFile::Close()
     m_nPos = m_nEnd = 0;
     m_bWriting = false;
     CFile::Close();
-    if (error) throw new CFileException(kx::CauseFromErrno(error), error, strFileName);
+    if (error) AfxThrowFileException(kx::CauseFromErrno(error), error, strFileName);
 }
 
 void CStdioFile::Abort() noexcept
@@ -58,7 +59,8 @@ int CStdioFile::WriteOut() noexcept
 
 void CStdioFile::NeedBuffer()
 {
-    if (!m_buffer) m_buffer = std::make_unique_for_overwrite<char[]>(kBlock);
+    if (!m_buffer) m_buffer.reset(new (std::nothrow) char[kBlock]);
+    if (!m_buffer) AfxThrowMemoryException();
 }
 
 void CStdioFile::StartReading()

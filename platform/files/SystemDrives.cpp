@@ -7,13 +7,12 @@
 #include "platform/files/Directory.h"
 #include "platform/files/MountTable.h"
 #include "platform/sync/Fork.h"
-#include "platform/sync/LockSoon.h"
+#include "platform/sync/Mutex.h"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <fcntl.h>
-#include <mutex>
 #include <poll.h>
 #include <utility>
 
@@ -39,25 +38,26 @@ std::optional<std::string> MountPoint(const BlockDevice& device, const std::vect
 class SystemDrives
 {
 public:
-    std::mutex& Lock() noexcept { return m_lock; }
+    sync::Mutex& Lock() noexcept KX_RETURN_LOCK(m_lock) { return m_lock; }
 
     std::optional<Drive> Find(std::size_t letter, const Letters& taken, Look look)
     {
-        const std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         Refresh(taken, look);
         return m_drives[letter];
     }
 
     std::optional<std::size_t> Peek(std::size_t letter, std::span<char> buffer) noexcept
     {
-        const std::unique_lock lock = sync::LockSoon(m_lock);
-        if (!lock || !m_drives[letter]) return std::nullopt;
-        return CopyRoot(*m_drives[letter], buffer);
+        if (!m_lock.TryLockBriefly()) return std::nullopt;
+        const auto copied = m_drives[letter] ? CopyRoot(*m_drives[letter], buffer) : std::nullopt;
+        m_lock.unlock();
+        return copied;
     }
 
     std::vector<Drive> All(const Letters& taken)
     {
-        const std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         Refresh(taken, Look::AtMounts);
         std::vector<Drive> all;
         for (const auto& drive : m_drives)
@@ -67,13 +67,13 @@ public:
 
     std::string Root()
     {
-        const std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         return m_root;
     }
 
     void SetRoot(std::string root)
     {
-        const std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         m_root = std::move(root);
         m_devices = {};
         m_drives = {};
@@ -83,7 +83,7 @@ public:
     }
 
 private:
-    void Refresh(const Letters& taken, Look look)
+    void Refresh(const Letters& taken, Look look) KX_REQUIRES(m_lock)
     {
         const bool bMounts = MountsChanged();
         const bool bDisks = look == Look::Again && DisksChanged();
@@ -92,7 +92,7 @@ private:
 
     // The kernel wakes pollers of its mount table at each change; a table that stands in for it is always
     // read.
-    bool MountsChanged()
+    bool MountsChanged() KX_REQUIRES(m_lock)
     {
         if (!m_root.empty()) return true;
         if (!m_table) {
@@ -103,7 +103,7 @@ private:
         return poll(&watch, 1, 0) > 0 && (watch.revents & (POLLPRI | POLLERR)) != 0;
     }
 
-    bool DisksChanged()
+    bool DisksChanged() KX_REQUIRES(m_lock)
     {
         Directory entries((m_root + "/sys/block").c_str());
         std::vector<std::string> disks;
@@ -113,7 +113,7 @@ private:
         return std::exchange(m_disks, disks) != disks;
     }
 
-    void Read(const Letters& taken)
+    void Read(const Letters& taken) KX_REQUIRES(m_lock)
     {
         const auto mounts = ReadMounts(m_root);
         std::array<std::optional<Drive>, kLetters> drives;
@@ -136,7 +136,7 @@ private:
     }
 
     // The letter that a device has or gets; kLetters when none is left.
-    std::size_t LetterOf(const std::string& device, const Letters& taken)
+    std::size_t LetterOf(const std::string& device, const Letters& taken) KX_REQUIRES(m_lock)
     {
         const auto found = std::find(m_devices.begin(), m_devices.end(), device);
         if (found != m_devices.end()) return static_cast<std::size_t>(found - m_devices.begin());
@@ -147,12 +147,12 @@ private:
         return letter;
     }
 
-    std::mutex m_lock;
-    std::string m_root;
-    std::array<std::string, kLetters> m_devices; // which device has each letter
-    std::array<std::optional<Drive>, kLetters> m_drives;
-    UniqueFd m_table;
-    std::vector<std::string> m_disks;
+    sync::Mutex m_lock; // held while the mount table and the list of disks are read
+    std::string m_root KX_GUARDED_BY(m_lock);
+    std::array<std::string, kLetters> m_devices KX_GUARDED_BY(m_lock); // which device has each letter
+    std::array<std::optional<Drive>, kLetters> m_drives KX_GUARDED_BY(m_lock);
+    UniqueFd m_table KX_GUARDED_BY(m_lock);
+    std::vector<std::string> m_disks KX_GUARDED_BY(m_lock);
 };
 
 SystemDrives& TheDrives()
@@ -161,11 +161,11 @@ SystemDrives& TheDrives()
     return drives.Get();
 }
 
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+sync::Mutex& LockOfFork() noexcept
 {
     return TheDrives().Lock();
 }
-> (sync::ForkOrder::SystemDrives);
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::SystemDrives);
 
 } // namespace
 

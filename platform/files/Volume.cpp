@@ -3,14 +3,16 @@
 #include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
 #include "platform/files/BlockDevices.h"
+#include "platform/files/Directory.h"
 #include "platform/files/Drives.h"
 #include "platform/files/MountTable.h"
 #include "platform/files/SystemDrives.h"
-#include "platform/files/VolumeId.h"
 #include "platform/text/CharWalk.h"
 #include "platform/text/Conversion.h"
 
 #include <cstring>
+#include <filesystem>
+#include <new>
 #include <sys/statfs.h>
 
 namespace {
@@ -20,6 +22,52 @@ using kx::drives::Drive;
 constexpr DWORD kCasePreserved = 0x2;
 constexpr DWORD kUnicode = 0x4;
 constexpr DWORD kReadOnly = 0x80000;
+
+// The name of the link in a directory that leads to a device; empty without one.
+std::string LinkTo(const std::string& device, const std::string& directory)
+{
+    kx::Directory links(directory.c_str());
+    while (const auto link = links.Next()) {
+        std::error_code error;
+        const auto target =
+            std::filesystem::read_symlink(std::filesystem::path(directory) / link->name, error);
+        if (!error && target.filename() == device) return std::string(link->name);
+    }
+    return {};
+}
+
+// The value of a hexadecimal digit, or -1.
+int Digit(char ch) noexcept
+{
+    if (ch >= '0' && ch <= '9') return ch - '0';
+    if (ch >= 'a' && ch <= 'f') return ch - 'a' + 10;
+    if (ch >= 'A' && ch <= 'F') return ch - 'A' + 10;
+    return -1;
+}
+
+// Other bytes than plain ones stand in the links' names as `\x` and two digits.
+// In UTF-8; empty without one.
+std::string VolumeLabel(const std::string& device, const std::string& systemRoot)
+{
+    const std::string name = LinkTo(device, systemRoot + "/dev/disk/by-label");
+    std::string label;
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        const bool bEscape = name.compare(i, 2, "\\x") == 0 && i + 3 < name.size();
+        const int high = bEscape ? Digit(name[i + 2]) : -1;
+        const int low = bEscape ? Digit(name[i + 3]) : -1;
+        label += high >= 0 && low >= 0 ? static_cast<char>(high * 16 + low) : name[i];
+        if (high >= 0 && low >= 0) i += 3;
+    }
+    return label;
+}
+
+DWORD VolumeSerial(const std::string& device, const std::string& systemRoot)
+{
+    DWORD serial = 0;
+    for (const char ch : LinkTo(device, systemRoot + "/dev/disk/by-uuid"))
+        if (const int digit = Digit(ch); digit >= 0) serial = serial << 4 | static_cast<DWORD>(digit);
+    return serial;
+}
 
 // The drive whose root a path names (`X:\`, also without the separator).
 std::optional<Drive> FindDrive(const char* pszRoot)
@@ -52,9 +100,9 @@ Volume Describe(const Drive& drive, const struct statfs& info)
     const auto mounts = kx::drives::ReadMounts(systemRoot);
     if (const auto* mount = kx::drives::FindMount(mounts, *drive.root)) {
         const std::string device = kx::drives::DeviceName(*mount, systemRoot);
-        if (!drive.bHost) volume.label = kx::drives::VolumeLabel(device, systemRoot);
+        if (!drive.bHost) volume.label = VolumeLabel(device, systemRoot);
         if (volume.fileSystem.empty()) volume.fileSystem = mount->fileSystem;
-        if (volume.serial == 0) volume.serial = kx::drives::VolumeSerial(device, systemRoot);
+        if (volume.serial == 0) volume.serial = VolumeSerial(device, systemRoot);
         if (mount->bReadOnly) volume.flags |= kReadOnly;
     }
     if (volume.serial == 0) volume.serial = static_cast<DWORD>(info.f_fsid.__val[0] ^ info.f_fsid.__val[1]);
@@ -74,14 +122,17 @@ void Deliver(DWORD dwValue, DWORD* pdwTarget)
 } // namespace
 
 UINT GetDriveTypeA(const char* pszRoot)
-{
+try {
     const auto drive = FindDrive(pszRoot);
     return drive ? drive->type : DRIVE_NO_ROOT_DIR;
+} catch (const std::bad_alloc&) {
+    kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+    return DRIVE_NO_ROOT_DIR;
 }
 
 int GetVolumeInformationA(const char* pszRoot, char* pszLabel, DWORD nLabelSize, DWORD* pdwSerial,
                           DWORD* pdwMaxComponent, DWORD* pdwFlags, char* pszFileSystem, DWORD nFileSystemSize)
-{
+try {
     const auto drive = FindDrive(pszRoot);
     if (!drive) return kx::Fail(ERROR_PATH_NOT_FOUND);
     struct statfs info;
@@ -93,4 +144,6 @@ int GetVolumeInformationA(const char* pszRoot, char* pszLabel, DWORD nLabelSize,
     Deliver(volume.flags, pdwFlags);
     Deliver(volume.fileSystem, pszFileSystem, nFileSystemSize);
     return 1;
+} catch (const std::bad_alloc&) {
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }

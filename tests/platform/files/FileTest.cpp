@@ -60,7 +60,7 @@ TEST(File, CreatesKeepsEmptiesAndMoves)
     EXPECT_EQ(file.Read(buffer.data(), 20), 3u);
     EXPECT_STREQ(buffer.data(), "789");
     EXPECT_EQ(file.Read(buffer.data(), 20), 0u);
-    EXPECT_EQ(file.SeekToEnd(), 10u);
+    EXPECT_EQ(file.Seek(0, CFile::end), 10u);
     EXPECT_EQ(CauseOf([&] { file.Seek(-1, CFile::begin); }), CFileException::badSeek);
     EXPECT_EQ(CauseOf([&] { file.Seek(0, 9); }), CFileException::badSeek);
     EXPECT_EQ(file.GetLength(), 10u);

@@ -109,7 +109,7 @@ TEST(StdioFile, ReadingAndWritingShareOnePosition)
     EXPECT_TRUE(file.ReadString(strLine));
     EXPECT_EQ(strLine, "three");
     EXPECT_TRUE(Fails([&] { file.Seek(-1, CFile::begin); }));
-    EXPECT_EQ(file.SeekToEnd(), 14u);
+    EXPECT_EQ(file.Seek(0, CFile::end), 14u);
     file.WriteString("end");
     file.SeekToBegin();
     std::string all(100, ' ');
@@ -148,6 +148,6 @@ TEST(StdioFile, ClosedOneAnswersReadsAndWritesWithAnException)
     EXPECT_TRUE(Fails([&] { file.Read(nullptr, 0); }));
     EXPECT_TRUE(Fails([&] { file.WriteString("x"); }));
     EXPECT_TRUE(Fails([&] { file.WriteString(static_cast<const char*>(nullptr)); }));
-    EXPECT_FALSE(Fails([&] { file.Flush(), file.Close(), file.SeekToEnd(); }));
+    EXPECT_FALSE(Fails([&] { file.Flush(), file.Close(), file.Seek(0, CFile::end); }));
     EXPECT_EQ(file.GetLength() + file.GetPosition(), 0u);
 }
