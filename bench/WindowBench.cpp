@@ -77,10 +77,8 @@ void SendAcross(benchmark::State& state)
     const OneCore core;
     std::binary_semaphore ready{0};
     HWND hWnd = nullptr;
-    DWORD dwThreadId = 0;
     std::thread receiver([&] {
         hWnd = MakeWindow();
-        dwThreadId = GetCurrentThreadId();
         ready.release();
         MSG msg;
         while (GetMessageA(&msg, nullptr, 0, 0) > 0)
@@ -90,7 +88,7 @@ void SendAcross(benchmark::State& state)
     if (SendMessageA(hWnd, WM_USER, 1, 0) != 2) state.SkipWithError("no answer");
     for (auto _ : state)
         benchmark::DoNotOptimize(SendMessageA(hWnd, WM_USER, 1, 0));
-    PostThreadMessageA(dwThreadId, WM_QUIT, 0, 0);
+    PostMessage(hWnd, WM_QUIT, 0, 0);
     receiver.join();
 }
 

@@ -115,7 +115,6 @@ KX_API int IsWindowVisible(HWND hWnd) noexcept;
 // focus but for SW_SHOWNOACTIVATE and SW_SHOWNA. One that is hidden loses it. For a call by another thread
 // the focus changes when the owner comes to it among its messages.
 KX_API int ShowWindow(HWND hWnd, int nCmd);
-KX_API WNDPROC GetWindowProcA(HWND hWnd) noexcept;
 // The window's value of its client, 0 at first; `nIndex` is GWLP_USERDATA. Set gives the old value.
 KX_API std::intptr_t SetWindowLongPtrA(HWND hWnd, int nIndex, std::intptr_t nValue);
 KX_API std::intptr_t GetWindowLongPtrA(HWND hWnd, int nIndex);
@@ -153,7 +152,6 @@ inline constexpr UINT SWP_HIDEWINDOW = 0x80;
 // A new size keeps what was painted and invalidates what is new. `hAfter` is one of the HWND_... above, any
 // other counts as HWND_TOP. A size below 0 counts as 0. Non-zero on success.
 KX_API int SetWindowPos(HWND hWnd, HWND hAfter, int x, int y, int nWidth, int nHeight, UINT nFlags);
-KX_API int MoveWindow(HWND hWnd, int x, int y, int nWidth, int nHeight, int bRepaint = 1);
 
 // Cuts a window of the calling thread to a region of its own coordinates, outside of which nothing of it is
 // seen, or with null to its rectangle again. The region is the system's from then on. Non-zero on success; 0,
@@ -188,8 +186,6 @@ KX_API DWORD GetWindowThreadProcessId(HWND hWnd, DWORD* pdwProcessId) noexcept;
 // Puts a message at the end of the owning thread's queue and returns at once: non-zero, or 0 for no such
 // window or a queue of 10,000 messages. A null window posts to the calling thread.
 KX_API int PostMessage(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam);
-// The same to a thread, by its number; 0 for one without a queue too.
-KX_API int PostThreadMessageA(DWORD dwThreadId, UINT nMsg, WPARAM wParam, LPARAM lParam);
 // Lets the calling thread get WM_QUIT, with the code in its WPARAM, once it has taken what is posted. It
 // needs no place in the queue.
 KX_API void PostQuitMessage(int nExitCode);

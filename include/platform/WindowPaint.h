@@ -15,10 +15,6 @@ struct PAINTSTRUCT
 // Adds a rectangle (null: all) of a visible window to its update region; with `bErase` it is erased first.
 // Nothing happens for a hidden window. Any thread.
 KX_API int InvalidateRect(HWND hWnd, const RECT* pRect, int bErase);
-// Takes a rectangle (null: all) out of it.
-KX_API int ValidateRect(HWND hWnd, const RECT* pRect);
-// The bounds of the update region; 0, with an empty rectangle, for an empty one.
-KX_API int GetUpdateRect(HWND hWnd, RECT* pRect);
 // Sends WM_PAINT at once if there is something to paint. By the window's thread.
 KX_API int UpdateWindow(HWND hWnd);
 

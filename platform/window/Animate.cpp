@@ -1,7 +1,7 @@
 #include "include/platform/WindowPaint.h"
 #include "platform/time/Clock.h"
 #include "platform/window/Desktop.h"
-#include "platform/window/ThreadQueue.h"
+#include "platform/window/Queue.h"
 
 #include <algorithm>
 #include <chrono>

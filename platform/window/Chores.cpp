@@ -1,9 +1,8 @@
 #include "platform/window/Chores.h"
 
 #include "include/platform/Clock.h"
-#include "platform/window/Focus.h"
-#include "platform/window/Placement.h"
 #include "platform/window/Queue.h"
+#include "platform/window/WindowState.h"
 #include "platform/window/WindowTable.h"
 
 namespace kx::window {

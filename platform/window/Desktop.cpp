@@ -2,9 +2,9 @@
 
 #include "platform/Immortal.h"
 #include "platform/screen/Screen.h"
+#include "platform/window/HeadlessDesktop.h"
 #include "platform/window/WindowTable.h"
-#include "platform/window/headless/HeadlessDesktop.h"
-#include "platform/window/x11/X11Desktop.h"
+#include "platform/window/X11Desktop.h"
 
 #include <atomic>
 #include <cstdlib>

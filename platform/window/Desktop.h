@@ -45,6 +45,8 @@ public:
     virtual ~Desktop() = default;
 
     virtual SIZE Size() const noexcept = 0;
+    // Whether a person may see it, and answer what is asked there.
+    virtual bool IsSeen() const noexcept { return true; }
     // Another has taken its place: it gives back what it holds of the system's. Without the lock of the
     // desktop's pixels.
     virtual void Leave() noexcept {}
@@ -83,11 +85,6 @@ public:
     // False for no such window.
     virtual bool PostForeign(HWND hWnd, const KXHost::SentMessage& message) = 0;
     virtual LRESULT SendForeign(HWND hWnd, const KXHost::SentMessage& message) = 0;
-
-    // ---- Message boxes
-
-    // Waits for the answer, where there is one to be had, and returns it (an ID... number).
-    virtual int ShowMessageBox(const KXHost::MessageBoxRecord& box) = 0;
 };
 
 } // namespace kx::window

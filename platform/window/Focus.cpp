@@ -1,8 +1,8 @@
-#include "platform/window/Focus.h"
+#include "platform/window/WindowState.h"
 
 #include "platform/Errno.h"
 #include "platform/window/Desktop.h"
-#include "platform/window/ThreadQueue.h"
+#include "platform/window/Queue.h"
 #include "platform/window/WindowTable.h"
 
 namespace {

@@ -4,8 +4,8 @@
 #include "platform/screen/Screen.h"
 #include "platform/window/Backing.h"
 #include "platform/window/Desktop.h"
-#include "platform/window/headless/HeadlessDesktop.h"
-#include "platform/window/x11/X11Desktop.h"
+#include "platform/window/HeadlessDesktop.h"
+#include "platform/window/X11Desktop.h"
 
 #include <chrono>
 #include <fstream>
@@ -53,4 +53,26 @@ bool KXHost::SaveDesktop(const std::string& strPath)
     std::ofstream out(strPath, std::ios::binary);
     out.write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
     return out.flush().good();
+}
+
+std::vector<KXHost::MessageBoxRecord> KXHost::TakeMessageBoxes()
+{
+    return HeadlessDesktop::Instance().TakeMessageBoxes();
+}
+
+HWND KXHost::AddForeignWindow(DWORD dwProcessId, bool bVisible)
+{
+    if (dwProcessId == 0) return nullptr;
+    // A process's first thread has the process's number.
+    return HeadlessDesktop::Instance().AddForeign({dwProcessId, dwProcessId, bVisible});
+}
+
+std::vector<KXHost::SentMessage> KXHost::TakeForeignMessages(HWND hWnd)
+{
+    return HeadlessDesktop::Instance().TakeMessages(hWnd);
+}
+
+void KXHost::RemoveForeignWindow(HWND hWnd)
+{
+    HeadlessDesktop::Instance().RemoveForeign(hWnd);
 }

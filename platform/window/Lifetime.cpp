@@ -1,10 +1,9 @@
 #include "platform/window/Lifetime.h"
 
 #include "platform/Errno.h"
-#include "platform/window/Appearance.h"
 #include "platform/window/Desktop.h"
-#include "platform/window/Focus.h"
-#include "platform/window/ThreadQueue.h"
+#include "platform/window/Queue.h"
+#include "platform/window/WindowState.h"
 #include "platform/window/WindowTable.h"
 
 namespace kx::window {
@@ -61,28 +60,28 @@ void EndWindowsOf(Queue& owner) noexcept
         End(*window);
 }
 
-HWND Create(const Wish& wish, WNDPROC hook)
+HWND Create(const CreateArguments& wanted, WNDPROC hook)
 {
     const auto refuse = [](DWORD dwError) {
         SetLastError(dwError);
         return HWND{};
     };
-    if (wish.parent && wish.parent != kDesktopHandle) return refuse(ERROR_INVALID_PARAMETER);
-    auto cls = ClassTable::Instance().Find(wish.className);
+    if (wanted.parent && wanted.parent != kDesktopHandle) return refuse(ERROR_INVALID_PARAMETER);
+    auto cls = ClassTable::Instance().Find(wanted.className);
     if (!cls) return refuse(ERROR_CLASS_DOES_NOT_EXIST);
     auto queue = ThisThread();
     if (!queue) return refuse(ERROR_INVALID_THREAD_ID);
 
     const CString className = cls->name;
-    const CREATESTRUCTA create{wish.param, wish.name, className, wish.x,
-                               wish.y,     wish.cx,   wish.cy,   wish.style};
+    const CREATESTRUCTA create{wanted.param, wanted.name, className, wanted.x,
+                               wanted.y,     wanted.cx,   wanted.cy, wanted.style};
     const auto made = std::make_shared<Window>(NewHandle(), std::move(cls), hook, std::move(queue), create);
     const HWND hWnd = made->Handle();
     WindowTable::Instance().Add(made);
     EndAtExit end(*made);
     if (!Desktop::Instance().Create(hWnd, create)) return refuse(ERROR_NOT_ENOUGH_MEMORY);
     if (!Announce(*made, create)) return nullptr;
-    if (wish.style & WS_VISIBLE) ShowWindow(hWnd, SW_SHOW);
+    if (wanted.style & WS_VISIBLE) ShowWindow(hWnd, SW_SHOW);
     if (made->ended) return nullptr;
     end.Keep();
     return hWnd;

@@ -6,8 +6,8 @@ namespace kx::window {
 
 class Queue;
 
-// What a window is made of.
-struct Wish
+// The arguments of CreateWindowExA that count.
+struct CreateArguments
 {
     const char* className;
     const char* name;
@@ -18,7 +18,7 @@ struct Wish
 };
 // What CreateWindowExA does, but that the hook, unless it is null, is the window's procedure. That may pass
 // on to the class's own with CallClass.
-HWND Create(const Wish& wish, WNDPROC hook);
+HWND Create(const CreateArguments& create, WNDPROC hook);
 // By the window's thread; 0 for no such window.
 LRESULT CallClass(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam);
 

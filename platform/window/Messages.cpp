@@ -4,7 +4,7 @@
 #include "platform/Errno.h"
 #include "platform/window/Chores.h"
 #include "platform/window/Desktop.h"
-#include "platform/window/ThreadQueue.h"
+#include "platform/window/Queue.h"
 #include "platform/window/WindowTable.h"
 
 #include <memory>
@@ -86,12 +86,6 @@ int PostMessage(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
         return PostTo(window->Owner(), window.get(), nMsg, wParam, lParam);
     const bool bPosted = Desktop::Instance().PostForeign(hWnd, {nMsg, wParam, lParam});
     return bPosted ? 1 : kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
-}
-
-int PostThreadMessageA(DWORD dwThreadId, UINT nMsg, WPARAM wParam, LPARAM lParam)
-{
-    const auto queue = kx::window::FindThread(dwThreadId);
-    return queue ? PostTo(*queue, nullptr, nMsg, wParam, lParam) : kx::Fail(ERROR_INVALID_THREAD_ID);
 }
 
 void PostQuitMessage(int nExitCode)

@@ -1,7 +1,7 @@
 #include "include/platform/WindowPaint.h"
 #include "platform/Errno.h"
 #include "platform/window/Backing.h"
-#include "platform/window/ThreadQueue.h"
+#include "platform/window/Queue.h"
 #include "platform/window/WindowTable.h"
 
 #include <new>
@@ -35,28 +35,11 @@ int InvalidateRect(HWND hWnd, const RECT* pRect, int bErase)
     return 1;
 }
 
-int ValidateRect(HWND hWnd, const RECT* pRect)
-{
-    const auto window = Find(hWnd);
-    if (!window) return 0;
-    window->Owner().Validate(*window, pRect ? *pRect : ClientOf(*window));
-    return 1;
-}
-
-int GetUpdateRect(HWND hWnd, RECT* pRect)
-{
-    const auto window = Find(hWnd);
-    if (!window) return 0;
-    const RECT bounds = window->Owner().UpdateBounds(*window);
-    if (pRect) *pRect = bounds;
-    return bounds != RECT{};
-}
-
 int UpdateWindow(HWND hWnd)
 {
     const auto window = kx::window::FindOwn(hWnd);
     if (!window) return 0;
-    if (GetUpdateRect(hWnd, nullptr)) window->Call(WM_PAINT, 0, 0);
+    if (window->Owner().HasUpdate(*window)) window->Call(WM_PAINT, 0, 0);
     return 1;
 }
 

@@ -1,12 +1,18 @@
-#include "platform/window/Placement.h"
+// Where a window lies, and whether it is seen.
+
+#include "platform/window/WindowState.h"
 
 #include "include/platform/WindowPaint.h"
 #include "platform/Errno.h"
+#include "platform/gdi/PixelRegion.h"
+#include "platform/screen/Screen.h"
 #include "platform/window/Backing.h"
+#include "platform/window/Chores.h"
 #include "platform/window/Desktop.h"
-#include "platform/window/ThreadQueue.h"
+#include "platform/window/Queue.h"
 
 #include <memory>
+#include <new>
 
 namespace kx::window {
 
@@ -54,6 +60,27 @@ RECT Wanted(const RECT& old, int x, int y, int nWidth, int nHeight, UINT nFlags)
 
 } // namespace
 
+void Appear(Window& window, bool bVisible)
+{
+    const HWND hWnd = window.Handle();
+    {
+        const sync::MutexLock lock(gdi::pixelLock);
+        window.visible = bVisible;
+        window.appeared = false;
+    }
+    Desktop::Instance().Show(hWnd, bVisible);
+    if (bVisible) {
+        Desktop::Instance().Stack(hWnd, Order::Top);
+        InvalidateRect(hWnd, nullptr, 1);
+        return;
+    }
+    window.Owner().Validate(window);
+    if (IsThisThread(window.Owner()))
+        DropFocus(hWnd);
+    else
+        PostChore(hWnd, Chore::Hide);
+}
+
 void TellPlace(Window& window, bool bMoved, bool bResized)
 {
     const SIZE before = FitBacking(window);
@@ -86,8 +113,21 @@ int SetWindowPos(HWND hWnd, HWND hAfter, int x, int y, int nWidth, int nHeight, 
     return 1;
 }
 
-int MoveWindow(HWND hWnd, int x, int y, int nWidth, int nHeight, int bRepaint)
-{
-    if (!SetWindowPos(hWnd, HWND_TOP, x, y, nWidth, nHeight, SWP_NOZORDER | SWP_NOACTIVATE)) return 0;
-    return bRepaint ? InvalidateRect(hWnd, nullptr, 1) : 1;
+int SetWindowRgn(HWND hWnd, HRGN hRgn, int bRedraw)
+try {
+    const auto window = window::FindOwn(hWnd);
+    const auto region = kx::gdi::FindAs<kx::gdi::Region>(hRgn);
+    if (!window) return 0;
+    if (hRgn && !region) return kx::Fail(ERROR_INVALID_HANDLE);
+    {
+        const kx::sync::MutexLock lock(kx::gdi::pixelLock);
+        window->shape.reset();
+        if (region) window->shape = region->pixels;
+        window::Desktop::Instance().Shape(hWnd, region ? &*window->shape : nullptr);
+    }
+    if (hRgn) DeleteObject(hRgn);
+    if (bRedraw) InvalidateRect(hWnd, nullptr, 1);
+    return 1;
+} catch (const std::bad_alloc&) {
+    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }

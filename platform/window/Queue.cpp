@@ -196,17 +196,16 @@ void Queue::Invalidate(const Window& window, const RECT& rect, bool bErase)
     m_changed.NotifyOne();
 }
 
-void Queue::Validate(const Window& window, const RECT& rect)
+void Queue::Validate(const Window& window)
 {
     std::lock_guard lock(m_lock);
-    m_updates.Subtract(window, rect);
+    m_updates.Take(window);
 }
 
-RECT Queue::UpdateBounds(const Window& window)
+bool Queue::HasUpdate(const Window& window)
 {
     std::lock_guard lock(m_lock);
-    const Update* update = m_updates.Find(window);
-    return update ? update->region.Extents() : RECT{};
+    return m_updates.Has(window);
 }
 
 Update Queue::TakeUpdate(const Window& window)

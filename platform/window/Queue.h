@@ -25,8 +25,7 @@ struct Filter
 };
 
 // What waits for one thread: messages posted to it or its windows, messages that other threads sent, what its
-// windows have to paint, and their timers. No
-// lock is held while a window procedure runs.
+// windows have to paint, and their timers. No lock is held while a window procedure runs.
 class Queue
 {
 public:
@@ -45,19 +44,18 @@ public:
     // The same, in place of the newest one if that is the same message to the same window.
     DWORD PostLatest(const MSG& msg, const Window& target);
     DWORD Send(const std::shared_ptr<SentMessage>& message);
-    // Appends a chore in place of an older one of the kind for the window, with what that one's LPARAM held
-    // too. Nobody would tell of it again, so it has room always.
+    // Posts a chore, merging it with a pending one of the same kind for that window (their LPARAMs are
+    // OR-ed). Chores are never repeated, so the queue's bound doesn't count them.
     void PostChore(MSG chore, const Window& target);
     // Takes back what this queue was sent, if its procedure hasn't begun.
     void Withdraw(const SentMessage& message) noexcept;
     // Ends the wait for a message that this queue's thread sent.
     void TakeAnswer(SentMessage& message, LRESULT nResult) noexcept;
 
-    // Gives or takes a rectangle that one of this thread's windows has to paint.
+    // Adds a rectangle to what one of this thread's windows has to paint, or takes all of it back.
     void Invalidate(const Window& window, const RECT& rect, bool bErase);
-    void Validate(const Window& window, const RECT& rect);
-    // The bounds of what it has to paint; an empty rectangle for nothing.
-    RECT UpdateBounds(const Window& window);
+    void Validate(const Window& window);
+    bool HasUpdate(const Window& window);
 
     // ---- The queue's thread
 
@@ -106,5 +104,16 @@ private:
     Sent m_sent; // not yet begun
     bool m_closed = false;
 };
+
+// ---- A thread gets its queue when it first needs one; the thread's end ends its windows and the queue.
+
+// The calling thread's queue, made now if need be; null when the thread has come to its end.
+std::shared_ptr<Queue> ThisThread();
+
+// Whether the queue is the calling thread's. Doesn't make one.
+bool IsThisThread(const Queue& queue) noexcept;
+
+// A window of the calling thread, or null with the last error set.
+std::shared_ptr<Window> FindOwn(HWND hWnd) noexcept;
 
 } // namespace kx::window

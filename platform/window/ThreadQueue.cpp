@@ -1,47 +1,12 @@
-#include "platform/window/ThreadQueue.h"
+#include "platform/window/Queue.h"
 
 #include "include/platform/Sync.h"
-#include "platform/Immortal.h"
 #include "platform/window/Lifetime.h"
 #include "platform/window/WindowTable.h"
-
-#include <map>
-#include <mutex>
 
 namespace kx::window {
 
 namespace {
-
-class ThreadTable
-{
-public:
-    static ThreadTable& Instance()
-    {
-        static Immortal<ThreadTable> table;
-        return table.Get();
-    }
-
-    void Add(const std::shared_ptr<Queue>& queue)
-    {
-        std::lock_guard lock(m_lock);
-        m_queues[queue->ThreadId()] = queue;
-    }
-    void Remove(DWORD dwThreadId) noexcept
-    {
-        std::lock_guard lock(m_lock);
-        m_queues.erase(dwThreadId);
-    }
-    std::shared_ptr<Queue> Find(DWORD dwThreadId) const noexcept
-    {
-        std::lock_guard lock(m_lock);
-        const auto it = m_queues.find(dwThreadId);
-        return it == m_queues.end() ? nullptr : it->second;
-    }
-
-private:
-    mutable std::mutex m_lock;
-    std::map<DWORD, std::shared_ptr<Queue>> m_queues;
-};
 
 // Plain values, which can still be asked when the thread's objects are gone.
 [[gnu::tls_model("initial-exec")]] constinit thread_local const Queue* t_queue = nullptr;
@@ -50,18 +15,13 @@ private:
 class Holder
 {
 public:
-    Holder() : m_queue(std::make_shared<Queue>(GetCurrentThreadId()))
-    {
-        ThreadTable::Instance().Add(m_queue);
-        t_queue = m_queue.get();
-    }
+    Holder() : m_queue(std::make_shared<Queue>(GetCurrentThreadId())) { t_queue = m_queue.get(); }
     Holder(const Holder&) = delete;
     Holder& operator=(const Holder&) = delete;
     ~Holder()
     {
         t_over = true;
         t_queue = nullptr;
-        ThreadTable::Instance().Remove(m_queue->ThreadId());
         EndWindowsOf(*m_queue);
         m_queue->Close();
     }
@@ -92,11 +52,6 @@ std::shared_ptr<Window> FindOwn(HWND hWnd) noexcept
     if (window && IsThisThread(window->Owner())) return window;
     SetLastError(window ? ERROR_ACCESS_DENIED : ERROR_INVALID_WINDOW_HANDLE);
     return nullptr;
-}
-
-std::shared_ptr<Queue> FindThread(DWORD dwThreadId) noexcept
-{
-    return ThreadTable::Instance().Find(dwThreadId);
 }
 
 } // namespace kx::window

@@ -1,5 +1,7 @@
 #include "platform/window/Timers.h"
 
+#include "platform/window/Queue.h"
+
 #include <algorithm>
 #include <chrono>
 
@@ -28,3 +30,18 @@ void Timers::KillAll(const Window& window) noexcept
 }
 
 } // namespace kx::window
+
+UINT_PTR SetTimer(HWND hWnd, UINT_PTR nId, UINT nPeriod, TIMERPROC pfn)
+{
+    const auto window = kx::window::FindOwn(hWnd);
+    if (!window) return 0;
+    if (nId == 0) nId = 1;
+    window->Owner().SetTimer(*window, nId, nPeriod, pfn);
+    return nId;
+}
+
+int KillTimer(HWND hWnd, UINT_PTR nId)
+{
+    const auto window = kx::window::FindOwn(hWnd);
+    return window && window->Owner().KillTimer(*window, nId) ? 1 : 0;
+}

@@ -23,14 +23,6 @@ void Updates::Add(const Window& window, const RECT& rect, bool bErase)
     it->second.erase |= bErase;
 }
 
-void Updates::Subtract(const Window& window, const RECT& rect)
-{
-    const auto it = std::ranges::find_if(m_entries, Of(window));
-    if (it == m_entries.end()) return;
-    it->second.region.Subtract(gdi::PixelRegion(rect));
-    if (it->second.region.Complexity() == NULLREGION) m_entries.erase(it);
-}
-
 Update Updates::Take(const Window& window)
 {
     const auto it = std::ranges::find_if(m_entries, Of(window));
@@ -40,10 +32,9 @@ Update Updates::Take(const Window& window)
     return update;
 }
 
-const Update* Updates::Find(const Window& window) const noexcept
+bool Updates::Has(const Window& window) const noexcept
 {
-    const auto it = std::ranges::find_if(m_entries, Of(window));
-    return it == m_entries.end() ? nullptr : &it->second;
+    return std::ranges::find_if(m_entries, Of(window)) != m_entries.end();
 }
 
 } // namespace kx::window

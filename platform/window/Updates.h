@@ -19,10 +19,9 @@ class Updates
 {
 public:
     void Add(const Window& window, const RECT& rect, bool bErase);
-    void Subtract(const Window& window, const RECT& rect);
     // Gives it and forgets it; an empty one for none.
     Update Take(const Window& window);
-    const Update* Find(const Window& window) const noexcept;
+    bool Has(const Window& window) const noexcept;
     // The first window that `passes` and has something to paint; null for none.
     template <class Passes>
     const Window* First(Passes passes) const

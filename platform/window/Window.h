@@ -18,7 +18,7 @@ class Queue;
 // The rectangle of that place and size: a size below 0 counts as none, and the far sides stay within an int.
 RECT RectOf(int x, int y, int nWidth, int nHeight) noexcept;
 
-// A window of this process. Those who work with it share it, so it outlives its end in the WindowTable.
+// A window of this process. Held by shared_ptr: callers may use it after WindowTable has removed it.
 class Window
 {
 public:

@@ -2,6 +2,7 @@
 
 #include "platform/window/Desktop.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace kx::window {
@@ -11,11 +12,34 @@ class WindowStack
 {
 public:
     // On top of those that aren't topmost.
-    void Add(HWND hWnd);
-    void Remove(HWND hWnd) noexcept;
-    void Move(HWND hWnd, Order order);
+    void Add(HWND hWnd)
+    {
+        m_entries.insert(std::ranges::find(m_entries, true, &Entry::topmost), {hWnd, false});
+    }
+    void Remove(HWND hWnd) noexcept
+    {
+        std::erase_if(m_entries, [&](const Entry& entry) { return entry.handle == hWnd; });
+    }
+    void Move(HWND hWnd, Order order)
+    {
+        const auto it = std::ranges::find(m_entries, hWnd, &Entry::handle);
+        if (it == m_entries.end()) return;
+        Entry moved = *it;
+        m_entries.erase(it);
+        if (order != Order::Top) moved.topmost = order == Order::Topmost;
+        auto place = m_entries.end();
+        if (!moved.topmost) place = std::ranges::find(m_entries, true, &Entry::topmost);
+        if (order == Order::Bottom) place = m_entries.begin();
+        m_entries.insert(place, moved);
+    }
     // From the lowest.
-    std::vector<HWND> Handles() const;
+    std::vector<HWND> Handles() const
+    {
+        std::vector<HWND> handles;
+        for (const Entry& entry : m_entries)
+            handles.push_back(entry.handle);
+        return handles;
+    }
 
 private:
     struct Entry

@@ -1,12 +1,12 @@
-// What is asked of a window and set in it.
+// What is asked of a window and set in it; measures of the desktop.
 
 #include "include/platform/WindowPaint.h"
 #include "platform/Errno.h"
 #include "platform/text/CharWalk.h"
-#include "platform/window/Appearance.h"
 #include "platform/window/Chores.h"
 #include "platform/window/Desktop.h"
-#include "platform/window/ThreadQueue.h"
+#include "platform/window/Queue.h"
+#include "platform/window/WindowState.h"
 #include "platform/window/WindowTable.h"
 
 namespace {
@@ -32,7 +32,7 @@ std::shared_ptr<kx::window::Window> Find(HWND hWnd) noexcept
     return window;
 }
 
-// It gets the focus, from another thread than its own once that one comes to it.
+// Focus is set at once on the owning thread, otherwise when that thread next processes its queue.
 void AskFocus(const kx::window::Window& window)
 {
     if (kx::window::IsThisThread(window.Owner()))
@@ -72,6 +72,48 @@ DWORD GetWindowThreadProcessId(HWND hWnd, DWORD* pdwProcessId) noexcept
     return dwThreadId;
 }
 
+HWND GetDesktopWindow() noexcept
+{
+    return kx::window::kDesktopHandle;
+}
+
+int GetWindowRect(HWND hWnd, RECT* pRect) noexcept
+{
+    if (!pRect) return kx::Fail(ERROR_INVALID_PARAMETER);
+    if (hWnd == kx::window::kDesktopHandle) {
+        const SIZE size = Desktop::Instance().Size();
+        *pRect = {0, 0, size.cx, size.cy};
+        return 1;
+    }
+    const auto window = WindowTable::Instance().Find(hWnd);
+    if (!window) return kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
+    *pRect = window->Rect();
+    return 1;
+}
+
+int GetClientRect(HWND hWnd, RECT* pRect) noexcept
+{
+    if (!GetWindowRect(hWnd, pRect)) return 0;
+    *pRect = {0, 0, pRect->right - pRect->left, pRect->bottom - pRect->top};
+    return 1;
+}
+
+int GetSystemMetrics(int nIndex) noexcept
+{
+    switch (nIndex) {
+    case SM_CXSCREEN:
+        return Desktop::Instance().Size().cx;
+    case SM_CYSCREEN:
+        return Desktop::Instance().Size().cy;
+    case SM_CYCAPTION:
+        return 19;
+    case SM_CYFRAME:
+        return 4;
+    default:
+        return 0;
+    }
+}
+
 int ShowWindow(HWND hWnd, int nCmd)
 {
     const auto window = Find(hWnd);
@@ -84,12 +126,6 @@ int ShowWindow(HWND hWnd, int nCmd)
     kx::window::Appear(*window, bShow);
     if (bShow && nCmd != SW_SHOWNOACTIVATE && nCmd != SW_SHOWNA) AskFocus(*window);
     return bWas;
-}
-
-WNDPROC GetWindowProcA(HWND hWnd) noexcept
-{
-    const auto window = Find(hWnd);
-    return window ? window->Procedure() : nullptr;
 }
 
 std::intptr_t SetWindowLongPtrA(HWND hWnd, int nIndex, std::intptr_t nValue)

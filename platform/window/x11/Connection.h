@@ -1,13 +1,45 @@
 #pragma once
 
 #include "include/platform/Geometry.h"
-#include "platform/window/x11/Atoms.h"
 
 #include <atomic>
+#include <cstdlib>
 #include <memory>
 #include <xcb/xcb.h>
 
 namespace kx::window::x11 {
+
+struct Free
+{
+    void operator()(void* p) const noexcept { std::free(p); }
+};
+
+// What the server answered: a block of xcb's, null where the answer is an error or the server is lost.
+template <class T>
+using Reply = std::unique_ptr<T, Free>;
+
+template <class T>
+Reply<T> Own(T* reply) noexcept
+{
+    return Reply<T>(reply);
+}
+
+// The server's numbers of the names that are used here; 0 for all once the server is lost.
+struct Atoms
+{
+    explicit Atoms(xcb_connection_t* connection);
+
+    xcb_atom_t utf8String = 0;
+    xcb_atom_t wmProtocols = 0;
+    xcb_atom_t wmDeleteWindow = 0;
+    xcb_atom_t motifHints = 0;
+    xcb_atom_t netWmName = 0;
+    xcb_atom_t netWmPid = 0;
+    xcb_atom_t netWmState = 0;
+    xcb_atom_t netWmStateAbove = 0;
+    xcb_atom_t netWmOpacity = 0;
+    xcb_atom_t netClientList = 0;
+};
 
 // Aligned so that any compiler reads and writes it in one step.
 struct alignas(std::uint64_t) ScreenSize : SIZE

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/window/x11/Connection.h"
 #include "platform/window/x11/Keyboard.h"
-#include "platform/window/x11/Reply.h"
 #include "platform/window/x11/Session.h"
 
 #include <atomic>

@@ -1,8 +1,8 @@
 #include "platform/window/x11/ForeignWindows.h"
 
 #include "platform/window/WindowTable.h"
+#include "platform/window/x11/Connection.h"
 #include "platform/window/x11/Properties.h"
-#include "platform/window/x11/Reply.h"
 
 #include <algorithm>
 #include <span>
@@ -34,7 +34,7 @@ std::vector<xcb_window_t> ForeignWindows::Candidates() const
         ids.assign(windows.begin(), windows.end());
     } else if (const auto tree = Own(xcb_query_tree_reply(
                    connection, xcb_query_tree(connection, m_connection.Root()), nullptr))) {
-        // Of those that are told of, the ones that came: one to a word.
+        // The window ids in the reply, one per 32-bit word; may be fewer than it announces.
         const std::uint32_t nSome = std::min({std::uint32_t{tree->children_len}, tree->length, kMost});
         const std::span some(xcb_query_tree_children(tree.get()), nSome);
         ids.assign(some.begin(), some.end());

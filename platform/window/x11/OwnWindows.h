@@ -31,8 +31,8 @@ public:
 
     // ---- What the server tells
 
-    // A window lies there now, by an event of that sequence number. Where that is news: what has become of
-    // its `rect`, and which of its place and size changed.
+    // What an event of that sequence number says of a window that had that rectangle: the new rectangle and
+    // what changed; nothing if the event says nothing new.
     struct Change
     {
         RECT rect;

@@ -3,7 +3,7 @@
 #include "platform/window/x11/OwnWindows.h"
 
 #include "platform/window/Window.h"
-#include "platform/window/x11/Reply.h"
+#include "platform/window/x11/Connection.h"
 
 namespace kx::window::x11 {
 

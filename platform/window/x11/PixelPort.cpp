@@ -1,7 +1,7 @@
 #include "platform/window/x11/PixelPort.h"
 
 #include "platform/gdi/Rect.h"
-#include "platform/window/x11/Reply.h"
+#include "platform/window/x11/Connection.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "include/platform/Window.h"
+#include "platform/gdi/PixelRegion.h"
 #include "platform/window/x11/Connection.h"
 
 #include <algorithm>
@@ -23,8 +24,11 @@ void SetOpacityOf(const Connection& connection, xcb_window_t window, BYTE opacit
 void SetAbove(const Connection& connection, xcb_window_t window, bool bAbove);
 // The same of a window that is shown, whose state is the manager's.
 void AskAbove(const Connection& connection, xcb_window_t window, bool bAbove);
+// Cuts a window to a region of its own coordinates, or with null to its rectangle again. Nothing happens on a
+// server that knows rectangles alone.
+void SetShape(const Connection& connection, xcb_window_t window, const gdi::PixelRegion* region);
 
-// Of the values that an answer says it has, those that came with it; none of an error or of other sizes.
+// The values that came with an answer, which may be fewer than it says; none of an error or of other sizes.
 template <class T>
 std::span<const T> ValuesOf(const xcb_get_property_reply_t* reply)
 {

@@ -1,7 +1,7 @@
 #include "platform/window/x11/SharedMemory.h"
 
 #include "platform/UniqueFd.h"
-#include "platform/window/x11/Reply.h"
+#include "platform/window/x11/Connection.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>

@@ -33,7 +33,7 @@ TEST(Queue, GivesWhatIsPostedInOrder)
         EXPECT_TRUE(PostMessage(hWnd, test::kAsk, 5, -1));
         KXHost::AdvanceClock(40);
         EXPECT_TRUE(PostMessage(nullptr, 1, 0, 0));
-        EXPECT_TRUE(PostThreadMessageA(GetCurrentThreadId(), 2, 0, 0));
+        EXPECT_TRUE(PostMessage(nullptr, 2, 0, 0));
 
         MSG msg;
         EXPECT_EQ(GetMessageA(&msg, nullptr, 0, 0), 1);
@@ -94,7 +94,7 @@ TEST(Queue, HoldsTenThousand)
         const HWND hWnd = Make(), other = Make();
         for (UINT n = 0; n < 10'000; ++n)
             ASSERT_TRUE(PostMessage(hWnd, n, 0, 0));
-        EXPECT_FALSE(PostMessage(other, 1, 0, 0) || PostThreadMessageA(GetCurrentThreadId(), 1, 0, 0));
+        EXPECT_FALSE(PostMessage(other, 1, 0, 0) || PostMessage(nullptr, 1, 0, 0));
         EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_QUOTA);
         PostQuitMessage(0); // fits always
         MSG msg;
@@ -109,16 +109,6 @@ TEST(Queue, HoldsTenThousand)
 
 TEST(Queue, BelongsToAThread)
 {
-    DWORD dwId = 0;
-    InThread([&] {
-        dwId = GetCurrentThreadId();
-        EXPECT_FALSE(PostThreadMessageA(dwId, 1, 0, 0)); // none yet
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_THREAD_ID);
-        EXPECT_TRUE(TakeAll().empty());
-        EXPECT_TRUE(PostThreadMessageA(dwId, 1, 0, 0));
-    });
-    EXPECT_FALSE(PostThreadMessageA(dwId, 1, 0, 0) || PostThreadMessageA(0, 1, 0, 0));
-
     const test::WindowThread thread;
     MSG msg{thread.Window(), test::kPing, 0, 0, 0};
     EXPECT_FALSE(DispatchMessageA(&msg) || PeekMessageA(&msg, thread.Window(), 0, 0, PM_REMOVE));

@@ -45,18 +45,27 @@ inline HWND Make(const Handler* handler = nullptr, DWORD dwStyle = 0, const char
                            const_cast<Handler*>(handler));
 }
 
+inline int Move(HWND hWnd, int x, int y, int cx, int cy)
+{
+    return SetWindowPos(hWnd, HWND_TOP, x, y, cx, cy, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 // Runs on a thread of its own, which has no queue yet and loses it afterwards.
 inline void InThread(const std::function<void()>& body)
 {
     std::thread(body).join();
 }
 
-// A thread with a window and a message loop, until Join or the end of the scope.
+// A thread with a window and a message loop, until Join, the window's end or the end of the scope.
 class WindowThread
 {
 public:
     explicit WindowThread(Handler handler = On(0, {}))
-        : m_handler(std::move(handler)), m_thread([this] {
+        : m_handler([own = std::move(handler)](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
+              if (nMsg == WM_NCDESTROY) PostQuitMessage(0);
+              return own(hWnd, nMsg, wParam, lParam);
+          }),
+          m_thread([this] {
               m_id = GetCurrentThreadId();
               m_window = Make(&m_handler);
               m_ready.release();
@@ -77,7 +86,7 @@ public:
     void Join()
     {
         if (!m_thread.joinable()) return;
-        PostThreadMessageA(m_id, WM_QUIT, 0, 0);
+        PostMessage(m_window, WM_QUIT, 0, 0);
         m_thread.join();
     }
 

@@ -181,14 +181,14 @@ TEST_F(X11WindowTest, APlaceChosenHereStands)
     ShowSeen(window, kRed, 25, 25);
     window.heard.clear();
     for (int i = 1; i <= 100; ++i) {
-        MoveWindow(window.handle, i, i, 50 + i, 50);
+        test::Move(window.handle, i, i, 50 + i, 50);
         RECT rect;
         GetWindowRect(window.handle, &rect);
         ASSERT_EQ(rect, (RECT{i, i, 50 + 2 * i, 50 + i}));
     }
-    MoveWindow(window.handle, 10, 10, 0, 0);
-    MoveWindow(window.handle, -100'000, -100'000, 200'000, 200'000);
-    MoveWindow(window.handle, 100, 100, 60, 60);
+    test::Move(window.handle, 10, 10, 0, 0);
+    test::Move(window.handle, -100'000, -100'000, 200'000, 200'000);
+    test::Move(window.handle, 100, 100, 60, 60);
     EXPECT_TRUE(Pump([&] { return outside->Pixel(159, 159) == kRed; }));
     RECT rect;
     GetWindowRect(window.handle, &rect);
@@ -204,7 +204,7 @@ TEST_F(X11WindowTest, WhereAWindowLiesIsKnownWhoeverPlacedItLast)
     outside->Frame(id, outside->Cover(0, 0, 640, 480, kBlue));
     for (int i = 1; i <= 500; ++i) {
         std::thread manager([&] { outside->Place(id, i % 300, 10, 60, 60); });
-        MoveWindow(window.handle, i % 300, 20, 50, 50, 0);
+        test::Move(window.handle, i % 300, 20, 50, 50);
         manager.join();
         RECT rect{}, seen{};
         ASSERT_TRUE(Pump([&] {

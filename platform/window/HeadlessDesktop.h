@@ -3,12 +3,39 @@
 #include "platform/window/Desktop.h"
 #include "platform/window/Window.h"
 #include "platform/window/WindowStack.h"
-#include "platform/window/headless/Recent.h"
 
+#include <deque>
+#include <iterator>
 #include <map>
 #include <mutex>
 
 namespace kx::window {
+
+// The newest 1,000 of what was recorded.
+template <class T>
+class Recent
+{
+public:
+    static constexpr std::size_t kMax = 1'000;
+
+    void Add(const T& item)
+    {
+        if (m_items.size() == kMax) m_items.pop_front();
+        m_items.push_back(item);
+    }
+
+    // Gives them, oldest first, and forgets them.
+    std::vector<T> Take()
+    {
+        std::vector<T> items(std::make_move_iterator(m_items.begin()),
+                             std::make_move_iterator(m_items.end()));
+        m_items.clear();
+        return items;
+    }
+
+private:
+    std::deque<T> m_items;
+};
 
 // A desktop in memory, which is seen by those who read its pixels: windows of other processes are
 // those that the host puts there, and message boxes are recorded for it. Works from static destructors too.
@@ -36,7 +63,7 @@ public:
     std::optional<WindowFacts> FindForeign(HWND hWnd) const noexcept override;
     bool PostForeign(HWND hWnd, const KXHost::SentMessage& message) override;
     LRESULT SendForeign(HWND hWnd, const KXHost::SentMessage& message) override;
-    int ShowMessageBox(const KXHost::MessageBoxRecord& box) override;
+    bool IsSeen() const noexcept override { return false; }
 
     // ---- For the host
 
@@ -44,6 +71,8 @@ public:
     HWND AddForeign(const WindowFacts& facts);
     void RemoveForeign(HWND hWnd);
     std::vector<KXHost::SentMessage> TakeMessages(HWND hWnd);
+    // The answer that nobody gives: IDOK.
+    int RecordMessageBox(const KXHost::MessageBoxRecord& box);
     std::vector<KXHost::MessageBoxRecord> TakeMessageBoxes();
 
 private:

@@ -1,15 +1,15 @@
-#include "platform/window/x11/X11Desktop.h"
+#include "platform/window/X11Desktop.h"
 
 #include "platform/Immortal.h"
 #include "platform/sync/AlternateStack.h"
-#include "platform/window/MessageBoxWindow.h"
+#include "platform/window/Chores.h"
 #include "platform/window/Window.h"
-#include "platform/window/headless/HeadlessDesktop.h"
-#include "platform/window/x11/EventThread.h"
-#include "platform/window/x11/NoSignals.h"
-#include "platform/window/x11/Shape.h"
+#include "platform/window/x11/Events.h"
+#include "platform/window/x11/Properties.h"
 
+#include <csignal>
 #include <future>
+#include <initializer_list>
 #include <optional>
 #include <pthread.h>
 #include <string>
@@ -47,6 +47,44 @@ struct LeaveAtUnload
     }
 } g_leaveAtUnload;
 
+// Keeps the process's signals, but for those of a thread's own faults, from a thread that is started within
+// the scope: their handlers run where the program expects them.
+class NoSignals
+{
+public:
+    NoSignals() noexcept
+    {
+        sigset_t set;
+        sigfillset(&set);
+        for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT})
+            sigdelset(&set, fault);
+        pthread_sigmask(SIG_BLOCK, &set, &m_old);
+    }
+    NoSignals(const NoSignals&) = delete;
+    NoSignals& operator=(const NoSignals&) = delete;
+    ~NoSignals() { pthread_sigmask(SIG_SETMASK, &m_old, nullptr); }
+
+private:
+    sigset_t m_old;
+};
+
+void Serve(const std::shared_ptr<x11::Session>& session)
+{
+    const sync::AlternateStack alternate;
+    x11::Events(session).Run();
+    if (session->leaving) return;
+    for (const HWND hWnd : Access(session)->own.Handles())
+        PostChore(hWnd, Chore::Destroy);
+}
+
+// The thread that serves the session's events. It ends with the connection; unless that was wanted, all
+// windows end then. Throws std::system_error.
+std::thread StartEvents(std::shared_ptr<x11::Session> session)
+{
+    const NoSignals blocked;
+    return std::thread(Serve, std::move(session));
+}
+
 // xcb waits for a server without end. It does so on a thread of its own, which is left to itself when it
 // takes too long and throws away what it then gets.
 std::shared_ptr<x11::Session> OpenSession(const char* pszDisplay, std::chrono::milliseconds limit)
@@ -59,7 +97,7 @@ std::shared_ptr<x11::Session> OpenSession(const char* pszDisplay, std::chrono::m
     });
     auto session = open.get_future();
     {
-        const x11::NoSignals blocked;
+        const NoSignals blocked;
         std::thread(std::move(open)).detach();
     }
     return session.wait_for(limit) == std::future_status::ready ? session.get() : nullptr;
@@ -82,7 +120,7 @@ X11Desktop& X11Desktop::Keep(std::unique_ptr<X11Desktop> desktop)
 }
 
 X11Desktop::X11Desktop(std::shared_ptr<x11::Session> session)
-    : m_process(g_forks), m_session(std::move(session)), m_events(x11::StartEvents(m_session))
+    : m_process(g_forks), m_session(std::move(session)), m_events(StartEvents(m_session))
 {
 }
 
@@ -196,13 +234,6 @@ std::optional<WindowFacts> X11Desktop::FindForeign(HWND hWnd) const noexcept
 {
     const Access server(Session());
     return server ? server->foreign.Find(hWnd) : std::nullopt;
-}
-
-// One that the screen can't show is left to the host.
-int X11Desktop::ShowMessageBox(const KXHost::MessageBoxRecord& box)
-{
-    const int nAnswer = RunMessageBox(box);
-    return nAnswer ? nAnswer : HeadlessDesktop::Instance().ShowMessageBox(box);
 }
 
 } // namespace kx::window

@@ -51,7 +51,6 @@ public:
     std::optional<WindowFacts> FindForeign(HWND hWnd) const noexcept override;
     bool PostForeign(HWND, const KXHost::SentMessage&) override { return false; }
     LRESULT SendForeign(HWND, const KXHost::SentMessage&) override { return 0; }
-    int ShowMessageBox(const KXHost::MessageBoxRecord& box) override;
 
 private:
     // Null once it has been left, and in a forked child, who would disturb its parent's connection.

@@ -1,11 +1,15 @@
-#include "platform/window/headless/Compose.h"
+#include "platform/window/HeadlessDesktop.h"
 
+#include "include/platform/MessageBox.h"
+#include "platform/Immortal.h"
 #include "platform/gdi/Rect.h"
+#include "platform/window/Window.h"
 #include "platform/window/WindowTable.h"
 
 #include <algorithm>
 #include <memory>
 #include <pixman.h>
+#include <span>
 #include <vector>
 
 namespace kx::window {
@@ -87,8 +91,9 @@ void CopyRows(gdi::Surface& from, gdi::Surface& to, const RECT& area)
         std::copy_n(from.Row(y) + area.left, area.right - area.left, to.Row(y) + area.left);
 }
 
-} // namespace
-
+// The pixels of a desktop with the windows on it, from the lowest, each by its opacity; of them the rectangle
+// is brought up to date. Those of the root where nothing lies on it, or for a lack of memory. Under the lock
+// of the desktop's pixels.
 gdi::Surface& Compose(std::span<const HWND> handles, const RECT& rect, gdi::Surface& root,
                       std::optional<gdi::Surface>& seen)
 {
@@ -103,6 +108,120 @@ gdi::Surface& Compose(std::span<const HWND> handles, const RECT& rect, gdi::Surf
     for (const WindowPtr& window : windows)
         Lay(*window, area, image.get());
     return *seen;
+}
+
+} // namespace
+
+HeadlessDesktop& HeadlessDesktop::Instance()
+{
+    static Immortal<HeadlessDesktop> desktop;
+    return desktop.Get();
+}
+
+SIZE HeadlessDesktop::Size() const noexcept
+{
+    std::lock_guard lock(m_lock);
+    return m_size;
+}
+
+void HeadlessDesktop::SetSize(SIZE size)
+{
+    std::lock_guard lock(m_lock);
+    m_size = size;
+}
+
+bool HeadlessDesktop::Create(HWND hWnd, const CREATESTRUCTA&)
+{
+    std::lock_guard lock(m_lock);
+    m_stack.Add(hWnd);
+    return true;
+}
+
+void HeadlessDesktop::Stack(HWND hWnd, Order order)
+{
+    std::lock_guard lock(m_lock);
+    m_stack.Move(hWnd, order);
+}
+
+void HeadlessDesktop::Destroy(HWND hWnd) noexcept
+{
+    std::lock_guard lock(m_lock);
+    m_stack.Remove(hWnd);
+}
+
+gdi::Surface& HeadlessDesktop::Look(const RECT& rect, gdi::Surface& root)
+{
+    std::vector<HWND> order;
+    {
+        std::lock_guard lock(m_lock);
+        order = m_stack.Handles();
+    }
+    return Compose(order, rect, root, m_seen);
+}
+
+std::vector<HWND> HeadlessDesktop::ForeignWindows() const
+{
+    std::vector<HWND> handles;
+    std::lock_guard lock(m_lock);
+    for (const auto& [handle, foreign] : m_foreign)
+        handles.push_back(handle);
+    return handles;
+}
+
+std::optional<WindowFacts> HeadlessDesktop::FindForeign(HWND hWnd) const noexcept
+{
+    std::lock_guard lock(m_lock);
+    const auto it = m_foreign.find(hWnd);
+    return it == m_foreign.end() ? std::nullopt : std::optional(it->second.facts);
+}
+
+bool HeadlessDesktop::PostForeign(HWND hWnd, const KXHost::SentMessage& message)
+{
+    std::lock_guard lock(m_lock);
+    const auto it = m_foreign.find(hWnd);
+    if (it == m_foreign.end()) return false;
+    it->second.received.Add(message);
+    return true;
+}
+
+LRESULT HeadlessDesktop::SendForeign(HWND hWnd, const KXHost::SentMessage& message)
+{
+    PostForeign(hWnd, message);
+    return 0;
+}
+
+int HeadlessDesktop::RecordMessageBox(const KXHost::MessageBoxRecord& box)
+{
+    std::lock_guard lock(m_lock);
+    m_boxes.Add(box);
+    return IDOK;
+}
+
+HWND HeadlessDesktop::AddForeign(const WindowFacts& facts)
+{
+    std::lock_guard lock(m_lock);
+    const HWND handle = NewHandle();
+    m_foreign.emplace(handle, Foreign{facts, {}});
+    return handle;
+}
+
+void HeadlessDesktop::RemoveForeign(HWND hWnd)
+{
+    std::lock_guard lock(m_lock);
+    m_foreign.erase(hWnd);
+}
+
+std::vector<KXHost::SentMessage> HeadlessDesktop::TakeMessages(HWND hWnd)
+{
+    std::lock_guard lock(m_lock);
+    const auto it = m_foreign.find(hWnd);
+    return it == m_foreign.end() ? std::vector<KXHost::SentMessage>() : it->second.received.Take();
+}
+
+std::vector<KXHost::MessageBoxRecord> HeadlessDesktop::TakeMessageBoxes()
+{
+    std::lock_guard lock(m_lock);
+    return m_boxes.Take();
 }
 
 } // namespace kx::window

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/window/Window.h"
+
+// What happens to a window's visibility, place and focus. On the window's thread unless it says otherwise.
+
+namespace kx::window {
+
+// Shows or hides the window without announcing it: a shown one goes on top and is to be painted whole, a
+// hidden one loses the focus (if another thread hides it, once its own thread gets to that). Any thread.
+void Appear(Window& window, bool bVisible);
+
+// The window's rectangle has changed: its pixels follow and it hears of it.
+void TellPlace(Window& window, bool bMoved, bool bResized);
+
+// The desktop has given a window the keyboard: as SetFocus, but the desktop isn't asked for it.
+void TakeFocus(HWND hWnd);
+// The window can't have the keyboard any more: if it has it, it hears WM_KILLFOCUS.
+void DropFocus(HWND hWnd);
+// The same without a message, for a window that has ended.
+void ForgetFocus(HWND hWnd) noexcept;
+
+} // namespace kx::window
