@@ -96,15 +96,15 @@ KX_API void SetRegistryFile(const std::string& strPath);
 
 // ---- Desktop
 
-// How long an X server is waited for until all is known that windows need, in milliseconds. Once it has
-// answered it is trusted to: one that stops later holds up those who ask it something.
+// How long an X server is waited for, in milliseconds: until all is known that windows need, and later by
+// each thread that asks it something. Windows on one that then hasn't answered end as with one that is gone.
 inline constexpr DWORD ANSWER_LIMIT = 5'000;
 
 // Where windows appear: on the X server that DISPLAY names if it answers in time, else on a desktop in
 // memory. These choose another; false, with nothing changed, while there are windows. The size is at most
 // 16,384 each way.
 KX_API bool UseMemoryDesktop(int nWidth = 1024, int nHeight = 768);
-// A null name is DISPLAY's. False also when it doesn't answer within the limit. Windows of other processes
+// A null name is DISPLAY's. False also when it doesn't answer within the limit, which also holds later. Windows of other processes
 // are found there, but messages don't reach them: what is posted or sent to one gives 0. Windows need a
 // screen of 24 bits and more, and end with the server, as if each was destroyed.
 KX_API bool UseDisplay(const char* pszDisplay = nullptr, DWORD dwLimit = ANSWER_LIMIT);
@@ -112,6 +112,12 @@ KX_API bool UseDisplay(const char* pszDisplay = nullptr, DWORD dwLimit = ANSWER_
 KX_API bool IsMemoryDesktop();
 // Writes what is seen on the desktop as a PNG file under a Linux path; false if that fails.
 KX_API bool SaveDesktop(const std::string& strPath);
+
+// Posts what a person does to a window of this process, as the desktop's mouse, keys and window manager do:
+// one of the messages of Input.h, or WM_CLOSE. A disabled window doesn't hear it, a captured mouse goes to
+// the window that has it, a second press may become a double click, and keys count for GetKeyState. 0 for no
+// such window and a full queue.
+KX_API int PostInput(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam);
 
 struct MessageBoxRecord
 {

@@ -82,8 +82,25 @@ protected:                                                                      
 #define ON_WM_SHOWWINDOW()                                                                                   \
     KX_ON_MESSAGE(WM_SHOWWINDOW, (wnd.OnShowWindow(static_cast<int>(wParam), static_cast<UINT>(lParam)), 0))
 #define ON_WM_TIMER() KX_ON_MESSAGE(WM_TIMER, (wnd.OnTimer(static_cast<UINT>(wParam)), 0))
-#define ON_WM_KEYDOWN() KX_ON_MESSAGE(WM_KEYDOWN, (wnd.OnKeyDown(static_cast<UINT>(wParam), 1, 0), 0))
-#define ON_WM_CHAR() KX_ON_MESSAGE(WM_CHAR, (wnd.OnChar(static_cast<UINT>(wParam), 1, 0), 0))
+// How often it repeats, and the high 16 bits of the LPARAM.
+#define KX_KEY(function)                                                                                     \
+    (wnd.function(static_cast<UINT>(wParam), static_cast<WORD>(lParam), static_cast<WORD>(lParam >> 16)), 0)
+#define ON_WM_KEYDOWN() KX_ON_MESSAGE(WM_KEYDOWN, KX_KEY(OnKeyDown))
+#define ON_WM_KEYUP() KX_ON_MESSAGE(WM_KEYUP, KX_KEY(OnKeyUp))
+#define ON_WM_SYSKEYDOWN() KX_ON_MESSAGE(WM_SYSKEYDOWN, KX_KEY(OnSysKeyDown))
+#define ON_WM_SYSCHAR() KX_ON_MESSAGE(WM_SYSCHAR, KX_KEY(OnSysChar))
+#define ON_WM_ENABLE() KX_ON_MESSAGE(WM_ENABLE, (wnd.OnEnable(wParam != 0), 0))
+#define ON_WM_CAPTURECHANGED()                                                                               \
+    KX_ON_MESSAGE(WM_CAPTURECHANGED,                                                                         \
+                  (wnd.OnCaptureChanged(CWnd::FromHandle(reinterpret_cast<HWND>(lParam))), 0))
+#define ON_WM_SETCURSOR()                                                                                    \
+    KX_ON_MESSAGE(WM_SETCURSOR, wnd.OnSetCursor(CWnd::FromHandle(reinterpret_cast<HWND>(wParam)),            \
+                                                static_cast<WORD>(lParam), static_cast<WORD>(lParam >> 16)))
+#define ON_WM_MOUSEWHEEL()                                                                                   \
+    KX_ON_MESSAGE(WM_MOUSEWHEEL,                                                                             \
+                  wnd.OnMouseWheel(static_cast<WORD>(wParam), static_cast<short>(wParam >> 16),              \
+                                   CPoint(GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam))))
+#define ON_WM_CHAR() KX_ON_MESSAGE(WM_CHAR, KX_KEY(OnChar))
 #define KX_ON_MOUSE(message, function)                                                                       \
     KX_ON_MESSAGE(                                                                                           \
         message,                                                                                             \
@@ -91,3 +108,6 @@ protected:                                                                      
 #define ON_WM_MOUSEMOVE() KX_ON_MOUSE(WM_MOUSEMOVE, OnMouseMove)
 #define ON_WM_LBUTTONDOWN() KX_ON_MOUSE(WM_LBUTTONDOWN, OnLButtonDown)
 #define ON_WM_LBUTTONUP() KX_ON_MOUSE(WM_LBUTTONUP, OnLButtonUp)
+#define ON_WM_LBUTTONDBLCLK() KX_ON_MOUSE(WM_LBUTTONDBLCLK, OnLButtonDblClk)
+#define ON_WM_RBUTTONDOWN() KX_ON_MOUSE(WM_RBUTTONDOWN, OnRButtonDown)
+#define ON_WM_RBUTTONUP() KX_ON_MOUSE(WM_RBUTTONUP, OnRButtonUp)

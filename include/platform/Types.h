@@ -28,6 +28,7 @@ using HWND = struct HWND__*;
 using HDESK = struct HDESK__*;
 using HKEY = struct HKEY__*;
 using HICON = struct HICON__*;
+using HCURSOR = HICON;
 using HRSRC = struct HRSRC__*;
 using HGLOBAL = void*;
 

@@ -26,11 +26,17 @@ inline constexpr UINT WM_MOVE = 0x0003;
 inline constexpr UINT WM_SIZE = 0x0005;
 inline constexpr UINT WM_SETFOCUS = 0x0007;
 inline constexpr UINT WM_KILLFOCUS = 0x0008;
+inline constexpr UINT WM_ENABLE = 0x000A; // WPARAM: 1 when it is enabled now
 inline constexpr UINT WM_PAINT = 0x000F;
 inline constexpr UINT WM_CLOSE = 0x0010;
 inline constexpr UINT WM_QUIT = 0x0012;
 inline constexpr UINT WM_ERASEBKGND = 0x0014;
 inline constexpr UINT WM_SHOWWINDOW = 0x0018;
+// The primary monitor has another size (width and height in the low and high 16 bits of the LPARAM), or the
+// monitors lie otherwise. Posted to all windows.
+inline constexpr UINT WM_DISPLAYCHANGE = 0x007E;
+// LPARAM: the icon by which the window manager shows the window, or 0; the caller's. Gives the old one.
+inline constexpr UINT WM_SETICON = 0x0080;
 inline constexpr UINT WM_NCCREATE = 0x0081;
 inline constexpr UINT WM_NCDESTROY = 0x0082;
 inline constexpr UINT WM_TIMER = 0x0113;
@@ -60,13 +66,16 @@ using WNDENUMPROC = int (*)(HWND, long);
 
 inline constexpr UINT CS_VREDRAW = 1;
 inline constexpr UINT CS_HREDRAW = 2;
+inline constexpr UINT CS_DBLCLKS = 8;
 
 struct WNDCLASSA
 {
     WNDPROC lpfnWndProc = nullptr;
     const char* lpszClassName = nullptr;
     HBRUSH hbrBackground = nullptr; // what the default handling erases with; null: nothing. The caller's.
-    UINT style = 0;                 // CS_VREDRAW, CS_HREDRAW: a new height, width invalidates all of it
+    UINT style = 0; // CS_VREDRAW, CS_HREDRAW: a new height, width invalidates all of it; CS_DBLCLKS
+    HCURSOR hCursor = nullptr; // what the default handling of WM_SETCURSOR sets; null: nothing
+    HICON hIcon = nullptr;     // by which the window manager shows its windows; null: none. The caller's.
 };
 
 // What WM_NCCREATE and WM_CREATE carry in their LPARAM, as a pointer.
@@ -123,15 +132,17 @@ KX_API std::intptr_t GetWindowLongPtrA(HWND hWnd, int nIndex);
 KX_API int SetWindowTextA(HWND hWnd, const char* pszText);
 KX_API int GetWindowTextA(HWND hWnd, char* pszBuffer, int nSize);
 
-// The window that all others lie on: it belongs to no process, hears no messages and is always there.
+// The window that all others lie on: it lies where the primary monitor does, with its top left at 0, 0, so
+// that other monitors may have places below 0. It belongs to no process, hears no messages and is always
+// there.
 KX_API HWND GetDesktopWindow() noexcept;
 // Where a window of this process, or the desktop's, lies on the desktop; its client area is all of it, and
 // has its top left at 0, 0. 0 for no such window, with the rectangle untouched.
 KX_API int GetWindowRect(HWND hWnd, RECT* pRect) noexcept;
 KX_API int GetClientRect(HWND hWnd, RECT* pRect) noexcept;
-// A measure in pixels: the desktop's size (SM_CXSCREEN, SM_CYSCREEN), and of its own windows, the classic
-// ones: 19 for the height of their caption (SM_CYCAPTION), 4 for that of their sizing frame (SM_CYFRAME). 0
-// for any other index.
+// A measure in pixels: the primary monitor's size (SM_CXSCREEN, SM_CYSCREEN), and of its own windows, the
+// classic ones: 19 for the height of their caption (SM_CYCAPTION), 4 for that of their sizing frame
+// (SM_CYFRAME). 0 for any other index.
 KX_API int GetSystemMetrics(int nIndex) noexcept;
 
 // Where SetWindowPos puts a window among the others.
@@ -158,10 +169,16 @@ KX_API int SetWindowPos(HWND hWnd, HWND hAfter, int x, int y, int nWidth, int nH
 // with the region still the caller's, otherwise.
 KX_API int SetWindowRgn(HWND hWnd, HRGN hRgn, int bRedraw);
 
+// A disabled window hears nothing of the mouse, the keys and the window manager's wish to close it, and can't
+// have the focus; messages that programs post and send reach it. A change is told to it by WM_ENABLE, and it
+// loses the focus and the capture. Non-zero if it was disabled before. Any thread.
+KX_API int EnableWindow(HWND hWnd, int bEnable);
+KX_API int IsWindowEnabled(HWND hWnd) noexcept;
+
 // Gives the keyboard to a window of the calling thread, or with null to none: the one that had it hears
 // WM_KILLFOCUS (posted, if it is another thread's), then the new one WM_SETFOCUS with the old one's handle,
 // or 0 if that isn't of this thread. A button pressed over a window does so as well. Gives the old one, null
-// for none and on failure.
+// for none and on failure, as for a disabled window.
 KX_API HWND SetFocus(HWND hWnd);
 // The window of the calling thread that has the keyboard; null if none has.
 KX_API HWND GetFocus() noexcept;

@@ -72,6 +72,9 @@ public:
         return ::SetTimer(m_hWnd, nId, nPeriod, pfn);
     }
     int KillTimer(UINT_PTR nId) { return ::KillTimer(m_hWnd, nId); }
+    int EnableWindow(int bEnable = 1) { return ::EnableWindow(m_hWnd, bEnable); }
+    int IsWindowEnabled() const { return ::IsWindowEnabled(m_hWnd); }
+    CWnd* SetCapture() { return FromHandle(::SetCapture(m_hWnd)); }
     CWnd* SetFocus() { return FromHandle(::SetFocus(m_hWnd)); }
     static CWnd* GetFocus() { return FromHandle(::GetFocus()); }
 
@@ -108,9 +111,19 @@ protected:
     void OnTimer(UINT nId);
     void OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags);
     void OnChar(UINT nChar, UINT nRepeat, UINT nFlags);
+    void OnKeyUp(UINT nKey, UINT nRepeat, UINT nFlags);
+    void OnSysKeyDown(UINT nKey, UINT nRepeat, UINT nFlags);
+    void OnSysChar(UINT nChar, UINT nRepeat, UINT nFlags);
+    void OnEnable(int bEnable);
+    void OnCaptureChanged(CWnd* pWnd);
+    int OnSetCursor(CWnd* pWnd, UINT nHitTest, UINT nMessage);
+    int OnMouseWheel(UINT nFlags, short nTurn, CPoint point);
     void OnMouseMove(UINT nFlags, CPoint point);
     void OnLButtonDown(UINT nFlags, CPoint point);
     void OnLButtonUp(UINT nFlags, CPoint point);
+    void OnLButtonDblClk(UINT nFlags, CPoint point);
+    void OnRButtonDown(UINT nFlags, CPoint point);
+    void OnRButtonUp(UINT nFlags, CPoint point);
 
     static const AFX_MSGMAP* GetThisMessageMap();
     virtual const AFX_MSGMAP* GetMessageMap() const;
@@ -147,7 +160,7 @@ private:
 };
 
 // The name of a window class with the default handling, for CreateEx: the same for the same arguments, made
-// known at the first call. Cursor and icon are accepted and ignored. The name lives as long as the process;
+// known at the first call. Without a cursor it is the arrow. The name lives as long as the process;
 // null for lack of room.
-KX_API const char* AfxRegisterWndClass(UINT nStyle, void* hCursor = nullptr, HBRUSH hBackground = nullptr,
+KX_API const char* AfxRegisterWndClass(UINT nStyle, HCURSOR hCursor = nullptr, HBRUSH hBackground = nullptr,
                                        HICON hIcon = nullptr);

@@ -93,3 +93,53 @@ void CWnd::OnLButtonUp(UINT, CPoint)
 {
     Default();
 }
+
+void CWnd::OnKeyUp(UINT, UINT, UINT)
+{
+    Default();
+}
+
+void CWnd::OnSysKeyDown(UINT, UINT, UINT)
+{
+    Default();
+}
+
+void CWnd::OnSysChar(UINT, UINT, UINT)
+{
+    Default();
+}
+
+void CWnd::OnEnable(int)
+{
+    Default();
+}
+
+void CWnd::OnCaptureChanged(CWnd*)
+{
+    Default();
+}
+
+int CWnd::OnSetCursor(CWnd*, UINT, UINT)
+{
+    return static_cast<int>(Default());
+}
+
+int CWnd::OnMouseWheel(UINT, short, CPoint)
+{
+    return static_cast<int>(Default());
+}
+
+void CWnd::OnLButtonDblClk(UINT, CPoint)
+{
+    Default();
+}
+
+void CWnd::OnRButtonDown(UINT, CPoint)
+{
+    Default();
+}
+
+void CWnd::OnRButtonUp(UINT, CPoint)
+{
+    Default();
+}

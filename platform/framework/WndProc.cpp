@@ -8,6 +8,7 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <tuple>
 #include <utility>
 
 namespace kx::framework {
@@ -122,22 +123,24 @@ LRESULT CWnd::Default()
     return DefWindowProc(t_message.message, t_message.wParam, t_message.lParam);
 }
 
-const char* AfxRegisterWndClass(UINT nStyle, void*, HBRUSH hBackground, HICON)
+const char* AfxRegisterWndClass(UINT nStyle, HCURSOR hCursor, HBRUSH hBackground, HICON hIcon)
 {
     struct Names
     {
         std::mutex lock;
-        std::map<std::pair<UINT, HBRUSH>, std::string> names;
+        std::map<std::tuple<UINT, HCURSOR, HBRUSH, HICON>, std::string> names;
     };
     static kx::Immortal<Names> made;
+    if (!hCursor) hCursor = LoadCursorA(nullptr, IDC_ARROW);
     Names& all = made.Get();
     const std::lock_guard lock(all.lock);
-    const auto [it, bNew] = all.names.try_emplace({nStyle, hBackground});
+    const auto [it, bNew] = all.names.try_emplace({nStyle, hCursor, hBackground, hIcon});
     if (!bNew) return it->second.c_str();
-    char name[64];
-    std::snprintf(name, sizeof name, "Afx:%x:%p", nStyle, static_cast<void*>(hBackground));
+    char name[128];
+    std::snprintf(name, sizeof name, "Afx:%x:%p:%p:%p", nStyle, static_cast<void*>(hCursor),
+                  static_cast<void*>(hBackground), static_cast<void*>(hIcon));
     it->second = name;
-    const WNDCLASSA cls{DefWindowProcA, name, hBackground, nStyle};
+    const WNDCLASSA cls{DefWindowProcA, name, hBackground, nStyle, hCursor, hIcon};
     if (RegisterClassA(&cls)) return it->second.c_str();
     all.names.erase(it);
     return nullptr;

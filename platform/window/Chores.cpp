@@ -14,12 +14,6 @@ void PostChore(HWND hWnd, Chore chore, LPARAM lParam)
                                   *window);
 }
 
-void PostLatest(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
-{
-    if (const auto window = WindowTable::Instance().Find(hWnd))
-        window->Owner().PostLatest({hWnd, nMsg, wParam, lParam, GetTickCount()}, *window);
-}
-
 void DoChore(Window& window, Chore chore, LPARAM lParam)
 {
     switch (chore) {
@@ -27,9 +21,13 @@ void DoChore(Window& window, Chore chore, LPARAM lParam)
         DestroyWindow(window.Handle());
         break;
     case Chore::GainFocus:
-        TakeFocus(window.Handle());
+        if (window.enabled)
+            TakeFocus(window.Handle());
+        else if (const HWND hModal = window.Owner().input.modal)
+            SetFocus(hModal);
         break;
     case Chore::LoseFocus:
+        DropCapture(window.Handle());
         DropFocus(window.Handle());
         break;
     case Chore::Place:

@@ -25,8 +25,6 @@ inline constexpr LPARAM kMoved = 1;
 inline constexpr LPARAM kResized = 2;
 
 void PostChore(HWND hWnd, Chore chore, LPARAM lParam = 0);
-// Posts a message in place of the newest that the window's thread has yet to take, if that is the same one.
-void PostLatest(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam);
 void DoChore(Window& window, Chore chore, LPARAM lParam);
 
 } // namespace kx::window

@@ -51,8 +51,9 @@ DWORD ClassTable::Add(const WNDCLASSA& cls, WORD& atom)
 {
     if (IsAtom(cls.lpszClassName) || !*cls.lpszClassName || !cls.lpfnWndProc) return ERROR_INVALID_PARAMETER;
     const CString key = KeyOf(cls.lpszClassName);
-    const auto entry = std::make_shared<const WindowClass>(
-        WindowClass{CString(cls.lpszClassName), key, cls.lpfnWndProc, cls.hbrBackground, cls.style});
+    const auto entry = std::make_shared<const WindowClass>(WindowClass{CString(cls.lpszClassName), key,
+                                                                       cls.lpfnWndProc, cls.hbrBackground,
+                                                                       cls.style, cls.hCursor, cls.hIcon});
 
     std::lock_guard lock(m_lock);
     if (IndexOfKey(key) < m_classes.size()) return ERROR_CLASS_ALREADY_EXISTS;

@@ -16,6 +16,8 @@ struct WindowClass
     WNDPROC proc;
     HBRUSH background; // null: none
     UINT style;
+    HCURSOR cursor; // null: none
+    HICON icon;     // likewise
 };
 
 // The classes of windows by name. A class's atom tells its place here. Any thread.

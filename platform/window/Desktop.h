@@ -44,7 +44,10 @@ public:
     static bool Use(Desktop& desktop);
     virtual ~Desktop() = default;
 
+    // From the origin to the right and bottom end of all monitors.
     virtual SIZE Size() const noexcept = 0;
+    // The primary monitor, whose top left is the origin.
+    virtual SIZE Monitor() const noexcept { return Size(); }
     // Whether a person may see it, and answer what is asked there.
     virtual bool IsSeen() const noexcept { return true; }
     // Another has taken its place: it gives back what it holds of the system's. Without the lock of the
@@ -68,6 +71,14 @@ public:
     // Gives the keyboard to a window, or with null to none of this process.
     virtual void Focus(HWND hWnd) = 0;
     virtual void Destroy(HWND hWnd) noexcept = 0;
+    // A window stays above another of this process, which is disabled as long as it lives.
+    virtual void SetOwner(HWND, HWND) {}
+    // What the mouse looks like over a window: one of LoadCursorA's, or null for nothing.
+    virtual void SetCursor(HWND, HCURSOR) {}
+    // Where in a window text is being written.
+    virtual void SetCaret(HWND, POINT) {}
+    // Pixels of 0xAARRGGBB by which a window is known; null for none.
+    virtual void SetIcon(HWND, const gdi::Surface*) {}
 
     // ---- Pixels, under the lock of the desktop's pixels
 

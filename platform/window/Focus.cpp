@@ -56,7 +56,8 @@ void ForgetFocus(HWND hWnd) noexcept
 
 HWND SetFocus(HWND hWnd)
 {
-    if (hWnd && !kx::window::FindOwn(hWnd)) return nullptr;
+    const auto window = hWnd ? kx::window::FindOwn(hWnd) : nullptr;
+    if (hWnd && (!window || !window->enabled)) return nullptr;
     return Change(hWnd, false);
 }
 

@@ -5,6 +5,7 @@
 #include "platform/window/Backing.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/HeadlessDesktop.h"
+#include "platform/window/Input.h"
 #include "platform/window/X11Desktop.h"
 
 #include <chrono>
@@ -53,6 +54,11 @@ bool KXHost::SaveDesktop(const std::string& strPath)
     std::ofstream out(strPath, std::ios::binary);
     out.write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
     return out.flush().good();
+}
+
+int KXHost::PostInput(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
+{
+    return kx::window::PostInput(hWnd, nMsg, wParam, lParam);
 }
 
 std::vector<KXHost::MessageBoxRecord> KXHost::TakeMessageBoxes()

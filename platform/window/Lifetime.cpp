@@ -15,6 +15,7 @@ void End(Window& window) noexcept
     WindowTable::Instance().Remove(window.Handle());
     Desktop::Instance().Destroy(window.Handle());
     window.Owner().Forget(window);
+    if (window.Owner().input.capture == window.Handle()) window.Owner().input.capture = nullptr;
     ForgetFocus(window.Handle());
     window.LeaveClass();
 }
@@ -73,6 +74,7 @@ HWND Create(const CreateArguments& wanted, WNDPROC hook)
     if (!queue) return refuse(ERROR_INVALID_THREAD_ID);
 
     const CString className = cls->name;
+    const HICON hIcon = cls->icon;
     const CREATESTRUCTA create{wanted.param, wanted.name, className, wanted.x,
                                wanted.y,     wanted.cx,   wanted.cy, wanted.style};
     const auto made = std::make_shared<Window>(NewHandle(), std::move(cls), hook, std::move(queue), create);
@@ -80,6 +82,7 @@ HWND Create(const CreateArguments& wanted, WNDPROC hook)
     WindowTable::Instance().Add(made);
     EndAtExit end(*made);
     if (!Desktop::Instance().Create(hWnd, create)) return refuse(ERROR_NOT_ENOUGH_MEMORY);
+    if (hIcon) SetIcon(*made, hIcon);
     if (!Announce(*made, create)) return nullptr;
     if (wanted.style & WS_VISIBLE) ShowWindow(hWnd, SW_SHOW);
     if (made->ended) return nullptr;
@@ -112,6 +115,7 @@ int DestroyWindow(HWND hWnd)
     target->ending = true;
     const window::EndAtExit end(*target);
     if (target->visible) window::Appear(*target, false);
+    window::DropCapture(hWnd);
     target->Call(WM_DESTROY, 0, 0);
     target->Call(WM_NCDESTROY, 0, 0);
     return 1;

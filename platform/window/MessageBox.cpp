@@ -6,10 +6,14 @@
 #include "platform/text/Conversion.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/HeadlessDesktop.h"
+#include "platform/window/Queue.h"
+#include "platform/window/WindowTable.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace kx::window {
 
@@ -63,7 +67,44 @@ private:
     const HGDIOBJ m_oldBrush;
 };
 
-// A message in a window of the calling thread in the middle of the desktop, above the others.
+// Lets no other window of the thread hear the mouse and the keys until the scope ends.
+class Modal
+{
+public:
+    Modal(Queue& owner, HWND hBox) : m_input(owner.input), m_outer(std::exchange(m_input.modal, hBox))
+    {
+        for (const HWND hWnd : WindowTable::Instance().HandlesOf(owner))
+            if (hWnd != hBox && IsWindowEnabled(hWnd)) m_disabled.push_back(hWnd);
+        for (const HWND hWnd : m_disabled)
+            EnableWindow(hWnd, 0);
+    }
+    Modal(const Modal&) = delete;
+    Modal& operator=(const Modal&) = delete;
+    ~Modal()
+    {
+        m_input.modal = m_outer;
+        for (const HWND hWnd : m_disabled)
+            EnableWindow(hWnd, 1);
+    }
+
+private:
+    Input& m_input;
+    const HWND m_outer;
+    std::vector<HWND> m_disabled;
+};
+
+// The window of the thread that a box belongs to: the one that has the focus, or the newest that is seen.
+HWND OwnerOf(const Queue& queue)
+{
+    if (const HWND hFocus = GetFocus()) return hFocus;
+    HWND hOwner = nullptr;
+    for (const HWND hWnd : WindowTable::Instance().HandlesOf(queue))
+        if (IsWindowVisible(hWnd)) hOwner = hWnd;
+    return hOwner;
+}
+
+// A message in a window of the calling thread in the middle of the desktop, above the others, which hear no
+// input meanwhile.
 class Box
 {
 public:
@@ -186,13 +227,21 @@ int Box::Run()
     const int x = (GetSystemMetrics(SM_CXSCREEN) - m_size.cx) / 2;
     const int y = (GetSystemMetrics(SM_CYSCREEN) - m_size.cy) / 2;
     const std::string title = text::FromUtf8Lossy(program_invocation_short_name);
+    const auto own = ThisThread();
+    if (!own) return 0;
+    const HWND hOwner = OwnerOf(*own);
     m_window = CreateWindowExA(0, kClass, title.c_str(), WS_CAPTION, x, y, m_size.cx, m_size.cy, nullptr,
                                nullptr, nullptr, this);
     if (!m_window) return 0;
-    SetWindowPos(m_window, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW);
     MSG msg;
-    while (m_window && GetMessageA(&msg, nullptr, 0, 0) > 0)
-        DispatchMessageA(&msg);
+    {
+        const Modal modal(*own, m_window);
+        if (hOwner) Desktop::Instance().SetOwner(m_window, hOwner);
+        SetWindowPos(m_window, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW);
+        while (m_window && GetMessageA(&msg, nullptr, 0, 0) > 0)
+            DispatchMessageA(&msg);
+    }
+    if (hOwner && IsWindowVisible(hOwner)) SetFocus(hOwner);
     if (m_window) PostQuitMessage(static_cast<int>(msg.wParam));
     return IDOK;
 }

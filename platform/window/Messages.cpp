@@ -115,8 +115,11 @@ int GetMessageA(MSG* pMsg, HWND hWnd, UINT nMin, UINT nMax)
     if (!pMsg) return refuse(ERROR_INVALID_PARAMETER);
     if (!own) return refuse(ERROR_INVALID_THREAD_ID);
     if (!FindFilter(hWnd, window)) return refuse(ERROR_INVALID_WINDOW_HANDLE);
-    const int nResult = own->Get(*pMsg, {window.get(), nMin, nMax});
-    if (nResult < 0) return refuse(ERROR_INVALID_WINDOW_HANDLE);
+    int nResult = 0;
+    do {
+        nResult = own->Get(*pMsg, {window.get(), nMin, nMax});
+        if (nResult < 0) return refuse(ERROR_INVALID_WINDOW_HANDLE);
+    } while (own->WasInput() && !kx::window::HearInput(*pMsg, true));
     FocusOnPress(*pMsg);
     return nResult;
 }
@@ -129,7 +132,12 @@ int PeekMessageA(MSG* pMsg, HWND hWnd, UINT nMin, UINT nMax, UINT nRemove)
     if (!own) return kx::Fail(ERROR_INVALID_THREAD_ID);
     if (!FindFilter(hWnd, window)) return kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
     const bool bRemove = (nRemove & PM_REMOVE) != 0;
-    const bool bFound = own->Peek(*pMsg, {window.get(), nMin, nMax}, bRemove);
+    const kx::window::Filter filter{window.get(), nMin, nMax};
+    bool bFound = own->Peek(*pMsg, filter, bRemove);
+    while (bFound && own->WasInput() && !kx::window::HearInput(*pMsg, bRemove)) {
+        if (!bRemove) own->Peek(*pMsg, filter, true);
+        bFound = own->Peek(*pMsg, filter, bRemove);
+    }
     if (bFound && bRemove) FocusOnPress(*pMsg);
     return bFound;
 }

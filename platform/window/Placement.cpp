@@ -75,9 +75,10 @@ void Appear(Window& window, bool bVisible)
         return;
     }
     window.Owner().Validate(window);
-    if (IsThisThread(window.Owner()))
+    if (IsThisThread(window.Owner())) {
+        DropCapture(hWnd);
         DropFocus(hWnd);
-    else
+    } else
         PostChore(hWnd, Chore::Hide);
 }
 

@@ -15,26 +15,27 @@ bool Filter::Passes(const MSG& msg) const noexcept
 
 DWORD Queue::Post(const MSG& msg, const Window* target)
 {
-    return PostTo(msg, target, false);
+    return PostTo({msg, Kind::Message}, target, false);
 }
 
-DWORD Queue::PostLatest(const MSG& msg, const Window& target)
+DWORD Queue::PostInput(const MSG& msg, const Window& target, bool bLatest)
 {
-    return PostTo(msg, &target, true);
+    return PostTo({msg, Kind::Input}, &target, bLatest);
 }
 
-DWORD Queue::PostTo(const MSG& msg, const Window* target, bool bLatest)
+DWORD Queue::PostTo(const Posted& posted, const Window* target, bool bLatest)
 {
     {
         std::lock_guard lock(m_lock);
         if (m_closed) return ERROR_INVALID_THREAD_ID;
         if (target && target->ended) return ERROR_INVALID_WINDOW_HANDLE;
         const auto isSame = [&](const Posted& other) {
-            return !other.chore && other.msg.hwnd == msg.hwnd && other.msg.message == msg.message;
+            return other.kind == posted.kind && other.msg.hwnd == posted.msg.hwnd &&
+                   other.msg.message == posted.msg.message;
         };
         if (bLatest && !m_posted.empty() && isSame(m_posted.back())) m_posted.pop_back();
         if (m_posted.size() - m_chores >= kMaxPosted) return ERROR_NOT_ENOUGH_QUOTA;
-        m_posted.push_back({msg});
+        m_posted.push_back(posted);
     }
     m_changed.NotifyOne();
     return ERROR_SUCCESS;
@@ -46,14 +47,15 @@ void Queue::PostChore(MSG chore, const Window& target)
         std::lock_guard lock(m_lock);
         if (m_closed || target.ended) return;
         const auto older = std::ranges::find_if(m_posted, [&](const Posted& other) {
-            return other.chore && other.msg.hwnd == chore.hwnd && other.msg.wParam == chore.wParam;
+            return other.kind == Kind::Chore && other.msg.hwnd == chore.hwnd &&
+                   other.msg.wParam == chore.wParam;
         });
         if (older != m_posted.end()) {
             chore.lParam |= older->msg.lParam;
             m_posted.erase(older);
             --m_chores;
         }
-        m_posted.push_back({chore, true});
+        m_posted.push_back({chore, Kind::Chore});
         ++m_chores;
     }
     m_changed.NotifyOne();
@@ -141,12 +143,13 @@ bool Queue::Take(MSG& msg, const Filter& filter, bool bRemove)
 {
     const auto passes = [&](const MSG& candidate) { return filter.Passes(candidate); };
     const auto it = std::ranges::find_if(m_posted, passes, &Posted::msg);
+    m_wasInput = it != m_posted.end() && it->kind == Kind::Input;
     if (it == m_posted.end())
         return TakeQuit(msg, bRemove) || TakePaint(msg, filter) ||
                m_timers.Take(msg, clock::Now(), bRemove, passes);
     msg = it->msg;
     if (!bRemove) return true;
-    m_chores -= it->chore;
+    m_chores -= it->kind == Kind::Chore;
     m_posted.erase(it);
     return true;
 }
@@ -234,7 +237,7 @@ void Queue::Forget(Window& window) noexcept
         window.ended = true;
         const auto isIts = [&](const Posted& posted) { return posted.msg.hwnd == window.Handle(); };
         m_chores -= static_cast<std::size_t>(std::ranges::count_if(
-            m_posted, [&](const Posted& posted) { return posted.chore && isIts(posted); }));
+            m_posted, [&](const Posted& posted) { return posted.kind == Kind::Chore && isIts(posted); }));
         std::erase_if(m_posted, isIts);
         m_updates.Take(window);
         m_timers.KillAll(window);

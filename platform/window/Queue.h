@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/time/Condition.h"
+#include "platform/window/Input.h"
 #include "platform/window/SentMessage.h"
 #include "platform/window/Timers.h"
 #include "platform/window/Updates.h"
@@ -37,12 +38,13 @@ public:
 
     DWORD ThreadId() const noexcept { return m_threadId; }
 
-    // ---- Any thread. The first three give an error number, ERROR_SUCCESS when done.
+    // ---- Any thread. Those that post and send give an error number, ERROR_SUCCESS when done.
 
     // Appends a message, to a window of this thread or, with null, to the thread.
     DWORD Post(const MSG& msg, const Window* target);
-    // The same, in place of the newest one if that is the same message to the same window.
-    DWORD PostLatest(const MSG& msg, const Window& target);
+    // The same for what a person does; with `bLatest` in place of the newest one if that is the same message
+    // to the same window.
+    DWORD PostInput(const MSG& msg, const Window& target, bool bLatest);
     DWORD Send(const std::shared_ptr<SentMessage>& message);
     // Posts a chore, merging it with a pending one of the same kind for that window (their LPARAMs are
     // OR-ed). Chores are never repeated, so the queue's bound doesn't count them.
@@ -70,6 +72,9 @@ public:
     int Get(MSG& msg, const Filter& filter);
     // Doesn't wait; false when there is none.
     bool Peek(MSG& msg, const Filter& filter, bool bRemove);
+    // Whether the message that was taken or seen last is what a person did.
+    bool WasInput() const noexcept { return m_wasInput; }
+    Input input;
     // Serves what is sent here until the message, sent elsewhere, is answered; its result.
     LRESULT WaitForAnswer(const SentMessage& message);
     // A window ends: releases its senders and drops what is posted to it.
@@ -80,13 +85,19 @@ public:
 private:
     using Lock = std::unique_lock<std::mutex>;
     using Sent = std::list<std::shared_ptr<SentMessage>>;
+    enum class Kind
+    {
+        Message,
+        Input,
+        Chore,
+    };
     struct Posted
     {
         MSG msg;
-        bool chore = false;
+        Kind kind;
     };
 
-    DWORD PostTo(const MSG& msg, const Window* target, bool bLatest);
+    DWORD PostTo(const Posted& posted, const Window* target, bool bLatest);
     void ServeSent(Lock& lock);
     bool Take(MSG& msg, const Filter& filter, bool bRemove);
     bool TakeQuit(MSG& msg, bool bRemove);
@@ -103,6 +114,7 @@ private:
     Timers m_timers;
     Sent m_sent; // not yet begun
     bool m_closed = false;
+    bool m_wasInput = false;
 };
 
 // ---- A thread gets its queue when it first needs one; the thread's end ends its windows and the queue.

@@ -24,6 +24,7 @@ Window::Window(HWND handle, std::shared_ptr<const WindowClass> cls, WNDPROC hook
       m_classProc(cls->proc),
       m_background(cls->background),
       m_classStyle(cls->style),
+      m_classCursor(cls->cursor),
       m_class(std::move(cls)),
       m_owner(std::move(owner)),
       m_rect(RectOf(create.x, create.y, create.cx, create.cy)),

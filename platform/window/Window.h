@@ -42,6 +42,7 @@ public:
 
     HBRUSH Background() const noexcept { return m_background; }
     UINT ClassStyle() const noexcept { return m_classStyle; }
+    HCURSOR ClassCursor() const noexcept { return m_classCursor; }
 
     // Where it lies on the desktop.
     RECT Rect() const;
@@ -51,7 +52,9 @@ public:
     void SetText(const char* pszText);
 
     std::atomic<bool> visible{false};
+    std::atomic<bool> enabled{true};
     std::atomic<BYTE> opacity{255};
+    std::atomic<HICON> icon{nullptr};
     std::atomic<std::intptr_t> userData{0};
 
     // Guarded by gdi::pixelLock.
@@ -59,8 +62,10 @@ public:
     std::optional<gdi::PixelRegion> shape;    // what of it there is to see; nothing: all
     bool appeared = false;                    // it has been painted since it was shown
 
-    // The owning thread's alone: its end has begun, and which animation of it is the newest.
+    // The owning thread's alone: its end has begun, it asked to hear that the mouse leaves it, and which
+    // animation of it is the newest.
     bool ending = false;
+    bool tracksLeave = false;
     unsigned animation = 0;
     // No message reaches it any more. Set by the owning thread under its queue's lock, so that thread may
     // read it without.
@@ -73,6 +78,7 @@ private:
     const WNDPROC m_classProc;
     const HBRUSH m_background;
     const UINT m_classStyle;
+    const HCURSOR m_classCursor;
     std::shared_ptr<const WindowClass> m_class;
     const std::shared_ptr<Queue> m_owner;
     mutable std::mutex m_lock; // guards what follows

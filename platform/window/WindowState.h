@@ -13,11 +13,18 @@ void Appear(Window& window, bool bVisible);
 // The window's rectangle has changed: its pixels follow and it hears of it.
 void TellPlace(Window& window, bool bMoved, bool bResized);
 
+// The window manager shows the window by an icon from now on, or with null by none. Gives the old one. Any
+// thread.
+HICON SetIcon(Window& window, HICON hIcon);
+
 // The desktop has given a window the keyboard: as SetFocus, but the desktop isn't asked for it.
 void TakeFocus(HWND hWnd);
 // The window can't have the keyboard any more: if it has it, it hears WM_KILLFOCUS.
 void DropFocus(HWND hWnd);
 // The same without a message, for a window that has ended.
 void ForgetFocus(HWND hWnd) noexcept;
+
+// The window, if it has the mouse to itself, hears that it has it no more.
+void DropCapture(HWND hWnd);
 
 } // namespace kx::window

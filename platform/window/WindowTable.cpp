@@ -56,4 +56,13 @@ std::vector<HWND> WindowTable::Handles() const
     return handles;
 }
 
+std::vector<HWND> WindowTable::HandlesOf(const Queue& owner) const
+{
+    std::vector<HWND> handles;
+    std::lock_guard lock(m_lock);
+    for (const auto& [handle, window] : m_windows)
+        if (&window->Owner() == &owner) handles.push_back(handle);
+    return handles;
+}
+
 } // namespace kx::window

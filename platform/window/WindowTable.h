@@ -30,6 +30,7 @@ public:
     // Any window of that thread, null when it has none.
     std::shared_ptr<Window> FindOwnedBy(const Queue& owner) const noexcept;
     std::vector<HWND> Handles() const;
+    std::vector<HWND> HandlesOf(const Queue& owner) const; // oldest first
 
 private:
     mutable std::mutex m_lock;

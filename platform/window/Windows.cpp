@@ -1,7 +1,9 @@
 // What is asked of a window and set in it; measures of the desktop.
 
+#include "include/platform/Input.h"
 #include "include/platform/WindowPaint.h"
 #include "platform/Errno.h"
+#include "platform/gdi/Icon.h"
 #include "platform/text/CharWalk.h"
 #include "platform/window/Chores.h"
 #include "platform/window/Desktop.h"
@@ -52,6 +54,13 @@ int Erase(HWND hWnd, HDC hDC)
 
 } // namespace
 
+HICON kx::window::SetIcon(Window& window, HICON hIcon)
+{
+    const auto icon = gdi::FindAs<gdi::Icon>(hIcon);
+    Desktop::Instance().SetIcon(window.Handle(), icon ? &icon->surface : nullptr);
+    return window.icon.exchange(hIcon);
+}
+
 int IsWindow(HWND hWnd) noexcept
 {
     return Look(hWnd).has_value();
@@ -81,7 +90,7 @@ int GetWindowRect(HWND hWnd, RECT* pRect) noexcept
 {
     if (!pRect) return kx::Fail(ERROR_INVALID_PARAMETER);
     if (hWnd == kx::window::kDesktopHandle) {
-        const SIZE size = Desktop::Instance().Size();
+        const SIZE size = Desktop::Instance().Monitor();
         *pRect = {0, 0, size.cx, size.cy};
         return 1;
     }
@@ -102,9 +111,9 @@ int GetSystemMetrics(int nIndex) noexcept
 {
     switch (nIndex) {
     case SM_CXSCREEN:
-        return Desktop::Instance().Size().cx;
+        return Desktop::Instance().Monitor().cx;
     case SM_CYSCREEN:
-        return Desktop::Instance().Size().cy;
+        return Desktop::Instance().Monitor().cy;
     case SM_CYCAPTION:
         return 19;
     case SM_CYFRAME:
@@ -160,7 +169,7 @@ int GetWindowTextA(HWND hWnd, char* pszBuffer, int nSize)
     return static_cast<int>(kx::text::CopyCut(window->Text(), pszBuffer, static_cast<std::size_t>(nSize)));
 }
 
-LRESULT DefWindowProcA(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM)
+LRESULT DefWindowProcA(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
 {
     switch (nMsg) {
     case WM_CLOSE:
@@ -171,6 +180,17 @@ LRESULT DefWindowProcA(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM)
         BeginPaint(hWnd, &paint);
         EndPaint(hWnd, &paint);
         return 0;
+    }
+    case WM_SETCURSOR: {
+        const auto window = Find(hWnd);
+        if (!window || !window->ClassCursor()) return 0;
+        SetCursor(window->ClassCursor());
+        return 1;
+    }
+    case WM_SETICON: {
+        const auto window = Find(hWnd);
+        const auto hIcon = reinterpret_cast<HICON>(lParam);
+        return window ? reinterpret_cast<LRESULT>(kx::window::SetIcon(*window, hIcon)) : 0;
     }
     case WM_ERASEBKGND:
         return Erase(hWnd, reinterpret_cast<HDC>(wParam));

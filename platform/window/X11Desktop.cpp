@@ -1,12 +1,16 @@
 #include "platform/window/X11Desktop.h"
 
 #include "platform/Immortal.h"
+#include "platform/gdi/Rect.h"
+#include "platform/gdi/Screen.h"
 #include "platform/sync/AlternateStack.h"
 #include "platform/window/Chores.h"
 #include "platform/window/Window.h"
+#include "platform/window/WindowTable.h"
 #include "platform/window/x11/Events.h"
 #include "platform/window/x11/Properties.h"
 
+#include <algorithm>
 #include <csignal>
 #include <future>
 #include <initializer_list>
@@ -20,6 +24,8 @@ namespace kx::window {
 using x11::Access;
 
 namespace {
+
+constexpr std::uint32_t kPlain = 0xF0F0F0;
 
 std::atomic<int> g_forks{0};
 [[maybe_unused]] const int g_atFork = pthread_atfork(nullptr, nullptr, [] { ++g_forks; });
@@ -90,10 +96,10 @@ std::thread StartEvents(std::shared_ptr<x11::Session> session)
 std::shared_ptr<x11::Session> OpenSession(const char* pszDisplay, std::chrono::milliseconds limit)
 {
     const std::optional name = pszDisplay ? std::optional<std::string>(pszDisplay) : std::nullopt;
-    std::packaged_task<std::shared_ptr<x11::Session>()> open([name] {
+    std::packaged_task<std::shared_ptr<x11::Session>()> open([name, limit] {
         const sync::AlternateStack stack;
         auto connection = x11::Connection::Open(name ? name->c_str() : nullptr);
-        return connection ? std::make_shared<x11::Session>(std::move(connection)) : nullptr;
+        return connection ? std::make_shared<x11::Session>(std::move(connection), limit) : nullptr;
     });
     auto session = open.get_future();
     {
@@ -156,7 +162,13 @@ std::shared_ptr<x11::Session> X11Desktop::Session() const noexcept
 SIZE X11Desktop::Size() const noexcept
 {
     const auto session = Session();
-    return session ? SIZE{session->connection->size.load()} : SIZE{};
+    return session ? session->connection->GetView().reach : SIZE{};
+}
+
+SIZE X11Desktop::Monitor() const noexcept
+{
+    const auto session = Session();
+    return session ? session->connection->GetView().monitor : SIZE{};
 }
 
 bool X11Desktop::Create(HWND hWnd, const CREATESTRUCTA& create)
@@ -167,7 +179,10 @@ bool X11Desktop::Create(HWND hWnd, const CREATESTRUCTA& create)
 
 void X11Desktop::Show(HWND hWnd, bool bVisible)
 {
-    if (const Access server(Session()); server) server->own.Show(hWnd, bVisible);
+    const Access server(Session());
+    if (!server) return;
+    server->own.Show(hWnd, bVisible);
+    if (!bVisible) server->fades.erase(hWnd);
 }
 
 void X11Desktop::SetText(HWND hWnd, const char* pszText)
@@ -179,7 +194,9 @@ void X11Desktop::Place(Window& window, const RECT& rect)
 {
     const Access server(Session());
     window.SetRect(rect);
-    if (server) server->own.Place(window.Handle(), rect);
+    if (!server) return;
+    server->own.Place(window.Handle(), rect);
+    server->fades.erase(window.Handle());
 }
 
 void X11Desktop::Stack(HWND hWnd, Order order)
@@ -194,9 +211,55 @@ void X11Desktop::Shape(HWND hWnd, const gdi::PixelRegion* region)
     if (id) x11::SetShape(*server->connection, id, region);
 }
 
+// Without a compositor the window is blended here, over what the screen showed before it did.
 void X11Desktop::SetOpacity(HWND hWnd, BYTE opacity)
 {
-    if (const Access server(Session()); server) server->own.SetOpacity(hWnd, opacity);
+    const auto window = WindowTable::Instance().Find(hWnd);
+    const std::lock_guard lock(gdi::Screen::Instance().lock);
+    const Access server(Session());
+    if (!server || !window) return;
+    if (server->connection->HasCompositor()) {
+        server->fades.erase(hWnd);
+        return server->own.SetOpacity(hWnd, opacity);
+    }
+    auto it = server->fades.find(hWnd);
+    if (it == server->fades.end() && !window->visible && opacity < 255) {
+        const RECT rect = window->Rect();
+        auto below = gdi::Surface::Make(rect.right - rect.left, rect.bottom - rect.top);
+        if (below && server->pixels.Get(rect, *below, {rect.left, rect.top}))
+            it = server->fades.emplace(hWnd, x11::Fade{std::move(*below), opacity}).first;
+    }
+    if (it == server->fades.end()) return;
+    it->second.opacity = opacity;
+    if (window->visible && window->appeared && window->backing) {
+        const gdi::Surface& pixels = window->backing->surface;
+        server->Put(hWnd, pixels, {0, 0, pixels.Width(), pixels.Height()});
+    }
+}
+
+void X11Desktop::SetOwner(HWND hWnd, HWND hOwner)
+{
+    if (const Access server(Session()); server) server->own.SetOwner(hWnd, hOwner);
+}
+
+void X11Desktop::SetCursor(HWND hWnd, HCURSOR hCursor)
+{
+    if (const Access server(Session()); server) server->own.SetCursor(hWnd, hCursor);
+}
+
+void X11Desktop::SetCaret(HWND hWnd, POINT place)
+{
+    const Access server(Session());
+    if (!server || !server->method.IsThere()) return;
+    const int nScale = server->connection->GetView().scale;
+    server->method.SetCaret(server->own.NumberOf(hWnd), {place.x * nScale, place.y * nScale});
+}
+
+void X11Desktop::SetIcon(HWND hWnd, const gdi::Surface* pixels)
+{
+    const Access server(Session());
+    const xcb_window_t id = server ? server->own.NumberOf(hWnd) : 0;
+    if (id) x11::SetIcon(*server->connection, id, pixels);
 }
 
 void X11Desktop::Focus(HWND hWnd)
@@ -206,22 +269,31 @@ void X11Desktop::Focus(HWND hWnd)
 
 void X11Desktop::Destroy(HWND hWnd) noexcept
 {
-    if (const Access server(Session()); server) server->own.Destroy(hWnd);
+    const Access server(Session());
+    if (!server) return;
+    server->own.Destroy(hWnd);
+    server->fades.erase(hWnd);
 }
 
 void X11Desktop::Present(HWND hWnd, const gdi::Surface& pixels, const RECT& rect)
 {
-    const Access server(Session());
-    const xcb_window_t id = server ? server->own.NumberOf(hWnd) : 0;
-    if (id) server->pixels.Put(id, pixels, rect);
+    if (const Access server(Session()); server) server->Put(hWnd, pixels, rect);
 }
 
+// A guest's root shows nothing of what a person sees: it counts as plain.
 gdi::Surface& X11Desktop::Look(const RECT& rect, gdi::Surface& root)
 {
     if (!m_seen || m_seen->Width() != root.Width() || m_seen->Height() != root.Height())
         m_seen = gdi::Surface::Make(root.Width(), root.Height());
     const Access server(Session());
-    return server && m_seen && server->pixels.Get(rect, *m_seen) ? *m_seen : root;
+    if (!server || !m_seen) return root;
+    if (server->connection->IsGuest()) {
+        const RECT plain = gdi::Cut(rect, {0, 0, m_seen->Width(), m_seen->Height()});
+        for (int y = plain.top; y < plain.bottom; ++y)
+            std::fill(m_seen->Row(y) + plain.left, m_seen->Row(y) + plain.right, kPlain);
+        return *m_seen;
+    }
+    return server->pixels.Get(rect, *m_seen, {0, 0}) ? *m_seen : root;
 }
 
 std::vector<HWND> X11Desktop::ForeignWindows() const

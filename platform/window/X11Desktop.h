@@ -32,6 +32,7 @@ public:
     ~X11Desktop() override;
 
     SIZE Size() const noexcept override;
+    SIZE Monitor() const noexcept override;
     void Leave() noexcept override;
 
     bool Create(HWND hWnd, const CREATESTRUCTA& create) override;
@@ -42,6 +43,10 @@ public:
     void Shape(HWND hWnd, const gdi::PixelRegion* region) override;
     void SetOpacity(HWND hWnd, BYTE opacity) override;
     void Focus(HWND hWnd) override;
+    void SetOwner(HWND hWnd, HWND hOwner) override;
+    void SetCursor(HWND hWnd, HCURSOR hCursor) override;
+    void SetCaret(HWND hWnd, POINT place) override;
+    void SetIcon(HWND hWnd, const gdi::Surface* pixels) override;
     void Destroy(HWND hWnd) noexcept override;
 
     void Present(HWND hWnd, const gdi::Surface& pixels, const RECT& rect) override;

@@ -50,9 +50,17 @@ void Program::Kill()
 {
     if (m_pid <= 0) return;
     kill(m_pid, SIGTERM);
+    kill(m_pid, SIGCONT);
     while (waitpid(m_pid, nullptr, 0) < 0 && errno == EINTR) {
     }
     m_pid = -1;
+}
+
+void Program::Stop()
+{
+    kill(m_pid, SIGSTOP);
+    siginfo_t stopped;
+    waitid(P_PID, static_cast<id_t>(m_pid), &stopped, WSTOPPED | WNOWAIT);
 }
 
 XServer::Pipe::Pipe()

@@ -17,6 +17,8 @@ public:
 
     // Ends it, and returns when it has ended.
     void Kill();
+    // It does nothing until it is killed.
+    void Stop();
 
 private:
     pid_t m_pid = -1;
@@ -31,6 +33,7 @@ public:
     // As for DISPLAY.
     const std::string& Name() const { return m_name; }
     void Kill() { m_program.Kill(); }
+    void Stop() { m_program.Stop(); }
 
 private:
     struct Pipe

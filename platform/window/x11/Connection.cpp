@@ -1,9 +1,15 @@
 #include "platform/window/x11/Connection.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
+#include <cmath>
+#include <cstdlib>
+#include <string>
 #include <string_view>
 #include <sys/socket.h>
+#include <utility>
+#include <xcb/randr.h>
 
 namespace kx::window::x11 {
 
@@ -47,10 +53,60 @@ bool SeesOurPixels(const xcb_setup_t& setup, const xcb_screen_t& screen)
            BitsOfPixel(setup, screen.root_depth) == 32;
 }
 
+bool IsOffered(xcb_connection_t* connection, std::string_view name)
+{
+    const auto cookie = xcb_query_extension(connection, static_cast<std::uint16_t>(name.size()), name.data());
+    const auto reply = Own(xcb_query_extension_reply(connection, cookie, nullptr));
+    return reply && reply->present;
+}
+
+// The primary monitor; without one the first, and without any the whole screen.
+RECT Primary(xcb_connection_t* connection, xcb_window_t root, SIZE screen)
+{
+    RECT found{0, 0, screen.cx, screen.cy};
+    const auto reply =
+        Own(xcb_randr_get_monitors_reply(connection, xcb_randr_get_monitors(connection, root, 1), nullptr));
+    if (!reply) return found;
+    bool bFirst = true;
+    for (auto it = xcb_randr_get_monitors_monitors_iterator(reply.get()); it.rem > 0;
+         xcb_randr_monitor_info_next(&it)) {
+        const auto& info = *it.data;
+        if (info.width > 0 && info.height > 0 && (bFirst || info.primary))
+            found = {info.x, info.y, info.x + info.width, info.y + info.height};
+        bFirst = false;
+        if (info.primary) break;
+    }
+    return found;
+}
+
+// The environment's word, else what the desktop's settings say of the dots of an inch, of which 96 are usual.
+int ScaleOf(xcb_connection_t* connection, xcb_window_t root)
+{
+    constexpr std::uint32_t nMostWords = 16'384;
+    constexpr std::string_view key = "Xft.dpi:";
+    double scale = 1;
+    if (const char* pszScale = std::getenv("KX_SCALE"); pszScale && *pszScale) {
+        scale = std::atof(pszScale);
+    } else {
+        const auto reply = Own(xcb_get_property_reply(
+            connection,
+            xcb_get_property(connection, 0, root, XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING, 0, nMostWords),
+            nullptr));
+        if (!reply || reply->format != 8) return 1;
+        const std::string settings(static_cast<const char*>(xcb_get_property_value(reply.get())),
+                                   static_cast<std::size_t>(xcb_get_property_value_length(reply.get())));
+        const std::size_t at = settings.starts_with(key) ? 0 : settings.find("\n" + std::string(key));
+        if (at == std::string::npos) return 1;
+        scale = std::atof(settings.c_str() + settings.find(':', at) + 1) / 96;
+    }
+    return scale >= 1 ? static_cast<int>(std::min(std::lround(scale), 3L)) : 1;
+}
+
 } // namespace
 
-Atoms::Atoms(xcb_connection_t* connection)
+Atoms::Atoms(xcb_connection_t* connection, int nScreen)
 {
+    const std::string selection = "_NET_WM_CM_S" + std::to_string(nScreen);
     struct Name
     {
         xcb_atom_t* place;
@@ -68,6 +124,11 @@ Atoms::Atoms(xcb_connection_t* connection)
         Name{&netWmStateAbove, "_NET_WM_STATE_ABOVE"},
         Name{&netWmOpacity, "_NET_WM_WINDOW_OPACITY"},
         Name{&netClientList, "_NET_CLIENT_LIST"},
+        Name{&netWmIcon, "_NET_WM_ICON"},
+        Name{&netWmStateModal, "_NET_WM_STATE_MODAL"},
+        Name{&netWmWindowType, "_NET_WM_WINDOW_TYPE"},
+        Name{&netWmWindowTypeDialog, "_NET_WM_WINDOW_TYPE_DIALOG"},
+        Name{&compositor, selection},
     };
     // All are asked for before the first answer is awaited.
     for (Name& entry : names)
@@ -86,22 +147,68 @@ std::unique_ptr<Connection> Connection::Open(const char* pszDisplay)
     const xcb_setup_t* setup = xcb_get_setup(connection.get());
     const xcb_screen_t* screen = setup ? FindScreen(*setup, nScreen) : nullptr;
     if (!screen) return nullptr;
-    auto opened = std::unique_ptr<Connection>(new Connection(std::move(connection), *setup, *screen));
+    auto opened =
+        std::unique_ptr<Connection>(new Connection(std::move(connection), nScreen, *setup, *screen));
     return opened->IsLost() ? nullptr : std::move(opened);
 }
 
-Connection::Connection(Handle connection, const xcb_setup_t& setup, const xcb_screen_t& screen)
-    : atoms(connection.get()),
-      size(ScreenSize{{screen.width_in_pixels, screen.height_in_pixels}}),
+Connection::Connection(Handle connection, int nScreen, const xcb_setup_t& setup, const xcb_screen_t& screen)
+    : atoms(connection.get(), nScreen),
       m_connection(std::move(connection)),
+      m_nScreen(nScreen),
       m_screen(screen),
       m_bOurPixels(SeesOurPixels(setup, screen)),
+      m_bGuest(IsOffered(Get(), "XWAYLAND")),
       m_idBase(setup.resource_id_base),
       m_idMask(setup.resource_id_mask)
 {
     // The screen may be given another size.
     const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(Get(), Root(), XCB_CW_EVENT_MASK, &events);
+    const auto* monitors = xcb_get_extension_data(Get(), &xcb_randr_id);
+    if (monitors && monitors->present) {
+        m_firstMonitorEvent = monitors->first_event;
+        xcb_randr_select_input(Get(), Root(),
+                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+    }
+    m_view.scale = ScaleOf(Get(), Root());
+    LearnView();
+}
+
+View Connection::GetView() const
+{
+    const std::lock_guard lock(m_lock);
+    return m_view;
+}
+
+bool Connection::LearnView()
+{
+    View view = GetView();
+    const auto size = Own(xcb_get_geometry_reply(Get(), xcb_get_geometry(Get(), Root()), nullptr));
+    if (!size) return false;
+    const RECT monitor = m_firstMonitorEvent ? Primary(Get(), Root(), {size->width, size->height})
+                                             : RECT{0, 0, size->width, size->height};
+    view.origin = {monitor.left, monitor.top};
+    view.monitor = {view.Part(monitor.right - monitor.left), view.Part(monitor.bottom - monitor.top)};
+    view.whole = {(size->width - monitor.left) / view.scale, (size->height - monitor.top) / view.scale};
+    view.reach = {view.Part(size->width - monitor.left), view.Part(size->height - monitor.top)};
+    const std::lock_guard lock(m_lock);
+    return std::exchange(m_view, view) != view;
+}
+
+bool Connection::IsMonitorChange(const xcb_generic_event_t& event) const noexcept
+{
+    const int kind = event.response_type & 0x7F;
+    return m_firstMonitorEvent && (kind == m_firstMonitorEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
+                                   kind == m_firstMonitorEvent + XCB_RANDR_NOTIFY);
+}
+
+bool Connection::HasCompositor() const noexcept
+{
+    const auto owner =
+        Own(xcb_get_selection_owner_reply(Get(), xcb_get_selection_owner(Get(), atoms.compositor), nullptr));
+    return owner && owner->owner != XCB_NONE;
 }
 
 bool Connection::IsLocal() const noexcept

@@ -2,9 +2,9 @@
 
 #include "include/platform/Geometry.h"
 
-#include <atomic>
 #include <cstdlib>
 #include <memory>
+#include <mutex>
 #include <xcb/xcb.h>
 
 namespace kx::window::x11 {
@@ -27,7 +27,7 @@ Reply<T> Own(T* reply) noexcept
 // The server's numbers of the names that are used here; 0 for all once the server is lost.
 struct Atoms
 {
-    explicit Atoms(xcb_connection_t* connection);
+    Atoms(xcb_connection_t* connection, int nScreen);
 
     xcb_atom_t utf8String = 0;
     xcb_atom_t wmProtocols = 0;
@@ -39,11 +39,36 @@ struct Atoms
     xcb_atom_t netWmStateAbove = 0;
     xcb_atom_t netWmOpacity = 0;
     xcb_atom_t netClientList = 0;
+    xcb_atom_t netWmIcon = 0;
+    xcb_atom_t netWmStateModal = 0;
+    xcb_atom_t netWmWindowType = 0;
+    xcb_atom_t netWmWindowTypeDialog = 0;
+    xcb_atom_t compositor = 0; // the selection that one owns
 };
 
-// Aligned so that any compiler reads and writes it in one step.
-struct alignas(std::uint64_t) ScreenSize : SIZE
+// How the desktop lies on the server's screen: its origin is the primary monitor's top left, and each of its
+// pixels is a square of `scale` pixels of the server's.
+struct View
 {
+    int scale = 1;
+    POINT origin{}; // in pixels of the server's
+    SIZE monitor{}; // the primary one
+    SIZE reach{};   // from the origin to the screen's right and bottom end
+    SIZE whole{};   // the same, but for a pixel that ends beyond
+
+    // The pixel of the desktop that a pixel of the server's lies in, as all the following.
+    POINT ToDesktop(int x, int y) const noexcept { return {Floor(x - origin.x), Floor(y - origin.y)}; }
+    RECT ToDesktop(const RECT& place) const noexcept
+    {
+        const POINT at = ToDesktop(place.left, place.top);
+        return {at.x, at.y, at.x + Part(place.right - place.left), at.y + Part(place.bottom - place.top)};
+    }
+    // Within a window.
+    int Floor(int n) const noexcept { return n >= 0 ? n / scale : -((scale - 1 - n) / scale); }
+    // How many pixels a length of the server's needs.
+    int Part(int n) const noexcept { return (n + scale - 1) / scale; }
+
+    bool operator==(const View&) const = default;
 };
 
 // A connection to a server, and what is known of its screen. Once the server is lost requests do nothing and
@@ -65,6 +90,7 @@ public:
     // Makes it lost, and lets go whoever waits for it. Any thread.
     void Shut() noexcept;
 
+    int Number() const noexcept { return m_nScreen; }
     xcb_window_t Root() const noexcept { return m_screen.root; }
     const xcb_screen_t& Screen() const noexcept { return m_screen; }
     // Whether its pixels are those that windows keep: 32 bits, 0xXXRRGGBB in this machine's order.
@@ -72,8 +98,16 @@ public:
     // Whether a window of that number was made by this connection.
     bool IsOurs(xcb_window_t id) const noexcept { return (id & ~m_idMask) == m_idBase; }
 
+    View GetView() const;
+    // Asks the server for its monitors again; whether they have changed, or the screen has.
+    bool LearnView();
+    bool IsMonitorChange(const xcb_generic_event_t& event) const noexcept;
+    // Whether the server is a guest on another desktop, of which it sees its own windows alone.
+    bool IsGuest() const noexcept { return m_bGuest; }
+    // Whether something shows windows by their opacity.
+    bool HasCompositor() const noexcept;
+
     const Atoms atoms;
-    std::atomic<ScreenSize> size;
 
 private:
     struct Disconnect
@@ -81,11 +115,16 @@ private:
         void operator()(xcb_connection_t* connection) const noexcept { xcb_disconnect(connection); }
     };
     using Handle = std::unique_ptr<xcb_connection_t, Disconnect>;
-    Connection(Handle connection, const xcb_setup_t& setup, const xcb_screen_t& screen);
+    Connection(Handle connection, int nScreen, const xcb_setup_t& setup, const xcb_screen_t& screen);
 
     const Handle m_connection;
+    const int m_nScreen;
     const xcb_screen_t m_screen;
     const bool m_bOurPixels;
+    const bool m_bGuest;
+    std::uint8_t m_firstMonitorEvent = 0; // 0 for a server that tells of none
+    mutable std::mutex m_lock;
+    View m_view; // guarded by the lock
     const std::uint32_t m_idBase;
     const std::uint32_t m_idMask;
 };

@@ -4,6 +4,7 @@
 #include "platform/screen/Screen.h"
 #include "platform/text/Conversion.h"
 #include "platform/window/Chores.h"
+#include "platform/window/Input.h"
 #include "platform/window/WindowTable.h"
 
 #include <new>
@@ -24,9 +25,9 @@ const T& As(const xcb_generic_event_t& event) noexcept
     return reinterpret_cast<const T&>(event);
 }
 
-LPARAM PlaceOf(std::int16_t x, std::int16_t y) noexcept
+LPARAM PlaceOf(POINT at) noexcept
 {
-    return static_cast<LPARAM>(static_cast<WORD>(x) | DWORD{static_cast<WORD>(y)} << 16);
+    return static_cast<LPARAM>(static_cast<WORD>(at.x) | DWORD{static_cast<WORD>(at.y)} << 16);
 }
 
 UINT HeldOf(std::uint16_t state) noexcept
@@ -84,8 +85,13 @@ const xcb_generic_event_t* Events::Peek()
     return m_next.get();
 }
 
-void Events::Handle(const xcb_generic_event_t& event)
+void Events::Handle(xcb_generic_event_t& event)
 {
+    if (m_session->method.IsThere()) {
+        const bool bFiltered = Access(m_session)->method.Filter(event);
+        HearGifts();
+        if (bFiltered) return;
+    }
     switch (KindOf(event)) {
     case XCB_EXPOSE:
         return OnExpose(As<xcb_expose_event_t>(event));
@@ -111,8 +117,11 @@ void Events::Handle(const xcb_generic_event_t& event)
         return OnButton(As<xcb_button_press_event_t>(event), KindOf(event) == XCB_BUTTON_PRESS);
     case XCB_KEY_PRESS:
     case XCB_KEY_RELEASE:
-        return OnKey(As<xcb_key_press_event_t>(event), KindOf(event) == XCB_KEY_PRESS);
+        return OnKey(As<xcb_key_press_event_t>(event));
+    case XCB_LEAVE_NOTIFY:
+        return OnLeave(As<xcb_leave_notify_event_t>(event));
     default: // what else comes is errors of requests, whose windows had ended meanwhile
+        if (m_session->connection->IsMonitorChange(event)) OnView();
         if (m_keyboard.IsChange(event)) OnKeyboardChange();
     }
 }
@@ -125,20 +134,18 @@ HWND Events::HandleOf(xcb_window_t id)
 // The window's kept pixels are put there again; the client isn't troubled.
 void Events::OnExpose(const xcb_expose_event_t& event)
 {
-    const RECT rect = RectOf(event.x, event.y, event.width, event.height);
+    const View view = m_session->connection->GetView();
+    const RECT rect{view.Floor(event.x), view.Floor(event.y), view.Part(event.x + event.width),
+                    view.Part(event.y + event.height)};
     const auto window = WindowTable::Instance().Find(HandleOf(event.window));
     const sync::MutexLock lock(gdi::pixelLock);
     if (!window || !window->visible || !window->appeared || !window->backing) return;
-    Access(m_session)->pixels.Put(event.window, window->backing->surface, rect);
+    Access(m_session)->Put(window->Handle(), window->backing->surface, rect);
 }
 
 void Events::OnConfigure(const xcb_configure_notify_event_t& event, std::uint32_t sequence)
 {
-    Connection& connection = *m_session->connection;
-    if (event.window == connection.Root()) {
-        connection.size = ScreenSize{{event.width, event.height}};
-        return;
-    }
+    if (event.window == m_session->connection->Root()) return OnView();
     const HWND hWnd = HandleOf(event.window);
     const auto window = WindowTable::Instance().Find(hWnd);
     if (!window) return;
@@ -152,6 +159,27 @@ void Events::OnConfigure(const xcb_configure_notify_event_t& event, std::uint32_
         PostChore(hWnd, Chore::Place, (change->moved ? kMoved : 0) | (change->resized ? kResized : 0));
 }
 
+// The desktop has another size, or lies elsewhere on the screen, and its windows with it.
+void Events::OnView()
+{
+    if (!m_session->connection->LearnView()) return;
+    {
+        const std::lock_guard lock(gdi::Screen::Instance().lock);
+        gdi::Screen::Instance().Forget();
+    }
+    const SIZE size = m_session->connection->GetView().monitor;
+    for (const HWND hWnd : Access(m_session)->own.Handles()) {
+        const auto window = WindowTable::Instance().Find(hWnd);
+        if (!window) continue;
+        const auto place = Access(m_session)->own.PlaceOf(hWnd);
+        if (place && (place->left != window->Rect().left || place->top != window->Rect().top)) {
+            window->SetRect(*place);
+            PostChore(hWnd, Chore::Place, kMoved);
+        }
+        PostMessage(hWnd, WM_DISPLAYCHANGE, 32, PlaceOf({size.cx, size.cy}));
+    }
+}
+
 void Events::OnDestroy(const xcb_destroy_notify_event_t& event)
 {
     if (const HWND hWnd = HandleOf(event.window)) return PostChore(hWnd, Chore::Destroy);
@@ -163,7 +191,7 @@ void Events::OnClientMessage(const xcb_client_message_event_t& event)
     const Atoms& atoms = m_session->connection->atoms;
     const bool bClose = event.type == atoms.wmProtocols && event.data.data32[0] == atoms.wmDeleteWindow;
     const HWND hWnd = HandleOf(event.window);
-    if (bClose && hWnd) PostMessage(hWnd, WM_CLOSE, 0, 0);
+    if (bClose && hWnd) PostInput(hWnd, WM_CLOSE, 0, 0);
 }
 
 // Changes come in flocks.
@@ -180,8 +208,10 @@ void Events::OnFocus(const xcb_focus_in_event_t& event, std::uint32_t sequence, 
     if (event.mode == XCB_NOTIFY_MODE_GRAB || event.mode == XCB_NOTIFY_MODE_UNGRAB) return;
     if (event.detail >= XCB_NOTIFY_DETAIL_POINTER) return;
     const HWND hWnd = HandleOf(event.event);
-    if (Access(m_session)->own.LearnFocus(event.event, bHas, sequence) && hWnd)
-        PostChore(hWnd, bHas ? Chore::GainFocus : Chore::LoseFocus);
+    const bool bNews = Access(m_session)->own.LearnFocus(event.event, bHas, sequence);
+    if (bHas) m_held.reset(); // what went up elsewhere wasn't told here
+    if (m_session->method.IsThere()) Access(m_session)->method.Focus(bHas ? event.event : 0);
+    if (bNews && hWnd) PostChore(hWnd, bHas ? Chore::GainFocus : Chore::LoseFocus);
 }
 
 bool Events::IsOvertaken(const xcb_motion_notify_event_t& event)
@@ -192,11 +222,24 @@ bool Events::IsOvertaken(const xcb_motion_notify_event_t& event)
     return other.event == event.event && other.state == event.state;
 }
 
+LPARAM Events::PlaceWithin(int x, int y) const
+{
+    const View view = m_session->connection->GetView();
+    return PlaceOf({view.Floor(x), view.Floor(y)});
+}
+
+// A grab takes the mouse away for a moment, without moving it.
+void Events::OnLeave(const xcb_leave_notify_event_t& event)
+{
+    const HWND hWnd = HandleOf(event.event);
+    if (hWnd && event.mode == XCB_NOTIFY_MODE_NORMAL) PostInput(hWnd, WM_MOUSELEAVE, 0, 0);
+}
+
 void Events::OnMotion(const xcb_motion_notify_event_t& event)
 {
     if (IsOvertaken(event)) return;
     if (const HWND hWnd = HandleOf(event.event))
-        PostLatest(hWnd, WM_MOUSEMOVE, HeldOf(event.state), PlaceOf(event.event_x, event.event_y));
+        PostInput(hWnd, WM_MOUSEMOVE, HeldOf(event.state), PlaceWithin(event.event_x, event.event_y), true);
 }
 
 void Events::OnButton(const xcb_button_press_event_t& event, bool bDown)
@@ -205,14 +248,14 @@ void Events::OnButton(const xcb_button_press_event_t& event, bool bDown)
     if (bDown && hWnd && (event.detail == kWheelUp || event.detail == kWheelDown)) {
         const int nTurn = event.detail == kWheelUp ? WHEEL_DELTA : -WHEEL_DELTA;
         const UINT turn = static_cast<WORD>(nTurn);
-        PostMessage(hWnd, WM_MOUSEWHEEL, HeldOf(event.state) | turn << 16,
-                    PlaceOf(event.root_x, event.root_y));
+        PostInput(hWnd, WM_MOUSEWHEEL, HeldOf(event.state) | turn << 16,
+                  PlaceOf(m_session->connection->GetView().ToDesktop(event.root_x, event.root_y)));
     }
     for (const Button& button : kButtons) {
         if (!hWnd || button.number != event.detail) continue;
         // The event tells what was held before it.
         const UINT held = bDown ? HeldOf(event.state) | button.held : HeldOf(event.state) & ~button.held;
-        PostMessage(hWnd, bDown ? button.down : button.up, held, PlaceOf(event.event_x, event.event_y));
+        PostInput(hWnd, bDown ? button.down : button.up, held, PlaceWithin(event.event_x, event.event_y));
     }
 }
 
@@ -225,15 +268,47 @@ bool Events::IsRepeat(const xcb_key_release_event_t& event)
     return press.detail == event.detail && press.time == event.time && press.event == event.event;
 }
 
-void Events::OnKey(const xcb_key_press_event_t& event, bool bDown)
+void Events::OnKey(const xcb_key_press_event_t& event)
 {
     const HWND hWnd = HandleOf(event.event);
-    if (!hWnd || (!bDown && IsRepeat(event))) return;
+    if (!hWnd ||
+        (KindOf(reinterpret_cast<const xcb_generic_event_t&>(event)) == XCB_KEY_RELEASE && IsRepeat(event)))
+        return;
+    if (m_session->method.IsThere() && Access(m_session)->method.Offer(event)) return;
+    HearKey(hWnd, event);
+}
+
+void Events::HearGifts()
+{
+    for (const auto& gift : Access(m_session)->method.Take()) {
+        const HWND hWnd = HandleOf(gift.window);
+        if (!hWnd) continue;
+        if (gift.key) HearKey(hWnd, *gift.key);
+        HearText(hWnd, gift.text, WM_CHAR, 1);
+    }
+}
+
+void Events::HearKey(HWND hWnd, const xcb_key_press_event_t& event)
+{
+    constexpr LPARAM withAlt = LPARAM{1} << 29;
+    constexpr LPARAM wasDown = LPARAM{1} << 30;
+    constexpr LPARAM goesUp = LPARAM{1} << 31;
+    const bool bDown = (event.response_type & 0x7F) == XCB_KEY_PRESS;
     const Keyboard::Key key = m_keyboard.Read(event.detail, event.state, bDown);
-    if (key.number) PostMessage(hWnd, bDown ? WM_KEYDOWN : WM_KEYUP, key.number, 1);
-    if (!bDown) return;
-    for (const char ch : text::FromUtf8Lossy(key.text))
-        PostMessage(hWnd, WM_CHAR, static_cast<BYTE>(ch), 1);
+    LPARAM lParam = 1 | (key.alt ? withAlt : 0) | (m_held[event.detail] ? wasDown : 0);
+    if (!bDown) lParam |= wasDown | goesUp;
+    m_held[event.detail] = bDown;
+    const UINT down = key.alt ? WM_SYSKEYDOWN : WM_KEYDOWN;
+    const UINT up = key.alt ? WM_SYSKEYUP : WM_KEYUP;
+    if (key.number) PostInput(hWnd, bDown ? down : up, key.number, lParam);
+    if (bDown) HearText(hWnd, key.text, key.alt ? WM_SYSCHAR : WM_CHAR, lParam);
+}
+
+// A byte each, in the process's code page.
+void Events::HearText(HWND hWnd, const std::string& text, UINT nMsg, LPARAM lParam)
+{
+    for (const char ch : text::FromUtf8Lossy(text))
+        PostInput(hWnd, nMsg, static_cast<BYTE>(ch), lParam);
 }
 
 } // namespace kx::window::x11

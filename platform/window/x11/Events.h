@@ -4,8 +4,7 @@
 #include "platform/window/x11/Keyboard.h"
 #include "platform/window/x11/Session.h"
 
-#include <atomic>
-#include <optional>
+#include <bitset>
 
 namespace kx::window::x11 {
 
@@ -25,7 +24,7 @@ private:
     Event Next();
     // The next of those that have come already, which stays the next; null for none.
     const xcb_generic_event_t* Peek();
-    void Handle(const xcb_generic_event_t& event);
+    void Handle(xcb_generic_event_t& event);
 
     void OnExpose(const xcb_expose_event_t& event);
     void OnConfigure(const xcb_configure_notify_event_t& event, std::uint32_t sequence);
@@ -33,11 +32,17 @@ private:
     void OnClientMessage(const xcb_client_message_event_t& event);
     void OnFocus(const xcb_focus_in_event_t& event, std::uint32_t sequence, bool bHas);
     void OnKeyboardChange();
+    void OnView();
+    void OnLeave(const xcb_leave_notify_event_t& event);
+    void HearGifts();
+    void HearKey(HWND hWnd, const xcb_key_press_event_t& event);
+    void HearText(HWND hWnd, const std::string& text, UINT nMsg, LPARAM lParam);
     void OnMotion(const xcb_motion_notify_event_t& event);
     void OnButton(const xcb_button_press_event_t& event, bool bDown);
-    void OnKey(const xcb_key_press_event_t& event, bool bDown);
+    void OnKey(const xcb_key_press_event_t& event);
 
     HWND HandleOf(xcb_window_t id);
+    LPARAM PlaceWithin(int x, int y) const;
     // Whether the key is held and the server only repeats it.
     bool IsRepeat(const xcb_key_release_event_t& event);
     // Whether another motion within the same window follows.
@@ -46,6 +51,7 @@ private:
     const std::shared_ptr<Session> m_session;
     Keyboard m_keyboard;
     Event m_next;
+    std::bitset<256> m_held; // the keys that are down
 };
 
 } // namespace kx::window::x11

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <iterator>
 #include <utility>
 #include <xkbcommon/xkbcommon-keysyms.h>
 #include <xkbcommon/xkbcommon-x11.h>
@@ -62,14 +63,60 @@ constexpr std::array kNamed{
     Named{XKB_KEY_KP_Up, VK_UP},
     Named{XKB_KEY_KP_Right, VK_RIGHT},
     Named{XKB_KEY_KP_Down, VK_DOWN},
+    Named{XKB_KEY_KP_Insert, VK_INSERT},
     Named{XKB_KEY_KP_Delete, VK_DELETE},
+    Named{XKB_KEY_KP_Multiply, VK_MULTIPLY},
+    Named{XKB_KEY_KP_Add, VK_ADD},
+    Named{XKB_KEY_KP_Separator, VK_SEPARATOR},
+    Named{XKB_KEY_KP_Subtract, VK_SUBTRACT},
+    Named{XKB_KEY_KP_Decimal, VK_DECIMAL},
+    Named{XKB_KEY_KP_Divide, VK_DIVIDE},
+    Named{XKB_KEY_Insert, VK_INSERT},
+    Named{XKB_KEY_Pause, VK_PAUSE},
+    Named{XKB_KEY_Print, VK_SNAPSHOT},
+    Named{XKB_KEY_Caps_Lock, VK_CAPITAL},
+    Named{XKB_KEY_Num_Lock, VK_NUMLOCK},
+    Named{XKB_KEY_Scroll_Lock, VK_SCROLL},
+    Named{XKB_KEY_Super_L, VK_LWIN},
+    Named{XKB_KEY_Super_R, VK_RWIN},
+    Named{XKB_KEY_Menu, VK_APPS},
+    Named{XKB_KEY_ISO_Level3_Shift, VK_MENU},
+    Named{XKB_KEY_semicolon, VK_OEM_1},
+    Named{XKB_KEY_equal, VK_OEM_PLUS},
+    Named{XKB_KEY_plus, VK_OEM_PLUS},
+    Named{XKB_KEY_comma, VK_OEM_COMMA},
+    Named{XKB_KEY_minus, VK_OEM_MINUS},
+    Named{XKB_KEY_period, VK_OEM_PERIOD},
+    Named{XKB_KEY_slash, VK_OEM_2},
+    Named{XKB_KEY_grave, VK_OEM_3},
+    Named{XKB_KEY_bracketleft, VK_OEM_4},
+    Named{XKB_KEY_backslash, VK_OEM_5},
+    Named{XKB_KEY_bracketright, VK_OEM_6},
+    Named{XKB_KEY_apostrophe, VK_OEM_7},
 };
+
+// The keys of digits and punctuation by where they lie, as every server on Linux numbers them.
+constexpr struct
+{
+    xcb_keycode_t code;
+    UINT number;
+} kPlaces[] = {{10, '1'},          {11, '2'},         {12, '3'},      {13, '4'},          {14, '5'},
+               {15, '6'},          {16, '7'},         {17, '8'},      {18, '9'},          {19, '0'},
+               {20, VK_OEM_MINUS}, {21, VK_OEM_PLUS}, {34, VK_OEM_4}, {35, VK_OEM_6},     {47, VK_OEM_1},
+               {48, VK_OEM_7},     {49, VK_OEM_3},    {51, VK_OEM_5}, {59, VK_OEM_COMMA}, {60, VK_OEM_PERIOD},
+               {61, VK_OEM_2},     {94, VK_OEM_102}};
+
+UINT NumberOfPlace(xcb_keycode_t code) noexcept
+{
+    const auto it = std::ranges::find(kPlaces, code, [](const auto& place) { return place.code; });
+    return it == std::end(kPlaces) ? 0 : it->number;
+}
 
 UINT NumberOfSymbol(xkb_keysym_t symbol) noexcept
 {
     if (symbol >= XKB_KEY_a && symbol <= XKB_KEY_z) return symbol - XKB_KEY_a + 'A';
     if (symbol >= XKB_KEY_0 && symbol <= XKB_KEY_9) return symbol - XKB_KEY_0 + '0';
-    if (symbol >= XKB_KEY_F1 && symbol <= XKB_KEY_F12) return symbol - XKB_KEY_F1 + VK_F1;
+    if (symbol >= XKB_KEY_F1 && symbol <= XKB_KEY_F24) return symbol - XKB_KEY_F1 + VK_F1;
     const auto it = std::ranges::find(kNamed, symbol, &Named::symbol);
     return it == kNamed.end() ? 0 : it->number;
 }
@@ -150,7 +197,7 @@ UINT Keyboard::NumberOf(xcb_keycode_t code, xkb_layout_index_t layout) const
     const auto nLayouts = xkb_keymap_num_layouts_for_key(m_keymap.get(), code);
     for (xkb_layout_index_t which = 0; number == 0 && which < nLayouts; ++which)
         number = inLayout(which);
-    return number;
+    return number ? number : NumberOfPlace(code);
 }
 
 std::optional<std::string> Keyboard::Compose(xkb_keysym_t symbol)
@@ -176,18 +223,32 @@ Keyboard::Key Keyboard::Read(xcb_keycode_t code, std::uint16_t held, bool bDown)
     // The number block's keys mean digits or moves by what is held.
     Key key{NumberOf(code, Layout(held)), {}};
     const xkb_keysym_t symbol = xkb_state_key_get_one_sym(m_state.get(), code);
-    if (symbol >= XKB_KEY_KP_0 && symbol <= XKB_KEY_KP_9) key.number = symbol - XKB_KEY_KP_0 + '0';
+    if (symbol >= XKB_KEY_KP_0 && symbol <= XKB_KEY_KP_9) key.number = symbol - XKB_KEY_KP_0 + VK_NUMPAD0;
+    if (symbol == XKB_KEY_KP_Decimal || symbol == XKB_KEY_KP_Separator) key.number = VK_DECIMAL;
     const bool bAlt =
         xkb_state_mod_name_is_active(m_state.get(), XKB_MOD_NAME_ALT, XKB_STATE_MODS_EFFECTIVE) > 0;
-    if (!bDown || bAlt || key.number == VK_DELETE) return key;
+    key.alt = bAlt || symbol == XKB_KEY_Alt_L || symbol == XKB_KEY_Alt_R;
+    if (!bDown || key.number == VK_DELETE) return key;
+    if (bAlt) {
+        key.text = TextOf(code);
+        return key;
+    }
     if (auto composed = Compose(symbol)) {
         key.text = std::move(*composed);
         return key;
     }
-    key.text.resize(
-        static_cast<std::size_t>(std::max(xkb_state_key_get_utf8(m_state.get(), code, nullptr, 0), 0)));
-    xkb_state_key_get_utf8(m_state.get(), code, key.text.data(), key.text.size() + 1);
+    key.text = TextOf(code);
     return key;
+}
+
+// What the key writes by itself with what is held.
+std::string Keyboard::TextOf(xcb_keycode_t code) const
+{
+    std::string text;
+    text.resize(
+        static_cast<std::size_t>(std::max(xkb_state_key_get_utf8(m_state.get(), code, nullptr, 0), 0)));
+    xkb_state_key_get_utf8(m_state.get(), code, text.data(), text.size() + 1);
+    return text;
 }
 
 } // namespace kx::window::x11

@@ -25,6 +25,7 @@ public:
     {
         UINT number = 0;  // a VK_..., 0 for none
         std::string text; // UTF-8
+        bool alt = false; // held beside it, or the key itself
     };
     // A key that goes down or up, with what the event says is held beside it. A dead key has no text; the
     // next one that goes down has that of both.
@@ -39,8 +40,9 @@ private:
         void operator()(xkb_keymap* p) const noexcept { xkb_keymap_unref(p); }
         void operator()(xkb_state* p) const noexcept { xkb_state_unref(p); }
     };
-    // The text that keys make together with this one; nothing where it stands for itself.
+    // The text that this key makes with those before it; nothing where it stands for itself.
     std::optional<std::string> Compose(xkb_keysym_t symbol);
+    std::string TextOf(xcb_keycode_t code) const;
     UINT NumberOf(xcb_keycode_t code, xkb_layout_index_t layout) const;
 
     xcb_connection_t* const m_connection;

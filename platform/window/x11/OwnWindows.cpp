@@ -1,5 +1,6 @@
 #include "platform/window/x11/OwnWindows.h"
 
+#include "include/platform/Input.h"
 #include "platform/window/Window.h"
 #include "platform/window/x11/Properties.h"
 
@@ -10,20 +11,22 @@ namespace kx::window::x11 {
 
 namespace {
 
-constexpr std::uint32_t kEvents = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
-                                  XCB_EVENT_MASK_FOCUS_CHANGE | XCB_EVENT_MASK_KEY_PRESS |
-                                  XCB_EVENT_MASK_KEY_RELEASE | XCB_EVENT_MASK_BUTTON_PRESS |
-                                  XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION;
+constexpr std::uint32_t kEvents =
+    XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_FOCUS_CHANGE |
+    XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE | XCB_EVENT_MASK_BUTTON_PRESS |
+    XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_LEAVE_WINDOW;
 
 // The nearest place that a server can give: 16 bits, and a pixel at least.
-RECT ToServer(const RECT& rect) noexcept
+RECT ToServer(const RECT& rect, const View& view) noexcept
 {
-    constexpr LONG nMost = 0x7FFF;
-    const LONG x = std::clamp(rect.left, -nMost, nMost);
-    const LONG y = std::clamp(rect.top, -nMost, nMost);
-    const auto side = [](std::int64_t n) { return static_cast<LONG>(std::clamp<std::int64_t>(n, 1, nMost)); };
-    return {x, y, x + side(std::int64_t{rect.right} - rect.left),
-            y + side(std::int64_t{rect.bottom} - rect.top)};
+    constexpr std::int64_t nMost = 0x7FFF;
+    const auto within = [&](std::int64_t n, std::int64_t nLeast) {
+        return static_cast<LONG>(std::clamp(n, nLeast, nMost));
+    };
+    const LONG x = within(std::int64_t{rect.left} * view.scale + view.origin.x, -nMost);
+    const LONG y = within(std::int64_t{rect.top} * view.scale + view.origin.y, -nMost);
+    return {x, y, x + within((std::int64_t{rect.right} - rect.left) * view.scale, 1),
+            y + within((std::int64_t{rect.bottom} - rect.top) * view.scale, 1)};
 }
 
 std::uint16_t Side(LONG nFrom, LONG nTo) noexcept
@@ -37,7 +40,7 @@ std::uint16_t Side(LONG nFrom, LONG nTo) noexcept
 bool OwnWindows::Create(HWND hWnd, const CREATESTRUCTA& create)
 {
     if (m_connection.IsLost() || !m_connection.HasOurPixels()) return false;
-    const RECT place = ToServer(RectOf(create.x, create.y, create.cx, create.cy));
+    const RECT place = ToServer(RectOf(create.x, create.y, create.cx, create.cy), m_connection.GetView());
     const xcb_window_t id = xcb_generate_id(m_connection.Get());
     const Entry entry{.id = id, .popup = (create.style & WS_POPUP) != 0, .place = place};
     const std::array<std::uint32_t, 4> values{XCB_BACK_PIXMAP_NONE, XCB_GRAVITY_NORTH_WEST, entry.popup,
@@ -54,6 +57,7 @@ bool OwnWindows::Create(HWND hWnd, const CREATESTRUCTA& create)
     m_entries.emplace(hWnd, entry);
     m_handles.emplace(id, hWnd);
     m_stack.Add(hWnd);
+    SetCursor(hWnd, LoadCursorA(nullptr, IDC_ARROW));
     return true;
 }
 
@@ -74,7 +78,7 @@ void OwnWindows::Show(HWND hWnd, bool bVisible)
     if (!entry) return;
     entry->shown = bVisible;
     if (bVisible) {
-        if (!entry->popup) SetAbove(m_connection, entry->id, entry->topmost);
+        if (!entry->popup) SetStates(m_connection, entry->id, entry->topmost, entry->modal);
         xcb_map_window(m_connection.Get(), entry->id);
         return;
     }
@@ -99,7 +103,7 @@ void OwnWindows::Place(HWND hWnd, const RECT& rect)
 {
     Entry* entry = Find(hWnd);
     if (!entry) return;
-    entry->place = ToServer(rect);
+    entry->place = ToServer(rect, m_connection.GetView());
     const RECT& place = entry->place;
     SetWantedPlace(m_connection, entry->id, place);
     const std::array<std::uint32_t, 4> values{static_cast<std::uint32_t>(place.left),
@@ -156,6 +160,24 @@ void OwnWindows::Focus(HWND hWnd)
     m_focusing = xcb_set_input_focus(m_connection.Get(), XCB_INPUT_FOCUS_POINTER_ROOT, id ? id : nobody,
                                      XCB_CURRENT_TIME)
                      .sequence;
+}
+
+void OwnWindows::SetOwner(HWND hWnd, HWND hOwner)
+{
+    Entry* entry = Find(hWnd);
+    const xcb_window_t owner = NumberOf(hOwner);
+    if (!entry || !owner) return;
+    entry->modal = true;
+    DescribeDialog(m_connection, entry->id, owner);
+}
+
+void OwnWindows::SetCursor(HWND hWnd, HCURSOR hCursor)
+{
+    Entry* entry = Find(hWnd);
+    if (!entry || entry->cursor == hCursor) return;
+    entry->cursor = hCursor;
+    const std::uint32_t cursor = m_cursors.Get(hCursor);
+    xcb_change_window_attributes(m_connection.Get(), entry->id, XCB_CW_CURSOR, &cursor);
 }
 
 xcb_window_t OwnWindows::NumberOf(HWND hWnd) const noexcept

@@ -3,6 +3,7 @@
 #include "platform/window/Desktop.h"
 #include "platform/window/WindowStack.h"
 #include "platform/window/x11/Connection.h"
+#include "platform/window/x11/Cursors.h"
 
 #include <map>
 #include <optional>
@@ -13,7 +14,7 @@ namespace kx::window::x11 {
 class OwnWindows
 {
 public:
-    explicit OwnWindows(const Connection& connection) : m_connection(connection) {}
+    explicit OwnWindows(const Connection& connection) : m_connection(connection), m_cursors(connection) {}
 
     bool Create(HWND hWnd, const CREATESTRUCTA& create);
     void Destroy(HWND hWnd) noexcept;
@@ -23,6 +24,8 @@ public:
     void Stack(HWND hWnd, Order order);
     void SetOpacity(HWND hWnd, BYTE opacity);
     void Focus(HWND hWnd);
+    void SetOwner(HWND hWnd, HWND hOwner);
+    void SetCursor(HWND hWnd, HCURSOR hCursor);
 
     // Null or 0 for none.
     xcb_window_t NumberOf(HWND hWnd) const noexcept;
@@ -41,6 +44,8 @@ public:
     };
     std::optional<Change> Learn(const xcb_configure_notify_event_t& event, std::uint32_t sequence,
                                 const RECT& rect);
+    // The desktop lies elsewhere on the screen: the window's rectangle on it.
+    std::optional<RECT> PlaceOf(HWND hWnd) const noexcept;
     void LearnParent(xcb_window_t id, xcb_window_t parent) noexcept;
     // It can be given the keyboard only from now on.
     void LearnShown(xcb_window_t id);
@@ -54,6 +59,8 @@ private:
         bool popup; // not the window manager's business
         bool shown = false;
         bool topmost = false;
+        bool modal = false; // takes the input of its owner
+        HCURSOR cursor = nullptr;
         bool framed = false;                    // lies in a window of the manager's
         RECT place{};                           // as the server has it, or was told last
         std::optional<std::uint32_t> placing{}; // the request that told it, until the server has come to it
@@ -66,6 +73,7 @@ private:
     std::optional<POINT> OriginOf(const Entry& entry, const xcb_configure_notify_event_t& event) const;
 
     const Connection& m_connection;
+    Cursors m_cursors;
     std::map<HWND, Entry> m_entries;
     std::map<xcb_window_t, HWND> m_handles;
     WindowStack m_stack;

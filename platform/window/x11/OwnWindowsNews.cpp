@@ -43,15 +43,24 @@ std::optional<OwnWindows::Change> OwnWindows::Learn(const xcb_configure_notify_e
     const RECT old = entry->place;
     const RECT place = RectOf(origin->x, origin->y, event.width, event.height);
     if (place == old) return std::nullopt;
+    const RECT now = m_connection.GetView().ToDesktop(place);
     entry->place = place;
     const bool bResized =
         place.right - place.left != old.right - old.left || place.bottom - place.top != old.bottom - old.top;
     const bool bMoved = place.left != old.left || place.top != old.top;
     // What the server couldn't give stays as long as it gives the same.
-    const int nWidth = bResized ? event.width : rect.right - rect.left;
-    const int nHeight = bResized ? event.height : rect.bottom - rect.top;
-    const RECT& at = bMoved ? place : rect;
+    const RECT& size = bResized ? now : rect;
+    const int nWidth = size.right - size.left;
+    const int nHeight = size.bottom - size.top;
+    const RECT& at = bMoved ? now : rect;
     return Change{RectOf(at.left, at.top, nWidth, nHeight), bMoved, bResized};
+}
+
+std::optional<RECT> OwnWindows::PlaceOf(HWND hWnd) const noexcept
+{
+    const auto it = m_entries.find(hWnd);
+    if (it == m_entries.end()) return std::nullopt;
+    return m_connection.GetView().ToDesktop(it->second.place);
 }
 
 void OwnWindows::LearnParent(xcb_window_t id, xcb_window_t parent) noexcept

@@ -65,9 +65,11 @@ void AcceptFocus(const Connection& connection, xcb_window_t window)
     SetNumbers(connection, window, XCB_ATOM_WM_HINTS, XCB_ATOM_WM_HINTS, hints);
 }
 
-xcb_rectangle_t ToServer(const pixman_box32_t& box)
+xcb_rectangle_t ToServer(const pixman_box32_t& box, int nScale)
 {
-    const auto within = [](std::int32_t n) { return std::clamp(n, -0x7FFF, 0x7FFF); };
+    const auto within = [nScale](std::int64_t n) {
+        return static_cast<std::int32_t>(std::clamp<std::int64_t>(n * nScale, -0x7FFF, 0x7FFF));
+    };
     const std::int32_t x = within(box.x1);
     const std::int32_t y = within(box.y1);
     return {static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
@@ -87,6 +89,27 @@ void Describe(const Connection& connection, xcb_window_t window, DWORD dwStyle)
     SetText(connection, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, ClassName());
     AcceptFocus(connection, window);
     if ((dwStyle & WS_CAPTION) != WS_CAPTION) RefuseFrame(connection, window);
+}
+
+void DescribeDialog(const Connection& connection, xcb_window_t window, xcb_window_t owner)
+{
+    const Atoms& atoms = connection.atoms;
+    SetNumbers(connection, window, XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, {{owner}});
+    SetNumbers(connection, window, atoms.netWmWindowType, XCB_ATOM_ATOM, {{atoms.netWmWindowTypeDialog}});
+}
+
+void SetIcon(const Connection& connection, xcb_window_t window, const gdi::Surface* pixels)
+{
+    if (!pixels || connection.MostRequestBytes() / 4 <
+                       std::size_t(pixels->Width()) * std::size_t(pixels->Height()) + 2) {
+        xcb_delete_property(connection.Get(), window, connection.atoms.netWmIcon);
+        return;
+    }
+    std::vector<std::uint32_t> numbers{static_cast<std::uint32_t>(pixels->Width()),
+                                       static_cast<std::uint32_t>(pixels->Height())};
+    for (int y = 0; y < pixels->Height(); ++y)
+        numbers.insert(numbers.end(), pixels->Row(y), pixels->Row(y) + pixels->Width());
+    SetNumbers(connection, window, connection.atoms.netWmIcon, XCB_ATOM_CARDINAL, numbers);
 }
 
 void SetTitle(const Connection& connection, xcb_window_t window, const char* pszText)
@@ -116,11 +139,12 @@ void SetOpacityOf(const Connection& connection, xcb_window_t window, BYTE opacit
         SetNumbers(connection, window, connection.atoms.netWmOpacity, XCB_ATOM_CARDINAL, share);
 }
 
-void SetAbove(const Connection& connection, xcb_window_t window, bool bAbove)
+void SetStates(const Connection& connection, xcb_window_t window, bool bAbove, bool bModal)
 {
-    const std::array<std::uint32_t, 1> states{connection.atoms.netWmStateAbove};
-    SetNumbers(connection, window, connection.atoms.netWmState, XCB_ATOM_ATOM,
-               std::span(states).first(bAbove ? 1 : 0));
+    std::vector<std::uint32_t> states;
+    if (bModal) states.push_back(connection.atoms.netWmStateModal);
+    if (bAbove) states.push_back(connection.atoms.netWmStateAbove);
+    SetNumbers(connection, window, connection.atoms.netWmState, XCB_ATOM_ATOM, states);
 }
 
 void AskAbove(const Connection& connection, xcb_window_t window, bool bAbove)
@@ -148,7 +172,9 @@ void SetShape(const Connection& connection, xcb_window_t window, const gdi::Pixe
         return;
     }
     std::vector<xcb_rectangle_t> rectangles;
-    std::ranges::transform(region->Boxes(), std::back_inserter(rectangles), ToServer);
+    std::ranges::transform(
+        region->Boxes(), std::back_inserter(rectangles),
+        [nScale = connection.GetView().scale](const auto& box) { return ToServer(box, nScale); });
     const std::size_t nMost = connection.MostRequestBytes() / sizeof(xcb_rectangle_t);
     if (nMost == 0) return; // the server is lost
     std::span<const xcb_rectangle_t> left = rectangles;

@@ -2,6 +2,7 @@
 
 #include "include/platform/Window.h"
 #include "platform/gdi/PixelRegion.h"
+#include "platform/gdi/Surface.h"
 #include "platform/window/x11/Connection.h"
 
 #include <algorithm>
@@ -15,14 +16,19 @@ namespace kx::window::x11 {
 
 // All that is fixed from the window's beginning.
 void Describe(const Connection& connection, xcb_window_t window, DWORD dwStyle);
+// A dialog of another window, which is kept above that and takes its input.
+void DescribeDialog(const Connection& connection, xcb_window_t window, xcb_window_t owner);
+// Pixels of 0xAARRGGBB, by which the manager shows the window; null for none.
+void SetIcon(const Connection& connection, xcb_window_t window, const gdi::Surface* pixels);
 // A text in the process's code page.
 void SetTitle(const Connection& connection, xcb_window_t window, const char* pszText);
 // Where a window without a frame is to lie; the manager puts its frame around that.
 void SetWantedPlace(const Connection& connection, xcb_window_t window, const RECT& rect);
 void SetOpacityOf(const Connection& connection, xcb_window_t window, BYTE opacity);
-// Whether the manager is to keep the window above the others, from when it is shown next.
-void SetAbove(const Connection& connection, xcb_window_t window, bool bAbove);
-// The same of a window that is shown, whose state is the manager's.
+// Whether the manager is to keep the window above all others, and whether it takes the input of its owner,
+// from when it is shown next.
+void SetStates(const Connection& connection, xcb_window_t window, bool bAbove, bool bModal);
+// The first of a window that is shown, whose state is the manager's.
 void AskAbove(const Connection& connection, xcb_window_t window, bool bAbove);
 // Cuts a window to a region of its own coordinates, or with null to its rectangle again. Nothing happens on a
 // server that knows rectangles alone.

@@ -62,6 +62,34 @@ TEST(Send, RingsOfThreadsDontDeadlock)
     }
 }
 
+// While each message that is served brings the next, what is posted has its turn.
+TEST(Send, WithoutEndDoesntHoldUpWhatIsPosted)
+{
+    constexpr int nMost = 20;
+    int served = 0;
+    std::vector<std::unique_ptr<Sender>> senders;
+    const auto send = [&](HWND hWnd) {
+        senders.push_back(std::make_unique<Sender>(hWnd, kAsk));
+        test::InThread([&] { senders.back()->AwaitWaiting(); });
+    };
+    const Handler handler = test::On(kAsk, [&](HWND hWnd, WPARAM) {
+        if (++served < nMost) send(hWnd);
+        return 1;
+    });
+    const HWND hWnd = Make(&handler);
+    PostMessage(hWnd, WM_USER, 0, 0);
+    send(hWnd);
+    MSG msg;
+    EXPECT_TRUE(GetMessageA(&msg, nullptr, 0, 0));
+    EXPECT_EQ(msg.message, WM_USER);
+    EXPECT_EQ(served, 1);
+    while (served < nMost)
+        PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE);
+    for (const auto& sender : senders)
+        EXPECT_EQ(sender->Join(), 1);
+    EXPECT_TRUE(DestroyWindow(hWnd));
+}
+
 // How the end of a window or its thread releases senders whose message hasn't begun.
 TEST(Send, IsReleasedWithoutAnswer)
 {

@@ -109,6 +109,18 @@ TEST_F(X11InputTest, KeysAreHeardByWhoHasTheFocus)
     EXPECT_EQ(last(0xFF1B), "key 27 1,0;char 27 1,0;keyup 27 1,0;");
     EXPECT_EQ(last(0xFFFF), "key 46 1,0;keyup 46 1,0;");
     EXPECT_EQ(last(0xFF51), "key 37 1,0;keyup 37 1,0;");
+    EXPECT_EQ(last(0xFF63), "key 45 1,0;keyup 45 1,0;"); // Insert
+    EXPECT_EQ(last(';'), "key 186 1,0;char 59 1,0;keyup 186 1,0;");
+    EXPECT_EQ(last('\''), "key 222 1,0;char 39 1,0;keyup 222 1,0;");
+    EXPECT_EQ(last(0xFFE5), "key 20 1,0;keyup 20 1,0;"); // Caps Lock
+    EXPECT_EQ(last('a'), "key 65 1,0;char 65 1,0;keyup 65 1,0;");
+    EXPECT_EQ(GetKeyState(VK_CAPITAL) & 1, 1);
+    EXPECT_EQ(last(0xFFE5), "key 20 1,0;keyup 20 1,0;");
+    EXPECT_EQ(last(0xFF95), "key 36 1,0;keyup 36 1,0;");   // the number block's 7
+    EXPECT_EQ(last(0xFF7F), "key 144 1,0;keyup 144 1,0;"); // Num Lock
+    EXPECT_EQ(last(0xFF95), "key 103 1,0;char 55 1,0;keyup 103 1,0;");
+    EXPECT_EQ(last(0xFF7F), "key 144 1,0;keyup 144 1,0;");
+    EXPECT_EQ(last(0xFFAB), "key 107 1,0;char 43 1,0;keyup 107 1,0;");
     EXPECT_EQ(last(0xFFC2), "key 116 1,0;keyup 116 1,0;");
     EXPECT_THAT(other.heard, testing::Not(HasSubstr("key")));
 }
@@ -128,6 +140,58 @@ TEST_F(X11InputTest, CharactersComeInTheCodePage)
               "key 69 1,0;char 168 1,0;char 166 1,0;keyup 69 1,0;");
     const CodePage utf8(CP_UTF8);
     EXPECT_EQ(Hear(window, "173", [&] { Type(key); }), "char 228 1,0;char 184 1,0;char 173 1,0;");
+}
+
+TEST_F(X11InputTest, AHeldKeyRepeats)
+{
+    ColorWindow window(kRed, {0, 0, 100, 100});
+    ShowSeen(window, kRed, 50, 50);
+    const xcb_keycode_t key = outside->KeyOf('a'), alt = outside->KeyOf(0xFFE9);
+    const std::string heard = Hear(window, "again char 97 1,0;again key", [&] { outside->Key(key, true); });
+    EXPECT_EQ(heard.substr(0, 27), "key 65 1,0;char 97 1,0;agai");
+    outside->Key(key, false);
+    Hear(window, "keyup", [] {});
+    const std::string sys = Hear(window, "syskeyup 18", [&] {
+        outside->Key(alt, true);
+        Type(key);
+        outside->Key(alt, false);
+    });
+    EXPECT_EQ(sys, "syskey 18 1,0;syskey 65 1,0;syschar 97 1,0;syskeyup 65 1,0;syskeyup 18 1,0;");
+}
+
+TEST_F(X11InputTest, ComposeMakesOneCharacterOfThree)
+{
+    ColorWindow window(kRed, {0, 0, 100, 100});
+    ShowSeen(window, kRed, 50, 50);
+    const CodePage utf8(CP_UTF8);
+    const xcb_keycode_t compose = outside->Assign(0xFF20);
+    const std::string heard = Hear(window, "keyup 69", [&] {
+        Type(compose);
+        Type(outside->KeyOf('\''));
+        Type(outside->KeyOf('e'));
+    });
+    EXPECT_THAT(heard, HasSubstr("key 69 1,0;char 195 1,0;char 169 1,0;"));
+    EXPECT_THAT(heard, testing::Not(HasSubstr("char 39")));
+}
+
+TEST_F(X11InputTest, TheMouseIsCapturedAndHeardToLeave)
+{
+    ColorWindow first(kRed, {0, 0, 100, 100}, WS_POPUP, "first"), second(kBlue, {200, 0, 300, 100});
+    ShowSeen(first, kRed, 50, 50);
+    ShowSeen(second, kBlue, 250, 50);
+    outside->MoveMouse(50, 50);
+    ASSERT_TRUE(Pump([&] { return first.heard.find("move 0 50,50") != std::string::npos; }));
+    TRACKMOUSEEVENT track{.dwFlags = TME_LEAVE, .hwndTrack = first.handle};
+    EXPECT_TRUE(TrackMouseEvent(&track));
+    EXPECT_EQ(Hear(first, "leave", [&] { outside->MoveMouse(150, 50); }), "leave 0 0,0;");
+    outside->MoveMouse(50, 50);
+    // Only once.
+    EXPECT_EQ(Hear(first, "move", [&] { outside->MoveMouse(60, 50); }).find("leave"), std::string::npos);
+
+    SetCapture(second.handle);
+    Hear(second, "move 0 -140,60", [&] { outside->MoveMouse(60, 60); });
+    EXPECT_THAT(Hear(second, "lost", [&] { EnableWindow(second.handle, 0); }), HasSubstr("lost 0 0,0;"));
+    EXPECT_EQ(GetCapture(), nullptr);
 }
 
 TEST_F(X11InputTest, TheFocusGoesWhereTheServerGivesIt)

@@ -130,12 +130,19 @@ TEST_F(X11SceneTest, AMessageBoxEndsWithItsThread)
     EXPECT_TRUE(Await([&] { return !outside->Find("test.platform.window"); }));
 }
 
-// On a screen that composes windows by their opacity the yellow box rises and falls in the middle.
-TEST_F(X11SceneTest, TheTipFades)
+// The yellow box rises and falls in the middle, whether something composes windows by their opacity or not.
+class X11FadeTest : public X11SceneTest, public testing::WithParamInterface<bool>
 {
-    const Program compositor({"picom", "--config", "/dev/null", "--backend", "xrender"},
-                             {"DISPLAY=" + server->Name()});
-    ASSERT_TRUE(Await([&] { return outside->IsComposed(); }));
+};
+INSTANTIATE_TEST_SUITE_P(Compositor, X11FadeTest, testing::Bool());
+
+TEST_P(X11FadeTest, TheTipFades)
+{
+    std::optional<Program> compositor;
+    if (GetParam())
+        compositor.emplace(std::vector<std::string>{"picom", "--config", "/dev/null", "--backend", "xrender"},
+                           std::vector{"DISPLAY=" + server->Name()});
+    ASSERT_TRUE(Await([&] { return outside->IsComposed() == GetParam(); }));
     outside->Cover(0, 0, 640, 480, RGB(0, 0, 0));
     const VirtualClock clock;
     std::thread user([&] {
@@ -170,6 +177,59 @@ TEST_F(X11SceneTest, TheTipFades)
         reaches(quarter * 255 / 4);
     }
     user.join();
+}
+
+// What is done to the window behind a box doesn't reach it, but its timers and paints go on.
+TEST_F(X11SceneTest, AMessageBoxKeepsTheOtherWindowsFromInput)
+{
+    int nAsked = 0;
+    ColorWindow main(kGreen, {0, 0, 200, 200}, WS_CAPTION, "main");
+    const Handler ask = On(WM_LBUTTONUP, [&](HWND, WPARAM) {
+        ++nAsked;
+        return AfxMessageBox("Really?");
+    });
+    const HWND hAsker = Make(&ask, WS_POPUP);
+    test::Move(hAsker, 250, 0, 100, 100);
+    ShowSeen(main, kGreen, 50, 50);
+    ShowWindow(hAsker, SW_SHOW);
+    const auto click = [&](int x, int y) {
+        outside->MoveMouse(x, y);
+        outside->Button(1, true);
+        outside->Button(1, false);
+    };
+    int nBeats = 0;
+    std::thread user([&] {
+        const auto isOpen = [&] { return outside->Find("test.platform.window") != 0; };
+        click(300, 50);
+        click(300, 50);
+        EXPECT_TRUE(Await(isOpen));
+        const xcb_window_t box = outside->Find("test.platform.window");
+        EXPECT_TRUE(Await([&] { return outside->Focused() == box; }));
+        EXPECT_EQ(outside->Property(box, "WM_TRANSIENT_FOR").size(), 4u);
+        main.heard.clear();
+        click(50, 50);
+        click(300, 50);
+        outside->AskToClose(outside->Find("main"));
+        outside->Focus(outside->Find("main"));
+        EXPECT_TRUE(Await([&] { return outside->Focused() == box; })) << "it takes the focus back";
+        EXPECT_TRUE(IsWindow(main.handle) && !IsWindowEnabled(main.handle));
+        outside->Key(outside->KeyOf(' '), true);
+        outside->Key(outside->KeyOf(' '), false);
+        EXPECT_TRUE(Await([&] { return !isOpen(); }));
+        click(50, 50); // is heard again
+    });
+    const Handler count = On(WM_TIMER, [&](HWND, WPARAM) { return ++nBeats; });
+    const HWND hClock = Make(&count);
+    SetTimer(hClock, 1, 10, nullptr);
+    EXPECT_TRUE(Pump([&] { return main.heard.find("up") != std::string::npos; })) << main.heard;
+    user.join();
+    EXPECT_EQ(nAsked, 1);
+    EXPECT_GT(nBeats, 0);
+    EXPECT_TRUE(IsWindowEnabled(main.handle));
+    EXPECT_EQ(main.heard.find("close"), std::string::npos);
+    EXPECT_EQ(main.heard.find("down"), main.heard.rfind("down")) << "one click: " << main.heard;
+    DestroyWindow(hAsker);
+    DestroyWindow(hClock);
 }
 
 TEST_F(X11SceneTest, TheTransparentWindowShowsWhatLiesUnderIt)

@@ -65,15 +65,37 @@ public:
 private:
     LRESULT Hear(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
     {
-        static const std::map<UINT, const char*> names{
-            {WM_LBUTTONDOWN, "down"},  {WM_LBUTTONUP, "up"},      {WM_RBUTTONDOWN, "rdown"},
-            {WM_RBUTTONUP, "rup"},     {WM_MBUTTONDOWN, "mdown"}, {WM_MBUTTONUP, "mup"},
-            {WM_MOUSEWHEEL, "wheel"},  {WM_KEYDOWN, "key"},       {WM_KEYUP, "keyup"},
-            {WM_CHAR, "char"},         {WM_SIZE, "size"},         {WM_SETFOCUS, "focus"},
-            {WM_KILLFOCUS, "unfocus"}, {WM_CLOSE, "close"},       {WM_DESTROY, "destroy"},
-            {WM_MOUSEMOVE, "move"},    {WM_MOVE, "place"}};
+        static const std::map<UINT, const char*> names{{WM_LBUTTONDOWN, "down"},
+                                                       {WM_LBUTTONUP, "up"},
+                                                       {WM_RBUTTONDOWN, "rdown"},
+                                                       {WM_RBUTTONUP, "rup"},
+                                                       {WM_MBUTTONDOWN, "mdown"},
+                                                       {WM_MBUTTONUP, "mup"},
+                                                       {WM_MOUSEWHEEL, "wheel"},
+                                                       {WM_KEYDOWN, "key"},
+                                                       {WM_KEYUP, "keyup"},
+                                                       {WM_CHAR, "char"},
+                                                       {WM_SIZE, "size"},
+                                                       {WM_SETFOCUS, "focus"},
+                                                       {WM_KILLFOCUS, "unfocus"},
+                                                       {WM_CLOSE, "close"},
+                                                       {WM_DESTROY, "destroy"},
+                                                       {WM_MOUSEMOVE, "move"},
+                                                       {WM_MOUSELEAVE, "leave"},
+                                                       {WM_LBUTTONDBLCLK, "twice"},
+                                                       {WM_SYSKEYDOWN, "syskey"},
+                                                       {WM_SYSKEYUP, "syskeyup"},
+                                                       {WM_SYSCHAR, "syschar"},
+                                                       {WM_CAPTURECHANGED, "lost"},
+                                                       {WM_DISPLAYCHANGE, "display"},
+                                                       {WM_MOVE, "place"}};
+        // Whether it is a key that was down already; whatever goes up was.
+        const bool bKey = nMsg >= WM_KEYDOWN && nMsg <= WM_SYSCHAR;
+        const bool bAgain = bKey && nMsg != WM_KEYUP && nMsg != WM_SYSKEYUP && (lParam >> 30 & 1);
+        if (bKey) lParam &= 0xFFFF;
         if (const auto it = names.find(nMsg); it != names.end())
-            heard += std::string(it->second) + " " + std::to_string(nMsg == WM_SETFOCUS ? 0 : wParam) + " " +
+            heard += std::string(bAgain ? "again " : "") + std::string(it->second) + " " +
+                     std::to_string(nMsg == WM_SETFOCUS ? 0 : wParam) + " " +
                      std::to_string(GET_X_LPARAM(lParam)) + "," + std::to_string(GET_Y_LPARAM(lParam)) + ";";
         if (nMsg != WM_PAINT) return DefWindowProcA(hWnd, nMsg, wParam, lParam);
         ++paints;

@@ -5,7 +5,9 @@
 #include "tests/support/Child.h"
 #include "tests/support/Host.h"
 #include "tests/support/RawServer.h"
+#include "tests/support/TempDir.h"
 
+#include <fstream>
 #include <gmock/gmock.h>
 #include <map>
 
@@ -104,6 +106,33 @@ TEST_F(X11WindowTest, OthersAreToldWhatAWindowIs)
     SetWindowPos(framed.handle, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
     ShowWindow(framed.handle, SW_SHOWNA);
     EXPECT_TRUE(Await([&] { return outside->Property(idFramed, "_NET_WM_STATE").size() == 4; }));
+}
+
+// By the class, or set later; the manager gets it as opacity and colour.
+TEST_F(X11WindowTest, AWindowHasAnIcon)
+{
+    const TempDir dir;
+    const std::string ico("\0\0\1\0\1\0\1\1\0\0\1\0\x20\0\x30\0\0\0\x16\0\0\0"        // one image of 1 by 1
+                          "\x28\0\0\0\1\0\0\0\2\0\0\0\1\0\x20\0\0\0\0\0\0\0\0\0"      // of 32 bits
+                          "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x10\x20\x30\xFF\0\0\0\0", // this pixel
+                          70);
+    std::ofstream(dir.Path("a.ico"), std::ios::binary) << ico;
+    const CString path = KXHost::FromSystemPath(dir.Path("a.ico"));
+    const auto icon = static_cast<HICON>(LoadImageA(nullptr, path, IMAGE_ICON, 1, 1, LR_LOADFROMFILE));
+    ASSERT_TRUE(icon);
+    const WNDCLASSA cls{DefWindowProcA, "KXIcon", nullptr, 0, nullptr, icon};
+    RegisterClassA(&cls);
+    const HWND hWnd = CreateWindowExA(0, "KXIcon", "icon", WS_CAPTION, 0, 0, 10, 10);
+    const std::uint32_t expected[] = {1, 1, 0xFF302010};
+    const auto property = [&] { return outside->Property(outside->Find("icon"), "_NET_WM_ICON"); };
+    ASSERT_TRUE(Await([&] { return outside->Find("icon") != 0; }));
+    EXPECT_EQ(property(), std::string(reinterpret_cast<const char*>(expected), sizeof expected));
+    EXPECT_EQ(SendMessageA(hWnd, WM_SETICON, 0, 0), reinterpret_cast<LRESULT>(icon));
+    EXPECT_TRUE(Await([&] { return property().empty(); }));
+    EXPECT_EQ(SendMessageA(hWnd, WM_SETICON, 0, reinterpret_cast<LPARAM>(icon)), 0);
+    EXPECT_TRUE(Await([&] { return !property().empty(); }));
+    EXPECT_TRUE(DestroyWindow(hWnd) && UnregisterClassA("KXIcon"));
+    DestroyIcon(icon);
 }
 
 TEST_F(X11WindowTest, TopmostPopupsStayAboveTheOthers)

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <stdexcept>
 #include <unistd.h>
+#include <xcb/randr.h>
 #include <xcb/xtest.h>
 
 namespace test {
@@ -179,6 +180,30 @@ void XClient::Fake(std::uint8_t type, std::uint8_t detail, int x, int y)
 {
     xcb_test_fake_input(m_connection.get(), type, detail, XCB_CURRENT_TIME, m_screen.root,
                         static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), 0);
+    Finish();
+}
+
+void XClient::AddMonitor(const char* name, int x, int y, int width, int height, bool primary)
+{
+    struct
+    {
+        xcb_randr_monitor_info_t info{};
+        xcb_randr_output_t output = 0;
+    } monitor;
+    monitor.info.name = Atom(name);
+    monitor.info.primary = primary;
+    monitor.info.x = static_cast<std::int16_t>(x);
+    monitor.info.y = static_cast<std::int16_t>(y);
+    monitor.info.width = static_cast<std::uint16_t>(width);
+    monitor.info.height = static_cast<std::uint16_t>(height);
+    xcb_randr_set_monitor(m_connection.get(), m_screen.root, &monitor.info);
+    Finish();
+}
+
+void XClient::SetResources(const std::string& text)
+{
+    xcb_change_property(m_connection.get(), XCB_PROP_MODE_REPLACE, m_screen.root, XCB_ATOM_RESOURCE_MANAGER,
+                        XCB_ATOM_STRING, 8, static_cast<std::uint32_t>(text.size()), text.data());
     Finish();
 }
 

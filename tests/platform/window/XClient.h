@@ -18,6 +18,7 @@ public:
 
     // What is seen there.
     COLORREF Pixel(int x, int y);
+    xcb_window_t Root() const { return m_screen.root; }
     // The top-level window of that title; 0 for none.
     xcb_window_t Find(const std::string& title);
     // A property's bytes as they lie there; empty for none.
@@ -37,6 +38,11 @@ public:
     RECT PlaceOf(xcb_window_t window);
     // Lays it into another window, as a manager does.
     void Frame(xcb_window_t window, xcb_window_t frame);
+
+    // A part of the screen that counts as a monitor of its own; `primary`: the main one.
+    void AddMonitor(const char* name, int x, int y, int width, int height, bool primary);
+    // What the settings of the user's desktop say.
+    void SetResources(const std::string& text);
 
     void MoveMouse(int x, int y);
     void Button(int number, bool down);

@@ -1,0 +1,139 @@
+#include "platform/window/x11/InputMethod.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+#include <xcb-imdkit/encoding.h>
+
+namespace kx::window::x11 {
+
+namespace {
+
+bool IsWanted() noexcept
+{
+    const char* pszModifiers = std::getenv("XMODIFIERS");
+    const char* pszMethod = pszModifiers ? std::strstr(pszModifiers, "@im=") : nullptr;
+    return pszMethod && std::strcmp(pszMethod, "@im=none") != 0 && pszMethod[4] != '\0';
+}
+
+std::string ToUtf8(xcb_xim_t* method, const char* text, std::size_t nLength)
+{
+    if (xcb_xim_get_encoding(method) == XCB_XIM_UTF8_STRING) return {text, nLength};
+    std::size_t nUtf8 = 0;
+    const std::unique_ptr<char, Free> utf8(xcb_compound_text_to_utf8(text, nLength, &nUtf8));
+    return utf8 ? std::string(utf8.get(), nUtf8) : std::string();
+}
+
+} // namespace
+
+InputMethod::InputMethod(const Connection& connection)
+{
+    if (!IsWanted()) return;
+    xcb_compound_text_init();
+    m_method.reset(xcb_xim_create(connection.Get(), connection.Number(), nullptr));
+    if (!m_method) return;
+    xcb_xim_set_use_utf8_string(m_method.get(), true);
+    xcb_xim_set_use_compound_text(m_method.get(), true);
+    xcb_xim_im_callback calls{};
+    calls.set_event_mask = [](xcb_xim_t*, xcb_xic_t, std::uint32_t forward, std::uint32_t, void* self) {
+        static_cast<InputMethod*>(self)->m_wanted = forward;
+    };
+    calls.forward_event = [](xcb_xim_t*, xcb_xic_t, xcb_key_press_event_t* event, void* self) {
+        auto& method = *static_cast<InputMethod*>(self);
+        method.m_gifts.push_back({method.m_focus, {}, *event});
+    };
+    calls.commit_string = [](xcb_xim_t* im, xcb_xic_t, std::uint32_t, char* text, std::uint32_t length,
+                             std::uint32_t*, std::size_t, void* self) {
+        auto& method = *static_cast<InputMethod*>(self);
+        method.m_gifts.push_back({method.m_focus, ToUtf8(im, text, length), std::nullopt});
+    };
+    calls.disconnected = [](xcb_xim_t*, void* self) {
+        auto& method = *static_cast<InputMethod*>(self);
+        method.m_open = method.m_making = false;
+        method.m_context = 0;
+    };
+    xcb_xim_set_im_callback(m_method.get(), &calls, this);
+    Open();
+}
+
+InputMethod::~InputMethod()
+{
+    if (m_method) xcb_xim_close(m_method.get());
+}
+
+// Also one that is started later, or again, is found.
+void InputMethod::Open()
+{
+    const auto opened = [](xcb_xim_t*, void* self) {
+        auto& method = *static_cast<InputMethod*>(self);
+        method.m_open = true;
+        method.MakeContext();
+    };
+    constexpr bool bAlways = true;
+    xcb_xim_open(m_method.get(), opened, bAlways, this);
+}
+
+bool InputMethod::Filter(xcb_generic_event_t& event)
+{
+    return m_method && xcb_xim_filter_event(m_method.get(), &event);
+}
+
+bool InputMethod::Offer(xcb_key_press_event_t event)
+{
+    const bool bPress = (event.response_type & 0x7F) == XCB_KEY_PRESS;
+    const std::uint32_t kind = bPress ? XCB_EVENT_MASK_KEY_PRESS : XCB_EVENT_MASK_KEY_RELEASE;
+    if (!m_method || !m_context || event.event != m_focus || !(m_wanted & kind)) return false;
+    return xcb_xim_forward_event(m_method.get(), m_context, &event);
+}
+
+void InputMethod::Focus(xcb_window_t window)
+{
+    if (!m_method || window == m_focus) return;
+    m_focus = window;
+    m_caret = {};
+    if (m_context) {
+        xcb_xim_unset_ic_focus(m_method.get(), m_context);
+        xcb_xim_destroy_ic(m_method.get(), std::exchange(m_context, 0), nullptr, nullptr);
+    }
+    MakeContext();
+}
+
+void InputMethod::MakeContext()
+{
+    if (!m_open || m_making || !m_focus) return;
+    const auto made = [](xcb_xim_t* im, xcb_xic_t context, void* self) {
+        auto& method = *static_cast<InputMethod*>(self);
+        method.m_making = false;
+        if (!context) return;
+        method.m_context = context;
+        method.m_wanted = XCB_EVENT_MASK_KEY_PRESS;
+        xcb_xim_set_ic_focus(im, context);
+        method.TellCaret();
+    };
+    const std::uint32_t style = XCB_IM_PreeditPosition | XCB_IM_StatusNothing;
+    const xcb_point_t spot{static_cast<std::int16_t>(m_caret.x), static_cast<std::int16_t>(m_caret.y)};
+    const auto nested = xcb_xim_create_nested_list(m_method.get(), XCB_XIM_XNSpotLocation, &spot, nullptr);
+    m_making = xcb_xim_create_ic(m_method.get(), made, this, XCB_XIM_XNInputStyle, &style,
+                                 XCB_XIM_XNClientWindow, &m_focus, XCB_XIM_XNFocusWindow, &m_focus,
+                                 XCB_XIM_XNPreeditAttributes, &nested, nullptr);
+    std::free(nested.data);
+}
+
+void InputMethod::SetCaret(xcb_window_t window, POINT place)
+{
+    if (!m_method || window != m_focus) return;
+    m_caret = place;
+    TellCaret();
+}
+
+void InputMethod::TellCaret()
+{
+    if (!m_context) return;
+    const xcb_point_t spot{static_cast<std::int16_t>(m_caret.x), static_cast<std::int16_t>(m_caret.y)};
+    const auto nested = xcb_xim_create_nested_list(m_method.get(), XCB_XIM_XNSpotLocation, &spot, nullptr);
+    xcb_xim_set_ic_values(m_method.get(), m_context, nullptr, nullptr, XCB_XIM_XNPreeditAttributes, &nested,
+                          nullptr);
+    std::free(nested.data);
+}
+
+} // namespace kx::window::x11

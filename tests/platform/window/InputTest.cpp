@@ -1,0 +1,176 @@
+// What a person does, on the desktop in memory: the host posts it in the person's place.
+
+#include "include/platform/Input.h"
+#include "tests/platform/window/Support.h"
+#include "tests/support/Host.h"
+
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+using test::Make;
+
+constexpr LPARAM At(int x, int y)
+{
+    return static_cast<LPARAM>(static_cast<WORD>(x) | static_cast<DWORD>(static_cast<WORD>(y)) << 16);
+}
+
+// A window that writes down which of the mouse's and the keys' messages it hears.
+class Listener
+{
+public:
+    explicit Listener(const char* pszClass = nullptr, UINT nStyle = 0)
+        : m_handler([this](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
+              if (nMsg >= WM_KEYDOWN && nMsg <= WM_CAPTURECHANGED && nMsg != WM_TIMER)
+                  heard += std::to_string(nMsg) + " " + std::to_string(GET_X_LPARAM(lParam)) + ";";
+              if (nMsg == WM_ENABLE || nMsg == WM_MOUSELEAVE || nMsg == WM_CLOSE)
+                  heard += std::to_string(nMsg) + ";";
+              if (nMsg == WM_SETCURSOR) ++cursors;
+              return nMsg == WM_CLOSE ? 0 : DefWindowProcA(hWnd, nMsg, wParam, lParam);
+          })
+    {
+        handle = Make(&m_handler);
+        if (!pszClass) return;
+        DestroyWindow(handle);
+        const WNDCLASSA cls{test::WindowProc, pszClass, nullptr, nStyle, LoadCursorA(nullptr, IDC_HAND)};
+        RegisterClassA(&cls);
+        handle = CreateWindowExA(0, pszClass, nullptr, 0, 1, 2, 30, 40, nullptr, nullptr, nullptr,
+                                 const_cast<test::Handler*>(&m_handler));
+        heard.clear();
+    }
+    ~Listener() { DestroyWindow(handle); }
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+
+    std::string Take()
+    {
+        for (MSG msg; PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE);)
+            DispatchMessageA(&msg);
+        return std::exchange(heard, {});
+    }
+    void Click(int x, int y)
+    {
+        KXHost::PostInput(handle, WM_LBUTTONDOWN, MK_LBUTTON, At(x, y));
+        KXHost::PostInput(handle, WM_LBUTTONUP, 0, At(x, y));
+    }
+
+    HWND handle = nullptr;
+    std::string heard;
+    int cursors = 0;
+
+private:
+    const test::Handler m_handler;
+};
+
+TEST(Input, ADisabledWindowHearsNothingOfIt)
+{
+    Listener window;
+    SetFocus(window.handle);
+    EXPECT_FALSE(EnableWindow(window.handle, 0));
+    EXPECT_EQ(window.Take(), "10;");
+    EXPECT_FALSE(IsWindowEnabled(window.handle) || GetFocus() || SetFocus(window.handle));
+    window.Click(3, 4);
+    KXHost::PostInput(window.handle, WM_KEYDOWN, 'A', 1);
+    KXHost::PostInput(window.handle, WM_CHAR, 'a', 1);
+    KXHost::PostInput(window.handle, WM_CLOSE, 0, 0);
+    MSG msg;
+    EXPECT_FALSE(PeekMessageA(&msg, nullptr, 0, 0, PM_NOREMOVE));
+    PostMessage(window.handle, WM_CLOSE, 0, 0); // a program's own word is heard
+    EXPECT_EQ(window.Take(), "16;");
+    window.Click(3, 4); // before it is enabled, but taken after
+    EXPECT_TRUE(EnableWindow(window.handle, 1));
+    EXPECT_FALSE(EnableWindow(window.handle, 1));
+    EXPECT_EQ(window.Take(), "10;513 3;514 3;");
+    EXPECT_FALSE(EnableWindow(nullptr, 1) || IsWindowEnabled(nullptr));
+}
+
+TEST(Input, ASecondPressIsADoubleClick)
+{
+    const test::VirtualClock clock;
+    Listener doubles("KXDoubles", CS_DBLCLKS), singles;
+    const auto twice = [&](Listener& window, unsigned pause, int dx) {
+        KXHost::AdvanceClock(5'000);
+        window.Click(5, 5);
+        KXHost::AdvanceClock(pause);
+        window.Click(5 + dx, 5);
+        return window.Take();
+    };
+    EXPECT_EQ(twice(doubles, 500, 2), "513 5;514 5;515 7;514 7;");
+    EXPECT_EQ(twice(doubles, 501, 0), "513 5;514 5;513 5;514 5;");
+    EXPECT_EQ(twice(doubles, 10, 3), "513 5;514 5;513 8;514 8;");
+    EXPECT_EQ(twice(singles, 10, 0), "513 5;514 5;513 5;514 5;");
+    KXHost::AdvanceClock(5'000);
+    for (int n = 0; n < 3; ++n)
+        doubles.Click(5, 5);
+    EXPECT_EQ(doubles.Take(), "513 5;514 5;515 5;514 5;513 5;514 5;") << "a third is a first one";
+}
+
+TEST(Input, ACapturedMouseGoesToOneWindow)
+{
+    Listener first, second;
+    SetWindowPos(second.handle, nullptr, 101, 2, 0, 0, SWP_NOSIZE | SWP_NOACTIVATE);
+    EXPECT_EQ(SetCapture(first.handle), nullptr);
+    EXPECT_EQ(GetCapture(), first.handle);
+    KXHost::PostInput(second.handle, WM_MOUSEMOVE, 0, At(7, 0));
+    second.Take();
+    EXPECT_EQ(first.Take(), "512 107;");
+    EXPECT_EQ(SetCapture(second.handle), first.handle);
+    EXPECT_EQ(first.Take().substr(0, 3), "533");
+    ShowWindow(second.handle, SW_SHOWNA);
+    ShowWindow(second.handle, SW_HIDE);
+    EXPECT_EQ(second.Take().substr(0, 3), "533");
+    EXPECT_EQ(GetCapture(), nullptr);
+    SetCapture(first.handle);
+    DestroyWindow(first.handle);
+    EXPECT_EQ(GetCapture(), nullptr);
+    SetCapture(second.handle);
+    EXPECT_TRUE(ReleaseCapture());
+    EXPECT_EQ(second.Take(), "533 0;");
+    EXPECT_FALSE(SetCapture(nullptr) || GetCapture());
+}
+
+TEST(Input, LeavingIsToldOnceToWhoAsked)
+{
+    Listener window;
+    const auto leave = [&] {
+        KXHost::PostInput(window.handle, WM_MOUSELEAVE, 0, 0);
+        return window.Take();
+    };
+    EXPECT_EQ(leave(), "");
+    TRACKMOUSEEVENT track{.dwFlags = TME_LEAVE, .hwndTrack = window.handle};
+    EXPECT_TRUE(TrackMouseEvent(&track));
+    EXPECT_EQ(leave(), "675;");
+    EXPECT_EQ(leave(), "");
+    TrackMouseEvent(&track);
+    track.dwFlags |= TME_CANCEL;
+    EXPECT_TRUE(TrackMouseEvent(&track));
+    EXPECT_EQ(leave(), "");
+    track.dwFlags = 0;
+    EXPECT_FALSE(TrackMouseEvent(&track) || TrackMouseEvent(nullptr));
+}
+
+TEST(Input, KeysAndCursorsAreKnown)
+{
+    Listener window("KXHand");
+    const auto key = [&](UINT nMsg, UINT nKey) {
+        KXHost::PostInput(window.handle, nMsg, nKey, 1);
+        window.Take();
+    };
+    EXPECT_EQ(GetKeyState(VK_SHIFT), 0);
+    key(WM_KEYDOWN, VK_SHIFT);
+    EXPECT_LT(GetKeyState(VK_SHIFT), 0);
+    key(WM_KEYDOWN, VK_SHIFT); // it repeats
+    key(WM_KEYUP, VK_SHIFT);
+    EXPECT_EQ(GetKeyState(VK_SHIFT), 1);
+    EXPECT_EQ(GetKeyState(-1) | GetKeyState(256), 0);
+
+    EXPECT_FALSE(LoadCursorA(nullptr, "name"));
+    SetCursor(LoadCursorA(nullptr, IDC_ARROW));
+    KXHost::PostInput(window.handle, WM_MOUSEMOVE, 0, At(1, 1));
+    window.Take();
+    EXPECT_EQ(window.cursors, 1);
+    EXPECT_EQ(SetCursor(nullptr), LoadCursorA(nullptr, IDC_HAND)) << "the class's";
+}
+
+} // namespace

@@ -1,0 +1,108 @@
+// Characters of an input method: fcitx5 with pinyin, where it is installed.
+
+#include "tests/platform/window/X11Support.h"
+#include "tests/support/TempDir.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+
+namespace {
+
+using namespace test;
+using testing::HasSubstr;
+
+class X11MethodTest : public X11Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!std::filesystem::exists("/usr/bin/fcitx5") ||
+            !std::filesystem::exists("/usr/share/fcitx5/inputmethod/pinyin.conf"))
+            GTEST_SKIP() << "fcitx5 with pinyin isn't installed";
+        Begin();
+        std::filesystem::create_directories(m_home.Path(".config/fcitx5"));
+        std::ofstream(m_home.Path(".config/fcitx5/profile"))
+            << "[Groups/0]\nName=Default\nDefault Layout=us\nDefaultIM=pinyin\n"
+               "[Groups/0/Items/0]\nName=pinyin\n[GroupOrder]\n0=Default\n";
+        std::ofstream(m_home.Path(".config/fcitx5/config")) << "[Behavior]\nActiveByDefault=True\n";
+        StartMethod();
+        setenv("XMODIFIERS", "@im=fcitx", 1);
+        ASSERT_TRUE(KXHost::UseMemoryDesktop() && KXHost::UseDisplay(server->Name().c_str()));
+    }
+    void TearDown() override
+    {
+        unsetenv("XMODIFIERS");
+        X11Test::TearDown();
+    }
+    void StartMethod()
+    {
+        const std::string home = m_home.Path();
+        m_method.emplace(
+            std::vector<std::string>{"dbus-run-session", "--", "fcitx5", "--disable",
+                                     "wayland,waylandim,notifications,notificationitem,ibusfrontend"},
+            std::vector<std::string>{"HOME=" + home, "XDG_CONFIG_HOME=" + home + "/.config",
+                                     "XDG_DATA_HOME=" + home, "XDG_RUNTIME_DIR=" + home,
+                                     "DISPLAY=" + server->Name()});
+        ASSERT_TRUE(Await([&] { return !outside->Property(outside->Root(), "XIM_SERVERS").empty(); }));
+    }
+    void Type(const std::string& keys)
+    {
+        for (const char ch : keys) {
+            const xcb_keycode_t code = outside->KeyOf(static_cast<xcb_keysym_t>(ch));
+            outside->Key(code, true);
+            outside->Key(code, false);
+        }
+    }
+
+    const TempDir m_home;
+    std::optional<Program> m_method;
+};
+
+TEST_F(X11MethodTest, PinyinBecomesCharacters)
+{
+    ColorWindow window(kRed, {50, 60, 250, 160}, WS_POPUP, "window");
+    ShowSeen(window, kRed, 100, 100);
+    ASSERT_TRUE(Pump([&] { return GetFocus() == window.handle; }));
+    EXPECT_TRUE(SetCaretPos(20, 30));
+    // Until the method has taken the window in, letters are letters.
+    ASSERT_TRUE(Pump([&] {
+        window.heard.clear();
+        Type("n");
+        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(300);
+        while (window.heard.empty() && std::chrono::steady_clock::now() < end)
+            for (MSG msg; PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE);)
+                DispatchMessageA(&msg);
+        return window.heard.find("char") == std::string::npos;
+    }));
+    window.heard.clear();
+    Type("ihao");
+    const auto box = [&] { return outside->PlaceOf(outside->Find("Fcitx5 Input Window")); };
+    EXPECT_TRUE(Await([&] { return box().left == 70 && box().top >= 90 && box().top < 130; }))
+        << box().left << ", " << box().top << ": where the caret is";
+    Type(" ");
+    EXPECT_TRUE(Pump([&] { return window.heard.find("char 195") != std::string::npos; })) << window.heard;
+    EXPECT_THAT(window.heard, HasSubstr("char 196 1,0;char 227 1,0;char 186 1,0;char 195 1,0;"));
+    EXPECT_THAT(window.heard, testing::Not(HasSubstr("char 110")));
+    // What it has no use for comes back.
+    window.heard.clear();
+    outside->Key(outside->KeyOf(0xFF51), true);
+    outside->Key(outside->KeyOf(0xFF51), false);
+    EXPECT_TRUE(Pump([&] { return window.heard.find("key 37") != std::string::npos; })) << window.heard;
+}
+
+TEST_F(X11MethodTest, AMethodMayGoAndComeBack)
+{
+    ColorWindow window(kRed, {50, 60, 250, 160}, WS_POPUP, "window");
+    ShowSeen(window, kRed, 100, 100);
+    m_method.reset();
+    const auto heardPlain = [&] {
+        window.heard.clear();
+        Type("n");
+        return Pump([&] { return window.heard.find("key 78") != std::string::npos; });
+    };
+    EXPECT_TRUE(Await([&] { return heardPlain() && window.heard.find("char 110") != std::string::npos; }));
+}
+
+} // namespace
