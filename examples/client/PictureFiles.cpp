@@ -55,7 +55,8 @@ int DotAt(int x, int y)
 // begun anew before they would need a ninth bit.
 std::string SpinnerFrame(int nLead)
 {
-    std::string frame("\x21\xF9\x04\x00\x0C\x00\x00\x00\x2C\x00\x00\x00\x00", 13); // for 120 ms, at 0, 0
+    std::string frame("\x21\xF9\x04\x09\x0C\x00\x00\x00\x2C\x00\x00\x00\x00",
+                      13); // for 120 ms, alone, its first colour clear
     frame += Word(nSpinner) + Word(nSpinner) + '\0' + '\x07';
     for (int y = 0; y < nSpinner; ++y) {
         frame += static_cast<char>(nSpinner + 1);
@@ -95,7 +96,7 @@ bool client::MakeLandscapeJpeg(const CString& strPath)
 bool client::MakeSpinnerGif(const CString& strPath)
 {
     std::string bytes = "GIF89a" + Word(nSpinner) + Word(nSpinner) + '\xF6' + '\0' + '\0';
-    for (int n = 0; n < 128; ++n) { // white, then from dark to pale
+    for (int n = 0; n < 128; ++n) { // the clear one, then from dark to pale
         const int nShade = n == 0 ? 255 : std::min(255, 40 + (n - 1) * 28);
         bytes += {static_cast<char>(nShade), static_cast<char>(std::min(255, nShade + 30)),
                   static_cast<char>(std::min(255, nShade + 90))};

@@ -30,15 +30,38 @@ void client::SpellingTest::Ask()
     m_bAnswered = false;
 }
 
+namespace {
+
+// In the process's code page a byte from here on begins a character of two.
+constexpr unsigned char kFirstOfTwo = 0x81;
+
+// Where the last character ends, which may be behind the text, and where it begins.
+int CharacterEnd(const CString& str, int* pBegin = nullptr)
+{
+    int nEnd = 0;
+    while (nEnd < str.GetLength()) {
+        if (pBegin) *pBegin = nEnd;
+        nEnd += static_cast<unsigned char>(str[nEnd]) >= kFirstOfTwo ? 2 : 1;
+    }
+    return nEnd;
+}
+
+} // namespace
+
 bool client::SpellingTest::Type(char letter)
 {
     const int nLength = m_strTyped.GetLength();
     if (m_bAnswered) return false;
     if (letter == '\b') {
-        m_strTyped = m_strTyped.Left(nLength - 1);
+        int nBegin = 0;
+        CharacterEnd(m_strTyped, &nBegin);
+        m_strTyped = m_strTyped.Left(nBegin);
         return nLength > 0;
     }
-    if (letter < 'a' || letter > 'z' || nLength >= 14) return false;
+    const bool bInside = CharacterEnd(m_strTyped) > nLength; // the last one lacks its second byte
+    const bool bLetter =
+        (letter >= 'a' && letter <= 'z') || static_cast<unsigned char>(letter) >= kFirstOfTwo;
+    if (!bInside && (!bLetter || nLength >= 14)) return false;
     m_strTyped += letter;
     return true;
 }

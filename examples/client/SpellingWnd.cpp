@@ -4,6 +4,7 @@
 #include "SkinFrame.h"
 
 #include <platform/Clock.h>
+#include <utility>
 
 namespace {
 
@@ -39,6 +40,8 @@ ON_WM_ERASEBKGND()
 ON_WM_TIMER()
 ON_WM_CHAR()
 ON_WM_KEYDOWN()
+ON_WM_SYSCHAR()
+ON_WM_SETCURSOR()
 ON_WM_MOUSEMOVE()
 ON_WM_LBUTTONDOWN()
 ON_WM_LBUTTONUP()
@@ -81,6 +84,9 @@ LRESULT CSpellingWnd::OnChanged(WPARAM, LPARAM)
     MakeFonts();
     Layout();
     SetWindowText(TextOf("IDS_SPELL_TITLE"));
+    const HICON hIcon = CKXSkinResManager::GetSingletonPtr()->GetIMLRes()->m_hNormalIcon;
+    SendMessage(WM_SETICON, 0, reinterpret_cast<LPARAM>(hIcon));
+    TellCaret();
     CRgn rgn;
     MakeWindowRgn(*CKXSkinResManager::GetSingletonPtr()->GetWndRes(), CSize(kWidth, kHeight), rgn);
     SetWindowRgn(m_hWnd, static_cast<HRGN>(rgn.Detach()), 0);
@@ -185,6 +191,10 @@ void CSpellingWnd::PaintAll(CDC& dc)
         const bool bNext = m_test.IsAnswered() && &item == &m_buttons.front();
         painter.PushButton(item.rc, bNext ? m_strNext : item.strText, StateOf(item));
     }
+    if (!m_rcChosen.IsRectEmpty())
+        painter.Outline(
+            CRect(m_rcChosen.left + 3, m_rcChosen.top + 3, m_rcChosen.right - 3, m_rcChosen.bottom - 3),
+            kBox);
 }
 
 void CSpellingWnd::PaintChoices(SkinPainter& painter)
@@ -279,16 +289,87 @@ void CSpellingWnd::TypeLetter(char letter)
                                           kWord);
 }
 
+// Characters of an input method come byte by byte.
 void CSpellingWnd::OnChar(UINT nChar, UINT, UINT)
 {
-    if (nChar < 128 && nChar != '\r') TypeLetter(static_cast<char>(nChar));
+    if (nChar != '\r' && nChar != '\t' && nChar != ' ' && nChar != VK_ESCAPE)
+        TypeLetter(static_cast<char>(nChar));
+    TellCaret();
 }
 
 void CSpellingWnd::OnKeyDown(UINT nKey, UINT, UINT)
 {
-    if (nKey == VK_RETURN) Enter();
+    const auto chosen = [this] {
+        return ItemAt(
+            CPoint((m_rcChosen.left + m_rcChosen.right) / 2, (m_rcChosen.top + m_rcChosen.bottom) / 2));
+    };
+    if (nKey == VK_TAB) MoveChosen(GetKeyState(VK_SHIFT) < 0 ? -1 : 1);
+    if (nKey == VK_DOWN || nKey == VK_RIGHT) MoveChosen(1);
+    if (nKey == VK_UP || nKey == VK_LEFT) MoveChosen(-1);
+    if (nKey == VK_RETURN || (nKey == VK_SPACE && !m_rcChosen.IsRectEmpty())) {
+        const Item* item = m_rcChosen.IsRectEmpty() ? nullptr : chosen();
+        const std::function<void()> act = item ? item->act : [this] { Enter(); };
+        act();
+    }
     if (nKey == VK_F1) ShowHint();
     if (nKey == VK_ESCAPE) PostMessage(WM_CLOSE);
+}
+
+// With Alt, the first letter of a button's text presses it.
+void CSpellingWnd::OnSysChar(UINT nChar, UINT, UINT)
+{
+    for (const Item& item : m_buttons) {
+        const CString& strText =
+            m_test.IsAnswered() && &item == &m_buttons.front() ? m_strNext : item.strText;
+        if (strText.IsEmpty() || (static_cast<UINT>(strText[0]) | 0x20) != (nChar | 0x20)) continue;
+        const std::function<void()> act = item.act;
+        return act();
+    }
+}
+
+std::vector<CSpellingWnd::Item*> CSpellingWnd::Walk()
+{
+    std::vector<Item*> walk;
+    for (Items* items : {&m_buttons, &m_skins, &m_lans})
+        for (Item& item : *items)
+            walk.push_back(&item);
+    return walk;
+}
+
+// From the field, which has the keys at first, through all items and back to it.
+void CSpellingWnd::MoveChosen(int nStep)
+{
+    const std::vector<Item*> walk = Walk();
+    const int nPlaces = static_cast<int>(walk.size()) + 1;
+    int nPlace = 0;
+    for (int n = 1; n < nPlaces; ++n)
+        if (IsSame(walk[static_cast<std::size_t>(n - 1)]->rc, m_rcChosen)) nPlace = n;
+    nPlace = (nPlace + nStep + nPlaces) % nPlaces;
+    SetChosen(nPlace == 0 ? CRect() : walk[static_cast<std::size_t>(nPlace - 1)]->rc);
+}
+
+void CSpellingWnd::SetChosen(const CRect& rc)
+{
+    InvalidateRect(&m_rcChosen, 0);
+    m_rcChosen = rc;
+    InvalidateRect(&m_rcChosen, 0);
+}
+
+// Candidates of an input method appear where one types.
+void CSpellingWnd::TellCaret()
+{
+    CClientDC dc(this);
+    CGdiObject* pOld = dc.SelectObject(&m_wordFont);
+    const CSize size = dc.GetTextExtent(m_test.Typed());
+    dc.SelectObject(pOld);
+    const CRect rc = TypedRect();
+    SetCaretPos(rc.left + size.cx, rc.bottom);
+}
+
+int CSpellingWnd::OnSetCursor(CWnd* pWnd, UINT nHitTest, UINT nMessage)
+{
+    if (!m_rcHot.IsRectEmpty()) return ::SetCursor(LoadCursorA(nullptr, IDC_HAND)), 1;
+    return CWnd::OnSetCursor(pWnd, nHitTest, nMessage);
 }
 
 void CSpellingWnd::Enter()
@@ -329,13 +410,15 @@ void CSpellingWnd::OnLButtonDown(UINT nFlags, CPoint point)
     OnMouseMove(nFlags & ~MK_LBUTTON, point);
     m_bPressed = ItemAt(point) != nullptr;
     m_bMoving = !m_bPressed && Contains(TitleRect(), point);
+    if (m_bMoving) SetCapture();
+    SetChosen(CRect());
     m_ptGrip = point;
     InvalidateRect(&m_rcHot, 0);
 }
 
 void CSpellingWnd::OnLButtonUp(UINT, CPoint point)
 {
-    m_bMoving = false;
+    if (std::exchange(m_bMoving, false)) ReleaseCapture();
     const bool bClicked = m_bPressed;
     m_bPressed = false;
     InvalidateRect(&m_rcHot, 0);

@@ -33,6 +33,8 @@ protected:
     void OnTimer(UINT nId);
     void OnChar(UINT nChar, UINT nRepeat, UINT nFlags);
     void OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags);
+    void OnSysChar(UINT nChar, UINT nRepeat, UINT nFlags);
+    int OnSetCursor(CWnd* pWnd, UINT nHitTest, UINT nMessage);
     void OnMouseMove(UINT nFlags, CPoint point);
     void OnLButtonDown(UINT nFlags, CPoint point);
     void OnLButtonUp(UINT nFlags, CPoint point);
@@ -65,6 +67,11 @@ private:
     void PaintResult(CDC& dc);
     State StateOf(const Item& item) const;
 
+    // The items that keys walk through, in their order on the window.
+    std::vector<Item*> Walk();
+    void MoveChosen(int nStep);
+    void SetChosen(const CRect& rc);
+    void TellCaret();
     void TypeLetter(char letter);
     void Enter();
     void ShowHint();
@@ -78,7 +85,8 @@ private:
     CString m_strNext; // the first button's text once the word is answered
     Items m_skins;
     Items m_lans;
-    CRect m_rcHot; // of the item below the mouse
+    CRect m_rcHot;    // of the item below the mouse
+    CRect m_rcChosen; // of the item that keys have chosen; empty: none, and Enter answers
     bool m_bPressed = false;
     bool m_bMoving = false;
     CPoint m_ptGrip;
