@@ -52,6 +52,7 @@ void CKXTipWnd::ShowTipWnd(const CString& strText, unsigned long dwShowTime)
 {
     m_strTipText = strText;
     m_dwShowTime = dwShowTime;
+    SetWindowText(strText); // what a screen reader reads out
     SetWindowPos(HWND_TOPMOST, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
     AnimateWindow(kFadeTime, AW_BLEND);
     if (m_nTimerId == 0) m_nTimerId = SetTimer(kTimerId, kTimerPeriod, nullptr);
