@@ -2,11 +2,11 @@
 
 #include "platform/Immortal.h"
 #include "platform/framework/WndMap.h"
+#include "platform/sync/Mutex.h"
 #include "platform/window/Lifetime.h"
 
 #include <cstdio>
 #include <map>
-#include <mutex>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -127,13 +127,13 @@ const char* AfxRegisterWndClass(UINT nStyle, HCURSOR hCursor, HBRUSH hBackground
 {
     struct Names
     {
-        std::mutex lock;
-        std::map<std::tuple<UINT, HCURSOR, HBRUSH, HICON>, std::string> names;
+        kx::sync::Mutex lock;
+        std::map<std::tuple<UINT, HCURSOR, HBRUSH, HICON>, std::string> names KX_GUARDED_BY(lock);
     };
     static kx::Immortal<Names> made;
     if (!hCursor) hCursor = LoadCursorA(nullptr, IDC_ARROW);
     Names& all = made.Get();
-    const std::lock_guard lock(all.lock);
+    const kx::sync::MutexLock lock(all.lock);
     const auto [it, bNew] = all.names.try_emplace({nStyle, hCursor, hBackground, hIcon});
     if (!bNew) return it->second.c_str();
     char name[128];

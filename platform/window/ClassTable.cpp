@@ -55,7 +55,7 @@ DWORD ClassTable::Add(const WNDCLASSA& cls, WORD& atom)
                                                                        cls.lpfnWndProc, cls.hbrBackground,
                                                                        cls.style, cls.hCursor, cls.hIcon});
 
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     if (IndexOfKey(key) < m_classes.size()) return ERROR_CLASS_ALREADY_EXISTS;
     const auto free = std::ranges::find(m_classes, nullptr);
     const auto index = static_cast<std::size_t>(free - m_classes.begin());
@@ -70,7 +70,7 @@ DWORD ClassTable::Add(const WNDCLASSA& cls, WORD& atom)
 
 DWORD ClassTable::Remove(const char* pszNameOrAtom)
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     const std::size_t index = IndexOf(pszNameOrAtom);
     if (index >= m_classes.size()) return ERROR_CLASS_DOES_NOT_EXIST;
     // Only this table, under this lock, hands out further holders: nobody can join between look and removal.
@@ -81,7 +81,7 @@ DWORD ClassTable::Remove(const char* pszNameOrAtom)
 
 std::shared_ptr<const WindowClass> ClassTable::Find(const char* pszNameOrAtom) const
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     const std::size_t index = IndexOf(pszNameOrAtom);
     return index < m_classes.size() ? m_classes[index] : nullptr;
 }

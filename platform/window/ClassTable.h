@@ -2,9 +2,9 @@
 
 #include "include/platform/String.h"
 #include "include/platform/Window.h"
+#include "platform/sync/Mutex.h"
 
 #include <memory>
-#include <mutex>
 #include <vector>
 
 namespace kx::window {
@@ -35,11 +35,11 @@ public:
 private:
     using Entry = std::shared_ptr<const WindowClass>;
 
-    std::size_t IndexOf(const char* pszNameOrAtom) const;
-    std::size_t IndexOfKey(const CString& key) const;
+    std::size_t IndexOf(const char* pszNameOrAtom) const KX_REQUIRES(m_lock);
+    std::size_t IndexOfKey(const CString& key) const KX_REQUIRES(m_lock);
 
-    mutable std::mutex m_lock;
-    std::vector<Entry> m_classes; // null where a class was removed
+    mutable sync::Mutex m_lock;
+    std::vector<Entry> m_classes KX_GUARDED_BY(m_lock); // null where a class was removed
 };
 
 } // namespace kx::window

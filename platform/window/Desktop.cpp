@@ -1,4 +1,5 @@
 #include "platform/window/Desktop.h"
+#include "platform/sync/Mutex.h"
 
 #include "platform/Immortal.h"
 #include "platform/screen/Screen.h"
@@ -31,8 +32,8 @@ Desktop& Choose()
 Desktop& Desktop::Instance()
 {
     if (Desktop* chosen = g_desktop.load(std::memory_order_acquire)) return *chosen;
-    static Immortal<std::mutex> choosing;
-    const std::lock_guard lock(choosing.Get());
+    static Immortal<sync::Mutex> choosing;
+    const sync::MutexLock lock(choosing.Get());
     if (Desktop* chosen = g_desktop.load()) return *chosen;
     Desktop& choice = Choose();
     Desktop* none = nullptr;

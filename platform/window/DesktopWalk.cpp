@@ -1,5 +1,6 @@
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
+#include "platform/sync/Mutex.h"
 #include "platform/text/CharWalk.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/WindowTable.h"
@@ -21,26 +22,26 @@ public:
 
     HDESK Open()
     {
-        std::lock_guard lock(m_lock);
+        const kx::sync::MutexLock lock(m_lock);
         const auto handle = reinterpret_cast<HDESK>(++m_last);
         m_open.insert(handle);
         return handle;
     }
     bool Close(HDESK hDesk)
     {
-        std::lock_guard lock(m_lock);
+        const kx::sync::MutexLock lock(m_lock);
         return m_open.erase(hDesk) != 0;
     }
     bool Has(HDESK hDesk) const
     {
-        std::lock_guard lock(m_lock);
+        const kx::sync::MutexLock lock(m_lock);
         return m_open.contains(hDesk);
     }
 
 private:
-    mutable std::mutex m_lock;
-    std::uintptr_t m_last = 0;
-    std::set<HDESK> m_open;
+    mutable kx::sync::Mutex m_lock;
+    std::uintptr_t m_last KX_GUARDED_BY(m_lock) = 0;
+    std::set<HDESK> m_open KX_GUARDED_BY(m_lock);
 };
 
 // The windows of every process, oldest first.

@@ -120,32 +120,32 @@ HeadlessDesktop& HeadlessDesktop::Instance()
 
 SIZE HeadlessDesktop::Size() const noexcept
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     return m_size;
 }
 
 void HeadlessDesktop::SetSize(SIZE size)
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     m_size = size;
 }
 
 bool HeadlessDesktop::Create(HWND hWnd, const CREATESTRUCTA&)
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     m_stack.Add(hWnd);
     return true;
 }
 
 void HeadlessDesktop::Stack(HWND hWnd, Order order)
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     m_stack.Move(hWnd, order);
 }
 
 void HeadlessDesktop::Destroy(HWND hWnd) noexcept
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     m_stack.Remove(hWnd);
 }
 
@@ -153,7 +153,7 @@ gdi::Surface& HeadlessDesktop::Look(const RECT& rect, gdi::Surface& root)
 {
     std::vector<HWND> order;
     {
-        std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         order = m_stack.Handles();
     }
     return Compose(order, rect, root, m_seen);
@@ -162,7 +162,7 @@ gdi::Surface& HeadlessDesktop::Look(const RECT& rect, gdi::Surface& root)
 std::vector<HWND> HeadlessDesktop::ForeignWindows() const
 {
     std::vector<HWND> handles;
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     for (const auto& [handle, foreign] : m_foreign)
         handles.push_back(handle);
     return handles;
@@ -170,14 +170,14 @@ std::vector<HWND> HeadlessDesktop::ForeignWindows() const
 
 std::optional<WindowFacts> HeadlessDesktop::FindForeign(HWND hWnd) const noexcept
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     const auto it = m_foreign.find(hWnd);
     return it == m_foreign.end() ? std::nullopt : std::optional(it->second.facts);
 }
 
 bool HeadlessDesktop::PostForeign(HWND hWnd, const KXHost::SentMessage& message)
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     const auto it = m_foreign.find(hWnd);
     if (it == m_foreign.end()) return false;
     it->second.received.Add(message);
@@ -192,14 +192,14 @@ LRESULT HeadlessDesktop::SendForeign(HWND hWnd, const KXHost::SentMessage& messa
 
 int HeadlessDesktop::RecordMessageBox(const KXHost::MessageBoxRecord& box)
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     m_boxes.Add(box);
     return IDOK;
 }
 
 HWND HeadlessDesktop::AddForeign(const WindowFacts& facts)
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     const HWND handle = NewHandle();
     m_foreign.emplace(handle, Foreign{facts, {}});
     return handle;
@@ -207,20 +207,20 @@ HWND HeadlessDesktop::AddForeign(const WindowFacts& facts)
 
 void HeadlessDesktop::RemoveForeign(HWND hWnd)
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     m_foreign.erase(hWnd);
 }
 
 std::vector<KXHost::SentMessage> HeadlessDesktop::TakeMessages(HWND hWnd)
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     const auto it = m_foreign.find(hWnd);
     return it == m_foreign.end() ? std::vector<KXHost::SentMessage>() : it->second.received.Take();
 }
 
 std::vector<KXHost::MessageBoxRecord> HeadlessDesktop::TakeMessageBoxes()
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     return m_boxes.Take();
 }
 

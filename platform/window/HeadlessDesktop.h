@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/sync/Mutex.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Window.h"
 #include "platform/window/WindowStack.h"
@@ -7,7 +8,6 @@
 #include <deque>
 #include <iterator>
 #include <map>
-#include <mutex>
 
 namespace kx::window {
 
@@ -82,12 +82,12 @@ private:
         Recent<KXHost::SentMessage> received;
     };
 
-    mutable std::mutex m_lock;
-    SIZE m_size{DESKTOP_WIDTH, DESKTOP_HEIGHT};
-    WindowStack m_stack;
+    mutable sync::Mutex m_lock;
+    SIZE m_size KX_GUARDED_BY(m_lock){DESKTOP_WIDTH, DESKTOP_HEIGHT};
+    WindowStack m_stack KX_GUARDED_BY(m_lock);
     std::optional<gdi::Surface> m_seen; // under the lock of the desktop's pixels instead
-    std::map<HWND, Foreign> m_foreign;
-    Recent<KXHost::MessageBoxRecord> m_boxes;
+    std::map<HWND, Foreign> m_foreign KX_GUARDED_BY(m_lock);
+    Recent<KXHost::MessageBoxRecord> m_boxes KX_GUARDED_BY(m_lock);
 };
 
 } // namespace kx::window

@@ -26,7 +26,7 @@ DWORD Queue::PostInput(const MSG& msg, const Window& target, bool bLatest)
 DWORD Queue::PostTo(const Posted& posted, const Window* target, bool bLatest)
 {
     {
-        std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         if (m_closed) return ERROR_INVALID_THREAD_ID;
         if (target && target->ended) return ERROR_INVALID_WINDOW_HANDLE;
         const auto isSame = [&](const Posted& other) {
@@ -44,7 +44,7 @@ DWORD Queue::PostTo(const Posted& posted, const Window* target, bool bLatest)
 void Queue::PostChore(MSG chore, const Window& target)
 {
     {
-        std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         if (m_closed || target.ended) return;
         const auto older = std::ranges::find_if(m_posted, [&](const Posted& other) {
             return other.kind == Kind::Chore && other.msg.hwnd == chore.hwnd &&
@@ -64,7 +64,7 @@ void Queue::PostChore(MSG chore, const Window& target)
 DWORD Queue::Send(const std::shared_ptr<SentMessage>& message)
 {
     {
-        std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         if (message->Target().ended) return ERROR_INVALID_WINDOW_HANDLE;
         m_sent.push_back(message);
     }
@@ -75,7 +75,7 @@ DWORD Queue::Send(const std::shared_ptr<SentMessage>& message)
 void Queue::Withdraw(const SentMessage& message) noexcept
 {
     Sent gone; // ends when the lock is free again
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     const auto it = std::ranges::find_if(m_sent, [&](const auto& sent) { return sent.get() == &message; });
     if (it != m_sent.end()) gone.splice(gone.end(), m_sent, it);
 }
@@ -83,7 +83,7 @@ void Queue::Withdraw(const SentMessage& message) noexcept
 void Queue::TakeAnswer(SentMessage& message, LRESULT nResult) noexcept
 {
     {
-        std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         message.answered = true;
         message.result = nResult;
     }
@@ -92,7 +92,7 @@ void Queue::TakeAnswer(SentMessage& message, LRESULT nResult) noexcept
 
 void Queue::PostQuit(int nExitCode)
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     m_quit = MSG{nullptr, WM_QUIT, static_cast<WPARAM>(nExitCode), 0, GetTickCount()};
 }
 
@@ -126,7 +126,7 @@ LRESULT Queue::WaitForAnswer(const SentMessage& message)
 
 // Runs what has been sent by now and no more, so that threads that send on and on don't hold up what is
 // posted.
-void Queue::ServeSent(Lock& lock)
+void Queue::ServeSent(Lock& lock) KX_NO_LOCK_ANALYSIS
 {
     for (std::size_t n = m_sent.size(); n > 0 && !m_sent.empty(); --n) {
         {
@@ -192,7 +192,7 @@ void Queue::ServeUntil(clock::Moment deadline)
 void Queue::Invalidate(const Window& window, const RECT& rect, bool bErase)
 {
     {
-        std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         if (window.ended) return;
         m_updates.Add(window, rect, bErase);
     }
@@ -201,31 +201,31 @@ void Queue::Invalidate(const Window& window, const RECT& rect, bool bErase)
 
 void Queue::Validate(const Window& window)
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     m_updates.Take(window);
 }
 
 bool Queue::HasUpdate(const Window& window)
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     return m_updates.Has(window);
 }
 
 Update Queue::TakeUpdate(const Window& window)
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     return m_updates.Take(window);
 }
 
 void Queue::SetTimer(const Window& window, UINT_PTR nId, UINT nPeriod, TIMERPROC pfn)
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     m_timers.Set(window, nId, nPeriod, pfn);
 }
 
 bool Queue::KillTimer(const Window& window, UINT_PTR nId) noexcept
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     return m_timers.Kill(window, nId);
 }
 
@@ -233,7 +233,7 @@ void Queue::Forget(Window& window) noexcept
 {
     Sent released;
     {
-        std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         window.ended = true;
         const auto isIts = [&](const Posted& posted) { return posted.msg.hwnd == window.Handle(); };
         m_chores -= static_cast<std::size_t>(std::ranges::count_if(
@@ -252,7 +252,7 @@ void Queue::Forget(Window& window) noexcept
 
 void Queue::Close() noexcept
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     m_closed = true;
     m_posted.clear();
     m_chores = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/sync/Mutex.h"
 #include "platform/time/Condition.h"
 #include "platform/window/Input.h"
 #include "platform/window/SentMessage.h"
@@ -10,7 +11,6 @@
 #include <deque>
 #include <list>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 namespace kx::window {
@@ -83,7 +83,7 @@ public:
     void Close() noexcept;
 
 private:
-    using Lock = std::unique_lock<std::mutex>;
+    using Lock = sync::MutexLock;
     using Sent = std::list<std::shared_ptr<SentMessage>>;
     enum class Kind
     {
@@ -98,22 +98,22 @@ private:
     };
 
     DWORD PostTo(const Posted& posted, const Window* target, bool bLatest);
-    void ServeSent(Lock& lock);
-    bool Take(MSG& msg, const Filter& filter, bool bRemove);
-    bool TakeQuit(MSG& msg, bool bRemove);
-    bool TakePaint(MSG& msg, const Filter& filter) const;
-    void Wait(Lock& lock, clock::Moment deadline = clock::kNever);
+    void ServeSent(Lock& lock) KX_REQUIRES(m_lock);
+    bool Take(MSG& msg, const Filter& filter, bool bRemove) KX_REQUIRES(m_lock);
+    bool TakeQuit(MSG& msg, bool bRemove) KX_REQUIRES(m_lock);
+    bool TakePaint(MSG& msg, const Filter& filter) const KX_REQUIRES(m_lock);
+    void Wait(Lock& lock, clock::Moment deadline = clock::kNever) KX_REQUIRES(m_lock);
 
     const DWORD m_threadId;
-    std::mutex m_lock;
+    sync::Mutex m_lock;
     clock::Condition m_changed; // the thread alone waits for it
-    std::deque<Posted> m_posted;
-    std::size_t m_chores = 0; // of those
-    std::optional<MSG> m_quit;
-    Updates m_updates;
-    Timers m_timers;
-    Sent m_sent; // not yet begun
-    bool m_closed = false;
+    std::deque<Posted> m_posted KX_GUARDED_BY(m_lock);
+    std::size_t m_chores KX_GUARDED_BY(m_lock) = 0; // of those
+    std::optional<MSG> m_quit KX_GUARDED_BY(m_lock);
+    Updates m_updates KX_GUARDED_BY(m_lock);
+    Timers m_timers KX_GUARDED_BY(m_lock);
+    Sent m_sent KX_GUARDED_BY(m_lock); // not yet begun
+    bool m_closed KX_GUARDED_BY(m_lock) = false;
     bool m_wasInput = false;
 };
 

@@ -34,26 +34,26 @@ Window::Window(HWND handle, std::shared_ptr<const WindowClass> cls, WNDPROC hook
 
 RECT Window::Rect() const
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     return m_rect;
 }
 
 void Window::SetRect(const RECT& rect)
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     m_rect = rect;
 }
 
 std::string Window::Text() const
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     return m_text;
 }
 
 void Window::SetText(const char* pszText)
 {
     std::string text = pszText ? pszText : "";
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     m_text.swap(text);
 }
 

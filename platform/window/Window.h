@@ -3,11 +3,11 @@
 #include "include/platform/Window.h"
 #include "platform/gdi/PixelRegion.h"
 #include "platform/screen/Screen.h"
+#include "platform/sync/Mutex.h"
 #include "platform/window/ClassTable.h"
 
 #include <atomic>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 
@@ -81,9 +81,9 @@ private:
     const HCURSOR m_classCursor;
     std::shared_ptr<const WindowClass> m_class;
     const std::shared_ptr<Queue> m_owner;
-    mutable std::mutex m_lock; // guards what follows
-    RECT m_rect;
-    std::string m_text;
+    mutable sync::Mutex m_lock;
+    RECT m_rect KX_GUARDED_BY(m_lock);
+    std::string m_text KX_GUARDED_BY(m_lock);
 };
 
 } // namespace kx::window

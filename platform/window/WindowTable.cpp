@@ -20,27 +20,27 @@ WindowTable& WindowTable::Instance()
 
 void WindowTable::Add(const std::shared_ptr<Window>& window)
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     m_windows.emplace(window->Handle(), window);
 }
 
 void WindowTable::Remove(HWND hWnd) noexcept
 {
     decltype(m_windows)::node_type gone; // ends when the lock is free again
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     gone = m_windows.extract(hWnd);
 }
 
 std::shared_ptr<Window> WindowTable::Find(HWND hWnd) const noexcept
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     const auto it = m_windows.find(hWnd);
     return it == m_windows.end() ? nullptr : it->second;
 }
 
 std::shared_ptr<Window> WindowTable::FindOwnedBy(const Queue& owner) const noexcept
 {
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     const auto owned = [&](const auto& entry) { return &entry.second->Owner() == &owner; };
     const auto it = std::ranges::find_if(m_windows, owned);
     return it == m_windows.end() ? nullptr : it->second;
@@ -49,7 +49,7 @@ std::shared_ptr<Window> WindowTable::FindOwnedBy(const Queue& owner) const noexc
 std::vector<HWND> WindowTable::Handles() const
 {
     std::vector<HWND> handles;
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     handles.reserve(m_windows.size());
     for (const auto& [handle, window] : m_windows)
         handles.push_back(handle);
@@ -59,7 +59,7 @@ std::vector<HWND> WindowTable::Handles() const
 std::vector<HWND> WindowTable::HandlesOf(const Queue& owner) const
 {
     std::vector<HWND> handles;
-    std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     for (const auto& [handle, window] : m_windows)
         if (&window->Owner() == &owner) handles.push_back(handle);
     return handles;

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/sync/Mutex.h"
 #include "platform/window/Window.h"
 
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 namespace kx::window {
@@ -33,8 +33,8 @@ public:
     std::vector<HWND> HandlesOf(const Queue& owner) const; // oldest first
 
 private:
-    mutable std::mutex m_lock;
-    std::map<HWND, std::shared_ptr<Window>> m_windows;
+    mutable sync::Mutex m_lock;
+    std::map<HWND, std::shared_ptr<Window>> m_windows KX_GUARDED_BY(m_lock);
 };
 
 } // namespace kx::window

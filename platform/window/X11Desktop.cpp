@@ -38,8 +38,8 @@ struct Kept
         static Immortal<Kept> kept;
         return kept.Get();
     }
-    std::mutex lock;
-    std::vector<std::unique_ptr<X11Desktop>> desktops;
+    sync::Mutex lock;
+    std::vector<std::unique_ptr<X11Desktop>> desktops KX_GUARDED_BY(lock);
 };
 
 // No thread may run in the library once it has been unloaded.
@@ -47,7 +47,7 @@ struct LeaveAtUnload
 {
     ~LeaveAtUnload()
     {
-        const std::lock_guard lock(Kept::Instance().lock);
+        const sync::MutexLock lock(Kept::Instance().lock);
         for (const auto& desktop : Kept::Instance().desktops)
             desktop->Leave();
     }
@@ -121,7 +121,7 @@ try {
 
 X11Desktop& X11Desktop::Keep(std::unique_ptr<X11Desktop> desktop)
 {
-    const std::lock_guard lock(Kept::Instance().lock);
+    const sync::MutexLock lock(Kept::Instance().lock);
     return *Kept::Instance().desktops.emplace_back(std::move(desktop));
 }
 
@@ -142,7 +142,7 @@ void X11Desktop::Leave() noexcept
     std::shared_ptr<x11::Session> session;
     std::thread events;
     {
-        const std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         session.swap(m_session);
         events.swap(m_events);
     }
@@ -155,7 +155,7 @@ void X11Desktop::Leave() noexcept
 std::shared_ptr<x11::Session> X11Desktop::Session() const noexcept
 {
     if (m_process != g_forks) return nullptr;
-    const std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     return m_session;
 }
 

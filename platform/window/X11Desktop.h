@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/sync/Mutex.h"
 #include "platform/window/Desktop.h"
 
 #include <chrono>
 #include <memory>
-#include <mutex>
 #include <thread>
 
 namespace kx::window {
@@ -62,10 +62,10 @@ private:
     std::shared_ptr<x11::Session> Session() const noexcept;
 
     const int m_process; // counted by forks
-    mutable std::mutex m_lock;
-    std::shared_ptr<x11::Session> m_session; // guarded by the lock
-    std::thread m_events;                    // as well
-    std::optional<gdi::Surface> m_seen;      // guarded by the lock of the desktop's pixels
+    mutable sync::Mutex m_lock;
+    std::shared_ptr<x11::Session> m_session KX_GUARDED_BY(m_lock);
+    std::thread m_events KX_GUARDED_BY(m_lock);
+    std::optional<gdi::Surface> m_seen; // guarded by the lock of the desktop's pixels
 };
 
 } // namespace kx::window

@@ -178,7 +178,7 @@ Connection::Connection(Handle connection, int nScreen, const xcb_setup_t& setup,
 
 View Connection::GetView() const
 {
-    const std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     return m_view;
 }
 
@@ -193,7 +193,7 @@ bool Connection::LearnView()
     view.monitor = {view.Part(monitor.right - monitor.left), view.Part(monitor.bottom - monitor.top)};
     view.whole = {(size->width - monitor.left) / view.scale, (size->height - monitor.top) / view.scale};
     view.reach = {view.Part(size->width - monitor.left), view.Part(size->height - monitor.top)};
-    const std::lock_guard lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     return std::exchange(m_view, view) != view;
 }
 

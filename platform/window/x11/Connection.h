@@ -1,10 +1,10 @@
 #pragma once
 
 #include "include/platform/Geometry.h"
+#include "platform/sync/Mutex.h"
 
 #include <cstdlib>
 #include <memory>
-#include <mutex>
 #include <xcb/xcb.h>
 
 namespace kx::window::x11 {
@@ -123,8 +123,8 @@ private:
     const bool m_bOurPixels;
     const bool m_bGuest;
     std::uint8_t m_firstMonitorEvent = 0; // 0 for a server that tells of none
-    mutable std::mutex m_lock;
-    View m_view; // guarded by the lock
+    mutable sync::Mutex m_lock;
+    View m_view KX_GUARDED_BY(m_lock);
     const std::uint32_t m_idBase;
     const std::uint32_t m_idMask;
 };

@@ -2,6 +2,7 @@
 
 #include "platform/PipeSignal.h"
 #include "platform/gdi/Surface.h"
+#include "platform/sync/Mutex.h"
 #include "platform/window/x11/ForeignWindows.h"
 #include "platform/window/x11/InputMethod.h"
 #include "platform/window/x11/OwnWindows.h"
@@ -11,7 +12,6 @@
 #include <atomic>
 #include <map>
 #include <memory>
-#include <mutex>
 
 namespace kx::window::x11 {
 
@@ -50,7 +50,7 @@ struct Session
     const std::unique_ptr<Connection> connection;
     std::atomic<bool> leaving{false}; // the end of the connection is wanted
     Watch watch;
-    std::mutex lock;
+    sync::Mutex lock;
     OwnWindows own;
     ForeignWindows foreign;
     PixelPort pixels;
@@ -63,27 +63,27 @@ struct Session
 class Access
 {
 public:
-    explicit Access(std::shared_ptr<Session> session) : m_session(std::move(session))
+    explicit Access(std::shared_ptr<Session> session) KX_NO_LOCK_ANALYSIS : m_session(std::move(session))
     {
         if (!m_session) return;
-        m_lock = std::unique_lock(m_session->lock);
+        m_session->lock.lock();
         m_session->watch.Begin();
     }
     Access(const Access&) = delete;
     Access& operator=(const Access&) = delete;
-    ~Access()
+    ~Access() KX_NO_LOCK_ANALYSIS
     {
         if (!m_session) return;
         xcb_flush(m_session->connection->Get());
         m_session->watch.End();
+        m_session->lock.unlock();
     }
 
     explicit operator bool() const noexcept { return m_session != nullptr; }
     Session* operator->() const noexcept { return m_session.get(); }
 
 private:
-    const std::shared_ptr<Session> m_session; // ends after the lock
-    std::unique_lock<std::mutex> m_lock;
+    const std::shared_ptr<Session> m_session;
     const NoPipeSignal m_noSignal; // xcb writes to a server that may be gone
 };
 

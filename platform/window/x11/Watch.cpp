@@ -12,7 +12,7 @@ Watch::Watch(Connection& connection, std::chrono::milliseconds limit)
 Watch::~Watch()
 {
     {
-        const std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         m_ends = true;
     }
     m_changed.notify_one();
@@ -22,7 +22,7 @@ Watch::~Watch()
 void Watch::Wake() noexcept
 {
     {
-        const std::lock_guard lock(m_lock);
+        const sync::MutexLock lock(m_lock);
         m_sleeps = false;
     }
     m_changed.notify_one();
@@ -33,16 +33,16 @@ void Watch::Wake() noexcept
 void Watch::Run()
 {
     const sync::AlternateStack stack;
-    std::unique_lock lock(m_lock);
+    sync::MutexLock lock(m_lock);
     for (bool bIdle = true; !m_ends;) {
         if (bIdle) {
             m_sleeps = true;
-            if (m_since == 0) m_changed.wait(lock, [&] { return m_ends || !m_sleeps; });
+            if (m_since == 0) m_changed.wait(lock, [&]() KX_NO_LOCK_ANALYSIS { return m_ends || !m_sleeps; });
             m_sleeps = false;
         }
         const Clock::rep since = m_since;
         const auto due = (since ? Clock::time_point(Clock::duration(since)) : Clock::now()) + m_limit;
-        if (m_changed.wait_until(lock, due, [&] { return m_ends; })) return;
+        if (m_changed.wait_until(lock, due, [&]() KX_NO_LOCK_ANALYSIS { return m_ends; })) return;
         // A program that was stopped itself gives the server another limit.
         const bool bStopped = Clock::now() - due > m_limit / 2;
         if (since && m_since == since && !bStopped) return m_connection.Shut();

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/sync/Mutex.h"
 #include "platform/window/x11/Connection.h"
 
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
-#include <mutex>
 #include <thread>
 
 namespace kx::window::x11 {
@@ -31,15 +31,15 @@ private:
     using Clock = std::chrono::steady_clock; // the server's time, never a test's
 
     void Wake() noexcept;
-    void Run();
+    void Run() KX_NO_LOCK_ANALYSIS; // its waits let the lock go
 
     Connection& m_connection;
     const std::chrono::milliseconds m_limit;
     std::atomic<Clock::rep> m_since{0}; // when the use began; 0: there is none
     std::atomic<bool> m_sleeps{false};
-    std::mutex m_lock;
-    std::condition_variable m_changed;
-    bool m_ends = false; // guarded by the lock
+    sync::Mutex m_lock;
+    std::condition_variable_any m_changed;
+    bool m_ends KX_GUARDED_BY(m_lock) = false;
     std::thread m_thread;
 };
 
