@@ -168,6 +168,7 @@ Connection::Connection(Handle connection, int nScreen, const xcb_setup_t& setup,
     const auto* monitors = xcb_get_extension_data(Get(), &xcb_randr_id);
     if (monitors && monitors->present) {
         m_firstMonitorEvent = monitors->first_event;
+        Own(xcb_randr_query_version_reply(Get(), xcb_randr_query_version(Get(), 1, 5), nullptr));
         xcb_randr_select_input(Get(), Root(),
                                XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
                                    XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);

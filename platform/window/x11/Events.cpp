@@ -259,21 +259,10 @@ void Events::OnButton(const xcb_button_press_event_t& event, bool bDown)
     }
 }
 
-// The server repeats a held key by a release and a press of the same moment.
-bool Events::IsRepeat(const xcb_key_release_event_t& event)
-{
-    const auto* next = Peek();
-    if (!next || KindOf(*next) != XCB_KEY_PRESS) return false;
-    const auto& press = As<xcb_key_press_event_t>(*next);
-    return press.detail == event.detail && press.time == event.time && press.event == event.event;
-}
-
 void Events::OnKey(const xcb_key_press_event_t& event)
 {
     const HWND hWnd = HandleOf(event.event);
-    if (!hWnd ||
-        (KindOf(reinterpret_cast<const xcb_generic_event_t&>(event)) == XCB_KEY_RELEASE && IsRepeat(event)))
-        return;
+    if (!hWnd) return;
     if (m_session->method.IsThere() && Access(m_session)->method.Offer(event)) return;
     HearKey(hWnd, event);
 }

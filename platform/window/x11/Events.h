@@ -43,8 +43,6 @@ private:
 
     HWND HandleOf(xcb_window_t id);
     LPARAM PlaceWithin(int x, int y) const;
-    // Whether the key is held and the server only repeats it.
-    bool IsRepeat(const xcb_key_release_event_t& event);
     // Whether another motion within the same window follows.
     bool IsOvertaken(const xcb_motion_notify_event_t& event);
 

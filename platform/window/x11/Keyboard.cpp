@@ -162,6 +162,12 @@ Keyboard::Keyboard(xcb_connection_t* connection)
     if (m_firstEvent)
         xcb_xkb_select_events(connection, XCB_XKB_ID_USE_CORE_KBD, events, 0, events, allParts, allParts,
                               nullptr);
+    // A held key repeats as presses alone, without releases in between.
+    constexpr std::uint32_t repeats = XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT;
+    if (m_firstEvent)
+        xcb_discard_reply(connection, xcb_xkb_per_client_flags(connection, XCB_XKB_ID_USE_CORE_KBD, repeats,
+                                                               repeats, 0, 0, 0)
+                                          .sequence);
     Reload();
 }
 

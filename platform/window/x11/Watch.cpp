@@ -34,6 +34,7 @@ void Watch::Run()
 {
     const sync::AlternateStack stack;
     sync::MutexLock lock(m_lock);
+    Clock::rep awaited = 0; // the newest use that was waited for
     for (bool bIdle = true; !m_ends;) {
         if (bIdle) {
             m_sleeps = true;
@@ -41,10 +42,12 @@ void Watch::Run()
             m_sleeps = false;
         }
         const Clock::rep since = m_since;
-        const auto due = (since ? Clock::time_point(Clock::duration(since)) : Clock::now()) + m_limit;
+        const bool bNew = since && since != awaited;
+        const auto due = (bNew ? Clock::time_point(Clock::duration(since)) : Clock::now()) + m_limit;
+        awaited = since;
         if (m_changed.wait_until(lock, due, [&]() KX_NO_LOCK_ANALYSIS { return m_ends; })) return;
         // A program that was stopped itself gives the server another limit.
-        const bool bStopped = Clock::now() - due > m_limit / 2;
+        const bool bStopped = Clock::now() - due > m_limit / 2 + std::chrono::seconds(1);
         if (since && m_since == since && !bStopped) return m_connection.Shut();
         bIdle = m_since == 0;
     }

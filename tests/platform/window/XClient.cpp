@@ -196,7 +196,15 @@ void XClient::AddMonitor(const char* name, int x, int y, int width, int height, 
     monitor.info.y = static_cast<std::int16_t>(y);
     monitor.info.width = static_cast<std::uint16_t>(width);
     monitor.info.height = static_cast<std::uint16_t>(height);
+    Own(xcb_randr_query_version_reply(m_connection.get(), xcb_randr_query_version(m_connection.get(), 1, 5),
+                                      nullptr));
+    xcb_randr_delete_monitor(m_connection.get(), m_screen.root, monitor.info.name);
     xcb_randr_set_monitor(m_connection.get(), m_screen.root, &monitor.info);
+    // The server tells of a real monitor's change, but not of such a one: another change has it speak.
+    static std::uint32_t millimetres = 100;
+    ++millimetres;
+    xcb_randr_set_screen_size(m_connection.get(), m_screen.root, m_screen.width_in_pixels,
+                              m_screen.height_in_pixels, millimetres, millimetres);
     Finish();
 }
 
