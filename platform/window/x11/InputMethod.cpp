@@ -90,7 +90,7 @@ void InputMethod::Focus(xcb_window_t window)
 {
     if (!m_method || window == m_focus) return;
     m_focus = window;
-    m_caret = {};
+    if (m_caretWindow != window) m_caret = {};
     if (m_context) {
         xcb_xim_unset_ic_focus(m_method.get(), m_context);
         xcb_xim_destroy_ic(m_method.get(), std::exchange(m_context, 0), nullptr, nullptr);
@@ -121,9 +121,9 @@ void InputMethod::MakeContext()
 
 void InputMethod::SetCaret(xcb_window_t window, POINT place)
 {
-    if (!m_method || window != m_focus) return;
+    m_caretWindow = window; // which may be about to get the focus
     m_caret = place;
-    TellCaret();
+    if (window == m_focus) TellCaret();
 }
 
 void InputMethod::TellCaret()

@@ -58,6 +58,7 @@ private:
     xcb_xic_t m_context = 0;
     std::uint32_t m_wanted = 0; // the events that it takes
     xcb_window_t m_focus = 0;
+    xcb_window_t m_caretWindow = 0;
     POINT m_caret{};
     std::vector<Gift> m_gifts;
 };
