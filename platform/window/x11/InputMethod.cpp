@@ -106,10 +106,11 @@ void InputMethod::MakeContext()
         method.m_making = false;
         if (!context) return;
         method.m_context = context;
-        method.m_wanted = XCB_EVENT_MASK_KEY_PRESS;
         xcb_xim_set_ic_focus(im, context);
         method.TellCaret();
     };
+    m_wanted =
+        XCB_EVENT_MASK_KEY_PRESS; // until it says what it wants, which may be before the context is made
     const std::uint32_t style = XCB_IM_PreeditPosition | XCB_IM_StatusNothing;
     const xcb_point_t spot{static_cast<std::int16_t>(m_caret.x), static_cast<std::int16_t>(m_caret.y)};
     const auto nested = xcb_xim_create_nested_list(m_method.get(), XCB_XIM_XNSpotLocation, &spot, nullptr);
