@@ -60,6 +60,22 @@ bool IsOffered(xcb_connection_t* connection, std::string_view name)
     return reply && reply->present;
 }
 
+// One on Wayland says so by an extension, or if it is older by the names of its outputs.
+bool IsGuestServer(xcb_connection_t* connection, xcb_window_t root)
+{
+    if (IsOffered(connection, "XWAYLAND")) return true;
+    if (!IsOffered(connection, "RANDR")) return false;
+    const auto resources = Own(xcb_randr_get_screen_resources_current_reply(
+        connection, xcb_randr_get_screen_resources_current(connection, root), nullptr));
+    if (!resources || resources->num_outputs == 0) return false;
+    const xcb_randr_output_t first = *xcb_randr_get_screen_resources_current_outputs(resources.get());
+    const auto output = Own(xcb_randr_get_output_info_reply(
+        connection, xcb_randr_get_output_info(connection, first, XCB_CURRENT_TIME), nullptr));
+    if (!output) return false;
+    const auto* name = reinterpret_cast<const char*>(xcb_randr_get_output_info_name(output.get()));
+    return std::string_view(name, output->name_len).starts_with("XWAYLAND");
+}
+
 // The primary monitor; without one the first, and without any the whole screen.
 RECT Primary(xcb_connection_t* connection, xcb_window_t root, SIZE screen)
 {
@@ -158,7 +174,7 @@ Connection::Connection(Handle connection, int nScreen, const xcb_setup_t& setup,
       m_nScreen(nScreen),
       m_screen(screen),
       m_bOurPixels(SeesOurPixels(setup, screen)),
-      m_bGuest(IsOffered(Get(), "XWAYLAND")),
+      m_bGuest(IsGuestServer(Get(), screen.root)),
       m_idBase(setup.resource_id_base),
       m_idMask(setup.resource_id_mask)
 {
