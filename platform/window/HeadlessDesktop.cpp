@@ -71,7 +71,7 @@ private:
     pixman_image_t* m_image;
 };
 
-void Lay(Window& window, const RECT& area, pixman_image_t* seen)
+void Lay(Window& window, const RECT& area, pixman_image_t* seen) KX_NO_LOCK_ANALYSIS // see Compose
 {
     const RECT rect = window.Rect();
     const RECT part = gdi::Cut(area, rect);

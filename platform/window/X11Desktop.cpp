@@ -2,7 +2,7 @@
 
 #include "platform/Immortal.h"
 #include "platform/gdi/Rect.h"
-#include "platform/gdi/Screen.h"
+#include "platform/screen/Screen.h"
 #include "platform/sync/AlternateStack.h"
 #include "platform/window/Chores.h"
 #include "platform/window/Window.h"
@@ -215,7 +215,7 @@ void X11Desktop::Shape(HWND hWnd, const gdi::PixelRegion* region)
 void X11Desktop::SetOpacity(HWND hWnd, BYTE opacity)
 {
     const auto window = WindowTable::Instance().Find(hWnd);
-    const std::lock_guard lock(gdi::Screen::Instance().lock);
+    const sync::MutexLock lock(gdi::pixelLock);
     const Access server(Session());
     if (!server || !window) return;
     if (server->connection->HasCompositor()) {

@@ -164,8 +164,8 @@ void Events::OnView()
 {
     if (!m_session->connection->LearnView()) return;
     {
-        const std::lock_guard lock(gdi::Screen::Instance().lock);
-        gdi::Screen::Instance().Forget();
+        const sync::MutexLock lock(gdi::pixelLock);
+        screen::Screen::Instance().Forget();
     }
     const SIZE size = m_session->connection->GetView().monitor;
     for (const HWND hWnd : Access(m_session)->own.Handles()) {
