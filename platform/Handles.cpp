@@ -109,11 +109,11 @@ Table& TheTable() noexcept
     return table.Get();
 }
 
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+sync::Mutex& LockOfFork() noexcept
 {
     return TheTable().Lock();
 }
-> (sync::ForkOrder::Handles);
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Handles);
 
 struct Reserved
 {

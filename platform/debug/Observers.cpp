@@ -84,11 +84,11 @@ Registry& TheRegistry()
     return registry.Get();
 }
 
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+sync::Mutex& LockOfFork() noexcept
 {
     return TheRegistry().lock;
 }
-> (sync::ForkOrder::Debug);
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Debug);
 
 // The observers whose calls are running on this thread, innermost first.
 struct Call

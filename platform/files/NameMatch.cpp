@@ -3,6 +3,7 @@
 #include "platform/Immortal.h"
 #include "platform/files/Directory.h"
 #include "platform/files/LargeDirectory.h"
+#include "platform/sync/Fork.h"
 #include "platform/sync/Mutex.h"
 #include "platform/text/CharWalk.h"
 #include "platform/text/Conversion.h"
@@ -63,6 +64,8 @@ public:
         if (m_known.size() > kMaxDirectories) m_known.pop_back();
     }
 
+    sync::Mutex& Lock() noexcept KX_RETURN_LOCK(m_lock) { return m_lock; }
+
 private:
     sync::Mutex m_lock;
     std::list<std::unique_ptr<LargeDirectory>> m_known KX_GUARDED_BY(m_lock); // the last used first
@@ -73,6 +76,12 @@ LargeDirectories& TheLarge()
     static Immortal<LargeDirectories> large;
     return large.Get();
 }
+
+sync::Mutex& LockOfFork() noexcept
+{
+    return TheLarge().Lock();
+}
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Names);
 
 bool EqualsFolded(std::string_view entry, std::string_view folded)
 {

@@ -5,6 +5,7 @@
 #include "platform/files/Path.h"
 #include "platform/module/OpenModule.h"
 #include "platform/module/RegularFile.h"
+#include "platform/sync/Fork.h"
 #include "platform/sync/Mutex.h"
 #include "platform/text/CharWalk.h"
 
@@ -34,6 +35,12 @@ Override& TheOverride()
     static kx::Immortal<Override> instance;
     return instance.Get();
 }
+
+kx::sync::Mutex& LockOfFork() noexcept
+{
+    return TheOverride().lock;
+}
+[[maybe_unused]] const bool g_atFork = kx::sync::LockAtFork<LockOfFork>(kx::sync::ForkOrder::Executable);
 
 bool IsThisExecutable(const std::string& path)
 {

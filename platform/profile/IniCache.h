@@ -90,7 +90,7 @@ public:
     // isn't kept.
     void Put(std::string_view name, CachedIniPtr file);
 
-    std::shared_mutex& Lock() const noexcept { return m_lock; }
+    sync::Mutex& Lock() noexcept KX_RETURN_LOCK(m_lock) { return m_lock; }
 
 private:
     struct Entry

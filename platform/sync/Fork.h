@@ -3,7 +3,6 @@
 #include "platform/sync/Mutex.h"
 
 #include <cstdint>
-#include <memory>
 
 // What the library does around a fork. Its locks that a child needs are taken before it, in their order, and
 // are free behind it on both sides: so what they guard is whole in the child, which has the forking thread
@@ -40,26 +39,16 @@ struct ForkStep
 // there is no room for another.
 bool AtFork(const ForkStep& step) noexcept;
 
-// A step for a lock, which a function finds.
-template <auto pfnLock>
-struct ForkedLock
-{
-    static void Take() noexcept KX_NO_LOCK_ANALYSIS { pfnLock().lock(); }
-    // Where a lock knows its owner by the thread's number, the child, whose thread has another, has a new
-    // one.
-    static void Give([[maybe_unused]] bool bChild) noexcept KX_NO_LOCK_ANALYSIS
-    {
-        auto& lock = pfnLock();
-        if constexpr (requires { lock.lock_shared(); })
-            if (bChild) return (void)std::construct_at(&lock);
-        lock.unlock();
-    }
-};
-
+// A step for a lock, which a function gives.
 template <auto pfnLock>
 bool LockAtFork(ForkOrder order) noexcept
 {
-    return AtFork({order, ForkedLock<pfnLock>::Take, ForkedLock<pfnLock>::Give});
+    struct Step
+    {
+        static void Take() noexcept KX_NO_LOCK_ANALYSIS { pfnLock().lock(); }
+        static void Give(bool) noexcept KX_NO_LOCK_ANALYSIS { pfnLock().unlock(); }
+    };
+    return AtFork({order, Step::Take, Step::Give});
 }
 
 } // namespace kx::sync

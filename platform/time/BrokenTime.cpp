@@ -14,11 +14,11 @@ namespace {
 
 // The C library has a lock of its own in localtime_r, which a fork's child may find taken for ever.
 constinit sync::Mutex g_lock;
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork < []() -> auto&
+sync::Mutex& LockOfFork() noexcept
 {
     return g_lock;
 }
-> (sync::ForkOrder::Zone);
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Zone);
 
 locale_t PlainLocale()
 {
