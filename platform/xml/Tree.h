@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/LiveHandles.h"
+#include "platform/Handles.h"
 #include "platform/xml/Libxml.h"
 
 #include <libxml/xpath.h>
