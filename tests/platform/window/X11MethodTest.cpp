@@ -11,7 +11,6 @@
 namespace {
 
 using namespace test;
-using testing::HasSubstr;
 
 class X11MethodTest : public X11Test
 {
@@ -65,25 +64,6 @@ protected:
         }
     }
 
-    RECT Candidates() { return outside->PlaceOf(outside->Find("Fcitx5 Input Window")); }
-    // What the window of candidates shows: its place and some of its pixels.
-    std::string Shown()
-    {
-        const RECT rect = Candidates();
-        std::string shown = std::to_string(rect.left) + "," + std::to_string(rect.right) + ":";
-        for (int x = rect.left; x < rect.right; x += 2)
-            shown += std::to_string(outside->Pixel(x, rect.top + 16));
-        return shown;
-    }
-    // One key after the other, as a person who looks: faster ones may lie in the method until the next event.
-    void TypeSeen(const std::string& keys)
-    {
-        for (const char ch : keys) {
-            const std::string before = Shown();
-            Type({ch});
-            EXPECT_TRUE(Await([&] { return Shown() != before; })) << ch;
-        }
-    }
     // Types "n" until the method takes it: until it has the window, letters are letters.
     void AwaitMethod(ColorWindow& window)
     {
@@ -102,29 +82,6 @@ protected:
     std::optional<Program> m_bus;
     std::optional<Program> m_method;
 };
-
-TEST_F(X11MethodTest, PinyinBecomesCharacters)
-{
-    ColorWindow window(kRed, {50, 60, 250, 160}, WS_POPUP, "window");
-    ShowSeen(window, kRed, 100, 100);
-    ASSERT_TRUE(Pump([&] { return GetFocus() == window.handle; }));
-    EXPECT_TRUE(SetCaretPos(20, 30));
-    AwaitMethod(window);
-    ASSERT_TRUE(Await([&] { return Candidates().right - Candidates().left > 1; }));
-    window.heard.clear();
-    TypeSeen("ihao");
-    EXPECT_EQ(Candidates().left, 70) << "where the caret is";
-    EXPECT_TRUE(Candidates().top >= 90 && Candidates().top < 130) << Candidates().top;
-    Type(" ");
-    EXPECT_TRUE(Pump([&] { return window.heard.find("char 195") != std::string::npos; })) << window.heard;
-    EXPECT_THAT(window.heard, HasSubstr("char 196 1,0;char 227 1,0;char 186 1,0;char 195 1,0;"));
-    EXPECT_THAT(window.heard, testing::Not(HasSubstr("char 110")));
-    // What it has no use for comes back.
-    window.heard.clear();
-    outside->Key(outside->KeyOf(0xFF51), true);
-    outside->Key(outside->KeyOf(0xFF51), false);
-    EXPECT_TRUE(Pump([&] { return window.heard.find("key 37") != std::string::npos; })) << window.heard;
-}
 
 TEST_F(X11MethodTest, AMethodMayGoAndComeBack)
 {
