@@ -45,7 +45,7 @@ int main()
     server.stop();
 
     CKXHttpDownloadMgr& downloads = CKXHttpDownloadMgr::Instance();
-    downloads.AddTask(strHost + "/lesson", "", nullptr); // nobody listens there any more
+    downloads.AddTask("http://127.0.0.1:1/lesson", "", nullptr); // nobody listens there
     while (downloads.IsRunning()) // a client asks when it next has something to download
         Sleep(10);
     std::printf("no more downloads: %s\n", downloads.GetLastFailure().GetString());

@@ -9,10 +9,11 @@ namespace {
 
 constexpr std::size_t kFileHeader = 14;
 
-bool HasTwice(std::vector<DWORD> colors)
+bool HasTwice(BmpColors colors, std::size_t nCount)
 {
-    std::sort(colors.begin(), colors.end());
-    return std::adjacent_find(colors.begin(), colors.end()) != colors.end();
+    const auto end = colors.begin() + static_cast<std::ptrdiff_t>(nCount);
+    std::sort(colors.begin(), end);
+    return std::adjacent_find(colors.begin(), end) != end;
 }
 
 // Takes the indices out of the high bytes of pixels.
@@ -32,8 +33,7 @@ std::shared_ptr<Bitmap> Decode(const BmpHeader& header, FileBytes dib, std::size
 {
     Palette palette{ReadPalette(header, dib, nPixelsAt), {}};
     BmpColors colors = ToColors(palette.colors);
-    const auto nColors = static_cast<std::ptrdiff_t>(palette.colors.size());
-    const bool bMarked = HasTwice({colors.begin(), colors.begin() + nColors});
+    const bool bMarked = HasTwice(colors, palette.colors.size());
     for (DWORD i = 0; bMarked && i < colors.size(); ++i)
         colors[i] |= i << 24;
     const FileBytes bytes = From(dib, nPixelsAt);

@@ -191,7 +191,7 @@ TEST_F(Draw, SetsAndTakesAwayTheMatrix)
     EXPECT_EQ(set(1, nullptr), InvalidParameter);
     EXPECT_EQ(set(1, &bad), InvalidParameter);
     EXPECT_EQ(set(0, nullptr, 1), NotImplemented);
-    EXPECT_EQ(set(0, nullptr, 0, 2), NotImplemented);
+    EXPECT_EQ(set(0, nullptr, 0, 1), NotImplemented);
     EXPECT_EQ(set(0, nullptr, 0, 0, &red), NotImplemented);
     EXPECT_EQ(draw(), 0xFF800000);
     EXPECT_EQ(set(0, nullptr), Ok);
