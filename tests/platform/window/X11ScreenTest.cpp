@@ -36,6 +36,9 @@ protected:
 
 TEST_F(X11ScreenTest, TheDesktopIsThePrimaryMonitor)
 {
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "the X library's request for a monitor ends in an assertion of its own there";
+#endif
     outside->Cover(0, 0, 240, 480, kGreen);
     outside->AddMonitor("left", 0, 0, 240, 480, false);
     outside->AddMonitor("main", 240, 0, 400, 300, true);
