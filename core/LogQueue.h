@@ -31,7 +31,7 @@ public:
     // How much has been taken since HandOver.
     std::uint64_t ReadBytes() const noexcept { return m_nReadBytes; }
 
-    // Which part of what was taken since HandOver lies within that length of the file: how many lines as a
+    // The part of the taken lines that lies within that length of the file: how many lines as a
     // whole, and whether the file ends within a line.
     struct Written
     {

@@ -23,7 +23,7 @@ struct Block
     std::uint64_t used;     // bytes of lines that it holds
 };
 
-// Where the first line begins that isn't known to have reached the file, and where it goes in there.
+// The start of the first line that isn't known to have reached the file, and its place in the file.
 struct Position
 {
     std::uint64_t block;

@@ -66,7 +66,7 @@ bool CopyContent(const CString& strSrc, const CString& strDst, KXCopyDirProc pfn
     do {
         const CString strFrom = strSrc + data.cFileName;
         const CString strTo = strDst + data.cFileName;
-        // Of names that differ in case alone, which come one after the other, a later one would be copied
+        // Names that differ in case alone come one after the other; a later one would be copied
         // over the first, since paths are found ignoring case.
         const bool bFirst = lstrcmpiA(strLast, data.cFileName) != 0;
         strLast = data.cFileName;

@@ -29,7 +29,7 @@ void TestText(const std::string& text)
     fuzz::Expect(again.GetDocumentElement().GetText() == doc.GetDocumentElement().GetText());
 }
 
-// What canonical XML has no form for.
+// Canonical XML has no form for references.
 void MarkReferences(xmlNode* top)
 {
     for (xmlNode* node = top; node;) {

@@ -4,7 +4,7 @@
 
 #include <functional>
 
-// What a check of an author's files finds.
+// A finding of a check of an author's files.
 namespace kx {
 
 enum class Severity

@@ -35,7 +35,7 @@ namespace {
 // In the process's code page a byte from here on begins a character of two.
 constexpr unsigned char kFirstOfTwo = 0x81;
 
-// Where the last character ends, which may be behind the text, and where it begins.
+// Gives the end of the last character, which may lie behind the text, and its beginning.
 int CharacterEnd(const CString& str, int* pBegin = nullptr)
 {
     int nEnd = 0;

@@ -5,7 +5,7 @@
 
 #include <atomic>
 
-// Where the note points: the record's address.
+// The note points here, at the record's address.
 extern "C" {
 [[gnu::used, gnu::visibility("hidden")]] constinit std::atomic<const void*> kx_log_record{nullptr};
 }

@@ -17,8 +17,8 @@ namespace kx::crash {
 
 namespace {
 
-// What is taken from it stays in the handle table's reserve, so that closing a handle in the filter frees
-// nothing.
+// A process that is taken from it stays in the handle table's reserve, so that closing a handle in the filter
+// frees nothing.
 struct Reserve
 {
     std::array<std::shared_ptr<Process>, kReservedHandles> processes;

@@ -37,7 +37,8 @@ protected:
 TEST_F(X11ScreenTest, TheDesktopIsThePrimaryMonitor)
 {
 #if defined(__SANITIZE_ADDRESS__)
-    GTEST_SKIP() << "the X library's request for a monitor ends in an assertion of its own there";
+    GTEST_SKIP()
+        << "setting a monitor ends in an assertion of the X library there, for a reason not found yet";
 #endif
     outside->Cover(0, 0, 240, 480, kGreen);
     outside->AddMonitor("left", 0, 0, 240, 480, false);
