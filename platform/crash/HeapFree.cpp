@@ -61,6 +61,6 @@ int KXCrash::MakeDirectory(const char* pszPath) noexcept
 bool KXCrash::GetLocalTime(std::tm* pTime) noexcept
 {
     if (!pTime) return false;
-    const std::int64_t now = kx::clock::WallSeconds();
-    return kx::crash::InFilter() ? kx::crash::ToLocalPrepared(now, *pTime) : kx::clock::ToLocal(now, *pTime);
+    const std::int64_t now = kx::time::WallSeconds();
+    return kx::crash::InFilter() ? kx::crash::ToLocalPrepared(now, *pTime) : kx::time::ToLocal(now, *pTime);
 }

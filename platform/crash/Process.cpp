@@ -64,23 +64,23 @@ bool Process::TryTake() noexcept
     return true;
 }
 
-bool Process::WaitUntil(clock::Moment deadline) noexcept
+bool Process::WaitUntil(time::Moment deadline) noexcept
 {
     using std::chrono::ceil;
     using std::chrono::milliseconds;
     m_lock.lock();
     const pid_t pid = m_pid;
     m_lock.unlock();
-    if (deadline == clock::kNever && pid != 0) {
+    if (deadline == time::kNever && pid != 0) {
         siginfo_t info{};
         RetryEintr([&] { return waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOWAIT); });
         return TryTake();
     }
     // A clock that the host moves doesn't wake who polls, who therefore looks at it again and again.
-    const milliseconds slice(clock::IsVirtual() ? 5 : 1000);
+    const milliseconds slice(time::IsVirtual() ? 5 : 1000);
     const UniqueFd fd(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
     while (!TryTake()) {
-        const auto left = ceil<milliseconds>(deadline - clock::Now());
+        const auto left = ceil<milliseconds>(deadline - time::Now());
         if (left.count() <= 0) return false;
         pollfd watch{fd.Get(), POLLIN, 0};
         poll(&watch, 1, static_cast<int>(std::min(left, fd ? slice : milliseconds(5)).count()));

@@ -22,7 +22,7 @@ public:
     DWORD ExitCode() noexcept;
 
     bool TryTake() noexcept override;
-    bool WaitUntil(clock::Moment deadline) noexcept override;
+    bool WaitUntil(time::Moment deadline) noexcept override;
 
 private:
     sync::Mutex m_lock;                    // so that one thread collects the code and all learn it

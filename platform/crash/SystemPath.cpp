@@ -59,7 +59,7 @@ bool TakeRoot(std::string_view& path, PathText& system, bool& bAbsolute) noexcep
     bAbsolute = !path.empty() && IsSeparator(path[0]);
     if (!bAbsolute) return drive == '\0';
     std::array<char, PATH_MAX> root;
-    const auto length = drives::PeekRoot(drive ? drive : 'C', root);
+    const auto length = files::PeekRoot(drive ? drive : 'C', root);
     return length && (system << std::string_view(root.data(), *length)).Fits();
 }
 
@@ -104,7 +104,7 @@ void PreparePaths() noexcept
     if (g_fromGbk == kNone) g_fromGbk = iconv_open("UTF-8", "GB18030");
     std::array<char, PATH_MAX> root;
     for (char letter = 'A'; letter <= 'Z'; ++letter)
-        drives::PeekRoot(letter, root); // builds what is built at the first look, whoever has the drive
+        files::PeekRoot(letter, root); // builds what is built at the first look, whoever has the drive
 }
 
 bool ToSystem(const char* pszPath, PathText& system) noexcept
@@ -112,7 +112,7 @@ bool ToSystem(const char* pszPath, PathText& system) noexcept
     system.Clear();
     if (InFilter()) return ResolveBroken(pszPath, system) || Fail(ERROR_PATH_NOT_FOUND);
     try {
-        const auto path = path::ToSystem(pszPath);
+        const auto path = files::ToSystem(pszPath);
         return path && ((system << *path).Fits() || Fail(ERROR_FILENAME_EXCED_RANGE));
     } catch (const std::bad_alloc&) {
         return Fail(ERROR_NOT_ENOUGH_MEMORY);

@@ -31,7 +31,7 @@ constinit std::atomic<std::size_t> g_count{0};
 long OffsetAt(std::int64_t nTime) noexcept
 {
     std::tm fields{};
-    return clock::ToLocal(nTime, fields) ? fields.tm_gmtoff : 0;
+    return time::ToLocal(nTime, fields) ? fields.tm_gmtoff : 0;
 }
 
 // The first second behind `before` with another offset than that had; `after` has another.

@@ -8,7 +8,7 @@
 #include <array>
 #include <unistd.h>
 
-namespace kx::drives {
+namespace kx::files {
 
 namespace {
 
@@ -75,4 +75,4 @@ std::string DeviceName(const Mount& mount, const std::string& systemRoot)
     return BaseName(mount.source);
 }
 
-} // namespace kx::drives
+} // namespace kx::files

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace kx::drives {
+namespace kx::files {
 
 // A device with removable media: a whole one or a partition.
 struct BlockDevice
@@ -23,4 +23,4 @@ std::vector<BlockDevice> ReadRemovableDevices(const std::string& systemRoot);
 // The name of the device that a mount comes from.
 std::string DeviceName(const Mount& mount, const std::string& systemRoot);
 
-} // namespace kx::drives
+} // namespace kx::files

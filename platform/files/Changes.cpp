@@ -13,7 +13,7 @@ namespace {
 
 struct Entry
 {
-    kx::path::Resolved path;
+    kx::files::Resolved path;
     DWORD dwAttributes = 0;
 
     bool Has(DWORD dwAttribute) const { return (dwAttributes & dwAttribute) != 0; }
@@ -22,11 +22,11 @@ struct Entry
 // An existing entry; nothing, with the last error set, where there is none.
 std::optional<Entry> FindEntry(const char* pszPath)
 {
-    auto path = kx::path::Resolve(pszPath);
+    auto path = kx::files::Resolve(pszPath);
     if (!path) return std::nullopt;
-    const auto attributes = kx::path::ReadAttributes(path->system);
+    const auto attributes = kx::files::ReadAttributes(path->system);
     if (!attributes) {
-        kx::path::FailAt(path->system);
+        kx::files::FailAt(path->system);
         return std::nullopt;
     }
     return Entry{std::move(*path), *attributes};
@@ -36,11 +36,11 @@ std::optional<Entry> FindEntry(const char* pszPath)
 
 DWORD GetFileAttributesA(const char* pszPath)
 try {
-    const auto path = kx::path::Resolve(pszPath);
+    const auto path = kx::files::Resolve(pszPath);
     if (!path) return INVALID_FILE_ATTRIBUTES;
-    const auto attributes = kx::path::ReadAttributes(path->system);
+    const auto attributes = kx::files::ReadAttributes(path->system);
     if (!attributes) {
-        kx::path::FailAt(path->system);
+        kx::files::FailAt(path->system);
         return INVALID_FILE_ATTRIBUTES;
     }
     if (path->trailing && !(*attributes & FILE_ATTRIBUTE_DIRECTORY)) {
@@ -66,16 +66,16 @@ try {
     if (entry->Has(FILE_ATTRIBUTE_DIRECTORY) || entry->Has(FILE_ATTRIBUTE_READONLY))
         return kx::Fail(ERROR_ACCESS_DENIED);
     if (entry->path.trailing) return kx::Fail(ERROR_DIRECTORY);
-    return unlink(entry->path.system.c_str()) == 0 || kx::path::FailAt(entry->path.system);
+    return unlink(entry->path.system.c_str()) == 0 || kx::files::FailAt(entry->path.system);
 } catch (const std::bad_alloc&) {
     return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }
 
 int CreateDirectoryA(const char* pszPath, void*)
 try {
-    const auto path = kx::path::Resolve(pszPath);
+    const auto path = kx::files::Resolve(pszPath);
     if (!path) return 0;
-    return mkdir(path->system.c_str(), 0777) == 0 || kx::path::FailAt(path->system);
+    return mkdir(path->system.c_str(), 0777) == 0 || kx::files::FailAt(path->system);
 } catch (const std::bad_alloc&) {
     return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }
@@ -90,7 +90,7 @@ try {
     const bool bGone =
         entry->Has(FILE_ATTRIBUTE_REPARSE_POINT) ? unlink(pszSystem) == 0 : rmdir(pszSystem) == 0;
     if (bGone) return 1;
-    return errno == EEXIST ? kx::Fail(ERROR_DIR_NOT_EMPTY) : kx::path::FailAt(entry->path.system);
+    return errno == EEXIST ? kx::Fail(ERROR_DIR_NOT_EMPTY) : kx::files::FailAt(entry->path.system);
 } catch (const std::bad_alloc&) {
     return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }

@@ -33,7 +33,7 @@ bool CopyRange(int source, int target, off_t begin, off_t end)
         const auto want = std::min(block.size(), static_cast<std::size_t>(end - at));
         const ssize_t got = kx::RetryEintr([&] { return pread(source, block.data(), want, at); });
         if (got <= 0) return got == 0;
-        errno = kx::WriteAll(target, block.data(), static_cast<std::size_t>(got));
+        errno = kx::files::WriteAll(target, block.data(), static_cast<std::size_t>(got));
         if (errno != 0) return false;
         at += got;
     }
@@ -69,8 +69,8 @@ bool CopyInto(int source, int target, const struct stat& info)
 // Whether a target may be replaced, where it exists at all: not for another's writer that doesn't share it.
 int CheckTarget(const std::string& target, const struct stat& source)
 {
-    const auto attributes = kx::path::ReadAttributes(target);
-    if (!attributes) return errno == ENOENT || kx::path::FailAt(target);
+    const auto attributes = kx::files::ReadAttributes(target);
+    if (!attributes) return errno == ENOENT || kx::files::FailAt(target);
     if (*attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_SYSTEM))
         return kx::Fail(ERROR_ACCESS_DENIED);
     struct stat info;
@@ -78,17 +78,17 @@ int CheckTarget(const std::string& target, const struct stat& source)
     if (info.st_dev == source.st_dev && info.st_ino == source.st_ino)
         return kx::Fail(ERROR_SHARING_VIOLATION);
     const unsigned access = CFile::modeWrite | CFile::shareDenyWrite;
-    return kx::OpenFile(target, access) || kx::path::FailAt(target);
+    return kx::files::OpenFile(target, access) || kx::files::FailAt(target);
 }
 
 int CopyRegular(const std::string& source, const std::string& target, bool bFailIfExists)
 {
     struct stat info;
-    const kx::UniqueFd from = kx::OpenRegularFile(source, info);
-    if (!from) return kx::path::FailAt(source);
+    const kx::UniqueFd from = kx::files::OpenRegularFile(source, info);
+    if (!from) return kx::files::FailAt(source);
     if (!bFailIfExists && !CheckTarget(target, info)) return 0;
 
-    using kx::FileReplacement;
+    using kx::files::FileReplacement;
     FileReplacement copy(bFailIfExists ? FileReplacement::Existing::Refused
                                        : FileReplacement::Existing::Replaced);
     struct stat old;
@@ -114,18 +114,18 @@ int CopyLink(const std::string& source, const std::string& target, bool bFailIfE
         unlink(target.c_str());
     }
     if (symlink(text.c_str(), target.c_str()) == 0) return 1;
-    return errno == EEXIST ? kx::Fail(ERROR_FILE_EXISTS) : kx::path::FailAt(target);
+    return errno == EEXIST ? kx::Fail(ERROR_FILE_EXISTS) : kx::files::FailAt(target);
 }
 
 } // namespace
 
 int CopyFileA(const char* pszSource, const char* pszTarget, int bFailIfExists)
 try {
-    const auto source = kx::path::Resolve(pszSource);
-    const auto target = source ? kx::path::Resolve(pszTarget) : std::nullopt;
+    const auto source = kx::files::Resolve(pszSource);
+    const auto target = source ? kx::files::Resolve(pszTarget) : std::nullopt;
     if (!target) return 0;
-    const auto attributes = kx::path::ReadAttributes(source->system);
-    if (!attributes) return kx::path::FailAt(source->system);
+    const auto attributes = kx::files::ReadAttributes(source->system);
+    if (!attributes) return kx::files::FailAt(source->system);
     if (source->trailing || target->trailing) return kx::Fail(ERROR_DIRECTORY);
     const DWORD kind =
         *attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_REPARSE_POINT);

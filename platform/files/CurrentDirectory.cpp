@@ -17,7 +17,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace kx::path {
+namespace kx::files {
 
 namespace {
 
@@ -72,7 +72,7 @@ bool ChangeDirectory(const std::string& systemPath)
     return true;
 }
 
-} // namespace kx::path
+} // namespace kx::files
 
 namespace {
 
@@ -89,15 +89,15 @@ UINT Deliver(std::string_view text, char* pszBuffer, UINT nSize)
 
 int SetCurrentDirectoryA(const char* pszPath)
 try {
-    const auto path = kx::path::ToSystem(pszPath);
-    return path && (kx::path::ChangeDirectory(*path) || kx::path::FailAt(*path));
+    const auto path = kx::files::ToSystem(pszPath);
+    return path && (kx::files::ChangeDirectory(*path) || kx::files::FailAt(*path));
 } catch (const std::bad_alloc&) {
     return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }
 
 DWORD GetCurrentDirectoryA(DWORD nSize, char* pszBuffer)
 try {
-    const auto path = kx::path::FromSystem(kx::path::CurrentDirectory());
+    const auto path = kx::files::FromSystem(kx::files::CurrentDirectory());
     if (!path) return static_cast<DWORD>(kx::Fail(ERROR_PATH_NOT_FOUND));
     return Deliver(*path, pszBuffer, nSize);
 } catch (const std::bad_alloc&) {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <sys/stat.h>
 
-namespace kx {
+namespace kx::files {
 
 // Reads a directory's entries, `.` and `..` left out. A directory that can't be opened has none.
 class Directory
@@ -52,4 +52,4 @@ private:
     std::unique_ptr<DIR, Closer> m_dir;
 };
 
-} // namespace kx
+} // namespace kx::files

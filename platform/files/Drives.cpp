@@ -10,18 +10,18 @@
 #include <atomic>
 #include <filesystem>
 
-namespace kx::drives {
+namespace kx::files {
 
 namespace {
 
 std::atomic<unsigned> g_generation{0};
 
-// 0 for `A` to 25 for `Z`; kLetters for no letter.
-std::size_t IndexOf(char letter)
+// 0 for `A` to 25 for `Z`; kDriveLetters for no letter.
+std::size_t LetterIndex(char letter)
 {
     if (letter >= 'a' && letter <= 'z') return static_cast<std::size_t>(letter - 'a');
     if (letter >= 'A' && letter <= 'Z') return static_cast<std::size_t>(letter - 'A');
-    return kLetters;
+    return kDriveLetters;
 }
 
 class HostDrives
@@ -30,7 +30,7 @@ public:
     std::optional<Drive> Find(std::size_t index)
     {
         const sync::MutexLock lock(m_lock);
-        if (m_drives[index] || index != IndexOf('C')) return m_drives[index];
+        if (m_drives[index] || index != LetterIndex('C')) return m_drives[index];
         Drive system;
         system.root = "";
         return system;
@@ -43,7 +43,7 @@ public:
         const auto copied = bHost ? CopyRoot(*m_drives[index], buffer) : std::nullopt;
         m_lock.unlock();
         if (bHost) return copied;
-        if (index == IndexOf('C')) return 0;
+        if (index == LetterIndex('C')) return 0;
         return PeekSystemRoot(index, buffer);
     }
 
@@ -51,7 +51,7 @@ public:
     {
         const sync::MutexLock lock(m_lock);
         Letters taken;
-        for (std::size_t i = 0; i < kLetters; ++i)
+        for (std::size_t i = 0; i < kDriveLetters; ++i)
             taken[i] = m_drives[i].has_value();
         return taken;
     }
@@ -67,7 +67,7 @@ public:
 
 private:
     sync::Mutex m_lock;
-    std::array<std::optional<Drive>, kLetters> m_drives KX_GUARDED_BY(m_lock);
+    std::array<std::optional<Drive>, kDriveLetters> m_drives KX_GUARDED_BY(m_lock);
 };
 
 HostDrives& TheHost()
@@ -84,18 +84,18 @@ sync::Mutex& LockOfFork() noexcept
 
 } // namespace
 
-std::optional<Drive> Find(char letter, bool bLook)
+std::optional<Drive> FindDrive(char letter, bool bLook)
 {
-    const std::size_t index = IndexOf(letter);
-    if (index == kLetters) return std::nullopt;
+    const std::size_t index = LetterIndex(letter);
+    if (index == kDriveLetters) return std::nullopt;
     if (auto drive = TheHost().Find(index)) return drive;
     return FindSystemDrive(index, TheHost().Taken(), bLook ? Look::Again : Look::AtMounts);
 }
 
 std::optional<std::size_t> PeekRoot(char letter, std::span<char> buffer) noexcept
 {
-    const std::size_t index = IndexOf(letter);
-    if (index == kLetters) return std::nullopt;
+    const std::size_t index = LetterIndex(letter);
+    if (index == kDriveLetters) return std::nullopt;
     return TheHost().Peek(index, buffer);
 }
 
@@ -105,7 +105,7 @@ std::optional<std::size_t> CopyRoot(const Drive& drive, std::span<char> buffer) 
     return drive.root->copy(buffer.data(), buffer.size());
 }
 
-std::optional<Drive> Holding(std::string_view systemPath)
+std::optional<Drive> DriveHolding(std::string_view systemPath)
 {
     std::optional<Drive> best;
     const auto consider = [&](std::optional<Drive> drive) {
@@ -113,25 +113,26 @@ std::optional<Drive> Holding(std::string_view systemPath)
         if (!best || best->root->size() < drive->root->size()) best = std::move(drive);
     };
     const Letters taken = TheHost().Taken();
-    for (std::size_t i = 0; i < kLetters; ++i)
-        consider(TheHost().Find((i + IndexOf('C')) % kLetters));
+    for (std::size_t i = 0; i < kDriveLetters; ++i)
+        consider(TheHost().Find((i + LetterIndex('C')) % kDriveLetters));
     for (Drive& drive : AllSystemDrives(taken))
-        if (!taken[IndexOf(drive.letter)]) consider(std::move(drive));
+        if (!taken[LetterIndex(drive.letter)]) consider(std::move(drive));
     return best;
 }
 
-unsigned Generation() noexcept
+unsigned DriveGeneration() noexcept
 {
     return g_generation.load(std::memory_order_acquire) + SystemGeneration();
 }
 
-} // namespace kx::drives
+} // namespace kx::files
 
 bool KXHost::MountDrive(char cLetter, const Drive& drive)
 {
-    const std::size_t index = kx::drives::IndexOf(cLetter);
-    if (index == kx::drives::kLetters || (!drive.strRoot.empty() && drive.strRoot[0] != '/')) return false;
-    kx::drives::Drive mounted;
+    const std::size_t index = kx::files::LetterIndex(cLetter);
+    if (index == kx::files::kDriveLetters || (!drive.strRoot.empty() && drive.strRoot[0] != '/'))
+        return false;
+    kx::files::Drive mounted;
     mounted.letter = static_cast<char>('A' + index);
     mounted.type = drive.nType;
     mounted.bHost = true;
@@ -143,12 +144,12 @@ bool KXHost::MountDrive(char cLetter, const Drive& drive)
         while (mounted.root->ends_with('/'))
             mounted.root->pop_back();
     }
-    kx::drives::TheHost().Set(index, std::move(mounted));
+    kx::files::TheHost().Set(index, std::move(mounted));
     return true;
 }
 
 void KXHost::UnmountDrive(char cLetter)
 {
-    const std::size_t index = kx::drives::IndexOf(cLetter);
-    if (index != kx::drives::kLetters) kx::drives::TheHost().Set(index, std::nullopt);
+    const std::size_t index = kx::files::LetterIndex(cLetter);
+    if (index != kx::files::kDriveLetters) kx::files::TheHost().Set(index, std::nullopt);
 }

@@ -11,7 +11,7 @@
 // Which directory each drive letter stands for: the host's drives, else `C:` at `/`, else the system's
 // removable and optical drives. Any thread.
 
-namespace kx::drives {
+namespace kx::files {
 
 struct Drive
 {
@@ -28,10 +28,10 @@ struct Drive
 
 // The drive of a letter in either case; nothing where there is none. `bLook` also finds drives that were
 // plugged in since, which takes longer; what was mounted is found in any case.
-std::optional<Drive> Find(char letter, bool bLook = false);
+std::optional<Drive> FindDrive(char letter, bool bLook = false);
 
 // The drive whose root holds an absolute Linux path: the longest root, then the lowest letter from `C` on.
-std::optional<Drive> Holding(std::string_view systemPath);
+std::optional<Drive> DriveHolding(std::string_view systemPath);
 
 // A drive's root without heap and without waiting for long, for a process that has crashed: the length of
 // what is written to the buffer; nothing where there is none, where it doesn't fit, and where a lock stays
@@ -40,6 +40,6 @@ std::optional<std::size_t> PeekRoot(char letter, std::span<char> buffer) noexcep
 std::optional<std::size_t> CopyRoot(const Drive& drive, std::span<char> buffer) noexcept;
 
 // Changes whenever a letter's drive or root does.
-unsigned Generation() noexcept;
+unsigned DriveGeneration() noexcept;
 
-} // namespace kx::drives
+} // namespace kx::files

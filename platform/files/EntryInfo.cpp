@@ -6,7 +6,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-namespace kx::path {
+namespace kx::files {
 
 namespace {
 
@@ -72,4 +72,4 @@ int FailAt(const std::string& systemPath)
     return Fail(bDirectory ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND);
 }
 
-} // namespace kx::path
+} // namespace kx::files

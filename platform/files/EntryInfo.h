@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-namespace kx::path {
+namespace kx::files {
 
 // What the layer tells of a directory entry: WIN32_FIND_DATAA without the names.
 struct EntryInfo
@@ -27,4 +27,4 @@ std::optional<DWORD> ReadAttributes(const std::string& systemPath);
 // missing file, and gives 0.
 int FailAt(const std::string& systemPath);
 
-} // namespace kx::path
+} // namespace kx::files

@@ -100,7 +100,7 @@ try {
     AfxThrowMemoryException();
 }
 
-int kx::CauseFromErrno(int nErrno) noexcept
+int kx::files::CauseFromErrno(int nErrno) noexcept
 {
     switch (nErrno) {
     case 0:
@@ -139,7 +139,7 @@ int kx::CauseFromErrno(int nErrno) noexcept
     }
 }
 
-CFileException kx::PathFailure(DWORD dwError, const char* pszPath)
+CFileException kx::files::PathFailure(DWORD dwError, const char* pszPath)
 {
     const int nErrno = dwError == ERROR_FILENAME_EXCED_RANGE ? ENAMETOOLONG
                        : dwError == ERROR_INVALID_NAME       ? EILSEQ

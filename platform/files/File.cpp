@@ -20,16 +20,16 @@ namespace {
 // Opens a path, or tells why not.
 kx::UniqueFd OpenPath(const char* pszFileName, unsigned nOpenFlags, CFileException& failure)
 {
-    const auto path = kx::path::Resolve(pszFileName);
+    const auto path = kx::files::Resolve(pszFileName);
     if (!path) {
-        failure = kx::PathFailure(GetLastError(), pszFileName);
+        failure = kx::files::PathFailure(GetLastError(), pszFileName);
         return kx::UniqueFd();
     }
     errno = ENOTDIR;
-    kx::UniqueFd fd = path->trailing ? kx::UniqueFd() : kx::OpenFile(path->system, nOpenFlags);
+    kx::UniqueFd fd = path->trailing ? kx::UniqueFd() : kx::files::OpenFile(path->system, nOpenFlags);
     if (fd) return fd;
-    failure = CFileException(kx::CauseFromErrno(errno), errno, pszFileName);
-    if (kx::path::FailAt(path->system); GetLastError() == ERROR_PATH_NOT_FOUND)
+    failure = CFileException(kx::files::CauseFromErrno(errno), errno, pszFileName);
+    if (kx::files::FailAt(path->system); GetLastError() == ERROR_PATH_NOT_FOUND)
         failure.m_cause = CFileException::badPath;
     return fd;
 }
@@ -76,7 +76,7 @@ void CFile::Close()
     if (m_fd < 0) return;
     const CString strFileName = std::exchange(m_strFileName, CString());
     if (CloseSystemFile() != 0 && errno != EINTR)
-        AfxThrowFileException(kx::CauseFromErrno(errno), errno, strFileName);
+        AfxThrowFileException(kx::files::CauseFromErrno(errno), errno, strFileName);
 }
 
 void CFile::Abort() noexcept
@@ -94,7 +94,7 @@ std::size_t CFile::Read(void* pBuf, std::size_t nCount)
 
 void CFile::Write(const void* pBuf, std::size_t nCount)
 {
-    if (const int error = kx::WriteAll(m_fd, pBuf, nCount)) Throw(error);
+    if (const int error = kx::files::WriteAll(m_fd, pBuf, nCount)) Throw(error);
 }
 
 void CFile::Flush()
@@ -123,5 +123,5 @@ std::uint64_t CFile::GetLength() const
 
 void CFile::Throw(int nErrno) const
 {
-    AfxThrowFileException(kx::CauseFromErrno(nErrno), nErrno, m_strFileName);
+    AfxThrowFileException(kx::files::CauseFromErrno(nErrno), nErrno, m_strFileName);
 }

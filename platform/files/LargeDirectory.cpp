@@ -11,7 +11,7 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
-namespace kx::path {
+namespace kx::files {
 
 namespace {
 
@@ -92,4 +92,4 @@ bool LargeDirectory::CatchUp(bool bRemovals)
     return m_names.size() <= kMaxNames;
 }
 
-} // namespace kx::path
+} // namespace kx::files

@@ -10,7 +10,7 @@
 #include <unordered_set>
 #include <utility>
 
-namespace kx::path {
+namespace kx::files {
 
 // A directory by what stays the same however it is spelled.
 using DirectoryId = std::pair<dev_t, ino_t>;
@@ -42,4 +42,4 @@ private:
     std::unordered_multiset<std::size_t> m_names;
 };
 
-} // namespace kx::path
+} // namespace kx::files

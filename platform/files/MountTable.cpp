@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <optional>
 
-namespace kx::drives {
+namespace kx::files {
 
 namespace {
 
@@ -99,4 +99,4 @@ const Mount* FindMount(const std::vector<Mount>& mounts, std::string_view path)
     return found;
 }
 
-} // namespace kx::drives
+} // namespace kx::files

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kx::drives {
+namespace kx::files {
 
 // A line of the system's mount table.
 struct Mount
@@ -30,4 +30,4 @@ const Mount* FindMount(const std::vector<Mount>& mounts, std::string_view path);
 // Whether a path is a directory or lies below it; neither has a trailing slash.
 bool IsBelow(std::string_view path, std::string_view directory) noexcept;
 
-} // namespace kx::drives
+} // namespace kx::files

@@ -16,7 +16,7 @@
 #include <string_view>
 #include <sys/stat.h>
 
-namespace kx::path {
+namespace kx::files {
 
 namespace {
 
@@ -131,4 +131,4 @@ bool MatchExisting(std::string& path, std::size_t fixed)
     return bReplaced;
 }
 
-} // namespace kx::path
+} // namespace kx::files

@@ -8,7 +8,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
-namespace kx {
+namespace kx::files {
 
 namespace {
 
@@ -73,4 +73,4 @@ UniqueFd OpenFile(const std::string& systemPath, unsigned nOpenFlags)
     return fd;
 }
 
-} // namespace kx
+} // namespace kx::files

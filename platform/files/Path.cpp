@@ -13,7 +13,7 @@
 #include <cstring>
 #include <new>
 
-namespace kx::path {
+namespace kx::files {
 
 namespace {
 
@@ -53,7 +53,7 @@ struct Start
     std::size_t root = 0;
 };
 
-std::optional<Start> AtRoot(const std::optional<drives::Drive>& drive)
+std::optional<Start> AtRoot(const std::optional<Drive>& drive)
 {
     if (!drive || !drive->root) {
         Fail(drive ? ERROR_NOT_READY : ERROR_PATH_NOT_FOUND);
@@ -66,12 +66,12 @@ std::optional<Start> AtRoot(const std::optional<drives::Drive>& drive)
 // root.
 std::optional<Start> FindStart(const Parts& parts)
 {
-    if (parts.drive && parts.rooted) return AtRoot(drives::Find(parts.drive));
+    if (parts.drive && parts.rooted) return AtRoot(FindDrive(parts.drive));
     std::string current = CurrentDirectory();
-    const auto drive = drives::Holding(current);
+    const auto drive = DriveHolding(current);
     const bool bOther = parts.drive && (!drive || (parts.drive & ~0x20) != drive->letter);
-    if (bOther) return AtRoot(drives::Find(parts.drive));
-    if (parts.rooted) return AtRoot(drive ? drive : drives::Find('C'));
+    if (bOther) return AtRoot(FindDrive(parts.drive));
+    if (parts.rooted) return AtRoot(drive ? drive : FindDrive('C'));
     if (current.empty()) {
         Fail(ERROR_PATH_NOT_FOUND);
         return std::nullopt;
@@ -180,7 +180,7 @@ std::optional<std::string> FromSystem(std::string_view systemPath)
     std::string path;
     Append(path, 0, systemPath);
     if (std::count(systemPath.begin(), systemPath.end(), '\\') > 0) return std::nullopt;
-    const auto drive = drives::Holding(path);
+    const auto drive = DriveHolding(path);
     if (!drive) return std::nullopt;
 
     path.replace(0, drive->root->size(), {drive->letter, ':'});
@@ -203,21 +203,21 @@ std::string DirectoryOf(const std::string& systemPath)
 
 unsigned Generation() noexcept
 {
-    return drives::Generation() * 2 + (GetACP() == CP_UTF8 ? 1 : 0);
+    return DriveGeneration() * 2 + (GetACP() == CP_UTF8 ? 1 : 0);
 }
 
-} // namespace kx::path
+} // namespace kx::files
 
 std::string KXHost::ToSystemPath(const char* pszPath)
 try {
-    return kx::path::ToSystem(pszPath).value_or("");
+    return kx::files::ToSystem(pszPath).value_or("");
 } catch (const std::bad_alloc&) {
     AfxThrowMemoryException();
 }
 
 CString KXHost::FromSystemPath(const std::string& strPath)
 try {
-    return CString(std::string_view(kx::path::FromSystem(strPath).value_or("")));
+    return CString(std::string_view(kx::files::FromSystem(strPath).value_or("")));
 } catch (const std::bad_alloc&) {
     AfxThrowMemoryException();
 }

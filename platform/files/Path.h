@@ -7,7 +7,7 @@
 
 // Where paths of this library and Linux paths meet. Any thread.
 
-namespace kx::path {
+namespace kx::files {
 
 // A resolved path. `exact` tells that the system path is what the text spells; otherwise a component of it
 // was found by ignoring case, and another look may find another entry.
@@ -63,4 +63,4 @@ std::string CurrentDirectory();
 // Changes it; `errno` on failure.
 bool ChangeDirectory(const std::string& systemPath);
 
-} // namespace kx::path
+} // namespace kx::files

@@ -19,7 +19,7 @@
 #include <utility>
 #include <vector>
 
-namespace kx::path {
+namespace kx::files {
 
 namespace {
 
@@ -173,17 +173,17 @@ bool Search::Next(WIN32_FIND_DATAA& data)
     return false;
 }
 
-} // namespace kx::path
+} // namespace kx::files
 
 HANDLE FindFirstFileA(const char* pszPattern, WIN32_FIND_DATAA* pData)
 try {
-    const auto pattern = kx::path::ResolvePattern(pszPattern);
+    const auto pattern = kx::files::ResolvePattern(pszPattern);
     if (!pattern) return INVALID_HANDLE_VALUE;
     if (!pData) {
         kx::Fail(ERROR_INVALID_PARAMETER);
         return INVALID_HANDLE_VALUE;
     }
-    const auto search = std::make_shared<kx::path::Search>(*pattern);
+    const auto search = std::make_shared<kx::files::Search>(*pattern);
     if (search->Error() == ERROR_SUCCESS && search->Next(*pData)) {
         const HANDLE handle = kx::AddHandle(search);
         return handle ? handle : INVALID_HANDLE_VALUE;
@@ -192,7 +192,7 @@ try {
     if (search->Error() != ERROR_SUCCESS)
         kx::Fail(search->Error());
     else
-        kx::path::FailAt(pattern->directory + "/" + pattern->name);
+        kx::files::FailAt(pattern->directory + "/" + pattern->name);
     return INVALID_HANDLE_VALUE;
 } catch (const std::bad_alloc&) {
     kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
@@ -201,7 +201,7 @@ try {
 
 int FindNextFileA(HANDLE hFind, WIN32_FIND_DATAA* pData)
 try {
-    const auto search = kx::FindHandle<kx::path::Search>(hFind);
+    const auto search = kx::FindHandle<kx::files::Search>(hFind);
     if (!search) return kx::Fail(ERROR_INVALID_HANDLE);
     if (!pData) return kx::Fail(ERROR_INVALID_PARAMETER);
     return search->Next(*pData) || kx::Fail(ERROR_NO_MORE_FILES);
@@ -211,5 +211,5 @@ try {
 
 int FindClose(HANDLE hFind)
 {
-    return kx::RemoveHandle<kx::path::Search>(hFind) != nullptr || kx::Fail(ERROR_INVALID_HANDLE);
+    return kx::RemoveHandle<kx::files::Search>(hFind) != nullptr || kx::Fail(ERROR_INVALID_HANDLE);
 }

@@ -32,7 +32,7 @@ void CStdioFile::Close()
     m_nPos = m_nEnd = 0;
     m_bWriting = false;
     CFile::Close();
-    if (error) AfxThrowFileException(kx::CauseFromErrno(error), error, strFileName);
+    if (error) AfxThrowFileException(kx::files::CauseFromErrno(error), error, strFileName);
 }
 
 void CStdioFile::Abort() noexcept
@@ -54,7 +54,7 @@ int CStdioFile::WriteOut() noexcept
     const std::size_t nPending = Pending();
     if (nPending == 0) return 0;
     m_nPos = 0;
-    return kx::WriteAll(m_fd, m_buffer.get(), nPending);
+    return kx::files::WriteAll(m_fd, m_buffer.get(), nPending);
 }
 
 void CStdioFile::NeedBuffer()

@@ -16,7 +16,7 @@
 #include <poll.h>
 #include <utility>
 
-namespace kx::drives {
+namespace kx::files {
 
 namespace {
 
@@ -116,11 +116,12 @@ private:
     void Read(const Letters& taken) KX_REQUIRES(m_lock)
     {
         const auto mounts = ReadMounts(m_root);
-        std::array<std::optional<Drive>, kLetters> drives;
+        std::array<std::optional<Drive>, kDriveLetters> drives;
         for (const BlockDevice& device : ReadRemovableDevices(m_root)) {
             auto point = MountPoint(device, mounts);
-            const std::size_t letter = point || device.bOptical ? LetterOf(device.name, taken) : kLetters;
-            if (letter == kLetters) continue;
+            const std::size_t letter =
+                point || device.bOptical ? LetterOf(device.name, taken) : kDriveLetters;
+            if (letter == kDriveLetters) continue;
             Drive drive;
             drive.letter = static_cast<char>('A' + letter);
             drive.root = std::move(point);
@@ -135,22 +136,22 @@ private:
         m_drives = std::move(drives);
     }
 
-    // The letter that a device has or gets; kLetters when none is left.
+    // The letter that a device has or gets; kDriveLetters when none is left.
     std::size_t LetterOf(const std::string& device, const Letters& taken) KX_REQUIRES(m_lock)
     {
         const auto found = std::find(m_devices.begin(), m_devices.end(), device);
         if (found != m_devices.end()) return static_cast<std::size_t>(found - m_devices.begin());
         std::size_t letter = kFirstLetter;
-        while (letter < kLetters && (taken[letter] || !m_devices[letter].empty()))
+        while (letter < kDriveLetters && (taken[letter] || !m_devices[letter].empty()))
             ++letter;
-        if (letter < kLetters) m_devices[letter] = device;
+        if (letter < kDriveLetters) m_devices[letter] = device;
         return letter;
     }
 
     sync::Mutex m_lock; // held while the mount table and the list of disks are read
     std::string m_root KX_GUARDED_BY(m_lock);
-    std::array<std::string, kLetters> m_devices KX_GUARDED_BY(m_lock); // which device has each letter
-    std::array<std::optional<Drive>, kLetters> m_drives KX_GUARDED_BY(m_lock);
+    std::array<std::string, kDriveLetters> m_devices KX_GUARDED_BY(m_lock); // which device has each letter
+    std::array<std::optional<Drive>, kDriveLetters> m_drives KX_GUARDED_BY(m_lock);
     UniqueFd m_table KX_GUARDED_BY(m_lock);
     std::vector<std::string> m_disks KX_GUARDED_BY(m_lock);
 };
@@ -194,9 +195,9 @@ unsigned SystemGeneration() noexcept
     return g_generation.load(std::memory_order_acquire);
 }
 
-} // namespace kx::drives
+} // namespace kx::files
 
 void KXHost::SetSystemRoot(const std::string& strDir)
 {
-    kx::drives::TheDrives().SetRoot(strDir);
+    kx::files::TheDrives().SetRoot(strDir);
 }

@@ -10,10 +10,10 @@
 // The drives that the system has: mounted removable media and optical drives. A device keeps its letter for
 // as long as the process lives. Any thread.
 
-namespace kx::drives {
+namespace kx::files {
 
-inline constexpr std::size_t kLetters = 26;
-using Letters = std::bitset<kLetters>;
+inline constexpr std::size_t kDriveLetters = 26;
+using Letters = std::bitset<kDriveLetters>;
 
 enum class Look
 {
@@ -34,4 +34,4 @@ std::string SystemRoot();
 // Changes with every change of these drives.
 unsigned SystemGeneration() noexcept;
 
-} // namespace kx::drives
+} // namespace kx::files

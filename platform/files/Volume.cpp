@@ -17,7 +17,7 @@
 
 namespace {
 
-using kx::drives::Drive;
+using kx::files::Drive;
 
 constexpr DWORD kCasePreserved = 0x2;
 constexpr DWORD kUnicode = 0x4;
@@ -26,7 +26,7 @@ constexpr DWORD kReadOnly = 0x80000;
 // The name of the link in a directory that leads to a device; empty without one.
 std::string LinkTo(const std::string& device, const std::string& directory)
 {
-    kx::Directory links(directory.c_str());
+    kx::files::Directory links(directory.c_str());
     while (const auto link = links.Next()) {
         std::error_code error;
         const auto target =
@@ -76,7 +76,7 @@ std::optional<Drive> FindDrive(const char* pszRoot)
         pszRoot ? std::string_view(pszRoot, strnlen(pszRoot, 4)) : std::string_view();
     const bool bRoot = root.size() == 2 || (root.size() == 3 && (root[2] == '\\' || root[2] == '/'));
     if (!bRoot || root[1] != ':') return std::nullopt;
-    return kx::drives::Find(root[0], true);
+    return kx::files::FindDrive(root[0], true);
 }
 
 struct Volume
@@ -96,10 +96,10 @@ Volume Describe(const Drive& drive, const struct statfs& info)
     volume.fileSystem = drive.fileSystem;
     volume.serial = drive.serial;
     volume.maxComponent = static_cast<DWORD>(info.f_namelen);
-    const std::string systemRoot = kx::drives::SystemRoot();
-    const auto mounts = kx::drives::ReadMounts(systemRoot);
-    if (const auto* mount = kx::drives::FindMount(mounts, *drive.root)) {
-        const std::string device = kx::drives::DeviceName(*mount, systemRoot);
+    const std::string systemRoot = kx::files::SystemRoot();
+    const auto mounts = kx::files::ReadMounts(systemRoot);
+    if (const auto* mount = kx::files::FindMount(mounts, *drive.root)) {
+        const std::string device = kx::files::DeviceName(*mount, systemRoot);
         if (!drive.bHost) volume.label = VolumeLabel(device, systemRoot);
         if (volume.fileSystem.empty()) volume.fileSystem = mount->fileSystem;
         if (volume.serial == 0) volume.serial = VolumeSerial(device, systemRoot);

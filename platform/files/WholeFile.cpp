@@ -11,7 +11,7 @@
 #include <sys/file.h>
 #include <sys/xattr.h>
 
-namespace kx {
+namespace kx::files {
 
 namespace {
 
@@ -287,4 +287,4 @@ DWORD ReplaceWholeFile(const std::string& path, std::string_view bytes, mode_t m
     return replacement.Commit();
 }
 
-} // namespace kx
+} // namespace kx::files

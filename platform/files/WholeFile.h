@@ -12,7 +12,7 @@
 // Files read and replaced as a whole. Paths are Linux paths; results are ERROR_... codes, ERROR_SUCCESS
 // included. Any thread.
 
-namespace kx {
+namespace kx::files {
 
 struct FileContent
 {
@@ -113,4 +113,4 @@ private:
 // Replaces or makes a file; `mode` as for FileReplacement::Begin.
 DWORD ReplaceWholeFile(const std::string& path, std::string_view bytes, mode_t mode);
 
-} // namespace kx
+} // namespace kx::files

@@ -16,10 +16,10 @@ namespace {
 // Replaces a file as a whole, or makes it.
 Status SaveFile(const WCHAR* pszPath, const Bytes& bytes)
 {
-    const auto named = kx::path::Resolve(ToCodePage(pszPath).c_str());
+    const auto named = kx::files::Resolve(ToCodePage(pszPath).c_str());
     if (!named) return StatusOf(GetLastError());
     if (named->trailing || named->root) return AccessDenied;
-    const DWORD dwError = kx::ReplaceWholeFile(
+    const DWORD dwError = kx::files::ReplaceWholeFile(
         named->system, {reinterpret_cast<const char*>(bytes.data()), bytes.size()}, 0666);
     return dwError == ERROR_SUCCESS ? Ok : StatusOf(dwError);
 }

@@ -96,12 +96,12 @@ void Session::TellEnded() noexcept
     }
 }
 
-void Session::Wait(clock::Moment deadline) noexcept
+void Session::Wait(time::Moment deadline) noexcept
 {
     using std::chrono::milliseconds;
     // The host moves a virtual clock without telling a poll, which therefore looks up now and then.
-    const auto longest = clock::IsVirtual() ? milliseconds(10) : milliseconds(60'000);
-    const auto left = std::chrono::ceil<milliseconds>(deadline - clock::Now());
+    const auto longest = time::IsVirtual() ? milliseconds(10) : milliseconds(60'000);
+    const auto left = std::chrono::ceil<milliseconds>(deadline - time::Now());
     const auto nTime = std::clamp(left, milliseconds(0), longest).count();
     curl_multi_poll(m_multi.get(), nullptr, 0, static_cast<int>(nTime), nullptr);
 }

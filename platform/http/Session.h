@@ -43,7 +43,7 @@ public:
     void Perform(unsigned long dwContext);
     // Waits until there is something to do, the clock has come to the deadline, or Cancel; also returns for
     // no reason.
-    void Wait(clock::Moment deadline) noexcept;
+    void Wait(time::Moment deadline) noexcept;
 
     void Close() noexcept;
     void Cancel() noexcept;

@@ -74,14 +74,14 @@ template <class Ready>
 void Transfer::DriveUntil(Ready ready)
 {
     const NoPipeSignal guard;
-    m_heard = clock::Now();
+    m_heard = time::Now();
     while (!ready()) {
         if (m_bPaused) Resume();
         m_session->Perform(m_dwContext);
         if (ready()) return;
         if (m_session->IsCancelled())
             Throw(ERROR_INTERNET_OPERATION_CANCELLED, m_dwContext, "The operation was cancelled.");
-        if (clock::Now() >= m_heard + kSilence)
+        if (time::Now() >= m_heard + kSilence)
             Throw(ERROR_INTERNET_TIMEOUT, m_dwContext, "The server was silent for too long.");
         m_session->Wait(m_heard + kSilence);
     }
@@ -110,7 +110,7 @@ std::size_t Transfer::OnHeader(char* pch, std::size_t nSize, std::size_t nCount,
 bool Transfer::TakeHeader(std::string_view line) noexcept
 {
     constexpr std::string_view location = "location:";
-    m_heard = clock::Now();
+    m_heard = time::Now();
     m_nHeaders += line.size();
     if (m_nHeaders > kMaxHeaders) return false;
     if (line.starts_with("HTTP/")) {
@@ -129,7 +129,7 @@ std::size_t Transfer::OnBody(char* pch, std::size_t nSize, std::size_t nCount, v
 {
     auto& self = *static_cast<Transfer*>(pTransfer);
     const std::string_view bytes(pch, nSize * nCount);
-    self.m_heard = clock::Now();
+    self.m_heard = time::Now();
     self.m_bOpen = true;
     self.m_bPaused = !self.m_gear->buffer.Put(bytes);
     return self.m_bPaused ? CURL_WRITEFUNC_PAUSE : bytes.size();

@@ -53,7 +53,7 @@ private:
     std::optional<Gear> m_gear; // none once abandoned
     std::array<char, CURL_ERROR_SIZE> m_text{};
     std::optional<CURLcode> m_result; // once it has ended
-    clock::Moment m_heard{};          // when the server last sent something, or was first waited for
+    time::Moment m_heard{};           // when the server last sent something, or was first waited for
     std::size_t m_nHeaders = 0;
     bool m_bMoved = false;  // the headers that are arriving name another place
     bool m_bOpen = false;   // the headers that count are there

@@ -144,7 +144,7 @@ try {
     if (!module) return static_cast<DWORD>(kx::Fail(ERROR_INVALID_HANDLE));
     const std::string system = hModule ? module->Path() : ExecutablePath();
     if (system.empty()) return static_cast<DWORD>(kx::Fail(ERROR_FILE_NOT_FOUND));
-    const auto path = kx::path::FromSystem(system);
+    const auto path = kx::files::FromSystem(system);
     if (!path) return static_cast<DWORD>(kx::Fail(ERROR_INVALID_NAME));
     if (path->size() >= nSize) SetLastError(ERROR_INSUFFICIENT_BUFFER);
     return static_cast<DWORD>(kx::text::CopyCut(*path, pszBuffer, nSize));

@@ -11,10 +11,10 @@ namespace kx::module {
 
 std::optional<RegularFile> RegularFile::Open(const char* pszPath)
 {
-    auto path = path::ToSystem(pszPath);
+    auto path = files::ToSystem(pszPath);
     if (!path) return std::nullopt;
     struct stat info = {};
-    UniqueFd fd = OpenRegularFile(*path, info);
+    UniqueFd fd = files::OpenRegularFile(*path, info);
     if (!fd) {
         FailErrno();
         return std::nullopt;

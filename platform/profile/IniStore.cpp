@@ -52,8 +52,8 @@ IniPtr IniOf(CachedIniPtr file)
 IniPtr Load(std::string_view name, const std::string& path, unsigned generation)
 {
     const timespec now = FileTime();
-    FileContent file;
-    if (const DWORD error = ReadWholeFile(path, kMaxFile, file)) {
+    files::FileContent file;
+    if (const DWORD error = files::ReadWholeFile(path, kMaxFile, file)) {
         SetLastError(error);
         return nullptr;
     }
@@ -83,7 +83,7 @@ IniPtr ReadNow(std::string_view spelled, const char* pszFile, unsigned generatio
         if (auto file = Cache().Find(spelled); file && file->IsCurrent(generation))
             return IniOf(std::move(file));
 
-    const auto resolved = path::Resolve(pszFile);
+    const auto resolved = files::Resolve(pszFile);
     if (!resolved) return nullptr;
     if (resolved->absolute && resolved->exact) return Load(spelled, resolved->system, generation);
     return ReadAt(resolved->system, generation);
@@ -94,7 +94,7 @@ IniPtr ReadNow(std::string_view spelled, const char* pszFile, unsigned generatio
 IniPtr Read(const char* pszFile)
 {
     const std::string_view spelled = pszFile ? std::string_view(pszFile) : std::string_view();
-    const unsigned generation = path::Generation();
+    const unsigned generation = files::Generation();
     KeptIni* const kept = KeptIni::OfThread();
     if (!kept || !HasDrive(spelled)) return ReadNow(spelled, pszFile, generation);
     if (auto ini = kept->Find(spelled, generation)) return ini;
@@ -107,16 +107,16 @@ IniPtr Read(const char* pszFile)
 
 IniPtr ReadSystem(const std::string& path)
 {
-    return ReadAt(path, path::Generation());
+    return ReadAt(path, files::Generation());
 }
 
 DWORD Update(const std::string& path, mode_t mode, const Edit& edit)
 {
     if (KeptIni* kept = KeptIni::OfThread()) kept->ini = nullptr;
-    FileReplacement replacement;
+    files::FileReplacement replacement;
     if (const DWORD error = replacement.Begin(path, mode)) return error;
-    FileContent file;
-    const DWORD error = ReadWholeFile(replacement.Target(), kMaxFile, file);
+    files::FileContent file;
+    const DWORD error = files::ReadWholeFile(replacement.Target(), kMaxFile, file);
     if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND) return error;
     const auto edited = edit(file.bytes);
     if (!edited) return ERROR_INVALID_PARAMETER;

@@ -46,7 +46,7 @@ try {
     const bool bStorable = pszSection && profile::IsSection(section) && (!pszKey || profile::IsKey(key)) &&
                            (!pszText || profile::IsValue(pszText));
     if (!bStorable) return kx::Fail(ERROR_INVALID_PARAMETER);
-    const auto path = kx::path::ToSystem(pszFile);
+    const auto path = kx::files::ToSystem(pszFile);
     if (!path) return 0;
 
     const DWORD error = profile::Update(*path, kNewFile, [&](std::string_view old) {

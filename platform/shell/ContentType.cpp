@@ -107,8 +107,8 @@ Text FileType(const std::string& path, const struct stat& info)
     Text type = Guess(name, {}, bUncertain);
     if (!bUncertain) return type;
     if (info.st_size == 0) return Text(g_strdup("application/x-zerosize"));
-    FileContent head;
-    ReadFileHead(path, kHead, head);
+    files::FileContent head;
+    files::ReadFileHead(path, kHead, head);
     return head.bytes.empty() ? std::move(type) : Guess(name, head.bytes, bUncertain);
 }
 

@@ -111,10 +111,10 @@ char SpelledDrive(std::string_view path) noexcept
 }
 
 // The drive whose root was resolved from a text (`\`, `C:\a\..`).
-char ResolvedDrive(std::string_view path, const kx::path::Resolved& resolved)
+char ResolvedDrive(std::string_view path, const kx::files::Resolved& resolved)
 {
     if (path.size() >= 2 && path[1] == ':') return DriveLetter(path[0]);
-    const auto named = kx::path::FromSystem(resolved.system);
+    const auto named = kx::files::FromSystem(resolved.system);
     return named ? named->front() : '\0';
 }
 
@@ -157,7 +157,7 @@ std::optional<Item> FindDrive(char letter, bool bName)
     return item;
 }
 
-std::optional<Item> FindEntry(const kx::path::Resolved& resolved)
+std::optional<Item> FindEntry(const kx::files::Resolved& resolved)
 {
     if (resolved.trailing && !kx::shell::IsDirectory(resolved.system)) {
         SetLastError(ERROR_PATH_NOT_FOUND);
@@ -179,7 +179,7 @@ std::optional<Item> FindItem(const char* pszPath, bool bName)
         return std::nullopt;
     }
     if (const char letter = SpelledDrive(pszPath)) return FindDrive(letter, bName);
-    const auto resolved = kx::path::Resolve(pszPath);
+    const auto resolved = kx::files::Resolve(pszPath);
     if (!resolved) return std::nullopt;
     return resolved->root ? FindDrive(ResolvedDrive(pszPath, *resolved), bName) : FindEntry(*resolved);
 }

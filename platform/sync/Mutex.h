@@ -53,7 +53,7 @@ private:
     std::mutex m_mutex;
 };
 
-// Holds a Mutex for its scope. It may be let go and taken again in between, as waits on a clock::Condition
+// Holds a Mutex for its scope. It may be let go and taken again in between, as waits on a time::Condition
 // do.
 class KX_THREAD_ATTRIBUTE(scoped_lockable) MutexLock
 {

@@ -29,11 +29,11 @@ bool Signal::TryTake() noexcept
     return false;
 }
 
-bool Signal::WaitUntil(clock::Moment deadline) noexcept
+bool Signal::WaitUntil(time::Moment deadline) noexcept
 {
     Waiter self;
     if (TakeOrQueue(self)) return true;
-    clock::Alarm alarm(self.word, deadline);
+    time::Alarm alarm(self.word, deadline);
     for (;;) {
         const std::uint32_t seen = self.word.load(std::memory_order_acquire);
         if (seen & kReleased) return true;

@@ -30,7 +30,7 @@ public:
     // True when it is set; takes an automatic signal.
     bool TryTake() noexcept;
     // Waits for it; false when the deadline came first.
-    bool WaitUntil(clock::Moment deadline) noexcept;
+    bool WaitUntil(time::Moment deadline) noexcept;
 
 private:
     struct Waiter : sync::ListLink<Waiter>

@@ -41,7 +41,7 @@ public:
     DWORD WaitForId() const noexcept;
 
     bool TryTake() override { return m_ended.TryTake() && Join(); }
-    bool WaitUntil(kx::clock::Moment deadline) override { return m_ended.WaitUntil(deadline) && Join(); }
+    bool WaitUntil(kx::time::Moment deadline) override { return m_ended.WaitUntil(deadline) && Join(); }
 
 private:
     // A key's destructor runs behind those of the thread's thread-local objects; unlike one of those, setting

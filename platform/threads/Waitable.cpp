@@ -17,7 +17,7 @@ public:
 
     void Set() noexcept { m_signal.Set(); }
     bool TryTake() override { return m_signal.TryTake(); }
-    bool WaitUntil(clock::Moment deadline) override { return m_signal.WaitUntil(deadline); }
+    bool WaitUntil(time::Moment deadline) override { return m_signal.WaitUntil(deadline); }
 
 private:
     Signal m_signal;
@@ -62,7 +62,7 @@ DWORD WaitForSingleObject(HANDLE hObject, DWORD dwMilliseconds)
     }
     if (object->TryTake()) return WAIT_OBJECT_0;
     if (dwMilliseconds == 0) return WAIT_TIMEOUT;
-    return object->WaitUntil(kx::clock::DeadlineAfter(dwMilliseconds)) ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
+    return object->WaitUntil(kx::time::DeadlineAfter(dwMilliseconds)) ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
 }
 
 int CloseHandle(HANDLE hObject) noexcept

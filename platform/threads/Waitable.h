@@ -39,7 +39,7 @@ public:
     // Looks whether it is signalled, and takes a signal that releases one wait only.
     virtual bool TryTake() = 0;
     // Waits until that is so; false when the deadline came first.
-    virtual bool WaitUntil(clock::Moment deadline) = 0;
+    virtual bool WaitUntil(time::Moment deadline) = 0;
 
 protected:
     explicit Waitable(Kind kind) noexcept : m_kind(kind) {}

@@ -3,7 +3,7 @@
 #include "platform/sync/Fork.h"
 #include "platform/sync/Mutex.h"
 
-namespace kx::clock {
+namespace kx::time {
 
 namespace {
 
@@ -78,4 +78,4 @@ int Alarm::CountWaiting() noexcept
     return nCount;
 }
 
-} // namespace kx::clock
+} // namespace kx::time

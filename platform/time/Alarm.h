@@ -4,7 +4,7 @@
 #include "platform/sync/IntrusiveList.h"
 #include "platform/time/Clock.h"
 
-namespace kx::clock {
+namespace kx::time {
 
 // One thread's wait on a word until the word changes or a deadline of the clock has come:
 //
@@ -52,4 +52,4 @@ private:
     bool m_bListed = false;
 };
 
-} // namespace kx::clock
+} // namespace kx::time

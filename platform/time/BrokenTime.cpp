@@ -8,7 +8,7 @@
 #include <locale.h>
 #include <string>
 
-namespace kx::clock {
+namespace kx::time {
 
 namespace {
 
@@ -58,4 +58,4 @@ CString FormatFields(const std::tm& fields, const char* pszFormat)
     return FormatLong(fields, pszFormat);
 }
 
-} // namespace kx::clock
+} // namespace kx::time

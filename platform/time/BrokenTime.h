@@ -7,7 +7,7 @@
 
 // An instant's calendar fields. Any thread.
 
-namespace kx::clock {
+namespace kx::time {
 
 // Local time of an instant; false when its year doesn't fit the record.
 bool ToLocal(std::int64_t nTime, std::tm& fields) noexcept;
@@ -17,4 +17,4 @@ bool ToLocal(std::int64_t nTime, std::tm& fields) noexcept;
 // text passes every sensible length (widths in the thousands).
 CString FormatFields(const std::tm& fields, const char* pszFormat);
 
-} // namespace kx::clock
+} // namespace kx::time

@@ -11,7 +11,7 @@
 #include <atomic>
 #include <sched.h>
 
-namespace kx::clock {
+namespace kx::time {
 
 namespace {
 
@@ -135,11 +135,11 @@ bool SkipSleep(DWORD dwMilliseconds)
     return true;
 }
 
-} // namespace kx::clock
+} // namespace kx::time
 
 DWORD GetTickCount() noexcept
 {
-    const auto since = kx::clock::Now().time_since_epoch();
+    const auto since = kx::time::Now().time_since_epoch();
     return static_cast<DWORD>(std::chrono::floor<std::chrono::milliseconds>(since).count());
 }
 
@@ -149,16 +149,16 @@ void Sleep(DWORD dwMilliseconds)
         sched_yield();
         return;
     }
-    if (dwMilliseconds != INFINITE && kx::clock::SkipSleep(dwMilliseconds)) return;
+    if (dwMilliseconds != INFINITE && kx::time::SkipSleep(dwMilliseconds)) return;
     kx::sync::Word word{0};
-    kx::clock::Alarm alarm(word, kx::clock::DeadlineAfter(dwMilliseconds));
+    kx::time::Alarm alarm(word, kx::time::DeadlineAfter(dwMilliseconds));
     while (alarm.Wait(word.load(std::memory_order_acquire))) {
     }
 }
 
 void KXHost::UseVirtualClock(std::int64_t nWallSeconds, VirtualSleep sleep)
 {
-    using namespace kx::clock;
+    using namespace kx::time;
     // A thread that sleeps for the real clock may go on: AdvanceClock wakes it, and if the real time comes
     // first it looks at the clock again.
     const kx::sync::MutexLock lock(g_lock);
@@ -169,7 +169,7 @@ void KXHost::UseVirtualClock(std::int64_t nWallSeconds, VirtualSleep sleep)
 
 void KXHost::AdvanceClock(std::uint64_t nMilliseconds)
 {
-    using namespace kx::clock;
+    using namespace kx::time;
     Moment now;
     {
         const kx::sync::MutexLock lock(g_lock);
@@ -181,7 +181,7 @@ void KXHost::AdvanceClock(std::uint64_t nMilliseconds)
 
 void KXHost::UseRealClock()
 {
-    using namespace kx::clock;
+    using namespace kx::time;
     {
         const kx::sync::MutexLock lock(g_lock);
         if (!IsVirtual()) return;
@@ -193,5 +193,5 @@ void KXHost::UseRealClock()
 
 int KXHost::ClockWaiters()
 {
-    return kx::clock::Alarm::CountWaiting();
+    return kx::time::Alarm::CountWaiting();
 }

@@ -13,7 +13,7 @@
 //
 // Waiting for a deadline: see Alarm.h (on a word) and Condition.h (on a lock and a condition).
 
-namespace kx::clock {
+namespace kx::time {
 
 // A moment of the monotonic time.
 struct Monotonic
@@ -52,4 +52,4 @@ std::timespec ToSystem(Moment moment) noexcept;
 // Sleep's part in a virtual clock that sleepers move themselves: moves it and returns true; else false.
 bool SkipSleep(DWORD dwMilliseconds);
 
-} // namespace kx::clock
+} // namespace kx::time

@@ -3,7 +3,7 @@
 #include "platform/sync/Mutex.h"
 #include "platform/time/Alarm.h"
 
-namespace kx::clock {
+namespace kx::time {
 
 // A condition variable whose waits end by the clock. It works with any lock that has lock() and unlock(); the
 // state that is waited for changes under that lock, and the notice may be given inside or outside of it.
@@ -64,4 +64,4 @@ private:
     std::atomic<int> m_nWaiters{0};
 };
 
-} // namespace kx::clock
+} // namespace kx::time

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <charconv>
 
-namespace kx::clock {
+namespace kx::time {
 
 namespace {
 
@@ -95,4 +95,4 @@ std::optional<DateFields> ParseDateText(std::string_view text)
     return scanner.AtEnd() ? std::optional(fields) : std::nullopt;
 }
 
-} // namespace kx::clock
+} // namespace kx::time

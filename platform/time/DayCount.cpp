@@ -3,7 +3,7 @@
 #include <chrono>
 #include <cmath>
 
-namespace kx::clock {
+namespace kx::time {
 
 namespace {
 
@@ -84,4 +84,4 @@ std::optional<std::tm> FieldsFromDays(double dDays)
     return fields;
 }
 
-} // namespace kx::clock
+} // namespace kx::time

@@ -7,7 +7,7 @@
 // The arithmetic of COleDateTime: a moment as days since 1899-12-30, the time of day as the fraction of the
 // absolute value, for the years 100 to 9999. Exact: every second has one count, and the count gives it back.
 
-namespace kx::clock {
+namespace kx::time {
 
 struct DateFields
 {
@@ -24,4 +24,4 @@ std::optional<double> DaysFromFields(const DateFields& fields);
 // The nearest second's fields, tm_wday and tm_yday included; nothing for a count out of range or no number.
 std::optional<std::tm> FieldsFromDays(double dDays);
 
-} // namespace kx::clock
+} // namespace kx::time

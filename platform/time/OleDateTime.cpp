@@ -15,7 +15,7 @@ constexpr UINT kInvalidTextId = 55296;
 std::optional<std::tm> Fields(const COleDateTime& value)
 {
     if (value.GetStatus() != COleDateTime::valid) return std::nullopt;
-    return kx::clock::FieldsFromDays(value.GetDays());
+    return kx::time::FieldsFromDays(value.GetDays());
 }
 
 int Field(const COleDateTime& value, int std::tm::*pField, int nBase)
@@ -39,7 +39,7 @@ CString InvalidText()
 } // namespace
 
 COleDateTime::COleDateTime(double dDays)
-    : m_dt(dDays), m_status(kx::clock::FieldsFromDays(dDays) ? valid : invalid)
+    : m_dt(dDays), m_status(kx::time::FieldsFromDays(dDays) ? valid : invalid)
 {
 }
 
@@ -54,7 +54,7 @@ COleDateTime COleDateTime::FromTime(std::int64_t nTime)
     result.m_status = invalid;
     std::tm fields{};
     // A year that would overflow below is far out of range.
-    if (kx::clock::ToLocal(nTime, fields) && fields.tm_year < 10000)
+    if (kx::time::ToLocal(nTime, fields) && fields.tm_year < 10000)
         result.SetDateTime(fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday, fields.tm_hour,
                            fields.tm_min, std::min(fields.tm_sec, 59)); // a leap second has no count
     return result;
@@ -62,12 +62,12 @@ COleDateTime COleDateTime::FromTime(std::int64_t nTime)
 
 COleDateTime COleDateTime::GetCurrentTime()
 {
-    return FromTime(kx::clock::WallSeconds());
+    return FromTime(kx::time::WallSeconds());
 }
 
 int COleDateTime::SetDateTime(int nYear, int nMonth, int nDay, int nHour, int nMin, int nSec)
 {
-    const auto days = kx::clock::DaysFromFields({nYear, nMonth, nDay, nHour, nMin, nSec});
+    const auto days = kx::time::DaysFromFields({nYear, nMonth, nDay, nHour, nMin, nSec});
     m_dt = days.value_or(0);
     m_status = days ? valid : invalid;
     return m_status;
@@ -75,8 +75,8 @@ int COleDateTime::SetDateTime(int nYear, int nMonth, int nDay, int nHour, int nM
 
 int COleDateTime::ParseDateTime(const char* pszText, DWORD, DWORD)
 {
-    const auto fields = kx::clock::ParseDateText(pszText ? std::string_view(pszText) : std::string_view());
-    const auto days = fields ? kx::clock::DaysFromFields(*fields) : std::nullopt;
+    const auto fields = kx::time::ParseDateText(pszText ? std::string_view(pszText) : std::string_view());
+    const auto days = fields ? kx::time::DaysFromFields(*fields) : std::nullopt;
     m_dt = days.value_or(0);
     m_status = days ? valid : invalid;
     return days.has_value();
@@ -116,5 +116,5 @@ CString COleDateTime::Format(const char* pszFormat) const
 {
     if (m_status == null) return {};
     const auto fields = Fields(*this);
-    return fields ? kx::clock::FormatFields(*fields, pszFormat) : InvalidText();
+    return fields ? kx::time::FormatFields(*fields, pszFormat) : InvalidText();
 }

@@ -33,17 +33,17 @@ CTime::CTime(int nYear, int nMonth, int nDay, int nHour, int nMin, int nSec, int
 
 CTime CTime::GetCurrentTime()
 {
-    return CTime(kx::clock::WallSeconds());
+    return CTime(kx::time::WallSeconds());
 }
 
 std::tm* CTime::GetLocalTm(std::tm* pTm) const
 {
-    return pTm && kx::clock::ToLocal(m_time, *pTm) ? pTm : nullptr;
+    return pTm && kx::time::ToLocal(m_time, *pTm) ? pTm : nullptr;
 }
 
 CString CTime::Format(const char* pszFormat) const
 {
     std::tm fields{};
     if (!GetLocalTm(&fields)) return {};
-    return kx::clock::FormatFields(fields, pszFormat);
+    return kx::time::FormatFields(fields, pszFormat);
 }

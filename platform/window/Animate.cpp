@@ -46,15 +46,15 @@ private:
 void WaitStep(Window& window, milliseconds length)
 {
     const auto nLength = static_cast<DWORD>(length.count());
-    const bool bSkipped = kx::clock::SkipSleep(nLength);
-    window.Owner().ServeUntil(bSkipped ? kx::clock::Now() : kx::clock::DeadlineAfter(nLength));
+    const bool bSkipped = kx::time::SkipSleep(nLength);
+    window.Owner().ServeUntil(bSkipped ? kx::time::Now() : kx::time::DeadlineAfter(nLength));
 }
 
 bool Animation::Fade(milliseconds total, bool bIn) const
 {
-    const auto begin = kx::clock::Now();
+    const auto begin = kx::time::Now();
     while (GoesOn()) {
-        const auto passed = std::chrono::duration_cast<milliseconds>(kx::clock::Now() - begin);
+        const auto passed = std::chrono::duration_cast<milliseconds>(kx::time::Now() - begin);
         if (passed >= total) return true;
         const auto share = static_cast<BYTE>(passed * 255 / total);
         SetOpacity(m_window, bIn ? share : static_cast<BYTE>(255 - share));

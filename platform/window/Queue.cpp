@@ -146,7 +146,7 @@ bool Queue::Take(MSG& msg, const Filter& filter, bool bRemove)
     m_wasInput = it != m_posted.end() && it->kind == Kind::Input;
     if (it == m_posted.end())
         return TakeQuit(msg, bRemove) || TakePaint(msg, filter) ||
-               m_timers.Take(msg, clock::Now(), bRemove, passes);
+               m_timers.Take(msg, time::Now(), bRemove, passes);
     msg = it->msg;
     if (!bRemove) return true;
     m_chores -= it->kind == Kind::Chore;
@@ -174,17 +174,17 @@ bool Queue::TakePaint(MSG& msg, const Filter& filter) const
 }
 
 // The one place where a thread waits for messages.
-void Queue::Wait(Lock& lock, clock::Moment deadline)
+void Queue::Wait(Lock& lock, time::Moment deadline)
 {
     if (m_sent.empty()) m_changed.WaitUntil(lock, deadline);
 }
 
-void Queue::ServeUntil(clock::Moment deadline)
+void Queue::ServeUntil(time::Moment deadline)
 {
     Lock lock(m_lock);
     for (;;) {
         ServeSent(lock);
-        if (clock::Now() >= deadline) return;
+        if (time::Now() >= deadline) return;
         Wait(lock, deadline);
     }
 }

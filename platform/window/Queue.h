@@ -65,7 +65,7 @@ public:
     void SetTimer(const Window& window, UINT_PTR nId, UINT nPeriod, TIMERPROC pfn);
     bool KillTimer(const Window& window, UINT_PTR nId) noexcept;
     // Serves what is sent here until the clock has come to the deadline.
-    void ServeUntil(clock::Moment deadline);
+    void ServeUntil(time::Moment deadline);
     // WM_QUIT comes after all that is posted; the queue's bound doesn't count it.
     void PostQuit(int nExitCode);
     // Waits for a message that passes: 0 for WM_QUIT, -1 when the filter's window has ended, else 1.
@@ -102,11 +102,11 @@ private:
     bool Take(MSG& msg, const Filter& filter, bool bRemove) KX_REQUIRES(m_lock);
     bool TakeQuit(MSG& msg, bool bRemove) KX_REQUIRES(m_lock);
     bool TakePaint(MSG& msg, const Filter& filter) const KX_REQUIRES(m_lock);
-    void Wait(Lock& lock, clock::Moment deadline = clock::kNever) KX_REQUIRES(m_lock);
+    void Wait(Lock& lock, time::Moment deadline = time::kNever) KX_REQUIRES(m_lock);
 
     const DWORD m_threadId;
     sync::Mutex m_lock;
-    clock::Condition m_changed; // the thread alone waits for it
+    time::Condition m_changed; // the thread alone waits for it
     std::deque<Posted> m_posted KX_GUARDED_BY(m_lock);
     std::size_t m_chores KX_GUARDED_BY(m_lock) = 0; // of those
     std::optional<MSG> m_quit KX_GUARDED_BY(m_lock);

@@ -10,7 +10,7 @@ namespace kx::window {
 void Timers::Set(const Window& window, UINT_PTR nId, UINT nPeriod, TIMERPROC pfn)
 {
     const std::chrono::milliseconds period(std::max(nPeriod, kLeastPeriod));
-    const Timer timer{&window, nId, period, clock::Now() + period, pfn};
+    const Timer timer{&window, nId, period, time::Now() + period, pfn};
     const auto same = [&](const Timer& t) { return t.window == &window && t.id == nId; };
     const auto it = std::ranges::find_if(m_timers, same);
     if (it == m_timers.end())

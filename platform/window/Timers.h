@@ -21,7 +21,7 @@ public:
     // The message of the timer that has been due for longest, of those that `passes`; false for none. With
     // `bRemove` it is next due a period later, or as many as lie in the past.
     template <class Passes>
-    bool Take(MSG& msg, clock::Moment now, bool bRemove, Passes passes)
+    bool Take(MSG& msg, time::Moment now, bool bRemove, Passes passes)
     {
         Timer* first = nullptr;
         for (Timer& timer : m_timers)
@@ -34,9 +34,9 @@ public:
     }
     // When the next of those that `passes` is due; kNever for none.
     template <class Passes>
-    clock::Moment NextDue(Passes passes) const
+    time::Moment NextDue(Passes passes) const
     {
-        clock::Moment next = clock::kNever;
+        time::Moment next = time::kNever;
         for (const Timer& timer : m_timers)
             if (timer.due < next && passes(MessageOf(timer))) next = timer.due;
         return next;
@@ -47,8 +47,8 @@ private:
     {
         const Window* window;
         UINT_PTR id;
-        clock::Moment::duration period;
-        clock::Moment due;
+        time::Moment::duration period;
+        time::Moment due;
         TIMERPROC pfn;
     };
     static MSG MessageOf(const Timer& timer) noexcept

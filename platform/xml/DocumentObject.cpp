@@ -72,9 +72,9 @@ HRESULT DocumentObject::load(VARIANT path, VARIANT_BOOL* pbSuccess)
 {
     return Replace(pbSuccess, [&]() -> Ref<Tree> {
         if (path.vt != VT_BSTR) return {};
-        const auto source = path::Resolve(ToCodePage(path.bstrVal).c_str());
-        FileContent file;
-        if (!source || ReadWholeFile(source->system, XML_MAX_FILE, file) != ERROR_SUCCESS) return {};
+        const auto source = files::Resolve(ToCodePage(path.bstrVal).c_str());
+        files::FileContent file;
+        if (!source || files::ReadWholeFile(source->system, XML_MAX_FILE, file) != ERROR_SUCCESS) return {};
         return ParseFile(std::move(file.bytes));
     });
 }
@@ -94,9 +94,9 @@ HRESULT DocumentObject::save(VARIANT path)
         if (!m_tree->Root()) return E_FAIL; // the file could never be loaded
         const std::string content = FileContentOf(*m_tree);
         if (content.size() > XML_MAX_FILE) return E_FAIL; // nor could this one
-        const auto target = path::Resolve(ToCodePage(path.bstrVal).c_str());
+        const auto target = files::Resolve(ToCodePage(path.bstrVal).c_str());
         if (!target || target->trailing || target->root) return E_FAIL;
-        const DWORD dwError = ReplaceWholeFile(target->system, content, 0666);
+        const DWORD dwError = files::ReplaceWholeFile(target->system, content, 0666);
         if (dwError == ERROR_NOT_ENOUGH_MEMORY) return E_OUTOFMEMORY;
         return dwError == ERROR_SUCCESS ? S_OK : E_FAIL;
     });

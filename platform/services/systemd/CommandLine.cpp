@@ -40,7 +40,7 @@ bool IsFile(const std::string& path) noexcept
 DWORD FindProgram(std::string_view program, std::string& path)
 {
     const CString spelled(program);
-    const auto resolved = path::Resolve(spelled);
+    const auto resolved = files::Resolve(spelled);
     if (!resolved) return GetLastError();
     const bool bRooted = spelled[0] == '\\' || spelled[0] == '/';
     if (!resolved->absolute && !bRooted) return ERROR_INVALID_PARAMETER;

@@ -42,10 +42,10 @@ void MakeDirectories(const std::string& directory)
 }
 
 DWORD Write(const std::string& directory, const std::string& path, std::string_view text,
-            FileReplacement::Existing existing)
+            files::FileReplacement::Existing existing)
 {
     MakeDirectories(directory);
-    FileReplacement file(existing);
+    files::FileReplacement file(existing);
     if (const DWORD error = file.Begin(path, kMode)) return error;
     fchmod(file.Fd(), kMode); // whatever the process's mask: other users ask for it too
     file.Write(text.data(), text.size());
@@ -95,15 +95,16 @@ UnitStore::UnitStore(const std::string& directory)
 DWORD UnitStore::Create(const std::string& unit, std::string_view text) const
 {
     if (m_directory.empty()) return ERROR_PATH_NOT_FOUND;
-    const DWORD error = Write(m_directory, Path(unit), text, FileReplacement::Existing::Refused);
+    const DWORD error = Write(m_directory, Path(unit), text, files::FileReplacement::Existing::Refused);
     return error == ERROR_ALREADY_EXISTS ? ERROR_SERVICE_EXISTS : error;
 }
 
 bool UnitStore::Has(const std::string& unit) const
 {
     const std::string path = Path(unit);
-    FileContent head;
-    return IsRegular(path) && ReadFileHead(path, kMark.size(), head) == ERROR_SUCCESS && head.bytes == kMark;
+    files::FileContent head;
+    return IsRegular(path) && files::ReadFileHead(path, kMark.size(), head) == ERROR_SUCCESS &&
+           head.bytes == kMark;
 }
 
 DWORD UnitStore::Remove(const std::string& unit) const
@@ -116,7 +117,7 @@ DWORD UnitStore::Describe(const std::string& unit, std::string_view text) const
 {
     if (m_directory.empty()) return ERROR_PATH_NOT_FOUND;
     const std::string directory = Path(unit) + ".d";
-    return Write(directory, directory + "/" + kDropIn, text, FileReplacement::Existing::Replaced);
+    return Write(directory, directory + "/" + kDropIn, text, files::FileReplacement::Existing::Replaced);
 }
 
 DWORD UnitStore::Undescribe(const std::string& unit) const
