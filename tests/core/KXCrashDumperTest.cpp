@@ -292,6 +292,9 @@ TEST_F(CrashDumper, HoldsAnExitUntilTheReportIsMade)
 
 TEST_F(CrashDumper, ReportsWithoutADescriptorLeft)
 {
+    if (kSanitized)
+        GTEST_SKIP() << "UndefinedBehaviorSanitizer looks at memory through a pipe: without a descriptor it "
+                        "takes every object for none";
     Place place;
     place.Script();
     EXPECT_EQ(place.Crash("descriptors"), 128 + SIGSEGV);
