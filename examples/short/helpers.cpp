@@ -1,0 +1,49 @@
+#include "Short.h"
+
+#include <vector>
+
+// The small helpers: a lock, text taken apart, numbers, chance, GUIDs, UTF-8, the debug channel.
+namespace {
+
+CKXCritSection lock;
+int nWords = 0;
+
+void CountWord()
+{
+    const CKXAutoLock guard(&lock); // to the end of the function
+    ++nWords;
+}
+
+} // namespace
+
+int main()
+{
+    CKXRandom::Init(); // once, at a client's start
+    std::vector<CString> words;
+    CKXStrHelper::Split("harbour|voyage|remote", "|", words);
+    for (const CString& strWord : words) {
+        CountWord();
+        KXPrintDebugStr("word %s\n", strWord.GetString()); // seen with KX_DEBUG=1
+    }
+    const int nWord = CKXRandom::GetRandom(0, 2);
+
+    std::vector<int> numbers;
+    CKXNum::ApartNums("lesson 12, page 3", numbers);
+    const COleDateTime when = CKXStrHelper::String2DateTime("2009-03-14 08:05:09");
+
+    CString strId;
+    CreateGUIDString(strId);
+    GUID id;
+    String2GUID(strId, id);
+    CString strAgain;
+    GUID2String(id, strAgain);
+
+    const CKXAutoResHandle resources(
+        nullptr); // resources are looked up in the executable, to the end of the scope
+    const CString strHello = KXText::FromUtf8("你好"); // in the code page of the process, 936
+    std::printf("%s: %d words, %s\n", KXText::ToUtf8(strHello).c_str(), nWords, strId.GetString());
+    return nWords == 3 && nWord <= 2 && numbers.size() == 2 && when.GetStatus() == COleDateTime::valid &&
+                   strAgain == strId && strHello.GetLength() == 4
+               ? 0
+               : 1;
+}
