@@ -3,6 +3,7 @@
 #include "KXAutoLock.h"
 #include "core/LogLine.h"
 #include "core/LogQueue.h"
+#include "internal/Debug.h"
 #include "platform/Clock.h"
 #include "platform/Crash.h"
 #include "platform/Debug.h"
@@ -74,7 +75,11 @@ CKXLogSys::~CKXLogSys()
 int CKXLogSys::Initialize(CString const& strFilePath)
 {
     if (m_hWakeEvent) return 0;
-    if (!m_fileLog.Open(strFilePath, CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite)) return 0;
+    if (!m_fileLog.Open(strFilePath, CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite)) {
+        kx::debug::Tell("log", "%s can't be opened; lines wait until there is a log",
+                        strFilePath.GetString());
+        return 0;
+    }
     const HANDLE hWakeEvent = CreateEventA(nullptr, FALSE, FALSE, nullptr);
     m_hStopEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     if (!hWakeEvent || !m_hStopEvent) {

@@ -1,11 +1,14 @@
 #include "include/platform/Module.h"
+#include "internal/Debug.h"
 #include "platform/Errno.h"
 #include "platform/gdi/Copies.h"
 #include "platform/gdi/Icon.h"
 #include "platform/gdi/ImageFile.h"
 #include "platform/module/RegularFile.h"
 
+#include <array>
 #include <new>
+#include <string_view>
 
 using namespace kx::gdi;
 using kx::module::RegularFile;
@@ -87,7 +90,21 @@ HANDLE FromResource(HINSTANCE hInstance, const char* pszName, UINT nType, int cx
     return Make({data, SizeofResource(hInstance, found)}, false, nType, cx, cy);
 }
 
+// The beginning of a reason; empty without one.
+thread_local std::array<char, 128> t_refusal{};
+
 } // namespace
+
+void kx::gdi::NoteRefusal(const char* pszReason) noexcept
+{
+    if (!*pszReason || kx::debug::Wants("picture"))
+        t_refusal[std::string_view(pszReason).copy(t_refusal.data(), t_refusal.size() - 1)] = '\0';
+}
+
+const char* kx::gdi::LastRefusal() noexcept
+{
+    return t_refusal.data();
+}
 
 HANDLE LoadImageA(HINSTANCE hInstance, const char* pszName, UINT nType, int cx, int cy, UINT nFlags)
 {
@@ -96,7 +113,12 @@ HANDLE LoadImageA(HINSTANCE hInstance, const char* pszName, UINT nType, int cx, 
     if ((nType != IMAGE_BITMAP && nType != IMAGE_ICON) || cx < 0 || cy < 0 || !pszName || (bFile && bNumber))
         return Refuse(ERROR_INVALID_PARAMETER);
     try {
-        return bFile ? FromFile(pszName, nType, cx, cy) : FromResource(hInstance, pszName, nType, cx, cy);
+        if (!bFile) return FromResource(hInstance, pszName, nType, cx, cy);
+        const HANDLE hImage = FromFile(pszName, nType, cx, cy);
+        if (!hImage)
+            kx::debug::Tell("picture", "%s can't be read as %s; nothing is drawn from it", pszName,
+                            nType == IMAGE_ICON ? "an icon" : "a BMP file");
+        return hImage;
     } catch (const std::bad_alloc&) {
         return Refuse(ERROR_NOT_ENOUGH_MEMORY);
     }

@@ -27,8 +27,9 @@ std::optional<Surface> ReadPng(FileBytes file, int nMaxSide, bool* pbCut = nullp
 
 // Errors of the PNG library leave by a jump over the frames in between, none of which may need a destructor.
 // Nothing is written anywhere.
-[[noreturn]] inline void OnPngError(png_structp png, png_const_charp)
+[[noreturn]] inline void OnPngError(png_structp png, png_const_charp pszReason)
 {
+    NoteRefusal(pszReason);
     png_longjmp(png, 1);
 }
 

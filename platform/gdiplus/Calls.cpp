@@ -3,6 +3,7 @@
 #include "include/platform/CodePage.h"
 #include "include/platform/Error.h"
 #include "include/platform/GdiPlusFlat.h"
+#include "internal/Debug.h"
 #include "platform/Immortal.h"
 #include "platform/sync/Mutex.h"
 
@@ -39,6 +40,7 @@ private:
 };
 
 kx::Immortal<Starts> g_starts;
+std::atomic<bool> g_bTold{false}; // that there was no start
 
 } // namespace
 
@@ -47,12 +49,21 @@ bool kx::gdiplus::Started() noexcept
     return g_starts->Any();
 }
 
+Gdiplus::Status kx::gdiplus::NotStarted() noexcept
+{
+    if (kx::debug::Wants("picture") && !g_bTold.exchange(true))
+        kx::debug::Tell("picture",
+                        "GdiplusStartup was not called, or ended; no picture and no gradient is drawn");
+    return Gdiplus::GdiplusNotInitialized;
+}
+
 Gdiplus::GpStatus Gdiplus::GdiplusStartup(std::uintptr_t* pToken, const GdiplusStartupInput* pInput,
                                           GdiplusStartupOutput*)
 try {
     if (!pToken || !pInput) return InvalidParameter;
     if (pInput->GdiplusVersion != 1) return UnsupportedGdiplusVersion;
     *pToken = g_starts->Begin();
+    g_bTold = false;
     return Ok;
 } catch (const std::bad_alloc&) {
     return OutOfMemory;

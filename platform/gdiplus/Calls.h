@@ -12,12 +12,14 @@ namespace kx::gdiplus {
 
 // Whether a start has not been ended yet. Any thread.
 bool Started() noexcept;
+// The status of a call before the start. Tells of the first one, to who listens.
+Gdiplus::Status NotStarted() noexcept;
 
 // Runs a call's body if the layer is started. A lack of memory becomes its status.
 template <class Body>
 Gdiplus::Status Guarded(Body&& body) noexcept
 try {
-    return Started() ? body() : Gdiplus::GdiplusNotInitialized;
+    return Started() ? body() : NotStarted();
 } catch (const std::bad_alloc&) {
     return Gdiplus::OutOfMemory;
 }

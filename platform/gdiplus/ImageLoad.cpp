@@ -1,5 +1,7 @@
 #include "include/platform/Error.h"
+#include "internal/Debug.h"
 #include "platform/gdi/Bitmap.h"
+#include "platform/gdi/ImageFile.h"
 #include "platform/gdiplus/Calls.h"
 #include "platform/gdiplus/Decode.h"
 #include "platform/gdiplus/Image.h"
@@ -75,6 +77,32 @@ Status ReadWhole(IStream& stream, File& file)
     return status;
 }
 
+const char* ReasonOf(Status status) noexcept
+{
+    if (*kx::gdi::LastRefusal()) return kx::gdi::LastRefusal();
+    switch (status) {
+    case UnknownImageFormat:
+        return "it is no picture of a known format";
+    case FileNotFound:
+        return "it isn't there";
+    case AccessDenied:
+        return "it may not be read";
+    case OutOfMemory:
+        return "it is too large";
+    default:
+        return "its content is damaged";
+    }
+}
+
+// The status, told to who listens where it is a refusal.
+Status Told(Status status, const std::string& name) noexcept
+{
+    if (status != Ok)
+        kx::debug::Tell("picture", "%s is refused: %s; the picture stays empty", name.c_str(),
+                        ReasonOf(status));
+    return status;
+}
+
 // All pictures are bitmaps, whichever of both a call gives.
 template <class Result>
 GpStatus FromBytes(const File& file, StreamRef stream, Result** ppImage)
@@ -90,8 +118,10 @@ GpStatus FromFile(const WCHAR* pszPath, Result** ppImage) noexcept
     return MakeObject(ppImage, [&] {
         if (!pszPath) return InvalidParameter;
         File file;
-        const GpStatus status = ReadWhole(pszPath, file);
-        return status == Ok ? FromBytes(file, nullptr, ppImage) : status;
+        kx::gdi::NoteRefusal("");
+        GpStatus status = ReadWhole(pszPath, file);
+        if (status == Ok) status = FromBytes(file, nullptr, ppImage);
+        return kx::debug::Wants("picture") ? Told(status, ToCodePage(pszPath)) : status;
     });
 }
 
@@ -101,8 +131,10 @@ GpStatus FromStream(IStream* pStream, Result** ppImage) noexcept
     return MakeObject(ppImage, [&] {
         if (!pStream) return InvalidParameter;
         File file;
-        const GpStatus status = ReadWhole(*pStream, file);
-        return status == Ok ? FromBytes(file, Refer(pStream), ppImage) : status;
+        kx::gdi::NoteRefusal("");
+        GpStatus status = ReadWhole(*pStream, file);
+        if (status == Ok) status = FromBytes(file, Refer(pStream), ppImage);
+        return kx::debug::Wants("picture") ? Told(status, "a stream") : status;
     });
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "include/platform/GdiPlusTypes.h"
+#include "internal/Debug.h"
+#include "platform/gdi/ImageFile.h"
 
 #include <csetjmp>
 #include <cstdio> // jpeglib.h needs it
@@ -17,7 +19,14 @@ protected:
     JpegErrors() noexcept
     {
         jpeg_std_error(this);
-        error_exit = [](j_common_ptr jpeg) { std::longjmp(static_cast<JpegErrors*>(jpeg->err)->m_jump, 1); };
+        error_exit = [](j_common_ptr jpeg) {
+            if (debug::Wants("picture")) {
+                char text[JMSG_LENGTH_MAX];
+                jpeg->err->format_message(jpeg, text);
+                gdi::NoteRefusal(text);
+            }
+            std::longjmp(static_cast<JpegErrors*>(jpeg->err)->m_jump, 1);
+        };
         emit_message = [](j_common_ptr, int) {};
         output_message = [](j_common_ptr) {};
     }

@@ -1,6 +1,10 @@
 #include "platform/gdiplus/TiffFile.h"
 
+#include "internal/Debug.h"
+#include "platform/gdi/ImageFile.h"
+
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -54,6 +58,15 @@ toff_t Seek(thandle_t handle, toff_t nMove, int nOrigin) noexcept
     return memory.at = nMove;
 }
 
+int OnError(TIFF*, void*, const char*, const char* pszFormat, va_list args) noexcept
+{
+    if (!debug::Wants("picture")) return 1;
+    std::array<char, 128> text;
+    std::vsnprintf(text.data(), text.size(), pszFormat, args);
+    gdi::NoteRefusal(text.data());
+    return 1;
+}
+
 int Silent(TIFF*, void*, const char*, const char*, va_list) noexcept
 {
     return 1;
@@ -71,7 +84,7 @@ TiffHandle OpenTiff(TiffMemory& memory, const char* pszMode, std::int64_t nMaxBl
     const std::unique_ptr<TIFFOpenOptions, FreeOptions> options(TIFFOpenOptionsAlloc());
     if (!options) return nullptr;
     TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), nMaxBlock);
-    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), Silent, nullptr);
+    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), OnError, nullptr);
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), Silent, nullptr);
     return TiffHandle(TIFFClientOpenExt(
         "", pszMode, &memory, Read, Write, Seek, [](thandle_t) { return 0; }, SizeOf, nullptr, nullptr,

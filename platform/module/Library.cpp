@@ -1,5 +1,6 @@
 #include "include/platform/Host.h"
 #include "include/platform/Module.h"
+#include "internal/Debug.h"
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
 #include "platform/files/Path.h"
@@ -116,11 +117,15 @@ void KXHost::SetExecutablePath(const std::string& strPath)
 HMODULE LoadLibraryA(const char* pszFileName)
 try {
     const auto file = RegularFile::Open(pszFileName);
-    if (!file) return nullptr;
+    if (!file) {
+        kx::debug::Tell("module", "%s can't be opened; there is no module", pszFileName ? pszFileName : "");
+        return nullptr;
+    }
     auto bundle = Bundle::Load(*file);
     if (bundle)
         return static_cast<HMODULE>(
             kx::AddHandle(std::make_shared<OpenModule>(std::move(*bundle), file->SystemPath())));
+    kx::debug::Tell("module", "%s is no bundle of resources; there is no module", pszFileName);
     SetLastError(ERROR_RESOURCE_DATA_NOT_FOUND);
     return nullptr;
 } catch (const std::bad_alloc&) {

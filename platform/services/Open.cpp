@@ -1,5 +1,6 @@
 #include "platform/services/Handle.h"
 
+#include "internal/Debug.h"
 #include "platform/Immortal.h"
 #include "platform/sync/Mutex.h"
 
@@ -61,7 +62,9 @@ SC_HANDLE OpenSCManagerA(const char* pszMachine, const char* pszDatabase, DWORD 
             return ERROR_DATABASE_DOES_NOT_EXIST;
         const auto manager = CurrentManager();
         const DWORD error = manager->OpenManager(dwAccess);
-        return error ? error : Name({manager, dwAccess | SC_MANAGER_CONNECT, {}}, hManager);
+        if (!error) return Name({manager, dwAccess | SC_MANAGER_CONNECT, {}}, hManager);
+        kx::debug::Tell("service", "the manager of services can't be opened (error %u)", error);
+        return error;
     });
     return hManager;
 }

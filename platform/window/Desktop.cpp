@@ -1,4 +1,5 @@
 #include "platform/window/Desktop.h"
+#include "internal/Debug.h"
 #include "platform/sync/Mutex.h"
 
 #include "platform/Immortal.h"
@@ -27,17 +28,29 @@ Desktop& Choose()
     return X11Desktop::Keep(std::move(display));
 }
 
+void TellNoDisplay() noexcept
+{
+    const char* pszDisplay = std::getenv("DISPLAY");
+    if (pszDisplay && *pszDisplay)
+        debug::Tell("window", "display %s doesn't answer; windows appear on a desktop in memory", pszDisplay);
+    else
+        debug::Tell("window", "DISPLAY names no display; windows appear on a desktop in memory");
+}
+
 } // namespace
 
 Desktop& Desktop::Instance()
 {
     if (Desktop* chosen = g_desktop.load(std::memory_order_acquire)) return *chosen;
     static Immortal<sync::Mutex> choosing;
-    const sync::MutexLock lock(choosing.Get());
-    if (Desktop* chosen = g_desktop.load()) return *chosen;
-    Desktop& choice = Choose();
-    Desktop* none = nullptr;
-    if (!g_desktop.compare_exchange_strong(none, &choice)) choice.Leave(); // the host was faster
+    {
+        const sync::MutexLock lock(choosing.Get());
+        if (Desktop* chosen = g_desktop.load()) return *chosen;
+        Desktop& choice = Choose();
+        Desktop* none = nullptr;
+        if (!g_desktop.compare_exchange_strong(none, &choice)) choice.Leave(); // the host was faster
+    }
+    if (g_desktop.load() == &HeadlessDesktop::Instance()) TellNoDisplay();
     return *g_desktop.load();
 }
 

@@ -1,5 +1,6 @@
 #include "include/platform/Com.h"
 #include "include/platform/Error.h"
+#include "internal/Debug.h"
 #include "platform/SameGuid.h"
 #include "platform/files/Path.h"
 #include "platform/files/WholeFile.h"
@@ -72,10 +73,13 @@ HRESULT DocumentObject::load(VARIANT path, VARIANT_BOOL* pbSuccess)
 {
     return Replace(pbSuccess, [&]() -> Ref<Tree> {
         if (path.vt != VT_BSTR) return {};
-        const auto source = files::Resolve(ToCodePage(path.bstrVal).c_str());
+        const std::string name = ToCodePage(path.bstrVal);
+        const auto source = files::Resolve(name.c_str());
         files::FileContent file;
-        if (!source || files::ReadWholeFile(source->system, XML_MAX_FILE, file) != ERROR_SUCCESS) return {};
-        return ParseFile(std::move(file.bytes));
+        if (source && files::ReadWholeFile(source->system, XML_MAX_FILE, file) == ERROR_SUCCESS)
+            return ParseFile(std::move(file.bytes), name.c_str());
+        debug::Tell("xml", "%s can't be read; the document stays empty", name.c_str());
+        return {};
     });
 }
 
@@ -162,7 +166,10 @@ try {
     constexpr DWORD kInProcess = 1;
     if (!ppObject) return E_POINTER;
     *ppObject = nullptr;
-    if (g_nInitialized == 0) return CO_E_NOTINITIALIZED;
+    if (g_nInitialized == 0) {
+        kx::debug::Tell("xml", "CoInitialize was not called on this thread; there is no document");
+        return CO_E_NOTINITIALIZED;
+    }
     if (!kx::SameGuid(clsid, CLSID_DOMDocument) || !(dwContext & kInProcess)) return REGDB_E_CLASSNOTREG;
     if (pOuter) return CLASS_E_NOAGGREGATION;
     const auto document = kx::xml::Ref<IXMLDOMDocument>::Adopt(new kx::xml::DocumentObject);

@@ -23,12 +23,13 @@ std::optional<std::string> Decode(std::string bytes);
 std::optional<std::string> Encode(std::string_view utf8, const std::string& encoding);
 
 // Documents from what anybody may have written: null for what is refused, in time and memory that follow the
-// length of the input. Nothing outside of it is ever looked for. Throw std::bad_alloc.
+// length of the input. Nothing outside of it is ever looked for. The name is for the diagnostic of a refusal.
+// Throw std::bad_alloc.
 
 // A file's bytes, in the encoding that they declare.
-Ref<Tree> ParseFile(std::string bytes);
+Ref<Tree> ParseFile(std::string bytes, const char* pszName = "a file");
 // UTF-8, whatever encoding is declared; that becomes the document's.
-Ref<Tree> ParseText(std::string_view utf8);
+Ref<Tree> ParseText(std::string_view utf8, const char* pszName = "a text");
 
 // A node's or a document's markup in UTF-8, a document's declaration without an encoding. Throw
 // std::bad_alloc.

@@ -1,3 +1,4 @@
+#include "internal/Debug.h"
 #include "platform/xml/Markup.h"
 
 #include "include/platform/Xml.h"
@@ -41,7 +42,7 @@ std::size_t CostOf(const xmlNode* nodes) noexcept
 class Parsing
 {
 public:
-    explicit Parsing(std::string_view text) : m_text(text), m_rest(text) {}
+    Parsing(std::string_view text, const char* pszName) : m_text(text), m_rest(text), m_pszName(pszName) {}
     Parsing(const Parsing&) = delete;
     Parsing& operator=(const Parsing&) = delete;
 
@@ -78,6 +79,8 @@ private:
     // Ends the parse in this context, which may be one of an entity.
     void Refuse(void* context) noexcept;
     bool IsTooMuch() const noexcept;
+    // What a refused document gives; tells who listens why.
+    Ref<Tree> Refused(bool bLimit) const noexcept;
     std::size_t Position() const noexcept
     {
         return static_cast<std::size_t>(xmlByteConsumed(m_context.get()));
@@ -86,6 +89,7 @@ private:
 
     const std::string_view m_text;
     std::string_view m_rest;
+    const char* const m_pszName;
     std::size_t m_subsetAt = 0; // where the part of the declaration behind its names begins and ends
     std::size_t m_subsetEnd = 0;
     std::size_t m_nSubset = 0; // read of it
@@ -280,6 +284,18 @@ bool HasRoom(xmlDoc* doc) noexcept
     return true;
 }
 
+Ref<Tree> Parsing::Refused(bool bLimit) const noexcept
+{
+    if (!debug::Wants("xml")) return {};
+    const xmlError& error = m_context->lastError;
+    std::string_view reason = bLimit ? "it goes beyond a limit" : "it isn't well-formed";
+    if (!bLimit && error.message) reason = error.message;
+    reason = reason.substr(0, reason.find('\n'));
+    debug::Tell("xml", "%s is refused at line %d: %.*s; the document stays empty", m_pszName, error.line,
+                static_cast<int>(reason.size()), reason.data());
+    return {};
+}
+
 Ref<Tree> Parsing::Run()
 {
     const Complaints complaints;
@@ -290,9 +306,9 @@ Ref<Tree> Parsing::Run()
     const bool bFull =
         xmlDictGetUsage(m_context->dict) > XML_MAX_DICTIONARY_LIMIT; // which it tells like that too
     if (complaints.NoMemory() && !bFull) throw std::bad_alloc();
-    if (!doc || complaints.NoMemory() || m_bRefused || IsTooMuch()) return {};
-    if (!m_context->wellFormed || m_context->disableSAX) return {};
-    if (doc->intSubset && !HasRoom(doc.get())) return {};
+    if (complaints.NoMemory() || m_bRefused || IsTooMuch()) return Refused(true);
+    if (!doc || !m_context->wellFormed || m_context->disableSAX) return Refused(false);
+    if (doc->intSubset && !HasRoom(doc.get())) return Refused(true);
     ForgetIds(doc.get());
     if (doc->dict) xmlDictSetLimit(doc->dict, 0); // a full one gives null to what changes the tree
     xmlFree(const_cast<xmlChar*>(doc->encoding));
@@ -304,21 +320,24 @@ Ref<Tree> Parsing::Run()
 
 } // namespace
 
-Ref<Tree> ParseFile(std::string bytes)
+Ref<Tree> ParseFile(std::string bytes, const char* pszName)
 {
     const auto text = Decode(std::move(bytes));
-    return text ? ParseText(*text) : Ref<Tree>();
+    if (text) return ParseText(*text, pszName);
+    debug::Tell("xml", "%s is refused: it isn't in the encoding that it declares; the document stays empty",
+                pszName);
+    return {};
 }
 
-Ref<Tree> ParseText(std::string_view utf8)
+Ref<Tree> ParseText(std::string_view utf8, const char* pszName)
 {
     constexpr std::string_view kMark = "\xEF\xBB\xBF";
     if (utf8.starts_with(kMark)) utf8.remove_prefix(kMark.size());
-    Parsing parsing(utf8);
+    Parsing parsing(utf8, pszName);
     Ref<Tree> tree = parsing.Run();
     if (!tree || parsing.HasRightPrefixes()) return tree;
     // For want of memory libxml2 may take half a name. It does so once.
-    const Ref<Tree> again = Parsing(utf8).Run();
+    const Ref<Tree> again = Parsing(utf8, pszName).Run();
     if (!again || MarkupOf(*again, again->DocNode()) != MarkupOf(*tree, tree->DocNode()))
         throw std::bad_alloc();
     return tree;

@@ -1,8 +1,9 @@
 // Sends texts and diagnostics from main, and one text from the destructor of a static object, which an
-// observer hears too. an observer.
+// observer hears too. With an argument it asks for the desktop.
 
 #include "include/platform/Debug.h"
 #include "include/platform/Host.h"
+#include "include/platform/Window.h"
 #include "internal/Debug.h"
 
 #include <cstdlib>
@@ -24,8 +25,9 @@ struct Last
 
 } // namespace
 
-int main()
+int main(int nArgs, char**)
 {
+    if (nArgs > 1) return GetSystemMetrics(SM_CXSCREEN) > 0 ? 0 : 1;
     setenv("KX_DEBUG", "1", 1); // too late to count
     OutputDebugStringA("main\n");
     kx::debug::Tell("skin", "s");

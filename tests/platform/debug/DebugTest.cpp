@@ -145,6 +145,11 @@ TEST(Debug, StandardErrorOnDemandToTheLastStatic)
         EXPECT_EQ(child.Wait(), 0);
         EXPECT_EQ(child.ErrorText(), pszExpected);
     }
+    test::Child child("DebugChild", {"desktop"}, {"KX_DEBUG=window", "DISPLAY=:4711"}, true);
+    EXPECT_EQ(child.Wait(), 0);
+    EXPECT_EQ(child.ErrorText(),
+              "window: display :4711 doesn't answer; windows appear on a desktop in memory\n"
+              "observed static\n");
 }
 
 } // namespace
