@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <platform/Host.h>
 #include <tuple>
+#include <unistd.h>
 #include <utility>
 
 namespace kx::tool {
@@ -103,6 +104,24 @@ int Findings::Print(const std::string& strRoot, bool bJson)
                "\n";
     std::fwrite(out.data(), 1, out.size(), stdout);
     return nErrors + nWarnings > 0 ? Found : Clean;
+}
+
+Progress::Progress()
+    : m_bTerminal(isatty(STDERR_FILENO) != 0), m_next(Clock::now() + std::chrono::milliseconds(400))
+{
+}
+
+Progress::~Progress()
+{
+    if (m_bWritten) std::fputs("\r\033[K", stderr);
+}
+
+void Progress::At(const std::string& what)
+{
+    if (!m_bTerminal || Clock::now() < m_next) return;
+    std::fprintf(stderr, "\r\033[K%.70s", what.c_str());
+    m_bWritten = true;
+    m_next = Clock::now() + std::chrono::milliseconds(100);
 }
 
 CString LibraryPath(const std::string& path, bool bDirectory)

@@ -2,6 +2,7 @@
 
 #include "internal/Finding.h"
 
+#include <chrono>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,25 @@ public:
 
 private:
     std::vector<Finding> m_all;
+};
+
+// What long work is at, on the last line of a terminal; nothing in a pipe, and nothing of what is done sooner
+// than one could read it.
+class Progress
+{
+public:
+    Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+    ~Progress();
+    void At(const std::string& what);
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    const bool m_bTerminal;
+    Clock::time_point m_next; // when the line is written again
+    bool m_bWritten = false;
 };
 
 // "error", "warning" or "note".

@@ -28,7 +28,9 @@ std::vector<Language> ReadLanguages(const std::string& dir, const FindingSink& s
     for (fs::directory_iterator it(dir, error), end; !error && it != end; it.increment(error))
         if (it->is_directory(error) && ids.size() < 1000) ids.push_back(it->path().filename().string());
     std::sort(ids.begin(), ids.end());
+    Progress progress;
     for (const std::string& id : ids) {
+        progress.At("reading " + id);
         const CString strDir = LibraryPath(dir + "/" + id, true);
         if (strDir.IsEmpty()) continue;
         Language one{id, strDir, {}};
@@ -173,8 +175,11 @@ bool ReadSources(const std::string& pattern, Sources& sources)
 {
     glob_t found{};
     const bool bAny = glob(pattern.c_str(), GLOB_BRACE, nullptr, &found) == 0;
-    for (std::size_t n = 0; n < found.gl_pathc; ++n)
+    Progress progress;
+    for (std::size_t n = 0; n < found.gl_pathc; ++n) {
+        progress.At(std::string("reading ") + found.gl_pathv[n]);
         sources.Read(found.gl_pathv[n]);
+    }
     globfree(&found);
     return bAny;
 }

@@ -1,0 +1,81 @@
+#include "tests/tools/kx/Tool.h"
+
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+constexpr char kLog[] = "[2009-03-14 08:05:09] 1 begin\n[2009-03-14 08:05:10] 2 bad\nmore of it\n";
+
+TEST(Show, LogByLevelAndText)
+{
+    const test::TempDir dir;
+    dir.Write("l.txt", kLog);
+    const struct
+    {
+        const char* pszOptions;
+        std::vector<std::string> lines; // but for the last
+        std::string last;
+    } cases[] = {
+        {"", {"[2009-03-14 08:05:09] 1 begin", "[2009-03-14 08:05:10] 2 bad"}, "more of it"},
+        {"--level 2", {"[2009-03-14 08:05:10] 2 bad"}, "more of it"}, // which belongs to the line before
+        {"--match beg", {}, "[2009-03-14 08:05:09] 1 begin"},
+        {"--level 3", {}, ""},
+    };
+    for (const auto& c : cases) {
+        const auto shown = test::Kx(dir, std::string("log l.txt ") + c.pszOptions);
+        EXPECT_EQ(shown.nCode, 0);
+        EXPECT_EQ(shown.lines, c.lines) << c.pszOptions;
+        EXPECT_EQ(shown.last, c.last);
+    }
+    EXPECT_EQ(test::Kx(dir, "log none.txt").nCode, 2);
+    EXPECT_EQ(test::Kx(dir, "log .").nCode, 2);
+}
+
+// A line is shown once, when it is whole; a log that is begun anew from its beginning; and the end is the
+// file's.
+TEST(Show, LogFollowed)
+{
+    const test::TempDir dir;
+    dir.Write("l.txt", kLog);
+    FILE* const pipe =
+        popen(("'" KX_TEST_BIN "/kx' log -f --match begin '" + dir.Path("l.txt") + "'").c_str(), "r");
+    const auto next = [&] {
+        std::string line;
+        for (int ch; (ch = std::fgetc(pipe)) != EOF && ch != '\n';)
+            line += static_cast<char>(ch);
+        return line;
+    };
+    const auto append = [&](const char* psz) { std::ofstream(dir.Path("l.txt"), std::ios::app) << psz; };
+    EXPECT_EQ(next(), "[2009-03-14 08:05:09] 1 begin");
+    append("[2009-03-14 08:05:11] 1 be");
+    append("ginning\n");
+    EXPECT_EQ(next(), "[2009-03-14 08:05:11] 1 beginning");
+    dir.Write("l.txt", "[2010-01-01 00:00:00] 1 begin\n");
+    EXPECT_EQ(next(), "[2010-01-01 00:00:00] 1 begin");
+    std::filesystem::rename(dir.Path("l.txt"), dir.Path("old.txt"));
+    EXPECT_EQ(next(), "");
+    EXPECT_EQ(pclose(pipe), 0);
+}
+
+TEST(Show, ReportByEitherFile)
+{
+    const test::TempDir dir;
+    dir.Write("c.txt", "signal 6\nthread 1\n");
+    dir.Write("c.dmp", "a dump");
+    for (const char* pszFile : {"c.txt", "c.dmp"}) {
+        const auto shown = test::Kx(dir, std::string("report ") + pszFile); // in a pipe no gdb is begun
+        EXPECT_EQ(shown.nCode, 0);
+        EXPECT_THAT(shown.lines, ElementsAre("signal 6"));
+        EXPECT_EQ(shown.last, "thread 1");
+    }
+    const auto none = test::Kx(dir, "report none.txt");
+    EXPECT_EQ(none.nCode, 2);
+    EXPECT_THAT(none.last, HasSubstr("there is no report none.txt"));
+}
+
+} // namespace
