@@ -234,6 +234,9 @@ class Filter:
     def write(self):
         lines = self.path.read_text().split('\n')
         text = re.sub(r'(?ms)^template <>\nstruct std::hash.*?^};', lambda m: '\n' * m.group().count('\n'), '\n'.join(lines))
+        # Several names of one type, each with its line.
+        text = re.sub(r'(?m)^( +)(\w+) (\w+(?:, \w+)+);$',
+                      lambda m: '\n'.join(f'{m[1]}{m[2]} {name};' for name in m[3].split(', ')), text)
         lines = text.split('\n')
         last = max((n for n, line in enumerate(lines) if line.startswith('#include')), default=1)
         for n, line in enumerate(lines):
