@@ -36,6 +36,7 @@ public:
     // Lengths in pixels of a fill's fixed first and last part, along x unless `bHorz` is 0.
     void SetFillParam(int nFirst, int nLast, int bHorz);
 
+    // As SetMultiState was told last; 1 and 1 at first.
     int GetMultiState() const { return m_nMultiState; }
     int IsHorzMultiState() const { return m_bHorzMultiState; }
     // The current state's rectangle in the image.
@@ -79,6 +80,7 @@ protected:
     void DeleteBitmapDC() { m_image.DeleteBitmapDC(); }
     void DeleteBitmap() { m_image.DeleteBitmap(); }
 
+    // Works out where a state, and the three parts of a fill of it, lie in the image.
     void CalcSrcImageRect(int nState);
     void CalcSrcFillRects();
 

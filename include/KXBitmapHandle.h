@@ -49,12 +49,14 @@ private:
         Surface() = default;
         Surface(const Surface&) = delete;
         Surface& operator=(const Surface&) = delete;
+        // What is held, and the steps of CKXBitmapHandle on it.
         ~Surface();
         void CreateBitmapDC();
         void DeleteBitmapDC();
         void DeselectBitmap();
         void DeleteBitmap();
 
+        // The surface, what is in it, and what was in it before.
         HDC m_hDC = nullptr;
         HBITMAP m_hBitmap = nullptr;
         HGDIOBJ m_hOldBitmap = nullptr;

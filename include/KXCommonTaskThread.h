@@ -13,12 +13,14 @@ using KXCommonTaskProc = int (*)(tagKXCommonTask* pTask, HANDLE hStopEvent);
 // A task; derive from it for data of your own.
 struct KX_API tagKXCommonTask
 {
+    // Takes both as they are; nothing is copied.
     explicit tagKXCommonTask(KXCommonTaskProc pfn = nullptr, char const* pszName = nullptr) noexcept
         : pfnTaskProc(pfn), pszTaskName(pszName)
     {
     }
     tagKXCommonTask(const tagKXCommonTask&) = default;
     tagKXCommonTask& operator=(const tagKXCommonTask&) = default;
+    // Ends the task; the thread does so after its run.
     virtual ~tagKXCommonTask();
 
     KXCommonTaskProc pfnTaskProc; // null: the task is only deleted
@@ -33,6 +35,7 @@ struct KX_API tagKXCommonTask
 class KX_API CKXCommonTaskThread
 {
 public:
+    // No thread yet; Initialize follows.
     CKXCommonTaskThread();
     CKXCommonTaskThread(CKXCommonTaskThread const&) = delete;
     CKXCommonTaskThread& operator=(CKXCommonTaskThread const&) = delete;

@@ -60,8 +60,10 @@ public:
     void Unintialize();
 
 protected:
+    // The hook itself: starts the reporter and waits for it.
     static long ExceptionFilter(_EXCEPTION_POINTERS* pExceptionInfo);
 
+    // The filter before the hook, and what Initialize was given last.
     static LPTOP_LEVEL_EXCEPTION_FILTER m_OriginalFilter;
     static int m_bAutoRestart;
     static int m_bAutoSend;

@@ -9,6 +9,7 @@
 class KX_API KX_CAPABILITY("CKXCritSection") CKXCritSection
 {
 public:
+    // A lock that nobody holds.
     CKXCritSection();
     CKXCritSection(const CKXCritSection&) = delete;
     CKXCritSection& operator=(const CKXCritSection&) = delete;

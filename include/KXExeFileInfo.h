@@ -11,6 +11,7 @@ public:
     // The four numbers of a version, each 0 to 65535.
     struct VersionInfo
     {
+        // The four numbers of a version, in their order.
         DWORD dwMajor;
         DWORD dwMinor;
         DWORD dwRevision;

@@ -13,6 +13,7 @@
 // `FindData.cFileName` is the entry's full path.
 struct tagKXFileInfo
 {
+    // The entry's name, attributes, size and times.
     WIN32_FIND_DATAA FindData;
     char szPath[260]; // the directory, ending in a backslash
 };
@@ -24,6 +25,7 @@ struct tagKXDiskInfo
     char szDisplayName[260]; // "Local Disk (C:)"
     char szTypeName[80];     // "Local Disk"
     char szVolumeName[32];   // the three that follow are empty and 0 where the volume can't be read
+    // The file system's name, and the volume's serial number.
     char szFileSystem[32];
     DWORD dwSerialNumber;
     UINT nDriveType; // DRIVE_REMOVABLE, DRIVE_FIXED or DRIVE_CDROM
@@ -138,6 +140,7 @@ public:
     static void CopyDir(CString& strSrc, CString& strDst, KXCopyDirProc pfn, long lParam);
 
 protected:
+    // Works out the four paths, and makes the executable's directory the current one.
     CKXFileSystem();
     virtual ~CKXFileSystem();
 

@@ -20,6 +20,7 @@ public:
     CKXGdiplusImage() = default;
     CKXGdiplusImage(const CKXGdiplusImage& image) = default;
     CKXGdiplusImage& operator=(const CKXGdiplusImage& image) = default;
+    // Ends the picture, unless a copy has it too.
     ~CKXGdiplusImage();
 
     // Empties the object.
@@ -27,6 +28,7 @@ public:
 
     // 1 if there is a picture, also one that couldn't be read; else 0.
     operator int() const { return IsValid(); }
+    // 1 with a picture, which may be one that couldn't be read; else 0.
     int IsValid() const { return m_pImage != nullptr; }
     // The picture, which stays the object's; null without one.
     Gdiplus::Image* GetImage() { return m_pImage.get(); }

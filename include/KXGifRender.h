@@ -19,6 +19,7 @@ public:
     CKXGifRender() = default;
     CKXGifRender(const CKXGifRender& gif) = default;
     CKXGifRender& operator=(const CKXGifRender& gif) = default;
+    // Ends the picture.
     virtual ~CKXGifRender();
 
     // Draws the active frame at its natural size. Nothing for a null `pDC` or without a picture.
@@ -42,6 +43,7 @@ public:
     Gdiplus::Image* GetImage() const { return m_pImage.get(); }
 
 protected:
+    // Whether there is more than one frame.
     int CanPlay() const { return m_nFrameCount > 1; }
     // Makes the next frame active, behind the last one the first. A frame without a delay in the file, or one
     // below 10 ms or above 65,280 ms, takes 100 ms.
@@ -54,6 +56,7 @@ protected:
     // Draws it there.
     void FixRender(Gdiplus::Graphics& graphics, const CRect& rc);
 
+    // Whether the frames move on.
     enum PlayState
     {
         Stopped = 0,
@@ -61,6 +64,7 @@ protected:
         Paused = 2,
     };
 
+    // What Play and Stop have set.
     int m_nPlayState = Stopped;
     std::shared_ptr<Gdiplus::Image> m_pImage;
     DWORD m_nFrameDelay = 100; // of the active frame, in milliseconds

@@ -56,6 +56,7 @@ public:
         Task(CString const& strUrl, CString const& strLocalFile, HWND hNotifyWnd,
              KXDownloadCallback pfnCallback, unsigned int uUserParam);
 
+        // What AddTask was given, and the id that it gave.
         unsigned int uTaskId;
         CString strUrl;
         CString strLocalFile; // empty: what arrives is dropped
@@ -90,6 +91,7 @@ public:
     CString GetLastFailure() const;
 
 protected:
+    // Starts the worker; ends it, cutting the running task short.
     CKXHttpDownloadMgr();
     ~CKXHttpDownloadMgr();
 
@@ -105,6 +107,7 @@ protected:
     void ReleaseTasks();
     void NotifyOrCallback(unsigned int uCode, Task* pTask);
 
+    // The thread's entry: runs the worker of the object that it gets.
     static unsigned DownloadFunc(void* pParam);
     // The worker: 0 at its end, (unsigned)-1 after a task that failed other than by its file not opening.
     unsigned __DownloadFunc(); // NOLINT(bugprone-reserved-identifier): its given name

@@ -80,6 +80,7 @@ public:
     void InsertString(const CString& strKey, CString strValue);
 
 protected:
+    // No language is listed and none is current.
     CKXLanResManager();
     ~CKXLanResManager();
 

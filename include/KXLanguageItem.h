@@ -7,6 +7,7 @@
 // One installed language.
 struct KXLanguageItem
 {
+    // Takes both texts over.
     KXLanguageItem(CString id, CString name) : strID(std::move(id)), strName(std::move(name)) {}
 
     CString strID;   // the name of its directory: what selects and stores it, compared exactly

@@ -82,6 +82,7 @@ public:
     void PushLogEx(LogLevel level, char const* format, ...) __attribute__((format(printf, 3, 4)));
 
 protected:
+    // A log that doesn't run; at its end it stops, and what is queued is lost.
     CKXLogSys();
     ~CKXLogSys();
 

@@ -11,6 +11,7 @@ public:
     CKXMemoryDC() = default;
     CKXMemoryDC(const CKXMemoryDC&) = delete;
     CKXMemoryDC& operator=(const CKXMemoryDC&) = delete;
+    // Releases surface and bitmap.
     virtual ~CKXMemoryDC();
 
     // Releases what is held and makes a surface of `cx` by `cy` pixels. Where there can't be such a bitmap
@@ -19,6 +20,7 @@ public:
     // Releases surface and bitmap, if any. The size stays.
     void Destroy();
 
+    // Surface and bitmap, which stay this object's.
     CDC& GetDC() { return m_dc; }
     CBitmap& GetBitmap() { return m_bitmap; }
     // The size last given to Create; 0 by 0 before that.
@@ -28,6 +30,7 @@ public:
     HBITMAP GetHBitmap() const { return m_bitmap; }
 
 protected:
+    // The surface, its bitmap, and what was selected before that.
     CDC m_dc;
     CBitmap m_bitmap;
     CGdiObject* m_pOldBitmap = nullptr; // the thread's wrapper, which may end before this: never looked into

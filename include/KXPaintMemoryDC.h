@@ -15,6 +15,7 @@ public:
     // Copies to the surface given, unless that was null or there is no bitmap, then releases.
     ~CKXPaintMemoryDC() override;
 
+    // The memory surface, for calls that draw.
     operator CDC&() { return m_dc; }
     operator CDC*() { return &m_dc; }
 

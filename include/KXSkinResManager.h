@@ -74,6 +74,7 @@ public:
     int GetTitleBarAdjust();
 
 protected:
+    // Lists the skins; none is current.
     CKXSkinResManager();
     ~CKXSkinResManager();
 

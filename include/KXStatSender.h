@@ -20,6 +20,7 @@ public:
     // The sender, made at the first call, which must not race with another.
     static CKXStatSender& Instance();
 
+    // Copies what Initialize was given.
     CKXStatSender(CKXStatSender const& other);
     CKXStatSender& operator=(CKXStatSender const& other);
 
@@ -34,9 +35,11 @@ public:
     void UnInitialize() {}
 
 protected:
+    // Nothing is sent before Initialize.
     CKXStatSender();
     ~CKXStatSender();
 
+    // The user's id in the registry: reads it, or stores a new one. Whether that succeeded.
     bool ReadUserId(CString& strId);
     bool SaveUserId(CString const& strId);
 

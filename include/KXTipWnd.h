@@ -14,6 +14,7 @@ class KX_API CKXTipWnd : public CWnd
 
 public:
     CKXTipWnd() = default;
+    // Ends the window.
     ~CKXTipWnd() override;
 
     // Makes the window, hidden: non-zero, or 0 if that can't be or it is there already.
@@ -23,6 +24,7 @@ public:
     // window nothing is seen.
     void ShowTipWnd(const CString& strText, unsigned long dwShowTime);
 
+    // What the tip does with its messages; the message map calls them.
     void OnPaint();
     int OnEraseBkgnd(CDC* pDC);
     void OnShowWindow(int bShow, unsigned int nStatus);

@@ -14,8 +14,10 @@ class KX_API CKXTransparentWnd : public CWnd
 
 public:
     CKXTransparentWnd() = default;
+    // Ends the window.
     ~CKXTransparentWnd() override;
 
+    // What the window does with its messages; the message map calls them.
     void OnPaint();
     void OnShowWindow(int bShow, unsigned int nStatus);
 

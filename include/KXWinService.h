@@ -30,8 +30,10 @@ public:
     // Marks the service for deletion; it isn't stopped first.
     int Delete();
 
+    // Sets the text that describes the service to people.
     int ChangeDesc(CString const& strDescription);
 
+    // Sets when the service is started: a SERVICE_..._START or SERVICE_DISABLED.
     int ChangeStartType(unsigned long dwStartType);
 
     // Starts the service and waits until it runs: 1. A stop that is under way is waited for first. Waits end

@@ -8,9 +8,11 @@
 class KX_API CKXXmlDomDocument
 {
 public:
+    // An empty document; null without CoInitialize.
     CKXXmlDomDocument();
     CKXXmlDomDocument(const CKXXmlDomDocument&) = delete;
     CKXXmlDomDocument& operator=(const CKXXmlDomDocument&) = delete;
+    // Lets go of the document, which lives on with its elements.
     ~CKXXmlDomDocument();
 
     // Load a file or a text in place of what the document held, which elements that the client has keep.
@@ -29,6 +31,7 @@ public:
     CString GetXml() const;
     CString GetText() const;
 
+    // The outermost element; an invalid one in an empty document.
     CKXXmlDomElement GetDocumentElement();
     // Takes the place of the element that was there. Nothing happens if it is invalid.
     void SetDocumentElement(CKXXmlDomElement& element);

@@ -31,8 +31,10 @@ public:
 
     // Stays this object's.
     IXMLDOMElement* GetElementPtr() const { return m_pElement; }
+    // Whether there is an element.
     bool IsValid() const { return m_pElement != nullptr; }
 
+    // The name as it stands in the document, with its prefix.
     CString GetName() const;
     // The text of the element and all in it.
     CString GetText() const;
@@ -44,6 +46,7 @@ public:
 
     // ---- Attributes
 
+    // The attribute's text; empty without it.
     CString GetAttributeString(const char* pszName) const;
     // Also 0 for a text that is no number as a whole or lies beyond 32 bits.
     long GetAttributeInt32(const char* pszName) const;

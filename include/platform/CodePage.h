@@ -9,6 +9,7 @@
 #include "Types.h"
 
 inline constexpr UINT CP_ACP = 0; // whatever GetACP() gives
+// The two code pages that a process can have.
 inline constexpr UINT CP_UTF8 = 65001;
 inline constexpr UINT CP_GBK = 936;
 

@@ -29,6 +29,7 @@ inline constexpr DWORD STATUS_FATAL_APP_EXIT = 0x40000015; // abort
 
 struct EXCEPTION_RECORD
 {
+    // One of the numbers above.
     DWORD ExceptionCode;
     DWORD ExceptionFlags;              // 1: execution can't go on (abort)
     EXCEPTION_RECORD* ExceptionRecord; // null
@@ -40,17 +41,21 @@ struct EXCEPTION_RECORD
 // The thread's state at the crash, as the system hands it over.
 struct CONTEXT
 {
+    // The signal, and the thread that got it.
     std::int32_t nSignal;
     DWORD dwThreadId;
     const void* pSignalInfo;  // a siginfo_t
     const void* pUserContext; // a ucontext_t: registers and signal mask
 };
 
+// What a filter is given: the reason and the state.
 struct _EXCEPTION_POINTERS
 {
+    // Why, and the thread's state.
     EXCEPTION_RECORD* ExceptionRecord;
     CONTEXT* ContextRecord;
 };
+// The same.
 using EXCEPTION_POINTERS = _EXCEPTION_POINTERS;
 
 // What a filter returns.
@@ -58,6 +63,7 @@ inline constexpr long EXCEPTION_EXECUTE_HANDLER = 1; // the process ends by the 
 inline constexpr long EXCEPTION_CONTINUE_SEARCH = 0; // the crash takes its course as without a filter
 inline constexpr long EXCEPTION_CONTINUE_EXECUTION = -1; // the instruction that crashed runs again
 
+// A filter: gets the two records and gives one of the three numbers above.
 using LPTOP_LEVEL_EXCEPTION_FILTER = long (*)(_EXCEPTION_POINTERS*);
 
 // Sets the process's filter; null: none, and the signals are handled as before the first one. Returns the one
@@ -69,14 +75,18 @@ using LPTOP_LEVEL_EXCEPTION_FILTER = long (*)(_EXCEPTION_POINTERS*);
 KX_API LPTOP_LEVEL_EXCEPTION_FILTER
 SetUnhandledExceptionFilter(LPTOP_LEVEL_EXCEPTION_FILTER pFilter) noexcept;
 
+// How a program is started; nothing in it counts.
 struct STARTUPINFOA
 {
     DWORD cb; // its size
 };
+// The same.
 using STARTUPINFO = STARTUPINFOA;
 
+// What CreateProcessA tells of the process.
 struct PROCESS_INFORMATION
 {
+    // The process: the caller closes the handle.
     HANDLE hProcess;
     HANDLE hThread; // null: another process's threads have no handles here
     DWORD dwProcessId;
@@ -98,6 +108,7 @@ KX_API int CreateProcessA(const char* pszProgram, char* pszArguments, void* pPro
                           const char* pszDirectory, STARTUPINFOA* pStartup,
                           PROCESS_INFORMATION* pInformation) noexcept;
 
+// What GetExitCodeProcess gives while the process runs.
 inline constexpr DWORD STILL_ACTIVE = 259;
 
 // The code with which a process ended, 128 plus the signal that ended it, or STILL_ACTIVE; 0 where the

@@ -15,8 +15,10 @@ public:
     CDC() = default;
     CDC(const CDC&) = delete;
     CDC& operator=(const CDC&) = delete;
+    // Ends the surface if it is this object's own.
     ~CDC() override;
 
+    // The handle; null without a surface.
     HDC GetSafeHdc() const { return m_hDC; }
     operator HDC() const { return m_hDC; }
     int Attach(HDC hDC);
@@ -39,6 +41,7 @@ public:
     int SelectObject(CRgn* pRgn);
     CGdiObject* SelectStockObject(int nIndex);
 
+    // As the platform's operations of these names: give the value before.
     COLORREF SetTextColor(COLORREF clr) { return ::SetTextColor(m_hDC, clr); }
     COLORREF GetTextColor() const { return ::GetTextColor(m_hDC); }
     COLORREF SetBkColor(COLORREF clr) { return ::SetBkColor(m_hDC, clr); }
@@ -56,10 +59,12 @@ public:
     {
         return ::Rectangle(m_hDC, pRect->left, pRect->top, pRect->right, pRect->bottom);
     }
+    // As the platform's operations of these names, on this surface.
     int Rectangle(int nLeft, int nTop, int nRight, int nBottom)
     {
         return ::Rectangle(m_hDC, nLeft, nTop, nRight, nBottom);
     }
+    // A rectangle with corners that are quarters of an ellipse of that size.
     int RoundRect(const RECT* pRect, POINT ptEllipse);
     COLORREF GetPixel(int x, int y) const { return ::GetPixel(m_hDC, x, y); }
     COLORREF SetPixel(int x, int y, COLORREF clr) { return ::SetPixel(m_hDC, x, y, clr); }
@@ -72,13 +77,16 @@ public:
     int TransparentBlt(int x, int y, int cx, int cy, CDC* pSrc, int xSrc, int ySrc, int cxSrc, int cySrc,
                        UINT clrKey);
 
+    // As the platform's operations of these names, on this surface.
     int GetClipBox(RECT* pRect) const { return ::GetClipBox(m_hDC, pRect); }
     int SelectClipRgn(CRgn* pRgn);
 
+    // Draws a text into a rectangle, or measures it, by the DT_ flags.
     int DrawText(const CString& str, RECT* pRect, UINT nFormat);
     int DrawText(const char* psz, int nLength, RECT* pRect, UINT nFormat);
     int TextOut(int x, int y, const CString& str);
     CSize GetTextExtent(const CString& str) const;
 
+    // The handle; null without a surface.
     HDC m_hDC = nullptr;
 };

@@ -10,7 +10,9 @@ class KX_API CException
 public:
     CException() = default;
     CException(const CException&) noexcept {} // a copy is its owner's
+    // Copies nothing: an exception keeps how it was made.
     CException& operator=(const CException&) noexcept { return *this; }
+    // Ends the exception.
     virtual ~CException();
 
     // Writes the failure's text, cut to `nMax` - 1 bytes and ended. 0 without a text; the buffer is then
@@ -49,6 +51,7 @@ public:
 class KX_API CFileException : public CException
 {
 public:
+    // What kept a file from being opened, read or written.
     enum Cause
     {
         none = 0,
@@ -65,6 +68,7 @@ public:
         endOfFile = 14,
     };
 
+    // Takes the cause, the system's number and the file's name.
     explicit CFileException(int nCause = none, int nOsError = 0, const char* pszFileName = nullptr)
         : m_cause(nCause), m_lOsError(nOsError), m_strFileName(pszFileName)
     {
@@ -74,6 +78,7 @@ public:
 
     int m_cause;     // a Cause
     long m_lOsError; // errno of the failed call
+    // The file's name as it was given.
     CString m_strFileName;
 };
 

@@ -12,6 +12,7 @@
 class KX_API CFile
 {
 public:
+    // How a file is opened: one of the first three, one way to share, and others by |.
     enum OpenFlags : unsigned
     {
         modeRead = 0x0000,
@@ -28,6 +29,7 @@ public:
         typeText = 0x4000,
         typeBinary = 0x8000,
     };
+    // What a position is counted from.
     enum SeekPosition
     {
         begin = 0,
@@ -70,6 +72,7 @@ public:
     // The size in bytes; 0 for a closed file.
     virtual std::uint64_t GetLength() const;
 
+    // Whether there is a file.
     bool IsOpen() const noexcept { return m_fd >= 0; }
     // The system's number of the open file, -1 for a closed one. The object's own to close.
     int GetDescriptor() const noexcept { return m_fd; }
@@ -77,8 +80,10 @@ public:
     const CString& GetFilePath() const noexcept { return m_strFileName; }
 
 protected:
+    // Throws a CFileException* for a system's error number.
     [[noreturn]] void Throw(int nErrno) const;
 
+    // The descriptor, -1 without a file.
     int m_fd = -1;
     CString m_strFileName;
 

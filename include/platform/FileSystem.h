@@ -15,16 +15,19 @@
 inline constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x1; // no write permission for anyone
 inline constexpr DWORD FILE_ATTRIBUTE_HIDDEN = 0x2;   // the name begins with a point
 inline constexpr DWORD FILE_ATTRIBUTE_SYSTEM = 0x4;   // neither file nor directory: a device, socket or pipe
+// A directory.
 inline constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
 inline constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;        // never given
 inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;         // none of the others
 inline constexpr DWORD FILE_ATTRIBUTE_REPARSE_POINT = 0x400; // a symbolic link; DIRECTORY tells of its target
+// What GetFileAttributesA gives where there is nothing.
 inline constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
 
 // A directory entry. Times are in steps of 100 ns since 1601-01-01 UTC. Only regular files have a size; a
 // link has the size and times of what it leads to.
 struct WIN32_FIND_DATAA
 {
+    // FILE_ATTRIBUTE_ bits; then times, size and name.
     DWORD dwFileAttributes;
     FILETIME ftCreationTime;
     FILETIME ftLastAccessTime;
@@ -72,6 +75,7 @@ KX_API DWORD GetCurrentDirectoryA(DWORD nSize, char* pszBuffer);
 KX_API UINT GetSystemDirectoryA(char* pszBuffer, UINT nSize);  // C:\usr\lib
 KX_API UINT GetWindowsDirectoryA(char* pszBuffer, UINT nSize); // C:\usr
 
+// What GetDriveTypeA gives.
 inline constexpr UINT DRIVE_UNKNOWN = 0;
 inline constexpr UINT DRIVE_NO_ROOT_DIR = 1;
 inline constexpr UINT DRIVE_REMOVABLE = 2;

@@ -15,6 +15,7 @@
 #include "Geometry.h"
 #include "Types.h"
 
+// Handles of a surface and of what is selected into one.
 using HDC = struct HDC__*;
 using HGDIOBJ = void*;
 using HBITMAP = struct HBITMAP__*;
@@ -23,16 +24,20 @@ using HPEN = struct HPEN__*;
 using HBRUSH = struct HBRUSH__*;
 using HFONT = struct HFONT__*;
 
+// What GetPixel gives outside of a surface.
 inline constexpr COLORREF CLR_INVALID = 0xFFFFFFFF;
 
+// The red part of a colour.
 constexpr BYTE GetRValue(COLORREF clr)
 {
     return static_cast<BYTE>(clr);
 }
+// The green part of a colour.
 constexpr BYTE GetGValue(COLORREF clr)
 {
     return static_cast<BYTE>(clr >> 8);
 }
+// The blue part of a colour.
 constexpr BYTE GetBValue(COLORREF clr)
 {
     return static_cast<BYTE>(clr >> 16);
@@ -110,16 +115,21 @@ struct BITMAP
     void* bmBits;      // null
 };
 
+// A colour of a palette.
 struct RGBQUAD
 {
+    // Blue, green, red, and nothing.
     BYTE rgbBlue;
     BYTE rgbGreen;
     BYTE rgbRed;
     BYTE rgbReserved;
 };
 
+// What pixels look like in memory or in a file.
 struct BITMAPINFOHEADER
 {
+    // This record's size; width and height in pixels, a negative height for rows from the top; 1; bits a
+    // pixel.
     DWORD biSize;
     LONG biWidth;
     LONG biHeight;
@@ -135,10 +145,12 @@ struct BITMAPINFOHEADER
 
 struct BITMAPINFO
 {
+    // The record; behind it lie as many colours as the depth asks for.
     BITMAPINFOHEADER bmiHeader;
     RGBQUAD bmiColors[1];
 };
 
+// How the pixels are packed.
 inline constexpr DWORD BI_RGB = 0;
 inline constexpr DWORD BI_RLE8 = 1;
 inline constexpr DWORD BI_RLE4 = 2;
@@ -151,6 +163,7 @@ inline constexpr std::int64_t MAX_BITMAP_PIXELS = std::int64_t{1} << 26;
 // A black bitmap of 32 bits. Null for a bad surface, a size of 0 or below, or too many pixels.
 KX_API HBITMAP CreateCompatibleBitmap(HDC hDC, int cx, int cy);
 
+// What LoadImageA loads, and from where.
 inline constexpr UINT IMAGE_BITMAP = 0;
 inline constexpr UINT IMAGE_ICON = 1;
 inline constexpr UINT LR_LOADFROMFILE = 0x10;
@@ -304,6 +317,7 @@ KX_API COLORREF GetBkColor(HDC hDC);
 KX_API int SetBkMode(HDC hDC, int nMode);
 KX_API int GetBkMode(HDC hDC);
 
+// How DrawTextA places a text.
 inline constexpr UINT DT_LEFT = 0x0;
 inline constexpr UINT DT_TOP = 0x0;
 inline constexpr UINT DT_CENTER = 0x1;

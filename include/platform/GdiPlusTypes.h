@@ -7,15 +7,20 @@
 
 namespace Gdiplus {
 
+// The layer's own names of plain types.
 using REAL = float;
 using INT = std::int32_t;
 using ARGB = std::uint32_t; // 0xAARRGGBB, the colours not multiplied by the alpha
+// One of the PixelFormat numbers below.
 using PixelFormat = INT;
 
+// How a call ended.
 enum Status
 {
+    // It did what was asked.
     Ok = 0,
     GenericError = 1, // broken picture, failed read or write
+                      // An argument makes no sense.
     InvalidParameter = 2,
     OutOfMemory = 3, // also a picture beyond the limits of size
     ObjectBusy = 4,
@@ -33,31 +38,43 @@ enum Status
     PropertyNotFound = 19,
     PropertyNotSupported = 20
 };
+// The same.
 using GpStatus = Status;
 
+// In what lengths are counted.
 enum Unit
 {
+    // The platform's numbers.
     UnitWorld = 0,
     UnitDisplay = 1,
     UnitPixel = 2
 };
+// The same.
 using GpUnit = Unit;
 
+// What lies behind the end of a gradient.
 enum WrapMode
 {
+    // It begins anew.
     WrapModeTile = 0
 };
+// The same.
 using GpWrapMode = WrapMode;
 
+// What lies inside of a path that crosses itself.
 enum FillMode
 {
+    // Every other part, or all.
     FillModeAlternate = 0,
     FillModeWinding = 1
 };
+// The same.
 using GpFillMode = FillMode;
 
+// By how much a picture is turned to the right, and how it is then mirrored.
 enum RotateFlipType
 {
+    // Turned by none, 90, 180 or 270 degrees, mirrored along none, x, y or both.
     RotateNoneFlipNone = 0,
     Rotate90FlipNone = 1,
     Rotate180FlipNone = 2,
@@ -76,38 +93,50 @@ enum RotateFlipType
     Rotate270FlipXY = Rotate90FlipNone
 };
 
+// For what a change of colours holds.
 enum ColorAdjustType
 {
+    // For all.
     ColorAdjustTypeDefault = 0
 };
 
+// What a matrix changes.
 enum ColorMatrixFlags
 {
+    // All colours.
     ColorMatrixFlagsDefault = 0
 };
 
 // A colour as the row (red, green, blue, alpha, 1), each from 0 to 1, times this.
 struct ColorMatrix
 {
+    // By row: what red, green, blue, alpha and 1 give to each.
     REAL m[5][5];
 };
 
+// A point in pixels.
 struct Point
 {
+    // From the left, from the top.
     INT X = 0;
     INT Y = 0;
 };
+// The same.
 using GpPoint = Point;
 
+// A rectangle by its place and size in pixels.
 struct Rect
 {
+    // Place and size.
     INT X = 0;
     INT Y = 0;
     INT Width = 0;
     INT Height = 0;
 };
+// The same.
 using GpRect = Rect;
 
+// How a picture's pixels were stored: their depth, and what they have.
 inline constexpr PixelFormat PixelFormatUndefined = 0;
 inline constexpr PixelFormat PixelFormat1bppIndexed = 0x00030101;
 inline constexpr PixelFormat PixelFormat4bppIndexed = 0x00030402;
@@ -118,14 +147,19 @@ inline constexpr PixelFormat PixelFormat24bppRGB = 0x00021808;
 inline constexpr PixelFormat PixelFormat32bppRGB = 0x00022009;
 inline constexpr PixelFormat PixelFormat32bppARGB = 0x0026200A;
 
+// The number of a property of a picture.
 using PROPID = DWORD;
 inline constexpr PROPID PropertyTagFrameDelay = 0x5100; // hundredths of a second, one for each frame
+// The type of the property that there is: numbers of 32 bits.
 inline constexpr WORD PropertyTagTypeLong = 4;
 
+// A property of a picture.
 struct PropertyItem
 {
+    // Which it is, and how many bytes its value has.
     PROPID id;
     DWORD length; // of the value, in bytes
+    // Its type, and the value, behind this record.
     WORD type;
     void* value;
 };
@@ -137,11 +171,13 @@ inline constexpr GUID FrameDimensionTime{
 inline constexpr GUID FrameDimensionPage{
     0x7462DC86, 0x6180, 0x4C7E, {0x8E, 0x3F, 0xEE, 0x73, 0x33, 0xA7, 0xA4, 0x83}};
 
+// The id of an encoder.
 using CLSID = GUID;
 
 // The texts end in a NUL and live as long as the library.
 struct ImageCodecInfo
 {
+    // What Save takes.
     CLSID Clsid;
     GUID FormatID;
     const WCHAR* CodecName;
@@ -153,11 +189,14 @@ struct ImageCodecInfo
 // Taken and ignored: the encoders have no choices.
 struct EncoderParameters;
 
+// What a long drawing may ask whether to stop.
 using GetThumbnailImageAbort = int (*)(void*);
 using DrawImageAbort = GetThumbnailImageAbort;
 
+// What GdiplusStartup is told: version 1.
 struct GdiplusStartupInput
 {
+    // 1; the rest doesn't count.
     DWORD GdiplusVersion = 1;
     void* DebugEventCallback = nullptr;
     int SuppressBackgroundThread = 0;

@@ -3,14 +3,17 @@
 #include "../KXExport.h"
 #include "Types.h"
 
+// A number of 128 bits that no other has.
 struct GUID
 {
+    // Its parts, as its text shows them.
     std::uint32_t Data1;
     std::uint16_t Data2;
     std::uint16_t Data3;
     std::uint8_t Data4[8];
 };
 
+// How a call ended: below 0 it failed.
 using HRESULT = std::int32_t;
 inline constexpr HRESULT S_OK = 0;
 inline constexpr HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80070057);

@@ -129,8 +129,10 @@ struct MessageBoxRecord
 // The message boxes since the last call, oldest first; at most the newest 1,000.
 KX_API std::vector<MessageBoxRecord> TakeMessageBoxes();
 
+// A message that a window of another process was sent.
 struct SentMessage
 {
+    // The message and its two numbers.
     UINT nMsg = 0;
     WPARAM wParam = 0;
     LPARAM lParam = 0;
@@ -156,6 +158,7 @@ enum class CopyKind
 // A block copy as it was called.
 struct CopyRecord
 {
+    // Which call it was, and its arguments under their names.
     CopyKind kind = CopyKind::BitBlt;
     HDC hDst = nullptr;
     int x = 0;
@@ -169,6 +172,7 @@ struct CopyRecord
     int cySrc = 0;       // for BitBlt `cy`
     COLORREF clrKey = 0; // of TransparentBlt alone
 };
+// Is told of each block copy.
 using CopyObserver = std::function<void(const CopyRecord&)>;
 
 // Calls the observer, in place of the one before, at the start of each BitBlt, StretchBlt and TransparentBlt

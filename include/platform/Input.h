@@ -48,6 +48,7 @@ inline constexpr UINT WM_SYSCHAR = 0x0106;
 // A dead key gives none; the next one gives the character of both.
 inline constexpr UINT WM_CHAR = 0x0102;
 
+// Keys, by the platform's numbers; letters and digits are their own characters.
 inline constexpr UINT VK_BACK = 0x08;
 inline constexpr UINT VK_TAB = 0x09;
 inline constexpr UINT VK_RETURN = 0x0D;
@@ -109,12 +110,15 @@ KX_API HWND SetCapture(HWND hWnd);
 KX_API int ReleaseCapture();
 KX_API HWND GetCapture() noexcept;
 
+// What TrackMouseEvent is asked for: WM_MOUSELEAVE, or no longer.
 inline constexpr DWORD TME_LEAVE = 0x00000002;
 inline constexpr DWORD TME_CANCEL = 0x80000000;
 struct TRACKMOUSEEVENT
 {
+    // The record's size, and what is asked for.
     DWORD cbSize = sizeof(TRACKMOUSEEVENT);
     DWORD dwFlags = 0; // TME_LEAVE, with TME_CANCEL to hear of it no more
+    // The window.
     HWND hwndTrack = nullptr;
     DWORD dwHoverTime = 0; // not used
 };
@@ -144,10 +148,12 @@ KX_API HCURSOR SetCursor(HCURSOR hCursor);
 // input method shows its candidates below. Nothing is drawn. 0 when none of the thread's has the focus.
 KX_API int SetCaretPos(int x, int y);
 
+// The x of a place in an LPARAM, which may be negative.
 constexpr int GET_X_LPARAM(std::intptr_t lParam)
 {
     return static_cast<std::int16_t>(lParam & 0xFFFF);
 }
+// The y of a place in an LPARAM, which may be negative.
 constexpr int GET_Y_LPARAM(std::intptr_t lParam)
 {
     return static_cast<std::int16_t>(lParam >> 16 & 0xFFFF);

@@ -27,9 +27,11 @@
 
 inline constexpr DWORD INTERNET_OPEN_TYPE_PRECONFIG = 0; // as the environment says
 inline constexpr DWORD INTERNET_OPEN_TYPE_DIRECT = 1;    // without a proxy
+// How a URL is opened, and what an answer is asked for.
 inline constexpr DWORD INTERNET_FLAG_TRANSFER_ASCII = 1;
 inline constexpr DWORD HTTP_QUERY_CONTENT_LENGTH = 5;
 
+// Why a transfer failed: the number in a CInternetException.
 inline constexpr DWORD ERROR_INTERNET_TIMEOUT = 12002;
 inline constexpr DWORD ERROR_INTERNET_INTERNAL_ERROR = 12004;
 inline constexpr DWORD ERROR_INTERNET_INVALID_URL = 12005;
@@ -50,6 +52,7 @@ inline constexpr DWORD ERROR_INTERNET_SECURITY_CHANNEL_ERROR = 12157;
 class KX_API CInternetException : public CException
 {
 public:
+    // Takes the number, the session's context and a text for people.
     explicit CInternetException(DWORD dwError, unsigned long dwContext = 0, const char* pszText = nullptr)
         : m_dwError(dwError), m_dwContext(dwContext), m_strText(pszText)
     {
@@ -57,6 +60,7 @@ public:
 
     int GetErrorMessage(char* pszError, UINT nMax, UINT* pHelpId = nullptr) const override;
 
+    // What it was made with.
     DWORD m_dwError;
     unsigned long m_dwContext;
     CString m_strText;
@@ -72,6 +76,7 @@ class Transfer;
 class KX_API CHttpFile
 {
 public:
+    // Made by CInternetSession.
     explicit CHttpFile(std::unique_ptr<kx::http::Transfer> transfer) noexcept;
     CHttpFile(const CHttpFile&) = delete;
     CHttpFile& operator=(const CHttpFile&) = delete;
@@ -93,6 +98,7 @@ private:
     std::unique_ptr<kx::http::Transfer> m_transfer; // null once closed
 };
 
+// Opens URLs, one after the other or several at once.
 class KX_API CInternetSession
 {
 public:

@@ -3,6 +3,7 @@
 #include "../KXExport.h"
 #include "Types.h"
 
+// The one button, and what it gives.
 inline constexpr UINT MB_OK = 0;
 inline constexpr int IDOK = 1;
 

@@ -17,24 +17,29 @@
 
 class CWnd;
 
+// A message and its handler.
 struct AFX_MSGMAP_ENTRY
 {
+    // The message.
     UINT nMessage;
     // Takes the message apart, calls the handler and gives what the message gives.
     LRESULT (*pfnCall)(CWnd& wnd, WPARAM wParam, LPARAM lParam);
 };
 
+// A class's handlers, and its base's.
 struct AFX_MSGMAP
 {
     const AFX_MSGMAP* (*pfnGetBaseMap)(); // null for the last
     const AFX_MSGMAP_ENTRY* lpEntries;    // in the table's order, up to one without a function
 };
 
+// In the class: that it has handlers of its own.
 #define DECLARE_MESSAGE_MAP()                                                                                \
 protected:                                                                                                   \
     static const AFX_MSGMAP* GetThisMessageMap();                                                            \
     const AFX_MSGMAP* GetMessageMap() const override;
 
+// In its source: the class and its base; then its entries, then END_MESSAGE_MAP.
 #define BEGIN_MESSAGE_MAP(the_class, base_class)                                                             \
     const AFX_MSGMAP* the_class::GetMessageMap() const                                                       \
     {                                                                                                        \
@@ -46,6 +51,7 @@ protected:                                                                      
         static constexpr auto pfnBase = [] { return base_class::GetThisMessageMap(); };                      \
         static const AFX_MSGMAP_ENTRY entries[] = {
 
+// Ends the table.
 #define END_MESSAGE_MAP()                                                                                    \
     {                                                                                                        \
         0, nullptr                                                                                           \
@@ -63,6 +69,7 @@ protected:                                                                      
          return call;                                                                                        \
      }},
 
+// A message by number, whose handler gets its two numbers; and those with handlers of their own.
 #define ON_MESSAGE(message, function) KX_ON_MESSAGE(message, wnd.function(wParam, lParam))
 #define ON_WM_CREATE() KX_ON_MESSAGE(WM_CREATE, wnd.OnCreate(reinterpret_cast<CREATESTRUCTA*>(lParam)))
 #define ON_WM_DESTROY() KX_ON_MESSAGE(WM_DESTROY, (wnd.OnDestroy(), 0))
@@ -85,6 +92,7 @@ protected:                                                                      
 // How often it repeats, and the high 16 bits of the LPARAM.
 #define KX_KEY(function)                                                                                     \
     (wnd.function(static_cast<UINT>(wParam), static_cast<WORD>(lParam), static_cast<WORD>(lParam >> 16)), 0)
+// Messages of keys and of the mouse.
 #define ON_WM_KEYDOWN() KX_ON_MESSAGE(WM_KEYDOWN, KX_KEY(OnKeyDown))
 #define ON_WM_KEYUP() KX_ON_MESSAGE(WM_KEYUP, KX_KEY(OnKeyUp))
 #define ON_WM_SYSKEYDOWN() KX_ON_MESSAGE(WM_SYSKEYDOWN, KX_KEY(OnSysKeyDown))

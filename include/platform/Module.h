@@ -14,6 +14,7 @@
 // The process's module state. m_hCurrentResourceHandle is where resource look-ups begin.
 struct AFX_MODULE_STATE
 {
+    // The executable, and the module in which resources are looked up first.
     HINSTANCE m_hCurrentInstanceHandle = nullptr;
     HINSTANCE m_hCurrentResourceHandle = nullptr;
 };
@@ -46,6 +47,7 @@ inline const char* MAKEINTRESOURCEA(WORD nId)
     return reinterpret_cast<const char*>(static_cast<std::uintptr_t>(nId));
 }
 
+// The types of resources that are known by number.
 inline const char* const RT_BITMAP = MAKEINTRESOURCEA(2);
 inline const char* const RT_ICON = MAKEINTRESOURCEA(3);
 

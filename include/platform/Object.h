@@ -7,8 +7,10 @@
 
 class CObject;
 
+// A class at run time: its name, size and base.
 struct KX_API CRuntimeClass
 {
+    // The name and the size of its objects.
     const char* m_lpszClassName;
     int m_nObjectSize;
     UINT m_wSchema;                        // 0xFFFF: not serialised
@@ -19,15 +21,19 @@ struct KX_API CRuntimeClass
     bool IsDerivedFrom(const CRuntimeClass* pBase) const;
 };
 
+// What the framework's classes are derived from.
 class KX_API CObject
 {
 public:
+    // The object's class.
     virtual CRuntimeClass* GetRuntimeClass() const;
     virtual ~CObject();
 
+    // This class.
     static CRuntimeClass* GetThisClass();
     int IsKindOf(const CRuntimeClass* pClass) const { return GetRuntimeClass()->IsDerivedFrom(pClass); }
 
+    // The record of this class.
     static CRuntimeClass classCObject;
 
 protected:
@@ -46,6 +52,7 @@ public:                                                                         
 protected:                                                                                                   \
     static CRuntimeClass* _GetBaseClass();
 
+// In its source: the class and its base.
 #define IMPLEMENT_DYNAMIC(class_name, base_name)                                                             \
     CRuntimeClass class_name::class##class_name = {#class_name, sizeof(class_name), 0xFFFF, nullptr,         \
                                                    &class_name::_GetBaseClass};                              \

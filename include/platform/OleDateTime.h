@@ -6,6 +6,7 @@
 
 #include <cstdint>
 
+// The language in which dates are read: the user's.
 inline constexpr DWORD LANG_USER_DEFAULT = 0x400;
 
 // A date and time of day without a zone: a count of days since 1899-12-30 with the time as its fraction
@@ -13,6 +14,7 @@ inline constexpr DWORD LANG_USER_DEFAULT = 0x400;
 class KX_API COleDateTime
 {
 public:
+    // Whether there is a time.
     enum DateTimeStatus
     {
         valid = 0,
@@ -41,6 +43,7 @@ public:
     // language are ignored.
     int ParseDateTime(const char* pszText, DWORD dwFlags = 0, DWORD dwLanguage = LANG_USER_DEFAULT);
 
+    // Status and days since 30 December 1899.
     DateTimeStatus GetStatus() const noexcept { return m_status; }
     void SetStatus(DateTimeStatus status) noexcept { m_status = status; }
     double GetDays() const noexcept { return m_dt; }
@@ -61,6 +64,7 @@ public:
 
     friend bool operator==(const COleDateTime&, const COleDateTime&) = default;
 
+    // Days since 30 December 1899, and whether they count.
     double m_dt = 0;
     DateTimeStatus m_status = valid;
 };

@@ -12,17 +12,21 @@
 
 namespace KXHost {
 
+// What a service is made of.
 struct ServiceSettings
 {
     CString strDisplayName; // never empty
+    // The program with its arguments, and numbers of Services.h.
     CString strBinaryPath;
     DWORD dwServiceType = SERVICE_WIN32_OWN_PROCESS;
     DWORD dwStartType = SERVICE_DEMAND_START;
     DWORD dwErrorControl = SERVICE_ERROR_NORMAL;
 };
 
+// A service that needs another.
 struct DependentService
 {
+    // Its name, what people read, and its state.
     CString strName;
     CString strDisplayName;
     SERVICE_STATUS status{};
@@ -71,6 +75,7 @@ struct SystemdPlace
                 // taking back what a failed CreateServiceA wrote has ten seconds of its own
 };
 
+// The manager that systemd is at such a place.
 KX_API std::shared_ptr<ServiceManager> MakeSystemdManager(const SystemdPlace& place = {});
 
 // Puts a manager in place of the machine's for handles opened from now on; those that are open keep theirs.

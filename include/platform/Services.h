@@ -18,8 +18,10 @@
 #include "Error.h"
 #include "Types.h"
 
+// A handle of the manager or of a service.
 using SC_HANDLE = struct SC_HANDLE__*;
 
+// Failures of these calls, beside those of Error.h.
 inline constexpr DWORD ERROR_INVALID_LEVEL = 124;
 inline constexpr DWORD ERROR_DEPENDENT_SERVICES_RUNNING = 1051;
 inline constexpr DWORD ERROR_INVALID_SERVICE_CONTROL = 1052;
@@ -52,6 +54,7 @@ inline constexpr DWORD SERVICE_START = 0x10;
 inline constexpr DWORD SERVICE_STOP = 0x20;
 inline constexpr DWORD SERVICE_ALL_ACCESS = 0xF01FF;
 
+// What a service is, and what keeps a setting as it is.
 inline constexpr DWORD SERVICE_NO_CHANGE = 0xFFFFFFFF;
 inline constexpr DWORD SERVICE_WIN32_OWN_PROCESS = 0x10;
 inline constexpr DWORD SERVICE_ERROR_NORMAL = 1;
@@ -61,11 +64,13 @@ inline constexpr DWORD SERVICE_AUTO_START = 2;
 inline constexpr DWORD SERVICE_DEMAND_START = 3;
 inline constexpr DWORD SERVICE_DISABLED = 4;
 
+// A service's state.
 inline constexpr DWORD SERVICE_STOPPED = 1;
 inline constexpr DWORD SERVICE_START_PENDING = 2;
 inline constexpr DWORD SERVICE_STOP_PENDING = 3;
 inline constexpr DWORD SERVICE_RUNNING = 4;
 
+// What a service takes, can be told, and has.
 inline constexpr DWORD SERVICE_ACCEPT_STOP = 1;
 inline constexpr DWORD SERVICE_CONTROL_STOP = 1;
 inline constexpr DWORD SERVICE_CONFIG_DESCRIPTION = 1;
@@ -81,6 +86,7 @@ inline constexpr DWORD SERVICE_STATE_ALL = 3;
 // dwWaitHint milliseconds there is none to be expected.
 struct SERVICE_STATUS
 {
+    // As the platform has it: kind, state, what it takes, exit codes, progress and its hint.
     DWORD dwServiceType;
     DWORD dwCurrentState;
     DWORD dwControlsAccepted;
@@ -90,8 +96,10 @@ struct SERVICE_STATUS
     DWORD dwWaitHint;
 };
 
+// A service's state with its process.
 struct SERVICE_STATUS_PROCESS
 {
+    // As in SERVICE_STATUS.
     DWORD dwServiceType;
     DWORD dwCurrentState;
     DWORD dwControlsAccepted;
@@ -100,23 +108,30 @@ struct SERVICE_STATUS_PROCESS
     DWORD dwCheckPoint;
     DWORD dwWaitHint;
     DWORD dwProcessId; // 0 without a main process
+    // As the platform has it.
     DWORD dwServiceFlags;
 };
 
+// A service in a list.
 struct ENUM_SERVICE_STATUSA
 {
+    // Its name, what people read, and its state.
     char* lpServiceName;
     char* lpDisplayName;
     SERVICE_STATUS ServiceStatus;
 };
 
+// What describes a service to people.
 struct SERVICE_DESCRIPTIONA
 {
+    // The text.
     char* lpDescription;
 };
 
+// What QueryServiceStatusEx is asked for.
 enum SC_STATUS_TYPE : int
 {
+    // A SERVICE_STATUS_PROCESS.
     SC_STATUS_PROCESS_INFO = 0,
 };
 

@@ -5,8 +5,10 @@
 #include "../KXExport.h"
 #include "Types.h"
 
+// What a file looks like to people.
 struct SHFILEINFOA
 {
+    // Icon, its number, attributes, name and kind.
     HICON hIcon;
     int iIcon;
     DWORD dwAttributes;
@@ -14,6 +16,7 @@ struct SHFILEINFOA
     char szTypeName[80];
 };
 
+// What SHGetFileInfoA is asked for.
 inline constexpr UINT SHGFI_LARGEICON = 0x0;
 inline constexpr UINT SHGFI_SMALLICON = 0x1;
 inline constexpr UINT SHGFI_DISPLAYNAME = 0x200;

@@ -11,6 +11,7 @@ class KX_API CStdioFile : public CFile
 {
 public:
     CStdioFile() = default;
+    // Writes what is buffered, and closes.
     ~CStdioFile() override;
 
     int Open(const char* pszFileName, unsigned nOpenFlags, CFileException* pError = nullptr) override;

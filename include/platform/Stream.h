@@ -36,15 +36,19 @@ struct LARGE_INTEGER
 {
     std::int64_t QuadPart;
 };
+// A number of 64 bits.
 struct ULARGE_INTEGER
 {
+    // The number.
     std::uint64_t QuadPart;
 };
 
+// What a position is counted from: the beginning, where one is, the end.
 inline constexpr DWORD STREAM_SEEK_SET = 0;
 inline constexpr DWORD STREAM_SEEK_CUR = 1;
 inline constexpr DWORD STREAM_SEEK_END = 2;
 
+// Failures of streams.
 inline constexpr HRESULT STG_E_INVALIDFUNCTION = static_cast<HRESULT>(0x80030001);
 inline constexpr HRESULT STG_E_MEDIUMFULL = static_cast<HRESULT>(0x80030070);
 

@@ -21,6 +21,7 @@
 class KX_API CString
 {
 public:
+    // From a text, bytes, a character or another string; null is the empty text.
     CString() noexcept : m_pszData(s_empty.text) {}
     CString(const char* psz);
     CString(const char* pch, int nLength);
@@ -30,11 +31,13 @@ public:
     CString(CString&& str) noexcept : m_pszData(str.m_pszData) { str.m_pszData = s_empty.text; }
     ~CString() { Release(); }
 
+    // Takes the text of the other; null is the empty text.
     CString& operator=(const CString& str) noexcept;
     CString& operator=(CString&& str) noexcept;
     CString& operator=(const char* psz);
     CString& operator=(std::string_view text);
 
+    // Length in bytes, and whether it is 0; Empty lets go of the text.
     int GetLength() const noexcept { return GetRep()->length; }
     bool IsEmpty() const noexcept { return GetLength() == 0; }
     void Empty() noexcept;
@@ -43,6 +46,7 @@ public:
 
     // The text, ending in a NUL; valid until the object changes or ends.
     const char* GetString() const noexcept { return m_pszData; }
+    // The text, as GetString gives it, or with its length.
     operator const char*() const noexcept { return m_pszData; }
     operator std::string_view() const noexcept { return View(); }
     std::string_view View() const noexcept { return {m_pszData, static_cast<std::size_t>(GetLength())}; }
@@ -53,6 +57,7 @@ public:
     // Replaces one byte; a position out of range changes nothing.
     void SetAt(int nIndex, char ch);
 
+    // Append a text or a character; null is the empty text.
     CString& operator+=(const CString& str) { return Append(str.View()); }
     CString& operator+=(const char* psz);
     CString& operator+=(char ch) { return Append({&ch, 1}); }
@@ -65,6 +70,7 @@ public:
     void FormatV(const char* pszFormat, va_list args) __attribute__((format(printf, 2, 0)));
     void AppendFormat(const char* pszFormat, ...) __attribute__((format(printf, 2, 3)));
 
+    // The first, the last, or the bytes from a position on; counts and positions are cut to what there is.
     CString Left(int nCount) const;
     CString Right(int nCount) const;
     CString Mid(int nFirst) const;

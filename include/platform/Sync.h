@@ -32,6 +32,7 @@ KX_API void EnterCriticalSection(CRITICAL_SECTION* pSection) noexcept;
 // For the owner; called by another thread it changes nothing.
 KX_API void LeaveCriticalSection(CRITICAL_SECTION* pSection) noexcept;
 
+// A wait without a limit, and what a wait gives.
 inline constexpr DWORD INFINITE = 0xFFFFFFFF;
 inline constexpr DWORD WAIT_OBJECT_0 = 0;
 inline constexpr DWORD WAIT_TIMEOUT = 258;

@@ -11,6 +11,7 @@ class KX_API CTime
 {
 public:
     CTime() = default;
+    // The second since 1970, UTC.
     explicit CTime(std::int64_t nTime) : m_time(nTime) {}
 
     // From local time. `nDST` is 1, 0 or -1 (let the system decide). Throws CInvalidArgException* when the
@@ -22,6 +23,7 @@ public:
     // The clock's present second.
     static CTime GetCurrentTime();
 
+    // The second since 1970, UTC.
     std::int64_t GetTime() const noexcept { return m_time; }
 
     // Local time broken down; null when the instant can't be converted. The record is the caller's.

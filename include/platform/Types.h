@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+// Plain numbers and texts.
 using BOOL = int;
 using BYTE = std::uint8_t;
 using WORD = std::uint16_t;
@@ -15,6 +16,7 @@ using WCHAR = char16_t;
 using LPCSTR = const char*;
 using LPSTR = char*;
 
+// Numbers that hold a pointer.
 using UINT_PTR = std::uintptr_t;
 using WPARAM = std::uintptr_t;
 using LPARAM = std::intptr_t;
@@ -36,17 +38,21 @@ using HGLOBAL = void*;
 inline const HANDLE INVALID_HANDLE_VALUE = reinterpret_cast<HANDLE>(std::intptr_t{-1});
 
 #ifndef TRUE
+// Not 0.
 #define TRUE 1
 #endif
 #ifndef FALSE
+// 0.
 #define FALSE 0
 #endif
 
 // Size of every path buffer, terminator included.
 inline constexpr int MAX_PATH = 260;
 
+// A time in steps of 100 ns since 1601, UTC.
 struct FILETIME
 {
+    // Its lower and upper half.
     DWORD dwLowDateTime;
     DWORD dwHighDateTime;
 };

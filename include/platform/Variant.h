@@ -24,6 +24,7 @@ KX_API void SysFreeString(BSTR bstr);
 // In units; 0 for null.
 KX_API UINT SysStringLen(BSTR bstr);
 
+// What a VARIANT holds.
 using VARTYPE = WORD;
 inline constexpr VARTYPE VT_EMPTY = 0;
 inline constexpr VARTYPE VT_NULL = 1;
@@ -31,10 +32,12 @@ inline constexpr VARTYPE VT_I4 = 3;
 inline constexpr VARTYPE VT_R8 = 5;
 inline constexpr VARTYPE VT_BSTR = 8;
 
+// True or false, as a VARIANT has them.
 using VARIANT_BOOL = std::int16_t;
 inline constexpr VARIANT_BOOL VARIANT_TRUE = -1;
 inline constexpr VARIANT_BOOL VARIANT_FALSE = 0;
 
+// What VariantChangeType fails with.
 inline constexpr HRESULT DISP_E_TYPEMISMATCH = static_cast<HRESULT>(0x80020005);
 inline constexpr HRESULT DISP_E_BADVARTYPE = static_cast<HRESULT>(0x80020008);
 inline constexpr HRESULT DISP_E_OVERFLOW = static_cast<HRESULT>(0x8002000A);
@@ -42,12 +45,14 @@ inline constexpr HRESULT DISP_E_OVERFLOW = static_cast<HRESULT>(0x8002000A);
 // A value and which of the VT_ types it has. It owns its text.
 struct VARIANT
 {
+    // Which of the values counts.
     VARTYPE vt;
     WORD wReserved1;
     WORD wReserved2;
     WORD wReserved3;
     union
     {
+        // A number, a fraction, or a text.
         LONG lVal;
         double dblVal;
         BSTR bstrVal;

@@ -7,12 +7,15 @@
 #include "../KXExport.h"
 #include "Types.h"
 
+// A binary's version.
 struct VS_FIXEDFILEINFO
 {
     DWORD dwSignature; // 0xFEEF04BD
+    // The record's version, as the platform has it.
     DWORD dwStrucVersion;
     DWORD dwFileVersionMS; // major and minor, in the high and the low word
     DWORD dwFileVersionLS; // revision and build, likewise
+    // Further fields, as the platform has them.
     DWORD dwProductVersionMS;
     DWORD dwProductVersionLS;
     DWORD dwFileFlagsMask;

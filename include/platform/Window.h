@@ -19,6 +19,7 @@
 #include "Gdi.h"
 #include "Types.h"
 
+// Messages; those of input are in Input.h.
 inline constexpr UINT WM_NULL = 0x0000;
 inline constexpr UINT WM_CREATE = 0x0001;
 inline constexpr UINT WM_DESTROY = 0x0002;
@@ -27,6 +28,7 @@ inline constexpr UINT WM_SIZE = 0x0005;
 inline constexpr UINT WM_SETFOCUS = 0x0007;
 inline constexpr UINT WM_KILLFOCUS = 0x0008;
 inline constexpr UINT WM_ENABLE = 0x000A; // WPARAM: 1 when it is enabled now
+// More messages.
 inline constexpr UINT WM_PAINT = 0x000F;
 inline constexpr UINT WM_CLOSE = 0x0010;
 inline constexpr UINT WM_QUIT = 0x0012;
@@ -48,6 +50,7 @@ inline constexpr DWORD WS_POPUP = 0x80000000;
 inline constexpr DWORD WS_VISIBLE = 0x10000000;
 inline constexpr DWORD WS_CAPTION = 0x00C00000;
 
+// What ShowWindow and the calls below it are asked for.
 inline constexpr int SW_HIDE = 0;
 inline constexpr int SW_SHOWNOACTIVATE = 4;
 inline constexpr int SW_SHOW = 5;
@@ -61,15 +64,19 @@ inline constexpr int SM_CYSCREEN = 1;
 inline constexpr int SM_CYCAPTION = 4;
 inline constexpr int SM_CYFRAME = 33;
 
+// A window's procedure, and what windows are listed to.
 using WNDPROC = LRESULT (*)(HWND, UINT, WPARAM, LPARAM);
 using WNDENUMPROC = int (*)(HWND, long);
 
+// A class's style.
 inline constexpr UINT CS_VREDRAW = 1;
 inline constexpr UINT CS_HREDRAW = 2;
 inline constexpr UINT CS_DBLCLKS = 8;
 
+// A class of windows.
 struct WNDCLASSA
 {
+    // What its windows call.
     WNDPROC lpfnWndProc = nullptr;
     const char* lpszClassName = nullptr;
     HBRUSH hbrBackground = nullptr; // what the default handling erases with; null: nothing. The caller's.
@@ -81,15 +88,19 @@ struct WNDCLASSA
 // What WM_NCCREATE and WM_CREATE carry in their LPARAM, as a pointer.
 struct CREATESTRUCTA
 {
+    // What CreateWindowExA was given.
     void* lpCreateParams;
     const char* lpszName;
     const char* lpszClass;
+    // Place and size.
     int x, y, cx, cy;
     DWORD style;
 };
 
+// A message on its way.
 struct MSG
 {
+    // The window, the message, and its two numbers.
     HWND hwnd = nullptr;
     UINT message = 0;
     WPARAM wParam = 0;
@@ -183,6 +194,7 @@ KX_API HWND SetFocus(HWND hWnd);
 // The window of the calling thread that has the keyboard; null if none has.
 KX_API HWND GetFocus() noexcept;
 
+// What a timer calls: the window, WM_TIMER, its id and the tick count.
 using TIMERPROC = void (*)(HWND, UINT, UINT_PTR, DWORD);
 // Lets a window of the calling thread get WM_TIMER with that id as WPARAM each time that `nPeriod`
 // milliseconds (10 at least) of the clock have passed, once the thread has nothing else to do; missed ones

@@ -5,8 +5,10 @@
 
 #include "Window.h"
 
+// A paint on its way.
 struct PAINTSTRUCT
 {
+    // The surface.
     HDC hdc = nullptr;
     int fErase = 0; // non-zero: the background is still to be erased
     RECT rcPaint;   // the bounds of what is to be painted
@@ -24,6 +26,7 @@ KX_API int UpdateWindow(HWND hWnd);
 KX_API HDC BeginPaint(HWND hWnd, PAINTSTRUCT* pPaint);
 KX_API int EndPaint(HWND hWnd, const PAINTSTRUCT* pPaint);
 
+// How AnimateWindow shows or hides.
 inline constexpr DWORD AW_HIDE = 0x10000;
 inline constexpr DWORD AW_ACTIVATE = 0x20000;
 inline constexpr DWORD AW_BLEND = 0x80000;

@@ -20,6 +20,7 @@ public:
     CWnd() = default;
     CWnd(const CWnd&) = delete;
     CWnd& operator=(const CWnd&) = delete;
+    // Ends the window if it is this object's own.
     ~CWnd() override;
 
     // ---- The window
@@ -90,6 +91,7 @@ public:
     HWND m_hWnd = nullptr;
 
 protected:
+    // Looks for the message's handler, and without one calls DefWindowProc.
     virtual LRESULT WindowProc(UINT nMsg, WPARAM wParam, LPARAM lParam);
     virtual LRESULT DefWindowProc(UINT nMsg, WPARAM wParam, LPARAM lParam);
     // The window's last sight of this object, which may delete itself here.
@@ -125,6 +127,7 @@ protected:
     void OnRButtonDown(UINT nFlags, CPoint point);
     void OnRButtonUp(UINT nFlags, CPoint point);
 
+    // The class's handlers.
     static const AFX_MSGMAP* GetThisMessageMap();
     virtual const AFX_MSGMAP* GetMessageMap() const;
 
@@ -139,9 +142,11 @@ private:
 class KX_API CPaintDC : public CDC
 {
 public:
+    // Begins the paint; the end of the object ends it.
     explicit CPaintDC(CWnd* pWnd);
     ~CPaintDC() override;
 
+    // What BeginPaint gave.
     PAINTSTRUCT m_ps;
 
 private:
@@ -152,6 +157,7 @@ private:
 class KX_API CClientDC : public CDC
 {
 public:
+    // The surface of a window's client area, given back at the end.
     explicit CClientDC(CWnd* pWnd);
     ~CClientDC() override;
 

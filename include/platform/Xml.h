@@ -31,6 +31,7 @@
 #include "Com.h"
 #include "Variant.h"
 
+// The limits, as told above.
 inline constexpr int XML_MAX_DEPTH = 256;
 inline constexpr int XML_MAX_ATTRIBUTES = 4096;
 inline constexpr int XML_MAX_NAMESPACES = 512;
@@ -44,15 +45,19 @@ inline constexpr UINT XML_MAX_EXPANSION = 10'000'000;
 // {2933BF80-7B36-11D2-B20E-00C04F983E60} and so on
 inline constexpr GUID IID_IXMLDOMNode{
     0x2933BF80, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
+// What QueryInterface and CoCreateInstance are asked for.
 inline constexpr GUID IID_IXMLDOMDocument{
     0x2933BF81, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
+// The list of nodes.
 inline constexpr GUID IID_IXMLDOMNodeList{
     0x2933BF82, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
+// The element.
 inline constexpr GUID IID_IXMLDOMElement{
     0x2933BF86, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 
 struct IXMLDOMNodeList;
 
+// A node of a document.
 struct IXMLDOMNode : IUnknown
 {
     // The name; "#document", "#text", "#cdata-section" or "#comment" for what has none.
@@ -87,6 +92,7 @@ protected:
     ~IXMLDOMNode() = default;
 };
 
+// An element.
 struct IXMLDOMElement : IXMLDOMNode
 {
     // A VT_BSTR. S_FALSE and VT_NULL without such an attribute. What `*pValue` held isn't freed.
@@ -102,6 +108,7 @@ protected:
 // The nodes as they were found; each stays in the list whatever becomes of it in the document.
 struct IXMLDOMNodeList : IUnknown
 {
+    // How many nodes there are.
     virtual HRESULT get_length(long* pnLength) = 0;
     // S_FALSE and null for an index out of range, which begins at 0.
     virtual HRESULT item(long nIndex, IXMLDOMNode** ppNode) = 0;
@@ -110,6 +117,7 @@ protected:
     ~IXMLDOMNodeList() = default;
 };
 
+// A document.
 struct IXMLDOMDocument : IXMLDOMNode
 {
     // Load a file, by a path of this library in a VT_BSTR, or a text. The file's encoding is that of its byte
