@@ -7,6 +7,7 @@
 #include "draw/NoImageMessage.h"
 #include "draw/Pave.h"
 #include "draw/WideText.h"
+#include "internal/Debug.h"
 #include "platform/File.h"
 #include "platform/Module.h"
 
@@ -35,6 +36,7 @@ CSize SizeOf(const Gdiplus::Image& image)
 // Whether the first bytes of a file are those of a picture.
 bool IsPicture(const BYTE* pHead, std::size_t nBytes)
 {
+    const kx::debug::Quiet quiet;
     const auto memory = MemoryStream::CopyOf(pHead, nBytes);
     return !memory.pStream ||
            Gdiplus::Image(memory.pStream.get()).GetLastStatus() != Gdiplus::UnknownImageFormat;
@@ -79,10 +81,18 @@ int CKXGdiplusImage::Load(const char* pszPath)
 {
     return Guard([&] {
         CFile file;
-        if (!file.Open(pszPath, CFile::modeRead | CFile::shareDenyNone)) return 0;
+        if (!file.Open(pszPath, CFile::modeRead | CFile::shareDenyNone)) {
+            kx::debug::Tell("picture", "%s can't be opened; there is no new picture", pszPath ? pszPath : "");
+            return 0;
+        }
         std::array<BYTE, 16> head;
         const std::size_t nHead = file.Read(head.data(), head.size());
-        if (!IsPicture(head.data(), nHead)) return Load(head.data(), nHead); // there is no need of the rest
+        if (!IsPicture(head.data(), nHead)) {
+            kx::debug::Tell("picture", "%s is no picture of a known format; the picture stays empty",
+                            pszPath);
+            const kx::debug::Quiet quiet;
+            return Load(head.data(), nHead); // there is no need of the rest
+        }
         const std::uint64_t nLength = file.GetLength();
         if (nLength > Gdiplus::MAX_IMAGE_BYTES || nLength < nHead) return 0;
         const auto pData = std::make_unique_for_overwrite<BYTE[]>(nLength);

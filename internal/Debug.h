@@ -19,4 +19,15 @@ KX_API bool Wants(std::string_view family) noexcept;
 KX_API void Tell(const char* pszFamily, const char* pszFormat, ...) noexcept
     __attribute__((format(printf, 2, 3)));
 
+// Keeps this thread's diagnostics back, for work whose refusal is no fallback, such as a look whether a file
+// is a picture at all.
+class KX_API Quiet
+{
+public:
+    Quiet() noexcept;
+    Quiet(const Quiet&) = delete;
+    Quiet& operator=(const Quiet&) = delete;
+    ~Quiet();
+};
+
 } // namespace kx::debug

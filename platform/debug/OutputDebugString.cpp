@@ -97,6 +97,8 @@ private:
     std::size_t m_length = 0;
 };
 
+thread_local int t_nQuiet = 0;
+
 } // namespace
 
 void OutputDebugStringA(const char* pszText)
@@ -108,9 +110,19 @@ void OutputDebugStringA(const char* pszText)
     errno = nSaved;
 }
 
+kx::debug::Quiet::Quiet() noexcept
+{
+    ++t_nQuiet;
+}
+
+kx::debug::Quiet::~Quiet()
+{
+    --t_nQuiet;
+}
+
 bool kx::debug::Wants(std::string_view family) noexcept
 {
-    return AnyWantsDiagnostics() || Wish::Get().Has(family);
+    return (AnyWantsDiagnostics() || Wish::Get().Has(family)) && t_nQuiet == 0;
 }
 
 void kx::debug::Tell(const char* pszFamily, const char* pszFormat, ...) noexcept

@@ -48,6 +48,8 @@ TEST(Diagnostics, SayWhatWasLookedForAndWhatIsTakenInstead)
     const CString strText = Named(dir, "a.txt", "no picture");
     const CString strPng = Named(dir, "a.png", std::string("\x89PNG\r\n\x1A\n", 8));
     const CString strJpeg = Named(dir, "a.jpg", std::string("\xFF\xD8\xFF\xD9", 4));
+    const std::string_view pixel("BM\x3A\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\1\0\0\0\1\0\0\0\1\0\x18\0", 30);
+    const CString strBmp = Named(dir, "a.bmp", std::string(pixel) + std::string(28, '\0'));
     const auto about = [](const CString& strPath, const char* pszText) {
         return std::string(strPath.GetString()) + pszText;
     };
@@ -83,12 +85,17 @@ TEST(Diagnostics, SayWhatWasLookedForAndWhatIsTakenInstead)
         {[&] { LoadPicture(strText); },
          "picture: GdiplusStartup was not called, or ended; no picture and no gradient is drawn\n"},
         {[&] { LoadPicture(strText); }, ""},
+        {[&] { LoadPicture("C:\\none.png"); },
+         "picture: C:\\none.png can't be opened; there is no new picture\n"},
         {[&] {
              Gdiplus::GdiplusStartup(&nToken, &input, nullptr);
              LoadFile(strText);
          },
          about("picture: " + strText,
                " is refused: it is no picture of a known format; the picture stays empty\n")},
+        {[&] { LoadPicture(strText); },
+         about("picture: " + strText, " is no picture of a known format; the picture stays empty\n")},
+        {[&] { LoadPicture(strBmp); }, ""}, // nor is a look at its head told of
         {[&] { LoadFile(strPng); },
          about("picture: " + strPng, " is refused: its content is damaged; the picture stays empty\n")},
         {[&] { LoadFile(strJpeg); },
