@@ -4,30 +4,33 @@
 
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <new>
 
 namespace {
 
-// The stamp of one second, kept for the other lines of that second.
+// The stamp of one second, kept for the other lines of that second. Small, as each thread of a client has
+// one.
 struct Stamp
 {
     std::int64_t second = 0;
-    std::array<char, 64> text{};
-    std::size_t length = 0; // 0: there is none yet
+    std::array<char, 23> text{}; // 19 characters, up to the year 9999
+    std::uint8_t length = 0;     // 0: there is none yet
 
     std::string_view At(CTime now)
     {
         if (now.GetTime() == second && length > 0) return {text.data(), length};
         std::tm fields{};
-        length = now.GetLocalTm(&fields)
-                     ? std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &fields)
-                     : 0;
+        length = 0;
+        if (now.GetLocalTm(&fields))
+            length = static_cast<std::uint8_t>(
+                std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &fields));
         second = now.GetTime();
         if (length == 0) {
             constexpr std::string_view invalid = "Invalid DateTime";
-            length = invalid.copy(text.data(), text.size());
+            length = static_cast<std::uint8_t>(invalid.copy(text.data(), text.size()));
         }
         return {text.data(), length};
     }

@@ -25,7 +25,7 @@ namespace {
 
 // What this thread does now: the object that CreateEx makes a window for, and the message being handled.
 thread_local CWnd* t_creating = nullptr;
-thread_local MSG t_message;
+thread_local const MSG* t_message = nullptr;
 
 // Puts back at the end of a scope what stood there, also when a handler throws.
 template <class T>
@@ -69,7 +69,8 @@ LRESULT AfxWndProc(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
     }
     CWnd* wnd = ObjectOf(hWnd);
     if (!wnd) return kx::window::CallClass(hWnd, nMsg, wParam, lParam);
-    const Restore message(t_message, MSG{hWnd, nMsg, wParam, lParam, 0});
+    const MSG current{hWnd, nMsg, wParam, lParam, 0};
+    const Restore message(t_message, &current);
     if (nMsg != WM_NCDESTROY) return wnd->WindowProc(nMsg, wParam, lParam);
     const LRESULT nResult = wnd->WindowProc(nMsg, wParam, lParam);
     kx::framework::Wnds().erase(hWnd);
@@ -120,7 +121,9 @@ LRESULT CWnd::DefWindowProc(UINT nMsg, WPARAM wParam, LPARAM lParam)
 
 LRESULT CWnd::Default()
 {
-    return DefWindowProc(t_message.message, t_message.wParam, t_message.lParam);
+    const MSG none{};
+    const MSG& message = t_message ? *t_message : none;
+    return DefWindowProc(message.message, message.wParam, message.lParam);
 }
 
 const char* AfxRegisterWndClass(UINT nStyle, HCURSOR hCursor, HBRUSH hBackground, HICON hIcon)
