@@ -1,5 +1,5 @@
-# cmake --install: library, headers, find_package files and the pkg-config file, in two components: what a client
-# runs with (Runtime), and what it is built with (Development).
+# cmake --install: library, headers, find_package files and the pkg-config file, in three components: the library that
+# a client runs with (Runtime), what it is built with (Development), and the programs (Tools).
 include(CMakePackageConfigHelpers)
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME Development)
 
@@ -14,10 +14,23 @@ configure_package_config_file(cmake/KXCommonClassConfig.cmake.in KXCommonClassCo
 write_basic_package_version_file(KXCommonClassConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/KXCommonClassConfig.cmake"
               "${CMAKE_CURRENT_BINARY_DIR}/KXCommonClassConfigVersion.cmake"
-              cmake/KXFileVersion.cmake cmake/KXFileVersion.cpp.in
+              cmake/KXClient.cmake cmake/KXFileVersion.cmake cmake/KXFileVersion.cpp.in
     DESTINATION "${KX_CONFIG_DIR}")
 
 # Named from where the file lies, so that `cmake --install --prefix` may put it all anywhere.
 file(RELATIVE_PATH KX_PREFIX_FROM_PC "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/KXCommonClass.pc.in KXCommonClass.pc @ONLY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/KXCommonClass.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+
+# kx_install_program(<target> <section 1 manual page>)
+find_program(KX_GZIP gzip REQUIRED)
+function(kx_install_program target page)
+    target_link_options(${target} PRIVATE LINKER:-z,now)
+    install(TARGETS ${target} EXPORT KXCommonClassTargets
+        RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT Tools)
+    get_filename_component(name "${page}" NAME)
+    add_custom_command(OUTPUT ${name}.gz DEPENDS "${page}" VERBATIM
+        COMMAND "${KX_GZIP}" -9nc "${CMAKE_CURRENT_SOURCE_DIR}/${page}" > ${name}.gz)
+    add_custom_target(${target}_manual ALL DEPENDS ${name}.gz)
+    install(FILES "${CMAKE_CURRENT_BINARY_DIR}/${name}.gz" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT Tools)
+endfunction()

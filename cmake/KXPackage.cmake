@@ -7,6 +7,9 @@ set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL Runtime Development)
+if(KX_BUILD_TOOLS)
+    list(APPEND CPACK_COMPONENTS_ALL Tools)
+endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
@@ -15,29 +18,40 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTOR
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY >=)
 
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libkxcommonclass${PROJECT_VERSION_MAJOR})
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
-set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "common classes for desktop clients
+set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/KXDebian.cmake")
+
+# kx_package(<component> <package> <section> <value of Multi-Arch> <description>)
+function(kx_package component package section multiarch description)
+    string(TOUPPER ${component} upper)
+    set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${package} PARENT_SCOPE)
+    set(CPACK_DEBIAN_${upper}_PACKAGE_SECTION ${section} PARENT_SCOPE)
+    set(CPACK_KX_MULTIARCH_${package} ${multiarch} PARENT_SCOPE)
+    set(CPACK_COMPONENT_${upper}_DESCRIPTION "${description}" PARENT_SCOPE)
+    install(FILES "${PROJECT_BINARY_DIR}/package/changelog.gz" DESTINATION "share/doc/${package}"
+        COMPONENT ${component})
+    install(FILES LICENSE DESTINATION "share/doc/${package}" COMPONENT ${component} RENAME copyright)
+endfunction()
+kx_package(Runtime libkxcommonclass${PROJECT_VERSION_MAJOR} libs same "common classes for desktop clients
 Skins, languages, drawing, log, downloads, statistics, crash reports, INI and
 XML values, files and services for the desktop clients of an English-learning
-product. With the reporter that a crash starts.")
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkxcommonclass-dev)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "common classes for desktop clients, to build with
-Headers, CMake and pkg-config files of libkxcommonclass.")
-set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS Runtime)
+product.")
+kx_package(Development libkxcommonclass-dev libdevel same "common classes for desktop clients, to build with
+Headers, CMake and pkg-config files of libkxcommonclass${PROJECT_VERSION_MAJOR}, for C++20 and later.")
+kx_package(Tools kxcommonclass-tools devel foreign "common classes for desktop clients, their programs
+KXCrashReport.exe, which reports the crash of a client in /usr/bin or of one
+that has it in its own directory, and kx, which checks, makes and shows skins
+and languages, logs and crash reports.")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "fonts-wqy-microhei | fonts-noto-cjk, shared-mime-info")
+set(CPACK_COMPONENT_TOOLS_DEPENDS Runtime)
+set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS Runtime Tools)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "libglib2.0-dev") # for kx_resources
 
 # What Debian's own checks ask of a package beyond its files.
 file(WRITE "${PROJECT_BINARY_DIR}/package/triggers" "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/package/triggers")
-string(TIMESTAMP KX_TODAY "%a, %d %b %Y %H:%M:%S +0000" UTC)
+# The version's own date: packages of several architectures have the same file.
 file(WRITE "${PROJECT_BINARY_DIR}/package/changelog"
     "kxcommonclass (${PROJECT_VERSION}) unstable; urgency=medium\n\n  * The changes are in CHANGELOG.md of the sources.\n\n"
-    " -- ${CPACK_PACKAGE_CONTACT}  ${KX_TODAY}\n")
+    " -- ${CPACK_PACKAGE_CONTACT}  Thu, 26 Nov 2026 00:00:00 +0000\n")
 execute_process(COMMAND gzip -9nf changelog WORKING_DIRECTORY "${PROJECT_BINARY_DIR}/package")
-foreach(KX_COMPONENT Runtime Development)
-    string(TOUPPER ${KX_COMPONENT} KX_UPPER)
-    install(FILES "${PROJECT_BINARY_DIR}/package/changelog.gz" cmake/copyright
-        DESTINATION "share/doc/${CPACK_DEBIAN_${KX_UPPER}_PACKAGE_NAME}" COMPONENT ${KX_COMPONENT})
-endforeach()
 include(CPack)
