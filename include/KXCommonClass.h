@@ -1,6 +1,8 @@
 #pragma once
 
-// All of the library's classes.
+// All of the library's classes, and the calls that their users make beside them: all but platform/Host.h,
+// which is for programs that host or test the library. It may stand behind <X11/Xlib.h>, whose macro Status
+// it makes a type.
 
 #include "KXAutoLock.h"
 #include "KXAutoResHandle.h"
@@ -44,3 +46,12 @@
 #include "KXWinService.h"
 #include "KXXmlDomDocument.h"
 #include "KXXmlDomElement.h"
+
+#include "platform/Clock.h"
+#include "platform/CodePage.h"
+#include "platform/Debug.h"
+#include "platform/Internet.h"
+#include "platform/MessageBox.h"
+#include "platform/Profile.h"
+#include "platform/Registry.h"
+#include "platform/Version.h"

@@ -5,6 +5,11 @@
 #include "Guid.h"
 #include "Types.h"
 
+#ifdef Status // Xlib's macro for int, which as a type serves its users as well
+#undef Status
+using Status = int;
+#endif
+
 namespace Gdiplus {
 
 // The layer's own names of plain types.

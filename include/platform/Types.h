@@ -3,6 +3,11 @@
 // The platform's plain types. Those that stand for a memory layout have a fixed width; signatures elsewhere
 // keep `long` and `unsigned long`, which hold a pointer here.
 
+#if __cplusplus < 202002L
+#error KXCommonClass needs C++20: compile with -std=c++20 or later
+#include "TooOldStandard.h" // isn't there, so the compiler stops here
+#endif
+
 #include <cstdint>
 
 // Plain numbers and texts.
