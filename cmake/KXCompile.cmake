@@ -2,7 +2,7 @@
 add_library(kx_flags INTERFACE)
 target_compile_options(kx_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
-    -Woverloaded-virtual -Wformat=2 -Werror)
+    -Woverloaded-virtual -Wformat=2 $<$<BOOL:${KX_WERROR}>:-Werror>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     target_compile_options(kx_flags INTERFACE -Wthread-safety)
 else()
@@ -11,6 +11,13 @@ else()
     if(KX_PCH) # nor, out of precompiled headers, that the code is the library's at all
         target_compile_options(kx_flags INTERFACE -Wno-array-bounds -Wno-stringop-overflow -Wno-stringop-overread)
     endif()
+endif()
+# Of what is shipped: what Debian hardens programs with.
+add_library(kx_hardened INTERFACE)
+target_link_options(kx_hardened INTERFACE LINKER:-z,relro)
+if(NOT KX_SANITIZE)
+    target_compile_options(kx_hardened INTERFACE -fstack-protector-strong
+        $<$<CONFIG:Release,RelWithDebInfo>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
 endif()
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
