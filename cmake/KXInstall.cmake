@@ -31,6 +31,7 @@ function(kx_install_program target page)
     get_filename_component(name "${page}" NAME)
     add_custom_command(OUTPUT ${name}.gz DEPENDS "${page}" VERBATIM
         COMMAND "${KX_GZIP}" -9nc "${CMAKE_CURRENT_SOURCE_DIR}/${page}" > ${name}.gz)
-    add_custom_target(${target}_manual ALL DEPENDS ${name}.gz)
+    add_custom_target(${target}_manual DEPENDS ${name}.gz)
+    add_dependencies(${target} ${target}_manual)
     install(FILES "${CMAKE_CURRENT_BINARY_DIR}/${name}.gz" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT Tools)
 endfunction()
