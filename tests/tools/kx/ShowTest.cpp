@@ -43,7 +43,7 @@ TEST(Show, LogFollowed)
     const test::TempDir dir;
     dir.Write("l.txt", kLog);
     FILE* const pipe =
-        popen(("'" KX_TEST_BIN "/kx' log -f --match begin '" + dir.Path("l.txt") + "'").c_str(), "r");
+        popen(("'" KX_TEST_BIN "/kx' log -f --match beg '" + dir.Path("l.txt") + "'").c_str(), "r");
     const auto next = [&] {
         std::string line;
         for (int ch; (ch = std::fgetc(pipe)) != EOF && ch != '\n';)
@@ -52,8 +52,9 @@ TEST(Show, LogFollowed)
     };
     const auto append = [&](const char* psz) { std::ofstream(dir.Path("l.txt"), std::ios::app) << psz; };
     EXPECT_EQ(next(), "[2009-03-14 08:05:09] 1 begin");
-    append("[2009-03-14 08:05:11] 1 be");
-    append("ginning\n");
+    append("[2009-03-14 08:05:10] 1 begun\n[2009-03-14 08:05:11] 1 beg");
+    EXPECT_EQ(next(), "[2009-03-14 08:05:10] 1 begun");
+    append("inning\n");
     EXPECT_EQ(next(), "[2009-03-14 08:05:11] 1 beginning");
     dir.Write("l.txt", "[2010-01-01 00:00:00] 1 begin\n");
     EXPECT_EQ(next(), "[2010-01-01 00:00:00] 1 begin");
