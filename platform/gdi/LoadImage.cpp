@@ -7,6 +7,7 @@
 #include "platform/module/RegularFile.h"
 
 #include <array>
+#include <memory>
 #include <new>
 #include <string_view>
 
@@ -90,20 +91,21 @@ HANDLE FromResource(HINSTANCE hInstance, const char* pszName, UINT nType, int cx
     return Make({data, SizeofResource(hInstance, found)}, false, nType, cx, cy);
 }
 
-// The beginning of a reason; empty without one.
-thread_local std::array<char, 128> t_refusal{};
+// The beginning of a reason, made with the first one: room of a thread's own is scarce.
+thread_local std::unique_ptr<std::array<char, 128>> t_refusal;
 
 } // namespace
 
 void kx::gdi::NoteRefusal(const char* pszReason) noexcept
 {
-    if (!*pszReason || kx::debug::Wants("picture"))
-        t_refusal[std::string_view(pszReason).copy(t_refusal.data(), t_refusal.size() - 1)] = '\0';
+    if (*pszReason && !kx::debug::Wants("picture")) return;
+    if (*pszReason && !t_refusal) t_refusal.reset(new (std::nothrow) std::array<char, 128>);
+    if (t_refusal) (*t_refusal)[std::string_view(pszReason).copy(t_refusal->data(), 127)] = '\0';
 }
 
 const char* kx::gdi::LastRefusal() noexcept
 {
-    return t_refusal.data();
+    return t_refusal ? t_refusal->data() : "";
 }
 
 HANDLE LoadImageA(HINSTANCE hInstance, const char* pszName, UINT nType, int cx, int cy, UINT nFlags)
