@@ -7,6 +7,7 @@
 #include "platform/Clock.h"
 #include "platform/Crash.h"
 #include "platform/Debug.h"
+#include "platform/Exception.h"
 
 #include <array>
 #include <cstdarg>
@@ -25,7 +26,7 @@ constexpr std::uint64_t BATCH_BYTES = 56 * 1024;
 // The writer's own copy of a line gives a longer buffer back.
 constexpr int KEPT_LENGTH = 1024;
 
-// Runs a step of the writer, whom no failure ends: false for a full disk or a lack of memory.
+// Runs a step that no failure may leave: false for a full disk or a lack of memory.
 template <class Step>
 bool Try(Step step) noexcept
 {
@@ -74,8 +75,11 @@ CKXLogSys::~CKXLogSys()
 
 int CKXLogSys::Initialize(CString const& strFilePath)
 {
+    constexpr unsigned nFlags = CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite;
     if (m_hWakeEvent) return 0;
-    if (!m_fileLog.Open(strFilePath, CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite)) {
+    int nOpen = 0;
+    Try([&] { nOpen = m_fileLog.Open(strFilePath, nFlags); });
+    if (!nOpen) {
         kx::debug::Tell("log", "%s can't be opened; lines wait until there is a log",
                         strFilePath.GetString());
         return 0;
@@ -231,13 +235,15 @@ void CKXLogSys::PushLogEx(LogLevel level, char const* format, ...)
 }
 
 void CKXLogSys::PushLine(const kx::log::Line& line)
-{
+try {
     {
         const CKXAutoLock lock(&m_lockLog);
         m_listLog.Push(line.View());
         if (m_hWakeEvent && !std::exchange(m_bWoken, true)) SetEvent(m_hWakeEvent);
     }
     AwaitEnd();
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 // In a process whose queue the crash reporter has read no push comes back, as its line would be lost, and

@@ -1,5 +1,6 @@
 #include "core/LogLine.h"
 
+#include "platform/Exception.h"
 #include "platform/Time.h"
 
 #include <array>
@@ -7,7 +8,6 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <new>
 
 namespace {
 
@@ -58,7 +58,7 @@ Line::Line(int nLevel, std::string_view message)
     std::size_t length = 0;
     for (const std::string_view part : parts)
         length += part.size();
-    if (length > static_cast<std::size_t>(std::numeric_limits<int>::max())) throw std::bad_alloc();
+    if (length > static_cast<std::size_t>(std::numeric_limits<int>::max())) AfxThrowMemoryException();
     char* const line = length <= m_fixed.size() ? m_fixed.data() : m_long.GetBuffer(static_cast<int>(length));
     char* at = line;
     for (const std::string_view part : parts)

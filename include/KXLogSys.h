@@ -28,12 +28,12 @@ class Queue;
 // with the local time of the call, the level and the message as it stands: line ends in it make further
 // lines. Lines stand in the order in which they were queued.
 //
-// What becomes of a queued line: while the log runs, the writer takes it, and has handed it to the system at
-// the end of its batch, after which a crash of the process no longer loses it. Lines pushed while the log
-// doesn't run wait; they go ahead of the next line that is pushed while it runs. Uninitialize doesn't drain:
-// what the writer hasn't taken by then waits in the same way, or is lost when the process ends. A line that
-// can't be written (a full disk) is lost, and the writer goes on; the next line that can be written begins on
-// a line of its own. The queue has no bound but memory.
+// While the log runs, the writer takes a queued line, and has handed it to the system at the end of its
+// batch, after which a crash of the process no longer loses it. Lines pushed while the log doesn't run wait;
+// they go ahead of the next line that is pushed while it runs. Uninitialize doesn't drain: lines that the
+// writer hasn't taken by then wait in the same way, or are lost when the process ends. A line that can't be
+// written (a full disk) is lost, and the writer goes on; the next line that can be written begins on a line
+// of its own. The queue has no bound but memory.
 //
 // A child of fork has a log that doesn't run and whose queue is empty, for it to start on a file of its own
 // (platform/Sync.h says what else such a child may call).
@@ -74,7 +74,8 @@ public:
     // log is stopped meanwhile, or memory lacks; 0 at once while the log doesn't run. Any thread.
     int Flush(unsigned long dwMilliseconds);
 
-    // Queues a line. A level below 1 does nothing at all. Any thread.
+    // Queues a line. A level below 1 does nothing at all. Throws CMemoryException*, with nothing queued. Any
+    // thread.
     void PushLog(LogLevel level, CString const& strLog);
 
     // The same with a printf-style message of any length. A format that can't be carried out is logged as it

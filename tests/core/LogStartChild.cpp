@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
@@ -14,8 +15,8 @@
 #include <pthread.h>
 #include <string>
 
-// LogStartChild FILE: starts the log while an allocation fails, each in its turn, and while no thread can be
-// made.
+// LogStartChild FILE: starts the log and queues lines while an allocation fails, each in its turn, and starts
+// it while no thread can be made.
 
 namespace {
 
@@ -40,15 +41,16 @@ long Threads()
         std::_Exit(1);                                                                                       \
     }
 
-int Start(CKXLogSys* pLog, const CString& strFile)
+// Whether a line is queued; the memory exception alone tells that it isn't.
+bool Push(CKXLogSys* pLog, const std::string& line)
 {
     try {
-        return pLog->Initialize(strFile);
-    } catch (CException* pException) {
+        pLog->PushLogEx(CKXLogSys::LogInfo, "%s", line.c_str());
+        return true;
+    } catch (CMemoryException* pException) {
         pException->Delete();
-    } catch (const std::bad_alloc&) {
+        return false;
     }
-    return 0;
 }
 
 } // namespace
@@ -92,7 +94,7 @@ int main(int, char** args)
     for (bool bAll = false; !bAll; ++n) {
         const int nHandles = KXHost::LiveHandles();
         g_nLeft = n;
-        const int nStarted = Start(pLog, strFile);
+        const int nStarted = pLog->Initialize(strFile);
         bAll = g_nLeft >= 0;
         g_nLeft = -1;
         CHECK(nStarted || Threads() == 1);
@@ -101,20 +103,37 @@ int main(int, char** args)
         CHECK(nStarted || pLog->Flush(INFINITE) == 0);
         pLog->Uninitialize();
         CHECK(KXHost::LiveHandles() == nHandles);
-        CHECK(Start(pLog, strFile));
+        CHECK(pLog->Initialize(strFile));
         CHECK(pLog->Flush(INFINITE));
         pLog->Uninitialize();
     }
     CHECK(n > 5);
 
+    const std::string line(100'000, 'x');
+    std::size_t nQueued = 0;
+    n = 0;
+    for (bool bAll = false; !bAll; ++n) {
+        g_nLeft = n;
+        const bool bQueued = Push(pLog, line);
+        bAll = g_nLeft >= 0;
+        g_nLeft = -1;
+        CHECK(bQueued == bAll);
+        nQueued += bQueued;
+    }
+    CHECK(n > 2);
+    CHECK(pLog->Initialize(strFile));
+    CHECK(pLog->Flush(INFINITE));
+    CHECK(text().size() == nQueued * (line.size() + std::strlen("[2009-03-14 08:05:09] 1 \n")));
+    pLog->Uninitialize();
+
     g_bNoThreads = true;
-    CHECK(Start(pLog, strFile));
+    CHECK(pLog->Initialize(strFile));
     pLog->PushLog(CKXLogSys::LogInfo, "waits");
     CHECK(pLog->Flush(INFINITE) == 0);
     pLog->Uninitialize();
     CHECK(text().empty());
     g_bNoThreads = false;
-    CHECK(Start(pLog, strFile));
+    CHECK(pLog->Initialize(strFile));
     CHECK(pLog->Flush(INFINITE));
     CHECK(text().ends_with("] 1 waits\n"));
     pLog->Uninitialize();

@@ -73,24 +73,24 @@ bool HasLines(const std::string& text)
         if (at = text.find(pszLine, at); at == text.npos) return false;
     return text.ends_with('\n');
 }
+struct LogStop
+{
+    LogStop() = default;
+    LogStop(const LogStop&) = delete;
+    LogStop& operator=(const LogStop&) = delete;
+    ~LogStop() { CKXLogSys::GetSingletonPtr()->Uninitialize(); }
+};
 bool Log(const Place& place)
 {
     CKXLogSys* const pLog = CKXLogSys::GetSingletonPtr();
     if (!pLog || !pLog->Initialize(place.Own("a.log"))) return false;
+    const LogStop stop;
     for (int n = 0; n < 5; ++n)
         pLog->PushLogEx(CKXLogSys::LogInfo, "line %d of a log", n);
     pLog->PushLog(CKXLogSys::LogError, "the last");
-    // A stop leaves what is queued, so the lines are waited for; those that found no memory never come.
-    bool bAll = false;
-    for (int n = 0; n < 300 && !bAll; ++n) {
-        {
-            const Pause pause;
-            bAll = HasLines(ReadFile(place.Path("a.log")));
-        }
-        usleep(1'000);
-    }
-    pLog->Uninitialize();
-    return bAll;
+    if (!pLog->Flush(INFINITE)) return false;
+    const Pause pause;
+    return HasLines(ReadFile(place.Path("a.log")));
 }
 bool LogIntact(const Place& place)
 {
