@@ -1,10 +1,9 @@
 #include "tools/KXCrashReport/ReportFiles.h"
 
-#include "platform/UniqueFd.h"
 #include "platform/crash/EntryMatch.h"
+#include "platform/files/WholeFile.h"
 
-#include <cstdio>
-#include <fcntl.h>
+#include <unistd.h>
 
 namespace kx::report {
 
@@ -21,13 +20,10 @@ ReportFiles PlaceOf(std::string_view program, std::string_view dump)
 
 bool WriteWhole(const std::string& path, const std::function<bool(int)>& write)
 {
-    const std::string part = path + ".part";
-    unlink(part.c_str());
-    UniqueFd file(open(part.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-    if (!file) return false;
-    if (write(file.Get()) && std::rename(part.c_str(), path.c_str()) == 0) return true;
-    unlink(part.c_str());
-    return false;
+    unlink(path.c_str()); // one of the same second, or a link that somebody laid there
+    files::FileReplacement file(files::FileReplacement::Existing::Refused);
+    // The crash waits for this, so the disk isn't waited for.
+    return file.Begin(path, 0600) == ERROR_SUCCESS && write(file.Fd()) && file.Commit(false) == ERROR_SUCCESS;
 }
 
 } // namespace kx::report

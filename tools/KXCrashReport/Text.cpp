@@ -1,13 +1,13 @@
 #include "tools/KXCrashReport/Text.h"
 
-#include "platform/UniqueFd.h"
+#include "platform/files/WholeFile.h"
 
 #include <array>
 #include <charconv>
-#include <fcntl.h>
 #include <iconv.h>
 #include <iterator>
 #include <optional>
+#include <utility>
 
 namespace kx::report {
 
@@ -59,13 +59,9 @@ std::string Hex(unsigned long long nValue)
 
 std::string ReadFile(const std::string& path, std::size_t nLimit)
 {
-    const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    std::string content;
-    std::array<char, 4096> block;
-    for (ssize_t got;
-         file && content.size() < nLimit && (got = read(file.Get(), block.data(), block.size())) > 0;)
-        content.append(block.data(), static_cast<std::size_t>(got));
-    return content;
+    files::FileContent content;
+    files::ReadWholeFile(path, nLimit, content); // where there is more, it has the beginning
+    return std::move(content.bytes);
 }
 
 } // namespace kx::report

@@ -1,6 +1,7 @@
 // The crash reporter. The crash filter starts it and waits for it; it stops the crashed process, writes a
 // dump and a text beside it, lets it go, and then sends and restarts as it was asked to.
 
+#include "platform/files/WholeFile.h"
 #include "tools/KXCrashReport/CommandLine.h"
 #include "tools/KXCrashReport/CoreFile.h"
 #include "tools/KXCrashReport/CoreNotes.h"
@@ -49,9 +50,8 @@ bool Report(const CommandLine& line, const ReportFiles& files)
         return WriteDump(fd, tracee, threads, crash, maps);
     });
     const std::string text = ReportText(line, tracee, crash, threads, lines);
-    const bool bText = WriteWhole(files.text, [&](int fd) {
-        return write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size());
-    });
+    const bool bText = WriteWhole(
+        files.text, [&](int fd) { return kx::files::WriteAll(fd, text.data(), text.size()) == 0; });
     return bDump && bText;
 }
 
