@@ -1,7 +1,6 @@
 #include "include/platform/Crash.h"
 #include "platform/Errno.h"
 #include "platform/crash/Filtering.h"
-#include "platform/crash/Orphans.h"
 #include "platform/crash/Process.h"
 #include "platform/crash/SystemPath.h"
 
@@ -18,8 +17,8 @@ namespace {
 
 constexpr std::size_t kMaxText = 32'767;
 
-// What a program is started with: no signal blocked or ignored, and only the standard files open. Made at
-// load, since it allocates.
+// The state that a program is started with: no signal blocked or ignored, and only the standard files open.
+// Made at load, since it allocates.
 class Start
 {
 public:

@@ -1,6 +1,6 @@
 #pragma once
 
-// Which thread is in the crash filter, if any.
+// The thread that is in the crash filter, if any.
 
 namespace kx::crash {
 

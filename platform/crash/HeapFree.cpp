@@ -37,7 +37,7 @@ void kx::crash::PrepareDescriptor() noexcept
     if (g_reserve >= 0) fstat(g_reserve, &g_reserved);
 }
 
-// Not waiting for whoever might write, if it is a pipe.
+// Opens without waiting, as the file may be a pipe that nobody writes to.
 bool KXCrash::IsFileReadable(const char* pszPath) noexcept
 {
     kx::crash::PathText path;

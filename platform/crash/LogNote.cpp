@@ -1,4 +1,4 @@
-// How the crash reporter finds the log's queue in a process: by a note among the library's headers in memory,
+// The crash reporter finds the log's queue in a process by a note among the library's headers in memory,
 // which holds up when the library's file has been replaced meanwhile.
 
 #include "include/platform/Crash.h"

@@ -5,13 +5,15 @@
 #include "platform/Immortal.h"
 #include "platform/UniqueFd.h"
 #include "platform/crash/Filtering.h"
-#include "platform/crash/Orphans.h"
+#include "platform/sync/Mutex.h"
 
 #include <algorithm>
 #include <array>
+#include <new>
 #include <poll.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <vector>
 
 namespace kx::crash {
 
@@ -29,6 +31,29 @@ Reserve& TheReserve() noexcept
 {
     static Immortal<Reserve> reserve;
     return reserve.Get();
+}
+
+// Children whose handle was closed before they ended.
+struct Orphans
+{
+    sync::Mutex lock;
+    std::vector<pid_t> pids KX_GUARDED_BY(lock);
+};
+
+Orphans& TheOrphans()
+{
+    static Immortal<Orphans> orphans;
+    return orphans.Get();
+}
+
+void AddOrphan(pid_t pid) noexcept
+{
+    Orphans& orphans = TheOrphans();
+    const sync::MutexLock lock(orphans.lock);
+    try {
+        orphans.pids.push_back(pid);
+    } catch (const std::bad_alloc&) { // it stays until this process ends
+    }
 }
 
 DWORD CodeOf(const siginfo_t& info) noexcept
@@ -50,7 +75,8 @@ DWORD Process::ExitCode() noexcept
     return m_dwCode;
 }
 
-// Where somebody else has collected it, as by ignoring SIGCHLD, it has ended too, with a code that is lost.
+// A process that somebody else has collected, as by ignoring SIGCHLD, has ended too, with a code that is
+// lost.
 bool Process::TryTake() noexcept
 {
     const sync::MutexLock lock(m_lock);
@@ -99,6 +125,13 @@ void PrepareProcesses() noexcept
         } catch (const std::bad_alloc&) {
         }
     }
+}
+
+void CollectOrphans() noexcept
+{
+    Orphans& orphans = TheOrphans();
+    const sync::MutexLock lock(orphans.lock);
+    std::erase_if(orphans.pids, [](pid_t pid) { return waitpid(pid, nullptr, WNOHANG) != 0; });
 }
 
 NewProcess MakeProcess() noexcept

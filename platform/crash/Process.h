@@ -30,6 +30,10 @@ private:
     DWORD m_dwCode KX_GUARDED_BY(m_lock) = 0;
 };
 
+// Collects the children that have ended since their handle was closed: the system keeps what is left of each
+// until then. Not in a filter.
+void CollectOrphans() noexcept;
+
 // Sets processes with their handles aside for a crash filter, which can't allocate. By one thread at a time.
 void PrepareProcesses() noexcept;
 

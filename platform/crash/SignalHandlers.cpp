@@ -57,7 +57,7 @@ void InstallHandlers(SignalHandler pfnHandler) noexcept
         sigaction(nSignal, &action, nullptr);
 }
 
-// What somebody else has set since stays.
+// A handler that somebody else has set since stays.
 void RemoveHandlers() noexcept
 {
     for (std::size_t n = 0; n < kSignals.size(); ++n) {
@@ -75,7 +75,7 @@ bool ComeAgain(Course course, const siginfo_t& info, void* pUserContext) noexcep
 {
     const int nSignal = info.si_signo;
     struct sigaction action = course == Course::End ? Default() : Before(nSignal);
-    // Who was there before us may hand on to us in turn: then the two would go on for ever.
+    // The handler before ours may hand on to ours in turn: then the two would go on for ever.
     struct sigaction now = Default();
     sigaction(nSignal, nullptr, &now);
     if (now.sa_sigaction == action.sa_sigaction && g_handedOn == gettid()) action = Default();

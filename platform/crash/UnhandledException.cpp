@@ -1,15 +1,18 @@
 #include "include/platform/Crash.h"
-#include "platform/crash/ExceptionRecord.h"
 #include "platform/crash/Filtering.h"
 #include "platform/crash/Process.h"
 #include "platform/crash/SignalHandlers.h"
 #include "platform/crash/SystemPath.h"
 #include "platform/crash/ZoneTable.h"
 #include "platform/sync/AlternateStack.h"
+#include "platform/sync/Fork.h"
+#include "platform/sync/Mutex.h"
 
 #include <atomic>
 #include <cerrno>
-#include <mutex>
+#include <csignal>
+#include <cstdint>
+#include <ucontext.h>
 #include <unistd.h>
 
 namespace kx::crash {
@@ -17,8 +20,97 @@ namespace kx::crash {
 namespace {
 
 constinit std::atomic<LPTOP_LEVEL_EXCEPTION_FILTER> g_pFilter{nullptr};
-constinit std::mutex g_lock;       // one thread at a time sets a filter
-constinit bool g_bHandled = false; // our handlers are in place; guarded by g_lock
+constinit sync::Mutex g_lock;                            // one thread at a time sets a filter
+constinit bool g_bHandled KX_GUARDED_BY(g_lock) = false; // our handlers are in place
+
+// A fork's child may end its parent's crash dumper.
+sync::Mutex& LockOfFork() noexcept
+{
+    return g_lock;
+}
+[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Filter);
+
+struct Place
+{
+    std::uintptr_t instruction = 0;
+    std::uintptr_t stack = 0;
+    bool bWrite = false; // of a bad access, where the processor tells
+};
+
+Place ReadPlace(const void* pUserContext) noexcept
+{
+    const mcontext_t& machine = static_cast<const ucontext_t*>(pUserContext)->uc_mcontext;
+#if defined(__x86_64__)
+    const auto at = [&](int nRegister) { return static_cast<std::uintptr_t>(machine.gregs[nRegister]); };
+    return {at(REG_RIP), at(REG_RSP), (at(REG_ERR) & 2) != 0};
+#elif defined(__aarch64__)
+    return {machine.pc, machine.sp, false};
+#else
+    (void)machine;
+    return {};
+#endif
+}
+
+// A call or push that finds no room touches what lies just beside the stack's end.
+bool IsBesideStack(std::uintptr_t address, std::uintptr_t stack) noexcept
+{
+    constexpr std::uintptr_t kNear = 64 * 1024;
+    return stack != 0 && address + kNear > stack && address < stack + kNear;
+}
+
+DWORD ArithmeticCode(int nCode) noexcept
+{
+    switch (nCode) {
+    case FPE_INTOVF:
+        return EXCEPTION_INT_OVERFLOW;
+    case FPE_FLTDIV:
+        return EXCEPTION_FLT_DIVIDE_BY_ZERO;
+    case FPE_FLTOVF:
+    case FPE_FLTUND:
+    case FPE_FLTRES:
+    case FPE_FLTINV:
+        return EXCEPTION_FLT_INVALID_OPERATION;
+    default:
+        return EXCEPTION_INT_DIVIDE_BY_ZERO;
+    }
+}
+
+DWORD CodeOf(const siginfo_t& info, std::uintptr_t stack) noexcept
+{
+    const bool bKernel = info.si_code > 0; // a fault, no signal that somebody sent
+    switch (info.si_signo) {
+    case SIGSEGV:
+        return bKernel && IsBesideStack(reinterpret_cast<std::uintptr_t>(info.si_addr), stack)
+                   ? EXCEPTION_STACK_OVERFLOW
+                   : EXCEPTION_ACCESS_VIOLATION;
+    case SIGBUS:
+        return info.si_code == BUS_ADRALN ? EXCEPTION_DATATYPE_MISALIGNMENT : EXCEPTION_IN_PAGE_ERROR;
+    case SIGFPE:
+        return ArithmeticCode(info.si_code);
+    case SIGTRAP:
+        return EXCEPTION_BREAKPOINT;
+    case SIGABRT:
+        return STATUS_FATAL_APP_EXIT;
+    default:
+        return EXCEPTION_ILLEGAL_INSTRUCTION;
+    }
+}
+
+// The crash in the platform's terms.
+EXCEPTION_RECORD Describe(const siginfo_t& info, const void* pUserContext) noexcept
+{
+    const Place place = ReadPlace(pUserContext);
+    EXCEPTION_RECORD record{};
+    record.ExceptionCode = CodeOf(info, place.stack);
+    record.ExceptionFlags = info.si_signo == SIGABRT ? 1 : 0;
+    record.ExceptionAddress = reinterpret_cast<void*>(place.instruction);
+    if (info.si_code > 0 && (info.si_signo == SIGSEGV || info.si_signo == SIGBUS)) {
+        record.NumberParameters = 2;
+        record.ExceptionInformation[0] = place.bWrite ? 1 : 0;
+        record.ExceptionInformation[1] = reinterpret_cast<std::uintptr_t>(info.si_addr);
+    }
+    return record;
+}
 
 long CallFilter(const siginfo_t& info, void* pUserContext) noexcept
 {
@@ -30,7 +122,7 @@ long CallFilter(const siginfo_t& info, void* pUserContext) noexcept
     return pFilter(&pointers);
 }
 
-// Where the process ends for sure nobody else gets into the filter any more.
+// Keeps the filter to itself where the process ends for sure: no other thread gets into it any more.
 void OnCrash(int, siginfo_t* pInfo, void* pUserContext)
 {
     const int nErrno = errno;
@@ -67,7 +159,7 @@ LPTOP_LEVEL_EXCEPTION_FILTER SetUnhandledExceptionFilter(LPTOP_LEVEL_EXCEPTION_F
         kx::sync::GuardCallers();
         kx::sync::GuardThread();
     }
-    const std::lock_guard lock(g_lock);
+    const kx::sync::MutexLock lock(g_lock);
     if (pFilter && !g_bHandled) Prepare();
     const LPTOP_LEVEL_EXCEPTION_FILTER pBefore = g_pFilter.exchange(pFilter);
     if (pFilter && !g_bHandled) InstallHandlers(OnCrash);

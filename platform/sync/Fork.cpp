@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <mutex>
 #include <pthread.h>
 
 namespace kx::sync {
@@ -13,20 +12,20 @@ namespace {
 
 struct Steps
 {
-    std::mutex lock; // nothing else is taken while it is held, but by a fork
-    std::array<ForkStep, 24> steps{};
-    std::size_t count = 0;
+    Mutex lock; // nothing else is taken while it is held, but by a fork
+    std::array<ForkStep, 24> steps KX_GUARDED_BY(lock){};
+    std::size_t count KX_GUARDED_BY(lock) = 0;
 };
 constinit Steps g_steps;
 
-void Before()
+void Before() KX_NO_LOCK_ANALYSIS
 {
     g_steps.lock.lock();
     for (std::size_t n = 0; n < g_steps.count; ++n)
         g_steps.steps[n].pfnBefore();
 }
 
-void After(bool bChild)
+void After(bool bChild) KX_NO_LOCK_ANALYSIS
 {
     for (std::size_t n = g_steps.count; n-- > 0;)
         g_steps.steps[n].pfnAfter(bChild);
@@ -37,7 +36,7 @@ void After(bool bChild)
 
 bool AtFork(const ForkStep& step) noexcept
 {
-    const std::lock_guard lock(g_steps.lock);
+    const MutexLock lock(g_steps.lock);
     if (g_steps.count == g_steps.steps.size()) return false;
     if (g_steps.count == 0 && pthread_atfork(
                                   Before, [] { After(false); }, [] { After(true); }) != 0)

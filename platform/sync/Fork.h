@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-// What the library does around a fork. Its locks that a child needs are taken before it, in their order, and
+// Steps of the library around a fork. Its locks that a child needs are taken before it, in their order, and
 // are free behind it on both sides: so what they guard is whole in the child, which has the forking thread
 // alone.
 
@@ -14,6 +14,7 @@ namespace kx::sync {
 enum class ForkOrder : std::uint8_t
 {
     Client, // what uses the platform: the log
+    Filter,
     Profile,
     Executable,
     CurrentDirectory,
