@@ -42,8 +42,8 @@ void CrashBesideTheLog() KX_UNCHECKED_LOCKING
     crashes::OnThread<crashes::CrashByRead>();
 }
 
-// While others look for files the whole time, and so hold the lock of the drives nearly always: each look
-// copies what is known of the drive, which is much here.
+// Other threads look for files the whole time, and so hold the lock of the drives nearly always: each look
+// copies all that is known of the drive, which is much here.
 void CrashBesideSearches(KXHost::Drive drive)
 {
     drive.strLabel.assign(1 << 20, 'x');
@@ -60,7 +60,7 @@ void CrashBesideSearches(KXHost::Drive drive)
     crashes::CrashByRead();
 }
 
-// With more mappings than are counted on, all of them before the stack.
+// Crashes with more mappings than are counted on, all of them before the stack.
 void CrashWithManyMappings()
 {
     constexpr std::size_t nPages = 50'000, nPage = 4096;
@@ -70,7 +70,7 @@ void CrashWithManyMappings()
     crashes::CrashByRead();
 }
 
-// Without a descriptor left.
+// Crashes without a descriptor left.
 void CrashWithoutDescriptors()
 {
     const rlimit few{64, 64};
@@ -91,7 +91,7 @@ void AwaitReporter()
         std::this_thread::yield();
 }
 
-// One that crashes when it is told to.
+// The thread crashes when it is told to.
 void StartThread()
 {
     std::thread([] {
@@ -115,6 +115,7 @@ struct Last
     {
         if (how == "static") crashes::CrashByRead();
         if (how == "outliving") LetThreadCrash();
+        if (how == "masked") std::ofstream(g_root + "/gone") << "now";
     }
 } g_last;
 

@@ -288,6 +288,7 @@ TEST_F(CrashDumper, HoldsAnExitUntilTheReportIsMade)
         std::this_thread::yield();
     std::ofstream(go) << "go\n";
     EXPECT_EQ(child.Wait(), 128 + SIGSEGV);
+    EXPECT_FALSE(place.Dir().Exists("gone")); // static objects stay for the filter's thread
 }
 
 TEST_F(CrashDumper, ReportsWithoutADescriptorLeft)
@@ -301,7 +302,7 @@ TEST_F(CrashDumper, ReportsWithoutADescriptorLeft)
     EXPECT_THAT(place.Arguments(), testing::StartsWith("-sd -app[App]"));
 }
 
-// What is asked of the loader, and it keeps to: it never takes the library away.
+// The loader keeps to this flag: it never takes the library away.
 TEST(Library, IsNeverUnloaded)
 {
     const auto look = [](dl_phdr_info* info, std::size_t, void* pFound) {
@@ -436,7 +437,7 @@ TEST_F(CrashDumper, DoesNotRestartAProgramAgainAndAgain)
     Place place;
     place.RealReporter();
     const std::string mark = place.Dir().Path("mark");
-    // What is started holds the pipe that is read here to its end.
+    // A program that is started holds the pipe that is read here to its end.
     const auto crash = [&](const std::string& when) {
         Output("ASAN_OPTIONS=handle_segv=0 KX_TEST_RESTART=1 KX_TEST_RUN='" + mark + " restarted again' " +
                "KX_CRASH_RESTARTED=" + when + " " + KX_TEST_BIN + "/CrashDumperChild " + place.Dir().Path() +
@@ -447,7 +448,7 @@ TEST_F(CrashDumper, DoesNotRestartAProgramAgainAndAgain)
     EXPECT_TRUE(crash("$(($(date +%s) - 3600))"));
 }
 
-// What a client sees of the class in its own process.
+// The class as a client sees it in its own process.
 class Dumper : public CKXCrashDumper
 {
 public:

@@ -44,7 +44,7 @@ void AwaitSleepers()
         std::this_thread::yield();
 }
 
-// How often this process wrote to anything.
+// The number of this process's calls that wrote to anything.
 long WriteCalls()
 {
     const std::string io = test::ReadFile("/proc/self/io");
@@ -231,7 +231,9 @@ TEST_F(Log, RefusesASecondStartAndAFileThatCannotBe)
 
 TEST_F(Log, AFullDiskLosesLinesButNotTheWriter)
 {
+    log->PushLog(Level::LogInfo, "taken once the flush waits for it");
     ASSERT_EQ(log->Initialize("C:\\dev\\full"), 1);
+    EXPECT_EQ(log->Flush(INFINITE), 0);
     for (int n = 0; n < 5000; ++n)
         log->PushLog(Level::LogInfo, CString('x', 200));
     log->Uninitialize(); // waits for the writer: it is still there to be stopped
@@ -325,11 +327,12 @@ TEST_F(Log, AStopLeavesLinesInTheirOrder)
     AwaitSleepers(); // the writer, in the midst of them
     push(20'000);
     std::atomic<bool> bDone{false};
+    std::jthread waiting([&] { EXPECT_EQ(log->Flush(INFINITE), 0); }); // the stop ends it
+    AwaitSleepers();
     std::jthread stop([&] {
         log->Uninitialize();
         bDone = true;
     });
-    std::jthread waiting([&] { EXPECT_EQ(log->Flush(INFINITE), 0); }); // the stop ends it
     AwaitSleepers();
     const std::string before = terminal.ReadUntil(bDone);
     stop.join();
@@ -387,8 +390,9 @@ TEST(LogFork, OfABusyProcessMayLogAndUseFiles)
 #if defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "ThreadSanitizer starts no thread behind a fork";
 #elif defined(__SANITIZE_ADDRESS__)
-    GTEST_SKIP() << "a fork's child waits for ever for AddressSanitizer's own allocator, whose locks a thread "
-                    "of the parent held";
+    GTEST_SKIP()
+        << "a fork's child waits for ever for AddressSanitizer's own allocator, whose locks a thread "
+           "of the parent held";
 #endif
     const test::TempDir dir;
     test::Child child("ForkChild", {dir.Path(), "100"}, {}, true);

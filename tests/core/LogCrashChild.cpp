@@ -31,7 +31,7 @@ struct Reach
 };
 template struct Reach<&CKXLogSys::m_lockLog>;
 
-// How many lines of each thread have been pushed, which the test reads in the file ROOT/counts.
+// The number of lines that each thread has pushed, which the test reads in the file ROOT/counts.
 std::atomic<std::uint64_t>* Counts(const std::string& root, std::size_t nThreads)
 {
     const int file = open((root + "/counts").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
@@ -124,14 +124,21 @@ void CrashWithForgedQueue(const std::string& what)
     static Forged queue;
     const std::map<std::string, void (*)()> faults{
         {"sound", [] {}},
+        {"break",
+         [] {
+             queue.record.positions[1] = {reinterpret_cast<std::uint64_t>(&queue.pieces[0]),
+                                          queue.pieces[0].head.used, 16, 1};
+         }},
         {"next", [] { queue.pieces[1].head.next = 0x1234; }},
         {"circle", [] { queue.pieces[1].head.next = queue.pieces[0].head.next; }},
         {"used", [] { queue.pieces[1].head.used = 1'000; }},
         {"number", [] { queue.pieces[1].head.number = 9; }},
         {"magic", [] { queue.pieces[1].head.magic = 0; }},
         {"length", [] { std::memset(queue.pieces[1].lines, 0xFF, 4); }},
+        {"longer", [] { ++queue.pieces[1].lines[0]; }},
         {"first", [] { queue.record.positions[1].block = 16; }},
         {"file", [] { queue.record.file = 1; }},
+        {"check", [] { ++queue.record.check; }},
         {"process", [] { queue.record.process += 1; }},
         {"version", [] { queue.record.version += 1; }},
         {"record", [] { KXCrash::SetLogRecord(reinterpret_cast<const void*>(16)); }},

@@ -1,4 +1,4 @@
-// What the crash reporter makes of lines that were queued.
+// The crash reporter brings home lines that were queued.
 
 #include "tests/support/Child.h"
 #include "tests/support/TempDir.h"
@@ -149,14 +149,17 @@ TEST_F(LogCrash, LeavesFaultsOfTheQueueBehind)
     const std::string damage = "KXCrashReport: the queue of the log is damaged: lines are missing here\n";
     const std::vector<std::pair<std::string, std::string>> cases{
         {"sound", torn + "ond\nthird\n"},
+        {"break", torn + "\nthird\n"},
         {"next", torn + "ond\nthird\n" + damage},
         {"circle", torn + "ond\nthird\n" + damage},
         {"used", torn + "ond\n" + damage},
         {"number", torn + "ond\n" + damage},
         {"magic", torn + "ond\n" + damage},
         {"length", torn + "ond\n" + damage},
+        {"longer", torn + "ond\n" + damage},
         {"first", torn + "\n" + damage},
         {"file", torn},
+        {"check", torn},
         {"process", torn},
         {"version", torn},
         {"record", torn},
@@ -172,8 +175,9 @@ TEST_F(LogCrash, LeavesFaultsOfTheQueueBehind)
         const std::string report = place.Report();
         EXPECT_THAT(report, HasSubstr("\nmodules\n"));
         EXPECT_EQ(report.find("queue of the log is damaged") != report.npos, own != log.npos);
-        EXPECT_EQ(report.find("\nfirst\nsecond\n") != report.npos,
-                  what == "file" || (what != "first" && log != torn));
+        const bool bReported =
+            what == "file" || what == "check" || (what != "first" && what != "break" && log != torn);
+        EXPECT_EQ(report.find("\nfirst\nsecond\n") != report.npos, bReported);
     }
 }
 
