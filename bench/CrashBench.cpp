@@ -21,7 +21,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// What a child shares with this process: when it began to crash, or to spawn.
+// The times at which a child began to crash, or to spawn, which it shares with this process.
 Clock::time_point& Begin()
 {
     static void* const shared =

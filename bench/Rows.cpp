@@ -78,8 +78,8 @@ const std::map<std::string, Aim> aims = {
      {10, "while the writer is behind, lines lie in fresh memory, whose first touch is dear on a virtual "
           "machine"}},
     {"log_caller_1_producer/spdlog",
-     {2, "the queue has no bound, so that while the writer is behind each line is a node and a text of its "
-         "own from the heap, where spdlog overwrites slots of a ring and lets its callers wait"}},
+     {2, "the queue has no bound, so that while the writer is behind lines lie in fresh memory, where spdlog "
+         "overwrites slots of a ring and lets its callers wait"}},
     {"ini_read100/stat", {1 / 1.3, "the read is that call and a look-up"}},
     {"ini_read100/gkeyfile",
      {15,

@@ -137,7 +137,7 @@ tagKXCommonTask* CKXCommonTaskThread::GetNextTask()
     return pTask;
 }
 
-// What was taken but not run goes back to the head of the queue, where a later start finds it.
+// Tasks that were taken but not run go back to the head of the queue, where a later start finds them.
 void CKXCommonTaskThread::GiveBack()
 {
     const CKXAutoLock lock(&m_lockTask);

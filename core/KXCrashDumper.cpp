@@ -21,7 +21,7 @@ FixedText<32'768> g_contact;
 Path g_path;
 Path g_stem;
 
-// What the filter writes to, which one thread at a time is in.
+// The filter writes to these. One thread at a time is in it.
 Path g_dumps;
 Path g_dump;
 Path g_reporter;

@@ -21,7 +21,7 @@ std::u16string Widen(UINT nCodePage, std::string_view text)
     return wide;
 }
 
-// How many bytes; written only where there is room.
+// The number of bytes, which are written only if there is room.
 int Narrow(UINT nCodePage, const std::u16string& wide, char* pTarget, int nRoom)
 {
     return WideCharToMultiByte(nCodePage, 0, wide.data(), static_cast<int>(wide.size()), pTarget, nRoom);

@@ -18,9 +18,9 @@ public:
 
     const Record& GetRecord() const noexcept { return m_record; }
 
-    // Appends a line; throws std::bad_alloc.
+    // Appends a line; throws std::bad_alloc, with nothing changed.
     void Push(std::string_view line);
-    // How many lines have been pushed, and how many handed over, since the process began.
+    // The numbers of lines pushed and handed over since the process began.
     std::uint64_t Pushed() const noexcept { return m_nPushed; }
     std::uint64_t HandedOver() const noexcept { return m_nHandedOver; }
 
@@ -28,7 +28,7 @@ public:
     bool Look() noexcept;
     // Takes the oldest line; false without one up to where the last Look came. The text stays until HandOver.
     bool Next(std::string_view& line) noexcept;
-    // How much has been taken since HandOver.
+    // The size of the lines taken since HandOver.
     std::uint64_t ReadBytes() const noexcept { return m_nReadBytes; }
 
     // The part of the taken lines that lies within that length of the file: how many lines as a
@@ -42,8 +42,8 @@ public:
     // Whether a line end goes ahead of the first line behind HandOver.
     bool NeedsLineBreak() const noexcept { return m_record.positions[m_record.current].lineBreak != 0; }
 
-    // What was taken is done with, and the file has that length. Returns blocks for Free, which needs no
-    // lock.
+    // Ends with the lines that were taken; the file has that length now. Returns blocks for Free, which needs
+    // no lock.
     Block* HandOver(std::uint64_t nLength, bool bLineBreak) noexcept;
     static void Free(Block* pBlocks) noexcept;
 

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-// How the log's queue lies in memory. The crash reporter reads it out of a process that died, from outside
-// and at any instruction, so the layout is fixed: what changes it changes kRecordVersion. Addresses are those
-// of the process that logs.
+// The layout of the log's queue in memory. The crash reporter reads it out of a process that died, from
+// outside and at any instruction, so the layout is fixed: what changes it changes kRecordVersion. Addresses
+// are those of the process that logs.
 
 namespace kx::log {
 

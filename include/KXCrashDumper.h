@@ -17,25 +17,27 @@
 // then the process ends by the signal that it crashed with. Without the file, the crash takes its ordinary
 // course.
 //
-// Where the reporter can't be started, or its arguments take more than 32,767 bytes, the process just ends.
+// If the reporter can't be started, or its arguments take more than 32,767 bytes, the process just ends.
 //
 // The report also has the log's lines that were queued, and appends them to the log's file (KXLogSys.h).
 //
-// For how long: while the object lives, and no static object of the library is needed. To have crashes of
+// Crashes are reported while the object lives, and need no static object of the library. To have crashes of
 // static destructors, of atexit handlers and of threads that outlive main reported too, make it by `new` in
 // main and never delete it. While a crash is reported, a call of `exit` on another thread, or the return from
 // main, waits.
 //
-// What is never reported:
-// - A stack overflow on a thread without an alternate stack. The platform's threads (_beginthreadex) have
-// one,
-//   and so has the one that makes this object. A thread made in another way (pthread_create, std::thread)
-//   gets one at the first call that takes a lock of the library or names a file, once this object has been
-//   made. One that calls nothing of the kind calls KXCrash::GuardThread (platform/Crash.h) at its start.
-// - A fault on a thread that has blocked its signal (SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS; abort
-//   unblocks its own): the system ends the process at once. Leave these unblocked, also in a mask of all
-//   signals that a thread starts with.
-// - A process without memory for another process, or killed by SIGKILL, as for lack of memory.
+// Three kinds of crash are never reported:
+//
+// 1. A stack overflow on a thread without an alternate stack. The platform's threads (_beginthreadex) have
+//    one, and so has the one that makes this object. A thread made in another way (pthread_create,
+//    std::thread) gets one at the first call that takes a lock of the library or names a file, once this
+//    object has been made. One that calls nothing of the kind calls KXCrash::GuardThread (platform/Crash.h)
+//    at its start.
+// 2. A fault on a thread that has blocked its signal (SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS; abort
+//    unblocks its own): the system ends the process at once. Leave these unblocked, also in a mask of all
+//    signals that a thread starts with.
+// 3. A process without memory for another process, or killed by SIGKILL, as for lack of memory.
+//
 // A process that has used up its file descriptors is reported: one is kept in reserve. A signal handler that
 // a client sets later for one of these signals takes the crash, and calls the former handler if it is to be
 // reported.

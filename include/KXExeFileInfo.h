@@ -4,7 +4,7 @@
 #include "platform/String.h"
 #include "platform/Types.h"
 
-// What an executable file says of itself. Any thread.
+// The account that an executable file gives of itself. Any thread.
 class KX_API CKXExeFileInfo
 {
 public:

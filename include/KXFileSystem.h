@@ -50,7 +50,8 @@ using KXCopyDirProc = int (*)(const CString& strSrc, const CString& strDst, int 
 // empty text.
 //
 // The object holds the four paths of the application, worked out once. All else is static, keeps no state,
-// may be called from any thread and needs no object.
+// may be called from any thread and needs no object. A fork's child may call all but EnumDisks and the icons
+// (platform/Sync.h says what else such a child may call).
 class KX_API CKXFileSystem
 {
 public:

@@ -12,7 +12,7 @@
 // and for an empty value, and don't tell that they did. Of a longer value they see the first 255 bytes.
 // Writers give non-zero on success, and 0 where the file can't be written or the section, key or text can't
 // be stored. Numbers are written and read with a decimal point in every locale. Nothing is thrown but for
-// lack of memory. Any thread.
+// lack of memory. Any thread, and a fork's child (platform/Sync.h says what else such a child may call).
 class KX_API CKXIniDataMgr
 {
 public:

@@ -58,7 +58,7 @@ struct _EXCEPTION_POINTERS
 // The same.
 using EXCEPTION_POINTERS = _EXCEPTION_POINTERS;
 
-// What a filter returns.
+// The results of a filter.
 inline constexpr long EXCEPTION_EXECUTE_HANDLER = 1; // the process ends by the signal that it crashed with
 inline constexpr long EXCEPTION_CONTINUE_SEARCH = 0; // the crash takes its course as without a filter
 inline constexpr long EXCEPTION_CONTINUE_EXECUTION = -1; // the instruction that crashed runs again

@@ -44,8 +44,8 @@ inline constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
 KX_API HANDLE CreateEventA(void* pSecurity, int bManualReset, int bInitialState, const char* pszName);
 
 // Non-zero on success; 0 for a handle that is closed, null or no event's (ERROR_INVALID_HANDLE). Any thread.
-// What the thread did before SetEvent is seen by those whom the signal releases. A released thread may close
-// the event at once.
+// Threads that the signal releases see all that this one did before SetEvent. A released thread may close the
+// event at once.
 KX_API int SetEvent(HANDLE hEvent) noexcept;
 
 // Waits until the object (event, thread, process) is signalled: WAIT_OBJECT_0; WAIT_TIMEOUT when that many
@@ -79,8 +79,8 @@ KX_API long InterlockedIncrement(volatile long* pValue) noexcept;
 // the parent's threads were at when it was made:
 // - the log (KXLogSys.h). It doesn't run in the child, and its queue is empty: the lines and the file are the
 //   parent's. The child may start it on a file of its own;
-// - paths and files (KXFileSystem.h, platform/FileSystem.h, platform/File.h) and INI files (KXIniDataMgr.h,
-//   platform/Profile.h);
+// - paths and files (KXFileSystem.h but for drives and icons, platform/FileSystem.h, platform/File.h) and INI
+//   files (KXIniDataMgr.h, platform/Profile.h);
 // - locks, events and threads of its own. A lock that another thread of the parent held stays taken;
 // - a crash filter that the parent set: it reports the child.
 // Nothing else: no windows, drawing, downloads or services, and none of the parent's threads and their

@@ -7,8 +7,8 @@ namespace kx::sync {
 
 namespace {
 
-// What a crash filter and the calls that it makes need, and the processor's state, several times over. Pages
-// that are never touched cost no memory.
+// Several times the need of a crash filter, the calls that it makes and the processor's state. Pages that are
+// never touched cost no memory.
 constexpr std::size_t kSize = 256 * 1024;
 
 std::size_t PageSize() noexcept
@@ -37,7 +37,7 @@ AlternateStack::AlternateStack() noexcept
         munmap(memory, page + kSize);
 }
 
-// While a handler runs on it the system keeps it, and so does this.
+// The system keeps the stack while a handler runs on it, and so does this.
 AlternateStack::~AlternateStack()
 {
     if (!m_memory) return;

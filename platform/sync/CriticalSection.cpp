@@ -63,7 +63,7 @@ bool SpinTake(CRITICAL_SECTION& section) noexcept
     return false;
 }
 
-// Who takes the section here leaves kSleepers set, as others may still sleep.
+// A thread that takes the section here leaves kSleepers set, as others may still sleep.
 void SleepTake(CRITICAL_SECTION& section) noexcept
 {
     const auto patienceEnds = std::chrono::steady_clock::now() + kPatience;

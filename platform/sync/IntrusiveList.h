@@ -4,7 +4,7 @@
 
 namespace kx::sync {
 
-// What an element of an IntrusiveList derives from.
+// An element of an IntrusiveList derives from this.
 template <class T>
 struct ListLink
 {

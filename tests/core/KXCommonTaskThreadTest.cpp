@@ -28,7 +28,7 @@ public:
     using CKXCommonTaskThread::StopThread;
 };
 
-// What happened, in order.
+// The events in their order.
 class Trace
 {
 public:

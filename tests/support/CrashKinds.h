@@ -17,7 +17,7 @@
 // Ways to crash, for child programs. Each function has a name of its own in the stack.
 namespace crashes {
 
-// Without the checks of a sanitizer's build, which would come first.
+// Leaves out the checks of a sanitizer's build, which would come first.
 #define KX_CRASHES __attribute__((noinline, no_sanitize("undefined", "address")))
 
 inline volatile int g_nSink = 0;
@@ -129,7 +129,7 @@ inline void OverflowOnForeignThread()
     }).join();
 }
 
-// As many at once as can be had.
+// Crashes on as many threads at once as can be had.
 inline void CrashTogether()
 {
     static std::atomic<bool> bGo{false};

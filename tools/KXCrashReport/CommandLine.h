@@ -8,7 +8,7 @@
 
 namespace kx::report {
 
-// What the crash filter hands over. Texts are in UTF-8.
+// The values that the crash filter hands over. Texts are in UTF-8.
 struct CommandLine
 {
     std::string app;

@@ -71,7 +71,7 @@ bool WriteAt(int fd, std::string_view bytes, std::uint64_t offset)
     return true;
 }
 
-// What can't be read, and what is all 0, stays a hole in the file.
+// Memory that can't be read, or is all 0, stays a hole in the file.
 bool CopyMemory(int fd, const Tracee& tracee, const Elf64_Phdr& segment)
 {
     std::string block(kBlock, '\0');

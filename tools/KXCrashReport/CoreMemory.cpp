@@ -11,13 +11,13 @@ constexpr std::uint64_t kStack = 1 << 20;
 constexpr std::uint64_t kStacks = 32 << 20; // of all threads together
 constexpr std::uint64_t kBudget = 64 << 20;
 
-// So many pieces, below what an ELF file can count, with places for modules and stacks, which often come
+// The limit of pieces, below what an ELF file can count, with places for modules and stacks, which often come
 // last.
 constexpr std::size_t kMostPieces = 60'000;
 constexpr std::size_t kMostBeforeStacks = 50'000;
 constexpr std::size_t kMostOfOthers = 30'000;
 
-// Where the stack that a thread works on begins to be used. One that overflowed points below it, by a frame.
+// The lowest address in use of a thread's stack. A stack pointer that overflowed points below it, by a frame.
 std::uint64_t StackOf(const ThreadState& thread, const std::vector<Mapping>& maps)
 {
     constexpr std::uint64_t kLargestFrame = 1 << 20;
@@ -63,7 +63,7 @@ std::uint64_t OfModule(const Mapping& map, const Mapping* next)
     return map.offset == 0 ? std::min(map.Size(), kPage) : 0;
 }
 
-// How many pieces there may be before a mapping.
+// The limit of pieces before a mapping.
 std::size_t MostBefore(const Mapping& map, const std::vector<std::uint64_t>& stacks)
 {
     const auto holds = [&](std::uint64_t stack) { return map.Holds(stack); };

@@ -10,7 +10,7 @@
 
 namespace kx::report {
 
-// What the crashed process says of its crash.
+// The crashed process's own account of its crash.
 struct CrashRecord
 {
     EXCEPTION_RECORD exception{};

@@ -95,7 +95,7 @@ private:
     bool m_bWritten = true;
 };
 
-// What the report has of the lines, as UTF-8.
+// The lines in the report, as UTF-8.
 class ReportLines
 {
 public:

@@ -20,12 +20,12 @@ inline constexpr std::size_t kUnwindRegisters = 32;
 #error "no layout of the registers of this processor"
 #endif
 
-// Those at a crash, as the system handed them to the handler.
+// The registers at a crash, as the system handed them to the handler.
 Registers FromContext(const ucontext_t& context);
 
 std::uint64_t Instruction(const Registers& registers);
 std::uint64_t StackPointer(const Registers& registers);
-// As they are once the function that was just called has returned; for a call of nothing.
+// The registers once the function that was just called has returned; for a call of nothing.
 Registers AfterReturn(const Registers& registers, std::uint64_t onStack);
 
 // In the order of their numbers in unwinding tables.

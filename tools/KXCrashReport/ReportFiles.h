@@ -6,7 +6,7 @@
 
 namespace kx::report {
 
-// Where a report goes: into the directory `dumps`, in whatever case, beside the program that was started,
+// The place of a report: the directory `dumps`, in whatever case, beside the program that was started,
 // under the name that the dump's path ends in, since the crash filter joins both paths from the same
 // directory.
 struct ReportFiles

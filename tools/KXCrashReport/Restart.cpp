@@ -26,7 +26,7 @@ bool WasJustRestarted()
     return nAge >= 0 && nAge < 60;
 }
 
-// Where the program's file was, or the one that has taken its place while it ran.
+// The path of the program's file, or of the one that has taken its place while it ran.
 std::string ProgramOf(pid_t pid)
 {
     constexpr std::string_view kGone = " (deleted)";

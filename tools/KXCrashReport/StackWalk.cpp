@@ -13,7 +13,7 @@ constexpr std::size_t kInner = 96;
 constexpr std::size_t kOuter = 32;
 constexpr std::size_t kMaxFrames = 100'000;
 
-// Without a search for debug information over the network, which a crash doesn't wait for.
+// Searches for no debug information over the network, which a crash doesn't wait for.
 const Dwfl_Callbacks kFiles{dwfl_linux_proc_find_elf, dwfl_standard_find_debuginfo, nullptr, nullptr};
 
 std::string Demangle(const char* pszName)
@@ -55,7 +55,7 @@ std::string BuildOf(Dwfl_Module* module)
 
 } // namespace
 
-// How the unwinder reads the process: the memory, and the registers of the one thread in hand.
+// The unwinder reads the process by these: the memory, and the registers of the one thread in hand.
 struct StackWalk::Callbacks
 {
     static StackWalk& Of(void* pArg) { return *static_cast<StackWalk*>(pArg); }

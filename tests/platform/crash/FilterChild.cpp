@@ -99,7 +99,7 @@ long Check(_EXCEPTION_POINTERS* pPointers)
     std::_Exit(bGood ? kCame : 1);
 }
 
-// What the kind of a crash is called.
+// The name of a crash's kind.
 template <DWORD dwCode>
 long Expect(_EXCEPTION_POINTERS* pPointers)
 {
