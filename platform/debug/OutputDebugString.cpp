@@ -67,7 +67,7 @@ void WriteStandardError(std::string_view text)
 class Line
 {
 public:
-    void Add(const char* pszFormat, va_list args) noexcept
+    void Add(const char* pszFormat, va_list args) noexcept __attribute__((format(printf, 2, 0)))
     {
         const std::size_t nRoom = kMost - m_length; // with the end of the text, where the line's will stand
         const int n = std::vsnprintf(m_text.data() + m_length, nRoom, pszFormat, args);
