@@ -1,5 +1,6 @@
 #include "include/platform/CodePage.h"
 #include "include/platform/Error.h"
+#include "platform/text/CharWalk.h"
 #include "tests/support/Host.h"
 
 #include <array>
@@ -32,6 +33,38 @@ TEST(CodePage, ConvertsBothWays)
     EXPECT_EQ(Wide(CP_UTF8, "\xE4\xB8\xAD"), u"\u4E2D");
     const std::u16string beyond = u"\U0001F600\u00E9"; // neither is in GBK itself
     EXPECT_EQ(Wide(CP_GBK, Narrow(CP_GBK, beyond)), beyond);
+}
+
+// Every character comes back from either code page, and is one character to a walk through its bytes.
+TEST(CodePage, HoldsAllOfUnicode)
+{
+    std::u16string all;
+    std::size_t nCharacters = 0;
+    for (char32_t ch = 0; ch <= 0x10FFFF; ++ch) {
+        if (ch >= 0xD800 && ch < 0xE000) continue;
+        if (ch >= 0x10000) all += static_cast<char16_t>(0xD7C0 + (ch >> 10));
+        all += static_cast<char16_t>(ch >= 0x10000 ? 0xDC00 + (ch & 0x3FF) : ch);
+        ++nCharacters;
+    }
+    for (const UINT page : {CP_GBK, CP_UTF8}) {
+        std::string bytes(4 * nCharacters, '\0');
+        const int nUnits = static_cast<int>(all.size());
+        bytes.resize(static_cast<std::size_t>(
+            WideCharToMultiByte(page, 0, all.data(), nUnits, bytes.data(), static_cast<int>(bytes.size()))));
+        std::u16string back(all.size(), u'\0');
+        EXPECT_EQ(
+            MultiByteToWideChar(page, 0, bytes.data(), static_cast<int>(bytes.size()), back.data(), nUnits),
+            nUnits);
+        EXPECT_TRUE(back == all) << page;
+        if (page == CP_UTF8) continue;
+        std::size_t nWalked = 0;
+        for (std::size_t n = 0; n < bytes.size(); n += kx::text::CharLength(bytes, n, true))
+            ++nWalked;
+        EXPECT_EQ(nWalked, nCharacters);
+    }
+    EXPECT_EQ(Wide(CP_GBK, "\x80"), u"\u20AC");
+    EXPECT_EQ(Narrow(CP_GBK, u"\u20AC"), "\xA2\xE3");
+    EXPECT_EQ(Narrow(CP_GBK, u"\u0080"), "\x81\x30\x81\x30");
 }
 
 TEST(CodePage, BytesThatAreNoTextAreReplaced)

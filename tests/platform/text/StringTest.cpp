@@ -97,6 +97,14 @@ TEST(String, SearchesNeverMatchATrailByte)
     EXPECT_EQ(CString("\xB0\xB0\x5C").Find('\\'), 2);     // behind a whole letter
     EXPECT_EQ(CString("\x81\x5Cx\x5C").Find('\\', 1), 3); // begun on the second byte
     EXPECT_EQ(CString("\xB0\xB0\xB0\xB0").Find("\xB0\xB0", 1), 2);
+    const CString four("\x81\x39\xEE\x39"
+                       "9a"); // a character of four bytes
+    EXPECT_EQ(four.Find('9'), 4);
+    EXPECT_EQ(four.Find("9\xEE"), -1);
+    EXPECT_EQ(four.Left(4).ReverseFind('9'), -1);
+    EXPECT_EQ(CString(four).Replace('9', 'x'), 1);
+    EXPECT_THAT(Tokens(four, "9"), ElementsAre("\x81\x39\xEE\x39", "a"));
+    EXPECT_STREQ(CString("A" + four).MakeLower(), "a" + four);
     EXPECT_EQ(str.Find('a', 99), -1);
     EXPECT_EQ(str.Find("", 3), 3);
 
