@@ -1,11 +1,10 @@
 #include "platform/xml/NodeObject.h"
 
 #include "include/platform/Xml.h"
-#include "platform/xml/Names.h"
-#include "platform/xml/Tree.h"
 
 #include <libxml/valid.h>
-#include <new>
+#include <optional>
+#include <utility>
 
 namespace kx::xml {
 
@@ -15,18 +14,15 @@ xmlAttr* Find(const xmlNode* element, const std::string& name, int& nCount)
 {
     nCount = 0;
     for (xmlAttr* attribute = element->properties; attribute; attribute = attribute->next, ++nCount)
-        if (IsCalled(attribute->ns, attribute->name, name)) return attribute;
+        if (NameOf(reinterpret_cast<xmlNode*>(attribute)) == name) return attribute;
     return nullptr;
 }
 
-std::string ValueOf(const xmlAttr* attribute)
+// The prefix, maybe empty, that an attribute of this name declares; nothing for other attributes.
+std::optional<std::string> DeclaredPrefix(const std::string& name)
 {
-    const xmlNode* const text = attribute->children;
-    if (!text) return {};
-    if (text->type == XML_TEXT_NODE && !text->next) return std::string(ViewOf(text->content));
-    const XmlText joined(xmlNodeListGetString(attribute->doc, text, 1));
-    if (!joined) throw std::bad_alloc();
-    return std::string(ViewOf(joined.get()));
+    if (name == "xmlns") return std::string();
+    return name.starts_with("xmlns:") ? std::optional(name.substr(6)) : std::nullopt;
 }
 
 HRESULT Declare(xmlNode* element, const std::string& prefix, const std::string& uri)
@@ -41,22 +37,20 @@ HRESULT Declare(xmlNode* element, const std::string& prefix, const std::string& 
     }
     if (!(Shape::Above(element->parent) + Shape::Below(element) + Shape{0, 1}).Fits()) return E_INVALIDARG;
     const xmlChar* const name = prefix.empty() ? nullptr : ToXml(prefix.c_str());
-    const xmlNs* const ns = xmlNewNs(element, ToXml(uri.c_str()), name);
-    if (!ns) return E_OUTOFMEMORY;
-    RenewPrefix(element, ns->prefix);
-    ResolvePrefixes(element);
+    Declarations declared(xmlNewNs(nullptr, ToXml(uri.c_str()), name));
+    if (!declared || !declared->href || (name && !declared->prefix)) return E_OUTOFMEMORY;
+    AddDeclarations(element, std::move(declared));
     return S_OK;
 }
 
 HRESULT Add(xmlNode* element, const std::string& name, const std::string& value)
 {
-    const QualifiedName parts(name);
-    xmlNs* const ns =
-        parts.prefix.empty() ? nullptr : xmlSearchNs(element->doc, element, ToXml(parts.prefix.c_str()));
-    const std::string& local = ns ? parts.local : name;
+    const std::size_t colon = name.find(':');
+    const std::string prefix = name.substr(0, colon == name.npos ? 0 : colon);
+    xmlNs* const ns = prefix.empty() ? nullptr : xmlSearchNs(element->doc, element, ToXml(prefix.c_str()));
     // Without a value at first: one that there is no memory for would be left out without a word, and one
     // that is an identity be noted in a table, in which it would be left behind.
-    xmlAttr* const attribute = xmlNewNsProp(element, ns, ToXml(local.c_str()), nullptr);
+    xmlAttr* const attribute = xmlNewNsProp(element, ns, ToXml(name.c_str()) + (ns ? colon + 1 : 0), nullptr);
     if (!attribute) return E_OUTOFMEMORY;
     const HRESULT hr = attribute->name ? SetValue(attribute, value) : E_OUTOFMEMORY;
     if (FAILED(hr))
@@ -76,7 +70,8 @@ std::optional<std::string> GetAttribute(const xmlNode* element, const std::strin
     }
     int nCount = 0;
     const xmlAttr* const attribute = Find(element, name, nCount);
-    return attribute ? std::optional(ValueOf(attribute)) : std::nullopt;
+    if (!attribute) return std::nullopt;
+    return std::string(attribute->children ? ViewOf(attribute->children->content) : "");
 }
 
 HRESULT SetAttribute(xmlNode* element, const std::string& name, const std::string& value)

@@ -1,54 +1,34 @@
-#include "platform/xml/Names.h"
 #include "platform/xml/NodeObject.h"
 
+#include <utility>
 #include <vector>
 
 namespace kx::xml {
 
 namespace {
 
-bool LiesIn(const xmlNode* node, const xmlNode* branch) noexcept
+// Moves an element to be the last child of a place, which may be in another document, or a document's only
+// one. Nothing has changed on failure, for which std::bad_alloc may stand too.
+HRESULT Move(NodeObject& element, Place to)
 {
-    while (node && node != branch)
-        node = node->parent;
-    return node;
-}
+    const Ref before(&element.GetTree()); // what the branch leaves behind lives until it has settled
+    auto needed = NeededAt(element.Node(), to.node);
+    if (!(Shape::Above(to.node) + Shape::Below(element.Node()) + Shape::Of(needed.get())).Fits())
+        return E_INVALIDARG;
+    const bool bOwn = before.Get() == to.tree;
+    if (!bOwn && !to.tree->HasRoomForNames(xmlDictSize(before->Doc()->dict))) return E_INVALIDARG;
 
-// References mean nothing in a document that doesn't declare their entities.
-void DropReferences(xmlNode* branch) noexcept
-{
-    for (xmlNode* node = branch; node;) {
-        xmlNode* const next = NextBelow(branch, node);
-        if (node->type == XML_ENTITY_REF_NODE) {
-            xmlUnlinkNode(node);
-            xmlFreeNode(node);
-        }
-        node = next;
-    }
-}
-
-// Takes an element out of its place, into another tree if need be.
-HRESULT Take(NodeObject& element, Tree& to)
-{
+    before->Children().Removed(element.Node());
+    const NodePtr old = bOwn ? NodePtr() : element.CopyTo(*to.tree);
     xmlNode* const node = element.Node();
-    if (node->parent) element.GetTree().Children().Forget();
-    if (node->doc == to.Doc()) {
-        xmlUnlinkNode(node);
-        return S_OK;
-    }
-    if (!to.HasRoomForNames(xmlDictSize(node->doc->dict))) return E_INVALIDARG;
-    element.GetTree().Children().Forget();
-    const Complaints complaints;
-    if (xmlDOMWrapAdoptNode(nullptr, node->doc, node, to.Doc(), nullptr, 0) != 0) return E_OUTOFMEMORY;
-    DropReferences(node);
+    xmlUnlinkNode(node);
+    if (to.node->type == XML_DOCUMENT_NODE)
+        xmlDocSetRootElement(to.tree->Doc(), node);
+    else
+        xmlAddChild(to.node, node);
+    NodeObject::Settle(*to.tree, node, std::move(needed));
+    to.tree->Children().Added(node);
     return S_OK;
-}
-
-void SettleIn(Tree& to, xmlNode* node) noexcept
-{
-    KeepNamespaces(node);
-    ResolvePrefixes(node);
-    NodeObject::Settle(to, node);
 }
 
 HRESULT PutElementText(Place place, const std::string& text)
@@ -56,12 +36,15 @@ HRESULT PutElementText(Place place, const std::string& text)
     if (text.size() > XML_MAX_TEXT) return E_INVALIDARG;
     NodePtr content(xmlNewDocTextLen(place.node->doc, ToXml(text.data()), static_cast<int>(text.size())));
     if (!content || !content->content) return E_OUTOFMEMORY;
-    std::vector<Ref<NodeObject>> holders;
+    std::vector<std::pair<Ref<NodeObject>, Declarations>> kept;
     for (xmlNode* child = place.node->children; child; child = child->next)
-        if (auto holder = NodeObject::HolderOf(*place.tree, child)) holders.push_back(std::move(holder));
-    if (!IsField(place.node)) place.tree->Children().Forget();
+        if (auto holder = NodeObject::HolderOf(*place.tree, child))
+            kept.emplace_back(std::move(holder), NeededAt(child, nullptr));
+    place.tree->Children().Forget(place.node);
+    for (auto& [holder, needed] : kept)
+        NodeObject::LetGo(*place.tree, holder->Node(), std::move(needed));
     while (xmlNode* const child = place.node->children)
-        NodeObject::LetGo(*place.tree, child);
+        NodeObject::LetGo(*place.tree, child, {});
     xmlAddChild(place.node, content.release());
     return S_OK;
 }
@@ -86,36 +69,21 @@ HRESULT AppendChild(Place place, IXMLDOMNode* pChild)
     const auto child = NodeObject::From(pChild);
     if (!child || !child->IsElement()) return E_INVALIDARG;
     if (place.node && place.node->type == XML_DOCUMENT_NODE)
-        return place.tree->Root() ? E_FAIL : SetRoot(*place.tree, *child);
+        return place.tree->Root() ? E_FAIL : Move(*child, place);
     if (!place.node || place.node->type != XML_ELEMENT_NODE) return E_FAIL;
-    xmlNode* const node = child->Node();
-    if (LiesIn(place.node, node) || !(Shape::Above(place.node) + Shape::Below(node)).Fits())
-        return E_INVALIDARG;
-
-    const Ref before(&child->GetTree()); // what the branch leaves behind lives until it has settled
-    const HRESULT hr = Take(*child, *place.tree);
-    if (FAILED(hr)) return hr;
-    xmlAddChild(place.node, node);
-    SettleIn(*place.tree, node);
-    place.tree->Children().Added(place.node, node);
-    return S_OK;
+    for (const xmlNode* around = place.node; around; around = around->parent)
+        if (around == child->Node()) return E_INVALIDARG;
+    return Move(*child, place);
 }
 
-HRESULT SetRoot(Tree& tree, NodeObject& element)
+HRESULT SetRoot(Place document, NodeObject& element)
 {
-    xmlNode* const node = element.Node();
-    if (node == tree.Root()) return S_OK;
-    if (!Shape::Below(node).Fits()) return E_INVALIDARG;
-
-    const Ref before(&element.GetTree());
-    xmlNode* const old = tree.Root();
-    const auto holder = old ? NodeObject::HolderOf(tree, old) : Ref<NodeObject>();
-    const HRESULT hr = Take(element, tree);
-    if (FAILED(hr)) return hr;
-    xmlDocSetRootElement(tree.Doc(), node);
-    SettleIn(tree, node);
-    if (old) NodeObject::LetGo(tree, old);
-    return S_OK;
+    xmlNode* const old = document.tree->Root();
+    if (element.Node() == old) return S_OK;
+    const auto holder = old ? NodeObject::HolderOf(*document.tree, old) : Ref<NodeObject>();
+    const HRESULT hr = Move(element, document);
+    if (SUCCEEDED(hr) && old) NodeObject::LetGo(*document.tree, old, {});
+    return hr;
 }
 
 } // namespace kx::xml

@@ -5,7 +5,6 @@
 #include "platform/files/Path.h"
 #include "platform/files/WholeFile.h"
 #include "platform/xml/Markup.h"
-#include "platform/xml/Names.h"
 #include "platform/xml/NodeObject.h"
 
 namespace kx::xml {
@@ -17,138 +16,104 @@ class DocumentObject final : public NodeMethods<IXMLDOMDocument, DocumentObject>
 public:
     Place Where() const noexcept { return {m_tree.Get(), m_tree->DocNode()}; }
 
-    HRESULT QueryInterface(const GUID& iid, void** ppObject) override;
-    ULONG AddRef() override { return ++m_nRefs; }
-    ULONG Release() override
+    HRESULT QueryInterface(const GUID& iid, void** ppObject) override
     {
-        const ULONG nRefs = --m_nRefs;
-        if (nRefs == 0) delete this;
-        return nRefs;
+        return Query(iid, ppObject, {&IID_IUnknown, &IID_IXMLDOMNode, &IID_IXMLDOMDocument});
     }
 
-    HRESULT load(VARIANT path, VARIANT_BOOL* pbSuccess) override;
-    HRESULT loadXML(BSTR bstrXml, VARIANT_BOOL* pbSuccess) override;
-    HRESULT save(VARIANT path) override;
-    HRESULT get_documentElement(IXMLDOMElement** ppElement) override;
-    HRESULT putref_documentElement(IXMLDOMElement* pElement) override;
-    HRESULT createElement(BSTR bstrName, IXMLDOMElement** ppElement) override;
+    HRESULT load(VARIANT path, VARIANT_BOOL* pbSuccess) override
+    {
+        return Replace(pbSuccess, [&]() -> Ref<Tree> {
+            if (path.vt != VT_BSTR) return {};
+            const std::string name = ToCodePage(path.bstrVal);
+            const auto source = files::Resolve(name.c_str());
+            files::FileContent file;
+            if (source && files::ReadWholeFile(source->system, XML_MAX_FILE, file) == ERROR_SUCCESS)
+                return ParseFile(std::move(file.bytes), name.c_str());
+            debug::Tell("xml", "%s can't be read; the document stays empty", name.c_str());
+            return {};
+        });
+    }
+    HRESULT loadXML(BSTR bstrXml, VARIANT_BOOL* pbSuccess) override
+    {
+        return Replace(pbSuccess, [&] {
+            const std::string text = ToUtf8(bstrXml);
+            return text.size() <= XML_MAX_FILE ? ParseText(text) : Ref<Tree>();
+        });
+    }
+    HRESULT save(VARIANT path) override
+    {
+        return Guarded([&] {
+            if (path.vt != VT_BSTR) return E_INVALIDARG;
+            if (!m_tree->Root()) return E_FAIL; // the file could never be loaded
+            const std::string content = FileContentOf(*m_tree);
+            if (content.size() > XML_MAX_FILE) return E_FAIL; // nor could this one
+            const auto target = files::Resolve(ToCodePage(path.bstrVal).c_str());
+            if (!target || target->trailing || target->root) return E_FAIL;
+            const DWORD dwError = files::ReplaceWholeFile(target->system, content, 0666);
+            if (dwError == ERROR_NOT_ENOUGH_MEMORY) return E_OUTOFMEMORY;
+            return dwError == ERROR_SUCCESS ? S_OK : E_FAIL;
+        });
+    }
+    HRESULT get_documentElement(IXMLDOMElement** ppElement) override
+    {
+        if (!ppElement) return E_POINTER;
+        *ppElement = nullptr;
+        return Guarded([&] {
+            xmlNode* const root = m_tree->Root();
+            if (!root) return S_FALSE;
+            *ppElement = NodeObject::Of(*m_tree, root).Detach();
+            return S_OK;
+        });
+    }
+    HRESULT putref_documentElement(IXMLDOMElement* pElement) override
+    {
+        return Guarded([&] {
+            const auto element = NodeObject::From(pElement);
+            return element && element->IsElement() ? SetRoot(Where(), *element) : E_INVALIDARG;
+        });
+    }
+    HRESULT createElement(BSTR bstrName, IXMLDOMElement** ppElement) override
+    {
+        if (!ppElement) return E_POINTER;
+        *ppElement = nullptr;
+        return Guarded([&] {
+            const std::string name = ToUtf8(bstrName);
+            if (!IsName(name) || !m_tree->HasRoomForNames(1)) return E_INVALIDARG;
+            const Complaints quiet;
+            NodePtr node(xmlNewDocNode(m_tree->Doc(), nullptr, ToXml(name.c_str()), nullptr));
+            if (!node) return E_OUTOFMEMORY;
+            *ppElement = NodeObject::Of(*m_tree, node.get()).Detach();
+            static_cast<void>(node.release());
+            return S_OK;
+        });
+    }
 
 private:
-    ~DocumentObject() = default;
-
     template <class Parse>
-    HRESULT Replace(VARIANT_BOOL* pbSuccess, Parse parse);
+    HRESULT Replace(VARIANT_BOOL* pbSuccess, Parse parse)
+    {
+        if (pbSuccess) *pbSuccess = VARIANT_FALSE;
+        return Guarded([&] {
+            m_tree = Tree::Make();
+            Ref<Tree> tree = parse();
+            if (!tree) return S_FALSE;
+            m_tree = std::move(tree);
+            if (pbSuccess) *pbSuccess = VARIANT_TRUE;
+            return S_OK;
+        });
+    }
 
-    ULONG m_nRefs = 1;
     Ref<Tree> m_tree = Tree::Make();
 };
 
-HRESULT DocumentObject::QueryInterface(const GUID& iid, void** ppObject)
-{
-    if (!ppObject) return E_POINTER;
-    *ppObject = nullptr;
-    if (!SameGuid(iid, IID_IUnknown) && !SameGuid(iid, IID_IXMLDOMNode) &&
-        !SameGuid(iid, IID_IXMLDOMDocument))
-        return E_NOINTERFACE;
-    *ppObject = static_cast<IXMLDOMDocument*>(this);
-    AddRef();
-    return S_OK;
-}
-
-template <class Parse>
-HRESULT DocumentObject::Replace(VARIANT_BOOL* pbSuccess, Parse parse)
-{
-    if (pbSuccess) *pbSuccess = VARIANT_FALSE;
-    return Guarded([&] {
-        m_tree = Tree::Make();
-        Ref<Tree> tree = parse();
-        if (!tree) return S_FALSE;
-        m_tree = std::move(tree);
-        if (pbSuccess) *pbSuccess = VARIANT_TRUE;
-        return S_OK;
-    });
-}
-
-HRESULT DocumentObject::load(VARIANT path, VARIANT_BOOL* pbSuccess)
-{
-    return Replace(pbSuccess, [&]() -> Ref<Tree> {
-        if (path.vt != VT_BSTR) return {};
-        const std::string name = ToCodePage(path.bstrVal);
-        const auto source = files::Resolve(name.c_str());
-        files::FileContent file;
-        if (source && files::ReadWholeFile(source->system, XML_MAX_FILE, file) == ERROR_SUCCESS)
-            return ParseFile(std::move(file.bytes), name.c_str());
-        debug::Tell("xml", "%s can't be read; the document stays empty", name.c_str());
-        return {};
-    });
-}
-
-HRESULT DocumentObject::loadXML(BSTR bstrXml, VARIANT_BOOL* pbSuccess)
-{
-    return Replace(pbSuccess, [&] {
-        const std::string text = ToUtf8(bstrXml);
-        return text.size() <= XML_MAX_FILE ? ParseText(text) : Ref<Tree>();
-    });
-}
-
-HRESULT DocumentObject::save(VARIANT path)
-{
-    return Guarded([&] {
-        if (path.vt != VT_BSTR) return E_INVALIDARG;
-        if (!m_tree->Root()) return E_FAIL; // the file could never be loaded
-        const std::string content = FileContentOf(*m_tree);
-        if (content.size() > XML_MAX_FILE) return E_FAIL; // nor could this one
-        const auto target = files::Resolve(ToCodePage(path.bstrVal).c_str());
-        if (!target || target->trailing || target->root) return E_FAIL;
-        const DWORD dwError = files::ReplaceWholeFile(target->system, content, 0666);
-        if (dwError == ERROR_NOT_ENOUGH_MEMORY) return E_OUTOFMEMORY;
-        return dwError == ERROR_SUCCESS ? S_OK : E_FAIL;
-    });
-}
-
-HRESULT DocumentObject::get_documentElement(IXMLDOMElement** ppElement)
-{
-    if (!ppElement) return E_POINTER;
-    *ppElement = nullptr;
-    return Guarded([&] {
-        xmlNode* const root = m_tree->Root();
-        if (!root) return S_FALSE;
-        *ppElement = NodeObject::Of(*m_tree, root).Detach();
-        return S_OK;
-    });
-}
-
-HRESULT DocumentObject::putref_documentElement(IXMLDOMElement* pElement)
-{
-    return Guarded([&] {
-        const auto element = NodeObject::From(pElement);
-        return element && element->IsElement() ? SetRoot(*m_tree, *element) : E_INVALIDARG;
-    });
-}
-
-HRESULT DocumentObject::createElement(BSTR bstrName, IXMLDOMElement** ppElement)
-{
-    if (!ppElement) return E_POINTER;
-    *ppElement = nullptr;
-    return Guarded([&] {
-        const std::string name = ToUtf8(bstrName);
-        if (!IsName(name) || !m_tree->HasRoomForNames(1)) return E_INVALIDARG;
-        const Complaints quiet;
-        NodePtr node(xmlNewDocNode(m_tree->Doc(), nullptr, ToXml(name.c_str()), nullptr));
-        if (!node) return E_OUTOFMEMORY;
-        *ppElement = NodeObject::Of(*m_tree, node.get()).Detach();
-        static_cast<void>(node.release());
-        return S_OK;
-    });
-}
+thread_local int g_nInitialized = 0;
 
 } // namespace
 
 } // namespace kx::xml
 
-namespace {
-thread_local int g_nInitialized = 0;
-}
+using kx::xml::g_nInitialized;
 
 HRESULT CoInitialize(void*)
 {
@@ -162,7 +127,7 @@ void CoUninitialize()
 
 HRESULT CoCreateInstance(const GUID& clsid, IUnknown* pOuter, DWORD dwContext, const GUID& iid,
                          void** ppObject)
-try {
+{
     constexpr DWORD kInProcess = 1;
     if (!ppObject) return E_POINTER;
     *ppObject = nullptr;
@@ -172,8 +137,8 @@ try {
     }
     if (!kx::SameGuid(clsid, CLSID_DOMDocument) || !(dwContext & kInProcess)) return REGDB_E_CLASSNOTREG;
     if (pOuter) return CLASS_E_NOAGGREGATION;
-    const auto document = kx::xml::Ref<IXMLDOMDocument>::Adopt(new kx::xml::DocumentObject);
-    return document->QueryInterface(iid, ppObject);
-} catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
+    return kx::xml::Guarded([&] {
+        const auto document = kx::xml::Ref<IXMLDOMDocument>::Adopt(new kx::xml::DocumentObject);
+        return document->QueryInterface(iid, ppObject);
+    });
 }

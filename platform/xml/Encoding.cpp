@@ -32,24 +32,6 @@ constexpr Start kStarts[] = {
 };
 constexpr std::string_view kEbcdic = "\x4C\x6F\xA7\x94"; // "<?xm", as all its code pages have it
 
-// The quoted text behind `name =`; empty without one.
-std::string_view Quoted(std::string_view text, std::string_view name)
-{
-    const std::size_t at = text.find(name);
-    if (at == text.npos) return {};
-    text.remove_prefix(at + name.size());
-    const std::size_t open = text.find_first_of("'\"");
-    if (open == text.npos || text.substr(0, open).find_first_not_of(" \t\r\n=") != text.npos) return {};
-    const std::size_t close = text.find(text[open], open + 1);
-    return close == text.npos ? std::string_view() : text.substr(open + 1, close - open - 1);
-}
-
-bool IsNameChar(char ch) noexcept
-{
-    return (ch >= '0' && ch <= '9') || (text::ToLower(ch) >= 'a' && text::ToLower(ch) <= 'z') || ch == '-' ||
-           ch == '_' || ch == '.' || ch == ':';
-}
-
 bool IsOneOf(std::string_view name, std::initializer_list<std::string_view> names) noexcept
 {
     return std::any_of(names.begin(), names.end(),
@@ -77,25 +59,19 @@ const char* KeptAs(const std::string& encoding) noexcept
     const auto begins = [&](std::string_view prefix) {
         return text::CompareNoCase(std::string_view(encoding).substr(0, prefix.size()), prefix) == 0;
     };
-    if (IsOneOf(encoding, {"gb18030"})) return "GB18030";
-    if (IsChinese(encoding)) return "GBK";
-    if (IsOneOf(encoding, {"windows-1255", "windows-1258"})) return nullptr;
-    if (begins("iso-8859-") || begins("windows-125") ||
-        IsOneOf(encoding, {"utf-16", "big5", "euc-jp", "euc-kr"}))
-        return encoding.c_str();
-    return nullptr;
+    if (IsChinese(encoding)) return IsOneOf(encoding, {"gb18030"}) ? "GB18030" : "GBK";
+    const bool bKept = begins("iso-8859-") || begins("windows-125") ||
+                       IsOneOf(encoding, {"utf-16", "big5", "euc-jp", "euc-kr"});
+    return bKept && !IsOneOf(encoding, {"windows-1255", "windows-1258"}) ? encoding.c_str() : nullptr;
 }
 
 // Takes the character at the text's front, which is UTF-8, out of it.
 std::string TakeReference(std::string_view& utf8)
 {
-    const auto first = static_cast<unsigned char>(utf8[0]);
-    const std::size_t nLength = first < 0x80 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-    unsigned code = nLength == 1 ? first : first & (0x7Fu >> nLength);
-    for (std::size_t n = 1; n < nLength && n < utf8.size(); ++n)
-        code = code << 6 | (static_cast<unsigned char>(utf8[n]) & 0x3Fu);
-    utf8.remove_prefix(std::min(nLength, utf8.size()));
-    return "&#" + std::to_string(code) + ";";
+    int nLength = static_cast<int>(std::min<std::size_t>(utf8.size(), 4));
+    const int nCode = xmlGetUTF8Char(ToXml(utf8.data()), &nLength);
+    utf8.remove_prefix(static_cast<std::size_t>(std::max(nLength, 1)));
+    return "&#" + std::to_string(nCode) + ";";
 }
 
 } // namespace
@@ -104,12 +80,19 @@ std::string DeclaredEncoding(std::string_view document)
 {
     constexpr std::size_t kLongest = 1000;
     constexpr std::string_view kStart = "<?xml";
+    constexpr std::string_view kName = "encoding";
     if (!document.starts_with(kStart) || document.size() == kStart.size()) return {};
     if (!text::IsSpace(document[kStart.size()])) return {}; // an instruction with a longer name
-    const std::size_t end = document.substr(0, kLongest).find("?>");
-    if (end == document.npos) return {};
-    const std::string_view name = Quoted(document.substr(0, end), "encoding");
-    return std::all_of(name.begin(), name.end(), IsNameChar) ? std::string(name) : std::string();
+    std::string_view rest = document.substr(0, std::min(document.find("?>"), kLongest));
+    const std::size_t at = rest.find(kName);
+    if (at == rest.npos) return {};
+    rest.remove_prefix(at + kName.size());
+    const std::size_t open = rest.find_first_not_of(" \t\r\n=");
+    if (open == rest.npos || (rest[open] != '"' && rest[open] != '\'')) return {};
+    const std::string_view name = rest.substr(open + 1, rest.find(rest[open], open + 1) - open - 1);
+    constexpr const char* kNameChars =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_.:"; // nothing that iconv_open obeys
+    return name.find_first_not_of(kNameChars) == name.npos ? std::string(name) : std::string();
 }
 
 std::optional<std::string> Decode(std::string bytes)

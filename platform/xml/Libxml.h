@@ -8,18 +8,15 @@
 #include <memory>
 #include <new>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 
 namespace kx::xml {
 
 // libxml2 makes its locks and tables at their first use, which no two threads may have at once.
 inline void StartLibxml()
 {
-    static const bool bStarted = [] {
-        xmlInitParser();
-        xmlInitializeCatalog();
-        return xmlInitializeDict() == 0;
-    }();
-    static_cast<void>(bStarted);
+    [[maybe_unused]] static const int nOnce = (xmlInitParser(), xmlInitializeCatalog(), xmlInitializeDict());
 }
 
 inline const xmlChar* ToXml(const char* text) noexcept
@@ -33,19 +30,7 @@ inline std::string_view ViewOf(const xmlChar* text) noexcept
 }
 
 template <auto free>
-struct FreeBy
-{
-    template <class T>
-    void operator()(T* object) const noexcept
-    {
-        free(object);
-    }
-};
-struct FreeXmlText
-{
-    void operator()(xmlChar* text) const noexcept { xmlFree(text); }
-};
-using XmlText = std::unique_ptr<xmlChar, FreeXmlText>;
+using FreeBy = std::integral_constant<decltype(free), free>;
 using DocPtr = std::unique_ptr<xmlDoc, FreeBy<xmlFreeDoc>>;
 using NodePtr = std::unique_ptr<xmlNode, FreeBy<xmlFreeNode>>;
 
@@ -55,20 +40,18 @@ class Complaints
 {
 public:
     Complaints() noexcept
-        : m_structured(xmlStructuredError),
-          m_structuredContext(xmlStructuredErrorContext),
-          m_generic(xmlGenericError),
-          m_genericContext(xmlGenericErrorContext)
+        : m_structured(std::exchange(OfThread().structured, Take)),
+          m_context(std::exchange(OfThread().context, this)),
+          m_generic(std::exchange(OfThread().generic, Ignore))
     {
-        xmlSetStructuredErrorFunc(this, Take);
-        xmlSetGenericErrorFunc(nullptr, Ignore);
     }
     Complaints(const Complaints&) = delete;
     Complaints& operator=(const Complaints&) = delete;
     ~Complaints()
     {
-        xmlSetStructuredErrorFunc(m_structuredContext, m_structured);
-        xmlSetGenericErrorFunc(m_genericContext, m_generic);
+        OfThread().structured = m_structured;
+        OfThread().context = m_context;
+        OfThread().generic = m_generic;
         if (m_nLast != XML_ERR_OK) xmlResetLastError(); // which keeps copies of texts
     }
 
@@ -79,6 +62,18 @@ public:
     }
 
 private:
+    // Where libxml2 keeps them; each of its own ways there asks which thread it is in.
+    struct Handlers
+    {
+        xmlStructuredErrorFunc& structured = xmlStructuredError;
+        void*& context = xmlStructuredErrorContext;
+        xmlGenericErrorFunc& generic = xmlGenericError;
+    };
+    static Handlers& OfThread() noexcept
+    {
+        thread_local Handlers handlers;
+        return handlers;
+    }
     // Texts and attributes beyond the parser's limits are lacks of memory to it as well.
     static void Take(void* self, xmlErrorPtr error)
     {
@@ -91,10 +86,9 @@ private:
     }
     __attribute__((format(printf, 2, 3))) static void Ignore(void*, const char*, ...) {}
 
-    xmlStructuredErrorFunc m_structured;
-    void* m_structuredContext;
-    xmlGenericErrorFunc m_generic;
-    void* m_genericContext;
+    const xmlStructuredErrorFunc m_structured;
+    void* const m_context;
+    const xmlGenericErrorFunc m_generic;
     int m_nLast = XML_ERR_OK;
     bool m_bNoMemory = false;
 };

@@ -1,41 +1,50 @@
-#include "platform/xml/Names.h"
-
 #include "platform/xml/Tree.h"
+
+#include <algorithm>
 
 namespace kx::xml {
 
 namespace {
 
-bool UsesNamespaces(xmlNode* branch) noexcept
+template <class Use>
+void ForEachName(xmlNode* branch, Use use)
 {
-    for (xmlNode* node = branch; node; node = NextBelow(branch, node)) {
-        if (node->type != XML_ELEMENT_NODE) continue;
-        if (node->ns) return true;
-        for (const xmlAttr* attribute = node->properties; attribute; attribute = attribute->next)
-            if (attribute->ns) return true;
+    ForEachElement(branch, [&](xmlNode* element) {
+        use(element, element->ns);
+        for (xmlAttr* attribute = element->properties; attribute; attribute = attribute->next)
+            use(element, attribute->ns);
+    });
+}
+
+// What a prefix stands for at a place; null for what nothing around it declares.
+xmlNs* FindNamespace(const xmlNode* place, std::string_view prefix) noexcept
+{
+    for (; place && place->type == XML_ELEMENT_NODE; place = place->parent)
+        if (xmlNs* const ns = FindDeclaration(place, prefix)) return ns;
+    return nullptr;
+}
+
+bool IsDeclaredIn(const xmlNode* branch, const xmlNode* element, const xmlNs* ns) noexcept
+{
+    for (;; element = element->parent) {
+        for (const xmlNs* own = element->nsDef; own; own = own->next)
+            if (own == ns) return true;
+        if (element == branch) return false;
     }
-    return false;
 }
 
-// From the top down: what is above the node has been renewed.
-template <class Node>
-void Renew(xmlNode* element, Node& node, const xmlChar* prefix) noexcept
+// An element that was named with a prefix before anything declared it.
+void ResolvePrefix(xmlNode* element) noexcept
 {
-    if (!node.ns || !xmlStrEqual(node.ns->prefix, prefix)) return;
-    if (xmlNs* const ns = xmlSearchNs(element->doc, element, prefix)) node.ns = ns;
-}
-
-void ResolvePrefix(xmlNode* node) noexcept
-{
-    const xmlChar* const colon = xmlStrchr(node->name, ':');
+    const xmlChar* const colon = element->ns ? nullptr : xmlStrchr(element->name, ':');
     if (!colon) return;
-    const XmlText prefix(xmlStrndup(node->name, static_cast<int>(colon - node->name)));
-    xmlNs* const ns = prefix ? xmlSearchNs(node->doc, node, prefix.get()) : nullptr;
+    const auto nPrefix = static_cast<std::size_t>(colon - element->name);
+    xmlNs* const ns = FindNamespace(element, ViewOf(element->name).substr(0, nPrefix));
     // In the dictionary first: a lack of memory would leave the node without a name.
-    const xmlChar* const local = ns ? xmlDictLookup(node->doc->dict, colon + 1, -1) : nullptr;
+    const xmlChar* const local = ns ? xmlDictLookup(element->doc->dict, colon + 1, -1) : nullptr;
     if (!local) return;
-    xmlNodeSetName(node, local);
-    node->ns = ns;
+    xmlNodeSetName(element, local);
+    element->ns = ns;
 }
 
 } // namespace
@@ -43,87 +52,66 @@ void ResolvePrefix(xmlNode* node) noexcept
 bool IsName(const std::string& name) noexcept
 {
     constexpr std::size_t kLongest = 10000; // the parser takes some more
+    const auto isLetter = [](char ch) { return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z'); };
+    if (name.size() < 80 && !name.empty() && std::all_of(name.begin(), name.end(), isLetter)) return true;
     return name.size() <= kLongest && name.find('\0') == name.npos &&
            xmlValidateQName(ToXml(name.c_str()), 0) == 0;
 }
 
-bool IsCalled(const xmlNs* ns, const xmlChar* local, std::string_view name) noexcept
-{
-    if (ns && ns->prefix) {
-        const std::string_view prefix = ViewOf(ns->prefix);
-        if (!name.starts_with(prefix) || name.substr(prefix.size(), 1) != ":") return false;
-        name.remove_prefix(prefix.size() + 1);
-    }
-    return ViewOf(local) == name;
-}
-
 std::string NameOf(const xmlNode* node)
 {
-    switch (node->type) {
-    case XML_ELEMENT_NODE:
-    case XML_ATTRIBUTE_NODE: {
-        const xmlNs* const ns = node->ns;
-        const std::string local(ViewOf(node->name));
-        return ns && ns->prefix ? std::string(ViewOf(ns->prefix)) + ":" + local : local;
-    }
-    case XML_TEXT_NODE:
-        return "#text";
-    case XML_CDATA_SECTION_NODE:
-        return "#cdata-section";
-    case XML_COMMENT_NODE:
-        return "#comment";
-    case XML_DOCUMENT_NODE:
-        return "#document";
-    default:
-        return std::string(ViewOf(node->name));
-    }
+    constexpr std::pair<xmlElementType, const char*> kNameless[] = {
+        {XML_TEXT_NODE, "#text"},
+        {XML_CDATA_SECTION_NODE, "#cdata-section"},
+        {XML_COMMENT_NODE, "#comment"},
+        {XML_DOCUMENT_NODE, "#document"}};
+    for (const auto& [type, pszName] : kNameless)
+        if (node->type == type) return pszName;
+    const bool bPrefix =
+        (node->type == XML_ELEMENT_NODE || node->type == XML_ATTRIBUTE_NODE) && node->ns && node->ns->prefix;
+    const std::string local(ViewOf(node->name));
+    return bPrefix ? std::string(ViewOf(node->ns->prefix)) + ":" + local : local;
 }
 
-void RenewPrefix(xmlNode* branch, const xmlChar* prefix) noexcept
-{
-    for (xmlNode* node = branch; node; node = NextBelow(branch, node)) {
-        if (node->type != XML_ELEMENT_NODE) continue;
-        Renew(node, *node, prefix);
-        for (xmlAttr* attribute = node->properties; attribute; attribute = attribute->next)
-            Renew(node, *attribute, prefix);
-    }
-}
-
-void KeepNamespaces(xmlNode* branch) noexcept
-{
-    if (IsField(branch) || !UsesNamespaces(branch)) return;
-    const Complaints quiet;
-    xmlDOMWrapReconcileNamespaces(nullptr, branch, 0);
-}
-
-void ResolvePrefixes(xmlNode* branch) noexcept
-{
-    if (IsField(branch)) return ResolvePrefix(branch);
-    for (xmlNode* node = branch; node; node = NextBelow(branch, node))
-        if (node->type == XML_ELEMENT_NODE && !node->ns) ResolvePrefix(node);
-}
-
-QualifiedName::QualifiedName(const std::string& name)
-{
-    const std::size_t colon = name.find(':');
-    if (colon != name.npos) prefix = name.substr(0, colon);
-    local = name.substr(colon == name.npos ? 0 : colon + 1);
-}
-
-std::optional<std::string> DeclaredPrefix(const std::string& attribute)
-{
-    constexpr std::string_view kDeclare = "xmlns";
-    if (attribute == kDeclare) return std::string();
-    const QualifiedName name(attribute);
-    return name.prefix == kDeclare ? std::optional(name.local) : std::nullopt;
-}
-
-xmlNs* FindDeclaration(const xmlNode* element, const std::string& prefix) noexcept
+xmlNs* FindDeclaration(const xmlNode* element, std::string_view prefix) noexcept
 {
     xmlNs* ns = element->nsDef;
     while (ns && ViewOf(ns->prefix) != prefix)
         ns = ns->next;
     return ns;
+}
+
+Declarations NeededAt(xmlNode* branch, const xmlNode* place)
+{
+    Declarations needed;
+    ForEachName(branch, [&](const xmlNode* element, const xmlNs* ns) {
+        if (!ns || ViewOf(ns->prefix) == "xml" || IsDeclaredIn(branch, element, ns)) return;
+        const xmlNs* const there = FindNamespace(place, ViewOf(ns->prefix));
+        if (there && xmlStrEqual(there->href, ns->href)) return;
+        for (const xmlNs* other = needed.get(); other; other = other->next)
+            if (xmlStrEqual(other->prefix, ns->prefix)) return;
+        xmlNs* const declaration = xmlNewNs(nullptr, ns->href, ns->prefix);
+        if (!declaration) throw std::bad_alloc();
+        declaration->next = needed.release();
+        needed.reset(declaration);
+        if (!declaration->href || !declaration->prefix) throw std::bad_alloc();
+    });
+    return needed;
+}
+
+void AddDeclarations(xmlNode* branch, Declarations added) noexcept
+{
+    if (added) {
+        xmlNs** end = &branch->nsDef;
+        while (*end)
+            end = &(*end)->next;
+        *end = added.release();
+    }
+    ForEachName(branch, [](const xmlNode* element, xmlNs*& ns) {
+        xmlNs* const now = ns ? FindNamespace(element, ViewOf(ns->prefix)) : nullptr;
+        if (now) ns = now;
+    });
+    ForEachElement(branch, ResolvePrefix);
 }
 
 } // namespace kx::xml

@@ -19,44 +19,34 @@ public:
     // The object behind an interface pointer; null for null and for a client's own implementation.
     static Ref<NodeObject> From(IXMLDOMNode* pNode);
 
-    NodeObject(const NodeObject&) = delete;
-    NodeObject& operator=(const NodeObject&) = delete;
-
     Tree& GetTree() const noexcept { return *m_tree; }
     xmlNode* Node() const noexcept { return m_node; }
     Place Where() const noexcept { return {m_tree.Get(), m_node}; }
     bool IsElement() const noexcept { return m_node && m_node->type == XML_ELEMENT_NODE; }
 
-    // To be called for a branch after it was moved to a tree and place: its objects move along. Its top is
-    // the document or has an object.
-    static void Settle(Tree& tree, xmlNode* branch) noexcept;
+    // Makes a copy of this node in a tree the node of this object; what lies below moves along with all
+    // objects. Throws std::bad_alloc, with nothing changed. Gives the old nodes, whose declarations the
+    // copy uses until Settle has found others.
+    [[nodiscard]] NodePtr CopyTo(Tree& tree);
+    // To be called for a branch after it was moved to a tree and place, with the declarations that it needs
+    // there: its objects move along. Its top is the document or has an object.
+    static void Settle(Tree& tree, xmlNode* branch, Declarations needed) noexcept;
     // What is needed to let go of a branch, made while nothing has changed yet: its object, if one of its
     // nodes has one.
     static Ref<NodeObject> HolderOf(Tree& tree, xmlNode* branch);
     // Takes a branch out of its place, and frees it or leaves it to its holder.
-    static void LetGo(Tree& tree, xmlNode* branch) noexcept;
+    static void LetGo(Tree& tree, xmlNode* branch, Declarations needed) noexcept;
 
     HRESULT QueryInterface(const GUID& iid, void** ppObject) override;
-    ULONG AddRef() noexcept override { return ++m_nRefs; }
-    ULONG Release() noexcept override
-    {
-        const ULONG nRefs = --m_nRefs;
-        if (nRefs == 0) delete this;
-        return nRefs;
-    }
     HRESULT getAttribute(BSTR bstrName, VARIANT* pValue) override;
     HRESULT setAttribute(BSTR bstrName, VARIANT value) override;
 
 private:
     NodeObject(Tree& tree, xmlNode* node) noexcept : m_tree(&tree), m_node(node) {}
-    ~NodeObject();
-    static bool IsBelowAttached(const xmlNode* node) noexcept;
-    // What holds the branch that the node lies in, if that hangs in no document; nothing for its top.
-    static Ref<NodeObject> AnchorOf(Tree& tree, xmlNode* node);
+    ~NodeObject() override;
 
-    ULONG m_nRefs = 1;
     Ref<Tree> m_tree;
-    xmlNode* const m_node;
+    xmlNode* m_node;
     Ref<NodeObject> m_anchor;
 };
 
@@ -69,6 +59,6 @@ HRESULT SetAttribute(xmlNode* element, const std::string& name, const std::strin
 HRESULT SetValue(xmlAttr* attribute, const std::string& value);
 
 // Puts an element in the place of the document's, as IXMLDOMDocument::putref_documentElement.
-HRESULT SetRoot(Tree& tree, NodeObject& element);
+HRESULT SetRoot(Place document, NodeObject& element);
 
 } // namespace kx::xml

@@ -1,70 +1,76 @@
 #include "platform/xml/Tree.h"
 
-#include "include/platform/Xml.h"
-
 #include <algorithm>
+#include <climits>
 #include <cstring>
+#include <libxml/valid.h>
 
 namespace kx::xml {
-
-namespace {
-
-constexpr int kFew = 64; // nodes that are looked through faster than an index is made
-
-// Of one node alone.
-Shape Own(const xmlNode* node) noexcept
-{
-    if (node->type != XML_ELEMENT_NODE) return {};
-    Shape own{1, 0};
-    for (const xmlNs* ns = node->nsDef; ns; ns = ns->next)
-        ++own.nNamespaces;
-    return own;
-}
-
-} // namespace
 
 bool IsNamed(const xmlNode* node, std::string_view name) noexcept
 {
     if (node->type != XML_ELEMENT_NODE || node->ns) return false;
     const auto* const own = reinterpret_cast<const char*>(node->name);
-    return std::strncmp(own, name.data(), name.size()) == 0 && own[name.size()] == '\0';
+    return own[0] == name.data()[0] && std::strncmp(own, name.data(), name.size()) == 0 &&
+           own[name.size()] == '\0';
 }
 
 xmlNode* ChildIndex::Find(const xmlNode* parent, std::string_view name)
 {
-    int nSeen = 0;
-    for (xmlNode* node = parent->children; node; node = node->next) {
-        if (IsNamed(node, name)) return node;
-        if (++nSeen == kFew) break;
+    constexpr int kFew = 64; // nodes that are looked through faster than an index is made
+    const auto search = [&](int nMost) {
+        xmlNode* node = parent->children;
+        for (int n = 0; node && n < nMost && !IsNamed(node, name); ++n)
+            node = node->next;
+        return node;
+    };
+    xmlNode* const early = search(kFew);
+    if (!early || IsNamed(early, name)) return early;
+    auto index = m_parents.find(parent);
+    if (index == m_parents.end()) {
+        Names names;
+        for (xmlNode* node = parent->children; node; node = node->next)
+            Add(names, node);
+        index = m_parents.emplace(parent, std::move(names)).first;
     }
-    if (nSeen < kFew) return nullptr;
-    if (m_parent != parent) Build(parent);
-    const auto found = m_first.find(name);
-    return found == m_first.end() ? nullptr : found->second;
+    const auto found = index->second.find(name);
+    if (found == index->second.end()) return nullptr;
+    xmlNode*& first = found->second.first;
+    if (!first || !IsNamed(first, name)) first = search(INT_MAX);
+    return first;
 }
 
-void ChildIndex::Build(const xmlNode* parent)
+void ChildIndex::Add(Names& names, xmlNode* child)
 {
-    Forget();
-    for (xmlNode* node = parent->children; node; node = node->next)
-        if (node->type == XML_ELEMENT_NODE && !node->ns) m_first.try_emplace(ViewOf(node->name), node);
-    m_parent = parent;
+    if (child->type != XML_ELEMENT_NODE || child->ns) return;
+    Named& named = names[ViewOf(child->name)];
+    if (named.nCount++ == 0) named.first = child;
 }
 
-void ChildIndex::Added(const xmlNode* parent, xmlNode* child)
+void ChildIndex::Added(xmlNode* child) noexcept
 {
-    if (m_parent != parent) return;
+    const auto index = m_parents.find(child->parent);
+    if (index == m_parents.end()) return;
     try {
-        if (!child->ns) m_first.try_emplace(ViewOf(child->name), child);
+        Add(index->second, child);
     } catch (const std::bad_alloc&) {
-        Forget();
+        m_parents.erase(index);
     }
 }
 
-void ChildIndex::Forget() noexcept
+void ChildIndex::Removed(const xmlNode* child) noexcept
 {
-    m_parent = nullptr;
-    m_first.clear();
+    const auto index = m_parents.find(child->parent);
+    if (index == m_parents.end() || child->type != XML_ELEMENT_NODE || child->ns) return;
+    const auto found = index->second.find(ViewOf(child->name));
+    if (found == index->second.end()) return;
+    if (found->second.first == child) found->second.first = nullptr;
+    if (--found->second.nCount <= 0) index->second.erase(found);
+}
+
+void ChildIndex::Forget(xmlNode* branch) noexcept
+{
+    if (!m_parents.empty()) ForEachElement(branch, [&](xmlNode* element) { m_parents.erase(element); });
 }
 
 Ref<Tree> Tree::Make(DocPtr doc, std::string subset)
@@ -79,45 +85,36 @@ Ref<Tree> Tree::Make(DocPtr doc, std::string subset)
     return Ref<Tree>::Adopt(new Tree(std::move(doc), std::move(subset)));
 }
 
-bool Tree::HasRoomForNames(int nMore) const noexcept
+void ForgetIds(xmlDoc* doc) noexcept
 {
-    return xmlDictSize(m_doc->dict) + nMore <= XML_MAX_NAMES;
+    xmlFreeIDTable(static_cast<xmlIDTable*>(std::exchange(doc->ids, nullptr)));
+    xmlFreeRefTable(static_cast<xmlRefTable*>(std::exchange(doc->refs, nullptr)));
 }
 
-xmlXPathContext* Tree::XPath()
+Shape Shape::Of(const xmlNs* declared) noexcept
 {
-    if (!m_xpath) {
-        m_xpath.reset(xmlXPathNewContext(m_doc.get()));
-        if (!m_xpath) throw std::bad_alloc();
-    }
-    return m_xpath.get();
+    Shape shape;
+    for (; declared; declared = declared->next)
+        ++shape.nNamespaces;
+    return shape;
 }
 
 Shape Shape::Below(xmlNode* branch) noexcept
 {
-    if (IsField(branch)) return {1, 0};
     Shape most;
-    Shape at;
-    const auto leave = [&](const xmlNode* node) {
-        const Shape own = Own(node);
-        at = {at.nElements - own.nElements, at.nNamespaces - own.nNamespaces};
-    };
-    for (xmlNode* node = branch; node;) {
-        at = at + Own(node);
-        most = {std::max(most.nElements, at.nElements), std::max(most.nNamespaces, at.nNamespaces)};
-        xmlNode* const next = NextBelow(branch, node);
-        for (const xmlNode* left = node; next && left != next->parent; left = left->parent)
-            leave(left);
-        node = next;
+    if (branch->type != XML_ELEMENT_NODE) return most;
+    for (xmlNode* child = branch->children; child; child = child->next) { // as deep as documents may be
+        const Shape below = Below(child);
+        most = {std::max(most.nElements, below.nElements), std::max(most.nNamespaces, below.nNamespaces)};
     }
-    return most;
+    return most + Shape{1, 0} + Of(branch->nsDef);
 }
 
 Shape Shape::Above(const xmlNode* node) noexcept
 {
     Shape all;
     for (; node && node->type == XML_ELEMENT_NODE; node = node->parent)
-        all = all + Own(node);
+        all = all + Shape{1, 0} + Of(node->nsDef);
     return all;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "include/platform/Xml.h"
 #include "platform/Handles.h"
 #include "platform/xml/Libxml.h"
 
@@ -51,28 +52,32 @@ private:
     T* m_object = nullptr;
 };
 
-// Finds a node's children by names without a prefix. Those of a parent with many are indexed, and the index
-// is kept until another large parent is asked: all children of a record, read in any order, take time in
-// proportion to their number.
+// Finds a node's children by names without a prefix. The children of a parent with many are indexed: all of
+// them, read in any order, take time in proportion to their number.
 class ChildIndex
 {
 public:
     // The first such child; null without one.
     xmlNode* Find(const xmlNode* parent, std::string_view name);
-    // To be called when an element has become the last child of `parent`.
-    void Added(const xmlNode* parent, xmlNode* child);
-    // To be called before an element leaves its place, with others in it, or gets another name.
-    void Forget() noexcept;
+    // To be called when an element has become the last child of its parent.
+    void Added(xmlNode* child) noexcept;
+    // To be called before a node leaves its parent.
+    void Removed(const xmlNode* child) noexcept;
+    // To be called before a branch is freed, or all that is in it leaves.
+    void Forget(xmlNode* branch) noexcept;
 
 private:
-    void Build(const xmlNode* parent);
+    struct Named
+    {
+        xmlNode* first; // null where that one has left, and others are there
+        int nCount;
+    };
+    using Names = std::unordered_map<std::string_view, Named>;
 
-    const xmlNode* m_parent = nullptr; // the one whose children are in the index
-    std::unordered_map<std::string_view, xmlNode*> m_first;
+    static void Add(Names& names, xmlNode* child);
+
+    std::unordered_map<const xmlNode*, Names> m_parents;
 };
-
-// Whether a node is an element of this name, which has no prefix.
-bool IsNamed(const xmlNode* node, std::string_view name) noexcept;
 
 // One libxml2 document with all nodes that were made in it, whether they hang in it or not. Counted by the
 // document object and by each node's.
@@ -97,9 +102,12 @@ public:
     const std::string& Subset() const noexcept { return m_subset; }
     ChildIndex& Children() noexcept { return m_children; }
     // Whether so many more distinct names would still be loaded again.
-    bool HasRoomForNames(int nMore) const noexcept;
-    // For expressions, kept for the next one. Throws std::bad_alloc.
-    xmlXPathContext* XPath();
+    bool HasRoomForNames(int nMore) const noexcept
+    {
+        return xmlDictSize(m_doc->dict) + nMore <= XML_MAX_NAMES;
+    }
+    // For expressions, kept for the next one.
+    auto& XPath() noexcept { return m_xpath; }
 
 private:
     Tree(DocPtr doc, std::string subset) noexcept : m_doc(std::move(doc)), m_subset(std::move(subset)) {}
@@ -113,24 +121,51 @@ private:
     std::unique_ptr<xmlXPathContext, FreeBy<xmlXPathFreeContext>> m_xpath;
 };
 
-// An element that holds a text at most and names no namespace, as most children of records: there is nothing
-// in it to walk through.
-inline bool IsField(const xmlNode* node) noexcept
-{
-    const xmlNode* const child = node->children;
-    return node->type == XML_ELEMENT_NODE && !node->ns && !node->nsDef && !node->properties &&
-           (!child || (child->type == XML_TEXT_NODE && !child->next));
-}
-
 // The next node in document order of those below `top`, whose attributes are not among them; null behind the
 // last one.
 inline xmlNode* NextBelow(const xmlNode* top, xmlNode* node) noexcept
 {
-    if (node->children && node->type == XML_ELEMENT_NODE) return node->children;
+    if (node->children && (node->type == XML_ELEMENT_NODE || node->type == XML_DOCUMENT_NODE))
+        return node->children;
     while (node != top && !node->next)
         node = node->parent;
     return node == top ? nullptr : node->next;
 }
+// The document, or what a branch that hangs in none hangs by.
+inline xmlNode* TopOf(xmlNode* node) noexcept
+{
+    while (node->parent)
+        node = node->parent;
+    return node;
+}
+template <class Use>
+void ForEachElement(xmlNode* branch, Use use)
+{
+    for (xmlNode* node = branch; node; node = NextBelow(branch, node))
+        if (node->type == XML_ELEMENT_NODE) use(node);
+}
+
+// Whether it may be the name, with or without a prefix, of an element or attribute.
+bool IsName(const std::string& name) noexcept;
+// Whether a node is an element of this name, which has no prefix.
+bool IsNamed(const xmlNode* node, std::string_view name) noexcept;
+// A node's name as it stands, or what stands for it.
+std::string NameOf(const xmlNode* node);
+
+// An element's own declaration of a prefix, which may be empty; null without one.
+xmlNs* FindDeclaration(const xmlNode* element, std::string_view prefix) noexcept;
+
+// Declarations that no element has yet.
+using Declarations = std::unique_ptr<xmlNs, FreeBy<xmlFreeNsList>>;
+// The declarations that a branch uses, and that are neither in it nor around `place`, where it is to hang
+// (null for nowhere). Throws std::bad_alloc.
+Declarations NeededAt(xmlNode* branch, const xmlNode* place);
+// Puts declarations on a branch's top, and gives all its elements and attributes with a prefix the namespace
+// that it stands for where they are now.
+void AddDeclarations(xmlNode* branch, Declarations added) noexcept;
+
+// Attributes can then come and go without leaving themselves behind in tables.
+void ForgetIds(xmlDoc* doc) noexcept;
 
 // How much lies within each other along the longest way down: elements, and declarations of namespaces. What
 // exceeds the limits of one document could be written but not be loaded again.
@@ -139,6 +174,7 @@ struct Shape
     int nElements = 0;
     int nNamespaces = 0;
 
+    static Shape Of(const xmlNs* declared) noexcept;
     // From a branch's top down to its leaves, each at its most.
     static Shape Below(xmlNode* branch) noexcept;
     // From the document down to this node, which may be null.

@@ -1,7 +1,9 @@
 #include "include/platform/Variant.h"
 
-#include "platform/xml/WideText.h"
+#include "platform/text/CharWalk.h"
+#include "platform/xml/Markup.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -9,7 +11,6 @@
 #include <cstring>
 #include <limits>
 #include <new>
-#include <string>
 #include <string_view>
 
 namespace {
@@ -24,51 +25,22 @@ bool IsKnown(VARTYPE vt) noexcept
     return vt == VT_EMPTY || vt == VT_NULL || vt == VT_I4 || vt == VT_R8 || vt == VT_BSTR;
 }
 
-// The text without the blanks around it and a plus sign.
-std::string_view Plain(std::string_view text) noexcept
-{
-    constexpr std::string_view kBlanks = " \t\r\n";
-    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-    text.remove_suffix(text.size() - (text.find_last_not_of(kBlanks) + 1));
-    if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
-    return text;
-}
-
 HRESULT ToReal(std::string_view text, double& value) noexcept
 {
-    text = Plain(text);
+    text = kx::text::Trim(text);
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (end != text.data() + text.size() || error == std::errc::invalid_argument) return DISP_E_TYPEMISMATCH;
     if (error != std::errc()) return DISP_E_OVERFLOW;
     return std::isfinite(value) ? S_OK : DISP_E_TYPEMISMATCH; // "inf", "nan" are words
 }
 
-HRESULT ToLong(double real, LONG& value) noexcept
-{
-    const double rounded = std::nearbyint(real);
-    if (!(rounded >= std::numeric_limits<LONG>::min() && rounded <= std::numeric_limits<LONG>::max()))
-        return DISP_E_OVERFLOW;
-    value = static_cast<LONG>(rounded);
-    return S_OK;
-}
-
 HRESULT ToReal(const VARIANT& source, double& value)
 {
-    switch (source.vt) {
-    case VT_EMPTY:
-        value = 0;
-        return S_OK;
-    case VT_I4:
-        value = source.lVal;
-        return S_OK;
-    case VT_R8:
-        value = source.dblVal;
-        return S_OK;
-    case VT_BSTR:
-        return ToReal(kx::xml::ToUtf8(source.bstrVal), value);
-    default:
-        return DISP_E_TYPEMISMATCH;
-    }
+    if (source.vt == VT_NULL) return DISP_E_TYPEMISMATCH;
+    if (source.vt == VT_BSTR) return ToReal(kx::xml::ToUtf8(source.bstrVal), value);
+    value = source.vt == VT_I4 ? source.lVal : source.vt == VT_R8 ? source.dblVal : 0;
+    return S_OK;
 }
 
 template <class Number>
@@ -81,41 +53,27 @@ BSTR NumberText(Number value)
 
 HRESULT ToText(const VARIANT& source, BSTR& value)
 {
-    switch (source.vt) {
-    case VT_EMPTY:
-        value = kx::xml::ToBstr({});
-        break;
-    case VT_I4:
-        value = NumberText(source.lVal);
-        break;
-    case VT_R8:
-        value = NumberText(source.dblVal);
-        break;
-    case VT_BSTR:
-        value = SysAllocStringLen(source.bstrVal, SysStringLen(source.bstrVal));
-        break;
-    default:
-        return DISP_E_TYPEMISMATCH;
-    }
+    if (source.vt == VT_NULL) return DISP_E_TYPEMISMATCH;
+    value = source.vt == VT_I4     ? NumberText(source.lVal)
+            : source.vt == VT_R8   ? NumberText(source.dblVal)
+            : source.vt == VT_BSTR ? SysAllocStringLen(source.bstrVal, SysStringLen(source.bstrVal))
+                                   : kx::xml::ToBstr({});
     return value ? S_OK : E_OUTOFMEMORY;
 }
 
 HRESULT Convert(const VARIANT& source, VARTYPE vt, VARIANT& result)
 {
-    double real = 0;
-    HRESULT hr = S_OK;
     result.vt = vt;
-    switch (vt) {
-    case VT_BSTR:
-        return ToText(source, result.bstrVal);
-    case VT_R8:
-        return ToReal(source, result.dblVal);
-    case VT_I4:
-        hr = ToReal(source, real);
-        return SUCCEEDED(hr) ? ToLong(real, result.lVal) : hr;
-    default: // empty and null are made of themselves alone
-        return source.vt == vt ? S_OK : DISP_E_TYPEMISMATCH;
-    }
+    if (vt == VT_BSTR) return ToText(source, result.bstrVal);
+    if (vt == VT_R8) return ToReal(source, result.dblVal);
+    if (vt != VT_I4) return source.vt == vt ? S_OK : DISP_E_TYPEMISMATCH; // made of themselves alone
+    double real = 0;
+    if (const HRESULT hr = ToReal(source, real); FAILED(hr)) return hr;
+    real = std::nearbyint(real);
+    using Limits = std::numeric_limits<LONG>;
+    if (!(real >= Limits::min() && real <= Limits::max())) return DISP_E_OVERFLOW;
+    result.lVal = static_cast<LONG>(real);
+    return S_OK;
 }
 
 } // namespace
@@ -123,9 +81,9 @@ HRESULT Convert(const VARIANT& source, VARTYPE vt, VARIANT& result)
 BSTR SysAllocString(const WCHAR* pszText)
 {
     if (!pszText) return nullptr;
-    const std::u16string_view text(pszText);
-    return text.size() <= MAX_BSTR_UNITS ? SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))
-                                         : nullptr;
+    const std::size_t nUnits = std::u16string_view(pszText).size();
+    return SysAllocStringLen(
+        pszText, static_cast<UINT>(std::min<std::size_t>(nUnits, std::numeric_limits<UINT>::max())));
 }
 
 BSTR SysAllocStringLen(const WCHAR* pText, UINT nUnits)

@@ -1,32 +1,17 @@
 #include "platform/xml/Markup.h"
 
+#include <algorithm>
+#include <array>
+
 namespace kx::xml {
 
 namespace {
 
-constexpr const char* kUtf8 = "UTF-8";
-
-std::string_view EscapeFor(char ch, bool bAttribute) noexcept
-{
-    switch (ch) {
-    case '&':
-        return "&amp;";
-    case '<':
-        return "&lt;";
-    case '>':
-        return "&gt;";
-    case '\r':
-        return "&#13;";
-    case '"':
-        return bAttribute ? "&quot;" : "";
-    case '\t':
-        return bAttribute ? "&#9;" : "";
-    case '\n':
-        return bAttribute ? "&#10;" : "";
-    default:
-        return {};
-    }
-}
+// The first few count in texts, all of them in attributes.
+constexpr std::string_view kSpecial = "&<>\r\"\t\n";
+constexpr std::size_t kInTexts = 4;
+constexpr std::array<std::string_view, kSpecial.size()> kEscapes = {"&amp;",  "&lt;", "&gt;", "&#13;",
+                                                                    "&quot;", "&#9;", "&#10;"};
 
 // Spells nodes as markup. libxml2's own writer loses without a word what it has no memory for, and what it
 // writes of declarations doesn't always read as them.
@@ -35,35 +20,54 @@ class Writer
 public:
     explicit Writer(const Tree& tree) : m_tree(tree) {}
 
-    void AddDocument(std::string_view encoding);
-    // With all that is in it.
+    void AddDocument(std::string_view encoding)
+    {
+        AddDeclaration(encoding);
+        for (const xmlNode* node = m_tree.DocNode()->children; node; node = node->next) {
+            AddNode(node);
+            if (node->next) Add("\n");
+        }
+    }
+    // With all that is in it, as deep within each other as documents may be.
     void AddNode(const xmlNode* node);
     std::string Take() { return std::move(m_out); }
 
 private:
-    void AddDeclaration(std::string_view encoding);
-    void AddDocType(const xmlDtd* dtd);
-    void AddStartTag(const xmlNode* element);
-    void AddAttribute(const xmlAttr* attribute);
-    void AddLeaf(const xmlNode* node);
-    void AddName(const xmlNs* ns, const xmlChar* local);
-    void AddEscaped(std::string_view text, bool bAttribute);
-    void AddCData(std::string_view text);
     template <class... Parts>
     void Add(const Parts&... parts)
     {
         (m_out.append(parts), ...);
     }
+    void AddName(const xmlNs* ns, const xmlChar* local)
+    {
+        if (ns && ns->prefix) Add(ViewOf(ns->prefix), ":");
+        Add(ViewOf(local));
+    }
+    void AddAttribute(const xmlAttr* attribute)
+    {
+        AddName(attribute->ns, attribute->name);
+        AddValue(attribute->children ? ViewOf(attribute->children->content) : "");
+    }
+    void AddValue(std::string_view value)
+    {
+        Add("=\"");
+        AddEscaped(value, kSpecial);
+        Add("\"");
+    }
+    void AddEscaped(std::string_view text, std::string_view special);
+    void AddCData(std::string_view text);
+    void AddElement(const xmlNode* element);
+    void AddDeclaration(std::string_view encoding);
+    void AddDocType(const xmlDtd* dtd);
 
     const Tree& m_tree;
     std::string m_out;
 };
 
-void Writer::AddEscaped(std::string_view text, bool bAttribute)
+void Writer::AddEscaped(std::string_view text, std::string_view special)
 {
-    const std::string_view special = bAttribute ? "&<>\r\"\t\n" : "&<>\r";
     for (std::size_t at; (at = text.find_first_of(special)) != text.npos; text.remove_prefix(at + 1))
-        Add(text.substr(0, at), EscapeFor(text[at], bAttribute));
+        Add(text.substr(0, at), kEscapes[kSpecial.find(text[at])]);
     Add(text);
 }
 
@@ -82,47 +86,35 @@ void Writer::AddCData(std::string_view text)
     Add(text, kEnd);
 }
 
-void Writer::AddName(const xmlNs* ns, const xmlChar* local)
-{
-    if (ns && ns->prefix) Add(ViewOf(ns->prefix), ":");
-    Add(ViewOf(local));
-}
-
-void Writer::AddAttribute(const xmlAttr* attribute)
-{
-    AddName(attribute->ns, attribute->name);
-    Add("=\"");
-    for (const xmlNode* part = attribute->children; part; part = part->next) {
-        if (part->type == XML_ENTITY_REF_NODE)
-            Add("&", ViewOf(part->name), ";");
-        else
-            AddEscaped(ViewOf(part->content), true);
-    }
-    Add("\"");
-}
-
-void Writer::AddStartTag(const xmlNode* element)
+void Writer::AddElement(const xmlNode* element)
 {
     Add("<");
     AddName(element->ns, element->name);
     for (const xmlNs* ns = element->nsDef; ns; ns = ns->next) {
         if (ViewOf(ns->prefix) == "xml" || (ns->prefix && ViewOf(ns->href).empty())) continue;
-        Add(ns->prefix ? " xmlns:" : " xmlns", ViewOf(ns->prefix), "=\"");
-        AddEscaped(ViewOf(ns->href), true);
-        Add("\"");
+        Add(ns->prefix ? " xmlns:" : " xmlns", ViewOf(ns->prefix));
+        AddValue(ViewOf(ns->href));
     }
     for (const xmlAttr* attribute = element->properties; attribute; attribute = attribute->next) {
         Add(" ");
         AddAttribute(attribute);
     }
-    Add(element->children ? ">" : "/>");
+    if (!element->children) return Add("/>");
+    Add(">");
+    for (const xmlNode* child = element->children; child; child = child->next)
+        AddNode(child);
+    Add("</");
+    AddName(element->ns, element->name);
+    Add(">");
 }
 
-void Writer::AddLeaf(const xmlNode* node)
+void Writer::AddNode(const xmlNode* node)
 {
     switch (node->type) {
+    case XML_ELEMENT_NODE:
+        return AddElement(node);
     case XML_TEXT_NODE:
-        return AddEscaped(ViewOf(node->content), false);
+        return AddEscaped(ViewOf(node->content), kSpecial.substr(0, kInTexts));
     case XML_CDATA_SECTION_NODE:
         return AddCData(ViewOf(node->content));
     case XML_COMMENT_NODE:
@@ -140,18 +132,6 @@ void Writer::AddLeaf(const xmlNode* node)
     }
 }
 
-void Writer::AddNode(const xmlNode* node)
-{
-    if (node->type != XML_ELEMENT_NODE) return AddLeaf(node);
-    AddStartTag(node); // as deep within each other as documents may be, so this may call itself
-    if (!node->children) return;
-    for (const xmlNode* child = node->children; child; child = child->next)
-        AddNode(child);
-    Add("</");
-    AddName(node->ns, node->name);
-    Add(">");
-}
-
 void Writer::AddDeclaration(std::string_view encoding)
 {
     const xmlDoc& doc = *m_tree.Doc();
@@ -164,31 +144,15 @@ void Writer::AddDeclaration(std::string_view encoding)
 
 void Writer::AddDocType(const xmlDtd* dtd)
 {
-    const std::string_view external = ViewOf(dtd->ExternalID);
     const std::string_view system = ViewOf(dtd->SystemID);
     const char* const pszQuote = system.find('"') == system.npos ? "\"" : "'";
     Add("<!DOCTYPE ", ViewOf(dtd->name));
     if (dtd->ExternalID)
-        Add(" PUBLIC \"", external, "\" ", pszQuote, system, pszQuote);
+        Add(" PUBLIC \"", ViewOf(dtd->ExternalID), "\"");
     else if (dtd->SystemID)
-        Add(" SYSTEM ", pszQuote, system, pszQuote);
+        Add(" SYSTEM");
+    if (dtd->SystemID || dtd->ExternalID) Add(" ", pszQuote, system, pszQuote);
     Add(m_tree.Subset().starts_with('[') ? " " : "", m_tree.Subset());
-}
-
-void Writer::AddDocument(std::string_view encoding)
-{
-    AddDeclaration(encoding);
-    for (const xmlNode* node = m_tree.DocNode()->children; node; node = node->next) {
-        AddNode(node);
-        if (node->next) Add("\n");
-    }
-}
-
-std::string DocumentIn(const Tree& tree, std::string_view encoding)
-{
-    Writer writer(tree);
-    writer.AddDocument(encoding);
-    return writer.Take() + "\n";
 }
 
 // Whether a file of these bytes is this document again.
@@ -212,13 +176,18 @@ std::string MarkupOf(const Tree& tree, const xmlNode* node)
 
 std::string FileContentOf(const Tree& tree)
 {
+    const auto in = [&](std::string_view encoding) {
+        Writer writer(tree);
+        writer.AddDocument(encoding);
+        return writer.Take() + "\n";
+    };
     const std::string encoding(ViewOf(tree.Doc()->encoding));
     if (!encoding.empty()) {
-        const std::string markup = DocumentIn(tree, encoding);
+        const std::string markup = in(encoding);
         auto bytes = Encode(markup, encoding);
         if (bytes && ReadsAs(tree, *bytes, markup)) return std::move(*bytes);
     }
-    return DocumentIn(tree, kUtf8);
+    return in("UTF-8");
 }
 
 } // namespace kx::xml

@@ -1,13 +1,13 @@
 #include "platform/xml/NodeMethods.h"
 
 #include "include/platform/Unknown.h"
-#include "platform/xml/Names.h"
+#include "platform/text/CharWalk.h"
 
 #include <algorithm>
 #include <libxml/xpathInternals.h>
-#include <optional>
-#include <unordered_map>
+#include <sys/mman.h>
 #include <unordered_set>
+#include <utility>
 
 namespace kx::xml {
 
@@ -16,156 +16,113 @@ namespace {
 // libxml2 nests to a depth of 5,000; the rest is for the caller's stack.
 constexpr int kDepthTaken = 4'000;
 
-// What must be there before an evaluation begins, for libxml2's doesn't survive a lack of memory.
-constexpr std::size_t kMemoryNeeded = 64 << 10;
+constexpr int kValues = 10; // the first size of libxml2's stack, which grows
+
+// What must be there before an evaluation begins, for libxml2 doesn't survive a lack of memory within one: it
+// runs into null pointers. Enough for node sets of some hundred thousands.
+constexpr std::size_t kMemoryNeeded = 16 << 20;
 
 using Parser = std::unique_ptr<xmlXPathParserContext, FreeBy<xmlXPathFreeParserContext>>;
 using Result = std::unique_ptr<xmlXPathObject, FreeBy<xmlXPathFreeObject>>;
-
-// The document's element, or that of the branch.
-xmlNode* TopOf(xmlNode* node) noexcept
-{
-    while (node->parent && node->parent->type != XML_DOCUMENT_NODE)
-        node = node->parent;
-    return node->type == XML_DOCUMENT_NODE ? xmlDocGetRootElement(node->doc) : node;
-}
 
 // The tree's context made ready for one evaluation.
 class Evaluation
 {
 public:
-    Evaluation(xmlXPathContext* context, xmlNode* from);
+    Evaluation(xmlXPathContext* context, xmlNode* from) : m_context(context), m_from(from)
+    {
+        m_context->userData = this;
+        Replace("id", OnId);
+        Replace("namespace-uri", OnNamespaceUri);
+        if (from->type == XML_ELEMENT_NODE) m_context->namespaces = xmlGetNsList(from->doc, from);
+        while (m_context->namespaces && m_context->namespaces[m_context->nsNr])
+            ++m_context->nsNr;
+    }
     Evaluation(const Evaluation&) = delete;
     Evaluation& operator=(const Evaluation&) = delete;
-    ~Evaluation();
+    ~Evaluation()
+    {
+        xmlFree(std::exchange(m_context->namespaces, nullptr));
+        m_context->nsNr = 0;
+        xmlXPathRegisteredNsCleanup(m_context);
+        xmlResetError(&m_context->lastError);
+        ForgetIds(m_context->doc);
+    }
 
     // Null for a failure, which `Error` then tells.
-    Result Run(const std::string& expression);
+    Result Run(const std::string& expression)
+    {
+        xmlResetError(&m_context->lastError);
+        m_context->node = m_from;
+        m_context->depth = kDepthTaken;
+        const Parser parser(xmlXPathNewParserContext(ToXml(expression.c_str()), m_context));
+        if (!parser) throw std::bad_alloc();
+        // Without a stack there and memory for one, libxml2 frees the parser, and so would its owner here.
+        parser->valueTab = static_cast<xmlXPathObject**>(xmlMalloc(kValues * sizeof(xmlXPathObject*)));
+        if (!parser->valueTab) throw std::bad_alloc();
+        parser->valueMax = kValues;
+        xmlXPathEvalExpr(parser.get());
+        m_error = static_cast<xmlXPathError>(parser->error);
+        return Result(m_error == XPATH_EXPRESSION_OK ? valuePop(parser.get()) : nullptr);
+    }
     xmlXPathError Error() const noexcept { return m_error; }
+
     // Each prefix that means nothing here as what it is first declared as in the document.
-    void TakePrefixesFromAnywhere();
+    void TakePrefixesFromAnywhere()
+    {
+        ForEachElement(TopOf(m_from), [&](const xmlNode* element) {
+            for (const xmlNs* ns = element->nsDef; ns; ns = ns->next)
+                if (ns->prefix && !xmlXPathNsLookup(m_context, ns->prefix))
+                    xmlXPathRegisterNs(m_context, ns->prefix, ns->href);
+        });
+    }
 
 private:
-    using Ids = std::unordered_map<std::string, xmlNode*>;
-
+    void Replace(const char* pszName, xmlXPathFunction function)
+    {
+        if (xmlXPathFunctionLookup(m_context, ToXml(pszName)) == function) return;
+        xmlXPathRegisterFunc(m_context, ToXml(pszName), nullptr); // it doesn't overwrite
+        if (xmlXPathRegisterFunc(m_context, ToXml(pszName), function) != 0) throw std::bad_alloc();
+    }
     static void OnId(xmlXPathParserContext* parser, int nArguments);
     static void OnNamespaceUri(xmlXPathParserContext* parser, int nArguments);
-    void Replace(const char* pszName, xmlXPathFunction function);
-    const Ids& AllIds();
-    void AddIds(std::string_view text, xmlNodeSet* found);
-
-    struct FreeList
-    {
-        void operator()(xmlNs** list) const noexcept { xmlFree(list); }
-    };
 
     xmlXPathContext* const m_context;
     xmlNode* const m_from;
-    std::unique_ptr<xmlNs*, FreeList> m_inScope;
-    std::optional<Ids> m_ids;
+    bool m_bIds = false; // whether the document's table of identities is there
     xmlXPathError m_error = XPATH_EXPRESSION_OK;
 };
 
-Evaluation::Evaluation(xmlXPathContext* context, xmlNode* from) : m_context(context), m_from(from)
-{
-    m_context->userData = this;
-    Replace("id", OnId);
-    Replace("namespace-uri", OnNamespaceUri);
-    if (from->type == XML_ELEMENT_NODE) m_inScope.reset(xmlGetNsList(from->doc, from));
-    m_context->namespaces = m_inScope.get();
-    m_context->nsNr = 0;
-    while (m_inScope && m_inScope.get()[m_context->nsNr])
-        ++m_context->nsNr;
-}
-
-Evaluation::~Evaluation()
-{
-    m_context->namespaces = nullptr;
-    m_context->nsNr = 0;
-    xmlXPathRegisteredNsCleanup(m_context);
-    xmlResetError(&m_context->lastError);
-}
-
-void Evaluation::Replace(const char* pszName, xmlXPathFunction function)
-{
-    if (xmlXPathFunctionLookup(m_context, ToXml(pszName)) == function) return;
-    xmlXPathRegisterFunc(m_context, ToXml(pszName), nullptr); // it doesn't overwrite
-    if (xmlXPathRegisterFunc(m_context, ToXml(pszName), function) != 0) throw std::bad_alloc();
-}
-
-// The way that survives a lack of memory: xmlXPathCompiledEval runs into a null pointer.
-Result Evaluation::Run(const std::string& expression)
-{
-    xmlResetError(&m_context->lastError);
-    m_context->node = m_from;
-    m_context->depth = kDepthTaken;
-    const Parser parser(xmlXPathNewParserContext(ToXml(expression.c_str()), m_context));
-    if (!parser) throw std::bad_alloc();
-    xmlXPathEvalExpr(parser.get());
-    m_error = static_cast<xmlXPathError>(parser->error);
-    return Result(m_error == XPATH_EXPRESSION_OK ? valuePop(parser.get()) : nullptr);
-}
-
-void Evaluation::TakePrefixesFromAnywhere()
-{
-    xmlNode* const top = TopOf(m_from);
-    for (xmlNode* node = top; node; node = NextBelow(top, node)) {
-        if (node->type != XML_ELEMENT_NODE) continue;
-        for (const xmlNs* ns = node->nsDef; ns; ns = ns->next)
-            if (ns->prefix && !xmlXPathNsLookup(m_context, ns->prefix))
-                xmlXPathRegisterNs(m_context, ns->prefix, ns->href);
-    }
-}
-
-const Evaluation::Ids& Evaluation::AllIds()
-{
-    if (m_ids) return *m_ids;
-    m_ids.emplace();
-    xmlNode* const top = TopOf(m_from);
-    for (xmlNode* node = top; node; node = NextBelow(top, node)) {
-        if (node->type != XML_ELEMENT_NODE) continue;
-        for (const xmlAttr* attribute = node->properties; attribute; attribute = attribute->next)
-            if (attribute->atype == XML_ATTRIBUTE_ID && attribute->children)
-                m_ids->try_emplace(std::string(ViewOf(attribute->children->content)), node);
-    }
-    return *m_ids;
-}
-
-void Evaluation::AddIds(std::string_view text, xmlNodeSet* found)
-{
-    constexpr std::string_view kBlanks = " \t\r\n";
-    while (true) {
-        text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-        if (text.empty()) return;
-        const std::string_view id = text.substr(0, text.find_first_of(kBlanks));
-        const auto node = AllIds().find(std::string(id));
-        if (node != AllIds().end() && xmlXPathNodeSetAdd(found, node->second) < 0) throw std::bad_alloc();
-        text.remove_prefix(id.size());
-    }
-}
-
-// libxml2's own asks a table of attributes, which would hold those that are gone or have another value.
+// libxml2's own asks a table of attributes, which is made for it while it is asked: else it would hold those
+// that are gone or have another value.
 void Evaluation::OnId(xmlXPathParserContext* parser, int nArguments)
 {
-    if (nArguments != 1) return xmlXPathErr(parser, XPATH_INVALID_ARITY);
-    const Result argument(valuePop(parser));
-    if (!argument) return xmlXPathErr(parser, XPATH_INVALID_OPERAND);
-    xmlNodeSet* const found = xmlXPathNodeSetCreate(nullptr);
-    try {
-        auto& self = *static_cast<Evaluation*>(parser->context->userData);
-        const auto add = [&](xmlChar* owned) {
-            const XmlText text(owned);
-            if (!found || !text) throw std::bad_alloc();
-            self.AddIds(ViewOf(text.get()), found);
-        };
-        const bool bNodes = argument->type == XPATH_NODESET || argument->type == XPATH_XSLT_TREE;
-        if (!bNodes) add(xmlXPathCastToString(argument.get()));
-        for (int n = 0; bNodes && argument->nodesetval && n < argument->nodesetval->nodeNr; ++n)
-            add(xmlXPathCastNodeToString(argument->nodesetval->nodeTab[n]));
-    } catch (const std::bad_alloc&) {
-        xmlXPathErr(parser, XPATH_MEMORY_ERROR);
+    auto& self = *static_cast<Evaluation*>(parser->context->userData);
+    xmlDoc* const doc = parser->context->doc;
+    if (!std::exchange(self.m_bIds, true)) {
+        doc->ids = xmlHashCreate(0);
+        ForEachElement(TopOf(self.m_from), [&](const xmlNode* element) {
+            for (xmlAttr* attribute = element->properties; attribute; attribute = attribute->next)
+                if (attribute->atype == XML_ATTRIBUTE_ID && attribute->children)
+                    xmlAddID(nullptr, doc, attribute->children->content, attribute);
+        });
     }
-    valuePush(parser, xmlXPathWrapNodeSet(found));
+    if (const Result argument(nArguments == 1 ? valuePop(parser) : nullptr); argument) {
+        xmlBuffer* const all = xmlBufferCreate();
+        const auto add = [&](xmlChar* part) {
+            xmlBufferCat(all, part);
+            xmlBufferCCat(all, " ");
+            xmlFree(part);
+        };
+        const xmlNodeSet* const nodes = argument->type == XPATH_NODESET ? argument->nodesetval : nullptr;
+        for (int n = 0; nodes && n < nodes->nodeNr; ++n)
+            add(xmlXPathCastNodeToString(nodes->nodeTab[n]));
+        if (argument->type != XPATH_NODESET) add(xmlXPathCastToString(argument.get()));
+        const std::string_view ids = text::Trim(ViewOf(xmlBufferContent(all))); // which libxml2 doesn't
+        valuePush(parser, xmlXPathNewString(ToXml(ids.data())));
+        xmlBufferFree(all);
+    }
+    xmlXPathIdFunction(parser, nArguments);
 }
 
 // An element without a prefix is in no namespace for its name's sake, but it is in the default one.
@@ -182,18 +139,16 @@ void Evaluation::OnNamespaceUri(xmlXPathParserContext* parser, int nArguments)
     valuePush(parser, xmlXPathNewString(ns->href));
 }
 
-// Whether it is no expression, or names what nothing declares, rather than one that can't be evaluated.
-bool IsMalformed(xmlXPathError error) noexcept
-{
-    return (error >= XPATH_NUMBER_ERROR && error <= XPATH_UNKNOWN_FUNC_ERROR) ||
-           error == XPATH_UNDEF_PREFIX_ERROR || error == XPATH_INVALID_CHAR_ERROR;
-}
-
 HRESULT Evaluate(Tree& tree, xmlNode* from, const std::string& expression, std::vector<xmlNode*>& found)
 {
-    ::operator delete(::operator new(kMemoryNeeded));
+    void* const room =
+        mmap(nullptr, kMemoryNeeded, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (room == MAP_FAILED) throw std::bad_alloc();
+    munmap(room, kMemoryNeeded);
     const Complaints complaints;
-    Evaluation evaluation(tree.XPath(), from);
+    if (!tree.XPath()) tree.XPath().reset(xmlXPathNewContext(tree.Doc()));
+    if (!tree.XPath()) throw std::bad_alloc();
+    Evaluation evaluation(tree.XPath().get(), from);
     Result result = evaluation.Run(expression);
     if (evaluation.Error() == XPATH_UNDEF_PREFIX_ERROR) {
         evaluation.TakePrefixesFromAnywhere();
@@ -201,7 +156,10 @@ HRESULT Evaluate(Tree& tree, xmlNode* from, const std::string& expression, std::
     }
     complaints.ThrowIfNoMemory();
     if (evaluation.Error() == XPATH_MEMORY_ERROR) throw std::bad_alloc();
-    if (!result) return IsMalformed(evaluation.Error()) ? E_INVALIDARG : E_FAIL;
+    const xmlXPathError error = evaluation.Error(); // no expression, names that nothing declares, or another
+    const bool bMalformed = (error >= XPATH_NUMBER_ERROR && error <= XPATH_UNKNOWN_FUNC_ERROR) ||
+                            error == XPATH_UNDEF_PREFIX_ERROR || error == XPATH_INVALID_CHAR_ERROR;
+    if (!result) return bMalformed ? E_INVALIDARG : E_FAIL;
     if (result->type != XPATH_NODESET) return E_FAIL;
     if (xmlXPathNodeSetIsEmpty(result->nodesetval)) return S_FALSE;
     for (int i = 0; i < result->nodesetval->nodeNr; ++i) {
@@ -209,16 +167,6 @@ HRESULT Evaluate(Tree& tree, xmlNode* from, const std::string& expression, std::
         found.push_back(node->type == XML_NAMESPACE_DECL ? nullptr : node);
     }
     return S_OK;
-}
-
-// Whether it is one path of steps by name and no predicates: what stands before a last ".." is then a path
-// of its own.
-bool IsPlainPath(std::string_view expression) noexcept
-{
-    return std::all_of(expression.begin(), expression.end(), [](char ch) {
-        return static_cast<signed char>(ch) < 0 || (ch >= '0' && ch <= '9') || (ch >= 'a' && ch <= 'z') ||
-               (ch >= 'A' && ch <= 'Z') || std::string_view("/.*@_-:").find(ch) != std::string_view::npos;
-    });
 }
 
 // Puts the parents, each once, in the place of nodes that are in document order. False unless all of these
@@ -245,11 +193,14 @@ bool ToParents(std::vector<xmlNode*>& nodes)
 
 HRESULT EvaluateXPath(Tree& tree, xmlNode* from, const std::string& expression, std::vector<xmlNode*>& found)
 {
-    // libxml2 compares each parent with all that it has found.
+    // libxml2 compares each parent with all that it has found. What stands before a last ".." is a path of
+    // its own in one path of steps by name.
     constexpr std::string_view kUp = "/..";
+    constexpr const char* kOfOthers = "[]()|'\"$=<>!+, \t\r\n";
     const std::string head =
         expression.substr(0, expression.size() - std::min(expression.size(), kUp.size()));
-    if (expression.ends_with(kUp) && IsPlainPath(head) && !head.empty() && !head.ends_with('/')) {
+    const bool bPath = head.find_first_of(kOfOthers) == head.npos && !head.empty() && !head.ends_with('/');
+    if (expression.ends_with(kUp) && bPath) {
         std::vector<xmlNode*> nodes;
         if (EvaluateXPath(tree, from, head, nodes) == S_OK && ToParents(nodes)) {
             found = std::move(nodes);

@@ -116,7 +116,7 @@ TEST_F(KXXmlDomElement, PartsOutliveTheirPlace)
     EXPECT_EQ(d.GetText(), "1");
     CKXXmlDomElement up = d.GetChild("../..");
     EXPECT_EQ(up.GetName(), "b");
-    EXPECT_STREQ(up.GetXml(), "<b><p:c xmlns:p=\"urn:p\" p:x=\"1\"><d>1</d></p:c></b>");
+    EXPECT_STREQ(up.GetXml(), "<b xmlns:p=\"urn:p\"><p:c p:x=\"1\"><d>1</d></p:c></b>");
     root = up;
     up = CKXXmlDomElement();
     EXPECT_EQ(root.GetChild("p:c/d").GetElementPtr(), d.GetElementPtr());

@@ -129,6 +129,31 @@ TEST_F(XPath, ReadsManyChildrenInAnyOrder)
     EXPECT_EQ(root.GetChild("n40000").GetElementPtr(), first.GetElementPtr());
     m_doc.CreateElement("other", nullptr).AppendChild(first);
     EXPECT_EQ(root.GetChild("n40000").GetText(), "1");
+    root.SetText("");
+    EXPECT_FALSE(root.GetChild("n40001").IsValid());
+}
+
+// Neither makes the other forget what is known of it.
+TEST_F(XPath, ReadsTwoRecordsInTurnAndMovesAll)
+{
+    constexpr int kMany = 50'000;
+    const auto name = [](long n) { return "n" + std::to_string(n); };
+    const std::string record =
+        Records(kMany, [](const std::string& n) { return "<n" + n + ">" + n + "</n" + n + ">"; });
+    CKXXmlDomElement root = Root("<p>" + record + record + "</p>");
+    CKXXmlDomElement one = root.GetChild("r[1]");
+    CKXXmlDomElement two = root.GetChild("r[2]");
+    int nSame = 0;
+    for (int n = kMany - 1; n >= 0; --n)
+        nSame += one.GetChild(name(n).c_str()).GetText() == two.GetChild(name(n).c_str()).GetText();
+    EXPECT_EQ(nSame, kMany);
+    for (int n = 0; n < kMany; ++n)
+        two.AppendChild(one.GetChild(name(n * 7919L % kMany).c_str()));
+    EXPECT_FALSE(one.GetChild("*").IsValid());
+    EXPECT_EQ(two.GetChilds("*").size(), 2u * kMany);
+    two.GetChild("n49999").AppendChild(two.GetChild("n49998"));
+    EXPECT_EQ(two.GetChild("n49998").GetText(), "49998"); // the second of the name, in its place
+    EXPECT_FALSE(two.GetChild("n49998").GetChild("n49998").IsValid());
 }
 
 // ---- Random patterns on random trees: the result is libxml2's own

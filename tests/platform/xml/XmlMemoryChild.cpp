@@ -2,7 +2,8 @@
 // every n. Afterwards the file is the old one or the new one, nothing was thrown but a memory exception, and
 // nothing is left behind. Prints how many allocations failed; 1 if something else is so.
 //
-// XmlMemoryChild DIRECTORY limit: saves a large document under shrinking limits of address space.
+// XmlMemoryChild DIRECTORY limit: saves a large document, and asks it for a pattern, under limits of address
+// space.
 
 #include "include/KXXmlDomDocument.h"
 
@@ -93,6 +94,33 @@ CString WinOf(const std::string& path)
     return win;
 }
 
+constexpr const char* kOther = "<o xmlns:q='u2'><x a='1' q:b='2' xml:id='i'>t<q:y/>u</x></o>";
+
+// Elements with prefixes go to another document and back, and out of their places; parts of them are held.
+void Wander(CKXXmlDomDocument& doc, CKXXmlDomElement& root, CKXXmlDomDocument& other, CKXXmlDomElement o,
+            const CString& number)
+{
+    CKXXmlDomElement c = doc.CreateElement("p:c", "x");
+    c.AppendChild(doc, "p:d", number, true);
+    root.GetChild("w").AppendChild(c);
+    CKXXmlDomElement y = other.CreateElement("q:y", "x");
+    y.SetAttributeString("q:z", "v");
+    o.GetChild("x").AppendChild(y);
+    o.AppendChild(c);
+    root.AppendChild(o.GetChild("x"));
+    root.AppendChild(y);
+    root.AppendChild(c);
+    o.AppendChild(y);
+    y.GetXml();
+    root.GetChild("w").AppendChild(y);
+    const CKXXmlDomElement held = root.GetChild("w");
+    root.SetText("");
+    held.GetXml();
+    root.AppendChild(held);
+    y.AppendChild(c);
+    c.GetXml();
+}
+
 // The whole of what is tried; false when the file wasn't loaded.
 bool Work(const CString& file, const CString& number)
 {
@@ -105,7 +133,16 @@ bool Work(const CString& file, const CString& number)
     root.GetChild("w").GetChild("t", strText, true);
     root.GetChild("w").SetAttributeString("p:new", "x");
     root.AppendChild(doc, "number", number, true);
+    root.AppendChild(doc, "real", 1e300, true, 0.0);
+    COleDateTime when;
+    root.GetChild("w").GetChild("t", when, false, when);
+    root.GetChild("w").GetAttributeDateTime("k", when);
     root.GetChild("w").SetText("a text that is too long for a short one and so takes memory");
+    {
+        CKXXmlDomDocument other;
+        if (!other.LoadXml(kOther)) return false;
+        Wander(doc, root, other, other.GetDocumentElement(), number);
+    }
     doc.GetXml();
     doc.Save(file);
     return true;
@@ -191,6 +228,22 @@ int LimitEach(const std::string& path)
         nThrown += bThrown;
         if (bThrown != (ReadAll(path) == old)) return 1;
         if (!bThrown) WriteAll(path, old);
+    }
+    for (rlim_t nMore = 0; nMore < (64 << 20); nMore += 1 << 20) {
+        const rlimit limit{nNow + nMore, RLIM_INFINITY};
+        setrlimit(RLIMIT_AS, &limit);
+        bool bThrown = false;
+        std::size_t nFound = 0;
+        try {
+            nFound = root.GetChilds("record[contains(., 'x')]").size();
+        } catch (CMemoryException* e) {
+            e->Delete();
+            bThrown = true;
+        }
+        const rlimit none{RLIM_INFINITY, RLIM_INFINITY};
+        setrlimit(RLIMIT_AS, &none);
+        nThrown += bThrown;
+        if (bThrown == (nFound == 20'000)) return 1;
     }
     std::printf("%d limits hit\n", nThrown);
     return nThrown == 0;
