@@ -1,5 +1,6 @@
 #pragma once
 
+#include "include/KXExport.h"
 #include "include/platform/Error.h"
 
 #include <cerrno>
@@ -8,7 +9,7 @@
 namespace kx {
 
 // The platform's error number for an errno.
-DWORD ErrorFromErrno(int nErrno) noexcept;
+KX_API DWORD ErrorFromErrno(int nErrno) noexcept;
 
 // Sets the last error from errno and gives the failure result of an int operation.
 int FailErrno() noexcept;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "include/KXExport.h"
 #include "include/platform/Types.h"
 
 #include <cstddef>
@@ -27,7 +28,7 @@ enum class HandleKind : std::uint8_t
 };
 
 // Counts what KXHost::LiveHandles tells: for objects that clients hold without a handle of the table.
-class LiveHandle
+class KX_API LiveHandle
 {
 public:
     LiveHandle() noexcept;

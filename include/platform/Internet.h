@@ -119,7 +119,7 @@ public:
     // and blanks and control characters behind the host, and bytes above 127 in the path, are
     // percent-encoded. One without a scheme or with another one is refused. Flags are accepted and ignored;
     // further headers aren't offered, so `pszHeaders` is null, or CInvalidArgException* is thrown. Never
-    // null.
+    // null. Without the library's module for HTTP it throws ERROR_INTERNET_INTERNAL_ERROR.
     CHttpFile* OpenURL(const char* pszURL, unsigned long dwContext = 1,
                        DWORD dwFlags = INTERNET_FLAG_TRANSFER_ASCII, const char* pszHeaders = nullptr,
                        DWORD dwHeadersLength = 0);

@@ -75,7 +75,7 @@ struct SystemdPlace
                 // taking back what a failed CreateServiceA wrote has ten seconds of its own
 };
 
-// The manager that systemd is at such a place.
+// The manager that systemd is at such a place; null where the library's module for services can't be used.
 KX_API std::shared_ptr<ServiceManager> MakeSystemdManager(const SystemdPlace& place = {});
 
 // Puts a manager in place of the machine's for handles opened from now on; those that are open keep theirs.

@@ -1,5 +1,6 @@
 #include "platform/crash/Filtering.h"
 
+#include "platform/module/Door.h"
 #include "platform/sync/Futex.h"
 
 #include <cstdlib>
@@ -46,7 +47,10 @@ bool EnterFilter() noexcept
     const std::uint32_t self = Self();
     for (;;) {
         std::uint32_t owner = 0;
-        if (g_owner.compare_exchange_strong(owner, self, std::memory_order_acquire)) return true;
+        if (g_owner.compare_exchange_strong(owner, self, std::memory_order_acquire)) {
+            module::ShutDoors(true);
+            return true;
+        }
         if (owner == self) return false;
         sync::FutexWait(g_owner, owner);
     }
@@ -54,6 +58,7 @@ bool EnterFilter() noexcept
 
 void LeaveFilter() noexcept
 {
+    module::ShutDoors(false);
     g_owner.store(0, std::memory_order_release);
     sync::FutexWake(g_owner);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "include/KXExport.h"
+
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -22,7 +24,7 @@ struct Resolved
 
 // The Linux path that a path names; its last components need not exist. Nothing, with the last error set, for
 // a null or empty path, one too long, of a drive that isn't there, or with bytes that are no text.
-std::optional<Resolved> Resolve(const char* pszPath);
+KX_API std::optional<Resolved> Resolve(const char* pszPath);
 
 // What a search looks for: the entries of a directory that match a name with wildcards, or one entry.
 struct Pattern

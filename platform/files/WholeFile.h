@@ -1,5 +1,6 @@
 #pragma once
 
+#include "include/KXExport.h"
 #include "include/platform/Error.h"
 #include "platform/UniqueFd.h"
 
@@ -26,11 +27,11 @@ UniqueFd OpenRegularFile(const std::string& path, struct stat& status);
 
 // Reads a regular file from its beginning to its end, whatever size it is said to have. A file of more than
 // `limit` bytes gives ERROR_ACCESS_DENIED.
-DWORD ReadWholeFile(const std::string& path, std::size_t limit, FileContent& content);
+KX_API DWORD ReadWholeFile(const std::string& path, std::size_t limit, FileContent& content);
 DWORD ReadWholeFile(int fd, std::size_t limit, FileContent& content);
 
 // Reads the first `count` bytes of a regular file, or what there is of them.
-DWORD ReadFileHead(const std::string& path, std::size_t count, FileContent& content);
+KX_API DWORD ReadFileHead(const std::string& path, std::size_t count, FileContent& content);
 
 // Writes all of it, however many calls that takes; the errno, 0 for success.
 int WriteAll(int fd, const void* pBuf, std::size_t nCount) noexcept;
@@ -42,7 +43,7 @@ int WriteAll(int fd, const void* pBuf, std::size_t nCount) noexcept;
 // over it. The part file is also the lock: a turn begins when the writer holds the flock of the file that has
 // the name, and ends when the name is gone. The kernel frees the flock of a killed writer, and the next
 // writer removes the part file that was left.
-class FileReplacement
+class KX_API FileReplacement
 {
 public:
     enum class Existing
@@ -111,6 +112,6 @@ private:
 };
 
 // Replaces or makes a file; `mode` as for FileReplacement::Begin.
-DWORD ReplaceWholeFile(const std::string& path, std::string_view bytes, mode_t mode);
+KX_API DWORD ReplaceWholeFile(const std::string& path, std::string_view bytes, mode_t mode);
 
 } // namespace kx::files

@@ -1,9 +1,19 @@
 #include "include/platform/Internet.h"
 
-#include "platform/http/Session.h"
-#include "platform/http/Transfer.h"
+#include "platform/http/Functions.h"
+#include "platform/module/Door.h"
+#include "platform/text/CharWalk.h"
 
 #include <new>
+
+KX_DOOR(http, kx::http::Functions);
+
+int CInternetException::GetErrorMessage(char* pszError, UINT nMax, UINT* pHelpId) const
+{
+    if (pHelpId) *pHelpId = 0;
+    if (pszError) kx::text::CopyCut(m_strText.View(), pszError, nMax);
+    return pszError && nMax > 0 && !m_strText.IsEmpty();
+}
 
 CHttpFile::CHttpFile(std::unique_ptr<kx::http::Transfer> transfer) noexcept : m_transfer(std::move(transfer))
 {
@@ -21,7 +31,8 @@ int CHttpFile::QueryInfo(DWORD dwInfoLevel, unsigned long& dwNumber) const
 
 UINT CHttpFile::Read(void* pBuf, UINT nCount)
 {
-    if (!m_transfer) kx::http::Throw(ERROR_INTERNET_INCORRECT_HANDLE_STATE, 0, "The file is closed.");
+    if (!m_transfer)
+        throw new CInternetException(ERROR_INTERNET_INCORRECT_HANDLE_STATE, 0, "The file is closed.");
     return static_cast<UINT>(m_transfer->Read(pBuf, nCount));
 }
 
@@ -35,7 +46,8 @@ CInternetSession::CInternetSession(const char* pszAgent, unsigned long dwContext
 try {
     if (dwAccessType > INTERNET_OPEN_TYPE_DIRECT) AfxThrowInvalidArgException();
     const bool bProxies = dwAccessType == INTERNET_OPEN_TYPE_PRECONFIG;
-    m_session = std::make_shared<kx::http::Session>(pszAgent, bProxies, dwContext);
+    if (const auto* functions = g_door.Open())
+        m_session = functions->makeSession(pszAgent, bProxies, dwContext);
 } catch (const std::bad_alloc&) {
     AfxThrowMemoryException();
 }
@@ -49,19 +61,20 @@ CHttpFile* CInternetSession::OpenURL(const char* pszURL, unsigned long dwContext
                                      const char* pszHeaders, DWORD)
 try {
     if (pszHeaders) AfxThrowInvalidArgException();
-    auto transfer = std::make_unique<kx::http::Transfer>(m_session, pszURL, dwContext);
-    transfer->Open();
-    return std::make_unique<CHttpFile>(std::move(transfer)).release();
+    if (!m_session)
+        throw new CInternetException(ERROR_INTERNET_INTERNAL_ERROR, dwContext,
+                                     "The module for HTTP can't be used.");
+    return std::make_unique<CHttpFile>(m_session->Open(pszURL, dwContext)).release();
 } catch (const std::bad_alloc&) {
     AfxThrowMemoryException();
 }
 
 void CInternetSession::Close() noexcept
 {
-    m_session->Close();
+    if (m_session) m_session->Close();
 }
 
 void CInternetSession::Cancel() noexcept
 {
-    m_session->Cancel();
+    if (m_session) m_session->Cancel();
 }

@@ -2,12 +2,16 @@
 
 #include "internal/Debug.h"
 #include "platform/Immortal.h"
+#include "platform/module/Door.h"
+#include "platform/services/Functions.h"
 #include "platform/sync/Mutex.h"
 
 #include <string_view>
 #include <utility>
 
 using namespace kx::services;
+
+KX_DOOR(services, Functions);
 
 namespace {
 
@@ -46,6 +50,12 @@ DWORD Name(Handle handle, SC_HANDLE& hNamed)
 
 } // namespace
 
+std::shared_ptr<KXHost::ServiceManager> KXHost::MakeSystemdManager(const SystemdPlace& place)
+{
+    const Functions* const functions = g_door.Open();
+    return functions ? functions->makeManager(place) : nullptr;
+}
+
 void KXHost::SetServiceManager(std::shared_ptr<ServiceManager> manager)
 {
     Current& current = TheCurrent();
@@ -61,6 +71,7 @@ SC_HANDLE OpenSCManagerA(const char* pszMachine, const char* pszDatabase, DWORD 
         if (pszDatabase && std::string_view(pszDatabase) != "ServicesActive")
             return ERROR_DATABASE_DOES_NOT_EXIST;
         const auto manager = CurrentManager();
+        if (!manager) return RPC_S_SERVER_UNAVAILABLE;
         const DWORD error = manager->OpenManager(dwAccess);
         if (!error) return Name({manager, dwAccess | SC_MANAGER_CONNECT, {}}, hManager);
         kx::debug::Tell("service", "the manager of services can't be opened (error %u)", error);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "include/KXExport.h"
+
 #include <cstddef>
 #include <string_view>
 
@@ -60,10 +62,10 @@ std::size_t Find(std::string_view text, std::string_view sub, std::size_t start 
 std::size_t FindLast(std::string_view text, char ch) noexcept;
 
 // White space cut from both ends; it never is a trail byte.
-std::string_view Trim(std::string_view text) noexcept;
+KX_API std::string_view Trim(std::string_view text) noexcept;
 
 // ASCII letters folded, those in longer characters left alone: negative, 0 or positive in byte order.
-int CompareNoCase(std::string_view a, std::string_view b) noexcept;
+KX_API int CompareNoCase(std::string_view a, std::string_view b) noexcept;
 
 // Folds the ASCII letters of a text in its place, trail bytes left alone.
 void LowerAscii(char* text, std::size_t length) noexcept;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "include/KXExport.h"
 #include "include/platform/Types.h"
 
 #include <iconv.h>
@@ -13,7 +14,7 @@ namespace kx::text {
 
 // One conversion between a code page (936, 65001) and a Unicode form. Code page 936 is GB18030 here, with
 // byte 80 as the euro sign and a four-byte form for the few characters that the system's converter lacks.
-class Iconv
+class KX_API Iconv
 {
 public:
     enum class Direction

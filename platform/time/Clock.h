@@ -1,5 +1,6 @@
 #pragma once
 
+#include "include/KXExport.h"
 #include "include/platform/Types.h"
 
 #include <chrono>
@@ -23,7 +24,7 @@ struct Monotonic
     using period = duration::period;
     using time_point = std::chrono::time_point<Monotonic>;
     static constexpr bool is_steady = true;
-    static time_point now() noexcept;
+    KX_API static time_point now() noexcept;
 };
 using Moment = Monotonic::time_point;
 
@@ -45,7 +46,7 @@ std::int64_t WallSeconds() noexcept;
 std::timespec WallTime() noexcept;
 
 // Whether the host made the clock virtual.
-bool IsVirtual() noexcept;
+KX_API bool IsVirtual() noexcept;
 // A moment of the monotonic time as the system's CLOCK_MONOTONIC, while the clock is the real one.
 std::timespec ToSystem(Moment moment) noexcept;
 

@@ -1,11 +1,14 @@
-#include "include/platform/Com.h"
 #include "include/platform/Error.h"
 #include "internal/Debug.h"
 #include "platform/SameGuid.h"
 #include "platform/files/Path.h"
 #include "platform/files/WholeFile.h"
+#include "platform/module/Door.h"
+#include "platform/xml/Functions.h"
 #include "platform/xml/Markup.h"
 #include "platform/xml/NodeObject.h"
+
+#include <cstring>
 
 namespace kx::xml {
 
@@ -107,38 +110,13 @@ private:
     Ref<Tree> m_tree = Tree::Make();
 };
 
-thread_local int g_nInitialized = 0;
-
 } // namespace
 
 } // namespace kx::xml
 
-using kx::xml::g_nInitialized;
-
-HRESULT CoInitialize(void*)
+KX_MODULE_ENTRY(xml)
 {
-    return g_nInitialized++ == 0 ? S_OK : S_FALSE;
-}
-
-void CoUninitialize()
-{
-    if (g_nInitialized > 0) --g_nInitialized;
-}
-
-HRESULT CoCreateInstance(const GUID& clsid, IUnknown* pOuter, DWORD dwContext, const GUID& iid,
-                         void** ppObject)
-{
-    constexpr DWORD kInProcess = 1;
-    if (!ppObject) return E_POINTER;
-    *ppObject = nullptr;
-    if (g_nInitialized == 0) {
-        kx::debug::Tell("xml", "CoInitialize was not called on this thread; there is no document");
-        return CO_E_NOTINITIALIZED;
-    }
-    if (!kx::SameGuid(clsid, CLSID_DOMDocument) || !(dwContext & kInProcess)) return REGDB_E_CLASSNOTREG;
-    if (pOuter) return CLASS_E_NOAGGREGATION;
-    return kx::xml::Guarded([&] {
-        const auto document = kx::xml::Ref<IXMLDOMDocument>::Adopt(new kx::xml::DocumentObject);
-        return document->QueryInterface(iid, ppObject);
-    });
+    static constexpr kx::xml::Functions functions{
+        []() -> IXMLDOMDocument* { return new kx::xml::DocumentObject; }};
+    return std::strcmp(pszVersion, KX_VERSION) == 0 ? &functions : nullptr;
 }

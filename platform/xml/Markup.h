@@ -1,5 +1,6 @@
 #pragma once
 
+#include "include/KXExport.h"
 #include "include/platform/Variant.h"
 #include "platform/xml/Tree.h"
 
@@ -12,15 +13,15 @@
 namespace kx::xml {
 
 // UTF-8; half a surrogate pair becomes "?".
-std::string ToUtf8(BSTR bstr);
+KX_API std::string ToUtf8(BSTR bstr);
 // The same with "?" for each character that an XML document can't hold.
-std::string ToXmlText(BSTR bstr);
+KX_API std::string ToXmlText(BSTR bstr);
 
 // Null for a lack of memory.
-BSTR ToBstr(std::string_view utf8);
+KX_API BSTR ToBstr(std::string_view utf8);
 
 // The process's code page.
-std::string ToCodePage(BSTR bstr);
+KX_API std::string ToCodePage(BSTR bstr);
 
 // The encoding that a document's first line declares, if that can be read as ASCII; empty without one.
 std::string DeclaredEncoding(std::string_view document);

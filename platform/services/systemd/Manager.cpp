@@ -1,15 +1,13 @@
 #include "platform/services/systemd/Manager.h"
 
+#include "platform/module/Door.h"
+#include "platform/services/Functions.h"
 #include "platform/services/systemd/UnitText.h"
 #include "platform/text/Conversion.h"
 
+#include <cstring>
 #include <optional>
 #include <unistd.h>
-
-std::shared_ptr<KXHost::ServiceManager> KXHost::MakeSystemdManager(const SystemdPlace& place)
-{
-    return std::make_shared<kx::services::systemd::Manager>(place);
-}
 
 namespace kx::services::systemd {
 
@@ -195,3 +193,12 @@ DWORD Manager::ListDependents(const CString& strName, std::vector<KXHost::Depend
 }
 
 } // namespace kx::services::systemd
+
+KX_MODULE_ENTRY(services)
+{
+    static constexpr kx::services::Functions functions{
+        [](const KXHost::SystemdPlace& place) -> std::shared_ptr<KXHost::ServiceManager> {
+            return std::make_shared<kx::services::systemd::Manager>(place);
+        }};
+    return std::strcmp(pszVersion, KX_VERSION) == 0 ? &functions : nullptr;
+}

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string_view>
 
-namespace kx::http {
+namespace kx::http::curl {
 
 // A buffer of fixed size that is filled at its end and emptied from its front.
 class BlockBuffer
@@ -46,4 +46,4 @@ private:
     std::size_t m_nEnd = 0;
 };
 
-} // namespace kx::http
+} // namespace kx::http::curl

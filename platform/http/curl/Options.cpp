@@ -1,6 +1,6 @@
-#include "platform/http/Options.h"
+#include "platform/http/curl/Options.h"
 
-#include "platform/http/Transfer.h"
+#include "platform/http/curl/Transfer.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -26,14 +26,14 @@ void SetAuthorities(CURL* easy)
 {
     const char* pszBundle = Setting("CURL_CA_BUNDLE");
     if (const char* pszFile = pszBundle ? pszBundle : Setting("SSL_CERT_FILE"))
-        kx::http::Set(easy, CURLOPT_CAINFO, pszFile);
+        kx::http::curl::Set(easy, CURLOPT_CAINFO, pszFile);
     if (const char* pszDir = pszBundle ? nullptr : Setting("SSL_CERT_DIR"))
-        kx::http::Set(easy, CURLOPT_CAPATH, pszDir);
+        kx::http::curl::Set(easy, CURLOPT_CAPATH, pszDir);
 }
 
 } // namespace
 
-std::string kx::http::ToWire(std::string_view url)
+std::string kx::http::curl::ToWire(std::string_view url)
 {
     constexpr std::string_view kDigits = "0123456789ABCDEF";
     const std::size_t scheme = url.find("://");
@@ -50,7 +50,7 @@ std::string kx::http::ToWire(std::string_view url)
     return wire;
 }
 
-bool kx::http::CheckUrl(const char* pszUrl, unsigned long dwContext)
+bool kx::http::curl::CheckUrl(const char* pszUrl, unsigned long dwContext)
 {
     const std::unique_ptr<CURLU, FreeUrl> url(curl_url());
     if (!url) AfxThrowMemoryException();
@@ -70,7 +70,7 @@ bool kx::http::CheckUrl(const char* pszUrl, unsigned long dwContext)
     return scheme == "https";
 }
 
-kx::http::Easy kx::http::MakeEasy(const char* pszAgent, bool bProxies)
+kx::http::curl::Easy kx::http::curl::MakeEasy(const char* pszAgent, bool bProxies)
 {
     Easy owner(curl_easy_init());
     CURL* const easy = owner.get();

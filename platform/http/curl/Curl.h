@@ -1,11 +1,11 @@
 #pragma once
 
-#include "platform/http/Failure.h"
+#include "platform/http/curl/Failure.h"
 
 #include <curl/curl.h>
 #include <memory>
 
-namespace kx::http {
+namespace kx::http::curl {
 
 struct CloseEasy
 {
@@ -34,4 +34,4 @@ T Get(CURL* easy, CURLINFO info) noexcept
     return value;
 }
 
-} // namespace kx::http
+} // namespace kx::http::curl

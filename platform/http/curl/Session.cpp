@@ -1,36 +1,25 @@
-#include "platform/http/Session.h"
+#include "platform/http/curl/Session.h"
 
 #include "platform/PipeSignal.h"
-#include "platform/http/Options.h"
-#include "platform/http/Transfer.h"
+#include "platform/http/curl/Options.h"
+#include "platform/http/curl/Transfer.h"
+#include "platform/module/Door.h"
 
 #include <algorithm>
 #include <chrono>
-#include <dlfcn.h>
+#include <cstring>
 
 namespace {
 
-// A look-up of a name that is given up goes on for a while on a thread of libcurl's, so that mustn't be
-// unloaded with this library.
-void StayLoaded()
-{
-    Dl_info info;
-    if (dladdr(reinterpret_cast<void*>(&curl_global_init), &info) && info.dli_fname)
-        dlopen(info.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
-}
-
 void Initialize(unsigned long dwContext)
 {
-    static const CURLcode code = [] {
-        StayLoaded();
-        return curl_global_init(CURL_GLOBAL_DEFAULT);
-    }();
-    if (code != CURLE_OK) kx::http::Throw(code, dwContext);
+    static const CURLcode code = curl_global_init(CURL_GLOBAL_DEFAULT);
+    if (code != CURLE_OK) kx::http::curl::Throw(code, dwContext);
 }
 
 } // namespace
 
-namespace kx::http {
+namespace kx::http::curl {
 
 Session::Session(const char* pszAgent, bool bProxies, unsigned long dwContext)
     : m_agent(pszAgent ? pszAgent : ""), m_bProxies(bProxies)
@@ -40,6 +29,13 @@ Session::Session(const char* pszAgent, bool bProxies, unsigned long dwContext)
     if (!m_multi) AfxThrowMemoryException();
     const sync::MutexLock lock(m_lock);
     m_wakeable = m_multi.get();
+}
+
+std::unique_ptr<http::Transfer> Session::Open(const char* pszUrl, unsigned long dwContext)
+{
+    auto transfer = std::make_unique<Transfer>(shared_from_this(), pszUrl, dwContext);
+    transfer->Open();
+    return transfer;
 }
 
 void Session::CheckOpen(unsigned long dwContext) const
@@ -126,4 +122,14 @@ void Session::Cancel() noexcept
     if (m_wakeable) curl_multi_wakeup(m_wakeable);
 }
 
-} // namespace kx::http
+} // namespace kx::http::curl
+
+KX_MODULE_ENTRY(http)
+{
+    static constexpr kx::http::Functions functions{
+        [](const char* pszAgent, bool bProxies,
+           unsigned long dwContext) -> std::shared_ptr<kx::http::Session> {
+            return std::make_shared<kx::http::curl::Session>(pszAgent, bProxies, dwContext);
+        }};
+    return std::strcmp(pszVersion, KX_VERSION) == 0 ? &functions : nullptr;
+}

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "platform/http/BlockBuffer.h"
-#include "platform/http/Curl.h"
+#include "platform/http/Functions.h"
+#include "platform/http/curl/BlockBuffer.h"
+#include "platform/http/curl/Curl.h"
 #include "platform/sync/Mutex.h"
 #include "platform/time/Clock.h"
 
@@ -10,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace kx::http {
+namespace kx::http::curl {
 
 class Transfer;
 
@@ -23,13 +24,17 @@ struct Gear
 
 // The connections of a CInternetSession and the transfers on them. All of them move on whenever one is
 // waited for; what comes for one that nobody reads stays with the server once its buffer is full.
-class Session
+class Session final : public http::Session, public std::enable_shared_from_this<Session>
 {
 public:
     Session(const char* pszAgent, bool bProxies, unsigned long dwContext);
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
-    ~Session() { Close(); }
+    ~Session() override { Close(); }
+
+    std::unique_ptr<http::Transfer> Open(const char* pszUrl, unsigned long dwContext) override;
+    void Close() noexcept override;
+    void Cancel() noexcept override;
 
     // Throw ERROR_INTERNET_INCORRECT_HANDLE_STATE once it is closed.
     Gear Take(unsigned long dwContext);
@@ -45,8 +50,6 @@ public:
     // no reason.
     void Wait(time::Moment deadline) noexcept;
 
-    void Close() noexcept;
-    void Cancel() noexcept;
     bool IsCancelled() const noexcept { return m_bCancelled; }
 
 private:
@@ -63,4 +66,4 @@ private:
     std::atomic<bool> m_bCancelled{false};
 };
 
-} // namespace kx::http
+} // namespace kx::http::curl

@@ -4,7 +4,7 @@
 
 #include <curl/curl.h>
 
-namespace kx::http {
+namespace kx::http::curl {
 
 // Throw the framework's exception for what libcurl reports, with its text unless there is a better one.
 [[noreturn]] void Throw(CURLcode code, unsigned long dwContext, const char* pszText = nullptr);
@@ -13,4 +13,4 @@ namespace kx::http {
 // For what this layer itself refuses.
 [[noreturn]] void Throw(DWORD dwError, unsigned long dwContext, const char* pszText);
 
-} // namespace kx::http
+} // namespace kx::http::curl

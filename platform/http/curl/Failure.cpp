@@ -1,6 +1,4 @@
-#include "platform/http/Failure.h"
-
-#include "platform/text/CharWalk.h"
+#include "platform/http/curl/Failure.h"
 
 namespace {
 
@@ -42,26 +40,19 @@ DWORD ErrorOf(CURLcode code)
 
 } // namespace
 
-int CInternetException::GetErrorMessage(char* pszError, UINT nMax, UINT* pHelpId) const
-{
-    if (pHelpId) *pHelpId = 0;
-    if (pszError) kx::text::CopyCut(m_strText.View(), pszError, nMax);
-    return pszError && nMax > 0 && !m_strText.IsEmpty();
-}
-
-void kx::http::Throw(CURLcode code, unsigned long dwContext, const char* pszText)
+void kx::http::curl::Throw(CURLcode code, unsigned long dwContext, const char* pszText)
 {
     if (code == CURLE_OUT_OF_MEMORY) AfxThrowMemoryException();
     Throw(ErrorOf(code), dwContext, pszText && *pszText ? pszText : curl_easy_strerror(code));
 }
 
-void kx::http::Throw(CURLMcode code, unsigned long dwContext)
+void kx::http::curl::Throw(CURLMcode code, unsigned long dwContext)
 {
     if (code == CURLM_OUT_OF_MEMORY) AfxThrowMemoryException();
     Throw(ERROR_INTERNET_INTERNAL_ERROR, dwContext, curl_multi_strerror(code));
 }
 
-void kx::http::Throw(DWORD dwError, unsigned long dwContext, const char* pszText)
+void kx::http::curl::Throw(DWORD dwError, unsigned long dwContext, const char* pszText)
 {
     throw new CInternetException(dwError, dwContext, pszText);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/http/Session.h"
+#include "platform/http/curl/Session.h"
 
 #include <array>
 #include <cstddef>
@@ -8,10 +8,10 @@
 #include <memory>
 #include <optional>
 
-namespace kx::http {
+namespace kx::http::curl {
 
 // One file on its way: turns what libcurl pushes into what its reader pulls.
-class Transfer
+class Transfer final : public http::Transfer
 {
 public:
     // How much of the body is held ahead of the reader, at most.
@@ -21,12 +21,12 @@ public:
     Transfer(std::shared_ptr<Session> session, const char* pszUrl, unsigned long dwContext);
     Transfer(const Transfer&) = delete;
     Transfer& operator=(const Transfer&) = delete;
-    ~Transfer();
+    ~Transfer() override;
 
     // Waits for the headers that count.
     void Open();
-    std::size_t Read(void* pBuf, std::size_t nCount);
-    std::optional<std::uint64_t> ContentLength() const noexcept;
+    std::size_t Read(void* pBuf, std::size_t nCount) override;
+    std::optional<std::uint64_t> ContentLength() const noexcept override;
 
     CURL* Handle() const noexcept { return m_gear->easy.get(); }
     unsigned long Context() const noexcept { return m_dwContext; }
@@ -60,4 +60,4 @@ private:
     bool m_bPaused = false; // something waits for room in the buffer
 };
 
-} // namespace kx::http
+} // namespace kx::http::curl

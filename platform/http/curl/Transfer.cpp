@@ -1,12 +1,12 @@
-#include "platform/http/Transfer.h"
+#include "platform/http/curl/Transfer.h"
 
 #include "platform/PipeSignal.h"
-#include "platform/http/Options.h"
+#include "platform/http/curl/Options.h"
 #include "platform/text/CharWalk.h"
 
 #include <utility>
 
-namespace kx::http {
+namespace kx::http::curl {
 
 Transfer::Transfer(std::shared_ptr<Session> session, const char* pszUrl, unsigned long dwContext)
     : m_session(std::move(session)), m_dwContext(dwContext)
@@ -135,4 +135,4 @@ std::size_t Transfer::OnBody(char* pch, std::size_t nSize, std::size_t nCount, v
     return self.m_bPaused ? CURL_WRITEFUNC_PAUSE : bytes.size();
 }
 
-} // namespace kx::http
+} // namespace kx::http::curl

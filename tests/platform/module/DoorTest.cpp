@@ -1,0 +1,93 @@
+#include "tests/support/Child.h"
+#include "tests/support/TempDir.h"
+
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr const char* kAll = "HTTP, services, XML\n";
+
+// A copy of the library with its modules.
+class Doors : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        const fs::path built = fs::path(KX_TEST_BIN).parent_path() / "lib";
+        if (!fs::exists(built / "KXCommonClass/http.so"))
+            GTEST_SKIP() << "the library is built without modules";
+        fs::copy_file(built / "libKXCommonClass.so.1", m_dir.Path("libKXCommonClass.so.1"));
+        fs::copy(built / "KXCommonClass", m_dir.Path("KXCommonClass"));
+    }
+
+    std::string Module(const char* pszName) const
+    {
+        return m_dir.Path(std::string("KXCommonClass/") + pszName);
+    }
+
+    std::string Run(std::vector<std::string> args = {})
+    {
+        test::Child child("DoorChild", std::move(args), {"LD_LIBRARY_PATH=" + m_dir.Path(""), "KX_DEBUG=1"},
+                          true);
+        EXPECT_EQ(child.Wait(), 0);
+        return child.ErrorText();
+    }
+
+    test::TempDir m_dir;
+};
+
+TEST_F(Doors, OpenFromBesideTheLibrary)
+{
+    EXPECT_THAT(Run(), HasSubstr(kAll));
+    EXPECT_THAT(Run(), Not(HasSubstr("module")));
+    fs::remove_all(m_dir.Path("KXCommonClass"));
+    const std::string text = Run({"threads"});
+    EXPECT_THAT(text, HasSubstr("no HTTP, no services, no XML\n"));
+    EXPECT_THAT(text, HasSubstr("http: the module can't be used: " + Module("http.so") + ": cannot open"));
+    EXPECT_EQ(text.find("http: the module"), text.rfind("http: the module")) << text; // said once
+}
+
+TEST_F(Doors, StayShutForWhatIsNoModuleOfThisLibrary)
+{
+    fs::resize_file(Module("http.so"), 5000);
+    fs::remove(Module("services.so"));
+    fs::create_directory(Module("services.so"));
+    fs::copy_file(m_dir.Path("libKXCommonClass.so.1"), Module("xml.so"),
+                  fs::copy_options::overwrite_existing);
+    const std::string text = Run();
+    EXPECT_THAT(text, HasSubstr("no HTTP, no services, no XML\n"));
+    for (const char* pszName : {"http: ", "services: ", "xml: "})
+        EXPECT_THAT(text, HasSubstr(std::string(pszName) + "the module can't be used: "));
+}
+
+TEST_F(Doors, StayShutForAnotherVersion)
+{
+    std::ifstream in(Module("http.so"), std::ios::binary);
+    std::string bytes((std::istreambuf_iterator<char>(in)), {});
+    const auto place = bytes.find(std::string("\0" KX_VERSION "\0", sizeof KX_VERSION + 1));
+    ASSERT_NE(place, bytes.npos);
+    bytes[place + 1] = '7';
+    std::ofstream(Module("http.so"), std::ios::binary) << bytes;
+    const std::string text = Run();
+    EXPECT_THAT(text, HasSubstr("no HTTP, services, XML\n"));
+    EXPECT_THAT(text,
+                HasSubstr("http: the module can't be used: it belongs to another version of the library\n"));
+}
+
+TEST_F(Doors, OpenForThreadsAtOnce)
+{
+    const std::string text = Run({"threads"});
+    std::size_t count = 0;
+    for (auto at = text.find(kAll); at != text.npos; at = text.find(kAll, at + 1))
+        ++count;
+    EXPECT_EQ(count, 9u) << text;
+}
+
+} // namespace
