@@ -37,7 +37,7 @@ int PrintReport(tagKXFileInfo* pInfo, long pParam)
 
 } // namespace
 
-// What the client does when it is started to crash: what every client does at its start, and then its
+// The client's work when it is started to crash: what every client does at its start, and then its
 // mistake.
 int client::Crash()
 {

@@ -91,6 +91,11 @@ void client::PaintFriends(SkinPainter& painter, const CRect& rcClient)
                   "IDS_RECEIVING", 85, false);
 }
 
+CRect client::FriendsField(const CRect& rcClient)
+{
+    return CRect(rcClient.left + 10, rcClient.bottom - 34, rcClient.right - 10, rcClient.bottom - 12);
+}
+
 void client::PaintFriendMenu(SkinPainter& painter, const CRect& rcClient)
 {
     const CKXSkinColorDef& colors = painter.Colors();

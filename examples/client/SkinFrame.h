@@ -15,7 +15,7 @@ enum class Boxes
 CRect PaintFrame(SkinPainter& painter, const CSize& size, const CString& strTitle, bool bActive, Boxes boxes,
                  State close);
 
-// Where the box to close a window of that width lies.
+// The place of the box that closes a window of that width.
 CRect CloseBoxRect(const CKXSkinWndRes& wnd, int nWidth);
 
 // Makes the shape of a window of that size, with its corners cut along the skin's paths.

@@ -63,6 +63,8 @@ public:
     void PushButton(const CRect& rc, const CString& str, State state);
     void CheckBox(const CRect& rc, const CString& str, Check check, State state);
     void RadioButton(const CRect& rc, const CString& str, Check check, State state);
+    // A field with a text; gives the room that its button has at the right.
+    CRect Edit(const CRect& rc, const CString& str, int nButtonWidth = 0);
     void Combo(const CRect& rc, const CString& str, State state);
     void Spin(const CRect& rc, const CString& str, State up, State down);
     void TabButton(const CRect& rc, const CString& str, Tab tab, State state);
@@ -76,7 +78,6 @@ public:
     void Group(const CRect& rc, const CString& str, bool bExpanded, bool bTeam, State state);
 
 private:
-    CRect Edit(const CRect& rc, const CString& str, int nButtonWidth);
     void Mark(CKXBitmap& bmp, const CSize& size, const CRect& rc, const CString& str, int nImage,
               State state);
 

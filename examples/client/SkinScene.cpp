@@ -10,7 +10,7 @@ namespace {
 
 const CSize sizePicture(980, 712);
 
-// What lies behind the windows.
+// The ground behind the windows.
 void PaintDesktop()
 {
     const HDC hDC = GetDC(nullptr);
@@ -55,8 +55,8 @@ bool ShowAllSkins(CKXSkinResManager& skins)
 {
     client::SkinnedWindow trainer(CRect(16, 16, 676, 696),
                                   {"trainer", "IDS_TITLE", true, true, client::PaintTrainer});
-    client::SkinnedWindow friends(CRect(692, 16, 964, 442),
-                                  {"friends", "IDS_FRIENDS", false, false, client::PaintFriends});
+    client::SkinnedWindow friends(CRect(692, 16, 964, 442), {"friends", "IDS_FRIENDS", false, false,
+                                                             client::PaintFriends, client::FriendsField});
     client::SkinnedWindow menu(CRect(716, 462, 936, 630),
                                {"menu", nullptr, true, false, client::PaintFriendMenu});
     const int nSkins = skins.GetSkinsTotal();

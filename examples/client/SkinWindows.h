@@ -4,9 +4,11 @@
 
 namespace client {
 
-// What the client's windows show.
+// The contents of the client's windows.
 void PaintTrainer(SkinPainter& painter, const CRect& rcClient);
 void PaintFriends(SkinPainter& painter, const CRect& rcClient);
+// The field where one types a line to a friend.
+CRect FriendsField(const CRect& rcClient);
 void PaintFriendMenu(SkinPainter& painter, const CRect& rcClient);
 
 // The page of the trainer on what the skin offers.

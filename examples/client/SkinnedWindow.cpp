@@ -1,6 +1,7 @@
 #include "SkinnedWindow.h"
 
 #include "SkinFrame.h"
+#include "SpellingTest.h"
 
 #include <cstdio>
 
@@ -13,7 +14,9 @@ client::SkinnedWindow::SkinnedWindow(const CRect& rc, const Look& look)
 {
     const WNDCLASSA windowClass{OnMessage, szClass};
     RegisterClassA(&windowClass); // the first window's call; it stays until the last has gone
-    m_hWnd = CreateWindowExA(0, szClass, "", WS_POPUP, rc.left, rc.top, m_size.cx, m_size.cy);
+    const CString strTitle = look.pszTitle ? TextOf(look.pszTitle) : CString();
+    m_hWnd = CreateWindowExA(0, szClass, strTitle, look.pszTitle ? 0 : WS_POPUP, rc.left, rc.top, m_size.cx,
+                             m_size.cy);
     SetWindowLongPtrA(m_hWnd, GWLP_USERDATA, reinterpret_cast<std::intptr_t>(this));
     ShowWindow(m_hWnd, SW_SHOW);
 }
@@ -27,6 +30,8 @@ client::SkinnedWindow::~SkinnedWindow()
 LRESULT client::SkinnedWindow::OnMessage(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
 {
     auto* pWindow = reinterpret_cast<SkinnedWindow*>(GetWindowLongPtrA(hWnd, GWLP_USERDATA));
+    if (pWindow && nMsg == WM_CHAR) pWindow->Type(static_cast<char>(wParam));
+    if (pWindow && nMsg == WM_SETFOCUS) pWindow->Redraw();
     if (!pWindow || (nMsg != WM_KXSKINCHANGED && nMsg != WM_KXLANCHANGED))
         return DefWindowProcA(hWnd, nMsg, wParam, lParam);
     pWindow->OnChange(nMsg);
@@ -43,6 +48,13 @@ void client::SkinnedWindow::OnChange(UINT nMsg)
     Redraw();
 }
 
+// Characters of an input method come byte by byte, and its candidates appear where one types.
+void client::SkinnedWindow::Type(char byte)
+{
+    constexpr int nMost = 30;
+    if (m_look.Field && TypeByte(m_strTyped, byte, byte >= ' ', nMost)) Redraw();
+}
+
 // Into a surface first, so that nothing flickers, then as a whole in the window's shape.
 void client::SkinnedWindow::Redraw()
 {
@@ -55,6 +67,12 @@ void client::SkinnedWindow::Redraw()
             rc = PaintFrame(painter, m_size, TextOf(m_look.pszTitle), m_look.bActive,
                             m_look.bMinMaxBox ? Boxes::All : Boxes::Usual, m_look.bActive ? Hot : Normal);
         m_look.Paint(painter, rc);
+        if (m_look.Field) {
+            const CRect rcField = m_look.Field(rc);
+            painter.Edit(rcField, m_strTyped);
+            if (GetFocus() == m_hWnd)
+                SetCaretPos(rcField.left + 6 + painter.TextWidth(m_strTyped), rcField.bottom);
+        }
     }
     if (m_look.pszTitle) {
         CRgn rgn;

@@ -15,6 +15,8 @@ public:
         bool bActive;
         bool bMinMaxBox;
         void (*Paint)(SkinPainter& painter, const CRect& rcClient);
+        // The field where one types; null: none.
+        CRect (*Field)(const CRect& rcClient) = nullptr;
     };
 
     // `rc` on the desktop.
@@ -23,15 +25,18 @@ public:
     SkinnedWindow& operator=(const SkinnedWindow&) = delete;
     ~SkinnedWindow();
 
+    // Draws it in the current skin.
+    void Redraw();
     // How often it heard of another skin.
     int SkinsHeard() const { return m_nSkinsHeard; }
 
 private:
     static LRESULT OnMessage(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam);
     void OnChange(UINT nMsg);
-    void Redraw();
+    void Type(char byte);
 
     CSize m_size;
+    CString m_strTyped;
     Look m_look;
     HWND m_hWnd;
     int m_nSkinsHeard = 0;

@@ -1,5 +1,7 @@
 #include "GdiplusStart.h"
 #include "Scene.h"
+#include "SkinWindows.h"
+#include "SkinnedWindow.h"
 #include "SpellingWnd.h"
 #include "TipThread.h"
 
@@ -126,6 +128,9 @@ int client::RunSpelling()
     CSpellingWnd wnd;
     if (!wnd.Create([&](const CString& str) { tip.Show(str, wnd.m_hWnd, CSpellingWnd::TAKE_FOCUS); }))
         return 1;
+    SkinnedWindow friends(CRect(16, 16, 288, 442),
+                          {"friends", "IDS_FRIENDS", true, false, PaintFriends, FriendsField});
+    friends.Redraw();
     wnd.ShowWindow(SW_SHOW);
     MSG msg;
     while (GetMessageA(&msg, nullptr, 0, 0) > 0) {

@@ -2,6 +2,8 @@
 
 #include "SkinPainter.h"
 
+#include <utility>
+
 void client::SpellingTest::LoadTexts()
 {
     m_entries.clear();
@@ -32,38 +34,41 @@ void client::SpellingTest::Ask()
 
 namespace {
 
-// In the process's code page a byte from here on begins a character of two.
-constexpr unsigned char kFirstOfTwo = 0x81;
+// In the process's code page a byte from here on begins a character of two or four.
+constexpr unsigned char kFirstOfMore = 0x81;
 
-// Gives the end of the last character, which may lie behind the text, and its beginning.
-int CharacterEnd(const CString& str, int* pBegin = nullptr)
+// The last character's beginning, and its end, which lies behind the text while it lacks a byte.
+std::pair<int, int> LastCharacter(const CString& str)
 {
+    int nBegin = 0;
     int nEnd = 0;
     while (nEnd < str.GetLength()) {
-        if (pBegin) *pBegin = nEnd;
-        nEnd += static_cast<unsigned char>(str[nEnd]) >= kFirstOfTwo ? 2 : 1;
+        nBegin = nEnd;
+        const bool bOfFour = nEnd + 1 < str.GetLength() && str[nEnd + 1] >= '0' && str[nEnd + 1] <= '9';
+        nEnd += static_cast<unsigned char>(str[nEnd]) < kFirstOfMore ? 1 : bOfFour ? 4 : 2;
     }
-    return nEnd;
+    return {nBegin, nEnd};
 }
 
 } // namespace
 
-bool client::SpellingTest::Type(char letter)
+bool client::TypeByte(CString& str, char byte, bool bBegins, int nMost)
 {
-    const int nLength = m_strTyped.GetLength();
-    if (m_bAnswered) return false;
-    if (letter == '\b') {
-        int nBegin = 0;
-        CharacterEnd(m_strTyped, &nBegin);
-        m_strTyped = m_strTyped.Left(nBegin);
+    const int nLength = str.GetLength();
+    const auto [nBegin, nEnd] = LastCharacter(str);
+    if (byte == '\b') {
+        str = str.Left(nBegin);
         return nLength > 0;
     }
-    const bool bInside = CharacterEnd(m_strTyped) > nLength; // the last one lacks its second byte
-    const bool bLetter =
-        (letter >= 'a' && letter <= 'z') || static_cast<unsigned char>(letter) >= kFirstOfTwo;
-    if (!bInside && (!bLetter || nLength >= 14)) return false;
-    m_strTyped += letter;
-    return true;
+    bBegins |= static_cast<unsigned char>(byte) >= kFirstOfMore;
+    if (nEnd == nLength && (!bBegins || nLength >= nMost)) return false;
+    str += byte;
+    return LastCharacter(str).second == str.GetLength();
+}
+
+bool client::SpellingTest::Type(char letter)
+{
+    return !m_bAnswered && TypeByte(m_strTyped, letter, letter >= 'a' && letter <= 'z', 14);
 }
 
 void client::SpellingTest::Answer()

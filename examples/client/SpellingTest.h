@@ -5,6 +5,11 @@
 
 namespace client {
 
+// Types a byte into a text in the process's code page, of at most so many bytes: one of a longer character,
+// one that begins a character by itself as `bBegins` says, or '\b', which takes the last character back.
+// False if that changed nothing, or the character is not whole yet.
+bool TypeByte(CString& str, char byte, bool bBegins, int nMost);
+
 // A round of spelling: each word of the current language's list is asked once, with half of its letters
 // hidden.
 class SpellingTest
@@ -16,11 +21,11 @@ public:
     void Restart();
 
     const CString& Word() const { return m_entries[m_nCurrent].strWord; }
-    // What the word means, in the current language.
+    // The word's meaning, in the current language.
     const CString& Meaning() const { return m_entries[m_nCurrent].strMeaning; }
     // The word with its hidden letters.
     const CString& Shown() const { return m_strShown; }
-    // What was typed so far.
+    // The text that was typed so far.
     const CString& Typed() const { return m_strTyped; }
     // Nothing more is typed: the result is to be seen.
     bool IsAnswered() const { return m_bAnswered; }

@@ -246,6 +246,7 @@ void CSpellingWnd::PaintTyped(SkinPainter& painter)
     painter.Outline(CRect(rc.left - 8, rc.top - 1, rc.right + 8, rc.bottom + 1), kBox);
     CKXEnglishWord::RedrawWordInvalidPart(&painter.DC(), &painter.DC(), "", m_test.Typed(), rc, &m_wordFont,
                                           kWord);
+    m_strDrawn = m_test.Typed();
 }
 
 void CSpellingWnd::PaintResult(CDC& dc)
@@ -274,10 +275,9 @@ void CSpellingWnd::OnTimer(UINT nId)
     CWnd::OnTimer(nId);
 }
 
-// What was typed changes alone: from the first letter that differs.
+// Only the typed text is drawn anew, from the first letter that differs.
 void CSpellingWnd::TypeLetter(char letter)
 {
-    const CString strOld = m_test.Typed();
     if (!m_test.Type(letter)) return;
     const CRect rc = TypedRect();
     CKXMemoryDC empty;
@@ -285,8 +285,9 @@ void CSpellingWnd::TypeLetter(char letter)
     empty.GetDC().FillSolidRect(0, 0, kWidth, rc.Height(), kField);
     CClientDC dc(this);
     dc.SetBkMode(TRANSPARENT);
-    CKXEnglishWord::RedrawWordInvalidPart(&dc, &empty.GetDC(), strOld, m_test.Typed(), rc, &m_wordFont,
+    CKXEnglishWord::RedrawWordInvalidPart(&dc, &empty.GetDC(), m_strDrawn, m_test.Typed(), rc, &m_wordFont,
                                           kWord);
+    m_strDrawn = m_test.Typed();
 }
 
 // Characters of an input method come byte by byte.
@@ -315,13 +316,14 @@ void CSpellingWnd::OnKeyDown(UINT nKey, UINT, UINT)
     if (nKey == VK_ESCAPE) PostMessage(WM_CLOSE);
 }
 
-// With Alt, the first letter of a button's text presses it.
+// With Alt, a button is pressed by the letter in brackets at its text's end, or else by the first.
 void CSpellingWnd::OnSysChar(UINT nChar, UINT, UINT)
 {
     for (const Item& item : m_buttons) {
         const CString& strText =
             m_test.IsAnswered() && &item == &m_buttons.front() ? m_strNext : item.strText;
-        if (strText.IsEmpty() || (static_cast<UINT>(strText[0]) | 0x20) != (nChar | 0x20)) continue;
+        const int nAt = strText.ReverseFind('(') + 1;
+        if (strText.IsEmpty() || (static_cast<UINT>(strText[nAt]) | 0x20) != (nChar | 0x20)) continue;
         const std::function<void()> act = item.act;
         return act();
     }

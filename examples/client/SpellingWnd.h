@@ -85,8 +85,9 @@ private:
     CString m_strNext; // the first button's text once the word is answered
     Items m_skins;
     Items m_lans;
-    CRect m_rcHot;    // of the item below the mouse
-    CRect m_rcChosen; // of the item that keys have chosen; empty: none, and Enter answers
+    CString m_strDrawn; // the text that the field shows
+    CRect m_rcHot;      // of the item below the mouse
+    CRect m_rcChosen;   // of the item that keys have chosen; empty: none, and Enter answers
     bool m_bPressed = false;
     bool m_bMoving = false;
     CPoint m_ptGrip;

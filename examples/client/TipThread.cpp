@@ -17,7 +17,7 @@ public:
     explicit CWindow(TipThread& owner) : m_owner(owner) {}
 
 protected:
-    // As far as the desktop has room for it: what is asked about stays in sight.
+    // Below the asker, so that it stays in sight, as far as the desktop has room for it.
     void MoveBelow(const CRect& rcAsker)
     {
         CRect rc;
@@ -28,7 +28,7 @@ protected:
     }
     LRESULT OnShow(WPARAM, LPARAM)
     {
-        // Of those that were asked for while one faded the last is shown, once.
+        // The last of the tips that were asked for while one faded is shown, once.
         for (MSG msg; PeekMessageA(&msg, m_hWnd, kShow, kShow, PM_REMOVE);) {
         }
         CString strText;
@@ -68,7 +68,7 @@ TipThread::TipThread() : m_thread([this] { Run(); }), m_hWnd(m_begun.get_future(
 {
 }
 
-// What is sent is served even while the tip fades.
+// Sent messages are served even while the tip fades.
 TipThread::~TipThread()
 {
     SendMessageA(m_hWnd, WM_CLOSE, 0, 0);

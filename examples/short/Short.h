@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <platform/Host.h>
 
-// Where an example's files lie: beside its executable.
+// The place of an example's files: beside its executable.
 inline CString Beside(const char* pszName)
 {
     return CKXFileSystem::GetInstancePtr()->GetAppPath() + pszName;

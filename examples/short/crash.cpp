@@ -1,6 +1,6 @@
 #include "Short.h"
 
-// What every client does at its start: from here on a crash makes a report, where the marker file lies at the
+// Every client does this at its start: from here on a crash makes a report, where the marker file lies at the
 // root of the drive and the reporter beside the client.
 int main(int nArgs, char** args)
 {
