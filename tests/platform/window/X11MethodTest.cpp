@@ -53,7 +53,7 @@ protected:
             std::vector<std::string>{"fcitx5", "--disable",
                                      "wayland,waylandim,notifications,notificationitem,ibusfrontend"},
             env);
-        ASSERT_TRUE(Await([&] { return !outside->Property(outside->Root(), "XIM_SERVERS").empty(); }));
+        ASSERT_TRUE(Await([&] { return outside->HasOwner("@server=fcitx"); }));
     }
     void Type(const std::string& keys)
     {
@@ -64,18 +64,23 @@ protected:
         }
     }
 
-    // Types "n" until the method takes it: until it has the window, letters are letters.
-    void AwaitMethod(ColorWindow& window)
+    // A method that has a window with the focus says that it is at work, and has told the window so before.
+    void AwaitMethod()
     {
-        ASSERT_TRUE(Pump([&] {
-            window.heard.clear();
-            Type("n");
-            const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(300);
-            while (window.heard.empty() && std::chrono::steady_clock::now() < end)
-                for (MSG msg; PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE);)
-                    DispatchMessageA(&msg);
-            return window.heard.find("char") == std::string::npos;
-        }));
+        const std::string ask = "dbus-send --bus=unix:path=" + m_home.Path() +
+                                "/bus --print-reply --dest=org.fcitx.Fcitx5 /controller "
+                                "org.fcitx.Fcitx.Controller1.State 2>/dev/null | grep -q 'int32 2'";
+        ASSERT_TRUE(Pump([&] { return std::system(ask.c_str()) == 0; }));
+    }
+    // Types letters and a space, which takes the first that they may mean.
+    void ExpectOf(ColorWindow& window, const std::string& keys, const std::string& heard)
+    {
+        window.heard.clear();
+        Type(keys);
+        Type(" ");
+        EXPECT_TRUE(Pump([&] { return window.heard.find("char") != std::string::npos; }));
+        EXPECT_TRUE(Pump([&] { return window.heard.size() >= heard.size(); })) << window.heard;
+        EXPECT_EQ(window.heard, heard);
     }
 
     const TempDir m_home;
@@ -83,18 +88,32 @@ protected:
     std::optional<Program> m_method;
 };
 
-TEST_F(X11MethodTest, AMethodMayGoAndComeBack)
+TEST_F(X11MethodTest, LettersBecomeChineseAtTheCaretAndTheMethodMayGoAndComeBack)
 {
     ColorWindow window(kRed, {50, 60, 250, 160}, WS_POPUP, "window");
     ShowSeen(window, kRed, 100, 100);
-    AwaitMethod(window);
+    AwaitMethod();
+    EXPECT_TRUE(SetCaretPos(70, 30));
+    const std::string hello = "char 196 1,0;char 227 1,0;char 186 1,0;char 195 1,0;";
+    Type("nihao");
+    xcb_window_t candidates = 0;
+    ASSERT_TRUE(Await([&] { return (candidates = outside->Find("Fcitx5 Input Window")) != 0; }));
+    ASSERT_TRUE(Await([&] { return outside->PlaceOf(candidates).left >= 120; }));
+    EXPECT_LT(outside->PlaceOf(candidates).left, 150);
+    EXPECT_GE(outside->PlaceOf(candidates).top, 90);
+    EXPECT_LT(outside->PlaceOf(candidates).top, 120);
+    ExpectOf(window, "", hello);
+    ExpectOf(window, "nihao", hello);
+
     m_method.reset();
-    EXPECT_TRUE(Pump([&] {
-        Type("n");
-        return window.heard.find("char 110") != std::string::npos;
-    })) << "the keys are the window's again";
+    ASSERT_TRUE(Await([&] { return !outside->HasOwner("@server=fcitx"); }));
+    window.heard.clear();
+    Type("n");
+    EXPECT_TRUE(Pump([&] { return window.heard.find("keyup") != std::string::npos; }));
+    EXPECT_EQ(window.heard, "key 78 1,0;char 110 1,0;keyup 78 1,0;") << "the keys are the window's again";
     StartMethod();
-    AwaitMethod(window);
+    AwaitMethod();
+    ExpectOf(window, "nihao", hello);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// What a user sees and does on an X server: a message box, the tip and the transparent window.
+// Scenes of a user on an X server: a message box, the tip and the transparent window.
 
 #include "include/KXTipWnd.h"
 #include "include/KXTransparentWnd.h"
@@ -67,8 +67,8 @@ private:
     std::jthread m_thread;
 };
 
-// A server that answers nobody holds up the calls that need it, and no text in memory.
-TEST_F(X11SceneTest, ATextInMemoryWaitsForNoDisplay)
+// A server that answers nobody holds up the calls that need an answer, and none that draws or only tells it.
+TEST_F(X11SceneTest, OnlyACallThatNeedsAnAnswerWaitsForTheServer)
 {
     const ColorWindow window(kRed, {0, 0, 100, 50});
     ShowSeen(window, kRed, 10, 10);
@@ -81,10 +81,16 @@ TEST_F(X11SceneTest, ATextInMemoryWaitsForNoDisplay)
     free(xcb_get_input_focus_reply(other, xcb_get_input_focus(other), nullptr));
     {
         const WaitingThread look([&] { GetPixel(desktop, 1, 1); });
-        const WaitingThread write([&] { TextOutA(dc, 0, 0, "text", 4); });
-        std::future<int> text =
-            std::async(std::launch::async, [&] { return TextOutA(paper, 0, 0, "text", 4); });
-        EXPECT_EQ(text.wait_for(std::chrono::seconds(20)), std::future_status::ready);
+        const WaitingThread list([] {
+            EnumDesktopWindows(
+                nullptr, [](HWND, long) { return 1; }, 0);
+        });
+        const auto others = std::async(std::launch::async, [&] {
+            TextOutA(paper, 0, 0, "text", 4);
+            TextOutA(dc, 0, 0, "text", 4);
+            SetWindowTextA(window.handle, "title");
+        });
+        EXPECT_EQ(others.wait_for(std::chrono::seconds(3)), std::future_status::ready);
         xcb_disconnect(other); // lets the server go
     }
     ReleaseDC(nullptr, desktop);
@@ -142,7 +148,7 @@ TEST_P(X11FadeTest, TheTipFades)
     if (GetParam())
         compositor.emplace(std::vector<std::string>{"picom", "--config", "/dev/null", "--backend", "xrender"},
                            std::vector{"DISPLAY=" + server->Name()});
-    ASSERT_TRUE(Await([&] { return outside->IsComposed() == GetParam(); }));
+    ASSERT_TRUE(Await([&] { return outside->HasOwner("_NET_WM_CM_S0") == GetParam(); }));
     outside->Cover(0, 0, 640, 480, RGB(0, 0, 0));
     const VirtualClock clock;
     std::thread user([&] {
@@ -179,7 +185,7 @@ TEST_P(X11FadeTest, TheTipFades)
     user.join();
 }
 
-// What is done to the window behind a box doesn't reach it, but its timers and paints go on.
+// Input to the window behind a box doesn't reach it, but its timers and paints go on.
 TEST_F(X11SceneTest, AMessageBoxKeepsTheOtherWindowsFromInput)
 {
     int nAsked = 0;

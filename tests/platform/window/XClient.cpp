@@ -5,8 +5,10 @@
 #include <array>
 #include <cstring>
 #include <stdexcept>
+#include <sys/uio.h>
 #include <unistd.h>
 #include <xcb/randr.h>
+#include <xcb/xcbext.h>
 #include <xcb/xtest.h>
 
 namespace test {
@@ -60,8 +62,9 @@ xcb_window_t XClient::Find(const std::string& title)
     const auto tree = Own(
         xcb_query_tree_reply(m_connection.get(), xcb_query_tree(m_connection.get(), m_screen.root), nullptr));
     for (int i = 0; tree && i < xcb_query_tree_children_length(tree.get()); ++i)
-        if (Property(xcb_query_tree_children(tree.get())[i], "_NET_WM_NAME") == title)
-            return xcb_query_tree_children(tree.get())[i];
+        for (const char* name : {"_NET_WM_NAME", "WM_NAME"})
+            if (Property(xcb_query_tree_children(tree.get())[i], name) == title)
+                return xcb_query_tree_children(tree.get())[i];
     return 0;
 }
 
@@ -82,9 +85,9 @@ bool XClient::IsPopup(xcb_window_t window)
     return reply && reply->override_redirect;
 }
 
-bool XClient::IsComposed()
+bool XClient::HasOwner(const char* selection)
 {
-    const auto cookie = xcb_get_selection_owner(m_connection.get(), Atom("_NET_WM_CM_S0"));
+    const auto cookie = xcb_get_selection_owner(m_connection.get(), Atom(selection));
     const auto reply = Own(xcb_get_selection_owner_reply(m_connection.get(), cookie, nullptr));
     return reply && reply->owner;
 }
@@ -183,23 +186,29 @@ void XClient::Fake(std::uint8_t type, std::uint8_t detail, int x, int y)
     Finish();
 }
 
+// libxcb's own xcb_randr_set_monitor (1.15) sends four parts of which it fills three: the fourth is of
+// whatever lies on the stack.
 void XClient::AddMonitor(const char* name, int x, int y, int width, int height, bool primary)
 {
     struct
     {
+        xcb_randr_set_monitor_request_t head{};
         xcb_randr_monitor_info_t info{};
-        xcb_randr_output_t output = 0;
-    } monitor;
-    monitor.info.name = Atom(name);
-    monitor.info.primary = primary;
-    monitor.info.x = static_cast<std::int16_t>(x);
-    monitor.info.y = static_cast<std::int16_t>(y);
-    monitor.info.width = static_cast<std::uint16_t>(width);
-    monitor.info.height = static_cast<std::uint16_t>(height);
+    } request;
+    request.head.window = m_screen.root;
+    request.info.name = Atom(name);
+    request.info.primary = primary;
+    request.info.x = static_cast<std::int16_t>(x);
+    request.info.y = static_cast<std::int16_t>(y);
+    request.info.width = static_cast<std::uint16_t>(width);
+    request.info.height = static_cast<std::uint16_t>(height);
     Own(xcb_randr_query_version_reply(m_connection.get(), xcb_randr_query_version(m_connection.get(), 1, 5),
                                       nullptr));
-    xcb_randr_delete_monitor(m_connection.get(), m_screen.root, monitor.info.name);
-    xcb_randr_set_monitor(m_connection.get(), m_screen.root, &monitor.info);
+    xcb_randr_delete_monitor(m_connection.get(), m_screen.root, request.info.name);
+    const xcb_protocol_request_t kind{1, &xcb_randr_id, XCB_RANDR_SET_MONITOR, 1};
+    std::array<iovec, 3> parts{}; // the library puts what it needs into the first two
+    parts[2] = {&request, sizeof request};
+    xcb_send_request(m_connection.get(), 0, &parts[2], &kind);
     // The server tells of a real monitor's change, but not of such a one: another change has it speak.
     static std::uint32_t millimetres = 100;
     ++millimetres;

@@ -16,7 +16,7 @@ class XClient
 public:
     explicit XClient(const std::string& display);
 
-    // What is seen there.
+    // The colour that is seen there.
     COLORREF Pixel(int x, int y);
     xcb_window_t Root() const { return m_screen.root; }
     // The top-level window of that title; 0 for none.
@@ -24,7 +24,8 @@ public:
     // A property's bytes as they lie there; empty for none.
     std::string Property(xcb_window_t window, const char* name);
     bool IsPopup(xcb_window_t window);
-    bool IsComposed();
+    // Whether some program has a selection, which stands for a role.
+    bool HasOwner(const char* selection);
 
     // A coloured window over all others, of another process of this machine if `process` isn't 0.
     xcb_window_t Cover(int x, int y, int width, int height, COLORREF color, unsigned process = 0);
@@ -34,14 +35,14 @@ public:
     void Focus(xcb_window_t window); // 0: none
     xcb_window_t Focused();
     void Place(xcb_window_t window, int x, int y, int width, int height);
-    // Where it lies on the screen; empty for no such window.
+    // Its place on the screen; empty for no such window.
     RECT PlaceOf(xcb_window_t window);
     // Lays it into another window, as a manager does.
     void Frame(xcb_window_t window, xcb_window_t frame);
 
     // A part of the screen that counts as a monitor of its own; `primary`: the main one.
     void AddMonitor(const char* name, int x, int y, int width, int height, bool primary);
-    // What the settings of the user's desktop say.
+    // Sets the resources that the user's desktop has.
     void SetResources(const std::string& text);
 
     void MoveMouse(int x, int y);
