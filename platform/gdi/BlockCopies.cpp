@@ -61,7 +61,7 @@ try {
     const auto to = FindAs<DeviceContext>(hDst);
     const auto from = FindAs<DeviceContext>(hSrc);
     if (!to || !from) return 0;
-    const Canvas target = to->Paint();
+    Canvas target = to->Paint();
     return copy(target, from->Read(Place(source), &target));
 } catch (const std::bad_alloc&) {
     return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);

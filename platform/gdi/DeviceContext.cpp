@@ -110,12 +110,13 @@ Canvas DeviceContext::Paint() noexcept
     return canvas;
 }
 
-Canvas DeviceContext::Read(const RECT& rect, const Canvas* other)
+Canvas DeviceContext::Read(const RECT& rect, Canvas* other)
 {
     std::unique_lock<sync::Mutex> lock;
     if (m_shared && !(other && other->lock)) lock = std::unique_lock(pixelLock);
     const bool bLooks = m_shared && m_shared->look;
-    Surface& seen = bLooks ? m_shared->look(rect, m_shared->surface) : *m_view.surface;
+    Surface& seen =
+        bLooks ? m_shared->look(rect, m_shared->surface, lock ? lock : other->lock) : *m_view.surface;
     return {seen, m_view.bounds, m_view.clip, m_view.reach, std::move(lock)};
 }
 

@@ -33,7 +33,7 @@ public:
     Canvas Paint() noexcept;
     // The place to read from now: shared pixels as they are seen, of which the rectangle is up to date.
     // Nothing is written there. `other` is what the same operation paints on, whose lock may be the same.
-    Canvas Read(const RECT& rect, const Canvas* other = nullptr) KX_NO_LOCK_ANALYSIS;
+    Canvas Read(const RECT& rect, Canvas* other = nullptr) KX_NO_LOCK_ANALYSIS;
 
     // Selects a bitmap, pen, brush or font and gives the handle of what it displaced; null where it can't be.
     HGDIOBJ Select(std::shared_ptr<Object> object);

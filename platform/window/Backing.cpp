@@ -28,18 +28,20 @@ std::shared_ptr<screen::Backing> PixelsOf(HWND hWnd)
     return window->backing;
 }
 
-// What was drawn by a context of that window appears on the desktop, if the window is visible.
+// Shows on the desktop what a context of that window has drawn, if the window is visible.
 void Present(HWND hWnd, const gdi::DeviceContext& context)
 {
-    const sync::MutexLock lock(gdi::pixelLock);
     const auto window = WindowTable::Instance().Find(hWnd);
     RECT drawn;
-    if (!window || !window->visible || !window->backing) return;
     context.ClipBox(drawn);
-    if (!window->appeared)
-        drawn = {0, 0, window->backing->surface.Width(), window->backing->surface.Height()};
-    window->appeared = true;
-    Desktop::Instance().Present(hWnd, window->backing->surface, drawn);
+    {
+        const sync::MutexLock lock(gdi::pixelLock);
+        if (!window || !window->visible || !window->backing) return;
+        if (!window->appeared)
+            drawn = {0, 0, window->backing->surface.Width(), window->backing->surface.Height()};
+        window->appeared = true;
+    }
+    Desktop::Instance().Present(*window, drawn);
 }
 
 } // namespace
@@ -60,9 +62,10 @@ SIZE FitBacking(Window& window)
 
 std::shared_ptr<screen::Backing> Root(SIZE size)
 {
-    return screen::Screen::Instance().Root(size, [](const RECT& rect, gdi::Surface& root) -> gdi::Surface& {
-        return Desktop::Instance().Look(rect, root);
-    });
+    return screen::Screen::Instance().Root(
+        size,
+        [](const RECT& rect, gdi::Surface& root, screen::Backing::Lock& lock)
+            KX_NO_LOCK_ANALYSIS -> gdi::Surface& { return Desktop::Instance().Look(rect, root, lock); });
 }
 
 } // namespace kx::window

@@ -2,7 +2,7 @@
 
 #include "platform/window/Window.h"
 
-// What a desktop has learnt of a window, or another thread has done to it, and its thread is to do. It goes
+// Work for a window's thread that follows from what a desktop has learnt, or another thread has done. It goes
 // through the thread's queue, in its place among the messages, and DispatchMessageA does it in place of the
 // window's procedure. Of a kind there is one at most for each window: the newest.
 
@@ -20,7 +20,7 @@ enum class Chore : WPARAM
     Hide,     // it was hidden, and so can't have it
 };
 
-// Of Place.
+// The bits of Place's LPARAM.
 inline constexpr LPARAM kMoved = 1;
 inline constexpr LPARAM kResized = 2;
 

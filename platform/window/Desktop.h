@@ -2,8 +2,7 @@
 
 #include "include/platform/Host.h"
 #include "include/platform/Window.h"
-#include "platform/gdi/PixelRegion.h"
-#include "platform/gdi/Surface.h"
+#include "platform/gdi/Canvas.h"
 
 #include <optional>
 #include <vector>
@@ -12,7 +11,7 @@ namespace kx::window {
 
 class Window;
 
-// What anyone may know of a window of any process.
+// Facts about a window of any process, which everyone may know.
 struct WindowFacts
 {
     DWORD threadId;
@@ -28,9 +27,9 @@ enum class Order
     NotTopmost, // no longer
 };
 
-// Where windows appear: what differs between desktops. The messages of this process's windows are none of its
-// business: what a desktop learns of them (input, a wish to close) it gives them with PostMessage and
-// PostChore.
+// The place where windows appear, as far as it differs between desktops. The messages of this process's
+// windows are none of its business: what a desktop learns of them (input, a wish to close) it gives them with
+// PostMessage and PostChore.
 //
 // Any thread may call any operation, and no lock is held during the call. What concerns a window of this
 // process is called on the window's thread, but for Show and SetText. A handle that ended, or never was, is
@@ -64,7 +63,7 @@ public:
     // the last word is the same here and there.
     virtual void Place(Window& window, const RECT& rect) = 0;
     virtual void Stack(HWND hWnd, Order order) = 0;
-    // Cut to a region of its own coordinates, or with null whole. Under the lock of the desktop's pixels.
+    // Cut to a region of its own coordinates, or with null whole.
     virtual void Shape(HWND, const gdi::PixelRegion*) {}
     // Opaque at first: 255.
     virtual void SetOpacity(HWND hWnd, BYTE opacity) = 0;
@@ -73,23 +72,25 @@ public:
     virtual void Destroy(HWND hWnd) noexcept = 0;
     // A window stays above another of this process, which is disabled as long as it lives.
     virtual void SetOwner(HWND, HWND) {}
-    // What the mouse looks like over a window: one of LoadCursorA's, or null for nothing.
+    // Sets the look of the mouse over a window: one of LoadCursorA's, or null for nothing.
     virtual void SetCursor(HWND, HCURSOR) {}
-    // Where in a window text is being written.
+    // Tells where in a window text is being written.
     virtual void SetCaret(HWND, POINT) {}
     // Pixels of 0xAARRGGBB by which a window is known; null for none.
     virtual void SetIcon(HWND, const gdi::Surface*) {}
 
-    // ---- Pixels, under the lock of the desktop's pixels
+    // ---- Pixels
 
     // A rectangle of a window's pixels has changed, or with the first call since Show all of them count: only
     // from then on there is something to see of it.
-    virtual void Present(HWND hWnd, const gdi::Surface& pixels, const RECT& rect) = 0;
+    virtual void Present(const Window& window, const RECT& rect) = 0;
     // The desktop as it is seen, of which the rectangle is up to date; `root` is what lies under all windows.
-    // The pixels are of the root's size.
-    virtual gdi::Surface& Look(const RECT& rect, gdi::Surface& root) = 0;
+    // The pixels are of the root's size. Called with gdi::pixelLock held by `lock`, which is free while a
+    // display is waited for.
+    virtual gdi::Surface& Look(const RECT& rect, gdi::Surface& root, gdi::SharedSurface::Lock& lock)
+        KX_REQUIRES(gdi::pixelLock) = 0;
 
-    // ---- Windows of other processes, which it numbers with NewHandle
+    // ---- Windows of other processes, whose handles are numbers of NewAge
 
     virtual std::vector<HWND> ForeignWindows() const = 0;
     virtual std::optional<WindowFacts> FindForeign(HWND hWnd) const noexcept = 0;

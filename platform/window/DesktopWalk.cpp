@@ -5,7 +5,7 @@
 #include "platform/window/Desktop.h"
 #include "platform/window/WindowTable.h"
 
-#include <algorithm>
+#include <map>
 #include <set>
 
 namespace {
@@ -44,14 +44,16 @@ private:
     std::set<HDESK> m_open KX_GUARDED_BY(m_lock);
 };
 
-// The windows of every process, oldest first.
-std::vector<HWND> AllWindows()
+// The windows of every process by their age.
+std::map<std::uintptr_t, HWND> AllWindows()
 {
-    std::vector<HWND> handles = kx::window::WindowTable::Instance().Handles();
-    const std::vector<HWND> foreign = kx::window::Desktop::Instance().ForeignWindows();
-    handles.insert(handles.end(), foreign.begin(), foreign.end());
-    std::ranges::sort(handles);
-    return handles;
+    std::map<std::uintptr_t, HWND> windows;
+    for (const HWND hWnd : kx::window::WindowTable::Instance().Handles())
+        if (const auto window = kx::window::WindowTable::Instance().Find(hWnd))
+            windows.emplace(window->Age(), hWnd);
+    for (const HWND hWnd : kx::window::Desktop::Instance().ForeignWindows())
+        windows.emplace(reinterpret_cast<std::uintptr_t>(hWnd), hWnd);
+    return windows;
 }
 
 } // namespace
@@ -72,7 +74,7 @@ int EnumDesktopWindows(HDESK hDesk, WNDENUMPROC pfn, long lParam)
 {
     if (!pfn) return kx::Fail(ERROR_INVALID_PARAMETER);
     if (hDesk && !OpenDesktops::Instance().Has(hDesk)) return kx::Fail(ERROR_INVALID_HANDLE);
-    for (const HWND hWnd : AllWindows())
+    for (const auto& [age, hWnd] : AllWindows())
         if (IsWindow(hWnd) && !pfn(hWnd, lParam)) return 0;
     return 1;
 }

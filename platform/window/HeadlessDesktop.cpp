@@ -36,8 +36,8 @@ Image MaskOf(BYTE opacity)
     return Image(pixman_image_create_solid_fill(&color));
 }
 
-// Those that there is something to see of.
-std::vector<WindowPtr> Visible(std::span<const HWND> handles, const RECT& area)
+// The windows of which something is seen within the area.
+std::vector<WindowPtr> Visible(std::span<const HWND> handles, const RECT& area) KX_REQUIRES(gdi::pixelLock)
 {
     std::vector<WindowPtr> windows;
     for (const HWND hWnd : handles) {
@@ -53,7 +53,8 @@ std::vector<WindowPtr> Visible(std::span<const HWND> handles, const RECT& area)
 class ShapeClip
 {
 public:
-    ShapeClip(const Window& window, const RECT& rect, pixman_image_t* image) : m_image(image)
+    ShapeClip(const Window& window, const RECT& rect, pixman_image_t* image) KX_REQUIRES(gdi::pixelLock)
+        : m_image(image)
     {
         if (!window.shape) return;
         const auto boxes = window.shape->Boxes();
@@ -71,7 +72,7 @@ private:
     pixman_image_t* m_image;
 };
 
-void Lay(Window& window, const RECT& area, pixman_image_t* seen) KX_NO_LOCK_ANALYSIS // see Compose
+void Lay(Window& window, const RECT& area, pixman_image_t* seen) KX_REQUIRES(gdi::pixelLock)
 {
     const RECT rect = window.Rect();
     const RECT part = gdi::Cut(area, rect);
@@ -95,7 +96,7 @@ void CopyRows(gdi::Surface& from, gdi::Surface& to, const RECT& area)
 // is brought up to date. Those of the root where nothing lies on it, or for a lack of memory. Under the lock
 // of the desktop's pixels.
 gdi::Surface& Compose(std::span<const HWND> handles, const RECT& rect, gdi::Surface& root,
-                      std::optional<gdi::Surface>& seen)
+                      std::optional<gdi::Surface>& seen) KX_REQUIRES(gdi::pixelLock)
 {
     const RECT area = gdi::Cut(rect, {0, 0, root.Width(), root.Height()});
     const std::vector<WindowPtr> windows = Visible(handles, area);
@@ -149,7 +150,7 @@ void HeadlessDesktop::Destroy(HWND hWnd) noexcept
     m_stack.Remove(hWnd);
 }
 
-gdi::Surface& HeadlessDesktop::Look(const RECT& rect, gdi::Surface& root)
+gdi::Surface& HeadlessDesktop::Look(const RECT& rect, gdi::Surface& root, gdi::SharedSurface::Lock&)
 {
     std::vector<HWND> order;
     {
@@ -200,7 +201,7 @@ int HeadlessDesktop::RecordMessageBox(const KXHost::MessageBoxRecord& box)
 HWND HeadlessDesktop::AddForeign(const WindowFacts& facts)
 {
     const sync::MutexLock lock(m_lock);
-    const HWND handle = NewHandle();
+    const HWND handle = reinterpret_cast<HWND>(NewAge());
     m_foreign.emplace(handle, Foreign{facts, {}});
     return handle;
 }

@@ -39,15 +39,15 @@ bool KXHost::IsMemoryDesktop()
     return &Desktop::Instance() == &HeadlessDesktop::Instance();
 }
 
-bool KXHost::SaveDesktop(const std::string& strPath)
+bool KXHost::SaveDesktop(const std::string& strPath) KX_NO_LOCK_ANALYSIS
 {
     kx::gdiplus::Bytes file;
     {
         const SIZE size = Desktop::Instance().Size();
-        const kx::sync::MutexLock lock(kx::gdi::pixelLock);
+        std::unique_lock lock(kx::gdi::pixelLock);
         const auto root = kx::window::Root(size);
         if (!root) return false;
-        kx::gdi::Surface& seen = Desktop::Instance().Look({0, 0, size.cx, size.cy}, root->surface);
+        kx::gdi::Surface& seen = Desktop::Instance().Look({0, 0, size.cx, size.cy}, root->surface, lock);
         const auto view = kx::gdiplus::ViewOf(seen, kx::gdiplus::Alpha::Opaque);
         if (kx::gdiplus::WritePng(view, file) != Gdiplus::Ok) return false;
     }

@@ -1,4 +1,4 @@
-// What a person does: which window hears it, and as what.
+// Input of a person: which window hears it, and as which message.
 
 #include "platform/window/Input.h"
 

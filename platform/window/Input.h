@@ -7,7 +7,7 @@
 
 namespace kx::window {
 
-// What one thread knows of the mouse and the keys, by the input that it has taken. By that thread alone.
+// One thread's knowledge of the mouse and the keys, by the input that it has taken. By that thread alone.
 struct Input
 {
     HWND capture = nullptr; // gets the mouse wherever it is over the thread's windows

@@ -77,9 +77,9 @@ HWND Create(const CreateArguments& wanted, WNDPROC hook)
     const HICON hIcon = cls->icon;
     const CREATESTRUCTA create{wanted.param, wanted.name, className, wanted.x,
                                wanted.y,     wanted.cx,   wanted.cy, wanted.style};
-    const auto made = std::make_shared<Window>(NewHandle(), std::move(cls), hook, std::move(queue), create);
-    const HWND hWnd = made->Handle();
-    WindowTable::Instance().Add(made);
+    const auto made = std::make_shared<Window>(std::move(cls), hook, std::move(queue), create);
+    const HWND hWnd = WindowTable::Instance().Add(made);
+    if (!hWnd) return nullptr;
     EndAtExit end(*made);
     if (!Desktop::Instance().Create(hWnd, create)) return refuse(ERROR_NOT_ENOUGH_MEMORY);
     if (hIcon) SetIcon(*made, hIcon);

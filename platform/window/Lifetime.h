@@ -16,8 +16,8 @@ struct CreateArguments
     HWND parent;
     void* param;
 };
-// What CreateWindowExA does, but that the hook, unless it is null, is the window's procedure. That may pass
-// on to the class's own with CallClass.
+// Does what CreateWindowExA does, but that the hook, unless it is null, is the window's procedure. That may
+// pass on to the class's own with CallClass.
 HWND Create(const CreateArguments& create, WNDPROC hook);
 // By the window's thread; 0 for no such window.
 LRESULT CallClass(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam);

@@ -73,7 +73,7 @@ class Modal
 public:
     Modal(Queue& owner, HWND hBox) : m_input(owner.input), m_outer(std::exchange(m_input.modal, hBox))
     {
-        for (const HWND hWnd : WindowTable::Instance().HandlesOf(owner))
+        for (const HWND hWnd : WindowTable::Instance().Handles(&owner))
             if (hWnd != hBox && IsWindowEnabled(hWnd)) m_disabled.push_back(hWnd);
         for (const HWND hWnd : m_disabled)
             EnableWindow(hWnd, 0);
@@ -98,7 +98,7 @@ HWND OwnerOf(const Queue& queue)
 {
     if (const HWND hFocus = GetFocus()) return hFocus;
     HWND hOwner = nullptr;
-    for (const HWND hWnd : WindowTable::Instance().HandlesOf(queue))
+    for (const HWND hWnd : WindowTable::Instance().Handles(&queue))
         if (IsWindowVisible(hWnd)) hOwner = hWnd;
     return hOwner;
 }

@@ -1,4 +1,4 @@
-// Where a window lies, and whether it is seen.
+// The place of a window, and whether it is seen.
 
 #include "platform/window/WindowState.h"
 
@@ -28,7 +28,8 @@ SIZE SizeOf(const RECT& rect) noexcept
     return {rect.right - rect.left, rect.bottom - rect.top};
 }
 
-// What was painted stays; what a larger size brought is to be painted, and for a class that wants it so all.
+// Painted parts stay; the parts that a larger size brought are to be painted, for a class that wants it so
+// all.
 void InvalidateNew(const Window& window, SIZE before, SIZE now)
 {
     const bool bAll = ((window.ClassStyle() & CS_HREDRAW) && before.cx != now.cx) ||
@@ -124,8 +125,8 @@ try {
         const kx::sync::MutexLock lock(kx::gdi::pixelLock);
         window->shape.reset();
         if (region) window->shape = region->pixels;
-        window::Desktop::Instance().Shape(hWnd, region ? &*window->shape : nullptr);
     }
+    window::Desktop::Instance().Shape(hWnd, region ? &region->pixels : nullptr);
     if (hRgn) DeleteObject(hRgn);
     if (bRedraw) InvalidateRect(hWnd, nullptr, 1);
     return 1;

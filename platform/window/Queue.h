@@ -15,7 +15,7 @@
 
 namespace kx::window {
 
-// Which posted messages a thread asks for. WM_QUIT passes every filter.
+// Selects the posted messages that a thread asks for. WM_QUIT passes every filter.
 struct Filter
 {
     const Window* window = nullptr; // null: any, and those to the thread
@@ -25,7 +25,7 @@ struct Filter
     bool Passes(const MSG& msg) const noexcept;
 };
 
-// What waits for one thread: messages posted to it or its windows, messages that other threads sent, what its
+// One thread's queue: messages posted to it or its windows, messages that other threads sent, what its
 // windows have to paint, and their timers. No lock is held while a window procedure runs.
 class Queue
 {

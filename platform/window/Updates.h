@@ -14,7 +14,8 @@ struct Update
     bool erase = false;
 };
 
-// What the windows of one thread have to paint, in the order in which it came up. Guarded by the queue.
+// The areas that the windows of one thread have to paint, in the order in which it came up. Guarded by the
+// queue.
 class Updates
 {
 public:

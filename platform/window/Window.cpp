@@ -16,10 +16,9 @@ RECT RectOf(int x, int y, int nWidth, int nHeight) noexcept
     return {x, y, end(x, nWidth), end(y, nHeight)};
 }
 
-Window::Window(HWND handle, std::shared_ptr<const WindowClass> cls, WNDPROC hook,
-               std::shared_ptr<Queue> owner, const CREATESTRUCTA& create)
-    : m_handle(handle),
-      m_processId(GetCurrentProcessId()),
+Window::Window(std::shared_ptr<const WindowClass> cls, WNDPROC hook, std::shared_ptr<Queue> owner,
+               const CREATESTRUCTA& create)
+    : m_processId(GetCurrentProcessId()),
       m_proc(hook ? hook : cls->proc),
       m_classProc(cls->proc),
       m_background(cls->background),

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "include/platform/Window.h"
+#include "platform/Handles.h"
 #include "platform/gdi/PixelRegion.h"
 #include "platform/screen/Screen.h"
 #include "platform/sync/Mutex.h"
@@ -22,11 +23,21 @@ RECT RectOf(int x, int y, int nWidth, int nHeight) noexcept;
 class Window
 {
 public:
+    static constexpr HandleKind HANDLE_KIND = HandleKind::Window;
+
     // The hook is the procedure, or with null the class's.
-    Window(HWND handle, std::shared_ptr<const WindowClass> cls, WNDPROC hook, std::shared_ptr<Queue> owner,
+    Window(std::shared_ptr<const WindowClass> cls, WNDPROC hook, std::shared_ptr<Queue> owner,
            const CREATESTRUCTA& create);
 
     HWND Handle() const noexcept { return m_handle; }
+    // A number that is greater for a younger window, of this process or another.
+    std::uintptr_t Age() const noexcept { return m_age; }
+    // Once, before another thread may know of the window.
+    void SetHandle(HWND hWnd, std::uintptr_t nAge) noexcept
+    {
+        m_handle = hWnd;
+        m_age = nAge;
+    }
     DWORD ProcessId() const noexcept { return m_processId; }
     // The queue of the thread that made it.
     Queue& Owner() const noexcept { return *m_owner; }
@@ -44,7 +55,7 @@ public:
     UINT ClassStyle() const noexcept { return m_classStyle; }
     HCURSOR ClassCursor() const noexcept { return m_classCursor; }
 
-    // Where it lies on the desktop.
+    // Its place on the desktop.
     RECT Rect() const;
     void SetRect(const RECT& rect);
 
@@ -57,10 +68,12 @@ public:
     std::atomic<HICON> icon{nullptr};
     std::atomic<std::intptr_t> userData{0};
 
-    // Guarded by gdi::pixelLock.
-    std::shared_ptr<screen::Backing> backing; // null until something is drawn
-    std::optional<gdi::PixelRegion> shape;    // what of it there is to see; nothing: all
-    bool appeared = false;                    // it has been painted since it was shown
+    // Null until something is drawn.
+    std::shared_ptr<screen::Backing> backing KX_GUARDED_BY(gdi::pixelLock);
+    // The part of it that is seen; nothing: all.
+    std::optional<gdi::PixelRegion> shape KX_GUARDED_BY(gdi::pixelLock);
+    // It has been painted since it was shown.
+    bool appeared KX_GUARDED_BY(gdi::pixelLock) = false;
 
     // The owning thread's alone: its end has begun, it asked to hear that the mouse leaves it, and which
     // animation of it is the newest.
@@ -72,7 +85,8 @@ public:
     bool ended = false;
 
 private:
-    const HWND m_handle;
+    HWND m_handle = nullptr;
+    std::uintptr_t m_age = 0;
     const DWORD m_processId;
     const WNDPROC m_proc;
     const WNDPROC m_classProc;

@@ -2,7 +2,7 @@
 
 #include "platform/window/Window.h"
 
-// What happens to a window's visibility, place and focus. On the window's thread unless it says otherwise.
+// Changes of a window's visibility, place and focus. On the window's thread unless it says otherwise.
 
 namespace kx::window {
 

@@ -4,37 +4,38 @@
 #include "platform/window/Window.h"
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <vector>
 
 namespace kx::window {
 
-// A handle for a new window, of this process or another: a number that is never used again, so that one that
-// ended, or never was, names nothing; a later window's is greater. Any thread.
-HWND NewHandle() noexcept;
+// The number of a new window, of this process or another, that is greater than those of all older ones. One
+// of another process, which the table of handles doesn't name, has it as its handle. Any thread.
+std::uintptr_t NewAge() noexcept;
 
-// The desktop's own window, which is in no table: smaller than every handle that NewHandle gives.
-inline const HWND kDesktopHandle = reinterpret_cast<HWND>(std::uintptr_t{0x10000});
+// The desktop's own window, which is in no table: older than all others.
+inline constexpr std::uintptr_t kDesktopAge = 0x10000;
+inline const HWND kDesktopHandle = reinterpret_cast<HWND>(kDesktopAge);
 
-// The windows of this process. Any thread.
+// The windows of this process, which the one table of handles names. Any thread.
 class WindowTable
 {
 public:
     static WindowTable& Instance();
 
-    void Add(const std::shared_ptr<Window>& window);
+    // Null, with the last error set, for a lack of memory.
+    HWND Add(const std::shared_ptr<Window>& window);
     void Remove(HWND hWnd) noexcept;
     // Null for a handle that isn't one of this process.
-    std::shared_ptr<Window> Find(HWND hWnd) const noexcept;
+    std::shared_ptr<Window> Find(HWND hWnd) const noexcept { return FindHandle<Window>(hWnd); }
     // Any window of that thread, null when it has none.
     std::shared_ptr<Window> FindOwnedBy(const Queue& owner) const noexcept;
-    std::vector<HWND> Handles() const;
-    std::vector<HWND> HandlesOf(const Queue& owner) const; // oldest first
+    // The windows, oldest first: all, or with an owner those of its thread.
+    std::vector<HWND> Handles(const Queue* owner = nullptr) const;
 
 private:
     mutable sync::Mutex m_lock;
-    std::map<HWND, std::shared_ptr<Window>> m_windows KX_GUARDED_BY(m_lock);
+    std::vector<std::shared_ptr<Window>> m_windows KX_GUARDED_BY(m_lock); // oldest first
 };
 
 } // namespace kx::window

@@ -1,4 +1,4 @@
-// What is asked of a window and set in it; measures of the desktop.
+// Queries and settings of a window; measures of the desktop.
 
 #include "include/platform/Input.h"
 #include "include/platform/WindowPaint.h"
@@ -17,7 +17,7 @@ using kx::window::Desktop;
 using kx::window::WindowFacts;
 using kx::window::WindowTable;
 
-// What is known of a window of any process, and of the desktop's, which is of none.
+// The facts about a window of any process, and about the desktop's, which is of none.
 std::optional<WindowFacts> Look(HWND hWnd) noexcept
 {
     if (hWnd == kx::window::kDesktopHandle) return WindowFacts{0, 0, true};

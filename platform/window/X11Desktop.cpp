@@ -30,7 +30,7 @@ constexpr std::uint32_t kPlain = 0xF0F0F0;
 std::atomic<int> g_forks{0};
 [[maybe_unused]] const int g_atFork = pthread_atfork(nullptr, nullptr, [] { ++g_forks; });
 
-// Those that are, or were, the process's.
+// The desktops that are, or were, the process's.
 struct Kept
 {
     static Kept& Instance()
@@ -182,7 +182,7 @@ void X11Desktop::Show(HWND hWnd, bool bVisible)
     const Access server(Session());
     if (!server) return;
     server->own.Show(hWnd, bVisible);
-    if (!bVisible) server->fades.erase(hWnd);
+    if (!bVisible) server->pixels.EndFade(hWnd);
 }
 
 void X11Desktop::SetText(HWND hWnd, const char* pszText)
@@ -196,7 +196,7 @@ void X11Desktop::Place(Window& window, const RECT& rect)
     window.SetRect(rect);
     if (!server) return;
     server->own.Place(window.Handle(), rect);
-    server->fades.erase(window.Handle());
+    server->pixels.EndFade(window.Handle());
 }
 
 void X11Desktop::Stack(HWND hWnd, Order order)
@@ -208,33 +208,22 @@ void X11Desktop::Shape(HWND hWnd, const gdi::PixelRegion* region)
 {
     const Access server(Session());
     const xcb_window_t id = server ? server->own.NumberOf(hWnd) : 0;
-    if (id) x11::SetShape(*server->connection, id, region);
+    if (id) x11::SetShape(server->connection, id, region);
 }
 
 // Without a compositor the window is blended here, over what the screen showed before it did.
 void X11Desktop::SetOpacity(HWND hWnd, BYTE opacity)
 {
     const auto window = WindowTable::Instance().Find(hWnd);
-    const sync::MutexLock lock(gdi::pixelLock);
     const Access server(Session());
     if (!server || !window) return;
-    if (server->connection->HasCompositor()) {
-        server->fades.erase(hWnd);
+    if (server->connection.HasCompositor()) {
+        server->pixels.EndFade(hWnd);
         return server->own.SetOpacity(hWnd, opacity);
     }
-    auto it = server->fades.find(hWnd);
-    if (it == server->fades.end() && !window->visible && opacity < 255) {
-        const RECT rect = window->Rect();
-        auto below = gdi::Surface::Make(rect.right - rect.left, rect.bottom - rect.top);
-        if (below && server->pixels.Get(rect, *below, {rect.left, rect.top}))
-            it = server->fades.emplace(hWnd, x11::Fade{std::move(*below), opacity}).first;
-    }
-    if (it == server->fades.end()) return;
-    it->second.opacity = opacity;
-    if (window->visible && window->appeared && window->backing) {
-        const gdi::Surface& pixels = window->backing->surface;
-        server->Put(hWnd, pixels, {0, 0, pixels.Width(), pixels.Height()});
-    }
+    const RECT rect = window->Rect();
+    if (server->pixels.Fade(*window, opacity))
+        server->Put(*window, {0, 0, rect.right - rect.left, rect.bottom - rect.top});
 }
 
 void X11Desktop::SetOwner(HWND hWnd, HWND hOwner)
@@ -251,7 +240,7 @@ void X11Desktop::SetCaret(HWND hWnd, POINT place)
 {
     const Access server(Session());
     if (!server || !server->method.IsThere()) return;
-    const int nScale = server->connection->GetView().scale;
+    const int nScale = server->connection.GetView().scale;
     server->method.SetCaret(server->own.NumberOf(hWnd), {place.x * nScale, place.y * nScale});
 }
 
@@ -259,7 +248,7 @@ void X11Desktop::SetIcon(HWND hWnd, const gdi::Surface* pixels)
 {
     const Access server(Session());
     const xcb_window_t id = server ? server->own.NumberOf(hWnd) : 0;
-    if (id) x11::SetIcon(*server->connection, id, pixels);
+    if (id) x11::SetIcon(server->connection, id, pixels);
 }
 
 void X11Desktop::Focus(HWND hWnd)
@@ -272,28 +261,41 @@ void X11Desktop::Destroy(HWND hWnd) noexcept
     const Access server(Session());
     if (!server) return;
     server->own.Destroy(hWnd);
-    server->fades.erase(hWnd);
+    server->pixels.EndFade(hWnd);
 }
 
-void X11Desktop::Present(HWND hWnd, const gdi::Surface& pixels, const RECT& rect)
-{
-    if (const Access server(Session()); server) server->Put(hWnd, pixels, rect);
+void X11Desktop::Present(const Window& window, const RECT& rect)
+try {
+    if (const Access server(Session()); server) server->Put(window, rect);
+} catch (const std::bad_alloc&) {
+    // The window keeps its pixels: the next that is drawn, or uncovered, shows them.
 }
 
 // A guest's root shows nothing of what a person sees: it counts as plain.
-gdi::Surface& X11Desktop::Look(const RECT& rect, gdi::Surface& root)
+std::optional<gdi::Surface> X11Desktop::Read(const RECT& rect) const
 {
+    const Access server(Session());
+    auto seen = server ? gdi::Surface::Make(rect.right - rect.left, rect.bottom - rect.top) : std::nullopt;
+    if (!seen) return std::nullopt;
+    if (!server->connection.IsGuest())
+        return server->pixels.Get(rect, *seen) ? std::move(seen) : std::nullopt;
+    for (int y = 0; y < seen->Height(); ++y)
+        std::fill_n(seen->Row(y), seen->Width(), kPlain);
+    return seen;
+}
+
+gdi::Surface& X11Desktop::Look(const RECT& rect, gdi::Surface& root, gdi::SharedSurface::Lock& lock)
+{
+    const RECT area = gdi::Cut(rect, {0, 0, root.Width(), root.Height()});
+    lock.unlock();
+    auto part = Read(area);
+    lock.lock();
     if (!m_seen || m_seen->Width() != root.Width() || m_seen->Height() != root.Height())
         m_seen = gdi::Surface::Make(root.Width(), root.Height());
-    const Access server(Session());
-    if (!server || !m_seen) return root;
-    if (server->connection->IsGuest()) {
-        const RECT plain = gdi::Cut(rect, {0, 0, m_seen->Width(), m_seen->Height()});
-        for (int y = plain.top; y < plain.bottom; ++y)
-            std::fill(m_seen->Row(y) + plain.left, m_seen->Row(y) + plain.right, kPlain);
-        return *m_seen;
-    }
-    return server->pixels.Get(rect, *m_seen, {0, 0}) ? *m_seen : root;
+    if (!part || !m_seen) return root;
+    for (int y = 0; y < part->Height(); ++y)
+        std::copy_n(part->Row(y), part->Width(), m_seen->Row(area.top + y) + area.left);
+    return *m_seen;
 }
 
 std::vector<HWND> X11Desktop::ForeignWindows() const

@@ -10,7 +10,7 @@
 namespace kx::window {
 
 namespace x11 {
-struct Session;
+class Session;
 }
 
 // The screen of an X server. What is asked of it goes through one connection, and a thread of its own makes
@@ -49,8 +49,9 @@ public:
     void SetIcon(HWND hWnd, const gdi::Surface* pixels) override;
     void Destroy(HWND hWnd) noexcept override;
 
-    void Present(HWND hWnd, const gdi::Surface& pixels, const RECT& rect) override;
-    gdi::Surface& Look(const RECT& rect, gdi::Surface& root) override;
+    void Present(const Window& window, const RECT& rect) override;
+    gdi::Surface& Look(const RECT& rect, gdi::Surface& root, gdi::SharedSurface::Lock& lock) override
+        KX_REQUIRES(gdi::pixelLock);
 
     std::vector<HWND> ForeignWindows() const override;
     std::optional<WindowFacts> FindForeign(HWND hWnd) const noexcept override;
@@ -60,12 +61,14 @@ public:
 private:
     // Null once it has been left, and in a forked child, who would disturb its parent's connection.
     std::shared_ptr<x11::Session> Session() const noexcept;
+    // Reads a rectangle as it is seen; gives nothing where it can't.
+    std::optional<gdi::Surface> Read(const RECT& rect) const;
 
     const int m_process; // counted by forks
     mutable sync::Mutex m_lock;
     std::shared_ptr<x11::Session> m_session KX_GUARDED_BY(m_lock);
     std::thread m_events KX_GUARDED_BY(m_lock);
-    std::optional<gdi::Surface> m_seen; // guarded by the lock of the desktop's pixels
+    std::optional<gdi::Surface> m_seen KX_GUARDED_BY(gdi::pixelLock);
 };
 
 } // namespace kx::window

@@ -10,6 +10,7 @@
 #include <sys/socket.h>
 #include <utility>
 #include <xcb/randr.h>
+#include <xcb/shape.h>
 
 namespace kx::window::x11 {
 
@@ -189,6 +190,8 @@ Connection::Connection(Handle connection, int nScreen, const xcb_setup_t& setup,
                                XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
                                    XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
     }
+    xcb_get_extension_data(Get(), &xcb_shape_id); // asked for now, both are known without waiting later
+    xcb_get_maximum_request_length(Get());
     m_view.scale = ScaleOf(Get(), Root());
     LearnView();
 }
@@ -223,8 +226,10 @@ bool Connection::IsMonitorChange(const xcb_generic_event_t& event) const noexcep
 
 bool Connection::HasCompositor() const noexcept
 {
-    const auto owner =
-        Own(xcb_get_selection_owner_reply(Get(), xcb_get_selection_owner(Get(), atoms.compositor), nullptr));
+    const auto owner = Wait([&] {
+        return Own(
+            xcb_get_selection_owner_reply(Get(), xcb_get_selection_owner(Get(), atoms.compositor), nullptr));
+    });
     return owner && owner->owner != XCB_NONE;
 }
 

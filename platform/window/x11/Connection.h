@@ -14,7 +14,7 @@ struct Free
     void operator()(void* p) const noexcept { std::free(p); }
 };
 
-// What the server answered: a block of xcb's, null where the answer is an error or the server is lost.
+// An answer of the server: a block of xcb's, null where the answer is an error or the server is lost.
 template <class T>
 using Reply = std::unique_ptr<T, Free>;
 
@@ -107,7 +107,19 @@ public:
     // Whether something shows windows by their opacity.
     bool HasCompositor() const noexcept;
 
+    // Runs what waits for an answer, within an Access. Others may use the connection meanwhile, so that what
+    // the lock guards may be another after it.
+    template <class Call>
+    auto Wait(Call call) const noexcept KX_NO_LOCK_ANALYSIS
+    {
+        useLock.unlock();
+        auto answer = call();
+        useLock.lock();
+        return answer;
+    }
+
     const Atoms atoms;
+    mutable sync::Mutex useLock; // guards what stands on the connection (see Access)
 
 private:
     struct Disconnect

@@ -32,19 +32,23 @@ const Named kNames[] = {{IDC_ARROW, "left_ptr"},
 
 xcb_cursor_t Cursors::Get(HCURSOR hCursor)
 {
-    const auto [it, bNew] = m_cursors.try_emplace(hCursor);
-    if (bNew) it->second = hCursor ? Load(hCursor) : MakeEmpty();
-    return it->second;
+    const auto it = m_cursors.find(hCursor);
+    if (it != m_cursors.end()) return it->second;
+    const xcb_cursor_t cursor = hCursor ? Load(hCursor) : MakeEmpty();
+    return m_cursors.try_emplace(hCursor, cursor).first->second;
 }
 
 // None, which is the parent's, for one that has no name.
 xcb_cursor_t Cursors::Load(HCURSOR hCursor)
 {
     if (!m_context) {
-        xcb_cursor_context_t* context = nullptr;
         auto screen = m_connection.Screen();
-        if (xcb_cursor_context_new(m_connection.Get(), &screen, &context) < 0) return XCB_NONE;
-        m_context.reset(context);
+        std::unique_ptr<xcb_cursor_context_t, Free> made(m_connection.Wait([&] {
+            xcb_cursor_context_t* context = nullptr;
+            return xcb_cursor_context_new(m_connection.Get(), &screen, &context) < 0 ? nullptr : context;
+        }));
+        if (!m_context) m_context = std::move(made);
+        if (!m_context) return XCB_NONE;
     }
     const auto it = std::ranges::find(kNames, reinterpret_cast<const char*>(hCursor), &Named::number);
     if (it == std::end(kNames)) return XCB_NONE;

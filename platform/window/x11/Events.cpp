@@ -87,7 +87,7 @@ const xcb_generic_event_t* Events::Peek()
 
 void Events::Handle(xcb_generic_event_t& event)
 {
-    if (m_session->method.IsThere()) {
+    if (Access(m_session)->method.IsThere()) {
         const bool bFiltered = Access(m_session)->method.Filter(event);
         HearGifts();
         if (bFiltered) return;
@@ -137,10 +137,8 @@ void Events::OnExpose(const xcb_expose_event_t& event)
     const View view = m_session->connection->GetView();
     const RECT rect{view.Floor(event.x), view.Floor(event.y), view.Part(event.x + event.width),
                     view.Part(event.y + event.height)};
-    const auto window = WindowTable::Instance().Find(HandleOf(event.window));
-    const sync::MutexLock lock(gdi::pixelLock);
-    if (!window || !window->visible || !window->appeared || !window->backing) return;
-    Access(m_session)->Put(window->Handle(), window->backing->surface, rect);
+    if (const auto window = WindowTable::Instance().Find(HandleOf(event.window)))
+        Access(m_session)->Put(*window, rect);
 }
 
 void Events::OnConfigure(const xcb_configure_notify_event_t& event, std::uint32_t sequence)
@@ -210,7 +208,7 @@ void Events::OnFocus(const xcb_focus_in_event_t& event, std::uint32_t sequence, 
     const HWND hWnd = HandleOf(event.event);
     const bool bNews = Access(m_session)->own.LearnFocus(event.event, bHas, sequence);
     if (bHas) m_held.reset(); // what went up elsewhere wasn't told here
-    if (m_session->method.IsThere()) Access(m_session)->method.Focus(bHas ? event.event : 0);
+    Access(m_session)->method.Focus(bHas ? event.event : 0);
     if (bNews && hWnd) PostChore(hWnd, bHas ? Chore::GainFocus : Chore::LoseFocus);
 }
 
@@ -263,8 +261,8 @@ void Events::OnKey(const xcb_key_press_event_t& event)
 {
     const HWND hWnd = HandleOf(event.event);
     if (!hWnd) return;
-    if (m_session->method.IsThere() && Access(m_session)->method.Offer(event)) return;
-    HearKey(hWnd, event);
+    const bool bTaken = Access(m_session)->method.Offer(event);
+    if (!bTaken) HearKey(hWnd, event);
 }
 
 void Events::HearGifts()

@@ -5,7 +5,10 @@
 #include "platform/window/x11/Properties.h"
 
 #include <algorithm>
+#include <set>
 #include <span>
+#include <tuple>
+#include <utility>
 
 namespace kx::window::x11 {
 
@@ -23,17 +26,18 @@ ForeignWindows::ForeignWindows(const Connection& connection)
 std::vector<xcb_window_t> ForeignWindows::Candidates() const
 {
     xcb_connection_t* const connection = m_connection.Get();
-    const auto listed = Own(
-        xcb_get_property_reply(connection,
-                               xcb_get_property(connection, 0, m_connection.Root(),
-                                                m_connection.atoms.netClientList, XCB_ATOM_WINDOW, 0, kMost),
-                               nullptr));
+    const auto listCookie = xcb_get_property(connection, 0, m_connection.Root(),
+                                             m_connection.atoms.netClientList, XCB_ATOM_WINDOW, 0, kMost);
+    const auto treeCookie = xcb_query_tree(connection, m_connection.Root());
+    const auto [listed, tree] = m_connection.Wait([&] {
+        return std::pair(Own(xcb_get_property_reply(connection, listCookie, nullptr)),
+                         Own(xcb_query_tree_reply(connection, treeCookie, nullptr)));
+    });
     std::vector<xcb_window_t> ids;
     if (listed && listed->format == 32) {
         const auto windows = ValuesOf<xcb_window_t>(listed.get());
         ids.assign(windows.begin(), windows.end());
-    } else if (const auto tree = Own(xcb_query_tree_reply(
-                   connection, xcb_query_tree(connection, m_connection.Root()), nullptr))) {
+    } else if (tree) {
         // The window ids in the reply, one per 32-bit word; may be fewer than it announces.
         const std::uint32_t nSome = std::min({std::uint32_t{tree->children_len}, tree->length, kMost});
         const std::span some(xcb_query_tree_children(tree.get()), nSome);
@@ -46,31 +50,32 @@ std::vector<xcb_window_t> ForeignWindows::Candidates() const
 std::vector<HWND> ForeignWindows::List()
 {
     std::vector<Questions> questions;
+    std::set<xcb_window_t> added;
     for (const xcb_window_t id : Candidates()) {
-        if (!m_handles.contains(id)) Watch(id);
+        if (Add(id)) added.insert(id);
         questions.push_back(Ask(id));
     }
     std::vector<HWND> handles;
-    for (const Questions& asked : questions)
-        if (Answer(asked)) handles.push_back(Number(asked.id));
+    for (const Questions& asked : questions) {
+        const bool bIsOne = Answer(asked).has_value();
+        const auto it = m_handles.find(asked.id); // none of a window that has ended meanwhile
+        if (bIsOne && it != m_handles.end()) handles.push_back(it->second);
+        if (!bIsOne && added.contains(asked.id)) Forget(asked.id);
+    }
     return handles;
 }
 
 // Its end is to be told from now on, since its number of the server's may then become another's. One that is
 // found alive after this can't end untold.
-void ForeignWindows::Watch(xcb_window_t id)
-{
-    const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    xcb_change_window_attributes(m_connection.Get(), id, XCB_CW_EVENT_MASK, &events);
-}
-
-HWND ForeignWindows::Number(xcb_window_t id)
+bool ForeignWindows::Add(xcb_window_t id)
 {
     HWND& handle = m_handles[id];
-    if (handle) return handle;
-    handle = NewHandle();
+    if (handle) return false;
+    handle = reinterpret_cast<HWND>(NewAge());
     m_windows.emplace(handle, id);
-    return handle;
+    const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_connection.Get(), id, XCB_CW_EVENT_MASK, &events);
+    return true;
 }
 
 void ForeignWindows::Forget(xcb_window_t id) noexcept
@@ -98,9 +103,11 @@ ForeignWindows::Questions ForeignWindows::Ask(xcb_window_t id) const
 std::optional<WindowFacts> ForeignWindows::Answer(const Questions& questions) const noexcept
 {
     xcb_connection_t* const connection = m_connection.Get();
-    const auto attributes = Own(xcb_get_window_attributes_reply(connection, questions.attributes, nullptr));
-    const auto process = Own(xcb_get_property_reply(connection, questions.process, nullptr));
-    const auto machine = Own(xcb_get_property_reply(connection, questions.machine, nullptr));
+    const auto [attributes, process, machine] = m_connection.Wait([&] {
+        return std::tuple(Own(xcb_get_window_attributes_reply(connection, questions.attributes, nullptr)),
+                          Own(xcb_get_property_reply(connection, questions.process, nullptr)),
+                          Own(xcb_get_property_reply(connection, questions.machine, nullptr)));
+    });
     const auto id = NumberOf(process.get());
     if (!attributes || !id || *id == 0 || TextOf(machine.get()) != m_machine) return std::nullopt;
     // A process's first thread has the process's number.

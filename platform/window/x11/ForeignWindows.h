@@ -35,8 +35,8 @@ private:
     Questions Ask(xcb_window_t id) const;
     std::optional<WindowFacts> Answer(const Questions& questions) const noexcept;
     std::vector<xcb_window_t> Candidates() const;
-    void Watch(xcb_window_t id);
-    HWND Number(xcb_window_t id);
+    // Numbers a window, unless it is numbered already.
+    bool Add(xcb_window_t id);
 
     const Connection& m_connection;
     const std::string m_machine;

@@ -29,12 +29,12 @@ public:
     bool Filter(xcb_generic_event_t& event);
     // Gives it a key of the window that has the focus; false if it wants none.
     bool Offer(xcb_key_press_event_t event);
-    // Which window has the keyboard; 0 for none.
+    // Tells which window has the keyboard; 0 for none.
     void Focus(xcb_window_t window);
-    // Where in the window, in the server's pixels, text is being written.
+    // Tells where in the window, in the server's pixels, text is being written.
     void SetCaret(xcb_window_t window, POINT place);
 
-    // What it gave for the focused window: characters in UTF-8, or a key that it had no use for.
+    // A result for the focused window: characters in UTF-8, or a key that the method had no use for.
     struct Gift
     {
         xcb_window_t window;

@@ -247,7 +247,7 @@ Keyboard::Key Keyboard::Read(xcb_keycode_t code, std::uint16_t held, bool bDown)
     return key;
 }
 
-// What the key writes by itself with what is held.
+// The text of the key by itself, with the modifiers that are held.
 std::string Keyboard::TextOf(xcb_keycode_t code) const
 {
     std::string text;

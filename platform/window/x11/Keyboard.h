@@ -11,7 +11,7 @@
 
 namespace kx::window::x11 {
 
-// What the keys of the server's keyboard mean. One thread at a time.
+// The meaning of the keys of the server's keyboard. One thread at a time.
 class Keyboard
 {
 public:

@@ -34,8 +34,8 @@ public:
 
     // ---- What the server tells
 
-    // What an event of that sequence number says of a window that had that rectangle: the new rectangle and
-    // what changed; nothing if the event says nothing new.
+    // Reads an event of that sequence number about a window that had that rectangle. Gives the new rectangle
+    // and what changed; nothing if the event says nothing new.
     struct Change
     {
         RECT rect;

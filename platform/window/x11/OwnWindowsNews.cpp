@@ -1,4 +1,4 @@
-// What the server tells of this process's windows.
+// Events of the server about this process's windows.
 
 #include "platform/window/x11/OwnWindows.h"
 
@@ -27,7 +27,8 @@ std::optional<POINT> OwnWindows::OriginOf(const Entry& entry, const xcb_configur
 {
     if ((event.response_type & kSentByAClient) || !entry.framed) return POINT{event.x, event.y};
     const auto cookie = xcb_translate_coordinates(m_connection.Get(), entry.id, m_connection.Root(), 0, 0);
-    const auto origin = Own(xcb_translate_coordinates_reply(m_connection.Get(), cookie, nullptr));
+    const auto origin = m_connection.Wait(
+        [&] { return Own(xcb_translate_coordinates_reply(m_connection.Get(), cookie, nullptr)); });
     if (!origin) return std::nullopt;
     return POINT{origin->dst_x, origin->dst_y};
 }
@@ -36,10 +37,9 @@ std::optional<OwnWindows::Change> OwnWindows::Learn(const xcb_configure_notify_e
                                                     std::uint32_t sequence, const RECT& rect)
 {
     Entry* entry = FindNumber(event.window);
-    if (!entry) return std::nullopt;
-    if (IsBefore(sequence, entry->placing)) return std::nullopt;
-    const auto origin = OriginOf(*entry, event);
-    if (!origin) return std::nullopt;
+    const auto origin = entry ? OriginOf(*entry, event) : std::nullopt;
+    entry = FindNumber(event.window); // it may have ended, or been placed, while the server was asked
+    if (!entry || !origin || IsBefore(sequence, entry->placing)) return std::nullopt;
     const RECT old = entry->place;
     const RECT place = RectOf(origin->x, origin->y, event.width, event.height);
     if (place == old) return std::nullopt;
@@ -48,7 +48,7 @@ std::optional<OwnWindows::Change> OwnWindows::Learn(const xcb_configure_notify_e
     const bool bResized =
         place.right - place.left != old.right - old.left || place.bottom - place.top != old.bottom - old.top;
     const bool bMoved = place.left != old.left || place.top != old.top;
-    // What the server couldn't give stays as long as it gives the same.
+    // A size or place that the server couldn't give stays as long as it gives the same.
     const RECT& size = bResized ? now : rect;
     const int nWidth = size.right - size.left;
     const int nHeight = size.bottom - size.top;

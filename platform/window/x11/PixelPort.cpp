@@ -5,13 +5,12 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
 
 namespace kx::window::x11 {
 
 namespace {
 
-// What goes in one piece at most: a strip that is shared, and a part that is sent.
+// The most pixels of one piece: of a strip that is shared, and of a part that is sent.
 constexpr std::size_t kSharedPixels = std::size_t{1} << 20;
 constexpr std::size_t kSentPixels = std::size_t{1} << 15;
 // The widest and highest window that there is.
@@ -76,45 +75,19 @@ std::uint32_t Blend(std::uint32_t over, std::uint32_t under, std::uint32_t opaci
     return mixed;
 }
 
-RECT CutTo(const gdi::Surface& pixels, const RECT& rect) noexcept
+RECT CutToSeen(const Window& window, const RECT& rect)
 {
-    return gdi::Cut(rect, {0, 0, pixels.Width(), pixels.Height()});
+    const sync::MutexLock lock(gdi::pixelLock);
+    if (!window.visible || !window.appeared || !window.backing) return {};
+    return gdi::Cut(rect, {0, 0, window.backing->surface.Width(), window.backing->surface.Height()});
+}
+
+std::size_t SquareOf(int nScale) noexcept
+{
+    return static_cast<std::size_t>(nScale) * static_cast<std::size_t>(nScale);
 }
 
 } // namespace
-
-// What is put: pixels, over others if there are any, each as a square of the server's.
-struct PixelPort::Picture
-{
-    const gdi::Surface& pixels;
-    const gdi::Surface* below;
-    std::uint32_t opacity;
-    int scale;
-
-    // A visual with an alpha channel shows what is opaque in it.
-    std::uint32_t At(int x, int y) const noexcept
-    {
-        const std::uint32_t color = pixels.Row(y)[x];
-        const bool bBlended = below && x < below->Width() && y < below->Height();
-        return (bBlended ? Blend(color, below->Row(y)[x], opacity) : color) | ~gdi::COLOR_BITS;
-    }
-    std::size_t PixelsOf(const RECT& rect) const noexcept
-    {
-        return WidthOf(rect) * HeightOf(rect) * static_cast<std::size_t>(scale * scale);
-    }
-    void CopyOut(const RECT& rect, std::uint32_t* to) const
-    {
-        const std::size_t nRow = WidthOf(rect) * static_cast<std::size_t>(scale);
-        for (int y = rect.top; y < rect.bottom; ++y) {
-            std::uint32_t* at = to;
-            for (int x = rect.left; x < rect.right; ++x, at += scale)
-                std::fill_n(at, scale, At(x, y));
-            for (int n = 1; n < scale; ++n)
-                std::copy_n(to, nRow, to + nRow * static_cast<std::size_t>(n));
-            to += nRow * static_cast<std::size_t>(scale);
-        }
-    }
-};
 
 PixelPort::PixelPort(const Connection& connection)
     : m_connection(connection),
@@ -125,66 +98,101 @@ PixelPort::PixelPort(const Connection& connection)
     xcb_create_gc(m_connection.Get(), m_gc, m_connection.Root(), XCB_GC_GRAPHICS_EXPOSURES, &none);
 }
 
-PixelPort::~PixelPort()
+PixelPort::Memory PixelPort::TakeMemory(std::size_t nPixels)
 {
-    AwaitServer();
-}
-
-void PixelPort::AwaitServer()
-{
-    if (m_pending) Own(xcb_get_input_focus_reply(m_connection.Get(), *m_pending, nullptr));
-    m_pending.reset();
-}
-
-SharedMemory* PixelPort::Memory(std::size_t nPixels)
-{
-    if (!m_bShares) return nullptr;
-    AwaitServer();
+    Memory one;
+    if (!m_bShares) return one;
+    if (!m_memory.empty()) one.splice(one.begin(), m_memory, m_memory.begin());
     const std::size_t nSize = std::bit_ceil(nPixels) * sizeof(std::uint32_t);
-    if (!m_memory || m_memory->Size() < nSize) m_memory.emplace(m_connection, nSize);
-    m_bShares = m_memory->Pixels() != nullptr;
-    return m_bShares ? &*m_memory : nullptr;
+    if (!one.empty()) one.front().AwaitServer();
+    if (!one.empty() && one.front().Size() < nSize) one.clear();
+    if (one.empty()) one.emplace_back(m_connection, nSize);
+    if (one.front().Pixels()) return one;
+    m_bShares = false;
+    return {};
 }
 
-void PixelPort::Put(xcb_window_t window, const gdi::Surface& pixels, const RECT& rect,
-                    const gdi::Surface* below, BYTE opacity)
+bool PixelPort::Fade(const Window& window, BYTE opacity)
 {
-    const Picture picture{pixels, below, opacity, m_connection.GetView().scale};
-    const LONG nMost = kMostSide / picture.scale;
-    const RECT part = gdi::Cut(CutTo(pixels, rect), {0, 0, nMost, nMost});
-    if (gdi::IsEmpty(part)) return;
-    InStrips(part, kSharedPixels / static_cast<std::size_t>(picture.scale * picture.scale),
-             [&](const RECT& strip) {
-                 return (Share(window, picture, strip) || Send(window, picture, strip)) &&
-                        !m_connection.IsLost();
-             });
+    const HWND hWnd = window.Handle();
+    if (!m_fades.contains(hWnd) && !window.visible && opacity < 255) {
+        const RECT rect = window.Rect();
+        auto below = gdi::Surface::Make(rect.right - rect.left, rect.bottom - rect.top);
+        if (below && Get(rect, *below)) m_fades.emplace(hWnd, Faded{std::move(*below), opacity});
+    }
+    const auto it = m_fades.find(hWnd);
+    if (it != m_fades.end()) it->second.opacity = opacity;
+    return it != m_fades.end();
 }
 
-bool PixelPort::Share(xcb_window_t window, const Picture& picture, const RECT& strip)
+// A part that the window has lost meanwhile isn't written. A visual with an alpha channel shows what is
+// opaque in it.
+bool PixelPort::CopyOut(const Window& window, const RECT& rect, int nScale, std::uint32_t* to) const
 {
-    SharedMemory* shared = Memory(picture.PixelsOf(strip));
-    if (!shared) return false;
-    picture.CopyOut(strip, shared->Pixels());
-    const RECT place = Enlarged(strip, picture.scale);
-    const auto nWidth = static_cast<std::uint16_t>(WidthOf(place));
-    const auto nHeight = static_cast<std::uint16_t>(HeightOf(place));
-    xcb_shm_put_image(m_connection.Get(), window, m_gc, nWidth, nHeight, 0, 0, nWidth, nHeight,
-                      static_cast<std::int16_t>(place.left), static_cast<std::int16_t>(place.top),
-                      m_connection.Screen().root_depth, XCB_IMAGE_FORMAT_Z_PIXMAP, 0, shared->Id(), 0);
-    m_pending = xcb_get_input_focus(m_connection.Get());
+    const auto fade = m_fades.find(window.Handle());
+    const Faded* const faded = fade == m_fades.end() ? nullptr : &fade->second;
+    const sync::MutexLock lock(gdi::pixelLock);
+    if (!window.backing) return false;
+    gdi::Surface& pixels = window.backing->surface;
+    if (rect.right > pixels.Width() || rect.bottom > pixels.Height()) return false;
+    const std::size_t nRow = WidthOf(rect) * static_cast<std::size_t>(nScale);
+    for (int y = rect.top; y < rect.bottom; ++y) {
+        const std::uint32_t* const from = pixels.Row(y);
+        std::uint32_t* at = to;
+        for (int x = rect.left; x < rect.right; ++x, at += nScale) {
+            const bool bBlends = faded && x < faded->below.Width() && y < faded->below.Height();
+            const std::uint32_t color =
+                bBlends ? Blend(from[x], faded->below.Row(y)[x], faded->opacity) : from[x];
+            std::fill_n(at, nScale, color | ~gdi::COLOR_BITS);
+        }
+        for (int n = 1; n < nScale; ++n)
+            std::copy_n(to, nRow, to + nRow * static_cast<std::size_t>(n));
+        to += nRow * static_cast<std::size_t>(nScale);
+    }
     return true;
 }
 
-bool PixelPort::Send(xcb_window_t window, const Picture& picture, const RECT& strip)
+void PixelPort::Put(xcb_window_t id, const Window& window, const RECT& rect)
 {
-    const auto nSquare = static_cast<std::size_t>(picture.scale * picture.scale);
-    const std::size_t nMost = m_connection.MostRequestBytes() / sizeof(std::uint32_t) / nSquare;
+    const int nScale = m_connection.GetView().scale;
+    const LONG nMost = kMostSide / nScale;
+    const RECT part = gdi::Cut(CutToSeen(window, rect), {0, 0, nMost, nMost});
+    if (gdi::IsEmpty(part)) return;
+    InStrips(part, kSharedPixels / SquareOf(nScale), [&](const RECT& strip) {
+        return (Share(id, window, strip, nScale) || Send(id, window, strip, nScale)) &&
+               !m_connection.IsLost();
+    });
+}
+
+// Nothing is waited for between the copy and its sending, so that of two threads the newer pixels stay.
+bool PixelPort::Share(xcb_window_t id, const Window& window, const RECT& strip, int nScale)
+{
+    Memory shared = TakeMemory(WidthOf(strip) * HeightOf(strip) * SquareOf(nScale));
+    if (shared.empty()) return false;
+    const bool bThere = CopyOut(window, strip, nScale, shared.front().Pixels());
+    const RECT place = Enlarged(strip, nScale);
+    const auto nWidth = static_cast<std::uint16_t>(WidthOf(place));
+    const auto nHeight = static_cast<std::uint16_t>(HeightOf(place));
+    if (bThere) {
+        xcb_shm_put_image(m_connection.Get(), id, m_gc, nWidth, nHeight, 0, 0, nWidth, nHeight,
+                          static_cast<std::int16_t>(place.left), static_cast<std::int16_t>(place.top),
+                          m_connection.Screen().root_depth, XCB_IMAGE_FORMAT_Z_PIXMAP, 0, shared.front().Id(),
+                          0);
+        shared.front().SetReading();
+    }
+    m_memory.splice(m_memory.end(), shared);
+    return bThere;
+}
+
+bool PixelPort::Send(xcb_window_t id, const Window& window, const RECT& strip, int nScale)
+{
+    const std::size_t nMost = m_connection.MostRequestBytes() / sizeof(std::uint32_t) / SquareOf(nScale);
     if (nMost == 0) return false; // the server is lost
-    return InPieces(strip, std::min(kSentPixels / nSquare, nMost), [&](const RECT& piece) {
-        m_rows.resize(picture.PixelsOf(piece));
-        picture.CopyOut(piece, m_rows.data());
-        const RECT place = Enlarged(piece, picture.scale);
-        xcb_put_image(m_connection.Get(), XCB_IMAGE_FORMAT_Z_PIXMAP, window, m_gc,
+    return InPieces(strip, std::min(kSentPixels / SquareOf(nScale), nMost), [&](const RECT& piece) {
+        m_rows.resize(WidthOf(piece) * HeightOf(piece) * SquareOf(nScale));
+        if (!CopyOut(window, piece, nScale, m_rows.data())) return false;
+        const RECT place = Enlarged(piece, nScale);
+        xcb_put_image(m_connection.Get(), XCB_IMAGE_FORMAT_Z_PIXMAP, id, m_gc,
                       static_cast<std::uint16_t>(WidthOf(place)), static_cast<std::uint16_t>(HeightOf(place)),
                       static_cast<std::int16_t>(place.left), static_cast<std::int16_t>(place.top), 0,
                       m_connection.Screen().root_depth,
@@ -194,17 +202,17 @@ bool PixelPort::Send(xcb_window_t window, const Picture& picture, const RECT& st
     });
 }
 
-bool PixelPort::Get(const RECT& rect, gdi::Surface& pixels, POINT at)
+bool PixelPort::Get(const RECT& rect, gdi::Surface& pixels)
 {
     if (!m_connection.HasOurPixels()) return false;
     const View view = m_connection.GetView();
     // A server refuses to read what lies beyond its screen, if only by a part of a pixel of ours.
     const RECT screen{-view.origin.x / view.scale, -view.origin.y / view.scale, view.whole.cx, view.whole.cy};
-    const RECT held{at.x, at.y, at.x + pixels.Width(), at.y + pixels.Height()};
-    const RECT part = gdi::Cut(gdi::Cut(rect, held), screen);
+    const RECT part = gdi::Cut(rect, screen);
     if (gdi::IsEmpty(part)) return true;
-    return InStrips(part, kSharedPixels / static_cast<std::size_t>(view.scale * view.scale),
-                    [&](const RECT& strip) { return GetStrip(strip, view, pixels, at); });
+    return InStrips(part, kSharedPixels / SquareOf(view.scale), [&](const RECT& strip) {
+        return GetStrip(strip, view, pixels, {rect.left, rect.top});
+    });
 }
 
 bool PixelPort::GetStrip(const RECT& strip, const View& view, gdi::Surface& pixels, POINT at)
@@ -217,21 +225,23 @@ bool PixelPort::GetStrip(const RECT& strip, const View& view, gdi::Surface& pixe
     const std::size_t nPixels = WidthOf(place) * HeightOf(place);
     xcb_connection_t* const connection = m_connection.Get();
     constexpr std::uint32_t allPlanes = ~0u;
-    if (SharedMemory* shared = Memory(nPixels)) {
+    if (Memory shared = TakeMemory(nPixels); !shared.empty()) {
         const auto cookie = xcb_shm_get_image(connection, m_connection.Root(), x, y, nWidth, nHeight,
-                                              allPlanes, XCB_IMAGE_FORMAT_Z_PIXMAP, shared->Id(), 0);
-        if (!Own(xcb_shm_get_image_reply(connection, cookie, nullptr))) return false;
-        CopyIn(shared->Pixels(), strip, view.scale, pixels, at);
-        return true;
+                                              allPlanes, XCB_IMAGE_FORMAT_Z_PIXMAP, shared.front().Id(), 0);
+        const auto image =
+            m_connection.Wait([&] { return Own(xcb_shm_get_image_reply(connection, cookie, nullptr)); });
+        if (image) CopyIn(shared.front().Pixels(), strip, view.scale, pixels, at);
+        m_memory.splice(m_memory.end(), shared);
+        return image != nullptr;
     }
     const auto cookie = xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_connection.Root(), x, y,
                                       nWidth, nHeight, allPlanes);
-    const auto image = Own(xcb_get_image_reply(connection, cookie, nullptr));
+    const auto image =
+        m_connection.Wait([&] { return Own(xcb_get_image_reply(connection, cookie, nullptr)); });
     if (!image || static_cast<std::size_t>(xcb_get_image_data_length(image.get())) < nPixels * 4)
         return false;
-    m_rows.resize(nPixels);
-    std::memcpy(m_rows.data(), xcb_get_image_data(image.get()), nPixels * sizeof(std::uint32_t));
-    CopyIn(m_rows.data(), strip, view.scale, pixels, at);
+    CopyIn(reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(image.get())), strip, view.scale, pixels,
+           at);
     return true;
 }
 

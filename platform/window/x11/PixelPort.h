@@ -2,9 +2,11 @@
 
 #include "include/platform/Geometry.h"
 #include "platform/gdi/Surface.h"
+#include "platform/window/Window.h"
 #include "platform/window/x11/SharedMemory.h"
 
-#include <optional>
+#include <list>
+#include <map>
 #include <vector>
 
 namespace kx::window::x11 {
@@ -14,34 +16,38 @@ class PixelPort
 {
 public:
     explicit PixelPort(const Connection& connection);
-    PixelPort(const PixelPort&) = delete;
-    PixelPort& operator=(const PixelPort&) = delete;
-    ~PixelPort();
 
-    // Shows a rectangle of a window's pixels, cut to them. With `below` only so much of them is seen, of 255,
-    // over those of that surface.
-    void Put(xcb_window_t window, const gdi::Surface& pixels, const RECT& rect,
-             const gdi::Surface* below = nullptr, BYTE opacity = 255);
-    // Reads a rectangle of the desktop, cut to what the screen holds of it, into the pixels from their top
-    // left on, or from the same place on; false if it can't be read.
-    bool Get(const RECT& rect, gdi::Surface& pixels, POINT at);
+    // Shows a rectangle of a window's pixels as they are now, if there is something to see of it.
+    void Put(xcb_window_t id, const Window& window, const RECT& rect);
+    // Reads a rectangle of the desktop, cut to what the screen holds of it, into pixels of its size; false if
+    // it can't be read.
+    bool Get(const RECT& rect, gdi::Surface& pixels);
+
+    // From before a window is seen it is shown by that opacity, of 255, over what is seen there now; false
+    // for one that didn't begin so.
+    bool Fade(const Window& window, BYTE opacity);
+    void EndFade(HWND hWnd) noexcept { m_fades.erase(hWnd); }
 
 private:
-    using Sync = xcb_get_input_focus_cookie_t; // any request with an answer
+    struct Faded
+    {
+        gdi::Surface below;
+        BYTE opacity;
+    };
+    using Memory = std::list<SharedMemory>; // one, or none
 
-    // Memory for so many pixels at least, which the server has done with; null where none can be shared.
-    SharedMemory* Memory(std::size_t nPixels);
-    void AwaitServer();
-    struct Picture;
-    bool Share(xcb_window_t window, const Picture& picture, const RECT& strip);
-    bool Send(xcb_window_t window, const Picture& picture, const RECT& strip);
+    // Memory for so many pixels at least, which the server has done with; none where none can be shared.
+    Memory TakeMemory(std::size_t nPixels);
+    bool CopyOut(const Window& window, const RECT& rect, int nScale, std::uint32_t* to) const;
+    bool Share(xcb_window_t id, const Window& window, const RECT& strip, int nScale);
+    bool Send(xcb_window_t id, const Window& window, const RECT& strip, int nScale);
     bool GetStrip(const RECT& strip, const View& view, gdi::Surface& pixels, POINT at);
 
     const Connection& m_connection;
     const xcb_gcontext_t m_gc;
     bool m_bShares;
-    std::optional<SharedMemory> m_memory;
-    std::optional<Sync> m_pending; // the memory is being read
+    Memory m_memory; // all that nobody uses
+    std::map<HWND, Faded> m_fades;
     std::vector<std::uint32_t> m_rows;
 };
 

@@ -10,7 +10,7 @@
 #include <span>
 #include <string>
 
-// What other programs are told about a window: its manager, compositors, and those who look for it.
+// Properties that tell other programs about a window: managers, compositors, and programs that look for it.
 
 namespace kx::window::x11 {
 
@@ -22,7 +22,7 @@ void DescribeDialog(const Connection& connection, xcb_window_t window, xcb_windo
 void SetIcon(const Connection& connection, xcb_window_t window, const gdi::Surface* pixels);
 // A text in the process's code page.
 void SetTitle(const Connection& connection, xcb_window_t window, const char* pszText);
-// Where a window without a frame is to lie; the manager puts its frame around that.
+// Sets the place of a window without its frame; the manager puts the frame around that.
 void SetWantedPlace(const Connection& connection, xcb_window_t window, const RECT& rect);
 void SetOpacityOf(const Connection& connection, xcb_window_t window, BYTE opacity);
 // Whether the manager is to keep the window above all others, and whether it takes the input of its owner,

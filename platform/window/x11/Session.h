@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/PipeSignal.h"
-#include "platform/gdi/Surface.h"
 #include "platform/sync/Mutex.h"
+#include "platform/window/Window.h"
 #include "platform/window/x11/ForeignWindows.h"
 #include "platform/window/x11/InputMethod.h"
 #include "platform/window/x11/OwnWindows.h"
@@ -10,64 +10,62 @@
 #include "platform/window/x11/Watch.h"
 
 #include <atomic>
-#include <map>
 #include <memory>
+#include <optional>
 
 namespace kx::window::x11 {
 
-// A window that is seen in part without a compositor's help.
-struct Fade
+// The state of one connection: its windows, the screen's pixels and the input method. Reached through Access
+// alone.
+struct SessionState
 {
-    gdi::Surface below; // what the screen showed before the window did
-    BYTE opacity;
-};
-
-// All that works with one connection to a server. But for the connection it is used under the lock (see
-// Access).
-struct Session
-{
-    Session(std::unique_ptr<Connection> opened, std::chrono::milliseconds limit)
-        : connection(std::move(opened)),
-          watch(*connection, limit),
-          own(*connection),
-          foreign(*connection),
-          pixels(*connection),
-          method(*connection)
+    explicit SessionState(Connection& used)
+        : connection(used), own(used), foreign(used), pixels(used), method(used)
     {
     }
 
-    // Shows a rectangle of a window's pixels.
-    void Put(HWND hWnd, const gdi::Surface& surface, const RECT& rect)
+    // Shows a rectangle of a window's pixels, if there is something to see of it.
+    void Put(const Window& window, const RECT& rect)
     {
-        const xcb_window_t id = own.NumberOf(hWnd);
-        const auto it = fades.find(hWnd);
-        const bool bFades = it != fades.end() && it->second.opacity < 255;
-        if (id)
-            pixels.Put(id, surface, rect, bFades ? &it->second.below : nullptr,
-                       bFades ? it->second.opacity : 255);
+        if (const xcb_window_t id = own.NumberOf(window.Handle())) pixels.Put(id, window, rect);
+    }
+
+    Connection& connection;
+    OwnWindows own;
+    ForeignWindows foreign;
+    PixelPort pixels;
+    InputMethod method;
+};
+
+// All that works with one connection to a server.
+class Session
+{
+public:
+    Session(std::unique_ptr<Connection> opened, std::chrono::milliseconds limit)
+        : connection(std::move(opened)), watch(*connection, limit), m_state(*connection)
+    {
     }
 
     const std::unique_ptr<Connection> connection;
     std::atomic<bool> leaving{false}; // the end of the connection is wanted
     Watch watch;
-    sync::Mutex lock;
-    OwnWindows own;
-    ForeignWindows foreign;
-    PixelPort pixels;
-    InputMethod method;
-    std::map<HWND, Fade> fades;
+
+private:
+    friend class Access;
+    SessionState m_state KX_GUARDED_BY(connection->useLock);
 };
 
-// A scope in which the session is used; what is asked for goes to the server at its end. The lock of the
-// desktop's pixels is taken before, never within. Null for a null session.
+// A scope in which the session is used under the connection's lock, which is free only while an answer is
+// awaited; what is asked for goes to the server at its end. gdi::pixelLock is taken within, never before.
+// Null for a null session.
 class Access
 {
 public:
     explicit Access(std::shared_ptr<Session> session) KX_NO_LOCK_ANALYSIS : m_session(std::move(session))
     {
         if (!m_session) return;
-        m_session->lock.lock();
-        m_session->watch.Begin();
+        m_use.emplace(m_session->watch);
+        m_session->connection->useLock.lock();
     }
     Access(const Access&) = delete;
     Access& operator=(const Access&) = delete;
@@ -75,15 +73,15 @@ public:
     {
         if (!m_session) return;
         xcb_flush(m_session->connection->Get());
-        m_session->watch.End();
-        m_session->lock.unlock();
+        m_session->connection->useLock.unlock();
     }
 
     explicit operator bool() const noexcept { return m_session != nullptr; }
-    Session* operator->() const noexcept { return m_session.get(); }
+    SessionState* operator->() const noexcept KX_NO_LOCK_ANALYSIS { return &m_session->m_state; }
 
 private:
     const std::shared_ptr<Session> m_session;
+    std::optional<Watch::Use> m_use;
     const NoPipeSignal m_noSignal; // xcb writes to a server that may be gone
 };
 

@@ -39,7 +39,16 @@ bool SharedMemory::Attach(int fd)
 {
     m_id = xcb_generate_id(m_connection.Get());
     const auto cookie = xcb_shm_attach_fd_checked(m_connection.Get(), m_id, fd, 0);
-    return !Own(xcb_request_check(m_connection.Get(), cookie)) && !m_connection.IsLost();
+    const auto error = m_connection.Wait([&] { return Own(xcb_request_check(m_connection.Get(), cookie)); });
+    return !error && !m_connection.IsLost();
+}
+
+void SharedMemory::AwaitServer()
+{
+    if (!m_reading) return;
+    m_connection.Wait(
+        [&] { return Own(xcb_get_input_focus_reply(m_connection.Get(), *m_reading, nullptr)); });
+    m_reading.reset();
 }
 
 SharedMemory::~SharedMemory()

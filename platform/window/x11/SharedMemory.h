@@ -2,6 +2,7 @@
 
 #include "platform/window/x11/Connection.h"
 
+#include <optional>
 #include <xcb/shm.h>
 
 namespace kx::window::x11 {
@@ -20,6 +21,10 @@ public:
     std::uint32_t* Pixels() const noexcept { return m_pixels; } // null for an empty one
     std::size_t Size() const noexcept { return m_nSize; }       // in bytes
 
+    // The server has been asked to read it: the next AwaitServer returns once it has.
+    void SetReading() noexcept { m_reading = xcb_get_input_focus(m_connection.Get()); }
+    void AwaitServer();
+
     static bool IsOffered(const Connection& connection);
 
 private:
@@ -29,6 +34,7 @@ private:
     const std::size_t m_nSize;
     xcb_shm_seg_t m_id = 0;
     std::uint32_t* m_pixels = nullptr;
+    std::optional<xcb_get_input_focus_cookie_t> m_reading; // any request with an answer
 };
 
 } // namespace kx::window::x11

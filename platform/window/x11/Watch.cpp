@@ -2,6 +2,9 @@
 
 #include "platform/sync/AlternateStack.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace kx::window::x11 {
 
 Watch::Watch(Connection& connection, std::chrono::milliseconds limit)
@@ -19,37 +22,42 @@ Watch::~Watch()
     m_thread.join();
 }
 
-void Watch::Wake() noexcept
+Watch::Use::Use(Watch& watch) noexcept : m_watch(watch)
 {
-    {
-        const sync::MutexLock lock(m_lock);
-        m_sleeps = false;
-    }
-    m_changed.notify_one();
+    const sync::MutexLock lock(watch.m_lock);
+    m_since = Clock::now();
+    m_older = std::exchange(watch.m_newest, this);
+    (m_older ? m_older->m_newer : watch.m_oldest) = this;
+    if (std::exchange(watch.m_sleeps, false)) watch.m_changed.notify_one();
 }
 
-// It looks once in a limit at most: a use that it sees has begun since the last look, and is awaited to the
-// end of its own limit.
+Watch::Use::~Use()
+{
+    const sync::MutexLock lock(m_watch.m_lock);
+    (m_older ? m_older->m_newer : m_watch.m_oldest) = m_newer;
+    (m_newer ? m_newer->m_older : m_watch.m_newest) = m_older;
+}
+
+// It looks at the oldest use, once in a limit at most, and awaits it to the end of its own limit.
 void Watch::Run()
 {
     const sync::AlternateStack stack;
     sync::MutexLock lock(m_lock);
-    Clock::rep awaited = 0; // the newest use that was waited for
-    for (bool bIdle = true; !m_ends;) {
-        if (bIdle) {
+    Clock::time_point least{}; // no end of a wait lies before it
+    while (!m_ends) {
+        if (!m_oldest) {
             m_sleeps = true;
-            if (m_since == 0) m_changed.wait(lock, [&]() KX_NO_LOCK_ANALYSIS { return m_ends || !m_sleeps; });
-            m_sleeps = false;
+            m_changed.wait(lock, [&]() KX_NO_LOCK_ANALYSIS { return m_ends || !m_sleeps; });
+            continue;
         }
-        const Clock::rep since = m_since;
-        const bool bNew = since && since != awaited;
-        const auto due = (bNew ? Clock::time_point(Clock::duration(since)) : Clock::now()) + m_limit;
-        awaited = since;
+        const Use* const awaited = m_oldest;
+        const auto since = awaited->m_since;
+        const auto due = std::max(since + m_limit, least);
         if (m_changed.wait_until(lock, due, [&]() KX_NO_LOCK_ANALYSIS { return m_ends; })) return;
         // A program that was stopped itself gives the server another limit.
-        const bool bStopped = Clock::now() - due > m_limit / 2 + std::chrono::seconds(1);
-        if (since && m_since == since && !bStopped) return m_connection.Shut();
-        bIdle = m_since == 0;
+        const auto now = Clock::now();
+        least = now - due > m_limit / 2 + std::chrono::seconds(1) ? now + m_limit : Clock::time_point{};
+        if (m_oldest == awaited && awaited->m_since == since && least <= now) return m_connection.Shut();
     }
 }
 

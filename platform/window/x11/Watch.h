@@ -3,7 +3,6 @@
 #include "platform/sync/Mutex.h"
 #include "platform/window/x11/Connection.h"
 
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <thread>
@@ -11,34 +10,44 @@
 namespace kx::window::x11 {
 
 // Ends the connection to a server that has stopped answering, so that it holds up no thread for longer than a
-// limit. Its own thread sleeps while nobody uses the connection. One use at a time.
+// limit. Its own thread sleeps while nobody uses the connection.
 class Watch
 {
+    using Clock = std::chrono::steady_clock; // the server's time, never a test's
+
 public:
     Watch(Connection& connection, std::chrono::milliseconds limit);
     Watch(const Watch&) = delete;
     Watch& operator=(const Watch&) = delete;
     ~Watch();
 
-    void Begin() noexcept
+    // A scope in which the connection is used.
+    class Use
     {
-        m_since = Clock::now().time_since_epoch().count();
-        if (m_sleeps) Wake();
-    }
-    void End() noexcept { m_since = 0; }
+    public:
+        explicit Use(Watch& watch) noexcept;
+        Use(const Use&) = delete;
+        Use& operator=(const Use&) = delete;
+        ~Use();
+
+    private:
+        friend Watch;
+        Watch& m_watch;
+        Clock::time_point m_since{};
+        Use* m_older = nullptr; // the next older use that goes on
+        Use* m_newer = nullptr;
+    };
 
 private:
-    using Clock = std::chrono::steady_clock; // the server's time, never a test's
-
-    void Wake() noexcept;
     void Run() KX_NO_LOCK_ANALYSIS; // its waits let the lock go
 
     Connection& m_connection;
     const std::chrono::milliseconds m_limit;
-    std::atomic<Clock::rep> m_since{0}; // when the use began; 0: there is none
-    std::atomic<bool> m_sleeps{false};
     sync::Mutex m_lock;
     std::condition_variable_any m_changed;
+    Use* m_oldest KX_GUARDED_BY(m_lock) = nullptr;
+    Use* m_newest KX_GUARDED_BY(m_lock) = nullptr;
+    bool m_sleeps KX_GUARDED_BY(m_lock) = false;
     bool m_ends KX_GUARDED_BY(m_lock) = false;
     std::thread m_thread;
 };

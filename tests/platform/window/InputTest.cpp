@@ -1,4 +1,4 @@
-// What a person does, on the desktop in memory: the host posts it in the person's place.
+// Input on the desktop in memory: the host posts it in the person's place.
 
 #include "include/platform/Input.h"
 #include "tests/platform/window/Support.h"

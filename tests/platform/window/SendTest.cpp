@@ -120,7 +120,8 @@ TEST(Send, IsReleasedWithoutAnswer)
     }
 }
 
-// What a sender gets when the procedure that it waits for ends its window, throws or ends its thread.
+// The result that a sender gets when the procedure that it waits for ends its window, throws or ends its
+// thread.
 TEST(Send, IsAnsweredHoweverTheProcedureEnds)
 {
     struct Case

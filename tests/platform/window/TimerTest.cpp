@@ -12,7 +12,7 @@ using testing::ElementsAre;
 
 namespace {
 
-// What the thread can take now: the WPARAMs of WM_TIMER, or the number of another message.
+// The messages that the thread can take now: the WPARAMs of WM_TIMER, or the number of another message.
 std::vector<UINT_PTR> TakeAll()
 {
     std::vector<UINT_PTR> taken;
@@ -79,7 +79,8 @@ TEST(Timer, WakesAThreadThatWaitsForMessages)
     EXPECT_EQ(s_calls, 3);
 }
 
-// Which windows have been told what, as letters: + and - for focus gained and lost, and the number told.
+// A record of what windows have been told, as letters: + and - for focus gained and lost, and the number
+// told.
 struct Told
 {
     test::Handler Handler(char letter)

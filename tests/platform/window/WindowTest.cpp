@@ -1,3 +1,4 @@
+#include "include/platform/Host.h"
 #include "tests/platform/window/Support.h"
 
 #include <gmock/gmock.h>
@@ -71,7 +72,7 @@ TEST(Window, LivesThroughItsMessages)
                                   P(NCDESTROY, false)));
 }
 
-// What the procedure does at one message while the window is made, and which messages there are then.
+// The procedure's act at one message while the window is made, and which messages there are then.
 TEST(Window, IsNotMadeWhenItsProcedureRefusesOrEndsIt)
 {
     const auto destroy = [](HWND hWnd) { return LRESULT{DestroyWindow(hWnd)}; };
@@ -114,11 +115,14 @@ TEST(Window, IsNotMadeWhenItsProcedureRefusesOrEndsIt)
 TEST(Window, HandlesThatNameNoWindowAreHarmless)
 {
     std::set<HWND> used;
+    const int nLive = KXHost::LiveHandles();
     for (int i = 0; i < 1'000; ++i) {
         const HWND hWnd = Make();
+        EXPECT_EQ(KXHost::LiveHandles(), nLive + 1);
         EXPECT_TRUE(used.insert(hWnd).second); // never again
         EXPECT_TRUE(DestroyWindow(hWnd));
     }
+    EXPECT_EQ(KXHost::LiveHandles(), nLive);
     for (const HWND hWnd : {Numbered(0), Numbered(1), *used.begin(), Numbered(~std::uintptr_t{0})}) {
         DWORD dwProcessId = 1;
         char buffer[8] = "unset";

@@ -353,7 +353,7 @@ TEST_F(X11WindowTest, AnotherDesktopIsChosenOnlyWithoutWindows)
 TEST_F(X11WindowTest, DisplayIsChosenWhereItAnswers)
 {
     const auto run = [](const std::string& display, const char* expected) {
-        // What a thread of the parent's holds has no owner in the forked process.
+        // Memory that a thread of the parent's holds has no owner in the forked process.
         const std::string noLeakCheck = "ASAN_OPTIONS=detect_leaks=0:intercept_strndup=0";
         Child child("X11ExitChild", {expected}, {"DISPLAY=" + display, noLeakCheck}, true);
         EXPECT_EQ(child.Wait(), 0) << expected << ": " << child.ErrorText();
