@@ -1,27 +1,15 @@
 #pragma once
 
-#include "include/KXExport.h"
-#include "include/platform/Variant.h"
+#include "platform/xml/Functions.h"
 #include "platform/xml/Tree.h"
 
 #include <optional>
 #include <string>
 #include <string_view>
 
-// Texts and documents as clients and files have them: encodings, reading, writing.
+// Documents as files have them: encodings, reading, writing.
 
 namespace kx::xml {
-
-// UTF-8; half a surrogate pair becomes "?".
-KX_API std::string ToUtf8(BSTR bstr);
-// The same with "?" for each character that an XML document can't hold.
-KX_API std::string ToXmlText(BSTR bstr);
-
-// Null for a lack of memory.
-KX_API BSTR ToBstr(std::string_view utf8);
-
-// The process's code page.
-KX_API std::string ToCodePage(BSTR bstr);
 
 // The encoding that a document's first line declares, if that can be read as ASCII; empty without one.
 std::string DeclaredEncoding(std::string_view document);

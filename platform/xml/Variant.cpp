@@ -1,7 +1,7 @@
 #include "include/platform/Variant.h"
 
 #include "platform/text/CharWalk.h"
-#include "platform/xml/Markup.h"
+#include "platform/xml/Functions.h"
 
 #include <algorithm>
 #include <array>

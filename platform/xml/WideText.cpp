@@ -1,4 +1,4 @@
-#include "platform/xml/Markup.h"
+#include "platform/xml/Functions.h"
 
 #include "include/platform/CodePage.h"
 #include "platform/text/Conversion.h"
