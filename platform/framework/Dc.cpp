@@ -63,8 +63,7 @@ int CDC::DeleteDC()
 
 CDC* CDC::FromHandle(HDC hDC)
 {
-    thread_local kx::framework::TempMap<CDC, HDC, IsAlive, Bind> map;
-    return map.Get(hDC);
+    return kx::framework::TempMap<CDC, HDC, IsAlive, Bind>::OfThread(hDC);
 }
 
 CBitmap* CDC::SelectObject(CBitmap* pObject)

@@ -31,8 +31,7 @@ void Bind(Wrapper& wrapper, HGDIOBJ handle)
 template <class Wrapper>
 Wrapper* TempOf(HGDIOBJ handle)
 {
-    thread_local kx::framework::TempMap<Wrapper, HGDIOBJ, IsAlive, Bind<Wrapper>> map;
-    return map.Get(handle);
+    return kx::framework::TempMap<Wrapper, HGDIOBJ, IsAlive, Bind<Wrapper>>::OfThread(handle);
 }
 
 HGDIOBJ HandleOf(const CGdiObject* pObject)

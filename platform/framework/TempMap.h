@@ -1,6 +1,7 @@
 #pragma once
 
 #include "include/platform/Exception.h"
+#include "platform/sync/PerThread.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -23,23 +24,26 @@ public:
             Bind(*entry.second, Handle{});
     }
 
-    Wrapper* Get(Handle handle)
-    {
-        if (!handle) return nullptr;
-        if (const auto found = m_wrappers.find(handle); found != m_wrappers.end()) return found->second.get();
-        try {
-            if (m_wrappers.size() >= m_nSweepAt) Sweep();
-            auto wrapper = std::make_unique<Wrapper>();
-            Wrapper* const made = wrapper.get();
-            m_wrappers.emplace(handle, std::move(wrapper));
-            Bind(*made, handle);
-            return made;
-        } catch (const std::bad_alloc&) {
-            AfxThrowMemoryException();
-        }
+    static Wrapper* OfThread(Handle handle)
+    try {
+        static sync::PerThread<TempMap> maps;
+        return handle ? maps.Get().Get(handle) : nullptr;
+    } catch (const std::bad_alloc&) {
+        AfxThrowMemoryException();
     }
 
 private:
+    Wrapper* Get(Handle handle)
+    {
+        if (const auto found = m_wrappers.find(handle); found != m_wrappers.end()) return found->second.get();
+        if (m_wrappers.size() >= m_nSweepAt) Sweep();
+        auto wrapper = std::make_unique<Wrapper>();
+        Wrapper* const made = wrapper.get();
+        m_wrappers.emplace(handle, std::move(wrapper));
+        Bind(*made, handle);
+        return made;
+    }
+
     void Sweep()
     {
         std::erase_if(m_wrappers, [](auto& entry) {

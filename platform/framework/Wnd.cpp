@@ -35,16 +35,14 @@ int CWnd::Attach(HWND hWnd)
 
 HWND CWnd::Detach()
 {
-    if (std::exchange(m_bOwnsWindow, false)) kx::framework::Wnds().erase(m_hWnd);
+    if (std::exchange(m_bOwnsWindow, false)) kx::framework::Wnds().Get().erase(m_hWnd);
     return std::exchange(m_hWnd, nullptr);
 }
 
 CWnd* CWnd::FromHandle(HWND hWnd)
 {
-    const auto& own = kx::framework::Wnds();
-    if (const auto it = own.find(hWnd); it != own.end()) return it->second;
-    thread_local kx::framework::TempMap<CWnd, HWND, IsAlive, Bind> map;
-    return map.Get(hWnd);
+    if (CWnd* const own = kx::framework::ObjectOf(hWnd)) return own;
+    return kx::framework::TempMap<CWnd, HWND, IsAlive, Bind>::OfThread(hWnd);
 }
 
 int CWnd::DestroyWindow()

@@ -1,22 +1,32 @@
 #include "include/platform/Wnd.h"
 
+#include "include/platform/Exception.h"
 #include "platform/Immortal.h"
 #include "platform/framework/WndMap.h"
 #include "platform/sync/Mutex.h"
+#include "platform/sync/PerThread.h"
 #include "platform/window/Lifetime.h"
 
 #include <cstdio>
 #include <map>
+#include <new>
 #include <string>
 #include <tuple>
 #include <utility>
 
 namespace kx::framework {
 
-std::unordered_map<HWND, CWnd*>& Wnds()
+sync::PerThread<std::unordered_map<HWND, CWnd*>>& Wnds()
 {
-    thread_local std::unordered_map<HWND, CWnd*> map;
-    return map;
+    static sync::PerThread<std::unordered_map<HWND, CWnd*>> wnds;
+    return wnds;
+}
+
+CWnd* ObjectOf(HWND hWnd)
+{
+    const auto* const wnds = Wnds().Find();
+    const auto found = wnds ? wnds->find(hWnd) : decltype(wnds->find(hWnd)){};
+    return wnds && found != wnds->end() ? found->second : nullptr;
 }
 
 } // namespace kx::framework
@@ -42,13 +52,6 @@ private:
     T m_old;
 };
 
-CWnd* ObjectOf(HWND hWnd)
-{
-    const auto& wnds = kx::framework::Wnds();
-    const auto it = wnds.find(hWnd);
-    return it == wnds.end() ? nullptr : it->second;
-}
-
 const AFX_MSGMAP_ENTRY* FindHandler(const AFX_MSGMAP* map, UINT nMsg)
 {
     for (; map; map = map->pfnGetBaseMap())
@@ -63,17 +66,17 @@ const AFX_MSGMAP_ENTRY* FindHandler(const AFX_MSGMAP* map, UINT nMsg)
 LRESULT AfxWndProc(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
 {
     if (CWnd* created = std::exchange(t_creating, nullptr)) {
+        kx::framework::Wnds().Get()[hWnd] = created;
         created->m_hWnd = hWnd;
         created->m_bOwnsWindow = true;
-        kx::framework::Wnds()[hWnd] = created;
     }
-    CWnd* wnd = ObjectOf(hWnd);
+    CWnd* wnd = kx::framework::ObjectOf(hWnd);
     if (!wnd) return kx::window::CallClass(hWnd, nMsg, wParam, lParam);
     const MSG current{hWnd, nMsg, wParam, lParam, 0};
     const Restore message(t_message, &current);
     if (nMsg != WM_NCDESTROY) return wnd->WindowProc(nMsg, wParam, lParam);
     const LRESULT nResult = wnd->WindowProc(nMsg, wParam, lParam);
-    kx::framework::Wnds().erase(hWnd);
+    kx::framework::Wnds().Get().erase(hWnd);
     wnd->m_bOwnsWindow = false;
     wnd->m_hWnd = nullptr;
     wnd->PostNcDestroy();
@@ -85,8 +88,8 @@ LRESULT AfxWndProc(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
 void CWnd::LoseWindow() noexcept
 {
     const CWnd* const self = this;
-    if (std::erase_if(kx::framework::Wnds(), [&](const auto& entry) { return entry.second == self; }) == 0)
-        return;
+    auto* const wnds = kx::framework::Wnds().Find();
+    if (!wnds || std::erase_if(*wnds, [&](const auto& entry) { return entry.second == self; }) == 0) return;
     m_bOwnsWindow = false;
     m_hWnd = nullptr;
 }
@@ -101,6 +104,9 @@ int CWnd::CreateEx(DWORD, const char* pszClass, const char* pszName, DWORD dwSty
         return kx::window::Create({pszClass, pszName, dwStyle, rect.left, rect.top, rect.right - rect.left,
                                    rect.bottom - rect.top, hParent, pParam},
                                   AfxWndProc) != nullptr;
+    } catch (const std::bad_alloc&) {
+        LoseWindow();
+        AfxThrowMemoryException();
     } catch (...) {
         LoseWindow();
         throw;
@@ -127,7 +133,7 @@ LRESULT CWnd::Default()
 }
 
 const char* AfxRegisterWndClass(UINT nStyle, HCURSOR hCursor, HBRUSH hBackground, HICON hIcon)
-{
+try {
     struct Names
     {
         kx::sync::Mutex lock;
@@ -136,15 +142,16 @@ const char* AfxRegisterWndClass(UINT nStyle, HCURSOR hCursor, HBRUSH hBackground
     static kx::Immortal<Names> made;
     if (!hCursor) hCursor = LoadCursorA(nullptr, IDC_ARROW);
     Names& all = made.Get();
-    const kx::sync::MutexLock lock(all.lock);
-    const auto [it, bNew] = all.names.try_emplace({nStyle, hCursor, hBackground, hIcon});
-    if (!bNew) return it->second.c_str();
     char name[128];
     std::snprintf(name, sizeof name, "Afx:%x:%p:%p:%p", nStyle, static_cast<void*>(hCursor),
                   static_cast<void*>(hBackground), static_cast<void*>(hIcon));
-    it->second = name;
+    const kx::sync::MutexLock lock(all.lock);
+    const auto [it, bNew] = all.names.try_emplace({nStyle, hCursor, hBackground, hIcon}, name);
+    if (!bNew) return it->second.c_str();
     const WNDCLASSA cls{DefWindowProcA, name, hBackground, nStyle, hCursor, hIcon};
     if (RegisterClassA(&cls)) return it->second.c_str();
     all.names.erase(it);
     return nullptr;
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }

@@ -1,5 +1,7 @@
 #include "platform/sync/AlternateStack.h"
 
+#include "platform/sync/PerThread.h"
+
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -49,9 +51,11 @@ AlternateStack::~AlternateStack()
 }
 
 bool GuardThread() noexcept
-{
-    thread_local const AlternateStack stack;
-    return stack.IsThere();
+try {
+    static PerThread<AlternateStack> stacks;
+    return stacks.Get().IsThere();
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 } // namespace kx::sync

@@ -4,6 +4,7 @@
 
 #include "platform/sync/Fork.h"
 #include "platform/sync/Mutex.h"
+#include "platform/sync/PerThread.h"
 
 #include <algorithm>
 #include <array>
@@ -83,9 +84,11 @@ constexpr std::pair<char32_t, std::string_view> kExtras[] = {
 
 Iconv& Iconv::For(UINT nCodePage, Direction direction)
 {
-    thread_local std::array<std::unique_ptr<Iconv>, 12> converters;
-    auto& converter = converters[static_cast<std::size_t>(direction) + (nCodePage == CP_UTF8 ? 6u : 0u)];
-    if (!converter) converter = std::make_unique<Iconv>(nCodePage, direction);
+    static sync::PerThread<std::array<std::unique_ptr<Iconv>, 12>> converters;
+    auto& converter =
+        converters.Get()[static_cast<std::size_t>(direction) + (nCodePage == CP_UTF8 ? 6u : 0u)];
+    // One that couldn't be opened may be there next time: the C library doesn't always tell a lack of memory.
+    if (!converter || !*converter) converter = std::make_unique<Iconv>(nCodePage, direction);
     return *converter;
 }
 
