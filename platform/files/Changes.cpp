@@ -2,10 +2,10 @@
 
 #include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/files/EntryInfo.h"
 #include "platform/files/Path.h"
 
-#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -48,8 +48,8 @@ try {
         return INVALID_FILE_ATTRIBUTES;
     }
     return *attributes;
-} catch (const std::bad_alloc&) {
-    kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    kx::NoMemory();
     return INVALID_FILE_ATTRIBUTES;
 }
 
@@ -67,8 +67,8 @@ try {
         return kx::Fail(ERROR_ACCESS_DENIED);
     if (entry->path.trailing) return kx::Fail(ERROR_DIRECTORY);
     return unlink(entry->path.system.c_str()) == 0 || kx::files::FailAt(entry->path.system);
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int CreateDirectoryA(const char* pszPath, void*)
@@ -76,8 +76,8 @@ try {
     const auto path = kx::files::Resolve(pszPath);
     if (!path) return 0;
     return mkdir(path->system.c_str(), 0777) == 0 || kx::files::FailAt(path->system);
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int RemoveDirectoryA(const char* pszPath)
@@ -91,6 +91,6 @@ try {
         entry->Has(FILE_ATTRIBUTE_REPARSE_POINT) ? unlink(pszSystem) == 0 : rmdir(pszSystem) == 0;
     if (bGone) return 1;
     return errno == EEXIST ? kx::Fail(ERROR_DIR_NOT_EMPTY) : kx::files::FailAt(entry->path.system);
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }

@@ -1,6 +1,7 @@
 #include "include/platform/File.h"
 #include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/files/EntryInfo.h"
 #include "platform/files/OpenFile.h"
 #include "platform/files/Path.h"
@@ -11,7 +12,6 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <limits>
-#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -133,6 +133,6 @@ try {
         return CopyLink(source->system, target->system, bFailIfExists != 0);
     if (kind & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_SYSTEM)) return kx::Fail(ERROR_ACCESS_DENIED);
     return CopyRegular(source->system, target->system, bFailIfExists != 0);
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }

@@ -1,5 +1,6 @@
 // The process's current directory and the system's own ones.
 
+#include "platform/NoMemory.h"
 #include "platform/files/Path.h"
 
 #include "include/platform/FileSystem.h"
@@ -12,7 +13,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -91,8 +91,8 @@ int SetCurrentDirectoryA(const char* pszPath)
 try {
     const auto path = kx::files::ToSystem(pszPath);
     return path && (kx::files::ChangeDirectory(*path) || kx::files::FailAt(*path));
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }
 
 DWORD GetCurrentDirectoryA(DWORD nSize, char* pszBuffer)
@@ -100,8 +100,8 @@ try {
     const auto path = kx::files::FromSystem(kx::files::CurrentDirectory());
     if (!path) return static_cast<DWORD>(kx::Fail(ERROR_PATH_NOT_FOUND));
     return Deliver(*path, pszBuffer, nSize);
-} catch (const std::bad_alloc&) {
-    return static_cast<DWORD>(kx::Fail(ERROR_NOT_ENOUGH_MEMORY));
+} catch (...) {
+    return kx::NoMemory();
 }
 
 UINT GetSystemDirectoryA(char* pszBuffer, UINT nSize)

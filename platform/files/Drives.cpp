@@ -1,5 +1,6 @@
 #include "platform/files/Drives.h"
 
+#include "include/platform/Exception.h"
 #include "platform/Immortal.h"
 #include "platform/files/MountTable.h"
 #include "platform/files/SystemDrives.h"
@@ -9,6 +10,7 @@
 #include <array>
 #include <atomic>
 #include <filesystem>
+#include <new>
 
 namespace kx::files {
 
@@ -128,7 +130,7 @@ unsigned DriveGeneration() noexcept
 } // namespace kx::files
 
 bool KXHost::MountDrive(char cLetter, const Drive& drive)
-{
+try {
     const std::size_t index = kx::files::LetterIndex(cLetter);
     if (index == kx::files::kDriveLetters || (!drive.strRoot.empty() && drive.strRoot[0] != '/'))
         return false;
@@ -146,6 +148,8 @@ bool KXHost::MountDrive(char cLetter, const Drive& drive)
     }
     kx::files::TheHost().Set(index, std::move(mounted));
     return true;
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 void KXHost::UnmountDrive(char cLetter)

@@ -3,6 +3,7 @@
 #include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
 #include "platform/Handles.h"
+#include "platform/NoMemory.h"
 #include "platform/files/Directory.h"
 #include "platform/files/EntryInfo.h"
 #include "platform/files/Path.h"
@@ -12,7 +13,6 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -194,8 +194,8 @@ try {
     else
         kx::files::FailAt(pattern->directory + "/" + pattern->name);
     return INVALID_HANDLE_VALUE;
-} catch (const std::bad_alloc&) {
-    kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    kx::NoMemory();
     return INVALID_HANDLE_VALUE;
 }
 
@@ -205,8 +205,8 @@ try {
     if (!search) return kx::Fail(ERROR_INVALID_HANDLE);
     if (!pData) return kx::Fail(ERROR_INVALID_PARAMETER);
     return search->Next(*pData) || kx::Fail(ERROR_NO_MORE_FILES);
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int FindClose(HANDLE hFind)

@@ -1,5 +1,6 @@
 #include "platform/files/SystemDrives.h"
 
+#include "include/platform/Exception.h"
 #include "include/platform/FileSystem.h"
 #include "platform/Immortal.h"
 #include "platform/UniqueFd.h"
@@ -13,6 +14,7 @@
 #include <array>
 #include <atomic>
 #include <fcntl.h>
+#include <new>
 #include <poll.h>
 #include <utility>
 
@@ -198,6 +200,8 @@ unsigned SystemGeneration() noexcept
 } // namespace kx::files
 
 void KXHost::SetSystemRoot(const std::string& strDir)
-{
+try {
     kx::files::TheDrives().SetRoot(strDir);
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }

@@ -2,6 +2,7 @@
 
 #include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/files/BlockDevices.h"
 #include "platform/files/Directory.h"
 #include "platform/files/Drives.h"
@@ -12,7 +13,6 @@
 
 #include <cstring>
 #include <filesystem>
-#include <new>
 #include <sys/statfs.h>
 
 namespace {
@@ -125,8 +125,8 @@ UINT GetDriveTypeA(const char* pszRoot)
 try {
     const auto drive = FindDrive(pszRoot);
     return drive ? drive->type : DRIVE_NO_ROOT_DIR;
-} catch (const std::bad_alloc&) {
-    kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    kx::NoMemory();
     return DRIVE_NO_ROOT_DIR;
 }
 
@@ -144,6 +144,6 @@ try {
     Deliver(volume.flags, pdwFlags);
     Deliver(volume.fileSystem, pszFileSystem, nFileSystemSize);
     return 1;
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }

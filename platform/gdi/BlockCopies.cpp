@@ -1,13 +1,13 @@
 #include "include/platform/Host.h"
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
+#include "platform/NoMemory.h"
 #include "platform/gdi/Copies.h"
 #include "platform/gdi/DeviceContext.h"
 #include "platform/sync/Mutex.h"
 
 #include <atomic>
 #include <memory>
-#include <new>
 #include <utility>
 
 using namespace kx::gdi;
@@ -63,8 +63,8 @@ try {
     if (!to || !from) return 0;
     Canvas target = to->Paint();
     return copy(target, from->Read(Place(source), &target));
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int CopySame(HDC hDst, const Block& block, HDC hSrc, int xSrc, int ySrc)

@@ -1,8 +1,8 @@
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/gdi/DeviceContext.h"
 #include "platform/gdi/PixelRegion.h"
 
-#include <new>
 #include <utility>
 
 namespace kx::gdi {
@@ -11,12 +11,6 @@ HGDIOBJ Add(const std::shared_ptr<Object>& object, bool stock) noexcept
 {
     object->m_stock = stock;
     return object->m_handle = AddHandle(object, !stock);
-}
-
-std::nullptr_t NoMemory() noexcept
-{
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return nullptr;
 }
 
 bool Remove(HGDIOBJ handle) noexcept
@@ -32,8 +26,8 @@ HDC CreateCompatibleDC(HDC hDC)
 try {
     if (hDC && !FindAs<DeviceContext>(hDC)) return nullptr;
     return static_cast<HDC>(Add(std::make_shared<DeviceContext>()));
-} catch (const std::bad_alloc&) {
-    return NoMemory();
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int DeleteDC(HDC hDC)
@@ -56,8 +50,8 @@ try {
     if (object->kind != Kind::Region) return context->Select(std::move(object));
     const int nComplexity = SelectClipRgn(hDC, static_cast<HRGN>(hObject));
     return reinterpret_cast<HGDIOBJ>(std::intptr_t{nComplexity});
-} catch (const std::bad_alloc&) {
-    return NoMemory();
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int SelectClipRgn(HDC hDC, HRGN hRgn)
@@ -68,8 +62,8 @@ try {
     context->SetClip(region ? std::optional(region->pixels) : std::nullopt);
     RECT ignored;
     return context->ClipBox(ignored);
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY); // RGN_ERROR
+} catch (...) {
+    return kx::NoMemory(); // RGN_ERROR
 }
 
 int DeleteObject(HGDIOBJ hObject)

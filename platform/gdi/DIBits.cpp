@@ -1,9 +1,9 @@
+#include "platform/NoMemory.h"
 #include "platform/gdi/DeviceContext.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <new>
 #include <optional>
 #include <span>
 
@@ -232,8 +232,8 @@ try {
     auto pixels = Surface::Make(cx, cy);
     if (!pixels) return nullptr;
     return static_cast<HBITMAP>(Add(std::make_shared<Bitmap>(std::move(*pixels), WORD{32})));
-} catch (const std::bad_alloc&) {
-    return NoMemory();
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int GetDIBits(HDC hDC, HBITMAP hBitmap, UINT nStart, UINT nLines, void* pBits, BITMAPINFO* pInfo, UINT nUsage)

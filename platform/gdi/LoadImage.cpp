@@ -1,6 +1,7 @@
 #include "include/platform/Module.h"
 #include "internal/Debug.h"
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/gdi/Copies.h"
 #include "platform/gdi/Icon.h"
 #include "platform/gdi/ImageFile.h"
@@ -121,8 +122,8 @@ HANDLE LoadImageA(HINSTANCE hInstance, const char* pszName, UINT nType, int cx, 
             kx::debug::Tell("picture", "%s can't be read as %s; nothing is drawn from it", pszName,
                             nType == IMAGE_ICON ? "an icon" : "a BMP file");
         return hImage;
-    } catch (const std::bad_alloc&) {
-        return Refuse(ERROR_NOT_ENOUGH_MEMORY);
+    } catch (...) {
+        return kx::NoMemory();
     }
 }
 

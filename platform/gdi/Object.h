@@ -56,8 +56,6 @@ private:
 // object is one that the caller of the library didn't make: DeleteObject leaves it alone, and it isn't
 // counted as a live handle. Any thread may call any of these.
 HGDIOBJ Add(const std::shared_ptr<Object>& object, bool stock = false) noexcept;
-// Sets ERROR_NOT_ENOUGH_MEMORY: the failure of a call that gives a handle.
-std::nullptr_t NoMemory() noexcept;
 // Takes a handle out of the table; the object ends with its last user. False if there is no such handle.
 bool Remove(HGDIOBJ handle) noexcept;
 

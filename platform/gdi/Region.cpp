@@ -1,9 +1,9 @@
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/gdi/PixelRegion.h"
 
 #include "platform/gdi/RoundShape.h"
 
-#include <new>
 #include <vector>
 
 using namespace kx::gdi;
@@ -46,24 +46,24 @@ PixelRegion Combined(const PixelRegion& a, const PixelRegion& b, int nMode)
 HRGN CreateRectRgn(int nLeft, int nTop, int nRight, int nBottom)
 try {
     return AddRegion(PixelRegion(Ordered({nLeft, nTop, nRight, nBottom})));
-} catch (const std::bad_alloc&) {
-    return NoMemory();
+} catch (...) {
+    return kx::NoMemory();
 }
 
 HRGN CreateRectsRgn(const RECT* pRects, int nCount)
 try {
     if (nCount < 0 || (nCount > 0 && !pRects)) return nullptr;
     return AddRegion(PixelRegion::FromRects({pRects, static_cast<std::size_t>(nCount)}));
-} catch (const std::bad_alloc&) {
-    return NoMemory();
+} catch (...) {
+    return kx::NoMemory();
 }
 
 HRGN CreateMaskRgn(const std::uint64_t* pMask, int nWidth, int nHeight)
 try {
     if (nWidth < 0 || nHeight < 0 || (nWidth > 0 && nHeight > 0 && !pMask)) return nullptr;
     return AddRegion(PixelRegion::FromMask(pMask, nWidth, nHeight));
-} catch (const std::bad_alloc&) {
-    return NoMemory();
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int CombineRgn(HRGN hDst, HRGN hSrc1, HRGN hSrc2, int nMode)
@@ -74,8 +74,8 @@ try {
     if (!target || !first || !second || nMode < RGN_AND || nMode > RGN_COPY) return RGN_ERROR;
     target->pixels = Combined(first->pixels, second->pixels, nMode);
     return target->pixels.Complexity();
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY); // RGN_ERROR
+} catch (...) {
+    return kx::NoMemory(); // RGN_ERROR
 }
 
 int PtInRegion(HRGN hRgn, int x, int y)
@@ -98,8 +98,8 @@ try {
     if (!region) return RGN_ERROR;
     region->pixels.Move(x, y);
     return region->pixels.Complexity();
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY); // RGN_ERROR
+} catch (...) {
+    return kx::NoMemory(); // RGN_ERROR
 }
 
 HRGN CreateRoundRectRgn(int nLeft, int nTop, int nRight, int nBottom, int cxEllipse, int cyEllipse)
@@ -116,6 +116,6 @@ try {
     for (int n = nCorners; n > 0; --n)
         rows.push_back(shape.Row(rect.bottom - n));
     return AddRegion(PixelRegion::FromRects(rows));
-} catch (const std::bad_alloc&) {
-    return NoMemory();
+} catch (...) {
+    return kx::NoMemory();
 }

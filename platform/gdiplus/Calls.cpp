@@ -5,6 +5,7 @@
 #include "include/platform/GdiPlusFlat.h"
 #include "internal/Debug.h"
 #include "platform/Immortal.h"
+#include "platform/NoMemory.h"
 #include "platform/sync/Mutex.h"
 
 #include <atomic>
@@ -65,7 +66,8 @@ try {
     *pToken = g_starts->Begin();
     g_bTold = false;
     return Ok;
-} catch (const std::bad_alloc&) {
+} catch (...) {
+    kx::NoMemory();
     return OutOfMemory;
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "include/platform/GdiPlusTypes.h"
+#include "platform/NoMemory.h"
 
 #include <memory>
-#include <new>
 #include <string>
 #include <utility>
 
@@ -20,7 +20,8 @@ template <class Body>
 Gdiplus::Status Guarded(Body&& body) noexcept
 try {
     return Started() ? body() : NotStarted();
-} catch (const std::bad_alloc&) {
+} catch (...) {
+    kx::NoMemory();
     return Gdiplus::OutOfMemory;
 }
 

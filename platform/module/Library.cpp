@@ -1,8 +1,10 @@
+#include "include/platform/Exception.h"
 #include "include/platform/Host.h"
 #include "include/platform/Module.h"
 #include "internal/Debug.h"
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
+#include "platform/NoMemory.h"
 #include "platform/files/Path.h"
 #include "platform/module/OpenModule.h"
 #include "platform/module/RegularFile.h"
@@ -108,10 +110,12 @@ void AfxSetResourceHandle(HINSTANCE hInstance) noexcept
 }
 
 void KXHost::SetExecutablePath(const std::string& strPath)
-{
+try {
     Override& override = TheOverride();
     const kx::sync::MutexLock lock(override.lock);
     override.path = strPath;
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 HMODULE LoadLibraryA(const char* pszFileName)
@@ -128,9 +132,8 @@ try {
     kx::debug::Tell("module", "%s is no bundle of resources; there is no module", pszFileName);
     SetLastError(ERROR_RESOURCE_DATA_NOT_FOUND);
     return nullptr;
-} catch (const std::bad_alloc&) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return nullptr;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int FreeLibrary(HMODULE hModule)
@@ -153,6 +156,6 @@ try {
     if (!path) return static_cast<DWORD>(kx::Fail(ERROR_INVALID_NAME));
     if (path->size() >= nSize) SetLastError(ERROR_INSUFFICIENT_BUFFER);
     return static_cast<DWORD>(kx::text::CopyCut(*path, pszBuffer, nSize));
-} catch (const std::bad_alloc&) {
-    return static_cast<DWORD>(kx::Fail(ERROR_NOT_ENOUGH_MEMORY));
+} catch (...) {
+    return kx::NoMemory();
 }

@@ -1,12 +1,12 @@
 #include "include/platform/Module.h"
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/module/OpenModule.h"
 #include "platform/text/CharWalk.h"
 #include "platform/text/Conversion.h"
 
 #include <algorithm>
 #include <charconv>
-#include <new>
 #include <optional>
 
 using kx::module::Content;
@@ -80,10 +80,13 @@ std::string_view TextOf(const Content& content)
 } // namespace
 
 HINSTANCE AfxFindResourceHandle(const char* pszName, const char* pszType)
-{
+try {
     const HINSTANCE current = AfxGetResourceHandle();
     if (!current || Find(current, pszName, pszType)) return current;
     return Find(nullptr, pszName, pszType) ? nullptr : current;
+} catch (...) {
+    kx::NoMemory();
+    return AfxGetResourceHandle();
 }
 
 HRSRC FindResourceA(HMODULE hModule, const char* pszName, const char* pszType)
@@ -91,9 +94,8 @@ try {
     const HRSRC found = Find(hModule, pszName, pszType);
     if (!found) SetLastError(OpenModule::Of(hModule) ? ERROR_RESOURCE_NAME_NOT_FOUND : ERROR_INVALID_HANDLE);
     return found;
-} catch (const std::bad_alloc&) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return nullptr;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 DWORD SizeofResource(HMODULE hModule, HRSRC hResource)
@@ -140,6 +142,6 @@ try {
     if (utf8.ends_with('\n')) utf8.remove_suffix(1);
     if (utf8.ends_with('\r')) utf8.remove_suffix(1);
     return static_cast<int>(kx::text::CopyCut(kx::text::FromUtf8Lossy(utf8), pszBuffer, size));
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }

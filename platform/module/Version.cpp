@@ -1,13 +1,13 @@
 #include "include/platform/Version.h"
 
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/module/FileVersion.h"
 #include "platform/module/RegularFile.h"
 
 #include <cstddef>
 #include <cstring>
 #include <iterator>
-#include <new>
 
 using namespace kx::module;
 
@@ -40,8 +40,8 @@ DWORD GetFileVersionInfoSizeA(const char* pszFile, DWORD* pdwHandle)
 try {
     if (pdwHandle) *pdwHandle = 0;
     return VersionOf(pszFile) ? sizeof(Block) : 0;
-} catch (const std::bad_alloc&) {
-    return static_cast<DWORD>(kx::Fail(ERROR_NOT_ENOUGH_MEMORY));
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int GetFileVersionInfoA(const char* pszFile, DWORD, DWORD nSize, void* pBlock)
@@ -54,8 +54,8 @@ try {
     std::memcpy(block.key, kVersionKey, sizeof(kVersionKey));
     std::memcpy(pBlock, &block, sizeof(block));
     return 1;
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int VerQueryValueA(const void* pBlock, const char* pszSubBlock, void** ppRecord, UINT* pnSize)

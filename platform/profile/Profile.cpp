@@ -1,12 +1,11 @@
 #include "include/platform/Profile.h"
 
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/files/Path.h"
 #include "platform/profile/IniEdit.h"
 #include "platform/profile/IniStore.h"
 #include "platform/text/CharWalk.h"
-
-#include <new>
 
 namespace profile = kx::profile;
 namespace text = kx::text;
@@ -32,8 +31,8 @@ DWORD GetPrivateProfileStringA(const char* pszSection, const char* pszKey, const
         const auto value = ini ? ini->Find(pszSection, pszKey) : std::nullopt;
         if (ini && !value) SetLastError(ERROR_FILE_NOT_FOUND);
         return static_cast<DWORD>(text::CopyCut(value.value_or(fallback), pszBuffer, nSize));
-    } catch (const std::bad_alloc&) {
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    } catch (...) {
+        kx::NoMemory();
         return static_cast<DWORD>(text::CopyCut(fallback, pszBuffer, nSize));
     }
 }
@@ -55,6 +54,6 @@ try {
         return profile::SetKey(old, section, key, pszText);
     });
     return error == ERROR_SUCCESS ? 1 : kx::Fail(error);
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }

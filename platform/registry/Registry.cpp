@@ -2,11 +2,11 @@
 
 #include "platform/Handles.h"
 #include "platform/Immortal.h"
+#include "platform/NoMemory.h"
 #include "platform/registry/RegistryFile.h"
 
 #include <algorithm>
 #include <memory>
-#include <new>
 #include <utility>
 
 namespace registry = kx::registry;
@@ -69,7 +69,8 @@ try {
     if (const DWORD error = FindPath(hKey, pszSubKey, dwAccess, phResult, path)) return error;
     if (!registry::HasKey(path)) return ERROR_FILE_NOT_FOUND;
     return static_cast<long>(OpenKey(std::move(path), dwAccess, phResult));
-} catch (const std::bad_alloc&) {
+} catch (...) {
+    kx::NoMemory();
     return ERROR_NOT_ENOUGH_MEMORY;
 }
 
@@ -82,7 +83,8 @@ try {
     if (const DWORD error = registry::MakeKey(path, bNew)) return error;
     if (pdwDisposition) *pdwDisposition = bNew ? 1 : 2;
     return static_cast<long>(OpenKey(std::move(path), dwAccess, phResult));
-} catch (const std::bad_alloc&) {
+} catch (...) {
+    kx::NoMemory();
     return ERROR_NOT_ENOUGH_MEMORY;
 }
 
@@ -103,7 +105,8 @@ try {
     if (room < *pcbData) return ERROR_MORE_DATA;
     std::copy_n(value->data.data(), value->data.size(), pData);
     return ERROR_SUCCESS;
-} catch (const std::bad_alloc&) {
+} catch (...) {
+    kx::NoMemory();
     return ERROR_NOT_ENOUGH_MEMORY;
 }
 
@@ -118,7 +121,8 @@ try {
     registry::Value value{dwType, {}};
     if (cbData > 0) value.data.assign(reinterpret_cast<const char*>(pData), cbData);
     return registry::SetValue(key->path, name, value);
-} catch (const std::bad_alloc&) {
+} catch (...) {
+    kx::NoMemory();
     return ERROR_NOT_ENOUGH_MEMORY;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/registry/RegistryFile.h"
 
 #include "include/platform/Error.h"
+#include "include/platform/Exception.h"
 #include "include/platform/Host.h"
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
@@ -14,6 +15,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <new>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -223,10 +225,12 @@ DWORD CheckWritable()
 } // namespace kx::registry
 
 void KXHost::SetRegistryFile(const std::string& strPath)
-{
+try {
     std::error_code error;
     std::string path = strPath.empty() ? strPath : std::filesystem::absolute(strPath, error).string();
     kx::registry::HostPath& host = kx::registry::TheHostPath();
     const kx::sync::MutexLock lock(host.lock);
     host.path = std::move(path);
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }

@@ -3,6 +3,7 @@
 #include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
+#include "platform/NoMemory.h"
 #include "platform/files/Path.h"
 #include "platform/shell/ContentType.h"
 #include "platform/sync/Mutex.h"
@@ -11,7 +12,6 @@
 
 #include <array>
 #include <deque>
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -203,14 +203,15 @@ try {
     if (!item) return 0;
     if (!(nFlags & SHGFI_SYSICONINDEX)) return 1;
     return reinterpret_cast<std::uintptr_t>(SystemImageList((nFlags & SHGFI_SMALLICON) != 0));
-} catch (const std::bad_alloc&) {
-    kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
-    return 0;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int ImageList_GetImageCount(const _IMAGELIST* pList)
-{
+try {
     return pList ? TheTable().Count() : 0;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int ImageList_GetIconSize(const _IMAGELIST* pList, int* pnWidth, int* pnHeight)
@@ -221,6 +222,9 @@ int ImageList_GetIconSize(const _IMAGELIST* pList, int* pnWidth, int* pnHeight)
 }
 
 const char* ImageList_GetIconName(const _IMAGELIST* pList, int nIndex)
-{
+try {
     return pList ? TheTable().NameAt(nIndex) : "";
+} catch (...) {
+    kx::NoMemory();
+    return "";
 }

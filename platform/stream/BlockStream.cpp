@@ -1,3 +1,4 @@
+#include "platform/NoMemory.h"
 #include "platform/stream/Block.h"
 
 #include <algorithm>
@@ -132,7 +133,8 @@ try {
     if (*ppStream) return S_OK;
     if (bOwn) GlobalFree(hBlock);
     return E_OUTOFMEMORY;
-} catch (const std::bad_alloc&) {
+} catch (...) {
+    kx::NoMemory();
     return E_OUTOFMEMORY;
 }
 

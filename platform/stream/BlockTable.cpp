@@ -1,5 +1,6 @@
 #include "include/platform/Error.h"
 #include "platform/Immortal.h"
+#include "platform/NoMemory.h"
 #include "platform/stream/Block.h"
 #include "platform/sync/Mutex.h"
 
@@ -61,13 +62,11 @@ std::shared_ptr<Block> FindBlock(HGLOBAL hBlock) noexcept
 using namespace kx::stream;
 
 HGLOBAL GlobalAlloc(UINT nFlags, std::size_t nBytes)
-{
-    try {
-        if (auto block = Block::Make(nFlags, nBytes)) return g_blocks->Add(std::move(block));
-    } catch (const std::bad_alloc&) { // told below
-    }
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return nullptr;
+try {
+    auto block = Block::Make(nFlags, nBytes);
+    return block ? g_blocks->Add(std::move(block)) : throw std::bad_alloc();
+} catch (...) {
+    return kx::NoMemory();
 }
 
 void* GlobalLock(HGLOBAL hBlock)

@@ -3,13 +3,13 @@
 #include "include/platform/Error.h"
 #include "include/platform/Host.h"
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/text/CharWalk.h"
 #include "platform/text/Conversion.h"
 #include "platform/text/Iconv.h"
 
 #include <atomic>
 #include <cstring>
-#include <new>
 
 namespace {
 
@@ -65,8 +65,8 @@ int lstrcmpiA(const char* psz1, const char* psz2) noexcept
         const auto first = kx::text::ToUtf8(a);
         const auto second = kx::text::ToUtf8(b);
         if (first && second) return kx::text::FoldCase(*first).compare(kx::text::FoldCase(*second));
-    } catch (const std::bad_alloc&) {
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    } catch (...) {
+        kx::NoMemory();
     }
     return a.compare(b);
 }
@@ -79,8 +79,8 @@ try {
     const std::size_t length = nSource < 0 ? std::strlen(pszSource) + 1 : static_cast<std::size_t>(nSource);
     auto& converter = kx::text::Iconv::For(page, kx::text::Iconv::Direction::ToUtf16);
     return Deliver(converter.ConvertLossy({pszSource, length}, "\xFD\xFF"), sizeof(WCHAR), pTarget, nTarget);
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int WideCharToMultiByte(UINT nCodePage, DWORD, const WCHAR* pSource, int nSource, char* pszTarget,
@@ -93,6 +93,6 @@ try {
     auto& converter = kx::text::Iconv::For(page, kx::text::Iconv::Direction::FromUtf16);
     const std::string_view bytes(reinterpret_cast<const char*>(pSource), units * sizeof(WCHAR));
     return Deliver(converter.ConvertLossy(bytes, "?", sizeof(WCHAR)), 1, pszTarget, nTarget);
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }

@@ -1,6 +1,7 @@
 #include "include/platform/Sync.h"
 
 #include "include/platform/Error.h"
+#include "platform/NoMemory.h"
 #include "platform/sync/AlternateStack.h"
 #include "platform/sync/Mutex.h"
 #include "platform/threads/Signal.h"
@@ -142,9 +143,8 @@ try {
     }
     if (pThreadId) *pThreadId = thread->WaitForId();
     return reinterpret_cast<std::uintptr_t>(handle);
-} catch (const std::bad_alloc&) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return 0;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 DWORD GetCurrentThreadId() noexcept

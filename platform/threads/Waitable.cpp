@@ -2,6 +2,7 @@
 
 #include "include/platform/Sync.h"
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/threads/Signal.h"
 
 namespace kx::threads {
@@ -40,9 +41,8 @@ HANDLE CreateEventA(void*, int bManualReset, int bInitialState, const char*)
 try {
     const auto reset = bManualReset ? Signal::Reset::Manual : Signal::Reset::Automatic;
     return kx::AddHandle<Waitable>(std::make_shared<Event>(reset, bInitialState != 0));
-} catch (const std::bad_alloc&) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return nullptr;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int SetEvent(HANDLE hEvent) noexcept

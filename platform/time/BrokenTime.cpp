@@ -1,11 +1,13 @@
 #include "platform/time/BrokenTime.h"
 
+#include "include/platform/Exception.h"
 #include "platform/sync/Fork.h"
 #include "platform/sync/Mutex.h"
 
 #include <array>
 #include <cstring>
 #include <locale.h>
+#include <new>
 #include <string>
 
 namespace kx::time {
@@ -28,7 +30,7 @@ locale_t PlainLocale()
 
 // strftime tells an empty text from one that doesn't fit only if the text can't be empty: hence the mark.
 CString FormatLong(const std::tm& fields, const char* pszFormat)
-{
+try {
     const std::string marked = std::string("|") + pszFormat;
     const std::size_t limit = 4096 + 64 * marked.size();
     std::string text;
@@ -38,6 +40,8 @@ CString FormatLong(const std::tm& fields, const char* pszFormat)
         if (length > 0) return CString(std::string_view(text).substr(1, length - 1));
     }
     return {};
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "include/platform/WindowPaint.h"
+#include "platform/NoMemory.h"
 #include "platform/time/Clock.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Queue.h"
@@ -87,7 +88,7 @@ bool Vanish(Window& window, milliseconds total)
 } // namespace
 
 int AnimateWindow(HWND hWnd, DWORD dwTime, DWORD dwFlags)
-{
+try {
     const auto window = kx::window::FindOwn(hWnd);
     if (!window) return 0;
     const milliseconds total(dwFlags & AW_BLEND ? dwTime : 0);
@@ -95,4 +96,6 @@ int AnimateWindow(HWND hWnd, DWORD dwTime, DWORD dwFlags)
     if (!Appear(*window, total)) return 0;
     if (dwFlags & AW_ACTIVATE) SetFocus(hWnd);
     return 1;
+} catch (...) {
+    return kx::NoMemory();
 }

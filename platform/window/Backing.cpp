@@ -1,11 +1,10 @@
 #include "platform/window/Backing.h"
 
+#include "platform/NoMemory.h"
 #include "platform/gdi/DeviceContext.h"
 #include "platform/screen/Screen.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/WindowTable.h"
-
-#include <new>
 
 namespace kx::window {
 
@@ -73,15 +72,17 @@ std::shared_ptr<screen::Backing> Root(SIZE size)
 HDC GetDC(HWND hWnd)
 try {
     return kx::window::OpenContext(hWnd, std::nullopt);
-} catch (const std::bad_alloc&) {
-    return kx::gdi::NoMemory();
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int ReleaseDC(HWND, HDC hDC)
-{
+try {
     using namespace kx::window;
     const auto context = kx::gdi::FindAs<kx::gdi::DeviceContext>(hDC);
     if (!context || context->IsMemory() || !kx::gdi::Remove(hDC)) return 0;
     Present(context->Window(), *context);
     return 1;
+} catch (...) {
+    return kx::NoMemory();
 }

@@ -2,6 +2,7 @@
 
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
+#include "platform/NoMemory.h"
 
 #include <algorithm>
 
@@ -89,15 +90,19 @@ std::shared_ptr<const WindowClass> ClassTable::Find(const char* pszNameOrAtom) c
 } // namespace kx::window
 
 WORD RegisterClassA(const WNDCLASSA* pClass)
-{
+try {
     if (!pClass) return static_cast<WORD>(kx::Fail(ERROR_INVALID_PARAMETER));
     WORD atom = 0;
     const DWORD error = kx::window::ClassTable::Instance().Add(*pClass, atom);
     return error == ERROR_SUCCESS ? atom : static_cast<WORD>(kx::Fail(error));
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int UnregisterClassA(const char* pszClassName)
-{
+try {
     const DWORD error = kx::window::ClassTable::Instance().Remove(pszClassName);
     return error == ERROR_SUCCESS ? 1 : kx::Fail(error);
+} catch (...) {
+    return kx::NoMemory();
 }

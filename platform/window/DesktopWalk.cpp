@@ -1,5 +1,6 @@
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
+#include "platform/NoMemory.h"
 #include "platform/sync/Mutex.h"
 #include "platform/text/CharWalk.h"
 #include "platform/window/Desktop.h"
@@ -59,10 +60,12 @@ std::map<std::uintptr_t, HWND> AllWindows()
 } // namespace
 
 HDESK OpenDesktopA(const char* pszName, DWORD, int, DWORD)
-{
+try {
     if (pszName && kx::text::CompareNoCase(pszName, "Default") == 0) return OpenDesktops::Instance().Open();
     SetLastError(ERROR_FILE_NOT_FOUND);
     return nullptr;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int CloseDesktop(HDESK hDesk)
@@ -71,10 +74,12 @@ int CloseDesktop(HDESK hDesk)
 }
 
 int EnumDesktopWindows(HDESK hDesk, WNDENUMPROC pfn, long lParam)
-{
+try {
     if (!pfn) return kx::Fail(ERROR_INVALID_PARAMETER);
     if (hDesk && !OpenDesktops::Instance().Has(hDesk)) return kx::Fail(ERROR_INVALID_HANDLE);
     for (const auto& [age, hWnd] : AllWindows())
         if (IsWindow(hWnd) && !pfn(hWnd, lParam)) return 0;
     return 1;
+} catch (...) {
+    return kx::NoMemory();
 }

@@ -1,6 +1,7 @@
 #include "platform/window/WindowState.h"
 
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Queue.h"
 #include "platform/window/WindowTable.h"
@@ -55,10 +56,12 @@ void ForgetFocus(HWND hWnd) noexcept
 } // namespace kx::window
 
 HWND SetFocus(HWND hWnd)
-{
+try {
     const auto window = hWnd ? kx::window::FindOwn(hWnd) : nullptr;
     if (hWnd && (!window || !window->enabled)) return nullptr;
     return Change(hWnd, false);
+} catch (...) {
+    return kx::NoMemory();
 }
 
 HWND GetFocus() noexcept

@@ -4,6 +4,7 @@
 
 #include "include/platform/Clock.h"
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Queue.h"
 #include "platform/window/WindowState.h"
@@ -141,7 +142,7 @@ void DropCapture(HWND hWnd)
 namespace window = kx::window;
 
 int EnableWindow(HWND hWnd, int bEnable)
-{
+try {
     const auto found = window::WindowTable::Instance().Find(hWnd);
     if (!found) return kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
     const bool bWas = found->enabled.exchange(bEnable != 0);
@@ -152,6 +153,8 @@ int EnableWindow(HWND hWnd, int bEnable)
     }
     SendMessageA(hWnd, WM_ENABLE, bEnable != 0, 0);
     return !bWas;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int IsWindowEnabled(HWND hWnd) noexcept
@@ -161,25 +164,31 @@ int IsWindowEnabled(HWND hWnd) noexcept
 }
 
 HWND SetCapture(HWND hWnd)
-{
+try {
     const auto found = window::FindOwn(hWnd);
     if (!found) return nullptr;
     window::Input& input = found->Owner().input;
     const HWND hOld = input.capture;
     window::LoseCapture(input, hWnd);
     return hOld;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int ReleaseCapture()
-{
+try {
     if (const auto own = window::ThisThread()) window::LoseCapture(own->input, nullptr);
     return 1;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 HWND GetCapture() noexcept
-{
+try {
     const auto own = window::ThisThread();
     return own ? own->input.capture : nullptr;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int TrackMouseEvent(TRACKMOUSEEVENT* pEvent)
@@ -192,11 +201,13 @@ int TrackMouseEvent(TRACKMOUSEEVENT* pEvent)
 }
 
 short GetKeyState(int nKey) noexcept
-{
+try {
     const auto own = window::ThisThread();
     if (!own || nKey < 0 || nKey > 0xFF) return 0;
     const auto key = static_cast<std::size_t>(nKey);
     return static_cast<short>((own->input.down[key] ? 0x8000 : 0) | (own->input.toggled[key] ? 1 : 0));
+} catch (...) {
+    return kx::NoMemory();
 }
 
 HCURSOR LoadCursorA(HINSTANCE hInstance, const char* pszName) noexcept
@@ -208,17 +219,21 @@ HCURSOR LoadCursorA(HINSTANCE hInstance, const char* pszName) noexcept
 }
 
 HCURSOR SetCursor(HCURSOR hCursor)
-{
+try {
     const auto own = window::ThisThread();
     if (!own) return nullptr;
     if (own->input.under) window::Desktop::Instance().SetCursor(own->input.under, hCursor);
     return std::exchange(own->input.cursor, hCursor);
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int SetCaretPos(int x, int y)
-{
+try {
     const HWND hFocus = GetFocus();
     if (!hFocus) return kx::Fail(ERROR_ACCESS_DENIED);
     window::Desktop::Instance().SetCaret(hFocus, {x, y});
     return 1;
+} catch (...) {
+    return kx::NoMemory();
 }

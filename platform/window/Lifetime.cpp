@@ -1,6 +1,7 @@
 #include "platform/window/Lifetime.h"
 
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Queue.h"
 #include "platform/window/WindowState.h"
@@ -102,12 +103,14 @@ namespace window = kx::window;
 
 HWND CreateWindowExA(DWORD, const char* pszClassName, const char* pszName, DWORD dwStyle, int x, int y,
                      int nWidth, int nHeight, HWND hParent, void*, HINSTANCE, void* pParam)
-{
+try {
     return window::Create({pszClassName, pszName, dwStyle, x, y, nWidth, nHeight, hParent, pParam}, nullptr);
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int DestroyWindow(HWND hWnd)
-{
+try {
     const auto target = window::WindowTable::Instance().Find(hWnd);
     if (!target) return kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
     if (!window::IsThisThread(target->Owner()) || target->ending) return kx::Fail(ERROR_ACCESS_DENIED);
@@ -119,4 +122,6 @@ int DestroyWindow(HWND hWnd)
     target->Call(WM_DESTROY, 0, 0);
     target->Call(WM_NCDESTROY, 0, 0);
     return 1;
+} catch (...) {
+    return kx::NoMemory();
 }

@@ -1,6 +1,7 @@
 #include "include/platform/MessageBox.h"
 #include "include/platform/Input.h"
 #include "include/platform/WindowPaint.h"
+#include "platform/NoMemory.h"
 #include "platform/gdi/Rect.h"
 #include "platform/text/CharWalk.h"
 #include "platform/text/Conversion.h"
@@ -252,9 +253,11 @@ int Box::Run()
 
 // A box that nobody can see is recorded for the host.
 int AfxMessageBox(const char* pszText, UINT nType, UINT nHelpId)
-{
+try {
     const CString text(pszText);
     if (kx::window::Desktop::Instance().IsSeen())
         if (const int nAnswer = kx::window::Box(text).Run()) return nAnswer;
     return kx::window::HeadlessDesktop::Instance().RecordMessageBox({text, nType, nHelpId});
+} catch (...) {
+    return kx::NoMemory();
 }

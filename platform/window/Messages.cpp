@@ -2,6 +2,7 @@
 #include "include/platform/Input.h"
 #include "include/platform/Sync.h"
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/window/Chores.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Queue.h"
@@ -77,7 +78,7 @@ void FocusOnPress(const MSG& msg)
 } // namespace
 
 int PostMessage(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
-{
+try {
     if (!hWnd) {
         const auto own = kx::window::ThisThread();
         return own ? PostTo(*own, nullptr, nMsg, wParam, lParam) : kx::Fail(ERROR_INVALID_THREAD_ID);
@@ -86,15 +87,19 @@ int PostMessage(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
         return PostTo(window->Owner(), window.get(), nMsg, wParam, lParam);
     const bool bPosted = Desktop::Instance().PostForeign(hWnd, {nMsg, wParam, lParam});
     return bPosted ? 1 : kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
+} catch (...) {
+    return kx::NoMemory();
 }
 
 void PostQuitMessage(int nExitCode)
-{
+try {
     if (const auto own = kx::window::ThisThread()) own->PostQuit(nExitCode);
+} catch (...) {
+    kx::NoMemory();
 }
 
 LRESULT SendMessageA(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
-{
+try {
     const auto window = WindowTable::Instance().Find(hWnd);
     if (window) {
         const bool bOwn = kx::window::IsThisThread(window->Owner());
@@ -102,10 +107,12 @@ LRESULT SendMessageA(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
     }
     if (!IsWindow(hWnd)) return kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
     return Desktop::Instance().SendForeign(hWnd, {nMsg, wParam, lParam});
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int GetMessageA(MSG* pMsg, HWND hWnd, UINT nMin, UINT nMax)
-{
+try {
     const auto refuse = [](DWORD dwError) {
         SetLastError(dwError);
         return -1;
@@ -122,10 +129,13 @@ int GetMessageA(MSG* pMsg, HWND hWnd, UINT nMin, UINT nMax)
     } while (own->WasInput() && !kx::window::HearInput(*pMsg, true));
     FocusOnPress(*pMsg);
     return nResult;
+} catch (...) {
+    kx::NoMemory();
+    return -1;
 }
 
 int PeekMessageA(MSG* pMsg, HWND hWnd, UINT nMin, UINT nMax, UINT nRemove)
-{
+try {
     const auto own = kx::window::ThisThread();
     WindowPtr window;
     if (!pMsg) return kx::Fail(ERROR_INVALID_PARAMETER);
@@ -140,10 +150,12 @@ int PeekMessageA(MSG* pMsg, HWND hWnd, UINT nMin, UINT nMax, UINT nRemove)
     }
     if (bFound && bRemove) FocusOnPress(*pMsg);
     return bFound;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 LRESULT DispatchMessageA(const MSG* pMsg)
-{
+try {
     if (!pMsg || !pMsg->hwnd) return 0;
     const WindowPtr window = kx::window::FindOwn(pMsg->hwnd);
     if (!window) return 0;
@@ -157,4 +169,6 @@ LRESULT DispatchMessageA(const MSG* pMsg)
         return 0;
     }
     return window->Call(pMsg->message, pMsg->wParam, pMsg->lParam);
+} catch (...) {
+    return kx::NoMemory();
 }

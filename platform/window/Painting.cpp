@@ -1,10 +1,9 @@
 #include "include/platform/WindowPaint.h"
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/window/Backing.h"
 #include "platform/window/Queue.h"
 #include "platform/window/WindowTable.h"
-
-#include <new>
 
 namespace {
 
@@ -26,21 +25,25 @@ std::shared_ptr<Window> Find(HWND hWnd)
 } // namespace
 
 int InvalidateRect(HWND hWnd, const RECT* pRect, int bErase)
-{
+try {
     const auto window = Find(hWnd);
     if (!window) return 0;
     const RECT client = ClientOf(*window);
     const RECT rect = pRect ? kx::gdi::Cut(*pRect, client) : client;
     if (window->visible) window->Owner().Invalidate(*window, rect, bErase != 0);
     return 1;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int UpdateWindow(HWND hWnd)
-{
+try {
     const auto window = kx::window::FindOwn(hWnd);
     if (!window) return 0;
     if (window->Owner().HasUpdate(*window)) window->Call(WM_PAINT, 0, 0);
     return 1;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 HDC BeginPaint(HWND hWnd, PAINTSTRUCT* pPaint)
@@ -52,9 +55,8 @@ try {
     if (pPaint->hdc && update.erase)
         pPaint->fErase = !SendMessageA(hWnd, WM_ERASEBKGND, reinterpret_cast<WPARAM>(pPaint->hdc), 0);
     return pPaint->hdc;
-} catch (const std::bad_alloc&) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return nullptr;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int EndPaint(HWND hWnd, const PAINTSTRUCT* pPaint)

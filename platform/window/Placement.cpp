@@ -1,5 +1,6 @@
 // The place of a window, and whether it is seen.
 
+#include "platform/NoMemory.h"
 #include "platform/window/WindowState.h"
 
 #include "include/platform/WindowPaint.h"
@@ -12,7 +13,6 @@
 #include "platform/window/Queue.h"
 
 #include <memory>
-#include <new>
 
 namespace kx::window {
 
@@ -98,7 +98,7 @@ void TellPlace(Window& window, bool bMoved, bool bResized)
 namespace window = kx::window;
 
 int SetWindowPos(HWND hWnd, HWND hAfter, int x, int y, int nWidth, int nHeight, UINT nFlags)
-{
+try {
     const auto found = window::FindOwn(hWnd);
     if (!found) return 0;
     const RECT old = found->Rect();
@@ -113,6 +113,8 @@ int SetWindowPos(HWND hWnd, HWND hAfter, int x, int y, int nWidth, int nHeight, 
     if (nFlags & SWP_HIDEWINDOW) ShowWindow(hWnd, SW_HIDE);
     if (!(nFlags & (SWP_NOACTIVATE | SWP_HIDEWINDOW)) && IsWindowVisible(hWnd)) SetFocus(hWnd);
     return 1;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int SetWindowRgn(HWND hWnd, HRGN hRgn, int bRedraw)
@@ -130,6 +132,6 @@ try {
     if (hRgn) DeleteObject(hRgn);
     if (bRedraw) InvalidateRect(hWnd, nullptr, 1);
     return 1;
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }

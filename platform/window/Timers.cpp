@@ -1,5 +1,6 @@
 #include "platform/window/Timers.h"
 
+#include "platform/NoMemory.h"
 #include "platform/window/Queue.h"
 
 #include <algorithm>
@@ -32,12 +33,14 @@ void Timers::KillAll(const Window& window) noexcept
 } // namespace kx::window
 
 UINT_PTR SetTimer(HWND hWnd, UINT_PTR nId, UINT nPeriod, TIMERPROC pfn)
-{
+try {
     const auto window = kx::window::FindOwn(hWnd);
     if (!window) return 0;
     if (nId == 0) nId = 1;
     window->Owner().SetTimer(*window, nId, nPeriod, pfn);
     return nId;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int KillTimer(HWND hWnd, UINT_PTR nId)

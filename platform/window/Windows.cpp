@@ -3,6 +3,7 @@
 #include "include/platform/Input.h"
 #include "include/platform/WindowPaint.h"
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/gdi/Icon.h"
 #include "platform/text/CharWalk.h"
 #include "platform/window/Chores.h"
@@ -124,7 +125,7 @@ int GetSystemMetrics(int nIndex) noexcept
 }
 
 int ShowWindow(HWND hWnd, int nCmd)
-{
+try {
     const auto window = Find(hWnd);
     if (!window) return 0;
     const bool bShow = nCmd != SW_HIDE;
@@ -135,6 +136,8 @@ int ShowWindow(HWND hWnd, int nCmd)
     kx::window::Appear(*window, bShow);
     if (bShow && nCmd != SW_SHOWNOACTIVATE && nCmd != SW_SHOWNA) AskFocus(*window);
     return bWas;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 std::intptr_t SetWindowLongPtrA(HWND hWnd, int nIndex, std::intptr_t nValue)
@@ -152,25 +155,29 @@ std::intptr_t GetWindowLongPtrA(HWND hWnd, int nIndex)
 }
 
 int SetWindowTextA(HWND hWnd, const char* pszText)
-{
+try {
     const auto window = Find(hWnd);
     if (!window) return 0;
     window->SetText(pszText);
     Desktop::Instance().SetText(hWnd, pszText ? pszText : "");
     return 1;
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int GetWindowTextA(HWND hWnd, char* pszBuffer, int nSize)
-{
+try {
     if (!pszBuffer || nSize <= 0) return kx::Fail(ERROR_INVALID_PARAMETER);
     *pszBuffer = '\0';
     const auto window = Find(hWnd);
     if (!window) return 0;
     return static_cast<int>(kx::text::CopyCut(window->Text(), pszBuffer, static_cast<std::size_t>(nSize)));
+} catch (...) {
+    return kx::NoMemory();
 }
 
 LRESULT DefWindowProcA(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
-{
+try {
     switch (nMsg) {
     case WM_CLOSE:
         DestroyWindow(hWnd);
@@ -197,4 +204,6 @@ LRESULT DefWindowProcA(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
     default:
         return nMsg == WM_NCCREATE;
     }
+} catch (...) {
+    return kx::NoMemory();
 }

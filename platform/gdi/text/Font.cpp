@@ -1,11 +1,11 @@
 #include "platform/gdi/text/Font.h"
 
+#include "platform/NoMemory.h"
 #include "platform/gdi/Tools.h"
 #include "platform/text/Conversion.h"
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 
 namespace kx::gdi {
 
@@ -38,6 +38,6 @@ std::shared_ptr<Object> MakeStockFont()
 HFONT CreateFontIndirectA(const LOGFONTA* pFont)
 try {
     return pFont ? static_cast<HFONT>(kx::gdi::Add(std::make_shared<kx::gdi::Font>(*pFont))) : nullptr;
-} catch (const std::bad_alloc&) {
-    return kx::gdi::NoMemory();
+} catch (...) {
+    return kx::NoMemory();
 }

@@ -3,6 +3,7 @@
 
 #include "platform/Cpu.h"
 #include "platform/Errno.h"
+#include "platform/NoMemory.h"
 #include "platform/gdi/DeviceContext.h"
 #include "platform/gdi/text/Font.h"
 #include "platform/gdi/text/Layout.h"
@@ -12,7 +13,6 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
-#include <new>
 #include <span>
 #include <vector>
 #if defined(__x86_64__)
@@ -267,8 +267,8 @@ try {
     const std::string_view text = TextOf(pszText, nLength);
     return nFormat & DT_CALCRECT ? Measure(writer, text, *pRect, nFormat)
                                  : Draw(writer, text, *pRect, nFormat);
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int TextOutA(HDC hDC, int x, int y, const char* pszText, int nLength)
@@ -278,8 +278,8 @@ try {
     Draw(writer, TextOf(pszText, nLength), {Near(x), Near(y), kFar, kFar},
          DT_SINGLELINE | DT_NOPREFIX | DT_NOCLIP);
     return 1;
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }
 
 int GetTextExtentPoint32A(HDC hDC, const char* pszText, int nLength, SIZE* pSize)
@@ -290,6 +290,6 @@ try {
     Measure(writer, TextOf(pszText, nLength), rect, DT_SINGLELINE | DT_NOPREFIX);
     *pSize = {rect.right, rect.bottom};
     return 1;
-} catch (const std::bad_alloc&) {
-    return kx::Fail(ERROR_NOT_ENOUGH_MEMORY);
+} catch (...) {
+    return kx::NoMemory();
 }

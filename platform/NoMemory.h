@@ -1,0 +1,20 @@
+#pragma once
+
+namespace kx {
+
+// 0 of any type: a number, a null pointer.
+struct Zero
+{
+    template <class T>
+    constexpr operator T() const noexcept // NOLINT(google-explicit-constructor)
+    {
+        return T{};
+    }
+};
+
+// Ends a call that the platform defines as C when memory is short, in its `catch (...)`: takes std::bad_alloc
+// and the framework's memory exception, and sets the last error to ERROR_NOT_ENOUGH_MEMORY. Anything else
+// goes on.
+Zero NoMemory();
+
+} // namespace kx
