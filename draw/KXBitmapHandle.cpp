@@ -52,20 +52,20 @@ void CKXBitmapHandle::CreateBitmapDC()
 }
 
 void CKXBitmapHandle::DeleteBitmapDC()
-try {
+{
     m_pSurface->DeleteBitmapDC();
-} catch (const std::bad_alloc&) {
-    AfxThrowMemoryException();
 }
 
 // The old image is gone before a new one is tried; from copies that share it this object parts instead.
 void CKXBitmapHandle::DeleteBitmap()
-{
+try {
     if (m_pSurface.use_count() > 1) {
         m_pSurface = std::make_shared<Surface>();
         m_pSurface->CreateBitmapDC();
     }
     m_pSurface->DeleteBitmap();
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 int CKXBitmapHandle::Hold(HBITMAP hBitmap)

@@ -22,13 +22,12 @@ void CKXMemoryDC::Create(int cx, int cy)
     Destroy();
     m_size = CSize(cx, cy);
     const HDC hDesktop = ::GetDC(GetDesktopWindow());
-    CDC* pDesktop = CDC::FromHandle(hDesktop);
-    m_dc.CreateCompatibleDC(pDesktop);
-    if (m_bitmap.CreateCompatibleBitmap(pDesktop, cx, cy)) {
-        m_hOldBitmap = ::SelectObject(m_dc, m_bitmap);
-        m_pOldBitmap = CGdiObject::FromHandle(m_hOldBitmap);
-    } else {
-        m_dc.DeleteDC();
-    }
+    m_dc.Attach(::CreateCompatibleDC(hDesktop));
+    m_bitmap.Attach(::CreateCompatibleBitmap(hDesktop, cx, cy));
     ReleaseDC(GetDesktopWindow(), hDesktop);
+    m_hOldBitmap = ::SelectObject(m_dc, m_bitmap);
+    if (m_hOldBitmap)
+        m_pOldBitmap = CGdiObject::FromHandle(m_hOldBitmap);
+    else
+        Destroy();
 }

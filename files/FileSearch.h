@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Error.h"
+#include "platform/Exception.h"
 #include "platform/FileSystem.h"
 #include "platform/String.h"
 
@@ -31,6 +33,13 @@ inline bool BeginsWithPoint(const WIN32_FIND_DATAA& data)
     return data.cFileName[0] == '.';
 }
 
+// After a call that failed. An entry that isn't found for lack of memory must not count as one that isn't
+// there.
+inline void ThrowIfNoMemory()
+{
+    if (GetLastError() == ERROR_NOT_ENOUGH_MEMORY) AfxThrowMemoryException();
+}
+
 // An open search, which stands at an entry until Next gives false. It closes itself.
 class FileSearch
 {
@@ -38,13 +47,19 @@ public:
     FileSearch(const CString& strPattern, WIN32_FIND_DATAA& data)
         : m_data(data), m_hFind(FindFirstFileA(strPattern, &data))
     {
+        if (!*this) ThrowIfNoMemory();
     }
     FileSearch(const FileSearch&) = delete;
     FileSearch& operator=(const FileSearch&) = delete;
     ~FileSearch() { Close(); }
 
     explicit operator bool() const { return m_hFind != INVALID_HANDLE_VALUE; }
-    bool Next() { return FindNextFileA(m_hFind, &m_data) != 0; }
+    bool Next()
+    {
+        const bool bFound = FindNextFileA(m_hFind, &m_data) != 0;
+        if (!bFound) ThrowIfNoMemory();
+        return bFound;
+    }
     // Non-zero if it was open and is closed now.
     int Close()
     {

@@ -22,7 +22,8 @@ CString ModuleFile(HINSTANCE hModule)
 {
     PathBuffer buffer{};
     const DWORD nLength = GetModuleFileNameA(hModule, buffer.data(), static_cast<DWORD>(buffer.size()));
-    return nLength > 0 ? CString(buffer.data()) : CString();
+    if (nLength == 0) kx::files::ThrowIfNoMemory();
+    return CString(buffer.data());
 }
 
 UINT ImageFlags(int bLarge)

@@ -12,7 +12,7 @@ class KX_API CKXMemDC : public CDC
 public:
     // No surface yet; Create follows.
     CKXMemDC() = default;
-    CKXMemDC(CDC* pDC, const CRect& rect, unsigned long clrBk) { Create(pDC, rect, clrBk); }
+    CKXMemDC(CDC* pDC, const CRect& rect, unsigned long clrBk) : CKXMemDC() { Create(pDC, rect, clrBk); }
     // Releases surface and bitmap; nothing is copied anywhere.
     ~CKXMemDC() override;
 

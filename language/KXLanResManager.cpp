@@ -28,6 +28,12 @@ CString RegistryKey(const CString& strAppName)
     return "SOFTWARE\\Brightfern\\" + strAppName;
 }
 
+// After a call that failed: a language that isn't found for lack of memory isn't one that isn't there.
+void ThrowIfNoMemory()
+{
+    if (GetLastError() == ERROR_NOT_ENOUGH_MEMORY) AfxThrowMemoryException();
+}
+
 // The text of a registry value; empty for any other kind of value and for one that doesn't end in a NUL.
 CString ReadRegText(HKEY hKey, const char* pszValue)
 {
@@ -83,6 +89,7 @@ try {
     WIN32_FIND_DATAA entry;
     const HANDLE hFind = FindFirstFileA(m_strLanRoot + "*", &entry);
     if (hFind == INVALID_HANDLE_VALUE) {
+        ThrowIfNoMemory();
         kx::debug::Tell("language", "%s can't be read: there is no language", m_strLanRoot.GetString());
         return 0;
     }
@@ -103,6 +110,7 @@ try {
         m_vecLans.push_back(std::move(item));
         nResult = 1;
     } while (FindNextFileA(hFind, &entry));
+    ThrowIfNoMemory();
     return nResult;
 } catch (const std::bad_alloc&) {
     AfxThrowMemoryException();

@@ -35,10 +35,10 @@ CKXSkinResManager* CKXSkinResManager::GetSingletonPtr()
 // Owned only once nothing can throw any more: until then the memory is for who called `new`.
 CKXSkinResManager::CKXSkinResManager()
 {
-    if (const auto* pFileSystem = CKXFileSystem::GetInstancePtr()) {
-        m_strSkinsRoot = pFileSystem->GetAppPath() + "\\Skins\\";
-        EnumSkins();
-    }
+    const auto* pFileSystem = CKXFileSystem::GetInstancePtr();
+    if (!pFileSystem) AfxThrowMemoryException();
+    m_strSkinsRoot = pFileSystem->GetAppPath() + "\\Skins\\";
+    EnumSkins();
     s_auto_ptr.reset(this);
     OutputDebugStringA("CKXSkinResManager Construction!\n");
 }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string_view>
 #include <sys/stat.h>
@@ -20,8 +22,11 @@ public:
     };
 
     Directory() = default;
-    // `errno` tells why a directory didn't open.
-    explicit Directory(const char* pszPath) noexcept : m_dir(opendir(pszPath)) {}
+    // `errno` tells why a directory didn't open, but for a lack of memory, which is thrown.
+    explicit Directory(const char* pszPath) : m_dir(opendir(pszPath))
+    {
+        if (!m_dir && errno == ENOMEM) throw std::bad_alloc();
+    }
 
     explicit operator bool() const noexcept { return m_dir != nullptr; }
     // Nothing at the end, also where reading fails.

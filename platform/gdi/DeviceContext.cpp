@@ -16,9 +16,9 @@ std::shared_ptr<Bitmap> MakeOwnBitmap()
 
 } // namespace
 
-DeviceContext::DeviceContext()
-    : Object(KIND), m_own(MakeOwnBitmap()), m_view(MakeView(m_own->surface, std::nullopt))
+DeviceContext::DeviceContext() : Object(KIND), m_own(MakeOwnBitmap())
 {
+    SetView(m_own->surface, std::nullopt);
     HoldStock();
     if (!Add(m_own, true)) throw std::bad_alloc();
     m_own->selected = 1;
@@ -27,12 +27,9 @@ DeviceContext::DeviceContext()
 
 DeviceContext::DeviceContext(HWND hWnd, std::shared_ptr<SharedSurface> pixels,
                              const std::optional<PixelRegion>& limit)
-    : Object(KIND),
-      m_window(hWnd),
-      m_limit(limit),
-      m_shared(std::move(pixels)),
-      m_view(MakeView(m_shared->surface, std::nullopt))
+    : Object(KIND), m_window(hWnd), m_limit(limit), m_shared(std::move(pixels))
 {
+    SetView(m_shared->surface, std::nullopt);
     HoldStock();
 }
 
@@ -43,18 +40,24 @@ DeviceContext::~DeviceContext()
     if (m_own) Remove(m_own->Handle());
 }
 
-DeviceContext::View DeviceContext::MakeView(Surface& surface, const std::optional<PixelRegion>& region) const
+// All that allocates comes before the first change. Nothing does where there are no more boxes than before,
+// so that the context's first bitmap can be selected again when memory is short, and the other one be
+// deleted.
+void DeviceContext::SetView(Surface& surface, const std::optional<PixelRegion>& region)
 {
     const RECT bounds = WholeOf(surface);
-    View view{&surface, bounds, PixelRegion(bounds), {}, {}};
-    if (m_limit) view.visible.IntersectWith(*m_limit);
-    if (region) view.visible.IntersectWith(*region);
-    view.reach = view.visible.Extents();
-    const auto boxes = view.visible.Boxes();
-    view.clip.reserve(boxes.size());
+    PixelRegion visible(bounds);
+    if (m_limit) visible.IntersectWith(*m_limit);
+    if (region) visible.IntersectWith(*region);
+    const auto boxes = visible.Boxes();
+    m_view.clip.reserve(boxes.size());
+    m_view.clip.clear();
     for (const auto& box : boxes)
-        view.clip.push_back(ToRect(box));
-    return view;
+        m_view.clip.push_back(ToRect(box));
+    m_view.surface = &surface;
+    m_view.bounds = bounds;
+    m_view.reach = visible.Extents();
+    m_view.visible = std::move(visible);
 }
 
 std::shared_ptr<Object> DeviceContext::Hold(std::shared_ptr<Object> object) noexcept
@@ -66,8 +69,11 @@ std::shared_ptr<Object> DeviceContext::Hold(std::shared_ptr<Object> object) noex
 
 void DeviceContext::HoldStock()
 {
-    for (const int nStock : {BLACK_PEN, WHITE_BRUSH, SYSTEM_FONT})
-        if (auto object = FindHandle<Object>(GetStockObject(nStock))) Select(std::move(object));
+    for (const int nStock : {BLACK_PEN, WHITE_BRUSH, SYSTEM_FONT}) {
+        auto object = FindHandle<Object>(GetStockObject(nStock));
+        if (!object) throw std::bad_alloc();
+        Select(std::move(object));
+    }
 }
 
 HGDIOBJ DeviceContext::Select(std::shared_ptr<Object> object)
@@ -84,16 +90,20 @@ HGDIOBJ DeviceContext::SelectBitmap(std::shared_ptr<Object> object)
 {
     if (!IsMemory()) return nullptr;
     auto& bitmap = static_cast<Bitmap&>(*object);
-    View view = MakeView(bitmap.surface, m_region);
     int nNone = 0;
     if (!bitmap.selected.compare_exchange_strong(nNone, 1)) return nullptr;
-    m_view = std::move(view);
+    try {
+        SetView(bitmap.surface, m_region);
+    } catch (...) {
+        bitmap.selected = 0;
+        throw;
+    }
     return Hold(std::move(object))->Handle();
 }
 
 void DeviceContext::SetClip(std::optional<PixelRegion> region)
 {
-    m_view = MakeView(*m_view.surface, region);
+    SetView(*m_view.surface, region);
     m_region = std::move(region);
 }
 

@@ -55,13 +55,13 @@ private:
     // The surface that is drawn on, and the part of it that may be.
     struct View
     {
-        Surface* surface;
-        RECT bounds;
+        Surface* surface = nullptr;
+        RECT bounds{};
         PixelRegion visible;
-        RECT reach;             // the least rectangle around it
+        RECT reach{};           // the least rectangle around it
         std::vector<RECT> clip; // its rectangles
     };
-    View MakeView(Surface& surface, const std::optional<PixelRegion>& region) const;
+    void SetView(Surface& surface, const std::optional<PixelRegion>& region);
 
     const std::shared_ptr<Object>& Held(Kind what) const noexcept
     {

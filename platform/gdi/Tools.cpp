@@ -1,6 +1,7 @@
 #include "platform/gdi/Tools.h"
 
 #include "platform/Immortal.h"
+#include "platform/NoMemory.h"
 
 #include <array>
 #include <new>
@@ -15,7 +16,8 @@ Stock MakeStock()
 {
     Stock stock;
     const auto put = [&](int nIndex, std::shared_ptr<Object> object) {
-        if (Add(object, true)) stock[static_cast<std::size_t>(nIndex)] = std::move(object);
+        if (!Add(object, true)) throw std::bad_alloc();
+        stock[static_cast<std::size_t>(nIndex)] = std::move(object);
     };
     const auto brush = [&](int nIndex, unsigned nGrey) {
         put(nIndex, std::make_shared<Brush>(RGB(nGrey, nGrey, nGrey)));
@@ -40,15 +42,15 @@ HPEN CreatePen(int nStyle, int nWidth, COLORREF clr)
 try {
     if (nStyle != PS_SOLID && nStyle != PS_NULL) return nullptr;
     return static_cast<HPEN>(Add(std::make_shared<Pen>(static_cast<UINT>(nStyle), nWidth, clr)));
-} catch (const std::bad_alloc&) {
-    return NoMemory();
+} catch (...) {
+    return kx::NoMemory();
 }
 
 HBRUSH CreateSolidBrush(COLORREF clr)
 try {
     return static_cast<HBRUSH>(Add(std::make_shared<Brush>(clr)));
-} catch (const std::bad_alloc&) {
-    return NoMemory();
+} catch (...) {
+    return kx::NoMemory();
 }
 
 HGDIOBJ GetStockObject(int nIndex)
@@ -57,6 +59,6 @@ try {
     if (nIndex < 0 || static_cast<std::size_t>(nIndex) >= stock->size()) return nullptr;
     const auto& object = stock.Get()[static_cast<std::size_t>(nIndex)];
     return object ? object->Handle() : nullptr;
-} catch (const std::bad_alloc&) {
-    return NoMemory();
+} catch (...) {
+    return kx::NoMemory();
 }

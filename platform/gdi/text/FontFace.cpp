@@ -118,13 +118,15 @@ Glyph FontFace::Render(char32_t ch)
     Glyph glyph;
     unsigned index = 0;
     const Source* source = SourceOf(ch, index);
-    if (!source || FT_Load_Glyph(source->face.get(), index, FT_LOAD_TARGET_LIGHT | FT_LOAD_NO_BITMAP) != 0)
-        return glyph;
+    if (!source) return glyph;
+    const int flags = FT_LOAD_TARGET_LIGHT | FT_LOAD_NO_BITMAP;
+    if (ThrowIfNoMemory(FT_Load_Glyph(source->face.get(), index, flags))) return glyph;
     const FT_GlyphSlot slot = source->face->glyph;
     if (source->embolden) FT_GlyphSlot_Embolden(slot);
     if (source->slant) FT_GlyphSlot_Oblique(slot);
     glyph.advance = std::max(0, Round26(slot->advance.x));
-    if (FT_Render_Glyph(slot, FT_RENDER_MODE_NORMAL) != 0 || slot->bitmap.pixel_mode != FT_PIXEL_MODE_GRAY)
+    if (ThrowIfNoMemory(FT_Render_Glyph(slot, FT_RENDER_MODE_NORMAL)) ||
+        slot->bitmap.pixel_mode != FT_PIXEL_MODE_GRAY)
         return glyph;
 
     const FT_Bitmap& bitmap = slot->bitmap;

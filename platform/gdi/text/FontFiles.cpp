@@ -5,36 +5,38 @@
 #include <fontconfig/fontconfig.h>
 #include <ft2build.h>
 #include FT_FREETYPE_H
+#include <memory>
+#include <new>
 
 namespace kx::gdi {
 
 namespace {
 
-// Made at the first use and never ended: faces may be closed while static objects are destroyed.
-FT_Library Library()
+// fontconfig crashes where memory ends within it: throws std::bad_alloc instead when there is little left.
+void NeedRoom()
 {
-    static const FT_Library library = [] {
-        FT_Library made = nullptr;
-        return FT_Init_FreeType(&made) == 0 ? made : nullptr;
-    }();
-    return library;
+    constexpr std::size_t kRoom = std::size_t{1} << 20;
+    ::operator delete(::operator new(kRoom));
 }
 
 // Held while a face is opened or closed, which changes the library's list of them: a face ends with its last
 // user, which may be a font that is deleted outside of the text lock. Taken after that lock where both are.
 constinit sync::Mutex g_libraryLock;
+// Made at the first use and never ended: faces may be closed while static objects are destroyed.
+FT_Library g_library KX_GUARDED_BY(g_libraryLock) = nullptr;
 
+// Null for a file that can't be used.
 FacePtr Open(FcPattern* font)
 {
     FcChar8* file = nullptr;
     int index = 0;
     FT_Face face = nullptr;
-    if (!font || FcPatternGetString(font, FC_FILE, 0, &file) != FcResultMatch) return nullptr;
+    if (FcPatternGetString(font, FC_FILE, 0, &file) != FcResultMatch) return nullptr;
     FcPatternGetInteger(font, FC_INDEX, 0, &index);
-    const auto* path = reinterpret_cast<const char*>(file);
     const sync::MutexLock lock(g_libraryLock);
-    if (!Library() || FT_New_Face(Library(), path, index, &face) != 0) return nullptr;
-    return FacePtr(face);
+    if (!g_library && ThrowIfNoMemory(FT_Init_FreeType(&g_library))) return nullptr;
+    const auto* const path = reinterpret_cast<const char*>(file);
+    return FacePtr(ThrowIfNoMemory(FT_New_Face(g_library, path, index, &face)) ? nullptr : face);
 }
 
 bool Has(FcPattern* font, char32_t ch)
@@ -44,6 +46,12 @@ bool Has(FcPattern* font, char32_t ch)
 }
 
 } // namespace
+
+bool ThrowIfNoMemory(int nError)
+{
+    if (nError == FT_Err_Out_Of_Memory) throw std::bad_alloc();
+    return nError != FT_Err_Ok;
+}
 
 void FaceDeleter::operator()(FT_Face face) const noexcept
 {
@@ -68,8 +76,9 @@ struct FontFiles::Set
 
 FontFiles::FontFiles(const FaceRequest& request) : m_set(std::make_unique<Set>())
 {
+    NeedRoom();
     FcPattern* pattern = m_set->pattern = FcPatternCreate();
-    if (!pattern) return;
+    if (!pattern) throw std::bad_alloc();
     if (!request.family.empty())
         FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8*>(request.family.c_str()));
     FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8*>("sans-serif"));
@@ -84,19 +93,19 @@ FontFiles::~FontFiles() = default;
 
 FacePtr FontFiles::OpenBest()
 {
-    if (!m_set->pattern) return nullptr;
+    NeedRoom();
     FcResult result = FcResultNoMatch;
-    FcPattern* font = FcFontMatch(nullptr, m_set->pattern, &result);
-    FacePtr face = Open(font);
-    if (font) FcPatternDestroy(font);
-    return face;
+    const std::unique_ptr<FcPattern, decltype(&FcPatternDestroy)> font(
+        FcFontMatch(nullptr, m_set->pattern, &result), FcPatternDestroy);
+    if (result == FcResultOutOfMemory || !FcConfigGetCurrent()) throw std::bad_alloc();
+    return font ? Open(font.get()) : nullptr;
 }
 
 FacePtr FontFiles::OpenFor(char32_t ch)
 {
+    NeedRoom();
     FcResult result = FcResultNoMatch;
-    if (!m_set->sorted && m_set->pattern)
-        m_set->sorted = FcFontSort(nullptr, m_set->pattern, FcTrue, nullptr, &result);
+    if (!m_set->sorted) m_set->sorted = FcFontSort(nullptr, m_set->pattern, FcTrue, nullptr, &result);
     if (!m_set->sorted) return nullptr;
     for (int n = 0; n < m_set->sorted->nfont; ++n) {
         FcPattern* font = m_set->sorted->fonts[n];

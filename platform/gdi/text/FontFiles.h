@@ -18,6 +18,10 @@ struct FaceRequest
     friend auto operator<=>(const FaceRequest&, const FaceRequest&) = default;
 };
 
+// Whether a call of FreeType failed; throws std::bad_alloc where that was for lack of memory: a face or a
+// letter that is kept must not be an empty one for that.
+bool ThrowIfNoMemory(int nError);
+
 // On any thread.
 struct FaceDeleter
 {
