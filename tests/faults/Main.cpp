@@ -22,6 +22,7 @@
 #include <map>
 #include <optional>
 #include <random>
+#include <sstream>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -111,7 +112,7 @@ struct Left
                            int report)
 {
     g_report = report;
-    for (const int nSignal : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGALRM, SIGXCPU})
+    for (const int nSignal : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP, SIGABRT, SIGALRM, SIGXCPU})
         std::signal(nSignal, OnSignal);
     const rlimit seconds{20, 30};
     setrlimit(RLIMIT_CPU, &seconds);
@@ -204,6 +205,34 @@ struct Found
     std::string frames;
 };
 
+// What happened, and between which of the library's frames: the innermost and the one that was called.
+std::string Kind(const std::string& text)
+{
+    std::istringstream lines(text);
+    std::string what, line, inner, outer;
+    for (std::getline(lines, what); std::getline(lines, line);) {
+        if (line.find("/lib/KXCommonClass/") == line.npos && line.find("/libKXCommonClass") == line.npos)
+            continue;
+        if (inner.empty()) inner = line;
+        outer = line;
+    }
+    return what + '\n' + inner + '\n' + outer;
+}
+
+// The library that a crash is in, if that is none of ours; empty otherwise.
+std::string LibraryBelow(const std::string& text)
+{
+    if (!text.starts_with("crashes")) return {};
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        const std::string name = line.substr(line.rfind('/') + 1, line.rfind('+') - line.rfind('/') - 1);
+        const auto is = [&](const char* pszBegin) { return name.starts_with(pszBegin); };
+        if (line.find('/') == line.npos || is("libc.so") || is("libstdc++") || is("libgcc")) continue;
+        return is("libKXCommonClass") || is("kx_faults") ? "" : name;
+    }
+    return {};
+}
+
 // The faults of a mode in a work.
 class Trials
 {
@@ -220,15 +249,17 @@ public:
         Plan plan = m_mode.plan;
         plan.nth = nth;
         const Place place{own.Path(), m_data};
-        const std::string text = InChild([&](int report) { RunChild(m_work, place, plan, m_usual, report); });
+        std::string text = InChild([&](int report) { RunChild(m_work, place, plan, m_usual, report); });
         if (text.starts_with("end")) {
             m_calls = std::atol(text.c_str() + 4);
             return false;
         }
         ++m_tried;
         if (text.empty()) return true;
-        ++m_bad;
-        Found& one = m_found[text.substr(0, text.find('\n'))];
+        const bool bBelow = !LibraryBelow(text).empty();
+        ++(bBelow ? m_below : m_bad);
+        if (bBelow) text.insert(text.find('\n'), " in " + LibraryBelow(text));
+        Found& one = m_found[Kind(text)];
         if (one.times++ == 0) one.frames = text.substr(text.find('\n') + 1);
         if (one.first == 0 || nth < one.first) one.first = nth;
         return !text.starts_with("fails without") || m_tried < 4;
@@ -238,13 +269,15 @@ public:
         if (m_calls < 0) Try(std::numeric_limits<long>::max());
         return m_calls;
     }
-    // The number of those with findings.
+    // The number of those with findings; crashes in libraries below ours are told, not counted.
     long Print(bool bFrames) const
     {
         if (m_tried == 0) return 0;
-        std::printf("%-12s %-24s %6ld tried %5ld bad\n", m_work.pszName, m_mode.name.c_str(), m_tried, m_bad);
+        std::printf("%-12s %-24s %6ld tried %5ld bad %5ld below\n", m_work.pszName, m_mode.name.c_str(),
+                    m_tried, m_bad, m_below);
         for (const auto& [what, one] : m_found) {
-            std::printf("    %ld times, first %ld: %s\n", one.times, one.first, what.c_str());
+            std::printf("    %ld times, first %ld: %s\n", one.times, one.first,
+                        what.substr(0, what.find('\n')).c_str());
             if (bFrames) std::printf("%s\n", one.frames.c_str());
         }
         std::fflush(stdout);
@@ -256,7 +289,7 @@ private:
     const Mode m_mode;
     const std::string m_data;
     const Left m_usual;
-    long m_calls = -1, m_tried = 0, m_bad = 0;
+    long m_calls = -1, m_tried = 0, m_bad = 0, m_below = 0;
     std::map<std::string, Found> m_found;
 };
 
