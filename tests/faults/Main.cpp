@@ -196,7 +196,7 @@ struct Options
     unsigned seed = 1;
     long nth = 0;   // this one alone
     long limit = 0; // seconds for faults by chance of all works and modes; 0: all of them in turn
-    bool bFrames = false;
+    bool bFrames = false, bBelow = false;
 };
 
 struct Found
@@ -219,10 +219,10 @@ std::string Kind(const std::string& text)
     return what + '\n' + inner + '\n' + outer;
 }
 
-// The library that a crash is in, if that is none of ours; empty otherwise.
+// The library that a crash or hang is in, if that is none of ours; empty otherwise.
 std::string LibraryBelow(const std::string& text)
 {
-    if (!text.starts_with("crashes")) return {};
+    if (!text.starts_with("crashes") && !text.starts_with("hangs")) return {};
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
         const std::string name = line.substr(line.rfind('/') + 1, line.rfind('+') - line.rfind('/') - 1);
@@ -348,8 +348,8 @@ Options ReadOptions(int nArgs, char** args)
     Options options;
     for (int n = 2; n < nArgs; ++n) {
         const std::string option = args[n];
-        if (option == "--frames") {
-            options.bFrames = true;
+        if (option == "--frames" || option == "--below") {
+            (option == "--frames" ? options.bFrames : options.bBelow) = true;
             continue;
         }
         const char* pszValue = ++n < nArgs ? args[n] : "";
@@ -390,7 +390,8 @@ int main(int nArgs, char** args)
         const auto usual = UsuallyLeft(work, data.Path());
         bad += !usual;
         if (!usual) continue;
-        for (const Mode& mode : Modes()) {
+        for (Mode mode : Modes()) {
+            mode.plan.bBelow = options.bBelow;
             const bool bApplies = mode.plan.call == Call::Allocate || work.bWritesFiles;
             if (bApplies && mode.name.find(options.modes) != std::string::npos)
                 all.emplace_back(work, mode, data.Path(), *usual);
