@@ -84,3 +84,9 @@ kx::Zero kx::NoMemory()
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return {};
 }
+
+void kx::NeedRoom()
+{
+    constexpr std::size_t kRoom = std::size_t{1} << 20;
+    ::operator delete(::operator new(kRoom));
+}

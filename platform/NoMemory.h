@@ -17,4 +17,7 @@ struct Zero
 // goes on.
 Zero NoMemory();
 
+// Throws std::bad_alloc when there is little memory left: for before calls of libraries that crash when it ends.
+void NeedRoom();
+
 } // namespace kx

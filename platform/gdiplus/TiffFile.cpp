@@ -1,6 +1,7 @@
 #include "platform/gdiplus/TiffFile.h"
 
 #include "internal/Debug.h"
+#include "platform/NoMemory.h"
 #include "platform/gdi/ImageFile.h"
 
 #include <algorithm>
@@ -81,6 +82,7 @@ struct FreeOptions
 
 TiffHandle OpenTiff(TiffMemory& memory, const char* pszMode, std::int64_t nMaxBlock)
 {
+    NeedRoom();
     const std::unique_ptr<TIFFOpenOptions, FreeOptions> options(TIFFOpenOptionsAlloc());
     if (!options) return nullptr;
     TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), nMaxBlock);

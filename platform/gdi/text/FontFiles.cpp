@@ -1,5 +1,6 @@
 #include "platform/gdi/text/FontFiles.h"
 
+#include "platform/NoMemory.h"
 #include "platform/sync/Mutex.h"
 
 #include <fontconfig/fontconfig.h>
@@ -11,13 +12,6 @@
 namespace kx::gdi {
 
 namespace {
-
-// fontconfig crashes where memory ends within it: throws std::bad_alloc instead when there is little left.
-void NeedRoom()
-{
-    constexpr std::size_t kRoom = std::size_t{1} << 20;
-    ::operator delete(::operator new(kRoom));
-}
 
 // Held while a face is opened or closed, which changes the library's list of them: a face ends with its last
 // user, which may be a font that is deleted outside of the text lock. Taken after that lock where both are.
