@@ -57,7 +57,8 @@ class KX_API CKXFileSystem
 public:
     // The object, made at the first call, which also makes the executable's directory the process's current
     // directory. The first call must not race with another; later ones may come from any thread. Null, or
-    // a CMemoryException* from its paths, for lack of memory. The object is the library's and lives until it unloads.
+    // a CMemoryException* from its paths, for lack of memory. The object is the library's and lives until it
+    // unloads.
     static CKXFileSystem* GetInstancePtr();
 
     CKXFileSystem(const CKXFileSystem&) = delete;

@@ -17,7 +17,8 @@ struct Zero
 // goes on.
 Zero NoMemory();
 
-// Throws std::bad_alloc when there is little memory left: for before calls of libraries that crash when it ends.
+// Throws std::bad_alloc when there is little memory left: for before calls of libraries that crash when it
+// ends.
 void NeedRoom();
 
 } // namespace kx
