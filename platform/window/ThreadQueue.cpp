@@ -1,7 +1,6 @@
 #include "platform/window/Queue.h"
 
 #include "include/platform/Sync.h"
-#include "platform/sync/PerThread.h"
 #include "platform/window/Lifetime.h"
 #include "platform/window/WindowTable.h"
 
@@ -38,8 +37,8 @@ private:
 std::shared_ptr<Queue> ThisThread()
 {
     if (t_over) return nullptr;
-    static sync::PerThread<Holder> holders;
-    return holders.Get().Get();
+    static thread_local Holder holder;
+    return holder.Get();
 }
 
 bool IsThisThread(const Queue& queue) noexcept
