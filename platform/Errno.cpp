@@ -1,10 +1,5 @@
 #include "platform/Errno.h"
 
-#include "include/platform/Exception.h"
-#include "platform/NoMemory.h"
-
-#include <new>
-
 namespace {
 // In the threads' static block: a crash filter may set it, and must not be the first to have it allocated.
 [[gnu::tls_model("initial-exec")]] constinit thread_local DWORD t_lastError = ERROR_SUCCESS;
@@ -71,22 +66,4 @@ int kx::Fail(DWORD dwError) noexcept
 int kx::FailErrno() noexcept
 {
     return Fail(ErrorFromErrno(errno));
-}
-
-kx::Zero kx::NoMemory()
-{
-    try {
-        throw;
-    } catch (const std::bad_alloc&) { // told below
-    } catch (CMemoryException* exception) {
-        exception->Delete();
-    }
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return {};
-}
-
-void kx::NeedRoom()
-{
-    constexpr std::size_t kRoom = std::size_t{1} << 20;
-    ::operator delete(::operator new(kRoom));
 }
