@@ -119,6 +119,11 @@ TEST_F(X11ScreenTest, AServerThatStopsIsGivenUp)
     ColorWindow window(kRed, {0, 0, 300, 300});
     const WindowThread another;
     ShowSeen(window, kRed, 50, 50);
+    // Whoever hears of a key has asked the server for all that it needs to know of the keyboard.
+    const xcb_keycode_t key = outside->KeyOf('a');
+    outside->Key(key, true);
+    outside->Key(key, false);
+    ASSERT_TRUE(Pump([&] { return window.heard.find("keyup") != std::string::npos; })) << window.heard;
     server->Stop();
     std::chrono::milliseconds longest{0};
     const bool ended = Pump([&] {
