@@ -49,7 +49,7 @@ private:
         Surface() = default;
         Surface(const Surface&) = delete;
         Surface& operator=(const Surface&) = delete;
-        // What is held, and the steps of CKXBitmapHandle on it.
+        // The surface that is held, and the steps of CKXBitmapHandle on it.
         ~Surface();
         void CreateBitmapDC();
         void DeleteBitmapDC();

@@ -24,7 +24,7 @@ public:
     // window nothing is seen.
     void ShowTipWnd(const CString& strText, unsigned long dwShowTime);
 
-    // What the tip does with its messages; the message map calls them.
+    // The message map calls these for the tip's messages.
     void OnPaint();
     int OnEraseBkgnd(CDC* pDC);
     void OnShowWindow(int bShow, unsigned int nStatus);

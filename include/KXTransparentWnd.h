@@ -17,7 +17,7 @@ public:
     // Ends the window.
     ~CKXTransparentWnd() override;
 
-    // What the window does with its messages; the message map calls them.
+    // The message map calls these for the window's messages.
     void OnPaint();
     void OnShowWindow(int bShow, unsigned int nStatus);
 

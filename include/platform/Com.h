@@ -8,7 +8,7 @@
 #include "Types.h"
 #include "Unknown.h"
 
-// Where an object may be made: anywhere.
+// An object may be made anywhere.
 inline constexpr DWORD CLSCTX_ALL = 23;
 
 // What CoCreateInstance fails with.

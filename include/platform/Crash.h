@@ -48,7 +48,7 @@ struct CONTEXT
     const void* pUserContext; // a ucontext_t: registers and signal mask
 };
 
-// What a filter is given: the reason and the state.
+// A filter is given the reason and the state.
 struct _EXCEPTION_POINTERS
 {
     // Why, and the thread's state.

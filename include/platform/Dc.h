@@ -41,7 +41,7 @@ public:
     int SelectObject(CRgn* pRgn);
     CGdiObject* SelectStockObject(int nIndex);
 
-    // As the platform's operations of these names: give the value before.
+    // These do as the platform's operations of their names, and give the value before.
     COLORREF SetTextColor(COLORREF clr) { return ::SetTextColor(m_hDC, clr); }
     COLORREF GetTextColor() const { return ::GetTextColor(m_hDC); }
     COLORREF SetBkColor(COLORREF clr) { return ::SetBkColor(m_hDC, clr); }
@@ -59,7 +59,7 @@ public:
     {
         return ::Rectangle(m_hDC, pRect->left, pRect->top, pRect->right, pRect->bottom);
     }
-    // As the platform's operations of these names, on this surface.
+    // These do as the platform's operations of their names, on this surface.
     int Rectangle(int nLeft, int nTop, int nRight, int nBottom)
     {
         return ::Rectangle(m_hDC, nLeft, nTop, nRight, nBottom);
@@ -77,7 +77,7 @@ public:
     int TransparentBlt(int x, int y, int cx, int cy, CDC* pSrc, int xSrc, int ySrc, int cxSrc, int cySrc,
                        UINT clrKey);
 
-    // As the platform's operations of these names, on this surface.
+    // These do as the platform's operations of their names, on this surface.
     int GetClipBox(RECT* pRect) const { return ::GetClipBox(m_hDC, pRect); }
     int SelectClipRgn(CRgn* pRgn);
 

@@ -51,7 +51,7 @@ public:
 class KX_API CFileException : public CException
 {
 public:
-    // What kept a file from being opened, read or written.
+    // The cause that kept a file from being opened, read or written.
     enum Cause
     {
         none = 0,

@@ -29,7 +29,7 @@ public:
         typeText = 0x4000,
         typeBinary = 0x8000,
     };
-    // What a position is counted from.
+    // A position is counted from one of these.
     enum SeekPosition
     {
         begin = 0,

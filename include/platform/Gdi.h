@@ -125,7 +125,7 @@ struct RGBQUAD
     BYTE rgbReserved;
 };
 
-// What pixels look like in memory or in a file.
+// This describes pixels in memory or in a file.
 struct BITMAPINFOHEADER
 {
     // This record's size; width and height in pixels, a negative height for rows from the top; 1; bits a

@@ -129,7 +129,7 @@ private:
     mutable Status m_lastResult = Ok;
 };
 
-// What areas are filled with.
+// A brush fills areas.
 class KX_API Brush
 {
 public:

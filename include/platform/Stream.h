@@ -43,7 +43,7 @@ struct ULARGE_INTEGER
     std::uint64_t QuadPart;
 };
 
-// What a position is counted from: the beginning, where one is, the end.
+// A position is counted from the beginning, from where one is, or from the end.
 inline constexpr DWORD STREAM_SEEK_SET = 0;
 inline constexpr DWORD STREAM_SEEK_CUR = 1;
 inline constexpr DWORD STREAM_SEEK_END = 2;
