@@ -85,15 +85,13 @@ int CKXGdiplusImage::Load(const char* pszPath)
             kx::debug::Tell("picture", "%s can't be opened; there is no new picture", pszPath ? pszPath : "");
             return 0;
         }
+        const kx::debug::StreamName name(pszPath);
         std::array<BYTE, 16> head;
         const std::size_t nHead = file.Read(head.data(), head.size());
-        if (!IsPicture(head.data(), nHead)) {
-            kx::debug::Tell("picture", "%s is no picture of a known format; the picture stays empty",
-                            pszPath);
-            const kx::debug::Quiet quiet;
-            return Load(head.data(), nHead); // there is no need of the rest
-        }
+        if (!IsPicture(head.data(), nHead)) return Load(head.data(), nHead); // there is no need of the rest
         const std::uint64_t nLength = file.GetLength();
+        if (nLength > Gdiplus::MAX_IMAGE_BYTES)
+            kx::debug::Tell("picture", "%s is refused: it is too large; there is no new picture", pszPath);
         if (nLength > Gdiplus::MAX_IMAGE_BYTES || nLength < nHead) return 0;
         const auto pData = std::make_unique_for_overwrite<BYTE[]>(nLength);
         std::copy_n(head.data(), nHead, pData.get());

@@ -30,4 +30,19 @@ public:
     ~Quiet();
 };
 
+// Names the file that the bytes of a stream come from, for what this thread's diagnostics say of the stream.
+// Keeps the pointer.
+class KX_API StreamName
+{
+public:
+    explicit StreamName(const char* pszFile) noexcept;
+    StreamName(const StreamName&) = delete;
+    StreamName& operator=(const StreamName&) = delete;
+    ~StreamName();
+    static const char* Get() noexcept; // "a stream" where none has a name
+
+private:
+    const char* const m_pszBefore;
+};
+
 } // namespace kx::debug

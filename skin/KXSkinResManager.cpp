@@ -9,6 +9,7 @@
 #include "skin/SkinCheck.h"
 
 #include <new>
+#include <optional>
 
 namespace {
 
@@ -104,12 +105,17 @@ int CKXSkinResManager::LoadSkinResources()
 try {
     const CString strFile = m_strCurrentSkinPath + "Skin.ini";
     const kx::profile::IniSnapshot snapshot; // all values from one state of the file
-    m_WndRes.LoadRes(m_strCurrentSkinPath + "Common\\Window\\", strFile);
-    m_BtnRes.LoadRes(m_strCurrentSkinPath + "Common\\Button\\", strFile);
-    m_IMLRes.LoadRes(m_strCurrentSkinPath + "Common\\IMList\\", strFile);
-    m_OthRes.LoadRes(m_strCurrentSkinPath + "Common\\Others\\", strFile);
-    m_ClrDef.ReadColors(strFile);
-    if (kx::debug::Wants("skin")) kx::skin::CheckSkin(m_strCurrentSkinPath, TellFinding);
+    const bool bTell = kx::debug::Wants("skin");
+    {
+        std::optional<kx::debug::Quiet> quiet;
+        if (bTell) quiet.emplace(); // the check tells of each file, and once
+        m_WndRes.LoadRes(m_strCurrentSkinPath + "Common\\Window\\", strFile);
+        m_BtnRes.LoadRes(m_strCurrentSkinPath + "Common\\Button\\", strFile);
+        m_IMLRes.LoadRes(m_strCurrentSkinPath + "Common\\IMList\\", strFile);
+        m_OthRes.LoadRes(m_strCurrentSkinPath + "Common\\Others\\", strFile);
+        m_ClrDef.ReadColors(strFile);
+    }
+    if (bTell) kx::skin::CheckSkin(m_strCurrentSkinPath, TellFinding);
     return 1;
 } catch (const std::bad_alloc&) {
     AfxThrowMemoryException();

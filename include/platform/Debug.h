@@ -10,6 +10,6 @@
 //
 // The library sends diagnostics there as well, a line for each quiet fallback: what was looked for, where,
 // and what was taken instead. A line begins with its family: skin, language, picture, xml, http, log,
-// gdiplus, com, window, module, service. KX_DEBUG=1 prints them all, a list of families, as in
+// window, module, service. KX_DEBUG=1 prints them all, a list of families, as in
 // KX_DEBUG=skin,language, their lines and nothing else. An observer hears them if it asked for them.
 KX_API void OutputDebugStringA(const char* pszText);

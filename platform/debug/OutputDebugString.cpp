@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <string_view>
 #include <unistd.h>
+#include <utility>
 
 using kx::debug::Kind;
 
@@ -98,6 +99,7 @@ private:
 };
 
 thread_local int t_nQuiet = 0;
+thread_local const char* t_pszStream = "a stream";
 
 } // namespace
 
@@ -118,6 +120,21 @@ kx::debug::Quiet::Quiet() noexcept
 kx::debug::Quiet::~Quiet()
 {
     --t_nQuiet;
+}
+
+kx::debug::StreamName::StreamName(const char* pszFile) noexcept
+    : m_pszBefore(std::exchange(t_pszStream, pszFile))
+{
+}
+
+kx::debug::StreamName::~StreamName()
+{
+    t_pszStream = m_pszBefore;
+}
+
+const char* kx::debug::StreamName::Get() noexcept
+{
+    return t_pszStream;
 }
 
 bool kx::debug::Wants(std::string_view family) noexcept

@@ -134,7 +134,7 @@ GpStatus FromStream(IStream* pStream, Result** ppImage) noexcept
         kx::gdi::NoteRefusal("");
         GpStatus status = ReadWhole(*pStream, file);
         if (status == Ok) status = FromBytes(file, Refer(pStream), ppImage);
-        return kx::debug::Wants("picture") ? Told(status, "a stream") : status;
+        return kx::debug::Wants("picture") ? Told(status, kx::debug::StreamName::Get()) : status;
     });
 }
 

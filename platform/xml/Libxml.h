@@ -5,6 +5,9 @@
 #include <libxml/tree.h>
 #include <libxml/xmlerror.h>
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <memory>
 #include <new>
 #include <string_view>
@@ -56,6 +59,10 @@ public:
     }
 
     bool NoMemory() const noexcept { return m_bNoMemory; }
+    // The first fault that ends a document, what follows being often its consequence alone: the beginning of
+    // its text, empty for none, and its line, 0 where it has none.
+    const char* Fault() const noexcept { return m_nFaultLine < 0 ? "" : m_fault.data(); }
+    int FaultLine() const noexcept { return std::max(m_nFaultLine, 0); }
     void ThrowIfNoMemory() const
     {
         if (m_bNoMemory) throw std::bad_alloc();
@@ -83,12 +90,20 @@ private:
             complaints.m_nLast == XML_ERR_ATTRIBUTE_NOT_FINISHED || what.find("huge") != what.npos;
         if (error->code == XML_ERR_NO_MEMORY && !bLimit) complaints.m_bNoMemory = true;
         complaints.m_nLast = error->code;
+        if (error->level != XML_ERR_FATAL || complaints.m_nFaultLine >= 0) return;
+        complaints.m_nFaultLine = std::max(error->line, 0);
+        complaints.m_fault[what.substr(0, what.find('\n')).copy(complaints.m_fault.data(), kMostOfFault)] =
+            '\0';
     }
     __attribute__((format(printf, 2, 3))) static void Ignore(void*, const char*, ...) {}
 
     const xmlStructuredErrorFunc m_structured;
     void* const m_context;
     const xmlGenericErrorFunc m_generic;
+    static constexpr std::size_t kMostOfFault = 199;
+
+    std::array<char, kMostOfFault + 1> m_fault;
+    int m_nFaultLine = -1;
     int m_nLast = XML_ERR_OK;
     bool m_bNoMemory = false;
 };

@@ -76,9 +76,9 @@ public:
         const bool bFull =
             xmlDictGetUsage(m_context->dict) > XML_MAX_DICTIONARY_LIMIT; // which it tells like that too
         if (complaints.NoMemory() && !bFull) throw std::bad_alloc();
-        if (complaints.NoMemory() || m_bRefused || IsTooMuch()) return Refused(true);
-        if (!doc || !m_context->wellFormed || m_context->disableSAX) return Refused(false);
-        if (doc->intSubset && !HasRoom(doc.get())) return Refused(true);
+        if (complaints.NoMemory() || m_bRefused || IsTooMuch()) return Refused();
+        if (!doc || !m_context->wellFormed || m_context->disableSAX) return Refused(&complaints);
+        if (doc->intSubset && !HasRoom(doc.get())) return Refused();
         ForgetIds(doc.get());
         if (doc->dict) xmlDictSetLimit(doc->dict, 0); // a full one gives null to what changes the tree
         xmlFree(const_cast<xmlChar*>(doc->encoding));
@@ -91,16 +91,15 @@ public:
     bool HasRightPrefixes() const noexcept { return m_context->nsWellFormed != 0; }
 
 private:
-    // What a refused document gives; tells who listens why.
-    Ref<Tree> Refused(bool bLimit) const noexcept
+    // What a refused document gives; tells who listens why. Without complaints it goes beyond a limit.
+    Ref<Tree> Refused(const Complaints* complaints = nullptr) const noexcept
     {
-        if (!debug::Wants("xml")) return {};
-        const xmlError& error = m_context->lastError;
-        std::string_view reason = bLimit ? "it goes beyond a limit" : "it isn't well-formed";
-        if (!bLimit && error.message) reason = error.message;
-        reason = reason.substr(0, reason.find('\n'));
-        debug::Tell("xml", "%s is refused at line %d: %.*s; the document stays empty", m_pszName, error.line,
-                    static_cast<int>(reason.size()), reason.data());
+        if (complaints && *complaints->Fault())
+            debug::Tell("xml", "%s is refused at line %d: %s; the document stays empty", m_pszName,
+                        complaints->FaultLine(), complaints->Fault());
+        else
+            debug::Tell("xml", "%s is refused: %s; the document stays empty", m_pszName,
+                        complaints ? "it isn't well-formed" : "it goes beyond a limit");
         return {};
     }
     static Parsing& Of(void* context) noexcept

@@ -68,6 +68,10 @@ TEST(Diagnostics, SayWhatWasLookedForAndWhatIsTakenInstead)
         {[] { LoadXml("<a>\n<b>"); },
          "xml: a text is refused at line 2: Premature end of data in tag b line 2; the document stays "
          "empty\n"},
+        {[] { LoadXml("<a>\n<b></c>\n</a></d>"); }, // not the last fault, which follows from the first
+         "xml: a text is refused at line 2: Opening and ending tag mismatch: b line 2 and c; the document "
+         "stays "
+         "empty\n"},
         {[] { LoadXml(("<a>" + std::string(300, '<') + "</a>").c_str()); },
          "xml: a text is refused at line 1: StartTag: invalid element name; the document stays empty\n"},
         {[] {
@@ -76,7 +80,7 @@ TEST(Diagnostics, SayWhatWasLookedForAndWhatIsTakenInstead)
                  xml += "<a>";
              LoadXml(xml.c_str());
          },
-         "xml: a text is refused at line 0: it goes beyond a limit; the document stays empty\n"},
+         "xml: a text is refused: it goes beyond a limit; the document stays empty\n"},
         {[] {
              const test::Com com;
              CKXXmlDomDocument().Load("C:\\none.xml");
@@ -94,10 +98,14 @@ TEST(Diagnostics, SayWhatWasLookedForAndWhatIsTakenInstead)
          about("picture: " + strText,
                " is refused: it is no picture of a known format; the picture stays empty\n")},
         {[&] { LoadPicture(strText); },
-         about("picture: " + strText, " is no picture of a known format; the picture stays empty\n")},
+         about("picture: " + strText,
+               " is refused: it is no picture of a known format; the picture stays empty\n")},
         {[&] { LoadPicture(strBmp); }, ""}, // nor is a look at its head told of
         {[&] { LoadFile(strPng); },
          about("picture: " + strPng, " is refused: its content is damaged; the picture stays empty\n")},
+        {[&] { LoadPicture(strJpeg); },
+         about("picture: " + strJpeg,
+               " is refused: JPEG datastream contains no image; the picture stays empty\n")},
         {[&] { LoadFile(strJpeg); },
          about("picture: " + strJpeg,
                " is refused: JPEG datastream contains no image; the picture stays empty\n")},
