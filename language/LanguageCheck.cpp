@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdint>
 #include <new>
 #include <string>
 #include <unordered_map>
@@ -16,6 +17,7 @@ namespace kx::language {
 namespace {
 
 constexpr std::string_view kMark = "\xEF\xBB\xBF";
+constexpr std::uint64_t kMostBytes = 64 << 20;
 constexpr char16_t kNoCharacter = u'\xFFFD';
 
 // White space is ASCII and never the second byte of a letter.
@@ -66,6 +68,11 @@ public:
         if (!file.Open(m_strData, CFile::modeRead | CFile::shareDenyNone)) {
             m_sink({Severity::Error, "language.no-data", m_strData, 0, 0,
                     "can't be read: every text is its key"});
+            return false;
+        }
+        if (file.GetLength() > kMostBytes) {
+            m_sink({Severity::Error, "language.too-large", m_strData, 0, 0,
+                    "is larger than 64 MiB and wasn't looked at"});
             return false;
         }
         CString strLine;

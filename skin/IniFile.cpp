@@ -5,6 +5,7 @@
 #include "platform/StdioFile.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
 #include <string_view>
 #include <utility>
@@ -14,6 +15,7 @@ namespace kx::skin {
 namespace {
 
 constexpr std::size_t kMostLines = 100'000;
+constexpr std::uint64_t kMostBytes = 16 << 20; // of INI files that are read
 constexpr std::string_view kMark = "\xEF\xBB\xBF";
 
 // A piece of a line, with its place there.
@@ -50,13 +52,16 @@ int ColumnOf(std::string_view line, std::size_t at)
 
 } // namespace
 
-bool ReadIniLines(const CString& strFile, std::vector<IniLine>& lines)
+bool ReadIniLines(const CString& strFile, std::vector<IniLine>& lines, bool& bAll)
 try {
     CStdioFile file;
     if (!file.Open(strFile, CFile::modeRead | CFile::shareDenyNone)) return false;
+    if (file.GetLength() > kMostBytes) return false;
     CString strSection;
     CString strLine;
-    for (int nLine = 1; lines.size() < kMostLines && file.ReadString(strLine); ++nLine) {
+    for (int nLine = 1; file.ReadString(strLine); ++nLine) {
+        bAll = lines.size() < kMostLines;
+        if (!bAll) break;
         const std::string_view all = strLine;
         const bool bMark = nLine == 1 && all.starts_with(kMark);
         const Piece line = Piece{all, 0}.Part(bMark ? kMark.size() : 0).Trimmed();

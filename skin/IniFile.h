@@ -20,8 +20,9 @@ struct IniLine
     bool bAssigns = false;
 };
 
-// The file's lines as they stand; nothing, and false, for a file that can't be read. Throws nothing but for
-// lack of memory.
-bool ReadIniLines(const CString& strFile, std::vector<IniLine>& lines);
+// The file's lines as they stand, of which `bAll` is false where only the first 100,000 came; nothing, and
+// false, for a file that can't be read or is larger than INI files may be. Throws nothing but for lack of
+// memory.
+bool ReadIniLines(const CString& strFile, std::vector<IniLine>& lines, bool& bAll);
 
 } // namespace kx::skin

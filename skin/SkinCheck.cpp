@@ -3,7 +3,10 @@
 #include "KXBitmap.h"
 #include "KXFileSystem.h"
 #include "KXGdiplusImage.h"
+#include "KXIniDataMgr.h"
 #include "KXNum.h"
+#include "KXSkinWndRes.h"
+#include "internal/Debug.h"
 #include "platform/Exception.h"
 #include "platform/FileSystem.h"
 #include "platform/Gdi.h"
@@ -72,6 +75,14 @@ private:
     const char* m_pszBest = nullptr;
 };
 
+// Loads something of which the check tells itself.
+template <class Load>
+auto Quietly(Load load)
+{
+    const debug::Quiet quiet;
+    return load();
+}
+
 class Checker
 {
 public:
@@ -132,7 +143,8 @@ private:
 
 void Checker::CheckIni()
 {
-    if (!ReadIniLines(m_strIni, m_lines)) {
+    bool bAll = true;
+    if (!ReadIniLines(m_strIni, m_lines, bAll)) {
         Tell(Severity::Error, "skin.no-ini", m_strIni,
              "can't be read: a directory without it is no skin, and every key takes its default");
         return;
@@ -142,6 +154,9 @@ void Checker::CheckIni()
             CheckSection(line);
         else
             CheckKey(line);
+    if (!bAll)
+        Tell(Severity::Warning, "skin.too-much", m_strIni, "is too long: only its first lines were looked at",
+             m_lines.back().nLine);
 }
 
 void Checker::CheckSection(const IniLine& line)
@@ -260,7 +275,9 @@ void Checker::CheckNumber(const IniLine& line, const SkinKey& key)
     const auto result = std::from_chars(text.data(), text.data() + text.size(), n);
     CString strText;
     if (result.ec == std::errc::result_out_of_range) {
-        strText.Format("\"%s\" is beyond the numbers there are", line.strValue.Left(40).GetString());
+        strText.Format("\"%s\" is beyond the numbers there are; %d is taken",
+                       line.strValue.Left(40).GetString(),
+                       CKXIniDataMgr::GetInteger(m_strIni, key.pszSection, key.pszKey, 0));
         TellOfValue(line, Severity::Error, "skin.bad-number", strText);
     } else if (result.ec != std::errc()) {
         strText.Format("\"%s\" is no number; 0 is taken", line.strValue.Left(40).GetString());
@@ -283,8 +300,13 @@ void Checker::CheckPoints(const IniLine& line)
         int x = 0, y = 0, nEnd = 0;
         if (std::sscanf(strPoint, " %9d , %9d %n", &x, &y, &nEnd) == 2 && nEnd == strPoint.GetLength())
             continue;
-        CString strText;
-        strText.Format("\"%s\" is no point, as in 0,5|1,3", strPoint.Left(40).GetString());
+        std::vector<CPoint> taken;
+        CKXSkinWndRes().ParsePathPoint(strPoint, taken);
+        CString strText, strTaken = "it is passed over";
+        if (!taken.empty())
+            strTaken.Format("%d,%d is taken", static_cast<int>(taken[0].x), static_cast<int>(taken[0].y));
+        strText.Format("\"%s\" is no point, as in 0,5|1,3; %s", strPoint.Left(40).GetString(),
+                       strTaken.GetString());
         TellOfValue(line, Severity::Error, "skin.bad-point", strText);
     }
 }
@@ -300,11 +322,12 @@ void Checker::CheckFile(const SkinFile& file)
     }
     if (file.kind == FileKind::Bitmap) return CheckBitmap(file, strPath);
     if (file.kind == FileKind::Icon) {
-        const HANDLE hIcon = LoadImageA(nullptr, strPath, IMAGE_ICON, file.cx, file.cy, LR_LOADFROMFILE);
-        if (!hIcon)
-            Tell(Severity::Error, "skin.no-icon", strPath, "is no icon: nothing is drawn where it is needed");
-        else
+        const HANDLE hIcon = Quietly(
+            [&] { return LoadImageA(nullptr, strPath, IMAGE_ICON, file.cx, file.cy, LR_LOADFROMFILE); });
+        if (hIcon)
             DestroyIcon(static_cast<HICON>(hIcon));
+        else
+            Tell(Severity::Error, "skin.no-icon", strPath, "is no icon: nothing is drawn where it is needed");
         return;
     }
     CKXGdiplusImage image;
@@ -316,7 +339,7 @@ void Checker::CheckFile(const SkinFile& file)
 void Checker::CheckBitmap(const SkinFile& file, const CString& strPath)
 {
     CKXBitmap bitmap;
-    if (!bitmap.LoadBitmapA(strPath)) {
+    if (!Quietly([&] { return bitmap.LoadBitmapA(strPath); })) {
         Tell(Severity::Error, "skin.no-bitmap", strPath,
              "is no BMP file that can be read: nothing is drawn where it is needed");
         return;
@@ -369,7 +392,12 @@ void Checker::CheckEntries(const CString& strBelow)
     do {
         const CString strName = data.cFileName;
         if (strName == "." || strName == "..") continue;
-        if (++m_nEntries > kMostEntries) break;
+        if (++m_nEntries > kMostEntries) {
+            CString strText;
+            strText.Format("has more than %d entries: the others weren't looked at", kMostEntries);
+            Tell(Severity::Warning, "skin.too-much", m_strDir, strText);
+            break;
+        }
         const auto [other, bNew] = names.emplace(CString(strName).MakeLower(), strName);
         if (!bNew)
             Tell(Severity::Warning, "skin.case", m_strDir + strBelow + strName,

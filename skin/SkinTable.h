@@ -91,7 +91,7 @@ inline constexpr SkinKey kKeys[] = {
     {"COLOR", "TextColor", ValueKind::Color, "RGB(0,0,0)", "text"},
     {"COLOR", "TitleColor", ValueKind::Color, kWhite, "the text in the title"},
     {"COLOR", "MainTabClient", ValueKind::Color, kWhite, "the page below the main tabs"},
-    {"COLOR", "MainTabBkg", ValueKind::Color, kWhite, "the strip behind the main tabs"},
+    {"COLOR", "MainTabBkg", ValueKind::Color, kWhite, "the column of sections beside it"},
     {"COLOR", "MainTabBorderLine", ValueKind::Color, kBlue, "the line around that page"},
     {"COLOR", "TabBorderLine", ValueKind::Color, kBlue, "the line around a tab's page"},
     {"COLOR", "CommonBorderLine", ValueKind::Color, kBlue, "the line around fields and lists"},

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
+#include <platform/CodePage.h>
 #include <platform/Host.h>
 #include <tuple>
 #include <unistd.h>
@@ -13,6 +14,17 @@
 namespace kx::tool {
 
 namespace {
+
+// A printable text as the inside of a JSON string.
+std::string JsonText(std::string_view text)
+{
+    std::string json;
+    for (const char ch : text) {
+        if (ch == '"' || ch == '\\') json += '\\';
+        json += ch == '\t' ? ' ' : ch;
+    }
+    return json;
+}
 
 // A path of the library as people write it, below the tree that was checked.
 std::string Shown(const CString& strFile, const std::string& strRoot)
@@ -43,20 +55,19 @@ const char* NameOf(Severity severity)
     }
 }
 
-std::string JsonText(std::string_view text)
+std::string Printable(std::string_view text)
 {
-    std::string json;
-    for (const char ch : text) {
-        if (ch == '"' || ch == '\\') json += '\\';
-        if (static_cast<unsigned char>(ch) >= ' ') {
-            json += ch;
-            continue;
-        }
-        std::array<char, 8> escape;
-        std::snprintf(escape.data(), escape.size(), "\\u%04x", static_cast<unsigned>(ch));
-        json += escape.data();
-    }
-    return json;
+    std::u16string wide(text.size(), u'\0'); // a byte never becomes more than one unit
+    const int nUnits = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
+                                           wide.data(), static_cast<int>(wide.size()));
+    std::string printable(3 * static_cast<std::size_t>(nUnits), '\0');
+    const int nBytes = WideCharToMultiByte(CP_UTF8, 0, wide.data(), nUnits, printable.data(),
+                                           static_cast<int>(printable.size()), nullptr, nullptr);
+    printable.resize(static_cast<std::size_t>(nBytes));
+    std::replace_if(
+        printable.begin(), printable.end(),
+        [](char ch) { return static_cast<unsigned char>(ch) < ' ' ? ch != '\t' : ch == '\x7F'; }, '?');
+    return printable;
 }
 
 FindingSink Findings::Sink()
@@ -78,8 +89,8 @@ int Findings::Print(const std::string& strRoot, bool bJson)
     std::array<std::size_t, 3> counts{};
     std::string out = bJson ? "{\"findings\":[" : "";
     for (const Finding& finding : m_all) {
-        const std::string file = Shown(finding.strFile, strRoot);
-        const std::string text = KXText::ToUtf8(finding.strText);
+        const std::string file = Printable(Shown(finding.strFile, strRoot));
+        const std::string text = Printable(KXText::ToUtf8(finding.strText));
         const char* const pszName = NameOf(finding.severity);
         if (bJson) {
             if (out.back() == '}') out += ',';
@@ -102,7 +113,8 @@ int Findings::Print(const std::string& strRoot, bool bJson)
         out += std::to_string(nErrors) + " error" + Plural(nErrors) + ", " + std::to_string(nWarnings) +
                " warning" + Plural(nWarnings) + ", " + std::to_string(nNotes) + " note" + Plural(nNotes) +
                "\n";
-    std::fwrite(out.data(), 1, out.size(), stdout);
+    if (std::fwrite(out.data(), 1, out.size(), stdout) != out.size() || std::fflush(stdout) != 0)
+        return Complain("the findings can't be written");
     return nErrors + nWarnings > 0 ? Found : Clean;
 }
 
@@ -119,7 +131,7 @@ Progress::~Progress()
 void Progress::At(const std::string& what)
 {
     if (!m_bTerminal || Clock::now() < m_next) return;
-    std::fprintf(stderr, "\r\033[K%.70s", what.c_str());
+    std::fprintf(stderr, "\r\033[K%.70s", Printable(what).c_str());
     m_bWritten = true;
     m_next = Clock::now() + std::chrono::milliseconds(100);
 }

@@ -56,8 +56,9 @@ private:
 
 // "error", "warning" or "note".
 const char* NameOf(Severity severity);
-// A text as the inside of a JSON string.
-std::string JsonText(std::string_view text);
+// A text of any bytes as UTF-8 that a terminal shows: control characters become "?", and what is no UTF-8
+// U+FFFD.
+std::string Printable(std::string_view text);
 
 // The library's path of a Linux path, which may be relative; empty where it has none. With `bDirectory` it
 // ends in a backslash.

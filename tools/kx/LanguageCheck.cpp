@@ -42,7 +42,7 @@ std::vector<Language> ReadLanguages(const std::string& dir, const FindingSink& s
 
 std::vector<Placeholder> PlaceholdersOf(std::string_view text)
 {
-    constexpr std::string_view kFlags = "-+ #0123456789.*'";
+    constexpr std::string_view kFlags = "-+#0123456789.*'$"; // no blank: "100% of" is a text
     constexpr std::string_view kLengths = "hlLqjzt";
     constexpr std::string_view kKinds = "diouxXeEfFgGaAcspn";
     std::vector<Placeholder> found;
@@ -55,9 +55,10 @@ std::vector<Placeholder> PlaceholdersOf(std::string_view text)
         const bool bKind = end < text.size() && kKinds.find(text[end]) != kKinds.npos;
         const bool bPercent = end < text.size() && text[end] == '%' && end == at + 1;
         if (bKind) {
-            std::string kind;
-            for (const char ch :
-                 text.substr(at + 1, end - at)) // sizes and flags may differ, what is passed may not
+            const std::string_view all = text.substr(at + 1, end - at);
+            const std::size_t nNumber = all.find('$') + 1; // "1$", which argument it is; 0 without
+            std::string kind(all.substr(0, nNumber));
+            for (const char ch : all.substr(nNumber)) // sizes and flags may differ, what is passed may not
                 if (ch == '*' || kLengths.find(ch) != kLengths.npos || kKinds.find(ch) != kKinds.npos)
                     kind += ch;
             found.push_back({at, end + 1 - at, kind});
@@ -69,11 +70,21 @@ std::vector<Placeholder> PlaceholdersOf(std::string_view text)
 
 namespace {
 
-std::string Listed(const std::vector<Placeholder>& placeholders)
+// The kinds of what is passed, in that order, which numbers may make another one than the text's.
+std::vector<std::string> PassedTo(const CString& strText)
+{
+    std::vector<std::string> kinds;
+    for (const Placeholder& one : PlaceholdersOf(strText))
+        kinds.push_back(one.kind);
+    if (!kinds.empty() && kinds[0].find('$') != std::string::npos) std::sort(kinds.begin(), kinds.end());
+    return kinds;
+}
+
+std::string Listed(const std::vector<std::string>& kinds)
 {
     std::string list;
-    for (const Placeholder& one : placeholders)
-        list += (list.empty() ? "%" : " %") + one.kind;
+    for (const std::string& kind : kinds)
+        list += (list.empty() ? "%" : " %") + kind;
     return list.empty() ? "none" : list;
 }
 
@@ -126,11 +137,9 @@ private:
         if (base.strValue == text.strValue && HasLetters(base.strValue))
             Tell(Severity::Note, "language.untranslated", strData, text,
                  "key " + text.strKey + " has the text of " + CString(m_base.id.c_str()));
-        const auto ours = PlaceholdersOf(base.strValue);
-        const auto theirs = PlaceholdersOf(text.strValue);
-        if (std::equal(ours.begin(), ours.end(), theirs.begin(), theirs.end(),
-                       [](const Placeholder& a, const Placeholder& b) { return a.kind == b.kind; }))
-            return;
+        const auto ours = PassedTo(base.strValue);
+        const auto theirs = PassedTo(text.strValue);
+        if (ours == theirs) return;
         Tell(Severity::Error, "language.placeholders", strData, text,
              "key " + text.strKey + " has the placeholders " + CString(Listed(theirs)) + ", and " +
                  CString(Listed(ours)) + " in " + CString(m_base.id.c_str()));

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <platform/StdioFile.h>
 
 namespace kx::tool {
 
@@ -80,10 +81,19 @@ int Make(Arguments& arguments, const char* pszUsage, const CString& strSuffix,
     const auto base = std::find_if(languages.begin(), languages.end(),
                                    [&](const Language& one) { return one.id == *from; });
     if (base == languages.end()) return Complain("there is no language " + *from + " below " + *dir);
+    if (base->texts.empty()) return Complain(*from + " has no texts");
+    CStdioFile lines;
+    if (!lines.Open(base->strDir + "Data.txt", CFile::modeRead | CFile::shareDenyNone))
+        return Complain(*from + " can't be read");
+    auto text = base->texts.begin();
     std::string data;
-    for (const language::Text& text : base->texts) {
-        data.append(text.strKey).append(" = ");
-        data.append(change(text.strValue)).append("\r\n");
+    CString strLine;
+    for (int nLine = 1; lines.ReadString(strLine); ++nLine) {
+        if (text != base->texts.end() && nLine == text->nLine) {
+            strLine = text->strKey + " = " + change(text->strValue);
+            ++text;
+        }
+        data.append(strLine.TrimRight()).append("\r\n");
     }
     const std::string name(KXText::FromUtf8(*id) + strSuffix);
     fs::create_directory(target, error);

@@ -24,7 +24,7 @@ struct Placeholder
 {
     std::size_t at = 0;
     std::size_t length = 0;
-    std::string kind; // without what may differ between languages: "ld" of "%-8ld"
+    std::string kind; // without what may differ between languages: "ld" of "%-8ld", "1$s" of "%1$5s"
 };
 
 std::vector<Placeholder> PlaceholdersOf(std::string_view text);

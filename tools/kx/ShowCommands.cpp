@@ -4,16 +4,16 @@
 #include "tools/kx/Findings.h"
 
 #include <KXText.h>
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <poll.h>
+#include <memory>
 #include <string>
 #include <sys/inotify.h>
+#include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace kx::tool {
@@ -55,20 +55,93 @@ private:
 
 void Print(std::string_view line, int nLevel, bool bColor)
 {
-    const std::string text = KXText::ToUtf8(line);
+    const std::string text = bColor ? Printable(KXText::ToUtf8(line)) : KXText::ToUtf8(line);
     const char* const pszColor = !bColor ? "" : nLevel >= 2 ? "\033[31m" : nLevel == 1 ? "" : "\033[2m";
     const char* const pszEnd = *pszColor ? "\033[0m" : "";
     std::printf("%s%s%s\n", pszColor, text.c_str(), pszEnd);
 }
 
-// Waits until something happens to the file. False where that can't be waited for.
-bool AwaitChange(int fd)
+// A log that is read line by line, also while it grows.
+class Log
 {
-    pollfd waiting{fd, POLLIN, 0};
-    if (poll(&waiting, 1, -1) < 0) return false;
-    char buffer[4096];
-    return read(fd, buffer, sizeof(buffer)) > 0;
-}
+public:
+    Log(const std::string& path, bool bFollow)
+        : m_path(path), m_watch(bFollow ? inotify_init1(IN_CLOEXEC) : -1)
+    {
+    }
+    Log(const Log&) = delete;
+    Log& operator=(const Log&) = delete;
+    ~Log()
+    {
+        if (m_watch >= 0) close(m_watch);
+    }
+
+    // Begins with the file that has the name now. False where none can be read.
+    bool Open()
+    {
+        // A file whose name is taken away isn't gone while it is open here: that is a change of its
+        // attributes.
+        constexpr std::uint32_t kWhat = IN_MODIFY | IN_ATTRIB | IN_MOVE_SELF;
+        m_file.reset(std::fopen(m_path.c_str(), "re"));
+        if (!m_file || fstat(fileno(m_file.get()), &m_opened) != 0 || S_ISDIR(m_opened.st_mode)) return false;
+        if (m_watch >= 0) inotify_add_watch(m_watch, m_path.c_str(), kWhat);
+        m_nRead = 0;
+        m_bGone = false;
+        return true;
+    }
+
+    // The next line that is whole. Of one that is longer than anybody writes, each part counts as a line.
+    bool Next(std::string& line)
+    {
+        for (int ch = 0; m_part.size() < kMostLine && (ch = std::getc(m_file.get())) != EOF;) {
+            ++m_nRead;
+            if (ch == '\n') return line = std::exchange(m_part, {}), true;
+            m_part += static_cast<char>(ch);
+        }
+        if (m_part.size() < kMostLine) return false;
+        line = std::exchange(m_part, {});
+        return true;
+    }
+    // What no line end has followed.
+    const std::string& Part() const { return m_part; }
+
+    // Waits until there may be more. False once the file has lost its name to none other.
+    bool AwaitMore()
+    {
+        std::clearerr(m_file.get());
+        if (m_bGone) return Open(); // what was left of the file before has been read
+        char events[4096];
+        if (read(m_watch, events, sizeof(events)) <= 0) return false;
+        struct stat now
+        {
+        };
+        m_bGone =
+            stat(m_path.c_str(), &now) != 0 || now.st_ino != m_opened.st_ino || now.st_dev != m_opened.st_dev;
+        if (m_bGone || now.st_size >= m_nRead) return true;
+        std::rewind(m_file.get()); // the log was begun anew
+        m_nRead = 0;
+        m_part.clear();
+        return true;
+    }
+
+private:
+    static constexpr std::size_t kMostLine = 1 << 20;
+
+    struct Close
+    {
+        void operator()(FILE* pFile) const noexcept { std::fclose(pFile); }
+    };
+
+    const std::string m_path;
+    const int m_watch;
+    std::unique_ptr<FILE, Close> m_file;
+    struct stat m_opened
+    {
+    };
+    off_t m_nRead = 0;
+    bool m_bGone = false; // the name is another's, or nobody's
+    std::string m_part;
+};
 
 } // namespace
 
@@ -79,34 +152,20 @@ int ShowLog(Arguments& arguments)
     const auto match = arguments.Value("--match");
     const auto path = arguments.Word();
     if (!path || !arguments.Rest().empty()) return Misused("kx log FILE [-f] [--level N] [--match TEXT]");
-    std::ifstream file(*path, std::ios::binary);
-    if (!file || fs::is_directory(*path)) return Complain("there is no log " + *path);
-    const int watch = bFollow ? inotify_init1(IN_CLOEXEC) : -1;
-    if (bFollow) inotify_add_watch(watch, path->c_str(), IN_MODIFY | IN_DELETE_SELF | IN_MOVE_SELF);
+    Log log(*path, bFollow);
+    if (!log.Open()) return Complain("there is no log " + *path);
     Filter filter(level ? std::atoi(level->c_str()) : 0, match ? std::string(KXText::FromUtf8(*match)) : "");
     const bool bColor = isatty(STDOUT_FILENO) != 0 && !std::getenv("NO_COLOR");
-    std::string line, part;
-    std::streamoff at = 0;
-    for (;;) {
-        while (std::getline(file, part)) {
-            line += part;
-            if (file.eof()) break; // not whole yet
-            at = file.tellg();
-            if (filter.Shows(line)) Print(line, filter.Level(), bColor);
-            line.clear();
-        }
+    const auto show = [&](std::string_view line) {
+        if (filter.Shows(line)) Print(line, filter.Level(), bColor);
+    };
+    std::string line;
+    do {
+        while (!std::ferror(stdout) && log.Next(line))
+            show(line);
         std::fflush(stdout);
-        if (!bFollow || ferror(stdout) || !AwaitChange(watch)) break;
-        std::error_code error;
-        const auto nSize = fs::file_size(*path, error);
-        if (error) break;
-        if (nSize < static_cast<std::uintmax_t>(at)) at = 0; // the log was begun anew
-        line.clear();
-        file.clear();
-        file.seekg(at);
-    }
-    if (!line.empty() && filter.Shows(line)) Print(line, filter.Level(), bColor);
-    if (watch >= 0) close(watch);
+    } while (bFollow && !std::ferror(stdout) && log.AwaitMore());
+    if (!log.Part().empty()) show(log.Part());
     return Clean;
 }
 
@@ -117,8 +176,8 @@ int ShowReport(Arguments& arguments)
     if (!path || !arguments.Rest().empty()) return Misused("kx report FILE [--no-gdb]");
     const fs::path text = fs::path(*path).replace_extension(".txt");
     const fs::path dump = fs::path(*path).replace_extension(".dmp");
+    if (!fs::is_regular_file(text)) return Complain("there is no report " + text.string());
     std::ifstream file(text, std::ios::binary);
-    if (!file || fs::is_directory(text)) return Complain("there is no report " + text.string());
     std::vector<char> block(64 << 10);
     while (file.read(block.data(), static_cast<std::streamsize>(block.size())) || file.gcount() > 0)
         std::fwrite(block.data(), 1, static_cast<std::size_t>(file.gcount()), stdout);

@@ -6,6 +6,7 @@
 #include "tools/kx/SkinSheet.h"
 
 #include <KXGdiplusBitmap.h>
+#include <KXText.h>
 #include <cstdio>
 #include <filesystem>
 
@@ -20,7 +21,14 @@ int CheckSkin(Arguments& arguments)
     const CString strDir = LibraryPath(*dir, true);
     if (strDir.IsEmpty()) return Complain("the path is too long: " + *dir);
     Findings findings;
-    skin::CheckSkin(strDir, findings.Sink());
+    {
+        Progress progress;
+        const FindingSink add = findings.Sink();
+        skin::CheckSkin(strDir, [&](const Finding& finding) {
+            progress.At("checking " + KXText::ToUtf8(finding.strFile));
+            add(finding);
+        });
+    }
     return findings.Print(std::filesystem::absolute(*dir).string(), bJson);
 }
 

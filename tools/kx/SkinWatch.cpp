@@ -5,6 +5,7 @@
 #include "tools/kx/Findings.h"
 #include "tools/kx/SkinSheet.h"
 
+#include <KXText.h>
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -48,15 +49,17 @@ public:
         bool bAny = false;
         while (m_fd >= 0 && read(m_fd, buffer, sizeof(buffer)) > 0)
             bAny = true;
-        if (bAny) WatchAll();
-        return bAny;
+        const bool bWasThere = m_bThere;
+        if (bAny || !bWasThere) WatchAll();
+        return bAny || m_bThere != bWasThere;
     }
 
 private:
-    void WatchAll() const
+    void WatchAll()
     {
-        constexpr std::uint32_t kWhat = IN_CLOSE_WRITE | IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
-        inotify_add_watch(m_fd, m_dir.c_str(), kWhat);
+        constexpr std::uint32_t kWhat =
+            IN_CLOSE_WRITE | IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_MOVE_SELF;
+        m_bThere = inotify_add_watch(m_fd, m_dir.c_str(), kWhat) >= 0;
         std::error_code error;
         int nLeft = 1000;
         for (fs::recursive_directory_iterator it(m_dir, error), end; !error && it != end && nLeft-- > 0;
@@ -66,6 +69,7 @@ private:
 
     const std::string m_dir;
     const int m_fd;
+    bool m_bThere = true; // some programs replace a whole directory
 };
 
 class CWatchWnd : public CWnd
@@ -145,6 +149,8 @@ private:
         });
         if (!bErrors || !m_sheet) m_sheet = std::make_unique<SkinSheet>(m_strDir);
         std::printf("%s\n", bErrors ? "the skin has errors: the sheet before stays" : "drawn");
+        for (const CString& strProblem : m_problems)
+            std::printf("  %s\n", Printable(KXText::ToUtf8(strProblem)).c_str());
         std::fflush(stdout);
     }
 

@@ -56,6 +56,10 @@ TEST_F(Languages, FindsWhatIsWrongInOne)
             expected.push_back("X/Data.txt" + finding);
         EXPECT_THAT(test::Kx(dir, "language check l").lines, ElementsAreArray(expected)) << c.data;
     }
+    std::filesystem::resize_file(dir.Path("l/X/Data.txt"), 1 << 30); // sparse
+    EXPECT_THAT(
+        test::Kx(dir, "language check l").lines,
+        ElementsAre("X/Data.txt: error: is larger than 64 MiB and wasn't looked at [language.too-large]"));
     std::filesystem::remove(dir.Path("l/X/Data.txt"));
     dir.Write("l/X/Lan.ini", "");
     EXPECT_THAT(test::Kx(dir, "language check l").lines,
@@ -74,7 +78,18 @@ TEST_F(Languages, ComparesWithTheBase)
                             "[language.placeholders]",
                             "A/Data.txt:2:5: note: key C has the text of B [language.untranslated]",
                             "A/Data.txt:3:5: warning: key E is not in B [language.left-over]"));
-    Add("A", "A = %5d of %-8s\nC = other\nD = there\nN = 12\nP = 100%%\n"); // sizes may differ
+    Add("B", "A = %d of %s\nC = same\nD = gone\nN = 1\nO = %2$s has %1$d\nP = 100%%\nQ = 100% of\n");
+    Add("A", "A = %3d of %ls\nC = x\nD = y\nN = 1\nO = %1$d of %2$-5s\nP = 10%%\nQ = 100% des\n");
+    EXPECT_THAT(
+        test::Kx(dir, "language check l --base B").lines, // sizes may differ, and the order of numbers
+        ElementsAre("A/Data.txt:1:5: error: key A has the placeholders %d %ls, and %d %s in B "
+                    "[language.placeholders]"));
+    Add("A", "A = %3d of %s\nC = x\nD = y\nN = 1\nO = %2$s\nP = 100%\nQ = of\n");
+    EXPECT_THAT(test::Kx(dir, "language check l --base B").lines,
+                ElementsAre("A/Data.txt:5:5: error: key O has the placeholders %2$s, and %1$d %2$s in B "
+                            "[language.placeholders]"));
+    Add("B", "A = %d of %s\nC = same\nD = gone\nN = 12\nP = 100%%\n");
+    Add("A", "A = %5d of %-8s\nC = other\nD = there\nN = 12\nP = 100%%\n");
     const auto clean = test::Kx(dir, "language check l --base B");
     EXPECT_EQ(clean.nCode, 0);
     EXPECT_EQ(clean.last, "0 errors, 0 warnings, 0 notes");
@@ -95,9 +110,10 @@ TEST_F(Languages, LooksThroughSources)
 
 TEST_F(Languages, MakesOthers)
 {
-    Add("A", "IDS_ONE = a %d tea\\n\xC4\xE3\nIDS_TWO = x\n");
+    Add("A", "; first\n[page]\nIDS_ONE=a %d tea\\n\xC4\xE3\n\nIDS_TWO = x\r\n; last");
     EXPECT_EQ(test::Kx(dir, "language new N --from A l").nCode, 0);
-    EXPECT_EQ(dir.Read("l/N/Data.txt"), "IDS_ONE = a %d tea\\n\xC4\xE3\r\nIDS_TWO = x\r\n");
+    EXPECT_EQ(dir.Read("l/N/Data.txt"),
+              "; first\r\n[page]\r\nIDS_ONE = a %d tea\\n\xC4\xE3\r\n\r\nIDS_TWO = x\r\n; last\r\n");
     EXPECT_EQ(test::Kx(dir, "language pseudo P --from A l").nCode, 0);
     EXPECT_THAT(dir.Read("l/P/Data.txt"), HasSubstr("IDS_TWO = [x ooo]\r\n"));
     EXPECT_THAT(dir.Read("l/P/Data.txt"), HasSubstr(" %d t"));
@@ -105,22 +121,6 @@ TEST_F(Languages, MakesOthers)
     EXPECT_EQ(test::Kx(dir, "language check l --base A").nCode, 0); // notes alone
     EXPECT_EQ(test::Kx(dir, "language new N --from A l").nCode, 2);
     EXPECT_EQ(test::Kx(dir, "language new ../out --from A l").nCode, 2);
-}
-
-TEST_F(Languages, LogsAndReportsAreShown)
-{
-    dir.Write("log.txt", "[2009-03-14 08:05:09] 1 one\n[2009-03-14 08:05:10] 2 two\nmore of two\n"
-                         "[2009-03-14 08:05:11] 1 \xC4\xE3");
-    EXPECT_THAT(test::Kx(dir, "log log.txt --level 2 | cat; echo").lines,
-                ElementsAre("[2009-03-14 08:05:10] 2 two", "more of two"));
-    EXPECT_THAT(test::Kx(dir, "log log.txt --match one; echo").lines,
-                ElementsAre("[2009-03-14 08:05:09] 1 one"));
-    EXPECT_EQ(test::Kx(dir, "log log.txt").last, "[2009-03-14 08:05:11] 1 你");
-    EXPECT_EQ(test::Kx(dir, "log none").nCode, 2);
-    dir.Write("c.txt", "what crashed\n");
-    dir.Write("c.dmp", "");
-    EXPECT_EQ(test::Kx(dir, "report c.dmp </dev/null").last, "what crashed");
-    EXPECT_EQ(test::Kx(dir, "report d.dmp").nCode, 2);
 }
 
 } // namespace

@@ -9,7 +9,7 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr char kLog[] = "[2009-03-14 08:05:09] 1 begin\n[2009-03-14 08:05:10] 2 bad\nmore of it\n";
+constexpr char kLog[] = "[2009-03-14 08:05:09] 1 begin\n[2009-03-14 08:05:10] 2 bad\nmore of it \xC4\xE3\n";
 
 TEST(Show, LogByLevelAndText)
 {
@@ -21,8 +21,8 @@ TEST(Show, LogByLevelAndText)
         std::vector<std::string> lines; // but for the last
         std::string last;
     } cases[] = {
-        {"", {"[2009-03-14 08:05:09] 1 begin", "[2009-03-14 08:05:10] 2 bad"}, "more of it"},
-        {"--level 2", {"[2009-03-14 08:05:10] 2 bad"}, "more of it"}, // which belongs to the line before
+        {"", {"[2009-03-14 08:05:09] 1 begin", "[2009-03-14 08:05:10] 2 bad"}, "more of it 你"},
+        {"--level 2", {"[2009-03-14 08:05:10] 2 bad"}, "more of it 你"}, // which belongs to the line before
         {"--match beg", {}, "[2009-03-14 08:05:09] 1 begin"},
         {"--level 3", {}, ""},
     };
@@ -36,8 +36,8 @@ TEST(Show, LogByLevelAndText)
     EXPECT_EQ(test::Kx(dir, "log .").nCode, 2);
 }
 
-// A line is shown once, when it is whole; a log that is begun anew from its beginning; and the end is the
-// file's.
+// A line is shown once, when it is whole; a log that is begun anew, or another file of its name, from its
+// beginning; and the end is the file's.
 TEST(Show, LogFollowed)
 {
     const test::TempDir dir;
@@ -58,7 +58,13 @@ TEST(Show, LogFollowed)
     EXPECT_EQ(next(), "[2009-03-14 08:05:11] 1 beginning");
     dir.Write("l.txt", "[2010-01-01 00:00:00] 1 begin\n");
     EXPECT_EQ(next(), "[2010-01-01 00:00:00] 1 begin");
-    std::filesystem::rename(dir.Path("l.txt"), dir.Path("old.txt"));
+    dir.Write("new.txt", "[2010-01-01 00:00:01] 1 begin\n[2010-01-01 00:00:02] 1 beg");
+    std::filesystem::rename(dir.Path("new.txt"), dir.Path("l.txt"));
+    EXPECT_EQ(next(), "[2010-01-01 00:00:01] 1 begin");
+    append("gar\n[2010-01-01 00:00:03] 1 beg");
+    EXPECT_EQ(next(), "[2010-01-01 00:00:02] 1 beggar");
+    std::filesystem::remove(dir.Path("l.txt"));
+    EXPECT_EQ(next(), "[2010-01-01 00:00:03] 1 beg");
     EXPECT_EQ(next(), "");
     EXPECT_EQ(pclose(pipe), 0);
 }

@@ -1,6 +1,7 @@
 #include "tests/skin/SkinTree.h"
 #include "tests/tools/kx/Tool.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -82,10 +83,12 @@ TEST_F(Skin, FindsWhatIsWrongInSkinIni)
          "MinButton_Offset=-4\n",
          {"2:14: error: \"wide\" is no number; 0 is taken [skin.bad-number]",
           "3:13: warning: of \"12px\" only 12 is read [skin.bad-number]",
-          "4:14: error: \"99999999999\" is beyond the numbers there are [skin.bad-number]",
+          "4:14: error: \"99999999999\" is beyond the numbers there are; 2147483647 is taken "
+          "[skin.bad-number]",
           "5:15: warning: -1 is less than nothing [skin.negative]"}},
-        {"[RoundCorner]\nCornerPath1=0,5|1;3|2,2\n",
-         {"2:13: error: \"1;3\" is no point, as in 0,5|1,3 [skin.bad-point]"}},
+        {"[RoundCorner]\nCornerPath1=0,5|1;3|2,2|3px,1\n",
+         {"2:13: error: \"1;3\" is no point, as in 0,5|1,3; it is passed over [skin.bad-point]",
+          "2:13: error: \"3px,1\" is no point, as in 0,5|1,3; 3,1 is taken [skin.bad-point]"}},
         {"[Background]\nBkgType=tiled\n",
          {"2:9: error: \"tiled\" is no type of background: default, colorfill, singlebmp or multibmp; "
           "default "
@@ -168,11 +171,22 @@ TEST_F(Skin, AnyTreeEnds)
     for (int n = 0; n < 20'000; ++n)
         junk += static_cast<char>(n * 7919 >> 3);
     dir.Write("s/Skin.ini", junk);
+    dir.Write("s/\x1B[31m\xFF\"\\", "");
     EXPECT_EQ(test::Kx(dir, "skin check s").nCode, 1);
     const auto json = test::Kx(dir, "skin check s --json");
     EXPECT_EQ(json.nCode, 1);
     EXPECT_THAT(json.last, testing::StartsWith("{\"findings\":[{\"file\":"));
+    EXPECT_TRUE(std::none_of(json.last.begin(), json.last.end(), [](char ch) { return ch > 0 && ch < ' '; }));
+    for (int n = 0; n < 10'001; ++n)
+        dir.Write("s/many/" + std::to_string(n), "");
+    EXPECT_THAT(test::Kx(dir, "skin check s").lines,
+                testing::Contains(HasSubstr("has more than 10000 entries: the others weren't looked at "
+                                            "[skin.too-much]")));
+    std::filesystem::remove_all(dir.Path("s/many"));
     EXPECT_EQ(test::Kx(dir, "skin preview s -o out.png").nCode, 0);
+    std::filesystem::resize_file(dir.Path("s/Skin.ini"), 1 << 30); // sparse
+    std::filesystem::resize_file(dir.Path("s/Common/Button/PushButton.bmp"), 1 << 30);
+    EXPECT_EQ(test::Kx(dir, "skin check s").nCode, 1);
     std::filesystem::remove(dir.Path("s/Skin.ini"));
     mkfifo(dir.Path("s/Skin.ini").c_str(), 0600);
     EXPECT_EQ(test::Kx(dir, "skin check s").nCode, 1);

@@ -1,0 +1,94 @@
+#include "tests/platform/window/XClient.h"
+#include "tests/skin/SkinTree.h"
+#include "tests/support/Await.h"
+#include "tests/support/XServer.h"
+#include "tests/tools/kx/Tool.h"
+
+#include <filesystem>
+
+namespace {
+
+constexpr COLORREF kProblemGround = RGB(255, 240, 238);
+constexpr POINT kTitle{200, 90};    // of the first frame, above its text
+constexpr POINT kLowest{1015, 875}; // where lines of problems stand, to the right of their texts
+
+// kx at work on a display, and what it says.
+class Watch
+{
+public:
+    Watch(const std::string& display, const std::string& dir)
+        : m_pipe(
+              popen(("DISPLAY=" + display + " '" KX_TEST_BIN "/kx' skin watch '" + dir + "'").c_str(), "r"))
+    {
+    }
+
+    std::string Line()
+    {
+        std::string line;
+        for (int ch; (ch = std::fgetc(m_pipe)) != EOF && ch != '\n';)
+            line += static_cast<char>(ch);
+        return line;
+    }
+    // An editor's write may be seen half done, so others may come before. False at the end.
+    bool Says(const std::string& expected)
+    {
+        std::string line;
+        do
+            line = Line();
+        while (!line.empty() && line != expected);
+        return line == expected;
+    }
+    int End() { return pclose(m_pipe); }
+
+private:
+    FILE* const m_pipe;
+};
+
+// Whatever becomes of the skin is seen in the window and said, with nobody's help.
+TEST(WatchedSkin, IsDrawnAnewAndKeptWhileItIsBroken)
+{
+    const test::TempDir dir;
+    ASSERT_EQ(test::Kx(dir, "skin new s").nCode, 0);
+    const test::XServer server("1100x900x24");
+    test::XClient outside(server.Name());
+    const auto awaitColor = [&](POINT at, COLORREF clr) {
+        test::Await([&] { return outside.Pixel(at.x, at.y) == clr; });
+    };
+    const std::string title = "s/Common/Window/Frame_Title.bmp", box = "s/Common/Button/CheckBox.bmp";
+    const std::string broken = "the skin has errors: the sheet before stays";
+    Watch watch(server.Name(), dir.Path("s"));
+    ASSERT_TRUE(watch.Says("drawn"));
+    awaitColor(kTitle, RGB(72, 110, 152));
+
+    dir.Write(title, test::BmpFile(40, 60));
+    EXPECT_TRUE(watch.Says("drawn"));
+    awaitColor(kTitle, RGB(255, 0, 0));
+
+    std::filesystem::rename(dir.Path(box), dir.Path("box"));
+    EXPECT_TRUE(watch.Says(broken));
+    EXPECT_EQ(watch.Line(),
+              "  Common\\Button\\CheckBox.bmp: is missing: nothing is drawn where it is needed");
+    awaitColor(kLowest, kProblemGround);
+    dir.Write(title, test::ToBmp(test::Picture(60, std::string(40, 'G')), 24).File());
+    EXPECT_TRUE(watch.Says(broken));
+    awaitColor(kLowest, kProblemGround);
+    EXPECT_EQ(outside.Pixel(kTitle.x, kTitle.y), RGB(255, 0, 0));
+
+    std::filesystem::rename(dir.Path("box"), dir.Path(box));
+    EXPECT_TRUE(watch.Says("drawn"));
+    awaitColor(kTitle, RGB(0, 255, 0));
+    EXPECT_NE(outside.Pixel(kLowest.x, kLowest.y), kProblemGround);
+
+    std::filesystem::rename(dir.Path("s"), dir.Path("old")); // as what replaces a whole directory does
+    EXPECT_TRUE(watch.Says(broken));
+    std::filesystem::rename(dir.Path("old"), dir.Path("s"));
+    EXPECT_TRUE(watch.Says("drawn"));
+
+    outside.Focus(outside.Find("kx skin watch"));
+    const xcb_keycode_t escape = outside.KeyOf(0xFF1B);
+    outside.Key(escape, true);
+    outside.Key(escape, false);
+    EXPECT_EQ(watch.End(), 0);
+}
+
+} // namespace
