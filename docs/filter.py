@@ -32,6 +32,9 @@ PICTURES = {
     'CKXGdiplusHelper': {'DrawLinearGradientRect': 'gradient'},
     'CKXEnglishWord': {'DrawTestWord': 'test-word', 'DrawTestWordResult': 'result-word'},
 }
+# The same on the page about skins, by the section of the keys.
+SKIN_PICTURES = {'COLOR': 'skin-colors', 'SysButton': 'skin-titles', 'RoundCorner': 'skin-corner',
+                 'Border': 'skin-backgrounds skin-tabs'}
 # Which example shows a class that none names.
 EXAMPLES = {'CKXBitmapHandle': 'bitmaps.cpp', 'KXLanguageItem': 'languages.cpp', 'CKXAutoResHandle': 'helpers.cpp'}
 SCOPE = re.compile(r'\b(class|struct|union|enum|namespace)\b')
@@ -247,12 +250,25 @@ class Filter:
         print('\n'.join(self.out + ['/// @}']))
 
 
+def with_skin_pictures(text):
+    """The page about skins with a picture beside each file, and below the headings of keys."""
+    def with_files(row):
+        files = re.sub(r'`(\w+)(\.\w+)`,?', r'`\1\2`<br>![\1](skin-\1.png)<br>', row.group(1))
+        return files + row.group(2)
+    text = re.sub(r'(?m)^(\| `\w+\.(?:bmp|ico|png)`.*?)( \|)', with_files, text)
+    for heading, pictures in SKIN_PICTURES.items():
+        shown = ''.join('\n\n![](%s.png)' % picture for picture in pictures.split())
+        text = re.sub(r'(?m)^### `\[%s\]`.*' % heading, lambda m: m.group() + shown, text)
+    return text
+
+
 def main():
     path = Path(sys.argv[1]).resolve()
     if path.suffix == '.h':
         Filter(path).write()
     else:
-        print(path.read_text(), end='')
+        text = path.read_text()
+        print(with_skin_pictures(text) if path.name == 'skins.md' else text, end='')
 
 
 main()

@@ -1,73 +1,22 @@
-// Draws the pictures that stand beside the drawing operations in the reference: `kx_pictures SKIN DIRECTORY`.
+// Draws the pictures that stand beside the drawing operations and on the page about skins in the reference:
+// `kx_pictures SKIN DIRECTORY`.
 
-#include <KXCommonClass.h>
+#include "Canvas.h"
+
 #include <cstdio>
 #include <filesystem>
 #include <functional>
 #include <platform/Host.h>
 #include <string>
 
+using pictures::Canvas;
+using pictures::kGround;
+using pictures::kKey;
+using pictures::kPaper;
+using pictures::strSkin;
+using pictures::strTarget;
+
 namespace {
-
-constexpr COLORREF kKey = 0xFF00FF;
-constexpr COLORREF kPaper = RGB(255, 255, 255);
-constexpr COLORREF kInk = RGB(60, 66, 74);
-constexpr COLORREF kGround = RGB(226, 234, 222); // shows through where something is transparent
-
-CString strSkin;
-CString strTarget;
-
-class Canvas
-{
-public:
-    Canvas(int cx, int cy) : m_size(cx, cy)
-    {
-        m_surface.Create(cx, cy);
-        DC().FillSolidRect(0, 0, cx, cy, kPaper);
-        m_font.CreatePointFont(80, "DejaVu Sans");
-        m_pOldFont = DC().SelectObject(&m_font);
-        DC().SetBkMode(TRANSPARENT);
-        DC().SetTextColor(kInk);
-    }
-    Canvas(const Canvas&) = delete;
-    Canvas& operator=(const Canvas&) = delete;
-    ~Canvas() { DC().SelectObject(m_pOldFont); }
-
-    CDC& DC() { return m_surface.GetDC(); }
-    void Label(int x, int y, const char* psz) { DC().TextOut(x, y, psz); }
-    void Ground(const CRect& rc) { DC().FillSolidRect(rc, kGround); }
-    void Outline(const CRect& rc)
-    {
-        for (const CRect& line : {CRect(rc.left, rc.top, rc.right, rc.top + 1),
-                                  CRect(rc.left, rc.bottom - 1, rc.right, rc.bottom),
-                                  CRect(rc.left, rc.top, rc.left + 1, rc.bottom),
-                                  CRect(rc.right - 1, rc.top, rc.right, rc.bottom)})
-            DC().FillSolidRect(line, RGB(190, 70, 50));
-    }
-
-    // Twice as large, so that single pixels are seen. False if nothing was painted.
-    bool Save(const char* pszName)
-    {
-        bool bPainted = false;
-        for (int y = 0; y < m_size.cy && !bPainted; ++y)
-            for (int x = 0; x < m_size.cx && !bPainted; ++x) {
-                const COLORREF clr = DC().GetPixel(x, y);
-                bPainted = clr != kPaper && clr != kGround && clr != kInk;
-            }
-        CKXMemoryDC large;
-        large.Create(2 * m_size.cx, 2 * m_size.cy);
-        large.GetDC().StretchBlt(0, 0, 2 * m_size.cx, 2 * m_size.cy, &DC(), 0, 0, m_size.cx, m_size.cy,
-                                 SRCCOPY);
-        return CKXGdiplusBitmap(large.GetHBitmap()).SaveToFile(strTarget + pszName + ".png", "image/png") &&
-               bPainted;
-    }
-
-private:
-    CSize m_size;
-    CKXMemoryDC m_surface;
-    CFont m_font;
-    CFont* m_pOldFont = nullptr;
-};
 
 struct Button : CKXBitmap
 {
@@ -264,6 +213,7 @@ int main(int nArgs, char** args)
     std::uintptr_t nToken = 0;
     Gdiplus::GdiplusStartup(&nToken, &input, nullptr);
     CKXLanResManager::GetSingletonPtr()->InsertString("IDS_DEF_FONT", "DejaVu Sans");
+    CKXLanResManager::GetSingletonPtr()->InsertString("IDS_UI_POINTS", "80");
     const std::pair<const char*, std::function<bool()>> works[] = {
         {"states", States},
         {"draw", [] { return Draw(false) && Draw(true); }},
@@ -275,6 +225,7 @@ int main(int nArgs, char** args)
         {"picture", [] { return Picture(false) && Picture(true); }},
         {"gradients", Gradients},
         {"words", Words},
+        {"skin", pictures::DrawSkinPage},
     };
     int nFailed = 0;
     for (const auto& [pszName, work] : works)
@@ -282,6 +233,7 @@ int main(int nArgs, char** args)
             std::fprintf(stderr, "kx_pictures: %s painted nothing\n", pszName);
             ++nFailed;
         }
+    CKXSkinResManager::GetSingletonPtr()->UnInitialize();
     Gdiplus::GdiplusShutdown(nToken);
     return nFailed;
 }
