@@ -80,6 +80,8 @@ def escaped(text):
         inside = span.group(1)
         if re.fullmatch(r'[.*?]+', inside):
             return '"%s"' % inside.replace('*', '\\*')
+        if re.search(r'\W::|-\w+::', inside):  # no name with its class
+            return '<tt>%s</tt>' % inside.replace('::', '\\::')
         return '<tt>%s</tt>' % inside if '\\' in inside else span.group()
     return re.sub(r'`([^`]*)`', spelled, text)
 

@@ -162,6 +162,7 @@ int Sample(Canvas& canvas, int y, int nHeight, Paint paint, const std::array<Poi
     constexpr int nWidth = 190, xLabel = 240;
     paint(CRect(kMargin, y, kMargin + nWidth, y + nHeight));
     int yLabel = y - 1;
+    canvas.DC().SetTextColor(kInk);
     for (const Pointer& pointer : pointers) {
         const CPoint to(kMargin + pointer.to.x, y + pointer.to.y);
         Line(canvas, to, CPoint(xLabel - 4, yLabel + kLabel / 2));
@@ -175,7 +176,7 @@ int Sample(Canvas& canvas, int y, int nHeight, Paint paint, const std::array<Poi
 // Which colour is where.
 bool SaveColors()
 {
-    Canvas canvas(370, 372);
+    Canvas canvas(370, 404);
     client::SkinPainter painter(canvas.DC());
     const CKXSkinColorDef& colors = painter.Colors();
     CDC& dc = canvas.DC();
@@ -332,9 +333,12 @@ bool SaveTitles()
         window.Create(200, 44);
         client::SkinPainter painter(window.GetDC());
         LoadWith(wnd, "SysButton", title.pszKey, title.pszValue);
+        wnd.m_nBtnSpace = 12;
+        window.GetDC().FillSolidRect(0, 0, 200, 44, kPaper); // seen where the title is transparent
         client::PaintFrame(painter, CSize(200, 44), "Title", true, title.boxes, client::Normal);
         canvas.DC().BitBlt(x, y, 200, 40, &window.GetDC(), 0, 0, SRCCOPY);
-        canvas.Label(x, y + 42, CString(title.pszKey) + "=" + title.pszValue);
+        const char* const pszSpace = n == 0 ? ", Button_Space=12" : "";
+        canvas.Label(x, y + 42, CString(title.pszKey) + "=" + title.pszValue + pszSpace);
         ++n;
     }
     return canvas.Save("skin-titles");
@@ -343,7 +347,7 @@ bool SaveTitles()
 // The chosen main tab at its page, with different values of how far it reaches over that.
 bool SaveTabs()
 {
-    Canvas canvas(330, 84);
+    Canvas canvas(400, 84);
     client::SkinPainter painter(canvas.DC());
     int x = kMargin;
     for (const int nOver : {0, 5}) {
@@ -354,8 +358,9 @@ bool SaveTabs()
                           client::Pressed);
         CString strLabel;
         strLabel.Format("MainTabBtnIntersect_Height=%d", nOver);
-        canvas.Label(x - 4, 66, strLabel);
-        x += 162;
+        canvas.DC().SetTextColor(kInk);
+        canvas.Label(x, 66, strLabel);
+        x += 200;
     }
     return canvas.Save("skin-tabs");
 }
