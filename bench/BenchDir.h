@@ -8,10 +8,12 @@
 #include <stdlib.h>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 
 namespace bench {
 
-// A temporary directory for the length of the program; in memory where the disk's time is nothing of ours.
+// A temporary directory for the length of the program, which its forks leave; in memory where the disk's time
+// is nothing of ours.
 class BenchDir
 {
 public:
@@ -34,7 +36,7 @@ public:
     ~BenchDir()
     {
         std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
+        if (getpid() == m_owner) std::filesystem::remove_all(m_path, ignored);
     }
 
     std::string Path(std::string_view name) const { return m_path + "/" + std::string(name); }
@@ -54,6 +56,7 @@ public:
     }
 
 private:
+    pid_t m_owner = getpid();
     std::string m_path;
 };
 

@@ -1,11 +1,11 @@
+#include "bench/Curves.h"
 #include "bench/Measure.h"
 
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 
-// Runs all pairs. A benchmark is named WORK/ours or WORK/PEER. A row of the table is a work, the median times
-// of both, and how many times faster we are; only that ratio says anything on a shared machine.
+// Runs all pairs and curves. A benchmark is named WORK/ours or WORK/PEER. A row of the table is a work, what
+// both take, and how many times faster we are; only that ratio says anything on a shared machine.
 
 using namespace bench;
 
@@ -20,18 +20,24 @@ int main(int argc, char** argv)
         if (std::strcmp(argv[n], "--page") == 0) pszPage = argv[n + 1];
         if (std::strcmp(argv[n], "--only") == 0) pszFilter = argv[n + 1];
     }
-    std::vector<Row> rows;
     int nFailed = 0;
+    const auto fail = [&](const std::string& name) {
+        std::fprintf(stderr, "%s: not measured\n", name.c_str());
+        ++nFailed;
+    };
+    std::vector<Row> rows;
     for (const std::string& work : FindWorks(pszFilter)) {
         const auto measured = Measure(work);
-        if (measured.empty()) {
-            std::fprintf(stderr, "%s: not measured\n", work.c_str());
-            ++nFailed;
-        }
+        if (measured.empty()) fail(work);
         rows.insert(rows.end(), measured.begin(), measured.end());
     }
+    Sort(rows);
     Print(rows);
+    const std::vector<Curve> curves = MeasureCurves(pszFilter);
+    for (const Curve& curve : curves)
+        if (curve.points.empty()) fail(curve.name);
+    PrintCurves(curves);
     if (pszJson) WriteJson(rows, pszJson);
-    if (pszPage) WritePage(rows, pszPage);
-    return rows.empty() || nFailed > 0 ? 1 : 0;
+    if (pszPage) WritePage(rows, curves, pszPage);
+    return (rows.empty() && curves.empty()) || nFailed > 0 ? 1 : 0;
 }

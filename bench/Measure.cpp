@@ -1,10 +1,11 @@
 #include "bench/Measure.h"
 
-#include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <map>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <sys/wait.h>
@@ -28,60 +29,87 @@ public:
                 continue;
             }
             const std::string& name = run.run_name.function_name;
-            const auto slash = name.find('/');
-            m_times[name.substr(0, slash)][name.substr(slash + 1)].push_back(
-                run.real_accumulated_time * 1e9 / static_cast<double>(run.iterations));
+            m_times[name.substr(name.find('/') + 1)].push_back(run.real_accumulated_time * 1e9 /
+                                                               static_cast<double>(run.iterations));
+            const auto peak = run.counters.find(pszPeak);
+            if (peak != run.counters.end()) m_peak = peak->second;
         }
     }
     // A work of which any run failed has no rows: a side without times would look infinitely fast.
     bool HasFailed() const { return m_bFailed; }
-    std::vector<Row> Rows()
-    {
-        std::vector<Row> rows;
-        for (auto& [work, sides] : m_times)
-            for (auto& [side, times] : sides)
-                if (side != "ours") rows.push_back({work, side, Median(sides["ours"]), Median(times)});
-        return rows;
-    }
+    // The times of each side.
+    const std::map<std::string, std::vector<double>>& Times() const { return m_times; }
+    // What the last run told; 0 if it told nothing.
+    double Peak() const { return m_peak; }
 
 private:
-    static double Median(std::vector<double>& times)
-    {
-        std::sort(times.begin(), times.end());
-        return times.empty() ? 0 : times[times.size() / 2];
-    }
-
     bool m_bFailed = false;
-    std::map<std::string, std::map<std::string, std::vector<double>>> m_times;
+    double m_peak = 0;
+    std::map<std::string, std::vector<double>> m_times;
 };
 
-// Repetitions alternate at random, so that a busy machine disturbs both sides alike.
-void Run(Pairs& pairs, std::string filter, std::string list)
+// Repetitions alternate at random, so that a busy machine disturbs all sides alike.
+void Run(Pairs& pairs, const std::string& filter, bool bList, int nTimes)
 {
-    std::string program = "kx_bench";
-    filter.insert(0, "--benchmark_filter=");
-    list.insert(0, "--benchmark_list_tests=");
-    std::string interleave = "--benchmark_enable_random_interleaving=true";
-    std::string repeat = "--benchmark_repetitions=9";
-    std::string least = "--benchmark_min_time=0.02";
-    std::vector<char*> args{program.data(), filter.data(), list.data(), interleave.data(),
-                            repeat.data(),  least.data(),  nullptr};
-    int nArgs = static_cast<int>(args.size()) - 1;
+    std::vector<std::string> texts{"kx_bench",
+                                   "--benchmark_filter=" + filter,
+                                   std::string("--benchmark_list_tests=") + (bList ? "true" : "false"),
+                                   "--benchmark_enable_random_interleaving=true",
+                                   "--benchmark_repetitions=" + std::to_string(nTimes),
+                                   "--benchmark_min_time=0.02"};
+    std::vector<char*> args;
+    for (auto& text : texts)
+        args.push_back(text.data());
+    args.push_back(nullptr);
+    int nArgs = static_cast<int>(texts.size());
     benchmark::Initialize(&nArgs, args.data());
     benchmark::RunSpecifiedBenchmarks(&pairs);
 }
 
-[[noreturn]] void RunAndTell(const std::string& work, int out)
+std::map<std::string, Side> TimeSides(const std::string& work)
 {
-    Pairs pairs;
-    Run(pairs, "^" + work + "/", "false");
-    if (pairs.HasFailed()) std::exit(1);
-    std::ostringstream text;
-    for (const Row& row : pairs.Rows())
-        text << row.work << ' ' << row.peer << ' ' << row.ours << ' ' << row.theirs << '\n';
-    const std::string told = text.str();
-    const bool bTold = write(out, told.data(), told.size()) == static_cast<ssize_t>(told.size());
-    std::exit(bTold ? 0 : 1);
+    std::istringstream told(RunApart([&](std::ostream& out) {
+        constexpr int nTimes = 9;
+        Pairs pairs;
+        Run(pairs, "^" + work + "/", false, nTimes);
+        for (const auto& [name, times] : pairs.Times()) {
+            const Side side = QuartilesOf(times);
+            out << name << ' ' << side.lower << ' ' << side.median << ' ' << side.upper << '\n';
+        }
+        return !pairs.HasFailed();
+    }));
+    std::map<std::string, Side> sides;
+    std::string name;
+    for (Side side; told >> name >> side.lower >> side.median >> side.upper;)
+        sides[name] = side;
+    return sides;
+}
+
+// The most memory that this process has had, in bytes.
+double OwnPeak()
+{
+    std::ifstream file("/proc/self/status");
+    std::string word;
+    double kilobytes = 0;
+    while (file >> word && word != "VmHWM:") {
+    }
+    file >> kilobytes;
+    return kilobytes * 1024;
+}
+
+// A process begins with what it has of this one, which is not the side's.
+double PeakOf(const std::string& work, const std::string& side)
+{
+    std::istringstream told(RunApart([&](std::ostream& out) {
+        const double begin = OwnPeak();
+        Pairs pairs;
+        Run(pairs, "^" + work + "/" + side + "(/|$)", false, 1);
+        out << (pairs.Peak() > 0 ? pairs.Peak() : OwnPeak() - begin);
+        return !pairs.HasFailed();
+    }));
+    double peak = 0;
+    told >> peak;
+    return peak;
 }
 
 std::string ReadAll(int in)
@@ -95,20 +123,7 @@ std::string ReadAll(int in)
 
 } // namespace
 
-std::vector<std::string> FindWorks(const std::string& filter)
-{
-    std::ostringstream list;
-    Pairs pairs;
-    pairs.SetOutputStream(&list);
-    Run(pairs, filter, "true");
-    std::istringstream lines(list.str());
-    std::set<std::string> works;
-    for (std::string line; std::getline(lines, line);)
-        works.insert(line.substr(0, line.find('/')));
-    return {works.begin(), works.end()};
-}
-
-std::vector<Row> Measure(const std::string& work)
+std::string RunApart(const std::function<bool(std::ostream&)>& run)
 {
     int ends[2];
     if (pipe(ends) != 0) return {};
@@ -116,16 +131,42 @@ std::vector<Row> Measure(const std::string& work)
     const pid_t child = fork();
     if (child == 0) {
         close(ends[0]);
-        RunAndTell(work, ends[1]);
+        std::ostringstream out;
+        const bool bDone = run(out);
+        const std::string told = out.str();
+        const bool bTold = write(ends[1], told.data(), told.size()) == static_cast<ssize_t>(told.size());
+        std::exit(bDone && bTold ? 0 : 1);
     }
     close(ends[1]);
-    std::istringstream told(ReadAll(ends[0]));
+    std::string told = ReadAll(ends[0]);
     close(ends[0]);
     int status = 0;
     if (child < 0 || waitpid(child, &status, 0) != child || status != 0) return {};
+    return told;
+}
+
+std::vector<std::string> FindWorks(const std::string& filter)
+{
+    std::ostringstream list;
+    Pairs pairs;
+    pairs.SetOutputStream(&list);
+    Run(pairs, ".", true, 1);
+    std::istringstream lines(list.str());
+    std::set<std::string> works;
+    const std::regex wanted(filter);
+    for (std::string line; std::getline(lines, line);)
+        if (std::regex_search(line, wanted)) works.insert(line.substr(0, line.find('/')));
+    return {works.begin(), works.end()};
+}
+
+std::vector<Row> Measure(const std::string& work)
+{
+    auto sides = TimeSides(work);
+    for (auto& [name, side] : sides)
+        if ((side.peak = PeakOf(work, name)) <= 0) return {};
     std::vector<Row> rows;
-    for (Row row; told >> row.work >> row.peer >> row.ours >> row.theirs;)
-        rows.push_back(row);
+    for (const auto& [name, side] : sides)
+        if (name != "ours") rows.push_back({work, name, sides["ours"], side});
     return rows;
 }
 

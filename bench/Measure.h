@@ -2,12 +2,22 @@
 
 #include "bench/Rows.h"
 
+#include <functional>
+#include <iosfwd>
+
 namespace bench {
 
 // The works that have a name that matches a regular expression, in their order.
 std::vector<std::string> FindWorks(const std::string& filter);
-// Runs both sides of a work in a process of its own, so that neither the threads nor the heap of another work
-// are in its time. Empty if that process ends ill.
+// Times the sides of a work in a process of their own, in turns, so that neither the threads nor the heap of
+// another work are in its time; then runs each side once more by itself for its memory. Empty if one of these
+// processes ends ill.
 std::vector<Row> Measure(const std::string& work);
+
+// What a function writes in a process of its own; empty if that ends ill or the function gives false.
+std::string RunApart(const std::function<bool(std::ostream&)>& run);
+
+// The counter by which a benchmark tells the memory of the process that it has measured, in bytes.
+inline constexpr const char* pszPeak = "peak";
 
 } // namespace bench

@@ -5,29 +5,54 @@
 
 namespace bench {
 
-// A work, done by the library and by a peer: the median times of both, in nanoseconds.
+// What one side of a work took: quartiles of the times of its runs in nanoseconds, and the peak of its
+// process's resident memory in bytes.
+struct Side
+{
+    double lower = 0;
+    double median = 0;
+    double upper = 0;
+    double peak = 0;
+};
+
+Side QuartilesOf(std::vector<double> times);
+
+// A work, done by the library and by a peer.
 struct Row
 {
     std::string work;
     std::string peer;
-    double ours = 0;
-    double theirs = 0;
+    Side ours;
+    Side theirs;
 
     // How many times faster the library is: only that says anything on a shared machine.
-    double Ratio() const { return theirs / ours; }
-    // The least ratio that it is meant to reach; 0 for a row that is there to be seen alone.
+    double Ratio() const { return theirs.median / ours.median; }
+    // The same for memory.
+    double MemoryRatio() const { return theirs.peak / ours.peak; }
+    // The least ratios that are meant to be reached; 0 for a row that is there to be seen alone.
     double Aim() const;
-    // What is known of why it may not.
-    const char* WhyShort() const;
-    bool IsShort() const { return Ratio() < Aim(); }
+    double MemoryAim() const;
+    // Whether the work is a whole process, of which processor time is measured and all memory.
+    bool IsProcess() const { return work.starts_with("client_"); }
 };
+
+// Brings rows into the order in which the works are listed.
+void Sort(std::vector<Row>& rows);
 
 // What the work of a row is, in a few words.
 const char* WhatIs(const std::string& work);
+// The same for a peer, and its library's version, which is empty for a loop of the benchmark's own.
+const char* WhatIsPeer(const std::string& peer);
+std::string VersionOf(const std::string& peer);
+
+struct Curve;
 
 void Print(const std::vector<Row>& rows);
 void WriteJson(const std::vector<Row>& rows, const char* pszFile);
-// A page with the table, the machine and the date.
-void WritePage(const std::vector<Row>& rows, const char* pszFile);
+// A page with the tables, the machine and the date.
+void WritePage(const std::vector<Row>& rows, const std::vector<Curve>& curves, const char* pszFile);
+
+// Three digits that count, in the unit that suits.
+std::string Time(double nanoseconds);
 
 } // namespace bench

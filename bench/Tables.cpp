@@ -1,7 +1,9 @@
+#include "bench/Curves.h"
 #include "bench/Rows.h"
 
 #include <cstdio>
 #include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <iomanip>
 #include <sys/utsname.h>
@@ -37,32 +39,72 @@ std::string Today()
     return text;
 }
 
-// Three digits that count, in the unit that suits.
-std::string Time(double nanoseconds)
+std::string Memory(double bytes)
 {
-    const char* const units[] = {"ns", "us", "ms", "s"};
-    std::size_t n = 0;
-    for (; nanoseconds >= 1000 && n < 3; ++n)
-        nanoseconds /= 1000;
     char text[32];
-    std::snprintf(text, sizeof(text), "%.*f %s",
-                  nanoseconds < 10    ? 2
-                  : nanoseconds < 100 ? 1
-                                      : 0,
-                  nanoseconds, units[n]);
+    std::snprintf(text, sizeof(text), "%.1f MB", bytes / (1 << 20));
     return text;
+}
+
+// A ratio, in bold where it is short of its aim, and the aim.
+void WriteRatio(std::ostream& out, double ratio, double aim)
+{
+    const char* const pszBold = ratio < aim ? "**" : "";
+    out << " | " << pszBold << ratio << pszBold << " | ";
+    if (aim > 0) out << aim;
+}
+
+// A time and the quartiles around it.
+std::string Spread(const Side& side)
+{
+    return Time(side.median) + " | " + Time(side.lower) + " to " + Time(side.upper);
+}
+
+// With the memory's ratio too where whole processes are compared.
+void WriteTable(std::ostream& out, const std::vector<Row>& rows, bool bProcesses)
+{
+    out << "| Work | Row | Ours | Quartiles | Peer | Version | Its time | Quartiles | Ratio | Aim | Memory | "
+           "Its memory |"
+        << (bProcesses ? " Ratio | Aim |" : "") << "\n|---|---|--:|--:|---|---|--:|--:|--:|--:|--:|--:|"
+        << (bProcesses ? "--:|--:|" : "") << '\n';
+    for (const Row& row : rows) {
+        if (row.IsProcess() != bProcesses) continue;
+        out << "| " << WhatIs(row.work) << " | " << row.work << " | " << Spread(row.ours) << " | "
+            << WhatIsPeer(row.peer) << " | " << VersionOf(row.peer) << " | " << Spread(row.theirs);
+        WriteRatio(out, row.Ratio(), row.Aim());
+        out << " | " << Memory(row.ours.peak) << " | " << Memory(row.theirs.peak);
+        if (bProcesses) WriteRatio(out, row.MemoryRatio(), row.MemoryAim());
+        out << " |\n";
+    }
 }
 
 } // namespace
 
+std::string Time(double nanoseconds)
+{
+    const char* const units[] = {"ns", "us", "ms", "s"};
+    std::size_t n = 0;
+    for (; nanoseconds >= 999.5 && n < 3; ++n)
+        nanoseconds /= 1000;
+    char text[32];
+    std::snprintf(text, sizeof(text), "%.*f %s",
+                  nanoseconds < 9.995   ? 2
+                  : nanoseconds < 99.95 ? 1
+                                        : 0,
+                  nanoseconds, units[n]);
+    return text;
+}
+
 void Print(const std::vector<Row>& rows)
 {
-    std::printf("%-24s %12s   %-15s %12s %8s %8s\n", "work", "ours (us)", "peer", "peer (us)", "ratio",
-                "aim");
+    std::printf("%-28s %12s %8s   %-15s %12s %8s %8s %8s\n", "work", "ours (us)", "MB", "peer", "peer (us)",
+                "MB", "ratio", "aim");
     for (const Row& row : rows) {
-        std::printf("%-24s %12.3f   %-15s %12.3f %8.2f %8.2f%s\n", row.work.c_str(), row.ours / 1000,
-                    row.peer.c_str(), row.theirs / 1000, row.Ratio(), row.Aim(),
-                    row.IsShort() ? "  short of it" : "");
+        const bool bShort = row.Ratio() < row.Aim(), bFat = row.MemoryRatio() < row.MemoryAim();
+        std::printf("%-28s %12.3f %8.1f   %-15s %12.3f %8.1f %8.2f %8.2f%s%s\n", row.work.c_str(),
+                    row.ours.median / 1000, row.ours.peak / (1 << 20), row.peer.c_str(),
+                    row.theirs.median / 1000, row.theirs.peak / (1 << 20), row.Ratio(), row.Aim(),
+                    bShort ? "  short of it" : "", bFat ? "  too much memory" : "");
     }
 }
 
@@ -72,41 +114,58 @@ void WriteJson(const std::vector<Row>& rows, const char* pszFile)
     file << std::setprecision(9) << "[";
     const char* pszSeparator = "\n";
     for (const Row& row : rows) {
-        file << pszSeparator << R"(  {"work": ")" << row.work << R"(", "ours_ns": )" << row.ours
-             << R"(, "peer": ")" << row.peer << R"(", "peer_ns": )" << row.theirs << R"(, "ratio": )"
-             << row.Ratio() << R"(, "aim": )" << row.Aim() << "}";
+        const auto write = [&](const char* pszName, const Side& side) {
+            file << R"(, ")" << pszName << R"(_ns": )" << side.median << R"(, ")" << pszName
+                 << R"(_quartiles": [)" << side.lower << ", " << side.upper << R"(], ")" << pszName
+                 << R"(_bytes": )" << side.peak;
+        };
+        file << pszSeparator << R"(  {"work": ")" << row.work << R"(", "peer": ")" << row.peer
+             << R"(", "version": ")" << VersionOf(row.peer) << '"';
+        write("ours", row.ours);
+        write("peer", row.theirs);
+        file << R"(, "ratio": )" << row.Ratio() << R"(, "aim": )" << row.Aim() << "}";
         pszSeparator = ",\n";
     }
     file << "\n]\n";
 }
 
-void WritePage(const std::vector<Row>& rows, const char* pszFile)
+void WritePage(const std::vector<Row>& rows, const std::vector<Curve>& curves, const char* pszFile)
 {
+    const auto picture = std::filesystem::path(pszFile).replace_extension(".svg");
+    DrawCurves(curves, picture);
     std::ofstream file(pszFile);
-    file << "# Benchmarks\n\n"
-            "Written by `scripts/bench` on "
-         << Today() << ": " << Machine()
-         << ".\n\n"
-            "A row is a work, done by the library and by a peer in one process of its own: medians of nine, "
-            "in "
-            "turns at random. The\n"
-            "ratio is how many times faster the library is; the aim is the least that it is meant to be. "
-            "Machines\n"
-            "are shared: a ratio moves by a tenth or two from run to run.\n\n"
-            "| Work | Row | Ours | Peer | Its time | Ratio | Aim |\n|---|---|--:|---|--:|--:|--:|\n"
-         << std::fixed << std::setprecision(2);
-    for (const Row& row : rows) {
-        file << "| " << WhatIs(row.work) << " | " << row.work << " | " << Time(row.ours) << " | " << row.peer
-             << " | " << Time(row.theirs) << " | " << (row.IsShort() ? "**" : "") << row.Ratio()
-             << (row.IsShort() ? "**" : "") << " | ";
-        if (row.Aim() > 0) file << row.Aim();
-        file << " |\n";
-    }
-    file << "\nRatios short of their aim are in bold.\n\n";
-    for (const Row& row : rows)
-        if (row.IsShort())
-            file << "- " << row.work << " against " << row.peer << ": "
-                 << (*row.WhyShort() ? row.WhyShort() : "not known yet why") << ".\n";
+    file << std::fixed << std::setprecision(2);
+    file << "# Benchmarks\n\nWritten by `scripts/bench` on " << Today() << ": " << Machine() << R"(.
+
+Each work is done by the library and by a peer, nine times each, in turns at random. A time is the median of the nine,
+and beside it are their quartiles. The ratio is how many times faster the library is; the aim is the least that it is
+meant to be, and a ratio short of it is in bold. A peer without a version is a loop of the benchmark's own, or the
+library itself at another work.
+
+## Parts of a program
+
+Both sides run in one process, and after that each in one of its own for its memory: by how much its peak of resident
+memory is above what the benchmark's program has before. Servers, inputs and checks are in it.
+
+)";
+    WriteTable(file, rows, false);
+    file << R"(
+## Whole processes
+
+What small programs take from their start to their end: processor time, and the peak of resident memory. Each maps the
+libraries of its own side alone. "Nothing" is a client that is linked with the library and ends at once.
+
+)";
+    WriteTable(file, rows, true);
+    file << R"(
+## Cost against size
+
+What users grow: medians of up to nine. The slope is the power of the size by which the time has grown since the row
+above: 0 is a time that stays, 1 one that grows with the size. Files lie in memory. A document has 64 MiB at most.
+
+![Time by size, both axes logarithmic]()"
+         << picture.filename().string() << ")\n\n";
+    WriteCurves(curves, file);
 }
 
 } // namespace bench

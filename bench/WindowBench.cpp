@@ -1,8 +1,6 @@
+#include "bench/SkinnedWnd.h"
 #include "bench/Surfaces.h"
 
-#include <KXBitmap.h>
-#include <KXPaintMemoryDC.h>
-#include <array>
 #include <cairo/cairo.h>
 #include <condition_variable>
 #include <functional>
@@ -10,7 +8,6 @@
 #include <platform/Host.h>
 #include <platform/Sync.h>
 #include <platform/Window.h>
-#include <platform/Wnd.h>
 #include <sched.h>
 #include <semaphore>
 #include <thread>
@@ -120,103 +117,31 @@ void PingPong(benchmark::State& state)
     receiver.join();
 }
 
-// ---- A skinned window of 800 by 600: a frame, a background, buttons with a key colour, a list
+// ---- The skinned window of WindowArt.h
 
-constexpr Size window{800, 600};
-constexpr DWORD dwKey = 0x00FF00FF;
-
-// The pictures that both sides draw: their size, and how many lie side by side in a row.
-struct Art
-{
-    Size size;
-    bool bKeyed;
-};
-constexpr Art title{{400, 30}, false}, side{{8, 200}, false}, bottom{{400, 8}, false},
-    ground{{64, 64}, false}, push{{75, 23}, true}, check{{13, 13}, true}, caption{{21, 21}, true},
-    header{{80, 22}, false};
+constexpr Size window{cxWindow, cyWindow};
 
 Pixels PixelsOf(const Art& art)
 {
     Pixels pixels;
-    for (int y = 0; y < art.size.cy; ++y)
-        for (int x = 0; x < art.size.cx; ++x) {
-            const bool bCorner = (x < 3 || x >= art.size.cx - 3) && (y < 3 || y >= art.size.cy - 3);
-            const int nShade = 128 + (x * 7 + y * 3) % 96;
-            pixels.push_back(art.bKeyed && bCorner ? dwKey : static_cast<DWORD>(nShade * 0x010101));
-        }
+    for (int y = 0; y < art.cy; ++y)
+        for (int x = 0; x < art.cx; ++x)
+            pixels.push_back(PixelOf(art, x, y));
     return pixels;
 }
 
-// Where each picture goes; the same list for both sides. `fill` repeats the picture over the rectangle.
-struct Step
-{
-    int art;
-    CRect rect;
-    bool fill;
-};
-constexpr std::array arts{title, side, bottom, ground, push, check, caption, header};
-
-std::vector<Step> Steps()
-{
-    std::vector<Step> steps{{3, {8, 30, 792, 592}, true},
-                            {0, {0, 0, 800, 30}, true},
-                            {1, {0, 30, 8, 592}, true},
-                            {1, {792, 30, 800, 592}, true},
-                            {2, {0, 592, 800, 600}, true}};
-    for (int n = 0; n < 4; ++n)
-        steps.push_back({6, {700 + n * 24, 4, 721 + n * 24, 25}, false});
-    for (int n = 0; n < 8; ++n)
-        steps.push_back({4, {20 + n * 90, 555, 95 + n * 90, 578}, false});
-    for (int n = 0; n < 10; ++n)
-        steps.push_back({5, {20 + n % 2 * 150, 420 + n / 2 * 22, 33 + n % 2 * 150, 433 + n / 2 * 22}, false});
-    for (int n = 0; n < 6; ++n)
-        steps.push_back({7, {20 + n * 120, 60, 140 + n * 120, 82}, true});
-    return steps;
-}
-
-class CBenchWnd : public CWnd
+class CBenchWnd : public CSkinnedWnd
 {
 public:
     CBenchWnd()
     {
         for (std::size_t n = 0; n < arts.size(); ++n) {
-            const Size size = arts[n].size;
-            m_bitmaps[n].AttachBitmap(CreateCompatibleBitmap(Ours({1, 1}), size.cx, size.cy));
-            BitBlt(m_bitmaps[n].GetHDC(), 0, 0, size.cx, size.cy, Ours(size, PixelsOf(arts[n])), 0, 0,
-                   SRCCOPY);
-            m_bitmaps[n].SetFillParam(0, 0, 1);
-            m_bitmaps[n].SetMultiState(1, 1);
+            const Size size{arts[n].cx, arts[n].cy};
+            bitmaps[n].AttachBitmap(CreateCompatibleBitmap(Ours({1, 1}), size.cx, size.cy));
+            BitBlt(bitmaps[n].GetHDC(), 0, 0, size.cx, size.cy, Ours(size, PixelsOf(arts[n])), 0, 0, SRCCOPY);
         }
     }
-
-protected:
-    void OnPaint()
-    {
-        CPaintDC paint(this);
-        CKXPaintMemoryDC memory(this, &paint, 0);
-        CDC& dc = memory;
-        for (const Step& step : m_steps) {
-            CKXBitmap& bitmap = m_bitmaps[static_cast<std::size_t>(step.art)];
-            if (step.fill)
-                bitmap.Pave(&dc, step.rect, 0);
-            else
-                bitmap.TransparentDraw(&dc, step.rect.left, step.rect.top, RGB(255, 0, 255), 0);
-        }
-        for (int n = 0; n < 15; ++n)
-            dc.FillSolidRect(20, 82 + n * 20, 720, 20, n % 2 ? RGB(240, 244, 250) : RGB(255, 255, 255));
-    }
-    int OnEraseBkgnd(CDC*) { return 1; }
-    DECLARE_MESSAGE_MAP()
-
-private:
-    const std::vector<Step> m_steps = Steps();
-    std::array<CKXBitmap, arts.size()> m_bitmaps;
 };
-
-BEGIN_MESSAGE_MAP(CBenchWnd, CWnd)
-ON_WM_PAINT()
-ON_WM_ERASEBKGND()
-END_MESSAGE_MAP()
 
 // The same into a buffer that is then shown, with the key colour made transparent beforehand.
 class CairoWindow
@@ -226,13 +151,13 @@ public:
     {
         for (const Art& art : arts) {
             cairo_surface_t* surface = cairo_image_surface_create(
-                art.bKeyed ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24, art.size.cx, art.size.cy);
+                art.bKeyed ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24, art.cx, art.cy);
             const Pixels pixels = PixelsOf(art);
-            for (int y = 0; y < art.size.cy; ++y) {
+            for (int y = 0; y < art.cy; ++y) {
                 auto* row = reinterpret_cast<DWORD*>(cairo_image_surface_get_data(surface) +
                                                      y * cairo_image_surface_get_stride(surface));
-                for (int x = 0; x < art.size.cx; ++x) {
-                    const DWORD pixel = pixels[static_cast<std::size_t>(y * art.size.cx + x)];
+                for (int x = 0; x < art.cx; ++x) {
+                    const DWORD pixel = pixels[static_cast<std::size_t>(y * art.cx + x)];
                     row[x] = art.bKeyed && pixel == dwKey ? 0 : 0xFF000000 | pixel;
                 }
             }
@@ -256,10 +181,10 @@ public:
         cairo_t* cairo = cairo_create(m_buffer);
         for (const Step& step : m_steps)
             Draw(cairo, step);
-        for (int n = 0; n < 15; ++n) {
-            cairo_set_source_rgb(cairo, n % 2 ? 240 / 255. : 1, n % 2 ? 244 / 255. : 1,
-                                 n % 2 ? 250 / 255. : 1);
-            cairo_rectangle(cairo, 20, 82 + n * 20, 720, 20);
+        for (const Stripe& stripe : m_stripes) {
+            cairo_set_source_rgb(cairo, (stripe.color >> 16) / 255., (stripe.color >> 8 & 0xFF) / 255.,
+                                 (stripe.color & 0xFF) / 255.);
+            cairo_rectangle(cairo, stripe.x, stripe.y, stripe.cx, stripe.cy);
             cairo_fill(cairo);
         }
         cairo_destroy(cairo);
@@ -275,18 +200,19 @@ public:
 private:
     void Draw(cairo_t* cairo, const Step& step)
     {
-        cairo_pattern_t* pattern = m_patterns[static_cast<std::size_t>(step.art)];
+        cairo_pattern_t* pattern = m_patterns[step.nArt];
         cairo_matrix_t matrix;
-        cairo_matrix_init_translate(&matrix, -step.rect.left, -step.rect.top);
+        cairo_matrix_init_translate(&matrix, -step.x, -step.y);
         cairo_pattern_set_matrix(pattern, &matrix);
-        cairo_pattern_set_extend(pattern, step.fill ? CAIRO_EXTEND_REPEAT : CAIRO_EXTEND_NONE);
+        cairo_pattern_set_extend(pattern, step.bFill ? CAIRO_EXTEND_REPEAT : CAIRO_EXTEND_NONE);
         cairo_pattern_set_filter(pattern, CAIRO_FILTER_NEAREST);
         cairo_set_source(cairo, pattern);
-        cairo_rectangle(cairo, step.rect.left, step.rect.top, step.rect.Width(), step.rect.Height());
+        cairo_rectangle(cairo, step.x, step.y, step.cx, step.cy);
         cairo_fill(cairo);
     }
 
     const std::vector<Step> m_steps = Steps();
+    const std::vector<Stripe> m_stripes = Stripes();
     std::vector<cairo_pattern_t*> m_patterns;
     cairo_surface_t* m_buffer = cairo_image_surface_create(CAIRO_FORMAT_RGB24, window.cx, window.cy);
     cairo_surface_t* m_shown = cairo_image_surface_create(CAIRO_FORMAT_RGB24, window.cx, window.cy);
@@ -304,7 +230,7 @@ void RepaintOurs(benchmark::State& state)
 {
     KXHost::UseMemoryDesktop();
     CBenchWnd wnd;
-    wnd.CreateEx(0, AfxRegisterWndClass(0), "", WS_POPUP, CRect(0, 0, window.cx, window.cy), nullptr, 0);
+    wnd.Create();
     wnd.ShowWindow(SW_SHOWNA);
     wnd.UpdateWindow();
     if (!IsSame(wnd)) state.SkipWithError("another picture than the peer's");

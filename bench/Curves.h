@@ -1,0 +1,36 @@
+#pragma once
+
+#include "bench/Rows.h"
+
+#include <iosfwd>
+
+namespace bench {
+
+// What a work costs at sizes that users grow to.
+struct Curve
+{
+    struct Point
+    {
+        double size = 0;
+        Side time;
+    };
+
+    std::string name;
+    std::string what;
+    std::string unit;
+    std::vector<Point> points;
+
+    // By which power of the size the time grows up to a point from the one before: 1 is linear.
+    double SlopeTo(std::size_t nPoint) const;
+};
+
+// The curves that have a name that matches a regular expression. One that can't be measured has no points.
+std::vector<Curve> MeasureCurves(const std::string& filter);
+
+void PrintCurves(const std::vector<Curve>& curves);
+// A table in Markdown.
+void WriteCurves(const std::vector<Curve>& curves, std::ostream& out);
+// All of them in one picture, both axes logarithmic.
+void DrawCurves(const std::vector<Curve>& curves, const std::string& strFile);
+
+} // namespace bench
