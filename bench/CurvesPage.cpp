@@ -69,7 +69,8 @@ public:
             Line(out, {left, y}, {left + cx, y}, "#dddddd");
             Text(out, {left - 8, y + 4}, Time(std::pow(10, n)), "end");
         }
-        Text(out, {left + cx / 2, top + cy + 40}, "size: as many as the unit in brackets says", "middle");
+        Text(out, {left + cx / 2, top + cy + 40},
+             "size, in the unit in brackets; the slope is that between the last two sizes", "middle");
         Text(out, {left, top - 12}, "time of one", "start");
     }
 
