@@ -1,13 +1,12 @@
 #include "language/LanguageCheck.h"
 
 #include "KXIniDataMgr.h"
+#include "internal/CheckedFile.h"
 #include "platform/CodePage.h"
 #include "platform/Exception.h"
-#include "platform/StdioFile.h"
 
 #include <algorithm>
 #include <climits>
-#include <cstdint>
 #include <new>
 #include <string>
 #include <unordered_map>
@@ -17,7 +16,7 @@ namespace kx::language {
 namespace {
 
 constexpr std::string_view kMark = "\xEF\xBB\xBF";
-constexpr std::uint64_t kMostBytes = 64 << 20;
+constexpr std::size_t kMostBytes = 64 << 20;
 constexpr char16_t kNoCharacter = u'\xFFFD';
 
 // White space is ASCII and never the second byte of a letter.
@@ -64,20 +63,21 @@ public:
         if (CKXIniDataMgr::GetString(m_strLan, "Language", "Language", "").IsEmpty())
             m_sink({Severity::Error, "language.no-name", m_strLan, 0, 0,
                     "has no key Language in section [Language]: the directory is passed over"});
-        CStdioFile file;
-        if (!file.Open(m_strData, CFile::modeRead | CFile::shareDenyNone)) {
+        CheckedFile file;
+        const auto outcome = file.Open(m_strData, kMostBytes);
+        if (outcome == CheckedFile::Outcome::Unreadable) {
             m_sink({Severity::Error, "language.no-data", m_strData, 0, 0,
                     "can't be read: every text is its key"});
             return false;
         }
-        if (file.GetLength() > kMostBytes) {
+        if (outcome == CheckedFile::Outcome::TooLarge) {
             m_sink({Severity::Error, "language.too-large", m_strData, 0, 0,
                     "is larger than 64 MiB and wasn't looked at"});
             return false;
         }
-        CString strLine;
-        for (m_nLine = 1; file.ReadString(strLine); ++m_nLine)
-            Read(strLine);
+        std::string_view line;
+        for (m_nLine = 1; file.Next(line); ++m_nLine)
+            Read(line);
         if (m_nUtf8 > 0 && m_nUtf8 == m_nForeign)
             m_sink({Severity::Error, "language.utf-8", m_strData, 0, 0,
                     "seems to be UTF-8, and is read in another code page"});

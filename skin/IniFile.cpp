@@ -1,12 +1,12 @@
 #include "skin/IniFile.h"
 
+#include "internal/CheckedFile.h"
 #include "platform/CodePage.h"
 #include "platform/Exception.h"
-#include "platform/StdioFile.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <iterator>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -15,7 +15,7 @@ namespace kx::skin {
 namespace {
 
 constexpr std::size_t kMostLines = 100'000;
-constexpr std::uint64_t kMostBytes = 16 << 20; // of INI files that are read
+constexpr std::size_t kMostBytes = 16 << 20; // of INI files that are read
 constexpr std::string_view kMark = "\xEF\xBB\xBF";
 
 // A piece of a line, with its place there.
@@ -54,15 +54,13 @@ int ColumnOf(std::string_view line, std::size_t at)
 
 bool ReadIniLines(const CString& strFile, std::vector<IniLine>& lines, bool& bAll)
 try {
-    CStdioFile file;
-    if (!file.Open(strFile, CFile::modeRead | CFile::shareDenyNone)) return false;
-    if (file.GetLength() > kMostBytes) return false;
+    CheckedFile file;
+    if (file.Open(strFile, kMostBytes) != CheckedFile::Outcome::Read) return false;
     CString strSection;
-    CString strLine;
-    for (int nLine = 1; file.ReadString(strLine); ++nLine) {
+    std::string_view all;
+    for (int nLine = 1; file.Next(all); ++nLine) {
         bAll = lines.size() < kMostLines;
         if (!bAll) break;
-        const std::string_view all = strLine;
         const bool bMark = nLine == 1 && all.starts_with(kMark);
         const Piece line = Piece{all, 0}.Part(bMark ? kMark.size() : 0).Trimmed();
         if (line.text.empty() || line.text[0] == ';') continue;
@@ -88,7 +86,9 @@ try {
         lines.push_back(std::move(found));
     }
     return true;
-} catch (CException* pException) {
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
+} catch (CFileException* pException) {
     pException->Delete();
     return false;
 }

@@ -31,9 +31,9 @@ namespace {
 constexpr int kMostEntries = 10'000;
 constexpr int kMostValue = 255;
 
-bool SameName(std::string_view a, std::string_view b)
+bool SameName(const char* pszKnown, const CString& str)
 {
-    return CString(a).CompareNoCase(CString(b)) == 0;
+    return str.CompareNoCase(pszKnown) == 0;
 }
 
 // How many letters have to change, come or go to make one word of the other, case aside.
@@ -415,7 +415,7 @@ void Checker::CheckEntries(const CString& strBelow)
 
 void Checker::CheckEntry(const CString& strName, bool bDirectory)
 {
-    if (bDirectory || SameName(strName, "Skin.ini")) return;
+    if (bDirectory || SameName("Skin.ini", strName)) return;
     Nearest nearest(strName);
     for (const SkinFile& file : kFiles) {
         nearest.Offer(file.pszPath);

@@ -27,13 +27,13 @@ std::string JsonText(std::string_view text)
 }
 
 // A path of the library as people write it, below the tree that was checked.
-std::string Shown(const CString& strFile, const std::string& strRoot)
+std::string Shown(const CString& strFile, const std::filesystem::path& root)
 {
     const std::string path = KXHost::ToSystemPath(strFile);
     if (path.empty()) return KXText::ToUtf8(strFile);
-    std::error_code error;
-    const auto relative = std::filesystem::relative(path, strRoot, error);
-    return error || relative.empty() ? path : relative.string();
+    // By the names alone: what a link leads to isn't what its author looks for.
+    const auto relative = std::filesystem::path(path).lexically_relative(root);
+    return relative.empty() ? path : relative.string();
 }
 
 const char* Plural(std::size_t n)
@@ -81,15 +81,19 @@ bool Findings::HasErrors() const
                        [](const Finding& finding) { return finding.severity == Severity::Error; });
 }
 
-int Findings::Print(const std::string& strRoot, bool bJson)
+int Findings::Print(const std::string& strDir, bool bJson)
 {
+    const auto root = std::filesystem::absolute(strDir).lexically_normal();
     std::stable_sort(m_all.begin(), m_all.end(), [](const Finding& a, const Finding& b) {
         return std::tie(a.strFile, a.nLine, a.nColumn) < std::tie(b.strFile, b.nLine, b.nColumn);
     });
     std::array<std::size_t, 3> counts{};
     std::string out = bJson ? "{\"findings\":[" : "";
+    std::string file;
+    const CString* pLast = nullptr; // whose name `file` is
     for (const Finding& finding : m_all) {
-        const std::string file = Printable(Shown(finding.strFile, strRoot));
+        if (!pLast || *pLast != finding.strFile) file = Printable(Shown(finding.strFile, root));
+        pLast = &finding.strFile;
         const std::string text = Printable(KXText::ToUtf8(finding.strText));
         const char* const pszName = NameOf(finding.severity);
         if (bJson) {

@@ -27,9 +27,9 @@ public:
     const std::vector<Finding>& All() const { return m_all; }
 
     // Writes all to the standard output, in order of file and line: a line for each, as compilers do, and a
-    // sum; or with `bJson` one JSON object. Files are named from `strRoot`, the Linux path of what was
+    // sum; or with `bJson` one JSON object. Files are named from `strDir`, the Linux path of what was
     // checked, on. The exit code.
-    int Print(const std::string& strRoot, bool bJson);
+    int Print(const std::string& strDir, bool bJson);
 
 private:
     std::vector<Finding> m_all;

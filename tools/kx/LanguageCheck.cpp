@@ -34,7 +34,7 @@ std::vector<Language> ReadLanguages(const std::string& dir, const FindingSink& s
         const CString strDir = LibraryPath(dir + "/" + id, true);
         if (strDir.IsEmpty()) continue;
         Language one{id, strDir, {}};
-        language::ReadLanguage(strDir, one.texts, sink);
+        one.bRead = language::ReadLanguage(strDir, one.texts, sink);
         languages.push_back(std::move(one));
     }
     return languages;
@@ -232,11 +232,17 @@ int CheckLanguages(Arguments& arguments)
     if (base == languages.end()) return Complain("there is no language " + *baseId + " below " + *dir);
     Sources sources;
     if (pattern && !ReadSources(*pattern, sources)) return Complain("no file matches " + *pattern);
-    Comparison comparison(*base, findings);
-    for (const Language& one : languages)
-        if (one.id != base->id) comparison.Compare(one);
+    {
+        Progress progress;
+        Comparison comparison(*base, findings);
+        for (const Language& one : languages) {
+            if (one.id == base->id || !one.bRead) continue;
+            progress.At("comparing " + one.id);
+            comparison.Compare(one);
+        }
+    }
     if (pattern) CheckSources(sources, languages, findings);
-    return findings.Print(fs::absolute(*dir).string(), bJson);
+    return findings.Print(*dir, bJson);
 }
 
 } // namespace kx::tool

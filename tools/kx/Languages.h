@@ -14,6 +14,7 @@ struct Language
     std::string id;
     CString strDir; // ends in a backslash
     std::vector<language::Text> texts;
+    bool bRead = true; // whether it could be read at all
 };
 
 // All directories below `dir` as languages, by name, with what is wrong with their files.

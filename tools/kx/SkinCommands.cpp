@@ -25,11 +25,11 @@ int CheckSkin(Arguments& arguments)
         Progress progress;
         const FindingSink add = findings.Sink();
         skin::CheckSkin(strDir, [&](const Finding& finding) {
-            progress.At("checking " + KXText::ToUtf8(finding.strFile));
+            progress.At("checking " + KXText::ToUtf8(finding.strFile.Mid(strDir.GetLength())));
             add(finding);
         });
     }
-    return findings.Print(std::filesystem::absolute(*dir).string(), bJson);
+    return findings.Print(*dir, bJson);
 }
 
 int PreviewSkin(Arguments& arguments)

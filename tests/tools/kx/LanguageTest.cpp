@@ -93,6 +93,9 @@ TEST_F(Languages, ComparesWithTheBase)
     const auto clean = test::Kx(dir, "language check l --base B");
     EXPECT_EQ(clean.nCode, 0);
     EXPECT_EQ(clean.last, "0 errors, 0 warnings, 0 notes");
+    std::filesystem::remove(dir.Path("l/A/Data.txt")); // not each of its texts is told of
+    EXPECT_THAT(test::Kx(dir, "language check l --base B").lines,
+                ElementsAre("A/Data.txt: error: can't be read: every text is its key [language.no-data]"));
     EXPECT_EQ(test::Kx(dir, "language check l --base Z").nCode, 2);
     EXPECT_EQ(test::Kx(dir, "language check none").nCode, 2);
 }

@@ -190,6 +190,10 @@ TEST_F(Skin, AnyTreeEnds)
     std::filesystem::remove(dir.Path("s/Skin.ini"));
     mkfifo(dir.Path("s/Skin.ini").c_str(), 0600);
     EXPECT_EQ(test::Kx(dir, "skin check s").nCode, 1);
+    std::filesystem::remove(dir.Path("s/Skin.ini"));
+    std::filesystem::create_symlink("/dev/zero", dir.Path("s/Skin.ini"));
+    EXPECT_THAT(test::Kx(dir, "skin check s").lines,
+                testing::Contains(HasSubstr("Skin.ini: error: can't be read")));
     EXPECT_EQ(test::Kx(dir, "skin check none").nCode, 2);
     EXPECT_EQ(test::Kx(dir, "skin check").nCode, 2);
     EXPECT_EQ(test::Kx(dir, "skin nothing s").nCode, 2);
