@@ -35,11 +35,6 @@ bool IsKey(UINT nMsg) noexcept
     return nMsg == WM_KEYDOWN || nMsg == WM_KEYUP || nMsg == WM_SYSKEYDOWN || nMsg == WM_SYSKEYUP;
 }
 
-LPARAM PlaceOf(int x, int y) noexcept
-{
-    return static_cast<LPARAM>(static_cast<WORD>(x) | DWORD{static_cast<WORD>(y)} << 16);
-}
-
 void LearnKey(Input& input, const MSG& msg)
 {
     const std::size_t key = msg.wParam & 0xFF;
@@ -58,8 +53,8 @@ void Redirect(const Input& input, MSG& msg)
     const RECT now = to->Rect();
     msg.hwnd = input.capture;
     if (msg.message != WM_MOUSEWHEEL)
-        msg.lParam = PlaceOf(GET_X_LPARAM(msg.lParam) + old.left - now.left,
-                             GET_Y_LPARAM(msg.lParam) + old.top - now.top);
+        msg.lParam = PlaceOf(
+            {GET_X_LPARAM(msg.lParam) + old.left - now.left, GET_Y_LPARAM(msg.lParam) + old.top - now.top});
 }
 
 bool IsSecondPress(const MSG& first, const MSG& second) noexcept
@@ -90,7 +85,7 @@ bool HearMouse(Input& input, MSG& msg)
     if (IsButtonDown(msg.message)) LearnPress(input, *window, msg);
     if (!input.capture && msg.message != WM_MOUSEWHEEL)
         window->Call(WM_SETCURSOR, reinterpret_cast<WPARAM>(msg.hwnd),
-                     PlaceOf(HTCLIENT, static_cast<int>(msg.message)));
+                     PlaceOf({HTCLIENT, static_cast<LONG>(msg.message)}));
     return !window->ended;
 }
 

@@ -238,10 +238,7 @@ void X11Desktop::SetCursor(HWND hWnd, HCURSOR hCursor)
 
 void X11Desktop::SetCaret(HWND hWnd, POINT place)
 {
-    const Access server(Session());
-    if (!server || !server->method.IsThere()) return;
-    const int nScale = server->connection.GetView().scale;
-    server->method.SetCaret(server->own.NumberOf(hWnd), {place.x * nScale, place.y * nScale});
+    if (const Access server(Session()); server) server->own.SetCaret(hWnd, place);
 }
 
 void X11Desktop::SetIcon(HWND hWnd, const gdi::Surface* pixels)

@@ -16,6 +16,8 @@ class Peer
 public:
     explicit Peer(int fd) : m_fd(fd) {}
 
+    int Socket() const { return m_fd; }
+
     // The next request up to its blank line; empty once the client has hung up.
     std::string Request();
     // False once the client has hung up.

@@ -113,13 +113,18 @@ public:
     auto Wait(Call call) const noexcept KX_NO_LOCK_ANALYSIS
     {
         useLock.unlock();
+        turnLock.lock();
         auto answer = call();
+        turnLock.unlock();
         useLock.lock();
         return answer;
     }
 
     const Atoms atoms;
     mutable sync::Mutex useLock; // guards what stands on the connection (see Access)
+    // Held while an answer is awaited, after the other has been let go: where the connection ends while two
+    // threads wait, xcb searches its list of them without end.
+    mutable sync::Mutex turnLock;
 
 private:
     struct Disconnect

@@ -25,11 +25,6 @@ const T& As(const xcb_generic_event_t& event) noexcept
     return reinterpret_cast<const T&>(event);
 }
 
-LPARAM PlaceOf(POINT at) noexcept
-{
-    return static_cast<LPARAM>(static_cast<WORD>(at.x) | DWORD{static_cast<WORD>(at.y)} << 16);
-}
-
 UINT HeldOf(std::uint16_t state) noexcept
 {
     UINT held = 0;
@@ -60,6 +55,10 @@ constexpr xcb_button_t kWheelDown = 5;
 Events::Events(std::shared_ptr<Session> session)
     : m_session(std::move(session)), m_keyboard(m_session->connection->Get())
 {
+    m_session->Ask([this] {
+        m_keyboard.Begin();
+        if (InputMethod::IsWanted()) m_method.emplace(*m_session->connection);
+    });
 }
 
 void Events::Run()
@@ -76,6 +75,7 @@ void Events::Run()
 Events::Event Events::Next()
 {
     if (m_next) return std::move(m_next);
+    xcb_flush(m_session->connection->Get()); // what the input method is told
     return Own(xcb_wait_for_event(m_session->connection->Get()));
 }
 
@@ -87,11 +87,7 @@ const xcb_generic_event_t* Events::Peek()
 
 void Events::Handle(xcb_generic_event_t& event)
 {
-    if (Access(m_session)->method.IsThere()) {
-        const bool bFiltered = Access(m_session)->method.Filter(event);
-        HearGifts();
-        if (bFiltered) return;
-    }
+    if (m_method && IsTaken(event)) return;
     switch (KindOf(event)) {
     case XCB_EXPOSE:
         return OnExpose(As<xcb_expose_event_t>(event));
@@ -124,6 +120,19 @@ void Events::Handle(xcb_generic_event_t& event)
         if (m_session->connection->IsMonitorChange(event)) OnView();
         if (m_keyboard.IsChange(event)) OnKeyboardChange();
     }
+}
+
+// Whether an event was the input method's own affair.
+bool Events::IsTaken(xcb_generic_event_t& event)
+{
+    const bool bTaken = m_session->Ask([&] { return m_method->Filter(event); });
+    for (const auto& gift : m_method->Take()) {
+        const HWND hWnd = HandleOf(gift.window);
+        if (!hWnd) continue;
+        if (gift.key) HearKey(hWnd, *gift.key);
+        HearText(hWnd, gift.text, WM_CHAR, 1);
+    }
+    return bTaken;
 }
 
 HWND Events::HandleOf(xcb_window_t id)
@@ -160,7 +169,7 @@ void Events::OnConfigure(const xcb_configure_notify_event_t& event, std::uint32_
 // The desktop has another size, or lies elsewhere on the screen, and its windows with it.
 void Events::OnView()
 {
-    if (!m_session->connection->LearnView()) return;
+    if (!m_session->Ask([this] { return m_session->connection->LearnView(); })) return;
     {
         const sync::MutexLock lock(gdi::pixelLock);
         screen::Screen::Instance().Forget();
@@ -197,7 +206,7 @@ void Events::OnKeyboardChange()
 {
     while (Peek() && m_keyboard.IsChange(*Peek()))
         m_next.reset();
-    m_keyboard.Reload();
+    m_session->Ask([this] { m_keyboard.Reload(); });
 }
 
 // A manager's keys grab the keyboard for a moment, which moves no focus; nor does the pointer's place.
@@ -208,7 +217,7 @@ void Events::OnFocus(const xcb_focus_in_event_t& event, std::uint32_t sequence, 
     const HWND hWnd = HandleOf(event.event);
     const bool bNews = Access(m_session)->own.LearnFocus(event.event, bHas, sequence);
     if (bHas) m_held.reset(); // what went up elsewhere wasn't told here
-    Access(m_session)->method.Focus(bHas ? event.event : 0);
+    if (m_method) m_session->Ask([&] { m_method->Focus(bHas ? event.event : 0); });
     if (bNews && hWnd) PostChore(hWnd, bHas ? Chore::GainFocus : Chore::LoseFocus);
 }
 
@@ -261,18 +270,9 @@ void Events::OnKey(const xcb_key_press_event_t& event)
 {
     const HWND hWnd = HandleOf(event.event);
     if (!hWnd) return;
-    const bool bTaken = Access(m_session)->method.Offer(event);
-    if (!bTaken) HearKey(hWnd, event);
-}
-
-void Events::HearGifts()
-{
-    for (const auto& gift : Access(m_session)->method.Take()) {
-        const HWND hWnd = HandleOf(gift.window);
-        if (!hWnd) continue;
-        if (gift.key) HearKey(hWnd, *gift.key);
-        HearText(hWnd, gift.text, WM_CHAR, 1);
-    }
+    const POINT caret = Access(m_session)->own.CaretOf(hWnd);
+    if (m_method && m_session->Ask([&] { return m_method->Offer(event, caret); })) return;
+    HearKey(hWnd, event);
 }
 
 void Events::HearKey(HWND hWnd, const xcb_key_press_event_t& event)

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "platform/window/x11/Connection.h"
+#include "platform/window/x11/InputMethod.h"
 #include "platform/window/x11/Keyboard.h"
 #include "platform/window/x11/Session.h"
 
 #include <bitset>
+#include <optional>
 
 namespace kx::window::x11 {
 
@@ -25,6 +27,7 @@ private:
     // The next of those that have come already, which stays the next; null for none.
     const xcb_generic_event_t* Peek();
     void Handle(xcb_generic_event_t& event);
+    bool IsTaken(xcb_generic_event_t& event);
 
     void OnExpose(const xcb_expose_event_t& event);
     void OnConfigure(const xcb_configure_notify_event_t& event, std::uint32_t sequence);
@@ -34,7 +37,6 @@ private:
     void OnKeyboardChange();
     void OnView();
     void OnLeave(const xcb_leave_notify_event_t& event);
-    void HearGifts();
     void HearKey(HWND hWnd, const xcb_key_press_event_t& event);
     void HearText(HWND hWnd, const std::string& text, UINT nMsg, LPARAM lParam);
     void OnMotion(const xcb_motion_notify_event_t& event);
@@ -48,6 +50,7 @@ private:
 
     const std::shared_ptr<Session> m_session;
     Keyboard m_keyboard;
+    std::optional<InputMethod> m_method;
     Event m_next;
     std::bitset<256> m_held; // the keys that are down
 };

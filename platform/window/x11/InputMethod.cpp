@@ -9,13 +9,6 @@ namespace kx::window::x11 {
 
 namespace {
 
-bool IsWanted() noexcept
-{
-    const char* pszModifiers = std::getenv("XMODIFIERS");
-    const char* pszMethod = pszModifiers ? std::strstr(pszModifiers, "@im=") : nullptr;
-    return pszMethod && std::strcmp(pszMethod, "@im=none") != 0 && pszMethod[4] != '\0';
-}
-
 std::string ToUtf8(xcb_xim_t* method, const char* text, std::size_t nLength)
 {
     if (xcb_xim_get_encoding(method) == XCB_XIM_UTF8_STRING) return {text, nLength};
@@ -26,9 +19,16 @@ std::string ToUtf8(xcb_xim_t* method, const char* text, std::size_t nLength)
 
 } // namespace
 
+bool InputMethod::IsWanted() noexcept
+{
+    const char* pszModifiers = std::getenv("XMODIFIERS");
+    const char* pszMethod = pszModifiers ? std::strstr(pszModifiers, "@im=") : nullptr;
+    return pszMethod && std::strcmp(pszMethod, "@im=none") != 0 && pszMethod[4] != '\0';
+}
+
+// One that is started later, or again, is found too.
 InputMethod::InputMethod(const Connection& connection)
 {
-    if (!IsWanted()) return;
     xcb_compound_text_init();
     m_method.reset(xcb_xim_create(connection.Get(), connection.Number(), nullptr));
     if (!m_method) return;
@@ -49,11 +49,17 @@ InputMethod::InputMethod(const Connection& connection)
     };
     calls.disconnected = [](xcb_xim_t*, void* self) {
         auto& method = *static_cast<InputMethod*>(self);
-        method.m_open = method.m_making = false;
+        method.m_open = method.m_asked = false;
         method.m_context = 0;
     };
     xcb_xim_set_im_callback(m_method.get(), &calls, this);
-    Open();
+    const auto opened = [](xcb_xim_t*, void* self) {
+        auto& method = *static_cast<InputMethod*>(self);
+        method.m_open = true;
+        method.m_steps.emplace_back([&method] { method.MakeContext(); });
+    };
+    constexpr bool bAlways = true;
+    xcb_xim_open(m_method.get(), opened, bAlways, this);
 }
 
 InputMethod::~InputMethod()
@@ -61,80 +67,87 @@ InputMethod::~InputMethod()
     if (m_method) xcb_xim_close(m_method.get());
 }
 
-// Also one that is started later, or again, is found.
-void InputMethod::Open()
-{
-    const auto opened = [](xcb_xim_t*, void* self) {
-        auto& method = *static_cast<InputMethod*>(self);
-        method.m_open = true;
-        method.MakeContext();
-    };
-    constexpr bool bAlways = true;
-    xcb_xim_open(m_method.get(), opened, bAlways, this);
-}
-
 bool InputMethod::Filter(xcb_generic_event_t& event)
 {
-    return m_method && xcb_xim_filter_event(m_method.get(), &event);
+    if (!m_method) return false;
+    const bool bTaken = xcb_xim_filter_event(m_method.get(), &event);
+    DoSteps();
+    return bTaken;
 }
 
-bool InputMethod::Offer(xcb_key_press_event_t event)
+void InputMethod::Do(std::function<void()> step)
+{
+    m_steps.push_back(std::move(step));
+    DoSteps();
+}
+
+void InputMethod::DoSteps()
+{
+    while (!m_asked && !m_steps.empty()) {
+        const auto step = std::move(m_steps.front());
+        m_steps.pop_front();
+        step();
+    }
+}
+
+// Where the text is comes before each press, since the window may have been moved meanwhile. While a context
+// is still to be made the key waits for it.
+bool InputMethod::Offer(xcb_key_press_event_t event, POINT caret)
 {
     const bool bPress = (event.response_type & 0x7F) == XCB_KEY_PRESS;
     const std::uint32_t kind = bPress ? XCB_EVENT_MASK_KEY_PRESS : XCB_EVENT_MASK_KEY_RELEASE;
-    if (!m_method || !m_context || event.event != m_focus || !(m_wanted & kind)) return false;
-    return xcb_xim_forward_event(m_method.get(), m_context, &event);
+    const bool bComes = m_context || m_asked || !m_steps.empty();
+    if (!m_open || !bComes || event.event != m_focus || !(m_wanted & kind)) return false;
+    const auto tellCaret = [this, caret] {
+        const xcb_point_t spot{static_cast<std::int16_t>(caret.x), static_cast<std::int16_t>(caret.y)};
+        const auto nested =
+            xcb_xim_create_nested_list(m_method.get(), XCB_XIM_XNSpotLocation, &spot, nullptr);
+        const auto told = [](xcb_xim_t*, xcb_xic_t, void* self) {
+            static_cast<InputMethod*>(self)->m_asked = false;
+        };
+        m_asked = m_context && xcb_xim_set_ic_values(m_method.get(), m_context, told, this,
+                                                     XCB_XIM_XNPreeditAttributes, &nested, nullptr);
+        std::free(nested.data);
+    };
+    if (bPress) Do(tellCaret);
+    Do([this, event]() mutable {
+        if (m_context)
+            xcb_xim_forward_event(m_method.get(), m_context, &event);
+        else
+            m_gifts.push_back({event.event, {}, event});
+    });
+    return true;
 }
 
 void InputMethod::Focus(xcb_window_t window)
 {
     if (!m_method || window == m_focus) return;
     m_focus = window;
-    if (m_caretWindow != window) m_caret = {};
-    if (m_context) {
+    Do([this] {
+        if (!m_context) return;
+        const auto ended = [](xcb_xim_t*, xcb_xic_t, void* self) {
+            static_cast<InputMethod*>(self)->m_asked = false;
+        };
         xcb_xim_unset_ic_focus(m_method.get(), m_context);
-        xcb_xim_destroy_ic(m_method.get(), std::exchange(m_context, 0), nullptr, nullptr);
-    }
-    MakeContext();
+        m_asked = xcb_xim_destroy_ic(m_method.get(), std::exchange(m_context, 0), ended, this);
+    });
+    Do([this] { MakeContext(); });
 }
 
 void InputMethod::MakeContext()
 {
-    if (!m_open || m_making || !m_focus) return;
+    if (!m_open || m_context || !m_focus) return;
     const auto made = [](xcb_xim_t* im, xcb_xic_t context, void* self) {
         auto& method = *static_cast<InputMethod*>(self);
-        method.m_making = false;
-        if (!context) return;
+        method.m_asked = false;
         method.m_context = context;
-        xcb_xim_set_ic_focus(im, context);
-        method.TellCaret();
+        if (context) xcb_xim_set_ic_focus(im, context);
     };
-    m_wanted =
-        XCB_EVENT_MASK_KEY_PRESS; // until it says what it wants, which may be before the context is made
+    // Until it says what it wants, which may be before the context is made.
+    m_wanted = XCB_EVENT_MASK_KEY_PRESS;
     const std::uint32_t style = XCB_IM_PreeditPosition | XCB_IM_StatusNothing;
-    const xcb_point_t spot{static_cast<std::int16_t>(m_caret.x), static_cast<std::int16_t>(m_caret.y)};
-    const auto nested = xcb_xim_create_nested_list(m_method.get(), XCB_XIM_XNSpotLocation, &spot, nullptr);
-    m_making = xcb_xim_create_ic(m_method.get(), made, this, XCB_XIM_XNInputStyle, &style,
-                                 XCB_XIM_XNClientWindow, &m_focus, XCB_XIM_XNFocusWindow, &m_focus,
-                                 XCB_XIM_XNPreeditAttributes, &nested, nullptr);
-    std::free(nested.data);
-}
-
-void InputMethod::SetCaret(xcb_window_t window, POINT place)
-{
-    m_caretWindow = window; // which may be about to get the focus
-    m_caret = place;
-    if (window == m_focus) TellCaret();
-}
-
-void InputMethod::TellCaret()
-{
-    if (!m_context) return;
-    const xcb_point_t spot{static_cast<std::int16_t>(m_caret.x), static_cast<std::int16_t>(m_caret.y)};
-    const auto nested = xcb_xim_create_nested_list(m_method.get(), XCB_XIM_XNSpotLocation, &spot, nullptr);
-    xcb_xim_set_ic_values(m_method.get(), m_context, nullptr, nullptr, XCB_XIM_XNPreeditAttributes, &nested,
-                          nullptr);
-    std::free(nested.data);
+    m_asked = xcb_xim_create_ic(m_method.get(), made, this, XCB_XIM_XNInputStyle, &style,
+                                XCB_XIM_XNClientWindow, &m_focus, XCB_XIM_XNFocusWindow, &m_focus, nullptr);
 }
 
 } // namespace kx::window::x11

@@ -153,21 +153,24 @@ Keyboard::Keyboard(xcb_connection_t* connection)
         xkb_context_set_log_level(m_context.get(), XKB_LOG_LEVEL_CRITICAL); // a lost server is no news
     const std::unique_ptr<xkb_compose_table, Unref> deadKeys(m_context ? DeadKeys(m_context.get()) : nullptr);
     if (deadKeys) m_compose.reset(xkb_compose_state_new(deadKeys.get(), XKB_COMPOSE_STATE_NO_FLAGS));
-    xkb_x11_setup_xkb_extension(connection, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
+}
+
+void Keyboard::Begin()
+{
+    xkb_x11_setup_xkb_extension(m_connection, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
                                 XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, &m_firstEvent,
                                 nullptr);
+    if (!m_firstEvent) return; // a request of an extension that isn't there would end the connection
     // From here on the server tells of changes by events of the extension alone, and only if asked.
     constexpr std::uint16_t events = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
     constexpr std::uint16_t allParts = 0xFF;
-    if (m_firstEvent)
-        xcb_xkb_select_events(connection, XCB_XKB_ID_USE_CORE_KBD, events, 0, events, allParts, allParts,
-                              nullptr);
+    xcb_xkb_select_events(m_connection, XCB_XKB_ID_USE_CORE_KBD, events, 0, events, allParts, allParts,
+                          nullptr);
     // A held key repeats as presses alone, without releases in between.
     constexpr std::uint32_t repeats = XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT;
-    if (m_firstEvent)
-        xcb_discard_reply(connection, xcb_xkb_per_client_flags(connection, XCB_XKB_ID_USE_CORE_KBD, repeats,
-                                                               repeats, 0, 0, 0)
-                                          .sequence);
+    xcb_discard_reply(
+        m_connection,
+        xcb_xkb_per_client_flags(m_connection, XCB_XKB_ID_USE_CORE_KBD, repeats, repeats, 0, 0, 0).sequence);
     Reload();
 }
 
@@ -183,8 +186,9 @@ void Keyboard::Reload()
 {
     m_state.reset();
     m_keymap.reset();
+    if (!m_context || !m_firstEvent) return;
     const std::int32_t nDevice = xkb_x11_get_core_keyboard_device_id(m_connection);
-    if (!m_context || nDevice < 0) return;
+    if (nDevice < 0) return;
     m_keymap.reset(
         xkb_x11_keymap_new_from_device(m_context.get(), m_connection, nDevice, XKB_KEYMAP_COMPILE_NO_FLAGS));
     if (m_keymap) m_state.reset(xkb_state_new(m_keymap.get()));
@@ -235,15 +239,8 @@ Keyboard::Key Keyboard::Read(xcb_keycode_t code, std::uint16_t held, bool bDown)
         xkb_state_mod_name_is_active(m_state.get(), XKB_MOD_NAME_ALT, XKB_STATE_MODS_EFFECTIVE) > 0;
     key.alt = bAlt || symbol == XKB_KEY_Alt_L || symbol == XKB_KEY_Alt_R;
     if (!bDown || key.number == VK_DELETE) return key;
-    if (bAlt) {
-        key.text = TextOf(code);
-        return key;
-    }
-    if (auto composed = Compose(symbol)) {
-        key.text = std::move(*composed);
-        return key;
-    }
-    key.text = TextOf(code);
+    auto composed = bAlt ? std::nullopt : Compose(symbol);
+    key.text = composed ? std::move(*composed) : TextOf(code);
     return key;
 }
 

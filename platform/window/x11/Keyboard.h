@@ -16,9 +16,12 @@ class Keyboard
 {
 public:
     explicit Keyboard(xcb_connection_t* connection);
+    // Asks the server for its keys; until then, and without an answer, no key means anything.
+    void Begin();
 
     // Whether the event tells that keys have got other meanings.
     bool IsChange(const xcb_generic_event_t& event) const noexcept;
+    // Asks again.
     void Reload();
 
     struct Key
@@ -49,8 +52,7 @@ private:
     std::uint8_t m_firstEvent = 0; // of those about keyboards; 0 for a server that has none
     std::unique_ptr<xkb_context, Unref> m_context;
     std::unique_ptr<xkb_compose_state, Unref> m_compose; // null where the system has no table of dead keys
-    std::unique_ptr<xkb_keymap, Unref>
-        m_keymap; // null where the server tells none: then no key means anything
+    std::unique_ptr<xkb_keymap, Unref> m_keymap;         // null where the server tells none
     std::unique_ptr<xkb_state, Unref> m_state;
 };
 

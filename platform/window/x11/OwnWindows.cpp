@@ -180,6 +180,19 @@ void OwnWindows::SetCursor(HWND hWnd, HCURSOR hCursor)
     xcb_change_window_attributes(m_connection.Get(), entry->id, XCB_CW_CURSOR, &cursor);
 }
 
+void OwnWindows::SetCaret(HWND hWnd, POINT place)
+{
+    if (Entry* entry = Find(hWnd)) entry->caret = place;
+}
+
+POINT OwnWindows::CaretOf(HWND hWnd) const noexcept
+{
+    const auto it = m_entries.find(hWnd);
+    if (it == m_entries.end()) return {};
+    const int nScale = m_connection.GetView().scale;
+    return {it->second.caret.x * nScale, it->second.caret.y * nScale};
+}
+
 xcb_window_t OwnWindows::NumberOf(HWND hWnd) const noexcept
 {
     const auto it = m_entries.find(hWnd);

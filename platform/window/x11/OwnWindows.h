@@ -26,7 +26,10 @@ public:
     void Focus(HWND hWnd);
     void SetOwner(HWND hWnd, HWND hOwner);
     void SetCursor(HWND hWnd, HCURSOR hCursor);
+    void SetCaret(HWND hWnd, POINT place);
 
+    // Where text is being written in a window, in the server's pixels.
+    POINT CaretOf(HWND hWnd) const noexcept;
     // Null or 0 for none.
     xcb_window_t NumberOf(HWND hWnd) const noexcept;
     HWND HandleOf(xcb_window_t id) const noexcept;
@@ -61,6 +64,7 @@ private:
         bool topmost = false;
         bool modal = false; // takes the input of its owner
         HCURSOR cursor = nullptr;
+        POINT caret{};
         bool framed = false;                    // lies in a window of the manager's
         RECT place{};                           // as the server has it, or was told last
         std::optional<std::uint32_t> placing{}; // the request that told it, until the server has come to it

@@ -4,7 +4,6 @@
 #include "platform/sync/Mutex.h"
 #include "platform/window/Window.h"
 #include "platform/window/x11/ForeignWindows.h"
-#include "platform/window/x11/InputMethod.h"
 #include "platform/window/x11/OwnWindows.h"
 #include "platform/window/x11/PixelPort.h"
 #include "platform/window/x11/Watch.h"
@@ -15,14 +14,10 @@
 
 namespace kx::window::x11 {
 
-// The state of one connection: its windows, the screen's pixels and the input method. Reached through Access
-// alone.
+// The state of one connection: its windows and the screen's pixels. Reached through Access alone.
 struct SessionState
 {
-    explicit SessionState(Connection& used)
-        : connection(used), own(used), foreign(used), pixels(used), method(used)
-    {
-    }
+    explicit SessionState(Connection& used) : connection(used), own(used), foreign(used), pixels(used) {}
 
     // Shows a rectangle of a window's pixels, if there is something to see of it.
     void Put(const Window& window, const RECT& rect)
@@ -34,7 +29,6 @@ struct SessionState
     OwnWindows own;
     ForeignWindows foreign;
     PixelPort pixels;
-    InputMethod method;
 };
 
 // All that works with one connection to a server.
@@ -44,6 +38,15 @@ public:
     Session(std::unique_ptr<Connection> opened, std::chrono::milliseconds limit)
         : connection(std::move(opened)), watch(*connection, limit), m_state(*connection)
     {
+    }
+
+    // Runs what waits for answers of the server, without an Access.
+    template <class Call>
+    auto Ask(Call call)
+    {
+        const Watch::Use use(watch);
+        const sync::MutexLock lock(connection->turnLock);
+        return call();
     }
 
     const std::unique_ptr<Connection> connection;

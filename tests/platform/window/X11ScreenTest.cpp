@@ -1,7 +1,5 @@
-// Screens of more than one monitor, of fine dots, and servers that stop or go.
+// Screens of more than one monitor, and of fine dots.
 
-#include "include/KXTipWnd.h"
-#include "include/platform/MessageBox.h"
 #include "tests/platform/window/X11Support.h"
 
 #include <cstdlib>
@@ -21,10 +19,10 @@ protected:
         Begin();
     }
     // The same server, as one finds it who comes now.
-    void Reopen(DWORD dwLimit = KXHost::ANSWER_LIMIT)
+    void Reopen()
     {
         ASSERT_TRUE(KXHost::UseMemoryDesktop());
-        ASSERT_TRUE(KXHost::UseDisplay(server->Name().c_str(), dwLimit));
+        ASSERT_TRUE(KXHost::UseDisplay(server->Name().c_str()));
     }
     static RECT DesktopRect()
     {
@@ -109,171 +107,6 @@ TEST_F(X11ScreenTest, TheEnvironmentHasTheLastWordOfTheScale)
         EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), width) << word;
     }
     unsetenv("KX_SCALE");
-}
-
-// A server that says nothing any more holds nobody up for longer than it was given.
-TEST_F(X11ScreenTest, AServerThatStopsIsGivenUp)
-{
-    constexpr DWORD limit = 400;
-    Reopen(limit);
-    ColorWindow window(kRed, {0, 0, 300, 300});
-    const WindowThread another;
-    ShowSeen(window, kRed, 50, 50);
-    // Whoever hears of a key has asked the server for all that it needs to know of the keyboard.
-    const xcb_keycode_t key = outside->KeyOf('a');
-    outside->Key(key, true);
-    outside->Key(key, false);
-    ASSERT_TRUE(Pump([&] { return window.heard.find("keyup") != std::string::npos; })) << window.heard;
-    server->Stop();
-    std::chrono::milliseconds longest{0};
-    const bool ended = Pump([&] {
-        const auto begin = std::chrono::steady_clock::now();
-        InvalidateRect(window.handle, nullptr, 0);
-        UpdateWindow(window.handle);
-        const auto took = std::chrono::steady_clock::now() - begin;
-        longest = std::max(longest, std::chrono::duration_cast<std::chrono::milliseconds>(took));
-        return !IsWindow(window.handle) && !IsWindow(another.Window());
-    });
-    EXPECT_TRUE(ended);
-    EXPECT_THAT(window.heard, HasSubstr("destroy"));
-    EXPECT_GE(longest.count(), limit / 2);
-    EXPECT_LT(longest.count(), 10 * limit);
-}
-
-// The work of a window's thread while the server goes. `kill` is called somewhere within.
-using Moment = std::function<void(const std::function<void()>& kill)>;
-
-const Handler* Killer(const std::function<void()>& kill, UINT nMsg)
-{
-    static Handler handler;
-    handler = On(nMsg, [kill, nMsg](HWND hWnd, WPARAM wParam) {
-        kill();
-        return DefWindowProcA(hWnd, nMsg, wParam, 0);
-    });
-    return &handler;
-}
-
-// Within the handler of one message of a window that is made, shown, painted, moved and ended.
-Moment InHandlerOf(UINT nMsg)
-{
-    return [nMsg](const std::function<void()>& kill) {
-        const HWND hWnd = Make(Killer(kill, nMsg), WS_CAPTION);
-        ShowWindow(hWnd, SW_SHOW);
-        UpdateWindow(hWnd);
-        test::Move(hWnd, 50, 60, 200, 100);
-        EnableWindow(hWnd, 0);
-        EnableWindow(hWnd, 1);
-        DestroyWindow(hWnd);
-    };
-}
-
-// In the middle of a fade, once so much of the window, of 255, is seen: at least, or where it is hidden at
-// most.
-Moment InFade(std::optional<XClient>& outside, int share, DWORD dwFlags)
-{
-    return [=, &outside](const std::function<void()>& kill) {
-        ColorWindow window(kRed, {0, 0, 100, 100});
-        const bool bHides = (dwFlags & AW_HIDE) != 0;
-        if (bHides) AnimateWindow(window.handle, 0, AW_BLEND);
-        std::thread killer([&] {
-            Await([&] {
-                const int seen = GetRValue(outside->Pixel(50, 50));
-                return bHides ? seen <= share : seen >= share;
-            });
-            kill();
-        });
-        AnimateWindow(window.handle, 2000, AW_BLEND | dwFlags);
-        killer.join();
-    };
-}
-
-TEST_F(X11ScreenTest, TheServerMayGoAtAnyMoment)
-{
-    const auto inFade = [&](int share, DWORD dwFlags) { return InFade(outside, share, dwFlags); };
-    const Moment moments[] = {
-        InHandlerOf(WM_NCCREATE),
-        InHandlerOf(WM_CREATE),
-        InHandlerOf(WM_SHOWWINDOW),
-        InHandlerOf(WM_PAINT),
-        InHandlerOf(WM_ERASEBKGND),
-        InHandlerOf(WM_SETFOCUS),
-        InHandlerOf(WM_MOVE),
-        InHandlerOf(WM_SIZE),
-        InHandlerOf(WM_ENABLE),
-        InHandlerOf(WM_KILLFOCUS),
-        InHandlerOf(WM_DESTROY),
-        InHandlerOf(WM_NCDESTROY),
-        inFade(1, 0),
-        inFade(128, 0),
-        inFade(200, AW_HIDE),
-        [&](const auto& kill) { // in the middle of a drag
-            ColorWindow window(kRed, {0, 0, 100, 100});
-            ShowSeen(window, kRed, 50, 50);
-            outside->MoveMouse(50, 50);
-            outside->Button(1, true);
-            Pump([&] { return window.heard.find("down") != std::string::npos; });
-            SetCapture(window.handle);
-            outside->MoveMouse(70, 70);
-            kill();
-            for (int i = 0; i < 50; ++i)
-                test::Move(window.handle, i, i, 100, 100);
-            Pump([&] { return !IsWindow(window.handle); });
-            EXPECT_EQ(GetCapture(), nullptr);
-        },
-        [&](const auto& kill) { // a message box is open
-            std::thread killer([&] {
-                Await([&] { return outside->Find("test.platform.window") != 0; });
-                kill();
-            });
-            AfxMessageBox("Really?");
-            killer.join();
-        },
-        [&](const auto& kill) { // another thread is being asked
-            const WindowThread other(On(kAsk, [&](HWND, WPARAM) {
-                kill();
-                return 7;
-            }));
-            ColorWindow window(kRed, {0, 0, 100, 100});
-            ShowSeen(window, kRed, 50, 50);
-            EXPECT_EQ(SendMessageA(other.Window(), kAsk, 0, 0), 7);
-        },
-        [&](const auto& kill) { // the screen is being read
-            const HDC desktop = GetDC(nullptr);
-            GetPixel(desktop, 5, 5);
-            kill();
-            for (int i = 0; i < 20; ++i)
-                GetPixel(desktop, i, i);
-            ReleaseDC(nullptr, desktop);
-        },
-        [&](const auto& kill) { // the windows of others are being walked
-            for (int i = 0; i < 5; ++i)
-                outside->Cover(0, 0, 10, 10, kBlue, 1);
-            static const std::function<void()>* then;
-            then = &kill;
-            const auto visit = [](HWND, long) {
-                (*then)();
-                return 1;
-            };
-            EnumDesktopWindows(nullptr, visit, 0);
-        },
-    };
-    static_assert(std::size(moments) == 20);
-    int n = 0;
-    for (const Moment& moment : moments) {
-        if (n++ > 0) Begin();
-        bool killed = false;
-        std::thread user([&] {
-            moment([&] {
-                if (!std::exchange(killed, true)) server->Kill();
-            });
-            // All that was made ends, and what is asked later is harmless.
-            Pump([&] { return !IsWindow(Make()); });
-        });
-        user.join();
-        EXPECT_TRUE(killed) << n;
-        ASSERT_TRUE(Await([] { return KXHost::UseMemoryDesktop(); })) << n;
-    }
-    KXHost::TakeMessageBoxes();
 }
 
 } // namespace

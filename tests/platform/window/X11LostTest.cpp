@@ -1,0 +1,328 @@
+// Servers that stop or go, at any moment.
+
+#include "include/platform/MessageBox.h"
+#include "platform/UniqueFd.h"
+#include "tests/platform/window/X11Support.h"
+#include "tests/support/RawServer.h"
+
+#include <atomic>
+#include <functional>
+#include <gmock/gmock.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <utility>
+
+namespace {
+
+using namespace test;
+using testing::HasSubstr;
+
+constexpr DWORD kLimit = 400; // milliseconds
+
+// The way to an X server, up to a request: the n-th after the one by which the client finds out about
+// keyboards. That and all later ones are lost. What was asked before is answered, but no sooner than another
+// thread of the client's asks for something, so that two of them wait at the end.
+class XRelay
+{
+public:
+    enum class End
+    {
+        Silent,
+        Closed
+    };
+    XRelay(const XServer& server, int nRequest, End end)
+        : m_socket("/tmp/.X11-unix/X" + server.Name().substr(1)),
+          m_end(end),
+          m_nLeft(nRequest),
+          m_listener([this](Peer& client) { Serve(client); })
+    {
+    }
+
+    // As for DISPLAY.
+    std::string Name() const
+    {
+        const std::string host = m_listener.Host();
+        const std::size_t at = host.find(':') + 1;
+        return host.substr(0, at) + std::to_string(std::stoi(host.substr(at)) - 6000);
+    }
+    bool HasEnded() const { return m_ended; }
+
+private:
+    int Connect() const
+    {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        m_socket.copy(address.sun_path, sizeof address.sun_path - 1);
+        const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        EXPECT_EQ(connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        return fd;
+    }
+    // The length of the first request, or of what begins a connection; 0 if not all of it has come.
+    std::size_t Length() const
+    {
+        const auto word = [&](std::size_t at) {
+            return m_ahead.size() < at + 2
+                       ? 0u
+                       : static_cast<BYTE>(m_ahead[at]) +
+                             (static_cast<unsigned>(static_cast<BYTE>(m_ahead[at + 1])) << 8);
+        };
+        if (m_ahead.size() < 12 && !m_begun) return 0;
+        if (m_ahead.size() < 4) return 0;
+        const std::size_t length = !m_begun  ? 12 + ((word(6) + 3) & ~3u) + ((word(8) + 3) & ~3u)
+                                   : word(2) ? word(2) * 4
+                                             : (word(4) + (word(6) << 16)) * 4;
+        return m_ahead.size() >= length ? length : 0;
+    }
+    bool IsLast()
+    {
+        if (m_bCounts) return m_nLeft-- == 0;
+        m_bCounts = m_ahead.find("XKEYBOARD") == 8;
+        return false;
+    }
+    void Serve(Peer& client)
+    {
+        const kx::UniqueFd upstream(Connect());
+        Peer server(upstream.Get());
+        bool bHeld = false;
+        for (char block[0x10000];;) {
+            pollfd ready[]{{client.Socket(), POLLIN, 0}, {bHeld ? -1 : upstream.Get(), POLLIN, 0}};
+            if (poll(ready, 2, -1) < 0) return;
+            if (ready[1].revents) {
+                const ssize_t got = recv(upstream.Get(), block, sizeof block, 0);
+                if (got <= 0 || !client.Send({block, static_cast<std::size_t>(got)})) return;
+            }
+            if (!ready[0].revents) continue;
+            const ssize_t got = recv(client.Socket(), block, sizeof block, 0);
+            if (got <= 0) return;
+            if (m_ended) { // another thread's request
+                if (std::exchange(bHeld, false) && m_end == End::Closed) shutdown(upstream.Get(), SHUT_WR);
+                continue;
+            }
+            m_ahead.append(block, static_cast<std::size_t>(got));
+            for (std::size_t length; !m_ended && (length = Length()) > 0; m_ahead.erase(0, length)) {
+                m_ended = bHeld = m_begun && IsLast();
+                m_begun = true;
+                if (!m_ended && !server.Send(std::string_view(m_ahead).substr(0, length))) return;
+            }
+        }
+    }
+
+    const std::string m_socket;
+    const End m_end;
+    int m_nLeft;
+    bool m_bCounts = false;
+    bool m_begun = false;
+    std::string m_ahead;
+    std::atomic<bool> m_ended{false};
+    const RawServer m_listener;
+};
+
+class X11LostTest : public X11Test
+{
+protected:
+    void SetUp() override { Begin(); }
+    void Begin()
+    {
+        X11Test::Begin();
+        Use(server->Name());
+    }
+    static void Use(const std::string& display)
+    {
+        ASSERT_TRUE(KXHost::UseMemoryDesktop());
+        ASSERT_TRUE(KXHost::UseDisplay(display.c_str(), kLimit));
+    }
+    static void AskDesktop()
+    {
+        const HDC desktop = GetDC(nullptr);
+        GetPixel(desktop, 1, 1);
+        ReleaseDC(nullptr, desktop);
+    }
+};
+
+// The thread of the display's events asks for the keyboard, and a window's thread for something else, when
+// the server goes.
+TEST_F(X11LostTest, TheServerMayGoWhileTheKeyboardIsAskedFor)
+{
+    constexpr int nRequests = 12; // the first of them, up to the keys' names
+    for (const auto end : {XRelay::End::Silent, XRelay::End::Closed}) {
+        for (int n = 0; n < nRequests; ++n) {
+            const XRelay relay(*server, n, end);
+            Use(relay.Name());
+            ASSERT_TRUE(Await([&] { return relay.HasEnded(); })) << n;
+            const HWND hWnd = Make(nullptr, WS_POPUP | WS_VISIBLE);
+            AskDesktop();
+            EXPECT_TRUE(Pump([&] { return !IsWindow(hWnd) && !IsWindow(Make()); })) << n;
+            ASSERT_TRUE(KXHost::UseMemoryDesktop()) << n;
+        }
+    }
+}
+
+// A server that says nothing any more holds nobody up for longer than it was given.
+TEST_F(X11LostTest, AServerThatStopsIsGivenUp)
+{
+    ColorWindow window(kRed, {0, 0, 300, 300});
+    const WindowThread another;
+    ShowSeen(window, kRed, 50, 50);
+    server->Stop();
+    std::chrono::milliseconds longest{0};
+    const bool ended = Pump([&] {
+        const auto begin = std::chrono::steady_clock::now();
+        InvalidateRect(window.handle, nullptr, 0);
+        UpdateWindow(window.handle);
+        const auto took = std::chrono::steady_clock::now() - begin;
+        longest = std::max(longest, std::chrono::duration_cast<std::chrono::milliseconds>(took));
+        return !IsWindow(window.handle) && !IsWindow(another.Window());
+    });
+    EXPECT_TRUE(ended);
+    EXPECT_THAT(window.heard, HasSubstr("destroy"));
+    EXPECT_GE(longest.count(), kLimit / 2);
+    EXPECT_LT(longest.count(), 10 * kLimit);
+}
+
+// The work of a window's thread while the server stops or goes. `kill` is called somewhere within.
+using Moment = std::function<void(const std::function<void()>& kill)>;
+
+const Handler* Killer(const std::function<void()>& kill, UINT nMsg)
+{
+    static Handler handler;
+    handler = On(nMsg, [kill, nMsg](HWND hWnd, WPARAM wParam) {
+        kill();
+        return DefWindowProcA(hWnd, nMsg, wParam, 0);
+    });
+    return &handler;
+}
+
+// Within the handler of one message of a window that is made, shown, painted, moved and ended.
+Moment InHandlerOf(UINT nMsg)
+{
+    return [nMsg](const std::function<void()>& kill) {
+        const HWND hWnd = Make(Killer(kill, nMsg), WS_CAPTION);
+        ShowWindow(hWnd, SW_SHOW);
+        UpdateWindow(hWnd);
+        test::Move(hWnd, 50, 60, 200, 100);
+        EnableWindow(hWnd, 0);
+        EnableWindow(hWnd, 1);
+        DestroyWindow(hWnd);
+    };
+}
+
+// In the middle of a fade, once so much of the window, of 255, is seen: at least, or where it is hidden at
+// most.
+Moment InFade(std::optional<XClient>& outside, int share, DWORD dwFlags)
+{
+    return [=, &outside](const std::function<void()>& kill) {
+        ColorWindow window(kRed, {0, 0, 100, 100});
+        const bool bHides = (dwFlags & AW_HIDE) != 0;
+        if (bHides) AnimateWindow(window.handle, 0, AW_BLEND);
+        std::thread killer([&] {
+            Await([&] {
+                const int seen = GetRValue(outside->Pixel(50, 50));
+                return bHides ? seen <= share : seen >= share;
+            });
+            kill();
+        });
+        AnimateWindow(window.handle, 2000, AW_BLEND | dwFlags);
+        killer.join();
+    };
+}
+
+class X11MomentTest : public X11LostTest, public testing::WithParamInterface<bool>
+{
+};
+INSTANTIATE_TEST_SUITE_P(Stops, X11MomentTest, testing::Bool());
+
+TEST_P(X11MomentTest, TheServerMayGo)
+{
+    const auto inFade = [&](int share, DWORD dwFlags) { return InFade(outside, share, dwFlags); };
+    const Moment moments[] = {
+        InHandlerOf(WM_NCCREATE),
+        InHandlerOf(WM_CREATE),
+        InHandlerOf(WM_SHOWWINDOW),
+        InHandlerOf(WM_PAINT),
+        InHandlerOf(WM_ERASEBKGND),
+        InHandlerOf(WM_SETFOCUS),
+        InHandlerOf(WM_MOVE),
+        InHandlerOf(WM_SIZE),
+        InHandlerOf(WM_ENABLE),
+        InHandlerOf(WM_KILLFOCUS),
+        InHandlerOf(WM_DESTROY),
+        InHandlerOf(WM_NCDESTROY),
+        inFade(1, 0),
+        inFade(128, 0),
+        inFade(200, AW_HIDE),
+        [&](const auto& kill) { // in the middle of a drag
+            ColorWindow window(kRed, {0, 0, 100, 100});
+            ShowSeen(window, kRed, 50, 50);
+            outside->MoveMouse(50, 50);
+            outside->Button(1, true);
+            Pump([&] { return window.heard.find("down") != std::string::npos; });
+            SetCapture(window.handle);
+            outside->MoveMouse(70, 70);
+            kill();
+            for (int i = 0; i < 50; ++i)
+                test::Move(window.handle, i, i, 100, 100);
+            Pump([&] { return !IsWindow(window.handle); });
+            EXPECT_EQ(GetCapture(), nullptr);
+        },
+        [&](const auto& kill) { // a message box is open
+            std::thread killer([&] {
+                Await([&] { return outside->Find("test.platform.window") != 0; });
+                kill();
+            });
+            AfxMessageBox("Really?");
+            killer.join();
+        },
+        [&](const auto& kill) { // another thread is being asked
+            const WindowThread other(On(kAsk, [&](HWND, WPARAM) {
+                kill();
+                return 7;
+            }));
+            ColorWindow window(kRed, {0, 0, 100, 100});
+            ShowSeen(window, kRed, 50, 50);
+            EXPECT_EQ(SendMessageA(other.Window(), kAsk, 0, 0), 7);
+        },
+        [&](const auto& kill) { // the screen is being read
+            const HDC desktop = GetDC(nullptr);
+            GetPixel(desktop, 5, 5);
+            kill();
+            for (int i = 0; i < 20; ++i)
+                GetPixel(desktop, i, i);
+            ReleaseDC(nullptr, desktop);
+        },
+        [&](const auto& kill) { // the windows of others are being walked
+            for (int i = 0; i < 5; ++i)
+                outside->Cover(0, 0, 10, 10, kBlue, 1);
+            static const std::function<void()>* then;
+            then = &kill;
+            const auto visit = [](HWND, long) {
+                (*then)();
+                return 1;
+            };
+            EnumDesktopWindows(nullptr, visit, 0);
+        },
+    };
+    static_assert(std::size(moments) == 20);
+    int n = 0;
+    for (const Moment& moment : moments) {
+        if (n++ > 0) Begin();
+        bool gone = false;
+        std::jthread asker; // a server that only stopped is known to be lost once someone asks it
+        std::thread user([&] {
+            moment([&] {
+                if (std::exchange(gone, true)) return;
+                if (!GetParam()) return server->Kill();
+                server->Stop();
+                asker = std::jthread(AskDesktop);
+            });
+            // All that was made ends, and what is asked later is harmless.
+            EXPECT_TRUE(Pump([&] { return !IsWindow(Make()); })) << n;
+        });
+        user.join();
+        EXPECT_TRUE(gone) << n;
+        ASSERT_TRUE(Await([] { return KXHost::UseMemoryDesktop(); })) << n;
+    }
+    KXHost::TakeMessageBoxes();
+}
+
+} // namespace
