@@ -3,13 +3,29 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <memory>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace test {
+
+namespace {
+
+int EndOf(pid_t pid)
+{
+    int status = 0;
+    while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (WIFSIGNALED(status)) return 128 + WTERMSIG(status);
+    return WEXITSTATUS(status) < 128 ? WEXITSTATUS(status) : -WEXITSTATUS(status);
+}
+
+} // namespace
 
 Child::Child(const std::string& name, std::vector<std::string> args, std::vector<std::string> env,
              bool captureError)
@@ -57,12 +73,23 @@ int Child::Wait()
         close(m_pipe);
         m_pipe = -1;
     }
-    int status = 0;
-    while (waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {
-    }
-    m_pid = -1;
-    if (WIFSIGNALED(status)) return 128 + WTERMSIG(status);
-    return WEXITSTATUS(status) < 128 ? WEXITSTATUS(status) : -WEXITSTATUS(status);
+    return EndOf(std::exchange(m_pid, -1));
+}
+
+std::string OutputOf(const std::string& command)
+{
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    std::string text;
+    for (int ch; (ch = std::fgetc(pipe.get())) != EOF;)
+        text += static_cast<char>(ch);
+    return text;
+}
+
+int InFork(const std::function<int()>& body)
+{
+    const pid_t pid = fork();
+    if (pid == 0) _exit(body());
+    return EndOf(pid);
 }
 
 } // namespace test

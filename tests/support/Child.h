@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -30,5 +31,11 @@ private:
     int m_pipe = -1;
     std::string m_error;
 };
+
+// What a command of the shell prints.
+std::string OutputOf(const std::string& command);
+
+// Runs something in a fork, which ends with its result and nothing else; as Child::Wait tells it.
+int InFork(const std::function<int()>& body);
 
 } // namespace test

@@ -1,6 +1,7 @@
 #include "tests/support/TempDir.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -58,6 +59,19 @@ std::string TempDir::Read(std::string_view relative) const
 bool TempDir::Exists(std::string_view relative) const
 {
     return fs::exists(fs::symlink_status(Path(relative)));
+}
+
+FileLimit::FileLimit(rlim_t nBytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN))
+{
+    getrlimit(RLIMIT_FSIZE, &m_old);
+    const rlimit lower{nBytes, m_old.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &lower);
+}
+
+FileLimit::~FileLimit()
+{
+    setrlimit(RLIMIT_FSIZE, &m_old);
+    std::signal(SIGXFSZ, m_handler);
 }
 
 std::string ReadFile(const std::string& path)

@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <sys/resource.h>
 
 namespace test {
 
@@ -30,6 +31,20 @@ public:
 
 private:
     std::string m_path;
+};
+
+// Lets no file of this process grow beyond a size for the scope's length, as a full disk does.
+class FileLimit
+{
+public:
+    explicit FileLimit(rlim_t nBytes);
+    FileLimit(const FileLimit&) = delete;
+    FileLimit& operator=(const FileLimit&) = delete;
+    ~FileLimit();
+
+private:
+    rlimit m_old{};
+    void (*m_handler)(int);
 };
 
 // A whole file; empty if it can't be read.
