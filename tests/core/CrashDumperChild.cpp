@@ -1,5 +1,4 @@
 #include "KXCrashDumper.h"
-#include "KXLogSys.h"
 #include "platform/FileSystem.h"
 #include "platform/Host.h"
 #include "tests/support/CrashKinds.h"
@@ -24,22 +23,6 @@ std::string Setting(const char* pszName, const char* pszElse = "")
 {
     const char* psz = std::getenv(pszName);
     return psz ? psz : pszElse;
-}
-
-// The log's own lock, which nobody else gets at: an explicit instantiation may name what is private.
-CKXCritSection CKXLogSys::*LockOf(CKXLogSys*);
-template <CKXCritSection CKXLogSys::*pLock>
-struct Reach
-{
-    friend CKXCritSection CKXLogSys::*LockOf(CKXLogSys*) { return pLock; }
-};
-template struct Reach<&CKXLogSys::m_lockLog>;
-
-void CrashBesideTheLog() KX_UNCHECKED_LOCKING
-{
-    CKXLogSys* pLog = CKXLogSys::GetSingletonPtr();
-    (pLog->*LockOf(pLog)).Lock();
-    crashes::OnThread<crashes::CrashByRead>();
 }
 
 // Other threads look for files the whole time, and so hold the lock of the drives nearly always: each look
@@ -154,7 +137,6 @@ int main(int, char** args)
                           Setting("KX_TEST_SEND") == "1", Setting("KX_TEST_RESTART") == "1");
         dumper.Unintialize();
     }
-    if (how == "log") CrashBesideTheLog();
     if (how == "searches") CrashBesideSearches(drive);
     if (how == "mappings") CrashWithManyMappings();
     if (how == "descriptors") CrashWithoutDescriptors();

@@ -1,9 +1,9 @@
 #include "KXAutoLock.h"
 #include "KXAutoResHandle.h"
+#include "tests/support/Await.h"
 
 #include <gtest/gtest.h>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -11,16 +11,13 @@ TEST(AutoLock, GuardsAndNests)
 {
     CKXCritSection section;
     int nCount = 0;
-    std::vector<std::jthread> threads;
-    for (int n = 0; n < 4; ++n)
-        threads.emplace_back([&] {
-            for (int k = 0; k < 5000; ++k) {
-                const CKXAutoLock outer(&section);
-                const CKXAutoLock inner(&section); // the owner may take it again
-                ++nCount;
-            }
-        });
-    threads.clear();
+    test::RunThreads(4, [&](int) {
+        for (int k = 0; k < 5000; ++k) {
+            const CKXAutoLock outer(&section);
+            const CKXAutoLock inner(&section); // the owner may take it again
+            ++nCount;
+        }
+    });
     EXPECT_EQ(nCount, 20000);
     const CKXAutoLock none(nullptr);
 }
@@ -40,39 +37,27 @@ TEST(AutoLock, AssignmentMovesWhatIsGivenBack)
     std::jthread([&] { const CKXAutoLock lock(&kept); }).join();
 }
 
-TEST(AutoResHandle, AssignmentCopiesWhatComesBack)
+// The inner one gives back what it found; so does one to which that was assigned.
+TEST(AutoResHandle, NestsAndAssignmentCopiesWhatComesBack)
 {
     int a = 0;
     int b = 0;
     const auto hBefore = AfxGetResourceHandle();
     const auto hOuter = reinterpret_cast<HINSTANCE>(&a);
     const auto hInner = reinterpret_cast<HINSTANCE>(&b);
-    {
-        CKXAutoResHandle outer(hOuter);
-        const CKXAutoResHandle inner(hInner);
-        outer = inner;
-        EXPECT_EQ(AfxGetResourceHandle(), hInner);
-    }
-    EXPECT_EQ(AfxGetResourceHandle(), hOuter); // what `inner` had kept
-    AfxSetResourceHandle(hBefore);
-}
-
-TEST(AutoResHandle, NestsByScope)
-{
-    int a = 0;
-    int b = 0;
-    const auto hBefore = AfxGetResourceHandle();
-    const auto hOuter = reinterpret_cast<HINSTANCE>(&a);
-    const auto hInner = reinterpret_cast<HINSTANCE>(&b);
-    {
-        const CKXAutoResHandle outer(hOuter);
+    for (const bool bAssign : {false, true}) {
         {
-            const CKXAutoResHandle inner(hInner);
-            EXPECT_EQ(AfxGetResourceHandle(), hInner);
+            CKXAutoResHandle outer(hOuter);
+            {
+                const CKXAutoResHandle inner(hInner);
+                EXPECT_EQ(AfxGetResourceHandle(), hInner);
+                if (bAssign) outer = inner;
+            }
+            EXPECT_EQ(AfxGetResourceHandle(), hOuter);
         }
-        EXPECT_EQ(AfxGetResourceHandle(), hOuter);
+        EXPECT_EQ(AfxGetResourceHandle(), bAssign ? hOuter : hBefore);
+        AfxSetResourceHandle(hBefore);
     }
-    EXPECT_EQ(AfxGetResourceHandle(), hBefore);
 }
 
 } // namespace

@@ -3,6 +3,8 @@
 #include "platform/Exception.h"
 #include "platform/Host.h"
 #include "platform/Sync.h"
+#include "tests/support/Await.h"
+#include "tests/support/Child.h"
 #include "tests/support/Host.h"
 #include "tests/support/TempDir.h"
 
@@ -12,7 +14,6 @@
 #include <semaphore>
 #include <stdexcept>
 #include <string>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -247,13 +248,10 @@ TEST_F(Tasks, OfSeveralProducersKeepEachOnesOrder)
     };
     const int nHandles = KXHost::LiveHandles();
     worker->Initialize();
-    std::vector<std::jthread> producers;
-    for (int p = 0; p < nProducers; ++p)
-        producers.emplace_back([&, p] {
-            for (int n = 0; n < nTasks; ++n)
-                worker->AddTask(new Numbered(seen[static_cast<std::size_t>(p)], n));
-        });
-    producers.clear();
+    test::RunThreads(nProducers, [&](int p) {
+        for (int n = 0; n < nTasks; ++n)
+            worker->AddTask(new Numbered(seen[static_cast<std::size_t>(p)], n));
+    });
     Drain();
     EXPECT_EQ(KXHost::LiveHandles(), nHandles + 3); // one thread, however many began
     worker->UnInitialize();
@@ -268,14 +266,7 @@ TEST_F(Tasks, AForkEndsWithoutTheThread)
 {
     worker->Initialize();
     Drain();
-    const pid_t child = fork();
-    if (child == 0) {
-        worker->UnInitialize();
-        _exit(7);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(WEXITSTATUS(status), 7);
+    EXPECT_EQ(test::InFork([this] { return worker->UnInitialize(), 7; }), 7);
     worker->UnInitialize();
 }
 

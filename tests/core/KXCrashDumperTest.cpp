@@ -1,12 +1,10 @@
 #include "KXCrashDumper.h"
-#include "tests/support/Child.h"
+#include "tests/core/CrashPlace.h"
 #include "tests/support/CrashKinds.h"
-#include "tests/support/TempDir.h"
+#include "tests/support/HttpServer.h"
 
 #include <algorithm>
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -14,7 +12,6 @@
 #include <gtest/gtest.h>
 #include <httplib.h>
 #include <link.h>
-#include <memory>
 #include <regex>
 #include <sys/stat.h>
 #include <thread>
@@ -24,81 +21,51 @@ namespace {
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kSanitized = true;
-#else
-constexpr bool kSanitized = false;
-#endif
+using test::kSanitized;
 
-// A root of `C:` with an application's directory, a reporter in it, and the marker file.
-class Place
+struct Place : test::CrashPlace
 {
-public:
-    explicit Place(const std::string& app = "app") : m_app(app)
-    {
-        m_dir.MakeDir(app);
-        m_dir.Write("nv_dbg_14.txt", "");
-    }
+    using CrashPlace::CrashPlace;
 
-    Place& RealReporter()
+    Place& RealReporter(const char* pszName = "KXCrashReport.exe")
     {
-        fs::create_symlink(std::string(KX_TEST_BIN) + "/KXCrashReport.exe", Reporter());
+        CrashPlace::RealReporter(pszName);
         return *this;
     }
     // A reporter that writes its arguments, a line a start, to the file `args` and then runs these commands.
     Place& Script(const std::string& commands = "")
     {
-        m_dir.Write(m_app + "/KXCrashReport.exe",
-                    "#!/bin/sh\ncd \"$(dirname \"$0\")\"\nprintf '%s\\n' \"$*\" >> args\n" + commands);
-        fs::permissions(Reporter(), fs::perms::owner_all);
+        Program("#!/bin/sh\ncd \"$(dirname \"$0\")\"\nprintf '%s\\n' \"$*\" >> args\n" + commands);
         return *this;
+    }
+    void Program(const std::string& content) const
+    {
+        std::ofstream(Path("KXCrashReport.exe")) << content;
+        fs::permissions(Path("KXCrashReport.exe"), fs::perms::owner_all);
     }
 
     test::Child Start(const std::string& how, std::vector<std::string> env = {}) const
     {
-        // AddressSanitizer has handlers of its own, which are no ordinary course.
-        const char* pszOptions = std::getenv("ASAN_OPTIONS");
-        env.push_back("ASAN_OPTIONS=" + std::string(pszOptions ? pszOptions : "") +
-                      ":handle_segv=0:handle_sigfpe=0");
-        return test::Child("CrashDumperChild", {m_dir.Path(), how}, std::move(env));
+        return CrashPlace::Start("CrashDumperChild", {how}, std::move(env));
     }
     int Crash(const std::string& how, std::vector<std::string> env = {}) const
     {
         return Start(how, std::move(env)).Wait();
     }
 
-    std::string Reporter() const { return m_dir.Path(m_app + "/KXCrashReport.exe"); }
-    std::string Arguments() const { return m_dir.Read(m_app + "/args"); }
+    std::string Arguments() const { return test::ReadFile(Path("args")); }
     std::string Pipe(const char* pszName) const
     {
-        const std::string path = m_dir.Path(m_app + "/" + pszName);
-        mkfifo(path.c_str(), 0600);
-        return path;
+        mkfifo(Path(pszName).c_str(), 0600);
+        return Path(pszName);
     }
-    // The one file of this kind in the directory of dumps; empty for none or several.
-    std::string Dump(const char* pszExtension) const
+    // What gdb says of the dump.
+    std::string Debug(const std::string& commands) const
     {
-        std::vector<std::string> found;
-        std::error_code error;
-        for (const auto& entry : fs::directory_iterator(m_dir.Path(m_app + "/dumps"), error))
-            if (entry.path().extension() == pszExtension) found.push_back(entry.path().native());
-        return found.size() == 1 ? found[0] : "";
+        return test::OutputOf("gdb -nx -batch " + commands + " " KX_TEST_BIN "/CrashDumperChild " +
+                              Dump(".dmp") + " 2>&1");
     }
-    const test::TempDir& Dir() const { return m_dir; }
-
-private:
-    test::TempDir m_dir;
-    std::string m_app;
 };
-
-std::string Output(const std::string& command)
-{
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-    std::string text;
-    for (int ch; (ch = std::fgetc(pipe.get())) != EOF;)
-        text += static_cast<char>(ch);
-    return text;
-}
 
 // The report's part about the thread that crashed.
 std::string CrashedThread(const std::string& report)
@@ -107,29 +74,19 @@ std::string CrashedThread(const std::string& report)
     return begin == report.npos ? "" : report.substr(begin, report.find("\n\n", begin) - begin);
 }
 
-class CrashDumper : public testing::Test
-{
-protected:
-#if defined(__SANITIZE_THREAD__)
-    void SetUp() override
-    {
-        GTEST_SKIP() << "ThreadSanitizer puts handlers of its own before a crash's";
-    }
-#endif
-};
+using CrashDumper = test::CrashTest;
 
 TEST_F(CrashDumper, ReportsEveryKindAndEndsByItsSignal)
 {
     std::map<std::string, crashes::Kind> kinds(crashes::kKinds.begin(), crashes::kKinds.end());
-    for (const char* how : {"log", "searches"})
-        kinds[how] = {nullptr, SIGSEGV, "CrashByRead"};
+    kinds["searches"] = {nullptr, SIGSEGV, "CrashByRead"};
     if (kSanitized) kinds.erase("heap"); // its allocator is another one
     for (const auto& [how, kind] : kinds) {
         SCOPED_TRACE(how);
         Place place;
         place.RealReporter();
         EXPECT_EQ(place.Crash(how), 128 + kind.nSignal);
-        const std::string report = test::ReadFile(place.Dump(".txt"));
+        const std::string report = place.Report();
         EXPECT_THAT(report, HasSubstr("signal       " + std::to_string(kind.nSignal) + " SIG"));
         EXPECT_THAT(report, HasSubstr("\nmodules\n"));
         EXPECT_THAT(CrashedThread(report), HasSubstr(kind.pszFunction));
@@ -163,7 +120,7 @@ TEST_F(CrashDumper, HandsOverItsArguments)
     Place place;
     place.Script();
     const auto crash = [&](std::vector<std::string> env) {
-        fs::remove(place.Dir().Path("app/args"));
+        fs::remove(place.Path("args"));
         env.insert(env.end(), {"KX_TEST_TIME=1236989109", "TZ=CST-8"}); // 2009-03-14 08:05:09 in that zone
         EXPECT_EQ(place.Crash("read", std::move(env)), 128 + SIGSEGV);
         return place.Arguments();
@@ -185,7 +142,7 @@ TEST_F(CrashDumper, RunsWithEmptyValuesBeforeInitialize)
     Place place;
     place.Script();
     const auto before = fs::current_path();
-    fs::current_path(place.Dir().Path("app"));
+    fs::current_path(place.Path(""));
     EXPECT_EQ(place.Crash("abort", {"KX_TEST_EARLY=1"}), 128 + SIGABRT);
     fs::current_path(before);
     EXPECT_THAT(place.Arguments(), testing::StartsWith("-sd -app[] -run[] -dmp[dumps\\_"));
@@ -221,14 +178,9 @@ TEST_F(CrashDumper, EndsInOrderWithoutAReport)
          {}},
         {"no reporter", [](Place&) {}, {}},
         {"a reporter that can't run",
-         [](Place& place) { place.Dir().Write("app/KXCrashReport.exe", "#!"); },
+         [](Place& place) { std::ofstream(place.Path("KXCrashReport.exe")) << "#!"; },
          {}},
-        {"a reporter that is no program",
-         [](Place& place) {
-             place.Dir().Write("app/KXCrashReport.exe", "words");
-             fs::permissions(place.Reporter(), fs::perms::owner_all);
-         },
-         {}},
+        {"a reporter that is no program", [](Place& place) { place.Program("words"); }, {}},
         {"an unknown drive", [](Place& place) { place.Script(); }, {"KX_TEST_PATH=Q:\\app\\"}},
         {"no dump directory", [](Place& place) { place.RealReporter().Dir().Write("app/dumps", ""); }, {}},
         {"values beyond reason",
@@ -270,11 +222,11 @@ TEST_F(CrashDumper, ReportsToTheEndOfTheProcess)
         SCOPED_TRACE(pszHow);
         Place place;
         place.Script("exec ./real \"$@\"\n");
-        fs::create_symlink(std::string(KX_TEST_BIN) + "/KXCrashReport.exe", place.Dir().Path("app/real"));
+        place.RealReporter("real");
         EXPECT_EQ(place.Crash(pszHow), 128 + SIGSEGV);
         EXPECT_THAT(place.Arguments(),
                     testing::StartsWith("-sd -app[App] -run[] -dmp[C:\\app\\dumps\\stem_"));
-        EXPECT_THAT(CrashedThread(test::ReadFile(place.Dump(".txt"))), HasSubstr("CrashByRead"));
+        EXPECT_THAT(CrashedThread(place.Report()), HasSubstr("CrashByRead"));
     }
 }
 
@@ -328,10 +280,7 @@ TEST_F(CrashDumper, LeavesACoreThatADebuggerOpens)
         SCOPED_TRACE(pszHow);
         Place place;
         place.RealReporter().Crash(pszHow);
-        const std::string program = std::string(KX_TEST_BIN) + "/CrashDumperChild";
-        const std::string text =
-            Output("gdb -nx -batch -ex 'bt 40' -ex 'info threads' -ex 'p $_siginfo.si_signo' " + program +
-                   " " + place.Dump(".dmp") + " 2>&1");
+        const std::string text = place.Debug("-ex 'bt 40' -ex 'info threads' -ex 'p $_siginfo.si_signo'");
         const crashes::Kind& kind = crashes::kKinds.at(pszHow);
         EXPECT_THAT(text, HasSubstr("Program terminated with signal SIG"));
         EXPECT_THAT(text, HasSubstr(kind.pszFunction));
@@ -347,9 +296,7 @@ TEST_F(CrashDumper, KeepsTheStackOfAProcessWithManyMappings)
 {
     Place place;
     place.RealReporter().Crash("mappings");
-    EXPECT_THAT(Output("gdb -nx -batch -ex bt " + std::string(KX_TEST_BIN) + "/CrashDumperChild " +
-                       place.Dump(".dmp") + " 2>&1"),
-                testing::ContainsRegex("#[1-9] .* in main "));
+    EXPECT_THAT(place.Debug("-ex bt"), testing::ContainsRegex("#[1-9] .* in main "));
 }
 
 TEST_F(CrashDumper, TellsWhatItCanOfAProcessThatItMayNotLookInto)
@@ -357,29 +304,27 @@ TEST_F(CrashDumper, TellsWhatItCanOfAProcessThatItMayNotLookInto)
     Place place;
     // For one that may not be traced, one that isn't there, in which nothing can be read either.
     place.Script("exec ./real $(printf %s \"$*\" | sed 's/id.[0-9]*/id[999999999/g')\n");
-    fs::create_symlink(std::string(KX_TEST_BIN) + "/KXCrashReport.exe", place.Dir().Path("app/real"));
+    place.RealReporter("real");
     place.Dir().MakeDir("app/Dumps"); // the filter finds it, and so does the reporter
     EXPECT_EQ(place.Crash("read"), 128 + SIGSEGV);
     EXPECT_FALSE(place.Dir().Exists("app/dumps"));
-    fs::rename(place.Dir().Path("app/Dumps"), place.Dir().Path("app/dumps"));
-    EXPECT_THAT(test::ReadFile(place.Dump(".txt")), HasSubstr("application  App\n"));
+    fs::rename(place.Path("Dumps"), place.Path("dumps"));
+    EXPECT_THAT(place.Report(), HasSubstr("application  App\n"));
     EXPECT_EQ(place.Dump(".dmp"), "");
 }
 
 TEST_F(CrashDumper, SendsBothFilesToItsServer)
 {
-    httplib::Server server;
     httplib::MultipartFormDataMap form;
-    server.Post("/crash", [&](const httplib::Request& request, httplib::Response&) { form = request.files; });
-    const int nPort = server.bind_to_any_port("127.0.0.1");
-    std::jthread serving([&] { server.listen_after_bind(); });
+    const test::HttpServer server([&](httplib::Server& http) {
+        http.Post("/crash", [&](const auto& request, auto&) { form = request.files; });
+    });
     Place place;
-    const std::string url = "KX_CRASH_URL=http://127.0.0.1:" + std::to_string(nPort) + "/crash";
+    const std::string url = "KX_CRASH_URL=" + server.Url("/crash");
     EXPECT_EQ(place.RealReporter().Crash("read", {url, "KX_TEST_APP=\xB3\xCC\xD0\xF2"}),
               128 + SIGSEGV); // not asked to
     EXPECT_TRUE(form.empty());
     EXPECT_EQ(place.Crash("abort", {url, "KX_TEST_SEND=1", "KX_TEST_APP=\xB3\xCC\xD0\xF2"}), 128 + SIGABRT);
-    server.stop();
     const auto content = [&](const char* pszName) {
         const auto found = form.find(pszName);
         return found != form.end() ? found->second.content : "";
@@ -405,11 +350,11 @@ TEST_F(CrashDumper, TakesOnlyAnAnswerOf2xxForSent)
     const auto send = [&](const std::string& url, const std::string& setting = "KX_CRASH_PLAIN=") {
         Place place;
         place.Script("./real \"$@\"; echo $? > code\n");
-        fs::create_symlink(std::string(KX_TEST_BIN) + "/KXCrashReport.exe", place.Dir().Path("app/real"));
+        place.RealReporter("real");
         nPosts = 0;
         place.Crash("read", {"KX_CRASH_URL=" + url, "KX_TEST_SEND=1", setting,
                              "http_proxy=http://127.0.0.1:1", "no_proxy=0.0.0.0"});
-        return place.Dir().Read("app/code") + std::to_string(nPosts);
+        return test::ReadFile(place.Path("code")) + std::to_string(nPosts);
     };
     EXPECT_EQ(send("http://127.0.0.1" + port + "/200"), "0\n1");
     EXPECT_EQ(send("http://localhost" + port + "/204"), "0\n1");
@@ -439,9 +384,9 @@ TEST_F(CrashDumper, DoesNotRestartAProgramAgainAndAgain)
     const std::string mark = place.Dir().Path("mark");
     // A program that is started holds the pipe that is read here to its end.
     const auto crash = [&](const std::string& when) {
-        Output("ASAN_OPTIONS=handle_segv=0 KX_TEST_RESTART=1 KX_TEST_RUN='" + mark + " restarted again' " +
-               "KX_CRASH_RESTARTED=" + when + " " + KX_TEST_BIN + "/CrashDumperChild " + place.Dir().Path() +
-               " read 2>&1");
+        test::OutputOf("ASAN_OPTIONS=handle_segv=0 KX_TEST_RESTART=1 KX_TEST_RUN='" + mark +
+                       " restarted again' " + "KX_CRASH_RESTARTED=" + when + " " + KX_TEST_BIN +
+                       "/CrashDumperChild " + place.Dir().Path() + " read 2>&1");
         return fs::remove(mark);
     };
     EXPECT_FALSE(crash("$(date +%s)"));

@@ -1,5 +1,6 @@
 #include "KXLogSys.h"
 #include "platform/Sync.h"
+#include "tests/support/Await.h"
 #include "tests/support/Child.h"
 #include "tests/support/Host.h"
 #include "tests/support/TempDir.h"
@@ -7,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
@@ -18,8 +18,6 @@
 #include <map>
 #include <poll.h>
 #include <string>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <termios.h>
 #include <thread>
 #include <unistd.h>
@@ -158,34 +156,9 @@ TEST_F(Log, AForkEndsWithoutTheWriter)
     log->PushLog(Level::LogInfo, "once");
     Drain();
     AwaitSleepers();
-    const pid_t child = fork();
-    if (child == 0) {
-        log->Uninitialize();
-        _exit(7);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(WEXITSTATUS(status), 7);
+    EXPECT_EQ(test::InFork([this] { return log->Uninitialize(), 7; }), 7);
     Drain();
     EXPECT_EQ(Text(), "[2009-03-14 08:05:09] 1 once\n");
-}
-
-// Whatever a stop finds, each line ends up in one of the two files, once and in order.
-TEST_F(Log, AStopLosesNoLineToAStartThatFollows)
-{
-    constexpr int nLines = 20000;
-    Start();
-    for (int n = 0; n < nLines; ++n)
-        log->PushLogEx(Level::LogInfo, "n%d", n);
-    log->Uninitialize();
-    const std::string before = Text();
-    Start();
-    Drain();
-    const std::string all = before + Text();
-    std::string expected;
-    for (int n = 0; n < nLines; ++n)
-        expected += "[2009-03-14 08:05:09] 1 n" + std::to_string(n) + "\n";
-    EXPECT_EQ(all, expected);
 }
 
 TEST_F(Log, ThreadsKeepTheirOrder)
@@ -193,13 +166,10 @@ TEST_F(Log, ThreadsKeepTheirOrder)
     constexpr int nThreads = 4;
     constexpr int nLines = 2000;
     Start();
-    std::vector<std::jthread> threads;
-    for (int t = 0; t < nThreads; ++t)
-        threads.emplace_back([this, t] {
-            for (int n = 0; n < nLines; ++n)
-                log->PushLogEx(Level::LogInfo, "%d %d", t, n);
-        });
-    threads.clear();
+    test::RunThreads(nThreads, [this](int t) {
+        for (int n = 0; n < nLines; ++n)
+            log->PushLogEx(Level::LogInfo, "%d %d", t, n);
+    });
     Drain();
     std::map<int, int> next;
     std::ifstream file(dir.Path("app.log"));
@@ -247,20 +217,16 @@ TEST_F(Log, AFullDiskLosesLinesButNotTheWriter)
 // The system cuts a line where a limit of the file's size is, as a full disk does.
 TEST_F(Log, ALineBehindOneThatTheDiskCutStandsOnItsOwn)
 {
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    signal(SIGXFSZ, SIG_IGN);
     Start();
     const std::string line = "[2009-03-14 08:05:09] 1 " + std::string(59, 'x') + "\n"; // of 84 bytes
-    const rlimit room{1000, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &room);
-    for (int n = 0; n < 30; ++n)
-        log->PushLog(Level::LogInfo, CString('x', 59));
-    log->Flush(INFINITE); // some are lost, maybe before this waits for them
-    log->PushLog(Level::LogInfo, "lost too");
-    log->Flush(INFINITE);
-    setrlimit(RLIMIT_FSIZE, &before);
-    signal(SIGXFSZ, SIG_DFL);
+    {
+        const test::FileLimit room(1000);
+        for (int n = 0; n < 30; ++n)
+            log->PushLog(Level::LogInfo, CString('x', 59));
+        log->Flush(INFINITE); // some are lost, maybe before this waits for them
+        log->PushLog(Level::LogInfo, "lost too");
+        log->Flush(INFINITE);
+    }
     log->PushLog(Level::LogInfo, "after");
     EXPECT_EQ(log->Flush(INFINITE), 1);
     std::string expected;
@@ -406,15 +372,6 @@ TEST(LogFork, OfABusyProcessMayLogAndUseFiles)
         ASSERT_TRUE(t < 2 && n == next[t]++) << line;
     }
     EXPECT_GT(next[0], 0);
-}
-
-TEST_F(Log, LeavesNoHandleBehind)
-{
-    const int nBefore = KXHost::LiveHandles();
-    Start();
-    EXPECT_EQ(KXHost::LiveHandles(), nBefore + 3);
-    log->Uninitialize();
-    EXPECT_EQ(KXHost::LiveHandles(), nBefore);
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 // The crash reporter brings home lines that were queued.
 
-#include "tests/support/Child.h"
-#include "tests/support/TempDir.h"
+#include "tests/core/CrashPlace.h"
 
 #include <algorithm>
 #include <array>
@@ -9,49 +8,26 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
 
 namespace {
 
-namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-// A root of `C:` with the marker file, and the reporter in the application's directory.
-struct Place
+// With the reporter.
+struct Place : test::CrashPlace
 {
-    Place()
-    {
-        dir.Write("nv_dbg_14.txt", "");
-        dir.MakeDir("app");
-        fs::create_symlink(std::string(KX_TEST_BIN) + "/KXCrashReport.exe",
-                           dir.Path("app/KXCrashReport.exe"));
-    }
+    Place() { RealReporter(); }
 
-    std::unique_ptr<test::Child> Start(const std::string& how, const std::string& what) const
+    int Crash(const std::string& how, const std::string& what) const
     {
-        const char* pszOptions = std::getenv("ASAN_OPTIONS");
-        return std::make_unique<test::Child>(
-            "LogCrashChild", std::vector<std::string>{dir.Path(), how, what},
-            std::vector<std::string>{"ASAN_OPTIONS=" + std::string(pszOptions ? pszOptions : "") +
-                                     ":handle_segv=0:handle_sigfpe=0"});
+        return Start("LogCrashChild", {how, what}).Wait();
     }
-    std::string Log() const { return dir.Read("app/app.log"); }
-    std::string Report() const
-    {
-        std::error_code error;
-        for (const auto& entry : fs::directory_iterator(dir.Path("app/dumps"), error))
-            if (entry.path().extension() == ".txt") return test::ReadFile(entry.path().native());
-        return "";
-    }
-
-    test::TempDir dir;
+    std::string Log() const { return test::ReadFile(Path("app.log")); }
 };
 
 // The numbers of each thread's lines in a log, in their order; says so if a line is none.
@@ -73,16 +49,7 @@ std::array<std::vector<std::uint64_t>, nThreads> NumbersIn(const std::string& lo
     return numbers;
 }
 
-class LogCrash : public testing::Test
-{
-protected:
-#if defined(__SANITIZE_THREAD__)
-    void SetUp() override
-    {
-        GTEST_SKIP() << "ThreadSanitizer puts handlers of its own before a crash's";
-    }
-#endif
-};
+using LogCrash = test::CrashTest;
 
 // Each line whose push had returned is in the file, once and in its thread's order; one that was being pushed
 // may be.
@@ -95,8 +62,8 @@ TEST_F(LogCrash, AtAnyMomentLosesNoLine)
     for (unsigned nSeed = 0; nSeed < nRounds; ++nSeed) {
         SCOPED_TRACE("seed " + std::to_string(nSeed));
         const Place place;
-        ASSERT_EQ(place.Start("threads", std::to_string(nSeed))->Wait(), 128 + SIGSEGV);
-        const std::string counts = place.dir.Read("counts");
+        ASSERT_EQ(place.Crash("threads", std::to_string(nSeed)), 128 + SIGSEGV);
+        const std::string counts = place.Dir().Read("counts");
         ASSERT_EQ(counts.size(), nThreads * sizeof(std::uint64_t));
         const auto numbers = NumbersIn<nThreads>(place.Log());
         for (std::size_t t = 0; t < nThreads; ++t) {
@@ -116,13 +83,11 @@ TEST_F(LogCrash, OfEveryKindBringsWaitingLinesHome)
 {
     std::vector<std::string> kinds{"read", "abort",           "heap",   "overflow", "thread",
                                    "call", "thread_overflow", "locked", "together"};
-#if defined(__SANITIZE_ADDRESS__)
-    std::erase(kinds, "heap"); // its allocator is another one
-#endif
+    if (test::kSanitized) std::erase(kinds, "heap"); // its allocator is another one
     for (const std::string& kind : kinds) {
         SCOPED_TRACE(kind);
         const Place place;
-        place.Start("waiting", kind)->Wait();
+        place.Crash("waiting", kind);
         std::istringstream lines(place.Log());
         int nLines = 0;
         for (std::string line; std::getline(lines, line); ++nLines) {
@@ -138,8 +103,8 @@ TEST_F(LogCrash, OfEveryKindBringsWaitingLinesHome)
 TEST_F(LogCrash, WithoutAFilePutsTheLinesIntoTheReport)
 {
     const Place place;
-    place.Start("waiting", "unopened")->Wait();
-    EXPECT_FALSE(place.dir.Exists("app/app.log"));
+    place.Crash("waiting", "unopened");
+    EXPECT_FALSE(place.Dir().Exists("app/app.log"));
     EXPECT_THAT(place.Report(), testing::AllOf(HasSubstr("] 1 n0 xxx"), HasSubstr("] 1 n999 xxx")));
 }
 
@@ -167,7 +132,7 @@ TEST_F(LogCrash, LeavesFaultsOfTheQueueBehind)
     for (const auto& [what, expected] : cases) {
         SCOPED_TRACE(what);
         const Place place;
-        EXPECT_EQ(place.Start("forged", what)->Wait(), 128 + SIGSEGV);
+        EXPECT_EQ(place.Crash("forged", what), 128 + SIGSEGV);
         std::string log = place.Log();
         const auto own = log.find("KXCrashReport: ");
         if (own != log.npos) log.erase(own - 24, 24); // its stamp and level

@@ -1,7 +1,7 @@
 #include "KXLogSys.h"
 #include "platform/Exception.h"
 #include "platform/Host.h"
-
+#include "tests/support/ShortMemory.h"
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <new>
 #include <pthread.h>
 #include <string>
 
@@ -20,14 +19,9 @@
 
 namespace {
 
-std::atomic<int> g_nLeft{-1}; // allocations until the one that fails; below 0: none does
-std::atomic<bool> g_bNoThreads{false};
+using shortage::g_nLeft;
 
-void* Allocate(std::size_t nSize)
-{
-    if (g_nLeft >= 0 && g_nLeft-- == 0) return nullptr;
-    return std::malloc(nSize ? nSize : 1);
-}
+std::atomic<bool> g_bNoThreads{false};
 
 long Threads()
 {
@@ -54,24 +48,6 @@ bool Push(CKXLogSys* pLog, const std::string& line)
 }
 
 } // namespace
-
-void* operator new(std::size_t nSize)
-{
-    if (void* p = Allocate(nSize)) return p;
-    throw std::bad_alloc();
-}
-void* operator new(std::size_t nSize, const std::nothrow_t&) noexcept
-{
-    return Allocate(nSize);
-}
-void operator delete(void* p) noexcept
-{
-    std::free(p);
-}
-void operator delete(void* p, std::size_t) noexcept
-{
-    std::free(p);
-}
 
 extern "C" int pthread_create(pthread_t* pThread, const pthread_attr_t* pAttributes, void* (*pfnMain)(void*),
                               void* pArg)

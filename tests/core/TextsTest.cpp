@@ -1,0 +1,150 @@
+#include "KXDebug.h"
+#include "KXText.h"
+#include "include/KXStrHelper.h"
+#include "tests/support/Child.h"
+#include "tests/support/Host.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+using testing::ElementsAre;
+
+std::vector<CString> Pieces(const char* pszText, const char* pszDelim)
+{
+    std::vector<CString> pieces;
+    const int count = CKXStrHelper::Split(pszText, pszDelim, pieces);
+    EXPECT_EQ(count, static_cast<int>(pieces.size()));
+    return pieces;
+}
+
+TEST(KXStrHelper, SplitCutsAtEachDelimiter)
+{
+    EXPECT_THAT(Pieces("a,bc,d", ","), ElementsAre("a", "bc", "d"));
+    EXPECT_THAT(Pieces("a,b,", ","), ElementsAre("a", "b"));
+    EXPECT_THAT(Pieces("whole", ","), ElementsAre("whole"));
+    EXPECT_THAT(Pieces("", ","), ElementsAre());
+    EXPECT_THAT(Pieces(",", ","), ElementsAre(""));
+    EXPECT_THAT(Pieces(",a,,b,,", ","), ElementsAre("", "a", "", "b", ""));
+    EXPECT_THAT(Pieces("a--b---c", "--"), ElementsAre("a", "b", "-c"));
+    EXPECT_THAT(Pieces("a,b", ""), ElementsAre("a,b"));
+    EXPECT_THAT(Pieces("", ""), ElementsAre());
+    // A trail byte of code page 936 is no bar.
+    EXPECT_THAT(Pieces("\xD0|\x81||\xD6\xD0", "|"), ElementsAre("\xD0|\x81|", "\xD6\xD0"));
+}
+
+TEST(KXStrHelper, SplitAppends)
+{
+    std::vector<CString> pieces{"1;2", ";"};
+    EXPECT_EQ(CKXStrHelper::Split(pieces[0], pieces[1], pieces), 4); // from and by its own strings
+    EXPECT_THAT(pieces, ElementsAre("1;2", ";", "1", "2"));
+}
+
+TEST(KXStrHelper, String2DateTimeTakesWhatIsThere)
+{
+    const struct
+    {
+        const char *text, *time; // null: no such time
+    } cases[] = {
+        {"2009-03-14 15:09:26", "2009-03-14 15:09:26"},
+        {"2009-03-14", "2009-03-14 00:00:00"},
+        {"2009-3-4 5:6:7", "2009-03-04 05:06:07"},
+        {"2009-03-14 15:09", "2009-03-14 15:09:00"},
+        {"2008-02-29 23:59:59.9", "2008-02-29 23:59:59"},
+        {"1899-12-29 06:00:00", "1899-12-29 06:00:00"},
+        {"2009-02-30", nullptr},
+        {"2009-13-01", nullptr},
+        {"2009-03-14 24:00:00", nullptr},
+        {"2009-03-14 23:60:00", nullptr},
+        {"2009-03", nullptr},
+        {"20090314", nullptr},
+        {"99999999999999999999-01-01", nullptr},
+        {"-009-01-01", nullptr},
+        {"text", nullptr},
+        {"", nullptr},
+    };
+    for (const auto& c : cases) {
+        const COleDateTime time = CKXStrHelper::String2DateTime(c.text);
+        EXPECT_EQ(time.GetStatus(), c.time ? COleDateTime::valid : COleDateTime::invalid) << c.text;
+        if (c.time) {
+            EXPECT_EQ(time.Format("%Y-%m-%d %H:%M:%S"), c.time);
+        }
+    }
+}
+
+TEST(Text, GoesToUtf8AndBackInEachCodePage)
+{
+    const struct
+    {
+        UINT nCodePage;
+        std::string text;
+        std::string utf8;
+    } cases[] = {
+        {936, "", ""},
+        {936, "plain", "plain"},
+        {936, std::string("a\0b", 3), std::string("a\0b", 3)},
+        {936, "\xC4\xE3\xBA\xC3", "你好"},
+        {936, "\x94\x39\xDA\x33", "💩"}, // four bytes in GB18030
+        {65001, "你好", "你好"},
+    };
+    for (const auto& c : cases) {
+        const test::CodePage page(c.nCodePage);
+        EXPECT_EQ(KXText::ToUtf8(c.text), c.utf8);
+        EXPECT_EQ(std::string(KXText::FromUtf8(c.utf8).View()), c.text);
+    }
+    EXPECT_EQ(KXText::ToUtf8("a\xFF"
+                             "b"),
+              "a\xEF\xBF\xBD"
+              "b");
+    EXPECT_EQ(KXText::ToUtf8(KXText::FromUtf8("a\xFF"
+                                              "b")),
+              "a\xEF\xBF\xBD"
+              "b");
+}
+
+// A text is a view for every call that takes one, and made of one.
+TEST(Text, IsAStringView)
+{
+    const CString str("text");
+    const std::string_view view = str;
+    EXPECT_EQ(view.data(), str.GetString());
+    CString other(view.substr(1));
+    EXPECT_EQ(other, "ext");
+    other = view.substr(0, 2);
+    other += view.substr(2);
+    EXPECT_EQ(other, str);
+    other = std::string_view(other).substr(1); // of itself
+    EXPECT_EQ(other, "ext");
+}
+
+TEST(Debug, PrintsFormattedAndCutsAtItsBuffer)
+{
+    const test::DebugText debug;
+    EXPECT_EQ(KXPrintDebugStr("%s=%d\n", "n", 5), 4);
+    EXPECT_EQ(KXPrintDebugStr("%s", ""), 0);
+    EXPECT_EQ(debug.Text(), "n=5\n");
+    EXPECT_EQ(KXPrintDebugStr("%s", std::string(5000, 'x').c_str()), 1023);
+    EXPECT_EQ(debug.Text().size(), 4u + 1023);
+}
+
+// What goes first at the end has nothing that still needs what goes later.
+TEST(Debug, SingletonsAnnounceThemselvesAndEndInOrder)
+{
+    test::Child child("UnloadChild", {}, {"KX_DEBUG=1", "DISPLAY="}, true);
+    EXPECT_EQ(child.Wait(), 0);
+    EXPECT_EQ(child.ErrorText(), "loaded\n"
+                                 "window: DISPLAY names no display; windows appear on a desktop in memory\n"
+                                 "CKXFileSystem construction!\n" // the skins ask for it
+                                 "CKXSkinResManager Construction!\n"
+                                 "CKXLogSys Construction!\n"
+                                 "CKXLanResManager Construction!\n"
+                                 "end of main\n"
+                                 "CKXSkinResManager Deconstruction!\n"
+                                 "CKXLanResManager Deconstruction!\n"
+                                 "CKXLogSys Deconstruction!\n"
+                                 "CKXFileSystem destroy!\n");
+}
+
+} // namespace

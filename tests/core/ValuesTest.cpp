@@ -1,0 +1,235 @@
+#include "include/KXExeFileInfo.h"
+#include "include/KXGuid.h"
+#include "include/KXNum.h"
+#include "include/KXRandom.h"
+#include "include/platform/Host.h"
+#include "tests/support/Host.h"
+#include "tests/support/TempDir.h"
+
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <set>
+#include <vector>
+
+namespace {
+
+TEST(KXExeFileInfo, ReadsAnExecutablesVersion)
+{
+    Dl_info library{};
+    ASSERT_NE(dladdr(reinterpret_cast<const void*>(&CKXExeFileInfo::GetFileInfo), &library), 0);
+    CKXExeFileInfo::VersionInfo info{9, 9, 9, 9};
+    ASSERT_EQ(CKXExeFileInfo::GetFileInfo(KXHost::FromSystemPath(library.dli_fname), info), 1);
+    EXPECT_EQ(info.dwMajor, 1u);
+    EXPECT_EQ(info.dwMinor, 0u);
+    EXPECT_EQ(info.dwRevision, 0u);
+    EXPECT_EQ(info.dwBuild, 0u);
+}
+
+TEST(KXExeFileInfo, WithoutAVersionNothingChanges)
+{
+    const test::TempDir dir;
+    dir.Write("text", "MZ, but no image");
+    for (const CString& path : {dir.Win("text"), dir.Win("absent"), dir.Win(), CString()}) {
+        CKXExeFileInfo::VersionInfo info{6, 7, 8, 9};
+        EXPECT_EQ(CKXExeFileInfo::GetFileInfo(path, info), 0);
+        EXPECT_TRUE(info.dwMajor == 6 && info.dwMinor == 7 && info.dwRevision == 8 && info.dwBuild == 9);
+    }
+}
+
+constexpr GUID kGuid{0x01234567, 0x89AB, 0xCDEF, {0xFE, 0x0C, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10}};
+
+GUID Parsed(const char* pszText)
+{
+    GUID guid;
+    std::memset(&guid, 0x5A, sizeof(guid));
+    String2GUID(pszText, guid);
+    return guid;
+}
+
+TEST(KXGuid, HasAFixedTextForm)
+{
+    CString text("old");
+    GUID2String(kGuid, text);
+    EXPECT_EQ(text, "01234567-89AB-CDEF-FE0C-BA9876543210");
+    GUID2String(GUID{}, text);
+    EXPECT_EQ(text, "00000000-0000-0000-0000-000000000000");
+}
+
+TEST(KXGuid, TextsWithAndWithoutBracesReadBack)
+{
+    for (const char* text : {"01234567-89AB-CDEF-FE0C-BA9876543210", "{01234567-89AB-CDEF-FE0C-BA9876543210}",
+                             "01234567-89ab-cdef-fe0c-ba9876543210"})
+        EXPECT_EQ(IsSameGUID(Parsed(text), kGuid), 1) << text;
+}
+
+TEST(KXGuid, BadTextsGiveZero)
+{
+    for (const char* text : {"", "{", "}", "{01234567-89AB-CDEF-FE0C-BA9876543210", "\xD6\xD0", "\xFF",
+                             "01234567-89AB-CDEF-FE0C-BA9876543210}", "01234567-89AB-CDEF-FE0C-BA987654321",
+                             "{{01234567-89AB-CDEF-FE0C-BA9876543210}}"})
+        EXPECT_EQ(IsSameGUID(Parsed(text), GUID{}), 1) << text;
+    EXPECT_EQ(IsSameGUID(Parsed(std::string(100'000, 'A').c_str()), GUID{}), 1);
+}
+
+TEST(KXGuid, NewOnesDifferAndReadBack)
+{
+    CString first, second, again;
+    ASSERT_EQ(CreateGUIDString(first), 1);
+    ASSERT_EQ(CreateGUIDString(second), 1);
+    EXPECT_NE(first, second);
+    EXPECT_THAT(first.GetString(), testing::MatchesRegex("[0-9A-F-]{36}"));
+    GUID2String(Parsed(first), again);
+    EXPECT_EQ(first, again);
+}
+
+TEST(KXGuid, SameMeansEveryByte)
+{
+    for (std::size_t i = 0; i < sizeof(GUID); ++i) {
+        GUID other = kGuid;
+        reinterpret_cast<unsigned char*>(&other)[i] ^= 1;
+        EXPECT_EQ(IsSameGUID(kGuid, other), 0) << i;
+    }
+    EXPECT_EQ(IsSameGUID(kGuid, GUID(kGuid)), 1);
+}
+
+using testing::ElementsAre;
+
+std::vector<int> Apart(const char* pszText)
+{
+    std::vector<int> numbers;
+    const int count = CKXNum::ApartNums(pszText, numbers);
+    EXPECT_EQ(count, static_cast<int>(numbers.size()));
+    return numbers;
+}
+
+TEST(KXNum, ApartNumsFindsEachRunOfDigits)
+{
+    EXPECT_THAT(Apart("RGB(12,34,56)"), ElementsAre(12, 34, 56));
+    EXPECT_THAT(Apart("IP(192.168.0.1"), ElementsAre(192, 168, 0, 1));
+    EXPECT_THAT(Apart("1.5"), ElementsAre(1, 5));
+    EXPECT_THAT(Apart("-7 +8"), ElementsAre(7, 8));
+    EXPECT_THAT(Apart("007"), ElementsAre(7));
+    EXPECT_THAT(Apart("0"), ElementsAre(0));
+    EXPECT_THAT(Apart("\xC8\xFD"
+                      "1\xB0\xB0"
+                      "2"),
+                ElementsAre(1, 2));
+    EXPECT_THAT(Apart("none"), ElementsAre());
+    EXPECT_THAT(Apart(""), ElementsAre());
+    EXPECT_THAT(Apart(nullptr), ElementsAre());
+}
+
+TEST(KXNum, ApartNumsWrapsIn32Bits)
+{
+    EXPECT_THAT(Apart("2147483647 2147483648 4294967295 4294967296"), ElementsAre(INT_MAX, INT_MIN, -1, 0));
+    EXPECT_THAT(Apart("99999999999999999999"), ElementsAre(1661992959));
+}
+
+TEST(KXNum, ApartNumsAppends)
+{
+    std::vector<int> numbers{9};
+    EXPECT_EQ(CKXNum::ApartNums("1,2", numbers), 3);
+    EXPECT_THAT(numbers, ElementsAre(9, 1, 2));
+}
+
+TEST(KXNum, CalcFactorialMultipliesTheRange)
+{
+    const struct
+    {
+        int high, low, product;
+    } cases[] = {
+        {5, 1, 120},
+        {5, 3, 60},
+        {4, 4, 4},
+        {3, 4, 1},
+        {3, -3, 0},
+        {-1, -3, -6},
+        {-2, -3, 6},
+        {INT_MIN, INT_MAX, 1},
+        {13, 1, 1932053504},
+        {33, 1, INT_MIN},
+        {34, 1, 0},
+        {INT_MAX, INT_MAX, INT_MAX},
+        {INT_MIN, INT_MIN, INT_MIN},
+        {INT_MAX, INT_MAX - 1, -2147483646},
+        {INT_MAX, 1, 0},
+        {INT_MAX, INT_MIN, 0}, // at once: a range of four billion
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(CKXNum::CalcFactorial(c.high, c.low), c.product) << c.low << " to " << c.high;
+}
+
+TEST(KXNum, IntersectRectCountsTouching)
+{
+    const RECT middle{10, 10, 20, 20};
+    const struct
+    {
+        RECT other;
+        bool meets;
+    } cases[] = {
+        {{12, 12, 15, 15}, true},  {{0, 0, 30, 30}, true},   {{20, 10, 30, 20}, true},
+        {{0, 10, 10, 20}, true},   {{20, 20, 30, 30}, true}, {{10, 0, 20, 10}, true},
+        {{21, 10, 30, 20}, false}, {{0, 10, 9, 20}, false},  {{10, 0, 20, 9}, false},
+        {{10, 21, 20, 30}, false},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(CKXNum::IntersectRect(middle, c.other), c.meets) << c.other.left << ',' << c.other.top;
+        EXPECT_EQ(CKXNum::IntersectRect(c.other, middle), c.meets) << c.other.left << ',' << c.other.top;
+    }
+}
+
+TEST(KXRandom, IsTheRuntimesGeneratorCutToTheRange)
+{
+    std::srand(7);
+    std::vector<int> expected;
+    for (int i = 0; i < 50; ++i)
+        expected.push_back(std::rand() % 11 - 5);
+    std::srand(7);
+    for (const int number : expected)
+        EXPECT_EQ(CKXRandom::GetRandom(-5, 5), number);
+}
+
+TEST(KXRandom, StaysInTheRangeAndReachesItsEnds)
+{
+    std::set<int> seen;
+    for (int i = 0; i < 500; ++i)
+        seen.insert(CKXRandom::GetRandom(-1, 2));
+    EXPECT_THAT(seen, testing::ElementsAre(-1, 0, 1, 2));
+    for (const int only : {3, 0, INT_MIN, INT_MAX})
+        EXPECT_EQ(CKXRandom::GetRandom(only, only), only);
+}
+
+TEST(KXRandom, WideRangesHaveBothHalves)
+{
+    int negative = 0, large = 0;
+    for (int i = 0; i < 1000; ++i) {
+        negative += CKXRandom::GetRandom(INT_MIN, INT_MAX) < 0;
+        large += CKXRandom::GetRandom(-1, INT_MAX) > INT_MAX / 2;
+    }
+    EXPECT_NEAR(negative, 500, 150);
+    EXPECT_NEAR(large, 500, 150);
+}
+
+TEST(KXRandom, ARangeTheWrongWayRoundIsHarmless)
+{
+    EXPECT_EQ(CKXRandom::GetRandom(4, 3), 4);
+    for (int i = 0; i < 100; ++i) {
+        CKXRandom::GetRandom(INT_MAX, INT_MIN);
+        EXPECT_THAT(CKXRandom::GetRandom(5, 1), testing::AllOf(testing::Ge(5), testing::Le(7)));
+    }
+}
+
+TEST(KXRandom, InitSeedsWithTheSecond)
+{
+    const test::VirtualClock clock(1234);
+    CKXRandom::Init();
+    const int first = std::rand();
+    std::srand(1234);
+    EXPECT_EQ(std::rand(), first);
+}
+
+} // namespace
