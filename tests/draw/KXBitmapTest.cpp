@@ -493,7 +493,7 @@ TEST(BitmapHandles, ManyRoundsLeaveNothing)
 
 TEST(BitmapHandles, ARegionWithoutMemoryIsNone)
 {
-    EXPECT_EQ(test::Child("NoMemoryChild", {}).Wait(), 0);
+    EXPECT_EQ(test::Child("ShortMemoryChild", {}).Wait(), 0);
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/Dc.h"
-#include "platform/GdiPlus.h"
+#include "tests/support/GdiPlus.h"
 #include "tests/support/Picture.h"
 #include "tests/support/TempDir.h"
 
@@ -43,13 +43,6 @@ inline std::string File(const Picture& picture)
 class PictureTest : public testing::Test
 {
 protected:
-    PictureTest()
-    {
-        const Gdiplus::GdiplusStartupInput input;
-        EXPECT_EQ(Gdiplus::GdiplusStartup(&m_token, &input, nullptr), Gdiplus::Ok);
-    }
-    ~PictureTest() override { Gdiplus::GdiplusShutdown(m_token); }
-
     static int LoadBytes(auto& object, std::string bytes)
     {
         return object.Load(reinterpret_cast<BYTE*>(bytes.data()), bytes.size());
@@ -70,12 +63,10 @@ protected:
         return Read(paper, 0, 0, size.cx, size.cy);
     }
 
+    const GdiPlus gdiPlus;
     const TempDir dir;
     Paper paper{8, 6, 'W'};
     CDC& dc = *CDC::FromHandle(paper);
-
-private:
-    std::uintptr_t m_token = 0;
 };
 
 } // namespace test

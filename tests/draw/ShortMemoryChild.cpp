@@ -1,79 +1,52 @@
-// Fails each allocation in turn while the classes of pictures work on a.bmp and a.gif of the directory given;
-// the exit code names the case in which a result was neither of success nor of failure, or a handle was left
-// behind. What escapes ends the program.
+// Fails all allocations from each on while the classes of pictures work on a.bmp and a.gif of the directory
+// given; the exit code names the case in which a result was neither of success nor of failure, or a handle
+// was left behind. What escapes ends the program. Without a directory it makes regions.
 
+#include "KXBitmap.h"
 #include "KXGdiplusBitmap.h"
 #include "KXGdiplusHelper.h"
 #include "KXGdiplusImage.h"
 #include "KXGifRender.h"
 #include "KXMemoryDC.h"
 #include "platform/Host.h"
-
-#include <cstdlib>
+#include "tests/support/GdiPlus.h"
+#include "tests/support/ShortMemory.h"
 #include <functional>
-#include <limits>
-#include <new>
+#include <random>
 #include <utility>
 
 namespace {
 
-constexpr int nAll = std::numeric_limits<int>::max();
-int g_nLeft = nAll; // allocations until all fail
-
-bool IsShort()
+// Makes and moves regions when memory for them is short; names the step that went wrong.
+int Regions()
 {
-    if (g_nLeft == 0) return true;
-    if (g_nLeft != nAll) --g_nLeft;
-    return false;
+    constexpr int nSide = 512;
+    CKXBitmap bitmap;
+    bitmap.AttachBitmap(CreateCompatibleBitmap(bitmap.GetHDC(), nSide, nSide));
+    std::minstd_rand random(1);
+    for (int y = 0; y < nSide; ++y)
+        for (int x = 0; x < nSide; ++x)
+            if (random() / 64 % 2 == 0) SetPixel(bitmap.GetHDC(), x, y, 0xFF);
+    CRgn region;
+    shortage::g_nMost = std::size_t{16} << 10; // less than the pixels of some rows
+    bitmap.CreateBitmapRgn(region, 0, 0);
+    if (region.GetSafeHandle()) return 1;
+    shortage::g_nMost = SIZE_MAX;
+    bitmap.CreateBitmapRgn(region, 0, 0);
+    RECT before;
+    RECT after;
+    if (region.GetRgnBox(&before) != COMPLEXREGION) return 2;
+    shortage::g_nMost = std::size_t{64} << 10;
+    if (OffsetRgn(region, INT32_MAX - nSide / 2, 0) != RGN_ERROR) return 3; // half of it would be lost
+    return region.GetRgnBox(&after) == COMPLEXREGION && before == after ? 0 : 4;
 }
 
 } // namespace
 
-// In place of what the library has, and the codecs' libraries too.
-#if !defined(KX_SANITIZED)
-extern "C" {
-void* __libc_malloc(std::size_t);
-void* __libc_calloc(std::size_t, std::size_t);
-void* __libc_realloc(void*, std::size_t);
-void* malloc(std::size_t nBytes) noexcept
+int main(int nArgs, char** argv)
 {
-    return IsShort() ? nullptr : __libc_malloc(nBytes);
-}
-void* calloc(std::size_t nCount, std::size_t nBytes) noexcept
-{
-    return IsShort() ? nullptr : __libc_calloc(nCount, nBytes);
-}
-void* realloc(void* p, std::size_t nBytes) noexcept
-{
-    return IsShort() ? nullptr : __libc_realloc(p, nBytes);
-}
-}
-#else // where only these can be
-void* operator new(std::size_t nBytes, const std::nothrow_t&) noexcept
-{
-    return IsShort() ? nullptr : std::malloc(nBytes);
-}
-void* operator new(std::size_t nBytes)
-{
-    void* const p = operator new(nBytes, std::nothrow);
-    if (!p) throw std::bad_alloc();
-    return p;
-}
-void operator delete(void* p) noexcept
-{
-    std::free(p);
-}
-void operator delete(void* p, std::size_t) noexcept
-{
-    std::free(p);
-}
-#endif
-
-int main(int, char** argv)
-{
-    std::uintptr_t nToken = 0;
-    const Gdiplus::GdiplusStartupInput input;
-    Gdiplus::GdiplusStartup(&nToken, &input, nullptr);
+    if (nArgs < 2) return Regions();
+    const test::GdiPlus gdiPlus;
     CKXMemoryDC surface;
     surface.Create(40, 30);
     CDC& dc = surface.GetDC();
@@ -112,16 +85,17 @@ int main(int, char** argv)
         [&] { return CKXGdiplusHelper::DrawGradientRoundRect(dc, 1, 2, rc, 4, 4, 1, 3), 1; },
         [&] { return CKXGdiplusHelper::DrawPathGradientRect(dc, rc, 1, 2), 1; },
     };
+    shortage::g_bAll = true;
     const int nHandles = KXHost::LiveHandles();
     for (int nCase = 1; const auto& work : cases) {
         for (int nFail = 0, bDone = 0; !bDone; ++nFail) {
             bitmap.Load(strBmp);
             if (!image.Load(strBmp) || !gif.Load(strGif)) return 99;
             gif.Stop();
-            g_nLeft = nFail;
+            shortage::g_nLeft = nFail;
             const int nResult = work();
-            bDone = g_nLeft > 0;
-            g_nLeft = nAll;
+            bDone = shortage::g_nLeft > 0;
+            shortage::g_nLeft = -1;
             bitmap.Free();
             image.Free();
             gif.Load(CString());
@@ -131,6 +105,5 @@ int main(int, char** argv)
         }
         ++nCase;
     }
-    Gdiplus::GdiplusShutdown(nToken);
     return 0;
 }
