@@ -1,5 +1,6 @@
 #include "include/platform/File.h"
 #include "tests/platform/files/Mounted.h"
+#include "tests/support/Child.h"
 
 #include <array>
 #include <csignal>
@@ -9,7 +10,6 @@
 #include <string_view>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -33,27 +33,6 @@ void ReadOnly(const std::string& path)
 {
     fs::permissions(path, fs::perms::owner_read | fs::perms::group_read);
 }
-
-// Lets no file grow beyond a size.
-class FileLimit
-{
-public:
-    explicit FileLimit(rlim_t bytes)
-    {
-        getrlimit(RLIMIT_FSIZE, &m_old);
-        const rlimit lower{bytes, m_old.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &lower);
-        std::signal(SIGXFSZ, SIG_IGN);
-    }
-    ~FileLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_old);
-        std::signal(SIGXFSZ, SIG_DFL);
-    }
-
-private:
-    rlimit m_old{};
-};
 
 } // namespace
 
@@ -149,7 +128,7 @@ TEST(Copy, FailureOnTheWayLeavesTheOldFileAndNothingElse)
     drive.Write("from", std::string(50'000, 'n'));
     drive.Write("old", "old");
     {
-        const FileLimit limit(10'000);
+        const test::FileLimit limit(10'000);
         for (const char* target : {"X:\\old", "X:\\new"})
             EXPECT_FALSE(CopyFileA("X:\\from", target, 0));
     }
@@ -163,19 +142,14 @@ TEST(Copy, KilledOnTheWayLeavesTheOldFileAndThePart)
     drive.Write("source", std::string(300'000, 'x'));
     drive.Write("old", "old");
     const auto copy = [&](const char* target) {
-        const pid_t child = fork();
-        if (child == 0) {
+        return test::InFork([&] {
             const rlimit lower{100'000, 100'000};
             setrlimit(RLIMIT_FSIZE, &lower); // a process that writes more is killed
-            CopyFileA(drive.Of("source"), drive.Of(target), 0);
-            _exit(0);
-        }
-        int status = 0;
-        waitpid(child, &status, 0);
-        return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+            return CopyFileA(drive.Of("source"), drive.Of(target), 0);
+        });
     };
-    EXPECT_EQ(copy("new"), SIGXFSZ);
-    EXPECT_EQ(copy("old"), SIGXFSZ);
+    EXPECT_EQ(copy("new"), 128 + SIGXFSZ);
+    EXPECT_EQ(copy("old"), 128 + SIGXFSZ);
     EXPECT_EQ(drive.Read("old"), "old");
     EXPECT_FALSE(drive.Exists("new"));
 

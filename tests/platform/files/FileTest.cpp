@@ -170,12 +170,7 @@ TEST(File, IsFreeForOthersOnceClosedWhoeverHasCopies)
     const unsigned flags = CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite;
     CFile file;
     ASSERT_TRUE(file.Open("X:\\held", flags));
-    const pid_t closing = fork();
-    if (closing == 0) {
-        file.Abort();
-        _exit(0);
-    }
-    EXPECT_EQ(waitpid(closing, nullptr, 0), closing);
+    EXPECT_EQ(test::InFork([&] { return file.Abort(), 0; }), 0);
     EXPECT_EQ(OpenCause("X:\\held", flags), CFileException::sharingViolation);
 
     int end[2];

@@ -1,5 +1,5 @@
 #include "include/platform/Wnd.h"
-#include "tests/support/Picture.h"
+#include "tests/support/Desktop.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -211,12 +211,7 @@ TEST(Wnd, PaintsThroughContextsThatEndWithTheirScope)
     CBase wnd;
     Create(wnd);
     wnd.ShowWindow(SW_SHOWNA);
-    const auto seen = [] {
-        const HDC desktop = GetDC(nullptr);
-        const test::Picture row = test::Read(desktop, 0, 2, 5, 3);
-        ReleaseDC(nullptr, desktop);
-        return row[0];
-    };
+    const auto seen = [] { return test::SeenRow(0, 2, 5); };
     {
         CPaintDC dc(&wnd);
         EXPECT_EQ(dc.m_ps.rcPaint, CRect(0, 0, 3, 4));

@@ -83,25 +83,15 @@ TEST(BitBlt, CopiesABlockAndCutsItToBothSurfaces)
     for (const Copy& copy :
          {Copy{1, 1, 3, 2, 2, 1}, Copy{-2, -1, 6, 5, 0, 0}, Copy{3, 2, 9, 9, 0, 0}, Copy{0, 0, 4, 4, -2, -1},
           Copy{0, 0, 4, 4, 4, 3}, Copy{-3, 1, 9, 1, -5, 2}, Copy{1, 1, 0, 3, 0, 0}, Copy{1, 1, -2, 3, 0, 0},
-          Copy{9, 9, 3, 3, 0, 0}, Copy{0, 0, 3, 3, 6, 0}}) {
-        const Paper to(5, 4);
-        EXPECT_EQ(Blit(to, copy, from), 1);
-        EXPECT_EQ(to.Read(), Copied(Picture(4, "....."), source, copy, 0, everywhere))
-            << copy.x << ' ' << copy.xSrc;
+          Copy{9, 9, 3, 3, 0, 0}, Copy{0, 0, 3, 3, 6, 0}, Copy{0, 0, 6, 5, 0, 0}}) {
+        for (const bool bAsLarge : {false, true}) {
+            const Paper to(bAsLarge ? 6 : 5, bAsLarge ? 5 : 4);
+            const Picture before = to.Read();
+            EXPECT_EQ(Blit(to, copy, from), 1);
+            EXPECT_EQ(to.Read(), Copied(before, source, copy, 0, everywhere)) << copy.x << ' ' << copy.xSrc;
+        }
     }
     EXPECT_EQ(from.Read(), source);
-}
-
-TEST(BitBlt, CopiesLongRowsFromAndToAnyColumn)
-{
-    const Picture source = Colorful(1600, 2);
-    const Paper from(source);
-    for (const int x : {0, 1, 7, 15, 16, 17}) {
-        const Copy copy{x, 0, x == 0 ? 1600 : 1500, 2, x % 3, 0}; // or all of it at once
-        const Paper to(1600, 2);
-        Blit(to, copy, from);
-        EXPECT_EQ(to.Read(), Copied(Picture(2, std::string(1600, '.')), source, copy, 0, everywhere)) << x;
-    }
 }
 
 // Each direction, within one surface: whole, and cut into parts that lie side by side and below each other.

@@ -1,11 +1,9 @@
+#include "tests/support/Await.h"
 #include "tests/support/Picture.h"
-
 #include <atomic>
 #include <climits>
 #include <set>
 #include <string>
-#include <thread>
-
 using test::NoLeak;
 using test::Paper;
 using test::Scoped;
@@ -169,7 +167,7 @@ TEST(Object, ThreadsMakeFindAndEndThemAtOnce)
         return bitmap;
     };
     std::atomic<HBITMAP> shared{make()};
-    const auto work = [&] {
+    test::RunThreads(3, [&](int) {
         for (int n = 0; n < 2000; ++n) {
             BITMAP record;
             GetObjectA(shared.load(), sizeof record, &record);
@@ -177,11 +175,6 @@ TEST(Object, ThreadsMakeFindAndEndThemAtOnce)
             EXPECT_EQ(GetObjectA(own, 0, nullptr), static_cast<int>(sizeof(BITMAP)));
             if (n % 16 == 0) DeleteObject(shared.exchange(make()));
         }
-    };
-    {
-        const std::jthread a(work);
-        const std::jthread b(work);
-        const std::jthread c(work);
-    }
+    });
     DeleteObject(shared);
 }

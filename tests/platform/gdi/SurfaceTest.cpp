@@ -1,9 +1,7 @@
 #include "include/platform/Window.h"
+#include "tests/support/Await.h"
 #include "tests/support/Picture.h"
-
 #include <climits>
-#include <thread>
-
 using test::ColorOf;
 using test::NoLeak;
 using test::Paper;
@@ -71,6 +69,39 @@ TEST(Surface, OfAWindowIsSeenOnceItIsGivenBack)
     EXPECT_EQ(ReleaseDC(GetDesktopWindow(), desktop), 1);
     UnregisterClassA("Surface");
     EXPECT_EQ(GetDC(hWnd), nullptr);
+}
+
+// Whatever lay in its memory before.
+TEST(Surface, ANewBitmapIsBlack)
+{
+    for (int n = 0; n < 20; ++n) {
+        {
+            const Paper white(60, 40, 'W');
+        }
+        const HDC dc = CreateCompatibleDC(nullptr);
+        const Scoped<HBITMAP> bitmap(CreateCompatibleBitmap(dc, 60, 40));
+        SelectObject(dc, bitmap);
+        ASSERT_EQ(test::Read(dc, 0, 0, 60, 40), Picture(40, std::string(60, '.')));
+        DeleteDC(dc);
+    }
+}
+
+TEST(Surface, OfAWindowIsApartFromTheBitmapThatCoversIt)
+{
+    const WNDCLASSA windows{DefWindowProcA, "Covered"};
+    ASSERT_NE(RegisterClassA(&windows), 0);
+    const HWND hWnd = CreateWindowExA(0, "Covered", "", WS_POPUP, 0, 0, 160, 110);
+    const HDC window = GetDC(hWnd);
+    const Paper paper(160, 110, 'R');
+    BitBlt(window, 0, 0, 160, 110, paper, 0, 0, SRCCOPY);
+    BitBlt(window, 0, 0, 160, 110, window, 0, 0, SRCCOPY);
+    SetPixel(paper, 0, 0, ColorOf('B'));
+    SetPixel(window, 1, 0, ColorOf('G'));
+    EXPECT_EQ(test::Read(window, 0, 0, 3, 1), Picture{"RGR"});
+    EXPECT_EQ(test::Read(paper, 0, 0, 3, 1), Picture{"BRR"});
+    ReleaseDC(hWnd, window);
+    DestroyWindow(hWnd);
+    UnregisterClassA("Covered");
 }
 
 TEST(Surface, BitmapsHaveASizeWithinBounds)
@@ -169,7 +200,7 @@ TEST(Surface, ColoursAndModeGiveTheirOldValue)
 
 TEST(Surface, OfTheDesktopMayBeDrawnOnByThreadsAtOnce)
 {
-    const auto work = [] {
+    test::RunThreads(2, [](int) {
         const HDC dc = GetDC(nullptr);
         const RECT rect{100, 100, 132, 132};
         for (int n = 0; n < 50; ++n) {
@@ -178,7 +209,5 @@ TEST(Surface, OfTheDesktopMayBeDrawnOnByThreadsAtOnce)
             EXPECT_NE(GetPixel(dc, 110, 110), CLR_INVALID);
         }
         ReleaseDC(nullptr, dc);
-    };
-    const std::jthread a(work);
-    const std::jthread b(work);
+    });
 }

@@ -1,4 +1,5 @@
 #include "include/platform/Gdi.h"
+#include "tests/support/Await.h"
 #include "tests/support/Host.h"
 #include "tests/support/Picture.h"
 
@@ -9,7 +10,6 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <string>
-#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -227,7 +227,7 @@ TEST(Fonts, AreMadeMeasuredAndEndedOnSeveralThreads)
 {
     const test::NoLeak noLeak;
     std::barrier allMade(4);
-    const auto work = [&](int nThread) {
+    test::RunThreads(4, [&](int nThread) {
         const test::Paper paper(4, 4);
         for (int nRound = 0; nRound < 2; ++nRound) {
             std::vector<HFONT> fonts;
@@ -245,10 +245,7 @@ TEST(Fonts, AreMadeMeasuredAndEndedOnSeveralThreads)
             for (const HFONT font : fonts)
                 EXPECT_EQ(DeleteObject(font), 1);
         }
-    };
-    std::vector<std::jthread> threads;
-    for (int n = 0; n < 4; ++n)
-        threads.emplace_back(work, n);
+    });
 }
 
 TEST_F(Text, BadArgumentsDrawNothing)

@@ -1,9 +1,7 @@
 #include "tests/platform/gdiplus/Images.h"
 
 #include <cmath>
-#include <csignal>
 #include <filesystem>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -138,17 +136,11 @@ TEST_F(SaveTest, AFileIsReplacedWholeOrStaysAsItWas)
     stat(dir.Path("a.png").c_str(), &info);
     EXPECT_EQ(info.st_mode & 0777, 0640u);
 
-    // A full disk, as a limit on a file's size has it.
-    rlimit old{};
-    getrlimit(RLIMIT_FSIZE, &old);
-    const rlimit small{4096, old.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &small);
-    EXPECT_EQ(save(large, "a.png", bmp), GenericError);
-    setrlimit(RLIMIT_FSIZE, &old);
-    std::signal(SIGXFSZ, handler);
+    {
+        const FileLimit full(4096);
+        EXPECT_EQ(save(large, "a.png", bmp), GenericError);
+    }
     EXPECT_EQ(letters("a.png"), (Picture{"R"}));
-
     dir.MakeDir("directory");
     EXPECT_EQ(save(red, "directory", png), AccessDenied);
     EXPECT_EQ(save(red, "directory\\", png), AccessDenied);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "include/platform/GdiPlus.h"
+#include "tests/support/GdiPlus.h"
 #include "tests/support/Picture.h"
 
 #include <algorithm>
@@ -19,16 +19,7 @@ using Row = std::vector<ARGB>;
 
 class DrawingTest : public testing::Test
 {
-protected:
-    DrawingTest()
-    {
-        const GdiplusStartupInput input;
-        EXPECT_EQ(GdiplusStartup(&m_nToken, &input, nullptr), Ok);
-    }
-    ~DrawingTest() override { GdiplusShutdown(m_nToken); }
-
-private:
-    std::uintptr_t m_nToken = 0;
+    const GdiPlus m_gdiPlus;
 };
 
 class Sheet

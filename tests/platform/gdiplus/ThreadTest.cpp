@@ -2,24 +2,12 @@
 #include "tests/platform/gdiplus/Images.h"
 #include "tests/platform/gdiplus/JpegBuilder.h"
 #include "tests/platform/gdiplus/TiffBuilder.h"
-
-#include <functional>
-#include <thread>
-
+#include "tests/support/Await.h"
 namespace {
 
 using namespace test;
 
 constexpr int kThreads = 4;
-
-void OnThreads(const std::function<void(int)>& work)
-{
-    std::vector<std::thread> threads;
-    for (int n = 0; n < kThreads; ++n)
-        threads.emplace_back(work, n);
-    for (std::thread& thread : threads)
-        thread.join();
-}
 
 // A picture of more colours than a GIF can have.
 std::unique_ptr<Loaded> Colorful(int nThread)
@@ -34,7 +22,7 @@ std::unique_ptr<Loaded> Colorful(int nThread)
 TEST(ImageThreads, StartsAreCountedWhicheverThreadsMakeThem)
 {
     const NoLeak noLeak;
-    OnThreads([](int) {
+    RunThreads(kThreads, [](int) {
         for (int nRound = 0; nRound < 50; ++nRound) {
             std::uintptr_t first = 0, second = 0;
             const GdiplusStartupInput input;
@@ -66,7 +54,7 @@ TEST_F(ImageThreadsTest, DistinctPicturesAreLoadedDrawnAndSavedAtOnce)
     for (int n = 0; n < kThreads; ++n)
         alone.push_back(Saved(*Colorful(n), u"gif"));
 
-    OnThreads([&](int nThread) {
+    RunThreads(kThreads, [&](int nThread) {
         const std::string name = "saved" + std::to_string(nThread);
         const CLSID png = EncoderOf(u"png");
         for (int nRound = 0; nRound < 20; ++nRound) {

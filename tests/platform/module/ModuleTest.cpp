@@ -2,13 +2,11 @@
 
 #include "include/platform/Error.h"
 #include "tests/platform/module/Bundles.h"
+#include "tests/support/Await.h"
 #include "tests/support/Host.h"
-
 #include <cstring>
 #include <string_view>
 #include <sys/stat.h>
-#include <thread>
-#include <vector>
 
 namespace {
 
@@ -333,7 +331,8 @@ TEST(Module, ThreadsMayLoadFindAndFreeAtOnce)
     const TempDir dir;
     CompileBundle(dir, {{"T/A", "content"}, {"STRING/1", "text"}});
     const OpenModule common(Resources{{"T/A", "common"}});
-    const auto work = [&] {
+    const int before = KXHost::LiveHandles();
+    test::RunThreads(4, [&](int) {
         for (int i = 0; i < 50; ++i) {
             const HMODULE module = LoadLibraryA(dir.Win("bundle"));
             EXPECT_EQ(BytesOf(module, "A", "T"), "content");
@@ -344,13 +343,7 @@ TEST(Module, ThreadsMayLoadFindAndFreeAtOnce)
             EXPECT_GT(GetModuleFileNameA(nullptr, name, MAX_PATH), 0u);
             EXPECT_NE(FreeLibrary(module), 0);
         }
-    };
-    const int before = KXHost::LiveHandles();
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back(work);
-    for (auto& thread : threads)
-        thread.join();
+    });
     KXHost::SetExecutablePath("");
     EXPECT_EQ(KXHost::LiveHandles(), before);
 }

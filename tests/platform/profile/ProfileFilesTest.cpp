@@ -1,9 +1,7 @@
 #include "tests/platform/profile/IniFixture.h"
 
-#include <csignal>
 #include <functional>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -119,18 +117,12 @@ TEST(ProfileFiles, OwnerGroupAndWholeModeStay)
 TEST(ProfileFiles, FullDiskLeavesTheOldFile)
 {
     const IniFile ini("[S]\nk=v\n");
-    rlimit old = {};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit small{4096, old.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    const bool bSet = ini.Set("S", "l", std::string(10'000, 'x').c_str());
-    const DWORD error = GetLastError();
-    setrlimit(RLIMIT_FSIZE, &old);
-    std::signal(SIGXFSZ, handler);
-
-    EXPECT_FALSE(bSet);
-    EXPECT_EQ(error, ERROR_DISK_FULL);
+    const auto set = [&] {
+        const test::FileLimit limit(4096);
+        return ini.Set("S", "l", std::string(10'000, 'x').c_str());
+    };
+    EXPECT_FALSE(set());
+    EXPECT_EQ(GetLastError(), ERROR_DISK_FULL);
     EXPECT_EQ(ini.Text(), "[S]\nk=v\n");
     EXPECT_EQ(ini.Names(), std::set<std::string>{"test.ini"});
 }

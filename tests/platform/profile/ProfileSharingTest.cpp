@@ -1,7 +1,7 @@
 #include "internal/IniSnapshot.h"
 #include "tests/platform/profile/IniFixture.h"
+#include "tests/support/Await.h"
 #include "tests/support/Child.h"
-
 #include <atomic>
 #include <chrono>
 #include <fcntl.h>
@@ -39,15 +39,12 @@ TEST(ProfileSharing, NoWriterLosesAnothersKeys)
     std::vector<std::unique_ptr<Child>> children;
     for (const char* prefix : {"a", "b"})
         children.push_back(Writer(ini, prefix, kEach));
-    std::vector<std::jthread> threads;
-    for (const std::string prefix : {"c", "d"})
-        threads.emplace_back([&ini, prefix] {
-            for (int n = 0; n < kEach; ++n) {
-                const std::string number = std::to_string(n);
-                EXPECT_TRUE(ini.Set("S", (prefix + number).c_str(), number.c_str()));
-            }
-        });
-    threads.clear();
+    test::RunThreads(2, [&](int t) {
+        for (int n = 0; n < kEach; ++n) {
+            const std::string number = std::to_string(n);
+            EXPECT_TRUE(ini.Set("S", ((t ? "c" : "d") + number).c_str(), number.c_str()));
+        }
+    });
     for (const auto& child : children)
         EXPECT_EQ(child->Wait(), 0);
     for (const char* prefix : {"a", "b", "c", "d"})
@@ -138,11 +135,8 @@ TEST(ProfileSharing, NobodyHoldsAWriterUpForLong)
         ASSERT_TRUE((ini == &left && bRoot) || flock(parts.back(), LOCK_EX) == 0);
     }
     ASSERT_TRUE(!bRoot || seteuid(65534) == 0);
-    {
-        std::vector<std::jthread> writers;
-        for (const IniFile* ini : {&stopped, &locked, &left})
-            writers.emplace_back([ini] { ExpectGivesUp(*ini); });
-    }
+    const IniFile* const files[] = {&stopped, &locked, &left};
+    test::RunThreads(3, [&](int t) { ExpectGivesUp(*files[t]); });
     ASSERT_TRUE(!bRoot || seteuid(0) == 0);
     for (const int part : parts)
         close(part);

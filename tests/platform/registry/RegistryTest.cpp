@@ -1,19 +1,17 @@
 #include "include/platform/Registry.h"
 
 #include "include/platform/Host.h"
-#include "tests/support/Child.h"
+#include "tests/support/Await.h"
 #include "tests/support/Host.h"
 #include "tests/support/TempDir.h"
 
-#include <csignal>
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <memory>
 #include <optional>
 #include <string>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -66,13 +64,6 @@ protected:
             RegQueryValueExA(hKey, pszName, nullptr, pdwType, reinterpret_cast<BYTE*>(data.data()), &size),
             ERROR_SUCCESS);
         return data;
-    }
-
-    std::unique_ptr<test::Child> Writer(const std::string& prefix, int count) const
-    {
-        return std::make_unique<test::Child>(
-            "RegistryWriterChild",
-            std::vector<std::string>{m_dir.Path("registry.ini"), prefix, std::to_string(count)});
     }
 
     test::TempDir m_dir;
@@ -265,57 +256,22 @@ TEST_F(Registry, WriteAccessNeedsAFileThatCanBeWritten)
     chmod(m_dir.Path().c_str(), 0700);
 }
 
+// Processes do as they do with any INI file, through the same calls.
 TEST_F(Registry, ThreadsWriteSideBySide)
 {
-    std::vector<std::jthread> threads;
-    for (const std::string name : {"a", "b", "c"})
-        threads.emplace_back([name] {
-            for (int n = 0; n < 20; ++n) {
-                HKEY hKey = nullptr;
-                RegCreateKeyExA(HKEY_CURRENT_USER, name.c_str(), 0, nullptr, 0, kBoth, nullptr, &hKey,
-                                nullptr);
-                EXPECT_EQ(Set(hKey, std::to_string(n).c_str(), name), ERROR_SUCCESS);
-                RegCloseKey(hKey);
-            }
-        });
-    threads.clear();
-    for (const std::string name : {"a", "b", "c"})
+    const std::array<std::string, 3> names{"a", "b", "c"};
+    test::RunThreads(3, [&](int t) {
+        const std::string& name = names[static_cast<std::size_t>(t)];
+        for (int n = 0; n < 20; ++n) {
+            HKEY hKey = nullptr;
+            RegCreateKeyExA(HKEY_CURRENT_USER, name.c_str(), 0, nullptr, 0, kBoth, nullptr, &hKey, nullptr);
+            EXPECT_EQ(Set(hKey, std::to_string(n).c_str(), name), ERROR_SUCCESS);
+            RegCloseKey(hKey);
+        }
+    });
+    for (const std::string& name : names)
         for (int n = 0; n < 20; ++n)
             EXPECT_EQ(Get(Open(name.c_str()), std::to_string(n).c_str()), name);
-}
-
-TEST_F(Registry, ProcessesKeepEachOthersValues)
-{
-    constexpr int kEach = 60;
-    std::vector<std::unique_ptr<test::Child>> children;
-    for (const char* prefix : {"a", "b"})
-        children.push_back(Writer(prefix, kEach));
-    for (const auto& child : children)
-        EXPECT_EQ(child->Wait(), 0);
-    for (const std::string prefix : {"a", "b"})
-        for (int n = 0; n < kEach; ++n)
-            EXPECT_EQ(Get(Open("Shared"), (prefix + std::to_string(n)).c_str()), std::to_string(n));
-}
-
-// Whatever moment the kill comes at, all values can be read, and the next writer isn't held up.
-TEST_F(Registry, AKilledWriterLeavesTheOldValueOrTheNewOne)
-{
-    const HKEY hKey = Create("Shared");
-    ASSERT_EQ(Set(hKey, "other", "stays"), ERROR_SUCCESS);
-    const std::string start(10'000, 'S'); // as long as what the writer sets: Get reads in two steps
-    for (int round = 0; round < 20; ++round) {
-        ASSERT_EQ(Set(hKey, "v", start), ERROR_SUCCESS);
-        const auto child = Writer("v", 0);
-        while (Get(hKey, "v") == start)
-            std::this_thread::yield();
-        for (int n = 0; n < round; ++n)
-            ASSERT_EQ(Get(hKey, "other"), "stays");
-        child->Kill();
-        EXPECT_EQ(child->Wait(), 128 + SIGKILL);
-        const auto value = Get(hKey, "v");
-        ASSERT_TRUE(value == std::string(10'000, 'A') || value == std::string(10'000, 'B'));
-        ASSERT_EQ(Get(hKey, "other"), "stays");
-    }
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "include/platform/Shell.h"
 #include "include/platform/Error.h"
+#include "tests/support/Await.h"
 #include "tests/support/Child.h"
 #include "tests/support/Host.h"
 #include "tests/support/TempDir.h"
@@ -10,7 +11,6 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/stat.h>
-#include <thread>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -228,14 +228,10 @@ TEST_F(Shell, ThreadsAgree)
     for (const auto& name : names)
         dir.Write(name, "text");
     std::vector<std::vector<Shown>> seen(4);
-    std::vector<std::thread> threads;
-    for (auto& mine : seen)
-        threads.emplace_back([&] {
-            for (const auto& name : names)
-                mine.push_back(Show(dir.Win(name)));
-        });
-    for (auto& thread : threads)
-        thread.join();
+    test::RunThreads(4, [&](int t) {
+        for (const auto& name : names)
+            seen[static_cast<std::size_t>(t)].push_back(Show(dir.Win(name)));
+    });
     for (const auto& mine : seen)
         EXPECT_EQ(mine, seen[0]);
 }

@@ -1,12 +1,11 @@
 #include "include/platform/Error.h"
 #include "include/platform/Sync.h"
 #include "tests/support/Await.h"
-
+#include "tests/support/Child.h"
 #include <csignal>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -109,11 +108,7 @@ TEST(Thread, NumbersAreTheSystemsAlsoAfterAFork)
 {
     EXPECT_EQ(GetCurrentThreadId(), static_cast<DWORD>(gettid()));
     EXPECT_EQ(GetCurrentProcessId(), static_cast<DWORD>(getpid()));
-    const pid_t child = fork();
-    if (child == 0) _exit(GetCurrentThreadId() == static_cast<DWORD>(getpid()) ? 0 : 1);
-    int nStatus = -1;
-    waitpid(child, &nStatus, 0);
-    EXPECT_EQ(nStatus, 0);
+    EXPECT_EQ(test::InFork([] { return GetCurrentThreadId() == static_cast<DWORD>(getpid()); }), 1);
 }
 
 } // namespace

@@ -1,8 +1,9 @@
 #include "include/platform/Clock.h"
 #include "include/platform/WindowPaint.h"
 #include "tests/platform/window/Support.h"
+#include "tests/support/Await.h"
+#include "tests/support/Desktop.h"
 #include "tests/support/Host.h"
-#include "tests/support/Picture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,7 +12,8 @@
 
 using test::Handler;
 using test::Make;
-using test::Picture;
+using test::Pump;
+using test::SeenRow;
 
 namespace {
 
@@ -62,28 +64,12 @@ public:
     const HWND window;
 };
 
-void Pump()
-{
-    MSG msg;
-    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE))
-        DispatchMessageA(&msg);
-}
-
-// A row of the desktop as letters, `?` for its own colour.
-std::string Seen(int left, int y, int nLength)
-{
-    const HDC desktop = GetDC(nullptr);
-    const Picture row = test::Read(desktop, left, y, left + nLength, y + 1);
-    ReleaseDC(nullptr, desktop);
-    return row[0];
-}
-
 using Rects = std::vector<RECT>;
 
 TEST(Paint, ComesLastAndCoversWhatWasInvalidated)
 {
     Painted painted('R');
-    EXPECT_EQ(Seen(0, 2, 3), "???"); // shown, and not painted yet
+    EXPECT_EQ(SeenRow(0, 2, 3), "???"); // shown, and not painted yet
     PostMessage(painted.window, WM_USER, 0, 0);
     MSG msg;
     ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
@@ -94,7 +80,7 @@ TEST(Paint, ComesLastAndCoversWhatWasInvalidated)
     }
     Pump();
     EXPECT_EQ(painted.TakePainted(), (Rects{{0, 0, 30, 40}}));
-    EXPECT_EQ(Seen(0, 2, 3), "?RR");
+    EXPECT_EQ(SeenRow(0, 2, 3), "?RR");
 
     const RECT part{-5, 1, 4, 3}, other{10, 5, 12, 6};
     InvalidateRect(painted.window, &part, 0);
@@ -107,9 +93,9 @@ TEST(Paint, ComesLastAndCoversWhatWasInvalidated)
     ShowWindow(painted.window, SW_HIDE);
     InvalidateRect(painted.window, nullptr, 1);
     Pump();
-    EXPECT_EQ(Seen(0, 2, 3), "???");
+    EXPECT_EQ(SeenRow(0, 2, 3), "???");
     ShowWindow(painted.window, SW_SHOWNA);
-    EXPECT_EQ(Seen(0, 2, 3), "???"); // not what it showed before
+    EXPECT_EQ(SeenRow(0, 2, 3), "???"); // not what it showed before
     Pump();
     EXPECT_EQ(painted.TakePainted(), (Rects{{0, 0, 30, 40}}));
     EXPECT_EQ(painted.erased, 2);
@@ -122,7 +108,7 @@ TEST(Paint, ByDefaultErasesWithTheBrushOfTheClass)
     RegisterClassA(&cls);
     const HWND hWnd = CreateWindowExA(0, "Brushed", "", WS_POPUP | WS_VISIBLE, 5, 5, 2, 1);
     Pump();
-    EXPECT_EQ(Seen(4, 5, 4), "?CC?");
+    EXPECT_EQ(SeenRow(4, 5, 4), "?CC?");
     DestroyWindow(hWnd);
     UnregisterClassA("Brushed");
     PAINTSTRUCT paint;
@@ -134,7 +120,7 @@ TEST(Paint, WindowsLieOnEachOtherInTheirOrder)
 {
     Painted red('R'), green('G'), blue('B');
     Pump();
-    const auto top = [] { return Seen(1, 2, 1); };
+    const auto top = [] { return SeenRow(1, 2, 1); };
     const auto order = [](const Painted& p, HWND hAfter) {
         SetWindowPos(p.window, hAfter, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
     };
@@ -160,13 +146,12 @@ TEST(Paint, WindowsLieOnEachOtherInTheirOrder)
 
 TEST(Paint, AMovedWindowKeepsItsPixelsAndPaintsWhatIsNew)
 {
-    std::vector<std::pair<UINT, LPARAM>> told;
     Painted painted('M');
     Pump();
     painted.TakePainted();
     SetWindowPos(painted.window, HWND_TOP, 50, -3, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-    EXPECT_EQ(Seen(49, 0, 3), "?MM");
-    EXPECT_EQ(Seen(1, 2, 2), "??");
+    EXPECT_EQ(SeenRow(49, 0, 3), "?MM");
+    EXPECT_EQ(SeenRow(1, 2, 2), "??");
     RECT rect;
     GetWindowRect(painted.window, &rect);
     EXPECT_EQ(rect, (RECT{50, -3, 80, 37}));
@@ -174,10 +159,10 @@ TEST(Paint, AMovedWindowKeepsItsPixelsAndPaintsWhatIsNew)
     EXPECT_TRUE(painted.TakePainted().empty());
 
     test::Move(painted.window, 50, 0, 32, 41);
-    EXPECT_EQ(Seen(78, 0, 5), "MM..?"); // what is new isn't painted yet
+    EXPECT_EQ(SeenRow(78, 0, 5), "MM..?"); // what is new isn't painted yet
     Pump();
     EXPECT_EQ(painted.TakePainted(), (Rects{{0, 0, 32, 41}}));
-    EXPECT_EQ(Seen(78, 0, 5), "MMMM?");
+    EXPECT_EQ(SeenRow(78, 0, 5), "MMMM?");
     test::Move(painted.window, 50, 0, -7, 41);
     InvalidateRect(painted.window, nullptr, 1); // nothing of it
     Pump();
@@ -192,11 +177,11 @@ TEST(Paint, AShapedWindowIsSeenWithinItsRegion)
     const HRGN region = CreateRectRgn(1, 0, 3, 1);
     EXPECT_TRUE(SetWindowRgn(painted.window, region, 0));
     EXPECT_FALSE(DeleteObject(region)); // it was given away
-    EXPECT_EQ(Seen(0, 2, 6), "??YY??");
-    EXPECT_EQ(Seen(0, 3, 6), "??????");
+    EXPECT_EQ(SeenRow(0, 2, 6), "??YY??");
+    EXPECT_EQ(SeenRow(0, 3, 6), "??????");
     EXPECT_FALSE(SetWindowRgn(painted.window, region, 0));
     EXPECT_TRUE(SetWindowRgn(painted.window, nullptr, 1));
-    EXPECT_EQ(Seen(0, 2, 6), "?YYYYY");
+    EXPECT_EQ(SeenRow(0, 2, 6), "?YYYYY");
     Pump();
     EXPECT_EQ(painted.TakePainted().size(), 2u);
 }
@@ -237,18 +222,11 @@ TEST(Paint, AFadingWindowLetsThroughWhatLiesBelow)
         EXPECT_FALSE(AnimateWindow(painted.window, 300, AW_BLEND | AW_HIDE)); // hidden already
     });
     ready.acquire();
-    const auto red = [] {
-        const HDC desktop = GetDC(nullptr);
-        const int nRed = GetRValue(GetPixel(desktop, 1, 2)); // of white over a desktop that has none
-        ReleaseDC(nullptr, desktop);
-        return nRed;
-    };
+    const auto red = [] { return int{GetRValue(test::SeenAt(1, 2))}; }; // of white over a desktop with none
     const auto advance = [](DWORD dwMilliseconds) {
-        while (KXHost::ClockWaiters() == 0)
-            std::this_thread::yield();
+        test::AwaitSleepers(1);
         KXHost::AdvanceClock(dwMilliseconds);
-        while (KXHost::ClockWaiters() == 0)
-            std::this_thread::yield();
+        test::AwaitSleepers(1);
     };
     advance(0);
     EXPECT_EQ(red(), 0);
@@ -281,7 +259,7 @@ TEST(Paint, AnAnimationEndsWithItsWindow)
     EXPECT_TRUE(AnimateWindow(painted.window, 3000, AW_ACTIVATE));
     EXPECT_EQ(GetTickCount(), begin);
     EXPECT_EQ(GetFocus(), painted.window);
-    EXPECT_EQ(Seen(1, 2, 1), "R");
+    EXPECT_EQ(SeenRow(1, 2, 1), "R");
 }
 
 // On a clock that the fade itself moves.

@@ -1,4 +1,5 @@
 #include "tests/platform/window/Support.h"
+#include "tests/support/Await.h"
 
 #include <array>
 #include <atomic>
@@ -51,14 +52,11 @@ TEST(Send, RingsOfThreadsDontDeadlock)
             })));
             windows[i] = ring[i]->Window();
         }
-        std::vector<std::thread> askers;
-        for (const HWND hWnd : windows)
-            askers.emplace_back([=] {
-                for (WPARAM hops = 0; hops < 40; ++hops)
-                    EXPECT_EQ(SendMessageA(hWnd, kAsk, hops, 0), static_cast<LRESULT>(hops + 1));
-            });
-        for (auto& asker : askers)
-            asker.join();
+        test::RunThreads(static_cast<int>(count), [&](int t) {
+            for (WPARAM hops = 0; hops < 40; ++hops)
+                EXPECT_EQ(SendMessageA(windows[static_cast<std::size_t>(t)], kAsk, hops, 0),
+                          static_cast<LRESULT>(hops + 1));
+        });
     }
 }
 
@@ -204,8 +202,8 @@ TEST(Send, ManyThreadsAtOnce)
     std::array<std::atomic<HWND>, 8> windows{};
     std::atomic<int> answers{0};
     std::latch all(4);
-    const auto live = [&](unsigned seed) {
-        std::mt19937 random(seed);
+    test::RunThreads(4, [&](int seed) {
+        std::mt19937 random(static_cast<unsigned>(seed + 1));
         const auto pick = [&]() -> std::atomic<HWND>& { return windows[random() % windows.size()]; };
         const Handler handler = test::On(kAsk, [&](HWND hWnd, WPARAM depth) {
             EXPECT_EQ(GetWindowThreadProcessId(hWnd, nullptr), GetCurrentThreadId());
@@ -230,12 +228,7 @@ TEST(Send, ManyThreadsAtOnce)
                 while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE))
                     DispatchMessageA(&msg);
             }
-    };
-    std::vector<std::thread> threads;
-    for (unsigned seed = 1; seed <= 4; ++seed)
-        threads.emplace_back(live, seed);
-    for (auto& thread : threads)
-        thread.join();
+    });
     EXPECT_GT(answers, 0);
     for (const auto& hWnd : windows)
         EXPECT_FALSE(IsWindow(hWnd));

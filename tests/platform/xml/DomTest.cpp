@@ -2,14 +2,13 @@
 
 #include "include/platform/Host.h"
 #include "tests/support/Arg.h"
+#include "tests/support/Await.h"
 #include "tests/support/Com.h"
 
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <string>
 #include <thread>
-#include <vector>
-
 namespace {
 
 using test::Arg;
@@ -182,6 +181,8 @@ TEST_F(Dom, TellsNothingFoundFromFailure)
     EXPECT_EQ(m_doc->load(value, &bDone), S_FALSE); // no path
     EXPECT_EQ(bDone, VARIANT_FALSE);
     EXPECT_EQ(m_doc->save(value), E_INVALIDARG);
+    EXPECT_EQ(m_doc->loadXML(Arg(u"<a>"), &bDone), S_FALSE);
+    EXPECT_EQ(bDone, VARIANT_FALSE);
     Out<IXMLDOMElement> none;
     EXPECT_EQ(m_doc->get_documentElement(&none), S_FALSE);
     EXPECT_EQ(m_doc->createElement(Arg(u"1"), &none), E_INVALIDARG);
@@ -217,24 +218,20 @@ TEST_F(Dom, ReplacesMuchThatIsNoCharacterInOnePass)
 TEST(DomThreads, WorkOnTheirOwnDocuments)
 {
     const int nBefore = KXHost::LiveHandles();
-    std::vector<std::thread> threads;
-    for (int nThread = 0; nThread < 4; ++nThread)
-        threads.emplace_back([] {
-            const test::Com com;
-            for (int nRound = 0; nRound < 100; ++nRound) {
-                Out<IXMLDOMDocument> doc;
-                Out<IXMLDOMElement> root;
-                Out<IXMLDOMNode> found;
-                VARIANT_BOOL bDone = VARIANT_FALSE;
-                ASSERT_EQ(Make(IID_IXMLDOMDocument, reinterpret_cast<void**>(&doc)), S_OK);
-                ASSERT_EQ(doc->loadXML(Arg(u"<a><b>\u4F60</b></a>"), &bDone), S_OK);
-                ASSERT_EQ(doc->get_documentElement(&root), S_OK);
-                ASSERT_EQ(root->selectSingleNode(Arg(u"./b"), &found), S_OK);
-                EXPECT_EQ(Get(found, &IXMLDOMNode::get_text), u"\u4F60");
-            }
-        });
-    for (auto& thread : threads)
-        thread.join();
+    test::RunThreads(4, [](int) {
+        const test::Com com;
+        for (int nRound = 0; nRound < 100; ++nRound) {
+            Out<IXMLDOMDocument> doc;
+            Out<IXMLDOMElement> root;
+            Out<IXMLDOMNode> found;
+            VARIANT_BOOL bDone = VARIANT_FALSE;
+            ASSERT_EQ(Make(IID_IXMLDOMDocument, reinterpret_cast<void**>(&doc)), S_OK);
+            ASSERT_EQ(doc->loadXML(Arg(u"<a><b>\u4F60</b></a>"), &bDone), S_OK);
+            ASSERT_EQ(doc->get_documentElement(&root), S_OK);
+            ASSERT_EQ(root->selectSingleNode(Arg(u"./b"), &found), S_OK);
+            EXPECT_EQ(Get(found, &IXMLDOMNode::get_text), u"\u4F60");
+        }
+    });
     EXPECT_EQ(KXHost::LiveHandles(), nBefore);
 }
 

@@ -9,68 +9,20 @@
 
 #include "include/platform/Com.h"
 #include "include/platform/Exception.h"
+#include "tests/support/ShortMemory.h"
 
-#include <atomic>
-#include <cerrno>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <string>
 #include <sys/resource.h>
 
 namespace {
 
-std::atomic<long> g_nLeft{-1}; // allocations until the one that fails; negative for none
-std::atomic<long> g_nLive{0};
-std::atomic<long> g_nFailed{0};
-
-[[maybe_unused]] bool IsToFail()
-{
-    if (g_nLeft.load(std::memory_order_relaxed) < 0 || g_nLeft.fetch_sub(1) != 0) return false;
-    ++g_nFailed;
-    errno = ENOMEM;
-    return true;
-}
-
-[[maybe_unused]] void* Counted(void* block)
-{
-    if (block) ++g_nLive;
-    return block;
-}
-
-} // namespace
-
-#if !defined(KX_SANITIZED) // a sanitizer has an allocator of its own
-extern "C" {
-void* __libc_malloc(std::size_t);
-void* __libc_calloc(std::size_t, std::size_t);
-void* __libc_realloc(void*, std::size_t);
-void __libc_free(void*);
-
-void* malloc(std::size_t nBytes)
-{
-    return IsToFail() ? nullptr : Counted(__libc_malloc(nBytes));
-}
-void* calloc(std::size_t nCount, std::size_t nBytes)
-{
-    return IsToFail() ? nullptr : Counted(__libc_calloc(nCount, nBytes));
-}
-void* realloc(void* block, std::size_t nBytes)
-{
-    if (IsToFail()) return nullptr;
-    return block ? __libc_realloc(block, nBytes) : Counted(__libc_realloc(block, nBytes));
-}
-void free(void* block)
-{
-    if (block) --g_nLive;
-    __libc_free(block);
-}
-}
-#endif
-
-namespace {
+using shortage::g_nFailed;
+using shortage::g_nLeft;
+using shortage::g_nLive;
 
 constexpr const char* kOld = "<?xml version=\"1.0\" encoding=\"gbk\"?>\n"
                              "<!DOCTYPE r [<!ENTITY e \"t<b/>\"><!ATTLIST w k ID #IMPLIED>]>\n"
@@ -200,53 +152,57 @@ rlim_t AddressSpace()
     return nPages * 4096;
 }
 
+// Does something under limits that leave ever more address space. Gives how often it threw, or -1 once it is
+// not as it must be, which is asked with whether it threw.
+int UnderLimits(const std::function<void()>& act, const std::function<bool(bool)>& isRight)
+{
+    constexpr rlim_t kStep = 1 << 20, kMost = 64 << 20;
+    const rlim_t nNow = AddressSpace();
+    int nThrown = 0;
+    for (rlim_t nMore = 0; nMore < kMost; nMore += kStep) {
+        const rlimit limit{nNow + nMore, RLIM_INFINITY}, none{RLIM_INFINITY, RLIM_INFINITY};
+        bool bThrown = false;
+        setrlimit(RLIMIT_AS, &limit);
+        try {
+            act();
+        } catch (CMemoryException* e) {
+            e->Delete();
+            bThrown = true;
+        }
+        setrlimit(RLIMIT_AS, &none);
+        nThrown += bThrown;
+        if (!isRight(bThrown)) return -1;
+    }
+    return nThrown;
+}
+
 int LimitEach(const std::string& path)
 {
+    constexpr std::size_t kRecords = 20'000;
     const CString file = WinOf(path);
     CKXXmlDomDocument doc;
     CKXXmlDomElement root = doc.CreateElement("r", nullptr);
     doc.SetDocumentElement(root);
-    for (int n = 0; n < 20'000; ++n)
+    for (std::size_t n = 0; n < kRecords; ++n)
         root.AppendChild(doc, "record", CString('x', 200), true);
     doc.Save(file);
     const std::string old = ReadAll(path);
     root.AppendChild(doc, "last", 1, true, 0);
-    const rlim_t nNow = AddressSpace();
-    int nThrown = 0;
-    for (rlim_t nMore = 0; nMore < (64 << 20); nMore += 1 << 20) {
-        const rlimit limit{nNow + nMore, RLIM_INFINITY};
-        setrlimit(RLIMIT_AS, &limit);
-        bool bThrown = false;
-        try {
-            doc.Save(file);
-        } catch (CMemoryException* e) {
-            e->Delete();
-            bThrown = true;
-        }
-        const rlimit none{RLIM_INFINITY, RLIM_INFINITY};
-        setrlimit(RLIMIT_AS, &none);
-        nThrown += bThrown;
-        if (bThrown != (ReadAll(path) == old)) return 1;
-        if (!bThrown) WriteAll(path, old);
-    }
-    for (rlim_t nMore = 0; nMore < (64 << 20); nMore += 1 << 20) {
-        const rlimit limit{nNow + nMore, RLIM_INFINITY};
-        setrlimit(RLIMIT_AS, &limit);
-        bool bThrown = false;
-        std::size_t nFound = 0;
-        try {
+    const int nUnsaved = UnderLimits([&] { doc.Save(file); },
+                                     [&](bool bThrown) {
+                                         const bool bOld = ReadAll(path) == old;
+                                         if (!bOld) WriteAll(path, old);
+                                         return bOld == bThrown;
+                                     });
+    std::size_t nFound = 0;
+    const int nUnfound = UnderLimits(
+        [&] {
+            nFound = 0;
             nFound = root.GetChilds("record[contains(., 'x')]").size();
-        } catch (CMemoryException* e) {
-            e->Delete();
-            bThrown = true;
-        }
-        const rlimit none{RLIM_INFINITY, RLIM_INFINITY};
-        setrlimit(RLIMIT_AS, &none);
-        nThrown += bThrown;
-        if (bThrown == (nFound == 20'000)) return 1;
-    }
-    std::printf("%d limits hit\n", nThrown);
-    return nThrown == 0;
+        },
+        [&](bool bThrown) { return bThrown != (nFound == kRecords); });
+    std::printf("%d limits hit by a save, %d by a pattern\n", nUnsaved, nUnfound);
+    return nUnsaved < 0 || nUnfound < 0 || nUnsaved + nUnfound == 0;
 }
 
 } // namespace
