@@ -32,6 +32,8 @@ TEST(Show, LogByLevelAndText)
         EXPECT_EQ(shown.lines, c.lines) << c.pszOptions;
         EXPECT_EQ(shown.last, c.last);
     }
+    dir.Write("gbk.txt", "[2009-03-14 08:05:11] 1 \xC4\xE3");
+    EXPECT_EQ(test::Kx(dir, "log gbk.txt").last, "[2009-03-14 08:05:11] 1 你");
     EXPECT_EQ(test::Kx(dir, "log none.txt").nCode, 2);
     EXPECT_EQ(test::Kx(dir, "log .").nCode, 2);
 }
