@@ -4,9 +4,8 @@
 #include "tests/corpora/Readers.h"
 
 #include "include/platform/CodePage.h"
-#include "include/platform/GdiPlus.h"
 #include "include/platform/Host.h"
-
+#include "tests/support/GdiPlus.h"
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -51,11 +50,10 @@ struct Entry
         setrlimit(RLIMIT_AS, &memory);
     }
     KXHost::SetCodePage(CP_UTF8);
-    std::uintptr_t nToken = 0;
-    const Gdiplus::GdiplusStartupInput input;
-    Gdiplus::GdiplusStartup(&nToken, &input, nullptr);
-    const Outcome outcome = Read(file, saved);
-    Gdiplus::GdiplusShutdown(nToken);
+    const Outcome outcome = [&] {
+        const test::GdiPlus gdiPlus;
+        return Read(file, saved);
+    }();
     const std::string told = static_cast<char>('0' + static_cast<int>(outcome.verdict)) + outcome.reason;
     const bool bTold = write(fd, told.data(), told.size()) == static_cast<ssize_t>(told.size());
     std::exit(bTold ? 0 : 1); // leaks are looked for on the way out

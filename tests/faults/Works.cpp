@@ -19,6 +19,7 @@
 #include "include/platform/Registry.h"
 #include "tests/platform/gdiplus/GifBuilder.h"
 #include "tests/support/Com.h"
+#include "tests/support/GdiPlus.h"
 #include "tests/support/RawServer.h"
 #include "tests/support/ScriptedManager.h"
 
@@ -47,16 +48,6 @@ const char* Join(const std::string& directory, const char* pszName) noexcept
         if (ch == '/') ch = '\\';
     return buffer.data();
 }
-
-struct Gdiplus_
-{
-    Gdiplus_() { Gdiplus::GdiplusStartup(&token, &input, nullptr); }
-    Gdiplus_(const Gdiplus_&) = delete;
-    Gdiplus_& operator=(const Gdiplus_&) = delete;
-    ~Gdiplus_() { Gdiplus::GdiplusShutdown(token); }
-    std::uintptr_t token = 0;
-    const Gdiplus::GdiplusStartupInput input;
-};
 
 void UseClock(const Place&)
 {
@@ -169,7 +160,7 @@ bool CopyIntact(const Place& place)
 
 bool Skin(const Place&)
 {
-    const Gdiplus_ gdiplus;
+    const test::GdiPlus gdiPlus;
     CKXSkinResManager* const pSkins = CKXSkinResManager::GetSingletonPtr();
     if (!pSkins) return false;
     struct End
@@ -240,7 +231,7 @@ bool BitmapWork(const Place& place)
 template <std::size_t Type>
 bool PictureWork(const Place& place)
 {
-    const Gdiplus_ gdiplus;
+    const test::GdiPlus gdiPlus;
     CKXMemoryDC surface;
     surface.Create(64, 64);
     CKXGdiplusBitmap picture;
@@ -253,7 +244,7 @@ bool PictureWork(const Place& place)
 template <std::size_t Type>
 bool PictureIntact(const Place& place)
 {
-    const Gdiplus_ gdiplus;
+    const test::GdiPlus gdiPlus;
     const std::string name = std::string("a.") + kTypes[Type];
     if (ReadFile(place.Path(name.c_str())).empty()) return true;
     CKXGdiplusBitmap picture;
@@ -263,7 +254,7 @@ bool PictureIntact(const Place& place)
 
 bool Gif(const Place& place)
 {
-    const Gdiplus_ gdiplus;
+    const test::GdiPlus gdiPlus;
     CKXMemoryDC surface;
     surface.Create(16, 16);
     CKXGifRender gif;
@@ -339,7 +330,7 @@ bool Download(const Place& place)
 
 bool WordTest(const Place&)
 {
-    const Gdiplus_ gdiplus;
+    const test::GdiPlus gdiPlus;
     CKXMemoryDC surface;
     surface.Create(300, 100);
     CDC& dc = surface.GetDC();
@@ -419,7 +410,7 @@ void SetServer(const std::string& url)
 
 void MakeData(const std::string& directory)
 {
-    const Gdiplus_ gdiplus;
+    const test::GdiPlus gdiPlus;
     const Place place{directory, directory};
     CKXMemoryDC surface;
     surface.Create(24, 16);

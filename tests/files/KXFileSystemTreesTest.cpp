@@ -1,5 +1,6 @@
 #include "KXFileSystem.h"
 #include "platform/CodePage.h"
+#include "tests/support/Await.h"
 #include "tests/support/Host.h"
 #include "tests/support/TempDir.h"
 
@@ -9,7 +10,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -68,14 +68,12 @@ TEST_F(FileSystemTrees, CreatePathSucceedsOnAllThreadsThatMakeTheSame)
 {
     constexpr int kRounds = 200;
     std::barrier begin(2);
-    std::vector<std::jthread> threads;
-    for (int n = 0; n < 2; ++n)
-        threads.emplace_back([&] {
-            for (int i = 0; i < kRounds; ++i) {
-                begin.arrive_and_wait();
-                EXPECT_EQ(CKXFileSystem::CreatePath(dir.Win("r" + std::to_string(i) + "\\a\\b\\c\\")), 1);
-            }
-        });
+    test::RunThreads(2, [&](int) {
+        for (int i = 0; i < kRounds; ++i) {
+            begin.arrive_and_wait();
+            EXPECT_EQ(CKXFileSystem::CreatePath(dir.Win("r" + std::to_string(i) + "\\a\\b\\c\\")), 1);
+        }
+    });
 }
 
 TEST_F(FileSystemTrees, CreatePathWithoutADriveBeginsAtTheRoot)

@@ -2,6 +2,7 @@
 #include "platform/Exception.h"
 #include "platform/Host.h"
 #include "tests/net/Journal.h"
+#include "tests/support/Await.h"
 #include "tests/support/Child.h"
 #include "tests/support/Host.h"
 #include "tests/support/HttpServer.h"
@@ -11,7 +12,6 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -320,13 +320,10 @@ TEST_F(Downloads, AStopIsSeenBehindABlock)
 
 TEST_F(Downloads, TasksOfManyThreadsAreAllServed)
 {
-    std::vector<std::jthread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([this] {
-            for (int n = 0; n < 50; ++n)
-                Add(hello.Url());
-        });
-    threads.clear();
+    test::RunThreads(4, [this](int) {
+        for (int n = 0; n < 50; ++n)
+            Add(hello.Url());
+    });
     Run(hello.Url());
     const auto notices = journal.Notices();
     EXPECT_EQ(std::count_if(notices.begin(), notices.end(), [](const Notice& n) { return n.code == 2031; }),
@@ -349,15 +346,11 @@ TEST_F(Downloads, LeaveNoHandleBehind)
 TEST_F(Downloads, AForkEndsWithoutTheWorker)
 {
     Run(hello.Url());
-    const pid_t child = fork();
-    if (child == 0) {
-        const int nCode = manager->IsRunning() ? 1 : 7;
-        manager.reset();
-        _exit(nCode);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(WEXITSTATUS(status), 7);
+    EXPECT_EQ(test::InFork([this] {
+                  const bool bRuns = manager->IsRunning() != 0;
+                  return manager.reset(), bRuns ? 1 : 7;
+              }),
+              7);
     Run(hello.Url());
     EXPECT_EQ(hello.Connections(), 1);
 }

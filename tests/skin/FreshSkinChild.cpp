@@ -1,7 +1,7 @@
 #include "KXLanResManager.h"
 #include "KXSkinResManager.h"
 #include "platform/Host.h"
-
+#include "tests/support/GdiPlus.h"
 #include <cstdio>
 
 namespace {
@@ -30,12 +30,11 @@ int main(int argc, char** argv)
     Check(pSkins->GetTitleBarAdjust() == -23 && !pSkins->GetIMLRes()->m_hNormalIcon, "nothing is loaded");
     if (argc < 3) return 0;
 
-    std::uintptr_t token = 0;
-    const Gdiplus::GdiplusStartupInput input;
-    Gdiplus::GdiplusStartup(&token, &input, nullptr);
-    Check(pSkins->SetSkin(argv[2], 1) == 1, "the skin is selected");
-    Check(pSkins->GetOthRes()->m_imgFileSend.GetImageSize().cx > 0, "and has its images");
-    Gdiplus::GdiplusShutdown(token);
+    {
+        const test::GdiPlus gdiPlus;
+        Check(pSkins->SetSkin(argv[2], 1) == 1, "the skin is selected");
+        Check(pSkins->GetOthRes()->m_imgFileSend.GetImageSize().cx > 0, "and has its images");
+    }
     // The next singleton to go speaks when the skins are gone.
     KXHost::AddDebugObserver([nHandles](std::string_view text) {
         if (text == "CKXLanResManager Deconstruction!\n")

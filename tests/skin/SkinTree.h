@@ -1,9 +1,9 @@
 #pragma once
 
 #include "KXBitmap.h"
-#include "platform/GdiPlus.h"
 #include "tests/support/AppDir.h"
 #include "tests/support/BmpBuilder.h"
+#include "tests/support/GdiPlus.h"
 #include "tests/support/Host.h"
 #include "tests/support/Picture.h"
 
@@ -66,16 +66,7 @@ inline std::string SkinFile(const std::string& name)
 // A test in which pictures can be read.
 class PictureTest : public testing::Test
 {
-protected:
-    PictureTest()
-    {
-        const Gdiplus::GdiplusStartupInput input;
-        EXPECT_EQ(Gdiplus::GdiplusStartup(&m_token, &input, nullptr), Gdiplus::Ok);
-    }
-    ~PictureTest() override { Gdiplus::GdiplusShutdown(m_token); }
-
-private:
-    std::uintptr_t m_token = 0;
+    const GdiPlus m_gdiPlus;
 };
 
 } // namespace test

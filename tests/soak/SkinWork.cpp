@@ -1,15 +1,12 @@
 #include "KXIniDataMgr.h"
 #include "KXSkinResManager.h"
-#include "include/platform/GdiPlus.h"
 #include "tests/soak/Soak.h"
-
+#include "tests/support/GdiPlus.h"
 #include <filesystem>
 
 soak::Figures soak::RunSkins(Turn turn, const test::TempDir& dir)
 {
-    std::uintptr_t nToken = 0;
-    const Gdiplus::GdiplusStartupInput input;
-    Gdiplus::GdiplusStartup(&nToken, &input, nullptr);
+    const test::GdiPlus gdiPlus;
     CKXSkinResManager* const pSkins = CKXSkinResManager::GetSingletonPtr();
     Figures figures;
     while (turn.Goes()) {
@@ -30,6 +27,5 @@ soak::Figures soak::RunSkins(Turn turn, const test::TempDir& dir)
         ++figures.operations;
     }
     pSkins->UnInitialize();
-    Gdiplus::GdiplusShutdown(nToken);
     return figures;
 }

@@ -2,8 +2,8 @@
 
 #include "KXLanResManager.h"
 #include "include/platform/Clock.h"
+#include "tests/support/Desktop.h"
 #include "tests/support/Host.h"
-#include "tests/support/Picture.h"
 
 #include <algorithm>
 #include <atomic>
@@ -16,17 +16,11 @@
 
 namespace {
 
+using test::Pump;
+using test::SeenAt;
+
 constexpr COLORREF kYellow = RGB(255, 255, 0);
 constexpr int kLeft = (DESKTOP_WIDTH - 200) / 2, kTop = (DESKTOP_HEIGHT - 100) / 2;
-
-// The desktop as it is seen.
-COLORREF Seen(int x, int y)
-{
-    const HDC desktop = GetDC(nullptr);
-    const COLORREF clr = GetPixel(desktop, x, y);
-    ReleaseDC(nullptr, desktop);
-    return clr;
-}
 
 // The bounds of what is more blue than yellow within the box.
 RECT TextBounds()
@@ -44,13 +38,6 @@ RECT TextBounds()
     return bounds;
 }
 
-void Pump()
-{
-    MSG msg;
-    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE))
-        DispatchMessageA(&msg);
-}
-
 // A tip on a clock that its fades move themselves, in a face that nobody would take by chance.
 struct Tip : testing::Test
 {
@@ -62,8 +49,6 @@ struct Tip : testing::Test
     CKXTipWnd tip;
 };
 
-using Fades = Tip;
-
 TEST_F(Tip, IsAYellowBoxInTheMiddleWithALineInBlue)
 {
     const test::NoLeak noLeak;
@@ -74,16 +59,16 @@ TEST_F(Tip, IsAYellowBoxInTheMiddleWithALineInBlue)
     RECT rect;
     box.GetWindowRect(&rect);
     EXPECT_EQ(rect, CRect(kLeft, kTop, kLeft + 200, kTop + 100));
-    EXPECT_EQ(Seen(kLeft, kTop), DESKTOP_COLOR);
+    EXPECT_EQ(SeenAt(kLeft, kTop), DESKTOP_COLOR);
 
     const DWORD begin = GetTickCount();
     box.ShowTipWnd("Well done", 500);
     EXPECT_EQ(GetTickCount() - begin, 3000u);
     EXPECT_TRUE(box.IsWindowVisible());
     for (const auto& [x, y] : {std::pair(0, 0), {199, 0}, {0, 99}, {199, 99}})
-        EXPECT_EQ(Seen(kLeft + x, kTop + y), kYellow);
-    EXPECT_EQ(Seen(kLeft - 1, kTop), DESKTOP_COLOR);
-    EXPECT_EQ(Seen(kLeft + 200, kTop + 99), DESKTOP_COLOR);
+        EXPECT_EQ(SeenAt(kLeft + x, kTop + y), kYellow);
+    EXPECT_EQ(SeenAt(kLeft - 1, kTop), DESKTOP_COLOR);
+    EXPECT_EQ(SeenAt(kLeft + 200, kTop + 99), DESKTOP_COLOR);
 
     const RECT text = TextBounds();
     EXPECT_NEAR((text.left + text.right) / 2, 100, 2);
@@ -118,7 +103,7 @@ std::vector<COLORREF> SeenInTheBox()
     std::vector<COLORREF> pixels;
     for (int y = 0; y < 100; ++y)
         for (int x = 0; x < 200; ++x)
-            pixels.push_back(Seen(kLeft + x, kTop + y));
+            pixels.push_back(SeenAt(kLeft + x, kTop + y));
     return pixels;
 }
 
@@ -135,7 +120,7 @@ TEST_F(Tip, DrawsInTenPointsOfTheLanguagesFaceOnTheYellow)
     Pump();
     const RECT text = TextBounds();
     EXPECT_GT(text.right - text.left, 50);
-    EXPECT_EQ(Seen(kLeft + text.left - 1, kTop + text.top), kYellow);
+    EXPECT_EQ(SeenAt(kLeft + text.left - 1, kTop + text.top), kYellow);
 }
 
 // Counts how often it loses the focus.
@@ -165,13 +150,13 @@ TEST_F(Tip, StaysAboveOtherWindowsAndDisturbsNone)
     own.CreateEx(0, AfxRegisterWndClass(0, nullptr, hWhite), "", WS_POPUP | WS_VISIBLE, rc, nullptr, 0);
     Pump();
     ASSERT_EQ(CWnd::GetFocus(), &own);
-    ASSERT_EQ(Seen(kLeft, kTop), RGB(255, 255, 255));
+    ASSERT_EQ(SeenAt(kLeft, kTop), RGB(255, 255, 255));
     tip.CreateTipWnd();
     for (int n = 0; n < 2; ++n) // anew, and while it is up
         tip.ShowTipWnd("text", 1000);
     EXPECT_EQ(own.m_nLosses, 0);
     own.SetWindowPos(HWND_TOP, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
-    EXPECT_EQ(Seen(kLeft, kTop), kYellow);
+    EXPECT_EQ(SeenAt(kLeft, kTop), kYellow);
 }
 
 TEST_F(Tip, StaysAsLongAsTold)
@@ -186,7 +171,7 @@ TEST_F(Tip, StaysAsLongAsTold)
     Pump(); // the tenth
     EXPECT_EQ(GetTickCount() - before, 3001u);
     EXPECT_FALSE(tip.IsWindowVisible());
-    EXPECT_EQ(Seen(kLeft, kTop), DESKTOP_COLOR);
+    EXPECT_EQ(SeenAt(kLeft, kTop), DESKTOP_COLOR);
     EXPECT_FALSE(tip.KillTimer(1)); // it killed that
 
     tip.ShowTipWnd("again", 0);
@@ -309,7 +294,7 @@ ON_MESSAGE(kAsk, OnAsk)
 END_MESSAGE_MAP()
 
 // A message comes while the tip fades out, and shows it anew.
-TEST(TipFade, ATipThatIsShownWhileItFadesOutStays)
+TEST(TipFade, RisesAndFallsEvenlyAndIsShownAnewWhileItFalls)
 {
     const test::VirtualClock clock;
     CAskedTip tip;
@@ -330,10 +315,12 @@ TEST(TipFade, ATipThatIsShownWhileItFadesOutStays)
         KXHost::AdvanceClock(dwMilliseconds);
         while (KXHost::ClockWaiters() == 0 && !over)
             std::this_thread::yield();
-        return int{GetRValue(Seen(kLeft, kTop))};
+        return int{GetRValue(SeenAt(kLeft, kTop))};
     };
-    EXPECT_EQ(advance(0), 0);
-    EXPECT_EQ(advance(3000), 255);
+    EXPECT_EQ(advance(0), 0); // of yellow; the desktop has none
+    EXPECT_EQ(advance(1500), 127);
+    EXPECT_EQ(advance(600), 178);
+    EXPECT_EQ(advance(900), 255);
     EXPECT_EQ(advance(100), 255);
     EXPECT_EQ(advance(600), 204); // it falls
     std::thread sender([hTip = tip.m_hWnd] { SendMessageA(hTip, CAskedTip::kAsk, 0, 0); });
@@ -345,38 +332,9 @@ TEST(TipFade, ATipThatIsShownWhileItFadesOutStays)
     EXPECT_EQ(advance(4900), 255);
     EXPECT_EQ(advance(100), 255);
     EXPECT_EQ(advance(600), 204); // its time is over
-    EXPECT_EQ(advance(2400), GetRValue(DESKTOP_COLOR));
-    thread.join();
-}
-
-// A fade of three seconds both ways, looked at from another thread.
-TEST(TipFade, OpacityRisesAndFallsEvenly)
-{
-    const test::VirtualClock clock;
-    std::thread thread([] {
-        CKXTipWnd tip;
-        tip.CreateTipWnd();
-        tip.ShowTipWnd("", 100);
-        MSG msg;
-        while (tip.IsWindowVisible() && GetMessageA(&msg, nullptr, 0, 0))
-            DispatchMessageA(&msg);
-    });
-    const auto advance = [](DWORD dwMilliseconds) {
-        KXHost::AdvanceClock(dwMilliseconds);
-        while (KXHost::ClockWaiters() == 0)
-            std::this_thread::yield();
-        return int{GetRValue(Seen(kLeft, kTop))}; // yellow has all of it, the desktop nothing
-    };
-    EXPECT_EQ(advance(0), 0);
-    EXPECT_EQ(advance(1500), 127);
-    EXPECT_EQ(advance(600), 178);
-    EXPECT_EQ(advance(900), 255);
-    EXPECT_EQ(advance(100), 255); // the timer: from now on it falls
-    EXPECT_EQ(advance(600), 204);
     EXPECT_EQ(advance(900), 128);
-    KXHost::AdvanceClock(1500);
+    EXPECT_EQ(advance(1500), GetRValue(DESKTOP_COLOR));
     thread.join();
-    EXPECT_EQ(Seen(kLeft, kTop), DESKTOP_COLOR);
 }
 
 } // namespace

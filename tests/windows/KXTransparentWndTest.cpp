@@ -1,6 +1,6 @@
 #include "KXTransparentWnd.h"
 
-#include "tests/support/Picture.h"
+#include "tests/support/Desktop.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,6 +8,9 @@
 #include <vector>
 
 namespace {
+
+using test::Pump;
+using test::SeenRow;
 
 // Paints a rectangle of the desktop itself in stripes of two colours, and takes them away again.
 class Stripes
@@ -31,21 +34,6 @@ private:
     RECT m_rect;
 };
 
-std::string Row(int left, int y, int nLength)
-{
-    const HDC desktop = GetDC(nullptr);
-    const test::Picture row = test::Read(desktop, left, y, left + nLength, y + 1);
-    ReleaseDC(nullptr, desktop);
-    return row[0];
-}
-
-void Pump()
-{
-    MSG msg;
-    while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE))
-        DispatchMessageA(&msg);
-}
-
 void Create(CWnd& wnd, const CRect& rect)
 {
     ASSERT_TRUE(
@@ -59,15 +47,15 @@ TEST(Transparent, ShowsTheScreenBelowItselfOutlined)
     CKXTransparentWnd wnd;
     Create(wnd, CRect(20, 30, 140, 90));
     wnd.ShowWindow(SW_SHOWNA);
-    EXPECT_EQ(Row(18, 30, 6), "GMGMGM"); // nothing of its own is seen before it has painted
+    EXPECT_EQ(SeenRow(18, 30, 6), "GMGMGM"); // nothing of its own is seen before it has painted
     std::vector<KXHost::CopyRecord> copies;
     KXHost::SetCopyObserver([&](const KXHost::CopyRecord& copy) { copies.push_back(copy); });
     Pump();
     KXHost::SetCopyObserver({});
-    EXPECT_EQ(Row(18, 30, 6), "GM....");
-    EXPECT_EQ(Row(18, 31, 6), "GM.MGM");
-    EXPECT_EQ(Row(136, 88, 6), "GMG.GM");
-    EXPECT_EQ(Row(136, 89, 6), "....GM");
+    EXPECT_EQ(SeenRow(18, 30, 6), "GM....");
+    EXPECT_EQ(SeenRow(18, 31, 6), "GM.MGM");
+    EXPECT_EQ(SeenRow(136, 88, 6), "GMG.GM");
+    EXPECT_EQ(SeenRow(136, 89, 6), "....GM");
     ASSERT_EQ(copies.size(), 2u); // its own rectangle of the desktop, and its copy
     const auto block = [](const KXHost::CopyRecord& c) {
         return std::vector{c.x, c.y, c.cx, c.cy, c.xSrc, c.ySrc};
@@ -78,11 +66,11 @@ TEST(Transparent, ShowsTheScreenBelowItselfOutlined)
 
     // The notice, in the default font on its white ground: within the window, centred, at the top since it
     // is no single line.
-    const std::string line = Row(20, 37, 120);
+    const std::string line = SeenRow(20, 37, 120);
     const auto first = line.find_first_of("W?"), last = line.find_last_of("W?");
     ASSERT_NE(first, std::string::npos);
     EXPECT_NEAR(static_cast<double>(first + last), 119, 2);
-    EXPECT_EQ(Row(20, 70, 120).find_first_of("W?"), std::string::npos);
+    EXPECT_EQ(SeenRow(20, 70, 120).find_first_of("W?"), std::string::npos);
 }
 
 // Its white-on-screen notice, letter by letter: "开始听写！" in code page 936, in the default font.
@@ -116,25 +104,25 @@ TEST(Transparent, TakesTheCopyAnewAtEachPaintAndTheSizeAtEachShow)
     Create(wnd, CRect(20, 30, 40, 70));
     wnd.ShowWindow(SW_SHOWNA);
     Pump();
-    EXPECT_EQ(Row(19, 68, 4), "M.MG");
+    EXPECT_EQ(SeenRow(19, 68, 4), "M.MG");
     stripes.Paint(test::ColorOf('R'), test::ColorOf('B'));
     wnd.Invalidate();
     Pump();
-    EXPECT_EQ(Row(19, 68, 4), "B.MG"); // what it sees is itself
+    EXPECT_EQ(SeenRow(19, 68, 4), "B.MG"); // what it sees is itself
 
     wnd.MoveWindow(CRect(20, 30, 50, 80), 0); // the copy keeps the old size
     Pump();
-    EXPECT_EQ(Row(38, 68, 4), "G..."); // so beyond it there is nothing
-    EXPECT_EQ(Row(19, 79, 4), "B...");
+    EXPECT_EQ(SeenRow(38, 68, 4), "G..."); // so beyond it there is nothing
+    EXPECT_EQ(SeenRow(19, 79, 4), "B...");
     const int handles = KXHost::LiveHandles();
     wnd.ShowWindow(SW_HIDE);
     EXPECT_EQ(KXHost::LiveHandles(), handles); // the copy stays
-    EXPECT_EQ(Row(19, 68, 4), "BRBR");
+    EXPECT_EQ(SeenRow(19, 68, 4), "BRBR");
     wnd.ShowWindow(SW_SHOWNA);
     Pump();
     EXPECT_EQ(KXHost::LiveHandles(), handles);
-    EXPECT_EQ(Row(19, 78, 4), "B.BR");
-    EXPECT_EQ(Row(46, 78, 5), "RBR.R");
+    EXPECT_EQ(SeenRow(19, 78, 4), "B.BR");
+    EXPECT_EQ(SeenRow(46, 78, 5), "RBR.R");
 }
 
 TEST(Transparent, PaintsNothingBeforeItWasShown)
@@ -142,7 +130,7 @@ TEST(Transparent, PaintsNothingBeforeItWasShown)
     CKXTransparentWnd wnd;
     Create(wnd, CRect(20, 60, 40, 70));
     wnd.SendMessage(WM_PAINT);
-    EXPECT_EQ(Row(20, 60, 2), "??");
+    EXPECT_EQ(SeenRow(20, 60, 2), "??");
     wnd.DestroyWindow();
     wnd.ShowWindow(SW_SHOW);
 }

@@ -1,10 +1,10 @@
 #include "KXLanResManager.h"
-#include "platform/GdiPlus.h"
 #include "tests/support/AppDir.h"
+#include "tests/support/GdiPlus.h"
 #include "tests/wordtest/WordSheet.h"
 
 #include <climits>
-
+#include <optional>
 using test::WordSheet;
 
 namespace {
@@ -18,13 +18,6 @@ const CRect rcRight(14, 50, 190, 90);
 class WordResult : public test::Words
 {
 protected:
-    WordResult()
-    {
-        const Gdiplus::GdiplusStartupInput input;
-        Gdiplus::GdiplusStartup(&token, &input, nullptr);
-    }
-    ~WordResult() override { Gdiplus::GdiplusShutdown(token); }
-
     void Draw(WordSheet& sheet, const char* pszRight, const char* pszAnswer, COLORREF clrFrame = 0)
     {
         CKXEnglishWord::DrawTestWordResult(&sheet, pszRight, pszAnswer, rcAnswer, rcRight, &font, clrAllRight,
@@ -59,7 +52,7 @@ protected:
     }
 
     CKXLanResManager* lans = (test::AppDir(), CKXLanResManager::GetSingletonPtr());
-    std::uintptr_t token = 0;
+    std::optional<test::GdiPlus> gdiPlus{std::in_place};
 };
 
 TEST_F(WordResult, ARightAnswerIsShownAloneAndWhole)
@@ -135,13 +128,11 @@ TEST_F(WordResult, EndsQuietlyForWhatIsNone)
                                                0, 0);
     EXPECT_EQ(sheet.DifferenceTo(expected), "");
     // Without GDI+ the letters come all the same, on the bare ground.
-    Gdiplus::GdiplusShutdown(token);
+    gdiPlus.reset();
     Draw(sheet, "l", "");
     expected.WriteLetters(114, 60, "l", "l", font, clrWrong);
     DrawLabels(expected);
     EXPECT_EQ(sheet.DifferenceTo(expected), "");
-    const Gdiplus::GdiplusStartupInput input;
-    Gdiplus::GdiplusStartup(&token, &input, nullptr);
 }
 
 } // namespace
