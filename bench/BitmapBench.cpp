@@ -1,4 +1,5 @@
 #include "bench/CairoPaper.h"
+#include "bench/Loop.h"
 #include "bench/Surfaces.h"
 
 #include <KXBitmap.h>
@@ -80,7 +81,7 @@ void FillOurs(benchmark::State& state)
     BitBlt(bitmap.GetHDC(), 0, 0, tile.cx, tile.cy, Ours(tile, TilePixels()), 0, 0, SRCCOPY);
     bitmap.SetFillParam(nEnd, nEnd, 1);
     CDC* pDC = CDC::FromHandle(paper);
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         bitmap.DrawFill(pDC, CRect(0, 0, bar.cx, bar.cy), 0);
     SdlBar peer;
     peer.Fill();
@@ -90,7 +91,7 @@ void FillOurs(benchmark::State& state)
 void FillSdl(benchmark::State& state)
 {
     SdlBar peer;
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         peer.Fill();
 }
 
@@ -115,7 +116,7 @@ void RegionOurs(benchmark::State& state, int nSide, const std::string& shape, in
     bitmap.AttachBitmap(hBitmap);
     BitBlt(bitmap.GetHDC(), 0, 0, nSide, nSide, Ours(size, MakePixels(nSide, shape)), 0, 0, SRCCOPY);
     const COLORREF clrKey = RGB(dwKey >> 16, dwKey >> 8, dwKey);
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         for (int n = 0; n < nTimes; ++n) {
             CRgn rgn;
             bitmap.CreateBitmapRgn(rgn, clrKey, 0);
@@ -128,7 +129,7 @@ void RegionOurs(benchmark::State& state, int nSide, const std::string& shape, in
 void RegionPixman(benchmark::State& state, int nSide, const std::string& shape)
 {
     const Pixels pixels = MakePixels(nSide, shape);
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         std::vector<pixman_box32_t> runs;
         for (int y = 0; y < nSide; ++y) {
             const DWORD* row = pixels.data() + static_cast<std::ptrdiff_t>(y) * nSide;
@@ -181,7 +182,7 @@ void LetterOurs(benchmark::State& state, bool bThreaded)
     DrawLetter(static_cast<HDC>(paper));
     DrawLetter(static_cast<cairo_t*>(peer));
     if (!InkOf(paper, letter).IsAbout(peer.Ink())) state.SkipWithError("another letter than the peer's");
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         DrawLetter(static_cast<HDC>(paper));
     SelectObject(paper, hOld);
     DeleteObject(hFont);
@@ -191,7 +192,7 @@ void LetterCairo(benchmark::State& state, bool bThreaded)
 {
     if (bThreaded) HaveHadThreads();
     const CairoPaper paper(letter);
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         DrawLetter(static_cast<cairo_t*>(paper));
 }
 

@@ -1,4 +1,5 @@
 #include "bench/BenchDir.h"
+#include "bench/Loop.h"
 
 #include <KXCrashDumper.h>
 #include <array>
@@ -67,7 +68,7 @@ template <void (*pfnChild)()>
 void ToMain(benchmark::State& state)
 {
     Reporter();
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         std::array<int, 2> ends{};
         if (pipe(ends.data()) != 0) return state.SkipWithError("no pipe");
         Begin() = {};

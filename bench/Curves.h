@@ -2,6 +2,7 @@
 
 #include "bench/Rows.h"
 
+#include <functional>
 #include <iosfwd>
 
 namespace bench {
@@ -23,6 +24,20 @@ struct Curve
     // By which power of the size the time grows up to a point from the one before: 1 is linear.
     double SlopeTo(std::size_t nPoint) const;
 };
+
+// Does a work so many times and gives the seconds that they took; what isn't the work's own is left out.
+// Throws where the work isn't done as it should be.
+using TimedWork = std::function<double(int nTimes)>;
+
+// A curve to be measured: its sizes, and what makes the work of a size.
+struct CurvePlan
+{
+    Curve curve;
+    std::vector<int> sizes;
+    std::function<TimedWork(int)> make;
+};
+
+std::vector<CurvePlan> CurvePlans();
 
 // The curves that have a name that matches a regular expression. One that can't be measured has no points.
 std::vector<Curve> MeasureCurves(const std::string& filter);

@@ -129,8 +129,8 @@ void WriteCurves(const std::vector<Curve>& curves, std::ostream& out)
     for (const Curve& curve : curves)
         for (std::size_t n = 0; n < curve.points.size(); ++n) {
             const auto& [size, time] = curve.points[n];
-            out << "| " << (n == 0 ? curve.what : "") << " | " << (n == 0 ? curve.name : "") << " | "
-                << Grouped(size) << ' ' << curve.unit << " | " << Time(time.median) << " | "
+            out << "| " << (n == 0 ? curve.what + " (" + curve.unit + ")" : "") << " | "
+                << (n == 0 ? curve.name : "") << " | " << Grouped(size) << " | " << Time(time.median) << " | "
                 << Time(time.lower) << " to " << Time(time.upper) << " | "
                 << (n > 0 ? Fixed(curve.SlopeTo(n), 2) : "") << " |\n";
         }

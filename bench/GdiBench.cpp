@@ -1,3 +1,4 @@
+#include "bench/Loop.h"
 #include "bench/Surfaces.h"
 
 #include <algorithm>
@@ -58,7 +59,7 @@ void CopyOurs(benchmark::State& state, Size size)
 {
     const Ours from(size, MakePixels(size, Pattern::Noise));
     const Ours to(size);
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         BitBlt(to, 0, 0, size.cx, size.cy, from, 0, 0, SRCCOPY);
     if (!Shows(to, size, MakePixels(size, Pattern::Noise).data())) state.SkipWithError("not copied");
 }
@@ -68,7 +69,7 @@ void CopyMemcpy(benchmark::State& state, Size size)
     const auto from = MakePixels(size, Pattern::Noise);
     Pixels to(size.Count());
     const auto nRow = static_cast<std::size_t>(size.cx);
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         for (std::size_t n = 0; n < from.size(); n += nRow)
             std::memcpy(to.data() + n, from.data() + n, nRow * 4);
         benchmark::ClobberMemory();
@@ -82,7 +83,7 @@ void CopyPixman(benchmark::State& state, Size size)
     Pixels target(size.Count());
     const auto from = MakePixman(size, pixels);
     const auto to = MakePixman(size, target);
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         pixman_image_composite32(PIXMAN_OP_SRC, from.get(), nullptr, to.get(), 0, 0, 0, 0, 0, 0, size.cx,
                                  size.cy);
     if (target != pixels) state.SkipWithError("not copied");
@@ -96,7 +97,7 @@ void BlitSdl(benchmark::State& state, Size size, Pattern pattern, bool bKeyed)
     const auto to = MakeSdl(size, target);
     SDL_SetSurfaceBlendMode(from.get(), SDL_BLENDMODE_NONE);
     if (bKeyed) SDL_SetColorKey(from.get(), SDL_TRUE, dwKey);
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         SDL_BlitSurface(from.get(), nullptr, to.get(), nullptr);
     if (target != (bKeyed ? Unkeyed(pixels) : pixels)) state.SkipWithError("not copied");
 }
@@ -115,7 +116,7 @@ void CopyClipped(benchmark::State& state, bool bMany)
                            : CreateRectRgn(0, 0, size.cx, size.cy);
     SelectClipRgn(to, rgn);
     DeleteObject(rgn);
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         BitBlt(to, 124, 124, 8, 8, from, 0, 0, SRCCOPY);
     if (GetPixel(to, 128, 128) != 0xFFFFFF) state.SkipWithError("not copied");
 }
@@ -127,7 +128,7 @@ void KeyedOurs(benchmark::State& state, Size size, Pattern pattern)
     const Ours from(size, MakePixels(size, pattern));
     const Ours to(size);
     const COLORREF clrKey = RGB(dwKey >> 16, dwKey >> 8, dwKey);
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         TransparentBlt(to, 0, 0, size.cx, size.cy, from, 0, 0, size.cx, size.cy, clrKey);
     if (!Shows(to, size, Unkeyed(MakePixels(size, pattern)).data())) state.SkipWithError("not copied");
 }
@@ -139,7 +140,7 @@ void KeyedSelect(benchmark::State& state, Size size, Pattern pattern)
     const DWORD* from = source.data();
     DWORD* to = target.data();
     const std::size_t nPixels = source.size();
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         for (std::size_t n = 0; n < nPixels; ++n)
             to[n] = (from[n] & 0xFFFFFF) == dwKey ? to[n] : from[n];
         benchmark::ClobberMemory();
@@ -193,7 +194,7 @@ void RegionOurs(benchmark::State& state, const std::string& shape)
 {
     const auto runs = MakeRuns(shape);
     if (!Covers(runs)) state.SkipWithError("another region");
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         DeleteObject(CreateRectsRgn(runs.data(), static_cast<int>(runs.size())));
 }
 
@@ -202,7 +203,7 @@ void RegionCairo(benchmark::State& state, const std::string& shape)
     std::vector<cairo_rectangle_int_t> rects;
     for (const RECT& run : MakeRuns(shape))
         rects.push_back({run.left, run.top, run.right - run.left, 1});
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         cairo_region_destroy(cairo_region_create_rectangles(rects.data(), static_cast<int>(rects.size())));
 }
 

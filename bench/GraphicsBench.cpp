@@ -1,4 +1,5 @@
 #include "bench/CairoPaper.h"
+#include "bench/Loop.h"
 #include "bench/Surfaces.h"
 
 #include <array>
@@ -124,7 +125,7 @@ void DrawScaledOurs(benchmark::State& state, Size size, bool bAlpha)
     };
     draw();
     if (!ShowsScaled(to, size, bAlpha)) state.SkipWithError("another picture than the peer's");
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         draw();
 }
 
@@ -133,7 +134,7 @@ void DrawScaledPixbuf(benchmark::State& state, Size size, bool bAlpha)
     const Pixbuf from = MakePixbufPhoto(bAlpha);
     const Pixbuf to = MakePixbuf(size, false);
     gdk_pixbuf_fill(to.get(), 0);
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         DrawScaled(from.get(), to.get(), bAlpha);
 }
 
@@ -147,7 +148,7 @@ void ThumbnailOurs(benchmark::State& state, Size size)
         Gdiplus::Graphics(static_cast<HDC>(paper)).DrawImage(thumbnail.get(), 0, 0);
     }
     if (!ShowsScaled(paper, size, false)) state.SkipWithError("another picture than the peer's");
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         benchmark::DoNotOptimize(std::unique_ptr<Gdiplus::Image>(
             from->GetThumbnailImage(static_cast<UINT>(size.cx), static_cast<UINT>(size.cy))));
 }
@@ -216,7 +217,7 @@ template <class Make>
 void PaintCairo(benchmark::State& state, Make make)
 {
     const CairoPaper to(screen);
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         Paint(to, make());
 }
 
@@ -235,7 +236,7 @@ void PaintOurs(benchmark::State& state, cairo_pattern_t* peer, Fill fill)
     paint();
     if (!Shows(to, screen, wanted.Pixels(), nRounding))
         state.SkipWithError("another picture than the peer's");
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         paint();
 }
 

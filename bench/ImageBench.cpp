@@ -1,7 +1,6 @@
-#include "bench/BenchDir.h"
-#include "bench/Surfaces.h"
+#include "bench/ImageSamples.h"
+#include "bench/Loop.h"
 
-#include <KXGdiplusImage.h>
 #include <algorithm>
 #include <csetjmp>
 #include <cstdio>
@@ -9,13 +8,10 @@
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <gif_lib.h>
 #include <jpeglib.h>
-#include <platform/GdiPlus.h>
 #include <png.h>
-#include <random>
 
-// Loading pictures from memory, saving them, also in grey, and playing a GIF. Pictures are smooth with some
-// noise, as photos are. The peers decode with the raw libraries into 32-bit buffers that they allocate anew
-// each time.
+// Loading pictures from memory, and playing a GIF. The peers decode with the raw libraries into 32-bit
+// buffers that they allocate anew each time.
 
 using namespace bench;
 using namespace Gdiplus;
@@ -23,79 +19,8 @@ using namespace Gdiplus::DllExports;
 
 namespace {
 
-using Bytes = std::vector<unsigned char>;
-constexpr Size kPhoto{1024, 768};
 constexpr Size kFrame{320, 240};
 constexpr int kFrames = 20;
-
-void Start()
-{
-    static const auto token = [] {
-        std::uintptr_t nToken = 0;
-        const GdiplusStartupInput input;
-        GdiplusStartup(&nToken, &input, nullptr);
-        return nToken;
-    }();
-    static_cast<void>(token);
-}
-
-Pixels MakePhoto(Size size, int nShift = 0)
-{
-    std::minstd_rand random(1);
-    Pixels pixels(size.Count());
-    for (std::size_t n = 0; n < pixels.size(); ++n) {
-        const int x = static_cast<int>(n) % size.cx + nShift, y = static_cast<int>(n) / size.cx;
-        const auto noisy = [&](int nValue) {
-            return static_cast<DWORD>(std::clamp(nValue + static_cast<int>(random() / 64 % 9) - 4, 0, 255));
-        };
-        pixels[n] = 0xFF000000 | noisy(x * 255 / size.cx) << 16 | noisy(y * 255 / size.cy) << 8 |
-                    noisy((x + y) % 512 / 2);
-    }
-    return pixels;
-}
-
-// ---- Samples
-
-struct EndStream
-{
-    void operator()(IStream* p) const { p->Release(); }
-};
-using Stream = std::unique_ptr<IStream, EndStream>;
-
-Stream MakeStream(const Bytes& bytes = {})
-{
-    IStream* pStream = nullptr;
-    CreateStreamOnHGlobal(nullptr, 1, &pStream);
-    pStream->Write(bytes.data(), static_cast<ULONG>(bytes.size()), nullptr);
-    return Stream(pStream);
-}
-
-CLSID Encoder(std::uint32_t nLast)
-{
-    return {0x557CF400 + nLast, 0x1A04, 0x11D3, {0x9A, 0x73, 0, 0, 0xF8, 0x1E, 0xF3, 0x2E}};
-}
-const CLSID kJpeg = Encoder(1), kPng = Encoder(6);
-
-Bytes Encode(Pixels& pixels, const CLSID& encoder)
-{
-    Start();
-    Bitmap bitmap(kPhoto.cx, kPhoto.cy, kPhoto.cx * 4, PixelFormat32bppRGB,
-                  reinterpret_cast<BYTE*>(pixels.data()));
-    const Stream stream = MakeStream();
-    bitmap.Save(stream.get(), &encoder);
-    HGLOBAL hBlock = nullptr;
-    GetHGlobalFromStream(stream.get(), &hBlock);
-    const auto* const first = static_cast<unsigned char*>(GlobalLock(hBlock));
-    Bytes bytes(first, first + GlobalSize(hBlock));
-    GlobalUnlock(hBlock);
-    return bytes;
-}
-
-Bytes MakePhotoFile(const CLSID& encoder)
-{
-    Pixels pixels = MakePhoto(kPhoto);
-    return Encode(pixels, encoder);
-}
 
 // 256 colours, the upper bits of each channel.
 Bytes MakeGif()
@@ -141,7 +66,7 @@ const Bytes& Sample(const std::string& kind)
 void LoadPixbuf(benchmark::State& state, const std::string& kind)
 {
     const Bytes& bytes = Sample(kind);
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         GdkPixbufLoader* const loader = gdk_pixbuf_loader_new();
         gdk_pixbuf_loader_write(loader, bytes.data(), bytes.size(), nullptr);
         gdk_pixbuf_loader_close(loader, nullptr);
@@ -167,7 +92,7 @@ void LoadPixbuf(benchmark::State& state, const std::string& kind)
 void LoadLibpng(benchmark::State& state)
 {
     const Bytes& bytes = Sample("png");
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         struct Rest
         {
             const unsigned char* at;
@@ -216,7 +141,7 @@ std::unique_ptr<DWORD[]> DecodeByLibjpeg(const Bytes& bytes)
 void LoadLibjpeg(benchmark::State& state)
 {
     const Bytes& bytes = Sample("jpeg");
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         benchmark::DoNotOptimize(DecodeByLibjpeg(bytes));
 }
 
@@ -283,7 +208,7 @@ private:
 void LoadGiflib(benchmark::State& state)
 {
     const Bytes& bytes = Sample("gif20");
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         GiflibPlayer player(bytes);
         for (int n = 0; n < kFrames; ++n)
             benchmark::DoNotOptimize(player.Next());
@@ -314,7 +239,7 @@ void LoadOurs(benchmark::State& state, const std::string& kind)
 {
     Start();
     const Stream stream = MakeStream(Sample(kind));
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         Image image(stream.get());
         const UINT nFrames = image.GetFrameCount(&FrameDimensionTime);
         for (UINT n = 0; n < nFrames; ++n)
@@ -337,7 +262,7 @@ void StepOurs(benchmark::State& state)
          ++n) // played over and over, it is decoded in the first two rounds alone
         image.SelectActiveFrame(&FrameDimensionTime, n % kFrames);
     UINT nFrame = 0;
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         nFrame = (nFrame + 1) % kFrames;
         image.SelectActiveFrame(&FrameDimensionTime, nFrame);
         Graphics graphics(paper);
@@ -350,103 +275,12 @@ void StepGiflib(benchmark::State& state)
 {
     GiflibPlayer player(Sample("gif20"));
     Pixels paper(kFrame.Count());
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         const DWORD* const pixels = player.Next();
         const auto nRow = static_cast<std::size_t>(kFrame.cx);
         for (std::size_t n = 0; n < paper.size(); n += nRow)
             std::memcpy(paper.data() + n, pixels + n, nRow * 4);
         benchmark::ClobberMemory();
-    }
-}
-
-// ---- Saving
-
-Bytes EncodeByLibjpeg(const DWORD* pixels, bool bGray = false)
-{
-    jpeg_error_mgr errors;
-    jpeg_compress_struct jpeg;
-    jpeg.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&jpeg);
-    unsigned char* pBytes = nullptr;
-    unsigned long nBytes = 0;
-    jpeg_mem_dest(&jpeg, &pBytes, &nBytes);
-    jpeg.image_width = static_cast<JDIMENSION>(kPhoto.cx);
-    jpeg.image_height = static_cast<JDIMENSION>(kPhoto.cy);
-    jpeg.input_components = 4;
-    jpeg.in_color_space = JCS_EXT_BGRX;
-    jpeg_set_defaults(&jpeg);
-    if (bGray) jpeg_set_colorspace(&jpeg, JCS_GRAYSCALE);
-    jpeg_set_quality(&jpeg, 75, TRUE);
-    jpeg_start_compress(&jpeg, TRUE);
-    for (int y = 0; y < kPhoto.cy; ++y) {
-        auto* row = reinterpret_cast<JSAMPROW>(const_cast<DWORD*>(pixels) + y * kPhoto.cx);
-        jpeg_write_scanlines(&jpeg, &row, 1);
-    }
-    jpeg_finish_compress(&jpeg);
-    jpeg_destroy_compress(&jpeg);
-    Bytes bytes(pBytes, pBytes + nBytes);
-    std::free(pBytes);
-    return bytes;
-}
-
-void SaveOurs(benchmark::State& state)
-{
-    Start();
-    Pixels pixels = MakePhoto(kPhoto);
-    const Bitmap bitmap(kPhoto.cx, kPhoto.cy, kPhoto.cx * 4, PixelFormat32bppARGB,
-                        reinterpret_cast<BYTE*>(pixels.data()));
-    for (auto _ : state) {
-        const Stream stream = MakeStream();
-        if (bitmap.Save(stream.get(), &kJpeg) != Ok) state.SkipWithError("not saved");
-    }
-    if (Encode(pixels, kJpeg) != EncodeByLibjpeg(pixels.data()))
-        state.SkipWithError("another file than the peer's");
-}
-
-bool IsAboutAsLong(const Bytes& one, const Bytes& other)
-{
-    return one.size() > other.size() / 20 * 19 && one.size() < other.size() / 20 * 21;
-}
-
-// To a file, as the client has it, the disk aside.
-void SaveGrayOurs(benchmark::State& state)
-{
-    Start();
-    Bytes file = Sample("png");
-    CKXGdiplusImage image;
-    image.Load(file.data(), file.size());
-    const BenchDir memory(BenchDir::On::Memory);
-    const CString strPath = memory.Win("gray.jpg");
-    if (!image.SaveGrayPic(strPath)) state.SkipWithError("not saved"); // decodes the picture
-    for (auto _ : state)
-        if (!image.SaveGrayPic(strPath)) state.SkipWithError("not saved");
-    std::ifstream saved(memory.Path("gray.jpg"), std::ios::binary);
-    const Bytes bytes((std::istreambuf_iterator<char>(saved)), std::istreambuf_iterator<char>());
-    if (!IsAboutAsLong(bytes, EncodeByLibjpeg(MakePhoto(kPhoto).data(), true)))
-        state.SkipWithError("another file");
-}
-
-void SaveLibjpeg(benchmark::State& state)
-{
-    const Pixels pixels = MakePhoto(kPhoto);
-    for (auto _ : state)
-        benchmark::DoNotOptimize(EncodeByLibjpeg(pixels.data()));
-}
-
-// By the same steps: a grey picture, of which the brightness alone is encoded, and a file.
-void SaveGrayLibjpeg(benchmark::State& state)
-{
-    const Pixels pixels = MakePhoto(kPhoto);
-    const BenchDir memory(BenchDir::On::Memory);
-    for (auto _ : state) {
-        const std::unique_ptr<DWORD[]> gray(new DWORD[kPhoto.Count()]);
-        for (std::size_t n = 0; n < pixels.size(); ++n) {
-            const DWORD pixel = pixels[n];
-            const DWORD sum = (pixel >> 16 & 0xFF) * 77 + (pixel >> 8 & 0xFF) * 151 + (pixel & 0xFF) * 28;
-            gray[n] = (sum >> 8) * 0x010101;
-        }
-        const Bytes bytes = EncodeByLibjpeg(gray.get(), true);
-        memory.Write("gray.jpg", {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     }
 }
 
@@ -460,10 +294,6 @@ const int registered = [] {
     Register("load_gif20/giflib", LoadGiflib);
     Register("gif_step_320x240/ours", StepOurs);
     Register("gif_step_320x240/giflib", StepGiflib);
-    Register("save_jpeg/ours", SaveOurs);
-    Register("save_jpeg/libjpeg", SaveLibjpeg);
-    Register("save_gray/ours", SaveGrayOurs);
-    Register("save_gray/libjpeg", SaveGrayLibjpeg);
     return 0;
 }();
 

@@ -1,4 +1,5 @@
 #include "bench/BenchDir.h"
+#include "bench/Loop.h"
 
 #include <KXIniDataMgr.h>
 #include <array>
@@ -56,7 +57,7 @@ void ReadOurs(benchmark::State& state)
 {
     File();
     const CString file = bench::Dir().Win("skins/Default/Skin.ini");
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         for (std::size_t n = 0; n < kKeys; ++n) {
             const char* key = Keys()[n].c_str();
             switch (n % 5) {
@@ -84,7 +85,7 @@ void ReadOurs(benchmark::State& state)
 void ReadStat(benchmark::State& state)
 {
     const char* file = File().c_str();
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         for (int n = 0; n < kKeys; ++n) {
             struct stat status;
             benchmark::DoNotOptimize(stat(file, &status));
@@ -106,7 +107,7 @@ bool LoadAndGet(const std::string& file, const std::string& key)
 
 void ReadGKeyFile(benchmark::State& state)
 {
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         for (const auto& key : Keys())
             if (!LoadAndGet(File(), key)) state.SkipWithError("no value");
 }
@@ -128,7 +129,7 @@ void ColdOurs(benchmark::State& state)
     for (int n = 0; n < kColdFiles; ++n)
         files.push_back(bench::Dir().Win("cold\\" + std::to_string(n) + ".ini"));
     static std::size_t n = 0; // goes on in the next run, for which the last files are kept
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         if (CKXIniDataMgr::GetInteger(files[n++ % kColdFiles], "Window", "Property50", 0) != 17)
             state.SkipWithError("wrong value");
 }
@@ -140,7 +141,7 @@ void ColdGKeyFile(benchmark::State& state)
     for (int n = 0; n < kColdFiles; ++n)
         files.push_back(bench::Dir().Path(ColdName(n)));
     std::size_t n = 0;
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         if (!LoadAndGet(files[n++ % kColdFiles], "Property50")) state.SkipWithError("no value");
 }
 

@@ -1,4 +1,5 @@
 #include "bench/BenchDir.h"
+#include "bench/Loop.h"
 
 #include <KXFileSystem.h>
 #include <KXLanResManager.h>
@@ -78,7 +79,7 @@ void Ours(benchmark::State& state)
     for (int n = 0; n < nKeys; ++n)
         keys.emplace_back(Key(n).c_str());
     if (!HasAll()) state.SkipWithError("wrong text");
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         for (const CString& key : keys)
             benchmark::DoNotOptimize(pManager->GetString(key));
 }
@@ -89,7 +90,7 @@ void Theirs(benchmark::State& state)
     std::vector<std::string> keys;
     for (int n = 0; n < nKeys; ++n)
         keys.push_back(Key(n));
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         for (const std::string& key : keys)
             benchmark::DoNotOptimize(peer.Get(key));
 }
@@ -97,7 +98,7 @@ void Theirs(benchmark::State& state)
 void LoadOurs(benchmark::State& state)
 {
     CKXLanResManager* pManager = Manager();
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         if (!pManager->SetCurrentLan("L", 0)) state.SkipWithError("no language");
     if (!HasAll()) state.SkipWithError("not all loaded");
 }
@@ -105,7 +106,7 @@ void LoadOurs(benchmark::State& state)
 void LoadTheirs(benchmark::State& state)
 {
     Manager();
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         std::ifstream file(bench::Dir().Path("lans/L/Data.txt"));
         std::vector<std::string> lines;
         for (std::string line; std::getline(file, line);)

@@ -1,4 +1,5 @@
 #include "bench/BenchDir.h"
+#include "bench/Loop.h"
 
 #include <KXLogSys.h>
 #include <benchmark/benchmark.h>
@@ -74,7 +75,7 @@ double Seconds(Clock::time_point from)
 template <class Log>
 void Drain(benchmark::State& state, int nProducers)
 {
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         Log log("drain.log");
         const auto start = Clock::now();
         {
@@ -94,7 +95,7 @@ void Drain(benchmark::State& state, int nProducers)
 template <class Log>
 void Caller(benchmark::State& state)
 {
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         Log log("caller.log");
         const auto start = Clock::now();
         for (int n = 0; n < nLines; ++n)

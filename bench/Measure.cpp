@@ -1,9 +1,11 @@
 #include "bench/Measure.h"
 
-#include <benchmark/benchmark.h>
+#include "bench/Loop.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <malloc.h>
 #include <map>
 #include <regex>
 #include <set>
@@ -85,7 +87,9 @@ std::map<std::string, Side> TimeSides(const std::string& work)
     return sides;
 }
 
-// The most memory that this process has had, in bytes.
+// The memory that this process had before it prepared a side, in bytes; 0 where memory isn't measured.
+double residentBefore = 0;
+
 double OwnPeak()
 {
     std::ifstream file("/proc/self/status");
@@ -97,14 +101,13 @@ double OwnPeak()
     return kilobytes * 1024;
 }
 
-// A process begins with what it has of this one, which is not the side's.
 double PeakOf(const std::string& work, const std::string& side)
 {
     std::istringstream told(RunApart([&](std::ostream& out) {
-        const double begin = OwnPeak();
+        residentBefore = OwnPeak();
         Pairs pairs;
         Run(pairs, "^" + work + "/" + side + "(/|$)", false, 1);
-        out << (pairs.Peak() > 0 ? pairs.Peak() : OwnPeak() - begin);
+        out << pairs.Peak();
         return !pairs.HasFailed();
     }));
     double peak = 0;
@@ -122,6 +125,19 @@ std::string ReadAll(int in)
 }
 
 } // namespace
+
+void ResetPeak()
+{
+    if (residentBefore == 0) return;
+    malloc_trim(0); // what was freed before is no memory of the work
+    std::ofstream("/proc/self/clear_refs") << 5;
+}
+
+void TellPeak(benchmark::State& state)
+{
+    if (residentBefore == 0) return;
+    state.counters[pszPeak] = benchmark::Counter(OwnPeak() - residentBefore, benchmark::Counter::kAvgThreads);
+}
 
 std::string RunApart(const std::function<bool(std::ostream&)>& run)
 {

@@ -17,7 +17,8 @@ std::vector<Row> Measure(const std::string& work);
 // What a function writes in a process of its own; empty if that ends ill or the function gives false.
 std::string RunApart(const std::function<bool(std::ostream&)>& run);
 
-// The counter by which a benchmark tells the memory of the process that it has measured, in bytes.
+// The counter by which a benchmark tells the peak of its memory, in bytes: of the process that it has run, or
+// as Loop.h does.
 inline constexpr const char* pszPeak = "peak";
 
 } // namespace bench

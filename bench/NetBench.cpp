@@ -1,4 +1,5 @@
 #include "bench/BenchDir.h"
+#include "bench/Loop.h"
 
 #include <KXHttpDownloadMgr.h>
 #include <algorithm>
@@ -97,7 +98,7 @@ void LargeOurs(benchmark::State& state)
 {
     const CString url = TheServer().Url("/large").c_str();
     const CString file = bench::Dir().Win("large");
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         CKXHttpDownloadMgr::Instance().AddTask(url, file, OnDownload, 0);
         ended.acquire();
     }
@@ -109,7 +110,7 @@ void SmallOurs(benchmark::State& state)
     const CString url = TheServer().Url("/small").c_str();
     auto& mgr = CKXHttpDownloadMgr::Instance();
     TheServer().TakeSmall();
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         for (int n = 1; n < nSmall; ++n)
             mgr.AddTask(url, "", nullptr);
         mgr.AddTask(url, "", OnDownload, 0);
@@ -156,7 +157,7 @@ void LargeCurl(benchmark::State& state)
 {
     const std::string url = TheServer().Url("/large");
     const std::string path = bench::Dir().Path("large");
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
         if (FetchByCurl(url, {fd, cbWrite, 0}) != cbLarge) state.SkipWithError("wrong size");
         close(fd);
@@ -167,7 +168,7 @@ void LargeCurl(benchmark::State& state)
 void SmallCurl(benchmark::State& state)
 {
     const std::string url = TheServer().Url("/small");
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         for (int n = 0; n < nSmall; ++n)
             if (FetchByCurl(url, {}) != cbSmall) state.SkipWithError("wrong size");
 }

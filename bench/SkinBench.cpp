@@ -1,4 +1,5 @@
 #include "bench/BenchDir.h"
+#include "bench/Loop.h"
 #include "internal/IniSnapshot.h"
 #include "tests/support/BmpBuilder.h"
 
@@ -163,7 +164,7 @@ void ChangeOurs(benchmark::State& state)
 {
     CKXSkinResManager* pManager = Manager();
     std::size_t n = 0;
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         if (!pManager->SetSkin(skins[n++ % skins.size()], 0)) state.SkipWithError("no skin");
     const bool bLoaded = pManager->GetWndRes()->m_nBkgBtmHeight == 60 &&
                          pManager->GetIMLRes()->m_hExpandIcon &&
@@ -229,7 +230,7 @@ void ChangeBare(benchmark::State& state)
     for (const char* skin : skins)
         paths.push_back(PathsOf(skin));
     std::size_t n = 0;
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         if (!Decode(paths[n++ % paths.size()])) state.SkipWithError("not all decoded");
 }
 
@@ -257,7 +258,7 @@ void ReadValues(benchmark::State& state)
         for (const char* name : key.names)
             if (CKXIniDataMgr::GetString(file, key.pszSection, name, "") != key.pszValue)
                 state.SkipWithError("wrong value");
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         const kx::profile::IniSnapshot snapshot; // as in a change
         int nLeft = nReads;
         while (nLeft > 0)

@@ -144,8 +144,8 @@ library itself at another work.
 
 ## Parts of a program
 
-Both sides run in one process, and after that each in one of its own for its memory: by how much its peak of resident
-memory is above what the benchmark's program has before. Servers, inputs and checks are in it.
+Both sides run in one process, and after that each in one of its own for its memory: the peak of its resident memory
+while it does the work, above what the benchmark's program has before it prepares that. Inputs and servers are in it.
 
 )";
     WriteTable(file, rows, false);

@@ -1,3 +1,5 @@
+#include "bench/Loop.h"
+
 #include <KXCommonTaskThread.h>
 #include <array>
 #include <benchmark/benchmark.h>
@@ -108,7 +110,7 @@ void Measure(benchmark::State& state)
     Queue queue;
     RunAll(queue);
     const std::size_t before = mallinfo2().uordblks;
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         if (!RunAll(queue)) state.SkipWithError("not all run");
     const bool bGrown = mallinfo2().uordblks > before + 16 * 1024;
     if (bGrown && std::is_same_v<Queue, Ours>) state.SkipWithError("memory grows");

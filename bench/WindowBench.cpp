@@ -1,3 +1,4 @@
+#include "bench/Loop.h"
 #include "bench/SkinnedWnd.h"
 #include "bench/Surfaces.h"
 
@@ -34,7 +35,7 @@ void SendOwn(benchmark::State& state)
 {
     const HWND hWnd = MakeWindow();
     if (SendMessageA(hWnd, WM_USER, 1, 0) != 2) state.SkipWithError("no answer");
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         benchmark::DoNotOptimize(SendMessageA(hWnd, WM_USER, 1, 0));
     DestroyWindow(hWnd);
 }
@@ -43,7 +44,7 @@ void CallFunction(benchmark::State& state)
 {
     std::function<LRESULT(HWND, UINT, WPARAM, LPARAM)> call = Answer;
     benchmark::DoNotOptimize(call);
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         benchmark::DoNotOptimize(call(nullptr, WM_USER, 1, 0));
 }
 
@@ -83,7 +84,7 @@ void SendAcross(benchmark::State& state)
     });
     ready.acquire();
     if (SendMessageA(hWnd, WM_USER, 1, 0) != 2) state.SkipWithError("no answer");
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         benchmark::DoNotOptimize(SendMessageA(hWnd, WM_USER, 1, 0));
     PostMessage(hWnd, WM_QUIT, 0, 0);
     receiver.join();
@@ -103,7 +104,7 @@ void PingPong(benchmark::State& state)
             changed.notify_one();
         }
     });
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         std::unique_lock guard(lock);
         turn = 1;
         changed.notify_one();
@@ -234,7 +235,7 @@ void RepaintOurs(benchmark::State& state)
     wnd.ShowWindow(SW_SHOWNA);
     wnd.UpdateWindow();
     if (!IsSame(wnd)) state.SkipWithError("another picture than the peer's");
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         wnd.Invalidate();
         wnd.UpdateWindow();
     }
@@ -243,7 +244,7 @@ void RepaintOurs(benchmark::State& state)
 void RepaintCairo(benchmark::State& state)
 {
     CairoWindow cairo;
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         cairo.Paint();
 }
 

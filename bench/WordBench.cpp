@@ -1,4 +1,5 @@
 #include "bench/CairoPaper.h"
+#include "bench/Loop.h"
 #include "bench/Surfaces.h"
 
 #include <KXEnglishWord.h>
@@ -64,7 +65,7 @@ void DrawOurs(benchmark::State& state, bool bThreaded)
     DrawCairo(peer);
     if (!bench::InkOf(paper, paperSize).IsAbout(peer.Ink()))
         state.SkipWithError("another word than the peer's");
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         draw();
 }
 
@@ -72,7 +73,7 @@ void DrawPeer(benchmark::State& state, bool bThreaded)
 {
     if (bThreaded) bench::HaveHadThreads();
     const bench::CairoPaper paper(paperSize);
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         DrawCairo(paper);
 }
 

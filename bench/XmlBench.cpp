@@ -1,4 +1,5 @@
 #include "bench/BenchDir.h"
+#include "bench/Loop.h"
 
 #include <KXXmlDomDocument.h>
 #include <array>
@@ -111,7 +112,7 @@ void LoadOurs(benchmark::State& state)
 {
     const Com com;
     const CString file = Win(kRecords);
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         auto doc = std::make_unique<CKXXmlDomDocument>();
         if (!doc->Load(file)) state.SkipWithError("not loaded");
         End(state, doc);
@@ -121,7 +122,7 @@ void LoadOurs(benchmark::State& state)
 void LoadPeer(benchmark::State& state)
 {
     File(kRecords);
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         Doc doc = LoadLibxml();
         if (!doc) state.SkipWithError("not loaded");
         End(state, doc);
@@ -179,7 +180,7 @@ struct Documents
 
 void ReadAll(benchmark::State& state, const Loaded& loaded, int nTimes)
 {
-    for (auto _ : state)
+    for (auto _ : bench::Loop(state))
         for (int nTime = 0; nTime < nTimes; ++nTime) {
             int nFound = 0;
             for (const CKXXmlDomElement& record : loaded.root.GetChilds("record"))
@@ -198,7 +199,7 @@ void ReadXPath(benchmark::State& state)
 {
     const Doc& doc = Documents::Get().peer;
     xmlXPathContext* const context = xmlXPathNewContext(doc.get());
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         int nFound = 0;
         for (xmlNode* record = xmlDocGetRootElement(doc.get())->children; record; record = record->next) {
             if (record->type != XML_ELEMENT_NODE) continue;
@@ -252,7 +253,7 @@ void WriteOurs(benchmark::State& state)
     const Com com;
     const auto& texts = Texts();
     const CString file = bench::Dir().Win("ours.xml");
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         auto doc = std::make_unique<CKXXmlDomDocument>();
         Fill(*doc, texts);
         doc->Save(file);
@@ -265,7 +266,7 @@ void WritePeer(benchmark::State& state)
 {
     const auto& texts = Texts();
     const std::string file = bench::Dir().Path("peer.xml");
-    for (auto _ : state) {
+    for (auto _ : bench::Loop(state)) {
         Doc doc(xmlNewDoc(X("1.0")), xmlFreeDoc);
         xmlNode* const root = xmlNewDocNode(doc.get(), nullptr, X("words"), nullptr);
         xmlDocSetRootElement(doc.get(), root);
