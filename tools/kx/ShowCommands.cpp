@@ -143,6 +143,18 @@ private:
     std::string m_part;
 };
 
+// The path of the program in the beginning of a report, "process NUMBER PATH"; gdb needs it to name
+// functions.
+std::string ProgramOf(std::string_view report)
+{
+    constexpr std::string_view kLine = "\nprocess ";
+    const std::size_t at = report.find(kLine);
+    if (at == report.npos) return {};
+    const std::string_view line = report.substr(at + 1, report.find('\n', at + 1) - at - 1);
+    const std::size_t path = line.find('/');
+    return path == line.npos ? std::string() : std::string(line.substr(path));
+}
+
 } // namespace
 
 int ShowLog(Arguments& arguments)
@@ -179,13 +191,18 @@ int ShowReport(Arguments& arguments)
     if (!fs::is_regular_file(text)) return Complain("there is no report " + text.string());
     std::ifstream file(text, std::ios::binary);
     std::vector<char> block(64 << 10);
-    while (file.read(block.data(), static_cast<std::streamsize>(block.size())) || file.gcount() > 0)
-        std::fwrite(block.data(), 1, static_cast<std::size_t>(file.gcount()), stdout);
+    std::string program;
+    while (file.read(block.data(), static_cast<std::streamsize>(block.size())) || file.gcount() > 0) {
+        const std::string_view piece(block.data(), static_cast<std::size_t>(file.gcount()));
+        if (program.empty()) program = ProgramOf(piece);
+        std::fwrite(piece.data(), 1, piece.size(), stdout);
+    }
     std::fflush(stdout);
     std::error_code error;
     const bool bTerminal = isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0;
     if (!bGdb || !bTerminal || !fs::exists(dump, error)) return Clean;
-    execlp("gdb", "gdb", "-core", dump.c_str(), nullptr);
+    if (!fs::exists(program, error)) program.clear();
+    execlp("gdb", "gdb", "-core", dump.c_str(), program.empty() ? nullptr : program.c_str(), nullptr);
     std::printf("The dump is %s; gdb, which shows it, isn't installed.\n", dump.c_str());
     return Clean;
 }

@@ -11,6 +11,34 @@ namespace {
 
 constexpr char kLog[] = "[2009-03-14 08:05:09] 1 begin\n[2009-03-14 08:05:10] 2 bad\nmore of it \xC4\xE3\n";
 
+// The lines that kx shows on a terminal, which end in CR LF.
+std::vector<std::string> OnTerminal(const test::TempDir& dir, const std::string& arguments)
+{
+    FILE* const pipe = popen(("cd '" + dir.Path() +
+                              "' && env -u NO_COLOR PATH=\".:$PATH\" script -qec \"'" KX_TEST_BIN "/kx' " +
+                              arguments + "\" /dev/null </dev/null")
+                                 .c_str(),
+                             "r");
+    std::vector<std::string> lines(1);
+    for (int ch; (ch = std::fgetc(pipe)) != EOF;)
+        if (ch == '\n')
+            lines.emplace_back();
+        else
+            lines.back() += static_cast<char>(ch);
+    pclose(pipe);
+    lines.pop_back();
+    return lines;
+}
+
+TEST(Show, LogInColourOnATerminal)
+{
+    const test::TempDir dir;
+    dir.Write("l.txt", "[2009-03-14 08:05:09] 1 a\033[31m\n[2009-03-14 08:05:10] 2 bad\n");
+    EXPECT_THAT(
+        OnTerminal(dir, "log l.txt"), // what a log holds sets no colours
+        ElementsAre("[2009-03-14 08:05:09] 1 a?[31m\r", "\033[31m[2009-03-14 08:05:10] 2 bad\033[0m\r"));
+}
+
 TEST(Show, LogByLevelAndText)
 {
     const test::TempDir dir;
@@ -81,6 +109,15 @@ TEST(Show, ReportByEitherFile)
         EXPECT_EQ(shown.nCode, 0);
         EXPECT_THAT(shown.lines, ElementsAre("signal 6"));
         EXPECT_EQ(shown.last, "thread 1");
+    }
+    // On a terminal gdb gets the dump, and the program where that is still there.
+    dir.Write("gdb", "#!/bin/sh\necho \"gdb: $@\"\n");
+    std::filesystem::permissions(dir.Path("gdb"), std::filesystem::perms::owner_all);
+    for (const std::string& program : {dir.Path("gdb"), dir.Path("gone")}) {
+        dir.Write("c.txt", "signal 6\nprocess      4711 " + program + "\n");
+        const std::string expected =
+            program == dir.Path("gdb") ? "gdb: -core c.dmp " + program : "gdb: -core c.dmp";
+        EXPECT_EQ(OnTerminal(dir, "report c.dmp").back(), expected + "\r");
     }
     const auto none = test::Kx(dir, "report none.txt");
     EXPECT_EQ(none.nCode, 2);
