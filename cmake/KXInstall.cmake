@@ -1,14 +1,23 @@
-# cmake --install: library, headers, find_package files and the pkg-config file, in three components: the library that
-# a client runs with (Runtime), what it is built with (Development), and the programs (Tools).
+# cmake --install: library, headers, find_package files and the pkg-config file, in components: the library that a client
+# runs with (Runtime), its modules that bring the most along (Http, Services, X11), what it is built with (Development),
+# and the programs (Tools).
 include(CMakePackageConfigHelpers)
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME Development)
 
 install(TARGETS KXCommonClass EXPORT KXCommonClassTargets
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Runtime NAMELINK_COMPONENT Development)
 if(KX_MODULES)
-    list(TRANSFORM KX_MODULE_NAMES PREPEND kx_module_ OUTPUT_VARIABLE KX_MODULE_TARGETS)
-    install(TARGETS ${KX_MODULE_TARGETS}
-        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/KXCommonClass" COMPONENT Runtime)
+    set(KX_MODULE_COMPONENTS Http Services X11)
+    foreach(name IN LISTS KX_MODULE_NAMES)
+        string(SUBSTRING ${name} 0 1 initial)
+        string(TOUPPER ${initial} initial)
+        string(REGEX REPLACE "^." ${initial} component ${name})
+        if(NOT component IN_LIST KX_MODULE_COMPONENTS)
+            set(component Runtime)
+        endif()
+        install(TARGETS kx_module_${name}
+            LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/KXCommonClass" COMPONENT ${component})
+    endforeach()
 endif()
 install(DIRECTORY include/ DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/KXCommonClass" FILES_MATCHING PATTERN "*.h")
 

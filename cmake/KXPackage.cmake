@@ -6,7 +6,7 @@ set(CPACK_PACKAGE_CONTACT "The KXCommonClass developers <developers@kxcommonclas
 set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL Runtime Development)
+set(CPACK_COMPONENTS_ALL Runtime ${KX_MODULE_COMPONENTS} Development)
 if(KX_BUILD_TOOLS)
     list(APPEND CPACK_COMPONENTS_ALL Tools)
 endif()
@@ -31,17 +31,35 @@ function(kx_package component package section multiarch description)
         COMPONENT ${component})
     install(FILES LICENSE DESTINATION "share/doc/${package}" COMPONENT ${component} RENAME copyright)
 endfunction()
+set(KX_PACKAGE_WORDS_Http "downloads
+The module of libkxcommonclass${PROJECT_VERSION_MAJOR} for downloads and statistics, which it loads at their
+first use.")
+set(KX_PACKAGE_WORDS_Services "services
+The module of libkxcommonclass${PROJECT_VERSION_MAJOR} for controlling services, which it loads at their first
+use.")
+set(KX_PACKAGE_WORDS_X11 "windows
+The module of libkxcommonclass${PROJECT_VERSION_MAJOR} for windows on an X server, which it loads with the
+first of them. Without it windows appear on a desktop in memory.")
 kx_package(Runtime libkxcommonclass${PROJECT_VERSION_MAJOR} libs same "common classes for desktop clients
 Skins, languages, drawing, log, downloads, statistics, crash reports, INI and
 XML values, files and services for the desktop clients of an English-learning
 product.")
+set(KX_RECOMMENDS "fonts-wqy-microhei | fonts-noto-cjk, shared-mime-info")
+foreach(component IN LISTS KX_MODULE_COMPONENTS)
+    string(TOLOWER ${component} name)
+    set(package libkxcommonclass${PROJECT_VERSION_MAJOR}-${name})
+    kx_package(${component} ${package} libs same "common classes for desktop clients, ${KX_PACKAGE_WORDS_${component}}")
+    string(TOUPPER ${component} upper)
+    set(CPACK_COMPONENT_${upper}_DEPENDS Runtime)
+    string(APPEND KX_RECOMMENDS ", ${package}")
+endforeach()
 kx_package(Development libkxcommonclass-dev libdevel same "common classes for desktop clients, to build with
 Headers, CMake and pkg-config files of libkxcommonclass${PROJECT_VERSION_MAJOR}, for C++20 and later.")
 kx_package(Tools kxcommonclass-tools devel foreign "common classes for desktop clients, their programs
 KXCrashReport.exe, which reports the crash of a client in /usr/bin or of one
 that has it in its own directory, and kx, which checks, makes and shows skins
 and languages, logs and crash reports.")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "fonts-wqy-microhei | fonts-noto-cjk, shared-mime-info")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "${KX_RECOMMENDS}")
 set(CPACK_COMPONENT_TOOLS_DEPENDS Runtime)
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS Runtime Tools)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "libglib2.0-dev") # for kx_resources

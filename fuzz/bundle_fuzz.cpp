@@ -1,8 +1,9 @@
 // A resource bundle and what it holds. Its check must leave nothing that GLib complains about.
-#include "fuzz/MemorySource.h"
-#include "platform/module/Bundle.h"
+#include "platform/shell/gio/Gio.h"
 
 #include <cstdlib>
+#include <gio/gio.h>
+#include <string>
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {
@@ -13,17 +14,14 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const auto bundle = kx::module::Bundle::Load(MemorySource(data, size));
+    const auto bundle = kx::shell::gio::LoadBundle(std::string(reinterpret_cast<const char*>(data), size));
     if (!bundle) return 0;
     for (const char* path : {"/T/A", "/T/B", "/STRING/1"}) {
         const auto content = bundle->Read(path);
-        if (!content) continue;
+        if (!content.owner) continue;
         if (!bundle->Holds(path)) std::abort();
-        gsize length = 0;
-        const auto* bytes =
-            static_cast<const volatile unsigned char*>(g_bytes_get_data(content.get(), &length));
-        for (gsize i = 0; i < length; ++i)
-            (void)bytes[i];
+        for (const volatile char& ch : content.bytes)
+            (void)ch;
     }
     return 0;
 }

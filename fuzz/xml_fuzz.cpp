@@ -4,7 +4,7 @@
 #include "fuzz/XmlWalk.h"
 
 #include "include/platform/CodePage.h"
-#include "platform/xml/Markup.h"
+#include "platform/xml/libxml/Markup.h"
 
 #include <cstdint>
 #include <libxml/c14n.h>

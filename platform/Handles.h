@@ -41,7 +41,7 @@ namespace handles {
 
 // The operations below without types. What is stored under a kind is a pointer to that kind's class.
 HANDLE Add(HandleKind kind, std::shared_ptr<void> object, bool bCounted) noexcept;
-std::shared_ptr<void> Find(HandleKind kind, const void* handle) noexcept;
+KX_API std::shared_ptr<void> Find(HandleKind kind, const void* handle) noexcept;
 std::shared_ptr<void> Remove(HandleKind kind, const void* handle) noexcept;
 void Reserve(std::size_t nPlace, HandleKind kind, std::shared_ptr<void> object) noexcept;
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "include/KXExport.h"
+
 namespace kx {
 
 // 0 of any type: a number, a null pointer.
@@ -19,6 +21,6 @@ Zero NoMemory();
 
 // Throws std::bad_alloc when there is little memory left: for before calls of libraries that crash when it
 // ends.
-void NeedRoom();
+KX_API void NeedRoom();
 
 } // namespace kx

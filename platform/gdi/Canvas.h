@@ -12,7 +12,7 @@
 namespace kx::gdi {
 
 // Guards all shared surfaces. Taken before the lock of texts.
-inline constinit sync::Mutex pixelLock;
+extern KX_API sync::Mutex pixelLock;
 
 // Pixels on which several contexts draw, and which are shown: a window's, or the desktop's.
 struct SharedSurface

@@ -5,6 +5,8 @@
 
 namespace kx::gdi {
 
+constinit sync::Mutex pixelLock;
+
 namespace {
 
 std::shared_ptr<Bitmap> MakeOwnBitmap()

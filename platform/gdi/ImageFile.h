@@ -1,5 +1,7 @@
 #pragma once
 
+#include "include/KXExport.h"
+
 #include "platform/gdi/Bitmap.h"
 
 #include <bit>
@@ -8,10 +10,16 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string_view>
 
 namespace kx::gdi {
 
 using FileBytes = std::span<const std::uint8_t>;
+
+inline FileBytes BytesOf(std::string_view file) noexcept
+{
+    return {reinterpret_cast<const std::uint8_t*>(file.data()), file.size()};
+}
 
 static_assert(std::endian::native == std::endian::little, "pixels are copied as the file orders them");
 
@@ -50,7 +58,7 @@ inline constexpr int MAX_PNG_ICON_SIDE = 1024;
 
 // What the decoder at work on this thread says of the file that it refuses, in its library's words; kept
 // while somebody listens to diagnostics of pictures.
-void NoteRefusal(const char* pszReason) noexcept;
+KX_API void NoteRefusal(const char* pszReason) noexcept;
 // The last one, empty after a call of NoteRefusal with the empty text; valid until the next.
 const char* LastRefusal() noexcept;
 

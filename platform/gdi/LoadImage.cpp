@@ -2,10 +2,11 @@
 #include "internal/Debug.h"
 #include "platform/Errno.h"
 #include "platform/NoMemory.h"
+#include "platform/files/Path.h"
+#include "platform/files/WholeFile.h"
 #include "platform/gdi/Copies.h"
 #include "platform/gdi/Icon.h"
 #include "platform/gdi/ImageFile.h"
-#include "platform/module/RegularFile.h"
 
 #include <array>
 #include <memory>
@@ -13,7 +14,6 @@
 #include <string_view>
 
 using namespace kx::gdi;
-using kx::module::RegularFile;
 
 namespace {
 
@@ -74,13 +74,16 @@ std::optional<std::uint64_t> BytesToRead(FileBytes head, std::uint64_t nFileSize
 
 HANDLE FromFile(const char* pszPath, UINT nType, int cx, int cy)
 {
-    const auto file = RegularFile::Open(pszPath);
-    if (!file) return nullptr;
-    if (file->Size() > MAX_IMAGE_FILE) return Refuse(ERROR_RESOURCE_DATA_NOT_FOUND);
-    const auto head = file->Read(0, std::min<std::uint64_t>(file->Size(), IMAGE_HEAD));
-    const auto nBytes = head ? BytesToRead(head->All(), file->Size(), nType) : std::nullopt;
-    const auto bytes = nBytes ? file->Read(0, *nBytes) : std::nullopt;
-    return bytes ? Make(bytes->All(), true, nType, cx, cy) : Refuse(ERROR_RESOURCE_DATA_NOT_FOUND);
+    const auto path = kx::files::ToSystem(pszPath);
+    if (!path) return nullptr;
+    kx::files::FileContent file;
+    if (const DWORD error = kx::files::ReadFileHead(*path, IMAGE_HEAD, file)) return Refuse(error);
+    const auto nSize = static_cast<std::uint64_t>(file.status.st_size);
+    const auto nBytes =
+        nSize <= MAX_IMAGE_FILE ? BytesToRead(BytesOf(file.bytes), nSize, nType) : std::nullopt;
+    if (!nBytes) return Refuse(ERROR_RESOURCE_DATA_NOT_FOUND);
+    if (const DWORD error = kx::files::ReadFileHead(*path, *nBytes, file)) return Refuse(error);
+    return Make(BytesOf(file.bytes), true, nType, cx, cy);
 }
 
 HANDLE FromResource(HINSTANCE hInstance, const char* pszName, UINT nType, int cx, int cy)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "include/KXExport.h"
+
 #include "platform/gdi/Object.h"
 #include "platform/gdi/Rect.h"
 
@@ -27,7 +29,7 @@ public:
     ~PixelRegion() { pixman_region32_fini(&m_region); }
 
     // The disjoint rectangles in rows from the top, each row from the left.
-    std::span<const pixman_box32_t> Boxes() const noexcept;
+    KX_API std::span<const pixman_box32_t> Boxes() const noexcept;
     RECT Extents() const noexcept;
     // NULLREGION, SIMPLEREGION or COMPLEXREGION.
     int Complexity() const noexcept;

@@ -1,9 +1,12 @@
 #include "platform/gdi/Png.h"
 
+#include "platform/module/Door.h"
+
 #include <algorithm>
 #include <array>
-#include <cstring>
-#include <span>
+#include <iterator>
+
+KX_DOOR(pictures, kx::gdi::PngFunctions);
 
 namespace kx::gdi {
 
@@ -12,142 +15,11 @@ namespace {
 constexpr std::array<std::uint8_t, 16> kStart = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n',
                                                  0,    0,   0,   13,  'I',  'H',  'D',  'R'};
 constexpr std::size_t kHeaderEnd = kStart.size() + 13;
-constexpr std::size_t kReadAtOnce = 64 << 10;
-constexpr png_alloc_size_t kMaxChunk = 1 << 20; // of those that are kept, none of which is as long
 
 DWORD BigEndian(FileBytes file, std::size_t at) noexcept
 {
     return DWORD{file[at]} << 24 | DWORD{file[at + 1]} << 16 | DWORD{file[at + 2]} << 8 | file[at + 3];
 }
-
-// Opaque pixels of bytes red, green, blue.
-void Expand(const std::uint8_t* from, std::span<DWORD> row) noexcept
-{
-    for (DWORD& pixel : row) {
-        pixel = 0xFF000000 | DWORD{from[0]} << 16 | DWORD{from[1]} << 8 | from[2];
-        from += 3;
-    }
-}
-
-class Decoder
-{
-public:
-    Decoder(FileBytes file, int nMaxSide, bool* pbCut) noexcept
-        : m_rest(file),
-          m_pbCut(pbCut),
-          m_png(png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, OnPngError, OnPngWarning)),
-          m_info(m_png ? png_create_info_struct(m_png) : nullptr),
-          m_nMaxSide(static_cast<png_uint_32>(nMaxSide))
-    {
-    }
-    Decoder(const Decoder&) = delete;
-    Decoder& operator=(const Decoder&) = delete;
-    ~Decoder() { png_destroy_read_struct(&m_png, &m_info, nullptr); }
-
-    std::optional<Surface> Run()
-    {
-        if (!m_info || !Guarded(&Decoder::ReadHeader)) return std::nullopt;
-        m_surface = Surface::Make(static_cast<int>(png_get_image_width(m_png, m_info)),
-                                  static_cast<int>(png_get_image_height(m_png, m_info)));
-        if (!m_surface) return std::nullopt;
-        const bool bRead = Guarded(&Decoder::ReadPixels);
-        if (!bRead && !(m_pbCut && m_bEnded && m_nRows > 0)) return std::nullopt;
-        if (m_pbCut) *m_pbCut = !m_bAllPixels;
-        return std::move(m_surface);
-    }
-
-private:
-    bool Guarded(void (Decoder::*step)())
-    {
-        if (setjmp(png_jmpbuf(m_png)) != 0) return false;
-        (this->*step)();
-        return true;
-    }
-
-    static Decoder& Of(png_structp png) noexcept { return *static_cast<Decoder*>(png_get_io_ptr(png)); }
-
-    static void Read(png_structp png, png_bytep target, png_size_t size)
-    {
-        Decoder& self = Of(png);
-        FileBytes& rest = self.m_rest;
-        self.m_bEnded = size > rest.size();
-        if (self.m_bEnded) png_error(png, "cut");
-        std::memcpy(target, rest.data(), size);
-        rest = rest.subspan(size);
-        if (self.m_pbCut && size == 8) ShortenIfCut(target, rest.size());
-    }
-
-    // A chunk of pixels that goes past the end of the file is made as long as what is there of it.
-    static void ShortenIfCut(std::uint8_t* chunk, std::size_t nThere) noexcept
-    {
-        if (std::memcmp(chunk + 4, "IDAT", 4) != 0 || BigEndian({chunk, 4}, 0) <= nThere) return;
-        for (int i = 0; i < 4; ++i)
-            chunk[i] = static_cast<std::uint8_t>(nThere >> 8 * (3 - i));
-    }
-
-    void ReadHeader()
-    {
-        png_set_read_fn(m_png, this, Read);
-        png_set_user_limits(m_png, m_nMaxSide, m_nMaxSide);
-        png_set_chunk_malloc_max(m_png, kMaxChunk);
-        png_set_chunk_cache_max(m_png, 1);
-        png_set_compression_buffer_size(m_png, kReadAtOnce);
-        png_set_option(m_png, PNG_IGNORE_ADLER32, PNG_OPTION_ON); // their chunks have checksums besides
-        png_set_keep_unknown_chunks(m_png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
-        png_read_info(m_png, m_info);
-
-        png_set_expand(m_png);
-        png_set_scale_16(m_png);
-        png_set_gray_to_rgb(m_png);
-        m_nPasses = png_set_interlace_handling(m_png);
-        // Plain colours are expanded faster here, but passes have to find what those before them left.
-        m_bTriplets = m_nPasses == 1 && png_get_color_type(m_png, m_info) == PNG_COLOR_TYPE_RGB &&
-                      png_get_valid(m_png, m_info, PNG_INFO_tRNS) == 0;
-        if (m_bTriplets) {
-            png_set_read_user_transform_fn(m_png, ExpandRow);
-        } else {
-            png_set_bgr(m_png);
-            png_set_add_alpha(m_png, 0xFF, PNG_FILLER_AFTER);
-        }
-        png_read_update_info(m_png, m_info);
-        const std::size_t nPixel = m_bTriplets ? 3 : sizeof(DWORD);
-        if (png_get_rowbytes(m_png, m_info) != png_get_image_width(m_png, m_info) * nPixel)
-            png_error(m_png, "other pixels than asked for");
-    }
-
-    // Called with each row in the library's own buffer, out of which it is expanded.
-    static void ExpandRow(png_structp png, png_row_infop, png_bytep from)
-    {
-        Decoder& self = Of(png);
-        const auto nWidth = static_cast<std::size_t>(self.m_surface->Width());
-        Expand(from, {self.m_surface->Row(static_cast<int>(png_get_current_row_number(png))), nWidth});
-    }
-
-    void ReadPixels()
-    {
-        for (int pass = 0; pass < m_nPasses; ++pass)
-            for (int y = 0; y < m_surface->Height(); ++y) {
-                png_read_row(m_png, m_bTriplets ? nullptr : RowBytes(y), nullptr);
-                ++m_nRows;
-            }
-        m_bAllPixels = true;
-        png_read_end(m_png, nullptr);
-    }
-
-    png_bytep RowBytes(int y) noexcept { return reinterpret_cast<png_bytep>(m_surface->Row(y)); }
-
-    FileBytes m_rest;
-    bool* const m_pbCut;
-    png_structp m_png;
-    png_infop m_info;
-    const png_uint_32 m_nMaxSide;
-    int m_nPasses = 1;
-    bool m_bTriplets = false; // rows are read as bytes red, green, blue, and by ExpandRow
-    std::optional<Surface> m_surface;
-    std::int64_t m_nRows = 0; // read, those of each pass
-    bool m_bAllPixels = false;
-    bool m_bEnded = false; // the file did before what was to be read of it
-};
 
 } // namespace
 
@@ -162,9 +34,10 @@ std::optional<PngHeader> ParsePngHeader(FileBytes file) noexcept
     return PngHeader{BigEndian(file, 16), BigEndian(file, 20), nBits * nChannels};
 }
 
-std::optional<Surface> ReadPng(FileBytes file, int nMaxSide, bool* pbCut)
+std::optional<Surface> ReadPng(FileBytes file, int nMaxSide)
 {
-    return Decoder(file, nMaxSide, pbCut).Run();
+    const PngFunctions* const functions = g_door.Open();
+    return functions ? functions->read(file, nMaxSide, nullptr) : std::nullopt;
 }
 
 } // namespace kx::gdi

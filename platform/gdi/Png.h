@@ -2,9 +2,6 @@
 
 #include "platform/gdi/ImageFile.h"
 
-#include <csetjmp>
-#include <png.h>
-
 namespace kx::gdi {
 
 // The claims of a PNG's first bytes.
@@ -16,25 +13,21 @@ struct PngHeader
 };
 
 // Nothing for what doesn't begin as a PNG does.
-std::optional<PngHeader> ParsePngHeader(FileBytes file) noexcept;
+KX_API std::optional<PngHeader> ParsePngHeader(FileBytes file) noexcept;
 
-// A PNG's pixels, the high byte their opacity. Nothing for one that is broken, cut before its end mark, or
-// has a side above `nMaxSide`. Only what the pixels need is read of it: texts and profiles are passed over.
-//
-// With `pbCut` a file that ends within its pixels is read too, as far as it goes, if its first row is there:
-// what lacks is 0 then, and *pbCut tells of it.
-std::optional<Surface> ReadPng(FileBytes file, int nMaxSide, bool* pbCut = nullptr);
-
-// Errors of the PNG library leave by a jump over the frames in between, none of which may need a destructor.
-// Nothing is written anywhere.
-[[noreturn]] inline void OnPngError(png_structp png, png_const_charp pszReason)
+// What reads a PNG. It comes from the module for pictures.
+struct PngFunctions
 {
-    NoteRefusal(pszReason);
-    png_longjmp(png, 1);
-}
+    // A PNG's pixels, the high byte their opacity. Nothing for one that is broken, cut before its end mark,
+    // or has a side above `nMaxSide`. Only what the pixels need is read of it: texts and profiles are passed
+    // over.
+    //
+    // With `pbCut` a file that ends within its pixels is read too, as far as it goes, if its first row is
+    // there: what lacks is 0 then, and *pbCut tells of it.
+    std::optional<Surface> (*read)(FileBytes file, int nMaxSide, bool* pbCut);
+};
 
-inline void OnPngWarning(png_structp, png_const_charp)
-{
-}
+// As PngFunctions::read for a file that is whole; nothing where the module can't be used.
+std::optional<Surface> ReadPng(FileBytes file, int nMaxSide);
 
 } // namespace kx::gdi

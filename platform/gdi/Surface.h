@@ -18,7 +18,7 @@ class Surface
 public:
     // Black pixels. Nothing for a size of 0 or below, more than MAX_BITMAP_PIXELS, or with
     // ERROR_NOT_ENOUGH_MEMORY for a lack of memory.
-    static std::optional<Surface> Make(int nWidth, int nHeight);
+    KX_API static std::optional<Surface> Make(int nWidth, int nHeight);
 
     int Width() const noexcept { return m_nWidth; }
     int Height() const noexcept { return m_nHeight; }

@@ -2,6 +2,7 @@
 
 #include "platform/gdi/BmpHeader.h"
 #include "platform/gdi/Png.h"
+#include "platform/gdiplus/Encode.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -58,16 +59,22 @@ Gdiplus::Status CheckGif(FileBytes head) noexcept
 struct Format
 {
     std::string_view start;
-    Gdiplus::Status (*read)(const File& file, std::optional<Picture>& picture);
+    Reader own = nullptr; // null where the module has the decoder
+    Reader Functions::*coded = nullptr;
     Gdiplus::Status (*check)(FileBytes head) noexcept = nullptr;
 };
 
 constexpr Format kFormats[] = {
-    {"BM"sv, ReadBmp, CheckBmp},     {"\x89PNG\r\n\x1A\n"sv, ReadPng, CheckPng},
-    {"\xFF\xD8\xFF"sv, ReadJpeg},    {"GIF87a"sv, ReadGif, CheckGif},
-    {"GIF89a"sv, ReadGif, CheckGif}, {"II*\0"sv, ReadTiff},
-    {"MM\0*"sv, ReadTiff},           {"II+\0"sv, ReadTiff}, // BigTIFF
-    {"MM\0+"sv, ReadTiff},           {"\0\0\1\0"sv, ReadIco},
+    {"BM"sv, ReadBmp, nullptr, CheckBmp},
+    {"\0\0\1\0"sv, ReadIco},
+    {"\x89PNG\r\n\x1A\n"sv, nullptr, &Functions::readPng, CheckPng},
+    {"\xFF\xD8\xFF"sv, nullptr, &Functions::readJpeg},
+    {"GIF87a"sv, nullptr, &Functions::readGif, CheckGif},
+    {"GIF89a"sv, nullptr, &Functions::readGif, CheckGif},
+    {"II*\0"sv, nullptr, &Functions::readTiff},
+    {"MM\0*"sv, nullptr, &Functions::readTiff},
+    {"II+\0"sv, nullptr, &Functions::readTiff}, // BigTIFF
+    {"MM\0+"sv, nullptr, &Functions::readTiff},
 };
 
 const Format* FormatOf(FileBytes file) noexcept
@@ -117,7 +124,11 @@ Gdiplus::Status CheckHead(FileBytes head) noexcept
 Gdiplus::Status Decode(const File& file, std::optional<Picture>& picture)
 {
     const Gdiplus::Status status = CheckHead(*file);
-    return status == Gdiplus::Ok ? FormatOf(*file)->read(file, picture) : status;
+    if (status != Gdiplus::Ok) return status;
+    const Format& format = *FormatOf(*file);
+    if (format.own) return format.own(file, picture);
+    const Functions* const codecs = Codecs();
+    return codecs ? (codecs->*format.coded)(file, picture) : Gdiplus::UnknownImageFormat;
 }
 
 Gdiplus::Status ReadBmp(const File& file, std::optional<Picture>& picture)

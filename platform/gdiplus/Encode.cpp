@@ -1,10 +1,13 @@
 #include "platform/gdiplus/Encode.h"
 
 #include "platform/gdiplus/Blend.h"
+#include "platform/module/Door.h"
 
 #include <algorithm>
 #include <cstring>
 #include <new>
+
+KX_DOOR(pictures, kx::gdiplus::Functions);
 
 namespace kx::gdiplus {
 
@@ -22,14 +25,16 @@ constexpr GUID FormatId(std::uint32_t nLast) noexcept
 
 constexpr Encoder kEncoders[] = {
     {{ClassId(0), FormatId(0xAB), u"Built-in BMP Codec", u"BMP", u"*.BMP;*.DIB;*.RLE", u"image/bmp"},
-     WriteBmp},
+     nullptr},
     {{ClassId(1), FormatId(0xAE), u"Built-in JPEG Codec", u"JPEG", u"*.JPG;*.JPEG;*.JPE;*.JFIF",
       u"image/jpeg"},
-     WriteJpeg},
-    {{ClassId(2), FormatId(0xB0), u"Built-in GIF Codec", u"GIF", u"*.GIF", u"image/gif"}, WriteGif},
+     &Functions::writeJpeg},
+    {{ClassId(2), FormatId(0xB0), u"Built-in GIF Codec", u"GIF", u"*.GIF", u"image/gif"},
+     &Functions::writeGif},
     {{ClassId(5), FormatId(0xB1), u"Built-in TIFF Codec", u"TIFF", u"*.TIF;*.TIFF", u"image/tiff"},
-     WriteTiff},
-    {{ClassId(6), FormatId(0xAF), u"Built-in PNG Codec", u"PNG", u"*.PNG", u"image/png"}, WritePng},
+     &Functions::writeTiff},
+    {{ClassId(6), FormatId(0xAF), u"Built-in PNG Codec", u"PNG", u"*.PNG", u"image/png"},
+     &Functions::writePng},
 };
 
 bool IsOpaque(const DWORD* row, int nWidth) noexcept
@@ -41,6 +46,11 @@ bool IsOpaque(const DWORD* row, int nWidth) noexcept
 }
 
 } // namespace
+
+const Functions* Codecs() noexcept
+{
+    return g_door.Open();
+}
 
 bool Append(Bytes& file, const std::uint8_t* bytes, std::size_t nBytes) noexcept
 try {
@@ -60,6 +70,19 @@ const Encoder* FindEncoder(const Gdiplus::CLSID& clsid) noexcept
     for (const Encoder& encoder : kEncoders)
         if (std::memcmp(&encoder.info.Clsid, &clsid, sizeof clsid) == 0) return &encoder;
     return nullptr;
+}
+
+Gdiplus::Status Encode(const Encoder& encoder, const PixelView& view, Bytes& file)
+{
+    if (!encoder.write) return WriteBmp(view, file);
+    const Functions* const codecs = Codecs();
+    return codecs ? (codecs->*encoder.write)(view, file) : Gdiplus::UnknownImageFormat;
+}
+
+Gdiplus::Status EncodePng(const PixelView& view, Bytes& file)
+{
+    const Functions* const codecs = Codecs();
+    return codecs ? codecs->writePng(view, file) : Gdiplus::UnknownImageFormat;
 }
 
 RowsOverBlack::RowsOverBlack(const PixelView& view)

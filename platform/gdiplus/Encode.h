@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/gdiplus/Picture.h"
+#include "platform/gdi/Png.h"
+#include "platform/gdiplus/Decode.h"
 
 #include <span>
 #include <vector>
@@ -10,34 +11,42 @@ namespace kx::gdiplus {
 using Bytes = std::vector<std::uint8_t>;
 
 // For the codecs' libraries, through which nothing may be thrown: false for a lack of memory.
-bool Append(Bytes& file, const std::uint8_t* bytes, std::size_t nBytes) noexcept;
+KX_API bool Append(Bytes& file, const std::uint8_t* bytes, std::size_t nBytes) noexcept;
+
+// Puts a picture, as a file of a format, into the bytes, of which there are none yet. GenericError,
+// OutOfMemory; throws std::bad_alloc.
+using Writer = Gdiplus::Status (*)(const PixelView& view, Bytes& file);
+
+// What the module for pictures gives; codecs/Codecs.h says what each does.
+struct Functions
+{
+    gdi::PngFunctions png;
+    Reader readPng, readJpeg, readGif, readTiff;
+    Writer writeJpeg, writeGif, writeTiff, writePng;
+};
+// Null where the module can't be used.
+const Functions* Codecs() noexcept;
 
 struct Encoder
 {
     Gdiplus::ImageCodecInfo info;
-    // Puts the picture, as a file of that format, into the bytes, of which there are none yet. GenericError,
-    // OutOfMemory; throws std::bad_alloc.
-    Gdiplus::Status (*write)(const PixelView& view, Bytes& file);
+    Writer Functions::*write; // null for that of BMP, which the library has itself
 };
 
 std::span<const Encoder> Encoders() noexcept;
 // Null for none of that class.
 const Encoder* FindEncoder(const Gdiplus::CLSID& clsid) noexcept;
+// As a Writer; UnknownImageFormat where the module can't be used.
+Gdiplus::Status Encode(const Encoder& encoder, const PixelView& view, Bytes& file);
 
 // 24 bits, over black.
 Gdiplus::Status WriteBmp(const PixelView& view, Bytes& file);
-// Quality 75, colours at half the resolution, or none where all pixels are grey; over black.
-Gdiplus::Status WriteJpeg(const PixelView& view, Bytes& file);
-// Up to 256 colours exactly, of more the 256 that stand best for them. Pixels of an opacity below 128 become
-// transparent, those above lie over black.
-Gdiplus::Status WriteGif(const PixelView& view, Bytes& file);
-// With LZW; an alpha channel if the picture has one.
-Gdiplus::Status WriteTiff(const PixelView& view, Bytes& file);
-Gdiplus::Status WritePng(const PixelView& view, Bytes& file);
+// As Encode with the encoder of PNG.
+Gdiplus::Status EncodePng(const PixelView& view, Bytes& file);
 
 // The rows of a picture laid over black; the high byte means nothing. A row is valid until the next one is
 // asked for, and stays where it lies if nothing has to be changed in it.
-class RowsOverBlack
+class KX_API RowsOverBlack
 {
 public:
     explicit RowsOverBlack(const PixelView& view);

@@ -1,11 +1,12 @@
 #include "include/platform/Error.h"
 #include "internal/Debug.h"
+#include "platform/files/Path.h"
+#include "platform/files/WholeFile.h"
 #include "platform/gdi/Bitmap.h"
 #include "platform/gdi/ImageFile.h"
 #include "platform/gdiplus/Calls.h"
 #include "platform/gdiplus/Decode.h"
 #include "platform/gdiplus/Image.h"
-#include "platform/module/RegularFile.h"
 
 #include <algorithm>
 
@@ -30,16 +31,15 @@ std::size_t Hint(IStream& stream)
 // AccessDenied; GenericError for what can't be read; OutOfMemory for more than MAX_IMAGE_BYTES.
 Status ReadWhole(const WCHAR* pszPath, File& file)
 {
-    const auto source = kx::module::RegularFile::Open(ToCodePage(pszPath).c_str());
-    if (!source) return StatusOf(GetLastError());
-    const auto head = source->Read(0, std::min<std::uint64_t>(source->Size(), HEAD_BYTES));
-    if (!head) return GenericError;
-    const Status status = CheckHead(head->All());
+    const auto path = kx::files::ToSystem(ToCodePage(pszPath).c_str());
+    if (!path) return StatusOf(GetLastError());
+    kx::files::FileContent content;
+    if (const DWORD error = kx::files::ReadFileHead(*path, HEAD_BYTES, content)) return StatusOf(error);
+    const Status status = CheckHead(kx::gdi::BytesOf(content.bytes));
     if (status != Ok) return status;
-    if (source->Size() > kMaxBytes) return OutOfMemory;
-    auto bytes = source->Read(0, source->Size());
-    if (!bytes) return GenericError;
-    file = std::make_shared<const std::vector<std::uint8_t>>(std::move(*bytes).Take());
+    if (static_cast<std::uint64_t>(content.status.st_size) > kMaxBytes) return OutOfMemory;
+    if (const DWORD error = kx::files::ReadWholeFile(*path, kMaxBytes, content)) return StatusOf(error);
+    file = std::make_shared<const std::vector<std::uint8_t>>(content.bytes.begin(), content.bytes.end());
     return Ok;
 }
 

@@ -33,7 +33,7 @@ GpStatus Save(GpImage* pImage, const void* pTarget, const CLSID* pEncoder, Put&&
         const Encoder* const encoder = FindEncoder(*pEncoder);
         if (!encoder) return UnknownImageFormat;
         Bytes file;
-        const GpStatus status = encoder->write(pImage->Pixels(), file);
+        const GpStatus status = Encode(*encoder, pImage->Pixels(), file);
         return status == Ok ? put(file) : status;
     });
 }

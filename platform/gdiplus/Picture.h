@@ -71,10 +71,10 @@ struct Picture
 inline constexpr DWORD ALPHA_BITS = ~gdi::COLOR_BITS;
 
 // The format of pixels of so many bits: indices up to 8.
-Gdiplus::PixelFormat FormatOfDepth(int nBits) noexcept;
+KX_API Gdiplus::PixelFormat FormatOfDepth(int nBits) noexcept;
 
 // OutOfMemory for a size beyond the limits, GenericError for one of 0 or below.
-Gdiplus::Status CheckSize(std::int64_t nWidth, std::int64_t nHeight) noexcept;
+KX_API Gdiplus::Status CheckSize(std::int64_t nWidth, std::int64_t nHeight) noexcept;
 
 // A copy of the pixels alone; nothing for a lack of memory.
 std::optional<gdi::Surface> CopyPixels(const PixelView& view);

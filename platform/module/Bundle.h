@@ -1,45 +1,43 @@
 #pragma once
 
-#include "platform/module/ByteSource.h"
-
-#include <gio/gio.h>
+#include <cstddef>
 #include <memory>
-#include <optional>
 #include <string>
+#include <string_view>
 
 namespace kx::module {
 
-// The bytes of one resource. A pointer into them stays good for as long as a copy of this lives.
-using Content = std::shared_ptr<GBytes>;
+// The bytes of one resource, which stay where they are for as long as a copy of the owner lives.
+struct Content
+{
+    std::shared_ptr<const void> owner; // null: there is no such resource
+    std::string_view bytes;
+};
 
 // A set of resources by path: a bundle that was loaded, or those that are linked into the process. Any
 // thread.
 class Bundle
 {
 public:
-    // Nothing if the bytes are no sound bundle.
-    static std::optional<Bundle> Load(const ByteSource& source);
-    // What the program and its libraries linked in.
-    static Bundle OfProcess() { return Bundle(nullptr); }
-
-    bool Holds(const std::string& path) const;
-    // Null without such a resource, or where its bytes are damaged.
-    Content Read(const std::string& path) const;
-
-private:
-    explicit Bundle(GResource* resource) : m_resource(resource, Unref{}) {}
-
-    struct Unref
-    {
-        void operator()(GResource* resource) const noexcept
-        {
-            if (resource) g_resource_unref(resource);
-        }
-    };
-
-    Content Decompress(const std::string& path, std::size_t nSize) const;
-
-    std::unique_ptr<GResource, Unref> m_resource; // null: those of the process
+    virtual ~Bundle() = default;
+    virtual bool Holds(const std::string& path) const = 0;
+    // Nothing without such a resource, or where its bytes are damaged.
+    virtual Content Read(const std::string& path) const = 0;
 };
+
+// What reads bundles. They come from the module for the shell, whose library knows their format.
+struct BundleFunctions
+{
+    // Null if the bytes are no sound bundle.
+    std::unique_ptr<Bundle> (*load)(std::string bytes);
+    // What the program and its libraries linked in.
+    std::unique_ptr<Bundle> (*ofProcess)();
+};
+
+// The most that a bundle file, or one resource of it, may hold.
+inline constexpr std::size_t MAX_BUNDLE = std::size_t{256} << 20;
+
+// Null where the module can't be used.
+const BundleFunctions* Bundles() noexcept;
 
 } // namespace kx::module

@@ -20,7 +20,6 @@ public:
 
     std::size_t Size() const noexcept { return m_data.size(); }
     std::span<const std::uint8_t> All() const noexcept { return m_data; }
-    std::vector<std::uint8_t> Take() && noexcept { return std::move(m_data); }
     std::uint16_t U16(std::uint64_t at) const noexcept { return static_cast<std::uint16_t>(Integer(at, 2)); }
     std::uint32_t U32(std::uint64_t at) const noexcept { return static_cast<std::uint32_t>(Integer(at, 4)); }
     std::uint64_t U64(std::uint64_t at) const noexcept { return Integer(at, 8); }

@@ -7,6 +7,7 @@
 #include <climits>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <link.h>
@@ -50,7 +51,7 @@ bool IsCut(const char* pszPath) noexcept
     return false;
 }
 
-Entry Load(const char* pszName, const char*& pszError) noexcept
+const Entry* Load(const char* pszName, const char*& pszError) noexcept
 {
     std::array<char, PATH_MAX> directory, path;
     std::array<char, 64> entry;
@@ -68,17 +69,18 @@ Entry Load(const char* pszName, const char*& pszError) noexcept
     std::snprintf(entry.data(), entry.size(), "kx_module_%s", pszName);
     void* const found = module ? dlsym(module, entry.data()) : nullptr;
     if (!found) pszError = dlerror();
-    return reinterpret_cast<Entry>(found);
+    return static_cast<const Entry*>(found);
 }
 
 } // namespace
 
-const void* OpenDoor(const char* pszName, Entry linked, std::atomic<bool>& told) noexcept
+const void* OpenDoor(const char* pszName, const Entry* linked, std::atomic<bool>& told) noexcept
 {
     if (!linked && g_bShut) return nullptr;
     const char* pszError = nullptr;
-    const Entry entry = linked ? linked : Load(pszName, pszError);
-    const void* const functions = entry ? entry(KX_VERSION) : nullptr;
+    const Entry* const entry = linked ? linked : Load(pszName, pszError);
+    const bool bOurs = entry && std::strcmp(entry->pszVersion, KX_VERSION) == 0;
+    const void* const functions = bOurs ? entry->functions : nullptr;
     if (entry) pszError = "it belongs to another version of the library";
     if (!functions && !told.exchange(true))
         debug::Tell(pszName, "the module can't be used: %s", pszError ? pszError : "the loader says no more");

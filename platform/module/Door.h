@@ -6,26 +6,34 @@
 
 // Doors to the library's modules: families that stand on large libraries of their own and that not every
 // client uses. A module is a shared object in the folder KXCommonClass beside the library. It is loaded at
-// the first use of what it gives, is never unloaded, and exports one function, its entry. A library that was
+// the first use of what it gives, is never unloaded, and exports one object, its entry. A library that was
 // built without modules has the entries in itself.
 
-// Declares, and before its body defines, the entry of a module: a record of what the module can do, or null
-// if it belongs to another version of the library than `pszVersion`.
-#define KX_MODULE_ENTRY(name) extern "C" KX_API const void* kx_module_##name(const char* pszVersion) noexcept
+// The entry of a module, defined by the record of what it can do. What stands first in the record may have a
+// door of its own.
+#define KX_MODULE_ENTRY(name, functions)                                                                     \
+    extern "C" {                                                                                             \
+    extern KX_API const kx::module::Entry kx_module_##name;                                                  \
+    const kx::module::Entry kx_module_##name{KX_VERSION, &(functions)};                                      \
+    }
 
 // The door of a module: the entry in the library itself is null where the module is an object of its own.
 #define KX_DOOR(name, Functions)                                                                             \
-    extern "C" [[gnu::weak]] KX_API const void* kx_module_##name(const char* pszVersion) noexcept;           \
+    extern "C" [[gnu::weak]] KX_API const kx::module::Entry kx_module_##name;                                \
     static constinit kx::module::Door<Functions> g_door(#name, &kx_module_##name)
 
 namespace kx::module {
 
-using Entry = const void* (*)(const char* pszVersion) noexcept;
+struct Entry
+{
+    const char* pszVersion; // of the library that it belongs to
+    const void* functions;
+};
 
-// What the entry gives for this library; null, with a line on the debug channel the first time, for a module
+// The record of the entry; null, with a line on the debug channel the first time, for a module
 // that isn't there, that lacks a library of its own, or that belongs to another version. Loads nothing
 // while the doors are shut. Any thread.
-const void* OpenDoor(const char* pszName, Entry linked, std::atomic<bool>& told) noexcept;
+const void* OpenDoor(const char* pszName, const Entry* linked, std::atomic<bool>& told) noexcept;
 
 // While a crash is handled no module is loaded.
 void ShutDoors(bool bShut) noexcept;
@@ -34,7 +42,9 @@ template <class Functions>
 class Door
 {
 public:
-    constexpr Door(const char* pszName, Entry linked) noexcept : m_pszName(pszName), m_linked(linked) {}
+    constexpr Door(const char* pszName, const Entry* linked) noexcept : m_pszName(pszName), m_linked(linked)
+    {
+    }
 
     // The module's record, which stays until the process ends; null if it can't be had.
     const Functions* Open() noexcept
@@ -49,7 +59,7 @@ public:
 
 private:
     const char* m_pszName;
-    Entry m_linked;
+    const Entry* m_linked;
     std::atomic<const void*> m_functions{nullptr};
     std::atomic<bool> m_bTold{false};
 };

@@ -6,8 +6,8 @@
 #include "platform/Immortal.h"
 #include "platform/NoMemory.h"
 #include "platform/files/Path.h"
+#include "platform/files/WholeFile.h"
 #include "platform/module/OpenModule.h"
-#include "platform/module/RegularFile.h"
 #include "platform/sync/Fork.h"
 #include "platform/sync/Mutex.h"
 #include "platform/text/CharWalk.h"
@@ -17,9 +17,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-using kx::module::Bundle;
 using kx::module::OpenModule;
-using kx::module::RegularFile;
 
 namespace {
 
@@ -120,15 +118,19 @@ try {
 
 HMODULE LoadLibraryA(const char* pszFileName)
 try {
-    const auto file = RegularFile::Open(pszFileName);
-    if (!file) {
+    auto path = kx::files::ToSystem(pszFileName);
+    kx::files::FileContent file;
+    const DWORD error = path ? kx::files::ReadWholeFile(*path, kx::module::MAX_BUNDLE, file) : GetLastError();
+    if (error) {
+        SetLastError(error);
         kx::debug::Tell("module", "%s can't be opened; there is no module", pszFileName ? pszFileName : "");
         return nullptr;
     }
-    auto bundle = Bundle::Load(*file);
+    const auto* const bundles = kx::module::Bundles();
+    auto bundle = bundles ? bundles->load(std::move(file.bytes)) : nullptr;
     if (bundle)
         return static_cast<HMODULE>(
-            kx::AddHandle(std::make_shared<OpenModule>(std::move(*bundle), file->SystemPath())));
+            kx::AddHandle(std::make_shared<OpenModule>(std::move(bundle), std::move(*path))));
     kx::debug::Tell("module", "%s is no bundle of resources; there is no module", pszFileName);
     SetLastError(ERROR_RESOURCE_DATA_NOT_FOUND);
     return nullptr;

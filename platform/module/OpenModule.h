@@ -27,7 +27,8 @@ class OpenModule
 public:
     static constexpr HandleKind HANDLE_KIND = HandleKind::Module;
 
-    OpenModule(Bundle bundle, std::string systemPath)
+    // Null stands for the bundles that are linked into the process.
+    OpenModule(std::unique_ptr<Bundle> bundle, std::string systemPath)
         : m_bundle(std::move(bundle)), m_path(std::move(systemPath))
     {
     }
@@ -45,7 +46,7 @@ public:
     void Close();
 
 private:
-    const Bundle m_bundle;
+    const std::unique_ptr<Bundle> m_bundle;
     const std::string m_path;
     sync::Mutex m_lock; // the handle table's is taken under it
     std::map<std::string, HRSRC> m_found KX_GUARDED_BY(m_lock);

@@ -63,18 +63,11 @@ HRSRC Find(HMODULE hModule, const char* pszName, const char* pszType)
     return found ? found : module->Find(hModule, UpperCase(path));
 }
 
-// The bytes of a resource of that module; null for another handle.
+// The bytes of a resource of that module; nothing for another handle.
 Content ContentOf(HMODULE hModule, HRSRC hResource)
 {
     const auto resource = kx::FindHandle<Resource>(hResource);
-    return resource && resource->hModule == hModule ? resource->content : nullptr;
-}
-
-std::string_view TextOf(const Content& content)
-{
-    gsize size = 0;
-    const auto* data = static_cast<const char*>(g_bytes_get_data(content.get(), &size));
-    return {data, data ? size : 0};
+    return resource && resource->hModule == hModule ? resource->content : Content();
 }
 
 } // namespace
@@ -101,13 +94,13 @@ try {
 DWORD SizeofResource(HMODULE hModule, HRSRC hResource)
 {
     const Content content = ContentOf(hModule, hResource);
-    if (!content) return static_cast<DWORD>(kx::Fail(ERROR_INVALID_HANDLE));
-    return static_cast<DWORD>(TextOf(content).size());
+    if (!content.owner) return static_cast<DWORD>(kx::Fail(ERROR_INVALID_HANDLE));
+    return static_cast<DWORD>(content.bytes.size());
 }
 
 HGLOBAL LoadResource(HMODULE hModule, HRSRC hResource)
 {
-    if (ContentOf(hModule, hResource)) return hResource;
+    if (ContentOf(hModule, hResource).owner) return hResource;
     SetLastError(ERROR_INVALID_HANDLE);
     return nullptr;
 }
@@ -116,8 +109,8 @@ const void* LockResource(HGLOBAL hResource)
 {
     const auto resource = kx::FindHandle<Resource>(hResource);
     if (!resource) return nullptr;
-    const std::string_view text = TextOf(resource->content);
-    return text.empty() ? "" : text.data();
+    const std::string_view bytes = resource->content.bytes;
+    return bytes.empty() ? "" : bytes.data();
 }
 
 int FreeResource(HGLOBAL)
@@ -131,13 +124,13 @@ try {
     *pszBuffer = '\0';
     const auto module = OpenModule::Of(hInstance);
     const Content content =
-        module ? ContentOf(hInstance, module->Find(hInstance, "/STRING/" + std::to_string(nId))) : nullptr;
-    if (!content) return kx::Fail(ERROR_RESOURCE_NAME_NOT_FOUND);
+        module ? ContentOf(hInstance, module->Find(hInstance, "/STRING/" + std::to_string(nId))) : Content();
+    if (!content.owner) return kx::Fail(ERROR_RESOURCE_NAME_NOT_FOUND);
 
     // No character takes more than four bytes of UTF-8, so what lies behind that many for each byte of the
     // buffer can't come into it.
     const auto size = static_cast<std::size_t>(nSize);
-    std::string_view utf8 = TextOf(content).substr(0, 4 * size);
+    std::string_view utf8 = content.bytes.substr(0, 4 * size);
     utf8 = utf8.substr(0, utf8.find('\0'));
     if (utf8.ends_with('\n')) utf8.remove_suffix(1);
     if (utf8.ends_with('\r')) utf8.remove_suffix(1);

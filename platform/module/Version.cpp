@@ -2,12 +2,16 @@
 
 #include "platform/Errno.h"
 #include "platform/NoMemory.h"
+#include "platform/files/Path.h"
+#include "platform/files/WholeFile.h"
 #include "platform/module/FileVersion.h"
-#include "platform/module/RegularFile.h"
 
 #include <cstddef>
 #include <cstring>
 #include <iterator>
+#include <span>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace kx::module;
 
@@ -25,11 +29,43 @@ struct Block
 };
 static_assert(offsetof(Block, record) == kFixedRecordAt && sizeof(Block) == kVersionHeadSize);
 
+// A file of which a few places are looked at. It is never mapped, so that a file that shrinks meanwhile is a
+// failed read and no signal.
+class OpenFile : public ByteSource
+{
+public:
+    OpenFile(const kx::UniqueFd& fd, std::uint64_t nSize) noexcept : m_fd(fd), m_size(nSize) {}
+    std::uint64_t Size() const noexcept override { return m_size; }
+
+protected:
+    bool ReadAt(std::uint64_t offset, std::span<std::uint8_t> target) const override
+    {
+        while (!target.empty()) {
+            const ssize_t got = kx::RetryEintr(
+                [&] { return pread(m_fd.Get(), target.data(), target.size(), static_cast<off_t>(offset)); });
+            if (got <= 0) return false;
+            offset += static_cast<std::uint64_t>(got);
+            target = target.subspan(static_cast<std::size_t>(got));
+        }
+        return true;
+    }
+
+private:
+    const kx::UniqueFd& m_fd;
+    const std::uint64_t m_size;
+};
+
 std::optional<VS_FIXEDFILEINFO> VersionOf(const char* pszFile)
 {
-    const auto file = RegularFile::Open(pszFile);
-    if (!file) return std::nullopt;
-    const auto version = ReadVersion(*file);
+    const auto path = kx::files::ToSystem(pszFile);
+    if (!path) return std::nullopt;
+    struct stat info = {};
+    const kx::UniqueFd fd = kx::files::OpenRegularFile(*path, info);
+    if (!fd) {
+        kx::FailErrno();
+        return std::nullopt;
+    }
+    const auto version = ReadVersion(OpenFile(fd, static_cast<std::uint64_t>(info.st_size)));
     if (!version) SetLastError(ERROR_RESOURCE_DATA_NOT_FOUND);
     return version;
 }

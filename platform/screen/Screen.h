@@ -1,5 +1,7 @@
 #pragma once
 
+#include "include/KXExport.h"
+
 #include "platform/gdi/Canvas.h"
 
 #include <memory>
@@ -14,7 +16,7 @@ using Backing = gdi::SharedSurface;
 class Screen
 {
 public:
-    static Screen& Instance();
+    KX_API static Screen& Instance();
 
     // The desktop's pixels, made at the first use of a size; null for a lack of memory. `look` gives what is
     // seen of them below the windows.

@@ -5,7 +5,8 @@
 #include "platform/Immortal.h"
 #include "platform/NoMemory.h"
 #include "platform/files/Path.h"
-#include "platform/shell/ContentType.h"
+#include "platform/module/Door.h"
+#include "platform/shell/Functions.h"
 #include "platform/sync/Mutex.h"
 #include "platform/text/CharWalk.h"
 #include "platform/text/Conversion.h"
@@ -15,7 +16,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 #include <unordered_map>
+
+KX_DOOR(shell, kx::shell::Functions);
 
 struct _IMAGELIST
 {
@@ -151,19 +155,35 @@ std::optional<Item> FindDrive(char letter, bool bName)
         return std::nullopt;
     }
     Item item;
-    item.type = kx::text::FromUtf8Lossy(kx::shell::DriveWording(kind));
+    const auto* const shell = g_door.Open();
+    item.type = kx::text::FromUtf8Lossy(shell ? shell->driveWording(kind) : "Disk");
     item.icons = DriveIcon(kind);
     if (bName) item.name = DriveName(root.data(), item.type);
     return item;
 }
 
+bool IsDirectory(const std::string& path) noexcept
+{
+    struct stat info;
+    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+// Without the module there are plain words and the icon of a file of which nothing is known.
+std::optional<kx::shell::ContentType> FindContentType(const std::string& path)
+{
+    if (const auto* const shell = g_door.Open()) return shell->findContentType(path);
+    struct stat info;
+    if (lstat(path.c_str(), &info) != 0) return std::nullopt;
+    return kx::shell::ContentType{IsDirectory(path) ? "Folder" : "File", {}};
+}
+
 std::optional<Item> FindEntry(const kx::files::Resolved& resolved)
 {
-    if (resolved.trailing && !kx::shell::IsDirectory(resolved.system)) {
+    if (resolved.trailing && !IsDirectory(resolved.system)) {
         SetLastError(ERROR_PATH_NOT_FOUND);
         return std::nullopt;
     }
-    const auto content = kx::shell::FindContentType(resolved.system);
+    const auto content = FindContentType(resolved.system);
     if (!content) {
         kx::FailErrno();
         return std::nullopt;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "include/KXExport.h"
+
 #include <atomic>
 #include <csignal>
 
@@ -11,10 +13,10 @@ namespace kx::sync {
 class AlternateStack
 {
 public:
-    AlternateStack() noexcept;
+    KX_API AlternateStack() noexcept;
     AlternateStack(const AlternateStack&) = delete;
     AlternateStack& operator=(const AlternateStack&) = delete;
-    ~AlternateStack();
+    KX_API ~AlternateStack();
 
     // False for lack of memory.
     bool IsThere() const noexcept { return m_bThere; }

@@ -71,7 +71,7 @@ KX_API int CompareNoCase(std::string_view a, std::string_view b) noexcept;
 void LowerAscii(char* text, std::size_t length) noexcept;
 
 // The longest head of the text that has at most `max` bytes and ends with a whole character.
-std::string_view CutAtChar(std::string_view text, std::size_t max) noexcept;
+KX_API std::string_view CutAtChar(std::string_view text, std::size_t max) noexcept;
 
 // Copies a text into a buffer of `size` bytes, cut at a character and ended. Returns the bytes copied;
 // nothing is written into a buffer of none.

@@ -10,7 +10,7 @@
 
 namespace kx::text {
 
-bool IsAscii(std::string_view text) noexcept;
+KX_API bool IsAscii(std::string_view text) noexcept;
 
 // Nothing where the text holds bytes that are no character.
 KX_API std::optional<std::string> ToUtf8(std::string_view codePageText);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "include/KXExport.h"
+
 #include "platform/window/Window.h"
 
 // Work for a window's thread that follows from what a desktop has learnt, or another thread has done. It goes
@@ -24,7 +26,7 @@ enum class Chore : WPARAM
 inline constexpr LPARAM kMoved = 1;
 inline constexpr LPARAM kResized = 2;
 
-void PostChore(HWND hWnd, Chore chore, LPARAM lParam = 0);
+KX_API void PostChore(HWND hWnd, Chore chore, LPARAM lParam = 0);
 void DoChore(Window& window, Chore chore, LPARAM lParam);
 
 } // namespace kx::window

@@ -1,17 +1,19 @@
 #include "platform/window/Desktop.h"
-#include "internal/Debug.h"
-#include "platform/sync/Mutex.h"
 
+#include "internal/Debug.h"
 #include "platform/Immortal.h"
+#include "platform/module/Door.h"
 #include "platform/screen/Screen.h"
+#include "platform/sync/Mutex.h"
 #include "platform/window/HeadlessDesktop.h"
 #include "platform/window/WindowTable.h"
-#include "platform/window/X11Desktop.h"
 
 #include <atomic>
 #include <cstdlib>
 #include <mutex>
 #include <utility>
+
+KX_DOOR(x11, kx::window::Functions);
 
 namespace kx::window {
 
@@ -19,30 +21,71 @@ namespace {
 
 std::atomic<Desktop*> g_desktop{nullptr};
 
+bool IsDisplayNamed() noexcept
+{
+    const char* pszDisplay = std::getenv("DISPLAY");
+    return pszDisplay && *pszDisplay;
+}
+
 Desktop& Choose()
 {
     constexpr std::chrono::milliseconds limit(KXHost::ANSWER_LIMIT);
-    const char* pszDisplay = std::getenv("DISPLAY");
-    auto display = pszDisplay && *pszDisplay ? X11Desktop::Open(pszDisplay, limit) : nullptr;
+    auto display = IsDisplayNamed() ? Desktop::Open(nullptr, limit) : nullptr;
     if (!display) return HeadlessDesktop::Instance();
-    return X11Desktop::Keep(std::move(display));
+    return Desktop::Keep(std::move(display));
 }
 
 void TellNoDisplay() noexcept
 {
-    const char* pszDisplay = std::getenv("DISPLAY");
-    if (pszDisplay && *pszDisplay)
-        debug::Tell("window", "display %s doesn't answer; windows appear on a desktop in memory", pszDisplay);
+    if (IsDisplayNamed())
+        debug::Tell("window", "display %s doesn't answer; windows appear on a desktop in memory",
+                    std::getenv("DISPLAY"));
     else
         debug::Tell("window", "DISPLAY names no display; windows appear on a desktop in memory");
 }
 
+// The desktops of displays that are, or were, the process's.
+struct Kept
+{
+    static Kept& Instance()
+    {
+        static Immortal<Kept> kept;
+        return kept.Get();
+    }
+    sync::Mutex lock;
+    std::vector<std::unique_ptr<Desktop>> desktops KX_GUARDED_BY(lock);
+};
+
+// No thread may run in the library once it has been unloaded.
+struct LeaveAtUnload
+{
+    ~LeaveAtUnload()
+    {
+        const sync::MutexLock lock(Kept::Instance().lock);
+        for (const auto& desktop : Kept::Instance().desktops)
+            desktop->Leave();
+    }
+} g_leaveAtUnload;
+
 } // namespace
+
+std::unique_ptr<Desktop> Desktop::Open(const char* pszDisplay, std::chrono::milliseconds limit)
+{
+    const Functions* const functions = g_door.Open();
+    return functions ? functions->open(pszDisplay, limit) : nullptr;
+}
+
+Desktop& Desktop::Keep(std::unique_ptr<Desktop> desktop)
+{
+    const sync::MutexLock lock(Kept::Instance().lock);
+    return *Kept::Instance().desktops.emplace_back(std::move(desktop));
+}
 
 Desktop& Desktop::Instance()
 {
     if (Desktop* chosen = g_desktop.load(std::memory_order_acquire)) return *chosen;
     static Immortal<sync::Mutex> choosing;
+    if (IsDisplayNamed()) g_door.Open(); // what it tells is heard without a lock
     {
         const sync::MutexLock lock(choosing.Get());
         if (Desktop* chosen = g_desktop.load()) return *chosen;

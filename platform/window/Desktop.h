@@ -4,6 +4,8 @@
 #include "include/platform/Window.h"
 #include "platform/gdi/Canvas.h"
 
+#include <chrono>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -41,6 +43,11 @@ public:
     static Desktop& Instance();
     // Chooses another from now on; false while there are windows.
     static bool Use(Desktop& desktop);
+    // The desktop of a display, or with null of DISPLAY; null for a server that hasn't answered within the
+    // limit.
+    static std::unique_ptr<Desktop> Open(const char* pszDisplay, std::chrono::milliseconds limit);
+    // Lets it live, for those who still use it, until the library goes.
+    static Desktop& Keep(std::unique_ptr<Desktop> desktop);
     virtual ~Desktop() = default;
 
     // From the origin to the right and bottom end of all monitors.
@@ -97,6 +104,13 @@ public:
     // False for no such window.
     virtual bool PostForeign(HWND hWnd, const KXHost::SentMessage& message) = 0;
     virtual LRESULT SendForeign(HWND hWnd, const KXHost::SentMessage& message) = 0;
+};
+
+// What the module for X11 gives.
+struct Functions
+{
+    // As Desktop::Open.
+    std::unique_ptr<Desktop> (*open)(const char* pszDisplay, std::chrono::milliseconds limit);
 };
 
 } // namespace kx::window

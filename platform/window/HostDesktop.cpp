@@ -6,7 +6,6 @@
 #include "platform/window/Desktop.h"
 #include "platform/window/HeadlessDesktop.h"
 #include "platform/window/Input.h"
-#include "platform/window/X11Desktop.h"
 
 #include <chrono>
 #include <fstream>
@@ -14,7 +13,6 @@
 
 using kx::window::Desktop;
 using kx::window::HeadlessDesktop;
-using kx::window::X11Desktop;
 
 bool KXHost::UseMemoryDesktop(int nWidth, int nHeight)
 {
@@ -28,9 +26,9 @@ bool KXHost::UseMemoryDesktop(int nWidth, int nHeight)
 
 bool KXHost::UseDisplay(const char* pszDisplay, DWORD dwLimit)
 {
-    auto display = X11Desktop::Open(pszDisplay, std::chrono::milliseconds(dwLimit));
+    auto display = Desktop::Open(pszDisplay, std::chrono::milliseconds(dwLimit));
     if (!display || !Desktop::Use(*display)) return false;
-    X11Desktop::Keep(std::move(display));
+    Desktop::Keep(std::move(display));
     return true;
 }
 
@@ -49,7 +47,7 @@ bool KXHost::SaveDesktop(const std::string& strPath) KX_NO_LOCK_ANALYSIS
         if (!root) return false;
         kx::gdi::Surface& seen = Desktop::Instance().Look({0, 0, size.cx, size.cy}, root->surface, lock);
         const auto view = kx::gdiplus::ViewOf(seen, kx::gdiplus::Alpha::Opaque);
-        if (kx::gdiplus::WritePng(view, file) != Gdiplus::Ok) return false;
+        if (kx::gdiplus::EncodePng(view, file) != Gdiplus::Ok) return false;
     }
     std::ofstream out(strPath, std::ios::binary);
     out.write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));

@@ -28,7 +28,7 @@ constexpr LPARAM PlaceOf(POINT at) noexcept
 // Posts what a person does to a window: the mouse, keys, and the wish to close it. A disabled window doesn't
 // hear it. With `bLatest` it replaces the newest message that the thread has yet to take, if that is the
 // same. Non-zero if there was room.
-int PostInput(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam, bool bLatest = false);
+KX_API int PostInput(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam, bool bLatest = false);
 
 // Whether input that the thread has just taken is to be heard; it may become another message, or another
 // window's. Without `bTaken` it is only looked at, and stays as it is.

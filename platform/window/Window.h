@@ -17,7 +17,7 @@ namespace kx::window {
 class Queue;
 
 // The rectangle of that place and size: a size below 0 counts as none, and the far sides stay within an int.
-RECT RectOf(int x, int y, int nWidth, int nHeight) noexcept;
+KX_API RECT RectOf(int x, int y, int nWidth, int nHeight) noexcept;
 
 // A window of this process. Held by shared_ptr: callers may use it after WindowTable has removed it.
 class Window
@@ -56,8 +56,8 @@ public:
     HCURSOR ClassCursor() const noexcept { return m_classCursor; }
 
     // Its place on the desktop.
-    RECT Rect() const;
-    void SetRect(const RECT& rect);
+    KX_API RECT Rect() const;
+    KX_API void SetRect(const RECT& rect);
 
     std::string Text() const;
     void SetText(const char* pszText);

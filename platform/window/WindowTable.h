@@ -1,5 +1,7 @@
 #pragma once
 
+#include "include/KXExport.h"
+
 #include "platform/sync/Mutex.h"
 #include "platform/window/Window.h"
 
@@ -11,7 +13,7 @@ namespace kx::window {
 
 // The number of a new window, of this process or another, that is greater than those of all older ones. One
 // of another process, which the table of handles doesn't name, has it as its handle. Any thread.
-std::uintptr_t NewAge() noexcept;
+KX_API std::uintptr_t NewAge() noexcept;
 
 // The desktop's own window, which is in no table: older than all others.
 inline constexpr std::uintptr_t kDesktopAge = 0x10000;
@@ -21,7 +23,7 @@ inline const HWND kDesktopHandle = reinterpret_cast<HWND>(kDesktopAge);
 class WindowTable
 {
 public:
-    static WindowTable& Instance();
+    KX_API static WindowTable& Instance();
 
     // Null, with the last error set, for a lack of memory.
     HWND Add(const std::shared_ptr<Window>& window);

@@ -85,6 +85,10 @@ int main(int nArgs, char** argv)
         [&] { return CKXGdiplusHelper::DrawGradientRoundRect(dc, 1, 2, rc, 4, 4, 1, 3), 1; },
         [&] { return CKXGdiplusHelper::DrawPathGradientRect(dc, rc, 1, 2), 1; },
     };
+    // The C library ends the process when a thread's first use of the JPEG library finds no memory.
+    image.Load(strBmp);
+    image.SaveGrayPic(strOut);
+    image.Free();
     shortage::g_bAll = true;
     const int nHandles = KXHost::LiveHandles();
     for (int nCase = 1; const auto& work : cases) {

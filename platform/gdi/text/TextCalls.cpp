@@ -184,7 +184,9 @@ struct Writer
 {
     explicit Writer(HDC hDC) : context(FindAs<DeviceContext>(hDC))
     {
-        if (context) font = static_cast<Font*>(context->CurrentFont());
+        if (!context) return;
+        font = static_cast<Font*>(context->CurrentFont());
+        NeedLetters();
     }
     explicit operator bool() const { return font != nullptr; }
 

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstring>
 
 namespace {
 
@@ -122,14 +121,15 @@ void Session::Cancel() noexcept
     if (m_wakeable) curl_multi_wakeup(m_wakeable);
 }
 
+namespace {
+
+constexpr Functions kFunctions{
+    [](const char* pszAgent, bool bProxies, unsigned long dwContext) -> std::shared_ptr<http::Session> {
+        return std::make_shared<Session>(pszAgent, bProxies, dwContext);
+    }};
+
+} // namespace
+
 } // namespace kx::http::curl
 
-KX_MODULE_ENTRY(http)
-{
-    static constexpr kx::http::Functions functions{
-        [](const char* pszAgent, bool bProxies,
-           unsigned long dwContext) -> std::shared_ptr<kx::http::Session> {
-            return std::make_shared<kx::http::curl::Session>(pszAgent, bProxies, dwContext);
-        }};
-    return std::strcmp(pszVersion, KX_VERSION) == 0 ? &functions : nullptr;
-}
+KX_MODULE_ENTRY(http, kx::http::curl::kFunctions)

@@ -5,7 +5,6 @@
 #include "platform/services/systemd/UnitText.h"
 #include "platform/text/Conversion.h"
 
-#include <cstring>
 #include <optional>
 #include <unistd.h>
 
@@ -192,13 +191,15 @@ DWORD Manager::ListDependents(const CString& strName, std::vector<KXHost::Depend
     return systemd::ListDependents(service.bus, service.unit, service.state, dependents);
 }
 
+namespace {
+
+constexpr Functions kFunctions{
+    [](const KXHost::SystemdPlace& place) -> std::shared_ptr<KXHost::ServiceManager> {
+        return std::make_shared<Manager>(place);
+    }};
+
+} // namespace
+
 } // namespace kx::services::systemd
 
-KX_MODULE_ENTRY(services)
-{
-    static constexpr kx::services::Functions functions{
-        [](const KXHost::SystemdPlace& place) -> std::shared_ptr<KXHost::ServiceManager> {
-            return std::make_shared<kx::services::systemd::Manager>(place);
-        }};
-    return std::strcmp(pszVersion, KX_VERSION) == 0 ? &functions : nullptr;
-}
+KX_MODULE_ENTRY(services, kx::services::systemd::kFunctions)

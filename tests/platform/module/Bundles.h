@@ -3,7 +3,7 @@
 #include "tests/support/TempDir.h"
 
 #include <cstdlib>
-#include <dlfcn.h>
+#include <gio/gio.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
@@ -28,14 +28,6 @@ inline std::string CompileBundle(const TempDir& dir, const Resources& resources,
     return dir.Path("bundle");
 }
 
-template <class Function>
-Function* GioFunction(const char* name)
-{
-    auto* function = reinterpret_cast<Function*>(dlsym(RTLD_DEFAULT, name));
-    EXPECT_NE(function, nullptr) << name;
-    return function;
-}
-
 // Resources registered in this process, as those that a program links in are.
 class LinkedIn
 {
@@ -44,19 +36,20 @@ public:
     {
         const TempDir dir;
         const std::string bundle = CompileBundle(dir, resources);
-        m_resource = GioFunction<void*(const char*, void*)>("g_resource_load")(bundle.c_str(), nullptr);
-        GioFunction<void(void*)>("g_resources_register")(m_resource);
+        m_resource = g_resource_load(bundle.c_str(), nullptr);
+        EXPECT_NE(m_resource, nullptr);
+        g_resources_register(m_resource);
     }
     LinkedIn(const LinkedIn&) = delete;
     LinkedIn& operator=(const LinkedIn&) = delete;
     ~LinkedIn()
     {
-        GioFunction<void(void*)>("g_resources_unregister")(m_resource);
-        GioFunction<void(void*)>("g_resource_unref")(m_resource);
+        g_resources_unregister(m_resource);
+        g_resource_unref(m_resource);
     }
 
 private:
-    void* m_resource;
+    GResource* m_resource;
 };
 
 } // namespace test

@@ -1,9 +1,13 @@
 // Uses what each module gives, and prints to its standard error what came of it. KX_DEBUG=1 adds what the
 // library says of it. With an argument, in a thread for each of eight.
+#include "include/KXMemoryDC.h"
 #include "include/platform/Com.h"
+#include "include/platform/Gdi.h"
+#include "include/platform/Host.h"
 #include "include/platform/Internet.h"
 #include "include/platform/ServiceManager.h"
 #include "include/platform/Services.h"
+#include "include/platform/Shell.h"
 #include "include/platform/Xml.h"
 
 #include <cstdio>
@@ -43,15 +47,44 @@ const char* MakeDocument()
     return document ? "XML" : result == REGDB_E_CLASSNOTREG ? "no XML" : "XML fails";
 }
 
+const char* DrawText()
+{
+    CKXMemoryDC surface;
+    surface.Create(32, 32);
+    const HDC hDC = surface.GetHDC();
+    SetTextColor(hDC, RGB(255, 255, 255));
+    SetBkMode(hDC, TRANSPARENT);
+    TextOutA(hDC, 0, 0, "W", 1);
+    bool bSeen = false;
+    for (int n = 0; n < 32 * 32; ++n)
+        bSeen = bSeen || GetPixel(hDC, n % 32, n / 32) != 0;
+    SIZE size{};
+    GetTextExtentPoint32A(hDC, "W", 1, &size);
+    return size.cx <= 0 || size.cy <= 0 ? "letters of no size" : bSeen ? "letters" : "no letters";
+}
+
+// A folder has an icon of its own in every theme.
+const char* FindIcon()
+{
+    SHFILEINFOA info{};
+    SHGetFileInfoA("C:\\", 0, &info, sizeof info, SHGFI_SYSICONINDEX | SHGFI_TYPENAME);
+    SHGetFileInfoA("C:\\usr", 0, &info, sizeof info, SHGFI_SYSICONINDEX | SHGFI_TYPENAME);
+    return !info.szTypeName[0] ? "a shell without words" : info.iIcon ? "shell" : "no shell";
+}
+
 void UseAll()
 {
-    std::fprintf(stderr, "%s, %s, %s\n", Fetch(), OpenManager(), MakeDocument());
+    const bool bPictures = KXHost::SaveDesktop("/dev/null");
+    KXHost::UseDisplay(":nonsense", 0); // what is said of it tells
+    std::fprintf(stderr, "%s, %s, %s, %s, %s, %s\n", Fetch(), OpenManager(), MakeDocument(), DrawText(),
+                 FindIcon(), bPictures ? "pictures" : "no pictures");
 }
 
 } // namespace
 
 int main(int count, char**)
 {
+    KXHost::UseMemoryDesktop();
     std::vector<std::jthread> threads;
     for (int n = 0; count > 1 && n < 8; ++n)
         threads.emplace_back(UseAll);

@@ -1,0 +1,145 @@
+#include "platform/gdi/letters/FontFiles.h"
+#include "platform/gdi/text/Letters.h"
+#include "platform/module/Door.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <ft2build.h>
+#include <utility>
+#include FT_FREETYPE_H
+#include FT_SYNTHESIS_H
+
+namespace kx::gdi::letters {
+
+namespace {
+
+constexpr std::size_t kMaxSources = 16; // faces open for one font
+
+int Round26(FT_Pos value)
+{
+    return static_cast<int>((value + 32) >> 6);
+}
+
+// The weight for a coverage of 0 to 255.
+std::int16_t WeightOf(unsigned char coverage)
+{
+    return static_cast<std::int16_t>(coverage * (Glyph::WHOLE - 1) / 255);
+}
+
+class Face : public Letters
+{
+public:
+    Face(const FaceRequest& request, int nHeight) : m_request(request), m_height(nHeight), m_files(request)
+    {
+        AddSource(m_files.OpenBest());
+    }
+
+    bool IsThere() const noexcept { return !m_sources.empty(); }
+    FontMetrics Metrics() const noexcept override;
+    Glyph Draw(char32_t ch) override;
+
+private:
+    struct Source
+    {
+        FacePtr face;
+        bool embolden = false;
+        bool slant = false;
+    };
+
+    void SetSize(FT_Face face) const;
+    void AddSource(FacePtr face);
+    const Source& SourceOf(char32_t ch, unsigned& index);
+
+    const FaceRequest m_request;
+    const int m_height;
+    FontFiles m_files;
+    std::vector<Source> m_sources; // the best match first
+};
+
+// A height above 0 is that of the cell, from the highest to the lowest of the letters; below 0 that of the em
+// square.
+void Face::SetSize(FT_Face face) const
+{
+    FT_Size_RequestRec request{};
+    request.type = m_height > 0 ? FT_SIZE_REQUEST_TYPE_REAL_DIM : FT_SIZE_REQUEST_TYPE_NOMINAL;
+    request.height = static_cast<FT_Long>(std::abs(m_height)) * 64;
+    FT_Request_Size(face, &request);
+}
+
+void Face::AddSource(FacePtr face)
+{
+    if (!face) return;
+    SetSize(face.get());
+    const bool bBold = (face->style_flags & FT_STYLE_FLAG_BOLD) != 0;
+    const bool bItalic = (face->style_flags & FT_STYLE_FLAG_ITALIC) != 0;
+    m_sources.push_back({std::move(face), m_request.weight >= 600 && !bBold, m_request.italic && !bItalic});
+}
+
+FontMetrics Face::Metrics() const noexcept
+{
+    const FT_Size_Metrics& size = m_sources[0].face->size->metrics;
+    FontMetrics metrics;
+    metrics.ascent = static_cast<int>((size.ascender + 63) >> 6);
+    metrics.descent = static_cast<int>((-size.descender + 63) >> 6);
+    if (m_height > 0) metrics.descent = std::max(0, m_height - metrics.ascent); // the cell, to the pixel
+    return metrics;
+}
+
+// The first face that has the character; the best match, with its sign for a missing one, where none has.
+const Face::Source& Face::SourceOf(char32_t ch, unsigned& index)
+{
+    for (const Source& source : m_sources)
+        if ((index = FT_Get_Char_Index(source.face.get(), ch)) != 0) return source;
+    const std::size_t before = m_sources.size();
+    if (before < kMaxSources) AddSource(m_files.OpenFor(ch));
+    if (m_sources.size() > before && (index = FT_Get_Char_Index(m_sources.back().face.get(), ch)) != 0)
+        return m_sources.back();
+    return m_sources[0];
+}
+
+Glyph Face::Draw(char32_t ch)
+{
+    Glyph glyph;
+    unsigned index = 0;
+    const Source& source = SourceOf(ch, index);
+    const int flags = FT_LOAD_TARGET_LIGHT | FT_LOAD_NO_BITMAP;
+    if (ThrowIfNoMemory(FT_Load_Glyph(source.face.get(), index, flags))) return glyph;
+    const FT_GlyphSlot slot = source.face->glyph;
+    if (source.embolden) FT_GlyphSlot_Embolden(slot);
+    if (source.slant) FT_GlyphSlot_Oblique(slot);
+    glyph.advance = std::max(0, Round26(slot->advance.x));
+    if (ThrowIfNoMemory(FT_Render_Glyph(slot, FT_RENDER_MODE_NORMAL)) ||
+        slot->bitmap.pixel_mode != FT_PIXEL_MODE_GRAY)
+        return glyph;
+
+    const FT_Bitmap& bitmap = slot->bitmap;
+    glyph.left = slot->bitmap_left;
+    glyph.top = slot->bitmap_top;
+    glyph.width = static_cast<int>(bitmap.width);
+    glyph.rows = static_cast<int>(bitmap.rows);
+    glyph.stride = (glyph.width + Glyph::BLOCK - 1) / Glyph::BLOCK * Glyph::BLOCK;
+    glyph.weights.reserve(static_cast<std::size_t>(glyph.stride) * bitmap.rows * Glyph::CHANNELS);
+    for (unsigned y = 0; y < bitmap.rows; ++y) {
+        const unsigned char* row = bitmap.buffer + static_cast<std::ptrdiff_t>(y) * bitmap.pitch;
+        for (unsigned x = 0; x < bitmap.width; ++x) {
+            const std::int16_t weight = WeightOf(row[x]);
+            glyph.weights.insert(glyph.weights.end(), {weight, weight, weight, 0});
+        }
+        glyph.weights.resize(static_cast<std::size_t>(glyph.stride) * (y + 1) * Glyph::CHANNELS);
+    }
+    return glyph;
+}
+
+std::unique_ptr<Letters> Open(const FaceRequest& request, int nHeight)
+{
+    auto face = std::make_unique<Face>(request, nHeight);
+    return face->IsThere() ? std::move(face) : nullptr;
+}
+
+constexpr LetterFunctions kFunctions{Open};
+
+} // namespace
+
+} // namespace kx::gdi::letters
+
+KX_MODULE_ENTRY(letters, kx::gdi::letters::kFunctions)

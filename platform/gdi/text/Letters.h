@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace kx::gdi {
+
+// The properties by which a typeface is looked for.
+struct FaceRequest
+{
+    std::string family; // UTF-8; empty: the system's default
+    int weight = 400;
+    bool italic = false;
+
+    friend auto operator<=>(const FaceRequest&, const FaceRequest&) = default;
+};
+
+// One letter at one size: how far it moves on, and how much of each pixel it covers, placed from the pen's
+// position on the base line. The weights lie as they are blended: a pixel's coverage once for each of its
+// colours, and 0 for its high byte. Zeros fill each row up to whole blocks.
+struct Glyph
+{
+    static constexpr int BLOCK = 4;    // pixels
+    static constexpr int CHANNELS = 4; // weights of a pixel
+    static constexpr int WHOLE = 1 << 15;
+
+    int advance = 0;
+    int left = 0; // of the first column
+    int top = 0;  // of the first row, upwards
+    int width = 0;
+    int rows = 0;
+    int stride = 0;                    // from one row to the next, in pixels
+    std::vector<std::int16_t> weights; // as parts of WHOLE, which itself is written as one less
+};
+
+// In pixels, from the base line.
+struct FontMetrics
+{
+    int ascent = 0;
+    int descent = 0;
+    int Height() const noexcept { return ascent + descent; }
+};
+
+// A typeface at one size, which draws its letters. Characters that it lacks come from whatever face has them.
+// Used under the text lock; ended on any thread.
+class Letters
+{
+public:
+    virtual ~Letters() = default;
+    virtual FontMetrics Metrics() const noexcept = 0;
+    // Throws std::bad_alloc.
+    virtual Glyph Draw(char32_t ch) = 0;
+};
+
+// What the module for letters gives.
+struct LetterFunctions
+{
+    // The face that suits best at a height as LOGFONTA::lfHeight counts it, but not 0; null where the system
+    // has no face at all. Throws std::bad_alloc.
+    std::unique_ptr<Letters> (*open)(const FaceRequest& request, int nHeight);
+};
+
+} // namespace kx::gdi

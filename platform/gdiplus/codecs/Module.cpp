@@ -1,0 +1,15 @@
+#include "platform/gdiplus/codecs/Codecs.h"
+#include "platform/module/Door.h"
+
+namespace kx::gdiplus {
+
+namespace {
+
+constexpr Functions kFunctions{{ReadPngPixels}, ReadPng,  ReadJpeg,  ReadGif, ReadTiff,
+                               WriteJpeg,       WriteGif, WriteTiff, WritePng};
+
+} // namespace
+
+} // namespace kx::gdiplus
+
+KX_MODULE_ENTRY(pictures, kx::gdiplus::kFunctions)

@@ -1,0 +1,285 @@
+#include "platform/window/x11/X11Desktop.h"
+
+#include "platform/gdi/Rect.h"
+#include "platform/module/Door.h"
+#include "platform/screen/Screen.h"
+#include "platform/sync/AlternateStack.h"
+#include "platform/window/Chores.h"
+#include "platform/window/Window.h"
+#include "platform/window/WindowTable.h"
+#include "platform/window/x11/Events.h"
+#include "platform/window/x11/Properties.h"
+
+#include <algorithm>
+#include <csignal>
+#include <future>
+#include <initializer_list>
+#include <optional>
+#include <pthread.h>
+#include <string>
+#include <system_error>
+
+namespace kx::window {
+
+using x11::Access;
+
+namespace {
+
+constexpr std::uint32_t kPlain = 0xF0F0F0;
+
+std::atomic<int> g_forks{0};
+[[maybe_unused]] const int g_atFork = pthread_atfork(nullptr, nullptr, [] { ++g_forks; });
+
+// Keeps the process's signals, but for those of a thread's own faults, from a thread that is started within
+// the scope: their handlers run where the program expects them.
+class NoSignals
+{
+public:
+    NoSignals() noexcept
+    {
+        sigset_t set;
+        sigfillset(&set);
+        for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT})
+            sigdelset(&set, fault);
+        pthread_sigmask(SIG_BLOCK, &set, &m_old);
+    }
+    NoSignals(const NoSignals&) = delete;
+    NoSignals& operator=(const NoSignals&) = delete;
+    ~NoSignals() { pthread_sigmask(SIG_SETMASK, &m_old, nullptr); }
+
+private:
+    sigset_t m_old;
+};
+
+void Serve(const std::shared_ptr<x11::Session>& session)
+{
+    const sync::AlternateStack alternate;
+    x11::Events(session).Run();
+    if (session->leaving) return;
+    for (const HWND hWnd : Access(session)->own.Handles())
+        PostChore(hWnd, Chore::Destroy);
+}
+
+// The thread that serves the session's events. It ends with the connection; unless that was wanted, all
+// windows end then. Throws std::system_error.
+std::thread StartEvents(std::shared_ptr<x11::Session> session)
+{
+    const NoSignals blocked;
+    return std::thread(Serve, std::move(session));
+}
+
+// xcb waits for a server without end. It does so on a thread of its own, which is left to itself when it
+// takes too long and throws away what it then gets.
+std::shared_ptr<x11::Session> OpenSession(const char* pszDisplay, std::chrono::milliseconds limit)
+{
+    const std::optional name = pszDisplay ? std::optional<std::string>(pszDisplay) : std::nullopt;
+    std::packaged_task<std::shared_ptr<x11::Session>()> open([name, limit] {
+        const sync::AlternateStack stack;
+        auto connection = x11::Connection::Open(name ? name->c_str() : nullptr);
+        return connection ? std::make_shared<x11::Session>(std::move(connection), limit) : nullptr;
+    });
+    auto session = open.get_future();
+    {
+        const NoSignals blocked;
+        std::thread(std::move(open)).detach();
+    }
+    return session.wait_for(limit) == std::future_status::ready ? session.get() : nullptr;
+}
+
+std::unique_ptr<Desktop> OpenDesktop(const char* pszDisplay, std::chrono::milliseconds limit)
+try {
+    auto session = OpenSession(pszDisplay, limit);
+    return session ? std::make_unique<X11Desktop>(std::move(session)) : nullptr;
+} catch (const std::system_error&) {
+    return nullptr;
+}
+
+constexpr Functions kFunctions{OpenDesktop};
+
+} // namespace
+
+X11Desktop::X11Desktop(std::shared_ptr<x11::Session> session)
+    : m_process(g_forks), m_session(std::move(session)), m_events(StartEvents(m_session))
+{
+}
+
+X11Desktop::~X11Desktop()
+{
+    X11Desktop::Leave();
+}
+
+// The thread ends by itself once the connection does.
+void X11Desktop::Leave() noexcept
+{
+    if (m_process != g_forks) return;
+    std::shared_ptr<x11::Session> session;
+    std::thread events;
+    {
+        const sync::MutexLock lock(m_lock);
+        session.swap(m_session);
+        events.swap(m_events);
+    }
+    if (!session) return;
+    session->leaving = true;
+    session->connection->Shut();
+    events.join();
+}
+
+std::shared_ptr<x11::Session> X11Desktop::Session() const noexcept
+{
+    if (m_process != g_forks) return nullptr;
+    const sync::MutexLock lock(m_lock);
+    return m_session;
+}
+
+SIZE X11Desktop::Size() const noexcept
+{
+    const auto session = Session();
+    return session ? session->connection->GetView().reach : SIZE{};
+}
+
+SIZE X11Desktop::Monitor() const noexcept
+{
+    const auto session = Session();
+    return session ? session->connection->GetView().monitor : SIZE{};
+}
+
+bool X11Desktop::Create(HWND hWnd, const CREATESTRUCTA& create)
+{
+    const Access server(Session());
+    return server && server->own.Create(hWnd, create);
+}
+
+void X11Desktop::Show(HWND hWnd, bool bVisible)
+{
+    const Access server(Session());
+    if (!server) return;
+    server->own.Show(hWnd, bVisible);
+    if (!bVisible) server->pixels.EndFade(hWnd);
+}
+
+void X11Desktop::SetText(HWND hWnd, const char* pszText)
+{
+    if (const Access server(Session()); server) server->own.SetText(hWnd, pszText);
+}
+
+void X11Desktop::Place(Window& window, const RECT& rect)
+{
+    const Access server(Session());
+    window.SetRect(rect);
+    if (!server) return;
+    server->own.Place(window.Handle(), rect);
+    server->pixels.EndFade(window.Handle());
+}
+
+void X11Desktop::Stack(HWND hWnd, Order order)
+{
+    if (const Access server(Session()); server) server->own.Stack(hWnd, order);
+}
+
+void X11Desktop::Shape(HWND hWnd, const gdi::PixelRegion* region)
+{
+    const Access server(Session());
+    const xcb_window_t id = server ? server->own.NumberOf(hWnd) : 0;
+    if (id) x11::SetShape(server->connection, id, region);
+}
+
+// Without a compositor the window is blended here, over what the screen showed before it did.
+void X11Desktop::SetOpacity(HWND hWnd, BYTE opacity)
+{
+    const auto window = WindowTable::Instance().Find(hWnd);
+    const Access server(Session());
+    if (!server || !window) return;
+    if (server->connection.HasCompositor()) {
+        server->pixels.EndFade(hWnd);
+        return server->own.SetOpacity(hWnd, opacity);
+    }
+    const RECT rect = window->Rect();
+    if (server->pixels.Fade(*window, opacity))
+        server->Put(*window, {0, 0, rect.right - rect.left, rect.bottom - rect.top});
+}
+
+void X11Desktop::SetOwner(HWND hWnd, HWND hOwner)
+{
+    if (const Access server(Session()); server) server->own.SetOwner(hWnd, hOwner);
+}
+
+void X11Desktop::SetCursor(HWND hWnd, HCURSOR hCursor)
+{
+    if (const Access server(Session()); server) server->own.SetCursor(hWnd, hCursor);
+}
+
+void X11Desktop::SetCaret(HWND hWnd, POINT place)
+{
+    if (const Access server(Session()); server) server->own.SetCaret(hWnd, place);
+}
+
+void X11Desktop::SetIcon(HWND hWnd, const gdi::Surface* pixels)
+{
+    const Access server(Session());
+    const xcb_window_t id = server ? server->own.NumberOf(hWnd) : 0;
+    if (id) x11::SetIcon(server->connection, id, pixels);
+}
+
+void X11Desktop::Focus(HWND hWnd)
+{
+    if (const Access server(Session()); server) server->own.Focus(hWnd);
+}
+
+void X11Desktop::Destroy(HWND hWnd) noexcept
+{
+    const Access server(Session());
+    if (!server) return;
+    server->own.Destroy(hWnd);
+    server->pixels.EndFade(hWnd);
+}
+
+void X11Desktop::Present(const Window& window, const RECT& rect)
+try {
+    if (const Access server(Session()); server) server->Put(window, rect);
+} catch (const std::bad_alloc&) {
+    // The window keeps its pixels: the next that is drawn, or uncovered, shows them.
+}
+
+// A guest's root shows nothing of what a person sees: it counts as plain.
+std::optional<gdi::Surface> X11Desktop::Read(const RECT& rect) const
+{
+    const Access server(Session());
+    auto seen = server ? gdi::Surface::Make(rect.right - rect.left, rect.bottom - rect.top) : std::nullopt;
+    if (!seen) return std::nullopt;
+    if (!server->connection.IsGuest())
+        return server->pixels.Get(rect, *seen) ? std::move(seen) : std::nullopt;
+    for (int y = 0; y < seen->Height(); ++y)
+        std::fill_n(seen->Row(y), seen->Width(), kPlain);
+    return seen;
+}
+
+gdi::Surface& X11Desktop::Look(const RECT& rect, gdi::Surface& root, gdi::SharedSurface::Lock& lock)
+{
+    const RECT area = gdi::Cut(rect, {0, 0, root.Width(), root.Height()});
+    lock.unlock();
+    auto part = Read(area);
+    lock.lock();
+    if (!m_seen || m_seen->Width() != root.Width() || m_seen->Height() != root.Height())
+        m_seen = gdi::Surface::Make(root.Width(), root.Height());
+    if (!part || !m_seen) return root;
+    for (int y = 0; y < part->Height(); ++y)
+        std::copy_n(part->Row(y), part->Width(), m_seen->Row(area.top + y) + area.left);
+    return *m_seen;
+}
+
+std::vector<HWND> X11Desktop::ForeignWindows() const
+{
+    const Access server(Session());
+    return server ? server->foreign.List() : std::vector<HWND>();
+}
+
+std::optional<WindowFacts> X11Desktop::FindForeign(HWND hWnd) const noexcept
+{
+    const Access server(Session());
+    return server ? server->foreign.Find(hWnd) : std::nullopt;
+}
+
+} // namespace kx::window
+
+KX_MODULE_ENTRY(x11, kx::window::kFunctions)

@@ -1,0 +1,186 @@
+#include "platform/xml/libxml/NodeObject.h"
+
+#include <libxml/valid.h>
+#include <utility>
+
+namespace kx::xml {
+
+namespace {
+
+// Tells an object of this class from a client's own.
+constexpr GUID kOwnNode{0x9B1F6E04, 0x5C7A, 0x4B0D, {0x8E, 0x33, 0x61, 0xD2, 0x0F, 0xA4, 0x77, 0x5B}};
+
+NodeObject* ObjectOf(const xmlNode* node) noexcept
+{
+    return static_cast<NodeObject*>(node->_private);
+}
+
+// Calls it for every node in the branch, attributes too, that has an object.
+template <class Use>
+void ForEachObject(xmlNode* branch, Use use)
+{
+    for (xmlNode* node = branch; node; node = NextBelow(branch, node)) {
+        if (node->_private) use(*ObjectOf(node));
+        if (node->type != XML_ELEMENT_NODE) continue;
+        for (xmlAttr* attribute = node->properties; attribute; attribute = attribute->next)
+            if (attribute->_private) use(*static_cast<NodeObject*>(attribute->_private));
+    }
+}
+
+// libxml2's own copy loses what it had made when memory ends. The names' namespaces are still the old ones.
+NodePtr Copy(xmlNode* from, xmlDoc* doc)
+{
+    const auto expect = [](bool bMade) {
+        if (!bMade) throw std::bad_alloc();
+    };
+    NodePtr copy(xmlDocCopyNode(from, doc, 0));
+    expect(copy && (copy->name || !from->name) && (copy->content || !from->content));
+    if (from->type != XML_ELEMENT_NODE) return copy;
+    const auto namespaceOf = [&](xmlNs* ns) { // nothing declares "xml", which is each document's own
+        if (!ns || ViewOf(ns->prefix) != "xml") return ns;
+        xmlNs* const own = xmlSearchNs(doc, copy.get(), ns->prefix);
+        expect(own);
+        return own;
+    };
+    copy->ns = namespaceOf(from->ns);
+    for (const xmlNs* ns = from->nsDef; ns; ns = ns->next)
+        expect(xmlNewNs(copy.get(), ns->href, ns->prefix));
+    for (const xmlAttr* old = from->properties; old; old = old->next) {
+        xmlAttr* const attribute = xmlNewNsProp(copy.get(), namespaceOf(old->ns), old->name, nullptr);
+        const std::string value(old->children ? ViewOf(old->children->content) : "");
+        expect(attribute && attribute->name && SetValue(attribute, value) == S_OK);
+        if (xmlIsID(doc, copy.get(), attribute) == 1) attribute->atype = XML_ATTRIBUTE_ID;
+    }
+    for (xmlNode* child = from->children; child; child = child->next) {
+        if (child->type == XML_ENTITY_REF_NODE) continue; // means nothing in another document
+        xmlNode* const below = Copy(child, doc).release();
+        below->parent = copy.get();
+        below->prev = copy->last;
+        (copy->last ? copy->last->next : copy->children) = below;
+        copy->last = below;
+    }
+    return copy;
+}
+
+} // namespace
+
+Ref<NodeObject> NodeObject::Of(Tree& tree, xmlNode* node)
+{
+    if (!node || node->type == XML_DOCUMENT_NODE) return Ref<NodeObject>::Adopt(new NodeObject(tree, node));
+    if (node->_private) return Ref(ObjectOf(node));
+    auto object = Ref<NodeObject>::Adopt(new NodeObject(tree, node));
+    node->_private = object.Get();
+    const xmlNode* const parent = node->parent; // most are found from another one's object, in the document
+    if (parent && parent->_private && parent->parent && !ObjectOf(parent)->m_anchor) return object;
+    xmlNode* const top = TopOf(node);
+    if (top != node && top->type != XML_DOCUMENT_NODE) object->m_anchor = Of(tree, top);
+    return object;
+}
+
+Ref<NodeObject> NodeObject::From(IXMLDOMNode* pNode)
+{
+    void* pOwn = nullptr;
+    if (!pNode || FAILED(pNode->QueryInterface(kOwnNode, &pOwn))) return {};
+    return Ref<NodeObject>::Adopt(static_cast<NodeObject*>(static_cast<IXMLDOMElement*>(pOwn)));
+}
+
+NodeObject::~NodeObject()
+{
+    if (!m_node || m_node->type == XML_DOCUMENT_NODE) return;
+    m_node->_private = nullptr;
+    if (m_node->parent) return;
+    m_tree->Children().Forget(m_node);
+    xmlFreeNode(m_node);
+}
+
+// libxml2's own move (xmlDOMWrapAdoptNode) leaves a half of it in each document when memory ends.
+NodePtr NodeObject::CopyTo(Tree& tree)
+{
+    const Complaints complaints;
+    xmlNode* const old = m_node;
+    NodePtr copied = Copy(old, tree.Doc());
+    complaints.ThrowIfNoMemory();
+    const auto follow = [](xmlNode* from, xmlNode* to) {
+        if (from->_private) ObjectOf(from)->m_node = to;
+        if (to) to->_private = from->_private;
+        from->_private = nullptr;
+    };
+    xmlNode* const top = copied.release();
+    for (xmlNode *from = old, *to = top; from; from = NextBelow(old, from)) {
+        const bool bDropped = from->type == XML_ENTITY_REF_NODE;
+        follow(from, bDropped ? nullptr : to);
+        xmlNode* const next = bDropped ? to : NextBelow(top, to);
+        const xmlNode* const copy = std::exchange(to, next);
+        if (from->type != XML_ELEMENT_NODE) continue;
+        for (xmlAttr *a = from->properties, *b = copy->properties; a; a = a->next, b = b->next)
+            follow(reinterpret_cast<xmlNode*>(a), reinterpret_cast<xmlNode*>(b));
+    }
+    xmlUnlinkNode(old);
+    m_tree->Children().Forget(old);
+    return NodePtr(old);
+}
+
+void NodeObject::Settle(Tree& tree, xmlNode* branch, Declarations needed) noexcept
+{
+    AddDeclarations(branch, std::move(needed));
+    xmlNode* const top = TopOf(branch);
+    const auto anchor = top->type == XML_DOCUMENT_NODE ? Ref<NodeObject>() : Ref(ObjectOf(top));
+    ForEachObject(branch, [&](NodeObject& object) {
+        if (object.m_tree.Get() != &tree) object.m_tree = Ref(&tree);
+        if (anchor || object.m_anchor) object.m_anchor = object.m_node == top ? Ref<NodeObject>() : anchor;
+    });
+}
+
+Ref<NodeObject> NodeObject::HolderOf(Tree& tree, xmlNode* branch)
+{
+    bool bNeeded = false;
+    ForEachObject(branch, [&](const NodeObject&) { bNeeded = true; });
+    return bNeeded ? Of(tree, branch) : Ref<NodeObject>();
+}
+
+void NodeObject::LetGo(Tree& tree, xmlNode* branch, Declarations needed) noexcept
+{
+    xmlUnlinkNode(branch);
+    if (branch->_private) return Settle(tree, branch, std::move(needed));
+    tree.Children().Forget(branch);
+    xmlFreeNode(branch);
+}
+
+HRESULT NodeObject::QueryInterface(const GUID& iid, void** ppObject)
+{
+    const GUID& own = IsElement() ? IID_IXMLDOMElement : kOwnNode;
+    return Query(iid, ppObject, {&own, &kOwnNode, &IID_IXMLDOMNode, &IID_IUnknown});
+}
+
+HRESULT NodeObject::getAttribute(BSTR bstrName, VARIANT* pValue)
+{
+    return Guarded([&]() -> HRESULT {
+        if (!pValue) return E_POINTER;
+        VariantInit(pValue);
+        if (!IsElement()) return E_FAIL;
+        const auto value = GetAttribute(m_node, ToUtf8(bstrName));
+        pValue->vt = VT_NULL;
+        if (!value) return S_FALSE;
+        const BSTR bstr = ToBstr(*value);
+        if (!bstr) return E_OUTOFMEMORY;
+        pValue->vt = VT_BSTR;
+        pValue->bstrVal = bstr;
+        return S_OK;
+    });
+}
+
+HRESULT NodeObject::setAttribute(BSTR bstrName, VARIANT value)
+{
+    return Guarded([&]() -> HRESULT {
+        if (!IsElement()) return E_FAIL;
+        const Complaints quiet;
+        VARIANT text{};
+        const HRESULT hr = VariantChangeType(&text, &value, 0, VT_BSTR);
+        if (FAILED(hr)) return hr;
+        const HRESULT hrSet = SetAttribute(m_node, ToUtf8(bstrName), ToXmlText(text.bstrVal));
+        VariantClear(&text);
+        return hrSet;
+    });
+}
+
+} // namespace kx::xml

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "platform/xml/libxml/NodeMethods.h"
+
+#include <optional>
+
+namespace kx::xml {
+
+// A node's object, found by the node's `_private` for as long as it lives.
+//
+// A node that hangs in the document lives as long as its tree. A branch that doesn't lives as long as one of
+// its nodes has an object: its top then has one too, which the others in the branch hold a reference on
+// (their anchor), and whose end frees the branch.
+class NodeObject final : public NodeMethods<IXMLDOMElement, NodeObject>
+{
+public:
+    // The node's object, made unless it has one. Of no node (one that can't be kept) all operations fail.
+    static Ref<NodeObject> Of(Tree& tree, xmlNode* node);
+    // The object behind an interface pointer; null for null and for a client's own implementation.
+    static Ref<NodeObject> From(IXMLDOMNode* pNode);
+
+    Tree& GetTree() const noexcept { return *m_tree; }
+    xmlNode* Node() const noexcept { return m_node; }
+    Place Where() const noexcept { return {m_tree.Get(), m_node}; }
+    bool IsElement() const noexcept { return m_node && m_node->type == XML_ELEMENT_NODE; }
+
+    // Makes a copy of this node in a tree the node of this object; what lies below moves along with all
+    // objects. Throws std::bad_alloc, with nothing changed. Gives the old nodes, whose declarations the
+    // copy uses until Settle has found others.
+    [[nodiscard]] NodePtr CopyTo(Tree& tree);
+    // To be called for a branch after it was moved to a tree and place, with the declarations that it needs
+    // there: its objects move along. Its top is the document or has an object.
+    static void Settle(Tree& tree, xmlNode* branch, Declarations needed) noexcept;
+    // What is needed to let go of a branch, made while nothing has changed yet: its object, if one of its
+    // nodes has one.
+    static Ref<NodeObject> HolderOf(Tree& tree, xmlNode* branch);
+    // Takes a branch out of its place, and frees it or leaves it to its holder.
+    static void LetGo(Tree& tree, xmlNode* branch, Declarations needed) noexcept;
+
+    HRESULT QueryInterface(const GUID& iid, void** ppObject) override;
+    HRESULT getAttribute(BSTR bstrName, VARIANT* pValue) override;
+    HRESULT setAttribute(BSTR bstrName, VARIANT value) override;
+
+private:
+    NodeObject(Tree& tree, xmlNode* node) noexcept : m_tree(&tree), m_node(node) {}
+    ~NodeObject() override;
+
+    Ref<Tree> m_tree;
+    xmlNode* m_node;
+    Ref<NodeObject> m_anchor;
+};
+
+// An element's attributes by their names as they stand, namespace declarations among them.
+std::optional<std::string> GetAttribute(const xmlNode* element, const std::string& name);
+
+// As IXMLDOMElement::setAttribute.
+HRESULT SetAttribute(xmlNode* element, const std::string& name, const std::string& value);
+// Overwrites an attribute's value.
+HRESULT SetValue(xmlAttr* attribute, const std::string& value);
+
+// Puts an element in the place of the document's, as IXMLDOMDocument::putref_documentElement.
+HRESULT SetRoot(Place document, NodeObject& element);
+
+} // namespace kx::xml

@@ -1,0 +1,126 @@
+#include "platform/xml/libxml/Tree.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <libxml/valid.h>
+
+namespace kx::xml {
+
+bool IsNamed(const xmlNode* node, std::string_view name) noexcept
+{
+    if (node->type != XML_ELEMENT_NODE || node->ns) return false;
+    const auto* const own = reinterpret_cast<const char*>(node->name);
+    return own[0] == name.data()[0] && std::strncmp(own, name.data(), name.size()) == 0 &&
+           own[name.size()] == '\0';
+}
+
+xmlNode* ChildIndex::Find(const xmlNode* parent, std::string_view name)
+{
+    constexpr int kFew = 64; // nodes that are looked through faster than an index is made
+    const auto search = [&](int nMost) {
+        xmlNode* node = parent->children;
+        for (int n = 0; node && n < nMost && !IsNamed(node, name); ++n)
+            node = node->next;
+        return node;
+    };
+    xmlNode* const early = search(kFew);
+    if (!early || IsNamed(early, name)) return early;
+    auto index = m_parents.find(parent);
+    if (index == m_parents.end()) {
+        Names names;
+        for (xmlNode* node = parent->children; node; node = node->next)
+            Add(names, node);
+        index = m_parents.emplace(parent, std::move(names)).first;
+    }
+    const auto found = index->second.find(name);
+    if (found == index->second.end()) return nullptr;
+    xmlNode*& first = found->second.first;
+    if (!first || !IsNamed(first, name)) first = search(INT_MAX);
+    return first;
+}
+
+void ChildIndex::Add(Names& names, xmlNode* child)
+{
+    if (child->type != XML_ELEMENT_NODE || child->ns) return;
+    Named& named = names[ViewOf(child->name)];
+    if (named.nCount++ == 0) named.first = child;
+}
+
+void ChildIndex::Added(xmlNode* child) noexcept
+{
+    const auto index = m_parents.find(child->parent);
+    if (index == m_parents.end()) return;
+    try {
+        Add(index->second, child);
+    } catch (const std::bad_alloc&) {
+        m_parents.erase(index);
+    }
+}
+
+void ChildIndex::Removed(const xmlNode* child) noexcept
+{
+    const auto index = m_parents.find(child->parent);
+    if (index == m_parents.end() || child->type != XML_ELEMENT_NODE || child->ns) return;
+    const auto found = index->second.find(ViewOf(child->name));
+    if (found == index->second.end()) return;
+    if (found->second.first == child) found->second.first = nullptr;
+    if (--found->second.nCount <= 0) index->second.erase(found);
+}
+
+void ChildIndex::Forget(xmlNode* branch) noexcept
+{
+    if (!m_parents.empty()) ForEachElement(branch, [&](xmlNode* element) { m_parents.erase(element); });
+}
+
+Ref<Tree> Tree::Make(DocPtr doc, std::string subset)
+{
+    if (!doc) {
+        StartLibxml();
+        const Complaints quiet;
+        doc.reset(xmlNewDoc(ToXml("1.0")));
+        if (doc) doc->dict = xmlDictCreate(); // names repeated then cost nothing
+        if (!doc || !doc->dict) throw std::bad_alloc();
+    }
+    return Ref<Tree>::Adopt(new Tree(std::move(doc), std::move(subset)));
+}
+
+void ForgetIds(xmlDoc* doc) noexcept
+{
+    xmlFreeIDTable(static_cast<xmlIDTable*>(std::exchange(doc->ids, nullptr)));
+    xmlFreeRefTable(static_cast<xmlRefTable*>(std::exchange(doc->refs, nullptr)));
+}
+
+Shape Shape::Of(const xmlNs* declared) noexcept
+{
+    Shape shape;
+    for (; declared; declared = declared->next)
+        ++shape.nNamespaces;
+    return shape;
+}
+
+Shape Shape::Below(xmlNode* branch) noexcept
+{
+    Shape most;
+    if (branch->type != XML_ELEMENT_NODE) return most;
+    for (xmlNode* child = branch->children; child; child = child->next) { // as deep as documents may be
+        const Shape below = Below(child);
+        most = {std::max(most.nElements, below.nElements), std::max(most.nNamespaces, below.nNamespaces)};
+    }
+    return most + Shape{1, 0} + Of(branch->nsDef);
+}
+
+Shape Shape::Above(const xmlNode* node) noexcept
+{
+    Shape all;
+    for (; node && node->type == XML_ELEMENT_NODE; node = node->parent)
+        all = all + Shape{1, 0} + Of(node->nsDef);
+    return all;
+}
+
+bool Shape::Fits() const noexcept
+{
+    return nElements <= XML_MAX_DEPTH && nNamespaces <= XML_MAX_NAMESPACES;
+}
+
+} // namespace kx::xml

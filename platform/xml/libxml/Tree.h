@@ -1,0 +1,190 @@
+#pragma once
+
+#include "include/platform/Xml.h"
+#include "platform/Handles.h"
+#include "platform/xml/libxml/Libxml.h"
+
+#include <libxml/xpath.h>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+namespace kx::xml {
+
+// Holds one reference on an object with AddRef and Release.
+template <class T>
+class Ref
+{
+public:
+    Ref() = default;
+    explicit Ref(T* object) noexcept : m_object(object)
+    {
+        if (m_object) m_object->AddRef();
+    }
+    // Takes over the caller's reference.
+    static Ref Adopt(T* object) noexcept
+    {
+        Ref ref;
+        ref.m_object = object;
+        return ref;
+    }
+    Ref(const Ref& other) noexcept : Ref(other.m_object) {}
+    Ref(Ref&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
+    Ref& operator=(Ref other) noexcept
+    {
+        std::swap(m_object, other.m_object);
+        return *this;
+    }
+    ~Ref()
+    {
+        if (m_object) m_object->Release();
+    }
+
+    T* Get() const noexcept { return m_object; }
+    T* operator->() const noexcept { return m_object; }
+    T& operator*() const noexcept { return *m_object; }
+    explicit operator bool() const noexcept { return m_object; }
+    // Gives the reference to the caller.
+    T* Detach() noexcept { return std::exchange(m_object, nullptr); }
+
+private:
+    T* m_object = nullptr;
+};
+
+// Finds a node's children by names without a prefix. The children of a parent with many are indexed: all of
+// them, read in any order, take time in proportion to their number.
+class ChildIndex
+{
+public:
+    // The first such child; null without one.
+    xmlNode* Find(const xmlNode* parent, std::string_view name);
+    // To be called when an element has become the last child of its parent.
+    void Added(xmlNode* child) noexcept;
+    // To be called before a node leaves its parent.
+    void Removed(const xmlNode* child) noexcept;
+    // To be called before a branch is freed, or all that is in it leaves.
+    void Forget(xmlNode* branch) noexcept;
+
+private:
+    struct Named
+    {
+        xmlNode* first; // null where that one has left, and others are there
+        int nCount;
+    };
+    using Names = std::unordered_map<std::string_view, Named>;
+
+    static void Add(Names& names, xmlNode* child);
+
+    std::unordered_map<const xmlNode*, Names> m_parents;
+};
+
+// One libxml2 document with all nodes that were made in it, whether they hang in it or not. Counted by the
+// document object and by each node's.
+class Tree
+{
+public:
+    // With the caller's reference. The document may be null: a new, empty one. `subset` is what stood behind
+    // the names in its document type declaration, up to the ">" and with it.
+    static Ref<Tree> Make(DocPtr doc = nullptr, std::string subset = {});
+    Tree(const Tree&) = delete;
+    Tree& operator=(const Tree&) = delete;
+
+    void AddRef() noexcept { ++m_nRefs; }
+    void Release() noexcept
+    {
+        if (--m_nRefs == 0) delete this;
+    }
+
+    xmlDoc* Doc() const noexcept { return m_doc.get(); }
+    xmlNode* DocNode() const noexcept { return reinterpret_cast<xmlNode*>(m_doc.get()); }
+    xmlNode* Root() const noexcept { return xmlDocGetRootElement(m_doc.get()); }
+    const std::string& Subset() const noexcept { return m_subset; }
+    ChildIndex& Children() noexcept { return m_children; }
+    // Whether so many more distinct names would still be loaded again.
+    bool HasRoomForNames(int nMore) const noexcept
+    {
+        return xmlDictSize(m_doc->dict) + nMore <= XML_MAX_NAMES;
+    }
+    // For expressions, kept for the next one.
+    auto& XPath() noexcept { return m_xpath; }
+
+private:
+    Tree(DocPtr doc, std::string subset) noexcept : m_doc(std::move(doc)), m_subset(std::move(subset)) {}
+    ~Tree() = default;
+
+    unsigned m_nRefs = 1;
+    ChildIndex m_children;
+    const LiveHandle m_live;
+    DocPtr m_doc;
+    std::string m_subset;
+    std::unique_ptr<xmlXPathContext, FreeBy<xmlXPathFreeContext>> m_xpath;
+};
+
+// The next node in document order of those below `top`, whose attributes are not among them; null behind the
+// last one.
+inline xmlNode* NextBelow(const xmlNode* top, xmlNode* node) noexcept
+{
+    if (node->children && (node->type == XML_ELEMENT_NODE || node->type == XML_DOCUMENT_NODE))
+        return node->children;
+    while (node != top && !node->next)
+        node = node->parent;
+    return node == top ? nullptr : node->next;
+}
+// The document, or what a branch that hangs in none hangs by.
+inline xmlNode* TopOf(xmlNode* node) noexcept
+{
+    while (node->parent)
+        node = node->parent;
+    return node;
+}
+template <class Use>
+void ForEachElement(xmlNode* branch, Use use)
+{
+    for (xmlNode* node = branch; node; node = NextBelow(branch, node))
+        if (node->type == XML_ELEMENT_NODE) use(node);
+}
+
+// Whether it may be the name, with or without a prefix, of an element or attribute.
+bool IsName(const std::string& name) noexcept;
+// Whether a node is an element of this name, which has no prefix.
+bool IsNamed(const xmlNode* node, std::string_view name) noexcept;
+// A node's name as it stands, or what stands for it.
+std::string NameOf(const xmlNode* node);
+
+// An element's own declaration of a prefix, which may be empty; null without one.
+xmlNs* FindDeclaration(const xmlNode* element, std::string_view prefix) noexcept;
+
+// Declarations that no element has yet.
+using Declarations = std::unique_ptr<xmlNs, FreeBy<xmlFreeNsList>>;
+// The declarations that a branch uses, and that are neither in it nor around `place`, where it is to hang
+// (null for nowhere). Throws std::bad_alloc.
+Declarations NeededAt(xmlNode* branch, const xmlNode* place);
+// Puts declarations on a branch's top, and gives all its elements and attributes with a prefix the namespace
+// that it stands for where they are now.
+void AddDeclarations(xmlNode* branch, Declarations added) noexcept;
+
+// Attributes can then come and go without leaving themselves behind in tables.
+void ForgetIds(xmlDoc* doc) noexcept;
+
+// How much lies within each other along the longest way down: elements, and declarations of namespaces. What
+// exceeds the limits of one document could be written but not be loaded again.
+struct Shape
+{
+    int nElements = 0;
+    int nNamespaces = 0;
+
+    static Shape Of(const xmlNs* declared) noexcept;
+    // From a branch's top down to its leaves, each at its most.
+    static Shape Below(xmlNode* branch) noexcept;
+    // From the document down to this node, which may be null.
+    static Shape Above(const xmlNode* node) noexcept;
+
+    bool Fits() const noexcept;
+    friend Shape operator+(const Shape& a, const Shape& b) noexcept
+    {
+        return {a.nElements + b.nElements, a.nNamespaces + b.nNamespaces};
+    }
+};
+
+} // namespace kx::xml

@@ -1,0 +1,213 @@
+#include "platform/xml/libxml/NodeMethods.h"
+
+#include "include/platform/Unknown.h"
+#include "platform/text/CharWalk.h"
+
+#include <algorithm>
+#include <libxml/xpathInternals.h>
+#include <sys/mman.h>
+#include <unordered_set>
+#include <utility>
+
+namespace kx::xml {
+
+namespace {
+
+// libxml2 nests to a depth of 5,000; the rest is for the caller's stack.
+constexpr int kDepthTaken = 4'000;
+
+constexpr int kValues = 10; // the first size of libxml2's stack, which grows
+
+// What must be there before an evaluation begins, for libxml2 doesn't survive a lack of memory within one: it
+// runs into null pointers. Enough for node sets of some hundred thousands.
+constexpr std::size_t kMemoryNeeded = 16 << 20;
+
+using Parser = std::unique_ptr<xmlXPathParserContext, FreeBy<xmlXPathFreeParserContext>>;
+using Result = std::unique_ptr<xmlXPathObject, FreeBy<xmlXPathFreeObject>>;
+
+// The tree's context made ready for one evaluation.
+class Evaluation
+{
+public:
+    Evaluation(xmlXPathContext* context, xmlNode* from) : m_context(context), m_from(from)
+    {
+        m_context->userData = this;
+        Replace("id", OnId);
+        Replace("namespace-uri", OnNamespaceUri);
+        if (from->type == XML_ELEMENT_NODE) m_context->namespaces = xmlGetNsList(from->doc, from);
+        while (m_context->namespaces && m_context->namespaces[m_context->nsNr])
+            ++m_context->nsNr;
+    }
+    Evaluation(const Evaluation&) = delete;
+    Evaluation& operator=(const Evaluation&) = delete;
+    ~Evaluation()
+    {
+        xmlFree(std::exchange(m_context->namespaces, nullptr));
+        m_context->nsNr = 0;
+        xmlXPathRegisteredNsCleanup(m_context);
+        xmlResetError(&m_context->lastError);
+        ForgetIds(m_context->doc);
+    }
+
+    // Null for a failure, which `Error` then tells.
+    Result Run(const std::string& expression)
+    {
+        xmlResetError(&m_context->lastError);
+        m_context->node = m_from;
+        m_context->depth = kDepthTaken;
+        const Parser parser(xmlXPathNewParserContext(ToXml(expression.c_str()), m_context));
+        if (!parser) throw std::bad_alloc();
+        // Without a stack there and memory for one, libxml2 frees the parser, and so would its owner here.
+        parser->valueTab = static_cast<xmlXPathObject**>(xmlMalloc(kValues * sizeof(xmlXPathObject*)));
+        if (!parser->valueTab) throw std::bad_alloc();
+        parser->valueMax = kValues;
+        xmlXPathEvalExpr(parser.get());
+        m_error = static_cast<xmlXPathError>(parser->error);
+        return Result(m_error == XPATH_EXPRESSION_OK ? valuePop(parser.get()) : nullptr);
+    }
+    xmlXPathError Error() const noexcept { return m_error; }
+
+    // Each prefix that means nothing here as what it is first declared as in the document.
+    void TakePrefixesFromAnywhere()
+    {
+        ForEachElement(TopOf(m_from), [&](const xmlNode* element) {
+            for (const xmlNs* ns = element->nsDef; ns; ns = ns->next)
+                if (ns->prefix && !xmlXPathNsLookup(m_context, ns->prefix))
+                    xmlXPathRegisterNs(m_context, ns->prefix, ns->href);
+        });
+    }
+
+private:
+    void Replace(const char* pszName, xmlXPathFunction function)
+    {
+        if (xmlXPathFunctionLookup(m_context, ToXml(pszName)) == function) return;
+        xmlXPathRegisterFunc(m_context, ToXml(pszName), nullptr); // it doesn't overwrite
+        if (xmlXPathRegisterFunc(m_context, ToXml(pszName), function) != 0) throw std::bad_alloc();
+    }
+    static void OnId(xmlXPathParserContext* parser, int nArguments);
+    static void OnNamespaceUri(xmlXPathParserContext* parser, int nArguments);
+
+    xmlXPathContext* const m_context;
+    xmlNode* const m_from;
+    bool m_bIds = false; // whether the document's table of identities is there
+    xmlXPathError m_error = XPATH_EXPRESSION_OK;
+};
+
+// libxml2's own asks a table of attributes, which is made for it while it is asked: else it would hold those
+// that are gone or have another value.
+void Evaluation::OnId(xmlXPathParserContext* parser, int nArguments)
+{
+    auto& self = *static_cast<Evaluation*>(parser->context->userData);
+    xmlDoc* const doc = parser->context->doc;
+    if (!std::exchange(self.m_bIds, true)) {
+        doc->ids = xmlHashCreate(0);
+        ForEachElement(TopOf(self.m_from), [&](const xmlNode* element) {
+            for (xmlAttr* attribute = element->properties; attribute; attribute = attribute->next)
+                if (attribute->atype == XML_ATTRIBUTE_ID && attribute->children)
+                    xmlAddID(nullptr, doc, attribute->children->content, attribute);
+        });
+    }
+    if (const Result argument(nArguments == 1 ? valuePop(parser) : nullptr); argument) {
+        xmlBuffer* const all = xmlBufferCreate();
+        const auto add = [&](xmlChar* part) {
+            xmlBufferCat(all, part);
+            xmlBufferCCat(all, " ");
+            xmlFree(part);
+        };
+        const xmlNodeSet* const nodes = argument->type == XPATH_NODESET ? argument->nodesetval : nullptr;
+        for (int n = 0; nodes && n < nodes->nodeNr; ++n)
+            add(xmlXPathCastNodeToString(nodes->nodeTab[n]));
+        if (argument->type != XPATH_NODESET) add(xmlXPathCastToString(argument.get()));
+        const std::string_view ids = text::Trim(ViewOf(xmlBufferContent(all))); // which libxml2 doesn't
+        valuePush(parser, xmlXPathNewString(ToXml(ids.data())));
+        xmlBufferFree(all);
+    }
+    xmlXPathIdFunction(parser, nArguments);
+}
+
+// An element without a prefix is in no namespace for its name's sake, but it is in the default one.
+void Evaluation::OnNamespaceUri(xmlXPathParserContext* parser, int nArguments)
+{
+    const xmlXPathObject* const value = nArguments == 1 ? parser->value : nullptr;
+    xmlNode* node = nArguments == 0 ? parser->context->node : nullptr;
+    if (value && value->type == XPATH_NODESET && !xmlXPathNodeSetIsEmpty(value->nodesetval))
+        node = value->nodesetval->nodeTab[0];
+    const bool bPlain = node && node->type == XML_ELEMENT_NODE && !node->ns && !xmlStrchr(node->name, ':');
+    const xmlNs* const ns = bPlain ? xmlSearchNs(node->doc, node, nullptr) : nullptr;
+    if (!ns) return xmlXPathNamespaceURIFunction(parser, nArguments);
+    if (nArguments == 1) xmlXPathFreeObject(valuePop(parser));
+    valuePush(parser, xmlXPathNewString(ns->href));
+}
+
+HRESULT Evaluate(Tree& tree, xmlNode* from, const std::string& expression, std::vector<xmlNode*>& found)
+{
+    void* const room =
+        mmap(nullptr, kMemoryNeeded, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (room == MAP_FAILED) throw std::bad_alloc();
+    munmap(room, kMemoryNeeded);
+    const Complaints complaints;
+    if (!tree.XPath()) tree.XPath().reset(xmlXPathNewContext(tree.Doc()));
+    if (!tree.XPath()) throw std::bad_alloc();
+    Evaluation evaluation(tree.XPath().get(), from);
+    Result result = evaluation.Run(expression);
+    if (evaluation.Error() == XPATH_UNDEF_PREFIX_ERROR) {
+        evaluation.TakePrefixesFromAnywhere();
+        result = evaluation.Run(expression);
+    }
+    complaints.ThrowIfNoMemory();
+    if (evaluation.Error() == XPATH_MEMORY_ERROR) throw std::bad_alloc();
+    const xmlXPathError error = evaluation.Error(); // no expression, names that nothing declares, or another
+    const bool bMalformed = (error >= XPATH_NUMBER_ERROR && error <= XPATH_UNKNOWN_FUNC_ERROR) ||
+                            error == XPATH_UNDEF_PREFIX_ERROR || error == XPATH_INVALID_CHAR_ERROR;
+    if (!result) return bMalformed ? E_INVALIDARG : E_FAIL;
+    if (result->type != XPATH_NODESET) return E_FAIL;
+    if (xmlXPathNodeSetIsEmpty(result->nodesetval)) return S_FALSE;
+    for (int i = 0; i < result->nodesetval->nodeNr; ++i) {
+        xmlNode* const node = result->nodesetval->nodeTab[i];
+        found.push_back(node->type == XML_NAMESPACE_DECL ? nullptr : node);
+    }
+    return S_OK;
+}
+
+// Puts the parents, each once, in the place of nodes that are in document order. False unless all of these
+// are on one level: else their parents may be in another order.
+bool ToParents(std::vector<xmlNode*>& nodes)
+{
+    std::unordered_set<const xmlNode*> seen;
+    std::vector<xmlNode*> parents;
+    int nDepth = -1;
+    for (const xmlNode* node : nodes) {
+        if (!node || !node->parent) return false;
+        int nOwn = 0;
+        for (const xmlNode* above = node->parent; above; above = above->parent)
+            ++nOwn;
+        if (nDepth >= 0 && nOwn != nDepth) return false;
+        nDepth = nOwn;
+        if (seen.insert(node->parent).second) parents.push_back(node->parent);
+    }
+    nodes = std::move(parents);
+    return true;
+}
+
+} // namespace
+
+HRESULT EvaluateXPath(Tree& tree, xmlNode* from, const std::string& expression, std::vector<xmlNode*>& found)
+{
+    // libxml2 compares each parent with all that it has found. What stands before a last ".." is a path of
+    // its own in one path of steps by name.
+    constexpr std::string_view kUp = "/..";
+    constexpr const char* kOfOthers = "[]()|'\"$=<>!+, \t\r\n";
+    const std::string head =
+        expression.substr(0, expression.size() - std::min(expression.size(), kUp.size()));
+    const bool bPath = head.find_first_of(kOfOthers) == head.npos && !head.empty() && !head.ends_with('/');
+    if (expression.ends_with(kUp) && bPath) {
+        std::vector<xmlNode*> nodes;
+        if (EvaluateXPath(tree, from, head, nodes) == S_OK && ToParents(nodes)) {
+            found = std::move(nodes);
+            return S_OK;
+        }
+    }
+    return Evaluate(tree, from, expression, found);
+}
+
+} // namespace kx::xml
