@@ -32,14 +32,14 @@ function(kx_package component package section multiarch description)
     install(FILES LICENSE DESTINATION "share/doc/${package}" COMPONENT ${component} RENAME copyright)
 endfunction()
 set(KX_PACKAGE_WORDS_Http "downloads
-The module of libkxcommonclass${PROJECT_VERSION_MAJOR} for downloads and statistics, which it loads at their
-first use.")
+Downloads and statistics, for libkxcommonclass${PROJECT_VERSION_MAJOR}, which loads this
+module at their first use.")
 set(KX_PACKAGE_WORDS_Services "services
-The module of libkxcommonclass${PROJECT_VERSION_MAJOR} for controlling services, which it loads at their first
-use.")
+The control of services, for libkxcommonclass${PROJECT_VERSION_MAJOR}, which loads this
+module at its first use.")
 set(KX_PACKAGE_WORDS_X11 "windows
-The module of libkxcommonclass${PROJECT_VERSION_MAJOR} for windows on an X server, which it loads with the
-first of them. Without it windows appear on a desktop in memory.")
+Windows on an X server, for libkxcommonclass${PROJECT_VERSION_MAJOR}, which loads this
+module with the first of them. Without it they appear on a desktop in memory.")
 kx_package(Runtime libkxcommonclass${PROJECT_VERSION_MAJOR} libs same "common classes for desktop clients
 Skins, languages, drawing, log, downloads, statistics, crash reports, INI and
 XML values, files and services for the desktop clients of an English-learning
