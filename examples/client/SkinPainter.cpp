@@ -133,7 +133,9 @@ void client::SkinPainter::PushButton(const CRect& rc, const CString& str, State 
 {
     m_buttons.m_bmpPushButton.TransparentDrawFill(&m_dc, rc, m_buttons.m_clrMask, state);
     const int nSunk = state == Pressed ? 1 : 0;
-    Text(CRect(rc.left + nSunk, rc.top + nSunk, rc.right + nSunk, rc.bottom + nSunk), str, state, DT_CENTER);
+    CRect rcText(rc.left + nSunk, rc.top + nSunk, rc.right + nSunk, rc.bottom + nSunk);
+    m_dc.SetTextColor(TextColor(state));
+    m_dc.DrawText(str, &rcText, DT_CENTER | DT_VCENTER | DT_SINGLELINE); // with its letter underlined
 }
 
 void client::SkinPainter::Mark(CKXBitmap& bmp, const CSize& size, const CRect& rc, const CString& str,

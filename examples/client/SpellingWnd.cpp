@@ -3,6 +3,7 @@
 #include "PictureFiles.h"
 #include "SkinFrame.h"
 
+#include <algorithm>
 #include <platform/Clock.h>
 #include <utility>
 
@@ -29,6 +30,21 @@ bool Contains(const CRect& rc, CPoint point)
     return point.x >= rc.left && point.x < rc.right && point.y >= rc.top && point.y < rc.bottom;
 }
 
+// Whether each byte is a letter, as the drawing of test words takes it.
+bool IsOfLetters(const CString& str)
+{
+    return std::ranges::all_of(str.View(), [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+}
+
+void DrawWhole(CDC& dc, const CString& str, CRect rc, CFont& font, COLORREF clr)
+{
+    CGdiObject* pOld = dc.SelectObject(&font);
+    dc.SetTextColor(clr);
+    dc.SetBkMode(TRANSPARENT);
+    dc.DrawText(str, &rc, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
+    dc.SelectObject(pOld);
+}
+
 } // namespace
 
 namespace client {
@@ -48,6 +64,7 @@ ON_WM_LBUTTONUP()
 ON_WM_DESTROY()
 ON_MESSAGE(WM_KXSKINCHANGED, OnChanged)
 ON_MESSAGE(WM_KXLANCHANGED, OnChanged)
+ON_WM_SETFOCUS()
 ON_MESSAGE(TAKE_FOCUS, OnTakeFocus)
 END_MESSAGE_MAP()
 
@@ -244,8 +261,11 @@ void CSpellingWnd::PaintTyped(SkinPainter& painter)
 {
     const CRect rc = TypedRect();
     painter.Outline(CRect(rc.left - 8, rc.top - 1, rc.right + 8, rc.bottom + 1), kBox);
-    CKXEnglishWord::RedrawWordInvalidPart(&painter.DC(), &painter.DC(), "", m_test.Typed(), rc, &m_wordFont,
-                                          kWord);
+    if (IsOfLetters(m_test.Typed()))
+        CKXEnglishWord::RedrawWordInvalidPart(&painter.DC(), &painter.DC(), "", m_test.Typed(), rc,
+                                              &m_wordFont, kWord);
+    else
+        DrawWhole(painter.DC(), m_test.Typed(), rc, m_wordFont, kWord);
     m_strDrawn = m_test.Typed();
 }
 
@@ -253,12 +273,23 @@ void CSpellingWnd::PaintResult(CDC& dc)
 {
     const CRect rc = TypedRect();
     const CRect rcRight(rc.left, rc.bottom + 4, rc.right, rc.bottom + 4 + rc.Height());
+    const bool bLetters = IsOfLetters(m_test.Typed());
     dc.SetBkMode(TRANSPARENT);
-    CKXEnglishWord::DrawTestWordResult(&dc, m_test.Word(), m_test.Typed(), rc, rcRight, &m_wordFont, kRight,
-                                       kBox, kRight, kWrong);
+    CKXEnglishWord::DrawTestWordResult(&dc, m_test.Word(), bLetters ? m_test.Typed() : CString(), rc, rcRight,
+                                       &m_wordFont, kRight, kBox, kRight, kWrong);
+    constexpr int nLabel = 100; // before the letters of a result
+    if (!bLetters)
+        DrawWhole(dc, m_test.Typed(), CRect(rc.left + nLabel, rc.top, rc.right, rc.bottom), m_wordFont,
+                  kWrong);
 }
 
 // ---- Input
+
+void CSpellingWnd::OnSetFocus(CWnd* pOld)
+{
+    CWnd::OnSetFocus(pOld);
+    TellCaret();
+}
 
 LRESULT CSpellingWnd::OnTakeFocus(WPARAM, LPARAM)
 {
@@ -275,11 +306,12 @@ void CSpellingWnd::OnTimer(UINT nId)
     CWnd::OnTimer(nId);
 }
 
-// Only the typed text is drawn anew, from the first letter that differs.
+// Of letters only those are drawn anew that differ.
 void CSpellingWnd::TypeLetter(char letter)
 {
     if (!m_test.Type(letter)) return;
     const CRect rc = TypedRect();
+    if (!IsOfLetters(m_strDrawn) || !IsOfLetters(m_test.Typed())) return InvalidateRect(&rc, 0);
     CKXMemoryDC empty;
     empty.Create(kWidth, rc.Height());
     empty.GetDC().FillSolidRect(0, 0, kWidth, rc.Height(), kField);
@@ -316,14 +348,16 @@ void CSpellingWnd::OnKeyDown(UINT nKey, UINT, UINT)
     if (nKey == VK_ESCAPE) PostMessage(WM_CLOSE);
 }
 
-// With Alt, a button is pressed by the letter in brackets at its text's end, or else by the first.
+// With Alt, a button is pressed by the letter that is underlined.
 void CSpellingWnd::OnSysChar(UINT nChar, UINT, UINT)
 {
     for (const Item& item : m_buttons) {
         const CString& strText =
             m_test.IsAnswered() && &item == &m_buttons.front() ? m_strNext : item.strText;
-        const int nAt = strText.ReverseFind('(') + 1;
-        if (strText.IsEmpty() || (static_cast<UINT>(strText[nAt]) | 0x20) != (nChar | 0x20)) continue;
+        const int nAt = strText.Find('&') + 1;
+        if (nAt == 0 || nAt == strText.GetLength() ||
+            (static_cast<UINT>(strText[nAt]) | 0x20) != (nChar | 0x20))
+            continue;
         const std::function<void()> act = item.act;
         return act();
     }
@@ -381,6 +415,7 @@ void CSpellingWnd::Enter()
     else
         m_test.Answer();
     Invalidate();
+    TellCaret();
 }
 
 void CSpellingWnd::ShowHint()

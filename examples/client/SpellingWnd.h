@@ -40,6 +40,7 @@ protected:
     void OnLButtonUp(UINT nFlags, CPoint point);
     void OnDestroy();
     LRESULT OnChanged(WPARAM wParam, LPARAM lParam);
+    void OnSetFocus(CWnd* pOld);
     LRESULT OnTakeFocus(WPARAM wParam, LPARAM lParam);
     DECLARE_MESSAGE_MAP()
 
