@@ -101,9 +101,10 @@ try {
         if (!(entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) || name == "." || name == "..") continue;
         KXLanguageItem item(entry.cFileName, "");
         if (!LoadLanProperty(m_strLanRoot + item.strID, item)) {
-            kx::debug::Tell("language",
-                            "%s%s is passed over: its Lan.ini has no key Language in section [Language]",
-                            m_strLanRoot.GetString(), item.strID.GetString());
+            kx::debug::Tell(
+                "language",
+                "%s%s is passed over: its Lan.ini isn't there or has no key Language in section [Language]",
+                m_strLanRoot.GetString(), item.strID.GetString());
             continue;
         }
         const CKXAutoLock lock(&m_csLans);

@@ -61,8 +61,9 @@ public:
     bool Run()
     {
         if (CKXIniDataMgr::GetString(m_strLan, "Language", "Language", "").IsEmpty())
-            m_sink({Severity::Error, "language.no-name", m_strLan, 0, 0,
-                    "has no key Language in section [Language]: the directory is passed over"});
+            m_sink(
+                {Severity::Error, "language.no-name", m_strLan, 0, 0,
+                 "isn't there or has no key Language in section [Language]: the directory is passed over"});
         CheckedFile file;
         const auto outcome = file.Open(m_strData, kMostBytes);
         if (outcome == CheckedFile::Outcome::Unreadable) {

@@ -94,13 +94,14 @@ TEST_F(LanData, DiagnosticsTellWhatIsWrongWithTheTexts)
     for (int n = 0; n < 2; ++n)
         Get("none");
     const std::string root = std::string(test::AppDir().Win(tree.Name())) + "\\";
-    EXPECT_EQ(debug.Text(),
-              "language: " + root +
-                  "nameless is passed over: its Lan.ini has no key Language in section [Language]\n"
-                  "language: " +
-                  root +
-                  "L\\Data.txt:2: key k stands at line 1 already, and that text is taken\n"
-                  "language: there is no text for key \"none\"; the key is taken\n");
+    EXPECT_EQ(
+        debug.Text(),
+        "language: " + root +
+            "nameless is passed over: its Lan.ini isn't there or has no key Language in section [Language]\n"
+            "language: " +
+            root +
+            "L\\Data.txt:2: key k stands at line 1 already, and that text is taken\n"
+            "language: there is no text for key \"none\"; the key is taken\n");
     EXPECT_EQ(described.Text(), "");
 }
 

@@ -37,9 +37,11 @@ public:
     }
     HRESULT loadXML(BSTR bstrXml, VARIANT_BOOL* pbSuccess) override
     {
-        return Replace(pbSuccess, [&] {
+        return Replace(pbSuccess, [&]() -> Ref<Tree> {
             const std::string text = ToUtf8(bstrXml);
-            return text.size() <= XML_MAX_FILE ? ParseText(text) : Ref<Tree>();
+            if (text.size() <= XML_MAX_FILE) return ParseText(text);
+            debug::Tell("xml", "a text is refused: it goes beyond a limit; the document stays empty");
+            return {};
         });
     }
     HRESULT save(VARIANT path) override

@@ -62,10 +62,12 @@ TEST_F(Languages, FindsWhatIsWrongInOne)
         ElementsAre("X/Data.txt: error: is larger than 64 MiB and wasn't looked at [language.too-large]"));
     std::filesystem::remove(dir.Path("l/X/Data.txt"));
     dir.Write("l/X/Lan.ini", "");
-    EXPECT_THAT(test::Kx(dir, "language check l").lines,
-                ElementsAre("X/Data.txt: error: can't be read: every text is its key [language.no-data]",
-                            "X/Lan.ini: error: has no key Language in section [Language]: the directory is "
-                            "passed over [language.no-name]"));
+    EXPECT_THAT(
+        test::Kx(dir, "language check l").lines,
+        ElementsAre(
+            "X/Data.txt: error: can't be read: every text is its key [language.no-data]",
+            "X/Lan.ini: error: isn't there or has no key Language in section [Language]: the directory is "
+            "passed over [language.no-name]"));
 }
 
 TEST_F(Languages, ComparesWithTheBase)
