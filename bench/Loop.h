@@ -4,6 +4,8 @@
 
 namespace bench {
 
+// Whether this process runs for the memory of one side, not for times.
+bool IsMemoryMeasured();
 // Forgets the peak of this process's resident memory up to now, or tells it as that of the work.
 void ResetPeak();
 void TellPeak(benchmark::State& state);

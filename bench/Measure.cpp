@@ -126,16 +126,21 @@ std::string ReadAll(int in)
 
 } // namespace
 
+bool IsMemoryMeasured()
+{
+    return residentBefore > 0;
+}
+
 void ResetPeak()
 {
-    if (residentBefore == 0) return;
+    if (!IsMemoryMeasured()) return;
     malloc_trim(0); // what was freed before is no memory of the work
     std::ofstream("/proc/self/clear_refs") << 5;
 }
 
 void TellPeak(benchmark::State& state)
 {
-    if (residentBefore == 0) return;
+    if (!IsMemoryMeasured()) return;
     state.counters[pszPeak] = benchmark::Counter(OwnPeak() - residentBefore, benchmark::Counter::kAvgThreads);
 }
 
