@@ -78,14 +78,14 @@ int BlitKeyed(HDC to, const Copy& copy, HDC from, char key)
 
 TEST(BitBlt, CopiesABlockAndCutsItToBothSurfaces)
 {
-    const Picture source = Colorful(6, 5);
+    const Picture source = Colorful(8, 5); // rows without a gap, which are copied all at once
     const Paper from(source);
     for (const Copy& copy :
          {Copy{1, 1, 3, 2, 2, 1}, Copy{-2, -1, 6, 5, 0, 0}, Copy{3, 2, 9, 9, 0, 0}, Copy{0, 0, 4, 4, -2, -1},
-          Copy{0, 0, 4, 4, 4, 3}, Copy{-3, 1, 9, 1, -5, 2}, Copy{1, 1, 0, 3, 0, 0}, Copy{1, 1, -2, 3, 0, 0},
-          Copy{9, 9, 3, 3, 0, 0}, Copy{0, 0, 3, 3, 6, 0}, Copy{0, 0, 6, 5, 0, 0}}) {
+          Copy{0, 0, 4, 4, 6, 3}, Copy{-3, 1, 9, 1, -5, 2}, Copy{1, 1, 0, 3, 0, 0}, Copy{1, 1, -2, 3, 0, 0},
+          Copy{9, 9, 3, 3, 0, 0}, Copy{0, 0, 3, 3, 8, 0}, Copy{0, 0, 8, 5, 0, 0}}) {
         for (const bool bAsLarge : {false, true}) {
-            const Paper to(bAsLarge ? 6 : 5, bAsLarge ? 5 : 4);
+            const Paper to(bAsLarge ? 8 : 5, bAsLarge ? 5 : 4);
             const Picture before = to.Read();
             EXPECT_EQ(Blit(to, copy, from), 1);
             EXPECT_EQ(to.Read(), Copied(before, source, copy, 0, everywhere)) << copy.x << ' ' << copy.xSrc;
