@@ -1,3 +1,4 @@
+#include "include/KXText.h"
 #include "include/platform/Gdi.h"
 #include "tests/support/Await.h"
 #include "tests/support/Host.h"
@@ -84,6 +85,11 @@ TEST_F(Text, ALineIsAsLongAsItsLetters)
         EXPECT_EQ(size.cx, sum);
         EXPECT_EQ(size.cy, 20); // the cell's height, as asked
     }
+    const CString four = KXText::FromUtf8("ñ"); // one letter in four bytes
+    ASSERT_EQ(four.GetLength(), 4);
+    const int nWidth = WidthOf(four.GetString());
+    const test::CodePage utf8(CP_UTF8);
+    EXPECT_EQ(nWidth, WidthOf("ñ"));
 }
 
 TEST_F(Text, StandsWhereTheFlagsSay)
