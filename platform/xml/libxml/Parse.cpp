@@ -198,7 +198,8 @@ private:
         bool bAllowed = nAttributes <= XML_MAX_ATTRIBUTES && at->nodeNr < XML_MAX_DEPTH &&
                         at->nsNr <= kPerNamespace * XML_MAX_NAMESPACES;
         for (int i = 0; bAllowed && i < nAttributes; ++i) {
-            const xmlChar* const* const attribute = attributes + kPerAttribute * i;
+            const xmlChar** const attribute = attributes + kPerAttribute * i;
+            if (*attribute[0] == ':') SetWholeName(at->dict, attribute);
             const auto nLength = static_cast<std::size_t>(attribute[4] - attribute[3]);
             const bool bDefaulted = i >= nAttributes - nDefaulted;
             bAllowed =
@@ -207,6 +208,29 @@ private:
         if (!bAllowed) return self.Refuse(context);
         xmlSAX2StartElementNs(context, local, prefix, prefix ? uri : nullptr, nNamespaces, namespaces,
                               nAttributes, nDefaulted, attributes);
+        if (nDefaulted > 0 && at->node) DropBadPrefixes(*at->node);
+    }
+    // A default's name of two colons is cut at the first, where a start tag's stays whole: what is written
+    // must be read as the same.
+    static void SetWholeName(xmlDict* names, const xmlChar** attribute) noexcept
+    {
+        if (const xmlChar* const whole = xmlDictQLookup(names, attribute[1], attribute[0])) {
+            attribute[0] = whole;
+            attribute[1] = attribute[2] = nullptr;
+        }
+    }
+    // So is a namespace declared with a prefix that no name can have.
+    static void DropBadPrefixes(xmlNode& node) noexcept
+    {
+        for (xmlNs** place = &node.nsDef; *place;) {
+            xmlNs* const declared = *place;
+            if (!declared->prefix || *declared->prefix != ':') {
+                place = &declared->next;
+                continue;
+            }
+            *place = declared->next;
+            xmlFreeNs(declared);
+        }
     }
 
     // Counts against the cap on expansion. False once the document is refused.
