@@ -172,8 +172,8 @@ public:
     }
 
 private:
-    // What is in the window's place while a client shows it: what is awaited, or after ten seconds what is
-    // there.
+    // The pixels in the window's place while a client shows it: those awaited, or after ten seconds those
+    // that are there.
     template <class IsAwaited>
     static std::string See(const std::string& client, IsAwaited isAwaited)
     {

@@ -7,7 +7,7 @@
 
 namespace bench {
 
-// What a work costs at sizes that users grow to.
+// These works measure the cost at sizes that users grow to.
 struct Curve
 {
     struct Point

@@ -7,7 +7,7 @@
 #include <platform/GdiPlus.h>
 #include <random>
 
-// What pictures are loaded and saved in the benchmark: smooth with some noise, as photos are.
+// The benchmark loads and saves smooth pictures with some noise, as photos have it.
 namespace bench {
 
 using Bytes = std::vector<unsigned char>;

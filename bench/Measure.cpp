@@ -41,7 +41,7 @@ public:
     bool HasFailed() const { return m_bFailed; }
     // The times of each side.
     const std::map<std::string, std::vector<double>>& Times() const { return m_times; }
-    // What the last run told; 0 if it told nothing.
+    // The last run told this; 0 if it told nothing.
     double Peak() const { return m_peak; }
 
 private:

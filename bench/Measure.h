@@ -14,7 +14,7 @@ std::vector<std::string> FindWorks(const std::string& filter);
 // processes ends ill.
 std::vector<Row> Measure(const std::string& work);
 
-// What a function writes in a process of its own; empty if that ends ill or the function gives false.
+// Gives the text that a function writes in a process of its own; empty if that ends ill or it gives false.
 std::string RunApart(const std::function<bool(std::ostream&)>& run);
 
 // The counter by which a benchmark tells the peak of its memory, in bytes: of the process that it has run, or

@@ -5,7 +5,7 @@
 
 namespace bench {
 
-// What one side of a work took: quartiles of the times of its runs in nanoseconds, and the peak of its
+// One side's cost of a work: quartiles of the times of its runs in nanoseconds, and the peak of its
 // process's resident memory in bytes.
 struct Side
 {

@@ -37,7 +37,7 @@ inline std::string FileOf(std::size_t nArt)
     return "art" + std::to_string(nArt) + ".bmp";
 }
 
-// Where a picture goes, by its number. `bFill` repeats it over the rectangle.
+// Gives the place of a picture by its number. `bFill` repeats it over the rectangle.
 struct Step
 {
     std::size_t nArt;

@@ -164,8 +164,8 @@ struct Loaded
     CKXXmlDomElement root;
 };
 
-// What is read. All is loaded once and in the same order, as how nodes lie in the heap isn't left to what was
-// measured before; but where memory is measured, what the side reads alone.
+// The documents that are read. All is loaded once and in the same order, as how nodes lie in the heap isn't
+// left to what was measured before; but where memory is measured, what the side reads alone.
 class Documents
 {
 public:

@@ -20,8 +20,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const auto content = bundle->Read(path);
         if (!content.owner) continue;
         if (!bundle->Holds(path)) std::abort();
-        for (const volatile char& ch : content.bytes)
-            (void)ch;
+        const volatile char* const bytes = content.bytes.data();
+        for (std::size_t n = 0; n < content.bytes.size(); ++n)
+            (void)bytes[n];
     }
     return 0;
 }

@@ -306,7 +306,7 @@ void CSpellingWnd::OnTimer(UINT nId)
     CWnd::OnTimer(nId);
 }
 
-// Of letters only those are drawn anew that differ.
+// Letters are drawn anew only where they differ.
 void CSpellingWnd::TypeLetter(char letter)
 {
     if (!m_test.Type(letter)) return;

@@ -16,7 +16,7 @@ inline constexpr COLORREF kMark = RGB(190, 70, 50); // outlines, and what points
 inline CString strSkin;
 inline CString strTarget;
 
-// What a picture is drawn on.
+// A picture is drawn on this.
 class Canvas
 {
 public:

@@ -173,7 +173,7 @@ int Sample(Canvas& canvas, int y, int nHeight, Paint paint, const std::array<Poi
     return std::max(y + nHeight, yLabel) + 12;
 }
 
-// Which colour is where.
+// Tells which colour is where.
 bool SaveColors()
 {
     Canvas canvas(370, 404);

@@ -15,7 +15,7 @@ struct PngHeader
 // Nothing for what doesn't begin as a PNG does.
 KX_API std::optional<PngHeader> ParsePngHeader(FileBytes file) noexcept;
 
-// What reads a PNG. It comes from the module for pictures.
+// The reader of PNG comes from the module for pictures.
 struct PngFunctions
 {
     // A PNG's pixels, the high byte their opacity. Nothing for one that is broken, cut before its end mark,
@@ -27,7 +27,7 @@ struct PngFunctions
     std::optional<Surface> (*read)(FileBytes file, int nMaxSide, bool* pbCut);
 };
 
-// As PngFunctions::read for a file that is whole; nothing where the module can't be used.
+// Reads a whole file as PngFunctions::read does; nothing where the module can't be used.
 std::optional<Surface> ReadPng(FileBytes file, int nMaxSide);
 
 } // namespace kx::gdi

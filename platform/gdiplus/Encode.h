@@ -17,7 +17,7 @@ KX_API bool Append(Bytes& file, const std::uint8_t* bytes, std::size_t nBytes) n
 // OutOfMemory; throws std::bad_alloc.
 using Writer = Gdiplus::Status (*)(const PixelView& view, Bytes& file);
 
-// What the module for pictures gives; codecs/Codecs.h says what each does.
+// The module for pictures gives this; codecs/Codecs.h says what each does.
 struct Functions
 {
     gdi::PngFunctions png;
@@ -36,12 +36,12 @@ struct Encoder
 std::span<const Encoder> Encoders() noexcept;
 // Null for none of that class.
 const Encoder* FindEncoder(const Gdiplus::CLSID& clsid) noexcept;
-// As a Writer; UnknownImageFormat where the module can't be used.
+// Gives what a Writer does; UnknownImageFormat where the module can't be used.
 Gdiplus::Status Encode(const Encoder& encoder, const PixelView& view, Bytes& file);
 
 // 24 bits, over black.
 Gdiplus::Status WriteBmp(const PixelView& view, Bytes& file);
-// As Encode with the encoder of PNG.
+// Encodes by the encoder of PNG.
 Gdiplus::Status EncodePng(const PixelView& view, Bytes& file);
 
 // The rows of a picture laid over black; the high byte means nothing. A row is valid until the next one is

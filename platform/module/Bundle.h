@@ -25,12 +25,12 @@ public:
     virtual Content Read(const std::string& path) const = 0;
 };
 
-// What reads bundles. They come from the module for the shell, whose library knows their format.
+// Bundles are read by the module for the shell, whose library knows their format.
 struct BundleFunctions
 {
     // Null if the bytes are no sound bundle.
     std::unique_ptr<Bundle> (*load)(std::string bytes);
-    // What the program and its libraries linked in.
+    // Gives the resources that the program and its libraries linked in.
     std::unique_ptr<Bundle> (*ofProcess)();
 };
 

@@ -106,10 +106,10 @@ public:
     virtual LRESULT SendForeign(HWND hWnd, const KXHost::SentMessage& message) = 0;
 };
 
-// What the module for X11 gives.
+// The module for X11 gives this.
 struct Functions
 {
-    // As Desktop::Open.
+    // Stands for Desktop::Open.
     std::unique_ptr<Desktop> (*open)(const char* pszDisplay, std::chrono::milliseconds limit);
 };
 

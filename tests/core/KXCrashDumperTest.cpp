@@ -59,7 +59,7 @@ struct Place : test::CrashPlace
         mkfifo(Path(pszName).c_str(), 0600);
         return Path(pszName);
     }
-    // What gdb says of the dump.
+    // gdb says this of the dump.
     std::string Debug(const std::string& commands) const
     {
         return test::OutputOf("gdb -nx -batch " + commands + " " KX_TEST_BIN "/CrashDumperChild " +

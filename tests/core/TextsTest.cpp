@@ -129,7 +129,7 @@ TEST(Debug, PrintsFormattedAndCutsAtItsBuffer)
     EXPECT_EQ(debug.Text().size(), 4u + 1023);
 }
 
-// What goes first at the end has nothing that still needs what goes later.
+// The one that goes first at the end has nothing that still needs those that go later.
 TEST(Debug, SingletonsAnnounceThemselvesAndEndInOrder)
 {
     test::Child child("UnloadChild", {}, {"KX_DEBUG=1", "DISPLAY="}, true);

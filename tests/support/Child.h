@@ -32,7 +32,7 @@ private:
     std::string m_error;
 };
 
-// What a command of the shell prints.
+// Gives the text that a command of the shell prints.
 std::string OutputOf(const std::string& command);
 
 // Runs something in a fork, which ends with its result and nothing else; as Child::Wait tells it.

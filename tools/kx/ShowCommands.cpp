@@ -102,7 +102,7 @@ public:
         line = std::exchange(m_part, {});
         return true;
     }
-    // What no line end has followed.
+    // This text was followed by no line end.
     const std::string& Part() const { return m_part; }
 
     // Waits until there may be more. False once the file has lost its name to none other.

@@ -55,7 +55,7 @@ public:
     virtual Glyph Draw(char32_t ch) = 0;
 };
 
-// What the module for letters gives.
+// The module for letters gives this.
 struct LetterFunctions
 {
     // The face that suits best at a height as LOGFONTA::lfHeight counts it, but not 0; null where the system

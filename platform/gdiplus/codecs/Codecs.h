@@ -7,7 +7,7 @@
 
 namespace kx::gdiplus {
 
-// As gdi::PngFunctions::read.
+// Stands for gdi::PngFunctions::read.
 std::optional<gdi::Surface> ReadPngPixels(FileBytes file, int nMaxSide, bool* pbCut);
 
 Gdiplus::Status ReadPng(const File& file, std::optional<Picture>& picture);

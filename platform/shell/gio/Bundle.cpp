@@ -112,7 +112,7 @@ bool IsSoundBundle(Span bundle) noexcept
     return true;
 }
 
-// Those that are linked into the process.
+// The bundles that are linked into the process.
 class ProcessBundle : public module::Bundle
 {
 public:

@@ -90,7 +90,7 @@ void InputMethod::DoSteps()
     }
 }
 
-// Where the text is comes before each press, since the window may have been moved meanwhile. While a context
+// The text's place is told before each press, since the window may have been moved meanwhile. While a context
 // is still to be made the key waits for it.
 bool InputMethod::Offer(xcb_key_press_event_t event, POINT caret)
 {

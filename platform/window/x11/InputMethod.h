@@ -56,8 +56,8 @@ private:
     std::unique_ptr<xcb_xim_t, Destroy> m_method;
     bool m_open = false;
     xcb_xic_t m_context = 0;
-    // What is still to be asked and told, one after the other's answer: the library sends nothing that it was
-    // given meanwhile before it is given something more.
+    // Steps that are still to be asked and told, one after the other's answer: the library sends nothing that
+    // it was given meanwhile before it is given something more.
     std::deque<std::function<void()>> m_steps;
     bool m_asked = false;       // an answer is awaited
     std::uint32_t m_wanted = 0; // the events that it takes

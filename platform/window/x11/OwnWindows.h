@@ -28,7 +28,7 @@ public:
     void SetCursor(HWND hWnd, HCURSOR hCursor);
     void SetCaret(HWND hWnd, POINT place);
 
-    // Where text is being written in a window, in the server's pixels.
+    // Gives the place where text is being written in a window, in the server's pixels.
     POINT CaretOf(HWND hWnd) const noexcept;
     // Null or 0 for none.
     xcb_window_t NumberOf(HWND hWnd) const noexcept;

@@ -219,7 +219,7 @@ private:
             attribute[1] = attribute[2] = nullptr;
         }
     }
-    // So is a namespace declared with a prefix that no name can have.
+    // Likewise a namespace would be declared with a prefix that no name can have.
     static void DropBadPrefixes(xmlNode& node) noexcept
     {
         for (xmlNs** place = &node.nsDef; *place;) {
