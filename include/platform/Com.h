@@ -28,7 +28,7 @@ KX_API void CoUninitialize();
 
 // Makes an object of a class, with one reference for the caller in `*ppObject`, which is null on failure:
 // E_POINTER for a null `ppObject`, CO_E_NOTINITIALIZED on a thread that didn't call CoInitialize,
-// CLASS_E_NOAGGREGATION for an outer object, REGDB_E_CLASSNOTREG for an unknown class or a context that
-// leaves out this process (bit 0), E_NOINTERFACE, E_OUTOFMEMORY.
+// CLASS_E_NOAGGREGATION for an outer object, REGDB_E_CLASSNOTREG for an unknown class, for a context that
+// leaves out this process (bit 0) and without the library's module for XML, E_NOINTERFACE, E_OUTOFMEMORY.
 KX_API HRESULT CoCreateInstance(const GUID& clsid, IUnknown* pOuter, DWORD dwContext, const GUID& iid,
                                 void** ppObject);

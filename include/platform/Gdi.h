@@ -306,7 +306,8 @@ struct LOGFONTA
 };
 
 // A font by face name, height, weight, italic, underline and strike-out; the rest is ignored. The nearest
-// face that the system has serves an unknown name.
+// face that the system has serves an unknown name; where it has none, or without the library's module for
+// letters, a text takes room by the height alone and nothing is drawn of it.
 KX_API HFONT CreateFontIndirectA(const LOGFONTA* pFont);
 
 // Each gives the old value, CLR_INVALID or 0 for a bad surface. At first: black on white, OPAQUE.

@@ -41,7 +41,8 @@ namespace DllExports {
 // Pictures are BMP, PNG, JPEG, GIF, TIFF (BigTIFF too) and ICO (its largest image), told by their first
 // bytes. FileNotFound or AccessDenied for what can't be opened, UnknownImageFormat, OutOfMemory for one
 // beyond the limits, GenericError for a broken picture, and one that claims more pixels than its bytes can
-// tell. What is no picture by its first bytes isn't read further.
+// tell. What is no picture by its first bytes isn't read further. Without the library's module for pictures
+// all but BMP and ICO are of an unknown format, for loading and saving.
 //
 // A picture that is cut off is read as far as it goes, if a row of it is there (a strip of a TIFF, whose
 // description comes first): the rows that lack are transparent, in a JPEG grey, in a progressive one blurred.

@@ -104,7 +104,8 @@ inline constexpr DWORD ANSWER_LIMIT = 5'000;
 // memory. These choose another; false, with nothing changed, while there are windows. The size is at most
 // 16,384 each way.
 KX_API bool UseMemoryDesktop(int nWidth = 1024, int nHeight = 768);
-// A null name is DISPLAY's. False also when it doesn't answer within the limit, which also holds later.
+// A null name is DISPLAY's. False also without the library's module for X11, and when the display doesn't
+// answer within the limit, which also holds later.
 // Windows of other processes are found there, but messages don't reach them: what is posted or sent to one
 // gives 0. Windows need a screen of 24 bits and more, and end with the server, as if each was destroyed.
 KX_API bool UseDisplay(const char* pszDisplay = nullptr, DWORD dwLimit = ANSWER_LIMIT);

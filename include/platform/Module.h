@@ -28,7 +28,8 @@ KX_API void AfxSetResourceHandle(HINSTANCE hInstance) noexcept;
 KX_API HINSTANCE AfxFindResourceHandle(const char* pszName, const char* pszType);
 
 // Opens a bundle file of at most 256 MiB as a resource module. Null, with the last error set, for what can't
-// be read (the file system's error) or is no sound bundle (ERROR_RESOURCE_DATA_NOT_FOUND). The file is read
+// be read (the file system's error) or is no sound bundle (ERROR_RESOURCE_DATA_NOT_FOUND, as for any without
+// the library's module for the shell). The file is read
 // whole, so it may be replaced meanwhile. Each handle is ended by one FreeLibrary, and the blocks that came
 // from it end with it.
 KX_API HMODULE LoadLibraryA(const char* pszFileName);

@@ -34,7 +34,8 @@ struct _IMAGELIST;
 // record or one that is too small, with nothing written. Texts are in the process's code page and the user's
 // language, cut to their fields at a character. A drive's root (`X:\`) is shown by its label and letter, also
 // without a medium; a link shows what it points at. An entry whose name says nothing has the first 4,096
-// bytes of its content looked at. The last error tells of a failure. Any thread.
+// bytes of its content looked at. Without the library's module for the shell an entry is a "File", "Folder"
+// or "Disk" with the icon of an unknown file. The last error tells of a failure. Any thread.
 KX_API std::uintptr_t SHGetFileInfoA(const char* pszPath, DWORD dwAttributes, SHFILEINFOA* pInfo, UINT cbInfo,
                                      UINT nFlags);
 
