@@ -232,7 +232,7 @@ TEST_F(Skins, MissingAndBrokenFilesLeaveDefaults)
     EXPECT_EQ(skins->GetOthRes()->m_imgFileReceive.GetImageSize().cx, 1);
 }
 
-// Who asks for diagnostics hears of each fallback once; nobody else does.
+// An observer that asks for diagnostics hears of each fallback once; nobody else does.
 TEST_F(Skins, DiagnosticsTellWhatIsMissing)
 {
     const test::DebugText described;

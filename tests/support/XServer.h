@@ -30,7 +30,7 @@ class XServer
 public:
     explicit XServer(const std::string& screen = "640x480x24", std::vector<std::string> options = {});
 
-    // As for DISPLAY.
+    // Gives the name that DISPLAY has for it.
     const std::string& Name() const { return m_name; }
     void Kill() { m_program.Kill(); }
     void Stop() { m_program.Stop(); }

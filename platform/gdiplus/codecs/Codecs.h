@@ -11,7 +11,7 @@ namespace kx::gdiplus {
 std::optional<gdi::Surface> ReadPngPixels(FileBytes file, int nMaxSide, bool* pbCut);
 
 Gdiplus::Status ReadPng(const File& file, std::optional<Picture>& picture);
-// What lacks is grey, and in a progressive one blurred. What is damaged is decoded as far as it goes.
+// Missing rows are grey, and in a progressive one blurred. A damaged one is decoded as far as it goes.
 Gdiplus::Status ReadJpeg(const File& file, std::optional<Picture>& picture);
 // Frames whose blocks are all there count, up to the first that isn't, unless that is the first of all. What
 // a frame's data lack stays as it was.

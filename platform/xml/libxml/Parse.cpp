@@ -91,7 +91,7 @@ public:
     bool HasRightPrefixes() const noexcept { return m_context->nsWellFormed != 0; }
 
 private:
-    // What a refused document gives; tells who listens why. Without complaints it goes beyond a limit.
+    // Gives the null of a refused document and tells the reason: without complaints it goes beyond a limit.
     Ref<Tree> Refused(const Complaints* complaints = nullptr) const noexcept
     {
         if (complaints && *complaints->Fault())

@@ -39,7 +39,7 @@ public:
     {
     }
 
-    // As for DISPLAY.
+    // Gives the name that DISPLAY has for it.
     std::string Name() const
     {
         const std::string host = m_listener.Host();
