@@ -18,9 +18,13 @@
     }
 
 // The door of a module: the entry in the library itself is null where the module is an object of its own.
+// Doors of one module share what was told of it.
 #define KX_DOOR(name, Functions)                                                                             \
-    extern "C" [[gnu::weak]] KX_API const kx::module::Entry kx_module_##name;                                \
-    static constinit kx::module::Door<Functions> g_door(#name, &kx_module_##name)
+    extern "C" {                                                                                             \
+    extern KX_API const kx::module::Entry kx_module_##name [[gnu::weak]];                                    \
+    inline constinit std::atomic<bool> kx_told_##name{false};                                                \
+    }                                                                                                        \
+    static constinit kx::module::Door<Functions> g_door(#name, &kx_module_##name, kx_told_##name)
 
 namespace kx::module {
 
@@ -42,7 +46,8 @@ template <class Functions>
 class Door
 {
 public:
-    constexpr Door(const char* pszName, const Entry* linked) noexcept : m_pszName(pszName), m_linked(linked)
+    constexpr Door(const char* pszName, const Entry* linked, std::atomic<bool>& told) noexcept
+        : m_pszName(pszName), m_linked(linked), m_told(told)
     {
     }
 
@@ -51,7 +56,7 @@ public:
     {
         const void* functions = m_functions.load(std::memory_order_acquire);
         if (!functions) {
-            functions = OpenDoor(m_pszName, m_linked, m_bTold);
+            functions = OpenDoor(m_pszName, m_linked, m_told);
             m_functions.store(functions, std::memory_order_release);
         }
         return static_cast<const Functions*>(functions);
@@ -60,8 +65,8 @@ public:
 private:
     const char* m_pszName;
     const Entry* m_linked;
+    std::atomic<bool>& m_told;
     std::atomic<const void*> m_functions{nullptr};
-    std::atomic<bool> m_bTold{false};
 };
 
 } // namespace kx::module

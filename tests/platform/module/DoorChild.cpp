@@ -5,6 +5,7 @@
 #include "include/platform/Gdi.h"
 #include "include/platform/Host.h"
 #include "include/platform/Internet.h"
+#include "include/platform/Module.h"
 #include "include/platform/ServiceManager.h"
 #include "include/platform/Services.h"
 #include "include/platform/Shell.h"
@@ -75,7 +76,8 @@ const char* FindIcon()
 void UseAll()
 {
     const bool bPictures = KXHost::SaveDesktop("/dev/null");
-    KXHost::UseDisplay(":nonsense", 0); // what is said of it tells
+    KXHost::UseDisplay(":nonsense", 0);                  // what is said of it tells
+    FindResourceA(nullptr, MAKEINTRESOURCEA(7), "DATA"); // by another door than the icons'
     std::fprintf(stderr, "%s, %s, %s, %s, %s, %s\n", Fetch(), OpenManager(), MakeDocument(), DrawText(),
                  FindIcon(), bPictures ? "pictures" : "no pictures");
 }
