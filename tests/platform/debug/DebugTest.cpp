@@ -114,9 +114,17 @@ TEST(Debug, DiagnosticsAreForThoseWhoAsked)
     std::vector<std::string> described, all;
     const int nDescribed = AddDebugObserver([&](std::string_view text) { described.emplace_back(text); });
     EXPECT_FALSE(kx::debug::Wants("skin"));
-    kx::debug::Tell("skin", "%s", "nobody listens");
+    int nFormatted = -1; // "%n" stores the length of a text that is formatted
+    kx::debug::Tell("skin", "nobody listens%n", &nFormatted);
     const int nAll = AddDebugObserver([&](std::string_view text) { all.emplace_back(text); }, true);
+    {
+        const kx::debug::Quiet quiet;
+        kx::debug::Tell("skin", "kept back%n", &nFormatted);
+    }
+    EXPECT_EQ(nFormatted, -1);
     EXPECT_TRUE(kx::debug::Wants("skin"));
+    kx::debug::Tell("skin", "heard%n", &nFormatted);
+    EXPECT_EQ(nFormatted, 5);
     errno = 77;
     SetLastError(78);
     kx::debug::Tell("skin", "%s is missing, %d kept", "a\nb.bmp", 3);
@@ -128,7 +136,7 @@ TEST(Debug, DiagnosticsAreForThoseWhoAsked)
         RemoveDebugObserver(nId);
     EXPECT_FALSE(kx::debug::Wants("skin"));
     EXPECT_THAT(described, testing::ElementsAre("described\n"));
-    EXPECT_THAT(all, testing::ElementsAre("skin: a?b.bmp is missing, 3 kept\n",
+    EXPECT_THAT(all, testing::ElementsAre("skin: heard\n", "skin: a?b.bmp is missing, 3 kept\n",
                                           "xml: " + std::string(1023 - 6, 'x') + "\n", "described\n"));
 }
 
