@@ -10,6 +10,18 @@ namespace kx::gdi {
 
 namespace {
 
+constexpr std::size_t kShort = 24 * sizeof(DWORD);
+
+// So few pixels are copied sooner than a call of memcpy is made.
+void CopyShort(DWORD* out, const DWORD* in, std::size_t nBytes) noexcept
+{
+    const DWORD* const end = in + nBytes / sizeof(DWORD);
+    for (; end - in >= 8; out += 8, in += 8)
+        std::memcpy(out, in, 8 * sizeof(DWORD));
+    for (; in != end; ++out, ++in)
+        std::memcpy(out, in, sizeof(DWORD));
+}
+
 // Rows within one surface are taken from the end that the copy moves to, so that none is overwritten unread.
 void CopyRows(Surface& to, const Surface& from, const Fit& fit) noexcept
 {
@@ -26,7 +38,12 @@ void CopyRows(Surface& to, const Surface& from, const Fit& fit) noexcept
     if (!bSame && area.right - area.left == nOutStep && nOutStep == nInStep) // no gap between the rows
         nBytes *= static_cast<std::size_t>(std::exchange(nRows, 1));
     for (; nRows > 0; --nRows, out += nOutStep, in += nInStep)
-        bSame ? std::memmove(out, in, nBytes) : std::memcpy(out, in, nBytes);
+        if (bSame)
+            std::memmove(out, in, nBytes);
+        else if (nBytes <= kShort)
+            CopyShort(out, in, nBytes);
+        else
+            std::memcpy(out, in, nBytes);
 }
 
 // Puts the parts of a copy within one surface in an order in which none overwrites what a later one reads.
