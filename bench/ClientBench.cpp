@@ -1,4 +1,5 @@
 #include "bench/BenchDir.h"
+#include "bench/HttpServer.h"
 #include "bench/Measure.h"
 #include "bench/WindowArt.h"
 #include "tests/support/XServer.h"
@@ -9,13 +10,11 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <httplib.h>
 #include <memory>
 #include <optional>
 #include <png.h>
 #include <string>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -73,30 +72,11 @@ void WriteTexts()
     bench::Dir().Write("words.xml", "<words>\n" + words + "</words>\n");
 }
 
-class Server
+void Serve(httplib::Server& http)
 {
-public:
-    Server()
-    {
-        m_http.Get("/file",
-                   [](const auto&, auto& response) { response.set_content(std::string(2048, 'p'), "a/b"); });
-        m_port = m_http.bind_to_any_port("127.0.0.1");
-        m_thread = std::thread([this] { m_http.listen_after_bind(); });
-        while (!m_http.is_running())
-            std::this_thread::yield();
-    }
-    ~Server()
-    {
-        m_http.stop();
-        m_thread.join();
-    }
-    std::string Url() const { return "http://127.0.0.1:" + std::to_string(m_port) + "/file"; }
-
-private:
-    httplib::Server m_http;
-    int m_port = 0;
-    std::thread m_thread;
-};
+    http.Get("/file",
+             [](const auto&, auto& response) { response.set_content(std::string(2048, 'p'), "a/b"); });
+}
 
 // Nothing of the user's is used or changed, and there is neither a display nor a service manager.
 struct Setting
@@ -113,7 +93,7 @@ struct Setting
         for (const char* name : {"DBUS_SYSTEM_BUS_ADDRESS", "DBUS_SESSION_BUS_ADDRESS"})
             setenv(name, ("unix:path=" + dir + "none").c_str(), 1);
     }
-    Server server;
+    bench::HttpServer server{Serve};
 };
 
 // ---- Runs
@@ -121,7 +101,7 @@ struct Setting
 std::string CommandOf(const std::string& client, const std::string& word)
 {
     static const Setting setting;
-    return Program(client) + " " + word + " " + bench::Dir().Path("") + " " + setting.server.Url();
+    return Program(client) + " " + word + " " + bench::Dir().Path("") + " " + setting.server.Url("/file");
 }
 
 struct Used

@@ -1,4 +1,5 @@
 #include "bench/BenchDir.h"
+#include "bench/HttpServer.h"
 #include "bench/Loop.h"
 
 #include <KXHttpDownloadMgr.h>
@@ -8,10 +9,8 @@
 #include <curl/curl.h>
 #include <fcntl.h>
 #include <fstream>
-#include <httplib.h>
 #include <semaphore>
 #include <string>
-#include <thread>
 #include <unistd.h>
 
 // Downloads from a server in this process, by the download manager and by one handle of libcurl's easy
@@ -26,48 +25,28 @@ constexpr std::size_t cbSmall = 2048;
 constexpr int nSmall = 2000;
 constexpr std::size_t cbBlock = 2048;
 
-class Server
-{
-public:
-    Server()
-    {
-        m_http.set_tcp_nodelay(true);
-        m_http.set_keep_alive_max_count(1'000'000);
-        m_http.set_write_timeout(60);
-        m_http.Get("/large", [this](const auto&, auto& response) {
-            response.set_content_provider(cbLarge, "a/b", [this](std::size_t, std::size_t left, auto& sink) {
-                return sink.write(m_piece.data(), std::min(left, m_piece.size()));
-            });
-        });
-        m_http.Get("/small", [this](const auto&, auto& response) {
-            ++m_nSmall;
-            response.set_content(m_piece.data(), cbSmall, "a/b");
-        });
-        m_port = m_http.bind_to_any_port("127.0.0.1");
-        m_thread = std::thread([this] { m_http.listen_after_bind(); });
-        while (!m_http.is_running())
-            std::this_thread::yield();
-    }
-    ~Server()
-    {
-        m_http.stop();
-        m_thread.join();
-    }
-    // How many small ones it was asked for since the last call.
-    int TakeSmall() { return m_nSmall.exchange(0); }
-    std::string Url(const char* path) const { return "http://127.0.0.1:" + std::to_string(m_port) + path; }
+std::atomic<int> served{0}; // small ones
 
-private:
-    const std::string m_piece = std::string(256 * 1024, 'p');
-    httplib::Server m_http;
-    int m_port = 0;
-    std::atomic<int> m_nSmall{0};
-    std::thread m_thread;
-};
-
-Server& TheServer()
+void Serve(httplib::Server& http)
 {
-    static Server server;
+    static const std::string piece(256 * 1024, 'p');
+    http.set_tcp_nodelay(true);
+    http.set_keep_alive_max_count(1'000'000);
+    http.set_write_timeout(60);
+    http.Get("/large", [](const auto&, auto& response) {
+        response.set_content_provider(cbLarge, "a/b", [](std::size_t, std::size_t left, auto& sink) {
+            return sink.write(piece.data(), std::min(left, piece.size()));
+        });
+    });
+    http.Get("/small", [](const auto&, auto& response) {
+        ++served;
+        response.set_content(piece.data(), cbSmall, "a/b");
+    });
+}
+
+bench::HttpServer& TheServer()
+{
+    static bench::HttpServer server{Serve};
     return server;
 }
 
@@ -109,14 +88,14 @@ void SmallOurs(benchmark::State& state)
 {
     const CString url = TheServer().Url("/small").c_str();
     auto& mgr = CKXHttpDownloadMgr::Instance();
-    TheServer().TakeSmall();
+    served.exchange(0);
     for (auto _ : bench::Loop(state)) {
         for (int n = 1; n < nSmall; ++n)
             mgr.AddTask(url, "", nullptr);
         mgr.AddTask(url, "", OnDownload, 0);
         ended.acquire();
     }
-    if (received != cbSmall || TheServer().TakeSmall() != nSmall) state.SkipWithError("not all received");
+    if (received != cbSmall || served.exchange(0) != nSmall) state.SkipWithError("not all received");
 }
 
 struct Sink
