@@ -1,86 +1,210 @@
 #include "platform/files/Drives.h"
 
 #include "include/platform/Exception.h"
+#include "include/platform/FileSystem.h"
 #include "platform/Immortal.h"
+#include "platform/UniqueFd.h"
+#include "platform/files/BlockDevices.h"
+#include "platform/files/Directory.h"
 #include "platform/files/MountTable.h"
-#include "platform/files/SystemDrives.h"
 #include "platform/sync/Fork.h"
 #include "platform/sync/Mutex.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
+#include <fcntl.h>
 #include <filesystem>
 #include <new>
+#include <poll.h>
+#include <utility>
+#include <vector>
 
 namespace kx::files {
 
 namespace {
 
+constexpr std::size_t kLetters = 26;
 std::atomic<unsigned> g_generation{0};
 
-// 0 for `A` to 25 for `Z`; kDriveLetters for no letter.
-std::size_t LetterIndex(char letter)
+// 0 for `A` to 25 for `Z`; kLetters for no letter.
+constexpr std::size_t LetterIndex(char letter) noexcept
 {
     if (letter >= 'a' && letter <= 'z') return static_cast<std::size_t>(letter - 'a');
     if (letter >= 'A' && letter <= 'Z') return static_cast<std::size_t>(letter - 'A');
-    return kDriveLetters;
+    return kLetters;
 }
 
-class HostDrives
+constexpr std::size_t kSystemLetter = LetterIndex('C');
+
+// Where a device's file system is mounted as a whole, or at least in part; `/` is the drive `C:`.
+std::optional<std::string> MountPoint(const BlockDevice& device, const std::vector<Mount>& mounts)
+{
+    const Mount* found = nullptr;
+    for (const Mount& mount : mounts)
+        if (device.IsSourceOf(mount) && mount.point != "/" &&
+            (!found || (found->root != "/" && mount.root == "/")))
+            found = &mount;
+    if (!found) return std::nullopt;
+    return found->point;
+}
+
+// The drives that the host mounted, and those of the system that are left: removable and optical ones, of
+// which a device keeps its letter for as long as the process lives.
+class Drives
 {
 public:
-    std::optional<Drive> Find(std::size_t index)
+    std::optional<Drive> Find(std::size_t index, bool bLook)
     {
         const sync::MutexLock lock(m_lock);
-        if (m_drives[index] || index != LetterIndex('C')) return m_drives[index];
-        Drive system;
-        system.root = "";
-        return system;
+        if (index != kSystemLetter && !m_host[index]) Refresh(bLook);
+        return At(index);
+    }
+
+    std::optional<Drive> Holding(std::string_view systemPath)
+    {
+        const sync::MutexLock lock(m_lock);
+        Refresh(false);
+        std::optional<Drive> best;
+        for (std::size_t n = 0; n < kLetters; ++n) {
+            auto drive = At((n + kSystemLetter) % kLetters);
+            if (!drive || !drive->root || !IsBelow(systemPath, *drive->root)) continue;
+            if (!best || best->root->size() < drive->root->size()) best = std::move(drive);
+        }
+        return best;
     }
 
     std::optional<std::size_t> Peek(std::size_t index, std::span<char> buffer) noexcept
     {
         if (!m_lock.TryLockBriefly()) return std::nullopt;
-        const bool bHost = m_drives[index].has_value();
-        const auto copied = bHost ? CopyRoot(*m_drives[index], buffer) : std::nullopt;
+        const auto& drive = m_host[index] ? m_host[index] : m_system[index];
+        std::optional<std::size_t> length;
+        if (drive && drive->root && drive->root->size() <= buffer.size())
+            length = drive->root->copy(buffer.data(), buffer.size());
+        else if (!drive && index == kSystemLetter)
+            length = 0;
         m_lock.unlock();
-        if (bHost) return copied;
-        if (index == LetterIndex('C')) return 0;
-        return PeekSystemRoot(index, buffer);
-    }
-
-    Letters Taken()
-    {
-        const sync::MutexLock lock(m_lock);
-        Letters taken;
-        for (std::size_t i = 0; i < kDriveLetters; ++i)
-            taken[i] = m_drives[i].has_value();
-        return taken;
+        return length;
     }
 
     void Set(std::size_t index, std::optional<Drive> drive)
     {
         const sync::MutexLock lock(m_lock);
-        m_drives[index] = std::move(drive);
+        m_host[index] = std::move(drive);
+        g_generation.fetch_add(1, std::memory_order_release);
+    }
+
+    std::string Root()
+    {
+        const sync::MutexLock lock(m_lock);
+        return m_root;
+    }
+
+    void SetRoot(std::string root)
+    {
+        const sync::MutexLock lock(m_lock);
+        m_root = std::move(root);
+        m_devices = {};
+        m_system = {};
+        m_table.Reset();
+        m_disks.clear();
         g_generation.fetch_add(1, std::memory_order_release);
     }
 
     sync::Mutex& Lock() noexcept KX_RETURN_LOCK(m_lock) { return m_lock; }
 
 private:
-    sync::Mutex m_lock;
-    std::array<std::optional<Drive>, kDriveLetters> m_drives KX_GUARDED_BY(m_lock);
+    std::optional<Drive> At(std::size_t index) KX_REQUIRES(m_lock)
+    {
+        if (m_host[index]) return m_host[index];
+        if (index != kSystemLetter) return m_system[index];
+        Drive drive;
+        drive.root = "";
+        return drive;
+    }
+
+    void Refresh(bool bLook) KX_REQUIRES(m_lock)
+    {
+        const bool bMounts = MountsChanged();
+        const bool bDisks = bLook && DisksChanged();
+        if (bMounts || bDisks) Read();
+    }
+
+    // The kernel wakes pollers of its mount table at each change; a table that stands in for it is always
+    // read.
+    bool MountsChanged() KX_REQUIRES(m_lock)
+    {
+        if (!m_root.empty()) return true;
+        if (!m_table) {
+            m_table.Reset(open(MountTableFile(m_root).c_str(), O_RDONLY | O_CLOEXEC));
+            return static_cast<bool>(m_table);
+        }
+        pollfd watch{m_table.Get(), POLLPRI, 0};
+        return poll(&watch, 1, 0) > 0 && (watch.revents & (POLLPRI | POLLERR)) != 0;
+    }
+
+    bool DisksChanged() KX_REQUIRES(m_lock)
+    {
+        Directory entries((m_root + "/sys/block").c_str());
+        std::vector<std::string> disks;
+        while (const auto entry = entries.Next())
+            disks.emplace_back(entry->name);
+        std::sort(disks.begin(), disks.end());
+        return std::exchange(m_disks, disks) != disks;
+    }
+
+    void Read() KX_REQUIRES(m_lock)
+    {
+        const auto mounts = ReadMounts(m_root);
+        std::array<std::optional<Drive>, kLetters> drives;
+        for (const BlockDevice& device : ReadRemovableDevices(m_root)) {
+            auto point = MountPoint(device, mounts);
+            const std::size_t index = point || device.bOptical ? LetterOf(device.name) : kLetters;
+            if (index == kLetters) continue;
+            Drive drive;
+            drive.letter = static_cast<char>('A' + index);
+            drive.root = std::move(point);
+            drive.type = device.bOptical ? DRIVE_CDROM : DRIVE_REMOVABLE;
+            drives[index] = std::move(drive);
+        }
+        const auto isSame = [](const auto& a, const auto& b) {
+            return a.has_value() == b.has_value() && (!a || (a->root == b->root && a->type == b->type));
+        };
+        if (!std::equal(drives.begin(), drives.end(), m_system.begin(), isSame))
+            g_generation.fetch_add(1, std::memory_order_release);
+        m_system = std::move(drives);
+    }
+
+    // The letter that a device has or gets, from `D` on; kLetters when none is left.
+    std::size_t LetterOf(const std::string& device) KX_REQUIRES(m_lock)
+    {
+        const auto found = std::find(m_devices.begin(), m_devices.end(), device);
+        if (found != m_devices.end()) return static_cast<std::size_t>(found - m_devices.begin());
+        std::size_t index = kSystemLetter + 1;
+        while (index < kLetters && (m_host[index] || !m_devices[index].empty()))
+            ++index;
+        if (index < kLetters) m_devices[index] = device;
+        return index;
+    }
+
+    sync::Mutex m_lock; // held while the mount table and the list of disks are read
+    std::array<std::optional<Drive>, kLetters> m_host KX_GUARDED_BY(m_lock);
+    std::string m_root KX_GUARDED_BY(m_lock);
+    std::array<std::string, kLetters> m_devices KX_GUARDED_BY(m_lock); // which device has each letter
+    std::array<std::optional<Drive>, kLetters> m_system KX_GUARDED_BY(m_lock);
+    UniqueFd m_table KX_GUARDED_BY(m_lock);
+    std::vector<std::string> m_disks KX_GUARDED_BY(m_lock);
 };
 
-HostDrives& TheHost()
+Drives& TheDrives()
 {
-    static Immortal<HostDrives> drives;
+    static Immortal<Drives> drives;
     return drives.Get();
 }
 
 sync::Mutex& LockOfFork() noexcept
 {
-    return TheHost().Lock();
+    return TheDrives().Lock();
 }
 [[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Drives);
 
@@ -89,42 +213,28 @@ sync::Mutex& LockOfFork() noexcept
 std::optional<Drive> FindDrive(char letter, bool bLook)
 {
     const std::size_t index = LetterIndex(letter);
-    if (index == kDriveLetters) return std::nullopt;
-    if (auto drive = TheHost().Find(index)) return drive;
-    return FindSystemDrive(index, TheHost().Taken(), bLook ? Look::Again : Look::AtMounts);
+    return index == kLetters ? std::nullopt : TheDrives().Find(index, bLook);
+}
+
+std::optional<Drive> DriveHolding(std::string_view systemPath)
+{
+    return TheDrives().Holding(systemPath);
 }
 
 std::optional<std::size_t> PeekRoot(char letter, std::span<char> buffer) noexcept
 {
     const std::size_t index = LetterIndex(letter);
-    if (index == kDriveLetters) return std::nullopt;
-    return TheHost().Peek(index, buffer);
+    return index == kLetters ? std::nullopt : TheDrives().Peek(index, buffer);
 }
 
-std::optional<std::size_t> CopyRoot(const Drive& drive, std::span<char> buffer) noexcept
+std::string SystemRoot()
 {
-    if (!drive.root || drive.root->size() > buffer.size()) return std::nullopt;
-    return drive.root->copy(buffer.data(), buffer.size());
-}
-
-std::optional<Drive> DriveHolding(std::string_view systemPath)
-{
-    std::optional<Drive> best;
-    const auto consider = [&](std::optional<Drive> drive) {
-        if (!drive || !drive->root || !IsBelow(systemPath, *drive->root)) return;
-        if (!best || best->root->size() < drive->root->size()) best = std::move(drive);
-    };
-    const Letters taken = TheHost().Taken();
-    for (std::size_t i = 0; i < kDriveLetters; ++i)
-        consider(TheHost().Find((i + LetterIndex('C')) % kDriveLetters));
-    for (Drive& drive : AllSystemDrives(taken))
-        if (!taken[LetterIndex(drive.letter)]) consider(std::move(drive));
-    return best;
+    return TheDrives().Root();
 }
 
 unsigned DriveGeneration() noexcept
 {
-    return g_generation.load(std::memory_order_acquire) + SystemGeneration();
+    return g_generation.load(std::memory_order_acquire);
 }
 
 } // namespace kx::files
@@ -132,8 +242,7 @@ unsigned DriveGeneration() noexcept
 bool KXHost::MountDrive(char cLetter, const Drive& drive)
 try {
     const std::size_t index = kx::files::LetterIndex(cLetter);
-    if (index == kx::files::kDriveLetters || (!drive.strRoot.empty() && drive.strRoot[0] != '/'))
-        return false;
+    if (index == kx::files::kLetters || (!drive.strRoot.empty() && drive.strRoot[0] != '/')) return false;
     kx::files::Drive mounted;
     mounted.letter = static_cast<char>('A' + index);
     mounted.type = drive.nType;
@@ -146,7 +255,7 @@ try {
         while (mounted.root->ends_with('/'))
             mounted.root->pop_back();
     }
-    kx::files::TheHost().Set(index, std::move(mounted));
+    kx::files::TheDrives().Set(index, std::move(mounted));
     return true;
 } catch (const std::bad_alloc&) {
     AfxThrowMemoryException();
@@ -155,5 +264,12 @@ try {
 void KXHost::UnmountDrive(char cLetter)
 {
     const std::size_t index = kx::files::LetterIndex(cLetter);
-    if (index != kx::files::kDriveLetters) kx::files::TheHost().Set(index, std::nullopt);
+    if (index != kx::files::kLetters) kx::files::TheDrives().Set(index, std::nullopt);
+}
+
+void KXHost::SetSystemRoot(const std::string& strDir)
+try {
+    kx::files::TheDrives().SetRoot(strDir);
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }

@@ -19,8 +19,8 @@ struct Drive
     // The Linux directory without a trailing slash, so `/` is the empty text; nothing: no medium.
     std::optional<std::string> root;
     UINT type = 3; // a DRIVE_... number
-    bool bHost =
-        false; // the host mounted it; what it left empty or 0 the system is asked for, but for the label
+    // The host mounted it; what it left empty or 0 the system is asked for, but for the label.
+    bool bHost = false;
     std::string label;
     std::string fileSystem;
     DWORD serial = 0;
@@ -37,7 +37,9 @@ std::optional<Drive> DriveHolding(std::string_view systemPath);
 // what is written to the buffer; nothing where there is none, where it doesn't fit, and where a lock stays
 // held. A drive of the system's is where it was at the last look.
 std::optional<std::size_t> PeekRoot(char letter, std::span<char> buffer) noexcept;
-std::optional<std::size_t> CopyRoot(const Drive& drive, std::span<char> buffer) noexcept;
+
+// The directory that holds `proc`, `sys` and `dev`; empty for the system's root.
+std::string SystemRoot();
 
 // Changes whenever a letter's drive or root does.
 unsigned DriveGeneration() noexcept;

@@ -7,7 +7,6 @@
 #include "platform/files/Directory.h"
 #include "platform/files/Drives.h"
 #include "platform/files/MountTable.h"
-#include "platform/files/SystemDrives.h"
 #include "platform/text/CharWalk.h"
 #include "platform/text/Conversion.h"
 

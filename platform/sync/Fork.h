@@ -19,7 +19,6 @@ enum class ForkOrder : std::uint8_t
     Executable,
     CurrentDirectory,
     Drives,
-    SystemDrives,
     Names,
     Text,
     Debug,
