@@ -85,6 +85,12 @@ TEST_F(KXXmlDomDocument, LoadsWhatIsWellFormed)
          "<a>&e;&f;</a>",
          "<!DOCTYPE a PUBLIC \"p\" 's\"' [\n<!ENTITY % q SYSTEM ''><!-- ] -->%q;<!ENTITY e SYSTEM 'f'>]  >\n"
          "<a>&e;&f;</a>"},
+        {"<!DOCTYPE a [<!ENTITY e SYSTEM 'f'><!ENTITY i 'x&e;<b>&e;</b>'>]><a>&i;&i;</a>",
+         "<!DOCTYPE a [<!ENTITY e SYSTEM 'f'><!ENTITY i 'x&e;<b>&e;</b>'>]>\n"
+         "<a>x&e;<b>&e;</b>x&e;<b>&e;</b></a>"},
+        {"<!DOCTYPE a [<!ATTLIST a xmlns::t CDATA 'u' xmlns:p CDATA 'v' t:b CDATA '1'>]><a/>",
+         "<!DOCTYPE a [<!ATTLIST a xmlns::t CDATA 'u' xmlns:p CDATA 'v' t:b CDATA '1'>]>\n<a "
+         "xmlns:p=\"v\"/>"},
         {"<a><![CDATA[x]]]]><![CDATA[>]]></a>", "<a><![CDATA[x]]]]><![CDATA[>]]></a>"},
         {"", nullptr},
         {" ", nullptr},

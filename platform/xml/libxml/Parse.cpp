@@ -37,17 +37,6 @@ std::size_t CostOf(const xmlNode* nodes) noexcept
     return nCost;
 }
 
-// Takes the references to themselves out of entities that lie elsewhere.
-void EmptyEntities(xmlDoc* doc) noexcept
-{
-    for (xmlNode* node = doc->intSubset ? doc->intSubset->children : nullptr; node; node = node->next) {
-        auto* const entity = reinterpret_cast<xmlEntity*>(node);
-        if (node->type != XML_ENTITY_DECL || entity->etype != XML_EXTERNAL_GENERAL_PARSED_ENTITY) continue;
-        xmlFreeNodeList(std::exchange(entity->children, nullptr));
-        entity->last = nullptr;
-    }
-}
-
 // The parser counts anew in each entity.
 bool HasRoom(xmlDoc* doc) noexcept
 {
@@ -72,7 +61,6 @@ public:
         MakeContext();
         xmlParseDocument(m_context.get());
         DocPtr doc(std::exchange(m_context->myDoc, nullptr));
-        if (doc) EmptyEntities(doc.get());
         const bool bFull =
             xmlDictGetUsage(m_context->dict) > XML_MAX_DICTIONARY_LIMIT; // which it tells like that too
         if (complaints.NoMemory() && !bFull) throw std::bad_alloc();
@@ -136,39 +124,26 @@ private:
     {
         Of(context).m_subsetEnd = Position(context);
     }
-    // An entity that lies elsewhere consists of a reference to itself, which libxml2 then copies to where it
-    // is used, instead of reading it.
-    static void OnEntity(void* context, const xmlChar* name, int nType, const xmlChar* publicId,
-                         const xmlChar* systemId, xmlChar* content)
-    {
-        xmlSAX2EntityDecl(context, name, nType, publicId, systemId, content);
-        if (nType != XML_EXTERNAL_GENERAL_PARSED_ENTITY) return;
-        xmlDoc* const doc = static_cast<xmlParserCtxt*>(context)->myDoc;
-        xmlEntity* const entity = xmlGetDocEntity(doc, name);
-        if (!entity || entity->etype != nType || entity->children) return;
-        xmlNode* const reference = xmlNewReference(doc, name);
-        if (!reference) return Of(context).Refuse(context);
-        reference->parent = reinterpret_cast<xmlNode*>(entity);
-        entity->children = entity->last = reference;
-        entity->owner = 1;
-        entity->checked = 2; // as one that was parsed
-    }
     // The first reference parses the entity's text; each further one copies what came of it. Behind a text,
-    // its own is appended in time that follows the whole.
+    // its own is appended in time that follows the whole. An entity that lies elsewhere isn't read, as
+    // libxml2's own way to find it would: the reference stays.
     static xmlEntity* OnReference(void* context, const xmlChar* name)
     {
         Parsing& self = Of(context);
-        xmlEntity* const entity = xmlSAX2GetEntity(context, name);
-        const xmlNode* const parent = static_cast<xmlParserCtxt*>(context)->node;
+        auto* const at = static_cast<xmlParserCtxt*>(context);
+        xmlEntity* const entity = xmlGetDocEntity(at->myDoc, name);
+        const xmlNode* const parent = at->node;
         const xmlNode* const last = parent ? parent->last : nullptr;
         std::size_t nCost = kCostOfNode;
         if (entity) nCost += ViewOf(entity->content).size() + CostOf(entity->children);
         if (last && last->type == XML_TEXT_NODE) nCost += ViewOf(last->content).size() / kWalkedPerByte;
         if (!self.Spend(nCost, context)) return nullptr;
         if (!entity) { // within an entity, what isn't read may declare it just as well
-            auto* const at = static_cast<xmlParserCtxt*>(context);
             at->hasExternalSubset |= self.m_context->hasExternalSubset;
             at->hasPErefs |= self.m_context->hasPErefs;
+        } else if (entity->etype == XML_EXTERNAL_GENERAL_PARSED_ENTITY && at->instate == XML_PARSER_CONTENT) {
+            xmlSAX2Reference(context, name);
+            return &self.m_unread;
         }
         return entity;
     }
@@ -179,7 +154,7 @@ private:
         const std::size_t nLength = entity ? ViewOf(entity->content).size() : 0;
         if (self.m_context->inputNr > kDeepestParameter) self.Refuse(context);
         if (!self.Spend(nLength + kCostOfParameter, context)) return nullptr;
-        return entity && entity->etype == XML_EXTERNAL_PARAMETER_ENTITY ? &self.m_unread : entity;
+        return entity && entity->etype == XML_EXTERNAL_PARAMETER_ENTITY ? &self.m_unreadParameter : entity;
     }
     // libxml2 keeps the catalogs that a document names, in a list that it walks to its end for each.
     static void OnInstruction(void* context, const xmlChar* target, const xmlChar* data)
@@ -188,7 +163,8 @@ private:
         xmlSAX2ProcessingInstruction(context, target, data);
     }
     // A name without a prefix is in no namespace here, whatever is the default one. It is declared
-    // nevertheless.
+    // nevertheless. Default attributes aren't added, and a default that declares a prefix of two colons,
+    // which no start tag can, is passed over.
     static void OnElement(void* context, const xmlChar* local, const xmlChar* prefix, const xmlChar* uri,
                           int nNamespaces, const xmlChar** namespaces, int nAttributes, int nDefaulted,
                           const xmlChar** attributes)
@@ -198,39 +174,19 @@ private:
         bool bAllowed = nAttributes <= XML_MAX_ATTRIBUTES && at->nodeNr < XML_MAX_DEPTH &&
                         at->nsNr <= kPerNamespace * XML_MAX_NAMESPACES;
         for (int i = 0; bAllowed && i < nAttributes; ++i) {
-            const xmlChar** const attribute = attributes + kPerAttribute * i;
-            if (*attribute[0] == ':') SetWholeName(at->dict, attribute);
+            const xmlChar* const* const attribute = attributes + kPerAttribute * i;
             const auto nLength = static_cast<std::size_t>(attribute[4] - attribute[3]);
             const bool bDefaulted = i >= nAttributes - nDefaulted;
             bAllowed =
                 nLength <= XML_MAX_ATTRIBUTE && (!bDefaulted || self.Spend(nLength + kCostOfNode, context));
         }
         if (!bAllowed) return self.Refuse(context);
-        xmlSAX2StartElementNs(context, local, prefix, prefix ? uri : nullptr, nNamespaces, namespaces,
-                              nAttributes, nDefaulted, attributes);
-        if (nDefaulted > 0 && at->node) DropBadPrefixes(*at->node);
-    }
-    // A default's name of two colons is cut at the first, where a start tag's stays whole: what is written
-    // must be read as the same.
-    static void SetWholeName(xmlDict* names, const xmlChar** attribute) noexcept
-    {
-        if (const xmlChar* const whole = xmlDictQLookup(names, attribute[1], attribute[0])) {
-            attribute[0] = whole;
-            attribute[1] = attribute[2] = nullptr;
-        }
-    }
-    // Likewise a namespace would be declared with a prefix that no name can have.
-    static void DropBadPrefixes(xmlNode& node) noexcept
-    {
-        for (xmlNs** place = &node.nsDef; *place;) {
-            xmlNs* const declared = *place;
-            if (!declared->prefix || *declared->prefix != ':') {
-                place = &declared->next;
-                continue;
-            }
-            *place = declared->next;
-            xmlFreeNs(declared);
-        }
+        int nDeclared = 0;
+        for (int i = 0; i < nNamespaces; ++i)
+            if (const xmlChar** const one = namespaces + kPerNamespace * i; !one[0] || *one[0] != ':')
+                std::copy_n(one, kPerNamespace, namespaces + kPerNamespace * nDeclared++);
+        xmlSAX2StartElementNs(context, local, prefix, prefix ? uri : nullptr, nDeclared, namespaces,
+                              nAttributes - nDefaulted, 0, attributes);
     }
 
     // Counts against the cap on expansion. False once the document is refused.
@@ -275,13 +231,13 @@ private:
         xmlCtxtUseOptions(m_context.get(), XML_PARSE_NOENT | XML_PARSE_COMPACT | XML_PARSE_NONET |
                                                XML_PARSE_NOERROR | XML_PARSE_NOWARNING |
                                                XML_PARSE_IGNORE_ENC);
-        m_unread.type = XML_ENTITY_DECL;
-        m_unread.etype = XML_INTERNAL_PARAMETER_ENTITY;
-        m_unread.name = m_unread.content = m_nothing;
+        m_unread.type = m_unreadParameter.type = XML_ENTITY_DECL;
+        m_unread.etype = XML_INTERNAL_PREDEFINED_ENTITY;
+        m_unreadParameter.etype = XML_INTERNAL_PARAMETER_ENTITY;
+        m_unreadParameter.name = m_unreadParameter.content = m_nothing;
         xmlSAXHandler& handler = *m_context->sax;
         handler.internalSubset = OnDocType;
         handler.externalSubset = OnDocTypeEnd;
-        handler.entityDecl = OnEntity;
         handler.getEntity = OnReference;
         handler.getParameterEntity = OnParameter;
         handler.processingInstruction = OnInstruction;
@@ -296,7 +252,8 @@ private:
     std::size_t m_nSubset = 0; // read of it
     std::size_t m_nExpanded = 0;
     std::unique_ptr<xmlParserCtxt, FreeBy<xmlFreeParserCtxt>> m_context;
-    xmlEntity m_unread{}; // stands for parameter entities that lie elsewhere
+    xmlEntity m_unread{}; // stand for entities that lie elsewhere
+    xmlEntity m_unreadParameter{};
     xmlChar m_nothing[1] = {};
     bool m_bRefused = false;
 };
