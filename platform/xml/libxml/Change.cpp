@@ -18,9 +18,11 @@ HRESULT Move(NodeObject& element, Place to)
     const bool bOwn = before.Get() == to.tree;
     if (!bOwn && !to.tree->HasRoomForNames(xmlDictSize(before->Doc()->dict))) return E_INVALIDARG;
 
-    before->Children().Removed(element.Node());
-    const NodePtr old = bOwn ? NodePtr() : element.CopyTo(*to.tree);
+    if (!bOwn) element.PrepareMoveTo(*to.tree);
+
     xmlNode* const node = element.Node();
+    before->Children().Removed(node);
+    if (!bOwn) element.MoveTo(*to.tree);
     xmlUnlinkNode(node);
     if (to.node->type == XML_DOCUMENT_NODE)
         xmlDocSetRootElement(to.tree->Doc(), node);

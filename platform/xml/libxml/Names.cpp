@@ -19,6 +19,7 @@ void ForEachName(xmlNode* branch, Use use)
 // What a prefix stands for at a place; null for what nothing around it declares.
 xmlNs* FindNamespace(const xmlNode* place, std::string_view prefix) noexcept
 {
+    if (place && prefix == "xml") return place->doc->oldNs; // each document's own
     for (; place && place->type == XML_ELEMENT_NODE; place = place->parent)
         if (xmlNs* const ns = FindDeclaration(place, prefix)) return ns;
     return nullptr;

@@ -53,12 +53,13 @@ HRESULT Select(Place place, const std::string& pattern, xmlNode** pFirst, std::v
         if (pFirst && hr == S_OK) *pFirst = found.front();
         if (hr != E_INVALIDARG || !bName) return hr;
     }
+    const xmlChar* const name = FindName(place.tree->Doc(), pattern);
     if (pFirst) {
-        *pFirst = place.tree->Children().Find(place.node, pattern);
+        *pFirst = name ? place.tree->Children().Find(place.node, name) : nullptr;
         return *pFirst ? S_OK : S_FALSE;
     }
-    for (xmlNode* node = place.node->children; node; node = node->next)
-        if (IsNamed(node, pattern)) found.push_back(node);
+    for (xmlNode* node = name ? place.node->children : nullptr; node; node = node->next)
+        if (IsNamed(node, name)) found.push_back(node);
     return S_OK;
 }
 

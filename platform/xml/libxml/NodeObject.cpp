@@ -27,39 +27,19 @@ void ForEachObject(xmlNode* branch, Use use)
     }
 }
 
-// libxml2's own copy loses what it had made when memory ends. The names' namespaces are still the old ones.
-NodePtr Copy(xmlNode* from, xmlDoc* doc)
+// Calls it for all texts of the branch that a document's dictionary may hold.
+template <class Use>
+void ForEachText(xmlNode* branch, Use use)
 {
-    const auto expect = [](bool bMade) {
-        if (!bMade) throw std::bad_alloc();
-    };
-    NodePtr copy(xmlDocCopyNode(from, doc, 0));
-    expect(copy && (copy->name || !from->name) && (copy->content || !from->content));
-    if (from->type != XML_ELEMENT_NODE) return copy;
-    const auto namespaceOf = [&](xmlNs* ns) { // nothing declares "xml", which is each document's own
-        if (!ns || ViewOf(ns->prefix) != "xml") return ns;
-        xmlNs* const own = xmlSearchNs(doc, copy.get(), ns->prefix);
-        expect(own);
-        return own;
-    };
-    copy->ns = namespaceOf(from->ns);
-    for (const xmlNs* ns = from->nsDef; ns; ns = ns->next)
-        expect(xmlNewNs(copy.get(), ns->href, ns->prefix));
-    for (const xmlAttr* old = from->properties; old; old = old->next) {
-        xmlAttr* const attribute = xmlNewNsProp(copy.get(), namespaceOf(old->ns), old->name, nullptr);
-        const std::string value(old->children ? ViewOf(old->children->content) : "");
-        expect(attribute && attribute->name && SetValue(attribute, value) == S_OK);
-        if (xmlIsID(doc, copy.get(), attribute) == 1) attribute->atype = XML_ATTRIBUTE_ID;
+    for (xmlNode* node = branch; node; node = NextBelow(branch, node)) {
+        use(node->name);
+        use(node->content);
+        if (node->type != XML_ELEMENT_NODE) continue;
+        for (xmlAttr* attribute = node->properties; attribute; attribute = attribute->next) {
+            use(attribute->name);
+            if (attribute->children) use(attribute->children->content);
+        }
     }
-    for (xmlNode* child = from->children; child; child = child->next) {
-        if (child->type == XML_ENTITY_REF_NODE) continue; // means nothing in another document
-        xmlNode* const below = Copy(child, doc).release();
-        below->parent = copy.get();
-        below->prev = copy->last;
-        (copy->last ? copy->last->next : copy->children) = below;
-        copy->last = below;
-    }
-    return copy;
 }
 
 } // namespace
@@ -93,31 +73,35 @@ NodeObject::~NodeObject()
     xmlFreeNode(m_node);
 }
 
-// libxml2's own move (xmlDOMWrapAdoptNode) leaves a half of it in each document when memory ends.
-NodePtr NodeObject::CopyTo(Tree& tree)
+void NodeObject::PrepareMoveTo(Tree& tree)
 {
-    const Complaints complaints;
-    xmlNode* const old = m_node;
-    NodePtr copied = Copy(old, tree.Doc());
-    complaints.ThrowIfNoMemory();
-    const auto follow = [](xmlNode* from, xmlNode* to) {
-        if (from->_private) ObjectOf(from)->m_node = to;
-        if (to) to->_private = from->_private;
-        from->_private = nullptr;
-    };
-    xmlNode* const top = copied.release();
-    for (xmlNode *from = old, *to = top; from; from = NextBelow(old, from)) {
-        const bool bDropped = from->type == XML_ENTITY_REF_NODE;
-        follow(from, bDropped ? nullptr : to);
-        xmlNode* const next = bDropped ? to : NextBelow(top, to);
-        const xmlNode* const copy = std::exchange(to, next);
-        if (from->type != XML_ELEMENT_NODE) continue;
-        for (xmlAttr *a = from->properties, *b = copy->properties; a; a = a->next, b = b->next)
-            follow(reinterpret_cast<xmlNode*>(a), reinterpret_cast<xmlNode*>(b));
+    ForEachText(m_node, [&](const xmlChar* text) {
+        if (xmlDictOwns(m_tree->Doc()->dict, text) == 1 && !xmlDictLookup(tree.Doc()->dict, text, -1))
+            throw std::bad_alloc();
+    });
+}
+
+void NodeObject::MoveTo(Tree& tree) noexcept
+{
+    m_tree->Children().Forget(m_node);
+    for (xmlNode *node = m_node, *next; node; node = next) {
+        next = NextBelow(m_node, node);
+        if (node->type != XML_ENTITY_REF_NODE) continue; // means nothing in another document
+        if (node->_private) ObjectOf(node)->m_node = nullptr;
+        xmlUnlinkNode(node);
+        xmlFreeNode(node);
     }
-    xmlUnlinkNode(old);
-    m_tree->Children().Forget(old);
-    return NodePtr(old);
+    ForEachText(m_node, [&](auto*& text) {
+        if (xmlDictOwns(m_tree->Doc()->dict, text) == 1)
+            text = const_cast<xmlChar*>(xmlDictLookup(tree.Doc()->dict, text, -1));
+    });
+    xmlUnlinkNode(m_node);
+    xmlSetTreeDoc(m_node, tree.Doc());
+    ForEachElement(m_node, [&](xmlNode* element) {
+        for (xmlAttr* attribute = element->properties; attribute; attribute = attribute->next)
+            attribute->atype =
+                xmlIsID(tree.Doc(), element, attribute) == 1 ? XML_ATTRIBUTE_ID : xmlAttributeType{};
+    });
 }
 
 void NodeObject::Settle(Tree& tree, xmlNode* branch, Declarations needed) noexcept

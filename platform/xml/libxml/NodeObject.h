@@ -24,10 +24,11 @@ public:
     Place Where() const noexcept { return {m_tree.Get(), m_node}; }
     bool IsElement() const noexcept { return m_node && m_node->type == XML_ELEMENT_NODE; }
 
-    // Makes a copy of this node in a tree the node of this object; what lies below moves along with all
-    // objects. Throws std::bad_alloc, with nothing changed. Gives the old nodes, whose declarations the
-    // copy uses until Settle has found others.
-    [[nodiscard]] NodePtr CopyTo(Tree& tree);
+    // Make what lies in this branch that of another tree, where it hangs nowhere yet: its names and short
+    // texts are shared with the other tree's. Nothing has changed if the first throws std::bad_alloc.
+    // Namespaces and objects follow in Settle.
+    void PrepareMoveTo(Tree& tree);
+    void MoveTo(Tree& tree) noexcept;
     // To be called for a branch after it was moved to a tree and place, with the declarations that it needs
     // there: its objects move along. Its top is the document or has an object.
     static void Settle(Tree& tree, xmlNode* branch, Declarations needed) noexcept;

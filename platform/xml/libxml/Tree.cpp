@@ -2,20 +2,11 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstring>
 #include <libxml/valid.h>
 
 namespace kx::xml {
 
-bool IsNamed(const xmlNode* node, std::string_view name) noexcept
-{
-    if (node->type != XML_ELEMENT_NODE || node->ns) return false;
-    const auto* const own = reinterpret_cast<const char*>(node->name);
-    return own[0] == name.data()[0] && std::strncmp(own, name.data(), name.size()) == 0 &&
-           own[name.size()] == '\0';
-}
-
-xmlNode* ChildIndex::Find(const xmlNode* parent, std::string_view name)
+xmlNode* ChildIndex::Find(const xmlNode* parent, const xmlChar* name)
 {
     constexpr int kFew = 64; // nodes that are looked through faster than an index is made
     const auto search = [&](int nMost) {
@@ -43,7 +34,7 @@ xmlNode* ChildIndex::Find(const xmlNode* parent, std::string_view name)
 void ChildIndex::Add(Names& names, xmlNode* child)
 {
     if (child->type != XML_ELEMENT_NODE || child->ns) return;
-    Named& named = names[ViewOf(child->name)];
+    Named& named = names[child->name];
     if (named.nCount++ == 0) named.first = child;
 }
 
@@ -62,7 +53,7 @@ void ChildIndex::Removed(const xmlNode* child) noexcept
 {
     const auto index = m_parents.find(child->parent);
     if (index == m_parents.end() || child->type != XML_ELEMENT_NODE || child->ns) return;
-    const auto found = index->second.find(ViewOf(child->name));
+    const auto found = index->second.find(child->name);
     if (found == index->second.end()) return;
     if (found->second.first == child) found->second.first = nullptr;
     if (--found->second.nCount <= 0) index->second.erase(found);
@@ -75,13 +66,16 @@ void ChildIndex::Forget(xmlNode* branch) noexcept
 
 Ref<Tree> Tree::Make(DocPtr doc, std::string subset)
 {
+    StartLibxml();
+    const Complaints complaints;
     if (!doc) {
-        StartLibxml();
-        const Complaints quiet;
         doc.reset(xmlNewDoc(ToXml("1.0")));
         if (doc) doc->dict = xmlDictCreate(); // names repeated then cost nothing
         if (!doc || !doc->dict) throw std::bad_alloc();
     }
+    // What "xml" stands for is there before it is needed, where memory may be short.
+    xmlSearchNs(doc.get(), reinterpret_cast<xmlNode*>(doc.get()), ToXml("xml"));
+    complaints.ThrowIfNoMemory();
     return Ref<Tree>::Adopt(new Tree(std::move(doc), std::move(subset)));
 }
 

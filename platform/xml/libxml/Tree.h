@@ -52,13 +52,14 @@ private:
     T* m_object = nullptr;
 };
 
-// Finds a node's children by names without a prefix. The children of a parent with many are indexed: all of
-// them, read in any order, take time in proportion to their number.
+// Finds a node's children by names without a prefix, which are their document's own copies (FindName). The
+// children of a parent with many are indexed: all of them, read in any order, take time in proportion to
+// their number.
 class ChildIndex
 {
 public:
     // The first such child; null without one.
-    xmlNode* Find(const xmlNode* parent, std::string_view name);
+    xmlNode* Find(const xmlNode* parent, const xmlChar* name);
     // To be called when an element has become the last child of its parent.
     void Added(xmlNode* child) noexcept;
     // To be called before a node leaves its parent.
@@ -72,7 +73,7 @@ private:
         xmlNode* first; // null where that one has left, and others are there
         int nCount;
     };
-    using Names = std::unordered_map<std::string_view, Named>;
+    using Names = std::unordered_map<const xmlChar*, Named>;
 
     static void Add(Names& names, xmlNode* child);
 
@@ -147,8 +148,16 @@ void ForEachElement(xmlNode* branch, Use use)
 
 // Whether it may be the name, with or without a prefix, of an element or attribute.
 bool IsName(const std::string& name) noexcept;
-// Whether a node is an element of this name, which has no prefix.
-bool IsNamed(const xmlNode* node, std::string_view name) noexcept;
+// A document's only copy of a name, which its nodes share; null for a name that none of them has.
+inline const xmlChar* FindName(const xmlDoc* doc, const std::string& name) noexcept
+{
+    return xmlDictExists(doc->dict, ToXml(name.data()), static_cast<int>(name.size()));
+}
+// Whether a node is an element of this name, a document's own copy, without a prefix.
+inline bool IsNamed(const xmlNode* node, const xmlChar* name) noexcept
+{
+    return node->name == name && node->type == XML_ELEMENT_NODE && !node->ns;
+}
 // A node's name as it stands, or what stands for it.
 std::string NameOf(const xmlNode* node);
 
