@@ -35,10 +35,10 @@ HRESULT Declare(xmlNode* element, const std::string& prefix, const std::string& 
         declared->href = href;
         return S_OK;
     }
-    if (!(Shape::Above(element->parent) + Shape::Below(element) + Shape{0, 1}).Fits()) return E_INVALIDARG;
     const xmlChar* const name = prefix.empty() ? nullptr : ToXml(prefix.c_str());
     Declarations declared(xmlNewNs(nullptr, ToXml(uri.c_str()), name));
     if (!declared || !declared->href || (name && !declared->prefix)) return E_OUTOFMEMORY;
+    if (!FitsAt(element->parent, element, declared.get())) return E_INVALIDARG;
     AddDeclarations(element, std::move(declared));
     return S_OK;
 }

@@ -11,11 +11,10 @@ namespace {
 // one. Nothing has changed on failure, for which std::bad_alloc may stand too.
 HRESULT Move(NodeObject& element, Place to)
 {
-    const Ref before(&element.GetTree()); // what the branch leaves behind lives until it has settled
+    const auto before = Share(&element.GetTree()); // what the branch leaves behind lives until it has settled
     auto needed = NeededAt(element.Node(), to.node);
-    if (!(Shape::Above(to.node) + Shape::Below(element.Node()) + Shape::Of(needed.get())).Fits())
-        return E_INVALIDARG;
-    const bool bOwn = before.Get() == to.tree;
+    if (!FitsAt(to.node, element.Node(), needed.get())) return E_INVALIDARG;
+    const bool bOwn = before.get() == to.tree;
     if (!bOwn && !to.tree->HasRoomForNames(xmlDictSize(before->Doc()->dict))) return E_INVALIDARG;
 
     if (!bOwn) element.PrepareMoveTo(*to.tree);

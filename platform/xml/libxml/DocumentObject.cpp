@@ -15,7 +15,7 @@ namespace {
 class DocumentObject final : public NodeMethods<IXMLDOMDocument, DocumentObject>
 {
 public:
-    Place Where() const noexcept { return {m_tree.Get(), m_tree->DocNode()}; }
+    Place Where() const noexcept { return {m_tree.get(), m_tree->DocNode()}; }
 
     HRESULT QueryInterface(const GUID& iid, void** ppObject) override
     {
@@ -65,7 +65,7 @@ public:
         return Guarded([&] {
             xmlNode* const root = m_tree->Root();
             if (!root) return S_FALSE;
-            *ppElement = NodeObject::Of(*m_tree, root).Detach();
+            *ppElement = NodeObject::Of(*m_tree, root).release();
             return S_OK;
         });
     }
@@ -86,7 +86,7 @@ public:
             const Complaints quiet;
             NodePtr node(xmlNewDocNode(m_tree->Doc(), nullptr, ToXml(name.c_str()), nullptr));
             if (!node) return E_OUTOFMEMORY;
-            *ppElement = NodeObject::Of(*m_tree, node.get()).Detach();
+            *ppElement = NodeObject::Of(*m_tree, node.get()).release();
             static_cast<void>(node.release());
             return S_OK;
         });

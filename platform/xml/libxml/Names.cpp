@@ -6,13 +6,13 @@ namespace kx::xml {
 
 namespace {
 
+// Calls it for each element and attribute, with the element that it is or belongs to.
 template <class Use>
 void ForEachName(xmlNode* branch, Use use)
 {
-    ForEachElement(branch, [&](xmlNode* element) {
-        use(element, element->ns);
-        for (xmlAttr* attribute = element->properties; attribute; attribute = attribute->next)
-            use(element, attribute->ns);
+    ForEachNode(branch, [&](xmlNode* node) {
+        if (node->type == XML_ELEMENT_NODE || node->type == XML_ATTRIBUTE_NODE)
+            use(node->type == XML_ELEMENT_NODE ? node : node->parent, node->ns);
     });
 }
 

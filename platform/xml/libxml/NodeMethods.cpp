@@ -34,7 +34,7 @@ public:
         if (!ppNode) return E_POINTER;
         *ppNode = nullptr;
         if (nIndex < 0 || static_cast<std::size_t>(nIndex) >= m_nodes.size()) return S_FALSE;
-        *ppNode = Ref(m_nodes[static_cast<std::size_t>(nIndex)]).Detach();
+        *ppNode = Share(m_nodes[static_cast<std::size_t>(nIndex)].get()).release();
         return S_OK;
     }
 
@@ -82,7 +82,7 @@ HRESULT SelectSingleNode(Place place, BSTR bstrPattern, IXMLDOMNode** ppNode)
     std::vector<xmlNode*> found;
     xmlNode* first = nullptr;
     const HRESULT hr = Select(place, ToUtf8(bstrPattern), &first, found);
-    if (hr == S_OK) *ppNode = NodeObject::Of(*place.tree, first).Detach();
+    if (hr == S_OK) *ppNode = NodeObject::Of(*place.tree, first).release();
     return hr;
 }
 

@@ -15,41 +15,33 @@ NodeObject* ObjectOf(const xmlNode* node) noexcept
     return static_cast<NodeObject*>(node->_private);
 }
 
-// Calls it for every node in the branch, attributes too, that has an object.
+// Calls it for each object in the branch.
 template <class Use>
 void ForEachObject(xmlNode* branch, Use use)
 {
-    for (xmlNode* node = branch; node; node = NextBelow(branch, node)) {
+    ForEachNode(branch, [&](const xmlNode* node) {
         if (node->_private) use(*ObjectOf(node));
-        if (node->type != XML_ELEMENT_NODE) continue;
-        for (xmlAttr* attribute = node->properties; attribute; attribute = attribute->next)
-            if (attribute->_private) use(*static_cast<NodeObject*>(attribute->_private));
-    }
+    });
 }
 
 // Calls it for all texts of the branch that a document's dictionary may hold.
 template <class Use>
 void ForEachText(xmlNode* branch, Use use)
 {
-    for (xmlNode* node = branch; node; node = NextBelow(branch, node)) {
+    ForEachNode(branch, [&](xmlNode* node) {
         use(node->name);
-        use(node->content);
-        if (node->type != XML_ELEMENT_NODE) continue;
-        for (xmlAttr* attribute = node->properties; attribute; attribute = attribute->next) {
-            use(attribute->name);
-            if (attribute->children) use(attribute->children->content);
-        }
-    }
+        if (node->type != XML_ATTRIBUTE_NODE) use(node->content);
+    });
 }
 
 } // namespace
 
 Ref<NodeObject> NodeObject::Of(Tree& tree, xmlNode* node)
 {
-    if (!node || node->type == XML_DOCUMENT_NODE) return Ref<NodeObject>::Adopt(new NodeObject(tree, node));
-    if (node->_private) return Ref(ObjectOf(node));
-    auto object = Ref<NodeObject>::Adopt(new NodeObject(tree, node));
-    node->_private = object.Get();
+    if (!node || node->type == XML_DOCUMENT_NODE) return Ref<NodeObject>(new NodeObject(tree, node));
+    if (node->_private) return Share(ObjectOf(node));
+    auto object = Ref<NodeObject>(new NodeObject(tree, node));
+    node->_private = object.get();
     const xmlNode* const parent = node->parent; // most are found from another one's object, in the document
     if (parent && parent->_private && parent->parent && !ObjectOf(parent)->m_anchor) return object;
     xmlNode* const top = TopOf(node);
@@ -61,7 +53,7 @@ Ref<NodeObject> NodeObject::From(IXMLDOMNode* pNode)
 {
     void* pOwn = nullptr;
     if (!pNode || FAILED(pNode->QueryInterface(kOwnNode, &pOwn))) return {};
-    return Ref<NodeObject>::Adopt(static_cast<NodeObject*>(static_cast<IXMLDOMElement*>(pOwn)));
+    return Ref<NodeObject>(static_cast<NodeObject*>(static_cast<IXMLDOMElement*>(pOwn)));
 }
 
 NodeObject::~NodeObject()
@@ -97,10 +89,11 @@ void NodeObject::MoveTo(Tree& tree) noexcept
     });
     xmlUnlinkNode(m_node);
     xmlSetTreeDoc(m_node, tree.Doc());
-    ForEachElement(m_node, [&](xmlNode* element) {
-        for (xmlAttr* attribute = element->properties; attribute; attribute = attribute->next)
-            attribute->atype =
-                xmlIsID(tree.Doc(), element, attribute) == 1 ? XML_ATTRIBUTE_ID : xmlAttributeType{};
+    ForEachNode(m_node, [&](xmlNode* node) {
+        auto* const attribute = reinterpret_cast<xmlAttr*>(node);
+        if (node->type != XML_ATTRIBUTE_NODE) return;
+        attribute->atype =
+            xmlIsID(tree.Doc(), node->parent, attribute) == 1 ? XML_ATTRIBUTE_ID : xmlAttributeType{};
     });
 }
 
@@ -108,10 +101,10 @@ void NodeObject::Settle(Tree& tree, xmlNode* branch, Declarations needed) noexce
 {
     AddDeclarations(branch, std::move(needed));
     xmlNode* const top = TopOf(branch);
-    const auto anchor = top->type == XML_DOCUMENT_NODE ? Ref<NodeObject>() : Ref(ObjectOf(top));
+    NodeObject* const anchor = top->type == XML_DOCUMENT_NODE ? nullptr : ObjectOf(top);
     ForEachObject(branch, [&](NodeObject& object) {
-        if (object.m_tree.Get() != &tree) object.m_tree = Ref(&tree);
-        if (anchor || object.m_anchor) object.m_anchor = object.m_node == top ? Ref<NodeObject>() : anchor;
+        if (object.m_tree.get() != &tree) object.m_tree = Share(&tree);
+        if (anchor || object.m_anchor) object.m_anchor = Share(&object == anchor ? nullptr : anchor);
     });
 }
 

@@ -21,7 +21,7 @@ public:
 
     Tree& GetTree() const noexcept { return *m_tree; }
     xmlNode* Node() const noexcept { return m_node; }
-    Place Where() const noexcept { return {m_tree.Get(), m_node}; }
+    Place Where() const noexcept { return {m_tree.get(), m_node}; }
     bool IsElement() const noexcept { return m_node && m_node->type == XML_ELEMENT_NODE; }
 
     // Make what lies in this branch that of another tree, where it hangs nowhere yet: its names and short
@@ -43,7 +43,7 @@ public:
     HRESULT setAttribute(BSTR bstrName, VARIANT value) override;
 
 private:
-    NodeObject(Tree& tree, xmlNode* node) noexcept : m_tree(&tree), m_node(node) {}
+    NodeObject(Tree& tree, xmlNode* node) noexcept : m_tree(Share(&tree)), m_node(node) {}
     ~NodeObject() override;
 
     Ref<Tree> m_tree;

@@ -41,7 +41,7 @@ std::size_t CostOf(const xmlNode* nodes) noexcept
 bool HasRoom(xmlDoc* doc) noexcept
 {
     xmlNode* const root = xmlDocGetRootElement(doc);
-    if (!Shape::Below(root).Fits()) return false;
+    if (!FitsAt(nullptr, root, nullptr)) return false;
     for (xmlNode* node = root; node; node = NextBelow(root, node))
         if (node->type == XML_TEXT_NODE && ViewOf(node->content).size() > XML_MAX_TEXT) return false;
     return true;

@@ -1,10 +1,33 @@
 #include "platform/xml/libxml/Tree.h"
 
-#include <algorithm>
 #include <climits>
 #include <libxml/valid.h>
 
 namespace kx::xml {
+
+namespace {
+
+int CountOf(const xmlNs* declared) noexcept
+{
+    int n = 0;
+    for (; declared; declared = declared->next)
+        ++n;
+    return n;
+}
+
+// Whether a branch has no more than so many of them within each other.
+bool Fits(const xmlNode* branch, int nElements, int nNamespaces) noexcept
+{
+    if (branch->type != XML_ELEMENT_NODE) return true;
+    nNamespaces -= CountOf(branch->nsDef);
+    if (--nElements < 0 || nNamespaces < 0) return false;
+    const xmlNode* child = branch->children;
+    while (child && Fits(child, nElements, nNamespaces))
+        child = child->next;
+    return !child;
+}
+
+} // namespace
 
 xmlNode* ChildIndex::Find(const xmlNode* parent, const xmlChar* name)
 {
@@ -76,7 +99,7 @@ Ref<Tree> Tree::Make(DocPtr doc, std::string subset)
     // What "xml" stands for is there before it is needed, where memory may be short.
     xmlSearchNs(doc.get(), reinterpret_cast<xmlNode*>(doc.get()), ToXml("xml"));
     complaints.ThrowIfNoMemory();
-    return Ref<Tree>::Adopt(new Tree(std::move(doc), std::move(subset)));
+    return Ref<Tree>(new Tree(std::move(doc), std::move(subset)));
 }
 
 void ForgetIds(xmlDoc* doc) noexcept
@@ -85,36 +108,13 @@ void ForgetIds(xmlDoc* doc) noexcept
     xmlFreeRefTable(static_cast<xmlRefTable*>(std::exchange(doc->refs, nullptr)));
 }
 
-Shape Shape::Of(const xmlNs* declared) noexcept
+bool FitsAt(const xmlNode* place, const xmlNode* branch, const xmlNs* more) noexcept
 {
-    Shape shape;
-    for (; declared; declared = declared->next)
-        ++shape.nNamespaces;
-    return shape;
-}
-
-Shape Shape::Below(xmlNode* branch) noexcept
-{
-    Shape most;
-    if (branch->type != XML_ELEMENT_NODE) return most;
-    for (xmlNode* child = branch->children; child; child = child->next) { // as deep as documents may be
-        const Shape below = Below(child);
-        most = {std::max(most.nElements, below.nElements), std::max(most.nNamespaces, below.nNamespaces)};
-    }
-    return most + Shape{1, 0} + Of(branch->nsDef);
-}
-
-Shape Shape::Above(const xmlNode* node) noexcept
-{
-    Shape all;
-    for (; node && node->type == XML_ELEMENT_NODE; node = node->parent)
-        all = all + Shape{1, 0} + Of(node->nsDef);
-    return all;
-}
-
-bool Shape::Fits() const noexcept
-{
-    return nElements <= XML_MAX_DEPTH && nNamespaces <= XML_MAX_NAMESPACES;
+    int nElements = XML_MAX_DEPTH; // that are left
+    int nNamespaces = XML_MAX_NAMESPACES - CountOf(more);
+    for (; place && place->type == XML_ELEMENT_NODE; place = place->parent, --nElements)
+        nNamespaces -= CountOf(place->nsDef);
+    return Fits(branch, nElements, nNamespaces);
 }
 
 } // namespace kx::xml

@@ -12,45 +12,20 @@
 
 namespace kx::xml {
 
+struct Releaser
+{
+    void operator()(auto* object) const noexcept { object->Release(); }
+};
 // Holds one reference on an object with AddRef and Release.
 template <class T>
-class Ref
+using Ref = std::unique_ptr<T, Releaser>;
+// A further reference, on an object or none.
+template <class T>
+Ref<T> Share(T* object) noexcept
 {
-public:
-    Ref() = default;
-    explicit Ref(T* object) noexcept : m_object(object)
-    {
-        if (m_object) m_object->AddRef();
-    }
-    // Takes over the caller's reference.
-    static Ref Adopt(T* object) noexcept
-    {
-        Ref ref;
-        ref.m_object = object;
-        return ref;
-    }
-    Ref(const Ref& other) noexcept : Ref(other.m_object) {}
-    Ref(Ref&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
-    Ref& operator=(Ref other) noexcept
-    {
-        std::swap(m_object, other.m_object);
-        return *this;
-    }
-    ~Ref()
-    {
-        if (m_object) m_object->Release();
-    }
-
-    T* Get() const noexcept { return m_object; }
-    T* operator->() const noexcept { return m_object; }
-    T& operator*() const noexcept { return *m_object; }
-    explicit operator bool() const noexcept { return m_object; }
-    // Gives the reference to the caller.
-    T* Detach() noexcept { return std::exchange(m_object, nullptr); }
-
-private:
-    T* m_object = nullptr;
-};
+    if (object) object->AddRef();
+    return Ref<T>(object);
+}
 
 // Finds a node's children by names without a prefix, which are their document's own copies (FindName). The
 // children of a parent with many are indexed: all of them, read in any order, take time in proportion to
@@ -139,6 +114,20 @@ inline xmlNode* TopOf(xmlNode* node) noexcept
         node = node->parent;
     return node;
 }
+// Calls it for all nodes of a branch, and for all attributes, which begin with the same fields, with their
+// texts.
+template <class Use>
+void ForEachNode(xmlNode* branch, Use use)
+{
+    for (xmlNode* node = branch; node; node = NextBelow(branch, node)) {
+        use(node);
+        xmlAttr* attribute = node->type == XML_ELEMENT_NODE ? node->properties : nullptr;
+        for (; attribute; attribute = attribute->next) {
+            use(reinterpret_cast<xmlNode*>(attribute));
+            if (attribute->children) use(attribute->children);
+        }
+    }
+}
 template <class Use>
 void ForEachElement(xmlNode* branch, Use use)
 {
@@ -176,24 +165,9 @@ void AddDeclarations(xmlNode* branch, Declarations added) noexcept;
 // Attributes can then come and go without leaving themselves behind in tables.
 void ForgetIds(xmlDoc* doc) noexcept;
 
-// How much lies within each other along the longest way down: elements, and declarations of namespaces. What
-// exceeds the limits of one document could be written but not be loaded again.
-struct Shape
-{
-    int nElements = 0;
-    int nNamespaces = 0;
-
-    static Shape Of(const xmlNs* declared) noexcept;
-    // From a branch's top down to its leaves, each at its most.
-    static Shape Below(xmlNode* branch) noexcept;
-    // From the document down to this node, which may be null.
-    static Shape Above(const xmlNode* node) noexcept;
-
-    bool Fits() const noexcept;
-    friend Shape operator+(const Shape& a, const Shape& b) noexcept
-    {
-        return {a.nElements + b.nElements, a.nNamespaces + b.nNamespaces};
-    }
-};
+// Whether a branch may hang at a place, null for nowhere, with more declarations of namespaces than are in it
+// now: what exceeds the limits of elements and declarations within each other could be written but not be
+// loaded again.
+bool FitsAt(const xmlNode* place, const xmlNode* branch, const xmlNs* more) noexcept;
 
 } // namespace kx::xml

@@ -32,8 +32,7 @@ public:
     Evaluation(xmlXPathContext* context, xmlNode* from) : m_context(context), m_from(from)
     {
         m_context->userData = this;
-        Replace("id", OnId);
-        Replace("namespace-uri", OnNamespaceUri);
+        xmlXPathRegisterFuncLookup(m_context, OwnFunction, nullptr);
         if (from->type == XML_ELEMENT_NODE) m_context->namespaces = xmlGetNsList(from->doc, from);
         while (m_context->namespaces && m_context->namespaces[m_context->nsNr])
             ++m_context->nsNr;
@@ -78,18 +77,17 @@ public:
     }
 
 private:
-    void Replace(const char* pszName, xmlXPathFunction function)
+    // Null for functions that are libxml2's own.
+    static xmlXPathFunction OwnFunction(void*, const xmlChar* name, const xmlChar* uri) noexcept
     {
-        if (xmlXPathFunctionLookup(m_context, ToXml(pszName)) == function) return;
-        xmlXPathRegisterFunc(m_context, ToXml(pszName), nullptr); // it doesn't overwrite
-        if (xmlXPathRegisterFunc(m_context, ToXml(pszName), function) != 0) throw std::bad_alloc();
+        if (uri) return nullptr;
+        return ViewOf(name) == "id" ? OnId : ViewOf(name) == "namespace-uri" ? OnNamespaceUri : nullptr;
     }
     static void OnId(xmlXPathParserContext* parser, int nArguments);
     static void OnNamespaceUri(xmlXPathParserContext* parser, int nArguments);
 
     xmlXPathContext* const m_context;
     xmlNode* const m_from;
-    bool m_bIds = false; // whether the document's table of identities is there
     xmlXPathError m_error = XPATH_EXPRESSION_OK;
 };
 
@@ -99,12 +97,12 @@ void Evaluation::OnId(xmlXPathParserContext* parser, int nArguments)
 {
     auto& self = *static_cast<Evaluation*>(parser->context->userData);
     xmlDoc* const doc = parser->context->doc;
-    if (!std::exchange(self.m_bIds, true)) {
+    if (!doc->ids) {
         doc->ids = xmlHashCreate(0);
-        ForEachElement(TopOf(self.m_from), [&](const xmlNode* element) {
-            for (xmlAttr* attribute = element->properties; attribute; attribute = attribute->next)
-                if (attribute->atype == XML_ATTRIBUTE_ID && attribute->children)
-                    xmlAddID(nullptr, doc, attribute->children->content, attribute);
+        ForEachNode(TopOf(self.m_from), [&](xmlNode* node) {
+            auto* const attribute = reinterpret_cast<xmlAttr*>(node);
+            if (node->type == XML_ATTRIBUTE_NODE && attribute->atype == XML_ATTRIBUTE_ID && node->children)
+                xmlAddID(nullptr, doc, node->children->content, attribute);
         });
     }
     if (const Result argument(nArguments == 1 ? valuePop(parser) : nullptr); argument) {
