@@ -12,7 +12,6 @@ namespace {
 
 constexpr int kMargin = 32;
 constexpr int kGap = 14;
-constexpr int kMostSide = 4096; // of a state that is drawn as it is
 constexpr COLORREF kPaper = RGB(250, 250, 251);
 constexpr COLORREF kInk = RGB(38, 42, 48);
 constexpr COLORREF kFaint = RGB(120, 126, 134);
@@ -230,8 +229,7 @@ void SkinSheet::Strip(const skin::SkinFile& file)
     if (!bThere && file.pszBackground) return; // of another type of background
     bitmap.SetMultiState(file.nStates, file.bHorz);
     const CRect rcState = bThere ? bitmap.GetSrcImageRect() : CRect();
-    const CSize size =
-        Fitting(CSize(std::clamp(rcState.Width(), 1, kMostSide), std::clamp(rcState.Height(), 1, kMostSide)));
+    const CSize size = Fitting(CSize(std::max(rcState.Width(), 1), std::max(rcState.Height(), 1)));
     const int cxCell = std::max(size.cx, 18) + 6;
     const int nPerRow = std::clamp((kWidth - 2 * kMargin) / cxCell, 1, file.nStates);
     const int nRows = (file.nStates + nPerRow - 1) / nPerRow;
