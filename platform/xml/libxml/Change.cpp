@@ -54,15 +54,10 @@ HRESULT PutElementText(Place place, const std::string& text)
 
 HRESULT PutText(Place place, BSTR bstrText)
 {
-    if (!place.node) return E_FAIL;
-    switch (place.node->type) {
-    case XML_ELEMENT_NODE:
-        return PutElementText(place, ToXmlText(bstrText));
-    case XML_ATTRIBUTE_NODE:
-        return SetValue(reinterpret_cast<xmlAttr*>(place.node), ToXmlText(bstrText));
-    default:
-        return E_FAIL;
-    }
+    const xmlElementType type = place.node ? place.node->type : XML_DOCUMENT_NODE;
+    if (type == XML_ELEMENT_NODE) return PutElementText(place, ToXmlText(bstrText));
+    if (type != XML_ATTRIBUTE_NODE) return E_FAIL;
+    return SetValue(reinterpret_cast<xmlAttr*>(place.node), ToXmlText(bstrText));
 }
 
 HRESULT AppendChild(Place place, IXMLDOMNode* pChild)

@@ -60,9 +60,7 @@ public:
     }
     HRESULT get_documentElement(IXMLDOMElement** ppElement) override
     {
-        if (!ppElement) return E_POINTER;
-        *ppElement = nullptr;
-        return Guarded([&] {
+        return Give(ppElement, [&] {
             xmlNode* const root = m_tree->Root();
             if (!root) return S_FALSE;
             *ppElement = NodeObject::Of(*m_tree, root).release();
@@ -78,9 +76,7 @@ public:
     }
     HRESULT createElement(BSTR bstrName, IXMLDOMElement** ppElement) override
     {
-        if (!ppElement) return E_POINTER;
-        *ppElement = nullptr;
-        return Guarded([&] {
+        return Give(ppElement, [&] {
             const std::string name = ToUtf8(bstrName);
             if (!IsName(name) || !m_tree->HasRoomForNames(1)) return E_INVALIDARG;
             const Complaints quiet;

@@ -31,11 +31,11 @@ public:
     }
     HRESULT item(long nIndex, IXMLDOMNode** ppNode) override
     {
-        if (!ppNode) return E_POINTER;
-        *ppNode = nullptr;
-        if (nIndex < 0 || static_cast<std::size_t>(nIndex) >= m_nodes.size()) return S_FALSE;
-        *ppNode = Share(m_nodes[static_cast<std::size_t>(nIndex)].get()).release();
-        return S_OK;
+        return Give(ppNode, [&] {
+            const auto n = static_cast<std::size_t>(nIndex); // one below 0 is beyond the end
+            if (n < m_nodes.size()) *ppNode = Share(m_nodes[n].get()).release();
+            return *ppNode ? S_OK : S_FALSE;
+        });
     }
 
 private:

@@ -63,6 +63,14 @@ try {
 } catch (const std::bad_alloc&) {
     return E_OUTOFMEMORY;
 }
+// The same for one that gives something out, which is null on failure.
+template <class Output, class Run>
+HRESULT Give(Output* pOutput, Run run) noexcept
+{
+    if (!pOutput) return E_POINTER;
+    *pOutput = {};
+    return Guarded(run);
+}
 
 // The methods that a document and its nodes share, on UTF-8. `ppNode` and so on are never null.
 std::string GetText(Place place);
@@ -105,24 +113,18 @@ public:
     }
     HRESULT selectSingleNode(BSTR bstrPattern, IXMLDOMNode** ppNode) override
     {
-        if (!ppNode) return E_POINTER;
-        *ppNode = nullptr;
-        return Guarded([&] { return SelectSingleNode(Here(), bstrPattern, ppNode); });
+        return Give(ppNode, [&] { return SelectSingleNode(Here(), bstrPattern, ppNode); });
     }
     HRESULT selectNodes(BSTR bstrPattern, IXMLDOMNodeList** ppList) override
     {
-        if (!ppList) return E_POINTER;
-        *ppList = nullptr;
-        return Guarded([&] { return SelectNodes(Here(), bstrPattern, ppList); });
+        return Give(ppList, [&] { return SelectNodes(Here(), bstrPattern, ppList); });
     }
 
 private:
     Place Here() const noexcept { return static_cast<const Self*>(this)->Where(); }
     HRESULT Get(BSTR* pbstr, std::string (*get)(Place))
     {
-        if (!pbstr) return E_POINTER;
-        *pbstr = nullptr;
-        return Guarded([&] {
+        return Give(pbstr, [&] {
             if (!Here().node) return E_FAIL;
             *pbstr = ToBstr(get(Here()));
             return *pbstr ? S_OK : E_OUTOFMEMORY;

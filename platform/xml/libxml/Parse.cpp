@@ -20,20 +20,15 @@ constexpr std::size_t kCostOfParameter = 1000; // of one reference: libxml2 take
 constexpr int kDeepestParameter = 32;          // libxml2 gives up at 40, but doesn't come back
 
 // What a copy of these nodes, which are an entity's, takes of the cap.
-std::size_t CostOf(const xmlNode* nodes) noexcept
+std::size_t CostOf(xmlNode* nodes) noexcept
 {
     std::size_t nCost = 0;
-    for (const xmlNode* node = nodes; node; node = node->next) {
-        nCost += kCostOfNode;
-        if (node->type == XML_ELEMENT_NODE) {
-            for (const xmlAttr* attribute = node->properties; attribute; attribute = attribute->next)
-                nCost +=
-                    kCostOfNode + (attribute->children ? ViewOf(attribute->children->content).size() : 0);
-            nCost += CostOf(node->children); // no deeper than documents may be
-        } else if (node->type != XML_ENTITY_REF_NODE) {
-            nCost += ViewOf(node->content).size();
-        }
-    }
+    for (; nodes; nodes = nodes->next)
+        ForEachNode(nodes, [&](const xmlNode* node) {
+            const bool bText = node->type != XML_ELEMENT_NODE && node->type != XML_ATTRIBUTE_NODE &&
+                               node->type != XML_ENTITY_REF_NODE;
+            nCost += kCostOfNode + (bText ? ViewOf(node->content).size() : 0);
+        });
     return nCost;
 }
 
