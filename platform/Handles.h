@@ -23,6 +23,7 @@ enum class HandleKind : std::uint8_t
     Service, // and the manager's
     Module,
     Resource,
+    Desktop,
     Window,
     Drawing, // device contexts, bitmaps, fonts and their like
 };

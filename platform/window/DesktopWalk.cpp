@@ -1,48 +1,19 @@
 #include "platform/Errno.h"
-#include "platform/Immortal.h"
+#include "platform/Handles.h"
 #include "platform/NoMemory.h"
-#include "platform/sync/Mutex.h"
 #include "platform/text/CharWalk.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/WindowTable.h"
 
 #include <map>
-#include <set>
+#include <memory>
 
 namespace {
 
-// The open handles of the desktop: numbers that are never used again.
-class OpenDesktops
+// The desktop, opened by its name: there is one, so that nothing is known of it.
+struct OpenDesktop
 {
-public:
-    static OpenDesktops& Instance()
-    {
-        static kx::Immortal<OpenDesktops> open;
-        return open.Get();
-    }
-
-    HDESK Open()
-    {
-        const kx::sync::MutexLock lock(m_lock);
-        const auto handle = reinterpret_cast<HDESK>(++m_last);
-        m_open.insert(handle);
-        return handle;
-    }
-    bool Close(HDESK hDesk)
-    {
-        const kx::sync::MutexLock lock(m_lock);
-        return m_open.erase(hDesk) != 0;
-    }
-    bool Has(HDESK hDesk) const
-    {
-        const kx::sync::MutexLock lock(m_lock);
-        return m_open.contains(hDesk);
-    }
-
-private:
-    mutable kx::sync::Mutex m_lock;
-    std::uintptr_t m_last KX_GUARDED_BY(m_lock) = 0;
-    std::set<HDESK> m_open KX_GUARDED_BY(m_lock);
+    static constexpr kx::HandleKind HANDLE_KIND = kx::HandleKind::Desktop;
 };
 
 // The windows of every process by their age.
@@ -61,7 +32,8 @@ std::map<std::uintptr_t, HWND> AllWindows()
 
 HDESK OpenDesktopA(const char* pszName, DWORD, int, DWORD)
 try {
-    if (pszName && kx::text::CompareNoCase(pszName, "Default") == 0) return OpenDesktops::Instance().Open();
+    if (pszName && kx::text::CompareNoCase(pszName, "Default") == 0)
+        return static_cast<HDESK>(kx::AddHandle(std::make_shared<OpenDesktop>()));
     SetLastError(ERROR_FILE_NOT_FOUND);
     return nullptr;
 } catch (...) {
@@ -70,13 +42,13 @@ try {
 
 int CloseDesktop(HDESK hDesk)
 {
-    return OpenDesktops::Instance().Close(hDesk) ? 1 : kx::Fail(ERROR_INVALID_HANDLE);
+    return kx::RemoveHandle<OpenDesktop>(hDesk) ? 1 : kx::Fail(ERROR_INVALID_HANDLE);
 }
 
 int EnumDesktopWindows(HDESK hDesk, WNDENUMPROC pfn, long lParam)
 try {
     if (!pfn) return kx::Fail(ERROR_INVALID_PARAMETER);
-    if (hDesk && !OpenDesktops::Instance().Has(hDesk)) return kx::Fail(ERROR_INVALID_HANDLE);
+    if (hDesk && !kx::FindHandle<OpenDesktop>(hDesk)) return kx::Fail(ERROR_INVALID_HANDLE);
     for (const auto& [age, hWnd] : AllWindows())
         if (IsWindow(hWnd) && !pfn(hWnd, lParam)) return 0;
     return 1;
