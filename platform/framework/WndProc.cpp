@@ -101,9 +101,9 @@ int CWnd::CreateEx(DWORD, const char* pszClass, const char* pszName, DWORD dwSty
     const Restore creating(t_creating, this);
     const HWND hParent = pParent ? pParent->m_hWnd : nullptr;
     try {
-        return kx::window::Create({pszClass, pszName, dwStyle, rect.left, rect.top, rect.right - rect.left,
-                                   rect.bottom - rect.top, hParent, pParam},
-                                  AfxWndProc) != nullptr;
+        return kx::window::Create({pParam, pszName, pszClass, rect.left, rect.top, rect.right - rect.left,
+                                   rect.bottom - rect.top, dwStyle},
+                                  hParent, AfxWndProc) != nullptr;
     } catch (const std::bad_alloc&) {
         LoseWindow();
         AfxThrowMemoryException();

@@ -10,12 +10,6 @@ namespace kx::window {
 
 namespace {
 
-SIZE SizeOf(const Window& window)
-{
-    const RECT rect = window.Rect();
-    return {rect.right - rect.left, rect.bottom - rect.top};
-}
-
 std::shared_ptr<screen::Backing> PixelsOf(HWND hWnd)
 {
     const SIZE size = hWnd ? SIZE{} : Desktop::Instance().Size(); // which may wait for a display
@@ -23,7 +17,7 @@ std::shared_ptr<screen::Backing> PixelsOf(HWND hWnd)
     if (!hWnd) return Root(size);
     const auto window = WindowTable::Instance().Find(hWnd);
     if (!window) return nullptr;
-    if (!window->backing) window->backing = screen::MakeBacking(SizeOf(*window));
+    if (!window->backing) window->backing = screen::MakeBacking(SizeOf(window->Rect()));
     return window->backing;
 }
 
@@ -56,7 +50,7 @@ HDC OpenContext(HWND hWnd, const std::optional<gdi::PixelRegion>& limit)
 SIZE FitBacking(Window& window)
 {
     const sync::MutexLock lock(gdi::pixelLock);
-    return screen::Resize(window.backing, SizeOf(window));
+    return screen::Resize(window.backing, SizeOf(window.Rect()));
 }
 
 std::shared_ptr<screen::Backing> Root(SIZE size)

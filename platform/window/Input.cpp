@@ -25,11 +25,6 @@ bool IsMouse(UINT nMsg) noexcept
     return nMsg >= WM_MOUSEMOVE && nMsg <= WM_MOUSEWHEEL;
 }
 
-bool IsButtonDown(UINT nMsg) noexcept
-{
-    return nMsg == WM_LBUTTONDOWN || nMsg == WM_RBUTTONDOWN || nMsg == WM_MBUTTONDOWN;
-}
-
 bool IsKey(UINT nMsg) noexcept
 {
     return nMsg == WM_KEYDOWN || nMsg == WM_KEYUP || nMsg == WM_SYSKEYDOWN || nMsg == WM_SYSKEYUP;
@@ -82,7 +77,7 @@ bool HearMouse(Input& input, MSG& msg)
     const auto window = WindowTable::Instance().Find(msg.hwnd);
     if (!window) return false;
     input.under = msg.hwnd;
-    if (IsButtonDown(msg.message)) LearnPress(input, *window, msg);
+    if (IsPress(msg.message)) LearnPress(input, *window, msg);
     if (!input.capture && msg.message != WM_MOUSEWHEEL)
         window->Call(WM_SETCURSOR, reinterpret_cast<WPARAM>(msg.hwnd),
                      PlaceOf({HTCLIENT, static_cast<LONG>(msg.message)}));
@@ -100,8 +95,8 @@ void LoseCapture(Input& input, HWND hNext)
 
 int PostInput(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam, bool bLatest)
 {
-    const auto window = WindowTable::Instance().Find(hWnd);
-    if (!window) return kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
+    const auto window = FindAny(hWnd);
+    if (!window) return 0;
     const DWORD error =
         window->Owner().PostInput({hWnd, nMsg, wParam, lParam, GetTickCount()}, *window, bLatest);
     return error == ERROR_SUCCESS ? 1 : kx::Fail(error);
@@ -115,7 +110,7 @@ bool HearInput(MSG& msg, bool bTaken)
     Input& input = own->input;
     if (bTaken && IsKey(msg.message)) LearnKey(input, msg);
     if (!window->enabled) {
-        if (bTaken && IsButtonDown(msg.message) && input.modal) {
+        if (bTaken && IsPress(msg.message) && input.modal) {
             Desktop::Instance().Stack(input.modal, Order::Top);
             SetFocus(input.modal);
         }
@@ -138,8 +133,8 @@ namespace window = kx::window;
 
 int EnableWindow(HWND hWnd, int bEnable)
 try {
-    const auto found = window::WindowTable::Instance().Find(hWnd);
-    if (!found) return kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
+    const auto found = window::FindAny(hWnd);
+    if (!found) return 0;
     const bool bWas = found->enabled.exchange(bEnable != 0);
     if (bWas == (bEnable != 0)) return !bWas;
     if (!bEnable && window::IsThisThread(found->Owner())) {

@@ -25,6 +25,11 @@ constexpr LPARAM PlaceOf(POINT at) noexcept
     return static_cast<LPARAM>(static_cast<WORD>(at.x) | DWORD{static_cast<WORD>(at.y)} << 16);
 }
 
+constexpr bool IsPress(UINT nMsg) noexcept
+{
+    return nMsg == WM_LBUTTONDOWN || nMsg == WM_RBUTTONDOWN || nMsg == WM_MBUTTONDOWN;
+}
+
 // Posts what a person does to a window: the mouse, keys, and the wish to close it. A disabled window doesn't
 // hear it. With `bLatest` it replaces the newest message that the thread has yet to take, if that is the
 // same. Non-zero if there was room.

@@ -62,22 +62,21 @@ void EndWindowsOf(Queue& owner) noexcept
         End(*window);
 }
 
-HWND Create(const CreateArguments& wanted, WNDPROC hook)
+HWND Create(CREATESTRUCTA create, HWND hParent, WNDPROC hook)
 {
     const auto refuse = [](DWORD dwError) {
         SetLastError(dwError);
         return HWND{};
     };
-    if (wanted.parent && wanted.parent != kDesktopHandle) return refuse(ERROR_INVALID_PARAMETER);
-    auto cls = ClassTable::Instance().Find(wanted.className);
+    if (hParent && hParent != kDesktopHandle) return refuse(ERROR_INVALID_PARAMETER);
+    auto cls = ClassTable::Instance().Find(create.lpszClass);
     if (!cls) return refuse(ERROR_CLASS_DOES_NOT_EXIST);
     auto queue = ThisThread();
     if (!queue) return refuse(ERROR_INVALID_THREAD_ID);
 
     const CString className = cls->name;
+    create.lpszClass = className;
     const HICON hIcon = cls->icon;
-    const CREATESTRUCTA create{wanted.param, wanted.name, className, wanted.x,
-                               wanted.y,     wanted.cx,   wanted.cy, wanted.style};
     const auto made = std::make_shared<Window>(std::move(cls), hook, std::move(queue), create);
     const HWND hWnd = WindowTable::Instance().Add(made);
     if (!hWnd) return nullptr;
@@ -85,7 +84,7 @@ HWND Create(const CreateArguments& wanted, WNDPROC hook)
     if (!Desktop::Instance().Create(hWnd, create)) return refuse(ERROR_NOT_ENOUGH_MEMORY);
     if (hIcon) SetIcon(*made, hIcon);
     if (!Announce(*made, create)) return nullptr;
-    if (wanted.style & WS_VISIBLE) ShowWindow(hWnd, SW_SHOW);
+    if (create.style & WS_VISIBLE) ShowWindow(hWnd, SW_SHOW);
     if (made->ended) return nullptr;
     end.Keep();
     return hWnd;
@@ -104,7 +103,7 @@ namespace window = kx::window;
 HWND CreateWindowExA(DWORD, const char* pszClassName, const char* pszName, DWORD dwStyle, int x, int y,
                      int nWidth, int nHeight, HWND hParent, void*, HINSTANCE, void* pParam)
 try {
-    return window::Create({pszClassName, pszName, dwStyle, x, y, nWidth, nHeight, hParent, pParam}, nullptr);
+    return window::Create({pParam, pszName, pszClassName, x, y, nWidth, nHeight, dwStyle}, hParent, nullptr);
 } catch (...) {
     return kx::NoMemory();
 }

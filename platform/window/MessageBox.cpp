@@ -38,35 +38,12 @@ bool Contains(const RECT& rect, int x, int y) noexcept
     return x >= rect.left && x < rect.right && y >= rect.top && y < rect.bottom;
 }
 
-// Objects selected for a scope, and ended with it.
-class Pens
+void Fill(HDC hDC, const RECT& rect, COLORREF clr)
 {
-public:
-    Pens(HDC hDC, COLORREF clrEdge, COLORREF clrFace)
-        : m_dc(hDC),
-          m_pen(CreatePen(PS_SOLID, 1, clrEdge)),
-          m_brush(CreateSolidBrush(clrFace)),
-          m_oldPen(SelectObject(hDC, m_pen)),
-          m_oldBrush(SelectObject(hDC, m_brush))
-    {
-    }
-    Pens(const Pens&) = delete;
-    Pens& operator=(const Pens&) = delete;
-    ~Pens()
-    {
-        SelectObject(m_dc, m_oldPen);
-        SelectObject(m_dc, m_oldBrush);
-        DeleteObject(m_pen);
-        DeleteObject(m_brush);
-    }
-
-private:
-    const HDC m_dc;
-    const HPEN m_pen;
-    const HBRUSH m_brush;
-    const HGDIOBJ m_oldPen;
-    const HGDIOBJ m_oldBrush;
-};
+    const HBRUSH hBrush = CreateSolidBrush(clr);
+    FillRect(hDC, &rect, hBrush);
+    DeleteObject(hBrush);
+}
 
 // Lets no other window of the thread hear the mouse and the keys until the scope ends.
 class Modal
@@ -158,18 +135,16 @@ void Box::Lay()
 
 void Box::DrawButton(HDC hDC)
 {
-    const Pens pens(hDC, kEdge, m_bPressed ? kPressedFace : kButtonFace);
-    Rectangle(hDC, m_buttonRect.left, m_buttonRect.top, m_buttonRect.right, m_buttonRect.bottom);
     RECT rect = m_buttonRect;
+    Fill(hDC, rect, kEdge);
+    rect = {rect.left + 1, rect.top + 1, rect.right - 1, rect.bottom - 1};
+    Fill(hDC, rect, m_bPressed ? kPressedFace : kButtonFace);
     DrawTextA(hDC, kButtonText, -1, &rect, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
 }
 
 void Box::Draw(HDC hDC)
 {
-    const HBRUSH hFace = CreateSolidBrush(kFace);
-    const RECT all{0, 0, m_size.cx, m_size.cy};
-    FillRect(hDC, &all, hFace);
-    DeleteObject(hFace);
+    Fill(hDC, {0, 0, m_size.cx, m_size.cy}, kFace);
     SetBkMode(hDC, TRANSPARENT);
     RECT text = m_textRect;
     DrawTextA(hDC, m_text.data(), static_cast<int>(m_text.size()), &text, kTextFormat);

@@ -38,7 +38,7 @@ LRESULT SendAcross(const WindowPtr& target, UINT nMsg, WPARAM wParam, LPARAM lPa
     auto own = kx::window::ThisThread();
     if (!own) own = std::make_shared<Queue>(GetCurrentThreadId());
     Queue& receiver = target->Owner();
-    const auto message = std::make_shared<SentMessage>(target, nMsg, wParam, lParam, own);
+    const auto message = std::make_shared<SentMessage>(SentMessage{target, nMsg, wParam, lParam, own});
     if (const DWORD error = receiver.Send(message); error != ERROR_SUCCESS) return kx::Fail(error);
 
     // A procedure that is served here meanwhile may throw: then nobody waits any more.
@@ -64,15 +64,10 @@ bool FindFilter(HWND hWnd, WindowPtr& window)
     return !hWnd || window;
 }
 
-bool IsPress(UINT nMsg) noexcept
-{
-    return nMsg == WM_LBUTTONDOWN || nMsg == WM_RBUTTONDOWN || nMsg == WM_MBUTTONDOWN;
-}
-
 // A pressed button gives its window the focus before anyone hears of it.
 void FocusOnPress(const MSG& msg)
 {
-    if (IsPress(msg.message) && msg.hwnd && GetFocus() != msg.hwnd) SetFocus(msg.hwnd);
+    if (kx::window::IsPress(msg.message) && msg.hwnd && GetFocus() != msg.hwnd) SetFocus(msg.hwnd);
 }
 
 } // namespace

@@ -5,30 +5,11 @@
 #include "platform/window/Queue.h"
 #include "platform/window/WindowTable.h"
 
-namespace {
-
-using kx::window::Window;
-
-RECT ClientOf(const Window& window)
-{
-    const RECT rect = window.Rect();
-    return {0, 0, rect.right - rect.left, rect.bottom - rect.top};
-}
-
-std::shared_ptr<Window> Find(HWND hWnd)
-{
-    auto window = kx::window::WindowTable::Instance().Find(hWnd);
-    if (!window) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-    return window;
-}
-
-} // namespace
-
 int InvalidateRect(HWND hWnd, const RECT* pRect, int bErase)
 try {
-    const auto window = Find(hWnd);
+    const auto window = kx::window::FindAny(hWnd);
     if (!window) return 0;
-    const RECT client = ClientOf(*window);
+    const RECT client = kx::window::WithinItself(window->Rect());
     const RECT rect = pRect ? kx::gdi::Cut(*pRect, client) : client;
     if (window->visible) window->Owner().Invalidate(*window, rect, bErase != 0);
     return 1;

@@ -18,16 +18,6 @@ namespace kx::window {
 
 namespace {
 
-LPARAM Pack(LONG nLow, LONG nHigh) noexcept
-{
-    return static_cast<LPARAM>(static_cast<WORD>(nLow) | DWORD{static_cast<WORD>(nHigh)} << 16);
-}
-
-SIZE SizeOf(const RECT& rect) noexcept
-{
-    return {rect.right - rect.left, rect.bottom - rect.top};
-}
-
 // Painted parts stay; the parts that a larger size brought are to be painted, for a class that wants it so
 // all.
 void InvalidateNew(const Window& window, SIZE before, SIZE now)
@@ -75,7 +65,7 @@ void Appear(Window& window, bool bVisible)
         InvalidateRect(hWnd, nullptr, 1);
         return;
     }
-    window.Owner().Validate(window);
+    window.Owner().TakeUpdate(window);
     if (IsThisThread(window.Owner())) {
         DropCapture(hWnd);
         DropFocus(hWnd);
@@ -88,9 +78,9 @@ void TellPlace(Window& window, bool bMoved, bool bResized)
     const SIZE before = FitBacking(window);
     const RECT rect = window.Rect();
     if (bResized) InvalidateNew(window, before, SizeOf(rect));
-    if (bMoved) window.Call(WM_MOVE, 0, Pack(rect.left, rect.top));
+    if (bMoved) window.Call(WM_MOVE, 0, PlaceOf({rect.left, rect.top}));
     if (bResized && !window.ended)
-        window.Call(WM_SIZE, 0, Pack(rect.right - rect.left, rect.bottom - rect.top));
+        window.Call(WM_SIZE, 0, PlaceOf({rect.right - rect.left, rect.bottom - rect.top}));
 }
 
 } // namespace kx::window

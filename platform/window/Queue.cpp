@@ -65,7 +65,7 @@ DWORD Queue::Send(const std::shared_ptr<SentMessage>& message)
 {
     {
         const sync::MutexLock lock(m_lock);
-        if (message->Target().ended) return ERROR_INVALID_WINDOW_HANDLE;
+        if (message->target->ended) return ERROR_INVALID_WINDOW_HANDLE;
         m_sent.push_back(message);
     }
     m_changed.NotifyOne();
@@ -133,7 +133,13 @@ void Queue::ServeSent(Lock& lock) KX_NO_LOCK_ANALYSIS
             const auto message = std::move(m_sent.front());
             m_sent.pop_front();
             lock.unlock();
-            message->Run();
+            struct AnswerAtEnd
+            {
+                SentMessage& message;
+                LRESULT result;
+                ~AnswerAtEnd() { message.sender->TakeAnswer(message, result); }
+            } answer{*message, 0};
+            answer.result = message->target->Call(message->message, message->wParam, message->lParam);
         }
         lock.lock();
     }
@@ -165,12 +171,13 @@ bool Queue::TakeQuit(MSG& msg, bool bRemove)
 // It stays until the window has painted.
 bool Queue::TakePaint(MSG& msg, const Filter& filter) const
 {
-    const auto passes = [&](const Window& window) {
-        return filter.Passes({window.Handle(), WM_PAINT, 0, 0, 0});
-    };
-    const Window* window = m_updates.First(passes);
-    if (window) msg = {window->Handle(), WM_PAINT, 0, 0, 0};
-    return window != nullptr;
+    for (const auto& [window, update] : m_updates) {
+        const MSG paint{window->Handle(), WM_PAINT, 0, 0, 0};
+        if (!filter.Passes(paint)) continue;
+        msg = paint;
+        return true;
+    }
+    return false;
 }
 
 // The one place where a thread waits for messages.
@@ -193,28 +200,30 @@ void Queue::Invalidate(const Window& window, const RECT& rect, bool bErase)
 {
     {
         const sync::MutexLock lock(m_lock);
-        if (window.ended) return;
-        m_updates.Add(window, rect, bErase);
+        const gdi::PixelRegion region(rect);
+        if (window.ended || region.Complexity() == NULLREGION) return;
+        auto it = FindUpdate(window);
+        if (it == m_updates.end()) it = m_updates.insert(it, {&window, {}});
+        it->second.region.UniteWith(region);
+        it->second.erase |= bErase;
     }
     m_changed.NotifyOne();
-}
-
-void Queue::Validate(const Window& window)
-{
-    const sync::MutexLock lock(m_lock);
-    m_updates.Take(window);
 }
 
 bool Queue::HasUpdate(const Window& window)
 {
     const sync::MutexLock lock(m_lock);
-    return m_updates.Has(window);
+    return FindUpdate(window) != m_updates.end();
 }
 
 Update Queue::TakeUpdate(const Window& window)
 {
     const sync::MutexLock lock(m_lock);
-    return m_updates.Take(window);
+    const auto it = FindUpdate(window);
+    if (it == m_updates.end()) return {};
+    Update update = std::move(it->second);
+    m_updates.erase(it);
+    return update;
 }
 
 void Queue::SetTimer(const Window& window, UINT_PTR nId, UINT nPeriod, TIMERPROC pfn)
@@ -239,15 +248,15 @@ void Queue::Forget(Window& window) noexcept
         m_chores -= static_cast<std::size_t>(std::ranges::count_if(
             m_posted, [&](const Posted& posted) { return posted.kind == Kind::Chore && isIts(posted); }));
         std::erase_if(m_posted, isIts);
-        m_updates.Take(window);
+        std::erase_if(m_updates, [&](const WindowUpdate& update) { return update.first == &window; });
         m_timers.KillAll(window);
         for (auto it = m_sent.begin(); it != m_sent.end();) {
             const auto here = it++;
-            if (&(*here)->Target() == &window) released.splice(released.end(), m_sent, here);
+            if ((*here)->target.get() == &window) released.splice(released.end(), m_sent, here);
         }
     }
     for (const auto& message : released)
-        message->Release();
+        message->sender->TakeAnswer(*message, 0);
 }
 
 void Queue::Close() noexcept

@@ -1,19 +1,43 @@
 #pragma once
 
+#include "platform/gdi/PixelRegion.h"
 #include "platform/sync/Mutex.h"
 #include "platform/time/Condition.h"
 #include "platform/window/Input.h"
-#include "platform/window/SentMessage.h"
 #include "platform/window/Timers.h"
-#include "platform/window/Updates.h"
 #include "platform/window/Window.h"
 
+#include <algorithm>
 #include <deque>
 #include <list>
 #include <memory>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace kx::window {
+
+// A message on its way from a thread that waits in SendMessageA to a window of another. Both threads share
+// it, since either may end before the other is done with it.
+struct SentMessage
+{
+    const std::shared_ptr<Window> target;
+    const UINT message;
+    const WPARAM wParam;
+    const LPARAM lParam;
+    const std::shared_ptr<Queue> sender;
+    // Guarded by the lock of the sender's queue. It is answered once at least: with the procedure's result,
+    // or with 0 when the window or its thread ends first or the procedure is left by an exception.
+    bool answered = false;
+    LRESULT result = 0;
+};
+
+// What a window has to paint.
+struct Update
+{
+    gdi::PixelRegion region;
+    bool erase = false;
+};
 
 // Selects the posted messages that a thread asks for. WM_QUIT passes every filter.
 struct Filter
@@ -51,17 +75,15 @@ public:
     void PostChore(MSG chore, const Window& target);
     // Takes back what this queue was sent, if its procedure hasn't begun.
     void Withdraw(const SentMessage& message) noexcept;
-    // Ends the wait for a message that this queue's thread sent.
-    void TakeAnswer(SentMessage& message, LRESULT nResult) noexcept;
 
-    // Adds a rectangle to what one of this thread's windows has to paint, or takes all of it back.
+    // Adds a rectangle to what one of this thread's windows has to paint; takes all of it, which may be
+    // nothing.
     void Invalidate(const Window& window, const RECT& rect, bool bErase);
-    void Validate(const Window& window);
+    Update TakeUpdate(const Window& window);
     bool HasUpdate(const Window& window);
 
     // ---- The queue's thread
 
-    Update TakeUpdate(const Window& window);
     void SetTimer(const Window& window, UINT_PTR nId, UINT nPeriod, TIMERPROC pfn);
     bool KillTimer(const Window& window, UINT_PTR nId) noexcept;
     // Serves what is sent here until the clock has come to the deadline.
@@ -85,6 +107,7 @@ public:
 private:
     using Lock = sync::MutexLock;
     using Sent = std::list<std::shared_ptr<SentMessage>>;
+    using WindowUpdate = std::pair<const Window*, Update>;
     enum class Kind
     {
         Message,
@@ -98,7 +121,13 @@ private:
     };
 
     DWORD PostTo(const Posted& posted, const Window* target, bool bLatest);
+    // Ends the wait for a message that this queue's thread sent.
+    void TakeAnswer(SentMessage& message, LRESULT nResult) noexcept;
     void ServeSent(Lock& lock) KX_REQUIRES(m_lock);
+    auto FindUpdate(const Window& window) KX_REQUIRES(m_lock)
+    {
+        return std::ranges::find(m_updates, &window, &WindowUpdate::first);
+    }
     bool Take(MSG& msg, const Filter& filter, bool bRemove) KX_REQUIRES(m_lock);
     bool TakeQuit(MSG& msg, bool bRemove) KX_REQUIRES(m_lock);
     bool TakePaint(MSG& msg, const Filter& filter) const KX_REQUIRES(m_lock);
@@ -110,7 +139,7 @@ private:
     std::deque<Posted> m_posted KX_GUARDED_BY(m_lock);
     std::size_t m_chores KX_GUARDED_BY(m_lock) = 0; // of those
     std::optional<MSG> m_quit KX_GUARDED_BY(m_lock);
-    Updates m_updates KX_GUARDED_BY(m_lock);
+    std::vector<WindowUpdate> m_updates KX_GUARDED_BY(m_lock); // in the order in which they came up
     Timers m_timers KX_GUARDED_BY(m_lock);
     Sent m_sent KX_GUARDED_BY(m_lock); // not yet begun
     bool m_closed KX_GUARDED_BY(m_lock) = false;
@@ -125,7 +154,8 @@ std::shared_ptr<Queue> ThisThread();
 // Whether the queue is the calling thread's. Doesn't make one.
 bool IsThisThread(const Queue& queue) noexcept;
 
-// A window of the calling thread, or null with the last error set.
+// A window of this process or of the calling thread, or null with the last error set.
+std::shared_ptr<Window> FindAny(HWND hWnd) noexcept;
 std::shared_ptr<Window> FindOwn(HWND hWnd) noexcept;
 
 } // namespace kx::window

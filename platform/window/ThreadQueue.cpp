@@ -46,11 +46,18 @@ bool IsThisThread(const Queue& queue) noexcept
     return t_queue == &queue;
 }
 
-std::shared_ptr<Window> FindOwn(HWND hWnd) noexcept
+std::shared_ptr<Window> FindAny(HWND hWnd) noexcept
 {
     auto window = WindowTable::Instance().Find(hWnd);
-    if (window && IsThisThread(window->Owner())) return window;
-    SetLastError(window ? ERROR_ACCESS_DENIED : ERROR_INVALID_WINDOW_HANDLE);
+    if (!window) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+    return window;
+}
+
+std::shared_ptr<Window> FindOwn(HWND hWnd) noexcept
+{
+    auto window = FindAny(hWnd);
+    if (!window || IsThisThread(window->Owner())) return window;
+    SetLastError(ERROR_ACCESS_DENIED);
     return nullptr;
 }
 

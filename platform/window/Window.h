@@ -18,6 +18,15 @@ class Queue;
 
 // The rectangle of that place and size: a size below 0 counts as none, and the far sides stay within an int.
 KX_API RECT RectOf(int x, int y, int nWidth, int nHeight) noexcept;
+constexpr SIZE SizeOf(const RECT& rect) noexcept
+{
+    return {rect.right - rect.left, rect.bottom - rect.top};
+}
+// The rectangle in its own coordinates.
+constexpr RECT WithinItself(const RECT& rect) noexcept
+{
+    return {0, 0, rect.right - rect.left, rect.bottom - rect.top};
+}
 
 // A window of this process. Held by shared_ptr: callers may use it after WindowTable has removed it.
 class Window

@@ -15,6 +15,7 @@
 namespace {
 
 using kx::window::Desktop;
+using kx::window::FindAny;
 using kx::window::WindowFacts;
 using kx::window::WindowTable;
 
@@ -25,14 +26,6 @@ std::optional<WindowFacts> Look(HWND hWnd) noexcept
     const auto window = WindowTable::Instance().Find(hWnd);
     if (!window) return Desktop::Instance().FindForeign(hWnd);
     return WindowFacts{window->Owner().ThreadId(), window->ProcessId(), window->visible};
-}
-
-// A window of this process, or null with the last error set.
-std::shared_ptr<kx::window::Window> Find(HWND hWnd) noexcept
-{
-    auto window = WindowTable::Instance().Find(hWnd);
-    if (!window) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-    return window;
 }
 
 // Focus is set at once on the owning thread, otherwise when that thread next processes its queue.
@@ -47,7 +40,7 @@ void AskFocus(const kx::window::Window& window)
 // Fills with the brush of the window's class, if it has one.
 int Erase(HWND hWnd, HDC hDC)
 {
-    const auto window = Find(hWnd);
+    const auto window = FindAny(hWnd);
     RECT client;
     if (!window || !window->Background() || !GetClientRect(hWnd, &client)) return 0;
     return FillRect(hDC, &client, window->Background());
@@ -95,8 +88,8 @@ int GetWindowRect(HWND hWnd, RECT* pRect) noexcept
         *pRect = {0, 0, size.cx, size.cy};
         return 1;
     }
-    const auto window = WindowTable::Instance().Find(hWnd);
-    if (!window) return kx::Fail(ERROR_INVALID_WINDOW_HANDLE);
+    const auto window = FindAny(hWnd);
+    if (!window) return 0;
     *pRect = window->Rect();
     return 1;
 }
@@ -104,7 +97,7 @@ int GetWindowRect(HWND hWnd, RECT* pRect) noexcept
 int GetClientRect(HWND hWnd, RECT* pRect) noexcept
 {
     if (!GetWindowRect(hWnd, pRect)) return 0;
-    *pRect = {0, 0, pRect->right - pRect->left, pRect->bottom - pRect->top};
+    *pRect = kx::window::WithinItself(*pRect);
     return 1;
 }
 
@@ -126,7 +119,7 @@ int GetSystemMetrics(int nIndex) noexcept
 
 int ShowWindow(HWND hWnd, int nCmd)
 try {
-    const auto window = Find(hWnd);
+    const auto window = FindAny(hWnd);
     if (!window) return 0;
     const bool bShow = nCmd != SW_HIDE;
     const bool bWas = window->visible;
@@ -142,21 +135,21 @@ try {
 
 std::intptr_t SetWindowLongPtrA(HWND hWnd, int nIndex, std::intptr_t nValue)
 {
-    const auto window = Find(hWnd);
+    const auto window = FindAny(hWnd);
     if (!window) return 0;
     return nIndex == GWLP_USERDATA ? window->userData.exchange(nValue) : kx::Fail(ERROR_INVALID_PARAMETER);
 }
 
 std::intptr_t GetWindowLongPtrA(HWND hWnd, int nIndex)
 {
-    const auto window = Find(hWnd);
+    const auto window = FindAny(hWnd);
     if (!window) return 0;
     return nIndex == GWLP_USERDATA ? window->userData.load() : kx::Fail(ERROR_INVALID_PARAMETER);
 }
 
 int SetWindowTextA(HWND hWnd, const char* pszText)
 try {
-    const auto window = Find(hWnd);
+    const auto window = FindAny(hWnd);
     if (!window) return 0;
     window->SetText(pszText);
     Desktop::Instance().SetText(hWnd, pszText ? pszText : "");
@@ -169,7 +162,7 @@ int GetWindowTextA(HWND hWnd, char* pszBuffer, int nSize)
 try {
     if (!pszBuffer || nSize <= 0) return kx::Fail(ERROR_INVALID_PARAMETER);
     *pszBuffer = '\0';
-    const auto window = Find(hWnd);
+    const auto window = FindAny(hWnd);
     if (!window) return 0;
     return static_cast<int>(kx::text::CopyCut(window->Text(), pszBuffer, static_cast<std::size_t>(nSize)));
 } catch (...) {
@@ -189,13 +182,13 @@ try {
         return 0;
     }
     case WM_SETCURSOR: {
-        const auto window = Find(hWnd);
+        const auto window = FindAny(hWnd);
         if (!window || !window->ClassCursor()) return 0;
         SetCursor(window->ClassCursor());
         return 1;
     }
     case WM_SETICON: {
-        const auto window = Find(hWnd);
+        const auto window = FindAny(hWnd);
         const auto hIcon = reinterpret_cast<HICON>(lParam);
         return window ? reinterpret_cast<LRESULT>(kx::window::SetIcon(*window, hIcon)) : 0;
     }

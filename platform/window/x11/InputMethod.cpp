@@ -102,10 +102,7 @@ bool InputMethod::Offer(xcb_key_press_event_t event, POINT caret)
         const xcb_point_t spot{static_cast<std::int16_t>(caret.x), static_cast<std::int16_t>(caret.y)};
         const auto nested =
             xcb_xim_create_nested_list(m_method.get(), XCB_XIM_XNSpotLocation, &spot, nullptr);
-        const auto told = [](xcb_xim_t*, xcb_xic_t, void* self) {
-            static_cast<InputMethod*>(self)->m_asked = false;
-        };
-        m_asked = m_context && xcb_xim_set_ic_values(m_method.get(), m_context, told, this,
+        m_asked = m_context && xcb_xim_set_ic_values(m_method.get(), m_context, HearAnswer, this,
                                                      XCB_XIM_XNPreeditAttributes, &nested, nullptr);
         std::free(nested.data);
     };
@@ -125,11 +122,8 @@ void InputMethod::Focus(xcb_window_t window)
     m_focus = window;
     Do([this] {
         if (!m_context) return;
-        const auto ended = [](xcb_xim_t*, xcb_xic_t, void* self) {
-            static_cast<InputMethod*>(self)->m_asked = false;
-        };
         xcb_xim_unset_ic_focus(m_method.get(), m_context);
-        m_asked = xcb_xim_destroy_ic(m_method.get(), std::exchange(m_context, 0), ended, this);
+        m_asked = xcb_xim_destroy_ic(m_method.get(), std::exchange(m_context, 0), HearAnswer, this);
     });
     Do([this] { MakeContext(); });
 }

@@ -49,6 +49,10 @@ private:
     {
         void operator()(xcb_xim_t* method) const noexcept { xcb_xim_destroy(method); }
     };
+    static void HearAnswer(xcb_xim_t*, xcb_xic_t, void* self)
+    {
+        static_cast<InputMethod*>(self)->m_asked = false;
+    }
     void MakeContext();
     void Do(std::function<void()> step);
     void DoSteps();

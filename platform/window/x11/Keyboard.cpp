@@ -55,22 +55,8 @@ constexpr std::array kNamed{
     Named{XKB_KEY_Right, VK_RIGHT},
     Named{XKB_KEY_Down, VK_DOWN},
     Named{XKB_KEY_Delete, VK_DELETE},
-    Named{XKB_KEY_KP_Prior, VK_PRIOR},
-    Named{XKB_KEY_KP_Next, VK_NEXT},
-    Named{XKB_KEY_KP_End, VK_END},
-    Named{XKB_KEY_KP_Home, VK_HOME},
-    Named{XKB_KEY_KP_Left, VK_LEFT},
-    Named{XKB_KEY_KP_Up, VK_UP},
-    Named{XKB_KEY_KP_Right, VK_RIGHT},
-    Named{XKB_KEY_KP_Down, VK_DOWN},
     Named{XKB_KEY_KP_Insert, VK_INSERT},
     Named{XKB_KEY_KP_Delete, VK_DELETE},
-    Named{XKB_KEY_KP_Multiply, VK_MULTIPLY},
-    Named{XKB_KEY_KP_Add, VK_ADD},
-    Named{XKB_KEY_KP_Separator, VK_SEPARATOR},
-    Named{XKB_KEY_KP_Subtract, VK_SUBTRACT},
-    Named{XKB_KEY_KP_Decimal, VK_DECIMAL},
-    Named{XKB_KEY_KP_Divide, VK_DIVIDE},
     Named{XKB_KEY_Insert, VK_INSERT},
     Named{XKB_KEY_Pause, VK_PAUSE},
     Named{XKB_KEY_Print, VK_SNAPSHOT},
@@ -117,6 +103,10 @@ UINT NumberOfSymbol(xkb_keysym_t symbol) noexcept
     if (symbol >= XKB_KEY_a && symbol <= XKB_KEY_z) return symbol - XKB_KEY_a + 'A';
     if (symbol >= XKB_KEY_0 && symbol <= XKB_KEY_9) return symbol - XKB_KEY_0 + '0';
     if (symbol >= XKB_KEY_F1 && symbol <= XKB_KEY_F24) return symbol - XKB_KEY_F1 + VK_F1;
+    if (symbol >= XKB_KEY_KP_Multiply && symbol <= XKB_KEY_KP_Divide)
+        return symbol - XKB_KEY_KP_Multiply + VK_MULTIPLY;
+    // The keypad's moves come in the order of the others.
+    if (symbol >= XKB_KEY_KP_Home && symbol <= XKB_KEY_KP_End) symbol -= XKB_KEY_KP_Home - XKB_KEY_Home;
     const auto it = std::ranges::find(kNamed, symbol, &Named::symbol);
     return it == kNamed.end() ? 0 : it->number;
 }

@@ -94,11 +94,6 @@ void OwnWindows::Show(HWND hWnd, bool bVisible)
                        reinterpret_cast<const char*>(&event));
 }
 
-void OwnWindows::SetText(HWND hWnd, const char* pszText)
-{
-    if (const xcb_window_t id = NumberOf(hWnd)) SetTitle(m_connection, id, pszText);
-}
-
 void OwnWindows::Place(HWND hWnd, const RECT& rect)
 {
     Entry* entry = Find(hWnd);
@@ -143,11 +138,6 @@ void OwnWindows::Stack(HWND hWnd, Order order)
         const Entry* other = Find(hOther);
         if (other->popup && other->topmost) Raise(*other);
     }
-}
-
-void OwnWindows::SetOpacity(HWND hWnd, BYTE opacity)
-{
-    if (const xcb_window_t id = NumberOf(hWnd)) SetOpacityOf(m_connection, id, opacity);
 }
 
 // Until it is shown a window can't have the keyboard. One of another process keeps it.

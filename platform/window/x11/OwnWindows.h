@@ -19,10 +19,8 @@ public:
     bool Create(HWND hWnd, const CREATESTRUCTA& create);
     void Destroy(HWND hWnd) noexcept;
     void Show(HWND hWnd, bool bVisible);
-    void SetText(HWND hWnd, const char* pszText);
     void Place(HWND hWnd, const RECT& rect);
     void Stack(HWND hWnd, Order order);
-    void SetOpacity(HWND hWnd, BYTE opacity);
     void Focus(HWND hWnd);
     void SetOwner(HWND hWnd, HWND hOwner);
     void SetCursor(HWND hWnd, HCURSOR hCursor);

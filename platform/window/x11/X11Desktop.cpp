@@ -160,7 +160,9 @@ void X11Desktop::Show(HWND hWnd, bool bVisible)
 
 void X11Desktop::SetText(HWND hWnd, const char* pszText)
 {
-    if (const Access server(Session()); server) server->own.SetText(hWnd, pszText);
+    const Access server(Session());
+    const xcb_window_t id = server ? server->own.NumberOf(hWnd) : 0;
+    if (id) x11::SetTitle(server->connection, id, pszText);
 }
 
 void X11Desktop::Place(Window& window, const RECT& rect)
@@ -192,11 +194,10 @@ void X11Desktop::SetOpacity(HWND hWnd, BYTE opacity)
     if (!server || !window) return;
     if (server->connection.HasCompositor()) {
         server->pixels.EndFade(hWnd);
-        return server->own.SetOpacity(hWnd, opacity);
-    }
-    const RECT rect = window->Rect();
-    if (server->pixels.Fade(*window, opacity))
-        server->Put(*window, {0, 0, rect.right - rect.left, rect.bottom - rect.top});
+        const xcb_window_t id = server->own.NumberOf(hWnd);
+        if (id) x11::SetOpacityOf(server->connection, id, opacity);
+    } else if (server->pixels.Fade(*window, opacity))
+        server->Put(*window, WithinItself(window->Rect()));
 }
 
 void X11Desktop::SetOwner(HWND hWnd, HWND hOwner)
