@@ -40,12 +40,12 @@ InputMethod::InputMethod(const Connection& connection)
     };
     calls.forward_event = [](xcb_xim_t*, xcb_xic_t, xcb_key_press_event_t* event, void* self) {
         auto& method = *static_cast<InputMethod*>(self);
-        method.m_gifts.push_back({method.m_focus, {}, *event});
+        method.m_gifts.push_back({method.m_served, {}, *event});
     };
     calls.commit_string = [](xcb_xim_t* im, xcb_xic_t, std::uint32_t, char* text, std::uint32_t length,
                              std::uint32_t*, std::size_t, void* self) {
         auto& method = *static_cast<InputMethod*>(self);
-        method.m_gifts.push_back({method.m_focus, ToUtf8(im, text, length), std::nullopt});
+        method.m_gifts.push_back({method.m_served, ToUtf8(im, text, length), std::nullopt});
     };
     calls.disconnected = [](xcb_xim_t*, void* self) {
         auto& method = *static_cast<InputMethod*>(self);
@@ -56,7 +56,7 @@ InputMethod::InputMethod(const Connection& connection)
     const auto opened = [](xcb_xim_t*, void* self) {
         auto& method = *static_cast<InputMethod*>(self);
         method.m_open = true;
-        method.m_steps.emplace_back([&method] { method.MakeContext(); });
+        method.Serve(method.m_focus);
     };
     constexpr bool bAlways = true;
     xcb_xim_open(m_method.get(), opened, bAlways, this);
@@ -120,28 +120,43 @@ void InputMethod::Focus(xcb_window_t window)
 {
     if (!m_method || window == m_focus) return;
     m_focus = window;
-    Do([this] {
-        if (!m_context) return;
-        xcb_xim_unset_ic_focus(m_method.get(), m_context);
-        m_asked = xcb_xim_destroy_ic(m_method.get(), std::exchange(m_context, 0), HearAnswer, this);
-    });
-    Do([this] { MakeContext(); });
+    Serve(window);
+    DoSteps();
 }
 
-void InputMethod::MakeContext()
+// One context serves the windows in turn. To end it with a window's focus would be wrong: the method may just
+// have given back a key, and takes no other one of any window before it has got the reply to that.
+void InputMethod::Serve(xcb_window_t window)
 {
-    if (!m_open || m_context || !m_focus) return;
-    const auto made = [](xcb_xim_t* im, xcb_xic_t context, void* self) {
+    m_steps.emplace_back([this, window] {
+        if (!m_open) return;
+        if (m_context) xcb_xim_unset_ic_focus(m_method.get(), m_context);
+        if (window && m_context)
+            m_asked = xcb_xim_set_ic_values(m_method.get(), m_context, HearAnswer, this,
+                                            XCB_XIM_XNFocusWindow, &window, nullptr);
+        else if (window)
+            MakeContext(window);
+    });
+    // What comes until then belongs to the window before.
+    m_steps.emplace_back([this, window] {
+        if (!window || !m_context) return;
+        m_served = window;
+        xcb_xim_set_ic_focus(m_method.get(), m_context);
+    });
+}
+
+void InputMethod::MakeContext(xcb_window_t window)
+{
+    const auto made = [](xcb_xim_t*, xcb_xic_t context, void* self) {
         auto& method = *static_cast<InputMethod*>(self);
         method.m_asked = false;
         method.m_context = context;
-        if (context) xcb_xim_set_ic_focus(im, context);
     };
     // Until it says what it wants, which may be before the context is made.
     m_wanted = XCB_EVENT_MASK_KEY_PRESS;
     const std::uint32_t style = XCB_IM_PreeditPosition | XCB_IM_StatusNothing;
     m_asked = xcb_xim_create_ic(m_method.get(), made, this, XCB_XIM_XNInputStyle, &style,
-                                XCB_XIM_XNClientWindow, &m_focus, XCB_XIM_XNFocusWindow, &m_focus, nullptr);
+                                XCB_XIM_XNClientWindow, &window, XCB_XIM_XNFocusWindow, &window, nullptr);
 }
 
 } // namespace kx::window::x11

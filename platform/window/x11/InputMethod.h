@@ -53,7 +53,8 @@ private:
     {
         static_cast<InputMethod*>(self)->m_asked = false;
     }
-    void MakeContext();
+    void Serve(xcb_window_t window);
+    void MakeContext(xcb_window_t window);
     void Do(std::function<void()> step);
     void DoSteps();
 
@@ -66,6 +67,7 @@ private:
     bool m_asked = false;       // an answer is awaited
     std::uint32_t m_wanted = 0; // the events that it takes
     xcb_window_t m_focus = 0;
+    xcb_window_t m_served = 0; // the last that the context was given to
     std::vector<Gift> m_gifts;
 };
 
