@@ -208,10 +208,10 @@ void CSpellingWnd::PaintAll(CDC& dc)
         const bool bNext = m_test.IsAnswered() && &item == &m_buttons.front();
         painter.PushButton(item.rc, bNext ? m_strNext : item.strText, StateOf(item));
     }
-    if (!m_rcChosen.IsRectEmpty())
-        painter.Outline(
-            CRect(m_rcChosen.left + 3, m_rcChosen.top + 3, m_rcChosen.right - 3, m_rcChosen.bottom - 3),
-            kBox);
+    if (const Item* chosen = Chosen()) {
+        const CRect& rc = chosen->rc;
+        painter.Outline(CRect(rc.left + 3, rc.top + 3, rc.right - 3, rc.bottom - 3), kBox);
+    }
 }
 
 void CSpellingWnd::PaintChoices(SkinPainter& painter)
@@ -332,16 +332,12 @@ void CSpellingWnd::OnChar(UINT nChar, UINT, UINT)
 
 void CSpellingWnd::OnKeyDown(UINT nKey, UINT, UINT)
 {
-    const auto chosen = [this] {
-        return ItemAt(
-            CPoint((m_rcChosen.left + m_rcChosen.right) / 2, (m_rcChosen.top + m_rcChosen.bottom) / 2));
-    };
     if (nKey == VK_TAB) MoveChosen(GetKeyState(VK_SHIFT) < 0 ? -1 : 1);
     if (nKey == VK_DOWN || nKey == VK_RIGHT) MoveChosen(1);
     if (nKey == VK_UP || nKey == VK_LEFT) MoveChosen(-1);
-    if (nKey == VK_RETURN || (nKey == VK_SPACE && !m_rcChosen.IsRectEmpty())) {
-        const Item* item = m_rcChosen.IsRectEmpty() ? nullptr : chosen();
-        const std::function<void()> act = item ? item->act : [this] { Enter(); };
+    const Item* chosen = Chosen();
+    if (nKey == VK_RETURN || (nKey == VK_SPACE && chosen)) {
+        const std::function<void()> act = chosen ? chosen->act : [this] { Enter(); };
         act();
     }
     if (nKey == VK_F1) ShowHint();
@@ -372,23 +368,27 @@ std::vector<CSpellingWnd::Item*> CSpellingWnd::Walk()
     return walk;
 }
 
+CSpellingWnd::Item* CSpellingWnd::Chosen()
+{
+    const std::vector<Item*> walk = Walk();
+    return m_nChosen > 0 && m_nChosen <= walk.size() ? walk[m_nChosen - 1] : nullptr;
+}
+
 // From the field, which has the keys at first, through all items and back to it.
 void CSpellingWnd::MoveChosen(int nStep)
 {
-    const std::vector<Item*> walk = Walk();
-    const int nPlaces = static_cast<int>(walk.size()) + 1;
-    int nPlace = 0;
-    for (int n = 1; n < nPlaces; ++n)
-        if (IsSame(walk[static_cast<std::size_t>(n - 1)]->rc, m_rcChosen)) nPlace = n;
-    nPlace = (nPlace + nStep + nPlaces) % nPlaces;
-    SetChosen(nPlace == 0 ? CRect() : walk[static_cast<std::size_t>(nPlace - 1)]->rc);
+    const std::size_t nPlaces = Walk().size() + 1;
+    SetChosen((m_nChosen + nPlaces + static_cast<std::size_t>(nStep)) % nPlaces);
 }
 
-void CSpellingWnd::SetChosen(const CRect& rc)
+void CSpellingWnd::SetChosen(std::size_t nPlace)
 {
-    InvalidateRect(&m_rcChosen, 0);
-    m_rcChosen = rc;
-    InvalidateRect(&m_rcChosen, 0);
+    const auto redraw = [this] {
+        if (const Item* chosen = Chosen()) InvalidateRect(&chosen->rc, 0);
+    };
+    redraw();
+    m_nChosen = nPlace;
+    redraw();
 }
 
 // Candidates of an input method appear where one types.
@@ -448,7 +448,7 @@ void CSpellingWnd::OnLButtonDown(UINT nFlags, CPoint point)
     m_bPressed = ItemAt(point) != nullptr;
     m_bMoving = !m_bPressed && Contains(TitleRect(), point);
     if (m_bMoving) SetCapture();
-    SetChosen(CRect());
+    SetChosen(0);
     m_ptGrip = point;
     InvalidateRect(&m_rcHot, 0);
 }

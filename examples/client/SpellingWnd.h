@@ -71,7 +71,9 @@ private:
     // The items that keys walk through, in their order on the window.
     std::vector<Item*> Walk();
     void MoveChosen(int nStep);
-    void SetChosen(const CRect& rc);
+    // Null for the field.
+    Item* Chosen();
+    void SetChosen(std::size_t nPlace);
     void TellCaret();
     void TypeLetter(char letter);
     void Enter();
@@ -86,9 +88,9 @@ private:
     CString m_strNext; // the first button's text once the word is answered
     Items m_skins;
     Items m_lans;
-    CString m_strDrawn; // the text that the field shows
-    CRect m_rcHot;      // of the item below the mouse
-    CRect m_rcChosen;   // of the item that keys have chosen; empty: none, and Enter answers
+    CString m_strDrawn;        // the text that the field shows
+    CRect m_rcHot;             // of the item below the mouse
+    std::size_t m_nChosen = 0; // the place that keys have chosen in the walk; 0: the field, and Enter answers
     bool m_bPressed = false;
     bool m_bMoving = false;
     CPoint m_ptGrip;
