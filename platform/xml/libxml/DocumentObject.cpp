@@ -69,6 +69,7 @@ public:
     }
     HRESULT putref_documentElement(IXMLDOMElement* pElement) override
     {
+        const Complaints quiet;
         return Guarded([&] {
             const auto element = NodeObject::From(pElement);
             return element && element->IsElement() ? SetRoot(Where(), *element) : E_INVALIDARG;

@@ -16,22 +16,13 @@ void ForEachName(xmlNode* branch, Use use)
     });
 }
 
-// What a prefix stands for at a place; null for what nothing around it declares.
-xmlNs* FindNamespace(const xmlNode* place, std::string_view prefix) noexcept
+// What a prefix stands for at a place, as told below `end`; null for what nothing there declares.
+xmlNs* FindNamespace(const xmlNode* place, std::string_view prefix, const xmlNode* end = nullptr) noexcept
 {
     if (place && prefix == "xml") return place->doc->oldNs; // each document's own
-    for (; place && place->type == XML_ELEMENT_NODE; place = place->parent)
+    for (; place && place != end && place->type == XML_ELEMENT_NODE; place = place->parent)
         if (xmlNs* const ns = FindDeclaration(place, prefix)) return ns;
     return nullptr;
-}
-
-bool IsDeclaredIn(const xmlNode* branch, const xmlNode* element, const xmlNs* ns) noexcept
-{
-    for (;; element = element->parent) {
-        for (const xmlNs* own = element->nsDef; own; own = own->next)
-            if (own == ns) return true;
-        if (element == branch) return false;
-    }
 }
 
 // An element that was named with a prefix before anything declared it.
@@ -86,7 +77,7 @@ Declarations NeededAt(xmlNode* branch, const xmlNode* place)
 {
     Declarations needed;
     ForEachName(branch, [&](const xmlNode* element, const xmlNs* ns) {
-        if (!ns || ViewOf(ns->prefix) == "xml" || IsDeclaredIn(branch, element, ns)) return;
+        if (!ns || FindNamespace(element, ViewOf(ns->prefix), branch->parent)) return;
         const xmlNs* const there = FindNamespace(place, ViewOf(ns->prefix));
         if (there && xmlStrEqual(there->href, ns->href)) return;
         for (const xmlNs* other = needed.get(); other; other = other->next)

@@ -1,7 +1,6 @@
 #include "platform/xml/libxml/NodeMethods.h"
 
 #include "include/platform/Unknown.h"
-#include "platform/text/CharWalk.h"
 
 #include <algorithm>
 #include <libxml/xpathInternals.h>
@@ -25,13 +24,63 @@ constexpr std::size_t kMemoryNeeded = 16 << 20;
 using Parser = std::unique_ptr<xmlXPathParserContext, FreeBy<xmlXPathFreeParserContext>>;
 using Result = std::unique_ptr<xmlXPathObject, FreeBy<xmlXPathFreeObject>>;
 
+// libxml2's own asks a table of attributes, which is made for it while it is asked: else it would hold those
+// that are gone or have another value.
+void OnId(xmlXPathParserContext* parser, int nArguments)
+{
+    xmlDoc* const doc = parser->context->doc;
+    if (!doc->ids) {
+        doc->ids = xmlHashCreate(0);
+        ForEachNode(TopOf(static_cast<xmlNode*>(parser->context->userData)), [&](xmlNode* node) {
+            auto* const attribute = reinterpret_cast<xmlAttr*>(node);
+            if (node->type == XML_ATTRIBUTE_NODE && attribute->atype == XML_ATTRIBUTE_ID && node->children)
+                xmlAddID(nullptr, doc, node->children->content, attribute);
+        });
+    }
+    if (nArguments == 1 && xmlXPathStackIsNodeSet(parser)) {
+        const Result nodes(valuePop(parser));
+        xmlBuffer* const all = xmlBufferCreate();
+        for (int n = 0; nodes->nodesetval && n < nodes->nodesetval->nodeNr; ++n) {
+            xmlChar* const part = xmlXPathCastNodeToString(nodes->nodesetval->nodeTab[n]);
+            xmlBufferCat(all, part);
+            xmlBufferCCat(all, " ");
+            xmlFree(part);
+        }
+        valuePush(parser, xmlXPathNewString(xmlBufferContent(all)));
+        xmlBufferFree(all);
+    }
+    if (nArguments == 1) xmlXPathNormalizeFunction(parser, 1); // libxml2 takes blanks at the start for a part
+    xmlXPathIdFunction(parser, nArguments);
+}
+
+// An element without a prefix is in no namespace for its name's sake, but it is in the default one.
+void OnNamespaceUri(xmlXPathParserContext* parser, int nArguments)
+{
+    const xmlXPathObject* const value = nArguments == 1 ? parser->value : nullptr;
+    xmlNode* node = nArguments == 0 ? parser->context->node : nullptr;
+    if (value && value->type == XPATH_NODESET && !xmlXPathNodeSetIsEmpty(value->nodesetval))
+        node = value->nodesetval->nodeTab[0];
+    const bool bPlain = node && node->type == XML_ELEMENT_NODE && !node->ns && !xmlStrchr(node->name, ':');
+    const xmlNs* const ns = bPlain ? xmlSearchNs(node->doc, node, nullptr) : nullptr;
+    if (!ns) return xmlXPathNamespaceURIFunction(parser, nArguments);
+    if (nArguments == 1) xmlXPathFreeObject(valuePop(parser));
+    valuePush(parser, xmlXPathNewString(ns->href));
+}
+
+// Null for functions that are libxml2's own.
+xmlXPathFunction OwnFunction(void*, const xmlChar* name, const xmlChar* uri) noexcept
+{
+    if (uri) return nullptr;
+    return ViewOf(name) == "id" ? OnId : ViewOf(name) == "namespace-uri" ? OnNamespaceUri : nullptr;
+}
+
 // The tree's context made ready for one evaluation.
 class Evaluation
 {
 public:
     Evaluation(xmlXPathContext* context, xmlNode* from) : m_context(context), m_from(from)
     {
-        m_context->userData = this;
+        m_context->userData = from;
         xmlXPathRegisterFuncLookup(m_context, OwnFunction, nullptr);
         if (from->type == XML_ELEMENT_NODE) m_context->namespaces = xmlGetNsList(from->doc, from);
         while (m_context->namespaces && m_context->namespaces[m_context->nsNr])
@@ -77,65 +126,10 @@ public:
     }
 
 private:
-    // Null for functions that are libxml2's own.
-    static xmlXPathFunction OwnFunction(void*, const xmlChar* name, const xmlChar* uri) noexcept
-    {
-        if (uri) return nullptr;
-        return ViewOf(name) == "id" ? OnId : ViewOf(name) == "namespace-uri" ? OnNamespaceUri : nullptr;
-    }
-    static void OnId(xmlXPathParserContext* parser, int nArguments);
-    static void OnNamespaceUri(xmlXPathParserContext* parser, int nArguments);
-
     xmlXPathContext* const m_context;
     xmlNode* const m_from;
     xmlXPathError m_error = XPATH_EXPRESSION_OK;
 };
-
-// libxml2's own asks a table of attributes, which is made for it while it is asked: else it would hold those
-// that are gone or have another value.
-void Evaluation::OnId(xmlXPathParserContext* parser, int nArguments)
-{
-    auto& self = *static_cast<Evaluation*>(parser->context->userData);
-    xmlDoc* const doc = parser->context->doc;
-    if (!doc->ids) {
-        doc->ids = xmlHashCreate(0);
-        ForEachNode(TopOf(self.m_from), [&](xmlNode* node) {
-            auto* const attribute = reinterpret_cast<xmlAttr*>(node);
-            if (node->type == XML_ATTRIBUTE_NODE && attribute->atype == XML_ATTRIBUTE_ID && node->children)
-                xmlAddID(nullptr, doc, node->children->content, attribute);
-        });
-    }
-    if (const Result argument(nArguments == 1 ? valuePop(parser) : nullptr); argument) {
-        xmlBuffer* const all = xmlBufferCreate();
-        const auto add = [&](xmlChar* part) {
-            xmlBufferCat(all, part);
-            xmlBufferCCat(all, " ");
-            xmlFree(part);
-        };
-        const xmlNodeSet* const nodes = argument->type == XPATH_NODESET ? argument->nodesetval : nullptr;
-        for (int n = 0; nodes && n < nodes->nodeNr; ++n)
-            add(xmlXPathCastNodeToString(nodes->nodeTab[n]));
-        if (argument->type != XPATH_NODESET) add(xmlXPathCastToString(argument.get()));
-        const std::string_view ids = text::Trim(ViewOf(xmlBufferContent(all))); // which libxml2 doesn't
-        valuePush(parser, xmlXPathNewString(ToXml(ids.data())));
-        xmlBufferFree(all);
-    }
-    xmlXPathIdFunction(parser, nArguments);
-}
-
-// An element without a prefix is in no namespace for its name's sake, but it is in the default one.
-void Evaluation::OnNamespaceUri(xmlXPathParserContext* parser, int nArguments)
-{
-    const xmlXPathObject* const value = nArguments == 1 ? parser->value : nullptr;
-    xmlNode* node = nArguments == 0 ? parser->context->node : nullptr;
-    if (value && value->type == XPATH_NODESET && !xmlXPathNodeSetIsEmpty(value->nodesetval))
-        node = value->nodesetval->nodeTab[0];
-    const bool bPlain = node && node->type == XML_ELEMENT_NODE && !node->ns && !xmlStrchr(node->name, ':');
-    const xmlNs* const ns = bPlain ? xmlSearchNs(node->doc, node, nullptr) : nullptr;
-    if (!ns) return xmlXPathNamespaceURIFunction(parser, nArguments);
-    if (nArguments == 1) xmlXPathFreeObject(valuePop(parser));
-    valuePush(parser, xmlXPathNewString(ns->href));
-}
 
 HRESULT Evaluate(Tree& tree, xmlNode* from, const std::string& expression, std::vector<xmlNode*>& found)
 {
@@ -198,13 +192,10 @@ HRESULT EvaluateXPath(Tree& tree, xmlNode* from, const std::string& expression, 
     const std::string head =
         expression.substr(0, expression.size() - std::min(expression.size(), kUp.size()));
     const bool bPath = head.find_first_of(kOfOthers) == head.npos && !head.empty() && !head.ends_with('/');
-    if (expression.ends_with(kUp) && bPath) {
-        std::vector<xmlNode*> nodes;
-        if (EvaluateXPath(tree, from, head, nodes) == S_OK && ToParents(nodes)) {
-            found = std::move(nodes);
-            return S_OK;
-        }
-    }
+    if (expression.ends_with(kUp) && bPath && EvaluateXPath(tree, from, head, found) == S_OK &&
+        ToParents(found))
+        return S_OK;
+    found.clear();
     return Evaluate(tree, from, expression, found);
 }
 
