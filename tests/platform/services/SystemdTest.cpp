@@ -200,7 +200,7 @@ TEST_F(Systemd, ACreateThatRanOutOfTimeTakesBackWhatSystemdWrote)
     for (const auto& [method, type] :
          {std::pair{"EnableUnitFiles", SERVICE_AUTO_START}, std::pair{"MaskUnitFiles", SERVICE_DISABLED}}) {
         m_standIn->Fail(method, ""); // has done it, and answers too late
-        Use(s_bus->Address(), 100);
+        Use(s_bus->Address(), 1000);
         Calls();
         EXPECT_EQ(Create("Nv", "C:\\nv", type), ERROR_SERVICE_REQUEST_TIMEOUT);
         const std::string calls = Calls();
