@@ -26,10 +26,22 @@ HDC HandleOf(const CDC* pDC)
     return pDC ? pDC->m_hDC : nullptr;
 }
 
-// Selects an object, if there is one, and gives what it displaced.
-HGDIOBJ Select(HDC hDC, const CGdiObject* pObject)
+// Selects an object, if there is one, and gives the wrapper of what it displaced. Where memory for that
+// lacks, nothing is displaced: the caller may end the object, which can't be deleted while it is selected.
+// The wrapper of the object itself is made beforehand, so that the selection can be taken back without
+// memory.
+template <class Wrap>
+auto Select(HDC hDC, const CGdiObject* pObject, Wrap&& wrap)
 {
-    return pObject ? ::SelectObject(hDC, pObject->m_hObject) : nullptr;
+    if (!pObject) return wrap(HGDIOBJ{});
+    wrap(pObject->m_hObject);
+    const HGDIOBJ hOld = ::SelectObject(hDC, pObject->m_hObject);
+    try {
+        return wrap(hOld);
+    } catch (...) {
+        ::SelectObject(hDC, hOld);
+        throw;
+    }
 }
 
 } // namespace
@@ -68,29 +80,30 @@ CDC* CDC::FromHandle(HDC hDC)
 
 CBitmap* CDC::SelectObject(CBitmap* pObject)
 {
-    return CBitmap::FromHandle(static_cast<HBITMAP>(Select(m_hDC, pObject)));
+    return Select(m_hDC, pObject,
+                  [](HGDIOBJ hOld) { return CBitmap::FromHandle(static_cast<HBITMAP>(hOld)); });
 }
 
 CPen* CDC::SelectObject(CPen* pObject)
 {
-    return CPen::FromHandle(static_cast<HPEN>(Select(m_hDC, pObject)));
+    return Select(m_hDC, pObject, [](HGDIOBJ hOld) { return CPen::FromHandle(static_cast<HPEN>(hOld)); });
 }
 
 CBrush* CDC::SelectObject(CBrush* pObject)
 {
-    return CBrush::FromHandle(static_cast<HBRUSH>(Select(m_hDC, pObject)));
+    return Select(m_hDC, pObject, [](HGDIOBJ hOld) { return CBrush::FromHandle(static_cast<HBRUSH>(hOld)); });
 }
 
 CFont* CDC::SelectObject(CFont* pObject)
 {
-    return CFont::FromHandle(static_cast<HFONT>(Select(m_hDC, pObject)));
+    return Select(m_hDC, pObject, [](HGDIOBJ hOld) { return CFont::FromHandle(static_cast<HFONT>(hOld)); });
 }
 
 CGdiObject* CDC::SelectObject(CGdiObject* pObject)
 {
-    const HGDIOBJ hDisplaced = Select(m_hDC, pObject);
-    return kx::FindHandle<kx::gdi::Object>(hDisplaced) ? CGdiObject::FromHandle(hDisplaced)
-                                                       : nullptr; // a region gives a number
+    return Select(m_hDC, pObject, [](HGDIOBJ hOld) { // a region gives a number
+        return kx::FindHandle<kx::gdi::Object>(hOld) ? CGdiObject::FromHandle(hOld) : nullptr;
+    });
 }
 
 int CDC::SelectObject(CRgn* pRgn)
