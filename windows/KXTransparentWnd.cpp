@@ -9,26 +9,6 @@ constexpr COLORREF kFill = RGB(255, 255, 255);
 // "开始听写！" in code page 936.
 constexpr char kNotice[] = "\xBF\xAA\xCA\xBC\xCC\xFD\xD0\xB4\xA3\xA1";
 
-// The desktop's surface, as long as the object lives.
-class DesktopDC
-{
-public:
-    DesktopDC()
-        : m_pDesktop(CWnd::FromHandle(::GetDesktopWindow())),
-          m_pDC(CDC::FromHandle(::GetDC(m_pDesktop->m_hWnd)))
-    {
-    }
-    DesktopDC(const DesktopDC&) = delete;
-    DesktopDC& operator=(const DesktopDC&) = delete;
-    ~DesktopDC() { m_pDesktop->ReleaseDC(m_pDC); }
-
-    CDC* Get() const { return m_pDC; }
-
-private:
-    CWnd* m_pDesktop;
-    CDC* m_pDC;
-};
-
 } // namespace
 
 IMPLEMENT_DYNAMIC(CKXTransparentWnd, CWnd)
@@ -43,10 +23,10 @@ CKXTransparentWnd::~CKXTransparentWnd() = default;
 void CKXTransparentWnd::OnShowWindow(int bShow, unsigned int nStatus)
 {
     if (bShow) {
-        const DesktopDC desktop;
+        CClientDC desktop(CWnd::FromHandle(::GetDesktopWindow()));
         CRect rcWindow;
         GetWindowRect(&rcWindow);
-        if (desktop.Get()) m_memDC.Create(desktop.Get(), rcWindow, kFill);
+        if (desktop.GetSafeHdc()) m_memDC.Create(&desktop, rcWindow, kFill);
     }
     CWnd::OnShowWindow(bShow, nStatus);
 }
@@ -55,10 +35,10 @@ void CKXTransparentWnd::OnPaint()
 {
     CPaintDC dc(this);
     {
-        const DesktopDC desktop;
+        CClientDC desktop(CWnd::FromHandle(::GetDesktopWindow()));
         CRect rcWindow;
         GetWindowRect(&rcWindow);
-        m_memDC.BitBlt(0, 0, rcWindow.Width(), rcWindow.Height(), desktop.Get(), rcWindow.left, rcWindow.top,
+        m_memDC.BitBlt(0, 0, rcWindow.Width(), rcWindow.Height(), &desktop, rcWindow.left, rcWindow.top,
                        SRCCOPY);
     }
     CRect rcClient;
