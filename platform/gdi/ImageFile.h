@@ -60,7 +60,7 @@ inline constexpr int MAX_PNG_ICON_SIDE = 1024;
 // while somebody listens to diagnostics of pictures.
 KX_API void NoteRefusal(const char* pszReason) noexcept;
 // The last one, empty after a call of NoteRefusal with the empty text; valid until the next.
-const char* LastRefusal() noexcept;
+const char* LastRefusal();
 
 // Decode whole files held in memory. Null or nothing for anything that is truncated, lying or too large;
 // bounded in time and memory by the bytes given and MAX_BITMAP_PIXELS.

@@ -7,6 +7,7 @@
 #include "platform/gdi/Copies.h"
 #include "platform/gdi/Icon.h"
 #include "platform/gdi/ImageFile.h"
+#include "platform/sync/PerThread.h"
 
 #include <array>
 #include <memory>
@@ -95,21 +96,31 @@ HANDLE FromResource(HINSTANCE hInstance, const char* pszName, UINT nType, int cx
     return Make({data, SizeofResource(hInstance, found)}, false, nType, cx, cy);
 }
 
-// The beginning of a reason, made with the first one: room of a thread's own is scarce.
-thread_local std::unique_ptr<std::array<char, 128>> t_refusal;
+// The beginnings of reasons.
+using Reasons = kx::sync::PerThread<std::array<char, 128>>;
+Reasons& EachReason()
+{
+    static Reasons reasons;
+    return reasons;
+}
 
 } // namespace
 
 void kx::gdi::NoteRefusal(const char* pszReason) noexcept
 {
     if (*pszReason && !kx::debug::Wants("picture")) return;
-    if (*pszReason && !t_refusal) t_refusal.reset(new (std::nothrow) std::array<char, 128>);
-    if (t_refusal) (*t_refusal)[std::string_view(pszReason).copy(t_refusal->data(), 127)] = '\0';
+    try {
+        Reasons& reasons = EachReason();
+        if (auto* const pReason = *pszReason ? &reasons.Get() : reasons.Find())
+            (*pReason)[std::string_view(pszReason).copy(pReason->data(), pReason->size() - 1)] = '\0';
+    } catch (const std::bad_alloc&) { // the file is refused without a reason
+    }
 }
 
-const char* kx::gdi::LastRefusal() noexcept
+const char* kx::gdi::LastRefusal()
 {
-    return t_refusal ? t_refusal->data() : "";
+    const auto* const pReason = EachReason().Find();
+    return pReason ? pReason->data() : "";
 }
 
 HANDLE LoadImageA(HINSTANCE hInstance, const char* pszName, UINT nType, int cx, int cy, UINT nFlags)
