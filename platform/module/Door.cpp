@@ -1,6 +1,7 @@
 #include "platform/module/Door.h"
 
 #include "internal/Debug.h"
+#include "platform/NoMemory.h"
 #include "platform/UniqueFd.h"
 
 #include <array>
@@ -11,6 +12,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <link.h>
+#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -62,6 +64,12 @@ const Entry* Load(const char* pszName, const char*& pszError) noexcept
     if (nLength < 0 || static_cast<std::size_t>(nLength) >= path.size()) return nullptr;
     if (IsCut(path.data())) {
         pszError = "its file is cut off";
+        return nullptr;
+    }
+    try { // a load that memory ends within may leave the loader with a library that never works
+        NeedRoom();
+    } catch (const std::bad_alloc&) {
+        pszError = "memory is short";
         return nullptr;
     }
     dlerror(); // an older failure is none of this one
