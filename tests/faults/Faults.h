@@ -23,7 +23,7 @@ struct Plan
     bool bAll = false;   // and all that follow
     int error = 0;       // errno
     bool bShort = false; // a write writes half instead
-    bool bBelow = false; // also the allocations of fontconfig itself
+    bool bBelow = false; // also the allocations of fontconfig and the loader
 };
 
 // From now on calls fail as the plan says, on all threads.

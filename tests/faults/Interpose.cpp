@@ -7,6 +7,7 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <dlfcn.h>
 #include <execinfo.h>
 #include <fcntl.h>
@@ -30,11 +31,15 @@ std::array<std::pair<std::uintptr_t, std::uintptr_t>, 4> g_spared;
 std::size_t g_nSpared = 0;
 std::atomic<int> g_nFrames{0};
 
-// fontconfig and its parser: it crashes at many of its allocations and never ends at others.
+// fontconfig and its parser, which crashes at many of its allocations and never ends at others; and the C
+// library's loader, which after a failure may give a library whose names aren't bound, or never load it
+// again.
 int Spare(dl_phdr_info* info, std::size_t, void*)
 {
     const std::string_view name = info->dlpi_name;
-    if (name.find("/libfontconfig.") == name.npos && name.find("/libexpat.") == name.npos) return 0;
+    if (name.find("/libfontconfig.") == name.npos && name.find("/libexpat.") == name.npos &&
+        name.find("/ld-linux") == name.npos)
+        return 0;
     for (const auto& part : std::span(info->dlpi_phdr, info->dlpi_phnum))
         if (part.p_type == PT_LOAD && (part.p_flags & PF_X) && g_nSpared < g_spared.size()) {
             const std::uintptr_t begin = info->dlpi_addr + part.p_vaddr;
@@ -129,6 +134,13 @@ void* aligned_alloc(std::size_t nAlign, std::size_t nBytes) noexcept
 {
     return Fails(faults::Call::Allocate, __builtin_return_address(0)) ? nullptr
                                                                       : __libc_memalign(nAlign, nBytes);
+}
+char* strdup(const char* psz) noexcept // the C library's own would be malloc's caller
+{
+    const std::size_t nBytes = std::strlen(psz) + 1;
+    void* const p =
+        Fails(faults::Call::Allocate, __builtin_return_address(0)) ? nullptr : __libc_malloc(nBytes);
+    return p ? static_cast<char*>(std::memcpy(p, psz, nBytes)) : nullptr;
 }
 int posix_memalign(void** pp, std::size_t nAlign, std::size_t nBytes) noexcept
 {

@@ -322,8 +322,12 @@ bool Download(const Place& place)
     (void)g_ended.try_acquire();
     Downloads downloads;
     downloads.AddTask(g_url.c_str(), place.Own("loaded"), Tell, 0);
-    // A worker that failed tells nobody.
-    const bool bEnded = g_ended.try_acquire_for(std::chrono::milliseconds(400));
+    // A worker that failed tells nobody, but runs no more.
+    bool bEnded = false;
+    for (bool bRunning = true; bRunning && !bEnded;) {
+        bRunning = downloads.IsRunning();
+        bEnded = g_ended.try_acquire_for(std::chrono::milliseconds(1));
+    }
     const Pause pause;
     return bEnded && ReadFile(place.Path("loaded")) == "downloaded";
 }
