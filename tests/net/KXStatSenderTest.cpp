@@ -107,6 +107,8 @@ TEST_F(Stats, TheIdIsMadeOnceAndKept)
     EXPECT_EQ(stored, id.c_str());
     Sender second;
     EXPECT_EQ(IdOf(second), id);
+    EXPECT_TRUE(second.SaveUserId("another"));
+    EXPECT_EQ(IdOf(second), "another");
     KXHost::SetRegistryFile(dir.Path("another.ini"));
     EXPECT_NE(IdOf(second), id);
 }
