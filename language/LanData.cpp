@@ -9,7 +9,10 @@
 #include "platform/MessageBox.h"
 #include "platform/StdioFile.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdint>
+#include <memory>
 #include <new>
 #include <string_view>
 
@@ -122,6 +125,13 @@ bool CKXLanResManager::ReadLanData(const CString& strFile)
     if (!file.Open(strFile, CFile::modeRead | CFile::shareDenyNone, &failure)) {
         ShowFailure(failure);
         return false;
+    }
+    {
+        constexpr std::uint64_t cbLine = 32;     // a short one, so that there is room for all
+        constexpr std::uint64_t nMost = 1 << 20; // 8 MB, whatever size a file claims
+        const CKXAutoLock lock(&m_csData);
+        if (!m_mapStrings) m_mapStrings = std::make_unique<StringTable>();
+        m_mapStrings->Reserve(std::min(file.GetLength() / cbLine, nMost));
     }
     CString strLine;
     while (file.ReadString(strLine))
