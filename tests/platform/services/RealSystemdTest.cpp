@@ -84,7 +84,7 @@ protected:
     void TearDown() override
     {
         if (!Box()) return;
-        std::remove(kSlow);
+        std::remove(m_slow.c_str());
         for (const std::string& name : m_made) {
             CKXWinService(name.c_str()).DoStop();
             CKXWinService(name.c_str()).Delete();
@@ -122,7 +122,8 @@ protected:
         return bExists ? static_cast<DWORD>(dwState) : 0;
     }
 
-    static constexpr const char* kSlow = "/tmp/slow-reload"; // the seconds that a reload takes in the box
+    // The seconds that a reload takes in the box.
+    const std::string m_slow = "/tmp/slow-reload-" + std::to_string(geteuid());
     const test::TempDir m_dir;
     test::DebugText m_text;
     CString m_sleeper;
@@ -274,7 +275,7 @@ TEST_F(RealSystemd, WhatIsTooSlowIsTold)
     EXPECT_EQ(Shown("kx-deaf.service", "Result"), "timeout");
 
     // A manager that takes a second to read its units, for calls that have less.
-    std::ofstream(kSlow) << "1\n";
+    std::ofstream(m_slow) << "1\n";
     KXHost::SystemdPlace hasty;
     const auto create = [&](DWORD dwTimeout, DWORD dwStartType) {
         hasty.dwTimeout = dwTimeout;
