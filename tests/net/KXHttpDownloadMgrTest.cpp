@@ -267,6 +267,8 @@ TEST_F(Downloads, AStopCutsShortAtOnceWhatASilentServerHoldsUp)
         const unsigned int id = Add(c.server.Url(), dir.Win("file"));
         const unsigned int waiting = Add(hello.Url());
         journal.Await(c.await, id);
+        manager->Uninitialize();
+        EXPECT_EQ(manager->GetNextTask(), nullptr);
         manager.emplace();
         EXPECT_EQ(journal.Codes(id), c.codes);
         EXPECT_EQ(journal.Codes(waiting), Codes{});

@@ -78,7 +78,7 @@ protected:
     }};
 };
 
-const std::string kHex = "^[0-9A-F]{32}$";
+const std::string kHex = "^[0-9A-F]{12}4[0-9A-F]{3}[89AB][0-9A-F]{15}$"; // a random GUID
 
 TEST_F(Stats, ReportsInOrderWithTheCallersTextsAsTheyAre)
 {
