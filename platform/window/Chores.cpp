@@ -1,6 +1,7 @@
 #include "platform/window/Chores.h"
 
 #include "include/platform/Clock.h"
+#include "platform/window/Desktop.h"
 #include "platform/window/Queue.h"
 #include "platform/window/WindowState.h"
 #include "platform/window/WindowTable.h"
@@ -20,7 +21,8 @@ void DoChore(Window& window, Chore chore, LPARAM lParam)
     case Chore::Destroy:
         DestroyWindow(window.Handle());
         break;
-    case Chore::GainFocus:
+    case Chore::GainFocus: // old once the thread has given the focus to another window meanwhile
+        if (!Desktop::Instance().HasFocus(window.Handle())) break;
         if (window.enabled)
             TakeFocus(window.Handle());
         else if (const HWND hModal = window.Owner().input.modal)

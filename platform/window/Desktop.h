@@ -76,6 +76,8 @@ public:
     virtual void SetOpacity(HWND hWnd, BYTE opacity) = 0;
     // Gives the keyboard to a window, or with null to none of this process.
     virtual void Focus(HWND hWnd) = 0;
+    // Whether a window that was given the keyboard has it still, and no other one was asked for since.
+    virtual bool HasFocus(HWND) const { return true; }
     virtual void Destroy(HWND hWnd) noexcept = 0;
     // A window stays above another of this process, which is disabled as long as it lives.
     virtual void SetOwner(HWND, HWND) {}

@@ -22,6 +22,8 @@ public:
     void Place(HWND hWnd, const RECT& rect);
     void Stack(HWND hWnd, Order order);
     void Focus(HWND hWnd);
+    // By what the server has told, and as long as it answered the last wish.
+    bool HasFocus(HWND hWnd) const noexcept { return m_focused == NumberOf(hWnd) && !m_focusing; }
     void SetOwner(HWND hWnd, HWND hOwner);
     void SetCursor(HWND hWnd, HCURSOR hCursor);
     void SetCaret(HWND hWnd, POINT place);

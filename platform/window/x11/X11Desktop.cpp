@@ -227,6 +227,12 @@ void X11Desktop::Focus(HWND hWnd)
     if (const Access server(Session()); server) server->own.Focus(hWnd);
 }
 
+bool X11Desktop::HasFocus(HWND hWnd) const
+{
+    const Access server(Session());
+    return server && server->own.HasFocus(hWnd);
+}
+
 void X11Desktop::Destroy(HWND hWnd) noexcept
 {
     const Access server(Session());

@@ -38,6 +38,7 @@ public:
     void Shape(HWND hWnd, const gdi::PixelRegion* region) override;
     void SetOpacity(HWND hWnd, BYTE opacity) override;
     void Focus(HWND hWnd) override;
+    bool HasFocus(HWND hWnd) const override;
     void SetOwner(HWND hWnd, HWND hOwner) override;
     void SetCursor(HWND hWnd, HCURSOR hCursor) override;
     void SetCaret(HWND hWnd, POINT place) override;
