@@ -20,11 +20,7 @@ public:
     }
     PerThread(const PerThread&) = delete;
     PerThread& operator=(const PerThread&) = delete;
-    ~PerThread() // the key stays, for threads that still run
-    {
-        const std::unique_ptr<T> mine(Find());
-        pthread_setspecific(m_key, nullptr);
-    }
+    ~PerThread() { End(); } // the key stays, for threads that still run
 
     T& Get()
     {
@@ -32,6 +28,12 @@ public:
         auto mine = std::make_unique<T>();
         if (pthread_setspecific(m_key, mine.get()) != 0) throw std::bad_alloc();
         return *mine.release();
+    }
+    // Ends this thread's object before the thread does.
+    void End() noexcept
+    {
+        const std::unique_ptr<T> mine(Find());
+        pthread_setspecific(m_key, nullptr);
     }
     // Null before the thread's first `Get`.
     T* Find() const noexcept { return static_cast<T*>(pthread_getspecific(m_key)); }

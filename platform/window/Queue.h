@@ -56,7 +56,7 @@ class Queue
 public:
     static constexpr std::size_t kMaxPosted = 10'000;
 
-    explicit Queue(DWORD dwThreadId) noexcept : m_threadId(dwThreadId) {}
+    explicit Queue(DWORD dwThreadId) : m_threadId(dwThreadId) {}
     Queue(const Queue&) = delete;
     Queue& operator=(const Queue&) = delete;
 

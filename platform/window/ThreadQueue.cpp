@@ -1,6 +1,7 @@
 #include "platform/window/Queue.h"
 
 #include "include/platform/Sync.h"
+#include "platform/sync/PerThread.h"
 #include "platform/window/Lifetime.h"
 #include "platform/window/WindowTable.h"
 
@@ -32,13 +33,24 @@ private:
     const std::shared_ptr<Queue> m_queue;
 };
 
+// Made while the library is loaded, before the other objects for each thread: a thread's windows end first.
+sync::PerThread<Holder> g_holders;
+
+// The thread that loads the library ends its windows before all static objects. The C library aborts where it
+// lacks memory for such an object, so that only this one thread has it, from its load on.
+struct Loader
+{
+    ~Loader() { g_holders.End(); }
+};
+thread_local Loader t_loader;
+[[maybe_unused]] const Loader* const g_loader = &t_loader;
+
 } // namespace
 
 std::shared_ptr<Queue> ThisThread()
 {
     if (t_over) return nullptr;
-    static thread_local Holder holder;
-    return holder.Get();
+    return g_holders.Get().Get();
 }
 
 bool IsThisThread(const Queue& queue) noexcept

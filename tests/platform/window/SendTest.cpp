@@ -1,3 +1,4 @@
+#include "platform/sync/PerThread.h"
 #include "tests/platform/window/Support.h"
 #include "tests/support/Await.h"
 
@@ -172,15 +173,15 @@ struct AtEnd
         if (action) action();
     }
 };
-thread_local AtEnd t_atEnd;
 
-// A thread's own objects may be destroyed after its queue.
+// What a thread keeps under a key may be destroyed after its queue.
 TEST(Send, WorksWhenTheThreadsQueueIsGone)
 {
     const WindowThread other;
+    kx::sync::PerThread<AtEnd> atEnd;
     bool bDone = false;
     test::InThread([&] {
-        t_atEnd.action = [&] {
+        atEnd.Get().action = [&] {
             MSG msg;
             EXPECT_EQ(SendMessageA(other.Window(), kPing, 0, 0), 1);
             EXPECT_TRUE(PostMessage(other.Window(), kPing, 0, 0));
