@@ -15,13 +15,8 @@ using text::Iconv;
 
 std::string FromUtf16(UINT nCodePage, std::u16string_view units)
 {
-    WCHAR all = 0;
-    std::string text(units.size(), '\0');
-    std::transform(units.begin(), units.end(), text.begin(), [&](WCHAR unit) {
-        all = static_cast<WCHAR>(all | unit);
-        return static_cast<char>(unit);
-    });
-    if (all < 0x80) return text;
+    if (std::all_of(units.begin(), units.end(), [](WCHAR unit) { return unit < 0x80; }))
+        return {units.begin(), units.end()};
     const std::string_view bytes(reinterpret_cast<const char*>(units.data()), units.size() * sizeof(WCHAR));
     return Iconv::For(nCodePage, Iconv::Direction::FromUtf16).ConvertLossy(bytes, "?", sizeof(WCHAR));
 }

@@ -41,11 +41,16 @@ void ResolvePrefix(xmlNode* element) noexcept
 
 } // namespace
 
+bool IsPlainName(const std::string& name) noexcept
+{
+    const auto isLetter = [](char ch) { return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z'); };
+    if (name.size() < 80 && !name.empty() && std::all_of(name.begin(), name.end(), isLetter)) return true;
+    return name.find(':') == name.npos && IsName(name);
+}
+
 bool IsName(const std::string& name) noexcept
 {
     constexpr std::size_t kLongest = 10000; // the parser takes some more
-    const auto isLetter = [](char ch) { return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z'); };
-    if (name.size() < 80 && !name.empty() && std::all_of(name.begin(), name.end(), isLetter)) return true;
     return name.size() <= kLongest && name.find('\0') == name.npos &&
            xmlValidateQName(ToXml(name.c_str()), 0) == 0;
 }

@@ -47,19 +47,17 @@ private:
 HRESULT Select(Place place, const std::string& pattern, xmlNode** pFirst, std::vector<xmlNode*>& found)
 {
     if (!place.node) return E_FAIL;
-    const bool bName = IsName(pattern);
-    if (!bName || pattern.find(':') != pattern.npos) {
+    if (!IsPlainName(pattern)) {
         const HRESULT hr = EvaluateXPath(*place.tree, place.node, pattern, found);
         if (pFirst && hr == S_OK) *pFirst = found.front();
-        if (hr != E_INVALIDARG || !bName) return hr;
+        if (hr != E_INVALIDARG || !IsName(pattern)) return hr;
     }
-    const xmlChar* const name = FindName(place.tree->Doc(), pattern);
     if (pFirst) {
-        *pFirst = name ? place.tree->Children().Find(place.node, name) : nullptr;
+        *pFirst = place.tree->Children().Find(place.node, pattern);
         return *pFirst ? S_OK : S_FALSE;
     }
-    for (xmlNode* node = name ? place.node->children : nullptr; node; node = node->next)
-        if (IsNamed(node, name)) found.push_back(node);
+    for (xmlNode* node = place.node->children; node; node = node->next)
+        if (IsNamed(node, pattern)) found.push_back(node);
     return S_OK;
 }
 

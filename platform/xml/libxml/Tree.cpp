@@ -29,7 +29,7 @@ bool Fits(const xmlNode* branch, int nElements, int nNamespaces) noexcept
 
 } // namespace
 
-xmlNode* ChildIndex::Find(const xmlNode* parent, const xmlChar* name)
+xmlNode* ChildIndex::Find(const xmlNode* parent, std::string_view name)
 {
     constexpr int kFew = 64; // nodes that are looked through faster than an index is made
     const auto search = [&](int nMost) {
@@ -57,7 +57,7 @@ xmlNode* ChildIndex::Find(const xmlNode* parent, const xmlChar* name)
 void ChildIndex::Add(Names& names, xmlNode* child)
 {
     if (child->type != XML_ELEMENT_NODE || child->ns) return;
-    Named& named = names[child->name];
+    Named& named = names[ViewOf(child->name)];
     if (named.nCount++ == 0) named.first = child;
 }
 
@@ -76,7 +76,7 @@ void ChildIndex::Removed(const xmlNode* child) noexcept
 {
     const auto index = m_parents.find(child->parent);
     if (index == m_parents.end() || child->type != XML_ELEMENT_NODE || child->ns) return;
-    const auto found = index->second.find(child->name);
+    const auto found = index->second.find(ViewOf(child->name));
     if (found == index->second.end()) return;
     if (found->second.first == child) found->second.first = nullptr;
     if (--found->second.nCount <= 0) index->second.erase(found);

@@ -4,6 +4,7 @@
 #include "platform/Handles.h"
 #include "platform/xml/libxml/Libxml.h"
 
+#include <cstring>
 #include <libxml/xpath.h>
 #include <string>
 #include <string_view>
@@ -27,14 +28,13 @@ Ref<T> Share(T* object) noexcept
     return Ref<T>(object);
 }
 
-// Finds a node's children by names without a prefix, which are their document's own copies (FindName). The
-// children of a parent with many are indexed: all of them, read in any order, take time in proportion to
-// their number.
+// Finds a node's children by names without a prefix. The children of a parent with many are indexed: all of
+// them, read in any order, take time in proportion to their number.
 class ChildIndex
 {
 public:
     // The first such child; null without one.
-    xmlNode* Find(const xmlNode* parent, const xmlChar* name);
+    xmlNode* Find(const xmlNode* parent, std::string_view name);
     // To be called when an element has become the last child of its parent.
     void Added(xmlNode* child) noexcept;
     // To be called before a node leaves its parent.
@@ -48,7 +48,7 @@ private:
         xmlNode* first; // null where that one has left, and others are there
         int nCount;
     };
-    using Names = std::unordered_map<const xmlChar*, Named>;
+    using Names = std::unordered_map<std::string_view, Named>;
 
     static void Add(Names& names, xmlNode* child);
 
@@ -137,15 +137,14 @@ void ForEachElement(xmlNode* branch, Use use)
 
 // Whether it may be the name, with or without a prefix, of an element or attribute.
 bool IsName(const std::string& name) noexcept;
-// A document's only copy of a name, which its nodes share; null for a name that none of them has.
-inline const xmlChar* FindName(const xmlDoc* doc, const std::string& name) noexcept
+// The same without a prefix.
+bool IsPlainName(const std::string& name) noexcept;
+// Whether a node is an element of this name, which has no prefix.
+inline bool IsNamed(const xmlNode* node, std::string_view name) noexcept
 {
-    return xmlDictExists(doc->dict, ToXml(name.data()), static_cast<int>(name.size()));
-}
-// Whether a node is an element of this name, a document's own copy, without a prefix.
-inline bool IsNamed(const xmlNode* node, const xmlChar* name) noexcept
-{
-    return node->name == name && node->type == XML_ELEMENT_NODE && !node->ns;
+    if (node->type != XML_ELEMENT_NODE || node->ns) return false;
+    const auto* const own = reinterpret_cast<const char*>(node->name);
+    return own[0] == name[0] && std::strncmp(own, name.data(), name.size()) == 0 && !own[name.size()];
 }
 // A node's name as it stands, or what stands for it.
 std::string NameOf(const xmlNode* node);
