@@ -23,8 +23,8 @@ std::string Repeat(int nTimes, const std::string& text)
 class HostileXml : public testing::Test
 {
 protected:
-    // Whether a file of these bytes is loaded; in any case within 2 s of the processor and 512 MiB, of which the
-    // sanitizers take more.
+    // Whether a file of these bytes is loaded; in any case within 2 s of the processor and 512 MiB, of which
+    // the sanitizers take more.
     bool Loads(const std::string& bytes)
     {
 #ifdef KX_SANITIZED
@@ -43,7 +43,10 @@ protected:
         EXPECT_LT(usage.ru_maxrss, kKilobytes);
         return bLoaded;
     }
-    CKXXmlDomElement Root() { return m_doc.GetDocumentElement(); }
+    CKXXmlDomElement Root()
+    {
+        return m_doc.GetDocumentElement();
+    }
 
     test::Com m_com;
     test::TempDir m_dir;
