@@ -37,7 +37,7 @@ constexpr std::size_t LetterIndex(char letter) noexcept
 
 constexpr std::size_t kSystemLetter = LetterIndex('C');
 
-// Where a device's file system is mounted as a whole, or at least in part; `/` is the drive `C:`.
+// A device's file system may be mounted as a whole, which goes first, or in part; `/` is the drive `C:`.
 std::optional<std::string> MountPoint(const BlockDevice& device, const std::vector<Mount>& mounts)
 {
     const Mount* found = nullptr;

@@ -32,7 +32,7 @@ struct SentMessage
     LRESULT result = 0;
 };
 
-// What a window has to paint.
+// The part of a window that must be painted.
 struct Update
 {
     gdi::PixelRegion region;

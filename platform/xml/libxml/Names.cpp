@@ -16,7 +16,7 @@ void ForEachName(xmlNode* branch, Use use)
     });
 }
 
-// What a prefix stands for at a place, as told below `end`; null for what nothing there declares.
+// The namespace that a prefix stands for at a place, as told below `end`; null if nothing there declares it.
 xmlNs* FindNamespace(const xmlNode* place, std::string_view prefix, const xmlNode* end = nullptr) noexcept
 {
     if (place && prefix == "xml") return place->doc->oldNs; // each document's own

@@ -174,7 +174,7 @@ struct AtEnd
     }
 };
 
-// What a thread keeps under a key may be destroyed after its queue.
+// An object that a thread keeps under a key may be destroyed after its queue.
 TEST(Send, WorksWhenTheThreadsQueueIsGone)
 {
     const WindowThread other;

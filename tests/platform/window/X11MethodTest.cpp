@@ -27,13 +27,14 @@ protected:
                "[Groups/0/Items/0]\nName=pinyin\n[GroupOrder]\n0=Default\n";
         std::ofstream(m_home.Path(".config/fcitx5/config")) << "[Behavior]\nActiveByDefault=True\n";
         StartMethod();
+        ASSERT_TRUE(KXHost::UseMemoryDesktop()); // the desktop's thread reads the environment
         setenv("XMODIFIERS", "@im=fcitx", 1);
-        ASSERT_TRUE(KXHost::UseMemoryDesktop() && KXHost::UseDisplay(server->Name().c_str()));
+        ASSERT_TRUE(KXHost::UseDisplay(server->Name().c_str()));
     }
     void TearDown() override
     {
-        unsetenv("XMODIFIERS");
         X11Test::TearDown();
+        unsetenv("XMODIFIERS");
     }
     void StartMethod()
     {

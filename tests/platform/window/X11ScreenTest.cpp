@@ -102,10 +102,12 @@ TEST_F(X11ScreenTest, TheEnvironmentHasTheLastWordOfTheScale)
 {
     outside->SetResources("Xft.dpi: 192\n");
     for (const auto& [word, width] : {std::pair{"1", 640}, {"3", 214}, {"9", 214}, {"nonsense", 640}}) {
+        ASSERT_TRUE(KXHost::UseMemoryDesktop()); // the desktop's thread reads the environment
         setenv("KX_SCALE", word, 1);
         Reopen();
         EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), width) << word;
     }
+    ASSERT_TRUE(KXHost::UseMemoryDesktop());
     unsetenv("KX_SCALE");
 }
 
