@@ -137,7 +137,7 @@ void InputMethod::Serve(xcb_window_t window)
         else if (window)
             MakeContext(window);
     });
-    // What comes until then belongs to the window before.
+    // A text that comes until then belongs to the window before.
     m_steps.emplace_back([this, window] {
         if (!window || !m_context) return;
         m_served = window;

@@ -82,7 +82,7 @@ private:
             Add(text.substr(0, at), kEscapes[kSpecial.find(text[at])]);
         Add(text);
     }
-    // What no section can hold stands between two; the first "]]" of an end then ends one itself.
+    // A text that no section can hold stands between two; the first "]]" of an end then ends one itself.
     void AddCData(std::string_view text)
     {
         constexpr std::string_view kEnd = "]]>";
