@@ -158,7 +158,7 @@ const std::map<std::string, double> aims = {
     {"skin_ini_reads/whole_change", 20},
     {"crash_to_main/posix_spawn", 0.5},
     {"xml_load_5mb/libxml2", 1 / 1.15},
-    {"xml_read_childs/libxml2_xpath", 5},
+    {"xml_read_childs/libxml2_xpath", 3},
     {"xml_read_childs/ten_tenths", 0.8},
     {"xml_write/libxml2", 1 / 1.5},
     {"client_log/spdlog", 1 / 1.2},

@@ -1,9 +1,6 @@
 #include "platform/xml/libxml/NodeObject.h"
 
-#include "include/platform/Xml.h"
-
 #include <libxml/valid.h>
-#include <optional>
 #include <utility>
 
 namespace kx::xml {

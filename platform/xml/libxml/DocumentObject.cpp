@@ -1,10 +1,8 @@
 #include "include/platform/Error.h"
 #include "internal/Debug.h"
-#include "platform/SameGuid.h"
 #include "platform/files/Path.h"
 #include "platform/files/WholeFile.h"
 #include "platform/module/Door.h"
-#include "platform/xml/Functions.h"
 #include "platform/xml/libxml/Markup.h"
 #include "platform/xml/libxml/NodeObject.h"
 

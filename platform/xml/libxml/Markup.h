@@ -36,8 +36,8 @@ Ref<Tree> ParseText(std::string_view utf8, const char* pszName = "a text");
 // std::bad_alloc.
 std::string MarkupOf(const Tree& tree, const xmlNode* node);
 
-// A document as it lies in a file: in the encoding that it declares, or in UTF-8 where that isn't kept or
-// would read as something else.
+// A document as it lies in a file: in the encoding that it declares, if that is kept and reads as it, or
+// UTF-8.
 std::string FileContentOf(const Tree& tree);
 
 } // namespace kx::xml

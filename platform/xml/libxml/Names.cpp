@@ -1,7 +1,5 @@
 #include "platform/xml/libxml/Tree.h"
 
-#include <algorithm>
-
 namespace kx::xml {
 
 namespace {
@@ -40,13 +38,6 @@ void ResolvePrefix(xmlNode* element) noexcept
 }
 
 } // namespace
-
-bool IsPlainName(const std::string& name) noexcept
-{
-    const auto isLetter = [](char ch) { return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z'); };
-    if (name.size() < 80 && !name.empty() && std::all_of(name.begin(), name.end(), isLetter)) return true;
-    return name.find(':') == name.npos && IsName(name);
-}
 
 bool IsName(const std::string& name) noexcept
 {

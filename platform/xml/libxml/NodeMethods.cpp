@@ -2,6 +2,7 @@
 
 #include "platform/xml/libxml/NodeObject.h"
 
+#include <array>
 #include <vector>
 
 namespace kx::xml {
@@ -42,33 +43,54 @@ private:
     std::vector<Ref<NodeObject>> m_nodes;
 };
 
-// Children by their plain name are found without XPath, whose answer would be the same: this is what records
-// are read by. A name with a prefix that nothing declares is one too.
-HRESULT Select(Place place, const std::string& pattern, xmlNode** pFirst, std::vector<xmlNode*>& found)
+// A name of few letters, by which most children are read; empty for any other pattern.
+std::string_view FewLetters(BSTR bstrPattern, std::array<char, 40>& room) noexcept
+{
+    const UINT nUnits = SysStringLen(bstrPattern);
+    if (nUnits > room.size()) return {};
+    for (UINT n = 0; n < nUnits; ++n) {
+        const WCHAR small = bstrPattern[n] | 0x20;
+        if (small < 'a' || small > 'z') return {};
+        room[n] = static_cast<char>(bstrPattern[n]);
+    }
+    return {room.data(), nUnits};
+}
+
+// Finds the first, or all where nobody takes that. Children are found by their plain name, which one with a
+// prefix that nothing declares is too, without XPath, whose answer would be the same: so records are read.
+HRESULT Select(Place place, BSTR bstrPattern, xmlNode** pFirst, std::vector<xmlNode*>& found)
 {
     if (!place.node) return E_FAIL;
-    if (!IsPlainName(pattern)) {
-        const HRESULT hr = EvaluateXPath(*place.tree, place.node, pattern, found);
-        if (pFirst && hr == S_OK) *pFirst = found.front();
-        if (hr != E_INVALIDARG || !IsName(pattern)) return hr;
+    std::array<char, 40> room;
+    std::string_view name = FewLetters(bstrPattern, room);
+    std::string pattern;
+    if (name.empty()) {
+        name = pattern = ToUtf8(bstrPattern);
+        const bool bName = IsName(pattern);
+        if (!bName || pattern.find(':') != pattern.npos) {
+            const HRESULT hr = EvaluateXPath(*place.tree, place.node, pattern, found);
+            if (pFirst && hr == S_OK) *pFirst = found.front();
+            if (hr != E_INVALIDARG || !bName) return hr;
+        }
     }
     if (pFirst) {
-        *pFirst = place.tree->Children().Find(place.node, pattern);
+        *pFirst = place.tree->Children().Find(place.node, name);
         return *pFirst ? S_OK : S_FALSE;
     }
     for (xmlNode* node = place.node->children; node; node = node->next)
-        if (IsNamed(node, pattern)) found.push_back(node);
+        if (IsNamed(node, name)) found.push_back(node);
     return S_OK;
 }
 
 } // namespace
 
-std::string GetText(Place place)
+std::string_view GetText(Place place, std::string& joined)
 {
     const xmlNode* const top = place.node;
     if (top->type != XML_DOCUMENT_NODE && top->type != XML_ELEMENT_NODE && top->type != XML_ATTRIBUTE_NODE)
-        return std::string(ViewOf(top->content));
-    std::string joined;
+        return ViewOf(top->content);
+    const xmlNode* const only = top->children;
+    if (only && !only->next && only->type == XML_TEXT_NODE) return ViewOf(only->content);
     for (xmlNode* node = top->children; node; node = NextBelow(top, node))
         if (node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE)
             joined += ViewOf(node->content);
@@ -79,7 +101,7 @@ HRESULT SelectSingleNode(Place place, BSTR bstrPattern, IXMLDOMNode** ppNode)
 {
     std::vector<xmlNode*> found;
     xmlNode* first = nullptr;
-    const HRESULT hr = Select(place, ToUtf8(bstrPattern), &first, found);
+    const HRESULT hr = Select(place, bstrPattern, &first, found);
     if (hr == S_OK) *ppNode = NodeObject::Of(*place.tree, first).release();
     return hr;
 }
@@ -87,7 +109,7 @@ HRESULT SelectSingleNode(Place place, BSTR bstrPattern, IXMLDOMNode** ppNode)
 HRESULT SelectNodes(Place place, BSTR bstrPattern, IXMLDOMNodeList** ppList)
 {
     std::vector<xmlNode*> found;
-    const HRESULT hr = Select(place, ToUtf8(bstrPattern), nullptr, found);
+    const HRESULT hr = Select(place, bstrPattern, nullptr, found);
     if (FAILED(hr)) return hr;
     *ppList = new NodeList(*place.tree, found);
     return S_OK;

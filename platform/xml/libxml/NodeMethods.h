@@ -73,7 +73,8 @@ HRESULT Give(Output* pOutput, Run run) noexcept
 }
 
 // The methods that a document and its nodes share, on UTF-8. `ppNode` and so on are never null.
-std::string GetText(Place place);
+// The text, which is one of the tree's own or else put together in `joined`.
+std::string_view GetText(Place place, std::string& joined);
 HRESULT PutText(Place place, BSTR bstrText);
 HRESULT AppendChild(Place place, IXMLDOMNode* pChild);
 HRESULT SelectSingleNode(Place place, BSTR bstrPattern, IXMLDOMNode** ppNode);
@@ -92,7 +93,11 @@ public:
     {
         return Get(pbstr, [](Place place) { return NameOf(place.node); });
     }
-    HRESULT get_text(BSTR* pbstr) override { return Get(pbstr, GetText); }
+    HRESULT get_text(BSTR* pbstr) override
+    {
+        std::string joined;
+        return Get(pbstr, [&](Place place) { return GetText(place, joined); });
+    }
     HRESULT get_xml(BSTR* pbstr) override
     {
         return Get(pbstr, [](Place place) { return MarkupOf(*place.tree, place.node); });
@@ -122,7 +127,8 @@ public:
 
 private:
     Place Here() const noexcept { return static_cast<const Self*>(this)->Where(); }
-    HRESULT Get(BSTR* pbstr, std::string (*get)(Place))
+    template <class Text>
+    HRESULT Get(BSTR* pbstr, Text get)
     {
         return Give(pbstr, [&] {
             if (!Here().node) return E_FAIL;

@@ -1,8 +1,6 @@
 #include "internal/Debug.h"
 #include "platform/xml/libxml/Markup.h"
 
-#include "include/platform/Xml.h"
-
 #include <algorithm>
 #include <libxml/SAX2.h>
 #include <libxml/parserInternals.h>

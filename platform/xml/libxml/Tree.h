@@ -137,8 +137,6 @@ void ForEachElement(xmlNode* branch, Use use)
 
 // Whether it may be the name, with or without a prefix, of an element or attribute.
 bool IsName(const std::string& name) noexcept;
-// The same without a prefix.
-bool IsPlainName(const std::string& name) noexcept;
 // Whether a node is an element of this name, which has no prefix.
 inline bool IsNamed(const xmlNode* node, std::string_view name) noexcept
 {

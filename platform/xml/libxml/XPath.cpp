@@ -1,7 +1,5 @@
 #include "platform/xml/libxml/NodeMethods.h"
 
-#include "include/platform/Unknown.h"
-
 #include <algorithm>
 #include <libxml/xpathInternals.h>
 #include <sys/mman.h>
