@@ -3,18 +3,54 @@
 #include "KXFileSystem.h"
 #include "include/platform/Host.h"
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <future>
+#include <thread>
+#include <unistd.h>
 #include <vector>
 
+namespace {
+
+constexpr int kLooks = 10; // at the memory, over the run
+
+long ResidentMegabytes()
+{
+    long nPages = 0;
+    std::ifstream("/proc/self/statm") >> nPages >> nPages;
+    return nPages * sysconf(_SC_PAGESIZE) / (1 << 20);
+}
+
+// Prints the memory at each tenth of the run. False where it has grown from the third to the last by more
+// than a fifth and what the works' own texts come to.
+bool StaysFlat(std::chrono::steady_clock::time_point begin, std::chrono::seconds time)
+{
+    constexpr long kOwn = 8;
+    std::array<long, kLooks> resident{};
+    for (int n = 0; n < kLooks; ++n) {
+        std::this_thread::sleep_until(begin + time * (n + 1) / kLooks);
+        resident[static_cast<std::size_t>(n)] = ResidentMegabytes();
+    }
+    std::printf("memory, MB: ");
+    for (const long n : resident)
+        std::printf(" %ld", n);
+    std::printf("\n");
+    return time < std::chrono::minutes(2) || resident.back() <= resident[2] + resident[2] / 5 + kOwn;
+}
+
+} // namespace
+
 // kx_soak SECONDS SEED SAMPLE-DIR: all works at once, on the languages and skins of a sample client. Fails
-// for a loss.
+// for a loss, and where memory grows.
 int main(int nArgs, char** args)
 {
     if (nArgs != 4) return 2;
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(std::atoi(args[1]));
+    const auto begin = std::chrono::steady_clock::now();
+    const std::chrono::seconds time(std::atoi(args[1]));
+    const auto end = begin + time;
     const auto seed = static_cast<unsigned>(std::atoi(args[2]));
     const test::TempDir dir;
     for (const char* pszTree : {"Skins", "Languages"})
@@ -41,7 +77,7 @@ int main(int nArgs, char** args)
     start("downloads", soak::RunDownloads);
     start("registry", soak::RunRegistry);
     start("xml", soak::RunXml);
-    std::uint64_t losses = 0;
+    std::uint64_t losses = StaysFlat(begin, time) ? 0 : 1;
     std::printf("seed %u\n", seed);
     std::printf("%-12s %12s %12s %12s\n", "", "operations", "faults", "losses");
     for (Part& part : parts) {
