@@ -1,10 +1,14 @@
 #include "platform/gdi/Copies.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <new>
 #include <utility>
 #include <vector>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace kx::gdi {
 
@@ -20,6 +24,31 @@ void CopyShort(DWORD* out, const DWORD* in, std::size_t nBytes) noexcept
         std::memcpy(out, in, 8 * sizeof(DWORD));
     for (; in != end; ++out, ++in)
         std::memcpy(out, in, sizeof(DWORD));
+}
+
+constexpr std::size_t kLarge = 4 << 20;
+
+// More than caches hold is written past them, so that what it overwrites isn't read into them first.
+void CopyLarge(DWORD* out, const DWORD* in, std::size_t nBytes) noexcept
+{
+#if defined(__SSE2__)
+    constexpr std::size_t kAtOnce = 4, kAhead = 512;
+    const DWORD* const end = in + nBytes / sizeof(DWORD);
+    const bool bAligned = reinterpret_cast<std::uintptr_t>(out) % sizeof(__m128i) == 0;
+    for (; bAligned && end - in >= 16; out += 16, in += 16) {
+        auto* const target = reinterpret_cast<__m128i*>(out);
+        const auto* const source = reinterpret_cast<const __m128i*>(in);
+        _mm_prefetch(reinterpret_cast<const char*>(in) + kAhead, _MM_HINT_NTA);
+        __m128i units[kAtOnce];
+        for (std::size_t n = 0; n < kAtOnce; ++n)
+            units[n] = _mm_loadu_si128(source + n);
+        for (std::size_t n = 0; n < kAtOnce; ++n)
+            _mm_stream_si128(target + n, units[n]);
+    }
+    _mm_sfence();
+    nBytes = static_cast<std::size_t>(end - in) * sizeof(DWORD);
+#endif
+    std::memcpy(out, in, nBytes);
 }
 
 // Rows within one surface are taken from the end that the copy moves to, so that none is overwritten unread.
@@ -42,6 +71,8 @@ void CopyRows(Surface& to, const Surface& from, const Fit& fit) noexcept
             std::memmove(out, in, nBytes);
         else if (nBytes <= kShort)
             CopyShort(out, in, nBytes);
+        else if (nBytes >= kLarge)
+            CopyLarge(out, in, nBytes);
         else
             std::memcpy(out, in, nBytes);
 }

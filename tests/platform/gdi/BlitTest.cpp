@@ -92,6 +92,16 @@ TEST(BitBlt, CopiesABlockAndCutsItToBothSurfaces)
         }
     }
     EXPECT_EQ(from.Read(), source);
+
+    const Paper large(1040, 1030), to(1040, 1030); // more than caches hold
+    for (int y = 0; y < 1030; y += 103)
+        for (int x = 0; x < 1040; x += 8)
+            Blit(large, {x, y, 8, 5, 0, 0}, from);
+    EXPECT_EQ(Blit(to, {0, 1, 1040, 1025, 0, 3}, large), 1);
+    for (const int y : {1, 2, 101, 102, 103, 927, 1025})
+        EXPECT_EQ(test::Read(to, 0, y, 1040, y + 1), test::Read(large, 0, y + 2, 1040, y + 3)) << y;
+    EXPECT_EQ(GetPixel(to, 0, 0), test::ColorOf('.'));
+    EXPECT_EQ(GetPixel(to, 1039, 1026), test::ColorOf('.'));
 }
 
 // Each direction, within one surface: whole, and cut into parts that lie side by side and below each other.
