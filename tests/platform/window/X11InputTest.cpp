@@ -19,13 +19,8 @@ protected:
     {
         window.heard.clear();
         act();
-        EXPECT_TRUE(Pump([&] { return window.heard.find(last) != std::string::npos; })) << window.heard;
+        EXPECT_TRUE(Pump([&] { return window.Heard(last); })) << window.heard;
         return window.heard;
-    }
-    void Type(xcb_keycode_t code)
-    {
-        outside->Key(code, true);
-        outside->Key(code, false);
     }
 };
 
@@ -46,12 +41,10 @@ TEST_F(X11InputTest, TheMouseIsHeardWithinTheWindow)
                    [&] {
                        outside->MoveMouse(149, 159);
                        for (const int n : {2, 4, 5}) { // the middle one, and the wheel's
-                           outside->Button(n, true);
-                           outside->Button(n, false);
+                           outside->Click(n);
                        }
                        outside->Key(outside->KeyOf(0xFFE3), true); // Control
-                       outside->Button(3, true);
-                       outside->Button(3, false);
+                       outside->Click(3);
                        outside->Key(outside->KeyOf(0xFFE3), false);
                    }),
               "move 0 99,99;mdown 16 99,99;mup 0 99,99;wheel 7864320 149,159;wheel 4287102976 149,159;key 17 "
@@ -66,8 +59,7 @@ TEST_F(X11InputTest, MotionsThatNobodyTookAreOne)
     const std::string heard = Hear(window, "up", [&] {
         for (int i = 0; i < 300; ++i)
             outside->MoveMouse(50 + i, 60);
-        outside->Button(1, true);
-        outside->Button(1, false);
+        outside->Click();
         // All of it has come when the button has, and only then is a message taken.
         MSG msg;
         ASSERT_TRUE(Await(
@@ -85,24 +77,23 @@ TEST_F(X11InputTest, KeysAreHeardByWhoHasTheFocus)
     EXPECT_EQ(GetFocus(), other.handle);
     Hear(window, "up", [&] {
         outside->MoveMouse(50, 50);
-        outside->Button(1, true);
-        outside->Button(1, false);
+        outside->Click();
     });
     ASSERT_TRUE(Pump([&] { return outside->Focused() == outside->Find("window"); }));
     EXPECT_EQ(GetFocus(), window.handle);
 
     const xcb_keycode_t shift = outside->KeyOf(0xFFE1);
-    EXPECT_EQ(Hear(window, "keyup", [&] { Type(outside->KeyOf('a')); }),
+    EXPECT_EQ(Hear(window, "keyup", [&] { outside->Type(outside->KeyOf('a')); }),
               "key 65 1,0;char 97 1,0;keyup 65 1,0;");
     EXPECT_EQ(Hear(window, "keyup 16",
                    [&] {
                        outside->Key(shift, true);
-                       Type(outside->KeyOf('b'));
+                       outside->Type(outside->KeyOf('b'));
                        outside->Key(shift, false);
                    }),
               "key 16 1,0;key 66 1,0;char 66 1,0;keyup 66 1,0;keyup 16 1,0;");
     const auto last = [&](xcb_keysym_t symbol) {
-        return Hear(window, "keyup", [&] { Type(outside->KeyOf(symbol)); });
+        return Hear(window, "keyup", [&] { outside->Type(outside->KeyOf(symbol)); });
     };
     EXPECT_EQ(last('7'), "key 55 1,0;char 55 1,0;keyup 55 1,0;");
     EXPECT_EQ(last(0xFF0D), "key 13 1,0;char 13 1,0;keyup 13 1,0;");
@@ -130,16 +121,16 @@ TEST_F(X11InputTest, CharactersComeInTheCodePage)
     ColorWindow window(kRed, {0, 0, 100, 100});
     ShowSeen(window, kRed, 50, 50);
     const xcb_keycode_t key = outside->Assign(0x01000000 + 0x4E2D); // U+4E2D, which has no number as a key
-    EXPECT_EQ(Hear(window, "208", [&] { Type(key); }), "char 214 1,0;char 208 1,0;");
+    EXPECT_EQ(Hear(window, "208", [&] { outside->Type(key); }), "char 214 1,0;char 208 1,0;");
     const xcb_keycode_t dead = outside->Assign(0xFE51); // the acute accent
     EXPECT_EQ(Hear(window, "keyup 69",
                    [&] {
-                       Type(dead);
-                       Type(outside->KeyOf('e'));
+                       outside->Type(dead);
+                       outside->Type(outside->KeyOf('e'));
                    }),
               "key 69 1,0;char 168 1,0;char 166 1,0;keyup 69 1,0;");
     const CodePage utf8(CP_UTF8);
-    EXPECT_EQ(Hear(window, "173", [&] { Type(key); }), "char 228 1,0;char 184 1,0;char 173 1,0;");
+    EXPECT_EQ(Hear(window, "173", [&] { outside->Type(key); }), "char 228 1,0;char 184 1,0;char 173 1,0;");
 }
 
 TEST_F(X11InputTest, AHeldKeyRepeats)
@@ -153,7 +144,7 @@ TEST_F(X11InputTest, AHeldKeyRepeats)
     Hear(window, "keyup", [] {});
     const std::string sys = Hear(window, "syskeyup 18", [&] {
         outside->Key(alt, true);
-        Type(key);
+        outside->Type(key);
         outside->Key(alt, false);
     });
     EXPECT_EQ(sys, "syskey 18 1,0;syskey 65 1,0;syschar 97 1,0;syskeyup 65 1,0;syskeyup 18 1,0;");
@@ -166,9 +157,9 @@ TEST_F(X11InputTest, ComposeMakesOneCharacterOfThree)
     const CodePage utf8(CP_UTF8);
     const xcb_keycode_t compose = outside->Assign(0xFF20);
     const std::string heard = Hear(window, "keyup 69", [&] {
-        Type(compose);
-        Type(outside->KeyOf('\''));
-        Type(outside->KeyOf('e'));
+        outside->Type(compose);
+        outside->Type(outside->KeyOf('\''));
+        outside->Type(outside->KeyOf('e'));
     });
     EXPECT_THAT(heard, HasSubstr("key 69 1,0;char 195 1,0;char 169 1,0;"));
     EXPECT_THAT(heard, testing::Not(HasSubstr("char 39")));
@@ -180,7 +171,7 @@ TEST_F(X11InputTest, TheMouseIsCapturedAndHeardToLeave)
     ShowSeen(first, kRed, 50, 50);
     ShowSeen(second, kBlue, 250, 50);
     outside->MoveMouse(50, 50);
-    ASSERT_TRUE(Pump([&] { return first.heard.find("move 0 50,50") != std::string::npos; }));
+    ASSERT_TRUE(Pump([&] { return first.Heard("move 0 50,50"); }));
     TRACKMOUSEEVENT track{.dwFlags = TME_LEAVE, .hwndTrack = first.handle};
     EXPECT_TRUE(TrackMouseEvent(&track));
     EXPECT_EQ(Hear(first, "leave", [&] { outside->MoveMouse(150, 50); }), "leave 0 0,0;");
@@ -204,7 +195,7 @@ TEST_F(X11InputTest, TheFocusGoesWhereTheServerGivesIt)
     for (int i = 0; i < 20; ++i)
         SetFocus(i % 2 ? first.handle : second.handle);
     ASSERT_TRUE(Pump([&] { return outside->Focused() == outside->Find("first"); }));
-    EXPECT_THAT(Hear(first, "keyup", [&] { Type(outside->KeyOf('a')); }), HasSubstr("key 65"));
+    EXPECT_THAT(Hear(first, "keyup", [&] { outside->Type(outside->KeyOf('a')); }), HasSubstr("key 65"));
     EXPECT_EQ(GetFocus(), first.handle);
     outside->Focus(0);
     EXPECT_TRUE(Pump([&] { return !GetFocus(); }));

@@ -176,6 +176,13 @@ TEST_F(X11LostTest, AServerThatStopsIsGivenUp)
     });
     EXPECT_TRUE(ended);
     EXPECT_THAT(window.heard, HasSubstr("destroy"));
+    EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 640);
+    const HDC desktop = GetDC(nullptr);
+    EXPECT_EQ(GetPixel(desktop, 5, 5), DESKTOP_COLOR);
+    ReleaseDC(nullptr, desktop);
+    KXHost::TakeMessageBoxes();
+    EXPECT_EQ(AfxMessageBox("nobody sees it"), IDOK);
+    EXPECT_EQ(KXHost::TakeMessageBoxes().size(), 1u);
     EXPECT_GE(longest.count(), kLimit / 2);
     EXPECT_LT(longest.count(), 10 * kLimit);
 }
@@ -256,7 +263,7 @@ TEST_P(X11MomentTest, TheServerMayGo)
             ShowSeen(window, kRed, 50, 50);
             outside->MoveMouse(50, 50);
             outside->Button(1, true);
-            Pump([&] { return window.heard.find("down") != std::string::npos; });
+            Pump([&] { return window.Heard("down"); });
             SetCapture(window.handle);
             outside->MoveMouse(70, 70);
             kill();

@@ -70,8 +70,7 @@ protected:
     {
         for (const char ch : keys) {
             const xcb_keycode_t code = outside->KeyOf(static_cast<xcb_keysym_t>(ch));
-            outside->Key(code, true);
-            outside->Key(code, false);
+            outside->Type(code);
         }
     }
 
@@ -152,7 +151,7 @@ TEST_F(X11MethodTest, LettersBecomeChineseAtTheCaretAndTheMethodMayGoAndComeBack
     ASSERT_TRUE(Await([&] { return !outside->HasOwner("@server=fcitx"); }));
     window.heard.clear();
     Type("n");
-    EXPECT_TRUE(Pump([&] { return window.heard.find("keyup 78") != std::string::npos; }));
+    EXPECT_TRUE(Pump([&] { return window.Heard("keyup 78"); }));
     EXPECT_NE(window.heard.find("key 78 1,0;char 110 1,0;keyup 78 1,0;"), std::string::npos)
         << "the keys are the window's again, but " << window.heard;
     StartMethod();

@@ -100,16 +100,12 @@ TEST_F(X11SceneTest, OnlyACallThatNeedsAnAnswerWaitsForTheServer)
 TEST_F(X11SceneTest, AMessageBoxWaitsForItsAnswer)
 {
     const std::function<void()> answers[] = {
-        [&] {
-            outside->Key(outside->KeyOf(0xFF0D), true);
-            outside->Key(outside->KeyOf(0xFF0D), false);
-        },
+        [&] { outside->Type(outside->KeyOf(0xFF0D)); },
         [&] { outside->AskToClose(outside->Find("test.platform.window")); },
         [&] { outside->Destroy(outside->Find("test.platform.window")); },
         [&] {
             outside->MoveMouse(320, 261);
-            outside->Button(1, true);
-            outside->Button(1, false);
+            outside->Click();
         },
     };
     for (const auto& answer : answers) {
@@ -200,8 +196,7 @@ TEST_F(X11SceneTest, AMessageBoxKeepsTheOtherWindowsFromInput)
     ShowWindow(hAsker, SW_SHOW);
     const auto click = [&](int x, int y) {
         outside->MoveMouse(x, y);
-        outside->Button(1, true);
-        outside->Button(1, false);
+        outside->Click();
     };
     std::atomic<int> nBeats{0};
     std::thread user([&] {
@@ -220,15 +215,14 @@ TEST_F(X11SceneTest, AMessageBoxKeepsTheOtherWindowsFromInput)
         EXPECT_TRUE(Await([&] { return outside->Focused() == box; })) << "it takes the focus back";
         EXPECT_TRUE(IsWindow(main.handle) && !IsWindowEnabled(main.handle));
         EXPECT_TRUE(Await([&, nBefore = nBeats.load()] { return nBeats > nBefore; }));
-        outside->Key(outside->KeyOf(' '), true);
-        outside->Key(outside->KeyOf(' '), false);
+        outside->Type(outside->KeyOf(' '));
         EXPECT_TRUE(Await([&] { return !isOpen(); }));
         click(50, 50); // is heard again
     });
     const Handler count = On(WM_TIMER, [&](HWND, WPARAM) { return ++nBeats; });
     const HWND hClock = Make(&count);
     SetTimer(hClock, 1, 10, nullptr);
-    EXPECT_TRUE(Pump([&] { return main.heard.find("up") != std::string::npos; })) << main.heard;
+    EXPECT_TRUE(Pump([&] { return main.Heard("up"); })) << main.heard;
     user.join();
     EXPECT_EQ(nAsked, 1);
     EXPECT_TRUE(IsWindowEnabled(main.handle));

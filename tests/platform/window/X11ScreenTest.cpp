@@ -45,7 +45,7 @@ TEST_F(X11ScreenTest, TheDesktopIsThePrimaryMonitor)
     ShowSeen(window, kRed, 250, 20);
     EXPECT_NE(outside->Pixel(249, 20), kRed);
     outside->MoveMouse(255, 26);
-    EXPECT_TRUE(Pump([&] { return window.heard.find("move 0 5,6;") != std::string::npos; })) << window.heard;
+    EXPECT_TRUE(Pump([&] { return window.Heard("move 0 5,6;"); })) << window.heard;
     const HDC desktop = GetDC(nullptr);
     EXPECT_EQ(GetPixel(desktop, 10, 20), kRed);
     EXPECT_NE(GetPixel(desktop, 9, 20), kRed);
@@ -60,8 +60,7 @@ TEST_F(X11ScreenTest, TheDesktopIsThePrimaryMonitor)
 
     window.heard.clear();
     outside->AddMonitor("main", 200, 0, 440, 480, true);
-    EXPECT_TRUE(Pump([&] { return window.heard.find("display 32 440,480;") != std::string::npos; }))
-        << window.heard;
+    EXPECT_TRUE(Pump([&] { return window.Heard("display 32 440,480;"); })) << window.heard;
     EXPECT_EQ(DesktopRect(), (RECT{0, 0, 440, 480}));
     EXPECT_TRUE(Pump([&] { return GetWindowRect(window.handle, &rect) && rect == RECT{-100, 50, 0, 150}; }));
     EXPECT_THAT(window.heard, HasSubstr("place 0 -100,50;"));
@@ -90,7 +89,7 @@ TEST_F(X11ScreenTest, WindowsAreEnlargedWhereDotsAreFine)
     EXPECT_EQ(GetPixel(desktop, 14, 25), kRed);
     ReleaseDC(nullptr, desktop);
     outside->MoveMouse(27, 51);
-    EXPECT_TRUE(Pump([&] { return window.heard.find("move 0 3,5;") != std::string::npos; })) << window.heard;
+    EXPECT_TRUE(Pump([&] { return window.Heard("move 0 3,5;"); })) << window.heard;
     // A size that is no multiple is covered to its last pixel.
     outside->Place(outside->Find("window"), 21, 40, 131, 60);
     RECT rect{};

@@ -9,10 +9,10 @@
 
 #include <chrono>
 #include <gtest/gtest.h>
-#include <map>
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 
 namespace test {
 
@@ -58,6 +58,8 @@ public:
     ColorWindow& operator=(const ColorWindow&) = delete;
     ~ColorWindow() { DestroyWindow(handle); }
 
+    bool Heard(const std::string& words) const { return heard.find(words) != std::string::npos; }
+
     HWND handle = nullptr;
     int paints = 0;
     std::string heard; // as "name wParam x,y;"
@@ -65,38 +67,25 @@ public:
 private:
     LRESULT Hear(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
     {
-        static const std::map<UINT, const char*> names{{WM_LBUTTONDOWN, "down"},
-                                                       {WM_LBUTTONUP, "up"},
-                                                       {WM_RBUTTONDOWN, "rdown"},
-                                                       {WM_RBUTTONUP, "rup"},
-                                                       {WM_MBUTTONDOWN, "mdown"},
-                                                       {WM_MBUTTONUP, "mup"},
-                                                       {WM_MOUSEWHEEL, "wheel"},
-                                                       {WM_KEYDOWN, "key"},
-                                                       {WM_KEYUP, "keyup"},
-                                                       {WM_CHAR, "char"},
-                                                       {WM_SIZE, "size"},
-                                                       {WM_SETFOCUS, "focus"},
-                                                       {WM_KILLFOCUS, "unfocus"},
-                                                       {WM_CLOSE, "close"},
-                                                       {WM_DESTROY, "destroy"},
-                                                       {WM_MOUSEMOVE, "move"},
-                                                       {WM_MOUSELEAVE, "leave"},
-                                                       {WM_LBUTTONDBLCLK, "twice"},
-                                                       {WM_SYSKEYDOWN, "syskey"},
-                                                       {WM_SYSKEYUP, "syskeyup"},
-                                                       {WM_SYSCHAR, "syschar"},
-                                                       {WM_CAPTURECHANGED, "lost"},
-                                                       {WM_DISPLAYCHANGE, "display"},
-                                                       {WM_MOVE, "place"}};
+        static constexpr std::pair<UINT, const char*> kNames[] = {
+            {WM_LBUTTONDOWN, "down"},  {WM_LBUTTONUP, "up"},        {WM_RBUTTONDOWN, "rdown"},
+            {WM_RBUTTONUP, "rup"},     {WM_MBUTTONDOWN, "mdown"},   {WM_MBUTTONUP, "mup"},
+            {WM_MOUSEWHEEL, "wheel"},  {WM_KEYDOWN, "key"},         {WM_KEYUP, "keyup"},
+            {WM_CHAR, "char"},         {WM_SIZE, "size"},           {WM_SETFOCUS, "focus"},
+            {WM_KILLFOCUS, "unfocus"}, {WM_CLOSE, "close"},         {WM_DESTROY, "destroy"},
+            {WM_MOUSEMOVE, "move"},    {WM_MOUSELEAVE, "leave"},    {WM_LBUTTONDBLCLK, "twice"},
+            {WM_SYSKEYDOWN, "syskey"}, {WM_SYSKEYUP, "syskeyup"},   {WM_SYSCHAR, "syschar"},
+            {WM_MOVE, "place"},        {WM_CAPTURECHANGED, "lost"}, {WM_DISPLAYCHANGE, "display"}};
         // Whether it is a key that was down already; whatever goes up was.
         const bool bKey = nMsg >= WM_KEYDOWN && nMsg <= WM_SYSCHAR;
         const bool bAgain = bKey && nMsg != WM_KEYUP && nMsg != WM_SYSKEYUP && (lParam >> 30 & 1);
         if (bKey) lParam &= 0xFFFF;
-        if (const auto it = names.find(nMsg); it != names.end())
-            heard += std::string(bAgain ? "again " : "") + std::string(it->second) + " " +
-                     std::to_string(nMsg == WM_SETFOCUS ? 0 : wParam) + " " +
-                     std::to_string(GET_X_LPARAM(lParam)) + "," + std::to_string(GET_Y_LPARAM(lParam)) + ";";
+        for (const auto& [number, name] : kNames)
+            if (number == nMsg)
+                heard += (bAgain ? "again " : "") + std::string(name) + " " +
+                         std::to_string(nMsg == WM_SETFOCUS ? 0 : wParam) + " " +
+                         std::to_string(GET_X_LPARAM(lParam)) + "," + std::to_string(GET_Y_LPARAM(lParam)) +
+                         ";";
         if (nMsg != WM_PAINT) return DefWindowProcA(hWnd, nMsg, wParam, lParam);
         ++paints;
         PAINTSTRUCT paint;

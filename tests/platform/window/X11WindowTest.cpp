@@ -244,33 +244,6 @@ TEST_F(X11WindowTest, WhereAWindowLiesIsKnownWhoeverPlacedItLast)
     }
 }
 
-TEST_F(X11WindowTest, WindowsEndInOrderWithTheServer)
-{
-    for (const bool killed : {false, true}) {
-        if (killed) Begin();
-        ColorWindow first(kRed, {0, 0, 50, 50}, WS_CAPTION, "first"), second(kRed, {60, 0, 110, 50});
-        const WindowThread another;
-        ShowSeen(first, kRed, 25, 25);
-        if (killed)
-            server->Kill();
-        else
-            outside->KillOwner(outside->Find("first"));
-        EXPECT_TRUE(Pump([&] {
-            return !IsWindow(first.handle) && !IsWindow(second.handle) && !IsWindow(another.Window());
-        }));
-        EXPECT_THAT(first.heard, HasSubstr("destroy"));
-        EXPECT_EQ(Make(), nullptr);
-        EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 640);
-        const HDC desktop = GetDC(nullptr);
-        EXPECT_EQ(GetPixel(desktop, 5, 5), DESKTOP_COLOR);
-        ReleaseDC(nullptr, desktop);
-        KXHost::TakeMessageBoxes();
-        EXPECT_EQ(AfxMessageBox("nobody sees it"), IDOK);
-        EXPECT_EQ(KXHost::TakeMessageBoxes().size(), 1u);
-        ASSERT_TRUE(KXHost::UseMemoryDesktop());
-    }
-}
-
 // The thread is busy, and its queue full, while the server tells of the windows.
 TEST_F(X11WindowTest, NewsOfTheServerComeThroughAFullQueue)
 {

@@ -30,7 +30,6 @@ public:
     // A coloured window over all others, of another process of this machine if `process` isn't 0.
     xcb_window_t Cover(int x, int y, int width, int height, COLORREF color, unsigned process = 0);
     void Destroy(xcb_window_t window);
-    void KillOwner(xcb_window_t window);
     void AskToClose(xcb_window_t window);
     void Focus(xcb_window_t window); // 0: none
     xcb_window_t Focused();
@@ -47,10 +46,12 @@ public:
 
     void MoveMouse(int x, int y);
     void Button(int number, bool down);
+    void Click(int number = 1);
     // Lets a spare key mean a character; gives its code.
     xcb_keycode_t Assign(xcb_keysym_t symbol);
     xcb_keycode_t KeyOf(xcb_keysym_t symbol);
     void Key(xcb_keycode_t code, bool down);
+    void Type(xcb_keycode_t code);
 
 private:
     xcb_atom_t Atom(const char* name);
@@ -62,7 +63,8 @@ private:
     {
         void operator()(xcb_connection_t* c) const { xcb_disconnect(c); }
     };
-    std::unique_ptr<xcb_connection_t, Disconnect> m_connection;
+    const std::unique_ptr<xcb_connection_t, Disconnect> m_connection;
+    xcb_connection_t* const m_c = m_connection.get();
     xcb_screen_t m_screen;
 };
 

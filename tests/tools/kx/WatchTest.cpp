@@ -85,9 +85,7 @@ TEST(WatchedSkin, IsDrawnAnewAndKeptWhileItIsBroken)
     EXPECT_TRUE(watch.Says("drawn"));
 
     outside.Focus(outside.Find("kx skin watch"));
-    const xcb_keycode_t escape = outside.KeyOf(0xFF1B);
-    outside.Key(escape, true);
-    outside.Key(escape, false);
+    outside.Type(outside.KeyOf(0xFF1B)); // Escape
     EXPECT_EQ(watch.End(), 0);
 }
 
