@@ -1,7 +1,4 @@
 #include "KXBitmap.h"
-#include "KXFrameBitmap.h"
-#include "KXMemDC.h"
-#include "KXPaintMemoryDC.h"
 #include "tests/draw/CopyList.h"
 #include "tests/platform/module/Bundles.h"
 #include "tests/support/Child.h"
@@ -274,16 +271,6 @@ TEST_F(Bitmap, AttachingNothingSelectsTheFirstState)
     EXPECT_EQ(bitmap.GetSrcImageRect(), CRect(0, 0, 10, 3)); // of the last record
 }
 
-TEST_F(Bitmap, PixelsOfAFillWithAndWithoutAKey)
-{
-    bitmap.AttachBitmap(MakeBitmap({"RGMB", "RGGB"}));
-    bitmap.SetFillParam(1, 1, 1);
-    bitmap.DrawFill(&dc, CRect(0, 0, 7, 2), 0);
-    bitmap.TransparentDrawFill(&dc, CRect(0, 3, 7, 5), test::ColorOf('M'), 0);
-    EXPECT_THAT(paper.Read(), ElementsAre("RGMGMGBWWWWW", "RGGGGGBWWWWW", "WWWWWWWWWWWW", "RGWGWGBWWWWW",
-                                          "RGGGGGBWWWWW", "WWWWWWWWWWWW"));
-}
-
 TEST_F(Bitmap, RegionOfAColorOrOfTheRest)
 {
     bitmap.AttachBitmap(MakeBitmap({"MMRR", "MRMR", "MMMM"}));
@@ -447,53 +434,27 @@ TEST(BitmapHandles, StepsAreOpenToDerivedClasses)
     EXPECT_NE(client.GetHDC(), nullptr);
 }
 
-// Whatever is loaded, drawn, loaded anew and ended leaves nothing behind.
-TEST(BitmapHandles, ManyRoundsLeaveNothing)
+TEST(BitmapHandles, EachLoadEndsTheOneBefore)
 {
     const test::TempDir dir;
     const std::string bmp = test::ToBmp({"RGB", "WKM"}, 8).File();
     dir.Write("image.bmp", bmp);
     const test::LinkedIn resources({{"BITMAP/101", bmp}});
     const test::NoLeak noLeak;
-    const test::Paper paper(20, 20);
-    CDC& dc = *CDC::FromHandle(paper);
-    CKXBitmap kept;
-    const auto use = [&](auto& bitmap, auto&& draw) {
+    CKXBitmap bitmap;
+    for (int n = 0; n < 2; ++n) {
         EXPECT_EQ(bitmap.LoadBitmapA(101u), 1);
-        draw();
+        CRgn rgn;
+        bitmap.CreateBitmapRgn(rgn, 0, n);
         EXPECT_EQ(bitmap.LoadBitmapA(dir.Win("image.bmp")), 1);
-        draw();
         EXPECT_EQ(bitmap.LoadBitmapA(102u), 0);
         EXPECT_EQ(bitmap.LoadBitmapA(0x10000u + 101), 1); // 16 bits count
-        bitmap.AttachBitmap(MakeBitmap(2, 2));
-        DeleteObject(bitmap.DetachBitmap());
-        EXPECT_EQ(bitmap.LoadBitmapA(101u), 1);
-    };
-    for (int n = 0; n < 300; ++n) {
-        CKXBitmap bitmap = kept;
-        bitmap.SetFillParam(1, 1, n % 2);
-        use(bitmap, [&] {
-            CRgn rgn;
-            bitmap.Pave(&dc, CRect(0, 0, 20, 20), 0);
-            bitmap.TransparentDraw(&dc, 0, 0, 9, 9, 0, 0);
-            bitmap.CreateBitmapRgn(rgn, 0, n % 2);
-        });
-        kept = bitmap;
-        CKXFrameBitmap frame;
-        use(frame, [&] {
-            frame.SetBitmapOptions(CSize(1, 1), CSize(1, 1), CSize(1, 1), CSize(1, 1));
-            CKXPaintMemoryDC mem(&dc, CRect(0, 0, 20, 20));
-            frame.Draw(mem, CRect(0, 0, 20, 20), 1, 0xFF);
-        });
-        CKXMemDC mirror(&dc, CRect(), 0);
-        mirror.Create(&dc, CRect(1, 1, 5, 5), 0);
-        mirror.FromDC();
     }
 }
 
 TEST(BitmapHandles, ARegionWithoutMemoryIsNone)
 {
-    EXPECT_EQ(test::Child("ShortMemoryChild", {}).Wait(), 0);
+    EXPECT_EQ(test::Child("RegionChild", {}).Wait(), 0);
 }
 
 } // namespace

@@ -6,7 +6,6 @@
 #include <climits>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <utility>
 
 using testing::AllOf;
 using testing::ElementsAre;
@@ -111,26 +110,6 @@ TEST_F(Frame, OfAnySizeEndsSoon)
         frame.Draw(&dc, CRect(0, 0, 40, 30), 1, 0);
     }
     EXPECT_LT(copies.Take().size(), 1000u);
-}
-
-TEST_F(Frame, IsMovedAsACopy)
-{
-    struct Client : CKXFrameBitmap
-    {
-        void Empty()
-        {
-            DeleteBitmap();
-            DeleteBitmapDC();
-            CreateBitmapDC();
-        }
-    } client;
-    static_cast<CKXFrameBitmap&>(client) = std::move(frame);
-    frame.Draw(&dc, CRect(0, 0, 40, 30), 1, 0); // NOLINT(bugprone-use-after-move)
-    EXPECT_EQ(copies.Take().size(), 18u);
-    client.Empty();
-    EXPECT_EQ(client.GetHBITMAP(), nullptr);
-    EXPECT_NE(client.GetHDC(), nullptr);
-    EXPECT_NE(frame.GetHBITMAP(), nullptr);
 }
 
 } // namespace

@@ -1,11 +1,8 @@
 #include "KXGdiplusBitmap.h"
 #include "platform/MessageBox.h"
 #include "tests/draw/Pictures.h"
-#include "tests/platform/gdiplus/GifBuilder.h"
-#include "tests/support/Child.h"
 
 #include <climits>
-#include <random>
 
 using test::Block;
 using test::Plain;
@@ -239,19 +236,6 @@ TEST_F(GdiplusBitmap, EmptyObjects)
     EXPECT_EQ(boxes.size(), 3u);
     for (const auto& box : boxes)
         EXPECT_TRUE(box.strText == test::szNoImage && box.nType == MB_OK);
-}
-
-TEST_F(GdiplusBitmap, NothingEscapesWhenMemoryLacks)
-{
-    std::minstd_rand random(1);
-    test::Picture noise = Plain(150, 150); // which as a file takes several blocks
-    for (std::string& row : noise)
-        for (char& pixel : row)
-            pixel = "KWRGB"[random() / 64 % 5];
-    dir.Write("a.bmp", test::File(noise));
-    dir.Write("a.gif", test::Gif(2, 1, {{.picture = {"RG"}}, {.picture = {"GB"}}}));
-    const CString strDir = dir.Win() + "\\";
-    EXPECT_EQ(test::Child("ShortMemoryChild", {strDir.GetString()}).Wait(), 0);
 }
 
 // Without the layer every picture is one that couldn't be read.

@@ -1,7 +1,6 @@
 #include "KXGifRender.h"
 #include "tests/draw/Pictures.h"
-#include "tests/platform/gdiplus/GifBuilder.h"
-#include "tests/platform/gdiplus/TiffBuilder.h"
+#include "tests/platform/gdiplus/Builders.h"
 
 #include <functional>
 

@@ -76,7 +76,6 @@ void SetServer(const std::string& url);
 // Makes the files to read.
 void MakeData(const std::string& directory);
 
-std::string ReadFile(const std::string& path);
 void WriteFile(const std::string& path, std::string_view text);
 
 } // namespace faults

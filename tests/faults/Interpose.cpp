@@ -152,102 +152,56 @@ int posix_memalign(void** pp, std::size_t nAlign, std::size_t nBytes) noexcept
 }
 
 // With O_TMPFILE or O_CREAT there is a mode.
-#define KX_MODE(flags)                                                                                       \
-    mode_t mode = 0;                                                                                         \
-    if ((flags) & (O_CREAT | __O_TMPFILE)) {                                                                 \
-        va_list args;                                                                                        \
-        va_start(args, flags);                                                                               \
-        mode = va_arg(args, mode_t);                                                                         \
-        va_end(args);                                                                                        \
+#define KX_OPEN(name, parameters, directory)                                                                 \
+    int name parameters                                                                                      \
+    {                                                                                                        \
+        mode_t mode = 0;                                                                                     \
+        if (flags & (O_CREAT | __O_TMPFILE)) {                                                               \
+            va_list args;                                                                                    \
+            va_start(args, flags);                                                                           \
+            mode = va_arg(args, mode_t);                                                                     \
+            va_end(args);                                                                                    \
+        }                                                                                                    \
+        if (Fails(faults::Call::Open)) return -1;                                                            \
+        KX_NEXT(openat64)(directory, pszPath, flags, mode);                                                  \
     }
-int open(const char* pszPath, int flags, ...)
-{
-    KX_MODE(flags)
-    if (Fails(faults::Call::Open)) return -1;
-    KX_NEXT(openat64)(AT_FDCWD, pszPath, flags, mode);
-}
-int open64(const char* pszPath, int flags, ...)
-{
-    KX_MODE(flags)
-    if (Fails(faults::Call::Open)) return -1;
-    KX_NEXT(openat64)(AT_FDCWD, pszPath, flags, mode);
-}
-int openat(int fd, const char* pszPath, int flags, ...)
-{
-    KX_MODE(flags)
-    if (Fails(faults::Call::Open)) return -1;
-    KX_NEXT(openat64)(fd, pszPath, flags, mode);
-}
-int openat64(int fd, const char* pszPath, int flags, ...)
-{
-    KX_MODE(flags)
-    if (Fails(faults::Call::Open)) return -1;
-    KX_NEXT(openat64)(fd, pszPath, flags, mode);
+KX_OPEN(open, (const char* pszPath, int flags, ...), AT_FDCWD)
+KX_OPEN(open64, (const char* pszPath, int flags, ...), AT_FDCWD)
+KX_OPEN(openat, (int fd, const char* pszPath, int flags, ...), fd)
+KX_OPEN(openat64, (int fd, const char* pszPath, int flags, ...), fd)
+
+// A call that writes `count` of something, or a part of it.
+#define KX_WRITE(name, parameters, count, part, ...)                                                         \
+    ssize_t name parameters                                                                                  \
+    {                                                                                                        \
+        if (Fails(faults::Call::Write)) {                                                                    \
+            if (!g_plan.bShort) return -1;                                                                   \
+            count = part;                                                                                    \
+        }                                                                                                    \
+        KX_NEXT(name)(__VA_ARGS__);                                                                          \
+    }
+KX_WRITE(write, (int fd, const void* p, std::size_t n), n, n / 2 + n % 2, fd, p, n)
+KX_WRITE(pwrite, (int fd, const void* p, std::size_t n, off_t at), n, n / 2 + n % 2, fd, p, n, at)
+KX_WRITE(writev, (int fd, const iovec* parts, int nParts), nParts, 1, fd, parts, nParts)
+KX_WRITE(copy_file_range, (int from, off64_t* pFrom, int to, off64_t* pTo, std::size_t n, unsigned flags), n,
+         n / 2 + n % 2, from, pFrom, to, pTo, n, flags)
+
+#define KX_CALL(kind, name, parameters, ...)                                                                 \
+    int name parameters                                                                                      \
+    {                                                                                                        \
+        if (Fails(faults::Call::kind)) return -1;                                                            \
+        KX_NEXT(name)(__VA_ARGS__);                                                                          \
+    }
+KX_CALL(Sync, fsync, (int fd), fd)
+KX_CALL(Sync, fdatasync, (int fd), fd)
+KX_CALL(Rename, rename, (const char* pszFrom, const char* pszTo) noexcept, pszFrom, pszTo)
+KX_CALL(Rename, renameat, (int from, const char* pszFrom, int to, const char* pszTo) noexcept, from, pszFrom,
+        to, pszTo)
+KX_CALL(Rename, renameat2,
+        (int from, const char* pszFrom, int to, const char* pszTo, unsigned flags) noexcept, from, pszFrom,
+        to, pszTo, flags)
+KX_CALL(Rename, linkat, (int from, const char* pszFrom, int to, const char* pszTo, int flags) noexcept, from,
+        pszFrom, to, pszTo, flags)
 }
 
-ssize_t write(int fd, const void* p, std::size_t n)
-{
-    if (Fails(faults::Call::Write)) {
-        if (!g_plan.bShort) return -1;
-        n = n / 2 + n % 2;
-    }
-    KX_NEXT(write)(fd, p, n);
-}
-ssize_t pwrite(int fd, const void* p, std::size_t n, off_t at)
-{
-    if (Fails(faults::Call::Write)) {
-        if (!g_plan.bShort) return -1;
-        n = n / 2 + n % 2;
-    }
-    KX_NEXT(pwrite)(fd, p, n, at);
-}
-ssize_t writev(int fd, const iovec* parts, int nParts)
-{
-    if (Fails(faults::Call::Write)) {
-        if (!g_plan.bShort) return -1;
-        nParts = 1;
-    }
-    KX_NEXT(writev)(fd, parts, nParts);
-}
-ssize_t copy_file_range(int from, off64_t* pFrom, int to, off64_t* pTo, std::size_t n, unsigned flags)
-{
-    if (Fails(faults::Call::Write)) {
-        if (!g_plan.bShort) return -1;
-        n = n / 2 + n % 2;
-    }
-    KX_NEXT(copy_file_range)(from, pFrom, to, pTo, n, flags);
-}
-
-int fsync(int fd)
-{
-    if (Fails(faults::Call::Sync)) return -1;
-    KX_NEXT(fsync)(fd);
-}
-int fdatasync(int fd)
-{
-    if (Fails(faults::Call::Sync)) return -1;
-    KX_NEXT(fdatasync)(fd);
-}
-
-int rename(const char* pszFrom, const char* pszTo) noexcept
-{
-    if (Fails(faults::Call::Rename)) return -1;
-    KX_NEXT(rename)(pszFrom, pszTo);
-}
-int renameat(int from, const char* pszFrom, int to, const char* pszTo) noexcept
-{
-    if (Fails(faults::Call::Rename)) return -1;
-    KX_NEXT(renameat)(from, pszFrom, to, pszTo);
-}
-int renameat2(int from, const char* pszFrom, int to, const char* pszTo, unsigned flags) noexcept
-{
-    if (Fails(faults::Call::Rename)) return -1;
-    KX_NEXT(renameat2)(from, pszFrom, to, pszTo, flags);
-}
-int linkat(int from, const char* pszFrom, int to, const char* pszTo, int flags) noexcept
-{
-    if (Fails(faults::Call::Rename)) return -1;
-    KX_NEXT(linkat)(from, pszFrom, to, pszTo, flags);
-}
-}
 #pragma GCC visibility pop

@@ -4,6 +4,8 @@
 #include "KXEnglishWord.h"
 #include "KXFileSystem.h"
 #include "KXGdiplusBitmap.h"
+#include "KXGdiplusHelper.h"
+#include "KXGdiplusImage.h"
 #include "KXGifRender.h"
 #include "KXHttpDownloadMgr.h"
 #include "KXIniDataMgr.h"
@@ -17,16 +19,17 @@
 #include "KXXmlDomDocument.h"
 #include "include/platform/Host.h"
 #include "include/platform/Registry.h"
-#include "tests/platform/gdiplus/GifBuilder.h"
+#include "tests/platform/gdiplus/Builders.h"
 #include "tests/support/Com.h"
 #include "tests/support/GdiPlus.h"
 #include "tests/support/RawServer.h"
 #include "tests/support/ScriptedManager.h"
+#include "tests/support/TempDir.h"
 
 #include <array>
 #include <cstdio>
 #include <fstream>
-#include <iterator>
+#include <memory>
 #include <semaphore>
 #include <unistd.h>
 
@@ -81,11 +84,11 @@ bool Log(const Place& place)
     pLog->PushLog(CKXLogSys::LogError, "the last");
     if (!pLog->Flush(INFINITE)) return false;
     const Pause pause;
-    return HasLines(ReadFile(place.Path("a.log")));
+    return HasLines(test::ReadFile(place.Path("a.log")));
 }
 bool LogIntact(const Place& place)
 {
-    const std::string text = ReadFile(place.Path("a.log"));
+    const std::string text = test::ReadFile(place.Path("a.log"));
     return text.empty() || text.back() == '\n';
 }
 
@@ -107,7 +110,7 @@ bool Ini(const Place& place)
 }
 bool IniIntact(const Place& place)
 {
-    const std::string text = ReadFile(place.Path("a.ini"));
+    const std::string text = test::ReadFile(place.Path("a.ini"));
     return text.starts_with("; a file\r\n[A]\r\nkeep=1\r\nchange=") &&
            text.find("\r\n\r\n[B]\r\nkeep=2\r\n") != text.npos && text.ends_with("\r\n");
 }
@@ -148,12 +151,12 @@ bool Copy(const Place& place)
     if (!CKXFileSystem::FileExists(place.Own("copy.png"))) return false;
     if (!CKXFileSystem::CreatePath(place.Own("x\\y\\z\\"))) return false;
     const Pause pause;
-    return ReadFile(place.Path("copy.png")) == ReadFile(place.data + "/a.png");
+    return test::ReadFile(place.Path("copy.png")) == test::ReadFile(place.data + "/a.png");
 }
 bool CopyIntact(const Place& place)
 {
-    const std::string text = ReadFile(place.Path("copy.png"));
-    return text.empty() || text == ReadFile(place.data + "/a.png");
+    const std::string text = test::ReadFile(place.Path("copy.png"));
+    return text.empty() || text == test::ReadFile(place.data + "/a.png");
 }
 
 // ---- Skins and languages
@@ -206,7 +209,7 @@ bool Xml(const Place& place)
 }
 bool XmlIntact(const Place& place)
 {
-    const std::string text = ReadFile(place.Path("b.xml"));
+    const std::string text = test::ReadFile(place.Path("b.xml"));
     return text.empty() || text.find("</list>") != text.npos;
 }
 
@@ -246,7 +249,7 @@ bool PictureIntact(const Place& place)
 {
     const test::GdiPlus gdiPlus;
     const std::string name = std::string("a.") + kTypes[Type];
-    if (ReadFile(place.Path(name.c_str())).empty()) return true;
+    if (test::ReadFile(place.Path(name.c_str())).empty()) return true;
     CKXGdiplusBitmap picture;
     picture.Load(place.Own(name.c_str()));
     return picture.IsValid();
@@ -264,6 +267,36 @@ bool Gif(const Place& place)
         gif.Render(&surface.GetDC(), 0, 0);
     }
     return true;
+}
+
+// What is made of pictures in memory, and of gradients.
+bool Images(const Place& place)
+{
+    const test::GdiPlus gdiPlus;
+    CKXMemoryDC surface;
+    surface.Create(40, 30);
+    CDC& dc = surface.GetDC();
+    const CRect rc(0, 0, 9, 9);
+    DWORD pixels[6]{};
+    CKXGdiplusBitmap raw;
+    raw.Load(3, 2, pixels);
+    const CKXGdiplusBitmap copy(raw), held(surface.GetHBitmap());
+    if (!raw.IsValid() || !copy.IsValid() || !held.IsValid()) return false;
+    held.PaveRender(&dc, rc);
+    CKXGifRender().Render(&dc, 0, 0);
+    CKXGdiplusHelper::DrawLinearGradientRect(dc, rc, 1, 2, 1);
+    CKXGdiplusHelper::DrawGradientRoundRect(dc, 1, 2, rc, 4, 4, 1, 3);
+    CKXGdiplusHelper::DrawPathGradientRect(dc, rc, 1, 2);
+    CKXGdiplusImage image;
+    BYTE* pData = nullptr;
+    int nSize = 0;
+    if (!image.Load(place.Data("a.bmp"))) return false;
+    image.Rotate(Gdiplus::Rotate90FlipNone);
+    const int bGiven = image.GetImageData(&pData, nSize);
+    const std::unique_ptr<BYTE[]> data(pData);
+    return bGiven && image.ToThumbnailImage(4, 4) && image.SaveGrayPic(place.Own("a.jpg")) &&
+           image.SaveThumbnailImage(place.Own("b.png"), 3, 3, "image/png") &&
+           raw.ThumbnailImage(place.Own("c.jpg"), 4, 4);
 }
 
 // ---- Windows
@@ -329,7 +362,7 @@ bool Download(const Place& place)
         bEnded = g_ended.try_acquire_for(std::chrono::milliseconds(1));
     }
     const Pause pause;
-    return bEnded && ReadFile(place.Path("loaded")) == "downloaded";
+    return bEnded && test::ReadFile(place.Path("loaded")) == "downloaded";
 }
 
 bool WordTest(const Place&)
@@ -398,6 +431,7 @@ const std::vector<Work>& Works()
         {"tiff", nullptr, PictureWork<3>, PictureIntact<3>, true},
         {"gif-file", nullptr, PictureWork<4>, PictureIntact<4>, true},
         {"gif", nullptr, Gif, nullptr, false},
+        {"images", nullptr, Images, nullptr, false},
         {"tip", PrepareWindow, Tip, nullptr, false},
         {"transparent", PrepareWindow, Transparent, nullptr, false},
         {"download", nullptr, Download, nullptr, true},
@@ -427,12 +461,6 @@ void MakeData(const std::string& directory)
     for (const char letter : std::string("RGB"))
         frames.push_back({.picture = test::Picture(4, std::string(4, letter)), .delay = 10});
     WriteFile(directory + "/frames.gif", test::Gif(4, 4, frames));
-}
-
-std::string ReadFile(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void WriteFile(const std::string& path, std::string_view text)

@@ -7,16 +7,12 @@
 #include <ctime>
 #include <gmock/gmock.h>
 
+using test::Load;
 using test::Paper;
 using test::Picture;
 using test::Scoped;
 
 namespace {
-
-HBITMAP Load(const test::Bmp& bmp)
-{
-    return static_cast<HBITMAP>(test::LoadFile(bmp.File(), IMAGE_BITMAP));
-}
 
 // A picture in which every pixel differs from its neighbours.
 Picture Colorful(int width, int height)

@@ -143,15 +143,6 @@ TEST(Bmp, Palettes)
     EXPECT_EQ(LoadedBitmap(gap.File()).Letters(), kPicture);
 }
 
-TEST(Bmp, PaletteAndIndicesComeBack)
-{
-    Bmp bmp = ToBmp({"RGWGR"}, 8, true, "RGWRG"); // two colours twice
-    bmp.pixels = Le(0x01020304, 4) + Le(0, 4);
-    const LoadedBitmap bitmap(bmp.File());
-    ASSERT_EQ(bitmap.Letters(), Picture{"GRWGR"});
-    EXPECT_EQ(bitmap.Dib(8, 5), bmp.palette + bmp.pixels);
-}
-
 // Bytes written as hexadecimal digits.
 std::string Hex(const std::string& digits)
 {

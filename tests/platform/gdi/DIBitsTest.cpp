@@ -5,16 +5,12 @@
 #include <cstring>
 #include <map>
 
+using test::Load;
 using test::Paper;
 using test::Picture;
 using test::Scoped;
 
 namespace {
-
-HBITMAP Load(const test::Bmp& bmp)
-{
-    return static_cast<HBITMAP>(test::LoadFile(bmp.File(), IMAGE_BITMAP));
-}
 
 // A header with room for colours behind it, and a mark behind those.
 struct Info

@@ -22,6 +22,11 @@ inline HANDLE LoadFile(std::string_view content, UINT nType, int cx = 0, int cy 
     return loaded;
 }
 
+inline HBITMAP Load(const Bmp& bmp)
+{
+    return static_cast<HBITMAP>(LoadFile(bmp.File(), IMAGE_BITMAP));
+}
+
 // A bitmap, ended with this.
 class LoadedBitmap
 {

@@ -2,7 +2,6 @@
 #include "tests/support/Picture.h"
 #include <atomic>
 #include <climits>
-#include <set>
 #include <string>
 using test::NoLeak;
 using test::Paper;
@@ -47,15 +46,6 @@ TEST(Object, IsNamedByItsHandleUntilItsEndAndByNoOtherNumber)
         EXPECT_EQ(SelectObject(static_cast<HDC>(handle), next), nullptr);
         EXPECT_EQ(DeleteDC(static_cast<HDC>(handle)), 0);
         EXPECT_EQ(PtInRegion(static_cast<HRGN>(handle), 0, 0), 0);
-    }
-}
-
-TEST(Object, HandlesAreNotUsedAgainSoon)
-{
-    std::set<HGDIOBJ> seen;
-    for (int n = 0; n < 5000; ++n) {
-        const Scoped<HPEN> pen(CreatePen(PS_SOLID, 1, 0));
-        EXPECT_TRUE(seen.insert(pen).second);
     }
 }
 

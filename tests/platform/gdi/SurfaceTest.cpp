@@ -86,24 +86,6 @@ TEST(Surface, ANewBitmapIsBlack)
     }
 }
 
-TEST(Surface, OfAWindowIsApartFromTheBitmapThatCoversIt)
-{
-    const WNDCLASSA windows{DefWindowProcA, "Covered"};
-    ASSERT_NE(RegisterClassA(&windows), 0);
-    const HWND hWnd = CreateWindowExA(0, "Covered", "", WS_POPUP, 0, 0, 160, 110);
-    const HDC window = GetDC(hWnd);
-    const Paper paper(160, 110, 'R');
-    BitBlt(window, 0, 0, 160, 110, paper, 0, 0, SRCCOPY);
-    BitBlt(window, 0, 0, 160, 110, window, 0, 0, SRCCOPY);
-    SetPixel(paper, 0, 0, ColorOf('B'));
-    SetPixel(window, 1, 0, ColorOf('G'));
-    EXPECT_EQ(test::Read(window, 0, 0, 3, 1), Picture{"RGR"});
-    EXPECT_EQ(test::Read(paper, 0, 0, 3, 1), Picture{"BRR"});
-    ReleaseDC(hWnd, window);
-    DestroyWindow(hWnd);
-    UnregisterClassA("Covered");
-}
-
 TEST(Surface, BitmapsHaveASizeWithinBounds)
 {
     const NoLeak noLeak;

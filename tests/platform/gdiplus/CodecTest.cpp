@@ -1,8 +1,6 @@
 #include "tests/platform/gdi/LoadedImage.h"
-#include "tests/platform/gdiplus/GifBuilder.h"
+#include "tests/platform/gdiplus/Builders.h"
 #include "tests/platform/gdiplus/Images.h"
-#include "tests/platform/gdiplus/JpegBuilder.h"
-#include "tests/platform/gdiplus/TiffBuilder.h"
 
 #include <random>
 

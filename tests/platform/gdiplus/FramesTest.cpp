@@ -1,6 +1,5 @@
-#include "tests/platform/gdiplus/GifBuilder.h"
+#include "tests/platform/gdiplus/Builders.h"
 #include "tests/platform/gdiplus/Images.h"
-#include "tests/platform/gdiplus/TiffBuilder.h"
 
 #include <random>
 

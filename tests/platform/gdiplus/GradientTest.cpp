@@ -69,19 +69,6 @@ TEST_F(Gradient, RoundsToTheNearest)
     EXPECT_EQ(Line(0, nLength, 250, 7, nLength + 1, false), expected);
 }
 
-// As a panel is painted: from the pixel before it to its last one.
-TEST_F(Gradient, HasNoSeamInAPanel)
-{
-    EXPECT_EQ(Line(-1, 9, 0, 200, 10, true), (std::vector{20, 40, 60, 80, 100, 120, 140, 160, 180, 200}));
-    // Mirrored about its middle, in two halves.
-    const LinearGradientBrush left({-1, 0}, {5, 0}, Color(Gray(0)), Color(Gray(120)));
-    const LinearGradientBrush right({4, 0}, {11, 0}, Color(Gray(120)), Color(Gray(15)));
-    Sheet sheet(11, 1);
-    sheet.graphics.FillRectangle(&left, 0, 0, 5, 1);
-    sheet.graphics.FillRectangle(&right, 5, 0, 6, 1);
-    EXPECT_EQ(Blues(sheet.pixels), (std::vector{20, 40, 60, 80, 100, 105, 90, 75, 60, 45, 30}));
-}
-
 // Lines as long as there are, and the shortest.
 TEST_F(Gradient, GoesAsFarAsCoordinatesDo)
 {
