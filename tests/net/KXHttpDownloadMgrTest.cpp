@@ -5,7 +5,6 @@
 #include "tests/support/Await.h"
 #include "tests/support/Child.h"
 #include "tests/support/Host.h"
-#include "tests/support/HttpServer.h"
 #include "tests/support/RawServer.h"
 #include "tests/support/TempDir.h"
 
@@ -149,37 +148,6 @@ TEST_F(Downloads, ACallbackMayAddTasks)
     EXPECT_EQ(journal.Codes(added), (Codes{2029, 2030, 2031}));
 }
 
-TEST_F(Downloads, WorkAgainstAServerOfAnotherMaking)
-{
-    const std::string body = [] {
-        std::string text;
-        for (int n = 0; n < 200'000; ++n)
-            text += std::to_string(n) + ",";
-        return text;
-    }();
-    test::HttpServer server([&](httplib::Server& http) {
-        http.Get("/whole", [&](const auto&, auto& response) { response.set_content(body, "text/plain"); });
-        http.Get("/pieces", [&](const auto&, auto& response) {
-            response.set_chunked_content_provider("text/plain", [&](std::size_t at, httplib::DataSink& sink) {
-                if (at < body.size())
-                    sink.write(body.data() + at, std::min<std::size_t>(7777, body.size() - at));
-                else
-                    sink.done();
-                return true;
-            });
-        });
-        http.Get("/moved", [](const auto&, auto& response) { response.set_redirect("/whole"); });
-    });
-    for (const char* pszPath : {"/whole", "/pieces", "/moved"}) {
-        const unsigned int id = Run(server.Url(pszPath), dir.Win("file"));
-        EXPECT_EQ(dir.Read("file"), body) << pszPath;
-        EXPECT_EQ(journal.Notices().back(),
-                  (Notice{2031, id, *pszPath && pszPath[1] == 'p' ? 0 : body.size(), body.size()}));
-    }
-    Run(server.Url("/none"), dir.Win("file"));
-    EXPECT_EQ(dir.Read("file"), "");
-}
-
 struct Failure
 {
     const char* name;
@@ -243,20 +211,10 @@ TEST_F(Downloads, TheFirstFailureIsTheEnd)
     KXHost::UnmountDrive('D');
 }
 
-// A server that sends a part of its answer and then nothing more.
-std::function<void(Peer&)> Stalling(std::string part)
-{
-    return [=](Peer& peer) {
-        peer.Request();
-        peer.Send(part);
-        peer.AwaitClose();
-    };
-}
-
 TEST_F(Downloads, AStopCutsShortAtOnceWhatASilentServerHoldsUp)
 {
-    RawServer afterBlock(Stalling(kOk + "Content-Length: 9\r\n\r\nhello"));
-    RawServer afterHeaders(Stalling(kOk + "Content-Length: 9\r\n\r\n"));
+    RawServer afterBlock(RawServer::Stalling(kOk + "Content-Length: 9\r\n\r\nhello"));
+    RawServer afterHeaders(RawServer::Stalling(kOk + "Content-Length: 9\r\n\r\n"));
     const struct
     {
         RawServer& server;
@@ -279,11 +237,7 @@ TEST_F(Downloads, AStopCutsShortAtOnceWhatASilentServerHoldsUp)
 TEST_F(Downloads, AStopEndsAServerThatNeverAnswers)
 {
     std::binary_semaphore asked{0};
-    RawServer server([&](Peer& peer) {
-        peer.Request();
-        asked.release();
-        peer.AwaitClose();
-    });
+    RawServer server(RawServer::Stalling("", [&] { asked.release(); }));
     const unsigned int id = Add(server.Url());
     asked.acquire();
     manager->Uninitialize();
@@ -360,7 +314,7 @@ TEST_F(Downloads, AForkEndsWithoutTheWorker)
 // The library's one manager, at the process's end: DownloadChild prints what it is told.
 TEST_F(Downloads, EndWithTheProcess)
 {
-    RawServer silent(Stalling(kOk + "Content-Length: 9\r\n\r\nhello"));
+    RawServer silent(RawServer::Stalling(kOk + "Content-Length: 9\r\n\r\nhello"));
     const struct
     {
         const char* how;

@@ -100,6 +100,16 @@ std::function<void(Peer&)> RawServer::Answering(std::string response, bool bClos
     };
 }
 
+std::function<void(Peer&)> RawServer::Stalling(std::string part, std::function<void()> sent)
+{
+    return [=](Peer& peer) {
+        peer.Request();
+        peer.Send(part);
+        sent();
+        peer.AwaitClose();
+    };
+}
+
 std::string RawServer::Url(std::string_view path) const
 {
     return "http://" + Host() + std::string(path);

@@ -42,6 +42,9 @@ public:
     // one request for each connection.
     static std::function<void(Peer&)> Answering(std::string response, bool bClose = false);
 
+    // Sends a part of its answer and then nothing more; tells of the sending.
+    static std::function<void(Peer&)> Stalling(
+        std::string part, std::function<void()> sent = [] {});
     RawServer(const RawServer&) = delete;
     RawServer& operator=(const RawServer&) = delete;
     // Ends the connection that is open.

@@ -16,24 +16,13 @@ using test::RawServer;
 const std::string kOk = "HTTP/1.1 200 OK\r\n";
 
 // A server that sends a part of its answer and then nothing more.
-class SilentServer
+struct SilentServer
 {
-public:
-    explicit SilentServer(std::string part)
-        : m_server([this, part](Peer& peer) {
-              peer.Request();
-              peer.Send(part);
-              m_sent.release();
-              peer.AwaitClose();
-          })
-    {
-    }
-    std::string Url() const { return m_server.Url(); }
-    void AwaitSent() { m_sent.acquire(); }
+    explicit SilentServer(std::string part) : raw(RawServer::Stalling(part, [this] { sent.release(); })) {}
+    std::string Url() const { return raw.Url(); }
 
-private:
-    std::counting_semaphore<> m_sent{0};
-    RawServer m_server;
+    std::counting_semaphore<> sent{0};
+    const RawServer raw;
 };
 
 const std::vector<std::string> kSilences = {"", "HTTP/1.1 2", kOk + "Content-Length: 9\r\n\r\n",
@@ -72,7 +61,7 @@ TEST(Pull, ACancelWakesWhoWaits)
         SilentServer server(part);
         CInternetSession session;
         auto fetched = Begin(session, server.Url());
-        server.AwaitSent();
+        server.sent.acquire();
         session.Cancel();
         const auto result = fetched.get();
         EXPECT_EQ(result.error, ERROR_INTERNET_OPERATION_CANCELLED) << part;
@@ -99,7 +88,7 @@ TEST(Pull, AServerThatIsSilentForAMinuteHasFailed)
         SilentServer server(part);
         CInternetSession session;
         auto fetched = Begin(session, server.Url());
-        server.AwaitSent();
+        server.sent.acquire();
         while (fetched.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready)
             KXHost::AdvanceClock(20'000);
         EXPECT_EQ(fetched.get().error, ERROR_INTERNET_TIMEOUT) << part;
