@@ -76,12 +76,14 @@ int Child::Wait()
     return EndOf(std::exchange(m_pid, -1));
 }
 
-std::string OutputOf(const std::string& command)
+std::string OutputOf(const std::string& command, int* pnCode)
 {
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    FILE* const pipe = popen(command.c_str(), "r");
     std::string text;
-    for (int ch; (ch = std::fgetc(pipe.get())) != EOF;)
+    for (int ch; (ch = std::fgetc(pipe)) != EOF;)
         text += static_cast<char>(ch);
+    const int nStatus = pclose(pipe);
+    if (pnCode) *pnCode = WIFEXITED(nStatus) ? WEXITSTATUS(nStatus) : -1;
     return text;
 }
 

@@ -32,8 +32,8 @@ private:
     std::string m_error;
 };
 
-// Gives the text that a command of the shell prints.
-std::string OutputOf(const std::string& command);
+// Gives the text that a command of the shell prints, and its exit code; -1 if a signal ended it.
+std::string OutputOf(const std::string& command, int* pnCode = nullptr);
 
 // Runs something in a fork, which ends with its result and nothing else; as Child::Wait tells it.
 int InFork(const std::function<int()>& body);

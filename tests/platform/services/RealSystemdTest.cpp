@@ -1,10 +1,10 @@
 #include "include/KXWinService.h"
 #include "include/platform/Host.h"
+#include "tests/support/Child.h"
 #include "tests/support/Host.h"
 #include "tests/support/TempDir.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -29,11 +29,7 @@ const char* Box()
 // What a command prints, without the last line's end.
 std::string Output(const std::string& command)
 {
-    std::string text;
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen((command + " 2>&1").c_str(), "r"), pclose);
-    std::array<char, 4096> buffer{};
-    while (const std::size_t n = fread(buffer.data(), 1, buffer.size(), pipe.get()))
-        text.append(buffer.data(), n);
+    std::string text = test::OutputOf(command + " 2>&1");
     while (text.ends_with('\n'))
         text.pop_back();
     return text;

@@ -14,20 +14,8 @@ constexpr char kLog[] = "[2009-03-14 08:05:09] 1 begin\n[2009-03-14 08:05:10] 2 
 // The lines that kx shows on a terminal, which end in CR LF.
 std::vector<std::string> OnTerminal(const test::TempDir& dir, const std::string& arguments)
 {
-    FILE* const pipe = popen(("cd '" + dir.Path() +
-                              "' && env -u NO_COLOR PATH=\".:$PATH\" script -qec \"'" KX_TEST_BIN "/kx' " +
-                              arguments + "\" /dev/null </dev/null")
-                                 .c_str(),
-                             "r");
-    std::vector<std::string> lines(1);
-    for (int ch; (ch = std::fgetc(pipe)) != EOF;)
-        if (ch == '\n')
-            lines.emplace_back();
-        else
-            lines.back() += static_cast<char>(ch);
-    pclose(pipe);
-    lines.pop_back();
-    return lines;
+    return test::LinesOf(dir, "env -u NO_COLOR PATH=\".:$PATH\" script -qec \"'" KX_TEST_BIN "/kx' " +
+                                  arguments + "\" /dev/null </dev/null");
 }
 
 TEST(Show, LogInColourOnATerminal)

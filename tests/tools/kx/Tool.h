@@ -1,11 +1,11 @@
 #pragma once
 
+#include "tests/support/Child.h"
 #include "tests/support/TempDir.h"
 
-#include <cstdio>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
-#include <sys/wait.h>
 #include <vector>
 
 namespace test {
@@ -17,27 +17,25 @@ struct Outcome
     std::string last;               // the sum, which is taken off the lines
 };
 
+// Gives the lines that a command of the shell prints, which runs in the directory.
+inline std::vector<std::string> LinesOf(const TempDir& dir, const std::string& command, int* pnCode = nullptr)
+{
+    std::istringstream text(OutputOf("cd '" + dir.Path() + "' && " + command, pnCode));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(text, line);)
+        lines.push_back(line);
+    return lines;
+}
+
 // Runs kx with a command line as the shell reads it, in the directory.
 inline Outcome Kx(const TempDir& dir, const std::string& arguments)
 {
-    const std::string command =
-        "cd '" + dir.Path() + "' && env -u DISPLAY '" KX_TEST_BIN "/kx' " + arguments + " 2>&1";
-    FILE* const pipe = popen(command.c_str(), "r");
     Outcome outcome;
-    std::string text;
-    for (int ch; (ch = std::fgetc(pipe)) != EOF;)
-        text += static_cast<char>(ch);
-    const int nStatus = pclose(pipe);
-    outcome.nCode = WIFEXITED(nStatus) ? WEXITSTATUS(nStatus) : -1;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = text.find('\n', at);
-        outcome.lines.push_back(text.substr(at, end - at));
-        at = end == text.npos ? end : end + 1;
-    }
-    if (!outcome.lines.empty()) {
-        outcome.last = outcome.lines.back();
-        outcome.lines.pop_back();
-    }
+    outcome.lines =
+        LinesOf(dir, "env -u DISPLAY '" KX_TEST_BIN "/kx' " + arguments + " 2>&1", &outcome.nCode);
+    if (outcome.lines.empty()) return outcome;
+    outcome.last = outcome.lines.back();
+    outcome.lines.pop_back();
     return outcome;
 }
 
