@@ -1,13 +1,11 @@
 #include "include/platform/Version.h"
 
 #include "include/platform/Error.h"
-#include "include/platform/Host.h"
 #include "platform/UniqueFd.h"
 #include "tests/platform/module/Images.h"
 #include "tests/support/TempDir.h"
 
 #include <cstring>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -63,13 +61,6 @@ TEST(FileVersion, OfAnElfFileIsItsNote)
             for (const bool section : {false, true})
                 EXPECT_EQ(VersionOf(ElfImage(b64, bigEndian, section)), "5.6.7.8")
                     << b64 << bigEndian << section;
-}
-
-TEST(FileVersion, OfThisLibraryIsWhatItsBuildSays)
-{
-    Dl_info info{};
-    ASSERT_NE(dladdr(reinterpret_cast<const void*>(&GetFileVersionInfoA), &info), 0);
-    EXPECT_EQ(VersionOf(KXHost::FromSystemPath(info.dli_fname)), "1.0.0.0");
 }
 
 TEST(FileVersion, LyingPeHeadersGiveNone)
