@@ -237,41 +237,22 @@ TEST_F(Skins, DiagnosticsTellWhatIsMissing)
 {
     const test::DebugText described;
     const test::DebugText debug(true);
-    Tree().Write("Skins/Partial/Skin.ini", "[COLOR]\r\nTextColor=red\r\nTextColour=1,2,3\r\n");
-    Tree().Write("Skins/Partial/Common/Button/CheckBox.bmp", "no bitmap");
-    Tree().Write("Skins/Partial/Common/Others/FileSend.png", "\xFF\xD8\xFF\xD9");
+    Tree().Write("Skins/Partial/Skin.ini", "[COLOR]\r\nTextColour=1,2,3\r\n");
     skins->SetSkin("Partial", 0);
-    for (const char* pszBelow : {"Button/CheckBox.bmp", "Others/FileSend.png"})
-        std::filesystem::remove(Tree().Path(std::string("Skins/Partial/Common/") + pszBelow));
     Tree().Write("Skins/Partial/Skin.ini", test::SkinFile("Skin.ini"));
-    const std::string path = std::string(root) + "Partial\\";
     const auto linesOf = [&](const std::string& name) {
         std::istringstream all(debug.Text());
         std::vector<std::string> lines;
         for (std::string line; std::getline(all, line);)
-            if (const std::size_t at = line.find(path); at != line.npos && line.find(name) != line.npos)
-                lines.push_back(line.erase(at, path.size()));
+            if (line.find("Partial\\" + name) != line.npos) lines.push_back(line);
         return lines;
     };
-    EXPECT_THAT(
-        linesOf("Skin.ini"),
-        testing::ElementsAre("skin: Skin.ini:2: \"red\" is no colour, which is three numbers from 0 to "
-                             "255; RGB(0,0,0) is taken",
-                             "skin: Skin.ini:3: nothing reads key TextColour; did you mean "
-                             "\"TextColor\"?"));
-    EXPECT_THAT(
-        linesOf("PushButton.bmp"),
-        testing::ElementsAre("skin: Common\\Button\\PushButton.bmp is missing: nothing is drawn where it "
-                             "is needed"));
-    EXPECT_THAT(linesOf("CheckBox.bmp"),
-                testing::ElementsAre("skin: Common\\Button\\CheckBox.bmp is no BMP file that can be read: "
-                                     "nothing is drawn where it is needed"));
-    EXPECT_THAT(
-        linesOf("FileSend.png"), // with the decoder's reason
-        testing::ElementsAre("picture: Common\\Others\\FileSend.png is refused: JPEG datastream contains "
-                             "no image; the picture stays empty",
-                             "skin: Common\\Others\\FileSend.png is no picture: nothing is drawn where "
-                             "it is needed"));
+    const std::string path = "skin: " + std::string(root) + "Partial\\";
+    EXPECT_THAT(linesOf("Skin.ini"),
+                ElementsAre(path + "Skin.ini:2: nothing reads key TextColour; did you mean \"TextColor\"?"));
+    EXPECT_THAT(linesOf("Common\\Button\\PushButton.bmp"),
+                ElementsAre(path + "Common\\Button\\PushButton.bmp is missing: nothing is drawn where it is "
+                                   "needed"));
     EXPECT_EQ(described.Text(), "");
 }
 
