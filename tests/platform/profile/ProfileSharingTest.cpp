@@ -52,14 +52,6 @@ TEST(ProfileSharing, NoWriterLosesAnothersKeys)
     EXPECT_EQ(ini.Names(), std::set<std::string>{"test.ini"});
 }
 
-TEST(ProfileSharing, ReaderSeesWhatAnotherProcessWroteBefore)
-{
-    const IniFile ini("[S]\na0=old\n");
-    EXPECT_EQ(ini.Get("S", "a0"), "old");
-    EXPECT_EQ(Writer(ini, "a", 3)->Wait(), 0);
-    ExpectKeys(ini, "a", 3);
-}
-
 // Many values of one moment: what others write in between is not seen, what the thread itself writes is.
 TEST(ProfileSharing, ASnapshotShowsOneStateOfAFile)
 {

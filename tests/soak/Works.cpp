@@ -1,0 +1,259 @@
+#include "KXIniDataMgr.h"
+#include "KXLanResManager.h"
+#include "KXLogSys.h"
+#include "KXSkinResManager.h"
+#include "KXXmlDomDocument.h"
+
+#include "include/platform/Host.h"
+#include "include/platform/Registry.h"
+#include "tests/soak/Soak.h"
+#include "tests/support/Child.h"
+#include "tests/support/Com.h"
+#include "tests/support/GdiPlus.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+// ---- The log
+
+namespace {
+
+constexpr int kThreads = 8;
+constexpr int kLines = 2'000; // of a thread in a round
+
+// How many of the lines aren't where they belong.
+std::uint64_t CountLosses(const std::string& text)
+{
+    std::array<int, kThreads> next{};
+    std::istringstream stream(text);
+    std::uint64_t losses = 0;
+    for (std::string line; std::getline(stream, line);) {
+        int nThread = 0, nLine = 0;
+        const std::size_t at = line.find("] 1 ");
+        const bool bRead =
+            at != line.npos && std::sscanf(line.c_str() + at + 4, "thread %d line %d", &nThread, &nLine) == 2;
+        const bool bExpected =
+            bRead && nThread >= 0 && nThread < kThreads && nLine == next[static_cast<std::size_t>(nThread)]++;
+        losses += !bExpected;
+    }
+    for (const int n : next)
+        losses += static_cast<std::uint64_t>(kLines - std::min(n, kLines));
+    return losses;
+}
+
+} // namespace
+
+soak::Figures soak::RunLog(Turn turn, const test::TempDir& dir)
+{
+    Figures figures;
+    CKXLogSys* const pLog = CKXLogSys::GetSingletonPtr();
+    while (turn.Goes()) {
+        figures.Need(pLog->Initialize(dir.Win("soak.log")), "the log's file");
+        {
+            std::vector<std::jthread> threads;
+            for (int nThread = 0; nThread < kThreads; ++nThread)
+                threads.emplace_back([=] {
+                    for (int n = 0; n < kLines; ++n)
+                        pLog->PushLogEx(CKXLogSys::LogInfo, "thread %d line %d", nThread, n);
+                });
+        }
+        figures.Need(pLog->Flush(30'000), "a flush in thirty seconds");
+        pLog->Uninitialize();
+        const std::uint64_t losses = CountLosses(dir.Read("soak.log"));
+        figures.Need(losses == 0, std::to_string(losses) + " log lines of a round");
+        figures.operations += kThreads * kLines;
+    }
+    return figures;
+}
+
+// ---- Languages
+
+namespace {
+
+constexpr int kReaders = 3;
+constexpr int kKeys = 200;
+
+std::string Texts(const std::string& language)
+{
+    std::string text;
+    for (int n = 0; n < kKeys; ++n)
+        text += "KEY" + std::to_string(n) + " = " + language + std::to_string(n) + "\r\n";
+    return text;
+}
+
+// A key that is missing while a selection runs is its own text.
+bool IsText(const CString& strText, const CString& strNumber)
+{
+    return strText == "One" + strNumber || strText == "Two" + strNumber || strText == "KEY" + strNumber;
+}
+
+} // namespace
+
+soak::Figures soak::RunLanguages(Turn turn, const test::TempDir& dir)
+{
+    for (const std::string id : {"One", "Two"}) {
+        dir.Write("Soaked/" + id + "/Lan.ini", "[Language]\r\nLanguage=" + id + "\r\n");
+        dir.Write("Soaked/" + id + "/Data.txt", Texts(id));
+    }
+    CKXLanResManager* const pLanguages = CKXLanResManager::GetSingletonPtr();
+    Figures figures;
+    figures.Need(pLanguages->Initialize("Soaked"), "the languages");
+    std::atomic<std::uint64_t> reads{0}, wrong{0};
+    {
+        std::vector<std::jthread> readers;
+        for (int nReader = 0; nReader < kReaders; ++nReader)
+            readers.emplace_back([&, own = turn]() mutable {
+                for (; own.Goes(); ++reads) {
+                    CString strNumber;
+                    strNumber.Format("%d", own.Below(kKeys));
+                    wrong += !IsText(pLanguages->GetString("KEY" + strNumber), strNumber);
+                }
+            });
+        for (; turn.Goes(); ++figures.operations) {
+            const CString strId = figures.operations % 2 ? "One" : "Two";
+            pLanguages->SetCurrentLan(strId, 0);
+            figures.Need(pLanguages->GetString("KEY7") == strId + "7", "the language selected");
+        }
+    }
+    figures.operations += reads;
+    figures.Need(wrong == 0, std::to_string(wrong) + " texts read");
+    return figures;
+}
+
+// ---- Skins
+
+soak::Figures soak::RunSkins(Turn turn, const test::TempDir& dir)
+{
+    const test::GdiPlus gdiPlus;
+    CKXSkinResManager* const pSkins = CKXSkinResManager::GetSingletonPtr();
+    Figures figures;
+    while (turn.Goes()) {
+        const CString strName = pSkins->GetSkinName(turn.Below(pSkins->GetSkinsTotal()));
+        const std::string file = dir.Path("Skins/" + std::string(strName) + "/Common/Button/PushButton.bmp");
+        const bool bShort = turn.Below(4) == 0 && std::filesystem::exists(file);
+        if (bShort) std::filesystem::rename(file, file + ".away");
+        pSkins->SetSkin(strName, 1);
+        if (bShort) std::filesystem::rename(file + ".away", file);
+        const CString strIni = pSkins->GetCurrentSkinPath() + "Skin.ini";
+        const bool bLoaded = pSkins->GetBtnRes()->m_bmpPushButton.GetHBITMAP() != nullptr;
+        figures.Need(pSkins->GetCurrentSkinName() == strName, "the skin's name");
+        figures.Need(bLoaded != bShort || !std::filesystem::exists(file), "the skin's push button");
+        figures.Need(pSkins->GetClrDef()->m_clrMenuSelectBk ==
+                         CKXIniDataMgr::GetRGB(strIni, "COLOR", "MenuSelectBk", 1),
+                     "the skin's colour");
+        figures.faults += bShort;
+        ++figures.operations;
+    }
+    pSkins->UnInitialize();
+    return figures;
+}
+
+// ---- The registry
+
+namespace {
+
+std::string Get(const std::string& name)
+{
+    HKEY hKey = nullptr;
+    if (RegOpenKeyExA(HKEY_CURRENT_USER, "Shared", 0, KEY_READ, &hKey) != ERROR_SUCCESS) return {};
+    std::string data(20'000, '\0');
+    auto nSize = static_cast<DWORD>(data.size());
+    const long error =
+        RegQueryValueExA(hKey, name.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(data.data()), &nSize);
+    RegCloseKey(hKey);
+    return error == ERROR_SUCCESS ? data.substr(0, nSize) : std::string();
+}
+
+} // namespace
+
+soak::Figures soak::RunRegistry(Turn turn, const test::TempDir& dir)
+{
+    constexpr int kValues = 5;
+    const std::string file = dir.Path("registry.ini");
+    KXHost::SetRegistryFile(file);
+    Figures figures;
+    for (int nRound = 0; turn.Goes(); ++nRound) {
+        const std::string whole = "whole" + std::to_string(nRound % 50) + "_",
+                          torn = "torn" + std::to_string(nRound % 50);
+        test::Child writer("RegistryWriterChild", {file, whole, std::to_string(kValues)});
+        test::Child victim("RegistryWriterChild", {file, torn, "0"}); // until it is killed
+        figures.Need(writer.Wait() == 0, "a registry writer");
+        std::this_thread::sleep_for(std::chrono::milliseconds(turn.Below(30)));
+        victim.Kill();
+        victim.Wait();
+        for (int n = 0; n < kValues; ++n)
+            figures.Need(Get(whole + std::to_string(n)) == std::to_string(n), "registry value " + whole);
+        const std::string left = Get(torn);
+        figures.Need(left.empty() || left == std::string(10'000, left[0]), "a killed writer's value, whole");
+        figures.operations += kValues + 1;
+        ++figures.faults;
+    }
+    return figures;
+}
+
+// ---- Documents
+
+namespace {
+
+std::string Text(soak::Turn& turn)
+{
+    const char* const pieces[] = {"a",        "B7",       " ",   "<",  "&", "\"",
+                                  "\xC4\xE3", "\xBA\xC3", "]]>", "\t", "'", "-"};
+    std::string text = "x"; // white space alone would be none
+    for (int n = turn.Below(12); n > 0; --n)
+        text += pieces[turn.Below(12)];
+    return text + "x";
+}
+
+std::string Name(soak::Turn& turn)
+{
+    std::string name(1, static_cast<char>('a' + turn.Below(26)));
+    for (int n = turn.Below(5); n > 0; --n)
+        name += "bcd-._9"[turn.Below(7)];
+    return name;
+}
+
+CKXXmlDomElement Element(CKXXmlDomDocument& doc, soak::Turn& turn, int nDepth)
+{
+    CKXXmlDomElement element = doc.CreateElement(Name(turn).c_str(), Text(turn).c_str());
+    for (int n = turn.Below(3); n > 0; --n)
+        element.SetAttributeString(Name(turn).c_str(), Text(turn).c_str());
+    for (int n = nDepth > 0 ? turn.Below(5) : 0; n > 0; --n)
+        element.AppendChild(Element(doc, turn, nDepth - 1));
+    return element;
+}
+
+} // namespace
+
+soak::Figures soak::RunXml(Turn turn, const test::TempDir& dir)
+{
+    const test::Com com;
+    const CString strFile = dir.Win("soak.xml");
+    Figures figures;
+    for (; turn.Goes(); ++figures.operations) {
+        CKXXmlDomDocument doc;
+        CKXXmlDomElement root = Element(doc, turn, 5);
+        doc.SetDocumentElement(root);
+        doc.Save(strFile);
+        CKXXmlDomDocument again;
+        figures.Need(again.Load(strFile) && again.GetXml() == doc.GetXml(), "a document's round");
+
+        std::string bytes = dir.Read("soak.xml");
+        while (!bytes.empty() && (bytes.back() == '\n' || bytes.back() == '\r'))
+            bytes.pop_back();
+        dir.Write("cut.xml",
+                  bytes.substr(0, static_cast<std::size_t>(turn.Below(static_cast<int>(bytes.size())))));
+        CKXXmlDomDocument cut;
+        figures.Need(!cut.Load(dir.Win("cut.xml")), "a cut document's refusal");
+        ++figures.faults;
+    }
+    return figures;
+}
