@@ -105,42 +105,29 @@ TEST_F(LanData, DiagnosticsTellWhatIsWrongWithTheTexts)
     EXPECT_EQ(described.Text(), "");
 }
 
-TEST_F(LanData, AMissingFileIsShownAndTheSelectionStands)
+TEST_F(LanData, AFileThatCannotBeReadIsShownAndTheSelectionStands)
 {
     Load("k=v\n");
-    test::AppDir().Write(tree.Path("M/Lan.ini"), "[Language]\nLanguage=M\n");
+    const char* const ids[] = {"Missing", "Directory", "Pipe", "Unreadable"};
+    for (const std::string id : ids)
+        test::AppDir().Write(tree.Path(id + "/Lan.ini"), "[Language]\nLanguage=L\n");
+    test::AppDir().MakeDir(tree.Path("Directory/Data.txt"));
+    ASSERT_EQ(mkfifo(test::AppDir().Path(tree.Path("Pipe/Data.txt")).c_str(), 0600), 0);
+    std::filesystem::create_symlink("/proc/self/mem",
+                                    test::AppDir().Path(tree.Path("Unreadable/Data.txt"))); // opens
     ASSERT_EQ(lans->Initialize(tree.Name().c_str()), 1);
     KXHost::TakeMessageBoxes();
-    EXPECT_EQ(lans->SetCurrentLan("M", 0), 1);
-    EXPECT_STREQ(lans->GetCurrentLan().strID, "M");
-    EXPECT_EQ(Get("k"), "k");
-    const auto boxes = KXHost::TakeMessageBoxes();
-    ASSERT_EQ(boxes.size(), 1u);
-    EXPECT_GE(boxes[0].strText.Find("Data.txt"), 0) << boxes[0].strText.GetString();
-    EXPECT_EQ(boxes[0].nType, 0u);
-    EXPECT_EQ(boxes[0].nHelpId, 0u);
-}
-
-TEST_F(LanData, AFileThatIsNoFileIsShownToo)
-{
-    Load("");
-    test::AppDir().Write(tree.Path("D/Lan.ini"), "[Language]\nLanguage=D\n");
-    test::AppDir().Write(tree.Path("F/Lan.ini"), "[Language]\nLanguage=F\n");
-    test::AppDir().MakeDir(tree.Path("D/Data.txt"));
-    ASSERT_EQ(mkfifo(test::AppDir().Path(tree.Path("F/Data.txt")).c_str(), 0600), 0);
-    ASSERT_EQ(lans->Initialize(tree.Name().c_str()), 1);
-    KXHost::TakeMessageBoxes();
-    EXPECT_EQ(lans->SetCurrentLan("D", 0), 1);
-    EXPECT_EQ(lans->SetCurrentLan("F", 0), 1);
-    EXPECT_EQ(KXHost::TakeMessageBoxes().size(), 2u);
-
-    test::AppDir().Write(tree.Path("R/Lan.ini"), "[Language]\nLanguage=R\n");
-    std::filesystem::create_symlink("/proc/self/mem", test::AppDir().Path(tree.Path("R/Data.txt")));
-    lans->Initialize(tree.Name().c_str());
-    EXPECT_EQ(lans->SetCurrentLan("R", 0), 1); // opens, but can't be read
-    const auto boxes = KXHost::TakeMessageBoxes();
-    ASSERT_EQ(boxes.size(), 1u);
-    EXPECT_GE(boxes[0].strText.Find("Data.txt"), 0) << boxes[0].strText.GetString();
+    for (const char* pszId : ids) {
+        SCOPED_TRACE(pszId);
+        EXPECT_EQ(lans->SetCurrentLan(pszId, 0), 1);
+        EXPECT_STREQ(lans->GetCurrentLan().strID, pszId);
+        EXPECT_EQ(Get("k"), "k");
+        const auto boxes = KXHost::TakeMessageBoxes();
+        ASSERT_EQ(boxes.size(), 1u);
+        EXPECT_GE(boxes[0].strText.Find("Data.txt"), 0) << boxes[0].strText.GetString();
+        EXPECT_EQ(boxes[0].nType, 0u);
+        EXPECT_EQ(boxes[0].nHelpId, 0u);
+    }
 }
 
 TEST_F(LanData, ATextThatIsThereCostsNothingMore)
