@@ -20,12 +20,6 @@ int Round26(FT_Pos value)
     return static_cast<int>((value + 32) >> 6);
 }
 
-// The weight for a coverage of 0 to 255.
-std::int16_t WeightOf(unsigned char coverage)
-{
-    return static_cast<std::int16_t>(coverage * (Glyph::WHOLE - 1) / 255);
-}
-
 class Face : public Letters
 {
 public:
@@ -117,15 +111,10 @@ Glyph Face::Draw(char32_t ch)
     glyph.top = slot->bitmap_top;
     glyph.width = static_cast<int>(bitmap.width);
     glyph.rows = static_cast<int>(bitmap.rows);
-    glyph.stride = (glyph.width + Glyph::BLOCK - 1) / Glyph::BLOCK * Glyph::BLOCK;
-    glyph.weights.reserve(static_cast<std::size_t>(glyph.stride) * bitmap.rows * Glyph::CHANNELS);
+    glyph.coverage.reserve(std::size_t{bitmap.width} * bitmap.rows);
     for (unsigned y = 0; y < bitmap.rows; ++y) {
         const unsigned char* row = bitmap.buffer + static_cast<std::ptrdiff_t>(y) * bitmap.pitch;
-        for (unsigned x = 0; x < bitmap.width; ++x) {
-            const std::int16_t weight = WeightOf(row[x]);
-            glyph.weights.insert(glyph.weights.end(), {weight, weight, weight, 0});
-        }
-        glyph.weights.resize(static_cast<std::size_t>(glyph.stride) * (y + 1) * Glyph::CHANNELS);
+        glyph.coverage.insert(glyph.coverage.end(), row, row + bitmap.width);
     }
     return glyph;
 }

@@ -108,7 +108,7 @@ const Glyph& FontFace::Keep(char32_t ch, Glyph glyph)
         m_others.clear();
         m_bytes = 0;
     }
-    m_bytes += glyph.weights.size() * sizeof(std::int16_t) + sizeof(Glyph);
+    m_bytes += glyph.coverage.size() + sizeof(Glyph);
     Glyph& place = ch < m_ascii.size() ? *(m_ascii[ch] = std::make_unique<Glyph>()) : m_others[ch];
     return place = std::move(glyph);
 }

@@ -19,21 +19,15 @@ struct FaceRequest
 };
 
 // One letter at one size: how far it moves on, and how much of each pixel it covers, placed from the pen's
-// position on the base line. The weights lie as they are blended: a pixel's coverage once for each of its
-// colours, and 0 for its high byte. Zeros fill each row up to whole blocks.
+// position on the base line.
 struct Glyph
 {
-    static constexpr int BLOCK = 4;    // pixels
-    static constexpr int CHANNELS = 4; // weights of a pixel
-    static constexpr int WHOLE = 1 << 15;
-
     int advance = 0;
     int left = 0; // of the first column
     int top = 0;  // of the first row, upwards
     int width = 0;
     int rows = 0;
-    int stride = 0;                    // from one row to the next, in pixels
-    std::vector<std::int16_t> weights; // as parts of WHOLE, which itself is written as one less
+    std::vector<std::uint8_t> coverage; // 0 to 255, the top row first
 };
 
 // In pixels, from the base line.

@@ -1,7 +1,6 @@
 // Text on device contexts. Where a text is drawn, the lock of the pixels is taken before that of the texts,
 // so that a call that measures, or draws in memory, never waits for the display.
 
-#include "platform/Cpu.h"
 #include "platform/Errno.h"
 #include "platform/NoMemory.h"
 #include "platform/gdi/DeviceContext.h"
@@ -15,72 +14,24 @@
 #include <cstring>
 #include <span>
 #include <vector>
-#if defined(__x86_64__)
-#include <immintrin.h>
-#endif
 
 using namespace kx::gdi;
-using kx::HasAvx2;
 
 namespace {
 
-// The part of a letter that is seen.
-struct Rows
+// Lays a colour over pixels by its coverage of each, of 255, every channel to the nearest value. Red and blue
+// go side by side. The high byte stays.
+void MixRow(DWORD* __restrict out, const std::uint8_t* __restrict coverage, int nPixels, DWORD color) noexcept
 {
-    DWORD* out;
-    std::ptrdiff_t outStride;
-    const std::int16_t* weights;
-    std::ptrdiff_t weightStride;
-    int width;
-    int height;
-    DWORD color;
-};
-
-// Moves the bytes of pixels towards the colour's by their weights, to the nearest value.
-void MixRow(DWORD* out, const std::int16_t* weights, int nPixels, DWORD color) noexcept
-{
-    std::array<std::uint8_t, sizeof(DWORD)> to;
-    std::memcpy(to.data(), &color, sizeof(color));
-    auto* bytes = reinterpret_cast<std::uint8_t*>(out);
-    for (int n = 0; n < nPixels * Glyph::CHANNELS; ++n) {
-        const int nWay = to[static_cast<std::size_t>(n % Glyph::CHANNELS)] - bytes[n];
-        bytes[n] = static_cast<std::uint8_t>(bytes[n] + ((nWay * weights[n] + Glyph::WHOLE / 2) >> 15));
+    constexpr DWORD outer = 0xFF00FF, inner = 0x00FF00;
+    for (int n = 0; n < nPixels; ++n) {
+        const DWORD above = coverage[n], below = 255 - above, pixel = out[n];
+        const DWORD redBlue = (color & outer) * above + (pixel & outer) * below + 0x800080;
+        const DWORD green = (color >> 8 & 0xFF) * above + (pixel >> 8 & 0xFF) * below + 0x80;
+        out[n] = (pixel & 0xFF000000) | ((redBlue + (redBlue >> 8 & outer)) >> 8 & outer) |
+                 ((green + (green >> 8)) & inner);
     }
 }
-
-void MixPlain(const Rows& rows) noexcept
-{
-    for (int y = 0; y < rows.height; ++y)
-        MixRow(rows.out + y * rows.outStride, rows.weights + y * rows.weightStride, rows.width, rows.color);
-}
-
-#if defined(__x86_64__)
-// The same in blocks.
-KX_AVX2 void MixAvx2(const Rows& rows) noexcept
-{
-    const __m256i color = _mm256_cvtepu8_epi16(_mm_set1_epi32(static_cast<int>(rows.color)));
-    for (int y = 0; y < rows.height; ++y) {
-        DWORD* const out = rows.out + y * rows.outStride;
-        const std::int16_t* const weights = rows.weights + y * rows.weightStride;
-        int x = 0;
-        for (; x + Glyph::BLOCK <= rows.width; x += Glyph::BLOCK) {
-            auto* const block = reinterpret_cast<__m128i*>(out + x);
-            const auto* const weight = reinterpret_cast<const __m256i*>(weights + x * Glyph::CHANNELS);
-            const __m256i from = _mm256_cvtepu8_epi16(_mm_loadu_si128(block));
-            const __m256i way =
-                _mm256_mulhrs_epi16(_mm256_sub_epi16(color, from), _mm256_loadu_si256(weight));
-            const __m256i mixed = _mm256_add_epi16(from, way);
-            _mm_storeu_si128(
-                block, _mm_packus_epi16(_mm256_castsi256_si128(mixed), _mm256_extracti128_si256(mixed, 1)));
-        }
-        MixRow(out + x, weights + x * Glyph::CHANNELS, rows.width - x, rows.color);
-    }
-}
-#else
-void MixAvx2(const Rows&) noexcept
-{
-}
-#endif
 
 // Draws lines on a context with its font and colours. Used under the text lock.
 class TextPainter
@@ -93,7 +44,6 @@ public:
 
 private:
     void Cover(const Glyph& glyph, int x, int y, const RECT& clip);
-    void Blend(const Glyph& glyph, int x, int y, const RECT& part);
     void Bar(int x, int y, int nWidth, const RECT& clip, DWORD pixel, int nHeight);
 
     const DeviceContext& m_context;
@@ -139,25 +89,12 @@ void TextPainter::Bar(int x, int y, int nWidth, const RECT& clip, DWORD pixel, i
 void TextPainter::Cover(const Glyph& glyph, int x, int y, const RECT& clip)
 {
     const RECT box{x + glyph.left, y - glyph.top, x + glyph.left + glyph.width, y - glyph.top + glyph.rows};
-    ForEachPart(m_canvas.clip, Cut(box, clip),
-                [&](const RECT& part) { Blend(glyph, box.left, box.top, part); });
-}
-
-void TextPainter::Blend(const Glyph& glyph, int x, int y, const RECT& part)
-{
-    int nWidth = part.right - part.left;
-    // A letter that is seen whole is drawn in blocks to its end: what the last covers behind it stays as it
-    // is.
-    if (nWidth == glyph.width && part.left + glyph.stride <= m_canvas.surface.Width()) nWidth = glyph.stride;
-    const std::ptrdiff_t nStride = std::ptrdiff_t{glyph.stride} * Glyph::CHANNELS;
-    const Rows rows{m_canvas.surface.Row(part.top) + part.left,
-                    m_canvas.surface.Stride(),
-                    glyph.weights.data() + (part.top - y) * nStride + (part.left - x) * Glyph::CHANNELS,
-                    nStride,
-                    nWidth,
-                    part.bottom - part.top,
-                    m_pixel};
-    HasAvx2() ? MixAvx2(rows) : MixPlain(rows);
+    ForEachPart(m_canvas.clip, Cut(box, clip), [&](const RECT& part) {
+        const std::uint8_t* row =
+            glyph.coverage.data() + (part.top - box.top) * glyph.width + (part.left - box.left);
+        for (int nRow = part.top; nRow < part.bottom; ++nRow, row += glyph.width)
+            MixRow(m_canvas.surface.Row(nRow) + part.left, row, part.right - part.left, m_pixel);
+    });
 }
 
 constexpr int kFar = INT_MAX / 4; // letters never lie further out than that
