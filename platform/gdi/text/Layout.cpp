@@ -12,16 +12,29 @@ namespace kx::gdi {
 
 namespace {
 
+// Bytes that are no letters become U+FFFD.
+std::u32string Decode(std::string_view text)
+{
+    if (kx::text::IsAscii(text)) return {text.begin(), text.end()};
+    const std::string units = kx::text::Iconv::For(GetACP(), kx::text::Iconv::Direction::ToUtf32)
+                                  .ConvertLossy(text, std::string_view("\xFD\xFF\0\0", 4));
+    std::u32string decoded(units.size() / sizeof(char32_t), U'\0');
+    std::memcpy(decoded.data(), units.data(), decoded.size() * sizeof(char32_t));
+    return decoded;
+}
+
+int Measure(FontFace& face, std::u32string_view text)
+{
+    std::int64_t width = 0;
+    for (const char32_t ch : text)
+        width += face.Get(ch).advance;
+    return static_cast<int>(std::min<std::int64_t>(width, INT32_MAX / 2));
+}
+
 // Letters that take no room: what would be a control sign, but for the tab, which is drawn as a blank.
 bool IsUnseen(char32_t ch)
 {
     return ch < U' ' || ch == 0x7F;
-}
-
-// Whether each letter is drawn as it stands.
-bool IsPlain(std::u32string_view text)
-{
-    return std::none_of(text.begin(), text.end(), [](char32_t ch) { return IsUnseen(ch) || ch == U'&'; });
 }
 
 // Takes the "&" signs out: one marks the letter behind it, two stand for one.
@@ -68,33 +81,6 @@ void BreakWords(FontFace& face, const TextLine& line, int nRoom, std::vector<Tex
 }
 
 } // namespace
-
-std::u32string Decode(std::string_view text)
-{
-    if (kx::text::IsAscii(text)) return {text.begin(), text.end()};
-    const std::string units = kx::text::Iconv::For(GetACP(), kx::text::Iconv::Direction::ToUtf32)
-                                  .ConvertLossy(text, std::string_view("\xFD\xFF\0\0", 4));
-    std::u32string decoded(units.size() / sizeof(char32_t), U'\0');
-    std::memcpy(decoded.data(), units.data(), decoded.size() * sizeof(char32_t));
-    return decoded;
-}
-
-int Measure(FontFace& face, std::u32string_view text)
-{
-    std::int64_t width = 0;
-    for (const char32_t ch : text)
-        width += face.Get(ch).advance;
-    return static_cast<int>(std::min<std::int64_t>(width, INT32_MAX / 2));
-}
-
-bool TakePlainLine(FontFace& face, std::string_view text, UINT nFormat, TextLine& line)
-{
-    if (!(nFormat & DT_SINGLELINE)) return false;
-    line.text = Decode(text);
-    if (!IsPlain(line.text)) return false;
-    line.width = Measure(face, line.text);
-    return true;
-}
 
 std::vector<TextLine> BreakLines(FontFace& face, std::string_view text, UINT nFormat, int nRoom)
 {

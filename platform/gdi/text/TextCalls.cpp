@@ -134,21 +134,14 @@ struct Writer
 // A text in lines, and the height of one.
 struct Lines
 {
-    Lines(FontFace& face, std::string_view text, UINT nFormat, int nRoom) : nHeight(face.Metrics().Height())
+    Lines(FontFace& face, std::string_view text, UINT nFormat, int nRoom)
+        : nHeight(face.Metrics().Height()), all(BreakLines(face, text, nFormat, nRoom))
     {
-        if (!TakePlainLine(face, text, nFormat, m_plain)) m_broken = BreakLines(face, text, nFormat, nRoom);
     }
-    std::span<const TextLine> All() const
-    {
-        return m_broken.empty() ? std::span(&m_plain, 1) : std::span<const TextLine>(m_broken);
-    }
-    int TotalHeight() const { return Near(std::int64_t{nHeight} * static_cast<std::int64_t>(All().size())); }
+    int TotalHeight() const { return Near(std::int64_t{nHeight} * static_cast<std::int64_t>(all.size())); }
 
     const int nHeight;
-
-private:
-    TextLine m_plain;
-    std::vector<TextLine> m_broken; // empty for a plain line
+    const std::vector<TextLine> all;
 };
 
 int StartOf(const TextLine& line, const RECT& rect, UINT nFormat)
@@ -173,7 +166,7 @@ int Measure(const Writer& writer, std::string_view text, RECT& rect, UINT nForma
     const RECT room = Near(rect);
     const Lines lines(writer.font->Face(), text, nFormat, room.right - room.left);
     int nWidth = 0;
-    for (const TextLine& line : lines.All())
+    for (const TextLine& line : lines.all)
         nWidth = std::max(nWidth, line.width);
     rect.right = Near(std::int64_t{room.left} + nWidth);
     rect.bottom = Near(std::int64_t{room.top} + lines.TotalHeight());
@@ -189,7 +182,7 @@ int Draw(const Writer& writer, std::string_view text, const RECT& rect, UINT nFo
     const RECT clip = nFormat & DT_NOCLIP ? RECT{-kFar, -kFar, kFar, kFar} : room;
     TextPainter painter(*writer.context, *writer.font, canvas);
     int y = TopOf(room, lines.TotalHeight(), nFormat);
-    for (const TextLine& line : lines.All()) {
+    for (const TextLine& line : lines.all) {
         if (y >= clip.bottom) break;
         painter.Draw(line, StartOf(line, room, nFormat), y, clip);
         y += lines.nHeight;
