@@ -3,11 +3,34 @@
 #include "include/platform/GdiPlusFlat.h"
 #include "platform/Handles.h"
 #include "platform/gdi/PixelRegion.h"
-#include "platform/gdiplus/ColorRun.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
+
+namespace kx::gdiplus {
+
+// A colour's channels blue, green, red, alpha, in fractions too.
+using Channels = std::array<double, 4>;
+
+constexpr Channels ToChannels(Gdiplus::ARGB color) noexcept
+{
+    return {static_cast<double>(color & 255), static_cast<double>(color >> 8 & 255),
+            static_cast<double>(color >> 16 & 255), static_cast<double>(color >> 24)};
+}
+
+// a * x + b * y
+constexpr Channels Mixed(const Channels& a, double x, const Channels& b, double y) noexcept
+{
+    Channels mixed{};
+    for (std::size_t n = 0; n < mixed.size(); ++n)
+        mixed[n] = a[n] * x + b[n] * y;
+    return mixed;
+}
+
+} // namespace kx::gdiplus
 
 namespace Gdiplus {
 
