@@ -1,4 +1,3 @@
-#include "platform/gdiplus/Blend.h"
 #include "platform/gdiplus/codecs/Codecs.h"
 #include "platform/gdiplus/codecs/Jpeg.h"
 
@@ -10,30 +9,16 @@ namespace {
 
 constexpr int kQuality = 75;
 
-struct Look
-{
-    bool bGray = true; // no pixel has another colour
-    bool bOpaque = true;
-};
-
-Look LookAt(const PixelView& view) noexcept
+// Whether no pixel has another colour than a shade of grey.
+bool IsGray(const PixelView& view) noexcept
 {
     DWORD off = 0;
-    DWORD all = ALPHA_BITS;
     for (int y = 0; y < view.height; ++y) {
         const DWORD* const row = view.Row(y);
-        for (int x = 0; x < view.width; ++x) {
+        for (int x = 0; x < view.width; ++x)
             off |= (row[x] ^ row[x] >> 8) & 0xFFFF;
-            all &= row[x];
-        }
     }
-    return {off == 0, view.alpha == Alpha::Opaque || (all & ALPHA_BITS) == ALPHA_BITS};
-}
-
-PixelView WithAlphaOf(PixelView view, const Look& look) noexcept
-{
-    if (look.bOpaque) view.alpha = Alpha::Opaque;
-    return view;
+    return off == 0;
 }
 
 // Where the library's bytes go: by blocks to the end of a file. (The library's own for memory keeps a block
@@ -73,8 +58,7 @@ private:
 class JpegEncoder : private JpegErrors
 {
 public:
-    JpegEncoder(const PixelView& view, const Look& look, Bytes& file)
-        : m_view(view), m_rows(WithAlphaOf(view, look)), m_bGray(look.bGray), m_file(file)
+    JpegEncoder(const PixelView& view, Bytes& file) : m_view(view), m_rows(view), m_file(file)
     {
         m_jpeg.err = this;
     }
@@ -97,7 +81,7 @@ private:
         m_jpeg.input_components = 4;
         m_jpeg.in_color_space = JCS_EXT_BGRX;
         jpeg_set_defaults(&m_jpeg); // colours at half the resolution
-        if (m_bGray) jpeg_set_colorspace(&m_jpeg, JCS_GRAYSCALE);
+        if (IsGray(m_view)) jpeg_set_colorspace(&m_jpeg, JCS_GRAYSCALE);
         jpeg_set_quality(&m_jpeg, kQuality, TRUE);
         jpeg_start_compress(&m_jpeg, TRUE);
         for (int y = 0; y < m_view.height; ++y) {
@@ -110,7 +94,6 @@ private:
 
     const PixelView m_view;
     RowsOverBlack m_rows;
-    const bool m_bGray;
     JpegFile m_file;
     jpeg_compress_struct m_jpeg{};
 };
@@ -120,7 +103,7 @@ private:
 Gdiplus::Status WriteJpeg(const PixelView& view, Bytes& file)
 {
     NeedRoom(); // for what the library has in each thread
-    return JpegEncoder(view, LookAt(view), file).Run();
+    return JpegEncoder(view, file).Run();
 }
 
 } // namespace kx::gdiplus
