@@ -1,10 +1,10 @@
 #include "platform/gdiplus/Blend.h"
 #include "platform/gdiplus/Calls.h"
-#include "platform/gdiplus/ColorTransform.h"
 #include "platform/gdiplus/Graphics.h"
 #include "platform/gdiplus/Scale.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <functional>
 #include <iterator>
@@ -25,6 +25,65 @@ private:
 };
 
 namespace {
+
+// An entry of 0.59 is in truth a little less, and 50 times it less than the half that 29.5 means. What lies
+// so near a half counts as one; a matrix of four digits has no other values there.
+constexpr float nearHalf = 1.0F / 8192;
+
+constexpr float Channel(DWORD pixel, int nShift) noexcept
+{
+    return static_cast<float>(static_cast<int>(pixel >> nShift & 255));
+}
+
+// A colour matrix at work on runs of pixels, on colours that are not multiplied by the alpha. What leaves 0
+// to 255 stays at its end, the rest goes to the nearest, halves up.
+class ColorTransform
+{
+public:
+    explicit ColorTransform(const ColorMatrix& matrix) noexcept
+    {
+        for (std::size_t n = 0; n < m_sums.size(); ++n)
+            m_sums[n] = {matrix.m[0][n], matrix.m[1][n], matrix.m[2][n], matrix.m[3][n],
+                         255 * matrix.m[4][n] + 0.5F + nearHalf};
+    }
+    // What the pixels that it gives for others mean: Opaque or Straight.
+    Alpha Gives(Alpha from) const noexcept
+    {
+        const Sum& opacity = m_sums[3];
+        const bool bKeeps = opacity == Sum{0, 0, 0, 1, 0.5F + nearHalf};
+        return from == Alpha::Opaque && bKeeps ? Alpha::Opaque : Alpha::Straight;
+    }
+    void Apply(const DWORD* from, Alpha alpha, DWORD* to, int n) const noexcept
+    {
+        const DWORD set = alpha == Alpha::Opaque ? ALPHA_BITS : 0;
+        const auto [red, green, blue, opacity] = m_sums;
+        for (int x = 0; x < n; ++x) {
+            const DWORD pixel = from[x] | set;
+            to[x] = opacity.Of(pixel) << 24 | red.Of(pixel) << 16 | green.Of(pixel) << 8 | blue.Of(pixel);
+        }
+    }
+
+private:
+    // One channel: the shares of red, green, blue and alpha in it, and what is added.
+    struct Sum
+    {
+        float red;
+        float green;
+        float blue;
+        float alpha;
+        float plus;
+        friend bool operator==(const Sum&, const Sum&) = default;
+        DWORD Of(DWORD pixel) const noexcept
+        {
+            const float sum = Channel(pixel, 16) * red + Channel(pixel, 8) * green +
+                              Channel(pixel, 0) * blue + Channel(pixel, 24) * alpha + plus;
+            const float least = sum > 0 ? sum : 0; // also for what is no number
+            return static_cast<DWORD>(static_cast<int>(least < 255 ? least : 255));
+        }
+    };
+
+    std::array<Sum, 4> m_sums; // red, green, blue, alpha
+};
 
 // Whether two pictures share memory, by their first and last rows.
 bool MayOverlap(const PixelView& a, const PixelView& b) noexcept
