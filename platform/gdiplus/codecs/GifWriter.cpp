@@ -2,9 +2,9 @@
 #include "platform/gdiplus/codecs/ColorCut.h"
 
 #include <algorithm>
-#include <array>
 #include <gif_lib.h>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 namespace kx::gdiplus {
@@ -21,31 +21,6 @@ struct IndexedPicture
 
 constexpr std::size_t kMaxColors = 256;
 constexpr DWORD kTransparent = 0xFFFFFFFF; // marks a pixel without a colour
-
-// The numbers of up to 256 colours, in the order in which they were first asked for.
-class ColorNumbers
-{
-public:
-    explicit ColorNumbers(std::size_t nMax) : m_nMax(nMax) { m_slots.fill(-1); }
-
-    // -1 for one too many.
-    int Of(DWORD color)
-    {
-        std::size_t slot = (color * 2654435761u) >> 22;
-        for (; m_slots[slot] >= 0; slot = (slot + 1) % m_slots.size())
-            if (m_colors[static_cast<std::size_t>(m_slots[slot])] == color) return m_slots[slot];
-        if (m_colors.size() == m_nMax) return -1;
-        m_slots[slot] = static_cast<int>(m_colors.size());
-        m_colors.push_back(color);
-        return m_slots[slot];
-    }
-    const std::vector<DWORD>& Colors() const noexcept { return m_colors; }
-
-private:
-    const std::size_t m_nMax;
-    std::array<int, 1024> m_slots;
-    std::vector<DWORD> m_colors;
-};
 
 std::size_t PixelCount(const PixelView& view) noexcept
 {
@@ -67,17 +42,21 @@ bool ForEachColor(const PixelView& view, Take&& take)
     return true;
 }
 
+// False for more colours than that. They are numbered in the order in which they come.
 bool TakeExactly(const PixelView& view, std::size_t nMax, IndexedPicture& picture)
 {
-    ColorNumbers numbers(nMax);
+    std::unordered_map<DWORD, std::uint8_t> numbers;
     std::size_t at = 0;
-    const bool bFits = ForEachColor(view, [&](DWORD color) {
-        const int nNumber = color == kTransparent ? picture.transparent : numbers.Of(color);
-        picture.indices[at++] = static_cast<std::uint8_t>(nNumber);
-        return nNumber >= 0;
+    return ForEachColor(view, [&](DWORD color) {
+        if (color == kTransparent) {
+            picture.indices[at++] = static_cast<std::uint8_t>(picture.transparent);
+            return true;
+        }
+        const auto [number, bNew] = numbers.try_emplace(color, static_cast<std::uint8_t>(numbers.size()));
+        if (bNew) picture.colors.push_back(color);
+        picture.indices[at++] = number->second;
+        return numbers.size() <= nMax;
     });
-    picture.colors = numbers.Colors();
-    return bFits;
 }
 
 void Reduce(const PixelView& view, std::size_t nMax, IndexedPicture& picture)
