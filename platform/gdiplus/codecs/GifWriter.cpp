@@ -1,15 +1,134 @@
 #include "platform/gdiplus/codecs/Codecs.h"
-#include "platform/gdiplus/codecs/ColorCut.h"
 
 #include <algorithm>
+#include <array>
 #include <gif_lib.h>
 #include <memory>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
 namespace kx::gdiplus {
 
 namespace {
+
+// Finds the colours that stand best for a picture's many: the block of them whose colours differ most, over
+// all their pixels, is cut at its mean along the channel in which they do, again and again. Colours that have
+// the upper six bits of each channel in common stay together. All are 0x00RRGGBB.
+class ColorCut
+{
+public:
+    // Throws std::bad_alloc.
+    ColorCut() : m_cells(kCells) {}
+
+    void Count(DWORD color) noexcept
+    {
+        Cell& cell = m_cells[CellOf(color)];
+        for (std::size_t n = 0; n < cell.sums.size(); ++n)
+            cell.sums[n] += color >> 8 * (2 - n) & 0xFF;
+        ++cell.count;
+    }
+    // At most so many, up to 256, of what was counted. Throws std::bad_alloc.
+    std::vector<DWORD> Cut(std::size_t nMax);
+    // The number of the one that stands for a colour that was counted.
+    std::uint8_t NumberOf(DWORD color) const noexcept { return m_cells[CellOf(color)].number; }
+
+private:
+    static constexpr std::size_t kCells = std::size_t{1} << 18;
+
+    struct Cell
+    {
+        std::array<std::uint64_t, 3> sums; // of its pixels' channels, red first
+        std::uint32_t count;
+        std::uint8_t number;
+    };
+    struct Block
+    {
+        explicit Block(std::span<Cell*> of) noexcept;
+        DWORD Mean() const noexcept;
+        // The cells at or below the mean in its channel come first; gives how many.
+        std::size_t Part() noexcept;
+
+        std::span<Cell*> cells;
+        std::array<double, 3> means{};
+        std::size_t channel = 0; // in which they differ most
+        double spread = 0;       // there: the sum of all pixels' squares of what they are off the mean
+    };
+
+    static constexpr std::size_t CellOf(DWORD color) noexcept
+    {
+        return (color >> 6 & 0x3F000) | (color >> 4 & 0xFC0) | (color >> 2 & 0x3F);
+    }
+
+    std::vector<Cell> m_cells;
+};
+
+ColorCut::Block::Block(std::span<Cell*> of) noexcept : cells(of)
+{
+    double count = 0;
+    std::array<double, 3> sums{}, squares{};
+    for (const Cell* cell : cells) {
+        count += cell->count;
+        for (std::size_t n = 0; n < sums.size(); ++n) {
+            const auto sum = static_cast<double>(cell->sums[n]);
+            sums[n] += sum;
+            squares[n] += sum * sum / cell->count;
+        }
+    }
+    for (std::size_t n = 0; n < sums.size(); ++n) {
+        means[n] = sums[n] / count;
+        const double off = squares[n] - sums[n] * means[n];
+        if (off > spread) {
+            spread = off;
+            channel = n;
+        }
+    }
+}
+
+DWORD ColorCut::Block::Mean() const noexcept
+{
+    DWORD color = 0;
+    for (const double mean : means)
+        color = color << 8 | static_cast<DWORD>(mean + 0.5);
+    return color;
+}
+
+std::size_t ColorCut::Block::Part() noexcept
+{
+    const auto low = std::partition(cells.begin(), cells.end(), [this](const Cell* cell) {
+        return static_cast<double>(cell->sums[channel]) <= means[channel] * cell->count;
+    });
+    return static_cast<std::size_t>(low - cells.begin());
+}
+
+std::vector<DWORD> ColorCut::Cut(std::size_t nMax)
+{
+    std::vector<Cell*> used;
+    for (Cell& cell : m_cells)
+        if (cell.count > 0) used.push_back(&cell);
+    std::vector<Block> blocks;
+    if (!used.empty()) blocks.emplace_back(used);
+    while (!blocks.empty() && blocks.size() < nMax) {
+        auto widest = std::max_element(blocks.begin(), blocks.end(),
+                                       [](const Block& a, const Block& b) { return a.spread < b.spread; });
+        if (widest->spread == 0) break;
+        const std::span<Cell*> cells = widest->cells;
+        const std::size_t nLow = widest->Part();
+        if (nLow == 0 || nLow == cells.size()) {
+            widest->spread = 0; // that of rounding alone
+            continue;
+        }
+        *widest = Block(cells.first(nLow));
+        blocks.emplace_back(cells.subspan(nLow));
+    }
+    std::vector<DWORD> colors;
+    for (const Block& block : blocks) {
+        for (Cell* cell : block.cells)
+            cell->number = static_cast<std::uint8_t>(colors.size());
+        colors.push_back(block.Mean());
+    }
+    return colors;
+}
 
 // A picture as indices into at most 256 colours.
 struct IndexedPicture
