@@ -1,8 +1,8 @@
 #pragma once
 
-// The version of an executable file: the fixed version record of a PE image's version resource, or an ELF
-// file's note of name "KXVersion" (kx_file_version in CMake puts it there). Only regular files are read, and
-// of those the headers alone. Any thread.
+// The version of an executable file: the fixed version record of a PE image's version resource, or the note
+// of name "KXVersion" in a little-endian ELF file of 64 bits (kx_file_version in CMake puts it there). Only
+// regular files are read, and of those the headers alone. Any thread.
 
 #include "../KXExport.h"
 #include "Types.h"

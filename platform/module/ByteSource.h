@@ -9,14 +9,12 @@
 
 namespace kx::module {
 
-// A few bytes of a file, from which integers are read by offset. An offset out of range reads 0.
+// A few bytes of a file, from which little-endian integers are read by offset. An offset out of range reads
+// 0.
 class Bytes
 {
 public:
-    explicit Bytes(std::vector<std::uint8_t> data, bool bBigEndian = false)
-        : m_data(std::move(data)), m_bBigEndian(bBigEndian)
-    {
-    }
+    explicit Bytes(std::vector<std::uint8_t> data) : m_data(std::move(data)) {}
 
     std::size_t Size() const noexcept { return m_data.size(); }
     std::span<const std::uint8_t> All() const noexcept { return m_data; }
@@ -30,12 +28,11 @@ private:
         std::uint64_t value = 0;
         if (at > m_data.size() || width > m_data.size() - at) return 0;
         for (std::size_t i = 0; i < width; ++i)
-            value = value << 8 | m_data[at + (m_bBigEndian ? i : width - 1 - i)];
+            value = value << 8 | m_data[at + width - 1 - i];
         return value;
     }
 
     std::vector<std::uint8_t> m_data;
-    bool m_bBigEndian;
 };
 
 // What a parser reads from: a file, or a block of memory.
@@ -46,12 +43,12 @@ public:
     virtual std::uint64_t Size() const noexcept = 0;
 
     // Nothing unless all `nCount` bytes at the offset are there.
-    std::optional<Bytes> Read(std::uint64_t offset, std::uint64_t nCount, bool bBigEndian = false) const
+    std::optional<Bytes> Read(std::uint64_t offset, std::uint64_t nCount) const
     {
         if (offset > Size() || nCount > Size() - offset) return std::nullopt;
         std::vector<std::uint8_t> data(nCount);
         if (!ReadAt(offset, data)) return std::nullopt;
-        return Bytes(std::move(data), bBigEndian);
+        return Bytes(std::move(data));
     }
 
 protected:

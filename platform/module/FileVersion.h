@@ -13,7 +13,8 @@ namespace kx::module {
 // The fixed record of the version resource of a PE image, of 32 or 64 bits.
 std::optional<VS_FIXEDFILEINFO> ReadPeVersion(const ByteSource& source);
 
-// The note of name "KXVersion" in an ELF file of either width and byte order.
+// The note of name "KXVersion" that a program header of an ELF file names, of 64 bits and little-endian as
+// those of the machines that the library runs on are.
 std::optional<VS_FIXEDFILEINFO> ReadElfVersion(const ByteSource& source);
 
 // By what the file begins with.

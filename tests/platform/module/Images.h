@@ -10,13 +10,11 @@ namespace test {
 class Image
 {
 public:
-    explicit Image(bool bigEndian = false) : m_bigEndian(bigEndian) {}
-
     void Put(std::size_t at, std::size_t width, std::uint64_t value)
     {
         if (bytes.size() < at + width) bytes.resize(at + width);
         for (std::size_t i = 0; i < width; ++i)
-            bytes[at + (m_bigEndian ? width - 1 - i : i)] = static_cast<char>(value >> 8 * i);
+            bytes[at + i] = static_cast<char>(value >> 8 * i);
     }
     void Text(std::size_t at, std::string_view text)
     {
@@ -25,9 +23,6 @@ public:
     }
 
     std::string bytes;
-
-private:
-    bool m_bigEndian;
 };
 
 // Where the fields of a PE image lie that the tests touch. The resource tree begins at 0x400 in the file.
@@ -92,27 +87,21 @@ inline Image PeImage(bool b64)
     return image;
 }
 
-// An ELF file of version 5.6.7.8 whose note is named by a program header or a section header, behind another
-// note. The note's own fields begin at `kElfNote`.
+// An ELF file of version 5.6.7.8 whose note is named by a program header, behind another note. The note's own
+// fields begin at `kElfNote`.
 inline constexpr std::size_t kElfNote = 0x100 + 20;
-inline Image ElfImage(bool b64, bool bigEndian, bool section)
+inline Image ElfImage()
 {
-    Image image(bigEndian);
-    image.Text(0, "\177ELF");
-    image.Put(4, 1, b64 ? 2 : 1);
-    image.Put(5, 1, bigEndian ? 2 : 1);
-    const std::size_t word = b64 ? 8 : 4, header = b64 ? 64 : 52;
-    const std::size_t offset = (b64 ? 32 : 28) + (section ? word : 0),
-                      counts = (b64 ? 54 : 42) + (section ? 4u : 0u);
-    const std::size_t size = section ? (b64 ? 64 : 40) : (b64 ? 56 : 32);
-    image.Put(offset, word, header);
-    image.Put(counts, 2, size);
-    image.Put(counts + 2, 2, 2); // the first entry is of no interest
-    const std::size_t entry = header + size;
-    image.Put(entry + (section ? 4 : 0), 4, section ? 7 : 4);
-    image.Put(entry + (section ? (b64 ? 24 : 16) : word), word, 0x100);
-    image.Put(entry + (b64 ? 32 : section ? 20 : 16), word, 20 + 40);
-    image.Put(entry + (b64 ? 48 : section ? 32 : 28), word, 4);
+    constexpr std::size_t header = 64, size = 56, entry = header + size;
+    Image image;
+    image.Text(0, "\177ELF\2\1");
+    image.Put(32, 8, header);
+    image.Put(54, 2, size);
+    image.Put(56, 2, 2); // the first entry is of no interest
+    image.Put(entry, 4, 4);
+    image.Put(entry + 8, 8, 0x100);
+    image.Put(entry + 32, 8, 20 + 40);
+    image.Put(entry + 48, 8, 4);
 
     image.Put(0x100, 4, 4); // a note of another owner: name, content, type
     image.Put(0x104, 4, 2);
