@@ -1,10 +1,10 @@
-#include "platform/window/x11/X11Desktop.h"
-
 #include "platform/gdi/Rect.h"
 #include "platform/module/Door.h"
 #include "platform/screen/Screen.h"
 #include "platform/sync/AlternateStack.h"
+#include "platform/sync/Mutex.h"
 #include "platform/window/Chores.h"
+#include "platform/window/Desktop.h"
 #include "platform/window/Window.h"
 #include "platform/window/WindowTable.h"
 #include "platform/window/x11/Events.h"
@@ -14,10 +14,12 @@
 #include <csignal>
 #include <future>
 #include <initializer_list>
+#include <memory>
 #include <optional>
 #include <pthread.h>
 #include <string>
 #include <system_error>
+#include <thread>
 
 namespace kx::window {
 
@@ -86,6 +88,201 @@ std::shared_ptr<x11::Session> OpenSession(const char* pszDisplay, std::chrono::m
     return session.wait_for(limit) == std::future_status::ready ? session.get() : nullptr;
 }
 
+// The screen of an X server. What is asked of it goes through one connection, and a thread of its own makes
+// messages and chores of what the server tells. When the server is lost its windows end by chores, and every
+// operation from then on is harmless.
+//
+// Windows of other processes can be found, but there is no channel for messages to them: what is posted or
+// sent to one fails.
+class X11Desktop : public Desktop
+{
+public:
+    // Throws where no thread can be had.
+    explicit X11Desktop(std::shared_ptr<x11::Session> session)
+        : m_process(g_forks), m_session(std::move(session)), m_events(StartEvents(m_session))
+    {
+    }
+    X11Desktop(const X11Desktop&) = delete;
+    X11Desktop& operator=(const X11Desktop&) = delete;
+    ~X11Desktop() override { X11Desktop::Leave(); }
+
+    SIZE Size() const noexcept override
+    {
+        const auto session = Session();
+        return session ? session->connection->GetView().reach : SIZE{};
+    }
+    SIZE Monitor() const noexcept override
+    {
+        const auto session = Session();
+        return session ? session->connection->GetView().monitor : SIZE{};
+    }
+    // The thread ends by itself once the connection does.
+    void Leave() noexcept override
+    {
+        if (m_process != g_forks) return;
+        std::shared_ptr<x11::Session> session;
+        std::thread events;
+        {
+            const sync::MutexLock lock(m_lock);
+            session.swap(m_session);
+            events.swap(m_events);
+        }
+        if (!session) return;
+        session->leaving = true;
+        session->connection->Shut();
+        events.join();
+    }
+
+    bool Create(HWND hWnd, const CREATESTRUCTA& create) override
+    {
+        const Access server(Session());
+        return server && server->own.Create(hWnd, create);
+    }
+    void Show(HWND hWnd, bool bVisible) override
+    {
+        const Access server(Session());
+        if (!server) return;
+        server->own.Show(hWnd, bVisible);
+        if (!bVisible) server->pixels.EndFade(hWnd);
+    }
+    void SetText(HWND hWnd, const char* pszText) override
+    {
+        OfWindow(hWnd, [=](const x11::Connection& c, xcb_window_t id) { x11::SetTitle(c, id, pszText); });
+    }
+    void Place(Window& window, const RECT& rect) override
+    {
+        const Access server(Session());
+        window.SetRect(rect);
+        if (!server) return;
+        server->own.Place(window.Handle(), rect);
+        server->pixels.EndFade(window.Handle());
+    }
+    void Stack(HWND hWnd, Order order) override
+    {
+        if (const Access server(Session()); server) server->own.Stack(hWnd, order);
+    }
+    void Shape(HWND hWnd, const gdi::PixelRegion* region) override
+    {
+        OfWindow(hWnd, [=](const x11::Connection& c, xcb_window_t id) { x11::SetShape(c, id, region); });
+    }
+    // Without a compositor the window is blended here, over what the screen showed before it did.
+    void SetOpacity(HWND hWnd, BYTE opacity) override
+    {
+        const auto window = WindowTable::Instance().Find(hWnd);
+        const Access server(Session());
+        if (!server || !window) return;
+        if (server->connection.HasCompositor()) {
+            server->pixels.EndFade(hWnd);
+            const xcb_window_t id = server->own.NumberOf(hWnd);
+            if (id) x11::SetOpacityOf(server->connection, id, opacity);
+        } else if (server->pixels.Fade(*window, opacity))
+            server->Put(*window, WithinItself(window->Rect()));
+    }
+    void SetOwner(HWND hWnd, HWND hOwner) override
+    {
+        if (const Access server(Session()); server) server->own.SetOwner(hWnd, hOwner);
+    }
+    void SetCursor(HWND hWnd, HCURSOR hCursor) override
+    {
+        if (const Access server(Session()); server) server->own.SetCursor(hWnd, hCursor);
+    }
+    void SetCaret(HWND hWnd, POINT place) override
+    {
+        if (const Access server(Session()); server) server->own.SetCaret(hWnd, place);
+    }
+    void SetIcon(HWND hWnd, const gdi::Surface* pixels) override
+    {
+        OfWindow(hWnd, [=](const x11::Connection& c, xcb_window_t id) { x11::SetIcon(c, id, pixels); });
+    }
+    void Focus(HWND hWnd) override
+    {
+        if (const Access server(Session()); server) server->own.Focus(hWnd);
+    }
+    bool HasFocus(HWND hWnd) const override
+    {
+        const Access server(Session());
+        return server && server->own.HasFocus(hWnd);
+    }
+    void Destroy(HWND hWnd) noexcept override
+    {
+        const Access server(Session());
+        if (!server) return;
+        server->own.Destroy(hWnd);
+        server->pixels.EndFade(hWnd);
+    }
+
+    void Present(const Window& window, const RECT& rect) override
+    try {
+        if (const Access server(Session()); server) server->Put(window, rect);
+    } catch (const std::bad_alloc&) {
+        // The window keeps its pixels: the next that is drawn, or uncovered, shows them.
+    }
+    gdi::Surface& Look(const RECT& rect, gdi::Surface& root, gdi::SharedSurface::Lock& lock) override
+        KX_REQUIRES(gdi::pixelLock)
+    {
+        const RECT area = gdi::Cut(rect, {0, 0, root.Width(), root.Height()});
+        lock.unlock();
+        auto part = Read(area);
+        lock.lock();
+        if (!m_seen || m_seen->Width() != root.Width() || m_seen->Height() != root.Height())
+            m_seen = gdi::Surface::Make(root.Width(), root.Height());
+        if (!part || !m_seen) return root;
+        for (int y = 0; y < part->Height(); ++y)
+            std::copy_n(part->Row(y), part->Width(), m_seen->Row(area.top + y) + area.left);
+        return *m_seen;
+    }
+
+    std::vector<HWND> ForeignWindows() const override
+    {
+        const Access server(Session());
+        return server ? server->foreign.List() : std::vector<HWND>();
+    }
+    std::optional<WindowFacts> FindForeign(HWND hWnd) const noexcept override
+    {
+        const Access server(Session());
+        return server ? server->foreign.Find(hWnd) : std::nullopt;
+    }
+    bool PostForeign(HWND, const KXHost::SentMessage&) override { return false; }
+    LRESULT SendForeign(HWND, const KXHost::SentMessage&) override { return 0; }
+
+private:
+    // Null once it has been left, and in a forked child, who would disturb its parent's connection.
+    std::shared_ptr<x11::Session> Session() const noexcept
+    {
+        if (m_process != g_forks) return nullptr;
+        const sync::MutexLock lock(m_lock);
+        return m_session;
+    }
+    // Calls `tell(connection, id)` if the server has such a window.
+    template <class Tell>
+    void OfWindow(HWND hWnd, Tell tell)
+    {
+        const Access server(Session());
+        const xcb_window_t id = server ? server->own.NumberOf(hWnd) : 0;
+        if (id) tell(server->connection, id);
+    }
+    // Reads a rectangle as it is seen; gives nothing where it can't. A guest's root shows nothing of what a
+    // person sees: it counts as plain.
+    std::optional<gdi::Surface> Read(const RECT& rect) const
+    {
+        const Access server(Session());
+        auto seen =
+            server ? gdi::Surface::Make(rect.right - rect.left, rect.bottom - rect.top) : std::nullopt;
+        if (!seen) return std::nullopt;
+        if (!server->connection.IsGuest())
+            return server->pixels.Get(rect, *seen) ? std::move(seen) : std::nullopt;
+        for (int y = 0; y < seen->Height(); ++y)
+            std::fill_n(seen->Row(y), seen->Width(), kPlain);
+        return seen;
+    }
+
+    const int m_process; // counted by forks
+    mutable sync::Mutex m_lock;
+    std::shared_ptr<x11::Session> m_session KX_GUARDED_BY(m_lock);
+    std::thread m_events KX_GUARDED_BY(m_lock);
+    std::optional<gdi::Surface> m_seen KX_GUARDED_BY(gdi::pixelLock);
+};
+
 std::unique_ptr<Desktop> OpenDesktop(const char* pszDisplay, std::chrono::milliseconds limit)
 try {
     auto session = OpenSession(pszDisplay, limit);
@@ -97,195 +294,6 @@ try {
 constexpr Functions kFunctions{OpenDesktop};
 
 } // namespace
-
-X11Desktop::X11Desktop(std::shared_ptr<x11::Session> session)
-    : m_process(g_forks), m_session(std::move(session)), m_events(StartEvents(m_session))
-{
-}
-
-X11Desktop::~X11Desktop()
-{
-    X11Desktop::Leave();
-}
-
-// The thread ends by itself once the connection does.
-void X11Desktop::Leave() noexcept
-{
-    if (m_process != g_forks) return;
-    std::shared_ptr<x11::Session> session;
-    std::thread events;
-    {
-        const sync::MutexLock lock(m_lock);
-        session.swap(m_session);
-        events.swap(m_events);
-    }
-    if (!session) return;
-    session->leaving = true;
-    session->connection->Shut();
-    events.join();
-}
-
-std::shared_ptr<x11::Session> X11Desktop::Session() const noexcept
-{
-    if (m_process != g_forks) return nullptr;
-    const sync::MutexLock lock(m_lock);
-    return m_session;
-}
-
-SIZE X11Desktop::Size() const noexcept
-{
-    const auto session = Session();
-    return session ? session->connection->GetView().reach : SIZE{};
-}
-
-SIZE X11Desktop::Monitor() const noexcept
-{
-    const auto session = Session();
-    return session ? session->connection->GetView().monitor : SIZE{};
-}
-
-bool X11Desktop::Create(HWND hWnd, const CREATESTRUCTA& create)
-{
-    const Access server(Session());
-    return server && server->own.Create(hWnd, create);
-}
-
-void X11Desktop::Show(HWND hWnd, bool bVisible)
-{
-    const Access server(Session());
-    if (!server) return;
-    server->own.Show(hWnd, bVisible);
-    if (!bVisible) server->pixels.EndFade(hWnd);
-}
-
-void X11Desktop::SetText(HWND hWnd, const char* pszText)
-{
-    const Access server(Session());
-    const xcb_window_t id = server ? server->own.NumberOf(hWnd) : 0;
-    if (id) x11::SetTitle(server->connection, id, pszText);
-}
-
-void X11Desktop::Place(Window& window, const RECT& rect)
-{
-    const Access server(Session());
-    window.SetRect(rect);
-    if (!server) return;
-    server->own.Place(window.Handle(), rect);
-    server->pixels.EndFade(window.Handle());
-}
-
-void X11Desktop::Stack(HWND hWnd, Order order)
-{
-    if (const Access server(Session()); server) server->own.Stack(hWnd, order);
-}
-
-void X11Desktop::Shape(HWND hWnd, const gdi::PixelRegion* region)
-{
-    const Access server(Session());
-    const xcb_window_t id = server ? server->own.NumberOf(hWnd) : 0;
-    if (id) x11::SetShape(server->connection, id, region);
-}
-
-// Without a compositor the window is blended here, over what the screen showed before it did.
-void X11Desktop::SetOpacity(HWND hWnd, BYTE opacity)
-{
-    const auto window = WindowTable::Instance().Find(hWnd);
-    const Access server(Session());
-    if (!server || !window) return;
-    if (server->connection.HasCompositor()) {
-        server->pixels.EndFade(hWnd);
-        const xcb_window_t id = server->own.NumberOf(hWnd);
-        if (id) x11::SetOpacityOf(server->connection, id, opacity);
-    } else if (server->pixels.Fade(*window, opacity))
-        server->Put(*window, WithinItself(window->Rect()));
-}
-
-void X11Desktop::SetOwner(HWND hWnd, HWND hOwner)
-{
-    if (const Access server(Session()); server) server->own.SetOwner(hWnd, hOwner);
-}
-
-void X11Desktop::SetCursor(HWND hWnd, HCURSOR hCursor)
-{
-    if (const Access server(Session()); server) server->own.SetCursor(hWnd, hCursor);
-}
-
-void X11Desktop::SetCaret(HWND hWnd, POINT place)
-{
-    if (const Access server(Session()); server) server->own.SetCaret(hWnd, place);
-}
-
-void X11Desktop::SetIcon(HWND hWnd, const gdi::Surface* pixels)
-{
-    const Access server(Session());
-    const xcb_window_t id = server ? server->own.NumberOf(hWnd) : 0;
-    if (id) x11::SetIcon(server->connection, id, pixels);
-}
-
-void X11Desktop::Focus(HWND hWnd)
-{
-    if (const Access server(Session()); server) server->own.Focus(hWnd);
-}
-
-bool X11Desktop::HasFocus(HWND hWnd) const
-{
-    const Access server(Session());
-    return server && server->own.HasFocus(hWnd);
-}
-
-void X11Desktop::Destroy(HWND hWnd) noexcept
-{
-    const Access server(Session());
-    if (!server) return;
-    server->own.Destroy(hWnd);
-    server->pixels.EndFade(hWnd);
-}
-
-void X11Desktop::Present(const Window& window, const RECT& rect)
-try {
-    if (const Access server(Session()); server) server->Put(window, rect);
-} catch (const std::bad_alloc&) {
-    // The window keeps its pixels: the next that is drawn, or uncovered, shows them.
-}
-
-// A guest's root shows nothing of what a person sees: it counts as plain.
-std::optional<gdi::Surface> X11Desktop::Read(const RECT& rect) const
-{
-    const Access server(Session());
-    auto seen = server ? gdi::Surface::Make(rect.right - rect.left, rect.bottom - rect.top) : std::nullopt;
-    if (!seen) return std::nullopt;
-    if (!server->connection.IsGuest())
-        return server->pixels.Get(rect, *seen) ? std::move(seen) : std::nullopt;
-    for (int y = 0; y < seen->Height(); ++y)
-        std::fill_n(seen->Row(y), seen->Width(), kPlain);
-    return seen;
-}
-
-gdi::Surface& X11Desktop::Look(const RECT& rect, gdi::Surface& root, gdi::SharedSurface::Lock& lock)
-{
-    const RECT area = gdi::Cut(rect, {0, 0, root.Width(), root.Height()});
-    lock.unlock();
-    auto part = Read(area);
-    lock.lock();
-    if (!m_seen || m_seen->Width() != root.Width() || m_seen->Height() != root.Height())
-        m_seen = gdi::Surface::Make(root.Width(), root.Height());
-    if (!part || !m_seen) return root;
-    for (int y = 0; y < part->Height(); ++y)
-        std::copy_n(part->Row(y), part->Width(), m_seen->Row(area.top + y) + area.left);
-    return *m_seen;
-}
-
-std::vector<HWND> X11Desktop::ForeignWindows() const
-{
-    const Access server(Session());
-    return server ? server->foreign.List() : std::vector<HWND>();
-}
-
-std::optional<WindowFacts> X11Desktop::FindForeign(HWND hWnd) const noexcept
-{
-    const Access server(Session());
-    return server ? server->foreign.Find(hWnd) : std::nullopt;
-}
 
 } // namespace kx::window
 
