@@ -1,17 +1,19 @@
 #include "include/platform/Crash.h"
 #include "platform/crash/Filtering.h"
 #include "platform/crash/Process.h"
-#include "platform/crash/SignalHandlers.h"
 #include "platform/crash/SystemPath.h"
 #include "platform/crash/ZoneTable.h"
 #include "platform/sync/AlternateStack.h"
 #include "platform/sync/Fork.h"
 #include "platform/sync/Mutex.h"
 
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <cstdint>
+#include <sys/syscall.h>
 #include <ucontext.h>
 #include <unistd.h>
 
@@ -29,6 +31,61 @@ sync::Mutex& LockOfFork() noexcept
     return g_lock;
 }
 [[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Filter);
+
+constexpr std::array kSignals{SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS};
+
+std::array<struct sigaction, kSignals.size()> g_before;
+pid_t g_handedOn = 0; // whose signal came again last; of the thread in the filter alone
+
+struct sigaction Default() noexcept
+{
+    struct sigaction action
+    {
+    };
+    action.sa_handler = SIG_DFL;
+    return action;
+}
+
+struct sigaction Before(int nSignal) noexcept
+{
+    for (std::size_t n = 0; n < kSignals.size(); ++n)
+        if (kSignals[n] == nSignal) return g_before[n];
+    return Default();
+}
+
+bool IsDefault(const struct sigaction& action) noexcept
+{
+    return !(action.sa_flags & SA_SIGINFO) && action.sa_handler == SIG_DFL;
+}
+
+enum class Course
+{
+    End,      // the system's: the process ends
+    AsBefore, // what handled the signal before
+};
+
+// From within the handler, as its last deed: once it has returned, its signal comes again, where and as it
+// came before, and takes this course. True if that ends the process for sure. Heap-free.
+//
+// The signal waits, blocked as it is here, and the thread's own mask, which comes back with the return, lets
+// it through. So it strikes at the very instruction, with the stack and registers of the crash, and the
+// parent and the system's own dump see the true cause.
+bool ComeAgain(Course course, const siginfo_t& info, void* pUserContext) noexcept
+{
+    const int nSignal = info.si_signo;
+    struct sigaction action = course == Course::End ? Default() : Before(nSignal);
+    // The handler before ours may hand on to ours in turn: then the two would go on for ever.
+    struct sigaction now = Default();
+    sigaction(nSignal, nullptr, &now);
+    if (now.sa_sigaction == action.sa_sigaction && g_handedOn == gettid()) action = Default();
+    g_handedOn = gettid();
+    sigaction(nSignal, &action, nullptr);
+    sigdelset(&static_cast<ucontext_t*>(pUserContext)->uc_sigmask, nSignal);
+    siginfo_t copy = info;
+    if (syscall(SYS_rt_tgsigqueueinfo, getpid(), gettid(), nSignal, &copy) != 0)
+        syscall(SYS_tgkill, getpid(), gettid(), nSignal);
+    return IsDefault(action);
+}
 
 struct Place
 {
@@ -137,6 +194,35 @@ void OnCrash(int, siginfo_t* pInfo, void* pUserContext)
     errno = nErrno;
 }
 
+// Handles the signals of a crash, all of them blocked meanwhile and on the thread's alternate stack.
+void InstallHandlers() noexcept
+{
+    struct sigaction action
+    {
+    };
+    action.sa_sigaction = OnCrash;
+    action.sa_flags = SA_SIGINFO | SA_ONSTACK;
+    sigemptyset(&action.sa_mask);
+    for (const int nSignal : kSignals)
+        sigaddset(&action.sa_mask, nSignal);
+    // All that was before is known before the first of them can come.
+    for (std::size_t n = 0; n < kSignals.size(); ++n)
+        sigaction(kSignals[n], nullptr, &g_before[n]);
+    for (const int nSignal : kSignals)
+        sigaction(nSignal, &action, nullptr);
+}
+
+// They are handled as before; a handler that somebody else has set since stays.
+void RemoveHandlers() noexcept
+{
+    for (std::size_t n = 0; n < kSignals.size(); ++n) {
+        struct sigaction now;
+        if (sigaction(kSignals[n], nullptr, &now) == 0 && (now.sa_flags & SA_SIGINFO) &&
+            now.sa_sigaction == OnCrash)
+            sigaction(kSignals[n], &g_before[n], nullptr);
+    }
+}
+
 // All that needs the heap or a lock is done beforehand.
 void Prepare() noexcept
 {
@@ -162,7 +248,7 @@ LPTOP_LEVEL_EXCEPTION_FILTER SetUnhandledExceptionFilter(LPTOP_LEVEL_EXCEPTION_F
     const kx::sync::MutexLock lock(g_lock);
     if (pFilter && !g_bHandled) Prepare();
     const LPTOP_LEVEL_EXCEPTION_FILTER pBefore = g_pFilter.exchange(pFilter);
-    if (pFilter && !g_bHandled) InstallHandlers(OnCrash);
+    if (pFilter && !g_bHandled) InstallHandlers();
     if (!pFilter && g_bHandled) RemoveHandlers();
     g_bHandled = pFilter != nullptr;
     return pBefore;
