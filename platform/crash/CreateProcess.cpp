@@ -1,8 +1,8 @@
 #include "include/platform/Crash.h"
 #include "platform/Errno.h"
 #include "platform/crash/Filtering.h"
+#include "platform/crash/HeapFree.h"
 #include "platform/crash/Process.h"
-#include "platform/crash/SystemPath.h"
 
 #include <array>
 #include <csignal>

@@ -16,7 +16,4 @@ void LeaveFilter() noexcept;
 // atexit until now, and once more as the last that this library does.
 void HoldExits() noexcept;
 
-// Sets a descriptor aside with which a filter opens a file in a process that has no other left.
-void PrepareDescriptor() noexcept;
-
 } // namespace kx::crash

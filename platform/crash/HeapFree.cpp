@@ -1,11 +1,9 @@
-// The heap-free forms of common calls.
+#include "platform/crash/HeapFree.h"
 
 #include "include/platform/Crash.h"
 #include "platform/Errno.h"
 #include "platform/UniqueFd.h"
 #include "platform/crash/Filtering.h"
-#include "platform/crash/SystemPath.h"
-#include "platform/crash/ZoneTable.h"
 #include "platform/time/BrokenTime.h"
 #include "platform/time/Clock.h"
 

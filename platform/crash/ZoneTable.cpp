@@ -1,4 +1,4 @@
-#include "platform/crash/ZoneTable.h"
+#include "platform/crash/HeapFree.h"
 
 #include "platform/time/BrokenTime.h"
 
