@@ -1,4 +1,4 @@
-#include "platform/http/curl/Failure.h"
+#include "platform/http/curl/Curl.h"
 
 namespace {
 
