@@ -1,10 +1,14 @@
-#include "platform/gdi/letters/FontFiles.h"
+#include "platform/NoMemory.h"
 #include "platform/gdi/text/Letters.h"
 #include "platform/module/Door.h"
+#include "platform/sync/Mutex.h"
 
 #include <algorithm>
 #include <cstdlib>
+#include <fontconfig/fontconfig.h>
 #include <ft2build.h>
+#include <memory>
+#include <new>
 #include <utility>
 #include FT_FREETYPE_H
 #include FT_SYNTHESIS_H
@@ -14,6 +18,107 @@ namespace kx::gdi::letters {
 namespace {
 
 constexpr std::size_t kMaxSources = 16; // faces open for one font
+
+// Whether a call of FreeType failed; throws std::bad_alloc where that was for lack of memory: a face or a
+// letter that is kept must not be an empty one for that.
+bool ThrowIfNoMemory(int nError)
+{
+    if (nError == FT_Err_Out_Of_Memory) throw std::bad_alloc();
+    return nError != FT_Err_Ok;
+}
+
+// Held while a face is opened or closed, which changes the library's list of them: a face ends with its last
+// user, which may be a font that is deleted outside of the text lock. Taken after that lock where both are.
+constinit sync::Mutex g_libraryLock;
+// Made at the first use and never ended: faces may be closed while static objects are destroyed.
+FT_Library g_library KX_GUARDED_BY(g_libraryLock) = nullptr;
+
+// On any thread.
+struct CloseFace
+{
+    void operator()(FT_Face face) const noexcept
+    {
+        const sync::MutexLock lock(g_libraryLock);
+        FT_Done_Face(face);
+    }
+};
+using FacePtr = std::unique_ptr<FT_FaceRec_, CloseFace>;
+
+// Null for a file that can't be used.
+FacePtr Open(FcPattern* font)
+{
+    FcChar8* file = nullptr;
+    int index = 0;
+    FT_Face face = nullptr;
+    if (FcPatternGetString(font, FC_FILE, 0, &file) != FcResultMatch) return nullptr;
+    FcPatternGetInteger(font, FC_INDEX, 0, &index);
+    const sync::MutexLock lock(g_libraryLock);
+    if (!g_library && ThrowIfNoMemory(FT_Init_FreeType(&g_library))) return nullptr;
+    const auto* const path = reinterpret_cast<const char*>(file);
+    return FacePtr(ThrowIfNoMemory(FT_New_Face(g_library, path, index, &face)) ? nullptr : face);
+}
+
+bool Has(FcPattern* font, char32_t ch)
+{
+    FcCharSet* chars = nullptr;
+    return FcPatternGetCharSet(font, FC_CHARSET, 0, &chars) == FcResultMatch && FcCharSetHasChar(chars, ch);
+}
+
+// The system's scalable faces for a request, best match first, opened one at a time as they are needed. Not
+// locked: used under the text lock.
+class FontFiles
+{
+public:
+    explicit FontFiles(const FaceRequest& request)
+    {
+        NeedRoom();
+        m_pattern.reset(FcPatternCreate());
+        FcPattern* const pattern = m_pattern.get();
+        if (!pattern) throw std::bad_alloc();
+        if (!request.family.empty())
+            FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8*>(request.family.c_str()));
+        FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8*>("sans-serif"));
+        FcPatternAddInteger(pattern, FC_WEIGHT, FcWeightFromOpenType(request.weight));
+        FcPatternAddInteger(pattern, FC_SLANT, request.italic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
+        FcPatternAddBool(pattern, FC_SCALABLE, FcTrue);
+        FcConfigSubstitute(nullptr, pattern, FcMatchPattern);
+        FcDefaultSubstitute(pattern);
+    }
+
+    // The best match, or null where the system has no face at all.
+    FacePtr OpenBest()
+    {
+        NeedRoom();
+        FcResult result = FcResultNoMatch;
+        const std::unique_ptr<FcPattern, Destroy> font(FcFontMatch(nullptr, m_pattern.get(), &result));
+        if (result == FcResultOutOfMemory || !FcConfigGetCurrent()) throw std::bad_alloc();
+        return font ? Open(font.get()) : nullptr;
+    }
+    // The best face that has this character; null without one.
+    FacePtr OpenFor(char32_t ch)
+    {
+        NeedRoom();
+        FcResult result = FcResultNoMatch;
+        if (!m_sorted) m_sorted.reset(FcFontSort(nullptr, m_pattern.get(), FcTrue, nullptr, &result));
+        for (int n = 0; m_sorted && n < m_sorted->nfont; ++n) {
+            FcPattern* font = m_sorted->fonts[n];
+            FcBool scalable = FcFalse;
+            FcPatternGetBool(font, FC_SCALABLE, 0, &scalable);
+            if (!scalable || !Has(font, ch)) continue;
+            if (FacePtr face = Open(font)) return face;
+        }
+        return nullptr;
+    }
+
+private:
+    struct Destroy
+    {
+        void operator()(FcPattern* pattern) const noexcept { FcPatternDestroy(pattern); }
+        void operator()(FcFontSet* set) const noexcept { FcFontSetDestroy(set); }
+    };
+    std::unique_ptr<FcPattern, Destroy> m_pattern;
+    std::unique_ptr<FcFontSet, Destroy> m_sorted; // made when a character is missing in the best match
+};
 
 int Round26(FT_Pos value)
 {
