@@ -53,22 +53,10 @@ DWORD MeanAt(const Surface& image, int x, int y, SIZE size) noexcept
     return mean;
 }
 
-// One colour laid over another with an opacity, each channel rounded; what is below keeps its high byte.
-DWORD Over(DWORD above, DWORD below) noexcept
-{
-    const DWORD nOpacity = above >> 24;
-    DWORD pixel = below & ~COLOR_BITS;
-    for (const int shift : {0, 8, 16}) {
-        const DWORD sum = (above >> shift & 0xFF) * nOpacity + (below >> shift & 0xFF) * (255 - nOpacity);
-        pixel |= (sum + 127) / 255 << shift;
-    }
-    return pixel;
-}
-
 void LayRow(const DWORD* from, DWORD* to, int nCount) noexcept
 {
     for (int i = 0; i < nCount; ++i)
-        to[i] = Over(from[i], to[i]);
+        to[i] = Mixed(from[i], to[i], from[i] >> 24);
 }
 
 } // namespace

@@ -58,4 +58,16 @@ constexpr COLORREF ToColor(DWORD pixel) noexcept
 }
 inline constexpr DWORD COLOR_BITS = 0x00FFFFFF;
 
+// A colour laid over another by an opacity of at most 255, each channel to the nearest value; the high byte
+// stays that of the lower one. Red and blue go side by side.
+constexpr DWORD Mixed(DWORD above, DWORD below, DWORD opacity) noexcept
+{
+    constexpr DWORD outer = 0xFF00FF, inner = 0x00FF00;
+    const DWORD rest = 255 - opacity;
+    const DWORD redBlue = (above & outer) * opacity + (below & outer) * rest + 0x800080;
+    const DWORD green = (above >> 8 & 0xFF) * opacity + (below >> 8 & 0xFF) * rest + 0x80;
+    return (below & ~COLOR_BITS) | ((redBlue + (redBlue >> 8 & outer)) >> 8 & outer) |
+           ((green + (green >> 8)) & inner);
+}
+
 } // namespace kx::gdi

@@ -19,18 +19,11 @@ using namespace kx::gdi;
 
 namespace {
 
-// Lays a colour over pixels by its coverage of each, of 255, every channel to the nearest value. Red and blue
-// go side by side. The high byte stays.
+// Lays a colour over pixels by its coverage of each.
 void MixRow(DWORD* __restrict out, const std::uint8_t* __restrict coverage, int nPixels, DWORD color) noexcept
 {
-    constexpr DWORD outer = 0xFF00FF, inner = 0x00FF00;
-    for (int n = 0; n < nPixels; ++n) {
-        const DWORD above = coverage[n], below = 255 - above, pixel = out[n];
-        const DWORD redBlue = (color & outer) * above + (pixel & outer) * below + 0x800080;
-        const DWORD green = (color >> 8 & 0xFF) * above + (pixel >> 8 & 0xFF) * below + 0x80;
-        out[n] = (pixel & 0xFF000000) | ((redBlue + (redBlue >> 8 & outer)) >> 8 & outer) |
-                 ((green + (green >> 8)) & inner);
-    }
+    for (int n = 0; n < nPixels; ++n)
+        out[n] = Mixed(color, out[n], coverage[n]);
 }
 
 // Draws lines on a context with its font and colours. Used under the text lock.

@@ -64,17 +64,6 @@ void CopyIn(const std::uint32_t* from, const RECT& rect, int nScale, gdi::Surfac
             to.Row(y - at.y)[x - at.x] = from[(x - rect.left) * nScale] & gdi::COLOR_BITS;
 }
 
-std::uint32_t Blend(std::uint32_t over, std::uint32_t under, std::uint32_t opacity) noexcept
-{
-    std::uint32_t mixed = 0;
-    for (const int nShift : {0, 8, 16}) {
-        const std::uint32_t a = over >> nShift & 0xFF;
-        const std::uint32_t b = under >> nShift & 0xFF;
-        mixed |= (a * opacity + b * (255 - opacity) + 127) / 255 << nShift;
-    }
-    return mixed;
-}
-
 RECT CutToSeen(const Window& window, const RECT& rect)
 {
     const sync::MutexLock lock(gdi::pixelLock);
@@ -142,7 +131,7 @@ bool PixelPort::CopyOut(const Window& window, const RECT& rect, int nScale, std:
         for (int x = rect.left; x < rect.right; ++x, at += nScale) {
             const bool bBlends = faded && x < faded->below.Width() && y < faded->below.Height();
             const std::uint32_t color =
-                bBlends ? Blend(from[x], faded->below.Row(y)[x], faded->opacity) : from[x];
+                bBlends ? gdi::Mixed(from[x], faded->below.Row(y)[x], faded->opacity) : from[x];
             std::fill_n(at, nScale, color | ~gdi::COLOR_BITS);
         }
         for (int n = 1; n < nScale; ++n)
