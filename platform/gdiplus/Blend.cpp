@@ -1,4 +1,4 @@
-#include "platform/gdiplus/Blend.h"
+#include "platform/gdiplus/Graphics.h"
 
 #include "platform/gdiplus/Quad.h"
 
@@ -13,7 +13,7 @@ constexpr DWORD Channel(DWORD pixel, int nShift) noexcept
     return pixel >> nShift & 0xFF;
 }
 
-// By255 for two pixels.
+// n / 255 rounded to the nearest, for n from 0 to 255 * 255.
 [[gnu::always_inline]] inline Words By255(const Words& n) noexcept
 {
     const Words more = n + 128;
@@ -70,7 +70,7 @@ DWORD StraightOver(DWORD from, DWORD to) noexcept
     const DWORD below = (to >> 24) * (255 - (from >> 24));
     const DWORD all = above + below;
     if (all == 0) return to;
-    DWORD pixel = gdiplus::By255(all) << 24;
+    DWORD pixel = (all + 127) / 255 << 24;
     for (const int nShift : {0, 8, 16}) {
         const DWORD sum = Channel(from, nShift) * above + Channel(to, nShift) * below;
         pixel |= (sum + all / 2) / all << nShift;

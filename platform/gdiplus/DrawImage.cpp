@@ -1,4 +1,3 @@
-#include "platform/gdiplus/Blend.h"
 #include "platform/gdiplus/Calls.h"
 #include "platform/gdiplus/Graphics.h"
 #include "platform/gdiplus/Scale.h"

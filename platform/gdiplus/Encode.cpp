@@ -1,6 +1,5 @@
 #include "platform/gdiplus/Encode.h"
 
-#include "platform/gdiplus/Blend.h"
 #include "platform/module/Door.h"
 
 #include <algorithm>
@@ -95,7 +94,8 @@ const DWORD* RowsOverBlack::Row(int y) noexcept
     const DWORD* const row = m_view.Row(y);
     if (m_row.empty() || IsOpaque(row, m_view.width)) return row;
     DWORD* const out = m_row.data();
-    std::transform(row, row + m_view.width, out, ToMultiplied);
+    std::transform(row, row + m_view.width, out,
+                   [](DWORD pixel) { return gdi::Mixed(pixel, 0, pixel >> 24); });
     return out;
 }
 

@@ -1,6 +1,5 @@
 #include "platform/gdi/PixelRegion.h"
 #include "platform/gdi/Rect.h"
-#include "platform/gdiplus/Blend.h"
 #include "platform/gdiplus/Brush.h"
 #include "platform/gdiplus/Calls.h"
 #include "platform/gdiplus/Graphics.h"

@@ -27,6 +27,10 @@ inline RECT BoundsOf(std::span<const RECT> clip) noexcept
     return bounds;
 }
 
+// Lays a run of pixels over another by its alpha. The high byte of an opaque target becomes 0, as fills leave
+// it on a surface. The two don't overlap.
+void Blend(const DWORD* from, Alpha fromAlpha, DWORD* to, Alpha toAlpha, int n) noexcept;
+
 } // namespace kx::gdiplus
 
 namespace Gdiplus {

@@ -40,17 +40,31 @@ public:
     explicit GpImage(const kx::gdiplus::PixelView& callers) noexcept : m_callers(callers) {}
     GpImage(const GpImage&) = delete;
     GpImage& operator=(const GpImage&) = delete;
-    virtual ~GpImage();
+    virtual ~GpImage() = default;
 
     // The current frame. It ends with the next call that changes the picture's frame or size.
     kx::gdiplus::PixelView Pixels() noexcept { return m_picture ? m_picture->View() : m_callers; }
-    PixelFormat Format() const noexcept;
+    PixelFormat Format() const noexcept
+    {
+        if (m_picture) return m_picture->format;
+        return m_callers.alpha == kx::gdiplus::Alpha::Opaque ? PixelFormat32bppRGB : PixelFormat32bppARGB;
+    }
     GUID Dimension() const noexcept { return m_picture ? m_picture->dimension : FrameDimensionPage; }
     // Null for a picture of one frame.
-    const kx::gdiplus::Frames* Frames() const noexcept;
-    Status SelectFrame(unsigned nFrame);
+    const kx::gdiplus::Frames* Frames() const noexcept
+    {
+        return m_picture ? m_picture->frames.get() : nullptr;
+    }
+    Status SelectFrame(unsigned nFrame)
+    {
+        if (!Frames()) return Ok;
+        return m_picture->frames->Select(nFrame, m_picture->surface, m_picture->alpha);
+    }
     // Pixels of its own in place of all that it had; the format stays.
-    void Replace(kx::gdi::Surface surface);
+    void Replace(kx::gdi::Surface surface)
+    {
+        m_picture = kx::gdiplus::Picture{std::move(surface), Pixels().alpha, Format(), nullptr, Dimension()};
+    }
 
 private:
     std::optional<kx::gdiplus::Picture> m_picture; // nothing over the caller's pixels
