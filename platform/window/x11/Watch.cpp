@@ -26,16 +26,14 @@ Watch::Use::Use(Watch& watch) noexcept : m_watch(watch)
 {
     const sync::MutexLock lock(watch.m_lock);
     m_since = Clock::now();
-    m_older = std::exchange(watch.m_newest, this);
-    (m_older ? m_older->m_newer : watch.m_oldest) = this;
+    watch.m_uses.Append(*this);
     if (std::exchange(watch.m_sleeps, false)) watch.m_changed.notify_one();
 }
 
 Watch::Use::~Use()
 {
     const sync::MutexLock lock(m_watch.m_lock);
-    (m_older ? m_older->m_newer : m_watch.m_oldest) = m_newer;
-    (m_newer ? m_newer->m_older : m_watch.m_newest) = m_older;
+    m_watch.m_uses.Remove(*this);
 }
 
 // It looks at the oldest use, once in a limit at most, and awaits it to the end of its own limit.
@@ -45,19 +43,20 @@ void Watch::Run()
     sync::MutexLock lock(m_lock);
     Clock::time_point least{}; // no end of a wait lies before it
     while (!m_ends) {
-        if (!m_oldest) {
+        if (m_uses.IsEmpty()) {
             m_sleeps = true;
             m_changed.wait(lock, [&]() KX_NO_LOCK_ANALYSIS { return m_ends || !m_sleeps; });
             continue;
         }
-        const Use* const awaited = m_oldest;
+        const Use* const awaited = m_uses.First();
         const auto since = awaited->m_since;
         const auto due = std::max(since + m_limit, least);
         if (m_changed.wait_until(lock, due, [&]() KX_NO_LOCK_ANALYSIS { return m_ends; })) return;
         // A program that was stopped itself gives the server another limit.
         const auto now = Clock::now();
         least = now - due > m_limit / 2 + std::chrono::seconds(1) ? now + m_limit : Clock::time_point{};
-        if (m_oldest == awaited && awaited->m_since == since && least <= now) return m_connection.Shut();
+        if (m_uses.First() == awaited && awaited->m_since == since && least <= now)
+            return m_connection.Shut();
     }
 }
 

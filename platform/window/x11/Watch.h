@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/sync/IntrusiveList.h"
 #include "platform/sync/Mutex.h"
 #include "platform/window/x11/Connection.h"
 
@@ -22,7 +23,7 @@ public:
     ~Watch();
 
     // A scope in which the connection is used.
-    class Use
+    class Use : private sync::ListLink<Use>
     {
     public:
         explicit Use(Watch& watch) noexcept;
@@ -32,10 +33,9 @@ public:
 
     private:
         friend Watch;
+        friend sync::IntrusiveList<Use>;
         Watch& m_watch;
         Clock::time_point m_since{};
-        Use* m_older = nullptr; // the next older use that goes on
-        Use* m_newer = nullptr;
     };
 
 private:
@@ -45,8 +45,7 @@ private:
     const std::chrono::milliseconds m_limit;
     sync::Mutex m_lock;
     std::condition_variable_any m_changed;
-    Use* m_oldest KX_GUARDED_BY(m_lock) = nullptr;
-    Use* m_newest KX_GUARDED_BY(m_lock) = nullptr;
+    sync::IntrusiveList<Use> m_uses KX_GUARDED_BY(m_lock); // that go on, the oldest first
     bool m_sleeps KX_GUARDED_BY(m_lock) = false;
     bool m_ends KX_GUARDED_BY(m_lock) = false;
     std::thread m_thread;
