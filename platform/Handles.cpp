@@ -109,11 +109,8 @@ Table& TheTable() noexcept
     return table.Get();
 }
 
-sync::Mutex& LockOfFork() noexcept
-{
-    return TheTable().Lock();
-}
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Handles);
+[[maybe_unused]] const bool g_atFork =
+    sync::LockAtFork(sync::ForkOrder::Handles, []() -> sync::Mutex& { return TheTable().Lock(); });
 
 struct Reserved
 {

@@ -25,11 +25,8 @@ constinit sync::Mutex g_lock;                            // one thread at a time
 constinit bool g_bHandled KX_GUARDED_BY(g_lock) = false; // our handlers are in place
 
 // A fork's child may end its parent's crash dumper.
-sync::Mutex& LockOfFork() noexcept
-{
-    return g_lock;
-}
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Filter);
+[[maybe_unused]] const bool g_atFork =
+    sync::LockAtFork(sync::ForkOrder::Filter, []() -> sync::Mutex& { return g_lock; });
 
 constexpr std::array kSignals{SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS};
 

@@ -84,11 +84,8 @@ Registry& TheRegistry()
     return registry.Get();
 }
 
-sync::Mutex& LockOfFork() noexcept
-{
-    return TheRegistry().lock;
-}
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Debug);
+[[maybe_unused]] const bool g_atFork =
+    sync::LockAtFork(sync::ForkOrder::Debug, []() -> sync::Mutex& { return TheRegistry().lock; });
 
 // The observers whose calls are running on this thread, innermost first.
 struct Call

@@ -33,11 +33,8 @@ Chosen& TheChosen()
     return chosen.Get();
 }
 
-sync::Mutex& LockOfFork() noexcept
-{
-    return TheChosen().lock;
-}
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::CurrentDirectory);
+[[maybe_unused]] const bool g_atFork =
+    sync::LockAtFork(sync::ForkOrder::CurrentDirectory, []() -> sync::Mutex& { return TheChosen().lock; });
 
 bool IsHere(const std::string& path)
 {

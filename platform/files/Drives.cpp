@@ -202,11 +202,8 @@ Drives& TheDrives()
     return drives.Get();
 }
 
-sync::Mutex& LockOfFork() noexcept
-{
-    return TheDrives().Lock();
-}
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Drives);
+[[maybe_unused]] const bool g_atFork =
+    sync::LockAtFork(sync::ForkOrder::Drives, []() -> sync::Mutex& { return TheDrives().Lock(); });
 
 } // namespace
 

@@ -183,11 +183,8 @@ LargeDirectories& TheLarge()
     return large.Get();
 }
 
-sync::Mutex& LockOfFork() noexcept
-{
-    return TheLarge().Lock();
-}
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Names);
+[[maybe_unused]] const bool g_atFork =
+    sync::LockAtFork(sync::ForkOrder::Names, []() -> sync::Mutex& { return TheLarge().Lock(); });
 
 bool EqualsFolded(std::string_view entry, std::string_view folded)
 {

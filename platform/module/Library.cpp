@@ -37,11 +37,8 @@ Override& TheOverride()
     return instance.Get();
 }
 
-kx::sync::Mutex& LockOfFork() noexcept
-{
-    return TheOverride().lock;
-}
-[[maybe_unused]] const bool g_atFork = kx::sync::LockAtFork<LockOfFork>(kx::sync::ForkOrder::Executable);
+[[maybe_unused]] const bool g_atFork = kx::sync::LockAtFork(
+    kx::sync::ForkOrder::Executable, []() -> kx::sync::Mutex& { return TheOverride().lock; });
 
 bool IsThisExecutable(const std::string& path)
 {

@@ -37,11 +37,8 @@ IniCache& Cache()
     return cache.Get();
 }
 
-sync::Mutex& LockOfFork() noexcept
-{
-    return Cache().Lock();
-}
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Profile);
+[[maybe_unused]] const bool g_atFork =
+    sync::LockAtFork(sync::ForkOrder::Profile, []() -> sync::Mutex& { return Cache().Lock(); });
 
 IniPtr IniOf(CachedIniPtr file)
 {

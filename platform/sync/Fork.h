@@ -39,14 +39,14 @@ struct ForkStep
 // there is no room for another.
 bool AtFork(const ForkStep& step) noexcept;
 
-// A step for a lock, which a function gives.
-template <auto pfnLock>
-bool LockAtFork(ForkOrder order) noexcept
+// A step for a lock, which a lambda without captures gives.
+template <class LockOf>
+bool LockAtFork(ForkOrder order, LockOf) noexcept
 {
     struct Step
     {
-        static void Take() noexcept KX_NO_LOCK_ANALYSIS { pfnLock().lock(); }
-        static void Give(bool) noexcept KX_NO_LOCK_ANALYSIS { pfnLock().unlock(); }
+        static void Take() noexcept KX_NO_LOCK_ANALYSIS { LockOf()().lock(); }
+        static void Give(bool) noexcept KX_NO_LOCK_ANALYSIS { LockOf()().unlock(); }
     };
     return AtFork({order, Step::Take, Step::Give});
 }

@@ -18,11 +18,8 @@ namespace {
 
 // The C library has a lock of its own in these, which a fork's child may find taken for ever.
 constinit sync::Mutex g_lock;
-sync::Mutex& LockOfFork() noexcept
-{
-    return g_lock;
-}
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Text);
+[[maybe_unused]] const bool g_atFork =
+    sync::LockAtFork(sync::ForkOrder::Text, []() -> sync::Mutex& { return g_lock; });
 
 const char* UnicodeForm(Iconv::Direction direction)
 {

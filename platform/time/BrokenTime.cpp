@@ -16,11 +16,8 @@ namespace {
 
 // The C library has a lock of its own in localtime_r, which a fork's child may find taken for ever.
 constinit sync::Mutex g_lock;
-sync::Mutex& LockOfFork() noexcept
-{
-    return g_lock;
-}
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Zone);
+[[maybe_unused]] const bool g_atFork =
+    sync::LockAtFork(sync::ForkOrder::Zone, []() -> sync::Mutex& { return g_lock; });
 
 locale_t PlainLocale()
 {

@@ -35,11 +35,8 @@ constinit std::atomic<bool> g_bVirtual{false};
 constinit std::atomic<std::int64_t> g_ahead{0};
 constinit sync::Mutex g_lock; // also guards changes of the two above
 constinit VirtualState g_virtual KX_GUARDED_BY(g_lock);
-sync::Mutex& LockOfFork() noexcept
-{
-    return g_lock;
-}
-[[maybe_unused]] const bool g_atFork = sync::LockAtFork<LockOfFork>(sync::ForkOrder::Clock);
+[[maybe_unused]] const bool g_atFork =
+    sync::LockAtFork(sync::ForkOrder::Clock, []() -> sync::Mutex& { return g_lock; });
 
 nanoseconds SystemNow() noexcept
 {
