@@ -103,14 +103,8 @@ private:
     std::uint32_t m_free KX_GUARDED_BY(m_lock) = kNone; // the head of a list through nextFree
 };
 
-Table& TheTable() noexcept
-{
-    static Immortal<Table> table;
-    return table.Get();
-}
-
 [[maybe_unused]] const bool g_atFork =
-    sync::LockAtFork(sync::ForkOrder::Handles, []() -> sync::Mutex& { return TheTable().Lock(); });
+    sync::LockAtFork(sync::ForkOrder::Handles, []() -> sync::Mutex& { return The<Table>().Lock(); });
 
 struct Reserved
 {
@@ -119,16 +113,12 @@ struct Reserved
     std::atomic<bool> bOpen{false};
 };
 
-std::array<Reserved, kReservedHandles>& TheReserve() noexcept
-{
-    static Immortal<std::array<Reserved, kReservedHandles>> reserve;
-    return reserve.Get();
-}
+using Reserve = std::array<Reserved, kReservedHandles>;
 
 Reserved* FindReserved(HandleKind kind, Name name) noexcept
 {
     if (name.index >= kReservedHandles) return nullptr;
-    Reserved& reserved = TheReserve()[name.index];
+    Reserved& reserved = The<Reserve>()[name.index];
     return reserved.bOpen.load(std::memory_order_acquire) && reserved.kind == kind ? &reserved : nullptr;
 }
 
@@ -148,7 +138,7 @@ namespace handles {
 
 HANDLE Add(HandleKind kind, std::shared_ptr<void> object, bool bCounted) noexcept
 try {
-    return object ? TheTable().Add(kind, std::move(object), bCounted) : nullptr;
+    return object ? The<Table>().Add(kind, std::move(object), bCounted) : nullptr;
 } catch (const std::bad_alloc&) {
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return nullptr;
@@ -157,7 +147,7 @@ try {
 std::shared_ptr<void> Find(HandleKind kind, const void* handle) noexcept
 {
     const Name name(handle);
-    if (name.generation != kReservedGeneration) return TheTable().Find(kind, name);
+    if (name.generation != kReservedGeneration) return The<Table>().Find(kind, name);
     const Reserved* const reserved = FindReserved(kind, name);
     return reserved ? reserved->object : nullptr;
 }
@@ -165,14 +155,14 @@ std::shared_ptr<void> Find(HandleKind kind, const void* handle) noexcept
 std::shared_ptr<void> Remove(HandleKind kind, const void* handle) noexcept
 {
     const Name name(handle);
-    if (name.generation != kReservedGeneration) return TheTable().Remove(kind, name);
+    if (name.generation != kReservedGeneration) return The<Table>().Remove(kind, name);
     Reserved* const reserved = FindReserved(kind, name);
     return reserved && reserved->bOpen.exchange(false) ? reserved->object : nullptr;
 }
 
 void Reserve(std::size_t nPlace, HandleKind kind, std::shared_ptr<void> object) noexcept
 {
-    Reserved& reserved = TheReserve()[nPlace];
+    Reserved& reserved = The<Reserve>()[nPlace];
     reserved.object = std::move(object);
     reserved.kind = kind;
 }
@@ -181,7 +171,7 @@ void Reserve(std::size_t nPlace, HandleKind kind, std::shared_ptr<void> object) 
 
 HANDLE OpenReservedHandle(std::size_t nPlace) noexcept
 {
-    TheReserve()[nPlace].bOpen.store(true, std::memory_order_release);
+    The<Reserve>()[nPlace].bOpen.store(true, std::memory_order_release);
     return Name(static_cast<std::uint32_t>(nPlace), kReservedGeneration).Handle();
 }
 

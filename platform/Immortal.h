@@ -26,4 +26,12 @@ private:
     alignas(T) unsigned char m_storage[sizeof(T)];
 };
 
+// The one such object of a class, built at the first use.
+template <class T>
+T& The()
+{
+    static Immortal<T> object;
+    return object.Get();
+}
+
 } // namespace kx

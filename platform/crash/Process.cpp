@@ -27,12 +27,6 @@ struct Reserve
     std::size_t next = 0; // the thread in the filter's own
 };
 
-Reserve& TheReserve() noexcept
-{
-    static Immortal<Reserve> reserve;
-    return reserve.Get();
-}
-
 // Children whose handle was closed before they ended.
 struct Orphans
 {
@@ -40,15 +34,9 @@ struct Orphans
     std::vector<pid_t> pids KX_GUARDED_BY(lock);
 };
 
-Orphans& TheOrphans()
-{
-    static Immortal<Orphans> orphans;
-    return orphans.Get();
-}
-
 void AddOrphan(pid_t pid) noexcept
 {
-    Orphans& orphans = TheOrphans();
+    Orphans& orphans = The<Orphans>();
     const sync::MutexLock lock(orphans.lock);
     try {
         orphans.pids.push_back(pid);
@@ -116,7 +104,7 @@ bool Process::WaitUntil(time::Moment deadline) noexcept
 
 void PrepareProcesses() noexcept
 {
-    auto& processes = TheReserve().processes;
+    auto& processes = The<Reserve>().processes;
     for (std::size_t place = 0; place < processes.size(); ++place) {
         if (processes[place]) continue;
         try {
@@ -129,14 +117,14 @@ void PrepareProcesses() noexcept
 
 void CollectOrphans() noexcept
 {
-    Orphans& orphans = TheOrphans();
+    Orphans& orphans = The<Orphans>();
     const sync::MutexLock lock(orphans.lock);
     std::erase_if(orphans.pids, [](pid_t pid) { return waitpid(pid, nullptr, WNOHANG) != 0; });
 }
 
 NewProcess MakeProcess() noexcept
 {
-    Reserve& reserve = TheReserve();
+    Reserve& reserve = The<Reserve>();
     if (InFilter()) {
         const std::size_t place = reserve.next;
         if (place == reserve.processes.size() || !reserve.processes[place]) return {};

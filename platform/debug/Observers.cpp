@@ -78,14 +78,8 @@ struct Registry
     }
 };
 
-Registry& TheRegistry()
-{
-    static Immortal<Registry> registry;
-    return registry.Get();
-}
-
 [[maybe_unused]] const bool g_atFork =
-    sync::LockAtFork(sync::ForkOrder::Debug, []() -> sync::Mutex& { return TheRegistry().lock; });
+    sync::LockAtFork(sync::ForkOrder::Debug, []() -> sync::Mutex& { return The<Registry>().lock; });
 
 // The observers whose calls are running on this thread, innermost first.
 struct Call
@@ -113,7 +107,7 @@ void TellObservers(std::string_view text, Kind kind)
 {
     const std::atomic<bool>& bAny = kind == Kind::Diagnostic ? g_bAnyDiagnostics : g_bAny;
     if (!bAny.load(std::memory_order_acquire)) return;
-    Registry& registry = TheRegistry();
+    Registry& registry = The<Registry>();
     std::shared_ptr<const List> list;
     {
         const sync::MutexLock lock(registry.lock);
@@ -134,7 +128,7 @@ void TellObservers(std::string_view text, Kind kind)
 int KXHost::AddDebugObserver(DebugObserver observer, bool bDiagnostics)
 {
     using namespace kx::debug;
-    Registry& registry = TheRegistry();
+    Registry& registry = The<Registry>();
     const kx::sync::MutexLock lock(registry.lock);
     const int nId = registry.nLastId == INT32_MAX ? 1 : registry.nLastId + 1;
     auto list = std::make_shared<List>(*registry.list);
@@ -147,7 +141,7 @@ int KXHost::AddDebugObserver(DebugObserver observer, bool bDiagnostics)
 void KXHost::RemoveDebugObserver(int nObserver)
 {
     using namespace kx::debug;
-    Registry& registry = TheRegistry();
+    Registry& registry = The<Registry>();
     std::shared_ptr<Observer> removed;
     {
         const kx::sync::MutexLock lock(registry.lock);

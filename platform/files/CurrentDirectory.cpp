@@ -27,14 +27,8 @@ struct Chosen
     std::string path KX_GUARDED_BY(lock);
 };
 
-Chosen& TheChosen()
-{
-    static Immortal<Chosen> chosen;
-    return chosen.Get();
-}
-
 [[maybe_unused]] const bool g_atFork =
-    sync::LockAtFork(sync::ForkOrder::CurrentDirectory, []() -> sync::Mutex& { return TheChosen().lock; });
+    sync::LockAtFork(sync::ForkOrder::CurrentDirectory, []() -> sync::Mutex& { return The<Chosen>().lock; });
 
 bool IsHere(const std::string& path)
 {
@@ -50,7 +44,7 @@ std::string CurrentDirectory()
 {
     std::string chosen;
     {
-        Chosen& last = TheChosen();
+        Chosen& last = The<Chosen>();
         const sync::MutexLock lock(last.lock);
         chosen = last.path;
     }
@@ -62,7 +56,7 @@ std::string CurrentDirectory()
 bool ChangeDirectory(const std::string& systemPath)
 {
     std::string path = systemPath; // before the change, after which nothing may fail
-    Chosen& last = TheChosen();
+    Chosen& last = The<Chosen>();
     const sync::MutexLock lock(last.lock);
     if (chdir(path.c_str()) != 0) return false;
     last.path = std::move(path);

@@ -196,37 +196,31 @@ private:
     std::vector<std::string> m_disks KX_GUARDED_BY(m_lock);
 };
 
-Drives& TheDrives()
-{
-    static Immortal<Drives> drives;
-    return drives.Get();
-}
-
 [[maybe_unused]] const bool g_atFork =
-    sync::LockAtFork(sync::ForkOrder::Drives, []() -> sync::Mutex& { return TheDrives().Lock(); });
+    sync::LockAtFork(sync::ForkOrder::Drives, []() -> sync::Mutex& { return The<Drives>().Lock(); });
 
 } // namespace
 
 std::optional<Drive> FindDrive(char letter, bool bLook)
 {
     const std::size_t index = LetterIndex(letter);
-    return index == kLetters ? std::nullopt : TheDrives().Find(index, bLook);
+    return index == kLetters ? std::nullopt : The<Drives>().Find(index, bLook);
 }
 
 std::optional<Drive> DriveHolding(std::string_view systemPath)
 {
-    return TheDrives().Holding(systemPath);
+    return The<Drives>().Holding(systemPath);
 }
 
 std::optional<std::size_t> PeekRoot(char letter, std::span<char> buffer) noexcept
 {
     const std::size_t index = LetterIndex(letter);
-    return index == kLetters ? std::nullopt : TheDrives().Peek(index, buffer);
+    return index == kLetters ? std::nullopt : The<Drives>().Peek(index, buffer);
 }
 
 std::string SystemRoot()
 {
-    return TheDrives().Root();
+    return The<Drives>().Root();
 }
 
 unsigned DriveGeneration() noexcept
@@ -252,7 +246,7 @@ try {
         while (mounted.root->ends_with('/'))
             mounted.root->pop_back();
     }
-    kx::files::TheDrives().Set(index, std::move(mounted));
+    kx::The<kx::files::Drives>().Set(index, std::move(mounted));
     return true;
 } catch (const std::bad_alloc&) {
     AfxThrowMemoryException();
@@ -261,12 +255,12 @@ try {
 void KXHost::UnmountDrive(char cLetter)
 {
     const std::size_t index = kx::files::LetterIndex(cLetter);
-    if (index != kx::files::kLetters) kx::files::TheDrives().Set(index, std::nullopt);
+    if (index != kx::files::kLetters) kx::The<kx::files::Drives>().Set(index, std::nullopt);
 }
 
 void KXHost::SetSystemRoot(const std::string& strDir)
 try {
-    kx::files::TheDrives().SetRoot(strDir);
+    kx::The<kx::files::Drives>().SetRoot(strDir);
 } catch (const std::bad_alloc&) {
     AfxThrowMemoryException();
 }

@@ -177,14 +177,8 @@ private:
     std::list<std::unique_ptr<LargeDirectory>> m_known KX_GUARDED_BY(m_lock); // the last used first
 };
 
-LargeDirectories& TheLarge()
-{
-    static Immortal<LargeDirectories> large;
-    return large.Get();
-}
-
 [[maybe_unused]] const bool g_atFork =
-    sync::LockAtFork(sync::ForkOrder::Names, []() -> sync::Mutex& { return TheLarge().Lock(); });
+    sync::LockAtFork(sync::ForkOrder::Names, []() -> sync::Mutex& { return The<LargeDirectories>().Lock(); });
 
 bool EqualsFolded(std::string_view entry, std::string_view folded)
 {
@@ -197,7 +191,7 @@ bool EqualsFolded(std::string_view entry, std::string_view folded)
 // file doesn't count.
 std::optional<std::string> FindEntry(const std::string& directory, std::string_view folded, bool bDirectory)
 {
-    if (!TheLarge().MayHold(directory, folded)) return std::nullopt;
+    if (!The<LargeDirectories>().MayHold(directory, folded)) return std::nullopt;
     Directory entries(directory.c_str());
     std::optional<std::string> found;
     std::size_t count = 0;
@@ -205,7 +199,7 @@ std::optional<std::string> FindEntry(const std::string& directory, std::string_v
         if (!EqualsFolded(entry->name, folded) || (found && *found <= entry->name)) continue;
         if (!bDirectory || entries.IsDirectory(*entry)) found = entry->name;
     }
-    if (!found && count >= kLarge) TheLarge().Remember(LargeDirectory::Open(directory));
+    if (!found && count >= kLarge) The<LargeDirectories>().Remember(LargeDirectory::Open(directory));
     return found;
 }
 

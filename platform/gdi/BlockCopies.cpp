@@ -23,15 +23,9 @@ struct Observer
     std::shared_ptr<const KXHost::CopyObserver> call KX_GUARDED_BY(lock);
 };
 
-Observer& TheObserver()
-{
-    static Immortal<Observer> observer;
-    return observer.Get();
-}
-
 std::shared_ptr<const KXHost::CopyObserver> Current()
 {
-    Observer& observer = TheObserver();
+    Observer& observer = kx::The<Observer>();
     const kx::sync::MutexLock lock(observer.lock);
     return observer.call;
 }
@@ -131,7 +125,7 @@ int TransparentBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, i
 void KXHost::SetCopyObserver(CopyObserver observer)
 {
     auto call = observer ? std::make_shared<const CopyObserver>(std::move(observer)) : nullptr;
-    Observer& current = TheObserver();
+    Observer& current = kx::The<Observer>();
     const kx::sync::MutexLock lock(current.lock);
     g_bObserved.store(call != nullptr, std::memory_order_release);
     current.call.swap(call);

@@ -31,14 +31,8 @@ struct Override
     std::string path KX_GUARDED_BY(lock);
 };
 
-Override& TheOverride()
-{
-    static kx::Immortal<Override> instance;
-    return instance.Get();
-}
-
 [[maybe_unused]] const bool g_atFork = kx::sync::LockAtFork(
-    kx::sync::ForkOrder::Executable, []() -> kx::sync::Mutex& { return TheOverride().lock; });
+    kx::sync::ForkOrder::Executable, []() -> kx::sync::Mutex& { return kx::The<Override>().lock; });
 
 bool IsThisExecutable(const std::string& path)
 {
@@ -80,7 +74,7 @@ std::string RealPath()
 std::string ExecutablePath()
 {
     {
-        Override& override = TheOverride();
+        Override& override = kx::The<Override>();
         const kx::sync::MutexLock lock(override.lock);
         if (!override.path.empty()) return override.path;
     }
@@ -106,7 +100,7 @@ void AfxSetResourceHandle(HINSTANCE hInstance) noexcept
 
 void KXHost::SetExecutablePath(const std::string& strPath)
 try {
-    Override& override = TheOverride();
+    Override& override = kx::The<Override>();
     const kx::sync::MutexLock lock(override.lock);
     override.path = strPath;
 } catch (const std::bad_alloc&) {

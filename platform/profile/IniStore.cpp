@@ -31,14 +31,8 @@ struct KeptIni
 
 namespace {
 
-IniCache& Cache()
-{
-    static Immortal<IniCache> cache;
-    return cache.Get();
-}
-
 [[maybe_unused]] const bool g_atFork =
-    sync::LockAtFork(sync::ForkOrder::Profile, []() -> sync::Mutex& { return Cache().Lock(); });
+    sync::LockAtFork(sync::ForkOrder::Profile, []() -> sync::Mutex& { return The<IniCache>().Lock(); });
 
 IniPtr IniOf(CachedIniPtr file)
 {
@@ -56,13 +50,14 @@ IniPtr Load(std::string_view name, const std::string& path, unsigned generation)
     }
     auto loaded = std::make_shared<const CachedIni>(path, FileStamp(file.status), now, std::move(file.bytes),
                                                     generation);
-    Cache().Put(name, loaded);
+    The<IniCache>().Put(name, loaded);
     return IniOf(std::move(loaded));
 }
 
 IniPtr ReadAt(const std::string& path, unsigned generation)
 {
-    if (auto file = Cache().Find(path); file && file->IsCurrent(generation)) return IniOf(std::move(file));
+    if (auto file = The<IniCache>().Find(path); file && file->IsCurrent(generation))
+        return IniOf(std::move(file));
     return Load(path, path, generation);
 }
 
@@ -77,7 +72,7 @@ bool HasDrive(std::string_view path) noexcept
 IniPtr ReadNow(std::string_view spelled, const char* pszFile, unsigned generation)
 {
     if (HasDrive(spelled))
-        if (auto file = Cache().Find(spelled); file && file->IsCurrent(generation))
+        if (auto file = The<IniCache>().Find(spelled); file && file->IsCurrent(generation))
             return IniOf(std::move(file));
 
     const auto resolved = files::Resolve(pszFile);

@@ -36,12 +36,6 @@ struct HostPath
     std::string path KX_GUARDED_BY(lock);
 };
 
-HostPath& TheHostPath()
-{
-    static kx::Immortal<HostPath> path;
-    return path.Get();
-}
-
 std::string HomeDirectory()
 {
     if (const char* home = std::getenv("HOME"); home && home[0] == '/') return home;
@@ -63,7 +57,7 @@ std::string ConfigDirectory()
 // The Linux path of the file with the per-user values; empty where the user has no home.
 std::string FilePath()
 {
-    HostPath& host = TheHostPath();
+    HostPath& host = kx::The<HostPath>();
     {
         const kx::sync::MutexLock lock(host.lock);
         if (!host.path.empty()) return host.path;
@@ -228,7 +222,7 @@ void KXHost::SetRegistryFile(const std::string& strPath)
 try {
     std::error_code error;
     std::string path = strPath.empty() ? strPath : std::filesystem::absolute(strPath, error).string();
-    kx::registry::HostPath& host = kx::registry::TheHostPath();
+    auto& host = kx::The<kx::registry::HostPath>();
     const kx::sync::MutexLock lock(host.lock);
     host.path = std::move(path);
 } catch (const std::bad_alloc&) {

@@ -8,8 +8,7 @@ namespace kx::screen {
 
 Screen& Screen::Instance()
 {
-    static Immortal<Screen> screen;
-    return screen.Get();
+    return The<Screen>();
 }
 
 const std::shared_ptr<Backing>& Screen::Root(SIZE size, Backing::Look look)

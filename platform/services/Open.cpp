@@ -21,16 +21,10 @@ struct Current
     std::shared_ptr<KXHost::ServiceManager> manager KX_GUARDED_BY(lock); // null: the machine's
 };
 
-Current& TheCurrent()
-{
-    static kx::Immortal<Current> current;
-    return current.Get();
-}
-
 std::shared_ptr<KXHost::ServiceManager> CurrentManager()
 {
     {
-        Current& current = TheCurrent();
+        Current& current = kx::The<Current>();
         const kx::sync::MutexLock lock(current.lock);
         if (current.manager) return current.manager;
     }
@@ -58,7 +52,7 @@ std::shared_ptr<KXHost::ServiceManager> KXHost::MakeSystemdManager(const Systemd
 
 void KXHost::SetServiceManager(std::shared_ptr<ServiceManager> manager)
 {
-    Current& current = TheCurrent();
+    Current& current = kx::The<Current>();
     const kx::sync::MutexLock lock(current.lock);
     current.manager.swap(manager); // the old one ends behind the lock
 }

@@ -74,17 +74,11 @@ private:
     std::unordered_map<std::string_view, int> m_indices KX_GUARDED_BY(m_lock);
 };
 
-IconTable& TheTable()
-{
-    static kx::Immortal<IconTable> table;
-    return table.Get();
-}
-
 // The index in the system image lists of the icon with these names, which is added if it is new. Index 0 is
 // the icon of a file of which nothing is known.
 int IconIndex(const std::string& names)
 {
-    return names.empty() ? 0 : TheTable().Find(names);
+    return names.empty() ? 0 : kx::The<IconTable>().Find(names);
 }
 
 const _IMAGELIST* SystemImageList(bool bSmall) noexcept
@@ -229,7 +223,7 @@ try {
 
 int ImageList_GetImageCount(const _IMAGELIST* pList)
 try {
-    return pList ? TheTable().Count() : 0;
+    return pList ? kx::The<IconTable>().Count() : 0;
 } catch (...) {
     return kx::NoMemory();
 }
@@ -243,7 +237,7 @@ int ImageList_GetIconSize(const _IMAGELIST* pList, int* pnWidth, int* pnHeight)
 
 const char* ImageList_GetIconName(const _IMAGELIST* pList, int nIndex)
 try {
-    return pList ? TheTable().NameAt(nIndex) : "";
+    return pList ? kx::The<IconTable>().NameAt(nIndex) : "";
 } catch (...) {
     kx::NoMemory();
     return "";

@@ -30,8 +30,7 @@ CString KeyOf(const char* pszName)
 
 ClassTable& ClassTable::Instance()
 {
-    static Immortal<ClassTable> table;
-    return table.Get();
+    return The<ClassTable>();
 }
 
 std::size_t ClassTable::IndexOfKey(const CString& key) const

@@ -47,11 +47,6 @@ void TellNoDisplay() noexcept
 // The desktops of displays that are, or were, the process's.
 struct Kept
 {
-    static Kept& Instance()
-    {
-        static Immortal<Kept> kept;
-        return kept.Get();
-    }
     sync::Mutex lock;
     std::vector<std::unique_ptr<Desktop>> desktops KX_GUARDED_BY(lock);
 };
@@ -61,8 +56,8 @@ struct LeaveAtUnload
 {
     ~LeaveAtUnload()
     {
-        const sync::MutexLock lock(Kept::Instance().lock);
-        for (const auto& desktop : Kept::Instance().desktops)
+        const sync::MutexLock lock(The<Kept>().lock);
+        for (const auto& desktop : The<Kept>().desktops)
             desktop->Leave();
     }
 } g_leaveAtUnload;
@@ -77,8 +72,8 @@ std::unique_ptr<Desktop> Desktop::Open(const char* pszDisplay, std::chrono::mill
 
 Desktop& Desktop::Keep(std::unique_ptr<Desktop> desktop)
 {
-    const sync::MutexLock lock(Kept::Instance().lock);
-    return *Kept::Instance().desktops.emplace_back(std::move(desktop));
+    const sync::MutexLock lock(The<Kept>().lock);
+    return *The<Kept>().desktops.emplace_back(std::move(desktop));
 }
 
 Desktop& Desktop::Instance()

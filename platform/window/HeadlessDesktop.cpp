@@ -115,8 +115,7 @@ gdi::Surface& Compose(std::span<const HWND> handles, const RECT& rect, gdi::Surf
 
 HeadlessDesktop& HeadlessDesktop::Instance()
 {
-    static Immortal<HeadlessDesktop> desktop;
-    return desktop.Get();
+    return The<HeadlessDesktop>();
 }
 
 SIZE HeadlessDesktop::Size() const noexcept

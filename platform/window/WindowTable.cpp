@@ -14,8 +14,7 @@ std::uintptr_t NewAge() noexcept
 
 WindowTable& WindowTable::Instance()
 {
-    static Immortal<WindowTable> table;
-    return table.Get();
+    return The<WindowTable>();
 }
 
 HWND WindowTable::Add(const std::shared_ptr<Window>& window)
