@@ -113,12 +113,12 @@ struct Reserved
     std::atomic<bool> bOpen{false};
 };
 
-using Reserve = std::array<Reserved, kReservedHandles>;
+using ReservedHandles = std::array<Reserved, kReservedHandles>;
 
 Reserved* FindReserved(HandleKind kind, Name name) noexcept
 {
     if (name.index >= kReservedHandles) return nullptr;
-    Reserved& reserved = The<Reserve>()[name.index];
+    Reserved& reserved = The<ReservedHandles>()[name.index];
     return reserved.bOpen.load(std::memory_order_acquire) && reserved.kind == kind ? &reserved : nullptr;
 }
 
@@ -162,7 +162,7 @@ std::shared_ptr<void> Remove(HandleKind kind, const void* handle) noexcept
 
 void Reserve(std::size_t nPlace, HandleKind kind, std::shared_ptr<void> object) noexcept
 {
-    Reserved& reserved = The<Reserve>()[nPlace];
+    Reserved& reserved = The<ReservedHandles>()[nPlace];
     reserved.object = std::move(object);
     reserved.kind = kind;
 }
@@ -171,7 +171,7 @@ void Reserve(std::size_t nPlace, HandleKind kind, std::shared_ptr<void> object) 
 
 HANDLE OpenReservedHandle(std::size_t nPlace) noexcept
 {
-    The<Reserve>()[nPlace].bOpen.store(true, std::memory_order_release);
+    The<ReservedHandles>()[nPlace].bOpen.store(true, std::memory_order_release);
     return Name(static_cast<std::uint32_t>(nPlace), kReservedGeneration).Handle();
 }
 
