@@ -6,8 +6,7 @@
 
 namespace {
 
-// A bitmap is bounded by its bytes, has as many colours as its depth can name, and an index for each pixel or
-// none.
+// A bitmap is bounded by its bytes, and has as many colours as its depth can name.
 void Check(const kx::gdi::Bitmap* bitmap, std::size_t size)
 {
     if (!bitmap) return;
@@ -15,11 +14,8 @@ void Check(const kx::gdi::Bitmap* bitmap, std::size_t size)
     const auto nPixels =
         static_cast<std::size_t>(surface.Width()) * static_cast<std::size_t>(surface.Height());
     const std::size_t nColors = bitmap->depth <= 8 ? std::size_t{1} << bitmap->depth : 0;
-    if (nPixels > std::max(std::size_t{1} << 20, 256 * size) || bitmap->palette.colors.size() > nColors)
+    if (nPixels > std::max(std::size_t{1} << 20, 256 * size) || bitmap->palette.size() > nColors)
         std::abort();
-    const auto& indices = bitmap->palette.indices;
-    if (!indices.empty() && indices.size() != nPixels) std::abort();
-    if (std::ranges::any_of(indices, [&](BYTE index) { return index >= nColors; })) std::abort();
 }
 
 } // namespace

@@ -128,7 +128,7 @@ void TellObservers(std::string_view text, Kind kind)
 int KXHost::AddDebugObserver(DebugObserver observer, bool bDiagnostics)
 {
     using namespace kx::debug;
-    Registry& registry = The<Registry>();
+    Registry& registry = kx::The<Registry>();
     const kx::sync::MutexLock lock(registry.lock);
     const int nId = registry.nLastId == INT32_MAX ? 1 : registry.nLastId + 1;
     auto list = std::make_shared<List>(*registry.list);
@@ -141,7 +141,7 @@ int KXHost::AddDebugObserver(DebugObserver observer, bool bDiagnostics)
 void KXHost::RemoveDebugObserver(int nObserver)
 {
     using namespace kx::debug;
-    Registry& registry = The<Registry>();
+    Registry& registry = kx::The<Registry>();
     std::shared_ptr<Observer> removed;
     {
         const kx::sync::MutexLock lock(registry.lock);

@@ -8,16 +8,6 @@
 
 namespace kx::gdi {
 
-// A bitmap of 8 bits and less has one besides its pixels. GetDIBits gives a pixel's own index back for as
-// long as the pixel has that entry's colour.
-struct Palette
-{
-    std::vector<RGBQUAD> colors; // as many as the file declared, at most 2 to the depth
-    // The indices as they were loaded, a row of the bitmap's width after the other from the top; empty where
-    // no colour stands in the palette twice, so that a colour tells its index.
-    std::vector<BYTE> indices;
-};
-
 // A bitmap: 32-bit pixels whatever its declared depth, which stays with it for GetObjectA and GetDIBits, as
 // does its palette.
 class Bitmap final : public Object
@@ -25,7 +15,7 @@ class Bitmap final : public Object
 public:
     static constexpr Kind KIND = Kind::Bitmap;
 
-    Bitmap(Surface pixels, WORD nDepth, Palette colors = {}, bool bFromFile = false)
+    Bitmap(Surface pixels, WORD nDepth, std::vector<RGBQUAD> colors = {}, bool bFromFile = false)
         : Object(KIND),
           depth(nDepth),
           palette(std::move(colors)),
@@ -40,7 +30,8 @@ public:
     int Height() const noexcept { return surface.Height(); }
 
     const WORD depth;
-    const Palette palette;
+    // Of a bitmap of 8 bits and less: as many colours as the file declared, at most 2 to the depth.
+    const std::vector<RGBQUAD> palette;
     const bool fromFile; // rows count as padded to 32 bits, not 16
     Surface surface;
 };

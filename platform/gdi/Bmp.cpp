@@ -9,37 +9,13 @@ namespace {
 
 constexpr std::size_t kFileHeader = 14;
 
-bool HasTwice(BmpColors colors, std::size_t nCount)
-{
-    const auto end = colors.begin() + static_cast<std::ptrdiff_t>(nCount);
-    std::sort(colors.begin(), end);
-    return std::adjacent_find(colors.begin(), end) != end;
-}
-
-// Takes the indices out of the high bytes of pixels.
-std::vector<BYTE> TakeIndices(Surface& surface)
-{
-    std::vector<BYTE> indices;
-    indices.reserve(static_cast<std::size_t>(surface.Width()) * static_cast<std::size_t>(surface.Height()));
-    for (int y = 0; y < surface.Height(); ++y)
-        for (DWORD* pixel = surface.Row(y); pixel < surface.Row(y) + surface.Width(); ++pixel) {
-            indices.push_back(static_cast<BYTE>(*pixel >> 24));
-            *pixel &= COLOR_BITS;
-        }
-    return indices;
-}
-
 std::shared_ptr<Bitmap> Decode(const BmpHeader& header, FileBytes dib, std::size_t nPixelsAt)
 {
-    Palette palette{ReadPalette(header, dib, nPixelsAt), {}};
-    BmpColors colors = ToColors(palette.colors);
-    const bool bMarked = HasTwice(colors, palette.colors.size());
-    for (DWORD i = 0; bMarked && i < colors.size(); ++i)
-        colors[i] |= i << 24;
+    auto palette = ReadPalette(header, dib, nPixelsAt);
+    const BmpColors colors = ToColors(palette);
     const FileBytes bytes = From(dib, nPixelsAt);
     auto surface = header.IsCompressed() ? ReadRle(header, bytes, colors) : ReadRows(header, bytes, colors);
     if (!surface) return nullptr;
-    if (bMarked) palette.indices = TakeIndices(*surface);
     const WORD nDepth = header.nDepth == 2 ? 4 : header.nDepth; // two bits are no depth of the platform
     return std::make_shared<Bitmap>(std::move(*surface), nDepth, std::move(palette), true);
 }

@@ -22,8 +22,7 @@ int Distance(DWORD a, DWORD b) noexcept
     return SquareOf(a, b, 16) + SquareOf(a, b, 8) + SquareOf(a, b, 0);
 }
 
-// Finds a palette's entries for pixels: the one that is proposed if it has that colour, else the first of
-// that colour, else the nearest.
+// Finds a palette's entries for pixels: the first of the colour, else the nearest.
 class PaletteIndex
 {
 public:
@@ -34,10 +33,9 @@ public:
                        m_colors.begin(), ToPixel);
     }
 
-    BYTE Find(DWORD pixel, BYTE nProposed) noexcept
+    BYTE Find(DWORD pixel) noexcept
     {
         const DWORD color = pixel & COLOR_BITS;
-        if (nProposed < m_nColors && m_colors[nProposed] == color) return nProposed;
         Found& found = m_found[color * 2654435761u >> 22];
         if (found.color != color) found = {color, Search(color)};
         return found.index;
@@ -104,7 +102,7 @@ class RowWriter
 public:
     RowWriter(const Bitmap& bitmap, WORD nDepth) noexcept : m_bitmap(bitmap), m_nDepth(nDepth)
     {
-        if (nDepth <= 8) m_indices.emplace(bitmap.palette.colors);
+        if (nDepth <= 8) m_indices.emplace(bitmap.palette);
     }
 
     std::size_t Bytes() const noexcept { return RowBytes(m_bitmap.Width(), m_nDepth, 32); }
@@ -122,22 +120,18 @@ public:
         case 32:
             return Write32(in, out, m_bitmap.depth == 32 ? 0xFFFFFFFF : COLOR_BITS);
         default:
-            return WriteIndices(y, in, out);
+            return WriteIndices(in, out);
         }
     }
 
 private:
-    void WriteIndices(int y, std::span<const DWORD> in, BYTE* out) noexcept
+    void WriteIndices(std::span<const DWORD> in, BYTE* out) noexcept
     {
-        const std::vector<BYTE>& loaded = m_bitmap.palette.indices;
-        const BYTE* const own =
-            loaded.empty() ? nullptr : loaded.data() + static_cast<std::size_t>(y) * in.size();
         const std::size_t nPerByte = 8u / m_nDepth;
         for (std::size_t x = 0; x < in.size(); x += nPerByte) {
             unsigned nByte = 0;
             for (std::size_t at = x; at < x + nPerByte; ++at)
-                nByte = nByte << m_nDepth |
-                        (at < in.size() ? m_indices->Find(in[at], own ? own[at] : BYTE{0}) : 0u);
+                nByte = nByte << m_nDepth | (at < in.size() ? m_indices->Find(in[at]) : 0u);
             *out++ = static_cast<BYTE>(nByte);
         }
     }
@@ -151,7 +145,7 @@ private:
 // which the depth can count.
 bool HasDepth(const Bitmap& bitmap, int nDepth) noexcept
 {
-    const std::size_t nColors = bitmap.palette.colors.size();
+    const std::size_t nColors = bitmap.palette.size();
     switch (nDepth) {
     case 1:
     case 4:
@@ -192,9 +186,9 @@ bool Fits(const BITMAPINFOHEADER& header, const Bitmap& bitmap) noexcept
 void CopyColors(const Bitmap& bitmap, BITMAPINFO& info) noexcept
 {
     const std::size_t nRoom = info.bmiHeader.biBitCount <= 8 ? info.bmiHeader.biClrUsed : 0;
-    const std::size_t nColors = std::min(nRoom, bitmap.palette.colors.size());
+    const std::size_t nColors = std::min(nRoom, bitmap.palette.size());
     RGBQUAD* const colors = info.bmiColors;
-    std::copy_n(bitmap.palette.colors.begin(), nColors, colors);
+    std::copy_n(bitmap.palette.begin(), nColors, colors);
     info.bmiHeader.biClrUsed = static_cast<DWORD>(nColors);
 }
 
