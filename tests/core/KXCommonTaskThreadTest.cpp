@@ -202,6 +202,7 @@ TEST_F(Tasks, ThreadSaysWhenItBeginsAndEnds)
 {
     const test::DebugText debug;
     EXPECT_EQ(Worker::ProcessTaskThread(nullptr), 0u);
+    EXPECT_EQ(worker->ProcessTaskThread(), 0u); // there is nothing to wait for yet
     worker->UnInitialize();
     worker->Initialize();
     EXPECT_EQ(debug.Text(), "");

@@ -68,7 +68,7 @@ TEST_F(GifRender, FramesGoRoundWithTheirDelays)
 
 TEST_F(GifRender, PlayingMovesOneFrameWhenTheDelayHasPassed)
 {
-    Load(gif, Frames("RGB", {10, 10, 10}));
+    Load(gif, Frames("RGBC", {10, 10, 10, 10}));
     gif.Play();
     gif.m_dwLastTime = 0xFFFFFFF0;
     const auto at = [&](unsigned long dwNow) { return gif.Playing(dwNow) == 1 ? Shown(gif) : '0'; };
