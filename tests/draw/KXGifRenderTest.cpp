@@ -121,10 +121,8 @@ TEST_F(GifRender, OneFrameIsDrawnNotPlayed)
 
 TEST_F(GifRender, PagesWithoutDelaysPlayAtATenthOfASecond)
 {
-    const auto page = [](char pixel) {
-        return test::TiffPage{.width = 1, .height = 1, .samples = 1, .photometric = 1, .pixels = {pixel}};
-    };
-    ASSERT_EQ(Load(gif, test::Tiff({page('\0'), page('\xFF')})), 1);
+    ASSERT_EQ(
+        Load(gif, test::Tiff({test::GrayTiff(1, 1, std::string(1, '\0')), test::GrayTiff(1, 1, "\xFF")})), 1);
     EXPECT_EQ(gif.CanPlay(), 1);
     gif.m_nFrameDelay = 7;
     EXPECT_EQ(gif.Play(), 1);

@@ -174,6 +174,13 @@ struct TiffPage
     std::map<std::uint32_t, std::uint32_t> tags = {}; // further ones, or in place of the usual
 };
 
+// A page of gray, of eight bits each.
+inline TiffPage GrayTiff(std::uint32_t width, std::uint32_t height, const std::string& pixels,
+                         const std::map<std::uint32_t, std::uint32_t>& tags = {})
+{
+    return {.width = width, .height = height, .samples = 1, .photometric = 1, .pixels = pixels, .tags = tags};
+}
+
 // Each directory lies behind its page's pixels. A BigTIFF has wider numbers in it.
 inline std::string Tiff(const std::vector<TiffPage>& pages, bool bBigEndian = false, bool bBigTiff = false)
 {

@@ -215,44 +215,23 @@ TEST_F(CodecTest, TiffOfManyKinds)
         Row pixels;
         PixelFormat format;
     };
+    const auto alpha = [](const std::string& pixel, std::uint32_t kind) {
+        return TiffPage{.width = 1, .height = 1, .samples = 4, .pixels = pixel, .tags = {{338, kind}}};
+    };
+    TiffPage whiteIsZero = GrayTiff(2, 1, "\x40");
+    whiteIsZero.bits = 1;
+    whiteIsZero.photometric = 0;
+    const TiffPage rgb{.width = 1, .height = 2, .pixels = "\1\2\3\4\5\6"};
+    const TiffPage deep{.width = 1, .height = 1, .bits = 16, .pixels = "\x10\x10\x20\x20\x30\x30"};
     const Case cases[] = {
-        {"white is 0",
-         {.width = 2, .height = 1, .bits = 1, .samples = 1, .photometric = 0, .pixels = "\x40"},
-         {0xFFFFFFFF, 0xFF000000},
-         PixelFormat1bppIndexed},
-        {"grey",
-         {.width = 2, .height = 1, .samples = 1, .photometric = 1, .pixels = "\x12\x34"},
-         {0xFF121212, 0xFF343434},
-         PixelFormat8bppIndexed},
-        {"RGB",
-         {.width = 1, .height = 2, .pixels = "\1\2\3\4\5\6"},
-         {0xFF010203, 0xFF040506},
-         PixelFormat24bppRGB},
-        {"alpha",
-         {.width = 1, .height = 1, .samples = 4, .pixels = "\xC8\0\0\x80"s, .tags = {{338, 2}}},
-         {0x80C70000},
-         PixelFormat32bppARGB},
-        {"multiplied",
-         {.width = 1, .height = 1, .samples = 4, .pixels = "\x40\0\0\x80"s, .tags = {{338, 1}}},
-         {0x80800000},
-         PixelFormat32bppARGB},
-        {"16 bits",
-         {.width = 1, .height = 1, .bits = 16, .pixels = "\x10\x10\x20\x20\x30\x30"},
-         {0xFF102030},
-         PixelFormat24bppRGB},
-        {"from the bottom",
-         {.width = 1, .height = 2, .samples = 1, .photometric = 1, .pixels = "\1\2", .tags = {{274, 4}}},
-         {0xFF020202, 0xFF010101},
-         PixelFormat8bppIndexed},
-        {"packed",
-         {.width = 3,
-          .height = 1,
-          .samples = 1,
-          .photometric = 1,
-          .pixels = "\xFE\7",
-          .tags = {{259, 32773}}},
-         {0xFF070707, 0xFF070707, 0xFF070707},
-         PixelFormat8bppIndexed},
+        {"white is 0", whiteIsZero, {0xFFFFFFFF, 0xFF000000}, PixelFormat1bppIndexed},
+        {"grey", GrayTiff(2, 1, "\x12\x34"), {0xFF121212, 0xFF343434}, PixelFormat8bppIndexed},
+        {"RGB", rgb, {0xFF010203, 0xFF040506}, PixelFormat24bppRGB},
+        {"alpha", alpha("\xC8\0\0\x80"s, 2), {0x80C70000}, PixelFormat32bppARGB},
+        {"multiplied", alpha("\x40\0\0\x80"s, 1), {0x80800000}, PixelFormat32bppARGB},
+        {"16 bits", deep, {0xFF102030}, PixelFormat24bppRGB},
+        {"from the bottom", GrayTiff(1, 2, "\1\2", {{274, 4}}), Grays({2, 1}), PixelFormat8bppIndexed},
+        {"packed", GrayTiff(3, 1, "\xFE\7", {{259, 32773}}), Grays({7, 7, 7}), PixelFormat8bppIndexed},
     };
     for (const auto& [what, page, pixels, format] : cases)
         for (const auto& [bBigEndian, bBigTiff] :
@@ -265,7 +244,7 @@ TEST_F(CodecTest, TiffOfManyKinds)
     std::string pixels(37 * 3, '\0');
     for (std::size_t i = 0; i < pixels.size(); ++i)
         pixels[i] = static_cast<char>(i);
-    const Loaded wide(Tiff({{.width = 37, .height = 3, .samples = 1, .photometric = 1, .pixels = pixels}}));
+    const Loaded wide(Tiff({GrayTiff(37, 3, pixels)}));
     for (std::size_t i = 0; i < pixels.size(); ++i)
         ASSERT_EQ(wide.Pixel(static_cast<UINT>(i % 37), static_cast<UINT>(i / 37)),
                   Gray(static_cast<int>(i)));
@@ -282,16 +261,8 @@ std::vector<std::string> Samples()
         Gif(4, 4, {{{"RG.B", "WWWW"}, 0, 1, 2, 5}, {{"RG", "BY"}, 3, 3, 3, 1, true, "WRGBYC"}}),
         Tiff({{.width = 2, .height = 2, .pixels = "abcdefghijkl"},
               {.width = 9, .height = 1, .bits = 1, .samples = 1, .photometric = 0, .pixels = "\x12\x80"}}),
-        Tiff({{.width = 3,
-               .height = 1,
-               .samples = 1,
-               .photometric = 1,
-               .pixels = "\xFE\7",
-               .tags = {{259, 32773}}}},
-             true),
-        Tiff({{.width = 2, .height = 1, .samples = 1, .photometric = 1, .pixels = "ab"},
-              {.width = 1, .height = 1, .samples = 4, .pixels = "abcd"}},
-             false, true),
+        Tiff({GrayTiff(3, 1, "\xFE\7", {{259, 32773}})}, true),
+        Tiff({GrayTiff(2, 1, "ab"), {.width = 1, .height = 1, .samples = 4, .pixels = "abcd"}}, false, true),
         ToBmp({"RGB", "CMY"}, 8).File(),
         Ico({IconBmp({"G.", ".B"}, 8)})};
 }
