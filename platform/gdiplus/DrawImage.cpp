@@ -56,6 +56,11 @@ public:
     {
         const DWORD set = alpha == Alpha::Opaque ? ALPHA_BITS : 0;
         const auto [red, green, blue, opacity] = m_sums;
+        if (Gives(Alpha::Opaque) == Alpha::Opaque && red == green && red == blue) { // shades of grey
+            for (int x = 0; x < n; ++x)
+                to[x] = ((from[x] | set) & ALPHA_BITS) | red.Of(from[x] | set) * 0x010101;
+            return;
+        }
         for (int x = 0; x < n; ++x) {
             const DWORD pixel = from[x] | set;
             to[x] = opacity.Of(pixel) << 24 | red.Of(pixel) << 16 | green.Of(pixel) << 8 | blue.Of(pixel);
