@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -23,6 +24,15 @@ constexpr int kAlpha = 4;
 std::size_t BigEndian(FileBytes bytes) noexcept
 {
     return std::size_t{bytes[0]} << 24 | std::size_t{bytes[1]} << 16 | std::size_t{bytes[2]} << 8 | bytes[3];
+}
+
+// Opaque pixels of bytes red, green, blue.
+void Expand(const std::uint8_t* from, std::span<DWORD> row) noexcept
+{
+    for (DWORD& pixel : row) {
+        pixel = 0xFF000000 | DWORD{from[0]} << 16 | DWORD{from[1]} << 8 | from[2];
+        from += 3;
+    }
 }
 
 class Decoder
@@ -96,23 +106,41 @@ private:
         png_set_scale_16(m_png);
         png_set_gray_to_rgb(m_png);
         m_nPasses = png_set_interlace_handling(m_png);
-        png_set_bgr(m_png);
-        png_set_add_alpha(m_png, 0xFF, PNG_FILLER_AFTER);
+        // Plain colours are expanded faster here, but passes have to find what those before them left.
+        m_bTriplets = m_nPasses == 1 && png_get_color_type(m_png, m_info) == PNG_COLOR_TYPE_RGB &&
+                      png_get_valid(m_png, m_info, PNG_INFO_tRNS) == 0;
+        if (m_bTriplets) {
+            png_set_read_user_transform_fn(m_png, ExpandRow);
+        } else {
+            png_set_bgr(m_png);
+            png_set_add_alpha(m_png, 0xFF, PNG_FILLER_AFTER);
+        }
         png_read_update_info(m_png, m_info);
-        if (png_get_rowbytes(m_png, m_info) != png_get_image_width(m_png, m_info) * sizeof(DWORD))
+        const std::size_t nPixel = m_bTriplets ? 3 : sizeof(DWORD);
+        if (png_get_rowbytes(m_png, m_info) != png_get_image_width(m_png, m_info) * nPixel)
             png_error(m_png, "other pixels than asked for");
+    }
+
+    // Called with each row in the library's own buffer, out of which it is expanded.
+    static void ExpandRow(png_structp png, png_row_infop, png_bytep from)
+    {
+        Decoder& self = Of(png);
+        const auto nWidth = static_cast<std::size_t>(self.m_surface->Width());
+        Expand(from, {self.m_surface->Row(static_cast<int>(png_get_current_row_number(png))), nWidth});
     }
 
     void ReadPixels()
     {
         for (int pass = 0; pass < m_nPasses; ++pass)
             for (int y = 0; y < m_surface->Height(); ++y) {
-                png_read_row(m_png, reinterpret_cast<png_bytep>(m_surface->Row(y)), nullptr);
+                png_read_row(m_png, m_bTriplets ? nullptr : RowBytes(y), nullptr);
                 ++m_nRows;
             }
         m_bAllPixels = true;
         png_read_end(m_png, nullptr);
     }
+
+    png_bytep RowBytes(int y) noexcept { return reinterpret_cast<png_bytep>(m_surface->Row(y)); }
 
     FileBytes m_rest;
     bool* const m_pbCut;
@@ -120,6 +148,7 @@ private:
     png_infop m_info;
     const png_uint_32 m_nMaxSide;
     int m_nPasses = 1;
+    bool m_bTriplets = false; // rows are read as bytes red, green, blue, and by ExpandRow
     std::optional<gdi::Surface> m_surface;
     std::int64_t m_nRows = 0; // read, those of each pass
     bool m_bAllPixels = false;
