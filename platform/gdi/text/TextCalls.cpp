@@ -19,11 +19,11 @@ using namespace kx::gdi;
 
 namespace {
 
-// Lays a colour over pixels by its coverage of each.
-void MixRow(DWORD* __restrict out, const std::uint8_t* __restrict coverage, int nPixels, DWORD color) noexcept
+// Lays a colour over pixels by its coverage of each, of which most have none.
+void MixRow(DWORD* out, const std::uint8_t* coverage, int nPixels, DWORD color) noexcept
 {
     for (int n = 0; n < nPixels; ++n)
-        out[n] = Mixed(color, out[n], coverage[n]);
+        if (coverage[n] != 0) out[n] = Mixed(color, out[n], coverage[n]);
 }
 
 // Draws lines on a context with its font and colours. Used under the text lock.
