@@ -74,6 +74,9 @@ TEST_F(Tip, IsAYellowBoxInTheMiddleWithALineInBlue)
     EXPECT_NEAR((text.left + text.right) / 2, 100, 2);
     EXPECT_NEAR((text.top + text.bottom) / 2, 50, 4);
     EXPECT_THAT(text.bottom - text.top, testing::AllOf(testing::Ge(8), testing::Le(18))); // 10 points
+    box.SetWindowPos(nullptr, 0, 0, 300, 100, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    Pump();
+    EXPECT_NEAR((TextBounds().left + TextBounds().right) / 2, 150, 2); // all is drawn anew
 }
 
 // The text of the tip's box as it must be: erasing draws it, and so does painting.
