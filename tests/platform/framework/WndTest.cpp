@@ -125,7 +125,9 @@ TEST(Wnd, EndsItsWindowWithItself)
     CRect rect(1, 1, 2, 2);
     none.GetClientRect(&rect);
     EXPECT_EQ(rect, CRect());
-    EXPECT_FALSE(none.DestroyWindow() || none.ShowWindow(SW_SHOW) || none.SetTimer(1, 10, nullptr));
+    EXPECT_FALSE(none.DestroyWindow());
+    EXPECT_FALSE(none.ShowWindow(SW_SHOW));
+    EXPECT_FALSE(none.SetTimer(1, 10, nullptr));
     EXPECT_FALSE(none.CreateEx(0, "NoSuchClass", "", 0, rect, nullptr, 0));
     EXPECT_EQ(CWnd::FromHandle(nullptr), nullptr);
 }

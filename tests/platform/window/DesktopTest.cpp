@@ -77,7 +77,8 @@ TEST(Desktop, AWalkBearsWhatItsCallbackDoes)
 
 TEST(Desktop, OnlyDefaultOpensAndClosesOnce)
 {
-    EXPECT_FALSE(Open("Winlogon") || Open(nullptr));
+    EXPECT_FALSE(Open("Winlogon"));
+    EXPECT_FALSE(Open(nullptr));
     const HDESK one = Open("DEFAULT"), two = Open();
     EXPECT_TRUE(one && two && one != two && CloseDesktop(one));
     for (const HDESK stale : {one, reinterpret_cast<HDESK>(std::intptr_t{-1})}) {
@@ -112,13 +113,17 @@ TEST(Desktop, ForeignWindowsRecordWhatTheyReceive)
 
     // It is no window of this process.
     MSG msg{foreign, WM_USER, 0, 0, 0};
-    EXPECT_FALSE(DestroyWindow(foreign) || ShowWindow(foreign, SW_HIDE) || SetWindowTextA(foreign, "x"));
+    EXPECT_FALSE(DestroyWindow(foreign));
+    EXPECT_FALSE(ShowWindow(foreign, SW_HIDE));
+    EXPECT_FALSE(SetWindowTextA(foreign, "x"));
     EXPECT_FALSE(DispatchMessageA(&msg));
     EXPECT_EQ(GetMessageA(&msg, foreign, 0, 0), -1);
 
     KXHost::RemoveForeignWindow(hidden);
     KXHost::RemoveForeignWindow(foreign);
-    EXPECT_FALSE(IsWindow(foreign) || PostMessage(foreign, 1, 0, 0) || KXHost::AddForeignWindow(0, true));
+    EXPECT_FALSE(IsWindow(foreign));
+    EXPECT_FALSE(PostMessage(foreign, 1, 0, 0));
+    EXPECT_FALSE(KXHost::AddForeignWindow(0, true));
     EXPECT_TRUE(KXHost::TakeForeignMessages(foreign).empty());
 }
 

@@ -69,7 +69,9 @@ TEST(Input, ADisabledWindowHearsNothingOfIt)
     SetFocus(window.handle);
     EXPECT_FALSE(EnableWindow(window.handle, 0));
     EXPECT_EQ(window.Take(), "10;");
-    EXPECT_FALSE(IsWindowEnabled(window.handle) || GetFocus() || SetFocus(window.handle));
+    EXPECT_FALSE(IsWindowEnabled(window.handle));
+    EXPECT_FALSE(GetFocus());
+    EXPECT_FALSE(SetFocus(window.handle));
     window.Click(3, 4);
     KXHost::PostInput(window.handle, WM_KEYDOWN, 'A', 1);
     KXHost::PostInput(window.handle, WM_CHAR, 'a', 1);
@@ -82,7 +84,8 @@ TEST(Input, ADisabledWindowHearsNothingOfIt)
     EXPECT_TRUE(EnableWindow(window.handle, 1));
     EXPECT_FALSE(EnableWindow(window.handle, 1));
     EXPECT_EQ(window.Take(), "10;513 3;514 3;");
-    EXPECT_FALSE(EnableWindow(nullptr, 1) || IsWindowEnabled(nullptr));
+    EXPECT_FALSE(EnableWindow(nullptr, 1));
+    EXPECT_FALSE(IsWindowEnabled(nullptr));
 }
 
 TEST(Input, ASecondPressIsADoubleClick)
@@ -127,7 +130,8 @@ TEST(Input, ACapturedMouseGoesToOneWindow)
     SetCapture(second.handle);
     EXPECT_TRUE(ReleaseCapture());
     EXPECT_EQ(second.Take(), "533 0;");
-    EXPECT_FALSE(SetCapture(nullptr) || GetCapture());
+    EXPECT_FALSE(SetCapture(nullptr));
+    EXPECT_FALSE(GetCapture());
 }
 
 TEST(Input, LeavingIsToldOnceToWhoAsked)
@@ -147,7 +151,8 @@ TEST(Input, LeavingIsToldOnceToWhoAsked)
     EXPECT_TRUE(TrackMouseEvent(&track));
     EXPECT_EQ(leave(), "");
     track.dwFlags = 0;
-    EXPECT_FALSE(TrackMouseEvent(&track) || TrackMouseEvent(nullptr));
+    EXPECT_FALSE(TrackMouseEvent(&track));
+    EXPECT_FALSE(TrackMouseEvent(nullptr));
 }
 
 TEST(Input, KeysAndCursorsAreKnown)

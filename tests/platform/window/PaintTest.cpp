@@ -113,7 +113,9 @@ TEST(Paint, ByDefaultErasesWithTheBrushOfTheClass)
     UnregisterClassA("Brushed");
     PAINTSTRUCT paint;
     EXPECT_EQ(BeginPaint(hWnd, &paint), nullptr);
-    EXPECT_FALSE(EndPaint(hWnd, &paint) || InvalidateRect(hWnd, nullptr, 1) || UpdateWindow(hWnd));
+    EXPECT_FALSE(EndPaint(hWnd, &paint));
+    EXPECT_FALSE(InvalidateRect(hWnd, nullptr, 1));
+    EXPECT_FALSE(UpdateWindow(hWnd));
 }
 
 TEST(Paint, WindowsLieOnEachOtherInTheirOrder)
@@ -297,7 +299,8 @@ TEST(Paint, TheDesktopIsOfTheSizeThatTheHostChose)
         Painted painted('R');
         EXPECT_FALSE(KXHost::UseMemoryDesktop(3, 2)); // it has windows
     }
-    EXPECT_FALSE(KXHost::UseMemoryDesktop(0, 2) || KXHost::UseMemoryDesktop(16'385, 2));
+    EXPECT_FALSE(KXHost::UseMemoryDesktop(0, 2));
+    EXPECT_FALSE(KXHost::UseMemoryDesktop(16'385, 2));
     const HDC old = GetDC(nullptr);
     ASSERT_TRUE(KXHost::UseMemoryDesktop(3, 2));
     EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 3);

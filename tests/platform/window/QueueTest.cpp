@@ -43,7 +43,8 @@ TEST(Queue, GivesWhatIsPostedInOrder)
         EXPECT_EQ(DispatchMessageA(&msg), 6);
         EXPECT_EQ(GetMessageA(&msg, nullptr, 0, 0), 1);
         EXPECT_TRUE(!msg.hwnd && msg.message == 1 && msg.time == dwStart + 40);
-        EXPECT_FALSE(DispatchMessageA(&msg) || DispatchMessageA(nullptr));
+        EXPECT_FALSE(DispatchMessageA(&msg));
+        EXPECT_FALSE(DispatchMessageA(nullptr));
         EXPECT_THAT(TakeAll(), ElementsAre(2u));
     });
 }
@@ -95,7 +96,8 @@ TEST(Queue, HoldsTenThousand)
         const HWND hWnd = Make(), other = Make();
         for (UINT n = 0; n < 10'000; ++n)
             ASSERT_TRUE(PostMessage(hWnd, n, 0, 0));
-        EXPECT_FALSE(PostMessage(other, 1, 0, 0) || PostMessage(nullptr, 1, 0, 0));
+        EXPECT_FALSE(PostMessage(other, 1, 0, 0));
+        EXPECT_FALSE(PostMessage(nullptr, 1, 0, 0));
         EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_QUOTA);
         PostQuitMessage(0); // fits always
         MSG msg;
@@ -112,7 +114,8 @@ TEST(Queue, BelongsToAThread)
 {
     const test::WindowThread thread;
     MSG msg{thread.Window(), test::kPing, 0, 0, 0};
-    EXPECT_FALSE(DispatchMessageA(&msg) || PeekMessageA(&msg, thread.Window(), 0, 0, PM_REMOVE));
+    EXPECT_FALSE(DispatchMessageA(&msg));
+    EXPECT_FALSE(PeekMessageA(&msg, thread.Window(), 0, 0, PM_REMOVE));
     EXPECT_EQ(GetMessageA(&msg, thread.Window(), 0, 0), -1);
     EXPECT_EQ(GetMessageA(nullptr, nullptr, 0, 0), -1);
     EXPECT_FALSE(PeekMessageA(nullptr, nullptr, 0, 0, PM_REMOVE));

@@ -114,7 +114,8 @@ TEST(Send, IsReleasedWithoutAnswer)
         EXPECT_EQ(two.Join(), 0);
         released.release();
         owner.join();
-        EXPECT_FALSE(IsWindow(hWnd) || SendMessageA(hWnd, kPing, 0, 0));
+        EXPECT_FALSE(IsWindow(hWnd));
+        EXPECT_FALSE(SendMessageA(hWnd, kPing, 0, 0));
         EXPECT_NE(bHeard, bWithThread);
     }
 }
@@ -185,7 +186,8 @@ TEST(Send, WorksWhenTheThreadsQueueIsGone)
             MSG msg;
             EXPECT_EQ(SendMessageA(other.Window(), kPing, 0, 0), 1);
             EXPECT_TRUE(PostMessage(other.Window(), kPing, 0, 0));
-            EXPECT_FALSE(Make() || PostMessage(nullptr, WM_USER, 0, 0));
+            EXPECT_FALSE(Make());
+            EXPECT_FALSE(PostMessage(nullptr, WM_USER, 0, 0));
             EXPECT_EQ(GetLastError(), ERROR_INVALID_THREAD_ID);
             PostQuitMessage(0);
             EXPECT_EQ(GetMessageA(&msg, nullptr, 0, 0), -1);

@@ -127,15 +127,23 @@ TEST(Window, HandlesThatNameNoWindowAreHarmless)
         DWORD dwProcessId = 1;
         char buffer[8] = "unset";
         MSG msg{hWnd, WM_USER, 0, 0, 0};
-        EXPECT_FALSE(IsWindow(hWnd) || IsWindowVisible(hWnd) || ShowWindow(hWnd, SW_SHOW));
-        EXPECT_FALSE(DestroyWindow(hWnd) || SetWindowTextA(hWnd, "text"));
-        EXPECT_FALSE(SetWindowLongPtrA(hWnd, GWLP_USERDATA, 7) || GetWindowLongPtrA(hWnd, GWLP_USERDATA));
-        EXPECT_FALSE(GetWindowTextA(hWnd, buffer, 8) || *buffer);
-        EXPECT_FALSE(GetWindowThreadProcessId(hWnd, &dwProcessId) || dwProcessId);
-        EXPECT_FALSE(SendMessageA(hWnd, WM_USER, 1, 2) || DispatchMessageA(&msg));
+        EXPECT_FALSE(IsWindow(hWnd));
+        EXPECT_FALSE(IsWindowVisible(hWnd));
+        EXPECT_FALSE(ShowWindow(hWnd, SW_SHOW));
+        EXPECT_FALSE(DestroyWindow(hWnd));
+        EXPECT_FALSE(SetWindowTextA(hWnd, "text"));
+        EXPECT_FALSE(SetWindowLongPtrA(hWnd, GWLP_USERDATA, 7));
+        EXPECT_FALSE(GetWindowLongPtrA(hWnd, GWLP_USERDATA));
+        EXPECT_FALSE(GetWindowTextA(hWnd, buffer, 8));
+        EXPECT_FALSE(*buffer);
+        EXPECT_FALSE(GetWindowThreadProcessId(hWnd, &dwProcessId));
+        EXPECT_FALSE(dwProcessId);
+        EXPECT_FALSE(SendMessageA(hWnd, WM_USER, 1, 2));
+        EXPECT_FALSE(DispatchMessageA(&msg));
         EXPECT_FALSE(DefWindowProcA(hWnd, WM_CLOSE, 0, 0));
         if (!hWnd) continue; // means the calling thread below
-        EXPECT_FALSE(PostMessage(hWnd, WM_USER, 1, 2) || PeekMessageA(&msg, hWnd, 0, 0, PM_REMOVE));
+        EXPECT_FALSE(PostMessage(hWnd, WM_USER, 1, 2));
+        EXPECT_FALSE(PeekMessageA(&msg, hWnd, 0, 0, PM_REMOVE));
         EXPECT_EQ(GetMessageA(&msg, hWnd, 0, 0), -1);
         EXPECT_EQ(GetLastError(), ERROR_INVALID_WINDOW_HANDLE);
     }
@@ -150,7 +158,8 @@ TEST(Window, KeepsTextAndUserValue)
     EXPECT_EQ(TextOf(hWnd, 4), "ab"); // never half a letter
     EXPECT_EQ(TextOf(hWnd, 1), "");
     char untouched[] = "x";
-    EXPECT_FALSE(GetWindowTextA(hWnd, nullptr, 4) || GetWindowTextA(hWnd, untouched, 0));
+    EXPECT_FALSE(GetWindowTextA(hWnd, nullptr, 4));
+    EXPECT_FALSE(GetWindowTextA(hWnd, untouched, 0));
     EXPECT_FALSE(GetWindowTextA(hWnd, untouched, -1));
     EXPECT_STREQ(untouched, "x");
     EXPECT_TRUE(SetWindowTextA(hWnd, nullptr));
@@ -158,7 +167,8 @@ TEST(Window, KeepsTextAndUserValue)
 
     SetWindowLongPtrA(hWnd, GWLP_USERDATA, INTPTR_MIN);
     EXPECT_EQ(GetWindowLongPtrA(hWnd, GWLP_USERDATA), INTPTR_MIN);
-    EXPECT_FALSE(SetWindowLongPtrA(hWnd, -4, 1) || GetWindowLongPtrA(hWnd, -4));
+    EXPECT_FALSE(SetWindowLongPtrA(hWnd, -4, 1));
+    EXPECT_FALSE(GetWindowLongPtrA(hWnd, -4));
     EXPECT_EQ(SetWindowLongPtrA(hWnd, GWLP_USERDATA, 0), INTPTR_MIN);
     EXPECT_TRUE(DestroyWindow(hWnd));
 }
@@ -213,9 +223,14 @@ TEST(WindowClass, NamesAreTakenOnceIgnoringCase)
     EXPECT_EQ(GetLastError(), ERROR_CLASS_HAS_WINDOWS);
     EXPECT_TRUE(DestroyWindow(hWnd));
     EXPECT_TRUE(UnregisterClassA("kx\xB0\x41"));
-    EXPECT_FALSE(UnregisterClassA("kx\xB0\x41") || make(pszAtom));
-    EXPECT_FALSE(add("KXOther", nullptr) || add("") || add(nullptr) || RegisterClassA(nullptr));
-    EXPECT_FALSE(make(nullptr) || UnregisterClassA(nullptr));
+    EXPECT_FALSE(UnregisterClassA("kx\xB0\x41"));
+    EXPECT_FALSE(make(pszAtom));
+    EXPECT_FALSE(add("KXOther", nullptr));
+    EXPECT_FALSE(add(""));
+    EXPECT_FALSE(add(nullptr));
+    EXPECT_FALSE(RegisterClassA(nullptr));
+    EXPECT_FALSE(make(nullptr));
+    EXPECT_FALSE(UnregisterClassA(nullptr));
 }
 
 } // namespace

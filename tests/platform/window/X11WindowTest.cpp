@@ -95,7 +95,8 @@ TEST_F(X11WindowTest, OthersAreToldWhatAWindowIs)
     const xcb_window_t idPopup = outside->Find("? tip");
     ASSERT_TRUE(idPlain && idFramed && idPopup);
     EXPECT_TRUE(outside->IsPopup(idPopup));
-    EXPECT_FALSE(outside->IsPopup(idPlain) || outside->IsPopup(idFramed));
+    EXPECT_FALSE(outside->IsPopup(idPlain));
+    EXPECT_FALSE(outside->IsPopup(idFramed));
     EXPECT_EQ(outside->Property(idPlain, "_MOTIF_WM_HINTS").size(), 20u);
     EXPECT_EQ(outside->Property(idFramed, "_MOTIF_WM_HINTS"), "");
     const auto pid = static_cast<std::uint32_t>(GetCurrentProcessId());
