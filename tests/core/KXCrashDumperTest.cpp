@@ -90,8 +90,7 @@ TEST_F(CrashDumper, ReportsEveryKindAndEndsByItsSignal)
         EXPECT_THAT(report, HasSubstr("signal       " + std::to_string(kind.nSignal) + " SIG"));
         EXPECT_THAT(report, HasSubstr("\nmodules\n"));
         EXPECT_THAT(CrashedThread(report), HasSubstr(kind.pszFunction));
-        EXPECT_TRUE(how != "overflow" ||
-                    CrashedThread(report).find("_start") != std::string::npos); // its origin
+        if (how == "overflow") EXPECT_THAT(CrashedThread(report), HasSubstr("_start")); // its origin
         EXPECT_GT(fs::file_size(place.Dump(".dmp")), 4096u);
     }
 }
@@ -285,8 +284,8 @@ TEST_F(CrashDumper, LeavesACoreThatADebuggerOpens)
         EXPECT_THAT(text, HasSubstr("Program terminated with signal SIG"));
         EXPECT_THAT(text, HasSubstr(kind.pszFunction));
         EXPECT_THAT(text, HasSubstr("$1 = " + std::to_string(kind.nSignal)));
-        EXPECT_TRUE(kind.nSignal == SIGABRT || std::regex_search(text, std::regex("#[01] .*CrashBy")))
-            << text;
+        if (kind.nSignal != SIGABRT)
+            EXPECT_TRUE(std::regex_search(text, std::regex("#[01] .*CrashBy"))) << text;
         const bool bStack = std::regex_search(text, std::regex("#9 .*CrashByOverflow"));
         EXPECT_EQ(bStack, std::string(pszHow) == "overflow") << text;
     }
@@ -424,9 +423,11 @@ TEST(CrashHook, HooksForItsLifeAndKeepsTheLastValues)
         dumper.Unintialize();
         const Dumper& same = dumper;
         EXPECT_EQ(&(dumper = same), &dumper);
-        EXPECT_EQ(Dumper::m_strAppName + Dumper::m_strAppPath + Dumper::m_strExeName +
-                      Dumper::m_strRestartParam + Dumper::m_strContactInfo,
-                  "AB\\CDE");
+        EXPECT_EQ(Dumper::m_strAppName, "A");
+        EXPECT_EQ(Dumper::m_strAppPath, "B\\");
+        EXPECT_EQ(Dumper::m_strExeName, "C");
+        EXPECT_EQ(Dumper::m_strRestartParam, "D");
+        EXPECT_EQ(Dumper::m_strContactInfo, "E");
         EXPECT_EQ(Dumper::m_bAutoSend, 0);
         EXPECT_EQ(Dumper::m_bAutoRestart, 7);
         EXPECT_EQ(SetUnhandledExceptionFilter(Other), &Dumper::ExceptionFilter);
