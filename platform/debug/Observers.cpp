@@ -1,5 +1,6 @@
 #include "platform/debug/Observers.h"
 
+#include "include/platform/Exception.h"
 #include "include/platform/Host.h"
 #include "platform/Immortal.h"
 #include "platform/sync/Fork.h"
@@ -126,7 +127,7 @@ void TellObservers(std::string_view text, Kind kind)
 } // namespace kx::debug
 
 int KXHost::AddDebugObserver(DebugObserver observer, bool bDiagnostics)
-{
+try {
     using namespace kx::debug;
     Registry& registry = kx::The<Registry>();
     const kx::sync::MutexLock lock(registry.lock);
@@ -136,10 +137,12 @@ int KXHost::AddDebugObserver(DebugObserver observer, bool bDiagnostics)
     registry.nLastId = nId;
     registry.Replace(std::move(list));
     return nId;
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 void KXHost::RemoveDebugObserver(int nObserver)
-{
+try {
     using namespace kx::debug;
     Registry& registry = kx::The<Registry>();
     std::shared_ptr<Observer> removed;
@@ -155,4 +158,6 @@ void KXHost::RemoveDebugObserver(int nObserver)
     }
     removed->Remove();
     if (!t_calls) removed->Finish();
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }

@@ -111,7 +111,13 @@ int CopyLink(const std::string& source, const std::string& target, bool bFailIfE
         {
         };
         if (!CheckTarget(target, none)) return 0;
-        unlink(target.c_str());
+        const std::string part =
+            target.substr(0, target.rfind('/') + 1) + ".kx" + std::to_string(gettid()) + ".kxnew";
+        if (symlink(text.c_str(), part.c_str()) == 0) {
+            if (rename(part.c_str(), target.c_str()) == 0) return 1;
+            unlink(part.c_str());
+        }
+        return kx::files::FailAt(target);
     }
     if (symlink(text.c_str(), target.c_str()) == 0) return 1;
     return errno == EEXIST ? kx::Fail(ERROR_FILE_EXISTS) : kx::files::FailAt(target);

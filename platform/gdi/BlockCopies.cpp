@@ -1,3 +1,4 @@
+#include "include/platform/Exception.h"
 #include "include/platform/Host.h"
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
@@ -8,6 +9,7 @@
 
 #include <atomic>
 #include <memory>
+#include <new>
 #include <utility>
 
 using namespace kx::gdi;
@@ -123,10 +125,12 @@ int TransparentBlt(HDC hDst, int x, int y, int cx, int cy, HDC hSrc, int xSrc, i
 }
 
 void KXHost::SetCopyObserver(CopyObserver observer)
-{
+try {
     auto call = observer ? std::make_shared<const CopyObserver>(std::move(observer)) : nullptr;
     Observer& current = kx::The<Observer>();
     const kx::sync::MutexLock lock(current.lock);
     g_bObserved.store(call != nullptr, std::memory_order_release);
     current.call.swap(call);
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }

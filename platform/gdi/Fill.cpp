@@ -1,3 +1,4 @@
+#include "platform/NoMemory.h"
 #include "platform/gdi/DeviceContext.h"
 #include "platform/gdi/PixelRegion.h"
 #include "platform/gdi/Rect.h"
@@ -34,12 +35,15 @@ DWORD* PixelAt(const Canvas& canvas, int x, int y) noexcept
 } // namespace
 
 COLORREF GetPixel(HDC hDC, int x, int y)
-{
+try {
     const auto context = FindAs<DeviceContext>(hDC);
     if (!context) return CLR_INVALID;
     const Canvas canvas = context->Read(Place({x, y, 1, 1}));
     const DWORD* pixel = PixelAt(canvas, x, y);
     return pixel ? ToColor(*pixel) : CLR_INVALID;
+} catch (...) {
+    static_cast<void>(kx::NoMemory());
+    return CLR_INVALID;
 }
 
 COLORREF SetPixel(HDC hDC, int x, int y, COLORREF clr)

@@ -96,21 +96,25 @@ bool MayOverlap(const PixelView& a, const PixelView& b) noexcept
 }
 
 // Goes through the rows of an area that a clip leaves something of, from the top: `draw` gets the row and the
-// clip's rectangles in it, of which some may miss the area. The clip's rectangles are disjoint, in rows from
-// the top, those of one row of one height.
+// clip's rectangles that touch the area in it. The clip's rectangles are disjoint, in rows from the top,
+// those of one row of one height; what the area doesn't touch is passed over by bisection.
 template <class Draw>
 void ForRows(std::span<const RECT> clip, const RECT& area, Draw&& draw)
 {
-    while (!clip.empty()) {
-        const RECT& first = clip.front();
+    auto row = std::partition_point(clip.begin(), clip.end(),
+                                    [&](const RECT& rect) { return rect.bottom <= area.top; });
+    while (row != clip.end() && row->top < area.bottom) {
+        const LONG nTop = row->top;
+        const LONG nBottom = std::min(row->bottom, area.bottom);
         const auto end =
-            std::find_if(clip.begin(), clip.end(), [&](const RECT& rect) { return rect.top != first.top; });
-        const auto row = clip.first(static_cast<std::size_t>(end - clip.begin()));
-        clip = clip.subspan(row.size());
-        if (first.left >= area.right || row.back().right <= area.left) continue;
-        const int nEnd = std::min(first.bottom, area.bottom);
-        for (int y = std::max(first.top, area.top); y < nEnd; ++y)
-            draw(y, row);
+            std::partition_point(row, clip.end(), [&](const RECT& rect) { return rect.top == nTop; });
+        const auto first =
+            std::partition_point(row, end, [&](const RECT& rect) { return rect.right <= area.left; });
+        const auto last =
+            std::partition_point(first, end, [&](const RECT& rect) { return rect.left < area.right; });
+        for (LONG y = std::max(nTop, area.top); first != last && y < nBottom; ++y)
+            draw(y, std::span<const RECT>(first, last));
+        row = end;
     }
 }
 
@@ -125,7 +129,7 @@ void DrawPicture(const Target& target, const PixelView& from, Stretch columns, S
         copy = CopyPixels(from);
         if (!copy) throw std::bad_alloc();
     }
-    PictureRows picture(copy ? ViewOf(*copy, from.alpha) : from, columns, rows, BoundsOf(target.clip));
+    PictureRows picture(copy ? ViewOf(*copy, from.alpha) : from, columns, rows, target.reach);
     const RECT area = picture.Area();
     if (kx::gdi::IsEmpty(area)) return;
 
@@ -144,10 +148,8 @@ void DrawPicture(const Target& target, const PixelView& from, Stretch columns, S
         }
         for (const RECT& rect : clip) {
             const int nLeft = std::max(rect.left, area.left);
-            const int nCount = std::min(rect.right, area.right) - nLeft;
-            if (nCount > 0)
-                Blend(row + (nLeft - area.left), alpha, target.pixels.Row(y) + nLeft, target.pixels.alpha,
-                      nCount);
+            Blend(row + (nLeft - area.left), alpha, target.pixels.Row(y) + nLeft, target.pixels.alpha,
+                  std::min(rect.right, area.right) - nLeft);
         }
     });
 }

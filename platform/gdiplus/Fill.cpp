@@ -111,7 +111,9 @@ private:
 void FillArea(const Target& target, const GpBrush& brush, kx::gdi::PixelRegion area)
 {
     if (brush.Area()) area.IntersectWith(*brush.Area());
-    area.IntersectWith(kx::gdi::PixelRegion::FromRects(target.clip));
+    std::vector<RECT> touched;
+    kx::gdi::ForEachPart(target.clip, area.Extents(), [&](const RECT& part) { touched.push_back(part); });
+    area.IntersectWith(kx::gdi::PixelRegion::FromRects(touched));
     const RECT bounds = area.Extents();
     Filling filling(target, brush, bounds.right - bounds.left);
     for (const auto& box : area.Boxes())

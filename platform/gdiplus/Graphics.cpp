@@ -30,7 +30,7 @@ GpStatus GdipGetVisibleClipBoundsI(GpGraphics* pGraphics, GpRect* pRect)
     return Guarded([&] {
         if (!pGraphics || !pRect) return InvalidParameter;
         return pGraphics->On([&](const Target& target) {
-            const RECT bounds = BoundsOf(target.clip);
+            const RECT& bounds = target.reach;
             if (target.clip.empty())
                 *pRect = {};
             else

@@ -4,7 +4,6 @@
 #include "platform/gdi/DeviceContext.h"
 #include "platform/gdiplus/Image.h"
 
-#include <algorithm>
 #include <span>
 
 namespace kx::gdiplus {
@@ -14,18 +13,8 @@ struct Target
 {
     PixelView pixels;
     std::span<const RECT> clip; // what may be written: disjoint, in rows from the top; within the pixels
+    RECT reach;                 // the least rectangle around the clip
 };
-
-// The least rectangle around a clip.
-inline RECT BoundsOf(std::span<const RECT> clip) noexcept
-{
-    if (clip.empty()) return {};
-    RECT bounds = clip.front();
-    for (const RECT& rect : clip)
-        bounds = {std::min(bounds.left, rect.left), bounds.top, std::max(bounds.right, rect.right),
-                  rect.bottom};
-    return bounds;
-}
 
 // Lays a run of pixels over another by its alpha. The high byte of an opaque target becomes 0, as fills leave
 // it on a surface. The two don't overlap.
@@ -57,7 +46,8 @@ private:
         const auto context = gdi::FindAs<gdi::DeviceContext>(m_hDC);
         if (!context) return Win32Error;
         const gdi::Canvas canvas = context->Paint();
-        draw(gdiplus::Target{gdiplus::ViewOf(canvas.surface, gdiplus::Alpha::Opaque), canvas.clip});
+        draw(gdiplus::Target{gdiplus::ViewOf(canvas.surface, gdiplus::Alpha::Opaque), canvas.clip,
+                             canvas.reach});
         return Ok;
     }
 
@@ -66,7 +56,7 @@ private:
     {
         const kx::gdiplus::PixelView pixels = m_pImage->Pixels();
         const RECT all{0, 0, pixels.width, pixels.height};
-        draw(kx::gdiplus::Target{pixels, {&all, 1}});
+        draw(kx::gdiplus::Target{pixels, {&all, 1}, all});
         return Ok;
     }
 

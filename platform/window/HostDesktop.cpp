@@ -1,3 +1,4 @@
+#include "include/platform/Exception.h"
 #include "include/platform/Host.h"
 #include "platform/gdiplus/Encode.h"
 #include "platform/gdiplus/Graphics.h"
@@ -9,6 +10,7 @@
 
 #include <chrono>
 #include <fstream>
+#include <new>
 #include <utility>
 
 using kx::window::Desktop;
@@ -38,7 +40,7 @@ bool KXHost::IsMemoryDesktop()
 }
 
 bool KXHost::SaveDesktop(const std::string& strPath) KX_NO_LOCK_ANALYSIS
-{
+try {
     kx::gdiplus::Bytes file;
     {
         const SIZE size = Desktop::Instance().Size();
@@ -52,6 +54,8 @@ bool KXHost::SaveDesktop(const std::string& strPath) KX_NO_LOCK_ANALYSIS
     std::ofstream out(strPath, std::ios::binary);
     out.write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
     return out.flush().good();
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 int KXHost::PostInput(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
@@ -60,20 +64,26 @@ int KXHost::PostInput(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
 }
 
 std::vector<KXHost::MessageBoxRecord> KXHost::TakeMessageBoxes()
-{
+try {
     return HeadlessDesktop::Instance().TakeMessageBoxes();
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 HWND KXHost::AddForeignWindow(DWORD dwProcessId, bool bVisible)
-{
+try {
     if (dwProcessId == 0) return nullptr;
     // A process's first thread has the process's number.
     return HeadlessDesktop::Instance().AddForeign({dwProcessId, dwProcessId, bVisible});
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 std::vector<KXHost::SentMessage> KXHost::TakeForeignMessages(HWND hWnd)
-{
+try {
     return HeadlessDesktop::Instance().TakeMessages(hWnd);
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 void KXHost::RemoveForeignWindow(HWND hWnd)

@@ -108,6 +108,34 @@ TEST_F(Draw, CutsToTheTargetAndItsClip)
     DeleteObject(SelectObject(paper, first));
 }
 
+TEST_F(Draw, PiecesUnderAClipOfManyRectanglesMakeTheWhole)
+{
+    Sheet red(1, Row(1, 0xFFFF0000), PixelFormat32bppRGB);
+    const LinearGradientBrush brush({0, 0}, {0, 1}, Color(255, 255, 0, 0), Color(255, 255, 0, 0));
+    const Scoped<HRGN> clip(CreateRectRgn(0, 0, 0, 0));
+    Picture expected(24, std::string(40, 'W'));
+    for (int y = 0; y < 24; y += 2)
+        for (int x = y % 4; x < 40; x += 4) {
+            const Scoped<HRGN> box(CreateRectRgn(x, y, x + 3, y + 2));
+            CombineRgn(clip, clip, box, RGN_OR);
+            for (const int nRow : {y, y + 1})
+                expected[static_cast<std::size_t>(nRow)]
+                    .replace(static_cast<std::size_t>(x), 3, "RRR")
+                    .resize(40);
+        }
+    for (const bool bFill : {false, true}) {
+        const Paper paper(40, 24, 'W');
+        SelectClipRgn(paper, clip);
+        Graphics graphics(static_cast<HDC>(paper));
+        for (int y = -1; y < 24; y += 5)
+            for (int x = -2; x < 40; x += 7)
+                bFill ? graphics.FillRectangle(&brush, x, y, 7, 5)
+                      : graphics.DrawImage(&red.bitmap, x, y, 7, 5);
+        SelectClipRgn(paper, nullptr);
+        EXPECT_EQ(paper.Read(), expected) << bFill;
+    }
+}
+
 TEST_F(Draw, DrawsOnAWindowFromItsCorner)
 {
     Sheet dots(2, {0xFFFF0000, 0xFF00FF00}, PixelFormat32bppRGB);
