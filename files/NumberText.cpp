@@ -26,8 +26,8 @@ bool TakeSign(std::string_view& text)
     return bNegative;
 }
 
-// Of a number out of the range of `double`, which way it leaves it: by the place of its first digit, moved by
-// its exponent.
+// Whether a number out of the range of `double` underflows (true) or overflows (false): by the place of its
+// first digit, moved by its exponent.
 bool IsTiny(std::string_view number, bool bHex)
 {
     const std::string_view mantissa = number.substr(0, number.find_first_of(bHex ? "pP" : "eE"));

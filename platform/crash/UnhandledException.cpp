@@ -54,22 +54,22 @@ bool IsDefault(const struct sigaction& action) noexcept
     return !(action.sa_flags & SA_SIGINFO) && action.sa_handler == SIG_DFL;
 }
 
-enum class Course
+enum class Outcome
 {
     End,      // the system's: the process ends
     AsBefore, // what handled the signal before
 };
 
 // From within the handler, as its last deed: once it has returned, its signal comes again, where and as it
-// came before, and takes this course. True if that ends the process for sure. Heap-free.
+// came before, and has this outcome. True if that ends the process for sure. Heap-free.
 //
 // The signal waits, blocked as it is here, and the thread's own mask, which comes back with the return, lets
 // it through. So it strikes at the very instruction, with the stack and registers of the crash, and the
 // parent and the system's own dump see the true cause.
-bool ComeAgain(Course course, const siginfo_t& info, void* pUserContext) noexcept
+bool Reraise(Outcome outcome, const siginfo_t& info, void* pUserContext) noexcept
 {
     const int nSignal = info.si_signo;
-    struct sigaction action = course == Course::End ? Default() : Before(nSignal);
+    struct sigaction action = outcome == Outcome::End ? Default() : Before(nSignal);
     // The handler before ours may hand on to ours in turn: then the two would go on for ever.
     struct sigaction now = Default();
     sigaction(nSignal, nullptr, &now);
@@ -180,13 +180,13 @@ void OnCrash(int, siginfo_t* pInfo, void* pUserContext)
 {
     const int nErrno = errno;
     if (!EnterFilter()) {
-        ComeAgain(Course::End, *pInfo, pUserContext);
+        Reraise(Outcome::End, *pInfo, pUserContext);
         return;
     }
     const long nVerdict = CallFilter(*pInfo, pUserContext);
     const bool bResume = nVerdict == EXCEPTION_CONTINUE_EXECUTION;
-    const Course course = nVerdict == EXCEPTION_EXECUTE_HANDLER ? Course::End : Course::AsBefore;
-    if (bResume || !ComeAgain(course, *pInfo, pUserContext)) LeaveFilter();
+    const Outcome outcome = nVerdict == EXCEPTION_EXECUTE_HANDLER ? Outcome::End : Outcome::AsBefore;
+    if (bResume || !Reraise(outcome, *pInfo, pUserContext)) LeaveFilter();
     errno = nErrno;
 }
 

@@ -19,13 +19,13 @@ using kx::debug::Kind;
 namespace {
 
 // What KX_DEBUG asked for as the library was loaded, before threads run that could change the environment.
-class Wish
+class Setting
 {
 public:
-    static const Wish& Get() noexcept
+    static const Setting& Get() noexcept
     {
-        static const Wish wish(std::getenv("KX_DEBUG"));
-        return wish;
+        static const Setting setting(std::getenv("KX_DEBUG"));
+        return setting;
     }
 
     bool All() const noexcept { return m_list == "1"; }
@@ -40,7 +40,7 @@ public:
     }
 
 private:
-    explicit Wish(const char* psz) noexcept
+    explicit Setting(const char* psz) noexcept
     {
         const std::string_view wanted = psz ? psz : "";
         m_list = {m_text.data(), wanted.copy(m_text.data(), m_text.size())};
@@ -50,7 +50,7 @@ private:
     std::string_view m_list;
 };
 
-[[maybe_unused]] const bool g_bAsked = Wish::Get().All();
+[[maybe_unused]] const bool g_bAsked = Setting::Get().All();
 
 // One call for the whole text, past every stdio lock and buffer, so that lines of several threads stay whole
 // and the last line before a crash is out.
@@ -107,7 +107,7 @@ void OutputDebugStringA(const char* pszText)
 {
     const int nSaved = errno;
     const std::string_view text = pszText ? pszText : "";
-    if (Wish::Get().All()) WriteStandardError(text);
+    if (Setting::Get().All()) WriteStandardError(text);
     kx::debug::TellObservers(text, Kind::Described);
     errno = nSaved;
 }
@@ -139,7 +139,7 @@ const char* kx::debug::StreamName::Get() noexcept
 
 bool kx::debug::Wants(std::string_view family) noexcept
 {
-    return (AnyWantsDiagnostics() || Wish::Get().Has(family)) && t_nQuiet == 0;
+    return (AnyWantsDiagnostics() || Setting::Get().Has(family)) && t_nQuiet == 0;
 }
 
 void kx::debug::Tell(const char* pszFamily, const char* pszFormat, ...) noexcept
@@ -154,7 +154,7 @@ void kx::debug::Tell(const char* pszFamily, const char* pszFormat, ...) noexcept
     line.Add(pszFormat, args);
     va_end(args);
     const std::string_view text = line.Finish();
-    if (Wish::Get().Has(pszFamily)) WriteStandardError(text);
+    if (Setting::Get().Has(pszFamily)) WriteStandardError(text);
     TellObservers(text, Kind::Diagnostic);
     SetLastError(dwError);
     errno = nErrno;

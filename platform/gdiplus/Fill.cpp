@@ -72,12 +72,12 @@ public:
         if (!brush.IsOpaque()) m_row.resize(static_cast<std::size_t>(nLongest));
     }
 
-    void Box(const RECT& box) noexcept { m_brush.IsOpaque() ? Cover(box) : Lay(box); }
+    void Box(const RECT& box) noexcept { m_brush.IsOpaque() ? CopyBox(box) : BlendBox(box); }
 
 private:
     void Draw(int x, int y, DWORD mask, std::span<DWORD> out) const noexcept { m_brush.Row(x, y, mask, out); }
 
-    void Cover(const RECT& box) const noexcept
+    void CopyBox(const RECT& box) const noexcept
     {
         const auto nCount = static_cast<std::size_t>(box.right - box.left);
         DWORD* first = m_target.pixels.Row(box.top) + box.left;
@@ -90,7 +90,7 @@ private:
         }
     }
 
-    void Lay(const RECT& box) noexcept
+    void BlendBox(const RECT& box) noexcept
     {
         const int nCount = box.right - box.left;
         for (int y = box.top; y < box.bottom; ++y) {

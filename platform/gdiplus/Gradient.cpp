@@ -11,8 +11,8 @@ namespace Gdiplus {
 
 namespace {
 
-// To round by cutting off. The little more lets what is a half but for the errors of its sums go up; other
-// values lie further from one than that.
+// Added before truncation to round to the nearest; 2^-36 lifts sums that rounding errors left just below a
+// half, which no other value comes so near.
 constexpr double toNearest = 0.5 + 1.0 / (std::int64_t{1} << 36);
 
 constexpr DWORD Cut(double channel) noexcept

@@ -65,7 +65,7 @@ std::string KeyLine(std::string_view key, std::string_view value)
 }
 
 // Where a key's new value begins: right behind the "=", or where the old one began in a line written like
-// `key = value`. A new one that brings blanks of its own takes the place of such.
+// `key = value`. Leading blanks of the new value replace those after the "=".
 std::size_t ValueBegin(std::string_view text, const IniLine& line, std::string_view value) noexcept
 {
     const std::size_t equals = text.find('=', line.begin);

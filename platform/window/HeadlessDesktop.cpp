@@ -72,7 +72,7 @@ private:
     pixman_image_t* m_image;
 };
 
-void Lay(Window& window, const RECT& area, pixman_image_t* seen) KX_REQUIRES(gdi::pixelLock)
+void Composite(Window& window, const RECT& area, pixman_image_t* seen) KX_REQUIRES(gdi::pixelLock)
 {
     const RECT rect = window.Rect();
     const RECT part = gdi::Cut(area, rect);
@@ -107,7 +107,7 @@ gdi::Surface& Compose(std::span<const HWND> handles, const RECT& rect, gdi::Surf
     if (!image) return root;
     CopyRows(root, *seen, area);
     for (const WindowPtr& window : windows)
-        Lay(*window, area, image.get());
+        Composite(*window, area, image.get());
     return *seen;
 }
 

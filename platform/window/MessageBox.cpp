@@ -86,7 +86,7 @@ HWND OwnerOf(const Queue& queue)
 class Box
 {
 public:
-    explicit Box(const char* pszText) : m_text(text::CutAtChar(pszText, kMostText)) { Lay(); }
+    explicit Box(const char* pszText) : m_text(text::CutAtChar(pszText, kMostText)) { Arrange(); }
     Box(const Box&) = delete;
     Box& operator=(const Box&) = delete;
     ~Box()
@@ -102,7 +102,7 @@ public:
 private:
     static LRESULT Procedure(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam);
     LRESULT Hear(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam);
-    void Lay();
+    void Arrange();
     void Draw(HDC hDC);
     void DrawButton(HDC hDC);
     void Press(HWND hWnd, bool bPressed);
@@ -116,7 +116,7 @@ private:
 };
 
 // A text that is too high for the desktop is cut at its bottom, so that the button stays in reach.
-void Box::Lay()
+void Box::Arrange()
 {
     const int nScreenHeight = GetSystemMetrics(SM_CYSCREEN);
     RECT text{0, 0, kTextWidth, 0};

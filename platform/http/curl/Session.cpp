@@ -42,20 +42,20 @@ void Session::CheckOpen(unsigned long dwContext) const
     if (!m_multi) Throw(ERROR_INTERNET_INCORRECT_HANDLE_STATE, dwContext, "The session is closed.");
 }
 
-Gear Session::Take(unsigned long dwContext)
+TransferHandle Session::Take(unsigned long dwContext)
 {
     CheckOpen(dwContext);
     if (!m_idle) return {MakeEasy(m_agent.c_str(), m_bProxies), BlockBuffer(Transfer::kAhead)};
-    Gear gear = std::move(*m_idle);
+    TransferHandle handle = std::move(*m_idle);
     m_idle.reset();
-    return gear;
+    return handle;
 }
 
-void Session::GiveBack(Gear gear) noexcept
+void Session::GiveBack(TransferHandle handle) noexcept
 {
     if (!m_multi || m_idle) return;
-    gear.buffer.Clear();
-    m_idle.emplace(std::move(gear));
+    handle.buffer.Clear();
+    m_idle.emplace(std::move(handle));
 }
 
 void Session::Add(Transfer& transfer)

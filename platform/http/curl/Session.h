@@ -58,7 +58,7 @@ private:
 };
 
 // What a transfer works with. One is kept for the next transfer, with its connections in the session.
-struct Gear
+struct TransferHandle
 {
     Easy easy;
     BlockBuffer buffer;
@@ -79,12 +79,12 @@ public:
     void Cancel() noexcept override;
 
     // Throw ERROR_INTERNET_INCORRECT_HANDLE_STATE once it is closed.
-    Gear Take(unsigned long dwContext);
+    TransferHandle Take(unsigned long dwContext);
     void Add(Transfer& transfer);
 
     // The transfer's end, whether it came to one or not.
     void Remove(Transfer& transfer) noexcept;
-    void GiveBack(Gear gear) noexcept;
+    void GiveBack(TransferHandle handle) noexcept;
 
     // Does what can be done without waiting, and tells those transfers that have ended.
     void Perform(unsigned long dwContext);
@@ -103,7 +103,7 @@ private:
     sync::Mutex m_lock;                                // nothing else is locked while it is held
     CURLM* m_wakeable KX_GUARDED_BY(m_lock) = nullptr; // what Cancel, on any thread, wakes
     Multi m_multi;                                     // null once closed
-    std::optional<Gear> m_idle;
+    std::optional<TransferHandle> m_idle;
     std::vector<Transfer*> m_transfers;
     std::atomic<bool> m_bCancelled{false};
 };

@@ -13,7 +13,7 @@ Transfer::Transfer(std::shared_ptr<Session> session, const char* pszUrl, unsigne
 {
     const std::string url = ToWire(pszUrl ? pszUrl : "");
     const bool bSecure = CheckUrl(pszUrl ? url.c_str() : nullptr, dwContext);
-    m_gear = m_session->Take(dwContext);
+    m_handle = m_session->Take(dwContext);
     CURL* const easy = Handle();
     Set(easy, CURLOPT_URL, url.c_str());
     Set(easy, CURLOPT_REDIR_PROTOCOLS_STR, bSecure ? "https" : "http,https");
@@ -31,16 +31,16 @@ Transfer::Transfer(std::shared_ptr<Session> session, const char* pszUrl, unsigne
 
 Transfer::~Transfer()
 {
-    if (!m_gear) return;
+    if (!m_handle) return;
     m_session->Remove(*this);
     curl_easy_setopt(Handle(), CURLOPT_ERRORBUFFER, nullptr);
-    m_session->GiveBack(std::move(*m_gear));
+    m_session->GiveBack(std::move(*m_handle));
 }
 
 void Transfer::Abandon() noexcept
 {
     m_session->Remove(*this);
-    m_gear.reset();
+    m_handle.reset();
 }
 
 void Transfer::Open()
@@ -52,8 +52,8 @@ void Transfer::Open()
 std::size_t Transfer::Read(void* pBuf, std::size_t nCount)
 {
     if (nCount == 0) return 0;
-    if (!m_gear) Throw(ERROR_INTERNET_INCORRECT_HANDLE_STATE, m_dwContext, "The session is closed.");
-    BlockBuffer& buffer = m_gear->buffer;
+    if (!m_handle) Throw(ERROR_INTERNET_INCORRECT_HANDLE_STATE, m_dwContext, "The session is closed.");
+    BlockBuffer& buffer = m_handle->buffer;
     if (buffer.IsEmpty()) DriveUntil([&] { return !buffer.IsEmpty() || m_result; });
     if (!buffer.IsEmpty()) return buffer.Take(pBuf, nCount);
     if (*m_result != CURLE_OK) ThrowResult();
@@ -62,7 +62,7 @@ std::size_t Transfer::Read(void* pBuf, std::size_t nCount)
 
 std::optional<std::uint64_t> Transfer::ContentLength() const noexcept
 {
-    if (!m_gear) return std::nullopt;
+    if (!m_handle) return std::nullopt;
     curl_off_t nLength = -1;
     curl_easy_getinfo(Handle(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &nLength);
     if (nLength < 0) return std::nullopt;
@@ -131,7 +131,7 @@ std::size_t Transfer::OnBody(char* pch, std::size_t nSize, std::size_t nCount, v
     const std::string_view bytes(pch, nSize * nCount);
     self.m_heard = time::Now();
     self.m_bOpen = true;
-    self.m_bPaused = !self.m_gear->buffer.Put(bytes);
+    self.m_bPaused = !self.m_handle->buffer.Put(bytes);
     return self.m_bPaused ? CURL_WRITEFUNC_PAUSE : bytes.size();
 }
 

@@ -28,7 +28,7 @@ public:
     std::size_t Read(void* pBuf, std::size_t nCount) override;
     std::optional<std::uint64_t> ContentLength() const noexcept override;
 
-    CURL* Handle() const noexcept { return m_gear->easy.get(); }
+    CURL* Handle() const noexcept { return m_handle->easy.get(); }
     unsigned long Context() const noexcept { return m_dwContext; }
     void OnEnd(CURLcode result) noexcept { m_result = result; }
     // The session closes: ends it, and lets later reads fail.
@@ -50,7 +50,7 @@ private:
 
     const std::shared_ptr<Session> m_session;
     const unsigned long m_dwContext;
-    std::optional<Gear> m_gear; // none once abandoned
+    std::optional<TransferHandle> m_handle; // none once abandoned
     std::array<char, CURL_ERROR_SIZE> m_text{};
     std::optional<CURLcode> m_result; // once it has ended
     time::Moment m_heard{};           // when the server last sent something, or was first waited for

@@ -109,7 +109,7 @@ public:
     {
         Service service(m_timeout);
         const DWORD error = Find(strName, service);
-        // Who has one open that was deleted may wait for its end, after which it is known no more.
+        // A handle to a deleted service still answers a query until the service has stopped.
         const bool bGone = error == ERROR_SERVICE_DOES_NOT_EXIST && service.state.loadState == "not-found";
         if (error != ERROR_SUCCESS && !bGone) return error;
         status = StatusOf(service.state);
