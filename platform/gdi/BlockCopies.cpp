@@ -13,7 +13,6 @@
 #include <utility>
 
 using namespace kx::gdi;
-using kx::Immortal;
 
 namespace {
 
