@@ -72,7 +72,8 @@ std::shared_ptr<T> RemoveHandle(const void* handle) noexcept
 }
 
 // Handles that are set aside for a crash filter, which may neither allocate nor wait for a lock: finding and
-// removing one of these does neither. Their objects are never freed, and they aren't counted.
+// removing one of these does neither. Their objects are never freed, and they aren't counted. Each keeps one
+// value: a closed one names the next process that is started in its place.
 inline constexpr std::size_t kReservedHandles = 4;
 
 // Sets an object aside under a place below kReservedHandles, once for each, before any filter may run.

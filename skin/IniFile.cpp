@@ -68,7 +68,9 @@ try {
         found.nLine = nLine;
         Piece name = line;
         if (line.text[0] == '[') {
-            name = line.Part(1, line.text.find(']') - 1);
+            const int nEnd =
+                CString(line.text.data(), static_cast<int>(line.text.size())).Find(']'); // by characters
+            name = nEnd < 0 ? line.Part(1) : line.Part(1, static_cast<std::size_t>(nEnd) - 1);
             strSection = name.text;
             found.bSection = true;
         } else if (const std::size_t nEqual = line.text.find('='); nEqual != line.text.npos) {

@@ -1,7 +1,7 @@
 #include "Short.h"
 
-// A window with a message map, and a tip that comes and goes by itself; on a desktop in memory, without a
-// display.
+// A window with a message map, and a tip that comes and goes by itself; on a desktop in memory, or on the
+// display with the argument "display".
 namespace {
 
 class HelloWnd : public CWnd
@@ -29,9 +29,9 @@ END_MESSAGE_MAP()
 
 } // namespace
 
-int main()
+int main(int nArgs, char**)
 {
-    KXHost::UseMemoryDesktop(400, 300);
+    if (nArgs == 1) KXHost::UseMemoryDesktop(400, 300);
     KXHost::UseVirtualClock(0, KXHost::VirtualSleep::Advances); // so that fades take no time here
     HelloWnd window;
     if (!window.Create()) return 1;

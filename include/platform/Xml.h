@@ -136,8 +136,8 @@ struct IXMLDOMDocument : IXMLDOMNode
     virtual HRESULT load(VARIANT path, VARIANT_BOOL* pbSuccess) = 0;
     virtual HRESULT loadXML(BSTR bstrXml, VARIANT_BOOL* pbSuccess) = 0;
     // Writes the file in the declared encoding if that is UTF-16, GBK or GB2312 (in GBK), GB18030, Big5,
-    // EUC-JP, EUC-KR, ISO-8859-x or windows-125x, with references for what that lacks in texts and
-    // attributes, and what was written reads as the same document; else in UTF-8. The document type
+    // EUC-JP, EUC-KR, ISO-8859-x or windows-125x but 1255 and 1258, with references for what that lacks in
+    // texts and attributes, and what was written reads as the same document; else in UTF-8. The document type
     // declaration is written as it was read. The file's old content stays unless all of the new could be
     // written: E_FAIL then, as for a document without an element and for one whose file would be too large.
     virtual HRESULT save(VARIANT path) = 0;

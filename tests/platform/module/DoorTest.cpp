@@ -33,6 +33,17 @@ protected:
         return m_dir.Path(std::string("KXCommonClass/") + pszName);
     }
 
+    // Puts another letter at the start of a text in a module's file, which begins with its 0.
+    void Change(const char* pszName, std::string_view text, char ch) const
+    {
+        std::ifstream in(Module(pszName), std::ios::binary);
+        std::string bytes((std::istreambuf_iterator<char>(in)), {});
+        const auto place = bytes.find(text);
+        ASSERT_NE(place, bytes.npos);
+        bytes[place + 1] = ch;
+        std::ofstream(Module(pszName), std::ios::binary) << bytes;
+    }
+
     std::string Run(std::vector<std::string> args = {})
     {
         test::Child child("DoorChild", std::move(args), {"LD_LIBRARY_PATH=" + m_dir.Path(""), "KX_DEBUG=1"},
@@ -71,18 +82,15 @@ TEST_F(Doors, StayShutForWhatIsNoModuleOfThisLibrary)
         EXPECT_THAT(text, HasSubstr(std::string(pszName) + "the module can't be used: "));
 }
 
-TEST_F(Doors, StayShutForAnotherVersion)
+TEST_F(Doors, StayShutForAnotherVersionAndWithoutALibrary)
 {
-    std::ifstream in(Module("http.so"), std::ios::binary);
-    std::string bytes((std::istreambuf_iterator<char>(in)), {});
-    const auto place = bytes.find(std::string("\0" KX_VERSION "\0", sizeof KX_VERSION + 1));
-    ASSERT_NE(place, bytes.npos);
-    bytes[place + 1] = '7';
-    std::ofstream(Module("http.so"), std::ios::binary) << bytes;
+    Change("http.so", {"\0" KX_VERSION "\0", sizeof KX_VERSION + 1}, '7');
+    Change("xml.so", {"\0libxml2.so", 11}, 'n');
     const std::string text = Run();
-    EXPECT_THAT(text, HasSubstr("no HTTP, services, XML, letters"));
+    EXPECT_THAT(text, HasSubstr("no HTTP, services, no XML, letters"));
     EXPECT_THAT(text,
                 HasSubstr("http: the module can't be used: it belongs to another version of the library\n"));
+    EXPECT_THAT(text, HasSubstr("xml: the module can't be used: nibxml2.so.2: cannot open"));
 }
 
 TEST_F(Doors, OpenForThreadsAtOnce)

@@ -154,12 +154,13 @@ rlim_t AddressSpace()
 
 // Does something under limits that leave ever more address space. Gives how often it threw, or -1 once it is
 // not as it must be, which is asked with whether it threw.
-int UnderLimits(const std::function<void()>& act, const std::function<bool(bool)>& isRight)
+int UnderLimits(const std::function<void()>& act, const std::function<bool(bool)>& isRight,
+                rlim_t nStep = 1 << 20)
 {
-    constexpr rlim_t kStep = 1 << 20, kMost = 64 << 20;
+    constexpr rlim_t kMost = 64 << 20;
     const rlim_t nNow = AddressSpace();
     int nThrown = 0;
-    for (rlim_t nMore = 0; nMore < kMost; nMore += kStep) {
+    for (rlim_t nMore = 0; nMore < kMost; nMore += nStep) {
         const rlimit limit{nNow + nMore, RLIM_INFINITY}, none{RLIM_INFINITY, RLIM_INFINITY};
         bool bThrown = false;
         setrlimit(RLIMIT_AS, &limit);
@@ -201,8 +202,22 @@ int LimitEach(const std::string& path)
             nFound = root.GetChilds("record[contains(., 'x')]").size();
         },
         [&](bool bThrown) { return bThrown != (nFound == kRecords); });
-    std::printf("%d limits hit by a save, %d by a pattern\n", nUnsaved, nUnfound);
-    return nUnsaved < 0 || nUnfound < 0 || nUnsaved + nUnfound == 0;
+    // Loaded, walked, added to and spelled: all of it, or the exception.
+    CString strAll;
+    const int nUnread = UnderLimits(
+        [&] {
+            strAll.Empty();
+            CKXXmlDomDocument again;
+            if (!again.Load(file)) return;
+            CKXXmlDomElement all = again.GetDocumentElement();
+            for (const CKXXmlDomElement& record : all.GetChilds("record"))
+                if (record.GetText().GetLength() != 200) return;
+            all.AppendChild(again, "last", 1, true, 0);
+            strAll = again.GetXml();
+        },
+        [&](bool bThrown) { return bThrown != (strAll.Right(18) == "<last>1</last></r>"); }, 5 << 20);
+    std::printf("%d limits hit by a save, %d by a pattern, %d by the rest\n", nUnsaved, nUnfound, nUnread);
+    return nUnsaved < 0 || nUnfound < 0 || nUnread < 0 || nUnsaved + nUnfound + nUnread == 0;
 }
 
 } // namespace

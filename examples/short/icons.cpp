@@ -1,0 +1,14 @@
+#include "Short.h"
+
+// What a file manager would show of a file: its name, its type's text, and its icon's names in the desktop's
+// theme.
+int main()
+{
+    CString strName, strType;
+    CKXFileSystem::GetTypeDesc(Beside("short_icons"), strName, strType);
+    const _IMAGELIST* const pIcons = CKXFileSystem::GetSystemImageList(1);
+    const int nIcon = CKXFileSystem::GetFileImage(Beside("short_icons"), 1);
+    std::printf("%s, %s, icon %d: %s\n", strName.GetString(), strType.GetString(), nIcon,
+                ImageList_GetIconName(pIcons, nIcon));
+    return !strType.IsEmpty() && nIcon < ImageList_GetImageCount(pIcons) ? 0 : 1;
+}
