@@ -20,7 +20,7 @@ std::optional<std::string> Decode(std::string bytes);
 
 // UTF-8 in an encoding of that name, with numeric references for the characters that it lacks. Nothing unless
 // it is one of those that are kept: UTF-16, GBK, GB2312, GB18030, Big5, EUC-JP, EUC-KR, ISO-8859-x and
-// windows-125x but 1255 and 1258. What such a file reads as is still to be checked: a reference may stand where none can.
+// windows-125x but 1255 and 1258. What it reads as is still to be checked: not every reference may stand.
 std::optional<std::string> Encode(std::string_view utf8, const std::string& encoding);
 
 // Documents from what anybody may have written: null for what is refused, in time and memory that follow the
