@@ -90,7 +90,9 @@ TEST_F(CrashDumper, ReportsEveryKindAndEndsByItsSignal)
         EXPECT_THAT(report, HasSubstr("signal       " + std::to_string(kind.nSignal) + " SIG"));
         EXPECT_THAT(report, HasSubstr("\nmodules\n"));
         EXPECT_THAT(CrashedThread(report), HasSubstr(kind.pszFunction));
-        if (how == "overflow") EXPECT_THAT(CrashedThread(report), HasSubstr("_start")); // its origin
+        if (how == "overflow") {
+            EXPECT_THAT(CrashedThread(report), HasSubstr("_start")); // its origin
+        }
         EXPECT_GT(fs::file_size(place.Dump(".dmp")), 4096u);
     }
 }
@@ -284,8 +286,9 @@ TEST_F(CrashDumper, LeavesACoreThatADebuggerOpens)
         EXPECT_THAT(text, HasSubstr("Program terminated with signal SIG"));
         EXPECT_THAT(text, HasSubstr(kind.pszFunction));
         EXPECT_THAT(text, HasSubstr("$1 = " + std::to_string(kind.nSignal)));
-        if (kind.nSignal != SIGABRT)
+        if (kind.nSignal != SIGABRT) {
             EXPECT_TRUE(std::regex_search(text, std::regex("#[01] .*CrashBy"))) << text;
+        }
         const bool bStack = std::regex_search(text, std::regex("#9 .*CrashByOverflow"));
         EXPECT_EQ(bStack, std::string(pszHow) == "overflow") << text;
     }
