@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <gif_lib.h>
 #include <memory>
 #include <span>
@@ -89,7 +90,7 @@ DWORD ColorCut::Block::Mean() const noexcept
 {
     DWORD color = 0;
     for (const double mean : means)
-        color = color << 8 | static_cast<DWORD>(mean + 0.5);
+        color = color << 8 | static_cast<DWORD>(std::lround(mean));
     return color;
 }
 
