@@ -1,7 +1,7 @@
 #include "Short.h"
 
-// What a file manager would show of a file: its name, its type's text, and its icon's names in the desktop's
-// theme.
+// Prints what a file manager shows of a file: its name, its type's text, and its icon's names in the
+// desktop's theme.
 int main()
 {
     CString strName, strType;

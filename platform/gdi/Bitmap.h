@@ -30,7 +30,7 @@ public:
     int Height() const noexcept { return surface.Height(); }
 
     const WORD depth;
-    // Of a bitmap of 8 bits and less: as many colours as the file declared, at most 2 to the depth.
+    // A bitmap of 8 bits and less has as many colours as the file declared, at most 2 to the depth.
     const std::vector<RGBQUAD> palette;
     const bool fromFile; // rows count as padded to 32 bits, not 16
     Surface surface;

@@ -155,7 +155,7 @@ Axis::Axis(const Stretch& stretch, int limit, int begin, int end) : m_nBegin(beg
 {
     const Mapping map(stretch);
     if (map.IsEmpty() || begin >= end) return;
-    // What there is to read.
+    // The part that there is to read.
     const double least = std::max(map.From(), 0.0);
     const double most = std::min(map.FromEnd(), static_cast<double>(limit));
     if (!(least < most)) return;

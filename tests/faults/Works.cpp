@@ -269,7 +269,7 @@ bool Gif(const Place& place)
     return true;
 }
 
-// What is made of pictures in memory, and of gradients.
+// Pictures and gradients are made in memory.
 bool Images(const Place& place)
 {
     const test::GdiPlus gdiPlus;

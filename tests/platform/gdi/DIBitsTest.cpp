@@ -164,7 +164,7 @@ TEST(GetDIBits, GivesTheNearestColourOfWhatWasDrawn)
     DeleteDC(dc);
 }
 
-// Of equal colours in the palette the first has the index. What was drawn elsewhere has a fourth byte of 0.
+// The first of equal colours in the palette has the index. What was drawn elsewhere has a fourth byte of 0.
 TEST(GetDIBits, GivesIndicesOfTheFirstOfEqualColors)
 {
     test::Bmp bmp = test::ToBmp({"RGWGRK"}, 8, true, "RGWRGK");
