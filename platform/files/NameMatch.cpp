@@ -62,10 +62,10 @@ std::size_t HashOf(std::string_view folded) noexcept
 // A directory by what stays the same however it is spelled.
 using DirectoryId = std::pair<dev_t, ino_t>;
 
-// Which names a large directory may hold, kept up to date by the system's notices. A new file's name isn't
-// there in any case, and a walk through all names for each would make the filling of a directory quadratic.
-// Names are kept by the hash of their folded form, so that a million takes some 40 MB. Not for several
-// threads at once.
+// The names that a large directory may hold are kept up to date by the system's notices. A new file's name
+// isn't there in any case, and a walk through all names for each would make the filling of a directory
+// quadratic. Names are kept by the hash of their folded form, so that a million takes some 40 MB. Not for
+// several threads at once.
 class LargeDirectory
 {
 public:

@@ -45,7 +45,7 @@ public:
             m_sums[n] = {matrix.m[0][n], matrix.m[1][n], matrix.m[2][n], matrix.m[3][n],
                          255 * matrix.m[4][n] + 0.5F + nearHalf};
     }
-    // What the pixels that it gives for others mean: Opaque or Straight.
+    // Tells what the pixels mean that it gives for others: Opaque or Straight.
     Alpha Gives(Alpha from) const noexcept
     {
         const Sum& opacity = m_sums[3];

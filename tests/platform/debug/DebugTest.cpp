@@ -191,8 +191,7 @@ void LoadXml(const char* pszXml)
     CKXXmlDomDocument().LoadXml(pszXml);
 }
 
-// What a person would want to know of each family, each with the line that says it. What is told once is here
-// twice.
+// Each case makes a family tell something and names the line. A line that is told once is asked for twice.
 TEST(Diagnostics, SayWhatWasLookedForAndWhatIsTakenInstead)
 {
     KXHost::UseMemoryDesktop();

@@ -14,7 +14,7 @@ using testing::ElementsAre;
 
 namespace {
 
-// What is in the calling thread's queue and passes, taken out: the numbers of messages, and of timers.
+// Takes out what is in the calling thread's queue and passes: the numbers of messages, and of timers.
 std::vector<UINT_PTR> TakeAll(HWND hWnd = nullptr, UINT nMin = 0, UINT nMax = 0)
 {
     std::vector<UINT_PTR> taken;
