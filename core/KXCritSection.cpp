@@ -10,12 +10,12 @@ CKXCritSection::~CKXCritSection()
     DeleteCriticalSection(&m_cs);
 }
 
-void CKXCritSection::Lock() KX_UNCHECKED_LOCKING
+void CKXCritSection::Lock() KX_NO_LOCK_ANALYSIS
 {
     EnterCriticalSection(&m_cs);
 }
 
-void CKXCritSection::UnLock() KX_UNCHECKED_LOCKING
+void CKXCritSection::UnLock() KX_NO_LOCK_ANALYSIS
 {
     LeaveCriticalSection(&m_cs);
 }

@@ -138,12 +138,12 @@ int CKXLogSys::StopThread()
 }
 
 // A fork comes when nobody changes the queue.
-void CKXLogSys::BeforeFork() noexcept KX_UNCHECKED_LOCKING
+void CKXLogSys::BeforeFork() noexcept KX_NO_LOCK_ANALYSIS
 {
     if (s_auto_ptr) s_auto_ptr->m_lockLog.Lock();
 }
 
-void CKXLogSys::AfterFork(bool bChild) noexcept KX_UNCHECKED_LOCKING
+void CKXLogSys::AfterFork(bool bChild) noexcept KX_NO_LOCK_ANALYSIS
 {
     if (!s_auto_ptr) return;
     s_auto_ptr->m_lockLog.UnLock();
@@ -152,7 +152,7 @@ void CKXLogSys::AfterFork(bool bChild) noexcept KX_UNCHECKED_LOCKING
 
 // A fork's child has no writer, and lines and file are its parent's. The lock is a new one: the old one may
 // be promised to a thread that waited for it in the parent.
-void CKXLogSys::StartAnew() noexcept KX_UNCHECKED_LOCKING
+void CKXLogSys::StartAnew() noexcept KX_NO_LOCK_ANALYSIS
 {
     std::destroy_at(&m_lockLog);
     std::construct_at(&m_lockLog);

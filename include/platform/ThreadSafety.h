@@ -17,4 +17,4 @@
 #define KX_EXCLUDES(...) KX_THREAD_ATTRIBUTE(locks_excluded(__VA_ARGS__))
 #define KX_ACQUIRE(...) KX_THREAD_ATTRIBUTE(acquire_capability(__VA_ARGS__))
 #define KX_RELEASE(...) KX_THREAD_ATTRIBUTE(release_capability(__VA_ARGS__))
-#define KX_UNCHECKED_LOCKING KX_THREAD_ATTRIBUTE(no_thread_safety_analysis)
+#define KX_NO_LOCK_ANALYSIS KX_THREAD_ATTRIBUTE(no_thread_safety_analysis)

@@ -57,7 +57,7 @@ try {
     const auto from = FindAs<DeviceContext>(hSrc);
     if (!to || !from) return 0;
     Canvas target = to->Paint();
-    return copy(target, from->Read(Place(source), &target));
+    return copy(target, from->Read(Place(source), target.lock));
 } catch (...) {
     return kx::NoMemory();
 }

@@ -5,7 +5,7 @@
 #include "platform/sync/Mutex.h"
 
 #include <algorithm>
-#include <mutex>
+#include <optional>
 #include <span>
 #include <utility>
 
@@ -19,8 +19,7 @@ struct SharedSurface
 {
     // Gives the pixels that a reader sees in place of the surface, of which the rectangle is up to date. The
     // lock, which is held, is free while a display is waited for.
-    using Lock = std::unique_lock<sync::Mutex>;
-    using Look = Surface& (*)(const RECT& rect, Surface& surface, Lock& lock);
+    using Look = Surface& (*)(const RECT& rect, Surface& surface);
 
     explicit SharedSurface(Surface pixels, Look seen = nullptr) noexcept
         : surface(std::move(pixels)), look(seen)
@@ -38,8 +37,7 @@ struct Canvas
     RECT bounds;                // what may be read; within the surface
     std::span<const RECT> clip; // what may be written: disjoint, in rows from the top; within the reach
     RECT reach;                 // the least rectangle around the clip
-    // Held while the surface is a shared one.
-    std::unique_lock<sync::Mutex> lock;
+    std::optional<sync::MutexLock> lock; // of shared pixels
 };
 
 // Calls `use(part)` for each rectangle of an area cut to the boxes of a region, which are disjoint and lie in

@@ -31,7 +31,10 @@ DeviceContext::DeviceContext(HWND hWnd, std::shared_ptr<SharedSurface> pixels,
                              const std::optional<PixelRegion>& limit)
     : Object(KIND), m_window(hWnd), m_limit(limit), m_shared(std::move(pixels))
 {
-    SetView(m_shared->surface, std::nullopt);
+    {
+        const sync::MutexLock lock(pixelLock);
+        SetView(m_shared->surface, std::nullopt);
+    }
     HoldStock();
 }
 
@@ -117,19 +120,20 @@ int DeviceContext::ClipBox(RECT& rect) const noexcept
 
 Canvas DeviceContext::Paint() noexcept
 {
-    Canvas canvas{*m_view.surface, m_view.bounds, m_view.clip, m_view.reach, {}};
-    if (m_shared) canvas.lock = std::unique_lock(pixelLock);
-    return canvas;
+    return {*m_view.surface, m_view.bounds, m_view.clip, m_view.reach,
+            m_shared ? std::optional<sync::MutexLock>(std::in_place, pixelLock)
+                     : std::optional<sync::MutexLock>()};
 }
 
-Canvas DeviceContext::Read(const RECT& rect, Canvas* other)
+Canvas DeviceContext::Read(const RECT& rect, std::optional<sync::MutexLock>& lock)
 {
-    std::unique_lock<sync::Mutex> lock;
-    if (m_shared && !(other && other->lock)) lock = std::unique_lock(pixelLock);
-    const bool bLooks = m_shared && m_shared->look;
-    Surface& seen =
-        bLooks ? m_shared->look(rect, m_shared->surface, lock ? lock : other->lock) : *m_view.surface;
-    return {seen, m_view.bounds, m_view.clip, m_view.reach, std::move(lock)};
+    Surface* seen = m_view.surface;
+    if (m_shared) {
+        if (!lock) lock.emplace(pixelLock);
+        pixelLock.AssertHeld();
+        if (m_shared->look) seen = &m_shared->look(rect, m_shared->surface);
+    }
+    return {*seen, m_view.bounds, m_view.clip, m_view.reach, {}};
 }
 
 } // namespace kx::gdi

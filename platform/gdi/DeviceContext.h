@@ -22,8 +22,7 @@ public:
     DeviceContext();
     // Shared pixels, a window's or with null for the window the desktop's, of which drawing reaches `limit`
     // alone where there is one.
-    DeviceContext(HWND hWnd, std::shared_ptr<SharedSurface> pixels,
-                  const std::optional<PixelRegion>& limit) KX_NO_LOCK_ANALYSIS; // the size never changes
+    DeviceContext(HWND hWnd, std::shared_ptr<SharedSurface> pixels, const std::optional<PixelRegion>& limit);
     ~DeviceContext() override;
 
     bool IsMemory() const noexcept { return m_own != nullptr; }
@@ -32,8 +31,8 @@ public:
     // The place to draw on now. It ends before the next change of the context.
     Canvas Paint() noexcept;
     // The place to read from now: shared pixels as they are seen, of which the rectangle is up to date.
-    // Nothing is written there. `other` is what the same operation paints on, whose lock may be the same.
-    Canvas Read(const RECT& rect, Canvas* other = nullptr) KX_NO_LOCK_ANALYSIS;
+    // Nothing is written there. It takes the lock of shared pixels, if it isn't held already.
+    Canvas Read(const RECT& rect, std::optional<sync::MutexLock>& lock);
 
     // Selects a bitmap, pen, brush or font and gives the handle of what it displaced; null where it can't be.
     HGDIOBJ Select(std::shared_ptr<Object> object);

@@ -38,7 +38,8 @@ COLORREF GetPixel(HDC hDC, int x, int y)
 try {
     const auto context = FindAs<DeviceContext>(hDC);
     if (!context) return CLR_INVALID;
-    const Canvas canvas = context->Read(Place({x, y, 1, 1}));
+    std::optional<kx::sync::MutexLock> lock;
+    const Canvas canvas = context->Read(Place({x, y, 1, 1}), lock);
     const DWORD* pixel = PixelAt(canvas, x, y);
     return pixel ? ToColor(*pixel) : CLR_INVALID;
 } catch (...) {

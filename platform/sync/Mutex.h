@@ -1,5 +1,7 @@
 #pragma once
 
+#include "include/platform/ThreadSafety.h"
+
 #include <ctime>
 #include <mutex>
 
@@ -7,25 +9,14 @@
 // KX_GUARDED_BY, a function that needs the lock held with KX_REQUIRES, and -Wthread-safety finds what breaks
 // that. docs/architecture.md lists the locks in the order in which they may be taken.
 
-#if defined(__clang__)
-#define KX_THREAD_ATTRIBUTE(x) __attribute__((x))
-#else
-#define KX_THREAD_ATTRIBUTE(x)
-#endif
-#define KX_GUARDED_BY(lock) KX_THREAD_ATTRIBUTE(guarded_by(lock))
-#define KX_PT_GUARDED_BY(lock) KX_THREAD_ATTRIBUTE(pt_guarded_by(lock))
-#define KX_REQUIRES(...) KX_THREAD_ATTRIBUTE(requires_capability(__VA_ARGS__))
-#define KX_EXCLUDES(...) KX_THREAD_ATTRIBUTE(locks_excluded(__VA_ARGS__))
-#define KX_ACQUIRE(...) KX_THREAD_ATTRIBUTE(acquire_capability(__VA_ARGS__))
-#define KX_RELEASE(...) KX_THREAD_ATTRIBUTE(release_capability(__VA_ARGS__))
 #define KX_TRY_ACQUIRE(...) KX_THREAD_ATTRIBUTE(try_acquire_capability(__VA_ARGS__))
 #define KX_RETURN_LOCK(lock) KX_THREAD_ATTRIBUTE(lock_returned(lock))
-#define KX_NO_LOCK_ANALYSIS KX_THREAD_ATTRIBUTE(no_thread_safety_analysis)
+#define KX_ASSERT_HELD() KX_THREAD_ATTRIBUTE(assert_capability(this))
 
 namespace kx::sync {
 
 // Neither fair nor recursive. Its constructor is constexpr, so a static one needs no order of construction.
-class KX_THREAD_ATTRIBUTE(capability("mutex")) Mutex
+class KX_CAPABILITY("mutex") Mutex
 {
 public:
     constexpr Mutex() noexcept = default;
@@ -35,6 +26,8 @@ public:
     void lock() noexcept KX_ACQUIRE() { m_mutex.lock(); }
     void unlock() noexcept KX_RELEASE() { m_mutex.unlock(); }
     bool try_lock() noexcept KX_TRY_ACQUIRE(true) { return m_mutex.try_lock(); }
+    // Tells the analysis that this thread holds it, where the lock came in a way that it doesn't follow.
+    void AssertHeld() const noexcept KX_ASSERT_HELD() {}
 
     // Tries for a tenth of a second or some more: for a process that has crashed, where the thread that holds
     // the lock may be the one that asks.
@@ -55,7 +48,7 @@ private:
 
 // Holds a Mutex for its scope. It may be let go and taken again in between, as waits on a time::Condition
 // do.
-class KX_THREAD_ATTRIBUTE(scoped_lockable) MutexLock
+class KX_SCOPED_CAPABILITY MutexLock
 {
 public:
     explicit MutexLock(Mutex& mutex) noexcept KX_ACQUIRE(mutex) : m_mutex(mutex) { m_mutex.lock(); }
@@ -80,6 +73,19 @@ public:
 private:
     Mutex& m_mutex;
     bool m_bHeld = true;
+};
+
+// Lets a Mutex that this thread holds be free for its scope.
+class KX_SCOPED_CAPABILITY MutexUnlock
+{
+public:
+    explicit MutexUnlock(Mutex& mutex) noexcept KX_RELEASE(mutex) : m_mutex(mutex) { m_mutex.unlock(); }
+    MutexUnlock(const MutexUnlock&) = delete;
+    MutexUnlock& operator=(const MutexUnlock&) = delete;
+    ~MutexUnlock() KX_RELEASE() { m_mutex.lock(); }
+
+private:
+    Mutex& m_mutex;
 };
 
 } // namespace kx::sync

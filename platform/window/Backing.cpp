@@ -55,10 +55,10 @@ SIZE FitBacking(Window& window)
 
 std::shared_ptr<screen::Backing> Root(SIZE size)
 {
-    return screen::Screen::Instance().Root(
-        size,
-        [](const RECT& rect, gdi::Surface& root, screen::Backing::Lock& lock)
-            KX_NO_LOCK_ANALYSIS -> gdi::Surface& { return Desktop::Instance().Look(rect, root, lock); });
+    return screen::Screen::Instance().Root(size, [](const RECT& rect, gdi::Surface& root) -> gdi::Surface& {
+        gdi::pixelLock.AssertHeld();
+        return Desktop::Instance().Look(rect, root);
+    });
 }
 
 } // namespace kx::window

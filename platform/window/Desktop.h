@@ -94,10 +94,8 @@ public:
     // from then on there is something to see of it.
     virtual void Present(const Window& window, const RECT& rect) = 0;
     // The desktop as it is seen, of which the rectangle is up to date; `root` is what lies under all windows.
-    // The pixels are of the root's size. Called with gdi::pixelLock held by `lock`, which is free while a
-    // display is waited for.
-    virtual gdi::Surface& Look(const RECT& rect, gdi::Surface& root, gdi::SharedSurface::Lock& lock)
-        KX_REQUIRES(gdi::pixelLock) = 0;
+    // The pixels are of the root's size. gdi::pixelLock is free while a display is waited for.
+    virtual gdi::Surface& Look(const RECT& rect, gdi::Surface& root) KX_REQUIRES(gdi::pixelLock) = 0;
 
     // ---- Windows of other processes, whose handles are numbers of NewAge
 

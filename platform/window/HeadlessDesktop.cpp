@@ -149,7 +149,7 @@ void HeadlessDesktop::Destroy(HWND hWnd) noexcept
     m_stack.Remove(hWnd);
 }
 
-gdi::Surface& HeadlessDesktop::Look(const RECT& rect, gdi::Surface& root, gdi::SharedSurface::Lock&)
+gdi::Surface& HeadlessDesktop::Look(const RECT& rect, gdi::Surface& root)
 {
     std::vector<HWND> order;
     {

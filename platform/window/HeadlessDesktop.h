@@ -57,8 +57,7 @@ public:
     void Destroy(HWND hWnd) noexcept override;
 
     void Present(const Window&, const RECT&) override {}
-    gdi::Surface& Look(const RECT& rect, gdi::Surface& root, gdi::SharedSurface::Lock&) override
-        KX_REQUIRES(gdi::pixelLock);
+    gdi::Surface& Look(const RECT& rect, gdi::Surface& root) override KX_REQUIRES(gdi::pixelLock);
 
     std::vector<HWND> ForeignWindows() const override;
     std::optional<WindowFacts> FindForeign(HWND hWnd) const noexcept override;

@@ -1,5 +1,6 @@
 #include "include/platform/Exception.h"
 #include "include/platform/Host.h"
+#include "platform/files/WholeFile.h"
 #include "platform/gdiplus/Encode.h"
 #include "platform/gdiplus/Graphics.h"
 #include "platform/screen/Screen.h"
@@ -9,8 +10,8 @@
 #include "platform/window/Input.h"
 
 #include <chrono>
-#include <fstream>
 #include <new>
+#include <string_view>
 #include <utility>
 
 using kx::window::Desktop;
@@ -39,21 +40,20 @@ bool KXHost::IsMemoryDesktop()
     return &Desktop::Instance() == &HeadlessDesktop::Instance();
 }
 
-bool KXHost::SaveDesktop(const std::string& strPath) KX_NO_LOCK_ANALYSIS
+bool KXHost::SaveDesktop(const std::string& strPath)
 try {
     kx::gdiplus::Bytes file;
     {
         const SIZE size = Desktop::Instance().Size();
-        std::unique_lock lock(kx::gdi::pixelLock);
+        const kx::sync::MutexLock lock(kx::gdi::pixelLock);
         const auto root = kx::window::Root(size);
         if (!root) return false;
-        kx::gdi::Surface& seen = Desktop::Instance().Look({0, 0, size.cx, size.cy}, root->surface, lock);
+        kx::gdi::Surface& seen = Desktop::Instance().Look({0, 0, size.cx, size.cy}, root->surface);
         const auto view = kx::gdiplus::ViewOf(seen, kx::gdiplus::Alpha::Opaque);
         if (kx::gdiplus::EncodePng(view, file) != Gdiplus::Ok) return false;
     }
-    std::ofstream out(strPath, std::ios::binary);
-    out.write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
-    return out.flush().good();
+    const std::string_view bytes(reinterpret_cast<const char*>(file.data()), file.size());
+    return kx::files::ReplaceWholeFile(strPath, bytes, 0666) == ERROR_SUCCESS;
 } catch (const std::bad_alloc&) {
     AfxThrowMemoryException();
 }

@@ -217,13 +217,10 @@ public:
     } catch (const std::bad_alloc&) {
         // The window keeps its pixels: the next that is drawn, or uncovered, shows them.
     }
-    gdi::Surface& Look(const RECT& rect, gdi::Surface& root, gdi::SharedSurface::Lock& lock) override
-        KX_REQUIRES(gdi::pixelLock)
+    gdi::Surface& Look(const RECT& rect, gdi::Surface& root) override KX_REQUIRES(gdi::pixelLock)
     {
         const RECT area = gdi::Cut(rect, {0, 0, root.Width(), root.Height()});
-        lock.unlock();
-        auto part = Read(area);
-        lock.lock();
+        auto part = ReadFreely(area);
         if (!m_seen || m_seen->Width() != root.Width() || m_seen->Height() != root.Height())
             m_seen = gdi::Surface::Make(root.Width(), root.Height());
         if (!part || !m_seen) return root;
@@ -260,6 +257,12 @@ private:
         const Access server(Session());
         const xcb_window_t id = server ? server->own.NumberOf(hWnd) : 0;
         if (id) tell(server->connection, id);
+    }
+    // Reads it without the lock of the pixels, for the time that the server takes.
+    std::optional<gdi::Surface> ReadFreely(const RECT& rect) const KX_REQUIRES(gdi::pixelLock)
+    {
+        const sync::MutexUnlock unlock(gdi::pixelLock);
+        return Read(rect);
     }
     // Reads a rectangle as it is seen; gives nothing where it can't. A guest's root shows nothing of what a
     // person sees: it counts as plain.
