@@ -337,7 +337,8 @@ TEST(LogFork, OfABusyProcessMayLogAndUseFiles)
         unsigned t = 2;
         int n = 0;
         ASSERT_EQ(std::sscanf(line.c_str(), "[%*[^]]] 1 %u %d", &t, &n), 2) << line;
-        ASSERT_TRUE(t < 2 && n == next[t]++) << line;
+        ASSERT_TRUE(t < 2) << line;
+        ASSERT_EQ(n, next[t]++) << line;
     }
     EXPECT_GT(next[0], 0);
 }

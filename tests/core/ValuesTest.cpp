@@ -36,7 +36,10 @@ TEST(KXExeFileInfo, WithoutAVersionNothingChanges)
     for (const CString& path : {dir.Win("text"), dir.Win("absent"), dir.Win(), CString()}) {
         CKXExeFileInfo::VersionInfo info{6, 7, 8, 9};
         EXPECT_EQ(CKXExeFileInfo::GetFileInfo(path, info), 0);
-        EXPECT_TRUE(info.dwMajor == 6 && info.dwMinor == 7 && info.dwRevision == 8 && info.dwBuild == 9);
+        EXPECT_EQ(info.dwMajor, 6);
+        EXPECT_EQ(info.dwMinor, 7);
+        EXPECT_EQ(info.dwRevision, 8);
+        EXPECT_EQ(info.dwBuild, 9);
     }
 }
 

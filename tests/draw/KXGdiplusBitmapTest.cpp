@@ -234,8 +234,10 @@ TEST_F(GdiplusBitmap, EmptyObjects)
     EXPECT_EQ(nSize, 7);
     const auto boxes = KXHost::TakeMessageBoxes();
     EXPECT_EQ(boxes.size(), 3u);
-    for (const auto& box : boxes)
-        EXPECT_TRUE(box.strText == test::szNoImage && box.nType == MB_OK);
+    for (const auto& box : boxes) {
+        EXPECT_EQ(box.strText, test::szNoImage);
+        EXPECT_EQ(box.nType, MB_OK);
+    }
 }
 
 // Without the layer every picture is one that couldn't be read.

@@ -143,7 +143,9 @@ TEST_F(GifRender, FailedLoadsHaveDroppedTheOldPicture)
         EXPECT_EQ(gif.Load(strPath), 0);
         EXPECT_EQ(gif.GetImage() == nullptr, strPath.IsEmpty()); // an object without a picture
         EXPECT_EQ(Shown(gif), 'W');
-        EXPECT_TRUE(gif.m_nPlayState == 1 && gif.m_nFrameDelay == 300 && gif.m_dwLastTime == 77); // stay
+        EXPECT_EQ(gif.m_nPlayState, 1);
+        EXPECT_EQ(gif.m_nFrameDelay, 300);
+        EXPECT_EQ(gif.m_dwLastTime, 77); // stay
         EXPECT_EQ(gif.Playing(5000), 0);
         gif.PlayNextFrame();
         EXPECT_EQ(gif.m_nCurFrame, 0xFFFFFFFFu);

@@ -209,7 +209,8 @@ TEST_F(FileSystemQuery, ShellsAnswers)
     const auto* large = CKXFileSystem::GetSystemImageList(2);
     const auto* small = CKXFileSystem::GetSystemImageList(0);
     int cxLarge = 0, cxSmall = 0, cy = 0;
-    EXPECT_TRUE(ImageList_GetIconSize(large, &cxLarge, &cy) && ImageList_GetIconSize(small, &cxSmall, &cy));
+    EXPECT_TRUE(ImageList_GetIconSize(large, &cxLarge, &cy));
+    EXPECT_TRUE(ImageList_GetIconSize(small, &cxSmall, &cy));
     EXPECT_GT(cxLarge, cxSmall);
 
     SHFILEINFOA info;
@@ -224,7 +225,8 @@ TEST_F(FileSystemQuery, ShellsAnswers)
     EXPECT_STREQ(name, "a.png");
     EXPECT_FALSE(type.IsEmpty());
     CKXFileSystem::GetTypeDesc(dir.Win("none"), name, type);
-    EXPECT_TRUE(name.IsEmpty() && type.IsEmpty());
+    EXPECT_TRUE(name.IsEmpty());
+    EXPECT_TRUE(type.IsEmpty());
     EXPECT_EQ(CKXFileSystem::GetFileImage(dir.Win("none"), 1), 0);
 }
 

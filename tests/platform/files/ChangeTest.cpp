@@ -179,8 +179,10 @@ TEST(Copy, KeepsHoles)
     EXPECT_LT(info.st_blocks * 512, off_t{1} << 20);
     std::array<char, 4> text{};
     const int fd = open(drive.Path("copy").c_str(), O_RDONLY);
-    EXPECT_TRUE(pread(fd, text.data(), 4, 0) == 4 && std::string_view(text.data(), 4) == "head");
-    EXPECT_TRUE(pread(fd, text.data(), 3, kSize / 2) == 3 && std::string_view(text.data(), 3) == "mid");
+    EXPECT_EQ(pread(fd, text.data(), 4, 0), 4);
+    EXPECT_EQ(std::string_view(text.data(), 4), "head");
+    EXPECT_EQ(pread(fd, text.data(), 3, kSize / 2), 3);
+    EXPECT_EQ(std::string_view(text.data(), 3), "mid");
     close(fd);
 }
 

@@ -96,7 +96,8 @@ TEST(Wnd, HandlersAreFoundFromTheDerivedClassUp)
     EXPECT_EQ(wnd.m_hWnd, nullptr);
     EXPECT_THAT(wnd.calls,
                 testing::ElementsAre("create name", "move 4 3 -1", "derived", "size 8 4", "destroy", "gone"));
-    EXPECT_TRUE(wnd.IsKindOf(CBase::GetThisClass()) && wnd.IsKindOf(CWnd::GetThisClass()));
+    EXPECT_TRUE(wnd.IsKindOf(CBase::GetThisClass()));
+    EXPECT_TRUE(wnd.IsKindOf(CWnd::GetThisClass()));
     ASSERT_TRUE(Create(wnd)); // and again
 }
 

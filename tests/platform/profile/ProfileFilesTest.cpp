@@ -102,7 +102,8 @@ TEST(ProfileFiles, OwnerGroupAndWholeModeStay)
         ASSERT_TRUE(ini.Set("S", "k", std::to_string(mode).c_str()));
         EXPECT_EQ(ModeOf(ini.Path()), mode);
         ASSERT_EQ(stat(ini.Path().c_str(), &now), 0);
-        EXPECT_TRUE(now.st_uid == kNobody && now.st_gid == kGroup);
+        EXPECT_EQ(now.st_uid, kNobody);
+        EXPECT_EQ(now.st_gid, kGroup);
     }
 
     // Its own group is another: the members of that get no more than everyone.
@@ -134,7 +135,8 @@ TEST(ProfileFiles, LinksStayAndTheirTargetIsReplaced)
     fs::create_symlink("real/file", ini.Dir().Path("link"));
     fs::create_symlink(ini.Dir().Path("link"), ini.Path());
     EXPECT_TRUE(ini.Set("S", "k", "w"));
-    EXPECT_TRUE(fs::is_symlink(ini.Path()) && fs::is_symlink(ini.Dir().Path("link")));
+    EXPECT_TRUE(fs::is_symlink(ini.Path()));
+    EXPECT_TRUE(fs::is_symlink(ini.Dir().Path("link")));
     EXPECT_EQ(ini.Dir().Read("real/file"), "[S]\nk=w\n");
     EXPECT_EQ(ini.Get("S", "k"), "w");
 

@@ -127,10 +127,13 @@ TEST_F(Shell, FillsWhatIsAskedAndNoMore)
     reset();
     EXPECT_NE(SHGetFileInfoA(strFile, 0, &info, sizeof(info), SHGFI_TYPENAME), 0u);
     EXPECT_STREQ(info.szTypeName, "GIF image");
-    EXPECT_TRUE(untouched(info.szDisplayName) && untouched(info.iIcon) && untouched(info.hIcon));
+    EXPECT_TRUE(untouched(info.szDisplayName));
+    EXPECT_TRUE(untouched(info.iIcon));
+    EXPECT_TRUE(untouched(info.hIcon));
     reset();
     EXPECT_NE(Ask(strFile, info, SHGFI_SYSICONINDEX), nullptr);
-    EXPECT_TRUE(untouched(info.szDisplayName) && untouched(info.szTypeName));
+    EXPECT_TRUE(untouched(info.szDisplayName));
+    EXPECT_TRUE(untouched(info.szTypeName));
     EXPECT_GT(info.iIcon, 0);
 
     const std::string tooLong = "C:\\" + std::string(257, 'x');
@@ -200,13 +203,18 @@ TEST_F(Shell, ImageListsShareTheirIndices)
     SHFILEINFOA small{};
     const auto* pLarge = Ask("C:\\", large, SHGFI_SYSICONINDEX);
     const auto* pSmall = Ask("C:\\", small, SHGFI_SYSICONINDEX | SHGFI_SMALLICON);
-    ASSERT_TRUE(pLarge && pSmall);
+    ASSERT_TRUE(pLarge);
+    ASSERT_TRUE(pSmall);
     EXPECT_NE(pLarge, pSmall);
     EXPECT_EQ(large.iIcon, small.iIcon);
     int cx = 0;
     int cy = 0;
-    EXPECT_TRUE(ImageList_GetIconSize(pLarge, &cx, &cy) && cx == 32 && cy == 32);
-    EXPECT_TRUE(ImageList_GetIconSize(pSmall, &cx, &cy) && cx == 16 && cy == 16);
+    EXPECT_TRUE(ImageList_GetIconSize(pLarge, &cx, &cy));
+    EXPECT_EQ(cx, 32);
+    EXPECT_EQ(cy, 32);
+    EXPECT_TRUE(ImageList_GetIconSize(pSmall, &cx, &cy));
+    EXPECT_EQ(cx, 16);
+    EXPECT_EQ(cy, 16);
     EXPECT_STREQ(ImageList_GetIconName(pSmall, 0), kUnknownIcon);
 
     const int count = ImageList_GetImageCount(pLarge);

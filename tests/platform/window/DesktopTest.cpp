@@ -52,7 +52,9 @@ TEST(Desktop, WalksWindowsOfEveryProcessOldestFirst)
     EXPECT_THAT(WalkAll(nullptr), ElementsAre(first, foreign, thread.Window(), last));
     EXPECT_THAT(Walk(hDesk, 0, [&](HWND h) { return h != foreign; }), ElementsAre(first, foreign));
     EXPECT_FALSE(EnumDesktopWindows(hDesk, nullptr, 0));
-    EXPECT_TRUE(CloseDesktop(hDesk) && DestroyWindow(first) && DestroyWindow(last));
+    EXPECT_TRUE(CloseDesktop(hDesk));
+    EXPECT_TRUE(DestroyWindow(first));
+    EXPECT_TRUE(DestroyWindow(last));
     KXHost::RemoveForeignWindow(foreign);
 }
 
@@ -66,12 +68,15 @@ TEST(Desktop, AWalkBearsWhatItsCallbackDoes)
         if (hWnd == thread->Window()) thread->Join(); // ends its window
         if (hWnd != own[0]) return true;
         made = Make();
-        EXPECT_TRUE(DestroyWindow(own[0]) && DestroyWindow(own[2]));
+        EXPECT_TRUE(DestroyWindow(own[0]));
+        EXPECT_TRUE(DestroyWindow(own[2]));
         EXPECT_THAT(WalkAll(), ElementsAre(own[1], own[3], made));
         return true;
     });
     EXPECT_THAT(visited, ElementsAre(thread->Window(), own[0], own[1], own[3]));
-    EXPECT_TRUE(DestroyWindow(made) && DestroyWindow(own[1]) && DestroyWindow(own[3]));
+    EXPECT_TRUE(DestroyWindow(made));
+    EXPECT_TRUE(DestroyWindow(own[1]));
+    EXPECT_TRUE(DestroyWindow(own[3]));
     EXPECT_TRUE(WalkAll().empty());
 }
 
@@ -80,7 +85,10 @@ TEST(Desktop, OnlyDefaultOpensAndClosesOnce)
     EXPECT_FALSE(Open("Winlogon"));
     EXPECT_FALSE(Open(nullptr));
     const HDESK one = Open("DEFAULT"), two = Open();
-    EXPECT_TRUE(one && two && one != two && CloseDesktop(one));
+    EXPECT_TRUE(one);
+    EXPECT_TRUE(two);
+    EXPECT_NE(one, two);
+    EXPECT_TRUE(CloseDesktop(one));
     for (const HDESK stale : {one, reinterpret_cast<HDESK>(std::intptr_t{-1})}) {
         EXPECT_FALSE(CloseDesktop(stale));
         Walk(stale, 0, {});
@@ -96,19 +104,26 @@ TEST(Desktop, ForeignWindowsRecordWhatTheyReceive)
     DWORD dwProcessId = 0;
     EXPECT_EQ(GetWindowThreadProcessId(foreign, &dwProcessId), 77u);
     EXPECT_EQ(dwProcessId, 77u);
-    EXPECT_TRUE(IsWindow(hidden) && !IsWindowVisible(hidden) && IsWindowVisible(foreign));
+    EXPECT_TRUE(IsWindow(hidden));
+    EXPECT_FALSE(IsWindowVisible(hidden));
+    EXPECT_TRUE(IsWindowVisible(foreign));
 
     EXPECT_EQ(SendMessageA(foreign, test::kPing, 2, -3), 0);
     EXPECT_EQ(PostMessage(foreign, WM_USER, 4, 5), 1);
     const auto got = KXHost::TakeForeignMessages(foreign);
     ASSERT_EQ(got.size(), 2u);
-    EXPECT_TRUE(got[0].nMsg == test::kPing && got[0].wParam == 2 && got[0].lParam == -3);
-    EXPECT_TRUE(got[1].nMsg == WM_USER && got[1].wParam == 4 && got[1].lParam == 5);
+    EXPECT_EQ(got[0].nMsg, test::kPing);
+    EXPECT_EQ(got[0].wParam, 2);
+    EXPECT_EQ(got[0].lParam, -3);
+    EXPECT_EQ(got[1].nMsg, WM_USER);
+    EXPECT_EQ(got[1].wParam, 4);
+    EXPECT_EQ(got[1].lParam, 5);
     for (UINT n = 0; n < 1'002; ++n)
         PostMessage(foreign, n, 0, 0);
     const auto newest = KXHost::TakeForeignMessages(foreign);
     ASSERT_EQ(newest.size(), 1'000u);
-    EXPECT_TRUE(newest.front().nMsg == 2 && newest.back().nMsg == 1'001);
+    EXPECT_EQ(newest.front().nMsg, 2);
+    EXPECT_EQ(newest.back().nMsg, 1'001);
     EXPECT_TRUE(KXHost::TakeForeignMessages(foreign).empty());
 
     // It is no window of this process.
@@ -134,13 +149,17 @@ TEST(Desktop, MessageBoxesAreRecorded)
     EXPECT_EQ(AfxMessageBox(nullptr), IDOK);
     const auto boxes = KXHost::TakeMessageBoxes();
     ASSERT_EQ(boxes.size(), 2u);
-    EXPECT_TRUE(boxes[0].strText == "text" && boxes[0].nType == 0x30 && boxes[0].nHelpId == 9);
-    EXPECT_TRUE(boxes[1].strText.IsEmpty() && boxes[1].nType == MB_OK);
+    EXPECT_EQ(boxes[0].strText, "text");
+    EXPECT_EQ(boxes[0].nType, 0x30);
+    EXPECT_EQ(boxes[0].nHelpId, 9);
+    EXPECT_TRUE(boxes[1].strText.IsEmpty());
+    EXPECT_EQ(boxes[1].nType, MB_OK);
     for (UINT n = 0; n < 1'002; ++n)
         AfxMessageBox("many", n);
     const auto newest = KXHost::TakeMessageBoxes();
     ASSERT_EQ(newest.size(), 1'000u);
-    EXPECT_TRUE(newest.front().nType == 2 && newest.back().nType == 1'001);
+    EXPECT_EQ(newest.front().nType, 2);
+    EXPECT_EQ(newest.back().nType, 1'001);
 }
 
 // While the process ends, the main thread's windows are gone before its static objects.

@@ -38,11 +38,16 @@ TEST(Queue, GivesWhatIsPostedInOrder)
 
         MSG msg;
         EXPECT_EQ(GetMessageA(&msg, nullptr, 0, 0), 1);
-        EXPECT_TRUE(msg.hwnd == hWnd && msg.message == test::kAsk && msg.wParam == 5 && msg.lParam == -1);
+        EXPECT_EQ(msg.hwnd, hWnd);
+        EXPECT_EQ(msg.message, test::kAsk);
+        EXPECT_EQ(msg.wParam, 5);
+        EXPECT_EQ(msg.lParam, -1);
         EXPECT_EQ(msg.time, dwStart);
         EXPECT_EQ(DispatchMessageA(&msg), 6);
         EXPECT_EQ(GetMessageA(&msg, nullptr, 0, 0), 1);
-        EXPECT_TRUE(!msg.hwnd && msg.message == 1 && msg.time == dwStart + 40);
+        EXPECT_FALSE(msg.hwnd);
+        EXPECT_EQ(msg.message, 1);
+        EXPECT_EQ(msg.time, dwStart + 40);
         EXPECT_FALSE(DispatchMessageA(&msg));
         EXPECT_FALSE(DispatchMessageA(nullptr));
         EXPECT_THAT(TakeAll(), ElementsAre(2u));
@@ -79,7 +84,9 @@ TEST(Queue, QuitComesLastAndPassesFilters)
         EXPECT_EQ(GetMessageA(&msg, nullptr, 0, 0), 1);
         EXPECT_TRUE(PeekMessageA(&msg, hWnd, 1, 2, PM_NOREMOVE));
         EXPECT_EQ(GetMessageA(&msg, hWnd, 1, 2), 0);
-        EXPECT_TRUE(msg.message == WM_QUIT && msg.wParam == 9 && !msg.hwnd);
+        EXPECT_EQ(msg.message, WM_QUIT);
+        EXPECT_EQ(msg.wParam, 9);
+        EXPECT_FALSE(msg.hwnd);
         EXPECT_FALSE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
 
         PostMessage(nullptr, WM_QUIT, 3, 0); // posted as such it keeps its place

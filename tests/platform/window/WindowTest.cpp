@@ -39,7 +39,8 @@ TEST(Window, LivesThroughItsMessages)
         EXPECT_EQ(GetWindowThreadProcessId(hWnd, nullptr), GetCurrentThreadId());
         if (nMsg == NCCREATE || nMsg == CREATE) {
             const auto& create = *reinterpret_cast<const CREATESTRUCTA*>(lParam);
-            EXPECT_TRUE(create.lpCreateParams == &handler && create.style == (WS_POPUP | WS_VISIBLE));
+            EXPECT_EQ(create.lpCreateParams, &handler);
+            EXPECT_EQ(create.style, (WS_POPUP | WS_VISIBLE));
             EXPECT_STREQ(create.lpszName, "name");
             EXPECT_STREQ(create.lpszClass, "KXTest");
             EXPECT_THAT((std::vector{create.x, create.y, create.cx, create.cy}), ElementsAre(1, 2, 30, 40));

@@ -93,7 +93,9 @@ TEST_F(X11WindowTest, OthersAreToldWhatAWindowIs)
     const xcb_window_t idPlain = outside->Find("\xE4\xB8\xAD\xE6\x96\x87");
     const xcb_window_t idFramed = outside->Find("framed");
     const xcb_window_t idPopup = outside->Find("? tip");
-    ASSERT_TRUE(idPlain && idFramed && idPopup);
+    ASSERT_TRUE(idPlain);
+    ASSERT_TRUE(idFramed);
+    ASSERT_TRUE(idPopup);
     EXPECT_TRUE(outside->IsPopup(idPopup));
     EXPECT_FALSE(outside->IsPopup(idPlain));
     EXPECT_FALSE(outside->IsPopup(idFramed));
@@ -132,7 +134,8 @@ TEST_F(X11WindowTest, AWindowHasAnIcon)
     EXPECT_TRUE(Await([&] { return property().empty(); }));
     EXPECT_EQ(SendMessageA(hWnd, WM_SETICON, 0, reinterpret_cast<LPARAM>(icon)), 0);
     EXPECT_TRUE(Await([&] { return !property().empty(); }));
-    EXPECT_TRUE(DestroyWindow(hWnd) && UnregisterClassA("KXIcon"));
+    EXPECT_TRUE(DestroyWindow(hWnd));
+    EXPECT_TRUE(UnregisterClassA("KXIcon"));
     DestroyIcon(icon);
 }
 
