@@ -34,9 +34,6 @@ void client::SpellingTest::Ask()
 
 namespace {
 
-// In the process's code page a byte from here on begins a character of two or four.
-constexpr unsigned char kFirstOfMore = 0x81;
-
 // The last character's beginning, and its end, which lies behind the text while it lacks a byte.
 std::pair<int, int> LastCharacter(const CString& str)
 {
@@ -45,7 +42,7 @@ std::pair<int, int> LastCharacter(const CString& str)
     while (nEnd < str.GetLength()) {
         nBegin = nEnd;
         const bool bOfFour = nEnd + 1 < str.GetLength() && str[nEnd + 1] >= '0' && str[nEnd + 1] <= '9';
-        nEnd += static_cast<unsigned char>(str[nEnd]) < kFirstOfMore ? 1 : bOfFour ? 4 : 2;
+        nEnd += !IsDBCSLeadByte(static_cast<BYTE>(str[nEnd])) ? 1 : bOfFour ? 4 : 2;
     }
     return {nBegin, nEnd};
 }
@@ -60,7 +57,7 @@ bool client::TypeByte(CString& str, char byte, bool bBegins, int nMost)
         str = str.Left(nBegin);
         return nLength > 0;
     }
-    bBegins |= static_cast<unsigned char>(byte) >= kFirstOfMore;
+    bBegins = bBegins || IsDBCSLeadByte(static_cast<BYTE>(byte)) != 0;
     if (nEnd == nLength && (!bBegins || nLength >= nMost)) return false;
     str += byte;
     return LastCharacter(str).second == str.GetLength();

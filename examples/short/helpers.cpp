@@ -25,6 +25,8 @@ int main()
         CountWord();
         KXPrintDebugStr("word %s\n", strWord.GetString()); // seen with KX_DEBUG=1
     }
+    CString strTyped = "  voyage ";
+    strTyped.TrimLeft().TrimRight().MakeUpper();
     const int nWord = CKXRandom::GetRandom(0, 2);
 
     std::vector<int> numbers;
@@ -42,8 +44,8 @@ int main()
         nullptr); // resources are looked up in the executable, to the end of the scope
     const CString strHello = KXText::FromUtf8("你好"); // in the code page of the process, 936
     std::printf("%s: %d words, %s\n", KXText::ToUtf8(strHello).c_str(), nWords, strId.GetString());
-    return nWords == 3 && nWord <= 2 && numbers.size() == 2 && when.GetStatus() == COleDateTime::valid &&
-                   strAgain == strId && strHello.GetLength() == 4
+    return nWords == 3 && strTyped == "VOYAGE" && nWord <= 2 && numbers.size() == 2 &&
+                   when.GetStatus() == COleDateTime::valid && strAgain == strId && strHello.GetLength() == 4
                ? 0
                : 1;
 }
