@@ -203,10 +203,14 @@ TEST(Icon, HandlesEndOnceAndAreNoOthers)
     const Paper paper(4, 4);
     SIZE size{};
     EXPECT_EQ(DeleteObject(icon), 0);
-    EXPECT_EQ(GetIconSize(icon, nullptr) + DrawIcon(nullptr, 0, 0, icon), 0);
+    EXPECT_EQ(GetIconSize(icon, nullptr), 0);
+    EXPECT_EQ(DrawIcon(nullptr, 0, 0, icon), 0);
     EXPECT_EQ(DestroyIcon(icon), 1);
-    for (const HICON none : {icon, HICON{}, reinterpret_cast<HICON>(paper.Bitmap())})
-        EXPECT_EQ(DestroyIcon(none) + GetIconSize(none, &size) + DrawIcon(paper, 0, 0, none), 0);
+    for (const HICON none : {icon, HICON{}, reinterpret_cast<HICON>(paper.Bitmap())}) {
+        EXPECT_EQ(DestroyIcon(none), 0);
+        EXPECT_EQ(GetIconSize(none, &size), 0);
+        EXPECT_EQ(DrawIcon(paper, 0, 0, none), 0);
+    }
 }
 
 } // namespace

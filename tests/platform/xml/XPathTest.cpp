@@ -104,11 +104,10 @@ TEST_F(XPath, ReadsManyChildrenInAnyOrder)
     constexpr int kMany = 50'000;
     CKXXmlDomElement root =
         Root(Records(kMany, [](const std::string& n) { return "<n" + n + ">" + n + "</n" + n + ">"; }));
-    long nSum = 0;
     const auto read = [&](int n) {
         int nValue = 0;
         EXPECT_EQ(root.GetChild(("n" + std::to_string(n)).c_str(), nValue, true, 0), 1);
-        nSum += nValue;
+        EXPECT_EQ(nValue, n);
     };
     for (int n = 0; n < kMany; ++n)
         read(n);
@@ -116,7 +115,6 @@ TEST_F(XPath, ReadsManyChildrenInAnyOrder)
         read(n);
     for (int n = 0; n < kMany; ++n)
         read(static_cast<int>(n * 7919L % kMany));
-    EXPECT_EQ(nSum, 3L * kMany * (kMany - 1) / 2);
     for (int n = 0; n < 20'000; ++n) { // what isn't there yet is looked for and appended
         const std::string name = "m" + std::to_string(n);
         EXPECT_FALSE(root.GetChild(name.c_str()).IsValid());
@@ -143,10 +141,8 @@ TEST_F(XPath, ReadsTwoRecordsInTurnAndMovesAll)
     CKXXmlDomElement root = Root("<p>" + record + record + "</p>");
     CKXXmlDomElement one = root.GetChild("r[1]");
     CKXXmlDomElement two = root.GetChild("r[2]");
-    int nSame = 0;
     for (int n = kMany - 1; n >= 0; --n)
-        nSame += one.GetChild(name(n).c_str()).GetText() == two.GetChild(name(n).c_str()).GetText();
-    EXPECT_EQ(nSame, kMany);
+        ASSERT_EQ(one.GetChild(name(n).c_str()).GetText(), two.GetChild(name(n).c_str()).GetText());
     for (int n = 0; n < kMany; ++n)
         two.AppendChild(one.GetChild(name(n * 7919L % kMany).c_str()));
     EXPECT_FALSE(one.GetChild("*").IsValid());
