@@ -141,9 +141,10 @@ TEST(Drives, HostsDrivesStandBeforeTheSystems)
     host.nType = DRIVE_REMOTE;
     EXPECT_TRUE(KXHost::MountDrive('E', host));
     EXPECT_EQ(Kinds(), "354");
+    EXPECT_TRUE(KXHost::MountDrive('F', host)); // of two letters for one directory the first names it
     EXPECT_EQ(KXHost::FromSystemPath(system.Path("stick/a")), "E:\\stick\\a");
-    KXHost::UnmountDrive('D');
-    KXHost::UnmountDrive('E');
+    for (const char letter : {'D', 'E', 'F'})
+        KXHost::UnmountDrive(letter);
     EXPECT_EQ(Kinds(), "312");
     EXPECT_EQ(KXHost::FromSystemPath(system.Path("stick/a")), "E:\\a");
     EXPECT_FALSE(KXHost::MountDrive('1', host));
