@@ -27,7 +27,7 @@ std::uint64_t ReadCharacters()
 
 DWORD ErrorOf(const char* pszPath, UINT nType = IMAGE_BITMAP, int cx = 0, int cy = 0)
 {
-    SetLastError(ERROR_SUCCESS);
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY); // an older one, which isn't to be taken for this call's
     EXPECT_EQ(LoadImageA(nullptr, pszPath, nType, cx, cy, LR_LOADFROMFILE), nullptr);
     return GetLastError();
 }

@@ -90,6 +90,8 @@ TEST_F(Text, ALineIsAsLongAsItsLetters)
     const int nWidth = WidthOf(four.GetString());
     const test::CodePage utf8(CP_UTF8);
     EXPECT_EQ(nWidth, WidthOf("ñ"));
+    EXPECT_EQ(WidthOf("\xC2\x80"),
+              WidthOf("\xC2\x81")); // the first letters behind ASCII, of which no face has any
 }
 
 TEST_F(Text, StandsWhereTheFlagsSay)
