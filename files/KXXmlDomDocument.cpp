@@ -3,9 +3,9 @@
 #include "files/WideText.h"
 #include "platform/Com.h"
 
-using kx::xml::Checked;
-using kx::xml::WideResult;
-using kx::xml::WideText;
+using kx::files::Checked;
+using kx::files::WideResult;
+using kx::files::WideText;
 
 namespace {
 

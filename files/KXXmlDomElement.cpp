@@ -4,10 +4,10 @@
 
 #include <limits>
 
-using kx::xml::Checked;
-using kx::xml::ToText;
-using kx::xml::WideResult;
-using kx::xml::WideText;
+using kx::files::Checked;
+using kx::files::ToText;
+using kx::files::WideResult;
+using kx::files::WideText;
 
 namespace {
 

@@ -6,12 +6,12 @@
 #include <memory>
 #include <new>
 
+using kx::files::Checked;
 using kx::files::ScanNumber;
 using kx::files::ToDouble;
 using kx::files::ToFixedPoint;
-using kx::xml::Checked;
-using kx::xml::WideResult;
-using kx::xml::WideText;
+using kx::files::WideResult;
+using kx::files::WideText;
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <climits>
 #include <new>
 
-namespace kx::xml {
+namespace kx::files {
 
 namespace {
 
@@ -123,4 +123,4 @@ HRESULT Checked(HRESULT hr)
     return hr;
 }
 
-} // namespace kx::xml
+} // namespace kx::files

@@ -8,7 +8,7 @@
 #include <array>
 #include <string_view>
 
-namespace kx::xml {
+namespace kx::files {
 
 // A text of the process's code page as the wide text of one call; null stays null. A CMemoryException where
 // that can't be made.
@@ -66,4 +66,4 @@ CString ToText(BSTR bstr);
 // The result of an interface's operation; throws a CMemoryException for a lack of memory.
 HRESULT Checked(HRESULT hr);
 
-} // namespace kx::xml
+} // namespace kx::files

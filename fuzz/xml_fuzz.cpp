@@ -33,16 +33,16 @@ void TestText(const std::string& text)
 void MarkReferences(xmlNode* top)
 {
     for (xmlNode* node = top; node;) {
-        xmlNode* const next = kx::xml::NextBelow(top, node);
+        xmlNode* const next = kx::xml::libxml::NextBelow(top, node);
         if (node->type == XML_ENTITY_REF_NODE)
             xmlFreeNode(xmlReplaceNode(node, xmlNewDocPI(node->doc, BAD_CAST "reference", node->name)));
         node = next;
     }
 }
 
-std::string CanonicalOf(const kx::xml::Tree& tree)
+std::string CanonicalOf(const kx::xml::libxml::Tree& tree)
 {
-    const kx::xml::Complaints quiet;
+    const kx::xml::libxml::Complaints quiet;
     MarkReferences(tree.Root());
     xmlChar* text = nullptr;
     const int nLength = xmlC14NDocDumpMemory(tree.Doc(), nullptr, XML_C14N_1_0, nullptr, 1, &text);
@@ -55,10 +55,10 @@ std::string CanonicalOf(const kx::xml::Tree& tree)
 
 void TestFile(std::string_view bytes)
 {
-    const auto tree = kx::xml::ParseFile(std::string(bytes));
+    const auto tree = kx::xml::libxml::ParseFile(std::string(bytes));
     if (!tree) return;
     const std::string content = FileContentOf(*tree);
-    const auto again = kx::xml::ParseFile(content);
+    const auto again = kx::xml::libxml::ParseFile(content);
     fuzz::Expect(bool(again));
     fuzz::Expect(FileContentOf(*again) == content);
     fuzz::Expect(CanonicalOf(*again) == CanonicalOf(*tree));

@@ -21,9 +21,7 @@
 #include <system_error>
 #include <thread>
 
-namespace kx::window {
-
-using x11::Access;
+namespace kx::window::x11 {
 
 namespace {
 
@@ -53,10 +51,10 @@ private:
     sigset_t m_old;
 };
 
-void Serve(const std::shared_ptr<x11::Session>& session)
+void Serve(const std::shared_ptr<Session>& session)
 {
     const sync::AlternateStack alternate;
-    x11::Events(session).Run();
+    Events(session).Run();
     if (session->leaving) return;
     for (const HWND hWnd : Access(session)->own.Handles())
         PostChore(hWnd, Chore::Destroy);
@@ -64,7 +62,7 @@ void Serve(const std::shared_ptr<x11::Session>& session)
 
 // The thread that serves the session's events. It ends with the connection; unless that was wanted, all
 // windows end then. Throws std::system_error.
-std::thread StartEvents(std::shared_ptr<x11::Session> session)
+std::thread StartEvents(std::shared_ptr<Session> session)
 {
     const NoSignals blocked;
     return std::thread(Serve, std::move(session));
@@ -72,13 +70,13 @@ std::thread StartEvents(std::shared_ptr<x11::Session> session)
 
 // xcb waits for a server without end. It does so on a thread of its own, which is left to itself when it
 // takes too long and throws away what it then gets.
-std::shared_ptr<x11::Session> OpenSession(const char* pszDisplay, std::chrono::milliseconds limit)
+std::shared_ptr<Session> OpenSession(const char* pszDisplay, std::chrono::milliseconds limit)
 {
     const std::optional name = pszDisplay ? std::optional<std::string>(pszDisplay) : std::nullopt;
-    std::packaged_task<std::shared_ptr<x11::Session>()> open([name, limit] {
+    std::packaged_task<std::shared_ptr<Session>()> open([name, limit] {
         const sync::AlternateStack stack;
-        auto connection = x11::Connection::Open(name ? name->c_str() : nullptr);
-        return connection ? std::make_shared<x11::Session>(std::move(connection), limit) : nullptr;
+        auto connection = Connection::Open(name ? name->c_str() : nullptr);
+        return connection ? std::make_shared<Session>(std::move(connection), limit) : nullptr;
     });
     auto session = open.get_future();
     {
@@ -98,7 +96,7 @@ class X11Desktop : public Desktop
 {
 public:
     // Throws where no thread can be had.
-    explicit X11Desktop(std::shared_ptr<x11::Session> session)
+    explicit X11Desktop(std::shared_ptr<Session> session)
         : m_process(g_forks), m_session(std::move(session)), m_events(StartEvents(m_session))
     {
     }
@@ -108,19 +106,19 @@ public:
 
     SIZE Size() const noexcept override
     {
-        const auto session = Session();
+        const auto session = Current();
         return session ? session->connection->GetView().reach : SIZE{};
     }
     SIZE Monitor() const noexcept override
     {
-        const auto session = Session();
+        const auto session = Current();
         return session ? session->connection->GetView().monitor : SIZE{};
     }
     // The thread ends by itself once the connection does.
     void Leave() noexcept override
     {
         if (m_process != g_forks) return;
-        std::shared_ptr<x11::Session> session;
+        std::shared_ptr<Session> session;
         std::thread events;
         {
             const sync::MutexLock lock(m_lock);
@@ -135,23 +133,23 @@ public:
 
     bool Create(HWND hWnd, const CREATESTRUCTA& create) override
     {
-        const Access server(Session());
+        const Access server(Current());
         return server && server->own.Create(hWnd, create);
     }
     void Show(HWND hWnd, bool bVisible) override
     {
-        const Access server(Session());
+        const Access server(Current());
         if (!server) return;
         server->own.Show(hWnd, bVisible);
         if (!bVisible) server->pixels.EndFade(hWnd);
     }
     void SetText(HWND hWnd, const char* pszText) override
     {
-        OfWindow(hWnd, [=](const x11::Connection& c, xcb_window_t id) { x11::SetTitle(c, id, pszText); });
+        OfWindow(hWnd, [=](const Connection& c, xcb_window_t id) { SetTitle(c, id, pszText); });
     }
     void Place(Window& window, const RECT& rect) override
     {
-        const Access server(Session());
+        const Access server(Current());
         window.SetRect(rect);
         if (!server) return;
         server->own.Place(window.Handle(), rect);
@@ -159,53 +157,53 @@ public:
     }
     void Stack(HWND hWnd, Order order) override
     {
-        if (const Access server(Session()); server) server->own.Stack(hWnd, order);
+        if (const Access server(Current()); server) server->own.Stack(hWnd, order);
     }
     void Shape(HWND hWnd, const gdi::PixelRegion* region) override
     {
-        OfWindow(hWnd, [=](const x11::Connection& c, xcb_window_t id) { x11::SetShape(c, id, region); });
+        OfWindow(hWnd, [=](const Connection& c, xcb_window_t id) { SetShape(c, id, region); });
     }
     // Without a compositor the window is blended here, over what the screen showed before it did.
     void SetOpacity(HWND hWnd, BYTE opacity) override
     {
         const auto window = WindowTable::Instance().Find(hWnd);
-        const Access server(Session());
+        const Access server(Current());
         if (!server || !window) return;
         if (server->connection.HasCompositor()) {
             server->pixels.EndFade(hWnd);
             const xcb_window_t id = server->own.NumberOf(hWnd);
-            if (id) x11::SetOpacityOf(server->connection, id, opacity);
+            if (id) SetOpacityOf(server->connection, id, opacity);
         } else if (server->pixels.Fade(*window, opacity))
             server->Put(*window, WithinItself(window->Rect()));
     }
     void SetOwner(HWND hWnd, HWND hOwner) override
     {
-        if (const Access server(Session()); server) server->own.SetOwner(hWnd, hOwner);
+        if (const Access server(Current()); server) server->own.SetOwner(hWnd, hOwner);
     }
     void SetCursor(HWND hWnd, HCURSOR hCursor) override
     {
-        if (const Access server(Session()); server) server->own.SetCursor(hWnd, hCursor);
+        if (const Access server(Current()); server) server->own.SetCursor(hWnd, hCursor);
     }
     void SetCaret(HWND hWnd, POINT place) override
     {
-        if (const Access server(Session()); server) server->own.SetCaret(hWnd, place);
+        if (const Access server(Current()); server) server->own.SetCaret(hWnd, place);
     }
     void SetIcon(HWND hWnd, const gdi::Surface* pixels) override
     {
-        OfWindow(hWnd, [=](const x11::Connection& c, xcb_window_t id) { x11::SetIcon(c, id, pixels); });
+        OfWindow(hWnd, [=](const Connection& c, xcb_window_t id) { x11::SetIcon(c, id, pixels); });
     }
     void Focus(HWND hWnd) override
     {
-        if (const Access server(Session()); server) server->own.Focus(hWnd);
+        if (const Access server(Current()); server) server->own.Focus(hWnd);
     }
     bool HasFocus(HWND hWnd) const override
     {
-        const Access server(Session());
+        const Access server(Current());
         return server && server->own.HasFocus(hWnd);
     }
     void Destroy(HWND hWnd) noexcept override
     {
-        const Access server(Session());
+        const Access server(Current());
         if (!server) return;
         server->own.Destroy(hWnd);
         server->pixels.EndFade(hWnd);
@@ -213,7 +211,7 @@ public:
 
     void Present(const Window& window, const RECT& rect) override
     try {
-        if (const Access server(Session()); server) server->Put(window, rect);
+        if (const Access server(Current()); server) server->Put(window, rect);
     } catch (const std::bad_alloc&) {
         // The window keeps its pixels: the next that is drawn, or uncovered, shows them.
     }
@@ -231,12 +229,12 @@ public:
 
     std::vector<HWND> ForeignWindows() const override
     {
-        const Access server(Session());
+        const Access server(Current());
         return server ? server->foreign.List() : std::vector<HWND>();
     }
     std::optional<WindowFacts> FindForeign(HWND hWnd) const noexcept override
     {
-        const Access server(Session());
+        const Access server(Current());
         return server ? server->foreign.Find(hWnd) : std::nullopt;
     }
     bool PostForeign(HWND, const KXHost::SentMessage&) override { return false; }
@@ -244,7 +242,7 @@ public:
 
 private:
     // Null once it has been left, and in a forked child, who would disturb its parent's connection.
-    std::shared_ptr<x11::Session> Session() const noexcept
+    std::shared_ptr<Session> Current() const noexcept
     {
         if (m_process != g_forks) return nullptr;
         const sync::MutexLock lock(m_lock);
@@ -254,7 +252,7 @@ private:
     template <class Tell>
     void OfWindow(HWND hWnd, Tell tell)
     {
-        const Access server(Session());
+        const Access server(Current());
         const xcb_window_t id = server ? server->own.NumberOf(hWnd) : 0;
         if (id) tell(server->connection, id);
     }
@@ -268,7 +266,7 @@ private:
     // person sees: it counts as plain.
     std::optional<gdi::Surface> Read(const RECT& rect) const
     {
-        const Access server(Session());
+        const Access server(Current());
         auto seen =
             server ? gdi::Surface::Make(rect.right - rect.left, rect.bottom - rect.top) : std::nullopt;
         if (!seen) return std::nullopt;
@@ -281,7 +279,7 @@ private:
 
     const int m_process; // counted by forks
     mutable sync::Mutex m_lock;
-    std::shared_ptr<x11::Session> m_session KX_GUARDED_BY(m_lock);
+    std::shared_ptr<Session> m_session KX_GUARDED_BY(m_lock);
     std::thread m_events KX_GUARDED_BY(m_lock);
     std::optional<gdi::Surface> m_seen KX_GUARDED_BY(gdi::pixelLock);
 };
@@ -298,6 +296,6 @@ constexpr Functions kFunctions{OpenDesktop};
 
 } // namespace
 
-} // namespace kx::window
+} // namespace kx::window::x11
 
-KX_MODULE_ENTRY(x11, kx::window::kFunctions)
+KX_MODULE_ENTRY(x11, kx::window::x11::kFunctions)

@@ -3,7 +3,7 @@
 #include <libxml/valid.h>
 #include <utility>
 
-namespace kx::xml {
+namespace kx::xml::libxml {
 
 namespace {
 
@@ -92,4 +92,4 @@ HRESULT SetValue(xmlAttr* attribute, const std::string& value)
     return S_OK;
 }
 
-} // namespace kx::xml
+} // namespace kx::xml::libxml

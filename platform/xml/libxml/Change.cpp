@@ -3,7 +3,7 @@
 #include <utility>
 #include <vector>
 
-namespace kx::xml {
+namespace kx::xml::libxml {
 
 namespace {
 
@@ -82,4 +82,4 @@ HRESULT SetRoot(Place document, NodeObject& element)
     return hr;
 }
 
-} // namespace kx::xml
+} // namespace kx::xml::libxml

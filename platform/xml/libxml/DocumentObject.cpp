@@ -6,7 +6,7 @@
 #include "platform/xml/libxml/Markup.h"
 #include "platform/xml/libxml/NodeObject.h"
 
-namespace kx::xml {
+namespace kx::xml::libxml {
 
 namespace {
 
@@ -109,6 +109,6 @@ constexpr Functions kFunctions{[]() -> IXMLDOMDocument* { return new DocumentObj
 
 } // namespace
 
-} // namespace kx::xml
+} // namespace kx::xml::libxml
 
-KX_MODULE_ENTRY(xml, kx::xml::kFunctions)
+KX_MODULE_ENTRY(xml, kx::xml::libxml::kFunctions)

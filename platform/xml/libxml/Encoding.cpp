@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <libxml/encoding.h>
 
-namespace kx::xml {
+namespace kx::xml::libxml {
 
 namespace {
 
@@ -127,4 +127,4 @@ std::optional<std::string> Encode(std::string_view utf8, const std::string& enco
     return bytes;
 }
 
-} // namespace kx::xml
+} // namespace kx::xml::libxml

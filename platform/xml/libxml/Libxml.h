@@ -14,7 +14,7 @@
 #include <type_traits>
 #include <utility>
 
-namespace kx::xml {
+namespace kx::xml::libxml {
 
 // libxml2 makes its locks and tables at their first use, which no two threads may have at once.
 inline void StartLibxml()
@@ -108,4 +108,4 @@ private:
     bool m_bNoMemory = false;
 };
 
-} // namespace kx::xml
+} // namespace kx::xml::libxml

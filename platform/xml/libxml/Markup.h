@@ -9,7 +9,7 @@
 
 // Documents as files have them: encodings, reading, writing.
 
-namespace kx::xml {
+namespace kx::xml::libxml {
 
 // The encoding that a document's first line declares, if that can be read as ASCII; empty without one.
 std::string DeclaredEncoding(std::string_view document);
@@ -40,4 +40,4 @@ std::string MarkupOf(const Tree& tree, const xmlNode* node);
 // UTF-8.
 std::string FileContentOf(const Tree& tree);
 
-} // namespace kx::xml
+} // namespace kx::xml::libxml

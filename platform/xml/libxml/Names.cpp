@@ -1,6 +1,6 @@
 #include "platform/xml/libxml/Tree.h"
 
-namespace kx::xml {
+namespace kx::xml::libxml {
 
 namespace {
 
@@ -102,4 +102,4 @@ void AddDeclarations(xmlNode* branch, Declarations added) noexcept
     ForEachElement(branch, ResolvePrefix);
 }
 
-} // namespace kx::xml
+} // namespace kx::xml::libxml

@@ -5,7 +5,7 @@
 #include <array>
 #include <vector>
 
-namespace kx::xml {
+namespace kx::xml::libxml {
 
 namespace {
 
@@ -115,4 +115,4 @@ HRESULT SelectNodes(Place place, BSTR bstrPattern, IXMLDOMNodeList** ppList)
     return S_OK;
 }
 
-} // namespace kx::xml
+} // namespace kx::xml::libxml

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace kx::xml {
+namespace kx::xml::libxml {
 
 struct Place
 {
@@ -138,4 +138,4 @@ private:
     }
 };
 
-} // namespace kx::xml
+} // namespace kx::xml::libxml

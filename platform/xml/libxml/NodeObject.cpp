@@ -3,7 +3,7 @@
 #include <libxml/valid.h>
 #include <utility>
 
-namespace kx::xml {
+namespace kx::xml::libxml {
 
 namespace {
 
@@ -160,4 +160,4 @@ HRESULT NodeObject::setAttribute(BSTR bstrName, VARIANT value)
     });
 }
 
-} // namespace kx::xml
+} // namespace kx::xml::libxml

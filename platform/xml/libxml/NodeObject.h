@@ -4,7 +4,7 @@
 
 #include <optional>
 
-namespace kx::xml {
+namespace kx::xml::libxml {
 
 // A node's object, found by the node's `_private` for as long as it lives.
 //
@@ -62,4 +62,4 @@ HRESULT SetValue(xmlAttr* attribute, const std::string& value);
 // Puts an element in the place of the document's, as IXMLDOMDocument::putref_documentElement.
 HRESULT SetRoot(Place document, NodeObject& element);
 
-} // namespace kx::xml
+} // namespace kx::xml::libxml

@@ -6,7 +6,7 @@
 #include <libxml/parserInternals.h>
 #include <libxml/valid.h>
 
-namespace kx::xml {
+namespace kx::xml::libxml {
 
 namespace {
 
@@ -276,4 +276,4 @@ Ref<Tree> ParseText(std::string_view utf8, const char* pszName)
     return tree;
 }
 
-} // namespace kx::xml
+} // namespace kx::xml::libxml

@@ -3,7 +3,7 @@
 #include <climits>
 #include <libxml/valid.h>
 
-namespace kx::xml {
+namespace kx::xml::libxml {
 
 namespace {
 
@@ -117,4 +117,4 @@ bool FitsAt(const xmlNode* place, const xmlNode* branch, const xmlNs* more) noex
     return Fits(branch, nElements, nNamespaces);
 }
 
-} // namespace kx::xml
+} // namespace kx::xml::libxml

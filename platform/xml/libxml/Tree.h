@@ -11,7 +11,7 @@
 #include <unordered_map>
 #include <utility>
 
-namespace kx::xml {
+namespace kx::xml::libxml {
 
 struct Releaser
 {
@@ -167,4 +167,4 @@ void ForgetIds(xmlDoc* doc) noexcept;
 // loaded again.
 bool FitsAt(const xmlNode* place, const xmlNode* branch, const xmlNs* more) noexcept;
 
-} // namespace kx::xml
+} // namespace kx::xml::libxml

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-namespace kx::xml {
+namespace kx::xml::libxml {
 
 namespace {
 
@@ -178,4 +178,4 @@ std::string FileContentOf(const Tree& tree)
     return in("UTF-8");
 }
 
-} // namespace kx::xml
+} // namespace kx::xml::libxml

@@ -6,7 +6,7 @@
 #include <unordered_set>
 #include <utility>
 
-namespace kx::xml {
+namespace kx::xml::libxml {
 
 namespace {
 
@@ -197,4 +197,4 @@ HRESULT EvaluateXPath(Tree& tree, xmlNode* from, const std::string& expression, 
     return Evaluate(tree, from, expression, found);
 }
 
-} // namespace kx::xml
+} // namespace kx::xml::libxml
