@@ -25,16 +25,27 @@ std::int64_t Tick() noexcept
     return tick;
 }
 
-} // namespace
-
-// The time of change is the one that counts: it can't be set by hand. A file system whose times have no
-// fraction counts by seconds, or by two.
-bool FileStamp::IsSettled(const timespec& now) const noexcept
+bool IsSame(const struct stat& a, const struct stat& b) noexcept
 {
-    const bool bWholeSeconds = modified.tv_nsec == 0 && changed.tv_nsec == 0;
-    const std::int64_t unsettled = bWholeSeconds ? 2 * kSecond + 2 * Tick() : 2 * Tick();
-    return Nanoseconds(now) - Nanoseconds(changed) > unsettled;
+    const auto same = [](const timespec& c, const timespec& d) {
+        return c.tv_nsec == d.tv_nsec && c.tv_sec == d.tv_sec;
+    };
+    return a.st_ino == b.st_ino && a.st_dev == b.st_dev && a.st_size == b.st_size &&
+           same(a.st_mtim, b.st_mtim) && same(a.st_ctim, b.st_ctim);
 }
+
+// Whether every change made after the instant `now` shows in a file's status. The kernel's time goes by
+// ticks, so a file changed in the tick of its last change, to the same size, keeps its status; only once that
+// tick is over does an equal status mean an equal file. The time of change is the one that counts: it can't
+// be set by hand. A file system whose times have no fraction counts by seconds, or by two.
+bool IsSettled(const struct stat& status, const timespec& now) noexcept
+{
+    const bool bWholeSeconds = status.st_mtim.tv_nsec == 0 && status.st_ctim.tv_nsec == 0;
+    const std::int64_t unsettled = bWholeSeconds ? 2 * kSecond + 2 * Tick() : 2 * Tick();
+    return Nanoseconds(now) - Nanoseconds(status.st_ctim) > unsettled;
+}
+
+} // namespace
 
 timespec FileTime() noexcept
 {
@@ -43,11 +54,11 @@ timespec FileTime() noexcept
     return now;
 }
 
-CachedIni::CachedIni(std::string path, const FileStamp& read, const timespec& now, std::string text,
+CachedIni::CachedIni(std::string path, const struct stat& read, const timespec& now, std::string text,
                      unsigned nowGeneration)
     : system(std::move(path)),
-      stamp(read),
-      bSettled(read.IsSettled(now)),
+      status(read),
+      bSettled(IsSettled(read, now)),
       generation(nowGeneration),
       ini(std::move(text))
 {
@@ -55,9 +66,8 @@ CachedIni::CachedIni(std::string path, const FileStamp& read, const timespec& no
 
 bool CachedIni::IsCurrent(unsigned nowGeneration) const noexcept
 {
-    struct stat status;
-    return bSettled && generation == nowGeneration && ::stat(system.c_str(), &status) == 0 &&
-           stamp.IsOf(status);
+    struct stat now;
+    return bSettled && generation == nowGeneration && stat(system.c_str(), &now) == 0 && IsSame(now, status);
 }
 
 CachedIniPtr IniCache::Find(std::string_view name)

@@ -12,46 +12,8 @@
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
-#include <sys/types.h>
 
 namespace kx::profile {
-
-// What tells one state of a file from another without reading it.
-struct FileStamp
-{
-    dev_t device = 0;
-    ino_t inode = 0;
-    off_t size = 0;
-    timespec modified{};
-    timespec changed{};
-
-    FileStamp() = default;
-    explicit FileStamp(const struct stat& status) noexcept
-        : device(status.st_dev),
-          inode(status.st_ino),
-          size(status.st_size),
-          modified(status.st_mtim),
-          changed(status.st_ctim)
-    {
-    }
-
-    bool IsOf(const struct stat& status) const noexcept
-    {
-        return inode == status.st_ino && device == status.st_dev && size == status.st_size &&
-               Same(modified, status.st_mtim) && Same(changed, status.st_ctim);
-    }
-
-    // Whether every change made after the instant `now` shows in the stamp. The kernel's time goes by ticks,
-    // so a file changed in the tick of its last change, to the same size, keeps its stamp; only once that
-    // tick is over does an equal stamp mean an equal file.
-    bool IsSettled(const timespec& now) const noexcept;
-
-private:
-    static bool Same(const timespec& a, const timespec& b) noexcept
-    {
-        return a.tv_nsec == b.tv_nsec && a.tv_sec == b.tv_sec;
-    }
-};
 
 // The kernel's time as it stamps files.
 timespec FileTime() noexcept;
@@ -62,12 +24,13 @@ inline constexpr std::size_t kMaxFile = 16 * 1024 * 1024;
 // A file as it was read.
 struct CachedIni
 {
-    CachedIni(std::string path, const FileStamp& read, const timespec& now, std::string text,
+    // `read` tells of the file as it was then, at the instant `now` or later.
+    CachedIni(std::string path, const struct stat& read, const timespec& now, std::string text,
               unsigned nowGeneration);
 
     std::string system; // its Linux path
-    FileStamp stamp;
-    bool bSettled;       // whether the stamp tells every change since
+    struct stat status;
+    bool bSettled;       // whether the status tells every change since
     unsigned generation; // of paths and code page
     ParsedIni ini;
 

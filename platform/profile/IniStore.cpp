@@ -48,8 +48,8 @@ IniPtr Load(std::string_view name, const std::string& path, unsigned generation)
         SetLastError(error);
         return nullptr;
     }
-    auto loaded = std::make_shared<const CachedIni>(path, FileStamp(file.status), now, std::move(file.bytes),
-                                                    generation);
+    auto loaded =
+        std::make_shared<const CachedIni>(path, file.status, now, std::move(file.bytes), generation);
     The<IniCache>().Put(name, loaded);
     return IniOf(std::move(loaded));
 }
