@@ -1,24 +1,61 @@
 #include "platform/http/curl/Session.h"
 
 #include "platform/PipeSignal.h"
-#include "platform/http/curl/Options.h"
 #include "platform/http/curl/Transfer.h"
 #include "platform/module/Door.h"
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
+
+namespace kx::http::curl {
 
 namespace {
 
 void Initialize(unsigned long dwContext)
 {
     static const CURLcode code = curl_global_init(CURL_GLOBAL_DEFAULT);
-    if (code != CURLE_OK) kx::http::curl::Throw(code, dwContext);
+    if (code != CURLE_OK) Throw(code, dwContext);
+}
+
+const char* Setting(const char* pszName)
+{
+    const char* pszValue = secure_getenv(pszName);
+    return pszValue && *pszValue ? pszValue : nullptr;
+}
+
+void SetAuthorities(CURL* easy)
+{
+    const char* pszBundle = Setting("CURL_CA_BUNDLE");
+    if (const char* pszFile = pszBundle ? pszBundle : Setting("SSL_CERT_FILE"))
+        Set(easy, CURLOPT_CAINFO, pszFile);
+    if (const char* pszDir = pszBundle ? nullptr : Setting("SSL_CERT_DIR")) Set(easy, CURLOPT_CAPATH, pszDir);
+}
+
+// Makes a handle with what all transfers have in common.
+Easy MakeEasy(const char* pszAgent, bool bProxies)
+{
+    Easy owner(curl_easy_init());
+    CURL* const easy = owner.get();
+    if (!easy) AfxThrowMemoryException();
+    if (pszAgent && *pszAgent) Set(easy, CURLOPT_USERAGENT, pszAgent);
+    if (!bProxies) Set(easy, CURLOPT_PROXY, "");
+    SetAuthorities(easy);
+    Set(easy, CURLOPT_PROTOCOLS_STR, "http,https");
+    Set(easy, CURLOPT_FOLLOWLOCATION, 1L);
+    Set(easy, CURLOPT_MAXREDIRS, 10L);
+    Set(easy, CURLOPT_PATH_AS_IS, 1L);
+    Set(easy, CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_1_1});
+    Set(easy, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    Set(easy, CURLOPT_NOSIGNAL, 1L);
+    Set(easy, CURLOPT_QUICK_EXIT, 1L); // a name server that is silent must not hold up Close
+    Set(easy, CURLOPT_BUFFERSIZE, static_cast<long>(Transfer::kAhead));
+    Set(easy, CURLOPT_HEADERFUNCTION, Transfer::OnHeader);
+    Set(easy, CURLOPT_WRITEFUNCTION, Transfer::OnBody);
+    return owner;
 }
 
 } // namespace
-
-namespace kx::http::curl {
 
 Session::Session(const char* pszAgent, bool bProxies, unsigned long dwContext)
     : m_agent(pszAgent ? pszAgent : ""), m_bProxies(bProxies)

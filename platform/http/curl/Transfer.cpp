@@ -1,12 +1,67 @@
 #include "platform/http/curl/Transfer.h"
 
 #include "platform/PipeSignal.h"
-#include "platform/http/curl/Options.h"
 #include "platform/text/CharWalk.h"
 
+#include <algorithm>
+#include <memory>
+#include <string>
 #include <utility>
 
 namespace kx::http::curl {
+
+namespace {
+
+struct FreeUrl
+{
+    void operator()(CURLU* url) const noexcept { curl_url_cleanup(url); }
+};
+struct FreeText
+{
+    void operator()(char* psz) const noexcept { curl_free(psz); }
+};
+
+// An URL with blanks and control characters behind its host percent-encoded, which a request line can't hold.
+std::string ToWire(std::string_view url)
+{
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    const std::size_t scheme = url.find("://");
+    const std::size_t host = scheme == url.npos ? 0 : scheme + 3;
+    const std::size_t path = std::min(url.find_first_of("/?#", host), url.size());
+    std::string wire(url.substr(0, path)); // a host with a blank is none
+    for (const char ch : url.substr(path)) {
+        const auto byte = static_cast<unsigned char>(ch);
+        if (byte > ' ' && byte != 0x7F)
+            wire += ch;
+        else
+            wire.append({'%', kDigits[byte >> 4], kDigits[byte & 15]});
+    }
+    return wire;
+}
+
+// Whether an URL may be fetched and is one that can be sent; throws CInternetException* if not. True for
+// `https`.
+bool CheckUrl(const char* pszUrl, unsigned long dwContext)
+{
+    const std::unique_ptr<CURLU, FreeUrl> url(curl_url());
+    if (!url) AfxThrowMemoryException();
+    const CURLUcode code = pszUrl ? curl_url_set(url.get(), CURLUPART_URL, pszUrl, CURLU_NON_SUPPORT_SCHEME)
+                                  : CURLUE_MALFORMED_INPUT;
+    if (code == CURLUE_OUT_OF_MEMORY) AfxThrowMemoryException();
+    if (code == CURLUE_BAD_SCHEME)
+        Throw(ERROR_INTERNET_UNRECOGNIZED_SCHEME, dwContext, "The URL has no scheme.");
+    if (code != CURLUE_OK) Throw(ERROR_INTERNET_INVALID_URL, dwContext, curl_url_strerror(code));
+
+    char* pszScheme = nullptr;
+    if (curl_url_get(url.get(), CURLUPART_SCHEME, &pszScheme, 0) != CURLUE_OK) AfxThrowMemoryException();
+    const std::unique_ptr<char, FreeText> owner(pszScheme);
+    const std::string_view scheme = pszScheme;
+    if (scheme != "http" && scheme != "https")
+        Throw(ERROR_INTERNET_UNRECOGNIZED_SCHEME, dwContext, "Only http and https are fetched.");
+    return scheme == "https";
+}
+
+} // namespace
 
 Transfer::Transfer(std::shared_ptr<Session> session, const char* pszUrl, unsigned long dwContext)
     : m_session(std::move(session)), m_dwContext(dwContext)
