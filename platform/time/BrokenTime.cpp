@@ -50,6 +50,22 @@ bool ToLocal(std::int64_t nTime, std::tm& fields) noexcept
     return localtime_r(&time, &fields) != nullptr;
 }
 
+std::tm FieldsOf(std::chrono::sys_days day, int nSecond) noexcept
+{
+    const std::chrono::year_month_day date(day);
+    std::tm fields{};
+    fields.tm_year = static_cast<int>(date.year()) - 1900;
+    fields.tm_mon = static_cast<int>(static_cast<unsigned>(date.month())) - 1;
+    fields.tm_mday = static_cast<int>(static_cast<unsigned>(date.day()));
+    fields.tm_hour = nSecond / 3600;
+    fields.tm_min = nSecond / 60 % 60;
+    fields.tm_sec = nSecond % 60;
+    fields.tm_wday = static_cast<int>(std::chrono::weekday(day).c_encoding());
+    fields.tm_yday = static_cast<int>((day - std::chrono::sys_days(date.year() / 1 / 1)).count());
+    fields.tm_isdst = -1;
+    return fields;
+}
+
 CString FormatFields(const std::tm& fields, const char* pszFormat)
 {
     if (!pszFormat || !*pszFormat) return {};
