@@ -49,13 +49,6 @@ public:
     {
         return ::SetWindowPos(m_hWnd, hAfter, x, y, cx, cy, nFlags);
     }
-    // Moves and resizes the window where it lies among the others; with `bRepaint` all of it is painted anew.
-    void MoveWindow(const RECT& rect, int bRepaint = 1)
-    {
-        SetWindowPos(HWND_TOP, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
-                     SWP_NOZORDER | SWP_NOACTIVATE);
-        if (bRepaint) Invalidate();
-    }
     int AnimateWindow(DWORD dwTime, DWORD dwFlags) { return ::AnimateWindow(m_hWnd, dwTime, dwFlags); }
     // Left and top are 0. All zero without a window.
     void GetClientRect(RECT* pRect) const;

@@ -102,7 +102,7 @@ TEST(Transparent, TakesTheCopyAnewAtEachPaintAndTheSizeAtEachShow)
     Pump();
     EXPECT_EQ(SeenRow(19, 68, 4), "B.MG"); // what it sees is itself
 
-    wnd.MoveWindow(CRect(20, 30, 50, 80), 0); // the copy keeps the old size
+    wnd.SetWindowPos(nullptr, 20, 30, 30, 50, SWP_NOZORDER | SWP_NOACTIVATE); // the copy keeps the old size
     Pump();
     EXPECT_EQ(SeenRow(38, 68, 4), "G..."); // so beyond it there is nothing
     EXPECT_EQ(SeenRow(19, 79, 4), "B...");

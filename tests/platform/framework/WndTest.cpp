@@ -91,7 +91,7 @@ TEST(Wnd, HandlersAreFoundFromTheDerivedClassUp)
     EXPECT_EQ(CWnd::FromHandle(wnd.m_hWnd), &wnd);
     EXPECT_EQ(wnd.SendMessage(kOwn, 4, 2), 42);
     wnd.SendMessage(WM_MOUSEMOVE, MK_SHIFT, 0xFFFF0003);
-    wnd.MoveWindow(CRect(1, 2, 9, 6));
+    wnd.SetWindowPos(nullptr, 1, 2, 8, 4, SWP_NOZORDER | SWP_NOACTIVATE);
     EXPECT_TRUE(wnd.DestroyWindow());
     EXPECT_EQ(wnd.m_hWnd, nullptr);
     EXPECT_THAT(wnd.calls,
