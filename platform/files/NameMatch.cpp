@@ -13,7 +13,6 @@
 #include <functional>
 #include <linux/magic.h>
 #include <list>
-#include <memory>
 #include <new>
 #include <optional>
 #include <string>
@@ -30,19 +29,17 @@ namespace kx::files {
 
 namespace {
 
-constexpr std::size_t kLarge = 256;        // entries from which a directory is worth it
-constexpr std::size_t kMaxDirectories = 4; // each has a file descriptor
+constexpr std::size_t kLarge = 256;          // entries from which a directory is worth it
+constexpr std::size_t kMaxDirectories = 4;   // each has a file descriptor
+constexpr std::size_t kMaxNames = 2'000'000; // of a directory: some 80 MB
+constexpr std::uint32_t kAdded = IN_CREATE | IN_MOVED_TO;
+constexpr std::uint32_t kRemoved = IN_DELETE | IN_MOVED_FROM;
 
 bool Exists(const std::string& path)
 {
     struct stat info;
     return lstat(path.c_str(), &info) == 0;
 }
-
-constexpr std::size_t kMaxNames = 2'000'000; // for the memory
-
-constexpr std::uint32_t kAdded = IN_CREATE | IN_MOVED_TO;
-constexpr std::uint32_t kRemoved = IN_DELETE | IN_MOVED_FROM;
 
 // Whether all changes of a directory's file system go through this kernel, which then tells of them.
 bool IsLocal(int fd)
@@ -54,119 +51,86 @@ bool IsLocal(int fd)
     return fstatfs(fd, &info) == 0 && std::find(kLocal.begin(), kLocal.end(), info.f_type) != kLocal.end();
 }
 
-std::size_t HashOf(std::string_view folded) noexcept
+// The names that a large directory may hold, by the hash of their folded form, kept up to date by the
+// system's notices. A new file's name isn't there in any case, and changes the directory's time: a walk
+// through all names for each would make the filling of a directory quadratic.
+struct LargeDirectory
 {
-    return std::hash<std::string_view>()(folded);
-}
+    const std::pair<dev_t, ino_t> id; // what stays the same however it is spelled
+    const pid_t process = getpid();   // the child of a fork shares the notices and leaves them to its parent
+    const UniqueFd notices{inotify_init1(IN_CLOEXEC | IN_NONBLOCK)};
+    std::unordered_multiset<std::size_t> names;
 
-// A directory by what stays the same however it is spelled.
-using DirectoryId = std::pair<dev_t, ino_t>;
+    static std::size_t HashOf(std::string_view name)
+    {
+        return std::hash<std::string>()(text::FoldCase(name));
+    }
 
-// The names that a large directory may hold are kept up to date by the system's notices. A new file's name
-// isn't there in any case, and a walk through all names for each would make the filling of a directory
-// quadratic. Names are kept by the hash of their folded form, so that a million takes some 40 MB. Not for
-// several threads at once.
-class LargeDirectory
-{
-public:
-    // Null where changes might go unnoticed, as on a file system that others change too.
-    //
-    // Watches a directory and then reads it, so that no change is missed. An entry that went meanwhile may
+    // Watches the directory and then reads it, so that no change is missed. An entry that went meanwhile may
     // not have been read, so its removal isn't counted: a name too many costs a walk, one too few would hide
-    // a file.
-    static std::unique_ptr<LargeDirectory> Open(const std::string& directory)
+    // a file. False where changes might go unnoticed, as on a file system that others change too.
+    bool Read(Directory& entries)
     {
-        Directory entries(directory.c_str());
-        struct stat info;
-        if (!entries || fstat(entries.Fd(), &info) != 0 || !IsLocal(entries.Fd())) return nullptr;
-        std::unique_ptr<LargeDirectory> opened(new LargeDirectory({info.st_dev, info.st_ino}));
-        opened->m_process = getpid();
-        opened->m_notices.Reset(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
         const std::string path = "/proc/self/fd/" + std::to_string(entries.Fd());
-        if (!opened->m_notices ||
-            inotify_add_watch(opened->m_notices.Get(), path.c_str(), kAdded | kRemoved) < 0)
-            return nullptr;
-        while (const auto entry = entries.Next()) {
-            opened->Add(entry->name);
-            if (opened->m_names.size() > kMaxNames) return nullptr;
-        }
-        return opened->CatchUp(false) ? std::move(opened) : nullptr;
-    }
-
-    const DirectoryId& Id() const noexcept { return m_id; }
-    // Whether an entry may have that name but for the case, by all changes up to now. Nothing is known any
-    // more once `bLost` becomes true.
-    bool MayHold(std::string_view folded, bool& bLost)
-    {
-        const bool bKnown = getpid() == m_process && CatchUp(true);
-        bLost = !bKnown;
-        return bLost || m_names.contains(HashOf(folded));
-    }
-
-private:
-    explicit LargeDirectory(const DirectoryId& id) noexcept : m_id(id) {}
-
-    void Add(std::string_view name) { m_names.insert(HashOf(text::FoldCase(name))); }
-    void Remove(std::string_view name)
-    {
-        const auto found = m_names.find(HashOf(text::FoldCase(name)));
-        if (found != m_names.end()) m_names.erase(found);
+        if (!IsLocal(entries.Fd()) || !notices ||
+            inotify_add_watch(notices.Get(), path.c_str(), kAdded | kRemoved) < 0)
+            return false;
+        for (auto entry = entries.Next(); entry && names.size() <= kMaxNames; entry = entries.Next())
+            names.insert(HashOf(entry->name));
+        return CatchUp(false);
     }
     // Takes in what the system told since; false where it kept no count, or the directory is gone.
     bool CatchUp(bool bRemovals)
     {
         alignas(inotify_event) std::array<char, 16384> events;
         ssize_t got = 0;
-        while ((got = read(m_notices.Get(), events.data(), events.size())) > 0)
+        while ((got = read(notices.Get(), events.data(), events.size())) > 0)
             for (const char* next = events.data(); next < events.data() + got;) {
                 const auto& event = *reinterpret_cast<const inotify_event*>(next);
                 if (event.mask & (IN_Q_OVERFLOW | IN_IGNORED)) return false;
-                const std::string_view name(event.len > 0 ? event.name : "");
-                if (event.mask & kAdded) Add(name);
-                if ((event.mask & kRemoved) && bRemovals) Remove(name);
+                const std::size_t hash = HashOf(event.len > 0 ? event.name : "");
+                if (event.mask & kAdded) names.insert(hash);
+                const auto gone = bRemovals && (event.mask & kRemoved) ? names.find(hash) : names.end();
+                if (gone != names.end()) names.erase(gone);
                 next += sizeof(event) + event.len;
             }
-        return m_names.size() <= kMaxNames;
+        return names.size() <= kMaxNames;
     }
-
-    DirectoryId m_id;
-    UniqueFd m_notices;
-    pid_t m_process = 0; // the child of a fork shares the notices and leaves them to its parent
-    std::unordered_multiset<std::size_t> m_names;
 };
 
 // The large directories in which names were missed last.
 class LargeDirectories
 {
 public:
-    // Whether the directory may hold the name; true where that isn't known.
+    // Whether the directory may hold the name but for the case; true where that isn't known.
     bool MayHold(const std::string& directory, std::string_view folded)
     {
         struct stat info;
         if (stat(directory.c_str(), &info) != 0) return false;
-        const DirectoryId id(info.st_dev, info.st_ino);
         const sync::MutexLock lock(m_lock);
-        const auto known = std::find_if(m_known.begin(), m_known.end(),
-                                        [&](const auto& large) { return large->Id() == id; });
+        const auto known =
+            std::ranges::find(m_known, std::pair(info.st_dev, info.st_ino), &LargeDirectory::id);
         if (known == m_known.end()) return true;
         m_known.splice(m_known.begin(), m_known, known);
-        bool bLost = true; // also for lack of memory, by which changes are lost
-        bool bMayHold = true;
         try {
-            bMayHold = m_known.front()->MayHold(folded, bLost);
-        } catch (const std::bad_alloc&) {
+            if (known->process == getpid() && known->CatchUp(true))
+                return known->names.contains(std::hash<std::string_view>()(folded));
+        } catch (const std::bad_alloc&) { // by which changes are lost
         }
-        if (bLost) m_known.pop_front();
-        return bMayHold;
+        m_known.pop_front();
+        return true;
     }
 
-    void Remember(std::unique_ptr<LargeDirectory> directory)
+    // The walk is done without the lock.
+    void Remember(const std::string& directory)
     {
-        if (!directory) return;
+        Directory entries(directory.c_str());
+        struct stat info;
+        if (!entries || fstat(entries.Fd(), &info) != 0) return;
+        std::list<LargeDirectory> one;
+        if (!one.emplace_back(std::pair(info.st_dev, info.st_ino)).Read(entries)) return;
         const sync::MutexLock lock(m_lock);
-        for (const auto& large : m_known)
-            if (large->Id() == directory->Id()) return; // another thread was first
-        m_known.push_front(std::move(directory));
+        m_known.splice(m_known.begin(), one);
         if (m_known.size() > kMaxDirectories) m_known.pop_back();
     }
 
@@ -174,7 +138,7 @@ public:
 
 private:
     sync::Mutex m_lock;
-    std::list<std::unique_ptr<LargeDirectory>> m_known KX_GUARDED_BY(m_lock); // the last used first
+    std::list<LargeDirectory> m_known KX_GUARDED_BY(m_lock); // the last used first
 };
 
 [[maybe_unused]] const bool g_atFork =
@@ -199,7 +163,7 @@ std::optional<std::string> FindEntry(const std::string& directory, std::string_v
         if (!EqualsFolded(entry->name, folded) || (found && *found <= entry->name)) continue;
         if (!bDirectory || entries.IsDirectory(*entry)) found = entry->name;
     }
-    if (!found && count >= kLarge) The<LargeDirectories>().Remember(LargeDirectory::Open(directory));
+    if (!found && count >= kLarge) The<LargeDirectories>().Remember(directory);
     return found;
 }
 
