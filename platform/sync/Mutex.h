@@ -46,8 +46,7 @@ private:
     std::mutex m_mutex;
 };
 
-// Holds a Mutex for its scope. It may be let go and taken again in between, as waits on a time::Condition
-// do.
+// Holds a Mutex for its scope. It may be let go and taken again in between, as a queue does that waits.
 class KX_SCOPED_CAPABILITY MutexLock
 {
 public:

@@ -167,3 +167,20 @@ try {
 } catch (...) {
     return kx::NoMemory();
 }
+
+UINT_PTR SetTimer(HWND hWnd, UINT_PTR nId, UINT nPeriod, TIMERPROC pfn)
+try {
+    const auto window = kx::window::FindOwn(hWnd);
+    if (!window) return 0;
+    if (nId == 0) nId = 1;
+    window->Owner().SetTimer(*window, nId, nPeriod, pfn);
+    return nId;
+} catch (...) {
+    return kx::NoMemory();
+}
+
+int KillTimer(HWND hWnd, UINT_PTR nId)
+{
+    const auto window = kx::window::FindOwn(hWnd);
+    return window && window->Owner().KillTimer(*window, nId) ? 1 : 0;
+}

@@ -37,7 +37,7 @@ DWORD Queue::PostTo(const Posted& posted, const Window* target, bool bLatest)
         if (m_posted.size() - m_chores >= kMaxPosted) return ERROR_NOT_ENOUGH_QUOTA;
         m_posted.push_back(posted);
     }
-    m_changed.NotifyOne();
+    Notify();
     return ERROR_SUCCESS;
 }
 
@@ -58,7 +58,7 @@ void Queue::PostChore(MSG chore, const Window& target)
         m_posted.push_back({chore, Kind::Chore});
         ++m_chores;
     }
-    m_changed.NotifyOne();
+    Notify();
 }
 
 DWORD Queue::Send(const std::shared_ptr<SentMessage>& message)
@@ -68,7 +68,7 @@ DWORD Queue::Send(const std::shared_ptr<SentMessage>& message)
         if (message->target->ended) return ERROR_INVALID_WINDOW_HANDLE;
         m_sent.push_back(message);
     }
-    m_changed.NotifyOne();
+    Notify();
     return ERROR_SUCCESS;
 }
 
@@ -87,7 +87,7 @@ void Queue::TakeAnswer(SentMessage& message, LRESULT nResult) noexcept
         message.answered = true;
         message.result = nResult;
     }
-    m_changed.NotifyOne();
+    Notify();
 }
 
 void Queue::PostQuit(int nExitCode)
@@ -180,10 +180,23 @@ bool Queue::TakePaint(MSG& msg, const Filter& filter) const
     return false;
 }
 
-// The one place where a thread waits for messages.
-void Queue::Wait(Lock& lock, time::Moment deadline)
+// Both sides make their own mark before they look for the other's, so that one of them sees it.
+void Queue::Notify() noexcept
 {
-    if (m_sent.empty()) m_changed.WaitUntil(lock, deadline);
+    m_changes.fetch_add(time::Alarm::kRing);
+    if (m_bWaits.load()) sync::FutexWake(m_changes);
+}
+
+// The one place where a thread waits for messages.
+void Queue::Wait(Lock& lock, time::Moment deadline) KX_NO_LOCK_ANALYSIS
+{
+    if (!m_sent.empty()) return;
+    m_bWaits.store(true);
+    const std::uint32_t seen = m_changes.load();
+    lock.unlock();
+    time::Alarm(m_changes, deadline).Wait(seen);
+    m_bWaits.store(false);
+    lock.lock();
 }
 
 void Queue::ServeUntil(time::Moment deadline)
@@ -207,7 +220,7 @@ void Queue::Invalidate(const Window& window, const RECT& rect, bool bErase)
         it->second.region.UniteWith(region);
         it->second.erase |= bErase;
     }
-    m_changed.NotifyOne();
+    Notify();
 }
 
 bool Queue::HasUpdate(const Window& window)

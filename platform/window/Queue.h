@@ -2,12 +2,13 @@
 
 #include "platform/gdi/PixelRegion.h"
 #include "platform/sync/Mutex.h"
-#include "platform/time/Condition.h"
+#include "platform/time/Alarm.h"
 #include "platform/window/Input.h"
-#include "platform/window/Timers.h"
 #include "platform/window/Window.h"
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <deque>
 #include <list>
 #include <memory>
@@ -16,6 +17,72 @@
 #include <vector>
 
 namespace kx::window {
+
+// The timers of one thread's windows. Guarded by the queue.
+class Timers
+{
+public:
+    static constexpr UINT kLeastPeriod = 10;
+
+    // In place of the window's timer of that id, if there is one.
+    void Set(const Window& window, UINT_PTR nId, UINT nPeriod, TIMERPROC pfn)
+    {
+        const std::chrono::milliseconds period(std::max(nPeriod, kLeastPeriod));
+        const auto it = std::ranges::find_if(
+            m_timers, [&](const Timer& timer) { return timer.window == &window && timer.id == nId; });
+        Timer& timer = it == m_timers.end() ? m_timers.emplace_back() : *it;
+        timer = {&window, nId, period, time::Now() + period, pfn};
+    }
+    bool Kill(const Window& window, UINT_PTR nId) noexcept
+    {
+        return std::erase_if(m_timers, [&](const Timer& t) { return t.window == &window && t.id == nId; }) !=
+               0;
+    }
+    void KillAll(const Window& window) noexcept
+    {
+        std::erase_if(m_timers, [&](const Timer& timer) { return timer.window == &window; });
+    }
+
+    // The message of the timer that has been due for longest, of those that `passes`; false for none. With
+    // `bRemove` it is next due a period later, or as many as lie in the past.
+    template <class Passes>
+    bool Take(MSG& msg, time::Moment now, bool bRemove, Passes passes)
+    {
+        Timer* first = nullptr;
+        for (Timer& timer : m_timers)
+            if (timer.due <= now && (!first || timer.due < first->due) && passes(MessageOf(timer)))
+                first = &timer;
+        if (!first) return false;
+        msg = MessageOf(*first);
+        if (bRemove) first->due += first->period * ((now - first->due) / first->period + 1);
+        return true;
+    }
+    // When the next of those that `passes` is due; kNever for none.
+    template <class Passes>
+    time::Moment NextDue(Passes passes) const
+    {
+        time::Moment next = time::kNever;
+        for (const Timer& timer : m_timers)
+            if (timer.due < next && passes(MessageOf(timer))) next = timer.due;
+        return next;
+    }
+
+private:
+    struct Timer
+    {
+        const Window* window;
+        UINT_PTR id;
+        time::Moment::duration period;
+        time::Moment due;
+        TIMERPROC pfn;
+    };
+    static MSG MessageOf(const Timer& timer) noexcept
+    {
+        return {timer.window->Handle(), WM_TIMER, timer.id, reinterpret_cast<LPARAM>(timer.pfn), 0};
+    }
+
+    std::vector<Timer> m_timers;
+};
 
 // A message on its way from a thread that waits in SendMessageA to a window of another. Both threads share
 // it, since either may end before the other is done with it.
@@ -131,11 +198,15 @@ private:
     bool Take(MSG& msg, const Filter& filter, bool bRemove) KX_REQUIRES(m_lock);
     bool TakeQuit(MSG& msg, bool bRemove) KX_REQUIRES(m_lock);
     bool TakePaint(MSG& msg, const Filter& filter) const KX_REQUIRES(m_lock);
+    // Gives the lock up until a notice or the deadline, unless something was sent; may return for no reason.
     void Wait(Lock& lock, time::Moment deadline = time::kNever) KX_REQUIRES(m_lock);
+    // No system call while the thread doesn't wait. With the lock or without.
+    void Notify() noexcept;
 
     const DWORD m_threadId;
     sync::Mutex m_lock;
-    time::Condition m_changed; // the thread alone waits for it
+    sync::Word m_changes{0}; // counts what the thread may wait for, as its Alarm wants it
+    std::atomic<bool> m_bWaits{false};
     std::deque<Posted> m_posted KX_GUARDED_BY(m_lock);
     std::size_t m_chores KX_GUARDED_BY(m_lock) = 0; // of those
     std::optional<MSG> m_quit KX_GUARDED_BY(m_lock);
