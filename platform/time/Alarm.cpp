@@ -51,10 +51,8 @@ bool Alarm::Wait(std::uint32_t seen) noexcept
     // Listed before the clock is read: whoever moves the clock after this look changes the word after `seen`.
     Announce(seen);
     if (Now() >= m_deadline) return false;
-    if (IsVirtual())
-        sync::FutexWait(m_word, seen);
-    else
-        sync::FutexWaitUntil(m_word, seen, ToSystem(m_deadline));
+    const std::timespec end = ToSystem(m_deadline);
+    sync::FutexWait(m_word, seen, sync::kAnySleeper, IsVirtual() ? nullptr : &end);
     return true;
 }
 
