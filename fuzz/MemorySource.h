@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/module/ByteSource.h"
+#include "platform/module/FileVersion.h"
 
 #include <cstring>
 

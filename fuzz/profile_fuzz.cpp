@@ -3,7 +3,6 @@
 // behind them.
 
 #include "platform/profile/IniEdit.h"
-#include "platform/profile/IniLines.h"
 #include "platform/profile/ParsedIni.h"
 #include "platform/text/CharWalk.h"
 

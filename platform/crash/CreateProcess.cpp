@@ -1,6 +1,5 @@
 #include "include/platform/Crash.h"
 #include "platform/Errno.h"
-#include "platform/crash/Filtering.h"
 #include "platform/crash/HeapFree.h"
 #include "platform/crash/Process.h"
 

@@ -1,4 +1,4 @@
-#include "platform/crash/EntryMatch.h"
+#include "platform/crash/HeapFree.h"
 
 #include "platform/UniqueFd.h"
 #include "platform/text/CharWalk.h"

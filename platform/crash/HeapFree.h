@@ -2,6 +2,7 @@
 
 #include "internal/FixedText.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <ctime>
 
@@ -28,5 +29,27 @@ bool ToLocalPrepared(std::int64_t nTime, std::tm& fields) noexcept;
 
 // Sets a descriptor aside with which a filter opens a file in a process that has no other left.
 void PrepareDescriptor() noexcept;
+
+} // namespace kx::crash
+
+// The thread that is in the crash filter, if any.
+
+namespace kx::crash {
+
+// Whether the calling thread is: the heap and every lock are then out of bounds.
+bool InFilter() noexcept;
+
+// Makes the calling thread the one that is in the filter, once no other is; false if it is already, so that
+// its filter has crashed.
+bool EnterFilter() noexcept;
+void LeaveFilter() noexcept;
+
+// From now on `exit` waits for a filter that runs on another thread: both before what was registered with
+// atexit until now, and once more as the last that this library does.
+void HoldExits() noexcept;
+
+// Makes a Linux path name what exists: each component behind `fixed` that doesn't is replaced by the entry of
+// its directory that equals it ignoring the case of ASCII letters, the lowest in byte order. Heap-free.
+void MatchEntries(char* pszPath, std::size_t fixed) noexcept;
 
 } // namespace kx::crash

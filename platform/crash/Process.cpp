@@ -4,7 +4,7 @@
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
 #include "platform/UniqueFd.h"
-#include "platform/crash/Filtering.h"
+#include "platform/crash/HeapFree.h"
 #include "platform/sync/Mutex.h"
 
 #include <algorithm>

@@ -3,8 +3,6 @@
 #include "include/platform/CodePage.h"
 #include "include/platform/Types.h"
 #include "platform/Errno.h"
-#include "platform/crash/EntryMatch.h"
-#include "platform/crash/Filtering.h"
 #include "platform/files/Drives.h"
 #include "platform/files/Path.h"
 #include "platform/text/Conversion.h"

@@ -1,5 +1,4 @@
 #include "include/platform/Crash.h"
-#include "platform/crash/Filtering.h"
 #include "platform/crash/HeapFree.h"
 #include "platform/crash/Process.h"
 #include "platform/sync/AlternateStack.h"

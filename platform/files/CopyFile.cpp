@@ -3,7 +3,7 @@
 #include "platform/Errno.h"
 #include "platform/NoMemory.h"
 #include "platform/files/EntryInfo.h"
-#include "platform/files/OpenFile.h"
+#include "platform/files/File.h"
 #include "platform/files/Path.h"
 #include "platform/files/WholeFile.h"
 

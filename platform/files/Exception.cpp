@@ -1,4 +1,4 @@
-#include "platform/files/Exception.h"
+#include "platform/files/File.h"
 
 #include "include/platform/Error.h"
 #include "platform/Immortal.h"

@@ -30,4 +30,20 @@ const Mount* FindMount(const std::vector<Mount>& mounts, std::string_view path);
 // Whether a path is a directory or lies below it; neither has a trailing slash.
 bool IsBelow(std::string_view path, std::string_view directory) noexcept;
 
+// A device with removable media: a whole one or a partition.
+struct BlockDevice
+{
+    std::string name;   // `sdb1`, `sr0`
+    std::string number; // `8:17`
+    bool bOptical = false;
+
+    bool IsSourceOf(const Mount& mount) const;
+};
+
+// All of them in the order of their names. `systemRoot` holds `sys`.
+std::vector<BlockDevice> ReadRemovableDevices(const std::string& systemRoot);
+
+// The name of the device that a mount comes from.
+std::string DeviceName(const Mount& mount, const std::string& systemRoot);
+
 } // namespace kx::files

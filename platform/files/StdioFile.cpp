@@ -1,6 +1,6 @@
 #include "include/platform/StdioFile.h"
 
-#include "platform/files/Exception.h"
+#include "platform/files/File.h"
 #include "platform/files/WholeFile.h"
 
 #include <algorithm>

@@ -5,7 +5,7 @@
 #include "platform/framework/WndMap.h"
 #include "platform/sync/Mutex.h"
 #include "platform/sync/PerThread.h"
-#include "platform/window/Lifetime.h"
+#include "platform/window/WindowState.h"
 
 #include <cstdio>
 #include <map>

@@ -1,6 +1,6 @@
 #include "platform/profile/IniEdit.h"
 
-#include "platform/profile/IniLines.h"
+#include "platform/profile/ParsedIni.h"
 #include "platform/text/CharWalk.h"
 
 #include <initializer_list>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "include/platform/Types.h"
-#include "platform/module/Bundle.h"
+#include "platform/module/OpenModule.h"
 
 #include <optional>
 #include <string>

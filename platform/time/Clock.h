@@ -1,6 +1,7 @@
 #pragma once
 
 #include "include/KXExport.h"
+#include "include/platform/String.h"
 #include "include/platform/Types.h"
 
 #include <chrono>
@@ -12,7 +13,7 @@
 // when the host changes from one to the other, so a deadline keeps its meaning and runs on the clock of the
 // day. Any thread; works from static destructors too.
 //
-// Waiting for a deadline: see Alarm.h (on a word) and Condition.h (on a lock and a condition).
+// Waiting for a deadline: see Alarm.h.
 
 namespace kx::time {
 
@@ -52,5 +53,22 @@ std::timespec ToSystem(Moment moment) noexcept;
 
 // Sleep's part in a virtual clock that sleepers move themselves: moves it and returns true; else false.
 bool SkipSleep(DWORD dwMilliseconds);
+
+} // namespace kx::time
+
+// An instant's calendar fields. Any thread.
+
+namespace kx::time {
+
+// Local time of an instant; false when its year doesn't fit the record.
+bool ToLocal(std::int64_t nTime, std::tm& fields) noexcept;
+
+// The fields of a second of a day, without a zone. Heap-free.
+std::tm FieldsOf(std::chrono::sys_days day, int nSecond) noexcept;
+
+// The fields in a strftime form. Names are English, whatever the program's locale, so that the text is one of
+// the code page. What is no conversion stays as it stands. The empty string for null, and for a form whose
+// text passes every sensible length (widths in the thousands).
+CString FormatFields(const std::tm& fields, const char* pszFormat);
 
 } // namespace kx::time

@@ -2,7 +2,6 @@
 
 #include "include/platform/Module.h"
 #include "platform/text/CharWalk.h"
-#include "platform/time/BrokenTime.h"
 #include "platform/time/Clock.h"
 
 #include <algorithm>

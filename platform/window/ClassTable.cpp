@@ -1,4 +1,4 @@
-#include "platform/window/ClassTable.h"
+#include "platform/window/Window.h"
 
 #include "platform/Errno.h"
 #include "platform/Immortal.h"

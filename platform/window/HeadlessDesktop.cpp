@@ -49,28 +49,18 @@ std::vector<WindowPtr> Visible(std::span<const HWND> handles, const RECT& area) 
     return windows;
 }
 
-// Lets drawing on an image reach only what of a window there is to see, until the scope ends.
-class ShapeClip
+// Lets drawing on an image reach only what of a window there is to see.
+void ClipToShape(const Window& window, const RECT& rect, pixman_image_t* image) KX_REQUIRES(gdi::pixelLock)
 {
-public:
-    ShapeClip(const Window& window, const RECT& rect, pixman_image_t* image) KX_REQUIRES(gdi::pixelLock)
-        : m_image(image)
-    {
-        if (!window.shape) return;
-        const auto boxes = window.shape->Boxes();
-        pixman_region32_t clip;
-        pixman_region32_init_rects(&clip, boxes.data(), static_cast<int>(boxes.size()));
-        pixman_region32_translate(&clip, rect.left, rect.top);
-        pixman_image_set_clip_region32(m_image, &clip);
-        pixman_region32_fini(&clip);
-    }
-    ShapeClip(const ShapeClip&) = delete;
-    ShapeClip& operator=(const ShapeClip&) = delete;
-    ~ShapeClip() { pixman_image_set_clip_region32(m_image, nullptr); }
-
-private:
-    pixman_image_t* m_image;
-};
+    pixman_image_set_clip_region32(image, nullptr);
+    if (!window.shape) return;
+    const auto boxes = window.shape->Boxes();
+    pixman_region32_t clip;
+    pixman_region32_init_rects(&clip, boxes.data(), static_cast<int>(boxes.size()));
+    pixman_region32_translate(&clip, rect.left, rect.top);
+    pixman_image_set_clip_region32(image, &clip);
+    pixman_region32_fini(&clip);
+}
 
 void Composite(Window& window, const RECT& area, pixman_image_t* seen) KX_REQUIRES(gdi::pixelLock)
 {
@@ -80,7 +70,7 @@ void Composite(Window& window, const RECT& area, pixman_image_t* seen) KX_REQUIR
     const Image mask = opacity < 255 ? MaskOf(opacity) : nullptr;
     const Image pixels = ImageOf(window.backing->surface);
     if (!pixels || (opacity < 255 && !mask)) return;
-    const ShapeClip clip(window, rect, seen);
+    ClipToShape(window, rect, seen);
     pixman_image_composite32(PIXMAN_OP_OVER, pixels.get(), mask.get(), seen, part.left - rect.left,
                              part.top - rect.top, 0, 0, part.left, part.top, part.right - part.left,
                              part.bottom - part.top);

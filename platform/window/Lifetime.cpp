@@ -1,10 +1,9 @@
-#include "platform/window/Lifetime.h"
+#include "platform/window/WindowState.h"
 
 #include "platform/Errno.h"
 #include "platform/NoMemory.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Queue.h"
-#include "platform/window/WindowState.h"
 #include "platform/window/WindowTable.h"
 
 namespace kx::window {

@@ -2,7 +2,7 @@
 
 #include "include/platform/Sync.h"
 #include "platform/sync/PerThread.h"
-#include "platform/window/Lifetime.h"
+#include "platform/window/WindowState.h"
 #include "platform/window/WindowTable.h"
 
 namespace kx::window {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "include/platform/Window.h"
 #include "platform/window/Window.h"
 
 // Changes of a window's visibility, place and focus. On the window's thread unless it says otherwise.
@@ -26,5 +27,17 @@ void ForgetFocus(HWND hWnd) noexcept;
 
 // The window, if it has the mouse to itself, hears that it has it no more.
 void DropCapture(HWND hWnd);
+
+class Queue;
+
+// Does what CreateWindowExA does, but that the hook, unless it is null, is the window's procedure. That may
+// pass on to the class's own with CallClass.
+HWND Create(CREATESTRUCTA create, HWND hParent, WNDPROC hook);
+// By the window's thread; 0 for no such window.
+LRESULT CallClass(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam);
+
+// Ends the windows of a thread that comes to its end. Their procedures hear nothing of it: what those use may
+// be gone by then.
+void EndWindowsOf(Queue& owner) noexcept;
 
 } // namespace kx::window

@@ -1,6 +1,6 @@
 #include "tools/KXCrashReport/ReportFiles.h"
 
-#include "platform/crash/EntryMatch.h"
+#include "platform/crash/HeapFree.h"
 #include "platform/files/WholeFile.h"
 
 #include <unistd.h>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "include/platform/Internet.h"
 #include "platform/http/Functions.h"
-#include "platform/http/curl/Curl.h"
 #include "platform/sync/Mutex.h"
 #include "platform/time/Clock.h"
 
@@ -9,6 +9,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstring>
+#include <curl/curl.h>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,6 +17,40 @@
 #include <vector>
 
 namespace kx::http::curl {
+
+// Throw the framework's exception for what libcurl reports, with its text unless there is a better one.
+[[noreturn]] void Throw(CURLcode code, unsigned long dwContext, const char* pszText = nullptr);
+[[noreturn]] void Throw(CURLMcode code, unsigned long dwContext);
+
+// For what this layer itself refuses.
+[[noreturn]] void Throw(DWORD dwError, unsigned long dwContext, const char* pszText);
+
+struct CloseEasy
+{
+    void operator()(CURL* easy) const noexcept { curl_easy_cleanup(easy); }
+};
+struct CloseMulti
+{
+    void operator()(CURLM* multi) const noexcept { curl_multi_cleanup(multi); }
+};
+using Easy = std::unique_ptr<CURL, CloseEasy>;
+using Multi = std::unique_ptr<CURLM, CloseMulti>;
+
+// Sets an option or throws for lack of memory.
+template <class Value>
+void Set(CURL* easy, CURLoption option, Value value)
+{
+    if (const CURLcode code = curl_easy_setopt(easy, option, value); code != CURLE_OK) Throw(code, 0);
+}
+
+// A fact about a transfer; `T()` where there is none.
+template <class T>
+T Get(CURL* easy, CURLINFO info) noexcept
+{
+    T value{};
+    curl_easy_getinfo(easy, info, &value);
+    return value;
+}
 
 class Transfer;
 

@@ -1,4 +1,4 @@
-#include "platform/window/x11/Cursors.h"
+#include "platform/window/x11/OwnWindows.h"
 
 #include "include/platform/Input.h"
 

@@ -26,60 +26,56 @@ namespace kx::window::x11 {
 
 namespace {
 
-struct Named
+constexpr struct
 {
     xkb_keysym_t symbol;
     UINT number;
-};
-
-constexpr std::array kNamed{
-    Named{XKB_KEY_BackSpace, VK_BACK},
-    Named{XKB_KEY_Tab, VK_TAB},
-    Named{XKB_KEY_ISO_Left_Tab, VK_TAB},
-    Named{XKB_KEY_Return, VK_RETURN},
-    Named{XKB_KEY_KP_Enter, VK_RETURN},
-    Named{XKB_KEY_Shift_L, VK_SHIFT},
-    Named{XKB_KEY_Shift_R, VK_SHIFT},
-    Named{XKB_KEY_Control_L, VK_CONTROL},
-    Named{XKB_KEY_Control_R, VK_CONTROL},
-    Named{XKB_KEY_Alt_L, VK_MENU},
-    Named{XKB_KEY_Alt_R, VK_MENU},
-    Named{XKB_KEY_Escape, VK_ESCAPE},
-    Named{XKB_KEY_space, VK_SPACE},
-    Named{XKB_KEY_Prior, VK_PRIOR},
-    Named{XKB_KEY_Next, VK_NEXT},
-    Named{XKB_KEY_End, VK_END},
-    Named{XKB_KEY_Home, VK_HOME},
-    Named{XKB_KEY_Left, VK_LEFT},
-    Named{XKB_KEY_Up, VK_UP},
-    Named{XKB_KEY_Right, VK_RIGHT},
-    Named{XKB_KEY_Down, VK_DOWN},
-    Named{XKB_KEY_Delete, VK_DELETE},
-    Named{XKB_KEY_KP_Insert, VK_INSERT},
-    Named{XKB_KEY_KP_Delete, VK_DELETE},
-    Named{XKB_KEY_Insert, VK_INSERT},
-    Named{XKB_KEY_Pause, VK_PAUSE},
-    Named{XKB_KEY_Print, VK_SNAPSHOT},
-    Named{XKB_KEY_Caps_Lock, VK_CAPITAL},
-    Named{XKB_KEY_Num_Lock, VK_NUMLOCK},
-    Named{XKB_KEY_Scroll_Lock, VK_SCROLL},
-    Named{XKB_KEY_Super_L, VK_LWIN},
-    Named{XKB_KEY_Super_R, VK_RWIN},
-    Named{XKB_KEY_Menu, VK_APPS},
-    Named{XKB_KEY_ISO_Level3_Shift, VK_MENU},
-    Named{XKB_KEY_semicolon, VK_OEM_1},
-    Named{XKB_KEY_equal, VK_OEM_PLUS},
-    Named{XKB_KEY_plus, VK_OEM_PLUS},
-    Named{XKB_KEY_comma, VK_OEM_COMMA},
-    Named{XKB_KEY_minus, VK_OEM_MINUS},
-    Named{XKB_KEY_period, VK_OEM_PERIOD},
-    Named{XKB_KEY_slash, VK_OEM_2},
-    Named{XKB_KEY_grave, VK_OEM_3},
-    Named{XKB_KEY_bracketleft, VK_OEM_4},
-    Named{XKB_KEY_backslash, VK_OEM_5},
-    Named{XKB_KEY_bracketright, VK_OEM_6},
-    Named{XKB_KEY_apostrophe, VK_OEM_7},
-};
+} kNamed[] = {{XKB_KEY_BackSpace, VK_BACK},
+              {XKB_KEY_Tab, VK_TAB},
+              {XKB_KEY_ISO_Left_Tab, VK_TAB},
+              {XKB_KEY_Return, VK_RETURN},
+              {XKB_KEY_KP_Enter, VK_RETURN},
+              {XKB_KEY_Shift_L, VK_SHIFT},
+              {XKB_KEY_Shift_R, VK_SHIFT},
+              {XKB_KEY_Control_L, VK_CONTROL},
+              {XKB_KEY_Control_R, VK_CONTROL},
+              {XKB_KEY_Alt_L, VK_MENU},
+              {XKB_KEY_Alt_R, VK_MENU},
+              {XKB_KEY_Escape, VK_ESCAPE},
+              {XKB_KEY_space, VK_SPACE},
+              {XKB_KEY_Prior, VK_PRIOR},
+              {XKB_KEY_Next, VK_NEXT},
+              {XKB_KEY_End, VK_END},
+              {XKB_KEY_Home, VK_HOME},
+              {XKB_KEY_Left, VK_LEFT},
+              {XKB_KEY_Up, VK_UP},
+              {XKB_KEY_Right, VK_RIGHT},
+              {XKB_KEY_Down, VK_DOWN},
+              {XKB_KEY_Delete, VK_DELETE},
+              {XKB_KEY_KP_Insert, VK_INSERT},
+              {XKB_KEY_KP_Delete, VK_DELETE},
+              {XKB_KEY_Insert, VK_INSERT},
+              {XKB_KEY_Pause, VK_PAUSE},
+              {XKB_KEY_Print, VK_SNAPSHOT},
+              {XKB_KEY_Caps_Lock, VK_CAPITAL},
+              {XKB_KEY_Num_Lock, VK_NUMLOCK},
+              {XKB_KEY_Scroll_Lock, VK_SCROLL},
+              {XKB_KEY_Super_L, VK_LWIN},
+              {XKB_KEY_Super_R, VK_RWIN},
+              {XKB_KEY_Menu, VK_APPS},
+              {XKB_KEY_ISO_Level3_Shift, VK_MENU},
+              {XKB_KEY_semicolon, VK_OEM_1},
+              {XKB_KEY_equal, VK_OEM_PLUS},
+              {XKB_KEY_plus, VK_OEM_PLUS},
+              {XKB_KEY_comma, VK_OEM_COMMA},
+              {XKB_KEY_minus, VK_OEM_MINUS},
+              {XKB_KEY_period, VK_OEM_PERIOD},
+              {XKB_KEY_slash, VK_OEM_2},
+              {XKB_KEY_grave, VK_OEM_3},
+              {XKB_KEY_bracketleft, VK_OEM_4},
+              {XKB_KEY_backslash, VK_OEM_5},
+              {XKB_KEY_bracketright, VK_OEM_6},
+              {XKB_KEY_apostrophe, VK_OEM_7}};
 
 // The keys of digits and punctuation by where they lie, as every server on Linux numbers them.
 constexpr struct
@@ -107,8 +103,8 @@ UINT NumberOfSymbol(xkb_keysym_t symbol) noexcept
         return symbol - XKB_KEY_KP_Multiply + VK_MULTIPLY;
     // The keypad's moves come in the order of the others.
     if (symbol >= XKB_KEY_KP_Home && symbol <= XKB_KEY_KP_End) symbol -= XKB_KEY_KP_Home - XKB_KEY_Home;
-    const auto it = std::ranges::find(kNamed, symbol, &Named::symbol);
-    return it == kNamed.end() ? 0 : it->number;
+    const auto it = std::ranges::find(kNamed, symbol, [](const auto& named) { return named.symbol; });
+    return it == std::end(kNamed) ? 0 : it->number;
 }
 
 // The user's own table, or that of the system's most usual locale. Its texts are UTF-8 in any case.
