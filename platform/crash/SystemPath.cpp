@@ -23,16 +23,6 @@ using Utf8Text = FixedText<4 * MAX_PATH>;
 const iconv_t kNone = reinterpret_cast<iconv_t>(-1);
 iconv_t g_fromGbk = kNone; // an open converter converts without heap or lock
 
-constexpr bool IsSeparator(char ch) noexcept
-{
-    return ch == '\\' || ch == '/';
-}
-
-constexpr bool IsLetter(char ch) noexcept
-{
-    return (ch >= 'A' && ch <= 'Z') || (ch >= 'a' && ch <= 'z');
-}
-
 bool ToUtf8(std::string_view text, Utf8Text& utf8) noexcept
 {
     if (GetACP() == CP_UTF8 || text::IsAscii(text)) return (utf8 << text).Fits();
@@ -52,11 +42,11 @@ bool ToUtf8(std::string_view text, Utf8Text& utf8) noexcept
 bool TakeRoot(std::string_view& path, PathText& system, bool& bAbsolute) noexcept
 {
     char drive = '\0';
-    if (path.size() >= 2 && IsLetter(path[0]) && path[1] == ':') {
+    if (path.size() >= 2 && files::IsLetter(path[0]) && path[1] == ':') {
         drive = path[0];
         path.remove_prefix(2);
     }
-    bAbsolute = !path.empty() && IsSeparator(path[0]);
+    bAbsolute = !path.empty() && files::IsSeparator(path[0]);
     if (!bAbsolute) return drive == '\0';
     std::array<char, PATH_MAX> root;
     const auto length = files::PeekRoot(drive ? drive : 'C', root);
@@ -69,7 +59,7 @@ void Append(std::string_view path, bool bAbsolute, PathText& system) noexcept
 {
     const std::size_t root = system.Length();
     while (!path.empty()) {
-        const auto end = std::find_if(path.begin(), path.end(), IsSeparator);
+        const auto end = std::find_if(path.begin(), path.end(), files::IsSeparator);
         const std::string_view name(path.begin(), end);
         path.remove_prefix(std::min(name.size() + 1, path.size()));
         if (name.empty() || name == ".") continue;

@@ -36,18 +36,10 @@ std::optional<Entry> FindEntry(const char* pszPath)
 
 DWORD GetFileAttributesA(const char* pszPath)
 try {
-    const auto path = kx::files::Resolve(pszPath);
-    if (!path) return INVALID_FILE_ATTRIBUTES;
-    const auto attributes = kx::files::ReadAttributes(path->system);
-    if (!attributes) {
-        kx::files::FailAt(path->system);
-        return INVALID_FILE_ATTRIBUTES;
-    }
-    if (path->trailing && !(*attributes & FILE_ATTRIBUTE_DIRECTORY)) {
-        kx::Fail(ERROR_DIRECTORY);
-        return INVALID_FILE_ATTRIBUTES;
-    }
-    return *attributes;
+    const auto entry = FindEntry(pszPath);
+    if (entry && (!entry->path.trailing || entry->Has(FILE_ATTRIBUTE_DIRECTORY))) return entry->dwAttributes;
+    if (entry) kx::Fail(ERROR_DIRECTORY);
+    return INVALID_FILE_ATTRIBUTES;
 } catch (...) {
     kx::NoMemory();
     return INVALID_FILE_ATTRIBUTES;

@@ -4,8 +4,8 @@
 #include "include/platform/FileSystem.h"
 #include "platform/Immortal.h"
 #include "platform/UniqueFd.h"
-#include "platform/files/MountTable.h"
 #include "platform/files/Directory.h"
+#include "platform/files/MountTable.h"
 #include "platform/sync/Fork.h"
 #include "platform/sync/Mutex.h"
 

@@ -34,25 +34,27 @@ DWORD AttributesOf(mode_t mode, bool bHidden)
 
 } // namespace
 
-std::optional<EntryInfo> ReadEntryInfo(int fd, const char* pszPath, bool bHidden)
+std::optional<WIN32_FIND_DATAA> ReadEntryInfo(int fd, const char* pszPath, bool bHidden)
 {
     struct statx entry;
     if (statx(fd, pszPath, AT_SYMLINK_NOFOLLOW, kWanted, &entry) != 0) return std::nullopt;
-    EntryInfo info;
-    info.dwAttributes = AttributesOf(entry.stx_mode, bHidden);
+    WIN32_FIND_DATAA info{};
+    info.dwFileAttributes = AttributesOf(entry.stx_mode, bHidden);
     if (S_ISLNK(entry.stx_mode)) {
-        info.dwAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
+        info.dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
         struct statx target;
         if (statx(fd, pszPath, 0, kWanted, &target) == 0) {
-            if (S_ISDIR(target.stx_mode)) info.dwAttributes |= FILE_ATTRIBUTE_DIRECTORY;
+            if (S_ISDIR(target.stx_mode)) info.dwFileAttributes |= FILE_ATTRIBUTE_DIRECTORY;
             entry = target;
         }
     }
-    if (info.dwAttributes == 0) info.dwAttributes = FILE_ATTRIBUTE_NORMAL;
-    info.ftCreation = ToFileTime((entry.stx_mask & STATX_BTIME) ? entry.stx_btime : entry.stx_mtime);
-    info.ftAccess = ToFileTime(entry.stx_atime);
-    info.ftWrite = ToFileTime(entry.stx_mtime);
-    if (S_ISREG(entry.stx_mode)) info.size = entry.stx_size;
+    if (info.dwFileAttributes == 0) info.dwFileAttributes = FILE_ATTRIBUTE_NORMAL;
+    info.ftCreationTime = ToFileTime((entry.stx_mask & STATX_BTIME) ? entry.stx_btime : entry.stx_mtime);
+    info.ftLastAccessTime = ToFileTime(entry.stx_atime);
+    info.ftLastWriteTime = ToFileTime(entry.stx_mtime);
+    const std::uint64_t size = S_ISREG(entry.stx_mode) ? entry.stx_size : 0;
+    info.nFileSizeHigh = static_cast<DWORD>(size >> 32);
+    info.nFileSizeLow = static_cast<DWORD>(size);
     return info;
 }
 
@@ -60,7 +62,7 @@ std::optional<DWORD> ReadAttributes(const std::string& systemPath)
 {
     const auto info = ReadEntryInfo(AT_FDCWD, systemPath.c_str(), LastName(systemPath).starts_with('.'));
     if (!info) return std::nullopt;
-    return info->dwAttributes;
+    return info->dwFileAttributes;
 }
 
 int FailAt(const std::string& systemPath)

@@ -7,18 +7,9 @@
 
 namespace kx::files {
 
-// What the layer tells of a directory entry: WIN32_FIND_DATAA without the names.
-struct EntryInfo
-{
-    DWORD dwAttributes = 0;
-    FILETIME ftCreation{};
-    FILETIME ftAccess{};
-    FILETIME ftWrite{};
-    std::uint64_t size = 0;
-};
-
-// Looks at an entry by its Linux path, relative to the directory `fd` or absolute; `errno` on failure.
-std::optional<EntryInfo> ReadEntryInfo(int fd, const char* pszPath, bool bHidden);
+// Looks at an entry by its Linux path, relative to the directory `fd` or absolute, and tells all but its
+// names; `errno` on failure.
+std::optional<WIN32_FIND_DATAA> ReadEntryInfo(int fd, const char* pszPath, bool bHidden);
 
 // The attributes alone.
 std::optional<DWORD> ReadAttributes(const std::string& systemPath);

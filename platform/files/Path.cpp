@@ -19,16 +19,6 @@ namespace {
 
 constexpr std::size_t kMaxLength = MAX_PATH - 1;
 
-constexpr bool IsSeparator(char ch) noexcept
-{
-    return ch == '\\' || ch == '/';
-}
-
-constexpr bool IsLetter(char ch) noexcept
-{
-    return (ch >= 'A' && ch <= 'Z') || (ch >= 'a' && ch <= 'z');
-}
-
 // A path in UTF-8, taken apart: `D:`, `\`, and the rest.
 struct Parts
 {

@@ -11,6 +11,16 @@
 
 namespace kx::files {
 
+constexpr bool IsSeparator(char ch) noexcept
+{
+    return ch == '\\' || ch == '/';
+}
+
+constexpr bool IsLetter(char ch) noexcept
+{
+    return (ch >= 'A' && ch <= 'Z') || (ch >= 'a' && ch <= 'z');
+}
+
 // A resolved path. `exact` tells that the system path is what the text spells; otherwise a component of it
 // was found by ignoring case, and another look may find another entry.
 struct Resolved

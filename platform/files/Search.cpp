@@ -62,29 +62,12 @@ bool MatchAll(std::string_view name, std::string_view pattern) noexcept
     return pattern.find_first_not_of('*') == pattern.npos;
 }
 
-// A name with `*` (any characters, also none) and `?` (one character), compared ignoring case. A closing `.*`
-// also stands for no extension at all, so that `*.*` matches every name.
-class Wildcard
+// Whether a name has the form of one with `*` (any characters, also none) and `?` (one character); both are
+// in UTF-8 and folded. A closing `.*` also stands for no extension at all, so that `*.*` matches every name.
+bool Matches(std::string_view name, std::string_view pattern) noexcept
 {
-public:
-    explicit Wildcard(std::string_view utf8Pattern);
-
-    // By a name in UTF-8 that is folded already.
-    bool Matches(std::string_view folded) const noexcept;
-
-private:
-    std::string m_pattern;
-};
-
-Wildcard::Wildcard(std::string_view utf8Pattern) : m_pattern(text::FoldCase(utf8Pattern))
-{
-}
-
-bool Wildcard::Matches(std::string_view folded) const noexcept
-{
-    const std::string_view pattern = m_pattern;
-    if (MatchAll(folded, pattern)) return true;
-    return pattern.ends_with(".*") && MatchAll(folded, pattern.substr(0, pattern.size() - 2));
+    if (MatchAll(name, pattern)) return true;
+    return pattern.ends_with(".*") && MatchAll(name, pattern.substr(0, pattern.size() - 2));
 }
 
 // An open search: the names that matched when it was opened, each looked at when it is delivered. Any thread.
@@ -128,22 +111,21 @@ Search::Search(const Pattern& pattern)
     }
     m_directory = Directory(pattern.directory.c_str());
     if (m_directory)
-        Collect(pattern.name);
+        Collect(text::FoldCase(pattern.name));
     else
         m_error = errno == ENOENT ? ERROR_PATH_NOT_FOUND : ErrorFromErrno(errno);
 }
 
 void Search::Collect(const std::string& pattern)
 {
-    const Wildcard wildcard(pattern);
     const sync::MutexLock lock(m_lock);
     for (const char* pszDots : {".", ".."})
-        if (wildcard.Matches(pszDots)) m_names.emplace_back(pszDots);
+        if (Matches(pszDots, pattern)) m_names.emplace_back(pszDots);
 
     std::vector<std::pair<std::string, std::string>> found; // in order ignoring case, then by bytes
     while (const auto entry = m_directory.Next()) {
         std::string folded = text::FoldCase(entry->name);
-        if (wildcard.Matches(folded)) found.emplace_back(std::move(folded), entry->name);
+        if (Matches(folded, pattern)) found.emplace_back(std::move(folded), entry->name);
     }
     std::sort(found.begin(), found.end());
     for (auto& entry : found)
@@ -160,13 +142,7 @@ bool Search::Next(WIN32_FIND_DATAA& data)
         const bool bHidden = name[0] == '.' && !IsDots(name);
         const auto info = ReadEntryInfo(m_directory.Fd(), (m_prefix + name).c_str(), bHidden);
         if (!info) continue;
-        data = {};
-        data.dwFileAttributes = info->dwAttributes;
-        data.ftCreationTime = info->ftCreation;
-        data.ftLastAccessTime = info->ftAccess;
-        data.ftLastWriteTime = info->ftWrite;
-        data.nFileSizeHigh = static_cast<DWORD>(info->size >> 32);
-        data.nFileSizeLow = static_cast<DWORD>(info->size);
+        data = *info;
         std::memcpy(data.cFileName, bytes->data(), bytes->size());
         return true;
     }

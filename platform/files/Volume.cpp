@@ -3,9 +3,9 @@
 #include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
 #include "platform/NoMemory.h"
-#include "platform/files/MountTable.h"
 #include "platform/files/Directory.h"
 #include "platform/files/Drives.h"
+#include "platform/files/MountTable.h"
 #include "platform/text/CharWalk.h"
 #include "platform/text/Conversion.h"
 
