@@ -19,6 +19,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace kx::crash {
+
 namespace {
 
 // A descriptor that a filter gives up where the process has no other left. Its identity is kept, as a client
@@ -33,47 +35,6 @@ bool GiveUpReserve() noexcept
                        now.st_ino == g_reserved.st_ino;
     return bOurs && close(std::exchange(g_reserve, -1)) == 0;
 }
-
-} // namespace
-
-void kx::crash::PrepareDescriptor() noexcept
-{
-    if (g_reserve >= 0) return;
-    g_reserve = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    if (g_reserve >= 0) fstat(g_reserve, &g_reserved);
-}
-
-// Opens without waiting, as the file may be a pipe that nobody writes to.
-bool KXCrash::IsFileReadable(const char* pszPath) noexcept
-{
-    kx::crash::PathText path;
-    if (!kx::crash::ToSystem(pszPath, path)) return false;
-    constexpr int nFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
-    kx::UniqueFd file(open(path.Data(), nFlags));
-    if (!file && (errno == EMFILE || errno == ENFILE) && kx::crash::InFilter() && GiveUpReserve())
-        file.Reset(open(path.Data(), nFlags));
-    struct stat info;
-    return file && fstat(file.Get(), &info) == 0 && !S_ISDIR(info.st_mode);
-}
-
-int KXCrash::MakeDirectory(const char* pszPath) noexcept
-{
-    kx::crash::PathText path;
-    if (!kx::crash::ToSystem(pszPath, path)) return 0;
-    return mkdir(path.Data(), 0777) == 0 ? 1 : kx::FailErrno();
-}
-
-// The virtual clock has a lock, which its moving alone holds: on the system's nothing can be held here.
-bool KXCrash::GetLocalTime(std::tm* pTime) noexcept
-{
-    if (!pTime) return false;
-    const std::int64_t now = kx::time::WallSeconds();
-    return kx::crash::InFilter() ? kx::crash::ToLocalPrepared(now, *pTime) : kx::time::ToLocal(now, *pTime);
-}
-
-namespace kx::crash {
-
-namespace {
 
 using std::chrono::days;
 using std::chrono::sys_days;
@@ -118,22 +79,8 @@ long PreparedOffset(std::int64_t nTime) noexcept
     return (next - 1)->offset;
 }
 
-} // namespace
-
-void PrepareZone() noexcept
-{
-    tzset();
-    const std::int64_t last = std::max<std::int64_t>(std::time(nullptr), kFirst) + 3653 * kDay;
-    std::size_t count = 0;
-    g_changes[count++] = {INT64_MIN, OffsetAt(kFirst)};
-    for (std::int64_t time = kFirst; time < last && count < g_changes.size(); time += kStep) {
-        const long offset = OffsetAt(time + kStep);
-        if (offset != g_changes[count - 1].offset)
-            g_changes[count++] = {FindChange(time, time + kStep), offset};
-    }
-    g_count.store(count, std::memory_order_release);
-}
-
+// Local time by what was read: the system's conversion takes the time zone's lock. Heap-free; false where the
+// year doesn't fit the record.
 bool ToLocalPrepared(std::int64_t nTime, std::tm& fields) noexcept
 {
     constexpr std::int64_t kLimit = 32'000LL * 365 * kDay; // within what the calendar below counts
@@ -144,8 +91,6 @@ bool ToLocalPrepared(std::int64_t nTime, std::tm& fields) noexcept
     fields = time::FieldsOf(sys_days(day), second);
     return true;
 }
-
-namespace {
 
 constinit sync::Word g_owner{0}; // the thread's number, 0 for none
 
@@ -171,6 +116,27 @@ void AwaitFilter() noexcept
 }
 
 } // namespace
+
+void PrepareDescriptor() noexcept
+{
+    if (g_reserve >= 0) return;
+    g_reserve = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    if (g_reserve >= 0) fstat(g_reserve, &g_reserved);
+}
+
+void PrepareZone() noexcept
+{
+    tzset();
+    const std::int64_t last = std::max<std::int64_t>(std::time(nullptr), kFirst) + 3653 * kDay;
+    std::size_t count = 0;
+    g_changes[count++] = {INT64_MIN, OffsetAt(kFirst)};
+    for (std::int64_t time = kFirst; time < last && count < g_changes.size(); time += kStep) {
+        const long offset = OffsetAt(time + kStep);
+        if (offset != g_changes[count - 1].offset)
+            g_changes[count++] = {FindChange(time, time + kStep), offset};
+    }
+    g_count.store(count, std::memory_order_release);
+}
 
 bool InFilter() noexcept
 {
@@ -205,3 +171,31 @@ void HoldExits() noexcept
 }
 
 } // namespace kx::crash
+
+// Opens without waiting, as the file may be a pipe that nobody writes to.
+bool KXCrash::IsFileReadable(const char* pszPath) noexcept
+{
+    kx::crash::PathText path;
+    if (!kx::crash::ToSystem(pszPath, path)) return false;
+    constexpr int nFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
+    kx::UniqueFd file(open(path.Data(), nFlags));
+    if (!file && (errno == EMFILE || errno == ENFILE) && kx::crash::InFilter() && kx::crash::GiveUpReserve())
+        file.Reset(open(path.Data(), nFlags));
+    struct stat info;
+    return file && fstat(file.Get(), &info) == 0 && !S_ISDIR(info.st_mode);
+}
+
+int KXCrash::MakeDirectory(const char* pszPath) noexcept
+{
+    kx::crash::PathText path;
+    if (!kx::crash::ToSystem(pszPath, path)) return 0;
+    return mkdir(path.Data(), 0777) == 0 ? 1 : kx::FailErrno();
+}
+
+// The virtual clock has a lock, which its moving alone holds: on the system's nothing can be held here.
+bool KXCrash::GetLocalTime(std::tm* pTime) noexcept
+{
+    if (!pTime) return false;
+    const std::int64_t now = kx::time::WallSeconds();
+    return kx::crash::InFilter() ? kx::crash::ToLocalPrepared(now, *pTime) : kx::time::ToLocal(now, *pTime);
+}

@@ -3,8 +3,6 @@
 #include "internal/FixedText.h"
 
 #include <cstddef>
-#include <cstdint>
-#include <ctime>
 
 // The heap-free forms of common calls, and what prepares them.
 
@@ -23,18 +21,10 @@ bool ToSystem(const char* pszPath, PathText& system) noexcept;
 // Reads the zone's changes from 2000 to ten years from now. By one thread at a time, not in a filter.
 void PrepareZone() noexcept;
 
-// Local time by what was read: the system's conversion takes the time zone's lock. Heap-free; false where the
-// year doesn't fit the record.
-bool ToLocalPrepared(std::int64_t nTime, std::tm& fields) noexcept;
-
 // Sets a descriptor aside with which a filter opens a file in a process that has no other left.
 void PrepareDescriptor() noexcept;
 
-} // namespace kx::crash
-
-// The thread that is in the crash filter, if any.
-
-namespace kx::crash {
+// ---- The thread that is in the crash filter, if any
 
 // Whether the calling thread is: the heap and every lock are then out of bounds.
 bool InFilter() noexcept;

@@ -53,16 +53,6 @@ std::string CurrentDirectory()
     return path && *path == '/' ? path.get() : "";
 }
 
-bool ChangeDirectory(const std::string& systemPath)
-{
-    std::string path = systemPath; // before the change, after which nothing may fail
-    Chosen& last = The<Chosen>();
-    const sync::MutexLock lock(last.lock);
-    if (chdir(path.c_str()) != 0) return false;
-    last.path = std::move(path);
-    return true;
-}
-
 } // namespace kx::files
 
 namespace {
@@ -80,8 +70,13 @@ UINT Deliver(std::string_view text, char* pszBuffer, UINT nSize)
 
 int SetCurrentDirectoryA(const char* pszPath)
 try {
-    const auto path = kx::files::ToSystem(pszPath);
-    return path && (kx::files::ChangeDirectory(*path) || kx::files::FailAt(*path));
+    auto path = kx::files::ToSystem(pszPath);
+    if (!path) return 0;
+    auto& last = kx::The<kx::files::Chosen>();
+    const kx::sync::MutexLock lock(last.lock);
+    if (chdir(path->c_str()) != 0) return kx::files::FailAt(*path);
+    last.path = std::move(*path);
+    return 1;
 } catch (...) {
     return kx::NoMemory();
 }

@@ -69,10 +69,7 @@ unsigned Generation() noexcept;
 bool MatchExisting(std::string& path, std::size_t fixed);
 
 // The process's current directory as an absolute Linux path; empty where it has none any more. While it is
-// the one that ChangeDirectory chose, links in its path stay as they were spelled there.
+// the one that SetCurrentDirectoryA chose, links in its path stay as they were spelled there.
 std::string CurrentDirectory();
-
-// Changes it; `errno` on failure.
-bool ChangeDirectory(const std::string& systemPath);
 
 } // namespace kx::files

@@ -53,8 +53,6 @@ std::optional<VS_FIXEDFILEINFO> InNotes(const ByteSource& source, std::uint64_t 
     return std::nullopt;
 }
 
-} // namespace
-
 std::optional<VS_FIXEDFILEINFO> ReadElfVersion(const ByteSource& source)
 {
     constexpr std::string_view kKind = "\177ELF\2\1"sv; // 64 bits, little-endian
@@ -77,6 +75,8 @@ std::optional<VS_FIXEDFILEINFO> ReadElfVersion(const ByteSource& source)
     }
     return std::nullopt;
 }
+
+} // namespace
 
 std::optional<VS_FIXEDFILEINFO> ReadVersion(const ByteSource& source)
 {

@@ -58,21 +58,15 @@ protected:
     virtual bool ReadAt(std::uint64_t offset, std::span<std::uint8_t> target) const = 0;
 };
 
-} // namespace kx::module
-
-// The version that a file carries. A header may say anything: what lies outside the file is not read, and how
-// much is looked at is bounded.
-
-namespace kx::module {
+// ---- The version that a file carries
+//
+// A header may say anything: what lies outside the file is not read, and how much is looked at is bounded.
 
 // The fixed record of the version resource of a PE image, of 32 or 64 bits.
 std::optional<VS_FIXEDFILEINFO> ReadPeVersion(const ByteSource& source);
 
-// The note of name "KXVersion" that a program header of an ELF file names, of 64 bits and little-endian as
-// those of the machines that the library runs on are.
-std::optional<VS_FIXEDFILEINFO> ReadElfVersion(const ByteSource& source);
-
-// By what the file begins with.
+// The same, or of an ELF file of 64 bits and little-endian, as those of the machines that the library runs on
+// are, the note of name "KXVersion" that a program header names.
 std::optional<VS_FIXEDFILEINFO> ReadVersion(const ByteSource& source);
 
 // The version resource's head as it lies in a PE image: the record's offset in it, and both as a whole.

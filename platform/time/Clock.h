@@ -54,11 +54,7 @@ std::timespec ToSystem(Moment moment) noexcept;
 // Sleep's part in a virtual clock that sleepers move themselves: moves it and returns true; else false.
 bool SkipSleep(DWORD dwMilliseconds);
 
-} // namespace kx::time
-
-// An instant's calendar fields. Any thread.
-
-namespace kx::time {
+// ---- An instant's calendar fields
 
 // Local time of an instant; false when its year doesn't fit the record.
 bool ToLocal(std::int64_t nTime, std::tm& fields) noexcept;
