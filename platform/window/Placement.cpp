@@ -8,7 +8,6 @@
 #include "platform/gdi/PixelRegion.h"
 #include "platform/screen/Screen.h"
 #include "platform/window/Backing.h"
-#include "platform/window/Chores.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Queue.h"
 

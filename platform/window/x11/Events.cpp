@@ -3,7 +3,7 @@
 #include "include/platform/Input.h"
 #include "platform/screen/Screen.h"
 #include "platform/text/Conversion.h"
-#include "platform/window/Chores.h"
+#include "platform/window/WindowState.h"
 #include "platform/window/Input.h"
 #include "platform/window/WindowTable.h"
 

@@ -26,55 +26,40 @@ namespace kx::window::x11 {
 
 namespace {
 
+// Keys whose symbols and numbers both come in a row.
+constexpr struct
+{
+    xkb_keysym_t first;
+    xkb_keysym_t last;
+    UINT number; // of the first
+} kRanges[] = {{XKB_KEY_a, XKB_KEY_z, 'A'},
+               {XKB_KEY_0, XKB_KEY_9, '0'},
+               {XKB_KEY_F1, XKB_KEY_F24, VK_F1},
+               {XKB_KEY_KP_Multiply, XKB_KEY_KP_Divide, VK_MULTIPLY},
+               {XKB_KEY_Home, XKB_KEY_Down, VK_HOME},
+               {XKB_KEY_Prior, XKB_KEY_End, VK_PRIOR},
+               {XKB_KEY_comma, XKB_KEY_slash, VK_OEM_COMMA},
+               {XKB_KEY_bracketleft, XKB_KEY_bracketright, VK_OEM_4}};
+
 constexpr struct
 {
     xkb_keysym_t symbol;
     UINT number;
-} kNamed[] = {{XKB_KEY_BackSpace, VK_BACK},
-              {XKB_KEY_Tab, VK_TAB},
-              {XKB_KEY_ISO_Left_Tab, VK_TAB},
-              {XKB_KEY_Return, VK_RETURN},
-              {XKB_KEY_KP_Enter, VK_RETURN},
-              {XKB_KEY_Shift_L, VK_SHIFT},
-              {XKB_KEY_Shift_R, VK_SHIFT},
-              {XKB_KEY_Control_L, VK_CONTROL},
-              {XKB_KEY_Control_R, VK_CONTROL},
-              {XKB_KEY_Alt_L, VK_MENU},
-              {XKB_KEY_Alt_R, VK_MENU},
-              {XKB_KEY_Escape, VK_ESCAPE},
-              {XKB_KEY_space, VK_SPACE},
-              {XKB_KEY_Prior, VK_PRIOR},
-              {XKB_KEY_Next, VK_NEXT},
-              {XKB_KEY_End, VK_END},
-              {XKB_KEY_Home, VK_HOME},
-              {XKB_KEY_Left, VK_LEFT},
-              {XKB_KEY_Up, VK_UP},
-              {XKB_KEY_Right, VK_RIGHT},
-              {XKB_KEY_Down, VK_DOWN},
-              {XKB_KEY_Delete, VK_DELETE},
-              {XKB_KEY_KP_Insert, VK_INSERT},
-              {XKB_KEY_KP_Delete, VK_DELETE},
-              {XKB_KEY_Insert, VK_INSERT},
-              {XKB_KEY_Pause, VK_PAUSE},
-              {XKB_KEY_Print, VK_SNAPSHOT},
-              {XKB_KEY_Caps_Lock, VK_CAPITAL},
-              {XKB_KEY_Num_Lock, VK_NUMLOCK},
-              {XKB_KEY_Scroll_Lock, VK_SCROLL},
-              {XKB_KEY_Super_L, VK_LWIN},
-              {XKB_KEY_Super_R, VK_RWIN},
-              {XKB_KEY_Menu, VK_APPS},
-              {XKB_KEY_ISO_Level3_Shift, VK_MENU},
-              {XKB_KEY_semicolon, VK_OEM_1},
-              {XKB_KEY_equal, VK_OEM_PLUS},
-              {XKB_KEY_plus, VK_OEM_PLUS},
-              {XKB_KEY_comma, VK_OEM_COMMA},
-              {XKB_KEY_minus, VK_OEM_MINUS},
-              {XKB_KEY_period, VK_OEM_PERIOD},
-              {XKB_KEY_slash, VK_OEM_2},
-              {XKB_KEY_grave, VK_OEM_3},
-              {XKB_KEY_bracketleft, VK_OEM_4},
-              {XKB_KEY_backslash, VK_OEM_5},
-              {XKB_KEY_bracketright, VK_OEM_6},
+} kNamed[] = {{XKB_KEY_BackSpace, VK_BACK},    {XKB_KEY_Tab, VK_TAB},
+              {XKB_KEY_ISO_Left_Tab, VK_TAB},  {XKB_KEY_Return, VK_RETURN},
+              {XKB_KEY_KP_Enter, VK_RETURN},   {XKB_KEY_Shift_L, VK_SHIFT},
+              {XKB_KEY_Shift_R, VK_SHIFT},     {XKB_KEY_Control_L, VK_CONTROL},
+              {XKB_KEY_Control_R, VK_CONTROL}, {XKB_KEY_Alt_L, VK_MENU},
+              {XKB_KEY_Alt_R, VK_MENU},        {XKB_KEY_Escape, VK_ESCAPE},
+              {XKB_KEY_space, VK_SPACE},       {XKB_KEY_Delete, VK_DELETE},
+              {XKB_KEY_KP_Insert, VK_INSERT},  {XKB_KEY_KP_Delete, VK_DELETE},
+              {XKB_KEY_Insert, VK_INSERT},     {XKB_KEY_Pause, VK_PAUSE},
+              {XKB_KEY_Print, VK_SNAPSHOT},    {XKB_KEY_Caps_Lock, VK_CAPITAL},
+              {XKB_KEY_Num_Lock, VK_NUMLOCK},  {XKB_KEY_Scroll_Lock, VK_SCROLL},
+              {XKB_KEY_Super_L, VK_LWIN},      {XKB_KEY_Super_R, VK_RWIN},
+              {XKB_KEY_Menu, VK_APPS},         {XKB_KEY_ISO_Level3_Shift, VK_MENU},
+              {XKB_KEY_semicolon, VK_OEM_1},   {XKB_KEY_equal, VK_OEM_PLUS},
+              {XKB_KEY_plus, VK_OEM_PLUS},     {XKB_KEY_grave, VK_OEM_3},
               {XKB_KEY_apostrophe, VK_OEM_7}};
 
 // The keys of digits and punctuation by where they lie, as every server on Linux numbers them.
@@ -96,13 +81,10 @@ UINT NumberOfPlace(xcb_keycode_t code) noexcept
 
 UINT NumberOfSymbol(xkb_keysym_t symbol) noexcept
 {
-    if (symbol >= XKB_KEY_a && symbol <= XKB_KEY_z) return symbol - XKB_KEY_a + 'A';
-    if (symbol >= XKB_KEY_0 && symbol <= XKB_KEY_9) return symbol - XKB_KEY_0 + '0';
-    if (symbol >= XKB_KEY_F1 && symbol <= XKB_KEY_F24) return symbol - XKB_KEY_F1 + VK_F1;
-    if (symbol >= XKB_KEY_KP_Multiply && symbol <= XKB_KEY_KP_Divide)
-        return symbol - XKB_KEY_KP_Multiply + VK_MULTIPLY;
     // The keypad's moves come in the order of the others.
     if (symbol >= XKB_KEY_KP_Home && symbol <= XKB_KEY_KP_End) symbol -= XKB_KEY_KP_Home - XKB_KEY_Home;
+    for (const auto& range : kRanges)
+        if (symbol >= range.first && symbol <= range.last) return symbol - range.first + range.number;
     const auto it = std::ranges::find(kNamed, symbol, [](const auto& named) { return named.symbol; });
     return it == std::end(kNamed) ? 0 : it->number;
 }

@@ -3,7 +3,7 @@
 #include "platform/screen/Screen.h"
 #include "platform/sync/AlternateStack.h"
 #include "platform/sync/Mutex.h"
-#include "platform/window/Chores.h"
+#include "platform/window/WindowState.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Window.h"
 #include "platform/window/WindowTable.h"
