@@ -6,9 +6,9 @@
 #include "platform/NoMemory.h"
 #include "platform/gdi/Icon.h"
 #include "platform/text/CharWalk.h"
-#include "platform/window/WindowState.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Queue.h"
+#include "platform/window/WindowState.h"
 #include "platform/window/WindowTable.h"
 
 namespace {

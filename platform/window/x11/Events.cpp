@@ -3,8 +3,8 @@
 #include "include/platform/Input.h"
 #include "platform/screen/Screen.h"
 #include "platform/text/Conversion.h"
-#include "platform/window/WindowState.h"
 #include "platform/window/Input.h"
+#include "platform/window/WindowState.h"
 #include "platform/window/WindowTable.h"
 
 #include <new>
