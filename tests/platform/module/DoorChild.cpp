@@ -12,9 +12,11 @@
 #include "include/platform/Xml.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <string_view>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -75,7 +77,10 @@ const char* FindIcon()
 
 void UseAll()
 {
-    const bool bPictures = KXHost::SaveDesktop("/dev/null");
+    char szPicture[] = "/tmp/kx-doors-XXXXXX"; // a device is no file that can be replaced
+    close(mkstemp(szPicture));
+    const bool bPictures = KXHost::SaveDesktop(szPicture);
+    unlink(szPicture);
     KXHost::UseDisplay(":nonsense", 0);                  // what is said of it tells
     FindResourceA(nullptr, MAKEINTRESOURCEA(7), "DATA"); // by another door than the icons'
     std::fprintf(stderr, "%s, %s, %s, %s, %s, %s\n", Fetch(), OpenManager(), MakeDocument(), DrawText(),
