@@ -11,13 +11,13 @@ int CKXCrashDumper::m_bAutoSend = 0;
 
 namespace {
 
-using Path = FixedText<4096>;
+using Path = kx::FixedText<4096>;
 
 // The values as the filter reads them. They have no destructor, unlike the static strings: a crash may come
 // after those are gone, in a destructor of a static object or on a thread that outlives main.
-FixedText<32'768> g_app;
-FixedText<32'768> g_restart;
-FixedText<32'768> g_contact;
+kx::FixedText<32'768> g_app;
+kx::FixedText<32'768> g_restart;
+kx::FixedText<32'768> g_contact;
 Path g_path;
 Path g_stem;
 
@@ -25,7 +25,7 @@ Path g_stem;
 Path g_dumps;
 Path g_dump;
 Path g_reporter;
-FixedText<32'768> g_arguments;
+kx::FixedText<32'768> g_arguments;
 
 // The time of the crash in 14 digits.
 void AppendTime(Path& path)

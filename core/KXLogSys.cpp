@@ -59,7 +59,7 @@ CKXLogSys* CKXLogSys::GetSingletonPtr()
     return s_pInstance;
 }
 
-CKXLogSys::CKXLogSys() : m_listLog(kx::log::Queue::Get())
+CKXLogSys::CKXLogSys() : m_listLog(kx::core::Queue::Get())
 {
     s_auto_ptr.reset(this);
     KXCrash::SetLogRecord(&m_listLog.GetRecord());
@@ -156,7 +156,7 @@ void CKXLogSys::StartAnew() noexcept KX_NO_LOCK_ANALYSIS
 {
     std::destroy_at(&m_lockLog);
     std::construct_at(&m_lockLog);
-    kx::log::Queue::Free(m_listLog.Forget());
+    kx::core::Queue::Free(m_listLog.Forget());
     m_bRunning = m_bWoken = false;
     m_pFlushes = nullptr; // on stacks that aren't there any more
     for (HANDLE* pHandle : {&m_hThread, &m_hWakeEvent, &m_hStopEvent})
@@ -234,7 +234,7 @@ void CKXLogSys::PushLogEx(LogLevel level, char const* format, ...)
     va_end(args);
 }
 
-void CKXLogSys::PushLine(const kx::log::Line& line)
+void CKXLogSys::PushLine(const kx::core::Line& line)
 try {
     {
         const CKXAutoLock lock(&m_lockLog);
@@ -312,10 +312,10 @@ void CKXLogSys::HandOver(bool bFailed)
     AwaitEnd();
     if (!Try([this] { m_fileLog.Flush(); })) bFailed = true;
     const std::uint64_t nLength = m_fileLog.GetPosition();
-    kx::log::Block* pFreed = nullptr;
+    kx::core::Block* pFreed = nullptr;
     {
         const CKXAutoLock lock(&m_lockLog);
-        const auto written = bFailed ? m_listLog.WrittenIn(nLength) : kx::log::Queue::Written{};
+        const auto written = bFailed ? m_listLog.WrittenIn(nLength) : kx::core::Queue::Written{};
         const std::uint64_t nFirstLost = m_listLog.HandedOver() + written.lines;
         pFreed = m_listLog.HandOver(nLength, written.bTorn);
         for (FlushWait** ppNext = &m_pFlushes; FlushWait* pWait = *ppNext;) {
@@ -329,5 +329,5 @@ void CKXLogSys::HandOver(bool bFailed)
             SetEvent(pWait->hEvent);
         }
     }
-    kx::log::Queue::Free(pFreed);
+    kx::core::Queue::Free(pFreed);
 }

@@ -44,7 +44,7 @@ char* Put(char* at, std::string_view text)
 
 } // namespace
 
-namespace kx::log {
+namespace kx::core {
 
 Line::Line(int nLevel, std::string_view message)
 {
@@ -66,4 +66,4 @@ Line::Line(int nLevel, std::string_view message)
     m_line = {line, length};
 }
 
-} // namespace kx::log
+} // namespace kx::core

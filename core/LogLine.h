@@ -5,7 +5,7 @@
 #include <array>
 #include <string_view>
 
-namespace kx::log {
+namespace kx::core {
 
 // The line of a message: "[stamp] level message" and a line end, stamped with the local time at which it is
 // made.
@@ -24,4 +24,4 @@ private:
     std::string_view m_line;
 };
 
-} // namespace kx::log
+} // namespace kx::core

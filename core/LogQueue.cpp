@@ -7,7 +7,7 @@
 #include <new>
 #include <utility>
 
-namespace kx::log {
+namespace kx::core {
 
 namespace {
 
@@ -210,4 +210,4 @@ void Queue::SetPosition(std::uint64_t nLength, bool bLineBreak) noexcept
     Publish(m_record.current, other);
 }
 
-} // namespace kx::log
+} // namespace kx::core

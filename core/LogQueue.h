@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-namespace kx::log {
+namespace kx::core {
 
 // The queue of finished lines, in blocks that the record describes to the crash reporter. There is one, which
 // is never destroyed, as a crash may come at any time. All operations but Next and ReadBytes, which are the
@@ -81,4 +81,4 @@ private:
     Place m_limit; // how far it goes
 };
 
-} // namespace kx::log
+} // namespace kx::core

@@ -6,7 +6,7 @@
 // outside and at any instruction, so the layout is fixed: what changes it changes kRecordVersion. Addresses
 // are those of the process that logs.
 
-namespace kx::log {
+namespace kx::core {
 
 inline constexpr std::uint64_t kRecordMagic = 0x315145554C584B11; // what no text and no address is
 inline constexpr std::uint64_t kBlockMagic = 0x314B434F4C584B11;
@@ -51,4 +51,4 @@ constexpr std::uint64_t CheckOf(std::uint64_t nProcess, std::int64_t nFile) noex
 
 static_assert(sizeof(Block) == 40 && sizeof(Position) == 32 && sizeof(Record) == 112);
 
-} // namespace kx::log
+} // namespace kx::core

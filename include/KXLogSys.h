@@ -6,10 +6,10 @@
 
 #include <memory>
 
-namespace kx::log {
+namespace kx::core {
 class Line;
 class Queue;
-} // namespace kx::log
+} // namespace kx::core
 
 // The process's one log. Any thread pushes lines at the cost of formatting and one insertion into a queue; a
 // writer thread appends them to one text file. A client flushes before it stops the log, or the file may end
@@ -102,7 +102,7 @@ private:
 
     struct FlushWait;
 
-    void PushLine(const kx::log::Line& line);
+    void PushLine(const kx::core::Line& line);
     bool WriteNext(CString& strLine);
     void HandOver(bool bFailed);
     void AwaitEnd() const;
@@ -111,7 +111,7 @@ private:
     static void AfterFork(bool bChild) noexcept;
     void StartAnew() noexcept;
 
-    kx::log::Queue& m_listLog; // guarded by m_lockLog, but for what the writer reads
+    kx::core::Queue& m_listLog; // guarded by m_lockLog, but for what the writer reads
     CKXCritSection m_lockLog;
     CStdioFile m_fileLog;
     HANDLE m_hThread = nullptr;

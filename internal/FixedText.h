@@ -6,6 +6,8 @@
 #include <cstring>
 #include <string_view>
 
+namespace kx {
+
 // A text that grows in a buffer of its own, for code that may not use the heap. What doesn't fit whole is
 // left off, and so is everything behind it: Fits tells.
 template <std::size_t N>
@@ -56,3 +58,5 @@ private:
     std::size_t m_length = 0;
     bool m_bFits = true;
 };
+
+} // namespace kx

@@ -134,9 +134,7 @@ LiveHandle::~LiveHandle()
     g_live.fetch_sub(1, std::memory_order_relaxed);
 }
 
-namespace handles {
-
-HANDLE Add(HandleKind kind, std::shared_ptr<void> object, bool bCounted) noexcept
+HANDLE AddHandle(HandleKind kind, std::shared_ptr<void> object, bool bCounted) noexcept
 try {
     return object ? The<Table>().Add(kind, std::move(object), bCounted) : nullptr;
 } catch (const std::bad_alloc&) {
@@ -144,7 +142,7 @@ try {
     return nullptr;
 }
 
-std::shared_ptr<void> Find(HandleKind kind, const void* handle) noexcept
+std::shared_ptr<void> FindHandle(HandleKind kind, const void* handle) noexcept
 {
     const Name name(handle);
     if (name.generation != kReservedGeneration) return The<Table>().Find(kind, name);
@@ -152,7 +150,7 @@ std::shared_ptr<void> Find(HandleKind kind, const void* handle) noexcept
     return reserved ? reserved->object : nullptr;
 }
 
-std::shared_ptr<void> Remove(HandleKind kind, const void* handle) noexcept
+std::shared_ptr<void> RemoveHandle(HandleKind kind, const void* handle) noexcept
 {
     const Name name(handle);
     if (name.generation != kReservedGeneration) return The<Table>().Remove(kind, name);
@@ -160,14 +158,12 @@ std::shared_ptr<void> Remove(HandleKind kind, const void* handle) noexcept
     return reserved && reserved->bOpen.exchange(false) ? reserved->object : nullptr;
 }
 
-void Reserve(std::size_t nPlace, HandleKind kind, std::shared_ptr<void> object) noexcept
+void ReserveHandle(std::size_t nPlace, HandleKind kind, std::shared_ptr<void> object) noexcept
 {
     Reserved& reserved = The<ReservedHandles>()[nPlace];
     reserved.object = std::move(object);
     reserved.kind = kind;
 }
-
-} // namespace handles
 
 HANDLE OpenReservedHandle(std::size_t nPlace) noexcept
 {

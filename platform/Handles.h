@@ -38,15 +38,11 @@ public:
     ~LiveHandle();
 };
 
-namespace handles {
-
 // The operations below without types. What is stored under a kind is a pointer to that kind's class.
-HANDLE Add(HandleKind kind, std::shared_ptr<void> object, bool bCounted) noexcept;
-KX_API std::shared_ptr<void> Find(HandleKind kind, const void* handle) noexcept;
-std::shared_ptr<void> Remove(HandleKind kind, const void* handle) noexcept;
-void Reserve(std::size_t nPlace, HandleKind kind, std::shared_ptr<void> object) noexcept;
-
-} // namespace handles
+HANDLE AddHandle(HandleKind kind, std::shared_ptr<void> object, bool bCounted) noexcept;
+KX_API std::shared_ptr<void> FindHandle(HandleKind kind, const void* handle) noexcept;
+std::shared_ptr<void> RemoveHandle(HandleKind kind, const void* handle) noexcept;
+void ReserveHandle(std::size_t nPlace, HandleKind kind, std::shared_ptr<void> object) noexcept;
 
 // Names the object, whose class T tells its kind by T::HANDLE_KIND and is the same in all of these. Null,
 // with ERROR_NOT_ENOUGH_MEMORY, for lack of memory. One that isn't counted belongs to the library and not to
@@ -54,21 +50,21 @@ void Reserve(std::size_t nPlace, HandleKind kind, std::shared_ptr<void> object) 
 template <class T>
 HANDLE AddHandle(std::shared_ptr<T> object, bool bCounted = true) noexcept
 {
-    return handles::Add(T::HANDLE_KIND, std::move(object), bCounted);
+    return AddHandle(T::HANDLE_KIND, std::move(object), bCounted);
 }
 
 // The object of a handle; null, with the last error unchanged, for a handle of nothing or of another kind.
 template <class T>
 std::shared_ptr<T> FindHandle(const void* handle) noexcept
 {
-    return std::static_pointer_cast<T>(handles::Find(T::HANDLE_KIND, handle));
+    return std::static_pointer_cast<T>(FindHandle(T::HANDLE_KIND, handle));
 }
 
 // Ends the handle and gives what it named; null as above. Of several threads that try, one succeeds.
 template <class T>
 std::shared_ptr<T> RemoveHandle(const void* handle) noexcept
 {
-    return std::static_pointer_cast<T>(handles::Remove(T::HANDLE_KIND, handle));
+    return std::static_pointer_cast<T>(RemoveHandle(T::HANDLE_KIND, handle));
 }
 
 // Handles that are set aside for a crash filter, which may neither allocate nor wait for a lock: finding and
@@ -80,7 +76,7 @@ inline constexpr std::size_t kReservedHandles = 4;
 template <class T>
 void ReserveHandle(std::size_t nPlace, std::shared_ptr<T> object) noexcept
 {
-    handles::Reserve(nPlace, T::HANDLE_KIND, std::move(object));
+    ReserveHandle(nPlace, T::HANDLE_KIND, std::move(object));
 }
 
 // Opens the handle of a place that an object was set aside for.

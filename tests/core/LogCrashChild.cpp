@@ -20,8 +20,8 @@
 
 namespace {
 
-using kx::log::Block;
-using kx::log::Record;
+using kx::core::Block;
+using kx::core::Record;
 
 CKXCritSection CKXLogSys::*LockOf(CKXLogSys*);
 template <CKXCritSection CKXLogSys::*pLock>
@@ -88,7 +88,7 @@ struct Forged
 
     struct Piece
     {
-        Block head{kx::log::kBlockMagic, 7, 0, nRoom, 0};
+        Block head{kx::core::kBlockMagic, 7, 0, nRoom, 0};
         char lines[nRoom] = "";
         void Add(const std::string& line)
         {
@@ -109,8 +109,14 @@ struct Forged
         pieces[0].head.next = reinterpret_cast<std::uint64_t>(&pieces[1]);
         pieces[1].head.number = 8;
         const auto pid = static_cast<std::uint64_t>(getpid());
-        record = {
-            kx::log::kRecordMagic, kx::log::kRecordVersion, 1, 0, pid, file, kx::log::CheckOf(pid, file), {}};
+        record = {kx::core::kRecordMagic,
+                  kx::core::kRecordVersion,
+                  1,
+                  0,
+                  pid,
+                  file,
+                  kx::core::CheckOf(pid, file),
+                  {}};
         record.positions[1] = {reinterpret_cast<std::uint64_t>(&pieces[0]), 0, 7, 0};
         KXCrash::SetLogRecord(&record);
     }

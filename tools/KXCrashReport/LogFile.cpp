@@ -31,9 +31,9 @@ std::optional<std::uint64_t> FilePosition(const Tracee& tracee, const std::strin
 class LogFile
 {
 public:
-    LogFile(const Tracee& tracee, const log::Record& record, const log::Position& from)
+    LogFile(const Tracee& tracee, const core::Record& record, const core::Position& from)
     {
-        const bool bSound = record.file >= 0 && record.check == log::CheckOf(record.process, record.file);
+        const bool bSound = record.file >= 0 && record.check == core::CheckOf(record.process, record.file);
         if (!bSound) return;
         const std::string number = std::to_string(record.file);
         const std::string path = tracee.ProcFile("fd/") + number;
@@ -141,10 +141,10 @@ std::uint64_t WritableMemory(const std::vector<Mapping>& maps)
     return size;
 }
 
-std::string BringHome(const Tracee& tracee, const log::Record& record, std::uint64_t nMost,
+std::string BringHome(const Tracee& tracee, const core::Record& record, std::uint64_t nMost,
                       const ReadMemory& read)
 {
-    const log::Position& from = record.positions[record.current % 2];
+    const core::Position& from = record.positions[record.current % 2];
     LogFile file(tracee, record, from);
     ReportLines lines;
     if (from.lineBreak) file.Write("\n");
@@ -177,7 +177,7 @@ std::string BringLinesHome(const Tracee& tracee, const std::vector<Mapping>& map
         if (bForeign) continue; // the lines of a fork's parent
         text += BringHome(tracee, record, WritableMemory(maps), read);
         constexpr std::uint64_t kClosed = 1;
-        tracee.Write(address + offsetof(log::Record, closed), &kClosed, sizeof(kClosed));
+        tracee.Write(address + offsetof(core::Record, closed), &kClosed, sizeof(kClosed));
     }
     return text;
 }

@@ -114,26 +114,26 @@ std::vector<FoundRecord> FindLogRecords(const std::vector<Mapping>& maps, const 
     for (const Mapping& map : maps) {
         if (!map.IsFile() || !map.bRead || map.offset != 0) continue;
         const std::uint64_t address = FromModule(read, map.start);
-        const auto record = address ? Read<log::Record>(read, address) : std::nullopt;
-        if (record && record->magic == log::kRecordMagic && record->version == log::kRecordVersion)
+        const auto record = address ? Read<core::Record>(read, address) : std::nullopt;
+        if (record && record->magic == core::kRecordMagic && record->version == core::kRecordVersion)
             records.push_back({address, *record});
     }
     return records;
 }
 
 // Blocks are numbered, so no walk comes to one a second time, and `nMost` is for those that overlap.
-bool WalkLines(const log::Position& from, std::uint64_t nMost, const ReadMemory& read, const TakePiece& take)
+bool WalkLines(const core::Position& from, std::uint64_t nMost, const ReadMemory& read, const TakePiece& take)
 {
     BlockWalk walk(read, nMost, take);
     std::uint64_t address = from.block;
     std::uint64_t offset = from.offset;
     for (std::optional<std::uint64_t> number; address != 0; offset = 0) {
-        const auto block = Read<log::Block>(read, address);
-        if (!block || block->magic != log::kBlockMagic || block->used > block->capacity ||
+        const auto block = Read<core::Block>(read, address);
+        if (!block || block->magic != core::kBlockMagic || block->used > block->capacity ||
             offset > block->used || (number && block->number != *number + 1))
             return false;
         number = block->number;
-        if (!walk.Walk(address + sizeof(log::Block), offset, block->used)) return false;
+        if (!walk.Walk(address + sizeof(core::Block), offset, block->used)) return false;
         address = block->next;
     }
     return true;

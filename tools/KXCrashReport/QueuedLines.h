@@ -19,7 +19,7 @@ using ReadMemory = std::function<std::size_t(std::uint64_t address, void* pTarge
 struct FoundRecord
 {
     std::uint64_t address = 0;
-    log::Record record{};
+    core::Record record{};
 };
 
 // The records that the notes of the process's modules lead to.
@@ -30,6 +30,7 @@ using TakePiece = std::function<void(std::string_view piece, bool bLast)>;
 
 // Gives the lines from a position on, oldest first, at most `nMost` bytes of them. False where the queue is
 // damaged: what was given until then are whole lines, but for the last if its last piece lacks.
-bool WalkLines(const log::Position& from, std::uint64_t nMost, const ReadMemory& read, const TakePiece& take);
+bool WalkLines(const core::Position& from, std::uint64_t nMost, const ReadMemory& read,
+               const TakePiece& take);
 
 } // namespace kx::report

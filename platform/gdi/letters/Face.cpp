@@ -1,5 +1,5 @@
 #include "platform/NoMemory.h"
-#include "platform/gdi/text/Letters.h"
+#include "platform/gdi/Letters.h"
 #include "platform/module/Door.h"
 #include "platform/sync/Mutex.h"
 

@@ -5,7 +5,7 @@
 
 // The decoders and encoders of the module for pictures, as Decode.h and Encode.h describe them.
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 // Stands for gdi::PngFunctions::read.
 std::optional<gdi::Surface> ReadPngPixels(FileBytes file, int nMaxSide, bool* pbCut);
@@ -29,4 +29,4 @@ Gdiplus::Status WriteGif(const PixelView& view, Bytes& file);
 Gdiplus::Status WriteTiff(const PixelView& view, Bytes& file);
 Gdiplus::Status WritePng(const PixelView& view, Bytes& file);
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

@@ -8,7 +8,7 @@
 #include <span>
 #include <utility>
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 namespace {
 
@@ -243,4 +243,4 @@ void GifCanvas::Dispose(const GifFrame& frame, gdi::Surface& surface) noexcept
     m_bOpaque = bClear ? m_bOpaque && covered.Size() == 0 : m_bSavedOpaque;
 }
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 // What all who play a GIF read.
 struct GifSource
@@ -52,4 +52,4 @@ private:
     bool m_bSavedOpaque = false; // it was before the frame that will be undone
 };
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

@@ -5,7 +5,7 @@
 #include <new>
 #include <utility>
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 namespace {
 
@@ -203,4 +203,4 @@ Gdiplus::Status ReadGif(const File& file, std::optional<Picture>& picture)
     return Gdiplus::Ok;
 }
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 namespace {
 
@@ -136,4 +136,4 @@ std::optional<GifIndex> ReadGifIndex(FileBytes file)
     return index;
 }
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

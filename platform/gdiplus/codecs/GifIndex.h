@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 // More than a byte of a GIF can be: the longest run that a code of 12 bits stands for makes it 2,560.
 inline constexpr std::int64_t MAX_GIF_PIXELS_PER_BYTE = 4096;
@@ -53,4 +53,4 @@ struct GifIndex
 // over the blocks without decoding them. Nothing without a frame.
 std::optional<GifIndex> ReadGifIndex(FileBytes file);
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 namespace {
 
@@ -270,4 +270,4 @@ Gdiplus::Status WriteGif(const PixelView& view, Bytes& file)
     return bWritten && bEnded ? Gdiplus::Ok : Gdiplus::OutOfMemory;
 }
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

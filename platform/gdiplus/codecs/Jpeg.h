@@ -10,7 +10,7 @@
 #include <jerror.h>
 #include <jpeglib.h>
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 // Errors of the JPEG library leave by a jump over the frames in between, none of which may need a destructor.
 // Nothing is written anywhere.
@@ -49,4 +49,4 @@ private:
     std::jmp_buf m_jump;
 };
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 namespace {
 
@@ -120,4 +120,4 @@ Gdiplus::Status ReadJpeg(const File& file, std::optional<Picture>& picture)
     return JpegDecoder(*file).Run(picture);
 }
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

@@ -3,7 +3,7 @@
 
 #include <array>
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 namespace {
 
@@ -106,4 +106,4 @@ Gdiplus::Status WriteJpeg(const PixelView& view, Bytes& file)
     return JpegEncoder(view, file).Run();
 }
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

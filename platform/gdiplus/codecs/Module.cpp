@@ -1,7 +1,7 @@
 #include "platform/gdiplus/codecs/Codecs.h"
 #include "platform/module/Door.h"
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 namespace {
 
@@ -10,6 +10,6 @@ constexpr Functions kFunctions{{ReadPngPixels}, ReadPng,  ReadJpeg,  ReadGif, Re
 
 } // namespace
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs
 
-KX_MODULE_ENTRY(pictures, kx::gdiplus::kFunctions)
+KX_MODULE_ENTRY(pictures, kx::gdiplus::codecs::kFunctions)

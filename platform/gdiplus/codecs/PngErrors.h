@@ -5,7 +5,7 @@
 #include <csetjmp>
 #include <png.h>
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 // Errors of the PNG library leave by a jump over the frames in between, none of which may need a destructor.
 // Nothing is written anywhere.
@@ -19,4 +19,4 @@ inline void OnPngWarning(png_structp, png_const_charp)
 {
 }
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

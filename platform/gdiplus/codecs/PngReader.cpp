@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 namespace {
 
@@ -201,4 +201,4 @@ Gdiplus::Status ReadPng(const File& file, std::optional<Picture>& picture)
     return Gdiplus::Ok;
 }
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

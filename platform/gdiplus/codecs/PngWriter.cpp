@@ -1,7 +1,7 @@
 #include "platform/gdiplus/codecs/Codecs.h"
 #include "platform/gdiplus/codecs/PngErrors.h"
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 namespace {
 
@@ -63,4 +63,4 @@ Gdiplus::Status WritePng(const PixelView& view, Bytes& file)
     return PngEncoder(view, file).Run();
 }
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

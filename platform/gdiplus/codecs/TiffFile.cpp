@@ -11,7 +11,7 @@
 #include <new>
 #include <vector>
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 namespace {
 
@@ -93,4 +93,4 @@ TiffHandle OpenTiff(TiffMemory& memory, const char* pszMode, std::int64_t nMaxBl
         options.get()));
 }
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

@@ -6,7 +6,7 @@
 #include <memory>
 #include <tiffio.h>
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 // A file in memory that the TIFF library reads or, with a target, writes.
 struct TiffMemory
@@ -26,4 +26,4 @@ using TiffHandle = std::unique_ptr<TIFF, CloseTiff>;
 // and no single block that it asks for is larger than `nMaxBlock`. Null for what is no TIFF.
 TiffHandle OpenTiff(TiffMemory& memory, const char* pszMode, std::int64_t nMaxBlock);
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

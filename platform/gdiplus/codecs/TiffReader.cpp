@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 namespace {
 
@@ -186,4 +186,4 @@ Status ReadTiff(const File& file, std::optional<Picture>& picture)
     return status;
 }
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

@@ -1,7 +1,7 @@
 #include "platform/gdiplus/codecs/Codecs.h"
 #include "platform/gdiplus/codecs/TiffFile.h"
 
-namespace kx::gdiplus {
+namespace kx::gdiplus::codecs {
 
 namespace {
 
@@ -46,4 +46,4 @@ Gdiplus::Status WriteTiff(const PixelView& view, Bytes& file)
     return TIFFWriteDirectory(tiff.get()) ? Gdiplus::Ok : Gdiplus::OutOfMemory;
 }
 
-} // namespace kx::gdiplus
+} // namespace kx::gdiplus::codecs

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "include/platform/Gdi.h"
-#include "platform/gdi/text/Letters.h"
+#include "platform/gdi/Letters.h"
 #include "platform/sync/Mutex.h"
 
 #include <array>

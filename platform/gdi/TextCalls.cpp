@@ -4,8 +4,8 @@
 #include "platform/Errno.h"
 #include "platform/NoMemory.h"
 #include "platform/gdi/DeviceContext.h"
-#include "platform/gdi/text/Font.h"
-#include "platform/gdi/text/Layout.h"
+#include "platform/gdi/Font.h"
+#include "platform/gdi/Layout.h"
 
 #include <algorithm>
 #include <array>

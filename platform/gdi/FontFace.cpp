@@ -1,4 +1,4 @@
-#include "platform/gdi/text/FontFace.h"
+#include "platform/gdi/FontFace.h"
 
 #include "platform/Immortal.h"
 #include "platform/module/Door.h"

@@ -1,4 +1,4 @@
-#include "platform/gdi/text/Font.h"
+#include "platform/gdi/Font.h"
 
 #include "platform/NoMemory.h"
 #include "platform/gdi/Tools.h"

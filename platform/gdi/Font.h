@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/gdi/FontFace.h"
 #include "platform/gdi/Object.h"
-#include "platform/gdi/text/FontFace.h"
 
 #include <memory>
 

@@ -1,4 +1,4 @@
-#include "platform/gdi/text/Layout.h"
+#include "platform/gdi/Layout.h"
 
 #include "include/platform/CodePage.h"
 #include "platform/text/Conversion.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/gdi/text/FontFace.h"
+#include "platform/gdi/FontFace.h"
 
 #include <string_view>
 #include <vector>
