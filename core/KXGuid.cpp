@@ -3,7 +3,6 @@
 #include "platform/CodePage.h"
 #include "platform/Exception.h"
 
-#include <cstring>
 #include <new>
 #include <string>
 
@@ -38,5 +37,5 @@ try {
 
 int IsSameGUID(const GUID& guid1, const GUID& guid2)
 {
-    return std::memcmp(&guid1, &guid2, sizeof(GUID)) == 0 ? 1 : 0;
+    return guid1 == guid2 ? 1 : 0;
 }

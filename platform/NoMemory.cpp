@@ -1,7 +1,7 @@
-#include "platform/NoMemory.h"
+// Apart from Errno.cpp, which the crash reporter has without the framework's exceptions.
 
-#include "include/platform/Error.h"
 #include "include/platform/Exception.h"
+#include "platform/Errno.h"
 
 #include <cstddef>
 #include <new>

@@ -11,6 +11,8 @@ struct GUID
     std::uint16_t Data2;
     std::uint16_t Data3;
     std::uint8_t Data4[8];
+
+    bool operator==(const GUID&) const = default;
 };
 
 // How a call ended: below 0 it failed.

@@ -2,7 +2,6 @@
 
 #include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
-#include "platform/NoMemory.h"
 #include "platform/files/EntryInfo.h"
 #include "platform/files/Path.h"
 

@@ -1,6 +1,5 @@
 // The process's current directory and the system's own ones.
 
-#include "platform/NoMemory.h"
 #include "platform/files/Path.h"
 
 #include "include/platform/FileSystem.h"

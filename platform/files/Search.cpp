@@ -3,7 +3,6 @@
 #include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
 #include "platform/Handles.h"
-#include "platform/NoMemory.h"
 #include "platform/files/Directory.h"
 #include "platform/files/EntryInfo.h"
 #include "platform/files/Path.h"

@@ -1,5 +1,4 @@
 #include "platform/Errno.h"
-#include "platform/NoMemory.h"
 #include "platform/gdi/DeviceContext.h"
 #include "platform/gdi/PixelRegion.h"
 

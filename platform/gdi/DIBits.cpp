@@ -1,4 +1,4 @@
-#include "platform/NoMemory.h"
+#include "platform/Errno.h"
 #include "platform/gdi/DeviceContext.h"
 
 #include <algorithm>

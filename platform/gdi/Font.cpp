@@ -1,6 +1,6 @@
 #include "platform/gdi/Font.h"
 
-#include "platform/NoMemory.h"
+#include "platform/Errno.h"
 #include "platform/gdi/Tools.h"
 #include "platform/text/Conversion.h"
 

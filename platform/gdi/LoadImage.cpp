@@ -1,7 +1,6 @@
 #include "include/platform/Module.h"
 #include "internal/Debug.h"
 #include "platform/Errno.h"
-#include "platform/NoMemory.h"
 #include "platform/files/Path.h"
 #include "platform/files/WholeFile.h"
 #include "platform/gdi/Copies.h"

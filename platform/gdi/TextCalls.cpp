@@ -2,7 +2,6 @@
 // so that a call that measures, or draws in memory, never waits for the display.
 
 #include "platform/Errno.h"
-#include "platform/NoMemory.h"
 #include "platform/gdi/DeviceContext.h"
 #include "platform/gdi/Font.h"
 #include "platform/gdi/Layout.h"

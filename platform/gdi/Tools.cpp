@@ -1,7 +1,7 @@
 #include "platform/gdi/Tools.h"
 
+#include "platform/Errno.h"
 #include "platform/Immortal.h"
-#include "platform/NoMemory.h"
 
 #include <array>
 #include <new>

@@ -4,8 +4,8 @@
 #include "include/platform/Error.h"
 #include "include/platform/GdiPlusFlat.h"
 #include "internal/Debug.h"
+#include "platform/Errno.h"
 #include "platform/Immortal.h"
-#include "platform/NoMemory.h"
 #include "platform/sync/Mutex.h"
 
 #include <atomic>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "include/platform/GdiPlusTypes.h"
-#include "platform/NoMemory.h"
+#include "platform/Errno.h"
 
 #include <memory>
 #include <string>

@@ -3,7 +3,6 @@
 #include "platform/module/Door.h"
 
 #include <algorithm>
-#include <cstring>
 #include <new>
 
 KX_DOOR(pictures, kx::gdiplus::Functions);
@@ -67,7 +66,7 @@ std::span<const Encoder> Encoders() noexcept
 const Encoder* FindEncoder(const Gdiplus::CLSID& clsid) noexcept
 {
     for (const Encoder& encoder : kEncoders)
-        if (std::memcmp(&encoder.info.Clsid, &clsid, sizeof clsid) == 0) return &encoder;
+        if (encoder.info.Clsid == clsid) return &encoder;
     return nullptr;
 }
 

@@ -29,9 +29,7 @@ DWORD* PixelAt(GpBitmap* pBitmap, INT x, INT y) noexcept
 
 bool HasDimension(const GpImage* pImage, const GUID* pDimension) noexcept
 {
-    if (!pImage || !pDimension) return false;
-    const GUID dimension = pImage->Dimension();
-    return std::memcmp(&dimension, pDimension, sizeof dimension) == 0;
+    return pImage && pDimension && pImage->Dimension() == *pDimension;
 }
 
 unsigned CountOf(const GpImage& image) noexcept

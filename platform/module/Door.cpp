@@ -1,7 +1,7 @@
 #include "platform/module/Door.h"
 
 #include "internal/Debug.h"
-#include "platform/NoMemory.h"
+#include "platform/Errno.h"
 #include "platform/UniqueFd.h"
 
 #include <array>

@@ -4,7 +4,6 @@
 #include "internal/Debug.h"
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
-#include "platform/NoMemory.h"
 #include "platform/files/Path.h"
 #include "platform/files/WholeFile.h"
 #include "platform/module/OpenModule.h"

@@ -1,6 +1,5 @@
 #include "include/platform/Module.h"
 #include "platform/Errno.h"
-#include "platform/NoMemory.h"
 #include "platform/module/OpenModule.h"
 #include "platform/text/CharWalk.h"
 #include "platform/text/Conversion.h"

@@ -1,7 +1,6 @@
 #include "include/platform/Version.h"
 
 #include "platform/Errno.h"
-#include "platform/NoMemory.h"
 #include "platform/files/Path.h"
 #include "platform/files/WholeFile.h"
 #include "platform/module/FileVersion.h"

@@ -1,7 +1,6 @@
 #include "include/platform/Profile.h"
 
 #include "platform/Errno.h"
-#include "platform/NoMemory.h"
 #include "platform/files/Path.h"
 #include "platform/profile/IniEdit.h"
 #include "platform/profile/IniStore.h"

@@ -1,8 +1,8 @@
 #include "include/platform/Registry.h"
 
+#include "platform/Errno.h"
 #include "platform/Handles.h"
 #include "platform/Immortal.h"
-#include "platform/NoMemory.h"
 #include "platform/registry/RegistryFile.h"
 
 #include <algorithm>

@@ -3,7 +3,6 @@
 #include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
-#include "platform/NoMemory.h"
 #include "platform/files/Path.h"
 #include "platform/module/Door.h"
 #include "platform/shell/Functions.h"

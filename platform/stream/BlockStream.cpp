@@ -1,4 +1,4 @@
-#include "platform/NoMemory.h"
+#include "platform/Errno.h"
 #include "platform/stream/Block.h"
 
 #include <algorithm>
@@ -13,11 +13,6 @@ using kx::stream::Block;
 
 // Tells a stream of this file from a client's own.
 constexpr GUID kOwnStream{0x6D1C8E52, 0x3F0B, 0x4E57, {0x9A, 0x41, 0x07, 0xB5, 0x2C, 0xE8, 0x90, 0x1D}};
-
-bool Same(const GUID& one, const GUID& other) noexcept
-{
-    return std::memcmp(&one, &other, sizeof one) == 0;
-}
 
 template <class T>
 void Tell(T* pTarget, T value) noexcept
@@ -38,9 +33,9 @@ public:
     {
         if (!ppObject) return E_POINTER;
         *ppObject = nullptr;
-        if (Same(iid, IID_IUnknown) || Same(iid, IID_IStream))
+        if (iid == IID_IUnknown || iid == IID_IStream)
             *ppObject = static_cast<IStream*>(this);
-        else if (Same(iid, kOwnStream))
+        else if (iid == kOwnStream)
             *ppObject = this;
         else
             return E_NOINTERFACE;

@@ -1,6 +1,6 @@
 #include "include/platform/Error.h"
+#include "platform/Errno.h"
 #include "platform/Immortal.h"
-#include "platform/NoMemory.h"
 #include "platform/stream/Block.h"
 #include "platform/sync/Mutex.h"
 

@@ -3,7 +3,6 @@
 #include "include/platform/Error.h"
 #include "include/platform/Host.h"
 #include "platform/Errno.h"
-#include "platform/NoMemory.h"
 #include "platform/text/CharWalk.h"
 #include "platform/text/Conversion.h"
 #include "platform/text/Iconv.h"

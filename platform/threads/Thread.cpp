@@ -1,7 +1,7 @@
 #include "include/platform/Sync.h"
 
 #include "include/platform/Error.h"
-#include "platform/NoMemory.h"
+#include "platform/Errno.h"
 #include "platform/sync/AlternateStack.h"
 #include "platform/sync/Mutex.h"
 #include "platform/threads/Signal.h"

@@ -2,7 +2,6 @@
 
 #include "include/platform/Sync.h"
 #include "platform/Errno.h"
-#include "platform/NoMemory.h"
 #include "platform/threads/Signal.h"
 
 namespace kx::threads {

@@ -1,5 +1,5 @@
 #include "include/platform/WindowPaint.h"
-#include "platform/NoMemory.h"
+#include "platform/Errno.h"
 #include "platform/time/Clock.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Queue.h"

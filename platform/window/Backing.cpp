@@ -1,6 +1,6 @@
 #include "platform/window/Backing.h"
 
-#include "platform/NoMemory.h"
+#include "platform/Errno.h"
 #include "platform/gdi/DeviceContext.h"
 #include "platform/screen/Screen.h"
 #include "platform/window/Desktop.h"

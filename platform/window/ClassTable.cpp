@@ -2,7 +2,6 @@
 
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
-#include "platform/NoMemory.h"
 
 #include <algorithm>
 

@@ -4,7 +4,6 @@
 
 #include "include/platform/Clock.h"
 #include "platform/Errno.h"
-#include "platform/NoMemory.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Queue.h"
 #include "platform/window/WindowState.h"

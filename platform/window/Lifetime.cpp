@@ -1,7 +1,6 @@
 #include "platform/window/WindowState.h"
 
 #include "platform/Errno.h"
-#include "platform/NoMemory.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Queue.h"
 #include "platform/window/WindowTable.h"

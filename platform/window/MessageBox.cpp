@@ -1,7 +1,7 @@
 #include "include/platform/MessageBox.h"
 #include "include/platform/Input.h"
 #include "include/platform/WindowPaint.h"
-#include "platform/NoMemory.h"
+#include "platform/Errno.h"
 #include "platform/gdi/Rect.h"
 #include "platform/text/CharWalk.h"
 #include "platform/text/Conversion.h"

@@ -2,7 +2,6 @@
 #include "include/platform/Input.h"
 #include "include/platform/Sync.h"
 #include "platform/Errno.h"
-#include "platform/NoMemory.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Queue.h"
 #include "platform/window/WindowState.h"

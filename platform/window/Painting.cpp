@@ -1,6 +1,5 @@
 #include "include/platform/WindowPaint.h"
 #include "platform/Errno.h"
-#include "platform/NoMemory.h"
 #include "platform/window/Backing.h"
 #include "platform/window/Queue.h"
 #include "platform/window/WindowTable.h"

@@ -1,6 +1,5 @@
 // The place of a window, and whether it is seen.
 
-#include "platform/NoMemory.h"
 #include "platform/window/WindowState.h"
 
 #include "include/platform/WindowPaint.h"

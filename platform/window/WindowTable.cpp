@@ -3,7 +3,6 @@
 #include "platform/Errno.h"
 #include "platform/Handles.h"
 #include "platform/Immortal.h"
-#include "platform/NoMemory.h"
 #include "platform/text/CharWalk.h"
 #include "platform/window/Desktop.h"
 

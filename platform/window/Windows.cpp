@@ -3,7 +3,6 @@
 #include "include/platform/Input.h"
 #include "include/platform/WindowPaint.h"
 #include "platform/Errno.h"
-#include "platform/NoMemory.h"
 #include "platform/gdi/Icon.h"
 #include "platform/text/CharWalk.h"
 #include "platform/window/Desktop.h"

@@ -1,7 +1,6 @@
 #include "include/platform/Com.h"
 #include "include/platform/CodePage.h"
 #include "internal/Debug.h"
-#include "platform/SameGuid.h"
 #include "platform/module/Door.h"
 #include "platform/text/Conversion.h"
 #include "platform/text/Iconv.h"
@@ -37,7 +36,7 @@ try {
         kx::debug::Tell("xml", "CoInitialize was not called on this thread; there is no document");
         return CO_E_NOTINITIALIZED;
     }
-    if (!kx::SameGuid(clsid, CLSID_DOMDocument) || !(dwContext & kInProcess)) return REGDB_E_CLASSNOTREG;
+    if (clsid != CLSID_DOMDocument || !(dwContext & kInProcess)) return REGDB_E_CLASSNOTREG;
     if (pOuter) return CLASS_E_NOAGGREGATION;
     const kx::xml::Functions* const functions = g_door.Open();
     if (!functions) return REGDB_E_CLASSNOTREG;

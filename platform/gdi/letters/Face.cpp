@@ -1,4 +1,4 @@
-#include "platform/NoMemory.h"
+#include "platform/Errno.h"
 #include "platform/gdi/Letters.h"
 #include "platform/module/Door.h"
 #include "platform/sync/Mutex.h"

@@ -2,7 +2,7 @@
 
 #include "include/platform/GdiPlusTypes.h"
 #include "internal/Debug.h"
-#include "platform/NoMemory.h"
+#include "platform/Errno.h"
 #include "platform/gdi/ImageFile.h"
 
 #include <csetjmp>

@@ -1,7 +1,7 @@
 #include "platform/gdiplus/codecs/TiffFile.h"
 
 #include "internal/Debug.h"
-#include "platform/NoMemory.h"
+#include "platform/Errno.h"
 #include "platform/gdi/ImageFile.h"
 
 #include <algorithm>

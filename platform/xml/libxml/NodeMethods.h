@@ -1,7 +1,6 @@
 #pragma once
 
 #include "include/platform/Xml.h"
-#include "platform/SameGuid.h"
 #include "platform/xml/libxml/Markup.h"
 #include "platform/xml/libxml/Tree.h"
 
@@ -44,7 +43,7 @@ protected:
     {
         if (!ppObject) return E_POINTER;
         *ppObject = nullptr;
-        if (std::none_of(known.begin(), known.end(), [&](const GUID* one) { return SameGuid(iid, *one); }))
+        if (std::none_of(known.begin(), known.end(), [&](const GUID* one) { return iid == *one; }))
             return E_NOINTERFACE;
         *ppObject = static_cast<Interface*>(this);
         AddRef();
