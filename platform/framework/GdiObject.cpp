@@ -1,12 +1,34 @@
 #include "include/platform/GdiObject.h"
-
 #include "include/platform/Dc.h"
 #include "include/platform/Module.h"
+#include "include/platform/Object.h"
 #include "platform/framework/TempMap.h"
 #include "platform/gdi/Object.h"
 #include "platform/text/CharWalk.h"
 
 #include <utility>
+
+CRuntimeClass CObject::classCObject = {"CObject", sizeof(CObject), 0xFFFF, nullptr, nullptr};
+
+CObject::~CObject() = default;
+
+CRuntimeClass* CObject::GetThisClass()
+{
+    return &classCObject;
+}
+
+CRuntimeClass* CObject::GetRuntimeClass() const
+{
+    return &classCObject;
+}
+
+bool CRuntimeClass::IsDerivedFrom(const CRuntimeClass* pBase) const
+{
+    const CRuntimeClass* pClass = this;
+    while (pClass && pClass != pBase)
+        pClass = pClass->m_pfnGetBaseClass ? pClass->m_pfnGetBaseClass() : nullptr;
+    return pClass != nullptr;
+}
 
 IMPLEMENT_DYNAMIC(CGdiObject, CObject)
 IMPLEMENT_DYNAMIC(CBitmap, CGdiObject)

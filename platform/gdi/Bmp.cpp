@@ -7,6 +7,143 @@ namespace kx::gdi {
 
 namespace {
 
+constexpr DWORD kCoreSize = 12;
+constexpr DWORD kInfoSize = 40;
+constexpr DWORD kOs2Size = 64;       // a second kind, which may be cut to any multiple of 4 from 16 on
+constexpr DWORD kAlphaBitfields = 6; // BI_BITFIELDS with a fourth mask
+constexpr DWORD kOs2Rle24 = 4;       // in headers of the second kind
+
+// Info, with three and four masks, V4 and V5.
+constexpr bool IsInfoSize(DWORD nSize) noexcept
+{
+    return nSize == kInfoSize || nSize == 52 || nSize == 56 || nSize == 108 || nSize == 124;
+}
+
+constexpr bool IsOs2Size(DWORD nSize) noexcept
+{
+    return nSize >= 16 && nSize <= kOs2Size && nSize % 4 == 0 && !IsInfoSize(nSize);
+}
+
+constexpr bool IsKnownDepth(WORD nDepth) noexcept
+{
+    return nDepth == 1 || nDepth == 2 || nDepth == 4 || nDepth == 8 || nDepth == 16 || nDepth == 24 ||
+           nDepth == 32;
+}
+
+constexpr BmpMasks PlainMasks(WORD nDepth) noexcept
+{
+    return nDepth == 16 ? MASKS_555 : MASKS_888;
+}
+
+std::optional<BmpHeader> ParseCore(FileBytes dib) noexcept
+{
+    BmpHeader header;
+    header.nWidth = U16(dib, 4);
+    header.nHeight = U16(dib, 6);
+    header.nDepth = U16(dib, 10);
+    header.masks = PlainMasks(header.nDepth);
+    header.nPaletteAt = kCoreSize;
+    header.nColorSize = 3;
+    if (U16(dib, 8) != 1) return std::nullopt;
+    return header;
+}
+
+// The masks lie at one place, whether as part of the header or behind it.
+bool ParseMasks(FileBytes dib, DWORD nSize, DWORD nCompression, BmpHeader& header) noexcept
+{
+    if (header.nDepth != 16 && header.nDepth != 32) return false;
+    const std::size_t nOwn = nCompression == kAlphaBitfields ? 16 : 12;
+    const std::size_t nEnd = std::max(std::size_t{nSize}, kInfoSize + nOwn);
+    header.masks = {U32(dib, 40), U32(dib, 44), U32(dib, 48), nEnd >= 56 ? U32(dib, 52) : 0};
+    header.nPaletteAt = nEnd;
+    return true;
+}
+
+bool ParseCompression(FileBytes dib, DWORD nSize, BmpHeader& header) noexcept
+{
+    const DWORD nCompression = U32(dib, 16);
+    switch (nCompression) {
+    case BI_RGB:
+        header.masks = PlainMasks(header.nDepth);
+        return true;
+    case BI_RLE8:
+    case BI_RLE4:
+        header.compression = nCompression == BI_RLE8 ? BmpCompression::Rle8 : BmpCompression::Rle4;
+        return header.nDepth == (nCompression == BI_RLE8 ? 8 : 4) && !header.bTopDown;
+    case BI_BITFIELDS:
+    case kAlphaBitfields:
+        return ParseMasks(dib, nSize, nCompression, header);
+    default:
+        return false;
+    }
+}
+
+bool ParseOs2Compression(FileBytes dib, BmpHeader& header) noexcept
+{
+    if (U32(dib, 16) != kOs2Rle24) return ParseCompression(dib, kOs2Size, header) && header.nDepth != 16;
+    header.compression = BmpCompression::Rle24;
+    return header.nDepth == 24 && !header.bTopDown;
+}
+
+// `dib` is the header alone or with what is behind it: what a short header lacks counts as 0.
+std::optional<BmpHeader> ParseInfo(FileBytes dib, DWORD nSize) noexcept
+{
+    BmpHeader header;
+    const bool bOs2 = IsOs2Size(nSize);
+    if (bOs2) dib = dib.first(nSize);
+    const auto nHeight = static_cast<std::int32_t>(U32(dib, 8));
+    if (nHeight == INT32_MIN) return std::nullopt;
+    header.bTopDown = nHeight < 0;
+    header.nHeight = header.bTopDown ? -nHeight : nHeight;
+    header.nWidth = static_cast<std::int32_t>(U32(dib, 4));
+    header.nDepth = U16(dib, 14);
+    header.nPaletteAt = nSize;
+    header.nColors = U32(dib, 32);
+    const bool bKnown = bOs2 ? ParseOs2Compression(dib, header) : ParseCompression(dib, nSize, header);
+    if (U16(dib, 12) != 1 || !bKnown) return std::nullopt;
+    return header;
+}
+
+} // namespace
+
+std::optional<BmpHeader> ParseBmpHeader(FileBytes dib) noexcept
+{
+    const DWORD nSize = U32(dib, 0);
+    if (dib.size() < nSize) return std::nullopt;
+    std::optional<BmpHeader> header;
+    if (nSize == kCoreSize) header = ParseCore(dib);
+    if (IsInfoSize(nSize) || IsOs2Size(nSize)) header = ParseInfo(dib, nSize);
+    if (!header || header->nWidth <= 0 || header->nHeight <= 0 || !IsKnownDepth(header->nDepth))
+        return std::nullopt;
+    if (std::int64_t{header->nWidth} * header->nHeight > MAX_BITMAP_PIXELS) return std::nullopt;
+    if (header->nDepth <= 8 && header->nColors == 0) header->nColors = std::size_t{1} << header->nDepth;
+    return header;
+}
+
+std::vector<RGBQUAD> ReadPalette(const BmpHeader& header, FileBytes dib, std::size_t nEnd)
+{
+    if (header.nDepth > 8) return {};
+    std::vector<RGBQUAD> palette(std::min(header.nColors, std::size_t{1} << header.nDepth));
+    const FileBytes bytes = From(dib.first(std::min(nEnd, dib.size())), header.nPaletteAt);
+    const std::size_t nThere = std::min(palette.size(), bytes.size() / header.nColorSize);
+    for (std::size_t i = 0; i < nThere; ++i) {
+        const auto entry = bytes.subspan(i * header.nColorSize, header.nColorSize);
+        palette[i] = {entry[0], entry[1], entry[2], header.nColorSize == 4 ? entry[3] : BYTE{0}};
+    }
+    return palette;
+}
+
+BmpColors ToColors(const std::vector<RGBQUAD>& palette) noexcept
+{
+    BmpColors colors{};
+    std::transform(palette.begin(), palette.end(), colors.begin(), [](const RGBQUAD& color) {
+        return DWORD{color.rgbRed} << 16 | DWORD{color.rgbGreen} << 8 | color.rgbBlue;
+    });
+    return colors;
+}
+
+namespace {
+
 constexpr std::size_t kFileHeader = 14;
 
 std::shared_ptr<Bitmap> Decode(const BmpHeader& header, FileBytes dib, std::size_t nPixelsAt)

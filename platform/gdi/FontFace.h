@@ -1,13 +1,17 @@
 #pragma once
 
 #include "include/platform/Gdi.h"
+#include "platform/gdi/FontFace.h"
 #include "platform/gdi/Letters.h"
+#include "platform/gdi/Object.h"
 #include "platform/sync/Mutex.h"
 
 #include <array>
 #include <cstddef>
 #include <memory>
+#include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace kx::gdi {
 
@@ -43,5 +47,36 @@ private:
     std::unordered_map<char32_t, Glyph> m_others;
     std::size_t m_bytes = 0; // of all these letters
 };
+
+class Font final : public Object
+{
+public:
+    static constexpr Kind KIND = Kind::Font;
+
+    explicit Font(const LOGFONTA& log);
+    // A LOGFONTA.
+    int Describe(int nSize, void* pBuffer) const override { return DescribeAs(m_log, nSize, pBuffer); }
+
+    // The typeface, looked for at the first use.
+    FontFace& Face() KX_REQUIRES(textLock);
+    bool Underline() const noexcept { return m_log.lfUnderline != 0; }
+    bool StrikeOut() const noexcept { return m_log.lfStrikeOut != 0; }
+
+private:
+    LOGFONTA m_log;
+    std::shared_ptr<FontFace> m_face KX_GUARDED_BY(textLock);
+};
+
+// A line of letters and its length in pixels, the sum of its letters' advances.
+struct TextLine
+{
+    std::u32string text;
+    int width = 0;
+    int mark = -1; // the letter to be underlined, -1 for none
+};
+
+// Divides a text into lines as DrawTextA does by its flags, for a room of `nRoom` pixels. Under the text
+// lock.
+std::vector<TextLine> BreakLines(FontFace& face, std::string_view text, UINT nFormat, int nRoom);
 
 } // namespace kx::gdi

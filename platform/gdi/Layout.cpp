@@ -1,8 +1,7 @@
-#include "platform/gdi/Layout.h"
+#include "platform/gdi/FontFace.h"
 
 #include "include/platform/CodePage.h"
 #include "platform/text/Conversion.h"
-#include "platform/text/Iconv.h"
 
 #include <algorithm>
 #include <cstring>

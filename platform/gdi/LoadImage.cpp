@@ -3,8 +3,8 @@
 #include "platform/Errno.h"
 #include "platform/files/Path.h"
 #include "platform/files/WholeFile.h"
+#include "platform/gdi/Bitmap.h"
 #include "platform/gdi/Copies.h"
-#include "platform/gdi/Icon.h"
 #include "platform/gdi/ImageFile.h"
 #include "platform/sync/PerThread.h"
 

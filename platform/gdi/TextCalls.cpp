@@ -3,8 +3,7 @@
 
 #include "platform/Errno.h"
 #include "platform/gdi/DeviceContext.h"
-#include "platform/gdi/Font.h"
-#include "platform/gdi/Layout.h"
+#include "platform/gdi/FontFace.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,103 @@
 #include "platform/gdiplus/Graphics.h"
 
 #include "platform/gdiplus/Calls.h"
+#include "platform/gdiplus/Quad.h"
+
+#include <cstring>
+
+namespace kx::gdiplus {
+
+namespace {
+
+constexpr DWORD Channel(DWORD pixel, int nShift) noexcept
+{
+    return pixel >> nShift & 0xFF;
+}
+
+// n / 255 rounded to the nearest, for n from 0 to 255 * 255.
+[[gnu::always_inline]] inline Words By255(const Words& n) noexcept
+{
+    const Words more = n + 128;
+    return (more + (more >> 8)) >> 8;
+}
+
+// The alpha of each of two pixels in all its channels.
+[[gnu::always_inline]] inline Words AlphaOf(const Words& pixels) noexcept
+{
+    return __builtin_shufflevector(pixels, pixels, 3, 3, 3, 3, 7, 7, 7, 7);
+}
+
+// Two pixels over opaque ones.
+[[gnu::always_inline]] inline Words Over(const Words& from, const Words& to) noexcept
+{
+    const Words alpha = AlphaOf(from);
+    return By255(from * alpha + to * (255 - alpha));
+}
+
+void BlendRun(const DWORD* from, DWORD* to, int n) noexcept
+{
+    const auto blend = [](const DWORD* above, DWORD* below) {
+        Bytes in;
+        Bytes out;
+        std::memcpy(&in, above, sizeof in);
+        std::memcpy(&out, below, sizeof out);
+        out = Joined(Over(LowPixels(in), LowPixels(out)), Over(HighPixels(in), HighPixels(out)));
+        const auto masked = reinterpret_cast<Ints>(out) & static_cast<int>(gdi::COLOR_BITS);
+        std::memcpy(below, &masked, sizeof masked);
+    };
+    int x = 0;
+    for (; x + 4 <= n; x += 4)
+        blend(from + x, to + x);
+    if (x == n) return;
+    const auto nRest = static_cast<std::size_t>(n - x) * sizeof(DWORD);
+    DWORD above[4]{};
+    DWORD below[4]{};
+    std::memcpy(above, from + x, nRest);
+    std::memcpy(below, to + x, nRest);
+    blend(above, below);
+    std::memcpy(to + x, below, nRest);
+}
+
+void CopyRun(const DWORD* from, DWORD* to, int n, DWORD set) noexcept
+{
+    for (int x = 0; x < n; ++x)
+        to[x] = (from[x] & gdi::COLOR_BITS) | set;
+}
+
+// Both of straight alpha: the colours are weighed by what is seen of each.
+DWORD StraightOver(DWORD from, DWORD to) noexcept
+{
+    const DWORD above = (from >> 24) * 255;
+    const DWORD below = (to >> 24) * (255 - (from >> 24));
+    const DWORD all = above + below;
+    if (all == 0) return to;
+    DWORD pixel = (all + 127) / 255 << 24;
+    for (const int nShift : {0, 8, 16}) {
+        const DWORD sum = Channel(from, nShift) * above + Channel(to, nShift) * below;
+        pixel |= (sum + all / 2) / all << nShift;
+    }
+    return pixel;
+}
+
+void BlendStraightRun(const DWORD* from, DWORD* to, int n) noexcept
+{
+    for (int x = 0; x < n; ++x) {
+        if (from[x] >> 24 == 255)
+            to[x] = from[x];
+        else if (from[x] >> 24 != 0)
+            to[x] = StraightOver(from[x], to[x]);
+    }
+}
+
+} // namespace
+
+void Blend(const DWORD* from, Alpha fromAlpha, DWORD* to, Alpha toAlpha, int n) noexcept
+{
+    if (fromAlpha == Alpha::Opaque) return CopyRun(from, to, n, toAlpha == Alpha::Opaque ? 0 : ALPHA_BITS);
+    toAlpha == Alpha::Opaque ? BlendRun(from, to, n) : BlendStraightRun(from, to, n);
+}
+
+} // namespace kx::gdiplus
 
 using namespace kx::gdiplus;
 

@@ -10,6 +10,12 @@
 
 namespace kx::services {
 
+// What the module for services gives.
+struct Functions
+{
+    std::shared_ptr<KXHost::ServiceManager> (*makeManager)(const KXHost::SystemdPlace& place);
+};
+
 // What an SC_HANDLE stands for: a manager, or a service of it.
 struct Handle
 {

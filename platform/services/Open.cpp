@@ -3,7 +3,6 @@
 #include "internal/Debug.h"
 #include "platform/Immortal.h"
 #include "platform/module/Door.h"
-#include "platform/services/Functions.h"
 #include "platform/sync/Mutex.h"
 
 #include <string_view>

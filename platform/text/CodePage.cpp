@@ -5,7 +5,6 @@
 #include "platform/Errno.h"
 #include "platform/text/CharWalk.h"
 #include "platform/text/Conversion.h"
-#include "platform/text/Iconv.h"
 
 #include <atomic>
 #include <cstring>

@@ -3,7 +3,7 @@
 #include "include/platform/Input.h"
 #include "include/platform/WindowPaint.h"
 #include "platform/Errno.h"
-#include "platform/gdi/Icon.h"
+#include "platform/gdi/Bitmap.h"
 #include "platform/text/CharWalk.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Queue.h"

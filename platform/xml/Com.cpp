@@ -3,7 +3,6 @@
 #include "internal/Debug.h"
 #include "platform/module/Door.h"
 #include "platform/text/Conversion.h"
-#include "platform/text/Iconv.h"
 #include "platform/xml/Functions.h"
 
 #include <algorithm>

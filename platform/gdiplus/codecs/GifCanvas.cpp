@@ -1,4 +1,4 @@
-#include "platform/gdiplus/codecs/GifCanvas.h"
+#include "platform/gdiplus/codecs/GifIndex.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,5 @@
 #include "platform/gdiplus/codecs/Codecs.h"
-#include "platform/gdiplus/codecs/GifCanvas.h"
+#include "platform/gdiplus/codecs/GifIndex.h"
 
 #include <algorithm>
 #include <new>

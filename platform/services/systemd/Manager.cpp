@@ -1,6 +1,6 @@
 #include "include/platform/ServiceManager.h"
 #include "platform/module/Door.h"
-#include "platform/services/Functions.h"
+#include "platform/services/Handle.h"
 #include "platform/services/systemd/Bus.h"
 #include "platform/services/systemd/UnitState.h"
 #include "platform/services/systemd/UnitStore.h"

@@ -2,7 +2,7 @@
 
 #include "include/platform/CodePage.h"
 #include "platform/text/CharWalk.h"
-#include "platform/text/Iconv.h"
+#include "platform/text/Conversion.h"
 
 #include <algorithm>
 #include <libxml/encoding.h>

@@ -1,14 +1,113 @@
+#include "internal/Debug.h"
+#include "platform/Errno.h"
+#include "platform/gdi/ImageFile.h"
 #include "platform/gdiplus/codecs/Codecs.h"
-#include "platform/gdiplus/codecs/TiffFile.h"
-
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <tiffio.h>
 #include <utility>
 #include <vector>
 
 namespace kx::gdiplus::codecs {
 
 namespace {
+
+// A file in memory that the TIFF library reads or, with a target, writes.
+struct TiffMemory
+{
+    gdi::FileBytes bytes;
+    std::vector<std::uint8_t>* target = nullptr;
+    std::uint64_t at = 0;
+};
+
+struct CloseTiff
+{
+    void operator()(TIFF* p) const noexcept { TIFFClose(p); }
+};
+using TiffHandle = std::unique_ptr<TIFF, CloseTiff>;
+
+TiffMemory& Of(thandle_t handle) noexcept
+{
+    return *static_cast<TiffMemory*>(handle);
+}
+
+std::uint64_t SizeOf(thandle_t handle) noexcept
+{
+    const TiffMemory& memory = Of(handle);
+    return memory.target ? memory.target->size() : memory.bytes.size();
+}
+
+tmsize_t Read(thandle_t handle, void* target, tmsize_t nBytes) noexcept
+{
+    TiffMemory& memory = Of(handle);
+    const std::uint64_t nSize = SizeOf(handle);
+    const std::uint64_t nThere = memory.at < nSize ? nSize - memory.at : 0;
+    const std::size_t nRead = std::min<std::uint64_t>(static_cast<std::uint64_t>(nBytes), nThere);
+    const std::uint8_t* const from = memory.target ? memory.target->data() : memory.bytes.data();
+    if (nRead > 0) std::memcpy(target, from + memory.at, nRead);
+    memory.at += nRead;
+    return static_cast<tmsize_t>(nRead);
+}
+
+tmsize_t Write(thandle_t handle, void* bytes, tmsize_t nBytes) noexcept
+try {
+    TiffMemory& memory = Of(handle);
+    const auto nCount = static_cast<std::size_t>(nBytes);
+    if (!memory.target || nCount == 0) return 0;
+    if (memory.target->size() < memory.at + nCount) memory.target->resize(memory.at + nCount);
+    std::memcpy(memory.target->data() + memory.at, bytes, nCount);
+    memory.at += nCount;
+    return nBytes;
+} catch (const std::bad_alloc&) {
+    return -1; // nothing is thrown through the library
+}
+
+toff_t Seek(thandle_t handle, toff_t nMove, int nOrigin) noexcept
+{
+    TiffMemory& memory = Of(handle);
+    if (nOrigin == SEEK_CUR) nMove += memory.at;
+    if (nOrigin == SEEK_END) nMove += SizeOf(handle);
+    return memory.at = nMove;
+}
+
+int OnError(TIFF*, void*, const char*, const char* pszFormat, va_list args) noexcept
+{
+    if (!debug::Wants("picture")) return 1;
+    std::array<char, 128> text;
+    std::vsnprintf(text.data(), text.size(), pszFormat, args);
+    gdi::NoteRefusal(text.data());
+    return 1;
+}
+
+int Silent(TIFF*, void*, const char*, const char*, va_list) noexcept
+{
+    return 1;
+}
+
+struct FreeOptions
+{
+    void operator()(TIFFOpenOptions* p) const noexcept { TIFFOpenOptionsFree(p); }
+};
+
+// Opens with mode "r" or "w" and so on; the memory must outlive the handle. Errors and warnings are silent,
+// and no single block that it asks for is larger than `nMaxBlock`. Null for what is no TIFF.
+TiffHandle OpenTiff(TiffMemory& memory, const char* pszMode, std::int64_t nMaxBlock)
+{
+    NeedRoom();
+    const std::unique_ptr<TIFFOpenOptions, FreeOptions> options(TIFFOpenOptionsAlloc());
+    if (!options) return nullptr;
+    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), nMaxBlock);
+    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), OnError, nullptr);
+    TIFFOpenOptionsSetWarningHandlerExtR(options.get(), Silent, nullptr);
+    return TiffHandle(TIFFClientOpenExt(
+        "", pszMode, &memory, Read, Write, Seek, [](thandle_t) { return 0; }, SizeOf, nullptr, nullptr,
+        options.get()));
+}
 
 using Gdiplus::Status;
 
@@ -184,6 +283,49 @@ Status ReadTiff(const File& file, std::optional<Picture>& picture)
     if (status == Gdiplus::Ok && pages.size() > 1)
         picture->frames = std::make_unique<TiffPages>(file, std::move(pages));
     return status;
+}
+
+namespace {
+
+constexpr std::int64_t kMaxWritten = std::int64_t{1} << 24; // bytes of a block
+
+bool Describe(TIFF* tiff, const PixelView& view, std::uint16_t nSamples) noexcept
+{
+    const std::uint16_t nExtra = EXTRASAMPLE_UNASSALPHA;
+    return TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(view.width)) &&
+           TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(view.height)) &&
+           TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8) &&
+           TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, nSamples) &&
+           (nSamples == 3 || TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &nExtra)) &&
+           TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB) &&
+           TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) &&
+           TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_LZW) &&
+           TIFFSetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL) &&
+           TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0));
+}
+
+} // namespace
+
+Gdiplus::Status WriteTiff(const PixelView& view, Bytes& file)
+{
+    const std::uint16_t nSamples = view.alpha == Alpha::Opaque ? 3 : 4;
+    Bytes samples(static_cast<std::size_t>(view.width) * nSamples);
+    TiffMemory memory{{}, &file, 0};
+    const TiffHandle tiff = OpenTiff(memory, "w", kMaxWritten);
+    if (!tiff || !Describe(tiff.get(), view, nSamples)) return Gdiplus::OutOfMemory;
+    for (int y = 0; y < view.height; ++y) {
+        const DWORD* const row = view.Row(y);
+        std::uint8_t* out = samples.data();
+        for (int x = 0; x < view.width; ++x, out += nSamples) {
+            out[0] = static_cast<std::uint8_t>(row[x] >> 16);
+            out[1] = static_cast<std::uint8_t>(row[x] >> 8);
+            out[2] = static_cast<std::uint8_t>(row[x]);
+            if (nSamples == 4) out[3] = static_cast<std::uint8_t>(row[x] >> 24);
+        }
+        if (TIFFWriteScanline(tiff.get(), samples.data(), static_cast<std::uint32_t>(y), 0) < 0)
+            return Gdiplus::OutOfMemory;
+    }
+    return TIFFWriteDirectory(tiff.get()) ? Gdiplus::Ok : Gdiplus::OutOfMemory;
 }
 
 } // namespace kx::gdiplus::codecs

@@ -1,15 +1,104 @@
+#include "include/platform/Stream.h"
 #include "platform/Errno.h"
-#include "platform/stream/Block.h"
+#include "platform/Handles.h"
+#include "platform/Immortal.h"
+#include "platform/sync/Mutex.h"
 
 #include <algorithm>
+#include <atomic>
+#include <cstddef>
 #include <cstring>
-#include <limits>
+#include <memory>
 #include <new>
+#include <unordered_map>
 #include <utility>
+#include <vector>
+
+namespace kx::stream {
 
 namespace {
 
-using kx::stream::Block;
+// The bytes under a memory block's handle. A stream may hold them longer than the handle lives: they are gone
+// then.
+class Block
+{
+public:
+    // Throws std::bad_alloc for a size beyond the limit too.
+    Block(UINT nFlags, std::size_t nBytes) : m_bMoveable((nFlags & GMEM_MOVEABLE) != 0)
+    {
+        if (nBytes > MAX_BLOCK_BYTES) throw std::bad_alloc();
+        m_bytes.reserve(std::max<std::size_t>(nBytes, 1)); // an address even for no bytes
+        m_bytes.resize(nBytes);
+    }
+
+    BYTE* Bytes() noexcept { return m_bytes.data(); }
+    std::size_t Size() const noexcept { return m_bytes.size(); }
+    bool IsMoveable() const noexcept { return m_bMoveable; }
+
+    // Makes it longer; what is new is zero. False for what can't be, the block then staying as it is.
+    bool Grow(std::size_t nBytes) noexcept
+    try {
+        const bool bMoves = nBytes > m_bytes.capacity();
+        if (!m_bMoveable || nBytes > MAX_BLOCK_BYTES || m_bytes.capacity() == 0) return false;
+        if (bMoves && locks > 0) return false; // whoever locked it has its address
+        m_bytes.resize(nBytes);
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    // Frees the bytes.
+    void End() noexcept { m_bytes = {}; }
+
+    std::atomic<int> locks{0};
+
+private:
+    std::vector<BYTE> m_bytes;
+    const bool m_bMoveable;
+    const LiveHandle m_live;
+};
+
+// The blocks by their handles. That of a fixed block is its address, which is even; those of the others are
+// odd numbers, none of which is used twice.
+class BlockTable
+{
+public:
+    HGLOBAL Add(std::shared_ptr<Block> block)
+    {
+        const sync::MutexLock lock(m_lock);
+        const HGLOBAL hBlock = block->IsMoveable() ? reinterpret_cast<HGLOBAL>(m_nNext) : block->Bytes();
+        m_blocks[hBlock] = std::move(block);
+        m_nNext += 2;
+        return hBlock;
+    }
+    std::shared_ptr<Block> Find(HGLOBAL hBlock) noexcept
+    {
+        const sync::MutexLock lock(m_lock);
+        const auto found = m_blocks.find(hBlock);
+        return found != m_blocks.end() ? found->second : nullptr;
+    }
+    // The address of a fixed block may be a new one's as soon as its bytes are freed: they end in here.
+    bool End(HGLOBAL hBlock) noexcept
+    {
+        const sync::MutexLock lock(m_lock);
+        const auto found = m_blocks.find(hBlock);
+        if (found == m_blocks.end()) return false;
+        const std::shared_ptr<Block> block = std::move(found->second);
+        m_blocks.erase(found);
+        block->End();
+        return true;
+    }
+
+private:
+    sync::Mutex m_lock;
+    std::unordered_map<HGLOBAL, std::shared_ptr<Block>> m_blocks KX_GUARDED_BY(m_lock);
+    std::uintptr_t m_nNext KX_GUARDED_BY(m_lock) = 1;
+};
+
+// The block of a handle, or null. Any thread.
+std::shared_ptr<Block> FindBlock(HGLOBAL hBlock) noexcept
+{
+    return The<BlockTable>().Find(hBlock);
+}
 
 // Tells a stream of this file from a client's own.
 constexpr GUID kOwnStream{0x6D1C8E52, 0x3F0B, 0x4E57, {0x9A, 0x41, 0x07, 0xB5, 0x2C, 0xE8, 0x90, 0x1D}};
@@ -58,7 +147,7 @@ private:
     // The block may have been freed already, and its address be another's now.
     ~BlockStream()
     {
-        if (m_bDeleteOnRelease && kx::stream::FindBlock(m_hBlock) == m_block) GlobalFree(m_hBlock);
+        if (m_bDeleteOnRelease && FindBlock(m_hBlock) == m_block) GlobalFree(m_hBlock);
     }
 
     std::atomic<ULONG> m_nRefs{1};
@@ -66,7 +155,7 @@ private:
     const std::shared_ptr<Block> m_block;
     const bool m_bDeleteOnRelease;
     std::uint64_t m_nPosition = 0;
-    const kx::LiveHandle m_live;
+    const LiveHandle m_live;
 };
 
 HRESULT BlockStream::Read(void* pBytes, ULONG nBytes, ULONG* pnRead)
@@ -115,6 +204,46 @@ HRESULT BlockStream::Seek(LARGE_INTEGER nMove, DWORD nOrigin, ULARGE_INTEGER* pn
 
 } // namespace
 
+} // namespace kx::stream
+
+using namespace kx::stream;
+
+HGLOBAL GlobalAlloc(UINT nFlags, std::size_t nBytes)
+try {
+    return kx::The<BlockTable>().Add(std::make_shared<Block>(nFlags, nBytes));
+} catch (...) {
+    return kx::NoMemory();
+}
+
+void* GlobalLock(HGLOBAL hBlock)
+{
+    const auto block = FindBlock(hBlock);
+    if (!block) return nullptr;
+    ++block->locks;
+    return block->Bytes();
+}
+
+int GlobalUnlock(HGLOBAL hBlock)
+{
+    const auto block = FindBlock(hBlock);
+    if (!block) return 0;
+    int nLocks = block->locks;
+    while (nLocks > 0 && !block->locks.compare_exchange_weak(nLocks, nLocks - 1)) {
+    }
+    return nLocks > 1;
+}
+
+std::size_t GlobalSize(HGLOBAL hBlock)
+{
+    const auto block = FindBlock(hBlock);
+    return block ? block->Size() : 0;
+}
+
+HGLOBAL GlobalFree(HGLOBAL hBlock)
+{
+    return kx::The<BlockTable>().End(hBlock) ? nullptr : hBlock;
+}
+
 HRESULT CreateStreamOnHGlobal(HGLOBAL hBlock, int bDeleteOnRelease, IStream** ppStream)
 try {
     if (!ppStream) return E_POINTER;
@@ -122,7 +251,7 @@ try {
     const bool bOwn = !hBlock;
     if (bOwn) hBlock = GlobalAlloc(GMEM_MOVEABLE, 0);
     if (!hBlock) return E_OUTOFMEMORY;
-    auto block = kx::stream::FindBlock(hBlock);
+    auto block = FindBlock(hBlock);
     if (!block) return E_INVALIDARG;
     *ppStream = new (std::nothrow) BlockStream(hBlock, std::move(block), bDeleteOnRelease != 0);
     if (*ppStream) return S_OK;
