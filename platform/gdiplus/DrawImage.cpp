@@ -95,34 +95,11 @@ bool MayOverlap(const PixelView& a, const PixelView& b) noexcept
     return std::less<>()(a.first, b.Row(b.height)) && std::less<>()(b.first, a.Row(a.height));
 }
 
-// Goes through the rows of an area that a clip leaves something of, from the top: `draw` gets the row and the
-// clip's rectangles that touch the area in it. The clip's rectangles are disjoint, in rows from the top,
-// those of one row of one height; what the area doesn't touch is passed over by bisection.
-template <class Draw>
-void ForRows(std::span<const RECT> clip, const RECT& area, Draw&& draw)
-{
-    auto row = std::partition_point(clip.begin(), clip.end(),
-                                    [&](const RECT& rect) { return rect.bottom <= area.top; });
-    while (row != clip.end() && row->top < area.bottom) {
-        const LONG nTop = row->top;
-        const LONG nBottom = std::min(row->bottom, area.bottom);
-        const auto end =
-            std::partition_point(row, clip.end(), [&](const RECT& rect) { return rect.top == nTop; });
-        const auto first =
-            std::partition_point(row, end, [&](const RECT& rect) { return rect.right <= area.left; });
-        const auto last =
-            std::partition_point(first, end, [&](const RECT& rect) { return rect.left < area.right; });
-        for (LONG y = std::max(nTop, area.top); first != last && y < nBottom; ++y)
-            draw(y, std::span<const RECT>(first, last));
-        row = end;
-    }
-}
-
 // Draws a block of a picture over a block of the target, both in the graphics' coordinates, through the
 // matrix if there is one. The picture may lie where the target does. Throws std::bad_alloc and draws nothing
 // then.
-void DrawPicture(const Target& target, const PixelView& from, Stretch columns, Stretch rows,
-                 const ColorMatrix* pMatrix)
+void Draw(const Target& target, const PixelView& from, const Stretch& columns, const Stretch& rows,
+          const ColorMatrix* pMatrix = nullptr)
 {
     std::optional<kx::gdi::Surface> copy;
     if (MayOverlap(from, target.pixels)) {
@@ -140,36 +117,24 @@ void DrawPicture(const Target& target, const PixelView& from, Stretch columns, S
         changed.resize(static_cast<std::size_t>(area.right - area.left));
     }
     const Alpha alpha = transform ? transform->Gives(from.alpha) : from.alpha;
-    ForRows(target.clip, area, [&](int y, std::span<const RECT> clip) {
-        const DWORD* row = picture.Row(y);
-        if (transform) {
-            transform->Apply(row, from.alpha, changed.data(), area.right - area.left);
-            row = changed.data();
-        }
-        for (const RECT& rect : clip) {
-            const int nLeft = std::max(rect.left, area.left);
-            Blend(row + (nLeft - area.left), alpha, target.pixels.Row(y) + nLeft, target.pixels.alpha,
-                  std::min(rect.right, area.right) - nLeft);
-        }
-    });
+    for (int y = area.top; y < area.bottom; ++y) {
+        const DWORD* row = nullptr; // made where the clip leaves something of it
+        kx::gdi::ForEachPart(target.clip, {area.left, y, area.right, y + 1}, [&](const RECT& part) {
+            if (!row) row = picture.Row(y);
+            if (transform && row != changed.data()) {
+                transform->Apply(row, from.alpha, changed.data(), area.right - area.left);
+                row = changed.data();
+            }
+            Blend(row + (part.left - area.left), alpha, target.pixels.Row(y) + part.left, target.pixels.alpha,
+                  part.right - part.left);
+        });
+    }
 }
 
-// Draws a block of a picture, which `place` gives for its size, over one of the target.
-template <class Place>
-Status Draw(GpGraphics& graphics, GpImage& image, Place&& place, const ColorMatrix* pMatrix)
+Stretch WholeOver(int nPicture, int nTo, int nToLength) noexcept
 {
-    const PixelView from = image.Pixels();
-    const auto [columns, rows] = place(static_cast<double>(from.width), static_cast<double>(from.height));
-    return graphics.On([&, columns = columns, rows = rows](const Target& target) {
-        DrawPicture(target, from, columns, rows, pMatrix);
-    });
+    return {0, static_cast<double>(nPicture), static_cast<double>(nTo), static_cast<double>(nToLength)};
 }
-
-struct Block
-{
-    Stretch columns;
-    Stretch rows;
-};
 
 bool IsFinite(const ColorMatrix& matrix) noexcept
 {
@@ -185,14 +150,9 @@ namespace DllExports {
 GpStatus GdipDrawImageI(GpGraphics* pGraphics, GpImage* pImage, INT x, INT y)
 {
     return Guarded([&] {
-        if (!pGraphics || !pImage) return InvalidParameter;
-        return Draw(
-            *pGraphics, *pImage,
-            [=](double width, double height) -> Block {
-                return {{0, width, static_cast<double>(x), width},
-                        {0, height, static_cast<double>(y), height}};
-            },
-            nullptr);
+        if (!pImage) return InvalidParameter;
+        const PixelView from = pImage->Pixels();
+        return GdipDrawImageRectI(pGraphics, pImage, x, y, from.width, from.height);
     });
 }
 
@@ -200,13 +160,10 @@ GpStatus GdipDrawImageRectI(GpGraphics* pGraphics, GpImage* pImage, INT x, INT y
 {
     return Guarded([&] {
         if (!pGraphics || !pImage) return InvalidParameter;
-        return Draw(
-            *pGraphics, *pImage,
-            [=](double width, double height) -> Block {
-                return {{0, width, static_cast<double>(x), static_cast<double>(nWidth)},
-                        {0, height, static_cast<double>(y), static_cast<double>(nHeight)}};
-            },
-            nullptr);
+        const PixelView from = pImage->Pixels();
+        return pGraphics->On([&](const Target& target) {
+            Draw(target, from, WholeOver(from.width, x, nWidth), WholeOver(from.height, y, nHeight));
+        });
     });
 }
 
@@ -220,12 +177,11 @@ GpStatus GdipDrawImageRectRect(GpGraphics* pGraphics, GpImage* pImage, REAL x, R
             !std::all_of(std::begin(values), std::end(values), [](REAL n) { return std::isfinite(n); }))
             return InvalidParameter;
         if (unit != UnitPixel) return NotImplemented;
-        return Draw(
-            *pGraphics, *pImage,
-            [=](double, double) -> Block {
-                return {{xSrc, nSrcWidth, x, nWidth}, {ySrc, nSrcHeight, y, nHeight}};
-            },
-            pAttributes && pAttributes->matrix ? &*pAttributes->matrix : nullptr);
+        const PixelView from = pImage->Pixels();
+        return pGraphics->On([&](const Target& target) {
+            Draw(target, from, {xSrc, nSrcWidth, x, nWidth}, {ySrc, nSrcHeight, y, nHeight},
+                 pAttributes && pAttributes->matrix ? &*pAttributes->matrix : nullptr);
+        });
     });
 }
 

@@ -75,8 +75,6 @@ public:
     void Box(const RECT& box) noexcept { m_brush.IsOpaque() ? CopyBox(box) : BlendBox(box); }
 
 private:
-    void Draw(int x, int y, DWORD mask, std::span<DWORD> out) const noexcept { m_brush.Row(x, y, mask, out); }
-
     void CopyBox(const RECT& box) const noexcept
     {
         const auto nCount = static_cast<std::size_t>(box.right - box.left);
@@ -86,7 +84,7 @@ private:
             if (y > box.top && m_brush.HasOneRow())
                 std::memcpy(row, first, nCount * sizeof(DWORD));
             else
-                Draw(box.left, y, m_mask, {row, nCount});
+                m_brush.Row(box.left, y, m_mask, {row, nCount});
         }
     }
 
@@ -95,7 +93,7 @@ private:
         const int nCount = box.right - box.left;
         for (int y = box.top; y < box.bottom; ++y) {
             if (y == box.top || !m_brush.HasOneRow())
-                Draw(box.left, y, ~DWORD{0}, {m_row.data(), static_cast<std::size_t>(nCount)});
+                m_brush.Row(box.left, y, ~DWORD{0}, {m_row.data(), static_cast<std::size_t>(nCount)});
             Blend(m_row.data(), Alpha::Straight, m_target.pixels.Row(y) + box.left, m_target.pixels.alpha,
                   nCount);
         }
@@ -111,13 +109,12 @@ private:
 void FillArea(const Target& target, const GpBrush& brush, kx::gdi::PixelRegion area)
 {
     if (brush.Area()) area.IntersectWith(*brush.Area());
-    std::vector<RECT> touched;
-    kx::gdi::ForEachPart(target.clip, area.Extents(), [&](const RECT& part) { touched.push_back(part); });
-    area.IntersectWith(kx::gdi::PixelRegion::FromRects(touched));
-    const RECT bounds = area.Extents();
+    const RECT bounds = kx::gdi::Cut(area.Extents(), target.reach);
+    if (kx::gdi::IsEmpty(bounds)) return;
     Filling filling(target, brush, bounds.right - bounds.left);
-    for (const auto& box : area.Boxes())
-        filling.Box(kx::gdi::ToRect(box));
+    kx::gdi::ForEachPart(area.Boxes(), bounds, [&](const RECT& box) {
+        kx::gdi::ForEachPart(target.clip, box, [&](const RECT& part) { filling.Box(part); });
+    });
 }
 
 // The first pixel from a position on, or the end of coordinates that it lies beyond.
