@@ -1,4 +1,3 @@
-#include "platform/gdi/Png.h"
 #include "platform/gdi/ImageFile.h"
 #include "platform/gdiplus/codecs/Codecs.h"
 #include <algorithm>
@@ -6,7 +5,6 @@
 #include <cstring>
 #include <png.h>
 #include <span>
-#include <string_view>
 #include <utility>
 
 namespace kx::gdiplus::codecs {
@@ -25,14 +23,9 @@ void OnPngWarning(png_structp, png_const_charp)
 {
 }
 
-constexpr std::size_t kSignature = 8;
-constexpr std::size_t kChunkFrame = 12; // length, name and checksum
-constexpr int kMaxDeflate = 1032;       // bytes that one byte of the file can stand for
+constexpr int kMaxDeflate = 1032; // bytes that one byte of the file can stand for
 constexpr std::size_t kReadAtOnce = 64 << 10;
 constexpr png_alloc_size_t kMaxChunk = 1 << 20; // of those that are kept, none of which is as long
-// Bits of IHDR's colour type.
-constexpr int kPalette = 1;
-constexpr int kAlpha = 4;
 
 std::size_t BigEndian(FileBytes bytes) noexcept
 {
@@ -63,6 +56,8 @@ public:
     Decoder& operator=(const Decoder&) = delete;
     ~Decoder() { png_destroy_read_struct(&m_png, &m_info, nullptr); }
 
+    // Of a picture that was read.
+    bool HasAlpha() const noexcept { return m_bAlpha; }
     std::optional<gdi::Surface> Run()
     {
         if (!m_info || !Guarded(&Decoder::ReadHeader)) return std::nullopt;
@@ -114,14 +109,15 @@ private:
         png_set_option(m_png, PNG_IGNORE_ADLER32, PNG_OPTION_ON); // their chunks have checksums besides
         png_set_keep_unknown_chunks(m_png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
         png_read_info(m_png, m_info);
+        const int nType = png_get_color_type(m_png, m_info);
+        m_bAlpha = (nType & PNG_COLOR_MASK_ALPHA) != 0 || png_get_valid(m_png, m_info, PNG_INFO_tRNS) != 0;
 
         png_set_expand(m_png);
         png_set_scale_16(m_png);
         png_set_gray_to_rgb(m_png);
         m_nPasses = png_set_interlace_handling(m_png);
         // Plain colours are expanded faster here, but passes have to find what those before them left.
-        m_bTriplets = m_nPasses == 1 && png_get_color_type(m_png, m_info) == PNG_COLOR_TYPE_RGB &&
-                      png_get_valid(m_png, m_info, PNG_INFO_tRNS) == 0;
+        m_bTriplets = m_nPasses == 1 && nType == PNG_COLOR_TYPE_RGB && !m_bAlpha;
         if (m_bTriplets) {
             png_set_read_user_transform_fn(m_png, ExpandRow);
         } else {
@@ -161,6 +157,7 @@ private:
     png_infop m_info;
     const png_uint_32 m_nMaxSide;
     int m_nPasses = 1;
+    bool m_bAlpha = false;
     bool m_bTriplets = false; // rows are read as bytes red, green, blue, and by ExpandRow
     std::optional<gdi::Surface> m_surface;
     std::int64_t m_nRows = 0; // read, those of each pass
@@ -168,23 +165,11 @@ private:
     bool m_bEnded = false; // the file did before what was to be read of it
 };
 
-// Whether a tRNS chunk makes some pixels transparent; it lies before the first IDAT.
-bool HasTransparency(FileBytes file) noexcept
-{
-    for (FileBytes rest = file.subspan(kSignature); rest.size() >= kChunkFrame;) {
-        const std::size_t nSize = BigEndian(rest);
-        const std::string_view name(reinterpret_cast<const char*>(rest.data()) + 4, 4);
-        if (name == "tRNS" && nSize > 0) return true;
-        if (name == "IDAT" || nSize > rest.size() - kChunkFrame) return false;
-        rest = rest.subspan(kChunkFrame + nSize);
-    }
-    return false;
-}
-
 Gdiplus::PixelFormat FormatOf(const gdi::PngHeader& header, int nType, bool bAlpha) noexcept
 {
     if (bAlpha) return Gdiplus::PixelFormat32bppARGB;
-    if (nType != 0 && !(nType & kPalette)) return Gdiplus::PixelFormat24bppRGB;
+    if (nType != PNG_COLOR_TYPE_GRAY && !(nType & PNG_COLOR_MASK_PALETTE))
+        return Gdiplus::PixelFormat24bppRGB;
     return FormatOfDepth(std::min(header.nDepth, 8));
 }
 
@@ -204,13 +189,12 @@ Gdiplus::Status ReadPng(const File& file, std::optional<Picture>& picture)
     const std::int64_t nBits = std::int64_t{header->nWidth} * header->nHeight * header->nDepth;
     if (IsAbsurd(nBits / 8, file->size(), kMaxDeflate)) return Gdiplus::GenericError;
 
-    const int nType = (*file)[25];
-    const bool bAlpha = (nType & kAlpha) != 0 || HasTransparency(*file);
     bool bCut = false;
-    auto surface = ReadPngPixels(*file, Gdiplus::MAX_IMAGE_SIDE, &bCut);
+    Decoder decoder(*file, Gdiplus::MAX_IMAGE_SIDE, &bCut);
+    auto surface = decoder.Run();
     if (!surface) return Gdiplus::GenericError;
-    picture = Picture{std::move(*surface), bAlpha || bCut ? Alpha::Straight : Alpha::Opaque,
-                      FormatOf(*header, nType, bAlpha)};
+    picture = Picture{std::move(*surface), decoder.HasAlpha() || bCut ? Alpha::Straight : Alpha::Opaque,
+                      FormatOf(*header, (*file)[25], decoder.HasAlpha())};
     return Gdiplus::Ok;
 }
 
