@@ -4,7 +4,6 @@
 #include "include/platform/Error.h"
 
 #include <cerrno>
-#include <utility>
 
 namespace kx {
 

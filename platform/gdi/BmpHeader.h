@@ -3,7 +3,6 @@
 #include "platform/gdi/ImageFile.h"
 
 #include <array>
-#include <cstdint>
 #include <optional>
 #include <vector>
 

@@ -18,6 +18,24 @@ namespace kx::gdi {
 
 namespace {
 
+// The part of a one-to-one copy that lies on both surfaces: `area` of the destination's, of which each pixel
+// comes from the source's that lies `dx` to the left and `dy` above it.
+struct Fit
+{
+    RECT area;
+    int dx = 0;
+    int dy = 0;
+};
+
+Fit FitBlock(const Canvas& to, const Block& block, const Canvas& from, int xSrc, int ySrc) noexcept
+{
+    const std::int64_t dx = std::int64_t{block.x} - xSrc;
+    const std::int64_t dy = std::int64_t{block.y} - ySrc;
+    const RECT area = Cut(Cut(Place(block), to.reach), Moved(from.bounds, dx, dy));
+    if (IsEmpty(area)) return {};
+    return {area, static_cast<int>(dx), static_cast<int>(dy)};
+}
+
 constexpr std::size_t kShort = 24 * sizeof(DWORD);
 
 // So few pixels are copied sooner than a call of memcpy is made.

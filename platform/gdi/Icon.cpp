@@ -1,14 +1,48 @@
 #include "platform/gdi/Bitmap.h"
 #include "platform/gdi/BmpHeader.h"
 #include "platform/gdi/DeviceContext.h"
-#include "platform/gdi/Png.h"
+#include "platform/gdi/ImageFile.h"
 #include "platform/gdi/Rect.h"
+#include "platform/module/Door.h"
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <tuple>
 
+KX_DOOR(pictures, kx::gdi::PngFunctions);
+
 namespace kx::gdi {
+
+namespace {
+
+constexpr std::array<std::uint8_t, 16> kStart = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n',
+                                                 0,    0,   0,   13,  'I',  'H',  'D',  'R'};
+constexpr std::size_t kHeaderEnd = kStart.size() + 13;
+
+DWORD BigEndian(FileBytes file, std::size_t at) noexcept
+{
+    return DWORD{file[at]} << 24 | DWORD{file[at + 1]} << 16 | DWORD{file[at + 2]} << 8 | file[at + 3];
+}
+
+} // namespace
+
+std::optional<PngHeader> ParsePngHeader(FileBytes file) noexcept
+{
+    if (file.size() < kHeaderEnd || !std::equal(kStart.begin(), kStart.end(), file.begin()))
+        return std::nullopt;
+    // By colour type: grey, none, RGB, palette, grey with alpha, none, RGB with alpha.
+    constexpr int kChannels[] = {1, 0, 3, 1, 2, 0, 4};
+    const std::uint8_t nBits = file[24], nType = file[25];
+    const int nChannels = nType < std::size(kChannels) ? kChannels[nType] : 0;
+    return PngHeader{BigEndian(file, 16), BigEndian(file, 20), nBits * nChannels};
+}
+
+std::optional<Surface> ReadPng(FileBytes file, int nMaxSide)
+{
+    const PngFunctions* const functions = g_door.Open();
+    return functions ? functions->read(file, nMaxSide, nullptr) : std::nullopt;
+}
 
 namespace {
 
@@ -121,26 +155,6 @@ std::optional<Surface> ReadIconBmp(const BmpHeader& header, FileBytes dib)
     return surface;
 }
 
-} // namespace
-
-bool IsIco(FileBytes file) noexcept
-{
-    return file.size() > kHeader && U16(file, 0) == 0 && U16(file, 2) == 1;
-}
-
-std::optional<Surface> ReadIcon(FileBytes file, int cx, int cy)
-{
-    const auto entry = ChooseEntry(file, cx, cy);
-    if (!entry) return std::nullopt;
-    return entry->bmp ? ReadIconBmp(*entry->bmp, entry->bytes) : ReadPng(entry->bytes, MAX_PNG_ICON_SIDE);
-}
-
-} // namespace kx::gdi
-
-using namespace kx::gdi;
-
-namespace {
-
 // How much of a target's pixel `n` a source's pixel `m` covers, where `from` pixels become `to`; both counted
 // in parts of which a source's pixel has `to` and a target's `from`.
 std::int64_t Overlap(int n, int m, int from, int to) noexcept
@@ -192,6 +206,18 @@ void LayRow(const DWORD* from, DWORD* to, int nCount) noexcept
 
 } // namespace
 
+bool IsIco(FileBytes file) noexcept
+{
+    return file.size() > kHeader && U16(file, 0) == 0 && U16(file, 2) == 1;
+}
+
+std::optional<Surface> ReadIcon(FileBytes file, int cx, int cy)
+{
+    const auto entry = ChooseEntry(file, cx, cy);
+    if (!entry) return std::nullopt;
+    return entry->bmp ? ReadIconBmp(*entry->bmp, entry->bytes) : ReadPng(entry->bytes, MAX_PNG_ICON_SIDE);
+}
+
 std::shared_ptr<Icon> Icon::Make(Surface image, SIZE size)
 {
     if (size.cx == 0) size.cx = image.Width();
@@ -204,6 +230,10 @@ std::shared_ptr<Icon> Icon::Make(Surface image, SIZE size)
             scaled->Row(y)[x] = MeanAt(image, x, y, size);
     return std::make_shared<Icon>(std::move(*scaled));
 }
+
+} // namespace kx::gdi
+
+using namespace kx::gdi;
 
 int DestroyIcon(HICON hIcon)
 {

@@ -4,7 +4,6 @@
 #include "platform/Handles.h"
 
 #include <atomic>
-#include <cstddef>
 #include <cstring>
 #include <memory>
 #include <utility>

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <utility>
 
 namespace kx::gdi {
 

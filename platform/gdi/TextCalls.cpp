@@ -6,11 +6,8 @@
 #include "platform/gdi/FontFace.h"
 
 #include <algorithm>
-#include <array>
 #include <climits>
 #include <cstdint>
-#include <cstring>
-#include <span>
 #include <vector>
 
 using namespace kx::gdi;

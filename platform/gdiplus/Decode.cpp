@@ -1,7 +1,7 @@
 #include "platform/gdiplus/Decode.h"
 
 #include "platform/gdi/BmpHeader.h"
-#include "platform/gdi/Png.h"
+#include "platform/gdi/ImageFile.h"
 #include "platform/gdiplus/Encode.h"
 #include "platform/gdiplus/Picture.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/gdi/Png.h"
+#include "platform/gdi/ImageFile.h"
 #include "platform/gdiplus/Decode.h"
 
 #include <span>

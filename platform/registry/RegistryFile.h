@@ -5,7 +5,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 // The file of the per-user values: an INI file with a section for each key, by its path, and a line for each
 // value, `name=type:data`, both escaped. The value without a name is "@". Any thread. Results are ERROR_...

@@ -47,7 +47,7 @@ public:
         return false;
     }
     // Frees the bytes.
-    void End() noexcept { m_bytes = {}; }
+    void End() noexcept { std::vector<BYTE>().swap(m_bytes); }
 
     std::atomic<int> locks{0};
 

@@ -1,6 +1,5 @@
 #include "platform/text/CharWalk.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace kx::text {

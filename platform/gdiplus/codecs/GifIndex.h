@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <optional>
-#include <utility>
 #include <vector>
 
 namespace kx::gdiplus::codecs {
