@@ -56,6 +56,8 @@ bool IsLocal(int fd)
 // through all names for each would make the filling of a directory quadratic.
 struct LargeDirectory
 {
+    explicit LargeDirectory(const struct stat& info) noexcept : id(info.st_dev, info.st_ino) {}
+
     const std::pair<dev_t, ino_t> id; // what stays the same however it is spelled
     const pid_t process = getpid();   // the child of a fork shares the notices and leaves them to its parent
     const UniqueFd notices{inotify_init1(IN_CLOEXEC | IN_NONBLOCK)};
@@ -128,7 +130,7 @@ public:
         struct stat info;
         if (!entries || fstat(entries.Fd(), &info) != 0) return;
         std::list<LargeDirectory> one;
-        if (!one.emplace_back(std::pair(info.st_dev, info.st_ino)).Read(entries)) return;
+        if (!one.emplace_back(info).Read(entries)) return;
         const sync::MutexLock lock(m_lock);
         m_known.splice(m_known.begin(), one);
         if (m_known.size() > kMaxDirectories) m_known.pop_back();
