@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (bytes > size) std::abort();
     };
     // A record at the very beginning, and one that a note leads to.
-    log::Record record;
+    core::Record record;
     if (size >= sizeof(record)) {
         std::memcpy(&record, data, sizeof(record));
         report::WalkLines(record.positions[0], size, read, take);

@@ -98,50 +98,48 @@ void Queue::PostQuit(int nExitCode)
 
 int Queue::Get(MSG& msg, const Filter& filter)
 {
-    Lock lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     for (;;) {
-        ServeSent(lock);
+        ServeSent();
         if (filter.window && filter.window->ended) return -1;
         if (Take(msg, filter, true)) return msg.message != WM_QUIT;
-        Wait(lock, m_timers.NextDue([&](const MSG& timer) { return filter.Passes(timer); }));
+        Wait(m_timers.NextDue([&](const MSG& timer) { return filter.Passes(timer); }));
     }
 }
 
 bool Queue::Peek(MSG& msg, const Filter& filter, bool bRemove)
 {
-    Lock lock(m_lock);
-    ServeSent(lock);
+    const sync::MutexLock lock(m_lock);
+    ServeSent();
     return Take(msg, filter, bRemove);
 }
 
 LRESULT Queue::WaitForAnswer(const SentMessage& message)
 {
-    Lock lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     for (;;) {
         if (message.answered) return message.result;
-        ServeSent(lock);
-        if (!message.answered) Wait(lock);
+        ServeSent();
+        if (!message.answered) Wait();
     }
 }
 
 // Runs what has been sent by now and no more, so that threads that send on and on don't hold up what is
 // posted.
-void Queue::ServeSent(Lock& lock) KX_NO_LOCK_ANALYSIS
+void Queue::ServeSent()
 {
     for (std::size_t n = m_sent.size(); n > 0 && !m_sent.empty(); --n) {
+        auto taken = std::move(m_sent.front());
+        m_sent.pop_front();
+        const sync::MutexUnlock unlock(m_lock);
+        const auto message = std::move(taken); // it ends while the lock is free
+        struct AnswerAtEnd
         {
-            const auto message = std::move(m_sent.front());
-            m_sent.pop_front();
-            lock.unlock();
-            struct AnswerAtEnd
-            {
-                SentMessage& message;
-                LRESULT result;
-                ~AnswerAtEnd() { message.sender->TakeAnswer(message, result); }
-            } answer{*message, 0};
-            answer.result = message->target->Call(message->message, message->wParam, message->lParam);
-        }
-        lock.lock();
+            SentMessage& message;
+            LRESULT result;
+            ~AnswerAtEnd() { message.sender->TakeAnswer(message, result); }
+        } answer{*message, 0};
+        answer.result = message->target->Call(message->message, message->wParam, message->lParam);
     }
 }
 
@@ -188,24 +186,25 @@ void Queue::Notify() noexcept
 }
 
 // The one place where a thread waits for messages.
-void Queue::Wait(Lock& lock, time::Moment deadline) KX_NO_LOCK_ANALYSIS
+void Queue::Wait(time::Moment deadline)
 {
     if (!m_sent.empty()) return;
     m_bWaits.store(true);
     const std::uint32_t seen = m_changes.load();
-    lock.unlock();
-    time::Alarm(m_changes, deadline).Wait(seen);
+    {
+        const sync::MutexUnlock unlock(m_lock);
+        time::Alarm(m_changes, deadline).Wait(seen);
+    }
     m_bWaits.store(false);
-    lock.lock();
 }
 
 void Queue::ServeUntil(time::Moment deadline)
 {
-    Lock lock(m_lock);
+    const sync::MutexLock lock(m_lock);
     for (;;) {
-        ServeSent(lock);
+        ServeSent();
         if (time::Now() >= deadline) return;
-        Wait(lock, deadline);
+        Wait(deadline);
     }
 }
 

@@ -172,7 +172,6 @@ public:
     void Close() noexcept;
 
 private:
-    using Lock = sync::MutexLock;
     using Sent = std::list<std::shared_ptr<SentMessage>>;
     using WindowUpdate = std::pair<const Window*, Update>;
     enum class Kind
@@ -190,7 +189,7 @@ private:
     DWORD PostTo(const Posted& posted, const Window* target, bool bLatest);
     // Ends the wait for a message that this queue's thread sent.
     void TakeAnswer(SentMessage& message, LRESULT nResult) noexcept;
-    void ServeSent(Lock& lock) KX_REQUIRES(m_lock);
+    void ServeSent() KX_REQUIRES(m_lock);
     auto FindUpdate(const Window& window) KX_REQUIRES(m_lock)
     {
         return std::ranges::find(m_updates, &window, &WindowUpdate::first);
@@ -199,7 +198,7 @@ private:
     bool TakeQuit(MSG& msg, bool bRemove) KX_REQUIRES(m_lock);
     bool TakePaint(MSG& msg, const Filter& filter) const KX_REQUIRES(m_lock);
     // Gives the lock up until a notice or the deadline, unless something was sent; may return for no reason.
-    void Wait(Lock& lock, time::Moment deadline = time::kNever) KX_REQUIRES(m_lock);
+    void Wait(time::Moment deadline = time::kNever) KX_REQUIRES(m_lock);
     // No system call while the thread doesn't wait. With the lock or without.
     void Notify() noexcept;
 

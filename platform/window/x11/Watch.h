@@ -39,7 +39,7 @@ public:
     };
 
 private:
-    void Run() KX_NO_LOCK_ANALYSIS; // its waits let the lock go
+    void Run();
 
     Connection& m_connection;
     const std::chrono::milliseconds m_limit;

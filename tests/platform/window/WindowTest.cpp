@@ -46,8 +46,10 @@ TEST(Window, LivesThroughItsMessages)
             EXPECT_THAT((std::vector{create.x, create.y, create.cx, create.cy}), ElementsAre(1, 2, 30, 40));
         }
         if (nMsg == SHOW) shows.push_back(wParam);
-        if (nMsg == DESTROY || nMsg == NCDESTROY) EXPECT_EQ(wParam, 0u);
-        EXPECT_FALSE((nMsg == DESTROY || nMsg == NCDESTROY) && DestroyWindow(hWnd)); // not twice
+        if (nMsg == DESTROY || nMsg == NCDESTROY) {
+            EXPECT_EQ(wParam, 0u);
+            EXPECT_FALSE(DestroyWindow(hWnd)); // not twice
+        }
         return DefWindowProcA(hWnd, nMsg, wParam, lParam);
     };
     const HWND hWnd = Make(&handler, WS_POPUP | WS_VISIBLE, "name");
