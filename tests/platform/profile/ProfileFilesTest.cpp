@@ -52,6 +52,7 @@ TEST(ProfileFiles, SizeIsLimitedTo16MiB)
     EXPECT_EQ(fs::file_size(ini.Path()), kMaxFile);
     EXPECT_TRUE(ini.Set("S", "k", ""));
     EXPECT_EQ(fs::file_size(ini.Path()), kMaxFile - 1);
+    EXPECT_TRUE(ini.Set("S", "k", "w"));
     fs::resize_file(ini.Path(), kMaxFile + 1);
     ExpectUnusable(ini);
 }

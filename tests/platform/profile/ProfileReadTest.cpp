@@ -3,6 +3,7 @@
 #include "tests/support/Host.h"
 
 #include <fcntl.h>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -113,10 +114,19 @@ TEST(ProfileRead, SeesEveryChangeMadeInPlace)
 // back.
 TEST(ProfileRead, SeesAChangeThatHidesItself)
 {
-    const IniFile ini("[S]\nk=0000\n");
+    const IniFile ini("[S]\nk=0000\n;" + std::string(100'000, 'x'));
     const kx::UniqueFd fd(open(ini.Path().c_str(), O_WRONLY | O_CLOEXEC));
     test::LetSettle(ini.Path());
     EXPECT_EQ(ini.Get("S", "k"), "0000");
+    const auto readBytes = [] { // that this process has read of files so far
+        std::string word;
+        std::uint64_t nCount = 0;
+        std::ifstream("/proc/self/io") >> word >> nCount;
+        return nCount;
+    };
+    const std::uint64_t nBefore = readBytes();
+    EXPECT_EQ(ini.Get("S", "k"), "0000");
+    EXPECT_LT(readBytes() - nBefore, 10'000u);
     struct stat status = {};
     ASSERT_EQ(fstat(fd.Get(), &status), 0);
     const timespec old[] = {status.st_atim, status.st_mtim};
