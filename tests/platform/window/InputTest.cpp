@@ -119,13 +119,15 @@ TEST(Input, ACapturedMouseGoesToOneWindow)
     second.Take();
     EXPECT_EQ(first.Take(), "512 107;");
     EXPECT_EQ(SetCapture(second.handle), first.handle);
-    EXPECT_EQ(first.Take().substr(0, 3), "533");
+    EXPECT_EQ(first.Take(),
+              "533 " + std::to_string(GET_X_LPARAM(reinterpret_cast<LPARAM>(second.handle))) + ";");
     ShowWindow(second.handle, SW_SHOWNA);
     ShowWindow(second.handle, SW_HIDE);
     EXPECT_EQ(second.Take().substr(0, 3), "533");
     EXPECT_EQ(GetCapture(), nullptr);
     SetCapture(first.handle);
     DestroyWindow(first.handle);
+    EXPECT_FALSE(KXHost::PostInput(first.handle, WM_MOUSEMOVE, 0, 0));
     EXPECT_EQ(GetCapture(), nullptr);
     SetCapture(second.handle);
     EXPECT_TRUE(ReleaseCapture());
@@ -171,6 +173,10 @@ TEST(Input, KeysAndCursorsAreKnown)
     EXPECT_EQ(GetKeyState(-1) | GetKeyState(256), 0);
 
     EXPECT_FALSE(LoadCursorA(nullptr, "name"));
+    for (const std::uintptr_t number : {32511u, 32517u, 32641u, 32647u, 32651u})
+        EXPECT_FALSE(LoadCursorA(nullptr, reinterpret_cast<const char*>(number))) << number;
+    for (const std::uintptr_t number : {32512u, 32516u, 32642u, 32646u, 32648u, 32650u})
+        EXPECT_TRUE(LoadCursorA(nullptr, reinterpret_cast<const char*>(number))) << number;
     SetCursor(LoadCursorA(nullptr, IDC_ARROW));
     KXHost::PostInput(window.handle, WM_MOUSEMOVE, 0, At(1, 1));
     window.Take();

@@ -114,6 +114,7 @@ TEST(Paint, ByDefaultErasesWithTheBrushOfTheClass)
     PAINTSTRUCT paint;
     EXPECT_EQ(BeginPaint(hWnd, &paint), nullptr);
     EXPECT_FALSE(EndPaint(hWnd, &paint));
+    EXPECT_FALSE(EndPaint(hWnd, nullptr));
     EXPECT_FALSE(InvalidateRect(hWnd, nullptr, 1));
     EXPECT_FALSE(UpdateWindow(hWnd));
 }
@@ -232,7 +233,9 @@ TEST(Paint, AFadingWindowLetsThroughWhatLiesBelow)
     };
     advance(0);
     EXPECT_EQ(red(), 0);
-    advance(1000);
+    advance(16);
+    EXPECT_EQ(red(), 1);
+    advance(984);
     EXPECT_EQ(red(), 85);
     EXPECT_EQ(SendMessageA(hWnd, test::kPing, 0, 0), 1); // served meanwhile
     advance(1000);

@@ -239,23 +239,27 @@ TEST(Focus, GoesFromWindowToWindow)
 
     PostMessage(hA, WM_LBUTTONDOWN, 0, 0); // a press takes it before the window hears of the press
     MSG msg;
-    ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+    ASSERT_EQ(GetMessageA(&msg, nullptr, 0, 0), 1);
     EXPECT_EQ(msg.message, WM_LBUTTONDOWN);
     EXPECT_EQ(told.Take(), "b-a+");
+    PostMessage(hB, WM_LBUTTONDOWN, 0, 0);
+    ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+    EXPECT_EQ(told.Take(), "a-b+");
 
     test::InThread([&] {
-        EXPECT_EQ(SetFocus(hA), nullptr);
+        EXPECT_EQ(SetFocus(hB), nullptr);
         EXPECT_EQ(GetFocus(), nullptr);
         const HWND hOther = Make();
-        EXPECT_EQ(SetFocus(hOther), hA);
+        EXPECT_EQ(SetFocus(hOther), hB);
         DestroyWindow(hOther);
     });
     EXPECT_EQ(told.Take(), ""); // posted
     ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
     DispatchMessageA(&msg);
-    EXPECT_EQ(told.Take(), "a-");
+    EXPECT_EQ(told.Take(), "b-");
 
-    SetFocus(hA);
+    SetWindowPos(hA, nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE);
+    EXPECT_EQ(GetFocus(), hA);
     DestroyWindow(hA);
     EXPECT_EQ(GetFocus(), nullptr);
     DestroyWindow(hB);

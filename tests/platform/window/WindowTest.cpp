@@ -45,11 +45,11 @@ TEST(Window, LivesThroughItsMessages)
             EXPECT_STREQ(create.lpszClass, "KXTest");
             EXPECT_THAT((std::vector{create.x, create.y, create.cx, create.cy}), ElementsAre(1, 2, 30, 40));
         }
-        if (nMsg == SHOW) shows.push_back(wParam);
-        if (nMsg == DESTROY || nMsg == NCDESTROY) {
-            EXPECT_EQ(wParam, 0u);
-            EXPECT_FALSE(DestroyWindow(hWnd)); // not twice
-        }
+        if (nMsg == SHOW)
+            shows.push_back(wParam);
+        else
+            EXPECT_EQ(wParam, 0u) << nMsg;
+        if (nMsg == DESTROY || nMsg == NCDESTROY) EXPECT_FALSE(DestroyWindow(hWnd)); // not twice
         return DefWindowProcA(hWnd, nMsg, wParam, lParam);
     };
     const HWND hWnd = Make(&handler, WS_POPUP | WS_VISIBLE, "name");

@@ -112,8 +112,9 @@ TEST_F(X11SceneTest, AMessageBoxWaitsForItsAnswer)
         const Handler ask = On(kAsk, [](HWND, WPARAM) { return AfxMessageBox("one\ntwo & three"); });
         const WindowThread thread(ask);
         PostMessage(thread.Window(), kAsk, 0, 0);
-        // In the middle of the screen, with its button's edge.
-        ASSERT_TRUE(Await([&] { return HasPixel({320, 200, 321, 280}, RGB(0, 120, 215)); }));
+        // In the middle of the screen, with its button's edge and face.
+        for (const COLORREF color : {RGB(0, 120, 215), RGB(225, 225, 225)})
+            ASSERT_TRUE(Await([&] { return HasPixel({320, 200, 321, 280}, color); }));
         EXPECT_TRUE(outside->Property(outside->Find("test.platform.window"), "_NET_WM_STATE").size() == 4);
         EXPECT_EQ(SendMessageA(thread.Window(), kPing, 0, 0), 1) << "what is sent meanwhile is served";
         answer();
