@@ -24,7 +24,8 @@ TEST(Bmp, EveryDepthDirectionAndRowPadding)
         for (const bool topDown : {false, true})
             for (std::size_t width = 1; width <= 9; ++width) {
                 const Picture picture = CutTo(depth == 1 ? kTwoColors : kPicture, width);
-                const Bmp bmp = ToBmp(picture, depth, topDown, depth == 1 ? "KW" : kLetters);
+                const std::string_view letters = depth == 1 ? "KW" : kLetters;
+                const Bmp bmp = ToBmp(picture, depth, topDown, letters);
                 SCOPED_TRACE(testing::Message()
                              << depth << " bits, width " << width << ", top-down " << topDown);
                 const LoadedBitmap bitmap(bmp.File());
@@ -32,6 +33,7 @@ TEST(Bmp, EveryDepthDirectionAndRowPadding)
                 const BITMAP record = bitmap.Record();
                 EXPECT_EQ(record.bmBitsPixel, depth);
                 EXPECT_EQ(record.bmWidthBytes, static_cast<LONG>(bmp.pixels.size() / picture.size()));
+                EXPECT_EQ(bitmap.Dib(static_cast<WORD>(depth)), ToBmp(picture, depth, true, letters).pixels);
             }
 }
 

@@ -68,25 +68,6 @@ TEST(GetDIBits, AQueryFillsTheHeaderAlone)
     DeleteDC(dc);
 }
 
-// The call that a query's header with room for one colour leads to gives the file's own rows, and writes no
-// colour.
-TEST(GetDIBits, GivesTheDeclaredDepthBack)
-{
-    for (const bool topDown : {false, true})
-        for (const std::uint32_t depth : {1u, 4u, 8u, 16u, 24u, 32u}) {
-            const Picture shown = depth == 1 ? Picture{"KWKKWWKWK", "WWKWKWKWW"} : picture;
-            const test::Bmp bmp = test::ToBmp(shown, depth, topDown, depth == 1 ? "KW" : test::kLetters);
-            const Scoped<HBITMAP> bitmap(Load(bmp));
-            Info info;
-            info.head.bmiHeader.biSize = 40;
-            Rows(bitmap, info, 0, 1, 1);
-            if (topDown) info.head.bmiHeader.biHeight *= -1;
-            const int nRows = static_cast<int>(shown.size());
-            EXPECT_EQ(Rows(bitmap, info, 0, static_cast<UINT>(nRows), nRows), bmp.pixels) << depth;
-            EXPECT_EQ(info.Written(), 0u);
-        }
-}
-
 TEST(GetDIBits, WritesAsManyColoursAsThereIsRoomFor)
 {
     const Scoped<HBITMAP> bitmap(Load(test::ToBmp(picture, 8))); // 8 colours

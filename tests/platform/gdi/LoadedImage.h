@@ -83,8 +83,7 @@ private:
     HBITMAP m_handle;
 };
 
-// Hands to `load` what is left of a file cut at each length, and the file with each byte set to 0 and to
-// 0xFF.
+// Hands to `load` what is left of a file cut at each length.
 template <class Load>
 void ForEachCut(const std::string& file, Load&& load)
 {

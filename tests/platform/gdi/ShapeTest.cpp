@@ -99,20 +99,6 @@ TEST(RoundRect, IsOutlinedWithoutGapsOrClumps)
     EXPECT_EQ(RoundRect(nullptr, 0, 0, 1, 1, 1, 1), 0);
 }
 
-TEST(RoundRect, FillsWhatItsRegionHolds)
-{
-    for (int cx = 1; cx <= 21; cx += 2)
-        for (int cy = 2; cy <= 14; cy += 3) {
-            const Sheet sheet(21, 13, 'R', 'R', cx % 4);
-            const Sheet filled(21, 13, 'R', 'R');
-            RoundRect(sheet, 0, 0, 21, 13, cx, cy);
-            const Scoped<HRGN> region(CreateRoundRectRgn(21, 0, 0, 13, cx, cy));
-            const Scoped<HBRUSH> red(CreateSolidBrush(test::ColorOf('R')));
-            FillRgn(filled, region, red);
-            EXPECT_EQ(sheet.Read(), filled.Read()) << cx << ' ' << cy;
-        }
-}
-
 TEST(Shapes, AreCutToTheClip)
 {
     const Sheet sheet(6, 4, 'R', 'B');
