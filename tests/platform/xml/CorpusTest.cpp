@@ -11,7 +11,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -81,40 +80,6 @@ TEST_F(Corpus, AcceptsWhatIsWellFormedAndSavesIt)
             ADD_FAILURE() << name << " is refused";
     }
     std::printf("%d accepted and loaded again, %d refused\n", m_nRounds, nRefused);
-}
-
-// A byte changed, taken out or doubled, some times over. What is still accepted, for libxml2 too, is kept.
-TEST_F(Corpus, SavesMutationsToo)
-{
-    std::mt19937 random(1);
-    for (const std::string& name : Lines("xml/accepted.txt")) {
-        const std::string bytes = Read("xml/" + name);
-        if (bytes.size() < 4 || bytes.size() > 20'000) continue;
-        for (int nRound = 0; nRound < 8; ++nRound) {
-            std::string changed = bytes;
-            for (int n = static_cast<int>(random() % 3); n >= 0 && !changed.empty(); --n) {
-                const std::size_t at = random() % changed.size();
-                const std::size_t other = random() % changed.size();
-                switch (random() % 4) {
-                case 0:
-                    changed[at] = changed[other];
-                    break;
-                case 1:
-                    changed.erase(at, 1 + random() % 3);
-                    break;
-                case 2:
-                    changed.insert(at, changed.substr(other, 1 + random() % 8));
-                    break;
-                default:
-                    changed.insert(at, std::string(1, "&<>\"';%]\r"[random() % 9]));
-                }
-            }
-            CKXXmlDomDocument doc;
-            if (Load(doc, changed)) ExpectSame(doc, changed, name + "\n" + changed);
-            if (HasFailure()) return;
-        }
-    }
-    std::printf("%d mutations accepted and loaded again\n", m_nRounds);
 }
 
 TEST_F(Corpus, SelectsAsLibxml2)
