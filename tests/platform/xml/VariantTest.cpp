@@ -19,9 +19,10 @@ TEST(Bstr, CarriesItsLength)
     EXPECT_EQ(bstr[3], u'\0');
     const BSTR part = SysAllocStringLen(u"a\0b", 3);
     EXPECT_EQ(Text(part), std::u16string(u"a\0b", 3));
-    const BSTR room = SysAllocStringLen(nullptr, 2);
-    EXPECT_EQ(SysStringLen(room), 2u);
-    EXPECT_EQ(room[2], u'\0');
+    SysFreeString(SysAllocString(u"xxxxxxxx")); // the next one takes its place
+    const BSTR room = SysAllocStringLen(nullptr, 7);
+    EXPECT_EQ(SysStringLen(room), 7u);
+    EXPECT_EQ(room[7], u'\0');
     for (const BSTR each : {bstr, part, room, BSTR{}})
         SysFreeString(each);
     EXPECT_EQ(SysAllocString(nullptr), nullptr);
@@ -106,6 +107,8 @@ TEST(Variant, LeavesTheTargetOnFailure)
     EXPECT_EQ(text.Change(VT_NULL), DISP_E_TYPEMISMATCH);
     EXPECT_EQ(text.Change(99), DISP_E_BADVARTYPE);
     EXPECT_EQ(Text(text.m_variant.bstrVal), u"abc");
+    EXPECT_EQ(VariantClear(&text.m_variant), S_OK);
+    EXPECT_EQ(text.m_variant.vt, VT_EMPTY);
     Value number(u"1e10");
     EXPECT_EQ(number.Change(VT_I4), DISP_E_OVERFLOW);
     EXPECT_EQ(number.Change(VT_R8), S_OK);
