@@ -11,7 +11,8 @@ namespace kx::threads {
 // (automatic). With threads waiting, an automatic signal goes straight to the one that waits longest: signals
 // given in a row each release another, and nobody who comes later takes one away.
 //
-// A released thread may end the object: Set doesn't touch it after its first release.
+// Setting it with nobody waiting, and looking at it, take no lock and make no system call. A released thread
+// may end the object: Set doesn't touch it after its first release.
 class Signal
 {
 public:
@@ -21,7 +22,7 @@ public:
         Automatic,
     };
 
-    Signal(Reset reset, bool bSet) noexcept : m_bManual(reset == Reset::Manual), m_bSet(bSet) {}
+    Signal(Reset reset, bool bSet) noexcept : m_bManual(reset == Reset::Manual), m_state(bSet ? kSet : 0) {}
     Signal(const Signal&) = delete;
     Signal& operator=(const Signal&) = delete;
 
@@ -38,15 +39,18 @@ private:
         bool bQueued = false;
     };
 
+    static constexpr std::uint32_t kSet = 1;
+    static constexpr std::uint32_t kQueued = 2; // m_queue isn't empty; never together with kSet
     static constexpr std::uint32_t kReleased = 1;
 
-    bool Take() noexcept KX_REQUIRES(m_lock);
+    bool TakeOrQueue(Waiter& waiter) noexcept;
     bool Leave(Waiter& waiter) noexcept;
+    bool Release() noexcept;
 
     const bool m_bManual;
-    sync::Mutex m_lock; // also guards bQueued of the queue's elements
-    bool m_bSet KX_GUARDED_BY(m_lock);
-    sync::IntrusiveList<Waiter> m_queue KX_GUARDED_BY(m_lock); // empty while it is set
+    sync::Word m_state;
+    sync::Mutex m_lock; // also guards bQueued of the queue's elements, and changes of kQueued
+    sync::IntrusiveList<Waiter> m_queue KX_GUARDED_BY(m_lock);
 };
 
 } // namespace kx::threads
