@@ -7,8 +7,6 @@
 #include "platform/text/Conversion.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
 #include <list>
 #include <tuple>
 #include <utility>
@@ -97,24 +95,14 @@ Glyph FontFace::Draw(char32_t ch)
 
 const Glyph& FontFace::Get(char32_t ch)
 {
-    if (ch < m_ascii.size()) {
-        if (const auto& kept = m_ascii[ch]) return *kept;
-    } else if (const auto found = m_others.find(ch); found != m_others.end()) {
-        return found->second;
-    }
-    return Keep(ch, Draw(ch));
-}
-
-const Glyph& FontFace::Keep(char32_t ch, Glyph glyph)
-{
+    if (const auto found = m_glyphs.find(ch); found != m_glyphs.end()) return found->second;
+    Glyph glyph = Draw(ch);
     if (m_bytes > kMaxBytes) {
-        m_ascii = {};
-        m_others.clear();
+        m_glyphs.clear();
         m_bytes = 0;
     }
     m_bytes += glyph.coverage.size() + sizeof(Glyph);
-    Glyph& place = ch < m_ascii.size() ? *(m_ascii[ch] = std::make_unique<Glyph>()) : m_others[ch];
-    return place = std::move(glyph);
+    return m_glyphs[ch] = std::move(glyph);
 }
 
 Font::Font(const LOGFONTA& log) : Object(KIND), m_log(log)

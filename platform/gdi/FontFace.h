@@ -6,7 +6,6 @@
 #include "platform/gdi/Object.h"
 #include "platform/sync/Mutex.h"
 
-#include <array>
 #include <cstddef>
 #include <memory>
 #include <string_view>
@@ -38,13 +37,11 @@ public:
 
 private:
     Glyph Draw(char32_t ch);
-    const Glyph& Keep(char32_t ch, Glyph glyph);
 
     const int m_height;
     const std::unique_ptr<Letters> m_letters;
     const FontMetrics m_metrics;
-    std::array<std::unique_ptr<Glyph>, 128> m_ascii;
-    std::unordered_map<char32_t, Glyph> m_others;
+    std::unordered_map<char32_t, Glyph> m_glyphs;
     std::size_t m_bytes = 0; // of all these letters
 };
 
