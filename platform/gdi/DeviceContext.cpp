@@ -30,9 +30,8 @@ DeviceContext::DeviceContext() : Object(KIND), m_own(MakeOwnBitmap())
     Hold(m_own);
 }
 
-DeviceContext::DeviceContext(HWND hWnd, std::shared_ptr<SharedSurface> pixels,
-                             const std::optional<PixelRegion>& limit)
-    : Object(KIND), m_window(hWnd), m_limit(limit), m_shared(std::move(pixels))
+DeviceContext::DeviceContext(std::shared_ptr<SharedSurface> pixels, const std::optional<PixelRegion>& limit)
+    : Object(KIND), m_limit(limit), m_shared(std::move(pixels))
 {
     {
         const sync::MutexLock lock(pixelLock);

@@ -13,21 +13,18 @@
 namespace kx::gdi {
 
 // A surface to draw on, with what is selected into it. One thread at a time.
-class DeviceContext final : public Object
+class DeviceContext : public Object
 {
 public:
     static constexpr Kind KIND = Kind::Context;
 
     // A memory surface, whose first bitmap is its own, of 1 by 1 pixel.
     DeviceContext();
-    // Shared pixels, a window's or with null for the window the desktop's, of which drawing reaches `limit`
-    // alone where there is one.
-    DeviceContext(HWND hWnd, std::shared_ptr<SharedSurface> pixels, const std::optional<PixelRegion>& limit);
+    // Shared pixels, of which drawing reaches `limit` alone where there is one.
+    DeviceContext(std::shared_ptr<SharedSurface> pixels, const std::optional<PixelRegion>& limit);
     ~DeviceContext() override;
 
     bool IsMemory() const noexcept { return m_own != nullptr; }
-    // The window whose pixels they are; null for memory and the desktop.
-    HWND Window() const noexcept { return m_window; }
     // The place to draw on now. It ends before the next change of the context.
     Canvas Paint() noexcept;
     // The place to read from now: shared pixels as they are seen, of which the rectangle is up to date.
@@ -71,7 +68,6 @@ private:
     // Takes an object, whose `selected` counts this context already, in place of the one that it gives.
     std::shared_ptr<Object> Hold(std::shared_ptr<Object> object) noexcept;
 
-    const HWND m_window = nullptr;
     const std::optional<PixelRegion> m_limit;
     std::optional<PixelRegion> m_region;
     std::shared_ptr<Bitmap> m_own;           // null where the pixels are shared

@@ -2,15 +2,28 @@
 
 #include "include/KXExport.h"
 
-#include "platform/gdi/Canvas.h"
+#include "platform/gdi/DeviceContext.h"
 
 #include <memory>
+#include <optional>
+#include <utility>
 
 // The pixels of the desktop and of the windows: device contexts draw on them, and the desktop puts them
 // together.
 namespace kx::screen {
 
 using Backing = gdi::SharedSurface;
+
+// A device context that draws on a window's pixels, or with null for the window on the desktop's.
+class Context final : public gdi::DeviceContext
+{
+public:
+    Context(HWND hWnd, std::shared_ptr<Backing> pixels, const std::optional<gdi::PixelRegion>& limit)
+        : DeviceContext(std::move(pixels), limit), window(hWnd)
+    {
+    }
+    const HWND window;
+};
 
 // The desktop's pixels below all windows. Never destroyed.
 class Screen

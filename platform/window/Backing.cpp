@@ -1,7 +1,6 @@
 #include "platform/window/Backing.h"
 
 #include "platform/Errno.h"
-#include "platform/gdi/DeviceContext.h"
 #include "platform/screen/Screen.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/WindowTable.h"
@@ -21,10 +20,10 @@ std::shared_ptr<screen::Backing> PixelsOf(HWND hWnd)
     return window->backing;
 }
 
-// Shows on the desktop what a context of that window has drawn, if the window is visible.
-void Present(HWND hWnd, const gdi::DeviceContext& context)
+// Shows on the desktop what a context of a window has drawn, if the window is visible.
+void Present(const screen::Context& context)
 {
-    const auto window = WindowTable::Instance().Find(hWnd);
+    const auto window = WindowTable::Instance().Find(context.window);
     RECT drawn;
     context.ClipBox(drawn);
     {
@@ -44,7 +43,7 @@ HDC OpenContext(HWND hWnd, const std::optional<gdi::PixelRegion>& limit)
     if (hWnd == kDesktopHandle) hWnd = nullptr;
     auto pixels = PixelsOf(hWnd);
     if (!pixels) return nullptr;
-    return static_cast<HDC>(gdi::Add(std::make_shared<gdi::DeviceContext>(hWnd, std::move(pixels), limit)));
+    return static_cast<HDC>(gdi::Add(std::make_shared<screen::Context>(hWnd, std::move(pixels), limit)));
 }
 
 SIZE FitBacking(Window& window)
@@ -73,9 +72,10 @@ try {
 int ReleaseDC(HWND, HDC hDC)
 try {
     using namespace kx::window;
-    const auto context = kx::gdi::FindAs<kx::gdi::DeviceContext>(hDC);
-    if (!context || context->IsMemory() || !kx::gdi::Remove(hDC)) return 0;
-    Present(context->Window(), *context);
+    const auto found = kx::gdi::FindAs<kx::gdi::DeviceContext>(hDC);
+    const auto context = std::dynamic_pointer_cast<const kx::screen::Context>(found);
+    if (!context || !kx::gdi::Remove(hDC)) return 0;
+    Present(*context);
     return 1;
 } catch (...) {
     return kx::NoMemory();
