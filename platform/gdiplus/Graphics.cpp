@@ -1,9 +1,6 @@
 #include "platform/gdiplus/Graphics.h"
 
 #include "platform/gdiplus/Calls.h"
-#include "platform/gdiplus/Quad.h"
-
-#include <cstring>
 
 namespace kx::gdiplus {
 
@@ -14,48 +11,11 @@ constexpr DWORD Channel(DWORD pixel, int nShift) noexcept
     return pixel >> nShift & 0xFF;
 }
 
-// n / 255 rounded to the nearest, for n from 0 to 255 * 255.
-[[gnu::always_inline]] inline Words By255(const Words& n) noexcept
+// Of straight alpha over opaque pixels.
+void BlendRun(const DWORD* __restrict from, DWORD* __restrict to, int n) noexcept
 {
-    const Words more = n + 128;
-    return (more + (more >> 8)) >> 8;
-}
-
-// The alpha of each of two pixels in all its channels.
-[[gnu::always_inline]] inline Words AlphaOf(const Words& pixels) noexcept
-{
-    return __builtin_shufflevector(pixels, pixels, 3, 3, 3, 3, 7, 7, 7, 7);
-}
-
-// Two pixels over opaque ones.
-[[gnu::always_inline]] inline Words Over(const Words& from, const Words& to) noexcept
-{
-    const Words alpha = AlphaOf(from);
-    return By255(from * alpha + to * (255 - alpha));
-}
-
-void BlendRun(const DWORD* from, DWORD* to, int n) noexcept
-{
-    const auto blend = [](const DWORD* above, DWORD* below) {
-        Bytes in;
-        Bytes out;
-        std::memcpy(&in, above, sizeof in);
-        std::memcpy(&out, below, sizeof out);
-        out = Joined(Over(LowPixels(in), LowPixels(out)), Over(HighPixels(in), HighPixels(out)));
-        const auto masked = reinterpret_cast<Ints>(out) & static_cast<int>(gdi::COLOR_BITS);
-        std::memcpy(below, &masked, sizeof masked);
-    };
-    int x = 0;
-    for (; x + 4 <= n; x += 4)
-        blend(from + x, to + x);
-    if (x == n) return;
-    const auto nRest = static_cast<std::size_t>(n - x) * sizeof(DWORD);
-    DWORD above[4]{};
-    DWORD below[4]{};
-    std::memcpy(above, from + x, nRest);
-    std::memcpy(below, to + x, nRest);
-    blend(above, below);
-    std::memcpy(to + x, below, nRest);
+    for (int x = 0; x < n; ++x)
+        to[x] = gdi::Mixed(from[x], to[x], from[x] >> 24) & gdi::COLOR_BITS;
 }
 
 void CopyRun(const DWORD* from, DWORD* to, int n, DWORD set) noexcept
