@@ -2,7 +2,6 @@
 #include "include/platform/Host.h"
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
-#include "platform/gdi/Copies.h"
 #include "platform/gdi/DeviceContext.h"
 #include "platform/sync/Mutex.h"
 

@@ -1,4 +1,4 @@
-#include "platform/gdi/Copies.h"
+#include "platform/gdi/Canvas.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -4,7 +4,7 @@
 #include "platform/files/Path.h"
 #include "platform/files/WholeFile.h"
 #include "platform/gdi/Bitmap.h"
-#include "platform/gdi/Copies.h"
+#include "platform/gdi/Canvas.h"
 #include "platform/gdi/ImageFile.h"
 #include "platform/sync/PerThread.h"
 
