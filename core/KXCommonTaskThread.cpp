@@ -6,6 +6,7 @@
 #include "platform/Exception.h"
 
 #include <memory>
+#include <new>
 #include <utility>
 
 namespace {
@@ -79,7 +80,7 @@ void CKXCommonTaskThread::UnInitialize()
 }
 
 void CKXCommonTaskThread::AddTask(tagKXCommonTask* pTask)
-{
+try {
     if (!pTask) return;
     std::list<tagKXCommonTask*> node; // allocated before the lock is taken
     node.push_back(pTask);
@@ -87,6 +88,8 @@ void CKXCommonTaskThread::AddTask(tagKXCommonTask* pTask)
     m_listTask.splice(m_listTask.end(), node);
     StartLocked();
     if (!std::exchange(m_bWoken, true)) SetEvent(m_hWakeEvent);
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 int CKXCommonTaskThread::StartThread()
@@ -162,7 +165,8 @@ unsigned CKXCommonTaskThread::ProcessTaskThread()
         hWakeEvent = m_hWakeEvent;
         hStopEvent = m_hStopEvent;
     }
-    const auto isStopped = [&] { return WaitForSingleObject(hStopEvent, 0) == WAIT_OBJECT_0; };
+    // Without an event, for a lack of memory, nobody could stop it later.
+    const auto isStopped = [&] { return WaitForSingleObject(hStopEvent, 0) != WAIT_TIMEOUT; };
     while (WaitAwake(hWakeEvent)) {
         while (!isStopped() && RunNext(hStopEvent)) {
         }

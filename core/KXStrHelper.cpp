@@ -7,6 +7,7 @@
 #include <cstring>
 #include <iterator>
 #include <new>
+#include <utility>
 
 int CKXStrHelper::Split(const CString& strText, const CString& strDelim, std::vector<CString>& vecOut)
 try {

@@ -52,7 +52,8 @@ public:
 
     // Queues a task made with `new`, null for none, and owns it from then on: it is deleted after its run, on
     // the thread, whose start the first task is. Without Initialize the task stays queued, and no other runs
-    // until UnInitialize and Initialize have been called. Any thread, a task too.
+    // until UnInitialize and Initialize have been called. Any thread, a task too. Without memory for it the
+    // task stays the caller's: CMemoryException*.
     void AddTask(tagKXCommonTask* pTask);
 
 protected:

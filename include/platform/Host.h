@@ -111,7 +111,8 @@ KX_API bool UseMemoryDesktop(int nWidth = 1024, int nHeight = 768);
 KX_API bool UseDisplay(const char* pszDisplay = nullptr, DWORD dwLimit = ANSWER_LIMIT);
 // Whether windows appear in memory alone.
 KX_API bool IsMemoryDesktop();
-// Writes what is seen on the desktop as a PNG file under a Linux path; false if that fails.
+// Writes what is seen on the desktop as a PNG file under a Linux path, in the place of an older one as a
+// whole; false if that fails, as it does for a device.
 KX_API bool SaveDesktop(const std::string& strPath);
 
 // Posts what a person does to a window of this process, as the desktop's mouse, keys and window manager do:

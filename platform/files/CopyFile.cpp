@@ -112,6 +112,7 @@ int CopyLink(const std::string& source, const std::string& target, bool bFailIfE
         if (!CheckTarget(target, none)) return 0;
         const std::string part =
             target.substr(0, target.rfind('/') + 1) + ".kx" + std::to_string(gettid()) + ".kxnew";
+        unlink(part.c_str()); // of a copy that was killed
         if (symlink(text.c_str(), part.c_str()) == 0) {
             if (rename(part.c_str(), target.c_str()) == 0) return 1;
             unlink(part.c_str());

@@ -8,6 +8,7 @@
 #include <memory>
 #include <new>
 #include <unordered_map>
+#include <utility>
 
 namespace kx::framework {
 

@@ -5,6 +5,7 @@
 #include "platform/text/CharWalk.h"
 
 #include <new>
+#include <utility>
 
 KX_DOOR(http, kx::http::Functions);
 
@@ -30,10 +31,12 @@ int CHttpFile::QueryInfo(DWORD dwInfoLevel, unsigned long& dwNumber) const
 }
 
 UINT CHttpFile::Read(void* pBuf, UINT nCount)
-{
+try {
     if (!m_transfer)
         throw new CInternetException(ERROR_INTERNET_INCORRECT_HANDLE_STATE, 0, "The file is closed.");
     return static_cast<UINT>(m_transfer->Read(pBuf, nCount));
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 void CHttpFile::Close() noexcept

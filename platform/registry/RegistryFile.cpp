@@ -10,6 +10,7 @@
 #include "platform/sync/Mutex.h"
 #include "platform/text/CharWalk.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdlib>

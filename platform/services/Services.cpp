@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -79,9 +80,11 @@ char* PutText(const CString& text, char*& next) noexcept
 } // namespace
 
 std::shared_ptr<KXHost::ServiceManager> KXHost::MakeSystemdManager(const SystemdPlace& place)
-{
+try {
     const Functions* const functions = g_door.Open();
     return functions ? functions->makeManager(place) : nullptr;
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 void KXHost::SetServiceManager(std::shared_ptr<ServiceManager> manager)

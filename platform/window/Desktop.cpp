@@ -10,7 +10,7 @@
 
 #include <atomic>
 #include <cstdlib>
-#include <mutex>
+#include <new>
 #include <utility>
 
 KX_DOOR(x11, kx::window::Functions);
@@ -27,12 +27,14 @@ bool IsDisplayNamed() noexcept
     return pszDisplay && *pszDisplay;
 }
 
-Desktop& Choose()
-{
+Desktop& Choose() noexcept
+try {
     constexpr std::chrono::milliseconds limit(KXHost::ANSWER_LIMIT);
     auto display = IsDisplayNamed() ? Desktop::Open(nullptr, limit) : nullptr;
     if (!display) return HeadlessDesktop::Instance();
     return Desktop::Keep(std::move(display));
+} catch (const std::bad_alloc&) {
+    return HeadlessDesktop::Instance();
 }
 
 void TellNoDisplay() noexcept
@@ -76,7 +78,7 @@ Desktop& Desktop::Keep(std::unique_ptr<Desktop> desktop)
     return *The<Kept>().desktops.emplace_back(std::move(desktop));
 }
 
-Desktop& Desktop::Instance()
+Desktop& Desktop::Instance() noexcept
 {
     if (Desktop* chosen = g_desktop.load(std::memory_order_acquire)) return *chosen;
     static Immortal<sync::Mutex> choosing;

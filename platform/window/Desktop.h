@@ -39,8 +39,8 @@ enum class Order
 class Desktop
 {
 public:
-    // The process's desktop, chosen at the first use.
-    static Desktop& Instance();
+    // The process's desktop, chosen at the first use; that in memory where a display can't be had.
+    static Desktop& Instance() noexcept;
     // Chooses another from now on; false while there are windows.
     static bool Use(Desktop& desktop);
     // The desktop of a display, or with null of DISPLAY; null for a server that hasn't answered within the

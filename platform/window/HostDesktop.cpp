@@ -18,21 +18,25 @@ using kx::window::Desktop;
 using kx::window::HeadlessDesktop;
 
 bool KXHost::UseMemoryDesktop(int nWidth, int nHeight)
-{
+try {
     constexpr int nMost = 16'384;
     if (nWidth < 1 || nHeight < 1 || nWidth > nMost || nHeight > nMost) return false;
     HeadlessDesktop& desktop = HeadlessDesktop::Instance();
     if (!Desktop::Use(desktop)) return false;
     desktop.SetSize({nWidth, nHeight});
     return true;
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 bool KXHost::UseDisplay(const char* pszDisplay, DWORD dwLimit)
-{
+try {
     auto display = Desktop::Open(pszDisplay, std::chrono::milliseconds(dwLimit));
     if (!display || !Desktop::Use(*display)) return false;
     Desktop::Keep(std::move(display));
     return true;
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 bool KXHost::IsMemoryDesktop()
@@ -59,8 +63,10 @@ try {
 }
 
 int KXHost::PostInput(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
-{
+try {
     return kx::window::PostInput(hWnd, nMsg, wParam, lParam);
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 std::vector<KXHost::MessageBoxRecord> KXHost::TakeMessageBoxes()

@@ -1,6 +1,7 @@
 #include "tests/faults/Faults.h"
 
 #include "KXBitmap.h"
+#include "KXCommonTaskThread.h"
 #include "KXEnglishWord.h"
 #include "KXFileSystem.h"
 #include "KXGdiplusBitmap.h"
@@ -27,6 +28,7 @@
 #include "tests/support/TempDir.h"
 
 #include <array>
+#include <atomic>
 #include <cstdio>
 #include <fstream>
 #include <memory>
@@ -385,6 +387,29 @@ bool WordTest(const Place&)
     return strTest != strWord;
 }
 
+// Each task ends once, run or not: without memory for its place in the queue it stays its maker's.
+std::atomic<int> g_tasksEnded{0};
+struct Task : tagKXCommonTask
+{
+    ~Task() override { ++g_tasksEnded; }
+};
+bool Tasks(const Place&)
+{
+    g_tasksEnded = 0;
+    {
+        CKXCommonTaskThread thread;
+        thread.Initialize();
+        for (int n = 0; n < 3; ++n) {
+            std::unique_ptr<Task> task(new (std::nothrow) Task);
+            if (!task) return false;
+            thread.AddTask(task.get());
+            static_cast<void>(task.release());
+        }
+        thread.UnInitialize();
+    }
+    return g_tasksEnded == 3;
+}
+
 // A host's manager without allocations of its own but for the texts it is given.
 void PrepareService(const Place& place)
 {
@@ -436,6 +461,7 @@ const std::vector<Work>& Works()
         {"transparent", PrepareWindow, Transparent, nullptr, false},
         {"download", nullptr, Download, nullptr, true},
         {"wordtest", nullptr, WordTest, nullptr, false},
+        {"tasks", nullptr, Tasks, nullptr, false},
         {"service", PrepareService, Service, nullptr, false},
     };
     return works;

@@ -4,6 +4,7 @@
 #include "platform/gdiplus/codecs/Codecs.h"
 #include <algorithm>
 #include <array>
+#include <cstdarg>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <new>
+#include <utility>
 
 namespace {
 
@@ -61,8 +63,10 @@ void kx::http::curl::Throw(CURLMcode code, unsigned long dwContext)
 }
 
 void kx::http::curl::Throw(DWORD dwError, unsigned long dwContext, const char* pszText)
-{
+try {
     throw new CInternetException(dwError, dwContext, pszText);
+} catch (const std::bad_alloc&) {
+    AfxThrowMemoryException();
 }
 
 namespace kx::http::curl {

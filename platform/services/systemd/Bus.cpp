@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <unistd.h>
+#include <utility>
 
 namespace kx::services::systemd {
 

@@ -15,6 +15,7 @@
 #include <future>
 #include <initializer_list>
 #include <memory>
+#include <new>
 #include <optional>
 #include <pthread.h>
 #include <string>
@@ -54,10 +55,14 @@ private:
 void Serve(const std::shared_ptr<Session>& session)
 {
     const sync::AlternateStack alternate;
-    Events(session).Run();
-    if (session->leaving) return;
-    for (const HWND hWnd : Access(session)->own.Handles())
-        PostChore(hWnd, Chore::Destroy);
+    try {
+        Events(session).Run();
+        if (session->leaving) return;
+        for (const HWND hWnd : Access(session)->own.Handles())
+            PostChore(hWnd, Chore::Destroy);
+    } catch (const std::bad_alloc&) {
+        // Windows that can't be told live on unseen.
+    }
 }
 
 // The thread that serves the session's events. It ends with the connection; unless that was wanted, all

@@ -2,6 +2,7 @@
 
 #include "platform/xml/libxml/NodeObject.h"
 
+#include <array>
 #include <vector>
 
 namespace kx::xml::libxml {
@@ -42,17 +43,35 @@ private:
     std::vector<Ref<NodeObject>> m_nodes;
 };
 
+// A name of few letters, by which most children are read; empty for any other pattern.
+std::string_view FewLetters(BSTR bstrPattern, std::array<char, 40>& room) noexcept
+{
+    const UINT nUnits = SysStringLen(bstrPattern);
+    if (nUnits > room.size()) return {};
+    for (UINT n = 0; n < nUnits; ++n) {
+        const WCHAR small = bstrPattern[n] | 0x20;
+        if (small < 'a' || small > 'z') return {};
+        room[n] = static_cast<char>(bstrPattern[n]);
+    }
+    return {room.data(), nUnits};
+}
+
 // Finds the first, or all where nobody takes that. Children are found by their plain name, which one with a
 // prefix that nothing declares is too, without XPath, whose answer would be the same: so records are read.
 HRESULT Select(Place place, BSTR bstrPattern, xmlNode** pFirst, std::vector<xmlNode*>& found)
 {
     if (!place.node) return E_FAIL;
-    const std::string name = ToUtf8(bstrPattern);
-    const bool bName = IsName(name);
-    if (!bName || name.find(':') != name.npos) {
-        const HRESULT hr = EvaluateXPath(*place.tree, place.node, name, found);
-        if (pFirst && hr == S_OK) *pFirst = found.front();
-        if (hr != E_INVALIDARG || !bName) return hr;
+    std::array<char, 40> room;
+    std::string_view name = FewLetters(bstrPattern, room);
+    std::string pattern;
+    if (name.empty()) {
+        name = pattern = ToUtf8(bstrPattern);
+        const bool bName = IsName(pattern);
+        if (!bName || pattern.find(':') != pattern.npos) {
+            const HRESULT hr = EvaluateXPath(*place.tree, place.node, pattern, found);
+            if (pFirst && hr == S_OK) *pFirst = found.front();
+            if (hr != E_INVALIDARG || !bName) return hr;
+        }
     }
     if (pFirst) {
         *pFirst = place.tree->Children().Find(place.node, name);

@@ -49,7 +49,9 @@ TEST(Window, LivesThroughItsMessages)
             shows.push_back(wParam);
         else
             EXPECT_EQ(wParam, 0u) << nMsg;
-        if (nMsg == DESTROY || nMsg == NCDESTROY) EXPECT_FALSE(DestroyWindow(hWnd)); // not twice
+        if (nMsg == DESTROY || nMsg == NCDESTROY) {
+            EXPECT_FALSE(DestroyWindow(hWnd)); // not twice
+        }
         return DefWindowProcA(hWnd, nMsg, wParam, lParam);
     };
     const HWND hWnd = Make(&handler, WS_POPUP | WS_VISIBLE, "name");
