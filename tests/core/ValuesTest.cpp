@@ -6,6 +6,7 @@
 #include "tests/support/Host.h"
 #include "tests/support/TempDir.h"
 
+#include <array>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -141,29 +142,25 @@ TEST(KXNum, ApartNumsAppends)
 
 TEST(KXNum, CalcFactorialMultipliesTheRange)
 {
-    const struct
-    {
-        int high, low, product;
-    } cases[] = {
-        {5, 1, 120},
-        {5, 3, 60},
-        {4, 4, 4},
-        {3, 4, 1},
-        {3, -3, 0},
-        {-1, -3, -6},
-        {-2, -3, 6},
-        {INT_MIN, INT_MAX, 1},
-        {13, 1, 1932053504},
-        {33, 1, INT_MIN},
-        {34, 1, 0},
-        {INT_MAX, INT_MAX, INT_MAX},
-        {INT_MIN, INT_MIN, INT_MIN},
-        {INT_MAX, INT_MAX - 1, -2147483646},
-        {INT_MAX, 1, 0},
-        {INT_MAX, INT_MIN, 0}, // at once: a range of four billion
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(CKXNum::CalcFactorial(c.high, c.low), c.product) << c.low << " to " << c.high;
+    // The highest factor, the lowest and the product. A range of four billion ends at once.
+    const std::array<int, 3> cases[] = {{5, 1, 120},
+                                        {5, 3, 60},
+                                        {4, 4, 4},
+                                        {3, 4, 1},
+                                        {3, -3, 0},
+                                        {-1, -3, -6},
+                                        {-2, -3, 6},
+                                        {INT_MIN, INT_MAX, 1},
+                                        {13, 1, 1932053504},
+                                        {33, 1, INT_MIN},
+                                        {34, 1, 0},
+                                        {INT_MAX, INT_MAX, INT_MAX},
+                                        {INT_MIN, INT_MIN, INT_MIN},
+                                        {INT_MAX, INT_MAX - 1, -2147483646},
+                                        {INT_MAX, 1, 0},
+                                        {INT_MAX, INT_MIN, 0}};
+    for (const auto& [nHigh, nLow, nProduct] : cases)
+        EXPECT_EQ(CKXNum::CalcFactorial(nHigh, nLow), nProduct) << nLow << " to " << nHigh;
 }
 
 TEST(KXNum, IntersectRectCountsTouching)

@@ -139,15 +139,9 @@ TEST_F(KXIniDataMgr, OnlyTheWordTrueIsTrue)
         EXPECT_EQ(Mgr::GetBOOL(m_file, "S", "k", 7), bTrue ? 1 : 0);
         return bTrue;
     };
-    ExpectReads<bool>(isTrue, {{"TRUE", true},
-                               {"True", true},
-                               {"tRuE", true},
-                               {"1", false},
-                               {"yes", false},
-                               {"FALSE", false},
-                               {"true!", false},
-                               {"tru", false},
-                               {"T\x12UE", false}});
+    ExpectReads<bool>(isTrue, {{"TRUE", true}, {"True", true}, {"tRuE", true}});
+    ExpectReads<bool>(isTrue, {{"1", false}, {"yes", false}, {"FALSE", false}, {"true!", false}});
+    ExpectReads<bool>(isTrue, {{"tru", false}, {"T\x12UE", false}});
     EXPECT_EQ(After(Mgr::WriteBoolean(m_file, "S", "k", true)), "TRUE");
     EXPECT_EQ(After(Mgr::WriteBoolean(m_file, "S", "k", false)), "FALSE");
     EXPECT_EQ(After(Mgr::WriteBOOL(m_file, "S", "k", 256)), "TRUE");

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -119,19 +120,10 @@ TEST_F(KXXmlTypedChild, ReadsTheFirstOfANameInAnyOrder)
     for (const auto& [pszName, pszText] :
          {std::pair("a", "1"), {"b", "2"}, {"a", "3"}, {"c", "4"}, {"b", "5"}, {"a", "6"}})
         m_root.AppendChild(m_doc.CreateElement(pszName, pszText));
-    for (const auto& [pszName, nValue] : {std::pair("a", 1),
-                                          {"b", 2},
-                                          {"a", 1},
-                                          {"c", 4},
-                                          {"b", 2},
-                                          {"a", 1},
-                                          {"a", 1},
-                                          {"c", 4},
-                                          {"c", 4},
-                                          {"b", 2}}) {
+    for (const char ch : std::string_view("abacbaaccb")) {
         int n = 0;
-        EXPECT_EQ(m_root.GetChild(pszName, n, true, 0), 1);
-        EXPECT_EQ(n, nValue) << pszName;
+        EXPECT_EQ(m_root.GetChild(std::string(1, ch).c_str(), n, true, 0), 1);
+        EXPECT_EQ(n, ch == 'a' ? 1 : ch == 'b' ? 2 : 4) << ch;
     }
 }
 

@@ -2,6 +2,7 @@
 #include "tests/support/Await.h"
 #include "tests/support/Picture.h"
 #include <climits>
+#include <utility>
 using test::ColorOf;
 using test::NoLeak;
 using test::Paper;
@@ -91,15 +92,10 @@ TEST(Surface, BitmapsHaveASizeWithinBounds)
     const NoLeak noLeak;
     const Paper paper(1, 1);
     const int limit = static_cast<int>(MAX_BITMAP_PIXELS);
-    for (const auto& [cx, cy] : {std::pair{0, 1},
-                                 {1, 0},
-                                 {-1, 5},
-                                 {5, INT_MIN},
-                                 {INT_MAX, INT_MAX},
-                                 {limit + 1, 1},
-                                 {1, limit + 1},
-                                 {8193, 8192},
-                                 {INT_MAX, 2}})
+    const std::pair<int, int> wrong[] = {
+        {0, 1},         {1, 0},         {-1, 5},      {5, INT_MIN}, {INT_MAX, INT_MAX},
+        {limit + 1, 1}, {1, limit + 1}, {8193, 8192}, {INT_MAX, 2}};
+    for (const auto& [cx, cy] : wrong)
         EXPECT_EQ(CreateCompatibleBitmap(paper, cx, cy), nullptr) << cx << " by " << cy;
     const Scoped<HBITMAP> tall(CreateCompatibleBitmap(paper, 3, 100'000));
     EXPECT_NE(tall, nullptr);
