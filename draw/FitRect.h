@@ -8,7 +8,8 @@ namespace kx::draw {
 // whole pixels. With equal ratios the height is the block's.
 CSize ReduceToFit(CSize size, int nWidth, int nHeight);
 
-// Where a picture of that size lies within `rc`: in the middle, reduced where it doesn't fit, never enlarged.
+// The place of a picture of that size within `rc`: in the middle, reduced where it doesn't fit, never
+// enlarged.
 CRect FitRect(const CRect& rc, CSize size);
 
 } // namespace kx::draw

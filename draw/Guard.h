@@ -6,8 +6,8 @@
 
 namespace kx::draw {
 
-// What `work` gives, or `failure` where anything is thrown on the way: a lack of memory, a file that can't be
-// read.
+// Gives `work`'s result, or `failure` where anything is thrown on the way: a lack of memory, a file that
+// can't be read.
 template <class Work, class Result = std::invoke_result_t<Work>>
 Result Guard(Work&& work, std::type_identity_t<Result> failure = {}) noexcept
 {

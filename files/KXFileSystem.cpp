@@ -31,7 +31,7 @@ UINT ImageFlags(int bLarge)
     return bLarge ? SHGFI_SYSICONINDEX : SHGFI_SYSICONINDEX | SHGFI_SMALLICON;
 }
 
-// What the desktop shows of a path.
+// The desktop's view of a path.
 SHFILEINFOA Describe(const char* pszPath)
 {
     SHFILEINFOA info{};

@@ -39,7 +39,7 @@ bool DeleteContent(const CString& strPath)
     return true;
 }
 
-// Of a directory's path that ends in a backslash.
+// The path is a directory's and ends in a backslash.
 int DeleteTree(const CString& strPath)
 {
     return DeleteContent(strPath) ? RemoveDirectoryA(strPath) : 0;

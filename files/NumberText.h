@@ -8,15 +8,15 @@
 
 namespace kx::files {
 
-// As `atof`: the number at the text's start, 0 for none, an infinity for one too large.
+// Reads as `atof` does: the number at the text's start, 0 for none, an infinity for one too large.
 double ToDouble(std::string_view text);
 
-// As "%f".
+// Writes as "%f" does.
 CString ToFixedPoint(double dValue);
 
-// As the `sscanf` of a decimal number of that type: the number at the text's start behind white space. What
-// is out of range gives the nearest one; an unsigned one takes a minus sign and wraps. The value stays as it
-// was without a number.
+// Reads as `sscanf` reads a decimal number of that type: the number at the text's start behind white space.
+// What is out of range gives the nearest one; an unsigned one takes a minus sign and wraps. The value stays
+// as it was without a number.
 void ScanNumber(std::string_view text, int& nValue);
 void ScanNumber(std::string_view text, long& nValue);
 void ScanNumber(std::string_view text, unsigned long& nValue);

@@ -21,7 +21,7 @@ public:
     ~WideText() { SysFreeString(m_allocated); }
 
     operator BSTR() const noexcept { return m_text; }
-    // As the value of one call, which doesn't end it.
+    // The value of one call, which doesn't end it.
     VARIANT AsVariant() const noexcept;
 
 private:
@@ -39,7 +39,7 @@ private:
     } m_short; // for names, most of them
 };
 
-// What an interface gives out: freed with the scope, null before the call.
+// An object that an interface gives out: freed with the scope, null before the call.
 class WideResult
 {
 public:

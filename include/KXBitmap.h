@@ -36,7 +36,7 @@ public:
     // Lengths in pixels of a fill's fixed first and last part, along x unless `bHorz` is 0.
     void SetFillParam(int nFirst, int nLast, int bHorz);
 
-    // As SetMultiState was told last; 1 and 1 at first.
+    // The states that SetMultiState was told last; 1 and 1 at first.
     int GetMultiState() const { return m_nMultiState; }
     int IsHorzMultiState() const { return m_bHorzMultiState; }
     // The current state's rectangle in the image.

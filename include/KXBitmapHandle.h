@@ -43,7 +43,7 @@ public:
     const BITMAP& Record() const { return m_bitmap; }
 
 private:
-    // What is released once: first the bitmap leaves the surface, then both are ended.
+    // Handles that are released once: first the bitmap leaves the surface, then both are ended.
     struct Surface
     {
         Surface() = default;

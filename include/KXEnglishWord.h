@@ -14,7 +14,7 @@
 class KX_API CKXEnglishWord
 {
 public:
-    // What stands for a hidden letter in a test word, which is as long as its word.
+    // This stands for a hidden letter in a test word, which is as long as its word.
     static constexpr char MASK = '*';
 
     // Hides `nHideCount` letters of a word, at least 1 and at most all; with `bKeepFirst` never the first,

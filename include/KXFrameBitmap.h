@@ -10,7 +10,7 @@ class KX_API CKXFrameBitmap
 public:
     CKXFrameBitmap() = default;
 
-    // As CKXBitmap's. SetBitmapOptions follows each of them.
+    // The same as CKXBitmap's. SetBitmapOptions follows each of them.
     int LoadBitmapA(const CString& strPath) { return m_image.Load(strPath); }
     int LoadBitmapA(unsigned int nID) { return m_image.Load(nID); }
     void AttachBitmap(HBITMAP hBitmap) { m_image.Attach(hBitmap); }

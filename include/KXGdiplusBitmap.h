@@ -55,7 +55,7 @@ public:
     int Render(Gdiplus::Graphics* pGraphics, int nLeft, int nTop, int nRight, int nBottom) const;
     int Render(CDC* pDC, const CRect& rc) const;
 
-    // Where the picture lies within `rc`: in the middle, reduced in its shape to fit, never enlarged.
+    // The place of the picture within `rc`: in the middle, reduced in its shape to fit, never enlarged.
     CRect GetFitRenderRect(const CRect& rc) const;
     // Draws there, with an outline in the device's pen. NULL_BRUSH stays selected. Results as of Render.
     int FitRender(CDC* pDC, const CRect& rc) const;

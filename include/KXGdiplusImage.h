@@ -82,7 +82,7 @@ public:
     // with the picture kept, where a side would have no pixel or memory lacks.
     int ToThumbnailImage(int nMaxWidth, int nMaxHeight);
 
-    // As CKXGdiplusBitmap::GetEncoderClsid.
+    // Does the same as CKXGdiplusBitmap::GetEncoderClsid.
     static int GetEncoderClsid(const unsigned short* pszMimeType, GUID* pClsid);
 
 private:

@@ -50,7 +50,7 @@ protected:
     void PlayNextFrame();
     // Lets go of the picture.
     void Release();
-    // Where the active frame lies within `rc`: in the middle, reduced in its shape to fit, never enlarged;
+    // The place of the active frame within `rc`: in the middle, reduced in its shape to fit, never enlarged;
     // `rc` itself without a picture.
     void GetFixRenderRect(const CRect& rc, CRect& rcResult);
     // Draws it there.
@@ -64,7 +64,7 @@ protected:
         Paused = 2,
     };
 
-    // What Play and Stop have set.
+    // The state that Play and Stop have set.
     int m_nPlayState = Stopped;
     std::shared_ptr<Gdiplus::Image> m_pImage;
     DWORD m_nFrameDelay = 100; // of the active frame, in milliseconds

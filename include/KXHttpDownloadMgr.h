@@ -21,7 +21,7 @@ using KXDownloadCallback = int (*)(unsigned int uCode, unsigned int uTaskId, CSt
                                    CString const& strLocalFile, unsigned long dwTotalSize,
                                    unsigned long dwReceived, unsigned int uUserParam);
 
-// What a callback gets as its code, and a window as its message, with the task's id in WPARAM and in LPARAM
+// A callback gets this as its code, and a window as its message, with the task's id in WPARAM and in LPARAM
 // what is told here.
 inline constexpr unsigned int WM_KXDOWNLOADOPENED = 2029; // the URL is open; the announced size, 0 for none
 inline constexpr unsigned int WM_KXDOWNLOADBLOCK = 2030;  // a block has arrived; the bytes received so far
@@ -56,7 +56,7 @@ public:
         Task(CString const& strUrl, CString const& strLocalFile, HWND hNotifyWnd,
              KXDownloadCallback pfnCallback, unsigned int uUserParam);
 
-        // What AddTask was given, and the id that it gave.
+        // AddTask's arguments, and the id that it gave.
         unsigned int uTaskId;
         CString strUrl;
         CString strLocalFile; // empty: what arrives is dropped

@@ -2,7 +2,7 @@
 
 #include "KXBitmap.h"
 
-// What buttons, tabs and list headers are drawn with in the current skin. Clients read the members; which
+// The current skin's pictures and colours for buttons, tabs and list headers. Clients read the members; which
 // state of a bitmap stands for what is theirs to say. Everything is 0 or empty until the first load. A copy
 // shares the images of that moment with its source. One thread at a time.
 class KX_API CKXSkinBtnRes
@@ -36,7 +36,7 @@ public:
     CKXBitmap m_bmpMainTabBtn;     // MainTabButton.bmp
     CKXBitmap m_bmpListViewHeader; // ListViewHeader.bmp; ListViewHeaderLeft, ListViewHeaderRight
 
-    // As the file has them.
+    // The values are those of the file.
     CString m_strMainTabBtnMask;          // MainTabBtn_Mask
     int m_nMainTabBtnIntersectHeight = 0; // MainTabBtnIntersect_Height
 

@@ -4,9 +4,9 @@
 
 #include <memory>
 
-// What the list of contacts is drawn with in the current skin. Clients read the members. Everything is 0 or
-// empty until the first load. A copy shares the images and icons of that moment with its source, and what is
-// shared ends with the last of them. One thread at a time.
+// The current skin's pictures and colours for the list of contacts. Clients read the members. Everything is 0
+// or empty until the first load. A copy shares the images and icons of that moment with its source, and what
+// is shared ends with the last of them. One thread at a time.
 class KX_API CKXSkinIMListRes
 {
 public:

@@ -3,9 +3,9 @@
 #include "KXBitmap.h"
 #include "KXGdiplusImage.h"
 
-// What sliders, the outlook bar, menus and file transfers are drawn with in the current skin. Clients read
-// the members. Everything is 0 or empty until the first load. A copy shares the images of that moment with
-// its source. One thread at a time.
+// The current skin's pictures and colours for sliders, the outlook bar, menus and file transfers. Clients
+// read the members. Everything is 0 or empty until the first load. A copy shares the images of that moment
+// with its source. One thread at a time.
 class KX_API CKXSkinOtherRes
 {
 public:

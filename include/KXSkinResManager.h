@@ -47,8 +47,8 @@ public:
     // announced again.
     int SetSkin(const CString& strSkinName, int bNotify);
 
-    // What is called with GetCurrentSkinPath() at a notified change, once all is loaded and before any window
-    // hears of it; its result isn't read. Null, as at first, for none.
+    // A procedure that is called with GetCurrentSkinPath() at a notified change, once all is loaded and
+    // before any window hears of it; its result isn't read. Null, as at first, for none.
     void SetCallbackFunc(int (*pfn)(const CString&)) { m_pfnSkinChanged = pfn; }
 
     // The current skin's position, name and directory, which ends in a backslash; -1 and empty until one is
@@ -61,7 +61,7 @@ public:
     CString GetSkinName(int nIndex);
     int GetSkinsTotal() const { return static_cast<int>(m_vecSkins.size()); }
 
-    // What the current skin is drawn with. Valid as long as the library: a change loads the same objects
+    // The current skin's pictures and colours. Valid as long as the library: a change loads the same objects
     // anew.
     CKXSkinWndRes* GetWndRes() { return &m_WndRes; }
     CKXSkinBtnRes* GetBtnRes() { return &m_BtnRes; }

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-// What a top-level window is drawn with in the current skin: frame, caption buttons, corners, colours and
+// The current skin's looks of a top-level window: frame, caption buttons, corners, colours and
 // background. Clients read the members; which state of a bitmap and which corner stands for what is theirs to
 // say. Everything is 0 or empty until the first load. Not copyable. One thread at a time.
 class KX_API CKXSkinWndRes
@@ -27,7 +27,7 @@ public:
     // its text begins with, 0 without one; a piece without a comma, or with nothing before it, is no point.
     void ParsePathPoint(CString& strPath, std::vector<CPoint>& vecPoints);
 
-    // Of "RoundCorner".
+    // Values of "RoundCorner".
     std::vector<CPoint> m_vecCornerPath1; // CornerPath1
     std::vector<CPoint> m_vecCornerPath2; // CornerPath2
     std::vector<CPoint> m_vecCornerPath3; // CornerPath3
@@ -35,7 +35,7 @@ public:
     CString m_strCornerMask[4];           // CornerMask1 to CornerMask4, as the file has them
     int m_nDrawType = 0;                  // "Border", DrawType, as the file has it
 
-    // Where title text, system menu and caption buttons lie, in pixels. Of "SysButton".
+    // Places of title text, system menu and caption buttons, in pixels, from "SysButton".
     int m_bAutoAlign = 0;        // AutoAlign
     int m_nMinBtnOffset = 0;     // MinButton_Offset
     int m_nMaxBtnOffset = 0;     // MaxButton_Offset
@@ -65,7 +65,7 @@ public:
     int m_nOldTitleHeight = 0;
     int m_nOldBottomHeight = 0;
 
-    // Of "COLOR".
+    // Values of "COLOR".
     COLORREF m_clrBack = 0;     // BackColor
     COLORREF m_clrText = 0;     // TextColor
     COLORREF m_clrTitle = 0;    // TitleColor

@@ -191,7 +191,7 @@ std::unique_ptr<CKXHttpDownloadMgr::Task> CKXHttpDownloadMgr::WaitForTask()
     return nullptr;
 }
 
-// What a callback throws is anybody's.
+// A callback may throw anything.
 CKXHttpDownloadMgr::Course CKXHttpDownloadMgr::Run(Task& task, CFile& file) noexcept
 {
     Course course = Course::Failed;

@@ -66,7 +66,7 @@ public:
         m_nLeast = n;
         m_pszBest = pszWord;
     }
-    // As the end of a sentence; empty without one.
+    // It is the end of a sentence; empty without one.
     CString Hint() const { return m_pszBest ? CString("; did you mean \"") + m_pszBest + "\"?" : CString(); }
 
 private:

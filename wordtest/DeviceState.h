@@ -2,7 +2,7 @@
 
 #include "platform/Dc.h"
 
-// What a call changes of the caller's device, put back as each goes out of scope.
+// The parts of the caller's device that a call changes, put back as each goes out of scope.
 namespace kx::wordtest {
 
 // Null selects nothing.

@@ -7,7 +7,7 @@ namespace kx::wordtest {
 
 inline constexpr UINT DRAW_FORMAT = DT_SINGLELINE | DT_VCENTER;
 
-// Where the letters of a word lie in a row: each starts where the one before ended, wherever the row's right
+// The places of a word's letters in a row: each starts where the one before ended, wherever the row's right
 // side is.
 class LetterRow
 {

@@ -11,7 +11,7 @@
 // An object may be made anywhere.
 inline constexpr DWORD CLSCTX_ALL = 23;
 
-// What CoCreateInstance fails with.
+// Failures of CoCreateInstance.
 inline constexpr HRESULT CO_E_NOTINITIALIZED = static_cast<HRESULT>(0x800401F0);
 inline constexpr HRESULT REGDB_E_CLASSNOTREG = static_cast<HRESULT>(0x80040154);
 inline constexpr HRESULT CLASS_E_NOAGGREGATION = static_cast<HRESULT>(0x80040110);

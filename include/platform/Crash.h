@@ -83,7 +83,7 @@ struct STARTUPINFOA
 // The same.
 using STARTUPINFO = STARTUPINFOA;
 
-// What CreateProcessA tells of the process.
+// CreateProcessA tells this of the process.
 struct PROCESS_INFORMATION
 {
     // The process: the caller closes the handle.
@@ -108,7 +108,7 @@ KX_API int CreateProcessA(const char* pszProgram, char* pszArguments, void* pPro
                           const char* pszDirectory, STARTUPINFOA* pStartup,
                           PROCESS_INFORMATION* pInformation) noexcept;
 
-// What GetExitCodeProcess gives while the process runs.
+// GetExitCodeProcess gives this while the process runs.
 inline constexpr DWORD STILL_ACTIVE = 259;
 
 // The code with which a process ended, 128 plus the signal that ended it, or STILL_ACTIVE; 0 where the

@@ -37,7 +37,7 @@ public:
     CFont* SelectObject(CFont* pObject);
     // A region is copied into the clip and displaces nothing: null.
     CGdiObject* SelectObject(CGdiObject* pObject);
-    // What SelectClipRgn gives for the region; RGN_ERROR, with nothing changed, without one.
+    // Gives SelectClipRgn's result for the region; RGN_ERROR, with nothing changed, without one.
     int SelectObject(CRgn* pRgn);
     CGdiObject* SelectStockObject(int nIndex);
 

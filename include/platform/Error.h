@@ -7,7 +7,7 @@
 KX_API DWORD GetLastError() noexcept;
 KX_API void SetLastError(DWORD dwError) noexcept;
 
-// What GetLastError gives, in the platform's numbers.
+// Results of GetLastError, in the platform's numbers.
 inline constexpr DWORD ERROR_SUCCESS = 0;
 inline constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
 inline constexpr DWORD ERROR_PATH_NOT_FOUND = 3;

@@ -20,7 +20,7 @@ inline constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
 inline constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;        // never given
 inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;         // none of the others
 inline constexpr DWORD FILE_ATTRIBUTE_REPARSE_POINT = 0x400; // a symbolic link; DIRECTORY tells of its target
-// What GetFileAttributesA gives where there is nothing.
+// GetFileAttributesA gives this where there is nothing.
 inline constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
 
 // A directory entry. Times are in steps of 100 ns since 1601-01-01 UTC. Only regular files have a size; a
@@ -75,7 +75,7 @@ KX_API DWORD GetCurrentDirectoryA(DWORD nSize, char* pszBuffer);
 KX_API UINT GetSystemDirectoryA(char* pszBuffer, UINT nSize);  // C:\usr\lib
 KX_API UINT GetWindowsDirectoryA(char* pszBuffer, UINT nSize); // C:\usr
 
-// What GetDriveTypeA gives.
+// Results of GetDriveTypeA.
 inline constexpr UINT DRIVE_UNKNOWN = 0;
 inline constexpr UINT DRIVE_NO_ROOT_DIR = 1;
 inline constexpr UINT DRIVE_REMOVABLE = 2;

@@ -24,7 +24,7 @@ using HPEN = struct HPEN__*;
 using HBRUSH = struct HBRUSH__*;
 using HFONT = struct HFONT__*;
 
-// What GetPixel gives outside of a surface.
+// GetPixel gives this outside of a surface.
 inline constexpr COLORREF CLR_INVALID = 0xFFFFFFFF;
 
 // The red part of a colour.
@@ -163,7 +163,7 @@ inline constexpr std::int64_t MAX_BITMAP_PIXELS = std::int64_t{1} << 26;
 // A black bitmap of 32 bits. Null for a bad surface, a size of 0 or below, or too many pixels.
 KX_API HBITMAP CreateCompatibleBitmap(HDC hDC, int cx, int cy);
 
-// What LoadImageA loads, and from where.
+// Kinds of image for LoadImageA, and the source of it.
 inline constexpr UINT IMAGE_BITMAP = 0;
 inline constexpr UINT IMAGE_ICON = 1;
 inline constexpr UINT LR_LOADFROMFILE = 0x10;

@@ -26,7 +26,7 @@ public:
     // Ends the object; 0 if there is none or it can't be ended.
     int DeleteObject();
     HGDIOBJ GetSafeHandle() const { return m_hObject; }
-    // As GetObjectA.
+    // Does the same as GetObjectA.
     int GetObject(int nSize, void* pBuffer) const { return GetObjectA(m_hObject, nSize, pBuffer); }
     static CGdiObject* FromHandle(HGDIOBJ hObject);
 

@@ -33,7 +33,7 @@ private:
     ARGB m_argb = 0xFF000000;
 };
 
-// What ends an object of the flat calls.
+// Ends an object of the flat calls.
 struct End
 {
     // Ends the object; null is allowed.
@@ -179,7 +179,7 @@ private:
 class KX_API PathGradientBrush : public Brush
 {
 public:
-    // Of a path, which is copied.
+    // Made of a path, which is copied.
     explicit PathGradientBrush(const GraphicsPath* pPath);
     Status SetCenterColor(const Color& color);
     Status SetCenterPoint(const Point& point);
@@ -200,11 +200,11 @@ private:
     mutable Status m_lastResult = Ok;
 };
 
-// What outlines are drawn with.
+// A tool that outlines are drawn with.
 class KX_API Pen
 {
 public:
-    // Of a colour, so many pixels wide.
+    // Made of a colour, so many pixels wide.
     explicit Pen(const Color& color, REAL nWidth = 1.0F);
     Status GetLastStatus() const;
     GpPen* Native() const { return m_pPen.get(); }

@@ -16,7 +16,7 @@
 
 namespace Gdiplus {
 
-// What the calls name; all of them are made and ended by calls alone.
+// Objects that the calls name; all of them are made and ended by calls alone.
 class GpImage;
 class GpBitmap; // is a GpImage
 class GpGraphics;
@@ -69,7 +69,7 @@ KX_API GpStatus GdipDisposeImage(GpImage* pImage);
 // In pixels.
 KX_API GpStatus GdipGetImageWidth(GpImage* pImage, UINT* pnWidth);
 KX_API GpStatus GdipGetImageHeight(GpImage* pImage, UINT* pnHeight);
-// What the picture was before it was read into 32 bits.
+// Gives the format that the picture had before it was read into 32 bits.
 KX_API GpStatus GdipGetImagePixelFormat(GpImage* pImage, PixelFormat* pFormat);
 KX_API GpStatus GdipBitmapGetPixel(GpBitmap* pBitmap, INT x, INT y, ARGB* pColor);
 KX_API GpStatus GdipBitmapSetPixel(GpBitmap* pBitmap, INT x, INT y, ARGB color);

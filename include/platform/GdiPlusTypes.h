@@ -57,7 +57,7 @@ enum Unit
 // The same.
 using GpUnit = Unit;
 
-// What lies behind the end of a gradient.
+// The colours behind the end of a gradient.
 enum WrapMode
 {
     // It begins anew.
@@ -66,7 +66,7 @@ enum WrapMode
 // The same.
 using GpWrapMode = WrapMode;
 
-// What lies inside of a path that crosses itself.
+// The rule for the inside of a path that crosses itself.
 enum FillMode
 {
     // Every other part, or all.
@@ -105,7 +105,7 @@ enum ColorAdjustType
     ColorAdjustTypeDefault = 0
 };
 
-// What a matrix changes.
+// The parts of a drawing that a matrix changes.
 enum ColorMatrixFlags
 {
     // All colours.
@@ -161,7 +161,7 @@ inline constexpr WORD PropertyTagTypeLong = 4;
 // A property of a picture.
 struct PropertyItem
 {
-    // Which it is, and how many bytes its value has.
+    // The property's number, and how many bytes its value has.
     PROPID id;
     DWORD length; // of the value, in bytes
     // Its type, and the value, behind this record.
@@ -182,7 +182,7 @@ using CLSID = GUID;
 // The texts end in a NUL and live as long as the library.
 struct ImageCodecInfo
 {
-    // What Save takes.
+    // The parameters that Save takes.
     CLSID Clsid;
     GUID FormatID;
     const WCHAR* CodecName;
@@ -194,11 +194,11 @@ struct ImageCodecInfo
 // Taken and ignored: the encoders have no choices.
 struct EncoderParameters;
 
-// What a long drawing may ask whether to stop.
+// A long drawing may ask this whether to stop.
 using GetThumbnailImageAbort = int (*)(void*);
 using DrawImageAbort = GetThumbnailImageAbort;
 
-// What GdiplusStartup is told: version 1.
+// GdiplusStartup is told this: version 1.
 struct GdiplusStartupInput
 {
     // 1; the rest doesn't count.

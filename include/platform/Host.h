@@ -76,8 +76,8 @@ struct Drive
 KX_API bool MountDrive(char cLetter, const Drive& drive);
 // Back to what the system has under that letter; `C:` becomes `/` again.
 KX_API void UnmountDrive(char cLetter);
-// Where the system's mounts and devices are read for removable media: the directory that holds `proc`, `sys`
-// and `dev`. Empty: the system's root.
+// Sets the place where the system's mounts and devices are read for removable media: the directory that holds
+// `proc`, `sys` and `dev`. Empty: the system's root.
 KX_API void SetSystemRoot(const std::string& strDir);
 // The Linux path that a path of this library names, or the empty string if it names none. The last
 // components need not exist.
@@ -100,7 +100,7 @@ KX_API void SetRegistryFile(const std::string& strPath);
 // each thread that asks it something. Windows on one that then hasn't answered end as with one that is gone.
 inline constexpr DWORD ANSWER_LIMIT = 5'000;
 
-// Where windows appear: on the X server that DISPLAY names if it answers in time, else on a desktop in
+// Windows appear on the X server that DISPLAY names if it answers in time, else on a desktop in
 // memory. These choose another; false, with nothing changed, while there are windows. The size is at most
 // 16,384 each way.
 KX_API bool UseMemoryDesktop(int nWidth = 1024, int nHeight = 768);
@@ -144,7 +144,7 @@ struct SentMessage
 // recorded (the newest 1,000); a sent message gives 0. Its thread's number is the process's. Null for a
 // process of 0.
 KX_API HWND AddForeignWindow(DWORD dwProcessId, bool bVisible);
-// What it received since the last call, oldest first; nothing for another handle.
+// Gives what it received since the last call, oldest first; nothing for another handle.
 KX_API std::vector<SentMessage> TakeForeignMessages(HWND hWnd);
 KX_API void RemoveForeignWindow(HWND hWnd);
 
@@ -160,7 +160,7 @@ enum class CopyKind
 // A block copy as it was called.
 struct CopyRecord
 {
-    // Which call it was, and its arguments under their names.
+    // The call, and its arguments under their names.
     CopyKind kind = CopyKind::BitBlt;
     HDC hDst = nullptr;
     int x = 0;

@@ -110,7 +110,7 @@ KX_API HWND SetCapture(HWND hWnd);
 KX_API int ReleaseCapture();
 KX_API HWND GetCapture() noexcept;
 
-// What TrackMouseEvent is asked for: WM_MOUSELEAVE, or no longer.
+// Requests to TrackMouseEvent: WM_MOUSELEAVE, or no longer.
 inline constexpr DWORD TME_LEAVE = 0x00000002;
 inline constexpr DWORD TME_CANCEL = 0x80000000;
 struct TRACKMOUSEEVENT

@@ -47,7 +47,7 @@ inline constexpr DWORD ERROR_HTTP_INVALID_SERVER_RESPONSE = 12152;
 inline constexpr DWORD ERROR_HTTP_REDIRECT_FAILED = 12156;
 inline constexpr DWORD ERROR_INTERNET_SECURITY_CHANNEL_ERROR = 12157;
 
-// What went wrong with a session, a URL or a file: one of the numbers above, the context that OpenURL was
+// A failure of a session, a URL or a file: one of the numbers above, the context that OpenURL was
 // given (the session's for a failure of its own), and a text for people.
 class KX_API CInternetException : public CException
 {
@@ -60,7 +60,7 @@ public:
 
     int GetErrorMessage(char* pszError, UINT nMax, UINT* pHelpId = nullptr) const override;
 
-    // What it was made with.
+    // The arguments that it was made with.
     DWORD m_dwError;
     unsigned long m_dwContext;
     CString m_strText;

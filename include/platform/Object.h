@@ -21,7 +21,7 @@ struct KX_API CRuntimeClass
     bool IsDerivedFrom(const CRuntimeClass* pBase) const;
 };
 
-// What the framework's classes are derived from.
+// The base of the framework's classes.
 class KX_API CObject
 {
 public:

@@ -26,7 +26,7 @@ public:
     COleDateTime() = default;
     // A count out of range, or no number, is kept and makes the status invalid.
     explicit COleDateTime(double dDays);
-    // As SetDateTime.
+    // Does the same as SetDateTime.
     COleDateTime(int nYear, int nMonth, int nDay, int nHour, int nMin, int nSec);
     // Local time of an instant; invalid when it can't be converted.
     static COleDateTime FromTime(std::int64_t nTime);

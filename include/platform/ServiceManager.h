@@ -1,6 +1,6 @@
 #pragma once
 
-// What stands behind the service calls (Services.h).
+// The manager behind the service calls (Services.h).
 
 #include "../KXExport.h"
 #include "Services.h"
@@ -12,7 +12,7 @@
 
 namespace KXHost {
 
-// What a service is made of.
+// The parts of which a service is made.
 struct ServiceSettings
 {
     CString strDisplayName; // never empty
@@ -61,14 +61,14 @@ public:
     virtual DWORD ListDependents(const CString& strName, std::vector<DependentService>& dependents) = 0;
 };
 
-// Which systemd a manager speaks to, and where its units are kept.
+// The systemd that a manager speaks to, and the place of its units.
 struct SystemdPlace
 {
     std::string strBusAddress; // D-Bus address; empty: for root the system bus, else the user's
-    // Where units are written, a directory on systemd's path; empty: for root /usr/local/lib/systemd/system,
-    // else systemd/user in the user's data directory ($XDG_DATA_HOME). Those are for what is installed; what
-    // enables and masks a unit lies in the configuration's, which systemd itself writes, and takes
-    // precedence.
+    // The place where units are written, a directory on systemd's path; empty: for root
+    // /usr/local/lib/systemd/system, else systemd/user in the user's data directory ($XDG_DATA_HOME). Those
+    // are for what is installed; what enables and masks a unit lies in the configuration's, which systemd
+    // itself writes, and takes precedence.
     std::string strUnitDir;
     DWORD dwTimeout =
         25'000; // milliseconds, at least 1, that a call of Services.h waits for all its answers;

@@ -54,7 +54,7 @@ inline constexpr DWORD SERVICE_START = 0x10;
 inline constexpr DWORD SERVICE_STOP = 0x20;
 inline constexpr DWORD SERVICE_ALL_ACCESS = 0xF01FF;
 
-// What a service is, and what keeps a setting as it is.
+// The kind of a service, and the number that keeps a setting as it is.
 inline constexpr DWORD SERVICE_NO_CHANGE = 0xFFFFFFFF;
 inline constexpr DWORD SERVICE_WIN32_OWN_PROCESS = 0x10;
 inline constexpr DWORD SERVICE_ERROR_NORMAL = 1;
@@ -70,12 +70,12 @@ inline constexpr DWORD SERVICE_START_PENDING = 2;
 inline constexpr DWORD SERVICE_STOP_PENDING = 3;
 inline constexpr DWORD SERVICE_RUNNING = 4;
 
-// What a service takes, can be told, and has.
+// Rights, controls and states of a service.
 inline constexpr DWORD SERVICE_ACCEPT_STOP = 1;
 inline constexpr DWORD SERVICE_CONTROL_STOP = 1;
 inline constexpr DWORD SERVICE_CONFIG_DESCRIPTION = 1;
 
-// Which dependents are listed: those in any state but SERVICE_STOPPED, those in it, all.
+// The dependents that are listed: those in any state but SERVICE_STOPPED, those in it, all.
 inline constexpr DWORD SERVICE_ACTIVE = 1;
 inline constexpr DWORD SERVICE_INACTIVE = 2;
 inline constexpr DWORD SERVICE_STATE_ALL = 3;
@@ -86,7 +86,7 @@ inline constexpr DWORD SERVICE_STATE_ALL = 3;
 // dwWaitHint milliseconds there is none to be expected.
 struct SERVICE_STATUS
 {
-    // As the platform has it: kind, state, what it takes, exit codes, progress and its hint.
+    // The platform's record: kind, state, what it takes, exit codes, progress and its hint.
     DWORD dwServiceType;
     DWORD dwCurrentState;
     DWORD dwControlsAccepted;
@@ -99,7 +99,7 @@ struct SERVICE_STATUS
 // A service's state with its process.
 struct SERVICE_STATUS_PROCESS
 {
-    // As in SERVICE_STATUS.
+    // The same as in SERVICE_STATUS.
     DWORD dwServiceType;
     DWORD dwCurrentState;
     DWORD dwControlsAccepted;
@@ -108,7 +108,7 @@ struct SERVICE_STATUS_PROCESS
     DWORD dwCheckPoint;
     DWORD dwWaitHint;
     DWORD dwProcessId; // 0 without a main process
-    // As the platform has it.
+    // The platform's record.
     DWORD dwServiceFlags;
 };
 
@@ -121,14 +121,14 @@ struct ENUM_SERVICE_STATUSA
     SERVICE_STATUS ServiceStatus;
 };
 
-// What describes a service to people.
+// The text that describes a service to people.
 struct SERVICE_DESCRIPTIONA
 {
     // The text.
     char* lpDescription;
 };
 
-// What QueryServiceStatusEx is asked for.
+// Requests to QueryServiceStatusEx.
 enum SC_STATUS_TYPE : int
 {
     // A SERVICE_STATUS_PROCESS.

@@ -1,11 +1,11 @@
 #pragma once
 
-// What the desktop shows of a path: its name, its type's text and its icon, by the system's content types.
+// The desktop's view of a path: its name, its type's text and its icon, by the system's content types.
 
 #include "../KXExport.h"
 #include "Types.h"
 
-// What a file looks like to people.
+// The look of a file to people.
 struct SHFILEINFOA
 {
     // Icon, its number, attributes, name and kind.
@@ -16,7 +16,7 @@ struct SHFILEINFOA
     char szTypeName[80];
 };
 
-// What SHGetFileInfoA is asked for.
+// Requests to SHGetFileInfoA.
 inline constexpr UINT SHGFI_LARGEICON = 0x0;
 inline constexpr UINT SHGFI_SMALLICON = 0x1;
 inline constexpr UINT SHGFI_DISPLAYNAME = 0x200;

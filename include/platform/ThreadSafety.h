@@ -9,7 +9,7 @@
 #define KX_THREAD_ATTRIBUTE(x)
 #endif
 
-// What clang is told of a lock, or of an operation that takes or needs one.
+// These tell clang of a lock, or of an operation that takes or needs one.
 #define KX_CAPABILITY(name) KX_THREAD_ATTRIBUTE(capability(name))
 #define KX_SCOPED_CAPABILITY KX_THREAD_ATTRIBUTE(scoped_lockable)
 #define KX_GUARDED_BY(lock) KX_THREAD_ATTRIBUTE(guarded_by(lock))

@@ -39,7 +39,7 @@ using HCURSOR = HICON;
 using HRSRC = struct HRSRC__*;
 using HGLOBAL = void*;
 
-// What a failed search gives in place of a handle.
+// A failed search gives this in place of a handle.
 inline const HANDLE INVALID_HANDLE_VALUE = reinterpret_cast<HANDLE>(std::intptr_t{-1});
 
 #ifndef TRUE

@@ -11,7 +11,8 @@
 // result frees it; who is given one as an argument doesn't keep it.
 using BSTR = WCHAR*;
 
-// What lies before a BSTR's text: its length in bytes. A caller may lay out an argument in memory of its own.
+// The head of a BSTR, before its text: the length in bytes. A caller may lay out an argument in memory of its
+// own.
 using BSTR_LENGTH = DWORD;
 inline constexpr UINT MAX_BSTR_UNITS = 0x3FFFFFF0;
 
@@ -24,7 +25,7 @@ KX_API void SysFreeString(BSTR bstr);
 // In units; 0 for null.
 KX_API UINT SysStringLen(BSTR bstr);
 
-// What a VARIANT holds.
+// The kinds of value that a VARIANT holds.
 using VARTYPE = WORD;
 inline constexpr VARTYPE VT_EMPTY = 0;
 inline constexpr VARTYPE VT_NULL = 1;
@@ -37,7 +38,7 @@ using VARIANT_BOOL = std::int16_t;
 inline constexpr VARIANT_BOOL VARIANT_TRUE = -1;
 inline constexpr VARIANT_BOOL VARIANT_FALSE = 0;
 
-// What VariantChangeType fails with.
+// Failures of VariantChangeType.
 inline constexpr HRESULT DISP_E_TYPEMISMATCH = static_cast<HRESULT>(0x80020005);
 inline constexpr HRESULT DISP_E_BADVARTYPE = static_cast<HRESULT>(0x80020008);
 inline constexpr HRESULT DISP_E_OVERFLOW = static_cast<HRESULT>(0x8002000A);
@@ -45,7 +46,7 @@ inline constexpr HRESULT DISP_E_OVERFLOW = static_cast<HRESULT>(0x8002000A);
 // A value and which of the VT_ types it has. It owns its text.
 struct VARIANT
 {
-    // Which of the values counts.
+    // The kind, which says which of the values counts.
     VARTYPE vt;
     WORD wReserved1;
     WORD wReserved2;

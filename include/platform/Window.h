@@ -50,7 +50,7 @@ inline constexpr DWORD WS_POPUP = 0x80000000;
 inline constexpr DWORD WS_VISIBLE = 0x10000000;
 inline constexpr DWORD WS_CAPTION = 0x00C00000;
 
-// What ShowWindow and the calls below it are asked for.
+// Commands of ShowWindow and of the calls below it.
 inline constexpr int SW_HIDE = 0;
 inline constexpr int SW_SHOWNOACTIVATE = 4;
 inline constexpr int SW_SHOW = 5;
@@ -76,7 +76,7 @@ inline constexpr UINT CS_DBLCLKS = 8;
 // A class of windows.
 struct WNDCLASSA
 {
-    // What its windows call.
+    // The procedure that its windows call.
     WNDPROC lpfnWndProc = nullptr;
     const char* lpszClassName = nullptr;
     HBRUSH hbrBackground = nullptr; // what the default handling erases with; null: nothing. The caller's.
@@ -85,10 +85,10 @@ struct WNDCLASSA
     HICON hIcon = nullptr;     // by which the window manager shows its windows; null: none. The caller's.
 };
 
-// What WM_NCCREATE and WM_CREATE carry in their LPARAM, as a pointer.
+// The record that WM_NCCREATE and WM_CREATE carry in their LPARAM, as a pointer.
 struct CREATESTRUCTA
 {
-    // What CreateWindowExA was given.
+    // The argument that CreateWindowExA was given.
     void* lpCreateParams;
     const char* lpszName;
     const char* lpszClass;
@@ -147,8 +147,8 @@ KX_API int GetWindowTextA(HWND hWnd, char* pszBuffer, int nSize);
 // that other monitors may have places below 0. It belongs to no process, hears no messages and is always
 // there.
 KX_API HWND GetDesktopWindow() noexcept;
-// Where a window of this process, or the desktop's, lies on the desktop; its client area is all of it, and
-// has its top left at 0, 0. 0 for no such window, with the rectangle untouched.
+// Gives the place of a window of this process, or of the desktop's, on the desktop; its client area is all of
+// it, and has its top left at 0, 0. 0 for no such window, with the rectangle untouched.
 KX_API int GetWindowRect(HWND hWnd, RECT* pRect) noexcept;
 KX_API int GetClientRect(HWND hWnd, RECT* pRect) noexcept;
 // A measure in pixels: the primary monitor's size (SM_CXSCREEN, SM_CYSCREEN), and of its own windows, the
@@ -156,7 +156,7 @@ KX_API int GetClientRect(HWND hWnd, RECT* pRect) noexcept;
 // (SM_CYFRAME). 0 for any other index.
 KX_API int GetSystemMetrics(int nIndex) noexcept;
 
-// Where SetWindowPos puts a window among the others.
+// Places among the other windows, for SetWindowPos.
 inline const HWND HWND_TOP = nullptr;
 inline const HWND HWND_BOTTOM = reinterpret_cast<HWND>(1);
 inline const HWND HWND_TOPMOST = reinterpret_cast<HWND>(-1); // above all that aren't topmost, from now on
@@ -194,7 +194,7 @@ KX_API HWND SetFocus(HWND hWnd);
 // The window of the calling thread that has the keyboard; null if none has.
 KX_API HWND GetFocus() noexcept;
 
-// What a timer calls: the window, WM_TIMER, its id and the tick count.
+// A timer's procedure; its arguments are the window, WM_TIMER, its id and the tick count.
 using TIMERPROC = void (*)(HWND, UINT, UINT_PTR, DWORD);
 // Lets a window of the calling thread get WM_TIMER with that id as WPARAM each time that `nPeriod`
 // milliseconds (10 at least) of the clock have passed, once the thread has nothing else to do; missed ones
@@ -204,7 +204,7 @@ KX_API UINT_PTR SetTimer(HWND hWnd, UINT_PTR nId, UINT nPeriod, TIMERPROC pfn);
 // 0 if there is no such timer. Its messages that the thread hasn't taken yet are gone.
 KX_API int KillTimer(HWND hWnd, UINT_PTR nId);
 
-// What a window does with a message that it doesn't handle: WM_CLOSE destroys it, WM_NCCREATE gives 1,
+// Does what a window does with a message that it doesn't handle: WM_CLOSE destroys it, WM_NCCREATE gives 1,
 // WM_ERASEBKGND fills with the class's brush and gives 1 if it has one, WM_PAINT erases at most, the rest
 // gives 0.
 KX_API LRESULT DefWindowProcA(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam);

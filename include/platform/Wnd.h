@@ -139,7 +139,7 @@ public:
     explicit CPaintDC(CWnd* pWnd);
     ~CPaintDC() override;
 
-    // What BeginPaint gave.
+    // The record that BeginPaint gave.
     PAINTSTRUCT m_ps;
 
 private:

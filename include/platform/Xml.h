@@ -45,7 +45,7 @@ inline constexpr UINT XML_MAX_EXPANSION = 10'000'000;
 // {2933BF80-7B36-11D2-B20E-00C04F983E60} and so on
 inline constexpr GUID IID_IXMLDOMNode{
     0x2933BF80, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
-// What QueryInterface and CoCreateInstance are asked for.
+// Identities for QueryInterface and CoCreateInstance.
 inline constexpr GUID IID_IXMLDOMDocument{
     0x2933BF81, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 // The list of nodes.

@@ -180,7 +180,7 @@ using kx::debug::Kind;
 
 namespace {
 
-// What KX_DEBUG asked for as the library was loaded, before threads run that could change the environment: a
+// KX_DEBUG is read as the library is loaded, before threads run that could change the environment: a
 // copy, as the environment's own text may change.
 std::string_view Asked() noexcept
 {

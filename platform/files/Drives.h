@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-// Which directory each drive letter stands for: the host's drives, else `C:` at `/`, else the system's
+// The directory that each drive letter stands for: the host's drives, else `C:` at `/`, else the system's
 // removable and optical drives. Any thread.
 
 namespace kx::files {

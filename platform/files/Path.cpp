@@ -36,7 +36,7 @@ struct Parts
     std::string_view rest;
 };
 
-// Where a path begins: a Linux directory, and how much of its text `..` can't leave.
+// The beginning of a path: a Linux directory, and how much of its text `..` can't leave.
 struct Start
 {
     std::string directory;
@@ -122,7 +122,7 @@ std::optional<Resolved> ResolveText(std::string_view text)
     return resolved;
 }
 
-// Where the last component of a path begins.
+// The beginning of a path's last component.
 std::size_t LastComponent(std::string_view text)
 {
     std::size_t begin = text.size();

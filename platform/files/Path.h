@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-// Where paths of this library and Linux paths meet. Any thread.
+// The way between paths of this library and Linux paths. Any thread.
 
 namespace kx::files {
 
@@ -36,7 +36,7 @@ struct Resolved
 // a null or empty path, one too long, of a drive that isn't there, or with bytes that are no text.
 KX_API std::optional<Resolved> Resolve(const char* pszPath);
 
-// What a search looks for: the entries of a directory that match a name with wildcards, or one entry.
+// The aim of a search: the entries of a directory that match a name with wildcards, or one entry.
 struct Pattern
 {
     std::string directory; // a Linux path

@@ -77,7 +77,7 @@ void CStdioFile::StartWriting()
     m_bWriting = true;
 }
 
-// What was read ahead counts as not read: the file's own position is the caller's again.
+// Bytes that were read ahead count as not read: the file's own position is the caller's again.
 void CStdioFile::GiveBack()
 {
     if (m_bWriting) return;

@@ -85,7 +85,7 @@ struct Volume
     DWORD maxComponent = 0;
 };
 
-// What the host said of a drive, completed by what the system knows of the mount that it lies in.
+// Completes what the host said of a drive by what the system knows of the mount that it lies in.
 Volume Describe(const Drive& drive, const struct statfs& info)
 {
     Volume volume;

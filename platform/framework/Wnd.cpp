@@ -34,7 +34,7 @@ CWnd* ObjectOf(HWND hWnd)
     return wnds && found != wnds->end() ? found->second : nullptr;
 }
 
-// What this thread does now: the object that CreateEx makes a window for, and the message being handled.
+// This thread's work now: the object that CreateEx makes a window for, and the message being handled.
 thread_local CWnd* t_creating = nullptr;
 thread_local const MSG* t_message = nullptr;
 

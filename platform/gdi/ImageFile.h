@@ -55,8 +55,8 @@ inline constexpr std::uint64_t MAX_IMAGE_FILE = 4 * MAX_BITMAP_PIXELS + (std::ui
 // The longest side of an icon that is a PNG, whose few bytes may otherwise claim any number of pixels.
 inline constexpr int MAX_PNG_ICON_SIDE = 1024;
 
-// What the decoder at work on this thread says of the file that it refuses, in its library's words; kept
-// while somebody listens to diagnostics of pictures.
+// The reason that the decoder at work on this thread gives for a file that it refuses, in its library's
+// words; kept while somebody listens to diagnostics of pictures.
 KX_API void NoteRefusal(const char* pszReason) noexcept;
 // The last one, empty after a call of NoteRefusal with the empty text; valid until the next.
 const char* LastRefusal();

@@ -44,7 +44,7 @@ using namespace std::string_view_literals;
 constexpr std::size_t kFileHeader = 14;
 constexpr std::int64_t kMaxPixelsPerByte = 4096; // of a file that is cut
 
-// What the file claims, sound or not.
+// Checks what the file claims of itself.
 Gdiplus::Status CheckClaim(FileBytes dib) noexcept
 {
     const bool bCore = gdi::U32(dib, 0) == 12;
@@ -128,7 +128,7 @@ int RowsThere(FileBytes file, const gdi::BmpHeader& header, std::size_t nPixelsA
         std::min<std::int64_t>(header.nHeight, (nBytes + nRow - LeastRowBytes(header)) / nRow));
 }
 
-// Of a bitmap whose last rows in the file lack: makes those transparent and the others opaque.
+// Makes the last rows, which the file lacks, transparent and the others opaque.
 void SetAlpha(gdi::Surface& surface, int nRows, bool bTopDown) noexcept
 {
     for (int y = 0; y < surface.Height(); ++y) {

@@ -11,7 +11,7 @@ constexpr DWORD Channel(DWORD pixel, int nShift) noexcept
     return pixel >> nShift & 0xFF;
 }
 
-// Of straight alpha over opaque pixels.
+// Lays straight alpha over opaque pixels.
 void BlendRun(const DWORD* __restrict from, DWORD* __restrict to, int n) noexcept
 {
     for (int x = 0; x < n; ++x)

@@ -8,7 +8,7 @@
 
 namespace kx::gdiplus {
 
-// Where a graphics draws, for the length of one operation.
+// The surface that a graphics draws on, for the length of one operation.
 struct Target
 {
     PixelView pixels;

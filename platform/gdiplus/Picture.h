@@ -11,7 +11,7 @@
 
 namespace kx::gdiplus {
 
-// What the high byte of a pixel means.
+// The meaning of a pixel's high byte.
 enum class Alpha
 {
     Opaque,  // nothing: the pixel hides what lies below

@@ -29,7 +29,7 @@ inline Words LowPixels(const Bytes& pixels) noexcept
         __builtin_shufflevector(pixels, Bytes{}, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23));
 }
 
-// Of channels from 0 to 255.
+// The channels go from 0 to 255.
 inline Bytes Joined(const Words& low, const Words& high) noexcept
 {
     return __builtin_shufflevector(reinterpret_cast<Bytes>(low), reinterpret_cast<Bytes>(high), 0, 2, 4, 6, 8,

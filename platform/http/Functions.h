@@ -5,7 +5,7 @@
 #include <memory>
 #include <optional>
 
-// What the HTTP module gives. Failures are the exceptions of CInternetSession.
+// The functions of the HTTP module. Failures are the exceptions of CInternetSession.
 
 namespace kx::http {
 

@@ -22,7 +22,7 @@ namespace {
 
 std::atomic<bool> g_bShut{false};
 
-// Where the library was loaded from, whatever the current directory is now.
+// The place that the library was loaded from, whatever the current directory is now.
 bool OwnDirectory(std::array<char, PATH_MAX>& directory) noexcept
 {
     Dl_info info;

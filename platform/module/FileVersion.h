@@ -37,7 +37,7 @@ private:
     std::vector<std::uint8_t> m_data;
 };
 
-// What a parser reads from: a file, or a block of memory.
+// A parser's source: a file, or a block of memory.
 class ByteSource
 {
 public:

@@ -67,7 +67,8 @@ bool PeImage::ReadHeaders(std::uint64_t peAt)
     return at.has_value();
 }
 
-// Where in the file the bytes at an address of the loaded image lie; nothing where no section holds them all.
+// The place in the file of the bytes at an address of the loaded image; nothing where no section holds them
+// all.
 std::optional<std::uint64_t> PeImage::OffsetOf(std::uint64_t rva, std::uint64_t nCount) const
 {
     for (std::uint64_t at = 0; at < m_sections->Size(); at += 40) {

@@ -16,7 +16,7 @@ using namespace kx::module;
 
 namespace {
 
-// What GetFileVersionInfoA fills: the head of a version resource, in its own form.
+// GetFileVersionInfoA fills this: the head of a version resource, in its own form.
 struct Block
 {
     WORD length;

@@ -64,8 +64,8 @@ std::string KeyLine(std::string_view key, std::string_view value)
     return std::string(key).append("=").append(value);
 }
 
-// Where a key's new value begins: right behind the "=", or where the old one began in a line written like
-// `key = value`. Leading blanks of the new value replace those after the "=".
+// The place where a key's new value begins: right behind the "=", or where the old one began in a line
+// written like `key = value`. Leading blanks of the new value replace those after the "=".
 std::size_t ValueBegin(std::string_view text, const IniLine& line, std::string_view value) noexcept
 {
     const std::size_t equals = text.find('=', line.begin);

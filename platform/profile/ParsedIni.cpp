@@ -76,7 +76,7 @@ std::string Folded(std::string_view name)
 
 } // namespace
 
-// Of equal names the first in the text counts. Those behind it are never found, nor are the keys of such a
+// The first of equal names in the text counts. Those behind it are never found, nor are the keys of such a
 // section.
 ParsedIni::ParsedIni(std::string text) : m_text(std::move(text))
 {

@@ -48,7 +48,7 @@ std::string_view ViewOf(const char* psz) noexcept
     return psz ? std::string_view(psz) : std::string_view();
 }
 
-// What opening and creating have in common: the path, or an error.
+// The part that opening and creating have in common: the path, or an error.
 DWORD FindPath(HKEY hKey, const char* pszSubKey, DWORD dwAccess, HKEY* phResult, registry::KeyPath& path)
 {
     if (!phResult) return ERROR_INVALID_PARAMETER;

@@ -10,13 +10,13 @@
 
 namespace kx::services {
 
-// What the module for services gives.
+// The functions of the module for services.
 struct Functions
 {
     std::shared_ptr<KXHost::ServiceManager> (*makeManager)(const KXHost::SystemdPlace& place);
 };
 
-// What an SC_HANDLE stands for: a manager, or a service of it.
+// The object of an SC_HANDLE: a manager, or a service of it.
 struct Handle
 {
     static constexpr HandleKind HANDLE_KIND = HandleKind::Service;

@@ -85,7 +85,7 @@ const _IMAGELIST* SystemImageList(bool bSmall) noexcept
     return bSmall ? &kSmall : &kLarge;
 }
 
-// What is shown of a path; texts in the process's code page.
+// The parts of a path that are shown; texts in the process's code page.
 struct Item
 {
     std::string name;

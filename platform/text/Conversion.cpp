@@ -48,7 +48,7 @@ bool IsTo(Iconv::Direction direction)
            direction == Iconv::Direction::ToUtf32;
 }
 
-// What GB18030 gives for bytes and characters that the system's converter doesn't know. The characters are
+// GB18030's values for bytes and characters that the system's converter doesn't know. The characters are
 // for private use. Those from FD 30 81 30 on are in the user's own part of the code, for the standard's bytes
 // for them are read as others.
 constexpr std::pair<char32_t, std::string_view> kExtras[] = {

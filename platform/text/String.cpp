@@ -247,7 +247,7 @@ int ToIndex(std::size_t pos)
     return pos == std::string_view::npos ? -1 : static_cast<int>(pos);
 }
 
-// Where the first character at or behind a position begins.
+// The beginning of the first character at or behind a position.
 std::size_t StartFrom(std::string_view str, int nStart) noexcept
 {
     const auto start = static_cast<std::size_t>(std::max(nStart, 0));

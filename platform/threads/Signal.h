@@ -7,7 +7,7 @@
 
 namespace kx::threads {
 
-// What threads wait for: a flag that stays set (manual), or a signal that releases one wait
+// Threads wait for this: a flag that stays set (manual), or a signal that releases one wait
 // (automatic). With threads waiting, an automatic signal goes straight to the one that waits longest: signals
 // given in a row each release another, and nobody who comes later takes one away.
 //

@@ -7,9 +7,9 @@
 
 namespace kx::threads {
 
-// What a handle of WaitForSingleObject and CloseHandle names. A family may derive a class of its own and name
-// its objects by AddHandle<Waitable>. A thread that waits shares the object, so its handle may be closed
-// meanwhile.
+// The object that a handle of WaitForSingleObject and CloseHandle names. A family may derive a class of its
+// own and name its objects by AddHandle<Waitable>. A thread that waits shares the object, so its handle may
+// be closed meanwhile.
 class Waitable
 {
 public:

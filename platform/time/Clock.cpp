@@ -31,7 +31,7 @@ struct VirtualState
 };
 
 constinit std::atomic<bool> g_bVirtual{false};
-// What the real clock is ahead of the system's, from the virtual times before.
+// The time that the real clock is ahead of the system's, from the virtual times before.
 constinit std::atomic<std::int64_t> g_ahead{0};
 constinit sync::Mutex g_lock; // also guards changes of the two above
 constinit VirtualState g_virtual KX_GUARDED_BY(g_lock);

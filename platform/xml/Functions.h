@@ -8,14 +8,14 @@
 
 namespace kx::xml {
 
-// What the XML module gives.
+// The functions of the XML module.
 struct Functions
 {
     // An empty document with one reference; throws std::bad_alloc.
     IXMLDOMDocument* (*makeDocument)();
 };
 
-// What it uses: texts as clients have them.
+// It uses these: texts as clients have them.
 
 // UTF-8; half a surrogate pair becomes "?".
 KX_API std::string ToUtf8(BSTR bstr);

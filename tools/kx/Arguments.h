@@ -19,7 +19,7 @@ public:
     std::optional<std::string> Value(const std::string& name);
     // Takes the next word that is no option.
     std::optional<std::string> Word();
-    // What nobody has taken: empty when all was understood.
+    // The arguments that nobody has taken: empty when all was understood.
     std::string Rest() const { return m_words.empty() ? std::string() : m_words.front(); }
 
 private:

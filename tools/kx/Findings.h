@@ -17,7 +17,7 @@ enum ExitCode
     Failed = 2 // it couldn't be done, or was asked for wrongly
 };
 
-// What checks found, and its output.
+// The findings of checks, and their output.
 class Findings
 {
 public:
@@ -35,8 +35,8 @@ private:
     std::vector<Finding> m_all;
 };
 
-// What long work is at, on the last line of a terminal; nothing in a pipe, and nothing of what is done sooner
-// than one could read it.
+// The progress of long work, on the last line of a terminal; nothing in a pipe, and nothing of what is done
+// sooner than one could read it.
 class Progress
 {
 public:

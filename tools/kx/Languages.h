@@ -20,7 +20,7 @@ struct Language
 // All directories below `dir` as languages, by name, with what is wrong with their files.
 std::vector<Language> ReadLanguages(const std::string& dir, const FindingSink& sink);
 
-// What printf would take an argument for.
+// The parts of a text that printf would take an argument for.
 struct Placeholder
 {
     std::size_t at = 0;

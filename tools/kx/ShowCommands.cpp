@@ -22,7 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Which lines are shown. A line without a head of its own belongs to the one before it.
+// The lines that are shown. A line without a head of its own belongs to the one before it.
 class Filter
 {
 public:

@@ -12,7 +12,7 @@ namespace kx::gdiplus::codecs {
 
 namespace {
 
-// What the GIF library reads: a file of that one frame, of which it needs neither the place nor the colours.
+// The GIF library reads this: a file of that one frame, of which it needs neither the place nor the colours.
 class OneFrame
 {
 public:
@@ -38,7 +38,7 @@ public:
         else
             m_data = m_data.subspan(nRead);
         if (bHead || std::exchange(m_bSizeNext, !m_bSizeNext) == false) return static_cast<int>(nRead);
-        // Of a file that is cut, the last block is as long as what is there of it, and behind it is the end.
+        // In a file that is cut, the last block is as long as what is there of it, and behind it is the end.
         if (nRead == 0) *pBytes = 0;
         *pBytes = static_cast<GifByteType>(std::min<std::size_t>(*pBytes, m_data.size()));
         if (*pBytes == 0) m_bSizeNext = true;
@@ -158,7 +158,7 @@ std::size_t LargestFrame(const GifIndex& index) noexcept
     return nPixels;
 }
 
-// Of the frames that will be undone.
+// The most pixels of a frame that will be undone.
 std::size_t LargestCovered(const GifIndex& index) noexcept
 {
     std::size_t nPixels = 0;

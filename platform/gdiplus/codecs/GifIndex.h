@@ -11,10 +11,10 @@ namespace kx::gdiplus::codecs {
 
 // More than a byte of a GIF can be: the longest run that a code of 12 bits stands for makes it 2,560.
 inline constexpr std::int64_t MAX_GIF_PIXELS_PER_BYTE = 4096;
-// Those behind don't count: a file of empty frames would take five times its size to index.
+// Later ones don't count: a file of empty frames would take five times its size to index.
 inline constexpr std::size_t MAX_GIF_FRAMES = 65'536;
 
-// What a GIF's frame does when its time is over.
+// The end of a GIF's frame, when its time is over.
 enum class Disposal
 {
     Stay,   // 0, 1 and unknown numbers
@@ -42,7 +42,7 @@ struct GifFrame
     }
 };
 
-// Where the frames of a GIF lie.
+// The places of a GIF's frames.
 struct GifIndex
 {
     int width = 0;
@@ -55,7 +55,7 @@ struct GifIndex
 // over the blocks without decoding them. Nothing without a frame.
 std::optional<GifIndex> ReadGifIndex(FileBytes file);
 
-// What all who play a GIF read.
+// The data that all players of a GIF read.
 struct GifSource
 {
     // Throws std::bad_alloc.

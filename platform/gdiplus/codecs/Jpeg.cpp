@@ -180,7 +180,7 @@ bool IsGray(const PixelView& view) noexcept
     return off == 0;
 }
 
-// Where the library's bytes go: by blocks to the end of a file. (The library's own for memory keeps a block
+// The library's bytes go here: by blocks to the end of a file. (The library's own for memory keeps a block
 // from whoever is to free it when it runs out of memory.)
 class JpegFile : public jpeg_destination_mgr
 {

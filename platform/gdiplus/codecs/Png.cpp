@@ -56,7 +56,7 @@ public:
     Decoder& operator=(const Decoder&) = delete;
     ~Decoder() { png_destroy_read_struct(&m_png, &m_info, nullptr); }
 
-    // Of a picture that was read.
+    // For a picture that was read.
     bool HasAlpha() const noexcept { return m_bAlpha; }
     std::optional<gdi::Surface> Run()
     {

@@ -137,9 +137,9 @@ bool HasPixels(TIFF* tiff, FileBytes file) noexcept
     return nOffset > 0 && nOffset <= file.size() && nBytes <= file.size() - nOffset;
 }
 
-// Where the pages of a TIFF, classic or BigTIFF, are described: the offsets of those directories, in their
-// order, up to the first that is cut, lies over another or whose last pixels lie outside the file, unless
-// that page is the first. Takes time by the file's length alone.
+// The places where the pages of a TIFF, classic or BigTIFF, are described: the offsets of those directories,
+// in their order, up to the first that is cut, lies over another or whose last pixels lie outside the file,
+// unless that page is the first. Takes time by the file's length alone.
 std::vector<std::uint64_t> ReadTiffIndex(FileBytes file)
 {
     std::vector<std::uint64_t> pages;

@@ -92,7 +92,8 @@ private:
     std::size_t m_nEnd = 0;
 };
 
-// What a transfer works with. One is kept for the next transfer, with its connections in the session.
+// The handles that a transfer works with. One is kept for the next transfer, with its connections in the
+// session.
 struct TransferHandle
 {
     Easy easy;

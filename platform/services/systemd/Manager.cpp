@@ -16,7 +16,7 @@ namespace {
 
 constexpr DWORD kTakeBackTime = 10'000; // milliseconds
 
-// What wants the services that start with the machine, or with the user's first session.
+// The target that wants the services that start with the machine, or with the user's first session.
 const char* StartTarget() noexcept
 {
     return geteuid() == 0 ? "multi-user.target" : "default.target";

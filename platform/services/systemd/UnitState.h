@@ -9,7 +9,7 @@
 
 namespace kx::services::systemd {
 
-// What systemd tells of a unit. Times are in microseconds, those of day on CLOCK_MONOTONIC.
+// Systemd's account of a unit. Times are in microseconds, those of day on CLOCK_MONOTONIC.
 struct UnitState
 {
     std::string loadState;
@@ -22,7 +22,7 @@ struct UnitState
     JobRef job;
     std::string jobType; // empty: no job waits or runs
 
-    // Of a service alone.
+    // These are a service's alone.
     std::string serviceType;
     std::uint32_t mainPid = 0;
     std::string result;

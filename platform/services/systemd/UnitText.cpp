@@ -102,7 +102,7 @@ std::optional<CString> NameOf(std::string_view unit)
             at += 3;
         }
     }
-    // What isn't escaped in our way would name another unit.
+    // A name that isn't escaped in our way would be another unit's.
     const auto text = text::FromUtf8(utf8);
     if (!text || text->find('\0') != text->npos) return std::nullopt;
     CString name{std::string_view(*text)};

@@ -15,7 +15,8 @@ using text::Iconv;
 
 constexpr const char* kUtf8 = "UTF-8";
 
-// What stands first in a file in an encoding that can't be read as ASCII. A mark is no part of the text.
+// The bytes that stand first in a file in an encoding that can't be read as ASCII. A mark is no part of the
+// text.
 struct Start
 {
     std::string_view bytes;

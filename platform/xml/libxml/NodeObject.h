@@ -32,7 +32,7 @@ public:
     // To be called for a branch after it was moved to a tree and place, with the declarations that it needs
     // there: its objects move along. Its top is the document or has an object.
     static void Settle(Tree& tree, xmlNode* branch, Declarations needed) noexcept;
-    // What is needed to let go of a branch, made while nothing has changed yet: its object, if one of its
+    // The things needed to let go of a branch, made while nothing has changed yet: its object, if one of its
     // nodes has one.
     static Ref<NodeObject> HolderOf(Tree& tree, xmlNode* branch);
     // Takes a branch out of its place, and frees it or leaves it to its holder.
@@ -54,7 +54,7 @@ private:
 // An element's attributes by their names as they stand, namespace declarations among them.
 std::optional<std::string> GetAttribute(const xmlNode* element, const std::string& name);
 
-// As IXMLDOMElement::setAttribute.
+// Does the same as IXMLDOMElement::setAttribute.
 HRESULT SetAttribute(xmlNode* element, const std::string& name, const std::string& value);
 // Overwrites an attribute's value.
 HRESULT SetValue(xmlAttr* attribute, const std::string& value);

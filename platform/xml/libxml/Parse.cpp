@@ -17,7 +17,7 @@ constexpr std::size_t kWalkedPerByte = 400;    // bytes passed over in the time 
 constexpr std::size_t kCostOfParameter = 1000; // of one reference: libxml2 takes long to set out for it
 constexpr int kDeepestParameter = 32;          // libxml2 gives up at 40, but doesn't come back
 
-// What a copy of these nodes, which are an entity's, takes of the cap.
+// The part of the cap that a copy of these nodes, which are an entity's, takes.
 std::size_t CostOf(xmlNode* nodes) noexcept
 {
     std::size_t nCost = 0;

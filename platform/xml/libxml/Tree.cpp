@@ -96,7 +96,7 @@ Ref<Tree> Tree::Make(DocPtr doc, std::string subset)
         if (doc) doc->dict = xmlDictCreate(); // names repeated then cost nothing
         if (!doc || !doc->dict) throw std::bad_alloc();
     }
-    // What "xml" stands for is there before it is needed, where memory may be short.
+    // The namespace of "xml" is there before it is needed, where memory may be short.
     xmlSearchNs(doc.get(), reinterpret_cast<xmlNode*>(doc.get()), ToXml("xml"));
     complaints.ThrowIfNoMemory();
     return Ref<Tree>(new Tree(std::move(doc), std::move(subset)));

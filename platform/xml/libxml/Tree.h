@@ -75,7 +75,7 @@ public:
     }
 
 private:
-    // Where libxml2 keeps them; each of its own ways there asks which thread it is in.
+    // libxml2 keeps them here; each of its own ways there asks which thread it is in.
     struct Handlers
     {
         xmlStructuredErrorFunc& structured = xmlStructuredError;

@@ -15,8 +15,8 @@ constexpr int kDepthTaken = 4'000;
 
 constexpr int kValues = 10; // the first size of libxml2's stack, which grows
 
-// What must be there before an evaluation begins, for libxml2 doesn't survive a lack of memory within one: it
-// runs into null pointers. Enough for node sets of some hundred thousands.
+// This much memory must be there before an evaluation begins, for libxml2 doesn't survive a lack of memory
+// within one: it runs into null pointers. Enough for node sets of some hundred thousands.
 constexpr std::size_t kMemoryNeeded = 16 << 20;
 
 using Parser = std::unique_ptr<xmlXPathParserContext, FreeBy<xmlXPathFreeParserContext>>;
