@@ -30,6 +30,14 @@ int main()
                            reinterpret_cast<long>(&nFiles));                   // which end in a backslash now
     const bool bThere = CKXFileSystem::FileExists(strTo + "UNIT\\one\\C.txt"); // in whatever case
 
+    CFile file;
+    if (!file.Open(strTo + "a.txt", CFile::modeRead)) return 1;
+    char szRead[8] = "";
+    file.Read(szRead, 1);
+    file.SeekToBegin();
+    std::printf("%s begins with %zu bytes of text\n", file.GetFilePath().GetString(), file.Read(szRead, 7));
+    file.Close();
+
     CString strDir, strFile, strName, strExt;
     CKXFileSystem::ParsePathFile(strTo + "unit\\b.txt", &strDir, &strFile, &strName, &strExt);
     std::printf("%s: %s and %s\n", strFile.GetString(), strName.GetString(), strExt.GetString());

@@ -33,12 +33,22 @@ int main()
     CKXNum::ApartNums("lesson 12, page 3", numbers);
     const COleDateTime when = CKXStrHelper::String2DateTime("2009-03-14 08:05:09");
 
+    COleDateTime lesson; // a day later, at ten
+    lesson.SetDateTime(when.GetYear(), when.GetMonth(), when.GetDay() + 1, 10, 0, 0);
+    std::printf("%.2f days from %02d:%02d:%02d on\n", lesson.GetDays() - when.GetDays(), when.GetHour(),
+                when.GetMinute(), when.GetSecond());
+
     CString strId;
     CreateGUIDString(strId);
     GUID id;
     String2GUID(strId, id);
     CString strAgain;
     GUID2String(id, strAgain);
+
+    // A pack of resources that a client may have; without it they are the executable's.
+    const HMODULE hPack = LoadLibraryA("winter.pack");
+    if (hPack) AfxSetResourceHandle(hPack);
+    FreeLibrary(hPack);
 
     const CKXAutoResHandle resources(
         nullptr); // resources are looked up in the executable, to the end of the scope

@@ -8,7 +8,10 @@ int main()
     CKXFileSystem::GetTypeDesc(Beside("short_icons"), strName, strType);
     const _IMAGELIST* const pIcons = CKXFileSystem::GetSystemImageList(1);
     const int nIcon = CKXFileSystem::GetFileImage(Beside("short_icons"), 1);
-    std::printf("%s, %s, icon %d: %s\n", strName.GetString(), strType.GetString(), nIcon,
-                ImageList_GetIconName(pIcons, nIcon));
+    int cx = 0;
+    int cy = 0;
+    ImageList_GetIconSize(pIcons, &cx, &cy);
+    std::printf("%s, %s, icon %d: %s, %d by %d\n", strName.GetString(), strType.GetString(), nIcon,
+                ImageList_GetIconName(pIcons, nIcon), cx, cy);
     return !strType.IsEmpty() && nIcon < ImageList_GetImageCount(pIcons) ? 0 : 1;
 }

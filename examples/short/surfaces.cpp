@@ -34,6 +34,10 @@ public:
         CKXPaintMemoryDC memory(this, &dc,
                                 RGB(255, 255, 255)); // copied to the window at the end of the scope
         m_frame.Draw(memory, CRect(10, 10, 90, 50), 1, RGB(235, 243, 250));
+        SIZE size{};
+        GetTextExtentPoint32A(memory.GetHDC(), "box", 3, &size);
+        if (memory.GetDC().GetBkColor() == RGB(235, 243, 250)) // of the frame, which was filled last
+            TextOutA(memory.GetHDC(), 85 - size.cx, 46 - size.cy, "box", 3);
     }
     DECLARE_MESSAGE_MAP()
 
