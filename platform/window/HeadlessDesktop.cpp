@@ -103,7 +103,7 @@ gdi::Surface& Compose(std::span<const HWND> handles, const RECT& rect, gdi::Surf
 
 } // namespace
 
-HeadlessDesktop& HeadlessDesktop::Instance()
+HeadlessDesktop& HeadlessDesktop::Instance() noexcept
 {
     return The<HeadlessDesktop>();
 }

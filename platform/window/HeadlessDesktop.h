@@ -5,8 +5,8 @@
 #include "platform/window/Window.h"
 #include "platform/window/WindowStack.h"
 
-#include <deque>
 #include <iterator>
+#include <list>
 #include <map>
 
 namespace kx::window {
@@ -34,7 +34,7 @@ public:
     }
 
 private:
-    std::deque<T> m_items;
+    std::list<T> m_items; // which takes no memory while it is empty
 };
 
 // A desktop in memory, which is seen by those who read its pixels: windows of other processes are
@@ -42,7 +42,7 @@ private:
 class HeadlessDesktop : public Desktop
 {
 public:
-    static HeadlessDesktop& Instance();
+    static HeadlessDesktop& Instance() noexcept;
 
     SIZE Size() const noexcept override;
 
