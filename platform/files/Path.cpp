@@ -176,7 +176,7 @@ std::optional<std::string> FromSystem(std::string_view systemPath)
     path.replace(0, drive->root->size(), {drive->letter, ':'});
     if (path.size() == 2) path += '/';
     std::replace(path.begin(), path.end(), '/', '\\');
-    const auto bytes = text::FromUtf8(path);
+    auto bytes = text::FromUtf8(path);
     if (!bytes || bytes->size() > kMaxLength) return std::nullopt;
     return bytes;
 }
