@@ -21,7 +21,7 @@ void CopyPixels(const gdi::Surface& from, gdi::Surface& to) noexcept
 // A step to the next frame decodes that one alone. From the first step back on, what the frames show is kept,
 // unless that is too much: then several players of the picture, each at another frame, have a canvas each, as
 // long as these are not too much.
-class GifFrames : public Frames
+class GifFrames final : public Frames
 {
 public:
     // At the first frame, of which `nRows` could be decoded. Throws std::bad_alloc.

@@ -65,7 +65,7 @@ public:
                                        static_cast<int>(png_get_image_height(m_png, m_info)));
         if (!m_surface) return std::nullopt;
         const bool bRead = Guarded(&Decoder::ReadPixels);
-        if (!bRead && !(m_pbCut && m_bEnded && m_nRows > 0)) return std::nullopt;
+        if (!bRead && !(m_pbCut != nullptr && m_bEnded && m_nRows > 0)) return std::nullopt;
         if (m_pbCut) *m_pbCut = !m_bAllPixels;
         return std::move(m_surface);
     }
@@ -88,7 +88,7 @@ private:
         if (self.m_bEnded) png_error(png, "cut");
         std::memcpy(target, rest.data(), size);
         rest = rest.subspan(size);
-        if (self.m_pbCut && size == 8) ShortenIfCut(target, rest.size());
+        if (self.m_pbCut != nullptr && size == 8) ShortenIfCut(target, rest.size());
     }
 
     // A chunk of pixels that goes past the end of the file is made as long as what is there of it.
