@@ -173,11 +173,13 @@ try {
 }
 
 HWND GetCapture() noexcept
-try {
-    const auto own = window::ThisThread();
-    return own ? own->input.capture : nullptr;
-} catch (...) {
-    return kx::NoMemory();
+{
+    try {
+        const auto own = window::ThisThread();
+        return own ? own->input.capture : nullptr;
+    } catch (...) {
+        return kx::NoMemory();
+    }
 }
 
 int TrackMouseEvent(TRACKMOUSEEVENT* pEvent)
@@ -190,13 +192,15 @@ int TrackMouseEvent(TRACKMOUSEEVENT* pEvent)
 }
 
 short GetKeyState(int nKey) noexcept
-try {
-    const auto own = window::ThisThread();
-    if (!own || nKey < 0 || nKey > 0xFF) return 0;
-    const auto key = static_cast<std::size_t>(nKey);
-    return static_cast<short>((own->input.down[key] ? 0x8000 : 0) | (own->input.toggled[key] ? 1 : 0));
-} catch (...) {
-    return kx::NoMemory();
+{
+    try {
+        const auto own = window::ThisThread();
+        if (!own || nKey < 0 || nKey > 0xFF) return 0;
+        const auto key = static_cast<std::size_t>(nKey);
+        return static_cast<short>((own->input.down[key] ? 0x8000 : 0) | (own->input.toggled[key] ? 1 : 0));
+    } catch (...) {
+        return kx::NoMemory();
+    }
 }
 
 HCURSOR LoadCursorA(HINSTANCE hInstance, const char* pszName) noexcept
