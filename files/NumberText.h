@@ -15,7 +15,7 @@ double ToDouble(std::string_view text);
 CString ToFixedPoint(double dValue);
 
 // Reads as `sscanf` reads a decimal number of that type: the number at the text's start behind white space.
-// What is out of range gives the nearest one; an unsigned one takes a minus sign and wraps. The value stays
+// A number out of range gives the nearest one; an unsigned one takes a minus sign and wraps. The value stays
 // as it was without a number.
 void ScanNumber(std::string_view text, int& nValue);
 void ScanNumber(std::string_view text, long& nValue);

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "include/platform/Xml.h"
+
+#include <libxml/tree.h>
+#include <string>
+
+namespace test {
+
+// The same document as libxml2 itself reads it, with entities replaced and nothing fetched.
+class Peer
+{
+public:
+    explicit Peer(const std::string& bytes);
+    Peer(const Peer&) = delete;
+    Peer& operator=(const Peer&) = delete;
+    ~Peer();
+
+    // Whether it is accepted.
+    explicit operator bool() const { return m_doc != nullptr; }
+    // The canonical form; where there is none (a namespace's name is relative) the plain one.
+    std::string Canonical();
+    // Elements without a prefix are then in no namespace.
+    void ForgetDefaultNamespaces();
+    // What `Selected` below gives for the document's element.
+    std::string Selected(const std::string& pattern) const;
+
+private:
+    xmlDoc* m_doc;
+};
+
+// Tells what a pattern selects from an element: name and text of each node, or that it is no pattern or has
+// another result.
+std::string Selected(IXMLDOMElement* pElement, const std::string& pattern);
+
+} // namespace test
