@@ -11,24 +11,6 @@
 
 namespace kx::gdi {
 
-// Guards all shared surfaces. Taken before the lock of texts.
-extern KX_API sync::Mutex pixelLock;
-
-// Pixels on which several contexts draw, and which are shown: a window's, or the desktop's.
-struct SharedSurface
-{
-    // Gives the pixels that a reader sees in place of the surface, of which the rectangle is up to date. The
-    // lock, which is held, is free while a display is waited for.
-    using Look = Surface& (*)(const RECT& rect, Surface& surface);
-
-    explicit SharedSurface(Surface pixels, Look seen = nullptr) noexcept
-        : surface(std::move(pixels)), look(seen)
-    {
-    }
-    Surface surface KX_GUARDED_BY(pixelLock);
-    const Look look; // null where a reader sees the surface itself
-};
-
 // The pixels that a device context draws on, for the length of one operation. Everything is in the surface's
 // coordinates.
 struct Canvas

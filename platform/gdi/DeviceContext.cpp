@@ -8,8 +8,6 @@
 
 namespace kx::gdi {
 
-constinit sync::Mutex pixelLock;
-
 namespace {
 
 std::shared_ptr<Bitmap> MakeOwnBitmap()
@@ -30,13 +28,10 @@ DeviceContext::DeviceContext() : Object(KIND), m_own(MakeOwnBitmap())
     Hold(m_own);
 }
 
-DeviceContext::DeviceContext(std::shared_ptr<SharedSurface> pixels, const std::optional<PixelRegion>& limit)
-    : Object(KIND), m_limit(limit), m_shared(std::move(pixels))
+DeviceContext::DeviceContext(Surface& pixels, sync::Mutex& lock, const std::optional<PixelRegion>& limit)
+    : Object(KIND), m_limit(limit), m_shared(&lock)
 {
-    {
-        const sync::MutexLock lock(pixelLock);
-        SetView(m_shared->surface, std::nullopt);
-    }
+    SetView(pixels, std::nullopt); // whose size is for good
     HoldStock();
 }
 
@@ -123,7 +118,7 @@ int DeviceContext::ClipBox(RECT& rect) const noexcept
 Canvas DeviceContext::Paint() noexcept
 {
     return {*m_view.surface, m_view.bounds, m_view.clip, m_view.reach,
-            m_shared ? std::optional<sync::MutexLock>(std::in_place, pixelLock)
+            m_shared ? std::optional<sync::MutexLock>(std::in_place, *m_shared)
                      : std::optional<sync::MutexLock>()};
 }
 
@@ -131,9 +126,8 @@ Canvas DeviceContext::Read(const RECT& rect, std::optional<sync::MutexLock>& loc
 {
     Surface* seen = m_view.surface;
     if (m_shared) {
-        if (!lock) lock.emplace(pixelLock);
-        pixelLock.AssertHeld();
-        if (m_shared->look) seen = &m_shared->look(rect, m_shared->surface);
+        if (!lock) lock.emplace(*m_shared);
+        seen = &Look(rect);
     }
     return {*seen, m_view.bounds, m_view.clip, m_view.reach, {}};
 }

@@ -20,8 +20,6 @@ public:
 
     // A memory surface, whose first bitmap is its own, of 1 by 1 pixel.
     DeviceContext();
-    // Shared pixels, of which drawing reaches `limit` alone where there is one.
-    DeviceContext(std::shared_ptr<SharedSurface> pixels, const std::optional<PixelRegion>& limit);
     ~DeviceContext() override;
 
     bool IsMemory() const noexcept { return m_own != nullptr; }
@@ -47,7 +45,15 @@ public:
     COLORREF backColor = RGB(255, 255, 255);
     int backMode = OPAQUE;
 
+protected:
+    // Pixels that others draw on too, under their lock, of which drawing reaches `limit` alone where there is
+    // one. Both outlive the context.
+    DeviceContext(Surface& pixels, sync::Mutex& lock, const std::optional<PixelRegion>& limit);
+
 private:
+    // Shared pixels as a reader sees them, of which the rectangle is up to date. With their lock held.
+    virtual Surface& Look(const RECT&) { return *m_view.surface; }
+
     // The surface that is drawn on, and the part of it that may be.
     struct View
     {
@@ -70,8 +76,8 @@ private:
 
     const std::optional<PixelRegion> m_limit;
     std::optional<PixelRegion> m_region;
-    std::shared_ptr<Bitmap> m_own;           // null where the pixels are shared
-    std::shared_ptr<SharedSurface> m_shared; // null for memory
+    std::shared_ptr<Bitmap> m_own;         // null where the pixels are shared
+    sync::Mutex* const m_shared = nullptr; // their lock; null for memory
     View m_view;
     std::array<std::shared_ptr<Object>, static_cast<std::size_t>(Kind::Font) + 1> m_held;
 };

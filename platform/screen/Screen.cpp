@@ -6,6 +6,8 @@
 
 namespace kx::screen {
 
+constinit sync::Mutex pixelLock;
+
 Screen& Screen::Instance()
 {
     return The<Screen>();

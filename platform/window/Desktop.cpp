@@ -94,11 +94,19 @@ Desktop& Desktop::Instance() noexcept
     return *g_desktop.load();
 }
 
+std::shared_ptr<screen::Backing> Desktop::Root(SIZE size)
+{
+    return screen::Screen::Instance().Root(size, [](const RECT& rect, gdi::Surface& root) -> gdi::Surface& {
+        screen::pixelLock.AssertHeld();
+        return Instance().Look(rect, root);
+    });
+}
+
 bool Desktop::Use(Desktop& desktop)
 {
     Desktop* old = nullptr;
     {
-        const sync::MutexLock lock(gdi::pixelLock);
+        const sync::MutexLock lock(screen::pixelLock);
         if (!WindowTable::Instance().Handles().empty()) return false;
         old = g_desktop.exchange(&desktop);
         screen::Screen::Instance().Forget();

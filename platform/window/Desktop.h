@@ -2,7 +2,7 @@
 
 #include "include/platform/Host.h"
 #include "include/platform/Window.h"
-#include "platform/gdi/Canvas.h"
+#include "platform/screen/Screen.h"
 
 #include <chrono>
 #include <memory>
@@ -90,12 +90,14 @@ public:
 
     // ---- Pixels
 
+    // The desktop's pixels below all windows, made of that size at the first use; null for a lack of memory.
+    static std::shared_ptr<screen::Backing> Root(SIZE size) KX_REQUIRES(screen::pixelLock);
     // A rectangle of a window's pixels has changed, or with the first call since Show all of them count: only
     // from then on there is something to see of it.
     virtual void Present(const Window& window, const RECT& rect) = 0;
     // The desktop as it is seen, of which the rectangle is up to date; `root` is what lies under all windows.
-    // The pixels are of the root's size. gdi::pixelLock is free while a display is waited for.
-    virtual gdi::Surface& Look(const RECT& rect, gdi::Surface& root) KX_REQUIRES(gdi::pixelLock) = 0;
+    // The pixels are of the root's size. screen::pixelLock is free while a display is waited for.
+    virtual gdi::Surface& Look(const RECT& rect, gdi::Surface& root) KX_REQUIRES(screen::pixelLock) = 0;
 
     // ---- Windows of other processes, whose handles are numbers of NewAge
 

@@ -37,7 +37,7 @@ Image MaskOf(BYTE opacity)
 }
 
 // The windows of which something is seen within the area.
-std::vector<WindowPtr> Visible(std::span<const HWND> handles, const RECT& area) KX_REQUIRES(gdi::pixelLock)
+std::vector<WindowPtr> Visible(std::span<const HWND> handles, const RECT& area) KX_REQUIRES(screen::pixelLock)
 {
     std::vector<WindowPtr> windows;
     for (const HWND hWnd : handles) {
@@ -50,7 +50,7 @@ std::vector<WindowPtr> Visible(std::span<const HWND> handles, const RECT& area) 
 }
 
 // Lets drawing on an image reach only what of a window there is to see.
-void ClipToShape(const Window& window, const RECT& rect, pixman_image_t* image) KX_REQUIRES(gdi::pixelLock)
+void ClipToShape(const Window& window, const RECT& rect, pixman_image_t* image) KX_REQUIRES(screen::pixelLock)
 {
     pixman_image_set_clip_region32(image, nullptr);
     if (!window.shape) return;
@@ -62,7 +62,7 @@ void ClipToShape(const Window& window, const RECT& rect, pixman_image_t* image) 
     pixman_region32_fini(&clip);
 }
 
-void Composite(Window& window, const RECT& area, pixman_image_t* seen) KX_REQUIRES(gdi::pixelLock)
+void Composite(Window& window, const RECT& area, pixman_image_t* seen) KX_REQUIRES(screen::pixelLock)
 {
     const RECT rect = window.Rect();
     const RECT part = gdi::Cut(area, rect);
@@ -86,7 +86,7 @@ void CopyRows(gdi::Surface& from, gdi::Surface& to, const RECT& area)
 // is brought up to date. Those of the root where nothing lies on it, or for a lack of memory. Under the lock
 // of the desktop's pixels.
 gdi::Surface& Compose(std::span<const HWND> handles, const RECT& rect, gdi::Surface& root,
-                      std::optional<gdi::Surface>& seen) KX_REQUIRES(gdi::pixelLock)
+                      std::optional<gdi::Surface>& seen) KX_REQUIRES(screen::pixelLock)
 {
     const RECT area = gdi::Cut(rect, {0, 0, root.Width(), root.Height()});
     const std::vector<WindowPtr> windows = Visible(handles, area);

@@ -57,7 +57,7 @@ public:
     void Destroy(HWND hWnd) noexcept override;
 
     void Present(const Window&, const RECT&) override {}
-    gdi::Surface& Look(const RECT& rect, gdi::Surface& root) override KX_REQUIRES(gdi::pixelLock);
+    gdi::Surface& Look(const RECT& rect, gdi::Surface& root) override KX_REQUIRES(screen::pixelLock);
 
     std::vector<HWND> ForeignWindows() const override;
     std::optional<WindowFacts> FindForeign(HWND hWnd) const noexcept override;
@@ -85,7 +85,7 @@ private:
     mutable sync::Mutex m_lock;
     SIZE m_size KX_GUARDED_BY(m_lock){DESKTOP_WIDTH, DESKTOP_HEIGHT};
     WindowStack m_stack KX_GUARDED_BY(m_lock);
-    std::optional<gdi::Surface> m_seen KX_GUARDED_BY(gdi::pixelLock);
+    std::optional<gdi::Surface> m_seen KX_GUARDED_BY(screen::pixelLock);
     std::map<HWND, Foreign> m_foreign KX_GUARDED_BY(m_lock);
     Recent<KXHost::MessageBoxRecord> m_boxes KX_GUARDED_BY(m_lock);
 };

@@ -4,7 +4,6 @@
 #include "platform/gdiplus/Encode.h"
 #include "platform/gdiplus/Graphics.h"
 #include "platform/screen/Screen.h"
-#include "platform/window/Backing.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/HeadlessDesktop.h"
 #include "platform/window/Input.h"
@@ -49,8 +48,8 @@ try {
     kx::gdiplus::Bytes file;
     {
         const SIZE size = Desktop::Instance().Size();
-        const kx::sync::MutexLock lock(kx::gdi::pixelLock);
-        const auto root = kx::window::Root(size);
+        const kx::sync::MutexLock lock(kx::screen::pixelLock);
+        const auto root = Desktop::Root(size);
         if (!root) return false;
         kx::gdi::Surface& seen = Desktop::Instance().Look({0, 0, size.cx, size.cy}, root->surface);
         const auto view = kx::gdiplus::ViewOf(seen, kx::gdiplus::Alpha::Opaque);

@@ -6,7 +6,6 @@
 #include "platform/Errno.h"
 #include "platform/gdi/PixelRegion.h"
 #include "platform/screen/Screen.h"
-#include "platform/window/Backing.h"
 #include "platform/window/Desktop.h"
 #include "platform/window/Queue.h"
 
@@ -15,6 +14,14 @@
 namespace kx::window {
 
 namespace {
+
+// Gives the window's pixels its size, if they have another; what both sizes share stays. Gives the old size,
+// 0 by 0 without pixels.
+SIZE FitBacking(Window& window)
+{
+    const sync::MutexLock lock(screen::pixelLock);
+    return screen::Resize(window.backing, SizeOf(window.Rect()));
+}
 
 // Painted parts stay; the parts that a larger size brought are to be painted, for a class that wants it so
 // all.
@@ -53,7 +60,7 @@ void Appear(Window& window, bool bVisible)
 {
     const HWND hWnd = window.Handle();
     {
-        const sync::MutexLock lock(gdi::pixelLock);
+        const sync::MutexLock lock(screen::pixelLock);
         window.visible = bVisible;
         window.appeared = false;
     }
@@ -112,7 +119,7 @@ try {
     if (!window) return 0;
     if (hRgn && !region) return kx::Fail(ERROR_INVALID_HANDLE);
     {
-        const kx::sync::MutexLock lock(kx::gdi::pixelLock);
+        const kx::sync::MutexLock lock(kx::screen::pixelLock);
         window->shape.reset();
         if (region) window->shape = region->pixels;
     }

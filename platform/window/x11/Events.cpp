@@ -171,7 +171,7 @@ void Events::OnView()
 {
     if (!m_session->Ask([this] { return m_session->connection->LearnView(); })) return;
     {
-        const sync::MutexLock lock(gdi::pixelLock);
+        const sync::MutexLock lock(screen::pixelLock);
         screen::Screen::Instance().Forget();
     }
     const SIZE size = m_session->connection->GetView().monitor;

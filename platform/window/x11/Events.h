@@ -63,7 +63,7 @@ private:
 };
 
 // A scope in which the session is used under the connection's lock, which is free only while an answer is
-// awaited; what is asked for goes to the server at its end. gdi::pixelLock is taken within, never before.
+// awaited; what is asked for goes to the server at its end. screen::pixelLock is taken within, never before.
 // Null for a null session.
 class Access
 {

@@ -119,7 +119,7 @@ void CopyIn(const std::uint32_t* from, const RECT& rect, int nScale, gdi::Surfac
 
 RECT CutToSeen(const Window& window, const RECT& rect)
 {
-    const sync::MutexLock lock(gdi::pixelLock);
+    const sync::MutexLock lock(screen::pixelLock);
     if (!window.visible || !window.appeared || !window.backing) return {};
     return gdi::Cut(rect, {0, 0, window.backing->surface.Width(), window.backing->surface.Height()});
 }
@@ -173,7 +173,7 @@ bool PixelPort::CopyOut(const Window& window, const RECT& rect, int nScale, std:
 {
     const auto fade = m_fades.find(window.Handle());
     const Faded* const faded = fade == m_fades.end() ? nullptr : &fade->second;
-    const sync::MutexLock lock(gdi::pixelLock);
+    const sync::MutexLock lock(screen::pixelLock);
     if (!window.backing) return false;
     gdi::Surface& pixels = window.backing->surface;
     if (rect.right > pixels.Width() || rect.bottom > pixels.Height()) return false;

@@ -220,7 +220,7 @@ public:
     } catch (const std::bad_alloc&) {
         // The window keeps its pixels: the next that is drawn, or uncovered, shows them.
     }
-    gdi::Surface& Look(const RECT& rect, gdi::Surface& root) override KX_REQUIRES(gdi::pixelLock)
+    gdi::Surface& Look(const RECT& rect, gdi::Surface& root) override KX_REQUIRES(screen::pixelLock)
     {
         const RECT area = gdi::Cut(rect, {0, 0, root.Width(), root.Height()});
         auto part = ReadFreely(area);
@@ -262,9 +262,9 @@ private:
         if (id) tell(server->connection, id);
     }
     // Reads it without the lock of the pixels, for the time that the server takes.
-    std::optional<gdi::Surface> ReadFreely(const RECT& rect) const KX_REQUIRES(gdi::pixelLock)
+    std::optional<gdi::Surface> ReadFreely(const RECT& rect) const KX_REQUIRES(screen::pixelLock)
     {
-        const sync::MutexUnlock unlock(gdi::pixelLock);
+        const sync::MutexUnlock unlock(screen::pixelLock);
         return Read(rect);
     }
     // Reads a rectangle as it is seen; gives nothing where it can't. A guest's root shows nothing of what a
@@ -286,7 +286,7 @@ private:
     mutable sync::Mutex m_lock;
     std::shared_ptr<Session> m_session KX_GUARDED_BY(m_lock);
     std::thread m_events KX_GUARDED_BY(m_lock);
-    std::optional<gdi::Surface> m_seen KX_GUARDED_BY(gdi::pixelLock);
+    std::optional<gdi::Surface> m_seen KX_GUARDED_BY(screen::pixelLock);
 };
 
 std::unique_ptr<Desktop> OpenDesktop(const char* pszDisplay, std::chrono::milliseconds limit)
