@@ -251,14 +251,14 @@ try {
 // that were read.
 void CKXLogSys::AwaitEnd() const
 {
-    while (m_listLog.IsClosed())
+    while (Unguarded().IsClosed())
         Sleep(INFINITE);
 }
 
 int CKXLogSys::GetNextLog(CString& strLog)
 {
     std::string_view line;
-    if (!m_listLog.Next(line)) {
+    if (!Unguarded().Next(line)) {
         const CKXAutoLock lock(&m_lockLog);
         if (!m_listLog.Look()) m_bWoken = false; // the next line wakes the writer
         if (!m_listLog.Next(line)) return 0;
@@ -293,14 +293,14 @@ unsigned CKXLogSys::WriteLogThreadFunc()
 bool CKXLogSys::WriteNext(CString& strLine)
 {
     bool bLine = true;
-    const bool bFirst = m_listLog.ReadBytes() == 0;
+    const bool bFirst = Unguarded().ReadBytes() == 0;
     const bool bWritten = Try([&] {
         bLine = GetNextLog(strLine) != 0;
         if (!bLine) return;
-        if (bFirst && m_listLog.NeedsLineBreak()) m_fileLog.WriteString("\n");
+        if (bFirst && Unguarded().NeedsLineBreak()) m_fileLog.WriteString("\n");
         m_fileLog.WriteString(strLine);
     });
-    if (!bWritten || m_listLog.ReadBytes() >= BATCH_BYTES) HandOver(!bWritten);
+    if (!bWritten || Unguarded().ReadBytes() >= BATCH_BYTES) HandOver(!bWritten);
     return bLine;
 }
 
@@ -308,7 +308,7 @@ bool CKXLogSys::WriteNext(CString& strLine)
 // fails, the file's length tells.
 void CKXLogSys::HandOver(bool bFailed)
 {
-    if (m_listLog.ReadBytes() == 0) return;
+    if (Unguarded().ReadBytes() == 0) return;
     AwaitEnd();
     if (!Try([this] { m_fileLog.Flush(); })) bFailed = true;
     const std::uint64_t nLength = m_fileLog.GetPosition();

@@ -7,8 +7,8 @@
 namespace kx::core {
 
 // The queue of finished lines, in blocks that the record describes to the crash reporter. There is one, which
-// is never destroyed, as a crash may come at any time. All operations but Next and ReadBytes, which are the
-// writer's own, are called under the log's lock.
+// is never destroyed, as a crash may come at any time. All operations but Next, ReadBytes and NeedsLineBreak,
+// which are the writer's own, are called under the log's lock.
 class Queue
 {
 public:

@@ -111,7 +111,10 @@ private:
     static void AfterFork(bool bChild) noexcept;
     void StartAnew() noexcept;
 
-    kx::core::Queue& m_listLog; // guarded by m_lockLog, but for what the writer reads
+    // For what needs no lock: what the writer alone reads, and whether the log is closed.
+    kx::core::Queue& Unguarded() const noexcept KX_NO_LOCK_ANALYSIS { return m_listLog; }
+
+    kx::core::Queue& m_listLog KX_GUARDED_BY(m_lockLog);
     CKXCritSection m_lockLog;
     CStdioFile m_fileLog;
     HANDLE m_hThread = nullptr;

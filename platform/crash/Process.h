@@ -17,7 +17,11 @@ public:
     ~Process() override;
 
     // Once, before others know of the object.
-    void SetPid(pid_t pid) noexcept KX_NO_LOCK_ANALYSIS { m_pid = pid; }
+    void SetPid(pid_t pid) noexcept
+    {
+        const sync::MutexLock lock(m_lock);
+        m_pid = pid;
+    }
     // STILL_ACTIVE until it has ended.
     DWORD ExitCode() noexcept;
 

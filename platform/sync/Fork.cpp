@@ -18,15 +18,16 @@ struct Steps
 };
 constinit Steps g_steps;
 
-void Before() KX_NO_LOCK_ANALYSIS
+void Before() KX_ACQUIRE(g_steps.lock)
 {
     g_steps.lock.lock();
     for (std::size_t n = 0; n < g_steps.count; ++n)
         g_steps.steps[n].pfnBefore();
 }
 
-void After(bool bChild) KX_NO_LOCK_ANALYSIS
+void After(bool bChild)
 {
+    g_steps.lock.AssertHeld();
     for (std::size_t n = g_steps.count; n-- > 0;)
         g_steps.steps[n].pfnAfter(bChild);
     g_steps.lock.unlock();

@@ -45,8 +45,8 @@ bool LockAtFork(ForkOrder order, LockOf) noexcept
 {
     struct Step
     {
-        static void Take() noexcept KX_NO_LOCK_ANALYSIS { LockOf()().lock(); }
-        static void Give(bool) noexcept KX_NO_LOCK_ANALYSIS { LockOf()().unlock(); }
+        static void Take() noexcept KX_ACQUIRE(LockOf()()) { LockOf()().lock(); }
+        static void Give(bool) noexcept KX_RELEASE(LockOf()()) { LockOf()().unlock(); }
     };
     return AtFork({order, Step::Take, Step::Give});
 }

@@ -56,7 +56,6 @@ bool Signal::TakeOrQueue(Waiter& waiter) noexcept
         !m_state.compare_exchange_weak(state, next, std::memory_order_acquire, std::memory_order_relaxed));
     if (state & kSet) return true;
     m_queue.Append(waiter);
-    waiter.bQueued = true;
     return false;
 }
 
@@ -65,7 +64,7 @@ bool Signal::Leave(Waiter& waiter) noexcept
 {
     {
         const sync::MutexLock lock(m_lock);
-        if (waiter.bQueued) {
+        if (!(waiter.word.load(std::memory_order_relaxed) & kTaken)) {
             m_queue.Remove(waiter);
             if (m_queue.IsEmpty()) m_state.fetch_and(~kQueued, std::memory_order_relaxed);
             return true;
@@ -93,7 +92,7 @@ bool Signal::Release() noexcept
             if (m_queue.IsEmpty()) m_state.fetch_and(~kQueued, std::memory_order_relaxed);
         }
         for (Waiter* waiter = released.First(); waiter; waiter = waiter->next)
-            waiter->bQueued = false;
+            waiter->word.fetch_or(kTaken, std::memory_order_relaxed);
     }
     while (Waiter* waiter = released.TakeFirst()) {
         sync::Word& word = waiter->word;

@@ -35,13 +35,13 @@ public:
 private:
     struct Waiter : sync::ListLink<Waiter>
     {
-        sync::Word word{0}; // kReleased once it is released
-        bool bQueued = false;
+        sync::Word word{0}; // holds kTaken off the queue, and kReleased at the end
     };
 
     static constexpr std::uint32_t kSet = 1;
     static constexpr std::uint32_t kQueued = 2; // m_queue isn't empty; never together with kSet
     static constexpr std::uint32_t kReleased = 1;
+    static constexpr std::uint32_t kTaken = 2;
 
     bool TakeOrQueue(Waiter& waiter) noexcept;
     bool Leave(Waiter& waiter) noexcept;
@@ -49,7 +49,7 @@ private:
 
     const bool m_bManual;
     sync::Word m_state;
-    sync::Mutex m_lock; // also guards bQueued of the queue's elements, and changes of kQueued
+    sync::Mutex m_lock; // also held for changes of kQueued and kTaken
     sync::IntrusiveList<Waiter> m_queue KX_GUARDED_BY(m_lock);
 };
 

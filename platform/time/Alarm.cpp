@@ -1,44 +1,39 @@
 #include "platform/time/Alarm.h"
 
 #include "platform/sync/Fork.h"
-#include "platform/sync/Mutex.h"
 
 namespace kx::time {
 
-namespace {
+constinit sync::Mutex Alarm::s_lock;
+constinit sync::IntrusiveList<Alarm> Alarm::s_alarms;
+const bool Alarm::s_atFork = sync::AtFork({sync::ForkOrder::Alarms, BeforeFork, AfterFork});
 
-constinit sync::Mutex g_lock; // also guards m_seen of every alarm in the list
-constinit sync::IntrusiveList<Alarm> g_alarms KX_GUARDED_BY(g_lock);
-
-void BeforeFork() noexcept KX_NO_LOCK_ANALYSIS
+void Alarm::BeforeFork() noexcept
 {
-    g_lock.lock();
+    s_lock.lock();
 }
 
 // The alarms of threads that a fork's child doesn't have lie on stacks that others will use.
-void AfterFork(bool bChild) noexcept KX_NO_LOCK_ANALYSIS
+void Alarm::AfterFork(bool bChild) noexcept
 {
+    s_lock.AssertHeld();
     sync::IntrusiveList<Alarm> none;
-    if (bChild) g_alarms.Swap(none);
-    g_lock.unlock();
+    if (bChild) s_alarms.Swap(none);
+    s_lock.unlock();
 }
-
-[[maybe_unused]] const bool g_atFork = sync::AtFork({sync::ForkOrder::Alarms, BeforeFork, AfterFork});
-
-} // namespace
 
 Alarm::~Alarm()
 {
     if (!m_bListed) return;
-    const sync::MutexLock lock(g_lock);
-    g_alarms.Remove(*this);
+    const sync::MutexLock lock(s_lock);
+    s_alarms.Remove(*this);
 }
 
 void Alarm::Announce(std::uint32_t seen) noexcept
 {
-    const sync::MutexLock lock(g_lock);
+    const sync::MutexLock lock(s_lock);
     m_seen = seen;
-    if (!m_bListed) g_alarms.Append(*this);
+    if (!m_bListed) s_alarms.Append(*this);
     m_bListed = true;
 }
 
@@ -58,8 +53,8 @@ bool Alarm::Wait(std::uint32_t seen) noexcept
 
 void Alarm::RingDue(Moment now) noexcept
 {
-    const sync::MutexLock lock(g_lock);
-    for (Alarm* alarm = g_alarms.First(); alarm; alarm = alarm->next) {
+    const sync::MutexLock lock(s_lock);
+    for (Alarm* alarm = s_alarms.First(); alarm; alarm = alarm->next) {
         if (alarm->m_deadline > now) continue;
         alarm->m_word.fetch_add(kRing, std::memory_order_release);
         sync::FutexWake(alarm->m_word);
@@ -69,9 +64,9 @@ void Alarm::RingDue(Moment now) noexcept
 int Alarm::CountWaiting() noexcept
 {
     const Moment now = Now();
-    const sync::MutexLock lock(g_lock);
+    const sync::MutexLock lock(s_lock);
     int nCount = 0;
-    for (const Alarm* alarm = g_alarms.First(); alarm; alarm = alarm->next)
+    for (const Alarm* alarm = s_alarms.First(); alarm; alarm = alarm->next)
         nCount += alarm->m_deadline > now && alarm->m_word.load(std::memory_order_relaxed) == alarm->m_seen;
     return nCount;
 }

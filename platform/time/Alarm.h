@@ -2,6 +2,7 @@
 
 #include "platform/sync/Futex.h"
 #include "platform/sync/IntrusiveList.h"
+#include "platform/sync/Mutex.h"
 #include "platform/time/Clock.h"
 
 namespace kx::time {
@@ -16,12 +17,12 @@ namespace kx::time {
 //     }
 //
 // Others wake the thread by changing the word and then FutexWake. The clock itself changes it by adding
-// kRing, so the word's lowest bit is the owner's and the others tell nothing. Several threads may wait on one
-// word.
+// kRing, so the word's two lowest bits are the owner's and the others tell nothing. Several threads may wait
+// on one word.
 class Alarm : private sync::ListLink<Alarm>
 {
 public:
-    static constexpr std::uint32_t kRing = 2;
+    static constexpr std::uint32_t kRing = 4;
 
     // The word must outlive the alarm.
     Alarm(sync::Word& word, Moment deadline) noexcept : m_word(word), m_deadline(deadline) {}
@@ -44,11 +45,18 @@ public:
 private:
     friend class sync::IntrusiveList<Alarm>;
 
+    static void BeforeFork() noexcept KX_ACQUIRE(s_lock);
+    static void AfterFork(bool bChild) noexcept;
+
     void Announce(std::uint32_t seen) noexcept;
+
+    static sync::Mutex s_lock;
+    static sync::IntrusiveList<Alarm> s_alarms KX_GUARDED_BY(s_lock);
+    static const bool s_atFork;
 
     sync::Word& m_word;
     const Moment m_deadline;
-    std::uint32_t m_seen = 0; // guarded by the list's lock, like the links
+    std::uint32_t m_seen KX_GUARDED_BY(s_lock) = 0;
     bool m_bListed = false;
 };
 

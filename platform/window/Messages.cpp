@@ -95,7 +95,7 @@ LRESULT SendAcross(const WindowPtr& target, UINT nMsg, WPARAM wParam, LPARAM lPa
             if (!answered) receiver.Withdraw(message);
         }
     } withdraw{receiver, *message};
-    const LRESULT nResult = own->WaitForAnswer(*message);
+    const LRESULT nResult = kx::window::Queue::WaitForAnswer(*message);
     withdraw.answered = true;
     return nResult;
 }

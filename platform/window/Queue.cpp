@@ -80,14 +80,14 @@ void Queue::Withdraw(const SentMessage& message) noexcept
     if (it != m_sent.end()) gone.splice(gone.end(), m_sent, it);
 }
 
-void Queue::TakeAnswer(SentMessage& message, LRESULT nResult) noexcept
+void Queue::Answer(SentMessage& message, LRESULT nResult) noexcept
 {
     {
-        const sync::MutexLock lock(m_lock);
+        const sync::MutexLock lock(message.sender->m_lock);
         message.answered = true;
         message.result = nResult;
     }
-    Notify();
+    message.sender->Notify();
 }
 
 void Queue::PostQuit(int nExitCode)
@@ -116,11 +116,11 @@ bool Queue::Peek(MSG& msg, const Filter& filter, bool bRemove)
 
 LRESULT Queue::WaitForAnswer(const SentMessage& message)
 {
-    const sync::MutexLock lock(m_lock);
+    const sync::MutexLock lock(message.sender->m_lock);
     for (;;) {
         if (message.answered) return message.result;
-        ServeSent();
-        if (!message.answered) Wait();
+        message.sender->ServeSent();
+        if (!message.answered) message.sender->Wait();
     }
 }
 
@@ -137,7 +137,7 @@ void Queue::ServeSent()
         {
             SentMessage& message;
             LRESULT result;
-            ~AnswerAtEnd() { message.sender->TakeAnswer(message, result); }
+            ~AnswerAtEnd() { Answer(message, result); }
         } answer{*message, 0};
         answer.result = message->target->Call(message->message, message->wParam, message->lParam);
     }
@@ -268,7 +268,7 @@ void Queue::Forget(Window& window) noexcept
         }
     }
     for (const auto& message : released)
-        message->sender->TakeAnswer(*message, 0);
+        Answer(*message, 0);
 }
 
 void Queue::Close() noexcept

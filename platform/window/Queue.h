@@ -84,20 +84,7 @@ private:
     std::vector<Timer> m_timers;
 };
 
-// A message on its way from a thread that waits in SendMessageA to a window of another. Both threads share
-// it, since either may end before the other is done with it.
-struct SentMessage
-{
-    const std::shared_ptr<Window> target;
-    const UINT message;
-    const WPARAM wParam;
-    const LPARAM lParam;
-    const std::shared_ptr<Queue> sender;
-    // Guarded by the lock of the sender's queue. It is answered once at least: with the procedure's result,
-    // or with 0 when the window or its thread ends first or the procedure is left by an exception.
-    bool answered = false;
-    LRESULT result = 0;
-};
+struct SentMessage;
 
 // The part of a window that must be painted.
 struct Update
@@ -164,14 +151,16 @@ public:
     // Whether the message that was taken or seen last is what a person did.
     bool WasInput() const noexcept { return m_wasInput; }
     Input input;
-    // Serves what is sent here until the message, sent elsewhere, is answered; its result.
-    LRESULT WaitForAnswer(const SentMessage& message);
+    // On the sender's thread: serves what is sent there until the message is answered; its result.
+    static LRESULT WaitForAnswer(const SentMessage& message);
     // A window ends: releases its senders and drops what is posted to it.
     void Forget(Window& window) noexcept;
     // The thread ends, after its windows: nothing is posted to it any more.
     void Close() noexcept;
 
 private:
+    friend struct SentMessage;
+
     using Sent = std::list<std::shared_ptr<SentMessage>>;
     using WindowUpdate = std::pair<const Window*, Update>;
     enum class Kind
@@ -187,8 +176,8 @@ private:
     };
 
     DWORD PostTo(const Posted& posted, const Window* target, bool bLatest);
-    // Ends the wait for a message that this queue's thread sent.
-    void TakeAnswer(SentMessage& message, LRESULT nResult) noexcept;
+    // Ends the sender's wait.
+    static void Answer(SentMessage& message, LRESULT nResult) noexcept;
     void ServeSent() KX_REQUIRES(m_lock);
     auto FindUpdate(const Window& window) KX_REQUIRES(m_lock)
     {
@@ -214,6 +203,21 @@ private:
     Sent m_sent KX_GUARDED_BY(m_lock); // not yet begun
     bool m_closed KX_GUARDED_BY(m_lock) = false;
     bool m_wasInput = false;
+};
+
+// A message on its way from a thread that waits in SendMessageA to a window of another. Both threads share
+// it, since either may end before the other is done with it.
+struct SentMessage
+{
+    const std::shared_ptr<Window> target;
+    const UINT message;
+    const WPARAM wParam;
+    const LPARAM lParam;
+    const std::shared_ptr<Queue> sender;
+    // It is answered once at least: with the procedure's result, or with 0 when the window or its thread ends
+    // first or the procedure is left by an exception.
+    bool answered KX_GUARDED_BY(sender->m_lock) = false;
+    LRESULT result KX_GUARDED_BY(sender->m_lock) = 0;
 };
 
 // ---- A thread gets its queue when it first needs one; the thread's end ends its windows and the queue.

@@ -112,20 +112,20 @@ public:
     std::atomic<std::intptr_t> userData{0};
 
     // Null until something is drawn.
-    std::shared_ptr<screen::Backing> backing KX_GUARDED_BY(gdi::pixelLock);
+    std::shared_ptr<screen::Backing> backing KX_GUARDED_BY(screen::pixelLock);
     // The part of it that is seen; nothing: all.
-    std::optional<gdi::PixelRegion> shape KX_GUARDED_BY(gdi::pixelLock);
+    std::optional<gdi::PixelRegion> shape KX_GUARDED_BY(screen::pixelLock);
     // It has been painted since it was shown.
-    bool appeared KX_GUARDED_BY(gdi::pixelLock) = false;
+    bool appeared KX_GUARDED_BY(screen::pixelLock) = false;
 
     // The owning thread's alone: its end has begun, it asked to hear that the mouse leaves it, and which
     // animation of it is the newest.
     bool ending = false;
     bool tracksLeave = false;
     unsigned animation = 0;
-    // No message reaches it any more. Set by the owning thread under its queue's lock, so that thread may
-    // read it without.
-    bool ended = false;
+    // No message reaches it any more. The owning thread sets it under its queue's lock, under which others
+    // look at it before they queue something for the window.
+    std::atomic<bool> ended{false};
 
 private:
     HWND m_handle = nullptr;

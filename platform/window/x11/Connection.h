@@ -110,14 +110,12 @@ public:
     // Runs what waits for an answer, within an Access. Others may use the connection meanwhile, so that what
     // the lock guards may be another after it.
     template <class Call>
-    auto Wait(Call call) const noexcept KX_NO_LOCK_ANALYSIS
+    auto Wait(Call call) const noexcept
     {
-        useLock.unlock();
-        turnLock.lock();
-        auto answer = call();
-        turnLock.unlock();
-        useLock.lock();
-        return answer;
+        useLock.AssertHeld();
+        const sync::MutexUnlock others(useLock);
+        const sync::MutexLock turn(turnLock);
+        return call();
     }
 
     const Atoms atoms;

@@ -45,13 +45,16 @@ void Watch::Run()
     while (!m_ends) {
         if (m_uses.IsEmpty()) {
             m_sleeps = true;
-            m_changed.wait(lock, [&]() KX_NO_LOCK_ANALYSIS { return m_ends || !m_sleeps; });
+            while (m_sleeps && !m_ends)
+                m_changed.wait(lock);
             continue;
         }
         const Use* const awaited = m_uses.First();
         const auto since = awaited->m_since;
         const auto due = std::max(since + m_limit, least);
-        if (m_changed.wait_until(lock, due, [&]() KX_NO_LOCK_ANALYSIS { return m_ends; })) return;
+        while (!m_ends && m_changed.wait_until(lock, due) == std::cv_status::no_timeout) {
+        }
+        if (m_ends) return;
         // A program that was stopped itself gives the server another limit.
         const auto now = Clock::now();
         least = now - due > m_limit / 2 + std::chrono::seconds(1) ? now + m_limit : Clock::time_point{};
