@@ -5,7 +5,6 @@
 #include "core/LogQueue.h"
 #include "internal/Debug.h"
 #include "platform/Clock.h"
-#include "platform/Crash.h"
 #include "platform/Debug.h"
 #include "platform/Exception.h"
 
@@ -62,7 +61,7 @@ CKXLogSys* CKXLogSys::GetSingletonPtr()
 CKXLogSys::CKXLogSys() : m_listLog(kx::core::Queue::Get())
 {
     s_auto_ptr.reset(this);
-    KXCrash::SetLogRecord(&m_listLog.GetRecord());
+    kx::debug::SetLogRecord(&m_listLog.GetRecord());
     KXAtFork(BeforeFork, AfterFork);
     OutputDebugStringA("CKXLogSys Construction!\n");
 }

@@ -45,4 +45,8 @@ private:
     const char* const m_pszBefore;
 };
 
+// Names the record of a queue of lines (core/LogRecord.h) which the crash reporter brings home; null for
+// none. The record and all that it leads to stay in place to the end of the process. Any thread.
+KX_API void SetLogRecord(const void* pRecord) noexcept;
+
 } // namespace kx::debug

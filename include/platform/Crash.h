@@ -127,10 +127,6 @@ KX_API bool GuardThread() noexcept;
 // Heap-free forms of common calls, any thread, in a filter too. In a filter a path is found ignoring the case
 // of ASCII letters alone, and a relative one from the current directory.
 
-// Names the record of a queue of lines (core/LogRecord.h) which the crash reporter brings home; null for
-// none. What it leads to stays in place to the end of the process. Any thread.
-KX_API void SetLogRecord(const void* pRecord) noexcept;
-
 // Whether a file (no directory) can be opened for reading.
 KX_API bool IsFileReadable(const char* pszPath) noexcept;
 // Non-zero if the directory was made.

@@ -1,7 +1,7 @@
 // The crash reporter finds the log's queue in a process by a note among the library's headers in memory,
 // which holds up when the library's file has been replaced meanwhile.
 
-#include "include/platform/Crash.h"
+#include "internal/Debug.h"
 
 #include <atomic>
 
@@ -25,7 +25,7 @@ __asm__(R"(
         .popsection
 )");
 
-void KXCrash::SetLogRecord(const void* pRecord) noexcept
+void kx::debug::SetLogRecord(const void* pRecord) noexcept
 {
     kx_log_record.store(pRecord, std::memory_order_release);
 }

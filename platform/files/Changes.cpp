@@ -2,7 +2,7 @@
 
 #include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
-#include "platform/files/EntryInfo.h"
+#include "platform/files/File.h"
 #include "platform/files/Path.h"
 
 #include <sys/stat.h>

@@ -1,7 +1,6 @@
 #include "include/platform/File.h"
 #include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
-#include "platform/files/EntryInfo.h"
 #include "platform/files/File.h"
 #include "platform/files/Path.h"
 #include "platform/files/WholeFile.h"

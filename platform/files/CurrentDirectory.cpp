@@ -5,7 +5,7 @@
 #include "include/platform/FileSystem.h"
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
-#include "platform/files/EntryInfo.h"
+#include "platform/files/File.h"
 #include "platform/sync/Fork.h"
 #include "platform/sync/Mutex.h"
 

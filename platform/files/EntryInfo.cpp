@@ -1,4 +1,4 @@
-#include "platform/files/EntryInfo.h"
+#include "platform/files/File.h"
 
 #include "platform/Errno.h"
 #include "platform/files/Path.h"

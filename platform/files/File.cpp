@@ -4,7 +4,6 @@
 #include "include/platform/File.h"
 #include "platform/Errno.h"
 #include "platform/UniqueFd.h"
-#include "platform/files/EntryInfo.h"
 #include "platform/files/Path.h"
 #include "platform/files/WholeFile.h"
 

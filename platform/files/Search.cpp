@@ -4,7 +4,7 @@
 #include "platform/Errno.h"
 #include "platform/Handles.h"
 #include "platform/files/Directory.h"
-#include "platform/files/EntryInfo.h"
+#include "platform/files/File.h"
 #include "platform/files/Path.h"
 #include "platform/sync/Mutex.h"
 #include "platform/text/Conversion.h"

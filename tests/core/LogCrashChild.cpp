@@ -1,6 +1,7 @@
 #include "KXCrashDumper.h"
 #include "KXLogSys.h"
 #include "core/LogRecord.h"
+#include "internal/Debug.h"
 #include "platform/Host.h"
 #include "tests/support/CrashKinds.h"
 
@@ -118,7 +119,7 @@ struct Forged
                   kx::core::CheckOf(pid, file),
                   {}};
         record.positions[1] = {reinterpret_cast<std::uint64_t>(&pieces[0]), 0, 7, 0};
-        KXCrash::SetLogRecord(&record);
+        kx::debug::SetLogRecord(&record);
     }
 
     std::array<Piece, 2> pieces;
@@ -147,7 +148,7 @@ void CrashWithForgedQueue(const std::string& what)
         {"check", [] { ++queue.record.check; }},
         {"process", [] { queue.record.process += 1; }},
         {"version", [] { queue.record.version += 1; }},
-        {"record", [] { KXCrash::SetLogRecord(reinterpret_cast<const void*>(16)); }},
+        {"record", [] { kx::debug::SetLogRecord(reinterpret_cast<const void*>(16)); }},
     };
     faults.at(what)();
     crashes::CrashByRead();

@@ -1,5 +1,7 @@
 #include "platform/gdi/ImageFile.h"
 #include "platform/gdiplus/codecs/Codecs.h"
+#include "platform/module/Door.h"
+
 #include <algorithm>
 #include <csetjmp>
 #include <cstring>
@@ -258,4 +260,13 @@ Gdiplus::Status WritePng(const PixelView& view, Bytes& file)
     return PngEncoder(view, file).Run();
 }
 
+namespace {
+
+constexpr Functions kFunctions{{ReadPngPixels}, ReadPng,  ReadJpeg,  ReadGif, ReadTiff,
+                               WriteJpeg,       WriteGif, WriteTiff, WritePng};
+
+} // namespace
+
 } // namespace kx::gdiplus::codecs
+
+KX_MODULE_ENTRY(pictures, kx::gdiplus::codecs::kFunctions)
