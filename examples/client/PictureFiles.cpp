@@ -81,8 +81,9 @@ bool client::MakeBallPng(const CString& strPath)
     GUID clsid{};
     std::vector<WCHAR> path(MAX_PATH);
     MultiByteToWideChar(CP_ACP, 0, strPath, -1, path.data(), MAX_PATH);
-    return CKXGdiplusImage::GetEncoderClsid(szPng, &clsid) >= 0 &&
-           bitmap.Save(path.data(), &clsid) == Gdiplus::Ok;
+    if (CKXGdiplusImage::GetEncoderClsid(szPng, &clsid) < 0) return false;
+    if (bitmap.Save(path.data(), &clsid) != Gdiplus::Ok) return false;
+    return Gdiplus::Image(path.data()).GetPixelFormat() == Gdiplus::PixelFormat32bppARGB; // see-through still
 }
 
 bool client::MakeLandscapeJpeg(const CString& strPath)

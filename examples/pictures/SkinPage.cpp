@@ -131,8 +131,10 @@ bool SaveOther(const SkinFile& file)
     CKXSkinResManager& skins = *CKXSkinResManager::GetSingletonPtr();
     if (file.kind == FileKind::Icon) {
         CKXSkinIMListRes& list = *skins.GetIMLRes();
-        canvas.DC().DrawIcon(kMargin, kMargin,
-                             StemOf(file) == "Normal" ? list.m_hNormalIcon : list.m_hExpandIcon);
+        const HICON hIcon = StemOf(file) == "Normal" ? list.m_hNormalIcon : list.m_hExpandIcon;
+        CSize size;
+        if (!GetIconSize(hIcon, &size)) return false;
+        canvas.DC().DrawIcon(kMargin, kMargin + (16 - size.cy) / 2, hIcon); // on one line with the pictures
     } else {
         CKXGdiplusImage image;
         image.Load(strSkin + file.pszPath);

@@ -37,6 +37,8 @@ int main()
     lesson.SetDateTime(when.GetYear(), when.GetMonth(), when.GetDay() + 1, 10, 0, 0);
     std::printf("%.2f days from %02d:%02d:%02d on\n", lesson.GetDays() - when.GetDays(), when.GetHour(),
                 when.GetMinute(), when.GetSecond());
+    lesson = COleDateTime::FromTime(1'268'524'800); // a server's stamp, of a year later, in the user's zone
+    if (lesson < when) lesson.SetStatus(COleDateTime::null); // over: there is none
 
     CString strId;
     CreateGUIDString(strId);
@@ -55,7 +57,8 @@ int main()
     const CString strHello = KXText::FromUtf8("你好"); // in the code page of the process, 936
     std::printf("%s: %d words, %s\n", KXText::ToUtf8(strHello).c_str(), nWords, strId.GetString());
     return nWords == 3 && strTyped == "VOYAGE" && nWord <= 2 && numbers.size() == 2 &&
-                   when.GetStatus() == COleDateTime::valid && strAgain == strId && strHello.GetLength() == 4
+                   when.GetStatus() == COleDateTime::valid && lesson.GetStatus() == COleDateTime::valid &&
+                   strAgain == strId && strHello.GetLength() == 4
                ? 0
                : 1;
 }
