@@ -54,11 +54,12 @@ bool CopyContent(int source, int target, off_t size)
     return true;
 }
 
-// Content, permissions and time; the last two as far as the target's file system has them.
+// Content, permissions and time; the last two as far as the target's file system has them. The permissions
+// come first, so that nobody reads of the content who may not.
 bool CopyInto(int source, int target, const struct stat& info)
 {
-    if (!CopyContent(source, target, info.st_size)) return false;
     static_cast<void>(fchmod(target, info.st_mode & 0777) == 0);
+    if (!CopyContent(source, target, info.st_size)) return false;
     const std::array<timespec, 2> times{info.st_atim, info.st_mtim};
     futimens(target, times.data());
     return true;
@@ -113,7 +114,7 @@ int CopyLink(const std::string& source, const std::string& target, bool bFailIfE
             target.substr(0, target.rfind('/') + 1) + ".kx" + std::to_string(gettid()) + ".kxnew";
         unlink(part.c_str()); // of a copy that was killed
         if (symlink(text.c_str(), part.c_str()) == 0) {
-            if (rename(part.c_str(), target.c_str()) == 0) return 1;
+            if (rename(part.c_str(), target.c_str()) == 0) return 1; // a link has no content to be lost
             unlink(part.c_str());
         }
         return kx::files::FailAt(target);

@@ -269,8 +269,10 @@ DWORD FileReplacement::Commit(bool bSync)
 {
     if (m_errno != 0) return ErrorFromErrno(m_errno);
     if (!m_bOurs) return ERROR_INVALID_HANDLE;
-    // Writing may take the higher bits away, so the mode is set behind it.
-    if (m_mode & ~0777u) fchmod(m_part.Get(), m_mode);
+    // Writing may take the higher bits away, so they are set behind it. The others may be another's by now.
+    struct stat made = {};
+    if ((m_mode & ~0777u) && fstat(m_part.Get(), &made) == 0)
+        fchmod(m_part.Get(), (made.st_mode & 0777) | (m_mode & ~0777u));
     if (bSync && fsync(m_part.Get()) != 0) return ErrorFromErrno(errno);
     if (!HasName()) return ERROR_SHARING_VIOLATION; // where there are no locks, or somebody has cleaned up
     if (!Publish()) return ErrorFromErrno(errno);
@@ -285,6 +287,12 @@ DWORD ReplaceWholeFile(const std::string& path, std::string_view bytes, mode_t m
     if (const DWORD error = replacement.Begin(path, mode)) return error;
     replacement.Write(bytes.data(), bytes.size());
     return replacement.Commit();
+}
+
+void MakeDirectoriesAbove(const std::string& file, mode_t mode)
+{
+    for (std::size_t slash = 1; (slash = file.find('/', slash)) != file.npos; ++slash)
+        mkdir(file.substr(0, slash).c_str(), mode);
 }
 
 } // namespace kx::files

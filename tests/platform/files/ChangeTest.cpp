@@ -44,6 +44,7 @@ TEST(Copy, PassesOnContentPermissionsAndTime)
     drive.Write("Old", "a longer text than nothing");
     drive.Write("empty", "");
     fs::permissions(drive.Path("from"), fs::perms::owner_read | fs::perms::owner_exec);
+    fs::permissions(drive.Path("Old"), fs::perms{02664}); // a higher bit brings back none of the lower
     const timespec times[] = {{1'000'000'000, 5}, {1'100'000'000, 7}};
     utimensat(AT_FDCWD, drive.Path("from").c_str(), times, 0);
     for (const char* target : {"X:\\to", "X:\\OLD"})
