@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <new>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -45,16 +46,18 @@ bool KXHost::IsMemoryDesktop()
 
 bool KXHost::SaveDesktop(const std::string& strPath)
 try {
-    kx::gdiplus::Bytes file;
+    const SIZE size = Desktop::Instance().Size();
+    std::optional<kx::gdi::Surface> seen;
     {
-        const SIZE size = Desktop::Instance().Size();
         const kx::sync::MutexLock lock(kx::screen::pixelLock);
         const auto root = Desktop::Root(size);
         if (!root) return false;
-        kx::gdi::Surface& seen = Desktop::Instance().Look({0, 0, size.cx, size.cy}, root->surface);
-        const auto view = kx::gdiplus::ViewOf(seen, kx::gdiplus::Alpha::Opaque);
-        if (kx::gdiplus::EncodePng(view, file) != Gdiplus::Ok) return false;
+        const RECT all{0, 0, size.cx, size.cy};
+        seen = kx::gdi::Snapshot(Desktop::Instance().Look(all, root->surface), all);
     }
+    kx::gdiplus::Bytes file; // made while others may paint
+    const auto view = kx::gdiplus::ViewOf(*seen, kx::gdiplus::Alpha::Opaque);
+    if (kx::gdiplus::EncodePng(view, file) != Gdiplus::Ok) return false;
     const std::string_view bytes(reinterpret_cast<const char*>(file.data()), file.size());
     return kx::files::ReplaceWholeFile(strPath, bytes, 0666) == ERROR_SUCCESS;
 } catch (const std::bad_alloc&) {
