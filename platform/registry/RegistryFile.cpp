@@ -5,6 +5,7 @@
 #include "include/platform/Host.h"
 #include "platform/Errno.h"
 #include "platform/Immortal.h"
+#include "platform/files/WholeFile.h"
 #include "platform/profile/IniEdit.h"
 #include "platform/profile/IniStore.h"
 #include "platform/sync/Mutex.h"
@@ -132,17 +133,11 @@ std::optional<Value> ParseValue(std::string_view line)
     return value;
 }
 
-void MakeDirectories(const std::string& file)
-{
-    for (std::size_t slash = 1; (slash = file.find('/', slash)) != file.npos; ++slash)
-        mkdir(file.substr(0, slash).c_str(), kNewDirectory);
-}
-
 DWORD Change(const profile::Edit& edit)
 {
     const std::string file = FilePath();
     if (file.empty()) return ERROR_PATH_NOT_FOUND;
-    MakeDirectories(file);
+    files::MakeDirectoriesAbove(file, kNewDirectory);
     return profile::Update(file, kNewFile, edit);
 }
 

@@ -3,6 +3,7 @@
 #include "include/KXExport.h"
 
 #include "platform/gdi/DeviceContext.h"
+#include "platform/sync/Mutex.h"
 
 #include <memory>
 #include <optional>

@@ -256,6 +256,7 @@ try {
     *ppStream = new (std::nothrow) BlockStream(hBlock, std::move(block), bDeleteOnRelease != 0);
     if (*ppStream) return S_OK;
     if (bOwn) GlobalFree(hBlock);
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return E_OUTOFMEMORY;
 } catch (...) {
     kx::NoMemory();

@@ -1,6 +1,7 @@
 #include "include/platform/Com.h"
 #include "include/platform/CodePage.h"
 #include "internal/Debug.h"
+#include "platform/Errno.h"
 #include "platform/module/Door.h"
 #include "platform/text/Conversion.h"
 #include "platform/xml/Functions.h"
@@ -43,7 +44,8 @@ try {
     const HRESULT result = document->QueryInterface(iid, ppObject);
     document->Release();
     return result;
-} catch (const std::bad_alloc&) {
+} catch (...) {
+    kx::NoMemory();
     return E_OUTOFMEMORY;
 }
 

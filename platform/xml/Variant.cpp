@@ -1,5 +1,6 @@
 #include "include/platform/Variant.h"
 
+#include "platform/Errno.h"
 #include "platform/text/CharWalk.h"
 #include "platform/xml/Functions.h"
 
@@ -88,10 +89,14 @@ BSTR SysAllocString(const WCHAR* pszText)
 
 BSTR SysAllocStringLen(const WCHAR* pText, UINT nUnits)
 {
-    if (nUnits > MAX_BSTR_UNITS) return nullptr;
     const BSTR_LENGTH nBytes = nUnits * static_cast<BSTR_LENGTH>(sizeof(WCHAR));
-    auto* const block = static_cast<char*>(std::malloc(sizeof nBytes + nBytes + sizeof(WCHAR)));
-    if (!block) return nullptr;
+    void* const memory =
+        nUnits > MAX_BSTR_UNITS ? nullptr : std::malloc(sizeof nBytes + nBytes + sizeof(WCHAR));
+    if (!memory) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return nullptr;
+    }
+    auto* const block = static_cast<char*>(memory);
     std::memcpy(block, &nBytes, sizeof nBytes);
     auto* const bstr = reinterpret_cast<BSTR>(block + sizeof nBytes);
     if (pText && nUnits > 0) std::memcpy(bstr, pText, nBytes);
@@ -137,6 +142,7 @@ try {
     VariantClear(pTarget);
     *pTarget = result;
     return S_OK;
-} catch (const std::bad_alloc&) {
+} catch (...) {
+    kx::NoMemory();
     return E_OUTOFMEMORY;
 }

@@ -33,18 +33,9 @@ std::string UsualDirectory()
     return result < 0 || !found ? "" : found;
 }
 
-void MakeDirectories(const std::string& directory)
+DWORD Write(const std::string& path, std::string_view text, files::FileReplacement::Existing existing)
 {
-    for (std::size_t slash = 1; slash != directory.npos;) {
-        slash = directory.find('/', slash + 1);
-        mkdir(directory.substr(0, slash).c_str(), 0755);
-    }
-}
-
-DWORD Write(const std::string& directory, const std::string& path, std::string_view text,
-            files::FileReplacement::Existing existing)
-{
-    MakeDirectories(directory);
+    files::MakeDirectoriesAbove(path, 0755);
     files::FileReplacement file(existing);
     if (const DWORD error = file.Begin(path, kMode)) return error;
     fchmod(file.Fd(), kMode); // whatever the process's mask: other users ask for it too
@@ -95,7 +86,7 @@ UnitStore::UnitStore(const std::string& directory)
 DWORD UnitStore::Create(const std::string& unit, std::string_view text) const
 {
     if (m_directory.empty()) return ERROR_PATH_NOT_FOUND;
-    const DWORD error = Write(m_directory, Path(unit), text, files::FileReplacement::Existing::Refused);
+    const DWORD error = Write(Path(unit), text, files::FileReplacement::Existing::Refused);
     return error == ERROR_ALREADY_EXISTS ? ERROR_SERVICE_EXISTS : error;
 }
 
@@ -117,7 +108,7 @@ DWORD UnitStore::Describe(const std::string& unit, std::string_view text) const
 {
     if (m_directory.empty()) return ERROR_PATH_NOT_FOUND;
     const std::string directory = Path(unit) + ".d";
-    return Write(directory, directory + "/" + kDropIn, text, files::FileReplacement::Existing::Replaced);
+    return Write(directory + "/" + kDropIn, text, files::FileReplacement::Existing::Replaced);
 }
 
 DWORD UnitStore::Undescribe(const std::string& unit) const
