@@ -1,5 +1,6 @@
 #include "KXText.h"
 
+#include "internal/Wide.h"
 #include "platform/CodePage.h"
 #include "platform/Exception.h"
 
@@ -11,14 +12,10 @@ namespace {
 // Every character takes at most three times as many bytes in one code page as in another.
 constexpr std::size_t kMost = INT_MAX / 4;
 
-std::u16string Widen(UINT nCodePage, std::string_view text)
+std::u16string Wide(UINT nCodePage, std::string_view text)
 {
     if (text.size() > kMost) AfxThrowMemoryException();
-    std::u16string wide(text.size(), u'\0'); // a byte never becomes more than one unit
-    const int nUnits = MultiByteToWideChar(nCodePage, 0, text.data(), static_cast<int>(text.size()),
-                                           wide.data(), static_cast<int>(wide.size()));
-    wide.resize(static_cast<std::size_t>(nUnits));
-    return wide;
+    return kx::Widen(nCodePage, text);
 }
 
 // The number of bytes, which are written only if there is room.
@@ -31,7 +28,7 @@ int Narrow(UINT nCodePage, const std::u16string& wide, char* pTarget, int nRoom)
 
 CString KXText::FromUtf8(std::string_view utf8)
 try {
-    const std::u16string wide = Widen(CP_UTF8, utf8);
+    const std::u16string wide = Wide(CP_UTF8, utf8);
     CString strText;
     const int nBytes = Narrow(CP_ACP, wide, nullptr, 0);
     if (nBytes == 0) return strText;
@@ -44,7 +41,7 @@ try {
 
 std::string KXText::ToUtf8(std::string_view text)
 try {
-    const std::u16string wide = Widen(CP_ACP, text);
+    const std::u16string wide = Wide(CP_ACP, text);
     std::string utf8(static_cast<std::size_t>(Narrow(CP_UTF8, wide, nullptr, 0)), '\0');
     Narrow(CP_UTF8, wide, utf8.data(), static_cast<int>(utf8.size()));
     return utf8;

@@ -2,6 +2,7 @@
 
 #include "KXIniDataMgr.h"
 #include "internal/CheckedFile.h"
+#include "internal/Wide.h"
 #include "platform/CodePage.h"
 #include "platform/Exception.h"
 
@@ -28,15 +29,6 @@ std::string_view Trim(std::string_view text)
     while (!text.empty() && isSpace(text.back()))
         text.remove_suffix(1);
     return text;
-}
-
-std::u16string Widen(UINT nCodePage, std::string_view text)
-{
-    std::u16string wide(text.size(), u'\0'); // a byte never becomes more than one unit
-    const int nUnits = MultiByteToWideChar(nCodePage, 0, text.data(), static_cast<int>(text.size()),
-                                           wide.data(), static_cast<int>(wide.size()));
-    wide.resize(static_cast<std::size_t>(nUnits));
-    return wide;
 }
 
 bool IsAscii(std::string_view text)

@@ -14,7 +14,6 @@
 #define KX_SCOPED_CAPABILITY KX_THREAD_ATTRIBUTE(scoped_lockable)
 #define KX_GUARDED_BY(lock) KX_THREAD_ATTRIBUTE(guarded_by(lock))
 #define KX_REQUIRES(...) KX_THREAD_ATTRIBUTE(requires_capability(__VA_ARGS__))
-#define KX_EXCLUDES(...) KX_THREAD_ATTRIBUTE(locks_excluded(__VA_ARGS__))
 #define KX_ACQUIRE(...) KX_THREAD_ATTRIBUTE(acquire_capability(__VA_ARGS__))
 #define KX_RELEASE(...) KX_THREAD_ATTRIBUTE(release_capability(__VA_ARGS__))
 #define KX_NO_LOCK_ANALYSIS KX_THREAD_ATTRIBUTE(no_thread_safety_analysis)

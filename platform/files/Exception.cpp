@@ -1,12 +1,10 @@
 #include "platform/files/File.h"
 
 #include "include/platform/Error.h"
-#include "platform/Errno.h"
 #include "platform/Immortal.h"
 #include "platform/text/CharWalk.h"
 
 #include <cerrno>
-#include <cstddef>
 #include <cstring>
 #include <new>
 #include <string_view>
@@ -147,22 +145,4 @@ CFileException kx::files::PathFailure(DWORD dwError, const char* pszPath)
                        : dwError == ERROR_INVALID_NAME       ? EILSEQ
                                                              : ENOENT;
     return CFileException(CFileException::badPath, nErrno, pszPath);
-}
-
-kx::Zero kx::NoMemory()
-{
-    try {
-        throw;
-    } catch (const std::bad_alloc&) { // told below
-    } catch (CMemoryException* exception) {
-        exception->Delete();
-    }
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return {};
-}
-
-void kx::NeedRoom()
-{
-    constexpr std::size_t kRoom = std::size_t{1} << 20;
-    ::operator delete(::operator new(kRoom));
 }

@@ -114,4 +114,7 @@ private:
 // Replaces or makes a file; `mode` as for FileReplacement::Begin.
 KX_API DWORD ReplaceWholeFile(const std::string& path, std::string_view bytes, mode_t mode);
 
+// Makes the directories above a file, as far as they are missing and can be made.
+KX_API void MakeDirectoriesAbove(const std::string& file, mode_t mode);
+
 } // namespace kx::files

@@ -77,7 +77,7 @@ private:
     const std::optional<PixelRegion> m_limit;
     std::optional<PixelRegion> m_region;
     std::shared_ptr<Bitmap> m_own;         // null where the pixels are shared
-    sync::Mutex* const m_shared = nullptr; // their lock; null for memory
+    sync::Mutex* const m_shared = nullptr; // their lock; null for memory, so no checker follows it
     View m_view;
     std::array<std::shared_ptr<Object>, static_cast<std::size_t>(Kind::Font) + 1> m_held;
 };

@@ -31,7 +31,7 @@ using Key = std::tuple<FaceRequest, int>;
 // again.
 struct Recent
 {
-    std::list<std::pair<Key, std::shared_ptr<FontFace>>> entries;
+    std::list<std::pair<Key, std::shared_ptr<FontFace>>> entries KX_GUARDED_BY(textLock);
 };
 
 int Clamped(int nHeight)

@@ -14,14 +14,11 @@
 
 namespace kx::gdi {
 
-// Held while text is measured or drawn: FreeType's faces and the glyph caches belong to one thread at a time.
-extern sync::Mutex textLock;
-
 // Loads the module for letters, if it isn't yet; without the text lock, since what it tells is heard.
 void NeedLetters() noexcept;
 
 // A typeface at one size, with the letters that were used. Without any face on the system, or without the
-// module for letters, a text takes room by its height alone and draws nothing. Used under the text lock.
+// module for letters, a text takes room by its height alone and draws nothing.
 class FontFace
 {
 public:
@@ -29,20 +26,20 @@ public:
     // and kept for a while after the last. Never null.
     static std::shared_ptr<FontFace> For(const FaceRequest& request, int nHeight) KX_REQUIRES(textLock);
 
-    FontFace(const FaceRequest& request, int nHeight);
+    FontFace(const FaceRequest& request, int nHeight) KX_REQUIRES(textLock);
 
     // Valid until the next call.
-    const Glyph& Get(char32_t ch);
+    const Glyph& Get(char32_t ch) KX_REQUIRES(textLock);
     const FontMetrics& Metrics() const noexcept { return m_metrics; }
 
 private:
-    Glyph Draw(char32_t ch);
+    Glyph Draw(char32_t ch) KX_REQUIRES(textLock);
 
     const int m_height;
     const std::unique_ptr<Letters> m_letters;
     const FontMetrics m_metrics;
-    std::unordered_map<char32_t, Glyph> m_glyphs;
-    std::size_t m_bytes = 0; // of all these letters
+    std::unordered_map<char32_t, Glyph> m_glyphs KX_GUARDED_BY(textLock);
+    std::size_t m_bytes KX_GUARDED_BY(textLock) = 0; // of all these letters
 };
 
 class Font final : public Object
@@ -72,8 +69,8 @@ struct TextLine
     int mark = -1; // the letter to be underlined, -1 for none
 };
 
-// Divides a text into lines as DrawTextA does by its flags, for a room of `nRoom` pixels. Under the text
-// lock.
-std::vector<TextLine> BreakLines(FontFace& face, std::string_view text, UINT nFormat, int nRoom);
+// Divides a text into lines as DrawTextA does by its flags, for a room of `nRoom` pixels.
+std::vector<TextLine> BreakLines(FontFace& face, std::string_view text, UINT nFormat, int nRoom)
+    KX_REQUIRES(textLock);
 
 } // namespace kx::gdi

@@ -22,7 +22,7 @@ std::u32string Decode(std::string_view text)
     return decoded;
 }
 
-int Measure(FontFace& face, std::u32string_view text)
+int Measure(FontFace& face, std::u32string_view text) KX_REQUIRES(textLock)
 {
     std::int64_t width = 0;
     for (const char32_t ch : text)
@@ -53,7 +53,7 @@ void TakePrefixes(TextLine& line)
 
 // The place where a line that is too long is cut: behind the last blank that fits, or else behind the last
 // letter that does.
-std::size_t FindBreak(FontFace& face, std::u32string_view text, int nRoom)
+std::size_t FindBreak(FontFace& face, std::u32string_view text, int nRoom) KX_REQUIRES(textLock)
 {
     std::size_t nBlank = 0;
     std::int64_t width = 0;
@@ -68,6 +68,7 @@ std::size_t FindBreak(FontFace& face, std::u32string_view text, int nRoom)
 
 // Cuts a line into pieces that fit into the room.
 void BreakWords(FontFace& face, const TextLine& line, int nRoom, std::vector<TextLine>& pieces)
+    KX_REQUIRES(textLock)
 {
     std::u32string_view rest = line.text;
     int mark = line.mark; // in the rest
@@ -87,7 +88,7 @@ std::vector<TextLine> BreakLines(FontFace& face, std::string_view text, UINT nFo
     const bool bSingle = (nFormat & DT_SINGLELINE) != 0;
     std::vector<TextLine> lines;
     TextLine line;
-    const auto end = [&] {
+    const auto end = [&]() KX_REQUIRES(textLock) {
         if (!(nFormat & DT_NOPREFIX)) TakePrefixes(line);
         if ((nFormat & DT_WORDBREAK) && !bSingle)
             BreakWords(face, line, nRoom, lines);

@@ -1,11 +1,16 @@
 #pragma once
 
+#include "platform/sync/Mutex.h"
+
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace kx::gdi {
+
+// Held while text is measured or drawn: FreeType's faces and the glyph caches belong to one thread at a time.
+extern sync::Mutex textLock;
 
 // The properties by which a typeface is looked for.
 struct FaceRequest
@@ -38,14 +43,14 @@ struct FontMetrics
 };
 
 // A typeface at one size, which draws its letters. Characters that it lacks come from whatever face has them.
-// Used under the text lock; ended on any thread.
+// Made and ended on any thread.
 class Letters
 {
 public:
     virtual ~Letters() = default;
-    virtual FontMetrics Metrics() const noexcept = 0;
+    virtual FontMetrics Metrics() const noexcept KX_REQUIRES(textLock) = 0;
     // Throws std::bad_alloc.
-    virtual Glyph Draw(char32_t ch) = 0;
+    virtual Glyph Draw(char32_t ch) KX_REQUIRES(textLock) = 0;
 };
 
 // The module for letters gives this.

@@ -21,14 +21,14 @@ void MixRow(DWORD* out, const std::uint8_t* coverage, int nPixels, DWORD color) 
         if (coverage[n] != 0) out[n] = Mixed(color, out[n], coverage[n]);
 }
 
-// Draws lines on a context with its font and colours. Used under the text lock.
+// Draws lines on a context with its font and colours.
 class TextPainter
 {
 public:
     TextPainter(const DeviceContext& context, Font& font, const Canvas& canvas) KX_REQUIRES(textLock);
 
     // Draws a line whose cell begins at (x, y) in the context's coordinates, within `clip`.
-    void Draw(const TextLine& line, int x, int y, const RECT& clip);
+    void Draw(const TextLine& line, int x, int y, const RECT& clip) KX_REQUIRES(textLock);
 
 private:
     void Cover(const Glyph& glyph, int x, int y, const RECT& clip);
@@ -122,7 +122,7 @@ struct Writer
 // A text in lines, and the height of one.
 struct Lines
 {
-    Lines(FontFace& face, std::string_view text, UINT nFormat, int nRoom)
+    Lines(FontFace& face, std::string_view text, UINT nFormat, int nRoom) KX_REQUIRES(textLock)
         : nHeight(face.Metrics().Height()), all(BreakLines(face, text, nFormat, nRoom))
     {
     }

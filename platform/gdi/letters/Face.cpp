@@ -64,8 +64,8 @@ bool Has(FcPattern* font, char32_t ch)
     return FcPatternGetCharSet(font, FC_CHARSET, 0, &chars) == FcResultMatch && FcCharSetHasChar(chars, ch);
 }
 
-// The system's scalable faces for a request, best match first, opened one at a time as they are needed. Not
-// locked: used under the text lock.
+// The system's scalable faces for a request, best match first, opened one at a time as they are needed. Used
+// under the text lock.
 class FontFiles
 {
 public:
@@ -133,9 +133,9 @@ public:
         AddSource(m_files.OpenBest());
     }
 
-    bool IsThere() const noexcept { return !m_sources.empty(); }
-    FontMetrics Metrics() const noexcept override;
-    Glyph Draw(char32_t ch) override;
+    bool IsThere() const noexcept KX_REQUIRES(textLock) { return !m_sources.empty(); }
+    FontMetrics Metrics() const noexcept override KX_REQUIRES(textLock);
+    Glyph Draw(char32_t ch) override KX_REQUIRES(textLock);
 
 private:
     struct Source
@@ -146,13 +146,13 @@ private:
     };
 
     void SetSize(FT_Face face) const;
-    void AddSource(FacePtr face);
-    const Source& SourceOf(char32_t ch, unsigned& index);
+    void AddSource(FacePtr face) KX_REQUIRES(textLock);
+    const Source& SourceOf(char32_t ch, unsigned& index) KX_REQUIRES(textLock);
 
     const FaceRequest m_request;
     const int m_height;
-    FontFiles m_files;
-    std::vector<Source> m_sources; // the best match first
+    FontFiles m_files KX_GUARDED_BY(textLock);
+    std::vector<Source> m_sources KX_GUARDED_BY(textLock); // the best match first
 };
 
 // A height above 0 is that of the cell, from the highest to the lowest of the letters; below 0 that of the em
@@ -224,7 +224,7 @@ Glyph Face::Draw(char32_t ch)
     return glyph;
 }
 
-std::unique_ptr<Letters> Open(const FaceRequest& request, int nHeight)
+std::unique_ptr<Letters> Open(const FaceRequest& request, int nHeight) KX_REQUIRES(textLock)
 {
     auto face = std::make_unique<Face>(request, nHeight);
     return face->IsThere() ? std::move(face) : nullptr;

@@ -25,7 +25,6 @@ Watch::~Watch()
 Watch::Use::Use(Watch& watch) noexcept : m_watch(watch)
 {
     const sync::MutexLock lock(watch.m_lock);
-    m_since = Clock::now();
     watch.m_uses.Append(*this);
     if (std::exchange(watch.m_sleeps, false)) watch.m_changed.notify_one();
 }

@@ -35,7 +35,7 @@ public:
         friend Watch;
         friend sync::IntrusiveList<Use>;
         Watch& m_watch;
-        Clock::time_point m_since{};
+        const Clock::time_point m_since = Clock::now();
     };
 
 private:
