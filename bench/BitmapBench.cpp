@@ -7,7 +7,7 @@
 #include <pixman.h>
 #include <random>
 
-// What is built of block copies, regions and text: fills, regions from a colour, letters.
+// Works that are built of block copies, regions and text: fills, regions from a colour, letters.
 
 using namespace bench;
 

@@ -10,7 +10,7 @@ namespace bench {
 constexpr const char* pszFace = "DejaVu Sans";
 constexpr int nFontHeight = 20;
 
-// What is drawn on black, as one sum for each channel: where two renderers differ at the edges of their
+// The sum of a drawing on black, for each channel: where two renderers differ at the edges of their
 // letters, it tells whether both have drawn as much.
 struct Ink
 {

@@ -34,7 +34,7 @@ Pixels MakePixels(Size size, Pattern pattern)
     return pixels;
 }
 
-// What a copy without the key colour leaves on black.
+// The pixels on black after a copy without the key colour.
 Pixels Unkeyed(Pixels pixels)
 {
     std::replace(pixels.begin(), pixels.end(), dwKey, DWORD{0});

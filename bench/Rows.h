@@ -39,7 +39,7 @@ struct Row
 // Brings rows into the order in which the works are listed.
 void Sort(std::vector<Row>& rows);
 
-// What the work of a row is, in a few words.
+// Tells the work of a row in a few words.
 const char* WhatIs(const std::string& work);
 // The same for a peer, and its library's version, which is empty for a loop of the benchmark's own.
 const char* WhatIsPeer(const std::string& peer);

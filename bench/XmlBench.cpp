@@ -98,7 +98,7 @@ public:
     ~Com() { CoUninitialize(); }
 };
 
-// What is measured is the load. The document's end is not: the heap puts its blocks together then or later,
+// The load is measured. The document's end is not: the heap puts its blocks together then or later,
 // as they happen to lie.
 template <class Document>
 void End(benchmark::State& state, Document& document)

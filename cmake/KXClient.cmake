@@ -1,4 +1,4 @@
-# What a client's CMake files may call beside kx_file_version.
+# Calls for a client's CMake files, beside kx_file_version.
 
 # kx_resources(<target> <TYPE>/<NAME> <file> [<TYPE>/<NAME> <file>]...)
 #

@@ -12,7 +12,7 @@ else()
         target_compile_options(kx_flags INTERFACE -Wno-array-bounds -Wno-stringop-overflow -Wno-stringop-overread)
     endif()
 endif()
-# Of what is shipped: what Debian hardens programs with.
+# The flags with which Debian hardens programs, for what is shipped.
 add_library(kx_hardened INTERFACE)
 target_link_options(kx_hardened INTERFACE LINKER:-z,relro)
 if(NOT KX_SANITIZE)

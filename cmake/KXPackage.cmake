@@ -64,7 +64,7 @@ set(CPACK_COMPONENT_TOOLS_DEPENDS Runtime)
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS Runtime Tools)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "libglib2.0-dev") # for kx_resources
 
-# What Debian's own checks ask of a package beyond its files.
+# Debian's own checks ask this of a package beyond its files.
 file(WRITE "${PROJECT_BINARY_DIR}/package/triggers" "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/package/triggers")
 # The version's own date: packages of several architectures have the same file.

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <string>
 
-// What the fuzz targets of XML share.
+// The fuzz targets of XML share this.
 namespace fuzz {
 
 inline void Expect(bool bHolds)

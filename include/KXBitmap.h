@@ -31,7 +31,7 @@ public:
     HBITMAP DetachBitmap();
 
     // How many states there are (below 2: the whole image is the only one), side by side unless `bHorz` is 0.
-    // What is left over in dividing the image belongs to no state.
+    // Pixels that are left over in dividing the image belong to no state.
     void SetMultiState(int nCount, int bHorz);
     // Lengths in pixels of a fill's fixed first and last part, along x unless `bHorz` is 0.
     void SetFillParam(int nFirst, int nLast, int bHorz);

@@ -19,7 +19,7 @@ public:
     // Makes the surface, of the size of `rect`, or of the clip box of `pDC` where that is empty. `pDC` is not
     // null, stays the caller's, and is there whenever FromDC is called. Unless `clrBk` is 0xFFFFFFFF, `rect`
     // is filled with it in the surface's own coordinates: with a rectangle from 10, 10 on, only from there.
-    // What an earlier call made is released. IsValid tells whether there is a surface; without a bitmap,
+    // The surface of an earlier call is released. IsValid tells whether there is a surface; without a bitmap,
     // which may be too large, drawing on it does nothing.
     void Create(CDC* pDC, const CRect& rect, unsigned long clrBk);
 

@@ -34,10 +34,14 @@ public:
         CKXPaintMemoryDC memory(this, &dc,
                                 RGB(255, 255, 255)); // copied to the window at the end of the scope
         m_frame.Draw(memory, CRect(10, 10, 90, 50), 1, RGB(235, 243, 250));
+        CBrush line(RGB(40, 90, 150));
+        const CRect rcLine(4, 54, 96, 56);
+        memory.GetDC().FillRect(&rcLine, &line);
         SIZE size{};
         GetTextExtentPoint32A(memory.GetHDC(), "box", 3, &size);
         if (memory.GetDC().GetBkColor() == RGB(235, 243, 250)) // of the frame, which was filled last
-            TextOutA(memory.GetHDC(), 85 - size.cx, 46 - size.cy, "box", 3);
+            memory.GetDC().SetBkColor(RGB(250, 245, 220));     // behind the letters
+        TextOutA(memory.GetHDC(), 85 - size.cx, 46 - size.cy, "box", 3);
     }
     DECLARE_MESSAGE_MAP()
 

@@ -3,7 +3,7 @@
 // Fetching over HTTP and HTTPS, pulled block by block. A session keeps its connections between files, so one
 // server is reached over one connection for as long as that keeps open.
 //
-// What is fetched and how: `http` and `https` alone, by GET in HTTP/1.1. Redirects are followed, at most ten
+// Only `http` and `https` are fetched, by GET in HTTP/1.1. Redirects are followed, at most ten
 // and only to those two; from an `https` URL not to `http`. Servers' certificates are checked against the
 // system's, or against the file or directory that CURL_CA_BUNDLE, SSL_CERT_FILE or SSL_CERT_DIR names.
 // Proxies come from the environment (`http_proxy`, `https_proxy`, `all_proxy`, `no_proxy`). A user's name and

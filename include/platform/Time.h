@@ -30,7 +30,7 @@ public:
     std::tm* GetLocalTm(std::tm* pTm) const;
 
     // Local time in a strftime form of any length. Names of days and months are English, whatever the locale.
-    // What is no conversion stays in the text as it is. The empty string when the instant can't be converted,
+    // Text that is no conversion stays as it is. The empty string when the instant can't be converted,
     // for null, and for a text blown up beyond reason by field widths.
     CString Format(const char* pszFormat) const;
 

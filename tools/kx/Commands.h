@@ -2,6 +2,9 @@
 
 #include "tools/kx/Arguments.h"
 
+#include <filesystem>
+#include <string>
+
 // The commands of the tool: each takes what follows its name and gives the process's exit code.
 namespace kx::tool {
 
@@ -17,5 +20,8 @@ int ShowReport(Arguments& arguments);
 
 // Says that a command was called wrongly.
 int Misused(const char* pszUsage);
+
+// Writes a file anew with these bytes; false where that fails.
+bool WriteFile(const std::filesystem::path& path, const std::string& content);
 
 } // namespace kx::tool

@@ -7,7 +7,6 @@
 #include <KXText.h>
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <platform/StdioFile.h>
 
@@ -16,13 +15,6 @@ namespace kx::tool {
 namespace {
 
 namespace fs = std::filesystem;
-
-bool WriteFile(const fs::path& path, const std::string& content)
-{
-    std::ofstream file(path, std::ios::binary);
-    file << content;
-    return file.flush().good();
-}
 
 // In UTF-8, as letters that look alike; others stay.
 const char* Accented(char ch)

@@ -230,14 +230,14 @@ std::string IniFile()
     return ini;
 }
 
+} // namespace
+
 bool WriteFile(const fs::path& path, const std::string& content)
 {
     std::ofstream file(path, std::ios::binary);
     file << content;
     return file.flush().good();
 }
-
-} // namespace
 
 int NewSkin(Arguments& arguments)
 {
