@@ -53,8 +53,8 @@ public:
     // The default for a missing attribute and a text that is no number as a whole.
     double GetAttributeDouble(const char* pszName, double dDefault);
     // The default for a missing or empty attribute; day 0 with the status invalid for a text that is no date.
-    // The form that COleDateTime::ParseDateTime takes, with a "T" before the time and a fraction of the second
-    // too.
+    // The form that COleDateTime::ParseDateTime takes, with a "T" before the time and a fraction of the
+    // second too.
     COleDateTime GetAttributeDateTime(const char* pszName, COleDateTime tDefault);
     // Add or overwrite it. A number beyond 32 bits is written in full.
     void SetAttributeString(const char* pszName, const char* pszValue);
