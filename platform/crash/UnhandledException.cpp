@@ -82,14 +82,14 @@ bool Reraise(Outcome outcome, const siginfo_t& info, void* pUserContext) noexcep
     return IsDefault(action);
 }
 
-struct Place
+struct CrashPlace
 {
     std::uintptr_t instruction = 0;
     std::uintptr_t stack = 0;
     bool bWrite = false; // of a bad access, where the processor tells
 };
 
-Place ReadPlace(const void* pUserContext) noexcept
+CrashPlace ReadCrashPlace(const void* pUserContext) noexcept
 {
     const mcontext_t& machine = static_cast<const ucontext_t*>(pUserContext)->uc_mcontext;
 #if defined(__x86_64__)
@@ -151,7 +151,7 @@ DWORD CodeOf(const siginfo_t& info, std::uintptr_t stack) noexcept
 // The crash in the platform's terms.
 EXCEPTION_RECORD Describe(const siginfo_t& info, const void* pUserContext) noexcept
 {
-    const Place place = ReadPlace(pUserContext);
+    const CrashPlace place = ReadCrashPlace(pUserContext);
     EXCEPTION_RECORD record{};
     record.ExceptionCode = CodeOf(info, place.stack);
     record.ExceptionFlags = info.si_signo == SIGABRT ? 1 : 0;

@@ -11,7 +11,7 @@
 
 namespace {
 
-struct Entry
+struct FoundPath
 {
     kx::files::Resolved path;
     DWORD dwAttributes = 0;
@@ -20,7 +20,7 @@ struct Entry
 };
 
 // An existing entry; nothing, with the last error set, where there is none.
-std::optional<Entry> FindEntry(const char* pszPath)
+std::optional<FoundPath> FindPath(const char* pszPath)
 {
     auto path = kx::files::Resolve(pszPath);
     if (!path) return std::nullopt;
@@ -29,14 +29,14 @@ std::optional<Entry> FindEntry(const char* pszPath)
         kx::files::FailAt(path->system);
         return std::nullopt;
     }
-    return Entry{std::move(*path), *attributes};
+    return FoundPath{std::move(*path), *attributes};
 }
 
 } // namespace
 
 DWORD GetFileAttributesA(const char* pszPath)
 try {
-    const auto entry = FindEntry(pszPath);
+    const auto entry = FindPath(pszPath);
     if (entry && (!entry->path.trailing || entry->Has(FILE_ATTRIBUTE_DIRECTORY))) return entry->dwAttributes;
     if (entry) kx::Fail(ERROR_DIRECTORY);
     return INVALID_FILE_ATTRIBUTES;
@@ -53,7 +53,7 @@ int PathFileExistsA(const char* pszPath)
 // The platform refuses read-only files to everyone, also to those whom the system would let delete them.
 int DeleteFileA(const char* pszPath)
 try {
-    const auto entry = FindEntry(pszPath);
+    const auto entry = FindPath(pszPath);
     if (!entry) return 0;
     if (entry->Has(FILE_ATTRIBUTE_DIRECTORY) || entry->Has(FILE_ATTRIBUTE_READONLY))
         return kx::Fail(ERROR_ACCESS_DENIED);
@@ -74,7 +74,7 @@ try {
 
 int RemoveDirectoryA(const char* pszPath)
 try {
-    const auto entry = FindEntry(pszPath);
+    const auto entry = FindPath(pszPath);
     if (!entry) return 0;
     if (!entry->Has(FILE_ATTRIBUTE_DIRECTORY)) return kx::Fail(ERROR_DIRECTORY);
     if (entry->path.root) return kx::Fail(ERROR_ACCESS_DENIED); // a drive keeps its root

@@ -55,7 +55,7 @@ try {
     const auto from = FindAs<DeviceContext>(hSrc);
     if (!to || !from) return 0;
     Canvas target = to->Paint();
-    return copy(target, from->Read(Place(source), target.lock));
+    return copy(target, from->Read(AreaOf(source), target.lock));
 } catch (...) {
     return kx::NoMemory();
 }
@@ -77,7 +77,7 @@ bool HasNegativeSize(const Block& block) noexcept
 // Whether a block lies on the surface as a whole.
 bool IsWithin(const Block& block, const Canvas& canvas) noexcept
 {
-    const RECT placed = Place(block);
+    const RECT placed = AreaOf(block);
     const RECT cut = Cut(placed, canvas.bounds);
     return cut == placed;
 }

@@ -31,7 +31,7 @@ Fit FitBlock(const Canvas& to, const Block& block, const Canvas& from, int xSrc,
 {
     const std::int64_t dx = std::int64_t{block.x} - xSrc;
     const std::int64_t dy = std::int64_t{block.y} - ySrc;
-    const RECT area = Cut(Cut(Place(block), to.reach), Moved(from.bounds, dx, dy));
+    const RECT area = Cut(Cut(AreaOf(block), to.reach), Moved(from.bounds, dx, dy));
     if (IsEmpty(area)) return {};
     return {area, static_cast<int>(dx), static_cast<int>(dy)};
 }
@@ -285,7 +285,7 @@ void ScalePart(Surface& to, const Surface& from, const RECT& part, const Axis& c
 void ScaleBlock(const Canvas& to, const Block& block, const Canvas& from, const Block& source,
                 std::optional<DWORD> key)
 {
-    const RECT area = Cut(Place(block), to.reach);
+    const RECT area = Cut(AreaOf(block), to.reach);
     if (IsEmpty(area) || source.cx <= 0 || source.cy <= 0) return;
     Axis columns = MakeAxis({block.x, block.cx}, {source.x, source.cx}, area.left, area.right,
                             from.bounds.left, from.bounds.right);

@@ -247,7 +247,7 @@ int DrawIcon(HDC hDC, int x, int y, HICON hIcon)
     if (!context || !icon) return 0;
     const Surface& image = icon->surface;
     const Canvas canvas = context->Paint();
-    const RECT place = Place({x, y, image.Width(), image.Height()});
+    const RECT place = AreaOf({x, y, image.Width(), image.Height()});
     ForEachPart(canvas.clip, place, [&](const RECT& part) {
         for (int row = part.top; row < part.bottom; ++row)
             LayRow(image.Row(row - place.top) + (part.left - place.left), canvas.surface.Row(row) + part.left,

@@ -29,7 +29,7 @@ std::shared_ptr<Bitmap> Scaled(Bitmap& bitmap, int cx, int cy)
     auto surface = Surface::Make(cx, cy);
     if (!surface) return nullptr;
     const Block to{0, 0, cx, cy}, from{0, 0, bitmap.Width(), bitmap.Height()};
-    const RECT toArea = Place(to), fromArea = Place(from);
+    const RECT toArea = AreaOf(to), fromArea = AreaOf(from);
     ScaleBlock({*surface, toArea, std::span(&toArea, 1), toArea, {}}, to,
                {bitmap.surface, fromArea, {}, {}, {}}, from, std::nullopt);
     return std::make_shared<Bitmap>(std::move(*surface), bitmap.depth, bitmap.palette, bitmap.fromFile);

@@ -48,7 +48,7 @@ struct Block
 };
 
 // The block as a rectangle; sides beyond the range of coordinates stay at its end.
-inline RECT Place(const Block& block) noexcept
+inline RECT AreaOf(const Block& block) noexcept
 {
     return {block.x, block.y, ToSide(std::int64_t{block.x} + block.cx),
             ToSide(std::int64_t{block.y} + block.cy)};

@@ -28,7 +28,7 @@ namespace {
 DWORD* PixelAt(const Canvas& canvas, int x, int y) noexcept
 {
     DWORD* pixel = nullptr;
-    ForEachPart(canvas.clip, Place({x, y, 1, 1}),
+    ForEachPart(canvas.clip, AreaOf({x, y, 1, 1}),
                 [&](const RECT& part) { pixel = canvas.surface.Row(part.top) + part.left; });
     return pixel;
 }
@@ -40,7 +40,7 @@ try {
     const auto context = FindAs<DeviceContext>(hDC);
     if (!context) return CLR_INVALID;
     std::optional<kx::sync::MutexLock> lock;
-    const Canvas canvas = context->Read(Place({x, y, 1, 1}), lock);
+    const Canvas canvas = context->Read(AreaOf({x, y, 1, 1}), lock);
     const DWORD* pixel = PixelAt(canvas, x, y);
     return pixel ? ToColor(*pixel) : CLR_INVALID;
 } catch (...) {

@@ -180,7 +180,7 @@ GpStatus GdipFillRectangleI(GpGraphics* pGraphics, GpBrush* pBrush, INT x, INT y
     return Guarded([&] {
         if (!pGraphics || !pBrush) return InvalidParameter;
         return pGraphics->On([&](const Target& target) {
-            FillArea(target, *pBrush, kx::gdi::PixelRegion(kx::gdi::Place({x, y, nWidth, nHeight})));
+            FillArea(target, *pBrush, kx::gdi::PixelRegion(kx::gdi::AreaOf({x, y, nWidth, nHeight})));
         });
     });
 }

@@ -53,7 +53,7 @@ bool IsCut(const char* pszPath) noexcept
     return false;
 }
 
-const Entry* Load(const char* pszName, const char*& pszError) noexcept
+const ModuleEntry* Load(const char* pszName, const char*& pszError) noexcept
 {
     std::array<char, PATH_MAX> directory, path;
     std::array<char, 64> entry;
@@ -77,16 +77,16 @@ const Entry* Load(const char* pszName, const char*& pszError) noexcept
     std::snprintf(entry.data(), entry.size(), "kx_module_%s", pszName);
     void* const found = module ? dlsym(module, entry.data()) : nullptr;
     if (!found) pszError = dlerror();
-    return static_cast<const Entry*>(found);
+    return static_cast<const ModuleEntry*>(found);
 }
 
 } // namespace
 
-const void* OpenDoor(const char* pszName, const Entry* linked, std::atomic<bool>& told) noexcept
+const void* OpenDoor(const char* pszName, const ModuleEntry* linked, std::atomic<bool>& told) noexcept
 {
     if (!linked && g_bShut) return nullptr;
     const char* pszError = nullptr;
-    const Entry* const entry = linked ? linked : Load(pszName, pszError);
+    const ModuleEntry* const entry = linked ? linked : Load(pszName, pszError);
     const bool bOurs = entry && std::strcmp(entry->pszVersion, KX_VERSION) == 0;
     const void* const functions = bOurs ? entry->functions : nullptr;
     if (entry) pszError = "it belongs to another version of the library";

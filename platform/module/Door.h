@@ -13,22 +13,22 @@
 // door of its own.
 #define KX_MODULE_ENTRY(name, functions)                                                                     \
     extern "C" {                                                                                             \
-    extern KX_API const kx::module::Entry kx_module_##name;                                                  \
-    const kx::module::Entry kx_module_##name{KX_VERSION, &(functions)};                                      \
+    extern KX_API const kx::module::ModuleEntry kx_module_##name;                                            \
+    const kx::module::ModuleEntry kx_module_##name{KX_VERSION, &(functions)};                                \
     }
 
 // The door of a module: the entry in the library itself is null where the module is an object of its own.
 // Doors of one module share what was told of it.
 #define KX_DOOR(name, Functions)                                                                             \
     extern "C" {                                                                                             \
-    extern KX_API const kx::module::Entry kx_module_##name [[gnu::weak]];                                    \
+    extern KX_API const kx::module::ModuleEntry kx_module_##name [[gnu::weak]];                              \
     inline constinit std::atomic<bool> kx_told_##name{false};                                                \
     }                                                                                                        \
     static constinit kx::module::Door<Functions> g_door(#name, &kx_module_##name, kx_told_##name)
 
 namespace kx::module {
 
-struct Entry
+struct ModuleEntry
 {
     const char* pszVersion; // of the library that it belongs to
     const void* functions;
@@ -37,7 +37,7 @@ struct Entry
 // The record of the entry; null, with a line on the debug channel the first time, for a module
 // that isn't there, that lacks a library of its own, or that belongs to another version. Loads nothing
 // while the doors are shut. Any thread.
-const void* OpenDoor(const char* pszName, const Entry* linked, std::atomic<bool>& told) noexcept;
+const void* OpenDoor(const char* pszName, const ModuleEntry* linked, std::atomic<bool>& told) noexcept;
 
 // While a crash is handled no module is loaded.
 void ShutDoors(bool bShut) noexcept;
@@ -46,7 +46,7 @@ template <class Functions>
 class Door
 {
 public:
-    constexpr Door(const char* pszName, const Entry* linked, std::atomic<bool>& told) noexcept
+    constexpr Door(const char* pszName, const ModuleEntry* linked, std::atomic<bool>& told) noexcept
         : m_pszName(pszName), m_linked(linked), m_told(told)
     {
     }
@@ -64,7 +64,7 @@ public:
 
 private:
     const char* m_pszName;
-    const Entry* m_linked;
+    const ModuleEntry* m_linked;
     std::atomic<bool>& m_told;
     std::atomic<const void*> m_functions{nullptr};
 };

@@ -17,7 +17,7 @@ using namespace kx::module;
 namespace {
 
 // GetFileVersionInfoA fills this: the head of a version resource, in its own form.
-struct Block
+struct VersionBlock
 {
     WORD length;
     WORD valueLength;
@@ -26,7 +26,7 @@ struct Block
     WORD padding;
     VS_FIXEDFILEINFO record;
 };
-static_assert(offsetof(Block, record) == kFixedRecordAt && sizeof(Block) == kVersionHeadSize);
+static_assert(offsetof(VersionBlock, record) == kFixedRecordAt && sizeof(VersionBlock) == kVersionHeadSize);
 
 // A file of which a few places are looked at. It is never mapped, so that a file that shrinks meanwhile is a
 // failed read and no signal.
@@ -74,7 +74,7 @@ std::optional<VS_FIXEDFILEINFO> VersionOf(const char* pszFile)
 DWORD GetFileVersionInfoSizeA(const char* pszFile, DWORD* pdwHandle)
 try {
     if (pdwHandle) *pdwHandle = 0;
-    return VersionOf(pszFile) ? sizeof(Block) : 0;
+    return VersionOf(pszFile) ? sizeof(VersionBlock) : 0;
 } catch (...) {
     return kx::NoMemory();
 }
@@ -82,10 +82,10 @@ try {
 int GetFileVersionInfoA(const char* pszFile, DWORD, DWORD nSize, void* pBlock)
 try {
     if (!pBlock) return kx::Fail(ERROR_INVALID_PARAMETER);
-    if (nSize < sizeof(Block)) return kx::Fail(ERROR_INSUFFICIENT_BUFFER);
+    if (nSize < sizeof(VersionBlock)) return kx::Fail(ERROR_INSUFFICIENT_BUFFER);
     const auto version = VersionOf(pszFile);
     if (!version) return 0;
-    Block block{sizeof(Block), sizeof(VS_FIXEDFILEINFO), 0, {}, 0, *version};
+    VersionBlock block{sizeof(VersionBlock), sizeof(VS_FIXEDFILEINFO), 0, {}, 0, *version};
     std::memcpy(block.key, kVersionKey, sizeof(kVersionKey));
     std::memcpy(pBlock, &block, sizeof(block));
     return 1;
@@ -101,8 +101,8 @@ int VerQueryValueA(const void* pBlock, const char* pszSubBlock, void** ppRecord,
     const auto* bytes = static_cast<const std::byte*>(pBlock);
     WORD length = 0;
     std::memcpy(&length, bytes, sizeof(length));
-    if (length != sizeof(Block)) return kx::Fail(ERROR_INVALID_PARAMETER);
-    if (std::memcmp(bytes + offsetof(Block, key), kVersionKey, sizeof(kVersionKey)) != 0 ||
+    if (length != sizeof(VersionBlock)) return kx::Fail(ERROR_INVALID_PARAMETER);
+    if (std::memcmp(bytes + offsetof(VersionBlock, key), kVersionKey, sizeof(kVersionKey)) != 0 ||
         std::memcmp(bytes + kFixedRecordAt, &kFixedSignature, sizeof(kFixedSignature)) != 0)
         return kx::Fail(ERROR_INVALID_PARAMETER);
     *ppRecord = const_cast<std::byte*>(bytes + kFixedRecordAt);

@@ -89,7 +89,7 @@ void IniCache::Put(std::string_view name, CachedIniPtr file)
         Remove(std::min_element(m_files.begin(), m_files.end(), [](const auto& a, const auto& b) {
             return a.second.lastUse < b.second.lastUse;
         }));
-    m_files.emplace(name, Entry{std::move(file), ++m_uses});
+    m_files.emplace(name, CachedFile{std::move(file), ++m_uses});
     m_bytes += bytes;
 }
 

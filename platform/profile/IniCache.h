@@ -56,12 +56,12 @@ public:
     sync::Mutex& Lock() noexcept KX_RETURN_LOCK(m_lock) { return m_lock; }
 
 private:
-    struct Entry
+    struct CachedFile
     {
         CachedIniPtr file;
         std::uint64_t lastUse;
     };
-    using Files = std::map<std::string, Entry, std::less<>>;
+    using Files = std::map<std::string, CachedFile, std::less<>>;
 
     void Remove(Files::iterator file) KX_REQUIRES(m_lock);
 

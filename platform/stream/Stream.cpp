@@ -20,11 +20,11 @@ namespace {
 
 // The bytes under a memory block's handle. A stream may hold them longer than the handle lives: they are gone
 // then.
-class Block
+class MemoryBlock
 {
 public:
     // Throws std::bad_alloc for a size beyond the limit too.
-    Block(UINT nFlags, std::size_t nBytes) : m_bMoveable((nFlags & GMEM_MOVEABLE) != 0)
+    MemoryBlock(UINT nFlags, std::size_t nBytes) : m_bMoveable((nFlags & GMEM_MOVEABLE) != 0)
     {
         if (nBytes > MAX_BLOCK_BYTES) throw std::bad_alloc();
         m_bytes.reserve(std::max<std::size_t>(nBytes, 1)); // an address even for no bytes
@@ -62,7 +62,7 @@ private:
 class BlockTable
 {
 public:
-    HGLOBAL Add(std::shared_ptr<Block> block)
+    HGLOBAL Add(std::shared_ptr<MemoryBlock> block)
     {
         const sync::MutexLock lock(m_lock);
         const HGLOBAL hBlock = block->IsMoveable() ? reinterpret_cast<HGLOBAL>(m_nNext) : block->Bytes();
@@ -70,7 +70,7 @@ public:
         m_nNext += 2;
         return hBlock;
     }
-    std::shared_ptr<Block> Find(HGLOBAL hBlock) noexcept
+    std::shared_ptr<MemoryBlock> Find(HGLOBAL hBlock) noexcept
     {
         const sync::MutexLock lock(m_lock);
         const auto found = m_blocks.find(hBlock);
@@ -82,7 +82,7 @@ public:
         const sync::MutexLock lock(m_lock);
         const auto found = m_blocks.find(hBlock);
         if (found == m_blocks.end()) return false;
-        const std::shared_ptr<Block> block = std::move(found->second);
+        const std::shared_ptr<MemoryBlock> block = std::move(found->second);
         m_blocks.erase(found);
         block->End();
         return true;
@@ -90,12 +90,12 @@ public:
 
 private:
     sync::Mutex m_lock;
-    std::unordered_map<HGLOBAL, std::shared_ptr<Block>> m_blocks KX_GUARDED_BY(m_lock);
+    std::unordered_map<HGLOBAL, std::shared_ptr<MemoryBlock>> m_blocks KX_GUARDED_BY(m_lock);
     std::uintptr_t m_nNext KX_GUARDED_BY(m_lock) = 1;
 };
 
 // The block of a handle, or null. Any thread.
-std::shared_ptr<Block> FindBlock(HGLOBAL hBlock) noexcept
+std::shared_ptr<MemoryBlock> FindBlock(HGLOBAL hBlock) noexcept
 {
     return The<BlockTable>().Find(hBlock);
 }
@@ -112,7 +112,7 @@ void Tell(T* pTarget, T value) noexcept
 class BlockStream final : public IStream
 {
 public:
-    BlockStream(HGLOBAL hBlock, std::shared_ptr<Block> block, bool bDeleteOnRelease) noexcept
+    BlockStream(HGLOBAL hBlock, std::shared_ptr<MemoryBlock> block, bool bDeleteOnRelease) noexcept
         : m_hBlock(hBlock), m_block(std::move(block)), m_bDeleteOnRelease(bDeleteOnRelease)
     {
     }
@@ -152,7 +152,7 @@ private:
 
     std::atomic<ULONG> m_nRefs{1};
     const HGLOBAL m_hBlock;
-    const std::shared_ptr<Block> m_block;
+    const std::shared_ptr<MemoryBlock> m_block;
     const bool m_bDeleteOnRelease;
     std::uint64_t m_nPosition = 0;
     const LiveHandle m_live;
@@ -210,7 +210,7 @@ using namespace kx::stream;
 
 HGLOBAL GlobalAlloc(UINT nFlags, std::size_t nBytes)
 try {
-    return kx::The<BlockTable>().Add(std::make_shared<Block>(nFlags, nBytes));
+    return kx::The<BlockTable>().Add(std::make_shared<MemoryBlock>(nFlags, nBytes));
 } catch (...) {
     return kx::NoMemory();
 }

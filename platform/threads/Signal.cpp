@@ -37,7 +37,7 @@ bool Signal::WaitUntil(time::Moment deadline) noexcept
     for (;;) {
         const std::uint32_t seen = self.word.load(std::memory_order_acquire);
         if (seen & kReleased) return true;
-        if (!alarm.Wait(seen)) return !Leave(self);
+        if (!alarm.Wait(seen)) return !GiveUp(self);
     }
 }
 
@@ -60,7 +60,7 @@ bool Signal::TakeOrQueue(Waiter& waiter) noexcept
 }
 
 // Gives the wait up; false if it has been released after all.
-bool Signal::Leave(Waiter& waiter) noexcept
+bool Signal::GiveUp(Waiter& waiter) noexcept
 {
     {
         const sync::MutexLock lock(m_lock);

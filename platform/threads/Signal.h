@@ -44,7 +44,7 @@ private:
     static constexpr std::uint32_t kTaken = 2;
 
     bool TakeOrQueue(Waiter& waiter) noexcept;
-    bool Leave(Waiter& waiter) noexcept;
+    bool GiveUp(Waiter& waiter) noexcept;
     bool Release() noexcept;
 
     const bool m_bManual;

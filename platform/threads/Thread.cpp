@@ -18,7 +18,7 @@ using kx::sync::MutexLock;
 using kx::sync::Word;
 using kx::threads::Signal;
 using kx::threads::Waitable;
-using Entry = unsigned (*)(void*);
+using StartRoutine = unsigned (*)(void*);
 
 // The thread's number, 0 until it is asked for: the system's call costs fifty times the look at this.
 [[gnu::tls_model("initial-exec")]] constinit thread_local DWORD t_id = 0;
@@ -29,7 +29,8 @@ using Entry = unsigned (*)(void*);
 class Thread final : public Waitable, public std::enable_shared_from_this<Thread>
 {
 public:
-    Thread(Entry pfnStart, void* pArg) noexcept : Waitable(Kind::Thread), m_pfnStart(pfnStart), m_pArg(pArg)
+    Thread(StartRoutine pfnStart, void* pArg) noexcept
+        : Waitable(Kind::Thread), m_pfnStart(pfnStart), m_pArg(pArg)
     {
     }
     ~Thread() override
@@ -62,7 +63,7 @@ private:
     static void* Main(void* pThread);
     bool Join();
 
-    const Entry m_pfnStart;
+    const StartRoutine m_pfnStart;
     void* const m_pArg;
     std::shared_ptr<Thread> m_running; // the object itself while the thread runs
     pthread_t m_thread{};

@@ -34,7 +34,7 @@ ClassTable& ClassTable::Instance()
 
 std::size_t ClassTable::IndexOfKey(const CString& key) const
 {
-    const auto same = [&](const Entry& entry) { return entry && entry->key == key; };
+    const auto same = [&](const ClassPtr& entry) { return entry && entry->key == key; };
     return static_cast<std::size_t>(std::ranges::find_if(m_classes, same) - m_classes.begin());
 }
 

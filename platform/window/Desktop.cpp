@@ -60,7 +60,7 @@ struct LeaveAtUnload
     {
         const sync::MutexLock lock(The<Kept>().lock);
         for (const auto& desktop : The<Kept>().desktops)
-            desktop->Leave();
+            desktop->Disconnect();
     }
 } g_leaveAtUnload;
 
@@ -88,7 +88,7 @@ Desktop& Desktop::Instance() noexcept
         if (Desktop* chosen = g_desktop.load()) return *chosen;
         Desktop& choice = Choose();
         Desktop* none = nullptr;
-        if (!g_desktop.compare_exchange_strong(none, &choice)) choice.Leave(); // the host was faster
+        if (!g_desktop.compare_exchange_strong(none, &choice)) choice.Disconnect(); // the host was faster
     }
     if (g_desktop.load() == &HeadlessDesktop::Instance()) TellNoDisplay();
     return *g_desktop.load();
@@ -111,7 +111,7 @@ bool Desktop::Use(Desktop& desktop)
         old = g_desktop.exchange(&desktop);
         screen::Screen::Instance().Forget();
     }
-    if (old && old != &desktop) old->Leave();
+    if (old && old != &desktop) old->Disconnect();
     return true;
 }
 

@@ -58,7 +58,7 @@ public:
     virtual bool IsSeen() const noexcept { return true; }
     // Another has taken its place: it gives back what it holds of the system's. Without the lock of the
     // desktop's pixels.
-    virtual void Leave() noexcept {}
+    virtual void Disconnect() noexcept {}
 
     // ---- Windows of this process
 

@@ -39,13 +39,13 @@ public:
     std::shared_ptr<const WindowClass> Find(const char* pszNameOrAtom) const;
 
 private:
-    using Entry = std::shared_ptr<const WindowClass>;
+    using ClassPtr = std::shared_ptr<const WindowClass>;
 
     std::size_t IndexOf(const char* pszNameOrAtom) const KX_REQUIRES(m_lock);
     std::size_t IndexOfKey(const CString& key) const KX_REQUIRES(m_lock);
 
     mutable sync::Mutex m_lock;
-    std::vector<Entry> m_classes KX_GUARDED_BY(m_lock); // null where a class was removed
+    std::vector<ClassPtr> m_classes KX_GUARDED_BY(m_lock); // null where a class was removed
 };
 
 class Queue;

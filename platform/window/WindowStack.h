@@ -14,21 +14,21 @@ public:
     // On top of those that aren't topmost.
     void Add(HWND hWnd)
     {
-        m_entries.insert(std::ranges::find(m_entries, true, &Entry::topmost), {hWnd, false});
+        m_entries.insert(std::ranges::find(m_entries, true, &StackedWindow::topmost), {hWnd, false});
     }
     void Remove(HWND hWnd) noexcept
     {
-        std::erase_if(m_entries, [&](const Entry& entry) { return entry.handle == hWnd; });
+        std::erase_if(m_entries, [&](const StackedWindow& entry) { return entry.handle == hWnd; });
     }
     void Move(HWND hWnd, Order order)
     {
-        const auto it = std::ranges::find(m_entries, hWnd, &Entry::handle);
+        const auto it = std::ranges::find(m_entries, hWnd, &StackedWindow::handle);
         if (it == m_entries.end()) return;
-        Entry moved = *it;
+        StackedWindow moved = *it;
         m_entries.erase(it);
         if (order != Order::Top) moved.topmost = order == Order::Topmost;
         auto place = m_entries.end();
-        if (!moved.topmost) place = std::ranges::find(m_entries, true, &Entry::topmost);
+        if (!moved.topmost) place = std::ranges::find(m_entries, true, &StackedWindow::topmost);
         if (order == Order::Bottom) place = m_entries.begin();
         m_entries.insert(place, moved);
     }
@@ -36,18 +36,18 @@ public:
     std::vector<HWND> Handles() const
     {
         std::vector<HWND> handles;
-        for (const Entry& entry : m_entries)
+        for (const StackedWindow& entry : m_entries)
             handles.push_back(entry.handle);
         return handles;
     }
 
 private:
-    struct Entry
+    struct StackedWindow
     {
         HWND handle;
         bool topmost;
     };
-    std::vector<Entry> m_entries; // from the lowest; the topmost come last
+    std::vector<StackedWindow> m_entries; // from the lowest; the topmost come last
 };
 
 } // namespace kx::window

@@ -43,9 +43,9 @@ private:
         std::uint32_t count;
         std::uint8_t number;
     };
-    struct Block
+    struct ColorBox
     {
-        explicit Block(std::span<Cell*> of) noexcept;
+        explicit ColorBox(std::span<Cell*> of) noexcept;
         DWORD Mean() const noexcept;
         // The cells at or below the mean in its channel come first; gives how many.
         std::size_t Part() noexcept;
@@ -64,7 +64,7 @@ private:
     std::vector<Cell> m_cells;
 };
 
-ColorCut::Block::Block(std::span<Cell*> of) noexcept : cells(of)
+ColorCut::ColorBox::ColorBox(std::span<Cell*> of) noexcept : cells(of)
 {
     double count = 0;
     std::array<double, 3> sums{}, squares{};
@@ -86,7 +86,7 @@ ColorCut::Block::Block(std::span<Cell*> of) noexcept : cells(of)
     }
 }
 
-DWORD ColorCut::Block::Mean() const noexcept
+DWORD ColorCut::ColorBox::Mean() const noexcept
 {
     DWORD color = 0;
     for (const double mean : means)
@@ -94,7 +94,7 @@ DWORD ColorCut::Block::Mean() const noexcept
     return color;
 }
 
-std::size_t ColorCut::Block::Part() noexcept
+std::size_t ColorCut::ColorBox::Part() noexcept
 {
     const auto low = std::partition(cells.begin(), cells.end(), [this](const Cell* cell) {
         return static_cast<double>(cell->sums[channel]) <= means[channel] * cell->count;
@@ -107,11 +107,12 @@ std::vector<DWORD> ColorCut::Cut(std::size_t nMax)
     std::vector<Cell*> used;
     for (Cell& cell : m_cells)
         if (cell.count > 0) used.push_back(&cell);
-    std::vector<Block> blocks;
+    std::vector<ColorBox> blocks;
     if (!used.empty()) blocks.emplace_back(used);
     while (!blocks.empty() && blocks.size() < nMax) {
-        auto widest = std::max_element(blocks.begin(), blocks.end(),
-                                       [](const Block& a, const Block& b) { return a.spread < b.spread; });
+        auto widest =
+            std::max_element(blocks.begin(), blocks.end(),
+                             [](const ColorBox& a, const ColorBox& b) { return a.spread < b.spread; });
         if (widest->spread == 0) break;
         const std::span<Cell*> cells = widest->cells;
         const std::size_t nLow = widest->Part();
@@ -119,11 +120,11 @@ std::vector<DWORD> ColorCut::Cut(std::size_t nMax)
             widest->spread = 0; // that of rounding alone
             continue;
         }
-        *widest = Block(cells.first(nLow));
+        *widest = ColorBox(cells.first(nLow));
         blocks.emplace_back(cells.subspan(nLow));
     }
     std::vector<DWORD> colors;
-    for (const Block& block : blocks) {
+    for (const ColorBox& block : blocks) {
         for (Cell* cell : block.cells)
             cell->number = static_cast<std::uint8_t>(colors.size());
         colors.push_back(block.Mean());

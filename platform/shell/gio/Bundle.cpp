@@ -23,7 +23,7 @@ struct Unref
     void operator()(GBytes* bytes) const noexcept { g_bytes_unref(bytes); }
 };
 
-Content Own(GBytes* bytes)
+Content Adopt(GBytes* bytes)
 {
     if (!bytes) return {};
     gsize size = 0;
@@ -34,7 +34,7 @@ Content Own(GBytes* bytes)
 // The bundle's format: a header of 24 bytes that names the table; the table's two counts, its filter words
 // and buckets, and entries of 24 bytes to its end. An entry of kind 'v' names a value of type (uuay): size,
 // flags and content, then the type's text. All integers are little-endian.
-using Span = std::span<const std::uint8_t>;
+using Bytes = std::span<const std::uint8_t>;
 
 constexpr std::string_view kSignature = "GVariant";
 constexpr std::string_view kValueType("\0(uuay)", 7);
@@ -44,7 +44,7 @@ constexpr std::uint32_t kNoParent = 0xFFFFFFFF;
 constexpr std::uint32_t kCompressed = 1;
 constexpr std::uint64_t kBestCompression = 1032; // what one byte of a deflate stream can become
 
-std::uint32_t U32(Span bytes, std::size_t at) noexcept
+std::uint32_t U32(Bytes bytes, std::size_t at) noexcept
 {
     std::uint32_t value = 0;
     for (std::size_t i = 4; i-- > 0;)
@@ -52,14 +52,14 @@ std::uint32_t U32(Span bytes, std::size_t at) noexcept
     return value;
 }
 
-bool EndsWith(Span bytes, std::string_view tail) noexcept
+bool EndsWith(Bytes bytes, std::string_view tail) noexcept
 {
     return bytes.size() >= tail.size() &&
            std::memcmp(bytes.data() + bytes.size() - tail.size(), tail.data(), tail.size()) == 0;
 }
 
 // The part of the bundle from `bytes[at]` (its start) to `bytes[at + 4]` (its end).
-bool Slice(Span bundle, Span bytes, std::size_t at, std::uint32_t alignment, Span& slice) noexcept
+bool Slice(Bytes bundle, Bytes bytes, std::size_t at, std::uint32_t alignment, Bytes& slice) noexcept
 {
     const std::uint32_t start = U32(bytes, at), end = U32(bytes, at + 4);
     if (start > end || end > bundle.size() || start % alignment != 0) return false;
@@ -67,7 +67,7 @@ bool Slice(Span bundle, Span bytes, std::size_t at, std::uint32_t alignment, Spa
     return true;
 }
 
-bool IsSoundValue(Span value) noexcept
+bool IsSoundValue(Bytes value) noexcept
 {
     if (value.size() < 8 + kValueType.size() || !EndsWith(value, kValueType)) return false;
     const std::uint64_t content = value.size() - 8 - kValueType.size();
@@ -76,13 +76,13 @@ bool IsSoundValue(Span value) noexcept
     return size <= module::MAX_BUNDLE && size <= content * kBestCompression;
 }
 
-bool IsSoundEntry(Span bundle, Span entry, std::size_t nEntries) noexcept
+bool IsSoundEntry(Bytes bundle, Bytes entry, std::size_t nEntries) noexcept
 {
     const std::uint32_t parent = U32(entry, 4);
     const std::uint64_t keyStart = U32(entry, 8), keySize = U32(entry, 12) & 0xFFFF;
     if (parent != kNoParent && parent >= nEntries) return false;
     if (keyStart + keySize > bundle.size()) return false;
-    Span value;
+    Bytes value;
     switch (entry[14]) {
     case 'v':
         return Slice(bundle, entry, 16, 8, value) && IsSoundValue(value);
@@ -93,13 +93,13 @@ bool IsSoundEntry(Span bundle, Span entry, std::size_t nEntries) noexcept
     }
 }
 
-bool IsSoundBundle(Span bundle) noexcept
+bool IsSoundBundle(Bytes bundle) noexcept
 {
     if (bundle.size() < kHeaderSize || bundle.size() > module::MAX_BUNDLE) return false;
     if (std::memcmp(bundle.data(), kSignature.data(), kSignature.size()) != 0 || U32(bundle, 8) != 0)
         return false;
 
-    Span table;
+    Bytes table;
     if (!Slice(bundle, bundle, 16, 4, table) || table.size() < 8) return false;
     const std::uint64_t filter = U32(table, 0) & 0x07FFFFFF, buckets = U32(table, 4);
     const std::uint64_t before = 8 + 4 * (filter + buckets);
@@ -122,7 +122,7 @@ public:
     }
     Content Read(const std::string& path) const override
     {
-        return Own(g_resources_lookup_data(path.c_str(), kPlain, nullptr));
+        return Adopt(g_resources_lookup_data(path.c_str(), kPlain, nullptr));
     }
 };
 
@@ -148,7 +148,7 @@ Content LoadedBundle::Read(const std::string& path) const
     guint32 flags = 0;
     if (!g_resource_get_info(m_resource.get(), path.c_str(), kPlain, &size, &flags, nullptr)) return {};
     if ((flags & G_RESOURCE_FLAGS_COMPRESSED) != 0) return Decompress(path, size);
-    return Own(g_resource_lookup_data(m_resource.get(), path.c_str(), kPlain, nullptr));
+    return Adopt(g_resource_lookup_data(m_resource.get(), path.c_str(), kPlain, nullptr));
 }
 
 // The whole look-up would run past the end of a stream that holds more than it says. Read as a stream, it
@@ -171,7 +171,7 @@ Content LoadedBundle::Decompress(const std::string& path, std::size_t nSize) con
 std::unique_ptr<module::Bundle> LoadBundle(std::string bytes)
 {
     auto owner = std::make_unique<std::string>(std::move(bytes));
-    const Span all(reinterpret_cast<const std::uint8_t*>(owner->data()), owner->size());
+    const Bytes all(reinterpret_cast<const std::uint8_t*>(owner->data()), owner->size());
     if (!IsSoundBundle(all)) return nullptr;
     const auto free = [](gpointer p) { delete static_cast<std::string*>(p); };
     const std::unique_ptr<GBytes, Unref> content(

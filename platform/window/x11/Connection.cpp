@@ -57,7 +57,7 @@ bool SeesOurPixels(const xcb_setup_t& setup, const xcb_screen_t& screen)
 bool IsOffered(xcb_connection_t* connection, std::string_view name)
 {
     const auto cookie = xcb_query_extension(connection, static_cast<std::uint16_t>(name.size()), name.data());
-    const auto reply = Own(xcb_query_extension_reply(connection, cookie, nullptr));
+    const auto reply = TakeReply(xcb_query_extension_reply(connection, cookie, nullptr));
     return reply && reply->present;
 }
 
@@ -66,11 +66,11 @@ bool IsGuestServer(xcb_connection_t* connection, xcb_window_t root)
 {
     if (IsOffered(connection, "XWAYLAND")) return true;
     if (!IsOffered(connection, "RANDR")) return false;
-    const auto resources = Own(xcb_randr_get_screen_resources_current_reply(
+    const auto resources = TakeReply(xcb_randr_get_screen_resources_current_reply(
         connection, xcb_randr_get_screen_resources_current(connection, root), nullptr));
     if (!resources || resources->num_outputs == 0) return false;
     const xcb_randr_output_t first = *xcb_randr_get_screen_resources_current_outputs(resources.get());
-    const auto output = Own(xcb_randr_get_output_info_reply(
+    const auto output = TakeReply(xcb_randr_get_output_info_reply(
         connection, xcb_randr_get_output_info(connection, first, XCB_CURRENT_TIME), nullptr));
     if (!output) return false;
     const auto* name = reinterpret_cast<const char*>(xcb_randr_get_output_info_name(output.get()));
@@ -81,8 +81,8 @@ bool IsGuestServer(xcb_connection_t* connection, xcb_window_t root)
 RECT Primary(xcb_connection_t* connection, xcb_window_t root, SIZE screen)
 {
     RECT found{0, 0, screen.cx, screen.cy};
-    const auto reply =
-        Own(xcb_randr_get_monitors_reply(connection, xcb_randr_get_monitors(connection, root, 1), nullptr));
+    const auto reply = TakeReply(
+        xcb_randr_get_monitors_reply(connection, xcb_randr_get_monitors(connection, root, 1), nullptr));
     if (!reply) return found;
     bool bFirst = true;
     for (auto it = xcb_randr_get_monitors_monitors_iterator(reply.get()); it.rem > 0;
@@ -105,7 +105,7 @@ int ScaleOf(xcb_connection_t* connection, xcb_window_t root)
     if (const char* pszScale = std::getenv("KX_SCALE"); pszScale && *pszScale) {
         scale = std::atof(pszScale);
     } else {
-        const auto reply = Own(xcb_get_property_reply(
+        const auto reply = TakeReply(xcb_get_property_reply(
             connection,
             xcb_get_property(connection, 0, root, XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING, 0, nMostWords),
             nullptr));
@@ -152,7 +152,7 @@ Atoms::Atoms(xcb_connection_t* connection, int nScreen)
         entry.cookie =
             xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(entry.name.size()), entry.name.data());
     for (const Name& entry : names)
-        if (const auto reply = Own(xcb_intern_atom_reply(connection, entry.cookie, nullptr)))
+        if (const auto reply = TakeReply(xcb_intern_atom_reply(connection, entry.cookie, nullptr)))
             *entry.place = reply->atom;
 }
 
@@ -185,7 +185,7 @@ Connection::Connection(Handle connection, int nScreen, const xcb_setup_t& setup,
     const auto* monitors = xcb_get_extension_data(Get(), &xcb_randr_id);
     if (monitors && monitors->present) {
         m_firstMonitorEvent = monitors->first_event;
-        Own(xcb_randr_query_version_reply(Get(), xcb_randr_query_version(Get(), 1, 5), nullptr));
+        TakeReply(xcb_randr_query_version_reply(Get(), xcb_randr_query_version(Get(), 1, 5), nullptr));
         xcb_randr_select_input(Get(), Root(),
                                XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
                                    XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
@@ -205,7 +205,7 @@ View Connection::GetView() const
 bool Connection::LearnView()
 {
     View view = GetView();
-    const auto size = Own(xcb_get_geometry_reply(Get(), xcb_get_geometry(Get(), Root()), nullptr));
+    const auto size = TakeReply(xcb_get_geometry_reply(Get(), xcb_get_geometry(Get(), Root()), nullptr));
     if (!size) return false;
     const RECT monitor = m_firstMonitorEvent ? Primary(Get(), Root(), {size->width, size->height})
                                              : RECT{0, 0, size->width, size->height};
@@ -227,7 +227,7 @@ bool Connection::IsMonitorChange(const xcb_generic_event_t& event) const noexcep
 bool Connection::HasCompositor() const noexcept
 {
     const auto owner = Wait([&] {
-        return Own(
+        return TakeReply(
             xcb_get_selection_owner_reply(Get(), xcb_get_selection_owner(Get(), atoms.compositor), nullptr));
     });
     return owner && owner->owner != XCB_NONE;

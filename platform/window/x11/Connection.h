@@ -19,7 +19,7 @@ template <class T>
 using Reply = std::unique_ptr<T, Free>;
 
 template <class T>
-Reply<T> Own(T* reply) noexcept
+Reply<T> TakeReply(T* reply) noexcept
 {
     return Reply<T>(reply);
 }

@@ -76,12 +76,12 @@ Events::Event Events::Next()
 {
     if (m_next) return std::move(m_next);
     xcb_flush(m_session->connection->Get()); // what the input method is told
-    return Own(xcb_wait_for_event(m_session->connection->Get()));
+    return TakeReply(xcb_wait_for_event(m_session->connection->Get()));
 }
 
 const xcb_generic_event_t* Events::Peek()
 {
-    if (!m_next) m_next = Own(xcb_poll_for_queued_event(m_session->connection->Get()));
+    if (!m_next) m_next = TakeReply(xcb_poll_for_queued_event(m_session->connection->Get()));
     return m_next.get();
 }
 

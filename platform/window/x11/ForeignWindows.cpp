@@ -30,8 +30,8 @@ std::vector<xcb_window_t> ForeignWindows::Candidates() const
                                              m_connection.atoms.netClientList, XCB_ATOM_WINDOW, 0, kMost);
     const auto treeCookie = xcb_query_tree(connection, m_connection.Root());
     const auto [listed, tree] = m_connection.Wait([&] {
-        return std::pair(Own(xcb_get_property_reply(connection, listCookie, nullptr)),
-                         Own(xcb_query_tree_reply(connection, treeCookie, nullptr)));
+        return std::pair(TakeReply(xcb_get_property_reply(connection, listCookie, nullptr)),
+                         TakeReply(xcb_query_tree_reply(connection, treeCookie, nullptr)));
     });
     std::vector<xcb_window_t> ids;
     if (listed && listed->format == 32) {
@@ -104,9 +104,10 @@ std::optional<WindowFacts> ForeignWindows::Answer(const Questions& questions) co
 {
     xcb_connection_t* const connection = m_connection.Get();
     const auto [attributes, process, machine] = m_connection.Wait([&] {
-        return std::tuple(Own(xcb_get_window_attributes_reply(connection, questions.attributes, nullptr)),
-                          Own(xcb_get_property_reply(connection, questions.process, nullptr)),
-                          Own(xcb_get_property_reply(connection, questions.machine, nullptr)));
+        return std::tuple(
+            TakeReply(xcb_get_window_attributes_reply(connection, questions.attributes, nullptr)),
+            TakeReply(xcb_get_property_reply(connection, questions.process, nullptr)),
+            TakeReply(xcb_get_property_reply(connection, questions.machine, nullptr)));
     });
     const auto id = NumberOf(process.get());
     if (!attributes || !id || *id == 0 || TextOf(machine.get()) != m_machine) return std::nullopt;

@@ -42,7 +42,7 @@ bool OwnWindows::Create(HWND hWnd, const CREATESTRUCTA& create)
     if (m_connection.IsLost() || !m_connection.HasOurPixels()) return false;
     const RECT place = ToServer(RectOf(create.x, create.y, create.cx, create.cy), m_connection.GetView());
     const xcb_window_t id = xcb_generate_id(m_connection.Get());
-    const Entry entry{.id = id, .popup = (create.style & WS_POPUP) != 0, .place = place};
+    const OwnWindow entry{.id = id, .popup = (create.style & WS_POPUP) != 0, .place = place};
     const std::array<std::uint32_t, 4> values{XCB_BACK_PIXMAP_NONE, XCB_GRAVITY_NORTH_WEST, entry.popup,
                                               kEvents};
     xcb_create_window(m_connection.Get(), XCB_COPY_FROM_PARENT, id, m_connection.Root(),
@@ -63,7 +63,7 @@ bool OwnWindows::Create(HWND hWnd, const CREATESTRUCTA& create)
 
 void OwnWindows::Destroy(HWND hWnd) noexcept
 {
-    const Entry* entry = Find(hWnd);
+    const OwnWindow* entry = Find(hWnd);
     if (!entry) return;
     xcb_destroy_window(m_connection.Get(), entry->id);
     m_handles.erase(entry->id);
@@ -74,7 +74,7 @@ void OwnWindows::Destroy(HWND hWnd) noexcept
 // A manager is told of the hiding by an event of its own, since it may not have got to the showing yet.
 void OwnWindows::Show(HWND hWnd, bool bVisible)
 {
-    Entry* entry = Find(hWnd);
+    OwnWindow* entry = Find(hWnd);
     if (!entry) return;
     entry->shown = bVisible;
     if (bVisible) {
@@ -96,7 +96,7 @@ void OwnWindows::Show(HWND hWnd, bool bVisible)
 
 void OwnWindows::Place(HWND hWnd, const RECT& rect)
 {
-    Entry* entry = Find(hWnd);
+    OwnWindow* entry = Find(hWnd);
     if (!entry) return;
     entry->place = ToServer(rect, m_connection.GetView());
     const RECT& place = entry->place;
@@ -111,7 +111,7 @@ void OwnWindows::Place(HWND hWnd, const RECT& rect)
                          .sequence;
 }
 
-void OwnWindows::Raise(const Entry& entry)
+void OwnWindows::Raise(const OwnWindow& entry)
 {
     const std::uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(m_connection.Get(), entry.id, XCB_CONFIG_WINDOW_STACK_MODE, &above);
@@ -120,7 +120,7 @@ void OwnWindows::Raise(const Entry& entry)
 // The server knows no topmost windows: pop-ups that are follow each one that is raised.
 void OwnWindows::Stack(HWND hWnd, Order order)
 {
-    Entry* entry = Find(hWnd);
+    OwnWindow* entry = Find(hWnd);
     if (!entry) return;
     m_stack.Move(hWnd, order);
     const bool bWas = entry->topmost;
@@ -135,7 +135,7 @@ void OwnWindows::Stack(HWND hWnd, Order order)
     Raise(*entry);
     if (entry->topmost) return;
     for (const HWND hOther : m_stack.Handles()) {
-        const Entry* other = Find(hOther);
+        const OwnWindow* other = Find(hOther);
         if (other->popup && other->topmost) Raise(*other);
     }
 }
@@ -154,7 +154,7 @@ void OwnWindows::Focus(HWND hWnd)
 
 void OwnWindows::SetOwner(HWND hWnd, HWND hOwner)
 {
-    Entry* entry = Find(hWnd);
+    OwnWindow* entry = Find(hWnd);
     const xcb_window_t owner = NumberOf(hOwner);
     if (!entry || !owner) return;
     entry->modal = true;
@@ -163,7 +163,7 @@ void OwnWindows::SetOwner(HWND hWnd, HWND hOwner)
 
 void OwnWindows::SetCursor(HWND hWnd, HCURSOR hCursor)
 {
-    Entry* entry = Find(hWnd);
+    OwnWindow* entry = Find(hWnd);
     if (!entry || entry->cursor == hCursor) return;
     entry->cursor = hCursor;
     const std::uint32_t cursor = m_cursors.Get(hCursor);
@@ -172,7 +172,7 @@ void OwnWindows::SetCursor(HWND hWnd, HCURSOR hCursor)
 
 void OwnWindows::SetCaret(HWND hWnd, POINT place)
 {
-    if (Entry* entry = Find(hWnd)) entry->caret = place;
+    if (OwnWindow* entry = Find(hWnd)) entry->caret = place;
 }
 
 POINT OwnWindows::CaretOf(HWND hWnd) const noexcept
@@ -195,7 +195,7 @@ HWND OwnWindows::HandleOf(xcb_window_t id) const noexcept
     return it == m_handles.end() ? nullptr : it->second;
 }
 
-OwnWindows::Entry* OwnWindows::Find(HWND hWnd) noexcept
+OwnWindows::OwnWindow* OwnWindows::Find(HWND hWnd) noexcept
 {
     const auto it = m_entries.find(hWnd);
     return it == m_entries.end() ? nullptr : &it->second;
@@ -217,12 +217,13 @@ bool IsBefore(std::uint32_t sequence, std::optional<std::uint32_t>& request) noe
 } // namespace
 
 // A manager's own event tells the place within the screen; the server's the one within the manager's frame.
-std::optional<POINT> OwnWindows::OriginOf(const Entry& entry, const xcb_configure_notify_event_t& event) const
+std::optional<POINT> OwnWindows::OriginOf(const OwnWindow& entry,
+                                          const xcb_configure_notify_event_t& event) const
 {
     if ((event.response_type & kSentByAClient) || !entry.framed) return POINT{event.x, event.y};
     const auto cookie = xcb_translate_coordinates(m_connection.Get(), entry.id, m_connection.Root(), 0, 0);
     const auto origin = m_connection.Wait(
-        [&] { return Own(xcb_translate_coordinates_reply(m_connection.Get(), cookie, nullptr)); });
+        [&] { return TakeReply(xcb_translate_coordinates_reply(m_connection.Get(), cookie, nullptr)); });
     if (!origin) return std::nullopt;
     return POINT{origin->dst_x, origin->dst_y};
 }
@@ -230,7 +231,7 @@ std::optional<POINT> OwnWindows::OriginOf(const Entry& entry, const xcb_configur
 std::optional<OwnWindows::Change> OwnWindows::Learn(const xcb_configure_notify_event_t& event,
                                                     std::uint32_t sequence, const RECT& rect)
 {
-    Entry* entry = FindNumber(event.window);
+    OwnWindow* entry = FindNumber(event.window);
     const auto origin = entry ? OriginOf(*entry, event) : std::nullopt;
     entry = FindNumber(event.window); // it may have ended, or been placed, while the server was asked
     if (!entry || !origin || IsBefore(sequence, entry->placing)) return std::nullopt;
@@ -259,7 +260,7 @@ std::optional<RECT> OwnWindows::PlaceOf(HWND hWnd) const noexcept
 
 void OwnWindows::LearnParent(xcb_window_t id, xcb_window_t parent) noexcept
 {
-    if (Entry* entry = FindNumber(id)) entry->framed = parent != m_connection.Root();
+    if (OwnWindow* entry = FindNumber(id)) entry->framed = parent != m_connection.Root();
 }
 
 void OwnWindows::LearnShown(xcb_window_t id)

@@ -82,7 +82,7 @@ public:
     bool LearnFocus(xcb_window_t id, bool bHas, std::uint32_t sequence) noexcept;
 
 private:
-    struct Entry
+    struct OwnWindow
     {
         xcb_window_t id;
         bool popup; // not the window manager's business
@@ -96,15 +96,15 @@ private:
         std::optional<std::uint32_t> placing{}; // the request that told it, until the server has come to it
     };
 
-    Entry* Find(HWND hWnd) noexcept;
-    Entry* FindNumber(xcb_window_t id) noexcept { return Find(HandleOf(id)); }
-    void Raise(const Entry& entry);
+    OwnWindow* Find(HWND hWnd) noexcept;
+    OwnWindow* FindNumber(xcb_window_t id) noexcept { return Find(HandleOf(id)); }
+    void Raise(const OwnWindow& entry);
     // The place within the screen that the event tells within the window's parent.
-    std::optional<POINT> OriginOf(const Entry& entry, const xcb_configure_notify_event_t& event) const;
+    std::optional<POINT> OriginOf(const OwnWindow& entry, const xcb_configure_notify_event_t& event) const;
 
     const Connection& m_connection;
     Cursors m_cursors;
-    std::map<HWND, Entry> m_entries;
+    std::map<HWND, OwnWindow> m_entries;
     std::map<xcb_window_t, HWND> m_handles;
     WindowStack m_stack;
     xcb_window_t m_focused = 0;

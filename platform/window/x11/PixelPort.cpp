@@ -18,7 +18,7 @@ bool SharedMemory::IsOffered(const Connection& connection)
     const auto* extension = xcb_get_extension_data(connection.Get(), &xcb_shm_id);
     if (!extension || !extension->present) return false;
     const auto cookie = xcb_shm_query_version(connection.Get());
-    const auto version = Own(xcb_shm_query_version_reply(connection.Get(), cookie, nullptr));
+    const auto version = TakeReply(xcb_shm_query_version_reply(connection.Get(), cookie, nullptr));
     constexpr int nFirstWithFiles = 2;
     return version && (version->major_version > 1 || version->minor_version >= nFirstWithFiles);
 }
@@ -42,7 +42,8 @@ bool SharedMemory::Attach(int fd)
 {
     m_id = xcb_generate_id(m_connection.Get());
     const auto cookie = xcb_shm_attach_fd_checked(m_connection.Get(), m_id, fd, 0);
-    const auto error = m_connection.Wait([&] { return Own(xcb_request_check(m_connection.Get(), cookie)); });
+    const auto error =
+        m_connection.Wait([&] { return TakeReply(xcb_request_check(m_connection.Get(), cookie)); });
     return !error && !m_connection.IsLost();
 }
 
@@ -50,7 +51,7 @@ void SharedMemory::AwaitServer()
 {
     if (!m_reading) return;
     m_connection.Wait(
-        [&] { return Own(xcb_get_input_focus_reply(m_connection.Get(), *m_reading, nullptr)); });
+        [&] { return TakeReply(xcb_get_input_focus_reply(m_connection.Get(), *m_reading, nullptr)); });
     m_reading.reset();
 }
 
@@ -270,8 +271,8 @@ bool PixelPort::GetStrip(const RECT& strip, const View& view, gdi::Surface& pixe
     if (Memory shared = TakeMemory(nPixels); !shared.empty()) {
         const auto cookie = xcb_shm_get_image(connection, m_connection.Root(), x, y, nWidth, nHeight,
                                               allPlanes, XCB_IMAGE_FORMAT_Z_PIXMAP, shared.front().Id(), 0);
-        const auto image =
-            m_connection.Wait([&] { return Own(xcb_shm_get_image_reply(connection, cookie, nullptr)); });
+        const auto image = m_connection.Wait(
+            [&] { return TakeReply(xcb_shm_get_image_reply(connection, cookie, nullptr)); });
         if (image) CopyIn(shared.front().Pixels(), strip, view.scale, pixels, at);
         m_memory.splice(m_memory.end(), shared);
         return image != nullptr;
@@ -279,7 +280,7 @@ bool PixelPort::GetStrip(const RECT& strip, const View& view, gdi::Surface& pixe
     const auto cookie = xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_connection.Root(), x, y,
                                       nWidth, nHeight, allPlanes);
     const auto image =
-        m_connection.Wait([&] { return Own(xcb_get_image_reply(connection, cookie, nullptr)); });
+        m_connection.Wait([&] { return TakeReply(xcb_get_image_reply(connection, cookie, nullptr)); });
     if (!image || static_cast<std::size_t>(xcb_get_image_data_length(image.get())) < nPixels * 4)
         return false;
     CopyIn(reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(image.get())), strip, view.scale, pixels,

@@ -107,7 +107,7 @@ public:
     }
     X11Desktop(const X11Desktop&) = delete;
     X11Desktop& operator=(const X11Desktop&) = delete;
-    ~X11Desktop() override { X11Desktop::Leave(); }
+    ~X11Desktop() override { X11Desktop::Disconnect(); }
 
     SIZE Size() const noexcept override
     {
@@ -120,7 +120,7 @@ public:
         return session ? session->connection->GetView().monitor : SIZE{};
     }
     // The thread ends by itself once the connection does.
-    void Leave() noexcept override
+    void Disconnect() noexcept override
     {
         if (m_process != g_forks) return;
         std::shared_ptr<Session> session;

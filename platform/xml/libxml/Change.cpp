@@ -9,7 +9,7 @@ namespace {
 
 // Moves an element to be the last child of a place, which may be in another document, or a document's only
 // one. Nothing has changed on failure, for which std::bad_alloc may stand too.
-HRESULT Move(NodeObject& element, Place to)
+HRESULT Move(NodeObject& element, NodeRef to)
 {
     const auto before = Share(&element.GetTree()); // what the branch leaves behind lives until it has settled
     auto needed = NeededAt(element.Node(), to.node);
@@ -32,7 +32,7 @@ HRESULT Move(NodeObject& element, Place to)
     return S_OK;
 }
 
-HRESULT PutElementText(Place place, const std::string& text)
+HRESULT PutElementText(NodeRef place, const std::string& text)
 {
     if (text.size() > XML_MAX_TEXT) return E_INVALIDARG;
     NodePtr content(xmlNewDocTextLen(place.node->doc, ToXml(text.data()), static_cast<int>(text.size())));
@@ -52,7 +52,7 @@ HRESULT PutElementText(Place place, const std::string& text)
 
 } // namespace
 
-HRESULT PutText(Place place, BSTR bstrText)
+HRESULT PutText(NodeRef place, BSTR bstrText)
 {
     const xmlElementType type = place.node ? place.node->type : XML_DOCUMENT_NODE;
     if (type == XML_ELEMENT_NODE) return PutElementText(place, ToXmlText(bstrText));
@@ -60,7 +60,7 @@ HRESULT PutText(Place place, BSTR bstrText)
     return SetValue(reinterpret_cast<xmlAttr*>(place.node), ToXmlText(bstrText));
 }
 
-HRESULT AppendChild(Place place, IXMLDOMNode* pChild)
+HRESULT AppendChild(NodeRef place, IXMLDOMNode* pChild)
 {
     const auto child = NodeObject::From(pChild);
     if (!child || !child->IsElement()) return E_INVALIDARG;
@@ -72,7 +72,7 @@ HRESULT AppendChild(Place place, IXMLDOMNode* pChild)
     return Move(*child, place);
 }
 
-HRESULT SetRoot(Place document, NodeObject& element)
+HRESULT SetRoot(NodeRef document, NodeObject& element)
 {
     xmlNode* const old = document.tree->Root();
     if (element.Node() == old) return S_OK;

@@ -13,7 +13,7 @@ namespace {
 class DocumentObject final : public NodeMethods<IXMLDOMDocument, DocumentObject>
 {
 public:
-    Place Where() const noexcept { return {m_tree.get(), m_tree->DocNode()}; }
+    NodeRef Where() const noexcept { return {m_tree.get(), m_tree->DocNode()}; }
 
     HRESULT QueryInterface(const GUID& iid, void** ppObject) override
     {

@@ -58,7 +58,7 @@ std::string_view FewLetters(BSTR bstrPattern, std::array<char, 40>& room) noexce
 
 // Finds the first, or all where nobody takes that. Children are found by their plain name, which one with a
 // prefix that nothing declares is too, without XPath, whose answer would be the same: so records are read.
-HRESULT Select(Place place, BSTR bstrPattern, xmlNode** pFirst, std::vector<xmlNode*>& found)
+HRESULT Select(NodeRef place, BSTR bstrPattern, xmlNode** pFirst, std::vector<xmlNode*>& found)
 {
     if (!place.node) return E_FAIL;
     std::array<char, 40> room;
@@ -84,7 +84,7 @@ HRESULT Select(Place place, BSTR bstrPattern, xmlNode** pFirst, std::vector<xmlN
 
 } // namespace
 
-std::string_view GetText(Place place, std::string& joined)
+std::string_view GetText(NodeRef place, std::string& joined)
 {
     const xmlNode* const top = place.node;
     if (top->type != XML_DOCUMENT_NODE && top->type != XML_ELEMENT_NODE && top->type != XML_ATTRIBUTE_NODE)
@@ -97,7 +97,7 @@ std::string_view GetText(Place place, std::string& joined)
     return joined;
 }
 
-HRESULT SelectSingleNode(Place place, BSTR bstrPattern, IXMLDOMNode** ppNode)
+HRESULT SelectSingleNode(NodeRef place, BSTR bstrPattern, IXMLDOMNode** ppNode)
 {
     std::vector<xmlNode*> found;
     xmlNode* first = nullptr;
@@ -106,7 +106,7 @@ HRESULT SelectSingleNode(Place place, BSTR bstrPattern, IXMLDOMNode** ppNode)
     return hr;
 }
 
-HRESULT SelectNodes(Place place, BSTR bstrPattern, IXMLDOMNodeList** ppList)
+HRESULT SelectNodes(NodeRef place, BSTR bstrPattern, IXMLDOMNodeList** ppList)
 {
     std::vector<xmlNode*> found;
     const HRESULT hr = Select(place, bstrPattern, nullptr, found);

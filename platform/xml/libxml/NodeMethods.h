@@ -12,7 +12,7 @@
 
 namespace kx::xml::libxml {
 
-struct Place
+struct NodeRef
 {
     Tree* tree;
     xmlNode* node; // null for a node that couldn't be kept
@@ -73,11 +73,11 @@ HRESULT Give(Output* pOutput, Run run) noexcept
 
 // The methods that a document and its nodes share, on UTF-8. `ppNode` and so on are never null.
 // The text, which is one of the tree's own or else put together in `joined`.
-std::string_view GetText(Place place, std::string& joined);
-HRESULT PutText(Place place, BSTR bstrText);
-HRESULT AppendChild(Place place, IXMLDOMNode* pChild);
-HRESULT SelectSingleNode(Place place, BSTR bstrPattern, IXMLDOMNode** ppNode);
-HRESULT SelectNodes(Place place, BSTR bstrPattern, IXMLDOMNodeList** ppList);
+std::string_view GetText(NodeRef place, std::string& joined);
+HRESULT PutText(NodeRef place, BSTR bstrText);
+HRESULT AppendChild(NodeRef place, IXMLDOMNode* pChild);
+HRESULT SelectSingleNode(NodeRef place, BSTR bstrPattern, IXMLDOMNode** ppNode);
+HRESULT SelectNodes(NodeRef place, BSTR bstrPattern, IXMLDOMNodeList** ppList);
 
 // The nodes that an XPath expression selects from a node, in document order. Null stands for a namespace
 // node, which doesn't outlive the evaluation. Results as those of IXMLDOMNode::selectNodes.
@@ -90,16 +90,16 @@ class NodeMethods : public Counted<Interface>
 public:
     HRESULT get_nodeName(BSTR* pbstr) override
     {
-        return Get(pbstr, [](Place place) { return NameOf(place.node); });
+        return Get(pbstr, [](NodeRef place) { return NameOf(place.node); });
     }
     HRESULT get_text(BSTR* pbstr) override
     {
         std::string joined;
-        return Get(pbstr, [&](Place place) { return GetText(place, joined); });
+        return Get(pbstr, [&](NodeRef place) { return GetText(place, joined); });
     }
     HRESULT get_xml(BSTR* pbstr) override
     {
-        return Get(pbstr, [](Place place) { return MarkupOf(*place.tree, place.node); });
+        return Get(pbstr, [](NodeRef place) { return MarkupOf(*place.tree, place.node); });
     }
     HRESULT put_text(BSTR bstrText) override
     {
@@ -125,7 +125,7 @@ public:
     }
 
 private:
-    Place Here() const noexcept { return static_cast<const Self*>(this)->Where(); }
+    NodeRef Here() const noexcept { return static_cast<const Self*>(this)->Where(); }
     template <class Text>
     HRESULT Get(BSTR* pbstr, Text get)
     {

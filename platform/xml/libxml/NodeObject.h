@@ -21,7 +21,7 @@ public:
 
     Tree& GetTree() const noexcept { return *m_tree; }
     xmlNode* Node() const noexcept { return m_node; }
-    Place Where() const noexcept { return {m_tree.get(), m_node}; }
+    NodeRef Where() const noexcept { return {m_tree.get(), m_node}; }
     bool IsElement() const noexcept { return m_node && m_node->type == XML_ELEMENT_NODE; }
 
     // Make what lies in this branch that of another tree, where it hangs nowhere yet: its names and short
@@ -60,6 +60,6 @@ HRESULT SetAttribute(xmlNode* element, const std::string& name, const std::strin
 HRESULT SetValue(xmlAttr* attribute, const std::string& value);
 
 // Puts an element in the place of the document's, as IXMLDOMDocument::putref_documentElement.
-HRESULT SetRoot(Place document, NodeObject& element);
+HRESULT SetRoot(NodeRef document, NodeObject& element);
 
 } // namespace kx::xml::libxml
