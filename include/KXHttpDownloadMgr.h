@@ -113,7 +113,7 @@ protected:
     unsigned __DownloadFunc(); // NOLINT(bugprone-reserved-identifier): its given name
 
 private:
-    enum class Course
+    enum class Outcome
     {
         Complete,
         Stopped,
@@ -123,10 +123,10 @@ private:
 
     unsigned int Queue(std::unique_ptr<Task> task);
     std::unique_ptr<Task> WaitForTask();
-    Course Run(Task& task, CFile& file) noexcept;
+    Outcome Run(Task& task, CFile& file) noexcept;
     void NoteFailure(const Task& task, const char* pszReason) noexcept;
     void NoteFailure(const Task& task, const CException& exception) noexcept;
-    Course Download(Task& task, CFile& file);
+    Outcome Download(Task& task, CFile& file);
     bool Transfer(Task& task, CHttpFile& http, CFile& file);
     int ReadBlock(CHttpFile& http, char* pBlock, std::size_t cbBlock) const;
     bool IsStopped() const noexcept { return m_bStop != 0; }

@@ -168,15 +168,15 @@ unsigned CKXHttpDownloadMgr::__DownloadFunc() // NOLINT(bugprone-reserved-identi
 {
     m_dwWorker = GetCurrentThreadId();
     CFile file;
-    Course course = Course::Complete;
-    while (course == Course::Complete) {
+    Outcome outcome = Outcome::Complete;
+    while (outcome == Outcome::Complete) {
         const std::unique_ptr<Task> task = WaitForTask();
         if (!task) break;
-        course = Run(*task, file);
+        outcome = Run(*task, file);
     }
     m_bRunning = false;
     m_pSession->Close();
-    return course == Course::Failed ? static_cast<unsigned>(-1) : 0;
+    return outcome == Outcome::Failed ? static_cast<unsigned>(-1) : 0;
 }
 
 // Null at a stop; a task that was taken meanwhile is dropped.
@@ -192,11 +192,11 @@ std::unique_ptr<CKXHttpDownloadMgr::Task> CKXHttpDownloadMgr::WaitForTask()
 }
 
 // A callback may throw anything.
-CKXHttpDownloadMgr::Course CKXHttpDownloadMgr::Run(Task& task, CFile& file) noexcept
+CKXHttpDownloadMgr::Outcome CKXHttpDownloadMgr::Run(Task& task, CFile& file) noexcept
 {
-    Course course = Course::Failed;
+    Outcome outcome = Outcome::Failed;
     try {
-        course = Download(task, file);
+        outcome = Download(task, file);
     } catch (CException* pException) {
         NoteFailure(task, *pException);
         pException->Delete();
@@ -204,7 +204,7 @@ CKXHttpDownloadMgr::Course CKXHttpDownloadMgr::Run(Task& task, CFile& file) noex
         NoteFailure(task, "its callback threw");
     }
     file.Abort(); // what it holds stays
-    return course;
+    return outcome;
 }
 
 void CKXHttpDownloadMgr::NoteFailure(const Task& task, const CException& exception) noexcept
@@ -228,7 +228,7 @@ void CKXHttpDownloadMgr::NoteFailure(const Task& task, const char* pszReason) no
                     task.strUrl.GetString(), pszReason);
 }
 
-CKXHttpDownloadMgr::Course CKXHttpDownloadMgr::Download(Task& task, CFile& file)
+CKXHttpDownloadMgr::Outcome CKXHttpDownloadMgr::Download(Task& task, CFile& file)
 {
     std::unique_ptr<CHttpFile> http(m_pSession->OpenURL(task.strUrl, 1, INTERNET_FLAG_TRANSFER_ASCII));
     http->QueryInfo(HTTP_QUERY_CONTENT_LENGTH, task.dwTotalSize);
@@ -237,17 +237,17 @@ CKXHttpDownloadMgr::Course CKXHttpDownloadMgr::Download(Task& task, CFile& file)
     if (!task.strLocalFile.IsEmpty() &&
         !file.Open(task.strLocalFile, CFile::modeCreate | CFile::modeWrite, &failure)) {
         NoteFailure(task, failure);
-        return Course::NoFile;
+        return Outcome::NoFile;
     }
 
     if (!Transfer(task, *http, file)) {
         NotifyOrCallback(WM_KXDOWNLOADCUT, &task);
-        if (task.dwReceived == 0) return Course::Stopped;
+        if (task.dwReceived == 0) return Outcome::Stopped;
     }
     file.Close();
     http.reset();
     NotifyOrCallback(WM_KXDOWNLOADENDED, &task);
-    return Course::Complete;
+    return Outcome::Complete;
 }
 
 // True at the body's end, false at a stop.

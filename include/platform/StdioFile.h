@@ -44,7 +44,7 @@ private:
     void StartWriting();
     void GiveBack();
     int WriteOut() noexcept;
-    std::size_t Ahead() const noexcept { return m_bWriting ? 0 : m_nEnd - m_nPos; }
+    std::size_t Buffered() const noexcept { return m_bWriting ? 0 : m_nEnd - m_nPos; }
     std::size_t Pending() const noexcept { return m_bWriting ? m_nPos : 0; }
 
     std::unique_ptr<char[]> m_buffer; // read ahead, or not yet written

@@ -81,7 +81,7 @@ void CStdioFile::StartWriting()
 void CStdioFile::GiveBack()
 {
     if (m_bWriting) return;
-    if (Ahead() > 0) lseek(m_fd, -static_cast<off_t>(Ahead()), SEEK_CUR);
+    if (Buffered() > 0) lseek(m_fd, -static_cast<off_t>(Buffered()), SEEK_CUR);
     m_nPos = m_nEnd = 0;
 }
 
@@ -101,14 +101,14 @@ std::size_t CStdioFile::Read(void* pBuf, std::size_t nCount)
     char* pch = static_cast<char*>(pBuf);
     std::size_t nDone = 0;
     while (nDone < nCount) {
-        if (Ahead() == 0 && nCount - nDone >= kBlock) { // straight to its place
+        if (Buffered() == 0 && nCount - nDone >= kBlock) { // straight to its place
             const std::size_t nGot = CFile::Read(pch + nDone, nCount - nDone);
             if (nGot == 0) break;
             nDone += nGot;
             continue;
         }
-        if (Ahead() == 0 && !Fill()) break;
-        const std::size_t nPart = std::min(Ahead(), nCount - nDone);
+        if (Buffered() == 0 && !Fill()) break;
+        const std::size_t nPart = std::min(Buffered(), nCount - nDone);
         std::memcpy(pch + nDone, m_buffer.get() + m_nPos, nPart);
         m_nPos += nPart;
         nDone += nPart;
@@ -139,8 +139,8 @@ int CStdioFile::ReadString(CString& strLine)
     if (!IsOpen()) Throw(EBADF);
     StartReading();
     bool bAny = false;
-    while (Ahead() > 0 || Fill()) {
-        const std::string_view ahead(m_buffer.get() + m_nPos, Ahead());
+    while (Buffered() > 0 || Fill()) {
+        const std::string_view ahead(m_buffer.get() + m_nPos, Buffered());
         const std::size_t nEnd = ahead.find('\n');
         const bool bEnds = nEnd != ahead.npos;
         std::string_view piece = ahead.substr(0, nEnd);
@@ -166,7 +166,7 @@ std::uint64_t CStdioFile::Seek(std::int64_t nOff, unsigned nFrom)
 std::uint64_t CStdioFile::GetPosition() const
 {
     const std::uint64_t nPosition = CFile::GetPosition(); // always 0 for some devices
-    return nPosition + Pending() - std::min<std::uint64_t>(nPosition, Ahead());
+    return nPosition + Pending() - std::min<std::uint64_t>(nPosition, Buffered());
 }
 
 std::uint64_t CStdioFile::GetLength() const
