@@ -5,7 +5,7 @@
 
 // Changes of an INI text. Each gives the text after the change; what it doesn't speak of stays to the byte.
 // Sections and keys are found as in reading: ignoring the case of ASCII letters, without white space around.
-// A file may be in another code page than the process, so no other letter's case is known.
+// No other letter folds, so that one file means the same to processes of all code pages.
 
 namespace kx::profile {
 
