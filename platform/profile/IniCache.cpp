@@ -34,17 +34,6 @@ bool IsSame(const struct stat& a, const struct stat& b) noexcept
            same(a.st_mtim, b.st_mtim) && same(a.st_ctim, b.st_ctim);
 }
 
-// Whether every change made after the instant `now` shows in a file's status. The kernel's time goes by
-// ticks, so a file changed in the tick of its last change, to the same size, keeps its status; only once that
-// tick is over does an equal status mean an equal file. The time of change is the one that counts: it can't
-// be set by hand. A file system whose times have no fraction counts by seconds, or by two.
-bool IsSettled(const struct stat& status, const timespec& now) noexcept
-{
-    const bool bWholeSeconds = status.st_mtim.tv_nsec == 0 && status.st_ctim.tv_nsec == 0;
-    const std::int64_t unsettled = bWholeSeconds ? 2 * kSecond + 2 * Tick() : 2 * Tick();
-    return Nanoseconds(now) - Nanoseconds(status.st_ctim) > unsettled;
-}
-
 } // namespace
 
 timespec FileTime() noexcept
@@ -54,11 +43,18 @@ timespec FileTime() noexcept
     return now;
 }
 
+bool IsSettled(const struct stat& status, const timespec& now, std::int64_t tick) noexcept
+{
+    const bool bWholeSeconds = status.st_mtim.tv_nsec == 0 && status.st_ctim.tv_nsec == 0;
+    const std::int64_t unsettled = bWholeSeconds ? 2 * kSecond + 2 * tick : 2 * tick;
+    return Nanoseconds(now) - Nanoseconds(status.st_ctim) > unsettled;
+}
+
 CachedIni::CachedIni(std::string path, const struct stat& read, const timespec& now, std::string text,
                      unsigned nowGeneration)
     : system(std::move(path)),
       status(read),
-      bSettled(IsSettled(read, now)),
+      bSettled(IsSettled(read, now, Tick())),
       generation(nowGeneration),
       ini(std::move(text))
 {

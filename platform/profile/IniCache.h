@@ -1,5 +1,6 @@
 #pragma once
 
+#include "include/KXExport.h"
 #include "platform/profile/ParsedIni.h"
 #include "platform/sync/Mutex.h"
 
@@ -18,11 +19,18 @@ namespace kx::profile {
 // The kernel's time as it stamps files.
 timespec FileTime() noexcept;
 
+// Whether every change made after the instant `now` shows in a file's status. The kernel's time goes by ticks
+// of so many nanoseconds, so a file changed in the tick of its last change, to the same size, keeps its
+// status; only once that tick is over does an equal status mean an equal file. The time of change is the one
+// that counts: it can't be set by hand. A file system whose times have no fraction counts by seconds, or by
+// two.
+KX_API bool IsSettled(const struct stat& status, const timespec& now, std::int64_t tick) noexcept;
+
 // A larger file counts as unreadable, and none is made larger.
 inline constexpr std::size_t kMaxFile = 16 * 1024 * 1024;
 
 // A file as it was read.
-struct CachedIni
+struct KX_API CachedIni
 {
     // `read` tells of the file as it was then, at the instant `now` or later.
     CachedIni(std::string path, const struct stat& read, const timespec& now, std::string text,
@@ -41,7 +49,7 @@ struct CachedIni
 using CachedIniPtr = std::shared_ptr<const CachedIni>;
 
 // The files last read, under names of the caller's. Any thread.
-class IniCache
+class KX_API IniCache
 {
 public:
     static constexpr std::size_t kMaxFiles = 64;

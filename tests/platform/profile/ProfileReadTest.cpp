@@ -1,4 +1,5 @@
 #include "platform/UniqueFd.h"
+#include "platform/profile/IniCache.h"
 #include "tests/platform/profile/IniFixture.h"
 #include "tests/support/Host.h"
 
@@ -110,6 +111,26 @@ TEST(ProfileRead, SeesEveryChangeMadeInPlace)
     }
 }
 
+TEST(ProfileRead, AStatusCountsOnceItsTickIsOver)
+{
+    const struct
+    {
+        long modified, changed; // nanoseconds behind 100 seconds
+        timespec now;
+        bool bSettled;
+    } cases[] = {
+        {0, 999'999'999, {101, 7'999'999}, false}, {0, 999'999'999, {101, 8'000'000}, true},
+        {1, 0, {100, 8'000'000}, false},           {1, 0, {100, 8'000'001}, true},
+        {0, 0, {102, 8'000'000}, false},           {0, 0, {102, 8'000'001}, true},
+    };
+    for (const auto& c : cases) {
+        struct stat status = {};
+        status.st_mtim = {100, c.modified};
+        status.st_ctim = {100, c.changed};
+        EXPECT_EQ(kx::profile::IsSettled(status, c.now, 4'000'000), c.bSettled) << c.modified << c.changed;
+    }
+}
+
 // A file that hasn't changed for a while is known by its stamp alone; the time of modification can be set
 // back.
 TEST(ProfileRead, SeesAChangeThatHidesItself)
@@ -185,18 +206,31 @@ TEST(ProfileRead, EverySpellingGivesTheFileThatItNames)
     EXPECT_EQ(get("K:\\Skins\\Blue\\Skin.ini"), "-");
 }
 
-TEST(ProfileRead, ManyFilesStayApart)
+TEST(ProfileRead, TheFilesUsedLastAreKept)
 {
-    const test::TempDir dir;
-    const int files = 150; // more than are kept parsed
-    for (int n = 0; n < files; ++n)
-        dir.Write(std::to_string(n) + ".ini", "[S]\nk=" + std::to_string(n) + "\n");
-    for (int n = 0; n < 3 * files; ++n) {
-        std::array<char, 16> value;
-        const std::string name = std::to_string(n * 7 % files);
-        GetPrivateProfileStringA("S", "k", "-", value.data(), value.size(), dir.Win(name + ".ini"));
-        ASSERT_EQ(value.data(), name);
-    }
+    using namespace kx::profile;
+    IniCache cache;
+    const auto put = [&](int n, std::size_t size) {
+        const struct stat status = {};
+        auto file = std::make_shared<const CachedIni>("", status, timespec{}, std::string(size, ';'), 0u);
+        cache.Put(std::to_string(n), std::move(file));
+    };
+    for (int n = 0; n < static_cast<int>(IniCache::kMaxFiles); ++n)
+        put(n, 0);
+    EXPECT_TRUE(cache.Find("0"));
+    put(100, 0);
+    EXPECT_TRUE(cache.Find("0"));
+    EXPECT_FALSE(cache.Find("1"));
+    EXPECT_TRUE(cache.Find("2"));
+    for (const int n : {101, 102, 103})
+        put(n, IniCache::kMaxBytes / 3 + 1);
+    EXPECT_FALSE(cache.Find("101"));
+    EXPECT_TRUE(cache.Find("102"));
+    put(104, IniCache::kMaxBytes + 1);
+    EXPECT_FALSE(cache.Find("104"));
+    EXPECT_TRUE(cache.Find("103"));
+    put(105, IniCache::kMaxBytes);
+    EXPECT_TRUE(cache.Find("105"));
 }
 
 } // namespace
