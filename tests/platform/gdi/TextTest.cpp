@@ -27,11 +27,12 @@ protected:
         DeleteObject(font);
     }
 
-    void Use(const char* pszFace, int nHeight, int nWeight = FW_NORMAL)
+    void Use(const char* pszFace, int nHeight, int nWeight = FW_NORMAL, bool bItalic = false)
     {
         LOGFONTA log{};
         log.lfHeight = nHeight;
         log.lfWeight = nWeight;
+        log.lfItalic = bItalic;
         std::strncpy(log.lfFaceName, pszFace, sizeof(log.lfFaceName) - 1);
         const HFONT made = CreateFontIndirectA(&log);
         SelectObject(paper, made);
@@ -186,12 +187,41 @@ TEST_F(Text, ColoursAndBackground)
     EXPECT_GT(nRed, 2);
 }
 
+// A family without a bold or a slanted face has its one face's letters made so.
+TEST_F(Text, LettersAreOfTheFaceAndKindAskedFor)
+{
+    const auto ink = [&](const char* pszFace, int nWeight, bool bItalic = false) {
+        Use(pszFace, -40, nWeight, bItalic);
+        return CRect(Draw("l", DT_SINGLELINE));
+    };
+    EXPECT_EQ(ink("DejaVu Sans", FW_NORMAL), CRect(3, 7, 8, 38));
+    EXPECT_EQ(ink("DejaVu Sans", FW_BOLD), CRect(3, 7, 11, 38));
+    EXPECT_EQ(ink("WenQuanYi Micro Hei", 599), CRect(3, 8, 7, 38));
+    EXPECT_EQ(ink("WenQuanYi Micro Hei", 600), CRect(3, 6, 9, 38));
+    EXPECT_EQ(ink("WenQuanYi Micro Hei", FW_NORMAL, true), CRect(3, 8, 14, 38));
+    EXPECT_EQ(ink("WenQuanYi Micro Hei Mono", FW_NORMAL), CRect(3, 7, 21, 38)); // another face of the file
+    Use("DejaVu Sans", -40);
+    EXPECT_EQ(CRect(Draw("L", DT_SINGLELINE, {0, 0, 200, 30})), CRect(3, 8, 8, 30)); // the stem alone
+    Use("monospace", -40); // a name of the system's configuration
+    EXPECT_EQ(WidthOf("i"), WidthOf("W"));
+    // Of the em square 0.928 lie above the base line, 0.236 below, which together make up the cell.
+    const auto sizeAt = [&](int nHeight) {
+        Use("DejaVu Sans", nHeight);
+        SIZE size;
+        GetTextExtentPoint32A(paper, "H", 1, &size);
+        return CSize(size);
+    };
+    EXPECT_EQ(sizeAt(-100), CSize(75, 93 + 24));
+    EXPECT_EQ(sizeAt(100), CSize(65, 100));
+    EXPECT_EQ(sizeAt(1).cy, 1);
+}
+
 TEST_F(Text, UnknownFacesAndSizesFallBack)
 {
     Use("No Such Face", -16);
     EXPECT_GT(WidthOf("A"), 0);
-    EXPECT_GT(WidthOf("\xD6\xD0"), 8); // a Chinese letter from whatever face has it
-    Use("\xCB\xCE\xCC\xE5", 0);        // a Chinese face name; the default size
+    EXPECT_EQ(WidthOf("\xD6\xD0"), 16); // a Chinese letter from whatever face has it
+    Use("\xCB\xCE\xCC\xE5", 0);         // a Chinese face name; the default size
     EXPECT_GT(WidthOf("A"), 0);
     const int nNormal = WidthOf("W");
     Use("DejaVu Sans", INT_MAX, FW_BOLD);
