@@ -108,6 +108,7 @@ TEST_F(X11InputTest, KeysAreHeardByWhoHasTheFocus)
     EXPECT_EQ(GetKeyState(VK_CAPITAL) & 1, 1);
     EXPECT_EQ(last(0xFFE5), "key 20 1,0;keyup 20 1,0;");
     EXPECT_EQ(last(0xFF95), "key 36 1,0;keyup 36 1,0;");   // the number block's 7
+    EXPECT_EQ(last(0xFF9C), "key 35 1,0;keyup 35 1,0;");   // its 1
     EXPECT_EQ(last(0xFF7F), "key 144 1,0;keyup 144 1,0;"); // Num Lock
     EXPECT_EQ(last(0xFF95), "key 103 1,0;char 55 1,0;keyup 103 1,0;");
     EXPECT_EQ(last(0xFF7F), "key 144 1,0;keyup 144 1,0;");

@@ -34,6 +34,9 @@ TEST_F(X11WindowTest, PixelsReachTheScreenAndComeBackFromIt)
         ShowSeen(window, kRed, 50, 60);
         EXPECT_EQ(outside->Pixel(149, 139), kRed);
         EXPECT_EQ(outside->Pixel(150, 139), kBlue);
+        std::ifstream maps("/proc/self/maps");
+        const std::string shared{std::istreambuf_iterator<char>(maps), {}};
+        EXPECT_EQ(shared.find("memfd:kx-pixels") != std::string::npos, options.empty());
 
         const HDC desktop = GetDC(nullptr);
         EXPECT_EQ(GetPixel(desktop, 50, 60), kRed);
@@ -86,7 +89,7 @@ TEST_F(X11WindowTest, OthersAreToldWhatAWindowIs)
 {
     // "中文" in code page 936.
     const ColorWindow plain(kRed, {0, 0, 50, 50}, 0, "\xD6\xD0\xCE\xC4");
-    const ColorWindow framed(kRed, {0, 0, 50, 50}, WS_CAPTION, "framed");
+    const ColorWindow framed(kRed, {10, 20, 60, 80}, WS_CAPTION, "framed");
     const ColorWindow popup(kRed, {0, 0, 50, 50}, WS_POPUP, std::string(100'000, 'x').c_str());
     SetWindowTextA(popup.handle, "\xFF tip");
     ASSERT_TRUE(Await([&] { return outside->Find("? tip"); }));
@@ -99,16 +102,24 @@ TEST_F(X11WindowTest, OthersAreToldWhatAWindowIs)
     EXPECT_TRUE(outside->IsPopup(idPopup));
     EXPECT_FALSE(outside->IsPopup(idPlain));
     EXPECT_FALSE(outside->IsPopup(idFramed));
-    EXPECT_EQ(outside->Property(idPlain, "_MOTIF_WM_HINTS").size(), 20u);
-    EXPECT_EQ(outside->Property(idFramed, "_MOTIF_WM_HINTS"), "");
-    const auto pid = static_cast<std::uint32_t>(GetCurrentProcessId());
-    EXPECT_EQ(outside->Property(idFramed, "_NET_WM_PID"),
-              std::string(reinterpret_cast<const char*>(&pid), sizeof pid));
+    const auto numbers = [](std::initializer_list<std::uint32_t> list) {
+        return std::string(reinterpret_cast<const char*>(std::data(list)), 4 * list.size());
+    };
+    const auto framedHas = [&](const char* pszName) { return outside->Property(idFramed, pszName); };
+    EXPECT_EQ(outside->Property(idPlain, "_MOTIF_WM_HINTS"), numbers({2, 0, 0, 0, 0}));
+    EXPECT_EQ(framedHas("_MOTIF_WM_HINTS"), "");
+    EXPECT_EQ(framedHas("_NET_WM_PID"), numbers({static_cast<std::uint32_t>(GetCurrentProcessId())}));
+    EXPECT_EQ(framedHas("WM_PROTOCOLS"), numbers({outside->Atom("WM_DELETE_WINDOW")}));
+    EXPECT_EQ(framedHas("WM_CLASS"), std::string("test.platform.window\0test.platform.window\0", 42));
+    EXPECT_EQ(framedHas("WM_HINTS"), numbers({1, 1, 0, 0, 0, 0, 0, 0, 0})); // the keyboard is wanted
+    EXPECT_EQ(framedHas("WM_NORMAL_HINTS"), // a place and a size, with its corner where it is told
+              numbers({1 | 2 | 4 | 8 | 512, 10, 20, 50, 60, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10}));
 
-    EXPECT_EQ(outside->Property(idFramed, "_NET_WM_STATE"), "");
+    EXPECT_EQ(framedHas("_NET_WM_STATE"), "");
     SetWindowPos(framed.handle, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
     ShowWindow(framed.handle, SW_SHOWNA);
-    EXPECT_TRUE(Await([&] { return outside->Property(idFramed, "_NET_WM_STATE").size() == 4; }));
+    const std::string above = numbers({outside->Atom("_NET_WM_STATE_ABOVE")});
+    EXPECT_TRUE(Await([&] { return framedHas("_NET_WM_STATE") == above; }));
 }
 
 // By the class, or set later; the manager gets it as opacity and colour.

@@ -21,6 +21,7 @@ public:
     xcb_window_t Root() const { return m_screen.root; }
     // The top-level window of that title; 0 for none.
     xcb_window_t Find(const std::string& title);
+    xcb_atom_t Atom(const char* name);
     // A property's bytes as they lie there; empty for none.
     std::string Property(xcb_window_t window, const char* name);
     bool IsPopup(xcb_window_t window);
@@ -54,7 +55,6 @@ public:
     void Type(xcb_keycode_t code);
 
 private:
-    xcb_atom_t Atom(const char* name);
     // All that was asked has been done when it returns.
     void Finish();
     void Fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
