@@ -57,7 +57,7 @@ TEST_F(XPath, KnowsIdentitiesThatAreDeclared)
 {
     CKXXmlDomElement root =
         Root("<!DOCTYPE r [<!ATTLIST e k ID #IMPLIED>]><r><e k='k1' v='1'/><e k='k2' v='2'/>"
-             "<f k='k3'/><ref>k2 k1</ref></r>");
+             "<f k='k3'/><ref>k2</ref><ref>k1</ref></r>");
     const auto found = [&](const char* pszPattern) {
         std::string all;
         for (CKXXmlDomElement e : root.GetChilds(pszPattern))
