@@ -84,7 +84,8 @@ TEST_F(XPath, KnowsIdentitiesThatAreDeclared)
 
 TEST_F(XPath, TellsTheDefaultNamespace)
 {
-    CKXXmlDomElement root = Root("<r xmlns='u' xmlns:p='v'><a/><p:b/><c xmlns='w'/><d xmlns=''/><x:e/></r>");
+    CKXXmlDomElement root =
+        Root("<r xmlns='u' xmlns:p='v'><a/><p:b/><c xmlns='w'/><d xmlns=''><y:f xmlns:y='z'/></d><x:e/></r>");
     const auto names = [&](const char* pszPattern) {
         std::string all;
         for (CKXXmlDomElement e : root.GetChilds(pszPattern))
@@ -96,6 +97,7 @@ TEST_F(XPath, TellsTheDefaultNamespace)
     EXPECT_EQ(names("*[namespace-uri()='w']"), "c ");
     EXPECT_EQ(names("*[namespace-uri()='']"), "d x:e ");
     EXPECT_EQ(names("a | c"), "a c ");
+    EXPECT_EQ(names("d/y:f"), "y:f "); // a prefix that is declared below
 }
 
 // All children of a record with many, in the order in which they lie, backwards and mixed, while some come.
