@@ -7,10 +7,7 @@
 #include <ctime>
 #include <gmock/gmock.h>
 
-using test::Load;
-using test::Paper;
-using test::Picture;
-using test::Scoped;
+using namespace test;
 
 namespace {
 
@@ -161,8 +158,7 @@ TEST(BlockCopy, UnderAClipOfManyRectanglesTouchesThoseInItsReach)
 TEST(BitBlt, ReadsAndPaintsTheDesktop)
 {
     const HDC desktop = GetDC(nullptr);
-    const Paper paper(2, 2, 'R');
-    BitBlt(desktop, DESKTOP_WIDTH - 1, DESKTOP_HEIGHT - 1, 2, 2, paper, 0, 0, SRCCOPY);
+    BitBlt(desktop, DESKTOP_WIDTH - 1, DESKTOP_HEIGHT - 1, 2, 2, Paper(2, 2, 'R'), 0, 0, SRCCOPY);
     const Paper shot(3, 3, 'W');
     BitBlt(shot, 0, 0, 3, 3, desktop, DESKTOP_WIDTH - 2, DESKTOP_HEIGHT - 2, SRCCOPY);
     EXPECT_EQ(shot.Read(), (Picture{"??W", "?RW", "WWW"}));
@@ -236,14 +232,14 @@ TEST(TransparentBlt, HighBytesOfPixelsAndKeyDoNotCount)
     bmp.pixels =
         test::Le(0xFF00FF00, 4) + test::Le(0x0000FF00, 4) + test::Le(0x80FF0000, 4) + test::Le(0xFF01, 4);
     const Scoped<HBITMAP> loaded(Load(bmp));
-    const HDC from = CreateCompatibleDC(nullptr);
-    SelectObject(from, loaded);
+    const Paper from(1, 1);
+    const HGDIOBJ first = SelectObject(from, loaded);
     const Paper to(4, 1, 'W');
     EXPECT_EQ(TransparentBlt(to, 0, 0, 4, 1, from, 0, 0, 4, 1, 0xAB00FF00), 1);
     EXPECT_EQ(to.Read(), (Picture{"WWR?"}));
     EXPECT_EQ(TransparentBlt(to, 0, 0, 2, 1, from, 0, 0, 4, 1, 0x0000FF00), 1);
     EXPECT_EQ(to.Read(), (Picture{"WRR?"}));
-    DeleteDC(from);
+    SelectObject(from, first);
 }
 
 TEST(StretchBlt, TakesThePixelThatTheCentreFallsInto)
@@ -306,12 +302,12 @@ TEST(CopyObserver, HearsOfEachCopyAsItWasCalled)
     KXHost::SetCopyObserver({});
     BitBlt(to, 0, 0, 1, 1, from, 0, 0, SRCCOPY);
     ASSERT_EQ(heard.size(), 3u);
-    const auto is = [](const KXHost::CopyRecord& a, const KXHost::CopyRecord& b) {
-        return a.kind == b.kind && a.hDst == b.hDst && a.x == b.x && a.y == b.y && a.cx == b.cx &&
-               a.cy == b.cy && a.hSrc == b.hSrc && a.xSrc == b.xSrc && a.ySrc == b.ySrc &&
-               a.cxSrc == b.cxSrc && a.cySrc == b.cySrc && a.clrKey == b.clrKey;
+    const auto fields = [](const KXHost::CopyRecord& copy) {
+        const auto& [kind, hDst, x, y, cx, cy, hSrc, xSrc, ySrc, cxSrc, cySrc, clrKey] = copy;
+        return std::tuple(kind, hDst, x, y, cx, cy, hSrc, xSrc, ySrc, cxSrc, cySrc, clrKey);
     };
-    EXPECT_TRUE(is(heard[0], {KXHost::CopyKind::BitBlt, nullptr, 1, -2, 3, 4, from, 5, 6, 3, 4, 0}));
-    EXPECT_TRUE(is(heard[1], {KXHost::CopyKind::StretchBlt, to, 1, 2, -3, 4, nullptr, 5, 6, 7, 8, 0}));
-    EXPECT_TRUE(is(heard[2], {KXHost::CopyKind::TransparentBlt, to, 1, 2, 3, 4, from, 5, 6, 7, 8, 0x99}));
+    using Kind = KXHost::CopyKind;
+    EXPECT_EQ(fields(heard[0]), fields({Kind::BitBlt, nullptr, 1, -2, 3, 4, from, 5, 6, 3, 4, 0}));
+    EXPECT_EQ(fields(heard[1]), fields({Kind::StretchBlt, to, 1, 2, -3, 4, nullptr, 5, 6, 7, 8, 0}));
+    EXPECT_EQ(fields(heard[2]), fields({Kind::TransparentBlt, to, 1, 2, 3, 4, from, 5, 6, 7, 8, 0x99}));
 }

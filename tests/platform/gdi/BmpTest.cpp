@@ -2,6 +2,9 @@
 
 #include "tests/platform/gdi/LoadedImage.h"
 
+#include <array>
+#include <tuple>
+
 namespace {
 
 using namespace test;
@@ -65,21 +68,14 @@ TEST(Bmp, TwoBitsAreShownAsFour)
 {
     const Picture picture = {"RGWKR", "KWGRG"};
     const LoadedBitmap bitmap(ToBmp(picture, 2, false, "KRGW").File());
-    EXPECT_EQ(bitmap.Letters(), picture);
     EXPECT_EQ(bitmap.Record().bmBitsPixel, 4);
-    EXPECT_EQ(bitmap.Dib(4, 4),
-              ToBmp(picture, 4, true, "KRGW").palette + ToBmp(picture, 4, true, "KRGW").pixels);
+    const Bmp four = ToBmp(picture, 4, true, "KRGW");
+    EXPECT_EQ(bitmap.Dib(4, 4), four.palette + four.pixels);
 }
 
 TEST(Bmp, ChannelsAreBroughtToEightBits)
 {
-    const struct
-    {
-        DWORD depth;
-        DWORD masks[4];
-        DWORD value;
-        DWORD pixel;
-    } cases[] = {
+    const std::tuple<DWORD, std::array<DWORD, 4>, DWORD, DWORD> cases[] = {
         {16, {0xF800, 0x07E0, 0x001F, 0}, 0xFFFF, 0x00FFFFFF},
         {16, {0xF800, 0x07E0, 0x001F, 0}, 0x8410, 0x00848284}, // 10000, 100000
         {16, {0x7C00, 0x03E0, 0x001F, 0x8000}, 0x8C41, 0xFF181008},
@@ -92,36 +88,29 @@ TEST(Bmp, ChannelsAreBroughtToEightBits)
         {32, {0xFFFF0000, 0x0000FFFF, 0, 0}, 0x12FF34FF, 0x00123400},
         {32, {0xFFFFFFFF, 0, 0, 0}, 0x7F000000, 0x007F0000},
     };
-    for (const auto& one : cases) {
+    for (const auto& [depth, masks, value, pixel] : cases) {
         Bmp bmp;
         bmp.width = bmp.height = 1;
-        bmp.depth = one.depth;
-        bmp.compression = BI_BITFIELDS;
-        for (const DWORD mask : one.masks)
+        bmp.depth = depth;
+        for (const DWORD mask : masks)
             bmp.masks += Le(mask, 4);
         bmp.headerSize = 56;
-        bmp.pixels = Le(one.value, 4);
-        SCOPED_TRACE(testing::Message() << std::hex << one.masks[0] << " of " << one.value);
-        const std::vector<DWORD> expected{one.depth == 32 ? one.pixel : one.pixel & 0xFFFFFF};
-        EXPECT_EQ(LoadedBitmap(bmp.File()).Pixels(), expected);
-
-        // The same masks behind an older header; the fourth has a number of its own.
-        bmp.headerSize = 40;
-        bmp.compression = 6;
-        EXPECT_EQ(LoadedBitmap(bmp.File()).Pixels(), expected);
-        if (one.masks[3] != 0) continue;
-        bmp.compression = BI_BITFIELDS;
+        bmp.pixels = Le(value, 4);
+        SCOPED_TRACE(testing::Message() << std::hex << masks[0] << " of " << value);
+        const std::vector<DWORD> expected{depth == 32 ? pixel : pixel & 0xFFFFFF};
+        const auto expect = [&](DWORD compression) {
+            bmp.compression = compression;
+            EXPECT_EQ(LoadedBitmap(bmp.File()).Pixels(), expected);
+        };
+        expect(BI_BITFIELDS);
+        bmp.headerSize = 40; // the same masks behind an older header; the fourth has a number of its own
+        expect(6);
         bmp.masks.resize(12);
-        EXPECT_EQ(LoadedBitmap(bmp.File()).Pixels(), expected);
+        if (masks[3] == 0) expect(BI_BITFIELDS);
     }
-}
-
-TEST(Bmp, HighByteOf32BitsIsKept)
-{
-    Bmp bmp = ToBmp({"RG"}, 32);
-    bmp.pixels[3] = '\x12';
-    bmp.pixels[7] = '\xFE';
-    EXPECT_EQ(LoadedBitmap(bmp.File()).Pixels(), (std::vector<DWORD>{0x12FF0000, 0xFE00FF00}));
+    Bmp plain = ToBmp({"R"}, 32);
+    plain.pixels[3] = '\x12'; // is kept
+    EXPECT_EQ(LoadedBitmap(plain.File()).Pixels(), std::vector<DWORD>{0x12FF0000});
 }
 
 TEST(Bmp, Palettes)
@@ -164,12 +153,8 @@ Bmp Compressed(DWORD compression, const std::string& data, std::string_view pale
 
 TEST(Bmp, RunLengths)
 {
-    const struct
-    {
-        DWORD compression;
-        const char* data; // indices are places in kLetters
-        Picture expected;
-    } cases[] = {
+    // Indices are places in kLetters.
+    const std::tuple<DWORD, const char*, Picture> cases[] = {
         {BI_RLE8, "0504 0000 0202 0301 0000 0507 0001", {"WWWWW", "GGBBB", "RRRRR"}},
         {BI_RLE4, "0547 0000 0411 0001", {"KKKKK", "BBBBK", "RWRWR"}},
         // Pixels one by one, padded to 16 bits.
@@ -193,9 +178,8 @@ TEST(Bmp, RunLengths)
         {BI_RLE8, "00C8 0102 0300 01", kNull},
         {BI_RLE8, "", kNull},
     };
-    for (const auto& one : cases)
-        EXPECT_EQ(LoadedBitmap(Compressed(one.compression, one.data).File()).Letters(), one.expected)
-            << one.data;
+    for (const auto& [compression, data, expected] : cases)
+        EXPECT_EQ(LoadedBitmap(Compressed(compression, data).File()).Letters(), expected) << data;
     EXPECT_EQ(LoadedBitmap(Compressed(BI_RLE8, "0002 0100 0101 0001", "RG").File()).Letters(),
               (Picture{"RRRRR", "RRRRR", "RGRRR"}))
         << "what is skipped has the first colour";
@@ -223,13 +207,8 @@ TEST(Bmp, LiesGiveNull)
 {
     const std::string sound = ToBmp(kPicture, 8).File();
     ASSERT_EQ(LoadedBitmap(sound).Letters(), kPicture);
-    const struct
-    {
-        const char* field;
-        std::size_t at;
-        std::size_t width;
-        std::vector<DWORD> values;
-    } lies[] = {
+    // A field's name, its place and width, and what isn't to be believed of it.
+    const std::tuple<const char*, std::size_t, std::size_t, std::vector<DWORD>> lies[] = {
         {"signature", 0, 2, {0, 0x4E42}},
         {"pixel offset", 10, 4, {53, 14 + 40 + 32 + 4, 0xFFFFFFFF}},
         {"header size", 14, 4, {0, 8, 66, 0xFFFFFFFF}},
@@ -239,10 +218,10 @@ TEST(Bmp, LiesGiveNull)
         {"depth", 28, 2, {0, 3, 64}},
         {"compression", 30, 4, {BI_RLE4, BI_BITFIELDS, 4, 0xFFFFFFFF}},
     };
-    for (const auto& lie : lies)
-        for (const DWORD value : lie.values) {
-            const std::string file = std::string(sound).replace(lie.at, lie.width, Le(value, lie.width));
-            EXPECT_EQ(LoadedBitmap(file).Letters(), kNull) << lie.field << " " << value;
+    for (const auto& [field, at, width, values] : lies)
+        for (const DWORD value : values) {
+            const std::string file = std::string(sound).replace(at, width, Le(value, width));
+            EXPECT_EQ(LoadedBitmap(file).Letters(), kNull) << field << " " << value;
         }
 
     Bmp wide = ToBmp({"RG"}, 24), palette = ToBmp(kPicture, 8), masks = ToBmp({"R"}, 32),
@@ -267,10 +246,9 @@ TEST(Bmp, CutsGiveNullAndOtherDamageDoesNoHarm)
                            Compressed(BI_RLE4, "0547 0000 0005 1234 5000 0002 0100 0936 0001")}) {
         ASSERT_NE(LoadedBitmap(bmp.File()).Letters(), kNull);
         const Picture whole = LoadedBitmap(bmp.File()).Letters();
-        const auto nWidth = static_cast<std::size_t>(bmp.width);
-        const std::size_t nPadding = bmp.compression == BI_RLE8 || bmp.compression == BI_RLE4
-                                         ? 0
-                                         : (32 - nWidth * bmp.depth % 32) % 32 / 8;
+        const bool bPacked = bmp.compression == BI_RLE8 || bmp.compression == BI_RLE4;
+        const auto nBits = static_cast<std::size_t>(bmp.width) * bmp.depth;
+        const std::size_t nPadding = bPacked ? 0 : (32 - nBits % 32) % 32 / 8;
         ForEachCut(bmp.File(), [&](const std::string& file) {
             const bool bPaddingAlone = file.size() + nPadding >= bmp.File().size(); // of the last row
             EXPECT_EQ(LoadedBitmap(file).Letters(), bPaddingAlone ? whole : kNull) << file.size();

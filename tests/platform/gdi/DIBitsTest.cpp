@@ -5,10 +5,7 @@
 #include <cstring>
 #include <map>
 
-using test::Load;
-using test::Paper;
-using test::Picture;
-using test::Scoped;
+using namespace test;
 
 namespace {
 
@@ -37,9 +34,8 @@ struct Info
 std::string Rows(HBITMAP bitmap, Info& info, UINT start, UINT lines, int expected)
 {
     std::string rows(4096, '#');
-    const HDC dc = CreateCompatibleDC(nullptr);
-    EXPECT_EQ(GetDIBits(dc, bitmap, start, lines, rows.data(), &info.head, DIB_RGB_COLORS), expected);
-    DeleteDC(dc);
+    EXPECT_EQ(GetDIBits(Paper(1, 1), bitmap, start, lines, rows.data(), &info.head, DIB_RGB_COLORS),
+              expected);
     return rows.substr(0, rows.find_last_not_of('#') + 1);
 }
 
@@ -50,22 +46,15 @@ const Picture picture{"RGBWK", "KKWRG", "WBWBW"};
 TEST(GetDIBits, AQueryFillsTheHeaderAlone)
 {
     const test::NoLeak noLeak;
-    const HDC dc = CreateCompatibleDC(nullptr);
     for (const auto& [depth, size] : std::map<WORD, DWORD>{{4, 12}, {8, 24}, {16, 36}, {24, 48}, {32, 60}}) {
         const Scoped<HBITMAP> bitmap(Load(test::ToBmp(picture, depth)));
         Info info;
         info.head.bmiHeader.biSize = 40;
-        EXPECT_EQ(GetDIBits(dc, bitmap, 0, 1, nullptr, &info.head, DIB_RGB_COLORS), 1);
-        const BITMAPINFOHEADER& header = info.head.bmiHeader;
-        EXPECT_EQ(header.biWidth, 5);
-        EXPECT_EQ(header.biHeight, 3);
-        EXPECT_EQ(header.biPlanes, 1);
-        EXPECT_EQ(header.biBitCount, depth);
-        EXPECT_EQ(header.biCompression, BI_RGB);
-        EXPECT_EQ(header.biSizeImage, size);
+        EXPECT_EQ(GetDIBits(Paper(1, 1), bitmap, 0, 1, nullptr, &info.head, DIB_RGB_COLORS), 1);
+        const BITMAPINFOHEADER expected{40, 5, 3, 1, depth, BI_RGB, size, 0, 0, 0, 0};
+        EXPECT_EQ(std::memcmp(&info.head.bmiHeader, &expected, sizeof expected), 0) << depth;
         EXPECT_EQ(info.Written(), 0u);
     }
-    DeleteDC(dc);
 }
 
 TEST(GetDIBits, WritesAsManyColoursAsThereIsRoomFor)
@@ -111,9 +100,8 @@ TEST(GetDIBits, ConvertsBetweenDepths)
         Info info(5, 1, depth);
         return Rows(paper.Bitmap(), info, 0, 1, 1);
     };
-    EXPECT_EQ(as(16), test::ToBmp({"RGBWK"}, 16).pixels);
-    EXPECT_EQ(as(24), test::ToBmp({"RGBWK"}, 24).pixels);
-    EXPECT_EQ(as(32), test::ToBmp({"RGBWK"}, 32).pixels);
+    for (const WORD depth : {WORD{16}, WORD{24}, WORD{32}})
+        EXPECT_EQ(as(depth), test::ToBmp({"RGBWK"}, depth).pixels) << depth;
     const Scoped<HBITMAP> four(Load(test::ToBmp(picture, 4)));
     Info eight(5, 3, 8, 8);
     EXPECT_EQ(Rows(four, eight, 0, 3, 3), test::ToBmp(picture, 8).pixels);
@@ -132,7 +120,7 @@ TEST(GetDIBits, ConvertsBetweenDepths)
 TEST(GetDIBits, GivesTheNearestColourOfWhatWasDrawn)
 {
     const Scoped<HBITMAP> bitmap(Load(test::ToBmp({"KKKKKK"}, 8, false, "KRGW")));
-    const HDC dc = CreateCompatibleDC(nullptr);
+    const Paper dc(1, 1);
     const HGDIOBJ first = SelectObject(dc, bitmap);
     const COLORREF drawn[] = {RGB(0, 0, 0),       RGB(200, 30, 30), RGB(1, 128, 2),
                               RGB(250, 251, 200), RGB(60, 60, 60),  RGB(200, 30, 30)};
@@ -142,7 +130,6 @@ TEST(GetDIBits, GivesTheNearestColourOfWhatWasDrawn)
     const std::string rows = Rows(bitmap, info, 0, 1, 1); // while it is selected
     EXPECT_EQ(rows.substr(0, 6), std::string("\0\1\2\3\0\1", 6));
     SelectObject(dc, first);
-    DeleteDC(dc);
 }
 
 // The first of equal colours in the palette has the index. What was drawn elsewhere has a fourth byte of 0.
@@ -151,7 +138,7 @@ TEST(GetDIBits, GivesIndicesOfTheFirstOfEqualColors)
     test::Bmp bmp = test::ToBmp({"RGWGRK"}, 8, true, "RGWRGK");
     bmp.pixels = test::Le(0x05'02'04'01'03'00, 8);
     const Scoped<HBITMAP> bitmap(Load(bmp));
-    const HDC dc = CreateCompatibleDC(nullptr);
+    const Paper dc(1, 1);
     const HGDIOBJ first = SelectObject(dc, bitmap);
     Info info(6, 1, 8);
     EXPECT_EQ(Rows(bitmap, info, 0, 1, 1), test::Le(0x05'02'01'01'00'00, 8));
@@ -164,7 +151,6 @@ TEST(GetDIBits, GivesIndicesOfTheFirstOfEqualColors)
     for (std::size_t n = 3; n < 24; n += 4)
         EXPECT_EQ(rows[n], 0) << n;
     SelectObject(dc, first);
-    DeleteDC(dc);
 }
 
 TEST(GetDIBits, RefusesBadHandlesAndHeaders)
@@ -177,20 +163,21 @@ TEST(GetDIBits, RefusesBadHandlesAndHeaders)
     EXPECT_EQ(GetDIBits(paper, paper.Bitmap(), 0, 3, bits.data(), nullptr, DIB_RGB_COLORS), 0);
     EXPECT_EQ(GetDIBits(paper, paper.Bitmap(), 0, 3, bits.data(), &good.head, 1), 0);
     EXPECT_EQ(GetDIBits(paper, paper.Bitmap(), 0, 3, nullptr, &good.head, DIB_RGB_COLORS), 3);
-    const auto refused = [&](auto&& change) {
-        Info info(5, 3, 32);
-        change(info.head.bmiHeader);
-        EXPECT_EQ(GetDIBits(paper, paper.Bitmap(), 0, 3, bits.data(), &info.head, DIB_RGB_COLORS), 0);
+    using Header = std::tuple<DWORD, LONG, LONG, WORD, WORD, DWORD>;
+    for (const auto& [size, cx, cy, planes, depth, compression] : {Header{0, 5, 3, 1, 32, 0},
+                                                                   {124, 5, 3, 1, 32, 0},
+                                                                   {40, 6, 3, 1, 32, 0},
+                                                                   {40, -5, 3, 1, 32, 0},
+                                                                   {40, 5, 2, 1, 32, 0},
+                                                                   {40, 5, INT_MIN, 1, 32, 0},
+                                                                   {40, 5, 3, 0, 32, 0},
+                                                                   {40, 5, 3, 1, 2, 0},
+                                                                   {40, 5, 3, 1, 0xFFFF, 0},
+                                                                   {40, 5, 3, 1, 32, BI_BITFIELDS}}) {
+        Info info;
+        info.head.bmiHeader = {size, cx, cy, planes, depth, compression, 0, 0, 0, 0, 0};
+        EXPECT_EQ(GetDIBits(paper, paper.Bitmap(), 0, 3, bits.data(), &info.head, DIB_RGB_COLORS), 0)
+            << size << ' ' << cx << ' ' << cy << ' ' << planes << ' ' << depth;
         EXPECT_EQ(info.Written(), 0u);
-    };
-    refused([](auto& header) { header.biSize = 0; });
-    refused([](auto& header) { header.biSize = 124; });
-    refused([](auto& header) { header.biWidth = 6; });
-    refused([](auto& header) { header.biWidth = -5; });
-    refused([](auto& header) { header.biHeight = 2; });
-    refused([](auto& header) { header.biHeight = INT_MIN; });
-    refused([](auto& header) { header.biPlanes = 0; });
-    refused([](auto& header) { header.biBitCount = 2; });
-    refused([](auto& header) { header.biBitCount = 0xFFFF; });
-    refused([](auto& header) { header.biCompression = BI_BITFIELDS; });
+    }
 }

@@ -67,27 +67,15 @@ TEST(Icon, AnAlphaChannelCountsInPlaceOfTheMask)
 
 TEST(Icon, PngEntries)
 {
-    const std::string palette = PngChunk("PLTE", "\xFF\0\0\0\0\xFF"s) + PngChunk("tRNS", "\0"s);
-    const struct
-    {
-        const char* name;
-        std::string image;
-        Picture seen;
-    } cases[] = {
-        {"RGB with alpha", Png(2, 1, 8, 6, "\0\xFF\0\0\xFF\0\0\xFF\0"s), {"RG"}},
-        {"in two passes", Png(2, 1, 8, 6, "\0\xFF\0\0\xFF\0\0\0\xFF\xFF"s, "", 1), {"RB"}},
-        {"RGB", Png(1, 2, 8, 2, "\0\xFF\0\0\0\0\xFF\xFF"s), {"R", "C"}},
-        {"RGB with a transparent colour",
-         Png(2, 1, 8, 2, "\0\xFF\0\0\0\0\xFF"s, PngChunk("tRNS", "\0\xFF\0\0\0\0"s)),
-         {"GB"}},
-        {"a palette with a transparent entry", Png(2, 1, 8, 3, "\0\0\1"s, palette), {"GB"}},
-        {"four bits of grey", Png(2, 1, 4, 0, "\0\x0F"s, PngChunk("tEXt", "Comment\0words"s)), {".W"}},
-        {"16 bits of grey with alpha", Png(1, 1, 16, 4, "\0\xFF\x90\xFF\x90"s), {"W"}},
+    const std::pair<std::string, Picture> cases[] = {
+        {Png(2, 1, 8, 6, "\0\xFF\0\0\xFF\0\0\xFF\0"s), {"RG"}},            // with alpha
+        {Png(2, 1, 8, 6, "\0\xFF\0\0\xFF\0\0\0\xFF\xFF"s, "", 1), {"RB"}}, // in two passes
+        {Png(1, 2, 8, 2, "\0\xFF\0\0\0\0\xFF\xFF"s), {"R", "C"}},          // opaque
+        {Png(2, 1, 4, 0, "\0\x0F"s, PngChunk("tEXt", "Comment\0words"s)), {".W"}},
     };
-    for (const auto& one : cases) {
-        EXPECT_EQ(LoadedIcon(Ico({one.image})).OnGreen(), one.seen) << one.name;
-        ForEachCut(one.image,
-                   [&](const std::string& cut) { EXPECT_FALSE(LoadedIcon(Ico({cut}))) << one.name; });
+    for (const auto& [image, seen] : cases) {
+        EXPECT_EQ(LoadedIcon(Ico({image})).OnGreen(), seen) << seen[0];
+        ForEachCut(image, [&](const std::string& cut) { EXPECT_FALSE(LoadedIcon(Ico({cut}))) << seen[0]; });
     }
     EXPECT_EQ(LoadedIcon(Ico({Png(1024, 1, 1, 0, std::string(129, '\0'))})).Size(), std::pair(1024, 1));
     for (const std::string& image :
@@ -101,53 +89,40 @@ TEST(Icon, IsOfTheSizeAskedForFromTheSmallestEntryThatIsAsLarge)
     const std::string eight = Square(8, 24, 'G'), sixteen = Square(16, 8, 'R'), best16 = Square(16, 32, 'B'),
                       large = Square(24, 4, 'W'), wide = IconBmp(Picture(8, std::string(32, 'Y')), 4),
                       png = Png(64, 64, 1, 0, std::string(64 * 9, '\0')); // black
-    const struct
-    {
-        std::vector<std::string> images;
-        int cx, cy;
-        std::pair<int, int> size;
-        char color;
-    } cases[] = {
-        {{large, eight, sixteen}, 16, 16, {16, 16}, 'R'},
-        {{eight, large, sixteen}, 0, 0, {8, 8}, 'G'},
-        {{large, eight, sixteen}, 13, 13, {13, 13}, 'R'},
-        {{eight, sixteen, png}, 17, 17, {17, 17}, '.'},
-        {{eight, sixteen}, 100, 90, {100, 90}, 'R'}, // none is as large
-        {{sixteen, wide}, 32, 8, {32, 8}, 'Y'},
-        {{wide, sixteen}, 0, 16, {16, 16}, 'R'},
-        {{wide, eight, large}, 20, 0, {20, 8}, 'Y'},
-        {{sixteen, best16}, 16, 16, {16, 16}, 'B'}, // the greater depth
-        {{best16, sixteen}, 16, 16, {16, 16}, 'B'},
-    };
-    for (const auto& one : cases) {
-        const LoadedIcon icon(Ico(one.images), one.cx, one.cy);
-        EXPECT_EQ(icon.Size(), one.size) << one.cx << " by " << one.cy;
-        EXPECT_EQ(icon.OnGreen(), Picture(static_cast<std::size_t>(one.size.second),
-                                          std::string(static_cast<std::size_t>(one.size.first), one.color)))
-            << one.cx << " by " << one.cy;
-    }
+    // Images, the size that is asked for, the colour of that which is taken, and the icon's size.
+    const std::tuple<std::vector<std::string>, int, int, char, std::size_t, std::size_t> cases[] = {
+        {{large, eight, sixteen}, 16, 16, 'R', 16, 16},
+        {{eight, large, sixteen}, 0, 0, 'G', 8, 8},
+        {{large, eight, sixteen}, 13, 13, 'R', 13, 13},
+        {{eight, sixteen, png}, 17, 17, '.', 17, 17},
+        {{eight, sixteen}, 100, 90, 'R', 100, 90}, // none is as large
+        {{sixteen, wide}, 32, 8, 'Y', 32, 8},
+        {{wide, sixteen}, 0, 16, 'R', 16, 16},
+        {{wide, eight, large}, 20, 0, 'Y', 20, 8},
+        {{sixteen, best16}, 16, 16, 'B', 16, 16}, // the greater depth
+        {{best16, sixteen}, 16, 16, 'B', 16, 16}};
+    for (const auto& [images, cx, cy, color, width, height] : cases)
+        EXPECT_EQ(LoadedIcon(Ico(images), cx, cy).OnGreen(), Picture(height, std::string(width, color)))
+            << cx << " by " << cy;
     EXPECT_FALSE(LoadedIcon(Ico({eight}), 1 << 20, 1 << 20));
 }
 
 // A pixel is the mean of those that it stands for, in which what is transparent has no colour.
 TEST(Icon, IsScaledWithItsOpacity)
 {
-    const Picture left = {"RR..", "RR..", "WBWB", "BWBW"};
-    const LoadedIcon half(Ico({IconBmp(left, 24)}), 2, 2);
-    const Paper paper(2, 2, 'G');
-    DrawIcon(paper, 0, 0, half);
-    EXPECT_EQ(GetPixel(paper, 0, 0), ColorOf('R'));
-    EXPECT_EQ(GetPixel(paper, 1, 0), ColorOf('G'));
-    EXPECT_EQ(GetPixel(paper, 0, 1), RGB(128, 128, 255));
-
-    const LoadedIcon cell(Ico({IconBmp({"R..", "...", "..."}, 24)}), 1, 1); // a ninth of it is red
-    const Paper one(1, 1, 'G');
-    DrawIcon(one, 0, 0, cell);
-    EXPECT_EQ(GetPixel(one, 0, 0), RGB(28, 227, 0));
-    const LoadedIcon third(Ico({IconBmp({"RRB"}, 24)}), 2, 1);
-    DrawIcon(paper, 0, 0, third);
-    EXPECT_EQ(GetPixel(paper, 0, 0), ColorOf('R'));
-    EXPECT_EQ(GetPixel(paper, 1, 0), RGB(85, 0, 170));
+    const auto scaled = [](const Picture& picture, int cx, int cy) {
+        const Paper paper(cx, cy, 'G');
+        DrawIcon(paper, 0, 0, LoadedIcon(Ico({IconBmp(picture, 24)}), cx, cy));
+        std::vector<COLORREF> pixels;
+        for (int n = 0; n < cx * cy; ++n)
+            pixels.push_back(GetPixel(paper, n % cx, n / cx));
+        return pixels;
+    };
+    using Colors = std::vector<COLORREF>;
+    const COLORREF red = ColorOf('R'), green = ColorOf('G'), light = RGB(128, 128, 255);
+    EXPECT_EQ(scaled({"RR..", "RR..", "WBWB", "BWBW"}, 2, 2), (Colors{red, green, light, light}));
+    EXPECT_EQ(scaled({"R..", "...", "..."}, 1, 1), Colors{RGB(28, 227, 0)}); // a ninth of it is red
+    EXPECT_EQ(scaled({"RRB"}, 2, 1), (Colors{red, RGB(85, 0, 170)}));
     const LoadedIcon twice(Ico({IconBmp({"R.", "BW"}, 24)}), 4, 4);
     EXPECT_EQ(twice.OnGreen(), (Picture{"RRGG", "RRGG", "BBWW", "BBWW"}));
 }

@@ -3,9 +3,7 @@
 #include <atomic>
 #include <climits>
 #include <string>
-using test::NoLeak;
-using test::Paper;
-using test::Scoped;
+using namespace test;
 
 namespace {
 
@@ -72,7 +70,6 @@ TEST(Object, TellsItsRecord)
     EXPECT_EQ(bitmap.bmWidthBytes, 20);
     EXPECT_EQ(bitmap.bmBitsPixel, 32);
     EXPECT_EQ(bitmap.bmPlanes, 1);
-
     LOGFONTA log{};
     log.lfHeight = 33;
     std::fill(std::begin(log.lfFaceName), std::end(log.lfFaceName), 'F');

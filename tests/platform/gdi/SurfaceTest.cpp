@@ -3,11 +3,7 @@
 #include "tests/support/Picture.h"
 #include <climits>
 #include <utility>
-using test::ColorOf;
-using test::NoLeak;
-using test::Paper;
-using test::Picture;
-using test::Scoped;
+using namespace test;
 
 TEST(Surface, BeginsWithABlackPixelOfItsOwn)
 {
@@ -79,11 +75,11 @@ TEST(Surface, ANewBitmapIsBlack)
         {
             const Paper white(60, 40, 'W');
         }
-        const HDC dc = CreateCompatibleDC(nullptr);
-        const Scoped<HBITMAP> bitmap(CreateCompatibleBitmap(dc, 60, 40));
-        SelectObject(dc, bitmap);
-        ASSERT_EQ(test::Read(dc, 0, 0, 60, 40), Picture(40, std::string(60, '.')));
-        DeleteDC(dc);
+        const Paper paper(1, 1);
+        const Scoped<HBITMAP> bitmap(CreateCompatibleBitmap(paper, 60, 40));
+        const HGDIOBJ first = SelectObject(paper, bitmap);
+        ASSERT_EQ(test::Read(paper, 0, 0, 60, 40), Picture(40, std::string(60, '.')));
+        SelectObject(paper, first);
     }
 }
 
@@ -114,21 +110,23 @@ TEST(Surface, PixelsOutsideAreNone)
     EXPECT_EQ(SetPixel(nullptr, 0, 0, 0), CLR_INVALID);
 }
 
-TEST(Surface, ClipsToACopyOfARegion)
+TEST(Surface, ClipsToACopyOfARegionWhateverItsBitmap)
 {
     const NoLeak noLeak;
     const Paper paper(4, 3, 'W');
-    RECT box;
-    EXPECT_EQ(GetClipBox(paper, &box), SIMPLEREGION);
-    EXPECT_EQ(box, (RECT{0, 0, 4, 3}));
+    const auto box = [&](int kind) {
+        RECT rect{};
+        EXPECT_EQ(GetClipBox(paper, &rect), kind);
+        return rect;
+    };
+    EXPECT_EQ(box(SIMPLEREGION), (RECT{0, 0, 4, 3}));
     {
         const RECT parts[] = {{0, 0, 1, 1}, {2, 1, 9, 9}};
         const Scoped<HRGN> region(CreateRectsRgn(parts, 2));
         EXPECT_EQ(SelectClipRgn(paper, region), COMPLEXREGION);
         EXPECT_EQ(reinterpret_cast<std::intptr_t>(SelectObject(paper, region)), COMPLEXREGION);
     }
-    EXPECT_EQ(GetClipBox(paper, &box), COMPLEXREGION);
-    EXPECT_EQ(box, (RECT{0, 0, 4, 3}));
+    EXPECT_EQ(box(COMPLEXREGION), (RECT{0, 0, 4, 3}));
     const RECT all{-5, -5, 50, 50};
     FillRect(paper, &all, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
     EXPECT_EQ(SetPixel(paper, 1, 0, 0), CLR_INVALID);
@@ -136,27 +134,20 @@ TEST(Surface, ClipsToACopyOfARegion)
 
     const Scoped<HRGN> outside(CreateRectRgn(10, 10, 20, 20));
     EXPECT_EQ(SelectClipRgn(paper, outside), NULLREGION);
-    EXPECT_EQ(GetClipBox(paper, &box), NULLREGION);
-    EXPECT_EQ(box, RECT{});
+    EXPECT_EQ(box(NULLREGION), RECT{});
+    {
+        const Scoped<HBITMAP> larger(CreateCompatibleBitmap(paper, 14, 14)); // the clip stays
+        const HGDIOBJ first = SelectObject(paper, larger);
+        EXPECT_EQ(box(SIMPLEREGION), (RECT{10, 10, 14, 14}));
+        SelectObject(paper, first);
+    }
     EXPECT_EQ(SelectClipRgn(paper, nullptr), SIMPLEREGION);
     EXPECT_EQ(paper.Read(), (Picture{".WWW", "WW..", "WW.."}));
     EXPECT_EQ(SelectClipRgn(nullptr, outside), RGN_ERROR);
     EXPECT_EQ(SelectClipRgn(paper, reinterpret_cast<HRGN>(paper.Bitmap())), RGN_ERROR);
-    EXPECT_EQ(GetClipBox(nullptr, &box), RGN_ERROR);
+    RECT none;
+    EXPECT_EQ(GetClipBox(nullptr, &none), RGN_ERROR);
     EXPECT_EQ(GetClipBox(paper, nullptr), RGN_ERROR);
-}
-
-TEST(Surface, KeepsItsClipForTheNextBitmap)
-{
-    const Paper paper(1, 1);
-    const Scoped<HRGN> region(CreateRectRgn(2, 2, 5, 5));
-    EXPECT_EQ(SelectClipRgn(paper, region), NULLREGION);
-    const Scoped<HBITMAP> larger(CreateCompatibleBitmap(paper, 4, 4));
-    const HGDIOBJ first = SelectObject(paper, larger);
-    RECT box;
-    EXPECT_EQ(GetClipBox(paper, &box), SIMPLEREGION);
-    EXPECT_EQ(box, (RECT{2, 2, 4, 4}));
-    SelectObject(paper, first);
 }
 
 TEST(Surface, ColoursAndModeGiveTheirOldValue)
@@ -169,10 +160,9 @@ TEST(Surface, ColoursAndModeGiveTheirOldValue)
     EXPECT_EQ(SetBkMode(paper, TRANSPARENT), OPAQUE);
     EXPECT_EQ(SetBkMode(paper, 9), 0);
     EXPECT_EQ(GetBkMode(paper), TRANSPARENT);
-    EXPECT_EQ(SetTextColor(nullptr, 0), CLR_INVALID);
-    EXPECT_EQ(GetTextColor(nullptr), CLR_INVALID);
-    EXPECT_EQ(SetBkColor(nullptr, 0), CLR_INVALID);
-    EXPECT_EQ(GetBkColor(nullptr), CLR_INVALID);
+    for (const COLORREF none :
+         {SetTextColor(nullptr, 0), GetTextColor(nullptr), SetBkColor(nullptr, 0), GetBkColor(nullptr)})
+        EXPECT_EQ(none, CLR_INVALID);
     EXPECT_EQ(GetBkMode(nullptr), 0);
 }
 

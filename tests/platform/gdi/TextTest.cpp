@@ -128,9 +128,8 @@ TEST_F(Text, PartsMakeUpTheWhole)
     SetTextColor(paper, RGB(200, 40, 90));
     const auto pixels = [&] {
         std::vector<COLORREF> all;
-        for (int y = 0; y < 24; ++y)
-            for (int x = 0; x < 40; ++x)
-                all.push_back(GetPixel(paper, x, y));
+        for (int n = 0; n < 40 * 24; ++n)
+            all.push_back(GetPixel(paper, n % 40, n / 40));
         return all;
     };
     Draw("mg", DT_SINGLELINE);

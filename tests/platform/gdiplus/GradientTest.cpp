@@ -14,12 +14,9 @@ std::vector<int> Line(int nFirst, int nSecond, int nFrom, int nTo, int nCount, b
 {
     const Point first = bDown ? Point{3, nFirst} : Point{nFirst, 3};
     const Point second = bDown ? Point{3, nSecond} : Point{nSecond, 3};
-    GpLineGradient* brush = nullptr;
-    EXPECT_EQ(GdipCreateLineBrushI(&first, &second, Gray(nFrom), Gray(nTo), WrapModeTile, &brush), Ok);
+    const LinearGradientBrush brush(first, second, Color(Gray(nFrom)), Color(Gray(nTo)));
     Sheet sheet(bDown ? 1 : nCount, bDown ? nCount : 1);
-    auto* const any = reinterpret_cast<GpBrush*>(brush);
-    EXPECT_EQ(GdipFillRectangleI(sheet.graphics.Native(), any, 0, 0, nCount, nCount), Ok);
-    GdipDeleteBrush(any);
+    EXPECT_EQ(sheet.graphics.FillRectangle(&brush, 0, 0, nCount, nCount), Ok);
     return Blues(sheet.pixels);
 }
 
@@ -118,12 +115,10 @@ TEST_F(Gradient, GoesFromWhereverItsCentreIsMoved)
 
 TEST_F(Gradient, RefusesWhatIsNone)
 {
-    const Point at{2, 2};
-    const Point other{3, 2};
+    const Point at{2, 2}, other{3, 2}, oblique{3, 3};
     auto* line = reinterpret_cast<GpLineGradient*>(8);
     EXPECT_EQ(GdipCreateLineBrushI(&at, &at, 0, 0, WrapModeTile, &line), OutOfMemory);
     EXPECT_EQ(line, nullptr);
-    const Point oblique{3, 3};
     EXPECT_EQ(GdipCreateLineBrushI(&at, &oblique, 0, 0, WrapModeTile, &line), NotImplemented);
     EXPECT_EQ(GdipCreateLineBrushI(&at, &other, 0, 0, static_cast<WrapMode>(1), &line), NotImplemented);
     EXPECT_EQ(GdipCreateLineBrushI(&at, nullptr, 0, 0, WrapModeTile, &line), InvalidParameter);

@@ -1,8 +1,8 @@
 #include "tests/platform/gdiplus/Images.h"
 #include "tests/support/Host.h"
 
-#include <array>
 #include <filesystem>
+#include <numeric>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -33,8 +33,21 @@ TEST(ImageStart, NothingWorksBeforeTheStartOrAfterTheLastShutdown)
     EXPECT_NE(first, second);
     GdiplusShutdown(first);
     GdiplusShutdown(first);
-    const auto bitmap = std::make_unique<Bitmap>(1, 1);
     EXPECT_EQ(LoadStatus(kRed), Ok);
+    const int nBefore = KXHost::LiveHandles();
+    const auto bitmap = std::make_unique<Bitmap>(1, 1);
+    const Paper paper(1, 1, 'W');
+    const HDC dc = paper;
+    Graphics graphics(dc);
+    const LinearGradientBrush brush({0, 0}, {1, 0}, Color(Gray(0)), Color(Gray(0)));
+    GraphicsPath path;
+    path.AddRectangle(0, 0, 1, 1);
+    const PathGradientBrush pathBrush(&path);
+    const Gdiplus::Pen pen(Color(Gray(0)));
+    const ImageAttributes attributes;
+    const Scoped<HRGN> rgn(CreateRectRgn(0, 0, 1, 1));
+    const Gdiplus::Region region(rgn);
+    EXPECT_EQ(KXHost::LiveHandles(), nBefore + 11); // of GDI's the surface with its bitmap and the region
     GdiplusShutdown(second);
 
     GpImage* const image = bitmap->Native();
@@ -44,17 +57,35 @@ TEST(ImageStart, NothingWorksBeforeTheStartOrAfterTheLastShutdown)
     ARGB color = 77;
     PropertyItem item{};
     GpImage* none = image;
-    for (const Status status :
-         {LoadStatus(kRed), GdipGetImageWidth(image, &n), GdipGetImageHeight(image, &n),
-          GdipBitmapGetPixel(reinterpret_cast<GpBitmap*>(image), 0, 0, &color),
-          GdipBitmapSetPixel(reinterpret_cast<GpBitmap*>(image), 0, 0, color),
-          GdipImageRotateFlip(image, Rotate90FlipNone), GdipImageGetFrameDimensionsCount(image, &n),
-          GdipGetImageThumbnail(image, 1, 1, &none, nullptr, nullptr), GdipGetImageEncodersSize(&n, &n),
-          GdipImageGetFrameDimensionsList(image, &guid, 1), GdipGetPropertyItem(image, 0, n, &item),
-          GdipImageGetFrameCount(image, &guid, &n), GdipImageSelectActiveFrame(image, &guid, 0),
-          GdipGetPropertyItemSize(image, 0, &n), GdipSaveImageToFile(image, u"C:\\x", &clsid, nullptr),
-          bitmap->Save(u"C:\\x", &clsid)})
+    for (const Status status : {LoadStatus(kRed),
+                                GdipGetImageWidth(image, &n),
+                                GdipGetImageHeight(image, &n),
+                                GdipBitmapGetPixel(reinterpret_cast<GpBitmap*>(image), 0, 0, &color),
+                                GdipBitmapSetPixel(reinterpret_cast<GpBitmap*>(image), 0, 0, color),
+                                GdipImageRotateFlip(image, Rotate90FlipNone),
+                                GdipImageGetFrameDimensionsCount(image, &n),
+                                GdipGetImageThumbnail(image, 1, 1, &none, nullptr, nullptr),
+                                GdipGetImageEncodersSize(&n, &n),
+                                GdipImageGetFrameDimensionsList(image, &guid, 1),
+                                GdipGetPropertyItem(image, 0, n, &item),
+                                GdipImageGetFrameCount(image, &guid, &n),
+                                GdipImageSelectActiveFrame(image, &guid, 0),
+                                GdipGetPropertyItemSize(image, 0, &n),
+                                GdipSaveImageToFile(image, u"C:\\x", &clsid, nullptr),
+                                bitmap->Save(u"C:\\x", &clsid),
+                                graphics.FillRectangle(&brush, 0, 0, 1, 1),
+                                graphics.FillRegion(&brush, &region),
+                                graphics.DrawRectangle(&pen, 0, 0, 1, 1),
+                                path.AddRectangle(0, 0, 1, 1),
+                                Graphics(dc).GetLastStatus(),
+                                GraphicsPath().GetLastStatus(),
+                                LinearGradientBrush({0, 0}, {1, 0}, Color(0), Color(0)).GetLastStatus(),
+                                PathGradientBrush(&path).GetLastStatus(),
+                                Gdiplus::Pen(Color(0)).GetLastStatus(),
+                                ImageAttributes().GetLastStatus(),
+                                Gdiplus::Region(rgn).GetLastStatus()})
         EXPECT_EQ(status, GdiplusNotInitialized);
+    EXPECT_EQ(paper.Read(), Picture{"W"});
     EXPECT_EQ(n, 77u);
     EXPECT_EQ(color, 77u);
     EXPECT_EQ(none, nullptr);
@@ -202,7 +233,6 @@ TEST_F(ImageTest, AnObjectWithoutAPictureSaysSo)
     EXPECT_EQ(bitmap.GetLastStatus(), InvalidParameter);
     EXPECT_EQ(bitmap.RotateFlip(Rotate90FlipNone), InvalidParameter);
     const std::unique_ptr<Image> thumbnail(bitmap.GetThumbnailImage(4, 4));
-    ASSERT_NE(thumbnail, nullptr);
     EXPECT_EQ(thumbnail->GetLastStatus(), InvalidParameter);
     EXPECT_EQ(bitmap.GetFrameCount(&FrameDimensionPage), 0u);
     Color color(1, 2, 3);
@@ -213,8 +243,8 @@ TEST_F(ImageTest, AnObjectWithoutAPictureSaysSo)
 TEST_F(ImageTest, TheCallersPixelsAreReadAndDrawnOnAsTheyAre)
 {
     const NoLeak noLeak;
-    for (const auto& [format, seen] : {std::pair<PixelFormat, ARGB>{PixelFormat32bppRGB, 0xFF302010},
-                                       {PixelFormat32bppARGB, 0x40302010}}) {
+    for (const auto& [format, seen] :
+         {std::pair{PixelFormat32bppRGB, 0xFF302010}, {PixelFormat32bppARGB, 0x40302010}}) {
         Row memory{1, 2, 0x40302010, 4}; // rows of one pixel, with another behind each
         Bitmap bitmap(1, 2, 8, format, reinterpret_cast<BYTE*>(memory.data()));
         ASSERT_EQ(bitmap.GetLastStatus(), Ok);
@@ -248,11 +278,11 @@ TEST_F(ImageTest, ABitmapHandleIsCopiedOpaque)
     const Paper paper(Picture{"RG", "BW"});
     const Bitmap bitmap(paper.Bitmap(), nullptr);
     SetPixel(paper, 0, 0, 0);
-    Color color;
-    EXPECT_EQ(bitmap.GetPixel(0, 0, &color), Ok);
-    EXPECT_EQ(color.GetValue(), 0xFFFF0000);
-    EXPECT_EQ(bitmap.GetPixel(1, 1, &color), Ok);
-    EXPECT_EQ(color.GetValue(), 0xFFFFFFFF);
+    for (const auto& [at, expected] : {std::pair{0, 0xFFFF0000}, {1, 0xFFFFFFFF}}) {
+        Color color;
+        EXPECT_EQ(bitmap.GetPixel(at, at, &color), Ok);
+        EXPECT_EQ(color.GetValue(), expected);
+    }
     EXPECT_EQ(bitmap.GetPixelFormat(), PixelFormat32bppRGB);
     EXPECT_EQ(Bitmap(static_cast<HBITMAP>(GetStockObject(NULL_BRUSH)), nullptr).GetLastStatus(),
               InvalidParameter);
@@ -272,12 +302,11 @@ TEST_F(ImageTest, TurnsAndMirrors)
         EXPECT_EQ(loaded.Letters(), turned) << type;
     }
     // Larger than the blocks that it goes by, over the caller's pixels, which stay.
-    Row pixels(37 * 21);
-    for (std::size_t i = 0; i < pixels.size(); ++i)
-        pixels[i] = static_cast<ARGB>(i);
-    Bitmap bitmap(37, 21, 37 * 4, PixelFormat32bppARGB, reinterpret_cast<BYTE*>(pixels.data()));
+    Sheet sheet(37, 21);
+    std::iota(sheet.pixels.begin(), sheet.pixels.end(), 0u);
+    Bitmap& bitmap = sheet.bitmap;
     EXPECT_EQ(bitmap.RotateFlip(Rotate90FlipNone), Ok);
-    EXPECT_EQ(pixels[1], 1u);
+    EXPECT_EQ(sheet.pixels[1], 1u);
     EXPECT_EQ(bitmap.GetWidth(), 21u);
     for (int y = 0; y < 37; ++y)
         for (int x = 0; x < 21; ++x) {
@@ -296,6 +325,7 @@ TEST_F(ImageTest, AThumbnailHasExactlyTheSizeAsked)
         return made;
     };
     EXPECT_EQ(thumbnail(2, 1)->Letters(), (Picture{"RB"}));
+    EXPECT_EQ(thumbnail(1, 1)->Pixels(), Row{0xFF800080}); // the mean
     EXPECT_EQ(thumbnail(0, 0)->Width(), 120u);
     EXPECT_EQ(thumbnail(0, 0)->Height(), 120u);
     EXPECT_EQ(thumbnail(7, 300)->Height(), 300u);

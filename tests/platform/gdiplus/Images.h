@@ -126,14 +126,21 @@ inline Status LoadStatus(std::string_view file)
     return Loaded(file).status;
 }
 
-// Class ids of the encoders, by the end of their MIME type.
-inline CLSID EncoderOf(std::u16string_view type)
+inline std::vector<ImageCodecInfo> Encoders()
 {
     UINT nCount = 0, nBytes = 0;
     EXPECT_EQ(GdipGetImageEncodersSize(&nCount, &nBytes), Ok);
-    std::vector<ImageCodecInfo> encoders(nBytes / sizeof(ImageCodecInfo));
+    EXPECT_EQ(nBytes, nCount * sizeof(ImageCodecInfo));
+    std::vector<ImageCodecInfo> encoders(nCount);
+    EXPECT_EQ(GdipGetImageEncoders(nCount, nBytes - 1, encoders.data()), InvalidParameter);
     EXPECT_EQ(GdipGetImageEncoders(nCount, nBytes, encoders.data()), Ok);
-    for (const ImageCodecInfo& encoder : encoders)
+    return encoders;
+}
+
+// Class ids of the encoders, by the end of their MIME type.
+inline CLSID EncoderOf(std::u16string_view type)
+{
+    for (const ImageCodecInfo& encoder : Encoders())
         if (std::u16string_view(encoder.MimeType) == u"image/" + std::u16string(type)) return encoder.Clsid;
     return {};
 }

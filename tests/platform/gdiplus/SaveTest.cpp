@@ -18,22 +18,14 @@ class SaveTest : public DrawingTest
 
 TEST_F(SaveTest, TheEncodersStandInTheirOrder)
 {
-    UINT nCount = 0, nBytes = 0;
-    EXPECT_EQ(GdipGetImageEncodersSize(&nCount, &nBytes), Ok);
-    ASSERT_EQ(nBytes, nCount * sizeof(ImageCodecInfo));
-    std::vector<ImageCodecInfo> encoders(nCount);
-    EXPECT_EQ(GdipGetImageEncoders(nCount, nBytes - 1, encoders.data()), InvalidParameter);
-    EXPECT_EQ(GdipGetImageEncoders(nCount, nBytes, encoders.data()), Ok);
-    const std::pair<std::u16string_view, std::uint32_t> expected[] = {{u"image/bmp", 0x557CF400},
-                                                                      {u"image/jpeg", 0x557CF401},
-                                                                      {u"image/gif", 0x557CF402},
-                                                                      {u"image/tiff", 0x557CF405},
-                                                                      {u"image/png", 0x557CF406}};
-    ASSERT_EQ(nCount, std::size(expected));
-    for (std::size_t i = 0; i < nCount; ++i) {
-        EXPECT_EQ(std::u16string_view(encoders[i].MimeType), expected[i].first);
-        EXPECT_EQ(encoders[i].Clsid.Data1, expected[i].second);
-    }
+    const std::vector<ImageCodecInfo> encoders = Encoders();
+    std::vector<std::pair<std::u16string_view, std::uint32_t>> found;
+    for (const ImageCodecInfo& encoder : encoders)
+        found.emplace_back(encoder.MimeType, encoder.Clsid.Data1);
+    EXPECT_THAT(
+        found, testing::ElementsAre(std::pair(u"image/bmp", 0x557CF400), std::pair(u"image/jpeg", 0x557CF401),
+                                    std::pair(u"image/gif", 0x557CF402), std::pair(u"image/tiff", 0x557CF405),
+                                    std::pair(u"image/png", 0x557CF406)));
     GUID jpeg{};
     CLSIDFromString(u"{557CF401-1A04-11D3-9A73-0000F81EF32E}", &jpeg);
     EXPECT_EQ(std::memcmp(&jpeg, &encoders[1].Clsid, sizeof jpeg), 0);
@@ -62,23 +54,24 @@ TEST_F(SaveTest, WhatIsSavedLoadsAsItWas)
 
 TEST_F(SaveTest, OpacityIsKeptOrLaidOverBlack)
 {
-    const Loaded half(Picture(8, "RRRRRRRR"));
-    for (int i = 0; i < 64; ++i)
-        GdipBitmapSetPixel(half.Bitmap(), i % 8, i / 8, 0x80FF0000);
-    EXPECT_EQ(Loaded(Saved(half, u"png")).Pixel(3, 3), 0x80FF0000);
-    EXPECT_EQ(Loaded(Saved(half, u"tiff")).Pixel(3, 3), 0x80FF0000);
-    EXPECT_EQ(Loaded(Saved(half, u"bmp")).Pixel(3, 3), 0xFF800000);
-    EXPECT_EQ(Loaded(Saved(half, u"gif")).Pixel(3, 3), 0xFF800000);
-    EXPECT_EQ(Loaded(Saved(half, u"jpeg")).Pixel(3, 3) & 0xFFFEFEFE, 0xFF800000);
-    GdipBitmapSetPixel(half.Bitmap(), 3, 3, 0x7FFF0000);
-    EXPECT_EQ(Loaded(Saved(half, u"gif")).Pixel(3, 3), 0u);
+    Sheet half(8, Row(64, 0x80FF0000));
+    const auto saved = [&](std::u16string_view type) {
+        return Loaded(Saved(half.bitmap.Native(), type)).Pixel(3, 3);
+    };
+    EXPECT_EQ(saved(u"png"), 0x80FF0000);
+    EXPECT_EQ(saved(u"tiff"), 0x80FF0000);
+    EXPECT_EQ(saved(u"bmp"), 0xFF800000);
+    EXPECT_EQ(saved(u"gif"), 0xFF800000);
+    EXPECT_EQ(saved(u"jpeg") & 0xFFFEFEFE, 0xFF800000);
+    half.pixels[27] = 0x7FFF0000;
+    EXPECT_EQ(saved(u"gif"), 0u);
 }
 
-// Channels that differ most between two pictures of one size.
-int Farthest(const Loaded& one, const Loaded& other)
+// By how much a channel differs most between a picture and what is loaded of it once it was saved.
+int Farthest(Sheet& sheet, std::u16string_view type)
 {
     int nFarthest = 0;
-    const Row first = one.Pixels(), second = other.Pixels();
+    const Row first = sheet.pixels, second = Loaded(Saved(sheet.bitmap.Native(), type)).Pixels();
     EXPECT_EQ(first.size(), second.size());
     for (std::size_t i = 0; i < first.size() && i < second.size(); ++i)
         for (const int nShift : {0, 8, 16})
@@ -89,22 +82,20 @@ int Farthest(const Loaded& one, const Loaded& other)
 
 TEST_F(SaveTest, GifColorsAreExactUpTo256AndNearBeyond)
 {
-    const Loaded colors(Picture(16, std::string(17, 'K')), PixelFormat32bppRGB);
-    for (int i = 0; i < 256; ++i)
-        GdipBitmapSetPixel(colors.Bitmap(), i % 16, i / 16, 0xFF000000 | static_cast<ARGB>(i) * 0x01039B);
-    EXPECT_EQ(Farthest(Loaded(Saved(colors, u"gif")), colors), 0);
-    GdipBitmapSetPixel(colors.Bitmap(), 16, 15, 0xFF123456);       // one too many
-    EXPECT_LE(Farthest(Loaded(Saved(colors, u"gif")), colors), 9); // between two of them
+    Sheet colors(16, 17, PixelFormat32bppRGB);
+    for (ARGB n = 0; n < 256; ++n)
+        colors.pixels[n] = n * 0x01039B;
+    EXPECT_EQ(Farthest(colors, u"gif"), 0);
+    colors.pixels[256] = 0x123456;          // one too many
+    EXPECT_LE(Farthest(colors, u"gif"), 9); // between two of them
 
-    const Loaded smooth(Picture(64, std::string(64, 'K')));
-    for (int i = 0; i < 64 * 64; ++i)
-        GdipBitmapSetPixel(smooth.Bitmap(), i % 64, i / 64,
-                           0xFF000080 | static_cast<ARGB>(i % 64 * 4) << 16 |
-                               static_cast<ARGB>(i / 64 * 4) << 8);
-    EXPECT_LE(Farthest(Loaded(Saved(smooth, u"gif")), smooth), 8); // 16 by 16 blocks at best
-    EXPECT_LE(Farthest(Loaded(Saved(smooth, u"jpeg")), smooth), 24);
-    GdipBitmapSetPixel(smooth.Bitmap(), 5, 5, 0);
-    const Loaded hole(Saved(smooth, u"gif"));
+    Sheet smooth(64, 64);
+    for (ARGB n = 0; n < 64 * 64; ++n)
+        smooth.pixels[n] = 0xFF000080 | n % 64 << 18 | n / 64 << 10;
+    EXPECT_LE(Farthest(smooth, u"gif"), 8); // 16 by 16 blocks at best
+    EXPECT_LE(Farthest(smooth, u"jpeg"), 24);
+    smooth.pixels[5 * 64 + 5] = 0;
+    const Loaded hole(Saved(smooth.bitmap.Native(), u"gif"));
     EXPECT_EQ(hole.Pixel(5, 5), 0u);
     EXPECT_EQ(hole.Pixel(6, 5) >> 24, 255u);
 }
@@ -120,13 +111,12 @@ TEST_F(SaveTest, AFileIsReplacedWholeOrStaysAsItWas)
     const auto letters = [&](const char* name) { return Loaded(dir.Read(name)).Letters(); };
     EXPECT_EQ(save(red, "a.png", png), Ok);
     EXPECT_EQ(letters("a.png"), (Picture{"R"}));
-    struct stat info
-    {
+    const auto mode = [&] {
+        return static_cast<mode_t>(std::filesystem::status(dir.Path("a.png")).permissions());
     };
     const mode_t mask = umask(022);
     umask(mask);
-    stat(dir.Path("a.png").c_str(), &info);
-    EXPECT_EQ(info.st_mode & 0777, 0666 & ~mask);
+    EXPECT_EQ(mode(), 0666 & ~mask);
 
     // Saved over itself, through a link; the permissions stay.
     std::filesystem::create_symlink("a.png", dir.Path("link.png"));
@@ -135,8 +125,7 @@ TEST_F(SaveTest, AFileIsReplacedWholeOrStaysAsItWas)
     EXPECT_EQ(save(same.Native(), "link.png", bmp), Ok);
     EXPECT_TRUE(std::filesystem::is_symlink(dir.Path("link.png")));
     EXPECT_EQ(dir.Read("a.png").substr(0, 2), "BM");
-    stat(dir.Path("a.png").c_str(), &info);
-    EXPECT_EQ(info.st_mode & 0777, 0640u);
+    EXPECT_EQ(mode(), 0640u);
 
     {
         const FileLimit full(4096);
@@ -149,22 +138,19 @@ TEST_F(SaveTest, AFileIsReplacedWholeOrStaysAsItWas)
     EXPECT_EQ(save(red, "none\\a.png", png), FileNotFound);
     EXPECT_EQ(GdipSaveImageToFile(red, u"", &png, nullptr), FileNotFound);
     EXPECT_EQ(GdipSaveImageToFile(red, u"C:\\proc\\a.png", &png, nullptr), FileNotFound);
-    int nEntries = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(dir.Path()))
-        nEntries += !entry.path().empty();
-    EXPECT_EQ(nEntries, 3) << "something was left behind";
+    const std::filesystem::directory_iterator entries(dir.Path());
+    EXPECT_EQ(std::distance(entries, {}), 3) << "something was left behind";
 }
 
 constexpr int kThreads = 4;
 
 // A picture of more colours than a GIF can have.
-std::unique_ptr<Loaded> Colorful(int nThread)
+std::unique_ptr<Sheet> Colorful(int nThread)
 {
-    auto loaded = std::make_unique<Loaded>(Picture(32, std::string(32, 'K')));
-    for (int i = 0; i < 32 * 32; ++i)
-        GdipBitmapSetPixel(loaded->Bitmap(), i % 32, i / 32,
-                           0xFF000000 | static_cast<ARGB>(i * 523 + nThread * 77777));
-    return loaded;
+    auto sheet = std::make_unique<Sheet>(32, 32);
+    for (std::size_t n = 0; n < sheet->pixels.size(); ++n)
+        sheet->pixels[n] = 0xFF000000 | static_cast<ARGB>(n * 523 + static_cast<unsigned>(nThread) * 77777);
+    return sheet;
 }
 
 TEST(ImageThreads, StartsAreCountedWhicheverThreadsMakeThem)
@@ -200,7 +186,7 @@ TEST_F(ImageThreadsTest, DistinctPicturesAreLoadedDrawnAndSavedAtOnce)
         Tiff({{.width = 1, .height = 1, .pixels = "\xFF\0\0"s}}), ToBmp({"R"}, 24).File()};
     std::vector<std::string> alone;
     for (int n = 0; n < kThreads; ++n)
-        alone.push_back(Saved(*Colorful(n), u"gif"));
+        alone.push_back(Saved(Colorful(n)->bitmap.Native(), u"gif"));
 
     RunThreads(kThreads, [&](int nThread) {
         const std::string name = "saved" + std::to_string(nThread);
@@ -216,9 +202,9 @@ TEST_F(ImageThreadsTest, DistinctPicturesAreLoadedDrawnAndSavedAtOnce)
                 EXPECT_EQ(GetGValue(GetPixel(paper, 1, 1)), 0);
             }
             const auto colorful = Colorful(nThread);
-            EXPECT_EQ(Saved(*colorful, u"gif"), alone[static_cast<std::size_t>(nThread)]);
+            EXPECT_EQ(Saved(colorful->bitmap.Native(), u"gif"), alone[static_cast<std::size_t>(nThread)]);
             const std::u16string path = Wide(dir.Win(name.c_str()));
-            EXPECT_EQ(GdipSaveImageToFile(*colorful, path.c_str(), &png, nullptr), Ok);
+            EXPECT_EQ(GdipSaveImageToFile(colorful->bitmap.Native(), path.c_str(), &png, nullptr), Ok);
             EXPECT_EQ(Image(path.c_str()).GetWidth(), 32u);
         }
     });
