@@ -48,8 +48,8 @@ TEST(Desktop, WalksWindowsOfEveryProcessOldestFirst)
     const test::WindowThread thread;
     const HWND last = Make(nullptr, WS_VISIBLE);
     const HDESK hDesk = Open();
-    EXPECT_THAT(WalkAll(hDesk), ElementsAre(first, foreign, thread.Window(), last));
-    EXPECT_THAT(WalkAll(nullptr), ElementsAre(first, foreign, thread.Window(), last));
+    for (const HDESK h : {hDesk, HDESK{}})
+        EXPECT_THAT(WalkAll(h), ElementsAre(first, foreign, thread.Window(), last));
     EXPECT_THAT(Walk(hDesk, 0, [&](HWND h) { return h != foreign; }), ElementsAre(first, foreign));
     EXPECT_FALSE(EnumDesktopWindows(hDesk, nullptr, 0));
     EXPECT_TRUE(CloseDesktop(hDesk));
@@ -85,8 +85,6 @@ TEST(Desktop, OnlyDefaultOpensAndClosesOnce)
     EXPECT_FALSE(Open("Winlogon"));
     EXPECT_FALSE(Open(nullptr));
     const HDESK one = Open("DEFAULT"), two = Open();
-    EXPECT_TRUE(one);
-    EXPECT_TRUE(two);
     EXPECT_NE(one, two);
     EXPECT_TRUE(CloseDesktop(one));
     for (const HDESK stale : {one, reinterpret_cast<HDESK>(std::intptr_t{-1})}) {

@@ -2,14 +2,13 @@
 
 #include "include/platform/Input.h"
 #include "tests/platform/window/Support.h"
+#include "tests/support/Desktop.h"
 #include "tests/support/Host.h"
 
 #include <gtest/gtest.h>
 #include <string>
 
 namespace {
-
-using test::Make;
 
 constexpr LPARAM At(int x, int y)
 {
@@ -20,7 +19,7 @@ constexpr LPARAM At(int x, int y)
 class Listener
 {
 public:
-    explicit Listener(const char* pszClass = nullptr, UINT nStyle = 0)
+    explicit Listener(const WNDCLASSA& cls = {test::WindowProc, "KXTest"})
         : m_handler([this](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
               if (nMsg >= WM_KEYDOWN && nMsg <= WM_CAPTURECHANGED && nMsg != WM_TIMER)
                   heard += std::to_string(nMsg) + " " + std::to_string(GET_X_LPARAM(lParam)) + ";";
@@ -30,14 +29,7 @@ public:
               return nMsg == WM_CLOSE ? 0 : DefWindowProcA(hWnd, nMsg, wParam, lParam);
           })
     {
-        handle = Make(&m_handler);
-        if (!pszClass) return;
-        DestroyWindow(handle);
-        const WNDCLASSA cls{test::WindowProc, pszClass, nullptr, nStyle, LoadCursorA(nullptr, IDC_HAND)};
-        RegisterClassA(&cls);
-        handle = CreateWindowExA(0, pszClass, nullptr, 0, 1, 2, 30, 40, nullptr, nullptr, nullptr,
-                                 const_cast<test::Handler*>(&m_handler));
-        heard.clear();
+        handle = test::Make(&m_handler, 0, nullptr, cls);
     }
     ~Listener() { DestroyWindow(handle); }
     Listener(const Listener&) = delete;
@@ -45,8 +37,7 @@ public:
 
     std::string Take()
     {
-        for (MSG msg; PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE);)
-            DispatchMessageA(&msg);
+        test::Pump();
         return std::exchange(heard, {});
     }
     void Click(int x, int y)
@@ -91,7 +82,7 @@ TEST(Input, ADisabledWindowHearsNothingOfIt)
 TEST(Input, ASecondPressIsADoubleClick)
 {
     const test::VirtualClock clock;
-    Listener doubles("KXDoubles", CS_DBLCLKS), singles;
+    Listener doubles({test::WindowProc, "KXDoubles", nullptr, CS_DBLCLKS}), singles;
     const auto twice = [&](Listener& window, unsigned pause, int dx) {
         KXHost::AdvanceClock(5'000);
         window.Click(5, 5);
@@ -159,7 +150,7 @@ TEST(Input, LeavingIsToldOnceToWhoAsked)
 
 TEST(Input, KeysAndCursorsAreKnown)
 {
-    Listener window("KXHand");
+    Listener window({test::WindowProc, "KXHand", nullptr, 0, LoadCursorA(nullptr, IDC_HAND)});
     const auto key = [&](UINT nMsg, UINT nKey) {
         KXHost::PostInput(window.handle, nMsg, nKey, 1);
         window.Take();

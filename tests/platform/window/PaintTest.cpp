@@ -10,10 +10,7 @@
 #include <optional>
 #include <vector>
 
-using test::Handler;
-using test::Make;
-using test::Pump;
-using test::SeenRow;
+using namespace test;
 
 namespace {
 
@@ -113,10 +110,9 @@ TEST(Paint, ByDefaultErasesWithTheBrushOfTheClass)
     UnregisterClassA("Brushed");
     PAINTSTRUCT paint;
     EXPECT_EQ(BeginPaint(hWnd, &paint), nullptr);
-    EXPECT_FALSE(EndPaint(hWnd, &paint));
-    EXPECT_FALSE(EndPaint(hWnd, nullptr));
-    EXPECT_FALSE(InvalidateRect(hWnd, nullptr, 1));
-    EXPECT_FALSE(UpdateWindow(hWnd));
+    for (const int done : {EndPaint(hWnd, &paint), EndPaint(hWnd, nullptr), InvalidateRect(hWnd, nullptr, 1),
+                           UpdateWindow(hWnd)})
+        EXPECT_FALSE(done);
 }
 
 TEST(Paint, WindowsLieOnEachOtherInTheirOrder)
@@ -124,21 +120,17 @@ TEST(Paint, WindowsLieOnEachOtherInTheirOrder)
     Painted red('R'), green('G'), blue('B');
     Pump();
     const auto top = [] { return SeenRow(1, 2, 1); };
-    const auto order = [](const Painted& p, HWND hAfter) {
+    const auto order = [&](const Painted& p, HWND hAfter) {
         SetWindowPos(p.window, hAfter, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
+        return top();
     };
     EXPECT_EQ(top(), "B");
-    order(red, HWND_TOP);
-    EXPECT_EQ(top(), "R");
-    order(green, HWND_TOPMOST);
-    order(blue, HWND_TOP);
-    EXPECT_EQ(top(), "G");
-    order(red, HWND_TOPMOST);
-    EXPECT_EQ(top(), "R");
-    order(red, HWND_NOTOPMOST);
-    EXPECT_EQ(top(), "G");
-    order(green, HWND_BOTTOM); // no longer topmost
-    EXPECT_EQ(top(), "R");
+    EXPECT_EQ(order(red, HWND_TOP), "R");
+    EXPECT_EQ(order(green, HWND_TOPMOST), "G");
+    EXPECT_EQ(order(blue, HWND_TOP), "G");
+    EXPECT_EQ(order(red, HWND_TOPMOST), "R");
+    EXPECT_EQ(order(red, HWND_NOTOPMOST), "G");
+    EXPECT_EQ(order(green, HWND_BOTTOM), "R"); // no longer topmost
     ShowWindow(red.window, SW_HIDE);
     EXPECT_EQ(top(), "B");
     ShowWindow(green.window, SW_HIDE);
@@ -155,9 +147,7 @@ TEST(Paint, AMovedWindowKeepsItsPixelsAndPaintsWhatIsNew)
     SetWindowPos(painted.window, HWND_TOP, 50, -3, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     EXPECT_EQ(SeenRow(49, 0, 3), "?MM");
     EXPECT_EQ(SeenRow(1, 2, 2), "??");
-    RECT rect;
-    GetWindowRect(painted.window, &rect);
-    EXPECT_EQ(rect, (RECT{50, -3, 80, 37}));
+    EXPECT_EQ(test::PlaceOf(painted.window), (RECT{50, -3, 80, 37}));
     Pump();
     EXPECT_TRUE(painted.TakePainted().empty());
 
@@ -231,15 +221,11 @@ TEST(Paint, AFadingWindowLetsThroughWhatLiesBelow)
         KXHost::AdvanceClock(dwMilliseconds);
         test::AwaitSleepers(1);
     };
-    advance(0);
-    EXPECT_EQ(red(), 0);
-    advance(16);
-    EXPECT_EQ(red(), 1);
-    advance(984);
-    EXPECT_EQ(red(), 85);
+    for (const auto& [milliseconds, expected] : {std::pair{0u, 0}, {16u, 1}, {984u, 85}, {1000u, 170}}) {
+        advance(milliseconds);
+        EXPECT_EQ(red(), expected);
+    }
     EXPECT_EQ(SendMessageA(hWnd, test::kPing, 0, 0), 1); // served meanwhile
-    advance(1000);
-    EXPECT_EQ(red(), 170);
     advance(1000);
     EXPECT_EQ(red(), 255);
     advance(150);
@@ -310,10 +296,8 @@ TEST(Paint, TheDesktopIsOfTheSizeThatTheHostChose)
     EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 2);
     EXPECT_EQ(SetPixel(old, 9, 9, 0), 0u); // harmless
     ReleaseDC(nullptr, old);
-    const HDC desktop = GetDC(nullptr);
-    EXPECT_EQ(GetPixel(desktop, 3, 0), CLR_INVALID);
-    EXPECT_EQ(GetPixel(desktop, 2, 1), DESKTOP_COLOR);
-    ReleaseDC(nullptr, desktop);
+    EXPECT_EQ(test::SeenAt(3, 0), CLR_INVALID);
+    EXPECT_EQ(test::SeenAt(2, 1), DESKTOP_COLOR);
     EXPECT_TRUE(KXHost::UseMemoryDesktop());
 }
 

@@ -12,12 +12,7 @@
 #include <stdexcept>
 #include <vector>
 
-using test::Handler;
-using test::kAsk;
-using test::kPing;
-using test::Make;
-using test::Sender;
-using test::WindowThread;
+using namespace test;
 
 namespace {
 
@@ -124,22 +119,16 @@ TEST(Send, IsReleasedWithoutAnswer)
 // thread.
 TEST(Send, IsAnsweredHoweverTheProcedureEnds)
 {
-    struct Case
-    {
-        LRESULT (*act)(HWND);
-        LRESULT expected;
-        int thrown;
-    };
-    const Case cases[] = {
+    const std::tuple<std::function<LRESULT(HWND)>, LRESULT, int> cases[] = {
         {[](HWND h) { return LRESULT{DestroyWindow(h)} + 6; }, 7, 0},
         {[](HWND) -> LRESULT { throw std::runtime_error("no"); }, 0, 1},
         {[](HWND) -> LRESULT { pthread_exit(nullptr); }, 0, 0},
     };
-    for (const Case& c : cases) {
-        WindowThread thread(test::On(kAsk, [&](HWND h, WPARAM) { return c.act(h); }));
-        EXPECT_EQ(SendMessageA(thread.Window(), kAsk, 0, 0), c.expected);
+    for (const auto& [act, expected, thrown] : cases) {
+        WindowThread thread(On(kAsk, [&own = act](HWND h, WPARAM) { return own(h); }));
+        EXPECT_EQ(SendMessageA(thread.Window(), kAsk, 0, 0), expected);
         thread.Join();
-        EXPECT_EQ(thread.Thrown(), c.thrown); // out of the thread's GetMessageA
+        EXPECT_EQ(thread.Thrown(), thrown); // out of the thread's GetMessageA
         EXPECT_FALSE(IsWindow(thread.Window()));
     }
 }

@@ -3,10 +3,12 @@
 #include "include/platform/Sync.h"
 #include "include/platform/Window.h"
 
+#include <cstdio>
 #include <functional>
 #include <semaphore>
 #include <stdexcept>
 #include <thread>
+#include <unistd.h>
 
 namespace test {
 
@@ -37,17 +39,33 @@ inline LRESULT WindowProc(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
 }
 
 // A window of the calling thread. The handler must outlive it; null is the default handling.
-inline HWND Make(const Handler* handler = nullptr, DWORD dwStyle = 0, const char* pszName = nullptr)
+inline HWND Make(const Handler* handler = nullptr, DWORD dwStyle = 0, const char* pszName = nullptr,
+                 const WNDCLASSA& cls = {WindowProc, "KXTest"})
 {
-    static const WNDCLASSA cls{WindowProc, "KXTest"};
-    [[maybe_unused]] static const WORD atom = RegisterClassA(&cls);
-    return CreateWindowExA(0, "KXTest", pszName, dwStyle, 1, 2, 30, 40, nullptr, nullptr, nullptr,
+    RegisterClassA(&cls); // unless it was
+    return CreateWindowExA(0, cls.lpszClassName, pszName, dwStyle, 1, 2, 30, 40, nullptr, nullptr, nullptr,
                            const_cast<Handler*>(handler));
 }
 
 inline int Move(HWND hWnd, int x, int y, int cx, int cy)
 {
     return SetWindowPos(hWnd, HWND_TOP, x, y, cx, cy, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+// Where it lies; empty for no window.
+inline RECT PlaceOf(HWND hWnd)
+{
+    RECT rect{};
+    GetWindowRect(hWnd, &rect);
+    return rect;
+}
+
+// Ends a child program, saying what is wrong, unless it is as it should be.
+inline void Check(bool bGood, const char* pszWrong)
+{
+    if (bGood) return;
+    std::fprintf(stderr, "%s\n", pszWrong);
+    _exit(1);
 }
 
 // Runs on a thread of its own, which has no queue yet and loses it afterwards.

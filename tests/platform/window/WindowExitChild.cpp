@@ -5,9 +5,7 @@
 #include "include/platform/MessageBox.h"
 #include "tests/platform/window/Support.h"
 
-#include <cstdio>
 #include <memory>
-#include <unistd.h>
 
 namespace {
 
@@ -18,21 +16,17 @@ struct AtExit
 
     ~AtExit()
     {
-        const auto check = [](bool bGood, const char* pszWhat) {
-            if (bGood) return;
-            std::fprintf(stderr, "%s\n", pszWhat);
-            _exit(1);
-        };
-        check(!IsWindow(hMain) && !PostMessage(hMain, WM_USER, 0, 0), "the main thread's window is left");
-        check(pSender->Join() == 0, "the sender was not released");
+        using test::Check;
+        Check(!IsWindow(hMain) && !PostMessage(hMain, WM_USER, 0, 0), "the main thread's window is left");
+        Check(pSender->Join() == 0, "the sender was not released");
         const test::WindowThread living;
-        check(SendMessageA(living.Window(), test::kPing, 0, 0) == 1, "no answer from a living thread");
-        check(!test::Make(), "a window was made");
+        Check(SendMessageA(living.Window(), test::kPing, 0, 0) == 1, "no answer from a living thread");
+        Check(!test::Make(), "a window was made");
         int nVisited = 0;
         const auto count = [](HWND, long lParam) { return ++*reinterpret_cast<int*>(lParam); };
-        check(EnumDesktopWindows(nullptr, count, reinterpret_cast<long>(&nVisited)) && nVisited == 1,
+        Check(EnumDesktopWindows(nullptr, count, reinterpret_cast<long>(&nVisited)) && nVisited == 1,
               "no walk");
-        check(AfxMessageBox("late") == IDOK && KXHost::TakeMessageBoxes().size() == 1, "no message box");
+        Check(AfxMessageBox("late") == IDOK && KXHost::TakeMessageBoxes().size() == 1, "no message box");
     }
 };
 

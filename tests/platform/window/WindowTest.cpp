@@ -8,8 +8,7 @@
 #include <string>
 #include <vector>
 
-using test::Handler;
-using test::Make;
+using namespace test;
 using testing::ElementsAre;
 
 namespace {
@@ -23,11 +22,6 @@ std::string TextOf(HWND hWnd, int nSize = 32)
     const int n = GetWindowTextA(hWnd, buffer, nSize);
     EXPECT_EQ(std::string(buffer).size(), static_cast<std::size_t>(n));
     return buffer;
-}
-
-HWND Numbered(std::uintptr_t n)
-{
-    return reinterpret_cast<HWND>(n);
 }
 
 TEST(Window, LivesThroughItsMessages)
@@ -83,13 +77,7 @@ TEST(Window, IsNotMadeWhenItsProcedureRefusesOrEndsIt)
 {
     const auto destroy = [](HWND hWnd) { return LRESULT{DestroyWindow(hWnd)}; };
     const auto fail = [](HWND) -> LRESULT { throw std::runtime_error("no"); };
-    struct Case
-    {
-        UINT at;
-        std::function<LRESULT(HWND)> act;
-        std::vector<UINT> expected;
-    };
-    const Case cases[] = {
+    const std::tuple<UINT, std::function<LRESULT(HWND)>, std::vector<UINT>> cases[] = {
         {NCCREATE, [](HWND) { return 0; }, {NCCREATE, NCDESTROY}},
         {CREATE, [](HWND) { return -1; }, {NCCREATE, CREATE, DESTROY, NCDESTROY}},
         {NCCREATE, destroy, {NCCREATE, DESTROY, NCDESTROY}},
@@ -97,19 +85,20 @@ TEST(Window, IsNotMadeWhenItsProcedureRefusesOrEndsIt)
         {SHOW, destroy, {NCCREATE, CREATE, SHOW, DESTROY, NCDESTROY}},
         {CREATE, fail, {NCCREATE, CREATE}},
     };
-    for (const Case& c : cases) {
+    for (const auto& [at, act, expected] : cases) {
         std::vector<UINT> seen;
         HWND made = nullptr;
-        const Handler handler = [&](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
+        const Handler handler = [&, nAt = at, &pfnAct = act](HWND hWnd, UINT nMsg, WPARAM wParam,
+                                                             LPARAM lParam) {
             made = hWnd;
             seen.push_back(nMsg);
-            return nMsg == c.at ? c.act(hWnd) : DefWindowProcA(hWnd, nMsg, wParam, lParam);
+            return nMsg == nAt ? pfnAct(hWnd) : DefWindowProcA(hWnd, nMsg, wParam, lParam);
         };
         try {
             EXPECT_EQ(Make(&handler, WS_VISIBLE), nullptr);
         } catch (const std::runtime_error&) {
         }
-        EXPECT_EQ(seen, c.expected);
+        EXPECT_EQ(seen, expected);
         EXPECT_FALSE(IsWindow(made));
     }
     const Handler failAtEnd = test::On(DESTROY, [&](HWND h, WPARAM) { return fail(h); });
@@ -129,18 +118,18 @@ TEST(Window, HandlesThatNameNoWindowAreHarmless)
         EXPECT_TRUE(DestroyWindow(hWnd));
     }
     EXPECT_EQ(KXHost::LiveHandles(), nLive);
-    for (const HWND hWnd : {Numbered(0), Numbered(1), *used.begin(), Numbered(~std::uintptr_t{0})}) {
+    for (const std::uintptr_t number : {std::uintptr_t{0}, std::uintptr_t{1},
+                                        reinterpret_cast<std::uintptr_t>(*used.begin()), UINTPTR_MAX}) {
+        const HWND hWnd = reinterpret_cast<HWND>(number);
         DWORD dwProcessId = 1;
         char buffer[8] = "unset";
         MSG msg{hWnd, WM_USER, 0, 0, 0};
-        EXPECT_FALSE(IsWindow(hWnd));
-        EXPECT_FALSE(IsWindowVisible(hWnd));
-        EXPECT_FALSE(ShowWindow(hWnd, SW_SHOW));
-        EXPECT_FALSE(DestroyWindow(hWnd));
-        EXPECT_FALSE(SetWindowTextA(hWnd, "text"));
+        for (const int done :
+             {IsWindow(hWnd), IsWindowVisible(hWnd), ShowWindow(hWnd, SW_SHOW), DestroyWindow(hWnd),
+              SetWindowTextA(hWnd, "text"), GetWindowTextA(hWnd, buffer, 8)})
+            EXPECT_FALSE(done);
         EXPECT_FALSE(SetWindowLongPtrA(hWnd, GWLP_USERDATA, 7));
         EXPECT_FALSE(GetWindowLongPtrA(hWnd, GWLP_USERDATA));
-        EXPECT_FALSE(GetWindowTextA(hWnd, buffer, 8));
         EXPECT_FALSE(*buffer);
         EXPECT_FALSE(GetWindowThreadProcessId(hWnd, &dwProcessId));
         EXPECT_FALSE(dwProcessId);
@@ -231,10 +220,8 @@ TEST(WindowClass, NamesAreTakenOnceIgnoringCase)
     EXPECT_TRUE(UnregisterClassA("kx\xB0\x41"));
     EXPECT_FALSE(UnregisterClassA("kx\xB0\x41"));
     EXPECT_FALSE(make(pszAtom));
-    EXPECT_FALSE(add("KXOther", nullptr));
-    EXPECT_FALSE(add(""));
-    EXPECT_FALSE(add(nullptr));
-    EXPECT_FALSE(RegisterClassA(nullptr));
+    for (const WORD none : {add("KXOther", nullptr), add(""), add(nullptr), RegisterClassA(nullptr)})
+        EXPECT_FALSE(none);
     EXPECT_FALSE(make(nullptr));
     EXPECT_FALSE(UnregisterClassA(nullptr));
 }

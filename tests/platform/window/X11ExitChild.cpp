@@ -4,20 +4,13 @@
 #include "include/platform/Host.h"
 #include "tests/platform/window/Support.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
-void Check(bool good, const char* what)
-{
-    if (good) return;
-    std::fprintf(stderr, "%s\n", what);
-    _exit(1);
-}
+using test::Check;
 
 struct AtExit
 {

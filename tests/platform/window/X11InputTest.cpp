@@ -30,25 +30,23 @@ TEST_F(X11InputTest, TheMouseIsHeardWithinTheWindow)
     outside->MoveMouse(400, 400);
     ShowSeen(window, kRed, 100, 100);
     EXPECT_EQ(Hear(window, "move", [&] { outside->MoveMouse(60, 75); }), "move 0 10,15;");
-    EXPECT_EQ(Hear(window, "up",
-                   [&] {
-                       outside->Button(1, true);
-                       outside->MoveMouse(40, 70);
-                       outside->Button(1, false);
-                   }),
-              "down 1 10,15;move 1 -10,10;up 0 -10,10;");
-    EXPECT_EQ(Hear(window, "keyup",
-                   [&] {
-                       outside->MoveMouse(149, 159);
-                       for (const int n : {2, 4, 5}) { // the middle one, and the wheel's
-                           outside->Click(n);
-                       }
-                       outside->Key(outside->KeyOf(0xFFE3), true); // Control
-                       outside->Click(3);
-                       outside->Key(outside->KeyOf(0xFFE3), false);
-                   }),
-              "move 0 99,99;mdown 16 99,99;mup 0 99,99;wheel 7864320 149,159;wheel 4287102976 149,159;key 17 "
-              "1,0;rdown 10 99,99;rup 8 99,99;keyup 17 1,0;");
+    const std::string dragged = Hear(window, "up", [&] {
+        outside->Button(1, true);
+        outside->MoveMouse(40, 70);
+        outside->Button(1, false);
+    });
+    EXPECT_EQ(dragged, "down 1 10,15;move 1 -10,10;up 0 -10,10;");
+    const std::string clicked = Hear(window, "keyup", [&] {
+        outside->MoveMouse(149, 159);
+        for (const int n : {2, 4, 5}) // the middle one, and the wheel's
+            outside->Click(n);
+        outside->Key(outside->KeyOf(0xFFE3), true); // Control
+        outside->Click(3);
+        outside->Key(outside->KeyOf(0xFFE3), false);
+    });
+    EXPECT_EQ(clicked,
+              "move 0 99,99;mdown 16 99,99;mup 0 99,99;wheel 7864320 149,159;wheel 4287102976 149,159;"
+              "key 17 1,0;rdown 10 99,99;rup 8 99,99;keyup 17 1,0;");
 }
 
 // However long a thread looks away, its queue holds one motion.
@@ -75,63 +73,59 @@ TEST_F(X11InputTest, KeysAreHeardByWhoHasTheFocus)
     ShowSeen(window, kRed, 50, 50);
     ShowSeen(other, kBlue, 250, 50);
     EXPECT_EQ(GetFocus(), other.handle);
-    Hear(window, "up", [&] {
-        outside->MoveMouse(50, 50);
-        outside->Click();
-    });
+    Hear(window, "up", [&] { outside->ClickAt(50, 50); });
     ASSERT_TRUE(Pump([&] { return outside->Focused() == outside->Find("window"); }));
     EXPECT_EQ(GetFocus(), window.handle);
 
     const xcb_keycode_t shift = outside->KeyOf(0xFFE1);
-    EXPECT_EQ(Hear(window, "keyup", [&] { outside->Type(outside->KeyOf('a')); }),
-              "key 65 1,0;char 97 1,0;keyup 65 1,0;");
-    EXPECT_EQ(Hear(window, "keyup 16",
-                   [&] {
-                       outside->Key(shift, true);
-                       outside->Type(outside->KeyOf('b'));
-                       outside->Key(shift, false);
-                   }),
-              "key 16 1,0;key 66 1,0;char 66 1,0;keyup 66 1,0;keyup 16 1,0;");
-    const auto last = [&](xcb_keysym_t symbol) {
-        return Hear(window, "keyup", [&] { outside->Type(outside->KeyOf(symbol)); });
+    const std::string shifted = Hear(window, "keyup 16", [&] {
+        outside->Key(shift, true);
+        outside->TypeSymbol('b');
+        outside->Key(shift, false);
+    });
+    EXPECT_EQ(shifted, "key 16 1,0;key 66 1,0;char 66 1,0;keyup 66 1,0;keyup 16 1,0;");
+    // The symbols of keys, their codes, and their characters, or 0.
+    const auto expect = [&](std::initializer_list<std::tuple<xcb_keysym_t, int, int>> keys) {
+        for (const auto& [symbol, code, character] : keys) {
+            const std::string key = std::to_string(code) + " 1,0;";
+            const std::string text = character ? "char " + std::to_string(character) + " 1,0;" : "";
+            EXPECT_EQ(Hear(window, "keyup", [&, s = symbol] { outside->TypeSymbol(s); }),
+                      "key " + key + text + "keyup " + key);
+        }
     };
-    EXPECT_EQ(last('7'), "key 55 1,0;char 55 1,0;keyup 55 1,0;");
-    EXPECT_EQ(last(0xFF0D), "key 13 1,0;char 13 1,0;keyup 13 1,0;");
-    EXPECT_EQ(last(0xFF1B), "key 27 1,0;char 27 1,0;keyup 27 1,0;");
-    EXPECT_EQ(last(0xFFFF), "key 46 1,0;keyup 46 1,0;");
-    EXPECT_EQ(last(0xFF51), "key 37 1,0;keyup 37 1,0;");
-    EXPECT_EQ(last(0xFF63), "key 45 1,0;keyup 45 1,0;"); // Insert
-    EXPECT_EQ(last(';'), "key 186 1,0;char 59 1,0;keyup 186 1,0;");
-    EXPECT_EQ(last('\''), "key 222 1,0;char 39 1,0;keyup 222 1,0;");
-    EXPECT_EQ(last(0xFFE5), "key 20 1,0;keyup 20 1,0;"); // Caps Lock
-    EXPECT_EQ(last('a'), "key 65 1,0;char 65 1,0;keyup 65 1,0;");
+    // Return, Escape and Delete; Left and Insert; Caps Lock.
+    expect({{'7', 55, 55}, {0xFF0D, 13, 13}, {0xFF1B, 27, 27}, {0xFFFF, 46, 0}});
+    expect({{0xFF51, 37, 0}, {0xFF63, 45, 0}, {';', 186, 59}, {'\'', 222, 39}});
+    expect({{0xFFE5, 20, 0}, {'a', 65, 65}});
     EXPECT_EQ(GetKeyState(VK_CAPITAL) & 1, 1);
-    EXPECT_EQ(last(0xFFE5), "key 20 1,0;keyup 20 1,0;");
-    EXPECT_EQ(last(0xFF95), "key 36 1,0;keyup 36 1,0;");   // the number block's 7
-    EXPECT_EQ(last(0xFF9C), "key 35 1,0;keyup 35 1,0;");   // its 1
-    EXPECT_EQ(last(0xFF7F), "key 144 1,0;keyup 144 1,0;"); // Num Lock
-    EXPECT_EQ(last(0xFF95), "key 103 1,0;char 55 1,0;keyup 103 1,0;");
-    EXPECT_EQ(last(0xFF7F), "key 144 1,0;keyup 144 1,0;");
-    EXPECT_EQ(last(0xFFAB), "key 107 1,0;char 43 1,0;keyup 107 1,0;");
-    EXPECT_EQ(last(0xFFC2), "key 116 1,0;keyup 116 1,0;");
+    // Caps Lock again, and the number block's 7 and 1; with Num Lock its 7, and without its plus, and F5.
+    expect({{0xFFE5, 20, 0}, {0xFF95, 36, 0}, {0xFF9C, 35, 0}, {0xFF7F, 144, 0}});
+    expect({{0xFF95, 103, 55}, {0xFF7F, 144, 0}, {0xFFAB, 107, 43}, {0xFFC2, 116, 0}});
     EXPECT_THAT(other.heard, testing::Not(HasSubstr("key")));
 }
 
-TEST_F(X11InputTest, CharactersComeInTheCodePage)
+TEST_F(X11InputTest, CharactersComeInTheCodePageAlsoOfSeveralKeys)
 {
     ColorWindow window(kRed, {0, 0, 100, 100});
     ShowSeen(window, kRed, 50, 50);
     const xcb_keycode_t key = outside->Assign(0x01000000 + 0x4E2D); // U+4E2D, which has no number as a key
     EXPECT_EQ(Hear(window, "208", [&] { outside->Type(key); }), "char 214 1,0;char 208 1,0;");
     const xcb_keycode_t dead = outside->Assign(0xFE51); // the acute accent
-    EXPECT_EQ(Hear(window, "keyup 69",
-                   [&] {
-                       outside->Type(dead);
-                       outside->Type(outside->KeyOf('e'));
-                   }),
-              "key 69 1,0;char 168 1,0;char 166 1,0;keyup 69 1,0;");
+    const std::string accented = Hear(window, "keyup 69", [&] {
+        outside->Type(dead);
+        outside->TypeSymbol('e');
+    });
+    EXPECT_EQ(accented, "key 69 1,0;char 168 1,0;char 166 1,0;keyup 69 1,0;");
+    const xcb_keycode_t compose = outside->Assign(0xFF20);
     const CodePage utf8(CP_UTF8);
     EXPECT_EQ(Hear(window, "173", [&] { outside->Type(key); }), "char 228 1,0;char 184 1,0;char 173 1,0;");
+    const std::string composed = Hear(window, "keyup 69", [&] {
+        outside->Type(compose);
+        outside->TypeSymbol('\'');
+        outside->TypeSymbol('e');
+    });
+    EXPECT_THAT(composed, HasSubstr("key 69 1,0;char 195 1,0;char 169 1,0;"));
+    EXPECT_THAT(composed, testing::Not(HasSubstr("char 39")));
 }
 
 TEST_F(X11InputTest, AHeldKeyRepeats)
@@ -149,21 +143,6 @@ TEST_F(X11InputTest, AHeldKeyRepeats)
         outside->Key(alt, false);
     });
     EXPECT_EQ(sys, "syskey 18 1,0;syskey 65 1,0;syschar 97 1,0;syskeyup 65 1,0;syskeyup 18 1,0;");
-}
-
-TEST_F(X11InputTest, ComposeMakesOneCharacterOfThree)
-{
-    ColorWindow window(kRed, {0, 0, 100, 100});
-    ShowSeen(window, kRed, 50, 50);
-    const CodePage utf8(CP_UTF8);
-    const xcb_keycode_t compose = outside->Assign(0xFF20);
-    const std::string heard = Hear(window, "keyup 69", [&] {
-        outside->Type(compose);
-        outside->Type(outside->KeyOf('\''));
-        outside->Type(outside->KeyOf('e'));
-    });
-    EXPECT_THAT(heard, HasSubstr("key 69 1,0;char 195 1,0;char 169 1,0;"));
-    EXPECT_THAT(heard, testing::Not(HasSubstr("char 39")));
 }
 
 TEST_F(X11InputTest, TheMouseIsCapturedAndHeardToLeave)
@@ -196,7 +175,7 @@ TEST_F(X11InputTest, TheFocusGoesWhereTheServerGivesIt)
     for (int i = 0; i < 20; ++i)
         SetFocus(i % 2 ? first.handle : second.handle);
     ASSERT_TRUE(Pump([&] { return outside->Focused() == outside->Find("first"); }));
-    EXPECT_THAT(Hear(first, "keyup", [&] { outside->Type(outside->KeyOf('a')); }), HasSubstr("key 65"));
+    EXPECT_THAT(Hear(first, "keyup", [&] { outside->TypeSymbol('a'); }), HasSubstr("key 65"));
     EXPECT_EQ(GetFocus(), first.handle);
     outside->Focus(0);
     EXPECT_TRUE(Pump([&] { return !GetFocus(); }));

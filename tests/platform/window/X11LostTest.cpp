@@ -6,6 +6,7 @@
 #include "tests/support/RawServer.h"
 
 #include <atomic>
+#include <cstring>
 #include <functional>
 #include <gmock/gmock.h>
 #include <poll.h>
@@ -62,13 +63,11 @@ private:
     std::size_t Length() const
     {
         const auto word = [&](std::size_t at) {
-            return m_ahead.size() < at + 2
-                       ? 0u
-                       : static_cast<BYTE>(m_ahead[at]) +
-                             (static_cast<unsigned>(static_cast<BYTE>(m_ahead[at + 1])) << 8);
+            std::uint16_t value = 0;
+            if (m_ahead.size() >= at + 2) std::memcpy(&value, m_ahead.data() + at, 2);
+            return std::size_t{value};
         };
-        if (m_ahead.size() < 12 && !m_begun) return 0;
-        if (m_ahead.size() < 4) return 0;
+        if (m_ahead.size() < (m_begun ? 4u : 12u)) return 0;
         const std::size_t length = !m_begun  ? 12 + ((word(6) + 3) & ~3u) + ((word(8) + 3) & ~3u)
                                    : word(2) ? word(2) * 4
                                              : (word(4) + (word(6) << 16)) * 4;
@@ -132,12 +131,6 @@ protected:
         ASSERT_TRUE(KXHost::UseMemoryDesktop());
         ASSERT_TRUE(KXHost::UseDisplay(display.c_str(), kLimit));
     }
-    static void AskDesktop()
-    {
-        const HDC desktop = GetDC(nullptr);
-        GetPixel(desktop, 1, 1);
-        ReleaseDC(nullptr, desktop);
-    }
 };
 
 // The thread of the display's events asks for the keyboard, and a window's thread for something else, when
@@ -151,7 +144,7 @@ TEST_F(X11LostTest, TheServerMayGoWhileTheKeyboardIsAskedFor)
             Use(relay.Name());
             ASSERT_TRUE(Await([&] { return relay.HasEnded(); })) << n;
             const HWND hWnd = Make(nullptr, WS_POPUP | WS_VISIBLE);
-            AskDesktop();
+            SeenAt(1, 1);
             EXPECT_TRUE(Pump([&] { return !IsWindow(hWnd) && !IsWindow(Make()); })) << n;
             ASSERT_TRUE(KXHost::UseMemoryDesktop()) << n;
         }
@@ -177,9 +170,7 @@ TEST_F(X11LostTest, AServerThatStopsIsGivenUp)
     EXPECT_TRUE(ended);
     EXPECT_THAT(window.heard, HasSubstr("destroy"));
     EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 640);
-    const HDC desktop = GetDC(nullptr);
-    EXPECT_EQ(GetPixel(desktop, 5, 5), DESKTOP_COLOR);
-    ReleaseDC(nullptr, desktop);
+    EXPECT_EQ(SeenAt(5, 5), DESKTOP_COLOR);
     KXHost::TakeMessageBoxes();
     EXPECT_EQ(AfxMessageBox("nobody sees it"), IDOK);
     EXPECT_EQ(KXHost::TakeMessageBoxes().size(), 1u);
@@ -241,23 +232,10 @@ INSTANTIATE_TEST_SUITE_P(Stops, X11MomentTest, testing::Bool());
 
 TEST_P(X11MomentTest, TheServerMayGo)
 {
-    const auto inFade = [&](int share, DWORD dwFlags) { return InFade(outside, share, dwFlags); };
-    const Moment moments[] = {
-        InHandlerOf(WM_NCCREATE),
-        InHandlerOf(WM_CREATE),
-        InHandlerOf(WM_SHOWWINDOW),
-        InHandlerOf(WM_PAINT),
-        InHandlerOf(WM_ERASEBKGND),
-        InHandlerOf(WM_SETFOCUS),
-        InHandlerOf(WM_MOVE),
-        InHandlerOf(WM_SIZE),
-        InHandlerOf(WM_ENABLE),
-        InHandlerOf(WM_KILLFOCUS),
-        InHandlerOf(WM_DESTROY),
-        InHandlerOf(WM_NCDESTROY),
-        inFade(1, 0),
-        inFade(128, 0),
-        inFade(200, AW_HIDE),
+    std::vector<Moment> moments{
+        InFade(outside, 1, 0),
+        InFade(outside, 128, 0),
+        InFade(outside, 200, AW_HIDE),
         [&](const auto& kill) { // in the middle of a drag
             ColorWindow window(kRed, {0, 0, 100, 100});
             ShowSeen(window, kRed, 50, 50);
@@ -290,26 +268,24 @@ TEST_P(X11MomentTest, TheServerMayGo)
             EXPECT_EQ(SendMessageA(other.Window(), kAsk, 0, 0), 7);
         },
         [&](const auto& kill) { // the screen is being read
-            const HDC desktop = GetDC(nullptr);
-            GetPixel(desktop, 5, 5);
+            SeenAt(5, 5);
             kill();
             for (int i = 0; i < 20; ++i)
-                GetPixel(desktop, i, i);
-            ReleaseDC(nullptr, desktop);
+                SeenAt(i, i);
         },
         [&](const auto& kill) { // the windows of others are being walked
             for (int i = 0; i < 5; ++i)
                 outside->Cover(0, 0, 10, 10, kBlue, 1);
-            static const std::function<void()>* then;
-            then = &kill;
-            const auto visit = [](HWND, long) {
-                (*then)();
+            const auto visit = [](HWND, long then) {
+                (*reinterpret_cast<const std::function<void()>*>(then))();
                 return 1;
             };
-            EnumDesktopWindows(nullptr, visit, 0);
+            EnumDesktopWindows(nullptr, visit, reinterpret_cast<long>(&kill));
         },
     };
-    static_assert(std::size(moments) == 20);
+    for (const UINT nMsg : {WM_NCCREATE, WM_CREATE, WM_SHOWWINDOW, WM_PAINT, WM_ERASEBKGND, WM_SETFOCUS,
+                            WM_MOVE, WM_SIZE, WM_ENABLE, WM_KILLFOCUS, WM_DESTROY, WM_NCDESTROY})
+        moments.push_back(InHandlerOf(nMsg));
     int n = 0;
     for (const Moment& moment : moments) {
         if (n++ > 0) Begin();
@@ -320,7 +296,7 @@ TEST_P(X11MomentTest, TheServerMayGo)
                 if (std::exchange(gone, true)) return;
                 if (!GetParam()) return server->Kill();
                 server->Stop();
-                asker = std::jthread(AskDesktop);
+                asker = std::jthread([] { SeenAt(1, 1); });
             });
             // All that was made ends, and what is asked later is harmless.
             EXPECT_TRUE(Pump([&] { return !IsWindow(Make()); })) << n;

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
+#include <sstream>
 
 namespace {
 
@@ -39,21 +40,15 @@ protected:
     void StartMethod()
     {
         const std::string home = m_home.Path();
-        const std::vector<std::string> env{"HOME=" + home,
-                                           "XDG_CONFIG_HOME=" + home + "/.config",
-                                           "XDG_DATA_HOME=" + home,
-                                           "XDG_RUNTIME_DIR=" + home,
-                                           "DBUS_SESSION_BUS_ADDRESS=unix:path=" + home + "/bus",
-                                           "DISPLAY=" + server->Name()};
-        if (!m_bus)
-            m_bus.emplace(std::vector<std::string>{"dbus-daemon", "--session", "--nofork",
-                                                   "--address=unix:path=" + home + "/bus"},
-                          env);
+        const std::string bus = "unix:path=" + home + "/bus";
+        std::vector<std::string> env{"HOME=" + home, "XDG_CONFIG_HOME=" + home + "/.config"};
+        env.insert(env.end(), {"XDG_DATA_HOME=" + home, "XDG_RUNTIME_DIR=" + home});
+        env.insert(env.end(), {"DBUS_SESSION_BUS_ADDRESS=" + bus, "DISPLAY=" + server->Name()});
+        const std::vector<std::string> daemon{"dbus-daemon", "--session", "--nofork", "--address=" + bus};
+        if (!m_bus) m_bus.emplace(daemon, env);
         ASSERT_TRUE(Await([&] { return std::filesystem::exists(home + "/bus"); }));
-        m_method.emplace(
-            std::vector<std::string>{"fcitx5", "--disable",
-                                     "wayland,waylandim,notifications,notificationitem,ibusfrontend"},
-            env);
+        const std::string others = "wayland,waylandim,notifications,notificationitem,ibusfrontend";
+        m_method.emplace(std::vector<std::string>{"fcitx5", "--disable", others}, env);
         ASSERT_TRUE(Await([&] { return outside->HasOwner("@server=fcitx"); }));
     }
     // The method leaves events that came while it waited for an answer until the next comes: a change of the
@@ -68,10 +63,8 @@ protected:
     }
     void Type(const std::string& keys)
     {
-        for (const char ch : keys) {
-            const xcb_keycode_t code = outside->KeyOf(static_cast<xcb_keysym_t>(ch));
-            outside->Type(code);
-        }
+        for (const char ch : keys)
+            outside->TypeSymbol(static_cast<xcb_keysym_t>(ch));
     }
 
     // A method that has a window with the focus says that it is at work, and has told the window so before.
@@ -85,10 +78,9 @@ protected:
     // The characters that a window heard; whether the keys' releases reach it is the method's choice.
     static std::string Characters(const ColorWindow& window)
     {
-        std::string characters;
-        for (std::size_t at = 0, end; (end = window.heard.find(';', at)) != std::string::npos; at = end + 1)
-            if (window.heard.compare(at, 5, "char ") == 0)
-                characters += window.heard.substr(at, end + 1 - at);
+        std::string characters, word;
+        for (std::istringstream heard(window.heard); std::getline(heard, word, ';');)
+            if (word.starts_with("char ")) characters += word + ';';
         return characters;
     }
     // Types letters and a space, which takes the first that they may mean.
@@ -120,8 +112,7 @@ TEST_F(X11MethodTest, LettersBecomeChineseAtTheCaretAndTheMethodMayGoAndComeBack
             const RECT at = outside->PlaceOf(candidates);
             return at.left >= x && at.left < x + 30 && at.top >= y && at.top < y + 30;
         };
-        EXPECT_TRUE(PumpBoth(isThere))
-            << outside->PlaceOf(candidates).left << "," << outside->PlaceOf(candidates).top;
+        EXPECT_TRUE(PumpBoth(isThere));
     };
     appear(120, 90);
     ExpectOf(window, "", hello);
@@ -151,9 +142,7 @@ TEST_F(X11MethodTest, LettersBecomeChineseAtTheCaretAndTheMethodMayGoAndComeBack
     ASSERT_TRUE(Await([&] { return !outside->HasOwner("@server=fcitx"); }));
     window.heard.clear();
     Type("n");
-    EXPECT_TRUE(Pump([&] { return window.Heard("keyup 78"); }));
-    EXPECT_NE(window.heard.find("key 78 1,0;char 110 1,0;keyup 78 1,0;"), std::string::npos)
-        << "the keys are the window's again, but " << window.heard;
+    EXPECT_TRUE(Pump([&] { return window.Heard("key 78 1,0;char 110 1,0;keyup 78 1,0;"); })) << window.heard;
     StartMethod();
     AwaitMethod();
     ExpectOf(window, "nihao", hello);

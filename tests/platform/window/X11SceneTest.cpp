@@ -26,11 +26,10 @@ protected:
     bool Looks(int x, int y, COLORREF color)
     {
         const COLORREF seen = outside->Pixel(x, y);
-        for (const int shift : {0, 8, 16})
-            if (std::abs(static_cast<int>(seen >> shift & 0xFF) - static_cast<int>(color >> shift & 0xFF)) >
-                6)
-                return false;
-        return true;
+        const auto far = [&](int shift) {
+            return std::abs(static_cast<int>(seen >> shift & 0xFF) - static_cast<int>(color >> shift & 0xFF));
+        };
+        return std::max({far(0), far(8), far(16)}) <= 6;
     }
     bool HasPixel(const RECT& rect, COLORREF color)
     {
@@ -97,40 +96,28 @@ TEST_F(X11SceneTest, OnlyACallThatNeedsAnAnswerWaitsForTheServer)
     ReleaseDC(window.handle, dc);
 }
 
-TEST_F(X11SceneTest, AMessageBoxWaitsForItsAnswer)
+TEST_F(X11SceneTest, AMessageBoxWaitsForItsAnswerOrItsThreadsEnd)
 {
-    const std::function<void()> answers[] = {
-        [&] { outside->Type(outside->KeyOf(0xFF0D)); },
-        [&] { outside->AskToClose(outside->Find("test.platform.window")); },
-        [&] { outside->Destroy(outside->Find("test.platform.window")); },
-        [&] {
-            outside->MoveMouse(320, 261);
-            outside->Click();
-        },
+    const std::function<void(WindowThread&)> answers[] = {
+        [&](auto&) { outside->TypeSymbol(0xFF0D); },
+        [&](auto&) { outside->AskToClose(outside->Find("test.platform.window")); },
+        [&](auto&) { outside->Destroy(outside->Find("test.platform.window")); },
+        [&](auto&) { outside->ClickAt(320, 261); },
+        [](auto& thread) { thread.Join(); }, // by WM_QUIT, which also the loop around the box is to hear
     };
     for (const auto& answer : answers) {
         const Handler ask = On(kAsk, [](HWND, WPARAM) { return AfxMessageBox("one\ntwo & three"); });
-        const WindowThread thread(ask);
+        WindowThread thread(ask);
         PostMessage(thread.Window(), kAsk, 0, 0);
         // In the middle of the screen, with its button's edge and face.
         for (const COLORREF color : {RGB(0, 120, 215), RGB(225, 225, 225)})
             ASSERT_TRUE(Await([&] { return HasPixel({320, 200, 321, 280}, color); }));
         EXPECT_TRUE(outside->Property(outside->Find("test.platform.window"), "_NET_WM_STATE").size() == 4);
         EXPECT_EQ(SendMessageA(thread.Window(), kPing, 0, 0), 1) << "what is sent meanwhile is served";
-        answer();
+        answer(thread);
         EXPECT_TRUE(Await([&] { return !outside->Find("test.platform.window"); }));
     }
     EXPECT_TRUE(KXHost::TakeMessageBoxes().empty());
-}
-
-TEST_F(X11SceneTest, AMessageBoxEndsWithItsThread)
-{
-    const Handler ask = On(kAsk, [](HWND, WPARAM) { return AfxMessageBox("text"); });
-    WindowThread thread(ask);
-    PostMessage(thread.Window(), kAsk, 0, 0);
-    ASSERT_TRUE(Await([&] { return outside->Find("test.platform.window"); }));
-    thread.Join(); // by WM_QUIT, which also the loop around the box is to hear
-    EXPECT_TRUE(Await([&] { return !outside->Find("test.platform.window"); }));
 }
 
 // The yellow box rises and falls in the middle, whether something composes windows by their opacity or not.
@@ -142,9 +129,8 @@ INSTANTIATE_TEST_SUITE_P(Compositor, X11FadeTest, testing::Bool());
 TEST_P(X11FadeTest, TheTipFades)
 {
     std::optional<Program> compositor;
-    if (GetParam())
-        compositor.emplace(std::vector<std::string>{"picom", "--config", "/dev/null", "--backend", "xrender"},
-                           std::vector{"DISPLAY=" + server->Name()});
+    const std::vector<std::string> picom{"picom", "--config", "/dev/null", "--backend", "xrender"};
+    if (GetParam()) compositor.emplace(picom, std::vector{"DISPLAY=" + server->Name()});
     ASSERT_TRUE(Await([&] { return outside->HasOwner("_NET_WM_CM_S0") == GetParam(); }));
     outside->Cover(0, 0, 640, 480, RGB(0, 0, 0));
     const VirtualClock clock;
@@ -159,8 +145,7 @@ TEST_P(X11FadeTest, TheTipFades)
     const auto reaches = [&](int share) {
         const auto level = static_cast<BYTE>(share);
         const COLORREF yellow = RGB(level, level, 0);
-        const bool good = Await([&] { return Looks(left + 3, top + 3, yellow); });
-        EXPECT_TRUE(good) << share << ": " << std::hex << outside->Pixel(left + 3, top + 3);
+        EXPECT_TRUE(Await([&] { return Looks(left + 3, top + 3, yellow); })) << share;
     };
     const auto advance = [](unsigned milliseconds) {
         ASSERT_TRUE(Await([] { return KXHost::ClockWaiters() > 0; }));
@@ -196,31 +181,27 @@ TEST_F(X11SceneTest, AMessageBoxKeepsTheOtherWindowsFromInput)
     test::Move(hAsker, 250, 0, 100, 100);
     ShowSeen(main, kGreen, 50, 50);
     ShowWindow(hAsker, SW_SHOW);
-    const auto click = [&](int x, int y) {
-        outside->MoveMouse(x, y);
-        outside->Click();
-    };
     std::atomic<int> nBeats{0};
     std::thread user([&] {
         const auto isOpen = [&] { return outside->Find("test.platform.window") != 0; };
-        click(300, 50);
-        click(300, 50);
+        outside->ClickAt(300, 50);
+        outside->ClickAt(300, 50);
         EXPECT_TRUE(Await(isOpen));
         const xcb_window_t box = outside->Find("test.platform.window");
         EXPECT_TRUE(Await([&] { return outside->Focused() == box; }));
         EXPECT_EQ(outside->Property(box, "WM_TRANSIENT_FOR").size(), 4u);
         main.heard.clear();
-        click(50, 50);
-        click(300, 50);
+        outside->ClickAt(50, 50);
+        outside->ClickAt(300, 50);
         outside->AskToClose(outside->Find("main"));
         outside->Focus(outside->Find("main"));
         EXPECT_TRUE(Await([&] { return outside->Focused() == box; })) << "it takes the focus back";
         EXPECT_TRUE(IsWindow(main.handle));
         EXPECT_FALSE(IsWindowEnabled(main.handle));
         EXPECT_TRUE(Await([&, nBefore = nBeats.load()] { return nBeats > nBefore; }));
-        outside->Type(outside->KeyOf(' '));
+        outside->TypeSymbol(' ');
         EXPECT_TRUE(Await([&] { return !isOpen(); }));
-        click(50, 50); // is heard again
+        outside->ClickAt(50, 50); // is heard again
     });
     const Handler count = On(WM_TIMER, [&](HWND, WPARAM) { return ++nBeats; });
     const HWND hClock = Make(&count);
@@ -243,8 +224,8 @@ TEST_F(X11SceneTest, TheTransparentWindowShowsWhatLiesUnderIt)
     ASSERT_TRUE(
         window.CreateEx(0, AfxRegisterWndClass(0), nullptr, WS_POPUP, {200, 100, 400, 200}, nullptr, 0));
     window.ShowWindow(SW_SHOWNA);
-    EXPECT_TRUE(Pump([&] { return outside->Pixel(200, 100) == 0 && outside->Pixel(399, 199) == 0; }))
-        << "outline";
+    EXPECT_TRUE(Shows(200, 100, 0)) << "outline";
+    EXPECT_TRUE(Shows(399, 199, 0)) << "outline";
     EXPECT_EQ(outside->Pixel(210, 190), kGreen);
     EXPECT_EQ(outside->Pixel(390, 190), kRed);
     EXPECT_EQ(outside->Pixel(199, 150), kGreen);

@@ -24,12 +24,6 @@ protected:
         ASSERT_TRUE(KXHost::UseMemoryDesktop());
         ASSERT_TRUE(KXHost::UseDisplay(server->Name().c_str()));
     }
-    static RECT DesktopRect()
-    {
-        RECT rect{};
-        GetWindowRect(GetDesktopWindow(), &rect);
-        return rect;
-    }
 };
 
 TEST_F(X11ScreenTest, TheDesktopIsThePrimaryMonitor)
@@ -38,7 +32,7 @@ TEST_F(X11ScreenTest, TheDesktopIsThePrimaryMonitor)
     outside->AddMonitor("left", 0, 0, 240, 480, false);
     outside->AddMonitor("main", 240, 0, 400, 300, true);
     Reopen();
-    EXPECT_EQ(DesktopRect(), (RECT{0, 0, 400, 300}));
+    EXPECT_EQ(PlaceOf(GetDesktopWindow()), (RECT{0, 0, 400, 300}));
     EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 400);
     EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 300);
     ColorWindow window(kRed, {10, 20, 110, 120}, WS_POPUP, "window");
@@ -46,23 +40,18 @@ TEST_F(X11ScreenTest, TheDesktopIsThePrimaryMonitor)
     EXPECT_NE(outside->Pixel(249, 20), kRed);
     outside->MoveMouse(255, 26);
     EXPECT_TRUE(Pump([&] { return window.Heard("move 0 5,6;"); })) << window.heard;
-    const HDC desktop = GetDC(nullptr);
-    EXPECT_EQ(GetPixel(desktop, 10, 20), kRed);
-    EXPECT_NE(GetPixel(desktop, 9, 20), kRed);
-    ReleaseDC(nullptr, desktop);
+    EXPECT_EQ(SeenAt(10, 20), kRed);
+    EXPECT_NE(SeenAt(9, 20), kRed);
 
     // Another program moves it, to the left monitor.
     outside->Place(outside->Find("window"), 100, 50, 100, 100);
-    RECT rect{};
-    EXPECT_TRUE(Pump([&] {
-        return GetWindowRect(window.handle, &rect) && rect == RECT{-140, 50, -40, 150};
-    }));
+    EXPECT_TRUE(Lies(window.handle, {-140, 50, -40, 150}));
 
     window.heard.clear();
     outside->AddMonitor("main", 200, 0, 440, 480, true);
     EXPECT_TRUE(Pump([&] { return window.Heard("display 32 440,480;"); })) << window.heard;
-    EXPECT_EQ(DesktopRect(), (RECT{0, 0, 440, 480}));
-    EXPECT_TRUE(Pump([&] { return GetWindowRect(window.handle, &rect) && rect == RECT{-100, 50, 0, 150}; }));
+    EXPECT_EQ(PlaceOf(GetDesktopWindow()), (RECT{0, 0, 440, 480}));
+    EXPECT_TRUE(Lies(window.handle, {-100, 50, 0, 150}));
     EXPECT_THAT(window.heard, HasSubstr("place 0 -100,50;"));
 }
 
@@ -71,30 +60,27 @@ TEST_F(X11ScreenTest, WindowsAreEnlargedWhereDotsAreFine)
     EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 640);
     outside->SetResources("*color: red\nXft.dpi:\t192\n");
     Reopen();
-    EXPECT_EQ(DesktopRect(), (RECT{0, 0, 320, 240}));
+    EXPECT_EQ(PlaceOf(GetDesktopWindow()), (RECT{0, 0, 320, 240}));
     ColorWindow window(kRed, {10, 20, 61, 71}, WS_POPUP, "window");
     ShowSeen(window, kRed, 20, 40);
     EXPECT_EQ(outside->PlaceOf(outside->Find("window")), (RECT{20, 40, 122, 142}));
-    EXPECT_TRUE(Pump([&] { return outside->Pixel(121, 141) == kRed; }));
+    EXPECT_TRUE(Shows(121, 141, kRed));
     const HDC own = GetDC(window.handle);
     SetPixel(own, 3, 5, kBlue);
     ReleaseDC(window.handle, own);
-    EXPECT_TRUE(Await([&] { return outside->Pixel(27, 51) == kBlue; }));
+    EXPECT_TRUE(Shows(27, 51, kBlue));
     for (const POINT at : {POINT{26, 50}, POINT{27, 50}, POINT{26, 51}})
         EXPECT_EQ(outside->Pixel(at.x, at.y), kBlue);
     for (const POINT at : {POINT{25, 50}, POINT{28, 50}, POINT{26, 49}, POINT{26, 52}})
         EXPECT_EQ(outside->Pixel(at.x, at.y), kRed);
-    const HDC desktop = GetDC(nullptr);
-    EXPECT_EQ(GetPixel(desktop, 13, 25), kBlue);
-    EXPECT_EQ(GetPixel(desktop, 14, 25), kRed);
-    ReleaseDC(nullptr, desktop);
+    EXPECT_EQ(SeenAt(13, 25), kBlue);
+    EXPECT_EQ(SeenAt(14, 25), kRed);
     outside->MoveMouse(27, 51);
     EXPECT_TRUE(Pump([&] { return window.Heard("move 0 3,5;"); })) << window.heard;
     // A size that is no multiple is covered to its last pixel.
     outside->Place(outside->Find("window"), 21, 40, 131, 60);
-    RECT rect{};
-    EXPECT_TRUE(Pump([&] { return GetWindowRect(window.handle, &rect) && rect == RECT{10, 20, 76, 50}; }));
-    EXPECT_TRUE(Pump([&] { return outside->Pixel(151, 99) == kRed; }));
+    EXPECT_TRUE(Lies(window.handle, {10, 20, 76, 50}));
+    EXPECT_TRUE(Shows(151, 99, kRed));
 }
 
 TEST_F(X11ScreenTest, TheEnvironmentHasTheLastWordOfTheScale)

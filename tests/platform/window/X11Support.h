@@ -5,6 +5,7 @@
 #include "include/platform/WindowPaint.h"
 #include "tests/platform/window/Support.h"
 #include "tests/platform/window/XClient.h"
+#include "tests/support/Desktop.h"
 #include "tests/support/XServer.h"
 
 #include <chrono>
@@ -37,8 +38,7 @@ template <class Ready>
 bool Pump(Ready ready)
 {
     return Await([&] {
-        for (MSG msg; PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE);)
-            DispatchMessageA(&msg);
+        Pump();
         return ready();
     });
 }
@@ -90,10 +90,8 @@ private:
         ++paints;
         PAINTSTRUCT paint;
         BeginPaint(hWnd, &paint);
-        const HBRUSH brush = CreateSolidBrush(m_color);
         const RECT all{0, 0, 2000, 2000};
-        FillRect(paint.hdc, &all, brush);
-        DeleteObject(brush);
+        FillRect(paint.hdc, &all, Scoped<HBRUSH>(CreateSolidBrush(m_color)));
         EndPaint(hWnd, &paint);
         return 0;
     }
@@ -115,11 +113,21 @@ protected:
         ASSERT_TRUE(KXHost::UseDisplay(server->Name().c_str()));
         outside.emplace(server->Name());
     }
+    // Whether the screen shows a colour there, now or soon, while this thread's messages are dispatched.
+    bool Shows(int x, int y, COLORREF color)
+    {
+        return Pump([&] { return outside->Pixel(x, y) == color; });
+    }
+    // The same of a window's place.
+    static bool Lies(HWND hWnd, const RECT& rect)
+    {
+        return Pump([&] { return PlaceOf(hWnd) == rect; });
+    }
     // Shows a window and waits until it is seen.
     void ShowSeen(const ColorWindow& window, COLORREF color, int x, int y)
     {
         ShowWindow(window.handle, SW_SHOW);
-        ASSERT_TRUE(Pump([&] { return outside->Pixel(x, y) == color; }));
+        ASSERT_TRUE(Shows(x, y, color));
     }
 
     std::optional<XServer> server;

@@ -1,15 +1,14 @@
 // Windows on an X server: what is seen of them, and what happens to them from outside.
 
 #include "include/platform/MessageBox.h"
+#include "tests/platform/gdi/LoadedImage.h"
 #include "tests/platform/window/X11Support.h"
 #include "tests/support/Child.h"
 #include "tests/support/Host.h"
 #include "tests/support/RawServer.h"
-#include "tests/support/TempDir.h"
 
 #include <fstream>
 #include <gmock/gmock.h>
-#include <map>
 
 namespace {
 
@@ -38,21 +37,20 @@ TEST_F(X11WindowTest, PixelsReachTheScreenAndComeBackFromIt)
         const std::string shared{std::istreambuf_iterator<char>(maps), {}};
         EXPECT_EQ(shared.find("memfd:kx-pixels") != std::string::npos, options.empty());
 
-        const HDC desktop = GetDC(nullptr);
-        EXPECT_EQ(GetPixel(desktop, 50, 60), kRed);
-        EXPECT_EQ(GetPixel(desktop, 49, 60), kBlue);
-        EXPECT_EQ(GetPixel(desktop, 639, 479), RGB(0, 0, 0));
-        ReleaseDC(nullptr, desktop);
+        EXPECT_EQ(SeenAt(50, 60), kRed);
+        EXPECT_EQ(SeenAt(49, 60), kBlue);
+        EXPECT_EQ(SeenAt(639, 479), RGB(0, 0, 0));
 
         const int paints = window.paints;
         const xcb_window_t above = outside->Cover(40, 40, 200, 200, kGreen);
         EXPECT_EQ(outside->Pixel(100, 100), kGreen);
         outside->Destroy(above);
-        EXPECT_TRUE(Pump([&] { return outside->Pixel(50, 60) == kRed && outside->Pixel(149, 139) == kRed; }));
+        EXPECT_TRUE(Shows(50, 60, kRed));
+        EXPECT_TRUE(Shows(149, 139, kRed));
         EXPECT_EQ(window.paints, paints) << "what is kept needs no painting";
         outside->Destroy(below);
         DestroyWindow(window.handle);
-        EXPECT_TRUE(Await([&] { return outside->Pixel(100, 100) == RGB(0, 0, 0); }));
+        EXPECT_TRUE(Shows(100, 100, RGB(0, 0, 0)));
         ASSERT_TRUE(KXHost::UseMemoryDesktop());
     }
 }
@@ -65,14 +63,9 @@ TEST_F(X11WindowTest, ALargeWindowIsShownWhole)
     for (const int y : {500, 1000, 1499})
         EXPECT_EQ(outside->Pixel(1999, y), kRed);
     const HDC desktop = GetDC(nullptr);
-    const HDC copy = CreateCompatibleDC(desktop);
-    const HBITMAP bitmap = CreateCompatibleBitmap(desktop, 2000, 1500);
-    const HGDIOBJ old = SelectObject(copy, bitmap);
+    const Paper copy(2000, 1500);
     BitBlt(copy, 0, 0, 2000, 1500, desktop, 0, 0, SRCCOPY);
     EXPECT_EQ(GetPixel(copy, 1999, 1499), kRed);
-    SelectObject(copy, old);
-    DeleteObject(bitmap);
-    DeleteDC(copy);
     ReleaseDC(nullptr, desktop);
 }
 
@@ -80,9 +73,7 @@ TEST_F(X11WindowTest, AScreenOfOtherPixelsHasNoWindows)
 {
     Begin("640x480x16");
     EXPECT_EQ(Make(), nullptr);
-    const HDC desktop = GetDC(nullptr);
-    EXPECT_EQ(GetPixel(desktop, 5, 5), DESKTOP_COLOR);
-    ReleaseDC(nullptr, desktop);
+    EXPECT_EQ(SeenAt(5, 5), DESKTOP_COLOR);
 }
 
 TEST_F(X11WindowTest, OthersAreToldWhatAWindowIs)
@@ -96,9 +87,6 @@ TEST_F(X11WindowTest, OthersAreToldWhatAWindowIs)
     const xcb_window_t idPlain = outside->Find("\xE4\xB8\xAD\xE6\x96\x87");
     const xcb_window_t idFramed = outside->Find("framed");
     const xcb_window_t idPopup = outside->Find("? tip");
-    ASSERT_TRUE(idPlain);
-    ASSERT_TRUE(idFramed);
-    ASSERT_TRUE(idPopup);
     EXPECT_TRUE(outside->IsPopup(idPopup));
     EXPECT_FALSE(outside->IsPopup(idPlain));
     EXPECT_FALSE(outside->IsPopup(idFramed));
@@ -125,14 +113,10 @@ TEST_F(X11WindowTest, OthersAreToldWhatAWindowIs)
 // By the class, or set later; the manager gets it as opacity and colour.
 TEST_F(X11WindowTest, AWindowHasAnIcon)
 {
-    const TempDir dir;
-    const std::string ico("\0\0\1\0\1\0\1\1\0\0\1\0\x20\0\x30\0\0\0\x16\0\0\0"        // one image of 1 by 1
-                          "\x28\0\0\0\1\0\0\0\2\0\0\0\1\0\x20\0\0\0\0\0\0\0\0\0"      // of 32 bits
-                          "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x10\x20\x30\xFF\0\0\0\0", // this pixel
-                          70);
-    std::ofstream(dir.Path("a.ico"), std::ios::binary) << ico;
-    const CString path = KXHost::FromSystemPath(dir.Path("a.ico"));
-    const auto icon = static_cast<HICON>(LoadImageA(nullptr, path, IMAGE_ICON, 1, 1, LR_LOADFROMFILE));
+    Bmp pixel = ToBmp({"K"}, 32);
+    pixel.height = 2; // with its mask
+    pixel.pixels = Le(0xFF302010, 8);
+    const auto icon = static_cast<HICON>(LoadFile(Ico({pixel.Dib()}), IMAGE_ICON, 1, 1));
     ASSERT_TRUE(icon);
     const WNDCLASSA cls{DefWindowProcA, "KXIcon", nullptr, 0, nullptr, icon};
     RegisterClassA(&cls);
@@ -163,11 +147,11 @@ TEST_F(X11WindowTest, TopmostPopupsStayAboveTheOthers)
     EXPECT_EQ(outside->Pixel(75, 50), kRed);
     ShowSeen(third, kGreen, 125, 50);
     order(third, HWND_BOTTOM);
-    EXPECT_TRUE(Await([&] { return outside->Pixel(125, 50) == kBlue; }));
+    EXPECT_TRUE(Shows(125, 50, kBlue));
     EXPECT_EQ(outside->Pixel(75, 50), kRed);
     order(top, HWND_NOTOPMOST);
     order(other, HWND_TOP);
-    EXPECT_TRUE(Await([&] { return outside->Pixel(75, 50) == kBlue; }));
+    EXPECT_TRUE(Shows(75, 50, kBlue));
 }
 
 TEST_F(X11WindowTest, AShapeCutsAWindow)
@@ -176,11 +160,12 @@ TEST_F(X11WindowTest, AShapeCutsAWindow)
     ColorWindow window(kRed, {0, 0, 100, 100});
     ShowSeen(window, kRed, 50, 50);
     SetWindowRgn(window.handle, CreateRectRgn(10, 10, 60, 60), 1);
-    EXPECT_TRUE(Pump([&] { return outside->Pixel(9, 10) == kBlue && outside->Pixel(60, 59) == kBlue; }));
+    EXPECT_TRUE(Shows(9, 10, kBlue));
+    EXPECT_TRUE(Shows(60, 59, kBlue));
     EXPECT_EQ(outside->Pixel(10, 10), kRed);
     EXPECT_EQ(outside->Pixel(59, 59), kRed);
     SetWindowRgn(window.handle, nullptr, 1);
-    EXPECT_TRUE(Pump([&] { return outside->Pixel(99, 99) == kRed; }));
+    EXPECT_TRUE(Shows(99, 99, kRed));
 }
 
 TEST_F(X11WindowTest, WindowsAreClosedMovedAndEndedFromOutside)
@@ -190,7 +175,7 @@ TEST_F(X11WindowTest, WindowsAreClosedMovedAndEndedFromOutside)
     ColorWindow moved(kRed, {200, 0, 250, 50}, WS_CAPTION, "moved");
     for (ColorWindow* window : {&closed, &ended, &moved})
         ShowWindow(window->handle, SW_SHOWNA);
-    ASSERT_TRUE(Pump([&] { return outside->Pixel(225, 25) == kRed; }));
+    ASSERT_TRUE(Shows(225, 25, kRed));
 
     outside->AskToClose(outside->Find("closed"));
     EXPECT_TRUE(Pump([&] { return !IsWindow(closed.handle); }));
@@ -200,22 +185,17 @@ TEST_F(X11WindowTest, WindowsAreClosedMovedAndEndedFromOutside)
     EXPECT_THAT(ended.heard, Not(HasSubstr("close")));
     EXPECT_THAT(ended.heard, HasSubstr("destroy"));
 
-    moved.heard.clear();
-    outside->Place(outside->Find("moved"), 300, 100, 80, 70);
-    EXPECT_TRUE(Pump([&] { return outside->Pixel(379, 169) == kRed; })) << "what is new gets painted";
-    RECT rect;
-    GetWindowRect(moved.handle, &rect);
-    EXPECT_EQ(rect, (RECT{300, 100, 380, 170}));
-    EXPECT_THAT(moved.heard, HasSubstr("place 0 300,100;size 0 80,70;"));
-    moved.heard.clear();
-    outside->Place(outside->Find("moved"), 300, 100, 90, 60); // and only what changed
-    EXPECT_TRUE(Pump([&] { return !moved.heard.empty(); }));
-    EXPECT_EQ(moved.heard, "size 0 90,60;");
-    moved.heard.clear();
-    outside->Place(outside->Find("moved"), 310, 100, 90, 60);
-    EXPECT_TRUE(Pump([&] { return !moved.heard.empty(); }));
-    EXPECT_EQ(moved.heard, "place 0 310,100;");
-    EXPECT_TRUE(IsWindow(moved.handle));
+    const auto place = [&](int x, int y, int cx, int cy) {
+        moved.heard.clear();
+        outside->Place(outside->Find("moved"), x, y, cx, cy);
+        EXPECT_TRUE(Pump([&] { return !moved.heard.empty(); }));
+        return moved.heard;
+    };
+    EXPECT_EQ(place(300, 100, 80, 70), "place 0 300,100;size 0 80,70;");
+    EXPECT_TRUE(Shows(379, 169, kRed)) << "what is new gets painted";
+    EXPECT_EQ(PlaceOf(moved.handle), (RECT{300, 100, 380, 170}));
+    EXPECT_EQ(place(300, 100, 90, 60), "size 0 90,60;"); // and only what changed
+    EXPECT_EQ(place(310, 100, 90, 60), "place 0 310,100;");
 }
 
 // The owner's own wish is the last word, whatever the server still has to tell of earlier ones.
@@ -226,17 +206,13 @@ TEST_F(X11WindowTest, APlaceChosenHereStands)
     window.heard.clear();
     for (int i = 1; i <= 100; ++i) {
         test::Move(window.handle, i, i, 50 + i, 50);
-        RECT rect;
-        GetWindowRect(window.handle, &rect);
-        ASSERT_EQ(rect, (RECT{i, i, 50 + 2 * i, 50 + i}));
+        ASSERT_EQ(PlaceOf(window.handle), (RECT{i, i, 50 + 2 * i, 50 + i}));
     }
     test::Move(window.handle, 10, 10, 0, 0);
     test::Move(window.handle, -100'000, -100'000, 200'000, 200'000);
     test::Move(window.handle, 100, 100, 60, 60);
-    EXPECT_TRUE(Pump([&] { return outside->Pixel(159, 159) == kRed; }));
-    RECT rect;
-    GetWindowRect(window.handle, &rect);
-    EXPECT_EQ(rect, (RECT{100, 100, 160, 160}));
+    EXPECT_TRUE(Shows(159, 159, kRed));
+    EXPECT_EQ(PlaceOf(window.handle), (RECT{100, 100, 160, 160}));
 }
 
 // Its owner and a manager place it at the same time, again and again.
@@ -250,12 +226,7 @@ TEST_F(X11WindowTest, WhereAWindowLiesIsKnownWhoeverPlacedItLast)
         std::thread manager([&] { outside->Place(id, i % 300, 10, 60, 60); });
         test::Move(window.handle, i % 300, 20, 50, 50);
         manager.join();
-        RECT rect{}, seen{};
-        ASSERT_TRUE(Pump([&] {
-            seen = outside->PlaceOf(id);
-            return GetWindowRect(window.handle, &rect) && rect == seen;
-        })) << i
-            << ": " << rect.top << " is " << seen.top;
+        ASSERT_TRUE(Pump([&] { return PlaceOf(window.handle) == outside->PlaceOf(id); })) << i;
     }
 }
 
@@ -278,11 +249,8 @@ TEST_F(X11WindowTest, NewsOfTheServerComeThroughAFullQueue)
         outside->Place(id, i, 0, 50 + i, 50);
     outside->Place(id, 20, 0, 70, 60);
     outside->Place(outside->Find("another"), 300, 300, 10, 10);
-    EXPECT_TRUE(Await([&] {
-        RECT rect;
-        return GetWindowRect(another.Window(), &rect) && rect == RECT{300, 300, 310, 310};
-    }));
-    EXPECT_TRUE(Pump([&] { return outside->Pixel(89, 59) == kRed; })) << window.heard;
+    EXPECT_TRUE(Await([&] { return PlaceOf(another.Window()) == RECT{300, 300, 310, 310}; }));
+    EXPECT_TRUE(Shows(89, 59, kRed)) << window.heard;
     EXPECT_EQ(window.heard, "place 0 20,0;size 0 70,60;") << "and all in one";
 
     fill();
