@@ -5,6 +5,7 @@
 #include "include/platform/Module.h"
 #include "internal/Debug.h"
 #include "tests/support/Await.h"
+#include "tests/support/BmpBuilder.h"
 #include "tests/support/Child.h"
 #include "tests/support/Com.h"
 #include "tests/support/Host.h"
@@ -149,28 +150,21 @@ TEST(Debug, DiagnosticsAreForThoseWhoAsked)
 
 TEST(Debug, StandardErrorOnDemandToTheLastStatic)
 {
-    const std::pair<std::vector<std::string>, const char*> cases[] = {
-        {{"KX_DEBUG=1"}, "main\nskin: s\nxml: x\nstatic\nobserved static\n"},
-        {{"KX_DEBUG=language,xml"}, "xml: x\nobserved static\n"},
-        {{"KX_DEBUG=0"}, "observed static\n"},
-        {{}, "observed static\n"},
+    using Words = std::vector<std::string>;
+    const std::tuple<Words, Words, const char*> cases[] = {
+        {{}, {"KX_DEBUG=1"}, "main\nskin: s\nxml: x\nstatic\nobserved static\n"},
+        {{}, {"KX_DEBUG=language,xml"}, "xml: x\nobserved static\n"},
+        {{}, {"KX_DEBUG=0"}, "observed static\n"},
+        {{}, {}, "observed static\n"},
+        {{"desktop"},
+         {"KX_DEBUG=window", "DISPLAY=:4711"},
+         "window: display :4711 doesn't answer; windows appear on a desktop in memory\nobserved static\n"},
     };
-    for (const auto& [env, pszExpected] : cases) {
-        test::Child child("DebugChild", {}, env, true);
+    for (const auto& [args, env, pszExpected] : cases) {
+        test::Child child("DebugChild", args, env, true);
         EXPECT_EQ(child.Wait(), 0);
         EXPECT_EQ(child.ErrorText(), pszExpected);
     }
-    test::Child child("DebugChild", {"desktop"}, {"KX_DEBUG=window", "DISPLAY=:4711"}, true);
-    EXPECT_EQ(child.Wait(), 0);
-    EXPECT_EQ(child.ErrorText(),
-              "window: display :4711 doesn't answer; windows appear on a desktop in memory\n"
-              "observed static\n");
-}
-
-CString Named(const test::TempDir& dir, const char* pszName, const std::string& content)
-{
-    dir.Write(pszName, content);
-    return KXHost::FromSystemPath(dir.Path(pszName));
 }
 
 void LoadPicture(const CString& strPath)
@@ -191,53 +185,50 @@ void LoadXml(const char* pszXml)
     CKXXmlDomDocument().LoadXml(pszXml);
 }
 
+const std::string kEmpty = "; the document stays empty\n";
+
 // Each case makes a family tell something and names the line. A line that is told once is asked for twice.
 TEST(Diagnostics, SayWhatWasLookedForAndWhatIsTakenInstead)
 {
     KXHost::UseMemoryDesktop();
     CKXLogSys::GetSingletonPtr(); // sends a line of its own
     const test::TempDir dir;
-    const CString strText = Named(dir, "a.txt", "no picture");
-    const CString strPng = Named(dir, "a.png", std::string("\x89PNG\r\n\x1A\n", 8));
-    const CString strJpeg = Named(dir, "a.jpg", std::string("\xFF\xD8\xFF\xD9", 4));
-    const std::string_view pixel("BM\x3A\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\1\0\0\0\1\0\0\0\1\0\x18\0", 30);
-    const CString strBmp = Named(dir, "a.bmp", std::string(pixel) + std::string(28, '\0'));
-    const auto about = [](const CString& strPath, const char* pszText) {
-        return std::string(strPath.GetString()) + pszText;
+    const auto file = [&](const char* pszName, const std::string& content) {
+        dir.Write(pszName, content);
+        return dir.Win(pszName);
     };
+    const CString strText = file("a.txt", "no picture"), strPng = file("a.png", "\x89PNG\r\n\x1A\n");
+    const CString strJpeg = file("a.jpg", "\xFF\xD8\xFF\xD9"),
+                  strBmp = file("a.bmp", test::ToBmp({"K"}, 24).File());
+    const auto refused = [](const CString& strPath, const char* pszWhy) {
+        return "picture: " + std::string(strPath) + " is refused: " + pszWhy + "; the picture stays empty\n";
+    };
+    const char* const pszNone = "it is no picture of a known format";
+    const char* const pszNoImage = "JPEG datastream contains no image";
     const Gdiplus::GdiplusStartupInput input;
     std::uintptr_t nToken = 0;
     const auto manager = std::make_shared<test::ScriptedManager>();
     manager->errors["manager"] = ERROR_ACCESS_DENIED;
 
-    const struct
-    {
-        std::function<void()> work;
-        std::string line;
-    } cases[] = {
+    const std::pair<std::function<void()>, std::string> cases[] = {
         {[] { CKXXmlDomDocument(); },
          "xml: CoInitialize was not called on this thread; there is no document\n"},
-        {[] { LoadXml("<a>\n<b>"); },
-         "xml: a text is refused at line 2: Premature end of data in tag b line 2; the document stays "
-         "empty\n"},
         {[] { LoadXml("<a>\n<b></c>\n</a></d>"); }, // not the last fault, which follows from the first
-         "xml: a text is refused at line 2: Opening and ending tag mismatch: b line 2 and c; the document "
-         "stays "
-         "empty\n"},
+         "xml: a text is refused at line 2: Opening and ending tag mismatch: b line 2 and c" + kEmpty},
         {[] { LoadXml(("<a>" + std::string(300, '<') + "</a>").c_str()); },
-         "xml: a text is refused at line 1: StartTag: invalid element name; the document stays empty\n"},
+         "xml: a text is refused at line 1: StartTag: invalid element name" + kEmpty},
         {[] {
              std::string xml;
              for (int n = 0; n < 300; ++n)
                  xml += "<a>";
              LoadXml(xml.c_str());
          },
-         "xml: a text is refused: it goes beyond a limit; the document stays empty\n"},
+         "xml: a text is refused: it goes beyond a limit" + kEmpty},
         {[] {
              const test::Com com;
              CKXXmlDomDocument().Load("C:\\none.xml");
          },
-         "xml: C:\\none.xml can't be read; the document stays empty\n"},
+         "xml: C:\\none.xml can't be read" + kEmpty},
         {[&] { LoadPicture(strText); },
          "picture: GdiplusStartup was not called, or ended; no picture and no gradient is drawn\n"},
         {[&] { LoadPicture(strText); }, ""},
@@ -247,25 +238,17 @@ TEST(Diagnostics, SayWhatWasLookedForAndWhatIsTakenInstead)
              Gdiplus::GdiplusStartup(&nToken, &input, nullptr);
              LoadFile(strText);
          },
-         about("picture: " + strText,
-               " is refused: it is no picture of a known format; the picture stays empty\n")},
-        {[&] { LoadPicture(strText); },
-         about("picture: " + strText,
-               " is refused: it is no picture of a known format; the picture stays empty\n")},
+         refused(strText, pszNone)},
+        {[&] { LoadPicture(strText); }, refused(strText, pszNone)},
         {[&] { LoadPicture(strBmp); }, ""}, // nor is a look at its head told of
-        {[&] { LoadFile(strPng); },
-         about("picture: " + strPng, " is refused: its content is damaged; the picture stays empty\n")},
-        {[&] { LoadPicture(strJpeg); },
-         about("picture: " + strJpeg,
-               " is refused: JPEG datastream contains no image; the picture stays empty\n")},
-        {[&] { LoadFile(strJpeg); },
-         about("picture: " + strJpeg,
-               " is refused: JPEG datastream contains no image; the picture stays empty\n")},
+        {[&] { LoadFile(strPng); }, refused(strPng, "its content is damaged")},
+        {[&] { LoadPicture(strJpeg); }, refused(strJpeg, pszNoImage)},
+        {[&] { LoadFile(strJpeg); }, refused(strJpeg, pszNoImage)},
         {[&] { CKXBitmap().LoadBitmapA(strText); },
-         about("picture: " + strText, " can't be read as a BMP file; nothing is drawn from it\n")},
+         std::string("picture: " + strText + " can't be read as a BMP file; nothing is drawn from it\n")},
         {[] { LoadLibraryA("C:\\none.so"); }, "module: C:\\none.so can't be opened; there is no module\n"},
         {[&] { LoadLibraryA(strText); },
-         about("module: " + strText, " is no bundle of resources; there is no module\n")},
+         std::string("module: " + strText + " is no bundle of resources; there is no module\n")},
         {[&] {
              KXHost::SetServiceManager(manager);
              OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CONNECT);
@@ -275,10 +258,10 @@ TEST(Diagnostics, SayWhatWasLookedForAndWhatIsTakenInstead)
         {[] { CKXLogSys::GetSingletonPtr()->Initialize("C:\\none\\a.log"); },
          "log: C:\\none\\a.log can't be opened; lines wait until there is a log\n"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [work, line] : cases) {
         const test::DebugText heard(true);
-        c.work();
-        EXPECT_EQ(heard.Text(), c.line);
+        work();
+        EXPECT_EQ(heard.Text(), line);
     }
     Gdiplus::GdiplusShutdown(nToken);
 }

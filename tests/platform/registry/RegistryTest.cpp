@@ -34,17 +34,15 @@ protected:
     HKEY Open(const char* pszSubKey, DWORD dwAccess = kBoth, HKEY hParent = HKEY_CURRENT_USER)
     {
         HKEY hKey = nullptr;
-        const long error = RegOpenKeyExA(hParent, pszSubKey, 0, dwAccess, &hKey);
-        return Keep(error, hKey);
+        return Keep(RegOpenKeyExA(hParent, pszSubKey, 0, dwAccess, &hKey), hKey);
     }
     HKEY Create(const char* pszSubKey, DWORD* pdwDisposition = nullptr, HKEY hParent = HKEY_CURRENT_USER)
     {
         HKEY hKey = nullptr;
-        const long error =
-            RegCreateKeyExA(hParent, pszSubKey, 0, nullptr, 0, kBoth, nullptr, &hKey, pdwDisposition);
-        return Keep(error, hKey);
+        return Keep(RegCreateKeyExA(hParent, pszSubKey, 0, nullptr, 0, kBoth, nullptr, &hKey, pdwDisposition),
+                    hKey);
     }
-    HKEY Keep(long error, HKEY hKey)
+    HKEY Keep(long error, const HKEY& hKey)
     {
         EXPECT_EQ(error == ERROR_SUCCESS, hKey != nullptr);
         if (hKey) m_opened.push_back(hKey);
@@ -98,8 +96,10 @@ TEST_F(Registry, ValuesAndNamesOfAnyBytesComeBack)
     std::string all;
     for (int n = 0; n < 256; ++n)
         all += static_cast<char>(n);
-    std::vector<std::string> names{"Language", "", "@", " x ", "a=b", ";c", "[s]", "\"q\"", "%41", "A"};
-    names.insert(names.end(), {"\x81\x41", "\x81\x61", "a\r\nb", all.substr(1), std::string(16383, 'n')});
+    const std::vector<std::string> names{
+        "Language", "",         "@",      " x ",         "a=b",
+        ";c",       "[s]",      "\"q\"",  "%41",         "A",
+        "\x81\x41", "\x81\x61", "a\r\nb", all.substr(1), std::string(16383, 'n')};
     for (const UINT page : {CP_GBK, CP_UTF8}) {
         const test::CodePage scope(page);
         const HKEY hKey = Create("\xC4\xE3\\\x81\x5C=]\\[k] ;%");
@@ -180,9 +180,8 @@ TEST_F(Registry, TheFileIsAllThatLasts)
 {
     Set(Create("Software\\A b"), "Language", {"zh\0", 3}, REG_SZ);
     EXPECT_EQ(m_dir.Read("registry.ini"), "[Software]\r\n[Software\\A%20b]\r\nLanguage=1:zh%00\r\n");
-    struct stat status = {};
-    EXPECT_EQ(stat(m_dir.Path("registry.ini").c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777, 0600u);
+    EXPECT_EQ(std::filesystem::status(m_dir.Path("registry.ini")).permissions(),
+              std::filesystem::perms{0600});
 
     m_dir.Write("copy.ini",
                 m_dir.Read("registry.ini") + "bad=1:%4\r\nworse=x:1\r\nworst=1\r\nhuge=4294967296:1\r\n");
@@ -208,9 +207,8 @@ TEST_F(Registry, LiesInTheUsersConfigurationMadeAtTheFirstWrite)
         EXPECT_EQ(Open("k", KEY_READ), nullptr);
         EXPECT_FALSE(m_dir.Exists(pszDirectory));
         EXPECT_NE(Create("k"), nullptr);
-        struct stat status = {};
-        EXPECT_EQ(stat(m_dir.Path(pszDirectory).c_str(), &status), 0);
-        EXPECT_EQ(status.st_mode & 07777, 0700u);
+        EXPECT_EQ(std::filesystem::status(m_dir.Path(pszDirectory)).permissions(),
+                  std::filesystem::perms{0700});
         EXPECT_TRUE(m_dir.Exists(std::string(pszDirectory) + "/registry.ini"));
     };
     setenv("XDG_CONFIG_HOME", m_dir.Path("config").c_str(), 1);

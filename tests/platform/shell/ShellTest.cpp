@@ -5,6 +5,7 @@
 #include "tests/support/Host.h"
 #include "tests/support/TempDir.h"
 
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -21,18 +22,8 @@ constexpr UINT kTexts = SHGFI_DISPLAYNAME | SHGFI_TYPENAME;
 constexpr char kPng[] = "\x89PNG\r\n\x1a\n";
 constexpr char kUnknownIcon[] = "application-octet-stream application-x-generic";
 
-struct Shown
-{
-    std::string name;
-    std::string type;
-    std::string icon;
-
-    bool operator==(const Shown&) const = default;
-    friend void PrintTo(const Shown& shown, std::ostream* out)
-    {
-        *out << shown.name << " | " << shown.type << " | " << shown.icon;
-    }
-};
+using Shown = std::array<std::string, 3>;
+constexpr std::size_t Name = 0, Type = 1; // the third is the icon
 
 const _IMAGELIST* Ask(const char* pszPath, SHFILEINFOA& info, UINT nFlags)
 {
@@ -79,18 +70,14 @@ TEST_F(Shell, TellsEntriesByNameThenByContent)
     fs::create_symlink("nowhere", dir.Path("dangling"));
     fs::create_symlink("folder.png", dir.Path("link.txt"));
     ASSERT_EQ(mkfifo(dir.Path("pipe").c_str(), 0600), 0);
-    const std::string zeros(8, '\0');
-    for (const char* name : {"Photo.PNG", "noise.txt"})
-        dir.Write(name, zeros);
     for (const char* name : {"picture", "picture.zzz"})
         dir.Write(name, kPng);
-    for (const char* name : {"noise.dat", "noise", ".noise", "noise."})
-        dir.Write(name, zeros);
+    for (const char* name : {"Photo.PNG", "noise.txt", "noise.dat", "noise", ".noise", "noise."})
+        dir.Write(name, std::string(8, '\0'));
     dir.Write("anim.gif", "GIF89a");
     dir.Write("Skin.ini", "[Common]\r\nName=x\r\n");
 
-    const std::string text = "plain text document";
-    const std::string textIcon = "text-plain text-x-generic";
+    const std::string text = "plain text document", textIcon = "text-plain text-x-generic";
     const std::string pngIcon = "image-png image-x-generic";
     const Shown expected[] = {
         {"folder.png", "folder", "folder"},
@@ -111,9 +98,9 @@ TEST_F(Shell, TellsEntriesByNameThenByContent)
         {"noise.", "File", kUnknownIcon},
     };
     for (const auto& shown : expected)
-        EXPECT_EQ(Show(dir.Win(shown.name)), shown);
-    EXPECT_EQ(Show(dir.Win("folder.png\\")).name, "folder.png");
-    EXPECT_EQ(Show(dir.Win("PHOTO.png")).name, "Photo.PNG"); // as it is on the disk
+        EXPECT_EQ(Show(dir.Win(shown[Name])), shown);
+    EXPECT_EQ(Show(dir.Win("folder.png\\"))[Name], "folder.png");
+    EXPECT_EQ(Show(dir.Win("PHOTO.png"))[Name], "Photo.PNG"); // as it is on the disk
 }
 
 TEST_F(Shell, FillsWhatIsAskedAndNoMore)
@@ -125,7 +112,7 @@ TEST_F(Shell, FillsWhatIsAskedAndNoMore)
     const auto untouched = [&](const auto& field) { return reinterpret_cast<const char*>(&field)[0] == 'z'; };
 
     reset();
-    EXPECT_NE(SHGetFileInfoA(strFile, 0, &info, sizeof(info), SHGFI_TYPENAME), 0u);
+    EXPECT_NE(Ask(strFile, info, SHGFI_TYPENAME), nullptr);
     EXPECT_STREQ(info.szTypeName, "GIF image");
     EXPECT_TRUE(untouched(info.szDisplayName));
     EXPECT_TRUE(untouched(info.iIcon));
@@ -149,8 +136,8 @@ TEST_F(Shell, FillsWhatIsAskedAndNoMore)
         EXPECT_TRUE(untouched(info.dwAttributes));
         EXPECT_NE(GetLastError(), ERROR_SUCCESS);
     }
-    reset();
     EXPECT_EQ(SHGetFileInfoA(strFile, 0, nullptr, sizeof(info), kTexts), 0u);
+    reset();
     EXPECT_EQ(SHGetFileInfoA(strFile, 0, &info, sizeof(info) - 1, kTexts), 0u);
     EXPECT_TRUE(untouched(info.szDisplayName));
 }
@@ -169,52 +156,44 @@ TEST_F(Shell, DrivesHaveLabelLetterAndKind)
     EXPECT_EQ(Show("r:/"), (Shown{"STICK (R:)", "Removable Disk", "drive-removable-media"}));
     EXPECT_EQ(Show("S:\\a\\.."),
               (Shown{"Network Drive (S:)", "Network Drive", "folder-remote network-server"}));
-    EXPECT_EQ(Show("C:\\").type, "Local Disk");
-    EXPECT_TRUE(Show("C:\\").name.ends_with(" (C:)"));
-    EXPECT_EQ(Show(dir.Win()).type, "folder"); // though it is also the root of another drive
+    EXPECT_EQ(Show("C:\\")[Type], "Local Disk");
+    EXPECT_TRUE(Show("C:\\")[Name].ends_with(" (C:)"));
+    EXPECT_EQ(Show(dir.Win())[Type], "folder"); // though it is also the root of another drive
 
     SetLanguage("zh_CN");
-    EXPECT_EQ(Show("C:\\").type, "\xB1\xBE\xB5\xD8\xB4\xC5\xC5\xCC");
+    EXPECT_EQ(Show("C:\\")[Type], "\xB1\xBE\xB5\xD8\xB4\xC5\xC5\xCC");
     SetLanguage("en_GB:zh_CN");
-    EXPECT_EQ(Show("C:\\").type, "Local Disk");
+    EXPECT_EQ(Show("C:\\")[Type], "Local Disk");
 }
 
 TEST_F(Shell, TextsAreInTheCodePageAndCutAtALetter)
 {
-    const std::string letters = [] {
-        std::string text;
-        while (text.size() < 60)
-            text += "\xE4\xB8\xAD"; // a Chinese letter
-        return text;
-    }();
+    std::string letters;
+    while (letters.size() < 120)
+        letters += "\xE4\xB8\xAD"; // a Chinese letter
     dir.Write("\xE4\xB8\xAD.gif", "");
-    dir.Write("x." + letters + letters, std::string(1, '\0'));
-    EXPECT_EQ(Show(dir.Win("\xD6\xD0.gif")).name, "\xD6\xD0.gif");
+    dir.Write("x." + letters, std::string(1, '\0'));
+    EXPECT_EQ(Show(dir.Win("\xD6\xD0.gif"))[Name], "\xD6\xD0.gif");
 
     const test::CodePage utf8(CP_UTF8);
-    EXPECT_EQ(Show(dir.Win("\xE4\xB8\xAD.gif")).name, "\xE4\xB8\xAD.gif");
-    const std::string type = Show(dir.Win("x." + letters + letters)).type;
-    EXPECT_EQ(type, (letters + letters).substr(0, 78)); // of the 79 bytes that fit
+    EXPECT_EQ(Show(dir.Win("\xE4\xB8\xAD.gif"))[Name], "\xE4\xB8\xAD.gif");
+    EXPECT_EQ(Show(dir.Win("x." + letters))[Type], letters.substr(0, 78)); // of the 79 bytes that fit
 }
 
 TEST_F(Shell, ImageListsShareTheirIndices)
 {
-    SHFILEINFOA large{};
-    SHFILEINFOA small{};
+    SHFILEINFOA large{}, small{};
     const auto* pLarge = Ask("C:\\", large, SHGFI_SYSICONINDEX);
     const auto* pSmall = Ask("C:\\", small, SHGFI_SYSICONINDEX | SHGFI_SMALLICON);
-    ASSERT_TRUE(pLarge);
     ASSERT_TRUE(pSmall);
     EXPECT_NE(pLarge, pSmall);
     EXPECT_EQ(large.iIcon, small.iIcon);
-    int cx = 0;
-    int cy = 0;
-    EXPECT_TRUE(ImageList_GetIconSize(pLarge, &cx, &cy));
-    EXPECT_EQ(cx, 32);
-    EXPECT_EQ(cy, 32);
-    EXPECT_TRUE(ImageList_GetIconSize(pSmall, &cx, &cy));
-    EXPECT_EQ(cx, 16);
-    EXPECT_EQ(cy, 16);
+    int cx = 0, cy = 0;
+    for (const auto& [list, side] : {std::pair{pLarge, 32}, {pSmall, 16}}) {
+        EXPECT_TRUE(ImageList_GetIconSize(list, &cx, &cy));
+        EXPECT_EQ(cx, side);
+        EXPECT_EQ(cy, side);
+    }
     EXPECT_STREQ(ImageList_GetIconName(pSmall, 0), kUnknownIcon);
 
     const int count = ImageList_GetImageCount(pLarge);
@@ -248,11 +227,9 @@ TEST_F(Shell, SpeaksTheUsersLanguageAndNeedsNoDatabase)
 {
     dir.Write("a.png", kPng);
     dir.Write("text", "plain");
-    const CString strFiles[] = {dir.Win(), dir.Win("a.png"), dir.Win("text")};
+    const std::string root = dir.Win().GetString();
     const auto ask = [&](std::vector<std::string> env) {
-        test::Child child("ShellChild",
-                          {strFiles[0].GetString(), strFiles[1].GetString(), strFiles[2].GetString()},
-                          std::move(env), true);
+        test::Child child("ShellChild", {root, root + "\\a.png", root + "\\text"}, std::move(env), true);
         EXPECT_EQ(child.Wait(), 0);
         return child.ErrorText();
     };
@@ -261,13 +238,10 @@ TEST_F(Shell, SpeaksTheUsersLanguageAndNeedsNoDatabase)
               folder + "|\xCE\xC4\xBC\xFE\xBC\xD0|folder\n" // "folder" in GBK
                        "a.png|PNG \xCD\xBC\xCF\xF1|image-png image-x-generic\n"
                        "text|\xB4\xBF\xCE\xC4\xB1\xBE\xCE\xC4\xB5\xB5|text-plain text-x-generic\n");
-    EXPECT_EQ(ask({"LANGUAGE=en", "XDG_DATA_DIRS=/nonexistent"}),
-              folder +
-                  "|Folder|folder\n"
-                  "a.png|PNG File|" +
-                  kUnknownIcon +
-                  "\n"
-                  "text|File|text-plain text-x-generic\n");
+    const std::string lines =
+        "|Folder|folder\na.png|PNG File|application-octet-stream application-x-generic\n"
+        "text|File|text-plain text-x-generic\n";
+    EXPECT_EQ(ask({"LANGUAGE=en", "XDG_DATA_DIRS=/nonexistent"}), folder + lines);
 }
 
 } // namespace

@@ -8,11 +8,6 @@
 
 namespace {
 
-void Put(HGLOBAL block, std::string_view text)
-{
-    std::memcpy(GlobalLock(block), text.data(), text.size());
-    GlobalUnlock(block);
-}
 std::string Content(HGLOBAL block)
 {
     const std::string text(static_cast<const char*>(GlobalLock(block)), GlobalSize(block));
@@ -26,7 +21,7 @@ TEST(Block, AFixedOneIsItsAddressAndAMoveableOneIsNot)
     for (const UINT flags : {GMEM_FIXED, GMEM_MOVEABLE}) {
         const HGLOBAL block = GlobalAlloc(flags | GMEM_ZEROINIT, 5);
         EXPECT_EQ(Content(block), std::string(5, '\0'));
-        Put(block, "abcde");
+        std::memcpy(GlobalLock(block), "abcde", 5);
         EXPECT_EQ(Content(block), "abcde");
         EXPECT_EQ(GlobalLock(block) == block, flags == GMEM_FIXED);
         EXPECT_EQ(GlobalFree(block), nullptr);
@@ -76,6 +71,14 @@ protected:
     {
         ASSERT_EQ(CreateStreamOnHGlobal(block, bDelete, &stream), S_OK);
     }
+    // Over a fixed block of a text, which ends with it.
+    HGLOBAL MakeOf(std::string_view text)
+    {
+        const HGLOBAL block = GlobalAlloc(GMEM_FIXED, text.size());
+        std::memcpy(block, text.data(), text.size());
+        Make(block, true);
+        return block;
+    }
     std::string Read(ULONG nBytes, HRESULT expected = S_OK)
     {
         std::string bytes(nBytes, '#');
@@ -110,9 +113,7 @@ protected:
 
 TEST_F(StreamTest, ReadsAndWritesAtItsPosition)
 {
-    const HGLOBAL block = GlobalAlloc(GMEM_FIXED, 6);
-    Put(block, "abcdef");
-    Make(block, true);
+    const HGLOBAL block = MakeOf("abcdef");
     EXPECT_EQ(Block(), block);
     EXPECT_EQ(Read(2), "ab");
     EXPECT_EQ(Write("CD"), S_OK);
@@ -149,7 +150,7 @@ TEST_F(StreamTest, AMoveableBlockGrowsAndAFixedOneIsFull)
     EXPECT_EQ(GlobalSize(Block()), 3u);
     EXPECT_EQ(Write("f"), S_OK);
     EXPECT_EQ(Content(Block()), std::string("abc\0\0f", 6));
-    std::string long_text(100'000, 'x');
+    const std::string long_text(100'000, 'x');
     EXPECT_EQ(Write(long_text), S_OK);
     EXPECT_EQ(GlobalSize(Block()), 100'006u);
 
@@ -191,9 +192,7 @@ TEST_F(StreamTest, ItsBlockEndsWithItOrBeforeItOrAfterIt)
 
 TEST_F(StreamTest, BytesMayComeFromTheBlockItself)
 {
-    const HGLOBAL block = GlobalAlloc(GMEM_FIXED, 6);
-    Put(block, "abcdef");
-    Make(block, true);
+    const HGLOBAL block = MakeOf("abcdef");
     Seek(2, STREAM_SEEK_SET);
     EXPECT_EQ(stream->Write(GlobalLock(block), 4, nullptr), S_OK);
     EXPECT_EQ(Content(block), "ababcd");

@@ -3,7 +3,6 @@
 #include "platform/text/CharWalk.h"
 #include "tests/support/Host.h"
 
-#include <array>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -11,18 +10,18 @@ namespace {
 
 std::u16string Wide(UINT page, std::string_view bytes)
 {
-    std::array<WCHAR, 64> units{};
-    const int n =
-        MultiByteToWideChar(page, 0, bytes.data(), static_cast<int>(bytes.size()), units.data(), 64);
-    return {units.data(), static_cast<std::size_t>(n)};
+    std::u16string units(bytes.size(), u'\0');
+    const int nBytes = static_cast<int>(bytes.size());
+    const int nUnits = MultiByteToWideChar(page, 0, bytes.data(), nBytes, units.data(), nBytes);
+    return units.substr(0, static_cast<std::size_t>(nUnits));
 }
 
 std::string Narrow(UINT page, std::u16string_view units)
 {
-    std::array<char, 64> bytes{};
-    const int n =
-        WideCharToMultiByte(page, 0, units.data(), static_cast<int>(units.size()), bytes.data(), 64);
-    return {bytes.data(), static_cast<std::size_t>(n)};
+    std::string bytes(4 * units.size(), '\0');
+    const int nUnits = static_cast<int>(units.size());
+    const int nBytes = WideCharToMultiByte(page, 0, units.data(), nUnits, bytes.data(), 4 * nUnits);
+    return bytes.substr(0, static_cast<std::size_t>(nBytes));
 }
 
 TEST(CodePage, ConvertsBothWays)
@@ -47,15 +46,8 @@ TEST(CodePage, HoldsAllOfUnicode)
         ++nCharacters;
     }
     for (const UINT page : {CP_GBK, CP_UTF8}) {
-        std::string bytes(4 * nCharacters, '\0');
-        const int nUnits = static_cast<int>(all.size());
-        bytes.resize(static_cast<std::size_t>(
-            WideCharToMultiByte(page, 0, all.data(), nUnits, bytes.data(), static_cast<int>(bytes.size()))));
-        std::u16string back(all.size(), u'\0');
-        EXPECT_EQ(
-            MultiByteToWideChar(page, 0, bytes.data(), static_cast<int>(bytes.size()), back.data(), nUnits),
-            nUnits);
-        EXPECT_TRUE(back == all) << page;
+        const std::string bytes = Narrow(page, all);
+        EXPECT_TRUE(Wide(page, bytes) == all) << page;
         if (page == CP_UTF8) continue;
         std::size_t nWalked = 0;
         for (std::size_t n = 0; n < bytes.size(); n += kx::text::CharLength(bytes, n, true))
@@ -69,9 +61,7 @@ TEST(CodePage, HoldsAllOfUnicode)
 
 TEST(CodePage, BytesThatAreNoTextAreReplaced)
 {
-    EXPECT_EQ(Wide(CP_GBK, "a\xFF"
-                           "b"),
-              u"a\uFFFDb");
+    EXPECT_EQ(Wide(CP_GBK, "a\xFFz"), u"a\uFFFDz");
     EXPECT_EQ(Wide(CP_UTF8, "\xE4\xB8"), u"\uFFFD\uFFFD");
     EXPECT_EQ(Narrow(CP_UTF8, std::u16string(1, char16_t{0xD800}) + u"x"), "?x");
 }
@@ -100,11 +90,7 @@ TEST(CodePage, ComparesIgnoringTheCaseOfAllLetters)
     EXPECT_NE(lstrcmpiA("\xB0\x61", "\xB0\x41"), 0); // the second byte of a character is no letter
     const test::CodePage utf8(CP_UTF8);
     EXPECT_EQ(lstrcmpiA("Яｂ", "яＢ"), 0);
-    EXPECT_NE(lstrcmpiA("\xFF"
-                        "a",
-                        "\xFF"
-                        "A"),
-              0);
+    EXPECT_NE(lstrcmpiA("\xFFz", "\xFFZ"), 0);
 }
 
 } // namespace

@@ -70,14 +70,11 @@ TEST(String, LongTextsOfDoubleBytesAreSearchedInOneGo)
 TEST(String, PartsArePulledIntoRange)
 {
     const CString str("abcdef");
-    EXPECT_STREQ(str.Left(2), "ab");
-    EXPECT_STREQ(str.Left(-1), "");
-    EXPECT_STREQ(str.Left(99), "abcdef");
-    EXPECT_STREQ(str.Right(2), "ef");
-    EXPECT_STREQ(str.Right(INT_MIN), "");
-    EXPECT_STREQ(str.Mid(2, 3), "cde");
-    EXPECT_STREQ(str.Mid(5, INT_MAX), "f");
-    EXPECT_STREQ(str.Mid(INT_MAX), "");
+    EXPECT_THAT(
+        (std::vector<CString>{str.Left(2), str.Left(-1), str.Left(99), str.Right(2), str.Right(INT_MIN)}),
+        ElementsAre("ab", "", "abcdef", "ef", ""));
+    EXPECT_THAT((std::vector<CString>{str.Mid(2, 3), str.Mid(5, INT_MAX), str.Mid(INT_MAX)}),
+                ElementsAre("cde", "f", ""));
     EXPECT_EQ(str.GetAt(6), '\0');
     EXPECT_EQ(str[-1], '\0');
 }
@@ -89,16 +86,12 @@ TEST(String, SearchesNeverMatchATrailByte)
     EXPECT_EQ(str.Find('\\', 3), 5);
     EXPECT_EQ(str.ReverseFind('\\'), 5);
     EXPECT_EQ(CString("\x95\x5C").ReverseFind('\\'), -1);
-    EXPECT_EQ(CString("\xB0\x41"
-                      "A")
-                  .Find("A"),
-              2);
+    EXPECT_EQ(CString("\xB0\x41\x41").Find("A"), 2);
     EXPECT_EQ(CString("\x5C\x95").Find('\\'), 0);         // a stray lead byte behind it
     EXPECT_EQ(CString("\xB0\xB0\x5C").Find('\\'), 2);     // behind a whole letter
     EXPECT_EQ(CString("\x81\x5Cx\x5C").Find('\\', 1), 3); // begun on the second byte
     EXPECT_EQ(CString("\xB0\xB0\xB0\xB0").Find("\xB0\xB0", 1), 2);
-    const CString four("\x81\x39\xEE\x39"
-                       "9a"); // a character of four bytes
+    const CString four("\x81\x39\xEE\x39\x39\x61"); // a character of four bytes, and "9a"
     EXPECT_EQ(four.Find('9'), 4);
     EXPECT_EQ(four.Find("9\xEE"), -1);
     EXPECT_EQ(four.Left(4).ReverseFind('9'), -1);

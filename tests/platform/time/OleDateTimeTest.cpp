@@ -23,11 +23,7 @@ Six Fields(const COleDateTime& t)
 
 TEST(OleDateTime, CountsDaysFromItsZero)
 {
-    const struct
-    {
-        double dDays;
-        const char* pszStamp;
-    } cases[] = {
+    const std::pair<double, const char*> cases[] = {
         {0, "1899-12-30 00:00:00"},
         {0.25, "1899-12-30 06:00:00"},
         {-0.25, "1899-12-30 06:00:00"}, // the time is the absolute value's fraction
@@ -41,8 +37,8 @@ TEST(OleDateTime, CountsDaysFromItsZero)
         {1.0 - 0.4 / 86400, "1899-12-31 00:00:00"}, // to the nearest second
         {-2.0 + 0.4 / 86400, "1899-12-30 00:00:00"},
     };
-    for (const auto& one : cases)
-        EXPECT_STREQ(COleDateTime(one.dDays).Format(kStamp), one.pszStamp) << one.dDays;
+    for (const auto& [days, stamp] : cases)
+        EXPECT_STREQ(COleDateTime(days).Format(kStamp), stamp) << days;
     EXPECT_EQ(COleDateTime(), COleDateTime(0.0));
     EXPECT_EQ(COleDateTime(1899, 12, 28, 18, 0, 0).GetDays(), -2.75);
     EXPECT_STREQ(COleDateTime(39886.0).Format("%A %j"), "Saturday 073");
@@ -115,33 +111,36 @@ TEST(OleDateTime, ParsesTexts)
         {"06:00", COleDateTime(0.25)},
         {"12:00:00 am", COleDateTime(0.0)},
         {"11:30pm", COleDateTime(1899, 12, 30, 23, 30, 0)},
-        {nullptr, bad},
-        {"", bad},
-        {"2009-02-29", bad},
-        {"2009-04-31", bad},
-        {"2009-13-01", bad},
-        {"2009-03-01 24:00:00", bad},
-        {"2009-03-01 12:34:60", bad},
-        {"2009-03-01 12", bad},
-        {"2009-03-01 12:34:56.5", bad},
-        {"2009-03-01 12:34:56 x", bad},
-        {"2009-03-01T", bad},
-        {"2009-03/01", bad},
-        {"09-03-01", bad},
-        {"20090301", bad},
-        {"2009-03-0000000001", bad},
-        {"99999999999999999999-01-01", bad},
-        {"13:00 pm", bad},
-        {"0:30 am", bad},
-        {"12:34Z", bad},
-        {"nonsense", bad},
-        {"\xC4\xE3\xBA\xC3", bad},
     };
-    for (const auto& [text, value] : cases) {
+    const auto expect = [](const char* text, const COleDateTime& value, bool bParsed) {
         COleDateTime parsed(1.5);
-        EXPECT_EQ(parsed.ParseDateTime(text) != 0, value != bad) << text;
+        EXPECT_EQ(parsed.ParseDateTime(text) != 0, bParsed) << text;
         EXPECT_EQ(parsed, value) << text;
-    }
+    };
+    for (const auto& [text, value] : cases)
+        expect(text, value, true);
+    for (const char* text : {"",
+                             "2009-02-29",
+                             "2009-04-31",
+                             "2009-13-01",
+                             "2009-03-01 24:00:00",
+                             "2009-03-01 12:34:60",
+                             "2009-03-01 12",
+                             "2009-03-01 12:34:56.5",
+                             "2009-03-01 12:34:56 x",
+                             "2009-03-01T",
+                             "2009-03/01",
+                             "09-03-01",
+                             "20090301",
+                             "2009-03-0000000001",
+                             "99999999999999999999-01-01",
+                             "13:00 pm",
+                             "0:30 am",
+                             "12:34Z",
+                             "nonsense",
+                             "\xC4\xE3\xBA\xC3",
+                             static_cast<const char*>(nullptr)})
+        expect(text, bad, false);
 }
 
 TEST(OleDateTime, ReadsTheClock)
