@@ -35,8 +35,7 @@ char& At(Picture& picture, int x, int y)
 
 bool IsIn(const Picture& picture, int x, int y)
 {
-    return x >= 0 && y >= 0 && y < static_cast<int>(picture.size()) &&
-           x < static_cast<int>(picture[0].size());
+    return x >= 0 && y >= 0 && y < std::ssize(picture) && x < std::ssize(picture[0]);
 }
 
 // The result of a copy on a picture: pixel by pixel, from what the source was before. `clip` tells where to
@@ -54,7 +53,7 @@ Picture Copied(const Picture& to, Picture from, const Copy& copy, char key, Clip
     return result;
 }
 
-const auto everywhere = [](int, int) { return true; };
+const auto anywhere = [](int, int) { return true; };
 
 int Blit(HDC to, const Copy& copy, HDC from)
 {
@@ -64,7 +63,7 @@ int Blit(HDC to, const Copy& copy, HDC from)
 int BlitKeyed(HDC to, const Copy& copy, HDC from, char key)
 {
     return TransparentBlt(to, copy.x, copy.y, copy.cx, copy.cy, from, copy.xSrc, copy.ySrc, copy.cx, copy.cy,
-                          test::ColorOf(key));
+                          ColorOf(key));
 }
 
 } // namespace
@@ -81,7 +80,7 @@ TEST(BitBlt, CopiesABlockAndCutsItToBothSurfaces)
             const Paper to(bAsLarge ? 8 : 5, bAsLarge ? 5 : 4);
             const Picture before = to.Read();
             EXPECT_EQ(Blit(to, copy, from), 1);
-            EXPECT_EQ(to.Read(), Copied(before, source, copy, 0, everywhere)) << copy.x << ' ' << copy.xSrc;
+            EXPECT_EQ(to.Read(), Copied(before, source, copy, 0, anywhere)) << copy.x << ' ' << copy.xSrc;
         }
     }
     EXPECT_EQ(from.Read(), source);
@@ -92,9 +91,9 @@ TEST(BitBlt, CopiesABlockAndCutsItToBothSurfaces)
             Blit(large, {x, y, 8, 5, 0, 0}, from);
     EXPECT_EQ(Blit(to, {0, 1, 1040, 1025, 0, 3}, large), 1);
     for (const int y : {1, 2, 101, 102, 103, 927, 1025})
-        EXPECT_EQ(test::Read(to, 0, y, 1040, y + 1), test::Read(large, 0, y + 2, 1040, y + 3)) << y;
-    EXPECT_EQ(GetPixel(to, 0, 0), test::ColorOf('.'));
-    EXPECT_EQ(GetPixel(to, 1039, 1026), test::ColorOf('.'));
+        EXPECT_EQ(Read(to, 0, y, 1040, y + 1), Read(large, 0, y + 2, 1040, y + 3)) << y;
+    EXPECT_EQ(GetPixel(to, 0, 0), ColorOf('.'));
+    EXPECT_EQ(GetPixel(to, 1039, 1026), ColorOf('.'));
 }
 
 // Each direction, within one surface: whole, and cut into parts that lie side by side and below each other.
@@ -114,10 +113,8 @@ TEST(BitBlt, OverlappingCopiesReadWhatWasThereBefore)
                 for (const HDC dc : {HDC{whole}, HDC{clipped}})
                     EXPECT_EQ(key ? BlitKeyed(dc, copy, dc, key) : Blit(dc, copy, dc), 1);
                 SelectClipRgn(clipped, nullptr);
-                EXPECT_EQ(whole.Read(), Copied(before, before, copy, key, everywhere))
-                    << dx << ' ' << dy << key;
-                EXPECT_EQ(clipped.Read(), Copied(before, before, copy, key, inParts))
-                    << dx << ' ' << dy << key;
+                EXPECT_EQ(whole.Read(), Copied(before, before, copy, key, anywhere)) << dx << dy << key;
+                EXPECT_EQ(clipped.Read(), Copied(before, before, copy, key, inParts)) << dx << dy << key;
             }
         }
 }
@@ -192,7 +189,7 @@ TEST(BlockCopy, OfAnySizeAndPlaceStaysWithinTheSurfaces)
     const std::array<int, 4> sizes{0, 2, 1'500'000'000, INT_MAX};
     const Paper paper(3, 3, 'W');
     const Paper from(4, 4, 'R');
-    const test::NoLeak noLeak;
+    const NoLeak noLeak;
     for (const int a : numbers)
         for (const int b : numbers)
             for (const int c : numbers) {
@@ -221,16 +218,14 @@ TEST(TransparentBlt, LeavesOutTheKeyAtAnyWidth)
         const Copy copy{width % 5, 1, width, 2, width % 3, 0};
         const Paper to(72, 3, 'W');
         ASSERT_EQ(BlitKeyed(to, copy, from, 'C'), 1);
-        ASSERT_EQ(to.Read(), Copied(Picture(3, std::string(72, 'W')), source, copy, 'C', everywhere))
-            << width;
+        ASSERT_EQ(to.Read(), Copied(Picture(3, std::string(72, 'W')), source, copy, 'C', anywhere)) << width;
     }
 }
 
 TEST(TransparentBlt, HighBytesOfPixelsAndKeyDoNotCount)
 {
-    test::Bmp bmp = test::ToBmp({"KKKK"}, 32);
-    bmp.pixels =
-        test::Le(0xFF00FF00, 4) + test::Le(0x0000FF00, 4) + test::Le(0x80FF0000, 4) + test::Le(0xFF01, 4);
+    Bmp bmp = ToBmp({"KKKK"}, 32);
+    bmp.pixels = Le(0xFF00FF00, 4) + Le(0x0000FF00, 4) + Le(0x80FF0000, 4) + Le(0xFF01, 4);
     const Scoped<HBITMAP> loaded(Load(bmp));
     const Paper from(1, 1);
     const HGDIOBJ first = SelectObject(from, loaded);
@@ -268,7 +263,7 @@ TEST(StretchBlt, CutsAndKeysLikeTheWhole)
     const RECT parts[] = {{0, 0, 2, 2}, {3, 1, 6, 4}};
     const Scoped<HRGN> region(CreateRectsRgn(parts, 2));
     SelectClipRgn(to, region);
-    EXPECT_EQ(TransparentBlt(to, -1, -1, 6, 6, from, 0, 0, 3, 2, test::ColorOf('G')), 1);
+    EXPECT_EQ(TransparentBlt(to, -1, -1, 6, 6, from, 0, 0, 3, 2, ColorOf('G')), 1);
     SelectClipRgn(to, nullptr);
     EXPECT_EQ(to.Read(), (Picture{"RWWWWW", "RWWBBW", "WWWYYW", "WWWYYW"}));
     EXPECT_EQ(StretchBlt(to, 4, 3, 4, 4, from, 0, 0, 2, 2, SRCCOPY), 1);
@@ -281,13 +276,13 @@ TEST(StretchBlt, WithinOneSurfaceReadsWhatWasThereBefore)
     EXPECT_EQ(StretchBlt(paper, 0, 0, 4, 2, paper, 0, 0, 2, 1, SRCCOPY), 1);
     EXPECT_EQ(paper.Read(), (Picture{"RRGG", "RRGG"}));
     const Paper keyed({"RGBW"});
-    EXPECT_EQ(TransparentBlt(keyed, 0, 0, 4, 1, keyed, 0, 0, 2, 1, test::ColorOf('R')), 1);
+    EXPECT_EQ(TransparentBlt(keyed, 0, 0, 4, 1, keyed, 0, 0, 2, 1, ColorOf('R')), 1);
     EXPECT_EQ(keyed.Read(), (Picture{"RGGG"}));
 }
 
 TEST(CopyObserver, HearsOfEachCopyAsItWasCalled)
 {
-    const test::NoLeak noLeak;
+    const NoLeak noLeak;
     const Paper to(2, 2);
     const Paper from(2, 2);
     std::vector<KXHost::CopyRecord> heard;

@@ -29,8 +29,7 @@ TEST(Bmp, EveryDepthDirectionAndRowPadding)
                 const Picture picture = CutTo(depth == 1 ? kTwoColors : kPicture, width);
                 const std::string_view letters = depth == 1 ? "KW" : kLetters;
                 const Bmp bmp = ToBmp(picture, depth, topDown, letters);
-                SCOPED_TRACE(testing::Message()
-                             << depth << " bits, width " << width << ", top-down " << topDown);
+                SCOPED_TRACE(testing::Message() << depth << " bits, " << width << " wide, " << topDown);
                 const LoadedBitmap bitmap(bmp.File());
                 ASSERT_EQ(bitmap.Letters(), picture);
                 const BITMAP record = bitmap.Record();

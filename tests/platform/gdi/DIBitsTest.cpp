@@ -45,9 +45,9 @@ const Picture picture{"RGBWK", "KKWRG", "WBWBW"};
 
 TEST(GetDIBits, AQueryFillsTheHeaderAlone)
 {
-    const test::NoLeak noLeak;
+    const NoLeak noLeak;
     for (const auto& [depth, size] : std::map<WORD, DWORD>{{4, 12}, {8, 24}, {16, 36}, {24, 48}, {32, 60}}) {
-        const Scoped<HBITMAP> bitmap(Load(test::ToBmp(picture, depth)));
+        const Scoped<HBITMAP> bitmap(Load(ToBmp(picture, depth)));
         Info info;
         info.head.bmiHeader.biSize = 40;
         EXPECT_EQ(GetDIBits(Paper(1, 1), bitmap, 0, 1, nullptr, &info.head, DIB_RGB_COLORS), 1);
@@ -59,7 +59,7 @@ TEST(GetDIBits, AQueryFillsTheHeaderAlone)
 
 TEST(GetDIBits, WritesAsManyColoursAsThereIsRoomFor)
 {
-    const Scoped<HBITMAP> bitmap(Load(test::ToBmp(picture, 8))); // 8 colours
+    const Scoped<HBITMAP> bitmap(Load(ToBmp(picture, 8))); // 8 colours
     for (const auto& [room, written] :
          std::map<DWORD, DWORD>{{0, 0}, {1, 1}, {5, 5}, {8, 8}, {256, 8}, {UINT_MAX, 8}}) {
         Info info(5, 3, 8, room);
@@ -79,8 +79,8 @@ TEST(GetDIBits, WritesAsManyColoursAsThereIsRoomFor)
 
 TEST(GetDIBits, CountsLinesFromTheBottom)
 {
-    const Scoped<HBITMAP> bitmap(Load(test::ToBmp(picture, 32)));
-    const auto packed = [](const Picture& rows) { return test::ToBmp(rows, 32, true).pixels; };
+    const Scoped<HBITMAP> bitmap(Load(ToBmp(picture, 32)));
+    const auto packed = [](const Picture& rows) { return ToBmp(rows, 32, true).pixels; };
     Info up(5, 3, 32);
     EXPECT_EQ(Rows(bitmap, up, 1, 2, 2), packed({picture[1], picture[0]}));
     EXPECT_EQ(Rows(bitmap, up, 2, 9, 1), packed({picture[0]}));
@@ -101,17 +101,17 @@ TEST(GetDIBits, ConvertsBetweenDepths)
         return Rows(paper.Bitmap(), info, 0, 1, 1);
     };
     for (const WORD depth : {WORD{16}, WORD{24}, WORD{32}})
-        EXPECT_EQ(as(depth), test::ToBmp({"RGBWK"}, depth).pixels) << depth;
-    const Scoped<HBITMAP> four(Load(test::ToBmp(picture, 4)));
+        EXPECT_EQ(as(depth), ToBmp({"RGBWK"}, depth).pixels) << depth;
+    const Scoped<HBITMAP> four(Load(ToBmp(picture, 4)));
     Info eight(5, 3, 8, 8);
-    EXPECT_EQ(Rows(four, eight, 0, 3, 3), test::ToBmp(picture, 8).pixels);
+    EXPECT_EQ(Rows(four, eight, 0, 3, 3), ToBmp(picture, 8).pixels);
     Info one(5, 3, 1);
     EXPECT_EQ(Rows(four, one, 0, 3, 0), ""); // it can't count eight colours
     const Picture two{"KWKWW"};
-    const Scoped<HBITMAP> few(Load(test::ToBmp(two, 8, false, "KW"))); // two colours: any depth counts them
+    const Scoped<HBITMAP> few(Load(ToBmp(two, 8, false, "KW"))); // two colours: any depth counts them
     for (const WORD depth : {WORD{1}, WORD{4}, WORD{8}}) {
         Info info(5, 1, depth);
-        EXPECT_EQ(Rows(few, info, 0, 1, 1), test::ToBmp(two, depth, false, "KW").pixels) << depth;
+        EXPECT_EQ(Rows(few, info, 0, 1, 1), ToBmp(two, depth, false, "KW").pixels) << depth;
     }
     Info none(5, 1, 8);
     EXPECT_EQ(Rows(paper.Bitmap(), none, 0, 1, 0), ""); // no palette
@@ -119,7 +119,7 @@ TEST(GetDIBits, ConvertsBetweenDepths)
 
 TEST(GetDIBits, GivesTheNearestColourOfWhatWasDrawn)
 {
-    const Scoped<HBITMAP> bitmap(Load(test::ToBmp({"KKKKKK"}, 8, false, "KRGW")));
+    const Scoped<HBITMAP> bitmap(Load(ToBmp({"KKKKKK"}, 8, false, "KRGW")));
     const Paper dc(1, 1);
     const HGDIOBJ first = SelectObject(dc, bitmap);
     const COLORREF drawn[] = {RGB(0, 0, 0),       RGB(200, 30, 30), RGB(1, 128, 2),
@@ -135,13 +135,13 @@ TEST(GetDIBits, GivesTheNearestColourOfWhatWasDrawn)
 // The first of equal colours in the palette has the index. What was drawn elsewhere has a fourth byte of 0.
 TEST(GetDIBits, GivesIndicesOfTheFirstOfEqualColors)
 {
-    test::Bmp bmp = test::ToBmp({"RGWGRK"}, 8, true, "RGWRGK");
-    bmp.pixels = test::Le(0x05'02'04'01'03'00, 8);
+    Bmp bmp = ToBmp({"RGWGRK"}, 8, true, "RGWRGK");
+    bmp.pixels = Le(0x05'02'04'01'03'00, 8);
     const Scoped<HBITMAP> bitmap(Load(bmp));
     const Paper dc(1, 1);
     const HGDIOBJ first = SelectObject(dc, bitmap);
     Info info(6, 1, 8);
-    EXPECT_EQ(Rows(bitmap, info, 0, 1, 1), test::Le(0x05'02'01'01'00'00, 8));
+    EXPECT_EQ(Rows(bitmap, info, 0, 1, 1), Le(0x05'02'01'01'00'00, 8));
     const Paper copy(6, 1);
     BitBlt(copy, 0, 0, 3, 1, dc, 0, 0, SRCCOPY);
     TransparentBlt(copy, 3, 0, 2, 1, dc, 3, 0, 2, 1, 0x123456);

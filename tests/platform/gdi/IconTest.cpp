@@ -11,29 +11,26 @@ class LoadedIcon
 {
 public:
     explicit LoadedIcon(std::string_view file, int cx = 0, int cy = 0)
-        : m_handle(static_cast<HICON>(LoadFile(file, IMAGE_ICON, cx, cy)))
+        : m_icon(static_cast<HICON>(LoadFile(file, IMAGE_ICON, cx, cy)), DestroyIcon)
     {
     }
-    LoadedIcon(const LoadedIcon&) = delete;
-    LoadedIcon& operator=(const LoadedIcon&) = delete;
-    ~LoadedIcon() { DestroyIcon(m_handle); }
-    operator HICON() const { return m_handle; }
+    operator HICON() const { return m_icon.get(); }
 
     std::pair<int, int> Size() const
     {
         SIZE size{};
-        return GetIconSize(m_handle, &size) ? std::pair<int, int>(size.cx, size.cy) : std::pair(0, 0);
+        return GetIconSize(*this, &size) ? std::pair<int, int>(size.cx, size.cy) : std::pair(0, 0);
     }
     // The icon drawn on green, drawn from `x`, `y` on; black is a dot.
     Picture OnGreen(int x = 0, int y = 0) const
     {
         const Paper paper(Size().first, Size().second, 'G');
-        EXPECT_EQ(DrawIcon(paper, x, y, m_handle), 1);
+        EXPECT_EQ(DrawIcon(paper, x, y, *this), 1);
         return paper.Read();
     }
 
 private:
-    HICON m_handle;
+    std::unique_ptr<std::remove_pointer_t<HICON>, decltype(&DestroyIcon)> m_icon;
 };
 
 // An image of one colour.

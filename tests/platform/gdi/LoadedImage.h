@@ -7,6 +7,7 @@
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,16 +32,13 @@ inline HBITMAP Load(const Bmp& bmp)
 class LoadedBitmap
 {
 public:
-    explicit LoadedBitmap(HANDLE handle) : m_handle(static_cast<HBITMAP>(handle)) {}
+    explicit LoadedBitmap(HANDLE handle) : m_bitmap(static_cast<HBITMAP>(handle), DeleteObject) {}
     explicit LoadedBitmap(std::string_view file) : LoadedBitmap(LoadFile(file, IMAGE_BITMAP)) {}
-    LoadedBitmap(const LoadedBitmap&) = delete;
-    LoadedBitmap& operator=(const LoadedBitmap&) = delete;
-    ~LoadedBitmap() { DeleteObject(m_handle); }
 
     BITMAP Record() const
     {
         BITMAP record{};
-        GetObjectA(m_handle, sizeof record, &record);
+        GetObjectA(m_bitmap.get(), sizeof record, &record);
         return record;
     }
     // The result of GetDIBits from the top row on: the first colours of the palette, if any are asked for,
@@ -56,7 +54,7 @@ public:
         const auto nRows = static_cast<UINT>(record.bmHeight);
         std::string rows(nRows * static_cast<std::size_t>((record.bmWidth * depth + 31) / 32 * 4), '#');
         auto* const pInfo = reinterpret_cast<BITMAPINFO*>(&info);
-        EXPECT_EQ(GetDIBits(Paper(1, 1), m_handle, 0, nRows, rows.data(), pInfo, DIB_RGB_COLORS),
+        EXPECT_EQ(GetDIBits(Paper(1, 1), m_bitmap.get(), 0, nRows, rows.data(), pInfo, DIB_RGB_COLORS),
                   record.bmHeight);
         return std::string(reinterpret_cast<const char*>(info.colors), 4 * nColors) + rows;
     }
@@ -71,7 +69,7 @@ public:
     // The pixels as letters, `?` for a colour that has none; `null` without a bitmap.
     Picture Letters() const
     {
-        if (!m_handle) return {"null"};
+        if (!m_bitmap) return {"null"};
         Picture picture(static_cast<std::size_t>(Record().bmHeight));
         const std::vector<DWORD> pixels = Pixels();
         for (std::size_t i = 0; i < pixels.size(); ++i)
@@ -80,7 +78,7 @@ public:
     }
 
 private:
-    HBITMAP m_handle;
+    std::unique_ptr<std::remove_pointer_t<HBITMAP>, decltype(&DeleteObject)> m_bitmap;
 };
 
 // Hands to `load` what is left of a file cut at each length.

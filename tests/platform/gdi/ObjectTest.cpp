@@ -32,11 +32,10 @@ TEST(Object, IsNamedByItsHandleUntilItsEndAndByNoOtherNumber)
     EXPECT_EQ(DeleteObject(brush), 0);
     const Scoped<HBRUSH> next(CreateSolidBrush(0)); // in the same place of the table
     EXPECT_NE(next, brush);
-    const HGDIOBJ flipped =
-        Invented(reinterpret_cast<std::uintptr_t>(HBRUSH{next}) ^ std::uintptr_t{1} << 63);
+    const HGDIOBJ turned = Invented(reinterpret_cast<std::uintptr_t>(HBRUSH{next}) ^ std::uintptr_t{1} << 63);
     int local = 0;
     for (const HGDIOBJ handle :
-         {HGDIOBJ{brush}, flipped, HGDIOBJ{nullptr}, HGDIOBJ{&local}, Invented(1), Invented(5),
+         {HGDIOBJ{brush}, turned, HGDIOBJ{nullptr}, HGDIOBJ{&local}, Invented(1), Invented(5),
           Invented(UINTPTR_MAX), Invented(std::uintptr_t{1} << 32 | 0xFFFFF), Invented(0xFFFFFFFF)}) {
         EXPECT_EQ(GetObjectA(handle, 0, nullptr), 0);
         EXPECT_EQ(DeleteObject(handle), 0);
@@ -85,8 +84,8 @@ TEST(Object, TellsItsRecord)
 TEST(Object, StaysWhileASurfaceHoldsIt)
 {
     const NoLeak noLeak;
-    const HBRUSH brush = CreateSolidBrush(test::ColorOf('R'));
-    const HPEN pen = CreatePen(PS_SOLID, 1, test::ColorOf('G'));
+    const HBRUSH brush = CreateSolidBrush(ColorOf('R'));
+    const HPEN pen = CreatePen(PS_SOLID, 1, ColorOf('G'));
     {
         const Paper paper(3, 3);
         const Paper other(1, 1);
@@ -154,7 +153,7 @@ TEST(Object, ThreadsMakeFindAndEndThemAtOnce)
         return bitmap;
     };
     std::atomic<HBITMAP> shared{make()};
-    test::RunThreads(3, [&](int) {
+    RunThreads(3, [&](int) {
         for (int n = 0; n < 2000; ++n) {
             BITMAP record;
             GetObjectA(shared.load(), sizeof record, &record);

@@ -104,11 +104,10 @@ TEST(Region, CombinesByMode)
     EXPECT_EQ(CombineRgn(to, a, nullptr, RGN_COPY), SIMPLEREGION);
     EXPECT_EQ(CombineRgn(to, to, b, RGN_XOR), COMPLEXREGION);
     EXPECT_EQ(CombineRgn(to, to, to, RGN_DIFF), NULLREGION);
-    EXPECT_EQ(CombineRgn(to, a, b, 0), RGN_ERROR);
-    EXPECT_EQ(CombineRgn(to, a, b, 6), RGN_ERROR);
-    EXPECT_EQ(CombineRgn(to, a, nullptr, RGN_OR), RGN_ERROR);
-    EXPECT_EQ(CombineRgn(to, nullptr, a, RGN_OR), RGN_ERROR);
-    EXPECT_EQ(CombineRgn(nullptr, a, b, RGN_OR), RGN_ERROR);
+    for (const int kind :
+         {CombineRgn(to, a, b, 0), CombineRgn(to, a, b, 6), CombineRgn(to, a, nullptr, RGN_OR),
+          CombineRgn(to, nullptr, a, RGN_OR), CombineRgn(nullptr, a, b, RGN_OR)})
+        EXPECT_EQ(kind, RGN_ERROR);
     EXPECT_EQ(BoxOf(to, NULLREGION), RECT{});
 }
 

@@ -24,7 +24,7 @@ Picture Drawn(int cx, int cy, char pen, char brush, int penWidth, Draw draw)
 TEST(FillRect, ExcludesRightAndBottomAndClips)
 {
     const Paper paper(4, 3, 'W');
-    const Scoped<HBRUSH> red(CreateSolidBrush(test::ColorOf('R')));
+    const Scoped<HBRUSH> red(CreateSolidBrush(ColorOf('R')));
     for (const RECT& rect :
          {RECT{1, 1, 3, 2}, RECT{3, 2, INT_MAX, INT_MAX}, RECT{INT_MIN, INT_MIN, 1, 1}, RECT{2, 2, 1, 1},
           RECT{1, 1, 1, 5}, RECT{INT_MAX, 0, INT_MIN, 3}, RECT{9, 9, 12, 12}})

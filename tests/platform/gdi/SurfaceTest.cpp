@@ -10,7 +10,7 @@ TEST(Surface, BeginsWithABlackPixelOfItsOwn)
     const NoLeak noLeak;
     const HDC dc = CreateCompatibleDC(nullptr);
     const HDC other = CreateCompatibleDC(dc);
-    EXPECT_EQ(test::Read(dc, -1, -1, 2, 2), (Picture{"   ", " . ", "   "}));
+    EXPECT_EQ(Read(dc, -1, -1, 2, 2), (Picture{"   ", " . ", "   "}));
     SetPixel(dc, 0, 0, RGB(255, 0, 0));
     EXPECT_EQ(GetPixel(other, 0, 0), 0u);
     EXPECT_EQ(ReleaseDC(nullptr, dc), 0); // it isn't the desktop's
@@ -54,7 +54,7 @@ TEST(Surface, OfAWindowIsSeenOnceItIsGivenBack)
     const Scoped<HRGN> clip(CreateRectRgn(1, 0, 9, 9));
     SelectClipRgn(dc, clip);
     Rectangle(dc, 0, 0, 9, 3);
-    const auto seen = [&] { return test::Read(desktop, DESKTOP_WIDTH - 4, 0, DESKTOP_WIDTH + 1, 3); };
+    const auto seen = [&] { return Read(desktop, DESKTOP_WIDTH - 4, 0, DESKTOP_WIDTH + 1, 3); };
     EXPECT_EQ(seen(), (Picture{"???? ", "???? ", "???? "}));
     EXPECT_EQ(ReleaseDC(hWnd, dc), 1);
     EXPECT_EQ(seen(), (Picture{"?.WW ", "?... ", "???? "}));
@@ -78,7 +78,7 @@ TEST(Surface, ANewBitmapIsBlack)
         const Paper paper(1, 1);
         const Scoped<HBITMAP> bitmap(CreateCompatibleBitmap(paper, 60, 40));
         const HGDIOBJ first = SelectObject(paper, bitmap);
-        ASSERT_EQ(test::Read(paper, 0, 0, 60, 40), Picture(40, std::string(60, '.')));
+        ASSERT_EQ(Read(paper, 0, 0, 60, 40), Picture(40, std::string(60, '.')));
         SelectObject(paper, first);
     }
 }
@@ -100,7 +100,7 @@ TEST(Surface, BitmapsHaveASizeWithinBounds)
 TEST(Surface, PixelsOutsideAreNone)
 {
     const Paper paper({"RG", "BW"});
-    EXPECT_EQ(test::Read(paper, -1, -1, 3, 3), (Picture{"    ", " RG ", " BW ", "    "}));
+    EXPECT_EQ(Read(paper, -1, -1, 3, 3), (Picture{"    ", " RG ", " BW ", "    "}));
     for (const int n : {-1, 2, INT_MAX, INT_MIN}) {
         EXPECT_EQ(SetPixel(paper, n, 0, 0), CLR_INVALID);
         EXPECT_EQ(GetPixel(paper, 0, n), CLR_INVALID);
@@ -168,7 +168,7 @@ TEST(Surface, ColoursAndModeGiveTheirOldValue)
 
 TEST(Surface, OfTheDesktopMayBeDrawnOnByThreadsAtOnce)
 {
-    test::RunThreads(2, [](int) {
+    RunThreads(2, [](int) {
         const HDC dc = GetDC(nullptr);
         const RECT rect{100, 100, 132, 132};
         for (int n = 0; n < 50; ++n) {

@@ -30,8 +30,7 @@ Row Square(Pixel&& pixel)
 
 constexpr ARGB Of(ARGB alpha, int red, int green, int blue)
 {
-    return alpha << 24 | static_cast<ARGB>(red) << 16 | static_cast<ARGB>(green) << 8 |
-           static_cast<ARGB>(blue);
+    return alpha << 24 | static_cast<ARGB>(red << 16 | green << 8 | blue);
 }
 
 ColorMatrix Diagonal(float red, float green, float blue, float alpha)

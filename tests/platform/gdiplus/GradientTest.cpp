@@ -21,8 +21,7 @@ std::vector<int> Line(int nFirst, int nSecond, int nFrom, int nTo, int nCount, b
 }
 
 // A path of a rectangle, filled out over a transparent sheet.
-Row Path(int nWidth, int nHeight, const Rect& rect, ARGB center, ARGB surround,
-         const Point* pCenter = nullptr)
+Row Path(int nWidth, int nHeight, const Rect& rect, ARGB center, ARGB edge, const Point* pCenter = nullptr)
 {
     GraphicsPath path;
     EXPECT_EQ(path.AddRectangle(rect.X, rect.Y, rect.Width, rect.Height), Ok);
@@ -31,7 +30,7 @@ Row Path(int nWidth, int nHeight, const Rect& rect, ARGB center, ARGB surround,
     if (pCenter) {
         EXPECT_EQ(brush.SetCenterPoint(*pCenter), Ok);
     }
-    const Color color(surround);
+    const Color color(edge);
     int nCount = 1;
     EXPECT_EQ(brush.SetSurroundColors(&color, &nCount), Ok);
     Sheet sheet(nWidth, nHeight);
@@ -75,9 +74,8 @@ TEST_F(Gradient, GoesAsFarAsCoordinatesDo)
     EXPECT_EQ(far.pixels, Row(3));
     EXPECT_EQ(far.graphics.FillRectangle(&longest, -1, -1, INT_MAX, INT_MAX), Ok);
     EXPECT_EQ(far.pixels, Row(3, Gray(100)));
-    const LinearGradientBrush beyond({INT_MAX - 1, INT_MIN}, {INT_MAX, INT_MIN}, Color(Gray(9)),
-                                     Color(Gray(9)));
-    EXPECT_EQ(far.graphics.FillRectangle(&beyond, 0, 0, 3, 1), Ok);
+    const LinearGradientBrush end({INT_MAX - 1, INT_MIN}, {INT_MAX, INT_MIN}, Color(Gray(9)), Color(Gray(9)));
+    EXPECT_EQ(far.graphics.FillRectangle(&end, 0, 0, 3, 1), Ok);
     EXPECT_EQ(far.pixels, Row(3, Gray(9)));
 }
 

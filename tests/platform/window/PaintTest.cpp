@@ -37,7 +37,7 @@ private:
     LRESULT Erase(HDC hDC, char letter)
     {
         ++erased;
-        const test::Scoped<HBRUSH> brush(CreateSolidBrush(test::ColorOf(letter)));
+        const Scoped<HBRUSH> brush(CreateSolidBrush(ColorOf(letter)));
         const RECT all{0, 0, 99, 99};
         return FillRect(hDC, &all, brush);
     }
@@ -100,7 +100,7 @@ TEST(Paint, ComesLastAndCoversWhatWasInvalidated)
 
 TEST(Paint, ByDefaultErasesWithTheBrushOfTheClass)
 {
-    const test::Scoped<HBRUSH> brush(CreateSolidBrush(test::ColorOf('C')));
+    const Scoped<HBRUSH> brush(CreateSolidBrush(ColorOf('C')));
     const WNDCLASSA cls{DefWindowProcA, "Brushed", brush};
     RegisterClassA(&cls);
     const HWND hWnd = CreateWindowExA(0, "Brushed", "", WS_POPUP | WS_VISIBLE, 5, 5, 2, 1);
@@ -147,16 +147,16 @@ TEST(Paint, AMovedWindowKeepsItsPixelsAndPaintsWhatIsNew)
     SetWindowPos(painted.window, HWND_TOP, 50, -3, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     EXPECT_EQ(SeenRow(49, 0, 3), "?MM");
     EXPECT_EQ(SeenRow(1, 2, 2), "??");
-    EXPECT_EQ(test::PlaceOf(painted.window), (RECT{50, -3, 80, 37}));
+    EXPECT_EQ(PlaceOf(painted.window), (RECT{50, -3, 80, 37}));
     Pump();
     EXPECT_TRUE(painted.TakePainted().empty());
 
-    test::Move(painted.window, 50, 0, 32, 41);
+    Move(painted.window, 50, 0, 32, 41);
     EXPECT_EQ(SeenRow(78, 0, 5), "MM..?"); // what is new isn't painted yet
     Pump();
     EXPECT_EQ(painted.TakePainted(), (Rects{{0, 0, 32, 41}}));
     EXPECT_EQ(SeenRow(78, 0, 5), "MMMM?");
-    test::Move(painted.window, 50, 0, -7, 41);
+    Move(painted.window, 50, 0, -7, 41);
     InvalidateRect(painted.window, nullptr, 1); // nothing of it
     Pump();
     EXPECT_TRUE(painted.TakePainted().empty());
@@ -164,7 +164,7 @@ TEST(Paint, AMovedWindowKeepsItsPixelsAndPaintsWhatIsNew)
 
 TEST(Paint, AShapedWindowIsSeenWithinItsRegion)
 {
-    const test::NoLeak noLeak;
+    const NoLeak noLeak;
     Painted painted('Y');
     Pump();
     const HRGN region = CreateRectRgn(1, 0, 3, 1);
@@ -187,19 +187,19 @@ TEST(Paint, TellsOfAChangedPlace)
         return DefWindowProcA(hWnd, nMsg, wParam, lParam);
     };
     const HWND hWnd = Make(&handler);
-    test::Move(hWnd, 1, 2, 30, 40);
-    test::Move(hWnd, -1, 3, 30, 40);
-    test::Move(hWnd, -1, 3, 31, 41);
+    Move(hWnd, 1, 2, 30, 40);
+    Move(hWnd, -1, 3, 30, 40);
+    Move(hWnd, -1, 3, 31, 41);
     using P = std::pair<UINT, LPARAM>;
     EXPECT_THAT(told, testing::ElementsAre(P(WM_MOVE, 0x3FFFF), P(WM_SIZE, 0x29001F)));
-    test::InThread([&] { EXPECT_FALSE(test::Move(hWnd, 0, 0, 1, 1)); });
+    InThread([&] { EXPECT_FALSE(Move(hWnd, 0, 0, 1, 1)); });
     DestroyWindow(hWnd);
 }
 
 // An opacity of 128 shows half of the window and half of what lies below.
 TEST(Paint, AFadingWindowLetsThroughWhatLiesBelow)
 {
-    const test::VirtualClock clock(0);
+    const VirtualClock clock(0);
     std::optional<DWORD> finished;
     std::binary_semaphore ready{0};
     HWND hWnd = nullptr;
@@ -215,17 +215,17 @@ TEST(Paint, AFadingWindowLetsThroughWhatLiesBelow)
         EXPECT_FALSE(AnimateWindow(painted.window, 300, AW_BLEND | AW_HIDE)); // hidden already
     });
     ready.acquire();
-    const auto red = [] { return int{GetRValue(test::SeenAt(1, 2))}; }; // of white over a desktop with none
+    const auto red = [] { return int{GetRValue(SeenAt(1, 2))}; }; // of white over a desktop with none
     const auto advance = [](DWORD dwMilliseconds) {
-        test::AwaitSleepers(1);
+        AwaitSleepers(1);
         KXHost::AdvanceClock(dwMilliseconds);
-        test::AwaitSleepers(1);
+        AwaitSleepers(1);
     };
     for (const auto& [milliseconds, expected] : {std::pair{0u, 0}, {16u, 1}, {984u, 85}, {1000u, 170}}) {
         advance(milliseconds);
         EXPECT_EQ(red(), expected);
     }
-    EXPECT_EQ(SendMessageA(hWnd, test::kPing, 0, 0), 1); // served meanwhile
+    EXPECT_EQ(SendMessageA(hWnd, kPing, 0, 0), 1); // served meanwhile
     advance(1000);
     EXPECT_EQ(red(), 255);
     advance(150);
@@ -238,9 +238,9 @@ TEST(Paint, AFadingWindowLetsThroughWhatLiesBelow)
 
 TEST(Paint, AnAnimationEndsWithItsWindow)
 {
-    const test::VirtualClock clock(0, KXHost::VirtualSleep::Advances);
+    const VirtualClock clock(0, KXHost::VirtualSleep::Advances);
     HWND hWnd = nullptr;
-    const Handler handler = test::On(WM_PAINT, [&](HWND h, WPARAM) { return LRESULT{DestroyWindow(h)}; });
+    const Handler handler = On(WM_PAINT, [&](HWND h, WPARAM) { return LRESULT{DestroyWindow(h)}; });
     hWnd = Make(&handler, WS_POPUP);
     EXPECT_FALSE(AnimateWindow(hWnd, 3000, AW_BLEND));
     EXPECT_FALSE(IsWindow(hWnd));
@@ -256,11 +256,11 @@ TEST(Paint, AnAnimationEndsWithItsWindow)
 // On a clock that the fade itself moves.
 TEST(Paint, AFadeThatSkipsTheWaitServesWhatIsSent)
 {
-    const test::VirtualClock clock(0, KXHost::VirtualSleep::Advances);
+    const VirtualClock clock(0, KXHost::VirtualSleep::Advances);
     std::binary_semaphore made{0}, sent{0};
     HWND hWnd = nullptr;
     DWORD heardAt = 0, begin = 0;
-    const Handler handler = test::On(test::kAsk, [&](HWND, WPARAM) {
+    const Handler handler = On(kAsk, [&](HWND, WPARAM) {
         heardAt = GetTickCount();
         return 5;
     });
@@ -273,7 +273,7 @@ TEST(Paint, AFadeThatSkipsTheWaitServesWhatIsSent)
         EXPECT_EQ(GetTickCount() - begin, 3000u);
     });
     made.acquire();
-    test::Sender sender(hWnd, test::kAsk);
+    Sender sender(hWnd, kAsk);
     sender.AwaitWaiting();
     sent.release();
     thread.join();
@@ -296,8 +296,8 @@ TEST(Paint, TheDesktopIsOfTheSizeThatTheHostChose)
     EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 2);
     EXPECT_EQ(SetPixel(old, 9, 9, 0), 0u); // harmless
     ReleaseDC(nullptr, old);
-    EXPECT_EQ(test::SeenAt(3, 0), CLR_INVALID);
-    EXPECT_EQ(test::SeenAt(2, 1), DESKTOP_COLOR);
+    EXPECT_EQ(SeenAt(3, 0), CLR_INVALID);
+    EXPECT_EQ(SeenAt(2, 1), DESKTOP_COLOR);
     EXPECT_TRUE(KXHost::UseMemoryDesktop());
 }
 

@@ -26,11 +26,11 @@ std::vector<UINT_PTR> TakeAll(HWND hWnd = nullptr, UINT nMin = 0, UINT nMax = 0)
 TEST(Queue, GivesWhatIsPostedInOrder)
 {
     InThread([] {
-        const test::VirtualClock clock;
-        const test::Handler handler = test::On(test::kAsk, [](HWND, WPARAM wParam) { return wParam + 1; });
+        const VirtualClock clock;
+        const test::Handler handler = On(kAsk, [](HWND, WPARAM wParam) { return wParam + 1; });
         const HWND hWnd = Make(&handler);
         const DWORD dwStart = GetTickCount();
-        EXPECT_TRUE(PostMessage(hWnd, test::kAsk, 5, -1));
+        EXPECT_TRUE(PostMessage(hWnd, kAsk, 5, -1));
         KXHost::AdvanceClock(40);
         EXPECT_TRUE(PostMessage(nullptr, 1, 0, 0));
         EXPECT_TRUE(PostMessage(nullptr, 2, 0, 0));
@@ -40,7 +40,7 @@ TEST(Queue, GivesWhatIsPostedInOrder)
             EXPECT_EQ(GetMessageA(&msg, nullptr, 0, 0), 1);
             return std::tuple(msg.hwnd, msg.message, msg.wParam, msg.lParam, msg.time);
         };
-        EXPECT_EQ(take(), std::tuple(hWnd, test::kAsk, 5, -1, dwStart));
+        EXPECT_EQ(take(), std::tuple(hWnd, kAsk, 5, -1, dwStart));
         EXPECT_EQ(DispatchMessageA(&msg), 6);
         EXPECT_EQ(take(), std::tuple(nullptr, 1, 0, 0, dwStart + 40));
         EXPECT_FALSE(DispatchMessageA(&msg));
@@ -114,8 +114,8 @@ TEST(Queue, HoldsTenThousand)
 
 TEST(Queue, BelongsToAThread)
 {
-    const test::WindowThread thread;
-    MSG msg{thread.Window(), test::kPing, 0, 0, 0};
+    const WindowThread thread;
+    MSG msg{thread.Window(), kPing, 0, 0, 0};
     EXPECT_FALSE(DispatchMessageA(&msg));
     EXPECT_FALSE(PeekMessageA(&msg, thread.Window(), 0, 0, PM_REMOVE));
     EXPECT_EQ(GetMessageA(&msg, thread.Window(), 0, 0), -1);
@@ -142,7 +142,7 @@ TEST(Queue, AWaitForAWindowEndsWithIt)
 
 TEST(Timer, ComesOncePerPeriodAndLast)
 {
-    const test::VirtualClock clock;
+    const VirtualClock clock;
     const HWND hWnd = Make();
     EXPECT_EQ(SetTimer(hWnd, 7, 100, nullptr), 7u);
     EXPECT_EQ(SetTimer(hWnd, 0, 1, nullptr), 1u); // each 10 ms
@@ -167,7 +167,7 @@ TEST(Timer, ComesOncePerPeriodAndLast)
     EXPECT_FALSE(KillTimer(hWnd, 1));
     EXPECT_THAT(TakeAll(), ElementsAre(7u)); // the other one's is gone
 
-    test::InThread([&] {
+    InThread([&] {
         EXPECT_EQ(SetTimer(hWnd, 9, 10, nullptr), 0u);
         EXPECT_FALSE(KillTimer(hWnd, 7));
     });
@@ -179,7 +179,7 @@ TEST(Timer, ComesOncePerPeriodAndLast)
 
 TEST(Timer, WakesAThreadThatWaitsForMessages)
 {
-    const test::VirtualClock clock;
+    const VirtualClock clock;
     static int s_calls;
     s_calls = 0;
     std::thread thread([] {
@@ -190,7 +190,7 @@ TEST(Timer, WakesAThreadThatWaitsForMessages)
         EXPECT_EQ(msg.message, WM_TIMER);
         DispatchMessageA(&msg);
     });
-    test::AwaitSleepers(1);
+    AwaitSleepers(1);
     KXHost::AdvanceClock(1000);
     thread.join();
     EXPECT_EQ(s_calls, 3);
@@ -240,7 +240,7 @@ TEST(Focus, GoesFromWindowToWindow)
     ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
     EXPECT_EQ(told.Take(), "a-b+");
 
-    test::InThread([&] {
+    InThread([&] {
         EXPECT_EQ(SetFocus(hB), nullptr);
         EXPECT_EQ(GetFocus(), nullptr);
         const HWND hOther = Make();

@@ -28,7 +28,7 @@ TEST(Send, RunsOnTheOwnersThread)
     EXPECT_EQ(SendMessageA(own, kAsk, 5, INTPTR_MIN), GetCurrentThreadId() + (5LL << 32) + 1);
 
     Sender sender(own, kPing);
-    test::InThread([&] { sender.AwaitWaiting(); }); // this thread would serve it in the wait
+    InThread([&] { sender.AwaitWaiting(); }); // this thread would serve it in the wait
     MSG msg;
     EXPECT_FALSE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)); // serves all the same
     EXPECT_EQ(sender.Join(), 1);
@@ -43,12 +43,12 @@ TEST(Send, RingsOfThreadsDontDeadlock)
         std::vector<HWND> windows(count);
         std::vector<std::unique_ptr<WindowThread>> ring;
         for (std::size_t i = 0; i < count; ++i) {
-            ring.push_back(std::make_unique<WindowThread>(test::On(kAsk, [&, i](HWND, WPARAM hops) {
+            ring.push_back(std::make_unique<WindowThread>(On(kAsk, [&, i](HWND, WPARAM hops) {
                 return hops == 0 ? 1 : 1 + SendMessageA(windows[(i + 1) % count], kAsk, hops - 1, 0);
             })));
             windows[i] = ring[i]->Window();
         }
-        test::RunThreads(static_cast<int>(count), [&](int t) {
+        RunThreads(static_cast<int>(count), [&](int t) {
             for (WPARAM hops = 0; hops < 40; ++hops)
                 EXPECT_EQ(SendMessageA(windows[static_cast<std::size_t>(t)], kAsk, hops, 0),
                           static_cast<LRESULT>(hops + 1));
@@ -64,9 +64,9 @@ TEST(Send, WithoutEndDoesntHoldUpWhatIsPosted)
     std::vector<std::unique_ptr<Sender>> senders;
     const auto send = [&](HWND hWnd) {
         senders.push_back(std::make_unique<Sender>(hWnd, kAsk));
-        test::InThread([&] { senders.back()->AwaitWaiting(); });
+        InThread([&] { senders.back()->AwaitWaiting(); });
     };
-    const Handler handler = test::On(kAsk, [&](HWND hWnd, WPARAM) {
+    const Handler handler = On(kAsk, [&](HWND hWnd, WPARAM) {
         if (++served < nMost) send(hWnd);
         return 1;
     });
@@ -91,7 +91,7 @@ TEST(Send, IsReleasedWithoutAnswer)
         std::binary_semaphore made{0}, go{0}, released{0};
         HWND hWnd = nullptr;
         bool bHeard = false;
-        const Handler listen = test::On(WM_NCDESTROY, [&](HWND, WPARAM) { return bHeard = true; });
+        const Handler listen = On(WM_NCDESTROY, [&](HWND, WPARAM) { return bHeard = true; });
         std::thread owner([&] {
             hWnd = Make(&listen);
             made.release();
@@ -136,8 +136,8 @@ TEST(Send, IsAnsweredHoweverTheProcedureEnds)
 TEST(Send, LeftByAnExceptionIsTakenBack)
 {
     int asked = 0;
-    const Handler count = test::On(kAsk, [&](HWND, WPARAM) { return ++asked; });
-    const Handler fail = test::On(kAsk, [](HWND, WPARAM) -> LRESULT { throw std::runtime_error("no"); });
+    const Handler count = On(kAsk, [&](HWND, WPARAM) { return ++asked; });
+    const Handler fail = On(kAsk, [](HWND, WPARAM) -> LRESULT { throw std::runtime_error("no"); });
     const HWND hWnd = Make(&count);
     HWND hFailing = nullptr;
     std::binary_semaphore made{0};
@@ -147,7 +147,7 @@ TEST(Send, LeftByAnExceptionIsTakenBack)
         EXPECT_THROW(SendMessageA(hWnd, kAsk, 0, 0), std::runtime_error);
     });
     made.acquire();
-    test::InThread([&] { EXPECT_EQ(SendMessageA(hFailing, kAsk, 0, 0), 0); });
+    InThread([&] { EXPECT_EQ(SendMessageA(hFailing, kAsk, 0, 0), 0); });
     sender.join();
     MSG msg;
     EXPECT_FALSE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
@@ -170,7 +170,7 @@ TEST(Send, WorksWhenTheThreadsQueueIsGone)
     const WindowThread other;
     kx::sync::PerThread<AtEnd> atEnd;
     bool bDone = false;
-    test::InThread([&] {
+    InThread([&] {
         atEnd.Get().action = [&] {
             MSG msg;
             EXPECT_EQ(SendMessageA(other.Window(), kPing, 0, 0), 1);
@@ -194,10 +194,10 @@ TEST(Send, ManyThreadsAtOnce)
     std::array<std::atomic<HWND>, 8> windows{};
     std::atomic<int> answers{0};
     std::latch all(4);
-    test::RunThreads(4, [&](int seed) {
+    RunThreads(4, [&](int seed) {
         std::mt19937 random(static_cast<unsigned>(seed + 1));
         const auto pick = [&]() -> std::atomic<HWND>& { return windows[random() % windows.size()]; };
-        const Handler handler = test::On(kAsk, [&](HWND hWnd, WPARAM depth) {
+        const Handler handler = On(kAsk, [&](HWND hWnd, WPARAM depth) {
             EXPECT_EQ(GetWindowThreadProcessId(hWnd, nullptr), GetCurrentThreadId());
             if (depth > 0) answers += static_cast<int>(SendMessageA(pick(), kAsk, depth - 1, 0));
             if (random() % 8 == 0) DestroyWindow(hWnd);

@@ -22,10 +22,9 @@ struct AtExit
         const test::WindowThread living;
         Check(SendMessageA(living.Window(), test::kPing, 0, 0) == 1, "no answer from a living thread");
         Check(!test::Make(), "a window was made");
-        int nVisited = 0;
+        int nSeen = 0;
         const auto count = [](HWND, long lParam) { return ++*reinterpret_cast<int*>(lParam); };
-        Check(EnumDesktopWindows(nullptr, count, reinterpret_cast<long>(&nVisited)) && nVisited == 1,
-              "no walk");
+        Check(EnumDesktopWindows(nullptr, count, reinterpret_cast<long>(&nSeen)) && nSeen == 1, "no walk");
         Check(AfxMessageBox("late") == IDOK && KXHost::TakeMessageBoxes().size() == 1, "no message box");
     }
 };

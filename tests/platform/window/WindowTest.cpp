@@ -59,7 +59,7 @@ TEST(Window, LivesThroughItsMessages)
     DWORD dwProcessId = 0;
     EXPECT_EQ(GetWindowThreadProcessId(hWnd, &dwProcessId), GetCurrentThreadId());
     EXPECT_EQ(dwProcessId, GetCurrentProcessId());
-    test::InThread([&] {
+    InThread([&] {
         EXPECT_FALSE(DestroyWindow(hWnd));
         EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
     });
@@ -88,11 +88,10 @@ TEST(Window, IsNotMadeWhenItsProcedureRefusesOrEndsIt)
     for (const auto& [at, act, expected] : cases) {
         std::vector<UINT> seen;
         HWND made = nullptr;
-        const Handler handler = [&, nAt = at, &pfnAct = act](HWND hWnd, UINT nMsg, WPARAM wParam,
-                                                             LPARAM lParam) {
+        const Handler handler = [&, n = at, &own = act](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
             made = hWnd;
             seen.push_back(nMsg);
-            return nMsg == nAt ? pfnAct(hWnd) : DefWindowProcA(hWnd, nMsg, wParam, lParam);
+            return nMsg == n ? own(hWnd) : DefWindowProcA(hWnd, nMsg, wParam, lParam);
         };
         try {
             EXPECT_EQ(Make(&handler, WS_VISIBLE), nullptr);
@@ -101,7 +100,7 @@ TEST(Window, IsNotMadeWhenItsProcedureRefusesOrEndsIt)
         EXPECT_EQ(seen, expected);
         EXPECT_FALSE(IsWindow(made));
     }
-    const Handler failAtEnd = test::On(DESTROY, [&](HWND h, WPARAM) { return fail(h); });
+    const Handler failAtEnd = On(DESTROY, [&](HWND h, WPARAM) { return fail(h); });
     const HWND hWnd = Make(&failAtEnd);
     EXPECT_THROW(DestroyWindow(hWnd), std::runtime_error);
     EXPECT_FALSE(IsWindow(hWnd));
@@ -174,16 +173,16 @@ TEST(Window, GetsAndLosesTheFocusByAnotherThreadsCall)
     std::vector<UINT> heard;
     std::vector<bool> has; // at each question
     std::binary_semaphore answered{0};
-    test::WindowThread thread([&](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
+    WindowThread thread([&](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
         if (nMsg == WM_SETFOCUS || nMsg == WM_KILLFOCUS) heard.push_back(nMsg);
-        if (nMsg == test::kAsk) {
+        if (nMsg == kAsk) {
             has.push_back(GetFocus() == hWnd);
             answered.release();
         }
         return DefWindowProcA(hWnd, nMsg, wParam, lParam);
     });
     const auto ask = [&] {
-        PostMessage(thread.Window(), test::kAsk, 0, 0);
+        PostMessage(thread.Window(), kAsk, 0, 0);
         answered.acquire();
     };
     ShowWindow(thread.Window(), SW_SHOWNA);

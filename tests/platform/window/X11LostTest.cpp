@@ -198,7 +198,7 @@ Moment InHandlerOf(UINT nMsg)
         const HWND hWnd = Make(Killer(kill, nMsg), WS_CAPTION);
         ShowWindow(hWnd, SW_SHOW);
         UpdateWindow(hWnd);
-        test::Move(hWnd, 50, 60, 200, 100);
+        Move(hWnd, 50, 60, 200, 100);
         EnableWindow(hWnd, 0);
         EnableWindow(hWnd, 1);
         DestroyWindow(hWnd);
@@ -246,7 +246,7 @@ TEST_P(X11MomentTest, TheServerMayGo)
             outside->MoveMouse(70, 70);
             kill();
             for (int i = 0; i < 50; ++i)
-                test::Move(window.handle, i, i, 100, 100);
+                Move(window.handle, i, i, 100, 100);
             Pump([&] { return !IsWindow(window.handle); });
             EXPECT_EQ(GetCapture(), nullptr);
         },

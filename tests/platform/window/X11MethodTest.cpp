@@ -117,7 +117,7 @@ TEST_F(X11MethodTest, LettersBecomeChineseAtTheCaretAndTheMethodMayGoAndComeBack
     appear(120, 90);
     ExpectOf(window, "", hello);
     ExpectOf(window, "nihao", hello);
-    test::Move(window.handle, 90, 80, 200, 100);
+    Move(window.handle, 90, 80, 200, 100);
     Type("ni");
     appear(160, 110);
     ExpectOf(window, "hao", hello);

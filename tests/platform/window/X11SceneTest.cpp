@@ -71,7 +71,7 @@ TEST_F(X11SceneTest, OnlyACallThatNeedsAnAnswerWaitsForTheServer)
 {
     const ColorWindow window(kRed, {0, 0, 100, 50});
     ShowSeen(window, kRed, 10, 10);
-    const test::Paper paper(40, 20, 'W');
+    const Paper paper(40, 20, 'W');
     TextOutA(paper, 0, 0, "a", 1); // so that the font is there
     const HDC dc = GetDC(window.handle);
     const HDC desktop = GetDC(nullptr);
@@ -178,7 +178,7 @@ TEST_F(X11SceneTest, AMessageBoxKeepsTheOtherWindowsFromInput)
         return AfxMessageBox("Really?");
     });
     const HWND hAsker = Make(&ask, WS_POPUP);
-    test::Move(hAsker, 250, 0, 100, 100);
+    Move(hAsker, 250, 0, 100, 100);
     ShowSeen(main, kGreen, 50, 50);
     ShowWindow(hAsker, SW_SHOW);
     std::atomic<int> nBeats{0};

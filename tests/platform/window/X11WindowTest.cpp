@@ -136,21 +136,20 @@ TEST_F(X11WindowTest, AWindowHasAnIcon)
 
 TEST_F(X11WindowTest, TopmostPopupsStayAboveTheOthers)
 {
-    ColorWindow top(kRed, {0, 0, 100, 100}), other(kBlue, {50, 0, 150, 100}),
-        third(kGreen, {60, 0, 160, 100});
+    ColorWindow top(kRed, {0, 0, 100, 100}), next(kBlue, {50, 0, 150, 100}), third(kGreen, {60, 0, 160, 100});
     const auto order = [](const ColorWindow& window, HWND hAfter) {
         SetWindowPos(window.handle, hAfter, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
     };
     order(top, HWND_TOPMOST);
     ShowSeen(top, kRed, 75, 50);
-    ShowSeen(other, kBlue, 125, 50);
+    ShowSeen(next, kBlue, 125, 50);
     EXPECT_EQ(outside->Pixel(75, 50), kRed);
     ShowSeen(third, kGreen, 125, 50);
     order(third, HWND_BOTTOM);
     EXPECT_TRUE(Shows(125, 50, kBlue));
     EXPECT_EQ(outside->Pixel(75, 50), kRed);
     order(top, HWND_NOTOPMOST);
-    order(other, HWND_TOP);
+    order(next, HWND_TOP);
     EXPECT_TRUE(Shows(75, 50, kBlue));
 }
 
@@ -205,12 +204,12 @@ TEST_F(X11WindowTest, APlaceChosenHereStands)
     ShowSeen(window, kRed, 25, 25);
     window.heard.clear();
     for (int i = 1; i <= 100; ++i) {
-        test::Move(window.handle, i, i, 50 + i, 50);
+        Move(window.handle, i, i, 50 + i, 50);
         ASSERT_EQ(PlaceOf(window.handle), (RECT{i, i, 50 + 2 * i, 50 + i}));
     }
-    test::Move(window.handle, 10, 10, 0, 0);
-    test::Move(window.handle, -100'000, -100'000, 200'000, 200'000);
-    test::Move(window.handle, 100, 100, 60, 60);
+    Move(window.handle, 10, 10, 0, 0);
+    Move(window.handle, -100'000, -100'000, 200'000, 200'000);
+    Move(window.handle, 100, 100, 60, 60);
     EXPECT_TRUE(Shows(159, 159, kRed));
     EXPECT_EQ(PlaceOf(window.handle), (RECT{100, 100, 160, 160}));
 }
@@ -224,7 +223,7 @@ TEST_F(X11WindowTest, WhereAWindowLiesIsKnownWhoeverPlacedItLast)
     outside->Frame(id, outside->Cover(0, 0, 640, 480, kBlue));
     for (int i = 1; i <= 500; ++i) {
         std::thread manager([&] { outside->Place(id, i % 300, 10, 60, 60); });
-        test::Move(window.handle, i % 300, 20, 50, 50);
+        Move(window.handle, i % 300, 20, 50, 50);
         manager.join();
         ASSERT_TRUE(Pump([&] { return PlaceOf(window.handle) == outside->PlaceOf(id); })) << i;
     }
