@@ -30,8 +30,8 @@ TEST(ProfileWrite, ChangesItsLineOnly)
         {"[S]\nk=  1\n", "S", "k", "2", "[S]\nk=2\n"},
         // Behind the section's last key.
         {"[S]\nk=v\n\n; about T\n[T]\nk=t\n", "S", "l", "w", "[S]\nk=v\nl=w\n\n; about T\n[T]\nk=t\n"},
-        {"[S]\n[T]\n", "S", "k", "v", "[S]\nk=v\n[T]\n"},
-        {"[S]\r\nk=v", "S", "l", "w", "[S]\r\nk=v\r\nl=w\r\n"},
+        {"\n[S]\n[Another one]\n", "S", "k", "v", "\n[S]\nk=v\n[Another one]\n"},
+        {"\r\n[S]\r\nk=v", "S", "l", "w", "\r\n[S]\r\nk=v\r\nl=w\r\n"},
         {"[S]", "S", "k", "v", "[S]\r\nk=v\r\n"},
         {"[S]\na=1\n[T]\n[S]\nk=2\n", "S", "k", "v", "[S]\na=1\nk=v\n[T]\n[S]\nk=2\n"},
         // A new section.
