@@ -72,6 +72,7 @@ TEST(ProfileRead, NamesAreFoldedByCharacters)
 TEST(ProfileRead, DefaultStandsInAndIsCutLikeAValue)
 {
     const IniFile ini("[S]\nk=abcdef\nwide=ab\xC4\xE3\n");
+    SetLastError(ERROR_SUCCESS);
     EXPECT_EQ(ini.Get("S", "none", "default"), "default");
     EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(ini.Get("none", "k", nullptr), "");
