@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
-#include <memory>
+#include <gtest/gtest.h>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -74,6 +74,13 @@ int Child::Wait()
         m_pipe = -1;
     }
     return EndOf(std::exchange(m_pid, -1));
+}
+
+std::string RunChild(const std::string& name, std::vector<std::string> args, std::vector<std::string> env)
+{
+    Child child(name, std::move(args), std::move(env), true);
+    EXPECT_EQ(child.Wait(), 0) << child.ErrorText();
+    return child.ErrorText();
 }
 
 std::string OutputOf(const std::string& command, int* pnCode)

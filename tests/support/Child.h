@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/Fixed.h"
+
 #include <functional>
 #include <string>
 #include <sys/types.h>
@@ -8,14 +10,12 @@
 namespace test {
 
 // A child program of the tests (a ...Child.cpp), by the name of its file.
-class Child
+class Child : Fixed
 {
 public:
     // Starts it. `env` adds "NAME=value" settings. With `captureError` its standard error is collected.
     Child(const std::string& name, std::vector<std::string> args, std::vector<std::string> env = {},
           bool captureError = false);
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
     ~Child();
 
     pid_t Pid() const { return m_pid; }
@@ -31,6 +31,10 @@ private:
     int m_pipe = -1;
     std::string m_error;
 };
+
+// Runs a child program, which has to succeed, and gives what it wrote to its standard error.
+std::string RunChild(const std::string& name, std::vector<std::string> args,
+                     std::vector<std::string> env = {});
 
 // Gives the text that a command of the shell prints, and its exit code; -1 if a signal ended it.
 std::string OutputOf(const std::string& command, int* pnCode = nullptr);

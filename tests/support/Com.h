@@ -1,16 +1,15 @@
 #pragma once
 
 #include "include/platform/Com.h"
+#include "tests/support/Fixed.h"
 
 namespace test {
 
 // The right to make objects, for the scope's length.
-class Com
+class Com : Fixed
 {
 public:
     Com() { CoInitialize(nullptr); }
-    Com(const Com&) = delete;
-    Com& operator=(const Com&) = delete;
     ~Com() { CoUninitialize(); }
 };
 

@@ -7,7 +7,6 @@
 #include <atomic>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <map>
 #include <stdexcept>
 #include <string_view>

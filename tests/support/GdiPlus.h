@@ -1,13 +1,14 @@
 #pragma once
 
 #include "include/platform/GdiPlus.h"
+#include "tests/support/Fixed.h"
 
 #include <cstdint>
 
 namespace test {
 
 // GDI+, started for the scope's length.
-class GdiPlus
+class GdiPlus : Fixed
 {
 public:
     GdiPlus()
@@ -15,8 +16,6 @@ public:
         const Gdiplus::GdiplusStartupInput input;
         Gdiplus::GdiplusStartup(&m_nToken, &input, nullptr);
     }
-    GdiPlus(const GdiPlus&) = delete;
-    GdiPlus& operator=(const GdiPlus&) = delete;
     ~GdiPlus() { Gdiplus::GdiplusShutdown(m_nToken); }
 
 private:

@@ -2,6 +2,7 @@
 
 #include "include/platform/CodePage.h"
 #include "include/platform/Host.h"
+#include "tests/support/Fixed.h"
 
 #include <cstdint>
 #include <mutex>
@@ -11,7 +12,7 @@
 // Scopes that steer the platform layer and put it back as it was.
 namespace test {
 
-class VirtualClock
+class VirtualClock : Fixed
 {
 public:
     explicit VirtualClock(std::int64_t wall = 1'700'000'000,
@@ -19,17 +20,13 @@ public:
     {
         KXHost::UseVirtualClock(wall, sleep);
     }
-    VirtualClock(const VirtualClock&) = delete;
-    VirtualClock& operator=(const VirtualClock&) = delete;
     ~VirtualClock() { KXHost::UseRealClock(); }
 };
 
-class CodePage
+class CodePage : Fixed
 {
 public:
     explicit CodePage(UINT page) : m_old(GetACP()) { KXHost::SetCodePage(page); }
-    CodePage(const CodePage&) = delete;
-    CodePage& operator=(const CodePage&) = delete;
     ~CodePage() { KXHost::SetCodePage(m_old); }
 
 private:
@@ -37,7 +34,7 @@ private:
 };
 
 // Collects what goes to the debug channel.
-class DebugText
+class DebugText : Fixed
 {
 public:
     explicit DebugText(bool bDiagnostics = false)
@@ -49,8 +46,6 @@ public:
               bDiagnostics))
     {
     }
-    DebugText(const DebugText&) = delete;
-    DebugText& operator=(const DebugText&) = delete;
     ~DebugText() { KXHost::RemoveDebugObserver(m_id); }
 
     std::string Text() const

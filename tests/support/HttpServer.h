@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/Fixed.h"
+
 #include <httplib.h>
 #include <memory>
 #include <string>
@@ -10,7 +12,7 @@
 namespace test {
 
 // Runs a server of cpp-httplib's on 127.0.0.1 for its scope, at a port that the system chooses.
-class HttpServer
+class HttpServer : Fixed
 {
 public:
     // `set` gives the server its handlers.
@@ -25,8 +27,6 @@ public:
         while (!m_server->is_running())
             std::this_thread::yield();
     }
-    HttpServer(const HttpServer&) = delete;
-    HttpServer& operator=(const HttpServer&) = delete;
     ~HttpServer()
     {
         m_server->stop();

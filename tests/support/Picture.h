@@ -3,9 +3,9 @@
 #include "include/platform/Gdi.h"
 #include "include/platform/Host.h"
 #include "tests/support/BmpBuilder.h"
+#include "tests/support/Fixed.h"
 
 #include <gtest/gtest.h>
-#include <utility>
 
 // Small pictures as letters (those of BmpBuilder.h, and `.` for black), painted on and read from surfaces.
 namespace test {
@@ -37,7 +37,7 @@ inline Picture Read(HDC dc, int left, int top, int right, int bottom)
 }
 
 // A memory surface of its own with a bitmap in it.
-class Paper
+class Paper : Fixed
 {
 public:
     explicit Paper(const Picture& picture)
@@ -55,8 +55,6 @@ public:
         FillRect(m_dc, &all, brush);
         DeleteObject(brush);
     }
-    Paper(const Paper&) = delete;
-    Paper& operator=(const Paper&) = delete;
     ~Paper()
     {
         DeleteDC(m_dc);
@@ -77,12 +75,10 @@ private:
 
 // An object that ends with the scope.
 template <class Handle>
-class Scoped
+class Scoped : Fixed
 {
 public:
     explicit Scoped(Handle handle) : m_handle(handle) {}
-    Scoped(const Scoped&) = delete;
-    Scoped& operator=(const Scoped&) = delete;
     ~Scoped() { DeleteObject(m_handle); }
     operator Handle() const { return m_handle; }
 
@@ -91,12 +87,9 @@ private:
 };
 
 // Fails the test when the scope leaves handles behind.
-class NoLeak
+class NoLeak : Fixed
 {
 public:
-    NoLeak() = default;
-    NoLeak(const NoLeak&) = delete;
-    NoLeak& operator=(const NoLeak&) = delete;
     ~NoLeak() { EXPECT_EQ(KXHost::LiveHandles(), m_before); }
 
 private:

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/Fixed.h"
+
 #include <atomic>
 #include <cstdint>
 #include <functional>
@@ -34,7 +36,7 @@ private:
 
 // A server on 127.0.0.1 that does with each connection, one after the other on a thread of its own, what it
 // is told: it may lie, stall and break off.
-class RawServer
+class RawServer : Fixed
 {
 public:
     explicit RawServer(std::function<void(Peer&)> serve);
@@ -45,8 +47,6 @@ public:
     // Sends a part of its answer and then nothing more; tells of the sending.
     static std::function<void(Peer&)> Stalling(
         std::string part, std::function<void()> sent = [] {});
-    RawServer(const RawServer&) = delete;
-    RawServer& operator=(const RawServer&) = delete;
     // Ends the connection that is open.
     ~RawServer();
 

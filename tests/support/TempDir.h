@@ -1,6 +1,7 @@
 #pragma once
 
 #include "include/platform/String.h"
+#include "tests/support/Fixed.h"
 
 #include <string>
 #include <string_view>
@@ -9,12 +10,10 @@
 namespace test {
 
 // A directory of its own below the system's temporary one, removed with all it holds at the end.
-class TempDir
+class TempDir : Fixed
 {
 public:
     TempDir();
-    TempDir(const TempDir&) = delete;
-    TempDir& operator=(const TempDir&) = delete;
     ~TempDir();
 
     // The Linux path, without a trailing slash.
@@ -34,12 +33,10 @@ private:
 };
 
 // Lets no file of this process grow beyond a size for the scope's length, as a full disk does.
-class FileLimit
+class FileLimit : Fixed
 {
 public:
     explicit FileLimit(rlim_t nBytes);
-    FileLimit(const FileLimit&) = delete;
-    FileLimit& operator=(const FileLimit&) = delete;
     ~FileLimit();
 
 private:

@@ -63,25 +63,25 @@ void Program::Stop()
     waitid(P_PID, static_cast<id_t>(m_pid), &stopped, WSTOPPED | WNOWAIT);
 }
 
-XServer::Pipe::Pipe()
+Pipe::Pipe()
 {
     if (pipe(ends) != 0) throw std::runtime_error("no pipe");
 }
 
-XServer::Pipe::~Pipe()
+Pipe::~Pipe()
 {
     close(ends[0]);
     if (ends[1] >= 0) close(ends[1]);
 }
 
-std::string XServer::Pipe::ReadLine()
+std::string Pipe::ReadLine()
 {
-    close(std::exchange(ends[1], -1)); // the server's copy alone is left, and ends with it
+    close(std::exchange(ends[1], -1)); // the program's copy alone is left, and ends with it
     std::string line;
     for (char ch = 0; ch != '\n'; line += ch) {
         pollfd ready{ends[0], POLLIN, 0};
         if (poll(&ready, 1, kStartLimit) != 1 || read(ends[0], &ch, 1) != 1)
-            throw std::runtime_error("the X server doesn't start");
+            throw std::runtime_error("a program doesn't start");
     }
     line.pop_back();
     return line;

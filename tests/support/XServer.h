@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/Fixed.h"
+
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -7,12 +9,10 @@
 namespace test {
 
 // A program of the system's, killed and waited for at the end.
-class Program
+class Program : Fixed
 {
 public:
     explicit Program(std::vector<std::string> args, std::vector<std::string> env = {});
-    Program(const Program&) = delete;
-    Program& operator=(const Program&) = delete;
     ~Program() { Kill(); }
 
     // Ends it, and returns when it has ended.
@@ -22,6 +22,15 @@ public:
 
 private:
     pid_t m_pid = -1;
+};
+
+// Through which a program tells a line when it has started.
+struct Pipe : Fixed
+{
+    Pipe();
+    ~Pipe();
+    std::string ReadLine();
+    int ends[2];
 };
 
 // An X server whose screen nobody sees, on a display that was free.
@@ -36,15 +45,6 @@ public:
     void Stop() { m_program.Stop(); }
 
 private:
-    struct Pipe
-    {
-        Pipe();
-        Pipe(const Pipe&) = delete;
-        Pipe& operator=(const Pipe&) = delete;
-        ~Pipe();
-        std::string ReadLine();
-        int ends[2];
-    };
     Pipe m_pipe; // the server tells its display's number
     Program m_program;
     std::string m_name;
