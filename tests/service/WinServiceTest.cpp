@@ -1,11 +1,9 @@
 #include "include/KXWinService.h"
 
-#include "tests/support/Host.h"
 #include "tests/support/ScriptedManager.h"
+#include "tests/support/Test.h"
 
 #include <cstdio>
-#include <gtest/gtest.h>
-#include <sstream>
 
 namespace {
 
@@ -28,13 +26,14 @@ std::deque<State> States(const std::string& text)
     return states;
 }
 
-class OpenService : public CKXWinService
+struct OpenService : CKXWinService
 {
-public:
     using CKXWinService::CKXWinService;
     using CKXWinService::OpenSCM;
     using CKXWinService::StopDependentServices;
 };
+
+using Operation = std::function<int(OpenService&)>;
 
 int GetStatus(OpenService& service)
 {
@@ -44,16 +43,15 @@ int GetStatus(OpenService& service)
 }
 
 // One service, "Nv", on a manager that is scripted and a clock that sleepers move.
-class WinService : public testing::Test
+struct WinService : testing::Test
 {
-protected:
     WinService() { KXHost::SetServiceManager(m_manager); }
     ~WinService() override { KXHost::SetServiceManager(nullptr); }
 
     void Script(const char* pszStates) { m_manager->states["Nv"] = States(pszStates); }
 
     // Makes a service, carries out an operation and takes down what it prints and calls behind the opening.
-    int Run(const std::function<int(OpenService&)>& operation)
+    int Run(const Operation& operation)
     {
         const int nHandles = KXHost::LiveHandles();
         int nResult = -1;
@@ -77,8 +75,7 @@ protected:
         std::string text;
         const char* calls; // behind the first query, without the service's name
     };
-    void Check(const Case& expected, const std::string& head,
-               const std::function<int(OpenService&)>& operation)
+    void Check(const Case& expected, const std::string& head, const Operation& operation)
     {
         Script(expected.states);
         EXPECT_EQ(Run(operation), expected.result) << expected.states;
@@ -96,12 +93,7 @@ protected:
 
 TEST_F(WinService, EachOperationAsksForTheRightsItNeedsAndTellsHowItWent)
 {
-    struct Operation
-    {
-        std::function<int(OpenService&)> run;
-        const char *calls, *text, *failing, *failure;
-    };
-    const Operation cases[] = {
+    const std::tuple<Operation, const char*, const char*, const char*, const char*> cases[] = {
         {[](auto& service) { return service.Create("C:\\nv.exe", 3, "Norvale"); }, "create Nv f01ff;",
          "Service installed successfully\n", "create", "CreateService failed (5)\n"},
         {[](auto& service) { return service.Delete(); }, "open Nv 10000; delete Nv;",
@@ -116,21 +108,21 @@ TEST_F(WinService, EachOperationAsksForTheRightsItNeedsAndTellsHowItWent)
          "Service stopped successfully\n", "stop", "ControlService failed (5)\n"},
         {GetStatus, "open Nv 4; query Nv;", "", "query", "QueryServiceStatusEx failed (5)\n"},
     };
-    for (const Operation& one : cases) {
-        const bool bStop = std::string_view(one.failing) == "stop";
+    for (const auto& [run, calls, text, failing, failure] : cases) {
+        const bool bStop = std::string_view(failing) == "stop";
         const auto script = [&] { Script(bStop ? "4 1" : "1 4"); };
         script();
-        EXPECT_EQ(Run(one.run), 1);
-        EXPECT_EQ(m_calls, one.calls);
-        EXPECT_EQ(m_text, one.text);
+        EXPECT_EQ(Run(run), 1);
+        EXPECT_EQ(m_calls, calls);
+        EXPECT_EQ(m_text, text);
 
         script();
-        m_manager->errors = {{one.failing, ERROR_ACCESS_DENIED}};
-        EXPECT_EQ(Run(one.run), 0);
-        EXPECT_EQ(m_text, one.failure);
-        if (std::string_view(one.failing) == "create") continue;
+        m_manager->errors = {{failing, ERROR_ACCESS_DENIED}};
+        EXPECT_EQ(Run(run), 0);
+        EXPECT_EQ(m_text, failure);
+        if (std::string_view(failing) == "create") continue;
         m_manager->errors = {{"open", ERROR_SERVICE_DOES_NOT_EXIST}};
-        EXPECT_EQ(Run(one.run), 0);
+        EXPECT_EQ(Run(run), 0);
         EXPECT_EQ(m_text, "OpenService failed (1060)\n");
         m_manager->errors.clear();
     }
@@ -301,27 +293,24 @@ TEST_F(WinService, DependentsAreStoppedInTurnUntilOneFails)
     struct Walk
     {
         std::map<std::string, const char*> states;
-        std::map<std::string, DWORD> errors;
         std::string calls;
+        std::map<std::string, DWORD> errors{};
         int result = 0; // of the dependents' stop by itself
     };
-
     const Walk cases[] = {
         {{{"A", "3:0:300 3:0:20 1"}, {"B", "1"}},
-         {},
          "open A 24; stop A; +300 query A; +20 query A; open B 24; stop B; ",
+         {},
          1},
-        {{{"B", "1"}}, {}, "open A 24; "},
-        {{{"A", "1"}, {"B", "1"}}, {{"stop A", 1051}}, "open A 24; stop A; "},
-        {{{"A", "3:0:5 1!"}, {"B", "1"}}, {}, "open A 24; stop A; +5 query A; "},
+        {{{"B", "1"}}, "open A 24; "},
+        {{{"A", "1"}, {"B", "1"}}, "open A 24; stop A; ", {{"stop A", 1051}}},
+        {{{"A", "3:0:5 1!"}, {"B", "1"}}, "open A 24; stop A; +5 query A; "},
         // All of them together have the one limit; the service's own is over then too.
         {{{"A", "3:0:29000 1"}, {"B", "3:0:1000 3:0:1"}},
-         {},
          "open A 24; stop A; +29000 query A; open B 24; stop B; +1000 query B; +1 query B; "},
         {{{"A", "3:0:10000"}, {"B", "1"}},
-         {},
          "open A 24; stop A; +10000 query A; +10000 query A; +10000 query A; +10000 query A; "},
-        {{}, {{"list", 8}}, ""},
+        {{}, "", {{"list", 8}}},
     };
     for (const Walk& one : cases) {
         m_manager->states.clear();

@@ -1,20 +1,11 @@
 #include "include/KXWinService.h"
-#include "include/platform/Host.h"
-#include "tests/support/Child.h"
-#include "tests/support/Host.h"
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 
-#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <functional>
-#include <gtest/gtest.h>
 #include <pwd.h>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -66,9 +57,8 @@ const char* Target()
     return geteuid() == 0 ? "multi-user.target" : "default.target";
 }
 
-class RealSystemd : public testing::Test
+struct RealSystemd : testing::Test
 {
-protected:
     void SetUp() override
     {
         if (!Box()) GTEST_SKIP() << "left out: scripts/test-systemd runs it in a box";
@@ -272,11 +262,9 @@ TEST_F(RealSystemd, WhatIsTooSlowIsTold)
 
     // A manager that takes a second to read its units, for calls that have less.
     std::ofstream(m_slow) << "1\n";
-    KXHost::SystemdPlace hasty;
     const auto create = [&](DWORD dwTimeout, DWORD dwStartType) {
-        hasty.dwTimeout = dwTimeout;
-        return KXHost::MakeSystemdManager(hasty)->Create(
-            "kx-hasty", {"A title", m_sleeper, SERVICE_WIN32_OWN_PROCESS, dwStartType, 1}, 0);
+        return KXHost::MakeSystemdManager({"", "", dwTimeout})
+            ->Create("kx-hasty", {"A title", m_sleeper, SERVICE_WIN32_OWN_PROCESS, dwStartType, 1}, 0);
     };
     // The first reading is too slow, or the second, after systemd made a link or a mask.
     for (const DWORD dwTimeout : {300u, 1800u}) {

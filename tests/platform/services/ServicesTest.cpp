@@ -8,9 +8,8 @@
 namespace {
 
 // Handles, rights and buffers, on a manager that is scripted.
-class Services : public testing::Test
+struct Services : testing::Test
 {
-protected:
     Services()
     {
         m_manager->states["Nv"] = {{SERVICE_RUNNING, 7, 8}};

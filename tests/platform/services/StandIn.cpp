@@ -1,15 +1,12 @@
 #include "tests/platform/services/StandIn.h"
 
 #include <array>
-#include <csignal>
 #include <cstdlib>
 #include <ctime>
-#include <fcntl.h>
 #include <filesystem>
 #include <poll.h>
 #include <stdexcept>
 #include <sys/eventfd.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
 
@@ -17,13 +14,17 @@ namespace test {
 
 namespace {
 
-constexpr const char* kConfig =
-    R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig><type>session</type><listen>unix:dir=@</listen><auth>EXTERNAL</auth>
-<policy context="default"><allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy></busconfig>)";
 constexpr const char* kUnits = "/org/freedesktop/systemd1/unit";
 constexpr const char* kJobs = "/org/freedesktop/systemd1/job";
+
+std::string Config(const std::string& dir)
+{
+    return R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig><type>session</type><listen>unix:dir=)" +
+           dir + R"(</listen><auth>EXTERNAL</auth>
+<policy context="default"><allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy></busconfig>)";
+}
 
 std::string PathOf(const char* prefix, const std::string& name)
 {
@@ -89,33 +90,10 @@ void AppendUnit(sd_bus_message* reply, const std::string& name, const Unit& unit
 } // namespace
 
 PrivateBus::PrivateBus()
+    : m_program({"dbus-daemon", "--config-file=" + m_dir.Write("bus.conf", Config(m_dir.Path())),
+                 "--print-address=" + std::to_string(m_pipe.ends[1]), "--nofork", "--nopidfile"}),
+      m_address(m_pipe.ReadLine())
 {
-    std::string config = kConfig;
-    config.replace(config.find('@'), 1, m_dir.Path());
-    const std::string file = m_dir.Write("bus.conf", config);
-    std::array<int, 2> ends{};
-    if (pipe(ends.data()) != 0) throw std::runtime_error("no pipe");
-    m_pid = fork();
-    if (m_pid == 0) {
-        close(ends[0]);
-        dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);
-        const std::string from = "--config-file=" + file,
-                          print = "--print-address=" + std::to_string(ends[1]);
-        execlp("dbus-daemon", "dbus-daemon", from.c_str(), print.c_str(), "--nofork", "--nopidfile", nullptr);
-        _exit(127);
-    }
-    close(ends[1]);
-    for (char ch; read(ends[0], &ch, 1) == 1 && ch != '\n';)
-        m_address += ch;
-    close(ends[0]);
-    if (m_address.empty()) throw std::runtime_error("no dbus-daemon");
-}
-
-PrivateBus::~PrivateBus()
-{
-    if (m_pid <= 0) return;
-    kill(m_pid, SIGKILL);
-    waitpid(m_pid, nullptr, 0);
 }
 
 StandIn::StandIn(const PrivateBus& bus, std::string unitDir)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/support/TempDir.h"
+#include "tests/support/XServer.h"
 
 #include <cstdint>
 #include <map>
@@ -8,7 +9,6 @@
 #include <mutex>
 #include <set>
 #include <string>
-#include <sys/types.h>
 #include <systemd/sd-bus.h>
 #include <thread>
 #include <vector>
@@ -20,15 +20,13 @@ class PrivateBus
 {
 public:
     PrivateBus();
-    PrivateBus(const PrivateBus&) = delete;
-    PrivateBus& operator=(const PrivateBus&) = delete;
-    ~PrivateBus();
 
     const std::string& Address() const { return m_address; }
 
 private:
     TempDir m_dir;
-    pid_t m_pid = -1;
+    Pipe m_pipe; // the bus tells its address
+    Program m_program;
     std::string m_address;
 };
 
@@ -37,7 +35,7 @@ struct Unit
     std::string load = "loaded";
     std::string active = "inactive";
     std::string sub = "dead";
-    std::string jobType;                 // empty: no job
+    std::string jobType = "";            // empty: no job
     bool jobGone = false;                // the job has ended when it is asked for
     std::uint64_t secondsAgo = 0;        // since the last change
     std::uint64_t activeFor = 2'000'000; // microseconds
@@ -50,20 +48,18 @@ struct Unit
     std::uint64_t started = 1;
     std::uint64_t startLimit = 90'000'000;
     std::uint64_t stopLimit = 90'000'000;
-    std::map<std::string, std::vector<std::string>> lists; // RequiredBy and the like
+    std::map<std::string, std::vector<std::string>> lists{}; // RequiredBy and the like
     // What it becomes at each reading while it is moving, which it is once it was asked to start or stop.
-    std::vector<std::pair<std::string, std::string>> steps;
+    std::vector<std::pair<std::string, std::string>> steps{};
     bool moving = false;
 };
 
 // Answers to systemd's name on a bus as the manager does, from the units that a test lists and those that
 // Reload finds as files in a directory.
-class StandIn
+class StandIn : Fixed
 {
 public:
     StandIn(const PrivateBus& bus, std::string unitDir);
-    StandIn(const StandIn&) = delete;
-    StandIn& operator=(const StandIn&) = delete;
     ~StandIn();
 
     void Set(const std::string& name, Unit unit);

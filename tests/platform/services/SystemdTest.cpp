@@ -1,12 +1,7 @@
-#include "include/KXWinService.h"
-#include "include/platform/Host.h"
 #include "tests/platform/services/StandIn.h"
-#include "tests/support/Host.h"
+#include "tests/support/Test.h"
 
 #include <chrono>
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <optional>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -15,9 +10,8 @@ namespace {
 
 using Strings = std::vector<std::string>;
 
-class Systemd : public testing::Test
+struct Systemd : testing::Test
 {
-protected:
     static void SetUpTestSuite() { s_bus = std::make_unique<test::PrivateBus>(); }
     static void TearDownTestSuite() { s_bus.reset(); }
 
@@ -30,11 +24,7 @@ protected:
 
     void Use(const std::string& address, DWORD dwTimeout = 20'000)
     {
-        KXHost::SystemdPlace place;
-        place.strBusAddress = address;
-        place.strUnitDir = m_units;
-        place.dwTimeout = dwTimeout;
-        m_manager = KXHost::MakeSystemdManager(place);
+        m_manager = KXHost::MakeSystemdManager({address, m_units, dwTimeout});
     }
 
     DWORD OpenManager() { return m_manager->OpenManager(0); }
@@ -217,21 +207,12 @@ TEST_F(Systemd, ACreateThatRanOutOfTimeTakesBackWhatSystemdWrote)
 
 TEST_F(Systemd, NothingIsLeftOfAFailedRunByADeletedService)
 {
-    const auto fail = [&] {
-        test::Unit unit;
-        unit.active = unit.sub = "failed";
-        unit.result = "exit-code";
-        m_standIn->Set("Nv.service", unit);
-    };
     EXPECT_EQ(Create("Nv"), 0u);
-    fail();
+    m_standIn->Set("Nv.service", {.active = "failed", .sub = "failed", .result = "exit-code"});
     EXPECT_EQ(Delete("Nv"), 0u);
     EXPECT_EQ(m_standIn->Active("Nv.service"), "inactive");
     // One that fails after it was deleted.
-    test::Unit gone;
-    gone.load = "not-found";
-    gone.active = "failed";
-    m_standIn->Set("Nv.service", gone);
+    m_standIn->Set("Nv.service", {.load = "not-found", .active = "failed"});
     EXPECT_EQ(Create("Nv"), 0u);
     EXPECT_EQ(m_standIn->Active("Nv.service"), "inactive");
     // What can't be reset is deleted all the same, and not made anew.
@@ -245,10 +226,10 @@ TEST_F(Systemd, NothingIsLeftOfAFailedRunByADeletedService)
 TEST_F(Systemd, ADeletedServiceThatRunsCanOnlyBeStopped)
 {
     EXPECT_EQ(Create("Nv"), 0u);
-    test::Unit unit;
-    unit.active = "active";
-    unit.steps = {{"deactivating", "stop"}, {"deactivating", "stop-sigterm"}, {"inactive", "dead"}};
-    m_standIn->Set("Nv.service", unit);
+    m_standIn->Set(
+        "Nv.service",
+        {.active = "active",
+         .steps = {{"deactivating", "stop"}, {"deactivating", "stop-sigterm"}, {"inactive", "dead"}}});
     EXPECT_EQ(Delete("Nv"), 0u);
     EXPECT_EQ(Status("Nv").dwCurrentState, SERVICE_RUNNING);
     for (const DWORD error : {Create("Nv"), Delete("Nv"), SetType("Nv", 2), Describe("Nv", "x"), Start("Nv")})
@@ -262,13 +243,9 @@ TEST_F(Systemd, ADeletedServiceThatRunsCanOnlyBeStopped)
 
 TEST_F(Systemd, NamesAndTextsStayWhatTheyAre)
 {
-    struct Name
-    {
-        CString name;
-        std::string unit; // empty: refused
-    };
+    // A name and its unit; empty where it is refused.
     const std::string longest(245, 'n');
-    const Name names[] = {
+    const std::pair<CString, std::string> names[] = {
         {"a-B_1:2.3@4", "a-B_1:2.3@4.service"},
         {"two words", "two\\x20words.service"},
         {"n\n[Service]\nExecStart=x", "n\\x0a\\x5bService\\x5d\\x0aExecStart\\x3dx.service"},
@@ -289,32 +266,27 @@ TEST_F(Systemd, NamesAndTextsStayWhatTheyAre)
         {"a\\b", ""},
         {"\xFF\xFF", ""},
     };
-    for (const Name& one : names) {
-        const DWORD error = one.unit.empty() ? ERROR_INVALID_NAME : ERROR_SUCCESS;
-        EXPECT_EQ(Create(one.name), error) << one.name;
-        EXPECT_EQ(Open(one.name), error) << one.name;
-        EXPECT_EQ(Files(), one.unit.empty() ? Strings{} : Strings{one.unit});
-        EXPECT_EQ(Delete(one.name), error) << one.name;
+    for (const auto& [name, unit] : names) {
+        const DWORD error = unit.empty() ? ERROR_INVALID_NAME : ERROR_SUCCESS;
+        EXPECT_EQ(Create(name), error) << name;
+        EXPECT_EQ(Open(name), error) << name;
+        EXPECT_EQ(Files(), unit.empty() ? Strings{} : Strings{unit});
+        EXPECT_EQ(Delete(name), error) << name;
         EXPECT_EQ(Files(), Strings{});
     }
 
-    struct Text
-    {
-        const char* title;
-        std::string written;
-    };
-    const Text texts[] = {
+    const std::pair<const char*, std::string> texts[] = {
         {"100% \"q\" 'x' $HOME", "100%% \"q\" 'x' $HOME"},
         {"a\r\n[Service]\n\x7FUser=root\t", "a  [Service]  User=root "},
         {"ends\\", "ends\\ "},
         {"ends\\\\", "ends\\\\ "},
         {"\xC4\xE3", "\xE4\xBD\xA0"},
     };
-    for (const Text& one : texts) {
-        EXPECT_EQ(Create("Nv", "C:\\x", 3, one.title), 0u);
-        EXPECT_EQ(m_dir.Read("units/Nv.service"), UnitText(one.written, "\":/x\""));
-        EXPECT_EQ(Describe("Nv", one.title), 0u);
-        EXPECT_EQ(m_dir.Read("units/Nv.service.d/50-kx-description.conf"), kHead + one.written + "\n");
+    for (const auto& [title, written] : texts) {
+        EXPECT_EQ(Create("Nv", "C:\\x", 3, title), 0u);
+        EXPECT_EQ(m_dir.Read("units/Nv.service"), UnitText(written, "\":/x\""));
+        EXPECT_EQ(Describe("Nv", title), 0u);
+        EXPECT_EQ(m_dir.Read("units/Nv.service.d/50-kx-description.conf"), kHead + written + "\n");
         EXPECT_EQ(Delete("Nv"), 0u);
     }
     for (const CString& title : {CString("\xFF\xFF"), CString('t', 32'768)})
@@ -325,13 +297,8 @@ TEST_F(Systemd, ABinaryPathIsAProgramAndWords)
 {
     const std::string program = m_dir.Write("My App/nv.exe", ""), quoted = "\":" + program + "\"";
     const std::string mine = m_dir.Win("My App\\nv.exe").GetString();
-    struct Case
-    {
-        std::string path;
-        std::string command; // empty: refused
-        DWORD error = 0;
-    };
-    const Case cases[] = {
+    // A path, its command, which is empty where it is refused, and the reason.
+    const std::tuple<std::string, std::string, DWORD> cases[] = {
         {mine, quoted, 0},
         {" \"" + mine + "\"  a ", quoted + " \"a\"", 0},
         {"\"" + mine + "\"", quoted, 0},
@@ -354,11 +321,10 @@ TEST_F(Systemd, ABinaryPathIsAProgramAndWords)
         {"C:\\x \xFF\xFF", "", ERROR_INVALID_PARAMETER},
         {"C:\\x " + std::string(33'000, 'a'), "", ERROR_INVALID_PARAMETER},
     };
-    for (const Case& one : cases) {
-        EXPECT_EQ(Create("Nv", one.path.c_str()), one.error) << one.path;
-        EXPECT_EQ(m_dir.Read("units/Nv.service"),
-                  one.command.empty() ? "" : UnitText("Norvale", one.command));
-        EXPECT_EQ(Delete("Nv"), one.error ? ERROR_SERVICE_DOES_NOT_EXIST : 0u);
+    for (const auto& [path, command, error] : cases) {
+        EXPECT_EQ(Create("Nv", path.c_str()), error) << path;
+        EXPECT_EQ(m_dir.Read("units/Nv.service"), command.empty() ? "" : UnitText("Norvale", command));
+        EXPECT_EQ(Delete("Nv"), error ? ERROR_SERVICE_DOES_NOT_EXIST : 0u);
     }
 }
 
@@ -389,14 +355,14 @@ TEST_F(Systemd, StatesBecomeThePlatforms)
         {"active", "running", "stop", 20, 90, SERVICE_STOP_PENDING, 1, 250},
     };
     for (const Case& one : cases) {
-        test::Unit unit;
-        unit.active = one.active;
-        unit.sub = one.sub;
-        unit.jobType = one.job;
-        unit.secondsAgo = one.secondsAgo;
-        unit.startLimit = unit.stopLimit = one.limit == kNone ? kNone : one.limit * 1'000'000;
-        unit.pid = 42;
-        m_standIn->Set("Nv.service", unit);
+        const auto limit = one.limit == kNone ? kNone : one.limit * 1'000'000;
+        m_standIn->Set("Nv.service", {.active = one.active,
+                                      .sub = one.sub,
+                                      .jobType = one.job,
+                                      .secondsAgo = one.secondsAgo,
+                                      .pid = 42,
+                                      .startLimit = limit,
+                                      .stopLimit = limit});
         const auto status = Status("Nv");
         EXPECT_EQ(status.dwCurrentState, one.dwState) << one.active << one.sub << one.job;
         EXPECT_EQ(status.dwCheckPoint, one.dwCheckPoint) << one.active << one.sub << one.job;
@@ -409,12 +375,8 @@ TEST_F(Systemd, StatesBecomeThePlatforms)
     // ready runs only when it has been so for half a second. It can be stopped before.
     for (const char* pszType : {"exec", "simple", "idle", "notify", "forking", "oneshot"}) {
         for (const auto& [activeFor, bSettled] : {std::pair{99'000u, false}, {501'000u, true}}) {
-            test::Unit unit;
-            unit.active = "active";
-            unit.sub = "running";
-            unit.type = pszType;
-            unit.activeFor = activeFor;
-            m_standIn->Set("Nv.service", unit);
+            m_standIn->Set("Nv.service",
+                           {.active = "active", .sub = "running", .activeFor = activeFor, .type = pszType});
             const auto status = Status("Nv");
             const bool bTells = std::string_view("notify forking oneshot").find(pszType) != std::string::npos;
             const bool bRuns = bSettled || bTells;
@@ -426,30 +388,18 @@ TEST_F(Systemd, StatesBecomeThePlatforms)
         }
     }
     // A job that ends while it is asked for.
-    test::Unit gone;
-    gone.jobType = "start";
-    gone.jobGone = true;
-    m_standIn->Set("Nv.service", gone);
+    m_standIn->Set("Nv.service", {.jobType = "start", .jobGone = true});
     EXPECT_EQ(Status("Nv").dwCurrentState, SERVICE_STOPPED);
 
-    struct Exit
-    {
-        const char* result;
-        std::uint64_t started;
-        DWORD dwExitCode, dwSpecific;
-    };
-    const Exit exits[] = {{"success", 1, 0, 0},      {"success", 0, ERROR_SERVICE_NEVER_STARTED, 0},
-                          {"exit-code", 1, 1066, 3}, {"signal", 1, ERROR_PROCESS_ABORTED, 0},
-                          {"timeout", 1, 1053, 0},   {"start-limit-hit", 0, 1067, 0}};
-    for (const Exit& one : exits) {
-        test::Unit unit;
-        unit.result = one.result;
-        unit.started = one.started;
-        unit.exitStatus = 3;
-        m_standIn->Set("Nv.service", unit);
+    const std::tuple<const char*, std::uint64_t, DWORD, DWORD> exits[] = {
+        {"success", 1, 0, 0},      {"success", 0, ERROR_SERVICE_NEVER_STARTED, 0},
+        {"exit-code", 1, 1066, 3}, {"signal", 1, ERROR_PROCESS_ABORTED, 0},
+        {"timeout", 1, 1053, 0},   {"start-limit-hit", 0, 1067, 0}};
+    for (const auto& [result, started, dwExitCode, dwSpecific] : exits) {
+        m_standIn->Set("Nv.service", {.result = result, .exitStatus = 3, .started = started});
         const auto status = Status("Nv");
-        EXPECT_EQ(status.dwWin32ExitCode, one.dwExitCode) << one.result;
-        EXPECT_EQ(status.dwServiceSpecificExitCode, one.dwSpecific) << one.result;
+        EXPECT_EQ(status.dwWin32ExitCode, dwExitCode) << result;
+        EXPECT_EQ(status.dwServiceSpecificExitCode, dwSpecific) << result;
     }
     for (const char* pszMethod : {"GetAll", "LoadUnit"}) {
         for (const char* pszType : {"s", "i", "as", "a{ss}", "a{sv}"}) {
@@ -461,21 +411,16 @@ TEST_F(Systemd, StatesBecomeThePlatforms)
 
 TEST_F(Systemd, StartsAndStopsAreRefusedAsThePlatformDoes)
 {
-    test::Unit unit;
-    struct Case
-    {
-        const char* active;
-        DWORD dwStart, dwStop;
-    };
-    for (const Case& one : {Case{"active", 1056, 0}, Case{"activating", 1056, 1061},
-                            Case{"deactivating", 1056, 1061}, Case{"failed", 0, 1062}}) {
-        unit.active = one.active;
-        m_standIn->Set("Nv.service", unit);
+    for (const auto& [active, dwStart, dwStop] : {std::tuple("active", 1056u, 0u),
+                                                  {"activating", 1056u, 1061u},
+                                                  {"deactivating", 1056u, 1061u},
+                                                  {"failed", 0u, 1062u}}) {
+        m_standIn->Set("Nv.service", {.active = active});
         Calls();
-        EXPECT_EQ(Start("Nv"), one.dwStart);
-        EXPECT_EQ(Calls().find("StartUnit Nv.service replace;") != std::string::npos, one.dwStart == 0);
-        EXPECT_EQ(Stop("Nv"), one.dwStop);
-        EXPECT_EQ(Calls().find("StopUnit Nv.service replace;") != std::string::npos, one.dwStop == 0);
+        EXPECT_EQ(Start("Nv"), dwStart);
+        EXPECT_EQ(Calls().find("StartUnit Nv.service replace;") != std::string::npos, dwStart == 0);
+        EXPECT_EQ(Stop("Nv"), dwStop);
+        EXPECT_EQ(Calls().find("StopUnit Nv.service replace;") != std::string::npos, dwStop == 0);
     }
     const std::pair<const char*, DWORD> errors[] = {
         {"systemd1.UnitMasked", ERROR_SERVICE_DISABLED},
@@ -485,8 +430,7 @@ TEST_F(Systemd, StartsAndStopsAreRefusedAsThePlatformDoes)
     };
     for (const auto& [name, error] : errors) {
         m_standIn->Fail("StartUnit", std::string("org.freedesktop.") + name);
-        unit.active = "inactive";
-        m_standIn->Set("Nv.service", unit);
+        m_standIn->Set("Nv.service", {});
         EXPECT_EQ(Start("Nv"), error) << name;
     }
 }
@@ -495,11 +439,8 @@ TEST_F(Systemd, DependentsComeAheadOfWhatTheyNeed)
 {
     const auto add = [&](const std::string& name, const std::string& active,
                          std::map<std::string, Strings> lists) {
-        test::Unit unit;
-        unit.active = active;
-        unit.lists = std::move(lists);
-        unit.description = "T " + name.substr(0, 2);
-        m_standIn->Set(name, unit);
+        m_standIn->Set(
+            name, {.active = active, .description = "T " + name.substr(0, 2), .lists = std::move(lists)});
     };
     EXPECT_EQ(Open("Db"), ERROR_SERVICE_DOES_NOT_EXIST);
     add("Db.service", "active",
@@ -517,44 +458,6 @@ TEST_F(Systemd, DependentsComeAheadOfWhatTheyNeed)
     Calls();
     EXPECT_EQ(Stop("Db"), ERROR_DEPENDENT_SERVICES_RUNNING);
     EXPECT_EQ(Calls().find("StopUnit"), std::string::npos);
-}
-
-TEST_F(Systemd, TheControllerWorksOnIt)
-{
-    const test::VirtualClock clock(1'700'000'000, KXHost::VirtualSleep::Advances);
-    const test::DebugText text;
-    test::Unit main, dependent;
-    main.lists = {{"RequiredBy", {"Dep.service"}}};
-    main.steps = {{"activating", "start"},
-                  {"activating", "start"},
-                  {"activating", "start-post"},
-                  {"active", "running"}};
-    m_standIn->Set("Nv.service", main);
-    m_standIn->Set("Dep.service", dependent);
-    KXHost::SetServiceManager(m_manager);
-    CKXWinService service("Nv");
-    EXPECT_EQ(service.DoStart(), 1);
-    main.active = dependent.active = "active";
-    main.steps = {{"deactivating", "stop"}, {"deactivating", "stop-sigterm"}, {"inactive", "dead"}};
-    dependent.steps = {{"deactivating", "stop-sigterm"}, {"inactive", "dead"}};
-    m_standIn->Set("Dep.service", dependent);
-    m_standIn->Set("Nv.service", main);
-    EXPECT_EQ(service.DoStop(), 1);
-    // A stop that ends while a start waits for it.
-    main.active = "deactivating";
-    main.moving = true;
-    main.steps = {{"deactivating", "stop-sigterm"},
-                  {"deactivating", "final-sigterm"},
-                  {"inactive", "dead"},
-                  {"inactive", "dead"},
-                  {"activating", "start"},
-                  {"active", "running"}};
-    m_standIn->Set("Nv.service", main);
-    EXPECT_EQ(service.DoStart(), 1);
-    KXHost::SetServiceManager(nullptr);
-    EXPECT_EQ(text.Text(), "Service start pending...\nService started successfully.\n"
-                           "Service stopped successfully\n"
-                           "Service start pending...\nService started successfully.\n");
 }
 
 } // namespace
