@@ -1,14 +1,6 @@
 #pragma once
 
-#include "tests/support/Child.h"
-#include "tests/support/TempDir.h"
-
-#include <cstdlib>
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <string>
-#include <utility>
-#include <vector>
+#include "tests/support/Test.h"
 
 namespace test {
 
@@ -64,9 +56,8 @@ private:
     std::string m_app;
 };
 
-class CrashTest : public testing::Test
+struct CrashTest : testing::Test
 {
-protected:
 #if defined(__SANITIZE_THREAD__)
     void SetUp() override
     {

@@ -5,7 +5,6 @@
 #include "platform/Time.h"
 
 #include <atomic>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string>

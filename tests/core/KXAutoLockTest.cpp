@@ -1,9 +1,6 @@
 #include "KXAutoLock.h"
 #include "KXAutoResHandle.h"
-#include "tests/support/Await.h"
-
-#include <gtest/gtest.h>
-#include <thread>
+#include "tests/support/Test.h"
 
 namespace {
 

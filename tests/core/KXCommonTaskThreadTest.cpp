@@ -1,28 +1,16 @@
 #include "KXCommonTaskThread.h"
 #include "KXLogSys.h"
 #include "platform/Exception.h"
-#include "platform/Host.h"
 #include "platform/Sync.h"
-#include "tests/support/Await.h"
-#include "tests/support/Child.h"
-#include "tests/support/Host.h"
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 
-#include <functional>
-#include <gtest/gtest.h>
-#include <mutex>
 #include <semaphore>
 #include <stdexcept>
-#include <string>
-#include <thread>
-#include <unistd.h>
-#include <vector>
 
 namespace {
 
-class Worker : public CKXCommonTaskThread
+struct Worker : CKXCommonTaskThread
 {
-public:
     using CKXCommonTaskThread::GetNextTask;
     using CKXCommonTaskThread::ProcessTaskThread;
     using CKXCommonTaskThread::StartThread;
@@ -71,9 +59,8 @@ struct Job : tagKXCommonTask
     std::function<void(HANDLE)> act;
 };
 
-class Tasks : public testing::Test
+struct Tasks : testing::Test
 {
-protected:
     void Add(const std::string& name, std::function<void(HANDLE)> act = {})
     {
         worker->AddTask(new Job(trace, name, std::move(act)));
@@ -106,12 +93,10 @@ TEST_F(Tasks, RunOneAfterTheOther)
 
 TEST_F(Tasks, WithoutWorkAreOnlyDeleted)
 {
-    struct Idle : Job
-    {
-        explicit Idle(Trace& journal) : Job(journal, "idle") { pfnTaskProc = nullptr; }
-    };
+    auto idle = std::make_unique<Job>(trace, "idle");
+    idle->pfnTaskProc = nullptr;
     worker->Initialize();
-    worker->AddTask(new Idle(trace));
+    worker->AddTask(idle.release());
     Drain();
     worker->UnInitialize();
     EXPECT_EQ(trace.Text(), "~idle  ~ ");
@@ -141,8 +126,7 @@ TEST_F(Tasks, ThatFailLeaveALineInTheLogAndTheThreadAlive)
                name + "\xA3\xA9\n";
     };
     const std::string expected = line("thrown") + line("standard") + line("framework") + line("");
-    while (test::ReadFile(dir.Path("app.log")).size() < expected.size())
-        std::this_thread::yield();
+    test::Await([&] { return dir.Read("app.log").size() >= expected.size(); });
     log->Uninitialize();
     EXPECT_EQ(dir.Read("app.log"), expected);
 }
@@ -217,23 +201,11 @@ TEST_F(Tasks, OfSeveralProducersKeepEachOnesOrder)
     constexpr int nProducers = 4;
     constexpr int nTasks = 5000;
     std::vector<std::vector<int>> seen(nProducers); // by the worker alone
-    struct Numbered : tagKXCommonTask
-    {
-        Numbered(std::vector<int>& target, int number) : tagKXCommonTask(Run), list(target), n(number) {}
-        static int Run(tagKXCommonTask* task, HANDLE)
-        {
-            auto& self = *static_cast<Numbered*>(task);
-            self.list.push_back(self.n);
-            return 0;
-        }
-        std::vector<int>& list;
-        int n;
-    };
     const int nHandles = KXHost::LiveHandles();
     worker->Initialize();
     test::RunThreads(nProducers, [&](int p) {
         for (int n = 0; n < nTasks; ++n)
-            worker->AddTask(new Numbered(seen[static_cast<std::size_t>(p)], n));
+            Add("", [&list = seen[static_cast<std::size_t>(p)], n](HANDLE) { list.push_back(n); });
     });
     Drain();
     EXPECT_EQ(KXHost::LiveHandles(), nHandles + 3); // one thread, however many began

@@ -3,18 +3,10 @@
 #include "tests/support/CrashKinds.h"
 #include "tests/support/HttpServer.h"
 
-#include <algorithm>
 #include <csignal>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <httplib.h>
-#include <link.h>
 #include <regex>
 #include <sys/stat.h>
-#include <thread>
 
 namespace {
 
@@ -163,13 +155,7 @@ TEST_F(CrashDumper, CrashesAtOnceAreOneReport)
 
 TEST_F(CrashDumper, EndsInOrderWithoutAReport)
 {
-    struct Case
-    {
-        const char* pszWhat;
-        void (*pfnPrepare)(Place&);
-        std::vector<std::string> env;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, void (*)(Place&), std::vector<std::string>> cases[] = {
         {"no marker", [](Place& place) { fs::remove(place.Script().Dir().Path("nv_dbg_14.txt")); }, {}},
         {"a directory for a marker",
          [](Place& place) {
@@ -191,11 +177,11 @@ TEST_F(CrashDumper, EndsInOrderWithoutAReport)
          [](Place& place) { place.Script(); },
          {"KX_TEST_PATH=C:\\" + std::string(300, 'a')}},
     };
-    for (const Case& one : cases) {
-        SCOPED_TRACE(one.pszWhat);
+    for (const auto& [pszWhat, pfnPrepare, env] : cases) {
+        SCOPED_TRACE(pszWhat);
         Place place;
-        one.pfnPrepare(place);
-        EXPECT_EQ(place.Crash("division", one.env), 128 + SIGFPE);
+        pfnPrepare(place);
+        EXPECT_EQ(place.Crash("division", env), 128 + SIGFPE);
         EXPECT_EQ(place.Arguments() + place.Dump(".dmp") + place.Dump(".txt"), "");
     }
 }
@@ -237,8 +223,7 @@ TEST_F(CrashDumper, HoldsAnExitUntilTheReportIsMade)
     place.Script("read line < go\n");
     const std::string go = place.Pipe("go");
     test::Child child = place.Start("masked");
-    while (!place.Dir().Exists("exits"))
-        std::this_thread::yield();
+    test::Await([&] { return place.Dir().Exists("exits"); });
     std::ofstream(go) << "go\n";
     EXPECT_EQ(child.Wait(), 128 + SIGSEGV);
     EXPECT_FALSE(place.Dir().Exists("gone")); // static objects stay for the filter's thread
@@ -258,21 +243,8 @@ TEST_F(CrashDumper, ReportsWithoutADescriptorLeft)
 // The loader keeps to this flag: it never takes the library away.
 TEST(Library, IsNeverUnloaded)
 {
-    const auto look = [](dl_phdr_info* info, std::size_t, void* pFound) {
-        if (!std::strstr(info->dlpi_name, "KXCommonClass")) return 0;
-        for (int n = 0; n < info->dlpi_phnum; ++n) {
-            const ElfW(Phdr)& segment = info->dlpi_phdr[n];
-            if (segment.p_type != PT_DYNAMIC) continue;
-            for (auto* entry = reinterpret_cast<const ElfW(Dyn)*>(info->dlpi_addr + segment.p_vaddr);
-                 entry->d_tag != DT_NULL; ++entry)
-                if (entry->d_tag == DT_FLAGS_1 && (entry->d_un.d_val & DF_1_NODELETE))
-                    *static_cast<bool*>(pFound) = true;
-        }
-        return 1;
-    };
-    bool bFound = false;
-    EXPECT_EQ(dl_iterate_phdr(look, &bFound), 1);
-    EXPECT_TRUE(bFound);
+    EXPECT_THAT(test::OutputOf("readelf -d " KX_TEST_BIN "/../lib/libKXCommonClass.so"),
+                HasSubstr("NODELETE"));
 }
 
 TEST_F(CrashDumper, LeavesACoreThatADebuggerOpens)
@@ -396,9 +368,8 @@ TEST_F(CrashDumper, DoesNotRestartAProgramAgainAndAgain)
 }
 
 // The class as a client sees it in its own process.
-class Dumper : public CKXCrashDumper
+struct Dumper : CKXCrashDumper
 {
-public:
     using CKXCrashDumper::ExceptionFilter;
     using CKXCrashDumper::m_bAutoRestart;
     using CKXCrashDumper::m_bAutoSend;

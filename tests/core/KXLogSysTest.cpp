@@ -1,26 +1,11 @@
 #include "KXLogSys.h"
 #include "platform/Sync.h"
-#include "tests/support/Await.h"
-#include "tests/support/Child.h"
-#include "tests/support/Host.h"
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 
-#include <algorithm>
-#include <array>
-#include <atomic>
-#include <cstdlib>
-#include <ctime>
 #include <fcntl.h>
-#include <filesystem>
-#include <fstream>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <poll.h>
-#include <string>
 #include <termios.h>
-#include <thread>
 #include <unistd.h>
-#include <vector>
 
 namespace {
 
@@ -37,8 +22,7 @@ void AwaitSleepers()
         const std::filesystem::directory_iterator tasks("/proc/self/task");
         return std::all_of(begin(tasks), end(tasks), [&](const auto& task) { return sleeps(task.path()); });
     };
-    while (!allSleep())
-        std::this_thread::yield();
+    test::Await(allSleep);
 }
 
 // The number of this process's calls that wrote to anything.
@@ -48,9 +32,8 @@ long WriteCalls()
     return std::atol(io.c_str() + io.find("syscw: ") + 7);
 }
 
-class Log : public testing::Test
+struct Log : testing::Test
 {
-protected:
     ~Log() override { log->Uninitialize(); }
 
     void Start() { ASSERT_EQ(log->Initialize(dir.Win("app.log")), 1); }
@@ -204,7 +187,7 @@ TEST_F(Log, ALineBehindOneThatTheDiskCutStandsOnItsOwn)
 }
 
 // The far end of a terminal, which takes no more once nobody reads what was written.
-class Terminal
+class Terminal : test::Fixed
 {
 public:
     Terminal()
@@ -217,8 +200,6 @@ public:
         cfmakeraw(&mode);
         tcsetattr(m_near, TCSANOW, &mode);
     }
-    Terminal(const Terminal&) = delete;
-    Terminal& operator=(const Terminal&) = delete;
     ~Terminal()
     {
         close(m_near);
@@ -292,8 +273,7 @@ TEST_F(Log, AFlushEndsWithItsTime)
     EXPECT_EQ(log->Flush(0), 0);
     std::atomic<int> nResult{-1};
     std::jthread waiting([&] { nResult = log->Flush(5000); });
-    while (KXHost::ClockWaiters() == 0)
-        std::this_thread::yield();
+    test::AwaitSleepers(1);
     KXHost::AdvanceClock(4999);
     EXPECT_EQ(nResult, -1);
     KXHost::AdvanceClock(1);
@@ -314,8 +294,7 @@ TEST(LogStart, ThatFailsLeavesNothingRunning)
     GTEST_SKIP() << "ThreadSanitizer has a thread of its own";
 #endif
     const test::TempDir dir;
-    test::Child child("LogStartChild", {dir.Path("app.log")}, {}, true);
-    EXPECT_EQ(child.Wait(), 0) << child.ErrorText();
+    EXPECT_EQ(test::RunChild("LogStartChild", {dir.Path("app.log")}), "");
 }
 
 // Neither hangs nor loses a line of the parent's, and the child's lines go where it says.
@@ -329,8 +308,7 @@ TEST(LogFork, OfABusyProcessMayLogAndUseFiles)
            "of the parent held";
 #endif
     const test::TempDir dir;
-    test::Child child("ForkChild", {dir.Path(), "100"}, {}, true);
-    EXPECT_EQ(child.Wait(), 0) << child.ErrorText();
+    EXPECT_EQ(test::RunChild("ForkChild", {dir.Path(), "100"}), "");
     std::array<int, 2> next{};
     std::ifstream file(dir.Path("parent.log"));
     for (std::string line; std::getline(file, line);) {

@@ -2,6 +2,7 @@
 #include "KXLogSys.h"
 #include "core/LogRecord.h"
 #include "internal/Debug.h"
+#include "platform/FileSystem.h"
 #include "platform/Host.h"
 #include "tests/support/CrashKinds.h"
 
@@ -160,9 +161,7 @@ int main(int, char** args)
 {
     const std::string root = args[1];
     const std::string how = args[2];
-    KXHost::Drive drive;
-    drive.strRoot = root;
-    KXHost::MountDrive('C', drive);
+    KXHost::MountDrive('C', {root, DRIVE_FIXED, "", "", 0});
     CKXCrashDumper dumper;
     dumper.Initialize("App", "C:\\app\\", "stem", "", "", 0, 0);
     if (how == "threads") CrashAmongThreads(root, static_cast<unsigned>(std::atoi(args[3])));

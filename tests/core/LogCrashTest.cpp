@@ -2,17 +2,7 @@
 
 #include "tests/core/CrashPlace.h"
 
-#include <algorithm>
-#include <array>
 #include <csignal>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sstream>
-#include <string>
-#include <vector>
 
 namespace {
 

@@ -1,12 +1,7 @@
 #include "KXDebug.h"
 #include "KXText.h"
 #include "include/KXStrHelper.h"
-#include "tests/support/Child.h"
-#include "tests/support/Host.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <string>
+#include "tests/support/Test.h"
 
 namespace {
 
@@ -20,7 +15,7 @@ std::vector<CString> Pieces(const char* pszText, const char* pszDelim)
     return pieces;
 }
 
-TEST(KXStrHelper, SplitCutsAtEachDelimiter)
+TEST(KXStrHelper, SplitCutsAtEachDelimiterAndAppends)
 {
     EXPECT_THAT(Pieces("a,bc,d", ","), ElementsAre("a", "bc", "d"));
     EXPECT_THAT(Pieces("a,b,", ","), ElementsAre("a", "b"));
@@ -33,10 +28,7 @@ TEST(KXStrHelper, SplitCutsAtEachDelimiter)
     EXPECT_THAT(Pieces("", ""), ElementsAre());
     // A trail byte of code page 936 is no bar.
     EXPECT_THAT(Pieces("\xD0|\x81||\xD6\xD0", "|"), ElementsAre("\xD0|\x81|", "\xD6\xD0"));
-}
 
-TEST(KXStrHelper, SplitAppends)
-{
     std::vector<CString> pieces{"1;2", ";"};
     EXPECT_EQ(CKXStrHelper::Split(pieces[0], pieces[1], pieces), 4); // from and by its own strings
     EXPECT_THAT(pieces, ElementsAre("1;2", ";", "1", "2"));
@@ -44,10 +36,8 @@ TEST(KXStrHelper, SplitAppends)
 
 TEST(KXStrHelper, String2DateTimeTakesWhatIsThere)
 {
-    const struct
-    {
-        const char *text, *time; // null: no such time
-    } cases[] = {
+    // A text and its time; null where that is none.
+    const std::pair<const char*, const char*> cases[] = {
         {"2009-03-14 15:09:26", "2009-03-14 15:09:26"},
         {"2009-03-14", "2009-03-14 00:00:00"},
         {"2009-3-4 5:6:7", "2009-03-04 05:06:07"},
@@ -65,23 +55,18 @@ TEST(KXStrHelper, String2DateTimeTakesWhatIsThere)
         {"text", nullptr},
         {"", nullptr},
     };
-    for (const auto& c : cases) {
-        const COleDateTime time = CKXStrHelper::String2DateTime(c.text);
-        EXPECT_EQ(time.GetStatus(), c.time ? COleDateTime::valid : COleDateTime::invalid) << c.text;
-        if (c.time) {
-            EXPECT_EQ(time.Format("%Y-%m-%d %H:%M:%S"), c.time);
+    for (const auto& [text, expected] : cases) {
+        const COleDateTime time = CKXStrHelper::String2DateTime(text);
+        EXPECT_EQ(time.GetStatus(), expected ? COleDateTime::valid : COleDateTime::invalid) << text;
+        if (expected) {
+            EXPECT_EQ(time.Format("%Y-%m-%d %H:%M:%S"), expected);
         }
     }
 }
 
 TEST(Text, GoesToUtf8AndBackInEachCodePage)
 {
-    const struct
-    {
-        UINT nCodePage;
-        std::string text;
-        std::string utf8;
-    } cases[] = {
+    const std::tuple<UINT, std::string, std::string> cases[] = {
         {936, "", ""},
         {936, "plain", "plain"},
         {936, std::string("a\0b", 3), std::string("a\0b", 3)},
@@ -89,19 +74,13 @@ TEST(Text, GoesToUtf8AndBackInEachCodePage)
         {936, "\x94\x39\xDA\x33", "💩"}, // four bytes in GB18030
         {65001, "你好", "你好"},
     };
-    for (const auto& c : cases) {
-        const test::CodePage page(c.nCodePage);
-        EXPECT_EQ(KXText::ToUtf8(c.text), c.utf8);
-        EXPECT_EQ(std::string(KXText::FromUtf8(c.utf8).View()), c.text);
+    for (const auto& [nCodePage, text, utf8] : cases) {
+        const test::CodePage page(nCodePage);
+        EXPECT_EQ(KXText::ToUtf8(text), utf8);
+        EXPECT_EQ(std::string(KXText::FromUtf8(utf8).View()), text);
     }
-    EXPECT_EQ(KXText::ToUtf8("a\xFF"
-                             "b"),
-              "a\xEF\xBF\xBD"
-              "b");
-    EXPECT_EQ(KXText::ToUtf8(KXText::FromUtf8("a\xFF"
-                                              "b")),
-              "a\xEF\xBF\xBD"
-              "b");
+    EXPECT_EQ(KXText::ToUtf8("a\xFF!"), "a\xEF\xBF\xBD!");
+    EXPECT_EQ(KXText::ToUtf8(KXText::FromUtf8("a\xFF!")), "a\xEF\xBF\xBD!");
 }
 
 // A text is a view for every call that takes one, and made of one.
@@ -132,19 +111,18 @@ TEST(Debug, PrintsFormattedAndCutsAtItsBuffer)
 // The one that goes first at the end has nothing that still needs those that go later.
 TEST(Debug, SingletonsAnnounceThemselvesAndEndInOrder)
 {
-    test::Child child("UnloadChild", {}, {"KX_DEBUG=1", "DISPLAY="}, true);
-    EXPECT_EQ(child.Wait(), 0);
-    EXPECT_EQ(child.ErrorText(), "loaded\n"
-                                 "window: DISPLAY names no display; windows appear on a desktop in memory\n"
-                                 "CKXFileSystem construction!\n" // the skins ask for it
-                                 "CKXSkinResManager Construction!\n"
-                                 "CKXLogSys Construction!\n"
-                                 "CKXLanResManager Construction!\n"
-                                 "end of main\n"
-                                 "CKXSkinResManager Deconstruction!\n"
-                                 "CKXLanResManager Deconstruction!\n"
-                                 "CKXLogSys Deconstruction!\n"
-                                 "CKXFileSystem destroy!\n");
+    EXPECT_EQ(test::RunChild("UnloadChild", {}, {"KX_DEBUG=1", "DISPLAY="}),
+              "loaded\n"
+              "window: DISPLAY names no display; windows appear on a desktop in memory\n"
+              "CKXFileSystem construction!\n" // the skins ask for it
+              "CKXSkinResManager Construction!\n"
+              "CKXLogSys Construction!\n"
+              "CKXLanResManager Construction!\n"
+              "end of main\n"
+              "CKXSkinResManager Deconstruction!\n"
+              "CKXLanResManager Deconstruction!\n"
+              "CKXLogSys Deconstruction!\n"
+              "CKXFileSystem destroy!\n");
 }
 
 } // namespace

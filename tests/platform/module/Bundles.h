@@ -1,12 +1,8 @@
 #pragma once
 
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 
-#include <cstdlib>
 #include <gio/gio.h>
-#include <gtest/gtest.h>
-#include <map>
-#include <string>
 
 namespace test {
 
@@ -29,7 +25,7 @@ inline std::string CompileBundle(const TempDir& dir, const Resources& resources,
 }
 
 // Resources registered in this process, as those that a program links in are.
-class LinkedIn
+class LinkedIn : Fixed
 {
 public:
     explicit LinkedIn(const Resources& resources)
@@ -40,8 +36,6 @@ public:
         EXPECT_NE(m_resource, nullptr);
         g_resources_register(m_resource);
     }
-    LinkedIn(const LinkedIn&) = delete;
-    LinkedIn& operator=(const LinkedIn&) = delete;
     ~LinkedIn()
     {
         g_resources_unregister(m_resource);

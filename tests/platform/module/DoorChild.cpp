@@ -14,7 +14,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
-#include <string_view>
 #include <thread>
 #include <unistd.h>
 #include <vector>

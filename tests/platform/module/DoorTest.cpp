@@ -1,24 +1,16 @@
-#include "tests/support/Child.h"
-#include "tests/support/TempDir.h"
-
-#include <filesystem>
-#include <fstream>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
-using testing::Not;
 
 constexpr const char* kAll = "HTTP, services, XML, letters, shell, pictures\n";
 constexpr const char* kNone = "no HTTP, no services, no XML, no letters, no shell, no pictures\n";
 
 // A copy of the library with its modules.
-class Doors : public testing::Test
+struct Doors : testing::Test
 {
-protected:
     void SetUp() override
     {
         const fs::path built = fs::path(KX_TEST_BIN).parent_path() / "lib";
@@ -46,10 +38,8 @@ protected:
 
     std::string Run(std::vector<std::string> args = {})
     {
-        test::Child child("DoorChild", std::move(args), {"LD_LIBRARY_PATH=" + m_dir.Path(""), "KX_DEBUG=1"},
-                          true);
-        EXPECT_EQ(child.Wait(), 0);
-        return child.ErrorText();
+        return test::RunChild("DoorChild", std::move(args),
+                              {"LD_LIBRARY_PATH=" + m_dir.Path(""), "KX_DEBUG=1"});
     }
 
     test::TempDir m_dir;
@@ -58,7 +48,7 @@ protected:
 TEST_F(Doors, OpenFromBesideTheLibrary)
 {
     EXPECT_THAT(Run(), HasSubstr(kAll));
-    EXPECT_THAT(Run(), Not(HasSubstr("module")));
+    EXPECT_THAT(Run(), testing::Not(HasSubstr("module")));
     fs::remove_all(m_dir.Path("KXCommonClass"));
     const std::string text = Run({"threads"});
     EXPECT_THAT(text, HasSubstr(kNone));

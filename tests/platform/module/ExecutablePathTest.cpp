@@ -1,23 +1,13 @@
 #include "include/platform/Error.h"
-#include "include/platform/Host.h"
 #include "include/platform/Module.h"
-#include "tests/support/Child.h"
-#include "tests/support/Host.h"
-#include "tests/support/TempDir.h"
-
-#include <filesystem>
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
 
 namespace {
 
-using test::TempDir;
-
 // The host's choice of the executable's path during a scope.
-struct Chosen
+struct Chosen : test::Fixed
 {
     explicit Chosen(const std::string& path) { KXHost::SetExecutablePath(path); }
-    Chosen(const Chosen&) = delete;
-    Chosen& operator=(const Chosen&) = delete;
     ~Chosen() { KXHost::SetExecutablePath(""); }
 };
 
@@ -29,17 +19,6 @@ std::string NameOfExecutable(DWORD nSize = MAX_PATH)
     EXPECT_EQ(buffer.at(length), '\0');
     EXPECT_EQ(buffer.at(nSize), '#');
     return buffer.substr(0, length);
-}
-
-TEST(ExecutablePath, IsTheRunningProgramOrTheHostsChoice)
-{
-    const std::string own = std::filesystem::read_symlink("/proc/self/exe").string();
-    EXPECT_EQ(NameOfExecutable(), KXHost::FromSystemPath(own).GetString());
-    {
-        const Chosen chosen("/opt/app/client");
-        EXPECT_EQ(NameOfExecutable(), "C:\\opt\\app\\client");
-    }
-    EXPECT_EQ(NameOfExecutable(), KXHost::FromSystemPath(own).GetString());
 }
 
 TEST(ExecutablePath, IsCutAtACharacterAndEnded)
@@ -71,17 +50,14 @@ TEST(ExecutablePath, OneThatCantBeSaidFails)
 
 TEST(ExecutablePath, OfADeletedProgramStaysItsName)
 {
-    const TempDir dir;
+    const test::TempDir dir;
     const auto run = [&](const std::string& name, bool deleted) {
         const std::string path = dir.Path(name);
         std::filesystem::copy_file(KX_TEST_BIN "/ExecutableChild", path);
         std::string up;
         for (int i = 0; i < 32; ++i)
             up += "../";
-        test::Child child(up + path.substr(1), deleted ? std::vector{path} : std::vector<std::string>{}, {},
-                          true);
-        EXPECT_EQ(child.Wait(), 0);
-        return child.ErrorText();
+        return test::RunChild(up + path.substr(1), deleted ? std::vector{path} : std::vector<std::string>{});
     };
     const auto expected = [&](const char* pszName) { return std::string(dir.Win(pszName)); };
     EXPECT_EQ(run("app", false), expected("app"));

@@ -7,9 +7,8 @@
 namespace test {
 
 // Files with a version in them, made in memory, whose fields a test may falsify.
-class Image
+struct Image
 {
-public:
     void Put(std::size_t at, std::size_t width, std::uint64_t value)
     {
         if (bytes.size() < at + width) bytes.resize(at + width);

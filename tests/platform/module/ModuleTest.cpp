@@ -2,10 +2,6 @@
 
 #include "include/platform/Error.h"
 #include "tests/platform/module/Bundles.h"
-#include "tests/support/Await.h"
-#include "tests/support/Host.h"
-#include <cstring>
-#include <string_view>
 #include <sys/stat.h>
 
 namespace {
@@ -32,7 +28,7 @@ std::string StringOf(HMODULE hModule, UINT nId, int nSize = 64)
 }
 
 // A bundle of these resources, open as a module.
-class OpenModule
+class OpenModule : test::Fixed
 {
 public:
     explicit OpenModule(const Resources& resources, bool compressed = false)
@@ -41,8 +37,6 @@ public:
         m_handle = LoadLibraryA(m_dir.Win("bundle"));
         EXPECT_NE(m_handle, nullptr);
     }
-    OpenModule(const OpenModule&) = delete;
-    OpenModule& operator=(const OpenModule&) = delete;
     ~OpenModule() { FreeLibrary(m_handle); }
     operator HMODULE() const { return m_handle; }
     CString Path() const { return m_dir.Win("bundle"); }
@@ -173,12 +167,7 @@ TEST(StringTable, ComesInTheCodePageAndFitsTheBuffer)
                                       {"STRING/5", "\xFF!"},
                                       {"STRING/6", ""},
                                       {"STRING/65536", "wide"}});
-    const struct
-    {
-        UINT page, id;
-        int size;
-        const char* text;
-    } cases[] = {
+    const std::tuple<UINT, UINT, int, const char*> cases[] = {
         {936, 1, 64, "\xD6\xD0\xCE\xC4"},
         {936, 1, 5, "\xD6\xD0\xCE\xC4"},
         {936, 1, 4, "\xD6\xD0"},
@@ -195,9 +184,9 @@ TEST(StringTable, ComesInTheCodePageAndFitsTheBuffer)
         {936, 7, 64, ""},
         {936, 65536, 64, "wide"},
     };
-    for (const auto& c : cases) {
-        const test::CodePage page(c.page);
-        EXPECT_EQ(StringOf(module, c.id, c.size), c.text) << c.id << " into " << c.size;
+    for (const auto& [codePage, id, size, text] : cases) {
+        const test::CodePage page(codePage);
+        EXPECT_EQ(StringOf(module, id, size), text) << id << " into " << size;
     }
     char untouched = '#';
     EXPECT_EQ(LoadStringA(module, 2, &untouched, 0), 0);
@@ -251,11 +240,7 @@ TEST(Module, LyingBundlesGiveNothing)
     const std::size_t value = plain.find("content") - 8, size = 8 + 8 + 7; // 8 + content and 0 + type
     const std::size_t slice = plain.find(u32(value) + u32(value + size));
     ASSERT_NE(slice, plain.npos);
-    const struct
-    {
-        std::size_t at;
-        std::string bytes;
-    } lies[] = {
+    const std::pair<std::size_t, std::string> lies[] = {
         {value + 17, "(uuas)"},
         {value + 17, "(yyay)"},
         {value, u32(6)},
@@ -276,9 +261,9 @@ TEST(Module, LyingBundlesGiveNothing)
         {20, u32(plain.size() + 4)},
     };
     EXPECT_NE(FreeLibrary(open(plain)), 0);
-    for (const auto& lie : lies)
-        EXPECT_EQ(open(std::string(plain).replace(lie.at, lie.bytes.size(), lie.bytes)), nullptr)
-            << lie.at << ' ' << testing::PrintToString(lie.bytes);
+    for (const auto& [at, bytes] : lies)
+        EXPECT_EQ(open(std::string(plain).replace(at, bytes.size(), bytes)), nullptr)
+            << at << ' ' << testing::PrintToString(bytes);
     std::string empty = plain; // not even the zero byte that follows a resource
     empty.replace(value, 15, u32(0xFFFFFFFF) + std::string("\0\0\0\0\0(uuay)", 11))
         .replace(slice + 4, 4, u32(value + 15));

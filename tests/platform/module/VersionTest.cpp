@@ -3,11 +3,9 @@
 #include "include/platform/Error.h"
 #include "platform/UniqueFd.h"
 #include "tests/platform/module/Images.h"
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 
-#include <cstring>
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -48,14 +46,10 @@ std::string VersionOf(const Image& image)
     return VersionOf(dir.Win("image"));
 }
 
-TEST(FileVersion, OfAPeImageIsItsFixedRecord)
+TEST(FileVersion, IsAPeImagesFixedRecordOrAnElfFilesNote)
 {
     for (const bool b64 : {false, true})
         EXPECT_EQ(VersionOf(PeImage(b64)), "1.2.3.4");
-}
-
-TEST(FileVersion, OfAnElfFileIsItsNote)
-{
     EXPECT_EQ(VersionOf(ElfImage()), "5.6.7.8");
 }
 
@@ -63,11 +57,7 @@ TEST(FileVersion, LyingPeHeadersGiveNone)
 {
     for (const bool b64 : {false, true}) {
         const PeFields at(b64);
-        const struct
-        {
-            std::size_t at, width;
-            std::uint64_t value;
-        } lies[] = {
+        const std::tuple<std::size_t, std::size_t, std::uint64_t> lies[] = {
             {0, 1, 'N'},
             {at.peAt, 4, 0xFFFFFFFF},
             {at.peAt, 4, 0x5F0},
@@ -104,11 +94,10 @@ TEST(FileVersion, LyingPeHeadersGiveNone)
             {at.head + 36, 1, '!'},
             {at.record, 4, 0xFEEF04BC},
         };
-        for (const auto& lie : lies) {
+        for (const auto& [place, width, value] : lies) {
             Image image = PeImage(b64);
-            image.Put(lie.at, lie.width, lie.value);
-            EXPECT_EQ(VersionOf(image), "none")
-                << std::hex << lie.at << ' ' << lie.value << (b64 ? " 64" : " 32");
+            image.Put(place, width, value);
+            EXPECT_EQ(VersionOf(image), "none") << std::hex << place << ' ' << value << (b64 ? " 64" : " 32");
             EXPECT_EQ(GetLastError(), ERROR_RESOURCE_DATA_NOT_FOUND);
         }
     }
@@ -141,11 +130,7 @@ TEST(FileVersion, ASecondNameServesWhereTheFirstHasNoRecord)
 TEST(FileVersion, LyingElfHeadersGiveNone)
 {
     const std::size_t entry = 64 + 56;
-    const struct
-    {
-        std::size_t at, width;
-        std::uint64_t value;
-    } lies[] = {
+    const std::tuple<std::size_t, std::size_t, std::uint64_t> lies[] = {
         {0, 1, 0},
         {4, 1, 1},
         {5, 1, 0},
@@ -164,10 +149,10 @@ TEST(FileVersion, LyingElfHeadersGiveNone)
         {test::kElfNote + 12, 1, 'k'},
         {test::kElfNote + 24, 4, 0x10000}, // no 16-bit number
     };
-    for (const auto& lie : lies) {
+    for (const auto& [place, width, value] : lies) {
         Image image = ElfImage();
-        image.Put(lie.at, lie.width, lie.value);
-        EXPECT_EQ(VersionOf(image), "none") << std::hex << lie.at << ' ' << lie.value;
+        image.Put(place, width, value);
+        EXPECT_EQ(VersionOf(image), "none") << std::hex << place << ' ' << value;
     }
 }
 
@@ -202,14 +187,12 @@ TEST(FileVersion, WhatIsNoFileHasNone)
     const TempDir dir;
     dir.Write("empty", "");
     ASSERT_EQ(mkfifo(dir.Path("fifo").c_str(), 0600), 0);
-    EXPECT_EQ(VersionOf(dir.Win("fifo")), "none"); // at once, with no writer there
-    EXPECT_EQ(VersionOf(dir.Win("empty")), "none");
-    EXPECT_EQ(VersionOf(dir.Win()), "none");
-    EXPECT_EQ(VersionOf("C:\\dev\\zero"), "none");
-    EXPECT_EQ(VersionOf(""), "none");
-    EXPECT_EQ(VersionOf(static_cast<const char*>(nullptr)), "none");
-    EXPECT_EQ(VersionOf(dir.Win("absent")), "none");
+    // The pipe's at once, with no writer there.
+    for (const CString& strPath : {dir.Win("fifo"), dir.Win("empty"), dir.Win(), CString("C:\\dev\\zero"),
+                                   CString(), dir.Win("absent")})
+        EXPECT_EQ(VersionOf(strPath), "none");
     EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(VersionOf(static_cast<const char*>(nullptr)), "none");
 }
 
 TEST(FileVersion, BlocksAreChecked)
