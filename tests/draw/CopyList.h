@@ -2,16 +2,13 @@
 
 #include "include/platform/Host.h"
 
-#include <sstream>
-#include <string>
-#include <utility>
-#include <vector>
+#include "tests/support/Test.h"
 
 namespace test {
 
 // The block copies made while it lives, each as text: "x,y cx,cy from x,y", with "keyed" in front of a
 // transparent one, and the source's size behind one that stretches.
-class CopyList
+class CopyList : Fixed
 {
 public:
     CopyList()
@@ -26,8 +23,6 @@ public:
             m_copies.push_back(text.str());
         });
     }
-    CopyList(const CopyList&) = delete;
-    CopyList& operator=(const CopyList&) = delete;
     ~CopyList() { KXHost::SetCopyObserver({}); }
 
     // What was copied since the last call.

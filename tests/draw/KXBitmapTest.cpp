@@ -1,16 +1,9 @@
 #include "KXBitmap.h"
 #include "tests/draw/CopyList.h"
 #include "tests/platform/module/Bundles.h"
-#include "tests/support/Child.h"
 #include "tests/support/Picture.h"
-#include "tests/support/TempDir.h"
-
-#include <climits>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -38,9 +31,8 @@ HBITMAP MakeBitmap(const test::Picture& picture)
     return hBitmap;
 }
 
-class Bitmap : public testing::Test
+struct Bitmap : testing::Test
 {
-protected:
     void Attach(int cx, int cy) { bitmap.AttachBitmap(MakeBitmap(cx, cy)); }
 
     test::Paper paper{12, 6, 'W'};
@@ -119,7 +111,7 @@ TEST_F(Bitmap, PavesInBandsAcross)
                 ElementsAre("2,1 5x4 from 2,0", "7,1 1x4 from 2,0", "0,1 2x4 from 0,0", "8,1 3x4 from 7,0",
                             "2,5 5x2 from 2,0", "7,5 1x2 from 2,0", "0,5 2x2 from 0,0", "8,5 3x2 from 7,0"));
     bitmap.Pave(&dc, CRect(0, 7, 11, 7), 0);
-    EXPECT_THAT(copies.Take(), IsEmpty());
+    EXPECT_THAT(copies.Take(), testing::IsEmpty());
     bitmap.SetFillParam(1, 1, 0);
     bitmap.Pave(&dc, CRect(0, 0, 12, 3), 0);
     EXPECT_THAT(copies.Take(), ElementsAre("0,1 10x1 from 0,1", "0,0 10x1 from 0,0", "0,2 10x1 from 0,3",
@@ -184,7 +176,7 @@ TEST_F(Bitmap, EmptyObjectsDrawNothing)
     EXPECT_EQ(bitmap.GetBits(&byte), 0);
     EXPECT_EQ(rgn.GetSafeHandle(), nullptr);
     EXPECT_EQ(bitmap.DetachBitmap(), nullptr);
-    EXPECT_THAT(copies.Take(), IsEmpty());
+    EXPECT_THAT(copies.Take(), testing::IsEmpty());
     Attach(4, 4);
     bitmap.Draw(nullptr, 0, 0, 0); // a null device: a copy that paints nothing
     EXPECT_THAT(copies.Take(), ElementsAre("0,0 4x4 from 0,0"));
@@ -312,13 +304,7 @@ TEST_F(Bitmap, RegionOfATallPicture)
 TEST_F(Bitmap, LoadsFilesAndForgetsTheOldOne)
 {
     const test::TempDir dir;
-    test::Bmp file;
-    file.width = file.height = 2;
-    file.depth = 1;
-    file.colorsUsed = 2;
-    file.palette = test::Le(0xFF0000, 4) + test::Le(0x00FF00, 4);
-    file.pixels = test::Le(0x40, 4) + test::Le(0x80, 4); // bottom row first
-    dir.Write("two.bmp", file.File());
+    dir.Write("two.bmp", test::ToBmp({"GR", "RG"}, 1, false, "RG").File());
     EXPECT_EQ(bitmap.LoadBitmapA(dir.Win("two.bmp")), 1);
     EXPECT_EQ(bitmap.GetBITMAP().bmBitsPixel, 1);
     unsigned char rows[8];

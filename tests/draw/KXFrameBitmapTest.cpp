@@ -2,23 +2,11 @@
 #include "tests/draw/CopyList.h"
 #include "tests/support/Picture.h"
 
-#include <algorithm>
-#include <climits>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::Ge;
-using testing::Le;
-using testing::SizeIs;
-
 namespace {
 
 // An image of 20 by 16 with corners 10x4, 5x3, 6x2 and 4x5, in the usual order.
-class Frame : public testing::Test
+struct Frame : testing::Test
 {
-protected:
     Frame()
     {
         frame.AttachBitmap(CreateCompatibleBitmap(paper, 20, 16));
@@ -34,9 +22,9 @@ protected:
 TEST_F(Frame, DrawsEdgesInTilesAndCornersOverThem)
 {
     frame.Draw(&dc, CRect(0, 0, 40, 30), 0, 0);
-    EXPECT_THAT(
-        copies.Take(),
-        ElementsAre("10,0 5x4 from 10,0", "15,0 5x4 from 10,0", "20,0 5x4 from 10,0", "25,0 5x4 from 10,0",
+    EXPECT_THAT(copies.Take(),
+                testing::ElementsAre(
+                    "10,0 5x4 from 10,0", "15,0 5x4 from 10,0", "20,0 5x4 from 10,0", "25,0 5x4 from 10,0",
                     "30,0 5x4 from 10,0",                                                  // top
                     "6,28 10x2 from 6,14", "16,28 10x2 from 6,14", "26,28 10x2 from 6,14", // bottom
                     "0,4 10x10 from 0,4", "0,14 10x10 from 0,4", "0,24 10x4 from 0,4",     // left
@@ -82,8 +70,8 @@ TEST_F(Frame, InsetsAreThoseOfTheLargerCorner)
 TEST_F(Frame, SmallerThanItsCornersDrawsThemAlone)
 {
     frame.Draw(&dc, CRect(0, 0, 6, 4), 0, 0);
-    EXPECT_THAT(copies.Take(), ElementsAre("0,0 10x4 from 0,0", "1,0 5x3 from 15,0", "0,2 6x2 from 0,14",
-                                           "2,-1 4x5 from 16,11"));
+    EXPECT_THAT(copies.Take(), testing::ElementsAre("0,0 10x4 from 0,0", "1,0 5x3 from 15,0",
+                                                    "0,2 6x2 from 0,14", "2,-1 4x5 from 16,11"));
 }
 
 TEST_F(Frame, EdgesWithoutLengthEnd)
@@ -99,7 +87,7 @@ TEST_F(Frame, EdgesWithoutLengthEnd)
 TEST_F(Frame, OfAnySizeEndsSoon)
 {
     frame.Draw(&dc, CRect(INT_MIN, 0, INT_MAX, 30), 1, 0);
-    EXPECT_THAT(copies.Take(), SizeIs(AllOf(Ge(16u), Le(40u))));
+    EXPECT_THAT(copies.Take(), testing::SizeIs(testing::AllOf(testing::Ge(16u), testing::Le(40u))));
     for (const CRect& rc :
          {CRect(INT_MIN, INT_MIN, INT_MAX, INT_MAX), CRect(INT_MAX, INT_MAX, INT_MIN, INT_MIN),
           CRect(0, 0, INT_MAX, INT_MAX), CRect(INT_MIN, INT_MIN, 0, 0)})

@@ -2,18 +2,14 @@
 #include "platform/MessageBox.h"
 #include "tests/draw/Pictures.h"
 
-#include <climits>
-
 using test::Block;
 using test::Plain;
 using testing::ElementsAre;
-using testing::StartsWith;
 
 namespace {
 
-class GdiplusBitmap : public test::PictureTest
+struct GdiplusBitmap : test::PictureTest
 {
-protected:
     // Raw pixels.
     static void LoadRaw(CKXGdiplusBitmap& loaded, const test::Picture& picture, DWORD dwAlpha = 0)
     {
@@ -29,12 +25,7 @@ protected:
 
 TEST_F(GdiplusBitmap, FitRectangles)
 {
-    const struct
-    {
-        CSize size;
-        CRect rc;
-        CRect fit;
-    } cases[] = {
+    const std::tuple<CSize, CRect, CRect> cases[] = {
         {{50, 30}, {10, 10, 110, 110}, {35, 45, 85, 75}}, // fits: natural size
         {{3, 4}, {0, 0, 10, 5}, {3, 0, 6, 4}},            // halves are rounded down
         {{400, 200}, {0, 0, 100, 100}, {0, 25, 100, 75}},
@@ -201,7 +192,7 @@ TEST_F(GdiplusBitmap, Thumbnails)
 {
     LoadRaw(bitmap, Plain(20, 10));
     EXPECT_EQ(bitmap.ThumbnailImage(dir.Win("a.png"), 5, 6), 1);
-    EXPECT_THAT(dir.Read("a.png"), StartsWith("\xFF\xD8")); // always a JPEG
+    EXPECT_THAT(dir.Read("a.png"), testing::StartsWith("\xFF\xD8")); // always a JPEG
     EXPECT_EQ(bitmap.ThumbnailImage(dir.Win("none\\a.jpg"), 5, 6), 0);
     CKXGdiplusBitmap small;
     small.Load(dir.Win("a.png"));

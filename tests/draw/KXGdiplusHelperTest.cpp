@@ -1,16 +1,13 @@
 #include "KXGdiplusHelper.h"
 #include "tests/draw/Pictures.h"
 
-#include <climits>
-
 using testing::ElementsAre;
 
 namespace {
 
 // Gradients from black to a red show how far each pixel is on the way.
-class GdiplusHelper : public test::PictureTest
+struct GdiplusHelper : test::PictureTest
 {
-protected:
     int RedAt(int x, int y) const { return GetRValue(GetPixel(canvas, x, y)); }
     std::vector<int> Reds(int x, int y, int dx, int dy, int nCount) const
     {
@@ -98,12 +95,9 @@ TEST_F(GdiplusHelper, BadSurfacesAndEmptyRectanglesPaintNothing)
     const test::NoLeak noLeak;
     const HDC hGone = CreateCompatibleDC(nullptr);
     DeleteDC(hGone);
-    const struct
-    {
-        HDC hDC;
-        CRect rc;
-    } cases[] = {{nullptr, {0, 0, 5, 5}}, {hGone, {0, 0, 5, 5}},  {canvas, {}},
-                 {canvas, {3, 3, 3, 9}},  {canvas, {9, 3, 3, 3}}, {canvas, {INT_MIN, 9, INT_MAX, 9}}};
+    const std::pair<HDC, CRect> cases[] = {
+        {nullptr, {0, 0, 5, 5}}, {hGone, {0, 0, 5, 5}},  {canvas, {}},
+        {canvas, {3, 3, 3, 9}},  {canvas, {9, 3, 3, 3}}, {canvas, {INT_MIN, 9, INT_MAX, 9}}};
     for (const auto& [hDC, rc] : cases) {
         for (const int bOn : {0, 1})
             CKXGdiplusHelper::DrawLinearGradientRect(hDC, rc, 1, 2, bOn);

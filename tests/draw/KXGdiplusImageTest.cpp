@@ -3,18 +3,14 @@
 #include "tests/draw/Pictures.h"
 #include "tests/platform/module/Bundles.h"
 
-#include <climits>
-
 using test::Block;
 using test::Plain;
 using testing::ElementsAre;
-using testing::StartsWith;
 
 namespace {
 
-class GdiplusImage : public test::PictureTest
+struct GdiplusImage : test::PictureTest
 {
-protected:
     void Load(const test::Picture& picture) { EXPECT_EQ(LoadBytes(image, test::File(picture)), 1); }
 
     CKXGdiplusImage image;
@@ -121,7 +117,7 @@ TEST_F(GdiplusImage, GivesItselfAsJpegAndInGrey)
     for (const auto& [letter, nGrey] : cases) {
         Load(Plain(16, 8, letter));
         EXPECT_EQ(image.SaveGrayPic(dir.Win("grey.png")), 1);
-        EXPECT_THAT(dir.Read("grey.png"), StartsWith("\xFF\xD8")); // whatever the name says
+        EXPECT_THAT(dir.Read("grey.png"), testing::StartsWith("\xFF\xD8")); // whatever the name says
         image.Load(dir.Win("grey.png"));
         ASSERT_EQ(image.GetImageData(&pData, nSize), 1);
         EXPECT_EQ(std::string(reinterpret_cast<char*>(pData), 2), "\xFF\xD8");
@@ -145,13 +141,7 @@ TEST_F(GdiplusImage, GivesItselfAsJpegAndInGrey)
 
 TEST_F(GdiplusImage, ShrinksToFit)
 {
-    const struct
-    {
-        CSize size;
-        CSize max;
-        int nResult;
-        CSize now;
-    } cases[] = {
+    const std::tuple<CSize, CSize, int, CSize> cases[] = {
         {{400, 200}, {100, 100}, 1, {100, 50}},
         {{200, 400}, {100, 100}, 1, {50, 100}},
         {{100, 80}, {100, 100}, 1, {100, 80}},

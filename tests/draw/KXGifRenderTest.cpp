@@ -2,16 +2,11 @@
 #include "tests/draw/Pictures.h"
 #include "tests/platform/gdiplus/Builders.h"
 
-#include <functional>
-
-using testing::ElementsAre;
-
 namespace {
 
 // Shows what deriving classes see.
-class Player : public CKXGifRender
+struct Player : CKXGifRender
 {
-public:
     using CKXGifRender::CanPlay;
     using CKXGifRender::FixRender;
     using CKXGifRender::GetFixRenderRect;
@@ -23,9 +18,8 @@ public:
     using CKXGifRender::Release;
 };
 
-class GifRender : public test::PictureTest
+struct GifRender : test::PictureTest
 {
-protected:
     // Frames of one pixel, each with its delay.
     static std::string Frames(const std::string& letters, const std::vector<unsigned>& delays)
     {
@@ -63,7 +57,7 @@ TEST_F(GifRender, FramesGoRoundWithTheirDelays)
         gif.PlayNextFrame();
     }
     EXPECT_EQ(shown, "RGBCMYRG");
-    EXPECT_THAT(delays, ElementsAre(100, 10, 50, 65280, 100, 100, 100, 10));
+    EXPECT_THAT(delays, testing::ElementsAre(100, 10, 50, 65280, 100, 100, 100, 10));
 }
 
 TEST_F(GifRender, PlayingMovesOneFrameWhenTheDelayHasPassed)
@@ -88,23 +82,18 @@ TEST_F(GifRender, States)
 {
     Load(gif, Frames("RG", {10, 10}));
     // The result and the state that follow on stopped, playing and paused.
-    const struct
-    {
-        const char* pszName;
-        std::function<int()> call;
-        int nResult[3];
-        int nState[3];
-    } cases[] = {
+    using Three = std::array<int, 3>;
+    const std::tuple<const char*, std::function<int()>, Three, Three> cases[] = {
         {"Play", [&] { return gif.Play(); }, {1, 0, 0}, {1, 1, 2}},
         {"Pause", [&] { return gif.Pause(), 0; }, {0, 0, 0}, {2, 2, 1}},
         {"Stop", [&] { return gif.Stop(); }, {0, 1, 1}, {0, 0, 0}},
         {"Playing", [&] { return gif.Playing(5000); }, {0, 1, 0}, {0, 1, 2}},
     };
-    for (const auto& c : cases)
-        for (int nState = 0; nState < 3; ++nState) {
-            gif.m_nPlayState = nState;
-            EXPECT_EQ(c.call(), c.nResult[nState]) << c.pszName << " on " << nState;
-            EXPECT_EQ(gif.m_nPlayState, c.nState[nState]) << c.pszName << " on " << nState;
+    for (const auto& [pszName, call, results, states] : cases)
+        for (std::size_t n = 0; n < 3; ++n) {
+            gif.m_nPlayState = static_cast<int>(n);
+            EXPECT_EQ(call(), results[n]) << pszName << " on " << n;
+            EXPECT_EQ(gif.m_nPlayState, states[n]) << pszName << " on " << n;
         }
 }
 

@@ -2,10 +2,7 @@
 #include "KXMemoryDC.h"
 #include "KXPaintMemoryDC.h"
 #include "tests/support/Picture.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <thread>
+#include "tests/support/Test.h"
 
 using testing::ElementsAre;
 

@@ -3,10 +3,7 @@
 #include "platform/Dc.h"
 #include "tests/support/GdiPlus.h"
 #include "tests/support/Picture.h"
-#include "tests/support/TempDir.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
 
 namespace test {
 
@@ -40,9 +37,8 @@ inline std::string File(const Picture& picture)
 }
 
 // The layer, started, and a white paper to draw on.
-class PictureTest : public testing::Test
+struct PictureTest : testing::Test
 {
-protected:
     static int LoadBytes(auto& object, std::string bytes)
     {
         return object.Load(reinterpret_cast<BYTE*>(bytes.data()), bytes.size());

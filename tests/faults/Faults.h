@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/Fixed.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,12 +36,10 @@ long Disarm() noexcept;
 std::vector<void*> FirstFailure();
 
 // Nothing fails in its scope: for what a work checks.
-class Pause
+class Pause : test::Fixed
 {
 public:
     Pause() noexcept;
-    Pause(const Pause&) = delete;
-    Pause& operator=(const Pause&) = delete;
     ~Pause();
 
 private:

@@ -33,7 +33,6 @@
 #include <fstream>
 #include <memory>
 #include <semaphore>
-#include <unistd.h>
 
 namespace faults {
 
@@ -69,18 +68,11 @@ bool HasLines(const std::string& text)
         if (at = text.find(pszLine, at); at == text.npos) return false;
     return text.ends_with('\n');
 }
-struct LogStop
-{
-    LogStop() = default;
-    LogStop(const LogStop&) = delete;
-    LogStop& operator=(const LogStop&) = delete;
-    ~LogStop() { CKXLogSys::GetSingletonPtr()->Uninitialize(); }
-};
 bool Log(const Place& place)
 {
     CKXLogSys* const pLog = CKXLogSys::GetSingletonPtr();
     if (!pLog || !pLog->Initialize(place.Own("a.log"))) return false;
-    const LogStop stop;
+    const std::unique_ptr<CKXLogSys, decltype([](auto* p) { p->Uninitialize(); })> stop(pLog);
     for (int n = 0; n < 5; ++n)
         pLog->PushLogEx(CKXLogSys::LogInfo, "line %d of a log", n);
     pLog->PushLog(CKXLogSys::LogError, "the last");
@@ -168,11 +160,7 @@ bool Skin(const Place&)
     const test::GdiPlus gdiPlus;
     CKXSkinResManager* const pSkins = CKXSkinResManager::GetSingletonPtr();
     if (!pSkins) return false;
-    struct End
-    {
-        CKXSkinResManager* pSkins;
-        ~End() { pSkins->UnInitialize(); }
-    } const end{pSkins};
+    const std::unique_ptr<CKXSkinResManager, decltype([](auto* p) { p->UnInitialize(); })> end(pSkins);
     if (!pSkins->SetSkin("Ember", 1) || !pSkins->SetSkin("Harbour", 1)) return false;
     return pSkins->GetBtnRes()->m_bmpPushButton.GetHBITMAP() && pSkins->GetCurrentSkinName() == "Harbour" &&
            pSkins->GetSkinsTotal() == 2;

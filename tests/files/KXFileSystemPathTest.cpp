@@ -1,14 +1,6 @@
 #include "KXFileSystem.h"
 #include "platform/Module.h"
-#include "tests/support/Child.h"
-#include "tests/support/Host.h"
-#include "tests/support/TempDir.h"
-
-#include <filesystem>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
+#include "tests/support/Test.h"
 
 using testing::ElementsAre;
 using Texts = std::vector<std::string>;
@@ -89,22 +81,18 @@ TEST(FileSystemPath, TheObjectHoldsTheExecutablesPlace)
 {
     const test::TempDir dir;
     dir.MakeDir("App");
-    test::Child child("FileSystemChild", {dir.Path("App/client.exe")}, {"KX_DEBUG=1"}, true);
-    EXPECT_EQ(child.Wait(), 0);
     const std::string app = dir.Win("App").GetString();
-    EXPECT_EQ(child.ErrorText(), "CKXFileSystem construction!\n"
-                                 "client.exe\n" +
-                                     app + "\\\n" + app + "\\\\data\n" + app + "\\\n" + app +
-                                     "\nCKXFileSystem destroy!\n");
+    EXPECT_EQ(test::RunChild("FileSystemChild", {dir.Path("App/client.exe")}, {"KX_DEBUG=1"}),
+              "CKXFileSystem construction!\n"
+              "client.exe\n" +
+                  app + "\\\n" + app + "\\\\data\n" + app + "\\\n" + app + "\nCKXFileSystem destroy!\n");
 }
 
 TEST(FileSystemPath, AnExecutableThatCantBeNamedLeavesThePathsEmpty)
 {
     const std::string deep = "/" + std::string(260, 'x') + "/client";
     const std::string here = KXHost::FromSystemPath(std::filesystem::current_path()).GetString();
-    test::Child child("FileSystemChild", {deep}, {}, true);
-    EXPECT_EQ(child.Wait(), 0);
-    EXPECT_EQ(child.ErrorText(), "\n\n\\data\n\n" + here + "\n");
+    EXPECT_EQ(test::RunChild("FileSystemChild", {deep}), "\n\n\\data\n\n" + here + "\n");
 }
 
 TEST(FileSystemPath, SystemsDirectoriesAndModules)

@@ -1,19 +1,8 @@
 #include "KXFileSystem.h"
-#include "tests/support/Host.h"
-#include "tests/support/TempDir.h"
-
-#include <algorithm>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
+#include "tests/support/Test.h"
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using Texts = std::vector<std::string>;
 
 namespace {
@@ -63,12 +52,7 @@ TEST_F(FileSystemQuery, FindsFilesAndEntries)
     dir.MakeDir("d1");
     dir.MakeDir("d2");
     dir.Write("a2", "12345");
-    const struct
-    {
-        const char* path;
-        int file;
-        bool entry;
-    } expected[] = {
+    const std::tuple<const char*, int, bool> expected[] = {
         {"a2", 1, true},  {"a1", 0, true},    {"a*", 1, true}, {"d*", 0, true},    {"*", 1, true},
         {"z*", 0, false}, {"none", 0, false}, {"a?", 1, true}, {"a1\\*", 0, true}, {"none\\a", 0, false},
     };
@@ -118,14 +102,12 @@ TEST_F(FileSystemQuery, AnEmptyDirectoryIsSearchedAndNoneIsNot)
     dir.Write("file", "");
     for (auto* walk : {CKXFileSystem::EnumFiles, CKXFileSystem::EnumDirs}) {
         EXPECT_NE(Walk(walk, dir.Win("empty")).result, 0);
-        EXPECT_THAT(Walk(walk, dir.Win("empty")).names, IsEmpty());
+        EXPECT_THAT(Walk(walk, dir.Win("empty")).names, testing::IsEmpty());
         for (const char* path : {"none", "file"})
             EXPECT_EQ(Walk(walk, dir.Win(path)).result, 0) << path;
         EXPECT_EQ(Walk(walk, CString('x', 5000)).result, 0);
     }
-    KXHost::Drive drive;
-    drive.strRoot = dir.Path();
-    ASSERT_TRUE(KXHost::MountDrive('C', drive));
+    ASSERT_TRUE(KXHost::MountDrive('C', {dir.Path(), DRIVE_FIXED, "", "", 0}));
     EXPECT_THAT(Files("").names, ElementsAre("file")); // the root of the current drive
     EXPECT_THAT(Files("").dirs, ElementsAre("\\"));
     KXHost::UnmountDrive('C');
@@ -158,13 +140,7 @@ TEST_F(FileSystemQuery, PathsUpToTheLimit)
 TEST_F(FileSystemQuery, EnumDisksDeliversThreeKinds)
 {
     const auto mount = [&](char letter, UINT type, const char* label, bool medium) {
-        KXHost::Drive drive;
-        if (medium) drive.strRoot = dir.Path();
-        drive.nType = type;
-        drive.strLabel = label;
-        drive.strFileSystem = "vfat";
-        drive.dwSerial = 0x1234ABCD;
-        ASSERT_TRUE(KXHost::MountDrive(letter, drive));
+        ASSERT_TRUE(KXHost::MountDrive(letter, {medium ? dir.Path() : "", type, label, "vfat", 0x1234ABCD}));
     };
     mount('A', DRIVE_REMOVABLE, "FLOPPY", true);
     mount('Q', DRIVE_REMOVABLE, "STICK", true);

@@ -1,16 +1,8 @@
 #include "KXFileSystem.h"
 #include "platform/CodePage.h"
-#include "tests/support/Await.h"
-#include "tests/support/Host.h"
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 
-#include <algorithm>
 #include <barrier>
-#include <filesystem>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
@@ -78,9 +70,7 @@ TEST_F(FileSystemTrees, CreatePathSucceedsOnAllThreadsThatMakeTheSame)
 
 TEST_F(FileSystemTrees, CreatePathWithoutADriveBeginsAtTheRoot)
 {
-    KXHost::Drive drive;
-    drive.strRoot = dir.Path();
-    ASSERT_TRUE(KXHost::MountDrive('C', drive));
+    ASSERT_TRUE(KXHost::MountDrive('C', {dir.Path(), DRIVE_FIXED, "", "", 0}));
     EXPECT_EQ(CKXFileSystem::CreatePath("a\\b\\"), 1);
     EXPECT_EQ(CKXFileSystem::CreatePath("\\c\\d\\"), 1); // the first name is `\c`
     KXHost::UnmountDrive('C');
@@ -136,9 +126,7 @@ TEST_F(FileSystemTrees, AnEmptyPathIsNoRoot)
 {
     dir.Write("f", "x");
     dir.MakeDir("to");
-    KXHost::Drive drive;
-    drive.strRoot = dir.Path();
-    ASSERT_TRUE(KXHost::MountDrive('C', drive));
+    ASSERT_TRUE(KXHost::MountDrive('C', {dir.Path(), DRIVE_FIXED, "", "", 0}));
     EXPECT_EQ(CKXFileSystem::DeleteFolder(""), 0);
     Progress progress;
     progress.Copy("", "C:\\to");
@@ -174,33 +162,26 @@ TEST_F(FileSystemTrees, CopyDirTellsOfTheTopFilesAlone)
 // The target could hold one of them only.
 TEST_F(FileSystemTrees, CopyDirCopiesTheFirstOfNamesThatDifferInCase)
 {
-    for (const char* name : {"s/A", "s/a", "s/B/f", "s/b/f"})
-        dir.Write(name, name);
-    dir.MakeDir("d");
-    Progress progress;
-    progress.Copy(dir.Win("s"), dir.Win("d"));
-    EXPECT_EQ(progress.calls.size(), 3u);
-    EXPECT_THAT(progress.calls, testing::Contains(testing::EndsWith("-")));
+    const auto copy = [&](const std::string& from, int nFiles,
+                          const std::vector<std::array<std::string, 2>>& pairs) {
+        for (const auto& pair : pairs)
+            for (const std::string& name : pair)
+                dir.Write(from + name, name);
+        const std::string to = "to" + from;
+        dir.MakeDir(to);
+        Progress progress;
+        progress.Copy(dir.Win(from.substr(0, 1)), dir.Win(to.substr(0, 3)));
+        EXPECT_EQ(std::ranges::count_if(progress.calls, [](const auto& call) { return call.ends_with('-'); }),
+                  nFiles);
+        for (const auto& [a, b] : pairs) {
+            const bool bFirst = dir.Exists(to + a);
+            EXPECT_EQ(dir.Read(to + (bFirst ? a : b)), bFirst ? a : b);
+            EXPECT_NE(dir.Exists(to + b), bFirst);
+        }
+    };
+    copy("s/", 1, {{"A", "a"}, {"B/f", "b/f"}});
     const test::CodePage scope(CP_UTF8);
-    for (const char* name : {"t/Я.txt", "t/я.txt", "t/Ａ.txt", "t/ａ.txt", "t/Ж/f", "t/ж/f"})
-        dir.Write(name, name);
-    dir.MakeDir("e");
-    Progress letters;
-    letters.Copy(dir.Win("t"), dir.Win("e"));
-    EXPECT_EQ(std::count_if(letters.calls.begin(), letters.calls.end(),
-                            [](const auto& call) { return call.ends_with('-'); }),
-              2);
-    for (const auto& [a, b] :
-         {std::pair("Я.txt", "я.txt"), std::pair("Ａ.txt", "ａ.txt"), std::pair("Ж/f", "ж/f")}) {
-        const std::string copied = dir.Exists(std::string("e/") + a) ? a : b;
-        EXPECT_EQ(dir.Read("e/" + copied), "t/" + copied);
-        EXPECT_NE(dir.Exists(std::string("e/") + a), dir.Exists(std::string("e/") + b));
-    }
-    for (const auto& [a, b] : {std::pair("A", "a"), std::pair("B/f", "b/f")}) {
-        const std::string copied = dir.Exists(std::string("d/") + a) ? a : b;
-        EXPECT_EQ(dir.Read("d/" + copied), "s/" + copied);
-        EXPECT_NE(dir.Exists(std::string("d/") + a), dir.Exists(std::string("d/") + b));
-    }
+    copy("t/", 2, {{"Я.txt", "я.txt"}, {"Ａ.txt", "ａ.txt"}, {"Ж/f", "ж/f"}});
 }
 
 TEST_F(FileSystemTrees, CopyDirStopsWhereTheCallbackSaysAndOnlyThere)

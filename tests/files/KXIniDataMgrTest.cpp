@@ -1,23 +1,18 @@
 #include "include/KXIniDataMgr.h"
 
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 
 #include <cfloat>
-#include <climits>
 #include <cmath>
-#include <cstdlib>
-#include <gtest/gtest.h>
 #include <initializer_list>
 #include <limits>
-#include <string>
 
 namespace {
 
 using Mgr = CKXIniDataMgr;
 
-class KXIniDataMgr : public testing::Test
+struct KXIniDataMgr : testing::Test
 {
-protected:
     void Hold(const std::string& value) const { m_dir.Write("t.ini", "[S]\r\nk=" + value + "\r\n"); }
 
     // What the key holds after a write with that result.

@@ -1,24 +1,17 @@
 #include "include/KXXmlDomDocument.h"
 
 #include "tests/support/Com.h"
-#include "tests/support/Host.h"
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <gtest/gtest.h>
 #include <iterator>
-#include <string>
-#include <thread>
 
 namespace {
 
 constexpr const char* kNiHao = "\xC4\xE3\xBA\xC3"; // two characters of code page 936
 const std::string kNiHaoUtf8 = "\xE4\xBD\xA0\xE5\xA5\xBD";
 
-class KXXmlDomDocument : public testing::Test
+struct KXXmlDomDocument : testing::Test
 {
-protected:
     // Loads a file of these bytes.
     bool Load(CKXXmlDomDocument& doc, std::string_view bytes) const
     {
@@ -57,11 +50,8 @@ TEST_F(KXXmlDomDocument, IsNullWithoutComOnItsThread)
 
 TEST_F(KXXmlDomDocument, LoadsWhatIsWellFormed)
 {
-    const struct
-    {
-        const char* pszXml;
-        const char* pszBack; // null where it is refused
-    } cases[] = {
+    // A text and what it reads back as; null where it is refused.
+    const std::pair<const char*, const char*> cases[] = {
         {"<a/>", "<a/>"},
         {"<?xml version='1.0' standalone='no'?><a></a>", "<?xml version=\"1.0\" standalone=\"no\"?>\n<a/>"},
         {"<?xml version='1.0'?><a>1</a>", "<?xml version=\"1.0\"?>\n<a>1</a>"},
@@ -105,18 +95,18 @@ TEST_F(KXXmlDomDocument, LoadsWhatIsWellFormed)
         {"<a><!-- -- --></a>", nullptr},
         {nullptr, nullptr},
     };
-    for (const auto& one : cases) {
+    for (const auto& [pszXml, pszBack] : cases) {
         CKXXmlDomDocument doc;
         EXPECT_TRUE(doc.LoadXml("<before/>"));
-        EXPECT_EQ(doc.LoadXml(one.pszXml), one.pszBack != nullptr) << one.pszXml;
-        EXPECT_STREQ(doc.GetXml(), one.pszBack ? one.pszBack : "") << one.pszXml;
+        EXPECT_EQ(doc.LoadXml(pszXml), pszBack != nullptr) << pszXml;
+        EXPECT_STREQ(doc.GetXml(), pszBack ? pszBack : "") << pszXml;
         EXPECT_STREQ(doc.GetText(), doc.GetXml());
-        EXPECT_EQ(doc.GetDocumentElement().IsValid(), one.pszBack != nullptr);
-        if (!one.pszBack) continue;
+        EXPECT_EQ(doc.GetDocumentElement().IsValid(), pszBack != nullptr);
+        if (!pszBack) continue;
         CKXXmlDomDocument again;
-        EXPECT_TRUE(again.LoadXml(doc.GetXml())) << one.pszXml;
-        EXPECT_TRUE(Load(again, Saved(doc))) << one.pszXml;
-        EXPECT_STREQ(again.GetXml(), one.pszBack);
+        EXPECT_TRUE(again.LoadXml(doc.GetXml())) << pszXml;
+        EXPECT_TRUE(Load(again, Saved(doc))) << pszXml;
+        EXPECT_STREQ(again.GetXml(), pszBack);
     }
 }
 
@@ -177,11 +167,7 @@ TEST_F(KXXmlDomDocument, SavesInItsEncoding)
     const std::string w =
         "<w>" + std::string(kNiHao) + "\x96\x7C</w>"; // the last one is not in GB2312 itself
     const std::string utf8 = "<w>" + kNiHaoUtf8 + "\xE6\x9D\xB1</w>";
-    const struct
-    {
-        const char* pszDeclaration;
-        std::string saved;
-    } cases[] = {
+    const std::pair<const char*, std::string> cases[] = {
         {"", utf8 + "\n"},
         {"<?xml version='1.0'?>", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + utf8 + "\n"},
         {"<?xml version='1.0' encoding='gbk'?>", "<?xml version=\"1.0\" encoding=\"gbk\"?>\n" + w + "\n"},
@@ -191,9 +177,9 @@ TEST_F(KXXmlDomDocument, SavesInItsEncoding)
          "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + utf8 + "\n"},
     };
     CKXXmlDomDocument doc;
-    for (const auto& one : cases) {
-        ASSERT_TRUE(doc.LoadXml((one.pszDeclaration + w).c_str())) << one.pszDeclaration;
-        EXPECT_EQ(Saved(doc), one.saved) << one.pszDeclaration;
+    for (const auto& [pszDeclaration, saved] : cases) {
+        ASSERT_TRUE(doc.LoadXml((pszDeclaration + w).c_str())) << pszDeclaration;
+        EXPECT_EQ(Saved(doc), saved) << pszDeclaration;
         EXPECT_TRUE(doc.Load(m_dir.Win("out.xml")));
         EXPECT_STREQ(doc.GetDocumentElement().GetXml(), w.c_str());
     }
@@ -204,12 +190,8 @@ TEST_F(KXXmlDomDocument, SavesInItsEncoding)
 TEST_F(KXXmlDomDocument, SavesWhatItsEncodingLacks)
 {
     const std::string e = "\x81\x39\xEE\x39"; // of GB18030, in no smaller one
-    const struct
-    {
-        const char* pszEncoding;
-        std::string xml;
-        const char* pszIn; // the encoding of the file
-    } cases[] = {
+    // The encoding asked for, the document, and the encoding of the file.
+    const std::tuple<const char*, std::string, const char*> cases[] = {
         {"gb2312", "<w a='\xA2\xE3'>\xA2\xE3" + e + "</w>", "gb2312"},
         {"gb2312", "<w><![CDATA[\x96\x7C]]><!--\x96\x7C--></w>", "gb2312"},
         {"gb2312", "<w><![CDATA[" + e + "]]></w>", "UTF-8"},
@@ -232,17 +214,16 @@ TEST_F(KXXmlDomDocument, SavesWhatItsEncodingLacks)
         {"us-ascii", std::string("<!DOCTYPE w [<!ENTITY ") + kNiHao + " 'x'>]><w/>", "UTF-8"},
         {"utf-16", std::string("<w><") + kNiHao + "/></w>", "utf-16"},
     };
-    for (const auto& one : cases) {
+    for (const auto& [pszEncoding, xml, pszIn] : cases) {
         CKXXmlDomDocument doc;
-        const std::string declaration =
-            std::string("<?xml version='1.0' encoding='") + one.pszEncoding + "'?>";
-        ASSERT_TRUE(doc.LoadXml((declaration + one.xml).c_str())) << one.xml;
+        const std::string declaration = std::string("<?xml version='1.0' encoding='") + pszEncoding + "'?>";
+        ASSERT_TRUE(doc.LoadXml((declaration + xml).c_str())) << xml;
         const CString strXml = doc.GetXml();
         const std::string saved = Saved(doc);
         std::string ascii;
         std::copy_if(saved.begin(), saved.end(), std::back_inserter(ascii), [](char ch) { return ch > 0; });
-        EXPECT_NE(ascii.find(std::string("encoding=\"") + one.pszIn + "\""), ascii.npos) << ascii;
-        EXPECT_TRUE(doc.Load(m_dir.Win("out.xml"))) << one.xml;
+        EXPECT_NE(ascii.find(std::string("encoding=\"") + pszIn + "\""), ascii.npos) << ascii;
+        EXPECT_TRUE(doc.Load(m_dir.Win("out.xml"))) << xml;
         EXPECT_EQ(doc.GetXml(), strXml);
     }
 }

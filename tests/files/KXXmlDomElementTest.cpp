@@ -1,16 +1,7 @@
 #include "include/KXXmlDomDocument.h"
 
-#include "include/platform/Host.h"
 #include "tests/support/Com.h"
-#include "tests/support/Host.h"
-#include "tests/support/TempDir.h"
-
-#include <gtest/gtest.h>
-#include <locale.h>
-#include <optional>
-#include <string>
-#include <utility>
-#include <vector>
+#include "tests/support/Test.h"
 
 namespace {
 
@@ -20,9 +11,8 @@ ULONG RefsOf(const CKXXmlDomElement& element)
     return element.GetElementPtr()->Release();
 }
 
-class KXXmlDomElement : public testing::Test
+struct KXXmlDomElement : testing::Test
 {
-protected:
     CKXXmlDomElement Root(const std::string& xml)
     {
         EXPECT_TRUE(m_doc.LoadXml(xml.c_str())) << xml;
@@ -207,12 +197,7 @@ TEST_F(KXXmlDomElement, ReadsAttributes)
     EXPECT_EQ(root.GetAttributeString(nullptr), "");
 
     constexpr double kDefault = -7.5;
-    const struct
-    {
-        const char* pszText;
-        long nLong;
-        double dDouble;
-    } numbers[] = {
+    const std::tuple<const char*, long, double> numbers[] = {
         {"0", 0, 0},
         {" 42 ", 42, 42},
         {"+5", 5, 5},
@@ -222,10 +207,10 @@ TEST_F(KXXmlDomElement, ReadsAttributes)
         {"2.5", 2, 2.5},
         {"-1e3", -1000, -1000},
     };
-    for (const auto& one : numbers) {
-        root.SetAttributeString("n", one.pszText);
-        EXPECT_EQ(root.GetAttributeInt32("n"), one.nLong) << one.pszText;
-        EXPECT_EQ(root.GetAttributeDouble("n", kDefault), one.dDouble) << one.pszText;
+    for (const auto& [pszText, nLong, dDouble] : numbers) {
+        root.SetAttributeString("n", pszText);
+        EXPECT_EQ(root.GetAttributeInt32("n"), nLong) << pszText;
+        EXPECT_EQ(root.GetAttributeDouble("n", kDefault), dDouble) << pszText;
     }
     for (const char* pszText :
          {"1e400", "abc", "12abc", "1,5", "", "-", "+-5", "nan", "inf", "0x10", "\xC4\xE3"}) {

@@ -1,23 +1,17 @@
 #include "include/KXXmlDomDocument.h"
 
 #include "tests/support/Com.h"
+#include "tests/support/Test.h"
 
 #include <cfloat>
-#include <climits>
 #include <cmath>
-#include <gtest/gtest.h>
-#include <limits>
-#include <string>
-#include <string_view>
-#include <utility>
 
 namespace {
 
 using Quad = unsigned long long;
 
-class KXXmlTypedChild : public testing::Test
+struct KXXmlTypedChild : testing::Test
 {
-protected:
     KXXmlTypedChild() { m_root = m_doc.CreateElement("r", nullptr); }
 
     // Makes `<r><n>text</n></r>`.

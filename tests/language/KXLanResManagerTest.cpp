@@ -3,23 +3,16 @@
 #include "platform/Error.h"
 #include "platform/Registry.h"
 #include "tests/language/LanguageTree.h"
-#include "tests/support/Child.h"
+#include "tests/support/Test.h"
 
 #include <future>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <string>
-#include <thread>
-#include <vector>
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
-class Language : public testing::Test
+struct Language : testing::Test
 {
-protected:
     Language()
     {
         tree.Add("Beta", "B", "k=beta\n");
@@ -47,15 +40,13 @@ protected:
 };
 
 // A window of the test's, counting the language messages that reach it and what language it finds then.
-class Listener
+class Listener : test::Fixed
 {
 public:
     explicit Listener(DWORD dwStyle) : m_hWnd(Make(dwStyle))
     {
         SetWindowLongPtrA(m_hWnd, GWLP_USERDATA, reinterpret_cast<std::intptr_t>(this));
     }
-    Listener(const Listener&) = delete;
-    Listener& operator=(const Listener&) = delete;
     ~Listener() { DestroyWindow(m_hWnd); }
 
     std::vector<std::string> heard;
@@ -84,8 +75,7 @@ private:
 
 TEST_F(Language, FreshManagerKnowsNothing)
 {
-    test::Child child("FreshLanguageChild", {test::AppDir().Path("app"), tree.Name()}, {}, true);
-    EXPECT_EQ(child.Wait(), 0) << child.ErrorText();
+    EXPECT_EQ(test::RunChild("FreshLanguageChild", {test::AppDir().Path("app"), tree.Name()}), "");
 }
 
 TEST_F(Language, ListsDirectoriesThatNameThemselves)
@@ -129,8 +119,8 @@ TEST_F(Language, TellsVisibleWindowsOfThisProcessAlone)
     const HWND hForeign = KXHost::AddForeignWindow(GetCurrentProcessId() + 1, true);
     EXPECT_EQ(lans->SetCurrentLan("alpha", 1), 1);
     EXPECT_THAT(shown.heard, ElementsAre("alpha:alpha"));
-    EXPECT_THAT(hidden.heard, IsEmpty());
-    EXPECT_THAT(KXHost::TakeForeignMessages(hForeign), IsEmpty());
+    EXPECT_THAT(hidden.heard, testing::IsEmpty());
+    EXPECT_THAT(KXHost::TakeForeignMessages(hForeign), testing::IsEmpty());
     KXHost::RemoveForeignWindow(hForeign);
 }
 
@@ -197,21 +187,16 @@ TEST_F(Language, SavedChoiceComesBackFromTheRegistry)
     using namespace std::string_view_literals;
     std::string strLong(301, 'x');
     strLong.back() = '\0';
-    const struct
-    {
-        DWORD dwType;
-        std::string_view bytes;
-        const char* pszSelected;
-    } cases[] = {
+    const std::tuple<DWORD, std::string_view, const char*> cases[] = {
         {REG_EXPAND_SZ, "alpha\0"sv, "alpha"}, {REG_BINARY, "alpha\0"sv, ".hidden"},
         {REG_SZ, "alpha"sv, ".hidden"},        {REG_SZ, ""sv, ".hidden"},
         {REG_SZ, "gone\0"sv, ".hidden"},       {REG_SZ, strLong, ".hidden"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [dwType, bytes, pszSelected] : cases) {
         lans->SetCurrentLan("Beta", 0);
-        SetRegistry(c.dwType, c.bytes);
+        SetRegistry(dwType, bytes);
         lans->SetCurrentLanFromReg("App", 0);
-        EXPECT_EQ(Current(), c.pszSelected) << c.bytes;
+        EXPECT_EQ(Current(), pszSelected) << bytes;
     }
     lans->SetCurrentLan("Beta", 0);
     lans->SetCurrentLanFromReg("Unknown", 0);

@@ -1,19 +1,13 @@
 #include "tests/language/LanguageTree.h"
+#include "tests/support/Test.h"
 
-#include <atomic>
-#include <filesystem>
-#include <gtest/gtest.h>
 #include <malloc.h>
-#include <string>
-#include <string_view>
 #include <sys/stat.h>
-#include <thread>
 
 namespace {
 
-class LanData : public testing::Test
+struct LanData : testing::Test
 {
-protected:
     // Selects a language with this `Data.txt`.
     void Load(const std::string& data)
     {
@@ -162,8 +156,7 @@ TEST_F(LanData, ReadersMayRunDuringALoad)
     for (int n = 0; n < 20; ++n) {
         const int nBefore = reads;
         EXPECT_EQ(lans->SetCurrentLan("L", 0), 1);
-        while (reads == nBefore)
-            std::this_thread::yield();
+        test::Await([&] { return reads != nBefore; });
     }
     EXPECT_EQ(lans->Initialize(tree.Name().c_str()), 1);
     done = true;

@@ -2,11 +2,9 @@
 
 #include "KXHttpDownloadMgr.h"
 
+#include "tests/support/Test.h"
+
 #include <condition_variable>
-#include <functional>
-#include <mutex>
-#include <string>
-#include <vector>
 
 namespace test {
 
@@ -21,12 +19,10 @@ struct Notice
 };
 
 // Collects what the callback is told. One at a time: a callback has no room for a pointer.
-class Journal
+class Journal : Fixed
 {
 public:
     Journal() { s_current = this; }
-    Journal(const Journal&) = delete;
-    Journal& operator=(const Journal&) = delete;
     ~Journal() { s_current = nullptr; }
 
     // The callback. The user's parameter is the code at which it does `act`, once it has written down.
@@ -81,6 +77,19 @@ private:
     std::condition_variable m_changed;
     std::vector<Notice> m_notices;
     std::string m_names;
+};
+
+// A manager of a test's own, with its steps.
+struct Manager : CKXHttpDownloadMgr
+{
+    Manager() = default;
+    ~Manager() = default;
+    using CKXHttpDownloadMgr::DownloadFunc;
+    using CKXHttpDownloadMgr::GetNextTask;
+    using CKXHttpDownloadMgr::Initialize;
+    using CKXHttpDownloadMgr::StartDownload;
+    using CKXHttpDownloadMgr::StopDownload;
+    using CKXHttpDownloadMgr::Uninitialize;
 };
 
 } // namespace test

@@ -1,49 +1,25 @@
 #include "KXHttpDownloadMgr.h"
 #include "platform/Exception.h"
-#include "platform/Host.h"
+#include "platform/FileSystem.h"
 #include "tests/net/Journal.h"
-#include "tests/support/Await.h"
-#include "tests/support/Child.h"
-#include "tests/support/Host.h"
 #include "tests/support/RawServer.h"
-#include "tests/support/TempDir.h"
-
-#include <filesystem>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace {
 
 using test::Notice;
-using test::Peer;
 using test::RawServer;
 using Codes = std::vector<unsigned int>;
 
 const std::string kOk = "HTTP/1.1 200 OK\r\n";
 const std::string kHello = kOk + "Content-Length: 5\r\n\r\nhello";
 
-class Manager : public CKXHttpDownloadMgr
-{
-public:
-    Manager() = default;
-    ~Manager() = default;
-    using CKXHttpDownloadMgr::DownloadFunc;
-    using CKXHttpDownloadMgr::GetNextTask;
-    using CKXHttpDownloadMgr::Initialize;
-    using CKXHttpDownloadMgr::StartDownload;
-    using CKXHttpDownloadMgr::StopDownload;
-    using CKXHttpDownloadMgr::Uninitialize;
-};
-
 std::ptrdiff_t Threads()
 {
     return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
 }
 
-class Downloads : public testing::Test
+struct Downloads : testing::Test
 {
-protected:
     Downloads() { manager.emplace(); }
     unsigned int Add(const std::string& url, const CString& file = "", unsigned int actAt = 0)
     {
@@ -59,15 +35,14 @@ protected:
     // Waits until the worker has ended by itself; the test has that many servers of its own.
     void AwaitEnd(int nServers = 0)
     {
-        while (Threads() > nThreads + nServers)
-            std::this_thread::yield();
+        test::Await([&] { return Threads() <= nThreads + nServers; });
     }
 
     test::TempDir dir;
     test::Journal journal;
     RawServer hello{RawServer::Answering(kHello)};
     std::ptrdiff_t nThreads = Threads();
-    std::optional<Manager> manager;
+    std::optional<test::Manager> manager;
 };
 
 TEST_F(Downloads, TellEachStepOfACompleteTransfer)
@@ -78,22 +53,18 @@ TEST_F(Downloads, TellEachStepOfACompleteTransfer)
         RawServer::Answering(kOk + "Transfer-Encoding: chunked\r\n\r\n1388\r\n" + body + "\r\n0\r\n\r\n"));
     RawServer empty(RawServer::Answering(kOk + "Content-Length: 0\r\n\r\n"));
     RawServer error(RawServer::Answering("HTTP/1.1 500 Oh\r\nContent-Length: 3\r\n\r\noh!"));
-    const struct
-    {
-        RawServer& server;
-        unsigned long total;
-        std::string body;
-    } cases[] = {{known, 5000, body}, {chunked, 0, body}, {empty, 0, ""}, {error, 3, "oh!"}};
-    for (const auto& c : cases) {
+    const std::tuple<RawServer&, unsigned long, std::string> cases[] = {
+        {known, 5000, body}, {chunked, 0, body}, {empty, 0, ""}, {error, 3, "oh!"}};
+    for (const auto& [server, total, content] : cases) {
         dir.Write("file", "what was there before, longer than some of the bodies");
-        const unsigned int id = Run(c.server.Url(), dir.Win("file"));
-        EXPECT_EQ(dir.Read("file"), c.body);
-        EXPECT_EQ(journal.Names(), c.server.Url() + " " + std::string(dir.Win("file")));
+        const unsigned int id = Run(server.Url(), dir.Win("file"));
+        EXPECT_EQ(dir.Read("file"), content);
+        EXPECT_EQ(journal.Names(), server.Url() + " " + std::string(dir.Win("file")));
         std::vector<Notice> notices;
         for (const Notice& notice : journal.Notices())
             if (notice.id == id) notices.push_back(notice);
-        EXPECT_EQ(notices.front(), (Notice{2029, id, c.total, 0}));
-        EXPECT_EQ(notices.back(), (Notice{2031, id, c.total, c.body.size()}));
+        EXPECT_EQ(notices.front(), (Notice{2029, id, total, 0}));
+        EXPECT_EQ(notices.back(), (Notice{2031, id, total, content.size()}));
         unsigned long received = 0;
         for (std::size_t n = 1; n + 1 < notices.size(); ++n) {
             EXPECT_EQ(notices[n].code, 2030u);
@@ -101,7 +72,7 @@ TEST_F(Downloads, TellEachStepOfACompleteTransfer)
             EXPECT_LE(notices[n].received, received + 2048);
             received = notices[n].received;
         }
-        EXPECT_EQ(received, c.body.size());
+        EXPECT_EQ(received, content.size());
     }
 }
 
@@ -163,27 +134,21 @@ struct Failure
 TEST_F(Downloads, TheFirstFailureIsTheEnd)
 {
     RawServer cut(RawServer::Answering(kOk + "Content-Length: 9\r\n\r\nhello", true));
-    const std::string gone = [] { return RawServer([](Peer&) {}).Url(); }();
+    const std::string gone = [] { return RawServer([](test::Peer&) {}).Url(); }();
     const CString file = dir.Win("file");
-    KXHost::Drive devices;
-    devices.strRoot = "/dev";
-    KXHost::MountDrive('D', devices);
+    KXHost::MountDrive('D', {"/dev", DRIVE_FIXED, "", "", 0});
+    const Codes none, begun{2029}, inBlocks{2029, 2030};
     const std::vector<Failure> cases = {
-        {"server gone", gone, file, {}, {}, "old", "onnect"},
-        {"no URL", "optype&optypeval=3", file, {}, {}, "old", "URL"},
-        {"another protocol", "file:///etc/hostname", file, {}, {}, "old", "file:///etc/hostname: "},
-        {"cut", cut.Url(), file, {}, {2029, 2030}, "hello", cut.Url() + ": "},
-        {"cut, nowhere", cut.Url(), "", {}, {2029, 2030}, "old", cut.Url() + ": "},
-        {"no directory", hello.Url(), dir.Win("none\\file"), {}, {2029}, "old", "none\\file: "},
-        {"a directory", hello.Url(), dir.Win(), {}, {2029}, "old", "denied"},
-        {"full disk", hello.Url(), "D:\\full", {}, {2029}, "old", "full"},
-        {"number thrown", hello.Url(), file, [] { throw 5; }, {2029, 2030}, "hello", "callback threw"},
-        {"exception thrown",
-         hello.Url(),
-         file,
-         [] { AfxThrowMemoryException(); },
-         {2029, 2030},
-         "hello",
+        {"server gone", gone, file, {}, none, "old", "onnect"},
+        {"no URL", "optype&optypeval=3", file, {}, none, "old", "URL"},
+        {"another protocol", "file:///etc/hostname", file, {}, none, "old", "file:///etc/hostname: "},
+        {"cut", cut.Url(), file, {}, inBlocks, "hello", cut.Url() + ": "},
+        {"cut, nowhere", cut.Url(), "", {}, inBlocks, "old", cut.Url() + ": "},
+        {"no directory", hello.Url(), dir.Win("none\\file"), {}, begun, "old", "none\\file: "},
+        {"a directory", hello.Url(), dir.Win(), {}, begun, "old", "denied"},
+        {"full disk", hello.Url(), "D:\\full", {}, begun, "old", "full"},
+        {"number thrown", hello.Url(), file, [] { throw 5; }, inBlocks, "hello", "callback threw"},
+        {"exception thrown", hello.Url(), file, [] { AfxThrowMemoryException(); }, inBlocks, "hello",
          "memory"},
     };
     for (const Failure& c : cases) {
@@ -215,20 +180,16 @@ TEST_F(Downloads, AStopCutsShortAtOnceWhatASilentServerHoldsUp)
 {
     RawServer afterBlock(RawServer::Stalling(kOk + "Content-Length: 9\r\n\r\nhello"));
     RawServer afterHeaders(RawServer::Stalling(kOk + "Content-Length: 9\r\n\r\n"));
-    const struct
-    {
-        RawServer& server;
-        unsigned int await;
-        Codes codes;
-    } cases[] = {{afterBlock, 2030, {2029, 2030, 2032, 2031}}, {afterHeaders, 2029, {2029, 2032}}};
-    for (const auto& c : cases) {
-        const unsigned int id = Add(c.server.Url(), dir.Win("file"));
+    const std::tuple<RawServer&, unsigned int, Codes> cases[] = {{afterBlock, 2030, {2029, 2030, 2032, 2031}},
+                                                                 {afterHeaders, 2029, {2029, 2032}}};
+    for (const auto& [server, await, codes] : cases) {
+        const unsigned int id = Add(server.Url(), dir.Win("file"));
         const unsigned int waiting = Add(hello.Url());
-        journal.Await(c.await, id);
+        journal.Await(await, id);
         manager->Uninitialize();
         EXPECT_EQ(manager->GetNextTask(), nullptr);
         manager.emplace();
-        EXPECT_EQ(journal.Codes(id), c.codes);
+        EXPECT_EQ(journal.Codes(id), codes);
         EXPECT_EQ(journal.Codes(waiting), Codes{});
     }
     EXPECT_EQ(dir.Read("file"), ""); // the second one emptied it
@@ -255,13 +216,13 @@ TEST_F(Downloads, AStopEndsAServerThatNeverAnswers)
     EXPECT_EQ(left->uTaskId, later);
     EXPECT_EQ(left->strUrl, hello.Url().c_str());
     EXPECT_EQ(manager->GetNextTask(), nullptr);
-    EXPECT_EQ(Manager::DownloadFunc(nullptr), 1u);
+    EXPECT_EQ(test::Manager::DownloadFunc(nullptr), 1u);
 }
 
 // A live server at a stop: what arrives is told of before the stop is.
 TEST_F(Downloads, AStopIsSeenBehindABlock)
 {
-    RawServer endless([](Peer& peer) {
+    RawServer endless([](test::Peer& peer) {
         peer.Request();
         peer.Send(kOk + "\r\n");
         while (peer.Send(std::string(10'000, 'x'))) {
@@ -315,21 +276,14 @@ TEST_F(Downloads, AForkEndsWithoutTheWorker)
 TEST_F(Downloads, EndWithTheProcess)
 {
     RawServer silent(RawServer::Stalling(kOk + "Content-Length: 9\r\n\r\nhello"));
-    const struct
-    {
-        const char* how;
-        std::string url;
-        std::string text;
-    } cases[] = {
+    const std::tuple<const char*, std::string, std::string> cases[] = {
         {"return", silent.Url(), "2 2029\n2 2030\n2 2032\n2 2031\n"},
         {"exit", silent.Url(), "2 2029\n2 2030\n"}, // by the callback itself, which doesn't return
         {"wait", hello.Url(), "2 2029\n2 2030\n2 2031\n3 2029\n3 2030\n3 2031\n"},
         {"limit", hello.Url(), "2 2029\n"}, // no room on its disk
     };
-    for (const auto& c : cases) {
-        test::Child child("DownloadChild", {c.how, c.url, std::string(dir.Win("file"))}, {}, true);
-        EXPECT_EQ(child.Wait(), 0) << c.how;
-        EXPECT_EQ(child.ErrorText(), c.text) << c.how;
+    for (const auto& [how, url, text] : cases) {
+        EXPECT_EQ(test::RunChild("DownloadChild", {how, url, std::string(dir.Win("file"))}), text) << how;
     }
 }
 

@@ -1,35 +1,26 @@
 #include "KXStatSender.h"
-#include "platform/Host.h"
+#include "platform/Host.h" // ahead of what the HTTP server brings, whose macros would change its names
 #include "platform/Registry.h"
-#include "tests/support/Child.h"
 #include "tests/support/HttpServer.h"
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 
-#include <algorithm>
 #include <condition_variable>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <mutex>
 #include <regex>
-#include <set>
 
 namespace {
 
-using testing::ElementsAre;
 using testing::MatchesRegex;
 
-class Sender : public CKXStatSender
+struct Sender : CKXStatSender
 {
-public:
     Sender() = default;
     ~Sender() = default;
     using CKXStatSender::ReadUserId;
     using CKXStatSender::SaveUserId;
 };
 
-class Stats : public testing::Test
+struct Stats : testing::Test
 {
-protected:
     Stats() { KXHost::SetRegistryFile(dir.Path("registry.ini")); }
     ~Stats() override { KXHost::SetRegistryFile(""); }
 
@@ -91,7 +82,8 @@ TEST_F(Stats, ReportsInOrderWithTheCallersTextsAsTheyAre)
     copy.Report("\xD6\xD0&x=1", -2147483647 - 1);
     copy = sender;
     copy.Report("", 0);
-    EXPECT_THAT(Take(3), ElementsAre("/stat?userid=me&ver=2.6%20b&optype=abc&optypeval=3",
+    EXPECT_THAT(Take(3),
+                testing::ElementsAre("/stat?userid=me&ver=2.6%20b&optype=abc&optypeval=3",
                                      "/stat?userid=me&ver=2.6%20b&optype=\xD6\xD0&x=1&optypeval=-2147483648",
                                      "/stat?userid=me&ver=2.6%20b&optype=&optypeval=0"));
 }
@@ -133,12 +125,8 @@ TEST_F(Stats, AnIdHasSixteenBytesOfItsOwn)
 TEST_F(Stats, AnIdThatIsNoneIsReplaced)
 {
     const std::string longest(99, 'l');
-    const struct
-    {
-        DWORD type;
-        std::string data;
-        std::string id; // empty: a new one
-    } cases[] = {
+    // What is stored, and the id that is told; empty for a new one.
+    const std::tuple<DWORD, std::string, std::string> cases[] = {
         {REG_SZ, std::string("xxxx\0", 5), "xxxx"},
         {REG_EXPAND_SZ, std::string("any%20thing\0", 12), "any%20thing"},
         {REG_SZ, longest + '\0', longest},
@@ -150,11 +138,11 @@ TEST_F(Stats, AnIdThatIsNoneIsReplaced)
         {REG_BINARY, std::string("bytes\0", 6), ""},
         {REG_DWORD, std::string("\1\0\0\0", 4), ""},
     };
-    for (const auto& c : cases) {
-        Store(c.type, c.data);
+    for (const auto& [type, data, kept] : cases) {
+        Store(type, data);
         Sender sender;
         const std::string id = IdOf(sender);
-        EXPECT_THAT(id, MatchesRegex(c.id.empty() ? kHex : "^" + c.id + "$"));
+        EXPECT_THAT(id, MatchesRegex(kept.empty() ? kHex : "^" + kept + "$"));
         Sender next;
         EXPECT_EQ(IdOf(next), id);
     }
@@ -194,7 +182,7 @@ TEST_F(Stats, AReportBeforeInitializeIsAFailedTask)
     test::Child child("StatChild", {Base(), "early"});
     EXPECT_EQ(child.Wait(), 0);
     const std::lock_guard lock(m_lock);
-    EXPECT_THAT(m_targets, ElementsAre());
+    EXPECT_THAT(m_targets, testing::ElementsAre());
 }
 
 } // namespace

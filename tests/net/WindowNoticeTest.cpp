@@ -1,29 +1,16 @@
-#include "KXHttpDownloadMgr.h"
 #include "platform/Sync.h"
 #include "platform/Window.h"
+#include "tests/net/Journal.h"
 #include "tests/support/RawServer.h"
-
-#include <gtest/gtest.h>
-#include <vector>
 
 namespace {
 
-class Manager : public CKXHttpDownloadMgr
-{
-public:
-    Manager() = default;
-    ~Manager() = default;
-};
-
 // A window of the test's own thread.
-class NoticeWindow
+struct NoticeWindow
 {
-public:
     NoticeWindow()
     {
-        WNDCLASSA wndClass;
-        wndClass.lpfnWndProc = DefWindowProcA;
-        wndClass.lpszClassName = "notices";
+        const WNDCLASSA wndClass{DefWindowProcA, "notices"};
         RegisterClassA(&wndClass);
         hWnd = CreateWindowExA(0, "notices", "", 0, 0, 0, 1, 1);
     }
@@ -43,7 +30,7 @@ TEST(WindowNotices, ArriveInTheWindowsThread)
         test::RawServer::Answering("HTTP/1.1 200 OK\r\nContent-Length: 5000\r\n\r\n" + body));
     const NoticeWindow window;
     ASSERT_TRUE(window.hWnd);
-    Manager manager;
+    test::Manager manager;
     const unsigned int id = manager.AddTask(server.Url().c_str(), "", window.hWnd);
     std::vector<MSG> messages;
     MSG msg;
@@ -71,7 +58,7 @@ TEST(WindowNotices, NeedNoWindow)
 {
     test::RawServer server(test::RawServer::Answering("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nhi"));
     const NoticeWindow window;
-    Manager manager;
+    test::Manager manager;
     HWND gone = nullptr;
     {
         const NoticeWindow other;

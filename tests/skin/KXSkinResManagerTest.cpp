@@ -3,23 +3,13 @@
 #include "KXMessages.h"
 #include "platform/Sync.h"
 #include "tests/skin/SkinTree.h"
-#include "tests/support/Child.h"
 
-#include <array>
 #include <cctype>
-#include <climits>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <gmock/gmock.h>
-#include <map>
 #include <sys/inotify.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 namespace {
@@ -83,7 +73,7 @@ LRESULT OnMessage(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
 }
 
 // A window of the test's that hears of changes.
-struct Window
+struct Window : test::Fixed
 {
     explicit Window(const char* pszName, DWORD dwStyle = WS_VISIBLE)
     {
@@ -91,8 +81,6 @@ struct Window
         RegisterClassA(&windowClass);
         hWnd = CreateWindowExA(0, "SkinListener", pszName, dwStyle, 0, 0, 1, 1);
     }
-    Window(const Window&) = delete;
-    Window& operator=(const Window&) = delete;
     ~Window() { DestroyWindow(hWnd); }
 
     HWND hWnd;
@@ -100,7 +88,7 @@ struct Window
 
 // The files of the full skin that are opened while it lives, in the order of their first opening: values of a
 // file written a moment ago are not kept for the next read.
-class OpenedFiles
+class OpenedFiles : test::Fixed
 {
 public:
     OpenedFiles()
@@ -109,8 +97,6 @@ public:
             m_dirs[inotify_add_watch(m_fd, Tree().Path("Skins/Full/" + std::string(dir)).c_str(), IN_OPEN)] =
                 dir;
     }
-    OpenedFiles(const OpenedFiles&) = delete;
-    OpenedFiles& operator=(const OpenedFiles&) = delete;
     ~OpenedFiles() { close(m_fd); }
 
     std::vector<std::string> Names() const
@@ -132,9 +118,8 @@ private:
     std::map<int, std::string> m_dirs;
 };
 
-class Skins : public test::PictureTest
+struct Skins : test::PictureTest
 {
-protected:
     Skins()
     {
         skins->SetSkin("Bare", 0);
@@ -173,7 +158,7 @@ TEST_F(Skins, RoadOfOneChange)
     Tree().Write("Skins/Full/Skin.ini", test::SkinFile("Skin.ini") + "\r\n"); // so that it is read anew
     const OpenedFiles files;
     EXPECT_EQ(skins->SetSkin("full", 1), 1);
-    EXPECT_THAT(files.Names(), ElementsAreArray(test::SkinFiles()));
+    EXPECT_THAT(files.Names(), testing::ElementsAreArray(test::SkinFiles()));
     EXPECT_THAT(events, ElementsAre("callback 30 1 197121", "message to first", "message to second"));
     EXPECT_THAT(KXHost::TakeForeignMessages(hForeign), IsEmpty());
     KXHost::RemoveForeignWindow(hForeign);
@@ -326,12 +311,8 @@ TEST_F(Skins, AThousandChangesLeaveNothingBehind)
 TEST(SkinProcess, KnowsNothingAtFirstAndEndsWithAllReleased)
 {
     const test::TempDir none;
-    test::Child fresh("FreshSkinChild", {none.Path("app")}, {}, true);
-    EXPECT_EQ(fresh.Wait(), 0);
-    EXPECT_EQ(fresh.ErrorText(), "");
-    test::Child loaded("FreshSkinChild", {Tree().Path("app"), "Full"}, {}, true);
-    EXPECT_EQ(loaded.Wait(), 0);
-    EXPECT_EQ(loaded.ErrorText(), "0 handles left\n");
+    EXPECT_EQ(test::RunChild("FreshSkinChild", {none.Path("app")}), "");
+    EXPECT_EQ(test::RunChild("FreshSkinChild", {Tree().Path("app"), "Full"}), "0 handles left\n");
 }
 
 } // namespace

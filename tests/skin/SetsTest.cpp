@@ -7,19 +7,14 @@
 #include "KXSkinWndRes.h"
 #include "tests/skin/SkinTree.h"
 
-#include <gmock/gmock.h>
-#include <memory>
-
 using testing::Each;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using Texts = std::vector<std::string>;
 
 namespace {
 
-class Sets : public test::PictureTest
+struct Sets : test::PictureTest
 {
-protected:
     Sets()
     {
         for (const std::string& name : test::SkinFiles())

@@ -4,13 +4,8 @@
 #include "tests/support/AppDir.h"
 #include "tests/support/BmpBuilder.h"
 #include "tests/support/GdiPlus.h"
-#include "tests/support/Host.h"
 #include "tests/support/Picture.h"
-
-#include <algorithm>
-#include <sstream>
-#include <string>
-#include <vector>
+#include "tests/support/Test.h"
 
 // Skins written by the tests.
 namespace test {

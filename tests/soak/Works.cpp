@@ -16,7 +16,6 @@
 #include <atomic>
 #include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <sstream>
 #include <string>
 #include <thread>

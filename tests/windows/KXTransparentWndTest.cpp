@@ -1,11 +1,7 @@
 #include "KXTransparentWnd.h"
 
 #include "tests/support/Desktop.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
+#include "tests/support/Test.h"
 
 namespace {
 
@@ -13,12 +9,10 @@ using test::Pump;
 using test::SeenRow;
 
 // Paints a rectangle of the desktop itself in stripes of two colours, and takes them away again.
-class Stripes
+class Stripes : test::Fixed
 {
 public:
     explicit Stripes(const RECT& rect) : m_rect(rect) { Paint(test::ColorOf('G'), test::ColorOf('M')); }
-    Stripes(const Stripes&) = delete;
-    Stripes& operator=(const Stripes&) = delete;
     ~Stripes() { Paint(DESKTOP_COLOR, DESKTOP_COLOR); }
 
     void Paint(COLORREF clrEven, COLORREF clrOdd) const

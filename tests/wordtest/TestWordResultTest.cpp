@@ -3,8 +3,6 @@
 #include "tests/support/GdiPlus.h"
 #include "tests/wordtest/WordSheet.h"
 
-#include <climits>
-#include <optional>
 using test::WordSheet;
 
 namespace {
@@ -15,9 +13,8 @@ constexpr COLORREF clrWrong = RGB(150, 0, 90);
 const CRect rcAnswer(10, 5, 190, 45);
 const CRect rcRight(14, 50, 190, 90);
 
-class WordResult : public test::Words
+struct WordResult : test::Words
 {
-protected:
     void Draw(WordSheet& sheet, const char* pszRight, const char* pszAnswer, COLORREF clrFrame = 0)
     {
         CKXEnglishWord::DrawTestWordResult(&sheet, pszRight, pszAnswer, rcAnswer, rcRight, &font, clrAllRight,

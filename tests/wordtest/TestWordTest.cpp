@@ -2,13 +2,6 @@
 
 #include "tests/wordtest/WordSheet.h"
 
-#include <algorithm>
-#include <climits>
-#include <cstdlib>
-#include <gtest/gtest.h>
-#include <sstream>
-#include <string>
-
 using test::WordSheet;
 
 namespace {

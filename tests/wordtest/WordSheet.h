@@ -1,13 +1,8 @@
 #pragma once
 
 #include "KXEnglishWord.h"
-#include "tests/support/Host.h"
 #include "tests/support/Picture.h"
-
-#include <algorithm>
-#include <cstring>
-#include <string>
-#include <vector>
+#include "tests/support/Test.h"
 
 namespace test {
 
@@ -112,9 +107,8 @@ private:
 };
 
 // With letters of 20 pixels, of distinct widths.
-class Words : public testing::Test
+struct Words : testing::Test
 {
-protected:
     Words() { MakeFont(font, "DejaVu Sans", 20); }
 
     NoLeak noLeak;

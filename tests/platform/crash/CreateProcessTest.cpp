@@ -1,16 +1,10 @@
 #include "include/platform/Crash.h"
 #include "include/platform/Error.h"
-#include "include/platform/Host.h"
 #include "include/platform/Sync.h"
-#include "tests/support/Host.h"
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 
 #include <csignal>
 #include <fcntl.h>
-#include <filesystem>
-#include <fstream>
-#include <gtest/gtest.h>
-#include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>

@@ -1,23 +1,14 @@
 #include "include/platform/Crash.h"
-#include "tests/support/Child.h"
+#include "tests/support/Test.h"
 
 #include <csignal>
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
 
 namespace {
 
 TEST(Filter, EachCaseEndsAsItShould)
 {
     constexpr int kCame = 42;
-    struct Case
-    {
-        const char* pszName;
-        int nEnd;
-        std::vector<std::string> env;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, int, std::vector<std::string>> cases[] = {
         {"end", 128 + SIGFPE, {}},
         {"sent", 128 + SIGILL, {}},
         {"pass_on", 128 + SIGABRT, {}},
@@ -40,10 +31,10 @@ TEST(Filter, EachCaseEndsAsItShould)
         {"times", kCame, {"TZ=XXX3:30YYY2,J60/0,J300/0"}},
         {"processes", kCame, {}},
     };
-    for (const Case& one : cases) {
-        SCOPED_TRACE(one.pszName);
-        test::Child child("FilterChild", {one.pszName}, one.env, true);
-        EXPECT_EQ(child.Wait(), one.nEnd) << child.ErrorText();
+    for (const auto& [pszName, nEnd, env] : cases) {
+        SCOPED_TRACE(pszName);
+        test::Child child("FilterChild", {pszName}, env, true);
+        EXPECT_EQ(child.Wait(), nEnd) << child.ErrorText();
     }
 }
 

@@ -1,13 +1,8 @@
 #include "include/platform/File.h"
 #include "tests/platform/files/Mounted.h"
-#include "tests/support/Child.h"
 
-#include <array>
 #include <csignal>
 #include <fcntl.h>
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <string_view>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>

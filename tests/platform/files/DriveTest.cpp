@@ -1,20 +1,14 @@
 #include "include/platform/CodePage.h"
 #include "include/platform/Error.h"
 #include "tests/platform/files/Mounted.h"
-#include "tests/support/Host.h"
-
-#include <array>
-#include <filesystem>
-#include <gtest/gtest.h>
 
 namespace fs = std::filesystem;
 
 namespace {
 
 // A system of its own: its mount table and block devices.
-class System : public test::TempDir
+struct System : test::TempDir
 {
-public:
     System()
     {
         Mounts({});
@@ -179,13 +173,8 @@ TEST(Drives, VolumesTellLabelSerialAndFileSystem)
     EXPECT_EQ(root.flags & 0x80000, 0u);
     EXPECT_TRUE(GetVolumeInformationA("C:\\", nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0));
 
-    KXHost::Drive host;
-    host.strRoot = system.Path("stick");
-    host.strLabel = "Label";
-    host.strFileSystem = "UDF";
-    host.dwSerial = 7;
     {
-        const test::Mounted drive(host);
+        const test::Mounted drive({"", DRIVE_FIXED, "Label", "UDF", 7});
         EXPECT_STREQ(Volume("X:\\").label.data(), "Label");
         EXPECT_STREQ(Volume("X:\\").system.data(), "UDF");
         EXPECT_EQ(Volume("X:\\").serial, 7u);
@@ -200,11 +189,8 @@ TEST(Drives, VolumesTellLabelSerialAndFileSystem)
 
 TEST(Drives, DrivesWithoutAMediumAreThereButNotReady)
 {
-    KXHost::Drive host;
     for (const char* root : {"", "/no/such/directory"}) {
-        host.strRoot = root;
-        host.nType = DRIVE_CDROM;
-        KXHost::MountDrive('X', host);
+        KXHost::MountDrive('X', {root, DRIVE_CDROM, "", "", 0});
         EXPECT_EQ(GetDriveTypeA("X:\\"), DRIVE_CDROM);
         EXPECT_FALSE(Volume("X:\\").found);
         EXPECT_EQ(GetLastError(), ERROR_NOT_READY);

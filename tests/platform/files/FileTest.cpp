@@ -1,31 +1,15 @@
 #include "include/platform/File.h"
 #include "tests/platform/files/Mounted.h"
-#include "tests/support/Child.h"
 
-#include <array>
 #include <fcntl.h>
-#include <functional>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+using test::CauseOf;
 using test::Mounted;
 
 namespace {
-
-// The cause of the failure of an operation that throws; `none` for success.
-int CauseOf(const std::function<void()>& operation)
-{
-    try {
-        operation();
-    } catch (CFileException* pException) {
-        const int nCause = pException->m_cause;
-        pException->Delete();
-        return nCause;
-    }
-    return CFileException::none;
-}
 
 int OpenCause(const char* pszPath, unsigned nFlags)
 {

@@ -1,19 +1,14 @@
 #pragma once
 
+#include "include/platform/File.h"
 #include "include/platform/FileSystem.h"
-#include "include/platform/Host.h"
-#include "tests/support/TempDir.h"
-
-#include <filesystem>
-#include <string>
-#include <string_view>
+#include "tests/support/Test.h"
 
 namespace test {
 
 // A temporary directory that is the drive `X:` for the time of its scope.
-class Mounted : public TempDir
+struct Mounted : TempDir
 {
-public:
     explicit Mounted(KXHost::Drive drive = {})
     {
         drive.strRoot = Path();
@@ -44,5 +39,18 @@ public:
 private:
     std::filesystem::path m_old = std::filesystem::current_path();
 };
+
+// The cause of the failure of an operation that throws; `none` for success.
+inline int CauseOf(const std::function<void()>& operation)
+{
+    try {
+        operation();
+    } catch (CFileException* pException) {
+        const int nCause = pException->m_cause;
+        pException->Delete();
+        return nCause;
+    }
+    return CFileException::none;
+}
 
 } // namespace test

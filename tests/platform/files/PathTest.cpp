@@ -1,15 +1,5 @@
 #include "include/platform/File.h"
 #include "tests/platform/files/Mounted.h"
-#include "tests/support/Child.h"
-#include "tests/support/Host.h"
-
-#include <algorithm>
-#include <atomic>
-#include <filesystem>
-#include <functional>
-#include <gtest/gtest.h>
-#include <thread>
-#include <vector>
 
 namespace fs = std::filesystem;
 using test::Mounted;
@@ -178,10 +168,8 @@ TEST(Path, IsResolvedOnManyThreadsWhileDrivesAndDirectoriesChange)
             }
         });
     const test::KeepDirectory keep;
-    KXHost::Drive other;
-    other.strRoot = "/other";
     for (int i = 0; i < 100; ++i) {
-        KXHost::MountDrive('Y', other);
+        KXHost::MountDrive('Y', {"/other", DRIVE_FIXED, "", "", 0});
         CreateDirectoryA("X:\\BIG\\dir", nullptr);
         SetCurrentDirectoryA(i % 2 ? "X:\\big" : "X:\\");
         RemoveDirectoryA("X:\\big\\DIR");
@@ -221,9 +209,7 @@ TEST(Path, LinuxPathsOutsideTheDrivesOrTheirNamesHaveNone)
     EXPECT_EQ(KXHost::FromSystemPath("/" + std::string(256, 'a')).GetLength(), 259);
     EXPECT_EQ(KXHost::FromSystemPath("/" + std::string(257, 'a')), "");
 
-    KXHost::Drive elsewhere;
-    elsewhere.strRoot = drive.Path() + "//c/./";
-    EXPECT_TRUE(KXHost::MountDrive('c', elsewhere));
+    EXPECT_TRUE(KXHost::MountDrive('c', {drive.Path() + "//c/./", DRIVE_FIXED, "", "", 0}));
     EXPECT_EQ(KXHost::FromSystemPath("/usr"), "");
     EXPECT_EQ(KXHost::ToSystemPath("C:\\usr"), drive.Path("c/usr"));
     EXPECT_EQ(drive.Of("c/usr"), "C:\\usr");

@@ -1,10 +1,6 @@
 #include "tests/platform/files/Mounted.h"
-#include "tests/support/Host.h"
 
 #include <fcntl.h>
-#include <filesystem>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 namespace fs = std::filesystem;

@@ -1,10 +1,6 @@
 #include "include/platform/StdioFile.h"
 #include "tests/platform/files/Mounted.h"
 
-#include <array>
-#include <functional>
-#include <gtest/gtest.h>
-
 using test::Mounted;
 
 namespace {
@@ -13,13 +9,7 @@ constexpr std::size_t kBuffer = std::size_t{64} << 10;
 
 bool Fails(const std::function<void()>& operation)
 {
-    try {
-        operation();
-    } catch (CFileException* pException) {
-        pException->Delete();
-        return true;
-    }
-    return false;
+    return test::CauseOf(operation) != CFileException::none;
 }
 
 std::vector<std::string> Lines(const char* pszPath)

@@ -2,10 +2,7 @@
 
 #include "include/platform/Internet.h"
 
-#include <array>
-#include <memory>
-#include <optional>
-#include <string>
+#include "tests/support/Test.h"
 
 namespace test {
 

@@ -1,10 +1,7 @@
-#include "include/platform/Host.h"
 #include "tests/platform/http/Fetch.h"
-#include "tests/support/Host.h"
 #include "tests/support/RawServer.h"
 
 #include <future>
-#include <gtest/gtest.h>
 #include <semaphore>
 
 namespace {

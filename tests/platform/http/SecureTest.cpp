@@ -1,20 +1,14 @@
 #include "tests/platform/http/Fetch.h"
 #include "tests/support/HttpServer.h"
 #include "tests/support/RawServer.h"
-#include "tests/support/TempDir.h"
-
-#include <cstdlib>
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace {
 
 using test::Fetch;
 
 // A server with a certificate of its own making.
-class Secure : public testing::Test
+struct Secure : testing::Test
 {
-protected:
     void SetUp() override
     {
         const std::string command =

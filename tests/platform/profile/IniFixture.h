@@ -2,13 +2,8 @@
 
 #include "include/platform/Error.h"
 #include "include/platform/Profile.h"
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 
-#include <array>
-#include <filesystem>
-#include <set>
-#include <string>
-#include <string_view>
 #include <sys/stat.h>
 #include <time.h>
 

@@ -1,7 +1,5 @@
 #include "tests/platform/profile/IniFixture.h"
 
-#include <functional>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 

@@ -1,11 +1,9 @@
+#include "include/platform/FileSystem.h"
 #include "platform/UniqueFd.h"
 #include "platform/profile/IniCache.h"
 #include "tests/platform/profile/IniFixture.h"
-#include "tests/support/Host.h"
 
 #include <fcntl.h>
-#include <fstream>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 namespace {
@@ -16,13 +14,7 @@ using std::literals::operator""sv;
 TEST(ProfileRead, FindsWhatTheLinesSay)
 {
     const std::string none = "<none>";
-    const struct
-    {
-        std::string_view text;
-        const char* section;
-        const char* key;
-        std::string value;
-    } cases[] = {
+    const std::tuple<std::string_view, const char*, const char*, std::string> cases[] = {
         {"[S]\r\nk=v\r\n", "S", "k", "v"},
         {"[S]\nk=v", "S", "k", "v"},
         {"\xEF\xBB\xBF[S]\nk=v\n", "S", "k", "v"},
@@ -48,9 +40,9 @@ TEST(ProfileRead, FindsWhatTheLinesSay)
         {"", "S", "k", none},
         {"\xEF\xBB\xBF", "S", "k", none},
     };
-    for (const auto& c : cases) {
-        const IniFile ini(c.text);
-        EXPECT_EQ(ini.Get(c.section, c.key), c.value) << c.text;
+    for (const auto& [text, section, key, value] : cases) {
+        const IniFile ini(text);
+        EXPECT_EQ(ini.Get(section, key), value) << text;
     }
 }
 
@@ -196,12 +188,9 @@ TEST(ProfileRead, EverySpellingGivesTheFileThatItNames)
     EXPECT_EQ(get(dir.Win("Skins\\Blue\\skin.ini")), "Skin");
 
     test::LetSettle(dir.Write("Mounted/Skins/Blue/Skin.ini", "[S]\nk=there\n"));
-    KXHost::Drive drive;
-    drive.strRoot = dir.Path("Mounted");
-    KXHost::MountDrive('K', drive);
+    KXHost::MountDrive('K', {dir.Path("Mounted"), DRIVE_FIXED, "", "", 0});
     EXPECT_EQ(get("K:\\Skins\\Blue\\Skin.ini"), "there");
-    drive.strRoot = dir.Path();
-    KXHost::MountDrive('K', drive);
+    KXHost::MountDrive('K', {dir.Path(), DRIVE_FIXED, "", "", 0});
     EXPECT_EQ(get("K:\\Skins\\Blue\\Skin.ini"), "Skin");
     KXHost::UnmountDrive('K');
     EXPECT_EQ(get("K:\\Skins\\Blue\\Skin.ini"), "-");

@@ -1,17 +1,10 @@
 #include "internal/IniSnapshot.h"
 #include "tests/platform/profile/IniFixture.h"
-#include "tests/support/Await.h"
-#include "tests/support/Child.h"
-#include <atomic>
 #include <chrono>
 #include <fcntl.h>
-#include <gtest/gtest.h>
-#include <memory>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
-#include <vector>
 
 namespace {
 
@@ -86,8 +79,7 @@ TEST(ProfileSharing, KilledWriterLeavesTheOldFileOrTheNewOne)
     for (int round = 0; round < 30; ++round) {
         ini.Set("S", "k", "start");
         const auto child = Writer(ini, "k", 0);
-        while (ini.Get("S", "k") == "start")
-            std::this_thread::yield();
+        test::Await([&] { return ini.Get("S", "k") != "start"; });
         for (int n = 0; n < round; ++n)
             ASSERT_EQ(ini.Get("T", "last"), "1");
         child->Kill();

@@ -1,7 +1,4 @@
 #include "tests/platform/profile/IniFixture.h"
-#include "tests/support/Host.h"
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -10,14 +7,7 @@ using std::literals::operator""sv;
 
 TEST(ProfileWrite, ChangesItsLineOnly)
 {
-    const struct
-    {
-        std::string_view before;
-        const char* section;
-        const char* key;
-        const char* text;
-        std::string after;
-    } cases[] = {
+    const std::tuple<std::string_view, const char*, const char*, const char*, std::string> cases[] = {
         // In its place.
         {"[S]\nk=v\nl=w\n", "S", "k", "new", "[S]\nk=new\nl=w\n"},
         {"; top\r\n[ s ] ; x\r\n\tK\t=  v \t\r\n;k=c\r\n", "S", "k", "new",
@@ -46,10 +36,10 @@ TEST(ProfileWrite, ChangesItsLineOnly)
         {"[S]\nk=v\n", "S", "none", nullptr, "[S]\nk=v\n"},
         {"[S]\nk=v\n", "none", nullptr, nullptr, "[S]\nk=v\n"},
     };
-    for (const auto& c : cases) {
-        const IniFile ini(c.before);
-        EXPECT_TRUE(ini.Set(c.section, c.key, c.text));
-        EXPECT_EQ(ini.Text(), c.after) << c.before;
+    for (const auto& [before, section, key, text, after] : cases) {
+        const IniFile ini(before);
+        EXPECT_TRUE(ini.Set(section, key, text));
+        EXPECT_EQ(ini.Text(), after) << before;
     }
 }
 
@@ -74,17 +64,13 @@ TEST(ProfileWrite, RefusesWhatWouldNotBeFoundAgain)
 {
     const std::string before = "[S]\nk=v\n";
     const IniFile ini(before);
-    const struct
-    {
-        const char* section;
-        const char* key;
-        const char* text;
-    } cases[] = {{"S", "k", "a\nb"}, {"S", "k", "a\rb"}, {"S\n", "k\nl", "v"}, {"S\nT", "k", "v"},
-                 {"a]b", "k", "v"},  {"\x81", "k", "v"}, {"S", "", "v"},       {"S", " ", "v"},
-                 {"S", ";k", "v"},   {"S", "[k", "v"},   {"S", "a=b", "v"},    {nullptr, "k", "v"}};
-    for (const auto& c : cases) {
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"S", "k", "a\nb"}, {"S", "k", "a\rb"}, {"S\n", "k\nl", "v"}, {"S\nT", "k", "v"},
+        {"a]b", "k", "v"},  {"\x81", "k", "v"}, {"S", "", "v"},       {"S", " ", "v"},
+        {"S", ";k", "v"},   {"S", "[k", "v"},   {"S", "a=b", "v"},    {nullptr, "k", "v"}};
+    for (const auto& [section, key, text] : cases) {
         SetLastError(ERROR_SUCCESS);
-        EXPECT_FALSE(ini.Set(c.section, c.key, c.text));
+        EXPECT_FALSE(ini.Set(section, key, text));
         EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
     }
     for (const char* file : {"", "Q:\\a.ini", "C:\\no such directory\\a.ini", "C:\\"}) {

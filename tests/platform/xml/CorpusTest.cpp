@@ -5,22 +5,14 @@
 
 #include "tests/platform/xml/Peer.h"
 #include "tests/support/Com.h"
-#include "tests/support/Host.h"
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 
-#include <cstdlib>
-#include <filesystem>
-#include <gtest/gtest.h>
 #include <random>
-#include <sstream>
-#include <string>
-#include <vector>
 
 namespace {
 
-class Corpus : public testing::Test
+struct Corpus : testing::Test
 {
-protected:
     void SetUp() override
     {
         const char* const pszRoot = std::getenv("KX_CORPORA");

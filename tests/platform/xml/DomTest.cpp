@@ -1,26 +1,28 @@
 #include "include/platform/Xml.h"
 
-#include "include/platform/Host.h"
-#include "tests/support/Arg.h"
-#include "tests/support/Await.h"
 #include "tests/support/Com.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
 #include <malloc.h>
-#include <string>
-#include <thread>
 namespace {
 
-using test::Arg;
+// A text as an argument.
+class Arg : test::Fixed
+{
+public:
+    Arg(const char16_t* psz) : m_bstr(SysAllocString(psz)) {}
+    ~Arg() { SysFreeString(m_bstr); }
+    operator BSTR() const { return m_bstr; }
+
+private:
+    BSTR m_bstr;
+};
 
 // Holds what an operation gives out.
 template <class Interface>
-class Out
+class Out : test::Fixed
 {
 public:
-    Out() = default;
-    Out(const Out&) = delete;
-    Out& operator=(const Out&) = delete;
     ~Out() { Reset(); }
     Interface** operator&()
     {
@@ -82,9 +84,8 @@ TEST(Com, IsReadyPerThreadAndCounted)
     EXPECT_EQ(Make(IID_IXMLDOMDocument, nullptr), E_POINTER);
 }
 
-class Dom : public testing::Test
+struct Dom : testing::Test
 {
-protected:
     Dom()
     {
         Make(IID_IXMLDOMDocument, reinterpret_cast<void**>(&m_doc));
@@ -106,14 +107,7 @@ protected:
 
 TEST_F(Dom, TellsWhatANodeIs)
 {
-    const struct
-    {
-        const char16_t* pattern;
-        const char16_t* name;
-        const char16_t* text;
-        const char16_t* xml;
-        bool bElement;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char16_t*, const char16_t*, const char16_t*, bool> cases[] = {
         {u"a", u"a", u"td", u"<a k=\"v\">t<b/><![CDATA[d]]></a>", true},
         {u"a/@k", u"k", u"v", u"k=\"v\"", false},
         {u"a/text()[1]", u"#text", u"t", u"t", false},
@@ -123,15 +117,15 @@ TEST_F(Dom, TellsWhatANodeIs)
         {u"a/..", u"#document", u"td", u"<?p i?>\n<!--c-->\n<a k=\"v\">t<b/><![CDATA[d]]></a>", false},
         {u"a/namespace::xml", u"<failed>", u"<failed>", u"<failed>", false},
     };
-    for (const auto& one : cases) {
+    for (const auto& [pattern, name, text, xml, bElement] : cases) {
         Out<IXMLDOMNode> node, again, child;
         Out<IXMLDOMElement> element;
-        ASSERT_EQ(Find(one.pattern, node), S_OK);
-        EXPECT_EQ(Get(node, &IXMLDOMNode::get_nodeName), one.name);
-        EXPECT_EQ(Get(node, &IXMLDOMNode::get_text), one.text);
-        EXPECT_EQ(Get(node, &IXMLDOMNode::get_xml), one.xml);
+        ASSERT_EQ(Find(pattern, node), S_OK);
+        EXPECT_EQ(Get(node, &IXMLDOMNode::get_nodeName), name);
+        EXPECT_EQ(Get(node, &IXMLDOMNode::get_text), text);
+        EXPECT_EQ(Get(node, &IXMLDOMNode::get_xml), xml);
         EXPECT_EQ(node->QueryInterface(IID_IXMLDOMElement, reinterpret_cast<void**>(&element)),
-                  one.bElement ? S_OK : E_NOINTERFACE);
+                  bElement ? S_OK : E_NOINTERFACE);
         EXPECT_EQ(node->QueryInterface(IID_IXMLDOMNode, nullptr), E_POINTER);
         EXPECT_EQ(m_root->appendChild(node, &child), E_INVALIDARG); // the root itself, or no element
         EXPECT_FALSE(child);

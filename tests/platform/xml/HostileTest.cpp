@@ -1,14 +1,10 @@
 #include "include/KXXmlDomDocument.h"
 #include "include/platform/Xml.h"
 #include "tests/support/Com.h"
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 
 #include <ctime>
-#include <gtest/gtest.h>
-#include <string>
 #include <sys/resource.h>
-#include <utility>
-#include <vector>
 
 namespace {
 
@@ -20,9 +16,8 @@ std::string Repeat(int nTimes, const std::string& text)
     return all;
 }
 
-class HostileXml : public testing::Test
+struct HostileXml : testing::Test
 {
-protected:
     // Whether a file of these bytes is loaded; in any case within 2 s of the processor and 512 MiB, of which
     // the sanitizers take more.
     bool Loads(const std::string& bytes)
@@ -59,12 +54,8 @@ TEST_F(HostileXml, NothingOutsideIsFetched)
     m_dir.Write("secret.txt", "secret");
     m_dir.Write("x.dtd", "<!ENTITY e 'secret'>");
     const std::string file = "file://" + m_dir.Path("secret.txt");
-    const struct
-    {
-        std::string doctype;
-        bool bInText; // whether a reference may stand there, and in an attribute
-        bool bInAttribute;
-    } cases[] = {
+    // A type, and whether a reference may stand in a text and in an attribute.
+    const std::tuple<std::string, bool, bool> cases[] = {
         {"<!DOCTYPE a SYSTEM 'x.dtd'>", true, true},
         {"<!DOCTYPE a PUBLIC '-//X//Y' 'http://127.0.0.1:1/x.dtd'>", true, true},
         {"<!DOCTYPE a [<!ENTITY e SYSTEM 'secret.txt'>]>", true, false},
@@ -75,13 +66,13 @@ TEST_F(HostileXml, NothingOutsideIsFetched)
          false},
         {"<!DOCTYPE a [<!ENTITY f SYSTEM 'x'>]>", false, false}, // nothing else could declare `e`
     };
-    for (const auto& one : cases) {
-        EXPECT_TRUE(Loads(one.doctype + "<a/>")) << one.doctype;
-        EXPECT_EQ(Loads(one.doctype + "<a b='&e;'/>"), one.bInAttribute) << one.doctype;
-        EXPECT_EQ(Loads(one.doctype + "<a>x&e;<b>&e;</b>y</a>"), one.bInText) << one.doctype;
-        if (!one.bInText) continue;
-        EXPECT_EQ(Root().GetText(), "xy") << one.doctype;
-        EXPECT_EQ(Root().GetChild("//b[.='']").GetXml(), "<b>&e;</b>") << one.doctype;
+    for (const auto& [doctype, bInText, bInAttribute] : cases) {
+        EXPECT_TRUE(Loads(doctype + "<a/>")) << doctype;
+        EXPECT_EQ(Loads(doctype + "<a b='&e;'/>"), bInAttribute) << doctype;
+        EXPECT_EQ(Loads(doctype + "<a>x&e;<b>&e;</b>y</a>"), bInText) << doctype;
+        if (!bInText) continue;
+        EXPECT_EQ(Root().GetText(), "xy") << doctype;
+        EXPECT_EQ(Root().GetChild("//b[.='']").GetXml(), "<b>&e;</b>") << doctype;
     }
     EXPECT_TRUE(Loads("<a xmlns:xi='http://www.w3.org/2001/XInclude'><xi:include href='secret.txt' "
                       "parse='text'/></a>"));

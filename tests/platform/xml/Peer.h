@@ -1,6 +1,7 @@
 #pragma once
 
 #include "include/platform/Xml.h"
+#include "tests/support/Fixed.h"
 
 #include <libxml/tree.h>
 #include <string>
@@ -8,12 +9,10 @@
 namespace test {
 
 // The same document as libxml2 itself reads it, with entities replaced and nothing fetched.
-class Peer
+class Peer : Fixed
 {
 public:
     explicit Peer(const std::string& bytes);
-    Peer(const Peer&) = delete;
-    Peer& operator=(const Peer&) = delete;
     ~Peer();
 
     // Whether it is accepted.

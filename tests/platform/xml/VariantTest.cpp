@@ -1,9 +1,8 @@
 #include "include/platform/Variant.h"
 
+#include "tests/support/Test.h"
+
 #include <cmath>
-#include <gtest/gtest.h>
-#include <optional>
-#include <string>
 
 namespace {
 

@@ -2,18 +2,14 @@
 
 #include "tests/platform/xml/Peer.h"
 #include "tests/support/Com.h"
-#include "tests/support/Host.h"
+#include "tests/support/Test.h"
 
-#include <gtest/gtest.h>
 #include <random>
-#include <string>
-#include <vector>
 
 namespace {
 
-class XPath : public testing::Test
+struct XPath : testing::Test
 {
-protected:
     CKXXmlDomElement Root(const std::string& xml)
     {
         EXPECT_TRUE(m_doc.LoadXml(xml.c_str()));

@@ -1,17 +1,12 @@
 #include "tests/tools/kx/Tool.h"
 
-#include <filesystem>
-#include <gmock/gmock.h>
-
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::HasSubstr;
 
 namespace {
 
-class Languages : public testing::Test
+struct Languages : testing::Test
 {
-protected:
     void Add(const std::string& id, const std::string& data) const
     {
         dir.Write("l/" + id + "/Lan.ini", "[Language]\r\nLanguage=" + id + "\r\n");
@@ -23,11 +18,7 @@ protected:
 // Everything that the checks know of one language, each with the line that it gives.
 TEST_F(Languages, FindsWhatIsWrongInOne)
 {
-    const struct
-    {
-        std::string data;
-        std::vector<std::string> findings;
-    } cases[] = {
+    const std::pair<std::string, std::vector<std::string>> cases[] = {
         {"[heading]\n\nA = a\\r\\nb\\tc\\nd\n; remark\n", {}},
         {"\xEF\xBB\xBF"
          "A = a\n",
@@ -49,12 +40,12 @@ TEST_F(Languages, FindsWhatIsWrongInOne)
         {"A = \xE4\xBD\xA0\xE5\xA5\xBD\n",
          {": error: seems to be UTF-8, and is read in another code page [language.utf-8]"}},
     };
-    for (const auto& c : cases) {
-        Add("X", c.data);
+    for (const auto& [data, findings] : cases) {
+        Add("X", data);
         std::vector<std::string> expected;
-        for (const std::string& finding : c.findings)
+        for (const std::string& finding : findings)
             expected.push_back("X/Data.txt" + finding);
-        EXPECT_THAT(test::Kx(dir, "language check l").lines, ElementsAreArray(expected)) << c.data;
+        EXPECT_THAT(test::Kx(dir, "language check l").lines, testing::ElementsAreArray(expected)) << data;
     }
     std::filesystem::resize_file(dir.Path("l/X/Data.txt"), 1 << 30); // sparse
     EXPECT_THAT(

@@ -1,12 +1,5 @@
 #include "tests/tools/kx/Tool.h"
 
-#include <filesystem>
-#include <fstream>
-#include <gmock/gmock.h>
-
-using testing::ElementsAre;
-using testing::HasSubstr;
-
 namespace {
 
 constexpr char kLog[] = "[2009-03-14 08:05:09] 1 begin\n[2009-03-14 08:05:10] 2 bad\nmore of it \xC4\xE3\n";
@@ -22,31 +15,27 @@ TEST(Show, LogInColourOnATerminal)
 {
     const test::TempDir dir;
     dir.Write("l.txt", "[2009-03-14 08:05:09] 1 a\033[31m\n[2009-03-14 08:05:10] 2 bad\n");
-    EXPECT_THAT(
-        OnTerminal(dir, "log l.txt"), // what a log holds sets no colours
-        ElementsAre("[2009-03-14 08:05:09] 1 a?[31m\r", "\033[31m[2009-03-14 08:05:10] 2 bad\033[0m\r"));
+    EXPECT_THAT(OnTerminal(dir, "log l.txt"), // what a log holds sets no colours
+                testing::ElementsAre("[2009-03-14 08:05:09] 1 a?[31m\r",
+                                     "\033[31m[2009-03-14 08:05:10] 2 bad\033[0m\r"));
 }
 
 TEST(Show, LogByLevelAndText)
 {
     const test::TempDir dir;
     dir.Write("l.txt", kLog);
-    const struct
-    {
-        const char* pszOptions;
-        std::vector<std::string> lines; // but for the last
-        std::string last;
-    } cases[] = {
+    // Options, the lines but for the last, and that one.
+    const std::tuple<const char*, std::vector<std::string>, std::string> cases[] = {
         {"", {"[2009-03-14 08:05:09] 1 begin", "[2009-03-14 08:05:10] 2 bad"}, "more of it 你"},
         {"--level 2", {"[2009-03-14 08:05:10] 2 bad"}, "more of it 你"}, // which belongs to the line before
         {"--match beg", {}, "[2009-03-14 08:05:09] 1 begin"},
         {"--level 3", {}, ""},
     };
-    for (const auto& c : cases) {
-        const auto shown = test::Kx(dir, std::string("log l.txt ") + c.pszOptions);
+    for (const auto& [pszOptions, lines, last] : cases) {
+        const auto shown = test::Kx(dir, std::string("log l.txt ") + pszOptions);
         EXPECT_EQ(shown.nCode, 0);
-        EXPECT_EQ(shown.lines, c.lines) << c.pszOptions;
-        EXPECT_EQ(shown.last, c.last);
+        EXPECT_EQ(shown.lines, lines) << pszOptions;
+        EXPECT_EQ(shown.last, last);
     }
     dir.Write("gbk.txt", "[2009-03-14 08:05:11] 1 \xC4\xE3");
     EXPECT_EQ(test::Kx(dir, "log gbk.txt").last, "[2009-03-14 08:05:11] 1 你");
@@ -95,7 +84,7 @@ TEST(Show, ReportByEitherFile)
     for (const char* pszFile : {"c.txt", "c.dmp"}) {
         const auto shown = test::Kx(dir, std::string("report ") + pszFile); // in a pipe no gdb is begun
         EXPECT_EQ(shown.nCode, 0);
-        EXPECT_THAT(shown.lines, ElementsAre("signal 6"));
+        EXPECT_THAT(shown.lines, testing::ElementsAre("signal 6"));
         EXPECT_EQ(shown.last, "thread 1");
     }
     // On a terminal gdb gets the dump, and the program where that is still there.
@@ -109,7 +98,7 @@ TEST(Show, ReportByEitherFile)
     }
     const auto none = test::Kx(dir, "report none.txt");
     EXPECT_EQ(none.nCode, 2);
-    EXPECT_THAT(none.last, HasSubstr("there is no report none.txt"));
+    EXPECT_THAT(none.last, testing::HasSubstr("there is no report none.txt"));
 }
 
 } // namespace

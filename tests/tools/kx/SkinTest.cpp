@@ -1,23 +1,16 @@
 #include "tests/skin/SkinTree.h"
 #include "tests/tools/kx/Tool.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::HasSubstr;
 
 namespace {
 
 // A skin that `kx skin new` made.
-class Skin : public testing::Test
+struct Skin : testing::Test
 {
-protected:
     Skin() { EXPECT_EQ(test::Kx(dir, "skin new s").nCode, 0); }
 
     void SetIni(const std::string& text) const { dir.Write("s/Skin.ini", text); }
@@ -45,11 +38,7 @@ TEST_F(Skin, ANewOneIsCleanAndHasEveryKey)
 // Everything that the checks know of `Skin.ini`, each with the line that it gives.
 TEST_F(Skin, FindsWhatIsWrongInSkinIni)
 {
-    const struct
-    {
-        const char* pszIni;
-        std::vector<std::string> findings;
-    } cases[] = {
+    const std::pair<const char*, std::vector<std::string>> cases[] = {
         {"[COLOR]\nTextColor=1,2,3\nBackColor=\n", {}},
         {"\xEF\xBB\xBF[COLOR]\n", {}},
         {"a=1\n",
@@ -94,12 +83,12 @@ TEST_F(Skin, FindsWhatIsWrongInSkinIni)
           "default "
           "is taken [skin.bad-background]"}},
     };
-    for (const auto& c : cases) {
-        SetIni(c.pszIni);
+    for (const auto& [pszIni, findings] : cases) {
+        SetIni(pszIni);
         std::vector<std::string> expected;
-        for (const std::string& finding : c.findings)
+        for (const std::string& finding : findings)
             expected.push_back("Skin.ini:" + finding);
-        EXPECT_THAT(Check(), ElementsAreArray(expected)) << c.pszIni;
+        EXPECT_THAT(Check(), testing::ElementsAreArray(expected)) << pszIni;
     }
     SetIni("[RoundCorner]\nCornerMask1=" + std::string(256, 'x') + "\n");
     EXPECT_THAT(Check(),

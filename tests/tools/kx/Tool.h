@@ -1,12 +1,6 @@
 #pragma once
 
-#include "tests/support/Child.h"
-#include "tests/support/TempDir.h"
-
-#include <gtest/gtest.h>
-#include <sstream>
-#include <string>
-#include <vector>
+#include "tests/support/Test.h"
 
 namespace test {
 

@@ -1,10 +1,7 @@
 #include "tests/platform/window/XClient.h"
 #include "tests/skin/SkinTree.h"
-#include "tests/support/Await.h"
 #include "tests/support/XServer.h"
 #include "tests/tools/kx/Tool.h"
-
-#include <filesystem>
 
 namespace {
 
