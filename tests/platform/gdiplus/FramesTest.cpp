@@ -161,7 +161,7 @@ TEST_F(FramesTest, FramesThatAreCutOffDontCount)
     EXPECT_EQ(Shown(Loaded(shorter), 1), (Picture{"WW", "BY"}));
     // A frame of 64 million pixels in a few bytes isn't believed.
     std::string lying = two;
-    lying.replace(nSecond + 8 + 5, 4, "\xFF\x7F\xFF\x7F");
+    lying.replace(nSecond + 8 + 5, 4, "\0\x20\0\x20"s);
     EXPECT_EQ(CountOf(Loaded(lying)), 1u);
 }
 
