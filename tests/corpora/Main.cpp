@@ -59,7 +59,7 @@ struct Entry
     std::exit(bTold ? 0 : 1); // leaks are looked for on the way out
 }
 
-// What the child told, up to its end or the limit; bInTime says which.
+// The child's words, up to its end or the limit; bInTime says which.
 std::string Listen(int fd, int nSeconds, bool& bInTime)
 {
     using Clock = std::chrono::steady_clock;

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-// What the readers of the library make of a foreign file.
+// The library's readers tell how they took a foreign file.
 namespace corpora {
 
 enum class Verdict
@@ -23,9 +23,9 @@ struct Outcome
 // Picks the readers by the file's name and first bytes. Pictures are drawn into `saved`, as PNG files, unless
 // that is empty.
 //
-// What must come out is looked for beside the file: `frames/NAME-N.png` or `frames/NAME.png` is what a frame
-// must show; `expected.txt`, here or above, has lines of a file and the pictures below `expected` of which
-// one must appear; `accepted.txt` and `refused.txt` list documents.
+// The expected picture is looked for beside the file: `frames/NAME-N.png` or `frames/NAME.png` is what a
+// frame must show; `expected.txt`, here or above, has lines of a file and the pictures below `expected` of
+// which one must appear; `accepted.txt` and `refused.txt` list documents.
 Outcome Read(const std::filesystem::path& file, const std::filesystem::path& saved);
 
 Outcome ReadPicture(const std::filesystem::path& file, const std::filesystem::path& saved);

@@ -25,7 +25,7 @@ public:
     }
     ~CopyList() { KXHost::SetCopyObserver({}); }
 
-    // What was copied since the last call.
+    // The copies since the last call.
     std::vector<std::string> Take() { return std::exchange(m_copies, {}); }
 
 private:

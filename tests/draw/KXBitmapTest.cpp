@@ -118,7 +118,7 @@ TEST_F(Bitmap, PavesInBandsAcross)
                                            "10,1 2x1 from 0,1", "10,0 2x1 from 0,0", "10,2 2x1 from 0,3"));
 }
 
-// What the rectangles stand for is settled by the last of load, SetMultiState, SetFillParam and a change of
+// The rectangles' meaning is settled by the last of load, SetMultiState, SetFillParam and a change of
 // state.
 TEST_F(Bitmap, FillPartsFollowTheState)
 {

@@ -43,7 +43,7 @@ struct PictureTest : testing::Test
     {
         return object.Load(reinterpret_cast<BYTE*>(bytes.data()), bytes.size());
     }
-    // What a call leaves on the paper.
+    // The paper after a call.
     template <class Draw>
     Picture Drawn(Draw&& draw)
     {

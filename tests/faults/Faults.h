@@ -17,7 +17,7 @@ enum class Call
     Rename,
 };
 
-// Which calls of this process fail, the C library's own users and the libraries below included.
+// Chooses the calls of this process that fail, the C library's own users and the libraries below included.
 struct Plan
 {
     Call call = Call::Allocate;
@@ -32,7 +32,7 @@ struct Plan
 void Arm(const Plan& plan) noexcept;
 // Ends that: how many calls of the plan's kind there were.
 long Disarm() noexcept;
-// Where the first call that failed came from.
+// The place from which the first failed call came.
 std::vector<void*> FirstFailure();
 
 // Nothing fails in its scope: for what a work checks.
@@ -46,7 +46,7 @@ private:
     const bool m_bArmed;
 };
 
-// What a work may use: a directory of its own, empty at first, and one with files to read.
+// A work may use this: a directory of its own, empty at first, and one with files to read.
 struct Place
 {
     std::string own, data;
@@ -71,7 +71,7 @@ struct Work
 };
 
 const std::vector<Work>& Works();
-// Where downloads come from: a server that answers "downloaded".
+// Downloads come from here: a server that answers "downloaded".
 void SetServer(const std::string& url);
 // Makes the files to read.
 void MakeData(const std::string& directory);

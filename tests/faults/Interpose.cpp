@@ -26,7 +26,7 @@ std::atomic<bool> g_bArmed{false}, g_bFailed{false};
 std::atomic<long> g_calls{0};
 faults::Plan g_plan;
 std::array<void*, 40> g_frames;
-// Where the code of libraries is whose own allocations don't fail.
+// The code of libraries whose own allocations don't fail lies here.
 std::array<std::pair<std::uintptr_t, std::uintptr_t>, 4> g_spared;
 std::size_t g_nSpared = 0;
 std::atomic<int> g_nFrames{0};

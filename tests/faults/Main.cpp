@@ -136,7 +136,7 @@ struct Left
     Finish("ok" + first);
 }
 
-// What a child says, "" if nothing.
+// The words of a child, "" for none.
 template <class Body>
 std::string InChild(Body&& body)
 {
@@ -206,7 +206,8 @@ struct Found
     std::string frames;
 };
 
-// What happened, and between which of the library's frames: the innermost and the one that was called.
+// Tells the finding, and between which of the library's frames it came: the innermost and the one that was
+// called.
 std::string Kind(const std::string& text)
 {
     std::istringstream lines(text);
@@ -319,7 +320,7 @@ long RunAll(std::vector<Trials>& all, const Options& options)
     return bad;
 }
 
-// What is left when a work was done twice; nothing, with a line that says so, where that fails.
+// The calls left when a work was done twice; nothing, with a line that says so, where that fails.
 std::optional<Left> UsuallyLeft(const Work& work, const std::string& data)
 {
     const test::TempDir own;

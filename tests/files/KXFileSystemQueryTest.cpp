@@ -7,7 +7,7 @@ using Texts = std::vector<std::string>;
 
 namespace {
 
-// What an enumeration delivered; its address is the user value.
+// The entries that an enumeration delivered; its address is the user value.
 struct Delivered
 {
     Texts names;

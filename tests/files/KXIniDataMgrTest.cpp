@@ -15,7 +15,7 @@ struct KXIniDataMgr : testing::Test
 {
     void Hold(const std::string& value) const { m_dir.Write("t.ini", "[S]\r\nk=" + value + "\r\n"); }
 
-    // What the key holds after a write with that result.
+    // The key's text after a write with that result.
     std::string After(int nResult) const
     {
         const std::string text = m_dir.Read("t.ini");
@@ -23,7 +23,7 @@ struct KXIniDataMgr : testing::Test
         return nResult ? text.substr(begin, text.find('\r', begin) - begin) : "<refused>";
     }
 
-    // What `get` gives for each text as the key's value.
+    // The results of `get` for each text as the key's value.
     template <class Value, class Get>
     void ExpectReads(Get get, std::initializer_list<std::pair<const char*, Value>> rows) const
     {
@@ -169,7 +169,7 @@ TEST_F(KXIniDataMgr, ColoursAndAddressesAreTheirNumbers)
 
 TEST_F(KXIniDataMgr, DatesAreLocalTime)
 {
-    // What is read, written again.
+    // Each value is read and written again.
     const auto normal = [this] {
         const CTime time = Mgr::GetDateTime(m_file, "S", "k", CTime(9));
         const std::string text = After(Mgr::WriteDateTime(m_file, "S", "k", time));

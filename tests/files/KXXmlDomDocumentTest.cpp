@@ -150,7 +150,7 @@ TEST_F(KXXmlDomDocument, ReadsFilesInTheirEncodings)
         CKXXmlDomDocument doc;
         EXPECT_TRUE(Load(doc, bytes)) << bytes;
         EXPECT_STREQ(doc.GetDocumentElement().GetText(), text.c_str()) << bytes;
-        // What is saved reads the same.
+        // The saved document reads the same.
         EXPECT_TRUE(Load(doc, Saved(doc))) << bytes;
         EXPECT_STREQ(doc.GetDocumentElement().GetText(), text.c_str()) << bytes;
     }
@@ -185,8 +185,8 @@ TEST_F(KXXmlDomDocument, SavesInItsEncoding)
     }
 }
 
-// What an encoding lacks becomes a reference in texts and attributes; where none can stand, the file is in
-// UTF-8 instead.
+// A character that an encoding lacks becomes a reference in texts and attributes; where none can stand, the
+// file is in UTF-8 instead.
 TEST_F(KXXmlDomDocument, SavesWhatItsEncodingLacks)
 {
     const std::string e = "\x81\x39\xEE\x39"; // of GB18030, in no smaller one

@@ -95,7 +95,7 @@ TEST_F(KXXmlDomElement, OutlivesItsDocument)
     EXPECT_EQ(b.GetChild("/a/p:b/made").GetText(), "2");
 }
 
-// What is taken out of its place stays whole for those who hold a part of it.
+// An element that is taken out of its place stays whole for those who hold a part of it.
 TEST_F(KXXmlDomElement, PartsOutliveTheirPlace)
 {
     CKXXmlDomElement root = Root("<a xmlns:p='urn:p'><b><p:c p:x='1'><d>1</d></p:c></b></a>");

@@ -54,7 +54,7 @@ struct KXXmlTypedChild : testing::Test
         }
     }
 
-    // What an appended child holds, and what a reader makes of it.
+    // The text of an appended child, and its value for a reader.
     template <class Value>
     void ExpectWrites(std::initializer_list<Row<Value>> rows)
     {

@@ -16,7 +16,8 @@ void Check(bool bTrue, const char* pszWhat)
 
 } // namespace
 
-// What holds before a language is selected. Arguments: the executable's path, the language root below it.
+// Tries the state before a language is selected. Arguments: the executable's path, the language root below
+// it.
 int main(int, char** argv)
 {
     KXHost::SetExecutablePath(argv[1]);

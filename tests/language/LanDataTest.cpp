@@ -75,7 +75,7 @@ TEST_F(LanData, TextsByHandNeverOverwriteAndEndWithTheLanguage)
     EXPECT_EQ(Get("n"), "n");
 }
 
-// Who asks for diagnostics hears of what the table passes over, and of each missing key once.
+// Diagnostics tell of what the table passes over, and of each missing key once.
 TEST_F(LanData, DiagnosticsTellWhatIsWrongWithTheTexts)
 {
     const test::DebugText described;

@@ -32,7 +32,7 @@ struct Stats : testing::Test
         return std::exchange(m_targets, {});
     }
     std::string Base() const { return server.Url("/stat"); }
-    // What a report begins with, with this sender's id.
+    // The begin of a report, with this sender's id.
     std::string IdOf(Sender& sender)
     {
         sender.Initialize(Base().c_str(), "1");
@@ -125,7 +125,7 @@ TEST_F(Stats, AnIdHasSixteenBytesOfItsOwn)
 TEST_F(Stats, AnIdThatIsNoneIsReplaced)
 {
     const std::string longest(99, 'l');
-    // What is stored, and the id that is told; empty for a new one.
+    // The stored value and the id that is told; empty for a new one.
     const std::tuple<DWORD, std::string, std::string> cases[] = {
         {REG_SZ, std::string("xxxx\0", 5), "xxxx"},
         {REG_EXPAND_SZ, std::string("any%20thing\0", 12), "any%20thing"},

@@ -67,7 +67,7 @@ struct WinService : testing::Test
         return nResult;
     }
 
-    // What an operation does with the states that a text lists.
+    // Runs an operation on the states that a text lists.
     struct Case
     {
         const char* states;
@@ -258,7 +258,7 @@ TEST_F(WinService, AStopGoesByStatesAndHintsAndHasThirtySeconds)
     EXPECT_EQ(Run([](auto& service) { return service.DoStop(); }), 1);
     KXHost::RemoveDebugObserver(nObserver);
     EXPECT_EQ(told, (std::vector<DWORD>{0, 2000}));
-    // What the opening takes counts too.
+    // The time of the opening counts too.
     Script("4 3:0:1");
     m_manager->onCall = [](const std::string& call) { Sleep(call == "open Nv" ? 29'999 : 0); };
     EXPECT_EQ(Run([](auto& service) { return service.DoStop(); }), 0);

@@ -13,8 +13,8 @@ void Check(bool bTrue, const char* pszWhat)
 
 } // namespace
 
-// What holds before a skin is selected, and with a second argument at the end of a process that has loaded
-// that skin. The first is the executable's path.
+// Tries the state before a skin is selected, and with a second argument at the end of a process that has
+// loaded that skin. The first is the executable's path.
 int main(int argc, char** argv)
 {
     KXHost::SetExecutablePath(argv[1]);

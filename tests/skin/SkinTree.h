@@ -49,7 +49,7 @@ inline std::vector<std::string> SkinFiles()
     return files;
 }
 
-// What they hold. Bitmaps are of 24 by 10 pixels, the title of 40 by 60; images of 1 by 2.
+// Their contents. Bitmaps are of 24 by 10 pixels, the title of 40 by 60; images of 1 by 2.
 inline std::string SkinFile(const std::string& name)
 {
     if (name.ends_with(".ini")) return "[Background]\r\nBkgType=MultiBMP\r\n[COLOR]\r\nMainTabClient=1,2,3";

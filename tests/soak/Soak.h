@@ -25,7 +25,7 @@ struct Figures
     }
 };
 
-// What each work gets: until when, and chance of its own.
+// Each work gets this: until when, and chance of its own.
 struct Turn
 {
     std::chrono::steady_clock::time_point end;

@@ -85,7 +85,7 @@ struct Bmp
     }
 };
 
-// What stands for a letter in a file of this depth: its place in `letters`, or its colour.
+// The value that stands for a letter in a file of this depth: its place in `letters`, or its colour.
 inline std::uint32_t ValueOf(char letter, std::uint32_t depth, std::string_view letters)
 {
     if (depth <= 8) return static_cast<std::uint32_t>(letters.find(letter));

@@ -23,7 +23,7 @@ public:
     // Waits for its end and returns its exit code, or 128 plus the signal that ended it. A code from 128 on
     // is negative, so that no exit passes for the end by a signal.
     int Wait();
-    // What it wrote to its standard error; complete after Wait.
+    // Its standard error; complete after Wait.
     const std::string& ErrorText() const { return m_error; }
 
 private:

@@ -1,6 +1,6 @@
 #pragma once
 
-// What most tests use of this folder, of GoogleTest and of the standard library: each test file includes it,
+// Most tests use this of the folder, of GoogleTest and of the standard library: each test file includes it,
 // or a header of its folder that does.
 #include "tests/support/Await.h"
 #include "tests/support/Child.h"

@@ -30,7 +30,7 @@ TEST_F(DrawTestWord, LeavesGapsAsWideAsTheHiddenLetters)
         }
 }
 
-// As wide as the letter and a pixel more, which is the next one's first; nothing within is painted.
+// It is as wide as the letter and a pixel more, which is the next one's first; nothing within is painted.
 TEST_F(DrawTestWord, FramesThePlacesOfHiddenLetters)
 {
     const std::string word = "wi\xD6\xD0l";

@@ -49,7 +49,7 @@ public:
     {
         return RGB(nTint, static_cast<unsigned>(x % 16 * 15), static_cast<unsigned>(y % 16 * 15));
     }
-    // Where another sheet differs first; "" if it doesn't.
+    // The first place where another sheet differs; "" for none.
     std::string DifferenceTo(const WordSheet& other) const
     {
         const auto mine = Pixels(), theirs = other.Pixels();

@@ -12,7 +12,7 @@ using test::Mounted;
 
 namespace {
 
-// What an operation gave: 0 for success, else the last error.
+// The result of an operation: 0 for success, else the last error.
 DWORD Outcome(int bDone)
 {
     return bDone ? ERROR_SUCCESS : GetLastError();

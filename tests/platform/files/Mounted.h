@@ -16,7 +16,7 @@ struct Mounted : TempDir
     }
     ~Mounted() { KXHost::UnmountDrive('X'); }
 
-    // What a path of the library names, relative to the drive's root; "?" for a path elsewhere.
+    // The file that a path of the library names, relative to the drive's root; "?" for a path elsewhere.
     std::string Named(const char* pszPath) const
     {
         const std::string path = KXHost::ToSystemPath(pszPath);

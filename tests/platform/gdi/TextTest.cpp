@@ -203,7 +203,7 @@ TEST_F(Text, LettersAreOfTheFaceAndKindAskedFor)
     EXPECT_EQ(CRect(Draw("L", DT_SINGLELINE, {0, 0, 200, 30})), CRect(3, 8, 8, 30)); // the stem alone
     Use("monospace", -40); // a name of the system's configuration
     EXPECT_EQ(WidthOf("i"), WidthOf("W"));
-    // Of the em square 0.928 lie above the base line, 0.236 below, which together make up the cell.
+    // The cell: 0.928 of the em square above the base line, and 0.236 below.
     const auto sizeAt = [&](int nHeight) {
         Use("DejaVu Sans", nHeight);
         SIZE size;

@@ -47,7 +47,7 @@ TEST_F(FramesTest, PalettesAndPassesOfFrames)
     EXPECT_EQ(Loaded(Gif(0, 0, {{{"RG"}, 1, 1}})).Letters(), (Picture{"   ", " RG"})); // of the frame's size
 }
 
-// What the frames show, by plain means: what is drawn on is kept unless the frame says otherwise.
+// The frames by plain means: the canvas is kept unless the frame says otherwise.
 std::vector<Picture> ByHand(int cx, int cy, const std::vector<GifFrame>& frames)
 {
     Picture canvas(static_cast<std::size_t>(cy), std::string(static_cast<std::size_t>(cx), ' '));

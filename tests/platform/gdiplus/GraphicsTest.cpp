@@ -69,7 +69,7 @@ TEST_F(GraphicsCalls, FillsWithinTheClipAndTheTarget)
     EXPECT_EQ(graphics.FillRectangle(&brush, -2, 1, INT_MAX, INT_MAX), Ok);
     SelectClipRgn(paper, nullptr);
     EXPECT_EQ(paper.Read(), (test::Picture{"WWWWW", "WRRRW", "WRRRW"}));
-    // As GDI's own fills leave it.
+    // GDI's own fills leave the same.
     const LinearGradientBrush glass = Solid(0x80FF0000);
     graphics.FillRectangle(&glass, 1, 0, 1, 1);
     const Row pixels = LoadedBitmap(paper.Bitmap()).Pixels();

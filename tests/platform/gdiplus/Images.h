@@ -49,7 +49,7 @@ public:
         const Stream stream = MakeStream(file);
         status = GdipLoadImageFromStream(stream.get(), &image);
     }
-    // Of letters; a space is a transparent pixel.
+    // A picture of letters; a space is a transparent pixel.
     explicit Loaded(const Picture& picture, PixelFormat format = PixelFormat32bppARGB)
     {
         GpBitmap* bitmap = nullptr;

@@ -6,7 +6,7 @@
 
 namespace test {
 
-// What came of fetching a URL.
+// The outcome of fetching a URL.
 struct Fetched
 {
     std::optional<unsigned long> length; // as announced

@@ -133,7 +133,7 @@ TEST(Pull, ASessionThatClosesEndsItsFiles)
     EXPECT_EQ(test::ErrorOf(read), ERROR_INTERNET_INCORRECT_HANDLE_STATE);
 }
 
-// What is sent to a file that nobody reads stays with its server, also while another file moves on.
+// Bytes for a file that nobody reads stay with its server, also while another file moves on.
 TEST(Pull, HoldsNoMoreThanABlockAhead)
 {
     constexpr std::size_t kPiece = 64 * 1024;

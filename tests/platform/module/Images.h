@@ -24,7 +24,7 @@ struct Image
     std::string bytes;
 };
 
-// Where the fields of a PE image lie that the tests touch. The resource tree begins at 0x400 in the file.
+// The places of the fields of a PE image that the tests touch. The resource tree begins at 0x400 in the file.
 struct PeFields
 {
     explicit PeFields(bool b64)

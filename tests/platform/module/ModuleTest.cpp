@@ -281,7 +281,7 @@ TEST(Module, LyingBundlesGiveNothing)
     EXPECT_EQ(open(std::string(packed).replace(length, 4, u32(1 << 20))), nullptr);
 }
 
-// What a damaged bundle gives is nothing, or what bytes it has; never more, and no complaint of the library
+// A damaged bundle gives nothing, or the bytes that it has; never more, and no complaint of the library
 // that reads it, which this turns into the test's death.
 TEST(Module, DamagedBundlesAreHarmless)
 {

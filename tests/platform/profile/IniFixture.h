@@ -16,7 +16,7 @@ public:
     IniFile() = default;
     explicit IniFile(std::string_view text) { Replace(text); }
 
-    // As another program would: in place.
+    // Writes in place, like another program.
     void Replace(std::string_view text) const { m_dir.Write("test.ini", text); }
     std::string Text() const { return m_dir.Read("test.ini"); }
     std::string Get(const char* pszSection, const char* pszKey, const char* pszDefault = "<none>") const

@@ -87,7 +87,7 @@ TEST(ProfileFiles, PermissionsStay)
     umask(mask);
 }
 
-// As root alone: only it can give a file away.
+// Only root can give a file away.
 TEST(ProfileFiles, OwnerGroupAndWholeModeStay)
 {
     if (geteuid() != 0) GTEST_SKIP() << "needs root";
@@ -179,7 +179,7 @@ TEST(ProfileFiles, TheLongestNameIsWritten)
     }
 }
 
-// As a user without rights, where the tests run as root.
+// A user without rights does this where the tests run as root.
 TEST(ProfileFiles, WhatMayNotBeReadOrWrittenStays)
 {
     const IniFile ini("[S]\nk=v\n");

@@ -17,7 +17,7 @@ const char* Box()
     return std::getenv("KX_SYSTEMD_BOX");
 }
 
-// What a command prints, without the last line's end.
+// The output of a command, without the last line's end.
 std::string Output(const std::string& command)
 {
     std::string text = test::OutputOf(command + " 2>&1");

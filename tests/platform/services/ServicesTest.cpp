@@ -121,7 +121,7 @@ TEST_F(Services, DependentsFillABufferOrLeaveItAlone)
                      EnumDependentServicesA(hService, dwState, nullptr, 999, &m_needed, &m_count));
         const DWORD n = dwState == SERVICE_STATE_ALL ? 2 : 1;
         EXPECT_EQ(m_needed, n * (sizeof(ENUM_SERVICE_STATUSA) + sizeof "Idle" + sizeof "Title"));
-        // Of the heap, so that AddressSanitizer sees its end.
+        // It is on the heap, so that AddressSanitizer sees its end.
         const std::unique_ptr<char[]> buffer = std::make_unique<char[]>(m_needed);
         auto* const entries = reinterpret_cast<ENUM_SERVICE_STATUSA*>(buffer.get());
         EXPECT_ERROR(ERROR_MORE_DATA,

@@ -49,7 +49,7 @@ struct Unit
     std::uint64_t startLimit = 90'000'000;
     std::uint64_t stopLimit = 90'000'000;
     std::map<std::string, std::vector<std::string>> lists{}; // RequiredBy and the like
-    // What it becomes at each reading while it is moving, which it is once it was asked to start or stop.
+    // Its state at each reading while it is moving, which it is once it was asked to start or stop.
     std::vector<std::pair<std::string, std::string>> steps{};
     bool moving = false;
 };

@@ -215,7 +215,7 @@ TEST_F(Systemd, NothingIsLeftOfAFailedRunByADeletedService)
     m_standIn->Set("Nv.service", {.load = "not-found", .active = "failed"});
     EXPECT_EQ(Create("Nv"), 0u);
     EXPECT_EQ(m_standIn->Active("Nv.service"), "inactive");
-    // What can't be reset is deleted all the same, and not made anew.
+    // A unit that can't be reset is deleted all the same, and not made anew.
     m_standIn->Fail("ResetFailedUnit", "org.freedesktop.DBus.Error.AccessDenied");
     EXPECT_EQ(Delete("Nv"), 0u);
     EXPECT_EQ(Files(), Strings{});

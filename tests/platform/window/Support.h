@@ -52,7 +52,7 @@ inline int Move(HWND hWnd, int x, int y, int cx, int cy)
     return SetWindowPos(hWnd, HWND_TOP, x, y, cx, cy, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-// Where it lies; empty for no window.
+// A window's place; empty for no window.
 inline RECT PlaceOf(HWND hWnd)
 {
     RECT rect{};

@@ -35,7 +35,7 @@ struct Corpus : testing::Test
         return doc.Load(m_dir.Win("in.xml"));
     }
 
-    // What is loaded, saved and loaded is the same, for this library and for libxml2.
+    // A document that is loaded, saved and loaded is the same, for this library and for libxml2.
     void ExpectSame(CKXXmlDomDocument& doc, const std::string& bytes, const std::string& what)
     {
         doc.Save(m_dir.Win("out.xml"));

@@ -94,7 +94,7 @@ struct Dom : testing::Test
         m_doc->get_documentElement(&m_root);
     }
 
-    // What a pattern finds, from the document.
+    // The nodes that a pattern finds, from the document.
     HRESULT Find(const char16_t* pattern, Out<IXMLDOMNode>& node)
     {
         return m_doc->selectSingleNode(Arg(pattern), &node);

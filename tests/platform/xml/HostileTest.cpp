@@ -48,7 +48,7 @@ struct HostileXml : testing::Test
     CKXXmlDomDocument m_doc;
 };
 
-// What lies elsewhere is named and not read: references to it stay, and count as empty texts.
+// Entities elsewhere are named and not read: references to it stay, and count as empty texts.
 TEST_F(HostileXml, NothingOutsideIsFetched)
 {
     m_dir.Write("secret.txt", "secret");

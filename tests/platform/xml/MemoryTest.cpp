@@ -5,7 +5,7 @@
 
 namespace {
 
-// What the child says of it is on its output.
+// The child says on its output how it went.
 TEST(XmlMemory, EachAllocationMayFail)
 {
     const test::TempDir dir;

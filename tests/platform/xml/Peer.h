@@ -21,7 +21,7 @@ public:
     std::string Canonical();
     // Elements without a prefix are then in no namespace.
     void ForgetDefaultNamespaces();
-    // What `Selected` below gives for the document's element.
+    // The result of `Selected` below for the document's element.
     std::string Selected(const std::string& pattern) const;
 
 private:

@@ -236,7 +236,7 @@ TEST_F(XPath, SelectsAsLibxml2)
         peer.ForgetDefaultNamespaces();
         for (int n = 0; n < 40; ++n) {
             const std::string pattern = chance.Path(2);
-            // Which default namespace there is is told by this library alone.
+            // This library alone tells the default namespace.
             if (xml.find("xmlns='") != xml.npos && pattern.find("namespace-uri") != pattern.npos) continue;
             const std::string found = test::Selected(root.GetElementPtr(), pattern);
             ASSERT_EQ(found, peer.Selected(pattern)) << pattern << "\n" << xml;
