@@ -275,7 +275,9 @@ TEST_F(Systemd, NamesAndTextsStayWhatTheyAre)
         EXPECT_EQ(Files(), Strings{});
     }
 
+    const std::string longTitle(32'767, 't');
     const std::pair<const char*, std::string> texts[] = {
+        {longTitle.c_str(), longTitle},
         {"100% \"q\" 'x' $HOME", "100%% \"q\" 'x' $HOME"},
         {"a\r\n[Service]\n\x7FUser=root\t", "a  [Service]  User=root "},
         {"ends\\", "ends\\ "},
@@ -309,6 +311,7 @@ TEST_F(Systemd, ABinaryPathIsAProgramAndWords)
         {"C:\\x a\\b \\\\\"c d\\\\\" \\\"e \"f\\\"g", R"(":/x" "a\\b" "\\c d\\" "\"e" "f\"g")", 0},
         {"C:\\x \"\n[Service]\nUser=0\x7F\"", R"(":/x" "\x0a[Service]\x0aUser=0\x7f")", 0},
         {"C:\\x end\\", R"(":/x" "end\\")", 0},
+        {"C:\\x a\\\\\\\"b", R"(":/x" "a\\\"b")", 0},
         {"C:\\a%b$c;d \xC4\xE3", "\":/a%%b$c;d\" \"\xE4\xBD\xA0\"", 0},
         {"C:\\x \x95\x5C\"", "\":/x\" \"\xE6\x98\x9E\"", 0}, // a second byte is no backslash
         {"\"C:\\a\nb\"", "", ERROR_INVALID_NAME},
