@@ -42,6 +42,7 @@ TEST_F(Secure, TrustsWhomTheSystemOrTheHostTrusts)
     const auto refused = Fetch(Url("/"));
     EXPECT_EQ(refused.error, ERROR_INTERNET_INVALID_CA);
     EXPECT_EQ(refused.body, "");
+    setenv("CURL_CA_BUNDLE", "", 1); // an empty one is none
     setenv("SSL_CERT_FILE", certificate.c_str(), 1);
     EXPECT_EQ(Fetch(Url("/")).body, "secret");
     EXPECT_EQ(Fetch("https://localhost:" + std::to_string(server->Port()) + "/").error,
