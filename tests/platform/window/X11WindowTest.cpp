@@ -9,6 +9,7 @@
 
 #include <fstream>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 namespace {
 
@@ -97,6 +98,9 @@ TEST_F(X11WindowTest, OthersAreToldWhatAWindowIs)
     EXPECT_EQ(outside->Property(idPlain, "_MOTIF_WM_HINTS"), numbers({2, 0, 0, 0, 0}));
     EXPECT_EQ(framedHas("_MOTIF_WM_HINTS"), "");
     EXPECT_EQ(framedHas("_NET_WM_PID"), numbers({static_cast<std::uint32_t>(GetCurrentProcessId())}));
+    std::array<char, 256> host{};
+    gethostname(host.data(), host.size() - 1);
+    EXPECT_EQ(framedHas("WM_CLIENT_MACHINE"), host.data());
     EXPECT_EQ(framedHas("WM_PROTOCOLS"), numbers({outside->Atom("WM_DELETE_WINDOW")}));
     EXPECT_EQ(framedHas("WM_CLASS"), std::string("test.platform.window\0test.platform.window\0", 42));
     EXPECT_EQ(framedHas("WM_HINTS"), numbers({1, 1, 0, 0, 0, 0, 0, 0, 0})); // the keyboard is wanted
