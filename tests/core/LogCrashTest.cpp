@@ -30,10 +30,10 @@ std::array<std::vector<std::uint64_t>, nThreads> NumbersIn(const std::string& lo
         unsigned t = nThreads;
         unsigned long long n = 0;
         const int fields = std::sscanf(line.c_str(), "[%*[0-9: -]] 1 %u %llu ", &t, &n);
-        EXPECT_TRUE(fields == 2 && t < nThreads &&
-                    line.find_first_not_of('x', line.rfind(' ') + 1) == line.npos)
-            << line;
-        if (fields == 2 && t < nThreads) numbers[t].push_back(n);
+        EXPECT_EQ(fields, 2) << line;
+        EXPECT_LT(t, nThreads) << line;
+        EXPECT_EQ(line.find_first_not_of('x', line.rfind(' ') + 1), line.npos) << line;
+        if (t < nThreads) numbers[t].push_back(n);
     }
     EXPECT_TRUE(log.ends_with('\n'));
     return numbers;
