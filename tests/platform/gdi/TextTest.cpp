@@ -4,7 +4,6 @@
 #include "tests/support/Host.h"
 #include "tests/support/Picture.h"
 
-#include <barrier>
 #include <climits>
 #include <cstring>
 #include <ctime>
@@ -153,6 +152,11 @@ TEST_F(Text, MeasuresLinesAndWraps)
     EXPECT_EQ(DrawTextA(paper, "one two three", -1, &rect, DT_CALCRECT | DT_WORDBREAK), 40);
     rect = {0, 0, 1, 1};
     EXPECT_EQ(DrawTextA(paper, "abc", -1, &rect, DT_CALCRECT | DT_WORDBREAK), 60); // a letter a line at least
+    const std::string radical = KXText::FromUtf8("⺀ii").GetString(); // the first behind which Chinese breaks
+    const int nRoom = WidthOf(radical.substr(0, radical.size() - 1));
+    rect = {0, 0, nRoom, 1};
+    EXPECT_EQ(DrawTextA(paper, radical.c_str(), -1, &rect, DT_CALCRECT | DT_WORDBREAK), 40);
+    EXPECT_LT(rect.right, nRoom);
     EXPECT_EQ(WidthOf(""), 0);
 }
 
@@ -258,32 +262,6 @@ TEST_F(Text, LettersAreKeptWithinABound)
     EXPECT_LT(resident(), nBefore + (64u << 20));
 }
 #endif
-
-// Faces that nobody uses any more end on the threads that delete their fonts, several at once.
-TEST(Fonts, AreMadeMeasuredAndEndedOnSeveralThreads)
-{
-    const test::NoLeak noLeak;
-    std::barrier allMade(4);
-    test::RunThreads(4, [&](int nThread) {
-        const test::Paper paper(4, 4);
-        for (int nRound = 0; nRound < 2; ++nRound) {
-            std::vector<HFONT> fonts;
-            for (int n = 0; n < 24; ++n) {
-                LOGFONTA log{};
-                log.lfHeight = 10 + 24 * (2 * nThread + nRound) + n;
-                fonts.push_back(CreateFontIndirectA(&log));
-                const HGDIOBJ old = SelectObject(paper, fonts.back());
-                SIZE size;
-                EXPECT_EQ(GetTextExtentPoint32A(paper, "x", 1, &size), 1);
-                EXPECT_EQ(size.cy, log.lfHeight);
-                SelectObject(paper, old);
-            }
-            allMade.arrive_and_wait(); // so that they end at once
-            for (const HFONT font : fonts)
-                EXPECT_EQ(DeleteObject(font), 1);
-        }
-    });
-}
 
 TEST_F(Text, BadArgumentsDrawNothing)
 {
