@@ -5,6 +5,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdlib>
+#include <span>
 #include <string>
 #include <string_view>
 #include <sys/socket.h>
@@ -68,13 +69,16 @@ bool IsGuestServer(xcb_connection_t* connection, xcb_window_t root)
     if (!IsOffered(connection, "RANDR")) return false;
     const auto resources = TakeReply(xcb_randr_get_screen_resources_current_reply(
         connection, xcb_randr_get_screen_resources_current(connection, root), nullptr));
-    if (!resources || resources->num_outputs == 0) return false;
-    const xcb_randr_output_t first = *xcb_randr_get_screen_resources_current_outputs(resources.get());
-    const auto output = TakeReply(xcb_randr_get_output_info_reply(
-        connection, xcb_randr_get_output_info(connection, first, XCB_CURRENT_TIME), nullptr));
-    if (!output) return false;
-    const auto* name = reinterpret_cast<const char*>(xcb_randr_get_output_info_name(output.get()));
-    return std::string_view(name, output->name_len).starts_with("XWAYLAND");
+    if (!resources) return false;
+    const std::span outputs(xcb_randr_get_screen_resources_current_outputs(resources.get()),
+                            resources->num_outputs);
+    return std::ranges::any_of(outputs, [connection](xcb_randr_output_t one) {
+        const auto output = TakeReply(xcb_randr_get_output_info_reply(
+            connection, xcb_randr_get_output_info(connection, one, XCB_CURRENT_TIME), nullptr));
+        if (!output) return false;
+        const auto* name = reinterpret_cast<const char*>(xcb_randr_get_output_info_name(output.get()));
+        return std::string_view(name, output->name_len).starts_with("XWAYLAND");
+    });
 }
 
 // The primary monitor; without one the first, and without any the whole screen.

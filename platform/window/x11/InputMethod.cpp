@@ -33,7 +33,6 @@ InputMethod::InputMethod(const Connection& connection)
     m_method.reset(xcb_xim_create(connection.Get(), connection.Number(), nullptr));
     if (!m_method) return;
     xcb_xim_set_use_utf8_string(m_method.get(), true);
-    xcb_xim_set_use_compound_text(m_method.get(), true);
     xcb_xim_im_callback calls{};
     calls.set_event_mask = [](xcb_xim_t*, xcb_xic_t, std::uint32_t forward, std::uint32_t, void* self) {
         static_cast<InputMethod*>(self)->m_wanted = forward;
@@ -91,13 +90,13 @@ void InputMethod::DoSteps()
 }
 
 // The text's place is told before each press, since the window may have been moved meanwhile. While a context
-// is still to be made the key waits for it.
+// is still to be made the key waits for it; a method that has gone, or refuses one, leaves none to come.
 bool InputMethod::Offer(xcb_key_press_event_t event, POINT caret)
 {
     const bool bPress = (event.response_type & 0x7F) == XCB_KEY_PRESS;
     const std::uint32_t kind = bPress ? XCB_EVENT_MASK_KEY_PRESS : XCB_EVENT_MASK_KEY_RELEASE;
     const bool bComes = m_context || m_asked || !m_steps.empty();
-    if (!m_open || !bComes || event.event != m_focus || !(m_wanted & kind)) return false;
+    if (!bComes || event.event != m_focus || !(m_wanted & kind)) return false;
     const auto tellCaret = [this, caret] {
         const xcb_point_t spot{static_cast<std::int16_t>(caret.x), static_cast<std::int16_t>(caret.y)};
         const auto nested =

@@ -64,9 +64,10 @@ SharedMemory::~SharedMemory()
 
 namespace {
 
-// The most pixels of one piece: of a strip that is shared, and of a part that is sent.
+// The most pixels of one piece: of a strip that is shared, and of a part that is sent, in a request of the 16
+// KiB that every server takes.
 constexpr std::size_t kSharedPixels = std::size_t{1} << 20;
-constexpr std::size_t kSentPixels = std::size_t{1} << 15;
+constexpr std::size_t kSentPixels = 4'000;
 // The widest and highest window that there is.
 constexpr LONG kMostSide = 0x7FFF;
 
@@ -229,9 +230,7 @@ bool PixelPort::Share(xcb_window_t id, const Window& window, const RECT& strip, 
 
 bool PixelPort::Send(xcb_window_t id, const Window& window, const RECT& strip, int nScale)
 {
-    const std::size_t nMost = m_connection.MostRequestBytes() / sizeof(std::uint32_t) / SquareOf(nScale);
-    if (nMost == 0) return false; // the server is lost
-    return InPieces(strip, std::min(kSentPixels / SquareOf(nScale), nMost), [&](const RECT& piece) {
+    return InPieces(strip, kSentPixels / SquareOf(nScale), [&](const RECT& piece) {
         m_rows.resize(WidthOf(piece) * HeightOf(piece) * SquareOf(nScale));
         if (!CopyOut(window, piece, nScale, m_rows.data())) return false;
         const RECT place = Enlarged(piece, nScale);

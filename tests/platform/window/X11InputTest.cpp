@@ -182,4 +182,27 @@ TEST_F(X11InputTest, TheFocusGoesWhereTheServerGivesIt)
     EXPECT_THAT(first.heard, HasSubstr("unfocus"));
 }
 
+// A window that is hidden again before the server has shown it has no claim any more.
+TEST_F(X11InputTest, TheFocusWaitsForItsWindowToBeShown)
+{
+    ColorWindow window(kRed, {0, 0, 100, 100}, WS_POPUP, "window");
+    SetFocus(window.handle);
+    ShowWindow(window.handle, SW_SHOWNA);
+    const xcb_window_t id = outside->Find("window");
+    EXPECT_TRUE(Pump([&] { return outside->Focused() == id; }));
+    ShowWindow(window.handle, SW_HIDE);
+    ASSERT_TRUE(Pump([&] { return outside->Focused() != id; }));
+    {
+        const ServerGrab busy(server->Name());
+        SetFocus(window.handle);
+        ShowWindow(window.handle, SW_SHOWNA);
+        ShowWindow(window.handle, SW_HIDE);
+    }
+    ShowWindow(window.handle, SW_SHOWNA);
+    // All that the server told of the showing has been heard when the window is put there again.
+    outside->Destroy(outside->Cover(0, 0, 100, 100, kGreen));
+    EXPECT_TRUE(Shows(50, 50, kRed));
+    EXPECT_NE(outside->Focused(), id);
+}
+
 } // namespace

@@ -67,12 +67,14 @@ protected:
             outside->TypeSymbol(static_cast<xcb_keysym_t>(ch));
     }
 
-    // A method that has a window with the focus says that it is at work, and has told the window so before.
-    void AwaitMethod()
+    // Waits until the method says of itself what holds those words. One that has a window with the focus says
+    // that it is at work, and has told the window so before.
+    void AwaitMethod(const std::string& question = "State", const std::string& words = "int32 2")
     {
         const std::string ask = "dbus-send --bus=unix:path=" + m_home.Path() +
                                 "/bus --print-reply --dest=org.fcitx.Fcitx5 /controller "
-                                "org.fcitx.Fcitx.Controller1.State 2>/dev/null | grep -q 'int32 2'";
+                                "org.fcitx.Fcitx.Controller1." +
+                                question + " 2>/dev/null | grep -q '" + words + "'";
         ASSERT_TRUE(PumpBoth([&] { return std::system(ask.c_str()) == 0; }));
     }
     // The characters that a window heard; whether the keys' releases reach it is the method's choice.
@@ -141,11 +143,22 @@ TEST_F(X11MethodTest, LettersBecomeChineseAtTheCaretAndTheMethodMayGoAndComeBack
     m_method.reset();
     ASSERT_TRUE(Await([&] { return !outside->HasOwner("@server=fcitx"); }));
     window.heard.clear();
-    Type("n");
-    EXPECT_TRUE(Pump([&] { return window.Heard("key 78 1,0;char 110 1,0;keyup 78 1,0;"); })) << window.heard;
+    outside->Key(outside->KeyOf('n'), true);
+    EXPECT_TRUE(Pump([&] { return window.Heard("key 78 1,0;char 110 1,0;"); })) << window.heard;
+    outside->Key(outside->KeyOf('n'), false);
+    EXPECT_TRUE(Pump([&] { return window.Heard("keyup 78 1,0;"); })) << window.heard;
     StartMethod();
     AwaitMethod();
     ExpectOf(window, "nihao", hello);
+
+    // Without the focus a window under the mouse hears its keys as they are.
+    AwaitMethod("DebugInfo", "focus:1");
+    outside->MoveMouse(100, 100);
+    outside->Focus(XCB_INPUT_FOCUS_POINTER_ROOT);
+    AwaitMethod("DebugInfo", "focus:0");
+    window.heard.clear();
+    Type("n");
+    EXPECT_TRUE(Pump([&] { return window.Heard("key 78 1,0;char 110 1,0;keyup 78 1,0;"); })) << window.heard;
 }
 
 } // namespace

@@ -75,9 +75,7 @@ TEST_F(X11SceneTest, OnlyACallThatNeedsAnAnswerWaitsForTheServer)
     TextOutA(paper, 0, 0, "a", 1); // so that the font is there
     const HDC dc = GetDC(window.handle);
     const HDC desktop = GetDC(nullptr);
-    xcb_connection_t* const other = xcb_connect(server->Name().c_str(), nullptr);
-    xcb_grab_server(other);
-    free(xcb_get_input_focus_reply(other, xcb_get_input_focus(other), nullptr));
+    std::optional<ServerGrab> busy(server->Name());
     {
         const WaitingThread look([&] { GetPixel(desktop, 1, 1); });
         const WaitingThread list([] {
@@ -90,7 +88,7 @@ TEST_F(X11SceneTest, OnlyACallThatNeedsAnAnswerWaitsForTheServer)
             SetWindowTextA(window.handle, "title");
         });
         EXPECT_EQ(others.wait_for(std::chrono::seconds(3)), std::future_status::ready);
-        xcb_disconnect(other); // lets the server go
+        busy.reset();
     }
     ReleaseDC(nullptr, desktop);
     ReleaseDC(window.handle, dc);
@@ -166,6 +164,22 @@ TEST_P(X11FadeTest, TheTipFades)
         reaches(quarter * 255 / 4);
     }
     user.join();
+}
+
+// Blending needs to know what lies below, which is no longer seen once the window is.
+TEST_F(X11SceneTest, AWindowThatIsSeenStaysOpaque)
+{
+    const VirtualClock clock;
+    const ColorWindow window(kRed, {0, 0, 100, 100});
+    ShowSeen(window, kRed, 50, 50);
+    const xcb_window_t cover = outside->Cover(0, 0, 100, 100, kGreen);
+    const std::jthread user([&] {
+        EXPECT_TRUE(Await([] { return KXHost::ClockWaiters() > 0; }));
+        outside->Destroy(cover);
+        EXPECT_TRUE(Await([&] { return outside->Pixel(50, 50) == kRed; }));
+        KXHost::AdvanceClock(1'000);
+    });
+    AnimateWindow(window.handle, 1'000, AW_BLEND);
 }
 
 // Input to the window behind a box doesn't reach it, but its timers and paints go on.

@@ -55,6 +55,14 @@ TEST_F(X11ScreenTest, TheDesktopIsThePrimaryMonitor)
     EXPECT_THAT(window.heard, HasSubstr("place 0 -100,50;"));
 }
 
+TEST_F(X11ScreenTest, TheFirstMonitorServesWhereNoneIsPrimary)
+{
+    outside->AddMonitor("left", 0, 0, 240, 480, false);
+    outside->AddMonitor("right", 240, 0, 400, 300, false);
+    Reopen();
+    EXPECT_EQ(PlaceOf(GetDesktopWindow()), (RECT{0, 0, 240, 480}));
+}
+
 TEST_F(X11ScreenTest, WindowsAreEnlargedWhereDotsAreFine)
 {
     EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 640);
@@ -91,6 +99,24 @@ TEST_F(X11ScreenTest, TheEnvironmentHasTheLastWordOfTheScale)
         setenv("KX_SCALE", word, 1);
         Reopen();
         EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), width) << word;
+    }
+    ASSERT_TRUE(KXHost::UseMemoryDesktop());
+    unsetenv("KX_SCALE");
+}
+
+// The server shares no memory; where each pixel is nine of its own a row is more than a piece.
+TEST_F(X11ScreenTest, ManyPixelsAreSentInPieces)
+{
+    Begin("1800x1200x24", {"-extension", "MIT-SHM"});
+    for (const char* scale : {"1", "3"}) {
+        ASSERT_TRUE(KXHost::UseMemoryDesktop());
+        setenv("KX_SCALE", scale, 1);
+        Reopen();
+        const SIZE whole{1800 / std::atoi(scale), 1200 / std::atoi(scale)};
+        ColorWindow window(kRed, {0, 0, whole.cx, whole.cy});
+        ShowSeen(window, kRed, 1799, 1199);
+        for (const POINT at : {POINT{0, 0}, POINT{1799, 0}, POINT{900, 600}, POINT{0, 1199}})
+            EXPECT_EQ(outside->Pixel(at.x, at.y), kRed) << scale << ": " << at.x << ", " << at.y;
     }
     ASSERT_TRUE(KXHost::UseMemoryDesktop());
     unsetenv("KX_SCALE");

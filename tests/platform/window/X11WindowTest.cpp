@@ -114,13 +114,19 @@ TEST_F(X11WindowTest, OthersAreToldWhatAWindowIs)
     EXPECT_TRUE(Await([&] { return framedHas("_NET_WM_STATE") == above; }));
 }
 
-// By the class, or set later; the manager gets it as opacity and colour.
-TEST_F(X11WindowTest, AWindowHasAnIcon)
+// An icon of one colour, 0xFF302010 with its opacity.
+HICON MakeIcon(int nSide)
 {
     Bmp pixel = ToBmp({"K"}, 32);
     pixel.height = 2; // with its mask
     pixel.pixels = Le(0xFF302010, 8);
-    const auto icon = static_cast<HICON>(LoadFile(Ico({pixel.Dib()}), IMAGE_ICON, 1, 1));
+    return static_cast<HICON>(LoadFile(Ico({pixel.Dib()}), IMAGE_ICON, nSide, nSide));
+}
+
+// By the class, or set later; the manager gets it as opacity and colour.
+TEST_F(X11WindowTest, AWindowHasAnIcon)
+{
+    const HICON icon = MakeIcon(1);
     ASSERT_TRUE(icon);
     const WNDCLASSA cls{DefWindowProcA, "KXIcon", nullptr, 0, nullptr, icon};
     RegisterClassA(&cls);
@@ -136,6 +142,23 @@ TEST_F(X11WindowTest, AWindowHasAnIcon)
     EXPECT_TRUE(DestroyWindow(hWnd));
     EXPECT_TRUE(UnregisterClassA("KXIcon"));
     DestroyIcon(icon);
+}
+
+// A request of more than a server takes, here four megabytes, would end the connection.
+TEST_F(X11WindowTest, AnIconTooLargeForTheServerIsLeftOut)
+{
+    Begin("640x480x24", {"-maxbigreqsize", "1"});
+    const HWND hWnd = Make(nullptr, WS_CAPTION, "icon");
+    for (const auto& [side, has] : {std::pair{1'023, true}, {1'024, false}}) {
+        const HICON icon = MakeIcon(side);
+        SendMessageA(hWnd, WM_SETICON, 0, reinterpret_cast<LPARAM>(icon));
+        EXPECT_TRUE(Await([&, has = has] {
+            const xcb_window_t id = outside->Find("icon");
+            return id && outside->Property(id, "_NET_WM_ICON").empty() != has;
+        })) << side;
+        DestroyIcon(icon);
+    }
+    EXPECT_TRUE(DestroyWindow(hWnd));
 }
 
 TEST_F(X11WindowTest, TopmostPopupsStayAboveTheOthers)
@@ -287,6 +310,14 @@ TEST_F(X11WindowTest, WindowsOfOtherProcessesAreListed)
     EXPECT_EQ(walk(), found) << "the number stays";
     EXPECT_FALSE(PostMessage(found[1], WM_USER, 0, 0));
     EXPECT_EQ(SendMessageA(found[1], WM_USER, 0, 0), 0);
+    const xcb_window_t managed = outside->Cover(0, 300, 50, 50, kBlue, 2);
+    EXPECT_EQ(walk().size(), 3u);
+    outside->SetManaged({managed});
+    ASSERT_EQ(walk().size(), 2u) << "the manager's list is the shorter way";
+    GetWindowThreadProcessId(walk()[1], &process);
+    EXPECT_EQ(process, 2u);
+    outside->SetManaged({id});
+    EXPECT_EQ(walk(), found);
     outside->Destroy(id);
     EXPECT_TRUE(Await([&] { return !IsWindow(found[1]); }));
     EXPECT_EQ(walk(), std::vector{own.handle});

@@ -2,6 +2,7 @@
 
 #include "include/platform/Gdi.h"
 #include "include/platform/Geometry.h"
+#include "tests/support/Fixed.h"
 
 #include <array>
 #include <cstdlib>
@@ -11,6 +12,7 @@
 #include <string>
 #include <sys/uio.h>
 #include <unistd.h>
+#include <vector>
 #include <xcb/randr.h>
 #include <xcb/xcb.h>
 #include <xcb/xcbext.h>
@@ -135,6 +137,13 @@ public:
         if (!size || !place) return {};
         return {place->dst_x, place->dst_y, place->dst_x + size->width, place->dst_y + size->height};
     }
+    // Lists the windows that a manager manages.
+    void SetManaged(const std::vector<xcb_window_t>& windows)
+    {
+        Finish(xcb_change_property(m_c, XCB_PROP_MODE_REPLACE, m_screen.root, Atom("_NET_CLIENT_LIST"),
+                                   XCB_ATOM_WINDOW, 32, static_cast<std::uint32_t>(windows.size()),
+                                   windows.data()));
+    }
     // Lays it into another window, as a manager does.
     void Frame(xcb_window_t window, xcb_window_t frame)
     {
@@ -242,6 +251,21 @@ private:
     const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> m_connection;
     xcb_connection_t* const m_c = m_connection.get();
     xcb_screen_t m_screen;
+};
+
+// Keeps the server for itself: others are answered only afterwards.
+class ServerGrab : Fixed
+{
+public:
+    explicit ServerGrab(const std::string& display) : m_c(xcb_connect(display.c_str(), nullptr))
+    {
+        xcb_grab_server(m_c);
+        std::free(xcb_get_input_focus_reply(m_c, xcb_get_input_focus(m_c), nullptr));
+    }
+    ~ServerGrab() { xcb_disconnect(m_c); }
+
+private:
+    xcb_connection_t* const m_c;
 };
 
 } // namespace test
