@@ -2,10 +2,8 @@
 // those that libxml2 accepts and refuses, and `xml-xpath`. scripts/check-corpora runs these tests.
 
 #include "include/KXXmlDomDocument.h"
-
 #include "tests/platform/xml/Peer.h"
 #include "tests/support/Com.h"
-#include "tests/support/Test.h"
 
 #include <random>
 

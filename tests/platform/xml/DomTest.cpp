@@ -1,9 +1,9 @@
 #include "include/platform/Xml.h"
-
 #include "tests/support/Com.h"
 #include "tests/support/Test.h"
 
 #include <malloc.h>
+
 namespace {
 
 // A text as an argument.

@@ -1,5 +1,6 @@
 #include "include/KXXmlDomDocument.h"
 #include "include/platform/Xml.h"
+#include "tests/platform/xml/Numbered.h"
 #include "tests/support/Com.h"
 #include "tests/support/Test.h"
 
@@ -8,13 +9,7 @@
 
 namespace {
 
-std::string Repeat(int nTimes, const std::string& text)
-{
-    std::string all;
-    for (int n = 0; n < nTimes; ++n)
-        all += text;
-    return all;
-}
+using test::Numbered;
 
 struct HostileXml : testing::Test
 {
@@ -93,104 +88,79 @@ TEST_F(HostileXml, EntitiesDontMultiply)
     std::string laughs = "<!DOCTYPE a [<!ENTITY e0 'ha'>";
     for (int n = 1; n < 10; ++n)
         laughs +=
-            "<!ENTITY e" + std::to_string(n) + " '" + Repeat(10, "&e" + std::to_string(n - 1) + ";") + "'>";
+            "<!ENTITY e" + std::to_string(n) + " '" + Numbered(10, "&e" + std::to_string(n - 1) + ";") + "'>";
     EXPECT_FALSE(Loads(laughs + "]><a>&e9;</a>"));
     EXPECT_FALSE(Loads(laughs + "]><a b='&e9;'/>"));
-    const std::string big = "<!DOCTYPE a [<!ENTITY e '" + Repeat(1000, "<b/>") + "'>]><a>";
-    EXPECT_TRUE(Loads(big + Repeat(10, "&e;") + "</a>"));
-    EXPECT_FALSE(Loads(big + Repeat(100'000, "&e;") + "</a>"));
+    const std::string big = "<!DOCTYPE a [<!ENTITY e '" + Numbered(1000, "<b/>") + "'>]><a>";
+    EXPECT_TRUE(Loads(big + Numbered(10, "&e;") + "</a>"));
+    EXPECT_FALSE(Loads(big + Numbered(100'000, "&e;") + "</a>"));
     // Each is appended to the whole text before it.
     const std::string text = "<!DOCTYPE a [<!ENTITY e 'x'>]><a>" + std::string(9'000'000, 'x');
-    EXPECT_TRUE(Loads(text + Repeat(100, "&e;") + "</a>"));
-    EXPECT_FALSE(Loads(text + Repeat(200'000, "&e;") + "</a>"));
+    EXPECT_TRUE(Loads(text + Numbered(100, "&e;") + "</a>"));
+    EXPECT_FALSE(Loads(text + Numbered(200'000, "&e;") + "</a>"));
     for (const char* pszLoop : {"<!ENTITY a '&b;'><!ENTITY b '&a;'>", "<!ENTITY a '&a;'>",
                                 "<!ENTITY % p '&#37;p;'> %p;", "<!ENTITY % p '<!ENTITY a \"x\">'> %p; %p;"})
         Loads(std::string("<!DOCTYPE a [") + pszLoop + "]><a>&a;</a>"); // the last one may be taken
     std::string parameters = "<!DOCTYPE a [<!ENTITY % e0 ''>";
     for (int n = 1; n < 10; ++n)
         parameters += "<!ENTITY % e" + std::to_string(n) + " '" +
-                      Repeat(100, "&#37;e" + std::to_string(n - 1) + ";") + "'>";
+                      Numbered(100, "&#37;e" + std::to_string(n - 1) + ";") + "'>";
     EXPECT_FALSE(Loads(parameters + "%e9;]><a/>"));
     // One name for two kinds of entities.
     EXPECT_FALSE(Loads("<!DOCTYPE a [<!ENTITY % e 'x'><!ENTITY e '" + std::string(4000, 'x') + "'>]><a>" +
-                       Repeat(100'000, "&e;") + "</a>"));
-    std::string defaults = "<!DOCTYPE a [";
-    for (int n = 0; n < 900; ++n)
-        defaults += "<!ATTLIST b x" + std::to_string(n) + " CDATA '1'>";
+                       Numbered(100'000, "&e;") + "</a>"));
+    const std::string defaults = "<!DOCTYPE a [" + Numbered(900, "<!ATTLIST b x$ CDATA '1'>");
     EXPECT_TRUE(Loads(defaults + "]><a><b/></a>"));
-    EXPECT_FALSE(Loads(defaults + "]><a>" + Repeat(100'000, "<b/>") + "</a>"));
+    EXPECT_FALSE(Loads(defaults + "]><a>" + Numbered(100'000, "<b/>") + "</a>"));
     EXPECT_FALSE(Loads("<!DOCTYPE a [<!ATTLIST b x CDATA '" + std::string(500'000, 'x') + "'>]><a>" +
-                       Repeat(100'000, "<b/>") + "</a>"));
+                       Numbered(100'000, "<b/>") + "</a>"));
 }
 
 TEST_F(HostileXml, DeclarationsAreBounded)
 {
     const auto values = [](int nCount) {
-        std::string xml = "<!DOCTYPE a [<!ATTLIST a b (x";
-        for (int n = 0; n < nCount; ++n)
-            xml += "|x" + std::to_string(n);
-        return xml + ") #IMPLIED>]><a/>";
+        return "<!DOCTYPE a [<!ATTLIST a b (x" + Numbered(nCount, "|x$") + ") #IMPLIED>]><a/>";
     };
     EXPECT_TRUE(Loads(values(5000)));
     EXPECT_FALSE(Loads(values(1'000'000))); // each would be compared with all before it
-    EXPECT_TRUE(Loads("<!DOCTYPE a [<!ENTITY e 'x'>]><a>" + Repeat(100'000, "text ") + "</a>"));
+    EXPECT_TRUE(Loads("<!DOCTYPE a [<!ENTITY e 'x'>]><a>" + Numbered(100'000, "text ") + "</a>"));
     // Each name is looked for among those before it.
-    const auto names = [](int nCount) {
-        std::string xml = "<a>";
-        for (int n = 0; n < nCount; ++n)
-            xml += "<n" + std::to_string(n) + "/>";
-        return xml + "</a>";
-    };
+    const auto names = [](int nCount) { return "<a>" + Numbered(nCount, "<n$/>") + "</a>"; };
     EXPECT_TRUE(Loads(names(XML_MAX_NAMES - 100)));
     EXPECT_FALSE(Loads(names(XML_MAX_NAMES + 1)));
     EXPECT_FALSE(Loads(names(1'000'000)));
-    std::string prefixes = "<a>";
-    for (int n = 0; n < 200'000; ++n)
-        prefixes += "<p" + std::to_string(n) + ":b/>";
-    EXPECT_FALSE(Loads(prefixes + "</a>"));
+    EXPECT_FALSE(Loads("<a>" + Numbered(200'000, "<p$:b/>") + "</a>"));
 }
 
 // Each names a catalog, which nobody reads.
 TEST_F(HostileXml, CatalogInstructionsAreLikeOthers)
 {
-    EXPECT_TRUE(Loads(Repeat(300'000, "<?oasis-xml-catalog catalog='x'?>") + "<a/>"));
+    EXPECT_TRUE(Loads(Numbered(300'000, "<?oasis-xml-catalog catalog='x'?>") + "<a/>"));
     EXPECT_EQ(Root().GetChilds("/processing-instruction('oasis-xml-catalog')[300000]").size(), 1u);
 }
 
 TEST_F(HostileXml, ShapesAreBounded)
 {
-    EXPECT_FALSE(Loads(Repeat(1'000'000, "<a>")));
-    EXPECT_FALSE(Loads(Repeat(1'000'000, "<a>") + Repeat(1'000'000, "</a>")));
-    EXPECT_TRUE(Loads(Repeat(XML_MAX_DEPTH, "<a>") + Repeat(XML_MAX_DEPTH, "</a>")));
-    EXPECT_FALSE(Loads(Repeat(XML_MAX_DEPTH + 1, "<a>") + Repeat(XML_MAX_DEPTH + 1, "</a>")));
+    EXPECT_FALSE(Loads(Numbered(1'000'000, "<a>")));
+    EXPECT_FALSE(Loads(Numbered(1'000'000, "<a>") + Numbered(1'000'000, "</a>")));
+    EXPECT_TRUE(Loads(Numbered(XML_MAX_DEPTH, "<a>") + Numbered(XML_MAX_DEPTH, "</a>")));
+    EXPECT_FALSE(Loads(Numbered(XML_MAX_DEPTH + 1, "<a>") + Numbered(XML_MAX_DEPTH + 1, "</a>")));
     EXPECT_TRUE(Loads("<a b='" + std::string(XML_MAX_ATTRIBUTE, 'x') + "'/>"));
     for (const int nMegabytes : {2, 12, 50})
         EXPECT_FALSE(Loads("<a b='" + std::string(static_cast<std::size_t>(nMegabytes) << 20, 'x') + "'/>"));
-    const auto attributes = [](int nCount, const char* pszPrefix) {
-        std::string xml = "<a";
-        for (int n = 0; n < nCount; ++n)
-            xml += std::string(" ") + pszPrefix + std::to_string(n) + "='x'";
-        return xml + "/>";
-    };
-    EXPECT_TRUE(Loads(attributes(XML_MAX_ATTRIBUTES, "b")));
-    EXPECT_FALSE(Loads(attributes(XML_MAX_ATTRIBUTES + 1, "b")));
-    EXPECT_FALSE(Loads(attributes(1'000'000, "b")));
-    const auto namespaces = [](int nCount) {
-        std::string xml = "<a";
-        for (int n = 0; n < nCount; ++n)
-            xml.append(" xmlns:p").append(std::to_string(n)).append("='u'");
-        return xml;
-    };
-    EXPECT_TRUE(
-        Loads(namespaces(XML_MAX_NAMESPACES / 2) + ">" + namespaces(XML_MAX_NAMESPACES / 2) + "/></a>"));
-    EXPECT_FALSE(Loads(namespaces(XML_MAX_NAMESPACES / 2) + "><b xmlns='u'>" +
-                       namespaces(XML_MAX_NAMESPACES / 2) + "/></b></a>"));
-    EXPECT_FALSE(Loads(attributes(1'000'000, "xmlns:p")));
+    const auto attributes = [](int nCount) { return "<a" + Numbered(nCount, " b$='x'") + "/>"; };
+    EXPECT_TRUE(Loads(attributes(XML_MAX_ATTRIBUTES)));
+    EXPECT_FALSE(Loads(attributes(XML_MAX_ATTRIBUTES + 1)));
+    EXPECT_FALSE(Loads(attributes(1'000'000)));
+    const std::string half = "<a" + Numbered(XML_MAX_NAMESPACES / 2, " xmlns:p$='u'");
+    EXPECT_TRUE(Loads(half + ">" + half + "/></a>"));
+    EXPECT_FALSE(Loads(half + "><b xmlns='u'>" + half + "/></b></a>"));
+    EXPECT_FALSE(Loads("<a" + Numbered(1'000'000, " xmlns:p$='x'") + "/>"));
     // An entity's elements lie in those around it, and its text is part of the text around it.
-    const auto deep = [](int nDepth) { return Repeat(nDepth, "<a>") + "x" + Repeat(nDepth, "</a>"); };
+    const auto deep = [](int nDepth) { return Numbered(nDepth, "<a>") + "x" + Numbered(nDepth, "</a>"); };
     const std::string entity = "<!DOCTYPE a [<!ENTITY e '" + deep(XML_MAX_DEPTH / 2) + "'>]>";
     const auto around = [&](int nDepth) {
-        return entity + Repeat(nDepth, "<a>") + "&e;" + Repeat(nDepth, "</a>");
+        return entity + Numbered(nDepth, "<a>") + "&e;" + Numbered(nDepth, "</a>");
     };
     EXPECT_TRUE(Loads(around(XML_MAX_DEPTH / 2)));
     EXPECT_FALSE(Loads(around(XML_MAX_DEPTH / 2 + 1)));
@@ -201,7 +171,7 @@ TEST_F(HostileXml, ShapesAreBounded)
     EXPECT_FALSE(Loads("<a>" + std::string(XML_MAX_TEXT + 100'000, 'x') + "</a>"));
     EXPECT_FALSE(Loads("<a><![CDATA[" + std::string(12 << 20, 'x') + "]]></a>"));
     EXPECT_FALSE(Loads("<a><!--" + std::string(12 << 20, 'x') + "--></a>"));
-    EXPECT_TRUE(Loads("<a>" + Repeat(500'000, "<b/>") + "</a>"));
+    EXPECT_TRUE(Loads("<a>" + Numbered(500'000, "<b/>") + "</a>"));
 }
 
 TEST_F(HostileXml, BrokenBytesAreRefused)
@@ -213,7 +183,7 @@ TEST_F(HostileXml, BrokenBytesAreRefused)
     EXPECT_FALSE(Loads(std::string("<a>\0</a>", 8)));
     EXPECT_FALSE(Loads(std::string("\xFF\xFE<\0a\0/\0>", 9)));
     EXPECT_FALSE(Loads(std::string("\xFF\xFE<\0a\0>\0\x00\xD8<\0/\0a\0>\0", 18)));
-    EXPECT_FALSE(Loads(Repeat(1'000'000, "\xFF\xFE")));
+    EXPECT_FALSE(Loads(Numbered(1'000'000, "\xFF\xFE")));
 }
 
 // The parser takes so many bytes of names and no more. What was loaded with all that fit can be changed.

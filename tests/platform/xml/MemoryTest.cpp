@@ -1,7 +1,4 @@
-#include "tests/support/Child.h"
-#include "tests/support/TempDir.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
 
 namespace {
 

@@ -1,8 +1,5 @@
 #include "tests/platform/xml/Peer.h"
 
-#include "include/platform/CodePage.h"
-
-#include <algorithm>
 #include <libxml/c14n.h>
 #include <libxml/parser.h>
 #include <libxml/xpathInternals.h>

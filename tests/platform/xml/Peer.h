@@ -1,10 +1,9 @@
 #pragma once
 
 #include "include/platform/Xml.h"
-#include "tests/support/Fixed.h"
+#include "tests/support/Test.h"
 
 #include <libxml/tree.h>
-#include <string>
 
 namespace test {
 

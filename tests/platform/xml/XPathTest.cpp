@@ -1,8 +1,7 @@
 #include "include/KXXmlDomDocument.h"
-
+#include "tests/platform/xml/Numbered.h"
 #include "tests/platform/xml/Peer.h"
 #include "tests/support/Com.h"
-#include "tests/support/Test.h"
 
 #include <random>
 
@@ -25,26 +24,20 @@ struct XPath : testing::Test
     CKXXmlDomDocument m_doc;
 };
 
-template <class Each>
-std::string Records(int nCount, Each each)
+// Some of them in a root.
+std::string Records(int nCount, const std::string& text)
 {
-    std::string xml = "<r>";
-    for (int n = 0; n < nCount; ++n)
-        xml += each(std::to_string(n));
-    return xml + "</r>";
+    return "<r>" + test::Numbered(nCount, text) + "</r>";
 }
 
 // However many steps that takes.
 TEST_F(XPath, FindsAllThatIsRight)
 {
-    const std::string items = Records(
-        200'000, [](const std::string& n) { return "<item id='" + n + "'><name>id" + n + "</name></item>"; });
+    const std::string items = Records(200'000, "<item id='$'><name>id$</name></item>");
     EXPECT_EQ(Count(items, "//item[substring(name,3)=@id and @id>=0]"), 200'000u);
-    EXPECT_EQ(Count(Records(2000, [](const std::string& n) { return "<i n='" + n + "'/>"; }),
-                    "i[not(@n=preceding-sibling::i/@n)]"),
-              2000u);
+    EXPECT_EQ(Count(Records(2000, "<i n='$'/>"), "i[not(@n=preceding-sibling::i/@n)]"), 2000u);
     // Each parent once, in time that follows their number.
-    const std::string pairs = Records(200'000, [](const std::string&) { return "<a><b/><b/></a>"; });
+    const std::string pairs = Records(200'000, "<a><b/><b/></a>");
     EXPECT_EQ(Count(pairs, "//a/b/.."), 200'000u);
     EXPECT_EQ(Count(pairs, "a/b/../.."), 1u);
 }
@@ -100,8 +93,7 @@ TEST_F(XPath, TellsTheDefaultNamespace)
 TEST_F(XPath, ReadsManyChildrenInAnyOrder)
 {
     constexpr int kMany = 50'000;
-    CKXXmlDomElement root =
-        Root(Records(kMany, [](const std::string& n) { return "<n" + n + ">" + n + "</n" + n + ">"; }));
+    CKXXmlDomElement root = Root(Records(kMany, "<n$>$</n$>"));
     const auto read = [&](int n) {
         int nValue = 0;
         EXPECT_EQ(root.GetChild(("n" + std::to_string(n)).c_str(), nValue, true, 0), 1);
@@ -134,8 +126,7 @@ TEST_F(XPath, ReadsTwoRecordsInTurnAndMovesAll)
 {
     constexpr int kMany = 50'000;
     const auto name = [](long n) { return "n" + std::to_string(n); };
-    const std::string record =
-        Records(kMany, [](const std::string& n) { return "<n" + n + ">" + n + "</n" + n + ">"; });
+    const std::string record = Records(kMany, "<n$>$</n$>");
     CKXXmlDomElement root = Root("<p>" + record + record + "</p>");
     CKXXmlDomElement one = root.GetChild("r[1]");
     CKXXmlDomElement two = root.GetChild("r[2]");
