@@ -1,4 +1,3 @@
-#include "include/platform/File.h"
 #include "tests/platform/files/Mounted.h"
 
 #include <csignal>
@@ -8,7 +7,6 @@
 #include <unistd.h>
 
 namespace fs = std::filesystem;
-using test::Mounted;
 
 namespace {
 
@@ -29,11 +27,14 @@ void ReadOnly(const std::string& path)
     fs::permissions(path, fs::perms::owner_read | fs::perms::group_read);
 }
 
+using Copy = test::OnDrive;
+using Delete = test::OnDrive;
+using Directory = test::OnDrive;
+
 } // namespace
 
-TEST(Copy, PassesOnContentPermissionsAndTime)
+TEST_F(Copy, PassesOnContentPermissionsAndTime)
 {
-    const Mounted drive;
     const std::string content(300'000, 'x');
     drive.Write("from", content);
     drive.Write("Old", "a longer text than nothing");
@@ -58,9 +59,8 @@ TEST(Copy, PassesOnContentPermissionsAndTime)
     EXPECT_EQ(Entries(drive.Path()), 6u);
 }
 
-TEST(Copy, FollowsLinksToFilesAndCopiesLinksToDirectories)
+TEST_F(Copy, FollowsLinksToFilesAndCopiesLinksToDirectories)
 {
-    const Mounted drive;
     drive.Write("file", "content");
     drive.Write("dir/target", "old");
     fs::create_symlink("file", drive.Path("in"));
@@ -80,9 +80,8 @@ TEST(Copy, FollowsLinksToFilesAndCopiesLinksToDirectories)
     EXPECT_EQ(Outcome(CopyFileA("X:\\linkdir", "X:\\copy", 1)), ERROR_FILE_EXISTS);
 }
 
-TEST(Copy, RefusalsLeaveBothFiles)
+TEST_F(Copy, RefusalsLeaveBothFiles)
 {
-    const Mounted drive;
     for (const char* file : {"from", "to", "locked", "open", "dir/x"})
         drive.Write(file, file);
     ReadOnly(drive.Path("locked"));
@@ -118,9 +117,8 @@ TEST(Copy, RefusalsLeaveBothFiles)
     EXPECT_EQ(Entries(drive.Path()), nEntries);
 }
 
-TEST(Copy, FailureOnTheWayLeavesTheOldFileAndNothingElse)
+TEST_F(Copy, FailureOnTheWayLeavesTheOldFileAndNothingElse)
 {
-    const Mounted drive;
     drive.Write("from", std::string(50'000, 'n'));
     drive.Write("old", "old");
     {
@@ -132,9 +130,8 @@ TEST(Copy, FailureOnTheWayLeavesTheOldFileAndNothingElse)
     EXPECT_EQ(Entries(drive.Path()), 2u);
 }
 
-TEST(Copy, KilledOnTheWayLeavesTheOldFileAndThePart)
+TEST_F(Copy, KilledOnTheWayLeavesTheOldFileAndThePart)
 {
-    const Mounted drive;
     drive.Write("source", std::string(300'000, 'x'));
     drive.Write("old", "old");
     const auto copy = [&](const char* target) {
@@ -157,9 +154,8 @@ TEST(Copy, KilledOnTheWayLeavesTheOldFileAndThePart)
     EXPECT_EQ(Entries(drive.Path()), 3u);
 }
 
-TEST(Copy, KeepsHoles)
+TEST_F(Copy, KeepsHoles)
 {
-    const Mounted drive;
     drive.Write("sparse", "head");
     constexpr off_t kSize = off_t{5} << 30;
     {
@@ -182,9 +178,8 @@ TEST(Copy, KeepsHoles)
     close(fd);
 }
 
-TEST(Delete, TakesFilesAndLinksButNothingReadOnly)
+TEST_F(Delete, TakesFilesAndLinksButNothingReadOnly)
 {
-    const Mounted drive;
     for (const char* file : {"File", "locked", "dir/in"})
         drive.Write(file, "");
     ReadOnly(drive.Path("locked"));
@@ -204,9 +199,8 @@ TEST(Delete, TakesFilesAndLinksButNothingReadOnly)
     EXPECT_EQ(Entries(drive.Path()), 3u);
 }
 
-TEST(Directory, IsMadeOnceAndRemovedEmpty)
+TEST_F(Directory, IsMadeOnceAndRemovedEmpty)
 {
-    const Mounted drive;
     drive.Write("file", "");
     EXPECT_EQ(Outcome(CreateDirectoryA("X:\\Dir\\", nullptr)), ERROR_SUCCESS);
     EXPECT_EQ(Outcome(CreateDirectoryA("X:\\DIR\\\\In", nullptr)), ERROR_SUCCESS);

@@ -1,4 +1,3 @@
-#include "include/platform/CodePage.h"
 #include "include/platform/Error.h"
 #include "tests/platform/files/Mounted.h"
 

@@ -1,4 +1,3 @@
-#include "include/platform/File.h"
 #include "tests/platform/files/Mounted.h"
 
 #include <fcntl.h>
@@ -7,7 +6,6 @@
 #include <unistd.h>
 
 using test::CauseOf;
-using test::Mounted;
 
 namespace {
 
@@ -30,11 +28,12 @@ CString TextOf(const CException& exception)
     return text.data();
 }
 
+using File = test::OnDrive;
+
 } // namespace
 
-TEST(File, CreatesKeepsEmptiesAndMoves)
+TEST_F(File, CreatesKeepsEmptiesAndMoves)
 {
-    const Mounted drive;
     CFile file;
     ASSERT_TRUE(file.Open("X:\\new", CFile::modeCreate | CFile::modeReadWrite));
     file.Write("0123456789", 10);
@@ -57,9 +56,8 @@ TEST(File, CreatesKeepsEmptiesAndMoves)
     EXPECT_EQ(file.GetLength(), 0u);
 }
 
-TEST(File, ClosedOneIsQuietButForReadsAndWrites)
+TEST_F(File, ClosedOneIsQuietButForReadsAndWrites)
 {
-    const Mounted drive;
     CFile file;
     EXPECT_FALSE(file.Open("X:\\none", CFile::modeRead)); // no record for the reason
     char ch = 0;
@@ -71,9 +69,8 @@ TEST(File, ClosedOneIsQuietButForReadsAndWrites)
     EXPECT_EQ(file.GetFilePath(), "");
 }
 
-TEST(File, FailuresToOpenTellTheCause)
+TEST_F(File, FailuresToOpenTellTheCause)
 {
-    const Mounted drive;
     drive.Write("file", "content");
     drive.MakeDir("dir");
     mkfifo(drive.Path("pipe").c_str(), 0600);
@@ -98,7 +95,7 @@ TEST(File, FailuresToOpenTellTheCause)
     EXPECT_EQ(drive.Read("file"), "content");
 }
 
-TEST(File, DevicesAreFilesAndAFullOneSaysSo)
+TEST_F(File, DevicesAreFilesAndAFullOneSaysSo)
 {
     CFile file;
     CFileException none;
@@ -116,9 +113,8 @@ TEST(File, DevicesAreFilesAndAFullOneSaysSo)
     }
 }
 
-TEST(File, WritersShareAsTheySayAndReadersAlwaysDo)
+TEST_F(File, WritersShareAsTheySayAndReadersAlwaysDo)
 {
-    const Mounted drive;
     const CString strPath = drive.Win("file"); // as other processes know it
     const unsigned exclusive[] = {CFile::shareCompat, CFile::shareExclusive, CFile::shareDenyWrite};
     const unsigned open[] = {CFile::shareDenyNone, CFile::shareDenyRead};
@@ -148,9 +144,8 @@ TEST(File, WritersShareAsTheySayAndReadersAlwaysDo)
 
 // A process has copies of its parent's descriptors until it runs a program of its own. They keep no file from
 // others once it is closed; and what a fork closes stays its parent's.
-TEST(File, IsFreeForOthersOnceClosedWhoeverHasCopies)
+TEST_F(File, IsFreeForOthersOnceClosedWhoeverHasCopies)
 {
-    const Mounted drive;
     const unsigned flags = CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite;
     CFile file;
     ASSERT_TRUE(file.Open("X:\\held", flags));
@@ -172,9 +167,8 @@ TEST(File, IsFreeForOthersOnceClosedWhoeverHasCopies)
     EXPECT_EQ(waitpid(holding, nullptr, 0), holding);
 }
 
-TEST(File, ShareEndsWithItsHolderAlsoByAKill)
+TEST_F(File, ShareEndsWithItsHolderAlsoByAKill)
 {
-    const Mounted drive;
     drive.Write("file", "");
     mkfifo(drive.Path("ready").c_str(), 0600);
     const unsigned flags = CFile::modeWrite | CFile::shareDenyWrite;

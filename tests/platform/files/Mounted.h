@@ -40,6 +40,13 @@ private:
     std::filesystem::path m_old = std::filesystem::current_path();
 };
 
+// Tests on a drive `X:` of their own, which may change the current directory.
+struct OnDrive : testing::Test
+{
+    const Mounted drive;
+    const KeepDirectory keep;
+};
+
 // The cause of the failure of an operation that throws; `none` for success.
 inline int CauseOf(const std::function<void()>& operation)
 {

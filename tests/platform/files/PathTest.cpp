@@ -1,8 +1,6 @@
-#include "include/platform/File.h"
 #include "tests/platform/files/Mounted.h"
 
 namespace fs = std::filesystem;
-using test::Mounted;
 
 namespace {
 
@@ -16,11 +14,12 @@ DWORD ErrorOf(const std::function<void()>& operation)
     return GetLastError();
 }
 
+using Path = test::OnDrive;
+
 } // namespace
 
-TEST(Path, IsTakenApartInItsText)
+TEST_F(Path, IsTakenApartInItsText)
 {
-    const Mounted drive;
     const std::pair<const char*, const char*> facts[] = {{"X:\\", "/"},
                                                          {"x:/", "/"},
                                                          {"X:\\a\\b", "/a/b"},
@@ -37,10 +36,8 @@ TEST(Path, IsTakenApartInItsText)
         EXPECT_EQ(drive.Named(path), named) << path;
 }
 
-TEST(Path, RelativeOnesBeginInTheCurrentDirectoryAndItsDrive)
+TEST_F(Path, RelativeOnesBeginInTheCurrentDirectoryAndItsDrive)
 {
-    const Mounted drive;
-    const test::KeepDirectory keep;
     drive.MakeDir("work/deep");
     EXPECT_TRUE(SetCurrentDirectoryA("x:\\WORK\\deep"));
     const std::pair<const char*, const char*> facts[] = {
@@ -69,10 +66,8 @@ TEST(Path, RelativeOnesBeginInTheCurrentDirectoryAndItsDrive)
     EXPECT_STREQ(buffer, "C:\\usr");
 }
 
-TEST(Path, CurrentDirectoryKeepsItsSpellingThroughLinksUntilOthersMoveIt)
+TEST_F(Path, CurrentDirectoryKeepsItsSpellingThroughLinksUntilOthersMoveIt)
 {
-    const Mounted drive;
-    const test::KeepDirectory keep;
     drive.MakeDir("real/inner");
     fs::create_directory_symlink(drive.Path("real"), drive.Path("link"));
     char buffer[MAX_PATH];
@@ -89,9 +84,8 @@ TEST(Path, CurrentDirectoryKeepsItsSpellingThroughLinksUntilOthersMoveIt)
     EXPECT_EQ(drive.Named("tmp"), "?");
 }
 
-TEST(Path, ExactNameWinsElseTheLowestIgnoringCase)
+TEST_F(Path, ExactNameWinsElseTheLowestIgnoringCase)
 {
-    const Mounted drive;
     for (const char* file :
          {"Skins/Default/Skin.ini", "two/b", "two/B", "mix/NAME/in", "mix/Name", "é/Été", "one/É"})
         drive.Write(file, "");
@@ -119,9 +113,8 @@ TEST(Path, ExactNameWinsElseTheLowestIgnoringCase)
     EXPECT_EQ(drive.Named("X:\\two\\A\\X"), "/two/a/x");
 }
 
-TEST(Path, LargeDirectoriesAreKnownAsTheyAreNow)
+TEST_F(Path, LargeDirectoriesAreKnownAsTheyAreNow)
 {
-    const Mounted drive;
     const auto fill = [&] {
         for (int i = 0; i < 300; ++i)
             drive.Write("big/File" + std::to_string(i), "");
@@ -150,9 +143,8 @@ TEST(Path, LargeDirectoriesAreKnownAsTheyAreNow)
     EXPECT_EQ(drive.Named("X:\\big\\FILE299X"), "/big/File299x");
 }
 
-TEST(Path, IsResolvedOnManyThreadsWhileDrivesAndDirectoriesChange)
+TEST_F(Path, IsResolvedOnManyThreadsWhileDrivesAndDirectoriesChange)
 {
-    const Mounted drive;
     for (int i = 0; i < 300; ++i)
         drive.Write("big/File" + std::to_string(i), "");
     std::atomic<bool> bStop{false};
@@ -167,7 +159,6 @@ TEST(Path, IsResolvedOnManyThreadsWhileDrivesAndDirectoriesChange)
                 KXHost::ToSystemPath("relative");
             }
         });
-    const test::KeepDirectory keep;
     for (int i = 0; i < 100; ++i) {
         KXHost::MountDrive('Y', {"/other", DRIVE_FIXED, "", "", 0});
         CreateDirectoryA("X:\\BIG\\dir", nullptr);
@@ -180,9 +171,8 @@ TEST(Path, IsResolvedOnManyThreadsWhileDrivesAndDirectoriesChange)
         thread.join();
 }
 
-TEST(Path, NamesOfBothCodePagesSurviveTheRoundTrip)
+TEST_F(Path, NamesOfBothCodePagesSurviveTheRoundTrip)
 {
-    const Mounted drive;
     const char* names[] = {"plain",    "\xE8\xAA\xA0",     "\xE4\xB8\xAD\xE6\x96\x87",
                            "\xC3\xB1", "\xF0\x9F\x98\x80", "a b"};
     for (const UINT page : {CP_GBK, CP_UTF8}) {
@@ -197,9 +187,8 @@ TEST(Path, NamesOfBothCodePagesSurviveTheRoundTrip)
     EXPECT_EQ(ErrorOf([] { KXHost::ToSystemPath("X:\\\xD5\x5C"); }), ERROR_INVALID_NAME);
 }
 
-TEST(Path, LinuxPathsOutsideTheDrivesOrTheirNamesHaveNone)
+TEST_F(Path, LinuxPathsOutsideTheDrivesOrTheirNamesHaveNone)
 {
-    const Mounted drive;
     EXPECT_EQ(KXHost::FromSystemPath("/usr//lib/./x/../y/"), "C:\\usr\\lib\\y");
     EXPECT_EQ(KXHost::FromSystemPath("/"), "C:\\");
     EXPECT_EQ(drive.Of(""), "X:\\");
@@ -217,9 +206,8 @@ TEST(Path, LinuxPathsOutsideTheDrivesOrTheirNamesHaveNone)
     EXPECT_EQ(KXHost::ToSystemPath("C:\\usr"), "/usr");
 }
 
-TEST(Path, WhatNamesNothingFailsAlikeEverywhere)
+TEST_F(Path, WhatNamesNothingFailsAlikeEverywhere)
 {
-    const Mounted drive;
     const std::string longest = "X:\\" + std::string(256, 'a');
     const std::string overlong = longest + "a";
     const std::string huge = "X:\\" + std::string(1'000'000, 'b');
@@ -253,9 +241,8 @@ TEST(Path, WhatNamesNothingFailsAlikeEverywhere)
     EXPECT_EQ(drive.Named(longest.c_str()).size(), 257u);
 }
 
-TEST(Path, LoopsAndUnreadableDirectoriesEndTheSearch)
+TEST_F(Path, LoopsAndUnreadableDirectoriesEndTheSearch)
 {
-    const Mounted drive;
     fs::create_symlink("loop2", drive.Path("loop1"));
     fs::create_symlink("loop1", drive.Path("loop2"));
     EXPECT_EQ(drive.Named("X:\\LOOP1"), "/loop1");

@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 
 namespace fs = std::filesystem;
-using test::Mounted;
 using testing::ElementsAre;
 
 namespace {
@@ -40,11 +39,12 @@ std::int64_t UnixSteps(const FILETIME& time)
            116'444'736'000'000'000;
 }
 
+using Search = test::OnDrive;
+
 } // namespace
 
-TEST(Search, DeliversDotsFirstThenNamesInOrderIgnoringCase)
+TEST_F(Search, DeliversDotsFirstThenNamesInOrderIgnoringCase)
 {
-    const Mounted drive;
     EXPECT_THAT(Find("X:\\*"),
                 ElementsAre(".", "..")); // also in a root, so that an empty one can be searched
     for (const char* file : {"b", "A", "a", "C.txt", "_", ".hid", "sub/in"})
@@ -54,16 +54,14 @@ TEST(Search, DeliversDotsFirstThenNamesInOrderIgnoringCase)
     EXPECT_THAT(Find("X:\\a"), ElementsAre("a"));
     EXPECT_THAT(Find("X:\\c.TXT"), ElementsAre("C.txt")); // by its own name
     EXPECT_THAT(Find("X:\\sub\\."), ElementsAre("sub"));
-    const test::KeepDirectory keep;
     SetCurrentDirectoryA("X:\\sub");
     EXPECT_THAT(Find("i*"), ElementsAre("in"));
     EXPECT_THAT(Find("X:i?"), ElementsAre("in"));
     EXPECT_THAT(Find("\\c*"), ElementsAre("C.txt"));
 }
 
-TEST(Search, WildcardsStandForCharacters)
+TEST_F(Search, WildcardsStandForCharacters)
 {
-    const Mounted drive;
     // The third is three characters in two, four and two bytes, the second byte of the first a backslash.
     for (const char* file : {"name", "name.txt", "\xE8\xAA\xA0\xC3\xB1\xE4\xB8\xAD.TXT", "a.tar.gz", "aXbXc"})
         drive.Write(file, "");
@@ -86,9 +84,8 @@ TEST(Search, WildcardsStandForCharacters)
         EXPECT_EQ(Find(("X:\\" + pattern).c_str()), names) << pattern;
 }
 
-TEST(Search, RecordsTellKindSizeAndTimes)
+TEST_F(Search, RecordsTellKindSizeAndTimes)
 {
-    const Mounted drive;
     drive.Write("file", "12345");
     drive.Write("locked", "");
     drive.Write("sub/in", "");
@@ -129,9 +126,8 @@ TEST(Search, RecordsTellKindSizeAndTimes)
     EXPECT_TRUE(PathFileExistsA("X:\\sub\\"));
 }
 
-TEST(Search, NamesThatNoPathCanSayAreNotDelivered)
+TEST_F(Search, NamesThatNoPathCanSayAreNotDelivered)
 {
-    const Mounted drive;
     std::string twobyte;
     for (int i = 0; i < 64; ++i)
         twobyte += "\xC3\xB1"; // four bytes each in code page 936
@@ -144,9 +140,8 @@ TEST(Search, NamesThatNoPathCanSayAreNotDelivered)
     EXPECT_THAT(Find("X:\\*n"), ElementsAre(twobyte + "nnnn"));
 }
 
-TEST(Search, FailuresSayWhatIsMissing)
+TEST_F(Search, FailuresSayWhatIsMissing)
 {
-    const Mounted drive;
     drive.Write("file", "");
     const std::pair<const char*, DWORD> facts[] = {
         {"X:\\none", ERROR_FILE_NOT_FOUND},    {"X:\\none*", ERROR_FILE_NOT_FOUND},
@@ -161,9 +156,8 @@ TEST(Search, FailuresSayWhatIsMissing)
     EXPECT_EQ(FindFirstFileA("X:\\file", nullptr), INVALID_HANDLE_VALUE);
 }
 
-TEST(Search, HandlesAreCountedAndStaleOnesRefused)
+TEST_F(Search, HandlesAreCountedAndStaleOnesRefused)
 {
-    const Mounted drive;
     for (const char* file : {"1", "2", "3"})
         drive.Write(file, "");
     const int nBefore = KXHost::LiveHandles();

@@ -1,8 +1,6 @@
 #include "include/platform/StdioFile.h"
 #include "tests/platform/files/Mounted.h"
 
-using test::Mounted;
-
 namespace {
 
 constexpr std::size_t kBuffer = std::size_t{64} << 10;
@@ -24,11 +22,12 @@ std::vector<std::string> Lines(const char* pszPath)
     return lines;
 }
 
+using StdioFile = test::OnDrive;
+
 } // namespace
 
-TEST(StdioFile, LinesEndAtLfOrCrLfAndHaveAnyLength)
+TEST_F(StdioFile, LinesEndAtLfOrCrLfAndHaveAnyLength)
 {
-    const Mounted drive;
     const std::string huge(5'000'000, 'h');
     const std::string edge(kBuffer - 1, 'e'); // so that the CR is the block's last byte
     using std::string_literals::operator""s;
@@ -52,9 +51,8 @@ TEST(StdioFile, LinesEndAtLfOrCrLfAndHaveAnyLength)
     }
 }
 
-TEST(StdioFile, WritesWhenTheBufferIsFullOrFlushed)
+TEST_F(StdioFile, WritesWhenTheBufferIsFullOrFlushed)
 {
-    const Mounted drive;
     CStdioFile file;
     ASSERT_TRUE(file.Open("X:\\log", CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite));
     const std::string line = std::string(999, 'l') + "\n";
@@ -81,9 +79,8 @@ TEST(StdioFile, WritesWhenTheBufferIsFullOrFlushed)
     EXPECT_EQ(drive.Read("log"), "by the end of the object");
 }
 
-TEST(StdioFile, ReadingAndWritingShareOnePosition)
+TEST_F(StdioFile, ReadingAndWritingShareOnePosition)
 {
-    const Mounted drive;
     drive.Write("text", "one\ntwo\nthree\n");
     CStdioFile file;
     ASSERT_TRUE(file.Open("X:\\text", CFile::modeReadWrite));
@@ -112,7 +109,7 @@ TEST(StdioFile, ReadingAndWritingShareOnePosition)
     EXPECT_EQ(file.Read(all.data(), all.size()), 3 * kBuffer + 4);
 }
 
-TEST(StdioFile, FullDiskLosesTheTextAndNeverGrowsMemory)
+TEST_F(StdioFile, FullDiskLosesTheTextAndNeverGrowsMemory)
 {
     CStdioFile file;
     ASSERT_TRUE(file.Open("C:\\dev\\full", CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite));
@@ -130,7 +127,7 @@ TEST(StdioFile, FullDiskLosesTheTextAndNeverGrowsMemory)
     EXPECT_FALSE(Fails([&] { file.Close(); }));
 }
 
-TEST(StdioFile, ClosedOneAnswersReadsAndWritesWithAnException)
+TEST_F(StdioFile, ClosedOneAnswersReadsAndWritesWithAnException)
 {
     CStdioFile file;
     CString strLine("x");
