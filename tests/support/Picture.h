@@ -96,4 +96,10 @@ private:
     int m_before = KXHost::LiveHandles();
 };
 
+// Each test of it leaves no handle behind.
+class LeakTest : public testing::Test
+{
+    const NoLeak m_noLeak;
+};
+
 } // namespace test

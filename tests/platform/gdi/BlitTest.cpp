@@ -1,11 +1,7 @@
-#include "tests/support/Picture.h"
-
 #include "tests/platform/gdi/LoadedImage.h"
+#include "tests/support/Test.h"
 
-#include <array>
-#include <climits>
 #include <ctime>
-#include <gmock/gmock.h>
 
 using namespace test;
 

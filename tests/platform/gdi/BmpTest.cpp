@@ -1,8 +1,6 @@
-#include "include/platform/Gdi.h"
-
 #include "tests/platform/gdi/LoadedImage.h"
+#include "tests/support/Test.h"
 
-#include <array>
 #include <tuple>
 
 namespace {

@@ -1,9 +1,5 @@
 #include "tests/platform/gdi/LoadedImage.h"
-#include "tests/support/Picture.h"
-
-#include <climits>
-#include <cstring>
-#include <map>
+#include "tests/support/Test.h"
 
 using namespace test;
 
@@ -163,17 +159,11 @@ TEST(GetDIBits, RefusesBadHandlesAndHeaders)
     EXPECT_EQ(GetDIBits(paper, paper.Bitmap(), 0, 3, bits.data(), nullptr, DIB_RGB_COLORS), 0);
     EXPECT_EQ(GetDIBits(paper, paper.Bitmap(), 0, 3, bits.data(), &good.head, 1), 0);
     EXPECT_EQ(GetDIBits(paper, paper.Bitmap(), 0, 3, nullptr, &good.head, DIB_RGB_COLORS), 3);
-    using Header = std::tuple<DWORD, LONG, LONG, WORD, WORD, DWORD>;
-    for (const auto& [size, cx, cy, planes, depth, compression] : {Header{0, 5, 3, 1, 32, 0},
-                                                                   {124, 5, 3, 1, 32, 0},
-                                                                   {40, 6, 3, 1, 32, 0},
-                                                                   {40, -5, 3, 1, 32, 0},
-                                                                   {40, 5, 2, 1, 32, 0},
-                                                                   {40, 5, INT_MIN, 1, 32, 0},
-                                                                   {40, 5, 3, 0, 32, 0},
-                                                                   {40, 5, 3, 1, 2, 0},
-                                                                   {40, 5, 3, 1, 0xFFFF, 0},
-                                                                   {40, 5, 3, 1, 32, BI_BITFIELDS}}) {
+    const std::tuple<DWORD, LONG, LONG, WORD, WORD, DWORD> wrong[] = {
+        {0, 5, 3, 1, 32, 0},      {124, 5, 3, 1, 32, 0},          {40, 6, 3, 1, 32, 0}, {40, -5, 3, 1, 32, 0},
+        {40, 5, 2, 1, 32, 0},     {40, 5, INT_MIN, 1, 32, 0},     {40, 5, 3, 0, 32, 0}, {40, 5, 3, 1, 2, 0},
+        {40, 5, 3, 1, 0xFFFF, 0}, {40, 5, 3, 1, 32, BI_BITFIELDS}};
+    for (const auto& [size, cx, cy, planes, depth, compression] : wrong) {
         Info info;
         info.head.bmiHeader = {size, cx, cy, planes, depth, compression, 0, 0, 0, 0, 0};
         EXPECT_EQ(GetDIBits(paper, paper.Bitmap(), 0, 3, bits.data(), &info.head, DIB_RGB_COLORS), 0)

@@ -1,6 +1,5 @@
-#include "include/platform/Gdi.h"
-
 #include "tests/platform/gdi/LoadedImage.h"
+#include "tests/support/Test.h"
 
 namespace {
 

@@ -1,13 +1,8 @@
-#include "include/platform/Gdi.h"
-
 #include "include/platform/Error.h"
 #include "include/platform/Module.h"
 #include "tests/platform/gdi/LoadedImage.h"
 #include "tests/platform/module/Bundles.h"
 
-#include <filesystem>
-#include <fstream>
-#include <string>
 #include <sys/stat.h>
 
 namespace {

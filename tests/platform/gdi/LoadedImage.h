@@ -1,15 +1,11 @@
 #pragma once
 
-#include "include/platform/Gdi.h"
 #include "tests/support/Picture.h"
 #include "tests/support/TempDir.h"
 
 #include <cstring>
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <memory>
-#include <string>
-#include <vector>
 
 namespace test {
 

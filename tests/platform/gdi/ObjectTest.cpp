@@ -1,11 +1,11 @@
-#include "tests/support/Await.h"
 #include "tests/support/Picture.h"
-#include <atomic>
-#include <climits>
-#include <string>
+#include "tests/support/Test.h"
+
 using namespace test;
 
 namespace {
+
+using Object = LeakTest;
 
 HGDIOBJ Invented(std::uintptr_t n)
 {
@@ -24,9 +24,8 @@ Record Describe(HGDIOBJ object)
 
 } // namespace
 
-TEST(Object, IsNamedByItsHandleUntilItsEndAndByNoOtherNumber)
+TEST_F(Object, IsNamedByItsHandleUntilItsEndAndByNoOtherNumber)
 {
-    const NoLeak noLeak;
     const HBRUSH brush = CreateSolidBrush(0);
     EXPECT_EQ(DeleteObject(brush), 1);
     EXPECT_EQ(DeleteObject(brush), 0);
@@ -46,7 +45,7 @@ TEST(Object, IsNamedByItsHandleUntilItsEndAndByNoOtherNumber)
     }
 }
 
-TEST(Object, OfAnotherClassServesNoOperation)
+TEST_F(Object, OfAnotherClassServesNoOperation)
 {
     const Scoped<HBRUSH> brush(CreateSolidBrush(0));
     const Scoped<HRGN> region(CreateRectRgn(0, 0, 1, 1));
@@ -60,7 +59,7 @@ TEST(Object, OfAnotherClassServesNoOperation)
     EXPECT_EQ(GetObjectA(HDC{paper}, 0, nullptr), 0);
 }
 
-TEST(Object, TellsItsRecord)
+TEST_F(Object, TellsItsRecord)
 {
     const Paper paper(5, 7);
     const auto bitmap = Describe<BITMAP>(paper.Bitmap());
@@ -81,9 +80,8 @@ TEST(Object, TellsItsRecord)
     EXPECT_EQ(CreatePen(3, 1, 0), nullptr);
 }
 
-TEST(Object, StaysWhileASurfaceHoldsIt)
+TEST_F(Object, StaysWhileASurfaceHoldsIt)
 {
-    const NoLeak noLeak;
     const HBRUSH brush = CreateSolidBrush(ColorOf('R'));
     const HPEN pen = CreatePen(PS_SOLID, 1, ColorOf('G'));
     {
@@ -106,9 +104,8 @@ TEST(Object, StaysWhileASurfaceHoldsIt)
     EXPECT_EQ(DeleteObject(pen), 1);
 }
 
-TEST(Object, ABitmapIsInOneMemorySurfaceAtATime)
+TEST_F(Object, ABitmapIsInOneMemorySurfaceAtATime)
 {
-    const NoLeak noLeak;
     const HDC first = CreateCompatibleDC(nullptr);
     const HDC second = CreateCompatibleDC(nullptr);
     const HDC desktop = GetDC(nullptr);
@@ -130,9 +127,8 @@ TEST(Object, ABitmapIsInOneMemorySurfaceAtATime)
     EXPECT_EQ(ReleaseDC(nullptr, desktop), 1);
 }
 
-TEST(Object, StockIsAlwaysTheSameAndStays)
+TEST_F(Object, StockIsAlwaysTheSameAndStays)
 {
-    const NoLeak noLeak;
     for (const int n : {WHITE_BRUSH, LTGRAY_BRUSH, GRAY_BRUSH, DKGRAY_BRUSH, BLACK_BRUSH, NULL_BRUSH,
                         WHITE_PEN, BLACK_PEN, NULL_PEN}) {
         EXPECT_NE(GetStockObject(n), nullptr);
@@ -143,9 +139,8 @@ TEST(Object, StockIsAlwaysTheSameAndStays)
         EXPECT_EQ(GetStockObject(n), nullptr) << n;
 }
 
-TEST(Object, ThreadsMakeFindAndEndThemAtOnce)
+TEST_F(Object, ThreadsMakeFindAndEndThemAtOnce)
 {
-    const NoLeak noLeak;
     const auto make = [] {
         const HDC dc = CreateCompatibleDC(nullptr);
         const HBITMAP bitmap = CreateCompatibleBitmap(dc, 1, 1);

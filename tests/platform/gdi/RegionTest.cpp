@@ -1,14 +1,13 @@
 #include "tests/support/Picture.h"
+#include "tests/support/Test.h"
 
-#include <algorithm>
-#include <climits>
 #include <random>
-#include <vector>
 
 using namespace test;
 
 namespace {
 
+using Region = LeakTest;
 using Rgn = Scoped<HRGN>;
 
 Rgn FromRects(const std::vector<RECT>& rects)
@@ -39,9 +38,8 @@ Picture Show(HRGN region, int width, int height)
 
 } // namespace
 
-TEST(Region, TakesItsCornersInAnyOrder)
+TEST_F(Region, TakesItsCornersInAnyOrder)
 {
-    const NoLeak noLeak;
     const Rgn region(CreateRectRgn(5, 6, 2, 1));
     EXPECT_EQ(BoxOf(region, SIMPLEREGION), (RECT{2, 1, 5, 6}));
     EXPECT_TRUE(PtInRegion(region, 2, 1));
@@ -53,7 +51,7 @@ TEST(Region, TakesItsCornersInAnyOrder)
     EXPECT_FALSE(PtInRegion(empty, 3, 3));
 }
 
-TEST(Region, OfRectanglesIsTheirUnion)
+TEST_F(Region, OfRectanglesIsTheirUnion)
 {
     EXPECT_EQ(Show(FromRects({{3, 1, 5, 3}, {0, 0, 2, 2}, {1, 1, 4, 2}, {4, 4, 2, 2}, {0, 0, 2, 2}}), 5, 3),
               (Picture{"WW...", "WWWWW", "...WW"}));
@@ -72,7 +70,7 @@ TEST(Region, OfRectanglesIsTheirUnion)
     EXPECT_EQ(CreateRectsRgn(nullptr, 1), nullptr);
 }
 
-TEST(Region, IsTheSameInWhateverOrderItsManyRectanglesCome)
+TEST_F(Region, IsTheSameInWhateverOrderItsManyRectanglesCome)
 {
     std::vector<RECT> runs;
     for (int y = 0; y < 300; ++y)
@@ -86,9 +84,8 @@ TEST(Region, IsTheSameInWhateverOrderItsManyRectanglesCome)
     EXPECT_TRUE(IsSame(FromRects(runs), sorted));
 }
 
-TEST(Region, CombinesByMode)
+TEST_F(Region, CombinesByMode)
 {
-    const NoLeak noLeak;
     const Rgn a(CreateRectRgn(0, 0, 3, 2));
     const Rgn b(CreateRectRgn(2, 1, 4, 3));
     const Rgn to(CreateRectRgn(0, 0, 0, 0));
@@ -111,7 +108,7 @@ TEST(Region, CombinesByMode)
     EXPECT_EQ(BoxOf(to, NULLREGION), RECT{});
 }
 
-TEST(Region, MovesWithinTheRangeOfCoordinates)
+TEST_F(Region, MovesWithinTheRangeOfCoordinates)
 {
     const Rgn region(CreateRectRgn(0, 0, 2, 2));
     EXPECT_EQ(OffsetRgn(region, 3, -1), SIMPLEREGION);
@@ -128,7 +125,7 @@ TEST(Region, MovesWithinTheRangeOfCoordinates)
     EXPECT_EQ(GetRgnBox(nullptr, nullptr), RGN_ERROR);
 }
 
-TEST(Region, RoundsItsCorners)
+TEST_F(Region, RoundsItsCorners)
 {
     EXPECT_EQ(Show(Rgn(CreateRoundRectRgn(0, 0, 4, 4, 4, 4)), 4, 4),
               (Picture{".WW.", "WWWW", "WWWW", ".WW."}));
@@ -143,7 +140,7 @@ TEST(Region, RoundsItsCorners)
     EXPECT_TRUE(PtInRegion(widest, 0, INT_MIN));
 }
 
-TEST(Region, IsFilledWithinTheClip)
+TEST_F(Region, IsFilledWithinTheClip)
 {
     const Paper paper(5, 4);
     const Rgn clip = FromRects({{0, 0, 2, 4}, {3, 1, 5, 3}});

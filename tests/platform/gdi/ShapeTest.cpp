@@ -1,6 +1,5 @@
 #include "tests/support/Picture.h"
-
-#include <climits>
+#include "tests/support/Test.h"
 
 using namespace test;
 

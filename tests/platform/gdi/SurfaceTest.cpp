@@ -1,13 +1,12 @@
 #include "include/platform/Window.h"
-#include "tests/support/Await.h"
 #include "tests/support/Picture.h"
-#include <climits>
-#include <utility>
-using namespace test;
+#include "tests/support/Test.h"
 
-TEST(Surface, BeginsWithABlackPixelOfItsOwn)
+using namespace test;
+using Surface = LeakTest;
+
+TEST_F(Surface, BeginsWithABlackPixelOfItsOwn)
 {
-    const NoLeak noLeak;
     const HDC dc = CreateCompatibleDC(nullptr);
     const HDC other = CreateCompatibleDC(dc);
     EXPECT_EQ(Read(dc, -1, -1, 2, 2), (Picture{"   ", " . ", "   "}));
@@ -21,9 +20,8 @@ TEST(Surface, BeginsWithABlackPixelOfItsOwn)
     EXPECT_EQ(CreateCompatibleBitmap(dc, 1, 1), nullptr);
 }
 
-TEST(Surface, OfTheDesktopShowsItToAll)
+TEST_F(Surface, OfTheDesktopShowsItToAll)
 {
-    const NoLeak noLeak;
     const HDC dc = GetDC(nullptr);
     const HDC other = GetDC(nullptr);
     ASSERT_NE(dc, nullptr);
@@ -39,9 +37,8 @@ TEST(Surface, OfTheDesktopShowsItToAll)
     EXPECT_EQ(GetDC(reinterpret_cast<HWND>(&local)), nullptr);
 }
 
-TEST(Surface, OfAWindowIsSeenOnceItIsGivenBack)
+TEST_F(Surface, OfAWindowIsSeenOnceItIsGivenBack)
 {
-    const NoLeak noLeak;
     const WNDCLASSA windows{DefWindowProcA, "Surface"};
     ASSERT_NE(RegisterClassA(&windows), 0);
     const HWND hWnd = CreateWindowExA(0, "Surface", "", WS_POPUP, DESKTOP_WIDTH - 3, -1, 9, 3);
@@ -69,7 +66,7 @@ TEST(Surface, OfAWindowIsSeenOnceItIsGivenBack)
 }
 
 // Whatever lay in its memory before.
-TEST(Surface, ANewBitmapIsBlack)
+TEST_F(Surface, ANewBitmapIsBlack)
 {
     for (int n = 0; n < 20; ++n) {
         {
@@ -83,9 +80,8 @@ TEST(Surface, ANewBitmapIsBlack)
     }
 }
 
-TEST(Surface, BitmapsHaveASizeWithinBounds)
+TEST_F(Surface, BitmapsHaveASizeWithinBounds)
 {
-    const NoLeak noLeak;
     const Paper paper(1, 1);
     const int limit = static_cast<int>(MAX_BITMAP_PIXELS);
     const std::pair<int, int> wrong[] = {
@@ -97,7 +93,7 @@ TEST(Surface, BitmapsHaveASizeWithinBounds)
     EXPECT_NE(tall, nullptr);
 }
 
-TEST(Surface, PixelsOutsideAreNone)
+TEST_F(Surface, PixelsOutsideAreNone)
 {
     const Paper paper({"RG", "BW"});
     EXPECT_EQ(Read(paper, -1, -1, 3, 3), (Picture{"    ", " RG ", " BW ", "    "}));
@@ -110,9 +106,8 @@ TEST(Surface, PixelsOutsideAreNone)
     EXPECT_EQ(SetPixel(nullptr, 0, 0, 0), CLR_INVALID);
 }
 
-TEST(Surface, ClipsToACopyOfARegionWhateverItsBitmap)
+TEST_F(Surface, ClipsToACopyOfARegionWhateverItsBitmap)
 {
-    const NoLeak noLeak;
     const Paper paper(4, 3, 'W');
     const auto box = [&](int kind) {
         RECT rect{};
@@ -150,7 +145,7 @@ TEST(Surface, ClipsToACopyOfARegionWhateverItsBitmap)
     EXPECT_EQ(GetClipBox(paper, nullptr), RGN_ERROR);
 }
 
-TEST(Surface, ColoursAndModeGiveTheirOldValue)
+TEST_F(Surface, ColoursAndModeGiveTheirOldValue)
 {
     const Paper paper(1, 1);
     EXPECT_EQ(SetTextColor(paper, 0xAB0000FF), 0u);
@@ -166,7 +161,7 @@ TEST(Surface, ColoursAndModeGiveTheirOldValue)
     EXPECT_EQ(GetBkMode(nullptr), 0);
 }
 
-TEST(Surface, OfTheDesktopMayBeDrawnOnByThreadsAtOnce)
+TEST_F(Surface, OfTheDesktopMayBeDrawnOnByThreadsAtOnce)
 {
     RunThreads(2, [](int) {
         const HDC dc = GetDC(nullptr);

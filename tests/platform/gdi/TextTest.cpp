@@ -1,17 +1,10 @@
 #include "include/KXText.h"
 #include "include/platform/Gdi.h"
-#include "tests/support/Await.h"
-#include "tests/support/Host.h"
 #include "tests/support/Picture.h"
+#include "tests/support/Test.h"
 
-#include <climits>
-#include <cstring>
 #include <ctime>
-#include <fstream>
-#include <gtest/gtest.h>
-#include <string>
 #include <unistd.h>
-#include <vector>
 
 namespace {
 

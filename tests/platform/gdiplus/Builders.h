@@ -1,14 +1,7 @@
 #pragma once
 
 #include "tests/support/BmpBuilder.h"
-
-#include <algorithm>
-#include <cstdlib>
-#include <map>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
+#include "tests/support/Test.h"
 
 // Builds GIF, JPEG and TIFF files, whose fields may be made to lie.
 namespace test {

@@ -10,10 +10,7 @@ namespace {
 using namespace test;
 using namespace std::string_view_literals;
 
-class CodecTest : public DrawingTest
-{
-    NoLeak m_noLeak;
-};
+using CodecTest = DrawingTest;
 
 TEST_F(CodecTest, PngOfAllKinds)
 {

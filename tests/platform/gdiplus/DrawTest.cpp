@@ -1,16 +1,13 @@
-#include "tests/platform/gdiplus/Sheet.h"
-
 #include "include/platform/Dc.h"
 #include "include/platform/Window.h"
+#include "tests/platform/gdiplus/Sheet.h"
 
 using namespace test;
 using namespace Gdiplus::DllExports;
 
 namespace {
 
-class Draw : public DrawingTest
-{
-};
+using Draw = DrawingTest;
 
 int Nearest(double value)
 {

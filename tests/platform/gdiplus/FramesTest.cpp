@@ -7,10 +7,7 @@ namespace {
 
 using namespace test;
 
-class FramesTest : public DrawingTest
-{
-    NoLeak m_noLeak;
-};
+using FramesTest = DrawingTest;
 
 UINT CountOf(GpImage* image, const GUID& dimension = FrameDimensionTime)
 {

@@ -5,9 +5,7 @@ using namespace Gdiplus::DllExports;
 
 namespace {
 
-class Gradient : public DrawingTest
-{
-};
+using Gradient = DrawingTest;
 
 // A sheet of one row, or of one column, under a line from a gray to another.
 std::vector<int> Line(int nFirst, int nSecond, int nFrom, int nTo, int nCount, bool bDown)

@@ -6,9 +6,7 @@ using namespace Gdiplus::DllExports;
 
 namespace {
 
-class GraphicsCalls : public DrawingTest
-{
-};
+using GraphicsCalls = DrawingTest;
 
 const Color red(255, 0, 0);
 

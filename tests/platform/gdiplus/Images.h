@@ -1,13 +1,6 @@
 #pragma once
 
-#include "include/platform/CodePage.h"
 #include "tests/platform/gdiplus/Sheet.h"
-#include "tests/support/TempDir.h"
-
-#include <cstring>
-#include <memory>
-#include <string>
-#include <string_view>
 
 // Picture files in memory, loaded and read back.
 namespace test {
@@ -41,7 +34,7 @@ inline std::string Content(IStream* stream)
 }
 
 // A picture, and how making it went.
-class Loaded
+class Loaded : Fixed
 {
 public:
     explicit Loaded(std::string_view file)
@@ -63,8 +56,6 @@ public:
         image = reinterpret_cast<GpImage*>(bitmap); // clients know no more of both than that they are one
     }
     Loaded() = default;
-    Loaded(const Loaded&) = delete;
-    Loaded& operator=(const Loaded&) = delete;
     ~Loaded()
     {
         if (image) GdipDisposeImage(image);
@@ -73,24 +64,9 @@ public:
     operator GpImage*() const { return image; }
     GpBitmap* Bitmap() const { return reinterpret_cast<GpBitmap*>(image); }
 
-    UINT Width() const
-    {
-        UINT n = 0;
-        GdipGetImageWidth(image, &n);
-        return n;
-    }
-    UINT Height() const
-    {
-        UINT n = 0;
-        GdipGetImageHeight(image, &n);
-        return n;
-    }
-    PixelFormat Format() const
-    {
-        PixelFormat format = PixelFormatUndefined;
-        GdipGetImagePixelFormat(image, &format);
-        return format;
-    }
+    UINT Width() const { return Told(GdipGetImageWidth); }
+    UINT Height() const { return Told(GdipGetImageHeight); }
+    PixelFormat Format() const { return Told(GdipGetImagePixelFormat); }
     ARGB Pixel(UINT x, UINT y) const
     {
         ARGB color = 0x12345678;
@@ -119,6 +95,15 @@ public:
 
     GpImage* image = nullptr;
     Status status = Ok;
+
+private:
+    template <class Value>
+    Value Told(Status (*ask)(GpImage*, Value*)) const
+    {
+        Value value{};
+        ask(image, &value);
+        return value;
+    }
 };
 
 inline Status LoadStatus(std::string_view file)

@@ -1,9 +1,6 @@
 #include "tests/platform/gdiplus/Builders.h"
 #include "tests/platform/gdiplus/Images.h"
-#include "tests/support/Await.h"
 
-#include <cmath>
-#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,10 +8,7 @@ namespace {
 
 using namespace test;
 
-class SaveTest : public DrawingTest
-{
-    NoLeak m_noLeak;
-};
+using SaveTest = DrawingTest;
 
 TEST_F(SaveTest, TheEncodersStandInTheirOrder)
 {
@@ -171,10 +165,7 @@ TEST(ImageThreads, StartsAreCountedWhicheverThreadsMakeThem)
     EXPECT_EQ(Bitmap(1, 1).GetLastStatus(), GdiplusNotInitialized);
 }
 
-class ImageThreadsTest : public DrawingTest
-{
-    NoLeak m_noLeak;
-};
+using ImageThreadsTest = DrawingTest;
 
 // Each has pictures, a surface and files of its own; what the codecs share must not be seen.
 TEST_F(ImageThreadsTest, DistinctPicturesAreLoadedDrawnAndSavedAtOnce)

@@ -6,9 +6,7 @@ using namespace test;
 
 namespace {
 
-class Scale : public DrawingTest
-{
-};
+using Scale = DrawingTest;
 
 // A picture drawn over the whole of a transparent sheet.
 Row Stretched(int nFromWidth, const Row& from, int nWidth, int nHeight,

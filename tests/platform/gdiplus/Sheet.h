@@ -2,14 +2,10 @@
 
 #include "tests/support/GdiPlus.h"
 #include "tests/support/Picture.h"
+#include "tests/support/Test.h"
 
-#include <algorithm>
-#include <climits>
 #include <cmath>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <limits>
-#include <vector>
 
 // Small pictures over pixels that the test holds, to draw and to draw on.
 namespace test {
@@ -17,7 +13,8 @@ namespace test {
 using namespace Gdiplus;
 using Row = std::vector<ARGB>;
 
-class DrawingTest : public testing::Test
+// GDI+ is started, and nothing may be left behind.
+class DrawingTest : public LeakTest
 {
     const GdiPlus m_gdiPlus;
 };

@@ -1,12 +1,11 @@
 #include "include/platform/Error.h"
 #include "include/platform/Stream.h"
 #include "tests/support/Picture.h"
-
-#include <cstring>
-#include <gtest/gtest.h>
-#include <string>
+#include "tests/support/Test.h"
 
 namespace {
+
+using Block = test::LeakTest;
 
 std::string Content(HGLOBAL block)
 {
@@ -15,9 +14,8 @@ std::string Content(HGLOBAL block)
     return text;
 }
 
-TEST(Block, AFixedOneIsItsAddressAndAMoveableOneIsNot)
+TEST_F(Block, AFixedOneIsItsAddressAndAMoveableOneIsNot)
 {
-    const test::NoLeak noLeak;
     for (const UINT flags : {GMEM_FIXED, GMEM_MOVEABLE}) {
         const HGLOBAL block = GlobalAlloc(flags | GMEM_ZEROINIT, 5);
         EXPECT_EQ(Content(block), std::string(5, '\0'));
@@ -28,7 +26,7 @@ TEST(Block, AFixedOneIsItsAddressAndAMoveableOneIsNot)
     }
 }
 
-TEST(Block, LocksAreCounted)
+TEST_F(Block, LocksAreCounted)
 {
     const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, 1);
     EXPECT_EQ(GlobalUnlock(block), 0);
@@ -39,9 +37,8 @@ TEST(Block, LocksAreCounted)
     GlobalFree(block);
 }
 
-TEST(Block, NoneIsMadeBeyondTheLimitAndBadHandlesAreHarmless)
+TEST_F(Block, NoneIsMadeBeyondTheLimitAndBadHandlesAreHarmless)
 {
-    const test::NoLeak noLeak;
     SetLastError(ERROR_SUCCESS);
     EXPECT_EQ(GlobalAlloc(GMEM_FIXED, MAX_BLOCK_BYTES + 1), nullptr);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_MEMORY));
@@ -60,7 +57,7 @@ TEST(Block, NoneIsMadeBeyondTheLimitAndBadHandlesAreHarmless)
     }
 }
 
-class StreamTest : public testing::Test
+class StreamTest : public test::LeakTest
 {
 protected:
     ~StreamTest() override
@@ -107,7 +104,6 @@ protected:
         return block;
     }
 
-    test::NoLeak noLeak;
     IStream* stream = nullptr;
 };
 
