@@ -1,9 +1,6 @@
 #include "include/platform/Services.h"
-
-#include "tests/support/Host.h"
 #include "tests/support/ScriptedManager.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
 
 namespace {
 

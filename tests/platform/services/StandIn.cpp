@@ -1,14 +1,10 @@
 #include "tests/platform/services/StandIn.h"
 
-#include <array>
-#include <cstdlib>
 #include <ctime>
-#include <filesystem>
 #include <poll.h>
 #include <stdexcept>
 #include <sys/eventfd.h>
 #include <unistd.h>
-#include <utility>
 
 namespace test {
 
@@ -70,7 +66,7 @@ void AppendUnit(sd_bus_message* reply, const std::string& name, const Unit& unit
     sd_bus_message_append(reply, "{sv}", "ActiveState", "s", unit.active.c_str());
     sd_bus_message_append(reply, "{sv}", "SubState", "s", unit.sub.c_str());
     sd_bus_message_append(reply, "{sv}", "Description", "s", unit.description.c_str());
-    sd_bus_message_append(reply, "{sv}", "CanStop", "b", unit.canStop);
+    sd_bus_message_append(reply, "{sv}", "CanStop", "b", 1);
     sd_bus_message_append(reply, "{sv}", "StateChangeTimestampMonotonic", "t",
                           Microseconds() - unit.secondsAgo * 1'000'000);
     sd_bus_message_append(reply, "{sv}", "ActiveEnterTimestampMonotonic", "t",

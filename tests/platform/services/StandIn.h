@@ -1,17 +1,9 @@
 #pragma once
 
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 #include "tests/support/XServer.h"
 
-#include <cstdint>
-#include <map>
-#include <memory>
-#include <mutex>
-#include <set>
-#include <string>
 #include <systemd/sd-bus.h>
-#include <thread>
-#include <vector>
 
 namespace test {
 
@@ -41,7 +33,6 @@ struct Unit
     std::uint64_t activeFor = 2'000'000; // microseconds
     std::string type = "exec";
     std::string description = "A unit";
-    bool canStop = true;
     std::uint32_t pid = 0;
     std::string result = "success";
     std::int32_t exitStatus = 0;

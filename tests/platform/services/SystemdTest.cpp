@@ -1,5 +1,4 @@
 #include "tests/platform/services/StandIn.h"
-#include "tests/support/Test.h"
 
 #include <chrono>
 #include <sys/socket.h>
@@ -334,13 +333,12 @@ TEST_F(Systemd, ABinaryPathIsAProgramAndWords)
 TEST_F(Systemd, StatesBecomeThePlatforms)
 {
     constexpr std::uint64_t kNone = ~std::uint64_t{0};
-    struct Case
+    const struct
     {
         const char *active, *sub, *job;
         std::uint64_t secondsAgo, limit;
         DWORD dwState, dwCheckPoint, dwWaitHint;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"active", "running", "", 9, 90, SERVICE_RUNNING, 0, 250},
         {"reloading", "reload", "reload", 9, 90, SERVICE_RUNNING, 0, 250},
         {"inactive", "dead", "", 9, 90, SERVICE_STOPPED, 0, 10'000},
@@ -357,20 +355,16 @@ TEST_F(Systemd, StatesBecomeThePlatforms)
         {"failed", "failed", "restart", 20, 90, SERVICE_START_PENDING, 1, 10'000},
         {"active", "running", "stop", 20, 90, SERVICE_STOP_PENDING, 1, 250},
     };
-    for (const Case& one : cases) {
-        const auto limit = one.limit == kNone ? kNone : one.limit * 1'000'000;
-        m_standIn->Set("Nv.service", {.active = one.active,
-                                      .sub = one.sub,
-                                      .jobType = one.job,
-                                      .secondsAgo = one.secondsAgo,
-                                      .pid = 42,
-                                      .startLimit = limit,
-                                      .stopLimit = limit});
+    for (const auto& [active, sub, job, secondsAgo, limit, dwState, dwCheckPoint, dwWaitHint] : cases) {
+        SCOPED_TRACE(testing::Message() << active << sub << job);
+        test::Unit unit{.active = active, .sub = sub, .jobType = job, .secondsAgo = secondsAgo, .pid = 42};
+        unit.startLimit = unit.stopLimit = limit == kNone ? kNone : limit * 1'000'000;
+        m_standIn->Set("Nv.service", unit);
         const auto status = Status("Nv");
-        EXPECT_EQ(status.dwCurrentState, one.dwState) << one.active << one.sub << one.job;
-        EXPECT_EQ(status.dwCheckPoint, one.dwCheckPoint) << one.active << one.sub << one.job;
-        EXPECT_EQ(status.dwWaitHint, one.dwWaitHint) << one.active << one.sub << one.job;
-        EXPECT_EQ(status.dwControlsAccepted, one.dwState == SERVICE_RUNNING ? SERVICE_ACCEPT_STOP : 0u);
+        EXPECT_EQ(status.dwCurrentState, dwState);
+        EXPECT_EQ(status.dwCheckPoint, dwCheckPoint);
+        EXPECT_EQ(status.dwWaitHint, dwWaitHint);
+        EXPECT_EQ(status.dwControlsAccepted, dwState == SERVICE_RUNNING ? SERVICE_ACCEPT_STOP : 0u);
         EXPECT_EQ(status.dwProcessId, 42u);
         EXPECT_EQ(status.dwServiceType, SERVICE_WIN32_OWN_PROCESS);
     }

@@ -1,15 +1,9 @@
 #include "include/platform/Clock.h"
-
 #include "include/platform/Sync.h"
 #include "include/platform/Time.h"
-#include "tests/support/Await.h"
-#include "tests/support/Host.h"
+#include "tests/support/Test.h"
 
-#include <atomic>
 #include <chrono>
-#include <cstdint>
-#include <cstdlib>
-#include <gtest/gtest.h>
 
 namespace {
 

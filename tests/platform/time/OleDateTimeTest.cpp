@@ -1,13 +1,8 @@
 #include "include/platform/OleDateTime.h"
+#include "tests/support/Test.h"
 
-#include "tests/support/Host.h"
-
-#include <array>
 #include <cmath>
-#include <cstdint>
-#include <gtest/gtest.h>
 #include <limits>
-#include <utility>
 
 namespace {
 
@@ -119,27 +114,13 @@ TEST(OleDateTime, ParsesTexts)
     };
     for (const auto& [text, value] : cases)
         expect(text, value, true);
-    for (const char* text : {"",
-                             "2009-02-29",
-                             "2009-04-31",
-                             "2009-13-01",
-                             "2009-03-01 24:00:00",
-                             "2009-03-01 12:34:60",
-                             "2009-03-01 12",
-                             "2009-03-01 12:34:56.5",
-                             "2009-03-01 12:34:56 x",
-                             "2009-03-01T",
-                             "2009-03/01",
-                             "09-03-01",
-                             "20090301",
-                             "2009-03-0000000001",
-                             "99999999999999999999-01-01",
-                             "13:00 pm",
-                             "0:30 am",
-                             "12:34Z",
-                             "nonsense",
-                             "\xC4\xE3\xBA\xC3",
-                             static_cast<const char*>(nullptr)})
+    for (const char* text : {"", "nonsense", "\xC4\xE3\xBA\xC3", "2009-03/01", "09-03-01", "20090301",
+                             "2009-03-01T", "2009-03-01 12", "2009-03-01 12:34:56.5", "2009-03-01 12:34:56 x",
+                             "12:34Z", static_cast<const char*>(nullptr)})
+        expect(text, bad, false);
+    for (const char* text :
+         {"2009-02-29", "2009-04-31", "2009-13-01", "2009-03-0000000001", "99999999999999999999-01-01",
+          "2009-03-01 24:00:00", "2009-03-01 12:34:60", "13:00 pm", "0:30 am"})
         expect(text, bad, false);
 }
 

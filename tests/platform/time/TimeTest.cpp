@@ -1,12 +1,6 @@
 #include "include/platform/Time.h"
-
 #include "include/platform/Exception.h"
-
-#include <array>
-#include <cstdint>
-#include <cstdlib>
-#include <gtest/gtest.h>
-#include <string>
+#include "tests/support/Test.h"
 
 namespace {
 
@@ -37,19 +31,12 @@ TEST(Time, MakesInstantsOfFieldsInRange)
     };
     for (const auto& [fields, expected] : cases)
         EXPECT_EQ(Instant(fields), expected) << testing::PrintToString(fields);
-    for (const std::array<int, 6>& never : {std::array{1899, 12, 31, 0, 0, 0},
-                                            {INT32_MIN, 1, 1, 0, 0, 0},
-                                            {2009, 0, 1, 0, 0, 0},
-                                            {2009, 13, 1, 0, 0, 0},
-                                            {2009, 1, 0, 0, 0, 0},
-                                            {2009, 1, 32, 0, 0, 0},
-                                            {2009, 1, 1, -1, 0, 0},
-                                            {2009, 1, 1, 24, 0, 0},
-                                            {2009, 1, 1, 0, -1, 0},
-                                            {2009, 1, 1, 0, 60, 0},
-                                            {2009, 1, 1, 0, 0, -1},
-                                            {2009, 1, 1, 0, 0, 60},
-                                            {1969, 12, 31, 23, 59, 59}})
+    const std::array<int, 6> refused[] = {
+        {1899, 12, 31, 0, 0, 0},   {INT32_MIN, 1, 1, 0, 0, 0}, {2009, 0, 1, 0, 0, 0},  {2009, 13, 1, 0, 0, 0},
+        {2009, 1, 0, 0, 0, 0},     {2009, 1, 32, 0, 0, 0},     {2009, 1, 1, -1, 0, 0}, {2009, 1, 1, 24, 0, 0},
+        {2009, 1, 1, 0, -1, 0},    {2009, 1, 1, 0, 60, 0},     {2009, 1, 1, 0, 0, -1}, {2009, 1, 1, 0, 0, 60},
+        {1969, 12, 31, 23, 59, 59}};
+    for (const auto& never : refused)
         EXPECT_EQ(Instant(never), kRefused) << testing::PrintToString(never);
 }
 
