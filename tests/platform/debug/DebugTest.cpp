@@ -4,22 +4,12 @@
 #include "include/platform/Error.h"
 #include "include/platform/Module.h"
 #include "internal/Debug.h"
-#include "tests/support/Await.h"
 #include "tests/support/BmpBuilder.h"
-#include "tests/support/Child.h"
 #include "tests/support/Com.h"
-#include "tests/support/Host.h"
 #include "tests/support/ScriptedManager.h"
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 
-#include <atomic>
 #include <cerrno>
-#include <functional>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <memory>
-#include <string>
-#include <string_view>
 
 namespace {
 

@@ -2,14 +2,9 @@
 #include "include/platform/Dc.h"
 #include "tests/support/Desktop.h"
 #include "tests/support/Picture.h"
+#include "tests/support/Test.h"
 
-#include <climits>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <memory>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace {
 

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <string_view>
+#include "tests/support/Test.h"
 
 namespace test {
 

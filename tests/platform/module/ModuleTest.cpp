@@ -1,7 +1,7 @@
 #include "include/platform/Module.h"
-
 #include "include/platform/Error.h"
 #include "tests/platform/module/Bundles.h"
+
 #include <sys/stat.h>
 
 namespace {

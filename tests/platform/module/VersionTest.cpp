@@ -1,9 +1,7 @@
 #include "include/platform/Version.h"
-
 #include "include/platform/Error.h"
 #include "platform/UniqueFd.h"
 #include "tests/platform/module/Images.h"
-#include "tests/support/Test.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,6 +1,5 @@
 #include "tests/platform/profile/IniFixture.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {

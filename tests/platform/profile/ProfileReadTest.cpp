@@ -4,7 +4,6 @@
 #include "tests/platform/profile/IniFixture.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 
 namespace {
 

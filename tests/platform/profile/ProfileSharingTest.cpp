@@ -1,9 +1,9 @@
 #include "internal/IniSnapshot.h"
 #include "tests/platform/profile/IniFixture.h"
+
 #include <chrono>
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {

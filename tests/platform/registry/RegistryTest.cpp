@@ -1,19 +1,8 @@
 #include "include/platform/Registry.h"
+#include "tests/support/Test.h"
 
-#include "include/platform/Host.h"
-#include "tests/support/Await.h"
-#include "tests/support/Host.h"
-#include "tests/support/TempDir.h"
-
-#include <array>
-#include <cstdlib>
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <optional>
-#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
 
 namespace {
 

@@ -1,18 +1,8 @@
 #include "include/platform/Shell.h"
 #include "include/platform/Error.h"
-#include "tests/support/Await.h"
-#include "tests/support/Child.h"
-#include "tests/support/Host.h"
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 
-#include <array>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <string>
 #include <sys/stat.h>
-#include <vector>
 
 namespace fs = std::filesystem;
 

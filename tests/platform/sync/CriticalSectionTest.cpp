@@ -1,7 +1,5 @@
 #include "include/platform/Sync.h"
-#include "tests/support/Await.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
 
 namespace {
 

@@ -1,10 +1,6 @@
-#include "include/platform/CodePage.h"
 #include "include/platform/Error.h"
 #include "platform/text/CharWalk.h"
-#include "tests/support/Host.h"
-
-#include <gtest/gtest.h>
-#include <string>
+#include "tests/support/Test.h"
 
 namespace {
 

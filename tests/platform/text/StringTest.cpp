@@ -1,11 +1,5 @@
 #include "include/platform/String.h"
-#include "tests/support/Host.h"
-
-#include <climits>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
+#include "tests/support/Test.h"
 
 using testing::ElementsAre;
 

@@ -1,20 +1,14 @@
 #include "include/platform/Error.h"
 #include "include/platform/Sync.h"
-#include "tests/support/Await.h"
-#include "tests/support/Host.h"
-
-#include <atomic>
-#include <gtest/gtest.h>
+#include "tests/support/Test.h"
 
 namespace {
 
 constexpr DWORD kWaiting = 12345;
 
-struct Event
+struct Event : test::Fixed
 {
     explicit Event(bool bManual, bool bSet = false) : handle(CreateEventA(nullptr, bManual, bSet, nullptr)) {}
-    Event(const Event&) = delete;
-    Event& operator=(const Event&) = delete;
     ~Event() { CloseHandle(handle); }
     operator HANDLE() const { return handle; }
     bool Poll() const { return WaitForSingleObject(handle, 0) == WAIT_OBJECT_0; }

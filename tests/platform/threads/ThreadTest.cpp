@@ -1,25 +1,21 @@
 #include "include/platform/Error.h"
 #include "include/platform/Sync.h"
-#include "tests/support/Await.h"
-#include "tests/support/Child.h"
+#include "tests/support/Test.h"
+
 #include <csignal>
-#include <fstream>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
 
 // A thread that stays until the door opens, and whose thread-local object takes a while to end.
-class Room
+class Room : test::Fixed
 {
 public:
     explicit Room(unsigned nStack = 0)
         : handle(reinterpret_cast<HANDLE>(_beginthreadex(nullptr, nStack, Visit, this, 0, &nId)))
     {
     }
-    Room(const Room&) = delete;
-    Room& operator=(const Room&) = delete;
     ~Room() { CloseHandle(door); }
 
     const HANDLE door = CreateEventA(nullptr, 1, 0, nullptr);

@@ -1,13 +1,6 @@
-#include "tests/platform/window/Support.h"
-#include "tests/support/Child.h"
-
-#include "include/platform/Host.h"
 #include "include/platform/MessageBox.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <memory>
-#include <vector>
+#include "tests/platform/window/Support.h"
+#include "tests/support/Test.h"
 
 using test::Make;
 using testing::ElementsAre;
@@ -110,12 +103,11 @@ TEST(Desktop, ForeignWindowsRecordWhatTheyReceive)
     EXPECT_EQ(PostMessage(foreign, WM_USER, 4, 5), 1);
     const auto got = KXHost::TakeForeignMessages(foreign);
     ASSERT_EQ(got.size(), 2u);
-    EXPECT_EQ(got[0].nMsg, test::kPing);
-    EXPECT_EQ(got[0].wParam, 2);
-    EXPECT_EQ(got[0].lParam, -3);
-    EXPECT_EQ(got[1].nMsg, WM_USER);
-    EXPECT_EQ(got[1].wParam, 4);
-    EXPECT_EQ(got[1].lParam, 5);
+    const auto fields = [](const auto& message) {
+        return std::tuple(message.nMsg, message.wParam, message.lParam);
+    };
+    EXPECT_EQ(fields(got[0]), std::tuple(test::kPing, 2, -3));
+    EXPECT_EQ(fields(got[1]), std::tuple(WM_USER, 4, 5));
     for (UINT n = 0; n < 1'002; ++n)
         PostMessage(foreign, n, 0, 0);
     const auto newest = KXHost::TakeForeignMessages(foreign);

@@ -3,10 +3,7 @@
 #include "include/platform/Input.h"
 #include "tests/platform/window/Support.h"
 #include "tests/support/Desktop.h"
-#include "tests/support/Host.h"
-
-#include <gtest/gtest.h>
-#include <string>
+#include "tests/support/Test.h"
 
 namespace {
 
@@ -16,7 +13,7 @@ constexpr LPARAM At(int x, int y)
 }
 
 // A window that writes down which of the mouse's and the keys' messages it hears.
-class Listener
+class Listener : test::Fixed
 {
 public:
     explicit Listener(const WNDCLASSA& cls = {test::WindowProc, "KXTest"})
@@ -32,8 +29,6 @@ public:
         handle = test::Make(&m_handler, 0, nullptr, cls);
     }
     ~Listener() { DestroyWindow(handle); }
-    Listener(const Listener&) = delete;
-    Listener& operator=(const Listener&) = delete;
 
     std::string Take()
     {

@@ -1,21 +1,15 @@
 #include "include/platform/Clock.h"
 #include "include/platform/WindowPaint.h"
 #include "tests/platform/window/Support.h"
-#include "tests/support/Await.h"
 #include "tests/support/Desktop.h"
-#include "tests/support/Host.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <optional>
-#include <vector>
+#include "tests/support/Test.h"
 
 using namespace test;
 
 namespace {
 
 // The messages of painting that a window of 30 by 40 at 1, 2 hears, of which it fills what it may.
-class Painted
+class Painted : Fixed
 {
 public:
     explicit Painted(char letter, DWORD dwStyle = WS_POPUP | WS_VISIBLE)
@@ -26,8 +20,6 @@ public:
           window(Make(&m_handler, dwStyle))
     {
     }
-    Painted(const Painted&) = delete;
-    Painted& operator=(const Painted&) = delete;
     ~Painted() { DestroyWindow(window); }
 
     std::vector<RECT> TakePainted() { return std::exchange(m_painted, {}); }

@@ -1,12 +1,7 @@
 #include "include/platform/Clock.h"
 #include "include/platform/Input.h"
 #include "tests/platform/window/Support.h"
-#include "tests/support/Await.h"
-#include "tests/support/Host.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <vector>
+#include "tests/support/Test.h"
 
 using namespace test;
 using testing::ElementsAre;

@@ -1,16 +1,11 @@
 #include "platform/sync/PerThread.h"
 #include "tests/platform/window/Support.h"
-#include "tests/support/Await.h"
+#include "tests/support/Test.h"
 
-#include <array>
-#include <atomic>
-#include <gtest/gtest.h>
 #include <latch>
-#include <memory>
 #include <pthread.h>
 #include <random>
 #include <stdexcept>
-#include <vector>
 
 using namespace test;
 

@@ -2,6 +2,7 @@
 
 #include "include/platform/Sync.h"
 #include "include/platform/Window.h"
+#include "tests/support/Fixed.h"
 
 #include <cstdio>
 #include <functional>
@@ -75,7 +76,7 @@ inline void InThread(const std::function<void()>& body)
 }
 
 // A thread with a window and a message loop, until Join, the window's end or the end of the scope.
-class WindowThread
+class WindowThread : Fixed
 {
 public:
     explicit WindowThread(Handler handler = On(0, {}))
@@ -93,8 +94,6 @@ public:
     {
         m_ready.acquire();
     }
-    WindowThread(const WindowThread&) = delete;
-    WindowThread& operator=(const WindowThread&) = delete;
     ~WindowThread() { Join(); }
 
     HWND Window() const { return m_window; }

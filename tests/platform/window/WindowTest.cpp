@@ -1,12 +1,7 @@
-#include "include/platform/Host.h"
 #include "tests/platform/window/Support.h"
+#include "tests/support/Test.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <set>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 using namespace test;
 using testing::ElementsAre;
