@@ -1,15 +1,8 @@
 #include "include/platform/Gdi.h"
-#include "tests/support/Await.h"
-#include "tests/support/Host.h"
 #include "tests/support/Picture.h"
-#include "tests/support/TempDir.h"
+#include "tests/support/Test.h"
 
 #include <barrier>
-#include <cstdlib>
-#include <cstring>
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
 
 namespace {
 
