@@ -103,6 +103,16 @@ void ExpectCut(const Loaded& cut, const Row& whole, std::pair<int, int> there, s
     EXPECT_EQ(rows(pixels, lacking), rows(Row(64 * 64, lack), lacking));
 }
 
+// A TIFF's head and its one page's description: for each entry the tag, how many values, and one or where.
+using TiffEntry = std::array<std::uint32_t, 3>;
+std::string TiffHead(const std::vector<TiffEntry>& entries)
+{
+    std::string head = "II*\0\x08\0\0\0"s + Le(entries.size(), 2);
+    for (const auto& [tag, nCount, value] : entries)
+        head += Le(tag, 2) + Le(3, 2) + Le(nCount, 4) + Le(value, 4);
+    return head + Le(0, 4);
+}
+
 TEST_F(CodecTest, WhatIsThereOfACutFileIsShown)
 {
     Row noise = Noise();
@@ -117,16 +127,14 @@ TEST_F(CodecTest, WhatIsThereOfACutFileIsShown)
     for (const auto& [type, nHeader] :
          {std::pair{u"bmp", 54u}, {u"png", 41u}, {u"gif", 791u}, {u"jpeg", 623u}})
         EXPECT_EQ(LoadStatus(whole(type).substr(0, nHeader + 30)), GenericError) << nHeader;
-    // A TIFF of two strips, described before them: the lists of where they lie and how long they are.
-    std::string tiff = "II*\0\x08\0\0\0"s + Le(9, 2);
-    const std::pair<std::uint32_t, std::uint32_t> tags[] = {
-        {256, 1}, {257, 2}, {258, 8}, {259, 1}, {262, 1}, {273, 122}, {277, 1}, {278, 1}, {279, 130}};
-    for (const auto& [tag, value] : tags)
-        tiff += Le(tag, 2) + Le(4, 2) + Le(value > 100 ? 2 : 1, 4) + Le(value, 4);
-    tiff += Le(0, 4) + Le(138, 4) + Le(139, 4) + Le(1, 4) + Le(1, 4) + "\x40\x50";
+    // A TIFF of two strips, described before them.
+    const std::vector<TiffEntry> strips = {{256, 1, 1}, {257, 1, 2}, {258, 1, 8},
+                                           {259, 1, 1}, {262, 1, 1}, {273, 2, 122 | 123 << 16},
+                                           {277, 1, 1}, {278, 1, 1}, {279, 2, 1 | 1 << 16}};
+    const std::string tiff = TiffHead(strips) + "\x40\x50";
     EXPECT_EQ(Loaded(tiff).Pixels(), (Row{0xFF404040, 0xFF505050}));
-    EXPECT_EQ(Loaded(tiff.substr(0, 139)).Pixels(), (Row{0xFF404040, 0}));
-    EXPECT_EQ(LoadStatus(tiff.substr(0, 138)), GenericError);
+    EXPECT_EQ(Loaded(tiff.substr(0, 123)).Pixels(), (Row{0xFF404040, 0}));
+    EXPECT_EQ(LoadStatus(tiff.substr(0, 122)), GenericError);
     // Passes that are there are shown in their places.
     const std::string passes = Png(2, 2, 8, 0, "\0\1\0\2\0\3\4"s, "", 1);
     const Loaded cut(passes.substr(0, passes.size() - 12 - 4 - 4)); // before the checksums of the pixels
@@ -249,6 +257,18 @@ TEST_F(CodecTest, PicturesBeyondTheLimitsAreRefused)
     EXPECT_EQ(LoadStatus(Gif(8192, 8192, {{{"R"}}})), GenericError);
     EXPECT_EQ(LoadStatus(Tiff({{.width = 8192, .height = 8192, .pixels = "abc"}})), GenericError);
     EXPECT_EQ(LoadStatus(jpegOf("\x20\0\x20\0")), GenericError);
+    // The most that a TIFF of its length may claim, 4096 bytes for each: 128 strips that lie in one place.
+    const std::vector<TiffEntry> strips = {{256, 1, 1024},  {257, 1, 1024}, {258, 3, 122},
+                                           {259, 1, 32773}, {262, 1, 2},    {273, 128, 128},
+                                           {277, 1, 3},     {278, 1, 8},    {279, 128, 384}};
+    std::string tiff = TiffHead(strips);
+    for (const auto& [nTimes, piece] :
+         {std::pair{3, Le(16, 2)}, {128, Le(640, 2)}, {128, Le(768, 2)}, {384, "\x81\x40"s}})
+        for (int n = 0; n < nTimes; ++n)
+            tiff += piece;
+    tiff.resize(1535);
+    EXPECT_EQ(LoadStatus(tiff), GenericError);
+    EXPECT_EQ(LoadStatus(tiff + '\0'), Ok);
 }
 
 } // namespace

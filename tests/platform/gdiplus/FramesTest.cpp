@@ -234,6 +234,14 @@ TEST_F(FramesTest, PagesOfATiff)
     std::string loop = Tiff({red, red}); // the second page's successor is the first
     loop.replace(loop.size() - 4, 4, loop.substr(4, 4));
     EXPECT_LE(CountOf(Loaded(loop), FrameDimensionPage), 3u);
+
+    TiffPage many = red;
+    for (std::uint32_t nTag = 1; nTag <= 248; ++nTag)
+        many.tags[nTag] = 0;
+    std::string within = Tiff({many}); // its last nine entries of 257 are a page too
+    const std::size_t nPage = within.size() - 4 - 9 * 12 - 2;
+    within.replace(nPage, 2, Le(9, 2)).replace(within.size() - 4, 4, Le(nPage, 4));
+    EXPECT_EQ(CountOf(Loaded(within), FrameDimensionPage), 1u);
 }
 
 } // namespace
