@@ -84,7 +84,8 @@ TEST_F(Text, ALineIsAsLongAsItsLetters)
     const test::CodePage utf8(CP_UTF8);
     EXPECT_EQ(nWidth, WidthOf("ñ"));
     EXPECT_EQ(WidthOf("\xC2\x80"),
-              WidthOf("\xC2\x81")); // the first letters behind ASCII, of which no face has any
+              WidthOf("\xC2\x81"));         // the first letters behind ASCII, of which no face has any
+    EXPECT_EQ(WidthOf("\xEF\xBF\xBF"), 10); // the sign of the best face
 }
 
 TEST_F(Text, StandsWhereTheFlagsSay)
@@ -198,7 +199,9 @@ TEST_F(Text, LettersAreOfTheFaceAndKindAskedFor)
     EXPECT_EQ(ink("WenQuanYi Micro Hei Mono", FW_NORMAL), CRect(3, 7, 21, 38)); // another face of the file
     Use("DejaVu Sans", -40);
     EXPECT_EQ(CRect(Draw("L", DT_SINGLELINE, {0, 0, 200, 30})), CRect(3, 8, 8, 30)); // the stem alone
-    Use("monospace", -40); // a name of the system's configuration
+    Use("WenQuanYi Micro Hei", 42, 600);
+    EXPECT_EQ(WidthOf("W"), 33); // and 31/64
+    Use("monospace", -40);       // a name of the system's configuration
     EXPECT_EQ(WidthOf("i"), WidthOf("W"));
     // The cell: 0.928 of the em square above the base line, and 0.236 below.
     const auto sizeAt = [&](int nHeight) {
