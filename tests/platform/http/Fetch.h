@@ -15,7 +15,7 @@ struct Fetched
     bool opened = false;
 };
 
-// Takes what a call throws and gives its error, 0 for nothing.
+// Takes what a call throws, which tells why, and gives its error; 0 for nothing.
 template <class Call>
 DWORD ErrorOf(Call call)
 {
@@ -24,6 +24,8 @@ DWORD ErrorOf(Call call)
         return 0;
     } catch (CInternetException* exception) {
         const DWORD error = exception->m_dwError;
+        std::array<char, 200> why;
+        EXPECT_TRUE(exception->GetErrorMessage(why.data(), why.size(), nullptr)) << error;
         exception->Delete();
         return error;
     }

@@ -8,6 +8,7 @@ using test::Peer;
 using test::RawServer;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 const std::string kOk = "HTTP/1.1 200 OK\r\n";
 
@@ -71,10 +72,13 @@ TEST(Internet, FollowsRedirectsToHttpAlone)
 {
     RawServer other(RawServer::Answering(kOk + "Content-Length: 3\r\n\r\nend"));
     std::string location = "/next";
+    std::atomic<int> nAsked = 0;
     RawServer server([&](Peer& peer) {
-        for (std::string request; !(request = peer.Request()).empty();)
+        for (std::string request; !(request = peer.Request()).empty();) {
+            ++nAsked;
             peer.Send(request.starts_with("GET /next ") ? kOk + "Content-Length: 2\r\n\r\nhi"
                                                         : Redirect(location));
+        }
     });
     const auto fetch = [&](const std::string& to) {
         location = to;
@@ -84,10 +88,12 @@ TEST(Internet, FollowsRedirectsToHttpAlone)
     EXPECT_EQ(fetch(other.Url()).length, 3u);
     for (const char* pszTo :
          {"file:///etc/hostname", "ftp://127.0.0.1/x", "gopher://127.0.0.1:1/x", "/from"}) {
+        nAsked = 0;
         const auto result = fetch(pszTo);
         EXPECT_EQ(result.error, ERROR_HTTP_REDIRECT_FAILED) << pszTo;
         EXPECT_EQ(result.body, "") << pszTo;
     }
+    EXPECT_EQ(nAsked, 11); // ten times on
 }
 
 // Answers with what it was asked.
@@ -165,8 +171,8 @@ TEST(Internet, KeepsOneConnection)
     for (int n = 0; n < 5; ++n)
         EXPECT_EQ(Fetch(session, server.Url()).error, 0u);
     EXPECT_EQ(server.Connections(), 1);
-    test::Open(session, server.Url())->Close(); // not read to its end
-    EXPECT_EQ(Fetch(session, server.Url()).error, 0u);
+    test::Open(session, server.Url("/long"))->Close(); // not read to its end
+    EXPECT_THAT(Fetch(session, server.Url("/next")).body, StartsWith("GET /next "));
 }
 
 // A server may end a connection between two files at any time.

@@ -23,6 +23,7 @@ struct SilentServer
 };
 
 const std::vector<std::string> kSilences = {"", "HTTP/1.1 2", kOk + "Content-Length: 9\r\n\r\n",
+                                            kOk + "Location: /x\r\nContent-Length: 9\r\n\r\n",
                                             kOk + "Content-Length: 9\r\n\r\nhello"};
 
 // Runs a fetch on another thread.
@@ -88,7 +89,9 @@ TEST(Pull, AServerThatIsSilentForAMinuteHasFailed)
         server.sent.acquire();
         while (fetched.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready)
             KXHost::AdvanceClock(20'000);
-        EXPECT_EQ(fetched.get().error, ERROR_INTERNET_TIMEOUT) << part;
+        const auto result = fetched.get();
+        EXPECT_EQ(result.error, ERROR_INTERNET_TIMEOUT) << part;
+        EXPECT_EQ(result.opened, part.find("\r\n\r\n") != part.npos) << part;
     }
 }
 
