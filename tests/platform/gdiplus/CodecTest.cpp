@@ -121,6 +121,8 @@ TEST_F(CodecTest, WhatIsThereOfACutFileIsShown)
     const auto half = [&](std::u16string_view type) { return whole(type).substr(0, whole(type).size() / 2); };
     ExpectCut(Loaded(half(u"bmp")), noise, {33, 64}, {0, 33}, 0);
     ExpectCut(Loaded(half(u"png")), noise, {0, 31}, {33, 64}, 0);
+    const std::string unended = whole(u"png").substr(0, whole(u"png").size() - 12); // all pixels are there
+    EXPECT_TRUE(Saved(Loaded(unended), u"png") == whole(u"png"));
     ExpectCut(Loaded(half(u"gif")), Loaded(whole(u"gif")).Pixels(), {0, 26}, {34, 64}, 0);
     ExpectCut(Loaded(half(u"jpeg")), Loaded(whole(u"jpeg")).Pixels(), {0, 8}, {48, 64}, 0xFF808080);
     // A cut in the middle of the first row leaves a header.

@@ -82,6 +82,11 @@ TEST_F(SaveTest, GifColorsAreExactUpTo256AndNearBeyond)
     EXPECT_EQ(Farthest(colors, u"gif"), 0);
     colors.pixels[256] = 0x123456;          // one too many
     EXPECT_LE(Farthest(colors, u"gif"), 9); // between two of them
+    // The two that share one are those nearest to each other, though most pixels have them.
+    Sheet rare(71, 5, PixelFormat32bppRGB);
+    for (ARGB n = 0; n < 71 * 5; ++n)
+        rare.pixels[n] = n < 255 ? 36 * (n % 7 << 16 | n / 7 % 7 << 8 | n / 49) : 0xFAFAFA + n % 2 * 4;
+    EXPECT_EQ(Farthest(rare, u"gif"), 2);
 
     Sheet smooth(64, 64);
     for (ARGB n = 0; n < 64 * 64; ++n)
