@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -101,6 +102,18 @@ TEST_F(Systemd, AMachineWithoutAManagerHasNoServices)
     }
 }
 
+TEST_F(Systemd, RootAsksTheSystemsManagerAndOthersTheirOwn)
+{
+    const auto ask = [&] {
+        const bool bRoot = geteuid() == 0;
+        setenv("DBUS_SYSTEM_BUS_ADDRESS", bRoot ? s_bus->Address().c_str() : "unix:path=/none", 1);
+        setenv("DBUS_SESSION_BUS_ADDRESS", bRoot ? "unix:path=/none" : s_bus->Address().c_str(), 1);
+        Use("");
+        return static_cast<int>(OpenManager());
+    };
+    EXPECT_EQ(test::InFork(ask), 0);
+}
+
 TEST_F(Systemd, NoCallOutlastsItsTime)
 {
     using std::chrono::steady_clock;
@@ -129,7 +142,9 @@ TEST_F(Systemd, AServiceIsAUnitFileAndLinksThatSystemdMakes)
 {
     EXPECT_EQ(Open("Nv"), ERROR_SERVICE_DOES_NOT_EXIST);
     Calls();
+    const mode_t mask = umask(077);
     EXPECT_EQ(Create("Nv", "C:\\opt\\nv -x", SERVICE_AUTO_START), 0u);
+    umask(mask);
     EXPECT_EQ(Calls(), "LoadUnit Nv.service;Reload;ResetFailedUnit Nv.service;LoadUnit Nv.service;"
                        "UnmaskUnitFiles Nv.service;EnableUnitFiles Nv.service;Reload;");
     EXPECT_EQ(m_dir.Read("units/Nv.service"), UnitText("Norvale", R"(":/opt/nv" "-x")"));
@@ -149,7 +164,7 @@ TEST_F(Systemd, AServiceIsAUnitFileAndLinksThatSystemdMakes)
     EXPECT_EQ(Describe("Nv", ""), 0u);
     EXPECT_EQ(Files(), Strings{"Nv.service"});
     EXPECT_EQ(Describe("Nv", "Again"), 0u);
-    Calls();
+    EXPECT_THAT(Calls(), testing::EndsWith(load + "Reload;"));
     EXPECT_EQ(Delete("Nv"), 0u);
     EXPECT_EQ(Calls(), load + "UnmaskUnitFiles Nv.service;DisableUnitFiles Nv.service;Reload;"
                               "ResetFailedUnit Nv.service;");
@@ -165,15 +180,20 @@ TEST_F(Systemd, WhatCantBeInstalledLeavesNothing)
     m_dir.Write("units/Hand.service", "[Service]\nExecStart=/bin/true\n");
     m_standIn->Set("Hand.service", {});
     std::filesystem::create_symlink(m_dir.Path("elsewhere"), m_units + "/Link.service");
+    std::filesystem::create_symlink(m_dir.Write("mine", kHead), m_units + "/Linked.service");
+    m_standIn->Set("Linked.service", {});
     const Strings before = Files();
     EXPECT_EQ(Create("Link"), ERROR_SERVICE_EXISTS);
     EXPECT_FALSE(m_dir.Exists("elsewhere"));
     // Only what was made here is deleted.
     EXPECT_EQ(Delete("Nv"), ERROR_ACCESS_DENIED);
     EXPECT_EQ(Delete("Hand"), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(Delete("Linked"), ERROR_ACCESS_DENIED);
 
     EXPECT_EQ(Create("New", "relative\\nv"), ERROR_INVALID_PARAMETER);
     EXPECT_EQ(Create("New", "C:\\nv", SERVICE_AUTO_START - 1), ERROR_INVALID_PARAMETER);
+    const KXHost::ServiceSettings shared{"New", "C:\\nv", SERVICE_WIN32_OWN_PROCESS + 1, 3, 1};
+    EXPECT_EQ(m_manager->Create("New", shared, 0), ERROR_INVALID_PARAMETER);
     EXPECT_EQ(Create("_static", "C:\\nv", SERVICE_AUTO_START), ERROR_INVALID_PARAMETER);
     m_standIn->Fail("EnableUnitFiles", "org.freedesktop.DBus.Error.AccessDenied");
     EXPECT_EQ(Create("New", "C:\\nv", SERVICE_AUTO_START), ERROR_ACCESS_DENIED);
