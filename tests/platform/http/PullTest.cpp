@@ -67,6 +67,27 @@ TEST(Pull, ACancelWakesWhoWaits)
     }
 }
 
+// A new connection has times of its own to look up at, an old one has none.
+TEST(Pull, ACancelWakesWhoWaitsOnAnOldConnection)
+{
+    std::binary_semaphore asked{0};
+    RawServer server([&](Peer& peer) {
+        peer.Request();
+        peer.Send(kOk + "Content-Length: 0\r\n\r\n");
+        peer.Request();
+        asked.release();
+        peer.Request();
+    });
+    CInternetSession session;
+    EXPECT_EQ(Fetch(session, server.Url()).error, 0u);
+    auto fetched = Begin(session, server.Url());
+    asked.acquire();
+    const auto begin = std::chrono::steady_clock::now();
+    session.Cancel();
+    EXPECT_EQ(fetched.get().error, ERROR_INTERNET_OPERATION_CANCELLED);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30));
+}
+
 TEST(Pull, ACancelLeavesWhatHasArrived)
 {
     SilentServer server(kSilences.back());
