@@ -123,6 +123,7 @@ TEST_F(CodecTest, WhatIsThereOfACutFileIsShown)
     ExpectCut(Loaded(half(u"png")), noise, {0, 31}, {33, 64}, 0);
     const std::string unended = whole(u"png").substr(0, whole(u"png").size() - 12); // all pixels are there
     EXPECT_TRUE(Saved(Loaded(unended), u"png") == whole(u"png"));
+    EXPECT_THAT(whole(u"png"), testing::EndsWith("IEND\xAE\x42\x60\x82"));
     ExpectCut(Loaded(half(u"gif")), Loaded(whole(u"gif")).Pixels(), {0, 26}, {34, 64}, 0);
     ExpectCut(Loaded(half(u"jpeg")), Loaded(whole(u"jpeg")).Pixels(), {0, 8}, {48, 64}, 0xFF808080);
     // A cut in the middle of the first row leaves a header.

@@ -86,6 +86,8 @@ TEST_F(FramesTest, AFrameSelectedOutOfOrderShowsWhatPlayingToItShows)
             ASSERT_EQ(Shown(loaded, nFrame), shown[nFrame]) << nFrame;
         }
     }
+    const std::vector<GifFrame> hole = {{{"RG"}}, {{"B"}, 1, 0, 2}, {{"Y"}}}; // in what was opaque
+    EXPECT_EQ(Played(Loaded(Gif(2, 1, hole))), ByHand(2, 1, hole));
 }
 
 // Long GIFs, of which no frames are kept. Each frame has a pixel of its own, in a row.

@@ -2,6 +2,8 @@
 #include "tests/support/HttpServer.h"
 #include "tests/support/RawServer.h"
 
+#include <sys/socket.h>
+
 namespace {
 
 using test::Fetch;
@@ -60,6 +62,19 @@ TEST_F(Secure, IsNotLeftByARedirect)
     test::RawServer entrance(test::RawServer::Answering("HTTP/1.1 302 Found\r\nLocation: " + Url("/") +
                                                         "\r\nContent-Length: 0\r\n\r\n"));
     EXPECT_EQ(Fetch(entrance.Url()).body, "secret");
+}
+
+TEST(SecureHello, OffersHttp11Alone)
+{
+    std::string hello(4096, '\0');
+    {
+        const test::RawServer server([&](test::Peer& peer) {
+            const ssize_t nRead = recv(peer.Socket(), hello.data(), hello.size(), 0);
+            hello.resize(nRead > 0 ? static_cast<std::size_t>(nRead) : 0);
+        });
+        Fetch("https://" + server.Host() + "/");
+    }
+    EXPECT_THAT(hello, testing::HasSubstr(std::string("\0\x09\x08http/1.1", 11))); // a list of one
 }
 
 // The goodbye to a server that is gone must not end the process.
