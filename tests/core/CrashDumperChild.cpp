@@ -3,17 +3,6 @@
 #include "platform/Host.h"
 #include "tests/support/CrashKinds.h"
 
-#include <atomic>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <string>
-#include <sys/mman.h>
-#include <sys/resource.h>
-#include <thread>
-#include <unistd.h>
-
 // CrashDumperChild ROOT HOW: with `C:` at the directory ROOT, crashes in that way. The environment says the
 // rest.
 

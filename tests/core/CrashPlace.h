@@ -21,7 +21,7 @@ public:
     }
 
     // Puts the library's reporter there, or under another name.
-    CrashPlace& RealReporter(const char* pszName = "KXCrashReport.exe")
+    const CrashPlace& RealReporter(const char* pszName = "KXCrashReport.exe") const
     {
         std::filesystem::create_symlink(KX_TEST_BIN "/KXCrashReport.exe", Path(pszName));
         return *this;

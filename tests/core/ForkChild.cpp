@@ -1,17 +1,5 @@
-#include "KXFileSystem.h"
-#include "KXIniDataMgr.h"
-#include "KXLogSys.h"
-#include "platform/FileSystem.h"
-#include "platform/Time.h"
-
-#include <atomic>
-#include <cstdio>
-#include <cstdlib>
-#include <string>
-#include <sys/wait.h>
-#include <thread>
-#include <unistd.h>
-#include <vector>
+#include "KXCommonClass.h"
+#include "tests/support/Standard.h"
 
 // ForkChild DIRECTORY FORKS: forks while threads use the log, paths, INI files and the clock, and has each
 // fork use them too. 0 if all forks came to their end; a fork that hangs ends by its alarm.

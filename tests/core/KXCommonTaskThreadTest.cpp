@@ -4,9 +4,6 @@
 #include "platform/Sync.h"
 #include "tests/support/Test.h"
 
-#include <semaphore>
-#include <stdexcept>
-
 namespace {
 
 struct Worker : CKXCommonTaskThread

@@ -3,10 +3,8 @@
 #include "tests/support/CrashKinds.h"
 #include "tests/support/HttpServer.h"
 
-#include <csignal>
 #include <httplib.h>
 #include <regex>
-#include <sys/stat.h>
 
 namespace {
 
@@ -19,17 +17,6 @@ struct Place : test::CrashPlace
 {
     using CrashPlace::CrashPlace;
 
-    Place& RealReporter(const char* pszName = "KXCrashReport.exe")
-    {
-        CrashPlace::RealReporter(pszName);
-        return *this;
-    }
-    // A reporter that writes its arguments, a line a start, to the file `args` and then runs these commands.
-    Place& Script(const std::string& commands = "")
-    {
-        Program("#!/bin/sh\ncd \"$(dirname \"$0\")\"\nprintf '%s\\n' \"$*\" >> args\n" + commands);
-        return *this;
-    }
     void Program(const std::string& content) const
     {
         std::ofstream(Path("KXCrashReport.exe")) << content;
@@ -59,6 +46,23 @@ struct Place : test::CrashPlace
     }
 };
 
+// With a reporter that writes its arguments, a line a start, to the file `args` and then runs these commands,
+// for which the library's is `real`.
+struct Scripted : Place
+{
+    explicit Scripted(const std::string& commands = "", std::string app = "app") : Place(std::move(app))
+    {
+        Program("#!/bin/sh\ncd \"$(dirname \"$0\")\"\nprintf '%s\\n' \"$*\" >> args\n" + commands);
+        RealReporter("real");
+    }
+};
+
+// With the library's reporter.
+struct Reported : Place
+{
+    Reported() { RealReporter(); }
+};
+
 // The report's part about the thread that crashed.
 std::string CrashedThread(const std::string& report)
 {
@@ -75,8 +79,7 @@ TEST_F(CrashDumper, ReportsEveryKindAndEndsByItsSignal)
     if (kSanitized) kinds.erase("heap"); // its allocator is another one
     for (const auto& [how, kind] : kinds) {
         SCOPED_TRACE(how);
-        Place place;
-        place.RealReporter();
+        const Reported place;
         EXPECT_EQ(place.Crash(how), 128 + kind.nSignal);
         const std::string report = place.Report();
         EXPECT_THAT(report, HasSubstr("signal       " + std::to_string(kind.nSignal) + " SIG"));
@@ -101,8 +104,7 @@ TEST_F(CrashDumper, FindsItsReporterInEveryState)
     };
     for (const auto& [directory, path] : paths) {
         SCOPED_TRACE(directory);
-        Place place(directory);
-        place.Script("[ -d dumps ] && echo there >> args\n");
+        const Scripted place("[ -d dumps ] && echo there >> args\n", directory);
         EXPECT_EQ(place.Crash(kSanitized ? "read" : "heap", {"KX_TEST_PATH=" + path}), 128 + SIGSEGV);
         EXPECT_THAT(place.Arguments(), testing::EndsWith("there\n"));
     }
@@ -110,8 +112,7 @@ TEST_F(CrashDumper, FindsItsReporterInEveryState)
 
 TEST_F(CrashDumper, HandsOverItsArguments)
 {
-    Place place;
-    place.Script();
+    const Scripted place;
     const auto crash = [&](std::vector<std::string> env) {
         fs::remove(place.Path("args"));
         env.insert(env.end(), {"KX_TEST_TIME=1236989109", "TZ=CST-8"}); // 2009-03-14 08:05:09 in that zone
@@ -132,8 +133,7 @@ TEST_F(CrashDumper, HandsOverItsArguments)
 
 TEST_F(CrashDumper, RunsWithEmptyValuesBeforeInitialize)
 {
-    Place place;
-    place.Script();
+    const Scripted place;
     const auto before = fs::current_path();
     fs::current_path(place.Path(""));
     EXPECT_EQ(place.Crash("abort", {"KX_TEST_EARLY=1"}), 128 + SIGABRT);
@@ -145,8 +145,7 @@ TEST_F(CrashDumper, RunsWithEmptyValuesBeforeInitialize)
 TEST_F(CrashDumper, CrashesAtOnceAreOneReport)
 {
     for (int nTry = 0; nTry < 5; ++nTry) {
-        Place place;
-        place.Script();
+        const Scripted place;
         EXPECT_EQ(place.Crash("together"), 128 + SIGSEGV);
         const std::string lines = place.Arguments();
         EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 1);
@@ -155,32 +154,26 @@ TEST_F(CrashDumper, CrashesAtOnceAreOneReport)
 
 TEST_F(CrashDumper, EndsInOrderWithoutAReport)
 {
-    const std::tuple<const char*, void (*)(Place&), std::vector<std::string>> cases[] = {
-        {"no marker", [](Place& place) { fs::remove(place.Script().Dir().Path("nv_dbg_14.txt")); }, {}},
-        {"a directory for a marker",
-         [](Place& place) {
-             fs::remove(place.Script().Dir().Path("nv_dbg_14.txt"));
-             place.Dir().MakeDir("nv_dbg_14.txt");
-         },
-         {}},
-        {"no reporter", [](Place&) {}, {}},
-        {"a reporter that can't run",
-         [](Place& place) { std::ofstream(place.Path("KXCrashReport.exe")) << "#!"; },
-         {}},
-        {"a reporter that is no program", [](Place& place) { place.Program("words"); }, {}},
-        {"an unknown drive", [](Place& place) { place.Script(); }, {"KX_TEST_PATH=Q:\\app\\"}},
-        {"no dump directory", [](Place& place) { place.RealReporter().Dir().Write("app/dumps", ""); }, {}},
-        {"values beyond reason",
-         [](Place& place) { place.Script(); },
-         {"KX_TEST_APP=" + std::string(40'000, 'a')}},
-        {"a path beyond reason",
-         [](Place& place) { place.Script(); },
-         {"KX_TEST_PATH=C:\\" + std::string(300, 'a')}},
+    const std::string reporter = "app/KXCrashReport.exe", marker = "nv_dbg_14.txt";
+    // In a place with a script for a reporter, the file that is removed, what stands there then, and
+    // settings.
+    const std::tuple<std::string, std::function<void(const Place&)>, std::vector<std::string>> cases[] = {
+        {marker, [](const Place&) {}, {}},
+        {marker, [&](const Place& place) { place.Dir().MakeDir(marker); }, {}},
+        {reporter, [](const Place&) {}, {}},
+        {reporter, [&](const Place& place) { place.Dir().Write(reporter, "#!"); }, {}}, // nobody may run it
+        {reporter, [](const Place& place) { place.Program("words"); }, {}},
+        {reporter, [](const Place& place) { place.RealReporter().Dir().Write("app/dumps", ""); }, {}},
+        {"", [](const Place&) {}, {"KX_TEST_PATH=Q:\\app\\"}},
+        {"", [](const Place&) {}, {"KX_TEST_APP=" + std::string(40'000, 'a')}},
+        {"", [](const Place&) {}, {"KX_TEST_PATH=C:\\" + std::string(300, 'a')}},
     };
-    for (const auto& [pszWhat, pfnPrepare, env] : cases) {
-        SCOPED_TRACE(pszWhat);
-        Place place;
-        pfnPrepare(place);
+    int nCase = 0;
+    for (const auto& [removed, prepare, env] : cases) {
+        SCOPED_TRACE("case " + std::to_string(nCase++));
+        const Scripted place;
+        if (!removed.empty()) fs::remove(place.Dir().Path(removed));
+        prepare(place);
         EXPECT_EQ(place.Crash("division", env), 128 + SIGFPE);
         EXPECT_EQ(place.Arguments() + place.Dump(".dmp") + place.Dump(".txt"), "");
     }
@@ -188,10 +181,9 @@ TEST_F(CrashDumper, EndsInOrderWithoutAReport)
 
 TEST_F(CrashDumper, WaitsForItsReporterWhateverThatDoes)
 {
-    Place place;
+    const Scripted place("echo $PPID > started\nread line < go\nkill -KILL $$\n");
     const std::string started = place.Pipe("started");
     const std::string go = place.Pipe("go");
-    place.Script("echo $PPID > started\nread line < go\nkill -KILL $$\n");
     test::Child child = place.Start("read");
     EXPECT_EQ(test::ReadFile(started), std::to_string(child.Pid()) + "\n"); // waits for it
     EXPECT_EQ(kill(child.Pid(), 0), 0);
@@ -207,9 +199,7 @@ TEST_F(CrashDumper, ReportsToTheEndOfTheProcess)
 {
     for (const char* pszHow : {"static", "atexit", "outliving"}) {
         SCOPED_TRACE(pszHow);
-        Place place;
-        place.Script("exec ./real \"$@\"\n");
-        place.RealReporter("real");
+        const Scripted place("exec ./real \"$@\"\n");
         EXPECT_EQ(place.Crash(pszHow), 128 + SIGSEGV);
         EXPECT_THAT(place.Arguments(),
                     testing::StartsWith("-sd -app[App] -run[] -dmp[C:\\app\\dumps\\stem_"));
@@ -219,8 +209,7 @@ TEST_F(CrashDumper, ReportsToTheEndOfTheProcess)
 
 TEST_F(CrashDumper, HoldsAnExitUntilTheReportIsMade)
 {
-    Place place;
-    place.Script("read line < go\n");
+    const Scripted place("read line < go\n");
     const std::string go = place.Pipe("go");
     test::Child child = place.Start("masked");
     test::Await([&] { return place.Dir().Exists("exits"); });
@@ -234,8 +223,7 @@ TEST_F(CrashDumper, ReportsWithoutADescriptorLeft)
     if (kSanitized)
         GTEST_SKIP() << "UndefinedBehaviorSanitizer looks at memory through a pipe: without a descriptor it "
                         "takes every object for none";
-    Place place;
-    place.Script();
+    const Scripted place;
     EXPECT_EQ(place.Crash("descriptors"), 128 + SIGSEGV);
     EXPECT_THAT(place.Arguments(), testing::StartsWith("-sd -app[App]"));
 }
@@ -251,8 +239,8 @@ TEST_F(CrashDumper, LeavesACoreThatADebuggerOpens)
 {
     for (const char* pszHow : {"division", "exception", "thread", "overflow"}) {
         SCOPED_TRACE(pszHow);
-        Place place;
-        place.RealReporter().Crash(pszHow);
+        const Reported place;
+        place.Crash(pszHow);
         const std::string text = place.Debug("-ex 'bt 40' -ex 'info threads' -ex 'p $_siginfo.si_signo'");
         const crashes::Kind& kind = crashes::kKinds.at(pszHow);
         EXPECT_THAT(text, HasSubstr("Program terminated with signal SIG"));
@@ -268,17 +256,15 @@ TEST_F(CrashDumper, LeavesACoreThatADebuggerOpens)
 
 TEST_F(CrashDumper, KeepsTheStackOfAProcessWithManyMappings)
 {
-    Place place;
-    place.RealReporter().Crash("mappings");
+    const Reported place;
+    place.Crash("mappings");
     EXPECT_THAT(place.Debug("-ex bt"), testing::ContainsRegex("#[1-9] .* in main "));
 }
 
 TEST_F(CrashDumper, TellsWhatItCanOfAProcessThatItMayNotLookInto)
 {
-    Place place;
     // For one that may not be traced, one that isn't there, in which nothing can be read either.
-    place.Script("exec ./real $(printf %s \"$*\" | sed 's/id.[0-9]*/id[999999999/g')\n");
-    place.RealReporter("real");
+    const Scripted place("exec ./real $(printf %s \"$*\" | sed 's/id.[0-9]*/id[999999999/g')\n");
     place.Dir().MakeDir("app/Dumps"); // the filter finds it, and so does the reporter
     EXPECT_EQ(place.Crash("read"), 128 + SIGSEGV);
     EXPECT_FALSE(place.Dir().Exists("app/dumps"));
@@ -293,9 +279,9 @@ TEST_F(CrashDumper, SendsBothFilesToItsServer)
     const test::HttpServer server([&](httplib::Server& http) {
         http.Post("/crash", [&](const auto& request, auto&) { form = request.files; });
     });
-    Place place;
+    const Reported place;
     const std::string url = "KX_CRASH_URL=" + server.Url("/crash");
-    EXPECT_EQ(place.RealReporter().Crash("read", {url, "KX_TEST_APP=\xB3\xCC\xD0\xF2"}),
+    EXPECT_EQ(place.Crash("read", {url, "KX_TEST_APP=\xB3\xCC\xD0\xF2"}),
               128 + SIGSEGV); // not asked to
     EXPECT_TRUE(form.empty());
     EXPECT_EQ(place.Crash("abort", {url, "KX_TEST_SEND=1", "KX_TEST_APP=\xB3\xCC\xD0\xF2"}), 128 + SIGABRT);
@@ -322,9 +308,7 @@ TEST_F(CrashDumper, TakesOnlyAnAnswerOf2xxForSent)
     const std::string port = ":" + std::to_string(server.bind_to_any_port("0.0.0.0"));
     std::jthread serving([&] { server.listen_after_bind(); });
     const auto send = [&](const std::string& url, const std::string& setting = "KX_CRASH_PLAIN=") {
-        Place place;
-        place.Script("./real \"$@\"; echo $? > code\n");
-        place.RealReporter("real");
+        const Scripted place("./real \"$@\"; echo $? > code\n");
         nPosts = 0;
         place.Crash("read", {"KX_CRASH_URL=" + url, "KX_TEST_SEND=1", setting,
                              "http_proxy=http://127.0.0.1:1", "no_proxy=0.0.0.0"});
@@ -343,18 +327,17 @@ TEST_F(CrashDumper, TakesOnlyAnAnswerOf2xxForSent)
 
 TEST_F(CrashDumper, RestartsTheProgramOnceItHasEnded)
 {
-    Place place;
+    const Reported place;
     const std::string pipe = place.Pipe("restarted");
     test::Child child =
-        place.RealReporter().Start("read", {"KX_TEST_RESTART=1", "KX_TEST_RUN=" + pipe + " restarted again"});
+        place.Start("read", {"KX_TEST_RESTART=1", "KX_TEST_RUN=" + pipe + " restarted again"});
     EXPECT_EQ(child.Wait(), 128 + SIGSEGV);
     EXPECT_EQ(test::ReadFile(pipe), "again\n"); // waits for it
 }
 
 TEST_F(CrashDumper, DoesNotRestartAProgramAgainAndAgain)
 {
-    Place place;
-    place.RealReporter();
+    const Reported place;
     const std::string mark = place.Dir().Path("mark");
     // A program that is started holds the pipe that is read here to its end.
     const auto crash = [&](const std::string& when) {

@@ -1,11 +1,10 @@
 #include "KXLogSys.h"
 #include "platform/Sync.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/Test.h"
 
-#include <fcntl.h>
 #include <poll.h>
 #include <termios.h>
-#include <unistd.h>
 
 namespace {
 
@@ -120,15 +119,14 @@ TEST_F(Log, WritesABatchInOneGo)
 
 TEST_F(Log, TakesLinesWhileItStarts)
 {
-    std::array<std::jthread, 2> pushers;
-    for (std::jthread& pusher : pushers)
-        pusher = std::jthread([this] {
+    std::jthread pushing([this] {
+        test::RunThreads(2, [this](int) {
             for (int n = 0; n < 2000; ++n)
                 log->PushLog(Level::LogInfo, "meanwhile");
         });
+    });
     Start();
-    for (std::jthread& pusher : pushers)
-        pusher.join();
+    pushing.join();
     Drain();
     const std::string text = Text();
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 4000);
@@ -309,16 +307,9 @@ TEST(LogFork, OfABusyProcessMayLogAndUseFiles)
 #endif
     const test::TempDir dir;
     EXPECT_EQ(test::RunChild("ForkChild", {dir.Path(), "100"}), "");
-    std::array<int, 2> next{};
-    std::ifstream file(dir.Path("parent.log"));
-    for (std::string line; std::getline(file, line);) {
-        unsigned t = 2;
-        int n = 0;
-        ASSERT_EQ(std::sscanf(line.c_str(), "[%*[^]]] 1 %u %d", &t, &n), 2) << line;
-        ASSERT_TRUE(t < 2) << line;
-        ASSERT_EQ(n, next[t]++) << line;
-    }
-    EXPECT_GT(next[0], 0);
+    const test::ThreadLines lines(dir.Read("parent.log"), 2);
+    EXPECT_EQ(lines.wrong, "");
+    EXPECT_GT(lines.counts[0], 0u);
 }
 
 } // namespace

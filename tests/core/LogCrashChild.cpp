@@ -6,18 +6,6 @@
 #include "platform/Host.h"
 #include "tests/support/CrashKinds.h"
 
-#include <array>
-#include <atomic>
-#include <cstring>
-#include <fcntl.h>
-#include <map>
-#include <random>
-#include <string>
-#include <sys/mman.h>
-#include <thread>
-#include <unistd.h>
-#include <vector>
-
 // LogCrashChild ROOT HOW WHAT: crashes while its log, ROOT/app/app.log, has lines that aren't written yet.
 
 namespace {

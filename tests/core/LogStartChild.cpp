@@ -1,18 +1,10 @@
 #include "KXLogSys.h"
 #include "platform/Exception.h"
 #include "platform/Host.h"
+#include "tests/support/Process.h"
 #include "tests/support/ShortMemory.h"
-#include <atomic>
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <dlfcn.h>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <pthread.h>
-#include <string>
 
 // LogStartChild FILE: starts the log and queues lines while an allocation fails, each in its turn, and starts
 // it while no thread can be made.
@@ -22,12 +14,6 @@ namespace {
 using shortage::g_nLeft;
 
 std::atomic<bool> g_bNoThreads{false};
-
-long Threads()
-{
-    const std::filesystem::directory_iterator tasks("/proc/self/task");
-    return std::distance(begin(tasks), end(tasks));
-}
 
 #define CHECK(condition)                                                                                     \
     if (!(condition)) {                                                                                      \
@@ -73,7 +59,7 @@ int main(int, char** args)
         const int nStarted = pLog->Initialize(strFile);
         bAll = g_nLeft >= 0;
         g_nLeft = -1;
-        CHECK(nStarted || Threads() == 1);
+        CHECK(nStarted || test::Threads() == 1);
         CHECK(nStarted || KXHost::LiveHandles() == nHandles);
         pLog->PushLog(CKXLogSys::LogInfo, "line");
         CHECK(nStarted || pLog->Flush(INFINITE) == 0);

@@ -1,8 +1,4 @@
-#include "KXFileSystem.h"
-#include "KXLanResManager.h"
-#include "KXLogSys.h"
-#include "KXSkinResManager.h"
-#include "platform/Debug.h"
+#include "KXCommonClass.h"
 
 // Makes the singletons in another order than the one in which they are to go.
 int main()

@@ -1,7 +1,4 @@
-#include "include/KXExeFileInfo.h"
-#include "include/KXGuid.h"
-#include "include/KXNum.h"
-#include "include/KXRandom.h"
+#include "KXCommonClass.h"
 #include "tests/support/Test.h"
 
 #include <dlfcn.h>

@@ -6,16 +6,7 @@
 #include "include/platform/CodePage.h"
 #include "include/platform/Host.h"
 #include "tests/support/GdiPlus.h"
-#include <algorithm>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <map>
 #include <poll.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-#include <vector>
 
 namespace fs = std::filesystem;
 using namespace corpora;

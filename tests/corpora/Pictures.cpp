@@ -3,12 +3,6 @@
 #include "include/platform/CodePage.h"
 #include "include/platform/GdiPlus.h"
 
-#include <algorithm>
-#include <fstream>
-#include <sstream>
-#include <utility>
-#include <vector>
-
 namespace fs = std::filesystem;
 using namespace Gdiplus;
 

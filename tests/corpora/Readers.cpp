@@ -1,16 +1,6 @@
 #include "tests/corpora/Readers.h"
 
-#include "include/KXXmlDomDocument.h"
-#include "include/platform/Com.h"
-#include "include/platform/Error.h"
-#include "include/platform/Module.h"
-#include "include/platform/Profile.h"
-#include "include/platform/Version.h"
-
-#include <algorithm>
-#include <fstream>
-#include <string_view>
-#include <vector>
+#include "include/KXCommonClass.h"
 
 namespace fs = std::filesystem;
 

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <filesystem>
-#include <string>
+#include "tests/support/Standard.h"
 
 // The library's readers tell how they took a foreign file.
 namespace corpora {

@@ -1,6 +1,6 @@
 #include "KXBitmap.h"
-#include "tests/draw/CopyList.h"
 #include "tests/platform/module/Bundles.h"
+#include "tests/support/CopyList.h"
 #include "tests/support/Picture.h"
 
 using testing::ElementsAre;
@@ -19,21 +19,18 @@ HBITMAP MakeBitmap(int cx, int cy)
 // A bitmap with these pixels.
 HBITMAP MakeBitmap(const test::Picture& picture)
 {
-    const auto cx = static_cast<int>(picture[0].size());
-    const auto cy = static_cast<int>(picture.size());
-    const HBITMAP hBitmap = MakeBitmap(cx, cy);
-    const HDC hDC = CreateCompatibleDC(nullptr);
-    const HGDIOBJ hOld = SelectObject(hDC, hBitmap);
-    const test::Paper paper(picture);
-    BitBlt(hDC, 0, 0, cx, cy, paper, 0, 0, SRCCOPY);
-    SelectObject(hDC, hOld);
-    DeleteDC(hDC);
-    return hBitmap;
+    return test::Paper(picture).Detach();
 }
 
 struct Bitmap : testing::Test
 {
     void Attach(int cx, int cy) { bitmap.AttachBitmap(MakeBitmap(cx, cy)); }
+    // The copies of a fill of the first state.
+    std::vector<std::string> Filled(const CRect& rc)
+    {
+        bitmap.DrawFill(&dc, rc, 0);
+        return copies.Take();
+    }
 
     test::Paper paper{12, 6, 'W'};
     CDC& dc = *CDC::FromHandle(paper);
@@ -97,8 +94,7 @@ TEST_F(Bitmap, FillsMiddleFirstLastInThatOrder)
     EXPECT_THAT(copies.Take(), ElementsAre("4,3 30x5 from 0,3", "4,8 30x2 from 0,3", "4,0 30x3 from 0,0",
                                            "4,10 30x2 from 0,8"));
     bitmap.SetFillParam(10, 5, 1);
-    bitmap.DrawFill(&dc, CRect(0, 3, 50, 4), 0); // of 12 columns: the tile that lies outside is left out
-    EXPECT_THAT(copies.Take(),
+    EXPECT_THAT(Filled(CRect(0, 3, 50, 4)), // of 12 columns: the tile that lies outside is left out
                 ElementsAre("10,3 15x10 from 10,0", "0,3 10x10 from 0,0", "45,3 5x10 from 25,0"));
 }
 
@@ -137,21 +133,17 @@ TEST_F(Bitmap, FillPartsOutliveALoad)
 {
     Attach(20, 3);
     bitmap.SetFillParam(2, 3, 1);
-    const auto filled = [&] {
-        bitmap.DrawFill(&dc, CRect(0, 0, 20, 3), 0);
-        return copies.Take();
-    };
     const auto kept = ElementsAre("2,0 15x3 from 2,0", "0,0 2x3 from 0,0", "17,0 3x3 from 17,0");
     Attach(10, 3);
-    EXPECT_THAT(filled(), kept);
+    EXPECT_THAT(Filled(CRect(0, 0, 20, 3)), kept);
     const test::TempDir dir;
     dir.Write("small.bmp", test::ToBmp({"RGBRGB"}, 24).File());
     EXPECT_EQ(bitmap.LoadBitmapA(dir.Win("small.bmp")), 1);
-    EXPECT_THAT(filled(), kept);
+    EXPECT_THAT(Filled(CRect(0, 0, 20, 3)), kept);
     bitmap.SetMultiState(1, 1);
-    bitmap.DrawFill(&dc, CRect(0, 0, 8, 3), 0);
-    EXPECT_THAT(copies.Take(), ElementsAre("2,0 1x1 from 2,0", "3,0 1x1 from 2,0", "4,0 1x1 from 2,0",
-                                           "0,0 2x1 from 0,0", "5,0 3x1 from 3,0"));
+    EXPECT_THAT(Filled(CRect(0, 0, 8, 3)),
+                ElementsAre("2,0 1x1 from 2,0", "3,0 1x1 from 2,0", "4,0 1x1 from 2,0", "0,0 2x1 from 0,0",
+                            "5,0 3x1 from 3,0"));
 }
 
 TEST_F(Bitmap, FillPartsAreOfTheFirstStateAfterSetMultiState)
@@ -159,8 +151,8 @@ TEST_F(Bitmap, FillPartsAreOfTheFirstStateAfterSetMultiState)
     Attach(20, 3);
     bitmap.SetFillParam(2, 3, 1);
     bitmap.SetMultiState(2, 1);
-    bitmap.DrawFill(&dc, CRect(0, 0, 10, 3), 0);
-    EXPECT_THAT(copies.Take(), ElementsAre("2,0 5x3 from 2,0", "0,0 2x3 from 0,0", "7,0 3x3 from 7,0"));
+    EXPECT_THAT(Filled(CRect(0, 0, 10, 3)),
+                ElementsAre("2,0 5x3 from 2,0", "0,0 2x3 from 0,0", "7,0 3x3 from 7,0"));
 }
 
 TEST_F(Bitmap, EmptyObjectsDrawNothing)
@@ -207,9 +199,8 @@ TEST_F(Bitmap, NegativeEndPartsMakeRoom)
 {
     Attach(4, 3);
     bitmap.SetFillParam(-2, -1, 1);
-    bitmap.DrawFill(&dc, CRect(0, 0, 10, 3), 0);
-    EXPECT_THAT(copies.Take(), ElementsAre("-2,0 7x3 from -2,0", "5,0 6x3 from -2,0", "0,0 -2x3 from 0,0",
-                                           "11,0 -1x3 from 5,0"));
+    EXPECT_THAT(Filled(CRect(0, 0, 10, 3)), ElementsAre("-2,0 7x3 from -2,0", "5,0 6x3 from -2,0",
+                                                        "0,0 -2x3 from 0,0", "11,0 -1x3 from 5,0"));
 }
 
 // Tiles that can't be seen aren't drawn, and those that can stand where they would.
@@ -217,13 +208,14 @@ TEST_F(Bitmap, RectanglesOfAnySizeEndSoon)
 {
     Attach(7, 3);
     bitmap.SetFillParam(1, 1, 1);
-    bitmap.DrawFill(&dc, CRect(INT_MIN, 0, INT_MAX, 3), 0); // from -2147483647 on in steps of 5
-    EXPECT_THAT(copies.Take(), ElementsAre("-2,0 5x3 from 1,0", "3,0 5x3 from 1,0", "8,0 5x3 from 1,0",
-                                           "-2147483648,0 1x3 from 0,0", "2147483646,0 1x3 from 6,0"));
+    // From -2147483647 on in steps of 5.
+    EXPECT_THAT(Filled(CRect(INT_MIN, 0, INT_MAX, 3)),
+                ElementsAre("-2,0 5x3 from 1,0", "3,0 5x3 from 1,0", "8,0 5x3 from 1,0",
+                            "-2147483648,0 1x3 from 0,0", "2147483646,0 1x3 from 6,0"));
     bitmap.DrawFill(nullptr, CRect(0, 0, INT_MAX, 3), 0);
     EXPECT_EQ(copies.Take().size(), 2u);
-    bitmap.DrawFill(&dc, CRect(-5 * 4096 - 1, 0, 1, 3), 0); // the last tile ends where the surface begins
-    EXPECT_EQ(copies.Take().size(), 2u);
+    EXPECT_EQ(Filled(CRect(-5 * 4096 - 1, 0, 1, 3)).size(),
+              2u); // the last tile ends where the surface begins
     const CRect huge[] = {CRect(INT_MIN, INT_MIN, INT_MAX, INT_MAX), CRect(0, 0, INT_MAX, INT_MAX),
                           CRect(INT_MIN, INT_MIN, 1, 1), CRect(INT_MAX, INT_MAX, INT_MIN, INT_MIN),
                           CRect(0, 0, 20'000, 12'000)};

@@ -1,5 +1,5 @@
 #include "KXFrameBitmap.h"
-#include "tests/draw/CopyList.h"
+#include "tests/support/CopyList.h"
 #include "tests/support/Picture.h"
 
 namespace {

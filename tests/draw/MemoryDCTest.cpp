@@ -1,6 +1,7 @@
 #include "KXMemDC.h"
 #include "KXMemoryDC.h"
 #include "KXPaintMemoryDC.h"
+#include "tests/platform/window/Support.h"
 #include "tests/support/Picture.h"
 #include "tests/support/Test.h"
 
@@ -114,10 +115,8 @@ TEST(PaintMemoryDC, CopiesItselfAtItsEnd)
 
 TEST(PaintMemoryDC, CoversAWindowAndFillsItUnlessWithBlack)
 {
-    const WNDCLASSA type{DefWindowProcA, "Painted"};
-    RegisterClassA(&type);
-    const HWND hWnd = CreateWindowExA(0, "Painted", "", 0, 0, 0, 3, 2);
-    ASSERT_NE(hWnd, nullptr);
+    const HWND hWnd = test::Make();
+    ASSERT_TRUE(test::Move(hWnd, 0, 0, 3, 2));
     const test::Paper paper(4, 3, 'W');
     for (const auto& [clrBk, shown] :
          {std::pair<unsigned long, char>{test::ColorOf('G'), 'G'}, {0, '.'}, {1ul << 32, '.'}}) {
@@ -132,7 +131,6 @@ TEST(PaintMemoryDC, CoversAWindowAndFillsItUnlessWithBlack)
         EXPECT_THAT(paper.Read(), ElementsAre("R" + rest + "W", shown + rest + "W", "WWWW"));
     }
     DestroyWindow(hWnd);
-    UnregisterClassA("Painted");
 }
 
 } // namespace

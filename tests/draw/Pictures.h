@@ -16,11 +16,6 @@ inline const unsigned short* Mime(const char16_t* psz)
     return reinterpret_cast<const unsigned short*>(psz);
 }
 
-inline Picture Plain(int cx, int cy, char letter = 'R')
-{
-    return Picture(static_cast<std::size_t>(cy), std::string(static_cast<std::size_t>(cx), letter));
-}
-
 // A red block on the white paper of a PictureTest.
 inline Picture Block(int left, int top, int right, int bottom)
 {

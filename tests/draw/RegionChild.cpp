@@ -3,8 +3,6 @@
 #include "KXBitmap.h"
 #include "tests/support/ShortMemory.h"
 
-#include <random>
-
 int main()
 {
     constexpr int nSide = 512;

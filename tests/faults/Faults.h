@@ -1,10 +1,7 @@
 #pragma once
 
 #include "tests/support/Fixed.h"
-
-#include <string>
-#include <string_view>
-#include <vector>
+#include "tests/support/Standard.h"
 
 namespace faults {
 

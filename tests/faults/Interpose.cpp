@@ -1,22 +1,12 @@
 #include "tests/faults/Faults.h"
 
-#include <algorithm>
-#include <array>
-#include <atomic>
-#include <cerrno>
 #include <cstdarg>
 #include <cstddef>
-#include <cstdint>
-#include <cstring>
 #include <dlfcn.h>
 #include <execinfo.h>
-#include <fcntl.h>
 #include <link.h>
 #include <span>
-#include <string_view>
 #include <sys/uio.h>
-#include <unistd.h>
-#include <utility>
 
 // Calls of the C library in this program's place, which all libraries of the process find first.
 
@@ -110,6 +100,9 @@ std::vector<void*> faults::FirstFailure()
     static auto* const next = Next(&name, #name);                                                            \
     return next
 
+// For the caller of one of the allocator's functions.
+#define KX_ALLOCATION_FAILS Fails(faults::Call::Allocate, __builtin_return_address(0))
+
 #pragma GCC visibility push(default) // so that libraries find them
 extern "C" {
 void* __libc_malloc(std::size_t);
@@ -119,34 +112,29 @@ void* __libc_memalign(std::size_t, std::size_t);
 
 void* malloc(std::size_t nBytes) noexcept
 {
-    return Fails(faults::Call::Allocate, __builtin_return_address(0)) ? nullptr : __libc_malloc(nBytes);
+    return KX_ALLOCATION_FAILS ? nullptr : __libc_malloc(nBytes);
 }
 void* calloc(std::size_t nCount, std::size_t nBytes) noexcept
 {
-    return Fails(faults::Call::Allocate, __builtin_return_address(0)) ? nullptr
-                                                                      : __libc_calloc(nCount, nBytes);
+    return KX_ALLOCATION_FAILS ? nullptr : __libc_calloc(nCount, nBytes);
 }
 void* realloc(void* p, std::size_t nBytes) noexcept
 {
-    return Fails(faults::Call::Allocate, __builtin_return_address(0)) ? nullptr : __libc_realloc(p, nBytes);
+    return KX_ALLOCATION_FAILS ? nullptr : __libc_realloc(p, nBytes);
 }
 void* aligned_alloc(std::size_t nAlign, std::size_t nBytes) noexcept
 {
-    return Fails(faults::Call::Allocate, __builtin_return_address(0)) ? nullptr
-                                                                      : __libc_memalign(nAlign, nBytes);
+    return KX_ALLOCATION_FAILS ? nullptr : __libc_memalign(nAlign, nBytes);
 }
 char* strdup(const char* psz) noexcept // the C library's own would be malloc's caller
 {
     const std::size_t nBytes = std::strlen(psz) + 1;
-    void* const p =
-        Fails(faults::Call::Allocate, __builtin_return_address(0)) ? nullptr : __libc_malloc(nBytes);
+    void* const p = KX_ALLOCATION_FAILS ? nullptr : __libc_malloc(nBytes);
     return p ? static_cast<char*>(std::memcpy(p, psz, nBytes)) : nullptr;
 }
 int posix_memalign(void** pp, std::size_t nAlign, std::size_t nBytes) noexcept
 {
-    void* const p = Fails(faults::Call::Allocate, __builtin_return_address(0))
-                        ? nullptr
-                        : __libc_memalign(nAlign, nBytes);
+    void* const p = KX_ALLOCATION_FAILS ? nullptr : __libc_memalign(nAlign, nBytes);
     if (p) *pp = p;
     return p ? 0 : ENOMEM;
 }

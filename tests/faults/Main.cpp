@@ -2,30 +2,14 @@
 
 #include "include/platform/Exception.h"
 #include "include/platform/Host.h"
+#include "tests/support/Process.h"
 #include "tests/support/RawServer.h"
 #include "tests/support/TempDir.h"
 
-#include <algorithm>
-#include <array>
-#include <cerrno>
-#include <chrono>
-#include <csignal>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <dlfcn.h>
 #include <exception>
 #include <execinfo.h>
-#include <fcntl.h>
-#include <filesystem>
 #include <limits>
-#include <map>
-#include <optional>
-#include <random>
-#include <sstream>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -70,14 +54,6 @@ void OnSignal(int nSignal)
     Report(nSignal == SIGALRM || nSignal == SIGXCPU ? "hangs" : std::string("crashes: ") + strsignal(nSignal),
            frames.data() + 2, nFrames - 2);
     _exit(0);
-}
-
-int OpenFiles()
-{
-    int n = 0;
-    for ([[maybe_unused]] const auto& file : std::filesystem::directory_iterator("/proc/self/fd"))
-        ++n;
-    return n;
 }
 
 // Runs a work; "" for success, "-" for a failure that it tells, "!" for the memory exception, else what it
@@ -130,7 +106,7 @@ struct Left
     const std::string second = Try(work, place);
     if (!second.empty()) Finish("works no more afterwards: " + second);
     if (work.intact && !work.intact(place)) Finish("leaves a torn file afterwards");
-    const int handles = KXHost::LiveHandles(), files = OpenFiles();
+    const int handles = KXHost::LiveHandles(), files = test::OpenFiles();
     if (handles > usual.handles) Finish("leaves a handle");
     if (files > usual.files) Finish("leaves a file open");
     Finish("ok" + first);
@@ -328,8 +304,8 @@ std::optional<Left> UsuallyLeft(const Work& work, const std::string& data)
         const Place place{own.Path(), data};
         if (work.prepare) work.prepare(place);
         const std::string first = Try(work, place), second = Try(work, place);
-        const std::string figures =
-            first + second + " " + std::to_string(KXHost::LiveHandles()) + " " + std::to_string(OpenFiles());
+        const std::string figures = first + second + " " + std::to_string(KXHost::LiveHandles()) + " " +
+                                    std::to_string(test::OpenFiles());
         (void)!write(report, figures.data(), figures.size());
         _exit(0);
     });

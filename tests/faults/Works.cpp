@@ -1,38 +1,14 @@
 #include "tests/faults/Faults.h"
 
-#include "KXBitmap.h"
-#include "KXCommonTaskThread.h"
-#include "KXEnglishWord.h"
-#include "KXFileSystem.h"
-#include "KXGdiplusBitmap.h"
-#include "KXGdiplusHelper.h"
-#include "KXGdiplusImage.h"
-#include "KXGifRender.h"
-#include "KXHttpDownloadMgr.h"
-#include "KXIniDataMgr.h"
-#include "KXLanResManager.h"
-#include "KXLogSys.h"
-#include "KXMemoryDC.h"
-#include "KXSkinResManager.h"
-#include "KXTipWnd.h"
-#include "KXTransparentWnd.h"
-#include "KXWinService.h"
-#include "KXXmlDomDocument.h"
+#include "KXCommonClass.h"
 #include "include/platform/Host.h"
-#include "include/platform/Registry.h"
 #include "tests/platform/gdiplus/Builders.h"
 #include "tests/support/Com.h"
 #include "tests/support/GdiPlus.h"
 #include "tests/support/RawServer.h"
+#include "tests/support/Registry.h"
 #include "tests/support/ScriptedManager.h"
 #include "tests/support/TempDir.h"
-
-#include <array>
-#include <atomic>
-#include <cstdio>
-#include <fstream>
-#include <memory>
-#include <semaphore>
 
 namespace faults {
 
@@ -112,10 +88,7 @@ bool IniIntact(const Place& place)
 void PrepareRegistry(const Place& place)
 {
     KXHost::SetRegistryFile(place.Path("registry"));
-    HKEY hKey = nullptr;
-    RegCreateKeyExA(HKEY_CURRENT_USER, "Kept", 0, nullptr, 0, KEY_WRITE, nullptr, &hKey, nullptr);
-    RegSetValueExA(hKey, "v", 0, REG_SZ, reinterpret_cast<const BYTE*>("kept"), 5);
-    RegCloseKey(hKey);
+    test::StoreValue("Kept", "v", REG_SZ, std::string_view("kept", 5));
 }
 bool ReadValue(const char* pszKey, std::string_view expected)
 {

@@ -40,9 +40,7 @@ Delivered Dirs(const CString& strDir)
 
 struct FileSystemQuery : testing::Test
 {
-    ~FileSystemQuery() override { EXPECT_EQ(KXHost::LiveHandles(), open); } // every search was closed
-
-    int open = KXHost::LiveHandles();
+    test::NoLeak noLeak; // every search is closed
     test::TempDir dir;
 };
 

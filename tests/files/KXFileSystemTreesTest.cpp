@@ -11,9 +11,7 @@ namespace {
 
 struct FileSystemTrees : testing::Test
 {
-    ~FileSystemTrees() override { EXPECT_EQ(KXHost::LiveHandles(), open); } // every search was closed
-
-    int open = KXHost::LiveHandles();
+    test::NoLeak noLeak; // every search is closed
     test::TempDir dir;
 };
 

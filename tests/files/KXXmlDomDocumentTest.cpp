@@ -3,8 +3,6 @@
 #include "tests/support/Com.h"
 #include "tests/support/Test.h"
 
-#include <iterator>
-
 namespace {
 
 constexpr const char* kNiHao = "\xC4\xE3\xBA\xC3"; // two characters of code page 936

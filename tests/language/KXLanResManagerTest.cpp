@@ -1,11 +1,10 @@
 #include "KXLanResManager.h"
 #include "KXMessages.h"
 #include "platform/Error.h"
-#include "platform/Registry.h"
 #include "tests/language/LanguageTree.h"
+#include "tests/platform/window/Support.h"
+#include "tests/support/Registry.h"
 #include "tests/support/Test.h"
-
-#include <future>
 
 using testing::ElementsAre;
 
@@ -43,34 +42,21 @@ struct Language : testing::Test
 class Listener : test::Fixed
 {
 public:
-    explicit Listener(DWORD dwStyle) : m_hWnd(Make(dwStyle))
-    {
-        SetWindowLongPtrA(m_hWnd, GWLP_USERDATA, reinterpret_cast<std::intptr_t>(this));
-    }
+    explicit Listener(DWORD dwStyle) : m_hWnd(test::Make(&m_handler, dwStyle)) {}
     ~Listener() { DestroyWindow(m_hWnd); }
 
     std::vector<std::string> heard;
 
 private:
-    static HWND Make(DWORD dwStyle)
-    {
-        const WNDCLASSA windowClass{OnMessage, "Listener"};
-        RegisterClassA(&windowClass);
-        return CreateWindowExA(0, "Listener", "", dwStyle, 0, 0, 1, 1);
-    }
-    static LRESULT OnMessage(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
-    {
+    const test::Handler m_handler = [this](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) -> LRESULT {
         if (nMsg != WM_KXLANCHANGED) return DefWindowProcA(hWnd, nMsg, wParam, lParam);
         EXPECT_EQ(wParam, 0u);
         EXPECT_EQ(lParam, 0);
-        auto* self = reinterpret_cast<Listener*>(GetWindowLongPtrA(hWnd, GWLP_USERDATA));
         auto* pLans = CKXLanResManager::GetSingletonPtr();
-        self->heard.push_back(std::string(pLans->GetCurrentLan().strID) + ":" +
-                              pLans->GetString("k").GetString());
+        heard.push_back(std::string(pLans->GetCurrentLan().strID) + ":" + pLans->GetString("k").GetString());
         return 0;
-    }
-
-    HWND m_hWnd;
+    };
+    const HWND m_hWnd;
 };
 
 TEST_F(Language, FreshManagerKnowsNothing)
@@ -146,30 +132,18 @@ TEST_F(Language, SavedChoiceComesBackFromAnIniFile)
     Init();
     const test::TempDir dir;
     const CString strIni = dir.Win("user.ini");
+    const auto restored = [&] { return lans->SetCurrentLanFromIniFile(strIni, 0), Current(); };
     lans->SetCurrentLan("Beta", 0);
-    lans->SetCurrentLanFromIniFile(strIni, 0); // none saved: the first
-    EXPECT_EQ(Current(), ".hidden");
+    EXPECT_EQ(restored(), ".hidden"); // none saved: the first
     EXPECT_NE(CKXLanResManager::SaveLanToIniFile(strIni, "alpha"), 0);
     EXPECT_EQ(Current(), ".hidden");
-    lans->SetCurrentLanFromIniFile(strIni, 0);
-    EXPECT_EQ(Current(), "alpha");
+    EXPECT_EQ(restored(), "alpha");
     CKXLanResManager::SaveLanToIniFile(strIni, "gone");
-    lans->SetCurrentLanFromIniFile(strIni, 0); // not installed: nothing changes
-    EXPECT_EQ(Current(), "alpha");
+    EXPECT_EQ(restored(), "alpha"); // not installed: nothing changes
     EXPECT_EQ(CKXLanResManager::SaveLanToIniFile(dir.Win("none\\user.ini"), "alpha"), 0);
     const Listener window(WS_VISIBLE);
     lans->SetCurrentLanFromIniFile(dir.Win("other.ini"), 1);
     EXPECT_THAT(window.heard, ElementsAre(".hidden:hidden"));
-}
-
-void SetRegistry(DWORD dwType, std::string_view bytes)
-{
-    HKEY hKey = nullptr;
-    RegCreateKeyExA(HKEY_CURRENT_USER, "SOFTWARE\\Brightfern\\App", 0, nullptr, 0, KEY_READ | KEY_WRITE,
-                    nullptr, &hKey, nullptr);
-    RegSetValueExA(hKey, "Language", 0, dwType, reinterpret_cast<const BYTE*>(bytes.data()),
-                   static_cast<DWORD>(bytes.size()));
-    RegCloseKey(hKey);
 }
 
 TEST_F(Language, SavedChoiceComesBackFromTheRegistry)
@@ -177,12 +151,13 @@ TEST_F(Language, SavedChoiceComesBackFromTheRegistry)
     Init();
     const test::TempDir dir;
     KXHost::SetRegistryFile(dir.Path("sub/registry.ini"));
-    EXPECT_EQ(CKXLanResManager::SaveLanToReg("App", "alpha"), 1);
-    lans->SetCurrentLanFromReg("App", 0);
-    EXPECT_EQ(Current(), "alpha");
-    EXPECT_EQ(CKXLanResManager::SaveLanToReg("App", "Beta"), 1);
-    lans->SetCurrentLanFromReg("App", 0);
-    EXPECT_EQ(Current(), "Beta");
+    const auto restored = [&](const char* pszApp) {
+        return lans->SetCurrentLanFromReg(pszApp, 0), Current();
+    };
+    for (const char* pszId : {"alpha", "Beta"}) {
+        EXPECT_EQ(CKXLanResManager::SaveLanToReg("App", pszId), 1);
+        EXPECT_EQ(restored("App"), pszId);
+    }
 
     using namespace std::string_view_literals;
     std::string strLong(301, 'x');
@@ -194,13 +169,11 @@ TEST_F(Language, SavedChoiceComesBackFromTheRegistry)
     };
     for (const auto& [dwType, bytes, pszSelected] : cases) {
         lans->SetCurrentLan("Beta", 0);
-        SetRegistry(dwType, bytes);
-        lans->SetCurrentLanFromReg("App", 0);
-        EXPECT_EQ(Current(), pszSelected) << bytes;
+        test::StoreValue("SOFTWARE\\Brightfern\\App", "Language", dwType, bytes);
+        EXPECT_EQ(restored("App"), pszSelected) << bytes;
     }
     lans->SetCurrentLan("Beta", 0);
-    lans->SetCurrentLanFromReg("Unknown", 0);
-    EXPECT_EQ(Current(), ".hidden");
+    EXPECT_EQ(restored("Unknown"), ".hidden");
     KXHost::SetRegistryFile("/proc/none/registry.ini");
     EXPECT_EQ(CKXLanResManager::SaveLanToReg("App", "alpha"), 0);
     KXHost::SetRegistryFile("");

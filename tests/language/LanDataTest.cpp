@@ -2,7 +2,6 @@
 #include "tests/support/Test.h"
 
 #include <malloc.h>
-#include <sys/stat.h>
 
 namespace {
 

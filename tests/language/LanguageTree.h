@@ -4,8 +4,6 @@
 #include "tests/support/AppDir.h"
 #include "tests/support/Host.h"
 
-#include <string>
-
 namespace test {
 
 // A language root of its own in the directory of the executable, for one test.

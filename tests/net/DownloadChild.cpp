@@ -1,13 +1,6 @@
 #include "KXHttpDownloadMgr.h"
 #include "tests/net/WorkerThread.h"
 
-#include <csignal>
-#include <cstdio>
-#include <cstdlib>
-#include <semaphore>
-#include <string_view>
-#include <sys/resource.h>
-
 namespace {
 
 // Never destroyed: the last notifications come while the static objects are.

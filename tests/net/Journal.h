@@ -4,8 +4,6 @@
 
 #include "tests/support/Test.h"
 
-#include <condition_variable>
-
 namespace test {
 
 // A notification, as far as tests compare it.
@@ -44,9 +42,8 @@ public:
     {
         std::unique_lock lock(m_lock);
         m_changed.wait(lock, [&] {
-            for (const Notice& notice : m_notices)
-                if (notice.code == code && notice.id == id) return true;
-            return false;
+            return std::ranges::any_of(m_notices,
+                                       [&](const Notice& n) { return n.code == code && n.id == id; });
         });
     }
     std::vector<Notice> Notices() const

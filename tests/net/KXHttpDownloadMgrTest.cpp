@@ -2,6 +2,7 @@
 #include "platform/Exception.h"
 #include "platform/FileSystem.h"
 #include "tests/net/Journal.h"
+#include "tests/support/Process.h"
 #include "tests/support/RawServer.h"
 
 namespace {
@@ -12,11 +13,6 @@ using Codes = std::vector<unsigned int>;
 
 const std::string kOk = "HTTP/1.1 200 OK\r\n";
 const std::string kHello = kOk + "Content-Length: 5\r\n\r\nhello";
-
-std::ptrdiff_t Threads()
-{
-    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
-}
 
 struct Downloads : testing::Test
 {
@@ -35,13 +31,13 @@ struct Downloads : testing::Test
     // Waits until the worker has ended by itself; the test has that many servers of its own.
     void AwaitEnd(int nServers = 0)
     {
-        test::Await([&] { return Threads() <= nThreads + nServers; });
+        test::Await([&] { return test::Threads() <= nThreads + nServers; });
     }
 
     test::TempDir dir;
     test::Journal journal;
     RawServer hello{RawServer::Answering(kHello)};
-    std::ptrdiff_t nThreads = Threads();
+    int nThreads = test::Threads();
     std::optional<test::Manager> manager;
 };
 
@@ -251,13 +247,12 @@ TEST_F(Downloads, LeaveNoHandleBehind)
 {
     Run(hello.Url());
     manager.reset();
-    const int nBefore = KXHost::LiveHandles();
+    const test::NoLeak noLeak;
     manager.emplace();
     Run(hello.Url());
     Add("no URL");
     AwaitEnd();
     manager.reset();
-    EXPECT_EQ(KXHost::LiveHandles(), nBefore);
 }
 
 TEST_F(Downloads, AForkEndsWithoutTheWorker)

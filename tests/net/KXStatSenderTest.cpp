@@ -2,9 +2,9 @@
 #include "platform/Host.h" // ahead of what the HTTP server brings, whose macros would change its names
 #include "platform/Registry.h"
 #include "tests/support/HttpServer.h"
+#include "tests/support/Registry.h"
 #include "tests/support/Test.h"
 
-#include <condition_variable>
 #include <regex>
 
 namespace {
@@ -44,14 +44,9 @@ struct Stats : testing::Test
             << target;
         return match[1];
     }
-    void Store(DWORD type, std::string_view data)
+    static void Store(DWORD type, std::string_view data)
     {
-        HKEY key = nullptr;
-        RegCreateKeyExA(HKEY_CURRENT_USER, "Software\\norvale\\setup", 0, nullptr, 0, KEY_READ | KEY_WRITE,
-                        nullptr, &key, nullptr);
-        RegSetValueExA(key, "PCGUID", 0, type, reinterpret_cast<const BYTE*>(data.data()),
-                       static_cast<DWORD>(data.size()));
-        RegCloseKey(key);
+        test::StoreValue("Software\\norvale\\setup", "PCGUID", type, data);
     }
 
     test::TempDir dir;

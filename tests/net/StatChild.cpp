@@ -2,8 +2,6 @@
 #include "KXStatSender.h"
 #include "tests/net/WorkerThread.h"
 
-#include <semaphore>
-
 namespace {
 
 test::WorkerThread worker;

@@ -1,6 +1,5 @@
-#include "platform/Sync.h"
-#include "platform/Window.h"
 #include "tests/net/Journal.h"
+#include "tests/platform/window/Support.h"
 #include "tests/support/RawServer.h"
 
 namespace {
@@ -8,18 +7,9 @@ namespace {
 // A window of the test's own thread.
 struct NoticeWindow
 {
-    NoticeWindow()
-    {
-        const WNDCLASSA wndClass{DefWindowProcA, "notices"};
-        RegisterClassA(&wndClass);
-        hWnd = CreateWindowExA(0, "notices", "", 0, 0, 0, 1, 1);
-    }
-    ~NoticeWindow()
-    {
-        DestroyWindow(hWnd);
-        UnregisterClassA("notices");
-    }
-    HWND hWnd = nullptr;
+    NoticeWindow() : hWnd(test::Make()) {}
+    ~NoticeWindow() { DestroyWindow(hWnd); }
+    const HWND hWnd;
 };
 
 // Windows hear of a download through their thread's queue, with what fits a message.

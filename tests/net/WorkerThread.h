@@ -1,9 +1,6 @@
 #pragma once
 
-#include <atomic>
-#include <string>
-#include <thread>
-#include <unistd.h>
+#include "tests/support/Standard.h"
 
 namespace test {
 

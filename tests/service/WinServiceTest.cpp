@@ -3,8 +3,6 @@
 #include "tests/support/ScriptedManager.h"
 #include "tests/support/Test.h"
 
-#include <cstdio>
-
 namespace {
 
 using test::State;
@@ -53,17 +51,13 @@ struct WinService : testing::Test
     // Makes a service, carries out an operation and takes down what it prints and calls behind the opening.
     int Run(const Operation& operation)
     {
-        const int nHandles = KXHost::LiveHandles();
-        int nResult = -1;
-        {
-            const test::DebugText text;
-            OpenService service("Nv");
-            m_manager->Calls();
-            nResult = operation(service);
-            m_text = text.Text();
-            m_calls = m_manager->Calls();
-        }
-        EXPECT_EQ(KXHost::LiveHandles(), nHandles);
+        const test::NoLeak noLeak;
+        const test::DebugText text;
+        OpenService service("Nv");
+        m_manager->Calls();
+        const int nResult = operation(service);
+        m_text = text.Text();
+        m_calls = m_manager->Calls();
         return nResult;
     }
 

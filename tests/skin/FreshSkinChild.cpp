@@ -1,17 +1,11 @@
 #include "KXLanResManager.h"
 #include "KXSkinResManager.h"
 #include "platform/Host.h"
+#include "tests/support/Check.h"
 #include "tests/support/GdiPlus.h"
 #include <cstdio>
 
-namespace {
-
-void Check(bool bTrue, const char* pszWhat)
-{
-    if (!bTrue) std::fprintf(stderr, "%s\n", pszWhat);
-}
-
-} // namespace
+using test::Check;
 
 // Tries the state before a skin is selected, and with a second argument at the end of a process that has
 // loaded that skin. The first is the executable's path.

@@ -2,12 +2,12 @@
 
 #include "KXMessages.h"
 #include "platform/Sync.h"
+#include "tests/platform/window/Support.h"
 #include "tests/skin/SkinTree.h"
+#include "tests/support/Process.h"
 
 #include <cctype>
 #include <sys/inotify.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -76,14 +76,12 @@ LRESULT OnMessage(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
 struct Window : test::Fixed
 {
     explicit Window(const char* pszName, DWORD dwStyle = WS_VISIBLE)
+        : hWnd(test::Make(nullptr, dwStyle, pszName, {OnMessage, "SkinListener"}))
     {
-        const WNDCLASSA windowClass{OnMessage, "SkinListener"};
-        RegisterClassA(&windowClass);
-        hWnd = CreateWindowExA(0, "SkinListener", pszName, dwStyle, 0, 0, 1, 1);
     }
     ~Window() { DestroyWindow(hWnd); }
 
-    HWND hWnd;
+    const HWND hWnd;
 };
 
 // The files of the full skin that are opened while it lives, in the order of their first opening: values of a
@@ -282,13 +280,6 @@ TEST_F(Skins, MayBeChangedWhileAChangeIsAnnounced)
                                     "message to first"));
 }
 
-long ResidentKilobytes()
-{
-    long nTotal = 0, nResident = 0;
-    std::ifstream("/proc/self/statm") >> nTotal >> nResident;
-    return nResident * (sysconf(_SC_PAGESIZE) / 1024);
-}
-
 TEST_F(Skins, AThousandChangesLeaveNothingBehind)
 {
 #ifdef __SANITIZE_ADDRESS__ // which holds on to what is freed
@@ -302,10 +293,10 @@ TEST_F(Skins, AThousandChangesLeaveNothingBehind)
         ASSERT_EQ(skins->SetSkin(n % skins->GetSkinsTotal(), 0), 1);
         if (n != 9) continue;
         nHandles = KXHost::LiveHandles();
-        nResident = ResidentKilobytes();
+        nResident = test::ResidentKilobytes();
     }
     EXPECT_EQ(KXHost::LiveHandles(), nHandles);
-    EXPECT_LE(ResidentKilobytes(), nResident + nBound);
+    EXPECT_LE(test::ResidentKilobytes(), nResident + nBound);
 }
 
 TEST(SkinProcess, KnowsNothingAtFirstAndEndsWithAllReleased)

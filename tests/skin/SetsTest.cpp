@@ -1,10 +1,6 @@
 // The five sets of what a skin is drawn with, each loaded by itself.
 
-#include "KXSkinBtnRes.h"
-#include "KXSkinColorDef.h"
-#include "KXSkinIMListRes.h"
-#include "KXSkinOtherRes.h"
-#include "KXSkinWndRes.h"
+#include "KXSkinResManager.h"
 #include "tests/skin/SkinTree.h"
 
 using testing::Each;

@@ -12,13 +12,12 @@ namespace test {
 
 inline std::string BmpFile(int cx, int cy)
 {
-    return ToBmp(Picture(static_cast<std::size_t>(cy), std::string(static_cast<std::size_t>(cx), 'R')), 24)
-        .File();
+    return ToBmp(Plain(cx, cy), 24).File();
 }
 
-inline std::string IconImage(std::size_t side)
+inline std::string IconImage(int side)
 {
-    return IconBmp(Picture(side, std::string(side, 'G')), 32);
+    return IconBmp(Plain(side, side, 'G'), 32);
 }
 
 inline std::vector<std::string> Words(const std::string& text)

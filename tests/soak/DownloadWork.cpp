@@ -2,13 +2,6 @@
 #include "tests/soak/Soak.h"
 #include "tests/support/RawServer.h"
 
-#include <condition_variable>
-#include <cstdio>
-#include <mutex>
-#include <set>
-#include <string>
-#include <vector>
-
 namespace {
 
 // A manager of its own for each round: the first broken transfer ends its worker for good.

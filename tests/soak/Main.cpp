@@ -2,27 +2,11 @@
 
 #include "KXFileSystem.h"
 #include "include/platform/Host.h"
-
-#include <array>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <future>
-#include <thread>
-#include <unistd.h>
-#include <vector>
+#include "tests/support/Process.h"
 
 namespace {
 
 constexpr int kLooks = 10; // at the memory, over the run
-
-long ResidentMegabytes()
-{
-    long nPages = 0;
-    std::ifstream("/proc/self/statm") >> nPages >> nPages;
-    return nPages * sysconf(_SC_PAGESIZE) / (1 << 20);
-}
 
 // Prints the memory at each tenth of the run. False where it has grown from the third to the last by more
 // than a fifth and what the works' own texts come to.
@@ -32,7 +16,7 @@ bool StaysFlat(std::chrono::steady_clock::time_point begin, std::chrono::seconds
     std::array<long, kLooks> resident{};
     for (int n = 0; n < kLooks; ++n) {
         std::this_thread::sleep_until(begin + time * (n + 1) / kLooks);
-        resident[static_cast<std::size_t>(n)] = ResidentMegabytes();
+        resident[static_cast<std::size_t>(n)] = test::ResidentKilobytes() / 1024;
     }
     std::printf("memory, MB: ");
     for (const long n : resident)
@@ -60,31 +44,26 @@ int main(int nArgs, char** args)
     KXHost::UseMemoryDesktop();
     CKXFileSystem::GetInstancePtr();
 
-    struct Part
-    {
-        const char* pszName;
-        std::future<soak::Figures> figures;
+    const std::pair<const char*, soak::Work> works[] = {
+        {"log", soak::RunLog},           {"languages", soak::RunLanguages},
+        {"skins", soak::RunSkins},       {"downloads", soak::RunDownloads},
+        {"registry", soak::RunRegistry}, {"xml", soak::RunXml},
     };
-    std::vector<Part> parts;
-    const auto start = [&](const char* pszName, soak::Work work) {
-        const auto own = seed + static_cast<unsigned>(parts.size());
-        parts.push_back({pszName, std::async(std::launch::async, work, soak::Turn{end, std::mt19937(own)},
-                                             std::ref(dir))});
-    };
-    start("log", soak::RunLog);
-    start("languages", soak::RunLanguages);
-    start("skins", soak::RunSkins);
-    start("downloads", soak::RunDownloads);
-    start("registry", soak::RunRegistry);
-    start("xml", soak::RunXml);
+    std::vector<std::future<soak::Figures>> running;
+    for (const auto& [pszName, work] : works) {
+        const auto own = seed + static_cast<unsigned>(running.size());
+        running.push_back(
+            std::async(std::launch::async, work, soak::Turn{end, std::mt19937(own)}, std::ref(dir)));
+    }
     std::uint64_t losses = StaysFlat(begin, time) ? 0 : 1;
     std::printf("seed %u\n", seed);
     std::printf("%-12s %12s %12s %12s\n", "", "operations", "faults", "losses");
-    for (Part& part : parts) {
-        const soak::Figures figures = part.figures.get();
-        std::printf(
-            "%-12s %12llu %12llu %12llu\n", part.pszName, static_cast<unsigned long long>(figures.operations),
-            static_cast<unsigned long long>(figures.faults), static_cast<unsigned long long>(figures.losses));
+    for (std::size_t n = 0; n < running.size(); ++n) {
+        const soak::Figures figures = running[n].get();
+        std::printf("%-12s %12llu %12llu %12llu\n", works[n].first,
+                    static_cast<unsigned long long>(figures.operations),
+                    static_cast<unsigned long long>(figures.faults),
+                    static_cast<unsigned long long>(figures.losses));
         losses += figures.losses + (figures.operations == 0);
     }
     return losses == 0 ? 0 : 1;

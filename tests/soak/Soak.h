@@ -2,12 +2,6 @@
 
 #include "tests/support/TempDir.h"
 
-#include <chrono>
-#include <cstdint>
-#include <cstdio>
-#include <random>
-#include <string>
-
 namespace soak {
 
 struct Figures

@@ -1,25 +1,11 @@
-#include "KXIniDataMgr.h"
-#include "KXLanResManager.h"
-#include "KXLogSys.h"
-#include "KXSkinResManager.h"
-#include "KXXmlDomDocument.h"
+#include "KXCommonClass.h"
 
 #include "include/platform/Host.h"
-#include "include/platform/Registry.h"
 #include "tests/soak/Soak.h"
 #include "tests/support/Child.h"
 #include "tests/support/Com.h"
 #include "tests/support/GdiPlus.h"
-
-#include <algorithm>
-#include <array>
-#include <atomic>
-#include <cstdio>
-#include <filesystem>
-#include <sstream>
-#include <string>
-#include <thread>
-#include <vector>
+#include "tests/support/LogLines.h"
 
 // ---- The log
 
@@ -27,26 +13,6 @@ namespace {
 
 constexpr int kThreads = 8;
 constexpr int kLines = 2'000; // of a thread in a round
-
-// How many of the lines aren't where they belong.
-std::uint64_t CountLosses(const std::string& text)
-{
-    std::array<int, kThreads> next{};
-    std::istringstream stream(text);
-    std::uint64_t losses = 0;
-    for (std::string line; std::getline(stream, line);) {
-        int nThread = 0, nLine = 0;
-        const std::size_t at = line.find("] 1 ");
-        const bool bRead =
-            at != line.npos && std::sscanf(line.c_str() + at + 4, "thread %d line %d", &nThread, &nLine) == 2;
-        const bool bExpected =
-            bRead && nThread >= 0 && nThread < kThreads && nLine == next[static_cast<std::size_t>(nThread)]++;
-        losses += !bExpected;
-    }
-    for (const int n : next)
-        losses += static_cast<std::uint64_t>(kLines - std::min(n, kLines));
-    return losses;
-}
 
 } // namespace
 
@@ -61,13 +27,16 @@ soak::Figures soak::RunLog(Turn turn, const test::TempDir& dir)
             for (int nThread = 0; nThread < kThreads; ++nThread)
                 threads.emplace_back([=] {
                     for (int n = 0; n < kLines; ++n)
-                        pLog->PushLogEx(CKXLogSys::LogInfo, "thread %d line %d", nThread, n);
+                        pLog->PushLogEx(CKXLogSys::LogInfo, "%d %d", nThread, n);
                 });
         }
         figures.Need(pLog->Flush(30'000), "a flush in thirty seconds");
         pLog->Uninitialize();
-        const std::uint64_t losses = CountLosses(dir.Read("soak.log"));
-        figures.Need(losses == 0, std::to_string(losses) + " log lines of a round");
+        const test::ThreadLines lines(dir.Read("soak.log"), kThreads);
+        figures.Need(lines.wrong.empty(), "the log line in place of " + lines.wrong);
+        for (const std::size_t nCount : lines.counts)
+            figures.Need(nCount == kLines,
+                         "log lines of a thread, of which " + std::to_string(nCount) + " are there");
         figures.operations += kThreads * kLines;
     }
     return figures;

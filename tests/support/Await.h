@@ -1,9 +1,7 @@
 #pragma once
 
 #include "include/platform/Host.h"
-
-#include <thread>
-#include <vector>
+#include "tests/support/Standard.h"
 
 namespace test {
 

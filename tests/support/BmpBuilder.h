@@ -1,11 +1,6 @@
 #pragma once
 
-#include <algorithm>
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
+#include "tests/support/Standard.h"
 
 // Builds image files from pictures whose pixels are letters.
 namespace test {
@@ -13,6 +8,11 @@ namespace test {
 // Rows from the top. A letter's place in kLetters has the bits red, green, blue.
 using Picture = std::vector<std::string>;
 inline constexpr std::string_view kLetters = "KBGCRMYW";
+
+inline Picture Plain(int cx, int cy, char letter = 'R')
+{
+    return Picture(static_cast<std::size_t>(cy), std::string(static_cast<std::size_t>(cx), letter));
+}
 
 // 0x00RRGGBB.
 inline std::uint32_t PixelOf(char letter)

@@ -1,16 +1,6 @@
 #include "tests/support/Child.h"
 
-#include <array>
-#include <cerrno>
-#include <csignal>
-#include <cstdio>
-#include <cstdlib>
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <stdexcept>
-#include <sys/wait.h>
-#include <unistd.h>
-#include <utility>
 
 namespace test {
 
@@ -27,25 +17,31 @@ int EndOf(pid_t pid)
 
 } // namespace
 
+pid_t Spawn(std::vector<std::string> args, std::vector<std::string> env, const std::function<void()>& prepare)
+{
+    std::vector<char*> argv;
+    for (auto& arg : args)
+        argv.push_back(arg.data());
+    argv.push_back(nullptr);
+    const pid_t pid = fork();
+    if (pid < 0) throw std::runtime_error("no process");
+    if (pid > 0) return pid;
+    for (auto& setting : env)
+        putenv(setting.data());
+    prepare();
+    execvp(argv[0], argv.data());
+    _exit(127);
+}
+
 Child::Child(const std::string& name, std::vector<std::string> args, std::vector<std::string> env,
              bool captureError)
 {
     std::array<int, 2> ends{-1, -1};
     if (captureError && pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
     args.insert(args.begin(), std::string(KX_TEST_BIN) + "/" + name);
-    std::vector<char*> argv;
-    for (auto& arg : args)
-        argv.push_back(arg.data());
-    argv.push_back(nullptr);
-    m_pid = fork();
-    if (m_pid < 0) throw std::runtime_error("no process");
-    if (m_pid == 0) {
-        for (auto& setting : env)
-            putenv(setting.data());
+    m_pid = Spawn(std::move(args), std::move(env), [&] {
         if (captureError) dup2(ends[1], STDERR_FILENO);
-        execv(argv[0], argv.data());
-        _exit(127);
-    }
+    });
     if (captureError) close(ends[1]);
     m_pipe = ends[0];
 }

@@ -1,13 +1,16 @@
 #pragma once
 
 #include "tests/support/Fixed.h"
+#include "tests/support/Standard.h"
 
-#include <functional>
-#include <string>
 #include <sys/types.h>
-#include <vector>
 
 namespace test {
+
+// Starts a program with these arguments, its name first, and settings. The new process runs `prepare` ahead
+// of it.
+pid_t Spawn(std::vector<std::string> args, std::vector<std::string> env,
+            const std::function<void()>& prepare);
 
 // A child program of the tests (a ...Child.cpp), by the name of its file.
 class Child : Fixed

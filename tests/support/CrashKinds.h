@@ -2,16 +2,7 @@
 
 #include "include/platform/Crash.h"
 #include "include/platform/Sync.h"
-
-#include <array>
-#include <atomic>
-#include <csignal>
-#include <cstdlib>
-#include <map>
-#include <stdexcept>
-#include <string_view>
-#include <sys/mman.h>
-#include <thread>
+#include "tests/support/Standard.h"
 
 // Ways to crash, for child programs. Each function has a name of its own in the stack.
 namespace crashes {

@@ -3,8 +3,6 @@
 #include "include/platform/Window.h"
 #include "tests/support/Picture.h"
 
-#include <string>
-
 namespace test {
 
 // Dispatches the messages that this thread has now.
@@ -14,20 +12,25 @@ inline void Pump()
         DispatchMessageA(&msg);
 }
 
+// The desktop's surface, for the length of the scope.
+class Desktop : Fixed
+{
+public:
+    ~Desktop() { ReleaseDC(nullptr, m_hDC); }
+    operator HDC() const { return m_hDC; }
+
+private:
+    const HDC m_hDC = GetDC(nullptr);
+};
+
 // The desktop as it is seen: a pixel, and a row of it as letters (`?` for its own colour).
 inline COLORREF SeenAt(int x, int y)
 {
-    const HDC desktop = GetDC(nullptr);
-    const COLORREF clr = GetPixel(desktop, x, y);
-    ReleaseDC(nullptr, desktop);
-    return clr;
+    return GetPixel(Desktop(), x, y);
 }
 inline std::string SeenRow(int left, int y, int nLength)
 {
-    const HDC desktop = GetDC(nullptr);
-    const Picture row = Read(desktop, left, y, left + nLength, y + 1);
-    ReleaseDC(nullptr, desktop);
-    return row[0];
+    return Read(Desktop(), left, y, left + nLength, y + 1)[0];
 }
 
 } // namespace test

@@ -3,11 +3,9 @@
 #include "include/platform/CodePage.h"
 #include "include/platform/Host.h"
 #include "tests/support/Fixed.h"
+#include "tests/support/Standard.h"
 
-#include <cstdint>
-#include <mutex>
-#include <string>
-#include <string_view>
+#include <gtest/gtest.h>
 
 // Scopes that steer the platform layer and put it back as it was.
 namespace test {
@@ -58,6 +56,22 @@ private:
     mutable std::mutex m_lock;
     std::string m_text;
     int m_id;
+};
+
+// Fails the test when the scope leaves handles behind.
+class NoLeak : Fixed
+{
+public:
+    ~NoLeak() { EXPECT_EQ(KXHost::LiveHandles(), m_before); }
+
+private:
+    int m_before = KXHost::LiveHandles();
+};
+
+// Each test of it leaves no handle behind.
+class LeakTest : public testing::Test
+{
+    const NoLeak m_noLeak;
 };
 
 } // namespace test

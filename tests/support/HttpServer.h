@@ -1,13 +1,9 @@
 #pragma once
 
 #include "tests/support/Fixed.h"
+#include "tests/support/Standard.h"
 
 #include <httplib.h>
-#include <memory>
-#include <string>
-#include <string_view>
-#include <thread>
-#include <utility>
 
 namespace test {
 

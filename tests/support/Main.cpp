@@ -1,8 +1,6 @@
 #include "tests/support/TempDir.h"
 
-#include <cstdlib>
 #include <gtest/gtest.h>
-#include <optional>
 
 // The user's home, registry, zone and network stay out of every test.
 int main(int argc, char** argv)

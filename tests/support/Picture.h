@@ -1,11 +1,8 @@
 #pragma once
 
 #include "include/platform/Gdi.h"
-#include "include/platform/Host.h"
 #include "tests/support/BmpBuilder.h"
-#include "tests/support/Fixed.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/Host.h"
 
 // Small pictures as letters (those of BmpBuilder.h, and `.` for black), painted on and read from surfaces.
 namespace test {
@@ -60,6 +57,12 @@ public:
         DeleteDC(m_dc);
         DeleteObject(m_bitmap);
     }
+    // Gives its bitmap away, for the taker to end.
+    HBITMAP Detach()
+    {
+        SelectObject(m_dc, m_first);
+        return std::exchange(m_bitmap, nullptr);
+    }
 
     operator HDC() const { return m_dc; }
     HBITMAP Bitmap() const { return m_bitmap; }
@@ -84,22 +87,6 @@ public:
 
 private:
     Handle m_handle;
-};
-
-// Fails the test when the scope leaves handles behind.
-class NoLeak : Fixed
-{
-public:
-    ~NoLeak() { EXPECT_EQ(KXHost::LiveHandles(), m_before); }
-
-private:
-    int m_before = KXHost::LiveHandles();
-};
-
-// Each test of it leaves no handle behind.
-class LeakTest : public testing::Test
-{
-    const NoLeak m_noLeak;
 };
 
 } // namespace test

@@ -1,10 +1,7 @@
 #include "tests/support/RawServer.h"
 
-#include <array>
 #include <netinet/in.h>
-#include <stdexcept>
 #include <sys/socket.h>
-#include <unistd.h>
 
 namespace test {
 

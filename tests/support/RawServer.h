@@ -1,14 +1,7 @@
 #pragma once
 
 #include "tests/support/Fixed.h"
-
-#include <atomic>
-#include <cstdint>
-#include <functional>
-#include <mutex>
-#include <string>
-#include <string_view>
-#include <thread>
+#include "tests/support/Standard.h"
 
 namespace test {
 

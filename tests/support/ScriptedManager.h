@@ -2,14 +2,9 @@
 
 #include "include/platform/Clock.h"
 #include "include/platform/Host.h"
+#include "tests/support/Standard.h"
 
 #include <deque>
-#include <functional>
-#include <map>
-#include <sstream>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace test {
 

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <atomic>
-#include <cerrno>
+#include "tests/support/Standard.h"
+
 #include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <new>
 
 // The allocator of a child program and of all libraries in it, which can be short of memory; for the one file
@@ -15,14 +13,13 @@ namespace shortage {
 inline std::atomic<long> g_nLeft{-1};  // allocations until one fails; below 0: none does
 inline std::atomic<long> g_nFailed{0}; // so many did
 inline std::atomic<long> g_nLive{0};   // blocks
-inline bool g_bAll = false;            // whether all fail behind the first that does
 inline std::size_t g_nMost = SIZE_MAX; // bytes that a block may have
 
 inline bool Fails(std::size_t nBytes) noexcept
 {
     bool bFails = nBytes > g_nMost;
     for (long n = g_nLeft; n >= 0;)
-        if (g_nLeft.compare_exchange_weak(n, n > 0 || g_bAll ? n - (n > 0) : -1)) {
+        if (g_nLeft.compare_exchange_weak(n, n > 0 ? n - 1 : -1)) {
             bFails |= n == 0;
             break;
         }

@@ -1,13 +1,5 @@
 #include "tests/support/TempDir.h"
 
-#include <algorithm>
-#include <csignal>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <stdexcept>
-
 namespace fs = std::filesystem;
 
 namespace test {

@@ -2,10 +2,7 @@
 
 #include "include/platform/String.h"
 #include "tests/support/Fixed.h"
-
-#include <string>
-#include <string_view>
-#include <sys/resource.h>
+#include "tests/support/Standard.h"
 
 namespace test {
 

@@ -1,15 +1,9 @@
 #include "tests/support/XServer.h"
 
-#include <cerrno>
-#include <csignal>
-#include <cstdlib>
-#include <fcntl.h>
+#include "tests/support/Child.h"
+
 #include <poll.h>
-#include <stdexcept>
 #include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
-#include <utility>
 
 namespace test {
 
@@ -28,22 +22,13 @@ std::vector<std::string> Command(const std::string& screen, int fd, const std::v
 } // namespace
 
 Program::Program(std::vector<std::string> args, std::vector<std::string> env)
+    : m_pid(Spawn(std::move(args), std::move(env), [] {
+          prctl(PR_SET_PDEATHSIG, SIGTERM); // a test that crashes leaves none behind
+          const int nowhere = open("/dev/null", O_RDWR);
+          dup2(nowhere, STDOUT_FILENO);
+          dup2(nowhere, STDERR_FILENO);
+      }))
 {
-    std::vector<char*> argv;
-    for (auto& arg : args)
-        argv.push_back(arg.data());
-    argv.push_back(nullptr);
-    m_pid = fork();
-    if (m_pid < 0) throw std::runtime_error("no process");
-    if (m_pid > 0) return;
-    prctl(PR_SET_PDEATHSIG, SIGTERM); // a test that crashes leaves none behind
-    for (auto& setting : env)
-        putenv(setting.data());
-    const int nowhere = open("/dev/null", O_RDWR);
-    dup2(nowhere, STDOUT_FILENO);
-    dup2(nowhere, STDERR_FILENO);
-    execvp(argv[0], argv.data());
-    _exit(127);
 }
 
 void Program::Kill()

@@ -1,10 +1,9 @@
 #pragma once
 
 #include "tests/support/Fixed.h"
+#include "tests/support/Standard.h"
 
-#include <string>
 #include <sys/types.h>
-#include <vector>
 
 namespace test {
 
@@ -21,7 +20,7 @@ public:
     void Stop();
 
 private:
-    pid_t m_pid = -1;
+    pid_t m_pid;
 };
 
 // Through which a program tells a line when it has started.

@@ -1,5 +1,6 @@
 #include "KXEnglishWord.h"
 
+#include "tests/support/CopyList.h"
 #include "tests/wordtest/WordSheet.h"
 
 using test::WordSheet;
@@ -82,11 +83,9 @@ TEST_F(RedrawWord, TouchesWhatChangesAlone)
         WordSheet field, expected, back(77);
         CRect rc = rcWord;
         rc.right = 20 + field.WidthOf(now.substr(0, nFit), font) + static_cast<int>(nSpare);
-        int nCopies = 0;
-        KXHost::SetCopyObserver([&](const KXHost::CopyRecord&) { ++nCopies; });
+        test::CopyList copies;
         CKXEnglishWord::RedrawWordInvalidPart(&field, &back, old.c_str(), now.c_str(), rc, &font, clrText);
-        KXHost::SetCopyObserver({});
-        EXPECT_EQ(nCopies, nSame < old.size()) << old << now;
+        EXPECT_EQ(copies.Take().size(), nSame < old.size()) << old << now;
         const int nFrom = 20 + field.WidthOf(old.substr(0, nSame), font);
         const int nTo = 20 + field.WidthOf(old, font);
         expected.BitBlt(nFrom, 10, nTo - nFrom, 40, &back, nFrom, 0, SRCCOPY);

@@ -49,31 +49,24 @@ TEST(Show, LogFollowed)
 {
     const test::TempDir dir;
     dir.Write("l.txt", kLog);
-    FILE* const pipe =
-        popen(("'" KX_TEST_BIN "/kx' log -f --match beg '" + dir.Path("l.txt") + "'").c_str(), "r");
-    const auto next = [&] {
-        std::string line;
-        for (int ch; (ch = std::fgetc(pipe)) != EOF && ch != '\n';)
-            line += static_cast<char>(ch);
-        return line;
-    };
+    test::Running log("log -f --match beg '" + dir.Path("l.txt") + "'");
     const auto append = [&](const char* psz) { std::ofstream(dir.Path("l.txt"), std::ios::app) << psz; };
-    EXPECT_EQ(next(), "[2009-03-14 08:05:09] 1 begin");
+    EXPECT_EQ(log.Line(), "[2009-03-14 08:05:09] 1 begin");
     append("[2009-03-14 08:05:10] 1 begun\n[2009-03-14 08:05:11] 1 beg");
-    EXPECT_EQ(next(), "[2009-03-14 08:05:10] 1 begun");
+    EXPECT_EQ(log.Line(), "[2009-03-14 08:05:10] 1 begun");
     append("inning\n");
-    EXPECT_EQ(next(), "[2009-03-14 08:05:11] 1 beginning");
+    EXPECT_EQ(log.Line(), "[2009-03-14 08:05:11] 1 beginning");
     dir.Write("l.txt", "[2010-01-01 00:00:00] 1 begin\n");
-    EXPECT_EQ(next(), "[2010-01-01 00:00:00] 1 begin");
+    EXPECT_EQ(log.Line(), "[2010-01-01 00:00:00] 1 begin");
     dir.Write("new.txt", "[2010-01-01 00:00:01] 1 begin\n[2010-01-01 00:00:02] 1 beg");
     std::filesystem::rename(dir.Path("new.txt"), dir.Path("l.txt"));
-    EXPECT_EQ(next(), "[2010-01-01 00:00:01] 1 begin");
+    EXPECT_EQ(log.Line(), "[2010-01-01 00:00:01] 1 begin");
     append("gar\n[2010-01-01 00:00:03] 1 beg");
-    EXPECT_EQ(next(), "[2010-01-01 00:00:02] 1 beggar");
+    EXPECT_EQ(log.Line(), "[2010-01-01 00:00:02] 1 beggar");
     std::filesystem::remove(dir.Path("l.txt"));
-    EXPECT_EQ(next(), "[2010-01-01 00:00:03] 1 beg");
-    EXPECT_EQ(next(), "");
-    EXPECT_EQ(pclose(pipe), 0);
+    EXPECT_EQ(log.Line(), "[2010-01-01 00:00:03] 1 beg");
+    EXPECT_EQ(log.Line(), "");
+    EXPECT_EQ(log.End(), 0);
 }
 
 TEST(Show, ReportByEitherFile)

@@ -1,8 +1,6 @@
 #include "tests/skin/SkinTree.h"
 #include "tests/tools/kx/Tool.h"
 
-#include <sys/stat.h>
-
 using testing::ElementsAre;
 using testing::HasSubstr;
 

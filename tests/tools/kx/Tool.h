@@ -33,4 +33,27 @@ inline Outcome Kx(const TempDir& dir, const std::string& arguments)
     return outcome;
 }
 
+// kx at work, and the lines that it prints meanwhile.
+class Running : Fixed
+{
+public:
+    explicit Running(const std::string& arguments, const std::string& settings = "")
+        : m_pipe(popen((settings + " '" KX_TEST_BIN "/kx' " + arguments).c_str(), "r"))
+    {
+    }
+
+    // The next line; empty at the end.
+    std::string Line()
+    {
+        std::string line;
+        for (int ch; (ch = std::fgetc(m_pipe)) != EOF && ch != '\n';)
+            line += static_cast<char>(ch);
+        return line;
+    }
+    int End() { return pclose(m_pipe); }
+
+private:
+    FILE* const m_pipe;
+};
+
 } // namespace test

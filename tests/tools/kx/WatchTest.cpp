@@ -9,23 +9,10 @@ constexpr COLORREF kProblemGround = RGB(255, 240, 238);
 constexpr POINT kTitle{200, 90};    // of the first frame, above its text
 constexpr POINT kLowest{1015, 875}; // where lines of problems stand, to the right of their texts
 
-// kx at work on a display, and what it says.
-class Watch
+struct Watch : test::Running
 {
-public:
-    Watch(const std::string& display, const std::string& dir)
-        : m_pipe(
-              popen(("DISPLAY=" + display + " '" KX_TEST_BIN "/kx' skin watch '" + dir + "'").c_str(), "r"))
-    {
-    }
+    using Running::Running;
 
-    std::string Line()
-    {
-        std::string line;
-        for (int ch; (ch = std::fgetc(m_pipe)) != EOF && ch != '\n';)
-            line += static_cast<char>(ch);
-        return line;
-    }
     // An editor's write may be seen half done, so others may come before. False at the end.
     bool Says(const std::string& expected)
     {
@@ -35,10 +22,6 @@ public:
         while (!line.empty() && line != expected);
         return line == expected;
     }
-    int End() { return pclose(m_pipe); }
-
-private:
-    FILE* const m_pipe;
 };
 
 // Whatever becomes of the skin is seen in the window and said, with nobody's help.
@@ -53,7 +36,7 @@ TEST(WatchedSkin, IsDrawnAnewAndKeptWhileItIsBroken)
     };
     const std::string title = "s/Common/Window/Frame_Title.bmp", box = "s/Common/Button/CheckBox.bmp";
     const std::string broken = "the skin has errors: the sheet before stays";
-    Watch watch(server.Name(), dir.Path("s"));
+    Watch watch("skin watch '" + dir.Path("s") + "'", "DISPLAY=" + server.Name());
     ASSERT_TRUE(watch.Says("drawn"));
     awaitColor(kTitle, RGB(72, 110, 152));
 
@@ -66,7 +49,7 @@ TEST(WatchedSkin, IsDrawnAnewAndKeptWhileItIsBroken)
     EXPECT_EQ(watch.Line(),
               "  Common\\Button\\CheckBox.bmp: is missing: nothing is drawn where it is needed");
     awaitColor(kLowest, kProblemGround);
-    dir.Write(title, test::ToBmp(test::Picture(60, std::string(40, 'G')), 24).File());
+    dir.Write(title, test::ToBmp(test::Plain(40, 60, 'G'), 24).File());
     EXPECT_TRUE(watch.Says(broken));
     awaitColor(kLowest, kProblemGround);
     EXPECT_EQ(outside.Pixel(kTitle.x, kTitle.y), RGB(255, 0, 0));
