@@ -5,8 +5,6 @@
 #include "tests/support/Desktop.h"
 #include "tests/support/Test.h"
 
-#include <semaphore>
-
 namespace {
 
 using test::Pump;
@@ -15,19 +13,31 @@ using test::SeenAt;
 constexpr COLORREF kYellow = RGB(255, 255, 0);
 constexpr int kLeft = (DESKTOP_WIDTH - 200) / 2, kTop = (DESKTOP_HEIGHT - 100) / 2;
 
+// The pixels of a box of the tip's size, row by row.
+std::vector<COLORREF> BoxAt(HDC hDC, int left, int top)
+{
+    std::vector<COLORREF> pixels;
+    for (int n = 0; n < 200 * 100; ++n)
+        pixels.push_back(GetPixel(hDC, left + n % 200, top + n / 200));
+    return pixels;
+}
+
+std::vector<COLORREF> SeenInTheBox()
+{
+    return BoxAt(test::Desktop(), kLeft, kTop);
+}
+
 // The bounds of what is more blue than yellow within the box.
 RECT TextBounds()
 {
-    const HDC desktop = GetDC(nullptr);
     RECT bounds{999, 999, -1, -1};
-    for (int y = 0; y < 100; ++y)
-        for (int x = 0; x < 200; ++x) {
-            const COLORREF clr = GetPixel(desktop, kLeft + x, kTop + y);
-            if (GetBValue(clr) < 128) continue;
-            bounds = {std::min(bounds.left, x), std::min(bounds.top, y), std::max(bounds.right, x + 1),
-                      std::max(bounds.bottom, y + 1)};
-        }
-    ReleaseDC(nullptr, desktop);
+    int n = 0;
+    for (const COLORREF clr : SeenInTheBox()) {
+        const int x = n % 200, y = n++ / 200;
+        if (GetBValue(clr) < 128) continue;
+        bounds = {std::min(bounds.left, x), std::min(bounds.top, y), std::max(bounds.right, x + 1),
+                  std::max(bounds.bottom, y + 1)};
+    }
     return bounds;
 }
 
@@ -36,7 +46,17 @@ struct Tip : testing::Test
 {
     static constexpr char kFace[] = "DejaVu Sans Mono";
 
-    Tip() { CKXLanResManager::GetSingletonPtr()->InsertString("IDS_DEF_FONT", kFace); }
+    Tip()
+    {
+        CKXLanResManager::GetSingletonPtr()->InsertString("IDS_DEF_FONT", kFace);
+        EXPECT_TRUE(tip.CreateTipWnd());
+    }
+    bool IsUpAfter(DWORD dwMilliseconds)
+    {
+        KXHost::AdvanceClock(dwMilliseconds);
+        Pump();
+        return tip.IsWindowVisible();
+    }
 
     test::VirtualClock clock{0, KXHost::VirtualSleep::Advances};
     CKXTipWnd tip;
@@ -82,25 +102,11 @@ std::vector<COLORREF> Letters(const char* pszText)
     for (int n = 0; n < 2; ++n)
         dc.DrawText(pszText, rc, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
     dc.SelectObject(pOld);
-    std::vector<COLORREF> pixels;
-    for (int y = 0; y < 100; ++y)
-        for (int x = 0; x < 200; ++x)
-            pixels.push_back(dc.GetPixel(x, y));
-    return pixels;
-}
-
-std::vector<COLORREF> SeenInTheBox()
-{
-    std::vector<COLORREF> pixels;
-    for (int y = 0; y < 100; ++y)
-        for (int x = 0; x < 200; ++x)
-            pixels.push_back(SeenAt(kLeft + x, kTop + y));
-    return pixels;
+    return BoxAt(dc, 0, 0);
 }
 
 TEST_F(Tip, DrawsInTenPointsOfTheLanguagesFaceOnTheYellow)
 {
-    tip.CreateTipWnd();
     tip.ShowTipWnd("Well done", 500);
     EXPECT_TRUE(SeenInTheBox() == Letters("Well done"));
     const HDC hDC = GetDC(tip.m_hWnd); // a paint alone draws the text, without the ground
@@ -142,7 +148,6 @@ TEST_F(Tip, StaysAboveOtherWindowsAndDisturbsNone)
     Pump();
     ASSERT_EQ(CWnd::GetFocus(), &own);
     ASSERT_EQ(SeenAt(kLeft, kTop), RGB(255, 255, 255));
-    tip.CreateTipWnd();
     for (int n = 0; n < 2; ++n) // anew, and while it is up
         tip.ShowTipWnd("text", 1000);
     EXPECT_EQ(own.m_nLosses, 0);
@@ -150,34 +155,27 @@ TEST_F(Tip, StaysAboveOtherWindowsAndDisturbsNone)
     EXPECT_EQ(SeenAt(kLeft, kTop), kYellow);
 }
 
-TEST_F(Tip, StaysAsLongAsTold)
+TEST_F(Tip, StaysAsLongAsToldThroughTheWrapOfTheTickCount)
 {
-    tip.CreateTipWnd();
-    tip.ShowTipWnd("text", 1000);
-    KXHost::AdvanceClock(999);
-    Pump();
-    EXPECT_TRUE(tip.IsWindowVisible()); // nine ticks
+    KXHost::AdvanceClock(0xFFFFFFFFu - GetTickCount() - 3500);
+    tip.ShowTipWnd("text", 1000); // ends behind the wrap
+    EXPECT_GT(GetTickCount(), 0xF0000000u);
+    EXPECT_TRUE(IsUpAfter(999)); // nine ticks
     const DWORD before = GetTickCount();
-    KXHost::AdvanceClock(1);
-    Pump(); // the tenth
+    EXPECT_LT(before, 0x10000000u);
+    EXPECT_FALSE(IsUpAfter(1)); // the tenth
     EXPECT_EQ(GetTickCount() - before, 3001u);
-    EXPECT_FALSE(tip.IsWindowVisible());
     EXPECT_EQ(SeenAt(kLeft, kTop), DESKTOP_COLOR);
     EXPECT_FALSE(tip.KillTimer(1)); // it killed that
 
     tip.ShowTipWnd("again", 0);
     EXPECT_TRUE(tip.IsWindowVisible());
-    KXHost::AdvanceClock(99);
-    Pump();
-    EXPECT_TRUE(tip.IsWindowVisible());
-    KXHost::AdvanceClock(1);
-    Pump();
-    EXPECT_FALSE(tip.IsWindowVisible());
+    EXPECT_TRUE(IsUpAfter(99));
+    EXPECT_FALSE(IsUpAfter(1));
 }
 
 TEST_F(Tip, ThatIsUpIsReplaced)
 {
-    tip.CreateTipWnd();
     tip.ShowTipWnd("i", 1000);
     const RECT narrow = TextBounds();
     KXHost::AdvanceClock(900);
@@ -191,35 +189,15 @@ TEST_F(Tip, ThatIsUpIsReplaced)
     EXPECT_LT(wide.bottom - wide.top, 20);
 
     Pump(); // the timer went on meanwhile, but the time runs anew
-    KXHost::AdvanceClock(900);
-    Pump();
-    EXPECT_TRUE(tip.IsWindowVisible());
-    KXHost::AdvanceClock(100);
-    Pump();
-    EXPECT_FALSE(tip.IsWindowVisible());
+    EXPECT_TRUE(IsUpAfter(900));
+    EXPECT_FALSE(IsUpAfter(100));
     KXHost::AdvanceClock(5000);
     MSG msg;
     EXPECT_FALSE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)); // there was no second timer
 }
 
-TEST_F(Tip, LivesThroughTheWrapOfTheTickCount)
-{
-    tip.CreateTipWnd();
-    KXHost::AdvanceClock(0xFFFFFFFFu - GetTickCount() - 3500);
-    tip.ShowTipWnd("text", 1000); // ends behind the wrap
-    EXPECT_GT(GetTickCount(), 0xF0000000u);
-    KXHost::AdvanceClock(900);
-    Pump();
-    EXPECT_LT(GetTickCount(), 0x10000000u);
-    EXPECT_TRUE(tip.IsWindowVisible());
-    KXHost::AdvanceClock(100);
-    Pump();
-    EXPECT_FALSE(tip.IsWindowVisible());
-}
-
 TEST_F(Tip, HandsTheFocusBack)
 {
-    tip.CreateTipWnd();
     CWnd own;
     own.CreateEx(0, AfxRegisterWndClass(0), "", WS_POPUP | WS_VISIBLE, CRect(0, 0, 1, 1), nullptr, 0);
     ASSERT_EQ(CWnd::GetFocus(), &own);
@@ -235,7 +213,6 @@ TEST_F(Tip, HandsTheFocusBack)
 
 TEST_F(Tip, LeavesAlienTimersAndEndsItsOwn)
 {
-    tip.CreateTipWnd();
     tip.ShowTipWnd("text", 0);
     tip.SendMessage(WM_TIMER, 2);
     EXPECT_TRUE(tip.IsWindowVisible());
@@ -246,15 +223,12 @@ TEST_F(Tip, LeavesAlienTimersAndEndsItsOwn)
     tip.ShowTipWnd("text", 0); // without a window nothing happens
     ASSERT_TRUE(tip.CreateTipWnd());
     tip.ShowTipWnd("text", 0); // with a new one it runs as before
-    KXHost::AdvanceClock(100);
-    Pump();
-    EXPECT_FALSE(tip.IsWindowVisible());
+    EXPECT_FALSE(IsUpAfter(100));
 }
 
 TEST_F(Tip, PaintsTheTextWithoutFillingAndRestoresTheSurface)
 {
     const test::Paper paper(200, 100, 'W');
-    tip.CreateTipWnd();
     const HGDIOBJ hFont = GetStockObject(SYSTEM_FONT);
     SetTextColor(paper, test::ColorOf('R'));
     EXPECT_EQ(tip.OnEraseBkgnd(CDC::FromHandle(paper)), 1);

@@ -1,5 +1,6 @@
 #include "KXTransparentWnd.h"
 
+#include "tests/support/CopyList.h"
 #include "tests/support/Desktop.h"
 #include "tests/support/Test.h"
 
@@ -17,11 +18,10 @@ public:
 
     void Paint(COLORREF clrEven, COLORREF clrOdd) const
     {
-        const HDC desktop = GetDC(nullptr);
+        const test::Desktop desktop;
         for (int x = m_rect.left; x < m_rect.right; ++x)
             CDC::FromHandle(desktop)->FillSolidRect(x, m_rect.top, 1, m_rect.bottom - m_rect.top,
                                                     x % 2 ? clrOdd : clrEven);
-        ReleaseDC(nullptr, desktop);
     }
 
 private:
@@ -42,21 +42,14 @@ TEST(Transparent, ShowsTheScreenBelowItselfOutlined)
     Create(wnd, CRect(20, 30, 140, 90));
     wnd.ShowWindow(SW_SHOWNA);
     EXPECT_EQ(SeenRow(18, 30, 6), "GMGMGM"); // nothing of its own is seen before it has painted
-    std::vector<KXHost::CopyRecord> copies;
-    KXHost::SetCopyObserver([&](const KXHost::CopyRecord& copy) { copies.push_back(copy); });
+    test::CopyList copies;
     Pump();
-    KXHost::SetCopyObserver({});
+    EXPECT_THAT(copies.Take(), // its own rectangle of the desktop, and its copy
+                testing::ElementsAre("0,0 120x60 from 20,30", "0,0 120x60 from 0,0"));
     EXPECT_EQ(SeenRow(18, 30, 6), "GM....");
     EXPECT_EQ(SeenRow(18, 31, 6), "GM.MGM");
     EXPECT_EQ(SeenRow(136, 88, 6), "GMG.GM");
     EXPECT_EQ(SeenRow(136, 89, 6), "....GM");
-    ASSERT_EQ(copies.size(), 2u); // its own rectangle of the desktop, and its copy
-    const auto block = [](const KXHost::CopyRecord& c) {
-        return std::vector{c.x, c.y, c.cx, c.cy, c.xSrc, c.ySrc};
-    };
-    EXPECT_EQ(block(copies[0]), (std::vector{0, 0, 120, 60, 20, 30}));
-    EXPECT_EQ(block(copies[1]), (std::vector{0, 0, 120, 60, 0, 0}));
-    EXPECT_EQ(copies[1].hSrc, copies[0].hDst);
 }
 
 // Its white-on-screen notice, letter by letter: "开始听写！" in code page 936, in the default font.
@@ -66,7 +59,7 @@ TEST(Transparent, ShowsTheNotice)
     const Stripes stripes({20, 30, 140, 90});
     const test::Paper paper(120, 60);
     CDC& dc = *CDC::FromHandle(paper);
-    const HDC desktop = GetDC(nullptr);
+    const test::Desktop desktop;
     BitBlt(paper, 0, 0, 120, 60, desktop, 20, 30, SRCCOPY);
     CRect rc(0, 0, 120, 60);
     CGdiObject* pOld = dc.SelectStockObject(NULL_BRUSH);
@@ -80,7 +73,6 @@ TEST(Transparent, ShowsTheNotice)
     for (int y = 0; y < 60; ++y)
         for (int x = 0; x < 120; ++x)
             ASSERT_EQ(GetPixel(desktop, 20 + x, 30 + y), dc.GetPixel(x, y)) << x << "," << y;
-    ReleaseDC(nullptr, desktop);
 }
 
 TEST(Transparent, TakesTheCopyAnewAtEachPaintAndTheSizeAtEachShow)
