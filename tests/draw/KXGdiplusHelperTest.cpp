@@ -61,9 +61,10 @@ TEST_F(GdiplusHelper, RoundCornersLeaveTheSurfacesTools)
     const HGDIOBJ hPen = SelectObject(canvas, static_cast<HPEN>(pen));
     const HGDIOBJ hBrush = SelectObject(canvas, static_cast<HBRUSH>(brush));
     const CRect rc(2, 1, 22, 11);
-    const test::Scoped<HRGN> inside(CreateRoundRectRgn(rc.left, rc.top, rc.right, rc.bottom, 8, 6));
+    const test::Scoped<HRGN> inside(CreateRoundRectRgn(rc.left, rc.top, rc.right, rc.bottom, 12, 4));
     for (const int bBorder : {0, 1}) {
-        CKXGdiplusHelper::DrawGradientRoundRect(canvas, 0, RGB(250, 0, 0), rc, 8, 6, bBorder, RGB(0, 255, 0));
+        CKXGdiplusHelper::DrawGradientRoundRect(canvas, 0, RGB(250, 0, 0), rc, 12, 4, bBorder,
+                                                RGB(0, 255, 0));
         for (int y = 0; y < 12; ++y)
             for (int x = 0; x < 24; ++x)
                 EXPECT_EQ(IsBlue(GetPixel(canvas, x, y)), !PtInRegion(inside, x, y)) << x << "," << y;

@@ -73,7 +73,7 @@ TEST_F(GdiplusImage, RendersAtAPlaceOrIntoARectangle)
     Load({"RR", "RR"});
     EXPECT_EQ(Drawn([&] { image.Render(&dc, CRect()); }), Block(0, 0, 2, 2)); // all 0: natural
     EXPECT_EQ(Drawn([&] { image.Render(graphics, CRect()); }), Block(0, 0, 2, 2));
-    EXPECT_EQ(Drawn([&] { image.Render(graphics, CPoint(-1, -1)); }), Block(0, 0, 1, 1));
+    EXPECT_EQ(Drawn([&] { image.Render(graphics, CPoint(-1, 2)); }), Block(0, 2, 1, 4));
     EXPECT_EQ(Drawn([&] { image.Render(&dc, CRect(2, 1, 6, 4)); }), Block(2, 1, 6, 4));
     EXPECT_EQ(Drawn([&] { image.Render(&dc, CRect(0, 0, 0, 5)); }), Block(0, 0, 0, 0));
     image.Render(static_cast<CDC*>(nullptr), CRect());
@@ -115,7 +115,7 @@ TEST_F(GdiplusImage, GivesItselfAsJpegAndInGrey)
     BYTE* pData = nullptr;
     int nSize = -1;
     for (const auto& [letter, nGrey] : cases) {
-        Load(Plain(16, 8, letter));
+        Load(Plain(8, 4, letter));
         EXPECT_EQ(image.SaveGrayPic(dir.Win("grey.png")), 1);
         EXPECT_THAT(dir.Read("grey.png"), testing::StartsWith("\xFF\xD8")); // whatever the name says
         image.Load(dir.Win("grey.png"));
@@ -123,9 +123,9 @@ TEST_F(GdiplusImage, GivesItselfAsJpegAndInGrey)
         EXPECT_EQ(std::string(reinterpret_cast<char*>(pData), 2), "\xFF\xD8");
         EXPECT_EQ(image.Load(pData, static_cast<unsigned long>(nSize)), 1);
         delete[] pData;
-        EXPECT_EQ(image.GetImageSize(), CSize(16, 8));
+        EXPECT_EQ(image.GetImageSize(), CSize(8, 4));
         Drawn([&] { image.Render(&dc, CRect()); });
-        const COLORREF clr = dc.GetPixel(4, 3);
+        const COLORREF clr = dc.GetPixel(7, 3);
         for (const int nChannel : {GetRValue(clr), GetGValue(clr), GetBValue(clr)})
             EXPECT_NEAR(nChannel, nGrey, 2) << letter;
     }
