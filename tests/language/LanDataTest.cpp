@@ -15,6 +15,11 @@ struct LanData : testing::Test
         ASSERT_EQ(lans->SetCurrentLan("L", 0), 1);
     }
     std::string Get(const char* pszKey) { return lans->GetString(pszKey).GetString(); }
+    void ExpectTexts(const std::vector<std::pair<const char*, const char*>>& texts)
+    {
+        for (const auto& [pszKey, pszText] : texts)
+            EXPECT_EQ(Get(pszKey), pszText) << pszKey;
+    }
 
     test::LanguageTree tree;
     CKXLanResManager* lans = (test::AppDir(), CKXLanResManager::GetSingletonPtr());
@@ -33,17 +38,10 @@ TEST_F(LanData, ReadsLinesOfKeyAndValue)
          std::string(50'000, 'x') +
          "\n"
          "last=without an end");
-    EXPECT_EQ(Get("a"), "b=c");
-    EXPECT_EQ(Get(""), "empty key");
-    EXPECT_EQ(Get("k"), "");
-    EXPECT_EQ(Get("padded"), "v v");
-    EXPECT_EQ(Get("[Section]"), "[Section]");
-    EXPECT_EQ(Get("; note"), "text");
-    EXPECT_EQ(Get("dup"), "first");
-    EXPECT_EQ(Get("DUP"), "other");
+    ExpectTexts({{"a", "b=c"}, {"", "empty key"}, {"k", ""}, {"padded", "v v"}, {"[Section]", "[Section]"}});
+    ExpectTexts(
+        {{"; note", "text"}, {"dup", "first"}, {"DUP", "other"}, {"last", "without an end"}, {" a", " a"}});
     EXPECT_EQ(Get("long").size(), 50'000u);
-    EXPECT_EQ(Get("last"), "without an end");
-    EXPECT_EQ(Get(" a"), " a");
 }
 
 TEST_F(LanData, ReplacesEscapesInValuesAlone)
@@ -51,13 +49,8 @@ TEST_F(LanData, ReplacesEscapesInValuesAlone)
     Load("crlf=1\\r\\n2\nlf=1\\n2\\n\ntab=1\\t2\nback=\\\\n\nr=\\r\\\n"
          "k\\n=v\n"
          "gbk=\x95\x5Cn\x95\x5C\\t\n"); // a letter whose second byte is a backslash
-    EXPECT_EQ(Get("crlf"), "1\r\n2");
-    EXPECT_EQ(Get("lf"), "1\r\n2\r\n");
-    EXPECT_EQ(Get("tab"), "1\t2");
-    EXPECT_EQ(Get("back"), "\\\r\n");
-    EXPECT_EQ(Get("r"), "\\r\\");
-    EXPECT_EQ(Get("k\\n"), "v");
-    EXPECT_EQ(Get("gbk"), "\x95\x5Cn\x95\x5C\t");
+    ExpectTexts({{"crlf", "1\r\n2"}, {"lf", "1\r\n2\r\n"}, {"tab", "1\t2"}, {"back", "\\\r\n"}});
+    ExpectTexts({{"r", "\\r\\"}, {"k\\n", "v"}, {"gbk", "\x95\x5Cn\x95\x5C\t"}});
 }
 
 TEST_F(LanData, TextsByHandNeverOverwriteAndEndWithTheLanguage)
