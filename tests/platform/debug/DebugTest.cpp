@@ -4,8 +4,10 @@
 #include "include/platform/Error.h"
 #include "include/platform/Module.h"
 #include "internal/Debug.h"
+#include "tests/platform/xml/Numbered.h"
 #include "tests/support/BmpBuilder.h"
 #include "tests/support/Com.h"
+#include "tests/support/GdiPlus.h"
 #include "tests/support/ScriptedManager.h"
 #include "tests/support/Test.h"
 
@@ -157,28 +159,44 @@ TEST(Debug, StandardErrorOnDemandToTheLastStatic)
     }
 }
 
-void LoadPicture(const CString& strPath)
+std::string Heard(const std::function<void()>& work)
 {
-    CKXGdiplusImage image;
-    image.Load(strPath);
+    const test::DebugText heard(true);
+    work();
+    return heard.Text();
 }
-
-void LoadFile(const CString& strPath)
+std::string HeardOfXml(const std::string& xml)
+{
+    return Heard([&] { CKXXmlDomDocument().LoadXml(xml.c_str()); });
+}
+std::string HeardOfPicture(const CString& strPath)
+{
+    return Heard([&] { CKXGdiplusImage().Load(strPath); });
+}
+std::string HeardOfImage(const CString& strPath)
 {
     const std::string_view path = strPath;
-    const Gdiplus::Image image(std::u16string(path.begin(), path.end()).c_str());
+    return Heard([&] { const Gdiplus::Image image(std::u16string(path.begin(), path.end()).c_str()); });
 }
 
-void LoadXml(const char* pszXml)
+TEST(Diagnostics, SayWhyADocumentIsRefused)
 {
+    const std::string empty = "; the document stays empty\n";
+    EXPECT_EQ(Heard([] { CKXXmlDomDocument(); }),
+              "xml: CoInitialize was not called on this thread; there is no document\n");
     const test::Com com;
-    CKXXmlDomDocument().LoadXml(pszXml);
+    EXPECT_EQ(HeardOfXml("<a>\n<b></c>\n</a></d>"), // not the last fault, which follows from the first
+              "xml: a text is refused at line 2: Opening and ending tag mismatch: b line 2 and c" + empty);
+    EXPECT_EQ(HeardOfXml("<a>" + std::string(300, '<') + "</a>"),
+              "xml: a text is refused at line 1: StartTag: invalid element name" + empty);
+    EXPECT_EQ(HeardOfXml(test::Numbered(300, "<a>")),
+              "xml: a text is refused: it goes beyond a limit" + empty);
+    EXPECT_EQ(Heard([] { CKXXmlDomDocument().Load("C:\\none.xml"); }),
+              "xml: C:\\none.xml can't be read" + empty);
 }
 
-const std::string kEmpty = "; the document stays empty\n";
-
-// Each case makes a family tell something and names the line. A line that is told once is asked for twice.
-TEST(Diagnostics, SayWhatWasLookedForAndWhatIsTakenInstead)
+// A line that is told once is asked for twice.
+TEST(Diagnostics, SayWhatIsWrongWithAFileAndWhatIsTakenInstead)
 {
     KXHost::UseMemoryDesktop();
     CKXLogSys::GetSingletonPtr(); // sends a line of its own
@@ -195,65 +213,35 @@ TEST(Diagnostics, SayWhatWasLookedForAndWhatIsTakenInstead)
     };
     const char* const pszNone = "it is no picture of a known format";
     const char* const pszNoImage = "JPEG datastream contains no image";
-    const Gdiplus::GdiplusStartupInput input;
-    std::uintptr_t nToken = 0;
+
+    EXPECT_EQ(HeardOfPicture(strText),
+              "picture: GdiplusStartup was not called, or ended; no picture and no gradient is drawn\n");
+    EXPECT_EQ(HeardOfPicture(strText), "");
+    EXPECT_EQ(HeardOfPicture("C:\\none.png"),
+              "picture: C:\\none.png can't be opened; there is no new picture\n");
+    const test::GdiPlus gdiPlus;
+    EXPECT_EQ(HeardOfImage(strText), refused(strText, pszNone));
+    EXPECT_EQ(HeardOfPicture(strText), refused(strText, pszNone));
+    EXPECT_EQ(HeardOfPicture(strBmp), ""); // nor is a look at its head told of
+    EXPECT_EQ(HeardOfImage(strPng), refused(strPng, "its content is damaged"));
+    EXPECT_EQ(HeardOfPicture(strJpeg), refused(strJpeg, pszNoImage));
+    EXPECT_EQ(HeardOfImage(strJpeg), refused(strJpeg, pszNoImage));
+    EXPECT_EQ(
+        Heard([&] { CKXBitmap().LoadBitmapA(strText); }),
+        std::string("picture: " + strText + " can't be read as a BMP file; nothing is drawn from it\n"));
+    EXPECT_EQ(Heard([] { LoadLibraryA("C:\\none.so"); }),
+              "module: C:\\none.so can't be opened; there is no module\n");
+    EXPECT_EQ(Heard([&] { LoadLibraryA(strText); }),
+              std::string("module: " + strText + " is no bundle of resources; there is no module\n"));
+    EXPECT_EQ(Heard([] { CKXLogSys::GetSingletonPtr()->Initialize("C:\\none\\a.log"); }),
+              "log: C:\\none\\a.log can't be opened; lines wait until there is a log\n");
+
     const auto manager = std::make_shared<test::ScriptedManager>();
     manager->errors["manager"] = ERROR_ACCESS_DENIED;
-
-    const std::pair<std::function<void()>, std::string> cases[] = {
-        {[] { CKXXmlDomDocument(); },
-         "xml: CoInitialize was not called on this thread; there is no document\n"},
-        {[] { LoadXml("<a>\n<b></c>\n</a></d>"); }, // not the last fault, which follows from the first
-         "xml: a text is refused at line 2: Opening and ending tag mismatch: b line 2 and c" + kEmpty},
-        {[] { LoadXml(("<a>" + std::string(300, '<') + "</a>").c_str()); },
-         "xml: a text is refused at line 1: StartTag: invalid element name" + kEmpty},
-        {[] {
-             std::string xml;
-             for (int n = 0; n < 300; ++n)
-                 xml += "<a>";
-             LoadXml(xml.c_str());
-         },
-         "xml: a text is refused: it goes beyond a limit" + kEmpty},
-        {[] {
-             const test::Com com;
-             CKXXmlDomDocument().Load("C:\\none.xml");
-         },
-         "xml: C:\\none.xml can't be read" + kEmpty},
-        {[&] { LoadPicture(strText); },
-         "picture: GdiplusStartup was not called, or ended; no picture and no gradient is drawn\n"},
-        {[&] { LoadPicture(strText); }, ""},
-        {[&] { LoadPicture("C:\\none.png"); },
-         "picture: C:\\none.png can't be opened; there is no new picture\n"},
-        {[&] {
-             Gdiplus::GdiplusStartup(&nToken, &input, nullptr);
-             LoadFile(strText);
-         },
-         refused(strText, pszNone)},
-        {[&] { LoadPicture(strText); }, refused(strText, pszNone)},
-        {[&] { LoadPicture(strBmp); }, ""}, // nor is a look at its head told of
-        {[&] { LoadFile(strPng); }, refused(strPng, "its content is damaged")},
-        {[&] { LoadPicture(strJpeg); }, refused(strJpeg, pszNoImage)},
-        {[&] { LoadFile(strJpeg); }, refused(strJpeg, pszNoImage)},
-        {[&] { CKXBitmap().LoadBitmapA(strText); },
-         std::string("picture: " + strText + " can't be read as a BMP file; nothing is drawn from it\n")},
-        {[] { LoadLibraryA("C:\\none.so"); }, "module: C:\\none.so can't be opened; there is no module\n"},
-        {[&] { LoadLibraryA(strText); },
-         std::string("module: " + strText + " is no bundle of resources; there is no module\n")},
-        {[&] {
-             KXHost::SetServiceManager(manager);
-             OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CONNECT);
-             KXHost::SetServiceManager(nullptr);
-         },
-         "service: the manager of services can't be opened (error 5)\n"},
-        {[] { CKXLogSys::GetSingletonPtr()->Initialize("C:\\none\\a.log"); },
-         "log: C:\\none\\a.log can't be opened; lines wait until there is a log\n"},
-    };
-    for (const auto& [work, line] : cases) {
-        const test::DebugText heard(true);
-        work();
-        EXPECT_EQ(heard.Text(), line);
-    }
-    Gdiplus::GdiplusShutdown(nToken);
+    KXHost::SetServiceManager(manager);
+    EXPECT_EQ(Heard([] { OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CONNECT); }),
+              "service: the manager of services can't be opened (error 5)\n");
+    KXHost::SetServiceManager(nullptr);
 }
 
 } // namespace

@@ -6,10 +6,7 @@
 
 namespace {
 
-using test::CompileBundle;
-using test::LinkedIn;
-using test::Resources;
-using test::TempDir;
+using namespace test;
 
 std::string BytesOf(HMODULE hModule, const char* pszName, const char* pszType)
 {
@@ -28,7 +25,7 @@ std::string StringOf(HMODULE hModule, UINT nId, int nSize = 64)
 }
 
 // A bundle of these resources, open as a module.
-class OpenModule : test::Fixed
+class OpenModule : Fixed
 {
 public:
     explicit OpenModule(const Resources& resources, bool compressed = false)
@@ -185,7 +182,7 @@ TEST(StringTable, ComesInTheCodePageAndFitsTheBuffer)
         {936, 65536, 64, "wide"},
     };
     for (const auto& [codePage, id, size, text] : cases) {
-        const test::CodePage page(codePage);
+        const CodePage page(codePage);
         EXPECT_EQ(StringOf(module, id, size), text) << id << " into " << size;
     }
     char untouched = '#';
@@ -236,7 +233,7 @@ TEST(Module, LyingBundlesGiveNothing)
         return LoadLibraryA(dir.Win("bundle"));
     };
     const TempDir dir;
-    const std::string plain = test::ReadFile(CompileBundle(dir, {{"T/A", "content"}}));
+    const std::string plain = ReadFile(CompileBundle(dir, {{"T/A", "content"}}));
     const std::size_t value = plain.find("content") - 8, size = 8 + 8 + 7; // 8 + content and 0 + type
     const std::size_t slice = plain.find(u32(value) + u32(value + size));
     ASSERT_NE(slice, plain.npos);
@@ -269,7 +266,7 @@ TEST(Module, LyingBundlesGiveNothing)
         .replace(slice + 4, 4, u32(value + 15));
     EXPECT_EQ(open(empty), nullptr);
 
-    const std::string packed = test::ReadFile(CompileBundle(dir, {{"T/A", std::string(900, 'b')}}, true));
+    const std::string packed = ReadFile(CompileBundle(dir, {{"T/A", std::string(900, 'b')}}, true));
     const std::size_t length = packed.find(u32(900) + u32(1));
     ASSERT_NE(length, packed.npos);
     for (const std::size_t lie : {std::size_t{0}, std::size_t{899}, std::size_t{901}}) {
@@ -288,7 +285,7 @@ TEST(Module, DamagedBundlesAreHarmless)
     g_log_set_always_fatal(static_cast<GLogLevelFlags>(-1 & ~3));
     for (const bool compressed : {false, true}) {
         const TempDir dir;
-        const std::string sound = test::ReadFile(CompileBundle(
+        const std::string sound = ReadFile(CompileBundle(
             dir, {{"T/A", "content"}, {"T/B", std::string(50, 'b')}, {"STRING/1", "x"}}, compressed));
         const auto use = [&](const std::string& bundle) {
             dir.Write("bundle", bundle);
@@ -317,7 +314,7 @@ TEST(Module, ThreadsMayLoadFindAndFreeAtOnce)
     CompileBundle(dir, {{"T/A", "content"}, {"STRING/1", "text"}});
     const OpenModule common(Resources{{"T/A", "common"}});
     const int before = KXHost::LiveHandles();
-    test::RunThreads(4, [&](int) {
+    RunThreads(4, [&](int) {
         for (int i = 0; i < 50; ++i) {
             const HMODULE module = LoadLibraryA(dir.Win("bundle"));
             EXPECT_EQ(BytesOf(module, "A", "T"), "content");

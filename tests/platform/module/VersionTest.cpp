@@ -9,11 +9,7 @@
 
 namespace {
 
-using test::ElfImage;
-using test::Image;
-using test::PeFields;
-using test::PeImage;
-using test::TempDir;
+using namespace test;
 
 std::string Numbers(const VS_FIXEDFILEINFO& info)
 {
@@ -141,11 +137,11 @@ TEST(FileVersion, LyingElfHeadersGiveNone)
         {entry + 32, 8, 59},    // the note is cut short
         {0x100, 4, 0xFFFFFFFF}, // a name of 4 GiB
         {0x104, 4, 0xFFFFFFFD},
-        {test::kElfNote, 4, 9},
-        {test::kElfNote + 4, 4, 12},
-        {test::kElfNote + 8, 4, 2},
-        {test::kElfNote + 12, 1, 'k'},
-        {test::kElfNote + 24, 4, 0x10000}, // no 16-bit number
+        {kElfNote, 4, 9},
+        {kElfNote + 4, 4, 12},
+        {kElfNote + 8, 4, 2},
+        {kElfNote + 12, 1, 'k'},
+        {kElfNote + 24, 4, 0x10000}, // no 16-bit number
     };
     for (const auto& [place, width, value] : lies) {
         Image image = ElfImage();

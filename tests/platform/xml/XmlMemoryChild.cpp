@@ -110,6 +110,11 @@ int FailEach(const std::string& path)
     int nWrong = 0;
     long nAll = 0;
     for (long n = 0;; ++n) {
+        const auto check = [&](bool bRight, const char* pszWrong) {
+            if (bRight) return;
+            std::printf("%ld: %s\n", n, pszWrong);
+            ++nWrong;
+        };
         WriteAll(path, kOld);
         const long nLive = g_nLive;
         g_nFailed = 0;
@@ -121,21 +126,14 @@ int FailEach(const std::string& path)
             e->Delete();
         } catch (...) {
             g_nLeft = -1;
-            std::printf("%ld: another exception\n", n);
-            ++nWrong;
+            check(false, "another exception");
         }
         g_nLeft = -1;
-        if (g_nLive > nLive) {
-            std::printf("%ld: %ld blocks left\n", n, g_nLive - nLive);
-            ++nWrong;
-        }
+        check(g_nLive <= nLive, "blocks are left");
         const std::string now = ReadAll(path);
-        if (now != fresh && now != kOld) {
-            std::printf("%ld: the file is neither the old nor the new one (%zu bytes)\n", n, now.size());
-            ++nWrong;
-        }
+        check(now == fresh || now == kOld, "the file is neither the old nor the new one");
         if (g_nFailed == 0) { // beyond the last one
-            if (!bSaved || now != fresh) ++nWrong;
+            check(bSaved && now == fresh, "the new file isn't saved");
             break;
         }
         ++nAll;
