@@ -54,6 +54,7 @@ TEST_F(Object, OfAnotherClassServesNoOperation)
     EXPECT_EQ(FillRect(paper, &rect, reinterpret_cast<HBRUSH>(HRGN{region})), 0);
     EXPECT_EQ(FillRgn(paper, reinterpret_cast<HRGN>(HBRUSH{brush}), brush), 0);
     EXPECT_EQ(GetPixel(reinterpret_cast<HDC>(HBRUSH{brush}), 0, 0), CLR_INVALID);
+    EXPECT_EQ(SetPixel(reinterpret_cast<HDC>(HBRUSH{brush}), 0, 0, 0), CLR_INVALID);
     EXPECT_EQ(SelectObject(paper, HDC{paper}), nullptr);
     EXPECT_EQ(DeleteObject(HDC{paper}), 0);
     EXPECT_EQ(GetObjectA(HDC{paper}, 0, nullptr), 0);

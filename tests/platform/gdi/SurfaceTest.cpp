@@ -93,19 +93,6 @@ TEST_F(Surface, BitmapsHaveASizeWithinBounds)
     EXPECT_NE(tall, nullptr);
 }
 
-TEST_F(Surface, PixelsOutsideAreNone)
-{
-    const Paper paper({"RG", "BW"});
-    EXPECT_EQ(Read(paper, -1, -1, 3, 3), (Picture{"    ", " RG ", " BW ", "    "}));
-    for (const int n : {-1, 2, INT_MAX, INT_MIN}) {
-        EXPECT_EQ(SetPixel(paper, n, 0, 0), CLR_INVALID);
-        EXPECT_EQ(GetPixel(paper, 0, n), CLR_INVALID);
-        EXPECT_EQ(GetPixel(paper, n, n), CLR_INVALID);
-    }
-    EXPECT_EQ(GetPixel(nullptr, 0, 0), CLR_INVALID);
-    EXPECT_EQ(SetPixel(nullptr, 0, 0, 0), CLR_INVALID);
-}
-
 TEST_F(Surface, ClipsToACopyOfARegionWhateverItsBitmap)
 {
     const Paper paper(4, 3, 'W');

@@ -1,5 +1,3 @@
-#include "include/platform/Dc.h"
-#include "include/platform/Window.h"
 #include "tests/platform/gdiplus/Sheet.h"
 
 using namespace test;
@@ -120,26 +118,6 @@ TEST_F(Draw, PiecesUnderAClipOfManyRectanglesMakeTheWhole)
         SelectClipRgn(paper, nullptr);
         EXPECT_EQ(paper.Read(), expected) << bFill;
     }
-}
-
-TEST_F(Draw, DrawsOnAWindowFromItsCorner)
-{
-    Sheet dots(2, {0xFFFF0000, 0xFF00FF00}, PixelFormat32bppRGB);
-    const WNDCLASSA wndClass{DefWindowProcA, "Drawing"};
-    RegisterClassA(&wndClass);
-    const HWND hWnd = CreateWindowExA(0, "Drawing", "", WS_POPUP, 5, 7, 3, 2);
-    const HDC desktop = GetDC(nullptr);
-    ShowWindow(hWnd, SW_SHOWNA);
-    const HDC window = GetDC(hWnd);
-    Graphics graphics(window);
-    EXPECT_EQ(graphics.DrawImage(&dots.bitmap, 1, 1), Ok);
-    EXPECT_EQ(graphics.DrawImage(&dots.bitmap, 2, 0), Ok);
-    ReleaseDC(hWnd, window);
-    EXPECT_EQ(Read(desktop, 4, 7, 9, 9), (Picture{"?..R?", "?.RG?"}));
-    EXPECT_EQ(graphics.DrawImage(&dots.bitmap, 0, 0), Win32Error);
-    ReleaseDC(nullptr, desktop);
-    DestroyWindow(hWnd);
-    UnregisterClassA("Drawing");
 }
 
 TEST_F(Draw, DrawsAPictureOnItself)
