@@ -1,5 +1,7 @@
 #include "platform/window/x11/Connection.h"
 
+#include "platform/gdi/Rect.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -92,8 +94,8 @@ RECT Primary(xcb_connection_t* connection, xcb_window_t root, SIZE screen)
     for (auto it = xcb_randr_get_monitors_monitors_iterator(reply.get()); it.rem > 0;
          xcb_randr_monitor_info_next(&it)) {
         const auto& info = *it.data;
-        if (info.width > 0 && info.height > 0 && (bFirst || info.primary))
-            found = {info.x, info.y, info.x + info.width, info.y + info.height};
+        const RECT monitor{info.x, info.y, info.x + info.width, info.y + info.height};
+        if (!gdi::IsEmpty(monitor) && (bFirst || info.primary)) found = monitor;
         bFirst = false;
         if (info.primary) break;
     }
@@ -250,7 +252,7 @@ std::size_t Connection::MostRequestBytes() const noexcept
 {
     constexpr std::size_t nHead = 64;
     const std::size_t nMost = std::size_t{xcb_get_maximum_request_length(Get())} * 4;
-    return nMost > nHead ? nMost - nHead : 0;
+    return std::max(nMost, nHead) - nHead;
 }
 
 void Connection::Shut() noexcept

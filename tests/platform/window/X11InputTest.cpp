@@ -5,6 +5,7 @@
 #include "tests/support/Host.h"
 
 #include <gmock/gmock.h>
+#include <set>
 
 namespace {
 
@@ -98,9 +99,10 @@ TEST_F(X11InputTest, KeysAreHeardByWhoHasTheFocus)
     expect({{0xFF51, 37, 0}, {0xFF63, 45, 0}, {';', 186, 59}, {'\'', 222, 39}});
     expect({{0xFFE5, 20, 0}, {'a', 65, 65}});
     EXPECT_EQ(GetKeyState(VK_CAPITAL) & 1, 1);
-    // Caps Lock again, and the number block's 7 and 1; with Num Lock its 7, and without its plus, and F5.
+    // Caps Lock again, and the number block's 7 and 1; with Num Lock its 7 and point, and without its plus,
+    // and F5.
     expect({{0xFFE5, 20, 0}, {0xFF95, 36, 0}, {0xFF9C, 35, 0}, {0xFF7F, 144, 0}});
-    expect({{0xFF95, 103, 55}, {0xFF7F, 144, 0}, {0xFFAB, 107, 43}, {0xFFC2, 116, 0}});
+    expect({{0xFF95, 103, 55}, {0xFF9F, 110, 46}, {0xFF7F, 144, 0}, {0xFFAB, 107, 43}, {0xFFC2, 116, 0}});
     EXPECT_THAT(other.heard, testing::Not(HasSubstr("key")));
 }
 
@@ -108,15 +110,15 @@ TEST_F(X11InputTest, CharactersComeInTheCodePageAlsoOfSeveralKeys)
 {
     ColorWindow window(kRed, {0, 0, 100, 100});
     ShowSeen(window, kRed, 50, 50);
-    const xcb_keycode_t key = outside->Assign(0x01000000 + 0x4E2D); // U+4E2D, which has no number as a key
+    const xcb_keycode_t key = outside->Assign({0x01000000 + 0x4E2D}); // U+4E2D, which has no number as a key
     EXPECT_EQ(Hear(window, "208", [&] { outside->Type(key); }), "char 214 1,0;char 208 1,0;");
-    const xcb_keycode_t dead = outside->Assign(0xFE51); // the acute accent
+    const xcb_keycode_t dead = outside->Assign({0xFE51}); // the acute accent
     const std::string accented = Hear(window, "keyup 69", [&] {
         outside->Type(dead);
         outside->TypeSymbol('e');
     });
     EXPECT_EQ(accented, "key 69 1,0;char 168 1,0;char 166 1,0;keyup 69 1,0;");
-    const xcb_keycode_t compose = outside->Assign(0xFF20);
+    const xcb_keycode_t compose = outside->Assign({0xFF20});
     const CodePage utf8(CP_UTF8);
     EXPECT_EQ(Hear(window, "173", [&] { outside->Type(key); }), "char 228 1,0;char 184 1,0;char 173 1,0;");
     const std::string composed = Hear(window, "keyup 69", [&] {
@@ -126,6 +128,18 @@ TEST_F(X11InputTest, CharactersComeInTheCodePageAlsoOfSeveralKeys)
     });
     EXPECT_THAT(composed, HasSubstr("key 69 1,0;char 195 1,0;char 169 1,0;"));
     EXPECT_THAT(composed, testing::Not(HasSubstr("char 39")));
+}
+
+TEST_F(X11InputTest, AKeyKeepsItsNumberInALayoutOfOtherLetters)
+{
+    ColorWindow window(kRed, {0, 0, 100, 100});
+    ShowSeen(window, kRed, 50, 50);
+    const xcb_keycode_t letter = outside->Assign({'q', 'Q', 0x6CA, 0x6EA}); // in the second one U+0439
+    const xcb_keycode_t next = outside->Assign({0xFE08});                   // the next layout
+    const auto type = [&] { return Hear(window, "keyup", [&] { outside->Type(letter); }); };
+    EXPECT_EQ(type(), "key 81 1,0;char 113 1,0;keyup 81 1,0;");
+    outside->Type(next);
+    EXPECT_EQ(type(), "key 81 1,0;char 167 1,0;char 219 1,0;keyup 81 1,0;");
 }
 
 TEST_F(X11InputTest, AHeldKeyRepeats)
@@ -163,6 +177,21 @@ TEST_F(X11InputTest, TheMouseIsCapturedAndHeardToLeave)
     Hear(second, "move 0 -140,60", [&] { outside->MoveMouse(60, 60); });
     EXPECT_THAT(Hear(second, "lost", [&] { EnableWindow(second.handle, 0); }), HasSubstr("lost 0 0,0;"));
     EXPECT_EQ(GetCapture(), nullptr);
+}
+
+TEST_F(X11InputTest, EachCursorLooksDifferent)
+{
+    ColorWindow window(kRed, {0, 0, 100, 100});
+    ShowSeen(window, kRed, 50, 50);
+    outside->MoveMouse(400, 400);
+    std::set<std::string> seen{outside->Cursor()}; // the screen's own
+    outside->MoveMouse(50, 50);
+    ASSERT_TRUE(Pump([&] { return window.Heard("move"); }));
+    for (const char* name : {IDC_ARROW, IDC_IBEAM, IDC_WAIT, IDC_CROSS, IDC_SIZENWSE, IDC_SIZENESW,
+                             IDC_SIZEWE, IDC_SIZENS, IDC_SIZEALL, IDC_NO, IDC_HAND}) {
+        SetCursor(LoadCursorA(nullptr, name));
+        EXPECT_TRUE(Await([&] { return seen.insert(outside->Cursor()).second; })) << seen.size();
+    }
 }
 
 TEST_F(X11InputTest, TheFocusGoesWhereTheServerGivesIt)

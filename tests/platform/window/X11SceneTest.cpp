@@ -13,6 +13,7 @@
 #include <fstream>
 #include <functional>
 #include <future>
+#include <malloc.h>
 #include <unistd.h>
 
 namespace {
@@ -180,6 +181,22 @@ TEST_F(X11SceneTest, AWindowThatIsSeenStaysOpaque)
         KXHost::AdvanceClock(1'000);
     });
     AnimateWindow(window.handle, 1'000, AW_BLEND);
+}
+
+// A megabyte each.
+TEST_F(X11SceneTest, WhatLiesBelowABlendedWindowIsLeftWithIt)
+{
+    const auto inUse = [] { return mallinfo2().uordblks + mallinfo2().hblkhd; };
+    const auto blend = [] {
+        const HWND hWnd = Make();
+        Move(hWnd, 0, 0, 600, 400);
+        AnimateWindow(hWnd, 0, AW_BLEND);
+    };
+    InThread(blend); // and its window ends with the thread
+    const std::size_t before = inUse();
+    for (int i = 0; i < 20; ++i)
+        InThread(blend);
+    EXPECT_LT(inUse(), before + 10'000'000);
 }
 
 // Input to the window behind a box doesn't reach it, but its timers and paints go on.

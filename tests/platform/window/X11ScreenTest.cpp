@@ -30,22 +30,24 @@ TEST_F(X11ScreenTest, TheDesktopIsThePrimaryMonitor)
 {
     outside->Cover(0, 0, 240, 480, kGreen);
     outside->AddMonitor("left", 0, 0, 240, 480, false);
-    outside->AddMonitor("main", 240, 0, 400, 300, true);
+    outside->AddMonitor("main", 240, 30, 400, 300, true);
     Reopen();
     EXPECT_EQ(PlaceOf(GetDesktopWindow()), (RECT{0, 0, 400, 300}));
     EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 400);
     EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 300);
     ColorWindow window(kRed, {10, 20, 110, 120}, WS_POPUP, "window");
-    ShowSeen(window, kRed, 250, 20);
-    EXPECT_NE(outside->Pixel(249, 20), kRed);
-    outside->MoveMouse(255, 26);
+    ShowSeen(window, kRed, 250, 50);
+    EXPECT_NE(outside->Pixel(249, 50), kRed);
+    outside->MoveMouse(255, 56);
     EXPECT_TRUE(Pump([&] { return window.Heard("move 0 5,6;"); })) << window.heard;
     EXPECT_EQ(SeenAt(10, 20), kRed);
     EXPECT_NE(SeenAt(9, 20), kRed);
+    EXPECT_EQ(SeenAt(399, 449), RGB(0, 0, 0)) << "up to the screen's end";
+    EXPECT_EQ(SeenAt(399, 450), CLR_INVALID);
 
     // Another program moves it, to the left monitor.
     outside->Place(outside->Find("window"), 100, 50, 100, 100);
-    EXPECT_TRUE(Lies(window.handle, {-140, 50, -40, 150}));
+    EXPECT_TRUE(Lies(window.handle, {-140, 20, -40, 120}));
 
     window.heard.clear();
     outside->AddMonitor("main", 200, 0, 440, 480, true);
@@ -53,6 +55,7 @@ TEST_F(X11ScreenTest, TheDesktopIsThePrimaryMonitor)
     EXPECT_EQ(PlaceOf(GetDesktopWindow()), (RECT{0, 0, 440, 480}));
     EXPECT_TRUE(Lies(window.handle, {-100, 50, 0, 150}));
     EXPECT_THAT(window.heard, HasSubstr("place 0 -100,50;"));
+    EXPECT_EQ(SeenAt(439, 479), RGB(0, 0, 0));
 }
 
 TEST_F(X11ScreenTest, TheFirstMonitorServesWhereNoneIsPrimary)

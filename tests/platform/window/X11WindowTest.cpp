@@ -20,10 +20,11 @@ class X11WindowTest : public X11Test
 {
 };
 
-// With shared memory, and on a server that can't share.
+// With shared memory, and on a server that can't share, nor knows monitors.
 TEST_F(X11WindowTest, PixelsReachTheScreenAndComeBackFromIt)
 {
-    for (const std::vector<std::string>& options : {std::vector<std::string>{}, {"-extension", "MIT-SHM"}}) {
+    const std::vector<std::string> nothing{"-extension", "MIT-SHM", "-extension", "RANDR"};
+    for (const std::vector<std::string>& options : {std::vector<std::string>{}, nothing}) {
         Begin("640x480x24", options);
         EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 640);
         EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 480);

@@ -16,6 +16,7 @@
 #include <xcb/randr.h>
 #include <xcb/xcb.h>
 #include <xcb/xcbext.h>
+#include <xcb/xfixes.h>
 #include <xcb/xtest.h>
 
 namespace test {
@@ -73,6 +74,17 @@ public:
     {
         const auto reply = Answer(xcb_get_window_attributes_reply, xcb_get_window_attributes(m_c, window));
         return reply && reply->override_redirect;
+    }
+    // The picture of the cursor, as its size and its pixels lie there.
+    std::string Cursor()
+    {
+        Answer(xcb_xfixes_query_version_reply, xcb_xfixes_query_version(m_c, 1, 0));
+        const auto reply = Answer(xcb_xfixes_get_cursor_image_reply, xcb_xfixes_get_cursor_image(m_c));
+        if (!reply) return {};
+        const auto* pixels =
+            reinterpret_cast<const char*>(xcb_xfixes_get_cursor_image_cursor_image(reply.get()));
+        return {pixels,
+                4 * static_cast<std::size_t>(xcb_xfixes_get_cursor_image_cursor_image_length(reply.get()))};
     }
     // Whether some program has a selection, which stands for a role.
     bool HasOwner(const char* selection)
@@ -201,11 +213,12 @@ public:
         MoveMouse(x, y);
         Click();
     }
-    // Lets a spare key mean a character; gives its code.
-    xcb_keycode_t Assign(xcb_keysym_t symbol)
+    // Lets a spare key mean a character, or two in each layout: without and with Shift. Gives its code.
+    xcb_keycode_t Assign(std::vector<xcb_keysym_t> symbols)
     {
         const xcb_keycode_t spare = KeyOf(XCB_NO_SYMBOL);
-        Finish(xcb_change_keyboard_mapping(m_c, 1, spare, 1, &symbol));
+        Finish(xcb_change_keyboard_mapping(m_c, 1, spare, static_cast<std::uint8_t>(symbols.size()),
+                                           symbols.data()));
         return spare;
     }
     xcb_keycode_t KeyOf(xcb_keysym_t symbol)
