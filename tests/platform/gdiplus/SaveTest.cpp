@@ -99,6 +99,11 @@ TEST_F(SaveTest, GifColorsAreExactUpTo256AndNearBeyond)
     EXPECT_EQ(hole.Pixel(6, 5) >> 24, 255u);
 }
 
+TEST_F(SaveTest, ATiffHasFewStrips)
+{
+    EXPECT_LT(Saved(Sheet(64, 64).bitmap.Native(), u"tiff").size(), 600u);
+}
+
 TEST_F(SaveTest, AFileIsReplacedWholeOrStaysAsItWas)
 {
     const TempDir dir;
