@@ -260,6 +260,11 @@ TEST_F(CodecTest, PicturesBeyondTheLimitsAreRefused)
     EXPECT_EQ(LoadStatus(Gif(8192, 8192, {{{"R"}}})), GenericError);
     EXPECT_EQ(LoadStatus(Tiff({{.width = 8192, .height = 8192, .pixels = "abc"}})), GenericError);
     EXPECT_EQ(LoadStatus(jpegOf("\x20\0\x20\0")), GenericError);
+    // 65,536 pixels are granted to any frame of a GIF.
+    std::string gif = Gif(4, 16384, {{{"RRRR"}}});
+    const std::size_t nHeightAt = gif.find(",\0\0\0\0\4\0"s) + 7;
+    EXPECT_EQ(LoadStatus(gif.replace(nHeightAt, 2, Le(16384, 2))), Ok);
+    EXPECT_EQ(LoadStatus(gif.replace(nHeightAt, 2, Le(16385, 2))), GenericError);
     // The most that a TIFF of its length may claim, 4096 bytes for each: 128 strips that lie in one place.
     const std::vector<TiffEntry> strips = {{256, 1, 1024},  {257, 1, 1024}, {258, 3, 122},
                                            {259, 1, 32773}, {262, 1, 2},    {273, 128, 128},
