@@ -1,7 +1,6 @@
 #include "tests/platform/gdiplus/Sheet.h"
 
 using namespace test;
-using namespace Gdiplus::DllExports;
 
 namespace {
 

@@ -2,7 +2,6 @@
 #include "tests/platform/gdiplus/Sheet.h"
 
 using namespace test;
-using namespace Gdiplus::DllExports;
 
 namespace {
 

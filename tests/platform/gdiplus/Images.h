@@ -5,7 +5,6 @@
 // Picture files in memory, loaded and read back.
 namespace test {
 
-using namespace Gdiplus::DllExports;
 using namespace std::string_literals;
 
 struct EndStream

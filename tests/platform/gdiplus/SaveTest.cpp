@@ -168,10 +168,8 @@ TEST(ImageThreads, StartsAreCountedWhicheverThreadsMakeThem)
     EXPECT_EQ(Bitmap(1, 1).GetLastStatus(), GdiplusNotInitialized);
 }
 
-using ImageThreadsTest = DrawingTest;
-
 // Each has pictures, a surface and files of its own; what the codecs share must not be seen.
-TEST_F(ImageThreadsTest, DistinctPicturesAreLoadedDrawnAndSavedAtOnce)
+TEST_F(SaveTest, DistinctPicturesAreLoadedDrawnAndSavedAtOnce)
 {
     const TempDir dir;
     const std::string files[] = {

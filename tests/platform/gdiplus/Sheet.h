@@ -11,6 +11,7 @@
 namespace test {
 
 using namespace Gdiplus;
+using namespace Gdiplus::DllExports;
 using Row = std::vector<ARGB>;
 
 // GDI+ is started, and nothing may be left behind.
