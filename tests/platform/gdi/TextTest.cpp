@@ -86,6 +86,7 @@ TEST_F(Text, ALineIsAsLongAsItsLetters)
     EXPECT_EQ(WidthOf("\xC2\x80"),
               WidthOf("\xC2\x81"));         // the first letters behind ASCII, of which no face has any
     EXPECT_EQ(WidthOf("\xEF\xBF\xBF"), 10); // the sign of the best face
+    EXPECT_EQ(WidthOf("\xCC\x81"), 0);      // an accent over the letter before it
 }
 
 TEST_F(Text, StandsWhereTheFlagsSay)
