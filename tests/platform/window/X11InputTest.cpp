@@ -140,6 +140,9 @@ TEST_F(X11InputTest, AKeyKeepsItsNumberInALayoutOfOtherLetters)
     EXPECT_EQ(type(), "key 81 1,0;char 113 1,0;keyup 81 1,0;");
     outside->Type(next);
     EXPECT_EQ(type(), "key 81 1,0;char 167 1,0;char 219 1,0;keyup 81 1,0;");
+    const xcb_keycode_t semicolon = outside->Assign({0x6D6}, 47); // U+0436: by its place alone
+    EXPECT_EQ(Hear(window, "keyup", [&] { outside->Type(semicolon); }),
+              "key 186 1,0;char 167 1,0;char 216 1,0;keyup 186 1,0;");
 }
 
 TEST_F(X11InputTest, AHeldKeyRepeats)
@@ -209,6 +212,17 @@ TEST_F(X11InputTest, TheFocusGoesWhereTheServerGivesIt)
     outside->Focus(0);
     EXPECT_TRUE(Pump([&] { return !GetFocus(); }));
     EXPECT_THAT(first.heard, HasSubstr("unfocus"));
+
+    // Another program has it, and this thread hasn't heard of that yet.
+    SetFocus(first.handle);
+    ASSERT_TRUE(Pump([&] { return outside->Focused() == outside->Find("first"); }));
+    const xcb_window_t others = outside->Cover(400, 0, 50, 50, kGreen);
+    outside->Focus(others);
+    outside->Place(outside->Find("first"), 0, 200, 100, 100);
+    EXPECT_TRUE(Await([&] { return PlaceOf(first.handle).top == 200; })) << "what was told before is known";
+    SetFocus(nullptr);
+    SeenAt(1, 1); // the server has answered
+    EXPECT_EQ(outside->Focused(), others);
 }
 
 // A window that is hidden again before the server has shown it has no claim any more.

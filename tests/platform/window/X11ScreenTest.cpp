@@ -58,8 +58,13 @@ TEST_F(X11ScreenTest, TheDesktopIsThePrimaryMonitor)
     EXPECT_EQ(SeenAt(439, 479), RGB(0, 0, 0));
 }
 
-TEST_F(X11ScreenTest, TheFirstMonitorServesWhereNoneIsPrimary)
+TEST_F(X11ScreenTest, WithoutAPrimaryMonitorTheFirstServesAndWithoutAnyTheScreen)
 {
+    outside->TurnOffMonitors();
+    Reopen();
+    EXPECT_EQ(PlaceOf(GetDesktopWindow()), (RECT{0, 0, 640, 480}));
+    outside->Cover(0, 0, 1, 1, kGreen);
+    EXPECT_EQ(SeenAt(0, 0), kGreen);
     outside->AddMonitor("left", 0, 0, 240, 480, false);
     outside->AddMonitor("right", 240, 0, 400, 300, false);
     Reopen();

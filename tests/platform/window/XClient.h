@@ -191,6 +191,17 @@ public:
         Finish(xcb_randr_set_screen_size(m_c, m_screen.root, m_screen.width_in_pixels,
                                          m_screen.height_in_pixels, millimetres, millimetres));
     }
+    // Leaves the screen without a monitor.
+    void TurnOffMonitors()
+    {
+        const auto resources =
+            Answer(xcb_randr_get_screen_resources_reply, xcb_randr_get_screen_resources(m_c, m_screen.root));
+        for (int i = 0; resources && i < resources->num_crtcs; ++i)
+            Answer(xcb_randr_set_crtc_config_reply,
+                   xcb_randr_set_crtc_config(m_c, xcb_randr_get_screen_resources_crtcs(resources.get())[i],
+                                             XCB_CURRENT_TIME, resources->config_timestamp, 0, 0, XCB_NONE,
+                                             XCB_RANDR_ROTATION_ROTATE_0, 0, nullptr));
+    }
     // Sets the resources that the user's desktop has.
     void SetResources(const std::string& text)
     {
@@ -213,13 +224,14 @@ public:
         MoveMouse(x, y);
         Click();
     }
-    // Lets a spare key mean a character, or two in each layout: without and with Shift. Gives its code.
-    xcb_keycode_t Assign(std::vector<xcb_keysym_t> symbols)
+    // Lets a key, by default a spare one, mean a character, or two in each layout: without and with Shift.
+    // Gives its code.
+    xcb_keycode_t Assign(std::vector<xcb_keysym_t> symbols, xcb_keycode_t key = 0)
     {
-        const xcb_keycode_t spare = KeyOf(XCB_NO_SYMBOL);
-        Finish(xcb_change_keyboard_mapping(m_c, 1, spare, static_cast<std::uint8_t>(symbols.size()),
+        if (!key) key = KeyOf(XCB_NO_SYMBOL);
+        Finish(xcb_change_keyboard_mapping(m_c, 1, key, static_cast<std::uint8_t>(symbols.size()),
                                            symbols.data()));
-        return spare;
+        return key;
     }
     xcb_keycode_t KeyOf(xcb_keysym_t symbol)
     {
