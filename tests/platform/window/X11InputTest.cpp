@@ -1,11 +1,6 @@
 // The mouse and the keys of an X server as messages.
 
-#include "include/platform/Input.h"
 #include "tests/platform/window/X11Support.h"
-#include "tests/support/Host.h"
-
-#include <gmock/gmock.h>
-#include <set>
 
 namespace {
 
@@ -61,8 +56,8 @@ TEST_F(X11InputTest, MotionsThatNobodyTookAreOne)
         outside->Click();
         // All of it has come when the button has, and only then is a message taken.
         MSG msg;
-        ASSERT_TRUE(Await(
-            [&] { return PeekMessageA(&msg, window.handle, WM_LBUTTONUP, WM_LBUTTONUP, PM_NOREMOVE); }));
+        ASSERT_TRUE(
+            Soon([&] { return PeekMessageA(&msg, window.handle, WM_LBUTTONUP, WM_LBUTTONUP, PM_NOREMOVE); }));
     });
     EXPECT_EQ(heard, "move 0 349,60;down 1 349,60;up 0 349,60;");
 }
@@ -193,7 +188,7 @@ TEST_F(X11InputTest, EachCursorLooksDifferent)
     for (const char* name : {IDC_ARROW, IDC_IBEAM, IDC_WAIT, IDC_CROSS, IDC_SIZENWSE, IDC_SIZENESW,
                              IDC_SIZEWE, IDC_SIZENS, IDC_SIZEALL, IDC_NO, IDC_HAND}) {
         SetCursor(LoadCursorA(nullptr, name));
-        EXPECT_TRUE(Await([&] { return seen.insert(outside->Cursor()).second; })) << seen.size();
+        EXPECT_TRUE(Soon([&] { return seen.insert(outside->Cursor()).second; })) << seen.size();
     }
 }
 
@@ -219,7 +214,7 @@ TEST_F(X11InputTest, TheFocusGoesWhereTheServerGivesIt)
     const xcb_window_t others = outside->Cover(400, 0, 50, 50, kGreen);
     outside->Focus(others);
     outside->Place(outside->Find("first"), 0, 200, 100, 100);
-    EXPECT_TRUE(Await([&] { return PlaceOf(first.handle).top == 200; })) << "what was told before is known";
+    EXPECT_TRUE(Soon([&] { return PlaceOf(first.handle).top == 200; })) << "what was told before is known";
     SetFocus(nullptr);
     SeenAt(1, 1); // the server has answered
     EXPECT_EQ(outside->Focused(), others);

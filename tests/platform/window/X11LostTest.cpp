@@ -5,14 +5,9 @@
 #include "tests/platform/window/X11Support.h"
 #include "tests/support/RawServer.h"
 
-#include <atomic>
-#include <cstring>
-#include <functional>
-#include <gmock/gmock.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <utility>
 
 namespace {
 
@@ -142,7 +137,7 @@ TEST_F(X11LostTest, TheServerMayGoWhileTheKeyboardIsAskedFor)
         for (int n = 0; n < nRequests; ++n) {
             const XRelay relay(*server, n, end);
             Use(relay.Name());
-            ASSERT_TRUE(Await([&] { return relay.HasEnded(); })) << n;
+            ASSERT_TRUE(Soon([&] { return relay.HasEnded(); })) << n;
             const HWND hWnd = Make(nullptr, WS_POPUP | WS_VISIBLE);
             SeenAt(1, 1);
             EXPECT_TRUE(Pump([&] { return !IsWindow(hWnd) && !IsWindow(Make()); })) << n;
@@ -214,7 +209,7 @@ Moment InFade(std::optional<XClient>& outside, int share, DWORD dwFlags)
         const bool bHides = (dwFlags & AW_HIDE) != 0;
         if (bHides) AnimateWindow(window.handle, 0, AW_BLEND);
         std::thread killer([&] {
-            Await([&] {
+            Soon([&] {
                 const int seen = GetRValue(outside->Pixel(50, 50));
                 return bHides ? seen <= share : seen >= share;
             });
@@ -252,7 +247,7 @@ TEST_P(X11MomentTest, TheServerMayGo)
         },
         [&](const auto& kill) { // a message box is open
             std::thread killer([&] {
-                Await([&] { return outside->Find("test.platform.window") != 0; });
+                Soon([&] { return outside->Find("test.platform.window") != 0; });
                 kill();
             });
             AfxMessageBox("Really?");
@@ -303,7 +298,7 @@ TEST_P(X11MomentTest, TheServerMayGo)
         });
         user.join();
         EXPECT_TRUE(gone) << n;
-        ASSERT_TRUE(Await([] { return KXHost::UseMemoryDesktop(); })) << n;
+        ASSERT_TRUE(Soon([] { return KXHost::UseMemoryDesktop(); })) << n;
     }
     KXHost::TakeMessageBoxes();
 }

@@ -1,13 +1,6 @@
 // Characters of an input method: fcitx5 with pinyin.
 
 #include "tests/platform/window/X11Support.h"
-#include "tests/support/TempDir.h"
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <gmock/gmock.h>
-#include <sstream>
 
 namespace {
 
@@ -46,10 +39,10 @@ protected:
         env.insert(env.end(), {"DBUS_SESSION_BUS_ADDRESS=" + bus, "DISPLAY=" + server->Name()});
         const std::vector<std::string> daemon{"dbus-daemon", "--session", "--nofork", "--address=" + bus};
         if (!m_bus) m_bus.emplace(daemon, env);
-        ASSERT_TRUE(Await([&] { return std::filesystem::exists(home + "/bus"); }));
+        ASSERT_TRUE(Soon([&] { return std::filesystem::exists(home + "/bus"); }));
         const std::string others = "wayland,waylandim,notifications,notificationitem,ibusfrontend";
         m_method.emplace(std::vector<std::string>{"fcitx5", "--disable", others}, env);
-        ASSERT_TRUE(Await([&] { return outside->HasOwner("@server=fcitx"); }));
+        ASSERT_TRUE(Soon([&] { return outside->HasOwner("@server=fcitx"); }));
     }
     // The method leaves events that came while it waited for an answer until the next comes: a change of the
     // screen's resources, on which nothing depends.
@@ -141,7 +134,7 @@ TEST_F(X11MethodTest, LettersBecomeChineseAtTheCaretAndTheMethodMayGoAndComeBack
     ExpectOf(window, "nihao", hello);
 
     m_method.reset();
-    ASSERT_TRUE(Await([&] { return !outside->HasOwner("@server=fcitx"); }));
+    ASSERT_TRUE(Soon([&] { return !outside->HasOwner("@server=fcitx"); }));
     window.heard.clear();
     outside->Key(outside->KeyOf('n'), true);
     EXPECT_TRUE(Pump([&] { return window.Heard("key 78 1,0;char 110 1,0;"); })) << window.heard;

@@ -2,19 +2,11 @@
 
 #include "include/KXTipWnd.h"
 #include "include/KXTransparentWnd.h"
-#include "include/platform/Input.h"
 #include "include/platform/MessageBox.h"
 #include "tests/platform/window/X11Support.h"
-#include "tests/support/Host.h"
 #include "tests/support/Picture.h"
 
-#include <atomic>
-#include <cstdlib>
-#include <fstream>
-#include <functional>
-#include <future>
 #include <malloc.h>
-#include <unistd.h>
 
 namespace {
 
@@ -51,7 +43,7 @@ public:
               call();
           })
     {
-        EXPECT_TRUE(Await([&] { return m_id != 0 && State() == 'S'; }));
+        EXPECT_TRUE(Soon([&] { return m_id != 0 && State() == 'S'; }));
     }
 
 private:
@@ -110,11 +102,11 @@ TEST_F(X11SceneTest, AMessageBoxWaitsForItsAnswerOrItsThreadsEnd)
         PostMessage(thread.Window(), kAsk, 0, 0);
         // In the middle of the screen, with its button's edge and face.
         for (const COLORREF color : {RGB(0, 120, 215), RGB(225, 225, 225)})
-            ASSERT_TRUE(Await([&] { return HasPixel({320, 200, 321, 280}, color); }));
+            ASSERT_TRUE(Soon([&] { return HasPixel({320, 200, 321, 280}, color); }));
         EXPECT_TRUE(outside->Property(outside->Find("test.platform.window"), "_NET_WM_STATE").size() == 4);
         EXPECT_EQ(SendMessageA(thread.Window(), kPing, 0, 0), 1) << "what is sent meanwhile is served";
         answer(thread);
-        EXPECT_TRUE(Await([&] { return !outside->Find("test.platform.window"); }));
+        EXPECT_TRUE(Soon([&] { return !outside->Find("test.platform.window"); }));
     }
     EXPECT_TRUE(KXHost::TakeMessageBoxes().empty());
 }
@@ -130,7 +122,7 @@ TEST_P(X11FadeTest, TheTipFades)
     std::optional<Program> compositor;
     const std::vector<std::string> picom{"picom", "--config", "/dev/null", "--backend", "xrender"};
     if (GetParam()) compositor.emplace(picom, std::vector{"DISPLAY=" + server->Name()});
-    ASSERT_TRUE(Await([&] { return outside->HasOwner("_NET_WM_CM_S0") == GetParam(); }));
+    ASSERT_TRUE(Soon([&] { return outside->HasOwner("_NET_WM_CM_S0") == GetParam(); }));
     outside->Cover(0, 0, 640, 480, RGB(0, 0, 0));
     const VirtualClock clock;
     std::thread user([&] {
@@ -144,10 +136,10 @@ TEST_P(X11FadeTest, TheTipFades)
     const auto reaches = [&](int share) {
         const auto level = static_cast<BYTE>(share);
         const COLORREF yellow = RGB(level, level, 0);
-        EXPECT_TRUE(Await([&] { return Looks(left + 3, top + 3, yellow); })) << share;
+        EXPECT_TRUE(Soon([&] { return Looks(left + 3, top + 3, yellow); })) << share;
     };
     const auto advance = [](unsigned milliseconds) {
-        ASSERT_TRUE(Await([] { return KXHost::ClockWaiters() > 0; }));
+        ASSERT_TRUE(Soon([] { return KXHost::ClockWaiters() > 0; }));
         KXHost::AdvanceClock(milliseconds);
     };
     for (const int quarter : {1, 2, 3, 4}) {
@@ -175,9 +167,9 @@ TEST_F(X11SceneTest, AWindowThatIsSeenStaysOpaque)
     ShowSeen(window, kRed, 50, 50);
     const xcb_window_t cover = outside->Cover(0, 0, 100, 100, kGreen);
     const std::jthread user([&] {
-        EXPECT_TRUE(Await([] { return KXHost::ClockWaiters() > 0; }));
+        EXPECT_TRUE(Soon([] { return KXHost::ClockWaiters() > 0; }));
         outside->Destroy(cover);
-        EXPECT_TRUE(Await([&] { return outside->Pixel(50, 50) == kRed; }));
+        EXPECT_TRUE(Soon([&] { return outside->Pixel(50, 50) == kRed; }));
         KXHost::AdvanceClock(1'000);
     });
     AnimateWindow(window.handle, 1'000, AW_BLEND);
@@ -217,21 +209,21 @@ TEST_F(X11SceneTest, AMessageBoxKeepsTheOtherWindowsFromInput)
         const auto isOpen = [&] { return outside->Find("test.platform.window") != 0; };
         outside->ClickAt(300, 50);
         outside->ClickAt(300, 50);
-        EXPECT_TRUE(Await(isOpen));
+        EXPECT_TRUE(Soon(isOpen));
         const xcb_window_t box = outside->Find("test.platform.window");
-        EXPECT_TRUE(Await([&] { return outside->Focused() == box; }));
+        EXPECT_TRUE(Soon([&] { return outside->Focused() == box; }));
         EXPECT_EQ(outside->Property(box, "WM_TRANSIENT_FOR").size(), 4u);
         main.heard.clear();
         outside->ClickAt(50, 50);
         outside->ClickAt(300, 50);
         outside->AskToClose(outside->Find("main"));
         outside->Focus(outside->Find("main"));
-        EXPECT_TRUE(Await([&] { return outside->Focused() == box; })) << "it takes the focus back";
+        EXPECT_TRUE(Soon([&] { return outside->Focused() == box; })) << "it takes the focus back";
         EXPECT_TRUE(IsWindow(main.handle));
         EXPECT_FALSE(IsWindowEnabled(main.handle));
-        EXPECT_TRUE(Await([&, nBefore = nBeats.load()] { return nBeats > nBefore; }));
+        EXPECT_TRUE(Soon([&, nBefore = nBeats.load()] { return nBeats > nBefore; }));
         outside->TypeSymbol(' ');
-        EXPECT_TRUE(Await([&] { return !isOpen(); }));
+        EXPECT_TRUE(Soon([&] { return !isOpen(); }));
         outside->ClickAt(50, 50); // is heard again
     });
     const Handler count = On(WM_TIMER, [&](HWND, WPARAM) { return ++nBeats; });

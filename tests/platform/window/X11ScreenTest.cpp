@@ -2,9 +2,6 @@
 
 #include "tests/platform/window/X11Support.h"
 
-#include <cstdlib>
-#include <gmock/gmock.h>
-
 namespace {
 
 using namespace test;

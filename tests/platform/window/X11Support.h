@@ -6,14 +6,8 @@
 #include "tests/platform/window/Support.h"
 #include "tests/platform/window/XClient.h"
 #include "tests/support/Desktop.h"
+#include "tests/support/Test.h"
 #include "tests/support/XServer.h"
-
-#include <chrono>
-#include <gtest/gtest.h>
-#include <optional>
-#include <string>
-#include <thread>
-#include <utility>
 
 namespace test {
 
@@ -23,7 +17,7 @@ inline constexpr COLORREF kBlue = RGB(0, 0, 255);
 
 // Looks again and again until it is so, or a time has passed in which everything would have come.
 template <class Ready>
-bool Await(Ready ready)
+bool Soon(Ready ready)
 {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     while (!ready()) {
@@ -37,7 +31,7 @@ bool Await(Ready ready)
 template <class Ready>
 bool Pump(Ready ready)
 {
-    return Await([&] {
+    return Soon([&] {
         Pump();
         return ready();
     });

@@ -3,13 +3,7 @@
 #include "include/platform/MessageBox.h"
 #include "tests/platform/gdi/LoadedImage.h"
 #include "tests/platform/window/X11Support.h"
-#include "tests/support/Child.h"
-#include "tests/support/Host.h"
 #include "tests/support/RawServer.h"
-
-#include <fstream>
-#include <gmock/gmock.h>
-#include <unistd.h>
 
 namespace {
 
@@ -85,7 +79,7 @@ TEST_F(X11WindowTest, OthersAreToldWhatAWindowIs)
     const ColorWindow framed(kRed, {10, 20, 60, 80}, WS_CAPTION, "framed");
     const ColorWindow popup(kRed, {0, 0, 50, 50}, WS_POPUP, std::string(100'000, 'x').c_str());
     SetWindowTextA(popup.handle, "\xFF tip");
-    ASSERT_TRUE(Await([&] { return outside->Find("? tip"); }));
+    ASSERT_TRUE(Soon([&] { return outside->Find("? tip"); }));
     const xcb_window_t idPlain = outside->Find("\xE4\xB8\xAD\xE6\x96\x87");
     const xcb_window_t idFramed = outside->Find("framed");
     const xcb_window_t idPopup = outside->Find("? tip");
@@ -112,7 +106,7 @@ TEST_F(X11WindowTest, OthersAreToldWhatAWindowIs)
     SetWindowPos(framed.handle, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
     ShowWindow(framed.handle, SW_SHOWNA);
     const std::string above = numbers({outside->Atom("_NET_WM_STATE_ABOVE")});
-    EXPECT_TRUE(Await([&] { return framedHas("_NET_WM_STATE") == above; }));
+    EXPECT_TRUE(Soon([&] { return framedHas("_NET_WM_STATE") == above; }));
 }
 
 // An icon of one colour, 0xFF302010 with its opacity.
@@ -134,12 +128,12 @@ TEST_F(X11WindowTest, AWindowHasAnIcon)
     const HWND hWnd = CreateWindowExA(0, "KXIcon", "icon", WS_CAPTION, 0, 0, 10, 10);
     const std::uint32_t expected[] = {1, 1, 0xFF302010};
     const auto property = [&] { return outside->Property(outside->Find("icon"), "_NET_WM_ICON"); };
-    ASSERT_TRUE(Await([&] { return outside->Find("icon") != 0; }));
+    ASSERT_TRUE(Soon([&] { return outside->Find("icon") != 0; }));
     EXPECT_EQ(property(), std::string(reinterpret_cast<const char*>(expected), sizeof expected));
     EXPECT_EQ(SendMessageA(hWnd, WM_SETICON, 0, 0), reinterpret_cast<LRESULT>(icon));
-    EXPECT_TRUE(Await([&] { return property().empty(); }));
+    EXPECT_TRUE(Soon([&] { return property().empty(); }));
     EXPECT_EQ(SendMessageA(hWnd, WM_SETICON, 0, reinterpret_cast<LPARAM>(icon)), 0);
-    EXPECT_TRUE(Await([&] { return !property().empty(); }));
+    EXPECT_TRUE(Soon([&] { return !property().empty(); }));
     EXPECT_TRUE(DestroyWindow(hWnd));
     EXPECT_TRUE(UnregisterClassA("KXIcon"));
     DestroyIcon(icon);
@@ -153,7 +147,7 @@ TEST_F(X11WindowTest, AnIconTooLargeForTheServerIsLeftOut)
     for (const auto& [side, has] : {std::pair{1'023, true}, {1'024, false}}) {
         const HICON icon = MakeIcon(side);
         SendMessageA(hWnd, WM_SETICON, 0, reinterpret_cast<LPARAM>(icon));
-        EXPECT_TRUE(Await([&, has = has] {
+        EXPECT_TRUE(Soon([&, has = has] {
             const xcb_window_t id = outside->Find("icon");
             return id && outside->Property(id, "_NET_WM_ICON").empty() != has;
         })) << side;
@@ -276,13 +270,13 @@ TEST_F(X11WindowTest, NewsOfTheServerComeThroughAFullQueue)
         outside->Place(id, i, 0, 50 + i, 50);
     outside->Place(id, 20, 0, 70, 60);
     outside->Place(outside->Find("another"), 300, 300, 10, 10);
-    EXPECT_TRUE(Await([&] { return PlaceOf(another.Window()) == RECT{300, 300, 310, 310}; }));
+    EXPECT_TRUE(Soon([&] { return PlaceOf(another.Window()) == RECT{300, 300, 310, 310}; }));
     EXPECT_TRUE(Shows(89, 59, kRed)) << window.heard;
     EXPECT_EQ(window.heard, "place 0 20,0;size 0 70,60;") << "and all in one";
 
     fill();
     server->Kill();
-    EXPECT_TRUE(Await([&] { return !IsWindow(another.Window()); }));
+    EXPECT_TRUE(Soon([&] { return !IsWindow(another.Window()); }));
     EXPECT_TRUE(Pump([&] { return !IsWindow(window.handle); }));
 }
 
@@ -320,7 +314,7 @@ TEST_F(X11WindowTest, WindowsOfOtherProcessesAreListed)
     outside->SetManaged({id});
     EXPECT_EQ(walk(), found);
     outside->Destroy(id);
-    EXPECT_TRUE(Await([&] { return !IsWindow(found[1]); }));
+    EXPECT_TRUE(Soon([&] { return !IsWindow(found[1]); }));
     EXPECT_EQ(walk(), std::vector{own.handle});
 }
 

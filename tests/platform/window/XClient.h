@@ -3,16 +3,9 @@
 #include "include/platform/Gdi.h"
 #include "include/platform/Geometry.h"
 #include "tests/support/Fixed.h"
+#include "tests/support/Standard.h"
 
-#include <array>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
-#include <stdexcept>
-#include <string>
 #include <sys/uio.h>
-#include <unistd.h>
-#include <vector>
 #include <xcb/randr.h>
 #include <xcb/xcb.h>
 #include <xcb/xcbext.h>
