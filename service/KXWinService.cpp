@@ -26,18 +26,18 @@ int Query(SC_HANDLE hService, SERVICE_STATUS_PROCESS& status)
                                 sizeof status, &cbNeeded);
 }
 
-int QueryOrTell(SC_HANDLE hService, SERVICE_STATUS_PROCESS& status)
+bool QueryOrTell(SC_HANDLE hService, SERVICE_STATUS_PROCESS& status)
 {
-    return Query(hService, status) ? 1 : CallFailed("QueryServiceStatusEx");
+    return Query(hService, status) || CallFailed("QueryServiceStatusEx");
 }
 
-int SendStop(SC_HANDLE hService, SERVICE_STATUS_PROCESS& status)
+bool SendStop(SC_HANDLE hService, SERVICE_STATUS_PROCESS& status)
 {
     SERVICE_STATUS told{};
-    if (!ControlService(hService, SERVICE_CONTROL_STOP, &told)) return 0;
+    if (!ControlService(hService, SERVICE_CONTROL_STOP, &told)) return false;
     status.dwCurrentState = told.dwCurrentState;
     status.dwWaitHint = told.dwWaitHint;
-    return 1;
+    return true;
 }
 
 DWORD WaitTime(SERVICE_STATUS_PROCESS const& status)
@@ -73,17 +73,17 @@ private:
 };
 
 // Before a start: whether a stop that is under way has come to its end.
-int AwaitStop(SC_HANDLE hService, SERVICE_STATUS_PROCESS& status)
+bool AwaitStop(SC_HANDLE hService, SERVICE_STATUS_PROCESS& status)
 {
     Progress progress(status);
     while (status.dwCurrentState == SERVICE_STOP_PENDING) {
         Sleep(WaitTime(status));
-        if (!QueryOrTell(hService, status)) return 0;
+        if (!QueryOrTell(hService, status)) return false;
         if (!progress.IsOverdue(status)) continue;
         KXPrintDebugStr("Timeout waiting for service to stop\n");
-        return 0;
+        return false;
     }
-    return 1;
+    return true;
 }
 
 void AwaitStart(SC_HANDLE hService, SERVICE_STATUS_PROCESS& status)
@@ -102,17 +102,17 @@ struct ServiceCloser
 };
 using ServicePtr = std::unique_ptr<SC_HANDLE, ServiceCloser>;
 
-int StopDependent(SC_HANDLE hSCManager, char const* pszName, DWORD dwBegin)
+bool StopDependent(SC_HANDLE hSCManager, char const* pszName, DWORD dwBegin)
 {
     const ServicePtr service(OpenServiceA(hSCManager, pszName, SERVICE_STOP | SERVICE_QUERY_STATUS));
     SERVICE_STATUS_PROCESS status{};
-    if (!service || !SendStop(service.get(), status)) return 0;
+    if (!service || !SendStop(service.get(), status)) return false;
     while (status.dwCurrentState != SERVICE_STOPPED) {
         Sleep(status.dwWaitHint);
-        if (!Query(service.get(), status)) return 0;
-        if (status.dwCurrentState != SERVICE_STOPPED && IsStopOverdue(dwBegin)) return 0;
+        if (!Query(service.get(), status)) return false;
+        if (status.dwCurrentState != SERVICE_STOPPED && IsStopOverdue(dwBegin)) return false;
     }
-    return 1;
+    return true;
 }
 
 struct Free
@@ -312,6 +312,5 @@ int CKXWinService::Reopen(DWORD dwAccess)
 
 void CKXWinService::CloseService()
 {
-    if (m_hService) CloseServiceHandle(m_hService);
-    m_hService = nullptr;
+    if (const SC_HANDLE hService = std::exchange(m_hService, nullptr)) CloseServiceHandle(hService);
 }

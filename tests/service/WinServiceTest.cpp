@@ -151,7 +151,8 @@ TEST_F(WinService, WithoutAManagerEachOperationTriesAgain)
     EXPECT_EQ(text.Text(), expected);
     m_manager->Calls();
     m_manager->errors.clear();
-    EXPECT_EQ(service.OpenSCM(), 1);
+    for (int n = 0; n < 2; ++n) // once
+        EXPECT_EQ(service.OpenSCM(), 1);
     EXPECT_EQ(service.GetStatus(bExists, dwState), 1);
     EXPECT_EQ(service.GetStatus(bExists, dwState), 1);
     EXPECT_EQ(m_manager->Calls(), "manager f003f; open Nv 4; query Nv; open Nv 4; query Nv;");
@@ -344,15 +345,17 @@ TEST_F(WinService, AServiceOpensItsHandleAnewAndACopyHasItsOwn)
         copy = static_cast<const CKXWinService&>(copy);
         EXPECT_EQ(other.ChangeDesc("c"), 1);
         EXPECT_EQ(count(), 6);
+        other = copy; // closes its own
+        EXPECT_EQ(count(), 5);
         // A handle whose service can't be opened any more is none.
         m_manager->errors = {{"open", 5}};
         EXPECT_EQ(service.Delete(), 0);
-        EXPECT_EQ(count(), 5);
+        EXPECT_EQ(count(), 4);
         m_manager->errors.clear();
         EXPECT_EQ(service.Delete(), 1);
         // Create takes the place of the handle, which stays open.
         EXPECT_EQ(service.Create("C:\\a", 2, ""), 1);
-        EXPECT_EQ(count(), 7);
+        EXPECT_EQ(count(), 6);
         EXPECT_EQ(m_manager->created.strDisplayName, "Nv");
     }
     EXPECT_EQ(count(), 1);
