@@ -1,7 +1,9 @@
+#include "platform/UniqueFd.h"
 #include "tests/platform/files/Mounted.h"
 
 #include <csignal>
 #include <fcntl.h>
+#include <sys/inotify.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -89,6 +91,8 @@ TEST_F(Copy, RefusalsLeaveBothFiles)
     fs::create_symlink("from", drive.Path("soft"));
     mkfifo(drive.Path("pipe").c_str(), 0600);
     fs::create_symlink("pipe", drive.Path("topipe"));
+    const kx::UniqueFd opened(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)); // opening a device may do something
+    ASSERT_NE(inotify_add_watch(opened.Get(), drive.Path("pipe").c_str(), IN_OPEN), -1);
     CFile writer;
     ASSERT_TRUE(writer.Open("X:\\open", CFile::modeWrite | CFile::shareDenyWrite));
     const std::size_t nEntries = Entries(drive.Path());
@@ -115,6 +119,8 @@ TEST_F(Copy, RefusalsLeaveBothFiles)
     for (const char* file : {"from", "to", "locked", "open"})
         EXPECT_EQ(drive.Read(file), file);
     EXPECT_EQ(Entries(drive.Path()), nEntries);
+    inotify_event event;
+    EXPECT_EQ(read(opened.Get(), &event, sizeof event), -1);
 }
 
 TEST_F(Copy, FailureOnTheWayLeavesTheOldFileAndNothingElse)
