@@ -41,7 +41,6 @@ public:
         // In a file that is cut, the last block is as long as what is there of it, and behind it is the end.
         if (nRead == 0) *pBytes = 0;
         *pBytes = static_cast<GifByteType>(std::min<std::size_t>(*pBytes, m_data.size()));
-        if (*pBytes == 0) m_bSizeNext = true;
         return 1;
     }
 

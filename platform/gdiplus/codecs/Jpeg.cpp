@@ -166,8 +166,6 @@ Gdiplus::Status ReadJpeg(const File& file, std::optional<Picture>& picture)
 
 namespace {
 
-constexpr int kQuality = 75;
-
 // Whether no pixel has another colour than a shade of grey.
 bool IsGray(const PixelView& view) noexcept
 {
@@ -239,9 +237,8 @@ private:
         m_jpeg.image_height = static_cast<JDIMENSION>(m_view.height);
         m_jpeg.input_components = 4;
         m_jpeg.in_color_space = JCS_EXT_BGRX;
-        jpeg_set_defaults(&m_jpeg); // colours at half the resolution
+        jpeg_set_defaults(&m_jpeg); // quality 75, colours at half the resolution
         if (IsGray(m_view)) jpeg_set_colorspace(&m_jpeg, JCS_GRAYSCALE);
-        jpeg_set_quality(&m_jpeg, kQuality, TRUE);
         jpeg_start_compress(&m_jpeg, TRUE);
         for (int y = 0; y < m_view.height; ++y) {
             // The library reads it alone.

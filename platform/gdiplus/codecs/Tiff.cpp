@@ -131,7 +131,6 @@ std::uint64_t DescriptionBytes(TIFF* tiff, FileBytes file) noexcept
 bool HasPixels(TIFF* tiff, FileBytes file) noexcept
 {
     const std::uint32_t nParts = TIFFIsTiled(tiff) ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff);
-    if (nParts == 0) return false;
     const std::uint64_t nOffset = TIFFGetStrileOffset(tiff, nParts - 1);
     const std::uint64_t nBytes = TIFFGetStrileByteCount(tiff, nParts - 1);
     return nOffset > 0 && nOffset <= file.size() && nBytes <= file.size() - nOffset;
