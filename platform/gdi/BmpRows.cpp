@@ -1,5 +1,6 @@
 #include "platform/gdi/BmpHeader.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -18,8 +19,8 @@ public:
     DWORD Of(DWORD pixel) const noexcept { return m_scaled[(pixel & m_mask) >> m_nShift]; }
 
 private:
-    DWORD m_mask = 0; // the upper 8 bits at most
-    int m_nShift = 0;
+    DWORD m_mask = 0;
+    int m_nShift = 0; // so that its upper 8 bits are left at most
     std::array<std::uint8_t, 256> m_scaled{};
 };
 
@@ -44,9 +45,9 @@ std::optional<BmpChannel> BmpChannel::Make(DWORD mask) noexcept
     const int low = std::countr_zero(mask), width = std::popcount(mask);
     if (static_cast<int>(std::bit_width(mask)) != low + width) return std::nullopt;
 
-    const int used = width < 8 ? width : 8;
+    const int used = std::min(width, 8);
     channel.m_nShift = low + width - used;
-    channel.m_mask = mask >> channel.m_nShift << channel.m_nShift;
+    channel.m_mask = mask;
     for (unsigned value = 0; value < 1u << used; ++value) {
         unsigned scaled = 0;
         for (int at = 8 - used; at > -used; at -= used)

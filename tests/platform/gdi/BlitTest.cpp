@@ -90,6 +90,11 @@ TEST(BitBlt, CopiesABlockAndCutsItToBothSurfaces)
         EXPECT_EQ(Read(to, 0, y, 1040, y + 1), Read(large, 0, y + 2, 1040, y + 3)) << y;
     EXPECT_EQ(GetPixel(to, 0, 0), ColorOf('.'));
     EXPECT_EQ(GetPixel(to, 1039, 1026), ColorOf('.'));
+
+    constexpr int kWidth = (1 << 20) + 15; // in steps of 16, and the rest
+    const Paper wide(kWidth, 1, 'R'), row(kWidth, 1);
+    EXPECT_EQ(Blit(row, {0, 0, kWidth, 1, 0, 0}, wide), 1);
+    EXPECT_EQ(GetPixel(row, kWidth - 1, 0), ColorOf('R'));
 }
 
 // Each direction, within one surface: whole, and cut into parts that lie side by side and below each other.
