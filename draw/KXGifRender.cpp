@@ -4,8 +4,6 @@
 #include "draw/Guard.h"
 #include "draw/WideText.h"
 
-#include <algorithm>
-#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <vector>
@@ -22,9 +20,7 @@ std::shared_ptr<Gdiplus::PropertyItem> ReadProperty(const Gdiplus::Image& image,
 {
     using Gdiplus::PropertyItem;
     const UINT nSize = image.GetPropertyItemSize(id);
-    const std::size_t nRecords =
-        std::max<std::size_t>(1, (nSize + sizeof(PropertyItem) - 1) / sizeof(PropertyItem));
-    const auto pBlock = std::make_shared<PropertyItem[]>(nRecords);
+    const auto pBlock = std::make_shared<PropertyItem[]>(nSize / sizeof(PropertyItem) + 1);
     if (nSize < sizeof(PropertyItem) || image.GetPropertyItem(id, nSize, pBlock.get()) != Gdiplus::Ok)
         pBlock[0] = {};
     return {pBlock, pBlock.get()};

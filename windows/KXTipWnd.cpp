@@ -3,6 +3,8 @@
 #include "KXLanResManager.h"
 #include "platform/Clock.h"
 
+#include <utility>
+
 namespace {
 
 constexpr int kWidth = 200;
@@ -111,9 +113,6 @@ void CKXTipWnd::OnSetFocus(CWnd* pOldWnd)
 
 void CKXTipWnd::OnDestroy()
 {
-    if (m_nTimerId != 0) {
-        KillTimer(m_nTimerId);
-        m_nTimerId = 0;
-    }
+    if (const auto nTimerId = std::exchange(m_nTimerId, 0)) KillTimer(nTimerId);
     CWnd::OnDestroy();
 }

@@ -25,10 +25,10 @@ HBITMAP MakeBitmap(const test::Picture& picture)
 struct Bitmap : testing::Test
 {
     void Attach(int cx, int cy) { bitmap.AttachBitmap(MakeBitmap(cx, cy)); }
-    // The copies of a fill of the first state.
-    std::vector<std::string> Filled(const CRect& rc)
+    // The copies of a fill.
+    std::vector<std::string> Filled(const CRect& rc, int nState = 0)
     {
-        bitmap.DrawFill(&dc, rc, 0);
+        bitmap.DrawFill(&dc, rc, nState);
         return copies.Take();
     }
 
@@ -63,13 +63,13 @@ TEST_F(Bitmap, StatesDivideTheImageAndLeaveTheRest)
 
 TEST_F(Bitmap, DrawsPartsAndKeyedBlocks)
 {
-    Attach(40, 8);
+    Attach(40, 30);
     bitmap.SetMultiState(2, 1);
     bitmap.TransparentDraw(&dc, 3, 4, 0xFF00FF, 1);
     bitmap.TransparentDraw(&dc, 3, 4, 50, 60, 0xFF00FF, 1);
     bitmap.DrawPart(&dc, CRect(1, 2, 6, 5), CRect(3, 1, 100, 100), 1);
     bitmap.TransparentDrawPart(&dc, CRect(1, 2, 6, 5), CRect(3, 1, 5, 7), 0, 0);
-    EXPECT_THAT(copies.Take(), ElementsAre("keyed 3,4 20x8 from 20,0", "keyed 3,4 50x60 from 20,0 20x8",
+    EXPECT_THAT(copies.Take(), ElementsAre("keyed 3,4 20x30 from 20,0", "keyed 3,4 50x60 from 20,0 20x30",
                                            "1,2 5x3 from 23,1", "keyed 1,2 5x3 from 3,1 2x6"));
 }
 
@@ -139,7 +139,7 @@ TEST_F(Bitmap, FillPartsOutliveALoad)
     const test::TempDir dir;
     dir.Write("small.bmp", test::ToBmp({"RGBRGB"}, 24).File());
     EXPECT_EQ(bitmap.LoadBitmapA(dir.Win("small.bmp")), 1);
-    EXPECT_THAT(Filled(CRect(0, 0, 20, 3)), kept);
+    EXPECT_THAT(Filled(CRect(0, 0, 20, 3), 1), kept); // of the only state, whatever is named
     bitmap.SetMultiState(1, 1);
     EXPECT_THAT(Filled(CRect(0, 0, 8, 3)),
                 ElementsAre("2,0 1x1 from 2,0", "3,0 1x1 from 2,0", "4,0 1x1 from 2,0", "0,0 2x1 from 0,0",
@@ -280,17 +280,20 @@ TEST_F(Bitmap, RegionOfAColorOrOfTheRest)
     EXPECT_EQ(all.GetRgnBox(&box), SIMPLEREGION);
 }
 
-// The region of a tall picture is put together from bands in the right order.
-TEST_F(Bitmap, RegionOfATallPicture)
+// The region of a large picture is put together from its pieces in the right order.
+TEST_F(Bitmap, RegionOfALargePicture)
 {
-    test::Picture picture(100, "WW");
-    for (std::size_t y = 0; y < picture.size(); ++y)
-        picture[y][y % 7 == 0 ? 0 : 1] = 'R';
-    bitmap.AttachBitmap(MakeBitmap(picture));
-    CRgn rgn;
-    bitmap.CreateBitmapRgn(rgn, test::ColorOf('R'), 1);
-    for (int y = 0; y < 100; ++y)
-        EXPECT_TRUE(rgn.PtInRegion(y % 7 == 0 ? 0 : 1, y)) << y;
+    for (const int nWidth : {128, 129}) {
+        test::Picture picture = test::Plain(nWidth, 100, 'W');
+        for (int y = 0; y < 100; ++y)
+            picture[static_cast<std::size_t>(y)][static_cast<std::size_t>(y * 29 % nWidth)] = 'R';
+        bitmap.AttachBitmap(MakeBitmap(picture));
+        CRgn rgn;
+        bitmap.CreateBitmapRgn(rgn, test::ColorOf('R'), 1);
+        for (int y = 0; y < 100; ++y)
+            for (int x = 0; x < nWidth; ++x)
+                EXPECT_EQ(rgn.PtInRegion(x, y) != 0, x == y * 29 % nWidth) << x << "," << y;
+    }
 }
 
 TEST_F(Bitmap, LoadsFilesAndForgetsTheOldOne)
@@ -402,6 +405,7 @@ TEST(BitmapHandles, StepsAreOpenToDerivedClasses)
     client.AttachBitmap(MakeBitmap(3, 3));
     client.Step(2);
     EXPECT_EQ(client.GetHBITMAP(), nullptr);
+    EXPECT_EQ(client.GetHDC(), hDC);
     client.AttachBitmap(MakeBitmap(3, 3));
     const CKXBitmap copy = client;
     client.Step(1);
@@ -420,8 +424,11 @@ TEST(BitmapHandles, EachLoadEndsTheOneBefore)
     const test::LinkedIn resources({{"BITMAP/101", bmp}});
     const test::NoLeak noLeak;
     CKXBitmap bitmap;
+    bitmap.AttachBitmap(MakeBitmap(1, 1));
+    DeleteObject(bitmap.DetachBitmap());
     for (int n = 0; n < 2; ++n) {
         EXPECT_EQ(bitmap.LoadBitmapA(101u), 1);
+        EXPECT_EQ(bitmap.DetachBitmap(), nullptr); // what wasn't attached stays
         CRgn rgn;
         bitmap.CreateBitmapRgn(rgn, 0, n);
         EXPECT_EQ(bitmap.LoadBitmapA(dir.Win("image.bmp")), 1);

@@ -58,9 +58,9 @@ TEST_F(Frame, FillsTheCentreBetweenTheLargerCornersIfAsked)
 
 TEST_F(Frame, SmallerThanItsCornersDrawsThemAlone)
 {
-    frame.Draw(&dc, CRect(0, 0, 6, 4), 0, 0);
-    EXPECT_THAT(copies.Take(), testing::ElementsAre("0,0 10x4 from 0,0", "1,0 5x3 from 15,0",
-                                                    "0,2 6x2 from 0,14", "2,-1 4x5 from 16,11"));
+    frame.Draw(&dc, CRect(3, 1, 9, 5), 0, 0);
+    EXPECT_THAT(copies.Take(), testing::ElementsAre("3,1 10x4 from 0,0", "4,1 5x3 from 15,0",
+                                                    "3,3 6x2 from 0,14", "5,0 4x5 from 16,11"));
 }
 
 TEST_F(Frame, EdgesWithoutLengthEnd)

@@ -109,6 +109,11 @@ TEST_F(GdiplusBitmap, RawPixelsAreCopied)
         bitmap.Load(nWidth, nHeight, pixels.data()); // refused before a pixel is read
         EXPECT_EQ(bitmap.IsValid(), 0);
     }
+    pixels.resize(nMax);
+    for (const auto& [nWidth, nHeight] : {std::pair{nMax, 1ul}, {1ul, nMax}}) {
+        bitmap.Load(nWidth, nHeight, pixels.data());
+        EXPECT_EQ(bitmap.IsValid(), 1);
+    }
     bitmap.Load(3, 1, pixels.data());
     bitmap.Load(0, 0, nullptr);
     EXPECT_EQ(bitmap.IsValid(), 0);

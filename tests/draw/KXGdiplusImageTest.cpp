@@ -37,7 +37,11 @@ TEST_F(GdiplusImage, LoadsResourcesAndStreams)
     CreateStreamOnHGlobal(nullptr, 1, &pStream);
     pStream->Write(file.data(), static_cast<ULONG>(file.size()), nullptr);
     EXPECT_EQ(image.Load(pStream), 1);
-    EXPECT_GT(pStream->AddRef(), 2u); // the picture holds it
+    const int nHandles = KXHost::LiveHandles();
+    image.Free();
+    EXPECT_EQ(image.Load(pStream), 1);
+    EXPECT_EQ(KXHost::LiveHandles(), nHandles); // the load before had ended the old one's block
+    EXPECT_GT(pStream->AddRef(), 2u);           // the picture holds it
     EXPECT_THAT(Shown(image), ElementsAre("RG", "BM"));
     image.Free();
     pStream->Release();

@@ -100,12 +100,12 @@ TEST(PaintMemoryDC, CopiesItselfAtItsEnd)
     const test::NoLeak noLeak;
     const test::Paper paper(4, 3, 'W');
     {
-        CKXPaintMemoryDC mem(CDC::FromHandle(paper), CRect(1, 1, 3, 3));
+        CKXPaintMemoryDC mem(CDC::FromHandle(paper), CRect(1, 1, 4, 3));
         CDC& dc = mem;
         dc.FillSolidRect(0, 0, 1, 2, test::ColorOf('R'));
         EXPECT_EQ(test::LetterOf(GetPixel(paper, 1, 1)), 'W');
     }
-    EXPECT_THAT(paper.Read(), ElementsAre("WWWW", "WR.W", "WR.W"));
+    EXPECT_THAT(paper.Read(), ElementsAre("WWWW", "WR..", "WR.."));
     const CKXPaintMemoryDC nowhere(nullptr, CRect(0, 0, 2, 2));
     {
         const CKXPaintMemoryDC none(CDC::FromHandle(paper), CRect(0, 0, 1 << 15, 1 << 15)); // too large
