@@ -8,7 +8,6 @@
 #include "tests/support/RawServer.h"
 #include "tests/support/Registry.h"
 #include "tests/support/ScriptedManager.h"
-#include "tests/support/TempDir.h"
 
 namespace faults {
 

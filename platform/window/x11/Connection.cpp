@@ -35,9 +35,11 @@ bool HasOurMasks(const xcb_visualtype_t& visual) noexcept
 
 const xcb_visualtype_t* FindVisual(const xcb_screen_t& screen)
 {
-    for (auto depth = xcb_screen_allowed_depths_iterator(&screen); depth.rem > 0; xcb_depth_next(&depth))
-        for (auto it = xcb_depth_visuals_iterator(depth.data); it.rem > 0; xcb_visualtype_next(&it))
-            if (it.data->visual_id == screen.root_visual) return it.data;
+    for (auto depth = xcb_screen_allowed_depths_iterator(&screen); depth.rem > 0; xcb_depth_next(&depth)) {
+        const std::span visuals(xcb_depth_visuals(depth.data), depth.data->visuals_len);
+        const auto it = std::ranges::find(visuals, screen.root_visual, &xcb_visualtype_t::visual_id);
+        if (it != visuals.end()) return &*it;
+    }
     return nullptr;
 }
 

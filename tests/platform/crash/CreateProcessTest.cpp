@@ -3,12 +3,6 @@
 #include "include/platform/Sync.h"
 #include "tests/support/Test.h"
 
-#include <csignal>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 namespace {
 
 namespace fs = std::filesystem;

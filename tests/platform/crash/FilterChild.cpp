@@ -2,12 +2,7 @@
 #include "include/platform/Host.h"
 #include "tests/support/CrashKinds.h"
 
-#include <cstdlib>
 #include <ctime>
-#include <map>
-#include <string>
-#include <sys/mman.h>
-#include <unistd.h>
 
 // FilterChild CASE: sets a filter of its own, crashes, and tells by its end what came of it.
 

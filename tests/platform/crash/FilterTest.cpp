@@ -1,8 +1,6 @@
 #include "include/platform/Crash.h"
 #include "tests/support/Test.h"
 
-#include <csignal>
-
 namespace {
 
 constexpr int kCame = 42;

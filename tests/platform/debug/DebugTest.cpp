@@ -11,8 +11,6 @@
 #include "tests/support/ScriptedManager.h"
 #include "tests/support/Test.h"
 
-#include <cerrno>
-
 namespace {
 
 using KXHost::AddDebugObserver;

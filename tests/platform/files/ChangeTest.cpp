@@ -1,12 +1,7 @@
 #include "platform/UniqueFd.h"
 #include "tests/platform/files/Mounted.h"
 
-#include <csignal>
-#include <fcntl.h>
 #include <sys/inotify.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 

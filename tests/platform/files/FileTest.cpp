@@ -1,10 +1,5 @@
 #include "tests/platform/files/Mounted.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 using test::CauseOf;
 
 namespace {

@@ -1,8 +1,5 @@
 #include "tests/platform/files/Mounted.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 

@@ -4,8 +4,6 @@
 #include "tests/support/Picture.h"
 #include "tests/support/Test.h"
 
-#include <stdexcept>
-
 namespace {
 
 constexpr UINT kOwn = WM_USER + 1;

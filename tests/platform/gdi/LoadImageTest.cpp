@@ -3,8 +3,6 @@
 #include "tests/platform/gdi/LoadedImage.h"
 #include "tests/platform/module/Bundles.h"
 
-#include <sys/stat.h>
-
 namespace {
 
 using namespace test;

@@ -3,10 +3,6 @@
 #include "tests/support/Picture.h"
 #include "tests/support/TempDir.h"
 
-#include <cstring>
-#include <filesystem>
-#include <memory>
-
 namespace test {
 
 // Puts a file with this content on the disk and loads it.

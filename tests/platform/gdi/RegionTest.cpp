@@ -1,8 +1,6 @@
 #include "tests/support/Picture.h"
 #include "tests/support/Test.h"
 
-#include <random>
-
 using namespace test;
 
 namespace {

@@ -4,7 +4,6 @@
 #include "tests/support/Test.h"
 
 #include <ctime>
-#include <unistd.h>
 
 namespace {
 

@@ -3,7 +3,6 @@
 #include "tests/platform/gdiplus/Images.h"
 
 #include <numeric>
-#include <random>
 
 namespace {
 

@@ -1,8 +1,6 @@
 #include "tests/platform/gdiplus/Builders.h"
 #include "tests/platform/gdiplus/Images.h"
 
-#include <random>
-
 namespace {
 
 using namespace test;

@@ -1,9 +1,6 @@
 #include "tests/platform/gdiplus/Images.h"
 
 #include <numeric>
-#include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 

@@ -1,9 +1,6 @@
 #include "tests/platform/gdiplus/Builders.h"
 #include "tests/platform/gdiplus/Images.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 namespace {
 
 using namespace test;

@@ -1,7 +1,5 @@
 #include "tests/platform/gdiplus/Sheet.h"
 
-#include <chrono>
-
 using namespace test;
 
 namespace {

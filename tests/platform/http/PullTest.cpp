@@ -1,9 +1,6 @@
 #include "tests/platform/http/Fetch.h"
 #include "tests/support/RawServer.h"
 
-#include <future>
-#include <semaphore>
-
 namespace {
 
 using test::Fetch;

@@ -2,8 +2,6 @@
 #include "include/platform/Error.h"
 #include "tests/platform/module/Bundles.h"
 
-#include <sys/stat.h>
-
 namespace {
 
 using namespace test;

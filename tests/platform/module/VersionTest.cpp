@@ -3,10 +3,6 @@
 #include "platform/UniqueFd.h"
 #include "tests/platform/module/Images.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 namespace {
 
 using namespace test;

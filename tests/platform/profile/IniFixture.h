@@ -4,7 +4,6 @@
 #include "include/platform/Profile.h"
 #include "tests/support/Test.h"
 
-#include <sys/stat.h>
 #include <time.h>
 
 namespace test {

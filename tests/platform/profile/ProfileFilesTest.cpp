@@ -1,7 +1,5 @@
 #include "tests/platform/profile/IniFixture.h"
 
-#include <unistd.h>
-
 namespace {
 
 using test::IniFile;

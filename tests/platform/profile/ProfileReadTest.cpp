@@ -3,8 +3,6 @@
 #include "platform/profile/IniCache.h"
 #include "tests/platform/profile/IniFixture.h"
 
-#include <fcntl.h>
-
 namespace {
 
 using test::IniFile;

@@ -1,10 +1,7 @@
 #include "internal/IniSnapshot.h"
 #include "tests/platform/profile/IniFixture.h"
 
-#include <chrono>
-#include <fcntl.h>
 #include <sys/file.h>
-#include <unistd.h>
 
 namespace {
 

@@ -1,9 +1,6 @@
 #include "include/platform/Registry.h"
 #include "tests/support/Test.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 namespace {
 
 constexpr DWORD kBoth = KEY_READ | KEY_WRITE;

@@ -1,12 +1,7 @@
 #include "include/KXWinService.h"
 #include "tests/support/Test.h"
 
-#include <chrono>
-#include <csignal>
-#include <cstdio>
 #include <pwd.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 

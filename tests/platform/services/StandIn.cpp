@@ -2,9 +2,7 @@
 
 #include <ctime>
 #include <poll.h>
-#include <stdexcept>
 #include <sys/eventfd.h>
-#include <unistd.h>
 
 namespace test {
 

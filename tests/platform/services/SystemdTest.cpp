@@ -1,10 +1,7 @@
 #include "tests/platform/services/StandIn.h"
 
-#include <chrono>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/un.h>
-#include <unistd.h>
 
 namespace {
 

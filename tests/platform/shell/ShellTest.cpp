@@ -2,8 +2,6 @@
 #include "include/platform/Error.h"
 #include "tests/support/Test.h"
 
-#include <sys/stat.h>
-
 namespace fs = std::filesystem;
 
 namespace {

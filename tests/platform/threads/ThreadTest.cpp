@@ -2,10 +2,6 @@
 #include "include/platform/Sync.h"
 #include "tests/support/Test.h"
 
-#include <csignal>
-#include <sys/resource.h>
-#include <unistd.h>
-
 namespace {
 
 // A thread that stays until the door opens, and whose thread-local object takes a while to end.

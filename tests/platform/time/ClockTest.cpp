@@ -3,8 +3,6 @@
 #include "include/platform/Time.h"
 #include "tests/support/Test.h"
 
-#include <chrono>
-
 namespace {
 
 using KXHost::AdvanceClock;

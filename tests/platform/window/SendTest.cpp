@@ -4,8 +4,6 @@
 
 #include <latch>
 #include <pthread.h>
-#include <random>
-#include <stdexcept>
 
 using namespace test;
 

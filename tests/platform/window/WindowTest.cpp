@@ -1,8 +1,6 @@
 #include "tests/platform/window/Support.h"
 #include "tests/support/Test.h"
 
-#include <stdexcept>
-
 using namespace test;
 using testing::ElementsAre;
 

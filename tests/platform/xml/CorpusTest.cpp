@@ -5,8 +5,6 @@
 #include "tests/platform/xml/Peer.h"
 #include "tests/support/Com.h"
 
-#include <random>
-
 namespace {
 
 struct Corpus : testing::Test

@@ -5,7 +5,6 @@
 #include "tests/support/Test.h"
 
 #include <ctime>
-#include <sys/resource.h>
 
 namespace {
 

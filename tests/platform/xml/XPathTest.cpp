@@ -3,8 +3,6 @@
 #include "tests/platform/xml/Peer.h"
 #include "tests/support/Com.h"
 
-#include <random>
-
 namespace {
 
 struct XPath : testing::Test

@@ -11,13 +11,6 @@
 #include "include/platform/Exception.h"
 #include "tests/support/ShortMemory.h"
 
-#include <cstdio>
-#include <fstream>
-#include <functional>
-#include <iterator>
-#include <string>
-#include <sys/resource.h>
-
 namespace {
 
 using shortage::g_nFailed;
