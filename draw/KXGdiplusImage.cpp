@@ -96,7 +96,6 @@ int CKXGdiplusImage::Load(const char* pszPath)
         const auto pData = std::make_unique_for_overwrite<BYTE[]>(nLength);
         std::copy_n(head.data(), nHead, pData.get());
         const std::size_t nRead = nHead + file.Read(pData.get() + nHead, nLength - nHead);
-        file.Close();
         return Load(pData.get(), nRead);
     });
 }

@@ -54,7 +54,17 @@ TEST_F(GdiplusImage, FailedLoadsKeepOrDropTheOldOne)
     dir.Write("a.bmp", test::File({"RGB"}));
     EXPECT_EQ(image.Load(dir.Win("a.bmp")), 1);
     dir.Write("a.bmp", "no picture");
-    EXPECT_EQ(image.Load(dir.Win("none.png")), 0);
+    dir.Write("large.bmp", test::File({"RGB"}));
+    std::filesystem::resize_file(dir.Path("large.bmp"), Gdiplus::MAX_IMAGE_BYTES + 1);
+    {
+        const test::DebugText text(true);
+        EXPECT_EQ(image.Load(dir.Win("none.png")), 0);
+        EXPECT_EQ(image.Load(dir.Win("large.bmp")), 0);
+        EXPECT_EQ(text.Text(), "picture: " + std::string(dir.Win("none.png")) +
+                                   " can't be opened; there is no new picture\npicture: " +
+                                   std::string(dir.Win("large.bmp")) +
+                                   " is refused: it is too large; there is no new picture\n");
+    }
     EXPECT_EQ(image.Load(static_cast<const char*>(nullptr)), 0);
     EXPECT_EQ(image.Load(dir.Win()), 0); // a directory
     EXPECT_EQ(image.Load(&byte, ULONG_MAX), 0);
@@ -64,6 +74,8 @@ TEST_F(GdiplusImage, FailedLoadsKeepOrDropTheOldOne)
     EXPECT_EQ(image.Load(dir.Win("a.bmp")), 1);
     EXPECT_EQ(image.GetImage()->GetLastStatus(), Gdiplus::UnknownImageFormat);
     EXPECT_EQ(image.GetImageSize(), CSize(0, 0));
+    dir.Write("a.bmp", "GIF89a"); // nothing but a picture's first bytes
+    EXPECT_EQ(image.Load(dir.Win("a.bmp")), 1);
     Load({"RGB"});
     EXPECT_EQ(image.Load(static_cast<IStream*>(nullptr)), 0);
     EXPECT_EQ(image.GetImageSize(), CSize(0, 0));
