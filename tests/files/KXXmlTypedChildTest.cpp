@@ -146,7 +146,7 @@ TEST_F(KXXmlTypedChild, ReadsNumbers)
     ExpectReads<double>(9, {{"1.5e3x", 1500}, {" -2.25", -2.25}, {"abc", 0}, {"1e999", HUGE_VAL}});
     const std::string zeros(400, '0');
     ExpectReads<double>(9, {{("1" + zeros).c_str(), HUGE_VAL},
-                            {("0." + zeros + "1").c_str(), 0},
+                            {("0." + zeros + "1e009").c_str(), 0},
                             {("0." + zeros + "1e401").c_str(), 1},
                             {("1" + zeros + "e-400").c_str(), 1}});
 }

@@ -149,6 +149,7 @@ TEST_F(Language, SavedChoiceComesBackFromAnIniFile)
 TEST_F(Language, SavedChoiceComesBackFromTheRegistry)
 {
     Init();
+    const test::NoLeak noLeak;
     const test::TempDir dir;
     KXHost::SetRegistryFile(dir.Path("sub/registry.ini"));
     const auto restored = [&](const char* pszApp) {
