@@ -123,11 +123,11 @@ COleDateTime CKXXmlDomElement::GetAttributeDateTime(const char* pszName, COleDat
     CString strText = GetAttributeString(pszName);
     if (strText.IsEmpty()) return tDefault;
     COleDateTime tValue;
-    if (tValue.ParseDateTime(strText, 0, LANG_USER_DEFAULT)) return tValue;
+    if (tValue.ParseDateTime(strText)) return tValue;
     strText.Replace('T', ' ');
     const int nPoint = strText.Find('.');
     if (nPoint > 0) strText = strText.Left(nPoint);
-    tValue.ParseDateTime(strText, 0, LANG_USER_DEFAULT); // on failure day 0, invalid
+    tValue.ParseDateTime(strText); // on failure day 0, invalid
     return tValue;
 }
 
