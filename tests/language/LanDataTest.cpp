@@ -71,7 +71,7 @@ TEST_F(LanData, TextsByHandNeverOverwriteAndEndWithTheLanguage)
 TEST_F(LanData, DiagnosticsTellWhatIsWrongWithTheTexts)
 {
     const test::DebugText described;
-    Load("k=v\nk=w\n");
+    Load("\xEF\xBB\xBFmarked=x\nk=v\nk=w\n");
     Get("none");
     const test::DebugText debug(true);
     Get("none");
@@ -80,14 +80,16 @@ TEST_F(LanData, DiagnosticsTellWhatIsWrongWithTheTexts)
     lans->SetCurrentLan("L", 0);
     for (int n = 0; n < 2; ++n)
         Get("none");
-    const std::string root = std::string(test::AppDir().Win(tree.Name())) + "\\";
+    const std::string root = "language: " + std::string(test::AppDir().Win(tree.Name())) + "\\";
+    const std::string data = root + "L\\Data.txt";
     const std::string missing = "language: there is no text for key \"none\"; the key is taken\n";
-    EXPECT_EQ(
-        debug.Text(),
-        missing + "language: " + root +
-            "nameless is passed over: its Lan.ini isn't there or has no key Language in section [Language]\n"
-            "language: " +
-            root + "L\\Data.txt:2: key k stands at line 1 already, and that text is taken\n" + missing);
+    EXPECT_EQ(debug.Text(), missing + root +
+                                "nameless is passed over: its Lan.ini isn't there or has no key Language in "
+                                "section [Language]\n" +
+                                data +
+                                ":1: begins with a mark of UTF-8, which becomes part of the first key\n" +
+                                data + ":3: key k stands at line 2 already, and that text is taken\n" + data +
+                                " seems to be UTF-8, and is read in another code page\n" + missing);
     EXPECT_EQ(described.Text(), "");
 }
 
