@@ -30,7 +30,7 @@ std::shared_ptr<Gdiplus::PropertyItem> ReadProperty(const Gdiplus::Image& image,
 std::uint64_t DelayOf(const Gdiplus::PropertyItem& item, DWORD nFrame)
 {
     DWORD nHundredths = 0;
-    if (item.value && nFrame < item.length / sizeof(nHundredths))
+    if (nFrame < item.length / sizeof(nHundredths))
         std::memcpy(&nHundredths, static_cast<const BYTE*>(item.value) + nFrame * sizeof(nHundredths),
                     sizeof(nHundredths));
     return std::uint64_t{nHundredths} * 10;

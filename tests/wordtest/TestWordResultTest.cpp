@@ -15,19 +15,20 @@ const CRect rcRight(14, 50, 190, 90);
 
 struct WordResult : test::Words
 {
-    void Draw(WordSheet& sheet, const char* pszRight, const char* pszAnswer, COLORREF clrFrame = 0)
+    void Draw(WordSheet& sheet, const char* pszRight, const char* pszAnswer, COLORREF clrFrame = 0,
+              const CRect& rcLower = rcRight)
     {
-        CKXEnglishWord::DrawTestWordResult(&sheet, pszRight, pszAnswer, rcAnswer, rcRight, &font, clrAllRight,
+        CKXEnglishWord::DrawTestWordResult(&sheet, pszRight, pszAnswer, rcAnswer, rcLower, &font, clrAllRight,
                                            clrFrame, clrRight, clrWrong);
     }
     // In the mode that the device has.
-    void DrawLabels(WordSheet& sheet)
+    void DrawLabels(WordSheet& sheet, const CRect& rcLower = rcRight)
     {
         CFont label;
         test::MakeFont(label, lans->GetString("IDS_DEF_FONT"), 12, FW_BOLD);
         const HGDIOBJ hOld = SelectObject(sheet, label.GetSafeHandle());
         const COLORREF clrOld = sheet.SetTextColor(RGB(128, 128, 128));
-        CRect upper = rcAnswer, lower = rcRight;
+        CRect upper = rcAnswer, lower = rcLower;
         sheet.DrawText("\xC4\xFA\xB5\xC4\xC6\xB4\xD0\xB4\xA3\xBA", &upper, DT_SINGLELINE | DT_VCENTER);
         sheet.DrawText("\xD5\xFD\xC8\xB7\xC6\xB4\xD0\xB4\xA3\xBA", &lower, DT_SINGLELINE | DT_VCENTER);
         sheet.SetTextColor(clrOld);
@@ -107,8 +108,9 @@ TEST_F(WordResult, LabelsAreInTheFontThatTheLanguageNames)
         test::AppDir().Write("words/E/Data.txt", face.empty() ? face : "IDS_DEF_FONT = " + face);
         EXPECT_EQ(lans->Initialize("words") + lans->SetCurrentLan("E", 0), 2);
         WordSheet sheet, expected;
-        Draw(sheet, "", "x", static_cast<COLORREF>(face.size())); // the frame's colour changes nothing
-        DrawLabels(expected);
+        const CRect rcNear(14, 10, 190, 50); // so that the lower one lies over the upper
+        Draw(sheet, "", "x", static_cast<COLORREF>(face.size()), rcNear); // the frame's colour is nothing
+        DrawLabels(expected, rcNear);
         EXPECT_EQ(sheet.DifferenceTo(expected), "") << face;
         EXPECT_NE(sheet.DifferenceTo(WordSheet()), "");
     }
