@@ -267,6 +267,12 @@ TEST(TipFade, RisesAndFallsEvenlyAndIsShownAnewWhileItFalls)
     std::atomic<bool> over{false};
     std::thread thread([&] {
         tip.CreateTipWnd();
+        CWnd cover; // above all but the tip
+        const auto hBlack = static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH));
+        const CRect rc(kLeft, kTop, kLeft + 1, kTop + 1);
+        cover.CreateEx(0, AfxRegisterWndClass(0, nullptr, hBlack), "", WS_POPUP | WS_VISIBLE, rc, nullptr, 0);
+        cover.SetWindowPos(HWND_TOPMOST, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
+        Pump();
         made.release();
         tip.ShowTipWnd("first", 100);
         MSG msg;
