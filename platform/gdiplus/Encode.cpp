@@ -139,8 +139,7 @@ Gdiplus::Status WriteBmp(const PixelView& view, Bytes& file)
         .Put(BI_RGB, 4)
         .Put(nPixels, 4)
         .Put(kPixelsPerMetre, 4)
-        .Put(kPixelsPerMetre, 4)
-        .Put(0, 8);
+        .Put(kPixelsPerMetre, 4); // no colours: the rest is 0
     RowsOverBlack rows(view);
     std::uint8_t* to = file.data() + kHeaders;
     for (int y = view.height; y-- > 0; to += nRow) {

@@ -241,14 +241,6 @@ bool Connection::HasCompositor() const noexcept
     return owner && owner->owner != XCB_NONE;
 }
 
-bool Connection::IsLocal() const noexcept
-{
-    sockaddr_storage peer{};
-    socklen_t length = sizeof peer;
-    const int fd = xcb_get_file_descriptor(Get());
-    return getpeername(fd, reinterpret_cast<sockaddr*>(&peer), &length) == 0 && peer.ss_family == AF_UNIX;
-}
-
 // The server counts words, and those of the request's head with them.
 std::size_t Connection::MostRequestBytes() const noexcept
 {

@@ -83,8 +83,6 @@ public:
 
     xcb_connection_t* Get() const noexcept { return m_connection.get(); }
     bool IsLost() const noexcept { return xcb_connection_has_error(Get()) != 0; }
-    // Whether it is on this machine, so that memory can be shared with it.
-    bool IsLocal() const noexcept;
     // How many bytes of its own a request may carry.
     std::size_t MostRequestBytes() const noexcept;
     // Makes it lost, and lets go whoever waits for it. Any thread.

@@ -11,10 +11,8 @@
 
 namespace kx::window::x11 {
 
-// The memory goes to the server as a file, which a connection to another machine can't carry.
 bool SharedMemory::IsOffered(const Connection& connection)
 {
-    if (!connection.IsLocal()) return false;
     const auto* extension = xcb_get_extension_data(connection.Get(), &xcb_shm_id);
     if (!extension || !extension->present) return false;
     const auto cookie = xcb_shm_query_version(connection.Get());
@@ -37,7 +35,7 @@ SharedMemory::SharedMemory(const Connection& connection, std::size_t nSize)
         munmap(memory, nSize);
 }
 
-// Takes the file.
+// Takes the file, which a connection to another machine can't carry: its server refuses.
 bool SharedMemory::Attach(int fd)
 {
     m_id = xcb_generate_id(m_connection.Get());

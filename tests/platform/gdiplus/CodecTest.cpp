@@ -129,6 +129,11 @@ TEST_F(CodecTest, WhatIsThereOfACutFileIsShown)
     for (const auto& [type, nHeader] :
          {std::pair{u"bmp", 54u}, {u"png", 41u}, {u"gif", 791u}, {u"jpeg", 623u}})
         EXPECT_EQ(LoadStatus(whole(type).substr(0, nHeader + 30)), GenericError) << nHeader;
+    // A row may lack its padding, but no pixel's byte.
+    const Picture pair = {"RGB", "RGB"};
+    const std::string rows = ToBmp(pair, 24).File();
+    EXPECT_EQ(Loaded(rows.substr(0, rows.size() - 3)).Letters(), pair);
+    EXPECT_EQ(Loaded(rows.substr(0, rows.size() - 4)).Pixel(0, 0), 0u);
     // A TIFF of two strips, described before them.
     const std::vector<TiffEntry> strips = {{256, 1, 1}, {257, 1, 2}, {258, 1, 8},
                                            {259, 1, 1}, {262, 1, 1}, {273, 2, 122 | 123 << 16},

@@ -148,6 +148,9 @@ TEST_F(Draw, ChangesColoursByAMatrix)
     attributes.SetColorMatrix(&matrix);
     EXPECT_EQ(Through(attributes, {0xFF60FF10, 0x0080FF11, 0xFFFFFFFF}),
               (Row{0x60C0003B, 0x80FF003C, 0xFFFF00B3}));
+    const ColorMatrix green = Diagonal(1, 0.5F, 1, 1);
+    attributes.SetColorMatrix(&green);
+    EXPECT_EQ(Through(attributes, {0xFF604020}), Row{0xFF602020});
     for (float& entry : matrix.m[1])
         entry = std::numeric_limits<float>::max();
     for (float& entry : matrix.m[0])

@@ -161,7 +161,8 @@ public:
         std::memcpy(to, bytes.data() + at, *pnRead);
         at += *pnRead;
         *pnRead += lie;
-        return *pnRead > 0 ? S_OK : S_FALSE;
+        if (*pnRead == 0) ++ends;
+        return *pnRead > 0 || ends == 1 ? S_OK : S_FALSE; // the end is told by either
     }
     HRESULT Write(const void*, ULONG n, ULONG* pnWritten) override
     {
@@ -181,6 +182,7 @@ public:
     std::size_t at = 1;
     ULONG refs = 1;
     ULONG lie = 0;
+    ULONG ends = 0;
     ULONG room = 0;
     bool seeks = true;
 };
@@ -193,6 +195,7 @@ TEST_F(ImageTest, AStreamIsReadFromItsBeginningAndHeldAsLongAsTheImageLives)
         EXPECT_EQ(bitmap.GetLastStatus(), Ok);
         EXPECT_EQ(bitmap.GetWidth(), 1u);
         EXPECT_EQ(stream.refs, 2u);
+        EXPECT_EQ(stream.ends, 1u);
     }
     EXPECT_EQ(stream.refs, 1u);
 
@@ -309,6 +312,7 @@ TEST_F(ImageTest, AThumbnailHasExactlyTheSizeAsked)
     };
     EXPECT_EQ(thumbnail(2, 1)->Letters(), (Picture{"RB"}));
     EXPECT_EQ(thumbnail(1, 1)->Pixels(), Row{0xFF800080}); // the mean
+    EXPECT_EQ(thumbnail(1, 1)->Format(), PixelFormat32bppARGB);
     EXPECT_EQ(thumbnail(0, 0)->Width(), 120u);
     EXPECT_EQ(thumbnail(0, 0)->Height(), 120u);
     EXPECT_EQ(thumbnail(7, 300)->Height(), 300u);

@@ -34,7 +34,11 @@ TEST_F(SaveTest, WhatIsSavedLoadsAsItWas)
             EXPECT_EQ(Loaded(Saved(Loaded(picture, format), type)).Letters(), picture);
     for (const auto* const type : {u"gif", u"tiff", u"png"})
         EXPECT_EQ(Loaded(Saved(Loaded(Picture{"R B", " G "}), type)).Letters(), (Picture{"R B", " G "}));
-    EXPECT_EQ(Loaded(Saved(Loaded(picture), u"bmp")).Format(), PixelFormat24bppRGB);
+    const std::string bmp = Saved(Loaded(picture), u"bmp"), header = bmp.substr(0, 54);
+    const std::string size = Le(5, 4) + Le(3, 4) + Le(1, 2) + Le(24, 2), dots = Le(3780, 4) + Le(3780, 4);
+    EXPECT_EQ(header, "BM" + Le(102, 4) + Le(0, 4) + Le(54, 4) + Le(40, 4) + size + Le(0, 4) + Le(48, 4) +
+                          dots + Le(0, 8));
+    EXPECT_EQ(Loaded(bmp).Format(), PixelFormat24bppRGB);
     EXPECT_EQ(Loaded(Saved(Loaded(picture), u"png")).Format(), PixelFormat32bppARGB);
     EXPECT_EQ(Loaded(Saved(Loaded(picture, PixelFormat32bppRGB), u"png")).Format(), PixelFormat24bppRGB);
     const Loaded gray(Saved(Loaded(Picture(16, std::string(16, 'W'))), u"jpeg"));

@@ -79,6 +79,7 @@ TEST_F(Scale, DrawsABlockOfThePictureOnly)
         // Reduced.
         {0, 1, 1, 2, {25, 0, 0, 0, 0, 0}},
         {0, 2, 0.5F, 2.5F, {16, 28, 0, 0, 0, 0}},
+        {0.25F, 0.9375F, 0, 3, {18, 0, 0, 0, 0, 0}}, // to less than a pixel, of which 0.8 are seen
         // Blocks between pixels cover those whose centres they do.
         {0.6F, 2, 1, 2, {0, 24, 30, 0, 0, 0}},
         {0.5F, 1, 2, 1, {30, 0, 0, 0, 0, 0}},

@@ -146,6 +146,15 @@ TEST_F(X11LostTest, TheServerMayGoWhileTheKeyboardIsAskedFor)
     }
 }
 
+// The way to it is the network's, over which no memory goes.
+TEST_F(X11LostTest, AServerOfAnotherMachineIsSentItsPixels)
+{
+    const XRelay relay(*server, INT_MAX, XRelay::End::Closed);
+    Use(relay.Name());
+    const ColorWindow window(kRed, {0, 0, 300, 300});
+    ShowSeen(window, kRed, 299, 299);
+}
+
 // A server that says nothing any more holds nobody up for longer than it was given.
 TEST_F(X11LostTest, AServerThatStopsIsGivenUp)
 {
