@@ -92,6 +92,10 @@ TEST_F(Stats, TheIdIsMadeOnceAndKept)
     EXPECT_THAT(id, MatchesRegex(kHex));
     EXPECT_TRUE(first.ReadUserId(stored));
     EXPECT_EQ(stored, id.c_str());
+    const int nHandles = KXHost::LiveHandles(); // among which are the last report's, for a while
+    for (int n = 0; n < 100; ++n)
+        first.ReadUserId(stored);
+    EXPECT_LT(KXHost::LiveHandles(), nHandles + 50);
     Sender second;
     EXPECT_EQ(IdOf(second), id);
     EXPECT_TRUE(second.SaveUserId("another"));
