@@ -220,7 +220,7 @@ TEST_F(Skins, DiagnosticsTellWhatIsMissing)
 {
     const test::DebugText described;
     const test::DebugText debug(true);
-    Tree().Write("Skins/Partial/Skin.ini", "[COLOR]\r\nTextColour=1,2,3\r\n");
+    Tree().Write("Skins/Partial/Skin.ini", "TextColor=1,2,3\r\n[COLOR]\r\n");
     skins->SetSkin("Partial", 0);
     Tree().Write("Skins/Partial/Skin.ini", test::SkinFile("Skin.ini"));
     const auto linesOf = [&](const std::string& name) {
@@ -232,7 +232,8 @@ TEST_F(Skins, DiagnosticsTellWhatIsMissing)
     };
     const std::string path = "skin: " + std::string(root) + "Partial\\";
     EXPECT_THAT(linesOf("Skin.ini"),
-                ElementsAre(path + "Skin.ini:2: nothing reads key TextColour; did you mean \"TextColor\"?"));
+                ElementsAre(path + "Skin.ini:1: key TextColor stands before the first section, where nothing "
+                                   "reads it"));
     EXPECT_THAT(linesOf("Common\\Button\\PushButton.bmp"),
                 ElementsAre(path + "Common\\Button\\PushButton.bmp is missing: nothing is drawn where it is "
                                    "needed"));

@@ -56,10 +56,10 @@ TEST_F(Skin, FindsWhatIsWrongInSkinIni)
          {"3:3: warning: \"TextColor\" is no key: it has no \"=\" [skin.no-key]"}},
         {"[Border]\nDrawType=1\ndrawtype=2\n",
          {"3:1: warning: key drawtype stands at line 2 already, and only that one is read [skin.key-twice]"}},
-        {"[COLOR]\nTextColor = red\nBackColor=1,2\nTitleColor=1,2,256\n",
+        {"[COLOR]\nTextColor = red\nBackColor=\"1,2\"\nTitleColor=1,2,256\n",
          {"2:13: error: \"red\" is no colour, which is three numbers from 0 to 255; RGB(0,0,0) is taken "
           "[skin.bad-color]",
-          "3:11: error: \"1,2\" is no colour, which is three numbers from 0 to 255; RGB(255,255,255) is "
+          "3:12: error: \"1,2\" is no colour, which is three numbers from 0 to 255; RGB(255,255,255) is "
           "taken "
           "[skin.bad-color]",
           "4:12: error: \"1,2,256\" is no colour, which is three numbers from 0 to 255; RGB(255,255,255) is "
