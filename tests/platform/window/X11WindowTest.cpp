@@ -107,6 +107,14 @@ TEST_F(X11WindowTest, OthersAreToldWhatAWindowIs)
     ShowWindow(framed.handle, SW_SHOWNA);
     const std::string above = numbers({outside->Atom("_NET_WM_STATE_ABOVE")});
     EXPECT_TRUE(Soon([&] { return framedHas("_NET_WM_STATE") == above; }));
+
+    // One that is shown asks its manager.
+    outside->HearRequests();
+    for (const auto& [order, bAbove] : {std::pair{HWND_NOTOPMOST, 0u}, {HWND_TOPMOST, 1u}}) {
+        SetWindowPos(framed.handle, order, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
+        const std::vector asked{bAbove, outside->Atom("_NET_WM_STATE_ABOVE")};
+        EXPECT_TRUE(Soon([&] { return outside->TakeRequest() == asked; })) << bAbove;
+    }
 }
 
 // An icon of one colour, 0xFF302010 with its opacity.
