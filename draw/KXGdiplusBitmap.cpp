@@ -58,7 +58,7 @@ CKXGdiplusBitmap::CKXGdiplusBitmap(const CKXGdiplusBitmap& bitmap)
 
 CKXGdiplusBitmap& CKXGdiplusBitmap::operator=(const CKXGdiplusBitmap& bitmap)
 {
-    if (bitmap.m_pBitmap == m_pBitmap || bitmap.m_pBuffer == m_pBuffer) return *this;
+    if (this == &bitmap || bitmap.m_pBitmap == m_pBitmap || bitmap.m_pBuffer == m_pBuffer) return *this;
     Free();
     m_nWidth = bitmap.m_nWidth;
     m_nHeight = bitmap.m_nHeight;
