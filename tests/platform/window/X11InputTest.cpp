@@ -177,7 +177,7 @@ TEST_F(X11InputTest, TheMouseIsCapturedAndHeardToLeave)
     EXPECT_EQ(GetCapture(), nullptr);
 }
 
-// But that IDC_NO, a cross, may be the screen's own.
+// IDC_NO isn't asked for: its cross may be the screen's own cursor.
 TEST_F(X11InputTest, EachCursorLooksDifferent)
 {
     ColorWindow window(kRed, {0, 0, 100, 100});
