@@ -24,9 +24,7 @@ void GUID2String(const GUID& guid, CString& strGuid)
 
 void String2GUID(CString strGuid, GUID& guid)
 try {
-    const bool bOpens = strGuid.GetAt(0) == '{';
-    const bool bCloses = strGuid.GetAt(strGuid.GetLength() - 1) == '}';
-    if (!bOpens && !bCloses) strGuid = "{" + strGuid + "}";
+    if (strGuid.GetAt(0) != '{') strGuid = "{" + strGuid + "}";
     // A byte never becomes more than one unit.
     std::u16string wide(strGuid.View().size() + 1, u'\0');
     MultiByteToWideChar(CP_ACP, 0, strGuid, -1, wide.data(), static_cast<int>(wide.size()));

@@ -166,22 +166,34 @@ TEST_F(Log, AFullDiskLosesLinesButNotTheWriter)
 // The system cuts a line where a limit of the file's size is, as a full disk does.
 TEST_F(Log, ALineBehindOneThatTheDiskCutStandsOnItsOwn)
 {
-    Start();
     const std::string line = "[2009-03-14 08:05:09] 1 " + std::string(59, 'x') + "\n"; // of 84 bytes
-    {
-        const test::FileLimit room(11 * 84 + 1); // of the line behind the eleventh one byte
-        for (int n = 0; n < 30; ++n)
-            log->PushLog(Level::LogInfo, CString('x', 59));
-        log->Flush(INFINITE); // some are lost, maybe before this waits for them
-        log->PushLog(Level::LogInfo, "lost too");
-        log->Flush(INFINITE);
-    }
-    log->PushLog(Level::LogInfo, "after");
-    EXPECT_EQ(log->Flush(INFINITE), 1);
-    std::string expected;
+    std::string eleven;
     for (int n = 0; n < 11; ++n)
-        expected += line;
-    EXPECT_EQ(Text(), expected + "[\n[2009-03-14 08:05:09] 1 after\n");
+        eleven += line;
+    const std::tuple<rlim_t, rlim_t, const char*> rooms[] = {
+        {0, 0, ""},
+        {1, 1, "[\n"}, // one byte of a line, and none of the next try
+        {1, 2, "[\n"}, // the end of that line alone
+    };
+    for (const auto& [first, second, left] : rooms) {
+        SCOPED_TRACE(second);
+        Start();
+        {
+            const test::FileLimit room(eleven.size() + first);
+            for (int n = 0; n < 30; ++n)
+                log->PushLog(Level::LogInfo, CString('x', 59));
+            log->Flush(INFINITE); // some are lost, maybe before this waits for them
+        }
+        {
+            const test::FileLimit room(eleven.size() + second);
+            log->PushLog(Level::LogInfo, "lost too");
+            log->Flush(INFINITE);
+        }
+        log->PushLog(Level::LogInfo, "after");
+        EXPECT_EQ(log->Flush(INFINITE), 1);
+        log->Uninitialize();
+        EXPECT_EQ(Text(), eleven + left + "[2009-03-14 08:05:09] 1 after\n");
+    }
 }
 
 // The far end of a terminal, which takes no more once nobody reads what was written.

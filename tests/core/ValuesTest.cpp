@@ -1,5 +1,5 @@
 #include "KXCommonClass.h"
-#include "tests/support/Test.h"
+#include "tests/platform/module/Images.h"
 
 #include <dlfcn.h>
 
@@ -15,6 +15,14 @@ TEST(KXExeFileInfo, ReadsAnExecutablesVersion)
     EXPECT_EQ(info.dwMinor, 0u);
     EXPECT_EQ(info.dwRevision, 0u);
     EXPECT_EQ(info.dwBuild, 0u);
+
+    const test::TempDir dir;
+    dir.Write("image", test::PeImage(true).bytes);
+    ASSERT_EQ(CKXExeFileInfo::GetFileInfo(dir.Win("image"), info), 1);
+    EXPECT_EQ(info.dwMajor, 1u);
+    EXPECT_EQ(info.dwMinor, 2u);
+    EXPECT_EQ(info.dwRevision, 3u);
+    EXPECT_EQ(info.dwBuild, 4u);
 }
 
 TEST(KXExeFileInfo, WithoutAVersionNothingChanges)

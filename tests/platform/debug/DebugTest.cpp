@@ -221,9 +221,11 @@ TEST(Diagnostics, SayWhatIsWrongWithAFileAndWhatIsTakenInstead)
     EXPECT_EQ(HeardOfImage(strText), refused(strText, pszNone));
     EXPECT_EQ(HeardOfPicture(strText), refused(strText, pszNone));
     EXPECT_EQ(HeardOfPicture(strBmp), ""); // nor is a look at its head told of
-    EXPECT_EQ(HeardOfImage(strPng), refused(strPng, "its content is damaged"));
     EXPECT_EQ(HeardOfPicture(strJpeg), refused(strJpeg, pszNoImage));
+    EXPECT_EQ(HeardOfPicture(strPng),
+              refused(strPng, "its content is damaged")); // nothing left of the last one
     EXPECT_EQ(HeardOfImage(strJpeg), refused(strJpeg, pszNoImage));
+    EXPECT_EQ(HeardOfImage(strPng), refused(strPng, "its content is damaged"));
     EXPECT_EQ(
         Heard([&] { CKXBitmap().LoadBitmapA(strText); }),
         std::string("picture: " + strText + " can't be read as a BMP file; nothing is drawn from it\n"));

@@ -155,8 +155,7 @@ TEST(Desktop, MessageBoxesAreRecorded)
 // While the process ends, the main thread's windows are gone before its static objects.
 TEST(Desktop, WorksFromStaticDestructors)
 {
-    test::Child child("WindowExitChild", {}, {}, true);
-    EXPECT_EQ(child.Wait(), 0) << child.ErrorText();
+    EXPECT_EQ(test::RunChild("WindowExitChild", {}), "");
 }
 
 } // namespace

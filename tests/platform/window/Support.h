@@ -61,14 +61,6 @@ inline RECT PlaceOf(HWND hWnd)
     return rect;
 }
 
-// Ends a child program, saying what is wrong, unless it is as it should be.
-inline void Check(bool bGood, const char* pszWrong)
-{
-    if (bGood) return;
-    std::fprintf(stderr, "%s\n", pszWrong);
-    _exit(1);
-}
-
 // Runs on a thread of its own, which has no queue yet and loses it afterwards.
 inline void InThread(const std::function<void()>& body)
 {

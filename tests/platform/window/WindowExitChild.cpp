@@ -1,9 +1,10 @@
-// Ends with code 0 if windows and messages behave while static objects are destroyed: a thread that waits for
+// Says nothing if windows and messages behave while static objects are destroyed: a thread that waits for
 // the main thread's window is released, and nothing crashes or hangs afterwards.
 
 #include "include/platform/Host.h"
 #include "include/platform/MessageBox.h"
 #include "tests/platform/window/Support.h"
+#include "tests/support/Check.h"
 
 #include <memory>
 

@@ -1,8 +1,9 @@
-// Ends with code 0 if the desktop is the expected one, a forked child doesn't disturb its parent's, and the
+// Says nothing if the desktop is the expected one, a forked child doesn't disturb its parent's, and the
 // process ends with a window there, whose handle is harmless while static objects are destroyed.
 
 #include "include/platform/Host.h"
 #include "tests/platform/window/Support.h"
+#include "tests/support/Check.h"
 
 #include <cstdlib>
 #include <cstring>
