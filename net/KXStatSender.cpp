@@ -1,7 +1,7 @@
 #include "KXStatSender.h"
 
+#include "KXGuid.h"
 #include "KXHttpDownloadMgr.h"
-#include "platform/Guid.h"
 #include "platform/Registry.h"
 
 #include <array>
@@ -36,12 +36,9 @@ private:
 
 CString MakeUserId()
 {
-    GUID guid;
-    if (CoCreateGuid(&guid) != S_OK) return "xxxx";
-    const std::uint8_t* tail = guid.Data4;
     CString strId;
-    strId.Format("%08X%04X%04X%02X%02X%02X%02X%02X%02X%02X%02X", guid.Data1, guid.Data2, guid.Data3, tail[0],
-                 tail[1], tail[2], tail[3], tail[4], tail[5], tail[6], tail[7]);
+    if (!CreateGUIDString(strId)) return "xxxx";
+    strId.Replace("-", "");
     return strId;
 }
 

@@ -15,10 +15,7 @@ HICON LoadSmallIcon(const CString& strFile, std::shared_ptr<void>& owner)
 {
     constexpr int nSide = 16;
     const HANDLE hIcon = LoadImageA(nullptr, strFile, IMAGE_ICON, nSide, nSide, LR_LOADFROMFILE);
-    if (hIcon)
-        owner.reset(hIcon, [](HANDLE handle) { DestroyIcon(static_cast<HICON>(handle)); });
-    else
-        owner.reset();
+    owner.reset(hIcon, [](HANDLE handle) { DestroyIcon(static_cast<HICON>(handle)); });
     return static_cast<HICON>(hIcon);
 }
 

@@ -120,6 +120,18 @@ TEST_F(FileSystemTrees, DeleteFolderEndsAtTheFirstFailure)
     EXPECT_TRUE(dir.Exists("t/c/f"));
 }
 
+// A user without rights does this where the tests run as root.
+TEST_F(FileSystemTrees, DeleteFolderTakesAnEmptyOneThatMayNotBeRead)
+{
+    const bool bRoot = geteuid() == 0;
+    fs::permissions(dir.Path(), fs::perms::all);
+    ASSERT_TRUE(!bRoot || seteuid(65534) == 0);
+    EXPECT_EQ(mkdir(dir.Path("t").c_str(), 0), 0);
+    EXPECT_NE(CKXFileSystem::DeleteFolder(dir.Win("t")), 0);
+    ASSERT_TRUE(!bRoot || seteuid(0) == 0);
+    EXPECT_FALSE(dir.Exists("t"));
+}
+
 TEST_F(FileSystemTrees, AnEmptyPathIsNoRoot)
 {
     dir.Write("f", "x");

@@ -142,7 +142,8 @@ TEST_F(KXXmlTypedChild, ReadsNumbers)
                           {"-9223372036854775808", Quad{1} << 63},
                           {"x", 9},
                           {" 7 ", 7},
-                          {"18446744073709551615", ULLONG_MAX}});
+                          {"18446744073709551615", ULLONG_MAX},
+                          {"-18446744073709551615", 1}});
     ExpectReads<double>(9, {{"1.5e3x", 1500}, {" -2.25", -2.25}, {"abc", 0}, {"1e999", HUGE_VAL}});
     const std::string zeros(400, '0');
     ExpectReads<double>(9, {{("1" + zeros).c_str(), HUGE_VAL},

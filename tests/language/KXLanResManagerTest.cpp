@@ -75,8 +75,10 @@ TEST_F(Language, ListsDirectoriesThatNameThemselves)
         EXPECT_STREQ(lans->GetLanName(n), "");
         EXPECT_STREQ(lans->GetLanID(n), "");
     }
+    const test::DebugText text(true);
     EXPECT_EQ(lans->Initialize("nowhere"), 0);
     EXPECT_EQ(lans->GetLanCount(), 0);
+    EXPECT_THAT(text.Text(), testing::EndsWith("\\nowhere\\ can't be read: there is no language\n"));
 }
 
 TEST_F(Language, SelectsByPositionAndByExactIdentifier)

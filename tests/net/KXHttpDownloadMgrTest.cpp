@@ -231,6 +231,30 @@ TEST_F(Downloads, AStopIsSeenBehindABlock)
     EXPECT_EQ(dir.Read("file").size(), journal.Notices().back().received);
 }
 
+// A connection that is cut serves no other task.
+TEST_F(Downloads, ACutConnectionIsClosedWhenItsTaskIsOver)
+{
+    static std::atomic<bool> s_bClosed;
+    static test::Manager* s_pManager;
+    s_pManager = &*manager;
+    s_bClosed = false;
+    const RawServer cut([](test::Peer& peer) {
+        peer.Request();
+        peer.Send(kOk + "Content-Length: 10\r\n\r\nhello");
+        peer.AwaitClose();
+        s_bClosed = true;
+    });
+    const auto callback = [](unsigned int code, unsigned int, CString const&, CString const&, unsigned long,
+                             unsigned long, unsigned int) {
+        if (code == 2030) s_pManager->StopDownload();
+        if (code == 2031) test::Await([] { return s_bClosed.load(); });
+        return 0;
+    };
+    manager->AddTask(cut.Url().c_str(), "", callback, 0);
+    AwaitEnd(1);
+    EXPECT_TRUE(s_bClosed);
+}
+
 TEST_F(Downloads, TasksOfManyThreadsAreAllServed)
 {
     test::RunThreads(4, [this](int) {

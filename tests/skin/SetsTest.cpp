@@ -219,6 +219,7 @@ TEST_F(Sets, ButtonsAreLoadedMeasuredAndFilled)
               "TabBtnHorz_Left=5 TabBtnHorz_Right=6 ListViewHeaderLeft=7 ListViewHeaderRight=8 "
               "ListViewHeader_Left=50 MainTabBtn_Mask=0,1|2,3 MainTabBtnIntersect_Height=9");
     EXPECT_THAT(flags(), Each(1));
+    EXPECT_EQ(res.m_bmpPushButton.IsHorzMultiState(), 1);
     EXPECT_THAT(sizes(), ElementsAre("31x1", "13x2", "19x3", "19x4", "39x5", "39x6", "39x7", "39x8", "39x9"));
     EXPECT_THAT((Texts{Ends(res.m_bmpPushButton), Ends(res.m_bmpTabBtnVert), Ends(res.m_bmpTabBtnHorz),
                        Ends(res.m_bmpListViewHeader)}),
@@ -246,7 +247,9 @@ TEST_F(Sets, ListHasButtonsAndIconsOfItsSize)
     EXPECT_EQ(Text(res.m_sizeGroupBtn) + " " + Text(res.m_sizeTeamBtn), "30x20 8x10");
     EXPECT_EQ(Ends(res.m_bmpGroupBtn), "3,4 across");
     EXPECT_EQ(Text(res.m_hNormalIcon) + " " + Text(res.m_hExpandIcon), "16x16 16x16");
+    const HICON hNormal = res.m_hNormalIcon;
     LoadNothing(res);
+    EXPECT_EQ(Text(hNormal), "none");
     EXPECT_EQ(res.m_hNormalIcon, nullptr);
     EXPECT_EQ(res.m_hExpandIcon, nullptr);
     EXPECT_EQ(Text(res.m_sizeGroupBtn), "0x0");

@@ -54,6 +54,7 @@ TEST(Bmp, AHeaderMayBeShort)
 {
     Bmp bmp = ToBmp(kPicture, 8);
     bmp.palette.resize(1024);
+    bmp.palette[3] = 1; // of no use, and no compression
     for (const std::size_t size : {16u, 24u, 36u}) {
         const std::string dib = Le(size, 4) + bmp.Header().substr(4, size - 4) + bmp.palette + bmp.pixels;
         const std::string file = "BM" + Le(0, 8) + Le(14 + size + 1024, 4) + dib;
@@ -164,7 +165,7 @@ TEST(Bmp, RunLengths)
         // A move.
         {BI_RLE8, "0101 0002 0201 0202 0001", {"KKKKK", "KKKGG", "BKKKK"}},
         // Past the row's end, and past the top.
-        {BI_RLE8, "FF01 0302 0000 0007 0101 0104 0404 0400 0001", {"KKKKK", "BBBRR", "BBBBB"}},
+        {BI_RLE8, "FF01 0302 0000 0009 0101 0104 0404 0404 0000 0000 0301 0001", {"BBBKK", "BBBRR", "BBBBB"}},
         {BI_RLE4, "0912 0000 0009 1212 1212 1000 0001", {"KKKKK", "BGBGB", "BGBGB"}},
         {BI_RLE8, "0504 0002 09C8 0901 0000 0901 0001", {"KKKKK", "KKKKK", "RRRRR"}},
         // An index beyond the palette.
@@ -198,6 +199,12 @@ TEST(Bmp, RunLengthsOfWholeColours)
     EXPECT_EQ(letters("05 0000FF 0000"), kNull);
     EXPECT_EQ(letters("05 0000"), kNull);
     bmp.headerSize = 40; // where the number means something else
+    EXPECT_EQ(letters("05 0000FF 0001"), kNull);
+    bmp.headerSize = 64;
+    bmp.height = -3;
+    EXPECT_EQ(letters("05 0000FF 0001"), kNull);
+    bmp.height = 3;
+    bmp.depth = 32;
     EXPECT_EQ(letters("05 0000FF 0001"), kNull);
 }
 

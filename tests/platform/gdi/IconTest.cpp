@@ -129,6 +129,8 @@ TEST(Icon, EntriesBeyondTheFileOrWithoutASizeAreLeftOut)
     std::string file = Ico({Square(16, 8), Square(24, 8, 'B')});
     file.replace(6 + 12, 4, Le(file.size(), 4));
     EXPECT_EQ(LoadedIcon(file, 16, 16).OnGreen(), Picture(16, std::string(16, 'B')));
+    file[4] = 1; // of the second one the file says nothing
+    EXPECT_FALSE(LoadedIcon(file));
 }
 
 TEST(Icon, WhatIsNoIconGivesNull)

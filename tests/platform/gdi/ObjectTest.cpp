@@ -26,7 +26,9 @@ Record Describe(HGDIOBJ object)
 
 TEST_F(Object, IsNamedByItsHandleUntilItsEndAndByNoOtherNumber)
 {
+    const int nLive = KXHost::LiveHandles();
     const HBRUSH brush = CreateSolidBrush(0);
+    EXPECT_EQ(KXHost::LiveHandles(), nLive + 1);
     EXPECT_EQ(DeleteObject(brush), 1);
     EXPECT_EQ(DeleteObject(brush), 0);
     const Scoped<HBRUSH> next(CreateSolidBrush(0)); // in the same place of the table

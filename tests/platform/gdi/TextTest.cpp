@@ -25,6 +25,10 @@ protected:
         log.lfWeight = nWeight;
         log.lfItalic = bItalic;
         std::strncpy(log.lfFaceName, pszFace, sizeof(log.lfFaceName) - 1);
+        Use(log);
+    }
+    void Use(const LOGFONTA& log)
+    {
         const HFONT made = CreateFontIndirectA(&log);
         SelectObject(paper, made);
         DeleteObject(font);
@@ -142,6 +146,7 @@ TEST_F(Text, MeasuresLinesAndWraps)
     RECT rect{5, 6, 7, 8};
     EXPECT_EQ(DrawTextA(paper, "ab\r\nabcd\nc", -1, &rect, DT_CALCRECT), 60);
     EXPECT_EQ(rect, CRect(5, 6, 5 + WidthOf("abcd"), 66));
+    EXPECT_EQ(DrawTextA(paper, "a\rb\n\nc", -1, &rect, DT_CALCRECT), 80);
     rect = {0, 0, static_cast<LONG>(WidthOf("one two")), 1};
     EXPECT_EQ(DrawTextA(paper, "one two three", -1, &rect, DT_CALCRECT | DT_WORDBREAK), 40);
     rect = {0, 0, 1, 1};
@@ -165,6 +170,23 @@ TEST_F(Text, PrefixesUnderlineALetter)
     const RECT narrow{0, 0, 30, 60}; // the second line
     EXPECT_GT(Draw("AA &B", DT_WORDBREAK, narrow).bottom, Draw("AA B", DT_WORDBREAK, narrow).bottom);
     EXPECT_EQ(WidthOf("a&&b"), WidthOf("a") + WidthOf("b") + 2 * WidthOf("&"));
+}
+
+TEST_F(Text, LinesRunUnderAndThroughAllOfIt)
+{
+    const LONG base = Draw("H", DT_SINGLELINE).bottom;
+    LOGFONTA log{};
+    GetObjectA(font, sizeof log, &log);
+    log.lfUnderline = 1;
+    Use(log);
+    EXPECT_EQ(Draw("    ", DT_SINGLELINE), (RECT{0, base + 1, WidthOf("    "), base + 2}));
+    log.lfUnderline = 0;
+    log.lfStrikeOut = 1;
+    Use(log);
+    const RECT ink = Draw("    ", DT_SINGLELINE);
+    EXPECT_EQ(ink, (RECT{0, ink.top, WidthOf("    "), ink.top + 1}));
+    EXPECT_GT(ink.top, 0);
+    EXPECT_LT(ink.top, base);
 }
 
 TEST_F(Text, ColoursAndBackground)
