@@ -145,9 +145,7 @@ void Keyboard::Begin()
 bool Keyboard::IsChange(const xcb_generic_event_t& event) const noexcept
 {
     if (event.response_type == XCB_MAPPING_NOTIFY) return true;
-    // The second byte tells which one it is.
-    const bool bTells = event.pad0 == XCB_XKB_NEW_KEYBOARD_NOTIFY || event.pad0 == XCB_XKB_MAP_NOTIFY;
-    return m_firstEvent && event.response_type == m_firstEvent && bTells;
+    return m_firstEvent && event.response_type == m_firstEvent; // no others were asked for
 }
 
 void Keyboard::Reload()

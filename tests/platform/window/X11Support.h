@@ -70,9 +70,10 @@ private:
             {WM_MOUSEMOVE, "move"},    {WM_MOUSELEAVE, "leave"},    {WM_LBUTTONDBLCLK, "twice"},
             {WM_SYSKEYDOWN, "syskey"}, {WM_SYSKEYUP, "syskeyup"},   {WM_SYSCHAR, "syschar"},
             {WM_MOVE, "place"},        {WM_CAPTURECHANGED, "lost"}, {WM_DISPLAYCHANGE, "display"}};
-        // Whether it is a key that was down already; whatever goes up was.
+        // Whether it is a key that was down already; one that goes up was, and tells both.
         const bool bKey = nMsg >= WM_KEYDOWN && nMsg <= WM_SYSCHAR;
-        const bool bAgain = bKey && nMsg != WM_KEYUP && nMsg != WM_SYSKEYUP && (lParam >> 30 & 1);
+        const LPARAM nExpected = nMsg == WM_KEYUP || nMsg == WM_SYSKEYUP ? 3 : 0;
+        const bool bAgain = bKey && (lParam >> 30 & 3) != nExpected;
         if (bKey) lParam &= 0xFFFF;
         for (const auto& [number, name] : kNames)
             if (number == nMsg)
