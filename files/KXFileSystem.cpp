@@ -1,6 +1,7 @@
 #include "KXFileSystem.h"
 
-#include "files/FileSearch.h"
+#include "files/PathParts.h"
+#include "internal/FileSearch.h"
 #include "platform/Debug.h"
 #include "platform/Module.h"
 
@@ -11,7 +12,7 @@
 #include <new>
 #include <utility>
 
-using kx::files::FileSearch;
+using kx::FileSearch;
 
 namespace {
 
@@ -22,7 +23,7 @@ CString ModuleFile(HINSTANCE hModule)
 {
     PathBuffer buffer{};
     const DWORD nLength = GetModuleFileNameA(hModule, buffer.data(), static_cast<DWORD>(buffer.size()));
-    if (nLength == 0) kx::files::ThrowIfNoMemory();
+    if (nLength == 0) kx::ThrowIfNoMemory();
     return CString(buffer.data());
 }
 
@@ -134,7 +135,7 @@ int CKXFileSystem::FileExists(const CString& strPath)
     WIN32_FIND_DATAA data;
     FileSearch search(strPath, data);
     if (!search) return 0;
-    while (kx::files::IsDirectory(data))
+    while (kx::IsDirectory(data))
         if (!search.Next()) return 0;
     return 1;
 }
@@ -197,13 +198,13 @@ int CKXFileSystem::EnumDisks(KXEnumDiskProc pfn, long lParam)
 int CKXFileSystem::EnumFiles(CString strDir, KXEnumFileProc pfn, long lParam)
 {
     return EnumEntries(std::move(strDir), pfn, lParam,
-                       [](const auto& data) { return !kx::files::IsDirectory(data); });
+                       [](const auto& data) { return !kx::IsDirectory(data); });
 }
 
 int CKXFileSystem::EnumDirs(CString strDir, KXEnumFileProc pfn, long lParam)
 {
     return EnumEntries(std::move(strDir), pfn, lParam, [](const auto& data) {
-        return kx::files::IsDirectory(data) && !kx::files::BeginsWithPoint(data);
+        return kx::IsDirectory(data) && !kx::files::BeginsWithPoint(data);
     });
 }
 

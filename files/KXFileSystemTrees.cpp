@@ -1,14 +1,15 @@
 // The operations of CKXFileSystem that change directory trees.
 
 #include "KXFileSystem.h"
-#include "files/FileSearch.h"
+#include "files/PathParts.h"
+#include "internal/FileSearch.h"
 #include "platform/CodePage.h"
 #include "platform/Exception.h"
 
 #include <new>
 #include <utility>
 
-using kx::files::FileSearch;
+using kx::FileSearch;
 
 namespace {
 
@@ -16,14 +17,14 @@ namespace {
 // and following it might never end.
 bool IsWalked(const WIN32_FIND_DATAA& data)
 {
-    return kx::files::IsDirectory(data) && !kx::files::IsLink(data);
+    return kx::IsDirectory(data) && !kx::IsLink(data);
 }
 
 int DeleteTree(const CString& strPath);
 
 int DeleteEntry(const CString& strEntry, const WIN32_FIND_DATAA& data)
 {
-    if (!kx::files::IsDirectory(data)) return DeleteFileA(strEntry);
+    if (!kx::IsDirectory(data)) return DeleteFileA(strEntry);
     if (kx::files::BeginsWithPoint(data)) return 1;
     return IsWalked(data) ? DeleteTree(strEntry + '\\') : RemoveDirectoryA(strEntry);
 }
@@ -70,7 +71,7 @@ bool CopyContent(const CString& strSrc, const CString& strDst, KXCopyDirProc pfn
         // over the first, since paths are found ignoring case.
         const bool bFirst = lstrcmpiA(strLast, data.cFileName) != 0;
         strLast = data.cFileName;
-        if (kx::files::IsDirectory(data)) {
+        if (kx::IsDirectory(data)) {
             if (bFirst) CopySubdirectory(strFrom, strTo, data);
             continue;
         }

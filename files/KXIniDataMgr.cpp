@@ -78,11 +78,11 @@ int ByteOf(unsigned long value, int nShift)
 
 std::optional<CTime> ToTime(const Text& text)
 {
-    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
-    if (std::sscanf(text.Get(), "%4d-%2d-%2d %2d:%2d:%2d", &year, &month, &day, &hour, &minute, &second) != 6)
+    std::array<int, 6> t{};
+    if (std::sscanf(text.Get(), "%4d-%2d-%2d %2d:%2d:%2d", &t[0], &t[1], &t[2], &t[3], &t[4], &t[5]) != 6)
         return std::nullopt;
     try {
-        return CTime(year, month, day, hour, minute, second);
+        return CTime(t[0], t[1], t[2], t[3], t[4], t[5]);
     } catch (CInvalidArgException* pException) {
         pException->Delete();
         return std::nullopt;

@@ -54,8 +54,8 @@ void Scan(std::string_view text, Number& nValue)
     if (result.ec == std::errc::invalid_argument) return;
     if (result.ec == std::errc::result_out_of_range) nDigits = std::numeric_limits<unsigned long long>::max();
     if constexpr (std::is_unsigned_v<Number>) {
-        const bool bOver = result.ec != std::errc() || nDigits > Limits::max();
-        nValue = bOver ? Limits::max() : static_cast<Number>(bNegative ? 0 - nDigits : nDigits);
+        static_assert(sizeof(Number) == sizeof(nDigits));
+        nValue = bNegative && result.ec == std::errc() ? 0 - nDigits : nDigits;
     } else {
         constexpr auto nMost = static_cast<unsigned long long>(Limits::max());
         if (bNegative)

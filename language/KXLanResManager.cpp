@@ -5,15 +5,14 @@
 #include "KXIniDataMgr.h"
 #include "KXMessages.h"
 #include "internal/Debug.h"
+#include "internal/FileSearch.h"
 #include "internal/WindowNotice.h"
 #include "language/StringTable.h"
 #include "platform/Debug.h"
 #include "platform/Exception.h"
-#include "platform/FileSystem.h"
 #include "platform/Registry.h"
 
 #include <array>
-#include <memory>
 #include <new>
 #include <string_view>
 
@@ -26,12 +25,6 @@ constexpr DWORD dwAccess = KEY_READ | KEY_WRITE;
 CString RegistryKey(const CString& strAppName)
 {
     return "SOFTWARE\\Brightfern\\" + strAppName;
-}
-
-// After a call that failed: a language that isn't found for lack of memory isn't one that isn't there.
-void ThrowIfNoMemory()
-{
-    if (GetLastError() == ERROR_NOT_ENOUGH_MEMORY) AfxThrowMemoryException();
 }
 
 // The text of a registry value; empty for any other kind of value and for one that doesn't end in a NUL.
@@ -87,18 +80,15 @@ try {
     m_strLanRoot = pFileSystem->GetAppPath() + strLanDir + "\\";
 
     WIN32_FIND_DATAA entry;
-    const HANDLE hFind = FindFirstFileA(m_strLanRoot + "*", &entry);
-    if (hFind == INVALID_HANDLE_VALUE) {
-        ThrowIfNoMemory();
+    kx::FileSearch search(m_strLanRoot + "*", entry);
+    if (!search) {
         kx::debug::Tell("language", "%s can't be read: there is no language", m_strLanRoot.GetString());
         return 0;
     }
-    constexpr auto close = [](HANDLE handle) { FindClose(handle); };
-    const std::unique_ptr<void, decltype(close)> search(hFind, close);
     int nResult = 0;
     do {
         const std::string_view name = entry.cFileName;
-        if (!(entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) || name == "." || name == "..") continue;
+        if (!kx::IsDirectory(entry) || name == "." || name == "..") continue;
         KXLanguageItem item(entry.cFileName, "");
         if (!LoadLanProperty(m_strLanRoot + item.strID, item)) {
             kx::debug::Tell(
@@ -110,8 +100,7 @@ try {
         const CKXAutoLock lock(&m_csLans);
         m_vecLans.push_back(std::move(item));
         nResult = 1;
-    } while (FindNextFileA(hFind, &entry));
-    ThrowIfNoMemory();
+    } while (search.Next());
     return nResult;
 } catch (const std::bad_alloc&) {
     AfxThrowMemoryException();

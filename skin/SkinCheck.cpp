@@ -7,8 +7,8 @@
 #include "KXNum.h"
 #include "KXSkinWndRes.h"
 #include "internal/Debug.h"
+#include "internal/FileSearch.h"
 #include "platform/Exception.h"
-#include "platform/FileSystem.h"
 #include "platform/Gdi.h"
 #include "skin/IniFile.h"
 #include "skin/SkinTable.h"
@@ -19,6 +19,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <memory>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -122,7 +123,7 @@ private:
     void CheckBitmap(const SkinFile& file, const CString& strPath);
     void CheckEnds(const SkinFile& file, const CString& strPath, int nLength);
     void CheckEntries(const CString& strBelow);
-    void CheckEntry(const CString& strName, bool bDirectory);
+    void CheckEntry(const CString& strName);
 
     // The number of a key, as it is read.
     int Number(const char* pszKey) const
@@ -322,11 +323,10 @@ void Checker::CheckFile(const SkinFile& file)
     }
     if (file.kind == FileKind::Bitmap) return CheckBitmap(file, strPath);
     if (file.kind == FileKind::Icon) {
-        const HANDLE hIcon = Quietly(
-            [&] { return LoadImageA(nullptr, strPath, IMAGE_ICON, file.cx, file.cy, LR_LOADFROMFILE); });
-        if (hIcon)
-            DestroyIcon(static_cast<HICON>(hIcon));
-        else
+        constexpr auto destroy = [](HANDLE handle) { DestroyIcon(static_cast<HICON>(handle)); };
+        const std::unique_ptr<void, decltype(destroy)> icon(Quietly(
+            [&] { return LoadImageA(nullptr, strPath, IMAGE_ICON, file.cx, file.cy, LR_LOADFROMFILE); }));
+        if (!icon)
             Tell(Severity::Error, "skin.no-icon", strPath, "is no icon: nothing is drawn where it is needed");
         return;
     }
@@ -385,8 +385,8 @@ void Checker::CheckEnds(const SkinFile& file, const CString& strPath, int nLengt
 void Checker::CheckEntries(const CString& strBelow)
 {
     WIN32_FIND_DATAA data;
-    const HANDLE hFind = FindFirstFileA(m_strDir + strBelow + "*", &data);
-    if (hFind == INVALID_HANDLE_VALUE) return;
+    FileSearch search(m_strDir + strBelow + "*", data);
+    if (!search) return;
     std::map<CString, CString> names; // in lower case
     std::vector<CString> dirs;
     do {
@@ -403,19 +403,18 @@ void Checker::CheckEntries(const CString& strBelow)
             Tell(Severity::Warning, "skin.case", m_strDir + strBelow + strName,
                  "differs from \"" + other->second +
                      "\" by case alone: which is read depends on the spelling");
-        const bool bDirectory = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-        if (bDirectory && !(data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT))
+        if (!IsDirectory(data))
+            CheckEntry(strBelow + strName);
+        else if (!IsLink(data))
             dirs.push_back(strBelow + strName + "\\");
-        CheckEntry(strBelow + strName, bDirectory);
-    } while (FindNextFileA(hFind, &data));
-    FindClose(hFind);
+    } while (search.Next());
     for (const CString& strDir : dirs)
         if (m_nEntries <= kMostEntries) CheckEntries(strDir);
 }
 
-void Checker::CheckEntry(const CString& strName, bool bDirectory)
+void Checker::CheckEntry(const CString& strName)
 {
-    if (bDirectory || SameName("Skin.ini", strName)) return;
+    if (SameName("Skin.ini", strName)) return;
     Nearest nearest(strName);
     for (const SkinFile& file : kFiles) {
         nearest.Offer(file.pszPath);

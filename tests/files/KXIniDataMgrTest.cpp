@@ -161,8 +161,8 @@ TEST_F(KXIniDataMgr, ColoursAndAddressesAreTheirNumbers)
                                 {"IP(1.2.3)", 9},
                                 {"1.2.3.4.5", 9},
                                 {"1.2.3.256", 9}});
-    EXPECT_EQ(After(Mgr::WriteRGB(m_file, "S", "k", 0x77FF8040)), "RGB(64,128,255)");
-    EXPECT_EQ(Mgr::GetRGB(m_file, "S", "k", 9), 0xFF8040u);
+    EXPECT_EQ(After(Mgr::WriteRGB(m_file, "S", "k", 0x77C8A040)), "RGB(64,160,200)");
+    EXPECT_EQ(Mgr::GetRGB(m_file, "S", "k", 9), 0xC8A040u);
     EXPECT_EQ(After(Mgr::WriteIPAddress(m_file, "S", "k", 0xAA7F000001)), "IP(127.0.0.1)");
     EXPECT_EQ(Mgr::GetIPAddress(m_file, "S", "k", 9), 0x7F000001u);
 }

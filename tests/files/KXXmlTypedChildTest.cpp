@@ -143,7 +143,8 @@ TEST_F(KXXmlTypedChild, ReadsNumbers)
                           {"x", 9},
                           {" 7 ", 7},
                           {"18446744073709551615", ULLONG_MAX},
-                          {"-18446744073709551615", 1}});
+                          {"-18446744073709551615", 1},
+                          {"-18446744073709551616", ULLONG_MAX}});
     ExpectReads<double>(9, {{"1.5e3x", 1500}, {" -2.25", -2.25}, {"abc", 0}, {"1e999", HUGE_VAL}});
     const std::string zeros(400, '0');
     ExpectReads<double>(9, {{("1" + zeros).c_str(), HUGE_VAL},

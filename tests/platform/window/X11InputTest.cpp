@@ -94,10 +94,11 @@ TEST_F(X11InputTest, KeysAreHeardByWhoHasTheFocus)
     expect({{0xFF51, 37, 0}, {0xFF63, 45, 0}, {';', 186, 59}, {'\'', 222, 39}});
     expect({{0xFFE5, 20, 0}, {'a', 65, 65}});
     EXPECT_EQ(GetKeyState(VK_CAPITAL) & 1, 1);
-    // Caps Lock again, and the number block's 7 and 1; with Num Lock its 7 and point, and without its plus,
-    // and F5.
+    // Caps Lock again, and the number block's 7 and 1; with Num Lock its 7, 9, 0 and point, and without its
+    // plus, and F5.
     expect({{0xFFE5, 20, 0}, {0xFF95, 36, 0}, {0xFF9C, 35, 0}, {0xFF7F, 144, 0}});
-    expect({{0xFF95, 103, 55}, {0xFF9F, 110, 46}, {0xFF7F, 144, 0}, {0xFFAB, 107, 43}, {0xFFC2, 116, 0}});
+    expect({{0xFF95, 103, 55}, {0xFF9A, 105, 57}, {0xFF9E, 96, 48}, {0xFF9F, 110, 46}});
+    expect({{0xFF7F, 144, 0}, {0xFFAB, 107, 43}, {0xFFC2, 116, 0}});
     EXPECT_THAT(other.heard, testing::Not(HasSubstr("key")));
 }
 

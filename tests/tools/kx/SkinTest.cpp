@@ -29,6 +29,9 @@ TEST_F(Skin, ANewOneIsCleanAndHasEveryKey)
     EXPECT_EQ(checked.nCode, 0);
     EXPECT_EQ(checked.last, "0 errors, 0 warnings, 4 notes");
     EXPECT_THAT(checked.lines, testing::Each(HasSubstr("is read with BkgType=")));
+    EXPECT_THAT(checked.lines,
+                testing::Contains("Common/Window/WndBkg.bmp: note: is read with BkgType=singlebmp alone "
+                                  "[skin.unused-file]"));
     EXPECT_THAT(dir.Read("s/Skin.ini"), HasSubstr("\r\n; text\r\nTextColor=RGB(0,0,0)\r\n"));
     EXPECT_EQ(test::Kx(dir, "skin new s").nCode, 2); // what is there stays
 }
@@ -43,7 +46,14 @@ TEST_F(Skin, FindsWhatIsWrongInSkinIni)
          {"1:1: warning: key a stands before the first section, where nothing reads it [skin.no-section]"}},
         {"[Colour]\n",
          {"1:2: warning: nothing reads section [Colour]; did you mean \"COLOR\"? [skin.unknown-section]"}},
+        {"[SysButton]\nautoali=1\n",
+         {"2:1: warning: nothing reads key autoali; did you mean \"AutoAlign\"? [skin.unknown-key]"}},
         {"[x]\ny=1\n", {"1:2: warning: nothing reads section [x] [skin.unknown-section]"}},
+        {"[But]\n[Butt]\n[borderwxyz]\n",
+         {"1:2: warning: nothing reads section [But] [skin.unknown-section]",
+          "2:2: warning: nothing reads section [Butt]; did you mean \"Button\"? [skin.unknown-section]",
+          "3:2: warning: nothing reads section [borderwxyz]; did you mean \"Border\"? "
+          "[skin.unknown-section]"}},
         {"[COLOR]\n[Border]\n[color]\n",
          {"3:2: warning: section [color] stands at line 1 already, and only that one is read "
           "[skin.section-twice]"}},
@@ -159,7 +169,9 @@ TEST_F(Skin, AnyTreeEnds)
         junk += static_cast<char>(n * 7919 >> 3);
     dir.Write("s/Skin.ini", junk);
     dir.Write("s/\x1B[31m\xFF\"\\", "");
-    EXPECT_EQ(test::Kx(dir, "skin check s").nCode, 1);
+    const auto checked = test::Kx(dir, "skin check s");
+    EXPECT_EQ(checked.nCode, 1);
+    EXPECT_THAT(checked.lines, testing::Each(testing::Not(HasSubstr("loop/"))));
     const auto json = test::Kx(dir, "skin check s --json");
     EXPECT_EQ(json.nCode, 1);
     EXPECT_THAT(json.last, testing::StartsWith("{\"findings\":[{\"file\":"));

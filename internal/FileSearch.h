@@ -1,21 +1,11 @@
 #pragma once
 
-#include "platform/Error.h"
-#include "platform/Exception.h"
-#include "platform/FileSystem.h"
-#include "platform/String.h"
+#include "include/platform/Error.h"
+#include "include/platform/Exception.h"
+#include "include/platform/FileSystem.h"
+#include "include/platform/String.h"
 
-namespace kx::files {
-
-inline bool EndsInBackslash(const CString& strPath)
-{
-    return !strPath.IsEmpty() && strPath.ReverseFind('\\') == strPath.GetLength() - 1;
-}
-
-inline void AddBackslash(CString& strPath)
-{
-    if (!EndsInBackslash(strPath)) strPath += '\\';
-}
+namespace kx {
 
 inline bool IsDirectory(const WIN32_FIND_DATAA& data)
 {
@@ -25,12 +15,6 @@ inline bool IsDirectory(const WIN32_FIND_DATAA& data)
 inline bool IsLink(const WIN32_FIND_DATAA& data)
 {
     return (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-}
-
-// `.`, `..` and every other directory that the walks pass over.
-inline bool BeginsWithPoint(const WIN32_FIND_DATAA& data)
-{
-    return data.cFileName[0] == '.';
 }
 
 // After a call that failed. An entry that isn't found for lack of memory must not count as one that isn't
@@ -74,4 +58,4 @@ private:
     HANDLE m_hFind;
 };
 
-} // namespace kx::files
+} // namespace kx
