@@ -136,11 +136,9 @@ private:
     // may be: only one that begins a character counts.
     void CheckEscapes(const Text& text) const
     {
-        for (int n = text.strValue.Find('\\'); n >= 0; n = text.strValue.Find('\\', n + 2)) {
+        for (int n = text.strValue.Find('\\'); n >= 0; n = text.strValue.Find('\\', n + 1)) {
             const char ch = text.strValue[n + 1];
-            const bool bReturn = ch == 'r' && text.strValue.Mid(n, 4) == "\\r\\n";
-            if (bReturn) n += 2;
-            if (bReturn || ch == 'n' || ch == 't') continue;
+            if (ch == 'n' || ch == 't' || text.strValue.Mid(n, 4) == "\\r\\n") continue;
             CString strText;
             strText.Format("\"%s\" is no escape, which are \\n, \\r\\n and \\t, and is shown as it stands",
                            text.strValue.Mid(n, 2).GetString());

@@ -35,6 +35,11 @@ TEST_F(Languages, FindsWhatIsWrongInOne)
           "[language.escape]",
           ":1:9: warning: \"\\r\" is no escape, which are \\n, \\r\\n and \\t, and is shown as it stands "
           "[language.escape]"}},
+        {"A = \\\\qy\n", // there is none for the backslash
+         {":1:5: warning: \"\\\\\" is no escape, which are \\n, \\r\\n and \\t, and is shown as it stands "
+          "[language.escape]",
+          ":1:6: warning: \"\\q\" is no escape, which are \\n, \\r\\n and \\t, and is shown as it stands "
+          "[language.escape]"}},
         {"A = ok\nB = \xC4\xE3\xFF!\n",
          {":2:6: error: has bytes here that are no character of code page 936 [language.code-page]"}},
         {"A = \xE4\xBD\xA0\xE5\xA5\xBD\n",

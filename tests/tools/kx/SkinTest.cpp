@@ -123,11 +123,16 @@ TEST_F(Skin, FindsWhatIsWrongWithFiles)
     dir.Write(push, test::BmpFile(102, 10));
     expect(
         "warning: is 102 pixels wide, which 5 states don't divide: the last 2 belong to none [skin.states]");
-    dir.Write(push, test::BmpFile(50, 10));
+    dir.Write(push, test::BmpFile(50, 20));
     SetIni("[Button]\nPushButton_Left=6\nPushButton_Right=4\n");
     expect(
         "warning: is 10 pixels long in one state, and PushButton_Left and PushButton_Right take 6 and 4 of "
         "them: there is no middle to repeat [skin.ends]");
+    SetIni("[Button]\nPushButton_Right=12\n");
+    EXPECT_THAT(Check(), ElementsAre(HasSubstr(" take 0 and 12 of them")));
+    SetIni("[Border]\nLeft_Top_Height=30\nLeft_Bottom_Height=20\n");
+    dir.Write("s/Common/Window/Frame_Left.bmp", test::BmpFile(20, 40));
+    EXPECT_THAT(Check(), ElementsAre(HasSubstr("is 40 pixels long in one state, and Left_Top_Height")));
     test::Bmp deep = test::ToBmp({"RRRRR"}, 16);
     dir.Write(push, deep.File());
     SetIni("");
