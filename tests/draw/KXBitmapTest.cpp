@@ -280,17 +280,17 @@ TEST_F(Bitmap, RegionOfAColorOrOfTheRest)
     EXPECT_EQ(all.GetRgnBox(&box), SIMPLEREGION);
 }
 
-// The region of a large picture is put together from its pieces in the right order.
-TEST_F(Bitmap, RegionOfALargePicture)
+// The region of a picture is put together from its pieces in the right order.
+TEST_F(Bitmap, RegionOfAPictureOfAnySize)
 {
-    for (const int nWidth : {128, 129}) {
-        test::Picture picture = test::Plain(nWidth, 100, 'W');
-        for (int y = 0; y < 100; ++y)
+    for (const auto& [nWidth, nHeight] : {std::pair{128, 100}, {129, 100}, {4, 1}}) {
+        test::Picture picture = test::Plain(nWidth, nHeight, 'W');
+        for (int y = 0; y < nHeight; ++y)
             picture[static_cast<std::size_t>(y)][static_cast<std::size_t>(y * 29 % nWidth)] = 'R';
         bitmap.AttachBitmap(MakeBitmap(picture));
         CRgn rgn;
         bitmap.CreateBitmapRgn(rgn, test::ColorOf('R'), 1);
-        for (int y = 0; y < 100; ++y)
+        for (int y = 0; y < nHeight; ++y)
             for (int x = 0; x < nWidth; ++x)
                 EXPECT_EQ(rgn.PtInRegion(x, y) != 0, x == y * 29 % nWidth) << x << "," << y;
     }

@@ -55,10 +55,10 @@ TEST_F(GdiplusBitmap, BlocksIncludeOrExcludeTheirLastPixels)
 {
     LoadRaw(bitmap, Plain(2, 2));
     Gdiplus::Graphics graphics(paper);
-    EXPECT_EQ(Drawn([&] { EXPECT_EQ(bitmap.Render(&dc, 1, 1, 4, 4), 1); }), Block(1, 1, 5, 5));
-    EXPECT_EQ(Drawn([&] { EXPECT_EQ(bitmap.Render(&graphics, 1, 1, 4, 4), 1); }), Block(1, 1, 5, 5));
-    EXPECT_EQ(Drawn([&] { EXPECT_EQ(bitmap.Render(&dc, CRect(1, 1, 4, 4)), 1); }), Block(1, 1, 4, 4));
-    EXPECT_EQ(Drawn([&] { EXPECT_EQ(bitmap.Render(&dc, 1, 1), 1); }), Block(1, 1, 3, 3));
+    EXPECT_EQ(Drawn([&] { EXPECT_EQ(bitmap.Render(&dc, 1, 2, 4, 3), 1); }), Block(1, 2, 5, 4));
+    EXPECT_EQ(Drawn([&] { EXPECT_EQ(bitmap.Render(&graphics, 1, 2, 4, 3), 1); }), Block(1, 2, 5, 4));
+    EXPECT_EQ(Drawn([&] { EXPECT_EQ(bitmap.Render(&dc, CRect(1, 2, 4, 4)), 1); }), Block(1, 2, 4, 4));
+    EXPECT_EQ(Drawn([&] { EXPECT_EQ(bitmap.Render(&dc, 1, 2), 1); }), Block(1, 2, 3, 4));
     EXPECT_EQ(Drawn([&] { bitmap.Render(&dc, 1, 1, 0, 0); }), Block(0, 0, 0, 0));
     EXPECT_EQ(bitmap.Render(static_cast<CDC*>(nullptr), 0, 0), 0);
     EXPECT_EQ(bitmap.Render(static_cast<Gdiplus::Graphics*>(nullptr), 0, 0, 1, 1), 0);
