@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <string_view>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -91,6 +92,8 @@ void UseAll()
 int main(int count, char**)
 {
     KXHost::UseMemoryDesktop();
+    KXHost::AddDebugObserver([](std::string_view) { DrawText(); }, true); // who listens may draw
+    DrawText();
     std::vector<std::jthread> threads;
     for (int n = 0; count > 1 && n < 8; ++n)
         threads.emplace_back(UseAll);
