@@ -265,7 +265,7 @@ TEST_F(Log, AStopLeavesLinesInTheirOrder)
     EXPECT_EQ(log->Flush(INFINITE), 0); // it doesn't run
     Start();
     push(1);
-    Drain();
+    test::Await([&] { return Text().ends_with(" n40000\n"); }); // the line itself wakes the writer
     std::string expected;
     for (int n = 0; n < nPushed; ++n)
         expected += "[2009-03-14 08:05:09] 1 n" + std::to_string(n) + "\n";

@@ -165,6 +165,7 @@ TEST(Icon, DrawingClips)
     const LoadedIcon icon(Ico({IconBmp({"RM", "BW"}, 24)}));
     EXPECT_EQ(icon.OnGreen(1, 1), (Picture{"GG", "GR"}));
     EXPECT_EQ(icon.OnGreen(-1, 0), (Picture{"MG", "WG"}));
+    EXPECT_EQ(icon.OnGreen(1, 0), (Picture{"GR", "GB"}));
     for (const int far : {2, -2, INT32_MAX, INT32_MIN})
         EXPECT_EQ(icon.OnGreen(far, far), (Picture{"GG", "GG"})) << far;
 }

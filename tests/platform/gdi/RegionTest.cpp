@@ -60,6 +60,12 @@ TEST_F(Region, OfRectanglesIsTheirUnion)
     const std::string gap(60, '.'), row = "WW.W" + gap + 'W';
     EXPECT_EQ(Show(Rgn(CreateMaskRgn(mask, 65, 4)), 66, 4),
               (Picture{row + '.', row + '.', std::string(63, '.') + "WW.", std::string(66, '.')}));
+    std::vector<std::uint64_t> many; // two runs a row, no row like the one above
+    for (int y = 0; y < 10'000; ++y)
+        many.insert(many.end(), {std::uint64_t{1} << 2 * (y % 2), std::uint64_t{1} << 63});
+    const Rgn runs(CreateMaskRgn(many.data(), 128, 10'000));
+    EXPECT_TRUE(PtInRegion(runs, 127, 9'999));
+    EXPECT_FALSE(PtInRegion(runs, 0, 9'999));
     EXPECT_EQ(BoxOf(Rgn(CreateMaskRgn(nullptr, 0, 9)), NULLREGION), RECT{});
     EXPECT_EQ(CreateMaskRgn(mask, -1, 1), nullptr);
     EXPECT_EQ(CreateMaskRgn(nullptr, 1, 1), nullptr);
