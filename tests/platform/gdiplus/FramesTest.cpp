@@ -40,6 +40,8 @@ TEST_F(FramesTest, PalettesAndPassesOfFrames)
         EXPECT_EQ(Loaded(Gif(0, 0, {{rows, 0, 0, 0, 0, true}})).Letters(), rows);
     }
     EXPECT_EQ(Loaded(Gif(0, 0, {{{"RG"}, 1, 1}})).Letters(), (Picture{"   ", " RG"})); // of the frame's size
+    for (const Picture& large : {Picture(1, std::string(300, 'R')), Picture(300, "G")})
+        EXPECT_EQ(Loaded(Gif(0, 0, {{large}})).Letters(), large);
 }
 
 // The frames by plain means: the canvas is kept unless the frame says otherwise.
