@@ -124,6 +124,12 @@ TEST_F(X11InputTest, CharactersComeInTheCodePageAlsoOfSeveralKeys)
     });
     EXPECT_THAT(composed, HasSubstr("key 69 1,0;char 195 1,0;char 169 1,0;"));
     EXPECT_THAT(composed, testing::Not(HasSubstr("char 39")));
+    const xcb_keycode_t blank = outside->Assign({0}); // a key of nothing
+    const std::string plain = Hear(window, "keyup 69", [&] {
+        outside->Type(blank);
+        outside->TypeSymbol('e');
+    });
+    EXPECT_EQ(plain, "key 69 1,0;char 101 1,0;keyup 69 1,0;");
 }
 
 TEST_F(X11InputTest, AKeyKeepsItsNumberInALayoutOfOtherLetters)

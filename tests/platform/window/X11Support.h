@@ -70,10 +70,12 @@ private:
             {WM_MOUSEMOVE, "move"},    {WM_MOUSELEAVE, "leave"},    {WM_LBUTTONDBLCLK, "twice"},
             {WM_SYSKEYDOWN, "syskey"}, {WM_SYSKEYUP, "syskeyup"},   {WM_SYSCHAR, "syschar"},
             {WM_MOVE, "place"},        {WM_CAPTURECHANGED, "lost"}, {WM_DISPLAYCHANGE, "display"}};
-        // Whether it is a key that was down already; one that goes up was, and tells both.
+        // Whether it is a key that was down already; one that goes up was, and tells both, and whether Alt is
+        // held.
         const bool bKey = nMsg >= WM_KEYDOWN && nMsg <= WM_SYSCHAR;
-        const LPARAM nExpected = nMsg == WM_KEYUP || nMsg == WM_SYSKEYUP ? 3 : 0;
-        const bool bAgain = bKey && (lParam >> 30 & 3) != nExpected;
+        const LPARAM nAlt = nMsg >= WM_SYSKEYDOWN ? 1 : 0;
+        const LPARAM nExpected = nMsg == WM_KEYUP || nMsg == WM_SYSKEYUP ? 6 + nAlt : nAlt;
+        const bool bAgain = bKey && (lParam >> 29 & 7) != nExpected;
         if (bKey) lParam &= 0xFFFF;
         for (const auto& [number, name] : kNames)
             if (number == nMsg)
