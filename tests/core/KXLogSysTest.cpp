@@ -51,9 +51,11 @@ TEST_F(Log, WritesStampLevelAndMessage)
     log->PushLog(static_cast<Level>(77), "a\nb%s");
     log->PushLog(static_cast<Level>(0), "not");
     log->PushLogEx(static_cast<Level>(-5), "%s", "not");
+    Drain();
+    AwaitSleepers(); // a line wakes the writer by itself
     KXHost::AdvanceClock(1000);
     log->PushLogEx(Level::LogError, "%d of %s", 3, "x");
-    Drain();
+    test::Await([this] { return Text().ends_with(" of x\n"); });
     EXPECT_EQ(Text(), "[2009-03-14 08:05:09] 2 \n"
                       "[2009-03-14 08:05:09] 77 a\nb%s\n"
                       "[2009-03-14 08:05:10] 2 3 of x\n");
