@@ -16,12 +16,14 @@ TEST_F(X11PropertiesTest, OthersAreToldWhatAWindowIs)
     // "中文" in code page 936.
     const ColorWindow plain(kRed, {0, 0, 50, 50}, 0, "\xD6\xD0\xCE\xC4");
     const ColorWindow framed(kRed, {10, 20, 60, 80}, WS_CAPTION, "framed");
+    const ColorWindow nothing(kRed, {5, 6, 5, 6}, WS_POPUP, "nothing");
     const ColorWindow popup(kRed, {0, 0, 50, 50}, WS_POPUP, std::string(100'000, 'x').c_str());
     SetWindowTextA(popup.handle, "\xFF tip");
     ASSERT_TRUE(Soon([&] { return outside->Find("? tip"); }));
     const xcb_window_t idPlain = outside->Find("\xE4\xB8\xAD\xE6\x96\x87");
     const xcb_window_t idFramed = outside->Find("framed");
     const xcb_window_t idPopup = outside->Find("? tip");
+    EXPECT_EQ(outside->PlaceOf(outside->Find("nothing")), (RECT{5, 6, 6, 7})); // a server has none so small
     EXPECT_TRUE(outside->IsPopup(idPopup));
     EXPECT_FALSE(outside->IsPopup(idPlain));
     EXPECT_FALSE(outside->IsPopup(idFramed));
@@ -51,7 +53,7 @@ TEST_F(X11PropertiesTest, OthersAreToldWhatAWindowIs)
     outside->HearRequests();
     for (const auto& [order, bAbove] : {std::pair{HWND_NOTOPMOST, 0u}, {HWND_TOPMOST, 1u}}) {
         SetWindowPos(framed.handle, order, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
-        const std::vector asked{bAbove, outside->Atom("_NET_WM_STATE_ABOVE")};
+        const std::vector asked{bAbove, outside->Atom("_NET_WM_STATE_ABOVE"), 0u, 1u, 0u}; // a program's wish
         EXPECT_TRUE(Soon([&] { return outside->TakeRequest() == asked; })) << bAbove;
     }
 }

@@ -123,13 +123,13 @@ public:
         const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
         Finish(xcb_change_window_attributes(m_c, m_screen.root, XCB_CW_EVENT_MASK, &mask));
     }
-    // The first two numbers of the next; none if none has come.
+    // The numbers of the next; none if none has come.
     std::vector<std::uint32_t> TakeRequest()
     {
         const std::unique_ptr<xcb_generic_event_t, void (*)(void*)> event(xcb_poll_for_event(m_c), std::free);
         if (!event || (event->response_type & 0x7F) != XCB_CLIENT_MESSAGE) return {};
         const auto* numbers = reinterpret_cast<xcb_client_message_event_t*>(event.get())->data.data32;
-        return {numbers, numbers + 2};
+        return {numbers, numbers + 5};
     }
     void Focus(xcb_window_t window) // 0: none
     {
