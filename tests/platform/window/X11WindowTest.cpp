@@ -230,6 +230,11 @@ TEST_F(X11WindowTest, WindowsOfOtherProcessesAreListed)
     outside->Destroy(id);
     EXPECT_TRUE(Soon([&] { return !IsWindow(found[1]); }));
     EXPECT_EQ(walk(), std::vector{own.handle});
+    outside->Cover(0, 100, 50, 50, kBlue, 1, id);           // another one, whose number is the old one's
+    EXPECT_TRUE(Soon([&] { return !IsWindow(found[1]); })); // once the end is told
+    const std::vector<HWND> again = walk();
+    ASSERT_EQ(again.size(), 2u);
+    EXPECT_TRUE(IsWindow(again[1]));
 }
 
 TEST_F(X11WindowTest, AnotherDesktopIsChosenOnlyWithoutWindows)

@@ -87,10 +87,12 @@ public:
         return reply && reply->owner;
     }
 
-    // A coloured window over all others, of another process of this machine if `process` isn't 0.
-    xcb_window_t Cover(int x, int y, int width, int height, COLORREF color, unsigned process = 0)
+    // A coloured window over all others, of another process of this machine if `process` isn't 0, and with
+    // the number of one that has ended if that is given.
+    xcb_window_t Cover(int x, int y, int width, int height, COLORREF color, unsigned process = 0,
+                       xcb_window_t id = 0)
     {
-        const xcb_window_t id = xcb_generate_id(m_c);
+        if (!id) id = xcb_generate_id(m_c);
         const std::array<std::uint32_t, 2> values{Swap(color), 1};
         xcb_create_window(m_c, XCB_COPY_FROM_PARENT, id, m_screen.root, 0, 0, 1, 1, 0,
                           XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
