@@ -186,7 +186,7 @@ TEST_F(CodecTest, TiffOfManyKinds)
         {"grey", GrayTiff(2, 1, "\x12\x34"), {0xFF121212, 0xFF343434}, PixelFormat8bppIndexed},
         {"RGB", rgb, {0xFF010203, 0xFF040506}, PixelFormat24bppRGB},
         {"alpha", alpha("\xC8\0\0\x80"s, 2), {0x80C70000}, PixelFormat32bppARGB},
-        {"multiplied", alpha("\x40\x60\x10\x80", 1), {0x8080BF20}, PixelFormat32bppARGB},
+        {"multiplied", alpha("\x41\x61\x11\x80", 1), {0x8081C122}, PixelFormat32bppARGB},
         {"16 bits", deep, {0xFF102030}, PixelFormat24bppRGB},
         {"from the bottom", GrayTiff(1, 2, "\1\2", {{274, 4}}), Grays({2, 1}), PixelFormat8bppIndexed},
         {"packed", GrayTiff(3, 1, "\xFE\7", {{259, 32773}}), Grays({7, 7, 7}), PixelFormat8bppIndexed},

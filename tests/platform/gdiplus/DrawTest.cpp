@@ -140,6 +140,10 @@ TEST_F(Draw, ChangesColoursByAMatrix)
                       {0xFFFF0000, 0xFF00FF00, 0xFF0000FF, 0x80FFFFFF, 0x01010203, 0xFF003200, 0xFE64C832}),
               (Row{0xFF4D4D4D, 0xFF969696, 0xFF1C1C1C, 0x80FFFFFF, 0x01020202, 0xFF1E1E1E, 0xFE9A9A9A}));
     EXPECT_EQ(Through(attributes, {0x00FF0000}, PixelFormat32bppRGB), Row{0xFF4D4D4D});
+    ColorMatrix half = gray;
+    half.m[3][3] = 0.5F;
+    attributes.SetColorMatrix(&half);
+    EXPECT_EQ(Through(attributes, {0xFFFF0000}), Row{0x804D4D4D});
 
     // Out of range, alpha from a colour, and something added.
     ColorMatrix matrix = Diagonal(2, -1, 0.5F, 0);

@@ -33,6 +33,10 @@ TEST_F(FramesTest, PalettesAndPassesOfFrames)
     const Loaded own(Gif(2, 1, {{{"RB"}}, {{"RB"}, 0, 0, 0, 0, false, "BR"}, {{"RB"}}}));
     EXPECT_THAT(Played(own), testing::ElementsAre(Picture{"RB"}, Picture{"RB"}, Picture{"RB"}));
     EXPECT_EQ(own.Format(), PixelFormat8bppIndexed);
+    // A remark of what would make red transparent.
+    const std::string frame = GifFrameBytes({{"RB"}});
+    const std::string remark = "!\xFE\4\1\0\0"s + static_cast<char>(kLetters.find('R')) + '\0';
+    EXPECT_EQ(Loaded(GifHead(2, 1) + remark + frame.substr(frame.find(',')) + ';').Letters(), Picture{"RB"});
     // Rows that come in passes.
     Picture rows;
     for (const char letter : std::string("RGBCMYWRGBCRGBYW"s)) {

@@ -54,6 +54,10 @@ TEST_F(Gradient, RoundsToTheNearest)
     EXPECT_EQ(Line(0, 3, 10, 20, 4, false), (std::vector{10, 13, 17, 20}));
     EXPECT_EQ(Line(0, 2, 0, 255, 3, false), (std::vector{0, 128, 255}));
     EXPECT_EQ(Line(0, 2, 255, 0, 3, true), (std::vector{255, 128, 0}));
+    const LinearGradientBrush brush(Point{0, 0}, Point{2, 0}, Color(0xFFC80A32), Color(0xFF006E96));
+    Sheet sheet(3, 1);
+    EXPECT_EQ(sheet.graphics.FillRectangle(&brush, 0, 0, 3, 1), Ok);
+    EXPECT_EQ(sheet.pixels, (Row{0xFFC80A32, 0xFF643C64, 0xFF006E96})); // each channel its own way
     // Against whole numbers, over a length that no fraction of two is.
     const int nLength = 1001;
     std::vector<int> expected;
@@ -123,6 +127,7 @@ TEST_F(Gradient, RefusesWhatIsNone)
     path.AddRectangle(0, 0, 0, 5);
     EXPECT_EQ(PathGradientBrush(&path).GetLastStatus(), OutOfMemory);
     EXPECT_EQ(PathGradientBrush(nullptr).GetLastStatus(), InvalidParameter);
+    EXPECT_EQ(GdipSetPathGradientCenterPointI(nullptr, &at), InvalidParameter);
     path.AddRectangle(INT_MAX - 1, INT_MAX - 1, INT_MAX, INT_MAX);
     EXPECT_EQ(path.AddRectangle(0, 0, 1, 1), NotImplemented);
     PathGradientBrush brush(&path);
