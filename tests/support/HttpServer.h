@@ -17,6 +17,7 @@ public:
                         std::unique_ptr<httplib::Server> server = std::make_unique<httplib::Server>())
         : m_server(std::move(server))
     {
+        m_server->set_keep_alive_timeout(1); // a stop waits for that in connections that are kept
         set(*m_server);
         m_port = m_server->bind_to_any_port("127.0.0.1");
         m_thread = std::thread([this] { m_server->listen_after_bind(); });
