@@ -147,6 +147,16 @@ TEST_F(X11InputTest, AKeyKeepsItsNumberInALayoutOfOtherLetters)
               "key 186 1,0;char 167 1,0;char 216 1,0;keyup 186 1,0;");
 }
 
+TEST_F(X11InputTest, AUsersOtherLayoutIsHeardOf)
+{
+    ColorWindow window(kRed, {0, 0, 100, 100});
+    ShowSeen(window, kRed, 50, 50);
+    const xcb_keycode_t key = outside->KeyOf('y');
+    EXPECT_THAT(Hear(window, "keyup", [&] { outside->Type(key); }), HasSubstr("key 89 1,0;char 121 1,0;"));
+    ASSERT_EQ(std::system(("setxkbmap -display " + server->Name() + " de").c_str()), 0);
+    EXPECT_THAT(Hear(window, "keyup", [&] { outside->Type(key); }), HasSubstr("key 90 1,0;char 122 1,0;"));
+}
+
 TEST_F(X11InputTest, AHeldKeyRepeats)
 {
     ColorWindow window(kRed, {0, 0, 100, 100});
