@@ -99,6 +99,14 @@ TEST_F(X11WindowTest, AShapeCutsAWindow)
     EXPECT_TRUE(Shows(60, 59, kBlue));
     EXPECT_EQ(outside->Pixel(10, 10), kRed);
     EXPECT_EQ(outside->Pixel(59, 59), kRed);
+    // Its numbers have 16 bits at the server.
+    SetWindowRgn(window.handle, CreateRectRgn(20, 20, 65'558, 65'558), 1);
+    EXPECT_TRUE(Shows(99, 99, kRed));
+    EXPECT_EQ(outside->Pixel(19, 99), kBlue);
+    SetWindowRgn(window.handle, CreateRectRgn(-65'528, -65'528, 50, 50), 1);
+    EXPECT_TRUE(Shows(50, 49, kBlue));
+    EXPECT_EQ(outside->Pixel(0, 0), kRed);
+    EXPECT_EQ(outside->Pixel(49, 49), kRed);
     SetWindowRgn(window.handle, nullptr, 1);
     EXPECT_TRUE(Shows(99, 99, kRed));
 }
@@ -136,7 +144,7 @@ TEST_F(X11WindowTest, WindowsAreClosedMovedAndEndedFromOutside)
 // The owner's own wish is the last word, whatever the server still has to tell of earlier ones.
 TEST_F(X11WindowTest, APlaceChosenHereStands)
 {
-    ColorWindow window(kRed, {0, 0, 50, 50});
+    ColorWindow window(kRed, {0, 0, 50, 50}, WS_POPUP, "window");
     ShowSeen(window, kRed, 25, 25);
     window.heard.clear();
     for (int i = 1; i <= 100; ++i) {
@@ -145,6 +153,8 @@ TEST_F(X11WindowTest, APlaceChosenHereStands)
     }
     Move(window.handle, 10, 10, 0, 0);
     Move(window.handle, -100'000, -100'000, 200'000, 200'000);
+    EXPECT_TRUE(
+        Soon([&] { return outside->PlaceOf(outside->Find("window")) == RECT{-0x7FFF, -0x7FFF, 0, 0}; }));
     Move(window.handle, 100, 100, 60, 60);
     EXPECT_TRUE(Shows(159, 159, kRed));
     EXPECT_EQ(PlaceOf(window.handle), (RECT{100, 100, 160, 160}));
