@@ -53,6 +53,14 @@ TEST_F(X11ScreenTest, TheDesktopIsThePrimaryMonitor)
     EXPECT_TRUE(Lies(window.handle, {-100, 50, 0, 150}));
     EXPECT_THAT(window.heard, HasSubstr("place 0 -100,50;"));
     EXPECT_EQ(SeenAt(439, 479), RGB(0, 0, 0));
+
+    outside->AddMonitor("main", 220, 0, 420, 480, true);
+    EXPECT_TRUE(Lies(window.handle, {-120, 50, -20, 150}));
+    EXPECT_TRUE(Pump([&] { return window.Heard("display 32 420,480;"); }));
+    window.heard.clear();
+    outside->AddMonitor("main", 220, 0, 420, 400, true);
+    EXPECT_TRUE(Pump([&] { return window.Heard("display 32 420,400;"); }));
+    EXPECT_THAT(window.heard, testing::Not(HasSubstr("place"))) << "only its size changed";
 }
 
 TEST_F(X11ScreenTest, WithoutAPrimaryMonitorTheFirstServesAndWithoutAnyTheScreen)

@@ -153,8 +153,9 @@ TEST_F(X11WindowTest, APlaceChosenHereStands)
     }
     Move(window.handle, 10, 10, 0, 0);
     Move(window.handle, -100'000, -100'000, 200'000, 200'000);
-    EXPECT_TRUE(
-        Soon([&] { return outside->PlaceOf(outside->Find("window")) == RECT{-0x7FFF, -0x7FFF, 0, 0}; }));
+    EXPECT_TRUE(Soon([&] {
+        return outside->PlaceOf(outside->Find("window")) == RECT{-0x7FFF, -0x7FFF, 0, 0};
+    }));
     Move(window.handle, 100, 100, 60, 60);
     EXPECT_TRUE(Shows(159, 159, kRed));
     EXPECT_EQ(PlaceOf(window.handle), (RECT{100, 100, 160, 160}));
