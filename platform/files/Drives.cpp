@@ -169,7 +169,7 @@ private:
         const auto isSame = [](const auto& a, const auto& b) {
             return a.has_value() == b.has_value() && (!a || (a->root == b->root && a->type == b->type));
         };
-        if (!std::equal(drives.begin(), drives.end(), m_system.begin(), isSame))
+        if (!std::ranges::equal(drives, m_system, isSame))
             g_generation.fetch_add(1, std::memory_order_release);
         m_system = std::move(drives);
     }

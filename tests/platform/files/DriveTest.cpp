@@ -140,7 +140,13 @@ TEST(Drives, HostsDrivesStandBeforeTheSystems)
         KXHost::UnmountDrive(letter);
     EXPECT_EQ(Kinds(), "312");
     EXPECT_EQ(KXHost::FromSystemPath(system.Path("stick/a")), "E:\\a");
-    EXPECT_FALSE(KXHost::MountDrive('1', host));
+    for (const char letter : {'A', 'Z', 'a', 'z'}) {
+        EXPECT_TRUE(KXHost::MountDrive(letter, host));
+        EXPECT_EQ(GetDriveTypeA((letter + std::string(":")).c_str()), DRIVE_REMOTE) << letter;
+        KXHost::UnmountDrive(letter);
+    }
+    for (const char none : {'1', '@', '[', '`', '{'})
+        EXPECT_FALSE(KXHost::MountDrive(none, host)) << none;
     host.strRoot = "relative";
     EXPECT_FALSE(KXHost::MountDrive('D', host));
 }
@@ -196,4 +202,14 @@ TEST(Drives, DrivesWithoutAMediumAreThereButNotReady)
         EXPECT_FALSE(PathFileExistsA("X:\\a"));
     }
     KXHost::UnmountDrive('X');
+}
+
+TEST(Drives, ChangesOfTheSystemsMountsAreHeardOf)
+{
+    EXPECT_EQ(GetDriveTypeA("Q:\\"), DRIVE_NO_ROOT_DIR);
+    const auto isTable = [](const auto& entry) {
+        std::error_code gone; // the descriptor by which the directory is read
+        return fs::read_symlink(entry.path(), gone).filename() == "mountinfo";
+    };
+    EXPECT_EQ(std::ranges::count_if(fs::directory_iterator("/proc/self/fd"), isTable), 1);
 }

@@ -4,13 +4,18 @@ using test::CauseOf;
 
 namespace {
 
-int OpenCause(const char* pszPath, unsigned nFlags)
+// The cause, and the system's own error.
+std::pair<int, long> OpenFailure(const char* pszPath, unsigned nFlags)
 {
     CFile file;
     CFileException failure;
     const bool bOpen = file.Open(pszPath, nFlags, &failure) != 0;
     EXPECT_EQ(bOpen, failure.m_cause == CFileException::none);
-    return failure.m_cause;
+    return {failure.m_cause, failure.m_lOsError};
+}
+int OpenCause(const char* pszPath, unsigned nFlags)
+{
+    return OpenFailure(pszPath, nFlags).first;
 }
 
 CString TextOf(const CException& exception)
@@ -59,7 +64,9 @@ TEST_F(File, ClosedOneIsQuietButForReadsAndWrites)
     EXPECT_EQ(CauseOf([&] { file.Read(&ch, 1); }), CFileException::invalidFile);
     EXPECT_EQ(CauseOf([&] { file.Write(&ch, 1); }), CFileException::invalidFile);
     EXPECT_EQ(CauseOf([&] { file.Close(), file.Flush(), file.SeekToBegin(); }), CFileException::none);
-    EXPECT_EQ(file.GetLength() + file.GetPosition(), 0u);
+    EXPECT_EQ(file.GetLength(), 0u);
+    EXPECT_EQ(file.GetPosition(), 0u);
+    EXPECT_EQ(file.Seek(3, CFile::begin), 0u);
     EXPECT_FALSE(file.IsOpen());
     EXPECT_EQ(file.GetFilePath(), "");
 }
@@ -70,23 +77,24 @@ TEST_F(File, FailuresToOpenTellTheCause)
     drive.MakeDir("dir");
     mkfifo(drive.Path("pipe").c_str(), 0600);
     const std::string overlong = "X:\\" + std::string(300, 'a');
-    const std::tuple<const char*, unsigned, int> facts[] = {
-        {"X:\\none", CFile::modeRead, CFileException::fileNotFound},
-        {"X:\\none", CFile::modeWrite, CFileException::fileNotFound},
-        {"X:\\none\\a", CFile::modeCreate | CFile::modeWrite, CFileException::badPath},
-        {"X:\\file\\a", CFile::modeRead, CFileException::badPath},
-        {"X:\\file\\", CFile::modeRead, CFileException::badPath},
-        {"Q:\\file", CFile::modeRead, CFileException::badPath},
-        {overlong.c_str(), CFile::modeRead, CFileException::badPath},
-        {nullptr, CFile::modeRead, CFileException::badPath},
-        {"X:\\dir", CFile::modeRead, CFileException::accessDenied},
-        {"X:\\dir", CFile::modeCreate | CFile::modeWrite, CFileException::accessDenied},
-        {"X:\\pipe", CFile::modeRead, CFileException::accessDenied},
-        {"X:\\pipe", CFile::modeReadWrite, CFileException::accessDenied},
-        {"X:\\file", 3, CFileException::badPath},
-        {"X:\\file", CFile::modeRead | CFile::typeText | CFile::modeNoInherit, CFileException::none}};
-    for (const auto& [path, flags, cause] : facts)
-        EXPECT_EQ(OpenCause(path, flags), cause) << path;
+    const std::tuple<const char*, unsigned, int, int> facts[] = {
+        {"X:\\none", CFile::modeRead, CFileException::fileNotFound, ENOENT},
+        {"X:\\none", CFile::modeWrite, CFileException::fileNotFound, ENOENT},
+        {"X:\\none\\a", CFile::modeCreate | CFile::modeWrite, CFileException::badPath, ENOENT},
+        {"X:\\file\\a", CFile::modeRead, CFileException::badPath, ENOTDIR},
+        {"X:\\file\\", CFile::modeRead, CFileException::badPath, ENOTDIR},
+        {"Q:\\file", CFile::modeRead, CFileException::badPath, ENOENT},
+        {overlong.c_str(), CFile::modeRead, CFileException::badPath, ENAMETOOLONG},
+        {"X:\\\xFF", CFile::modeRead, CFileException::badPath, EILSEQ},
+        {nullptr, CFile::modeRead, CFileException::badPath, ENOENT},
+        {"X:\\dir", CFile::modeRead, CFileException::accessDenied, EISDIR},
+        {"X:\\dir", CFile::modeCreate | CFile::modeWrite, CFileException::accessDenied, EISDIR},
+        {"X:\\pipe", CFile::modeRead, CFileException::accessDenied, EACCES},
+        {"X:\\pipe", CFile::modeReadWrite, CFileException::accessDenied, EACCES},
+        {"X:\\file", 3, CFileException::badPath, EINVAL},
+        {"X:\\file", CFile::modeRead | CFile::typeText | CFile::modeNoInherit, CFileException::none, 0}};
+    for (const auto& [path, flags, cause, error] : facts)
+        EXPECT_EQ(OpenFailure(path, flags), std::pair(cause, static_cast<long>(error))) << path;
     EXPECT_EQ(drive.Read("file"), "content");
 }
 

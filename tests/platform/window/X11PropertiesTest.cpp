@@ -1,5 +1,6 @@
 // Properties of windows on an X server, by which its manager and others know them.
 
+#include "include/platform/Wnd.h"
 #include "tests/platform/gdi/LoadedImage.h"
 #include "tests/platform/window/X11Support.h"
 
@@ -42,6 +43,11 @@ TEST_F(X11PropertiesTest, OthersAreToldWhatAWindowIs)
     EXPECT_EQ(framedHas("WM_HINTS"), numbers({1, 1, 0, 0, 0, 0, 0, 0, 0})); // the keyboard is wanted
     EXPECT_EQ(framedHas("WM_NORMAL_HINTS"), // a place and a size, with its corner where it is told
               numbers({1 | 2 | 4 | 8 | 512, 10, 20, 50, 60, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10}));
+
+    const HWND hMade = CreateWindowExA(0, AfxRegisterWndClass(0), "made", WS_CAPTION, 1, 2, 3, 4);
+    const std::string made = outside->Property(outside->Find("made"), "WM_NORMAL_HINTS");
+    EXPECT_EQ(made.substr(0, 20), numbers({1 | 2 | 4 | 8 | 512, 1, 2, 3, 4}));
+    DestroyWindow(hMade);
 
     EXPECT_EQ(framedHas("_NET_WM_STATE"), "");
     SetWindowPos(framed.handle, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
