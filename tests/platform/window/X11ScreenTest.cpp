@@ -117,6 +117,23 @@ TEST_F(X11ScreenTest, TheEnvironmentHasTheLastWordOfTheScale)
     unsetenv("KX_SCALE");
 }
 
+// The server refuses to read beyond its screen, be it by a part of a pixel: here 539 and 430 dots are seen.
+TEST_F(X11ScreenTest, TheScreensEndIsReadAsFarAsPixelsAreWhole)
+{
+    outside->AddMonitor("main", 101, 50, 500, 400, true);
+    outside->Cover(101, 50, 3, 3, kGreen);
+    ASSERT_TRUE(KXHost::UseMemoryDesktop());
+    setenv("KX_SCALE", "3", 1);
+    Reopen();
+    const Paper copy(180, 144);
+    const HDC desktop = GetDC(nullptr);
+    BitBlt(copy, 0, 0, 180, 144, desktop, 0, 0, SRCCOPY);
+    ReleaseDC(nullptr, desktop);
+    EXPECT_EQ(GetPixel(copy, 0, 0), kGreen);
+    ASSERT_TRUE(KXHost::UseMemoryDesktop());
+    unsetenv("KX_SCALE");
+}
+
 // The server shares no memory; where each pixel is nine of its own a row is more than a piece.
 TEST_F(X11ScreenTest, ManyPixelsAreSentInPieces)
 {
