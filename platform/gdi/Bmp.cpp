@@ -1,6 +1,7 @@
 #include "platform/gdi/BmpHeader.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 namespace kx::gdi {
@@ -37,15 +38,14 @@ constexpr BmpMasks PlainMasks(WORD nDepth) noexcept
 
 std::optional<BmpHeader> ParseCore(FileBytes dib) noexcept
 {
-    BmpHeader header;
-    header.nWidth = U16(dib, 4);
-    header.nHeight = U16(dib, 6);
-    header.nDepth = U16(dib, 10);
-    header.masks = PlainMasks(header.nDepth);
-    header.nPaletteAt = kCoreSize;
-    header.nColorSize = 3;
     if (U16(dib, 8) != 1) return std::nullopt;
-    return header;
+    const WORD nDepth = U16(dib, 10);
+    return BmpHeader{.nWidth = U16(dib, 4),
+                     .nHeight = U16(dib, 6),
+                     .nDepth = nDepth,
+                     .masks = PlainMasks(nDepth),
+                     .nPaletteAt = kCoreSize,
+                     .nColorSize = 3};
 }
 
 // The masks lie at one place, whether as part of the header or behind it.
@@ -88,17 +88,16 @@ bool ParseOs2Compression(FileBytes dib, BmpHeader& header) noexcept
 // `dib` is the header alone or with what is behind it: what a short header lacks counts as 0.
 std::optional<BmpHeader> ParseInfo(FileBytes dib, DWORD nSize) noexcept
 {
-    BmpHeader header;
     const bool bOs2 = IsOs2Size(nSize);
     if (bOs2) dib = dib.first(nSize);
     const auto nHeight = static_cast<std::int32_t>(U32(dib, 8));
     if (nHeight == INT32_MIN) return std::nullopt;
-    header.bTopDown = nHeight < 0;
-    header.nHeight = header.bTopDown ? -nHeight : nHeight;
-    header.nWidth = static_cast<std::int32_t>(U32(dib, 4));
-    header.nDepth = U16(dib, 14);
-    header.nPaletteAt = nSize;
-    header.nColors = U32(dib, 32);
+    BmpHeader header{.nWidth = static_cast<std::int32_t>(U32(dib, 4)),
+                     .nHeight = std::abs(nHeight),
+                     .bTopDown = nHeight < 0,
+                     .nDepth = U16(dib, 14),
+                     .nPaletteAt = nSize,
+                     .nColors = U32(dib, 32)};
     const bool bKnown = bOs2 ? ParseOs2Compression(dib, header) : ParseCompression(dib, nSize, header);
     if (U16(dib, 12) != 1 || !bKnown) return std::nullopt;
     return header;
@@ -166,12 +165,12 @@ std::optional<std::size_t> PixelsAt(FileBytes file, const BmpHeader& header) noe
     return nOffset - kFileHeader;
 }
 
+} // namespace
+
 bool IsBmp(FileBytes file) noexcept
 {
     return U16(file, 0) == 0x4D42; // "BM"
 }
-
-} // namespace
 
 std::shared_ptr<Bitmap> ReadDib(FileBytes dib)
 {

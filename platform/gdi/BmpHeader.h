@@ -42,7 +42,7 @@ struct BmpHeader
     bool bTopDown = false;
     WORD nDepth = 0; // 1, 2, 4, 8, 16, 24 or 32
     BmpCompression compression = BmpCompression::None;
-    BmpMasks masks; // for 16 and 32 bits
+    BmpMasks masks{}; // for 16 and 32 bits
     std::size_t nPaletteAt = 0;
     std::size_t nColors = 0; // entries of the palette as declared, which may be more than the depth can name
     std::size_t nColorSize = 4;

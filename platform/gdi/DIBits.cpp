@@ -11,27 +11,20 @@ using namespace kx::gdi;
 
 namespace {
 
-int SquareOf(DWORD a, DWORD b, int nShift) noexcept
+// The square of the distance of two colours.
+int Distance(const RGBQUAD& color, DWORD pixel) noexcept
 {
-    const int nDifference = static_cast<int>(a >> nShift & 0xFF) - static_cast<int>(b >> nShift & 0xFF);
-    return nDifference * nDifference;
-}
-
-int Distance(DWORD a, DWORD b) noexcept
-{
-    return SquareOf(a, b, 16) + SquareOf(a, b, 8) + SquareOf(a, b, 0);
+    const int nRed = color.rgbRed - static_cast<int>(pixel >> 16 & 0xFF);
+    const int nGreen = color.rgbGreen - static_cast<int>(pixel >> 8 & 0xFF);
+    const int nBlue = color.rgbBlue - static_cast<int>(pixel & 0xFF);
+    return nRed * nRed + nGreen * nGreen + nBlue * nBlue;
 }
 
 // Finds a palette's entries for pixels: the first of the colour, else the nearest.
 class PaletteIndex
 {
 public:
-    explicit PaletteIndex(std::span<const RGBQUAD> palette) noexcept
-        : m_nColors(std::min(palette.size(), kMost))
-    {
-        std::transform(palette.begin(), palette.begin() + static_cast<std::ptrdiff_t>(m_nColors),
-                       m_colors.begin(), ToPixel);
-    }
+    explicit PaletteIndex(std::span<const RGBQUAD> palette) noexcept : m_palette(palette) {}
 
     BYTE Find(DWORD pixel) noexcept
     {
@@ -42,21 +35,16 @@ public:
     }
 
 private:
-    static DWORD ToPixel(const RGBQUAD& color) noexcept
+    BYTE Search(DWORD pixel) const noexcept
     {
-        return DWORD{color.rgbRed} << 16 | DWORD{color.rgbGreen} << 8 | color.rgbBlue;
-    }
-    BYTE Search(DWORD color) const noexcept
-    {
-        const auto end = m_colors.begin() + static_cast<std::ptrdiff_t>(m_nColors);
-        const auto nearest = std::min_element(
-            m_colors.begin(), end, [&](DWORD a, DWORD b) { return Distance(a, color) < Distance(b, color); });
-        return nearest == end ? BYTE{0} : static_cast<BYTE>(nearest - m_colors.begin());
+        const auto nearer = [&](const RGBQUAD& a, const RGBQUAD& b) {
+            return Distance(a, pixel) < Distance(b, pixel);
+        };
+        const auto nearest = std::min_element(m_palette.begin(), m_palette.end(), nearer);
+        return static_cast<BYTE>(nearest - m_palette.begin());
     }
 
-    static constexpr std::size_t kMost = 256;
-    std::size_t m_nColors;
-    std::array<DWORD, kMost> m_colors{};
+    const std::span<const RGBQUAD> m_palette; // of 1 to 256 colours
     // Results of earlier searches, by a hash of the colour.
     struct Found
     {
@@ -109,8 +97,7 @@ public:
     void Write(int y, BYTE* out) noexcept
     {
         const std::size_t nBytes = Bytes();
-        if (nBytes >= sizeof(DWORD))
-            std::memset(out + nBytes - sizeof(DWORD), 0, sizeof(DWORD)); // the padding
+        std::memset(out + nBytes - sizeof(DWORD), 0, sizeof(DWORD)); // the padding
         const std::span in(m_bitmap.surface.Row(y), static_cast<std::size_t>(m_bitmap.Width()));
         switch (m_nDepth) {
         case 16:
@@ -164,15 +151,17 @@ BITMAPINFOHEADER HeaderOf(const Bitmap& bitmap) noexcept
 {
     const std::size_t nBytes =
         RowBytes(bitmap.Width(), bitmap.depth, 32) * static_cast<std::size_t>(bitmap.Height());
-    BITMAPINFOHEADER header{};
-    header.biSize = sizeof(header);
-    header.biWidth = bitmap.Width();
-    header.biHeight = bitmap.Height();
-    header.biPlanes = 1;
-    header.biBitCount = bitmap.depth;
-    header.biCompression = BI_RGB;
-    header.biSizeImage = static_cast<DWORD>(nBytes);
-    return header;
+    return {sizeof(BITMAPINFOHEADER),
+            bitmap.Width(),
+            bitmap.Height(),
+            1,
+            bitmap.depth,
+            BI_RGB,
+            static_cast<DWORD>(nBytes),
+            0,
+            0,
+            0,
+            0};
 }
 
 bool Fits(const BITMAPINFOHEADER& header, const Bitmap& bitmap) noexcept
@@ -209,12 +198,8 @@ namespace kx::gdi {
 
 int Bitmap::Describe(int nSize, void* pBuffer) const
 {
-    BITMAP record{};
-    record.bmWidth = Width();
-    record.bmHeight = Height();
-    record.bmWidthBytes = static_cast<LONG>(RowBytes(Width(), depth, fromFile ? 32 : 16));
-    record.bmPlanes = 1;
-    record.bmBitsPixel = depth;
+    const auto nRowBytes = static_cast<LONG>(RowBytes(Width(), depth, fromFile ? 32 : 16));
+    const BITMAP record{0, Width(), Height(), nRowBytes, 1, depth, nullptr};
     return DescribeAs(record, nSize, pBuffer);
 }
 

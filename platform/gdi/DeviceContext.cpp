@@ -3,6 +3,7 @@
 #include "platform/Errno.h"
 #include "platform/gdi/PixelRegion.h"
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -52,10 +53,9 @@ void DeviceContext::SetView(Surface& surface, const std::optional<PixelRegion>& 
     if (m_limit) visible.IntersectWith(*m_limit);
     if (region) visible.IntersectWith(*region);
     const auto boxes = visible.Boxes();
-    m_view.clip.reserve(boxes.size());
-    m_view.clip.clear();
-    for (const auto& box : boxes)
-        m_view.clip.push_back(ToRect(box));
+    m_view.clip.resize(boxes.size());
+    std::transform(boxes.begin(), boxes.end(), m_view.clip.begin(),
+                   [](const auto& box) { return ToRect(box); });
     m_view.surface = &surface;
     m_view.bounds = bounds;
     m_view.reach = visible.Extents();
@@ -80,7 +80,7 @@ void DeviceContext::HoldStock()
 
 HGDIOBJ DeviceContext::Select(std::shared_ptr<Object> object)
 {
-    if (static_cast<std::size_t>(object->kind) >= m_held.size()) return nullptr;
+    if (object->kind > Kind::Font) return nullptr;
     if (object.get() == Held(object->kind).get()) return object->Handle();
     if (object->kind == Kind::Bitmap) return SelectBitmap(std::move(object));
     ++object->selected;

@@ -112,13 +112,11 @@ Font::Font(const LOGFONTA& log) : Object(KIND), m_log(log)
 
 FontFace& Font::Face()
 {
-    if (!m_face) {
-        FaceRequest request;
-        request.family = text::ToUtf8(m_log.lfFaceName).value_or("");
-        request.weight = m_log.lfWeight <= 0 ? FW_NORMAL : std::min<LONG>(m_log.lfWeight, 1000);
-        request.italic = m_log.lfItalic != 0;
-        m_face = FontFace::For(request, m_log.lfHeight);
-    }
+    if (!m_face)
+        m_face = FontFace::For({.family = text::ToUtf8(m_log.lfFaceName).value_or(""),
+                                .weight = m_log.lfWeight > 0 ? m_log.lfWeight : FW_NORMAL,
+                                .italic = m_log.lfItalic != 0},
+                               m_log.lfHeight);
     return *m_face;
 }
 

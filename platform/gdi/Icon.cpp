@@ -112,7 +112,7 @@ auto Rank(const IcoEntry& entry, int cx, int cy) noexcept
 // Nothing for what is no icon file or has no entry that is sound.
 std::optional<IcoEntry> ChooseEntry(FileBytes file, int cx, int cy) noexcept
 {
-    if (!IsIco(file) || cx < 0 || cy < 0) return std::nullopt;
+    if (!IsIco(file)) return std::nullopt;
     const std::size_t nCount = U16(file, 4);
     if (file.size() < kHeader + nCount * kEntry) return std::nullopt;
     std::optional<IcoEntry> best;
@@ -260,7 +260,6 @@ int GetIconSize(HICON hIcon, SIZE* pSize)
 {
     const auto icon = FindAs<Icon>(hIcon);
     if (!icon || !pSize) return 0;
-    pSize->cx = icon->surface.Width();
-    pSize->cy = icon->surface.Height();
+    *pSize = {icon->surface.Width(), icon->surface.Height()};
     return 1;
 }

@@ -76,6 +76,9 @@ const char* LastRefusal();
 // fill.
 std::shared_ptr<Bitmap> ReadBmp(FileBytes file);
 
+// Whether a file begins as a BMP does.
+bool IsBmp(FileBytes file) noexcept;
+
 // How much of a BMP file is to be read, of which `head` holds the beginning, IMAGE_HEAD bytes where it has as
 // many. Nothing for a file whose header is bad or claims more than there is.
 std::optional<std::uint64_t> BmpBytesToRead(FileBytes head, std::uint64_t nFileSize) noexcept;

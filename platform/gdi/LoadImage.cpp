@@ -35,11 +35,10 @@ std::shared_ptr<Bitmap> Scaled(Bitmap& bitmap, int cx, int cy)
     return std::make_shared<Bitmap>(std::move(*surface), bitmap.depth, bitmap.palette, bitmap.fromFile);
 }
 
-std::shared_ptr<Bitmap> MakeBitmap(FileBytes bytes, bool bFile, int cx, int cy)
+std::shared_ptr<Bitmap> MakeBitmap(FileBytes bytes, int cx, int cy)
 {
     // A resource is commonly a file without its file header, but may be a whole one.
-    const bool bWhole = bFile || (bytes.size() > 1 && bytes[0] == 'B' && bytes[1] == 'M');
-    auto bitmap = bWhole ? ReadBmp(bytes) : ReadDib(bytes);
+    auto bitmap = IsBmp(bytes) ? ReadBmp(bytes) : ReadDib(bytes);
     if (!bitmap) return nullptr;
     if (cx == 0) cx = bitmap->Width();
     if (cy == 0) cy = bitmap->Height();
@@ -53,14 +52,14 @@ std::shared_ptr<Icon> MakeIcon(FileBytes bytes, int cx, int cy)
     return surface ? Icon::Make(std::move(*surface), {cx, cy}) : nullptr;
 }
 
-HANDLE Make(FileBytes bytes, bool bFile, UINT nType, int cx, int cy)
+HANDLE Make(FileBytes bytes, UINT nType, int cx, int cy)
 {
     std::shared_ptr<Object> object;
     SetLastError(ERROR_SUCCESS);
     if (nType == IMAGE_ICON)
         object = MakeIcon(bytes, cx, cy);
     else
-        object = MakeBitmap(bytes, bFile, cx, cy);
+        object = MakeBitmap(bytes, cx, cy);
     if (object) return Add(object);
     return GetLastError() == ERROR_NOT_ENOUGH_MEMORY ? nullptr : Refuse(ERROR_RESOURCE_DATA_NOT_FOUND);
 }
@@ -83,7 +82,7 @@ HANDLE FromFile(const char* pszPath, UINT nType, int cx, int cy)
         nSize <= MAX_IMAGE_FILE ? BytesToRead(BytesOf(file.bytes), nSize, nType) : std::nullopt;
     if (!nBytes) return Refuse(ERROR_RESOURCE_DATA_NOT_FOUND);
     if (const DWORD error = kx::files::ReadFileHead(*path, *nBytes, file)) return Refuse(error);
-    return Make(BytesOf(file.bytes), true, nType, cx, cy);
+    return Make(BytesOf(file.bytes), nType, cx, cy);
 }
 
 HANDLE FromResource(HINSTANCE hInstance, const char* pszName, UINT nType, int cx, int cy)
@@ -92,7 +91,7 @@ HANDLE FromResource(HINSTANCE hInstance, const char* pszName, UINT nType, int cx
     if (!found) return nullptr;
     const auto* data = static_cast<const std::uint8_t*>(LockResource(LoadResource(hInstance, found)));
     if (!data) return nullptr;
-    return Make({data, SizeofResource(hInstance, found)}, false, nType, cx, cy);
+    return Make({data, SizeofResource(hInstance, found)}, nType, cx, cy);
 }
 
 // The beginnings of reasons.

@@ -44,7 +44,6 @@ private:
 
     std::unique_ptr<pixman_region32_data_t, Free> m_data;
     pixman_box32_t* m_boxes;
-    std::size_t m_nMost;
     std::size_t m_nPrevious = 0; // where the last closed band begins
     std::size_t m_nBand = 0;     // where the open band begins
     std::size_t m_nCount = 0;
@@ -63,7 +62,7 @@ pixman_box32_t* BoxesOf(pixman_region32_data_t* data) noexcept
 }
 
 BandBuilder::BandBuilder(std::size_t nMost)
-    : m_data(static_cast<pixman_region32_data_t*>(std::malloc(BytesFor(nMost)))), m_nMost(nMost)
+    : m_data(static_cast<pixman_region32_data_t*>(std::malloc(BytesFor(nMost))))
 {
     if (!m_data) throw std::bad_alloc();
     m_boxes = BoxesOf(m_data.get());
@@ -81,7 +80,7 @@ void BandBuilder::CloseBand() noexcept
 {
     m_nLeft = std::min(m_nLeft, m_boxes[m_nBand].x1);
     m_nRight = std::max(m_nRight, m_boxes[m_nCount - 1].x2);
-    if (m_nBand > 0 && IsLikePrevious()) {
+    if (IsLikePrevious()) {
         const auto nBottom = m_boxes[m_nBand].y2;
         for (std::size_t n = m_nPrevious; n < m_nBand; ++n)
             m_boxes[n].y2 = nBottom;
@@ -94,23 +93,22 @@ void BandBuilder::CloseBand() noexcept
 
 pixman_region32_t BandBuilder::Finish() noexcept
 {
-    if (m_nCount > m_nBand) CloseBand();
     pixman_region32_t region;
-    if (m_nCount <= 1) {
-        if (m_nCount == 0)
-            pixman_region32_init(&region);
-        else
-            pixman_region32_init_with_extents(&region, m_boxes);
+    if (m_nCount == 0) {
+        pixman_region32_init(&region);
+        return region;
+    }
+    CloseBand();
+    if (m_nCount == 1) {
+        pixman_region32_init_with_extents(&region, m_boxes);
         return region;
     }
     region.extents = {m_nLeft, m_boxes[0].y1, m_nRight, m_boxes[m_nCount - 1].y2};
     if (void* const fitting = std::realloc(m_data.get(), BytesFor(m_nCount))) {
         static_cast<void>(m_data.release());
         m_data.reset(static_cast<pixman_region32_data_t*>(fitting));
-        m_nMost = m_nCount;
     }
-    m_data->size = static_cast<long>(m_nMost);
-    m_data->numRects = static_cast<long>(m_nCount);
+    m_data->size = m_data->numRects = static_cast<long>(m_nCount);
     region.data = m_data.release();
     assert(pixman_region32_selfcheck(&region));
     return region;
@@ -118,7 +116,7 @@ pixman_region32_t BandBuilder::Finish() noexcept
 
 bool BandBuilder::Add(const RECT& rect) noexcept
 {
-    if (m_nCount > m_nBand) {
+    if (m_nCount > 0) {
         pixman_box32_t& last = m_boxes[m_nCount - 1];
         if (rect.top == last.y1) {
             if (rect.bottom != last.y2 || rect.left < last.x2) return false;

@@ -16,8 +16,8 @@ public:
 
     // The pixels in row `y` of the rectangle, as a rectangle; an empty one outside.
     RECT Row(int y) const noexcept;
-    // The pixels of the row that lie within an outline of `nWidth` pixels, which is the shape's own. One of 1
-    // pixel is as thin as it can be without gaps.
+    // The pixels of the row that lie within an outline of `nWidth` pixels, if any, which is the shape's own.
+    // One of 1 pixel is as thin as it can be without gaps.
     RECT RowInside(int y, int nWidth) const noexcept;
     // How many rows at the top, and at the bottom, may be narrower than the rectangle.
     int CornerRows() const noexcept { return m_cy / 2; }

@@ -119,7 +119,7 @@ void DrawRound(const Canvas& canvas, const RECT& rect, const RoundShape& shape, 
     const RECT rows = Cut(rect, canvas.reach);
     for (int y = rows.top; y < rows.bottom; ++y) {
         const RECT row = shape.Row(y);
-        const RECT inside = nWidth > 0 ? shape.RowInside(y, nWidth) : row;
+        const RECT inside = shape.RowInside(y, nWidth);
         if (IsEmpty(inside)) {
             tools.Outline(canvas, row);
             continue;
