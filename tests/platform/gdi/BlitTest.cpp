@@ -69,7 +69,7 @@ TEST(BitBlt, CopiesABlockAndCutsItToBothSurfaces)
     const Picture source = Colorful(8, 5); // rows without a gap, which are copied all at once
     const Paper from(source);
     for (const Copy& copy :
-         {Copy{1, 1, 3, 2, 2, 1}, Copy{-2, -1, 6, 5, 0, 0}, Copy{3, 2, 9, 9, 0, 0}, Copy{0, 0, 4, 4, -2, -1},
+         {Copy{3, 1, 2, 2, 2, 1}, Copy{-2, -1, 6, 5, 0, 0}, Copy{3, 2, 9, 9, 0, 0}, Copy{0, 0, 4, 4, -2, -1},
           Copy{0, 0, 4, 4, 6, 3}, Copy{-3, 1, 9, 1, -5, 2}, Copy{1, 1, 0, 3, 0, 0}, Copy{1, 1, -2, 3, 0, 0},
           Copy{9, 9, 3, 3, 0, 0}, Copy{0, 0, 3, 3, 8, 0}, Copy{0, 0, 8, 5, 0, 0}}) {
         for (const bool bAsLarge : {false, true}) {
@@ -93,31 +93,36 @@ TEST(BitBlt, CopiesABlockAndCutsItToBothSurfaces)
 
     constexpr int kWidth = (1 << 20) + 15; // in steps of 16, and the rest
     const Paper wide(kWidth, 1, 'R'), row(kWidth, 1);
-    EXPECT_EQ(Blit(row, {0, 0, kWidth, 1, 0, 0}, wide), 1);
-    EXPECT_EQ(GetPixel(row, kWidth - 1, 0), ColorOf('R'));
+    for (const int x : {1, 0}) { // off the boundaries of vectors, and on them
+        EXPECT_EQ(GetPixel(row, x, 0), ColorOf('.'));
+        EXPECT_EQ(Blit(row, {x, 0, kWidth - x, 1, 0, 0}, wide), 1);
+        EXPECT_EQ(GetPixel(row, kWidth - 1, 0), ColorOf('R'));
+    }
 }
 
 // Each direction, within one surface: whole, and cut into parts that lie side by side and below each other.
 TEST(BitBlt, OverlappingCopiesReadWhatWasThereBefore)
 {
     const Picture before = Colorful(9, 8);
-    const std::array<RECT, 5> parts{{{0, 0, 3, 3}, {4, 0, 6, 3}, {7, 0, 9, 3}, {0, 4, 4, 8}, {5, 4, 9, 8}}};
-    const Scoped<HRGN> region(CreateRectsRgn(parts.data(), 5));
-    const auto inParts = [&](int x, int y) { return PtInRegion(region, x, y) != 0; };
-    for (int dx = -3; dx <= 3; ++dx)
-        for (int dy = -3; dy <= 3; ++dy) {
-            const Copy copy{dx, dy, 9, 8, 0, 0};
-            for (const char key : {'\0', 'G'}) {
-                const Paper whole(before);
-                const Paper clipped(before);
-                SelectClipRgn(clipped, region);
-                for (const HDC dc : {HDC{whole}, HDC{clipped}})
-                    EXPECT_EQ(key ? BlitKeyed(dc, copy, dc, key) : Blit(dc, copy, dc), 1);
-                SelectClipRgn(clipped, nullptr);
-                EXPECT_EQ(whole.Read(), Copied(before, before, copy, key, anywhere)) << dx << dy << key;
-                EXPECT_EQ(clipped.Read(), Copied(before, before, copy, key, inParts)) << dx << dy << key;
+    const std::array<RECT, 5> parts{{{0, 0, 3, 3}, {4, 0, 6, 3}, {7, 0, 9, 3}, {0, 3, 4, 8}, {5, 3, 9, 8}}};
+    for (const int nParts : {2, 5}) {
+        const Scoped<HRGN> region(CreateRectsRgn(parts.data(), nParts));
+        const auto inParts = [&](int x, int y) { return PtInRegion(region, x, y) != 0; };
+        for (int dx = -3; dx <= 3; ++dx)
+            for (int dy = -3; dy <= 3; ++dy) {
+                const Copy copy{dx, dy, 9, 8, 0, 0};
+                for (const char key : {'\0', 'G'}) {
+                    const Paper whole(before);
+                    const Paper clipped(before);
+                    SelectClipRgn(clipped, region);
+                    for (const HDC dc : {HDC{whole}, HDC{clipped}})
+                        EXPECT_EQ(key ? BlitKeyed(dc, copy, dc, key) : Blit(dc, copy, dc), 1);
+                    SelectClipRgn(clipped, nullptr);
+                    EXPECT_EQ(whole.Read(), Copied(before, before, copy, key, anywhere)) << dx << dy << key;
+                    EXPECT_EQ(clipped.Read(), Copied(before, before, copy, key, inParts)) << dx << dy << key;
+                }
             }
-        }
+    }
 }
 
 // A clip of many rectangles cuts as one by one they would, and those out of a copy's reach cost it nothing:
@@ -255,6 +260,7 @@ TEST(StretchBlt, TakesThePixelThatTheCentreFallsInto)
     EXPECT_EQ(stretched(8, 1, -2, 4, 1), (Picture{"....RRGG"})); // nothing outside is read
     EXPECT_EQ(stretched(4, 4, 3, 2, 4), (Picture{"CC..", "RR..", "....", "...."}));
     EXPECT_EQ(stretched(2, 2, 0, 0, 2), (Picture{"..", ".."}));
+    EXPECT_EQ(stretched(2, 2, 0, 2, 0), (Picture{"..", ".."}));
 }
 
 TEST(StretchBlt, CutsAndKeysLikeTheWhole)
@@ -265,10 +271,12 @@ TEST(StretchBlt, CutsAndKeysLikeTheWhole)
     const Scoped<HRGN> region(CreateRectsRgn(parts, 2));
     SelectClipRgn(to, region);
     EXPECT_EQ(TransparentBlt(to, -1, -1, 6, 6, from, 0, 0, 3, 2, ColorOf('G')), 1);
+    EXPECT_EQ(to.Read(), (Picture{"RW    ", "RW BBW", "   YYW", "   YYW"}));
+    EXPECT_EQ(StretchBlt(to, -1, -1, 6, 6, from, 0, 0, 3, 2, SRCCOPY), 1);
     SelectClipRgn(to, nullptr);
-    EXPECT_EQ(to.Read(), (Picture{"RWWWWW", "RWWBBW", "WWWYYW", "WWWYYW"}));
+    EXPECT_EQ(to.Read(), (Picture{"RGWWWW", "RGWBBW", "WWWYYW", "WWWYYW"}));
     EXPECT_EQ(StretchBlt(to, 4, 3, 4, 4, from, 0, 0, 2, 2, SRCCOPY), 1);
-    EXPECT_EQ(to.Read(), (Picture{"RWWWWW", "RWWBBW", "WWWYYW", "WWWYRR"}));
+    EXPECT_EQ(to.Read(), (Picture{"RGWWWW", "RGWBBW", "WWWYYW", "WWWYRR"}));
 }
 
 TEST(StretchBlt, WithinOneSurfaceReadsWhatWasThereBefore)

@@ -51,6 +51,11 @@ TEST(GetDIBits, AQueryFillsTheHeaderAlone)
         EXPECT_EQ(std::memcmp(&info.head.bmiHeader, &expected, sizeof expected), 0) << depth;
         EXPECT_EQ(info.Written(), 0u);
     }
+    Info info;
+    info.head.bmiHeader.biSize = 40;
+    const Scoped<HBITMAP> wide(Load(ToBmp({std::string(50, 'R')}, 24)));
+    GetDIBits(Paper(1, 1), wide, 0, 0, nullptr, &info.head, DIB_RGB_COLORS);
+    EXPECT_EQ(info.head.bmiHeader.biSizeImage, 152u);
 }
 
 TEST(GetDIBits, WritesAsManyColoursAsThereIsRoomFor)
@@ -98,6 +103,10 @@ TEST(GetDIBits, ConvertsBetweenDepths)
     };
     for (const WORD depth : {WORD{16}, WORD{24}, WORD{32}})
         EXPECT_EQ(as(depth), ToBmp({"RGBWK"}, depth).pixels) << depth;
+    SetPixel(paper, 0, 0, RGB(0x84, 0x42, 0x21));
+    EXPECT_EQ(as(16).substr(0, 2), Le(0x10 << 10 | 8 << 5 | 4, 2)); // the upper five bits of each
+    Info wide(50, 1, 24);
+    EXPECT_EQ(Rows(Paper(50, 1).Bitmap(), wide, 0, 1, 1), std::string(152, '\0')); // in steps of four
     const Scoped<HBITMAP> four(Load(ToBmp(picture, 4)));
     Info eight(5, 3, 8, 8);
     EXPECT_EQ(Rows(four, eight, 0, 3, 3), ToBmp(picture, 8).pixels);
@@ -115,16 +124,16 @@ TEST(GetDIBits, ConvertsBetweenDepths)
 
 TEST(GetDIBits, GivesTheNearestColourOfWhatWasDrawn)
 {
-    const Scoped<HBITMAP> bitmap(Load(ToBmp({"KKKKKK"}, 8, false, "KRGW")));
+    const Scoped<HBITMAP> bitmap(Load(ToBmp({"KKKKKKKK"}, 8, false, "KRGWB")));
     const Paper dc(1, 1);
     const HGDIOBJ first = SelectObject(dc, bitmap);
-    const COLORREF drawn[] = {RGB(0, 0, 0),       RGB(200, 30, 30), RGB(1, 128, 2),
-                              RGB(250, 251, 200), RGB(60, 60, 60),  RGB(200, 30, 30)};
-    for (int x = 0; x < 6; ++x)
+    const COLORREF drawn[] = {RGB(0, 0, 0),    RGB(200, 30, 30), RGB(1, 128, 2),   RGB(250, 251, 200),
+                              RGB(60, 60, 60), RGB(200, 30, 30), RGB(30, 30, 200), RGB(30, 30, 100)};
+    for (int x = 0; x < 8; ++x)
         SetPixel(dc, x, 0, drawn[x]);
-    Info info(6, 1, 8);
+    Info info(8, 1, 8);
     const std::string rows = Rows(bitmap, info, 0, 1, 1); // while it is selected
-    EXPECT_EQ(rows.substr(0, 6), std::string("\0\1\2\3\0\1", 6));
+    EXPECT_EQ(rows, std::string("\0\1\2\3\0\1\4\0", 8));
     SelectObject(dc, first);
 }
 

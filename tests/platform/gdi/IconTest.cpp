@@ -101,6 +101,14 @@ TEST(Icon, IsOfTheSizeAskedForFromTheSmallestEntryThatIsAsLarge)
         EXPECT_EQ(LoadedIcon(Ico(images), cx, cy).OnGreen(), Picture(height, std::string(width, color)))
             << cx << " by " << cy;
     EXPECT_FALSE(LoadedIcon(Ico({eight}), 1 << 20, 1 << 20));
+    // A PNG's type, its bits of a pixel, and the depth below.
+    for (const auto& [type, bits, below] :
+         {std::tuple{0, 8u, 4u}, {2, 24u, 16u}, {4, 16u, 8u}, {6, 32u, 24u}}) {
+        const std::string image = Png(4, 4, 8, type, std::string(4 + 2 * bits, '\0'));
+        const std::vector<std::string> more{Square(4, below, 'W'), image}, alike{Square(4, bits, 'W'), image};
+        EXPECT_NE(LoadedIcon(Ico(more), 4, 4).OnGreen()[0][0], 'W') << type;
+        EXPECT_EQ(LoadedIcon(Ico(alike), 4, 4).OnGreen()[0][0], 'W') << type;
+    }
 }
 
 // A pixel is the mean of those that it stands for, in which what is transparent has no colour.
@@ -119,13 +127,18 @@ TEST(Icon, IsScaledWithItsOpacity)
     EXPECT_EQ(scaled({"RR..", "RR..", "WBWB", "BWBW"}, 2, 2), (Colors{red, green, light, light}));
     EXPECT_EQ(scaled({"R..", "...", "..."}, 1, 1), Colors{RGB(28, 227, 0)}); // a ninth of it is red
     EXPECT_EQ(scaled({"RRB"}, 2, 1), (Colors{red, RGB(85, 0, 170)}));
+    EXPECT_EQ(scaled({"RRR........"}, 1, 1), Colors{RGB(70, 185, 0)}); // three elevenths, rounded up
+    EXPECT_EQ(scaled({"RRRKKKKKKKK"}, 1, 1), Colors{RGB(70, 0, 0)});
     const LoadedIcon twice(Ico({IconBmp({"R.", "BW"}, 24)}), 4, 4);
     EXPECT_EQ(twice.OnGreen(), (Picture{"RRGG", "RRGG", "BBWW", "BBWW"}));
 }
 
 TEST(Icon, EntriesBeyondTheFileOrWithoutASizeAreLeftOut)
 {
-    EXPECT_EQ(LoadedIcon(Ico({Png(0, 4, 1, 0, "\0"s), Square(24, 8)})).Size(), std::pair(24, 24));
+    Bmp narrow = ToBmp({"R", "R"}, 24), low = narrow;
+    narrow.width = low.height = 0;
+    for (const std::string& none : {Png(0, 4, 1, 0, "\0"s), narrow.Dib(), low.Dib()})
+        EXPECT_EQ(LoadedIcon(Ico({none, Square(24, 8)})).Size(), std::pair(24, 24));
     std::string file = Ico({Square(16, 8), Square(24, 8, 'B')});
     file.replace(6 + 12, 4, Le(file.size(), 4));
     EXPECT_EQ(LoadedIcon(file, 16, 16).OnGreen(), Picture(16, std::string(16, 'B')));

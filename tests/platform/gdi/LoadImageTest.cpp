@@ -32,20 +32,32 @@ TEST(LoadImage, WhatIsNoReadableImageGivesNullAtOnce)
     dir.Write("empty.bmp", "");
     dir.Write("text.bmp", "BM is how this text begins, and it goes on for more bytes than a header has.");
     ASSERT_EQ(mkfifo(dir.Path("pipe.bmp").c_str(), 0600), 0);
-    std::filesystem::resize_file(dir.Write("huge.bmp", ToBmp(kPicture, 24).File()), std::uintmax_t{1} << 30);
+    const std::string huge = dir.Write("huge.bmp", ToBmp(kPicture, 24).File());
+    std::filesystem::resize_file(huge, 257u << 20); // the longest: four bytes a pixel, and one mebibyte
+    EXPECT_EQ(LoadedBitmap(LoadImageA(nullptr, dir.Win("huge.bmp"), 0, 0, 0, LR_LOADFROMFILE)).Letters(),
+              kPicture);
+    std::filesystem::resize_file(huge, (257u << 20) + 1);
 
     EXPECT_EQ(ErrorOf(dir.Win("none.bmp")), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(ErrorOf(dir.Win("folder")), ERROR_ACCESS_DENIED);
     EXPECT_EQ(ErrorOf(dir.Win("pipe.bmp")), ERROR_ACCESS_DENIED);
     for (const char* name : {"empty.bmp", "text.bmp", "huge.bmp"})
         EXPECT_EQ(ErrorOf(dir.Win(name)), ERROR_RESOURCE_DATA_NOT_FOUND) << name;
-    EXPECT_EQ(ErrorOf(dir.Win("text.bmp"), IMAGE_ICON), ERROR_RESOURCE_DATA_NOT_FOUND);
+    const auto tells = [&](UINT nType) {
+        const DebugText told(true);
+        EXPECT_EQ(ErrorOf(dir.Win("text.bmp"), nType), ERROR_RESOURCE_DATA_NOT_FOUND);
+        return told.Text();
+    };
+    EXPECT_THAT(tells(IMAGE_BITMAP),
+                testing::EndsWith("text.bmp can't be read as a BMP file; nothing is drawn from it\n"));
+    EXPECT_THAT(tells(IMAGE_ICON),
+                testing::EndsWith("text.bmp can't be read as an icon; nothing is drawn from it\n"));
 
-    // A large file that is no picture, or claims more than it has, is refused by its beginning.
+    // A large file that is no picture, or claims a byte more than it has, is refused by its beginning.
     Bmp liar = ToBmp(kPicture, 24);
-    liar.height = 20 << 20; // rows of 12 bytes
+    liar.height = 16 << 20; // rows of 9 bytes and 3 of padding
     const auto readBytes = [&](const char* name, const std::string& head) {
-        std::filesystem::resize_file(dir.Write(name, head), std::uintmax_t{200} << 20);
+        std::filesystem::resize_file(dir.Write(name, head), 54 + std::uintmax_t{12} * (16 << 20) - 4);
         const std::uint64_t nBefore = ReadCharacters();
         EXPECT_EQ(ErrorOf(dir.Win(name)), ERROR_RESOURCE_DATA_NOT_FOUND) << name;
         EXPECT_EQ(ErrorOf(dir.Win(name), IMAGE_ICON), ERROR_RESOURCE_DATA_NOT_FOUND) << name;
@@ -59,9 +71,10 @@ TEST(LoadImage, WhatIsNoReadableImageGivesNullAtOnce)
     constexpr UINT nFlags = LR_LOADFROMFILE | LR_CREATEDIBSECTION;
     EXPECT_EQ(LoadedBitmap(LoadImageA(nullptr, good, IMAGE_BITMAP, 0, 0, nFlags)).Letters(), kPicture);
     EXPECT_EQ(ErrorOf(nullptr), ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(ErrorOf(MAKEINTRESOURCEA(7)), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf(MAKEINTRESOURCEA(0xFFFF)), ERROR_INVALID_PARAMETER);
     EXPECT_EQ(ErrorOf(good, 2), ERROR_INVALID_PARAMETER);
     EXPECT_EQ(ErrorOf(good, IMAGE_BITMAP, -1, 4), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf(good, IMAGE_BITMAP, 4, -1), ERROR_INVALID_PARAMETER);
     EXPECT_EQ(ErrorOf(good, IMAGE_BITMAP, 1 << 20, 1 << 20), ERROR_RESOURCE_DATA_NOT_FOUND);
 }
 

@@ -64,13 +64,14 @@ TEST_F(Object, OfAnotherClassServesNoOperation)
 
 TEST_F(Object, TellsItsRecord)
 {
-    const Paper paper(5, 7);
+    const Paper paper(50, 7);
     const auto bitmap = Describe<BITMAP>(paper.Bitmap());
-    EXPECT_EQ(bitmap.bmWidth, 5);
+    EXPECT_EQ(bitmap.bmWidth, 50);
     EXPECT_EQ(bitmap.bmHeight, 7);
-    EXPECT_EQ(bitmap.bmWidthBytes, 20);
+    EXPECT_EQ(bitmap.bmWidthBytes, 200);
     EXPECT_EQ(bitmap.bmBitsPixel, 32);
     EXPECT_EQ(bitmap.bmPlanes, 1);
+    EXPECT_EQ(bitmap.bmType, 0);
     LOGFONTA log{};
     log.lfHeight = 33;
     std::fill(std::begin(log.lfFaceName), std::end(log.lfFaceName), 'F');
@@ -115,6 +116,7 @@ TEST_F(Object, ABitmapIsInOneMemorySurfaceAtATime)
     const HBITMAP bitmap = CreateCompatibleBitmap(desktop, 2, 2);
     EXPECT_EQ(SelectObject(desktop, bitmap), nullptr);
     const HGDIOBJ own = SelectObject(first, bitmap);
+    EXPECT_EQ(Describe<BITMAP>(own).bmBitsPixel, 32);
     EXPECT_EQ(SelectObject(second, bitmap), nullptr);
     EXPECT_EQ(GetPixel(first, 1, 1), 0u);
     EXPECT_EQ(SelectObject(first, own), bitmap);
@@ -140,6 +142,23 @@ TEST_F(Object, StockIsAlwaysTheSameAndStays)
     }
     for (const int n : {-1, 9, 18, INT_MIN, INT_MAX})
         EXPECT_EQ(GetStockObject(n), nullptr) << n;
+    const Paper paper(9, 3);
+    const std::map<int, DWORD> greys{
+        {BLACK_BRUSH, 0}, {DKGRAY_BRUSH, 64}, {GRAY_BRUSH, 128}, {LTGRAY_BRUSH, 192}, {WHITE_BRUSH, 255}};
+    const RECT all{0, 0, 9, 3};
+    for (const auto& [n, nGrey] : greys) {
+        FillRect(paper, &all, static_cast<HBRUSH>(GetStockObject(n)));
+        EXPECT_EQ(GetPixel(paper, 8, 2), RGB(nGrey, nGrey, nGrey));
+    }
+    FillRect(paper, &all, Scoped<HBRUSH>(CreateSolidBrush(ColorOf('R'))));
+    SelectObject(paper, GetStockObject(NULL_BRUSH));
+    for (const int n : {WHITE_PEN, BLACK_PEN, NULL_PEN}) {
+        SelectObject(paper, GetStockObject(n));
+        Rectangle(paper, 3 * (n - WHITE_PEN), 0, 3 * (n - WHITE_PEN) + 3, 3);
+    }
+    EXPECT_EQ(paper.Read(), (Picture{"WWW...RRR", "WRW.R.RRR", "WWW...RRR"}));
+    for (const int n : {SYSTEM_FONT, DEFAULT_GUI_FONT})
+        EXPECT_EQ(Describe<LOGFONTA>(GetStockObject(n)).lfHeight, -12);
 }
 
 TEST_F(Object, ThreadsMakeFindAndEndThemAtOnce)

@@ -53,6 +53,7 @@ TEST_F(Region, OfRectanglesIsTheirUnion)
 {
     EXPECT_EQ(Show(FromRects({{3, 1, 5, 3}, {0, 0, 2, 2}, {1, 1, 4, 2}, {4, 4, 2, 2}, {0, 0, 2, 2}}), 5, 3),
               (Picture{"WW...", "WWWWW", "...WW"}));
+    EXPECT_EQ(Show(FromRects({{0, 0, 2, 1}, {0, 2, 2, 3}}), 2, 3), (Picture{"WW", "..", "WW"}));
     const Rgn square = FromRects({{0, 0, 1, 1}, {1, 0, 2, 1}, {0, 1, 2, 2}});
     EXPECT_EQ(BoxOf(square, SIMPLEREGION), (RECT{0, 0, 2, 2}));
     EXPECT_EQ(BoxOf(FromRects({}), NULLREGION), RECT{});
@@ -60,14 +61,16 @@ TEST_F(Region, OfRectanglesIsTheirUnion)
     const std::string gap(60, '.'), row = "WW.W" + gap + 'W';
     EXPECT_EQ(Show(Rgn(CreateMaskRgn(mask, 65, 4)), 66, 4),
               (Picture{row + '.', row + '.', std::string(63, '.') + "WW.", std::string(66, '.')}));
-    std::vector<std::uint64_t> many; // two runs a row, no row like the one above
+    std::vector<std::uint64_t> many; // four runs a row, no row like the one above
     for (int y = 0; y < 10'000; ++y)
-        many.insert(many.end(), {std::uint64_t{1} << 2 * (y % 2), std::uint64_t{1} << 63});
+        many.insert(many.end(), {std::uint64_t{1} << 63 | 1u << 2 * (y % 2), std::uint64_t{1} << 63 | 2});
     const Rgn runs(CreateMaskRgn(many.data(), 128, 10'000));
     EXPECT_TRUE(PtInRegion(runs, 127, 9'999));
     EXPECT_FALSE(PtInRegion(runs, 0, 9'999));
     EXPECT_EQ(BoxOf(Rgn(CreateMaskRgn(nullptr, 0, 9)), NULLREGION), RECT{});
+    EXPECT_EQ(BoxOf(Rgn(CreateMaskRgn(nullptr, 9, 0)), NULLREGION), RECT{});
     EXPECT_EQ(CreateMaskRgn(mask, -1, 1), nullptr);
+    EXPECT_EQ(CreateMaskRgn(mask, 1, -1), nullptr);
     EXPECT_EQ(CreateMaskRgn(nullptr, 1, 1), nullptr);
     const RECT box{};
     EXPECT_EQ(CreateRectsRgn(&box, -1), nullptr);

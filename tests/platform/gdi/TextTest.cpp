@@ -66,7 +66,7 @@ protected:
 
 TEST_F(Text, ALineIsAsLongAsItsLetters)
 {
-    for (const char* psz : {"A", "WAVE", "a b", "\xD6\xD0\xCE\xC4", "mixed \xD6\xD0"}) {
+    for (const char* psz : {"A", "WAVE", "a b", "R&B\n", "\xD6\xD0\xCE\xC4", "mixed \xD6\xD0"}) {
         const std::string text = psz;
         int sum = 0;
         for (std::size_t n = 0; n < text.size(); ++n) {
@@ -87,9 +87,10 @@ TEST_F(Text, ALineIsAsLongAsItsLetters)
     const test::CodePage utf8(CP_UTF8);
     EXPECT_EQ(nWidth, WidthOf("ñ"));
     EXPECT_EQ(WidthOf("\xC2\x80"),
-              WidthOf("\xC2\x81"));         // the first letters behind ASCII, of which no face has any
-    EXPECT_EQ(WidthOf("\xEF\xBF\xBF"), 10); // the sign of the best face
-    EXPECT_EQ(WidthOf("\xCC\x81"), 0);      // an accent over the letter before it
+              WidthOf("\xC2\x81")); // the first letters behind ASCII, of which no face has any
+    EXPECT_EQ(WidthOf("a\xFFz"), WidthOf("a\xEF\xBF\xBDz")); // no letter
+    EXPECT_EQ(WidthOf("\xEF\xBF\xBF"), 10);                  // the sign of the best face
+    EXPECT_EQ(WidthOf("\xCC\x81"), 0);                       // an accent over the letter before it
 }
 
 TEST_F(Text, StandsWhereTheFlagsSay)
@@ -97,7 +98,7 @@ TEST_F(Text, StandsWhereTheFlagsSay)
     const int nWidth = WidthOf("HH");
     const RECT left = Draw("HH", DT_SINGLELINE);
     const RECT right = Draw("HH", DT_SINGLELINE | DT_RIGHT);
-    const RECT centre = Draw("HH", DT_SINGLELINE | DT_CENTER | DT_VCENTER);
+    const RECT centre = Draw("HH", DT_SINGLELINE | DT_CENTER | DT_VCENTER, {20, 10, 180, 50});
     EXPECT_EQ(right.left - left.left, 200 - nWidth);
     EXPECT_EQ(centre.left - left.left, (200 - nWidth) / 2);
     EXPECT_EQ(centre.top - left.top, (60 - 20) / 2);
@@ -105,6 +106,10 @@ TEST_F(Text, StandsWhereTheFlagsSay)
     EXPECT_EQ(Draw("HH", DT_VCENTER).top, left.top); // counts with DT_SINGLELINE alone
     EXPECT_GE(Draw("H\nH", 0).bottom - left.top, 20);
     EXPECT_EQ(Draw("H\r\nH", DT_SINGLELINE).bottom, left.bottom);
+    const RECT at = Draw("&H", DT_SINGLELINE | DT_NOPREFIX);
+    Draw("", 0);
+    TextOutA(paper, 50, 30, "&\nH", 3);
+    EXPECT_EQ(Ink(), CRect(at.left + 50, at.top + 30, at.right + 50, at.bottom + 30));
 }
 
 TEST_F(Text, IsClippedToItsRectangle)
@@ -146,7 +151,7 @@ TEST_F(Text, MeasuresLinesAndWraps)
     RECT rect{5, 6, 7, 8};
     EXPECT_EQ(DrawTextA(paper, "ab\r\nabcd\nc", -1, &rect, DT_CALCRECT), 60);
     EXPECT_EQ(rect, CRect(5, 6, 5 + WidthOf("abcd"), 66));
-    EXPECT_EQ(DrawTextA(paper, "a\rb\n\nc", -1, &rect, DT_CALCRECT), 80);
+    EXPECT_EQ(DrawTextA(paper, "a\rb\n\nc\r\n", -1, &rect, DT_CALCRECT), 100);
     rect = {0, 0, static_cast<LONG>(WidthOf("one two")), 1};
     EXPECT_EQ(DrawTextA(paper, "one two three", -1, &rect, DT_CALCRECT | DT_WORDBREAK), 40);
     rect = {0, 0, 1, 1};
@@ -156,7 +161,11 @@ TEST_F(Text, MeasuresLinesAndWraps)
     rect = {0, 0, nRoom, 1};
     EXPECT_EQ(DrawTextA(paper, radical.c_str(), -1, &rect, DT_CALCRECT | DT_WORDBREAK), 40);
     EXPECT_LT(rect.right, nRoom);
-    EXPECT_EQ(WidthOf(""), 0);
+    rect = {0, 0, WidthOf(" a"), 1};
+    EXPECT_EQ(DrawTextA(paper, " ab", -1, &rect, DT_CALCRECT | DT_WORDBREAK), 60); // " ", "a", "b"
+    EXPECT_EQ(DrawTextA(paper, "abc", 0, &rect, DT_CALCRECT), 20);
+    EXPECT_EQ(rect.right, 0);
+    EXPECT_EQ(WidthOf("\ta\x1F\x7F"), WidthOf(" a"));
 }
 
 TEST_F(Text, PrefixesUnderlineALetter)
@@ -164,9 +173,10 @@ TEST_F(Text, PrefixesUnderlineALetter)
     RECT plain{};
     RECT marked{};
     DrawTextA(paper, "AB", -1, &plain, DT_CALCRECT | DT_SINGLELINE);
-    DrawTextA(paper, "&AB", -1, &marked, DT_CALCRECT | DT_SINGLELINE);
+    DrawTextA(paper, "&AB&", -1, &marked, DT_CALCRECT | DT_SINGLELINE);
     EXPECT_EQ(marked, plain);
-    EXPECT_GT(Draw("&AB", DT_SINGLELINE).bottom, Draw("AB", DT_SINGLELINE).bottom);
+    EXPECT_EQ(Draw("&AB", DT_SINGLELINE).bottom, Draw("AB", DT_SINGLELINE).bottom + 2); // a pixel below
+    EXPECT_EQ(Draw("&&AB", DT_SINGLELINE), Draw("&AB", DT_SINGLELINE | DT_NOPREFIX));
     const RECT narrow{0, 0, 30, 60}; // the second line
     EXPECT_GT(Draw("AA &B", DT_WORDBREAK, narrow).bottom, Draw("AA B", DT_WORDBREAK, narrow).bottom);
     EXPECT_EQ(WidthOf("a&&b"), WidthOf("a") + WidthOf("b") + 2 * WidthOf("&"));
@@ -184,9 +194,7 @@ TEST_F(Text, LinesRunUnderAndThroughAllOfIt)
     log.lfStrikeOut = 1;
     Use(log);
     const RECT ink = Draw("    ", DT_SINGLELINE);
-    EXPECT_EQ(ink, (RECT{0, ink.top, WidthOf("    "), ink.top + 1}));
-    EXPECT_GT(ink.top, 0);
-    EXPECT_LT(ink.top, base);
+    EXPECT_EQ(ink, (RECT{0, base - base / 3, WidthOf("    "), base - base / 3 + 1}));
 }
 
 TEST_F(Text, ColoursAndBackground)
@@ -215,6 +223,8 @@ TEST_F(Text, LettersAreOfTheFaceAndKindAskedFor)
     };
     EXPECT_EQ(ink("DejaVu Sans", FW_NORMAL), CRect(3, 7, 8, 38));
     EXPECT_EQ(ink("DejaVu Sans", FW_BOLD), CRect(3, 7, 11, 38));
+    EXPECT_EQ(ink("DejaVu Sans", 0), ink("DejaVu Sans", FW_NORMAL));
+    EXPECT_EQ(ink("DejaVu Sans", 1).Width(), 3); // its lightest face
     EXPECT_EQ(ink("WenQuanYi Micro Hei", 599), CRect(3, 8, 7, 38));
     EXPECT_EQ(ink("WenQuanYi Micro Hei", 600), CRect(3, 6, 9, 38));
     EXPECT_EQ(ink("WenQuanYi Micro Hei", FW_NORMAL, true), CRect(3, 8, 14, 38));
@@ -235,6 +245,10 @@ TEST_F(Text, LettersAreOfTheFaceAndKindAskedFor)
     EXPECT_EQ(sizeAt(-100), CSize(75, 93 + 24));
     EXPECT_EQ(sizeAt(100), CSize(65, 100));
     EXPECT_EQ(sizeAt(1).cy, 1);
+    EXPECT_EQ(sizeAt(0), sizeAt(-12));
+    EXPECT_EQ(sizeAt(INT_MAX), sizeAt(1024)); // no larger
+    EXPECT_EQ(sizeAt(INT_MIN), sizeAt(-1024));
+    EXPECT_EQ(WidthOf(std::string(1 << 20, 'W')), INT_MAX / 4); // no further
 }
 
 TEST_F(Text, UnknownFacesAndSizesFallBack)
@@ -291,6 +305,9 @@ TEST_F(Text, BadArgumentsDrawNothing)
     EXPECT_EQ(DrawTextA(paper, "a", 1, nullptr, 0), 0);
     EXPECT_EQ(GetTextExtentPoint32A(paper, "a", 1, nullptr), 0);
     EXPECT_EQ(GetTextExtentPoint32A(nullptr, "a", 1, &size), 0);
+    EXPECT_EQ(GetTextExtentPoint32A(paper, nullptr, 1, &size), 0);
+    EXPECT_EQ(TextOutA(nullptr, 0, 0, "a", 1), 0);
+    EXPECT_EQ(TextOutA(paper, 0, 0, nullptr, 1), 0);
     EXPECT_EQ(CreateFontIndirectA(nullptr), nullptr);
     EXPECT_EQ(TextOutA(paper, INT_MAX, INT_MIN, "a", 1), 1);
     RECT far{INT_MIN, INT_MIN, INT_MAX, INT_MAX};
