@@ -83,7 +83,7 @@ std::string ToCodePage(const WCHAR* pszPath)
     // Anything longer than the paths of this library can be is none.
     constexpr std::size_t kMaxUnits = 32767;
     const std::u16string_view path = pszPath ? std::u16string_view(pszPath) : std::u16string_view();
-    if (path.empty() || path.size() > kMaxUnits) return {};
+    if (path.size() > kMaxUnits) return {};
     const int nUnits = static_cast<int>(path.size());
     const int nBytes = WideCharToMultiByte(CP_ACP, 0, path.data(), nUnits, nullptr, 0);
     std::string text(static_cast<std::size_t>(nBytes), '\0');

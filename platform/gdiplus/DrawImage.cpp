@@ -81,8 +81,8 @@ private:
         {
             const float sum = Channel(pixel, 16) * red + Channel(pixel, 8) * green +
                               Channel(pixel, 0) * blue + Channel(pixel, 24) * alpha + plus;
-            const float least = sum > 0 ? sum : 0; // also for what is no number
-            return static_cast<DWORD>(static_cast<int>(least < 255 ? least : 255));
+            const float least = std::max(0.F, sum); // in this order 0 for what is no number
+            return static_cast<DWORD>(static_cast<int>(std::min(least, 255.F)));
         }
     };
 

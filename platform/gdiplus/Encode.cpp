@@ -43,7 +43,7 @@ bool IsOpaque(const DWORD* row, int nWidth) noexcept
     DWORD all = ALPHA_BITS;
     for (int x = 0; x < nWidth; ++x)
         all &= row[x];
-    return (all & ALPHA_BITS) == ALPHA_BITS;
+    return all == ALPHA_BITS;
 }
 
 } // namespace

@@ -29,7 +29,7 @@ private:
 class GpPen
 {
 public:
-    GpPen(ARGB of, REAL nWidth) noexcept : color(of), width(nWidth < 1 ? 1 : nWidth) {}
+    GpPen(ARGB of, REAL nWidth) noexcept : color(of), width(std::max(nWidth, 1.F)) {}
 
     // The pixels of a rectangle's outline, whose lines lie in the middle of the pen's: one of a width of 1
     // covers the column x for a line at x, one of 2 the column before it too. Throws std::bad_alloc.

@@ -76,11 +76,9 @@ void GpLineGradient::Row(std::int64_t x, std::int64_t y, DWORD mask, std::span<D
     for (std::size_t n = 0; n < out.size();) {
         const std::int64_t nWay = Way(x + static_cast<std::int64_t>(n));
         const std::int64_t nPlace = Place(nWay);
-        std::int64_t nCount = 0; // of pixels in the same period
-        if (m_bForward)
-            nCount = m_nLength - nPlace + (nWay >= 0 && nWay <= m_nLength ? 1 : 0);
-        else
-            nCount = nPlace + (nWay > m_nLength && nWay < 2 * m_nLength ? 0 : 1);
+        const std::int64_t nCount = // of pixels in the same period
+            m_bForward ? m_nLength - nPlace + (nWay >= 0 && nWay <= m_nLength ? 1 : 0)
+                       : nPlace + (nWay > m_nLength && nWay < 2 * m_nLength ? 0 : 1);
         const auto run = out.subspan(n, std::min(out.size() - n, static_cast<std::size_t>(nCount)));
         DrawRun(ColorAt(nPlace), step, mask, run);
         n += run.size();
@@ -128,8 +126,7 @@ void GpPathGradient::Row(std::int64_t x, std::int64_t y, DWORD mask, std::span<D
         DrawRun(Mixed(step, from, m_center, 1), step, mask, run);
     };
     across(left, begin, out.first(nLeft));
-    if (nMiddle > nLeft)
-        DrawRun(Mixed(m_center, 1 - part, m_surround, part), {}, mask, out.subspan(nLeft, nMiddle - nLeft));
+    DrawRun(Mixed(m_center, 1 - part, m_surround, part), {}, mask, out.subspan(nLeft, nMiddle - nLeft));
     across(right, begin + static_cast<double>(nMiddle), out.subspan(nMiddle));
 }
 

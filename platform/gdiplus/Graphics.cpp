@@ -24,13 +24,12 @@ void CopyRun(const DWORD* from, DWORD* to, int n, DWORD set) noexcept
         to[x] = (from[x] & gdi::COLOR_BITS) | set;
 }
 
-// Both of straight alpha: the colours are weighed by what is seen of each.
+// Both of straight alpha, the upper not 0: the colours are weighed by what is seen of each.
 DWORD StraightOver(DWORD from, DWORD to) noexcept
 {
     const DWORD above = (from >> 24) * 255;
     const DWORD below = (to >> 24) * (255 - (from >> 24));
     const DWORD all = above + below;
-    if (all == 0) return to;
     DWORD pixel = (all + 127) / 255 << 24;
     for (const int nShift : {0, 8, 16}) {
         const DWORD sum = Channel(from, nShift) * above + Channel(to, nShift) * below;

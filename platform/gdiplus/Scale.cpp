@@ -23,7 +23,6 @@ public:
     {
     }
 
-    bool IsEmpty() const noexcept { return !(m_fromLength > 0 && m_toLength > 0); }
     bool Reduces() const noexcept { return m_fromLength > m_toLength; }
     double From() const noexcept { return m_from; }
     double FromEnd() const noexcept { return m_from + m_fromLength; }
@@ -73,7 +72,7 @@ Span Between(double position, int nLeast, int nMost) noexcept
     const double part = position - 0.5 - below;
     const int nFirst = std::clamp(static_cast<int>(below), nLeast, nMost);
     const int nLast = std::clamp(static_cast<int>(below) + 1, nLeast, nMost);
-    if (nFirst == nLast || part == 0) return OnePixel(nFirst);
+    if (nFirst == nLast) return OnePixel(nFirst);
     return {nFirst, nLast, static_cast<float>(1 - part), static_cast<float>(part), 1};
 }
 
@@ -154,7 +153,6 @@ std::pair<int, int> Covered(const Stretch& stretch) noexcept
 Axis::Axis(const Stretch& stretch, int limit, int begin, int end) : m_nBegin(begin)
 {
     const Mapping map(stretch);
-    if (map.IsEmpty() || begin >= end) return;
     // The part that there is to read.
     const double least = std::max(map.From(), 0.0);
     const double most = std::min(map.FromEnd(), static_cast<double>(limit));
@@ -165,7 +163,6 @@ Axis::Axis(const Stretch& stretch, int limit, int begin, int end) : m_nBegin(beg
     const auto [low, high] = std::minmax({map.Target(least), map.Target(most)});
     m_nBegin = PixelAt(std::max(low, map.To()), begin, end);
     const int nEnd = PixelAt(std::min(high, map.ToEnd()), m_nBegin, end);
-    m_spans.reserve(static_cast<std::size_t>(nEnd - m_nBegin));
     for (int n = m_nBegin; n < nEnd; ++n) {
         const auto [first, last] = std::minmax({map.Source(n), map.Source(n + 1.0)});
         m_spans.push_back(map.Reduces()
@@ -246,7 +243,7 @@ PictureRows::PictureRows(const PixelView& from, const Stretch& columns, const St
     if (!dx || !dy) {
         m_scaler.emplace(from, columns, rows, area);
         m_area = m_scaler->Area();
-        if (!gdi::IsEmpty(m_area)) m_row.resize(static_cast<std::size_t>(m_area.right - m_area.left));
+        m_row.resize(static_cast<std::size_t>(m_area.right - m_area.left));
         return;
     }
     const auto [left, right] = Covered(columns);

@@ -31,7 +31,6 @@ protected:
             }
             std::longjmp(static_cast<JpegErrors*>(jpeg->err)->m_jump, 1);
         };
-        emit_message = [](j_common_ptr, int) {};
         output_message = [](j_common_ptr) {};
     }
 

@@ -59,7 +59,6 @@ tmsize_t Write(thandle_t handle, void* bytes, tmsize_t nBytes) noexcept
 try {
     TiffMemory& memory = Of(handle);
     const auto nCount = static_cast<std::size_t>(nBytes);
-    if (!memory.target || nCount == 0) return 0;
     if (memory.target->size() < memory.at + nCount) memory.target->resize(memory.at + nCount);
     std::memcpy(memory.target->data() + memory.at, bytes, nCount);
     memory.at += nCount;
@@ -142,7 +141,7 @@ bool HasPixels(TIFF* tiff, FileBytes file) noexcept
 std::vector<std::uint64_t> ReadTiffIndex(FileBytes file)
 {
     std::vector<std::uint64_t> pages;
-    TiffMemory memory{file, nullptr, 0};
+    TiffMemory memory{file};
     const TiffHandle tiff = OpenTiff(memory, "rm", kMaxBlock);
     std::uint64_t nWalked = 0; // as long as they don't overlap, they are no longer than the file
     for (bool bThere = tiff != nullptr; bThere; bThere = TIFFReadDirectory(tiff.get()) != 0) {
@@ -227,7 +226,7 @@ bool HasAnyPixel(const gdi::Surface& surface) noexcept
 // A page that can't be read in full is broken, unless it may be in part.
 Status ReadPage(FileBytes file, std::uint64_t at, bool bInPart, std::optional<Picture>& picture)
 {
-    TiffMemory memory{file, nullptr, 0};
+    TiffMemory memory{file};
     const TiffHandle tiff = OpenTiff(memory, "rmh", kMaxBlock);
     if (!tiff || !TIFFSetSubDirectory(tiff.get(), at)) return Gdiplus::GenericError;
     const Status status = CheckClaim(tiff.get(), file.size());
@@ -310,7 +309,7 @@ Gdiplus::Status WriteTiff(const PixelView& view, Bytes& file)
 {
     const std::uint16_t nSamples = view.alpha == Alpha::Opaque ? 3 : 4;
     Bytes samples(static_cast<std::size_t>(view.width) * nSamples);
-    TiffMemory memory{{}, &file, 0};
+    TiffMemory memory{{}, &file};
     const TiffHandle tiff = OpenTiff(memory, "w", kMaxWritten);
     if (!tiff || !Describe(tiff.get(), view, nSamples)) return Gdiplus::OutOfMemory;
     for (int y = 0; y < view.height; ++y) {
