@@ -205,7 +205,9 @@ TEST(Diagnostics, SayWhatIsWrongWithAFileAndWhatIsTakenInstead)
     };
     const CString strText = file("a.txt", "no picture"), strPng = file("a.png", "\x89PNG\r\n\x1A\n");
     const CString strJpeg = file("a.jpg", "\xFF\xD8\xFF\xD9"),
-                  strBmp = file("a.bmp", test::ToBmp({"K"}, 24).File());
+                  strBmp = file("a.bmp", test::ToBmp({"K"}, 24).File()),
+                  strCut = file("b.png", test::Png(1, 1, 8, 2, std::string(4, '\0')).substr(0, 40)),
+                  strTiff = file("a.tif", std::string("II*\0\x08\0\0\0", 8));
     const auto refused = [](const CString& strPath, const char* pszWhy) {
         return "picture: " + std::string(strPath) + " is refused: " + pszWhy + "; the picture stays empty\n";
     };
@@ -226,6 +228,9 @@ TEST(Diagnostics, SayWhatIsWrongWithAFileAndWhatIsTakenInstead)
               refused(strPng, "its content is damaged")); // nothing left of the last one
     EXPECT_EQ(HeardOfImage(strJpeg), refused(strJpeg, pszNoImage));
     EXPECT_EQ(HeardOfImage(strPng), refused(strPng, "its content is damaged"));
+    EXPECT_EQ(HeardOfImage(strCut), refused(strCut, "cut"));
+    EXPECT_EQ(HeardOfImage(strTiff), refused(strTiff, "Failed to read directory at offset 8"));
+    EXPECT_EQ(HeardOfImage("C:\\none.png"), refused("C:\\none.png", "it isn't there"));
     EXPECT_EQ(
         Heard([&] { CKXBitmap().LoadBitmapA(strText); }),
         std::string("picture: " + strText + " can't be read as a BMP file; nothing is drawn from it\n"));

@@ -37,6 +37,9 @@ TEST_F(FramesTest, PalettesAndPassesOfFrames)
     const std::string frame = GifFrameBytes({{"RB"}});
     const std::string remark = "!\xFE\4\1\0\0"s + static_cast<char>(kLetters.find('R')) + '\0';
     EXPECT_EQ(Loaded(GifHead(2, 1) + remark + frame.substr(frame.find(',')) + ';').Letters(), Picture{"RB"});
+    std::string first = Gif(3, 1, {{{"KR."}}});
+    first[GifHead(3, 1).size() + 6] = 0; // the first colour, black, is the transparent one
+    EXPECT_EQ(Loaded(first).Letters(), Picture{" RW"});
     // Rows that come in passes.
     Picture rows;
     for (const char letter : std::string("RGBCMYWRGBCRGBYW"s)) {
@@ -91,16 +94,18 @@ TEST_F(FramesTest, AFrameSelectedOutOfOrderShowsWhatPlayingToItShows)
         }
     }
     const std::vector<GifFrame> hole = {{{"RG"}}, {{"B"}, 1, 0, 2}, {{"Y"}}}; // in what was opaque
-    EXPECT_EQ(Played(Loaded(Gif(2, 1, hole))), ByHand(2, 1, hole));
+    const Loaded holed(Gif(2, 1, hole));
+    EXPECT_EQ(Played(holed), ByHand(2, 1, hole));
+    EXPECT_EQ(holed.Pixel(1, 0), 0u);
 }
 
 // Long GIFs, of which no frames are kept. Each frame has a pixel of its own, in a row.
-std::string LongGif(const std::string& letters)
+std::string LongGif(const std::string& letters, std::uint32_t side = 1024)
 {
     std::vector<GifFrame> frames;
     for (std::size_t n = 0; n < letters.size(); ++n)
         frames.push_back({{{letters[n]}}, static_cast<std::uint32_t>(n)});
-    return Gif(1024, 1024, frames);
+    return Gif(side, side, frames);
 }
 
 // A mark that is left on the picture is there as long as what it is drawn from isn't decoded anew.
@@ -130,19 +135,22 @@ TEST_F(FramesTest, PlayersThatShareAPictureGoOnEachFromItsOwnFrame)
 
 TEST_F(FramesTest, OnlySoManyPlayersKeepTheirPlaces)
 {
-    const Loaded shared(LongGif(std::string(30, 'R')));
-    const auto select = [&](UINT n) { GdipImageSelectActiveFrame(shared, &FrameDimensionTime, n); };
-    const UINT nPlaces = MAX_KEPT_FRAMES_PIXELS / (1024 * 1024) + 1; // and that of the picture itself
-    for (UINT n = 0; n < 2 * nPlaces; ++n) { // each at an earlier frame than those before
-        select(25 - n);
-        GdipBitmapSetPixel(shared.Bitmap(), 500, 500, 0xFF000000 + n);
+    // As many as have the pixels, or 64, and that of the picture itself.
+    for (const auto& [side, nPlaces] : {std::pair{1024u, 8u + 1}, {256u, 64u + 1}}) {
+        const UINT nLast = 2 * nPlaces;
+        const Loaded shared(LongGif(std::string(nLast + 2, 'R'), side));
+        const auto select = [&](UINT n) { GdipImageSelectActiveFrame(shared, &FrameDimensionTime, n); };
+        for (UINT n = 0; n < nLast; ++n) { // each at an earlier frame than those before
+            select(nLast - n);
+            GdipBitmapSetPixel(shared.Bitmap(), 200, 200, 0xFF000000 + n);
+        }
+        UINT nMarked = 0;
+        for (UINT n = nLast; n-- > 0;) {
+            select(nLast - n);
+            nMarked += shared.Pixel(200, 200) == 0xFF000000 + n;
+        }
+        EXPECT_EQ(nMarked, nPlaces);
     }
-    UINT nMarked = 0;
-    for (UINT n = 2 * nPlaces; n-- > 0;) {
-        select(25 - n);
-        nMarked += shared.Pixel(500, 500) == 0xFF000000 + n;
-    }
-    EXPECT_EQ(nMarked, nPlaces);
 }
 
 TEST_F(FramesTest, FramesThatAreCutOffDontCount)
@@ -163,9 +171,15 @@ TEST_F(FramesTest, FramesThatAreCutOffDontCount)
     shorter.replace(at + 3, 3, "\x81\x81\x81");
     EXPECT_EQ(Shown(Loaded(shorter), 1), (Picture{"WW", "BY"}));
     // A frame of 64 million pixels in a few bytes isn't believed.
-    std::string lying = two;
+    std::string lying = Gif(2, 2, {{{"RG", "BY"}}, {{"WW", "WW"}}, {{"WW", "WW"}}});
     lying.replace(nSecond + 8 + 5, 4, "\0\x20\0\x20"s);
     EXPECT_EQ(CountOf(Loaded(lying)), 1u);
+    lying.replace(nSecond + 8 + 5, 4, "\0\0\2\0"s); // nor does one without a pixel count
+    EXPECT_EQ(CountOf(Loaded(lying)), 1u);
+    std::string endless = GifHead(1, 1);
+    for (int n = 0; n <= 65'536; ++n)
+        endless += GifFrameBytes({{"R"}});
+    EXPECT_EQ(CountOf(Loaded(endless)), 65'536u);
 }
 
 TEST_F(FramesTest, Delays)
@@ -221,9 +235,10 @@ TEST_F(FramesTest, APictureHasOneDimension)
     EXPECT_EQ(CountOf(gif), 1u);
 }
 
+const TiffPage red{.width = 1, .height = 1, .pixels = "\xFF\0\0"s};
+
 TEST_F(FramesTest, PagesOfATiff)
 {
-    const TiffPage red{.width = 1, .height = 1, .pixels = "\xFF\0\0"s};
     const TiffPage alpha{
         .width = 1, .height = 2, .samples = 4, .pixels = "\0\xFF\0\xFF\0\0\0\0"s, .tags = {{338, 1}}};
     TiffPage broken = red;
@@ -241,13 +256,38 @@ TEST_F(FramesTest, PagesOfATiff)
     loop.replace(loop.size() - 4, 4, loop.substr(4, 4));
     EXPECT_LE(CountOf(Loaded(loop), FrameDimensionPage), 3u);
 
+    // Pixels that lie nowhere, in the head, up to one byte beyond the end, and up to the end.
+    const auto nSize = static_cast<std::uint32_t>(Tiff({red, red}).size());
+    for (const auto& [nPixelsAt, nCount] : {std::pair{0u, 1u}, {1u, 2u}, {nSize - 2, 1u}, {nSize - 3, 2u}}) {
+        TiffPage second = red;
+        second.tags[273] = nPixelsAt;
+        EXPECT_EQ(CountOf(Loaded(Tiff({red, second})), FrameDimensionPage), nCount) << nPixelsAt;
+    }
+}
+
+// The last nine entries of 257 are a page too. It counts if all of them and they again are as long as the
+// file, which the first page's pixels make so long or two bytes shorter.
+TEST_F(FramesTest, PagesOfATiffAreNoLongerThanTheFile)
+{
     TiffPage many = red;
     for (std::uint32_t nTag = 1; nTag <= 248; ++nTag)
         many.tags[nTag] = 0;
-    std::string within = Tiff({many}); // its last nine entries of 257 are a page too
-    const std::size_t nPage = within.size() - 4 - 9 * 12 - 2;
-    within.replace(nPage, 2, Le(9, 2)).replace(within.size() - 4, 4, Le(nPage, 4));
-    EXPECT_EQ(CountOf(Loaded(within), FrameDimensionPage), 1u);
+    for (const auto& [bBigEndian, bBigTiff] :
+         {std::pair{false, false}, {true, false}, {false, true}, {true, true}})
+        for (const UINT nCount : {1u, 2u}) {
+            const std::size_t nNumber = bBigTiff ? 8 : 2, nLink = bBigTiff ? 8 : 4;
+            const std::size_t nWithin = nNumber + 9 * (bBigTiff ? 20 : 12), nAround = bBigTiff ? 30 : 18;
+            many.pixels.resize(nWithin - nAround - (nCount == 1 ? 2 : 0));
+            std::string within = Tiff({many}, bBigEndian, bBigTiff);
+            const std::size_t nLinkAt = within.size() - nLink, nPage = nLinkAt - nWithin;
+            const auto put = [&](std::size_t at, std::size_t value, std::size_t nWidth) {
+                const std::string bytes = Le(value, nWidth);
+                within.replace(at, nWidth, bBigEndian ? std::string(bytes.rbegin(), bytes.rend()) : bytes);
+            };
+            put(nPage, 9, nNumber);
+            put(nLinkAt, nPage, nLink);
+            EXPECT_EQ(CountOf(Loaded(within), FrameDimensionPage), nCount) << bBigEndian << bBigTiff;
+        }
 }
 
 } // namespace

@@ -44,6 +44,8 @@ TEST_F(Gradient, GoesAlongItsLineAndOverAgain)
         EXPECT_EQ(Line(0, 4, 0, 100, 5, bDown), (std::vector{0, 25, 50, 75, 100}));
         EXPECT_EQ(Line(4, 8, 0, 100, 14, bDown),
                   (std::vector{0, 25, 50, 75, 0, 25, 50, 75, 100, 25, 50, 75, 0, 25}));
+        EXPECT_EQ(Line(-4, 0, 0, 100, 3, bDown), (std::vector{100, 25, 50}));
+        EXPECT_EQ(Line(4, 0, 0, 100, 3, bDown), (std::vector{100, 75, 50}));
         EXPECT_EQ(Line(8, 4, 0, 100, 14, bDown),
                   (std::vector{0, 75, 50, 25, 100, 75, 50, 25, 0, 75, 50, 25, 0, 75}));
     }
@@ -58,6 +60,11 @@ TEST_F(Gradient, RoundsToTheNearest)
     Sheet sheet(3, 1);
     EXPECT_EQ(sheet.graphics.FillRectangle(&brush, 0, 0, 3, 1), Ok);
     EXPECT_EQ(sheet.pixels, (Row{0xFFC80A32, 0xFF643C64, 0xFF006E96})); // each channel its own way
+    // 254 parts of red and one of white.
+    Sheet white(1, Row{0x00FFFFFF}, PixelFormat32bppRGB);
+    const LinearGradientBrush nearly(Point{0, 0}, Point{1, 0}, Color(0xFEFF0000), Color(0xFFFF0000));
+    EXPECT_EQ(white.graphics.FillRectangle(&nearly, 0, 0, 1, 1), Ok);
+    EXPECT_EQ(white.pixels, Row{0x00FF0101});
     // Against whole numbers, over a length that no fraction of two is.
     const int nLength = 1001;
     std::vector<int> expected;
@@ -121,11 +128,14 @@ TEST_F(Gradient, RefusesWhatIsNone)
     EXPECT_EQ(GdipCreateLineBrushI(&at, &oblique, 0, 0, WrapModeTile, &line), NotImplemented);
     EXPECT_EQ(GdipCreateLineBrushI(&at, &other, 0, 0, static_cast<WrapMode>(1), &line), NotImplemented);
     EXPECT_EQ(GdipCreateLineBrushI(&at, nullptr, 0, 0, WrapModeTile, &line), InvalidParameter);
+    EXPECT_EQ(GdipCreateLineBrushI(nullptr, &at, 0, 0, WrapModeTile, &line), InvalidParameter);
     EXPECT_EQ(GdipCreateLineBrushI(&at, &other, 0, 0, WrapModeTile, nullptr), InvalidParameter);
 
     GraphicsPath path;
     path.AddRectangle(0, 0, 0, 5);
+    path.AddRectangle(0, 0, 5, 0);
     EXPECT_EQ(PathGradientBrush(&path).GetLastStatus(), OutOfMemory);
+    EXPECT_EQ(GraphicsPath(FillModeWinding).GetLastStatus(), Ok);
     EXPECT_EQ(PathGradientBrush(nullptr).GetLastStatus(), InvalidParameter);
     EXPECT_EQ(GdipSetPathGradientCenterPointI(nullptr, &at), InvalidParameter);
     path.AddRectangle(INT_MAX - 1, INT_MAX - 1, INT_MAX, INT_MAX);
@@ -137,6 +147,10 @@ TEST_F(Gradient, RefusesWhatIsNone)
     int nTwo = 2;
     EXPECT_EQ(brush.SetSurroundColors(colors, &nTwo), NotImplemented);
     EXPECT_EQ(brush.SetSurroundColors(colors, nullptr), InvalidParameter);
+    int nOne = 1;
+    EXPECT_EQ(brush.SetSurroundColors(nullptr, &nOne), InvalidParameter);
+    EXPECT_EQ(GdipSetPathGradientSurroundColorsWithCount(nullptr, std::array<ARGB, 1>{}.data(), &nOne),
+              InvalidParameter);
     Sheet sheet(1, 1);
     EXPECT_EQ(sheet.graphics.FillRectangle(&brush, 0, 0, INT_MAX, INT_MAX), Ok);
     EXPECT_EQ(sheet.pixels, Row{0});

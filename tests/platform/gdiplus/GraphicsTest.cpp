@@ -37,6 +37,8 @@ TEST_F(GraphicsCalls, OutlineCoversTheLinesOnBothSides)
               (test::Picture{"RRRRRRR", "RRRRRRR", "RRRRRRR", "RRRWRRR", "RRRRRRR", "RRRRRRR"}));
     EXPECT_EQ(Outline(2, 1, 0, 2, 1),
               (test::Picture{"WWWWWWW", "WWRWWWW", "WWRWWWW", "WWRWWWW", "WWWWWWW", "WWWWWWW"}));
+    EXPECT_EQ(Outline(2, 1, 2, 0, 1),
+              (test::Picture{"WWWWWWW", "WWRRRWW", "WWWWWWW", "WWWWWWW", "WWWWWWW", "WWWWWWW"}));
     const test::Picture none(6, "WWWWWWW");
     EXPECT_EQ(Outline(1, 1, -1, 2, 1), none);
     EXPECT_EQ(Outline(1, 1, 2, INT_MIN, 9), none);
@@ -51,6 +53,9 @@ TEST_F(GraphicsCalls, OutlinePaintsEachPixelOnce)
     const Gdiplus::Pen pen(Color(128, 200, 200, 200));
     sheet.graphics.DrawRectangle(&pen, 0, 0, 2, 2);
     EXPECT_EQ(Blues(sheet.pixels), (std::vector{150, 150, 150, 150, 100, 150, 150, 150, 150}));
+    const Gdiplus::Pen nearly(Color(254, 0, 0, 0));
+    sheet.graphics.DrawRectangle(&nearly, 0, 0, 0, 0);
+    EXPECT_EQ(sheet.pixels[0], Gray(1)); // 150 / 255 is left of what was
 }
 
 TEST_F(GraphicsCalls, FillsWithinTheClipAndTheTarget)
@@ -107,6 +112,10 @@ TEST_F(GraphicsCalls, SayByStatusWhatIsMissing)
     const Gdiplus::Pen pen(red);
     const Gdiplus::Pen noPen(red, NAN);
     EXPECT_EQ(noPen.GetLastStatus(), InvalidParameter);
+    GpPen* ownPen = nullptr;
+    EXPECT_EQ(GdipCreatePen1(0, 1, UnitDisplay, &ownPen), InvalidParameter);
+    EXPECT_EQ(GdipCreatePen1(0, 1, UnitPixel, &ownPen), Ok);
+    EXPECT_EQ(GdipDeletePen(ownPen), Ok);
     for (const Status status :
          {none.DrawImage(&sheet.bitmap, 0, 0), none.FillRectangle(&brush, 0, 0, 1, 1),
           none.DrawRectangle(&pen, 0, 0, 1, 1), sheet.graphics.DrawImage(nullptr, 0, 0),

@@ -17,9 +17,15 @@ TEST_F(SaveTest, TheEncodersStandInTheirOrder)
         found, testing::ElementsAre(std::pair(u"image/bmp", 0x557CF400), std::pair(u"image/jpeg", 0x557CF401),
                                     std::pair(u"image/gif", 0x557CF402), std::pair(u"image/tiff", 0x557CF405),
                                     std::pair(u"image/png", 0x557CF406)));
+    std::vector<std::uint32_t> formats;
+    for (const ImageCodecInfo& encoder : encoders)
+        formats.push_back(encoder.FormatID.Data1);
+    EXPECT_THAT(formats, testing::ElementsAre(0xB96B3CAB, 0xB96B3CAE, 0xB96B3CB0, 0xB96B3CB1, 0xB96B3CAF));
     GUID jpeg{};
     CLSIDFromString(u"{557CF401-1A04-11D3-9A73-0000F81EF32E}", &jpeg);
     EXPECT_EQ(std::memcmp(&jpeg, &encoders[1].Clsid, sizeof jpeg), 0);
+    CLSIDFromString(u"{B96B3CAE-0728-11D3-9D7B-0000F81EF32E}", &jpeg);
+    EXPECT_EQ(std::memcmp(&jpeg, &encoders[1].FormatID, sizeof jpeg), 0);
     const CLSID none{};
     const Stream stream = MakeStream();
     EXPECT_EQ(GdipSaveImageToStream(Loaded(Picture{"R"}), stream.get(), &none, nullptr), UnknownImageFormat);
@@ -38,13 +44,22 @@ TEST_F(SaveTest, WhatIsSavedLoadsAsItWas)
     const std::string size = Le(5, 4) + Le(3, 4) + Le(1, 2) + Le(24, 2), dots = Le(3780, 4) + Le(3780, 4);
     EXPECT_EQ(header, "BM" + Le(102, 4) + Le(0, 4) + Le(54, 4) + Le(40, 4) + size + Le(0, 4) + Le(48, 4) +
                           dots + Le(0, 8));
+    EXPECT_EQ(bmp[54 + 3 * 5], '\0'); // the padding of a row
     EXPECT_EQ(Loaded(bmp).Format(), PixelFormat24bppRGB);
     EXPECT_EQ(Loaded(Saved(Loaded(picture), u"png")).Format(), PixelFormat32bppARGB);
     EXPECT_EQ(Loaded(Saved(Loaded(picture, PixelFormat32bppRGB), u"png")).Format(), PixelFormat24bppRGB);
     const Loaded gray(Saved(Loaded(Picture(16, std::string(16, 'W'))), u"jpeg"));
     EXPECT_EQ(gray.Pixel(7, 7), 0xFFFFFFFF);
     EXPECT_EQ(gray.Format(), PixelFormat8bppIndexed); // one channel
-    EXPECT_EQ(Loaded(Saved(Loaded(Picture{"WW", "WK", "WB"}), u"jpeg")).Format(), PixelFormat24bppRGB);
+    // Grey is what all of its own pixels are, exactly.
+    ARGB pixels[] = {0x808080, 0xFF0000, 0x808080, 0xFF0000, 0xFF0000};
+    for (const auto& [pixel, format] : {std::pair{0x808080u, PixelFormat8bppIndexed},
+                                        {0x808081u, PixelFormat24bppRGB},
+                                        {0x818080u, PixelFormat24bppRGB}}) {
+        pixels[2] = pixel;
+        Bitmap column(1, 2, 8, PixelFormat32bppRGB, reinterpret_cast<BYTE*>(pixels));
+        EXPECT_EQ(Loaded(Saved(column.Native(), u"jpeg")).Format(), format) << pixel;
+    }
 }
 
 TEST_F(SaveTest, OpacityIsKeptOrLaidOverBlack)
@@ -58,6 +73,8 @@ TEST_F(SaveTest, OpacityIsKeptOrLaidOverBlack)
     EXPECT_EQ(saved(u"bmp"), 0xFF800000);
     EXPECT_EQ(saved(u"gif"), 0xFF800000);
     EXPECT_EQ(saved(u"jpeg") & 0xFFFEFEFE, 0xFF800000);
+    Sheet pair(2, {0x10FF0000, 0xFFFF0000});
+    EXPECT_EQ(Loaded(Saved(pair.bitmap.Native(), u"bmp")).Pixels(), (Row{0xFF100000, 0xFFFF0000}));
     half.pixels[27] = 0x7FFF0000;
     EXPECT_EQ(saved(u"gif"), 0u);
 }
@@ -81,6 +98,10 @@ TEST_F(SaveTest, GifColorsAreExactUpTo256AndNearBeyond)
     for (ARGB n = 0; n < 256; ++n)
         colors.pixels[n] = n * 0x01039B;
     EXPECT_EQ(Farthest(colors, u"gif"), 0);
+    Sheet holed(16, 16);
+    for (ARGB n = 1; n < 256; ++n)
+        holed.pixels[n] = 0xFF000000 | n * 0x01039B;
+    EXPECT_EQ(Farthest(holed, u"gif"), 0);
     colors.pixels[256] = 0x123456;          // one too many
     EXPECT_LE(Farthest(colors, u"gif"), 9); // between two of them
     // The two that share one are those nearest to each other, though most pixels have them.
@@ -88,6 +109,13 @@ TEST_F(SaveTest, GifColorsAreExactUpTo256AndNearBeyond)
     for (ARGB n = 0; n < 71 * 5; ++n)
         rare.pixels[n] = n < 255 ? 36 * (n % 7 << 16 | n / 7 % 7 << 8 | n / 49) : 0xFAFAFA + n % 2 * 4;
     EXPECT_EQ(Farthest(rare, u"gif"), 2);
+
+    // Of 256 places for colours each is taken, one by two of them.
+    Sheet ramps(257, 1, PixelFormat32bppRGB);
+    for (ARGB n = 0; n < 255; ++n)
+        ramps.pixels[n] = 5 * (n % 51 + 1) * std::array{0x10000u, 0x100u, 1u, 0x10100u, 0x10001u}[n / 51];
+    ramps.pixels[256] = 1;
+    EXPECT_EQ(Farthest(ramps, u"gif"), 1);
 
     Sheet smooth(64, 64);
     for (ARGB n = 0; n < 64 * 64; ++n)
@@ -98,6 +126,18 @@ TEST_F(SaveTest, GifColorsAreExactUpTo256AndNearBeyond)
     const Loaded hole(Saved(smooth.bitmap.Native(), u"gif"));
     EXPECT_EQ(hole.Pixel(5, 5), 0u);
     EXPECT_EQ(hole.Pixel(6, 5) >> 24, 255u);
+}
+
+TEST_F(SaveTest, AGifHasRoomForItsColorsAndNoMoreThanThePowerOfTwo)
+{
+    for (const auto& [letters, nBits] :
+         {std::pair{"R", 1}, {"RG", 1}, {"RGB", 2}, {"RGBC", 2}, {"RGBCM", 3}}) {
+        const std::string file = Saved(Loaded(Picture{letters}), u"gif");
+        EXPECT_THAT(file, testing::StartsWith("GIF89a"));
+        EXPECT_EQ((file[10] & 7) + 1, nBits) << letters;
+    }
+    // Neither waits nor asks, and the last index is the transparent one.
+    EXPECT_THAT(Saved(Loaded(Picture{"R "}), u"gif"), testing::HasSubstr("!\xF9\4\1\0\0\xFF\0"s));
 }
 
 TEST_F(SaveTest, ATiffHasFewStrips)
@@ -133,6 +173,7 @@ TEST_F(SaveTest, AFileIsReplacedWholeOrStaysAsItWas)
     dir.MakeDir("directory");
     EXPECT_EQ(save(red, "directory", png), AccessDenied);
     EXPECT_EQ(save(red, "directory\\", png), AccessDenied);
+    EXPECT_EQ(save(red, "none\\", png), AccessDenied);
     EXPECT_EQ(save(red, "none\\a.png", png), FileNotFound);
     EXPECT_EQ(GdipSaveImageToFile(red, u"", &png, nullptr), FileNotFound);
     EXPECT_EQ(GdipSaveImageToFile(red, u"C:\\proc\\a.png", &png, nullptr), FileNotFound);

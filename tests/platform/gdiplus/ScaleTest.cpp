@@ -49,6 +49,7 @@ TEST_F(Scale, TakesNoColourFromTransparentPixels)
     EXPECT_EQ(Stretched(4, reducing, 2, 1), (Row{0x80FF0000, 0x80006020}));
     EXPECT_EQ(Stretched(2, {0xFFFFFFFF, 0x00000000}, 4, 1), (Row{0xFFFFFFFF, 0xBFFFFFFF, 0x40FFFFFF, 0}));
     EXPECT_EQ(Stretched(2, {0x00FF00FF, 0x00FFFFFF}, 1, 1), Row{0});
+    EXPECT_EQ(Stretched(2, {0x01FF0000, 0x00FFFFFF}, 1, 1), Row{0x01FF0000}); // half of 1
     // The high byte of an opaque picture is nothing.
     EXPECT_EQ(Stretched(2, {0x00102030, 0x80304050}, 1, 1, PixelFormat32bppRGB), Row{0xFF203040});
 }
@@ -76,6 +77,7 @@ TEST_F(Scale, DrawsABlockOfThePictureOnly)
         {0, 4, 1, 1, {20, 20, 20, 20, 0, 0}},
         {0, 6, 2, 3, {30, 30, 0, 0, 0, 0}},
         {2, 4, -1, 2, {0, 0, 0, 0, 10, 10}},
+        {0, 2, 0.75F, 0.5F, {14, 16, 0, 0, 0, 0}}, // 13.75 and 16.25
         // Reduced.
         {0, 1, 1, 2, {25, 0, 0, 0, 0, 0}},
         {0, 2, 0.5F, 2.5F, {16, 28, 0, 0, 0, 0}},
