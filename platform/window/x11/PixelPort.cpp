@@ -136,8 +136,7 @@ PixelPort::PixelPort(const Connection& connection)
       m_gc(xcb_generate_id(connection.Get())),
       m_bShares(SharedMemory::IsOffered(connection))
 {
-    const std::uint32_t none = 0;
-    xcb_create_gc(m_connection.Get(), m_gc, m_connection.Root(), XCB_GC_GRAPHICS_EXPOSURES, &none);
+    xcb_create_gc(m_connection.Get(), m_gc, m_connection.Root(), 0, nullptr);
 }
 
 PixelPort::Memory PixelPort::TakeMemory(std::size_t nPixels)

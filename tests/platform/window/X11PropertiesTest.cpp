@@ -62,6 +62,13 @@ TEST_F(X11PropertiesTest, OthersAreToldWhatAWindowIs)
         const std::vector asked{bAbove, outside->Atom("_NET_WM_STATE_ABOVE"), 0u, 1u, 0u}; // a program's wish
         EXPECT_TRUE(Soon([&] { return outside->TakeRequest() == asked; })) << bAbove;
     }
+    for (const ColorWindow* one : {&popup, &framed}) { // a pop-up isn't the manager's
+        ShowWindow(one->handle, SW_SHOWNA);
+        ShowWindow(one->handle, SW_HIDE);
+    }
+    std::vector<std::uint32_t> hidden;
+    EXPECT_TRUE(Soon([&] { return !(hidden = outside->TakeRequest()).empty(); }));
+    EXPECT_EQ(hidden, std::vector{idFramed});
 }
 
 // An icon of one colour, 0xFF302010 with its opacity.

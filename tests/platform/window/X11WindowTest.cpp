@@ -167,7 +167,7 @@ TEST_F(X11WindowTest, WhereAWindowLiesIsKnownWhoeverPlacedItLast)
     ColorWindow window(kRed, {0, 0, 50, 50}, WS_CAPTION, "window");
     ShowSeen(window, kRed, 25, 25);
     const xcb_window_t id = outside->Find("window");
-    outside->Frame(id, outside->Cover(0, 0, 640, 480, kBlue));
+    outside->Frame(id, outside->Cover(5, 7, 600, 470, kBlue));
     for (int i = 1; i <= 500; ++i) {
         std::thread manager([&] { outside->Place(id, i % 300, 10, 60, 60); });
         Move(window.handle, i % 300, 20, 50, 50);

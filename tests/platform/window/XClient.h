@@ -125,11 +125,16 @@ public:
         const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
         Finish(xcb_change_window_attributes(m_c, m_screen.root, XCB_CW_EVENT_MASK, &mask));
     }
-    // The numbers of the next; none if none has come.
+    // The numbers of the next, or the window of one that is hidden; none if none has come.
     std::vector<std::uint32_t> TakeRequest()
     {
         const std::unique_ptr<xcb_generic_event_t, void (*)(void*)> event(xcb_poll_for_event(m_c), std::free);
-        if (!event || (event->response_type & 0x7F) != XCB_CLIENT_MESSAGE) return {};
+        if (!event) return {};
+        constexpr int kSent = 0x80;
+        const auto* hidden = reinterpret_cast<xcb_unmap_notify_event_t*>(event.get());
+        if (event->response_type == (kSent | XCB_UNMAP_NOTIFY) && hidden->event == m_screen.root)
+            return {hidden->window};
+        if ((event->response_type & 0x7F) != XCB_CLIENT_MESSAGE) return {};
         const auto* numbers = reinterpret_cast<xcb_client_message_event_t*>(event.get())->data.data32;
         return {numbers, numbers + 5};
     }
