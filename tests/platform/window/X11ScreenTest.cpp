@@ -41,6 +41,7 @@ TEST_F(X11ScreenTest, TheDesktopIsThePrimaryMonitor)
     EXPECT_NE(SeenAt(9, 20), kRed);
     EXPECT_EQ(SeenAt(399, 449), RGB(0, 0, 0)) << "up to the screen's end";
     EXPECT_EQ(SeenAt(399, 450), CLR_INVALID);
+    EXPECT_EQ(SeenAt(400, 449), CLR_INVALID);
 
     // Another program moves it, to the left monitor.
     outside->Place(outside->Find("window"), 100, 50, 100, 100);
