@@ -55,8 +55,11 @@ TEST_F(StdioFile, WritesWhenTheBufferIsFullOrFlushed)
 {
     CStdioFile file;
     ASSERT_TRUE(file.Open("X:\\log", CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite));
+    file.WriteString("l");
+    EXPECT_EQ(file.GetLength(), 1u);
     const std::string line = std::string(999, 'l') + "\n";
-    for (int i = 0; i < 65; ++i)
+    file.WriteString(line.c_str() + 1);
+    for (int i = 1; i < 65; ++i)
         file.WriteString(line.c_str());
     EXPECT_EQ(drive.Read("log").size(), 0u);
     EXPECT_EQ(file.GetLength(), 65'000u);

@@ -213,6 +213,9 @@ TEST_F(X11SceneTest, AMessageBoxKeepsTheOtherWindowsFromInput)
         const xcb_window_t box = outside->Find("test.platform.window");
         EXPECT_TRUE(Soon([&] { return outside->Focused() == box; }));
         EXPECT_EQ(outside->Property(box, "WM_TRANSIENT_FOR").size(), 4u);
+        const std::uint32_t dialog = outside->Atom("_NET_WM_WINDOW_TYPE_DIALOG");
+        EXPECT_EQ(outside->Property(box, "_NET_WM_WINDOW_TYPE"),
+                  std::string(reinterpret_cast<const char*>(&dialog), sizeof(dialog)));
         main.heard.clear();
         outside->ClickAt(50, 50);
         outside->ClickAt(300, 50);
