@@ -113,10 +113,10 @@ TEST(GetDIBits, ConvertsBetweenDepths)
     Info one(5, 3, 1);
     EXPECT_EQ(Rows(four, one, 0, 3, 0), ""); // it can't count eight colours
     const Picture two{"KWKWW"};
-    const Scoped<HBITMAP> few(Load(ToBmp(two, 8, false, "KW"))); // two colours: any depth counts them
+    const Scoped<HBITMAP> few(Load(ToBmp(two, 8, false, "WK"))); // two colours: any depth counts them
     for (const WORD depth : {WORD{1}, WORD{4}, WORD{8}}) {
         Info info(5, 1, depth);
-        EXPECT_EQ(Rows(few, info, 0, 1, 1), ToBmp(two, depth, false, "KW").pixels) << depth;
+        EXPECT_EQ(Rows(few, info, 0, 1, 1), ToBmp(two, depth, false, "WK").pixels) << depth;
     }
     Info none(5, 1, 8);
     EXPECT_EQ(Rows(paper.Bitmap(), none, 0, 1, 0), ""); // no palette

@@ -135,9 +135,9 @@ TEST(Icon, IsScaledWithItsOpacity)
 
 TEST(Icon, EntriesBeyondTheFileOrWithoutASizeAreLeftOut)
 {
-    Bmp narrow = ToBmp({"R", "R"}, 24), low = narrow;
-    narrow.width = low.height = 0;
-    for (const std::string& none : {Png(0, 4, 1, 0, "\0"s), narrow.Dib(), low.Dib()})
+    Bmp narrow = ToBmp({"R", "R"}, 24), low = narrow, vast = narrow;
+    narrow.width = low.height = 0, vast.width = 8193, vast.height = 2 * 8192;
+    for (const std::string& none : {Png(0, 4, 1, 0, "\0"s), narrow.Dib(), low.Dib(), vast.Dib()})
         EXPECT_EQ(LoadedIcon(Ico({none, Square(24, 8)})).Size(), std::pair(24, 24));
     std::string file = Ico({Square(16, 8), Square(24, 8, 'B')});
     file.replace(6 + 12, 4, Le(file.size(), 4));

@@ -53,7 +53,10 @@ TEST_F(Region, OfRectanglesIsTheirUnion)
 {
     EXPECT_EQ(Show(FromRects({{3, 1, 5, 3}, {0, 0, 2, 2}, {1, 1, 4, 2}, {4, 4, 2, 2}, {0, 0, 2, 2}}), 5, 3),
               (Picture{"WW...", "WWWWW", "...WW"}));
-    EXPECT_EQ(Show(FromRects({{0, 0, 2, 1}, {0, 2, 2, 3}}), 2, 3), (Picture{"WW", "..", "WW"}));
+    EXPECT_EQ(Show(FromRects({{0, 0, 2, 1}, {0, 1, 3, 2}, {1, 2, 3, 3}, {1, 4, 3, 5}}), 3, 5),
+              (Picture{"WW.", "WWW", ".WW", "...", ".WW"}));
+    EXPECT_EQ(Show(FromRects({{0, 0, 1, 1}, {1, 0, 2, 2}}), 2, 2), (Picture{"WW", ".W"}));
+    EXPECT_EQ(BoxOf(FromRects({{0, 0, 2, 1}, {1, 0, 3, 1}}), SIMPLEREGION), (RECT{0, 0, 3, 1}));
     const Rgn square = FromRects({{0, 0, 1, 1}, {1, 0, 2, 1}, {0, 1, 2, 2}});
     EXPECT_EQ(BoxOf(square, SIMPLEREGION), (RECT{0, 0, 2, 2}));
     EXPECT_EQ(BoxOf(FromRects({}), NULLREGION), RECT{});
@@ -128,8 +131,16 @@ TEST_F(Region, MovesWithinTheRangeOfCoordinates)
         EXPECT_LE(box.left, box.right);
         Show(widest, 2, 2);
     }
+    for (const auto& [x, y, box] : {std::tuple{5, INT_MAX - 1, RECT{4, INT_MAX - 2, 8, INT_MAX}},
+                                    {INT_MAX - 1, 5, RECT{INT_MAX - 2, 4, INT_MAX, 8}}}) {
+        const Rgn edge(CreateRectRgn(-1, -1, 3, 3));
+        OffsetRgn(edge, x, y);
+        EXPECT_EQ(BoxOf(edge, SIMPLEREGION), box);
+    }
     EXPECT_EQ(OffsetRgn(nullptr, 1, 1), RGN_ERROR);
-    EXPECT_EQ(GetRgnBox(nullptr, nullptr), RGN_ERROR);
+    RECT box;
+    EXPECT_EQ(GetRgnBox(nullptr, &box), RGN_ERROR);
+    EXPECT_EQ(GetRgnBox(region, nullptr), RGN_ERROR);
 }
 
 TEST_F(Region, RoundsItsCorners)
