@@ -1,5 +1,7 @@
 #include "tests/platform/profile/IniFixture.h"
 
+#include <sys/xattr.h>
+
 namespace {
 
 using test::IniFile;
@@ -82,6 +84,40 @@ TEST(ProfileFiles, PermissionsStay)
     EXPECT_TRUE(ini.Set("S", "k", "v"));
     EXPECT_EQ(ModeOf(ini.Path()), 0640u);
     umask(mask);
+}
+
+// User 1 may read, the owner's group may not. A file without a list gets none that its directory has for new
+// ones.
+TEST(ProfileFiles, AnAccessListStays)
+{
+    constexpr char kFiles[] = "system.posix_acl_access";
+    constexpr std::uint32_t nobody = ~0u;
+    struct Entry
+    {
+        std::uint16_t kind, rights;
+        std::uint32_t id;
+    };
+    struct
+    {
+        std::uint32_t version = 2;
+        Entry owner{1, 6, nobody}, user{2, 4, 1}, group{4, 0, nobody}, mask{16, 4, nobody},
+            rest{32, 0, nobody};
+    } const list;
+    const IniFile ini("[S]\nk=v\n");
+    const auto listNow = [&] {
+        std::string bytes(200, '\0');
+        const ssize_t length = getxattr(ini.Path().c_str(), kFiles, bytes.data(), bytes.size());
+        return length < 0 ? "none" : bytes.substr(0, static_cast<std::size_t>(length));
+    };
+    if (setxattr(ini.Path().c_str(), kFiles, &list, sizeof(list), 0) != 0 && errno == EOPNOTSUPP)
+        GTEST_SKIP() << "the file system has no access lists";
+    EXPECT_TRUE(ini.Set("S", "k", "w"));
+    EXPECT_EQ(listNow(), std::string(reinterpret_cast<const char*>(&list), sizeof(list)));
+
+    EXPECT_EQ(removexattr(ini.Path().c_str(), kFiles), 0);
+    EXPECT_EQ(setxattr(ini.Dir().Path().c_str(), "system.posix_acl_default", &list, sizeof(list), 0), 0);
+    EXPECT_TRUE(ini.Set("S", "k", "x"));
+    EXPECT_EQ(listNow(), "none");
 }
 
 // Only root can give a file away.
