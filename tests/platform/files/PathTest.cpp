@@ -140,7 +140,8 @@ TEST_F(Path, LargeDirectoriesAreKnownAsTheyAreNow)
         fs::remove(drive.Path("big/link"));
     }
     drive.Write("big/File299x", "");
-    EXPECT_EQ(drive.Named("X:\\big\\FILE299X"), "/big/File299x");
+    for (int i = 0; i < 2; ++i) // also when it isn't the first to miss a notice
+        EXPECT_EQ(drive.Named("X:\\big\\FILE299X"), "/big/File299x");
 }
 
 TEST_F(Path, IsResolvedOnManyThreadsWhileDrivesAndDirectoriesChange)
