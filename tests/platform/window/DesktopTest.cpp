@@ -79,7 +79,7 @@ TEST(Desktop, OnlyDefaultOpensAndClosesOnce)
     EXPECT_FALSE(Open(nullptr));
     const HDESK one = Open("DEFAULT"), two = Open();
     EXPECT_NE(one, two);
-    EXPECT_TRUE(CloseDesktop(one));
+    EXPECT_EQ(CloseDesktop(one), 1);
     for (const HDESK stale : {one, reinterpret_cast<HDESK>(std::intptr_t{-1})}) {
         EXPECT_FALSE(CloseDesktop(stale));
         Walk(stale, 0, {});

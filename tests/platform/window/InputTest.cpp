@@ -18,8 +18,10 @@ class Listener : test::Fixed
 public:
     explicit Listener(const WNDCLASSA& cls = {test::WindowProc, "KXTest"})
         : m_handler([this](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
-              if (nMsg >= WM_KEYDOWN && nMsg <= WM_CAPTURECHANGED && nMsg != WM_TIMER)
+              if (nMsg >= WM_KEYDOWN && nMsg <= WM_CAPTURECHANGED && nMsg != WM_TIMER) {
                   heard += std::to_string(nMsg) + " " + std::to_string(GET_X_LPARAM(lParam)) + ";";
+                  lastY = GET_Y_LPARAM(lParam);
+              }
               if (nMsg == WM_ENABLE || nMsg == WM_MOUSELEAVE || nMsg == WM_CLOSE)
                   heard += std::to_string(nMsg) + ";";
               if (nMsg == WM_SETCURSOR) ++cursors;
@@ -44,6 +46,7 @@ public:
     HWND handle = nullptr;
     std::string heard;
     int cursors = 0;
+    int lastY = 0;
 
 private:
     const test::Handler m_handler;
@@ -78,16 +81,17 @@ TEST(Input, ASecondPressIsADoubleClick)
 {
     const test::VirtualClock clock;
     Listener doubles({test::WindowProc, "KXDoubles", nullptr, CS_DBLCLKS}), singles;
-    const auto twice = [&](Listener& window, unsigned pause, int dx) {
+    const auto twice = [&](Listener& window, unsigned pause, int dx, int dy = 0) {
         KXHost::AdvanceClock(5'000);
         window.Click(5, 5);
         KXHost::AdvanceClock(pause);
-        window.Click(5 + dx, 5);
+        window.Click(5 + dx, 5 + dy);
         return window.Take();
     };
     EXPECT_EQ(twice(doubles, 500, 2), "513 5;514 5;515 7;514 7;");
     EXPECT_EQ(twice(doubles, 501, 0), "513 5;514 5;513 5;514 5;");
     EXPECT_EQ(twice(doubles, 10, 3), "513 5;514 5;513 8;514 8;");
+    EXPECT_EQ(twice(doubles, 10, 0, -3), "513 5;514 5;513 5;514 5;");
     EXPECT_EQ(twice(singles, 10, 0), "513 5;514 5;513 5;514 5;");
     KXHost::AdvanceClock(5'000);
     for (int n = 0; n < 3; ++n)
@@ -98,12 +102,13 @@ TEST(Input, ASecondPressIsADoubleClick)
 TEST(Input, ACapturedMouseGoesToOneWindow)
 {
     Listener first, second;
-    SetWindowPos(second.handle, nullptr, 101, 2, 0, 0, SWP_NOSIZE | SWP_NOACTIVATE);
+    SetWindowPos(second.handle, nullptr, 101, 52, 0, 0, SWP_NOSIZE | SWP_NOACTIVATE);
     EXPECT_EQ(SetCapture(first.handle), nullptr);
     EXPECT_EQ(GetCapture(), first.handle);
-    KXHost::PostInput(second.handle, WM_MOUSEMOVE, 0, At(7, 0));
+    KXHost::PostInput(second.handle, WM_MOUSEMOVE, 0, At(7, 4));
     second.Take();
     EXPECT_EQ(first.Take(), "512 107;");
+    EXPECT_EQ(first.lastY, 54);
     EXPECT_EQ(SetCapture(second.handle), first.handle);
     EXPECT_EQ(first.Take(),
               "533 " + std::to_string(GET_X_LPARAM(reinterpret_cast<LPARAM>(second.handle))) + ";");
@@ -116,7 +121,7 @@ TEST(Input, ACapturedMouseGoesToOneWindow)
     EXPECT_FALSE(KXHost::PostInput(first.handle, WM_MOUSEMOVE, 0, 0));
     EXPECT_EQ(GetCapture(), nullptr);
     SetCapture(second.handle);
-    EXPECT_TRUE(ReleaseCapture());
+    EXPECT_EQ(ReleaseCapture(), 1);
     EXPECT_EQ(second.Take(), "533 0;");
     EXPECT_FALSE(SetCapture(nullptr));
     EXPECT_FALSE(GetCapture());
@@ -131,7 +136,7 @@ TEST(Input, LeavingIsToldOnceToWhoAsked)
     };
     EXPECT_EQ(leave(), "");
     TRACKMOUSEEVENT track{.dwFlags = TME_LEAVE, .hwndTrack = window.handle};
-    EXPECT_TRUE(TrackMouseEvent(&track));
+    EXPECT_EQ(TrackMouseEvent(&track), 1);
     EXPECT_EQ(leave(), "675;");
     EXPECT_EQ(leave(), "");
     TrackMouseEvent(&track);

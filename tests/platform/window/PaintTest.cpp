@@ -42,7 +42,7 @@ private:
         EXPECT_EQ(clip, paint.rcPaint);
         EXPECT_EQ(paint.fErase, 0);
         m_painted.push_back(paint.rcPaint);
-        EndPaint(hWnd, &paint);
+        EXPECT_EQ(EndPaint(hWnd, &paint), 1);
         return 0;
     }
 
@@ -73,8 +73,8 @@ TEST(Paint, ComesLastAndCoversWhatWasInvalidated)
 
     const RECT part{-5, 1, 4, 3}, other{10, 5, 12, 6};
     InvalidateRect(painted.window, &part, 0);
-    InvalidateRect(painted.window, &other, 0);
-    UpdateWindow(painted.window);
+    EXPECT_EQ(InvalidateRect(painted.window, &other, 0), 1);
+    EXPECT_EQ(UpdateWindow(painted.window), 1);
     UpdateWindow(painted.window);
     EXPECT_EQ(painted.TakePainted(), (Rects{{0, 1, 12, 6}}));
     EXPECT_EQ(painted.erased, 1);
@@ -160,10 +160,15 @@ TEST(Paint, AShapedWindowIsSeenWithinItsRegion)
     Painted painted('Y');
     Pump();
     const HRGN region = CreateRectRgn(1, 0, 3, 1);
-    EXPECT_TRUE(SetWindowRgn(painted.window, region, 0));
+    EXPECT_EQ(SetWindowRgn(painted.window, region, 0), 1);
     EXPECT_FALSE(DeleteObject(region)); // it was given away
     EXPECT_EQ(SeenRow(0, 2, 6), "??YY??");
     EXPECT_EQ(SeenRow(0, 3, 6), "??????");
+    {
+        Painted above('G'); // has no region
+        Pump();
+        EXPECT_EQ(SeenRow(0, 3, 3), "?GG");
+    }
     EXPECT_FALSE(SetWindowRgn(painted.window, region, 0));
     EXPECT_TRUE(SetWindowRgn(painted.window, nullptr, 1));
     EXPECT_EQ(SeenRow(0, 2, 6), "?YYYYY");
@@ -179,12 +184,17 @@ TEST(Paint, TellsOfAChangedPlace)
         return DefWindowProcA(hWnd, nMsg, wParam, lParam);
     };
     const HWND hWnd = Make(&handler);
-    Move(hWnd, 1, 2, 30, 40);
+    EXPECT_EQ(Move(hWnd, 1, 2, 30, 40), 1);
     Move(hWnd, -1, 3, 30, 40);
     Move(hWnd, -1, 3, 31, 41);
     using P = std::pair<UINT, LPARAM>;
     EXPECT_THAT(told, testing::ElementsAre(P(WM_MOVE, 0x3FFFF), P(WM_SIZE, 0x29001F)));
     InThread([&] { EXPECT_FALSE(Move(hWnd, 0, 0, 1, 1)); });
+    RECT rect;
+    EXPECT_EQ(GetWindowRect(hWnd, &rect), 1);
+    EXPECT_EQ(rect, (RECT{-1, 3, 30, 44}));
+    EXPECT_EQ(GetClientRect(hWnd, &rect), 1);
+    EXPECT_EQ(rect, (RECT{0, 0, 31, 41}));
     DestroyWindow(hWnd);
 }
 
@@ -239,7 +249,7 @@ TEST(Paint, AnAnimationEndsWithItsWindow)
 
     Painted painted('R', WS_POPUP); // without blending all is done at once
     const DWORD begin = GetTickCount();
-    EXPECT_TRUE(AnimateWindow(painted.window, 3000, AW_ACTIVATE));
+    EXPECT_EQ(AnimateWindow(painted.window, 3000, AW_ACTIVATE), 1);
     EXPECT_EQ(GetTickCount(), begin);
     EXPECT_EQ(GetFocus(), painted.window);
     EXPECT_EQ(SeenRow(1, 2, 1), "R");
@@ -286,6 +296,9 @@ TEST(Paint, TheDesktopIsOfTheSizeThatTheHostChose)
     ASSERT_TRUE(KXHost::UseMemoryDesktop(3, 2));
     EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 3);
     EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 2);
+    RECT rect;
+    EXPECT_EQ(GetWindowRect(GetDesktopWindow(), &rect), 1);
+    EXPECT_EQ(rect, (RECT{0, 0, 3, 2}));
     EXPECT_EQ(SetPixel(old, 9, 9, 0), 0u); // harmless
     ReleaseDC(nullptr, old);
     EXPECT_EQ(SeenAt(3, 0), CLR_INVALID);

@@ -25,7 +25,7 @@ TEST(Queue, GivesWhatIsPostedInOrder)
         const test::Handler handler = On(kAsk, [](HWND, WPARAM wParam) { return wParam + 1; });
         const HWND hWnd = Make(&handler);
         const DWORD dwStart = GetTickCount();
-        EXPECT_TRUE(PostMessage(hWnd, kAsk, 5, -1));
+        EXPECT_EQ(PostMessage(hWnd, kAsk, 5, -1), 1);
         KXHost::AdvanceClock(40);
         EXPECT_TRUE(PostMessage(nullptr, 1, 0, 0));
         EXPECT_TRUE(PostMessage(nullptr, 2, 0, 0));
@@ -158,7 +158,7 @@ TEST(Timer, ComesOncePerPeriodAndLast)
     KXHost::AdvanceClock(49);
     EXPECT_THAT(TakeAll(), ElementsAre(1u));
     KXHost::AdvanceClock(1);
-    EXPECT_TRUE(KillTimer(hWnd, 1));
+    EXPECT_EQ(KillTimer(hWnd, 1), 1);
     EXPECT_FALSE(KillTimer(hWnd, 1));
     EXPECT_THAT(TakeAll(), ElementsAre(7u)); // the other one's is gone
 
@@ -202,6 +202,7 @@ struct Told
                 text += letter;
                 text += nMsg == WM_SETFOCUS ? '+' : '-';
                 others.push_back(reinterpret_cast<HWND>(wParam));
+                EXPECT_EQ(lParam, 0);
             }
             return DefWindowProcA(hWnd, nMsg, wParam, lParam);
         };
@@ -246,6 +247,7 @@ TEST(Focus, GoesFromWindowToWindow)
     ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
     DispatchMessageA(&msg);
     EXPECT_EQ(told.Take(), "b-");
+    EXPECT_EQ(told.others.back(), nullptr);
 
     SetWindowPos(hA, nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE);
     EXPECT_EQ(GetFocus(), hA);

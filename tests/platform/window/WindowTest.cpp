@@ -31,7 +31,8 @@ TEST(Window, LivesThroughItsMessages)
             EXPECT_STREQ(create.lpszName, "name");
             EXPECT_STREQ(create.lpszClass, "KXTest");
             EXPECT_THAT((std::vector{create.x, create.y, create.cx, create.cy}), ElementsAre(1, 2, 30, 40));
-        }
+        } else
+            EXPECT_EQ(lParam, 0) << nMsg;
         if (nMsg == SHOW)
             shows.push_back(wParam);
         else
@@ -107,7 +108,7 @@ TEST(Window, HandlesThatNameNoWindowAreHarmless)
         const HWND hWnd = Make();
         EXPECT_EQ(KXHost::LiveHandles(), nLive + 1);
         EXPECT_TRUE(used.insert(hWnd).second); // never again
-        EXPECT_TRUE(DestroyWindow(hWnd));
+        EXPECT_EQ(DestroyWindow(hWnd), 1);
     }
     EXPECT_EQ(KXHost::LiveHandles(), nLive);
     for (const std::uintptr_t number : {std::uintptr_t{0}, std::uintptr_t{1},
@@ -140,7 +141,7 @@ TEST(Window, KeepsTextAndUserValue)
 {
     const HWND hWnd = Make(nullptr, 0, "name");
     EXPECT_EQ(TextOf(hWnd), "name");
-    EXPECT_TRUE(SetWindowTextA(hWnd, "ab\xD6\xD0"));
+    EXPECT_EQ(SetWindowTextA(hWnd, "ab\xD6\xD0"), 1);
     EXPECT_EQ(TextOf(hWnd), "ab\xD6\xD0");
     EXPECT_EQ(TextOf(hWnd, 4), "ab"); // never half a letter
     EXPECT_EQ(TextOf(hWnd, 1), "");
@@ -209,12 +210,13 @@ TEST(WindowClass, NamesAreTakenOnceIgnoringCase)
     EXPECT_FALSE(UnregisterClassA("kx\xB0\x41"));
     EXPECT_EQ(GetLastError(), ERROR_CLASS_HAS_WINDOWS);
     EXPECT_TRUE(DestroyWindow(hWnd));
-    EXPECT_TRUE(UnregisterClassA("kx\xB0\x41"));
+    EXPECT_EQ(UnregisterClassA("kx\xB0\x41"), 1);
     EXPECT_FALSE(UnregisterClassA("kx\xB0\x41"));
     EXPECT_FALSE(make(pszAtom));
     for (const WORD none : {add("KXOther", nullptr), add(""), add(nullptr), RegisterClassA(nullptr)})
         EXPECT_FALSE(none);
     EXPECT_FALSE(make(nullptr));
+    EXPECT_FALSE(make(reinterpret_cast<const char*>(std::uintptr_t{0xFFFF})));
     EXPECT_FALSE(UnregisterClassA(nullptr));
 }
 
