@@ -143,6 +143,8 @@ TEST_F(KXXmlDomDocument, ReadsFilesInTheirEncodings)
          "\xA2\xE3"}, // as files of the platform have the euro
         {"\xEF\xBB\xBF<?xml version='1.0' encoding='utf-7'?>" + utf8, kNiHao}, // the mark counts
         {"<?xml version='1.0' encoding='utf-7'?><w>+T2BZfQ-</w>", kNiHao},
+        {"<work encoding='gbk'>" + kNiHaoUtf8 + "</work>", kNiHao}, // no declaration
+        {"<?xml-x encoding='gbk'?>" + utf8, kNiHao},
     };
     for (const auto& [bytes, text] : cases) {
         CKXXmlDomDocument doc;
@@ -203,6 +205,7 @@ TEST_F(KXXmlDomDocument, SavesWhatItsEncodingLacks)
         {"iso-2022-kr", "<w/>", "UTF-8"},
         {"ebcdic-us", "<w/>", "UTF-8"},
         {"gb18030", "<w><![CDATA[" + e + "\xA2\xE3]]></w>", "gb18030"},
+        {"iso-8859-1", "<w>\x94\x39\xFC\x36</w>", "iso-8859-1"}, // of four bytes in UTF-8
         {"iso-8859-1", std::string("<w a='") + kNiHao + "'>" + kNiHao + "</w>", "iso-8859-1"},
         {"iso-8859-1", std::string("<w><") + kNiHao + "/></w>", "UTF-8"},
         {"iso-8859-1", std::string("<w ") + kNiHao + "='1'/>", "UTF-8"},

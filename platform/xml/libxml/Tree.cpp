@@ -75,11 +75,11 @@ void ChildIndex::Added(xmlNode* child) noexcept
 void ChildIndex::Removed(const xmlNode* child) noexcept
 {
     const auto index = m_parents.find(child->parent);
-    if (index == m_parents.end() || child->type != XML_ELEMENT_NODE || child->ns) return;
+    if (index == m_parents.end() || child->ns) return;
     const auto found = index->second.find(ViewOf(child->name));
     if (found == index->second.end()) return;
     if (found->second.first == child) found->second.first = nullptr;
-    if (--found->second.nCount <= 0) index->second.erase(found);
+    if (--found->second.nCount == 0) index->second.erase(found);
 }
 
 void ChildIndex::Forget(xmlNode* branch) noexcept

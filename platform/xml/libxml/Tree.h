@@ -138,7 +138,7 @@ public:
     xmlNode* Find(const xmlNode* parent, std::string_view name);
     // To be called when an element has become the last child of its parent.
     void Added(xmlNode* child) noexcept;
-    // To be called before a node leaves its parent.
+    // To be called before an element leaves its parent.
     void Removed(const xmlNode* child) noexcept;
     // To be called before a branch is freed, or all that is in it leaves.
     void Forget(xmlNode* branch) noexcept;

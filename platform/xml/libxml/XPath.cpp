@@ -81,15 +81,16 @@ public:
         m_context->userData = from;
         xmlXPathRegisterFuncLookup(m_context, OwnFunction, nullptr);
         if (from->type == XML_ELEMENT_NODE) m_context->namespaces = xmlGetNsList(from->doc, from);
-        while (m_context->namespaces && m_context->namespaces[m_context->nsNr])
-            ++m_context->nsNr;
+        xmlNs** end = m_context->namespaces;
+        while (end && *end)
+            ++end;
+        m_context->nsNr = static_cast<int>(end - m_context->namespaces);
     }
     Evaluation(const Evaluation&) = delete;
     Evaluation& operator=(const Evaluation&) = delete;
     ~Evaluation()
     {
         xmlFree(std::exchange(m_context->namespaces, nullptr));
-        m_context->nsNr = 0;
         xmlXPathRegisteredNsCleanup(m_context);
         xmlResetError(&m_context->lastError);
         ForgetIds(m_context->doc);
@@ -98,7 +99,6 @@ public:
     // Null for a failure, which `Error` then tells.
     Result Run(const std::string& expression)
     {
-        xmlResetError(&m_context->lastError);
         m_context->node = m_from;
         m_context->depth = kDepthTaken;
         const Parser parser(xmlXPathNewParserContext(ToXml(expression.c_str()), m_context));
@@ -165,13 +165,13 @@ bool ToParents(std::vector<xmlNode*>& nodes)
 {
     std::unordered_set<const xmlNode*> seen;
     std::vector<xmlNode*> parents;
-    int nDepth = -1;
+    int nDepth = 0;
     for (const xmlNode* node : nodes) {
         if (!node || !node->parent) return false;
         int nOwn = 0;
         for (const xmlNode* above = node->parent; above; above = above->parent)
             ++nOwn;
-        if (nDepth >= 0 && nOwn != nDepth) return false;
+        if (nDepth && nOwn != nDepth) return false;
         nDepth = nOwn;
         if (seen.insert(node->parent).second) parents.push_back(node->parent);
     }

@@ -71,8 +71,8 @@ TEST_F(XPath, KnowsIdentitiesThatAreDeclared)
 
 TEST_F(XPath, TellsTheDefaultNamespace)
 {
-    CKXXmlDomElement root =
-        Root("<r xmlns='u' xmlns:p='v'><a/><p:b/><c xmlns='w'/><d xmlns=''><y:f xmlns:y='z'/></d><x:e/></r>");
+    CKXXmlDomElement root = Root("<r xmlns='u' xmlns:p='v'><a/><p:b/><c xmlns='w' xmlns:p='q'><p:g/></c><d "
+                                 "xmlns=''><y:f xmlns:y='z'/></d><x:e/></r>");
     const auto names = [&](const char* pszPattern) {
         std::string all;
         for (CKXXmlDomElement e : root.GetChilds(pszPattern))
@@ -84,7 +84,10 @@ TEST_F(XPath, TellsTheDefaultNamespace)
     EXPECT_EQ(names("*[namespace-uri()='w']"), "c ");
     EXPECT_EQ(names("*[namespace-uri()='']"), "d x:e ");
     EXPECT_EQ(names("a | c"), "a c ");
-    EXPECT_EQ(names("d/y:f"), "y:f "); // a prefix that is declared below
+    EXPECT_TRUE(root.GetChild("c").GetChild("p:g").IsValid()); // by the nearest declaration
+    EXPECT_EQ(names("d/y:f"), "y:f ");                         // a prefix that is declared below
+    root.GetChild("d/y:f").SetAttributeString("xmlns:y", "new");
+    EXPECT_EQ(names("d/y:f"), "y:f ");
 }
 
 // All children of a record with many, in the order in which they lie, backwards and mixed, while some come.
@@ -117,6 +120,14 @@ TEST_F(XPath, ReadsManyChildrenInAnyOrder)
     EXPECT_EQ(root.GetChild("n40000").GetText(), "1");
     root.SetText("");
     EXPECT_FALSE(root.GetChild("n40001").IsValid());
+}
+
+TEST_F(XPath, FindsAPlainNameBehindManyWithAPrefixWhichMayLeave)
+{
+    CKXXmlDomElement root = Root("<r xmlns:p='u'>" + test::Numbered(100, "<p:x/>") + "<x/></r>");
+    EXPECT_EQ(root.GetChild("x").GetName(), "x");
+    m_doc.CreateElement("other", nullptr).AppendChild(root.GetChild("p:x"));
+    EXPECT_EQ(root.GetChild("x").GetName(), "x");
 }
 
 // Neither makes the other forget what is known of it.
