@@ -236,6 +236,15 @@ TEST(Internet, RefusesWhatItDoesNotOffer)
     unsigned long number = 5;
     EXPECT_FALSE(file->QueryInfo(19, number));
     EXPECT_EQ(number, 5u);
+    file->Close();
+    try {
+        file->Read(&number, 1);
+        ADD_FAILURE() << "read";
+    } catch (CInternetException* exception) {
+        EXPECT_EQ(exception->m_dwError, ERROR_INTERNET_INCORRECT_HANDLE_STATE);
+        EXPECT_EQ(exception->m_dwContext, 0u);
+        exception->Delete();
+    }
 }
 
 } // namespace
