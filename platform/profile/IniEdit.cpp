@@ -38,9 +38,7 @@ std::string_view LineEnd(std::string_view text) noexcept
 
 std::string Replace(std::string_view text, std::size_t begin, std::size_t end, std::string_view by)
 {
-    std::string result;
-    result.reserve(text.size() - (end - begin) + by.size());
-    return result.append(text.substr(0, begin)).append(by).append(text.substr(end));
+    return std::string(text.substr(0, begin)).append(by).append(text.substr(end));
 }
 
 // Puts lines in at a line's beginning or at the text's end, where the last line may still be open.

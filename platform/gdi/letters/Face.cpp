@@ -189,11 +189,9 @@ const Face::Source& Face::SourceOf(char32_t ch, unsigned& index)
 {
     for (const Source& source : m_sources)
         if ((index = FT_Get_Char_Index(source.face.get(), ch)) != 0) return source;
-    const std::size_t before = m_sources.size();
-    if (before < kMaxSources) AddSource(m_files.OpenFor(ch));
-    if (m_sources.size() > before && (index = FT_Get_Char_Index(m_sources.back().face.get(), ch)) != 0)
-        return m_sources.back();
-    return m_sources[0];
+    if (m_sources.size() < kMaxSources) AddSource(m_files.OpenFor(ch));
+    index = FT_Get_Char_Index(m_sources.back().face.get(), ch); // where none was added, 0 once more
+    return index != 0 ? m_sources.back() : m_sources[0];
 }
 
 Glyph Face::Draw(char32_t ch)
