@@ -55,6 +55,8 @@ TEST_F(Region, OfRectanglesIsTheirUnion)
               (Picture{"WW...", "WWWWW", "...WW"}));
     EXPECT_EQ(Show(FromRects({{0, 0, 2, 1}, {0, 1, 3, 2}, {1, 2, 3, 3}, {1, 4, 3, 5}}), 3, 5),
               (Picture{"WW.", "WWW", ".WW", "...", ".WW"}));
+    EXPECT_EQ(Show(FromRects({{0, 0, 1, 1}, {1, 1, 2, 2}, {1, 2, 2, 3}, {3, 2, 4, 3}, {5, 2, 6, 3}}), 6, 3),
+              (Picture{"W.....", ".W....", ".W.W.W"}));
     EXPECT_EQ(Show(FromRects({{0, 0, 1, 1}, {1, 0, 2, 2}}), 2, 2), (Picture{"WW", ".W"}));
     EXPECT_EQ(BoxOf(FromRects({{0, 0, 2, 1}, {1, 0, 3, 1}}), SIMPLEREGION), (RECT{0, 0, 3, 1}));
     const Rgn square = FromRects({{0, 0, 1, 1}, {1, 0, 2, 1}, {0, 1, 2, 2}});
