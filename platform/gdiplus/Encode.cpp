@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <new>
+#include <numeric>
 
 KX_DOOR(pictures, kx::gdiplus::Functions);
 
@@ -40,10 +42,7 @@ constexpr Encoder kEncoders[] = {
 
 bool IsOpaque(const DWORD* row, int nWidth) noexcept
 {
-    DWORD all = ALPHA_BITS;
-    for (int x = 0; x < nWidth; ++x)
-        all &= row[x];
-    return all == ALPHA_BITS;
+    return std::accumulate(row, row + nWidth, ALPHA_BITS, std::bit_and<>()) == ALPHA_BITS;
 }
 
 } // namespace

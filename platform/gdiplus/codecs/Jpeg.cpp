@@ -203,7 +203,7 @@ private:
     }
     void Put(j_compress_ptr jpeg, std::size_t nBytes)
     {
-        if (!Append(m_file, m_block.data(), nBytes)) ERREXIT1(jpeg, JERR_OUT_OF_MEMORY, 0);
+        if (!Append(m_file, m_block.data(), nBytes)) ERREXIT(jpeg, JERR_OUT_OF_MEMORY);
         Begin();
     }
 

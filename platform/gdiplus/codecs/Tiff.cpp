@@ -113,7 +113,7 @@ using Gdiplus::Status;
 
 constexpr std::int64_t kMaxBlock = std::int64_t{8} * Gdiplus::MAX_IMAGE_PIXELS;
 constexpr std::int64_t kMaxPerByte = 4096;  // bytes of pixels
-constexpr std::int64_t kMaxRowsPerByte = 8; // of a fax, whose rows can be a bit each
+constexpr std::int64_t kMaxRowsPerByte = 8; // of a fax whose rows can be a bit each
 
 // How long the description of the page is that the library has read.
 std::uint64_t DescriptionBytes(TIFF* tiff, FileBytes file) noexcept
@@ -159,12 +159,12 @@ struct EndImage
     void operator()(TIFFRGBAImage* p) const noexcept { TIFFRGBAImageEnd(p); }
 };
 
-bool IsFax(TIFF* tiff) noexcept
+// A fax whose rows can be a bit each; those of the other kinds stay within kMaxPerByte.
+bool IsGroup4Fax(TIFF* tiff) noexcept
 {
     std::uint16_t nCompression = COMPRESSION_NONE;
     TIFFGetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &nCompression);
-    return nCompression == COMPRESSION_CCITTRLE || nCompression == COMPRESSION_CCITTRLEW ||
-           nCompression == COMPRESSION_CCITTFAX3 || nCompression == COMPRESSION_CCITTFAX4;
+    return nCompression == COMPRESSION_CCITTFAX4;
 }
 
 Status CheckClaim(TIFF* tiff, std::size_t nFileBytes) noexcept
@@ -177,7 +177,7 @@ Status CheckClaim(TIFF* tiff, std::size_t nFileBytes) noexcept
     TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &nSamples);
     const Status status = CheckSize(nWidth, nHeight);
     if (status != Gdiplus::Ok) return status;
-    if (IsFax(tiff))
+    if (IsGroup4Fax(tiff))
         return nHeight / kMaxRowsPerByte > static_cast<std::int64_t>(nFileBytes) ? Gdiplus::GenericError
                                                                                  : Gdiplus::Ok;
     const std::int64_t nBytes = std::int64_t{nWidth} * nHeight * nBits * nSamples / 8;
