@@ -28,6 +28,8 @@ TEST_F(CodecTest, PngOfAllKinds)
         {"RGB, alpha", Png(1, 1, 8, 6, "\0\1\2\3\4"s), {0x04010203}, PixelFormat32bppARGB},
         {"all 16 bits", Png(1, 1, 16, 6, "\0\1\1\2\2\3\3\4\4"s), {0x04010203}, PixelFormat32bppARGB},
         {"no gamma", Png(1, 1, 8, 0, "\0\x40"s, gamma), {0xFF404040}, PixelFormat8bppIndexed},
+        {"coloured passes", Png(2, 2, 8, 2, "\0\1\1\1\0\2\2\2\0\3\3\3\4\4\4"s, "", 1), Grays({1, 2, 3, 4}),
+         PixelFormat24bppRGB},
         {"passes", Png(2, 2, 8, 0, "\0\1\0\2\0\3\4"s, "", 1), Grays({1, 2, 3, 4}), PixelFormat8bppIndexed},
     };
     for (const auto& [what, file, pixels, format] : cases) {

@@ -99,7 +99,9 @@ TEST_F(DamageTest, WhatIsThereOfACutFileIsShown)
                                            {277, 1, 1}, {278, 1, 1}, {279, 2, 1 | 1 << 16}};
     const std::string tiff = TiffHead(strips) + "\x40\x50";
     EXPECT_EQ(Loaded(tiff).Pixels(), (Row{0xFF404040, 0xFF505050}));
-    EXPECT_EQ(Loaded(tiff.substr(0, 123)).Pixels(), (Row{0xFF404040, 0}));
+    const Loaded part(tiff.substr(0, 123));
+    EXPECT_EQ(part.Pixels(), (Row{0xFF404040, 0}));
+    EXPECT_EQ(GdipImageSelectActiveFrame(part, &FrameDimensionPage, 0), Ok); // stands alone
     EXPECT_EQ(LoadStatus(tiff.substr(0, 122)), GenericError);
     // However long its pixels claim to be.
     for (const auto& [nRows, nClaim] :
@@ -185,6 +187,8 @@ TEST_F(DamageTest, PicturesBeyondTheLimitsAreRefused)
     const std::size_t nHeightAt = gif.find(",\0\0\0\0\4\0"s) + 7;
     EXPECT_EQ(LoadStatus(gif.replace(nHeightAt, 2, Le(16384, 2))), Ok);
     EXPECT_EQ(LoadStatus(gif.replace(nHeightAt, 2, Le(16385, 2))), GenericError);
+    gif[gif.find("\7\6\x80") + 1] = '\xFF'; // a block that goes far beyond the end
+    EXPECT_EQ(LoadStatus(gif.substr(0, gif.size() - 3)), GenericError);
     // The most that a TIFF of its length may claim, 4096 bytes for each: 128 strips that lie in one place.
     const std::vector<TiffEntry> strips = {{256, 1, 1024},  {257, 1, 1024}, {258, 3, 122},
                                            {259, 1, 32773}, {262, 1, 2},    {273, 128, 128},
@@ -197,6 +201,15 @@ TEST_F(DamageTest, PicturesBeyondTheLimitsAreRefused)
     tiff.resize(1535);
     EXPECT_EQ(LoadStatus(tiff), GenericError);
     EXPECT_EQ(LoadStatus(tiff + '\0'), Ok);
+    // A fax may have eight rows for each byte, here white as the one before.
+    const TiffPage fax{.width = 32767,
+                       .height = 264,
+                       .bits = 1,
+                       .samples = 1,
+                       .photometric = 0,
+                       .pixels = std::string(264 / 8, '\xFF'),
+                       .tags = {{259, 4}}};
+    EXPECT_EQ(LoadStatus(Tiff({fax})), Ok);
 }
 
 // Two mebipixels, or 64 less, need a byte for each 1,024 in a JPEG, 1,032 in a PNG and 4,096 in others.

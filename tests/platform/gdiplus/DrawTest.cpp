@@ -124,6 +124,9 @@ TEST_F(Draw, DrawsAPictureOnItself)
     Sheet sheet(3, {0xFF030201, 0xFF060504, 0xFF090807});
     EXPECT_EQ(sheet.graphics.DrawImage(&sheet.bitmap, 1, 0), Ok);
     EXPECT_EQ(sheet.pixels, (Row{0xFF030201, 0xFF030201, 0xFF060504}));
+    Sheet rows(2, Grays({1, 2, 3, 4}));
+    EXPECT_EQ(rows.graphics.DrawImage(&rows.bitmap, 1, 1), Ok);
+    EXPECT_EQ(rows.pixels, Grays({1, 2, 3, 1}));
 }
 
 TEST_F(Draw, ChangesColoursByAMatrix)

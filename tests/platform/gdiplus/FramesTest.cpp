@@ -100,11 +100,11 @@ TEST_F(FramesTest, AFrameSelectedOutOfOrderShowsWhatPlayingToItShows)
 }
 
 // Long GIFs, of which no frames are kept. Each frame has a pixel of its own, in a row.
-std::string LongGif(const std::string& letters, std::uint32_t side = 1024)
+std::string LongGif(const std::string& letters, std::uint32_t side = 1024, std::uint32_t disposal = 0)
 {
     std::vector<GifFrame> frames;
     for (std::size_t n = 0; n < letters.size(); ++n)
-        frames.push_back({{{letters[n]}}, static_cast<std::uint32_t>(n)});
+        frames.push_back({{{letters[n]}}, static_cast<std::uint32_t>(n), 0, disposal});
     return Gif(side, side, frames);
 }
 
@@ -135,10 +135,11 @@ TEST_F(FramesTest, PlayersThatShareAPictureGoOnEachFromItsOwnFrame)
 
 TEST_F(FramesTest, OnlySoManyPlayersKeepTheirPlaces)
 {
-    // As many as have the pixels, or 64, and that of the picture itself.
-    for (const auto& [side, nPlaces] : {std::pair{1024u, 8u + 1}, {256u, 64u + 1}}) {
+    // As many as have the pixels, those that are saved too, or 64, and that of the picture itself.
+    for (const auto& [side, disposal, nPlaces] :
+         {std::tuple{1024u, 0u, 8u + 1}, {1024u, 3u, 7u + 1}, {256u, 0u, 64u + 1}}) {
         const UINT nLast = 2 * nPlaces;
-        const Loaded shared(LongGif(std::string(nLast + 2, 'R'), side));
+        const Loaded shared(LongGif(std::string(nLast + 2, 'R'), side, disposal));
         const auto select = [&](UINT n) { GdipImageSelectActiveFrame(shared, &FrameDimensionTime, n); };
         for (UINT n = 0; n < nLast; ++n) { // each at an earlier frame than those before
             select(nLast - n);
@@ -147,7 +148,8 @@ TEST_F(FramesTest, OnlySoManyPlayersKeepTheirPlaces)
         UINT nMarked = 0;
         for (UINT n = nLast; n-- > 0;) {
             select(nLast - n);
-            nMarked += shared.Pixel(200, 200) == 0xFF000000 + n;
+            if (shared.Pixel(200, 200) != 0xFF000000 + n) continue;
+            EXPECT_EQ(n, nLast - ++nMarked) << "not the latest";
         }
         EXPECT_EQ(nMarked, nPlaces);
     }
