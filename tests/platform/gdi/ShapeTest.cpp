@@ -75,7 +75,8 @@ TEST(RoundRect, IsOutlinedWithoutGapsOrClumps)
     EXPECT_EQ(drawn('R', 'B', 1, {0, 0, 10, 4}, 8, 2),
               (Picture{"WRRRRRRRRW", "RBBBBBBBBR", "RBBBBBBBBR", "WRRRRRRRRW", "WWWWWWWWWW", "WWWWWWWWWW",
                        "WWWWWWWWWW", "WWWWWWWWWW"}));
-    EXPECT_EQ(drawn('-', 'B', 1, {0, 0, 5, 5}, 4, 4)[0], "WBBWWWWWWW"); // a pixel narrower and lower
+    EXPECT_EQ(drawn('R', 'B', 1, {0, 0, 10, 4}, 10, 4)[1], "RRBBBBBBRR"); // below two pixels that are white
+    EXPECT_EQ(drawn('-', 'B', 1, {0, 0, 5, 5}, 4, 4)[0], "WBBWWWWWWW");   // a pixel narrower and lower
     EXPECT_EQ(drawn('R', 'B', 1, {-4, -4, 6, 4}, 8, 8),
               (Picture{"BBBBBRWWWW", "BBBBBRWWWW", "BBBBRWWWWW", "RRRRWWWWWW", "WWWWWWWWWW", "WWWWWWWWWW",
                        "WWWWWWWWWW", "WWWWWWWWWW"}));
