@@ -139,7 +139,7 @@ private:
             return static_cast<bool>(m_table);
         }
         pollfd watch{m_table.Get(), POLLPRI, 0};
-        return poll(&watch, 1, 0) > 0 && (watch.revents & (POLLPRI | POLLERR)) != 0;
+        return poll(&watch, 1, 0) > 0;
     }
 
     bool DisksChanged() KX_REQUIRES(m_lock)

@@ -95,6 +95,7 @@ TEST_F(Copy, RefusalsLeaveBothFiles)
         {"X:\\none", "X:\\new", 0, ERROR_FILE_NOT_FOUND},
         {"X:\\none\\a", "X:\\new", 0, ERROR_PATH_NOT_FOUND},
         {"X:\\from", "X:\\none\\new", 0, ERROR_PATH_NOT_FOUND},
+        {"X:\\from", "X:\\none\\new", 1, ERROR_PATH_NOT_FOUND},
         {"X:\\from", "X:\\from\\new", 0, ERROR_PATH_NOT_FOUND},
         {"X:\\from", "X:\\to", 1, ERROR_FILE_EXISTS},
         {"X:\\from", "X:\\LOCKED", 0, ERROR_ACCESS_DENIED},
