@@ -109,6 +109,12 @@ TEST(Input, ACapturedMouseGoesToOneWindow)
     second.Take();
     EXPECT_EQ(first.Take(), "512 107;");
     EXPECT_EQ(first.lastY, 54);
+    KXHost::PostInput(second.handle, WM_MOUSEWHEEL, 0, At(7, 4)); // tells a place on the desktop
+    second.Take();
+    EXPECT_EQ(first.Take(), "522 7;");
+    EXPECT_EQ(first.cursors, 0);
+    EXPECT_EQ(SetCapture(first.handle), first.handle);
+    EXPECT_EQ(first.Take(), "");
     EXPECT_EQ(SetCapture(second.handle), first.handle);
     EXPECT_EQ(first.Take(),
               "533 " + std::to_string(GET_X_LPARAM(reinterpret_cast<LPARAM>(second.handle))) + ";");

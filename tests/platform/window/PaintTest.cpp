@@ -242,7 +242,11 @@ TEST(Paint, AnAnimationEndsWithItsWindow)
 {
     const VirtualClock clock(0, KXHost::VirtualSleep::Advances);
     HWND hWnd = nullptr;
-    const Handler handler = On(WM_PAINT, [&](HWND h, WPARAM) { return LRESULT{DestroyWindow(h)}; });
+    const Handler handler = On(WM_PAINT, [&](HWND h, WPARAM) {
+        DefWindowProcA(h, WM_PAINT, 0, 0);
+        EXPECT_EQ(SeenRow(1, 2, 1), "?"); // nothing of it at first
+        return LRESULT{DestroyWindow(h)};
+    });
     hWnd = Make(&handler, WS_POPUP);
     EXPECT_FALSE(AnimateWindow(hWnd, 3000, AW_BLEND));
     EXPECT_FALSE(IsWindow(hWnd));
@@ -290,8 +294,8 @@ TEST(Paint, TheDesktopIsOfTheSizeThatTheHostChose)
         Painted painted('R');
         EXPECT_FALSE(KXHost::UseMemoryDesktop(3, 2)); // it has windows
     }
-    EXPECT_FALSE(KXHost::UseMemoryDesktop(0, 2));
-    EXPECT_FALSE(KXHost::UseMemoryDesktop(16'385, 2));
+    for (const auto& [nWidth, nHeight] : {std::pair{0, 2}, {2, 0}, {16'385, 2}, {2, 16'385}})
+        EXPECT_FALSE(KXHost::UseMemoryDesktop(nWidth, nHeight));
     const HDC old = GetDC(nullptr);
     ASSERT_TRUE(KXHost::UseMemoryDesktop(3, 2));
     EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 3);
@@ -303,6 +307,8 @@ TEST(Paint, TheDesktopIsOfTheSizeThatTheHostChose)
     ReleaseDC(nullptr, old);
     EXPECT_EQ(SeenAt(3, 0), CLR_INVALID);
     EXPECT_EQ(SeenAt(2, 1), DESKTOP_COLOR);
+    for (const auto& [nWidth, nHeight] : {std::pair{16'384, 1}, {1, 16'384}})
+        EXPECT_TRUE(KXHost::UseMemoryDesktop(nWidth, nHeight));
     EXPECT_TRUE(KXHost::UseMemoryDesktop());
 }
 

@@ -183,7 +183,7 @@ TEST(Timer, WakesAThreadThatWaitsForMessages)
         MSG msg;
         EXPECT_EQ(GetMessageA(&msg, nullptr, 0, 0), 1);
         EXPECT_EQ(msg.message, WM_TIMER);
-        DispatchMessageA(&msg);
+        EXPECT_EQ(DispatchMessageA(&msg), 0);
     });
     AwaitSleepers(1);
     KXHost::AdvanceClock(1000);
@@ -233,8 +233,13 @@ TEST(Focus, GoesFromWindowToWindow)
     ASSERT_EQ(GetMessageA(&msg, nullptr, 0, 0), 1);
     EXPECT_EQ(told.Take(), "b-a+");
     PostMessage(hB, WM_LBUTTONDOWN, 0, 0);
+    ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_NOREMOVE));
+    EXPECT_EQ(told.Take(), "");
     ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
     EXPECT_EQ(told.Take(), "a-b+");
+    PostMessage(hA, WM_RBUTTONUP, 0, 0); // no press
+    ASSERT_EQ(GetMessageA(&msg, nullptr, 0, 0), 1);
+    EXPECT_EQ(told.Take(), "");
 
     InThread([&] {
         EXPECT_EQ(SetFocus(hB), nullptr);
@@ -249,6 +254,8 @@ TEST(Focus, GoesFromWindowToWindow)
     EXPECT_EQ(told.Take(), "b-");
     EXPECT_EQ(told.others.back(), nullptr);
 
+    SetWindowPos(hA, nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
+    EXPECT_EQ(GetFocus(), nullptr);
     SetWindowPos(hA, nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE);
     EXPECT_EQ(GetFocus(), hA);
     DestroyWindow(hA);
