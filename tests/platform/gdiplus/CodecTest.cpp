@@ -48,6 +48,7 @@ TEST_F(CodecTest, JpegOfAllColors)
         const Loaded loaded(jpeg.File());
         EXPECT_EQ(loaded.Height(), 8u);
         EXPECT_EQ(loaded.Width(), 8 * jpeg.blocks.size());
+        EXPECT_EQ(loaded.Pixel(loaded.Width() - 8, 0), loaded.Pixel(loaded.Width() - 1, 7));
         return loaded.Pixel(loaded.Width() - 1, 7);
     };
     EXPECT_EQ(pixel({.blocks = {{10}, {200}}}), 0xFFC8C8C8);
@@ -138,6 +139,61 @@ TEST_F(CodecTest, TiffOfManyKinds)
     std::string pixels(37 * 3, '\0');
     std::iota(pixels.begin(), pixels.end(), '\0');
     EXPECT_EQ(Loaded(Tiff({GrayTiff(37, 3, pixels)})).Pixels(), Grays({pixels.begin(), pixels.end()}));
+}
+
+const TiffPage red{.width = 1, .height = 1, .pixels = "\xFF\0\0"s};
+
+TEST_F(CodecTest, PagesOfATiff)
+{
+    const TiffPage alpha{
+        .width = 1, .height = 2, .samples = 4, .pixels = "\0\xFF\0\xFF\0\0\0\0"s, .tags = {{338, 1}}};
+    TiffPage broken = red;
+    broken.tags[259] = 999; // no such compression
+    const std::string file = Tiff({red, alpha, broken});
+    const Loaded pages(file);
+    EXPECT_EQ(CountOf(pages, FrameDimensionPage), 3u);
+    EXPECT_EQ(Shown(pages, 1, FrameDimensionPage), (Picture{"G", " "}));
+    EXPECT_EQ(GdipImageSelectActiveFrame(pages, &FrameDimensionPage, 2), GenericError);
+    EXPECT_EQ(pages.Letters(), (Picture{"G", " "})); // stays
+    EXPECT_EQ(Shown(pages, 0, FrameDimensionPage), (Picture{"R"}));
+    EXPECT_EQ(CountOf(Loaded(file.substr(0, file.size() - 5)), FrameDimensionPage), 2u);
+
+    std::string loop = Tiff({red, red}); // the second page's successor is the first
+    loop.replace(loop.size() - 4, 4, loop.substr(4, 4));
+    EXPECT_LE(CountOf(Loaded(loop), FrameDimensionPage), 3u);
+
+    // Pixels that lie nowhere, in the head, up to one byte beyond the end, and up to the end.
+    const auto nSize = static_cast<std::uint32_t>(Tiff({red, red}).size());
+    for (const auto& [nPixelsAt, nCount] : {std::pair{0u, 1u}, {1u, 2u}, {nSize - 2, 1u}, {nSize - 3, 2u}}) {
+        TiffPage second = red;
+        second.tags[273] = nPixelsAt;
+        EXPECT_EQ(CountOf(Loaded(Tiff({red, second})), FrameDimensionPage), nCount) << nPixelsAt;
+    }
+}
+
+// The last nine entries of 257 are a page too. It counts if all of them and they again are as long as the
+// file, which the first page's pixels make so long or two bytes shorter.
+TEST_F(CodecTest, PagesOfATiffAreNoLongerThanTheFile)
+{
+    TiffPage many = red;
+    for (std::uint32_t nTag = 1; nTag <= 248; ++nTag)
+        many.tags[nTag] = 0;
+    for (const auto& [bBigEndian, bBigTiff] :
+         {std::pair{false, false}, {true, false}, {false, true}, {true, true}})
+        for (const UINT nCount : {1u, 2u}) {
+            const std::size_t nNumber = bBigTiff ? 8 : 2, nLink = bBigTiff ? 8 : 4;
+            const std::size_t nWithin = nNumber + 9 * (bBigTiff ? 20 : 12), nAround = bBigTiff ? 30 : 18;
+            many.pixels.resize(nWithin - nAround - (nCount == 1 ? 2 : 0));
+            std::string within = Tiff({many}, bBigEndian, bBigTiff);
+            const std::size_t nLinkAt = within.size() - nLink, nPage = nLinkAt - nWithin;
+            const auto put = [&](std::size_t at, std::size_t value, std::size_t nWidth) {
+                const std::string bytes = Le(value, nWidth);
+                within.replace(at, nWidth, bBigEndian ? std::string(bytes.rbegin(), bytes.rend()) : bytes);
+            };
+            put(nPage, 9, nNumber);
+            put(nLinkAt, nPage, nLink);
+            EXPECT_EQ(CountOf(Loaded(within), FrameDimensionPage), nCount) << bBigEndian << bBigTiff;
+        }
 }
 
 } // namespace

@@ -19,7 +19,8 @@ TEST_F(DamageTest, AJpegNeedsARowOfBlocks)
     EXPECT_EQ(LoadStatus(progressive.substr(0, progressive.size() - 4)), GenericError);
 }
 
-// Scans without data cost time all the same: 1,600 of 65,536 pixels are granted to any file.
+// Scans without data cost time all the same: 1,600 of 65,536 pixels are granted to any file, more to a
+// longer.
 TEST_F(DamageTest, AJpegHasSoManyScans)
 {
     const std::string file = Jpeg{.blocks = std::vector(1024, std::vector{128}), .progressive = true}.File();
@@ -28,6 +29,8 @@ TEST_F(DamageTest, AJpegHasSoManyScans)
         for (int n = 0; n < nMore; ++n)
             scans += Jpeg::Segment('\xDA', "\1\1\0\0\0\0"s);
         EXPECT_EQ(LoadStatus(scans + "\xFF\xD9"), status) << nMore;
+        const std::string longer = scans.insert(2, Jpeg::Segment('\xFE', std::string(20'000, ' ')));
+        EXPECT_EQ(LoadStatus(longer + "\xFF\xD9"), Ok) << nMore;
     }
 }
 

@@ -7,19 +7,6 @@ using namespace test;
 
 using FramesTest = DrawingTest;
 
-UINT CountOf(GpImage* image, const GUID& dimension = FrameDimensionTime)
-{
-    UINT n = 0;
-    GdipImageGetFrameCount(image, &dimension, &n);
-    return n;
-}
-
-Picture Shown(const Loaded& loaded, UINT nFrame, const GUID& dimension = FrameDimensionTime)
-{
-    EXPECT_EQ(GdipImageSelectActiveFrame(loaded, &dimension, nFrame), Ok);
-    return loaded.Letters();
-}
-
 std::vector<Picture> Played(const Loaded& loaded)
 {
     std::vector<Picture> frames;
@@ -123,6 +110,7 @@ TEST_F(FramesTest, PlayersThatShareAPictureGoOnEachFromItsOwnFrame)
     GdipBitmapSetPixel(shared.Bitmap(), 500, 500, 0xFF0000FF);
     EXPECT_EQ(step(0), 0u);
     GdipBitmapSetPixel(shared.Bitmap(), 500, 500, 0xFF00FF00);
+    EXPECT_EQ(step(0), 0xFF00FF00);
     for (const UINT n : {1u, 2u, 3u, 4u}) {
         EXPECT_EQ(step(n + 5), 0xFF0000FF);
         EXPECT_EQ(step(n), 0xFF00FF00);
@@ -131,6 +119,14 @@ TEST_F(FramesTest, PlayersThatShareAPictureGoOnEachFromItsOwnFrame)
     EXPECT_EQ(step(11), 0xFF0000FF);
     EXPECT_EQ(step(0), 0u);
     EXPECT_EQ(step(5), 0xFF00FF00);
+    // Of as many pixels as are kept, frames are, and players have no places.
+    const Loaded kept(LongGif("RGBCMYWR"));
+    ASSERT_EQ(CountOf(kept) << 20, MAX_KEPT_FRAMES_PIXELS);
+    for (const UINT n : {5u, 0u, 5u}) {
+        GdipImageSelectActiveFrame(kept, &FrameDimensionTime, n);
+        EXPECT_EQ(kept.Pixel(500, 500), 0u) << n;
+        if (n == 5) GdipBitmapSetPixel(kept.Bitmap(), 500, 500, 0xFF0000FF);
+    }
 }
 
 TEST_F(FramesTest, OnlySoManyPlayersKeepTheirPlaces)
@@ -232,64 +228,11 @@ TEST_F(FramesTest, APictureHasOneDimension)
     EXPECT_EQ(GdipImageSelectActiveFrame(gif, &FrameDimensionPage, 0), InvalidParameter);
     EXPECT_EQ(GdipImageGetFrameCount(gif, &FrameDimensionPage, &n), InvalidParameter);
     EXPECT_EQ(Shown(gif, 1), (Picture{"G"}));
+    GdipBitmapSetPixel(gif.Bitmap(), 0, 0, 0xFF0000FF);
+    EXPECT_EQ(Shown(gif, 1), (Picture{"B"})) << "decoded anew";
     EXPECT_EQ(GdipImageRotateFlip(gif, RotateNoneFlipX), Ok); // one frame after that
-    EXPECT_EQ(gif.Letters(), (Picture{"G"}));
+    EXPECT_EQ(gif.Letters(), (Picture{"B"}));
     EXPECT_EQ(CountOf(gif), 1u);
-}
-
-const TiffPage red{.width = 1, .height = 1, .pixels = "\xFF\0\0"s};
-
-TEST_F(FramesTest, PagesOfATiff)
-{
-    const TiffPage alpha{
-        .width = 1, .height = 2, .samples = 4, .pixels = "\0\xFF\0\xFF\0\0\0\0"s, .tags = {{338, 1}}};
-    TiffPage broken = red;
-    broken.tags[259] = 999; // no such compression
-    const std::string file = Tiff({red, alpha, broken});
-    const Loaded pages(file);
-    EXPECT_EQ(CountOf(pages, FrameDimensionPage), 3u);
-    EXPECT_EQ(Shown(pages, 1, FrameDimensionPage), (Picture{"G", " "}));
-    EXPECT_EQ(GdipImageSelectActiveFrame(pages, &FrameDimensionPage, 2), GenericError);
-    EXPECT_EQ(pages.Letters(), (Picture{"G", " "})); // stays
-    EXPECT_EQ(Shown(pages, 0, FrameDimensionPage), (Picture{"R"}));
-    EXPECT_EQ(CountOf(Loaded(file.substr(0, file.size() - 5)), FrameDimensionPage), 2u);
-
-    std::string loop = Tiff({red, red}); // the second page's successor is the first
-    loop.replace(loop.size() - 4, 4, loop.substr(4, 4));
-    EXPECT_LE(CountOf(Loaded(loop), FrameDimensionPage), 3u);
-
-    // Pixels that lie nowhere, in the head, up to one byte beyond the end, and up to the end.
-    const auto nSize = static_cast<std::uint32_t>(Tiff({red, red}).size());
-    for (const auto& [nPixelsAt, nCount] : {std::pair{0u, 1u}, {1u, 2u}, {nSize - 2, 1u}, {nSize - 3, 2u}}) {
-        TiffPage second = red;
-        second.tags[273] = nPixelsAt;
-        EXPECT_EQ(CountOf(Loaded(Tiff({red, second})), FrameDimensionPage), nCount) << nPixelsAt;
-    }
-}
-
-// The last nine entries of 257 are a page too. It counts if all of them and they again are as long as the
-// file, which the first page's pixels make so long or two bytes shorter.
-TEST_F(FramesTest, PagesOfATiffAreNoLongerThanTheFile)
-{
-    TiffPage many = red;
-    for (std::uint32_t nTag = 1; nTag <= 248; ++nTag)
-        many.tags[nTag] = 0;
-    for (const auto& [bBigEndian, bBigTiff] :
-         {std::pair{false, false}, {true, false}, {false, true}, {true, true}})
-        for (const UINT nCount : {1u, 2u}) {
-            const std::size_t nNumber = bBigTiff ? 8 : 2, nLink = bBigTiff ? 8 : 4;
-            const std::size_t nWithin = nNumber + 9 * (bBigTiff ? 20 : 12), nAround = bBigTiff ? 30 : 18;
-            many.pixels.resize(nWithin - nAround - (nCount == 1 ? 2 : 0));
-            std::string within = Tiff({many}, bBigEndian, bBigTiff);
-            const std::size_t nLinkAt = within.size() - nLink, nPage = nLinkAt - nWithin;
-            const auto put = [&](std::size_t at, std::size_t value, std::size_t nWidth) {
-                const std::string bytes = Le(value, nWidth);
-                within.replace(at, nWidth, bBigEndian ? std::string(bytes.rbegin(), bytes.rend()) : bytes);
-            };
-            put(nPage, 9, nNumber);
-            put(nLinkAt, nPage, nLink);
-            EXPECT_EQ(CountOf(Loaded(within), FrameDimensionPage), nCount) << bBigEndian << bBigTiff;
-        }
 }
 
 } // namespace

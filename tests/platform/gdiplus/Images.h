@@ -110,6 +110,20 @@ inline Status LoadStatus(std::string_view file)
     return Loaded(file).status;
 }
 
+// How many frames or pages a picture has, and one of them as letters.
+inline UINT CountOf(GpImage* image, const GUID& dimension = FrameDimensionTime)
+{
+    UINT n = 0;
+    GdipImageGetFrameCount(image, &dimension, &n);
+    return n;
+}
+
+inline Picture Shown(const Loaded& loaded, UINT nFrame, const GUID& dimension = FrameDimensionTime)
+{
+    EXPECT_EQ(GdipImageSelectActiveFrame(loaded, &dimension, nFrame), Ok);
+    return loaded.Letters();
+}
+
 inline std::vector<ImageCodecInfo> Encoders()
 {
     UINT nCount = 0, nBytes = 0;

@@ -117,6 +117,10 @@ TEST_F(SaveTest, GifColorsAreExactUpTo256AndNearBeyond)
     ramps.pixels[256] = 1;
     EXPECT_EQ(Farthest(ramps, u"gif"), 1);
 
+    Sheet few(20, 20); // 25 places for 400 colours
+    for (ARGB n = 0; n < 400; ++n)
+        few.pixels[n] = 0xFF000000 | n % 20 | n / 20 << 8;
+    EXPECT_EQ(Farthest(few, u"gif"), 2);
     Sheet smooth(64, 64);
     for (ARGB n = 0; n < 64 * 64; ++n)
         smooth.pixels[n] = 0xFF000080 | n % 64 << 18 | n / 64 << 10;
