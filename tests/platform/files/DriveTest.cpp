@@ -83,6 +83,7 @@ TEST(Drives, RemovableMediaAndOpticalDrivesGetLettersThatStay)
     const System system;
     EXPECT_EQ(Kinds(), "3");
     system.Disk("sda", "8:0", false);
+    system.Partition("sda", "sda1", "8:1");
     system.Disk("sr0", "11:0", true, "5");
     system.Disk("sdb", "8:16", true);
     system.Partition("sdb", "sdb1", "8:17");

@@ -37,6 +37,8 @@ TEST_F(File, CreatesKeepsEmptiesAndMoves)
     CFile file;
     ASSERT_TRUE(file.Open("X:\\new", CFile::modeCreate | CFile::modeReadWrite));
     file.Write("0123456789", 10);
+    errno = EIO; // of something before
+    file.Write("", 0);
     EXPECT_EQ(file.GetPosition(), 10u);
     EXPECT_EQ(file.Seek(-3, CFile::current), 7u);
     std::array<char, 20> buffer{};

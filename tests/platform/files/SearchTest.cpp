@@ -86,7 +86,7 @@ TEST_F(Search, RecordsTellKindSizeAndTimes)
     drive.Write("file", "12345");
     drive.Write("locked", "");
     drive.Write("sub/in", "");
-    fs::permissions(drive.Path("locked"), fs::perms::owner_read);
+    fs::permissions(drive.Path("locked"), fs::perms{0555});
     fs::create_symlink("file", drive.Path("link"));
     fs::create_symlink("sub", drive.Path("linkdir"));
     fs::create_symlink("gone", drive.Path("dangling"));
