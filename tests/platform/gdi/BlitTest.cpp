@@ -257,6 +257,7 @@ TEST(StretchBlt, TakesThePixelThatTheCentreFallsInto)
     EXPECT_EQ(stretched(3, 2, 0, 4, 2), (Picture{"RGC", "MYR"}));
     EXPECT_EQ(stretched(5, 1, 0, 4, 1), (Picture{"RGGBC"}));
     EXPECT_EQ(stretched(4, 2, 0, 4, 2), from.Read());
+    EXPECT_EQ(stretched(4, 4, 0, 4, 2), (Picture{"RGBC", "RGBC", "MYWR", "MYWR"}));
     EXPECT_EQ(stretched(8, 1, -2, 4, 1), (Picture{"....RRGG"})); // nothing outside is read
     EXPECT_EQ(stretched(4, 4, 3, 2, 4), (Picture{"CC..", "RR..", "....", "...."}));
     EXPECT_EQ(stretched(2, 2, 0, 0, 2), (Picture{"..", ".."}));
@@ -277,6 +278,13 @@ TEST(StretchBlt, CutsAndKeysLikeTheWhole)
     EXPECT_EQ(to.Read(), (Picture{"RGWWWW", "RGWBBW", "WWWYYW", "WWWYYW"}));
     EXPECT_EQ(StretchBlt(to, 4, 3, 4, 4, from, 0, 0, 2, 2, SRCCOPY), 1);
     EXPECT_EQ(to.Read(), (Picture{"RGWWWW", "RGWBBW", "WWWYYW", "WWWYRR"}));
+}
+
+TEST(TransparentBlt, StretchesInHeightAlone)
+{
+    const Paper to(3, 4, 'W');
+    EXPECT_EQ(TransparentBlt(to, 0, 0, 3, 4, Paper({"RGB", "CMY"}), 0, 0, 3, 2, ColorOf('G')), 1);
+    EXPECT_EQ(to.Read(), (Picture{"RWB", "RWB", "CMY", "CMY"}));
 }
 
 TEST(StretchBlt, WithinOneSurfaceReadsWhatWasThereBefore)

@@ -139,6 +139,9 @@ TEST_F(Region, MovesWithinTheRangeOfCoordinates)
         OffsetRgn(edge, x, y);
         EXPECT_EQ(BoxOf(edge, SIMPLEREGION), box);
     }
+    const Rgn right(CreateRectRgn(INT_MAX - 4, 0, INT_MAX, 4));
+    OffsetRgn(right, 2, 0);
+    EXPECT_EQ(BoxOf(right, SIMPLEREGION), (RECT{INT_MAX - 2, 0, INT_MAX, 4}));
     EXPECT_EQ(OffsetRgn(nullptr, 1, 1), RGN_ERROR);
     RECT box;
     EXPECT_EQ(GetRgnBox(nullptr, &box), RGN_ERROR);
