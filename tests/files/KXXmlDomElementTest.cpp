@@ -258,7 +258,7 @@ TEST_F(KXXmlDomElement, WritesAttributes)
     root.SetAttributeInt32("big", 5000000000);
     root.SetAttributeString("p:y", "<\"&\n\x02");
     root.SetAttributeString("u:z", nullptr);
-    for (const char* name : {"", "1", "a b", "xmlns:xml"})
+    for (const char* name : {"", "1", "a b", "xmlns:xml", "xmlns:xmlns"})
         root.SetAttributeString(name, "x");
     root.SetAttributeString(nullptr, "x");
     EXPECT_STREQ(root.GetXml(),
@@ -268,6 +268,7 @@ TEST_F(KXXmlDomElement, WritesAttributes)
     root.SetAttributeString("xmlns:r", "urn:r");
     EXPECT_EQ(root.GetAttributeString("xmlns:p"), "urn:q");
     root.SetAttributeString("xmlns:r", "a&b<c");
+    root.SetAttributeString("xmlns:r", ""); // only the default one may be none
     EXPECT_EQ(root.GetAttributeString("xmlns:r"), "a&b<c");
     EXPECT_TRUE(root.GetChild("p:b").IsValid());
     // More than would be loaded again.

@@ -149,6 +149,8 @@ TEST_F(HostileXml, ShapesAreBounded)
         EXPECT_FALSE(Loads("<a b='" + std::string(static_cast<std::size_t>(nMegabytes) << 20, 'x') + "'/>"));
     const auto attributes = [](int nCount) { return "<a" + Numbered(nCount, " b$='x'") + "/>"; };
     EXPECT_TRUE(Loads(attributes(XML_MAX_ATTRIBUTES)));
+    Root().SetAttributeString("more", "x");
+    EXPECT_EQ(Root().GetAttributeString("more"), "");
     EXPECT_FALSE(Loads(attributes(XML_MAX_ATTRIBUTES + 1)));
     EXPECT_FALSE(Loads(attributes(1'000'000)));
     const std::string half = "<a" + Numbered(XML_MAX_NAMESPACES / 2, " xmlns:p$='u'");

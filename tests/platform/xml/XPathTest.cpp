@@ -40,6 +40,17 @@ TEST_F(XPath, FindsAllThatIsRight)
     EXPECT_EQ(Count(pairs, "a/b/../.."), 1u);
 }
 
+// Any thread's stack must do.
+TEST_F(XPath, PatternsNestToABound)
+{
+    CKXXmlDomElement root = Root("<r><a/></r>");
+    const auto nested = [](int nDepth) {
+        return test::Numbered(nDepth, "(") + "a" + test::Numbered(nDepth, ")");
+    };
+    EXPECT_TRUE(root.GetChild(nested(50).c_str()).IsValid());
+    EXPECT_FALSE(root.GetChild(nested(300).c_str()).IsValid());
+}
+
 TEST_F(XPath, KnowsIdentitiesThatAreDeclared)
 {
     CKXXmlDomElement root =
