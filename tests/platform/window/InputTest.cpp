@@ -24,7 +24,14 @@ public:
               }
               if (nMsg == WM_ENABLE || nMsg == WM_MOUSELEAVE || nMsg == WM_CLOSE)
                   heard += std::to_string(nMsg) + ";";
-              if (nMsg == WM_SETCURSOR) ++cursors;
+              if (nMsg == WM_ENABLE) {
+                  EXPECT_EQ(wParam, IsWindowEnabled(hWnd) ? 1u : 0u);
+              }
+              if (nMsg == WM_SETCURSOR) {
+                  ++cursors;
+                  EXPECT_EQ(reinterpret_cast<HWND>(wParam), hWnd);
+                  EXPECT_EQ(GET_X_LPARAM(lParam), HTCLIENT);
+              }
               return nMsg == WM_CLOSE ? 0 : DefWindowProcA(hWnd, nMsg, wParam, lParam);
           })
     {
@@ -56,8 +63,9 @@ TEST(Input, ADisabledWindowHearsNothingOfIt)
 {
     Listener window;
     SetFocus(window.handle);
+    SetCapture(window.handle);
     EXPECT_FALSE(EnableWindow(window.handle, 0));
-    EXPECT_EQ(window.Take(), "10;");
+    EXPECT_EQ(window.Take(), "533 0;10;");
     EXPECT_FALSE(IsWindowEnabled(window.handle));
     EXPECT_FALSE(GetFocus());
     EXPECT_FALSE(SetFocus(window.handle));
