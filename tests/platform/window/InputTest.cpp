@@ -171,6 +171,7 @@ TEST(Input, KeysAndCursorsAreKnown)
     };
     EXPECT_EQ(GetKeyState(VK_SHIFT), 0);
     key(WM_KEYDOWN, VK_SHIFT);
+    key(WM_CHAR, VK_SHIFT); // a letter of that number
     EXPECT_LT(GetKeyState(VK_SHIFT), 0);
     key(WM_KEYDOWN, VK_SHIFT); // it repeats
     key(WM_KEYUP, VK_SHIFT);

@@ -85,6 +85,9 @@ TEST(Window, IsNotMadeWhenItsProcedureRefusesOrEndsIt)
         const Handler handler = [&, n = at, &own = act](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
             made = hWnd;
             seen.push_back(nMsg);
+            if (nMsg == NCDESTROY) {
+                EXPECT_FALSE(DestroyWindow(hWnd));
+            }
             return nMsg == n ? own(hWnd) : DefWindowProcA(hWnd, nMsg, wParam, lParam);
         };
         try {
