@@ -75,6 +75,7 @@ TEST_F(Copy, FollowsLinksToFilesAndCopiesLinksToDirectories)
     EXPECT_EQ(fs::read_symlink(drive.Path("copy")), "dir");
     EXPECT_EQ(fs::read_symlink(drive.Path("file")), "dir");
     EXPECT_EQ(Outcome(CopyFileA("X:\\linkdir", "X:\\copy", 1)), ERROR_FILE_EXISTS);
+    EXPECT_TRUE(CopyFileA("X:\\linkdir", "X:\\second", 1));
 }
 
 TEST_F(Copy, RefusalsLeaveBothFiles)

@@ -69,6 +69,7 @@ TEST_F(Search, WildcardsStandForCharacters)
         {"NAME.*", {"name", "name.txt"}},
         {"???.txt", {chinese}},
         {"????.*", {"name", "name.txt"}},
+        {"*ac", {}},
         {"*?", {".", "..", "a.tar.gz", "aXbXc", "name", "name.txt", chinese}},
         {"a*x*c", {"aXbXc"}},
         {"a*.*.gz", {"a.tar.gz"}},
