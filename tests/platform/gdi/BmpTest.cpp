@@ -58,7 +58,7 @@ TEST(Bmp, AHeaderMayBeShort)
     bmp.palette[3] = 1; // of no use, and no compression
     for (const std::size_t size : {16u, 24u, 36u}) {
         const std::string dib = Le(size, 4) + bmp.Header().substr(4, size - 4) + bmp.palette + bmp.pixels;
-        EXPECT_EQ(LoadedBitmap("BM" + Le(0, 12) + dib).Letters(), kPicture) << size;
+        EXPECT_EQ(LoadedBitmap("BM" + std::string(12, '\0') + dib).Letters(), kPicture) << size;
     }
 }
 
