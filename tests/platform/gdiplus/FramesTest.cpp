@@ -119,7 +119,7 @@ TEST_F(FramesTest, PlayersThatShareAPictureGoOnEachFromItsOwnFrame)
     EXPECT_EQ(step(11), 0xFF0000FF);
     EXPECT_EQ(step(0), 0u);
     EXPECT_EQ(step(5), 0xFF00FF00);
-    // Of as many pixels as are kept, frames are, and players have no places.
+    // Frames that together have as many pixels as may be kept are kept, and players have no places.
     const Loaded kept(LongGif("RGBCMYWR"));
     ASSERT_EQ(CountOf(kept) << 20, MAX_KEPT_FRAMES_PIXELS);
     for (const UINT n : {5u, 0u, 5u}) {
@@ -131,7 +131,7 @@ TEST_F(FramesTest, PlayersThatShareAPictureGoOnEachFromItsOwnFrame)
 
 TEST_F(FramesTest, OnlySoManyPlayersKeepTheirPlaces)
 {
-    // As many as have the pixels, those that are saved too, or 64, and that of the picture itself.
+    // There are as many as the pixels suffice for, with those that are saved, or 64, and the picture's own.
     for (const auto& [side, disposal, nPlaces] :
          {std::tuple{1024u, 0u, 8u + 1}, {1024u, 3u, 7u + 1}, {256u, 0u, 64u + 1}}) {
         const UINT nLast = 2 * nPlaces;

@@ -110,7 +110,7 @@ TEST_F(SaveTest, GifColorsAreExactUpTo256AndNearBeyond)
         rare.pixels[n] = n < 255 ? 36 * (n % 7 << 16 | n / 7 % 7 << 8 | n / 49) : 0xFAFAFA + n % 2 * 4;
     EXPECT_EQ(Farthest(rare, u"gif"), 2);
 
-    // Of 256 places for colours each is taken, one by two of them.
+    // Each of the 256 places for colours is taken, one by two of them.
     Sheet ramps(257, 1, PixelFormat32bppRGB);
     for (ARGB n = 0; n < 255; ++n)
         ramps.pixels[n] = 5 * (n % 51 + 1) * std::array{0x10000u, 0x100u, 1u, 0x10100u, 0x10001u}[n / 51];
