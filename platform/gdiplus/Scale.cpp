@@ -23,6 +23,7 @@ public:
     {
     }
 
+    bool IsEmpty() const noexcept { return !(m_fromLength > 0 && m_toLength > 0); }
     bool Reduces() const noexcept { return m_fromLength > m_toLength; }
     double From() const noexcept { return m_from; }
     double FromEnd() const noexcept { return m_from + m_fromLength; }
@@ -153,6 +154,7 @@ std::pair<int, int> Covered(const Stretch& stretch) noexcept
 Axis::Axis(const Stretch& stretch, int limit, int begin, int end) : m_nBegin(begin)
 {
     const Mapping map(stretch);
+    if (map.IsEmpty() || begin >= end) return;
     // The part that there is to read.
     const double least = std::max(map.From(), 0.0);
     const double most = std::min(map.FromEnd(), static_cast<double>(limit));
