@@ -27,7 +27,8 @@ TEST_F(LogCrash, AtAnyMomentLosesNoLine)
 {
     constexpr std::size_t nThreads = 8;
     const char* pszRounds = std::getenv("KX_TEST_ROUNDS");
-    const unsigned nRounds = pszRounds ? static_cast<unsigned>(std::atoi(pszRounds)) : 20;
+    const unsigned nUsual = test::kSanitized ? 5 : 20; // a crash takes seconds under sanitizers
+    const unsigned nRounds = pszRounds ? static_cast<unsigned>(std::atoi(pszRounds)) : nUsual;
     std::uint64_t nLines = 0;
     for (unsigned nSeed = 0; nSeed < nRounds; ++nSeed) {
         SCOPED_TRACE("seed " + std::to_string(nSeed));
