@@ -132,7 +132,6 @@ public:
         std::list<LargeDirectory> one;
         if (!one.emplace_back(info).Read(entries)) return;
         const sync::MutexLock lock(m_lock);
-        std::erase_if(m_known, [&](const LargeDirectory& other) { return other.id == one.front().id; });
         m_known.splice(m_known.begin(), one);
         if (m_known.size() > kMaxDirectories) m_known.pop_back();
     }

@@ -69,8 +69,7 @@ DWORD VolumeSerial(const std::string& device, const std::string& systemRoot)
 // The drive whose root a path names (`X:\`, also without the separator).
 std::optional<Drive> FindDrive(const char* pszRoot)
 {
-    const std::string_view root =
-        pszRoot ? std::string_view(pszRoot, strnlen(pszRoot, 4)) : std::string_view();
+    const std::string_view root = pszRoot ? pszRoot : "";
     const bool bRoot = root.size() == 2 || (root.size() == 3 && (root[2] == '\\' || root[2] == '/'));
     if (!bRoot || root[1] != ':') return std::nullopt;
     return kx::files::FindDrive(root[0], true);

@@ -117,7 +117,7 @@ DWORD ReadWholeFile(int fd, std::size_t limit, FileContent& content)
     const auto size = static_cast<std::size_t>(content.status.st_size);
     if (size > limit) return ERROR_ACCESS_DENIED;
     const DWORD error = ReadUpTo(fd, limit + 1, size, content.bytes);
-    return error == ERROR_SUCCESS && content.bytes.size() > limit ? ERROR_ACCESS_DENIED : error;
+    return content.bytes.size() > limit ? ERROR_ACCESS_DENIED : error;
 }
 
 DWORD ReadWholeFile(const std::string& path, std::size_t limit, FileContent& content)

@@ -1,5 +1,7 @@
 #include "include/platform/Error.h"
+#include "include/platform/Profile.h"
 #include "tests/platform/files/Mounted.h"
+#include "tests/platform/profile/IniFixture.h"
 
 namespace fs = std::filesystem;
 
@@ -108,6 +110,20 @@ TEST(Drives, RemovableMediaAndOpticalDrivesGetLettersThatStay)
     EXPECT_EQ(Kinds(), "3522");
     EXPECT_EQ(KXHost::ToSystemPath("E:\\"), system.Path("media/MY STICK"));
     EXPECT_EQ(KXHost::ToSystemPath("F:\\"), system.Path("media/new"));
+}
+
+TEST(Drives, AnotherMediumsFilesAreReadAnew)
+{
+    const System system;
+    system.Disk("sdb", "8:16", true);
+    for (const char* place : {"one", "two"}) {
+        test::LetSettle(system.Write(std::string(place) + "/a.ini", std::string("[s]\nk=") + place));
+        system.Mounts({system.Line("8:16", place, "/dev/sdb")});
+        EXPECT_EQ(GetDriveTypeA("D:\\"), DRIVE_REMOVABLE); // looks once
+        std::array<char, 8> value{};
+        GetPrivateProfileStringA("s", "k", "", value.data(), 8, "D:\\a.ini");
+        EXPECT_STREQ(value.data(), place);
+    }
 }
 
 TEST(Drives, WholeMountsComeBeforePartsAndTheRootIsNoDrive)

@@ -1,3 +1,4 @@
+#include "platform/files/WholeFile.h"
 #include "tests/platform/files/Mounted.h"
 
 using test::CauseOf;
@@ -118,6 +119,14 @@ TEST_F(File, DevicesAreFilesAndAFullOneSaysSo)
     }
 }
 
+TEST_F(File, WithoutASizeIsReadWholeUpToALimit)
+{
+    kx::files::FileContent content;
+    EXPECT_EQ(kx::files::ReadWholeFile("/proc/self/maps", 10'000'000, content), ERROR_SUCCESS);
+    EXPECT_THAT(content.bytes, testing::HasSubstr("[stack]")); // stands near its end
+    EXPECT_EQ(kx::files::ReadWholeFile("/proc/self/maps", 5000, content), ERROR_ACCESS_DENIED);
+}
+
 TEST_F(File, WritersShareAsTheySayAndReadersAlwaysDo)
 {
     const CString strPath = drive.Win("file"); // as other processes know it
@@ -199,6 +208,8 @@ TEST(Exceptions, TextsNameTheFileAndTheCauseAndFitTheBuffer)
     std::array<char, 5> small{};
     EXPECT_TRUE(failure.GetErrorMessage(small.data(), 5));
     EXPECT_STREQ(small.data(), "X:\\"); // no half character
+    EXPECT_TRUE(failure.GetErrorMessage(small.data(), 1));
+    EXPECT_STREQ(small.data(), "");
     EXPECT_FALSE(failure.GetErrorMessage(nullptr, 5));
     EXPECT_FALSE(failure.GetErrorMessage(small.data(), 0));
     const std::pair<void (*)(), const char*> throwers[] = {

@@ -152,6 +152,7 @@ TEST_F(Search, FailuresSayWhatIsMissing)
         EXPECT_EQ(GetLastError(), error) << pattern;
     }
     EXPECT_EQ(FindFirstFileA("X:\\file", nullptr), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
 }
 
 TEST_F(Search, HandlesAreCountedAndStaleOnesRefused)
@@ -163,6 +164,7 @@ TEST_F(Search, HandlesAreCountedAndStaleOnesRefused)
     const HANDLE hFind = FindFirstFileA("X:\\?", &data);
     EXPECT_EQ(KXHost::LiveHandles(), nBefore + 1);
     EXPECT_FALSE(FindNextFileA(hFind, nullptr));
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
     fs::remove(drive.Path("1"));
     fs::remove(drive.Path("2")); // deleted since, so passed over
     drive.Write("4", "");        // not there at the opening

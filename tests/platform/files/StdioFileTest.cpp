@@ -95,6 +95,7 @@ TEST_F(StdioFile, ReadingAndWritingShareOnePosition)
     std::array<char, 3> next{};
     EXPECT_EQ(file.Read(next.data(), 3), 3u);
     EXPECT_EQ(std::string(next.data(), 3), "\nth");
+    EXPECT_EQ(file.Read(nullptr, 0), 0u);
     EXPECT_EQ(file.Seek(-2, CFile::current), 8u);
     EXPECT_TRUE(file.ReadString(strLine));
     EXPECT_EQ(strLine, "three");
@@ -107,9 +108,9 @@ TEST_F(StdioFile, ReadingAndWritingShareOnePosition)
     EXPECT_EQ(all, "one\nTWO\nthree\nend");
     drive.Write("big", std::string(3 * kBuffer + 5, 'b'));
     ASSERT_TRUE(file.Open("X:\\big", CFile::modeRead));
-    EXPECT_TRUE(file.Read(next.data(), 1));
     all.resize(4 * kBuffer);
-    EXPECT_EQ(file.Read(all.data(), all.size()), 3 * kBuffer + 4);
+    EXPECT_EQ(file.Read(all.data(), kBuffer - 1), kBuffer - 1); // all that is buffered but one
+    EXPECT_EQ(file.Read(all.data(), all.size()), 2 * kBuffer + 6);
 }
 
 TEST_F(StdioFile, FullDiskLosesTheTextAndNeverGrowsMemory)
