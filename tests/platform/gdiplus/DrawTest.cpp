@@ -143,6 +143,12 @@ TEST_F(Draw, ChangesColoursByAMatrix)
                       {0xFFFF0000, 0xFF00FF00, 0xFF0000FF, 0x80FFFFFF, 0x01010203, 0xFF003200, 0xFE64C832}),
               (Row{0xFF4D4D4D, 0xFF969696, 0xFF1C1C1C, 0x80FFFFFF, 0x01020202, 0xFF1E1E1E, 0xFE9A9A9A}));
     EXPECT_EQ(Through(attributes, {0x00FF0000}, PixelFormat32bppRGB), Row{0xFF4D4D4D});
+    for (const auto& [nOther, color] : {std::pair{1, 0xFF4D004D}, {2, 0xFF4D4D00}}) {
+        ColorMatrix two = gray; // of the three channels
+        two.m[0][nOther] = 0;
+        attributes.SetColorMatrix(&two);
+        EXPECT_EQ(Through(attributes, {0xFFFF0000}), Row{color});
+    }
     ColorMatrix half = gray;
     half.m[3][3] = 0.5F;
     attributes.SetColorMatrix(&half);

@@ -40,7 +40,7 @@ TEST_F(GraphicsCalls, OutlineCoversTheLinesOnBothSides)
     EXPECT_EQ(Outline(2, 1, 2, 0, 1),
               (test::Picture{"WWWWWWW", "WWRRRWW", "WWWWWWW", "WWWWWWW", "WWWWWWW", "WWWWWWW"}));
     const test::Picture none(6, "WWWWWWW");
-    EXPECT_EQ(Outline(1, 1, -1, 2, 1), none);
+    EXPECT_EQ(Outline(1, 1, -1, 2, 3), none);
     EXPECT_EQ(Outline(1, 1, 2, INT_MIN, 9), none);
     EXPECT_EQ(Outline(INT_MAX, INT_MAX, INT_MAX, INT_MAX, 1), none);
     EXPECT_EQ(Outline(-1, -1, INT_MAX, INT_MAX, 1), none);
