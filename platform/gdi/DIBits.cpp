@@ -151,17 +151,15 @@ BITMAPINFOHEADER HeaderOf(const Bitmap& bitmap) noexcept
 {
     const std::size_t nBytes =
         RowBytes(bitmap.Width(), bitmap.depth, 32) * static_cast<std::size_t>(bitmap.Height());
-    return {sizeof(BITMAPINFOHEADER),
-            bitmap.Width(),
-            bitmap.Height(),
-            1,
-            bitmap.depth,
-            BI_RGB,
-            static_cast<DWORD>(nBytes),
-            0,
-            0,
-            0,
-            0};
+    BITMAPINFOHEADER header{};
+    header.biSize = sizeof(header);
+    header.biWidth = bitmap.Width();
+    header.biHeight = bitmap.Height();
+    header.biPlanes = 1;
+    header.biBitCount = bitmap.depth;
+    header.biCompression = BI_RGB;
+    header.biSizeImage = static_cast<DWORD>(nBytes);
+    return header;
 }
 
 bool Fits(const BITMAPINFOHEADER& header, const Bitmap& bitmap) noexcept

@@ -6,8 +6,6 @@ namespace {
 
 using namespace test;
 
-const std::string kRed = Png(1, 1, 8, 2, "\0\xFF\0\0"s);
-
 using ImageTest = DrawingTest;
 
 TEST(ImageStart, NothingWorksBeforeTheStartOrAfterTheLastShutdown)

@@ -1,11 +1,15 @@
 #pragma once
 
 #include "tests/platform/gdiplus/Sheet.h"
+#include "tests/support/BmpBuilder.h"
 
 // Picture files in memory, loaded and read back.
 namespace test {
 
 using namespace std::string_literals;
+
+// A red pixel.
+inline const std::string kRed = Png(1, 1, 8, 2, "\0\xFF\0\0"s);
 
 struct EndStream
 {

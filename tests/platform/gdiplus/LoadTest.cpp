@@ -4,8 +4,6 @@ namespace {
 
 using namespace test;
 
-const std::string kRed = Png(1, 1, 8, 2, "\0\xFF\0\0"s);
-
 using LoadTest = DrawingTest;
 
 TEST_F(LoadTest, FilesAreReadWholeAndMayGoAtOnce)
