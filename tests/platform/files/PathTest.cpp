@@ -111,6 +111,9 @@ TEST_F(Path, ExactNameWinsElseTheLowestIgnoringCase)
     }
     drive.Write("two/a/x", "");
     EXPECT_EQ(drive.Named("X:\\two\\A\\X"), "/two/a/x");
+    drive.Write("\xC8\xBA/in", ""); // a byte less than the small letter has
+    const test::CodePage utf8(CP_UTF8);
+    EXPECT_EQ(drive.Named("X:\\\xE2\xB1\xA5\\IN"), "/\xC8\xBA/in");
 }
 
 TEST_F(Path, LargeDirectoriesAreKnownAsTheyAreNow)

@@ -111,6 +111,7 @@ TEST_F(Search, RecordsTellKindSizeAndTimes)
         EXPECT_EQ(GetFileAttributesA(path), kind) << path;
         EXPECT_TRUE(PathFileExistsA(path));
     }
+    EXPECT_EQ(First("X:\\*").dwFileAttributes, FILE_ATTRIBUTE_DIRECTORY); // `.`, which isn't hidden
     const auto file = First("X:\\file");
     EXPECT_EQ(file.nFileSizeLow, 5u);
     EXPECT_EQ(UnixSteps(file.ftLastAccessTime), 15'000'000'000'000'000);
