@@ -176,7 +176,7 @@ TEST(Drives, VolumesTellLabelSerialAndFileSystem)
     system.Mounts({system.Line("8:17", "stick 0123", "/dev/sdb1", "ro,nosuid")});
     system.Link("dev/disk/by-label/other", "../../sda1");
     system.Link("dev/disk/by-label/\xE8\xAA\xA0\\x20xface\\x2fy\\x01\\x", "../../sdb1");
-    system.Link("dev/disk/by-uuid/1A2B-3c4D", "../../sdb1");
+    system.Link("dev/disk/by-uuid/1A0B-3c4D", "../../sdb1");
     system.Link("dev/disk/by-uuid/0f0e0d0c-0b0a-0908-0706-0504deadbeef", "../../nvme0n1p2");
     system.Link("sys/dev/block/254:0", "../../devices/pci/nvme0n1/nvme0n1p2");
 
@@ -184,7 +184,7 @@ TEST(Drives, VolumesTellLabelSerialAndFileSystem)
     EXPECT_TRUE(stick.found);
     EXPECT_STREQ(stick.label.data(), "\xD5\x5C xface/y\x01\\x");
     EXPECT_STREQ(stick.system.data(), "vfat");
-    EXPECT_EQ(stick.serial, 0x1A2B3C4Du);
+    EXPECT_EQ(stick.serial, 0x1A0B3C4Du);
     EXPECT_GT(stick.component, 100u);
     EXPECT_EQ(stick.flags & 0x80000, 0x80000u);
     EXPECT_STREQ(Volume("D:", 2).label.data(), ""); // never half a character

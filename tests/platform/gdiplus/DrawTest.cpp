@@ -51,10 +51,10 @@ Row Through(const ImageAttributes& attributes, const Row& from, PixelFormat form
 // Every alpha over every shade, or over every alpha, against the rule in plain arithmetic.
 TEST_F(Draw, BlendsByTheAlphaRoundingToTheNearest)
 {
-    Sheet source(256, Square([](ARGB alpha, ARGB) { return Of(alpha, 0, 200, 255); }));
-    Sheet opaque(256, Square([](ARGB, ARGB shade) { return Of(7, 99, static_cast<int>(shade), 0); }),
+    Sheet source(256, Square([](ARGB alpha, ARGB) { return Of(alpha, 255, 200, 0); }));
+    Sheet opaque(256, Square([](ARGB, ARGB shade) { return Of(7, 99, static_cast<int>(shade), 50); }),
                  PixelFormat32bppRGB);
-    Sheet straight(256, Square([](ARGB, ARGB alpha) { return Of(alpha, 255, 100, 1); }));
+    Sheet straight(256, Square([](ARGB, ARGB alpha) { return Of(alpha, 1, 100, 255); }));
     for (Sheet* sheet : {&opaque, &straight})
         EXPECT_EQ(sheet->graphics.DrawImage(&source.bitmap, 0, 0), Ok);
 
@@ -62,17 +62,17 @@ TEST_F(Draw, BlendsByTheAlphaRoundingToTheNearest)
                   const auto mix = [alpha](double above, double below) {
                       return Nearest((above * alpha + below * (255 - alpha)) / 255);
                   };
-                  return Of(0, mix(0, 99), mix(200, shade), mix(255, 0));
+                  return Of(0, mix(255, 99), mix(200, shade), mix(0, 50));
               }));
     EXPECT_EQ(straight.pixels, Square([](ARGB above, ARGB below) {
                   const double part = above * 255.0;
                   const double rest = below * (255.0 - above);
-                  if (above == 0) return Of(below, 255, 100, 1);
+                  if (above == 0) return Of(below, 1, 100, 255);
                   const auto mix = [=](double a, double b) {
                       return Nearest((a * part + b * rest) / (part + rest));
                   };
-                  return Of(static_cast<ARGB>(Nearest((part + rest) / 255)), mix(0, 255), mix(200, 100),
-                            mix(255, 1));
+                  return Of(static_cast<ARGB>(Nearest((part + rest) / 255)), mix(255, 1), mix(200, 100),
+                            mix(0, 255));
               }));
 }
 
