@@ -282,14 +282,14 @@ TEST_F(KXXmlDomElement, WritesAttributes)
 // Names go with their prefixes, whatever those are made to mean.
 TEST_F(KXXmlDomElement, FollowsLaterDeclarations)
 {
-    CKXXmlDomElement root =
-        Root("<a xmlns:p='u' xmlns:q='v' p:x='1' q:x='2'><p:b p:i='1'><p:c/><d xmlns:p='w'>"
-             "<p:e/></d></p:b></a>");
+    CKXXmlDomElement root = Root("<a xmlns:p='u' xmlns:q='v' p:x='1' q:x='2'><p:b><p:c/><d xmlns:p='w'>"
+                                 "<p:e/></d></p:b></a>");
     root.SetAttributeString("xmlns:q", "u");
     root.SetAttributeString("q:x", "3");
     EXPECT_EQ(root.GetAttributeString("p:x"), "1");
     EXPECT_EQ(root.GetAttributeString("q:x"), "3");
     CKXXmlDomElement b = root.GetChild("p:b");
+    b.SetAttributeString("p:i", "1");
     b.SetAttributeString("xmlns:p", "v");
     EXPECT_TRUE(b.GetChild("p:c").IsValid());
     EXPECT_TRUE(

@@ -43,8 +43,9 @@ HRESULT Declare(xmlNode* element, const std::string& prefix, const std::string& 
 HRESULT Add(xmlNode* element, const std::string& name, const std::string& value)
 {
     const std::size_t colon = name.find(':');
-    const std::string prefix = name.substr(0, colon == name.npos ? 0 : colon);
-    xmlNs* const ns = prefix.empty() ? nullptr : xmlSearchNs(element->doc, element, ToXml(prefix.c_str()));
+    xmlNs* const ns = colon == name.npos
+                          ? nullptr
+                          : xmlSearchNs(element->doc, element, ToXml(name.substr(0, colon).c_str()));
     // Without a value at first: one that there is no memory for would be left out without a word, and one
     // that is an identity be noted in a table, in which it would be left behind.
     xmlAttr* const attribute = xmlNewNsProp(element, ns, ToXml(name.c_str()) + (ns ? colon + 1 : 0), nullptr);

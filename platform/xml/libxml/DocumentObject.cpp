@@ -50,7 +50,7 @@ public:
             const std::string content = FileContentOf(*m_tree);
             if (content.size() > XML_MAX_FILE) return E_FAIL; // nor could this one
             const auto target = files::Resolve(ToCodePage(path.bstrVal).c_str());
-            if (!target || target->trailing || target->root) return E_FAIL;
+            if (!target || target->trailing) return E_FAIL;
             const DWORD dwError = files::ReplaceWholeFile(target->system, content, 0666);
             if (dwError == ERROR_NOT_ENOUGH_MEMORY) return E_OUTOFMEMORY;
             return dwError == ERROR_SUCCESS ? S_OK : E_FAIL;

@@ -14,7 +14,6 @@ class NodeList final : public Counted<IXMLDOMNodeList>
 public:
     NodeList(Tree& tree, const std::vector<xmlNode*>& nodes)
     {
-        m_nodes.reserve(nodes.size());
         for (xmlNode* const node : nodes)
             m_nodes.push_back(NodeObject::Of(tree, node));
     }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <libxml/SAX2.h>
+#include <libxml/catalog.h>
 #include <libxml/parserInternals.h>
 #include <libxml/valid.h>
 
@@ -58,7 +59,7 @@ public:
             xmlDictGetUsage(m_context->dict) > XML_MAX_DICTIONARY_LIMIT; // which it tells like that too
         if (complaints.NoMemory() && !bFull) throw std::bad_alloc();
         if (complaints.NoMemory() || m_bRefused || IsTooMuch()) return Refused();
-        if (!doc || !m_context->wellFormed || m_context->disableSAX) return Refused(&complaints);
+        if (!doc || m_context->disableSAX) return Refused(&complaints); // set by each fault
         if (doc->intSubset && !HasRoom(doc.get())) return Refused();
         ForgetIds(doc.get());
         if (doc->dict) xmlDictSetLimit(doc->dict, 0); // a full one gives null to what changes the tree
@@ -206,8 +207,7 @@ private:
     }
     void MakeContext()
     {
-        StartLibxml();
-        m_context.reset(xmlNewParserCtxt());
+        m_context.reset(xmlNewParserCtxt()); // libxml2 was started for the document's empty tree
         if (!m_context) throw std::bad_alloc();
         using Buffer = std::unique_ptr<xmlParserInputBuffer, FreeBy<xmlFreeParserInputBuffer>>;
         Buffer buffer(xmlParserInputBufferCreateIO(OnRead, nullptr, this, XML_CHAR_ENCODING_UTF8));
@@ -224,10 +224,7 @@ private:
         xmlCtxtUseOptions(m_context.get(), XML_PARSE_NOENT | XML_PARSE_COMPACT | XML_PARSE_NONET |
                                                XML_PARSE_NOERROR | XML_PARSE_NOWARNING |
                                                XML_PARSE_IGNORE_ENC);
-        m_unread.type = m_unreadParameter.type = XML_ENTITY_DECL;
-        m_unread.etype = XML_INTERNAL_PREDEFINED_ENTITY;
-        m_unreadParameter.etype = XML_INTERNAL_PARAMETER_ENTITY;
-        m_unreadParameter.name = m_unreadParameter.content = m_nothing;
+        m_unreadParameter.content = m_nothing;
         xmlSAXHandler& handler = *m_context->sax;
         handler.internalSubset = OnDocType;
         handler.externalSubset = OnDocTypeEnd;
@@ -245,7 +242,7 @@ private:
     std::size_t m_nSubset = 0; // read of it
     std::size_t m_nExpanded = 0;
     std::unique_ptr<xmlParserCtxt, FreeBy<xmlFreeParserCtxt>> m_context;
-    xmlEntity m_unread{}; // stand for entities that lie elsewhere
+    xmlEntity m_unread{}; // nameless and empty, stand for entities that lie elsewhere
     xmlEntity m_unreadParameter{};
     xmlChar m_nothing[1] = {};
     bool m_bRefused = false;

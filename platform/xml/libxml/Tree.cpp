@@ -1,11 +1,18 @@
 #include "platform/xml/libxml/Tree.h"
 
 #include <climits>
+#include <libxml/catalog.h>
 #include <libxml/valid.h>
 
 namespace kx::xml::libxml {
 
 namespace {
+
+// libxml2 makes its locks and tables at their first use, which no two threads may have at once.
+void StartLibxml()
+{
+    [[maybe_unused]] static const int nOnce = (xmlInitParser(), xmlInitializeCatalog(), xmlInitializeDict());
+}
 
 int CountOf(const xmlNs* declared) noexcept
 {

@@ -7,7 +7,6 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
-#include <libxml/catalog.h>
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 #include <libxml/xmlerror.h>
@@ -21,12 +20,6 @@
 #include <utility>
 
 namespace kx::xml::libxml {
-
-// libxml2 makes its locks and tables at their first use, which no two threads may have at once.
-inline void StartLibxml()
-{
-    [[maybe_unused]] static const int nOnce = (xmlInitParser(), xmlInitializeCatalog(), xmlInitializeDict());
-}
 
 inline const xmlChar* ToXml(const char* text) noexcept
 {

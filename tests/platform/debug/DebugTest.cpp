@@ -1,12 +1,9 @@
 #include "include/platform/Debug.h"
 #include "include/KXCommonClass.h"
-#include "include/platform/Com.h"
 #include "include/platform/Error.h"
 #include "include/platform/Module.h"
 #include "internal/Debug.h"
-#include "tests/platform/xml/Numbered.h"
 #include "tests/support/BmpBuilder.h"
-#include "tests/support/Com.h"
 #include "tests/support/GdiPlus.h"
 #include "tests/support/ScriptedManager.h"
 #include "tests/support/Test.h"
@@ -163,10 +160,6 @@ std::string Heard(const std::function<void()>& work)
     work();
     return heard.Text();
 }
-std::string HeardOfXml(const std::string& xml)
-{
-    return Heard([&] { CKXXmlDomDocument().LoadXml(xml.c_str()); });
-}
 std::string HeardOfPicture(const CString& strPath)
 {
     return Heard([&] { CKXGdiplusImage().Load(strPath); });
@@ -175,22 +168,6 @@ std::string HeardOfImage(const CString& strPath)
 {
     const std::string_view path = strPath;
     return Heard([&] { const Gdiplus::Image image(std::u16string(path.begin(), path.end()).c_str()); });
-}
-
-TEST(Diagnostics, SayWhyADocumentIsRefused)
-{
-    const std::string empty = "; the document stays empty\n";
-    EXPECT_EQ(Heard([] { CKXXmlDomDocument(); }),
-              "xml: CoInitialize was not called on this thread; there is no document\n");
-    const test::Com com;
-    EXPECT_EQ(HeardOfXml("<a>\n<b></c>\n</a></d>"), // not the last fault, which follows from the first
-              "xml: a text is refused at line 2: Opening and ending tag mismatch: b line 2 and c" + empty);
-    EXPECT_EQ(HeardOfXml("<a>" + std::string(300, '<') + "</a>"),
-              "xml: a text is refused at line 1: StartTag: invalid element name" + empty);
-    EXPECT_EQ(HeardOfXml(test::Numbered(300, "<a>")),
-              "xml: a text is refused: it goes beyond a limit" + empty);
-    EXPECT_EQ(Heard([] { CKXXmlDomDocument().Load("C:\\none.xml"); }),
-              "xml: C:\\none.xml can't be read" + empty);
 }
 
 // A line that is told once is asked for twice.

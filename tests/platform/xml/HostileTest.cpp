@@ -55,6 +55,8 @@ TEST_F(HostileXml, NothingOutsideIsFetched)
         {"<!DOCTYPE a [<!ENTITY e SYSTEM 'secret.txt'>]>", true, false},
         {"<!DOCTYPE a [<!ENTITY e SYSTEM '" + file + "'>]>", true, false},
         {"<!DOCTYPE a [<!ENTITY % p SYSTEM 'x.dtd'> %p;]>", true, true},
+        {"<!DOCTYPE a [<!ENTITY % p SYSTEM 'x.dtd'><!ENTITY % q '<!ENTITY f \"&#37;p;\">'> %q;]>", true,
+         true},
         {"<!DOCTYPE a [<!ENTITY e PUBLIC 'x' 'http://127.0.0.1:1/'>]>", true, false},
         {"<!DOCTYPE a SYSTEM 'x.dtd' [<!NOTATION n SYSTEM 'n'><!ENTITY e SYSTEM 'x' NDATA n>]>", false,
          false},
@@ -105,6 +107,11 @@ TEST_F(HostileXml, EntitiesDontMultiply)
         parameters += "<!ENTITY % e" + std::to_string(n) + " '" +
                       Numbered(100, "&#37;e" + std::to_string(n - 1) + ";") + "'>";
     EXPECT_FALSE(Loads(parameters + "%e9;]><a/>"));
+    std::string nested = "<!DOCTYPE a [<!ENTITY % e0 ''>";
+    for (int n = 1; n < 33; ++n)
+        nested += "<!ENTITY % e" + std::to_string(n) + " '&#37;e" + std::to_string(n - 1) + ";'>";
+    EXPECT_TRUE(Loads(nested + "%e31;]><a/>")); // 32 within each other
+    EXPECT_FALSE(Loads(nested + "%e32;]><a/>"));
     // One name for two kinds of entities.
     EXPECT_FALSE(Loads("<!DOCTYPE a [<!ENTITY % e 'x'><!ENTITY e '" + std::string(4000, 'x') + "'>]><a>" +
                        Numbered(100'000, "&e;") + "</a>"));
@@ -185,6 +192,31 @@ TEST_F(HostileXml, BrokenBytesAreRefused)
     EXPECT_FALSE(Loads(std::string("\xFF\xFE<\0a\0/\0>", 9)));
     EXPECT_FALSE(Loads(std::string("\xFF\xFE<\0a\0>\0\x00\xD8<\0/\0a\0>\0", 18)));
     EXPECT_FALSE(Loads(Numbered(1'000'000, "\xFF\xFE")));
+}
+
+TEST(HostileXmlTold, SaysWhyADocumentIsRefused)
+{
+    const auto heard = [](auto load, const std::string& from) {
+        const test::DebugText told(true);
+        (CKXXmlDomDocument().*load)(from.c_str());
+        return told.Text();
+    };
+    const auto text = &CKXXmlDomDocument::LoadXml;
+    const auto file = &CKXXmlDomDocument::Load;
+    const std::string empty = "; the document stays empty\n";
+    EXPECT_EQ(heard(text, "<a/>"), "xml: CoInitialize was not called on this thread; there is no document\n");
+    const test::Com com;
+    EXPECT_EQ(heard(text, "<a>\n<b></c>\n</a></d>"), // not the last fault, which follows from the first
+              "xml: a text is refused at line 2: Opening and ending tag mismatch: b line 2 and c" + empty);
+    EXPECT_EQ(heard(text, "<a>" + std::string(300, '<') + "</a>"),
+              "xml: a text is refused at line 1: StartTag: invalid element name" + empty);
+    EXPECT_EQ(heard(text, Numbered(300, "<a>")), "xml: a text is refused: it goes beyond a limit" + empty);
+    EXPECT_EQ(heard(file, "C:\\none.xml"), "xml: C:\\none.xml can't be read" + empty);
+    const test::TempDir dir;
+    dir.Write("x.xml", "<?xml version='1.0' encoding='none'?><a/>");
+    const std::string name(dir.Win("x.xml"));
+    EXPECT_EQ(heard(file, name),
+              "xml: " + name + " is refused: it isn't in the encoding that it declares" + empty);
 }
 
 // The parser takes so many bytes of names and no more. What was loaded with all that fit can be changed.
