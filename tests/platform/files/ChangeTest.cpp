@@ -70,6 +70,7 @@ TEST_F(Copy, FollowsLinksToFilesAndCopiesLinksToDirectories)
     EXPECT_TRUE(CopyFileA("X:\\in", "X:\\dangling", 0));
     EXPECT_TRUE(fs::is_symlink(drive.Path("dangling")));
     EXPECT_EQ(drive.Read("gone"), "content");
+    fs::current_path("/proc"); // a new link is made beside the old one, not here
     for (const char* target : {"X:\\copy", "X:\\file"})
         EXPECT_TRUE(CopyFileA("X:\\linkdir", target, 0));
     EXPECT_EQ(fs::read_symlink(drive.Path("copy")), "dir");

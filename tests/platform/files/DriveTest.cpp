@@ -3,6 +3,8 @@
 #include "tests/platform/files/Mounted.h"
 #include "tests/platform/profile/IniFixture.h"
 
+#include <sys/statfs.h>
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -136,6 +138,10 @@ TEST(Drives, WholeMountsComeBeforePartsAndTheRootIsNoDrive)
                    system.Line("8:17", "no/device", "tmpfs")});
     EXPECT_EQ(Kinds(), "32"); // the disk that `/` is on has the number of `sdb`
     EXPECT_EQ(KXHost::ToSystemPath("D:\\"), system.Path("whole"));
+    struct statfs info = {};
+    ASSERT_EQ(statfs(system.Path().c_str(), &info), 0);
+    EXPECT_EQ(Volume("D:\\").serial, static_cast<DWORD>(info.f_fsid.__val[0] ^ info.f_fsid.__val[1]))
+        << "by its file system, for want of a UUID";
 }
 
 TEST(Drives, HostsDrivesStandBeforeTheSystems)

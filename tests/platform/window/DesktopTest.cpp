@@ -97,6 +97,7 @@ TEST(Desktop, ForeignWindowsRecordWhatTheyReceive)
     EXPECT_EQ(dwProcessId, 77u);
     EXPECT_TRUE(IsWindow(hidden));
     EXPECT_FALSE(IsWindowVisible(hidden));
+    EXPECT_TRUE(IsWindowVisible(GetDesktopWindow()));
     EXPECT_TRUE(IsWindowVisible(foreign));
 
     EXPECT_EQ(SendMessageA(foreign, test::kPing, 2, -3), 0);

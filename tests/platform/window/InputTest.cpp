@@ -69,12 +69,15 @@ TEST(Input, ADisabledWindowHearsNothingOfIt)
     EXPECT_FALSE(IsWindowEnabled(window.handle));
     EXPECT_FALSE(GetFocus());
     EXPECT_FALSE(SetFocus(window.handle));
+    const Listener other;
+    SetFocus(other.handle);
     window.Click(3, 4);
     KXHost::PostInput(window.handle, WM_KEYDOWN, 'A', 1);
     KXHost::PostInput(window.handle, WM_CHAR, 'a', 1);
     KXHost::PostInput(window.handle, WM_CLOSE, 0, 0);
     MSG msg;
-    EXPECT_FALSE(PeekMessageA(&msg, nullptr, 0, 0, PM_NOREMOVE));
+    EXPECT_FALSE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+    EXPECT_EQ(GetFocus(), other.handle);
     PostMessage(window.handle, WM_CLOSE, 0, 0); // a program's own word is heard
     EXPECT_EQ(window.Take(), "16;");
     window.Click(3, 4); // before it is enabled, but taken after
@@ -135,6 +138,8 @@ TEST(Input, ACapturedMouseGoesToOneWindow)
     EXPECT_FALSE(KXHost::PostInput(first.handle, WM_MOUSEMOVE, 0, 0));
     EXPECT_EQ(GetCapture(), nullptr);
     SetCapture(second.handle);
+    Listener();
+    EXPECT_EQ(GetCapture(), second.handle) << "another window's end";
     EXPECT_EQ(ReleaseCapture(), 1);
     EXPECT_EQ(second.Take(), "533 0;");
     EXPECT_FALSE(SetCapture(nullptr));
