@@ -74,7 +74,7 @@ TEST(Input, ADisabledWindowHearsNothingOfIt)
     window.Click(3, 4);
     KXHost::PostInput(window.handle, WM_KEYDOWN, 'A', 1);
     KXHost::PostInput(window.handle, WM_CHAR, 'a', 1);
-    KXHost::PostInput(window.handle, WM_CLOSE, 0, 0);
+    EXPECT_EQ(KXHost::PostInput(window.handle, WM_CLOSE, 0, 0), 1);
     MSG msg;
     EXPECT_FALSE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
     EXPECT_EQ(GetFocus(), other.handle);

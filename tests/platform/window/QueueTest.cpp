@@ -114,7 +114,9 @@ TEST(Queue, BelongsToAThread)
     EXPECT_FALSE(DispatchMessageA(&msg));
     EXPECT_FALSE(PeekMessageA(&msg, thread.Window(), 0, 0, PM_REMOVE));
     EXPECT_EQ(GetMessageA(&msg, thread.Window(), 0, 0), -1);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_WINDOW_HANDLE);
     EXPECT_EQ(GetMessageA(nullptr, nullptr, 0, 0), -1);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
     EXPECT_FALSE(PeekMessageA(nullptr, nullptr, 0, 0, PM_REMOVE));
 }
 
