@@ -29,7 +29,7 @@ bool IsKnown(VARTYPE vt) noexcept
 HRESULT ToReal(std::string_view text, double& value) noexcept
 {
     text = kx::text::Trim(text);
-    if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
+    if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (end != text.data() + text.size() || error == std::errc::invalid_argument) return DISP_E_TYPEMISMATCH;
     if (error != std::errc()) return DISP_E_OVERFLOW;
@@ -99,7 +99,7 @@ BSTR SysAllocStringLen(const WCHAR* pText, UINT nUnits)
     auto* const block = static_cast<char*>(memory);
     std::memcpy(block, &nBytes, sizeof nBytes);
     auto* const bstr = reinterpret_cast<BSTR>(block + sizeof nBytes);
-    if (pText && nUnits > 0) std::memcpy(bstr, pText, nBytes);
+    if (pText) std::memcpy(bstr, pText, nBytes);
     bstr[nUnits] = u'\0';
     return bstr;
 }

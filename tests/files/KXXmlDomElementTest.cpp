@@ -130,13 +130,14 @@ TEST_F(KXXmlDomElement, AppendMovesAndRefusesLoops)
     CKXXmlDomElement moved;
     {
         CKXXmlDomDocument other;
-        ASSERT_TRUE(
-            other.LoadXml("<o xmlns:p='urn:p'><p:m p:a='1' xml:id='i'>text<![CDATA[d]]></p:m>rest</o>"));
+        ASSERT_TRUE(other.LoadXml("<o xmlns:p='urn:p'><p:m p:a='1' xml:id='i'>text<![CDATA[d]]>"
+                                  "                    </p:m>rest</o>")); // blanks as indentation has them
         moved = other.GetDocumentElement().GetChild("p:m");
         c.AppendChild(moved);
         EXPECT_EQ(other.GetXml(), "<o xmlns:p=\"urn:p\">rest</o>");
     }
-    EXPECT_STREQ(c.GetXml(), "<c><p:m xmlns:p=\"urn:p\" p:a=\"1\" xml:id=\"i\">text<![CDATA[d]]></p:m></c>");
+    EXPECT_STREQ(c.GetXml(), "<c><p:m xmlns:p=\"urn:p\" p:a=\"1\" xml:id=\"i\">text<![CDATA[d]]>"
+                             "                    </p:m></c>");
     EXPECT_EQ(root.GetChild("d/c/p:m").GetElementPtr(), moved.GetElementPtr());
 }
 

@@ -201,7 +201,7 @@ private:
     bool IsTooMuch() const noexcept
     {
         const xmlParserCtxt& context = *m_context;
-        return context.maxatts > 2 * kPerAttribute * (XML_MAX_ATTRIBUTES + 1) ||
+        return context.maxatts > 2 * kPerAttribute * XML_MAX_ATTRIBUTES ||
                context.nsMax > 2 * kPerNamespace * XML_MAX_NAMESPACES || m_nSubset > XML_MAX_DECLARATIONS ||
                xmlDictSize(context.dict) > XML_MAX_NAMES;
     }

@@ -112,7 +112,6 @@ Ref<Tree> Tree::Make(DocPtr doc, std::string subset)
 void ForgetIds(xmlDoc* doc) noexcept
 {
     xmlFreeIDTable(static_cast<xmlIDTable*>(std::exchange(doc->ids, nullptr)));
-    xmlFreeRefTable(static_cast<xmlRefTable*>(std::exchange(doc->refs, nullptr)));
 }
 
 bool FitsAt(const xmlNode* place, const xmlNode* branch, const xmlNs* more) noexcept

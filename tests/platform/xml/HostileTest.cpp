@@ -92,8 +92,10 @@ TEST_F(HostileXml, EntitiesDontMultiply)
             "<!ENTITY e" + std::to_string(n) + " '" + Numbered(10, "&e" + std::to_string(n - 1) + ";") + "'>";
     EXPECT_FALSE(Loads(laughs + "]><a>&e9;</a>"));
     EXPECT_FALSE(Loads(laughs + "]><a b='&e9;'/>"));
+    const std::string one = "<!DOCTYPE a [<!ENTITY e '<b>x</b>'>]><a>&e;"; // of 40, and each further one of
+    EXPECT_TRUE(Loads(one + Numbered(95'237, "&e;") + "</a>"));            // 105, with its two nodes
+    EXPECT_FALSE(Loads(one + Numbered(95'238, "&e;") + "</a>"));
     const std::string big = "<!DOCTYPE a [<!ENTITY e '" + Numbered(1000, "<b/>") + "'>]><a>";
-    EXPECT_TRUE(Loads(big + Numbered(10, "&e;") + "</a>"));
     EXPECT_FALSE(Loads(big + Numbered(100'000, "&e;") + "</a>"));
     // Each is appended to the whole text before it.
     const std::string text = "<!DOCTYPE a [<!ENTITY e 'x'>]><a>" + std::string(9'000'000, 'x');
@@ -112,6 +114,11 @@ TEST_F(HostileXml, EntitiesDontMultiply)
         nested += "<!ENTITY % e" + std::to_string(n) + " '&#37;e" + std::to_string(n - 1) + ";'>";
     EXPECT_TRUE(Loads(nested + "%e31;]><a/>")); // 32 within each other
     EXPECT_FALSE(Loads(nested + "%e32;]><a/>"));
+    const auto references = [](int nCount) {
+        return "<!DOCTYPE a [<!ENTITY % p ''>" + Numbered(nCount, "%p;") + "]><a/>";
+    };
+    EXPECT_TRUE(Loads(references(9'999))); // of 1,000 each, as the declaration is
+    EXPECT_FALSE(Loads(references(10'000)));
     // One name for two kinds of entities.
     EXPECT_FALSE(Loads("<!DOCTYPE a [<!ENTITY % e 'x'><!ENTITY e '" + std::string(4000, 'x') + "'>]><a>" +
                        Numbered(100'000, "&e;") + "</a>"));

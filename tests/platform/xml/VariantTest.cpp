@@ -25,6 +25,7 @@ TEST(Bstr, CarriesItsLength)
         SysFreeString(each);
     EXPECT_EQ(SysAllocString(nullptr), nullptr);
     EXPECT_EQ(SysAllocStringLen(nullptr, MAX_BSTR_UNITS + 1), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_EQ(SysStringLen(nullptr), 0u);
 }
 
