@@ -183,6 +183,9 @@ TEST_F(KXXmlDomDocument, SavesInItsEncoding)
         EXPECT_TRUE(doc.Load(m_dir.Win("out.xml")));
         EXPECT_STREQ(doc.GetDocumentElement().GetXml(), w.c_str());
     }
+    m_dir.Write("plain", "");
+    EXPECT_EQ(std::filesystem::status(m_dir.Path("out.xml")).permissions(),
+              std::filesystem::status(m_dir.Path("plain")).permissions());
 }
 
 // A character that an encoding lacks becomes a reference in texts and attributes; where none can stand, the

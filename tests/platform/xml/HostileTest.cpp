@@ -140,6 +140,10 @@ TEST_F(HostileXml, DeclarationsAreBounded)
     // Each name is looked for among those before it.
     const auto names = [](int nCount) { return "<a>" + Numbered(nCount, "<n$/>") + "</a>"; };
     EXPECT_TRUE(Loads(names(XML_MAX_NAMES - 100)));
+    for (int n = 0; n < 100; ++n)
+        m_doc.CreateElement(("m" + std::to_string(n)).c_str(), nullptr);
+    Root().SetAttributeString("one-more", "x");
+    EXPECT_EQ(Root().GetAttributeString("one-more"), "");
     EXPECT_FALSE(Loads(names(XML_MAX_NAMES + 1)));
     EXPECT_FALSE(Loads(names(1'000'000)));
     EXPECT_FALSE(Loads("<a>" + Numbered(200'000, "<p$:b/>") + "</a>"));
