@@ -170,6 +170,7 @@ TEST(Paint, AShapedWindowIsSeenWithinItsRegion)
         EXPECT_EQ(SeenRow(0, 3, 3), "?GG");
     }
     EXPECT_FALSE(SetWindowRgn(painted.window, region, 0));
+    EXPECT_FALSE(SetWindowRgn(nullptr, nullptr, 0));
     EXPECT_TRUE(SetWindowRgn(painted.window, nullptr, 1));
     EXPECT_EQ(SeenRow(0, 2, 6), "?YYYYY");
     Pump();
@@ -185,10 +186,11 @@ TEST(Paint, TellsOfAChangedPlace)
     };
     const HWND hWnd = Make(&handler);
     EXPECT_EQ(Move(hWnd, 1, 2, 30, 40), 1);
+    Move(hWnd, -1, 2, 30, 40);
     Move(hWnd, -1, 3, 30, 40);
     Move(hWnd, -1, 3, 31, 41);
     using P = std::pair<UINT, LPARAM>;
-    EXPECT_THAT(told, testing::ElementsAre(P(WM_MOVE, 0x3FFFF), P(WM_SIZE, 0x29001F)));
+    EXPECT_THAT(told, testing::ElementsAre(P(WM_MOVE, 0x2FFFF), P(WM_MOVE, 0x3FFFF), P(WM_SIZE, 0x29001F)));
     InThread([&] { EXPECT_FALSE(Move(hWnd, 0, 0, 1, 1)); });
     RECT rect;
     EXPECT_EQ(GetWindowRect(hWnd, &rect), 1);
@@ -243,7 +245,7 @@ TEST(Paint, AnAnimationEndsWithItsWindow)
     const VirtualClock clock(0, KXHost::VirtualSleep::Advances);
     HWND hWnd = nullptr;
     const Handler handler = On(WM_PAINT, [&](HWND h, WPARAM) {
-        DefWindowProcA(h, WM_PAINT, 0, 0);
+        EXPECT_EQ(DefWindowProcA(h, WM_PAINT, 0, 0), 0);
         EXPECT_EQ(SeenRow(1, 2, 1), "?"); // nothing of it at first
         return LRESULT{DestroyWindow(h)};
     });
