@@ -114,6 +114,20 @@ TEST(Drives, RemovableMediaAndOpticalDrivesGetLettersThatStay)
     EXPECT_EQ(KXHost::ToSystemPath("F:\\"), system.Path("media/new"));
 }
 
+TEST(Drives, GetLettersUpToZ)
+{
+    const System system;
+    std::vector<std::string> mounts;
+    for (char n = 'a'; n < 'a' + 24; ++n) {
+        const std::string number = "8:" + std::to_string(n);
+        system.Disk(std::string("sd") + n, number.c_str(), true);
+        mounts.push_back(system.Line(number.c_str(), std::string(1, n), "/dev/sd"));
+    }
+    system.Mounts(mounts);
+    EXPECT_EQ(Kinds(), "3" + std::string(23, '2'));
+    EXPECT_EQ(KXHost::ToSystemPath("Z:\\"), system.Path("w")); // the last has none
+}
+
 TEST(Drives, AnotherMediumsFilesAreReadAnew)
 {
     const System system;
