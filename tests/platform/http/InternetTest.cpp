@@ -160,6 +160,7 @@ TEST(Internet, TellsWhy)
         EXPECT_TRUE(exception->GetErrorMessage(text.data(), text.size(), &help));
         EXPECT_THAT(text.data(), HasSubstr("127.0.0.1"));
         EXPECT_EQ(help, 0u);
+        EXPECT_FALSE(exception->GetErrorMessage(text.data(), 0, nullptr));
         exception->Delete();
     }
 }
