@@ -145,6 +145,12 @@ TEST(ProfileFiles, OwnerGroupAndWholeModeStay)
     EXPECT_TRUE(ini.Set("S", "k", "by its owner"));
     ASSERT_EQ(seteuid(0), 0);
     EXPECT_EQ(ModeOf(ini.Path()), 0644u);
+
+    ASSERT_EQ(chown(ini.Path().c_str(), 0, kGroup), 0);
+    EXPECT_TRUE(ini.Set("S", "k", "in another group"));
+    ASSERT_EQ(stat(ini.Path().c_str(), &now), 0);
+    EXPECT_EQ(now.st_uid, 0u);
+    EXPECT_EQ(now.st_gid, kGroup);
 }
 
 TEST(ProfileFiles, FullDiskLeavesTheOldFile)
