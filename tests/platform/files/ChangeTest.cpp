@@ -192,12 +192,12 @@ TEST_F(Delete, TakesFilesAndLinksButNothingReadOnly)
     fs::create_symlink("gone", drive.Path("dangling"));
     fs::create_directory_symlink("dir", drive.Path("todir"));
     const std::pair<const char*, DWORD> facts[] = {
-        {"X:\\file\\", ERROR_DIRECTORY},     {"X:\\file", ERROR_SUCCESS},
-        {"X:\\file", ERROR_FILE_NOT_FOUND},  {"X:\\none\\x", ERROR_PATH_NOT_FOUND},
-        {"X:\\locked", ERROR_ACCESS_DENIED}, {"X:\\tofile", ERROR_SUCCESS},
-        {"X:\\dangling", ERROR_SUCCESS},     {"X:\\pipe", ERROR_SUCCESS},
-        {"X:\\dir", ERROR_ACCESS_DENIED},    {"X:\\todir", ERROR_ACCESS_DENIED},
-        {"X:\\", ERROR_ACCESS_DENIED}};
+        {"X:\\file\\", ERROR_DIRECTORY},    {"X:\\file", ERROR_SUCCESS},
+        {"X:\\file", ERROR_FILE_NOT_FOUND}, {"X:\\none\\x", ERROR_PATH_NOT_FOUND},
+        {"C:\\none", ERROR_FILE_NOT_FOUND}, {"X:\\locked", ERROR_ACCESS_DENIED},
+        {"X:\\tofile", ERROR_SUCCESS},      {"X:\\dangling", ERROR_SUCCESS},
+        {"X:\\pipe", ERROR_SUCCESS},        {"X:\\dir", ERROR_ACCESS_DENIED},
+        {"X:\\todir", ERROR_ACCESS_DENIED}, {"X:\\", ERROR_ACCESS_DENIED}};
     for (const auto& [path, error] : facts)
         EXPECT_EQ(Outcome(DeleteFileA(path)), error) << path;
     EXPECT_EQ(Entries(drive.Path()), 3u);

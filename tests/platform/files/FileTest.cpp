@@ -124,10 +124,11 @@ TEST_F(File, TakesAnyDescriptorThatIsFree)
     drive.Write("file", "");
     const kx::UniqueFd input(dup(STDIN_FILENO));
     close(STDIN_FILENO);
-    CFile file;
-    EXPECT_TRUE(file.Open("X:\\file", CFile::modeRead)); // as the first
-    EXPECT_EQ(file.GetLength(), 0u);
-    file.Close();
+    {
+        CFile file;
+        EXPECT_TRUE(file.Open("X:\\file", CFile::modeRead)); // as the first
+        EXPECT_EQ(file.GetLength(), 0u);
+    }
     EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1);
     dup2(input.Get(), STDIN_FILENO);
 }
