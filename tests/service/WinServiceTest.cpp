@@ -6,6 +6,7 @@
 namespace {
 
 using test::State;
+using testing::ElementsAre;
 
 constexpr DWORD kStopped = SERVICE_STOPPED, kStopping = SERVICE_STOP_PENDING, kRunning = SERVICE_RUNNING;
 
@@ -33,12 +34,38 @@ struct OpenService : CKXWinService
 
 using Operation = std::function<int(OpenService&)>;
 
+// Whether it was told, whether the service exists, and its state.
+using Status = std::array<unsigned long, 3>;
+
+Status StatusOf(CKXWinService& service)
+{
+    int bExists = 7;
+    unsigned long dwState = 7;
+    const auto bTold = static_cast<unsigned long>(service.GetStatus(bExists, dwState));
+    return {bTold, static_cast<unsigned long>(bExists), dwState};
+}
+
 int GetStatus(OpenService& service)
 {
-    int bExists = 0;
-    unsigned long dwState = 0;
-    return service.GetStatus(bExists, dwState);
+    return static_cast<int>(StatusOf(service)[0]);
 }
+
+// An operation, its calls and its text, and the call that fails with its text.
+const std::tuple<Operation, const char*, const char*, const char*, const char*> kOperations[] = {
+    {[](auto& service) { return service.Create("C:\\nv.exe", 3, "Norvale"); }, "create Nv f01ff;",
+     "Service installed successfully\n", "create", "CreateService failed (5)\n"},
+    {[](auto& service) { return service.Delete(); }, "open Nv 10000; delete Nv;",
+     "Service deleted successfully\n", "delete", "DeleteService failed (5)\n"},
+    {[](auto& service) { return service.ChangeDesc("says"); }, "open Nv 2; describe Nv says;",
+     "Service description updated successfully.\n", "describe", "ChangeServiceConfig2 failed\n"},
+    {[](auto& service) { return service.ChangeStartType(4); }, "open Nv 2; type Nv 4;",
+     "Service enabled successfully.\n", "type", "ChangeServiceConfig failed (5)\n"},
+    {[](auto& service) { return service.DoStart(); }, "open Nv f01ff; query Nv; start Nv; query Nv;",
+     "Service start pending...\nService started successfully.\n", "start", "StartService failed (5)\n"},
+    {[](auto& service) { return service.DoStop(); }, "open Nv 2c; query Nv; list Nv; stop Nv;",
+     "Service stopped successfully\n", "stop", "ControlService failed (5)\n"},
+    {GetStatus, "open Nv 4; query Nv;", "", "query", "QueryServiceStatusEx failed (5)\n"},
+};
 
 // One service, "Nv", on a manager that is scripted and a clock that sleepers move.
 struct WinService : testing::Test
@@ -87,22 +114,7 @@ struct WinService : testing::Test
 
 TEST_F(WinService, EachOperationAsksForTheRightsItNeedsAndTellsHowItWent)
 {
-    const std::tuple<Operation, const char*, const char*, const char*, const char*> cases[] = {
-        {[](auto& service) { return service.Create("C:\\nv.exe", 3, "Norvale"); }, "create Nv f01ff;",
-         "Service installed successfully\n", "create", "CreateService failed (5)\n"},
-        {[](auto& service) { return service.Delete(); }, "open Nv 10000; delete Nv;",
-         "Service deleted successfully\n", "delete", "DeleteService failed (5)\n"},
-        {[](auto& service) { return service.ChangeDesc("says"); }, "open Nv 2; describe Nv says;",
-         "Service description updated successfully.\n", "describe", "ChangeServiceConfig2 failed\n"},
-        {[](auto& service) { return service.ChangeStartType(4); }, "open Nv 2; type Nv 4;",
-         "Service enabled successfully.\n", "type", "ChangeServiceConfig failed (5)\n"},
-        {[](auto& service) { return service.DoStart(); }, "open Nv f01ff; query Nv; start Nv; query Nv;",
-         "Service start pending...\nService started successfully.\n", "start", "StartService failed (5)\n"},
-        {[](auto& service) { return service.DoStop(); }, "open Nv 2c; query Nv; list Nv; stop Nv;",
-         "Service stopped successfully\n", "stop", "ControlService failed (5)\n"},
-        {GetStatus, "open Nv 4; query Nv;", "", "query", "QueryServiceStatusEx failed (5)\n"},
-    };
-    for (const auto& [run, calls, text, failing, failure] : cases) {
+    for (const auto& [run, calls, text, failing, failure] : kOperations) {
         const bool bStop = std::string_view(failing) == "stop";
         const auto script = [&] { Script(bStop ? "4 1" : "1 4"); };
         script();
@@ -120,11 +132,10 @@ TEST_F(WinService, EachOperationAsksForTheRightsItNeedsAndTellsHowItWent)
         EXPECT_EQ(m_text, "OpenService failed (1060)\n");
         m_manager->errors.clear();
     }
-    EXPECT_EQ(m_manager->created.strDisplayName, "Norvale");
-    EXPECT_EQ(m_manager->created.strBinaryPath, "C:\\nv.exe");
-    EXPECT_EQ(m_manager->created.dwStartType, SERVICE_DEMAND_START);
-    EXPECT_EQ(m_manager->created.dwServiceType, SERVICE_WIN32_OWN_PROCESS);
-    EXPECT_EQ(m_manager->created.dwErrorControl, SERVICE_ERROR_NORMAL);
+    const KXHost::ServiceSettings& created = m_manager->created;
+    EXPECT_EQ(created.strDisplayName + "=" + created.strBinaryPath, "Norvale=C:\\nv.exe");
+    EXPECT_THAT((std::array{created.dwServiceType, created.dwStartType, created.dwErrorControl}),
+                ElementsAre(SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL));
 }
 
 TEST_F(WinService, WithoutAManagerEachOperationTriesAgain)
@@ -133,17 +144,8 @@ TEST_F(WinService, WithoutAManagerEachOperationTriesAgain)
     m_manager->errors = {{"manager", RPC_S_SERVER_UNAVAILABLE}};
     const test::DebugText text;
     OpenService service("Nv");
-    int bExists = 7;
-    unsigned long dwState = 7;
-    EXPECT_EQ(service.GetStatus(bExists, dwState), 0);
-    EXPECT_EQ(bExists, 0);
-    EXPECT_EQ(dwState, SERVICE_STOPPED);
-    EXPECT_EQ(service.Create("C:\\a", 2, "b"), 0);
-    EXPECT_EQ(service.Delete(), 0);
-    EXPECT_EQ(service.ChangeDesc("c"), 0);
-    EXPECT_EQ(service.ChangeStartType(2), 0);
-    EXPECT_EQ(service.DoStart(), 0);
-    EXPECT_EQ(service.DoStop(), 0);
+    for (const auto& operation : kOperations)
+        EXPECT_EQ(std::get<0>(operation)(service), 0);
     EXPECT_EQ(service.OpenSCM(), 0);
     std::string expected;
     for (int n = 0; n < 9; ++n)
@@ -153,28 +155,18 @@ TEST_F(WinService, WithoutAManagerEachOperationTriesAgain)
     m_manager->errors.clear();
     for (int n = 0; n < 2; ++n) // once
         EXPECT_EQ(service.OpenSCM(), 1);
-    EXPECT_EQ(service.GetStatus(bExists, dwState), 1);
-    EXPECT_EQ(service.GetStatus(bExists, dwState), 1);
+    for (int n = 0; n < 2; ++n)
+        EXPECT_EQ(StatusOf(service), (Status{1, 1, kRunning}));
     EXPECT_EQ(m_manager->Calls(), "manager f003f; open Nv 4; query Nv; open Nv 4; query Nv;");
-    EXPECT_EQ(bExists, 1);
-    EXPECT_EQ(dwState, SERVICE_RUNNING);
     EXPECT_EQ(text.Text(), expected);
 }
 
 TEST_F(WinService, AStatusIsOfAnExistingServiceEvenWhereItCantBeQueried)
 {
-    int bExists = 7;
-    unsigned long dwState = 7;
-    const auto status = [&](OpenService& service) { return service.GetStatus(bExists, dwState); };
-    EXPECT_EQ(Run(status), 0);
-    EXPECT_EQ(m_text, "OpenService failed (1060)\n");
-    EXPECT_EQ(bExists, 0);
-    EXPECT_EQ(dwState, kStopped);
+    CKXWinService service("Nv");
+    EXPECT_EQ(StatusOf(service), (Status{0, 0, kStopped}));
     Script("4!");
-    EXPECT_EQ(Run(status), 0);
-    EXPECT_EQ(m_text, "QueryServiceStatusEx failed (6)\n");
-    EXPECT_EQ(bExists, 1);
-    EXPECT_EQ(dwState, kStopped);
+    EXPECT_EQ(StatusOf(service), (Status{0, 1, kStopped}));
 }
 
 TEST_F(WinService, AStartGoesByStatesCheckPointsAndHints)

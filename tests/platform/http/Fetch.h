@@ -15,20 +15,36 @@ struct Fetched
     bool opened = false;
 };
 
-// Takes what a call throws, which tells why, and gives its error; 0 for nothing.
+struct Failure
+{
+    DWORD error = 0; // 0: none
+    std::uintptr_t context = 0;
+    std::string why;
+};
+
+// Takes what a call throws, which tells why.
 template <class Call>
-DWORD ErrorOf(Call call)
+Failure FailureOf(Call call)
 {
     try {
         call();
-        return 0;
+        return {};
     } catch (CInternetException* exception) {
-        const DWORD error = exception->m_dwError;
-        std::array<char, 200> why;
-        EXPECT_TRUE(exception->GetErrorMessage(why.data(), why.size(), nullptr)) << error;
+        std::array<char, 200> why{};
+        UINT help = 9;
+        EXPECT_TRUE(exception->GetErrorMessage(why.data(), why.size(), &help)) << exception->m_dwError;
+        EXPECT_EQ(help, 0u);
+        EXPECT_FALSE(exception->GetErrorMessage(why.data(), 0, nullptr));
+        const Failure failure{exception->m_dwError, exception->m_dwContext, why.data()};
         exception->Delete();
-        return error;
+        return failure;
     }
+}
+
+template <class Call>
+DWORD ErrorOf(Call call)
+{
+    return FailureOf(call).error;
 }
 
 inline std::unique_ptr<CHttpFile> Open(CInternetSession& session, const std::string& url)

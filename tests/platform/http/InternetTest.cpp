@@ -71,7 +71,7 @@ std::string Redirect(const std::string& to)
 TEST(Internet, FollowsRedirectsToHttpAlone)
 {
     RawServer other(RawServer::Answering(kOk + "Content-Length: 3\r\n\r\nend"));
-    std::string location = "/next";
+    std::string location;
     std::atomic<int> nAsked = 0;
     RawServer server([&](Peer& peer) {
         for (std::string request; !(request = peer.Request()).empty();) {
@@ -143,26 +143,12 @@ TEST(Internet, RefusesUrlsThatItCannotSend)
 
 TEST(Internet, TellsWhy)
 {
-    std::string gone;
-    {
-        RawServer server(Echo);
-        gone = server.Url();
-    }
+    const std::string gone = RawServer(Echo).Url();
     CInternetSession session;
-    try {
-        session.OpenURL(gone.c_str(), 7);
-        ADD_FAILURE() << "opened";
-    } catch (CInternetException* exception) {
-        std::array<char, 200> text;
-        UINT help = 9;
-        EXPECT_EQ(exception->m_dwError, ERROR_INTERNET_CANNOT_CONNECT);
-        EXPECT_EQ(exception->m_dwContext, 7u);
-        EXPECT_TRUE(exception->GetErrorMessage(text.data(), text.size(), &help));
-        EXPECT_THAT(text.data(), HasSubstr("127.0.0.1"));
-        EXPECT_EQ(help, 0u);
-        EXPECT_FALSE(exception->GetErrorMessage(text.data(), 0, nullptr));
-        exception->Delete();
-    }
+    const auto failure = test::FailureOf([&] { session.OpenURL(gone.c_str(), 7); });
+    EXPECT_EQ(failure.error, ERROR_INTERNET_CANNOT_CONNECT);
+    EXPECT_EQ(failure.context, 7u);
+    EXPECT_THAT(failure.why, HasSubstr("127.0.0.1"));
 }
 
 TEST(Internet, KeepsOneConnection)
@@ -196,10 +182,8 @@ TEST(Internet, KeepsNamesAndPasswordsToTheirHost)
                           : kOk + "Content-Length: " + std::to_string(request.size()) + "\r\n\r\n" + request);
     });
     CInternetSession session;
-    const std::string host = server.Host();
-    EXPECT_THAT(Fetch(session, "http://me:pw@" + host + "/").body, Not(HasSubstr("Authorization")));
-    EXPECT_THAT(Fetch(session, "http://" + host + "/").body, Not(HasSubstr("Authorization")));
-    EXPECT_THAT(Fetch(session, other.Url()).body, Not(HasSubstr("Authorization")));
+    for (const std::string& url : {"http://me:pw@" + server.Host() + "/", server.Url(), other.Url()})
+        EXPECT_THAT(Fetch(session, url).body, Not(HasSubstr("Authorization"))) << url;
 }
 
 TEST(Internet, UsesTheProxyOfTheEnvironment)
@@ -238,14 +222,9 @@ TEST(Internet, RefusesWhatItDoesNotOffer)
     EXPECT_FALSE(file->QueryInfo(19, number));
     EXPECT_EQ(number, 5u);
     file->Close();
-    try {
-        file->Read(&number, 1);
-        ADD_FAILURE() << "read";
-    } catch (CInternetException* exception) {
-        EXPECT_EQ(exception->m_dwError, ERROR_INTERNET_INCORRECT_HANDLE_STATE);
-        EXPECT_EQ(exception->m_dwContext, 0u);
-        exception->Delete();
-    }
+    const auto failure = test::FailureOf([&] { file->Read(&number, 1); });
+    EXPECT_EQ(failure.error, ERROR_INTERNET_INCORRECT_HANDLE_STATE);
+    EXPECT_EQ(failure.context, 0u);
 }
 
 } // namespace

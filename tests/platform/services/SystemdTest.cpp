@@ -1,8 +1,5 @@
 #include "tests/platform/services/StandIn.h"
 
-#include <sys/socket.h>
-#include <sys/un.h>
-
 namespace {
 
 using Strings = std::vector<std::string>;
@@ -39,6 +36,12 @@ struct Systemd : testing::Test
     {
         m_stopped = {};
         return m_manager->Stop(pszName, m_stopped);
+    }
+    // State, check point and hint.
+    using Progress = std::array<DWORD, 3>;
+    static Progress ProgressOf(const SERVICE_STATUS_PROCESS& status)
+    {
+        return {status.dwCurrentState, status.dwCheckPoint, status.dwWaitHint};
     }
     SERVICE_STATUS_PROCESS Status(const char* pszName)
     {
@@ -122,16 +125,8 @@ TEST_F(Systemd, NoCallOutlastsItsTime)
     m_standIn->Fail("LoadUnit", "");
     EXPECT_EQ(Open("Nv"), ERROR_SERVICE_REQUEST_TIMEOUT);
 
-    // A bus that takes connections and says nothing.
-    const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_un address{AF_UNIX, {}};
-    const std::string path = m_dir.Path("mute");
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    ASSERT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    ASSERT_EQ(listen(listener, 4), 0);
-    Use("unix:path=" + path, 100);
+    Use("unixexec:path=/bin/sleep,argv1=1000", 100); // takes a connection and says nothing
     EXPECT_EQ(OpenManager(), ERROR_SERVICE_REQUEST_TIMEOUT);
-    close(listener);
     EXPECT_LT(steady_clock::now() - begin, std::chrono::seconds(10));
 }
 
@@ -242,16 +237,14 @@ TEST_F(Systemd, NothingIsLeftOfAFailedRunByADeletedService)
 TEST_F(Systemd, ADeletedServiceThatRunsCanOnlyBeStopped)
 {
     EXPECT_EQ(Create("Nv"), 0u);
-    m_standIn->Set(
-        "Nv.service",
-        {.active = "active",
-         .steps = {{"deactivating", "stop"}, {"deactivating", "stop-sigterm"}, {"inactive", "dead"}}});
+    m_standIn->Set("Nv.service", {.active = "active"});
     EXPECT_EQ(Delete("Nv"), 0u);
     EXPECT_EQ(Status("Nv").dwCurrentState, SERVICE_RUNNING);
     for (const DWORD error : {Create("Nv"), Delete("Nv"), SetType("Nv", 2), Describe("Nv", "x"), Start("Nv")})
         EXPECT_EQ(error, ERROR_SERVICE_MARKED_FOR_DELETE);
     EXPECT_EQ(Stop("Nv"), 0u);
     EXPECT_EQ(m_stopped.dwCurrentState, SERVICE_STOP_PENDING);
+    m_standIn->Set("Nv.service", {.load = "not-found"});
     EXPECT_EQ(Status("Nv").dwCurrentState, SERVICE_STOPPED); // gone, as who has it open sees it
     EXPECT_EQ(Open("Nv"), ERROR_SERVICE_DOES_NOT_EXIST);
     EXPECT_EQ(Create("Nv"), 0u);
@@ -349,39 +342,32 @@ TEST_F(Systemd, ABinaryPathIsAProgramAndWords)
 
 TEST_F(Systemd, StatesBecomeThePlatforms)
 {
-    constexpr std::uint64_t kNone = ~std::uint64_t{0};
-    const struct
-    {
-        const char *active, *sub, *job;
-        std::uint64_t secondsAgo, limit;
-        DWORD dwState, dwCheckPoint, dwWaitHint;
-    } cases[] = {
-        {"active", "running", "", 9, 90, SERVICE_RUNNING, 0, 250},
-        {"reloading", "reload", "reload", 9, 90, SERVICE_RUNNING, 0, 250},
-        {"inactive", "dead", "", 9, 90, SERVICE_STOPPED, 0, 10'000},
-        {"failed", "failed", "", 9, 90, SERVICE_STOPPED, 0, 10'000},
-        {"maintenance", "cleaning", "", 9, 90, SERVICE_STOPPED, 0, 10'000},
-        {"activating", "start-pre", "start", 3, 90, SERVICE_START_PENDING, 2003, 10'000},
-        {"activating", "start", "start", 0, 90, SERVICE_START_PENDING, 3000, 10'000},
-        {"activating", "start", "", 20, 7, SERVICE_START_PENDING, 3007, 10'000},
-        {"activating", "start", "", 100, kNone, SERVICE_START_PENDING, 3090, 10'000},
-        {"activating", "auto-restart", "", 5, 90, SERVICE_START_PENDING, 1, 10'000},
-        {"deactivating", "stop-sigterm", "stop", 4, 90, SERVICE_STOP_PENDING, 7004, 250},
-        // A job that waits counts as what it will do.
-        {"inactive", "dead", "start", 20, 90, SERVICE_START_PENDING, 1, 10'000},
-        {"failed", "failed", "restart", 20, 90, SERVICE_START_PENDING, 1, 10'000},
-        {"active", "running", "stop", 20, 90, SERVICE_STOP_PENDING, 1, 250},
-    };
-    for (const auto& [active, sub, job, secondsAgo, limit, dwState, dwCheckPoint, dwWaitHint] : cases) {
-        SCOPED_TRACE(testing::Message() << active << sub << job);
-        test::Unit unit{.active = active, .sub = sub, .jobType = job, .secondsAgo = secondsAgo, .pid = 42};
-        unit.startLimit = unit.stopLimit = limit == kNone ? kNone : limit * 1'000'000;
+    constexpr std::uint64_t kUsual = 90'000'000, kNone = UINT64_MAX;
+    const std::tuple<const char*, const char*, const char*, std::uint64_t, std::uint64_t, Progress> cases[] =
+        {
+            {"active", "running", "", 9, kUsual, {SERVICE_RUNNING, 0, 250}},
+            {"reloading", "reload", "reload", 9, kUsual, {SERVICE_RUNNING, 0, 250}},
+            {"inactive", "dead", "", 9, kUsual, {SERVICE_STOPPED, 0, 10'000}},
+            {"failed", "failed", "", 9, kUsual, {SERVICE_STOPPED, 0, 10'000}},
+            {"maintenance", "cleaning", "", 9, kUsual, {SERVICE_STOPPED, 0, 10'000}},
+            {"activating", "start-pre", "start", 3, kUsual, {SERVICE_START_PENDING, 2003, 10'000}},
+            {"activating", "start", "start", 0, kUsual, {SERVICE_START_PENDING, 3000, 10'000}},
+            {"activating", "start", "", 20, 7'000'000, {SERVICE_START_PENDING, 3007, 10'000}},
+            {"activating", "start", "", 100, kNone, {SERVICE_START_PENDING, 3090, 10'000}},
+            {"activating", "auto-restart", "", 5, kUsual, {SERVICE_START_PENDING, 1, 10'000}},
+            {"deactivating", "stop-sigterm", "stop", 4, kUsual, {SERVICE_STOP_PENDING, 7004, 250}},
+            // A job that waits counts as what it will do.
+            {"inactive", "dead", "start", 20, kUsual, {SERVICE_START_PENDING, 1, 10'000}},
+            {"failed", "failed", "restart", 20, kUsual, {SERVICE_START_PENDING, 1, 10'000}},
+            {"active", "running", "stop", 20, kUsual, {SERVICE_STOP_PENDING, 1, 250}},
+        };
+    for (const auto& [active, sub, job, secondsAgo, limit, progress] : cases) {
+        const test::Unit unit{
+            .active = active, .sub = sub, .jobType = job, .secondsAgo = secondsAgo, .limit = limit};
         m_standIn->Set("Nv.service", unit);
         const auto status = Status("Nv");
-        EXPECT_EQ(status.dwCurrentState, dwState);
-        EXPECT_EQ(status.dwCheckPoint, dwCheckPoint);
-        EXPECT_EQ(status.dwWaitHint, dwWaitHint);
-        EXPECT_EQ(status.dwControlsAccepted, dwState == SERVICE_RUNNING ? SERVICE_ACCEPT_STOP : 0u);
+        EXPECT_EQ(ProgressOf(status), progress) << active << sub << job;
+        EXPECT_EQ(status.dwControlsAccepted, progress[0] == SERVICE_RUNNING ? SERVICE_ACCEPT_STOP : 0u);
         EXPECT_EQ(status.dwProcessId, 42u);
         EXPECT_EQ(status.dwServiceType, SERVICE_WIN32_OWN_PROCESS);
     }
@@ -391,18 +377,16 @@ TEST_F(Systemd, StatesBecomeThePlatforms)
         for (const auto& [activeFor, bSettled] : {std::pair{99'000u, false}, {501'000u, true}}) {
             m_standIn->Set("Nv.service",
                            {.active = "active", .sub = "running", .activeFor = activeFor, .type = pszType});
-            const auto status = Status("Nv");
             const bool bTells = std::string_view("notify forking oneshot").find(pszType) != std::string::npos;
-            const bool bRuns = bSettled || bTells;
-            EXPECT_EQ(status.dwCurrentState, bRuns ? SERVICE_RUNNING : SERVICE_START_PENDING) << pszType;
-            EXPECT_EQ(status.dwCheckPoint, bRuns ? 0u : 4999u) << pszType;
-            EXPECT_EQ(status.dwWaitHint, bRuns ? 250u : 10'000u) << pszType;
+            const Progress expected = bSettled || bTells ? Progress{SERVICE_RUNNING, 0, 250}
+                                                         : Progress{SERVICE_START_PENDING, 4999, 10'000};
+            EXPECT_EQ(ProgressOf(Status("Nv")), expected) << pszType;
             EXPECT_EQ(Start("Nv"), ERROR_SERVICE_ALREADY_RUNNING);
             EXPECT_EQ(Stop("Nv"), 0u);
         }
     }
     // A job that ends while it is asked for.
-    m_standIn->Set("Nv.service", {.jobType = "start", .jobGone = true});
+    m_standIn->Set("Nv.service", {.jobType = "gone"});
     EXPECT_EQ(Status("Nv").dwCurrentState, SERVICE_STOPPED);
 
     const std::tuple<const char*, std::uint64_t, DWORD, DWORD> exits[] = {
@@ -410,7 +394,7 @@ TEST_F(Systemd, StatesBecomeThePlatforms)
         {"exit-code", 1, 1066, 3}, {"signal", 1, ERROR_PROCESS_ABORTED, 0},
         {"timeout", 1, 1053, 0},   {"start-limit-hit", 0, 1067, 0}};
     for (const auto& [result, started, dwExitCode, dwSpecific] : exits) {
-        m_standIn->Set("Nv.service", {.result = result, .exitStatus = 3, .started = started});
+        m_standIn->Set("Nv.service", {.result = result, .started = started});
         const auto status = Status("Nv");
         EXPECT_EQ(status.dwWin32ExitCode, dwExitCode) << result;
         EXPECT_EQ(status.dwServiceSpecificExitCode, dwSpecific) << result;
@@ -451,10 +435,8 @@ TEST_F(Systemd, StartsAndStopsAreRefusedAsThePlatformDoes)
 
 TEST_F(Systemd, DependentsComeAheadOfWhatTheyNeed)
 {
-    const auto add = [&](const std::string& name, const std::string& active,
-                         std::map<std::string, Strings> lists) {
-        m_standIn->Set(
-            name, {.active = active, .description = "T " + name.substr(0, 2), .lists = std::move(lists)});
+    const auto add = [&](const char* name, const char* active, std::map<std::string, Strings> lists) {
+        m_standIn->Set(name, {.active = active, .lists = std::move(lists)});
     };
     EXPECT_EQ(Open("Db"), ERROR_SERVICE_DOES_NOT_EXIST);
     add("Db.service", "active",
