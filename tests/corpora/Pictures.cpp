@@ -49,22 +49,16 @@ std::vector<fs::path> Expected(const fs::path& file, UINT nFrame, UINT nFrames)
     const std::string stem = file.stem().string();
     const std::string name = nFrames > 1 ? stem + "-" + std::to_string(nFrame) : stem;
     if (fs::exists(frames / (name + ".png"))) return {frames / (name + ".png")};
-    for (fs::path dir = file.parent_path(); dir != dir.parent_path(); dir = dir.parent_path()) {
-        std::ifstream list(dir / "expected.txt");
-        if (!list) continue;
-        for (std::string line; std::getline(list, line);) {
-            std::istringstream words(line);
-            std::string word;
-            words >> word;
-            if (dir / word != file) continue;
-            std::vector<fs::path> expected;
+    std::vector<fs::path> expected;
+    fs::path dir = file.parent_path();
+    while (dir != dir.parent_path() && !fs::exists(dir / "expected.txt"))
+        dir = dir.parent_path();
+    std::ifstream list(dir / "expected.txt");
+    for (std::string line, word; std::getline(list, line);)
+        if (std::istringstream words(line); words >> word && dir / word == file)
             while (words >> word)
                 if (word != "-") expected.push_back(dir / "expected" / word);
-            return expected;
-        }
-        break;
-    }
-    return {};
+    return expected;
 }
 
 const char* NameOf(Status status)

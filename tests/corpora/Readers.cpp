@@ -27,22 +27,6 @@ void Walk(CKXXmlDomElement element, int& nLeft)
         Walk(child, nLeft);
 }
 
-std::string HeadOf(const fs::path& file)
-{
-    std::string head(16, '\0');
-    std::ifstream in(file, std::ios::binary);
-    in.read(head.data(), static_cast<std::streamsize>(head.size()));
-    head.resize(static_cast<std::size_t>(in.gcount()));
-    return head;
-}
-
-std::string Lower(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    return text;
-}
-
 } // namespace
 
 std::string ToPlatform(const fs::path& file)
@@ -108,21 +92,20 @@ Outcome ReadBinary(const fs::path& file)
 
 Outcome Read(const fs::path& file, const fs::path& saved)
 {
-    const std::string extension = Lower(file.extension().string()), head = HeadOf(file);
-    const auto isOneOf = [&](std::initializer_list<std::string_view> all) {
-        return std::find(all.begin(), all.end(), extension) != all.end();
+    const auto isOneOf = [&](std::initializer_list<const char*> all) {
+        return std::ranges::any_of(
+            all, [&](const char* psz) { return strcasecmp(psz, file.extension().c_str()) == 0; });
     };
     if (isOneOf({".bmp", ".png", ".jpg", ".jpeg", ".gif", ".tif", ".tiff", ".ico"}))
         return ReadPicture(file, saved);
     if (isOneOf({".xml", ".xhtml", ".xsd", ".xsl", ".rng", ".rdf", ".svg", ".html", ".htm", ".sct"}))
         return ReadDocument(file);
     if (isOneOf({".ini", ".inf", ".cfg"})) return ReadIni(file);
-    if (head.starts_with("MZ") ||
-        head.starts_with("\x7F"
-                         "ELF") ||
-        head.starts_with("GVariant"))
-        return ReadBinary(file);
-    return {Verdict::Unknown};
+    std::string head(16, '\0');
+    std::ifstream(file, std::ios::binary).read(head.data(), 16);
+    const bool bBinary =
+        head.starts_with("MZ") || head.starts_with("\177ELF") || head.starts_with("GVariant");
+    return bBinary ? ReadBinary(file) : Outcome{Verdict::Unknown};
 }
 
 } // namespace corpora
