@@ -134,30 +134,6 @@ TEST_F(Copy, FailureOnTheWayLeavesTheOldFileAndNothingElse)
     EXPECT_EQ(Entries(drive.Path()), 2u);
 }
 
-TEST_F(Copy, KilledOnTheWayLeavesTheOldFileAndThePart)
-{
-    drive.Write("source", std::string(300'000, 'x'));
-    drive.Write("old", "old");
-    const auto copy = [&](const char* target) {
-        return test::InFork([&] {
-            const rlimit lower{100'000, 100'000};
-            setrlimit(RLIMIT_FSIZE, &lower); // a process that writes more is killed
-            return CopyFileA(drive.Of("source"), drive.Of(target), 0);
-        });
-    };
-    EXPECT_EQ(copy("new"), 128 + SIGXFSZ);
-    EXPECT_EQ(copy("old"), 128 + SIGXFSZ);
-    EXPECT_EQ(drive.Read("old"), "old");
-    EXPECT_FALSE(drive.Exists("new"));
-
-    // The next copies take the parts away.
-    for (const char* target : {"new", "old"}) {
-        EXPECT_TRUE(CopyFileA(drive.Of("source"), drive.Of(target), 0));
-        EXPECT_EQ(drive.Read(target).size(), 300'000u);
-    }
-    EXPECT_EQ(Entries(drive.Path()), 3u);
-}
-
 // From memory, which is another file system, and within one.
 TEST_F(Copy, KeepsHoles)
 {

@@ -25,10 +25,6 @@ struct System : test::TempDir
         Write("sys/block/" + name + "/device/type", std::string(type) + "\n");
         Write("sys/block/" + name + "/dev", std::string(number) + "\n");
     }
-    void Partition(const std::string& disk, const std::string& name, const char* number) const
-    {
-        Write("sys/block/" + disk + "/" + name + "/dev", std::string(number) + "\n");
-    }
     void Mounts(const std::vector<std::string>& lines) const
     {
         std::string table =
@@ -87,10 +83,10 @@ TEST(Drives, RemovableMediaAndOpticalDrivesGetLettersThatStay)
     const System system;
     EXPECT_EQ(Kinds(), "3");
     system.Disk("sda", "8:0", false);
-    system.Partition("sda", "sda1", "8:1");
+    system.Write("sys/block/sda/sda1/dev", "8:1\n");
     system.Disk("sr0", "11:0", true, "5");
     system.Disk("sdb", "8:16", true);
-    system.Partition("sdb", "sdb1", "8:17");
+    system.Write("sys/block/sdb/sdb1/dev", "8:17\n");
     const auto fixed = system.Line("8:1", "fixed", "/dev/sda1");
     const auto stick = system.Line("8:17", "media/MY STICK", "/dev/disk/by-label/MY");
     const auto disc = system.Line("0:77", "media/disc", "/dev/sr0");
@@ -146,7 +142,7 @@ TEST(Drives, WholeMountsComeBeforePartsAndTheRootIsNoDrive)
 {
     const System system;
     system.Disk("sdb", "254:0", true);
-    system.Partition("sdb", "sdb1", "8:17");
+    system.Write("sys/block/sdb/sdb1/dev", "8:17\n");
     system.Mounts({system.Line("8:17", "part", "/dev/sdb1", "rw", "/sub"),
                    system.Line("8:17", "whole", "/dev/sdb1"), system.Line("8:17", "again", "/dev/sdb1"),
                    system.Line("8:17", "no/device", "tmpfs")});
@@ -192,7 +188,7 @@ TEST(Drives, VolumesTellLabelSerialAndFileSystem)
 {
     const System system;
     system.Disk("sdb", "8:16", true);
-    system.Partition("sdb", "sdb1", "8:17");
+    system.Write("sys/block/sdb/sdb1/dev", "8:17\n");
     system.Mounts({system.Line("8:17", "stick 0123", "/dev/sdb1", "ro,nosuid")});
     system.Link("dev/disk/by-label/other", "../../sda1");
     system.Link("dev/disk/by-label/\xE8\xAA\xA0\\x20xface\\x2fy\\x01\\x", "../../sdb1");

@@ -108,15 +108,10 @@ TEST_F(File, DevicesAreFilesAndAFullOneSaysSo)
     ASSERT_TRUE(file.Open("C:\\dev\\full", CFile::modeCreate | CFile::modeWrite, &none));
     CFile second;
     EXPECT_TRUE(second.Open("C:\\dev\\full", CFile::modeWrite)); // devices are not kept from others
-    try {
-        file.Write("x", 1);
-        ADD_FAILURE();
-    } catch (CFileException* pException) {
-        EXPECT_EQ(pException->m_cause, CFileException::diskFull);
-        EXPECT_EQ(pException->m_lOsError, ENOSPC);
-        EXPECT_EQ(TextOf(*pException), "C:\\dev\\full: The disk is full.");
-        pException->Delete();
-    }
+    const CFileException failure = test::FailureOf([&] { file.Write("x", 1); });
+    EXPECT_EQ(failure.m_cause, CFileException::diskFull);
+    EXPECT_EQ(failure.m_lOsError, ENOSPC);
+    EXPECT_EQ(TextOf(failure), "C:\\dev\\full: The disk is full.");
 }
 
 TEST_F(File, TakesAnyDescriptorThatIsFree)
@@ -226,11 +221,11 @@ TEST(Exceptions, TextsNameTheFileAndTheCauseAndFitTheBuffer)
     EXPECT_STREQ(small.data(), "");
     EXPECT_FALSE(failure.GetErrorMessage(nullptr, 5));
     EXPECT_FALSE(failure.GetErrorMessage(small.data(), 0));
+    EXPECT_EQ(TextOf(test::FailureOf([] { AfxThrowFileException(CFileException::endOfFile, 0, "f"); })),
+              "f: The file ended unexpectedly.");
     const std::pair<void (*)(), const char*> throwers[] = {
         {AfxThrowMemoryException, "There is not enough memory."},
-        {AfxThrowInvalidArgException, "An argument is invalid."},
-        {[] { AfxThrowFileException(CFileException::endOfFile, 0, "f"); },
-         "f: The file ended unexpectedly."}};
+        {AfxThrowInvalidArgException, "An argument is invalid."}};
     for (const auto& [thrower, text] : throwers) {
         try {
             thrower();

@@ -47,17 +47,22 @@ struct OnDrive : testing::Test
     const KeepDirectory keep;
 };
 
-// The cause of the failure of an operation that throws; `none` for success.
-inline int CauseOf(const std::function<void()>& operation)
+// The failure of an operation that throws; the cause `none` for success.
+inline CFileException FailureOf(const std::function<void()>& operation)
 {
     try {
         operation();
     } catch (CFileException* pException) {
-        const int nCause = pException->m_cause;
+        const CFileException failure = *pException;
         pException->Delete();
-        return nCause;
+        return failure;
     }
-    return CFileException::none;
+    return CFileException();
+}
+
+inline int CauseOf(const std::function<void()>& operation)
+{
+    return FailureOf(operation).m_cause;
 }
 
 } // namespace test

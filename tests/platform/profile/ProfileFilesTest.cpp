@@ -127,15 +127,17 @@ TEST(ProfileFiles, OwnerGroupAndWholeModeStay)
     constexpr uid_t kNobody = 65534;
     constexpr gid_t kGroup = 12345; // which nobody is in
     const IniFile ini("[S]\nk=v\n");
-    struct stat now = {};
+    const auto owner = [&] {
+        struct stat now = {};
+        EXPECT_EQ(stat(ini.Path().c_str(), &now), 0);
+        return std::pair(now.st_uid, now.st_gid);
+    };
     for (const mode_t mode : {02664u, 06755u, 0640u}) {
         ASSERT_EQ(chown(ini.Path().c_str(), kNobody, kGroup), 0);
         ASSERT_EQ(chmod(ini.Path().c_str(), mode), 0);
         ASSERT_TRUE(ini.Set("S", "k", std::to_string(mode).c_str()));
         EXPECT_EQ(ModeOf(ini.Path()), mode);
-        ASSERT_EQ(stat(ini.Path().c_str(), &now), 0);
-        EXPECT_EQ(now.st_uid, kNobody);
-        EXPECT_EQ(now.st_gid, kGroup);
+        EXPECT_EQ(owner(), std::pair(kNobody, kGroup));
     }
 
     // Its own group is another: the members of that get no more than everyone.
@@ -148,20 +150,17 @@ TEST(ProfileFiles, OwnerGroupAndWholeModeStay)
 
     ASSERT_EQ(chown(ini.Path().c_str(), 0, kGroup), 0);
     EXPECT_TRUE(ini.Set("S", "k", "in another group"));
-    ASSERT_EQ(stat(ini.Path().c_str(), &now), 0);
-    EXPECT_EQ(now.st_uid, 0u);
-    EXPECT_EQ(now.st_gid, kGroup);
+    EXPECT_EQ(owner(), std::pair(uid_t{0}, kGroup));
 }
 
 TEST(ProfileFiles, FullDiskLeavesTheOldFile)
 {
     const IniFile ini("[S]\nk=v\n");
-    const auto set = [&] {
+    {
         const test::FileLimit limit(4096);
-        return ini.Set("S", "l", std::string(10'000, 'x').c_str());
-    };
-    EXPECT_FALSE(set());
-    EXPECT_EQ(GetLastError(), ERROR_DISK_FULL);
+        EXPECT_FALSE(ini.Set("S", "l", std::string(10'000, 'x').c_str()));
+        EXPECT_EQ(GetLastError(), ERROR_DISK_FULL);
+    }
     EXPECT_EQ(ini.Text(), "[S]\nk=v\n");
     EXPECT_EQ(ini.Names(), std::set<std::string>{"test.ini"});
 }

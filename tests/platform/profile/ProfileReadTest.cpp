@@ -30,6 +30,8 @@ TEST(ProfileRead, FindsWhatTheLinesSay)
         {"[]\nk=v\n", "", "k", "v"},
         {"[S\nk=v\n", "S", "k", "v"},
         {"[a]b]\nk=v\n", "a", "k", "v"},
+        {"[[]\n#=[x]\n", "[", "#", "[x]"},
+        {"[S]\na key; with [marks]=;c\n", "S", "a key; with [marks]", ";c"},
         {"[S]\nk=1\nK=2\n[T]\n[s]\nk=3\nl=4\n", "S", "k", "1"},
         {"[S]\nk=1\nK=2\n[T]\n[s]\nk=3\nl=4\n", "S", "l", none},
         {"[S]\nk=a\0b\n\0\nl=w\n"sv, "S", "k", "a"},
@@ -103,21 +105,17 @@ TEST(ProfileRead, SeesEveryChangeMadeInPlace)
 
 TEST(ProfileRead, AStatusCountsOnceItsTickIsOver)
 {
-    const struct
-    {
-        long modified, changed; // nanoseconds behind 100 seconds
-        timespec now;
-        bool bSettled;
-    } cases[] = {
+    // When it was modified and changed, in nanoseconds behind 100 seconds.
+    const std::tuple<long, long, timespec, bool> cases[] = {
         {0, 999'999'999, {101, 7'999'999}, false}, {0, 999'999'999, {101, 8'000'000}, true},
         {1, 0, {100, 8'000'000}, false},           {1, 0, {100, 8'000'001}, true},
         {0, 0, {102, 8'000'000}, false},           {0, 0, {102, 8'000'001}, true},
     };
-    for (const auto& c : cases) {
+    for (const auto& [modified, changed, now, bSettled] : cases) {
         struct stat status = {};
-        status.st_mtim = {100, c.modified};
-        status.st_ctim = {100, c.changed};
-        EXPECT_EQ(kx::profile::IsSettled(status, c.now, 4'000'000), c.bSettled) << c.modified << c.changed;
+        status.st_mtim = {100, modified};
+        status.st_ctim = {100, changed};
+        EXPECT_EQ(kx::profile::IsSettled(status, now, 4'000'000), bSettled) << modified << changed;
     }
 }
 
@@ -173,9 +171,7 @@ TEST(ProfileRead, EverySpellingGivesTheFileThatItNames)
     for (int pass = 0; pass < 2; ++pass) {
         EXPECT_EQ(get(dir.Win("Skins\\Blue\\Skin.ini")), "Skin");
         EXPECT_EQ(get(dir.Win("SKINS\\blue\\..\\blue\\skin.INI")), "Skin");
-        CString slashes = dir.Win("Skins\\Blue\\Skin.ini");
-        slashes.Replace('\\', '/');
-        EXPECT_EQ(get(slashes), "Skin");
+        EXPECT_EQ(get(("C:" + dir.Path("Skins/Blue/Skin.ini")).c_str()), "Skin");
     }
     EXPECT_EQ(get(dir.Win("Skins\\Blue\\skin.ini")), "Skin");
     // An exact name wins as soon as it is there, and the others count again when it goes.

@@ -129,22 +129,18 @@ TEST(ProfileSharing, ThreadsReadWhileOneWrites)
 {
     const IniFile ini("[S]\nsteady=value\nk=0\n");
     std::atomic<bool> bDone{false};
-    std::vector<std::jthread> readers;
-    for (int n = 0; n < 3; ++n)
-        readers.emplace_back([&] {
-            int last = 0;
-            while (!bDone) {
-                ASSERT_EQ(ini.Get("S", "steady"), "value");
-                const int now = std::stoi(ini.Get("S", "k"));
-                ASSERT_GE(now, last);
-                last = now;
-            }
-        });
-    for (int n = 1; n <= 300; ++n) {
-        ASSERT_TRUE(ini.Set("S", "k", std::to_string(n).c_str()));
-        ASSERT_EQ(ini.Get("S", "k"), std::to_string(n));
-    }
-    bDone = true;
+    test::RunThreads(4, [&](int t) {
+        for (int n = 1; t == 0 && n <= 300; ++n) {
+            EXPECT_TRUE(ini.Set("S", "k", std::to_string(n).c_str()));
+            EXPECT_EQ(ini.Get("S", "k"), std::to_string(n));
+        }
+        if (t == 0) bDone = true;
+        for (int last = 0, now = 0; !bDone; last = now) {
+            ASSERT_EQ(ini.Get("S", "steady"), "value");
+            now = std::stoi(ini.Get("S", "k"));
+            ASSERT_GE(now, last);
+        }
+    });
 }
 
 } // namespace

@@ -23,12 +23,16 @@ TEST(ProfileWrite, ChangesItsLineOnly)
         {"\n[S]\n[Another one]\n", "S", "k", "v", "\n[S]\nk=v\n[Another one]\n"},
         {"\r\n[S]\r\nk=v", "S", "l", "w", "\r\n[S]\r\nk=v\r\nl=w\r\n"},
         {"[S]", "S", "k", "v", "[S]\r\nk=v\r\n"},
+        {"[S]\n\x81\x41=1\n", "S", "\x81\x61", "2", "[S]\n\x81\x41=1\n\x81\x61=2\n"},
         {"[S]\na=1\n[T]\n[S]\nk=2\n", "S", "k", "v", "[S]\na=1\nk=v\n[T]\n[S]\nk=2\n"},
         // A new section.
         {"", "S", "k", "v", "[S]\r\nk=v\r\n"},
         {"\xEF\xBB\xBF", "S", "k", "v", "\xEF\xBB\xBF[S]\r\nk=v\r\n"},
         {"; top", "S", "k", "", "; top\r\n[S]\r\nk=\r\n"},
         {"k=v\n", "S", "k", "w", "k=v\n[S]\nk=w\n"},
+        {"", "[", "#", "[x]", "[[]\r\n#=[x]\r\n"},
+        {"", "", "a key; with [marks]", ";c", "[]\r\na key; with [marks]=;c\r\n"},
+        {"", "\x81\x5D", "\x81\x41", "\"", "[\x81\x5D]\r\n\x81\x41=\"\r\n"},
         {"[S]\n\0\x01\xFF"sv, "T", "k", "v", std::string("[S]\n\0\x01\xFF\n[T]\nk=v\n"sv)},
         // Removal.
         {"[S]\nk=1\n;k\nK=2\nl=3\n[T]\nk=4\n[s]\nk=5", "S", "k", nullptr, "[S]\n;k\nl=3\n[T]\nk=4\n[s]\n"},
@@ -41,23 +45,6 @@ TEST(ProfileWrite, ChangesItsLineOnly)
         EXPECT_TRUE(ini.Set(section, key, text));
         EXPECT_EQ(ini.Text(), after) << before;
     }
-}
-
-TEST(ProfileWrite, ReadsBackWhatItStored)
-{
-    const IniFile ini;
-    const char* const names[] = {"k", "a key; with [marks]", "\x81\x41", "\x81\x61", "\xC4\xE3\xBA\xC3", "#"};
-    const char* const values[] = {"v", "a=b", "[x]", ";c", "\"", "'a", "\xC4\xE3", "", "%s\\n\\"};
-    for (const char* section : {"S", "[", "\x81\x5D", ""})
-        for (const char* name : names)
-            for (const char* value : values) {
-                ASSERT_TRUE(ini.Set(section, name, value)) << section << name << value;
-                ASSERT_EQ(ini.Get(section, name), value);
-            }
-    EXPECT_TRUE(ini.Set("S", "k", "  blanks  "));
-    EXPECT_EQ(ini.Get("S", "k"), "blanks");
-    EXPECT_TRUE(ini.Set("S", "k", "\"  kept  \""));
-    EXPECT_EQ(ini.Get("S", "k"), "  kept  ");
 }
 
 TEST(ProfileWrite, RefusesWhatWouldNotBeFoundAgain)

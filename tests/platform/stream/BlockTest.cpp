@@ -165,8 +165,6 @@ TEST_F(StreamTest, ItsBlockEndsWithItOrBeforeItOrAfterIt)
 {
     const HGLOBAL kept = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, 4);
     Make(kept, false);
-    EXPECT_EQ(stream->AddRef(), 2u);
-    EXPECT_EQ(stream->Release(), 1u);
     EXPECT_EQ(stream->Release(), 0u);
     EXPECT_EQ(GlobalSize(kept), 4u);
     Make(kept, true);

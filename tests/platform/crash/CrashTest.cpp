@@ -146,4 +146,27 @@ TEST(CreateProcess, FailsWithItsReason)
     CloseHandle(hEvent);
 }
 
+constexpr int kCame = 42;
+
+TEST(Filter, EachCaseEndsAsItShould)
+{
+    const std::pair<int, std::vector<std::string>> cases[] = {
+        {kCame,
+         {"resumes", "handler_before", "record", "code_abort", "code_division", "code_trap", "code_overflow",
+          "code_thread_overflow", "processes", "times CET-1CEST,M3.5.0,M10.5.0/3", "times Asia/Shanghai",
+          "times XXX3:30YYY2,J60/0,J300/0"}},
+        {128 + SIGABRT, {"pass_on", "abort_again", "throw", "removed"}},
+        {128 + SIGFPE, {"end", "crash_again", "crash_again_same"}},
+        {128 + SIGILL, {"sent"}},
+        {128 + SIGSEGV, {"hands_on"}},
+    };
+    for (const auto& [nEnd, names] : cases)
+        for (const std::string& name : names) {
+            std::string word, zone;
+            std::istringstream(name) >> word >> zone;
+            test::Child child("FilterChild", {word}, {"TZ=" + zone}, true);
+            EXPECT_EQ(child.Wait(), nEnd) << name << '\n' << child.ErrorText();
+        }
+}
+
 } // namespace
