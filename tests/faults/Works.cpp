@@ -46,7 +46,7 @@ bool Log(const Place& place)
     if (!pLog->Flush(INFINITE)) return false;
     const Pause pause;
     const std::string text = test::ReadFile(place.Path("a.log"));
-    return std::ranges::count(text, '\n') == 6 && text.ends_with("] 2 the last\n");
+    return std::ranges::count(text, '\n') >= 6 && text.ends_with("] 2 the last\n");
 }
 bool LogIntact(const Place& place)
 {
