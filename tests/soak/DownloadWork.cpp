@@ -41,28 +41,24 @@ void Serve(test::Peer& peer)
         char kind[16] = "";
         int nBytes = 0;
         if (std::sscanf(request.c_str(), "GET /%15[a-z]/%d", kind, &nBytes) != 2) return;
-        const std::string body = Body(nBytes), what = kind;
+        const std::string body = Body(nBytes), ok = "HTTP/1.1 200 OK\r\n";
         const std::string length = "Content-Length: " + std::to_string(nBytes) + "\r\n\r\n";
-        bool bSent = true;
-        if (what == "whole") {
-            bSent = peer.Send("HTTP/1.1 200 OK\r\n" + length + body);
-        } else if (what == "error") {
-            bSent = peer.Send("HTTP/1.1 500 Broken\r\n" + length + body);
-        } else if (what == "pieces") {
-            char size[16];
-            std::snprintf(size, sizeof(size), "%x\r\n", nBytes);
-            bSent = peer.Send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n" +
-                              (nBytes > 0 ? size + body + "\r\n" : "") + "0\r\n\r\n");
-        } else if (what == "reset") {
-            peer.Send("HTTP/1.1 200 OK\r\nContent-Length: 99999999\r\n\r\n" + body);
-            peer.Reset();
-            return;
-        } else { // hangs up in the middle, or speaks nothing known
-            peer.Send(what == "cut" ? "HTTP/1.1 200 OK\r\nContent-Length: 99999999\r\n\r\n" + body
-                                    : body + "\r\n\r\n");
-            return;
-        }
-        if (!bSent) return;
+        const std::string endless = ok + "Content-Length: 99999999\r\n\r\n";
+        char size[16];
+        std::snprintf(size, sizeof(size), "%x\r\n", nBytes);
+        const std::map<std::string_view, std::string> answers{
+            {"whole", ok + length + body},
+            {"error", "HTTP/1.1 500 Broken\r\n" + length + body},
+            {"pieces", ok + "Transfer-Encoding: chunked\r\n\r\n" + (nBytes > 0 ? size + body + "\r\n" : "") +
+                           "0\r\n\r\n"},
+            {"cut", endless + body},
+            {"reset", endless + body},
+            {"noise", body + "\r\n\r\n"},
+        };
+        const std::string_view what = kind;
+        if (!peer.Send(answers.at(what))) return;
+        if (what == "reset") peer.Reset();
+        if (what == "cut" || what == "reset" || what == "noise") return;
     }
 }
 
