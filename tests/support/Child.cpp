@@ -59,6 +59,11 @@ void Child::Kill()
     if (m_pid > 0) kill(m_pid, SIGKILL);
 }
 
+Child::Child(const std::function<int()>& body) : m_pid(fork())
+{
+    if (m_pid == 0) _exit(body());
+}
+
 int Child::Wait()
 {
     if (m_pipe >= 0) {
@@ -92,9 +97,7 @@ std::string OutputOf(const std::string& command, int* pnCode)
 
 int InFork(const std::function<int()>& body)
 {
-    const pid_t pid = fork();
-    if (pid == 0) _exit(body());
-    return EndOf(pid);
+    return Child(body).Wait();
 }
 
 } // namespace test

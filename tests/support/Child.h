@@ -12,13 +12,15 @@ namespace test {
 pid_t Spawn(std::vector<std::string> args, std::vector<std::string> env,
             const std::function<void()>& prepare);
 
-// A child program of the tests (a ...Child.cpp), by the name of its file.
+// A process of its own: a child program of the tests (a ...Child.cpp), by the name of its file.
 class Child : Fixed
 {
 public:
     // Starts it. `env` adds "NAME=value" settings. With `captureError` its standard error is collected.
     Child(const std::string& name, std::vector<std::string> args, std::vector<std::string> env = {},
           bool captureError = false);
+    // A fork instead, which runs something, ends with its result and does nothing else.
+    explicit Child(const std::function<int()>& body);
     ~Child();
 
     pid_t Pid() const { return m_pid; }
@@ -42,7 +44,7 @@ std::string RunChild(const std::string& name, std::vector<std::string> args,
 // Gives the text that a command of the shell prints, and its exit code; -1 if a signal ended it.
 std::string OutputOf(const std::string& command, int* pnCode = nullptr);
 
-// Runs something in a fork, which ends with its result and nothing else; as Child::Wait tells it.
+// Runs something in a fork, and tells its end as Child::Wait does.
 int InFork(const std::function<int()>& body);
 
 } // namespace test

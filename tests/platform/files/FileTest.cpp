@@ -146,7 +146,7 @@ TEST_F(File, WritersShareAsTheySayAndReadersAlwaysDo)
         EXPECT_TRUE(file.Open(strPath, CFile::modeCreate | CFile::modeWrite | first));
         file.Write("kept", 4);
         const int nHere = OpenCause(strPath, flags);
-        test::Child child("FilesChild", {"open", strPath.GetString(), std::to_string(flags)});
+        test::Child child("OpenChild", {strPath.GetString(), std::to_string(flags)});
         EXPECT_EQ(child.Wait(), nHere);
         return nHere;
     };
@@ -175,33 +175,15 @@ TEST_F(File, IsFreeForOthersOnceClosedWhoeverHasCopies)
     EXPECT_EQ(test::InFork([&] { return file.Abort(), 0; }), 0);
     EXPECT_EQ(OpenCause("X:\\held", flags), CFileException::sharingViolation);
 
-    int end[2];
-    ASSERT_EQ(pipe(end), 0);
-    const pid_t holding = fork();
-    if (holding == 0) {
-        char ch = 0;
-        close(end[1]);
-        _exit(static_cast<int>(read(end[0], &ch, 1)));
-    }
+    test::Child holding([] { return pause(); });
     file.Close();
     EXPECT_EQ(OpenCause("X:\\held", flags), CFileException::none);
-    for (const int fd : end)
-        close(fd);
-    EXPECT_EQ(waitpid(holding, nullptr, 0), holding);
-}
+    holding.Kill();
+    holding.Wait();
 
-TEST_F(File, ShareEndsWithItsHolderAlsoByAKill)
-{
-    drive.Write("file", "");
-    mkfifo(drive.Path("ready").c_str(), 0600);
-    const unsigned flags = CFile::modeWrite | CFile::shareDenyWrite;
-    test::Child holder("FilesChild",
-                       {"hold", drive.Win("file").GetString(), std::to_string(flags), drive.Path("ready")});
-    close(::open(drive.Path("ready").c_str(), O_RDONLY | O_CLOEXEC));
-    EXPECT_EQ(OpenCause("X:\\file", flags), CFileException::sharingViolation);
-    holder.Kill();
-    holder.Wait();
-    EXPECT_EQ(OpenCause("X:\\file", flags), CFileException::none);
+    const auto openAndDie = [&] { return CFile().Open("X:\\held", flags) ? raise(SIGKILL) : 1; };
+    EXPECT_EQ(test::InFork(openAndDie), 128 + SIGKILL);
+    EXPECT_EQ(OpenCause("X:\\held", flags), CFileException::none);
 }
 
 TEST(Exceptions, TextsNameTheFileAndTheCauseAndFitTheBuffer)

@@ -8,37 +8,26 @@ namespace {
 using test::Child;
 using test::IniFile;
 
-std::unique_ptr<Child> Writer(const IniFile& ini, const std::string& prefix, int count)
-{
-    return std::make_unique<Child>(
-        "ProfileWriterChild", std::vector<std::string>{ini.Win().GetString(), prefix, std::to_string(count)});
-}
-
-void ExpectKeys(const IniFile& ini, const std::string& prefix, int count)
-{
-    for (int n = 0; n < count; ++n) {
-        const std::string number = std::to_string(n);
-        ASSERT_EQ(ini.Get("S", (prefix + number).c_str()), number) << prefix;
-    }
-}
-
 TEST(ProfileSharing, NoWriterLosesAnothersKeys)
 {
     constexpr int kEach = 60;
     const IniFile ini;
-    std::vector<std::unique_ptr<Child>> children;
-    for (const char* prefix : {"a", "b"})
-        children.push_back(Writer(ini, prefix, kEach));
-    test::RunThreads(2, [&](int t) {
+    const std::array<std::string, 4> prefixes{"a", "b", "c", "d"};
+    const auto write = [&](std::size_t writer) {
+        int nFailed = 0;
         for (int n = 0; n < kEach; ++n) {
             const std::string number = std::to_string(n);
-            EXPECT_TRUE(ini.Set("S", ((t ? "c" : "d") + number).c_str(), number.c_str()));
+            nFailed += !ini.Set("S", (prefixes[writer] + number).c_str(), number.c_str());
         }
-    });
-    for (const auto& child : children)
+        return nFailed;
+    };
+    Child first([&] { return write(2); }), second([&] { return write(3); });
+    test::RunThreads(2, [&](int t) { EXPECT_EQ(write(static_cast<std::size_t>(t)), 0); });
+    for (Child* child : {&first, &second})
         EXPECT_EQ(child->Wait(), 0);
-    for (const char* prefix : {"a", "b", "c", "d"})
-        ExpectKeys(ini, prefix, kEach);
+    for (const std::string& prefix : prefixes)
+        for (int n = 0; n < kEach; ++n)
+            ASSERT_EQ(ini.Get("S", (prefix + std::to_string(n)).c_str()), std::to_string(n)) << prefix;
     EXPECT_EQ(ini.Names(), std::set<std::string>{"test.ini"});
 }
 
@@ -75,12 +64,16 @@ TEST(ProfileSharing, KilledWriterLeavesTheOldFileOrTheNewOne)
     const IniFile ini(whole('A'));
     for (int round = 0; round < 30; ++round) {
         ini.Set("S", "k", "start");
-        const auto child = Writer(ini, "k", 0);
+        Child child([&] {
+            for (char ch = 'A';; ch ^= 'A' ^ 'B')
+                ini.Set("S", "k", std::string(10'000, ch).c_str());
+            return 0;
+        });
         test::Await([&] { return ini.Get("S", "k") != "start"; });
         for (int n = 0; n < round; ++n)
             ASSERT_EQ(ini.Get("T", "last"), "1");
-        child->Kill();
-        EXPECT_EQ(child->Wait(), 128 + SIGKILL);
+        child.Kill();
+        EXPECT_EQ(child.Wait(), 128 + SIGKILL);
 
         const std::string text = ini.Text();
         ASSERT_TRUE(text == whole('A') || text == whole('B')) << text.size();
