@@ -3,28 +3,14 @@
 #include "tests/support/CopyList.h"
 #include "tests/support/Picture.h"
 
+using namespace test;
 using testing::ElementsAre;
 
 namespace {
 
-// A bitmap of this size that its taker ends.
-HBITMAP MakeBitmap(int cx, int cy)
-{
-    const HDC hDC = CreateCompatibleDC(nullptr);
-    const HBITMAP hBitmap = CreateCompatibleBitmap(hDC, cx, cy);
-    DeleteDC(hDC);
-    return hBitmap;
-}
-
-// A bitmap with these pixels.
-HBITMAP MakeBitmap(const test::Picture& picture)
-{
-    return test::Paper(picture).Detach();
-}
-
 struct Bitmap : testing::Test
 {
-    void Attach(int cx, int cy) { bitmap.AttachBitmap(MakeBitmap(cx, cy)); }
+    void Attach(int cx, int cy) { bitmap.AttachBitmap(Paper(cx, cy).Detach()); }
     // The copies of a fill.
     std::vector<std::string> Filled(const CRect& rc, int nState = 0)
     {
@@ -32,10 +18,10 @@ struct Bitmap : testing::Test
         return copies.Take();
     }
 
-    test::Paper paper{12, 6, 'W'};
+    const Paper paper{12, 6, 'W'};
     CDC& dc = *CDC::FromHandle(paper);
     CKXBitmap bitmap;
-    test::CopyList copies;
+    CopyList copies;
 };
 
 TEST_F(Bitmap, StatesDivideTheImageAndLeaveTheRest)
@@ -46,17 +32,15 @@ TEST_F(Bitmap, StatesDivideTheImageAndLeaveTheRest)
     EXPECT_EQ(bitmap.GetSrcImageRect(), CRect(0, 0, 20, 7));
     bitmap.Draw(&dc, 1, 2, 4);
     EXPECT_EQ(bitmap.GetSrcImageRect(), CRect(80, 0, 100, 7));
-    bitmap.SetMultiState(3, 0);
-    bitmap.Draw(&dc, 0, 0, 2);
     for (const int nCount : {1, 0, -3}) {
         bitmap.SetMultiState(nCount, 1);
         bitmap.Draw(&dc, 0, 0, 9);
     }
-    copies.Take();
     bitmap.SetMultiState(3, 0);
-    bitmap.Draw(&dc, 0, 0, 2);
-    bitmap.Draw(&dc, 0, 0, 2);
-    EXPECT_THAT(copies.Take(), ElementsAre("0,0 102x2 from 0,4", "0,0 102x2 from 0,4"));
+    for (int n = 0; n < 2; ++n)
+        bitmap.Draw(&dc, 0, 0, 2);
+    EXPECT_THAT(copies.Take(), ElementsAre("1,2 20x7 from 80,0", "0,0 102x7 from 0,0", "0,0 102x7 from 0,0",
+                                           "0,0 102x7 from 0,0", "0,0 102x2 from 0,4", "0,0 102x2 from 0,4"));
     EXPECT_EQ(bitmap.GetMultiState(), 3);
     EXPECT_EQ(bitmap.IsHorzMultiState(), 0);
 }
@@ -75,7 +59,7 @@ TEST_F(Bitmap, DrawsPartsAndKeyedBlocks)
 
 TEST_F(Bitmap, FillsMiddleFirstLastInThatOrder)
 {
-    const test::Paper large(50, 12);
+    const Paper large(50, 12);
     CDC& largeDc = *CDC::FromHandle(large);
     Attach(30, 10);
     bitmap.SetFillParam(10, 5, 1);
@@ -86,8 +70,8 @@ TEST_F(Bitmap, FillsMiddleFirstLastInThatOrder)
     bitmap.DrawFill(&largeDc, CRect(0, 0, 45, 1), 0); // whole tiles: none is cut
     EXPECT_THAT(copies.Take(), ElementsAre("10,0 15x10 from 10,0", "25,0 15x10 from 10,0",
                                            "0,0 10x10 from 0,0", "40,0 5x10 from 25,0"));
-    bitmap.TransparentDrawFill(&largeDc, CRect(0, 0, 12, 1), 7,
-                               0); // no room: the ends alone, one over the other
+    // No room: the ends alone, one over the other.
+    bitmap.TransparentDrawFill(&largeDc, CRect(0, 0, 12, 1), 7, 0);
     EXPECT_THAT(copies.Take(), ElementsAre("keyed 0,0 10x10 from 0,0", "keyed 7,0 5x10 from 25,0"));
     bitmap.SetFillParam(3, 2, 0);
     bitmap.DrawFill(&largeDc, CRect(4, 0, 5, 12), 0);
@@ -122,37 +106,31 @@ TEST_F(Bitmap, FillPartsFollowTheState)
     bitmap.SetMultiState(2, 1);
     Attach(20, 3);
     EXPECT_EQ(bitmap.GetSrcImageRect(), CRect(0, 0, 10, 3));
-    bitmap.DrawFill(&dc, CRect(0, 0, 10, 3), 0); // a load leaves the parts as they were: of no image yet
-    copies.Take();
-    bitmap.DrawFill(&dc, CRect(0, 0, 10, 3), 1);
-    EXPECT_THAT(copies.Take(), ElementsAre("1,0 8x3 from 11,0", "0,0 1x3 from 10,0", "9,0 1x3 from 19,0"));
+    Filled(CRect(0, 0, 10, 3)); // a load leaves the parts as they were: of no image yet
+    EXPECT_THAT(Filled(CRect(0, 0, 10, 3), 1),
+                ElementsAre("1,0 8x3 from 11,0", "0,0 1x3 from 10,0", "9,0 1x3 from 19,0"));
 }
 
-// The parts are those of the image that was there at SetFillParam or SetMultiState.
+// The parts are those of the image that was there at SetFillParam or SetMultiState, and of its first state.
 TEST_F(Bitmap, FillPartsOutliveALoad)
-{
-    Attach(20, 3);
-    bitmap.SetFillParam(2, 3, 1);
-    const auto kept = ElementsAre("2,0 15x3 from 2,0", "0,0 2x3 from 0,0", "17,0 3x3 from 17,0");
-    Attach(10, 3);
-    EXPECT_THAT(Filled(CRect(0, 0, 20, 3)), kept);
-    const test::TempDir dir;
-    dir.Write("small.bmp", test::ToBmp({"RGBRGB"}, 24).File());
-    EXPECT_EQ(bitmap.LoadBitmapA(dir.Win("small.bmp")), 1);
-    EXPECT_THAT(Filled(CRect(0, 0, 20, 3), 1), kept); // of the only state, whatever is named
-    bitmap.SetMultiState(1, 1);
-    EXPECT_THAT(Filled(CRect(0, 0, 8, 3)),
-                ElementsAre("2,0 1x1 from 2,0", "3,0 1x1 from 2,0", "4,0 1x1 from 2,0", "0,0 2x1 from 0,0",
-                            "5,0 3x1 from 3,0"));
-}
-
-TEST_F(Bitmap, FillPartsAreOfTheFirstStateAfterSetMultiState)
 {
     Attach(20, 3);
     bitmap.SetFillParam(2, 3, 1);
     bitmap.SetMultiState(2, 1);
     EXPECT_THAT(Filled(CRect(0, 0, 10, 3)),
                 ElementsAre("2,0 5x3 from 2,0", "0,0 2x3 from 0,0", "7,0 3x3 from 7,0"));
+    bitmap.SetMultiState(1, 1);
+    const auto kept = ElementsAre("2,0 15x3 from 2,0", "0,0 2x3 from 0,0", "17,0 3x3 from 17,0");
+    Attach(10, 3);
+    EXPECT_THAT(Filled(CRect(0, 0, 20, 3)), kept);
+    const TempDir dir;
+    dir.Write("small.bmp", ToBmp({"RGBRGB"}, 24).File());
+    EXPECT_EQ(bitmap.LoadBitmapA(dir.Win("small.bmp")), 1);
+    EXPECT_THAT(Filled(CRect(0, 0, 20, 3), 1), kept); // of the only state, whatever is named
+    bitmap.SetMultiState(1, 1);
+    EXPECT_THAT(Filled(CRect(0, 0, 8, 3)),
+                ElementsAre("2,0 1x1 from 2,0", "3,0 1x1 from 2,0", "4,0 1x1 from 2,0", "0,0 2x1 from 0,0",
+                            "5,0 3x1 from 3,0"));
 }
 
 TEST_F(Bitmap, EmptyObjectsDrawNothing)
@@ -174,26 +152,6 @@ TEST_F(Bitmap, EmptyObjectsDrawNothing)
     EXPECT_THAT(copies.Take(), ElementsAre("0,0 4x4 from 0,0"));
 }
 
-TEST_F(Bitmap, OddParametersEndQuietly)
-{
-    Attach(6, 3);
-    bitmap.DrawFill(&dc, CRect(0, 0, 100, 3), 0); // no fill parameters yet
-    bitmap.Pave(&dc, CRect(0, 0, 100, 3), 0);
-    for (const int nBig : {7, INT_MAX, INT_MIN, -1})
-        for (const int bHorz : {0, 1}) {
-            bitmap.SetFillParam(nBig, nBig, bHorz);
-            bitmap.DrawFill(&dc, CRect(0, 0, 12, 6), 0);
-            bitmap.Pave(&dc, CRect(0, 0, 12, 6), 0);
-        }
-    bitmap.SetMultiState(3, 1);
-    for (const int nState : {-1, 3, INT_MAX, INT_MIN}) {
-        bitmap.Draw(&dc, 0, 0, nState);
-        bitmap.TransparentDrawPart(&dc, CRect(0, 0, 12, 6), CRect(-5, -5, INT_MAX, 90), 0, nState);
-    }
-    bitmap.SetMultiState(INT_MAX, 0);
-    bitmap.Draw(&dc, 0, 0, 1);
-}
-
 // End parts of a length below 0 make that much more room for the middle.
 TEST_F(Bitmap, NegativeEndPartsMakeRoom)
 {
@@ -204,9 +162,10 @@ TEST_F(Bitmap, NegativeEndPartsMakeRoom)
 }
 
 // Tiles that can't be seen aren't drawn, and those that can stand where they would.
-TEST_F(Bitmap, RectanglesOfAnySizeEndSoon)
+TEST_F(Bitmap, OddParametersAndRectanglesOfAnySizeEndSoon)
 {
     Attach(7, 3);
+    Filled(CRect(0, 0, 100, 3)); // no fill parameters yet
     bitmap.SetFillParam(1, 1, 1);
     // From -2147483647 on in steps of 5.
     EXPECT_THAT(Filled(CRect(INT_MIN, 0, INT_MAX, 3)),
@@ -214,35 +173,43 @@ TEST_F(Bitmap, RectanglesOfAnySizeEndSoon)
                             "-2147483648,0 1x3 from 0,0", "2147483646,0 1x3 from 6,0"));
     bitmap.DrawFill(nullptr, CRect(0, 0, INT_MAX, 3), 0);
     EXPECT_EQ(copies.Take().size(), 2u);
-    EXPECT_EQ(Filled(CRect(-5 * 4096 - 1, 0, 1, 3)).size(),
-              2u); // the last tile ends where the surface begins
-    const CRect huge[] = {CRect(INT_MIN, INT_MIN, INT_MAX, INT_MAX), CRect(0, 0, INT_MAX, INT_MAX),
-                          CRect(INT_MIN, INT_MIN, 1, 1), CRect(INT_MAX, INT_MAX, INT_MIN, INT_MIN),
-                          CRect(0, 0, 20'000, 12'000)};
-    for (const int bHorz : {1, 0})
-        for (const CRect& rc : huge) {
-            bitmap.SetFillParam(1, 1, bHorz);
-            bitmap.DrawFill(&dc, rc, 0);
-            bitmap.TransparentDrawFill(&dc, rc, 1, 0);
-            bitmap.Pave(&dc, rc, 0);
-            bitmap.Pave(nullptr, rc, 0);
-        }
+    // The last tile ends where the surface begins.
+    EXPECT_EQ(Filled(CRect(-5 * 4096 - 1, 0, 1, 3)).size(), 2u);
+    const CRect rectangles[] = {
+        {INT_MIN, INT_MIN, INT_MAX, INT_MAX}, {0, 0, INT_MAX, INT_MAX}, {INT_MIN, INT_MIN, 1, 1},
+        {INT_MAX, INT_MAX, INT_MIN, INT_MIN}, {0, 0, 20'000, 12'000},   {0, 0, 12, 6}};
+    for (const int nEnd : {1, 8, INT_MAX, INT_MIN, -1})
+        for (const int bHorz : {1, 0})
+            for (const CRect& rc : rectangles) {
+                bitmap.SetFillParam(nEnd, nEnd, bHorz);
+                bitmap.DrawFill(&dc, rc, 0);
+                bitmap.TransparentDrawFill(&dc, rc, 1, 0);
+                bitmap.Pave(&dc, rc, 0);
+                bitmap.Pave(nullptr, rc, 0);
+            }
+    bitmap.SetMultiState(3, 1);
+    for (const int nState : {-1, 3, INT_MAX, INT_MIN}) {
+        bitmap.Draw(&dc, 0, 0, nState);
+        bitmap.TransparentDrawPart(&dc, CRect(0, 0, 12, 6), CRect(-5, -5, INT_MAX, 90), 0, nState);
+    }
+    bitmap.SetMultiState(INT_MAX, 0);
+    bitmap.Draw(&dc, 0, 0, 1);
     EXPECT_LT(copies.Take().size(), 1000u);
 }
 
 // A part of a keyed copy that the image lacks is left out alone, though the platform refuses such a copy.
 TEST_F(Bitmap, KeyedCopiesLeaveOutWhatIsNotThere)
 {
-    bitmap.AttachBitmap(MakeBitmap({"RMB"}));
+    bitmap.AttachBitmap(Paper({"RMB"}).Detach());
     bitmap.SetFillParam(5, 0, 1); // longer than the image
-    bitmap.TransparentDrawFill(&dc, CRect(1, 0, 6, 1), test::ColorOf('M'), 0);
+    bitmap.TransparentDrawFill(&dc, CRect(1, 0, 6, 1), ColorOf('M'), 0);
     bitmap.SetFillParam(-2, 0, 1); // the middle begins in front of it
-    bitmap.TransparentDrawFill(&dc, CRect(8, 1, 11, 2), test::ColorOf('M'), 0);
-    EXPECT_THAT(test::Read(paper, 0, 0, 12, 2), ElementsAre("WRWBWWWWWWWW", "WWWWWWWWRWBW"));
+    bitmap.TransparentDrawFill(&dc, CRect(8, 1, 11, 2), ColorOf('M'), 0);
+    EXPECT_THAT(Read(paper, 0, 0, 12, 2), ElementsAre("WRWBWWWWWWWW", "WWWWWWWWRWBW"));
     bitmap.SetMultiState(2, 1);
     copies.Take();
     for (const int nState : {-1, 3})
-        bitmap.TransparentDraw(&dc, 0, 3, test::ColorOf('M'), nState);
+        bitmap.TransparentDraw(&dc, 0, 3, ColorOf('M'), nState);
     EXPECT_EQ(copies.Take().size(), 2u);
 }
 
@@ -255,51 +222,48 @@ TEST_F(Bitmap, AttachingNothingSelectsTheFirstState)
     EXPECT_EQ(bitmap.GetSrcImageRect(), CRect(0, 0, 10, 3)); // of the last record
 }
 
+// A region on white paper, in red.
+Picture Painted(HRGN region, int cx, int cy)
+{
+    const Paper paper(cx, cy, 'W');
+    FillRgn(paper, region, Scoped<HBRUSH>(CreateSolidBrush(ColorOf('R'))));
+    return paper.Read();
+}
+
 TEST_F(Bitmap, RegionOfAColorOrOfTheRest)
 {
-    bitmap.AttachBitmap(MakeBitmap({"MMRR", "MRMR", "MMMM"}));
+    bitmap.AttachBitmap(Paper({"MMRR", "MRMR", "MMMM"}).Detach());
     bitmap.SetMultiState(2, 1); // states don't matter
-    for (const int bKeep : {0, 1}) {
-        CRgn rgn;
-        bitmap.CreateBitmapRgn(rgn, test::ColorOf('M'), bKeep);
-        const test::Picture picture{"MMRR", "MRMR", "MMMM"};
-        for (int y = -1; y < 4; ++y)
-            for (int x = -1; x < 5; ++x) {
-                const bool bInside = x >= 0 && y >= 0 && x < 4 && y < 3;
-                const bool bKey =
-                    bInside && picture[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)] == 'M';
-                EXPECT_EQ(rgn.PtInRegion(x, y) != 0, bInside && bKey == (bKeep != 0)) << x << "," << y;
-            }
-    }
-    CRgn all;
-    bitmap.CreateBitmapRgn(all, 0x01000000, 0); // no pixel is of a colour with a high byte
-    RECT box{};
+    CRgn rest, key, all;
+    bitmap.CreateBitmapRgn(rest, ColorOf('M'), 0);
+    EXPECT_THAT(Painted(rest, 5, 4), ElementsAre("WWRRW", "WRWRW", "WWWWW", "WWWWW"));
+    bitmap.CreateBitmapRgn(key, ColorOf('M'), 1);
+    EXPECT_THAT(Painted(key, 5, 4), ElementsAre("RRWWW", "RWRWW", "RRRRW", "WWWWW"));
+    bitmap.CreateBitmapRgn(all, 0x01000000, 0);   // no pixel is of a colour with a high byte
+    bitmap.CreateBitmapRgn(all, ColorOf('M'), 0); // has a region: it stays
+    CRect box;
     EXPECT_EQ(all.GetRgnBox(&box), SIMPLEREGION);
     EXPECT_EQ(box, CRect(0, 0, 4, 3));
-    bitmap.CreateBitmapRgn(all, 0, 0); // has a region: it stays
-    EXPECT_EQ(all.GetRgnBox(&box), SIMPLEREGION);
 }
 
 // The region of a picture is put together from its pieces in the right order.
 TEST_F(Bitmap, RegionOfAPictureOfAnySize)
 {
     for (const auto& [nWidth, nHeight] : {std::pair{128, 100}, {129, 100}, {4, 1}}) {
-        test::Picture picture = test::Plain(nWidth, nHeight, 'W');
-        for (int y = 0; y < nHeight; ++y)
-            picture[static_cast<std::size_t>(y)][static_cast<std::size_t>(y * 29 % nWidth)] = 'R';
-        bitmap.AttachBitmap(MakeBitmap(picture));
+        Picture picture = Plain(nWidth, nHeight, 'W');
+        for (std::size_t y = 0; y < picture.size(); ++y)
+            picture[y][y * 29 % picture[y].size()] = 'R';
+        bitmap.AttachBitmap(Paper(picture).Detach());
         CRgn rgn;
-        bitmap.CreateBitmapRgn(rgn, test::ColorOf('R'), 1);
-        for (int y = 0; y < nHeight; ++y)
-            for (int x = 0; x < nWidth; ++x)
-                EXPECT_EQ(rgn.PtInRegion(x, y) != 0, x == y * 29 % nWidth) << x << "," << y;
+        bitmap.CreateBitmapRgn(rgn, ColorOf('R'), 1);
+        EXPECT_EQ(Painted(rgn, nWidth, nHeight), picture);
     }
 }
 
 TEST_F(Bitmap, LoadsFilesAndForgetsTheOldOne)
 {
-    const test::TempDir dir;
-    dir.Write("two.bmp", test::ToBmp({"GR", "RG"}, 1, false, "RG").File());
+    const TempDir dir;
+    dir.Write("two.bmp", ToBmp({"GR", "RG"}, 1, false, "RG").File());
     EXPECT_EQ(bitmap.LoadBitmapA(dir.Win("two.bmp")), 1);
     EXPECT_EQ(bitmap.GetBITMAP().bmBitsPixel, 1);
     unsigned char rows[8];
@@ -307,25 +271,28 @@ TEST_F(Bitmap, LoadsFilesAndForgetsTheOldOne)
     EXPECT_EQ(rows[0], 0x80); // top row first, in its own depth
     EXPECT_EQ(rows[4], 0x40);
     bitmap.Draw(&dc, 0, 0, 0);
-    EXPECT_THAT(test::Read(paper, 0, 0, 3, 2), ElementsAre("GRW", "RGW"));
+    EXPECT_THAT(Read(paper, 0, 0, 3, 2), ElementsAre("GRW", "RGW"));
     EXPECT_EQ(bitmap.LoadBitmapA(dir.Win("none.bmp")), 0);
     EXPECT_EQ(bitmap.GetHBITMAP(), nullptr);
     EXPECT_EQ(bitmap.GetBITMAP().bmWidth, 2); // the record stays
     EXPECT_EQ(bitmap.LoadBitmapA(4711u), 0);
 }
 
-TEST(BitmapHandles, EachIsReleasedOnce)
+using BitmapHandles = LeakTest;
+
+// A move is a copy.
+TEST_F(BitmapHandles, EachIsReleasedOnce)
 {
-    const test::NoLeak noLeak;
     CKXBitmap a;
-    a.AttachBitmap(MakeBitmap(4, 4));
+    a.AttachBitmap(Paper(4, 4).Detach());
     {
-        CKXBitmap b = a;
-        EXPECT_EQ(b.GetHBITMAP(), a.GetHBITMAP());
-        b.AttachBitmap(MakeBitmap(5, 5)); // parts from the copy, which keeps its own
+        CKXBitmap b = std::move(a);
+        EXPECT_EQ(b.GetHBITMAP(), a.GetHBITMAP()); // NOLINT(bugprone-use-after-move)
+        b.AttachBitmap(Paper(5, 5).Detach());      // parts from the copy, which keeps its own
         EXPECT_NE(b.GetHBITMAP(), a.GetHBITMAP());
         EXPECT_EQ(a.GetBITMAP().bmWidth, 4);
-        a = b;
+        a = std::move(b);
+        EXPECT_EQ(b.GetHBITMAP(), a.GetHBITMAP()); // NOLINT(bugprone-use-after-move)
         const CKXBitmap& same = a;
         a = same;
     }
@@ -342,94 +309,68 @@ TEST(BitmapHandles, EachIsReleasedOnce)
     EXPECT_EQ(DeleteObject(hBitmap), 0); // gone already
 }
 
-// Whatever a copy loads, attaches, empties or is assigned, and when it ends: the others still draw theirs.
-TEST(BitmapHandles, CopiesLeaveTheSharedBitmapAlone)
+struct Client : CKXBitmap
 {
-    const test::NoLeak noLeak;
-    struct Client : CKXBitmap
-    {
-        using CKXBitmap::DeleteBitmap;
-    };
-    const test::Paper paper(2, 1, 'W');
+    using CKXBitmap::CreateBitmapDC, CKXBitmap::DeleteBitmap, CKXBitmap::DeleteBitmapDC;
+};
+
+// Whatever a copy loads, attaches, empties or is assigned, and when it ends: the others still draw theirs.
+TEST_F(BitmapHandles, CopiesLeaveTheSharedBitmapAlone)
+{
+    const Paper paper(2, 1, 'W');
     Client bitmap;
-    bitmap.AttachBitmap(MakeBitmap({"RG"}));
-    const HBITMAP hBitmap = bitmap.GetHBITMAP();
-    const auto expectWhole = [&](const char* pszAfter) {
-        BITMAP record{};
-        CDC::FromHandle(paper)->FillSolidRect(0, 0, 2, 1, test::ColorOf('W'));
+    bitmap.AttachBitmap(Paper({"RG"}).Detach());
+    const std::pair<const char*, std::function<void(Client&)>> acts[] = {
+        {"the end of a copy", [](Client&) {}},
+        {"an attach", [](Client& copy) { copy.AttachBitmap(Paper({"BB"}).Detach()); }},
+        {"a load that fails", [](Client& copy) { copy.LoadBitmapA("C:\\none.bmp"); }},
+        {"an end of the copy's bitmap", [](Client& copy) { copy.DeleteBitmap(); }},
+        {"an assignment", [](Client& copy) { copy = Client(); }},
+    };
+    for (const auto& [pszAfter, act] : acts) {
+        {
+            Client copy = bitmap;
+            act(copy);
+        }
+        CDC::FromHandle(paper)->FillSolidRect(0, 0, 2, 1, ColorOf('W'));
         bitmap.Draw(CDC::FromHandle(paper), 0, 0, 0);
         EXPECT_THAT(paper.Read(), ElementsAre("RG")) << pszAfter;
-        EXPECT_NE(GetObjectA(hBitmap, sizeof(record), &record), 0) << pszAfter;
-    };
-    {
-        const Client copy = bitmap;
     }
-    expectWhole("the end of a copy");
-    Client copy = bitmap;
-    copy.AttachBitmap(MakeBitmap({"BB"}));
-    expectWhole("an attach");
-    copy = bitmap;
-    copy.LoadBitmapA("C:\\none.bmp");
-    expectWhole("a load that fails");
-    copy = bitmap;
-    copy.DeleteBitmap();
-    expectWhole("an end of the copy's bitmap");
-    copy = bitmap;
-    copy = Client();
-    expectWhole("an assignment");
 }
 
-TEST(BitmapHandles, MovesAreCopies)
+TEST_F(BitmapHandles, StepsAreOpenToDerivedClasses)
 {
-    const test::NoLeak noLeak;
-    CKXBitmap from;
-    from.AttachBitmap(MakeBitmap(4, 4));
-    CKXBitmap to = std::move(from);
-    EXPECT_EQ(from.GetHBITMAP(), to.GetHBITMAP()); // NOLINT(bugprone-use-after-move)
-    CKXBitmap other;
-    other = std::move(to);
-    to.AttachBitmap(MakeBitmap(2, 2)); // NOLINT(bugprone-use-after-move)
-    EXPECT_EQ(other.GetHBITMAP(), from.GetHBITMAP());
-}
-
-TEST(BitmapHandles, StepsAreOpenToDerivedClasses)
-{
-    const test::NoLeak noLeak;
-    struct Client : CKXBitmap
-    {
-        void Step(int n) { n == 0 ? CreateBitmapDC() : n == 1 ? DeleteBitmapDC() : DeleteBitmap(); }
-    } client;
+    Client client;
     const HDC hDC = client.GetHDC();
-    client.Step(0);
+    client.CreateBitmapDC();
     EXPECT_EQ(client.GetHDC(), hDC); // there already
-    client.AttachBitmap(MakeBitmap(3, 3));
-    client.Step(2);
+    client.AttachBitmap(Paper(3, 3).Detach());
+    client.DeleteBitmap();
     EXPECT_EQ(client.GetHBITMAP(), nullptr);
     EXPECT_EQ(client.GetHDC(), hDC);
-    client.AttachBitmap(MakeBitmap(3, 3));
+    client.AttachBitmap(Paper(3, 3).Detach());
     const CKXBitmap copy = client;
-    client.Step(1);
+    client.DeleteBitmapDC();
     EXPECT_EQ(client.GetHDC(), nullptr);
     client.Draw(nullptr, 0, 0, 0);
-    client.Step(0);
-    client.AttachBitmap(MakeBitmap(3, 3));
+    client.CreateBitmapDC();
+    client.AttachBitmap(Paper(3, 3).Detach());
     EXPECT_NE(client.GetHDC(), nullptr);
 }
 
-TEST(BitmapHandles, EachLoadEndsTheOneBefore)
+TEST_F(BitmapHandles, EachLoadEndsTheOneBefore)
 {
-    const test::TempDir dir;
-    const std::string bmp = test::ToBmp({"RGB", "WKM"}, 8).File();
+    const TempDir dir;
+    const std::string bmp = ToBmp({"RGB", "WKM"}, 8).File();
     dir.Write("image.bmp", bmp);
-    const test::LinkedIn resources({{"BITMAP/101", bmp}});
-    const test::NoLeak noLeak;
+    const LinkedIn resources({{"BITMAP/101", bmp}});
     CKXBitmap bitmap;
-    bitmap.AttachBitmap(MakeBitmap(1, 1));
+    bitmap.AttachBitmap(Paper(1, 1).Detach());
     DeleteObject(bitmap.DetachBitmap());
+    CRgn rgn; // the first one of it stays
     for (int n = 0; n < 2; ++n) {
         EXPECT_EQ(bitmap.LoadBitmapA(101u), 1);
         EXPECT_EQ(bitmap.DetachBitmap(), nullptr); // what wasn't attached stays
-        CRgn rgn;
         bitmap.CreateBitmapRgn(rgn, 0, n);
         EXPECT_EQ(bitmap.LoadBitmapA(dir.Win("image.bmp")), 1);
         EXPECT_EQ(bitmap.LoadBitmapA(102u), 0);
@@ -437,9 +378,9 @@ TEST(BitmapHandles, EachLoadEndsTheOneBefore)
     }
 }
 
-TEST(BitmapHandles, ARegionWithoutMemoryIsNone)
+TEST(BitmapRegion, WithoutMemoryIsNone)
 {
-    EXPECT_EQ(test::Child("RegionChild", {}).Wait(), 0);
+    EXPECT_EQ(Child("RegionChild", {}).Wait(), 0);
 }
 
 } // namespace

@@ -1,12 +1,13 @@
 #include "KXGdiplusHelper.h"
 #include "tests/draw/Pictures.h"
 
+using namespace test;
 using testing::ElementsAre;
 
 namespace {
 
 // Gradients from black to a red show how far each pixel is on the way.
-struct GdiplusHelper : test::PictureTest
+struct GdiplusHelper : PictureTest
 {
     int RedAt(int x, int y) const { return GetRValue(GetPixel(canvas, x, y)); }
     std::vector<int> Reds(int x, int y, int dx, int dy, int nCount) const
@@ -20,7 +21,7 @@ struct GdiplusHelper : test::PictureTest
     std::vector<int> Column(int x, int from, int to) const { return Reds(x, from, 0, 1, to - from); }
     static bool IsBlue(COLORREF clr) { return GetBValue(clr) == 255 && GetRValue(clr) == 0; }
 
-    test::Paper canvas{24, 12, 'B'};
+    Paper canvas{24, 12, 'B'};
 };
 
 TEST_F(GdiplusHelper, AcrossOnce)
@@ -49,19 +50,19 @@ TEST_F(GdiplusHelper, DownWithABorderOfTheFullSize)
         EXPECT_THAT(Column(x, 1, 6), ElementsAre(50, 100, 150, 200, 250));
     EXPECT_TRUE(IsBlue(GetPixel(canvas, 5, 3)));
     CKXGdiplusHelper::DrawGradientRect(canvas, 0, RGB(250, 0, 0), CRect(1, 1, 5, 6), 1, RGB(0, 255, 0));
-    EXPECT_THAT(test::Read(canvas, 0, 0, 7, 8), ElementsAre("BBBBBBB", "BGGGGGB", "BG???GB", "BG???GB",
-                                                            "BG???GB", "BG???GB", "BGGGGGB", "BBBBBBB"));
+    EXPECT_THAT(Read(canvas, 0, 0, 7, 8), ElementsAre("BBBBBBB", "BGGGGGB", "BG???GB", "BG???GB", "BG???GB",
+                                                      "BG???GB", "BGGGGGB", "BBBBBBB"));
 }
 
 TEST_F(GdiplusHelper, RoundCornersLeaveTheSurfacesTools)
 {
-    const test::NoLeak noLeak;
-    const test::Scoped<HPEN> pen(CreatePen(PS_SOLID, 3, RGB(1, 2, 3)));
-    const test::Scoped<HBRUSH> brush(CreateSolidBrush(RGB(4, 5, 6)));
+    const NoLeak noLeak;
+    const Scoped<HPEN> pen(CreatePen(PS_SOLID, 3, RGB(1, 2, 3)));
+    const Scoped<HBRUSH> brush(CreateSolidBrush(RGB(4, 5, 6)));
     const HGDIOBJ hPen = SelectObject(canvas, static_cast<HPEN>(pen));
     const HGDIOBJ hBrush = SelectObject(canvas, static_cast<HBRUSH>(brush));
     const CRect rc(2, 1, 22, 11);
-    const test::Scoped<HRGN> inside(CreateRoundRectRgn(rc.left, rc.top, rc.right, rc.bottom, 12, 4));
+    const Scoped<HRGN> inside(CreateRoundRectRgn(rc.left, rc.top, rc.right, rc.bottom, 12, 4));
     for (const int bBorder : {0, 1}) {
         CKXGdiplusHelper::DrawGradientRoundRect(canvas, 0, RGB(250, 0, 0), rc, 12, 4, bBorder,
                                                 RGB(0, 255, 0));
@@ -93,7 +94,7 @@ TEST_F(GdiplusHelper, OutFromTheCentre)
 
 TEST_F(GdiplusHelper, BadSurfacesAndEmptyRectanglesPaintNothing)
 {
-    const test::NoLeak noLeak;
+    const NoLeak noLeak;
     const HDC hGone = CreateCompatibleDC(nullptr);
     DeleteDC(hGone);
     const std::pair<HDC, CRect> cases[] = {
@@ -106,7 +107,7 @@ TEST_F(GdiplusHelper, BadSurfacesAndEmptyRectanglesPaintNothing)
         CKXGdiplusHelper::DrawGradientRoundRect(hDC, 1, 2, rc, 4, 4, 0, 3);
         CKXGdiplusHelper::DrawPathGradientRect(hDC, rc, 1, 2);
     }
-    EXPECT_EQ(canvas.Read(), test::Plain(24, 12, 'B'));
+    EXPECT_EQ(canvas.Read(), Plain(24, 12, 'B'));
 }
 
 } // namespace

@@ -3,15 +3,14 @@
 #include "tests/draw/Pictures.h"
 #include "tests/platform/module/Bundles.h"
 
-using test::Block;
-using test::Plain;
+using namespace test;
 using testing::ElementsAre;
 
 namespace {
 
-struct GdiplusImage : test::PictureTest
+struct GdiplusImage : PictureTest
 {
-    void Load(const test::Picture& picture) { EXPECT_EQ(LoadBytes(image, test::File(picture)), 1); }
+    void Load(const Picture& picture) { EXPECT_EQ(LoadBytes(image, File(picture)), 1); }
 
     CKXGdiplusImage image;
     Gdiplus::Graphics graphics{paper};
@@ -19,10 +18,10 @@ struct GdiplusImage : test::PictureTest
 
 TEST_F(GdiplusImage, LoadsResourcesAndStreams)
 {
-    const test::NoLeak noLeak;
-    const std::string file = test::File({"RG", "BM"});
+    const NoLeak noLeak;
+    const std::string file = File({"RG", "BM"});
     const HMODULE hModule = LoadLibraryA(
-        KXHost::FromSystemPath(test::CompileBundle(dir, {{"IMAGE/7", file}, {"IMAGE/8", "no picture"}})));
+        KXHost::FromSystemPath(CompileBundle(dir, {{"IMAGE/7", file}, {"IMAGE/8", "no picture"}})));
     AfxSetResourceHandle(hModule);
     EXPECT_EQ(image.Load(0x10007u), 1); // 16 bits count
     EXPECT_EQ(image.Load(9u), 0);       // none: the old one stays
@@ -51,13 +50,13 @@ TEST_F(GdiplusImage, LoadsResourcesAndStreams)
 TEST_F(GdiplusImage, FailedLoadsKeepOrDropTheOldOne)
 {
     BYTE byte = 0;
-    dir.Write("a.bmp", test::File({"RGB"}));
+    dir.Write("a.bmp", File({"RGB"}));
     EXPECT_EQ(image.Load(dir.Win("a.bmp")), 1);
     dir.Write("a.bmp", "no picture");
-    dir.Write("large.bmp", test::File({"RGB"}));
+    dir.Write("large.bmp", File({"RGB"}));
     std::filesystem::resize_file(dir.Path("large.bmp"), Gdiplus::MAX_IMAGE_BYTES + 1);
     {
-        const test::DebugText text(true);
+        const DebugText text(true);
         EXPECT_EQ(image.Load(dir.Win("none.png")), 0);
         EXPECT_EQ(image.Load(dir.Win("large.bmp")), 0);
         EXPECT_EQ(text.Text(), "picture: " + std::string(dir.Win("none.png")) +
@@ -106,7 +105,7 @@ TEST_F(GdiplusImage, RendersAtAPlaceOrIntoARectangle)
 
 TEST_F(GdiplusImage, RotationIsSharedAndReplacingIsNot)
 {
-    const test::NoLeak noLeak;
+    const NoLeak noLeak;
     Load({"RGB", "CMY"});
     {
         CKXGdiplusImage copy = image;
@@ -203,7 +202,7 @@ TEST_F(GdiplusImage, EmptyObjects)
               0);
     EXPECT_EQ(image.SaveThumbnailImage(dir.Win("b"), 3, 4, "image/png"), 0);
     EXPECT_THAT(KXHost::TakeMessageBoxes(),
-                ElementsAre(testing::Field(&KXHost::MessageBoxRecord::strText, test::szNoImage)));
+                ElementsAre(testing::Field(&KXHost::MessageBoxRecord::strText, szNoImage)));
 }
 
 } // namespace

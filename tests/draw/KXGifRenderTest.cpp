@@ -2,31 +2,29 @@
 #include "tests/draw/Pictures.h"
 #include "tests/platform/gdiplus/Builders.h"
 
+using namespace test;
+using testing::ElementsAre;
+
 namespace {
 
 // Shows what deriving classes see.
 struct Player : CKXGifRender
 {
-    using CKXGifRender::CanPlay;
-    using CKXGifRender::FixRender;
-    using CKXGifRender::GetFixRenderRect;
-    using CKXGifRender::m_dwLastTime;
-    using CKXGifRender::m_nCurFrame;
-    using CKXGifRender::m_nFrameDelay;
+    using CKXGifRender::CanPlay, CKXGifRender::Release, CKXGifRender::PlayNextFrame;
+    using CKXGifRender::FixRender, CKXGifRender::GetFixRenderRect;
+    using CKXGifRender::m_dwLastTime, CKXGifRender::m_nCurFrame, CKXGifRender::m_nFrameDelay;
     using CKXGifRender::m_nPlayState;
-    using CKXGifRender::PlayNextFrame;
-    using CKXGifRender::Release;
 };
 
-struct GifRender : test::PictureTest
+struct GifRender : PictureTest
 {
     // Frames of one pixel, each with its delay.
     static std::string Frames(const std::string& letters, const std::vector<unsigned>& delays)
     {
-        std::vector<test::GifFrame> frames;
+        std::vector<GifFrame> frames;
         for (std::size_t n = 0; n < letters.size(); ++n)
             frames.push_back({.picture = {{letters[n]}}, .delay = delays[n]});
-        return test::Gif(1, 1, frames);
+        return Gif(1, 1, frames);
     }
     int Load(Player& loaded, const std::string& file)
     {
@@ -36,9 +34,9 @@ struct GifRender : test::PictureTest
     // The active frame's first pixel.
     char Shown(CKXGifRender& shown)
     {
-        dc.FillSolidRect(0, 0, 8, 6, test::ColorOf('W'));
+        dc.FillSolidRect(0, 0, 8, 6, ColorOf('W'));
         shown.Render(&dc, 2, 1);
-        return test::LetterOf(dc.GetPixel(2, 1));
+        return LetterOf(dc.GetPixel(2, 1));
     }
 
     Player gif;
@@ -57,7 +55,7 @@ TEST_F(GifRender, FramesGoRoundWithTheirDelays)
         gif.PlayNextFrame();
     }
     EXPECT_EQ(shown, "RGBCMYRG");
-    EXPECT_THAT(delays, testing::ElementsAre(100, 10, 50, 65280, 100, 100, 100, 10));
+    EXPECT_THAT(delays, ElementsAre(100, 10, 50, 65280, 100, 100, 100, 10));
 }
 
 TEST_F(GifRender, PlayingMovesOneFrameWhenTheDelayHasPassed)
@@ -110,8 +108,7 @@ TEST_F(GifRender, OneFrameIsDrawnNotPlayed)
 
 TEST_F(GifRender, PagesWithoutDelaysPlayAtATenthOfASecond)
 {
-    ASSERT_EQ(
-        Load(gif, test::Tiff({test::GrayTiff(1, 1, std::string(1, '\0')), test::GrayTiff(1, 1, "\xFF")})), 1);
+    ASSERT_EQ(Load(gif, Tiff({GrayTiff(1, 1, std::string(1, '\0')), GrayTiff(1, 1, "\xFF")})), 1);
     EXPECT_EQ(gif.CanPlay(), 1);
     gif.m_nFrameDelay = 7;
     EXPECT_EQ(gif.Play(), 1);
@@ -123,7 +120,7 @@ TEST_F(GifRender, PagesWithoutDelaysPlayAtATenthOfASecond)
 
 TEST_F(GifRender, FailedLoadsHaveDroppedTheOldPicture)
 {
-    const test::NoLeak noLeak;
+    const NoLeak noLeak;
     dir.Write("bad.gif", "GIF89a");
     for (const CString& strPath : {dir.Win("none.gif"), dir.Win("bad.gif"), CString()}) {
         Load(gif, Frames("RG", {30, 30}));
@@ -145,7 +142,7 @@ TEST_F(GifRender, FailedLoadsHaveDroppedTheOldPicture)
 
 TEST_F(GifRender, CopiesShareThePictureUntilTheLast)
 {
-    const test::NoLeak noLeak;
+    const NoLeak noLeak;
     {
         Player copy;
         {
@@ -175,12 +172,12 @@ TEST_F(GifRender, FixedRectangle)
     EXPECT_EQ(fixed, CRect(1, 2, 3, 4)); // no picture
     Gdiplus::Graphics graphics(paper);
     gif.FixRender(graphics, CRect(0, 0, 8, 6));
-    EXPECT_EQ(paper.Read(), test::Block(0, 0, 0, 0));
-    Load(gif, test::Gif(8, 4, {{.picture = test::Plain(8, 4)}}));
+    EXPECT_EQ(paper.Read(), Block(0, 0, 0, 0));
+    Load(gif, Gif(8, 4, {{.picture = Plain(8, 4)}}));
     gif.GetFixRenderRect(CRect(2, 0, 6, 4), fixed);
     EXPECT_EQ(fixed, CRect(2, 1, 6, 3));
     gif.FixRender(graphics, CRect(2, 0, 6, 4));
-    EXPECT_EQ(paper.Read(), test::Block(2, 1, 6, 3));
+    EXPECT_EQ(paper.Read(), Block(2, 1, 6, 3));
 }
 
 } // namespace

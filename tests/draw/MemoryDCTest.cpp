@@ -5,6 +5,7 @@
 #include "tests/support/Picture.h"
 #include "tests/support/Test.h"
 
+using namespace test;
 using testing::ElementsAre;
 
 namespace {
@@ -18,8 +19,8 @@ CSize SizeOf(CBitmap& bitmap)
 
 TEST(MemDC, MirrorsARectangle)
 {
-    const test::NoLeak noLeak;
-    const test::Paper paper(test::Picture{"RGB", "CMY"});
+    const NoLeak noLeak;
+    const Paper paper(Picture{"RGB", "CMY"});
     CDC& dc = *CDC::FromHandle(paper);
     CKXMemDC mem;
     EXPECT_EQ(mem.IsValid(), 0);
@@ -28,7 +29,7 @@ TEST(MemDC, MirrorsARectangle)
     EXPECT_EQ(mem.IsValid(), 1);
     EXPECT_EQ(SizeOf(mem.GetBitmap()), CSize(2, 2));
     mem.FromDC();
-    EXPECT_THAT(test::Read(mem, 0, 0, 2, 2), ElementsAre("GB", "MY"));
+    EXPECT_THAT(Read(mem, 0, 0, 2, 2), ElementsAre("GB", "MY"));
     mem.Create(&dc, CRect(), 0xFFFFFFFF); // anew, of the clip box
     EXPECT_EQ(SizeOf(mem.GetBitmap()), CSize(3, 2));
     EXPECT_STREQ(mem.GetRuntimeClass()->m_lpszClassName, "CKXMemDC");
@@ -38,14 +39,14 @@ TEST(MemDC, MirrorsARectangle)
 
 TEST(MemDC, FillsItsRectangleUnshifted)
 {
-    const test::Paper paper(8, 8);
-    CKXMemDC mem(CDC::FromHandle(paper), CRect(1, 2, 5, 6), test::ColorOf('R'));
-    EXPECT_THAT(test::Read(mem, 0, 0, 4, 4), ElementsAre("....", "....", ".RRR", ".RRR"));
+    const Paper paper(8, 8);
+    CKXMemDC mem(CDC::FromHandle(paper), CRect(1, 2, 5, 6), ColorOf('R'));
+    EXPECT_THAT(Read(mem, 0, 0, 4, 4), ElementsAre("....", "....", ".RRR", ".RRR"));
     CKXMemDC black(CDC::FromHandle(paper), CRect(0, 0, 2, 2), 0);
     EXPECT_EQ(black.GetPixel(0, 0), 0u);
     CKXMemDC unfilled(CDC::FromHandle(paper), CRect(0, 0, 2, 2), static_cast<unsigned long>(-1));
     EXPECT_EQ(unfilled.GetPixel(0, 0), 0u);
-    CKXMemDC none(CDC::FromHandle(paper), CRect(0, 0, 1 << 15, 1 << 15), test::ColorOf('R')); // too large
+    CKXMemDC none(CDC::FromHandle(paper), CRect(0, 0, 1 << 15, 1 << 15), ColorOf('R')); // too large
     EXPECT_EQ(none.IsValid(), 1);
     EXPECT_EQ(none.GetBitmap().GetSafeHandle(), nullptr);
     EXPECT_EQ(BitBlt(paper, 0, 0, 2, 2, none, 0, 0, SRCCOPY), 1);
@@ -54,7 +55,7 @@ TEST(MemDC, FillsItsRectangleUnshifted)
 
 TEST(MemoryDC, IsMadeDestroyedAndMadeAgain)
 {
-    const test::NoLeak noLeak;
+    const NoLeak noLeak;
     CKXMemoryDC mem;
     mem.Destroy();
     EXPECT_EQ(mem.GetHDC(), nullptr);
@@ -78,8 +79,8 @@ TEST(MemoryDC, OutlivesTheWrapperOfWhatItsBitmapDisplaced)
 {
     static CKXMemoryDC s_atExit; // ends behind the thread's wrappers
     s_atExit.Create(1, 1);
-    const test::NoLeak noLeak;
-    const test::Paper paper(2, 2);
+    const NoLeak noLeak;
+    const Paper paper(2, 2);
     CKXMemoryDC fromThread;
     CKXMemDC mirror;
     std::thread([&] {
@@ -92,40 +93,40 @@ TEST(MemoryDC, OutlivesTheWrapperOfWhatItsBitmapDisplaced)
     mem.Create(2, 2);
     mem.GetDC().DeleteDC();
     for (int n = 0; n < 200; ++n)
-        CGdiObject::FromHandle(test::Scoped<HPEN>(CreatePen(PS_SOLID, 1, 0)));
+        CGdiObject::FromHandle(Scoped<HPEN>(CreatePen(PS_SOLID, 1, 0)));
 }
 
 TEST(PaintMemoryDC, CopiesItselfAtItsEnd)
 {
-    const test::NoLeak noLeak;
-    const test::Paper paper(4, 3, 'W');
+    const NoLeak noLeak;
+    const Paper paper(4, 3, 'W');
     {
         CKXPaintMemoryDC mem(CDC::FromHandle(paper), CRect(1, 1, 4, 3));
         CDC& dc = mem;
-        dc.FillSolidRect(0, 0, 1, 2, test::ColorOf('R'));
-        EXPECT_EQ(test::LetterOf(GetPixel(paper, 1, 1)), 'W');
+        dc.FillSolidRect(0, 0, 1, 2, ColorOf('R'));
+        EXPECT_EQ(LetterOf(GetPixel(paper, 1, 1)), 'W');
     }
     EXPECT_THAT(paper.Read(), ElementsAre("WWWW", "WR..", "WR.."));
     const CKXPaintMemoryDC nowhere(nullptr, CRect(0, 0, 2, 2));
     {
         const CKXPaintMemoryDC none(CDC::FromHandle(paper), CRect(0, 0, 1 << 15, 1 << 15)); // too large
     }
-    EXPECT_EQ(test::LetterOf(GetPixel(paper, 0, 0)), 'W');
+    EXPECT_EQ(LetterOf(GetPixel(paper, 0, 0)), 'W');
 }
 
 TEST(PaintMemoryDC, CoversAWindowAndFillsItUnlessWithBlack)
 {
-    const HWND hWnd = test::Make();
-    ASSERT_TRUE(test::Move(hWnd, 0, 0, 3, 2));
-    const test::Paper paper(4, 3, 'W');
+    const HWND hWnd = Make();
+    ASSERT_TRUE(Move(hWnd, 0, 0, 3, 2));
+    const Paper paper(4, 3, 'W');
     for (const auto& [clrBk, shown] :
-         {std::pair<unsigned long, char>{test::ColorOf('G'), 'G'}, {0, '.'}, {1ul << 32, '.'}}) {
+         {std::pair<unsigned long, char>{ColorOf('G'), 'G'}, {0, '.'}, {1ul << 32, '.'}}) {
         {
             CKXPaintMemoryDC mem(CWnd::FromHandle(hWnd), CDC::FromHandle(paper), clrBk);
             EXPECT_EQ(mem.GetSize(), CSize(3, 2));
             CDC* pDC = mem;
-            pDC->SetPixel(0, 0, test::ColorOf('R'));
-            EXPECT_EQ(pDC->GetBkColor(), test::ColorOf(shown == 'G' ? 'G' : 'W')); // a fill leaves its colour
+            pDC->SetPixel(0, 0, ColorOf('R'));
+            EXPECT_EQ(pDC->GetBkColor(), ColorOf(shown == 'G' ? 'G' : 'W')); // a fill leaves its colour
         }
         const std::string rest(2, shown);
         EXPECT_THAT(paper.Read(), ElementsAre("R" + rest + "W", shown + rest + "W", "WWWW"));

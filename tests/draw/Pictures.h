@@ -11,19 +11,12 @@ namespace test {
 inline constexpr char szNoImage[] = "\xC7\xEB\xCF\xC8\xCA\xB9\xD3\xC3Load\xB7\xBD\xB7\xA8"
                                     "\xBC\xD3\xD4\xD8\xCD\xBC\xC6\xAC\xA3\xA1";
 
-inline const unsigned short* Mime(const char16_t* psz)
-{
-    return reinterpret_cast<const unsigned short*>(psz);
-}
-
 // A red block on the white paper of a PictureTest.
 inline Picture Block(int left, int top, int right, int bottom)
 {
-    Picture picture = Plain(8, 6, 'W');
-    for (auto y = static_cast<std::size_t>(top); y < static_cast<std::size_t>(bottom); ++y)
-        for (auto x = static_cast<std::size_t>(left); x < static_cast<std::size_t>(right); ++x)
-            picture[y][x] = 'R';
-    return picture;
+    const Paper paper(8, 6, 'W');
+    CDC::FromHandle(paper)->FillSolidRect(left, top, right - left, bottom - top, ColorOf('R'));
+    return paper.Read();
 }
 
 inline std::string File(const Picture& picture)
@@ -39,8 +32,7 @@ struct PictureTest : testing::Test
         return object.Load(reinterpret_cast<BYTE*>(bytes.data()), bytes.size());
     }
     // The paper after a call.
-    template <class Draw>
-    Picture Drawn(Draw&& draw)
+    Picture Drawn(const auto& draw)
     {
         dc.FillSolidRect(0, 0, 8, 6, ColorOf('W'));
         draw();
