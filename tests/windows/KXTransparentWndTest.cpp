@@ -34,29 +34,12 @@ void Create(CWnd& wnd, const CRect& rect)
         wnd.CreateEx(0, AfxRegisterWndClass(CS_HREDRAW | CS_VREDRAW), "", WS_POPUP, rect, nullptr, 0));
 }
 
-TEST(Transparent, ShowsTheScreenBelowItselfOutlined)
-{
-    const test::NoLeak noLeak;
-    const Stripes stripes({18, 28, 150, 92});
-    CKXTransparentWnd wnd;
-    Create(wnd, CRect(20, 30, 140, 90));
-    wnd.ShowWindow(SW_SHOWNA);
-    EXPECT_EQ(SeenRow(18, 30, 6), "GMGMGM"); // nothing of its own is seen before it has painted
-    test::CopyList copies;
-    Pump();
-    EXPECT_THAT(copies.Take(), // its own rectangle of the desktop, and its copy
-                testing::ElementsAre("0,0 120x60 from 20,30", "0,0 120x60 from 0,0"));
-    EXPECT_EQ(SeenRow(18, 30, 6), "GM....");
-    EXPECT_EQ(SeenRow(18, 31, 6), "GM.MGM");
-    EXPECT_EQ(SeenRow(136, 88, 6), "GMG.GM");
-    EXPECT_EQ(SeenRow(136, 89, 6), "....GM");
-}
-
-// Its white-on-screen notice, letter by letter: "开始听写！" in code page 936, in the default font.
-TEST(Transparent, ShowsTheNotice)
+// Its white-on-screen notice is "开始听写！" in code page 936, in the default font.
+TEST(Transparent, ShowsTheScreenBelowItselfOutlinedWithTheNotice)
 {
     constexpr char szNotice[] = "\xBF\xAA\xCA\xBC\xCC\xFD\xD0\xB4\xA3\xA1";
-    const Stripes stripes({20, 30, 140, 90});
+    const test::NoLeak noLeak;
+    const Stripes stripes({18, 28, 150, 92});
     const test::Paper paper(120, 60);
     CDC& dc = *CDC::FromHandle(paper);
     const test::Desktop desktop;
@@ -69,10 +52,16 @@ TEST(Transparent, ShowsTheNotice)
     CKXTransparentWnd wnd;
     Create(wnd, CRect(20, 30, 140, 90));
     wnd.ShowWindow(SW_SHOWNA);
+    EXPECT_EQ(SeenRow(18, 30, 6), "GMGMGM"); // nothing of its own is seen before it has painted
+    test::CopyList copies;
     Pump();
+    EXPECT_THAT(copies.Take(), // its own rectangle of the desktop, and its copy
+                testing::ElementsAre("0,0 120x60 from 20,30", "0,0 120x60 from 0,0"));
     for (int y = 0; y < 60; ++y)
         for (int x = 0; x < 120; ++x)
             ASSERT_EQ(GetPixel(desktop, 20 + x, 30 + y), dc.GetPixel(x, y)) << x << "," << y;
+    EXPECT_EQ(SeenRow(18, 30, 6), "GM....");
+    EXPECT_EQ(SeenRow(136, 89, 6), "....GM");
 }
 
 TEST(Transparent, TakesTheCopyAnewAtEachPaintAndTheSizeAtEachShow)
