@@ -1,11 +1,11 @@
 #include "KXLanResManager.h"
 #include "KXMessages.h"
-#include "platform/Error.h"
 #include "tests/language/LanguageTree.h"
 #include "tests/platform/window/Support.h"
 #include "tests/support/Registry.h"
 #include "tests/support/Test.h"
 
+using namespace test;
 using testing::ElementsAre;
 
 namespace {
@@ -17,10 +17,10 @@ struct Language : testing::Test
         tree.Add("Beta", "B", "k=beta\n");
         tree.Add("alpha", "A", "k=alpha\n");
         tree.Add(".hidden", "H", "k=hidden\n");
-        test::AppDir().Write(tree.Path("nameless/Lan.ini"), "[Language]\r\nLanguage=\r\n");
-        test::AppDir().MakeDir(tree.Path("bare"));
-        test::AppDir().Write(tree.Path("file"), "");
-        test::AppDir().Write(tree.Path("Lan.ini"), "[Language]\r\nLanguage=the root itself\r\n");
+        AppDir().Write(tree.Path("nameless/Lan.ini"), "[Language]\r\nLanguage=\r\n");
+        AppDir().MakeDir(tree.Path("bare"));
+        AppDir().Write(tree.Path("file"), "");
+        AppDir().Write(tree.Path("Lan.ini"), "[Language]\r\nLanguage=the root itself\r\n");
     }
     void Init() { ASSERT_EQ(lans->Initialize(tree.Name().c_str()), 1); }
     std::vector<std::string> Ids() const
@@ -34,21 +34,17 @@ struct Language : testing::Test
     }
     std::string Current() const { return lans->GetCurrentLan().strID.GetString(); }
 
-    test::LanguageTree tree;
-    CKXLanResManager* lans = (test::AppDir(), CKXLanResManager::GetSingletonPtr());
+    LanguageTree tree;
+    CKXLanResManager* lans = (AppDir(), CKXLanResManager::GetSingletonPtr());
 };
 
-// A window of the test's, counting the language messages that reach it and what language it finds then.
-class Listener : test::Fixed
+// A visible window of the test's, writing down what language it finds at each language message.
+struct Listener : Fixed
 {
-public:
-    explicit Listener(DWORD dwStyle) : m_hWnd(test::Make(&m_handler, dwStyle)) {}
-    ~Listener() { DestroyWindow(m_hWnd); }
+    ~Listener() { DestroyWindow(window); }
 
     std::vector<std::string> heard;
-
-private:
-    const test::Handler m_handler = [this](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) -> LRESULT {
+    const Handler handler = [this](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) -> LRESULT {
         if (nMsg != WM_KXLANCHANGED) return DefWindowProcA(hWnd, nMsg, wParam, lParam);
         EXPECT_EQ(wParam, 0u);
         EXPECT_EQ(lParam, 0);
@@ -56,12 +52,12 @@ private:
         heard.push_back(std::string(pLans->GetCurrentLan().strID) + ":" + pLans->GetString("k").GetString());
         return 0;
     };
-    const HWND m_hWnd;
+    const HWND window = Make(&handler, WS_VISIBLE);
 };
 
 TEST_F(Language, FreshManagerKnowsNothing)
 {
-    EXPECT_EQ(test::RunChild("FreshLanguageChild", {test::AppDir().Path("app"), tree.Name()}), "");
+    EXPECT_EQ(RunChild("FreshLanguageChild", {AppDir().Path("app"), tree.Name()}), "");
 }
 
 TEST_F(Language, ListsDirectoriesThatNameThemselves)
@@ -75,7 +71,7 @@ TEST_F(Language, ListsDirectoriesThatNameThemselves)
         EXPECT_STREQ(lans->GetLanName(n), "");
         EXPECT_STREQ(lans->GetLanID(n), "");
     }
-    const test::DebugText text(true);
+    const DebugText text(true);
     EXPECT_EQ(lans->Initialize("nowhere"), 0);
     EXPECT_EQ(lans->GetLanCount(), 0);
     EXPECT_THAT(text.Text(), testing::EndsWith("\\nowhere\\ can't be read: there is no language\n"));
@@ -84,7 +80,7 @@ TEST_F(Language, ListsDirectoriesThatNameThemselves)
 TEST_F(Language, SelectsByPositionAndByExactIdentifier)
 {
     Init();
-    Listener window(WS_VISIBLE);
+    Listener window;
     EXPECT_EQ(lans->SetCurrentLan("Beta", 1), 1);
     EXPECT_EQ(lans->GetCurrentLanIndex(), 2);
     EXPECT_EQ(lans->SetCurrentLan(2, 1), 0);      // current already
@@ -99,26 +95,13 @@ TEST_F(Language, SelectsByPositionAndByExactIdentifier)
     EXPECT_THAT(window.heard, ElementsAre("Beta:beta", "Beta:beta"));
 }
 
-TEST_F(Language, TellsVisibleWindowsOfThisProcessAlone)
-{
-    Init();
-    Listener shown(WS_VISIBLE);
-    Listener hidden(0);
-    const HWND hForeign = KXHost::AddForeignWindow(GetCurrentProcessId() + 1, true);
-    EXPECT_EQ(lans->SetCurrentLan("alpha", 1), 1);
-    EXPECT_THAT(shown.heard, ElementsAre("alpha:alpha"));
-    EXPECT_THAT(hidden.heard, testing::IsEmpty());
-    EXPECT_THAT(KXHost::TakeForeignMessages(hForeign), testing::IsEmpty());
-    KXHost::RemoveForeignWindow(hForeign);
-}
-
 // The selecting thread waits for the window's own thread, which finds the selection complete.
 TEST_F(Language, WindowsOfOtherThreadsHearItOnTheirOwn)
 {
     Init();
     std::promise<void> ready;
     std::jthread owner([&] {
-        Listener window(WS_VISIBLE);
+        Listener window;
         ready.set_value();
         MSG msg;
         while (window.heard.empty())
@@ -132,7 +115,7 @@ TEST_F(Language, WindowsOfOtherThreadsHearItOnTheirOwn)
 TEST_F(Language, SavedChoiceComesBackFromAnIniFile)
 {
     Init();
-    const test::TempDir dir;
+    const TempDir dir;
     const CString strIni = dir.Win("user.ini");
     const auto restored = [&] { return lans->SetCurrentLanFromIniFile(strIni, 0), Current(); };
     lans->SetCurrentLan("Beta", 0);
@@ -143,7 +126,7 @@ TEST_F(Language, SavedChoiceComesBackFromAnIniFile)
     CKXLanResManager::SaveLanToIniFile(strIni, "gone");
     EXPECT_EQ(restored(), "alpha"); // not installed: nothing changes
     EXPECT_EQ(CKXLanResManager::SaveLanToIniFile(dir.Win("none\\user.ini"), "alpha"), 0);
-    const Listener window(WS_VISIBLE);
+    const Listener window;
     lans->SetCurrentLanFromIniFile(dir.Win("other.ini"), 1);
     EXPECT_THAT(window.heard, ElementsAre(".hidden:hidden"));
 }
@@ -151,8 +134,8 @@ TEST_F(Language, SavedChoiceComesBackFromAnIniFile)
 TEST_F(Language, SavedChoiceComesBackFromTheRegistry)
 {
     Init();
-    const test::NoLeak noLeak;
-    const test::TempDir dir;
+    const NoLeak noLeak;
+    const TempDir dir;
     KXHost::SetRegistryFile(dir.Path("sub/registry.ini"));
     const auto restored = [&](const char* pszApp) {
         return lans->SetCurrentLanFromReg(pszApp, 0), Current();
@@ -172,7 +155,7 @@ TEST_F(Language, SavedChoiceComesBackFromTheRegistry)
     };
     for (const auto& [dwType, bytes, pszSelected] : cases) {
         lans->SetCurrentLan("Beta", 0);
-        test::StoreValue("SOFTWARE\\Brightfern\\App", "Language", dwType, bytes);
+        StoreValue("SOFTWARE\\Brightfern\\App", "Language", dwType, bytes);
         EXPECT_EQ(restored("App"), pszSelected) << bytes;
     }
     lans->SetCurrentLan("Beta", 0);
@@ -186,7 +169,7 @@ TEST_F(Language, ASecondListingLeavesTheChoice)
 {
     Init();
     lans->SetCurrentLan("Beta", 0);
-    test::LanguageTree fewer;
+    LanguageTree fewer;
     fewer.Add("only", "O");
     EXPECT_EQ(lans->Initialize(fewer.Name().c_str()), 1);
     EXPECT_EQ(lans->GetCurrentLanIndex(), 2);
