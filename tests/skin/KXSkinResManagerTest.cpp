@@ -9,8 +9,8 @@
 #include <cctype>
 #include <sys/inotify.h>
 
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace test;
+using testing::ElementsAre, testing::IsEmpty;
 
 namespace {
 
@@ -24,22 +24,22 @@ std::string Mixed(std::string name)
 }
 
 // The process's skins, written before the manager looks for them.
-const test::TempDir& Tree()
+const TempDir& Tree()
 {
-    static const test::TempDir& tree = []() -> const test::TempDir& {
-        const test::TempDir& app = test::AppDir();
-        for (const std::string& name : test::SkinFiles()) {
-            app.Write("Skins/Full/" + name, test::SkinFile(name));
-            app.Write("Skins/mixed/" + Mixed(name), test::SkinFile(name));
+    static const TempDir& tree = []() -> const TempDir& {
+        const TempDir& app = AppDir();
+        for (const std::string& name : SkinFiles()) {
+            app.Write("Skins/Full/" + name, SkinFile(name));
+            app.Write("Skins/mixed/" + Mixed(name), SkinFile(name));
             app.Write("Skins/Garbage/" + name, "garbage\xFF\xFE[ = \n" + std::string(3000, '['));
         }
         for (const char* name : {"Skin.ini", "Common/Window/Frame_Title.bmp", "Common/Button/CheckBox.bmp",
                                  "Common/IMList/Expand.ico", "Common/Others/FileReceive.png"})
-            app.Write("Skins/Partial/" + std::string(name), test::SkinFile(name));
+            app.Write("Skins/Partial/" + std::string(name), SkinFile(name));
         for (const char* name : {"Skins/Gone/skin.ini", "Skins/Bare/skin.ini", "Skins/.hidden/skin.ini",
                                  "Skins/None/other.ini", "Skins/Directory/skin.ini/file", "Skins/skin.ini"})
             app.Write(name, "");
-        for (const std::string& name : test::SkinFiles()) { // that a reader would wait for
+        for (const std::string& name : SkinFiles()) { // that a reader would wait for
             app.Write("Skins/Pipes/" + name, "");
             std::filesystem::remove(app.Path("Skins/Pipes/" + name));
             EXPECT_EQ(mkfifo(app.Path("Skins/Pipes/" + name).c_str(), 0600), 0);
@@ -73,10 +73,10 @@ LRESULT OnMessage(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
 }
 
 // A window of the test's that hears of changes.
-struct Window : test::Fixed
+struct Window : Fixed
 {
     explicit Window(const char* pszName, DWORD dwStyle = WS_VISIBLE)
-        : hWnd(test::Make(nullptr, dwStyle, pszName, {OnMessage, "SkinListener"}))
+        : hWnd(Make(nullptr, dwStyle, pszName, {OnMessage, "SkinListener"}))
     {
     }
     ~Window() { DestroyWindow(hWnd); }
@@ -86,7 +86,7 @@ struct Window : test::Fixed
 
 // The files of the full skin that are opened while it lives, in the order of their first opening: values of a
 // file written a moment ago are not kept for the next read.
-class OpenedFiles : test::Fixed
+class OpenedFiles : Fixed
 {
 public:
     OpenedFiles()
@@ -116,7 +116,7 @@ private:
     std::map<int, std::string> m_dirs;
 };
 
-struct Skins : test::PictureTest
+struct Skins : testing::Test
 {
     Skins()
     {
@@ -126,6 +126,7 @@ struct Skins : test::PictureTest
     }
     ~Skins() override { skins->UnInitialize(); }
 
+    const GdiPlus gdiPlus;
     CKXSkinResManager* skins = (Tree(), CKXSkinResManager::GetSingletonPtr());
     const CString root = CKXFileSystem::GetInstancePtr()->GetAppPath() + "\\Skins\\";
 };
@@ -153,10 +154,10 @@ TEST_F(Skins, RoadOfOneChange)
 {
     const Window first("first"), hidden("hidden", 0), second("second");
     const HWND hForeign = KXHost::AddForeignWindow(GetCurrentProcessId() + 1, true);
-    Tree().Write("Skins/Full/Skin.ini", test::SkinFile("Skin.ini") + "\r\n"); // so that it is read anew
+    Tree().Write("Skins/Full/Skin.ini", SkinFile("Skin.ini") + "\r\n"); // so that it is read anew
     const OpenedFiles files;
     EXPECT_EQ(skins->SetSkin("full", 1), 1);
-    EXPECT_THAT(files.Names(), testing::ElementsAreArray(test::SkinFiles()));
+    EXPECT_THAT(files.Names(), testing::ElementsAreArray(SkinFiles()));
     EXPECT_THAT(events, ElementsAre("callback 30 1 197121", "message to first", "message to second"));
     EXPECT_THAT(KXHost::TakeForeignMessages(hForeign), IsEmpty());
     KXHost::RemoveForeignWindow(hForeign);
@@ -181,18 +182,10 @@ TEST_F(Skins, TheCurrentOneIsLoadedAgainByNameOnly)
     EXPECT_THAT(events, ElementsAre("callback 30 1 197121", "message to window", "message to window"));
 }
 
-TEST_F(Skins, MaySpellTheirNamesAsTheyLike)
-{
-    EXPECT_EQ(skins->SetSkin("MIXED", 1), 1);
-    EXPECT_THAT(events, ElementsAre("callback 30 1 197121"));
-    EXPECT_EQ(skins->GetWndRes()->m_nBkgBtmHeight, 10);
-    EXPECT_NE(skins->GetIMLRes()->m_hExpandIcon, nullptr);
-    EXPECT_EQ(skins->GetOthRes()->m_imgFileReceive.GetImageSize().cx, 1);
-}
-
 TEST_F(Skins, MissingAndBrokenFilesLeaveDefaults)
 {
-    for (const char* name : {"Bare", "Directory", "Garbage", "Pipes"}) {
+    std::filesystem::remove_all(Tree().Path("Skins/Gone")); // since it was listed
+    for (const char* name : {"Bare", "Directory", "Garbage", "Gone", "Pipes"}) {
         skins->SetSkin("Full", 0);
         EXPECT_EQ(skins->SetSkin(name, 1), 1) << name;
         EXPECT_EQ(events.back(), "callback 0 0 16777215");
@@ -218,11 +211,11 @@ TEST_F(Skins, MissingAndBrokenFilesLeaveDefaults)
 // An observer that asks for diagnostics hears of each fallback once; nobody else does.
 TEST_F(Skins, DiagnosticsTellWhatIsMissing)
 {
-    const test::DebugText described;
-    const test::DebugText debug(true);
+    const DebugText described;
+    const DebugText debug(true);
     Tree().Write("Skins/Partial/Skin.ini", "TextColor=1,2,3\r\n[COLOR]\r\n");
     skins->SetSkin("Partial", 0);
-    Tree().Write("Skins/Partial/Skin.ini", test::SkinFile("Skin.ini"));
+    Tree().Write("Skins/Partial/Skin.ini", SkinFile("Skin.ini"));
     const auto linesOf = [&](const std::string& name) {
         std::istringstream all(debug.Text());
         std::vector<std::string> lines;
@@ -240,18 +233,6 @@ TEST_F(Skins, DiagnosticsTellWhatIsMissing)
     EXPECT_EQ(described.Text(), "");
 }
 
-TEST_F(Skins, OneThatIsGoneSinceIsLeftWithDefaults)
-{
-    for (const std::string& name : test::SkinFiles())
-        Tree().Write("Skins/Gone/" + name, test::SkinFile(name));
-    EXPECT_EQ(skins->SetSkin("Gone", 1), 1);
-    EXPECT_EQ(events.back(), "callback 30 1 197121");
-    std::filesystem::remove_all(Tree().Path("Skins/Gone"));
-    EXPECT_EQ(skins->SetSkin("Gone", 1), 1);
-    EXPECT_EQ(events.back(), "callback 0 0 16777215");
-    EXPECT_EQ(skins->GetIMLRes()->m_hNormalIcon, nullptr);
-}
-
 int ChangeFullToMixed(const CString& strPath)
 {
     OnSkinChanged(strPath);
@@ -261,7 +242,7 @@ int ChangeFullToMixed(const CString& strPath)
 }
 
 // By the callback, and by a window that ends the next one as well: each change is announced whole, and the
-// last one stands.
+// last one stands. The skin named "mixed" spells the names of its files as it likes.
 TEST_F(Skins, MayBeChangedWhileAChangeIsAnnounced)
 {
     const Window first("first"), second("second");
@@ -294,17 +275,17 @@ TEST_F(Skins, AThousandChangesLeaveNothingBehind)
         ASSERT_EQ(skins->SetSkin(n % skins->GetSkinsTotal(), 0), 1);
         if (n != 9) continue;
         nHandles = KXHost::LiveHandles();
-        nResident = test::ResidentKilobytes();
+        nResident = ResidentKilobytes();
     }
     EXPECT_EQ(KXHost::LiveHandles(), nHandles);
-    EXPECT_LE(test::ResidentKilobytes(), nResident + nBound);
+    EXPECT_LE(ResidentKilobytes(), nResident + nBound);
 }
 
 TEST(SkinProcess, KnowsNothingAtFirstAndEndsWithAllReleased)
 {
-    const test::TempDir none;
-    EXPECT_EQ(test::RunChild("FreshSkinChild", {none.Path("app")}), "");
-    EXPECT_EQ(test::RunChild("FreshSkinChild", {Tree().Path("app"), "Full"}), "0 handles left\n");
+    const TempDir none;
+    EXPECT_EQ(RunChild("FreshSkinChild", {none.Path("app")}), "");
+    EXPECT_EQ(RunChild("FreshSkinChild", {Tree().Path("app"), "Full"}), "0 handles left\n");
 }
 
 } // namespace

@@ -3,20 +3,20 @@
 #include "KXSkinResManager.h"
 #include "tests/skin/SkinTree.h"
 
-using testing::Each;
-using testing::ElementsAre;
+using namespace test;
+using testing::Each, testing::ElementsAre;
 using Texts = std::vector<std::string>;
 
 namespace {
 
-struct Sets : test::PictureTest
+struct Sets : testing::Test
 {
     Sets()
     {
-        for (const std::string& name : test::SkinFiles())
-            dir.Write(name.substr(name.rfind('/') + 1), test::SkinFile(name));
+        for (const std::string& name : SkinFiles())
+            dir.Write(name.substr(name.rfind('/') + 1), SkinFile(name));
     }
-    void Bmp(const std::string& name, int cx, int cy) { dir.Write(name + ".bmp", test::BmpFile(cx, cy)); }
+    void Bmp(const std::string& name, int cx, int cy) { dir.Write(name + ".bmp", BmpFile(cx, cy)); }
     // Loads a set from the files written and an INI text, given with a space between its lines.
     template <class Res>
     void Load(Res& res, std::string ini = "")
@@ -31,8 +31,9 @@ struct Sets : test::PictureTest
         EXPECT_EQ(res.LoadRes(dir.Win("none\\"), dir.Win("none\\Skin.ini")), 1);
     }
 
-    test::NoLeak noLeak;
-    const test::TempDir dir;
+    const GdiPlus gdiPlus;
+    NoLeak noLeak;
+    const TempDir dir;
 };
 
 std::string Text(const SIZE& size)
@@ -58,7 +59,7 @@ std::string Text(const std::vector<CPoint>& points)
 std::string Ends(CKXBitmap& bitmap)
 {
     constexpr int side = 300;
-    const test::Paper paper(side, side);
+    const Paper paper(side, side);
     std::vector<KXHost::CopyRecord> copies;
     KXHost::SetCopyObserver([&](const KXHost::CopyRecord& copy) { copies.push_back(copy); });
     bitmap.DrawFill(CDC::FromHandle(paper), CRect(0, 0, side, side), 0);
@@ -242,7 +243,7 @@ TEST_F(Sets, ListHasButtonsAndIconsOfItsSize)
     CKXSkinIMListRes res;
     EXPECT_EQ(Text(res.m_sizeGroupBtn) + Text(res.m_hNormalIcon), "0x0none");
     Bmp("GroupBtn", 90, 20);
-    dir.Write("Normal.ico", test::Ico({test::IconImage(32), test::IconImage(16)}));
+    dir.Write("Normal.ico", Ico({IconImage(32), IconImage(16)}));
     Load(res, "[IMList] GroupBtn_Left=3 GroupBtn_Right=4");
     EXPECT_EQ(Text(res.m_sizeGroupBtn) + " " + Text(res.m_sizeTeamBtn), "30x20 8x10");
     EXPECT_EQ(Ends(res.m_bmpGroupBtn), "3,4 across");
@@ -315,10 +316,10 @@ TEST_F(Sets, ColorsComeByNameOrByDefault)
     EXPECT_THAT(colors(), Each(0u));
     std::string ini = "[COLOR]\n";
     std::vector<COLORREF> expected;
-    for (const std::string& name : test::Words(
-             "MainTabClient MainTabBkg MainTabBorderLine TabBorderLine CommonBorderLine ControlBarBk1 "
-             "ControlBarBk2 MenuBorderNormal MenuBorderSelect MenuBorderPress MenuSelectBk PopMenuBk "
-             "PopMenuLeftBk PopMenuSelBk PopMenuSelBorder FileTransHotBk1 FileTransHotBk2")) {
+    for (const std::string& name :
+         Words("MainTabClient MainTabBkg MainTabBorderLine TabBorderLine CommonBorderLine ControlBarBk1 "
+               "ControlBarBk2 MenuBorderNormal MenuBorderSelect MenuBorderPress MenuSelectBk PopMenuBk "
+               "PopMenuLeftBk PopMenuSelBk PopMenuSelBorder FileTransHotBk1 FileTransHotBk2")) {
         expected.push_back(static_cast<COLORREF>(expected.size() + 1));
         ini += name + "=RGB(" + std::to_string(expected.back()) + ",0,0)\n";
     }

@@ -57,10 +57,4 @@ inline std::string SkinFile(const std::string& name)
     return name.ends_with("Title.bmp") ? BmpFile(40, 60) : BmpFile(24, 10);
 }
 
-// A test in which pictures can be read.
-class PictureTest : public testing::Test
-{
-    const GdiPlus m_gdiPlus;
-};
-
 } // namespace test
