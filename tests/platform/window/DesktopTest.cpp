@@ -2,8 +2,8 @@
 #include "tests/platform/window/Support.h"
 #include "tests/support/Test.h"
 
-using test::Make;
-using testing::ElementsAre;
+using namespace test;
+using testing::ElementsAre, testing::FieldsAre;
 
 namespace {
 
@@ -13,37 +13,32 @@ HDESK Open(const char* pszName = "Default")
 }
 
 // The windows that a walk visits, which gives the expected result. The action tells whether to go on.
-std::vector<HWND> Walk(HDESK hDesk, int nExpected, const std::function<bool(HWND)>& action)
+std::vector<HWND> Visited(HDESK hDesk, int nExpected, const std::function<bool(HWND)>& action)
 {
-    struct State
-    {
-        std::vector<HWND> visited;
-        const std::function<bool(HWND)>& action;
-    } state{{}, action};
-    const auto visit = [](HWND hWnd, long lParam) -> int {
-        auto& s = *reinterpret_cast<State*>(lParam);
-        s.visited.push_back(hWnd);
-        return s.action(hWnd);
+    std::vector<HWND> visited;
+    const auto visit = [&](HWND hWnd) -> int {
+        visited.push_back(hWnd);
+        return action(hWnd);
     };
-    EXPECT_EQ(EnumDesktopWindows(hDesk, visit, reinterpret_cast<long>(&state)), nExpected);
-    return state.visited;
+    EXPECT_EQ(Walk(visit, hDesk), nExpected);
+    return visited;
 }
 
 std::vector<HWND> WalkAll(HDESK hDesk = nullptr)
 {
-    return Walk(hDesk, 1, [](HWND) { return true; });
+    return Visited(hDesk, 1, [](HWND) { return true; });
 }
 
 TEST(Desktop, WalksWindowsOfEveryProcessOldestFirst)
 {
     const HWND first = Make();
     const HWND foreign = KXHost::AddForeignWindow(77, true);
-    const test::WindowThread thread;
+    const WindowThread thread;
     const HWND last = Make(nullptr, WS_VISIBLE);
     const HDESK hDesk = Open();
     for (const HDESK h : {hDesk, HDESK{}})
         EXPECT_THAT(WalkAll(h), ElementsAre(first, foreign, thread.Window(), last));
-    EXPECT_THAT(Walk(hDesk, 0, [&](HWND h) { return h != foreign; }), ElementsAre(first, foreign));
+    EXPECT_THAT(Visited(hDesk, 0, [&](HWND h) { return h != foreign; }), ElementsAre(first, foreign));
     EXPECT_FALSE(EnumDesktopWindows(hDesk, nullptr, 0));
     EXPECT_TRUE(CloseDesktop(hDesk));
     EXPECT_TRUE(DestroyWindow(first));
@@ -53,11 +48,11 @@ TEST(Desktop, WalksWindowsOfEveryProcessOldestFirst)
 
 TEST(Desktop, AWalkBearsWhatItsCallbackDoes)
 {
-    const auto thread = std::make_unique<test::WindowThread>();
+    const auto thread = std::make_unique<WindowThread>();
     const std::vector<HWND> own{Make(), Make(), Make(), Make()};
     HWND made = nullptr;
-    const auto visited = Walk(nullptr, 1, [&](HWND hWnd) {
-        EXPECT_EQ(SendMessageA(hWnd, test::kPing, 0, 0), 1);
+    const auto visited = Visited(nullptr, 1, [&](HWND hWnd) {
+        EXPECT_EQ(SendMessageA(hWnd, kPing, 0, 0), 1);
         if (hWnd == thread->Window()) thread->Join(); // ends its window
         if (hWnd != own[0]) return true;
         made = Make();
@@ -82,7 +77,7 @@ TEST(Desktop, OnlyDefaultOpensAndClosesOnce)
     EXPECT_EQ(CloseDesktop(one), 1);
     for (const HDESK stale : {one, reinterpret_cast<HDESK>(std::intptr_t{-1})}) {
         EXPECT_FALSE(CloseDesktop(stale));
-        Walk(stale, 0, {});
+        Visited(stale, 0, {});
     }
     EXPECT_FALSE(CloseDesktop(nullptr));
     WalkAll(two);
@@ -100,15 +95,10 @@ TEST(Desktop, ForeignWindowsRecordWhatTheyReceive)
     EXPECT_TRUE(IsWindowVisible(GetDesktopWindow()));
     EXPECT_TRUE(IsWindowVisible(foreign));
 
-    EXPECT_EQ(SendMessageA(foreign, test::kPing, 2, -3), 0);
+    EXPECT_EQ(SendMessageA(foreign, kPing, 2, -3), 0);
     EXPECT_EQ(PostMessage(foreign, WM_USER, 4, 5), 1);
-    const auto got = KXHost::TakeForeignMessages(foreign);
-    ASSERT_EQ(got.size(), 2u);
-    const auto fields = [](const auto& message) {
-        return std::tuple(message.nMsg, message.wParam, message.lParam);
-    };
-    EXPECT_EQ(fields(got[0]), std::tuple(test::kPing, 2, -3));
-    EXPECT_EQ(fields(got[1]), std::tuple(WM_USER, 4, 5));
+    EXPECT_THAT(KXHost::TakeForeignMessages(foreign),
+                ElementsAre(FieldsAre(kPing, 2, -3), FieldsAre(WM_USER, 4, 5)));
     for (UINT n = 0; n < 1'002; ++n)
         PostMessage(foreign, n, 0, 0);
     const auto newest = KXHost::TakeForeignMessages(foreign);
@@ -138,13 +128,7 @@ TEST(Desktop, MessageBoxesAreRecorded)
     KXHost::TakeMessageBoxes();
     EXPECT_EQ(AfxMessageBox("text", 0x30, 9), IDOK);
     EXPECT_EQ(AfxMessageBox(nullptr), IDOK);
-    const auto boxes = KXHost::TakeMessageBoxes();
-    ASSERT_EQ(boxes.size(), 2u);
-    EXPECT_EQ(boxes[0].strText, "text");
-    EXPECT_EQ(boxes[0].nType, 0x30);
-    EXPECT_EQ(boxes[0].nHelpId, 9);
-    EXPECT_TRUE(boxes[1].strText.IsEmpty());
-    EXPECT_EQ(boxes[1].nType, MB_OK);
+    EXPECT_THAT(KXHost::TakeMessageBoxes(), ElementsAre(FieldsAre("text", 0x30, 9), FieldsAre("", MB_OK, 0)));
     for (UINT n = 0; n < 1'002; ++n)
         AfxMessageBox("many", n);
     const auto newest = KXHost::TakeMessageBoxes();
@@ -156,7 +140,7 @@ TEST(Desktop, MessageBoxesAreRecorded)
 // While the process ends, the main thread's windows are gone before its static objects.
 TEST(Desktop, WorksFromStaticDestructors)
 {
-    EXPECT_EQ(test::RunChild("WindowExitChild", {}), "");
+    EXPECT_EQ(RunChild("WindowExitChild", {}), "");
 }
 
 } // namespace

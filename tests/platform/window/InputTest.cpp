@@ -5,6 +5,8 @@
 #include "tests/support/Desktop.h"
 #include "tests/support/Test.h"
 
+using namespace test;
+
 namespace {
 
 constexpr LPARAM At(int x, int y)
@@ -13,35 +15,16 @@ constexpr LPARAM At(int x, int y)
 }
 
 // A window that writes down which of the mouse's and the keys' messages it hears.
-class Listener : test::Fixed
+struct Listener : Fixed
 {
-public:
-    explicit Listener(const WNDCLASSA& cls = {test::WindowProc, "KXTest"})
-        : m_handler([this](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
-              if (nMsg >= WM_KEYDOWN && nMsg <= WM_CAPTURECHANGED && nMsg != WM_TIMER) {
-                  heard += std::to_string(nMsg) + " " + std::to_string(GET_X_LPARAM(lParam)) + ";";
-                  lastY = GET_Y_LPARAM(lParam);
-              }
-              if (nMsg == WM_ENABLE || nMsg == WM_MOUSELEAVE || nMsg == WM_CLOSE)
-                  heard += std::to_string(nMsg) + ";";
-              if (nMsg == WM_ENABLE) {
-                  EXPECT_EQ(wParam, IsWindowEnabled(hWnd) ? 1u : 0u);
-              }
-              if (nMsg == WM_SETCURSOR) {
-                  ++cursors;
-                  EXPECT_EQ(reinterpret_cast<HWND>(wParam), hWnd);
-                  EXPECT_EQ(GET_X_LPARAM(lParam), HTCLIENT);
-              }
-              return nMsg == WM_CLOSE ? 0 : DefWindowProcA(hWnd, nMsg, wParam, lParam);
-          })
+    explicit Listener(const WNDCLASSA& cls = {WindowProc, "KXTest"}) : handle(Make(&handler, 0, nullptr, cls))
     {
-        handle = test::Make(&m_handler, 0, nullptr, cls);
     }
     ~Listener() { DestroyWindow(handle); }
 
     std::string Take()
     {
-        test::Pump();
+        Pump();
         return std::exchange(heard, {});
     }
     void Click(int x, int y)
@@ -50,13 +33,27 @@ public:
         KXHost::PostInput(handle, WM_LBUTTONUP, 0, At(x, y));
     }
 
-    HWND handle = nullptr;
     std::string heard;
     int cursors = 0;
     int lastY = 0;
-
-private:
-    const test::Handler m_handler;
+    const Handler handler = [this](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
+        if (nMsg >= WM_KEYDOWN && nMsg <= WM_CAPTURECHANGED && nMsg != WM_TIMER) {
+            heard += std::to_string(nMsg) + " " + std::to_string(GET_X_LPARAM(lParam)) + ";";
+            lastY = GET_Y_LPARAM(lParam);
+        }
+        if (nMsg == WM_ENABLE || nMsg == WM_MOUSELEAVE || nMsg == WM_CLOSE)
+            heard += std::to_string(nMsg) + ";";
+        if (nMsg == WM_ENABLE) {
+            EXPECT_EQ(wParam, IsWindowEnabled(hWnd) ? 1u : 0u);
+        }
+        if (nMsg == WM_SETCURSOR) {
+            ++cursors;
+            EXPECT_EQ(reinterpret_cast<HWND>(wParam), hWnd);
+            EXPECT_EQ(GET_X_LPARAM(lParam), HTCLIENT);
+        }
+        return nMsg == WM_CLOSE ? 0 : DefWindowProcA(hWnd, nMsg, wParam, lParam);
+    };
+    const HWND handle;
 };
 
 TEST(Input, ADisabledWindowHearsNothingOfIt)
@@ -90,8 +87,8 @@ TEST(Input, ADisabledWindowHearsNothingOfIt)
 
 TEST(Input, ASecondPressIsADoubleClick)
 {
-    const test::VirtualClock clock;
-    Listener doubles({test::WindowProc, "KXDoubles", nullptr, CS_DBLCLKS}), singles;
+    const VirtualClock clock;
+    Listener doubles({WindowProc, "KXDoubles", nullptr, CS_DBLCLKS}), singles;
     const auto twice = [&](Listener& window, unsigned pause, int dx, int dy = 0) {
         KXHost::AdvanceClock(5'000);
         window.Click(5, 5);
@@ -169,7 +166,7 @@ TEST(Input, LeavingIsToldOnceToWhoAsked)
 
 TEST(Input, KeysAndCursorsAreKnown)
 {
-    Listener window({test::WindowProc, "KXHand", nullptr, 0, LoadCursorA(nullptr, IDC_HAND)});
+    Listener window({WindowProc, "KXHand", nullptr, 0, LoadCursorA(nullptr, IDC_HAND)});
     const auto key = [&](UINT nMsg, UINT nKey) {
         KXHost::PostInput(window.handle, nMsg, nKey, 1);
         window.Take();

@@ -9,47 +9,36 @@ using namespace test;
 namespace {
 
 // The messages of painting that a window of 30 by 40 at 1, 2 hears, of which it fills what it may.
-class Painted : Fixed
+struct Painted : Fixed
 {
-public:
-    explicit Painted(char letter, DWORD dwStyle = WS_POPUP | WS_VISIBLE)
-        : m_handler([=, this](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) {
-              if (nMsg == WM_ERASEBKGND) return Erase(reinterpret_cast<HDC>(wParam), letter);
-              return nMsg == WM_PAINT ? Paint(hWnd) : DefWindowProcA(hWnd, nMsg, wParam, lParam);
-          }),
-          window(Make(&m_handler, dwStyle))
+    explicit Painted(char clr, DWORD dwStyle = WS_POPUP | WS_VISIBLE)
+        : letter(clr), window(Make(&handler, dwStyle))
     {
     }
     ~Painted() { DestroyWindow(window); }
+    std::vector<RECT> TakePainted() { return std::exchange(painted, {}); }
 
-    std::vector<RECT> TakePainted() { return std::exchange(m_painted, {}); }
+    const char letter;
     int erased = 0;
-
-private:
-    LRESULT Erase(HDC hDC, char letter)
-    {
-        ++erased;
-        const Scoped<HBRUSH> brush(CreateSolidBrush(ColorOf(letter)));
-        const RECT all{0, 0, 99, 99};
-        return FillRect(hDC, &all, brush);
-    }
-    LRESULT Paint(HWND hWnd)
-    {
+    std::vector<RECT> painted;
+    const Handler handler = [this](HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam) -> LRESULT {
+        if (nMsg == WM_ERASEBKGND) {
+            ++erased;
+            const RECT all{0, 0, 99, 99};
+            const Scoped<HBRUSH> brush(CreateSolidBrush(ColorOf(letter)));
+            return FillRect(reinterpret_cast<HDC>(wParam), &all, brush);
+        }
+        if (nMsg != WM_PAINT) return DefWindowProcA(hWnd, nMsg, wParam, lParam);
         PAINTSTRUCT paint;
         RECT clip;
         EXPECT_NE(BeginPaint(hWnd, &paint), nullptr);
         GetClipBox(paint.hdc, &clip);
         EXPECT_EQ(clip, paint.rcPaint);
         EXPECT_EQ(paint.fErase, 0);
-        m_painted.push_back(paint.rcPaint);
+        painted.push_back(paint.rcPaint);
         EXPECT_EQ(EndPaint(hWnd, &paint), 1);
         return 0;
-    }
-
-    const Handler m_handler;
-    std::vector<RECT> m_painted;
-
-public:
+    };
     const HWND window;
 };
 
@@ -265,28 +254,20 @@ TEST(Paint, AnAnimationEndsWithItsWindow)
 TEST(Paint, AFadeThatSkipsTheWaitServesWhatIsSent)
 {
     const VirtualClock clock(0, KXHost::VirtualSleep::Advances);
-    std::binary_semaphore made{0}, sent{0};
-    HWND hWnd = nullptr;
-    DWORD heardAt = 0, begin = 0;
+    DWORD heardAt = 0;
     const Handler handler = On(kAsk, [&](HWND, WPARAM) {
         heardAt = GetTickCount();
         return 5;
     });
-    std::thread thread([&] {
-        hWnd = Make(&handler, WS_POPUP);
-        made.release();
-        sent.acquire();
-        begin = GetTickCount();
-        EXPECT_TRUE(AnimateWindow(hWnd, 3000, AW_BLEND));
-        EXPECT_EQ(GetTickCount() - begin, 3000u);
-    });
-    made.acquire();
+    const HWND hWnd = Make(&handler, WS_POPUP);
     Sender sender(hWnd, kAsk);
-    sender.AwaitWaiting();
-    sent.release();
-    thread.join();
+    InThread([&] { sender.AwaitWaiting(); }); // this thread would serve it in the wait
+    const DWORD begin = GetTickCount();
+    EXPECT_TRUE(AnimateWindow(hWnd, 3000, AW_BLEND));
+    EXPECT_EQ(GetTickCount() - begin, 3000u);
     EXPECT_EQ(sender.Join(), 5);
     EXPECT_LT(heardAt - begin, 100u);
+    DestroyWindow(hWnd);
 }
 
 TEST(Paint, TheDesktopIsOfTheSizeThatTheHostChose)

@@ -3,13 +3,7 @@
 #include "include/platform/Sync.h"
 #include "include/platform/Window.h"
 #include "tests/support/Fixed.h"
-
-#include <cstdio>
-#include <functional>
-#include <semaphore>
-#include <stdexcept>
-#include <thread>
-#include <unistd.h>
+#include "tests/support/Standard.h"
 
 namespace test {
 
@@ -59,6 +53,15 @@ inline RECT PlaceOf(HWND hWnd)
     RECT rect{};
     GetWindowRect(hWnd, &rect);
     return rect;
+}
+
+// Calls a function for each window, and gives the walk's result.
+inline int Walk(const std::function<int(HWND)>& visit, HDESK hDesk = nullptr)
+{
+    const auto call = [](HWND hWnd, long lParam) {
+        return (*reinterpret_cast<const std::function<int(HWND)>*>(lParam))(hWnd);
+    };
+    return EnumDesktopWindows(hDesk, call, reinterpret_cast<long>(&visit));
 }
 
 // Runs on a thread of its own, which has no queue yet and loses it afterwards.

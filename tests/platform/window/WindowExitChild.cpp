@@ -6,26 +6,24 @@
 #include "tests/platform/window/Support.h"
 #include "tests/support/Check.h"
 
-#include <memory>
+using namespace test;
 
 namespace {
 
 struct AtExit
 {
     HWND hMain = nullptr;
-    std::unique_ptr<test::Sender> pSender;
+    std::unique_ptr<Sender> pSender;
 
     ~AtExit()
     {
-        using test::Check;
         Check(!IsWindow(hMain) && !PostMessage(hMain, WM_USER, 0, 0), "the main thread's window is left");
         Check(pSender->Join() == 0, "the sender was not released");
-        const test::WindowThread living;
-        Check(SendMessageA(living.Window(), test::kPing, 0, 0) == 1, "no answer from a living thread");
-        Check(!test::Make(), "a window was made");
+        const WindowThread living;
+        Check(SendMessageA(living.Window(), kPing, 0, 0) == 1, "no answer from a living thread");
+        Check(!Make(), "a window was made");
         int nSeen = 0;
-        const auto count = [](HWND, long lParam) { return ++*reinterpret_cast<int*>(lParam); };
-        Check(EnumDesktopWindows(nullptr, count, reinterpret_cast<long>(&nSeen)) && nSeen == 1, "no walk");
+        Check(Walk([&](HWND) { return ++nSeen; }) && nSeen == 1, "no walk");
         Check(AfxMessageBox("late") == IDOK && KXHost::TakeMessageBoxes().size() == 1, "no message box");
     }
 };
@@ -36,8 +34,8 @@ AtExit g_atExit; // built before the library's first use, so destroyed after wha
 
 int main()
 {
-    g_atExit.hMain = test::Make();
-    g_atExit.pSender = std::make_unique<test::Sender>(g_atExit.hMain, test::kPing);
-    test::InThread([] { g_atExit.pSender->AwaitWaiting(); }); // not on this thread, which would serve it
+    g_atExit.hMain = Make();
+    g_atExit.pSender = std::make_unique<Sender>(g_atExit.hMain, kPing);
+    InThread([] { g_atExit.pSender->AwaitWaiting(); }); // not on this thread, which would serve it
     return 0;
 }

@@ -5,13 +5,9 @@
 #include "tests/platform/window/Support.h"
 #include "tests/support/Check.h"
 
-#include <cstdlib>
-#include <cstring>
-#include <sys/wait.h>
+using namespace test;
 
 namespace {
-
-using test::Check;
 
 struct AtExit
 {
@@ -20,7 +16,7 @@ struct AtExit
     {
         ShowWindow(window, SW_HIDE);
         SetWindowTextA(window, "late");
-        Check(!test::Make(), "a window was made");
+        Check(!Make(), "a window was made");
     }
 } g_atExit;
 
@@ -28,9 +24,9 @@ struct AtExit
 
 int main(int, char** argv)
 {
-    const bool memory = std::strcmp(argv[1], "memory") == 0;
+    const bool memory = argv[1] == std::string("memory");
     Check(KXHost::IsMemoryDesktop() == memory, "another desktop");
-    g_atExit.window = test::Make(nullptr, WS_POPUP | WS_VISIBLE);
+    g_atExit.window = Make(nullptr, WS_POPUP | WS_VISIBLE);
     Check(g_atExit.window, "no window");
     const pid_t pid = fork();
     if (pid == 0) std::exit(0); // with its static objects
@@ -38,7 +34,7 @@ int main(int, char** argv)
     waitpid(pid, &status, 0);
     Check(status == 0, "the child failed");
     Check(DestroyWindow(g_atExit.window), "the window is gone");
-    g_atExit.window = test::Make(nullptr, WS_POPUP | WS_VISIBLE);
+    g_atExit.window = Make(nullptr, WS_POPUP | WS_VISIBLE);
     Check(g_atExit.window, "no second window");
     const HDC desktop = GetDC(nullptr);
     Check((GetPixel(desktop, 5, 5) == DESKTOP_COLOR) == memory, "the server is lost");

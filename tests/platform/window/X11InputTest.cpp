@@ -7,9 +7,8 @@ namespace {
 using namespace test;
 using testing::HasSubstr;
 
-class X11InputTest : public X11Test
+struct X11InputTest : X11Test
 {
-protected:
     // Runs what happens outside, and gives what the window hears up to the word expected.
     std::string Hear(ColorWindow& window, const std::string& last, const std::function<void()>& act)
     {
@@ -22,9 +21,8 @@ protected:
 
 TEST_F(X11InputTest, TheMouseIsHeardWithinTheWindow)
 {
-    ColorWindow window(kRed, {50, 60, 150, 160});
     outside->MoveMouse(400, 400);
-    ShowSeen(window, kRed, 100, 100);
+    SeenWindow window(*this, kRed, {50, 60, 150, 160});
     EXPECT_EQ(Hear(window, "move", [&] { outside->MoveMouse(60, 75); }), "move 0 10,15;");
     const std::string dragged = Hear(window, "up", [&] {
         outside->Button(1, true);
@@ -48,8 +46,7 @@ TEST_F(X11InputTest, TheMouseIsHeardWithinTheWindow)
 // However long a thread looks away, its queue holds one motion.
 TEST_F(X11InputTest, MotionsThatNobodyTookAreOne)
 {
-    ColorWindow window(kRed, {0, 0, 400, 400});
-    ShowSeen(window, kRed, 100, 100);
+    SeenWindow window(*this, kRed, {0, 0, 400, 400});
     const std::string heard = Hear(window, "up", [&] {
         for (int i = 0; i < 300; ++i)
             outside->MoveMouse(50 + i, 60);
@@ -64,10 +61,8 @@ TEST_F(X11InputTest, MotionsThatNobodyTookAreOne)
 
 TEST_F(X11InputTest, KeysAreHeardByWhoHasTheFocus)
 {
-    ColorWindow window(kRed, {0, 0, 100, 100}, WS_POPUP, "window");
-    ColorWindow other(kBlue, {200, 0, 300, 100}, WS_CAPTION);
-    ShowSeen(window, kRed, 50, 50);
-    ShowSeen(other, kBlue, 250, 50);
+    SeenWindow window(*this, kRed, {0, 0, 100, 100}, WS_POPUP, "window");
+    SeenWindow other(*this, kBlue, {200, 0, 300, 100}, WS_CAPTION);
     EXPECT_EQ(GetFocus(), other.handle);
     Hear(window, "up", [&] { outside->ClickAt(50, 50); });
     ASSERT_TRUE(Pump([&] { return outside->Focused() == outside->Find("window"); }));
@@ -104,8 +99,7 @@ TEST_F(X11InputTest, KeysAreHeardByWhoHasTheFocus)
 
 TEST_F(X11InputTest, CharactersComeInTheCodePageAlsoOfSeveralKeys)
 {
-    ColorWindow window(kRed, {0, 0, 100, 100});
-    ShowSeen(window, kRed, 50, 50);
+    SeenWindow window(*this, kRed, {0, 0, 100, 100});
     const xcb_keycode_t key = outside->Assign({0x01000000 + 0x4E2D}); // U+4E2D, which has no number as a key
     EXPECT_EQ(Hear(window, "208", [&] { outside->Type(key); }), "char 214 1,0;char 208 1,0;");
     const xcb_keycode_t dead = outside->Assign({0xFE51}); // the acute accent
@@ -134,8 +128,7 @@ TEST_F(X11InputTest, CharactersComeInTheCodePageAlsoOfSeveralKeys)
 
 TEST_F(X11InputTest, AKeyKeepsItsNumberInALayoutOfOtherLetters)
 {
-    ColorWindow window(kRed, {0, 0, 100, 100});
-    ShowSeen(window, kRed, 50, 50);
+    SeenWindow window(*this, kRed, {0, 0, 100, 100});
     const xcb_keycode_t letter = outside->Assign({'q', 'Q', 0x6CA, 0x6EA}); // in the second one U+0439
     const xcb_keycode_t next = outside->Assign({0xFE08});                   // the next layout
     const auto type = [&] { return Hear(window, "keyup", [&] { outside->Type(letter); }); };
@@ -149,8 +142,7 @@ TEST_F(X11InputTest, AKeyKeepsItsNumberInALayoutOfOtherLetters)
 
 TEST_F(X11InputTest, AUsersOtherLayoutIsHeardOf)
 {
-    ColorWindow window(kRed, {0, 0, 100, 100});
-    ShowSeen(window, kRed, 50, 50);
+    SeenWindow window(*this, kRed, {0, 0, 100, 100});
     const xcb_keycode_t key = outside->KeyOf('y');
     EXPECT_THAT(Hear(window, "keyup", [&] { outside->Type(key); }), HasSubstr("key 89 1,0;char 121 1,0;"));
     ASSERT_EQ(std::system(("setxkbmap -display " + server->Name() + " de").c_str()), 0);
@@ -159,8 +151,7 @@ TEST_F(X11InputTest, AUsersOtherLayoutIsHeardOf)
 
 TEST_F(X11InputTest, AHeldKeyRepeats)
 {
-    ColorWindow window(kRed, {0, 0, 100, 100});
-    ShowSeen(window, kRed, 50, 50);
+    SeenWindow window(*this, kRed, {0, 0, 100, 100});
     const xcb_keycode_t key = outside->KeyOf('a'), alt = outside->KeyOf(0xFFE9);
     const std::string heard = Hear(window, "again char 97 1,0;again key", [&] { outside->Key(key, true); });
     EXPECT_EQ(heard.substr(0, 27), "key 65 1,0;char 97 1,0;agai");
@@ -176,9 +167,8 @@ TEST_F(X11InputTest, AHeldKeyRepeats)
 
 TEST_F(X11InputTest, TheMouseIsCapturedAndHeardToLeave)
 {
-    ColorWindow first(kRed, {0, 0, 100, 100}, WS_POPUP, "first"), second(kBlue, {200, 0, 300, 100});
-    ShowSeen(first, kRed, 50, 50);
-    ShowSeen(second, kBlue, 250, 50);
+    SeenWindow first(*this, kRed, {0, 0, 100, 100}, WS_POPUP, "first"),
+        second(*this, kBlue, {200, 0, 300, 100});
     outside->MoveMouse(50, 50);
     ASSERT_TRUE(Pump([&] { return first.Heard("move 0 50,50"); }));
     TRACKMOUSEEVENT track{.dwFlags = TME_LEAVE, .hwndTrack = first.handle};
@@ -197,8 +187,7 @@ TEST_F(X11InputTest, TheMouseIsCapturedAndHeardToLeave)
 // IDC_NO isn't asked for: its cross may be the screen's own cursor.
 TEST_F(X11InputTest, EachCursorLooksDifferent)
 {
-    ColorWindow window(kRed, {0, 0, 100, 100});
-    ShowSeen(window, kRed, 50, 50);
+    SeenWindow window(*this, kRed, {0, 0, 100, 100});
     outside->MoveMouse(400, 400);
     std::set<std::string> seen{outside->Cursor()}; // the screen's own
     outside->MoveMouse(50, 50);
@@ -212,9 +201,8 @@ TEST_F(X11InputTest, EachCursorLooksDifferent)
 
 TEST_F(X11InputTest, TheFocusGoesWhereTheServerGivesIt)
 {
-    ColorWindow first(kRed, {0, 0, 100, 100}, WS_CAPTION, "first"), second(kBlue, {200, 0, 300, 100});
-    ShowSeen(first, kRed, 50, 50);
-    ShowSeen(second, kBlue, 250, 50);
+    SeenWindow first(*this, kRed, {0, 0, 100, 100}, WS_CAPTION, "first"),
+        second(*this, kBlue, {200, 0, 300, 100});
     ASSERT_TRUE(Pump([&] { return GetFocus() == second.handle; }));
     // Both ask again and again, and the last one has it.
     for (int i = 0; i < 20; ++i)
@@ -249,7 +237,8 @@ TEST_F(X11InputTest, TheFocusWaitsForItsWindowToBeShown)
     ShowWindow(window.handle, SW_HIDE);
     ASSERT_TRUE(Pump([&] { return outside->Focused() != id; }));
     {
-        const ServerGrab busy(server->Name());
+        XClient busy(server->Name());
+        busy.Grab();
         SetFocus(window.handle);
         ShowWindow(window.handle, SW_SHOWNA);
         ShowWindow(window.handle, SW_HIDE);

@@ -17,19 +17,15 @@ using testing::HasSubstr;
 constexpr DWORD kLimit = 400; // milliseconds
 
 // The way to an X server, up to a request: the n-th after the one by which the client finds out about
-// keyboards. That and all later ones are lost. What was asked before is answered, but no sooner than another
-// thread of the client's asks for something, so that two of them wait at the end.
+// keyboards. That and all later ones are lost, or with `bCloses` the server is. What was asked before is
+// answered, but no sooner than another thread of the client's asks for something, so that two of them wait at
+// the end.
 class XRelay
 {
 public:
-    enum class End
-    {
-        Silent,
-        Closed
-    };
-    XRelay(const XServer& server, int nRequest, End end)
+    XRelay(const XServer& server, int nRequest, bool bCloses)
         : m_socket("/tmp/.X11-unix/X" + server.Name().substr(1)),
-          m_end(end),
+          m_bCloses(bCloses),
           m_nLeft(nRequest),
           m_listener([this](Peer& client) { Serve(client); })
     {
@@ -90,7 +86,7 @@ private:
             const ssize_t got = recv(client.Socket(), block, sizeof block, 0);
             if (got <= 0) return;
             if (m_ended) { // another thread's request
-                if (std::exchange(bHeld, false) && m_end == End::Closed) shutdown(upstream.Get(), SHUT_WR);
+                if (std::exchange(bHeld, false) && m_bCloses) shutdown(upstream.Get(), SHUT_WR);
                 continue;
             }
             m_ahead.append(block, static_cast<std::size_t>(got));
@@ -103,7 +99,7 @@ private:
     }
 
     const std::string m_socket;
-    const End m_end;
+    const bool m_bCloses;
     int m_nLeft;
     bool m_bCounts = false;
     bool m_begun = false;
@@ -112,9 +108,8 @@ private:
     const RawServer m_listener;
 };
 
-class X11LostTest : public X11Test
+struct X11LostTest : X11Test
 {
-protected:
     void SetUp() override { Begin(); }
     void Begin()
     {
@@ -133,9 +128,9 @@ protected:
 TEST_F(X11LostTest, TheServerMayGoWhileTheKeyboardIsAskedFor)
 {
     constexpr int nRequests = 12; // the first of them, up to the keys' names
-    for (const auto end : {XRelay::End::Silent, XRelay::End::Closed}) {
+    for (const bool bCloses : {false, true}) {
         for (int n = 0; n < nRequests; ++n) {
-            const XRelay relay(*server, n, end);
+            const XRelay relay(*server, n, bCloses);
             Use(relay.Name());
             ASSERT_TRUE(Soon([&] { return relay.HasEnded(); })) << n;
             const HWND hWnd = Make(nullptr, WS_POPUP | WS_VISIBLE);
@@ -149,18 +144,16 @@ TEST_F(X11LostTest, TheServerMayGoWhileTheKeyboardIsAskedFor)
 // The way to it is the network's, over which no memory goes.
 TEST_F(X11LostTest, AServerOfAnotherMachineIsSentItsPixels)
 {
-    const XRelay relay(*server, INT_MAX, XRelay::End::Closed);
+    const XRelay relay(*server, INT_MAX, true);
     Use(relay.Name());
-    const ColorWindow window(kRed, {0, 0, 300, 300});
-    ShowSeen(window, kRed, 299, 299);
+    const SeenWindow window(*this, kRed, {0, 0, 300, 300});
 }
 
 // A server that says nothing any more holds nobody up for longer than it was given.
 TEST_F(X11LostTest, AServerThatStopsIsGivenUp)
 {
-    ColorWindow window(kRed, {0, 0, 300, 300});
+    SeenWindow window(*this, kRed, {0, 0, 300, 300});
     const WindowThread another;
-    ShowSeen(window, kRed, 50, 50);
     server->Stop();
     std::chrono::milliseconds longest{0};
     const bool ended = Pump([&] {
@@ -229,7 +222,7 @@ Moment InFade(std::optional<XClient>& outside, int share, DWORD dwFlags)
     };
 }
 
-class X11MomentTest : public X11LostTest, public testing::WithParamInterface<bool>
+struct X11MomentTest : X11LostTest, testing::WithParamInterface<bool>
 {
 };
 INSTANTIATE_TEST_SUITE_P(Stops, X11MomentTest, testing::Bool());
@@ -241,8 +234,7 @@ TEST_P(X11MomentTest, TheServerMayGo)
         InFade(outside, 128, 0),
         InFade(outside, 200, AW_HIDE),
         [&](const auto& kill) { // in the middle of a drag
-            ColorWindow window(kRed, {0, 0, 100, 100});
-            ShowSeen(window, kRed, 50, 50);
+            SeenWindow window(*this, kRed, {0, 0, 100, 100});
             outside->MoveMouse(50, 50);
             outside->Button(1, true);
             Pump([&] { return window.Heard("down"); });
@@ -267,8 +259,7 @@ TEST_P(X11MomentTest, TheServerMayGo)
                 kill();
                 return 7;
             }));
-            ColorWindow window(kRed, {0, 0, 100, 100});
-            ShowSeen(window, kRed, 50, 50);
+            SeenWindow window(*this, kRed, {0, 0, 100, 100});
             EXPECT_EQ(SendMessageA(other.Window(), kAsk, 0, 0), 7);
         },
         [&](const auto& kill) { // the screen is being read
@@ -280,11 +271,7 @@ TEST_P(X11MomentTest, TheServerMayGo)
         [&](const auto& kill) { // the windows of others are being walked
             for (int i = 0; i < 5; ++i)
                 outside->Cover(0, 0, 10, 10, kBlue, 1);
-            const auto visit = [](HWND, long then) {
-                (*reinterpret_cast<const std::function<void()>*>(then))();
-                return 1;
-            };
-            EnumDesktopWindows(nullptr, visit, reinterpret_cast<long>(&kill));
+            Walk([&](HWND) { return kill(), 1; });
         },
     };
     for (const UINT nMsg : {WM_NCCREATE, WM_CREATE, WM_SHOWWINDOW, WM_PAINT, WM_ERASEBKGND, WM_SETFOCUS,

@@ -6,20 +6,18 @@ namespace {
 
 using namespace test;
 
-class X11MethodTest : public X11Test
+struct X11MethodTest : X11Test
 {
-protected:
     void SetUp() override
     {
         if (!std::filesystem::exists("/usr/bin/fcitx5") ||
             !std::filesystem::exists("/usr/share/fcitx5/inputmethod/pinyin.conf"))
             GTEST_SKIP() << "fcitx5 with pinyin isn't installed";
         Begin();
-        std::filesystem::create_directories(m_home.Path(".config/fcitx5"));
-        std::ofstream(m_home.Path(".config/fcitx5/profile"))
-            << "[Groups/0]\nName=Default\nDefault Layout=us\nDefaultIM=pinyin\n"
-               "[Groups/0/Items/0]\nName=pinyin\n[GroupOrder]\n0=Default\n";
-        std::ofstream(m_home.Path(".config/fcitx5/config")) << "[Behavior]\nActiveByDefault=True\n";
+        m_home.Write(".config/fcitx5/profile",
+                     "[Groups/0]\nName=Default\nDefault Layout=us\nDefaultIM=pinyin\n"
+                     "[Groups/0/Items/0]\nName=pinyin\n[GroupOrder]\n0=Default\n");
+        m_home.Write(".config/fcitx5/config", "[Behavior]\nActiveByDefault=True\n");
         StartMethod();
         ASSERT_TRUE(KXHost::UseMemoryDesktop()); // the desktop's thread reads the environment
         setenv("XMODIFIERS", "@im=fcitx", 1);
@@ -95,8 +93,7 @@ protected:
 
 TEST_F(X11MethodTest, LettersBecomeChineseAtTheCaretAndTheMethodMayGoAndComeBack)
 {
-    ColorWindow window(kRed, {50, 60, 250, 160}, WS_POPUP, "window");
-    ShowSeen(window, kRed, 100, 100);
+    SeenWindow window(*this, kRed, {50, 60, 250, 160}, WS_POPUP, "window");
     AwaitMethod();
     EXPECT_TRUE(SetCaretPos(70, 30));
     const std::string hello = "char 196 1,0;char 227 1,0;char 186 1,0;char 195 1,0;";
@@ -117,8 +114,7 @@ TEST_F(X11MethodTest, LettersBecomeChineseAtTheCaretAndTheMethodMayGoAndComeBack
     appear(160, 110);
     ExpectOf(window, "hao", hello);
 
-    ColorWindow other(kBlue, {300, 60, 500, 160}, WS_POPUP, "other");
-    ShowSeen(other, kBlue, 400, 100);
+    SeenWindow other(*this, kBlue, {300, 60, 500, 160}, WS_POPUP, "other");
     ASSERT_TRUE(Pump([&] { return GetFocus() == other.handle; }));
     SetCaretPos(10, 10);
     Type("ni");

@@ -8,9 +8,13 @@ namespace {
 
 using namespace test;
 
-class X11PropertiesTest : public X11Test
+using X11PropertiesTest = X11Test;
+
+// A property's bytes.
+std::string Numbers(std::initializer_list<std::uint32_t> list)
 {
-};
+    return {reinterpret_cast<const char*>(std::data(list)), 4 * list.size()};
+}
 
 TEST_F(X11PropertiesTest, OthersAreToldWhatAWindowIs)
 {
@@ -28,33 +32,30 @@ TEST_F(X11PropertiesTest, OthersAreToldWhatAWindowIs)
     EXPECT_TRUE(outside->IsPopup(idPopup));
     EXPECT_FALSE(outside->IsPopup(idPlain));
     EXPECT_FALSE(outside->IsPopup(idFramed));
-    const auto numbers = [](std::initializer_list<std::uint32_t> list) {
-        return std::string(reinterpret_cast<const char*>(std::data(list)), 4 * list.size());
-    };
     const auto framedHas = [&](const char* pszName) { return outside->Property(idFramed, pszName); };
-    EXPECT_EQ(outside->Property(idPlain, "_MOTIF_WM_HINTS"), numbers({2, 0, 0, 0, 0}));
+    EXPECT_EQ(outside->Property(idPlain, "_MOTIF_WM_HINTS"), Numbers({2, 0, 0, 0, 0}));
     EXPECT_EQ(framedHas("_MOTIF_WM_HINTS"), "");
-    EXPECT_EQ(framedHas("_NET_WM_PID"), numbers({static_cast<std::uint32_t>(GetCurrentProcessId())}));
+    EXPECT_EQ(framedHas("_NET_WM_PID"), Numbers({static_cast<std::uint32_t>(GetCurrentProcessId())}));
     std::array<char, 256> host{};
     gethostname(host.data(), host.size() - 1);
     EXPECT_EQ(framedHas("WM_CLIENT_MACHINE"), host.data());
-    EXPECT_EQ(framedHas("WM_PROTOCOLS"), numbers({outside->Atom("WM_DELETE_WINDOW")}));
+    EXPECT_EQ(framedHas("WM_PROTOCOLS"), Numbers({outside->Atom("WM_DELETE_WINDOW")}));
     EXPECT_EQ(framedHas("WM_CLASS"), std::string("test.platform.window\0test.platform.window\0", 42));
-    EXPECT_EQ(framedHas("WM_HINTS"), numbers({1, 1, 0, 0, 0, 0, 0, 0, 0})); // the keyboard is wanted
+    EXPECT_EQ(framedHas("WM_HINTS"), Numbers({1, 1, 0, 0, 0, 0, 0, 0, 0})); // the keyboard is wanted
     EXPECT_EQ(framedHas("WM_NORMAL_HINTS"), // a place and a size, with its corner where it is told
-              numbers({1 | 2 | 4 | 8 | 512, 10, 20, 50, 60, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10}));
+              Numbers({1 | 2 | 4 | 8 | 512, 10, 20, 50, 60, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10}));
 
     const HWND hMade = CreateWindowExA(0, AfxRegisterWndClass(0), "made", WS_CAPTION, 1, 2, 3, 4);
     EXPECT_TRUE(Soon([&] { // a request of its own, behind the title's
         return outside->Property(outside->Find("made"), "WM_NORMAL_HINTS")
-            .starts_with(numbers({1 | 2 | 4 | 8 | 512, 1, 2, 3, 4}));
+            .starts_with(Numbers({1 | 2 | 4 | 8 | 512, 1, 2, 3, 4}));
     }));
     DestroyWindow(hMade);
 
     EXPECT_EQ(framedHas("_NET_WM_STATE"), "");
     SetWindowPos(framed.handle, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
     ShowWindow(framed.handle, SW_SHOWNA);
-    const std::string above = numbers({outside->Atom("_NET_WM_STATE_ABOVE")});
+    const std::string above = Numbers({outside->Atom("_NET_WM_STATE_ABOVE")});
     EXPECT_TRUE(Soon([&] { return framedHas("_NET_WM_STATE") == above; }));
 
     // One that is shown asks its manager.
@@ -90,10 +91,10 @@ TEST_F(X11PropertiesTest, AWindowHasAnIcon)
     const WNDCLASSA cls{DefWindowProcA, "KXIcon", nullptr, 0, nullptr, icon};
     RegisterClassA(&cls);
     const HWND hWnd = CreateWindowExA(0, "KXIcon", "icon", WS_CAPTION, 0, 0, 10, 10);
-    const std::uint32_t expected[] = {1, 1, 0xFF302010};
     const auto property = [&] { return outside->Property(outside->Find("icon"), "_NET_WM_ICON"); };
-    const std::string numbers(reinterpret_cast<const char*>(expected), sizeof expected);
-    EXPECT_TRUE(Soon([&] { return property() == numbers; })); // a request of its own, behind the title's
+    EXPECT_TRUE(Soon([&] {
+        return property() == Numbers({1, 1, 0xFF302010});
+    })); // a request of its own, behind the title's
     EXPECT_EQ(SendMessageA(hWnd, WM_SETICON, 0, 0), reinterpret_cast<LRESULT>(icon));
     EXPECT_TRUE(Soon([&] { return property().empty(); }));
     EXPECT_EQ(SendMessageA(hWnd, WM_SETICON, 0, reinterpret_cast<LPARAM>(icon)), 0);

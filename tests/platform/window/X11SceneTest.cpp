@@ -1,10 +1,7 @@
-// Scenes of a user on an X server: a message box, the tip and the transparent window.
+// Scenes of a user on an X server: a message box, and windows that fade.
 
-#include "include/KXTipWnd.h"
-#include "include/KXTransparentWnd.h"
 #include "include/platform/MessageBox.h"
 #include "tests/platform/window/X11Support.h"
-#include "tests/support/Picture.h"
 
 #include <malloc.h>
 
@@ -12,9 +9,8 @@ namespace {
 
 using namespace test;
 
-class X11SceneTest : public X11Test
+struct X11SceneTest : X11Test
 {
-protected:
     // Red, green and blue, each within a few steps.
     bool Looks(int x, int y, COLORREF color)
     {
@@ -62,19 +58,16 @@ private:
 // A server that answers nobody holds up the calls that need an answer, and none that draws or only tells it.
 TEST_F(X11SceneTest, OnlyACallThatNeedsAnAnswerWaitsForTheServer)
 {
-    const ColorWindow window(kRed, {0, 0, 100, 50});
-    ShowSeen(window, kRed, 10, 10);
+    const SeenWindow window(*this, kRed, {0, 0, 100, 50});
     const Paper paper(40, 20, 'W');
     TextOutA(paper, 0, 0, "a", 1); // so that the font is there
     const HDC dc = GetDC(window.handle);
-    const HDC desktop = GetDC(nullptr);
-    std::optional<ServerGrab> busy(server->Name());
+    const Desktop desktop;
+    std::optional<XClient> busy(server->Name());
+    busy->Grab();
     {
         const WaitingThread look([&] { GetPixel(desktop, 1, 1); });
-        const WaitingThread list([] {
-            EnumDesktopWindows(
-                nullptr, [](HWND, long) { return 1; }, 0);
-        });
+        const WaitingThread list([] { Walk([](HWND) { return 1; }); });
         const auto others = std::async(std::launch::async, [&] {
             TextOutA(paper, 0, 0, "text", 4);
             TextOutA(dc, 0, 0, "text", 4);
@@ -83,7 +76,6 @@ TEST_F(X11SceneTest, OnlyACallThatNeedsAnAnswerWaitsForTheServer)
         EXPECT_EQ(others.wait_for(std::chrono::seconds(3)), std::future_status::ready);
         busy.reset();
     }
-    ReleaseDC(nullptr, desktop);
     ReleaseDC(window.handle, dc);
 }
 
@@ -111,13 +103,13 @@ TEST_F(X11SceneTest, AMessageBoxWaitsForItsAnswerOrItsThreadsEnd)
     EXPECT_TRUE(KXHost::TakeMessageBoxes().empty());
 }
 
-// The yellow box rises and falls in the middle, whether something composes windows by their opacity or not.
-class X11FadeTest : public X11SceneTest, public testing::WithParamInterface<bool>
+// Whether something composes windows by their opacity or not.
+struct X11FadeTest : X11SceneTest, testing::WithParamInterface<bool>
 {
 };
 INSTANTIATE_TEST_SUITE_P(Compositor, X11FadeTest, testing::Bool());
 
-TEST_P(X11FadeTest, TheTipFades)
+TEST_P(X11FadeTest, AWindowFadesInAndOut)
 {
     std::optional<Program> compositor;
     const std::vector<std::string> picom{"picom", "--config", "/dev/null", "--backend", "xrender"};
@@ -125,46 +117,27 @@ TEST_P(X11FadeTest, TheTipFades)
     ASSERT_TRUE(Soon([&] { return outside->HasOwner("_NET_WM_CM_S0") == GetParam(); }));
     outside->Cover(0, 0, 640, 480, RGB(0, 0, 0));
     const VirtualClock clock;
-    std::thread user([&] {
-        CKXTipWnd tip;
-        tip.CreateTipWnd();
-        tip.ShowTipWnd("Well done", 1'000);
-        for (MSG msg; IsWindowVisible(tip.m_hWnd) && GetMessageA(&msg, nullptr, 0, 0) > 0;)
-            DispatchMessageA(&msg);
+    const std::jthread user([] {
+        const ColorWindow window(RGB(255, 255, 0), {220, 190, 420, 290});
+        EXPECT_TRUE(AnimateWindow(window.handle, 3'000, AW_BLEND));
+        EXPECT_TRUE(AnimateWindow(window.handle, 3'000, AW_BLEND | AW_HIDE));
     });
-    constexpr int left = 220, top = 190, right = 420, bottom = 290;
-    const auto reaches = [&](int share) {
-        const auto level = static_cast<BYTE>(share);
-        const COLORREF yellow = RGB(level, level, 0);
-        EXPECT_TRUE(Soon([&] { return Looks(left + 3, top + 3, yellow); })) << share;
-        EXPECT_TRUE(Soon([&] { return Looks(right - 3, bottom - 3, yellow); })) << share;
-    };
-    const auto advance = [](unsigned milliseconds) {
+    for (const unsigned quarter : {1u, 2u, 3u, 4u, 3u, 2u, 1u, 0u}) {
         ASSERT_TRUE(Soon([] { return KXHost::ClockWaiters() > 0; }));
-        KXHost::AdvanceClock(milliseconds);
-    };
-    for (const int quarter : {1, 2, 3, 4}) {
-        advance(750);
-        reaches(quarter * 255 / 4);
+        KXHost::AdvanceClock(750);
+        const unsigned level = quarter * 255 / 4;
+        for (const POINT corner : {POINT{220, 190}, POINT{419, 289}})
+            EXPECT_TRUE(Soon([&] { return Looks(corner.x, corner.y, RGB(level, level, 0)); })) << quarter;
+        EXPECT_TRUE(Looks(219, 190, 0));
+        EXPECT_TRUE(Looks(420, 289, 0));
     }
-    EXPECT_TRUE(Looks(left - 3, top - 3, 0));
-    EXPECT_TRUE(Looks(right + 3, bottom + 3, 0));
-    EXPECT_TRUE(HasPixel({280, 225, 360, 255}, RGB(0, 0, 255))) << "the text, in blue";
-    for (int i = 0; i < 10; ++i)
-        advance(100); // the timer's beat, up to the time that it is shown
-    for (const int quarter : {3, 2, 1, 0}) {
-        advance(750);
-        reaches(quarter * 255 / 4);
-    }
-    user.join();
 }
 
 // Blending needs to know what lies below, which is no longer seen once the window is.
 TEST_F(X11SceneTest, AWindowThatIsSeenStaysOpaque)
 {
     const VirtualClock clock;
-    const ColorWindow window(kRed, {0, 0, 100, 100});
-    ShowSeen(window, kRed, 50, 50);
+    const SeenWindow window(*this, kRed, {0, 0, 100, 100});
     const xcb_window_t cover = outside->Cover(0, 0, 100, 100, kGreen);
     const std::jthread user([&] {
         EXPECT_TRUE(Soon([] { return KXHost::ClockWaiters() > 0; }));
@@ -240,23 +213,6 @@ TEST_F(X11SceneTest, AMessageBoxKeepsTheOtherWindowsFromInput)
     EXPECT_EQ(main.heard.find("down"), main.heard.rfind("down")) << "one click: " << main.heard;
     DestroyWindow(hAsker);
     DestroyWindow(hClock);
-}
-
-TEST_F(X11SceneTest, TheTransparentWindowShowsWhatLiesUnderIt)
-{
-    outside->Cover(0, 0, 300, 480, kGreen);
-    outside->Cover(300, 0, 340, 480, kRed);
-    CKXTransparentWnd window;
-    ASSERT_TRUE(
-        window.CreateEx(0, AfxRegisterWndClass(0), nullptr, WS_POPUP, {200, 100, 400, 200}, nullptr, 0));
-    window.ShowWindow(SW_SHOWNA);
-    EXPECT_TRUE(Shows(200, 100, 0)) << "outline";
-    EXPECT_TRUE(Shows(399, 199, 0)) << "outline";
-    EXPECT_EQ(outside->Pixel(210, 190), kGreen);
-    EXPECT_EQ(outside->Pixel(390, 190), kRed);
-    EXPECT_EQ(outside->Pixel(199, 150), kGreen);
-    EXPECT_TRUE(HasPixel({260, 100, 340, 125}, RGB(255, 255, 255))) << "the text's own background";
-    window.DestroyWindow();
 }
 
 } // namespace

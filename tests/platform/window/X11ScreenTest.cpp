@@ -7,18 +7,23 @@ namespace {
 using namespace test;
 using testing::HasSubstr;
 
-class X11ScreenTest : public X11Test
+struct X11ScreenTest : X11Test
 {
-protected:
     void SetUp() override
     {
         unsetenv("KX_SCALE");
         Begin();
     }
-    // The same server, as one finds it who comes now.
-    void Reopen()
+    void TearDown() override
+    {
+        X11Test::TearDown(); // the desktop's thread reads the environment
+        unsetenv("KX_SCALE");
+    }
+    // The same server, as one finds it who comes now, with that scale.
+    void Reopen(const char* scale = "")
     {
         ASSERT_TRUE(KXHost::UseMemoryDesktop());
+        setenv("KX_SCALE", scale, 1);
         ASSERT_TRUE(KXHost::UseDisplay(server->Name().c_str()));
     }
 };
@@ -109,13 +114,9 @@ TEST_F(X11ScreenTest, TheEnvironmentHasTheLastWordOfTheScale)
 {
     outside->SetResources("Xft.dpi: 192\n");
     for (const auto& [word, width] : {std::pair{"1", 640}, {"3", 214}, {"9", 214}, {"nonsense", 640}}) {
-        ASSERT_TRUE(KXHost::UseMemoryDesktop()); // the desktop's thread reads the environment
-        setenv("KX_SCALE", word, 1);
-        Reopen();
+        Reopen(word);
         EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), width) << word;
     }
-    ASSERT_TRUE(KXHost::UseMemoryDesktop());
-    unsetenv("KX_SCALE");
 }
 
 // The server refuses to read beyond its screen, be it by a part of a pixel: here 539 and 430 dots are seen.
@@ -123,34 +124,30 @@ TEST_F(X11ScreenTest, TheScreensEndIsReadAsFarAsPixelsAreWhole)
 {
     outside->AddMonitor("main", 101, 50, 500, 400, true);
     outside->Cover(101, 50, 3, 3, kGreen);
-    ASSERT_TRUE(KXHost::UseMemoryDesktop());
-    setenv("KX_SCALE", "3", 1);
-    Reopen();
+    Reopen("3");
     const Paper copy(180, 144);
-    const HDC desktop = GetDC(nullptr);
-    BitBlt(copy, 0, 0, 180, 144, desktop, 0, 0, SRCCOPY);
-    ReleaseDC(nullptr, desktop);
+    BitBlt(copy, 0, 0, 180, 144, Desktop(), 0, 0, SRCCOPY);
     EXPECT_EQ(GetPixel(copy, 0, 0), kGreen);
-    ASSERT_TRUE(KXHost::UseMemoryDesktop());
-    unsetenv("KX_SCALE");
 }
 
-// The server shares no memory; where each pixel is nine of its own a row is more than a piece.
-TEST_F(X11ScreenTest, ManyPixelsAreSentInPieces)
+// With shared memory, and on a server that can't share. Where each pixel is nine of its own a row is more
+// than a piece.
+TEST_F(X11ScreenTest, ManyPixelsAreSentAndReadInPieces)
 {
-    Begin("1800x1200x24", {"-extension", "MIT-SHM"});
-    for (const char* scale : {"1", "3"}) {
-        ASSERT_TRUE(KXHost::UseMemoryDesktop());
-        setenv("KX_SCALE", scale, 1);
-        Reopen();
-        const SIZE whole{1800 / std::atoi(scale), 1200 / std::atoi(scale)};
+    const std::vector<std::string> apart{"-extension", "MIT-SHM"};
+    for (const auto& [scale, options] : {std::pair{1, std::vector<std::string>{}}, {1, apart}, {3, apart}}) {
+        Begin("1800x1500x24", options);
+        Reopen(std::to_string(scale).c_str());
+        const SIZE whole{1800 / scale, 1500 / scale};
         ColorWindow window(kRed, {0, 0, whole.cx, whole.cy});
-        ShowSeen(window, kRed, 1799, 1199);
-        for (const POINT at : {POINT{0, 0}, POINT{1799, 0}, POINT{900, 600}, POINT{0, 1199}})
-            EXPECT_EQ(outside->Pixel(at.x, at.y), kRed) << scale << ": " << at.x << ", " << at.y;
+        ShowSeen(window, kRed, 1799, 1499);
+        for (const auto& [x, y] :
+             {std::pair{0, 0}, {1799, 0}, {1799, 500}, {1799, 1000}, {900, 750}, {0, 1499}})
+            EXPECT_EQ(outside->Pixel(x, y), kRed) << scale << ": " << x << ", " << y;
+        const Paper copy(whole.cx, whole.cy);
+        BitBlt(copy, 0, 0, whole.cx, whole.cy, Desktop(), 0, 0, SRCCOPY);
+        EXPECT_EQ(GetPixel(copy, whole.cx - 1, whole.cy - 1), kRed) << scale;
     }
-    ASSERT_TRUE(KXHost::UseMemoryDesktop());
-    unsetenv("KX_SCALE");
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "include/platform/Host.h"
 #include "include/platform/Input.h"
 #include "include/platform/WindowPaint.h"
 #include "tests/platform/window/Support.h"
@@ -38,7 +37,7 @@ bool Pump(Ready ready)
 }
 
 // A window that fills itself with a colour and writes down what it hears of what a test asks for.
-class ColorWindow
+class ColorWindow : Fixed
 {
 public:
     ColorWindow(COLORREF color, RECT rect, DWORD style = WS_POPUP, const char* title = "colour")
@@ -48,8 +47,6 @@ public:
         SetWindowPos(handle, nullptr, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
                      SWP_NOACTIVATE);
     }
-    ColorWindow(const ColorWindow&) = delete;
-    ColorWindow& operator=(const ColorWindow&) = delete;
     ~ColorWindow() { DestroyWindow(handle); }
 
     bool Heard(const std::string& words) const { return heard.find(words) != std::string::npos; }
@@ -98,9 +95,8 @@ private:
 };
 
 // A test on a screen of its own.
-class X11Test : public testing::Test
+struct X11Test : testing::Test
 {
-protected:
     void SetUp() override { Begin(); }
     void TearDown() override { EXPECT_TRUE(KXHost::UseMemoryDesktop()); }
     void Begin(const std::string& screen = "640x480x24", std::vector<std::string> options = {})
@@ -129,6 +125,15 @@ protected:
 
     std::optional<XServer> server;
     std::optional<XClient> outside;
+};
+
+struct SeenWindow : ColorWindow
+{
+    SeenWindow(X11Test& test, COLORREF color, RECT rect, DWORD style = WS_POPUP, const char* title = "colour")
+        : ColorWindow(color, rect, style, title)
+    {
+        test.ShowSeen(*this, color, rect.right - 1, rect.bottom - 1);
+    }
 };
 
 } // namespace test

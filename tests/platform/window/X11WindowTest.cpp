@@ -8,9 +8,7 @@ namespace {
 using namespace test;
 using testing::HasSubstr;
 
-class X11WindowTest : public X11Test
-{
-};
+using X11WindowTest = X11Test;
 
 // With shared memory, and on a server that can't share, nor knows monitors.
 TEST_F(X11WindowTest, PixelsReachTheScreenAndComeBackFromIt)
@@ -49,20 +47,6 @@ TEST_F(X11WindowTest, PixelsReachTheScreenAndComeBackFromIt)
     }
 }
 
-TEST_F(X11WindowTest, ALargeWindowIsShownWhole)
-{
-    Begin("2000x1500x24");
-    ColorWindow window(kRed, {0, 0, 2000, 1500});
-    ShowSeen(window, kRed, 0, 0);
-    for (const int y : {500, 1000, 1499})
-        EXPECT_EQ(outside->Pixel(1999, y), kRed);
-    const HDC desktop = GetDC(nullptr);
-    const Paper copy(2000, 1500);
-    BitBlt(copy, 0, 0, 2000, 1500, desktop, 0, 0, SRCCOPY);
-    EXPECT_EQ(GetPixel(copy, 1999, 1499), kRed);
-    ReleaseDC(nullptr, desktop);
-}
-
 TEST_F(X11WindowTest, AScreenOfOtherPixelsHasNoWindows)
 {
     Begin("640x480x16");
@@ -92,8 +76,7 @@ TEST_F(X11WindowTest, TopmostPopupsStayAboveTheOthers)
 TEST_F(X11WindowTest, AShapeCutsAWindow)
 {
     outside->Cover(0, 0, 200, 200, kBlue);
-    ColorWindow window(kRed, {0, 0, 100, 100});
-    ShowSeen(window, kRed, 50, 50);
+    SeenWindow window(*this, kRed, {0, 0, 100, 100});
     SetWindowRgn(window.handle, CreateRectRgn(10, 10, 60, 60), 1);
     EXPECT_TRUE(Shows(9, 10, kBlue));
     EXPECT_TRUE(Shows(60, 59, kBlue));
@@ -144,8 +127,7 @@ TEST_F(X11WindowTest, WindowsAreClosedMovedAndEndedFromOutside)
 // The owner's own wish is the last word, whatever the server still has to tell of earlier ones.
 TEST_F(X11WindowTest, APlaceChosenHereStands)
 {
-    ColorWindow window(kRed, {0, 0, 50, 50}, WS_POPUP, "window");
-    ShowSeen(window, kRed, 25, 25);
+    SeenWindow window(*this, kRed, {0, 0, 50, 50}, WS_POPUP, "window");
     window.heard.clear();
     for (int i = 1; i <= 100; ++i) {
         Move(window.handle, i, i, 50 + i, 50);
@@ -164,8 +146,7 @@ TEST_F(X11WindowTest, APlaceChosenHereStands)
 // Its owner and a manager place it at the same time, again and again.
 TEST_F(X11WindowTest, WhereAWindowLiesIsKnownWhoeverPlacedItLast)
 {
-    ColorWindow window(kRed, {0, 0, 50, 50}, WS_CAPTION, "window");
-    ShowSeen(window, kRed, 25, 25);
+    SeenWindow window(*this, kRed, {0, 0, 50, 50}, WS_CAPTION, "window");
     const xcb_window_t id = outside->Find("window");
     outside->Frame(id, outside->Cover(5, 7, 600, 470, kBlue));
     for (int i = 1; i <= 500; ++i) {
@@ -179,10 +160,9 @@ TEST_F(X11WindowTest, WhereAWindowLiesIsKnownWhoeverPlacedItLast)
 // The thread is busy, and its queue full, while the server tells of the windows.
 TEST_F(X11WindowTest, NewsOfTheServerComeThroughAFullQueue)
 {
-    ColorWindow window(kRed, {0, 0, 50, 50}, WS_CAPTION, "window");
     const WindowThread another; // what happens to it shows that what came before has been told
     SetWindowTextA(another.Window(), "another");
-    ShowSeen(window, kRed, 25, 25);
+    SeenWindow window(*this, kRed, {0, 0, 50, 50}, WS_CAPTION, "window");
     const auto fill = [&] {
         for (int i = 0; i < 10'000; ++i)
             EXPECT_TRUE(PostMessage(window.handle, WM_NULL, 0, 0));
@@ -213,11 +193,7 @@ TEST_F(X11WindowTest, WindowsOfOtherProcessesAreListed)
     outside->Cover(0, 200, 50, 50, kBlue); // doesn't tell whose it is
     const auto walk = [] {
         std::vector<HWND> found;
-        const auto add = [](HWND hWnd, long lParam) {
-            reinterpret_cast<std::vector<HWND>*>(lParam)->push_back(hWnd);
-            return 1;
-        };
-        EXPECT_TRUE(EnumDesktopWindows(nullptr, add, reinterpret_cast<long>(&found)));
+        EXPECT_TRUE(Walk([&](HWND hWnd) { return found.push_back(hWnd), 1; }));
         return found;
     };
     const std::vector<HWND> found = walk();

@@ -100,22 +100,15 @@ public:
         Place(id, x, y, width, height);
         std::array<char, 256> machine{};
         gethostname(machine.data(), machine.size() - 1);
-        xcb_change_property(m_c, XCB_PROP_MODE_REPLACE, id, XCB_ATOM_WM_CLIENT_MACHINE, XCB_ATOM_STRING, 8,
-                            static_cast<std::uint32_t>(std::strlen(machine.data())), machine.data());
-        if (process)
-            xcb_change_property(m_c, XCB_PROP_MODE_REPLACE, id, Atom("_NET_WM_PID"), XCB_ATOM_CARDINAL, 32, 1,
-                                &process);
+        SetProperty(id, "WM_CLIENT_MACHINE", XCB_ATOM_STRING, 8, std::strlen(machine.data()), machine.data());
+        if (process) SetProperty(id, "_NET_WM_PID", XCB_ATOM_CARDINAL, 32, 1, &process);
         Finish(xcb_map_window(m_c, id));
         return id;
     }
     void Destroy(xcb_window_t window) { Finish(xcb_destroy_window(m_c, window)); }
     void AskToClose(xcb_window_t window)
     {
-        xcb_client_message_event_t event{};
-        event.response_type = XCB_CLIENT_MESSAGE;
-        event.format = 32;
-        event.window = window;
-        event.type = Atom("WM_PROTOCOLS");
+        xcb_client_message_event_t event{XCB_CLIENT_MESSAGE, 32, 0, window, Atom("WM_PROTOCOLS"), {}};
         event.data.data32[0] = Atom("WM_DELETE_WINDOW");
         Finish(xcb_send_event(m_c, 0, window, 0, reinterpret_cast<const char*>(&event)));
     }
@@ -166,9 +159,7 @@ public:
     // Lists the windows that a manager manages.
     void SetManaged(const std::vector<xcb_window_t>& windows)
     {
-        Finish(xcb_change_property(m_c, XCB_PROP_MODE_REPLACE, m_screen.root, Atom("_NET_CLIENT_LIST"),
-                                   XCB_ATOM_WINDOW, 32, static_cast<std::uint32_t>(windows.size()),
-                                   windows.data()));
+        SetProperty(m_screen.root, "_NET_CLIENT_LIST", XCB_ATOM_WINDOW, 32, windows.size(), windows.data());
     }
     // Lays it into another window, as a manager does.
     void Frame(xcb_window_t window, xcb_window_t frame)
@@ -179,20 +170,14 @@ public:
     // A part of the screen that counts as a monitor of its own; `primary`: the main one. libxcb's own
     // xcb_randr_set_monitor (1.15) sends four parts of which it fills three: the fourth is of whatever lies
     // on the stack.
-    void AddMonitor(const char* name, int x, int y, int width, int height, bool primary)
+    void AddMonitor(const char* name, std::int16_t x, std::int16_t y, std::uint16_t width,
+                    std::uint16_t height, bool primary)
     {
         struct
         {
-            xcb_randr_set_monitor_request_t head{};
-            xcb_randr_monitor_info_t info{};
-        } request;
-        request.head.window = m_screen.root;
-        request.info.name = Atom(name);
-        request.info.primary = primary;
-        request.info.x = static_cast<std::int16_t>(x);
-        request.info.y = static_cast<std::int16_t>(y);
-        request.info.width = static_cast<std::uint16_t>(width);
-        request.info.height = static_cast<std::uint16_t>(height);
+            xcb_randr_set_monitor_request_t head;
+            xcb_randr_monitor_info_t info;
+        } request{{0, 0, 0, m_screen.root}, {Atom(name), primary, 0, 0, x, y, width, height, 0, 0}};
         Answer(xcb_randr_query_version_reply, xcb_randr_query_version(m_c, 1, 5));
         xcb_randr_delete_monitor(m_c, m_screen.root, request.info.name);
         const xcb_protocol_request_t kind{1, &xcb_randr_id, XCB_RANDR_SET_MONITOR, 1};
@@ -219,9 +204,11 @@ public:
     // Sets the resources that the user's desktop has.
     void SetResources(const std::string& text)
     {
-        Finish(xcb_change_property(m_c, XCB_PROP_MODE_REPLACE, m_screen.root, XCB_ATOM_RESOURCE_MANAGER,
-                                   XCB_ATOM_STRING, 8, static_cast<std::uint32_t>(text.size()), text.data()));
+        SetProperty(m_screen.root, "RESOURCE_MANAGER", XCB_ATOM_STRING, 8, text.size(), text.data());
     }
+
+    // Keeps the server for itself: others are answered only when this client has ended.
+    void Grab() { Finish(xcb_grab_server(m_c)); }
 
     void MoveMouse(int x, int y) { Fake(XCB_MOTION_NOTIFY, 0, x, y); }
     void Button(int number, bool down)
@@ -279,6 +266,12 @@ private:
     {
         return (color & 0xFF) << 16 | (color & 0xFF00) | (color >> 16 & 0xFF);
     }
+    void SetProperty(xcb_window_t window, const char* name, xcb_atom_t type, std::uint8_t bits,
+                     std::size_t count, const void* values)
+    {
+        Finish(xcb_change_property(m_c, XCB_PROP_MODE_REPLACE, window, Atom(name), type, bits,
+                                   static_cast<std::uint32_t>(count), values));
+    }
     // This request, and all before it, has been done when it returns.
     void Finish(xcb_void_cookie_t) { Answer(xcb_get_input_focus_reply, xcb_get_input_focus(m_c)); }
     void Fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0)
@@ -290,21 +283,6 @@ private:
     const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> m_connection;
     xcb_connection_t* const m_c = m_connection.get();
     xcb_screen_t m_screen;
-};
-
-// Keeps the server for itself: others are answered only afterwards.
-class ServerGrab : Fixed
-{
-public:
-    explicit ServerGrab(const std::string& display) : m_c(xcb_connect(display.c_str(), nullptr))
-    {
-        xcb_grab_server(m_c);
-        std::free(xcb_get_input_focus_reply(m_c, xcb_get_input_focus(m_c), nullptr));
-    }
-    ~ServerGrab() { xcb_disconnect(m_c); }
-
-private:
-    xcb_connection_t* const m_c;
 };
 
 } // namespace test
