@@ -1,4 +1,5 @@
 #include "tests/platform/gdi/LoadedImage.h"
+#include "tests/support/Damage.h"
 #include "tests/support/Test.h"
 
 #include <tuple>

@@ -73,20 +73,4 @@ private:
     std::unique_ptr<std::remove_pointer_t<HBITMAP>, decltype(&DeleteObject)> m_bitmap;
 };
 
-// Hands to `load` what is left of a file cut at each length.
-template <class Load>
-void ForEachCut(const std::string& file, Load&& load)
-{
-    for (std::size_t size = 0; size < file.size(); ++size)
-        load(file.substr(0, size));
-}
-// Hands to `load` the file with each byte set to 0 and to 0xFF.
-template <class Load>
-void ForEachLie(const std::string& file, Load&& load)
-{
-    for (const char value : {'\0', '\xFF'})
-        for (std::size_t at = 0; at < file.size(); ++at)
-            load(std::string(file).replace(at, 1, 1, value));
-}
-
 } // namespace test

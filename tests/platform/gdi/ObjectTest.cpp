@@ -65,13 +65,7 @@ TEST_F(Object, OfAnotherClassServesNoOperation)
 TEST_F(Object, TellsItsRecord)
 {
     const Paper paper(50, 7);
-    const auto bitmap = Describe<BITMAP>(paper.Bitmap());
-    EXPECT_EQ(bitmap.bmWidth, 50);
-    EXPECT_EQ(bitmap.bmHeight, 7);
-    EXPECT_EQ(bitmap.bmWidthBytes, 200);
-    EXPECT_EQ(bitmap.bmBitsPixel, 32);
-    EXPECT_EQ(bitmap.bmPlanes, 1);
-    EXPECT_EQ(bitmap.bmType, 0);
+    EXPECT_THAT(Describe<BITMAP>(paper.Bitmap()), testing::FieldsAre(0, 50, 7, 200, 1, 32, nullptr));
     LOGFONTA log{};
     log.lfHeight = 33;
     std::fill(std::begin(log.lfFaceName), std::end(log.lfFaceName), 'F');

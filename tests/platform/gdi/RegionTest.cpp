@@ -74,12 +74,11 @@ TEST_F(Region, OfRectanglesIsTheirUnion)
     EXPECT_FALSE(PtInRegion(runs, 0, 9'999));
     EXPECT_EQ(BoxOf(Rgn(CreateMaskRgn(nullptr, 0, 9)), NULLREGION), RECT{});
     EXPECT_EQ(BoxOf(Rgn(CreateMaskRgn(nullptr, 9, 0)), NULLREGION), RECT{});
-    EXPECT_EQ(CreateMaskRgn(mask, -1, 1), nullptr);
-    EXPECT_EQ(CreateMaskRgn(mask, 1, -1), nullptr);
-    EXPECT_EQ(CreateMaskRgn(nullptr, 1, 1), nullptr);
-    const RECT box{};
-    EXPECT_EQ(CreateRectsRgn(&box, -1), nullptr);
-    EXPECT_EQ(CreateRectsRgn(nullptr, 1), nullptr);
+    const RECT rect{};
+    for (const HRGN none :
+         {CreateMaskRgn(mask, -1, 1), CreateMaskRgn(mask, 1, -1), CreateMaskRgn(nullptr, 1, 1),
+          CreateRectsRgn(&rect, -1), CreateRectsRgn(nullptr, 1)})
+        EXPECT_EQ(none, nullptr);
 }
 
 TEST_F(Region, IsTheSameInWhateverOrderItsManyRectanglesCome)
@@ -142,10 +141,9 @@ TEST_F(Region, MovesWithinTheRangeOfCoordinates)
     const Rgn right(CreateRectRgn(INT_MAX - 4, 0, INT_MAX, 4));
     OffsetRgn(right, 2, 0);
     EXPECT_EQ(BoxOf(right, SIMPLEREGION), (RECT{INT_MAX - 2, 0, INT_MAX, 4}));
-    EXPECT_EQ(OffsetRgn(nullptr, 1, 1), RGN_ERROR);
     RECT box;
-    EXPECT_EQ(GetRgnBox(nullptr, &box), RGN_ERROR);
-    EXPECT_EQ(GetRgnBox(region, nullptr), RGN_ERROR);
+    for (const int kind : {OffsetRgn(nullptr, 1, 1), GetRgnBox(nullptr, &box), GetRgnBox(region, nullptr)})
+        EXPECT_EQ(kind, RGN_ERROR);
 }
 
 TEST_F(Region, RoundsItsCorners)

@@ -1,6 +1,7 @@
 #include "include/KXText.h"
 #include "include/platform/Gdi.h"
 #include "tests/support/Picture.h"
+#include "tests/support/Process.h"
 #include "tests/support/Test.h"
 
 #include <ctime>
@@ -281,16 +282,11 @@ TEST_F(Text, ManyLinesAreCutInOnePass)
 // At this size the letters of ASCII would take a quarter of a gigabyte.
 TEST_F(Text, LettersAreKeptWithinABound)
 {
-    const auto resident = [] {
-        std::size_t nTotal = 0, nResident = 0;
-        std::ifstream("/proc/self/statm") >> nTotal >> nResident;
-        return nResident * static_cast<std::size_t>(getpagesize());
-    };
     Use("DejaVu Sans", -1024);
-    const std::size_t nBefore = resident();
+    const long nBefore = test::ResidentKilobytes();
     for (char ch = '!'; ch <= '~'; ++ch)
         EXPECT_GT(WidthOf(std::string(1, ch)), 0);
-    EXPECT_LT(resident(), nBefore + (64u << 20));
+    EXPECT_LT(test::ResidentKilobytes(), nBefore + (64 << 10));
 }
 #endif
 
@@ -299,14 +295,12 @@ TEST_F(Text, BadArgumentsDrawNothing)
     const test::NoLeak noLeak;
     RECT rect{};
     SIZE size;
-    EXPECT_EQ(DrawTextA(nullptr, "a", 1, &rect, 0), 0);
-    EXPECT_EQ(DrawTextA(paper, nullptr, 1, &rect, 0), 0);
-    EXPECT_EQ(DrawTextA(paper, "a", 1, nullptr, 0), 0);
-    EXPECT_EQ(GetTextExtentPoint32A(paper, "a", 1, nullptr), 0);
-    EXPECT_EQ(GetTextExtentPoint32A(nullptr, "a", 1, &size), 0);
-    EXPECT_EQ(GetTextExtentPoint32A(paper, nullptr, 1, &size), 0);
-    EXPECT_EQ(TextOutA(nullptr, 0, 0, "a", 1), 0);
-    EXPECT_EQ(TextOutA(paper, 0, 0, nullptr, 1), 0);
+    for (const int nDone :
+         {DrawTextA(nullptr, "a", 1, &rect, 0), DrawTextA(paper, nullptr, 1, &rect, 0),
+          DrawTextA(paper, "a", 1, nullptr, 0), GetTextExtentPoint32A(paper, "a", 1, nullptr),
+          GetTextExtentPoint32A(nullptr, "a", 1, &size), GetTextExtentPoint32A(paper, nullptr, 1, &size),
+          TextOutA(nullptr, 0, 0, "a", 1), TextOutA(paper, 0, 0, nullptr, 1)})
+        EXPECT_EQ(nDone, 0);
     EXPECT_EQ(CreateFontIndirectA(nullptr), nullptr);
     EXPECT_EQ(TextOutA(paper, INT_MAX, INT_MIN, "a", 1), 1);
     RECT far{INT_MIN, INT_MIN, INT_MAX, INT_MAX};

@@ -3,6 +3,9 @@
 #include "tests/support/BmpBuilder.h"
 #include "tests/support/Test.h"
 
+#include <bit>
+#include <bitset>
+
 // Builds GIF, JPEG and TIFF files, whose fields may be made to lie.
 namespace test {
 
@@ -21,10 +24,8 @@ struct GifFrame
 inline std::string GifPalette(std::string_view letters)
 {
     std::string bytes;
-    for (std::size_t i = 0; i < 8; ++i) {
-        const std::string pixel = Le(PixelOf(letters[std::min(i, letters.size() - 1)]), 3);
-        bytes.append(pixel.rbegin(), pixel.rend());
-    }
+    for (std::size_t i = 0; i < 8; ++i)
+        bytes += Be(PixelOf(letters[std::min(i, letters.size() - 1)])).substr(1);
     return bytes;
 }
 
@@ -32,14 +33,11 @@ inline std::string GifPalette(std::string_view letters)
 inline std::string InFileOrder(const GifFrame& frame)
 {
     std::string all;
-    const std::size_t passes[][2] = {{0, 8}, {4, 8}, {2, 4}, {1, 2}};
-    if (frame.interlaced)
-        for (const auto& [first, step] : passes)
-            for (std::size_t y = first; y < frame.picture.size(); y += step)
-                all += frame.picture[y];
-    else
-        for (const std::string& row : frame.picture)
-            all += row;
+    using Passes = std::vector<std::array<std::size_t, 2>>;
+    const Passes passes = frame.interlaced ? Passes{{0, 8}, {4, 8}, {2, 4}, {1, 2}} : Passes{{0, 1}};
+    for (const auto& [first, step] : passes)
+        for (std::size_t y = first; y < frame.picture.size(); y += step)
+            all += frame.picture[y];
     return all;
 }
 
@@ -113,11 +111,9 @@ struct Jpeg
             for (std::size_t c = 0; c < block.size(); ++c) {
                 const int difference = block[c] - last[c];
                 last[c] = block[c];
-                int size = 0;
-                while (std::abs(difference) >> size != 0)
-                    ++size;
-                Append(bits, size, 4);
-                Append(bits, difference < 0 ? difference + (1 << size) - 1 : difference, size);
+                const auto size = std::bit_width(static_cast<unsigned>(std::abs(difference)));
+                const int code = difference < 0 ? difference + (1 << size) - 1 : difference;
+                bits += Bits(size, 4) + Bits(code, size);
                 if (!progressive) bits += '0';
             }
         std::string bytes;
@@ -128,10 +124,10 @@ struct Jpeg
         }
         return bytes;
     }
-    static void Append(std::string& bits, int value, int count)
+    static std::string Bits(int value, int count)
     {
-        while (count-- > 0)
-            bits += value >> count & 1 ? '1' : '0';
+        const std::string bits = std::bitset<16>(static_cast<unsigned>(value)).to_string();
+        return bits.substr(bits.size() - static_cast<unsigned>(count));
     }
 
     std::string File() const
@@ -187,34 +183,25 @@ inline std::string Tiff(const std::vector<TiffPage>& pages, bool bBigEndian = fa
     std::size_t linkAt = file.size();
     file += number(0, nWide);
     for (const TiffPage& page : pages) {
-        const std::size_t pixelsAt = file.size(), bitsAt = pixelsAt + (page.pixels.size() + 1) / 2 * 2;
-        file += page.pixels;
-        file.resize(bitsAt);
+        const std::size_t pixelsAt = file.size();
+        file += page.pixels + std::string(page.pixels.size() % 2, '\0');
+        const std::size_t bitsAt = file.size();
+        std::string bits;
         for (std::uint32_t i = 0; i < page.samples; ++i)
-            file += number(page.bits, 2);
+            bits += number(page.bits, 2);
+        file += bits;
+        file.replace(linkAt, nWide, number(file.size(), nWide));
 
         std::map<std::uint32_t, std::uint32_t> tags = page.tags;
-        tags.insert({{256, page.width},
-                     {257, page.height},
-                     {259, 1},
-                     {262, page.photometric},
-                     {273, pixelsAt},
-                     {277, page.samples},
-                     {278, page.height},
-                     {279, page.pixels.size()}});
-        tags[258] = static_cast<std::uint32_t>(bitsAt); // unless they fit
-        file.replace(linkAt, nWide, number(file.size(), nWide));
+        tags.insert({{256, page.width}, {257, page.height}, {258, bitsAt}, {259, 1}, {273, pixelsAt}});
+        tags.insert({{262, page.photometric}, {277, page.samples}, {278, page.height}});
+        tags.insert({279, page.pixels.size()});
         file += number(tags.size(), bBigTiff ? 8 : 2);
         for (const auto& [tag, value] : tags) {
             const bool bBits = tag == 258, bLong = tag < 258 || tag == 273 || tag == 278 || tag == 279;
             file += number(tag, 2) + number(bLong ? 4 : 3, 2) + number(bBits ? page.samples : 1, nWide);
-            const bool bInPlace = bBits && page.samples * 2 <= nWide;
-            std::string bytes;
-            if (bInPlace)
-                for (std::uint32_t i = 0; i < page.samples; ++i)
-                    bytes += number(page.bits, 2);
-            else
-                bytes = number(value, bBits ? nWide : bLong ? 4 : 2);
+            std::string bytes = bBits ? bits : number(value, bLong ? 4 : 2);
+            if (bytes.size() > nWide) bytes = number(value, nWide); // their place
             bytes.resize(nWide);
             file += bytes;
         }

@@ -13,7 +13,7 @@ TEST_F(CodecTest, PngOfAllKinds)
 {
     const std::string palette = PngChunk("PLTE", "\xFF\0\0\0\0\xFF\0\xFF\0"s);
     const std::string faded = palette + PngChunk("tRNS", "\x80"s), key = PngChunk("tRNS", "\0\1\0\2\0\3"s);
-    const std::string gamma = PngChunk("gAMA", Be(100000));
+    const std::string gamma = PngChunk("gAMA", Be(100000)), colors = "\0\1\1\1\0\2\2\2\0\3\3\3\4\4\4"s;
     const std::tuple<const char*, std::string, Row, PixelFormat> cases[] = {
         {"1 bit", Png(2, 1, 1, 0, "\0\x40"s), {0xFF000000, 0xFFFFFFFF}, PixelFormat1bppIndexed},
         {"2 bits", Png(2, 1, 2, 0, "\0\x60"s), {0xFF555555, 0xFFAAAAAA}, PixelFormat4bppIndexed},
@@ -28,8 +28,7 @@ TEST_F(CodecTest, PngOfAllKinds)
         {"RGB, alpha", Png(1, 1, 8, 6, "\0\1\2\3\4"s), {0x04010203}, PixelFormat32bppARGB},
         {"all 16 bits", Png(1, 1, 16, 6, "\0\1\1\2\2\3\3\4\4"s), {0x04010203}, PixelFormat32bppARGB},
         {"no gamma", Png(1, 1, 8, 0, "\0\x40"s, gamma), {0xFF404040}, PixelFormat8bppIndexed},
-        {"coloured passes", Png(2, 2, 8, 2, "\0\1\1\1\0\2\2\2\0\3\3\3\4\4\4"s, "", 1), Grays({1, 2, 3, 4}),
-         PixelFormat24bppRGB},
+        {"coloured passes", Png(2, 2, 8, 2, colors, "", 1), Grays({1, 2, 3, 4}), PixelFormat24bppRGB},
         {"passes", Png(2, 2, 8, 0, "\0\1\0\2\0\3\4"s, "", 1), Grays({1, 2, 3, 4}), PixelFormat8bppIndexed},
     };
     for (const auto& [what, file, pixels, format] : cases) {
@@ -111,6 +110,8 @@ TEST_F(CodecTest, TiffOfManyKinds)
     whiteIsZero.bits = 1;
     whiteIsZero.photometric = 0;
     const TiffPage rgb{.width = 1, .height = 2, .pixels = "\1\2\3\4\5\6"};
+    TiffPage deepGray = GrayTiff(1, 1, "\x12\x12");
+    deepGray.bits = 16;
     const TiffPage deep{.width = 1, .height = 1, .bits = 16, .pixels = "\x10\x10\x20\x20\x30\x30"};
     const std::tuple<const char*, TiffPage, Row, PixelFormat> cases[] = {
         {"white is 0", whiteIsZero, {0xFFFFFFFF, 0xFF000000}, PixelFormat1bppIndexed},
@@ -120,10 +121,7 @@ TEST_F(CodecTest, TiffOfManyKinds)
         {"multiplied", alpha("\x41\x61\x11\x80", 1), {0x8081C122}, PixelFormat32bppARGB},
         {"by nearly 1", alpha("\x7F\1\xFE\xFE", 1), {0xFE8001FF}, PixelFormat32bppARGB},
         {"by nearly 0", alpha("\2\1\0\1"s, 1), {0x01FFFF00}, PixelFormat32bppARGB},
-        {"16 bits of grey",
-         TiffPage{.width = 1, .height = 1, .bits = 16, .samples = 1, .photometric = 1, .pixels = "\x12\x12"},
-         {0xFF121212},
-         PixelFormat8bppIndexed},
+        {"16 bits of grey", deepGray, {0xFF121212}, PixelFormat8bppIndexed},
         {"16 bits", deep, {0xFF102030}, PixelFormat24bppRGB},
         {"from the bottom", GrayTiff(1, 2, "\1\2", {{274, 4}}), Grays({2, 1}), PixelFormat8bppIndexed},
         {"packed", GrayTiff(3, 1, "\xFE\7", {{259, 32773}}), Grays({7, 7, 7}), PixelFormat8bppIndexed},

@@ -1,4 +1,4 @@
-#include "tests/platform/gdi/LoadedImage.h"
+#include "tests/support/Damage.h"
 #include "tests/platform/gdiplus/Builders.h"
 #include "tests/platform/gdiplus/Images.h"
 
@@ -34,16 +34,6 @@ TEST_F(DamageTest, AJpegHasSoManyScans)
     }
 }
 
-// A picture of 64 rows that can't be encoded much shorter than it is.
-Row Noise()
-{
-    std::minstd_rand random(3);
-    Row pixels(64 * 64);
-    for (ARGB& pixel : pixels)
-        pixel = 0xFF000000 | static_cast<ARGB>(random());
-    return pixels;
-}
-
 // Rows of a cut file that are as they were, and others that lack, each from one to before another.
 void ExpectCut(const Loaded& cut, const Row& whole, std::pair<int, int> there, std::pair<int, int> lacking,
                ARGB lack)
@@ -70,7 +60,11 @@ std::string TiffHead(const std::vector<TiffEntry>& entries)
 
 TEST_F(DamageTest, WhatIsThereOfACutFileIsShown)
 {
-    Row noise = Noise();
+    // Pixels that can't be encoded much shorter than they are.
+    Row noise(64 * 64);
+    std::minstd_rand random(3);
+    for (ARGB& pixel : noise)
+        pixel = 0xFF000000 | static_cast<ARGB>(random());
     const Sheet sheet(64, noise, PixelFormat32bppRGB);
     const auto whole = [&](std::u16string_view type) { return Saved(sheet.bitmap.Native(), type); };
     const auto half = [&](std::u16string_view type) { return whole(type).substr(0, whole(type).size() / 2); };
@@ -167,24 +161,19 @@ TEST_F(DamageTest, CutAndLyingFilesAreHarmless)
 TEST_F(DamageTest, PicturesBeyondTheLimitsAreRefused)
 {
     const std::string row(1, '\0');
-    EXPECT_EQ(LoadStatus(Png(32768, 1, 8, 2, row)), OutOfMemory);
-    EXPECT_EQ(LoadStatus(Png(8193, 8192, 8, 2, row)), OutOfMemory);
-    EXPECT_EQ(LoadStatus(Gif(32768, 1, {{{"R"}}})), OutOfMemory);
-    EXPECT_EQ(LoadStatus(Gif(8193, 8192, {{{"R"}}})), OutOfMemory);
-    EXPECT_EQ(LoadStatus(Tiff({{.width = 8193, .height = 8192, .pixels = "abc"}})), OutOfMemory);
     const auto jpegOf = [](const char* pszSides) {
         std::string file = Jpeg{.blocks = {{1}}}.File();
         return file.replace(file.find("\xFF\xC0") + 5, 4, pszSides, 4);
     };
-    EXPECT_EQ(LoadStatus(jpegOf("\x80\0\0\1")), OutOfMemory);
-    EXPECT_EQ(LoadStatus(jpegOf("\x20\1\x20\0")), OutOfMemory);
+    const auto tiffOf = [](std::uint32_t cx, std::uint32_t cy) { return Tiff({GrayTiff(cx, cy, "abc")}); };
+    for (const std::string& file :
+         {Png(32768, 1, 8, 2, row), Png(8193, 8192, 8, 2, row), Gif(32768, 1, {{{"R"}}}),
+          Gif(8193, 8192, {{{"R"}}}), tiffOf(8193, 8192), jpegOf("\x80\0\0\1"), jpegOf("\x20\1\x20\0")})
+        EXPECT_EQ(LoadStatus(file), OutOfMemory) << testing::PrintToString(file);
     // Sizes within the limits that so few bytes can't fill.
-    EXPECT_EQ(LoadStatus(Png(8192, 8192, 8, 2, row)), GenericError);
-    EXPECT_EQ(LoadStatus(Gif(8192, 8192, {{{"R"}}})), GenericError);
-    EXPECT_EQ(LoadStatus(Tiff({{.width = 8192, .height = 8192, .pixels = "abc"}})), GenericError);
-    EXPECT_EQ(LoadStatus(jpegOf("\x20\0\x20\0")), GenericError);
-    EXPECT_EQ(LoadStatus(Tiff({GrayTiff(0, 1, "a")})), GenericError);
-    EXPECT_EQ(LoadStatus(Tiff({GrayTiff(1, 0, "a")})), GenericError);
+    for (const std::string& file : {Png(8192, 8192, 8, 2, row), Gif(8192, 8192, {{{"R"}}}),
+                                    tiffOf(8192, 8192), jpegOf("\x20\0\x20\0"), tiffOf(0, 1), tiffOf(1, 0)})
+        EXPECT_EQ(LoadStatus(file), GenericError) << testing::PrintToString(file);
     // 65,536 pixels are granted to any frame of a GIF.
     std::string gif = Gif(4, 16384, {{{"RRRR"}}});
     const std::size_t nHeightAt = gif.find(",\0\0\0\0\4\0"s) + 7;
@@ -205,13 +194,8 @@ TEST_F(DamageTest, PicturesBeyondTheLimitsAreRefused)
     EXPECT_EQ(LoadStatus(tiff), GenericError);
     EXPECT_EQ(LoadStatus(tiff + '\0'), Ok);
     // A fax may have eight rows for each byte, here white as the one before.
-    const TiffPage fax{.width = 32767,
-                       .height = 264,
-                       .bits = 1,
-                       .samples = 1,
-                       .photometric = 0,
-                       .pixels = std::string(264 / 8, '\xFF'),
-                       .tags = {{259, 4}}};
+    TiffPage fax = GrayTiff(32767, 264, std::string(264 / 8, '\xFF'), {{259, 4}});
+    fax.bits = 1, fax.photometric = 0;
     EXPECT_EQ(LoadStatus(Tiff({fax})), Ok);
 }
 

@@ -1,6 +1,8 @@
 #include "tests/platform/gdiplus/Builders.h"
 #include "tests/platform/gdiplus/Images.h"
 
+#include <span>
+
 namespace {
 
 using namespace test;
@@ -182,27 +184,22 @@ TEST_F(FramesTest, FramesThatAreCutOffDontCount)
 
 TEST_F(FramesTest, Delays)
 {
-    const auto read = [](GpImage* image, PROPID id) {
-        UINT size = 0;
-        EXPECT_EQ(GdipGetPropertyItemSize(image, id, &size), Ok);
-        std::vector<PropertyItem> block(size / sizeof(PropertyItem) + 1);
-        EXPECT_EQ(GdipGetPropertyItem(image, id, size - 1, block.data()), InvalidParameter);
-        EXPECT_EQ(GdipGetPropertyItem(image, id, size, block.data()), Ok);
-        const PropertyItem& item = block[0];
-        EXPECT_EQ(item.id, id);
-        EXPECT_EQ(item.value, &block[1]);
-        EXPECT_EQ(item.length, size - sizeof(PropertyItem));
-        EXPECT_EQ(item.type, PropertyTagTypeLong);
-        const auto* values = static_cast<const DWORD*>(item.value);
-        return std::vector<DWORD>(values, values + item.length / 4);
-    };
     const std::vector<GifFrame> frames = {{{"R"}}, {{"R"}, 0, 0, 0, 6529}, {{"R"}, 0, 0, 2, 65535}};
     std::string file = Gif(1, 1, frames);
-    EXPECT_THAT(read(Loaded(file), PropertyTagFrameDelay), testing::ElementsAre(0, 6529, 65535));
+    const Loaded gif(file);
+    UINT size = 0;
+    EXPECT_EQ(GdipGetPropertyItemSize(gif, PropertyTagFrameDelay, &size), Ok);
+    ASSERT_EQ(size, sizeof(PropertyItem) + 12);
+    std::vector<PropertyItem> block(2);
+    EXPECT_EQ(GdipGetPropertyItem(gif, PropertyTagFrameDelay, size - 1, block.data()), InvalidParameter);
+    EXPECT_EQ(GdipGetPropertyItem(gif, PropertyTagFrameDelay, size, block.data()), Ok);
+    const auto& [id, length, type, value] = block[0];
+    EXPECT_THAT(std::tuple(id, length, type, value),
+                testing::FieldsAre(PropertyTagFrameDelay, 12, PropertyTagTypeLong, &block[1]));
+    EXPECT_THAT(std::span(static_cast<const DWORD*>(value), 3), testing::ElementsAre(0, 6529, 65535));
     file.insert(GifHead(1, 1).size(), "!\xFE\3abc\0"s + GifLoops(5)); // passed over
     EXPECT_EQ(CountOf(Loaded(file)), 3u);
 
-    UINT size = 9;
     EXPECT_EQ(GdipGetPropertyItemSize(Loaded(file), 0x112, &size), PropertyNotFound);
     EXPECT_EQ(size, 0u);
     EXPECT_EQ(GdipGetPropertyItemSize(Loaded(Gif(1, 1, {frames[1]})), PropertyTagFrameDelay, &size),

@@ -15,36 +15,33 @@ LinearGradientBrush Solid(ARGB color)
     return {{0, 0}, {1, 0}, Color(color), Color(color)};
 }
 
-test::Picture Outline(int x, int y, int nWidth, int nHeight, REAL nPen)
-{
-    const Paper paper(7, 6, 'W');
-    Graphics graphics(static_cast<HDC>(paper));
-    const Gdiplus::Pen pen(red, nPen);
-    EXPECT_EQ(graphics.DrawRectangle(&pen, x, y, nWidth, nHeight), Ok);
-    return paper.Read();
-}
-
 } // namespace
 
 TEST_F(GraphicsCalls, OutlineCoversTheLinesOnBothSides)
 {
-    const test::Picture thin{"WWWWWWW", "WRRRRWW", "WRWWRWW", "WRRRRWW", "WWWWWWW", "WWWWWWW"};
-    for (const REAL nPen : {1.F, 0.F, -3.F, 1.9F})
-        EXPECT_EQ(Outline(1, 1, 3, 2, nPen), thin) << nPen;
-    EXPECT_EQ(Outline(1, 1, 4, 3, 2),
-              (test::Picture{"RRRRRRW", "RRRRRRW", "RRWWRRW", "RRRRRRW", "RRRRRRW", "WWWWWWW"}));
-    EXPECT_EQ(Outline(1, 1, 4, 4, 3),
-              (test::Picture{"RRRRRRR", "RRRRRRR", "RRRRRRR", "RRRWRRR", "RRRRRRR", "RRRRRRR"}));
-    EXPECT_EQ(Outline(2, 1, 0, 2, 1),
-              (test::Picture{"WWWWWWW", "WWRWWWW", "WWRWWWW", "WWRWWWW", "WWWWWWW", "WWWWWWW"}));
-    EXPECT_EQ(Outline(2, 1, 2, 0, 1),
-              (test::Picture{"WWWWWWW", "WWRRRWW", "WWWWWWW", "WWWWWWW", "WWWWWWW", "WWWWWWW"}));
-    const test::Picture none(6, "WWWWWWW");
-    EXPECT_EQ(Outline(1, 1, -1, 2, 3), none);
-    EXPECT_EQ(Outline(1, 1, 2, INT_MIN, 9), none);
-    EXPECT_EQ(Outline(INT_MAX, INT_MAX, INT_MAX, INT_MAX, 1), none);
-    EXPECT_EQ(Outline(-1, -1, INT_MAX, INT_MAX, 1), none);
-    EXPECT_EQ(Outline(3, 3, 1, 1, 1e38F), test::Picture(6, "RRRRRRR"));
+    using Seen = test::Picture;
+    const Seen thin{"WWWWWWW", "WRRRRWW", "WRWWRWW", "WRRRRWW", "WWWWWWW", "WWWWWWW"}, none(6, "WWWWWWW");
+    const std::tuple<Rect, REAL, Seen> cases[] = {
+        {{1, 1, 3, 2}, 1.F, thin},
+        {{1, 1, 3, 2}, 0.F, thin},
+        {{1, 1, 3, 2}, -3.F, thin},
+        {{1, 1, 3, 2}, 1.9F, thin},
+        {{1, 1, 4, 3}, 2.F, {"RRRRRRW", "RRRRRRW", "RRWWRRW", "RRRRRRW", "RRRRRRW", "WWWWWWW"}},
+        {{1, 1, 4, 4}, 3.F, {"RRRRRRR", "RRRRRRR", "RRRRRRR", "RRRWRRR", "RRRRRRR", "RRRRRRR"}},
+        {{2, 1, 0, 2}, 1.F, {"WWWWWWW", "WWRWWWW", "WWRWWWW", "WWRWWWW", "WWWWWWW", "WWWWWWW"}},
+        {{2, 1, 2, 0}, 1.F, {"WWWWWWW", "WWRRRWW", "WWWWWWW", "WWWWWWW", "WWWWWWW", "WWWWWWW"}},
+        {{1, 1, -1, 2}, 3.F, none},
+        {{1, 1, 2, INT_MIN}, 9.F, none},
+        {{INT_MAX, INT_MAX, INT_MAX, INT_MAX}, 1.F, none},
+        {{-1, -1, INT_MAX, INT_MAX}, 1.F, none},
+        {{3, 3, 1, 1}, 1e38F, Seen(6, "RRRRRRR")}};
+    for (const auto& [at, nPen, seen] : cases) {
+        const Paper paper(7, 6, 'W');
+        Graphics graphics(static_cast<HDC>(paper));
+        const Gdiplus::Pen pen(red, nPen);
+        EXPECT_EQ(graphics.DrawRectangle(&pen, at.X, at.Y, at.Width, at.Height), Ok);
+        EXPECT_EQ(paper.Read(), seen) << at.Width << " by " << at.Height << ", pen " << nPen;
+    }
 }
 
 TEST_F(GraphicsCalls, OutlinePaintsEachPixelOnce)

@@ -11,11 +11,7 @@ using namespace std::string_literals;
 // A red pixel.
 inline const std::string kRed = Png(1, 1, 8, 2, "\0\xFF\0\0"s);
 
-struct EndStream
-{
-    void operator()(IStream* p) const { p->Release(); }
-};
-using Stream = std::unique_ptr<IStream, EndStream>;
+using Stream = std::unique_ptr<IStream, void (*)(IStream*)>;
 
 // A stream of its own block, at its beginning.
 inline Stream MakeStream(std::string_view bytes = {})
@@ -24,7 +20,7 @@ inline Stream MakeStream(std::string_view bytes = {})
     EXPECT_EQ(CreateStreamOnHGlobal(nullptr, 1, &stream), S_OK);
     stream->Write(bytes.data(), static_cast<ULONG>(bytes.size()), nullptr);
     stream->Seek({0}, STREAM_SEEK_SET, nullptr);
-    return Stream(stream);
+    return {stream, [](IStream* p) { p->Release(); }};
 }
 
 inline std::string Content(IStream* stream)
@@ -155,12 +151,9 @@ inline std::string Saved(GpImage* image, std::u16string_view type)
     return Content(stream.get());
 }
 
-inline std::u16string Wide(const char* path)
+inline std::u16string Wide(std::string_view path)
 {
-    std::u16string wide(300, u'\0');
-    const int nUnits = MultiByteToWideChar(CP_ACP, 0, path, -1, wide.data(), 300);
-    wide.resize(static_cast<std::size_t>(nUnits) - 1);
-    return wide;
+    return {path.begin(), path.end()};
 }
 
 } // namespace test

@@ -1,6 +1,7 @@
 #include "include/platform/Module.h"
 #include "include/platform/Error.h"
 #include "tests/platform/module/Bundles.h"
+#include "tests/support/Damage.h"
 
 namespace {
 
@@ -50,35 +51,26 @@ TEST(Resource, IsFoundByNameNumberAndType)
                                       {"image/small", "low"},
                                       {"IMAGE/\xE4\xB8\xAD", "wide"},
                                       {"IMAGE/EMPTY", ""}});
-    const struct
-    {
-        const char *name, *type, *bytes;
-    } cases[] = {
-        {MAKEINTRESOURCEA(101), RT_BITMAP, "pixels"},
-        {"#101", "#2", "pixels"},
-        {"101", "BITMAP", "pixels"},
-        {MAKEINTRESOURCEA(1), RT_ICON, "icon"},
-        {MAKEINTRESOURCEA(7), MAKEINTRESOURCEA(10), "raw"},
-        {"LOGO", "IMAGE", "jpeg"},
-        {"logo", "image", "jpeg"},
-        {"small", "image", "low"},
-        {"\xD6\xD0", "IMAGE", "wide"},
-        {"EMPTY", "IMAGE", ""},
-        {MAKEINTRESOURCEA(102), RT_BITMAP, "none"},
-        {"#", "BITMAP", "none"},
-        {"#65637", "BITMAP", "none"}, // 101 in 16 bits
-        {"#101x", "BITMAP", "none"},
-        {"", "", "none"},
-        {nullptr, nullptr, "none"},
-        {"IMAGE/LOGO", "", "none"},
-        {"/LOGO", "IMAGE", "none"},
-        {"\xFF", "IMAGE", "none"},
+    // What is found, and by which names and types.
+    const std::pair<std::string, std::vector<std::pair<const char*, const char*>>> cases[] = {
+        {"pixels", {{MAKEINTRESOURCEA(101), RT_BITMAP}, {"#101", "#2"}, {"101", "BITMAP"}}},
+        {"icon", {{MAKEINTRESOURCEA(1), RT_ICON}}},
+        {"raw", {{MAKEINTRESOURCEA(7), MAKEINTRESOURCEA(10)}}},
+        {"jpeg", {{"LOGO", "IMAGE"}, {"logo", "image"}}},
+        {"low", {{"small", "image"}}},
+        {"wide", {{"\xD6\xD0", "IMAGE"}}},
+        {"", {{"EMPTY", "IMAGE"}}},
+        {"none", {{MAKEINTRESOURCEA(102), RT_BITMAP}, {"#", "BITMAP"}, {"#101x", "BITMAP"}}},
+        {"none", {{"#65637", "BITMAP"}}}, // 101 in 16 bits
+        {"none", {{"", ""}, {nullptr, nullptr}, {"IMAGE/LOGO", ""}, {"/LOGO", "IMAGE"}, {"\xFF", "IMAGE"}}},
     };
-    for (const auto& c : cases) {
-        SetLastError(0);
-        EXPECT_EQ(BytesOf(module, c.name, c.type), c.bytes) << &c - cases;
-        EXPECT_EQ(GetLastError(), std::string_view(c.bytes) == "none" ? ERROR_RESOURCE_NAME_NOT_FOUND : 0);
-    }
+    for (const auto& [bytes, names] : cases)
+        for (const auto& [name, type] : names) {
+            SetLastError(0);
+            EXPECT_EQ(BytesOf(module, name, type), bytes)
+                << &name - &names[0].first << " of " << names.size();
+            EXPECT_EQ(GetLastError(), bytes == "none" ? ERROR_RESOURCE_NAME_NOT_FOUND : 0);
+        }
     EXPECT_EQ(FindResourceA(module, "LOGO", "IMAGE"), FindResourceA(module, "logo", "IMAGE"));
 }
 
@@ -101,6 +93,9 @@ TEST(Resource, ForeignAndEndedHandlesAreRefused)
         ended = module;
         stale = FindResourceA(module, "A", "T");
         EXPECT_EQ(KXHost::LiveHandles(), before + 2);
+        char name[MAX_PATH];
+        EXPECT_EQ(GetModuleFileNameA(module, name, MAX_PATH), static_cast<DWORD>(module.Path().GetLength()));
+        EXPECT_EQ(module.Path(), name);
         EXPECT_EQ(SizeofResource(module, stale), 1u);
         EXPECT_EQ(SizeofResource(other, stale), 0u);
         EXPECT_EQ(LoadResource(nullptr, stale), nullptr);
@@ -162,40 +157,23 @@ TEST(StringTable, ComesInTheCodePageAndFitsTheBuffer)
                                       {"STRING/5", "\xFF!"},
                                       {"STRING/6", ""},
                                       {"STRING/65536", "wide"}});
-    const std::tuple<UINT, UINT, int, const char*> cases[] = {
-        {936, 1, 64, "\xD6\xD0\xCE\xC4"},
-        {936, 1, 5, "\xD6\xD0\xCE\xC4"},
-        {936, 1, 4, "\xD6\xD0"},
-        {936, 1, 3, "\xD6\xD0"},
-        {936, 1, 2, ""},
-        {936, 1, 1, ""},
-        {65001, 1, 6, "\xE4\xB8\xAD"},
-        {936, 2, 64, "line"},
-        {936, 2, 3, "li"},
-        {936, 3, 64, "a\n"},
-        {936, 4, 64, "cut"},
-        {936, 5, 64, "?!"},
-        {936, 6, 64, ""},
-        {936, 7, 64, ""},
-        {936, 65536, 64, "wide"},
-    };
-    for (const auto& [codePage, id, size, text] : cases) {
-        const CodePage page(codePage);
-        EXPECT_EQ(StringOf(module, id, size), text) << id << " into " << size;
+    const std::string one = "\xD6\xD0", two = "\xD6\xD0\xCE\xC4";
+    for (const auto& [size, text] :
+         std::map<int, std::string>{{64, two}, {5, two}, {4, one}, {3, one}, {2, ""}, {1, ""}})
+        EXPECT_EQ(StringOf(module, 1, size), text) << size;
+    for (const auto& [id, text] : std::map<UINT, const char*>{
+             {2, "line"}, {3, "a\n"}, {4, "cut"}, {5, "?!"}, {6, ""}, {7, ""}, {65536, "wide"}})
+        EXPECT_EQ(StringOf(module, id), text) << id;
+    EXPECT_EQ(StringOf(module, 2, 3), "li");
+    {
+        const CodePage utf8(CP_UTF8);
+        EXPECT_EQ(StringOf(module, 1, 6), "\xE4\xB8\xAD");
     }
     char untouched = '#';
     EXPECT_EQ(LoadStringA(module, 2, &untouched, 0), 0);
     EXPECT_EQ(LoadStringA(module, 2, &untouched, -1), 0);
     EXPECT_EQ(LoadStringA(module, 2, nullptr, 10), 0);
     EXPECT_EQ(untouched, '#');
-}
-
-TEST(Module, KnowsItsFile)
-{
-    const OpenModule module(Resources{{"T/A", "a"}});
-    char name[MAX_PATH];
-    EXPECT_EQ(GetModuleFileNameA(module, name, MAX_PATH), static_cast<DWORD>(module.Path().GetLength()));
-    EXPECT_EQ(module.Path(), name);
 }
 
 TEST(Module, OnlyASoundFileOpens)
@@ -235,30 +213,23 @@ TEST(Module, LyingBundlesGiveNothing)
     const std::size_t value = plain.find("content") - 8, size = 8 + 8 + 7; // 8 + content and 0 + type
     const std::size_t slice = plain.find(u32(value) + u32(value + size));
     ASSERT_NE(slice, plain.npos);
-    const std::pair<std::size_t, std::string> lies[] = {
-        {value + 17, "(uuas)"},
-        {value + 17, "(yyay)"},
-        {value, u32(6)},
-        {value, u32(0xFFFFFFFF)},
-        {slice + 4, u32(value + size - 1)},
-        {slice + 4, u32(value)},
-        {slice + 4, u32(value - 8)},
-        {slice + 4, u32(plain.size() + 1)},
-        {slice, u32(value + 1)},
-        {slice - 2, "x"},      // an entry of another kind
-        {slice - 2, "H"},      // a table in the table
-        {slice - 8, u32(999)}, // its name lies outside
-        {slice - 12, u32(999)},
-        {8, u32(1)}, // another version of the format
-        {0, "raVGtnai"},
-        {16, u32(26)}, // the table isn't aligned
-        {20, u32(0)},
-        {20, u32(plain.size() + 4)},
-    };
+    const std::map<std::size_t, std::vector<std::string>> lies{
+        {value + 17, {"(uuas)", "(yyay)"}},
+        {value, {u32(6), u32(0xFFFFFFFF)}},
+        {slice + 4, {u32(value + size - 1), u32(value), u32(value - 8), u32(plain.size() + 1)}},
+        {slice, {u32(value + 1)}},
+        {slice - 2, {"x", "H"}}, // an entry of another kind, and a table in the table
+        {slice - 8, {u32(999)}}, // its name lies outside
+        {slice - 12, {u32(999)}},
+        {8, {u32(1)}}, // another version of the format
+        {0, {"raVGtnai"}},
+        {16, {u32(26)}}, // the table isn't aligned
+        {20, {u32(0), u32(plain.size() + 4)}}};
     EXPECT_NE(FreeLibrary(open(plain)), 0);
-    for (const auto& [at, bytes] : lies)
-        EXPECT_EQ(open(std::string(plain).replace(at, bytes.size(), bytes)), nullptr)
-            << at << ' ' << testing::PrintToString(bytes);
+    for (const auto& [at, values] : lies)
+        for (const std::string& bytes : values)
+            EXPECT_EQ(open(std::string(plain).replace(at, bytes.size(), bytes)), nullptr)
+                << at << ' ' << testing::PrintToString(bytes);
     std::string empty = plain; // not even the zero byte that follows a resource
     empty.replace(value, 15, u32(0xFFFFFFFF) + std::string("\0\0\0\0\0(uuay)", 11))
         .replace(slice + 4, 4, u32(value + 15));
@@ -288,21 +259,14 @@ TEST(Module, DamagedBundlesAreHarmless)
         const auto use = [&](const std::string& bundle) {
             dir.Write("bundle", bundle);
             const HMODULE module = LoadLibraryA(dir.Win("bundle"));
-            if (!module) return false;
             for (const char* name : {"A", "B"})
                 EXPECT_LT(BytesOf(module, name, "T").size(), 100'000u);
             StringOf(module, 1);
             return FreeLibrary(module) != 0;
         };
         ASSERT_TRUE(use(sound));
-        for (std::size_t length = 0; length < sound.size(); ++length)
-            use(sound.substr(0, length));
-        for (std::size_t at = 0; at < sound.size(); ++at)
-            for (const int value : {0x00, 0x7F, 0xFF}) {
-                std::string damaged = sound;
-                damaged[at] = static_cast<char>(value);
-                use(damaged);
-            }
+        ForEachCut(sound, use);
+        ForEachLie(sound, use, {'\0', '\x7F', '\xFF'});
     }
 }
 

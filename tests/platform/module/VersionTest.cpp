@@ -1,6 +1,5 @@
 #include "include/platform/Version.h"
 #include "include/platform/Error.h"
-#include "platform/UniqueFd.h"
 #include "tests/platform/module/Images.h"
 
 namespace {
@@ -43,53 +42,54 @@ TEST(FileVersion, IsAPeImagesFixedRecordOrAnElfFilesNote)
     EXPECT_EQ(VersionOf(ElfImage()), "5.6.7.8");
 }
 
+// Fields by place and width, each with what isn't to be believed of it.
+using Lies = std::vector<std::tuple<std::size_t, std::size_t, std::vector<std::uint64_t>>>;
+
+void ExpectNone(const Image& sound, const Lies& lies)
+{
+    for (const auto& [place, width, values] : lies)
+        for (const std::uint64_t value : values) {
+            Image image = sound;
+            image.Put(place, width, value);
+            EXPECT_EQ(VersionOf(image), "none") << std::hex << place << ' ' << value;
+            EXPECT_EQ(GetLastError(), ERROR_RESOURCE_DATA_NOT_FOUND);
+        }
+}
+
 TEST(FileVersion, LyingPeHeadersGiveNone)
 {
     for (const bool b64 : {false, true}) {
+        SCOPED_TRACE(b64);
         const PeFields at(b64);
-        const std::tuple<std::size_t, std::size_t, std::uint64_t> lies[] = {
-            {0, 1, 'N'},
-            {at.peAt, 4, 0xFFFFFFFF},
-            {at.peAt, 4, 0x5F0},
-            {at.pe, 1, 'L'},
-            {at.pe + 6, 2, 0},      // no section
-            {at.pe + 6, 2, 0xFFFF}, // more sections than the file holds
-            {at.pe + 20, 2, 100},   // no room for the directories
-            {at.pe + 20, 2, 0xFFFF},
-            {at.optional, 2, 0x107},    // another kind of image
-            {at.directories - 4, 4, 2}, // the resource directory isn't there
-            {at.directories + 16, 4, 0},
-            {at.directories + 16, 4, 0xFFFFFFF8},
-            {at.section + 16, 4, 15},        // the section is too small for the tree
-            {at.section + 16, 4, 0x60 + 91}, // and for the record
-            {at.section + 12, 4, 0x2001},    // the address lies before it
-            {at.section + 20, 4, 0xFFFFFF00},
-            {at.root + 24, 4, 17},         // another type
-            {at.root + 28, 4, 0x80000000}, // the tree goes round
-            {at.root + 28, 4, 0x20},       // a leaf where a directory should be
-            {at.root + 28, 4, 0xFFFFFFFF},
-            {at.names + 12, 4, 0},
-            {at.root + 12, 4, 0xFFFFFFFF},  // 131,070 entries
-            {at.names + 20, 4, 0x80000020}, // to itself
-            {at.names + 20, 4, 0x50},
-            {at.languages + 12, 4, 0},
-            {at.languages + 20, 4, 0x80000050},
-            {at.languages + 20, 4, 0x1FF},
-            {at.data, 4, 0x21B0}, // the record would reach past its section
-            {at.data, 4, 0xFFFFFFFF},
-            {at.data + 4, 4, 91},
-            {at.head, 2, 91},
-            {at.head + 2, 2, 51},
-            {at.head + 6, 1, 'W'},
-            {at.head + 36, 1, '!'},
-            {at.record, 4, 0xFEEF04BC},
-        };
-        for (const auto& [place, width, value] : lies) {
-            Image image = PeImage(b64);
-            image.Put(place, width, value);
-            EXPECT_EQ(VersionOf(image), "none") << std::hex << place << ' ' << value << (b64 ? " 64" : " 32");
-            EXPECT_EQ(GetLastError(), ERROR_RESOURCE_DATA_NOT_FOUND);
-        }
+        ExpectNone(PeImage(b64),
+                   {
+                       {0, 1, {'N'}},
+                       {at.peAt, 4, {0xFFFFFFFF, 0x5F0}},
+                       {at.pe, 1, {'L'}},
+                       {at.pe + 6, 2, {0, 0xFFFF}},    // no section, and more than the file holds
+                       {at.pe + 20, 2, {100, 0xFFFF}}, // no room for the directories
+                       {at.optional, 2, {0x107}},      // another kind of image
+                       {at.directories - 4, 4, {2}},   // the resource directory isn't there
+                       {at.directories + 16, 4, {0, 0xFFFFFFF8}},
+                       {at.section + 16, 4, {15, 0x60 + 91}}, // too small for the tree, and for the record
+                       {at.section + 12, 4, {0x2001}},        // the address lies before it
+                       {at.section + 20, 4, {0xFFFFFF00}},
+                       {at.root + 24, 4, {17}}, // another type
+                       // A tree that goes round, and a leaf where a directory should be.
+                       {at.root + 28, 4, {0x80000000, 0x20, 0xFFFFFFFF}},
+                       {at.root + 12, 4, {0xFFFFFFFF}}, // 131,070 entries
+                       {at.names + 12, 4, {0}},
+                       {at.names + 20, 4, {0x80000020, 0x50}}, // to itself, and a leaf
+                       {at.languages + 12, 4, {0}},
+                       {at.languages + 20, 4, {0x80000050, 0x1FF}},
+                       {at.data, 4, {0x21B0, 0xFFFFFFFF}}, // the record would reach past its section
+                       {at.data + 4, 4, {91}},
+                       {at.head, 2, {91}},
+                       {at.head + 2, 2, {51}},
+                       {at.head + 6, 1, {'W'}},
+                       {at.head + 36, 1, {'!'}},
+                       {at.record, 4, {0xFEEF04BC}},
+                   });
     }
 }
 
@@ -120,30 +120,23 @@ TEST(FileVersion, ASecondNameServesWhereTheFirstHasNoRecord)
 TEST(FileVersion, LyingElfHeadersGiveNone)
 {
     const std::size_t entry = 64 + 56;
-    const std::tuple<std::size_t, std::size_t, std::uint64_t> lies[] = {
-        {0, 1, 0},
-        {4, 1, 1},
-        {5, 1, 0},
-        {5, 1, 2}, // the other byte order
-        {32, 8, 0xFFFFFFFFFFFFFFFF},
-        {54, 2, 55},
-        {56, 2, 1},
-        {entry + 8, 8, 0xFFFFFFFFFFFFFFF0},
-        {entry + 32, 8, 0xFFFFFFFFFFFFFFFF},
-        {entry + 32, 8, 59},    // the note is cut short
-        {0x100, 4, 0xFFFFFFFF}, // a name of 4 GiB
-        {0x104, 4, 0xFFFFFFFD},
-        {kElfNote, 4, 9},
-        {kElfNote + 4, 4, 12},
-        {kElfNote + 8, 4, 2},
-        {kElfNote + 12, 1, 'k'},
-        {kElfNote + 24, 4, 0x10000}, // no 16-bit number
-    };
-    for (const auto& [place, width, value] : lies) {
-        Image image = ElfImage();
-        image.Put(place, width, value);
-        EXPECT_EQ(VersionOf(image), "none") << std::hex << place << ' ' << value;
-    }
+    ExpectNone(ElfImage(), {
+                               {0, 1, {0}},
+                               {4, 1, {1}},
+                               {5, 1, {0, 2}}, // the other byte order
+                               {32, 8, {0xFFFFFFFFFFFFFFFF}},
+                               {54, 2, {55}},
+                               {56, 2, {1}},
+                               {entry + 8, 8, {0xFFFFFFFFFFFFFFF0}},
+                               {entry + 32, 8, {0xFFFFFFFFFFFFFFFF, 59}}, // the note is cut short
+                               {0x100, 4, {0xFFFFFFFF}},                  // a name of 4 GiB
+                               {0x104, 4, {0xFFFFFFFD}},
+                               {kElfNote, 4, {9}},
+                               {kElfNote + 4, 4, {12}},
+                               {kElfNote + 8, 4, {2}},
+                               {kElfNote + 12, 1, {'k'}},
+                               {kElfNote + 24, 4, {0x10000}}, // no 16-bit number
+                           });
 }
 
 // A false or a missing byte gives another version or none, in no time, and never a read outside.
@@ -152,21 +145,15 @@ TEST(FileVersion, DamageIsHarmless)
     const TempDir dir;
     const CString path = dir.Win("image");
     for (const Image& image : {PeImage(false), PeImage(true), ElfImage()}) {
-        const kx::UniqueFd file(open(dir.Write("image", image.bytes).c_str(), O_WRONLY | O_CLOEXEC));
-        const auto put = [&](std::size_t at, int value) {
-            const char byte = static_cast<char>(value);
-            ASSERT_EQ(pwrite(file.Get(), &byte, 1, static_cast<off_t>(at)), 1);
-        };
-        for (std::size_t at = 0; at < image.bytes.size(); ++at) {
-            for (const int value : {0x00, 0x7F, 0x80, 0xFF}) {
-                put(at, value);
+        std::fstream file(dir.Write("image", image.bytes), std::ios::in | std::ios::out | std::ios::binary);
+        for (std::size_t at = 0; at < image.bytes.size(); ++at)
+            for (const char value : {'\0', '\x7F', '\x80', '\xFF', image.bytes[at]}) {
+                file.seekp(static_cast<std::streamoff>(at)).put(value).flush();
                 VersionOf(path);
             }
-            put(at, image.bytes[at]);
-        }
         EXPECT_NE(VersionOf(path), "none");
         for (std::size_t length = std::min(image.bytes.size(), PeFields::end); length-- > 0;) {
-            ASSERT_EQ(ftruncate(file.Get(), static_cast<off_t>(length)), 0);
+            std::filesystem::resize_file(dir.Path("image"), length);
             ASSERT_EQ(VersionOf(path), "none") << length;
         }
     }

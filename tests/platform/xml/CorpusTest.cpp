@@ -3,7 +3,6 @@
 
 #include "include/KXXmlDomDocument.h"
 #include "tests/platform/xml/Peer.h"
-#include "tests/support/Com.h"
 
 namespace {
 
@@ -16,6 +15,13 @@ struct Corpus : testing::Test
         m_root = pszRoot;
     }
 
+    std::vector<std::string> Names(const std::string& directory) const
+    {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(m_root + "/" + directory))
+            names.push_back(entry.path().filename().string());
+        return names;
+    }
     std::string Read(const std::string& name) const { return test::ReadFile(m_root + "/" + name); }
     std::vector<std::string> Lines(const std::string& name) const
     {
@@ -54,24 +60,21 @@ struct Corpus : testing::Test
 
 TEST_F(Corpus, AcceptsWhatIsWellFormedAndSavesIt)
 {
-    int nRefused = 0;
-    for (const std::string& name : Lines("xml/refused.txt")) {
+    const std::vector<std::string> refused = Lines("xml/refused.txt");
+    for (const std::string& name : refused) {
         CKXXmlDomDocument doc;
         EXPECT_FALSE(Load(doc, Read("xml/" + name))) << name;
-        ++nRefused;
     }
     for (const std::string& name : Lines("xml/accepted.txt")) {
         CKXXmlDomDocument doc;
         const std::string bytes = Read("xml/" + name);
-        if (Load(doc, bytes))
-            ExpectSame(doc, bytes, name);
-        else
-            ADD_FAILURE() << name << " is refused";
+        EXPECT_TRUE(Load(doc, bytes)) << name;
+        ExpectSame(doc, bytes, name);
     }
-    std::printf("%d accepted and loaded again, %d refused\n", m_nRounds, nRefused);
+    std::printf("%d accepted and loaded again, %zu refused\n", m_nRounds, refused.size());
 }
 
-// A byte changed, taken out or doubled, some times over. What is still accepted, for libxml2 too, is kept.
+// Bytes replaced, taken out or put in, some times over. What is still accepted, for libxml2 too, is kept.
 TEST_F(Corpus, SavesMutationsToo)
 {
     std::mt19937 random(1);
@@ -82,20 +85,9 @@ TEST_F(Corpus, SavesMutationsToo)
             std::string changed = bytes;
             for (int n = static_cast<int>(random() % 3); n >= 0 && !changed.empty(); --n) {
                 const std::size_t at = random() % changed.size();
-                const std::size_t other = random() % changed.size();
-                switch (random() % 4) {
-                case 0:
-                    changed[at] = changed[other];
-                    break;
-                case 1:
-                    changed.erase(at, 1 + random() % 3);
-                    break;
-                case 2:
-                    changed.insert(at, changed.substr(other, 1 + random() % 8));
-                    break;
-                default:
-                    changed.insert(at, std::string(1, "&<>\"';%]\r"[random() % 9]));
-                }
+                const std::string texts[] = {"", changed.substr(random() % changed.size(), 1 + random() % 8),
+                                             std::string(1, "&<>\"';%]\r"[random() % 9])};
+                changed.replace(at, random() % 4, texts[random() % 3]);
             }
             CKXXmlDomDocument doc;
             if (Load(doc, changed)) ExpectSame(doc, changed, name + "\n" + changed);
@@ -108,31 +100,25 @@ TEST_F(Corpus, SavesMutationsToo)
 TEST_F(Corpus, SelectsAsLibxml2)
 {
     int nPatterns = 0;
-    std::vector<std::string> general;
-    for (const auto& entry : std::filesystem::directory_iterator(m_root + "/xml-xpath/expr"))
-        for (const std::string& line : Lines("xml-xpath/expr/" + entry.path().filename().string()))
-            general.push_back(line);
-    for (const auto& entry : std::filesystem::directory_iterator(m_root + "/xml-xpath/docs")) {
-        const std::string name = entry.path().filename().string();
+    for (const std::string& name : Names("xml-xpath/docs")) {
         const std::string bytes = Read("xml-xpath/docs/" + name);
-        std::vector<std::string> patterns = general;
-        for (const auto& tests : std::filesystem::directory_iterator(m_root + "/xml-xpath/tests")) {
-            const std::string file = tests.path().filename().string();
-            if (!file.starts_with(name)) continue;
-            for (const std::string& line : Lines("xml-xpath/tests/" + file))
-                patterns.push_back(line);
-        }
         CKXXmlDomDocument doc;
         ASSERT_TRUE(Load(doc, bytes)) << name;
         test::Peer peer(bytes);
         ASSERT_TRUE(peer) << name;
         peer.ForgetDefaultNamespaces();
-        for (const std::string& pattern : patterns) {
-            EXPECT_EQ(test::Selected(doc.GetDocumentElement().GetElementPtr(), pattern),
-                      peer.Selected(pattern))
-                << name << ": " << pattern;
-            ++nPatterns;
-        }
+        const auto compare = [&](const std::string& patterns) {
+            for (const std::string& pattern : Lines("xml-xpath/" + patterns)) {
+                EXPECT_EQ(test::Selected(doc.GetDocumentElement().GetElementPtr(), pattern),
+                          peer.Selected(pattern))
+                    << name << ": " << pattern;
+                ++nPatterns;
+            }
+        };
+        for (const std::string& file : Names("xml-xpath/expr"))
+            compare("expr/" + file);
+        for (const std::string& file : Names("xml-xpath/tests"))
+            if (file.starts_with(name)) compare("tests/" + file);
     }
     std::printf("%d patterns\n", nPatterns);
 }

@@ -1,61 +1,14 @@
-#include "include/platform/Xml.h"
-#include "tests/support/Com.h"
-#include "tests/support/Test.h"
+#include "tests/platform/xml/Nodes.h"
 
 #include <malloc.h>
 
 namespace {
 
-// A text as an argument.
-class Arg : test::Fixed
-{
-public:
-    Arg(const char16_t* psz) : m_bstr(SysAllocString(psz)) {}
-    ~Arg() { SysFreeString(m_bstr); }
-    operator BSTR() const { return m_bstr; }
-
-private:
-    BSTR m_bstr;
-};
-
-// Holds what an operation gives out.
-template <class Interface>
-class Out : test::Fixed
-{
-public:
-    ~Out() { Reset(); }
-    Interface** operator&()
-    {
-        Reset();
-        return &m_p;
-    }
-    Interface* operator->() const { return m_p; }
-    operator Interface*() const { return m_p; }
-
-private:
-    void Reset()
-    {
-        if (m_p) m_p->Release();
-        m_p = nullptr;
-    }
-
-    Interface* m_p = nullptr;
-};
+using namespace test;
 
 HRESULT Make(const GUID& iid, void** pp)
 {
     return CoCreateInstance(CLSID_DOMDocument, nullptr, CLSCTX_ALL, iid, pp);
-}
-
-using Getter = HRESULT (IXMLDOMNode::*)(BSTR*);
-
-std::u16string Get(IXMLDOMNode* pNode, Getter get)
-{
-    BSTR bstr = nullptr;
-    if ((pNode->*get)(&bstr) != S_OK) return u"<failed>";
-    const std::u16string text(bstr, SysStringLen(bstr));
-    SysFreeString(bstr);
-    return text;
 }
 
 TEST(Com, IsReadyPerThreadAndCounted)
@@ -76,7 +29,7 @@ TEST(Com, IsReadyPerThreadAndCounted)
     EXPECT_EQ(doc->loadXML(Arg(u"<a/>"), &bDone), S_OK);
     EXPECT_EQ(bDone, VARIANT_TRUE);
 
-    const test::Com com;
+    const Com com;
     EXPECT_EQ(Make(IID_IXMLDOMElement, &p), E_NOINTERFACE);
     EXPECT_EQ(CoCreateInstance(IID_IUnknown, nullptr, CLSCTX_ALL, IID_IUnknown, &p), REGDB_E_CLASSNOTREG);
     EXPECT_EQ(CoCreateInstance(CLSID_DOMDocument, nullptr, CLSCTX_ALL - 1, IID_IUnknown, &p),
@@ -95,13 +48,13 @@ struct Dom : testing::Test
         m_doc->get_documentElement(&m_root);
     }
 
-    // The nodes that a pattern finds, from the document.
+    // The first node that a pattern finds, from the document.
     HRESULT Find(const char16_t* pattern, Out<IXMLDOMNode>& node)
     {
         return m_doc->selectSingleNode(Arg(pattern), &node);
     }
 
-    test::Com m_com;
+    Com m_com;
     Out<IXMLDOMDocument> m_doc;
     Out<IXMLDOMElement> m_root;
 };
@@ -226,8 +179,8 @@ TEST_F(Dom, ReplacesMuchThatIsNoCharacterInOnePass)
 TEST(DomThreads, WorkOnTheirOwnDocuments)
 {
     const int nBefore = KXHost::LiveHandles();
-    test::RunThreads(4, [](int) {
-        const test::Com com;
+    RunThreads(4, [](int) {
+        const Com com;
         for (int nRound = 0; nRound < 100; ++nRound) {
             Out<IXMLDOMDocument> doc;
             Out<IXMLDOMElement> root;

@@ -86,12 +86,21 @@ TEST_F(HostileXml, EntitiesOfItsOwnAreText)
 
 TEST_F(HostileXml, EntitiesDontMultiply)
 {
-    std::string laughs = "<!DOCTYPE a [<!ENTITY e0 'ha'>";
-    for (int n = 1; n < 10; ++n)
-        laughs +=
-            "<!ENTITY e" + std::to_string(n) + " '" + Numbered(10, "&e" + std::to_string(n - 1) + ";") + "'>";
+    // Entities of which each refers some times to the one before it.
+    const auto chain = [](int nEntities, const std::string& declared, const std::string& first,
+                          const std::string& sign, int nTimes) {
+        std::string type = "<!DOCTYPE a [<!ENTITY " + declared + "0 '" + first + "'>";
+        for (int n = 1; n < nEntities; ++n)
+            type += "<!ENTITY " + declared + std::to_string(n) + " '" +
+                    Numbered(nTimes, sign + "e" + std::to_string(n - 1) + ";") + "'>";
+        return type;
+    };
+    const std::string laughs = chain(10, "e", "ha", "&", 10), nested = chain(33, "% e", "", "&#37;", 1);
     EXPECT_FALSE(Loads(laughs + "]><a>&e9;</a>"));
     EXPECT_FALSE(Loads(laughs + "]><a b='&e9;'/>"));
+    EXPECT_FALSE(Loads(chain(10, "% e", "", "&#37;", 100) + "%e9;]><a/>"));
+    EXPECT_TRUE(Loads(nested + "%e31;]><a/>")); // 32 within each other
+    EXPECT_FALSE(Loads(nested + "%e32;]><a/>"));
     const std::string one = "<!DOCTYPE a [<!ENTITY e '<b>x</b>'>]><a>&e;"; // of 40, and each further one of
     EXPECT_TRUE(Loads(one + Numbered(95'237, "&e;") + "</a>"));            // 105, with its two nodes
     EXPECT_FALSE(Loads(one + Numbered(95'238, "&e;") + "</a>"));
@@ -104,16 +113,6 @@ TEST_F(HostileXml, EntitiesDontMultiply)
     for (const char* pszLoop : {"<!ENTITY a '&b;'><!ENTITY b '&a;'>", "<!ENTITY a '&a;'>",
                                 "<!ENTITY % p '&#37;p;'> %p;", "<!ENTITY % p '<!ENTITY a \"x\">'> %p; %p;"})
         Loads(std::string("<!DOCTYPE a [") + pszLoop + "]><a>&a;</a>"); // the last one may be taken
-    std::string parameters = "<!DOCTYPE a [<!ENTITY % e0 ''>";
-    for (int n = 1; n < 10; ++n)
-        parameters += "<!ENTITY % e" + std::to_string(n) + " '" +
-                      Numbered(100, "&#37;e" + std::to_string(n - 1) + ";") + "'>";
-    EXPECT_FALSE(Loads(parameters + "%e9;]><a/>"));
-    std::string nested = "<!DOCTYPE a [<!ENTITY % e0 ''>";
-    for (int n = 1; n < 33; ++n)
-        nested += "<!ENTITY % e" + std::to_string(n) + " '&#37;e" + std::to_string(n - 1) + ";'>";
-    EXPECT_TRUE(Loads(nested + "%e31;]><a/>")); // 32 within each other
-    EXPECT_FALSE(Loads(nested + "%e32;]><a/>"));
     const auto references = [](int nCount) {
         return "<!DOCTYPE a [<!ENTITY % p ''>" + Numbered(nCount, "%p;") + "]><a/>";
     };

@@ -6,7 +6,7 @@ namespace {
 TEST(XmlMemory, EachAllocationMayFail)
 {
     const test::TempDir dir;
-    EXPECT_EQ(test::Child("XmlMemoryChild", {dir.Path()}).Wait(), 0);
+    EXPECT_EQ(test::Child("XmlMemoryChild", {dir.Path("x"), dir.Win("x").GetString()}).Wait(), 0);
 }
 
 TEST(XmlMemory, AFileIsSavedWholeOrNotAtAll)
@@ -15,7 +15,7 @@ TEST(XmlMemory, AFileIsSavedWholeOrNotAtAll)
     GTEST_SKIP() << "a sanitizer takes address space of its own";
 #endif
     const test::TempDir dir;
-    EXPECT_EQ(test::Child("XmlMemoryChild", {dir.Path(), "limit"}).Wait(), 0);
+    EXPECT_EQ(test::Child("XmlMemoryChild", {dir.Path("x"), dir.Win("x").GetString(), "limit"}).Wait(), 0);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "tests/platform/xml/Peer.h"
 
+#include "internal/Wide.h"
+
 #include <libxml/c14n.h>
 #include <libxml/parser.h>
 #include <libxml/xpathInternals.h>
@@ -8,7 +10,7 @@ namespace test {
 
 namespace {
 
-constexpr const char* kNone = "no nodes";
+const std::u16string kNone = u"no nodes";
 
 xmlNode* Next(xmlNode* top, xmlNode* node)
 {
@@ -25,7 +27,7 @@ std::string Text(const xmlChar* text)
 
 std::string Describe(xmlNode* node)
 {
-    if (node->type == XML_NAMESPACE_DECL) return "?";
+    if (node->type == XML_NAMESPACE_DECL) return "<failed>=<failed>";
     std::string name = Text(node->name);
     if (node->type == XML_TEXT_NODE) name = "#text";
     if (node->type == XML_CDATA_SECTION_NODE) name = "#cdata-section";
@@ -37,26 +39,6 @@ std::string Describe(xmlNode* node)
     const std::string text = Text(content);
     xmlFree(content);
     return name + "=" + text;
-}
-
-std::string Utf8(BSTR bstr)
-{
-    const int nUnits = static_cast<int>(SysStringLen(bstr));
-    std::string text(static_cast<std::size_t>(nUnits) * 3, '\0');
-    const int nBytes = nUnits == 0 ? 0
-                                   : WideCharToMultiByte(CP_UTF8, 0, bstr, nUnits, text.data(),
-                                                         static_cast<int>(text.size()));
-    text.resize(static_cast<std::size_t>(nBytes));
-    SysFreeString(bstr);
-    return text;
-}
-
-std::string Describe(IXMLDOMNode* pNode)
-{
-    BSTR name = nullptr;
-    BSTR text = nullptr;
-    if (pNode->get_nodeName(&name) != S_OK || pNode->get_text(&text) != S_OK) return "?";
-    return Utf8(name) + "=" + Utf8(text);
 }
 
 __attribute__((format(printf, 2, 3))) void Ignore(void*, const char*, ...)
@@ -108,7 +90,7 @@ void Peer::ForgetDefaultNamespaces()
         if (node->type == XML_ELEMENT_NODE && node->ns && !node->ns->prefix) node->ns = nullptr;
 }
 
-std::string Peer::Selected(const std::string& pattern) const
+std::u16string Peer::Selected(const std::string& pattern) const
 {
     xmlXPathContext* const context = xmlXPathNewContext(m_doc);
     xmlNode* const top = xmlDocGetRootElement(m_doc);
@@ -118,35 +100,27 @@ std::string Peer::Selected(const std::string& pattern) const
                 xmlXPathRegisterNs(context, ns->prefix, ns->href);
     context->node = top;
     xmlXPathObject* const result = xmlXPathEvalExpression(BAD_CAST pattern.c_str(), context);
-    std::string all = result && result->type == XPATH_NODESET ? "" : kNone;
-    for (int n = 0; all != kNone && result->nodesetval && n < result->nodesetval->nodeNr; ++n)
+    const bool bNodes = result && result->type == XPATH_NODESET;
+    std::string all;
+    for (int n = 0; bNodes && result->nodesetval && n < result->nodesetval->nodeNr; ++n)
         all += Describe(result->nodesetval->nodeTab[n]) + "\n";
     xmlXPathFreeObject(result);
     xmlXPathFreeContext(context);
-    return all;
+    return bNodes ? kx::Widen(CP_UTF8, all) : kNone;
 }
 
-std::string Selected(IXMLDOMElement* pElement, const std::string& pattern)
+std::u16string Selected(IXMLDOMElement* pElement, const std::string& pattern)
 {
-    std::u16string wide(pattern.size(), u'\0');
-    wide.resize(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, pattern.data(),
-                                                             static_cast<int>(pattern.size()), wide.data(),
-                                                             static_cast<int>(wide.size()))));
-    const BSTR bstr = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
-    IXMLDOMNodeList* pList = nullptr;
-    const HRESULT hr = pElement->selectNodes(bstr, &pList);
-    SysFreeString(bstr);
-    if (FAILED(hr)) return kNone;
-    std::string all;
+    Out<IXMLDOMNodeList> list;
+    if (FAILED(pElement->selectNodes(Arg(kx::Widen(CP_UTF8, pattern)), &list))) return kNone;
+    std::u16string all;
     long nLength = 0;
-    pList->get_length(&nLength);
+    list->get_length(&nLength);
     for (long n = 0; n < nLength; ++n) {
-        IXMLDOMNode* pNode = nullptr;
-        pList->item(n, &pNode);
-        all += Describe(pNode) + "\n";
-        pNode->Release();
+        Out<IXMLDOMNode> node;
+        list->item(n, &node);
+        all += Get(node, &IXMLDOMNode::get_nodeName) + u"=" + Get(node, &IXMLDOMNode::get_text) + u"\n";
     }
-    pList->Release();
     return all;
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "include/platform/Xml.h"
-#include "tests/support/Test.h"
+#include "tests/platform/xml/Nodes.h"
 
 #include <libxml/tree.h>
 
@@ -21,7 +20,7 @@ public:
     // Elements without a prefix are then in no namespace.
     void ForgetDefaultNamespaces();
     // The result of `Selected` below for the document's element.
-    std::string Selected(const std::string& pattern) const;
+    std::u16string Selected(const std::string& pattern) const;
 
 private:
     xmlDoc* m_doc;
@@ -29,6 +28,6 @@ private:
 
 // Tells what a pattern selects from an element: name and text of each node, or that it is no pattern or has
 // another result.
-std::string Selected(IXMLDOMElement* pElement, const std::string& pattern);
+std::u16string Selected(IXMLDOMElement* pElement, const std::string& pattern);
 
 } // namespace test

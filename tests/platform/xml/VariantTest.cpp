@@ -29,7 +29,7 @@ TEST(Bstr, CarriesItsLength)
     EXPECT_EQ(SysStringLen(nullptr), 0u);
 }
 
-struct Value
+struct Value : test::Fixed
 {
     Value() { VariantInit(&m_variant); }
     explicit Value(LONG n) : Value() { m_variant.vt = VT_I4, m_variant.lVal = n; }
@@ -39,13 +39,7 @@ struct Value
         m_variant.vt = VT_BSTR;
         m_variant.bstrVal = SysAllocString(psz);
     }
-    static Value Null()
-    {
-        Value null;
-        null.m_variant.vt = VT_NULL;
-        return null;
-    }
-    Value(Value&& other) noexcept : m_variant(other.m_variant) { VariantInit(&other.m_variant); }
+    explicit Value(VARTYPE vt) : Value() { m_variant.vt = vt; }
     ~Value() { VariantClear(&m_variant); }
 
     HRESULT Change(VARTYPE vt) { return VariantChangeType(&m_variant, &m_variant, 0, vt); }
@@ -61,50 +55,34 @@ auto Turned(const Value& value, VARTYPE vt, Take take)
     const bool bTurned = SUCCEEDED(VariantChangeType(&to.m_variant, &value.m_variant, 0, vt));
     return bTurned ? std::optional(take(to.m_variant)) : std::nullopt;
 }
-std::optional<LONG> AsNumber(const Value& value)
-{
-    return Turned(value, VT_I4, [](const VARIANT& to) { return to.lVal; });
-}
-std::optional<double> AsReal(const Value& value)
-{
-    return Turned(value, VT_R8, [](const VARIANT& to) { return to.dblVal; });
-}
-std::optional<std::u16string> AsText(const Value& value)
-{
-    return Turned(value, VT_BSTR, [](const VARIANT& to) { return Text(to.bstrVal); });
-}
 
 TEST(Variant, IsTurnedIntoNumbersAndTexts)
 {
+    using Turns = std::tuple<std::optional<LONG>, std::optional<double>, std::optional<std::u16string>>;
     const struct
     {
         Value value;
-        std::optional<LONG> n;
-        std::optional<double> d;
-        std::optional<std::u16string> str;
+        Turns turns;
     } cases[] = {
-        {Value(), 0, 0.0, u""},
-        {Value::Null(), {}, {}, {}},
-        {Value(-7), -7, -7.0, u"-7"},
-        {Value(0.5), 0, 0.5, u"0.5"},
-        {Value(1.5), 2, 1.5, u"1.5"},
-        {Value(2147483647.4), 2147483647, 2147483647.4, u"2147483647.4"},
-        {Value(2147483647.5), {}, 2147483647.5, u"2147483647.5"},
-        {Value(u" +12 "), 12, 12.0, u" +12 "},
-        {Value(u"-1.5e1"), -15, -15.0, u"-1.5e1"},
-        {Value(u"12x"), {}, {}, u"12x"},
-        {Value(u""), {}, {}, u""},
-        {Value(u"\u4F60"), {}, {}, u"\u4F60"},
-        {Value(static_cast<const char16_t*>(nullptr)), {}, {}, u""},
+        {Value(), {0, 0.0, u""}},
+        {Value(VT_NULL), {}},
+        {Value(-7), {-7, -7.0, u"-7"}},
+        {Value(0.5), {0, 0.5, u"0.5"}},
+        {Value(1.5), {2, 1.5, u"1.5"}},
+        {Value(2147483647.4), {2147483647, 2147483647.4, u"2147483647.4"}},
+        {Value(2147483647.5), {{}, 2147483647.5, u"2147483647.5"}},
+        {Value(u" +12 "), {12, 12.0, u" +12 "}},
+        {Value(u"-1.5e1"), {-15, -15.0, u"-1.5e1"}},
+        {Value(u"12x"), {{}, {}, u"12x"}},
+        {Value(u""), {{}, {}, u""}},
+        {Value(u"\u4F60"), {{}, {}, u"\u4F60"}},
+        {Value(static_cast<const char16_t*>(nullptr)), {{}, {}, u""}},
     };
-    for (const auto& one : cases) {
-        EXPECT_EQ(AsNumber(one.value), one.n);
-        EXPECT_EQ(AsReal(one.value), one.d);
-        EXPECT_EQ(AsText(one.value), one.str);
-    }
-    const Value none(std::nan(""));
-    EXPECT_EQ(AsNumber(none), std::nullopt);
-    EXPECT_EQ(AsText(none), u"nan");
+    for (const auto& [value, turns] : cases)
+        EXPECT_EQ(Turns(Turned(value, VT_I4, [](const VARIANT& to) { return to.lVal; }),
+                        Turned(value, VT_R8, [](const VARIANT& to) { return to.dblVal; }),
+                        Turned(value, VT_BSTR, [](const VARIANT& to) { return Text(to.bstrVal); })),
+                  turns);
 }
 
 TEST(Variant, LeavesTheTargetOnFailure)

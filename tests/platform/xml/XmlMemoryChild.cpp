@@ -1,8 +1,8 @@
-// XmlMemoryChild DIRECTORY: loads, walks, changes and saves a document while the n-th allocation fails, for
+// XmlMemoryChild FILE SAME: loads, walks, changes and saves a document while the n-th allocation fails, for
 // every n. Afterwards the file is the old one or the new one, nothing was thrown but a memory exception, and
 // nothing is left behind. Prints how many allocations failed; 1 if something else is so.
 //
-// XmlMemoryChild DIRECTORY limit: saves a large document, and asks it for a pattern, under limits of address
+// XmlMemoryChild FILE SAME limit: saves a large document, and asks it for a pattern, under limits of address
 // space.
 
 #include "include/KXXmlDomDocument.h"
@@ -30,13 +30,6 @@ std::string ReadAll(const std::string& path)
 void WriteAll(const std::string& path, const std::string& content)
 {
     std::ofstream(path, std::ios::binary) << content;
-}
-
-CString WinOf(const std::string& path)
-{
-    CString win(("C:" + path).c_str());
-    win.Replace('/', '\\');
-    return win;
 }
 
 constexpr const char* kOther = "<o xmlns:q='u2'><x a='1' q:b='2' xml:id='i'>t<q:y/>u</x></o>";
@@ -93,54 +86,40 @@ bool Work(const CString& file, const CString& number)
     return true;
 }
 
-int FailEach(const std::string& path)
+int FailEach(const std::string& path, const CString& file)
 {
-    const CString file = WinOf(path);
     const CString number = "5";
     WriteAll(path, kOld);
     Work(file, number); // what is kept for later is made
     const std::string fresh = ReadAll(path);
     int nWrong = 0;
-    long nAll = 0;
     for (long n = 0;; ++n) {
         const auto check = [&](bool bRight, const char* pszWrong) {
-            if (bRight) return;
-            std::printf("%ld: %s\n", n, pszWrong);
-            ++nWrong;
+            if (!bRight) std::printf("%ld: %s\n", n, pszWrong);
+            nWrong += !bRight;
         };
         WriteAll(path, kOld);
         const long nLive = g_nLive;
         g_nFailed = 0;
-        bool bSaved = false;
+        bool bSaved = false, bOther = false;
         g_nLeft = n;
         try {
             bSaved = Work(file, number);
         } catch (CMemoryException* e) {
             e->Delete();
         } catch (...) {
-            g_nLeft = -1;
-            check(false, "another exception");
+            bOther = true;
         }
         g_nLeft = -1;
+        check(!bOther, "another exception");
         check(g_nLive <= nLive, "blocks are left");
         const std::string now = ReadAll(path);
         check(now == fresh || now == kOld, "the file is neither the old nor the new one");
-        if (g_nFailed == 0) { // beyond the last one
-            check(bSaved && now == fresh, "the new file isn't saved");
-            break;
-        }
-        ++nAll;
+        if (g_nFailed > 0) continue;
+        check(bSaved && now == fresh, "the new file isn't saved"); // beyond the last one
+        std::printf("%ld allocations failed, %d wrong\n", n, nWrong);
+        return nWrong > 0;
     }
-    std::printf("%ld allocations failed, %d wrong\n", nAll, nWrong);
-    return nWrong > 0;
-}
-
-rlim_t AddressSpace()
-{
-    std::ifstream status("/proc/self/statm");
-    rlim_t nPages = 0;
-    status >> nPages;
-    return nPages * 4096;
 }
 
 // Does something under limits that leave ever more address space. Gives how often it threw, or -1 once it is
@@ -148,11 +127,11 @@ rlim_t AddressSpace()
 int UnderLimits(const std::function<void()>& act, const std::function<bool(bool)>& isRight,
                 rlim_t nStep = 1 << 20)
 {
-    constexpr rlim_t kMost = 64 << 20;
-    const rlim_t nNow = AddressSpace();
+    rlim_t nPages = 0;
+    std::ifstream("/proc/self/statm") >> nPages;
     int nThrown = 0;
-    for (rlim_t nMore = 0; nMore < kMost; nMore += nStep) {
-        const rlimit limit{nNow + nMore, RLIM_INFINITY}, none{RLIM_INFINITY, RLIM_INFINITY};
+    for (rlim_t nMore = 0; nMore < 64 << 20; nMore += nStep) {
+        const rlimit limit{nPages * 4096 + nMore, RLIM_INFINITY}, none{RLIM_INFINITY, RLIM_INFINITY};
         bool bThrown = false;
         setrlimit(RLIMIT_AS, &limit);
         try {
@@ -168,10 +147,9 @@ int UnderLimits(const std::function<void()>& act, const std::function<bool(bool)
     return nThrown;
 }
 
-int LimitEach(const std::string& path)
+int LimitEach(const std::string& path, const CString& file)
 {
     constexpr std::size_t kRecords = 20'000;
-    const CString file = WinOf(path);
     CKXXmlDomDocument doc;
     CKXXmlDomElement root = doc.CreateElement("r", nullptr);
     doc.SetDocumentElement(root);
@@ -215,8 +193,7 @@ int LimitEach(const std::string& path)
 
 int main(int nArguments, char** arguments)
 {
-    if (nArguments < 2) return 2;
+    if (nArguments < 3) return 2;
     CoInitialize(nullptr);
-    const std::string path = std::string(arguments[1]) + "/memory.xml";
-    return nArguments > 2 ? LimitEach(path) : FailEach(path);
+    return nArguments > 3 ? LimitEach(arguments[1], arguments[2]) : FailEach(arguments[1], arguments[2]);
 }
