@@ -111,7 +111,8 @@ struct Jpeg
             for (std::size_t c = 0; c < block.size(); ++c) {
                 const int difference = block[c] - last[c];
                 last[c] = block[c];
-                const auto size = std::bit_width(static_cast<unsigned>(std::abs(difference)));
+                const int size =
+                    static_cast<int>(std::bit_width(static_cast<unsigned>(std::abs(difference))));
                 const int code = difference < 0 ? difference + (1 << size) - 1 : difference;
                 bits += Bits(size, 4) + Bits(code, size);
                 if (!progressive) bits += '0';
