@@ -36,13 +36,9 @@ protected:
     }
 
     static void SetLanguage(const char* language) { setenv("LANGUAGE", language, 1); }
-    void Mount(char letter, UINT type, const std::string& label, bool medium = true)
+    void Mount(char letter, UINT type, const std::string& label, const std::string& root)
     {
-        KXHost::Drive drive;
-        if (medium) drive.strRoot = dir.Path();
-        drive.nType = type;
-        drive.strLabel = label;
-        ASSERT_TRUE(KXHost::MountDrive(letter, drive));
+        ASSERT_TRUE(KXHost::MountDrive(letter, {root, type, label, "", 0}));
         mounted.push_back(letter);
     }
 
@@ -132,14 +128,10 @@ TEST_F(Shell, FillsWhatIsAskedAndNoMore)
 
 TEST_F(Shell, DrivesHaveLabelLetterAndKind)
 {
-    Mount('Q', 5, "", false);
-    Mount('R', 2, "STICK");
-    Mount('S', 4, "");
-    Mount('C', 3, "");
-    KXHost::Drive system;
-    system.strRoot = "/";
-    ASSERT_TRUE(KXHost::MountDrive('C', system));
-
+    Mount('Q', 5, "", "");
+    Mount('R', 2, "STICK", dir.Path());
+    Mount('S', 4, "", dir.Path());
+    Mount('C', 3, "", "/");
     EXPECT_EQ(Show("Q:\\"), (Shown{"CD Drive (Q:)", "CD Drive", "drive-optical media-optical"}));
     EXPECT_EQ(Show("r:/"), (Shown{"STICK (R:)", "Removable Disk", "drive-removable-media"}));
     EXPECT_EQ(Show("S:\\a\\.."),
