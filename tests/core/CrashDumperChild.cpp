@@ -57,12 +57,6 @@ void CrashWithoutDescriptors()
 std::string g_root;
 std::atomic<bool> g_bCrashNow{false};
 
-void AwaitReporter()
-{
-    while (!std::filesystem::exists(g_root + "/app/args"))
-        std::this_thread::yield();
-}
-
 // The thread crashes when it is told to.
 void StartThread()
 {
@@ -72,11 +66,13 @@ void StartThread()
     }).detach();
 }
 
+// Returns once the reporter is there.
 void LetThreadCrash()
 {
     g_bCrashNow = true;
     g_bCrashNow.notify_all();
-    AwaitReporter();
+    while (!std::filesystem::exists(g_root + "/app/args"))
+        std::this_thread::yield();
 }
 
 // Goes after all that main made.
@@ -113,8 +109,7 @@ int main(int, char** args)
         std::ofstream(root) << args[3] << "\n";
         return 0;
     }
-    KXHost::Drive drive;
-    drive.strRoot = root;
+    const KXHost::Drive drive{root, DRIVE_FIXED, "", "", 0};
     KXHost::MountDrive('C', drive);
     if (!Setting("KX_TEST_TIME").empty())
         KXHost::UseVirtualClock(std::atoll(Setting("KX_TEST_TIME").c_str()));

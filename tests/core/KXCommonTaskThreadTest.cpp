@@ -14,44 +14,24 @@ struct Worker : CKXCommonTaskThread
     using CKXCommonTaskThread::StopThread;
 };
 
-// The events in their order.
-class Trace
-{
-public:
-    void Add(const std::string& text)
-    {
-        const std::lock_guard lock(m_lock);
-        m_text += text + " ";
-    }
-    std::string Text() const
-    {
-        const std::lock_guard lock(m_lock);
-        return m_text;
-    }
-
-private:
-    mutable std::mutex m_lock;
-    std::string m_text;
-};
-
 // Does what it is told, and leaves its name's two forms in the trace: when it runs, and when it is deleted.
 struct Job : tagKXCommonTask
 {
-    Job(Trace& journal, std::string text, std::function<void(HANDLE)> what = {})
+    Job(std::string& journal, std::string text, std::function<void(HANDLE)> what = {})
         : tagKXCommonTask(Run), trace(journal), name(std::move(text)), act(std::move(what))
     {
         pszTaskName = name.c_str();
     }
-    ~Job() override { trace.Add("~" + name); }
+    ~Job() override { trace += "~" + name + " "; }
     static int Run(tagKXCommonTask* task, HANDLE stop)
     {
         auto& self = *static_cast<Job*>(task);
-        self.trace.Add(self.name);
+        self.trace += self.name + " ";
         if (self.act) self.act(stop);
         return 0;
     }
 
-    Trace& trace;
+    std::string& trace;
     std::string name;
     std::function<void(HANDLE)> act;
 };
@@ -70,7 +50,7 @@ struct Tasks : testing::Test
         reached.acquire();
     }
 
-    Trace trace;
+    std::string trace; // the worker's while that runs
     std::optional<Worker> worker{std::in_place};
 };
 
@@ -80,23 +60,15 @@ TEST_F(Tasks, RunOneAfterTheOther)
     worker->Initialize();
     Add("a");
     worker->AddTask(nullptr);
+    auto idle = std::make_unique<Job>(trace, "idle"); // is deleted alone
+    idle->pfnTaskProc = nullptr;
+    worker->AddTask(idle.release());
     Add("b", [this](HANDLE) { Add("c"); });
     Drain();
     Drain();
     worker->UnInitialize();
-    EXPECT_EQ(trace.Text().substr(0, 10), "a ~a b ~b ");
-    EXPECT_NE(trace.Text().find("c ~c"), std::string::npos);
-}
-
-TEST_F(Tasks, WithoutWorkAreOnlyDeleted)
-{
-    auto idle = std::make_unique<Job>(trace, "idle");
-    idle->pfnTaskProc = nullptr;
-    worker->Initialize();
-    worker->AddTask(idle.release());
-    Drain();
-    worker->UnInitialize();
-    EXPECT_EQ(trace.Text(), "~idle  ~ ");
+    EXPECT_EQ(trace.substr(0, 16), "a ~a ~idle b ~b ");
+    EXPECT_NE(trace.find("c ~c"), std::string::npos);
 }
 
 TEST_F(Tasks, ThatFailLeaveALineInTheLogAndTheThreadAlive)
@@ -115,7 +87,7 @@ TEST_F(Tasks, ThatFailLeaveALineInTheLogAndTheThreadAlive)
     Add("well");
     Drain();
     worker->UnInitialize();
-    EXPECT_EQ(trace.Text(),
+    EXPECT_EQ(trace,
               "thrown ~thrown standard ~standard framework ~framework nameless ~nameless well ~well  ~ ");
     const auto line = [](const std::string& name) {
         return "[2009-03-14 08:05:09] 2 "
@@ -136,18 +108,18 @@ TEST_F(Tasks, AreStoppedByTheirEvent)
         EXPECT_EQ(WaitForSingleObject(stop, 0), WAIT_TIMEOUT);
         running.release();
         EXPECT_EQ(WaitForSingleObject(stop, INFINITE), WAIT_OBJECT_0);
-        trace.Add("stopped");
+        trace += "stopped ";
         Add("next");
     });
     Add("left");
     running.acquire();
     worker->UnInitialize();
     worker->UnInitialize();
-    EXPECT_EQ(trace.Text(), "long stopped ~long ");
+    EXPECT_EQ(trace, "long stopped ~long ");
     worker->Initialize(); // what was left runs with the next task
     Drain();
     worker->UnInitialize();
-    EXPECT_EQ(trace.Text(), "long stopped ~long left ~left next ~next  ~ ");
+    EXPECT_EQ(trace, "long stopped ~long left ~left next ~next  ~ ");
 }
 
 TEST_F(Tasks, AreDeletedUnrunWithTheirQueue)
@@ -162,7 +134,7 @@ TEST_F(Tasks, AreDeletedUnrunWithTheirQueue)
     Add("b");
     running.acquire();
     worker.reset(); // stops the thread by itself
-    EXPECT_EQ(trace.Text(), "long ~long ~a ~b ");
+    EXPECT_EQ(trace, "long ~long ~a ~b ");
 }
 
 TEST_F(Tasks, WaitForAnInitialize)
@@ -171,12 +143,12 @@ TEST_F(Tasks, WaitForAnInitialize)
     EXPECT_EQ(worker->StartThread(), 1); // there is one, if not for long
     EXPECT_EQ(worker->StopThread(), 1);
     EXPECT_EQ(worker->StopThread(), 1);
-    EXPECT_EQ(trace.Text(), "");
+    EXPECT_EQ(trace, "");
     worker->UnInitialize();
     worker->Initialize();
     Drain();
     worker->UnInitialize();
-    EXPECT_EQ(trace.Text(), "early ~early  ~ ");
+    EXPECT_EQ(trace, "early ~early  ~ ");
 }
 
 TEST_F(Tasks, ThreadSaysWhenItBeginsAndEnds)

@@ -354,14 +354,13 @@ TEST_F(CrashDumper, DoesNotRestartAProgramAgainAndAgain)
 struct Dumper : CKXCrashDumper
 {
     using CKXCrashDumper::ExceptionFilter;
-    using CKXCrashDumper::m_bAutoRestart;
-    using CKXCrashDumper::m_bAutoSend;
     using CKXCrashDumper::m_OriginalFilter;
-    using CKXCrashDumper::m_strAppName;
-    using CKXCrashDumper::m_strAppPath;
-    using CKXCrashDumper::m_strContactInfo;
-    using CKXCrashDumper::m_strExeName;
-    using CKXCrashDumper::m_strRestartParam;
+    // In the order of Initialize.
+    static auto Values()
+    {
+        return std::tuple(m_strAppName, m_strAppPath, m_strExeName, m_strRestartParam, m_strContactInfo,
+                          m_bAutoSend, m_bAutoRestart);
+    }
 };
 
 long Other(_EXCEPTION_POINTERS*)
@@ -380,13 +379,7 @@ TEST(CrashHook, HooksForItsLifeAndKeepsTheLastValues)
         dumper.Unintialize();
         const Dumper& same = dumper;
         EXPECT_EQ(&(dumper = same), &dumper);
-        EXPECT_EQ(Dumper::m_strAppName, "A");
-        EXPECT_EQ(Dumper::m_strAppPath, "B\\");
-        EXPECT_EQ(Dumper::m_strExeName, "C");
-        EXPECT_EQ(Dumper::m_strRestartParam, "D");
-        EXPECT_EQ(Dumper::m_strContactInfo, "E");
-        EXPECT_EQ(Dumper::m_bAutoSend, 0);
-        EXPECT_EQ(Dumper::m_bAutoRestart, 7);
+        EXPECT_EQ(Dumper::Values(), std::tuple("A", "B\\", "C", "D", "E", 0, 7));
         EXPECT_EQ(SetUnhandledExceptionFilter(Other), &Dumper::ExceptionFilter);
     }
     EXPECT_EQ(SetUnhandledExceptionFilter(nullptr), &Other);

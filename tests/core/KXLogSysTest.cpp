@@ -3,7 +3,6 @@
 #include "tests/support/LogLines.h"
 #include "tests/support/Test.h"
 
-#include <poll.h>
 #include <termios.h>
 
 namespace {
@@ -204,39 +203,26 @@ class Terminal : test::Fixed
 public:
     Terminal()
     {
-        grantpt(m_fd);
         unlockpt(m_fd);
-        m_near = open(ptsname(m_fd), O_RDWR | O_NOCTTY | O_CLOEXEC);
         termios mode{};
-        tcgetattr(m_near, &mode);
+        tcgetattr(m_fd, &mode);
         cfmakeraw(&mode);
-        tcsetattr(m_near, TCSANOW, &mode);
+        tcsetattr(m_fd, TCSANOW, &mode);
     }
-    ~Terminal()
-    {
-        close(m_near);
-        close(m_fd);
-    }
+    ~Terminal() { close(m_fd); }
     CString Path() const { return ("C:" + std::string(ptsname(m_fd))).c_str(); }
-    // All that is written until nothing comes any more and `bDone` holds.
-    std::string ReadUntil(const std::atomic<bool>& bDone)
+    // All that is written until the writer closes it.
+    std::string Read() const
     {
         std::string text;
-        for (;;) {
-            const bool bLast = bDone;
-            pollfd watch{m_fd, POLLIN, 0};
-            char block[4096];
-            if (poll(&watch, 1, bLast ? 0 : 10) > 0)
-                text.append(block,
-                            static_cast<std::size_t>(std::max<ssize_t>(read(m_fd, block, sizeof(block)), 0)));
-            else if (bLast)
-                return text;
-        }
+        std::array<char, 4096> block;
+        for (ssize_t n; (n = read(m_fd, block.data(), block.size())) > 0;)
+            text.append(block.data(), static_cast<std::size_t>(n));
+        return text;
     }
 
 private:
-    int m_fd = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    int m_near = -1;
+    const int m_fd = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
 };
 
 // A stop that comes while the writer is at a line leaves the lines behind it, and those are written ahead of
@@ -253,15 +239,11 @@ TEST_F(Log, AStopLeavesLinesInTheirOrder)
     push(20'000);
     AwaitSleepers(); // the writer, in the midst of them
     push(20'000);
-    std::atomic<bool> bDone{false};
     std::jthread waiting([&] { EXPECT_EQ(log->Flush(INFINITE), 0); }); // the stop ends it
     AwaitSleepers();
-    std::jthread stop([&] {
-        log->Uninitialize();
-        bDone = true;
-    });
+    std::jthread stop([&] { log->Uninitialize(); });
     AwaitSleepers();
-    const std::string before = terminal.ReadUntil(bDone);
+    const std::string before = terminal.Read();
     stop.join();
     waiting.join();
     EXPECT_EQ(log->Flush(INFINITE), 0); // it doesn't run
@@ -291,12 +273,11 @@ TEST_F(Log, AFlushEndsWithItsTime)
     KXHost::AdvanceClock(1);
     waiting.join();
     EXPECT_EQ(nResult, 0);
-    std::atomic<bool> bDone{false};
     std::jthread flushing([&] {
         EXPECT_EQ(log->Flush(static_cast<unsigned long>(-1)), 1);
-        bDone = true;
+        log->Uninitialize();
     });
-    EXPECT_EQ(terminal.ReadUntil(bDone).size(), 1000u * 125);
+    EXPECT_EQ(terminal.Read().size(), 1000u * 125);
 }
 
 // Whichever allocation fails, and where no thread can be started.

@@ -11,8 +11,6 @@
 
 namespace {
 
-using shortage::g_nLeft;
-
 std::atomic<bool> g_bNoThreads{false};
 
 #define CHECK(condition)                                                                                     \
@@ -21,16 +19,13 @@ std::atomic<bool> g_bNoThreads{false};
         std::_Exit(1);                                                                                       \
     }
 
-// Whether a line is queued; the memory exception alone tells that it isn't.
-bool Push(CKXLogSys* pLog, const std::string& line)
+// Runs a step whose allocation of this number fails; false if it has fewer.
+template <class Step>
+bool Fails(int n, Step step)
 {
-    try {
-        pLog->PushLogEx(CKXLogSys::LogInfo, "%s", line.c_str());
-        return true;
-    } catch (CMemoryException* pException) {
-        pException->Delete();
-        return false;
-    }
+    shortage::g_nLeft = n;
+    step();
+    return shortage::g_nLeft.exchange(-1) < 0;
 }
 
 } // namespace
@@ -53,51 +48,49 @@ int main(int, char** args)
     };
     CKXLogSys* pLog = CKXLogSys::GetSingletonPtr();
     int n = 0;
-    for (bool bAll = false; !bAll; ++n) {
+    // The second start is as usual, and writes what the first one couldn't.
+    const auto startTwice = [&] {
         const int nHandles = KXHost::LiveHandles();
-        g_nLeft = n;
-        const int nStarted = pLog->Initialize(strFile);
-        bAll = g_nLeft >= 0;
-        g_nLeft = -1;
+        int nStarted = 0;
+        const bool bFails = Fails(n, [&] { nStarted = pLog->Initialize(strFile); });
+        CHECK(nStarted || bFails);
         CHECK(nStarted || test::Threads() == 1);
         CHECK(nStarted || KXHost::LiveHandles() == nHandles);
         pLog->PushLog(CKXLogSys::LogInfo, "line");
-        CHECK(nStarted || pLog->Flush(INFINITE) == 0);
+        const int nFlushed = pLog->Flush(INFINITE);
+        CHECK(nFlushed ? nStarted && !g_bNoThreads : bFails || g_bNoThreads);
         pLog->Uninitialize();
         CHECK(KXHost::LiveHandles() == nHandles);
+        g_bNoThreads = false;
         CHECK(pLog->Initialize(strFile));
         CHECK(pLog->Flush(INFINITE));
+        CHECK(nFlushed ? text().empty() : text().ends_with("] 1 line\n"));
         pLog->Uninitialize();
-    }
+        return bFails;
+    };
+    while (startTwice())
+        ++n;
     CHECK(n > 5);
+    g_bNoThreads = true;
+    startTwice();
 
     const std::string line(100'000, 'x');
-    std::size_t nQueued = 0;
-    n = 0;
-    for (bool bAll = false; !bAll; ++n) {
-        g_nLeft = n;
-        const bool bQueued = Push(pLog, line);
-        bAll = g_nLeft >= 0;
-        g_nLeft = -1;
-        CHECK(bQueued == bAll);
-        nQueued += bQueued;
+    bool bQueued = false;
+    for (n = 0; !bQueued; ++n) {
+        const bool bFails = Fails(n, [&] {
+            try {
+                pLog->PushLogEx(CKXLogSys::LogInfo, "%s", line.c_str());
+                bQueued = true;
+            } catch (CMemoryException* pException) { // alone tells that it isn't queued
+                pException->Delete();
+            }
+        });
+        CHECK(bQueued != bFails);
     }
     CHECK(n > 2);
     CHECK(pLog->Initialize(strFile));
     CHECK(pLog->Flush(INFINITE));
-    CHECK(text().size() == nQueued * (line.size() + std::strlen("[2009-03-14 08:05:09] 1 \n")));
-    pLog->Uninitialize();
-
-    g_bNoThreads = true;
-    CHECK(pLog->Initialize(strFile));
-    pLog->PushLog(CKXLogSys::LogInfo, "waits");
-    CHECK(pLog->Flush(INFINITE) == 0);
-    pLog->Uninitialize();
-    CHECK(text().empty());
-    g_bNoThreads = false;
-    CHECK(pLog->Initialize(strFile));
-    CHECK(pLog->Flush(INFINITE));
-    CHECK(text().ends_with("] 1 waits\n"));
+    CHECK(text().size() == line.size() + std::strlen("[2009-03-14 08:05:09] 1 \n"));
     pLog->Uninitialize();
     return 0;
 }

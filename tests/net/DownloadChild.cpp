@@ -1,22 +1,18 @@
 #include "KXHttpDownloadMgr.h"
-#include "tests/net/WorkerThread.h"
+#include "tests/support/Standard.h"
 
 namespace {
 
 // Never destroyed: the last notifications come while the static objects are.
-std::counting_semaphore<>& Blocks = *new std::counting_semaphore<>(0);
-std::counting_semaphore<>& Ends = *new std::counting_semaphore<>(0);
+std::counting_semaphore<>& Reached = *new std::counting_semaphore<>(0);
 
-test::WorkerThread worker;
-
+// The user's parameter is the code that is waited for, or 0: the first block ends the process.
 int Print(unsigned int code, unsigned int id, CString const&, CString const&, unsigned long, unsigned long,
-          unsigned int bExit)
+          unsigned int uAwaited)
 {
-    worker.Note();
     std::fprintf(stderr, "%u %u\n", id, code);
-    if (code == WM_KXDOWNLOADBLOCK && bExit) std::exit(0);
-    if (code == WM_KXDOWNLOADBLOCK) Blocks.release();
-    if (code == WM_KXDOWNLOADENDED) Ends.release();
+    if (code == WM_KXDOWNLOADBLOCK && uAwaited == 0) std::exit(0);
+    if (code == uAwaited) Reached.release();
     return 0;
 }
 
@@ -31,15 +27,15 @@ int main(int, char** argv)
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit none{2, 2};
         setrlimit(RLIMIT_FSIZE, &none);
-        mgr.AddTask(argv[2], argv[3], Print, 0);
-        worker.AwaitEnd();
-        return 0;
     }
-    mgr.AddTask(argv[2], argv[3], Print, how == "exit");
-    if (how == "wait") mgr.AddTask(argv[2], "", Print, 0);
-    Blocks.acquire(); // never, if the callback ends the process
-    if (how == "wait")
-        for (int n = 0; n < 2; ++n)
-            Ends.acquire();
+    const unsigned int uAwaited = how == "wait" ? WM_KXDOWNLOADENDED : WM_KXDOWNLOADBLOCK;
+    mgr.AddTask(argv[2], argv[3], Print, how == "exit" ? 0 : uAwaited);
+    if (how == "wait") {
+        mgr.AddTask(argv[2], "", Print, uAwaited);
+        Reached.acquire();
+    }
+    while (how == "limit" && mgr.IsRunning())
+        std::this_thread::yield();
+    if (how != "limit") Reached.acquire(); // never, if the callback ends the process
     return 0;
 }

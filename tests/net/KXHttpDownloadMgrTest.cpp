@@ -115,17 +115,6 @@ TEST_F(Downloads, ACallbackMayAddTasks)
     EXPECT_EQ(journal.Codes(added), (Codes{2029, 2030, 2031}));
 }
 
-struct Failure
-{
-    const char* name;
-    std::string url;
-    CString file;
-    std::function<void()> act; // at 2030
-    Codes codes;
-    std::string kept;   // what the local file holds then
-    std::string reason; // a part of what is told of it
-};
-
 // Whatever fails ends the worker: no last code, and no task after it.
 TEST_F(Downloads, TheFirstFailureIsTheEnd)
 {
@@ -134,40 +123,45 @@ TEST_F(Downloads, TheFirstFailureIsTheEnd)
     const CString file = dir.Win("file");
     KXHost::MountDrive('D', {"/dev", DRIVE_FIXED, "", "", 0});
     const Codes none, begun{2029}, inBlocks{2029, 2030};
-    const std::vector<Failure> cases = {
-        {"server gone", gone, file, {}, none, "old", "onnect"},
-        {"no URL", "optype&optypeval=3", file, {}, none, "old", "URL"},
-        {"another protocol", "file:///etc/hostname", file, {}, none, "old", "file:///etc/hostname: "},
-        {"cut", cut.Url(), file, {}, inBlocks, "hello", cut.Url() + ": "},
-        {"cut, nowhere", cut.Url(), "", {}, inBlocks, "old", cut.Url() + ": "},
-        {"no directory", hello.Url(), dir.Win("none\\file"), {}, begun, "old", "none\\file: "},
-        {"a directory", hello.Url(), dir.Win(), {}, begun, "old", "denied"},
-        {"full disk", hello.Url(), "D:\\full", {}, begun, "old", "full"},
-        {"number thrown", hello.Url(), file, [] { throw 5; }, inBlocks, "hello", "callback threw"},
-        {"exception thrown", hello.Url(), file, [] { AfxThrowMemoryException(); }, inBlocks, "hello",
-         "memory"},
-    };
-    for (const Failure& c : cases) {
+    // The URL, the local file, what is done at 2030, the codes, what is in the file then, and a part of what
+    // is told of it.
+    const std::tuple<const char*, std::string, CString, std::function<void()>, Codes, std::string,
+                     std::string>
+        cases[] = {
+            {"server gone", gone, file, {}, none, "old", "onnect"},
+            {"no URL", "optype&optypeval=3", file, {}, none, "old", "URL"},
+            {"another protocol", "file:///etc/hostname", file, {}, none, "old", "file:///etc/hostname: "},
+            {"cut", cut.Url(), file, {}, inBlocks, "hello", cut.Url() + ": "},
+            {"cut, nowhere", cut.Url(), "", {}, inBlocks, "old", cut.Url() + ": "},
+            {"no directory", hello.Url(), dir.Win("none\\file"), {}, begun, "old", "none\\file: "},
+            {"a directory", hello.Url(), dir.Win(), {}, begun, "old", "denied"},
+            {"full disk", hello.Url(), "D:\\full", {}, begun, "old", "full"},
+            {"number thrown", hello.Url(), file, [] { throw 5; }, inBlocks, "hello", "callback threw"},
+            {"exception thrown", hello.Url(), file, [] { AfxThrowMemoryException(); }, inBlocks, "hello",
+             "memory"},
+        };
+    for (const auto& [name, url, localFile, act, codes, kept, reason] : cases) {
+        SCOPED_TRACE(name);
         dir.Write("file", "old");
-        journal.act = c.act;
+        journal.act = act;
         const test::DebugText debug(true);
         EXPECT_TRUE(manager->IsRunning());
         EXPECT_EQ(manager->GetLastFailure(), "");
-        const unsigned int id = Add(c.url, c.file, 2030);
+        const unsigned int id = Add(url, localFile, 2030);
         AwaitEnd(1);
         EXPECT_FALSE(manager->IsRunning());
         EXPECT_THAT(std::string(manager->GetLastFailure()),
-                    testing::AllOf(testing::StartsWith(c.url + ": "), testing::HasSubstr(c.reason)));
+                    testing::AllOf(testing::StartsWith(url + ": "), testing::HasSubstr(reason)));
         EXPECT_EQ(debug.Text(), "http: " + std::string(manager->GetLastFailure()) +
                                     "; the download worker has ended, and what is queued is never served\n");
-        EXPECT_EQ(journal.Codes(id), c.codes) << c.name;
-        EXPECT_EQ(dir.Read("file"), c.kept) << c.name;
+        EXPECT_EQ(journal.Codes(id), codes);
+        EXPECT_EQ(dir.Read("file"), kept);
         const int nConnections = hello.Connections();
         const unsigned int later = Add(hello.Url());
-        EXPECT_EQ(later, id + 1) << c.name;
+        EXPECT_EQ(later, id + 1);
         manager.emplace(); // frees the task that waits
-        EXPECT_EQ(journal.Codes(later), Codes{}) << c.name;
-        EXPECT_EQ(hello.Connections(), nConnections) << c.name;
+        EXPECT_EQ(journal.Codes(later), Codes{});
+        EXPECT_EQ(hello.Connections(), nConnections);
     }
     KXHost::UnmountDrive('D');
 }
@@ -262,9 +256,7 @@ TEST_F(Downloads, TasksOfManyThreadsAreAllServed)
             Add(hello.Url());
     });
     Run(hello.Url());
-    const auto notices = journal.Notices();
-    EXPECT_EQ(std::count_if(notices.begin(), notices.end(), [](const Notice& n) { return n.code == 2031; }),
-              201);
+    EXPECT_EQ(std::ranges::count(journal.Notices(), 2031u, &Notice::code), 201);
 }
 
 TEST_F(Downloads, LeaveNoHandleBehind)

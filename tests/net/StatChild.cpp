@@ -1,25 +1,16 @@
 #include "KXHttpDownloadMgr.h"
 #include "KXStatSender.h"
-#include "tests/net/WorkerThread.h"
+#include "tests/support/Standard.h"
 
 namespace {
 
-test::WorkerThread worker;
 std::counting_semaphore<> ended{0};
 
 int OnDownload(unsigned int code, unsigned int, CString const&, CString const&, unsigned long, unsigned long,
                unsigned int)
 {
-    worker.Note();
     if (code == WM_KXDOWNLOADENDED) ended.release();
     return 0;
-}
-
-// Waits until all that was added before has been sent.
-void Drain(const CString& strBase)
-{
-    CKXHttpDownloadMgr::Instance().AddTask(strBase + "/end", "", OnDownload, 0);
-    ended.acquire();
 }
 
 } // namespace
@@ -28,13 +19,17 @@ void Drain(const CString& strBase)
 int main(int argc, char** argv)
 {
     CKXStatSender& sender = CKXStatSender::Instance();
+    CKXHttpDownloadMgr& mgr = CKXHttpDownloadMgr::Instance();
     if (argc > 2) {
-        Drain(argv[1]);
         sender.Report("abc", 3);
-        worker.AwaitEnd();
+        while (mgr.IsRunning())
+            std::this_thread::yield();
     }
     sender.Initialize(argv[1], "7");
     sender.Report("start", 1);
-    if (argc == 2) Drain(argv[1]);
+    if (argc == 2) {
+        mgr.AddTask(CString(argv[1]) + "/end", "", OnDownload, 0); // behind the report
+        ended.acquire();
+    }
     return 0;
 }

@@ -39,6 +39,7 @@ TEST_F(Skin, ANewOneIsCleanAndHasEveryKey)
 // Everything that the checks know of `Skin.ini`, each with the line that it gives.
 TEST_F(Skin, FindsWhatIsWrongInSkinIni)
 {
+    const std::string color = " is no colour, which is three numbers from 0 to 255; ";
     const std::pair<const char*, std::vector<std::string>> cases[] = {
         {"[COLOR]\nTextColor=1,2,3\nBackColor=\n", {}},
         {"\xEF\xBB\xBF[COLOR]\n", {}},
@@ -67,13 +68,9 @@ TEST_F(Skin, FindsWhatIsWrongInSkinIni)
         {"[Border]\nDrawType=1\ndrawtype=2\n",
          {"3:1: warning: key drawtype stands at line 2 already, and only that one is read [skin.key-twice]"}},
         {"[COLOR]\nTextColor = red\nBackColor=\"1,2\"\nTitleColor=1,2,256\n",
-         {"2:13: error: \"red\" is no colour, which is three numbers from 0 to 255; RGB(0,0,0) is taken "
-          "[skin.bad-color]",
-          "3:12: error: \"1,2\" is no colour, which is three numbers from 0 to 255; RGB(255,255,255) is "
-          "taken "
-          "[skin.bad-color]",
-          "4:12: error: \"1,2,256\" is no colour, which is three numbers from 0 to 255; RGB(255,255,255) is "
-          "taken [skin.bad-color]"}},
+         {"2:13: error: \"red\"" + color + "RGB(0,0,0) is taken [skin.bad-color]",
+          "3:12: error: \"1,2\"" + color + "RGB(255,255,255) is taken [skin.bad-color]",
+          "4:12: error: \"1,2,256\"" + color + "RGB(255,255,255) is taken [skin.bad-color]"}},
         {"[SysButton]\nAutoAlign=yes\n",
          {"2:11: error: \"yes\" is neither TRUE nor FALSE; FALSE is taken [skin.bad-flag]"}},
         {"[SysButton]\nButton_Space=wide\nSysMenu_Top=12px\nSysMenu_Left=99999999999\nTitleText_Top=-1\n"
@@ -198,10 +195,8 @@ TEST_F(Skin, AnyTreeEnds)
     std::filesystem::create_symlink("/dev/zero", dir.Path("s/Skin.ini"));
     EXPECT_THAT(test::Kx(dir, "skin check s").lines,
                 testing::Contains(HasSubstr("Skin.ini: error: can't be read")));
-    EXPECT_EQ(test::Kx(dir, "skin check none").nCode, 2);
-    EXPECT_EQ(test::Kx(dir, "skin check").nCode, 2);
-    EXPECT_EQ(test::Kx(dir, "skin nothing s").nCode, 2);
-    EXPECT_EQ(test::Kx(dir, "skin watch s").nCode, 2); // without a display
+    for (const char* pszCommand : {"check none", "check", "nothing s", "watch s"}) // the last has no display
+        EXPECT_EQ(test::Kx(dir, std::string("skin ") + pszCommand).nCode, 2) << pszCommand;
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path()), {}), 2);
 }
 
