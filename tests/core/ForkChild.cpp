@@ -9,13 +9,6 @@ namespace {
 std::atomic<bool> g_bStop{false};
 std::string g_directory; // of the library's paths
 
-template <class Step>
-void Repeat(Step step)
-{
-    for (int n = 0; !g_bStop; ++n)
-        step(n);
-}
-
 int Use(int nFork)
 {
     CKXLogSys* pLog = CKXLogSys::GetSingletonPtr();
@@ -63,29 +56,28 @@ int main(int, char** args)
     if (!pLog->Initialize((g_directory + "parent.log").c_str())) return 1;
     const CString strBusy = (g_directory + "busy.ini").c_str();
     CKXIniDataMgr::WriteInteger(strBusy, "a", "b", 0);
-    std::vector<std::jthread> threads;
-    for (int t = 0; t < 2; ++t) {
-        threads.emplace_back([=] {
-            Repeat([&](int n) {
-                pLog->PushLogEx(CKXLogSys::LogInfo, "%d %d", t, n);
-                if (n % 1000 == 0) pLog->Flush(INFINITE);
-            });
-        });
-        threads.emplace_back(
-            [] { Repeat([](int) { PathFileExistsA((g_directory + "Other.Name").c_str()); }); });
-        threads.emplace_back([=] {
-            Repeat([&](int n) {
-                if (n % 8 == 0) CKXIniDataMgr::WriteInteger(strBusy, "a", "b", n);
-                CKXIniDataMgr::GetInteger(strBusy, "a", "b", 0);
-            });
-        });
-    }
-    threads.emplace_back([] {
-        Repeat([](int n) {
+    const std::function<void(int, int)> steps[] = {
+        [=](int t, int n) {
+            pLog->PushLogEx(CKXLogSys::LogInfo, "%d %d", t, n);
+            if (n % 1000 == 0) pLog->Flush(INFINITE);
+        },
+        [](int, int) { PathFileExistsA((g_directory + "Other.Name").c_str()); },
+        [=](int, int n) {
+            if (n % 8 == 0) CKXIniDataMgr::WriteInteger(strBusy, "a", "b", n);
+            CKXIniDataMgr::GetInteger(strBusy, "a", "b", 0);
+        },
+        [](int, int n) {
             std::tm fields{};
             CTime(n).GetLocalTm(&fields);
-        });
-    });
+        },
+    };
+    std::vector<std::jthread> threads;
+    for (const auto& step : steps)
+        for (int t = 0; t < 2; ++t)
+            threads.emplace_back([&step, t] {
+                for (int n = 0; !g_bStop; ++n)
+                    step(t, n);
+            });
     int nFailed = 0;
     for (int n = 0; n < nForks; ++n)
         nFailed += !Fork(n);

@@ -1,17 +1,11 @@
 #include "KXCrashDumper.h"
 #include "KXLogSys.h"
-#include "core/LogRecord.h"
-#include "internal/Debug.h"
-#include "platform/FileSystem.h"
-#include "platform/Host.h"
+#include "tests/core/ForgedQueue.h"
 #include "tests/support/CrashKinds.h"
 
 // LogCrashChild ROOT HOW WHAT: crashes while its log, ROOT/app/app.log, has lines that aren't written yet.
 
 namespace {
-
-using kx::core::Block;
-using kx::core::Record;
 
 CKXCritSection CKXLogSys::*LockOf(CKXLogSys*);
 template <CKXCritSection CKXLogSys::*pLock>
@@ -71,75 +65,11 @@ void CrashWithLinesWaiting(const std::string& kind)
     crashes::kKinds.at(kind == "unopened" ? "read" : kind).pfnCrash();
 }
 
-// A queue made by hand, of which the file has the first line and a part of the second.
-struct Forged
-{
-    static constexpr std::size_t nRoom = 200;
-
-    struct Piece
-    {
-        Block head{kx::core::kBlockMagic, 7, 0, nRoom, 0};
-        char lines[nRoom] = "";
-        void Add(const std::string& line)
-        {
-            const auto length = static_cast<std::uint32_t>(line.size());
-            std::memcpy(lines + head.used, &length, sizeof(length));
-            std::memcpy(lines + head.used + sizeof(length), line.data(), line.size());
-            head.used += sizeof(length) + line.size();
-        }
-    };
-
-    Forged()
-    {
-        const int file = open((KXHost::ToSystemPath("C:\\app\\app.log")).c_str(), O_WRONLY | O_CREAT, 0600);
-        if (write(file, "before\nfirst\nsec", 16) != 16) std::_Exit(1);
-        pieces[0].Add("first\n");
-        pieces[0].Add("second\n");
-        pieces[1].Add("third\n");
-        pieces[0].head.next = reinterpret_cast<std::uint64_t>(&pieces[1]);
-        pieces[1].head.number = 8;
-        const auto pid = static_cast<std::uint64_t>(getpid());
-        record = {kx::core::kRecordMagic,
-                  kx::core::kRecordVersion,
-                  1,
-                  0,
-                  pid,
-                  file,
-                  kx::core::CheckOf(pid, file),
-                  {}};
-        record.positions[1] = {reinterpret_cast<std::uint64_t>(&pieces[0]), 0, 7, 0};
-        kx::debug::SetLogRecord(&record);
-    }
-
-    std::array<Piece, 2> pieces;
-    Record record;
-};
-
 void CrashWithForgedQueue(const std::string& what)
 {
-    static Forged queue;
-    const std::map<std::string, void (*)()> faults{
-        {"sound", [] {}},
-        {"break",
-         [] {
-             queue.record.positions[1] = {reinterpret_cast<std::uint64_t>(&queue.pieces[0]),
-                                          queue.pieces[0].head.used, 16, 1};
-         }},
-        {"next", [] { queue.pieces[1].head.next = 0x1234; }},
-        {"circle", [] { queue.pieces[1].head.next = queue.pieces[0].head.next; }},
-        {"used", [] { queue.pieces[1].head.used = 1'000; }},
-        {"number", [] { queue.pieces[1].head.number = 9; }},
-        {"magic", [] { queue.pieces[1].head.magic = 0; }},
-        {"length", [] { std::memset(queue.pieces[1].lines, 0xFF, 4); }},
-        {"longer", [] { ++queue.pieces[1].lines[0]; }},
-        {"first", [] { queue.record.positions[1].block = 16; }},
-        {"file", [] { queue.record.file = 1; }},
-        {"check", [] { ++queue.record.check; }},
-        {"process", [] { queue.record.process += 1; }},
-        {"version", [] { queue.record.version += 1; }},
-        {"record", [] { kx::debug::SetLogRecord(reinterpret_cast<const void*>(16)); }},
-    };
-    faults.at(what)();
+    static test::ForgedQueue queue;
+    for (const test::QueueFault& fault : test::kQueueFaults)
+        if (what == fault.pszName) fault.pfnMake(queue);
     crashes::CrashByRead();
 }
 

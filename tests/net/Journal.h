@@ -13,6 +13,7 @@ struct Notice
     unsigned int id;
     unsigned long total;
     unsigned long received;
+    std::string names; // the URL and the file
     bool operator==(const Notice&) const = default;
 };
 
@@ -30,8 +31,7 @@ public:
         Journal& self = *s_current;
         {
             const std::lock_guard lock(self.m_lock);
-            self.m_notices.push_back({code, id, total, received});
-            self.m_names = std::string(url) + " " + std::string(file);
+            self.m_notices.push_back({code, id, total, received, (url + " " + file).GetString()});
         }
         self.m_changed.notify_all();
         if (code == param && self.act) self.act();
@@ -60,11 +60,6 @@ public:
                 codes.push_back(notice.code);
         return codes;
     }
-    std::string Names() const
-    {
-        const std::lock_guard lock(m_lock);
-        return m_names;
-    }
 
     std::function<void()> act;
 
@@ -73,7 +68,6 @@ private:
     mutable std::mutex m_lock;
     std::condition_variable m_changed;
     std::vector<Notice> m_notices;
-    std::string m_names;
 };
 
 // A manager of a test's own, with its steps.
