@@ -27,14 +27,17 @@ public:
         return *this;
     }
 
-    Child Start(const char* pszChild, std::vector<std::string> args, std::vector<std::string> env = {}) const
+    Child Start(const std::string& how, std::vector<std::string> env = {}, const std::string& what = {}) const
     {
         // AddressSanitizer has handlers of its own, which are no ordinary course.
         const char* pszOptions = std::getenv("ASAN_OPTIONS");
         env.push_back("ASAN_OPTIONS=" + std::string(pszOptions ? pszOptions : "") +
                       ":handle_segv=0:handle_sigfpe=0");
-        args.insert(args.begin(), m_dir.Path());
-        return {pszChild, std::move(args), std::move(env)};
+        return {"CrashChild", {m_dir.Path(), how, what}, std::move(env)};
+    }
+    int Crash(const std::string& how, std::vector<std::string> env = {}, const std::string& what = {}) const
+    {
+        return Start(how, std::move(env), what).Wait();
     }
 
     // A file of the application's.

@@ -23,15 +23,6 @@ struct Place : test::CrashPlace
         fs::permissions(Path("KXCrashReport.exe"), fs::perms::owner_all);
     }
 
-    test::Child Start(const std::string& how, std::vector<std::string> env = {}) const
-    {
-        return CrashPlace::Start("CrashDumperChild", {how}, std::move(env));
-    }
-    int Crash(const std::string& how, std::vector<std::string> env = {}) const
-    {
-        return Start(how, std::move(env)).Wait();
-    }
-
     std::string Arguments() const { return test::ReadFile(Path("args")); }
     std::string Pipe(const char* pszName) const
     {
@@ -41,8 +32,8 @@ struct Place : test::CrashPlace
     // gdb says this of the dump.
     std::string Debug(const std::string& commands) const
     {
-        return test::OutputOf("gdb -nx -batch " + commands + " " KX_TEST_BIN "/CrashDumperChild " +
-                              Dump(".dmp") + " 2>&1");
+        return test::OutputOf("gdb -nx -batch " + commands + " " KX_TEST_BIN "/CrashChild " + Dump(".dmp") +
+                              " 2>&1");
     }
 };
 
@@ -343,7 +334,7 @@ TEST_F(CrashDumper, DoesNotRestartAProgramAgainAndAgain)
     const auto crash = [&](const std::string& when) {
         test::OutputOf("ASAN_OPTIONS=handle_segv=0 KX_TEST_RESTART=1 KX_TEST_RUN='" + mark +
                        " restarted again' " + "KX_CRASH_RESTARTED=" + when + " " + KX_TEST_BIN +
-                       "/CrashDumperChild " + place.Dir().Path() + " read 2>&1");
+                       "/CrashChild " + place.Dir().Path() + " read 2>&1");
         return fs::remove(mark);
     };
     EXPECT_FALSE(crash("$(date +%s)"));

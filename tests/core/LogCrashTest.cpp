@@ -12,11 +12,6 @@ using testing::HasSubstr;
 struct Place : test::CrashPlace
 {
     Place() { RealReporter(); }
-
-    int Crash(const std::string& how, const std::string& what) const
-    {
-        return Start("LogCrashChild", {how, what}).Wait();
-    }
     std::string Log() const { return test::ReadFile(Path("app.log")); }
 };
 
@@ -31,7 +26,7 @@ TEST_F(LogCrash, AtAnyMomentLosesNoLine)
     for (unsigned nSeed = 0; nSeed < nRounds; ++nSeed) {
         SCOPED_TRACE("seed " + std::to_string(nSeed));
         const Place place;
-        ASSERT_EQ(place.Crash("threads", std::to_string(nSeed)), 128 + SIGSEGV);
+        ASSERT_EQ(place.Crash("threads", {}, std::to_string(nSeed)), 128 + SIGSEGV);
         const std::string counts = place.Dir().Read("counts");
         ASSERT_EQ(counts.size(), nThreads * sizeof(std::uint64_t));
         const std::string log = place.Log();
@@ -55,7 +50,7 @@ TEST_F(LogCrash, OfEveryKindBringsWaitingLinesHome)
     for (const std::string& kind : kinds) {
         SCOPED_TRACE(kind);
         const Place place;
-        place.Crash("waiting", kind);
+        place.Crash("waiting", {}, kind);
         std::istringstream lines(place.Log());
         int nLines = 0;
         for (std::string line; std::getline(lines, line); ++nLines) {
@@ -71,7 +66,7 @@ TEST_F(LogCrash, OfEveryKindBringsWaitingLinesHome)
 TEST_F(LogCrash, WithoutAFilePutsTheLinesIntoTheReport)
 {
     const Place place;
-    place.Crash("waiting", "unopened");
+    place.Crash("waiting", {}, "unopened");
     EXPECT_FALSE(place.Dir().Exists("app/app.log"));
     EXPECT_THAT(place.Report(), testing::AllOf(HasSubstr("] 1 n0 xxx"), HasSubstr("] 1 n999 xxx")));
 }
@@ -84,7 +79,7 @@ TEST_F(LogCrash, LeavesFaultsOfTheQueueBehind)
         const std::string what = pszName;
         SCOPED_TRACE(what);
         const Place place;
-        EXPECT_EQ(place.Crash("forged", what), 128 + SIGSEGV);
+        EXPECT_EQ(place.Crash("forged", {}, what), 128 + SIGSEGV);
         std::string log = place.Log();
         const auto own = log.find("KXCrashReport: ");
         if (own != log.npos) log.erase(own - 24, 24); // its stamp and level

@@ -46,18 +46,20 @@ public:
                                        [&](const Notice& n) { return n.code == code && n.id == id; });
         });
     }
-    std::vector<Notice> Notices() const
+    // Those of one task, or all.
+    std::vector<Notice> Notices(unsigned int id = 0) const
     {
         const std::lock_guard lock(m_lock);
-        return m_notices;
+        std::vector<Notice> notices = m_notices;
+        if (id != 0) std::erase_if(notices, [&](const Notice& n) { return n.id != id; });
+        return notices;
     }
     // The codes of one task, a run of blocks as one.
     std::vector<unsigned int> Codes(unsigned int id) const
     {
         std::vector<unsigned int> codes;
-        for (const Notice& notice : Notices())
-            if (notice.id == id && (codes.empty() || codes.back() != notice.code))
-                codes.push_back(notice.code);
+        for (const Notice& notice : Notices(id))
+            if (codes.empty() || codes.back() != notice.code) codes.push_back(notice.code);
         return codes;
     }
 

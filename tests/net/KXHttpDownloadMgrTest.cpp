@@ -55,9 +55,7 @@ TEST_F(Downloads, TellEachStepOfACompleteTransfer)
         const unsigned int id = Run(server.Url(), dir.Win("file"));
         EXPECT_EQ(dir.Read("file"), content);
         const std::string names = server.Url() + " " + std::string(dir.Win("file"));
-        std::vector<Notice> notices;
-        for (const Notice& notice : journal.Notices())
-            if (notice.id == id) notices.push_back(notice);
+        const std::vector<Notice> notices = journal.Notices(id);
         EXPECT_EQ(notices.front(), (Notice{2029, id, total, 0, names}));
         EXPECT_EQ(notices.back(), (Notice{2031, id, total, content.size(), names}));
         unsigned long received = 0;
@@ -91,17 +89,14 @@ TEST_F(Downloads, FollowOneAnotherInOrderOnOneConnection)
 
 TEST_F(Downloads, AFileHoldsWhatATaskHasReceived)
 {
-    std::vector<std::size_t> sizes;
+    std::vector<std::size_t> sizes, received;
     journal.act = [&] { sizes.push_back(std::filesystem::file_size(dir.Path("file"))); };
     RawServer server(RawServer::Answering(kOk + "Content-Length: 9000\r\n\r\n" + std::string(9000, 'x')));
     const unsigned int id = Add(server.Url(), dir.Win("file"), 2030);
     journal.Await(2031, id);
-    std::size_t n = 0;
-    for (const Notice& notice : journal.Notices()) {
-        if (notice.code == 2030) {
-            EXPECT_EQ(sizes.at(n++), notice.received);
-        }
-    }
+    for (const Notice& notice : journal.Notices())
+        if (notice.code == 2030) received.push_back(notice.received);
+    EXPECT_EQ(sizes, received);
 }
 
 TEST_F(Downloads, ACallbackMayAddTasks)
