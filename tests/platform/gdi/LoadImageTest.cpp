@@ -43,15 +43,12 @@ TEST(LoadImage, WhatIsNoReadableImageGivesNullAtOnce)
     EXPECT_EQ(ErrorOf(dir.Win("pipe.bmp")), ERROR_ACCESS_DENIED);
     for (const char* name : {"empty.bmp", "text.bmp", "huge.bmp"})
         EXPECT_EQ(ErrorOf(dir.Win(name)), ERROR_RESOURCE_DATA_NOT_FOUND) << name;
-    const auto tells = [&](UINT nType) {
+    for (const auto& [nType, kind] : {std::pair{IMAGE_BITMAP, "a BMP file"}, {IMAGE_ICON, "an icon"}}) {
         const DebugText told(true);
         EXPECT_EQ(ErrorOf(dir.Win("text.bmp"), nType), ERROR_RESOURCE_DATA_NOT_FOUND);
-        return told.Text();
-    };
-    EXPECT_THAT(tells(IMAGE_BITMAP),
-                testing::EndsWith("text.bmp can't be read as a BMP file; nothing is drawn from it\n"));
-    EXPECT_THAT(tells(IMAGE_ICON),
-                testing::EndsWith("text.bmp can't be read as an icon; nothing is drawn from it\n"));
+        EXPECT_THAT(told.Text(), testing::EndsWith("text.bmp can't be read as " + std::string(kind) +
+                                                   "; nothing is drawn from it\n"));
+    }
 
     // A large file that is no picture, or claims a byte more than it has, is refused by its beginning.
     Bmp liar = ToBmp(kPicture, 24);
@@ -70,11 +67,9 @@ TEST(LoadImage, WhatIsNoReadableImageGivesNullAtOnce)
     dir.Write("Common/good.bmp", ToBmp(kPicture, 24).File());
     constexpr UINT nFlags = LR_LOADFROMFILE | LR_CREATEDIBSECTION;
     EXPECT_EQ(LoadedBitmap(LoadImageA(nullptr, good, IMAGE_BITMAP, 0, 0, nFlags)).Letters(), kPicture);
-    EXPECT_EQ(ErrorOf(nullptr), ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(ErrorOf(MAKEINTRESOURCEA(0xFFFF)), ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(ErrorOf(good, 2), ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(ErrorOf(good, IMAGE_BITMAP, -1, 4), ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(ErrorOf(good, IMAGE_BITMAP, 4, -1), ERROR_INVALID_PARAMETER);
+    for (const DWORD error : {ErrorOf(nullptr), ErrorOf(MAKEINTRESOURCEA(0xFFFF)), ErrorOf(good, 2),
+                              ErrorOf(good, IMAGE_BITMAP, -1, 4), ErrorOf(good, IMAGE_BITMAP, 4, -1)})
+        EXPECT_EQ(error, ERROR_INVALID_PARAMETER);
     EXPECT_EQ(ErrorOf(good, IMAGE_BITMAP, 1 << 20, 1 << 20), ERROR_RESOURCE_DATA_NOT_FOUND);
 }
 

@@ -84,15 +84,3 @@ TEST(RoundRect, IsOutlinedWithoutGapsOrClumps)
               Picture(8, "BBBBBBBBBB"));
     EXPECT_EQ(RoundRect(nullptr, 0, 0, 1, 1, 1, 1), 0);
 }
-
-TEST(Shapes, AreCutToTheClip)
-{
-    const Picture drawn = Drawn(6, 4, 'R', 'B', 1, [](HDC dc) {
-        const RECT parts[] = {{0, 0, 2, 2}, {3, 1, 6, 4}};
-        SelectClipRgn(dc, Scoped<HRGN>(CreateRectsRgn(parts, 2)));
-        const int nDone = Rectangle(dc, 1, 0, 5, 4);
-        SelectClipRgn(dc, nullptr);
-        return nDone;
-    });
-    EXPECT_EQ(drawn, (Picture{"WRWWWW", "WRWBRW", "WWWBRW", "WWWRRW"}));
-}

@@ -6,11 +6,6 @@ namespace {
 
 using Draw = DrawingTest;
 
-int Nearest(double value)
-{
-    return static_cast<int>(std::floor(value + 0.5));
-}
-
 // A picture of 256 by 256 pixels.
 template <class Pixel>
 Row Square(Pixel&& pixel)
@@ -60,7 +55,7 @@ TEST_F(Draw, BlendsByTheAlphaRoundingToTheNearest)
 
     EXPECT_EQ(opaque.pixels, Square([](ARGB alpha, ARGB shade) {
                   const auto mix = [alpha](double above, double below) {
-                      return Nearest((above * alpha + below * (255 - alpha)) / 255);
+                      return static_cast<int>(std::lround((above * alpha + below * (255 - alpha)) / 255));
                   };
                   return Of(0, mix(255, 99), mix(200, shade), mix(0, 50));
               }));
@@ -69,9 +64,9 @@ TEST_F(Draw, BlendsByTheAlphaRoundingToTheNearest)
                   const double rest = below * (255.0 - above);
                   if (above == 0) return Of(below, 1, 100, 255);
                   const auto mix = [=](double a, double b) {
-                      return Nearest((a * part + b * rest) / (part + rest));
+                      return static_cast<int>(std::lround((a * part + b * rest) / (part + rest)));
                   };
-                  return Of(static_cast<ARGB>(Nearest((part + rest) / 255)), mix(255, 1), mix(200, 100),
+                  return Of(static_cast<ARGB>(std::lround((part + rest) / 255)), mix(255, 1), mix(200, 100),
                             mix(0, 255));
               }));
 }

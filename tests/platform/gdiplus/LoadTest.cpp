@@ -18,12 +18,12 @@ TEST_F(LoadTest, FilesAreReadWholeAndMayGoAtOnce)
     dir.Write("words", "no picture");
     dir.Write("empty", "");
     dir.MakeDir("directory");
-    const auto status = [&](const char* name) { return Bitmap(Wide(dir.Win(name)).c_str()).GetLastStatus(); };
-    EXPECT_EQ(status("none"), FileNotFound);
-    EXPECT_EQ(status("none\\none"), FileNotFound);
-    EXPECT_EQ(status("directory"), AccessDenied);
-    EXPECT_EQ(status("words"), UnknownImageFormat);
-    EXPECT_EQ(status("empty"), UnknownImageFormat);
+    for (const auto& [name, status] : {std::pair{"none", FileNotFound},
+                                       {"none\\none", FileNotFound},
+                                       {"directory", AccessDenied},
+                                       {"words", UnknownImageFormat},
+                                       {"empty", UnknownImageFormat}})
+        EXPECT_EQ(Bitmap(Wide(dir.Win(name)).c_str()).GetLastStatus(), status) << name;
     EXPECT_EQ(Bitmap(u"").GetLastStatus(), FileNotFound);
     const CodePage gbk(936);
     dir.Write("\xE5\x9B\xBE.png", kRed);

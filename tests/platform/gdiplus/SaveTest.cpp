@@ -169,9 +169,8 @@ TEST_F(SaveTest, AFileIsReplacedWholeOrStaysAsItWas)
     }
     EXPECT_EQ(letters("a.png"), (Picture{"R"}));
     dir.MakeDir("directory");
-    EXPECT_EQ(save(red, "directory", png), AccessDenied);
-    EXPECT_EQ(save(red, "directory\\", png), AccessDenied);
-    EXPECT_EQ(save(red, "none\\", png), AccessDenied);
+    for (const char* name : {"directory", "directory\\", "none\\"})
+        EXPECT_EQ(save(red, name, png), AccessDenied) << name;
     EXPECT_EQ(save(red, "none\\a.png", png), FileNotFound);
     EXPECT_EQ(GdipSaveImageToFile(red, u"", &png, nullptr), FileNotFound);
     EXPECT_EQ(GdipSaveImageToFile(red, u"C:\\proc\\a.png", &png, nullptr), FileNotFound);

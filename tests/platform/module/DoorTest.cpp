@@ -28,8 +28,7 @@ struct Doors : testing::Test
     // Puts another letter at the start of a text in a module's file, which begins with its 0.
     void Change(const char* pszName, std::string_view text, char ch) const
     {
-        std::ifstream in(Module(pszName), std::ios::binary);
-        std::string bytes((std::istreambuf_iterator<char>(in)), {});
+        std::string bytes = test::ReadFile(Module(pszName));
         const auto place = bytes.find(text);
         ASSERT_NE(place, bytes.npos);
         bytes[place + 1] = ch;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/support/BmpBuilder.h"
 #include "tests/support/Test.h"
 
 namespace test {
@@ -7,12 +8,7 @@ namespace test {
 // Files with a version in them, made in memory, whose fields a test may falsify.
 struct Image
 {
-    void Put(std::size_t at, std::size_t width, std::uint64_t value)
-    {
-        if (bytes.size() < at + width) bytes.resize(at + width);
-        for (std::size_t i = 0; i < width; ++i)
-            bytes[at + i] = static_cast<char>(value >> 8 * i);
-    }
+    void Put(std::size_t at, std::size_t width, std::uint64_t value) { Text(at, Le(value, width)); }
     void Text(std::size_t at, std::string_view text)
     {
         if (bytes.size() < at + text.size()) bytes.resize(at + text.size());

@@ -6,13 +6,6 @@ namespace {
 
 using namespace test;
 
-std::string Numbers(const VS_FIXEDFILEINFO& info)
-{
-    const DWORD ms = info.dwFileVersionMS, ls = info.dwFileVersionLS;
-    return std::to_string(ms >> 16) + '.' + std::to_string(ms & 0xFFFF) + '.' + std::to_string(ls >> 16) +
-           '.' + std::to_string(ls & 0xFFFF);
-}
-
 std::string VersionOf(const char* pszPath)
 {
     SetLastError(0);
@@ -25,7 +18,12 @@ std::string VersionOf(const char* pszPath)
     UINT recordSize = 0;
     if (size == 0 || !VerQueryValueA(block.data(), "\\", &record, &recordSize)) return "none";
     EXPECT_EQ(recordSize, sizeof(VS_FIXEDFILEINFO));
-    return Numbers(*static_cast<VS_FIXEDFILEINFO*>(record));
+    const auto* const info = static_cast<VS_FIXEDFILEINFO*>(record);
+    std::string numbers;
+    for (const DWORD pair : {info->dwFileVersionMS, info->dwFileVersionLS})
+        numbers += std::to_string(pair >> 16) + '.' + std::to_string(pair & 0xFFFF) + '.';
+    numbers.pop_back();
+    return numbers;
 }
 
 std::string VersionOf(const Image& image)

@@ -139,16 +139,6 @@ TEST_F(Dom, TellsNothingFoundFromFailure)
     EXPECT_EQ(m_doc->createElement(Arg(u"1"), &none), E_INVALIDARG);
 }
 
-TEST_F(Dom, APrefixMeansNothingBehindItsElement)
-{
-    VARIANT_BOOL bDone = VARIANT_FALSE;
-    m_doc->loadXML(Arg(u"<a xmlns:p='u'><b xmlns:p='w'><p:c/></b><p:d/></a>"), &bDone);
-    Out<IXMLDOMNode> b, found;
-    ASSERT_EQ(Find(u"a/b", b), S_OK);
-    EXPECT_EQ(b->selectSingleNode(Arg(u"p:c"), &found), S_OK);
-    EXPECT_EQ(Find(u"a/p:d", found), S_OK);
-}
-
 // Objects that are made in one document and end in another.
 TEST_F(Dom, WanderersLeaveNoMemoryBehind)
 {

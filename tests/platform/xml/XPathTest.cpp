@@ -95,6 +95,7 @@ TEST_F(XPath, TellsTheDefaultNamespace)
     EXPECT_EQ(names("*[namespace-uri()='']"), "d x:e ");
     EXPECT_EQ(names("a | c"), "a c ");
     EXPECT_TRUE(root.GetChild("c").GetChild("p:g").IsValid()); // by the nearest declaration
+    EXPECT_EQ(names("p:b"), "p:b ");                           // which means nothing behind its element
     EXPECT_EQ(names("d/y:f"), "y:f ");                         // a prefix that is declared below
     root.GetChild("d/y:f").SetAttributeString("xmlns:y", "new");
     EXPECT_EQ(names("d/y:f"), "y:f ");
