@@ -106,7 +106,7 @@ struct Left
     const std::string second = Try(work, place);
     if (!second.empty()) Finish("works no more afterwards: " + second);
     if (work.intact && !work.intact(place)) Finish("leaves a torn file afterwards");
-    const int handles = KXHost::LiveHandles(), files = test::OpenFiles();
+    const int handles = KXHost::LiveHandles(), files = test::CountEntries("/proc/self/fd");
     if (handles > usual.handles) Finish("leaves a handle");
     if (files > usual.files) Finish("leaves a file open");
     Finish("ok" + first);
@@ -146,7 +146,7 @@ std::optional<Left> UsuallyLeft(const Work& work, const std::string& data)
         if (work.prepare) work.prepare(place);
         const std::string first = Try(work, place), second = Try(work, place);
         const std::string figures = first + second + " " + std::to_string(KXHost::LiveHandles()) + " " +
-                                    std::to_string(test::OpenFiles());
+                                    std::to_string(test::CountEntries("/proc/self/fd"));
         (void)!write(report, figures.data(), figures.size());
         _exit(0);
     });

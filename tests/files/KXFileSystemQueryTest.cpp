@@ -83,15 +83,6 @@ TEST_F(FileSystemQuery, AnEmptyDirectoryIsSearchedAndNoneIsNot)
     KXHost::UnmountDrive('C');
 }
 
-TEST_F(FileSystemQuery, LettersThatEndInABackslashByte)
-{
-    const CString strDir = dir.Win("\x95\x5C");
-    const std::string path = KXHost::ToSystemPath(strDir);
-    fs::create_directory(path);
-    std::ofstream(path + "/a").put('x');
-    EXPECT_THAT(Walk(CKXFileSystem::EnumFiles, strDir), ElementsAre((strDir + "\\a").GetString()));
-}
-
 TEST_F(FileSystemQuery, PathsUpToTheLimit)
 {
     // A directory of 257 bytes with its backslash leaves room for the "*" and a name of one byte.

@@ -76,8 +76,7 @@ TEST_F(KXIniDataMgr, StringIsStoredAsItStandsAndReadUpTo255Bytes)
 {
     Hold(std::string(300, 'x'));
     EXPECT_EQ(Mgr::GetString(m_file, "S", "k", "d"), CString('x', 255));
-    for (const char* text : {"  blank  ", "\"  kept  \"", "a=b;c"})
-        EXPECT_EQ(After(Mgr::WriteString(m_file, "S", "k", text)), text);
+    EXPECT_EQ(After(Mgr::WriteString(m_file, "S", "k", "  a=b;c  ")), "  a=b;c  ");
     EXPECT_EQ(After(Mgr::WriteString(m_file, "S", "k", "two\nlines")), "<refused>");
     EXPECT_NE(Mgr::WriteString(m_file, "S", "k", nullptr), 0);
     EXPECT_EQ(Mgr::GetString(m_file, "S", "k", "gone"), "gone");

@@ -17,9 +17,7 @@ inline COLORREF ColorOf(char letter)
 inline char LetterOf(COLORREF clr)
 {
     if (clr == CLR_INVALID) return ' ';
-    for (const char letter : std::string_view(".BGCRMYW"))
-        if (ColorOf(letter) == clr) return letter;
-    return '?';
+    return clr == 0 ? '.' : LetterOfPixel(RGB(GetBValue(clr), GetGValue(clr), GetRValue(clr)));
 }
 
 inline Picture Read(HDC dc, int left, int top, int right, int bottom)

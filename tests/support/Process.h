@@ -23,9 +23,4 @@ inline int Threads()
     return CountEntries("/proc/self/task");
 }
 
-inline int OpenFiles()
-{
-    return CountEntries("/proc/self/fd");
-}
-
 } // namespace test

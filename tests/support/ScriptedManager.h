@@ -54,22 +54,15 @@ public:
     DWORD Query(const CString& strName, SERVICE_STATUS_PROCESS& status) override
     {
         const DWORD error = Call("query", strName);
-        const State state = Next(strName);
-        status.dwCurrentState = state.dwState;
-        status.dwWin32ExitCode = state.dwExitCode;
-        status.dwCheckPoint = state.dwCheckPoint;
-        status.dwWaitHint = state.dwWaitHint;
-        return error ? error : state.dwQueryError;
+        const DWORD told = Tell(strName, status);
+        return error ? error : told;
     }
     DWORD Start(const CString& strName) override { return Call("start", strName); }
     DWORD Stop(const CString& strName, SERVICE_STATUS& status) override
     {
-        if (const DWORD error = Call("stop", strName)) return error;
-        const State state = Next(strName);
-        status.dwCurrentState = state.dwState;
-        status.dwCheckPoint = state.dwCheckPoint;
-        status.dwWaitHint = state.dwWaitHint;
-        return 0;
+        const DWORD error = Call("stop", strName);
+        if (!error) Tell(strName, status);
+        return error;
     }
     DWORD ListDependents(const CString& strName, std::vector<KXHost::DependentService>& found) override
     {
@@ -93,17 +86,22 @@ private:
         std::string full = *pszName ? call + " " + pszName : call;
         m_calls += (argument.empty() ? full : full + " " + argument) + ";";
         if (onCall) onCall(full);
-        if (const auto found = errors.find(full); found != errors.end()) return found->second;
-        const auto found = errors.find(call);
-        return found != errors.end() ? found->second : 0;
+        for (const std::string& key : {full, call})
+            if (errors.contains(key)) return errors[key];
+        return 0;
     }
-    State Next(const CString& strName)
+    // Fills in the next state, and gives the error that its query has.
+    template <class Status>
+    DWORD Tell(const CString& strName, Status& status)
     {
         auto& list = states[strName.GetString()];
-        if (list.empty()) return {};
-        const State state = list.front();
+        const State state = list.empty() ? State() : list.front();
         if (list.size() > 1) list.pop_front();
-        return state;
+        status.dwCurrentState = state.dwState;
+        status.dwWin32ExitCode = state.dwExitCode;
+        status.dwCheckPoint = state.dwCheckPoint;
+        status.dwWaitHint = state.dwWaitHint;
+        return state.dwQueryError;
     }
 
     std::string m_calls;

@@ -26,8 +26,9 @@ public:
     explicit WordSheet(unsigned nTint = 0, int nMode = OPAQUE) : m_nMode(nMode)
     {
         Attach(m_paper);
-        for (int at = 0; at < WIDTH * HEIGHT; ++at)
-            SetPixel(at % WIDTH, at / WIDTH, GroundOf(at % WIDTH, at / WIDTH, nTint));
+        for (int x = 0; x < WIDTH; ++x)
+            for (int y = 0; y < HEIGHT; ++y)
+                SetPixel(x, y, RGB(nTint, static_cast<BYTE>(x % 16 * 15), static_cast<BYTE>(y % 16 * 15)));
         MakeFont(m_font, "DejaVu Serif", 17);
         m_hFont = m_font;
         Swap();
@@ -45,16 +46,13 @@ public:
         Detach();
     }
 
-    static COLORREF GroundOf(int x, int y, unsigned nTint = 0)
-    {
-        return RGB(nTint, static_cast<unsigned>(x % 16 * 15), static_cast<unsigned>(y % 16 * 15));
-    }
     // The first place where another sheet differs; "" for none.
     std::string DifferenceTo(const WordSheet& other) const
     {
-        const auto mine = Pixels(), theirs = other.Pixels();
-        const auto at = std::ranges::mismatch(mine, theirs).in1 - mine.begin();
-        return at == WIDTH * HEIGHT ? "" : std::to_string(at % WIDTH) + ", " + std::to_string(at / WIDTH);
+        for (int at = 0; at < WIDTH * HEIGHT; ++at)
+            if (GetPixel(at % WIDTH, at / WIDTH) != other.GetPixel(at % WIDTH, at / WIDTH))
+                return std::to_string(at % WIDTH) + ", " + std::to_string(at / WIDTH);
+        return "";
     }
     // How far the letters of a text go, each by itself.
     int WidthOf(const std::string& text, const CFont& font) const
@@ -89,13 +87,6 @@ private:
     {
         for (HGDIOBJ* phObject : {&m_hPen, &m_hBrush, &m_hFont})
             *phObject = ::SelectObject(m_hDC, *phObject);
-    }
-    std::vector<DWORD> Pixels() const
-    {
-        BITMAPINFO info{{sizeof(BITMAPINFOHEADER), WIDTH, -HEIGHT, 1, 32, BI_RGB, 0, 0, 0, 0, 0}, {}};
-        std::vector<DWORD> pixels(WIDTH * HEIGHT);
-        GetDIBits(m_hDC, m_paper.Bitmap(), 0, HEIGHT, pixels.data(), &info, DIB_RGB_COLORS);
-        return pixels;
     }
 
     Paper m_paper{WIDTH, HEIGHT};
