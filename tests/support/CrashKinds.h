@@ -20,11 +20,6 @@ KX_CRASHES inline void CrashByRead()
     g_nSink = *g_pNowhere;
 }
 
-KX_CRASHES inline void CrashByWrite()
-{
-    *g_pNowhere = g_nSink;
-}
-
 KX_CRASHES inline void CrashByAbort()
 {
     std::abort();
@@ -142,7 +137,6 @@ struct Kind
 
 inline const std::map<std::string_view, Kind> kKinds{
     {"read", {CrashByRead, SIGSEGV, "CrashByRead"}},
-    {"write", {CrashByWrite, SIGSEGV, "CrashByWrite"}},
     {"abort", {CrashByAbort, SIGABRT, "CrashByAbort"}},
     {"exception", {CrashByException, SIGABRT, "CrashByException"}},
     {"division", {CrashByDivision, SIGFPE, "CrashByDivision"}},
