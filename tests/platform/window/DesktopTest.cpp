@@ -137,10 +137,4 @@ TEST(Desktop, MessageBoxesAreRecorded)
     EXPECT_EQ(newest.back().nType, 1'001);
 }
 
-// While the process ends, the main thread's windows are gone before its static objects.
-TEST(Desktop, WorksFromStaticDestructors)
-{
-    EXPECT_EQ(RunChild("WindowExitChild", {}), "");
-}
-
 } // namespace

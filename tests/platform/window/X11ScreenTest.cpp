@@ -35,8 +35,6 @@ TEST_F(X11ScreenTest, TheDesktopIsThePrimaryMonitor)
     outside->AddMonitor("main", 240, 30, 400, 300, true);
     Reopen();
     EXPECT_EQ(PlaceOf(GetDesktopWindow()), (RECT{0, 0, 400, 300}));
-    EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 400);
-    EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 300);
     ColorWindow window(kRed, {10, 20, 110, 120}, WS_POPUP, "window");
     ShowSeen(window, kRed, 250, 50);
     EXPECT_NE(outside->Pixel(249, 50), kRed);
