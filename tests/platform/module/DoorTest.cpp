@@ -44,12 +44,16 @@ struct Doors : testing::Test
     test::TempDir m_dir;
 };
 
-TEST_F(Doors, OpenFromBesideTheLibrary)
+TEST_F(Doors, OpenFromBesideTheLibraryForThreadsAtOnce)
 {
-    EXPECT_THAT(Run(), HasSubstr(kAll));
-    EXPECT_THAT(Run(), testing::Not(HasSubstr("module")));
+    std::string text = Run({"threads"});
+    std::size_t count = 0;
+    for (auto at = text.find(kAll); at != text.npos; at = text.find(kAll, at + 1))
+        ++count;
+    EXPECT_EQ(count, 9u) << text;
+    EXPECT_THAT(text, testing::Not(HasSubstr("module")));
     fs::remove_all(m_dir.Path("KXCommonClass"));
-    const std::string text = Run({"threads"});
+    text = Run({"threads"});
     EXPECT_THAT(text, HasSubstr(kNone));
     for (const std::string name : {"http", "letters", "pictures", "services", "shell", "x11", "xml"}) {
         const std::string line = name + ": the module can't be used: ";
@@ -80,15 +84,6 @@ TEST_F(Doors, StayShutForAnotherVersionAndWithoutALibrary)
     EXPECT_THAT(text,
                 HasSubstr("http: the module can't be used: it belongs to another version of the library\n"));
     EXPECT_THAT(text, HasSubstr("xml: the module can't be used: nibxml2.so.2: cannot open"));
-}
-
-TEST_F(Doors, OpenForThreadsAtOnce)
-{
-    const std::string text = Run({"threads"});
-    std::size_t count = 0;
-    for (auto at = text.find(kAll); at != text.npos; at = text.find(kAll, at + 1))
-        ++count;
-    EXPECT_EQ(count, 9u) << text;
 }
 
 } // namespace
