@@ -235,7 +235,7 @@ TEST_F(KXXmlDomDocument, TextFollowsTheCodePage)
         w.SetText(kNiHaoUtf8.c_str());
         EXPECT_TRUE(doc.LoadXml(w.GetXml()));
     }
-    EXPECT_EQ(doc.GetDocumentElement().GetText(), kNiHao.c_str());
+    EXPECT_STREQ(doc.GetDocumentElement().GetText(), kNiHao.c_str());
 }
 
 TEST_F(KXXmlDomDocument, SaveLeavesTheOldFileOrTheNew)

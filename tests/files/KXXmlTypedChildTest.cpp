@@ -55,7 +55,7 @@ struct KXXmlTypedChild : testing::Test
         m_root.AppendChild(m_doc, "n", value, true, value);
         m_root.AppendChild(m_doc, "n", value, false, static_cast<Value>(value / 2 + 1));
         const std::string child = "<n>" + text + "</n>";
-        EXPECT_EQ(m_root.GetXml(), ("<r>" + child + child + "</r>").c_str());
+        EXPECT_STREQ(m_root.GetXml(), ("<r>" + child + child + "</r>").c_str());
     }
 
     test::Com m_com;
