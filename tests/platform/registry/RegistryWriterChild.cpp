@@ -2,10 +2,7 @@
 // sets one value to two long ones in turn until it is killed.
 
 #include "include/platform/Host.h"
-#include "include/platform/Registry.h"
-
-#include <cstdlib>
-#include <string>
+#include "tests/support/Registry.h"
 
 int main(int argc, char** argv)
 {
@@ -13,15 +10,9 @@ int main(int argc, char** argv)
     KXHost::SetRegistryFile(argv[1]);
     const std::string prefix = argv[2];
     const int count = std::atoi(argv[3]);
-    HKEY hKey = nullptr;
-    RegCreateKeyExA(HKEY_CURRENT_USER, "Shared", 0, nullptr, 0, KEY_WRITE, nullptr, &hKey, nullptr);
-    const auto set = [&](const std::string& name, const std::string& data) {
-        return RegSetValueExA(hKey, name.c_str(), 0, REG_BINARY, reinterpret_cast<const BYTE*>(data.data()),
-                              static_cast<DWORD>(data.size())) == ERROR_SUCCESS;
-    };
     for (int n = 0; n < count; ++n)
-        if (!set(prefix + std::to_string(n), std::to_string(n))) return 1;
+        test::StoreValue("Shared", (prefix + std::to_string(n)).c_str(), REG_BINARY, std::to_string(n));
     for (int n = 0; count == 0; ++n)
-        if (!set(prefix, std::string(10'000, n % 2 == 0 ? 'A' : 'B'))) return 1;
+        test::StoreValue("Shared", argv[2], REG_BINARY, std::string(10'000, n % 2 == 0 ? 'A' : 'B'));
     return 0;
 }

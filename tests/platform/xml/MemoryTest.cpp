@@ -9,13 +9,4 @@ TEST(XmlMemory, EachAllocationMayFail)
     EXPECT_EQ(test::Child("XmlMemoryChild", {dir.Path("x"), dir.Win("x").GetString()}).Wait(), 0);
 }
 
-TEST(XmlMemory, AFileIsSavedWholeOrNotAtAll)
-{
-#if defined(KX_SANITIZED)
-    GTEST_SKIP() << "a sanitizer takes address space of its own";
-#endif
-    const test::TempDir dir;
-    EXPECT_EQ(test::Child("XmlMemoryChild", {dir.Path("x"), dir.Win("x").GetString(), "limit"}).Wait(), 0);
-}
-
 } // namespace

@@ -1,9 +1,6 @@
 // XmlMemoryChild FILE SAME: loads, walks, changes and saves a document while the n-th allocation fails, for
 // every n. Afterwards the file is the old one or the new one, nothing was thrown but a memory exception, and
 // nothing is left behind. Prints how many allocations failed; 1 if something else is so.
-//
-// XmlMemoryChild FILE SAME limit: saves a large document, and asks it for a pattern, under limits of address
-// space.
 
 #include "include/KXXmlDomDocument.h"
 
@@ -122,78 +119,11 @@ int FailEach(const std::string& path, const CString& file)
     }
 }
 
-// Does something under limits that leave ever more address space. Gives how often it threw, or -1 once it is
-// not as it must be, which is asked with whether it threw.
-int UnderLimits(const std::function<void()>& act, const std::function<bool(bool)>& isRight,
-                rlim_t nStep = 1 << 20)
-{
-    rlim_t nPages = 0;
-    std::ifstream("/proc/self/statm") >> nPages;
-    int nThrown = 0;
-    for (rlim_t nMore = 0; nMore < 64 << 20; nMore += nStep) {
-        const rlimit limit{nPages * 4096 + nMore, RLIM_INFINITY}, none{RLIM_INFINITY, RLIM_INFINITY};
-        bool bThrown = false;
-        setrlimit(RLIMIT_AS, &limit);
-        try {
-            act();
-        } catch (CMemoryException* e) {
-            e->Delete();
-            bThrown = true;
-        }
-        setrlimit(RLIMIT_AS, &none);
-        nThrown += bThrown;
-        if (!isRight(bThrown)) return -1;
-    }
-    return nThrown;
-}
-
-int LimitEach(const std::string& path, const CString& file)
-{
-    constexpr std::size_t kRecords = 20'000;
-    CKXXmlDomDocument doc;
-    CKXXmlDomElement root = doc.CreateElement("r", nullptr);
-    doc.SetDocumentElement(root);
-    for (std::size_t n = 0; n < kRecords; ++n)
-        root.AppendChild(doc, "record", CString('x', 200), true);
-    doc.Save(file);
-    const std::string old = ReadAll(path);
-    root.AppendChild(doc, "last", 1, true, 0);
-    const int nUnsaved = UnderLimits([&] { doc.Save(file); },
-                                     [&](bool bThrown) {
-                                         const bool bOld = ReadAll(path) == old;
-                                         if (!bOld) WriteAll(path, old);
-                                         return bOld == bThrown;
-                                     });
-    std::size_t nFound = 0;
-    const int nUnfound = UnderLimits(
-        [&] {
-            nFound = 0;
-            nFound = root.GetChilds("record[contains(., 'x')]").size();
-        },
-        [&](bool bThrown) { return bThrown != (nFound == kRecords); });
-    // Loaded, walked, added to and spelled: all of it, or the exception.
-    CString strAll;
-    const int nUnread = UnderLimits(
-        [&] {
-            strAll.Empty();
-            CKXXmlDomDocument again;
-            if (!again.Load(file)) return;
-            CKXXmlDomElement all = again.GetDocumentElement();
-            for (const CKXXmlDomElement& record : all.GetChilds("record"))
-                if (record.GetText().GetLength() != 200) return;
-            all.AppendChild(again, "last", 1, true, 0);
-            strAll = again.GetXml();
-        },
-        [&](bool bThrown) { return bThrown != (strAll.Right(18) == "<last>1</last></r>"); }, 5 << 20);
-    std::printf("%d limits hit by a save, %d by a pattern, %d by the rest\n", nUnsaved, nUnfound, nUnread);
-    return nUnsaved < 0 || nUnfound < 0 || nUnread < 0 || nUnsaved + nUnfound + nUnread == 0;
-}
-
 } // namespace
 
 int main(int nArguments, char** arguments)
 {
     if (nArguments < 3) return 2;
     CoInitialize(nullptr);
-    return nArguments > 3 ? LimitEach(arguments[1], arguments[2]) : FailEach(arguments[1], arguments[2]);
+    return FailEach(arguments[1], arguments[2]);
 }
