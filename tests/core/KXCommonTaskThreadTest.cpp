@@ -100,15 +100,18 @@ TEST_F(Tasks, ThatFailLeaveALineInTheLogAndTheThreadAlive)
     EXPECT_EQ(dir.Read("app.log"), expected);
 }
 
-TEST_F(Tasks, AreStoppedByTheirEvent)
+TEST_F(Tasks, AreStoppedByTheirEventAndDeletedUnrunWithTheirQueue)
 {
     std::binary_semaphore running{0};
-    worker->Initialize();
-    Add("long", [&](HANDLE stop) {
+    const auto untilStopped = [&](HANDLE stop) {
         EXPECT_EQ(WaitForSingleObject(stop, 0), WAIT_TIMEOUT);
         running.release();
         EXPECT_EQ(WaitForSingleObject(stop, INFINITE), WAIT_OBJECT_0);
         trace += "stopped ";
+    };
+    worker->Initialize();
+    Add("long", [&](HANDLE stop) {
+        untilStopped(stop);
         Add("next");
     });
     Add("left");
@@ -118,23 +121,12 @@ TEST_F(Tasks, AreStoppedByTheirEvent)
     EXPECT_EQ(trace, "long stopped ~long ");
     worker->Initialize(); // what was left runs with the next task
     Drain();
-    worker->UnInitialize();
-    EXPECT_EQ(trace, "long stopped ~long left ~left next ~next  ~ ");
-}
-
-TEST_F(Tasks, AreDeletedUnrunWithTheirQueue)
-{
-    std::binary_semaphore running{0};
-    worker->Initialize();
-    Add("long", [&](HANDLE stop) {
-        running.release();
-        WaitForSingleObject(stop, INFINITE);
-    });
+    Add("last", untilStopped);
     Add("a");
     Add("b");
     running.acquire();
     worker.reset(); // stops the thread by itself
-    EXPECT_EQ(trace, "long ~long ~a ~b ");
+    EXPECT_EQ(trace, "long stopped ~long left ~left next ~next  ~ last stopped ~last ~a ~b ");
 }
 
 TEST_F(Tasks, WaitForAnInitialize)

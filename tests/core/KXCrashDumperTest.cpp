@@ -243,11 +243,7 @@ TEST_F(CrashDumper, LeavesACoreThatADebuggerOpens)
         const bool bStack = std::regex_search(text, std::regex("#9 .*CrashByOverflow"));
         EXPECT_EQ(bStack, std::string(pszHow) == "overflow") << text;
     }
-}
-
-TEST_F(CrashDumper, KeepsTheStackOfAProcessWithManyMappings)
-{
-    const Reported place;
+    const Reported place; // its stack is kept
     place.Crash("mappings");
     EXPECT_THAT(place.Debug("-ex bt"), testing::ContainsRegex("#[1-9] .* in main "));
 }
@@ -316,7 +312,7 @@ TEST_F(CrashDumper, TakesOnlyAnAnswerOf2xxForSent)
     server.stop();
 }
 
-TEST_F(CrashDumper, RestartsTheProgramOnceItHasEnded)
+TEST_F(CrashDumper, RestartsTheProgramOnceItHasEndedButNotAgainAndAgain)
 {
     const Reported place;
     const std::string pipe = place.Pipe("restarted");
@@ -324,11 +320,6 @@ TEST_F(CrashDumper, RestartsTheProgramOnceItHasEnded)
         place.Start("read", {"KX_TEST_RESTART=1", "KX_TEST_RUN=" + pipe + " restarted again"});
     EXPECT_EQ(child.Wait(), 128 + SIGSEGV);
     EXPECT_EQ(test::ReadFile(pipe), "again\n"); // waits for it
-}
-
-TEST_F(CrashDumper, DoesNotRestartAProgramAgainAndAgain)
-{
-    const Reported place;
     const std::string mark = place.Dir().Path("mark");
     // A program that is started holds the pipe that is read here to its end.
     const auto crash = [&](const std::string& when) {

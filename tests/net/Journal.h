@@ -24,7 +24,8 @@ public:
     Journal() { s_current = this; }
     ~Journal() { s_current = nullptr; }
 
-    // The callback. The user's parameter is the code at which it does `act`, once it has written down.
+    // The callback. The user's parameter is the first of the codes at which it does `act`, once it has
+    // written down; 0 for none.
     static int Write(unsigned int code, unsigned int id, CString const& url, CString const& file,
                      unsigned long total, unsigned long received, unsigned int param)
     {
@@ -34,7 +35,7 @@ public:
             self.m_notices.push_back({code, id, total, received, (url + " " + file).GetString()});
         }
         self.m_changed.notify_all();
-        if (code == param && self.act) self.act();
+        if (param != 0 && code >= param && self.act) self.act(code);
         return 0;
     }
 
@@ -63,7 +64,7 @@ public:
         return codes;
     }
 
-    std::function<void()> act;
+    std::function<void(unsigned int)> act;
 
 private:
     static inline Journal* s_current = nullptr;

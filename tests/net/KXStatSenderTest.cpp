@@ -77,7 +77,7 @@ TEST_F(Stats, ReportsInOrderWithTheCallersTextsAsTheyAre)
                                      "/stat?userid=me&ver=2.6%20b&optype=&optypeval=0"));
 }
 
-TEST_F(Stats, TheIdIsMadeOnceAndKept)
+TEST_F(Stats, TheIdIsMadeOnceAndKeptWhereItCanBe)
 {
     Sender first;
     CString stored;
@@ -96,6 +96,9 @@ TEST_F(Stats, TheIdIsMadeOnceAndKept)
     EXPECT_EQ(IdOf(second), "another");
     KXHost::SetRegistryFile(dir.Path("another.ini"));
     EXPECT_NE(IdOf(second), id);
+    KXHost::SetRegistryFile("/proc/none/registry.ini");
+    EXPECT_FALSE(second.SaveUserId("x"));
+    EXPECT_THAT(IdOf(second), MatchesRegex(kHex));
 }
 
 TEST_F(Stats, AnIdThatIsNoneIsReplaced)
@@ -122,14 +125,6 @@ TEST_F(Stats, AnIdThatIsNoneIsReplaced)
         Sender next;
         EXPECT_EQ(IdOf(next), id);
     }
-}
-
-TEST_F(Stats, AnIdThatCannotBeKeptServesThisRun)
-{
-    KXHost::SetRegistryFile("/proc/none/registry.ini");
-    Sender sender;
-    EXPECT_FALSE(sender.SaveUserId("x"));
-    EXPECT_THAT(IdOf(sender), MatchesRegex(kHex));
 }
 
 // Each process reports with the id that it has made; the one that stays is one of theirs.

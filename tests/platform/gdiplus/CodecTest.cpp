@@ -34,7 +34,7 @@ TEST_F(CodecTest, PngOfAllKinds)
     for (const auto& [what, file, pixels, format] : cases) {
         const Loaded loaded(file);
         EXPECT_EQ(loaded.Pixels(), pixels) << what;
-        EXPECT_EQ(loaded.Format(), format) << what;
+        EXPECT_EQ(loaded.GetPixelFormat(), format) << what;
     }
     std::string damaged = Png(1, 1, 8, 2, "\0\1\2\3"s);
     damaged[damaged.find("\1\2\3") + 2] = 4;
@@ -45,10 +45,10 @@ TEST_F(CodecTest, JpegOfAllColors)
 {
     const auto pixel = [](const Jpeg& jpeg) {
         const Loaded loaded(jpeg.File());
-        EXPECT_EQ(loaded.Height(), 8u);
-        EXPECT_EQ(loaded.Width(), 8 * jpeg.blocks.size());
-        EXPECT_EQ(loaded.Pixel(loaded.Width() - 8, 0), loaded.Pixel(loaded.Width() - 1, 7));
-        return loaded.Pixel(loaded.Width() - 1, 7);
+        EXPECT_EQ(loaded.GetHeight(), 8u);
+        EXPECT_EQ(loaded.GetWidth(), 8 * jpeg.blocks.size());
+        EXPECT_EQ(loaded.Pixel(loaded.GetWidth() - 8, 0), loaded.Pixel(loaded.GetWidth() - 1, 7));
+        return loaded.Pixel(loaded.GetWidth() - 1, 7);
     };
     EXPECT_EQ(pixel({.blocks = {{10}, {200}}}), 0xFFC8C8C8);
     EXPECT_EQ(pixel({.blocks = {{200}}, .progressive = true}), 0xFFC8C8C8);
@@ -61,12 +61,12 @@ TEST_F(CodecTest, JpegOfAllColors)
     EXPECT_EQ(pixel({.blocks = {{0, 155, 255, 127}}}), 0xFF803200);
     EXPECT_EQ(pixel({.blocks = {{76, 85, 255, 128}}, .adobe = 2}) & 0xFFFEFEFE, 0xFF008080 & 0xFFFEFEFE);
 
-    EXPECT_EQ(Loaded(Jpeg{.blocks = {{1}}}.File()).Format(), PixelFormat8bppIndexed);
-    EXPECT_EQ(Loaded(Jpeg{.blocks = {{1, 2, 3}}}.File()).Format(), PixelFormat24bppRGB);
+    EXPECT_EQ(Loaded(Jpeg{.blocks = {{1}}}.File()).GetPixelFormat(), PixelFormat8bppIndexed);
+    EXPECT_EQ(Loaded(Jpeg{.blocks = {{1, 2, 3}}}.File()).GetPixelFormat(), PixelFormat24bppRGB);
     // Turned by its orientation it would be upright.
     const std::string exif =
         Jpeg::Segment('\xE1', "Exif\0\0MM\0*\0\0\0\x08\0\1\1\x12\0\3\0\0\0\1\0\6\0\0\0\0\0\0"s);
-    EXPECT_EQ(Loaded(Jpeg{.blocks = {{1}, {2}}, .extra = exif}.File()).Width(), 16u);
+    EXPECT_EQ(Loaded(Jpeg{.blocks = {{1}, {2}}, .extra = exif}.File()).GetWidth(), 16u);
 }
 
 TEST_F(CodecTest, BmpAndIco)
@@ -79,11 +79,11 @@ TEST_F(CodecTest, BmpAndIco)
                                         {32u, PixelFormat32bppRGB}}) {
         const Loaded loaded(ToBmp(picture, depth).File());
         EXPECT_EQ(loaded.Letters(), picture) << depth; // high bytes of 0 are no alpha
-        EXPECT_EQ(loaded.Format(), format);
+        EXPECT_EQ(loaded.GetPixelFormat(), format);
     }
     Bmp green = ToBmp({"R"}, 16);
     green.compression = 3, green.masks = Le(0xF800, 4) + Le(0x7E0, 4) + Le(0x1F, 4);
-    EXPECT_EQ(Loaded(green.File()).Format(), PixelFormat16bppRGB565);
+    EXPECT_EQ(Loaded(green.File()).GetPixelFormat(), PixelFormat16bppRGB565);
     Bmp core = ToBmp(picture, 24);
     core.headerSize = 12;
     EXPECT_EQ(Loaded(core.File()).Letters(), picture);
@@ -93,7 +93,7 @@ TEST_F(CodecTest, BmpAndIco)
     EXPECT_EQ(LoadStatus(core.File()), OutOfMemory);
     const Loaded icon(Ico({IconBmp({"R"}, 4), IconBmp({"G.", ".B"}, 8), IconBmp({"W"}, 24)}));
     EXPECT_EQ(icon.Letters(), (Picture{"G ", " B"})); // the largest
-    EXPECT_EQ(icon.Format(), PixelFormat32bppARGB);
+    EXPECT_EQ(icon.GetPixelFormat(), PixelFormat32bppARGB);
     Bmp lying = ToBmp(picture, 24);
     lying.width = 8193, lying.height = -8193;
     EXPECT_EQ(LoadStatus(lying.File()), OutOfMemory);
@@ -131,7 +131,7 @@ TEST_F(CodecTest, TiffOfManyKinds)
              {std::pair{false, false}, {true, false}, {false, true}, {true, true}}) {
             const Loaded loaded(Tiff({page}, bBigEndian, bBigTiff));
             EXPECT_EQ(loaded.Pixels(), pixels) << what;
-            EXPECT_EQ(loaded.Format(), format) << what;
+            EXPECT_EQ(loaded.GetPixelFormat(), format) << what;
         }
     // Rows of a length at which they are padded once read.
     std::string pixels(37 * 3, '\0');

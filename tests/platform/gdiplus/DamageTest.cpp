@@ -38,7 +38,7 @@ TEST_F(DamageTest, AJpegHasSoManyScans)
 void ExpectCut(const Loaded& cut, const Row& whole, std::pair<int, int> there, std::pair<int, int> lacking,
                ARGB lack)
 {
-    ASSERT_EQ(cut.status, Ok);
+    ASSERT_EQ(cut.GetLastStatus(), Ok);
     const Row pixels = cut.Pixels();
     ASSERT_EQ(pixels.size(), whole.size());
     const auto rows = [](const Row& of, std::pair<int, int> at) {
@@ -136,7 +136,7 @@ std::vector<std::string> Samples()
 void SelectAll(const std::string& file)
 {
     const Loaded loaded(file);
-    if (loaded.status != Ok) return;
+    if (loaded.GetLastStatus() != Ok) return;
     GUID dimension{};
     UINT nFrames = 0;
     EXPECT_EQ(GdipImageGetFrameDimensionsList(loaded, &dimension, 1), Ok);
@@ -144,7 +144,7 @@ void SelectAll(const std::string& file)
     EXPECT_GE(nFrames, 1u);
     for (UINT n = 0; n < nFrames; ++n)
         GdipImageSelectActiveFrame(loaded, &dimension, n);
-    EXPECT_EQ(loaded.Pixels().size(), std::size_t{loaded.Width()} * loaded.Height());
+    EXPECT_EQ(loaded.Pixels().size(), std::size_t{loaded.GetWidth()} * loaded.GetHeight());
 }
 
 TEST_F(DamageTest, CutAndLyingFilesAreHarmless)

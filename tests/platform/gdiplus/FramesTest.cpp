@@ -21,7 +21,7 @@ TEST_F(FramesTest, PalettesAndPassesOfFrames)
 {
     const Loaded own(Gif(2, 1, {{{"RB"}}, {{"RB"}, 0, 0, 0, 0, false, "BR"}, {{"RB"}}}));
     EXPECT_THAT(Played(own), testing::ElementsAre(Picture{"RB"}, Picture{"RB"}, Picture{"RB"}));
-    EXPECT_EQ(own.Format(), PixelFormat8bppIndexed);
+    EXPECT_EQ(own.GetPixelFormat(), PixelFormat8bppIndexed);
     // A remark of what would make red transparent.
     const std::string frame = GifFrameBytes({{"RB"}});
     const std::string remark = "!\xFE\4\1\0\0"s + static_cast<char>(kLetters.find('R')) + '\0';
@@ -160,7 +160,7 @@ TEST_F(FramesTest, FramesThatAreCutOffDontCount)
     for (std::size_t size = 0; size < two.size(); ++size) {
         const Loaded cut(two.substr(0, size));
         const bool bAny = size >= nSecond - 4; // the codes of a row are there
-        EXPECT_EQ(cut.status, bAny ? Ok : size < 6 ? UnknownImageFormat : GenericError) << size;
+        EXPECT_EQ(cut.GetLastStatus(), bAny ? Ok : size < 6 ? UnknownImageFormat : GenericError) << size;
         if (!bAny) continue;
         EXPECT_EQ(CountOf(cut), size == two.size() - 1 ? 2u : 1u) << size;
         EXPECT_EQ(cut.Letters(), size < nSecond - 2 ? (Picture{"RG", "  "}) : (Picture{"RG", "BY"})) << size;

@@ -211,20 +211,20 @@ TEST_F(ImageTest, AThumbnailHasExactlyTheSizeAsked)
 {
     const Loaded loaded(Picture{"RRBB", "RRBB", "RRBB", "RRBB"});
     const auto thumbnail = [&](UINT cx, UINT cy) {
-        auto made = std::make_unique<Loaded>();
-        made->status = GdipGetImageThumbnail(loaded, cx, cy, &made->image, nullptr, nullptr);
-        return made;
+        GpImage* made = nullptr;
+        const Status status = GdipGetImageThumbnail(loaded, cx, cy, &made, nullptr, nullptr);
+        return std::make_unique<Loaded>(made, status);
     };
     EXPECT_EQ(thumbnail(2, 1)->Letters(), (Picture{"RB"}));
     EXPECT_EQ(thumbnail(1, 1)->Pixels(), Row{0xFF800080}); // the mean
-    EXPECT_EQ(thumbnail(1, 1)->Format(), PixelFormat32bppARGB);
-    EXPECT_EQ(thumbnail(0, 0)->Width(), 120u);
-    EXPECT_EQ(thumbnail(0, 0)->Height(), 120u);
-    EXPECT_EQ(thumbnail(7, 300)->Height(), 300u);
-    EXPECT_EQ(thumbnail(0, 9)->status, InvalidParameter);
-    EXPECT_EQ(thumbnail(9, 0)->status, InvalidParameter);
-    EXPECT_EQ(thumbnail(32768, 1)->status, OutOfMemory);
-    EXPECT_EQ(thumbnail(32767, 32767)->status, OutOfMemory);
+    EXPECT_EQ(thumbnail(1, 1)->GetPixelFormat(), PixelFormat32bppARGB);
+    EXPECT_EQ(thumbnail(0, 0)->GetWidth(), 120u);
+    EXPECT_EQ(thumbnail(0, 0)->GetHeight(), 120u);
+    EXPECT_EQ(thumbnail(7, 300)->GetHeight(), 300u);
+    EXPECT_EQ(thumbnail(0, 9)->GetLastStatus(), InvalidParameter);
+    EXPECT_EQ(thumbnail(9, 0)->GetLastStatus(), InvalidParameter);
+    EXPECT_EQ(thumbnail(32768, 1)->GetLastStatus(), OutOfMemory);
+    EXPECT_EQ(thumbnail(32767, 32767)->GetLastStatus(), OutOfMemory);
 }
 
 } // namespace

@@ -32,40 +32,29 @@ inline std::string Content(IStream* stream)
     return bytes;
 }
 
-// A picture, and how making it went.
-class Loaded : Fixed
+// A picture that tells its pixels; the status is how making it went.
+class Loaded : public Image
 {
 public:
-    explicit Loaded(std::string_view file)
-    {
-        const Stream stream = MakeStream(file);
-        status = GdipLoadImageFromStream(stream.get(), &image);
-    }
+    explicit Loaded(std::string_view file) : Image(MakeStream(file).get()) {}
+    Loaded(GpImage* image, Status status) { Take(image, status); }
     // A picture of letters; a space is a transparent pixel.
     explicit Loaded(const Picture& picture, PixelFormat format = PixelFormat32bppARGB)
     {
         GpBitmap* bitmap = nullptr;
         const auto cx = static_cast<int>(picture.at(0).size()), cy = static_cast<int>(picture.size());
-        status = GdipCreateBitmapFromScan0(cx, cy, 0, format, nullptr, &bitmap);
+        const Status status = GdipCreateBitmapFromScan0(cx, cy, 0, format, nullptr, &bitmap);
+        Take(reinterpret_cast<GpImage*>(bitmap), status); // clients know that a bitmap is an image, no more
         for (int y = 0; y < cy; ++y)
             for (int x = 0; x < cx; ++x) {
                 const char letter = picture[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)];
                 if (letter != ' ') GdipBitmapSetPixel(bitmap, x, y, 0xFF000000 | PixelOf(letter));
             }
-        image = reinterpret_cast<GpImage*>(bitmap); // clients know no more of both than that they are one
-    }
-    Loaded() = default;
-    ~Loaded()
-    {
-        if (image) GdipDisposeImage(image);
     }
 
-    operator GpImage*() const { return image; }
-    GpBitmap* Bitmap() const { return reinterpret_cast<GpBitmap*>(image); }
+    operator GpImage*() const { return Native(); }
+    GpBitmap* Bitmap() const { return reinterpret_cast<GpBitmap*>(Native()); }
 
-    UINT Width() const { return Told(GdipGetImageWidth); }
-    UINT Height() const { return Told(GdipGetImageHeight); }
-    PixelFormat Format() const { return Told(GdipGetImagePixelFormat); }
     ARGB Pixel(UINT x, UINT y) const
     {
         ARGB color = 0x12345678;
@@ -75,39 +64,27 @@ public:
     Row Pixels() const
     {
         Row pixels;
-        for (UINT y = 0; y < Height(); ++y)
-            for (UINT x = 0; x < Width(); ++x)
+        for (UINT y = 0; y < GetHeight(); ++y)
+            for (UINT x = 0; x < GetWidth(); ++x)
                 pixels.push_back(Pixel(x, y));
         return pixels;
     }
     // A space for what is wholly transparent, `?` for what is partly so or no letter's colour.
     Picture Letters() const
     {
-        Picture picture(Height());
-        for (UINT y = 0; y < Height(); ++y)
-            for (UINT x = 0; x < Width(); ++x) {
+        Picture picture(GetHeight());
+        for (UINT y = 0; y < GetHeight(); ++y)
+            for (UINT x = 0; x < GetWidth(); ++x) {
                 const ARGB color = Pixel(x, y);
                 picture[y] += color >> 24 == 255 ? LetterOfPixel(color) : color >> 24 == 0 ? ' ' : '?';
             }
         return picture;
     }
-
-    GpImage* image = nullptr;
-    Status status = Ok;
-
-private:
-    template <class Value>
-    Value Told(Status (*ask)(GpImage*, Value*)) const
-    {
-        Value value{};
-        ask(image, &value);
-        return value;
-    }
 };
 
 inline Status LoadStatus(std::string_view file)
 {
-    return Loaded(file).status;
+    return Loaded(file).GetLastStatus();
 }
 
 // How many frames or pages a picture has, and one of them as letters.

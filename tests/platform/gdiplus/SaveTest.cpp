@@ -43,12 +43,13 @@ TEST_F(SaveTest, WhatIsSavedLoadsAsItWas)
     EXPECT_EQ(header, "BM" + Le(102, 4) + Le(0, 4) + Le(54, 4) + Le(40, 4) + size + Le(0, 4) + Le(48, 4) +
                           dots + Le(0, 8));
     EXPECT_EQ(bmp[54 + 3 * 5], '\0'); // the padding of a row
-    EXPECT_EQ(Loaded(bmp).Format(), PixelFormat24bppRGB);
-    EXPECT_EQ(Loaded(Saved(Loaded(picture), u"png")).Format(), PixelFormat32bppARGB);
-    EXPECT_EQ(Loaded(Saved(Loaded(picture, PixelFormat32bppRGB), u"png")).Format(), PixelFormat24bppRGB);
+    EXPECT_EQ(Loaded(bmp).GetPixelFormat(), PixelFormat24bppRGB);
+    EXPECT_EQ(Loaded(Saved(Loaded(picture), u"png")).GetPixelFormat(), PixelFormat32bppARGB);
+    EXPECT_EQ(Loaded(Saved(Loaded(picture, PixelFormat32bppRGB), u"png")).GetPixelFormat(),
+              PixelFormat24bppRGB);
     const Loaded gray(Saved(Loaded(Picture(16, std::string(16, 'W'))), u"jpeg"));
     EXPECT_EQ(gray.Pixel(7, 7), 0xFFFFFFFF);
-    EXPECT_EQ(gray.Format(), PixelFormat8bppIndexed); // one channel
+    EXPECT_EQ(gray.GetPixelFormat(), PixelFormat8bppIndexed); // one channel
     // Grey is what all of its own pixels are, exactly.
     ARGB pixels[] = {0x808080, 0xFF0000, 0x808080, 0xFF0000, 0xFF0000};
     for (const auto& [pixel, format] : {std::pair{0x808080u, PixelFormat8bppIndexed},
@@ -56,7 +57,7 @@ TEST_F(SaveTest, WhatIsSavedLoadsAsItWas)
                                         {0x818080u, PixelFormat24bppRGB}}) {
         pixels[2] = pixel;
         Bitmap column(1, 2, 8, PixelFormat32bppRGB, reinterpret_cast<BYTE*>(pixels));
-        EXPECT_EQ(Loaded(Saved(column.Native(), u"jpeg")).Format(), format) << pixel;
+        EXPECT_EQ(Loaded(Saved(column.Native(), u"jpeg")).GetPixelFormat(), format) << pixel;
     }
 }
 

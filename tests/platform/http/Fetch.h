@@ -6,6 +6,8 @@
 
 namespace test {
 
+inline const std::string kOk = "HTTP/1.1 200 OK\r\n";
+
 // The outcome of fetching a URL.
 struct Fetched
 {

@@ -3,14 +3,10 @@
 
 namespace {
 
-using test::Fetch;
-using test::Peer;
-using test::RawServer;
+using namespace test;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
-
-const std::string kOk = "HTTP/1.1 200 OK\r\n";
 
 struct Case
 {
@@ -119,7 +115,7 @@ TEST(Internet, SendsTheUrlAsItIs)
     EXPECT_THAT(Fetch(named, server.Url()).body, HasSubstr("\r\nUser-Agent: reader/2\r\n"));
 }
 
-TEST(Internet, RefusesUrlsThatItCannotSend)
+TEST(Internet, RefusesUrlsThatItCannotSendAndTellsWhy)
 {
     RawServer server(Echo);
     const std::string host = server.Host();
@@ -137,39 +133,30 @@ TEST(Internet, RefusesUrlsThatItCannotSend)
     for (const auto& [url, error] : urls)
         EXPECT_EQ(Fetch(url).error, error) << url.substr(0, 80);
     CInternetSession session;
-    EXPECT_EQ(test::ErrorOf([&] { session.OpenURL(nullptr); }), ERROR_INTERNET_INVALID_URL);
+    EXPECT_EQ(ErrorOf([&] { session.OpenURL(nullptr); }), ERROR_INTERNET_INVALID_URL);
     EXPECT_EQ(server.Connections(), 0);
-}
-
-TEST(Internet, TellsWhy)
-{
     const std::string gone = RawServer(Echo).Url();
-    CInternetSession session;
-    const auto failure = test::FailureOf([&] { session.OpenURL(gone.c_str(), 7); });
+    const auto failure = FailureOf([&] { session.OpenURL(gone.c_str(), 7); });
     EXPECT_EQ(failure.error, ERROR_INTERNET_CANNOT_CONNECT);
     EXPECT_EQ(failure.context, 7u);
     EXPECT_THAT(failure.why, HasSubstr("127.0.0.1"));
 }
 
-TEST(Internet, KeepsOneConnection)
+// A server may end it between two files at any time.
+TEST(Internet, KeepsOneConnectionUntilItEnds)
 {
     RawServer server(Echo);
     CInternetSession session;
     for (int n = 0; n < 5; ++n)
         EXPECT_EQ(Fetch(session, server.Url()).error, 0u);
     EXPECT_EQ(server.Connections(), 1);
-    test::Open(session, server.Url("/long"))->Close(); // not read to its end
+    Open(session, server.Url("/long"))->Close(); // not read to its end
     EXPECT_THAT(Fetch(session, server.Url("/next")).body, StartsWith("GET /next "));
-}
 
-// A server may end a connection between two files at any time.
-TEST(Internet, MakesANewConnectionWhereTheOldOneEnded)
-{
-    RawServer server(RawServer::Answering(kOk + "Content-Length: 2\r\n\r\nhi", true));
-    CInternetSession session;
+    RawServer ending(RawServer::Answering(kOk + "Content-Length: 2\r\n\r\nhi", true));
     for (int n = 0; n < 3; ++n)
-        EXPECT_EQ(Fetch(session, server.Url()).body, "hi");
-    EXPECT_EQ(server.Connections(), 3);
+        EXPECT_EQ(Fetch(session, ending.Url()).body, "hi");
+    EXPECT_EQ(ending.Connections(), 3);
 }
 
 TEST(Internet, KeepsNamesAndPasswordsToTheirHost)
@@ -217,12 +204,12 @@ TEST(Internet, RefusesWhatItDoesNotOffer)
     EXPECT_TRUE(refuses([&] { session.OpenURL("http://127.0.0.1/", 1, 0, "X: y\r\n", 6); }));
     EXPECT_TRUE(refuses([] { CInternetSession proxied(nullptr, 1, 3, "proxy"); }));
     RawServer server(Echo);
-    const auto file = test::Open(session, server.Url());
+    const auto file = Open(session, server.Url());
     unsigned long number = 5;
     EXPECT_FALSE(file->QueryInfo(19, number));
     EXPECT_EQ(number, 5u);
     file->Close();
-    const auto failure = test::FailureOf([&] { file->Read(&number, 1); });
+    const auto failure = FailureOf([&] { file->Read(&number, 1); });
     EXPECT_EQ(failure.error, ERROR_INTERNET_INCORRECT_HANDLE_STATE);
     EXPECT_EQ(failure.context, 0u);
 }
