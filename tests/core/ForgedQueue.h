@@ -52,7 +52,7 @@ struct ForgedQueue
     kx::core::Record record;
 };
 
-// What is wrong with a queue, and which lines the reporter brings home.
+// A fault of a queue, and the lines that the reporter brings home.
 struct QueueFault
 {
     const char* pszName;

@@ -22,7 +22,7 @@ struct KXIniDataMgr : testing::Test
         return nResult ? text.substr(begin, text.find('\r', begin) - begin) : "<refused>";
     }
 
-    // What `get` gives for texts as the key's value: they and the results in turn.
+    // Texts as the key's value and the results of `get` for them, in turn.
     template <class Get>
     void ExpectReads(Get get, const char* pszRows) const
     {

@@ -38,7 +38,7 @@ struct KXXmlTypedChild : testing::Test
         }
     }
 
-    // What a text makes of a value.
+    // The value that a text makes of another.
     template <class Value>
     Value Read(const char* pszText, Value value = 9)
     {

@@ -47,7 +47,7 @@ public:
                                        [&](const Notice& n) { return n.code == code && n.id == id; });
         });
     }
-    // Those of one task, or all.
+    // The notices of one task, or all.
     std::vector<Notice> Notices(unsigned int id = 0) const
     {
         const std::lock_guard lock(m_lock);

@@ -51,7 +51,7 @@ TEST(Resource, IsFoundByNameNumberAndType)
                                       {"image/small", "low"},
                                       {"IMAGE/\xE4\xB8\xAD", "wide"},
                                       {"IMAGE/EMPTY", ""}});
-    // What is found, and by which names and types.
+    // The resource found, and the names and types that find it.
     const std::pair<std::string, std::vector<std::pair<const char*, const char*>>> cases[] = {
         {"pixels", {{MAKEINTRESOURCEA(101), RT_BITMAP}, {"#101", "#2"}, {"101", "BITMAP"}}},
         {"icon", {{MAKEINTRESOURCEA(1), RT_ICON}}},

@@ -4,7 +4,7 @@
 #include "tests/support/Com.h"
 #include "tests/support/Test.h"
 
-// What calls of the document's interfaces take and give.
+// Values that calls of the document's interfaces take and give.
 namespace test {
 
 // A text as an argument.
