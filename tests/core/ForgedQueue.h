@@ -28,6 +28,7 @@ struct ForgedQueue
 
     ForgedQueue()
     {
+        using namespace kx::core;
         const int file = open((KXHost::ToSystemPath("C:\\app\\app.log")).c_str(), O_WRONLY | O_CREAT, 0600);
         if (write(file, "before\nfirst\nsec", 16) != 16) std::_Exit(1);
         pieces[0].Add("first\n");
@@ -36,14 +37,7 @@ struct ForgedQueue
         pieces[0].head.next = reinterpret_cast<std::uint64_t>(&pieces[1]);
         pieces[1].head.number = 8;
         const auto pid = static_cast<std::uint64_t>(getpid());
-        record = {kx::core::kRecordMagic,
-                  kx::core::kRecordVersion,
-                  1,
-                  0,
-                  pid,
-                  file,
-                  kx::core::CheckOf(pid, file),
-                  {}};
+        record = {kRecordMagic, kRecordVersion, 1, 0, pid, file, CheckOf(pid, file), {}};
         record.positions[1] = {reinterpret_cast<std::uint64_t>(&pieces[0]), 0, 7, 0};
         kx::debug::SetLogRecord(&record);
     }

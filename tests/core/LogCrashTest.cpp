@@ -42,7 +42,7 @@ TEST_F(LogCrash, AtAnyMomentLosesNoLine)
     }
 }
 
-TEST_F(LogCrash, OfEveryKindBringsWaitingLinesHome)
+TEST_F(LogCrash, OfEveryKindBringsWaitingLinesHomeOrIntoTheReport)
 {
     std::vector<std::string> kinds{"read", "abort",           "heap",   "overflow", "thread",
                                    "call", "thread_overflow", "locked", "together"};
@@ -61,10 +61,6 @@ TEST_F(LogCrash, OfEveryKindBringsWaitingLinesHome)
         EXPECT_EQ(nLines, 1000);
         EXPECT_THAT(place.Report(), HasSubstr("\n" + place.Log()));
     }
-}
-
-TEST_F(LogCrash, WithoutAFilePutsTheLinesIntoTheReport)
-{
     const Place place;
     place.Crash("waiting", {}, "unopened");
     EXPECT_FALSE(place.Dir().Exists("app/app.log"));

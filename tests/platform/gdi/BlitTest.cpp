@@ -289,13 +289,9 @@ TEST(CopyObserver, HearsOfEachCopyAsItWasCalled)
     const NoLeak noLeak;
     const Paper to(2, 2);
     const Paper from(2, 2);
-    const auto fields = [](const KXHost::CopyRecord& copy) {
-        const auto& [kind, hDst, x, y, cx, cy, hSrc, xSrc, ySrc, cxSrc, cySrc, clrKey] = copy;
-        return std::tuple(kind, hDst, x, y, cx, cy, hSrc, xSrc, ySrc, cxSrc, cySrc, clrKey);
-    };
-    std::vector<decltype(fields({}))> heard;
+    std::vector<KXHost::CopyRecord> heard;
     KXHost::SetCopyObserver([&](const KXHost::CopyRecord& copy) {
-        heard.push_back(fields(copy));
+        heard.push_back(copy);
         BitBlt(to, 0, 0, 1, 1, from, 0, 0, SRCCOPY); // of its own copies it doesn't hear
         throw 1;
     });
@@ -305,8 +301,10 @@ TEST(CopyObserver, HearsOfEachCopyAsItWasCalled)
     KXHost::SetCopyObserver({});
     BitBlt(to, 0, 0, 1, 1, from, 0, 0, SRCCOPY);
     using Kind = KXHost::CopyKind;
-    EXPECT_THAT(heard,
-                testing::ElementsAre(fields({Kind::BitBlt, nullptr, 1, -2, 3, 4, from, 5, 6, 3, 4, 0}),
-                                     fields({Kind::StretchBlt, to, 1, 2, -3, 4, nullptr, 5, 6, 7, 8, 0}),
-                                     fields({Kind::TransparentBlt, to, 1, 2, 3, 4, from, 5, 6, 7, 8, 0x99})));
+    const HDC hTo = to, hFrom = from;
+    using testing::FieldsAre;
+    EXPECT_THAT(heard, testing::ElementsAre(
+                           FieldsAre(Kind::BitBlt, nullptr, 1, -2, 3, 4, hFrom, 5, 6, 3, 4, 0u),
+                           FieldsAre(Kind::StretchBlt, hTo, 1, 2, -3, 4, nullptr, 5, 6, 7, 8, 0u),
+                           FieldsAre(Kind::TransparentBlt, hTo, 1, 2, 3, 4, hFrom, 5, 6, 7, 8, 0x99u)));
 }

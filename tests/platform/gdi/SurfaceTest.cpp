@@ -66,23 +66,18 @@ TEST_F(Surface, OfAWindowIsSeenOnceItIsGivenBack)
 }
 
 // Whatever lay in its memory before.
-TEST_F(Surface, ANewBitmapIsBlack)
+TEST_F(Surface, ANewBitmapIsBlackAndOfASizeWithinBounds)
 {
+    const Paper paper(1, 1);
     for (int n = 0; n < 20; ++n) {
         {
             const Paper white(60, 40, 'W');
         }
-        const Paper paper(1, 1);
         const Scoped<HBITMAP> bitmap(CreateCompatibleBitmap(paper, 60, 40));
         const HGDIOBJ first = SelectObject(paper, bitmap);
         ASSERT_EQ(Read(paper, 0, 0, 60, 40), Picture(40, std::string(60, '.')));
         SelectObject(paper, first);
     }
-}
-
-TEST_F(Surface, BitmapsHaveASizeWithinBounds)
-{
-    const Paper paper(1, 1);
     const int limit = static_cast<int>(MAX_BITMAP_PIXELS);
     const std::pair<int, int> wrong[] = {
         {0, 1},         {1, 0},         {-1, 5},      {5, INT_MIN}, {INT_MAX, INT_MAX},

@@ -193,10 +193,9 @@ TEST_F(FramesTest, Delays)
     std::vector<PropertyItem> block(2);
     EXPECT_EQ(GdipGetPropertyItem(gif, PropertyTagFrameDelay, size - 1, block.data()), InvalidParameter);
     EXPECT_EQ(GdipGetPropertyItem(gif, PropertyTagFrameDelay, size, block.data()), Ok);
-    const auto& [id, length, type, value] = block[0];
-    EXPECT_THAT(std::tuple(id, length, type, value),
-                testing::FieldsAre(PropertyTagFrameDelay, 12, PropertyTagTypeLong, &block[1]));
-    EXPECT_THAT(std::span(static_cast<const DWORD*>(value), 3), testing::ElementsAre(0, 6529, 65535));
+    EXPECT_THAT(block[0], testing::FieldsAre(PropertyTagFrameDelay, 12, PropertyTagTypeLong, &block[1]));
+    EXPECT_THAT(std::span(static_cast<const DWORD*>(block[0].value), 3),
+                testing::ElementsAre(0, 6529, 65535));
     file.insert(GifHead(1, 1).size(), "!\xFE\3abc\0"s + GifLoops(5)); // passed over
     EXPECT_EQ(CountOf(Loaded(file)), 3u);
 

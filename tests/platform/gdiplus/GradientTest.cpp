@@ -87,7 +87,7 @@ TEST_F(Gradient, GoesAsFarAsCoordinatesDo)
     EXPECT_EQ(far.pixels, Row(3, Gray(9)));
 }
 
-TEST_F(Gradient, GoesFromAPathsCentreToItsEdge)
+TEST_F(Gradient, GoesFromAPathsCentreWhereverThatIsToItsEdge)
 {
     // Each pixel by its centre's share of the way: a quarter, three quarters.
     const ARGB a = Gray(75), b = Gray(25), none = 0;
@@ -101,11 +101,7 @@ TEST_F(Gradient, GoesFromAPathsCentreToItsEdge)
     EXPECT_EQ(Blues(Path(6, 1, {-2, 0, 8, 1}, Gray(80), Gray(0))), (std::vector{50, 70, 70, 50, 30, 10}));
     EXPECT_EQ(Path(1, 1, {0, 0, 1, 1}, 0x80123456, Gray(0)), Row{0x80123456});
     EXPECT_EQ(Path(2, 2, {0, 0, 2, 2}, 0xFF0000FE, 0x00FF0000), Row(4, 0x80800080 - 1));
-}
-
-// From a corner, from the middle of a side, and from outside of the path.
-TEST_F(Gradient, GoesFromWhereverItsCentreIsMoved)
-{
+    // From a corner, from the middle of a side, and from outside of the path.
     const auto from = [](Point center, int nWidth, int nHeight) {
         return Blues(Path(nWidth, nHeight, {0, 0, nWidth, nHeight}, Gray(80), Gray(0), &center));
     };

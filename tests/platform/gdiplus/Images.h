@@ -88,11 +88,9 @@ inline Status LoadStatus(std::string_view file)
 }
 
 // How many frames or pages a picture has, and one of them as letters.
-inline UINT CountOf(GpImage* image, const GUID& dimension = FrameDimensionTime)
+inline UINT CountOf(const Loaded& loaded, const GUID& dimension = FrameDimensionTime)
 {
-    UINT n = 0;
-    GdipImageGetFrameCount(image, &dimension, &n);
-    return n;
+    return loaded.GetFrameCount(&dimension);
 }
 
 inline Picture Shown(const Loaded& loaded, UINT nFrame, const GUID& dimension = FrameDimensionTime)

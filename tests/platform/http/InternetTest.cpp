@@ -49,13 +49,9 @@ const std::vector<Case> kCases = {
 
 TEST(Internet, DeliversWhatTheServerSends)
 {
-    for (const Case& c : kCases) {
-        RawServer server(RawServer::Answering(c.response, true));
-        const auto result = Fetch(server.Url());
-        EXPECT_EQ(result.length, c.length) << c.name;
-        EXPECT_EQ(result.body, c.body) << c.name;
-        EXPECT_EQ(result.error, c.error) << c.name;
-        EXPECT_EQ(result.opened, c.opened) << c.name;
+    for (const auto& [name, response, length, body, error, opened] : kCases) {
+        RawServer server(RawServer::Answering(response, true));
+        EXPECT_THAT(Fetch(server.Url()), testing::FieldsAre(length, body, error, opened)) << name;
     }
 }
 
