@@ -224,7 +224,7 @@ TEST(Bmp, FewRunLengthsAreBelievedOfAMebipixelOr256OfEachByte)
     }
 }
 
-TEST(Bmp, LiesGiveNull)
+TEST(Bmp, LiesAndCutsGiveNullAndOtherDamageDoesNoHarm)
 {
     const std::string sound = ToBmp(kPicture, 8).File();
     ASSERT_EQ(LoadedBitmap(sound).Letters(), kPicture);
@@ -254,10 +254,7 @@ TEST(Bmp, LiesGiveNull)
     upside.height = -3;
     for (const Bmp& bmp : {wide, palette, masks, hole, upside})
         EXPECT_EQ(LoadedBitmap(bmp.File()).Letters(), kNull);
-}
 
-TEST(Bmp, CutsGiveNullAndOtherDamageDoesNoHarm)
-{
     Bmp fields = ToBmp(kPicture, 16);
     fields.compression = BI_BITFIELDS, fields.headerSize = 108;
     fields.masks = Le(0xF800, 4) + Le(0x07E0, 4) + Le(0x001F, 4) + Le(0, 4);

@@ -122,7 +122,7 @@ TEST(GetDIBits, ConvertsBetweenDepths)
     EXPECT_EQ(Rows(paper.Bitmap(), none, 0, 1, 0), ""); // no palette
 }
 
-TEST(GetDIBits, GivesTheNearestColourOfWhatWasDrawn)
+TEST(GetDIBits, GivesTheNearestColourOfWhatWasDrawnAndTheFirstOfEqualOnes)
 {
     const Scoped<HBITMAP> bitmap(Load(ToBmp({"KKKKKKKK"}, 8, false, "KRGWB")));
     const Paper dc(1, 1);
@@ -134,27 +134,22 @@ TEST(GetDIBits, GivesTheNearestColourOfWhatWasDrawn)
     Info info(8, 1, 8);
     const std::string rows = Rows(bitmap, info, 0, 1, 1); // while it is selected
     EXPECT_EQ(rows, std::string("\0\1\2\3\0\1\4\0", 8));
-    SelectObject(dc, first);
-}
-
-// The first of equal colours in the palette has the index. What was drawn elsewhere has a fourth byte of 0.
-TEST(GetDIBits, GivesIndicesOfTheFirstOfEqualColors)
-{
+    // The first of equal colours in the palette has the index. What was drawn elsewhere has a fourth byte
+    // of 0.
     Bmp bmp = ToBmp({"RGWGRK"}, 8, true, "RGWRGK");
     bmp.pixels = Le(0x05'02'04'01'03'00, 8);
-    const Scoped<HBITMAP> bitmap(Load(bmp));
-    const Paper dc(1, 1);
-    const HGDIOBJ first = SelectObject(dc, bitmap);
-    Info info(6, 1, 8);
-    EXPECT_EQ(Rows(bitmap, info, 0, 1, 1), Le(0x05'02'01'01'00'00, 8));
+    const Scoped<HBITMAP> equal(Load(bmp));
+    SelectObject(dc, equal);
+    Info six(6, 1, 8);
+    EXPECT_EQ(Rows(equal, six, 0, 1, 1), Le(0x05'02'01'01'00'00, 8));
     const Paper copy(6, 1);
     BitBlt(copy, 0, 0, 3, 1, dc, 0, 0, SRCCOPY);
     TransparentBlt(copy, 3, 0, 2, 1, dc, 3, 0, 2, 1, 0x123456);
     StretchBlt(copy, 5, 0, 1, 1, dc, 4, 0, 2, 1, SRCCOPY);
     Info deep(6, 1, 32);
-    const std::string rows = Rows(copy.Bitmap(), deep, 0, 1, 1);
+    const std::string copied = Rows(copy.Bitmap(), deep, 0, 1, 1);
     for (std::size_t n = 3; n < 24; n += 4)
-        EXPECT_EQ(rows[n], 0) << n;
+        EXPECT_EQ(copied[n], 0) << n;
     SelectObject(dc, first);
 }
 

@@ -147,7 +147,7 @@ TEST(Icon, EntriesBeyondTheFileOrWithoutASizeAreLeftOut)
     EXPECT_FALSE(LoadedIcon(file));
 }
 
-TEST(Icon, WhatIsNoIconGivesNull)
+TEST(Icon, WhatIsNoIconOrCutGivesNullAndOtherDamageDoesNoHarm)
 {
     const std::string sound = Ico({Square(4, 8)});
     ASSERT_TRUE(LoadedIcon(sound));
@@ -161,10 +161,6 @@ TEST(Icon, WhatIsNoIconGivesNull)
     for (const std::string& file : {cursor, none, many, Ico({topDown.Dib()}), Ico({odd.Dib()}),
                                     Ico({packed.Dib()}), ToBmp({"R"}, 24).File(), ""s})
         EXPECT_FALSE(LoadedIcon(file));
-}
-
-TEST(Icon, CutsGiveNullAndOtherDamageDoesNoHarm)
-{
     const std::string image = IconBmp({"R.G", "B.W"}, 8);
     ForEachCut(Ico({image}), [](const std::string& file) { EXPECT_FALSE(LoadedIcon(file)) << file.size(); });
     for (const std::string& file : {Ico({image, IconBmp({"R."}, 32)}), Ico({Png(2, 1, 8, 6, "\0abcdefgh"s)})})
