@@ -108,7 +108,7 @@ struct RealSystemd : testing::Test
     bool m_bKilled = false; // the manager was
 };
 
-TEST_F(RealSystemd, AServiceLivesAsSystemctlSees)
+TEST_F(RealSystemd, AServiceLivesAndIsSetAsSystemctlSees)
 {
     CKXWinService service("kx-life");
     EXPECT_EQ(State("kx-life"), 0u);
@@ -130,6 +130,19 @@ TEST_F(RealSystemd, AServiceLivesAsSystemctlSees)
     EXPECT_EQ(Status("kx-life").dwWin32ExitCode, 0u);
     EXPECT_EQ(service.DoStop(), 0);
 
+    const std::pair<DWORD, const char*> types[] = {
+        {SERVICE_DEMAND_START, "disabled"}, {SERVICE_AUTO_START, "enabled"}, {SERVICE_DISABLED, "masked"}};
+    for (const auto& [dwType, pszTold] : types) {
+        EXPECT_EQ(service.ChangeStartType(dwType), 1);
+        EXPECT_EQ(Ctl("is-enabled kx-life"), pszTold);
+    }
+    EXPECT_EQ(m_manager->Start("kx-life"), ERROR_SERVICE_DISABLED);
+    EXPECT_EQ(service.ChangeStartType(SERVICE_DEMAND_START), 1);
+    EXPECT_EQ(service.ChangeDesc("100% \"new\"\n[Service]\\"), 1);
+    EXPECT_EQ(Shown("kx-life.service", "Description"), "100% \"new\" [Service]\\");
+    EXPECT_EQ(service.ChangeDesc(""), 1);
+    EXPECT_EQ(Shown("kx-life.service", "Description"), "A title");
+
     // Deleted while it runs: it goes on, can be stopped, and is gone then.
     EXPECT_EQ(service.DoStart(), 1);
     EXPECT_EQ(service.Delete(), 1);
@@ -138,25 +151,6 @@ TEST_F(RealSystemd, AServiceLivesAsSystemctlSees)
     EXPECT_EQ(service.DoStop(), 1);
     EXPECT_EQ(State("kx-life"), 0u);
     EXPECT_EQ(Shown("kx-life.service", "LoadState,ActiveState"), "not-found\ninactive");
-}
-
-TEST_F(RealSystemd, ItsSettingsAreWhatSystemctlTells)
-{
-    ASSERT_EQ(Create("kx-set", m_sleeper), 1);
-    CKXWinService service("kx-set");
-    EXPECT_EQ(Ctl("is-enabled kx-set"), "disabled");
-    const std::pair<DWORD, const char*> types[] = {
-        {SERVICE_AUTO_START, "enabled"}, {SERVICE_DEMAND_START, "disabled"}, {SERVICE_DISABLED, "masked"}};
-    for (const auto& [dwType, pszTold] : types) {
-        EXPECT_EQ(service.ChangeStartType(dwType), 1);
-        EXPECT_EQ(Ctl("is-enabled kx-set"), pszTold);
-    }
-    EXPECT_EQ(m_manager->Start("kx-set"), ERROR_SERVICE_DISABLED);
-    EXPECT_EQ(service.ChangeStartType(SERVICE_DEMAND_START), 1);
-    EXPECT_EQ(service.ChangeDesc("100% \"new\"\n[Service]\\"), 1);
-    EXPECT_EQ(Shown("kx-set.service", "Description"), "100% \"new\" [Service]\\");
-    EXPECT_EQ(service.ChangeDesc(""), 1);
-    EXPECT_EQ(Shown("kx-set.service", "Description"), "A title");
 }
 
 TEST_F(RealSystemd, AProgramThatExitsAtOnceNeverCountsAsStarted)
