@@ -43,6 +43,8 @@ TEST_F(Bitmap, StatesDivideTheImageAndLeaveTheRest)
                                            "0,0 102x7 from 0,0", "0,0 102x2 from 0,4", "0,0 102x2 from 0,4"));
     EXPECT_EQ(bitmap.GetMultiState(), 3);
     EXPECT_EQ(bitmap.IsHorzMultiState(), 0);
+    bitmap.AttachBitmap(nullptr);
+    EXPECT_EQ(bitmap.GetSrcImageRect(), CRect(0, 0, 102, 2)); // the first state of the last record
 }
 
 TEST_F(Bitmap, DrawsPartsAndKeyedBlocks)
@@ -80,6 +82,11 @@ TEST_F(Bitmap, FillsMiddleFirstLastInThatOrder)
     bitmap.SetFillParam(10, 5, 1);
     EXPECT_THAT(Filled(CRect(0, 3, 50, 4)), // of 12 columns: the tile that lies outside is left out
                 ElementsAre("10,3 15x10 from 10,0", "0,3 10x10 from 0,0", "45,3 5x10 from 25,0"));
+    // End parts of a length below 0 make that much more room for the middle.
+    Attach(4, 3);
+    bitmap.SetFillParam(-2, -1, 1);
+    EXPECT_THAT(Filled(CRect(0, 0, 10, 3)), ElementsAre("-2,0 7x3 from -2,0", "5,0 6x3 from -2,0",
+                                                        "0,0 -2x3 from 0,0", "11,0 -1x3 from 5,0"));
 }
 
 TEST_F(Bitmap, PavesInBandsAcross)
@@ -100,7 +107,7 @@ TEST_F(Bitmap, PavesInBandsAcross)
 
 // The rectangles' meaning is settled by the last of load, SetMultiState, SetFillParam and a change of
 // state.
-TEST_F(Bitmap, FillPartsFollowTheState)
+TEST_F(Bitmap, FillPartsFollowTheStateAndOutliveALoad)
 {
     bitmap.SetFillParam(1, 1, 1);
     bitmap.SetMultiState(2, 1);
@@ -109,11 +116,8 @@ TEST_F(Bitmap, FillPartsFollowTheState)
     Filled(CRect(0, 0, 10, 3)); // a load leaves the parts as they were: of no image yet
     EXPECT_THAT(Filled(CRect(0, 0, 10, 3), 1),
                 ElementsAre("1,0 8x3 from 11,0", "0,0 1x3 from 10,0", "9,0 1x3 from 19,0"));
-}
-
-// The parts are those of the image that was there at SetFillParam or SetMultiState, and of its first state.
-TEST_F(Bitmap, FillPartsOutliveALoad)
-{
+    // The parts are those of the image that was there at SetFillParam or SetMultiState, and of its first
+    // state.
     Attach(20, 3);
     bitmap.SetFillParam(2, 3, 1);
     bitmap.SetMultiState(2, 1);
@@ -150,15 +154,6 @@ TEST_F(Bitmap, EmptyObjectsDrawNothing)
     Attach(4, 4);
     bitmap.Draw(nullptr, 0, 0, 0); // a null device: a copy that paints nothing
     EXPECT_THAT(copies.Take(), ElementsAre("0,0 4x4 from 0,0"));
-}
-
-// End parts of a length below 0 make that much more room for the middle.
-TEST_F(Bitmap, NegativeEndPartsMakeRoom)
-{
-    Attach(4, 3);
-    bitmap.SetFillParam(-2, -1, 1);
-    EXPECT_THAT(Filled(CRect(0, 0, 10, 3)), ElementsAre("-2,0 7x3 from -2,0", "5,0 6x3 from -2,0",
-                                                        "0,0 -2x3 from 0,0", "11,0 -1x3 from 5,0"));
 }
 
 // Tiles that can't be seen aren't drawn, and those that can stand where they would.
@@ -213,15 +208,6 @@ TEST_F(Bitmap, KeyedCopiesLeaveOutWhatIsNotThere)
     EXPECT_EQ(copies.Take().size(), 2u);
 }
 
-TEST_F(Bitmap, AttachingNothingSelectsTheFirstState)
-{
-    Attach(20, 3);
-    bitmap.SetMultiState(2, 1);
-    bitmap.Draw(&dc, 0, 0, 1);
-    bitmap.AttachBitmap(nullptr);
-    EXPECT_EQ(bitmap.GetSrcImageRect(), CRect(0, 0, 10, 3)); // of the last record
-}
-
 // A region on white paper, in red.
 Picture Painted(HRGN region, int cx, int cy)
 {
@@ -244,11 +230,7 @@ TEST_F(Bitmap, RegionOfAColorOrOfTheRest)
     CRect box;
     EXPECT_EQ(all.GetRgnBox(&box), SIMPLEREGION);
     EXPECT_EQ(box, CRect(0, 0, 4, 3));
-}
-
-// The region of a picture is put together from its pieces in the right order.
-TEST_F(Bitmap, RegionOfAPictureOfAnySize)
-{
+    // The region of a large picture is put together from its pieces in the right order.
     for (const auto& [nWidth, nHeight] : {std::pair{128, 100}, {129, 100}, {4, 1}}) {
         Picture picture = Plain(nWidth, nHeight, 'W');
         for (std::size_t y = 0; y < picture.size(); ++y)
@@ -258,6 +240,7 @@ TEST_F(Bitmap, RegionOfAPictureOfAnySize)
         bitmap.CreateBitmapRgn(rgn, ColorOf('R'), 1);
         EXPECT_EQ(Painted(rgn, nWidth, nHeight), picture);
     }
+    EXPECT_EQ(Child("RegionChild", {}).Wait(), 0); // there is none without memory
 }
 
 TEST_F(Bitmap, LoadsFilesAndForgetsTheOldOne)
@@ -376,11 +359,6 @@ TEST_F(BitmapHandles, EachLoadEndsTheOneBefore)
         EXPECT_EQ(bitmap.LoadBitmapA(102u), 0);
         EXPECT_EQ(bitmap.LoadBitmapA(0x10000u + 101), 1); // 16 bits count
     }
-}
-
-TEST(BitmapRegion, WithoutMemoryIsNone)
-{
-    EXPECT_EQ(Child("RegionChild", {}).Wait(), 0);
 }
 
 } // namespace

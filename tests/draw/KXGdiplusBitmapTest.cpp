@@ -7,6 +7,13 @@ using testing::ElementsAre;
 
 namespace {
 
+TEST(GdiplusEncoder, IsUnknownBeforeTheStart)
+{
+    GUID clsid{};
+    EXPECT_EQ(
+        CKXGdiplusBitmap::GetEncoderClsid(reinterpret_cast<const unsigned short*>(u"image/gif"), &clsid), -1);
+}
+
 struct GdiplusBitmap : PictureTest
 {
     // Raw pixels.

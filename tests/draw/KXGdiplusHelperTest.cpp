@@ -24,23 +24,19 @@ struct GdiplusHelper : PictureTest
     Paper canvas{24, 12, 'B'};
 };
 
-TEST_F(GdiplusHelper, AcrossOnce)
+// Mirrored, the left half is 5 wide, the right one 6; each goes on from a pixel before it.
+TEST_F(GdiplusHelper, AcrossOnceOrMirrored)
 {
-    CKXGdiplusHelper::DrawLinearGradientRect(canvas, CRect(10, 2, 21, 5), 0, RGB(220, 0, 0), 0);
-    for (int y = 2; y < 5; ++y)
-        EXPECT_THAT(Row(y, 10, 21), ElementsAre(0, 20, 40, 60, 80, 100, 120, 140, 160, 180, 200));
-    for (const CPoint pt : {CPoint(9, 3), CPoint(21, 3), CPoint(12, 1), CPoint(12, 5)})
-        EXPECT_TRUE(IsBlue(GetPixel(canvas, pt.x, pt.y))) << pt.x << "," << pt.y;
-}
-
-// The left half is 5 wide, the right one 6; each goes on from a pixel before it.
-TEST_F(GdiplusHelper, AcrossMirrored)
-{
-    CKXGdiplusHelper::DrawLinearGradientRect(canvas, CRect(10, 0, 21, 5), 0, RGB(252, 0, 0), 1);
-    for (int y = 0; y < 5; ++y)
-        EXPECT_THAT(Row(y, 10, 21), ElementsAre(42, 84, 126, 168, 210, 216, 180, 144, 108, 72, 36));
-    EXPECT_TRUE(IsBlue(GetPixel(canvas, 9, 3)));
-    EXPECT_TRUE(IsBlue(GetPixel(canvas, 21, 3)));
+    const std::tuple<int, unsigned, std::vector<int>> cases[] = {
+        {0, 220, {0, 20, 40, 60, 80, 100, 120, 140, 160, 180, 200}},
+        {1, 252, {42, 84, 126, 168, 210, 216, 180, 144, 108, 72, 36}}};
+    for (const auto& [bMirrored, nRed, reds] : cases) {
+        CKXGdiplusHelper::DrawLinearGradientRect(canvas, CRect(10, 2, 21, 5), 0, RGB(nRed, 0, 0), bMirrored);
+        for (int y = 2; y < 5; ++y)
+            EXPECT_EQ(Row(y, 10, 21), reds);
+        for (const CPoint pt : {CPoint(9, 3), CPoint(21, 3), CPoint(12, 1), CPoint(12, 5)})
+            EXPECT_TRUE(IsBlue(GetPixel(canvas, pt.x, pt.y))) << pt.x << "," << pt.y;
+    }
 }
 
 TEST_F(GdiplusHelper, DownWithABorderOfTheFullSize)

@@ -154,7 +154,7 @@ TEST_F(GdiplusImage, GivesItselfAsJpegAndInGrey)
     delete[] pData;
 }
 
-TEST_F(GdiplusImage, ShrinksToFit)
+TEST_F(GdiplusImage, ShrinksToFitAndSavesThumbnails)
 {
     const std::tuple<CSize, CSize, int, CSize> cases[] = {
         {{400, 200}, {100, 100}, 1, {100, 50}},
@@ -170,10 +170,6 @@ TEST_F(GdiplusImage, ShrinksToFit)
         EXPECT_EQ(image.ToThumbnailImage(max.cx, max.cy), nResult) << size.cx << " to " << max.cx;
         EXPECT_EQ(image.GetImageSize(), now);
     }
-}
-
-TEST_F(GdiplusImage, SavesThumbnails)
-{
     KXHost::TakeMessageBoxes();
     Load(Plain(20, 10));
     EXPECT_EQ(image.SaveThumbnailImage(dir.Win("a"), 3, 2, "image/png"), 1);

@@ -37,10 +37,8 @@ TEST(FileSystemPath, ParsePathFileTakesThePointAndTheBackslashEachByItself)
     EXPECT_THAT(SplitFile("C:/a/b.c"), ElementsAre("", "C:/a/b.c", "C:/a/b", "c", "1")); // a slash is no mark
     // A letter whose second byte is a backslash.
     EXPECT_THAT(SplitFile("C:\\\x95\x5C.c"), ElementsAre("C:\\", "\x95\x5C.c", "\x95\x5C", "c", "1"));
-}
 
-TEST(FileSystemPath, ParsePathFileTakesNullAndItsOwnArgument)
-{
+    // It takes null and its own argument.
     EXPECT_EQ(CKXFileSystem::ParsePathFile("a.b", nullptr, nullptr, nullptr, nullptr), 1);
     EXPECT_EQ(CKXFileSystem::ParsePathFile("a", nullptr, nullptr, nullptr, nullptr), 0);
     CString path("C:\\dir\\a.b"), ext;
@@ -79,10 +77,7 @@ TEST(FileSystemPath, TheObjectHoldsTheExecutablesPlace)
               "CKXFileSystem construction!\n"
               "client.exe\n" +
                   app + "\\\n" + app + "\\\\data\n" + app + "\\\n" + app + "\nCKXFileSystem destroy!\n");
-}
-
-TEST(FileSystemPath, AnExecutableThatCantBeNamedLeavesThePathsEmpty)
-{
+    // One that can't be named leaves the paths empty.
     const std::string deep = "/" + std::string(260, 'x') + "/client";
     const std::string here = KXHost::FromSystemPath(std::filesystem::current_path()).GetString();
     EXPECT_EQ(test::RunChild("FileSystemChild", {deep}), "\n\n\\data\n\n" + here + "\n");

@@ -18,9 +18,9 @@ Texts Walk(int (*walk)(CString, KXEnumFileProc, long), const CString& strDir)
     return walk(strDir, take, reinterpret_cast<long>(&paths)) ? paths : Texts{"failed"};
 }
 
-struct FileSystemQuery : testing::Test
+// Every search is closed.
+struct FileSystemQuery : test::LeakTest
 {
-    test::NoLeak noLeak; // every search is closed
     test::TempDir dir;
 };
 

@@ -9,9 +9,9 @@ using testing::ElementsAre;
 
 namespace {
 
-struct FileSystemTrees : testing::Test
+// Every search is closed.
+struct FileSystemTrees : test::LeakTest
 {
-    test::NoLeak noLeak; // every search is closed
     test::TempDir dir;
 };
 
@@ -65,16 +65,6 @@ TEST_F(FileSystemTrees, CreatePathSucceedsOnAllThreadsThatMakeTheSame)
     });
 }
 
-TEST_F(FileSystemTrees, CreatePathWithoutADriveBeginsAtTheRoot)
-{
-    ASSERT_TRUE(KXHost::MountDrive('C', {dir.Path(), DRIVE_FIXED, "", "", 0}));
-    EXPECT_EQ(CKXFileSystem::CreatePath("a\\b\\"), 1);
-    EXPECT_EQ(CKXFileSystem::CreatePath("\\c\\d\\"), 1); // the first name is `\c`
-    KXHost::UnmountDrive('C');
-    EXPECT_TRUE(dir.Exists("a/b"));
-    EXPECT_TRUE(dir.Exists("c/d"));
-}
-
 TEST_F(FileSystemTrees, DeleteFolderTakesAllOfATree)
 {
     for (const char* name : {"t/a/b/c/f", "t/a/.hidden", "t/z", "keep/f"})
@@ -98,25 +88,17 @@ TEST_F(FileSystemTrees, DeleteFolderTakesAllOfATree)
     EXPECT_TRUE(dir.Exists("keep/f"));
 }
 
-TEST_F(FileSystemTrees, DeleteFolderLeavesPointedDirectories)
+TEST_F(FileSystemTrees, DeleteFolderLeavesPointedDirectoriesAndEndsAtTheFirstFailure)
 {
-    for (const char* name : {"t/.cache/f", "t/a/f", "t/f"})
+    for (const char* name : {"t/.cache/f", "t/a/f", "t/f", "u/a/f", "u/b/read-only", "u/c/f"})
         dir.Write(name, "x");
-    EXPECT_EQ(CKXFileSystem::DeleteFolder(dir.Win("t")), 0);
-    EXPECT_TRUE(dir.Exists("t/.cache/f"));
-    EXPECT_FALSE(dir.Exists("t/a"));
-    EXPECT_FALSE(dir.Exists("t/f"));
-}
-
-TEST_F(FileSystemTrees, DeleteFolderEndsAtTheFirstFailure)
-{
-    for (const char* name : {"t/a/f", "t/b/read-only", "t/c/f"})
-        dir.Write(name, "x");
-    fs::permissions(dir.Path("t/b/read-only"), fs::perms::owner_read);
-    EXPECT_EQ(CKXFileSystem::DeleteFolder(dir.Win("t")), 0);
-    EXPECT_FALSE(dir.Exists("t/a"));
-    EXPECT_TRUE(dir.Exists("t/b/read-only"));
-    EXPECT_TRUE(dir.Exists("t/c/f"));
+    fs::permissions(dir.Path("u/b/read-only"), fs::perms::owner_read);
+    for (const char* top : {"t", "u"})
+        EXPECT_EQ(CKXFileSystem::DeleteFolder(dir.Win(top)), 0);
+    for (const char* left : {"t/.cache/f", "u/b/read-only", "u/c/f"})
+        EXPECT_TRUE(dir.Exists(left)) << left;
+    for (const char* gone : {"t/a", "t/f", "u/a"})
+        EXPECT_FALSE(dir.Exists(gone)) << gone;
 }
 
 // A user without rights does this where the tests run as root.
@@ -131,17 +113,20 @@ TEST_F(FileSystemTrees, DeleteFolderTakesAnEmptyOneThatMayNotBeRead)
     EXPECT_FALSE(dir.Exists("t"));
 }
 
-TEST_F(FileSystemTrees, AnEmptyPathIsNoRoot)
+TEST_F(FileSystemTrees, WithoutADriveAPathBeginsAtTheRootUnlessItIsEmpty)
 {
     dir.Write("f", "x");
     dir.MakeDir("to");
     ASSERT_TRUE(KXHost::MountDrive('C', {dir.Path(), DRIVE_FIXED, "", "", 0}));
+    EXPECT_EQ(CKXFileSystem::CreatePath("a\\b\\"), 1);
+    EXPECT_EQ(CKXFileSystem::CreatePath("\\c\\d\\"), 1); // the first name is `\c`
     EXPECT_EQ(CKXFileSystem::DeleteFolder(""), 0);
     Progress progress;
     progress.Copy("", "C:\\to");
     progress.Copy("C:\\to", "");
     KXHost::UnmountDrive('C');
-    EXPECT_TRUE(dir.Exists("f"));
+    for (const char* name : {"a/b", "c/d", "f"})
+        EXPECT_TRUE(dir.Exists(name)) << name;
     EXPECT_FALSE(dir.Exists("to/f"));
     EXPECT_THAT(progress.calls, ElementsAre("end+", "end+"));
 }

@@ -55,13 +55,9 @@ struct Listener : Fixed
     const HWND window = Make(&handler, WS_VISIBLE);
 };
 
-TEST_F(Language, FreshManagerKnowsNothing)
+TEST_F(Language, KnowsNothingAtFirstAndListsDirectoriesThatNameThemselves)
 {
     EXPECT_EQ(RunChild("FreshLanguageChild", {AppDir().Path("app"), tree.Name()}), "");
-}
-
-TEST_F(Language, ListsDirectoriesThatNameThemselves)
-{
     Init();
     EXPECT_THAT(Ids(), ElementsAre(".hidden", "alpha", "Beta"));
     EXPECT_EQ(lans->GetLanCount(), 3);

@@ -112,6 +112,11 @@ TEST_F(File, DevicesAreFilesAndAFullOneSaysSo)
     EXPECT_EQ(failure.m_cause, CFileException::diskFull);
     EXPECT_EQ(failure.m_lOsError, ENOSPC);
     EXPECT_EQ(TextOf(failure), "C:\\dev\\full: The disk is full.");
+    // A file whose size isn't told is read whole, up to a limit.
+    kx::files::FileContent content;
+    EXPECT_EQ(kx::files::ReadWholeFile("/proc/self/maps", 10'000'000, content), ERROR_SUCCESS);
+    EXPECT_THAT(content.bytes, testing::HasSubstr("[stack]")); // stands near its end
+    EXPECT_EQ(kx::files::ReadWholeFile("/proc/self/pagemap", 8191, content), ERROR_ACCESS_DENIED);
 }
 
 TEST_F(File, TakesAnyDescriptorThatIsFree)
@@ -126,14 +131,6 @@ TEST_F(File, TakesAnyDescriptorThatIsFree)
     }
     EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1);
     dup2(input.Get(), STDIN_FILENO);
-}
-
-TEST_F(File, WithoutASizeIsReadWholeUpToALimit)
-{
-    kx::files::FileContent content;
-    EXPECT_EQ(kx::files::ReadWholeFile("/proc/self/maps", 10'000'000, content), ERROR_SUCCESS);
-    EXPECT_THAT(content.bytes, testing::HasSubstr("[stack]")); // stands near its end
-    EXPECT_EQ(kx::files::ReadWholeFile("/proc/self/pagemap", 8191, content), ERROR_ACCESS_DENIED);
 }
 
 TEST_F(File, WritersShareAsTheySayAndReadersAlwaysDo)

@@ -26,25 +26,17 @@ struct Mounted : TempDir
     CString Of(std::string_view relative) const { return KXHost::FromSystemPath(Path(relative)); }
 };
 
-// Comes back to the directory that was current.
-class KeepDirectory
-{
-public:
-    ~KeepDirectory()
-    {
-        std::error_code ignored;
-        std::filesystem::current_path(m_old, ignored);
-    }
-
-private:
-    std::filesystem::path m_old = std::filesystem::current_path();
-};
-
 // Tests on a drive `X:` of their own, which may change the current directory.
 struct OnDrive : testing::Test
 {
+    ~OnDrive() override
+    {
+        std::error_code ignored;
+        std::filesystem::current_path(old, ignored);
+    }
+
+    const std::filesystem::path old = std::filesystem::current_path();
     const Mounted drive;
-    const KeepDirectory keep;
 };
 
 // The failure of an operation that throws; the cause `none` for success.

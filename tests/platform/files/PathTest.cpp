@@ -64,10 +64,7 @@ TEST_F(Path, RelativeOnesBeginInTheCurrentDirectoryAndItsDrive)
     EXPECT_EQ(GetWindowsDirectoryA(buffer, 3), 7u);
     EXPECT_EQ(GetWindowsDirectoryA(buffer, MAX_PATH), 6u);
     EXPECT_STREQ(buffer, "C:\\usr");
-}
-
-TEST_F(Path, CurrentDirectoryKeepsItsSpellingThroughLinksUntilOthersMoveIt)
-{
+    // It keeps its spelling through links until others move it.
     drive.MakeDir("real/inner");
     fs::create_directory_symlink(drive.Path("real"), drive.Path("link"));
     EXPECT_TRUE(SetCurrentDirectoryA("X:\\link\\inner"));

@@ -198,21 +198,14 @@ TEST(Send, ManyThreadsAtOnce)
         });
         MSG msg;
         all.arrive_and_wait();
-        for (int step = 0; step < 1'000; ++step)
-            switch (random() % 4) {
-            case 0:
-                pick() = Make(&handler);
-                break;
-            case 1:
-                PostMessage(pick(), kAsk, 0, 0);
-                break;
-            case 2:
-                answers += static_cast<int>(SendMessageA(pick(), kAsk, 3, 0));
-                break;
-            default:
-                while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE))
-                    DispatchMessageA(&msg);
-            }
+        for (int step = 0; step < 1'000; ++step) {
+            const auto act = random() % 4;
+            if (act == 0) pick() = Make(&handler);
+            if (act == 1) PostMessage(pick(), kAsk, 0, 0);
+            if (act == 2) answers += static_cast<int>(SendMessageA(pick(), kAsk, 3, 0));
+            while (act == 3 && PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE))
+                DispatchMessageA(&msg);
+        }
     });
     EXPECT_GT(answers, 0);
     for (const auto& hWnd : windows)

@@ -84,6 +84,10 @@ TEST_F(X11ScreenTest, WindowsAreEnlargedWhereDotsAreFine)
 {
     EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 640);
     outside->SetResources("*color: red\nXft.dpi:\t192\n");
+    for (const auto& [word, width] : {std::pair{"1", 640}, {"3", 214}, {"9", 214}, {"nonsense", 640}}) {
+        Reopen(word);
+        EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), width) << "the environment has the last word: " << word;
+    }
     Reopen();
     EXPECT_EQ(PlaceOf(GetDesktopWindow()), (RECT{0, 0, 320, 240}));
     ColorWindow window(kRed, {10, 20, 61, 71}, WS_POPUP, "window");
@@ -106,15 +110,6 @@ TEST_F(X11ScreenTest, WindowsAreEnlargedWhereDotsAreFine)
     outside->Place(outside->Find("window"), 21, 40, 131, 60);
     EXPECT_TRUE(Lies(window.handle, {10, 20, 76, 50}));
     EXPECT_TRUE(Shows(151, 99, kRed));
-}
-
-TEST_F(X11ScreenTest, TheEnvironmentHasTheLastWordOfTheScale)
-{
-    outside->SetResources("Xft.dpi: 192\n");
-    for (const auto& [word, width] : {std::pair{"1", 640}, {"3", 214}, {"9", 214}, {"nonsense", 640}}) {
-        Reopen(word);
-        EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), width) << word;
-    }
 }
 
 // The server refuses to read beyond its screen, be it by a part of a pixel: here 539 and 430 dots are seen.

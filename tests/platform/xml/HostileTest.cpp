@@ -73,10 +73,10 @@ TEST_F(HostileXml, NothingOutsideIsFetched)
     EXPECT_TRUE(Loads("<a xmlns:xi='http://www.w3.org/2001/XInclude'><xi:include href='secret.txt' "
                       "parse='text'/></a>"));
     EXPECT_EQ(Root().GetText(), "");
-}
-
-TEST_F(HostileXml, EntitiesOfItsOwnAreText)
-{
+    // Each names a catalog, which nobody reads.
+    EXPECT_TRUE(Loads(Numbered(300'000, "<?oasis-xml-catalog catalog='x'?>") + "<a/>"));
+    EXPECT_EQ(Root().GetChilds("/processing-instruction('oasis-xml-catalog')[300000]").size(), 1u);
+    // Entities of its own are text.
     EXPECT_TRUE(Loads(
         "<!DOCTYPE a [<!ENTITY % p '100&#37;'><!ENTITY y '[&x;]'><!ENTITY x 'A &amp; &#66;'><!ELEMENT a ANY>"
         "<!ATTLIST a d CDATA 'def'>]><a b='&y;'>&y;<c>&x;</c></a>"));
@@ -146,13 +146,6 @@ TEST_F(HostileXml, DeclarationsAreBounded)
     EXPECT_FALSE(Loads(names(XML_MAX_NAMES + 1)));
     EXPECT_FALSE(Loads(names(1'000'000)));
     EXPECT_FALSE(Loads("<a>" + Numbered(200'000, "<p$:b/>") + "</a>"));
-}
-
-// Each names a catalog, which nobody reads.
-TEST_F(HostileXml, CatalogInstructionsAreLikeOthers)
-{
-    EXPECT_TRUE(Loads(Numbered(300'000, "<?oasis-xml-catalog catalog='x'?>") + "<a/>"));
-    EXPECT_EQ(Root().GetChilds("/processing-instruction('oasis-xml-catalog')[300000]").size(), 1u);
 }
 
 TEST_F(HostileXml, ShapesAreBounded)
@@ -259,6 +252,12 @@ TEST_F(HostileXml, NamesThatLeaveNoRoomForOthers)
     root.AppendChild(made);
     EXPECT_TRUE(made.IsValid());
     EXPECT_EQ(root.GetChild("an-element-of-another-one").GetElementPtr(), made.GetElementPtr());
+}
+
+// The child says on its output how it went.
+TEST(XmlMemory, EachAllocationMayFail)
+{
+    EXPECT_EQ(test::Child("XmlMemoryChild", {}).Wait(), 0);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "include/KXXmlDomDocument.h"
 #include "tests/platform/xml/Numbered.h"
-#include "tests/platform/xml/Peer.h"
+#include "tests/support/Com.h"
+#include "tests/support/Test.h"
 
 namespace {
 
@@ -160,94 +161,6 @@ TEST_F(XPath, ReadsTwoRecordsInTurnAndMovesAll)
     two.GetChild("n49999").AppendChild(two.GetChild("n49998"));
     EXPECT_EQ(two.GetChild("n49998").GetText(), "49998"); // the second of the name, in its place
     EXPECT_FALSE(two.GetChild("n49998").GetChild("n49998").IsValid());
-}
-
-// ---- Random patterns on random trees: the result is libxml2's own
-
-class Chance
-{
-public:
-    explicit Chance(unsigned nSeed) : m_random(nSeed) {}
-
-    std::string Element(int nDepth)
-    {
-        const std::string name = Of({"a", "b", "c", "p:a", "p:b"});
-        std::string xml = "<" + name;
-        if (Odds(3)) xml += " xmlns:p='" + Of({"u", "v"}) + "'";
-        if (Odds(5)) xml += " xmlns='u'";
-        if (Odds(2)) xml += " x='" + Of({"1", "2", "t"}) + "'";
-        if (Odds(3)) xml += " p:y='" + Of({"1", "2"}) + "'";
-        xml += ">";
-        for (int n = 0; nDepth > 0 && n < static_cast<int>(m_random() % 5); ++n)
-            xml +=
-                Odds(3) ? Of({"t", "1", "<!--c-->", "<?p i?>", "<![CDATA[t]]>", " "}) : Element(nDepth - 1);
-        return xml + "</" + name + ">";
-    }
-    std::string Path(int nDepth)
-    {
-        std::string path = Of({"", "", "/", "//", "./"});
-        const int nSteps = 1 + static_cast<int>(m_random() % 4);
-        for (int n = 0; n < nSteps; ++n) {
-            if (n > 0) path += Of({"/", "/", "//"});
-            path += Step(nDepth);
-        }
-        return Odds(8) && nDepth > 0 ? path + " | " + Path(nDepth - 1) : path;
-    }
-
-private:
-    bool Odds(unsigned nOneIn) { return m_random() % nOneIn == 0; }
-    std::string Of(std::initializer_list<const char*> values)
-    {
-        return *(values.begin() + m_random() % values.size());
-    }
-    std::string Step(int nDepth)
-    {
-        if (Odds(5)) return Of({".", "..", "..", "@x", "@*", "text()", "comment()"});
-        std::string step = Odds(2) ? ""
-                                   : Of({"child", "descendant", "descendant-or-self", "parent", "ancestor",
-                                         "ancestor-or-self", "following", "preceding", "following-sibling",
-                                         "preceding-sibling", "self", "attribute"}) +
-                                         "::";
-        step += Of({"a", "b", "c", "p:a", "p:*", "*", "*", "node()", "x"});
-        if (nDepth > 0 && Odds(3)) step += "[" + Predicate(nDepth - 1) + "]";
-        return step;
-    }
-    std::string Predicate(int nDepth)
-    {
-        const auto nKind = m_random() % 7;
-        if (nKind == 0) return Of({"1", "2", "last()", "position()<3", "position()=last()"});
-        if (nKind == 1) return Path(nDepth);
-        if (nKind == 2) return "count(" + Path(nDepth) + ")" + Of({"=", ">", "<"}) + Of({"0", "1", "2"});
-        if (nKind == 3) return "not(" + Path(nDepth) + ")";
-        if (nKind == 4) return "@x" + Of({"=", "!=", ">"}) + Of({"1", "'t'", "@p:y"});
-        if (nKind == 6) return Path(nDepth) + Of({" = ", " and ", " or "}) + Path(nDepth);
-        return Of({"contains(.,'t')", "string-length()>2", "name()='p:a'", "starts-with(name(),'p')",
-                   "namespace-uri()='v'", "local-name()='b'", "normalize-space()=''", "sum(@x)>0"});
-    }
-
-    std::mt19937 m_random;
-};
-
-TEST_F(XPath, SelectsAsLibxml2)
-{
-    int nFound = 0;
-    for (unsigned nSeed = 0; nSeed < 150; ++nSeed) {
-        Chance chance(nSeed);
-        const std::string xml = "<r xmlns:p='u'>" + chance.Element(4) + chance.Element(4) + "</r>";
-        CKXXmlDomElement root = Root(xml);
-        test::Peer peer(xml);
-        ASSERT_TRUE(peer);
-        peer.ForgetDefaultNamespaces();
-        for (int n = 0; n < 40; ++n) {
-            const std::string pattern = chance.Path(2);
-            // This library alone tells the default namespace.
-            if (xml.find("xmlns='") != xml.npos && pattern.find("namespace-uri") != pattern.npos) continue;
-            const std::u16string found = test::Selected(root.GetElementPtr(), pattern);
-            ASSERT_EQ(found, peer.Selected(pattern)) << pattern << "\n" << xml;
-            nFound += !found.empty();
-        }
-    }
-    EXPECT_GT(nFound, 1000);
 }
 
 } // namespace

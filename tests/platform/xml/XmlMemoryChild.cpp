@@ -1,5 +1,5 @@
-// XmlMemoryChild FILE SAME: loads, walks, changes and saves a document while the n-th allocation fails, for
-// every n. Afterwards the file is the old one or the new one, nothing was thrown but a memory exception, and
+// Loads, walks, changes and saves a document while the n-th allocation fails, for every n. Afterwards the
+// file is the old one or the new one, nothing was thrown but a memory exception, and
 // nothing is left behind. Prints how many allocations failed; 1 if something else is so.
 
 #include "include/KXXmlDomDocument.h"
@@ -7,6 +7,7 @@
 #include "include/platform/Com.h"
 #include "include/platform/Exception.h"
 #include "tests/support/ShortMemory.h"
+#include "tests/support/TempDir.h"
 
 namespace {
 
@@ -17,17 +18,6 @@ using shortage::g_nLive;
 constexpr const char* kOld = "<?xml version=\"1.0\" encoding=\"gbk\"?>\n"
                              "<!DOCTYPE r [<!ENTITY e \"t<b/>\"><!ATTLIST w k ID #IMPLIED>]>\n"
                              "<r xmlns:p=\"u\"><w k=\"k1\"><t>\xC4\xE3</t><p:c/>&amp;</w><!--c--></r>\n";
-
-std::string ReadAll(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void WriteAll(const std::string& path, const std::string& content)
-{
-    std::ofstream(path, std::ios::binary) << content;
-}
 
 constexpr const char* kOther = "<o xmlns:q='u2'><x a='1' q:b='2' xml:id='i'>t<q:y/>u</x></o>";
 
@@ -83,19 +73,20 @@ bool Work(const CString& file, const CString& number)
     return true;
 }
 
-int FailEach(const std::string& path, const CString& file)
+int FailEach()
 {
-    const CString number = "5";
-    WriteAll(path, kOld);
+    const test::TempDir dir;
+    const CString file = dir.Win("x"), number = "5";
+    dir.Write("x", kOld);
     Work(file, number); // what is kept for later is made
-    const std::string fresh = ReadAll(path);
+    const std::string fresh = dir.Read("x");
     int nWrong = 0;
     for (long n = 0;; ++n) {
         const auto check = [&](bool bRight, const char* pszWrong) {
             if (!bRight) std::printf("%ld: %s\n", n, pszWrong);
             nWrong += !bRight;
         };
-        WriteAll(path, kOld);
+        dir.Write("x", kOld);
         const long nLive = g_nLive;
         g_nFailed = 0;
         bool bSaved = false, bOther = false;
@@ -110,7 +101,7 @@ int FailEach(const std::string& path, const CString& file)
         g_nLeft = -1;
         check(!bOther, "another exception");
         check(g_nLive <= nLive, "blocks are left");
-        const std::string now = ReadAll(path);
+        const std::string now = dir.Read("x");
         check(now == fresh || now == kOld, "the file is neither the old nor the new one");
         if (g_nFailed > 0) continue;
         check(bSaved && now == fresh, "the new file isn't saved"); // beyond the last one
@@ -121,9 +112,8 @@ int FailEach(const std::string& path, const CString& file)
 
 } // namespace
 
-int main(int nArguments, char** arguments)
+int main()
 {
-    if (nArguments < 3) return 2;
     CoInitialize(nullptr);
-    return FailEach(arguments[1], arguments[2]);
+    return FailEach();
 }
