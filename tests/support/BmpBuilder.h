@@ -2,6 +2,8 @@
 
 #include "tests/support/Standard.h"
 
+#include <zlib.h>
+
 // Builds image files from pictures whose pixels are letters.
 namespace test {
 
@@ -159,29 +161,20 @@ inline std::string Ico(const std::vector<std::string>& images)
 inline std::string PngChunk(std::string_view type, std::string_view content)
 {
     const std::string body = std::string(type) + std::string(content);
-    std::uint32_t crc = 0xFFFFFFFF;
-    for (const char ch : body) {
-        crc ^= static_cast<unsigned char>(ch);
-        for (int i = 0; i < 8; ++i)
-            crc = crc >> 1 ^ (crc & 1 ? 0xEDB88320u : 0);
-    }
-    return Be(static_cast<std::uint32_t>(content.size())) + body + Be(~crc);
+    const uLong crc = crc32_z(0, reinterpret_cast<const Bytef*>(body.data()), body.size());
+    return Be(static_cast<std::uint32_t>(content.size())) + body + Be(static_cast<std::uint32_t>(crc));
 }
 
 // A PNG whose rows, filter bytes included, are given as they are stored.
 inline std::string Png(std::uint32_t width, std::uint32_t height, int bits, int colorType,
                        std::string_view rows, std::string_view chunks = {}, int interlace = 0)
 {
-    std::uint32_t a = 1, b = 0;
-    for (const char ch : rows) {
-        a = (a + static_cast<unsigned char>(ch)) % 65521;
-        b = (b + a) % 65521;
-    }
+    const uLong adler = adler32_z(1, reinterpret_cast<const Bytef*>(rows.data()), rows.size());
     const std::string header = Be(width) + Be(height) + static_cast<char>(bits) +
                                static_cast<char>(colorType) + std::string(2, '\0') +
                                static_cast<char>(interlace);
-    const std::string stored =
-        "\x78\x01\x01" + Le(rows.size(), 2) + Le(~rows.size(), 2) + std::string(rows) + Be(b << 16 | a);
+    const std::string stored = "\x78\x01\x01" + Le(rows.size(), 2) + Le(~rows.size(), 2) + std::string(rows) +
+                               Be(static_cast<std::uint32_t>(adler));
     return "\x89PNG\r\n\x1a\n" + PngChunk("IHDR", header) + std::string(chunks) + PngChunk("IDAT", stored) +
            PngChunk("IEND", "");
 }

@@ -2,7 +2,6 @@
 
 #include "include/platform/CodePage.h"
 #include "include/platform/Host.h"
-#include "tests/support/Fixed.h"
 #include "tests/support/Standard.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/Fixed.h"
+
 // Most tests and the programs that they start use this of the standard library and of the system.
 #include <algorithm>
 #include <array>

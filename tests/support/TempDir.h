@@ -1,7 +1,6 @@
 #pragma once
 
 #include "include/platform/String.h"
-#include "tests/support/Fixed.h"
 #include "tests/support/Standard.h"
 
 namespace test {

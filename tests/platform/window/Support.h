@@ -2,7 +2,6 @@
 
 #include "include/platform/Sync.h"
 #include "include/platform/Window.h"
-#include "tests/support/Fixed.h"
 #include "tests/support/Standard.h"
 
 namespace test {

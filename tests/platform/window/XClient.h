@@ -2,7 +2,6 @@
 
 #include "include/platform/Gdi.h"
 #include "include/platform/Geometry.h"
-#include "tests/support/Fixed.h"
 #include "tests/support/Standard.h"
 
 #include <sys/uio.h>
