@@ -139,7 +139,11 @@ TEST_F(X11LostTest, TheServerMayGoWhileTheKeyboardIsAskedFor)
             ASSERT_TRUE(KXHost::UseMemoryDesktop()) << n;
         }
     }
-    // A server that stays is sent its pixels over this way, the network's, over which no memory goes.
+}
+
+// The way to it is the network's, over which no memory goes.
+TEST_F(X11LostTest, AServerOfAnotherMachineIsSentItsPixels)
+{
     const XRelay relay(*server, INT_MAX, true);
     Use(relay.Name());
     const SeenWindow window(*this, kRed, {0, 0, 300, 300});

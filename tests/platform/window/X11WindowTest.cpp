@@ -47,6 +47,13 @@ TEST_F(X11WindowTest, PixelsReachTheScreenAndComeBackFromIt)
     }
 }
 
+TEST_F(X11WindowTest, AScreenOfOtherPixelsHasNoWindows)
+{
+    Begin("640x480x16");
+    EXPECT_EQ(Make(), nullptr);
+    EXPECT_EQ(SeenAt(5, 5), DESKTOP_COLOR);
+}
+
 TEST_F(X11WindowTest, TopmostPopupsStayAboveTheOthers)
 {
     ColorWindow top(kRed, {0, 0, 100, 100}), next(kBlue, {50, 0, 150, 100}), third(kGreen, {60, 0, 160, 100});
@@ -232,9 +239,6 @@ TEST_F(X11WindowTest, AnotherDesktopIsChosenOnlyWithoutWindows)
     EXPECT_FALSE(KXHost::UseDisplay(name.c_str(), 50));
     EXPECT_EQ(silent.Connections(), 1) << "it took the call and said nothing";
     EXPECT_FALSE(KXHost::IsMemoryDesktop());
-    Begin("640x480x16"); // a screen of other pixels has no windows
-    EXPECT_EQ(Make(), nullptr);
-    EXPECT_EQ(SeenAt(5, 5), DESKTOP_COLOR);
 }
 
 // While a process ends, the main thread's windows are gone before its static objects.
