@@ -78,11 +78,7 @@ const char* NameOf(Status status)
     }
 }
 
-void Save(Bitmap& bitmap, const fs::path& target)
-{
-    const CLSID png{0x557CF406, 0x1A04, 0x11D3, {0x9A, 0x73, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
-    bitmap.Save(Wide(target).c_str(), &png);
-}
+constexpr CLSID kPng{0x557CF406, 0x1A04, 0x11D3, {0x9A, 0x73, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
 
 } // namespace
 
@@ -104,7 +100,8 @@ Outcome ReadPicture(const fs::path& file, const fs::path& saved)
         const auto expected = Expected(file, n, nFrames);
         const auto pixels = expected.empty() ? std::vector<ARGB>() : PixelsOf(bitmap);
         if (!saved.empty())
-            Save(bitmap, saved / (file.filename().string() + "-" + std::to_string(n) + ".png"));
+            bitmap.Save(Wide(saved / (file.filename().string() + "-" + std::to_string(n) + ".png")).c_str(),
+                        &kPng);
         if (!expected.empty() && std::none_of(expected.begin(), expected.end(),
                                               [&](const fs::path& one) { return Shows(pixels, one); }))
             return {Verdict::Wrong, "other than " + expected[0].filename().string()};

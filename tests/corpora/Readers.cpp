@@ -1,6 +1,7 @@
 #include "tests/corpora/Readers.h"
 
 #include "include/KXCommonClass.h"
+#include "tests/support/Com.h"
 
 namespace fs = std::filesystem;
 
@@ -27,30 +28,17 @@ void Walk(CKXXmlDomElement element, int& nLeft)
         Walk(child, nLeft);
 }
 
-} // namespace
-
-std::string ToPlatform(const fs::path& file)
-{
-    std::string path = "C:" + fs::absolute(file).string();
-    std::replace(path.begin(), path.end(), '/', '\\');
-    return path;
-}
-
 Outcome ReadDocument(const fs::path& file)
 {
-    CoInitialize(nullptr);
-    Outcome outcome;
-    {
-        CKXXmlDomDocument document;
-        const bool bLoaded = document.Load(ToPlatform(file).c_str());
-        int nLeft = kMostElements;
-        if (bLoaded) Walk(document.GetDocumentElement(), nLeft);
-        if (!bLoaded) outcome = {Verdict::Refused, "not well-formed, or beyond a limit"};
-        if (!bLoaded && IsListed(file, "accepted.txt")) outcome = {Verdict::Wrong, "listed as accepted"};
-        if (bLoaded && IsListed(file, "refused.txt")) outcome = {Verdict::Wrong, "listed as refused"};
-    }
-    CoUninitialize();
-    return outcome;
+    const test::Com com;
+    CKXXmlDomDocument document;
+    if (!document.Load(ToPlatform(file).c_str()))
+        return IsListed(file, "accepted.txt")
+                   ? Outcome{Verdict::Wrong, "listed as accepted"}
+                   : Outcome{Verdict::Refused, "not well-formed, or beyond a limit"};
+    int nLeft = kMostElements;
+    Walk(document.GetDocumentElement(), nLeft);
+    return IsListed(file, "refused.txt") ? Outcome{Verdict::Wrong, "listed as refused"} : Outcome{};
 }
 
 // Every key, found as the file's lines have it.
@@ -88,6 +76,15 @@ Outcome ReadBinary(const fs::path& file)
     if (hModule) FreeLibrary(hModule);
     if (bVersion || hModule) return {};
     return {Verdict::Refused, "neither a version nor resources"};
+}
+
+} // namespace
+
+std::string ToPlatform(const fs::path& file)
+{
+    std::string path = "C:" + fs::absolute(file).string();
+    std::replace(path.begin(), path.end(), '/', '\\');
+    return path;
 }
 
 Outcome Read(const fs::path& file, const fs::path& saved)

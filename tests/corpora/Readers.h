@@ -28,9 +28,6 @@ struct Outcome
 Outcome Read(const std::filesystem::path& file, const std::filesystem::path& saved);
 
 Outcome ReadPicture(const std::filesystem::path& file, const std::filesystem::path& saved);
-Outcome ReadDocument(const std::filesystem::path& file);
-Outcome ReadIni(const std::filesystem::path& file);
-Outcome ReadBinary(const std::filesystem::path& file);
 
 // A path as the library takes it.
 std::string ToPlatform(const std::filesystem::path& file);

@@ -43,15 +43,17 @@ private:
     const bool m_bArmed;
 };
 
+// A path of the library's, without an allocation; it lasts for seven calls more.
+const char* Join(const std::string& directory, const char* pszName) noexcept;
+
 // A work may use this: a directory of its own, empty at first, and one with files to read.
 struct Place
 {
     std::string own, data;
 
     std::string Path(const char* pszName) const { return own + "/" + pszName; }
-    // The library's paths, without an allocation; each lasts for seven calls more.
-    const char* Own(const char* pszName) const noexcept;
-    const char* Data(const char* pszName) const noexcept;
+    const char* Own(const char* pszName) const noexcept { return Join(own, pszName); }
+    const char* Data(const char* pszName) const noexcept { return Join(data, pszName); }
 };
 
 // Something that the library is used for. Each step runs in a process of its own.
@@ -72,7 +74,5 @@ const std::vector<Work>& Works();
 void SetServer(const std::string& url);
 // Makes the files to read.
 void MakeData(const std::string& directory);
-
-void WriteFile(const std::string& path, std::string_view text);
 
 } // namespace faults

@@ -16,16 +16,9 @@ namespace {
 constexpr const char* kTypes[] = {"png", "jpg", "bmp", "tif", "gif"};
 constexpr const char* kMimes[] = {"image/png", "image/jpeg", "image/bmp", "image/tiff", "image/gif"};
 
-// A path of the library's without an allocation.
-const char* Join(const std::string& directory, const char* pszName) noexcept
+void WriteFile(const std::string& path, std::string_view text)
 {
-    static thread_local std::array<std::array<char, 512>, 8> buffers;
-    static thread_local std::size_t next = 0;
-    auto& buffer = buffers[next++ % buffers.size()];
-    std::snprintf(buffer.data(), buffer.size(), "C:%s/%s", directory.c_str(), pszName);
-    for (char& ch : buffer)
-        if (ch == '/') ch = '\\';
-    return buffer.data();
+    std::ofstream(path, std::ios::binary) << text;
 }
 
 void UseClock(const Place&)
@@ -383,13 +376,15 @@ bool Service(const Place&)
 
 } // namespace
 
-const char* Place::Own(const char* pszName) const noexcept
+const char* Join(const std::string& directory, const char* pszName) noexcept
 {
-    return Join(own, pszName);
-}
-const char* Place::Data(const char* pszName) const noexcept
-{
-    return Join(data, pszName);
+    static thread_local std::array<std::array<char, 512>, 8> buffers;
+    static thread_local std::size_t next = 0;
+    auto& buffer = buffers[next++ % buffers.size()];
+    std::snprintf(buffer.data(), buffer.size(), "C:%s/%s", directory.c_str(), pszName);
+    for (char& ch : buffer)
+        if (ch == '/') ch = '\\';
+    return buffer.data();
 }
 
 const std::vector<Work>& Works()
@@ -440,11 +435,6 @@ void MakeData(const std::string& directory)
     for (const char letter : std::string("RGB"))
         frames.push_back({.picture = test::Picture(4, std::string(4, letter)), .delay = 10});
     WriteFile(directory + "/frames.gif", test::Gif(4, 4, frames));
-}
-
-void WriteFile(const std::string& path, std::string_view text)
-{
-    std::ofstream(path, std::ios::binary) << text;
 }
 
 } // namespace faults

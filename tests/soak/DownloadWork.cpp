@@ -92,7 +92,7 @@ soak::Figures soak::RunDownloads(Turn turn, const test::TempDir& dir)
             figures.Need(ends.ended.contains(n) && dir.Read("load" + std::to_string(n)) == Body(sizes[n]),
                          "download " + std::to_string(n) + " of " + std::to_string(sizes[n]) + " bytes");
         figures.Need(ends.ended.size() == static_cast<std::size_t>(nGood), "a failed download's silence");
-        figures.operations += static_cast<std::uint64_t>(nGood);
+        figures.operations += static_cast<std::size_t>(nGood);
         ++figures.faults;
     }
     return figures;

@@ -55,15 +55,13 @@ int main(int nArgs, char** args)
         running.push_back(
             std::async(std::launch::async, work, soak::Turn{end, std::mt19937(own)}, std::ref(dir)));
     }
-    std::uint64_t losses = StaysFlat(begin, time) ? 0 : 1;
+    std::size_t losses = StaysFlat(begin, time) ? 0 : 1;
     std::printf("seed %u\n", seed);
     std::printf("%-12s %12s %12s %12s\n", "", "operations", "faults", "losses");
     for (std::size_t n = 0; n < running.size(); ++n) {
         const soak::Figures figures = running[n].get();
-        std::printf("%-12s %12llu %12llu %12llu\n", works[n].first,
-                    static_cast<unsigned long long>(figures.operations),
-                    static_cast<unsigned long long>(figures.faults),
-                    static_cast<unsigned long long>(figures.losses));
+        std::printf("%-12s %12zu %12zu %12zu\n", works[n].first, figures.operations, figures.faults,
+                    figures.losses);
         losses += figures.losses + (figures.operations == 0);
     }
     return losses == 0 ? 0 : 1;

@@ -6,9 +6,9 @@ namespace soak {
 
 struct Figures
 {
-    std::uint64_t operations = 0;
-    std::uint64_t faults = 0; // injected
-    std::uint64_t losses = 0; // what was lost or came out wrong
+    std::size_t operations = 0;
+    std::size_t faults = 0; // injected
+    std::size_t losses = 0; // what was lost or came out wrong
 
     // Counts a loss where something isn't kept, and says on stderr which.
     void Need(bool bKept, const std::string& what)

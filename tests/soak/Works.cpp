@@ -9,15 +9,9 @@
 
 // ---- The log
 
-namespace {
-
-constexpr int kThreads = 8;
-constexpr int kLines = 2'000; // of a thread in a round
-
-} // namespace
-
 soak::Figures soak::RunLog(Turn turn, const test::TempDir& dir)
 {
+    constexpr int kThreads = 8, kLines = 2'000; // of a thread in a round
     Figures figures;
     CKXLogSys* const pLog = CKXLogSys::GetSingletonPtr();
     while (turn.Goes()) {
@@ -44,32 +38,15 @@ soak::Figures soak::RunLog(Turn turn, const test::TempDir& dir)
 
 // ---- Languages
 
-namespace {
-
-constexpr int kReaders = 3;
-constexpr int kKeys = 200;
-
-std::string Texts(const std::string& language)
-{
-    std::string text;
-    for (int n = 0; n < kKeys; ++n)
-        text += "KEY" + std::to_string(n) + " = " + language + std::to_string(n) + "\r\n";
-    return text;
-}
-
-// A key that is missing while a selection runs is its own text.
-bool IsText(const CString& strText, const CString& strNumber)
-{
-    return strText == "One" + strNumber || strText == "Two" + strNumber || strText == "KEY" + strNumber;
-}
-
-} // namespace
-
 soak::Figures soak::RunLanguages(Turn turn, const test::TempDir& dir)
 {
+    constexpr int kReaders = 3, kKeys = 200;
     for (const std::string id : {"One", "Two"}) {
+        std::string texts;
+        for (int n = 0; n < kKeys; ++n)
+            texts += "KEY" + std::to_string(n) + " = " + id + std::to_string(n) + "\r\n";
         dir.Write("Soaked/" + id + "/Lan.ini", "[Language]\r\nLanguage=" + id + "\r\n");
-        dir.Write("Soaked/" + id + "/Data.txt", Texts(id));
+        dir.Write("Soaked/" + id + "/Data.txt", texts);
     }
     CKXLanResManager* const pLanguages = CKXLanResManager::GetSingletonPtr();
     Figures figures;
@@ -80,9 +57,11 @@ soak::Figures soak::RunLanguages(Turn turn, const test::TempDir& dir)
         for (int nReader = 0; nReader < kReaders; ++nReader)
             readers.emplace_back([&, own = turn]() mutable {
                 for (; own.Goes(); ++reads) {
-                    CString strNumber;
-                    strNumber.Format("%d", own.Below(kKeys));
-                    wrong += !IsText(pLanguages->GetString("KEY" + strNumber), strNumber);
+                    const CString strNumber = std::to_string(own.Below(kKeys)).c_str();
+                    const CString strText = pLanguages->GetString("KEY" + strNumber);
+                    // A key that is missing while a selection runs is its own text.
+                    wrong += strText != "One" + strNumber && strText != "Two" + strNumber &&
+                             strText != "KEY" + strNumber;
                 }
             });
         for (; turn.Goes(); ++figures.operations) {
