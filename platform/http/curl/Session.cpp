@@ -102,7 +102,6 @@ Easy MakeEasy(const char* pszAgent, bool bProxies)
     if (pszAgent && *pszAgent) Set(easy, CURLOPT_USERAGENT, pszAgent);
     if (!bProxies) Set(easy, CURLOPT_PROXY, "");
     SetAuthorities(easy);
-    Set(easy, CURLOPT_PROTOCOLS_STR, "http,https");
     Set(easy, CURLOPT_FOLLOWLOCATION, 1L);
     Set(easy, CURLOPT_MAXREDIRS, 10L);
     Set(easy, CURLOPT_PATH_AS_IS, 1L);

@@ -3,7 +3,6 @@
 #include "platform/PipeSignal.h"
 #include "platform/text/CharWalk.h"
 
-#include <algorithm>
 #include <memory>
 #include <string>
 #include <utility>
@@ -21,15 +20,13 @@ struct FreeText
     void operator()(char* psz) const noexcept { curl_free(psz); }
 };
 
-// An URL with blanks and control characters behind its host percent-encoded, which a request line can't hold.
+// An URL with its blanks and control characters percent-encoded, since neither a request line nor a host may
+// hold them.
 std::string ToWire(std::string_view url)
 {
     constexpr std::string_view kDigits = "0123456789ABCDEF";
-    const std::size_t scheme = url.find("://");
-    const std::size_t host = scheme == url.npos ? 0 : scheme + 3;
-    const std::size_t path = std::min(url.find_first_of("/?#", host), url.size());
-    std::string wire(url.substr(0, path)); // a host with a blank is none
-    for (const char ch : url.substr(path)) {
+    std::string wire;
+    for (const char ch : url) {
         const auto byte = static_cast<unsigned char>(ch);
         if (byte > ' ' && byte != 0x7F)
             wire += ch;
@@ -184,7 +181,6 @@ std::size_t Transfer::OnBody(char* pch, std::size_t nSize, std::size_t nCount, v
 {
     auto& self = *static_cast<Transfer*>(pTransfer);
     const std::string_view bytes(pch, nSize * nCount);
-    self.m_heard = time::Now();
     self.m_bOpen = true;
     self.m_bPaused = !self.m_handle->buffer.Put(bytes);
     return self.m_bPaused ? CURL_WRITEFUNC_PAUSE : bytes.size();

@@ -37,6 +37,7 @@ Failure FailureOf(Call call)
         EXPECT_TRUE(exception->GetErrorMessage(why.data(), why.size(), &help)) << exception->m_dwError;
         EXPECT_EQ(help, 0u);
         EXPECT_FALSE(exception->GetErrorMessage(why.data(), 0, nullptr));
+        EXPECT_TRUE(exception->GetErrorMessage(&why.back(), 1));
         const Failure failure{exception->m_dwError, exception->m_dwContext, why.data()};
         exception->Delete();
         return failure;

@@ -181,8 +181,14 @@ TEST(Internet, UsesTheProxyOfTheEnvironment)
     }
     setenv("no_proxy", "127.0.0.1", 1);
     EXPECT_EQ(Fetch(server.Url()).body, "hi");
-    unsetenv("http_proxy");
-    unsetenv("no_proxy");
+    RawServer secure([](Peer& peer) { // its own answer is none of what was asked for
+        peer.Send(peer.Request().starts_with("CONNECT") ? kOk + "\r\n" : Redirect("https://somewhere.test/"));
+    });
+    for (const char* pszName : {"http_proxy", "https_proxy"})
+        setenv(pszName, ("http://" + secure.Host()).c_str(), 1);
+    EXPECT_FALSE(Fetch("http://somewhere.test/").opened);
+    for (const char* pszName : {"http_proxy", "https_proxy", "no_proxy"})
+        unsetenv(pszName);
 }
 
 TEST(Internet, RefusesWhatItDoesNotOffer)
