@@ -34,19 +34,25 @@ Side MeasureWork(const TimedWork& work)
 
 void MeasurePlan(CurvePlan& plan)
 {
-    std::istringstream told(RunApart([&](std::ostream& out) {
-        for (const int nSize : plan.sizes)
+    for (const int nSize : plan.sizes) {
+        std::istringstream told(RunApart([&](std::ostream& out) {
             try {
+                const double before = PeakMemory();
                 const Side time = MeasureWork(plan.make(nSize));
-                out << nSize << ' ' << time.lower << ' ' << time.median << ' ' << time.upper << '\n';
+                out << time.lower << ' ' << time.median << ' ' << time.upper << ' ' << PeakMemory() - before;
+                return true;
             } catch (const std::exception& e) {
                 std::fprintf(stderr, "%s, %d: %s\n", plan.curve.name.c_str(), nSize, e.what());
                 return false;
             }
-        return true;
-    }));
-    for (Curve::Point point; told >> point.size >> point.time.lower >> point.time.median >> point.time.upper;)
+        }));
+        Curve::Point point{.size = 1. * nSize};
+        if (!(told >> point.cost.lower >> point.cost.median >> point.cost.upper >> point.cost.peak)) {
+            plan.curve.points.clear();
+            return;
+        }
         plan.curve.points.push_back(point);
+    }
 }
 
 } // namespace
@@ -54,7 +60,7 @@ void MeasurePlan(CurvePlan& plan)
 double Curve::SlopeTo(std::size_t nPoint) const
 {
     const Point &from = points[nPoint - 1], &to = points[nPoint];
-    return std::log(to.time.median / from.time.median) / std::log(to.size / from.size);
+    return std::log(to.cost.median / from.cost.median) / std::log(to.size / from.size);
 }
 
 std::vector<Curve> MeasureCurves(const std::string& filter)

@@ -13,7 +13,7 @@ struct Curve
     struct Point
     {
         double size = 0;
-        Side time;
+        Side cost;
     };
 
     std::string name;

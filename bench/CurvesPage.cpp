@@ -44,8 +44,8 @@ public:
         double least = INFINITY, most = 0;
         for (const Curve& curve : curves)
             for (const Curve::Point& point : curve.points) {
-                least = std::min(least, point.time.median);
-                most = std::max(most, point.time.median);
+                least = std::min(least, point.cost.median);
+                most = std::max(most, point.cost.median);
                 m_right = std::max(m_right, std::ceil(std::log10(point.size)));
             }
         m_bottom = std::floor(std::log10(least));
@@ -98,12 +98,12 @@ void DrawCurve(const Plane& plane, const Curve& curve, const char* pszColor, std
 {
     out << R"(<polyline fill="none" stroke-width="2" stroke=")" << pszColor << R"(" points=")";
     for (const Curve::Point& point : curve.points) {
-        const Place at = plane.At(point.size, point.time.median);
+        const Place at = plane.At(point.size, point.cost.median);
         out << at.x << ',' << at.y << ' ';
     }
     out << "\"/>\n";
     for (const Curve::Point& point : curve.points) {
-        const Place at = plane.At(point.size, point.time.median);
+        const Place at = plane.At(point.size, point.cost.median);
         out << R"(<circle r="3" cx=")" << at.x << R"(" cy=")" << at.y << R"(" fill=")" << pszColor
             << "\"/>\n";
     }
@@ -115,24 +115,23 @@ void PrintCurves(const std::vector<Curve>& curves)
 {
     for (const Curve& curve : curves)
         for (std::size_t n = 0; n < curve.points.size(); ++n) {
-            const auto& [size, time] = curve.points[n];
+            const auto& [size, cost] = curve.points[n];
             std::printf("%-24s %12s %-10s %12.3f us (%.3f to %.3f)", curve.name.c_str(),
-                        Grouped(size).c_str(), curve.unit.c_str(), time.median / 1000, time.lower / 1000,
-                        time.upper / 1000);
+                        Grouped(size).c_str(), curve.unit.c_str(), cost.median / 1000, cost.lower / 1000,
+                        cost.upper / 1000);
             std::printf(n > 0 ? "  slope %.2f\n" : "\n", n > 0 ? curve.SlopeTo(n) : 0);
         }
 }
 
 void WriteCurves(const std::vector<Curve>& curves, std::ostream& out)
 {
-    out << "| Work | Row | Size | Time | Quartiles | Slope |\n|---|---|--:|--:|--:|--:|\n";
+    out << "| Work | Row | Size | Time | Quartiles | Slope | Memory |\n|---|---|--:|--:|--:|--:|--:|\n";
     for (const Curve& curve : curves)
         for (std::size_t n = 0; n < curve.points.size(); ++n) {
-            const auto& [size, time] = curve.points[n];
+            const auto& [size, cost] = curve.points[n];
             out << "| " << (n == 0 ? curve.what + " (" + curve.unit + ")" : "") << " | "
-                << (n == 0 ? curve.name : "") << " | " << Grouped(size) << " | " << Time(time.median) << " | "
-                << Time(time.lower) << " to " << Time(time.upper) << " | "
-                << (n > 0 ? Fixed(curve.SlopeTo(n), 2) : "") << " |\n";
+                << (n == 0 ? curve.name : "") << " | " << Grouped(size) << " | " << Spread(cost) << " | "
+                << (n > 0 ? Fixed(curve.SlopeTo(n), 2) : "") << " | " << Memory(cost.peak) << " |\n";
         }
 }
 
@@ -155,7 +154,7 @@ void DrawCurves(const std::vector<Curve>& curves, const std::string& strFile)
         if (curves[n].points.empty()) continue;
         DrawCurve(plane, curves[n], colors[n % colors.size()], out);
         const Curve::Point& last = curves[n].points.back();
-        ends.emplace_back(plane.At(last.size, last.time.median), n);
+        ends.emplace_back(plane.At(last.size, last.cost.median), n);
     }
     std::sort(ends.begin(), ends.end(), [](const auto& a, const auto& b) { return a.first.y < b.first.y; });
     double y = Plane::top;

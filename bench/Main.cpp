@@ -9,6 +9,9 @@
 
 using namespace bench;
 
+// Others' work on the machine makes figures of no worth for a page.
+constexpr double mostUnrest = 0.08;
+
 // --json FILE and --page FILE write the rows there too; --only TEXT runs the works whose names match it.
 int main(int argc, char** argv)
 {
@@ -38,6 +41,11 @@ int main(int argc, char** argv)
         if (curve.points.empty()) fail(curve.name);
     PrintCurves(curves);
     if (pszJson) WriteJson(rows, pszJson);
-    if (pszPage) WritePage(rows, curves, pszPage);
+    const double unrest = Unrest(rows);
+    std::printf("quartiles are %.1f %% apart in the median\n", unrest * 100);
+    if (pszPage && unrest > mostUnrest)
+        fail("A page, by a machine as restless as that,");
+    else if (pszPage)
+        WritePage(rows, curves, pszPage);
     return (rows.empty() && curves.empty()) || nFailed > 0 ? 1 : 0;
 }

@@ -90,21 +90,10 @@ std::map<std::string, Side> TimeSides(const std::string& work)
 // The memory that this process had before it prepared a side, in bytes; 0 where memory isn't measured.
 double residentBefore = 0;
 
-double OwnPeak()
-{
-    std::ifstream file("/proc/self/status");
-    std::string word;
-    double kilobytes = 0;
-    while (file >> word && word != "VmHWM:") {
-    }
-    file >> kilobytes;
-    return kilobytes * 1024;
-}
-
 double PeakOf(const std::string& work, const std::string& side)
 {
     std::istringstream told(RunApart([&](std::ostream& out) {
-        residentBefore = OwnPeak();
+        residentBefore = PeakMemory();
         Pairs pairs;
         Run(pairs, "^" + work + "/" + side + "(/|$)", false, 1);
         out << pairs.Peak();
@@ -141,7 +130,19 @@ void ResetPeak()
 void TellPeak(benchmark::State& state)
 {
     if (!IsMemoryMeasured()) return;
-    state.counters[pszPeak] = benchmark::Counter(OwnPeak() - residentBefore, benchmark::Counter::kAvgThreads);
+    state.counters[pszPeak] =
+        benchmark::Counter(PeakMemory() - residentBefore, benchmark::Counter::kAvgThreads);
+}
+
+double PeakMemory()
+{
+    std::ifstream file("/proc/self/status");
+    std::string word;
+    double kilobytes = 0;
+    while (file >> word && word != "VmHWM:") {
+    }
+    file >> kilobytes;
+    return kilobytes * 1024;
 }
 
 std::string RunApart(const std::function<bool(std::ostream&)>& run)

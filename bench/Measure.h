@@ -17,6 +17,9 @@ std::vector<Row> Measure(const std::string& work);
 // Gives the text that a function writes in a process of its own; empty if that ends ill or it gives false.
 std::string RunApart(const std::function<bool(std::ostream&)>& run);
 
+// The peak of this process's resident memory, in bytes.
+double PeakMemory();
+
 // The counter by which a benchmark tells the peak of its memory, in bytes: of the process that it has run, or
 // as Loop.h does.
 inline constexpr const char* pszPeak = "peak";

@@ -52,6 +52,13 @@ void WriteJson(const std::vector<Row>& rows, const char* pszFile);
 // A page with the tables, the machine and the date.
 void WritePage(const std::vector<Row>& rows, const std::vector<Curve>& curves, const char* pszFile);
 
+// How far apart the quartiles are, as a part of the time, in the median of all sides: little on a quiet
+// machine.
+double Unrest(const std::vector<Row>& rows);
+
+// A time in a table, and the quartiles around it.
+std::string Spread(const Side& side);
+std::string Memory(double bytes);
 // Three digits that count, in the unit that suits.
 std::string Time(double nanoseconds);
 

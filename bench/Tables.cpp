@@ -39,25 +39,12 @@ std::string Today()
     return text;
 }
 
-std::string Memory(double bytes)
-{
-    char text[32];
-    std::snprintf(text, sizeof(text), "%.1f MB", bytes / (1 << 20));
-    return text;
-}
-
 // A ratio, in bold where it is short of its aim, and the aim.
 void WriteRatio(std::ostream& out, double ratio, double aim)
 {
     const char* const pszBold = ratio < aim ? "**" : "";
     out << " | " << pszBold << ratio << pszBold << " | ";
     if (aim > 0) out << aim;
-}
-
-// A time and the quartiles around it.
-std::string Spread(const Side& side)
-{
-    return Time(side.median) + " | " + Time(side.lower) + " to " + Time(side.upper);
 }
 
 // With the memory's ratio too where whole processes are compared.
@@ -93,6 +80,28 @@ std::string Time(double nanoseconds)
                                         : 0,
                   nanoseconds, units[n]);
     return text;
+}
+
+std::string Memory(double bytes)
+{
+    char text[32];
+    std::snprintf(text, sizeof(text), "%.1f MB", bytes / (1 << 20));
+    return text;
+}
+
+std::string Spread(const Side& side)
+{
+    const std::string quartiles = Time(side.lower) + " to " + Time(side.upper);
+    return Time(side.median) + " | " + (side.lower < side.upper ? quartiles : "measured once");
+}
+
+double Unrest(const std::vector<Row>& rows)
+{
+    std::vector<double> ranges;
+    for (const Row& row : rows)
+        for (const Side& side : {row.ours, row.theirs})
+            ranges.push_back((side.upper - side.lower) / side.median);
+    return QuartilesOf(ranges).median;
 }
 
 void Print(const std::vector<Row>& rows)
@@ -135,10 +144,13 @@ void WritePage(const std::vector<Row>& rows, const std::vector<Curve>& curves, c
     DrawCurves(curves, picture);
     std::ofstream file(pszFile);
     file << std::fixed << std::setprecision(2);
-    file << "# Benchmarks\n\nWritten by `scripts/bench` on " << Today() << ": " << Machine() << R"(.
+    file
+        << "# Benchmarks\n\nWritten by `scripts/bench` on " << Today() << ": " << Machine() << R"(.
 
 Each work is done by the library and by a peer, nine times each, in turns at random. A time is the median of the nine,
-and beside it are their quartiles. The ratio is how many times faster the library is; the aim is the least that it is
+and beside it are their quartiles, which lie )"
+        << Unrest(rows) * 100
+        << R"( % of the time apart in the median. The ratio is how many times faster the library is; the aim is the least that it is
 meant to be, and a ratio short of it is in bold. A peer without a version is a loop of the benchmark's own, or the
 library itself at another work.
 
@@ -153,7 +165,8 @@ while it does the work, above what the benchmark's program has before it prepare
 ## Whole processes
 
 What small programs take from their start to their end: processor time, and the peak of resident memory. Each maps the
-libraries of its own side alone. "Nothing" is a client that is linked with the library and ends at once.
+libraries of its own side alone. A client of ours that does nothing
+is linked with the library and ends at once.
 
 )";
     WriteTable(file, rows, true);
@@ -161,7 +174,8 @@ libraries of its own side alone. "Nothing" is a client that is linked with the l
 ## Cost against size
 
 What users grow: medians of up to nine. The slope is the power of the size by which the time has grown since the row
-above: 0 is a time that stays, 1 one that grows with the size. Files lie in memory. A document has 64 MiB at most.
+above: 0 is a time that stays, 1 one that grows with the size. Each size runs in a process of its own, and its memory is
+the peak above what that has before it prepares the size. Files lie in memory. A document has 64 MiB at most.
 
 ![Time by size, both axes logarithmic]()"
          << picture.filename().string() << ")\n\n";
