@@ -66,7 +66,7 @@ struct Work
     bool (*run)(const Place& place);
     // Whether the files are whole: the old state or the new one. May be null.
     bool (*intact)(const Place& place);
-    bool bWritesFiles;
+    bool bClock = false; // on a virtual clock
 };
 
 const std::vector<Work>& Works();

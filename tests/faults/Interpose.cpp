@@ -6,7 +6,6 @@
 #include <execinfo.h>
 #include <link.h>
 #include <span>
-#include <sys/uio.h>
 
 // Calls of the C library in this program's place, which all libraries of the process find first.
 
@@ -170,7 +169,6 @@ KX_OPEN(openat64, (int fd, const char* pszPath, int flags, ...), fd)
     }
 KX_WRITE(write, (int fd, const void* p, std::size_t n), n, n / 2 + n % 2, fd, p, n)
 KX_WRITE(pwrite, (int fd, const void* p, std::size_t n, off_t at), n, n / 2 + n % 2, fd, p, n, at)
-KX_WRITE(writev, (int fd, const iovec* parts, int nParts), nParts, 1, fd, parts, nParts)
 KX_WRITE(copy_file_range, (int from, off64_t* pFrom, int to, off64_t* pTo, std::size_t n, unsigned flags), n,
          n / 2 + n % 2, from, pFrom, to, pTo, n, flags)
 

@@ -79,6 +79,12 @@ std::string Try(const Work& work, const Place& place)
     }
 }
 
+void Prepare(const Work& work, const Place& place)
+{
+    if (work.bClock) KXHost::UseVirtualClock(1'700'000'000, KXHost::VirtualSleep::Advances);
+    if (work.prepare) work.prepare(place);
+}
+
 struct Left
 {
     int handles = 0, files = 0;
@@ -95,8 +101,8 @@ struct Left
     setrlimit(RLIMIT_CPU, &seconds);
     const rlimit none{0, 0};
     setrlimit(RLIMIT_CORE, &none);
-    alarm(20);
-    if (work.prepare) work.prepare(place);
+    alarm(200); // for one that waits; the machine may be busy
+    Prepare(work, place);
     faults::Arm(plan);
     const std::string first = Try(work, place);
     const long calls = faults::Disarm();
@@ -143,7 +149,7 @@ std::optional<Left> UsuallyLeft(const Work& work, const std::string& data)
     const test::TempDir own;
     const std::string text = InChild([&](int report) {
         const Place place{own.Path(), data};
-        if (work.prepare) work.prepare(place);
+        Prepare(work, place);
         const std::string first = Try(work, place), second = Try(work, place);
         const std::string figures = first + second + " " + std::to_string(KXHost::LiveHandles()) + " " +
                                     std::to_string(test::CountEntries("/proc/self/fd"));
@@ -157,9 +163,9 @@ std::optional<Left> UsuallyLeft(const Work& work, const std::string& data)
 
 } // namespace
 
-// kx_faults SAMPLE-DIR, which scripts/faults runs: prints the works, a "*" behind those that write files.
-// Then each line of its input is a work and a plan's numbers in their order; the answer is what came of it,
-// the places where the first call failed, and an empty line.
+// kx_faults SAMPLE-DIR, which scripts/faults runs: prints the works. Then each line of its input is a work
+// and a plan's numbers in their order; the answer is what came of it, the places where the first call failed,
+// and an empty line.
 int main(int nArgs, char** args)
 {
     if (nArgs != 2) return 2;
@@ -174,6 +180,7 @@ int main(int nArgs, char** args)
         std::filesystem::copy(std::filesystem::path(args[1]) / pszTree, data.Path(pszTree),
                               std::filesystem::copy_options::recursive);
     KXHost::SetExecutablePath(data.Path("app"));
+    KXHost::UseMemoryDesktop();
     const test::RawServer server(
         test::RawServer::Answering("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\ndownloaded", true));
     faults::SetServer(server.Url());
@@ -182,7 +189,7 @@ int main(int nArgs, char** args)
     std::map<std::string_view, std::pair<const Work*, std::optional<Left>>> works;
     for (const Work& work : faults::Works()) {
         works[work.pszName] = {&work, UsuallyLeft(work, data.Path())};
-        std::printf("%s%s ", work.pszName, work.bWritesFiles ? "*" : "");
+        std::printf("%s ", work.pszName);
     }
     std::printf("\n");
     for (std::string line; std::fflush(stdout) == 0 && std::getline(std::cin, line);) {

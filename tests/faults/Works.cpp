@@ -21,11 +21,6 @@ void WriteFile(const std::string& path, std::string_view text)
     std::ofstream(path, std::ios::binary) << text;
 }
 
-void UseClock(const Place&)
-{
-    KXHost::UseVirtualClock(1'700'000'000, KXHost::VirtualSleep::Advances);
-}
-
 // ---- Files
 
 bool Log(const Place& place)
@@ -97,6 +92,10 @@ bool Registry(const Place&)
     return error == ERROR_SUCCESS && ReadValue("Made\\Below", "made") && ReadValue("Kept", "kept");
 }
 
+void PrepareCopy(const Place& place)
+{
+    WriteFile(place.Path("copy.png"), "old");
+}
 bool Copy(const Place& place)
 {
     if (!CopyFileA(place.Data("a.png"), place.Own("copy.png"), 0)) return false;
@@ -108,7 +107,7 @@ bool Copy(const Place& place)
 bool CopyIntact(const Place& place)
 {
     const std::string text = test::ReadFile(place.Path("copy.png"));
-    return text.empty() || text == test::ReadFile(place.data + "/a.png");
+    return text == "old" || text == test::ReadFile(place.data + "/a.png");
 }
 
 // ---- Skins and languages
@@ -138,6 +137,7 @@ void PrepareXml(const Place& place)
 {
     WriteFile(place.Path("a.xml"),
               "<?xml version=\"1.0\"?>\n<list n=\"2\"><one>first</one><one>second</one></list>\n");
+    WriteFile(place.Path("b.xml"), "<list>old</list>\n");
 }
 bool Xml(const Place& place)
 {
@@ -158,7 +158,7 @@ bool Xml(const Place& place)
 bool XmlIntact(const Place& place)
 {
     const std::string text = test::ReadFile(place.Path("b.xml"));
-    return text.empty() || text.find("</list>") != text.npos;
+    return text.ends_with("</list>\n") || text.ends_with("</list>\r\n");
 }
 
 // ---- Pictures
@@ -192,15 +192,24 @@ bool PictureWork(const Place& place)
     if (!picture.IsValid() || !picture.FitRender(&surface.GetDC(), CRect(0, 0, 20, 20))) return false;
     return picture.SaveToFile(place.Own(name.data()), kMimes[Type]) == 1;
 }
-template <std::size_t Type>
-bool PictureIntact(const Place& place)
+CSize SizeOf(const Place& place, const char* pszName)
+{
+    CKXGdiplusBitmap picture;
+    picture.Load(place.Own(pszName));
+    return picture.GetImageSize();
+}
+
+// Pictures are saved in place of these.
+void PreparePictures(const Place& place)
+{
+    for (const char* pszType : kTypes)
+        std::filesystem::copy_file(place.data + "/a." + pszType, place.own + "/a." + pszType);
+}
+bool PicturesIntact(const Place& place)
 {
     const test::GdiPlus gdiPlus;
-    const std::string name = std::string("a.") + kTypes[Type];
-    if (test::ReadFile(place.Path(name.c_str())).empty()) return true;
-    CKXGdiplusBitmap picture;
-    picture.Load(place.Own(name.c_str()));
-    return picture.IsValid();
+    return std::ranges::all_of(
+        kTypes, [&](const std::string& type) { return SizeOf(place, ("a." + type).c_str()).cx > 0; });
 }
 
 bool Gif(const Place& place)
@@ -243,8 +252,9 @@ bool Images(const Place& place)
     const int bGiven = image.GetImageData(&pData, nSize);
     const std::unique_ptr<BYTE[]> data(pData);
     return bGiven && image.ToThumbnailImage(4, 4) && image.SaveGrayPic(place.Own("a.jpg")) &&
-           image.SaveThumbnailImage(place.Own("b.png"), 3, 3, "image/png") &&
-           raw.ThumbnailImage(place.Own("c.jpg"), 4, 4);
+           image.SaveThumbnailImage(place.Own("a.png"), 3, 3, "image/png") &&
+           raw.ThumbnailImage(place.Own("a.tif"), 5, 4) && SizeOf(place, "a.jpg") == CSize(2, 4) &&
+           SizeOf(place, "a.png") == CSize(3, 3) && SizeOf(place, "a.tif") == CSize(5, 4);
 }
 
 // ---- Windows
@@ -256,11 +266,6 @@ void Pump()
         DispatchMessageA(&msg);
 }
 
-void PrepareWindow(const Place& place)
-{
-    UseClock(place);
-    KXHost::UseMemoryDesktop();
-}
 bool Tip(const Place&)
 {
     CKXTipWnd tip;
@@ -357,9 +362,8 @@ bool Tasks(const Place&)
 }
 
 // A host's manager without allocations of its own but for the texts it is given.
-void PrepareService(const Place& place)
+void PrepareService(const Place&)
 {
-    UseClock(place);
     const auto manager = std::make_shared<test::ScriptedManager>();
     manager->states["Nv"] = {{SERVICE_RUNNING, 1, 10, 0, 0}};
     KXHost::SetServiceManager(manager);
@@ -390,27 +394,27 @@ const char* Join(const std::string& directory, const char* pszName) noexcept
 const std::vector<Work>& Works()
 {
     static const std::vector<Work> works{
-        {"log", UseClock, Log, LogIntact, true},
-        {"ini", PrepareIni, Ini, IniIntact, true},
-        {"registry", PrepareRegistry, Registry, [](const Place&) { return ReadValue("Kept", "kept"); }, true},
-        {"files", nullptr, Copy, CopyIntact, true},
-        {"skin", PrepareWindow, Skin, nullptr, false},
-        {"language", PrepareWindow, Language, nullptr, false},
-        {"xml", PrepareXml, Xml, XmlIntact, true},
-        {"bitmap", nullptr, BitmapWork, nullptr, false},
-        {"png", nullptr, PictureWork<0>, PictureIntact<0>, true},
-        {"jpeg", nullptr, PictureWork<1>, PictureIntact<1>, true},
-        {"bmp", nullptr, PictureWork<2>, PictureIntact<2>, true},
-        {"tiff", nullptr, PictureWork<3>, PictureIntact<3>, true},
-        {"gif-file", nullptr, PictureWork<4>, PictureIntact<4>, true},
-        {"gif", nullptr, Gif, nullptr, false},
-        {"images", nullptr, Images, nullptr, false},
-        {"tip", PrepareWindow, Tip, nullptr, false},
-        {"transparent", PrepareWindow, Transparent, nullptr, false},
-        {"download", nullptr, Download, nullptr, true},
-        {"wordtest", nullptr, WordTest, nullptr, false},
-        {"tasks", nullptr, Tasks, nullptr, false},
-        {"service", PrepareService, Service, nullptr, false},
+        {"log", nullptr, Log, LogIntact, true},
+        {"ini", PrepareIni, Ini, IniIntact},
+        {"registry", PrepareRegistry, Registry, [](const Place&) { return ReadValue("Kept", "kept"); }},
+        {"files", PrepareCopy, Copy, CopyIntact},
+        {"skin", nullptr, Skin, nullptr},
+        {"language", nullptr, Language, nullptr},
+        {"xml", PrepareXml, Xml, XmlIntact},
+        {"bitmap", nullptr, BitmapWork, nullptr},
+        {"png", PreparePictures, PictureWork<0>, PicturesIntact},
+        {"jpeg", PreparePictures, PictureWork<1>, PicturesIntact},
+        {"bmp", PreparePictures, PictureWork<2>, PicturesIntact},
+        {"tiff", PreparePictures, PictureWork<3>, PicturesIntact},
+        {"gif-file", PreparePictures, PictureWork<4>, PicturesIntact},
+        {"gif", nullptr, Gif, nullptr},
+        {"images", PreparePictures, Images, PicturesIntact},
+        {"tip", nullptr, Tip, nullptr, true},
+        {"transparent", nullptr, Transparent, nullptr},
+        {"download", nullptr, Download, nullptr},
+        {"wordtest", nullptr, WordTest, nullptr},
+        {"tasks", nullptr, Tasks, nullptr},
+        {"service", PrepareService, Service, nullptr, true},
     };
     return works;
 }
