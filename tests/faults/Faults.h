@@ -18,14 +18,15 @@ enum class Call
 struct Plan
 {
     Call call = Call::Allocate;
-    long nth = 1;        // the first that fails, from 1
-    bool bAll = false;   // and all that follow
-    int error = 0;       // errno
-    bool bShort = false; // a write writes half instead
-    bool bBelow = false; // also the allocations of fontconfig and the loader
+    long nth = 1;         // the first that fails, from 1
+    bool bAll = false;    // and all that follow
+    int error = 0;        // errno
+    bool bShort = false;  // a write writes half instead
+    bool bBelow = false;  // also the allocations of fontconfig and the loader
+    bool bThread = false; // only calls of the thread that arms
 };
 
-// From now on calls fail as the plan says, on all threads.
+// From now on calls fail as the plan says.
 void Arm(const Plan& plan) noexcept;
 // Ends that: how many calls of the plan's kind there were.
 long Disarm() noexcept;
@@ -70,6 +71,9 @@ struct Work
 };
 
 const std::vector<Work>& Works();
+// Runs a work; "" for success, "-" for a failure that it tells, "!" for the memory exception, else what it
+// should not have done.
+std::string Try(const Work& work, const Place& place);
 // Downloads come from here: a server that answers "downloaded".
 void SetServer(const std::string& url);
 // Makes the files to read.

@@ -13,6 +13,7 @@ namespace {
 
 std::atomic<bool> g_bArmed{false}, g_bFailed{false};
 std::atomic<long> g_calls{0};
+std::atomic<pthread_t> g_only{0}; // the thread whose calls fail; 0 for all
 faults::Plan g_plan;
 std::array<void*, 40> g_frames;
 // The code of libraries whose own allocations don't fail lies here.
@@ -22,12 +23,13 @@ std::atomic<int> g_nFrames{0};
 
 // fontconfig and its parser, which crashes at many of its allocations and never ends at others; and the C
 // library's loader, which after a failure may give a library whose names aren't bound, or never load it
-// again.
-int Spare(dl_phdr_info* info, std::size_t, void*)
+// again. In a process that must go on also libtiff, which crashes at some of its own.
+int Spare(dl_phdr_info* info, std::size_t, void* pPlan)
 {
     const std::string_view name = info->dlpi_name;
     if (name.find("/libfontconfig.") == name.npos && name.find("/libexpat.") == name.npos &&
-        name.find("/ld-linux") == name.npos)
+        name.find("/ld-linux") == name.npos &&
+        !(static_cast<const faults::Plan*>(pPlan)->bThread && name.find("/libtiff.") != name.npos))
         return 0;
     for (const auto& part : std::span(info->dlpi_phdr, info->dlpi_phnum))
         if (part.p_type == PT_LOAD && (part.p_flags & PF_X) && g_nSpared < g_spared.size()) {
@@ -46,7 +48,9 @@ bool IsSpared(const void* pCaller) noexcept
 
 bool Fails(faults::Call call, const void* pCaller = nullptr) noexcept
 {
-    if (!g_bArmed.load(std::memory_order_acquire) || g_plan.call != call) return false;
+    if (!g_bArmed.load(std::memory_order_acquire)) return false;
+    const pthread_t only = g_only.load(std::memory_order_relaxed);
+    if ((only != 0 && only != pthread_self()) || g_plan.call != call) return false;
     if (pCaller && IsSpared(pCaller)) return false;
     const long n = ++g_calls;
     if (n != g_plan.nth && !(g_plan.bAll && n > g_plan.nth)) return false;
@@ -68,8 +72,9 @@ void faults::Arm(const Plan& plan) noexcept
     void* warm[2];
     backtrace(warm, 2); // loads what it needs
     g_nSpared = 0;
-    if (!plan.bBelow) dl_iterate_phdr(Spare, nullptr);
+    g_only = plan.bThread ? pthread_self() : 0;
     g_plan = plan;
+    if (!plan.bBelow) dl_iterate_phdr(Spare, &g_plan);
     g_calls = 0;
     g_bFailed = false;
     g_bArmed.store(true, std::memory_order_release);
@@ -103,6 +108,26 @@ std::vector<void*> faults::FirstFailure()
 #define KX_ALLOCATION_FAILS Fails(faults::Call::Allocate, __builtin_return_address(0))
 
 #pragma GCC visibility push(default) // so that libraries find them
+#ifdef KX_SANITIZED                  // whose allocator it is
+void* operator new(std::size_t nBytes)
+{
+    if (void* const p = KX_ALLOCATION_FAILS ? nullptr : std::malloc(nBytes)) return p;
+    throw std::bad_alloc();
+}
+void* operator new(std::size_t nBytes, const std::nothrow_t&) noexcept
+{
+    return KX_ALLOCATION_FAILS ? nullptr : std::malloc(nBytes);
+}
+void operator delete(void* p) noexcept
+{
+    std::free(p);
+}
+void operator delete(void* p, std::size_t) noexcept
+{
+    std::free(p);
+}
+extern "C" {
+#else
 extern "C" {
 void* __libc_malloc(std::size_t);
 void* __libc_calloc(std::size_t, std::size_t);
@@ -137,6 +162,7 @@ int posix_memalign(void** pp, std::size_t nAlign, std::size_t nBytes) noexcept
     if (p) *pp = p;
     return p ? 0 : ENOMEM;
 }
+#endif
 
 // With O_TMPFILE or O_CREAT there is a mode.
 #define KX_OPEN(name, parameters, directory)                                                                 \

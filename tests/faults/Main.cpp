@@ -1,13 +1,11 @@
 #include "tests/faults/Faults.h"
 
-#include "include/platform/Exception.h"
 #include "include/platform/Host.h"
 #include "tests/support/Process.h"
 #include "tests/support/RawServer.h"
 #include "tests/support/TempDir.h"
 
 #include <dlfcn.h>
-#include <exception>
 #include <execinfo.h>
 #include <iostream>
 
@@ -16,6 +14,7 @@ namespace {
 using faults::Call;
 using faults::Place;
 using faults::Plan;
+using faults::Try;
 using faults::Work;
 
 int g_report = -1; // a child's pipe
@@ -54,29 +53,6 @@ void OnSignal(int nSignal)
     Report(nSignal == SIGALRM || nSignal == SIGXCPU ? "hangs" : std::string("crashes: ") + strsignal(nSignal),
            frames.data() + 2, nFrames - 2);
     _exit(0);
-}
-
-// Runs a work; "" for success, "-" for a failure that it tells, "!" for the memory exception, else what it
-// should not have done.
-std::string Try(const Work& work, const Place& place)
-{
-    try {
-        return work.run(place) ? "" : "-";
-    } catch (CMemoryException* exception) {
-        faults::Disarm();
-        exception->Delete();
-        return "!";
-    } catch (const std::exception& exception) {
-        faults::Disarm();
-        return std::string("lets through ") + exception.what();
-    } catch (CException* exception) {
-        faults::Disarm();
-        exception->Delete();
-        return "lets another exception through";
-    } catch (...) {
-        faults::Disarm();
-        return "lets something through";
-    }
 }
 
 void Prepare(const Work& work, const Place& place)

@@ -414,7 +414,7 @@ const std::vector<Work>& Works()
         {"download", nullptr, Download, nullptr},
         {"wordtest", nullptr, WordTest, nullptr},
         {"tasks", nullptr, Tasks, nullptr},
-        {"service", PrepareService, Service, nullptr, true},
+        {"service", PrepareService, Service, nullptr},
     };
     return works;
 }

@@ -36,6 +36,8 @@ int main(int nArgs, char** args)
     const std::chrono::seconds time(std::atoi(args[1]));
     const auto end = begin + time;
     const auto seed = static_cast<unsigned>(std::atoi(args[2]));
+    std::printf("seed %u\n", seed);
+    std::fflush(stdout);
     const test::TempDir dir;
     for (const char* pszTree : {"Skins", "Languages"})
         std::filesystem::copy(std::filesystem::path(args[3]) / pszTree, dir.Path(pszTree),
@@ -48,6 +50,7 @@ int main(int nArgs, char** args)
         {"log", soak::RunLog},           {"languages", soak::RunLanguages},
         {"skins", soak::RunSkins},       {"downloads", soak::RunDownloads},
         {"registry", soak::RunRegistry}, {"xml", soak::RunXml},
+        {"others", soak::RunFaults},
     };
     std::vector<std::future<soak::Figures>> running;
     for (const auto& [pszName, work] : works) {
@@ -56,7 +59,6 @@ int main(int nArgs, char** args)
             std::async(std::launch::async, work, soak::Turn{end, std::mt19937(own)}, std::ref(dir)));
     }
     std::size_t losses = StaysFlat(begin, time) ? 0 : 1;
-    std::printf("seed %u\n", seed);
     std::printf("%-12s %12s %12s %12s\n", "", "operations", "faults", "losses");
     for (std::size_t n = 0; n < running.size(); ++n) {
         const soak::Figures figures = running[n].get();

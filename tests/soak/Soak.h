@@ -44,5 +44,7 @@ Figures RunDownloads(Turn turn, const test::TempDir& dir);
 Figures RunRegistry(Turn turn, const test::TempDir& dir);
 // Random documents saved and loaded, also cut ones.
 Figures RunXml(Turn turn, const test::TempDir& dir);
+// What else the library is used for, while calls of its thread fail.
+Figures RunFaults(Turn turn, const test::TempDir& dir);
 
 } // namespace soak

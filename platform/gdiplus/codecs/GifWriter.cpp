@@ -219,10 +219,18 @@ struct CloseGif
 };
 using Gif = std::unique_ptr<GifFileType, CloseGif>;
 
+// giflib goes on when the bytes of a colour map aren't taken.
+struct Target
+{
+    Bytes& file;
+    bool bWhole = true;
+};
+
 int Write(GifFileType* gif, const GifByteType* bytes, int nBytes) noexcept
 {
-    auto& file = *static_cast<Bytes*>(gif->UserData);
-    return Append(file, bytes, static_cast<std::size_t>(nBytes)) ? nBytes : 0;
+    auto& target = *static_cast<Target*>(gif->UserData);
+    target.bWhole &= Append(target.file, bytes, static_cast<std::size_t>(nBytes));
+    return target.bWhole ? nBytes : 0;
 }
 
 // A power of two of colours, black behind those that there are.
@@ -259,7 +267,8 @@ Gdiplus::Status WriteGif(const PixelView& view, Bytes& file)
 {
     IndexedPicture picture = ToIndices(view);
     const Map map = ToMap(picture);
-    Gif gif(EGifOpen(&file, Write, nullptr));
+    Target target{file};
+    Gif gif(EGifOpen(&target, Write, nullptr));
     if (!map || !gif) return Gdiplus::OutOfMemory;
     EGifSetGifVersion(gif.get(), true);
     const bool bWritten =
@@ -268,7 +277,7 @@ Gdiplus::Status WriteGif(const PixelView& view, Bytes& file)
         EGifPutImageDesc(gif.get(), 0, 0, view.width, view.height, false, nullptr) == GIF_OK &&
         PutPixels(gif.get(), picture.indices, view.width);
     const bool bEnded = EGifCloseFile(gif.release(), nullptr) == GIF_OK;
-    return bWritten && bEnded ? Gdiplus::Ok : Gdiplus::OutOfMemory;
+    return bWritten && bEnded && target.bWhole ? Gdiplus::Ok : Gdiplus::OutOfMemory;
 }
 
 } // namespace kx::gdiplus::codecs
