@@ -1,6 +1,7 @@
 #include "KXLanResManager.h"
 #include "platform/Host.h"
 #include "tests/support/Check.h"
+#include "tests/support/ShortMemory.h"
 
 using test::Check;
 
@@ -26,5 +27,15 @@ int main(int, char** argv)
     pLans->SetCurrentLanFromReg("App", 0);
     Check(pLans->GetCurrentLanIndex() == 0, "with nothing saved the first is selected");
     Check(pLans->GetString("k") == "hidden", "a selection replaces the texts");
+    // Each allocation of a load fails once, until there are no more.
+    long nTold = 0;
+    for (int n = 0; nTold == n; ++n) {
+        shortage::g_nLeft = n;
+        pLans->SetCurrentLan(1 - n % 2, 0);
+        shortage::g_nLeft = -1;
+        for (const auto& box : KXHost::TakeMessageBoxes())
+            nTold += box.strText == "There is not enough memory.";
+    }
+    Check(nTold > 4 && nTold == shortage::g_nFailed, "a load that lacks memory says so");
     return 0;
 }

@@ -7,10 +7,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The result of an operation: 0 for success, else the last error.
+// The result of an operation: 0 for success, which is 1, else the last error.
 DWORD Outcome(int bDone)
 {
-    return bDone ? ERROR_SUCCESS : GetLastError();
+    return bDone ? static_cast<DWORD>(bDone - 1) : GetLastError();
 }
 
 std::size_t Entries(const std::string& directory)
@@ -72,11 +72,11 @@ TEST_F(Copy, FollowsLinksToFilesAndCopiesLinksToDirectories)
     EXPECT_EQ(drive.Read("gone"), "content");
     fs::current_path("/proc"); // a new link is made beside the old one, not here
     for (const char* target : {"X:\\copy", "X:\\file"})
-        EXPECT_TRUE(CopyFileA("X:\\linkdir", target, 0));
+        EXPECT_EQ(CopyFileA("X:\\linkdir", target, 0), 1);
     EXPECT_EQ(fs::read_symlink(drive.Path("copy")), "dir");
     EXPECT_EQ(fs::read_symlink(drive.Path("file")), "dir");
     EXPECT_EQ(Outcome(CopyFileA("X:\\linkdir", "X:\\copy", 1)), ERROR_FILE_EXISTS);
-    EXPECT_TRUE(CopyFileA("X:\\linkdir", "X:\\second", 1));
+    EXPECT_EQ(CopyFileA("X:\\linkdir", "X:\\second", 1), 1);
 }
 
 TEST_F(Copy, RefusalsLeaveBothFiles)

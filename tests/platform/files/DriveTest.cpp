@@ -209,7 +209,7 @@ TEST(Drives, VolumesTellLabelSerialAndFileSystem)
     EXPECT_STREQ(root.system.data(), "ext4");
     EXPECT_EQ(root.serial, 0xDEADBEEFu);
     EXPECT_EQ(root.flags & 0x80000, 0u);
-    EXPECT_TRUE(GetVolumeInformationA("C:\\", nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0));
+    EXPECT_EQ(GetVolumeInformationA("C:\\", nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0), 1);
 
     {
         const test::Mounted drive({"", DRIVE_FIXED, "Label", "UDF", 7});

@@ -207,6 +207,7 @@ TEST_F(DamageTest, SoManyPixelsNeedSoManyBytes)
         some.resize(nLeast);
         EXPECT_EQ(LoadStatus(some), Ok) << nLeast;
     }
+    EXPECT_EQ(LoadStatus(Png(1, 1, 8, 0, "\0\1"s) + std::string(2 << 20, '\0')), Ok);
 }
 
 } // namespace

@@ -43,7 +43,7 @@ TEST_F(GraphicsCalls, OutlineCoversTheLinesOnBothSidesAndPaintsEachPixelOnce)
         EXPECT_EQ(paper.Read(), seen) << at.Width << " by " << at.Height << ", pen " << nPen;
     }
     Sheet sheet(3, Grays({100, 100, 100, 100, 100, 100, 100, 100, 100}));
-    const Gdiplus::Pen pen(Color(128, 200, 200, 200));
+    const Gdiplus::Pen pen(Color(127, 200, 200, 200));
     sheet.graphics.DrawRectangle(&pen, 0, 0, 2, 2);
     EXPECT_EQ(Blues(sheet.pixels), (std::vector{150, 150, 150, 150, 100, 150, 150, 150, 150}));
     const Gdiplus::Pen nearly(Color(254, 0, 0, 0));
@@ -65,10 +65,10 @@ TEST_F(GraphicsCalls, FillsRectanglesAndCopiesOfRegionsWithinTheClipAndTheTarget
     SelectClipRgn(paper, nullptr);
     EXPECT_EQ(paper.Read(), (test::Picture{"WWWWW", "WRRRW", "WRRRW"}));
     // GDI's own fills leave the same.
-    const LinearGradientBrush glass = Solid(0x80FF0000);
+    const LinearGradientBrush glass = Solid(0x7FFF0000);
     graphics.FillRectangle(&glass, 1, 0, 1, 1);
     const Row pixels = LoadedBitmap(paper.Bitmap()).Pixels();
-    EXPECT_EQ(pixels[1], 0x00FF7F7Fu);
+    EXPECT_EQ(pixels[1], 0x00FF8080u);
     EXPECT_EQ(pixels[6], 0x00FF0000u);
 
     const RECT parts[] = {{1, 1, 4, 2}, {0, 0, 1, 1}};
