@@ -99,7 +99,7 @@ Easy MakeEasy(const char* pszAgent, bool bProxies)
     Easy owner(curl_easy_init());
     CURL* const easy = owner.get();
     if (!easy) AfxThrowMemoryException();
-    if (pszAgent && *pszAgent) Set(easy, CURLOPT_USERAGENT, pszAgent);
+    if (*pszAgent) Set(easy, CURLOPT_USERAGENT, pszAgent);
     if (!bProxies) Set(easy, CURLOPT_PROXY, "");
     SetAuthorities(easy);
     Set(easy, CURLOPT_FOLLOWLOCATION, 1L);
