@@ -29,7 +29,7 @@ TEST_F(KXXmlDomElement, NoOperationOfAnInvalidOneDoesAnything)
     CKXXmlDomElement child = m_doc.CreateElement("c", nullptr);
     EXPECT_FALSE(none.IsValid());
     EXPECT_EQ(none.GetElementPtr(), nullptr);
-    EXPECT_EQ(none.GetName() + none.GetText() + none.GetXml(), "");
+    EXPECT_THAT((std::array{none.GetName(), none.GetText(), none.GetXml()}), testing::Each(CString()));
     none.SetText("x");
     none.AppendChild(child);
     none.SetAttributeString("a", "x");

@@ -18,6 +18,15 @@ inline int CountEntries(const char* pszDirectory)
     return static_cast<int>(std::distance(begin(entries), end(entries)));
 }
 
+// The bytes that it has read of files so far.
+inline std::uint64_t BytesRead()
+{
+    std::string word;
+    std::uint64_t nCount = 0;
+    std::ifstream("/proc/self/io") >> word >> nCount;
+    return nCount;
+}
+
 inline int Threads()
 {
     return CountEntries("/proc/self/task");

@@ -2,21 +2,13 @@
 #include "include/platform/Module.h"
 #include "tests/platform/gdi/LoadedImage.h"
 #include "tests/platform/module/Bundles.h"
+#include "tests/support/Process.h"
 
 namespace {
 
 using namespace test;
 
 const Picture kPicture = {"RGB", "WKY"};
-
-// The bytes that this process has read of files so far.
-std::uint64_t ReadCharacters()
-{
-    std::string word;
-    std::uint64_t nCount = 0;
-    std::ifstream("/proc/self/io") >> word >> nCount;
-    return nCount;
-}
 
 DWORD ErrorOf(const char* pszPath, UINT nType = IMAGE_BITMAP, int cx = 0, int cy = 0)
 {
@@ -55,10 +47,10 @@ TEST(LoadImage, WhatIsNoReadableImageGivesNullAtOnce)
     liar.height = 16 << 20; // rows of 9 bytes and 3 of padding
     const auto readBytes = [&](const char* name, const std::string& head) {
         std::filesystem::resize_file(dir.Write(name, head), 54 + std::uintmax_t{12} * (16 << 20) - 4);
-        const std::uint64_t nBefore = ReadCharacters();
+        const std::uint64_t nBefore = BytesRead();
         EXPECT_EQ(ErrorOf(dir.Win(name)), ERROR_RESOURCE_DATA_NOT_FOUND) << name;
         EXPECT_EQ(ErrorOf(dir.Win(name), IMAGE_ICON), ERROR_RESOURCE_DATA_NOT_FOUND) << name;
-        return ReadCharacters() - nBefore;
+        return BytesRead() - nBefore;
     };
     EXPECT_LT(readBytes("noise.bmp", "no picture"), 1u << 20);
     EXPECT_LT(readBytes("liar.bmp", liar.File()), 1u << 20);
@@ -88,7 +80,7 @@ TEST(LoadImage, AnotherSizeTakesTheNearestPixels)
     }
 }
 
-TEST(LoadImage, Resources)
+TEST(LoadImage, TakesResourcesByNumberAndName)
 {
     const TempDir dir;
     const Bmp bmp = ToBmp(kPicture, 4);

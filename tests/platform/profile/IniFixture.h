@@ -2,6 +2,7 @@
 
 #include "include/platform/Error.h"
 #include "include/platform/Profile.h"
+#include "tests/support/Nobody.h"
 #include "tests/support/Test.h"
 
 #include <time.h>

@@ -2,6 +2,7 @@
 #include "platform/UniqueFd.h"
 #include "platform/profile/IniCache.h"
 #include "tests/platform/profile/IniFixture.h"
+#include "tests/support/Process.h"
 
 namespace {
 
@@ -127,15 +128,9 @@ TEST(ProfileRead, SeesAChangeThatHidesItself)
     const kx::UniqueFd fd(open(ini.Path().c_str(), O_WRONLY | O_CLOEXEC));
     test::LetSettle(ini.Path());
     EXPECT_EQ(ini.Get("S", "k"), "0000");
-    const auto readBytes = [] { // that this process has read of files so far
-        std::string word;
-        std::uint64_t nCount = 0;
-        std::ifstream("/proc/self/io") >> word >> nCount;
-        return nCount;
-    };
-    const std::uint64_t nBefore = readBytes();
+    const std::uint64_t nBefore = test::BytesRead();
     EXPECT_EQ(ini.Get("S", "k"), "0000");
-    EXPECT_LT(readBytes() - nBefore, 10'000u);
+    EXPECT_LT(test::BytesRead() - nBefore, 10'000u);
     struct stat status = {};
     ASSERT_EQ(fstat(fd.Get(), &status), 0);
     const timespec old[] = {status.st_atim, status.st_mtim};

@@ -1,4 +1,5 @@
 #include "include/platform/Registry.h"
+#include "tests/support/Nobody.h"
 #include "tests/support/Test.h"
 
 namespace {
@@ -231,13 +232,12 @@ TEST_F(Registry, WriteAccessNeedsAFileThatCanBeWritten)
     KXHost::SetRegistryFile(m_dir.Path("registry.ini"));
     chmod(m_dir.Path("registry.ini").c_str(), 0444);
     chmod(m_dir.Path().c_str(), 0555);
-    const bool bRoot = geteuid() == 0;
-    ASSERT_TRUE(!bRoot || seteuid(65534) == 0);
+    std::optional<test::Nobody> nobody(std::in_place);
     HKEY hKey = nullptr;
     EXPECT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, "k", 0, kBoth, &hKey), ERROR_ACCESS_DENIED);
     EXPECT_EQ(hKey, nullptr);
     EXPECT_EQ(Get(Open("k", KEY_READ), "v"), "1");
-    ASSERT_TRUE(!bRoot || seteuid(0) == 0);
+    nobody.reset();
     chmod(m_dir.Path().c_str(), 0700);
 }
 
