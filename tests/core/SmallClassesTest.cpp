@@ -5,28 +5,27 @@
 
 namespace {
 
+using testing::ElementsAre;
+
 // The result, and the version that the caller has then instead of 6.7.8.9.
-std::string VersionOf(const CString& path)
+std::vector<DWORD> VersionOf(const CString& path)
 {
     CKXExeFileInfo::VersionInfo info{6, 7, 8, 9};
-    const int nResult = CKXExeFileInfo::GetFileInfo(path, info);
-    std::ostringstream text;
-    text << nResult << ": " << info.dwMajor << '.' << info.dwMinor << '.' << info.dwRevision << '.'
-         << info.dwBuild;
-    return text.str();
+    const auto dwResult = static_cast<DWORD>(CKXExeFileInfo::GetFileInfo(path, info));
+    return {dwResult, info.dwMajor, info.dwMinor, info.dwRevision, info.dwBuild};
 }
 
 TEST(KXExeFileInfo, ReadsAVersionIfThereIsOne)
 {
     Dl_info library{};
     ASSERT_NE(dladdr(reinterpret_cast<const void*>(&CKXExeFileInfo::GetFileInfo), &library), 0);
-    EXPECT_EQ(VersionOf(KXHost::FromSystemPath(library.dli_fname)), "1: 1.0.0.0");
+    EXPECT_THAT(VersionOf(KXHost::FromSystemPath(library.dli_fname)), ElementsAre(1, 1, 0, 0, 0));
     const test::TempDir dir;
     dir.Write("image", test::PeImage(true).bytes);
-    EXPECT_EQ(VersionOf(dir.Win("image")), "1: 1.2.3.4");
+    EXPECT_THAT(VersionOf(dir.Win("image")), ElementsAre(1, 1, 2, 3, 4));
     dir.Write("text", "MZ, but no image");
     for (const CString& path : {dir.Win("text"), dir.Win("absent"), dir.Win(), CString()})
-        EXPECT_EQ(VersionOf(path), "0: 6.7.8.9") << path.GetString();
+        EXPECT_THAT(VersionOf(path), ElementsAre(0, 6, 7, 8, 9)) << path.GetString();
 }
 
 constexpr GUID kGuid{0x01234567, 0x89AB, 0xCDEF, {0xFE, 0x0C, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10}};
@@ -90,8 +89,6 @@ TEST(KXGuid, SameMeansEveryByte)
     EXPECT_EQ(IsSameGUID(kGuid, GUID(kGuid)), 1);
 }
 
-using testing::ElementsAre;
-
 std::vector<int> Apart(const char* pszText)
 {
     std::vector<int> numbers;
@@ -108,10 +105,7 @@ TEST(KXNum, ApartNumsAppendsEachRunOfDigitsIn32Bits)
     EXPECT_THAT(Apart("-7 +8"), ElementsAre(7, 8));
     EXPECT_THAT(Apart("007"), ElementsAre(7));
     EXPECT_THAT(Apart("0"), ElementsAre(0));
-    EXPECT_THAT(Apart("\xC8\xFD"
-                      "1\xB0\xB0"
-                      "2"),
-                ElementsAre(1, 2));
+    EXPECT_THAT(Apart("\xC8\xFD\x31\xB0\xB0\x32"), ElementsAre(1, 2)); // 1, 2
     EXPECT_THAT(Apart("none"), ElementsAre());
     EXPECT_THAT(Apart(""), ElementsAre());
     EXPECT_THAT(Apart(nullptr), ElementsAre());
@@ -125,23 +119,11 @@ TEST(KXNum, ApartNumsAppendsEachRunOfDigitsIn32Bits)
 TEST(KXNum, CalcFactorialMultipliesTheRange)
 {
     // The highest factor, the lowest and the product. A range of four billion ends at once.
-    const std::array<int, 3> cases[] = {{5, 1, 120},
-                                        {5, 3, 60},
-                                        {4, 4, 4},
-                                        {3, 4, 1},
-                                        {3, -3, 0},
-                                        {-1, -3, -6},
-                                        {-2, -3, 6},
-                                        {INT_MIN, INT_MAX, 1},
-                                        {13, 1, 1932053504},
-                                        {33, 1, INT_MIN},
-                                        {34, 1, 0},
-                                        {INT_MAX, INT_MAX, INT_MAX},
-                                        {INT_MIN, INT_MIN, INT_MIN},
-                                        {INT_MAX, INT_MAX - 1, -2147483646},
-                                        {INT_MAX, 1, 0},
-                                        {INT_MAX, INT_MIN, 0}};
-    for (const auto& [nHigh, nLow, nProduct] : cases)
+    std::istringstream cases("5 1 120  5 3 60  4 4 4  3 4 1  3 -3 0  -1 -3 -6  -2 -3 6  13 1 1932053504  "
+                             "33 1 -2147483648  34 1 0  -2147483648 2147483647 1  2147483647 -2147483648 0  "
+                             "2147483647 1 0  2147483647 2147483646 -2147483646  "
+                             "2147483647 2147483647 2147483647  -2147483648 -2147483648 -2147483648");
+    for (int nHigh, nLow, nProduct; cases >> nHigh >> nLow >> nProduct;)
         EXPECT_EQ(CKXNum::CalcFactorial(nHigh, nLow), nProduct) << nLow << " to " << nHigh;
 }
 

@@ -13,7 +13,7 @@ struct Notice
     unsigned int id;
     unsigned long total;
     unsigned long received;
-    std::string names; // the URL and the file
+    std::string url, file;
     bool operator==(const Notice&) const = default;
 };
 
@@ -32,7 +32,7 @@ public:
         Journal& self = *s_current;
         {
             const std::lock_guard lock(self.m_lock);
-            self.m_notices.push_back({code, id, total, received, (url + " " + file).GetString()});
+            self.m_notices.push_back({code, id, total, received, url.GetString(), file.GetString()});
         }
         self.m_changed.notify_all();
         if (param != 0 && code >= param && self.act) self.act(code);

@@ -54,10 +54,10 @@ TEST_F(Downloads, TellEachStepOfACompleteTransfer)
         dir.Write("file", "what was there before, longer than some of the bodies");
         const unsigned int id = Run(server.Url(), dir.Win("file"));
         EXPECT_EQ(dir.Read("file"), content);
-        const std::string names = server.Url() + " " + std::string(dir.Win("file"));
+        const std::string url = server.Url(), file(dir.Win("file"));
         const std::vector<Notice> notices = journal.Notices(id);
-        EXPECT_EQ(notices.front(), (Notice{2029, id, total, 0, names}));
-        EXPECT_EQ(notices.back(), (Notice{2031, id, total, content.size(), names}));
+        EXPECT_EQ(notices.front(), (Notice{2029, id, total, 0, url, file}));
+        EXPECT_EQ(notices.back(), (Notice{2031, id, total, content.size(), url, file}));
         unsigned long received = 0;
         for (std::size_t n = 1; n + 1 < notices.size(); ++n) {
             EXPECT_EQ(notices[n].code, 2030u);

@@ -133,7 +133,8 @@ TEST_F(WinService, EachOperationAsksForTheRightsItNeedsAndTellsHowItWent)
         m_manager->errors.clear();
     }
     const KXHost::ServiceSettings& created = m_manager->created;
-    EXPECT_EQ(created.strDisplayName + "=" + created.strBinaryPath, "Norvale=C:\\nv.exe");
+    EXPECT_EQ(created.strDisplayName, "Norvale");
+    EXPECT_EQ(created.strBinaryPath, "C:\\nv.exe");
     EXPECT_THAT((std::array{created.dwServiceType, created.dwStartType, created.dwErrorControl}),
                 ElementsAre(SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL));
 }

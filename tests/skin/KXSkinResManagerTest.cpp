@@ -150,7 +150,7 @@ TEST_F(Skins, AreTheDirectoriesThatHoldASkinFile)
 }
 
 // All is loaded in order, then the callback is told, then the windows that are to hear of it.
-TEST_F(Skins, RoadOfOneChange)
+TEST_F(Skins, AChangeLoadsAllThenTellsTheCallbackAndTheWindows)
 {
     const Window first("first"), hidden("hidden", 0), second("second");
     const HWND hForeign = KXHost::AddForeignWindow(GetCurrentProcessId() + 1, true);

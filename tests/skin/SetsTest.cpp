@@ -56,7 +56,7 @@ std::string Text(const std::vector<CPoint>& points)
 }
 
 // The lengths of a bitmap's fixed ends, as a fill copies them: "3,4 across" or "3,4 down"; "" if it is empty.
-std::string Ends(CKXBitmap& bitmap)
+std::string Text(CKXBitmap& bitmap)
 {
     constexpr int side = 300;
     const Paper paper(side, side);
@@ -68,6 +68,12 @@ std::string Ends(CKXBitmap& bitmap)
     const auto &first = copies[copies.size() - 2], &last = copies.back();
     return last.y == 0 ? std::to_string(first.cx) + "," + std::to_string(last.cx) + " across"
                        : std::to_string(first.cy) + "," + std::to_string(last.cy) + " down";
+}
+
+template <class... Values>
+Texts All(Values&&... values)
+{
+    return {Text(values)...};
 }
 
 std::vector<int> Values(const CKXSkinWndRes& r)
@@ -101,13 +107,11 @@ TEST_F(Sets, WindowReadsEveryKey)
     Load(res, szWndIni);
     EXPECT_THAT(Values(res), ElementsAre(7, 0, 11, 12, -13, 14, 15, 16, 17, 18, 19, 20, 21, 1));
     EXPECT_THAT(Colors(res), ElementsAre(0x030201, 0x060504, 0x090807, 0x090807, 0x0C0B0A));
-    EXPECT_THAT((Texts{Text(res.m_vecCornerPath1), Text(res.m_vecCornerPath2), Text(res.m_vecCornerPath3),
-                       Text(res.m_vecCornerPath4)}),
+    EXPECT_THAT(All(res.m_vecCornerPath1, res.m_vecCornerPath2, res.m_vecCornerPath3, res.m_vecCornerPath4),
                 ElementsAre("1,1", "2,2 2,3", "3,3", "4,4"));
     EXPECT_THAT(res.m_strCornerMask, ElementsAre(CString("m1"), CString("m2"), CString("m3"), CString("m4")));
-    EXPECT_THAT(
-        (Texts{Ends(res.m_bmpTitle), Ends(res.m_bmpLeft), Ends(res.m_bmpRight), Ends(res.m_bmpBottom)}),
-        ElementsAre("31,32 across", "33,34 down", "35,36 down", "37,38 across"));
+    EXPECT_THAT(All(res.m_bmpTitle, res.m_bmpLeft, res.m_bmpRight, res.m_bmpBottom),
+                ElementsAre("31,32 across", "33,34 down", "35,36 down", "37,38 across"));
 }
 
 TEST_F(Sets, WindowMeasuresOneStateAndKeepsTheFrameBefore)
@@ -123,8 +127,10 @@ TEST_F(Sets, WindowMeasuresOneStateAndKeepsTheFrameBefore)
     Bmp("Frame_MinBtn", 160, 20);
     Load(res);
     EXPECT_THAT(frame(), ElementsAre(12, 12, 100, 5, 0, 0, 0, 0));
-    EXPECT_EQ(Text(res.m_sizeMinBtn) + Text(res.m_sizeMaxBtn) + Text(res.m_sizeCloseBtn), "20x203x103x10");
-    EXPECT_EQ(res.m_bmpRestoreBtn.GetMultiState() * 10 + res.m_bmpRestoreBtn.IsHorzMultiState(), 81);
+    EXPECT_THAT(All(res.m_sizeMinBtn, res.m_sizeMaxBtn, res.m_sizeCloseBtn),
+                ElementsAre("20x20", "3x10", "3x10"));
+    EXPECT_EQ(res.m_bmpRestoreBtn.GetMultiState(), 8);
+    EXPECT_EQ(res.m_bmpRestoreBtn.IsHorzMultiState(), 1);
     Bmp("Frame_Left", 8, 4);
     Load(res);
     EXPECT_THAT(frame(), ElementsAre(4, 12, 100, 5, 12, 12, 100, 5));
@@ -139,7 +145,8 @@ TEST_F(Sets, WindowKeepsNothingOfTheSkinBeforeButTheScrollBar)
     LoadNothing(res);
     EXPECT_THAT(Values(res), ElementsAre(0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
     EXPECT_THAT(Colors(res), ElementsAre(0xFFFFFF, 0, 0xFFFFFF, 0xFF00FF, 0xFFFFFF));
-    EXPECT_EQ(Text(res.m_vecCornerPath2) + res.m_strCornerMask[0].GetString(), "");
+    EXPECT_TRUE(res.m_vecCornerPath2.empty());
+    EXPECT_EQ(res.m_strCornerMask[0], "");
     EXPECT_EQ(res.m_bmpTitle.GetHBITMAP(), nullptr);
     EXPECT_EQ(res.m_nTitleHeight, 0);
     EXPECT_EQ(Text(res.m_sizeCloseBtn), "0x0");
@@ -161,8 +168,8 @@ TEST_F(Sets, WindowLoadsTheBackgroundOfItsTypeAlone)
              "[Background] BkgType=" + type +
                  " Bkg_bmp_Left=1 Bkg_bmp_Right=2 BkgTop_bmp_Left=3 BkgTop_bmp_Right=4 BkgMid_bmp_Left=5 "
                  "BkgMid_bmp_Right=6 BkgBtm_bmp_Left=7 BkgBtm_bmp_Right=8");
-        return Texts{std::to_string(res.m_nBkgType), Ends(res.m_bmpBkg), Ends(res.m_bmpBkgTop),
-                     Ends(res.m_bmpBkgMid), Ends(res.m_bmpBkgBtm)};
+        return Texts{std::to_string(res.m_nBkgType), Text(res.m_bmpBkg), Text(res.m_bmpBkgTop),
+                     Text(res.m_bmpBkgMid), Text(res.m_bmpBkgBtm)};
     };
     Bmp("WndBkg", 20, 21);
     Bmp("WndBkg_Btm", 20, 24);
@@ -199,12 +206,9 @@ TEST_F(Sets, ButtonsAreLoadedMeasuredAndFilled)
 {
     CKXSkinBtnRes res;
     const auto sizes = [&] {
-        Texts texts;
-        for (const CSize& size : {res.m_sizePushButton, res.m_sizeCheckBox, res.m_sizeRadioButton,
-                                  res.m_sizeSpinButton, res.m_sizeComboButton, res.m_sizeTabBtnVert,
-                                  res.m_sizeTabBtnHorz, res.m_sizeMainTabBtn, res.m_sizeListViewHeader})
-            texts.push_back(Text(size));
-        return texts;
+        return All(res.m_sizePushButton, res.m_sizeCheckBox, res.m_sizeRadioButton, res.m_sizeSpinButton,
+                   res.m_sizeComboButton, res.m_sizeTabBtnVert, res.m_sizeTabBtnHorz, res.m_sizeMainTabBtn,
+                   res.m_sizeListViewHeader);
     };
     const auto flags = [&] {
         return std::vector{res.m_bPushButton, res.m_bCheckBox, res.m_bRadioButton, res.m_bSpinButton,
@@ -222,8 +226,7 @@ TEST_F(Sets, ButtonsAreLoadedMeasuredAndFilled)
     EXPECT_THAT(flags(), Each(1));
     EXPECT_EQ(res.m_bmpPushButton.IsHorzMultiState(), 1);
     EXPECT_THAT(sizes(), ElementsAre("31x1", "13x2", "19x3", "19x4", "39x5", "39x6", "39x7", "39x8", "39x9"));
-    EXPECT_THAT((Texts{Ends(res.m_bmpPushButton), Ends(res.m_bmpTabBtnVert), Ends(res.m_bmpTabBtnHorz),
-                       Ends(res.m_bmpListViewHeader)}),
+    EXPECT_THAT(All(res.m_bmpPushButton, res.m_bmpTabBtnVert, res.m_bmpTabBtnHorz, res.m_bmpListViewHeader),
                 ElementsAre("1,2 across", "3,4 across", "5,6 across", "7,8 across"));
     EXPECT_EQ(res.m_strMainTabBtnMask, "0,1|2,3");
     EXPECT_EQ(res.m_nMainTabBtnIntersectHeight, 9);
@@ -231,29 +234,29 @@ TEST_F(Sets, ButtonsAreLoadedMeasuredAndFilled)
     dir.Write("ListViewHeader.bmp", "");
     Load(res);
     EXPECT_THAT(flags(), ElementsAre(0, 1, 1, 1, 1));
-    EXPECT_EQ(sizes()[0] + sizes()[1] + sizes()[8], "0x013x20x0");
+    EXPECT_THAT(sizes(), ElementsAre("0x0", "13x2", "19x3", "19x4", "39x5", "39x6", "39x7", "39x8", "0x0"));
     EXPECT_EQ(res.m_bmpPushButton.GetHBITMAP(), nullptr);
     EXPECT_EQ(res.m_strMainTabBtnMask, "");
-    EXPECT_EQ(res.m_nMainTabBtnIntersectHeight + (res.m_bUseMaskColor << 24), 1 << 24);
+    EXPECT_EQ(res.m_nMainTabBtnIntersectHeight, 0);
+    EXPECT_EQ(res.m_bUseMaskColor, 1);
     EXPECT_EQ(res.m_clrMask, 0xFF00FFu);
 }
 
 TEST_F(Sets, ListHasButtonsAndIconsOfItsSize)
 {
     CKXSkinIMListRes res;
-    EXPECT_EQ(Text(res.m_sizeGroupBtn) + Text(res.m_hNormalIcon), "0x0none");
+    EXPECT_THAT(All(res.m_sizeGroupBtn, res.m_hNormalIcon), ElementsAre("0x0", "none"));
     Bmp("GroupBtn", 90, 20);
     dir.Write("Normal.ico", Ico({IconImage(32), IconImage(16)}));
     Load(res, "[IMList] GroupBtn_Left=3 GroupBtn_Right=4");
-    EXPECT_EQ(Text(res.m_sizeGroupBtn) + " " + Text(res.m_sizeTeamBtn), "30x20 8x10");
-    EXPECT_EQ(Ends(res.m_bmpGroupBtn), "3,4 across");
-    EXPECT_EQ(Text(res.m_hNormalIcon) + " " + Text(res.m_hExpandIcon), "16x16 16x16");
+    EXPECT_THAT(
+        All(res.m_sizeGroupBtn, res.m_sizeTeamBtn, res.m_bmpGroupBtn, res.m_hNormalIcon, res.m_hExpandIcon),
+        ElementsAre("30x20", "8x10", "3,4 across", "16x16", "16x16"));
     const HICON hNormal = res.m_hNormalIcon;
     LoadNothing(res);
-    EXPECT_EQ(Text(hNormal), "none");
+    EXPECT_THAT(All(hNormal, res.m_sizeGroupBtn), ElementsAre("none", "0x0"));
     EXPECT_EQ(res.m_hNormalIcon, nullptr);
     EXPECT_EQ(res.m_hExpandIcon, nullptr);
-    EXPECT_EQ(Text(res.m_sizeGroupBtn), "0x0");
 }
 
 // A set is loaded anew while its copy lives, and what they shared ends once, with the copy.
@@ -267,35 +270,34 @@ TEST_F(Sets, ACopyKeepsTheImagesOfItsMoment)
     Bmp("GroupBtn", 33, 5);
     Load(res);
     EXPECT_EQ(copy->m_hNormalIcon, hFirst);
-    EXPECT_EQ(Text(hFirst) + " " + Ends(copy->m_bmpGroupBtn), "16x16 3,0 across");
-    EXPECT_EQ(Text(res.m_hNormalIcon) + " " + Ends(res.m_bmpGroupBtn), "16x16 0,0 across");
+    EXPECT_THAT(All(hFirst, copy->m_bmpGroupBtn, res.m_hNormalIcon, res.m_bmpGroupBtn),
+                ElementsAre("16x16", "3,0 across", "16x16", "0,0 across"));
     copy.reset();
-    EXPECT_EQ(Text(hFirst) + Text(res.m_hNormalIcon), "none16x16");
+    EXPECT_THAT(All(hFirst, res.m_hNormalIcon), ElementsAre("none", "16x16"));
 }
 
 TEST_F(Sets, OtherControlsHaveFillsStatesAndImages)
 {
     CKXSkinOtherRes res;
     const auto images = [&] {
-        return Text(res.m_imgFileSend.GetImageSize()) + " " + Text(res.m_imgFileReceive.GetImageSize());
+        return All(res.m_imgFileSend.GetImageSize(), res.m_imgFileReceive.GetImageSize());
     };
     Load(res, "[OtherCtrl] SliderCtrlTrack_Left=1 SliderCtrlTrack_Right=2 SliderCtrlThumb_Left=3 "
               "SliderCtrlThumb_Right=4 OutlookCtrlBar_Left=5 OutlookCtrlBar_Right=6 "
               "FileTransProgressBar_Left=7 FileTransProgressBar_Right=8");
-    EXPECT_THAT((Texts{Ends(res.m_bmpSliderTrack), Ends(res.m_bmpSliderThumb), Ends(res.m_bmpOutlookBar),
-                       Ends(res.m_bmpFileTransProgress)}),
-                ElementsAre("1,2 across", "3,4 across", "5,6 across", "7,8 across"));
-    EXPECT_EQ(Text(res.m_sizeOutlookBar), "8x10");
+    EXPECT_THAT(All(res.m_bmpSliderTrack, res.m_bmpSliderThumb, res.m_bmpOutlookBar,
+                    res.m_bmpFileTransProgress, res.m_sizeOutlookBar),
+                ElementsAre("1,2 across", "3,4 across", "5,6 across", "7,8 across", "8x10"));
     EXPECT_EQ(res.m_bmpFileTransProgress.GetMultiState(), 2);
     EXPECT_NE(res.m_bmpMenuIconChecked.GetHBITMAP(), nullptr);
-    EXPECT_EQ(images(), "1x2 1x2");
+    EXPECT_THAT(images(), Each("1x2"));
     for (int n = 0; n < 2; ++n) {
         res.UnLoadRes();
         EXPECT_EQ(res.m_imgFileSend.IsValid(), 0);
         EXPECT_EQ(res.m_imgFileReceive.IsValid(), 0);
     }
     Load(res);
-    EXPECT_EQ(images(), "1x2 1x2");
+    EXPECT_THAT(images(), Each("1x2"));
     LoadNothing(res);
     EXPECT_EQ(res.m_imgFileSend.IsValid(), 0);
     EXPECT_EQ(res.m_imgFileReceive.IsValid(), 0);

@@ -107,7 +107,8 @@ TEST_F(WordResult, LabelsAreInTheFontThatTheLanguageNames)
          {"WenQuanYi Micro Hei", "DejaVu Sans Mono", "URW                      Gothic, cut", ""}) {
         test::AppDir().Write("words/E/Lan.ini", "[Language]\nLanguage=E\n");
         test::AppDir().Write("words/E/Data.txt", face.empty() ? face : "IDS_DEF_FONT = " + face);
-        EXPECT_EQ(lans->Initialize("words") + lans->SetCurrentLan("E", 0), 2);
+        EXPECT_EQ(lans->Initialize("words"), 1);
+        EXPECT_EQ(lans->SetCurrentLan("E", 0), 1);
         WordSheet sheet, expected;
         const CRect rcNear(14, 10, 190, 50); // so that the lower one lies over the upper
         Draw(sheet, "", "x", static_cast<COLORREF>(face.size()), rcNear); // the frame's colour is nothing

@@ -148,9 +148,10 @@ TEST(MakeTestWord, HidesAsManyAsAskedAndChangesNothingElse)
         const int nWanted = std::min(std::max(nCount, 1), nLength);
         const bool bOneShort = bKeepFirst && nLength > 0 && nWanted == nLength;
         ASSERT_EQ(std::ranges::count(strTest.View(), '*'), nWanted - bOneShort) << word << nCount;
-        for (int n = 0; n < nLength; ++n)
-            ASSERT_TRUE(strTest[n] == strWord[n] || (strTest[n] == '*' && n >= bKeepFirst)) << strTest;
         ASSERT_EQ(strTest.GetLength(), nLength);
+        for (int n = bKeepFirst; n < nLength; ++n)
+            if (strTest[n] == '*') word[static_cast<std::size_t>(n)] = '*';
+        ASSERT_EQ(strTest, word.c_str());
     }
 }
 

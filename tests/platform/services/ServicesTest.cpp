@@ -123,7 +123,8 @@ TEST_F(Services, DependentsFillABufferOrLeaveItAlone)
         auto* const entries = reinterpret_cast<ENUM_SERVICE_STATUSA*>(buffer.get());
         EXPECT_ERROR(ERROR_MORE_DATA,
                      EnumDependentServicesA(hService, dwState, entries, m_needed - 1, &m_needed, &m_count));
-        EXPECT_EQ(m_count + static_cast<DWORD>(entries->lpServiceName != nullptr), 0u);
+        EXPECT_EQ(m_count, 0u);
+        EXPECT_EQ(entries->lpServiceName, nullptr);
         ASSERT_TRUE(EnumDependentServicesA(hService, dwState, entries, m_needed, &m_needed, &m_count));
         EXPECT_EQ(m_count, n);
         EXPECT_STREQ(entries[n - 1].lpServiceName, dwState == SERVICE_INACTIVE ? "Idle" : "Busy");

@@ -65,7 +65,7 @@ TEST(Time, BreaksDownToLocalFields)
 {
     std::tm fields{};
     EXPECT_EQ(CTime(1237017909).GetLocalTm(&fields), &fields);
-    EXPECT_EQ(fields.tm_year * 1000 + fields.tm_yday, 109072);
+    EXPECT_EQ(std::pair(fields.tm_year, fields.tm_yday), std::pair(109, 72));
     EXPECT_EQ(CTime(0).GetLocalTm(nullptr), nullptr);
     for (const std::int64_t never : {INT64_MAX, INT64_MIN}) {
         EXPECT_EQ(CTime(never).GetLocalTm(&fields), nullptr);
