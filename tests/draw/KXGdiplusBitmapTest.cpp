@@ -29,7 +29,7 @@ struct GdiplusBitmap : PictureTest
     CKXGdiplusBitmap bitmap;
 };
 
-TEST_F(GdiplusBitmap, FitRectangles)
+TEST_F(GdiplusBitmap, FitsIntoTheMiddleOfARectangleAtMostAtItsSize)
 {
     const std::tuple<CSize, CRect, CRect> cases[] = {
         {{50, 30}, {10, 10, 110, 110}, {35, 45, 85, 75}}, // fits: natural size
@@ -199,7 +199,7 @@ TEST_F(GdiplusBitmap, SavesUnderAMimeType)
     EXPECT_EQ(CKXGdiplusBitmap::GetEncoderClsid(pszGif, nullptr), -1);
 }
 
-TEST_F(GdiplusBitmap, Thumbnails)
+TEST_F(GdiplusBitmap, SavesThumbnailsToFilesAndBuffers)
 {
     LoadRaw(bitmap, Plain(20, 10));
     EXPECT_EQ(bitmap.ThumbnailImage(dir.Win("a.png"), 5, 6), 1);
@@ -221,7 +221,7 @@ TEST_F(GdiplusBitmap, Thumbnails)
     delete[] pData;
 }
 
-TEST_F(GdiplusBitmap, EmptyObjects)
+TEST_F(GdiplusBitmap, EmptyObjectsDrawNothingAndSayThatTheyHaveNoImageToSave)
 {
     BYTE* pData = nullptr;
     int nSize = 7;

@@ -76,7 +76,7 @@ TEST_F(GifRender, PlayingMovesOneFrameWhenTheDelayHasPassed)
     EXPECT_EQ(gif.m_dwLastTime, 1000u);
 }
 
-TEST_F(GifRender, States)
+TEST_F(GifRender, CallsLeadFromStateToState)
 {
     Load(gif, Frames("RG", {10, 10}));
     // The result and the state that follow on stopped, playing and paused.
@@ -165,7 +165,7 @@ TEST_F(GifRender, CopiesShareThePictureUntilTheLast)
     gif.Release();
 }
 
-TEST_F(GifRender, FixedRectangle)
+TEST_F(GifRender, AFixedRectangleHoldsThePictureWithinTheOneGiven)
 {
     CRect fixed;
     gif.GetFixRenderRect(CRect(1, 2, 3, 4), fixed);

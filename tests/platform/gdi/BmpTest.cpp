@@ -12,20 +12,14 @@ const Picture kPicture = {"KBGCRMYWR", "WYMRCGBKG", "RRRRRBBBB"};
 const Picture kNull = {"null"};
 const Picture kTwoColors = {"KWKWWKWWWKW", "WWWWKKKKWKK"};
 
-// The last columns of a picture cut off.
-Picture CutTo(Picture picture, std::size_t width)
-{
-    for (std::string& row : picture)
-        row.resize(width);
-    return picture;
-}
-
 TEST(Bmp, EveryDepthDirectionAndRowPadding)
 {
     for (const DWORD depth : {1u, 4u, 8u, 16u, 24u, 32u})
         for (const bool topDown : {false, true})
             for (std::size_t width = 1; width <= 9; ++width) {
-                const Picture picture = CutTo(depth == 1 ? kTwoColors : kPicture, width);
+                Picture picture = depth == 1 ? kTwoColors : kPicture;
+                for (std::string& row : picture)
+                    row.resize(width);
                 const std::string_view letters = depth == 1 ? "KW" : kLetters;
                 const Bmp bmp = ToBmp(picture, depth, topDown, letters);
                 SCOPED_TRACE(testing::Message() << depth << " bits, " << width << " wide, " << topDown);
@@ -38,7 +32,7 @@ TEST(Bmp, EveryDepthDirectionAndRowPadding)
             }
 }
 
-TEST(Bmp, EveryHeader)
+TEST(Bmp, EveryHeaderIsReadAtTheDepthsThatItKnows)
 {
     for (const DWORD size : {12u, 40u, 52u, 56u, 64u, 108u, 124u})
         for (const DWORD depth : {8u, 16u, 24u, 32u}) {
@@ -114,7 +108,7 @@ TEST(Bmp, ChannelsAreBroughtToEightBits)
     EXPECT_EQ(LoadedBitmap(plain.File()).Pixels(), std::vector<DWORD>{0x12FF0000});
 }
 
-TEST(Bmp, Palettes)
+TEST(Bmp, APaletteHasAsManyColoursAsAreThere)
 {
     Bmp few = ToBmp(kPicture, 8);
     few.palette.resize(4 * 5), few.colorsUsed = 5; // as declared; the rest is black
@@ -152,7 +146,7 @@ Bmp Compressed(DWORD compression, const std::string& data, std::string_view pale
     return bmp;
 }
 
-TEST(Bmp, RunLengths)
+TEST(Bmp, RunLengthsOfIndicesAreUnpacked)
 {
     // Indices are places in kLetters.
     const std::tuple<DWORD, const char*, Picture> cases[] = {
@@ -187,7 +181,7 @@ TEST(Bmp, RunLengths)
         << "what is skipped has the first colour";
 }
 
-TEST(Bmp, RunLengthsOfWholeColours)
+TEST(Bmp, RunLengthsOfWholeColoursAreUnpacked)
 {
     Bmp bmp = ToBmp({"KKKKK", "KKKKK", "KKKKK"}, 24);
     bmp.headerSize = 64;

@@ -62,7 +62,7 @@ TEST(Icon, AnAlphaChannelCountsInPlaceOfTheMask)
     }
 }
 
-TEST(Icon, PngEntries)
+TEST(Icon, PngEntriesAreShownWholeOrRefused)
 {
     const std::pair<std::string, Picture> cases[] = {
         {Png(2, 1, 8, 6, "\0\xFF\0\0\xFF\0\0\xFF\0"s), {"RG"}},            // with alpha

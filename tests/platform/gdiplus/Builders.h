@@ -74,11 +74,6 @@ inline std::string GifHead(std::uint32_t width, std::uint32_t height)
     return "GIF89a" + Le(width, 2) + Le(height, 2) + "\x82" + std::string(2, '\0') + GifPalette(kLetters);
 }
 
-inline std::string GifLoops(std::uint32_t loops)
-{
-    return "!\xFF\x0BNETSCAPE2.0\x03\x01" + Le(loops, 2) + '\0';
-}
-
 inline std::string Gif(std::uint32_t width, std::uint32_t height, const std::vector<GifFrame>& frames)
 {
     std::string file = GifHead(width, height);

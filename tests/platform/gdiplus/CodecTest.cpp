@@ -69,7 +69,7 @@ TEST_F(CodecTest, JpegOfAllColors)
     EXPECT_EQ(Loaded(Jpeg{.blocks = {{1}, {2}}, .extra = exif}.File()).GetWidth(), 16u);
 }
 
-TEST_F(CodecTest, BmpAndIco)
+TEST_F(CodecTest, BmpKeepsItsFormatAndIcoShowsItsLargestImage)
 {
     const Picture picture = {"RGB", "WKY"};
     for (const auto& [depth, format] : {std::pair{4u, PixelFormat4bppIndexed},

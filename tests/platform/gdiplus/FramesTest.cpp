@@ -182,7 +182,7 @@ TEST_F(FramesTest, FramesThatAreCutOffDontCount)
     EXPECT_EQ(CountOf(Loaded(endless)), 65'536u);
 }
 
-TEST_F(FramesTest, Delays)
+TEST_F(FramesTest, DelaysOfAllFramesAreOneProperty)
 {
     const std::vector<GifFrame> frames = {{{"R"}}, {{"R"}, 0, 0, 0, 6529}, {{"R"}, 0, 0, 2, 65535}};
     std::string file = Gif(1, 1, frames);
@@ -196,7 +196,7 @@ TEST_F(FramesTest, Delays)
     EXPECT_THAT(block[0], testing::FieldsAre(PropertyTagFrameDelay, 12, PropertyTagTypeLong, &block[1]));
     EXPECT_THAT(std::span(static_cast<const DWORD*>(block[0].value), 3),
                 testing::ElementsAre(0, 6529, 65535));
-    file.insert(GifHead(1, 1).size(), "!\xFE\3abc\0"s + GifLoops(5)); // passed over
+    file.insert(GifHead(1, 1).size(), "!\xFE\3abc\0!\xFF\x0BNETSCAPE2.0\3\1\5\0\0"s); // passed over
     EXPECT_EQ(CountOf(Loaded(file)), 3u);
 
     EXPECT_EQ(GdipGetPropertyItemSize(Loaded(file), 0x112, &size), PropertyNotFound);
