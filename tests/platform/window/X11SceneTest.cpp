@@ -39,7 +39,8 @@ public:
               call();
           })
     {
-        EXPECT_TRUE(Soon([&] { return m_id != 0 && State() == 'S'; }));
+        EXPECT_TRUE(Soon([&] { return m_id != 0; }));
+        EXPECT_TRUE(Soon([&] { return State() == 'S'; }));
     }
 
 private:
