@@ -34,6 +34,8 @@ TEST_F(X11PropertiesTest, OthersAreToldWhatAWindowIs)
     EXPECT_FALSE(outside->IsPopup(idFramed));
     const auto framedHas = [&](const char* pszName) { return outside->Property(idFramed, pszName); };
     EXPECT_EQ(outside->Property(idPlain, "_MOTIF_WM_HINTS"), Numbers({2, 0, 0, 0, 0}));
+    EXPECT_EQ(framedHas("WM_NAME"), "framed");
+    EXPECT_EQ(framedHas("_NET_WM_NAME"), "framed");
     EXPECT_EQ(framedHas("_MOTIF_WM_HINTS"), "");
     EXPECT_EQ(framedHas("_NET_WM_PID"), Numbers({static_cast<std::uint32_t>(GetCurrentProcessId())}));
     std::array<char, 256> host{};

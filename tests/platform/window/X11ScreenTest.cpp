@@ -82,8 +82,12 @@ TEST_F(X11ScreenTest, WithoutAPrimaryMonitorTheFirstServesAndWithoutAnyTheScreen
 
 TEST_F(X11ScreenTest, WindowsAreEnlargedWhereDotsAreFine)
 {
-    EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 640);
-    outside->SetResources("*color: red\nXft.dpi:\t192\n");
+    for (const auto& [resources, width] :
+         {std::pair{"*color: red", 640}, {"Xft.dpi:288", 214}, {"*color: red\nXft.dpi:\t192\n", 320}}) {
+        outside->SetResources(resources);
+        Reopen();
+        EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), width) << resources;
+    }
     for (const auto& [word, width] : {std::pair{"1", 640}, {"3", 214}, {"9", 214}, {"nonsense", 640}}) {
         Reopen(word);
         EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), width) << "the environment has the last word: " << word;
