@@ -49,8 +49,7 @@ int main(int nArgs, char** args)
     const std::pair<const char*, soak::Work> works[] = {
         {"log", soak::RunLog},           {"languages", soak::RunLanguages},
         {"skins", soak::RunSkins},       {"downloads", soak::RunDownloads},
-        {"registry", soak::RunRegistry}, {"xml", soak::RunXml},
-        {"others", soak::RunFaults},
+        {"registry", soak::RunRegistry}, {"others", soak::RunFaults},
     };
     std::vector<std::future<soak::Figures>> running;
     for (const auto& [pszName, work] : works) {

@@ -42,8 +42,6 @@ Figures RunSkins(Turn turn, const test::TempDir& dir);
 Figures RunDownloads(Turn turn, const test::TempDir& dir);
 // Processes that write into one registry and are killed.
 Figures RunRegistry(Turn turn, const test::TempDir& dir);
-// Random documents saved and loaded, also cut ones.
-Figures RunXml(Turn turn, const test::TempDir& dir);
 // What else the library is used for, while calls of its thread fail.
 Figures RunFaults(Turn turn, const test::TempDir& dir);
 
