@@ -3,6 +3,8 @@
 #include "platform/Host.h"
 #include "tests/support/Process.h"
 #include "tests/support/ShortMemory.h"
+#include "tests/support/TempDir.h"
+
 #include <dlfcn.h>
 #include <pthread.h>
 
@@ -42,10 +44,7 @@ extern "C" int pthread_create(pthread_t* pThread, const pthread_attr_t* pAttribu
 int main(int, char** args)
 {
     const CString strFile = ("C:" + std::string(args[1])).c_str();
-    const auto text = [&] {
-        std::ifstream file(args[1]);
-        return std::string(std::istreambuf_iterator<char>(file), {});
-    };
+    const auto text = [&] { return test::ReadFile(args[1]); };
     CKXLogSys* pLog = CKXLogSys::GetSingletonPtr();
     int n = 0;
     // The second start is as usual, and writes what the first one couldn't.

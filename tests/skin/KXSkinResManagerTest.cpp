@@ -198,10 +198,9 @@ TEST_F(Skins, MissingAndBrokenFilesLeaveDefaults)
     skins->SetSkin("Full", 0);
     EXPECT_EQ(skins->SetSkin("Partial", 1), 1); // as far as its files go
     EXPECT_EQ(events.back(), "callback 30 0 197121");
-    EXPECT_EQ(skins->GetWndRes()->m_nLeftWidth, 0);
-    EXPECT_EQ(skins->GetBtnRes()->m_bRadioButton, 0);
-    EXPECT_EQ(skins->GetWndRes()->m_nOldLeftWidth, 12);
-    EXPECT_EQ(skins->GetBtnRes()->m_bCheckBox, 1);
+    EXPECT_THAT((std::array{skins->GetWndRes()->m_nLeftWidth, skins->GetWndRes()->m_nOldLeftWidth,
+                            skins->GetBtnRes()->m_bRadioButton, skins->GetBtnRes()->m_bCheckBox}),
+                ElementsAre(0, 12, 0, 1));
     EXPECT_EQ(skins->GetIMLRes()->m_hNormalIcon, nullptr);
     EXPECT_NE(skins->GetIMLRes()->m_hExpandIcon, nullptr);
     EXPECT_EQ(skins->GetOthRes()->m_imgFileSend.IsValid(), 0);

@@ -87,8 +87,7 @@ TEST_F(RedrawWord, TouchesWhatChangesAlone)
         CKXEnglishWord::RedrawWordInvalidPart(&field, &back, old.c_str(), now.c_str(), rc, &font, clrText);
         EXPECT_EQ(copies.Take().size(), nSame < old.size()) << old << now;
         const int nFrom = 20 + field.WidthOf(old.substr(0, nSame), font);
-        const int nTo = 20 + field.WidthOf(old, font);
-        expected.BitBlt(nFrom, 10, nTo - nFrom, 40, &back, nFrom, 0, SRCCOPY);
+        expected.BitBlt(nFrom, 10, 20 + field.WidthOf(old, font) - nFrom, 40, &back, nFrom, 0, SRCCOPY);
         std::string shown = now;
         for (std::size_t n = 0; n < now.size(); ++n)
             if (n < nSame || n >= nFit) shown[n] = '*';

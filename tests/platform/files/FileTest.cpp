@@ -67,9 +67,8 @@ TEST_F(File, ClosedOneIsQuietButForReadsAndWrites)
     EXPECT_EQ(CauseOf([&] { file.Read(&ch, 1); }), CFileException::invalidFile);
     EXPECT_EQ(CauseOf([&] { file.Write(&ch, 1); }), CFileException::invalidFile);
     EXPECT_EQ(CauseOf([&] { file.Close(), file.Flush(), file.SeekToBegin(); }), CFileException::none);
-    EXPECT_EQ(file.GetLength(), 0u);
-    EXPECT_EQ(file.GetPosition(), 0u);
-    EXPECT_EQ(file.Seek(3, CFile::begin), 0u);
+    EXPECT_THAT((std::array{file.GetLength(), file.GetPosition(), file.Seek(3, CFile::begin)}),
+                testing::Each(0));
     EXPECT_FALSE(file.IsOpen());
     EXPECT_EQ(file.GetFilePath(), "");
 }

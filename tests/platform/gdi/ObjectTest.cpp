@@ -64,8 +64,7 @@ TEST_F(Object, OfAnotherClassServesNoOperation)
 
 TEST_F(Object, TellsItsRecord)
 {
-    const Paper paper(50, 7);
-    EXPECT_THAT(Describe<BITMAP>(paper.Bitmap()), testing::FieldsAre(0, 50, 7, 200, 1, 32, nullptr));
+    EXPECT_THAT(Describe<BITMAP>(Paper(50, 7).Bitmap()), testing::FieldsAre(0, 50, 7, 200, 1, 32, nullptr));
     LOGFONTA log{};
     log.lfHeight = 33;
     std::fill(std::begin(log.lfFaceName), std::end(log.lfFaceName), 'F');
@@ -87,12 +86,11 @@ TEST_F(Object, StaysWhileASurfaceHoldsIt)
         const Paper other(1, 1);
         EXPECT_EQ(SelectObject(paper, brush), GetStockObject(WHITE_BRUSH));
         EXPECT_EQ(SelectObject(paper, brush), brush);
-        EXPECT_EQ(SelectObject(other, brush),
-                  GetStockObject(WHITE_BRUSH)); // a tool may be in several surfaces
+        // A tool may be in several surfaces.
+        EXPECT_EQ(SelectObject(other, brush), GetStockObject(WHITE_BRUSH));
         EXPECT_EQ(SelectObject(paper, pen), GetStockObject(BLACK_PEN));
-        EXPECT_EQ(DeleteObject(brush), 0);
-        EXPECT_EQ(DeleteObject(pen), 0);
-        EXPECT_EQ(DeleteObject(paper.Bitmap()), 0);
+        for (const HGDIOBJ object : {HGDIOBJ{brush}, HGDIOBJ{pen}, HGDIOBJ{paper.Bitmap()}})
+            EXPECT_EQ(DeleteObject(object), 0);
         EXPECT_EQ(SelectObject(paper, GetStockObject(WHITE_BRUSH)), brush);
         EXPECT_EQ(DeleteObject(brush), 0);
         Rectangle(paper, 0, 0, 3, 3);

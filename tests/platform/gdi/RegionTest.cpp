@@ -59,8 +59,7 @@ TEST_F(Region, OfRectanglesIsTheirUnion)
               (Picture{"W.....", ".W....", ".W.W.W"}));
     EXPECT_EQ(Show(FromRects({{0, 0, 1, 1}, {1, 0, 2, 2}}), 2, 2), (Picture{"WW", ".W"}));
     EXPECT_EQ(BoxOf(FromRects({{0, 0, 2, 1}, {1, 0, 3, 1}}), SIMPLEREGION), (RECT{0, 0, 3, 1}));
-    const Rgn square = FromRects({{0, 0, 1, 1}, {1, 0, 2, 1}, {0, 1, 2, 2}});
-    EXPECT_EQ(BoxOf(square, SIMPLEREGION), (RECT{0, 0, 2, 2}));
+    EXPECT_EQ(BoxOf(FromRects({{0, 0, 1, 1}, {1, 0, 2, 1}, {0, 1, 2, 2}}), SIMPLEREGION), (RECT{0, 0, 2, 2}));
     EXPECT_EQ(BoxOf(FromRects({}), NULLREGION), RECT{});
     std::uint64_t mask[] = {0b1011, 1, 0b1011, 1, std::uint64_t{1} << 63, 1, 0, 0};
     const std::string gap(60, '.'), row = "WW.W" + gap + 'W';

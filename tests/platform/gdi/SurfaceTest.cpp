@@ -13,9 +13,7 @@ TEST_F(Surface, BeginsWithABlackPixelOfItsOwn)
     SetPixel(dc, 0, 0, RGB(255, 0, 0));
     EXPECT_EQ(GetPixel(other, 0, 0), 0u);
     EXPECT_EQ(ReleaseDC(nullptr, dc), 0); // it isn't the desktop's
-    EXPECT_EQ(DeleteDC(dc), 1);
-    EXPECT_EQ(DeleteDC(dc), 0);
-    EXPECT_EQ(DeleteDC(other), 1);
+    EXPECT_THAT((std::array{DeleteDC(dc), DeleteDC(dc), DeleteDC(other)}), testing::ElementsAre(1, 0, 1));
     EXPECT_EQ(CreateCompatibleDC(dc), nullptr);
     EXPECT_EQ(CreateCompatibleBitmap(dc, 1, 1), nullptr);
 }
@@ -30,9 +28,8 @@ TEST_F(Surface, OfTheDesktopShowsItToAll)
     EXPECT_EQ(GetPixel(other, 3, 4), 0x123456u);
     SetPixel(dc, 3, 4, DESKTOP_COLOR);
     EXPECT_EQ(DeleteDC(dc), 0);
-    EXPECT_EQ(ReleaseDC(nullptr, dc), 1);
-    EXPECT_EQ(ReleaseDC(nullptr, dc), 0);
-    EXPECT_EQ(ReleaseDC(nullptr, other), 1);
+    EXPECT_THAT((std::array{ReleaseDC(nullptr, dc), ReleaseDC(nullptr, dc), ReleaseDC(nullptr, other)}),
+                testing::ElementsAre(1, 0, 1));
     int local = 0;
     EXPECT_EQ(GetDC(reinterpret_cast<HWND>(&local)), nullptr);
 }

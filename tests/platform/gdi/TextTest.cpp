@@ -87,8 +87,8 @@ TEST_F(Text, ALineIsAsLongAsItsLetters)
     const int nWidth = WidthOf(four.GetString());
     const test::CodePage utf8(CP_UTF8);
     EXPECT_EQ(nWidth, WidthOf("ñ"));
-    EXPECT_EQ(WidthOf("\xC2\x80"),
-              WidthOf("\xC2\x81")); // the first letters behind ASCII, of which no face has any
+    // The first letters behind ASCII, of which no face has any.
+    EXPECT_EQ(WidthOf("\xC2\x80"), WidthOf("\xC2\x81"));
     EXPECT_EQ(WidthOf("a\xFFz"), WidthOf("a\xEF\xBF\xBDz")); // no letter
     EXPECT_EQ(WidthOf("\xEF\xBF\xBF"), 10);                  // the sign of the best face
     EXPECT_EQ(WidthOf("\xCC\x81"), 0);                       // an accent over the letter before it
@@ -198,8 +198,7 @@ TEST_F(Text, LinesRunUnderAndThroughAllOfIt)
     log.lfUnderline = 0;
     log.lfStrikeOut = 1;
     Use(log);
-    const RECT ink = Draw("    ", DT_SINGLELINE);
-    EXPECT_EQ(ink, (RECT{0, base - base / 3, WidthOf("    "), base - base / 3 + 1}));
+    EXPECT_EQ(Draw("    ", DT_SINGLELINE), (RECT{0, base - base / 3, WidthOf("    "), base - base / 3 + 1}));
 }
 
 TEST_F(Text, ColoursAndBackground)

@@ -157,8 +157,7 @@ TEST_F(SaveTest, AFileIsReplacedWholeOrStaysAsItWas)
     EXPECT_EQ(letters("a.png"), (Picture{"R"}));
     const mode_t mask = umask(022);
     umask(mask);
-    const auto mode = std::filesystem::status(dir.Path("a.png")).permissions();
-    EXPECT_EQ(static_cast<mode_t>(mode), 0666 & ~mask);
+    EXPECT_EQ(mode_t(std::filesystem::status(dir.Path("a.png")).permissions()), 0666 & ~mask);
 
     Image same(Wide(dir.Win("a.png")).c_str());
     EXPECT_EQ(save(same.Native(), "a.png", bmp), Ok); // over itself

@@ -60,10 +60,9 @@ TEST(ExecutablePath, OfADeletedProgramStaysItsName)
         return test::RunChild(up + path.substr(1), deleted ? std::vector{path} : std::vector<std::string>{});
     };
     const auto expected = [&](const char* pszName) { return std::string(dir.Win(pszName)); };
-    EXPECT_EQ(run("app", false), expected("app"));
-    EXPECT_EQ(run("gone", true), expected("gone"));
-    EXPECT_EQ(run("odd (deleted)", false), expected("odd (deleted)"));
-    EXPECT_EQ(run("gone (deleted)", true), expected("gone (deleted)"));
+    for (const auto& [name, bGone] :
+         {std::pair{"app", false}, {"gone", true}, {"odd (deleted)", false}, {"gone (deleted)", true}})
+        EXPECT_EQ(run(name, bGone), expected(name)) << name;
 }
 
 } // namespace

@@ -40,10 +40,8 @@ TEST(ProfileRead, FindsWhatTheLinesSay)
         {"", "S", "k", none},
         {"\xEF\xBB\xBF", "S", "k", none},
     };
-    for (const auto& [text, section, key, value] : cases) {
-        const IniFile ini(text);
-        EXPECT_EQ(ini.Get(section, key), value) << text;
-    }
+    for (const auto& [text, section, key, value] : cases)
+        EXPECT_EQ(IniFile(text).Get(section, key), value) << text;
 }
 
 TEST(ProfileRead, NamesAreFoldedByCharacters)

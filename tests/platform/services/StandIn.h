@@ -16,18 +16,15 @@ public:
     const std::string& Address() const { return m_address; }
 
 private:
-    static std::string Config(const std::string& dir)
-    {
-        return R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+    TempDir m_dir;
+    const std::string m_config =
+        R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig><listen>unix:dir=)" +
-               dir + R"(</listen><auth>EXTERNAL</auth>
+        m_dir.Path() + R"(</listen><auth>EXTERNAL</auth>
 <policy context="default"><allow send_destination="*"/><allow eavesdrop="true"/><allow own="*"/></policy></busconfig>)";
-    }
-
-    TempDir m_dir;
     Pipe m_pipe; // the bus tells its address
-    Program m_program{{"dbus-daemon", "--config-file=" + m_dir.Write("bus.conf", Config(m_dir.Path())),
+    Program m_program{{"dbus-daemon", "--config-file=" + m_dir.Write("bus.conf", m_config),
                        "--print-address=" + std::to_string(m_pipe.ends[1]), "--nofork", "--nopidfile"}};
     std::string m_address = m_pipe.ReadLine();
 };

@@ -178,9 +178,8 @@ TEST_F(Systemd, WhatCantBeInstalledLeavesNothing)
     EXPECT_EQ(Create("Link"), ERROR_SERVICE_EXISTS);
     EXPECT_FALSE(m_dir.Exists("elsewhere"));
     // Only what was made here is deleted.
-    EXPECT_EQ(Delete("Nv"), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(Delete("Hand"), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(Delete("Linked"), ERROR_ACCESS_DENIED);
+    for (const char* pszName : {"Nv", "Hand", "Linked"})
+        EXPECT_EQ(Delete(pszName), ERROR_ACCESS_DENIED) << pszName;
 
     EXPECT_EQ(Create("New", "relative\\nv"), ERROR_INVALID_PARAMETER);
     EXPECT_EQ(Create("New", "C:\\nv", SERVICE_AUTO_START - 1), ERROR_INVALID_PARAMETER);

@@ -1,9 +1,8 @@
 #include "include/platform/Host.h"
 #include "include/platform/Shell.h"
+#include "tests/support/Process.h"
 
 #include <cstdio>
-#include <filesystem>
-#include <iterator>
 
 // Writes name, type and icon of each path that it is given. Fails if that left anything running.
 int main(int argc, char** argv)
@@ -15,6 +14,5 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "%s|%s|%s\n", info.szDisplayName, info.szTypeName,
                      ImageList_GetIconName(list, info.iIcon));
     }
-    const std::filesystem::directory_iterator threads("/proc/self/task");
-    return std::distance(threads, {}) == 1 ? 0 : 1;
+    return test::Threads() == 1 ? 0 : 1;
 }

@@ -125,15 +125,13 @@ TEST_F(StreamTest, ReadsAndWritesAtItsPosition)
 TEST_F(StreamTest, SeeksFromThreePlacesButNotBeforeTheBeginning)
 {
     Make(GlobalAlloc(GMEM_ZEROINIT, 10), true);
-    EXPECT_EQ(Seek(4, STREAM_SEEK_SET), 4);
-    EXPECT_EQ(Seek(-1, STREAM_SEEK_CUR), 3);
-    EXPECT_EQ(Seek(-2, STREAM_SEEK_END), 8);
+    EXPECT_THAT((std::array{Seek(4, STREAM_SEEK_SET), Seek(-1, STREAM_SEEK_CUR), Seek(-2, STREAM_SEEK_END)}),
+                testing::ElementsAre(4, 3, 8));
     EXPECT_EQ(Seek(INT64_MAX, STREAM_SEEK_SET), INT64_MAX);
     EXPECT_EQ(Read(1, S_FALSE), "");
     EXPECT_EQ(Write("x"), STG_E_MEDIUMFULL);
-    EXPECT_EQ(Seek(1, STREAM_SEEK_CUR), -1);
-    EXPECT_EQ(Seek(-11, STREAM_SEEK_END), -1);
-    EXPECT_EQ(Seek(0, 3), -1);
+    EXPECT_THAT((std::array{Seek(1, STREAM_SEEK_CUR), Seek(-11, STREAM_SEEK_END), Seek(0, 3)}),
+                testing::Each(-1));
     EXPECT_EQ(Seek(0, STREAM_SEEK_CUR), INT64_MAX);
     EXPECT_EQ(stream->Seek({0}, STREAM_SEEK_SET, nullptr), S_OK);
 }

@@ -150,9 +150,7 @@ TEST(String, PartsArePulledIntoRange)
 TEST(String, SearchesNeverMatchATrailByte)
 {
     const CString str(szTrail);
-    EXPECT_EQ(str.Find('\\'), 2);
-    EXPECT_EQ(str.Find('\\', 3), 5);
-    EXPECT_EQ(str.ReverseFind('\\'), 5);
+    EXPECT_THAT((std::array{str.Find('\\'), str.Find('\\', 3), str.ReverseFind('\\')}), ElementsAre(2, 5, 5));
     EXPECT_EQ(CString("\x95\x5C").ReverseFind('\\'), -1);
     EXPECT_EQ(CString("\xB0\x41\x41").Find("A"), 2);
     EXPECT_EQ(CString("\x5C\x95").Find('\\'), 0);         // a stray lead byte behind it
@@ -160,9 +158,8 @@ TEST(String, SearchesNeverMatchATrailByte)
     EXPECT_EQ(CString("\x81\x5Cx\x5C").Find('\\', 1), 3); // begun on the second byte
     EXPECT_EQ(CString("\xB0\xB0\xB0\xB0").Find("\xB0\xB0", 1), 2);
     const CString four("\x81\x39\xEE\x39\x39\x61"); // a character of four bytes, and "9a"
-    EXPECT_EQ(four.Find('9'), 4);
-    EXPECT_EQ(four.Find("9\xEE"), -1);
-    EXPECT_EQ(four.Left(4).ReverseFind('9'), -1);
+    EXPECT_THAT((std::array{four.Find('9'), four.Find("9\xEE"), four.Left(4).ReverseFind('9')}),
+                ElementsAre(4, -1, -1));
     EXPECT_EQ(CString(four).Replace('9', 'x'), 1);
     EXPECT_THAT(Tokens(four, "9"), ElementsAre("\x81\x39\xEE\x39", "a"));
     EXPECT_STREQ(CString("A" + four).MakeLower(), "a" + four);
@@ -187,8 +184,7 @@ TEST(String, ReplacesWholeLettersOnly)
 
 TEST(String, CaseFoldsAsciiLettersAlone)
 {
-    CString str("ABZ\xB0\x41[");
-    EXPECT_STREQ(CString(str).MakeLower(), "abz\xB0\x41[");
+    EXPECT_STREQ(CString("ABZ\xB0\x41[").MakeLower(), "abz\xB0\x41[");
     EXPECT_STREQ(CString("az\xB0\x61").MakeUpper(), "AZ\xB0\x61");
     EXPECT_EQ(CString("abc").CompareNoCase("ABC"), 0);
     EXPECT_NE(CString("\xB0\x41").CompareNoCase("\xB0\x61"), 0); // two different letters

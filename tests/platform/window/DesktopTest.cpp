@@ -62,9 +62,8 @@ TEST(Desktop, AWalkBearsWhatItsCallbackDoes)
         return true;
     });
     EXPECT_THAT(visited, ElementsAre(thread->Window(), own[0], own[1], own[3]));
-    EXPECT_TRUE(DestroyWindow(made));
-    EXPECT_TRUE(DestroyWindow(own[1]));
-    EXPECT_TRUE(DestroyWindow(own[3]));
+    for (const HWND hWnd : {made, own[1], own[3]})
+        EXPECT_TRUE(DestroyWindow(hWnd));
     EXPECT_TRUE(WalkAll().empty());
 }
 

@@ -106,11 +106,9 @@ TEST(Paint, WindowsLieOnEachOtherInTheirOrder)
         return top();
     };
     EXPECT_EQ(top(), "B");
-    EXPECT_EQ(order(red, HWND_TOP), "R");
-    EXPECT_EQ(order(green, HWND_TOPMOST), "G");
-    EXPECT_EQ(order(blue, HWND_TOP), "G");
-    EXPECT_EQ(order(red, HWND_TOPMOST), "R");
-    EXPECT_EQ(order(red, HWND_NOTOPMOST), "G");
+    EXPECT_THAT((std::array{order(red, HWND_TOP), order(green, HWND_TOPMOST), order(blue, HWND_TOP),
+                            order(red, HWND_TOPMOST), order(red, HWND_NOTOPMOST)}),
+                testing::ElementsAre("R", "G", "G", "R", "G"));
     EXPECT_EQ(order(green, HWND_BOTTOM), "R"); // no longer topmost
     ShowWindow(red.window, SW_HIDE);
     EXPECT_EQ(top(), "B");

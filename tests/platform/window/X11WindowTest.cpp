@@ -25,9 +25,7 @@ TEST_F(X11WindowTest, PixelsReachTheScreenAndComeBackFromIt)
         ShowSeen(window, kRed, 50, 60);
         EXPECT_EQ(outside->Pixel(149, 139), kRed);
         EXPECT_EQ(outside->Pixel(150, 139), kBlue);
-        std::ifstream maps("/proc/self/maps");
-        const std::string shared{std::istreambuf_iterator<char>(maps), {}};
-        EXPECT_EQ(shared.find("memfd:kx-pixels") != std::string::npos, options.empty());
+        EXPECT_EQ(ReadFile("/proc/self/maps").find("memfd:kx-pixels") != std::string::npos, options.empty());
 
         EXPECT_EQ(SeenAt(50, 60), kRed);
         EXPECT_EQ(SeenAt(49, 60), kBlue);
