@@ -140,9 +140,9 @@ TEST_F(GdiplusImage, GivesItselfAsJpegAndInGrey)
         delete[] pData;
         EXPECT_EQ(image.GetImageSize(), CSize(8, 4));
         Drawn([&] { image.Render(&dc, CRect()); });
-        const COLORREF clr = dc.GetPixel(7, 3);
-        for (const int nChannel : {GetRValue(clr), GetGValue(clr), GetBValue(clr)})
-            EXPECT_NEAR(nChannel, nGrey, 2) << letter;
+        for (const COLORREF clr : {dc.GetPixel(0, 0), dc.GetPixel(7, 3)})
+            for (const int nChannel : {GetRValue(clr), GetGValue(clr), GetBValue(clr)})
+                EXPECT_NEAR(nChannel, nGrey, 2) << letter;
     }
     EXPECT_EQ(image.GetImageData(nullptr, nSize), 0);
     EXPECT_EQ(image.SaveGrayPic(dir.Win("none\\grey.jpg")), 0);

@@ -52,6 +52,7 @@ struct KXXmlTypedChild : testing::Test
     {
         m_root.SetText("");
         m_root.AppendChild(m_doc, "n", value, false, value);
+        EXPECT_EQ(m_root.GetText(), "");
         m_root.AppendChild(m_doc, "n", value, true, value);
         m_root.AppendChild(m_doc, "n", value, false, static_cast<Value>(value / 2 + 1));
         const std::string child = "<n>" + text + "</n>";

@@ -75,6 +75,8 @@ TEST_F(X11ScreenTest, WithoutAPrimaryMonitorTheFirstServesAndWithoutAnyTheScreen
     outside->Cover(0, 0, 1, 1, kGreen);
     EXPECT_EQ(SeenAt(0, 0), kGreen);
     outside->AddMonitor("left", 0, 0, 240, 480, false);
+    Reopen();
+    EXPECT_EQ(PlaceOf(GetDesktopWindow()), (RECT{0, 0, 240, 480}));
     outside->AddMonitor("right", 240, 0, 400, 300, false);
     Reopen();
     EXPECT_EQ(PlaceOf(GetDesktopWindow()), (RECT{0, 0, 240, 480}));
