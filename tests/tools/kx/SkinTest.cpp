@@ -50,6 +50,7 @@ TEST_F(Skin, FindsWhatIsWrongInSkinIni)
         {"[SysButton]\nautoali=1\n",
          {"2:1: warning: nothing reads key autoali; did you mean \"AutoAlign\"? [skin.unknown-key]"}},
         {"[x]\ny=1\n", {"1:2: warning: nothing reads section [x] [skin.unknown-section]"}},
+        {"[Coxyz]\n", {"1:2: warning: nothing reads section [Coxyz] [skin.unknown-section]"}},
         {"[But]\n[Butt]\n[borderwxyz]\n",
          {"1:2: warning: nothing reads section [But] [skin.unknown-section]",
           "2:2: warning: nothing reads section [Butt]; did you mean \"Button\"? [skin.unknown-section]",
@@ -127,6 +128,10 @@ TEST_F(Skin, FindsWhatIsWrongWithFiles)
         "them: there is no middle to repeat [skin.ends]");
     SetIni("[Button]\nPushButton_Right=12\n");
     EXPECT_THAT(Check(), ElementsAre(HasSubstr(" take 0 and 12 of them")));
+    SetIni("[Button]\nPushButton_Left=12\n");
+    EXPECT_THAT(Check(), ElementsAre(HasSubstr(" take 12 and 0 of them")));
+    SetIni("[Button]\nPushButton_Left=-3\nPushButton_Right=14\n");
+    EXPECT_THAT(Check(), ElementsAre(HasSubstr("skin.negative")));
     SetIni("[Border]\nLeft_Top_Height=30\nLeft_Bottom_Height=20\n");
     dir.Write("s/Common/Window/Frame_Left.bmp", test::BmpFile(20, 40));
     EXPECT_THAT(Check(), ElementsAre(HasSubstr("is 40 pixels long in one state, and Left_Top_Height")));
