@@ -42,7 +42,7 @@ Figures RunSkins(Turn turn, const test::TempDir& dir);
 Figures RunDownloads(Turn turn, const test::TempDir& dir);
 // Processes that write into one registry and are killed.
 Figures RunRegistry(Turn turn, const test::TempDir& dir);
-// What else the library is used for, while calls of its thread fail.
+// The library's other uses, while calls of the thread that runs them fail.
 Figures RunFaults(Turn turn, const test::TempDir& dir);
 
 } // namespace soak
