@@ -46,7 +46,7 @@ void MeasurePlan(CurvePlan& plan)
                 return false;
             }
         }));
-        Curve::Point point{.size = 1. * nSize};
+        Curve::Point point{.size = 1. * nSize, .cost = {}};
         if (!(told >> point.cost.lower >> point.cost.median >> point.cost.upper >> point.cost.peak)) {
             plan.curve.points.clear();
             return;

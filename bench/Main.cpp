@@ -9,9 +9,6 @@
 
 using namespace bench;
 
-// Others' work on the machine makes figures of no worth for a page.
-constexpr double mostUnrest = 0.08;
-
 // --json FILE and --page FILE write the rows there too; --only TEXT runs the works whose names match it.
 int main(int argc, char** argv)
 {
@@ -43,7 +40,7 @@ int main(int argc, char** argv)
     if (pszJson) WriteJson(rows, pszJson);
     const double unrest = Unrest(rows);
     std::printf("quartiles are %.1f %% apart in the median\n", unrest * 100);
-    if (pszPage && unrest > mostUnrest)
+    if (pszPage && unrest > restless) // others' work on the machine makes figures of no worth
         fail("A page, by a machine as restless as that,");
     else if (pszPage)
         WritePage(rows, curves, pszPage);

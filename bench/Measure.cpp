@@ -2,6 +2,7 @@
 
 #include "bench/Loop.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -68,7 +69,7 @@ void Run(Pairs& pairs, const std::string& filter, bool bList, int nTimes)
     benchmark::RunSpecifiedBenchmarks(&pairs);
 }
 
-std::map<std::string, Side> TimeSides(const std::string& work)
+std::map<std::string, Side> TimeSidesOnce(const std::string& work)
 {
     std::istringstream told(RunApart([&](std::ostream& out) {
         constexpr int nTimes = 9;
@@ -85,6 +86,24 @@ std::map<std::string, Side> TimeSides(const std::string& work)
     for (Side side; told >> name >> side.lower >> side.median >> side.upper;)
         sides[name] = side;
     return sides;
+}
+
+// What disturbs the machine for a second disturbs a work alone, so that one goes again.
+std::map<std::string, Side> TimeSides(const std::string& work)
+{
+    std::map<std::string, Side> calmest;
+    double least = 0;
+    for (int n = 0; n < nMostTries && (n == 0 || least > restless); ++n) {
+        auto sides = TimeSidesOnce(work);
+        if (sides.empty()) return {};
+        double widest = 0;
+        for (const auto& [name, side] : sides)
+            widest = std::max(widest, side.Apart());
+        if (n > 0 && widest >= least) continue;
+        least = widest;
+        calmest = std::move(sides);
+    }
+    return calmest;
 }
 
 // The memory that this process had before it prepared a side, in bytes; 0 where memory isn't measured.

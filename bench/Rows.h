@@ -13,7 +13,14 @@ struct Side
     double median = 0;
     double upper = 0;
     double peak = 0;
+
+    // How far apart the quartiles are, as a part of the time: little on a quiet machine.
+    double Apart() const { return (upper - lower) / median; }
 };
+
+// A work with quartiles further apart is measured again, so many times at most, and the calmest is kept.
+constexpr double restless = 0.08;
+constexpr int nMostTries = 4;
 
 Side QuartilesOf(std::vector<double> times);
 
@@ -52,8 +59,7 @@ void WriteJson(const std::vector<Row>& rows, const char* pszFile);
 // A page with the tables, the machine and the date.
 void WritePage(const std::vector<Row>& rows, const std::vector<Curve>& curves, const char* pszFile);
 
-// How far apart the quartiles are, as a part of the time, in the median of all sides: little on a quiet
-// machine.
+// How far apart the quartiles are in the median of all sides.
 double Unrest(const std::vector<Row>& rows);
 
 // A time in a table, and the quartiles around it.

@@ -100,7 +100,7 @@ double Unrest(const std::vector<Row>& rows)
     std::vector<double> ranges;
     for (const Row& row : rows)
         for (const Side& side : {row.ours, row.theirs})
-            ranges.push_back((side.upper - side.lower) / side.median);
+            ranges.push_back(side.Apart());
     return QuartilesOf(ranges).median;
 }
 
@@ -149,8 +149,10 @@ void WritePage(const std::vector<Row>& rows, const std::vector<Curve>& curves, c
 
 Each work is done by the library and by a peer, nine times each, in turns at random. A time is the median of the nine,
 and beside it are their quartiles, which lie )"
-        << Unrest(rows) * 100
-        << R"( % of the time apart in the median. The ratio is how many times faster the library is; the aim is the least that it is
+        << Unrest(rows) * 100 << R"( % of the time apart in the median. A work with quartiles
+more than )"
+        << restless * 100 << R"( % apart is measured again, )" << nMostTries
+        << R"( times at most, and the calmest of them is shown. The ratio is how many times faster the library is; the aim is the least that it is
 meant to be, and a ratio short of it is in bold. A peer without a version is a loop of the benchmark's own, or the
 library itself at another work.
 
