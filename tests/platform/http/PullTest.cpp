@@ -112,11 +112,13 @@ TEST(Pull, AMinutesSilenceOfAServerIsAFailureAndOneOfItsReaderIsNone)
     EXPECT_EQ(nRead, 5);
 }
 
-TEST(Pull, ASessionThatClosesEndsItsFiles)
+TEST(Pull, ASessionThatClosesOrEndsEndsItsFiles)
 {
     RawServer server(RawServer::Answering(kOk + "Content-Length: 3\r\n\r\nabc"));
-    std::unique_ptr<CHttpFile> file;
+    std::unique_ptr<CHttpFile> file = Open(*std::make_unique<CInternetSession>(), server.Url());
     std::array<char, 9> block;
+    const auto read = [&] { file->Read(block.data(), 9); };
+    EXPECT_EQ(ErrorOf(read), ERROR_INTERNET_INCORRECT_HANDLE_STATE);
     unsigned long length = 5;
     {
         CInternetSession session;
@@ -126,7 +128,6 @@ TEST(Pull, ASessionThatClosesEndsItsFiles)
         session.Cancel();
         EXPECT_EQ(Fetch(session, server.Url()).error, ERROR_INTERNET_INCORRECT_HANDLE_STATE);
     }
-    const auto read = [&] { file->Read(block.data(), 9); };
     EXPECT_EQ(ErrorOf(read), ERROR_INTERNET_INCORRECT_HANDLE_STATE);
     file->Close();
     file->Close();

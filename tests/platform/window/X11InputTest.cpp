@@ -126,6 +126,20 @@ TEST_F(X11InputTest, CharactersComeInTheCodePageAlsoOfSeveralKeys)
     EXPECT_EQ(plain, "key 69 1,0;char 101 1,0;keyup 69 1,0;");
 }
 
+TEST_F(X11InputTest, WithoutALocaleDeadKeysAreTheUsualOnes)
+{
+    for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"})
+        unsetenv(name);
+    Begin();
+    SeenWindow window(*this, kRed, {0, 0, 100, 100});
+    const xcb_keycode_t dead = outside->Assign({0xFE51});
+    const std::string accented = Hear(window, "keyup 69", [&] {
+        outside->Type(dead);
+        outside->TypeSymbol('e');
+    });
+    EXPECT_EQ(accented, "key 69 1,0;char 168 1,0;char 166 1,0;keyup 69 1,0;");
+}
+
 TEST_F(X11InputTest, AKeyKeepsItsNumberInALayoutOfOtherLetters)
 {
     SeenWindow window(*this, kRed, {0, 0, 100, 100});
@@ -187,10 +201,11 @@ TEST_F(X11InputTest, TheMouseIsCapturedAndHeardToLeave)
 // IDC_NO isn't asked for: its cross may be the screen's own cursor.
 TEST_F(X11InputTest, EachCursorLooksDifferent)
 {
-    SeenWindow window(*this, kRed, {0, 0, 100, 100});
-    outside->MoveMouse(400, 400);
-    std::set<std::string> seen{outside->Cursor()}; // the screen's own
     outside->MoveMouse(50, 50);
+    std::set<std::string> seen{outside->Cursor()}; // the screen's own
+    SeenWindow window(*this, kRed, {0, 0, 100, 100});
+    EXPECT_TRUE(Soon([&] { return !seen.contains(outside->Cursor()); })); // before the mouse has moved
+    outside->MoveMouse(51, 50);
     ASSERT_TRUE(Pump([&] { return window.Heard("move"); }));
     for (const char* name : {IDC_ARROW, IDC_IBEAM, IDC_WAIT, IDC_CROSS, IDC_SIZENWSE, IDC_SIZENESW,
                              IDC_SIZEWE, IDC_SIZENS, IDC_SIZEALL, IDC_HAND}) {
