@@ -7,6 +7,7 @@
 
 #include <dlfcn.h>
 #include <pthread.h>
+#include <thread>
 
 // LogStartChild FILE: starts the log and queues lines while an allocation fails, each in its turn, and starts
 // it while no thread can be made.
@@ -53,7 +54,8 @@ int main(int, char** args)
         int nStarted = 0;
         const bool bFails = Fails(n, [&] { nStarted = pLog->Initialize(strFile); });
         CHECK(nStarted || bFails);
-        CHECK(nStarted || test::Threads() == 1);
+        while (!nStarted && test::Threads() > 1) // one that was joined is listed for a moment more
+            std::this_thread::yield();
         CHECK(nStarted || KXHost::LiveHandles() == nHandles);
         pLog->PushLog(CKXLogSys::LogInfo, "line");
         const int nFlushed = pLog->Flush(INFINITE);
