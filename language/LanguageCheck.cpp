@@ -58,14 +58,11 @@ public:
                  "isn't there or has no key Language in section [Language]: the directory is passed over"});
         CheckedFile file;
         const auto outcome = file.Open(m_strData, kMostBytes);
-        if (outcome == CheckedFile::Outcome::Unreadable) {
-            m_sink({Severity::Error, "language.no-data", m_strData, 0, 0,
-                    "can't be read: every text is its key"});
-            return false;
-        }
-        if (outcome == CheckedFile::Outcome::TooLarge) {
-            m_sink({Severity::Error, "language.too-large", m_strData, 0, 0,
-                    "is larger than 64 MiB and wasn't looked at"});
+        if (outcome != CheckedFile::Outcome::Read) {
+            const bool bLarge = outcome == CheckedFile::Outcome::TooLarge;
+            m_sink({Severity::Error, bLarge ? "language.too-large" : "language.no-data", m_strData, 0, 0,
+                    bLarge ? "is larger than 64 MiB and wasn't looked at"
+                           : "can't be read: every text is its key"});
             return false;
         }
         std::string_view line;

@@ -37,17 +37,16 @@ bool SameName(const char* pszKnown, const CString& str)
     return str.CompareNoCase(pszKnown) == 0;
 }
 
-// How many letters have to change, come or go to make one word of the other, case aside.
+// How many letters have to change, come or go to make one word of the other.
 std::size_t Distance(std::string_view a, std::string_view b)
 {
-    const auto lower = [](char ch) { return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch + 32) : ch; };
     std::vector<std::size_t> row(b.size() + 1);
     for (std::size_t n = 0; n < row.size(); ++n)
         row[n] = n;
     for (std::size_t i = 0; i < a.size(); ++i) {
         std::size_t diagonal = std::exchange(row[0], i + 1);
         for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t changed = diagonal + (lower(a[i]) != lower(b[j]));
+            const std::size_t changed = diagonal + (a[i] != b[j]);
             diagonal = row[j + 1];
             row[j + 1] = std::min({changed, row[j] + 1, row[j + 1] + 1});
         }
@@ -59,10 +58,13 @@ std::size_t Distance(std::string_view a, std::string_view b)
 class Nearest
 {
 public:
-    explicit Nearest(std::string_view word) : m_word(word.substr(0, 64)), m_nLeast(word.size() / 2 + 1) {}
+    explicit Nearest(const CString& strWord)
+        : m_strWord(strWord.Left(64).MakeLower()), m_nLeast(strWord.View().size() / 2 + 1)
+    {
+    }
     void Offer(const char* pszWord)
     {
-        const std::size_t n = Distance(m_word, pszWord);
+        const std::size_t n = Distance(m_strWord, CString(pszWord).MakeLower());
         if (n >= m_nLeast) return;
         m_nLeast = n;
         m_pszBest = pszWord;
@@ -71,7 +73,7 @@ public:
     CString Hint() const { return m_pszBest ? CString("; did you mean \"") + m_pszBest + "\"?" : CString(); }
 
 private:
-    std::string_view m_word;
+    const CString m_strWord; // in small letters
     std::size_t m_nLeast;
     const char* m_pszBest = nullptr;
 };

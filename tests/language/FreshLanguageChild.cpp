@@ -24,7 +24,7 @@ int main(int, char** argv)
     Check(pLans->Initialize(argv[2]) == 1 && isFresh(), "listing selects nothing");
     pLans->InsertString("k", "by hand");
     Check(pLans->GetString("k") == "by hand", "texts can be added before a selection");
-    pLans->SetCurrentLanFromReg("App", 0);
+    pLans->SetCurrentLanFromReg("App", 1);
     Check(pLans->GetCurrentLanIndex() == 0, "with nothing saved the first is selected");
     Check(pLans->GetString("k") == "hidden", "a selection replaces the texts");
     // Each allocation of a load fails once, until there are no more.

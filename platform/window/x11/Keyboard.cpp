@@ -150,14 +150,12 @@ bool Keyboard::IsChange(const xcb_generic_event_t& event) const noexcept
 
 void Keyboard::Reload()
 {
-    m_state.reset();
-    m_keymap.reset();
     if (!m_context || !m_firstEvent) return;
     const std::int32_t nDevice = xkb_x11_get_core_keyboard_device_id(m_connection);
     if (nDevice < 0) return;
     m_keymap.reset(
         xkb_x11_keymap_new_from_device(m_context.get(), m_connection, nDevice, XKB_KEYMAP_COMPILE_NO_FLAGS));
-    if (m_keymap) m_state.reset(xkb_state_new(m_keymap.get()));
+    m_state.reset(m_keymap ? xkb_state_new(m_keymap.get()) : nullptr);
 }
 
 // By what the key is without others held, in its layout or else the first that has a number for it: a

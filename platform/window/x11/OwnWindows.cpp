@@ -63,11 +63,10 @@ bool OwnWindows::Create(HWND hWnd, const CREATESTRUCTA& create)
 
 void OwnWindows::Destroy(HWND hWnd) noexcept
 {
-    const OwnWindow* entry = Find(hWnd);
+    const auto entry = m_entries.extract(hWnd);
     if (!entry) return;
-    xcb_destroy_window(m_connection.Get(), entry->id);
-    m_handles.erase(entry->id);
-    m_entries.erase(hWnd);
+    xcb_destroy_window(m_connection.Get(), entry.mapped().id);
+    m_handles.erase(entry.mapped().id);
     m_stack.Remove(hWnd);
 }
 

@@ -36,6 +36,15 @@ TEST_F(Skin, ANewOneIsCleanAndHasEveryKey)
     EXPECT_EQ(test::Kx(dir, "skin new s").nCode, 2); // what is there stays
 }
 
+TEST_F(Skin, LacksTheFilesOfItsOwnBackgroundAlone)
+{
+    std::filesystem::remove(dir.Path("s/Common/Window/WndBkg.bmp"));
+    EXPECT_THAT(Check(), ElementsAre());
+    SetIni("[Background]\nBkgType=SingleBMP\n");
+    EXPECT_THAT(Check(), ElementsAre("Common/Window/WndBkg.bmp: error: is missing: nothing is drawn where it "
+                                     "is needed [skin.missing-file]"));
+}
+
 // Everything that the checks know of `Skin.ini`, each with the line that it gives.
 TEST_F(Skin, FindsWhatIsWrongInSkinIni)
 {
