@@ -50,6 +50,8 @@ TEST_F(X11WindowTest, AScreenOfOtherPixelsHasNoWindows)
     Begin("640x480x16");
     EXPECT_EQ(Make(), nullptr);
     EXPECT_EQ(SeenAt(5, 5), DESKTOP_COLOR);
+    Begin("640x480x24", {"-cc", "5"}); // our masks, but each colour by a table
+    EXPECT_EQ(Make(), nullptr);
 }
 
 TEST_F(X11WindowTest, TopmostPopupsStayAboveTheOthers)
