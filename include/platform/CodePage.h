@@ -20,15 +20,15 @@ KX_API UINT GetACP() noexcept;
 KX_API int IsDBCSLeadByte(BYTE ch) noexcept;
 
 // Converts 8-bit text to UTF-16. `nSource` is in bytes, -1 for a text that ends in a NUL, which is then
-// converted along. With `nTarget` 0 nothing is written. Bytes that are no character become U+FFFD.
+// converted along. With `nTarget` 0 nothing is written. Bytes that are no character become U+FFFD. The flags
+// are ignored.
 // Returns the count of UTF-16 units written or needed; 0 for an unknown code page, a null or empty source,
 // or a target that is too small (ERROR_INSUFFICIENT_BUFFER; the target holds nothing usable then).
 KX_API int MultiByteToWideChar(UINT nCodePage, DWORD dwFlags, const char* pszSource, int nSource,
                                WCHAR* pTarget, int nTarget);
 
 // The way back, with the same rules; half of a surrogate pair, all that either code page lacks, becomes "?".
-// The two last
-// arguments of the platform's call are accepted and ignored.
+// The flags and the two last arguments are accepted and ignored.
 KX_API int WideCharToMultiByte(UINT nCodePage, DWORD dwFlags, const WCHAR* pSource, int nSource,
                                char* pszTarget, int nTarget, const char* pszDefault = nullptr,
                                int* pbUsedDefault = nullptr);
