@@ -203,6 +203,15 @@ TEST(Pull, EndsAnAnswerOfEndlessHeaders)
     });
     EXPECT_EQ(Fetch(lines.Url("/100000")).body, "ok");
     EXPECT_EQ(Fetch(lines.Url("/110000")).error, ERROR_HTTP_INVALID_SERVER_RESPONSE);
+    RawServer sized([](Peer& peer) {
+        const auto nBytes = static_cast<std::size_t>(std::stoi(peer.Request().substr(5)));
+        std::string headers = kOk + "Content-Length: 2\r\n";
+        while (nBytes - headers.size() > 2000)
+            headers += "X-More: " + std::string(1000, 'x') + "\r\n";
+        peer.Send(headers + "X-Last: " + std::string(nBytes - headers.size() - 12, 'x') + "\r\n\r\nok");
+    });
+    EXPECT_EQ(Fetch(sized.Url("/262144")).body, "ok");
+    EXPECT_EQ(Fetch(sized.Url("/262145")).error, ERROR_HTTP_INVALID_SERVER_RESPONSE);
 }
 
 TEST(Pull, AConnectionThatBreaksOffIsAFailure)
