@@ -38,7 +38,7 @@ GUID Parsed(const char* pszText)
     return guid;
 }
 
-TEST(KXGuid, HasAFixedTextFormAndReadsBackWithAndWithoutBraces)
+TEST(KXGuid, HasAFixedTextFormThatReadsBackToTheSameBytes)
 {
     CString text("old");
     GUID2String(kGuid, text);
@@ -48,6 +48,11 @@ TEST(KXGuid, HasAFixedTextFormAndReadsBackWithAndWithoutBraces)
     for (const char* psz : {"01234567-89AB-CDEF-FE0C-BA9876543210", "{01234567-89AB-CDEF-FE0C-BA9876543210}",
                             "01234567-89ab-cdef-fe0c-ba9876543210"})
         EXPECT_EQ(IsSameGUID(Parsed(psz), kGuid), 1) << psz;
+    for (std::size_t i = 0; i < sizeof(GUID); ++i) {
+        GUID other = kGuid;
+        reinterpret_cast<unsigned char*>(&other)[i] ^= 1;
+        EXPECT_EQ(IsSameGUID(kGuid, other), 0) << i;
+    }
 }
 
 TEST(KXGuid, BadTextsGiveZero)
@@ -79,16 +84,6 @@ TEST(KXGuid, NewOnesDiffer)
                 testing::MatchesRegex("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}"));
 }
 
-TEST(KXGuid, SameMeansEveryByte)
-{
-    for (std::size_t i = 0; i < sizeof(GUID); ++i) {
-        GUID other = kGuid;
-        reinterpret_cast<unsigned char*>(&other)[i] ^= 1;
-        EXPECT_EQ(IsSameGUID(kGuid, other), 0) << i;
-    }
-    EXPECT_EQ(IsSameGUID(kGuid, GUID(kGuid)), 1);
-}
-
 std::vector<int> Apart(const char* pszText)
 {
     std::vector<int> numbers;
@@ -101,12 +96,9 @@ TEST(KXNum, ApartNumsAppendsEachRunOfDigitsIn32Bits)
 {
     EXPECT_THAT(Apart("RGB(12,34,56)"), ElementsAre(12, 34, 56));
     EXPECT_THAT(Apart("IP(192.168.0.1"), ElementsAre(192, 168, 0, 1));
-    EXPECT_THAT(Apart("1.5"), ElementsAre(1, 5));
     EXPECT_THAT(Apart("-7 +8"), ElementsAre(7, 8));
     EXPECT_THAT(Apart("007"), ElementsAre(7));
-    EXPECT_THAT(Apart("0"), ElementsAre(0));
     EXPECT_THAT(Apart("\xC8\xFD\x31\xB0\xB0\x32"), ElementsAre(1, 2)); // 1, 2
-    EXPECT_THAT(Apart("none"), ElementsAre());
     EXPECT_THAT(Apart(""), ElementsAre());
     EXPECT_THAT(Apart(nullptr), ElementsAre());
     EXPECT_THAT(Apart("2147483647 2147483648 4294967295 4294967296"), ElementsAre(INT_MAX, INT_MIN, -1, 0));

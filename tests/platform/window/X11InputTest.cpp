@@ -17,6 +17,15 @@ struct X11InputTest : X11Test
         EXPECT_TRUE(Pump([&] { return window.Heard(last); })) << window.heard;
         return window.heard;
     }
+    void ExpectAccent(ColorWindow& window)
+    {
+        const xcb_keycode_t dead = outside->Assign({0xFE51}); // the acute accent
+        const std::string accented = Hear(window, "keyup 69", [&] {
+            outside->Type(dead);
+            outside->TypeSymbol('e');
+        });
+        EXPECT_EQ(accented, "key 69 1,0;char 168 1,0;char 166 1,0;keyup 69 1,0;");
+    }
 };
 
 TEST_F(X11InputTest, TheMouseIsHeardWithinTheWindow)
@@ -102,12 +111,7 @@ TEST_F(X11InputTest, CharactersComeInTheCodePageAlsoOfSeveralKeys)
     SeenWindow window(*this, kRed, {0, 0, 100, 100});
     const xcb_keycode_t key = outside->Assign({0x01000000 + 0x4E2D}); // U+4E2D, which has no number as a key
     EXPECT_EQ(Hear(window, "208", [&] { outside->Type(key); }), "char 214 1,0;char 208 1,0;");
-    const xcb_keycode_t dead = outside->Assign({0xFE51}); // the acute accent
-    const std::string accented = Hear(window, "keyup 69", [&] {
-        outside->Type(dead);
-        outside->TypeSymbol('e');
-    });
-    EXPECT_EQ(accented, "key 69 1,0;char 168 1,0;char 166 1,0;keyup 69 1,0;");
+    ExpectAccent(window);
     const xcb_keycode_t compose = outside->Assign({0xFF20});
     const CodePage utf8(CP_UTF8);
     EXPECT_EQ(Hear(window, "173", [&] { outside->Type(key); }), "char 228 1,0;char 184 1,0;char 173 1,0;");
@@ -132,12 +136,7 @@ TEST_F(X11InputTest, WithoutALocaleDeadKeysAreTheUsualOnes)
         unsetenv(name);
     Begin();
     SeenWindow window(*this, kRed, {0, 0, 100, 100});
-    const xcb_keycode_t dead = outside->Assign({0xFE51});
-    const std::string accented = Hear(window, "keyup 69", [&] {
-        outside->Type(dead);
-        outside->TypeSymbol('e');
-    });
-    EXPECT_EQ(accented, "key 69 1,0;char 168 1,0;char 166 1,0;keyup 69 1,0;");
+    ExpectAccent(window);
 }
 
 TEST_F(X11InputTest, AKeyKeepsItsNumberInALayoutOfOtherLetters)
