@@ -88,7 +88,7 @@ std::map<std::string, Side> TimeSidesOnce(const std::string& work)
     return sides;
 }
 
-// What disturbs the machine for a second disturbs a work alone, so that one goes again.
+// A disturbance of the machine passes in seconds, so a work that met one is measured again.
 std::map<std::string, Side> TimeSides(const std::string& work)
 {
     std::map<std::string, Side> calmest;
