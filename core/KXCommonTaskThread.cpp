@@ -3,6 +3,7 @@
 #include "KXAutoLock.h"
 #include "KXDebug.h"
 #include "KXLogSys.h"
+#include "internal/Guard.h"
 #include "platform/Exception.h"
 
 #include <memory>
@@ -20,11 +21,10 @@ constexpr char szFailed[] =
 void LogFailure(const tagKXCommonTask& task) noexcept
 {
     const char* pszName = task.pszTaskName ? task.pszTaskName : "";
-    try {
+    kx::Guard([&] { // no memory for the line: the thread goes on without
         if (CKXLogSys* pLog = CKXLogSys::GetSingletonPtr())
             pLog->PushLogEx(CKXLogSys::LogError, szFailed, pszName);
-    } catch (...) { // no memory for the line: the thread goes on without
-    }
+    });
 }
 
 // Tasks often come in bursts: looks a few times before it sleeps, which would cost far more than that.
@@ -41,14 +41,7 @@ bool WaitAwake(HANDLE hWakeEvent)
 void Run(tagKXCommonTask& task, HANDLE hStopEvent) noexcept
 {
     if (!task.pfnTaskProc) return;
-    try {
-        task.pfnTaskProc(&task, hStopEvent);
-        return;
-    } catch (CException* pException) {
-        pException->Delete();
-    } catch (...) {
-    }
-    LogFailure(task);
+    if (!kx::Guard([&] { task.pfnTaskProc(&task, hStopEvent); })) LogFailure(task);
 }
 
 } // namespace

@@ -8,7 +8,6 @@
 int CKXExeFileInfo::GetFileInfo(const CString& strPath, VersionInfo& info)
 {
     const DWORD size = GetFileVersionInfoSizeA(strPath, nullptr);
-    if (size == 0) return 0;
     const std::unique_ptr<BYTE[]> block(new (std::nothrow) BYTE[size]);
     if (!block || !GetFileVersionInfoA(strPath, 0, size, block.get())) return 0;
     void* record = nullptr;

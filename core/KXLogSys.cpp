@@ -4,6 +4,7 @@
 #include "core/LogLine.h"
 #include "core/LogQueue.h"
 #include "internal/Debug.h"
+#include "internal/Guard.h"
 #include "platform/Clock.h"
 #include "platform/Debug.h"
 #include "platform/Exception.h"
@@ -24,20 +25,6 @@ namespace {
 constexpr std::uint64_t BATCH_BYTES = 56 * 1024;
 // The writer's own copy of a line gives a longer buffer back.
 constexpr int KEPT_LENGTH = 1024;
-
-// Runs a step that no failure may leave: false for a full disk or a lack of memory.
-template <class Step>
-bool Try(Step step) noexcept
-{
-    try {
-        step();
-        return true;
-    } catch (CException* pException) {
-        pException->Delete();
-    } catch (const std::bad_alloc&) {
-    }
-    return false;
-}
 
 } // namespace
 
@@ -76,9 +63,7 @@ int CKXLogSys::Initialize(CString const& strFilePath)
 {
     constexpr unsigned nFlags = CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite;
     if (m_hWakeEvent) return 0;
-    int nOpen = 0;
-    Try([&] { nOpen = m_fileLog.Open(strFilePath, nFlags); });
-    if (!nOpen) {
+    if (!kx::Guard([&] { return m_fileLog.Open(strFilePath, nFlags); })) {
         kx::debug::Tell("log", "%s can't be opened; lines wait until there is a log",
                         strFilePath.GetString());
         return 0;
@@ -109,7 +94,7 @@ void CKXLogSys::Uninitialize()
         const CKXAutoLock lock(&m_lockLog);
         m_listLog.SetFile(0, -1);
     }
-    Try([this] { m_fileLog.Close(); });
+    kx::Guard([this] { m_fileLog.Close(); });
 }
 
 int CKXLogSys::StartThread()
@@ -293,7 +278,7 @@ bool CKXLogSys::WriteNext(CString& strLine)
 {
     bool bLine = true;
     const bool bFirst = Unguarded().ReadBytes() == 0;
-    const bool bWritten = Try([&] {
+    const bool bWritten = kx::Guard([&] {
         bLine = GetNextLog(strLine) != 0;
         if (!bLine) return;
         if (bFirst && Unguarded().NeedsLineBreak()) m_fileLog.WriteString("\n");
@@ -309,7 +294,7 @@ void CKXLogSys::HandOver(bool bFailed)
 {
     if (Unguarded().ReadBytes() == 0) return;
     AwaitEnd();
-    if (!Try([this] { m_fileLog.Flush(); })) bFailed = true;
+    if (!kx::Guard([this] { m_fileLog.Flush(); })) bFailed = true;
     const std::uint64_t nLength = m_fileLog.GetPosition();
     kx::core::Block* pFreed = nullptr;
     {

@@ -16,10 +16,18 @@ constexpr int nBandRows = 16; // few enough to stay in the cache between reading
 class Rows
 {
 public:
-    Rows(HDC hDC, HBITMAP hBitmap, SIZE size) : m_hDC(hDC), m_hBitmap(hBitmap), m_size(size)
+    Rows(HDC hDC, HBITMAP hBitmap, SIZE size)
+        : m_hDC(hDC),
+          m_hBitmap(hBitmap),
+          m_size(size),
+          m_pixels(static_cast<std::size_t>(size.cx) * nBandRows),
+          m_info{.bmiHeader = {.biSize = sizeof(BITMAPINFOHEADER),
+                               .biWidth = size.cx,
+                               .biHeight = -size.cy,
+                               .biPlanes = 1,
+                               .biBitCount = 32,
+                               .biCompression = BI_RGB}}
     {
-        m_pixels.resize(static_cast<std::size_t>(size.cx) * nBandRows);
-        m_info.bmiHeader = {sizeof(BITMAPINFOHEADER), size.cx, -size.cy, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
     }
 
     // Reads the band that begins at row `y`; the number of its rows, 0 at the end.
@@ -39,7 +47,7 @@ private:
     HBITMAP m_hBitmap;
     SIZE m_size;
     std::vector<DWORD> m_pixels;
-    BITMAPINFO m_info{};
+    BITMAPINFO m_info;
 };
 
 // A mask as CreateMaskRgn takes it.

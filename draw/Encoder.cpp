@@ -1,8 +1,8 @@
 #include "draw/Encoder.h"
 
-#include "draw/Guard.h"
 #include "draw/MemoryStream.h"
 #include "draw/WideText.h"
+#include "internal/Guard.h"
 
 #include <cstddef>
 

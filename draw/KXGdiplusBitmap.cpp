@@ -2,19 +2,19 @@
 
 #include "draw/Encoder.h"
 #include "draw/FitRect.h"
-#include "draw/Guard.h"
 #include "draw/MemoryStream.h"
 #include "draw/NoImageMessage.h"
 #include "draw/Pave.h"
 #include "draw/WideText.h"
+#include "internal/Guard.h"
 #include "internal/Wrap.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <utility>
 
+using kx::Guard;
 using kx::Plus;
-using kx::draw::Guard;
 
 namespace {
 

@@ -2,12 +2,12 @@
 
 #include "draw/Encoder.h"
 #include "draw/FitRect.h"
-#include "draw/Guard.h"
 #include "draw/MemoryStream.h"
 #include "draw/NoImageMessage.h"
 #include "draw/Pave.h"
 #include "draw/WideText.h"
 #include "internal/Debug.h"
+#include "internal/Guard.h"
 #include "platform/File.h"
 #include "platform/Module.h"
 
@@ -16,7 +16,7 @@
 #include <cstddef>
 #include <utility>
 
-using kx::draw::Guard;
+using kx::Guard;
 using kx::draw::MemoryStream;
 
 namespace {

@@ -1,14 +1,14 @@
 #include "KXGifRender.h"
 
 #include "draw/FitRect.h"
-#include "draw/Guard.h"
 #include "draw/WideText.h"
+#include "internal/Guard.h"
 
 #include <cstdint>
 #include <cstring>
 #include <vector>
 
-using kx::draw::Guard;
+using kx::Guard;
 
 namespace {
 

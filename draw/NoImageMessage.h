@@ -1,6 +1,6 @@
 #pragma once
 
-#include "draw/Guard.h"
+#include "internal/Guard.h"
 #include "platform/MessageBox.h"
 
 namespace kx::draw {

@@ -1,5 +1,7 @@
 #include "files/NumberText.h"
 
+#include "internal/Trim.h"
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -10,13 +12,6 @@
 namespace kx::files {
 
 namespace {
-
-void SkipSpace(std::string_view& text)
-{
-    const auto isSpace = [](char ch) { return ch == ' ' || (ch >= '\t' && ch <= '\r'); };
-    while (!text.empty() && isSpace(text[0]))
-        text.remove_prefix(1);
-}
 
 // Steps over a sign; true for a minus.
 bool TakeSign(std::string_view& text)
@@ -47,7 +42,7 @@ template <class Number>
 void Scan(std::string_view text, Number& nValue)
 {
     using Limits = std::numeric_limits<Number>;
-    SkipSpace(text);
+    text = text::TrimLeft(text);
     const bool bNegative = TakeSign(text);
     unsigned long long nDigits = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), nDigits);
@@ -69,7 +64,7 @@ void Scan(std::string_view text, Number& nValue)
 
 double ToDouble(std::string_view text)
 {
-    SkipSpace(text);
+    text = text::TrimLeft(text);
     const bool bNegative = TakeSign(text);
     const bool bHex = text.starts_with("0x") || text.starts_with("0X");
     const std::string_view digits = text.substr(bHex ? 2 : 0);
@@ -84,8 +79,6 @@ double ToDouble(std::string_view text)
         value = IsTiny({digits.data(), static_cast<std::size_t>(result.ptr - digits.data())}, bHex)
                     ? 0
                     : HUGE_VAL;
-    else if (result.ec != std::errc())
-        value = 0;
     return bNegative ? -value : value;
 }
 

@@ -2,6 +2,7 @@
 
 #include "KXIniDataMgr.h"
 #include "internal/CheckedFile.h"
+#include "internal/Trim.h"
 #include "internal/Wide.h"
 #include "platform/CodePage.h"
 #include "platform/Exception.h"
@@ -20,16 +21,7 @@ constexpr std::string_view kMark = "\xEF\xBB\xBF";
 constexpr std::size_t kMostBytes = 64 << 20;
 constexpr char16_t kNoCharacter = u'\xFFFD';
 
-// White space is ASCII and never the second byte of a letter.
-std::string_view Trim(std::string_view text)
-{
-    constexpr auto isSpace = [](char ch) { return ch == ' ' || (ch >= '\t' && ch <= '\r'); };
-    while (!text.empty() && isSpace(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isSpace(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
+using text::Trim;
 
 bool IsAscii(std::string_view text)
 {

@@ -2,6 +2,7 @@
 
 #include "KXAutoLock.h"
 #include "internal/Debug.h"
+#include "internal/Guard.h"
 #include "platform/Exception.h"
 #include "platform/File.h"
 #include "platform/Internet.h"
@@ -217,13 +218,11 @@ void CKXHttpDownloadMgr::NoteFailure(const Task& task, const CException& excepti
 void CKXHttpDownloadMgr::NoteFailure(const Task& task, const char* pszReason) noexcept
 {
     if (IsStopped()) return; // cut short as asked
-    try {
+    kx::Guard([&] {          // without memory the line below still tells
         const CString strFailure = task.strUrl + ": " + pszReason;
         const CKXAutoLock lock(&m_lockTask);
         m_strFailure = strFailure;
-    } catch (CException* pException) { // the line below still tells
-        pException->Delete();
-    }
+    });
     kx::debug::Tell("http", "%s: %s; the download worker has ended, and what is queued is never served",
                     task.strUrl.GetString(), pszReason);
 }

@@ -11,7 +11,8 @@ namespace {
 constexpr char szKey[] = "Software\\norvale\\setup";
 constexpr char szValue[] = "PCGUID";
 
-// The key, open for reading and writing, made where it lacks.
+// The key, open for reading and writing, made where it lacks; null where it can't be made, which reads and
+// writes refuse.
 class SetupKey
 {
 public:
@@ -27,7 +28,6 @@ public:
     {
         if (m_hKey) RegCloseKey(m_hKey);
     }
-    explicit operator bool() const { return m_hKey != nullptr; }
     HKEY Get() const { return m_hKey; }
 
 private:
@@ -69,7 +69,6 @@ void CKXStatSender::Initialize(CString const& strBaseUrl, CString const& strVers
 bool CKXStatSender::ReadUserId(CString& strId)
 {
     const SetupKey key;
-    if (!key) return false;
     std::array<char, 100> text;
     DWORD dwType = REG_NONE;
     DWORD cb = text.size();
@@ -84,7 +83,6 @@ bool CKXStatSender::ReadUserId(CString& strId)
 bool CKXStatSender::SaveUserId(CString const& strId)
 {
     const SetupKey key;
-    if (!key) return false;
     const auto* pText = reinterpret_cast<const BYTE*>(strId.GetString());
     const auto cb = static_cast<DWORD>(strId.GetLength()) + 1;
     return RegSetValueExA(key.Get(), szValue, 0, REG_SZ, pText, cb) == ERROR_SUCCESS;

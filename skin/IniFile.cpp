@@ -1,11 +1,10 @@
 #include "skin/IniFile.h"
 
 #include "internal/CheckedFile.h"
+#include "internal/Trim.h"
 #include "platform/CodePage.h"
 #include "platform/Exception.h"
 
-#include <algorithm>
-#include <iterator>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -30,11 +29,8 @@ struct Piece
     }
     Piece Trimmed() const
     {
-        constexpr auto isSpace = [](char ch) { return ch == ' ' || (ch >= '\t' && ch <= '\r'); };
-        const auto first = std::find_if_not(text.begin(), text.end(), isSpace);
-        const auto last = std::find_if_not(text.rbegin(), std::make_reverse_iterator(first), isSpace).base();
-        const auto from = static_cast<std::size_t>(first - text.begin());
-        return Part(from, static_cast<std::size_t>(last - first));
+        const std::string_view inner = text::Trim(text);
+        return Part(static_cast<std::size_t>(inner.data() - text.data()), inner.size());
     }
     Piece Unquoted() const
     {

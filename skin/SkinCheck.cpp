@@ -21,6 +21,7 @@
 #include <map>
 #include <memory>
 #include <new>
+#include <numeric>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -41,12 +42,11 @@ bool SameName(const char* pszKnown, const CString& str)
 std::size_t Distance(std::string_view a, std::string_view b)
 {
     std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t n = 0; n < row.size(); ++n)
-        row[n] = n;
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (const char ch : a) {
+        std::size_t diagonal = row[0]++;
         for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t changed = diagonal + (a[i] != b[j]);
+            const std::size_t changed = diagonal + (ch != b[j]);
             diagonal = row[j + 1];
             row[j + 1] = std::min({changed, row[j] + 1, row[j + 1] + 1});
         }

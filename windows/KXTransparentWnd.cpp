@@ -47,6 +47,6 @@ void CKXTransparentWnd::OnPaint()
 
     CGdiObject* pOldBrush = dc.SelectStockObject(NULL_BRUSH);
     dc.Rectangle(&rcClient);
-    dc.DrawText(kNotice, sizeof kNotice - 1, &rcClient, DT_CENTER | DT_VCENTER);
+    dc.DrawText(kNotice, &rcClient, DT_CENTER | DT_VCENTER);
     dc.SelectObject(pOldBrush);
 }

@@ -2,6 +2,7 @@
 
 #include "include/platform/Error.h"
 #include "include/platform/File.h"
+#include "internal/Guard.h"
 #include "platform/Errno.h"
 #include "platform/UniqueFd.h"
 #include "platform/files/Path.h"
@@ -51,11 +52,7 @@ int CFile::CloseSystemFile() noexcept
 
 int CFile::Open(const char* pszFileName, unsigned nOpenFlags, CFileException* pError)
 {
-    try {
-        Close();
-    } catch (CException* pException) { // what was lost belongs to the file before this one
-        pException->Delete();
-    }
+    kx::Guard([this] { Close(); }); // what was lost belongs to the file before this one
     try {
         CFileException failure;
         kx::UniqueFd fd = OpenPath(pszFileName, nOpenFlags, failure);

@@ -77,15 +77,6 @@ std::size_t FindLast(std::string_view text, char ch) noexcept
     return last;
 }
 
-std::string_view Trim(std::string_view text) noexcept
-{
-    while (!text.empty() && IsSpace(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && IsSpace(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
-
 int CompareNoCase(std::string_view a, std::string_view b) noexcept
 {
     const bool bDoubleByte = IsDoubleByte();

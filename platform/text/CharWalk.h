@@ -1,6 +1,7 @@
 #pragma once
 
 #include "include/KXExport.h"
+#include "internal/Trim.h"
 
 #include <cstddef>
 #include <string_view>
@@ -45,11 +46,6 @@ inline std::size_t CharLength(std::string_view text, std::size_t pos, bool bDoub
 std::size_t CharStartFrom(std::string_view text, std::size_t pos, bool bDoubleByte,
                           std::size_t known = 0) noexcept;
 
-constexpr bool IsSpace(char ch) noexcept
-{
-    return ch == ' ' || (ch >= '\t' && ch <= '\r');
-}
-
 constexpr char ToLower(char ch) noexcept
 {
     return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch + ('a' - 'A')) : ch;
@@ -60,9 +56,6 @@ constexpr char ToLower(char ch) noexcept
 std::size_t Find(std::string_view text, char ch, std::size_t start = 0) noexcept;
 std::size_t Find(std::string_view text, std::string_view sub, std::size_t start = 0) noexcept;
 std::size_t FindLast(std::string_view text, char ch) noexcept;
-
-// White space cut from both ends; it never is a trail byte.
-KX_API std::string_view Trim(std::string_view text) noexcept;
 
 // ASCII letters folded, those in longer characters left alone: negative, 0 or positive in byte order.
 KX_API int CompareNoCase(std::string_view a, std::string_view b) noexcept;

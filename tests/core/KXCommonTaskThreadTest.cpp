@@ -131,8 +131,10 @@ TEST_F(Tasks, AreStoppedByTheirEventAndDeletedUnrunWithTheirQueue)
 
 TEST_F(Tasks, WaitForAnInitialize)
 {
-    Add("early");
+    const int nHandles = KXHost::LiveHandles();
     EXPECT_EQ(worker->StartThread(), 1); // there is one, if not for long
+    EXPECT_EQ(KXHost::LiveHandles(), nHandles + 1);
+    Add("early");
     EXPECT_EQ(worker->StopThread(), 1);
     EXPECT_EQ(worker->StopThread(), 1);
     EXPECT_EQ(trace, "");

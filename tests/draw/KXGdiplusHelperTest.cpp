@@ -41,12 +41,12 @@ TEST_F(GdiplusHelper, AcrossOnceOrMirrored)
 
 TEST_F(GdiplusHelper, DownWithABorderOfTheFullSize)
 {
-    CKXGdiplusHelper::DrawGradientRect(canvas, 0, RGB(250, 0, 0), CRect(1, 1, 5, 6), 0, RGB(0, 255, 0));
-    for (int x = 1; x < 5; ++x)
+    CKXGdiplusHelper::DrawGradientRect(canvas, 0, RGB(250, 0, 0), CRect(2, 1, 6, 6), 0, RGB(0, 255, 0));
+    for (int x = 2; x < 6; ++x)
         EXPECT_THAT(Column(x, 1, 6), ElementsAre(50, 100, 150, 200, 250));
-    EXPECT_TRUE(IsBlue(GetPixel(canvas, 5, 3)));
-    CKXGdiplusHelper::DrawGradientRect(canvas, 0, RGB(250, 0, 0), CRect(1, 1, 5, 6), 1, RGB(0, 255, 0));
-    EXPECT_THAT(Read(canvas, 0, 0, 7, 8), ElementsAre("BBBBBBB", "BGGGGGB", "BG???GB", "BG???GB", "BG???GB",
+    EXPECT_TRUE(IsBlue(GetPixel(canvas, 6, 3)));
+    CKXGdiplusHelper::DrawGradientRect(canvas, 0, RGB(250, 0, 0), CRect(2, 1, 6, 6), 1, RGB(0, 255, 0));
+    EXPECT_THAT(Read(canvas, 1, 0, 8, 8), ElementsAre("BBBBBBB", "BGGGGGB", "BG???GB", "BG???GB", "BG???GB",
                                                       "BG???GB", "BGGGGGB", "BBBBBBB"));
 }
 

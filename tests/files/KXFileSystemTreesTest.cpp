@@ -21,6 +21,7 @@ struct Progress
 {
     std::vector<std::string> calls;
     std::string last;
+    CString strEnd; // the paths that the end is told with
 
     static int Take(const CString& src, const CString& dst, int bFile, int bResult, long self)
     {
@@ -28,7 +29,8 @@ struct Progress
         const auto name = [](const CString& path) {
             return std::string(path.Mid(path.ReverseFind('\\') + 1));
         };
-        mine.calls.push_back((bFile ? name(src) + ">" + name(dst) : "end") + (bResult ? "+" : "-"));
+        if (!bFile) mine.strEnd = src + ">" + dst;
+        mine.calls.push_back((bFile ? name(src) + ">" + name(dst) : "end") + (bResult == 1 ? "+" : "-"));
         return bFile && name(src) == mine.last ? 0 : 1;
     }
     void Copy(CString src, CString dst)
@@ -144,6 +146,7 @@ TEST_F(FileSystemTrees, CopyDirTellsOfTheTopFilesAlone)
     Progress progress;
     progress.Copy(dir.Win("s"), dir.Win("d"));
     EXPECT_THAT(progress.calls, ElementsAre("a.txt>a.txt-", "b.txt>b.txt+", "end+"));
+    EXPECT_EQ(progress.strEnd, dir.Win("s") + "\\>" + dir.Win("d") + "\\");
     EXPECT_EQ(dir.Read("d/b.txt"), "s/b.txt");
     EXPECT_EQ(dir.Read("d/a.txt"), "old");
     EXPECT_EQ(dir.Read("d/sub/deep/f"), "s/sub/deep/f");

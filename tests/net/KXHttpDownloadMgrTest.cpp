@@ -261,6 +261,9 @@ TEST_F(Downloads, LeaveNoHandleBehind)
     Run(hello.Url());
     Add("no URL");
     AwaitEnd();
+    manager->StartDownload(); // another worker, for the one that has ended
+    ASSERT_TRUE(manager->IsRunning());
+    Run(hello.Url());
     manager.reset();
 }
 

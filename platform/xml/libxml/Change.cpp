@@ -21,8 +21,8 @@ HRESULT Move(NodeObject& element, NodeRef to)
 
     xmlNode* const node = element.Node();
     before->Children().Removed(node);
-    if (!bOwn) element.MoveTo(*to.tree);
     xmlUnlinkNode(node);
+    if (!bOwn) element.MoveTo(*to.tree);
     if (to.node->type == XML_DOCUMENT_NODE)
         xmlDocSetRootElement(to.tree->Doc(), node);
     else

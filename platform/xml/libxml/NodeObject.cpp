@@ -87,8 +87,6 @@ void NodeObject::MoveTo(Tree& tree) noexcept
         if (xmlDictOwns(m_tree->Doc()->dict, text) == 1)
             text = const_cast<xmlChar*>(xmlDictLookup(tree.Doc()->dict, text, -1));
     });
-    xmlUnlinkNode(m_node);
-    xmlSetTreeDoc(m_node, tree.Doc());
     ForEachNode(m_node, [&](xmlNode* node) {
         auto* const attribute = reinterpret_cast<xmlAttr*>(node);
         if (node->type != XML_ATTRIBUTE_NODE) return;

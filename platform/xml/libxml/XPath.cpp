@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <libxml/xpathInternals.h>
+#include <span>
 #include <sys/mman.h>
 #include <unordered_set>
 #include <utility>
@@ -20,6 +21,7 @@ constexpr int kValues = 10; // the first size of libxml2's stack, which grows
 constexpr std::size_t kMemoryNeeded = 16 << 20;
 
 using Parser = std::unique_ptr<xmlXPathParserContext, FreeBy<xmlXPathFreeParserContext>>;
+using Buffer = std::unique_ptr<xmlBuffer, FreeBy<xmlBufferFree>>;
 using Result = std::unique_ptr<xmlXPathObject, FreeBy<xmlXPathFreeObject>>;
 
 // libxml2's own asks a table of attributes, which is made for it while it is asked: else it would hold those
@@ -36,16 +38,14 @@ void OnId(xmlXPathParserContext* parser, int nArguments)
         });
     }
     if (nArguments == 1 && xmlXPathStackIsNodeSet(parser)) {
-        const Result nodes(valuePop(parser));
-        xmlBuffer* const all = xmlBufferCreate();
-        for (int n = 0; nodes->nodesetval && n < nodes->nodesetval->nodeNr; ++n) {
-            xmlChar* const part = xmlXPathCastNodeToString(nodes->nodesetval->nodeTab[n]);
-            xmlBufferCat(all, part);
-            xmlBufferCCat(all, " ");
-            xmlFree(part);
+        const Result value(valuePop(parser));
+        const xmlNodeSet* const nodes = value->nodesetval;
+        const Buffer all(xmlBufferCreate());
+        for (xmlNode* const node : nodes ? std::span(nodes->nodeTab, nodes->nodeNr) : std::span<xmlNode*>()) {
+            xmlNodeBufGetContent(all.get(), node);
+            xmlBufferCCat(all.get(), " ");
         }
-        valuePush(parser, xmlXPathNewString(xmlBufferContent(all)));
-        xmlBufferFree(all);
+        valuePush(parser, xmlXPathNewString(xmlBufferContent(all.get())));
     }
     if (nArguments == 1) xmlXPathNormalizeFunction(parser, 1); // libxml2 takes blanks at the start for a part
     xmlXPathIdFunction(parser, nArguments);

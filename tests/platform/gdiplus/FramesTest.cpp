@@ -36,7 +36,8 @@ TEST_F(FramesTest, PalettesAndPassesOfFrames)
         EXPECT_EQ(Loaded(Gif(0, 0, {{rows, 0, 0, 0, 0, true}})).Letters(), rows);
     }
     EXPECT_EQ(Loaded(Gif(0, 0, {{{"RG"}, 1, 1}})).Letters(), (Picture{"   ", " RG"})); // of the frame's size
-    for (const Picture& large : {Picture(1, std::string(300, 'R')), Picture(300, "G")})
+    for (const Picture& large :
+         {Picture(1, std::string(300, 'R')), Picture(300, "G"), Picture(257, std::string(256, 'B'))})
         EXPECT_EQ(Loaded(Gif(0, 0, {{large}})).Letters(), large);
 }
 

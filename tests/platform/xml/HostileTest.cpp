@@ -70,6 +70,8 @@ TEST_F(HostileXml, NothingOutsideIsFetched)
         EXPECT_EQ(Root().GetText(), "xy") << doctype;
         EXPECT_EQ(Root().GetChild("//b[.='']").GetXml(), "<b>&e;</b>") << doctype;
     }
+    for (const std::string elsewhere : {"SYSTEM 'x.dtd' [", "[<!ENTITY % p SYSTEM 'x.dtd'> %p;"})
+        EXPECT_TRUE(Loads("<!DOCTYPE a " + elsewhere + "<!ENTITY f '<b>&e;</b>'>]><a>&f;</a>")) << elsewhere;
     EXPECT_TRUE(Loads("<a xmlns:xi='http://www.w3.org/2001/XInclude'><xi:include href='secret.txt' "
                       "parse='text'/></a>"));
     EXPECT_EQ(Root().GetText(), "");

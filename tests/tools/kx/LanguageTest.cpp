@@ -34,7 +34,7 @@ TEST_F(Languages, FindsWhatIsWrongInOne)
           ":1:1: error: begins with a mark of UTF-8, which becomes part of the first key [language.mark]"}},
         {"just words\n", {":1:1: warning: has no \"=\" and is passed over [language.no-key]"}},
         {" = a\n", {":1:1: warning: has nothing before its \"=\" [language.empty-key]"}},
-        {"A = a\nB = b\nA = c\n",
+        {"A = a\nB = b\nA = \\q\n",
          {":3:1: warning: key A stands at line 1 already, and that text is taken [language.key-twice]"}},
         {"A B = a\n", {":1:1: warning: key \"A B\" has a blank in it [language.blank-in-key]"}},
         {"A =\n", {":1:4: note: key A has an empty text [language.empty-text]"}},

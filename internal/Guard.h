@@ -1,10 +1,10 @@
 #pragma once
 
-#include "platform/Exception.h"
+#include "include/platform/Exception.h"
 
 #include <type_traits>
 
-namespace kx::draw {
+namespace kx {
 
 // Gives `work`'s result, or `failure` where anything is thrown on the way: a lack of memory, a file that
 // can't be read.
@@ -20,4 +20,15 @@ Result Guard(Work&& work, std::type_identity_t<Result> failure = {}) noexcept
     return failure;
 }
 
-} // namespace kx::draw
+// Whether `work`, which has no result, came to its end.
+template <class Work>
+requires std::is_void_v<std::invoke_result_t<Work>>
+bool Guard(Work&& work) noexcept
+{
+    return Guard([&] {
+        work();
+        return true;
+    });
+}
+
+} // namespace kx
