@@ -26,10 +26,11 @@ void CKXEnglishWord::DrawTestWord(CDC* pDC, const CString& strWord, const CStrin
     Lettering lettering(*pDC, pFont, clrText);
     lettering.LetGroundShow();
     LetterRow row(*pDC, rcWord);
-    for (int n = 0; n < strWord.GetLength(); ++n) {
-        const CRect cell = row.Next(strWord[n]);
-        if (strTestWord[n] != MASK)
-            DrawLetter(*pDC, strWord[n], cell);
+    int n = 0;
+    for (const char ch : strWord.View()) {
+        const CRect cell = row.Next(ch);
+        if (strTestWord[n++] != MASK)
+            DrawLetter(*pDC, ch, cell);
         else if (bDrawBox)
             DrawBox(*pDC, cell);
     }

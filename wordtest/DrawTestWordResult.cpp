@@ -5,7 +5,7 @@
 #include "wordtest/LetterRow.h"
 #include "wordtest/PairGradient.h"
 
-#include <iterator>
+#include <cstdio>
 
 using namespace kx::wordtest;
 
@@ -63,7 +63,7 @@ void MakeLabelFont(CFont& font)
     LOGFONTA log{};
     log.lfHeight = 12;
     log.lfWeight = FW_BOLD;
-    strFace.View().copy(log.lfFaceName, std::size(log.lfFaceName) - 1);
+    std::snprintf(log.lfFaceName, sizeof(log.lfFaceName), "%s", strFace.GetString());
     font.CreateFontIndirectA(&log);
 }
 

@@ -23,9 +23,10 @@ void Wipe(CDC& dc, CDC* pBackDC, const CString& strOld, int nFirst, const CRect&
     if (nFirst == strOld.GetLength()) return;
     LetterRow row(dc, rcWord);
     CRect rcWipe;
-    for (int n = 0; n < strOld.GetLength(); ++n) {
-        const CRect cell = row.Next(strOld[n]);
-        if (n == nFirst) rcWipe = cell;
+    int n = 0;
+    for (const char ch : strOld.View()) {
+        const CRect cell = row.Next(ch);
+        if (n++ == nFirst) rcWipe = cell;
         rcWipe.right = cell.right;
     }
     dc.BitBlt(rcWipe.left, rcWipe.top, rcWipe.Width(), rcWipe.Height(), pBackDC, rcWipe.left, 0, SRCCOPY);
@@ -34,10 +35,11 @@ void Wipe(CDC& dc, CDC* pBackDC, const CString& strOld, int nFirst, const CRect&
 void Draw(CDC& dc, const CString& strNew, int nFirst, const CRect& rcWord)
 {
     LetterRow row(dc, rcWord);
-    for (int n = 0; n < strNew.GetLength(); ++n) {
-        const CRect cell = row.Next(strNew[n]);
+    int n = 0;
+    for (const char ch : strNew.View()) {
+        const CRect cell = row.Next(ch);
         if (cell.right > rcWord.right) return;
-        if (n >= nFirst) DrawLetter(dc, strNew[n], cell);
+        if (n++ >= nFirst) DrawLetter(dc, ch, cell);
     }
 }
 

@@ -188,7 +188,7 @@ TEST(OleDateTime, ParsesTexts)
         {"2008-02-29", COleDateTime(2008, 2, 29, 0, 0, 0)},
         {"06:00", COleDateTime(0.25)},
         {"12:00:00 am", COleDateTime(0.0)},
-        {"11:30pm", COleDateTime(1899, 12, 30, 23, 30, 0)},
+        {"1:30pm", COleDateTime(1899, 12, 30, 13, 30, 0)},
     };
     const auto expect = [](const char* text, const COleDateTime& value, bool bParsed) {
         COleDateTime parsed(1.5);

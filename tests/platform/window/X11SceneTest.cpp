@@ -79,7 +79,7 @@ TEST_F(X11SceneTest, AMessageBoxWaitsForItsAnswerOrItsThreadsEnd)
         [&](auto&) { outside->TypeSymbol(0xFF0D); },
         [&](auto&) { outside->AskToClose(outside->Find("test.platform.window")); },
         [&](auto&) { outside->Destroy(outside->Find("test.platform.window")); },
-        [&](auto&) { outside->ClickAt(320, 261); },
+        [&](auto&) { outside->ClickAt(320, 270); },
         [](auto& thread) { thread.Join(); }, // by WM_QUIT, which also the loop around the box is to hear
     };
     for (const auto& answer : answers) {
