@@ -25,7 +25,6 @@ int Find(const Unit* pszMimeType, GUID* pClsid)
     UINT nCount = 0;
     UINT nBytes = 0;
     Gdiplus::DllExports::GdipGetImageEncodersSize(&nCount, &nBytes);
-    if (nBytes == 0) return -1;
     // The records begin a block that may be longer than they are.
     const auto block = std::make_unique<std::byte[]>(nBytes);
     auto* const pEncoders = reinterpret_cast<Gdiplus::ImageCodecInfo*>(block.get());
@@ -62,7 +61,6 @@ int Save(const Gdiplus::Image& image, const WCHAR* pszMimeType, BYTE** ppData, i
     GUID clsid{};
     if (!ppData || FindEncoder(pszMimeType, &clsid) < 0) return 0;
     const StreamPtr pStream = MakeGrowingStream();
-    if (!pStream) return 0;
     image.Save(pStream.get(), &clsid);
     return CopyOut(pStream.get(), ppData, nSize);
 }

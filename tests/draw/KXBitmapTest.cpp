@@ -218,15 +218,15 @@ Picture Painted(HRGN region, int cx, int cy)
 
 TEST_F(Bitmap, RegionOfAColorOrOfTheRest)
 {
-    bitmap.AttachBitmap(Paper({"GGRR", "GRGR", "GGGG"}).Detach());
+    bitmap.AttachBitmap(Paper({"CCRR", "CRCR", "CCCC"}).Detach());
     bitmap.SetMultiState(2, 1); // states don't matter
     CRgn rest, key, all;
-    bitmap.CreateBitmapRgn(rest, ColorOf('G'), 0);
+    bitmap.CreateBitmapRgn(rest, ColorOf('C'), 0);
     EXPECT_THAT(Painted(rest, 5, 4), ElementsAre("WWRRW", "WRWRW", "WWWWW", "WWWWW"));
-    bitmap.CreateBitmapRgn(key, ColorOf('G'), 1);
+    bitmap.CreateBitmapRgn(key, ColorOf('C'), 1);
     EXPECT_THAT(Painted(key, 5, 4), ElementsAre("RRWWW", "RWRWW", "RRRRW", "WWWWW"));
     bitmap.CreateBitmapRgn(all, 0x01000000, 0);   // no pixel is of a colour with a high byte
-    bitmap.CreateBitmapRgn(all, ColorOf('G'), 0); // has a region: it stays
+    bitmap.CreateBitmapRgn(all, ColorOf('C'), 0); // has a region: it stays
     CRect box;
     EXPECT_EQ(all.GetRgnBox(&box), SIMPLEREGION);
     EXPECT_EQ(box, CRect(0, 0, 4, 3));

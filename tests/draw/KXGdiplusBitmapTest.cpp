@@ -173,7 +173,7 @@ TEST_F(GdiplusBitmap, CopiesHavePixelsOfTheirOwnOrShareThePicture)
     EXPECT_EQ(CKXGdiplusBitmap(source).IsValid(), 0); // neither has pixels of its own
     copy = source;
     LoadRaw(source, {"Y"});
-    EXPECT_EQ(copy.GetImageSize(), CSize(4, 1));
+    EXPECT_EQ(CKXGdiplusBitmap(copy).IsValid(), 0); // nor has it any left
     EXPECT_THAT(Shown(copy), ElementsAre("RGBM")); // still reads its block
     source = CKXGdiplusBitmap();
     EXPECT_EQ(source.IsValid(), 0);
@@ -195,7 +195,8 @@ TEST_F(GdiplusBitmap, SavesUnderAMimeType)
     GUID clsid{};
     const auto* pszGif = reinterpret_cast<const unsigned short*>(u"image/gif");
     EXPECT_GE(CKXGdiplusBitmap::GetEncoderClsid(pszGif, &clsid), 0);
-    EXPECT_EQ(CKXGdiplusBitmap::GetEncoderClsid(nullptr, &clsid), -1);
+    for (const auto* pszNone : {static_cast<decltype(pszGif)>(nullptr), pszGif + 1})
+        EXPECT_EQ(CKXGdiplusBitmap::GetEncoderClsid(pszNone, &clsid), -1);
     EXPECT_EQ(CKXGdiplusBitmap::GetEncoderClsid(pszGif, nullptr), -1);
 }
 
