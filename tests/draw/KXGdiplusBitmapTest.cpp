@@ -174,7 +174,7 @@ TEST_F(GdiplusBitmap, CopiesHavePixelsOfTheirOwnOrShareThePicture)
     copy = source;
     LoadRaw(source, {"Y"});
     EXPECT_EQ(CKXGdiplusBitmap(copy).IsValid(), 0); // nor has it any left
-    EXPECT_THAT(Shown(copy), ElementsAre("RGBM")); // still reads its block
+    EXPECT_THAT(Shown(copy), ElementsAre("RGBM"));  // still reads its block
     source = CKXGdiplusBitmap();
     EXPECT_EQ(source.IsValid(), 0);
 }
