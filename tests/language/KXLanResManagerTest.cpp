@@ -1,4 +1,3 @@
-#include "KXLanResManager.h"
 #include "KXMessages.h"
 #include "tests/language/LanguageTree.h"
 #include "tests/platform/window/Support.h"

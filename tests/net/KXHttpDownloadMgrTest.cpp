@@ -1,4 +1,3 @@
-#include "KXHttpDownloadMgr.h"
 #include "platform/Exception.h"
 #include "platform/FileSystem.h"
 #include "tests/net/Journal.h"

@@ -2,7 +2,6 @@
 
 #include "tests/support/CopyList.h"
 #include "tests/support/Desktop.h"
-#include "tests/support/Test.h"
 
 namespace {
 

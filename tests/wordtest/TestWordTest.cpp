@@ -1,5 +1,3 @@
-#include "KXEnglishWord.h"
-
 #include "tests/support/CopyList.h"
 #include "tests/wordtest/WordSheet.h"
 

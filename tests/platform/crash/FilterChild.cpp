@@ -1,4 +1,3 @@
-#include "include/platform/Crash.h"
 #include "include/platform/Host.h"
 #include "tests/support/CrashKinds.h"
 

@@ -5,9 +5,7 @@
 #include "include/platform/Host.h"
 #include "include/platform/Window.h"
 #include "internal/Debug.h"
-
-#include <cstdlib>
-#include <unistd.h>
+#include "tests/support/Standard.h"
 
 namespace {
 

@@ -1,5 +1,3 @@
-#include "include/platform/Error.h"
-#include "include/platform/Profile.h"
 #include "tests/platform/files/Mounted.h"
 #include "tests/platform/profile/IniFixture.h"
 

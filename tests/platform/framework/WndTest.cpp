@@ -1,7 +1,6 @@
 #include "include/platform/Wnd.h"
 #include "include/platform/Dc.h"
 #include "tests/support/Desktop.h"
-#include "tests/support/Picture.h"
 #include "tests/support/Test.h"
 
 namespace {

@@ -1,4 +1,3 @@
-#include "include/platform/Gdi.h"
 #include "tests/support/Picture.h"
 #include "tests/support/Test.h"
 

@@ -1,5 +1,4 @@
 #include "include/KXText.h"
-#include "include/platform/Gdi.h"
 #include "tests/support/Picture.h"
 #include "tests/support/Process.h"
 #include "tests/support/Test.h"

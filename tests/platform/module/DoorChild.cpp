@@ -10,14 +10,7 @@
 #include "include/platform/Services.h"
 #include "include/platform/Shell.h"
 #include "include/platform/Xml.h"
-
-#include <cstdio>
-#include <cstdlib>
-#include <memory>
-#include <string_view>
-#include <thread>
-#include <unistd.h>
-#include <vector>
+#include "tests/support/Standard.h"
 
 namespace {
 

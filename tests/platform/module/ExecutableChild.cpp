@@ -1,8 +1,6 @@
 // Tells its executable's path on the standard error; with an argument it deletes that file first.
 #include "include/platform/Module.h"
-
-#include <cstdio>
-#include <unistd.h>
+#include "tests/support/Standard.h"
 
 int main(int argc, char** argv)
 {

@@ -1,4 +1,3 @@
-#include "include/platform/String.h"
 #include "include/platform/Error.h"
 #include "platform/text/CharWalk.h"
 #include "tests/support/Test.h"

@@ -1,8 +1,6 @@
 #include "include/platform/Variant.h"
 #include "tests/support/Test.h"
 
-#include <cmath>
-
 namespace {
 
 std::u16string Text(BSTR bstr)
