@@ -99,14 +99,14 @@ TEST(MemoryDC, OutlivesTheWrapperOfWhatItsBitmapDisplaced)
 TEST(PaintMemoryDC, CopiesItselfAtItsEnd)
 {
     const NoLeak noLeak;
-    const Paper paper(4, 3, 'W');
+    const Paper paper(5, 3, 'W');
     {
-        CKXPaintMemoryDC mem(CDC::FromHandle(paper), CRect(1, 1, 4, 3));
+        CKXPaintMemoryDC mem(CDC::FromHandle(paper), CRect(2, 1, 5, 3));
         CDC& dc = mem;
         dc.FillSolidRect(0, 0, 1, 2, ColorOf('R'));
-        EXPECT_EQ(LetterOf(GetPixel(paper, 1, 1)), 'W');
+        EXPECT_EQ(LetterOf(GetPixel(paper, 2, 1)), 'W');
     }
-    EXPECT_THAT(paper.Read(), ElementsAre("WWWW", "WR..", "WR.."));
+    EXPECT_THAT(paper.Read(), ElementsAre("WWWWW", "WWR..", "WWR.."));
     const CKXPaintMemoryDC nowhere(nullptr, CRect(0, 0, 2, 2));
     {
         const CKXPaintMemoryDC none(CDC::FromHandle(paper), CRect(0, 0, 1 << 15, 1 << 15)); // too large

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "tests/support/Fixed.h"
 #include "tests/support/Standard.h"
 
 namespace faults {

@@ -1,7 +1,6 @@
 #include "tests/faults/Faults.h"
 
 #include "KXCommonClass.h"
-#include "include/platform/Host.h"
 #include "tests/platform/gdiplus/Builders.h"
 #include "tests/support/Com.h"
 #include "tests/support/GdiPlus.h"

@@ -1,4 +1,5 @@
 #include "platform/Exception.h"
+#include "platform/File.h"
 #include "platform/FileSystem.h"
 #include "tests/net/Journal.h"
 #include "tests/support/Process.h"
@@ -89,8 +90,10 @@ TEST_F(Downloads, FollowOneAnotherInOrderOnOneConnection)
 TEST_F(Downloads, AFileHoldsWhatATaskHasReceived)
 {
     std::vector<std::size_t> sizes, received;
+    bool bClosed = false; // at the end, so that the callback may use it
     journal.act = [&](unsigned int code) {
         if (code == 2030) sizes.push_back(std::filesystem::file_size(dir.Path("file")));
+        if (code == 2031) bClosed = CFile().Open(dir.Win("file"), CFile::modeWrite) != 0;
     };
     RawServer server(RawServer::Answering(kOk + "Content-Length: 9000\r\n\r\n" + std::string(9000, 'x')));
     const unsigned int id = Add(server.Url(), dir.Win("file"), 2030);
@@ -98,6 +101,8 @@ TEST_F(Downloads, AFileHoldsWhatATaskHasReceived)
     for (const Notice& notice : journal.Notices())
         if (notice.code == 2030) received.push_back(notice.received);
     EXPECT_EQ(sizes, received);
+    Run(hello.Url());
+    EXPECT_TRUE(bClosed);
 }
 
 TEST_F(Downloads, ACallbackMayAddTasks)
@@ -203,6 +208,7 @@ TEST_F(Downloads, AStopEndsAServerThatNeverAnswers)
     EXPECT_EQ(left->uTaskId, later);
     EXPECT_EQ(left->strUrl, hello.Url().c_str());
     EXPECT_EQ(manager->GetNextTask(), nullptr);
+    EXPECT_EQ(test::Manager::DownloadFunc(&*manager), 0u);
     EXPECT_EQ(test::Manager::DownloadFunc(nullptr), 1u);
 }
 

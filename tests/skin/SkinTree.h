@@ -2,7 +2,6 @@
 
 #include "KXBitmap.h"
 #include "tests/support/AppDir.h"
-#include "tests/support/BmpBuilder.h"
 #include "tests/support/GdiPlus.h"
 #include "tests/support/Picture.h"
 #include "tests/support/Test.h"

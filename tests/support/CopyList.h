@@ -1,7 +1,5 @@
 #pragma once
 
-#include "include/platform/Host.h"
-
 #include "tests/support/Test.h"
 
 namespace test {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "tests/platform/gdiplus/Sheet.h"
-#include "tests/support/BmpBuilder.h"
 
 // Picture files in memory, loaded and read back.
 namespace test {
