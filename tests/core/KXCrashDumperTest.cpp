@@ -363,7 +363,7 @@ TEST(CrashHook, HooksForItsLifeAndKeepsTheLastValues)
         const Dumper& same = dumper;
         EXPECT_EQ(&(dumper = same), &dumper);
         EXPECT_EQ(Dumper::Values(), std::tuple("A", "B\\", "C", "D", "E", 0, 7));
-        EXPECT_EQ(SetUnhandledExceptionFilter(Other), &Dumper::ExceptionFilter);
+        EXPECT_EQ(SetUnhandledExceptionFilter(nullptr), &Dumper::ExceptionFilter);
     }
     EXPECT_EQ(SetUnhandledExceptionFilter(nullptr), &Other);
 }
