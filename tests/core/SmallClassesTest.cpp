@@ -94,9 +94,7 @@ std::vector<int> Apart(const char* pszText)
 
 TEST(KXNum, ApartNumsAppendsEachRunOfDigitsIn32Bits)
 {
-    EXPECT_THAT(Apart("RGB(12,34,56)"), ElementsAre(12, 34, 56));
-    EXPECT_THAT(Apart("IP(192.168.0.1"), ElementsAre(192, 168, 0, 1));
-    EXPECT_THAT(Apart("-7 +8 009"), ElementsAre(7, 8, 9));
+    EXPECT_THAT(Apart("RGB(12,345) IP(0.1 -7 +8 009"), ElementsAre(12, 345, 0, 1, 7, 8, 9));
     EXPECT_THAT(Apart("\xC8\xFD\x31\xB0\xB0\x32"), ElementsAre(1, 2)); // 1, 2
     EXPECT_THAT(Apart(""), ElementsAre());
     EXPECT_THAT(Apart(nullptr), ElementsAre());

@@ -108,9 +108,7 @@ TEST(PaintMemoryDC, CopiesItselfAtItsEnd)
     }
     EXPECT_THAT(paper.Read(), ElementsAre("WWWWW", "WWR..", "WWR.."));
     const CKXPaintMemoryDC nowhere(nullptr, CRect(0, 0, 2, 2));
-    {
-        const CKXPaintMemoryDC none(CDC::FromHandle(paper), CRect(0, 0, 1 << 15, 1 << 15)); // too large
-    }
+    static_cast<void>(CKXPaintMemoryDC(CDC::FromHandle(paper), CRect(0, 0, 1 << 15, 1 << 15))); // too large
     EXPECT_EQ(LetterOf(GetPixel(paper, 0, 0)), 'W');
 }
 

@@ -78,6 +78,10 @@ TEST_F(XPath, KnowsIdentitiesThatAreDeclared)
     root.AppendChild(made);
     made.SetAttributeString("k", "k2");
     EXPECT_EQ(found("id('k2')"), "3");
+    CKXXmlDomDocument other; // which declares none
+    other.SetDocumentElement(made);
+    root.AppendChild(made);
+    EXPECT_EQ(found("id('k2')"), "3");
 }
 
 TEST_F(XPath, TellsTheDefaultNamespace)
@@ -156,7 +160,6 @@ TEST_F(XPath, ReadsTwoRecordsInTurnAndMovesAll)
         ASSERT_EQ(one.GetChild(name(n).c_str()).GetText(), two.GetChild(name(n).c_str()).GetText());
     for (int n = 0; n < kMany; ++n)
         two.AppendChild(one.GetChild(name(n * 7919L % kMany).c_str()));
-    EXPECT_FALSE(one.GetChild("*").IsValid());
     EXPECT_EQ(two.GetChilds("*").size(), 2u * kMany);
     two.GetChild("n49999").AppendChild(two.GetChild("n49998"));
     EXPECT_EQ(two.GetChild("n49998").GetText(), "49998"); // the second of the name, in its place
