@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <optional>
 #include <unistd.h>
 
@@ -23,26 +24,10 @@ std::string_view TakeUntil(std::string_view& text, char end)
     return taken;
 }
 
-bool IsOctal(std::string_view digits)
-{
-    return digits.size() == 3 &&
-           std::all_of(digits.begin(), digits.end(), [](char ch) { return ch >= '0' && ch <= '7'; });
-}
-
 // Blanks and backslashes stand in the table as `\` and three octal digits.
-std::string Unescape(std::string_view field)
+std::string TakeField(std::string_view& line)
 {
-    std::string text;
-    for (std::size_t i = 0; i < field.size(); ++i) {
-        const std::string_view digits = field.substr(i + 1, 3);
-        if (field[i] == '\\' && IsOctal(digits)) {
-            text += static_cast<char>((digits[0] - '0') * 64 + (digits[1] - '0') * 8 + (digits[2] - '0'));
-            i += 3;
-        } else {
-            text += field[i];
-        }
-    }
-    return text;
+    return Unescape(TakeUntil(line, ' '), "\\", 3, 8);
 }
 
 bool HasOption(std::string_view options, std::string_view wanted)
@@ -59,13 +44,13 @@ std::optional<Mount> ParseLine(std::string_view line)
     TakeUntil(line, ' ');
     TakeUntil(line, ' ');
     mount.number = TakeUntil(line, ' ');
-    mount.root = Unescape(TakeUntil(line, ' '));
-    mount.point = Unescape(TakeUntil(line, ' '));
+    mount.root = TakeField(line);
+    mount.point = TakeField(line);
     mount.bReadOnly = HasOption(TakeUntil(line, ' '), "ro");
     while (!line.empty() && TakeUntil(line, ' ') != "-") {
     }
-    mount.fileSystem = Unescape(TakeUntil(line, ' '));
-    mount.source = Unescape(TakeUntil(line, ' '));
+    mount.fileSystem = TakeField(line);
+    mount.source = TakeField(line);
     if (mount.fileSystem.empty() || !mount.point.starts_with('/')) return std::nullopt;
     return mount;
 }
@@ -75,6 +60,21 @@ std::optional<Mount> ParseLine(std::string_view line)
 std::string MountTableFile(const std::string& systemRoot)
 {
     return systemRoot + "/proc/self/mountinfo";
+}
+
+std::string Unescape(std::string_view text, std::string_view mark, std::size_t nDigits, int nBase)
+{
+    std::string plain;
+    while (!text.empty()) {
+        const std::string_view digits = text.starts_with(mark) ? text.substr(mark.size(), nDigits) : "";
+        unsigned byte = 0;
+        const char* const end =
+            std::from_chars(digits.data(), digits.data() + digits.size(), byte, nBase).ptr;
+        const bool bEscape = digits.size() == nDigits && end == digits.data() + nDigits;
+        plain += bEscape ? static_cast<char>(byte) : text[0];
+        text.remove_prefix(bEscape ? mark.size() + nDigits : 1);
+    }
+    return plain;
 }
 
 std::vector<Mount> ReadMounts(const std::string& systemRoot)

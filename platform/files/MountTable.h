@@ -21,6 +21,9 @@ struct Mount
 // `proc`.
 std::vector<Mount> ReadMounts(const std::string& systemRoot);
 
+// A text in which a mark and so many digits of a base stand for a byte. Other marks are themselves.
+std::string Unescape(std::string_view text, std::string_view mark, std::size_t nDigits, int nBase);
+
 // The file of that table.
 std::string MountTableFile(const std::string& systemRoot);
 

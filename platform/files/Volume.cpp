@@ -8,6 +8,8 @@
 #include "platform/text/CharWalk.h"
 #include "platform/text/Conversion.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstring>
 #include <filesystem>
 #include <sys/statfs.h>
@@ -33,36 +35,22 @@ std::string LinkTo(const std::string& device, const std::string& directory)
     return {};
 }
 
-// The value of a hexadecimal digit, or -1.
-int Digit(char ch) noexcept
-{
-    if (ch >= '0' && ch <= '9') return ch - '0';
-    if (ch >= 'a' && ch <= 'f') return ch - 'a' + 10;
-    if (ch >= 'A' && ch <= 'F') return ch - 'A' + 10;
-    return -1;
-}
-
 // Other bytes than plain ones stand in the links' names as `\x` and two digits.
 // In UTF-8; empty without one.
 std::string VolumeLabel(const std::string& device, const std::string& systemRoot)
 {
-    const std::string name = LinkTo(device, systemRoot + "/dev/disk/by-label");
-    std::string label;
-    for (std::size_t i = 0; i < name.size(); ++i) {
-        const bool bEscape = name.compare(i, 2, "\\x") == 0 && i + 3 < name.size();
-        const int high = bEscape ? Digit(name[i + 2]) : -1;
-        const int low = bEscape ? Digit(name[i + 3]) : -1;
-        label += high >= 0 && low >= 0 ? static_cast<char>(high * 16 + low) : name[i];
-        if (high >= 0 && low >= 0) i += 3;
-    }
-    return label;
+    return kx::files::Unescape(LinkTo(device, systemRoot + "/dev/disk/by-label"), "\\x", 2, 16);
 }
 
+// The last eight digits of the device's number.
 DWORD VolumeSerial(const std::string& device, const std::string& systemRoot)
 {
+    constexpr std::size_t kDigits = 8;
+    std::string digits = LinkTo(device, systemRoot + "/dev/disk/by-uuid");
+    std::erase(digits, '-');
+    digits.erase(0, digits.size() - std::min(digits.size(), kDigits));
     DWORD serial = 0;
-    for (const char ch : LinkTo(device, systemRoot + "/dev/disk/by-uuid"))
-        if (const int digit = Digit(ch); digit >= 0) serial = serial << 4 | static_cast<DWORD>(digit);
+    std::from_chars(digits.data(), digits.data() + digits.size(), serial, 16);
     return serial;
 }
 

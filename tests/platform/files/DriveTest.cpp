@@ -189,14 +189,14 @@ TEST(Drives, VolumesTellLabelSerialAndFileSystem)
     system.Write("sys/block/sdb/sdb1/dev", "8:17\n");
     system.Mounts({system.Line("8:17", "stick 0123", "/dev/sdb1", "ro,nosuid")});
     system.Link("dev/disk/by-label/other", "../../sda1");
-    system.Link("dev/disk/by-label/\xE8\xAA\xA0\\x20xface\\x2fy\\x01\\x", "../../sdb1");
+    system.Link("dev/disk/by-label/\xE8\xAA\xA0\\x20xface\\x2fy\\x01\\xg0\\x", "../../sdb1");
     system.Link("dev/disk/by-uuid/1A0B-3c4D", "../../sdb1");
     system.Link("dev/disk/by-uuid/0f0e0d0c-0b0a-0908-0706-0504deadbeef", "../../nvme0n1p2");
     system.Link("sys/dev/block/254:0", "../../devices/pci/nvme0n1/nvme0n1p2");
 
     const Volume stick("D:\\");
     EXPECT_TRUE(stick.found);
-    EXPECT_STREQ(stick.label.data(), "\xD5\x5C xface/y\x01\\x");
+    EXPECT_STREQ(stick.label.data(), "\xD5\x5C xface/y\x01\\xg0\\x");
     EXPECT_STREQ(stick.system.data(), "vfat");
     EXPECT_EQ(stick.serial, 0x1A0B3C4Du);
     EXPECT_GT(stick.component, 100u);
