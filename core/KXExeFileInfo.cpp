@@ -8,6 +8,7 @@
 int CKXExeFileInfo::GetFileInfo(const CString& strPath, VersionInfo& info)
 {
     const DWORD size = GetFileVersionInfoSizeA(strPath, nullptr);
+    if (!size) return 0; // the last error tells why
     const std::unique_ptr<BYTE[]> block(new (std::nothrow) BYTE[size]);
     if (!block || !GetFileVersionInfoA(strPath, 0, size, block.get())) return 0;
     void* record = nullptr;

@@ -218,7 +218,8 @@ void CKXHttpDownloadMgr::NoteFailure(const Task& task, const CException& excepti
 void CKXHttpDownloadMgr::NoteFailure(const Task& task, const char* pszReason) noexcept
 {
     if (IsStopped()) return; // cut short as asked
-    kx::Guard([&] {          // without memory the line below still tells
+    // Without memory the debug channel still tells.
+    kx::Guard([&] {
         const CString strFailure = task.strUrl + ": " + pszReason;
         const CKXAutoLock lock(&m_lockTask);
         m_strFailure = strFailure;

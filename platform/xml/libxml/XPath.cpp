@@ -39,9 +39,9 @@ void OnId(xmlXPathParserContext* parser, int nArguments)
     }
     if (nArguments == 1 && xmlXPathStackIsNodeSet(parser)) {
         const Result value(valuePop(parser));
-        const xmlNodeSet* const nodes = value->nodesetval;
+        const auto nNodes = static_cast<std::size_t>(xmlXPathNodeSetGetLength(value->nodesetval));
         const Buffer all(xmlBufferCreate());
-        for (xmlNode* const node : nodes ? std::span(nodes->nodeTab, nodes->nodeNr) : std::span<xmlNode*>()) {
+        for (xmlNode* const node : std::span(nNodes > 0 ? value->nodesetval->nodeTab : nullptr, nNodes)) {
             xmlNodeBufGetContent(all.get(), node);
             xmlBufferCCat(all.get(), " ");
         }
