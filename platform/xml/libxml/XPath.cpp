@@ -81,10 +81,9 @@ public:
         m_context->userData = from;
         xmlXPathRegisterFuncLookup(m_context, OwnFunction, nullptr);
         if (from->type == XML_ELEMENT_NODE) m_context->namespaces = xmlGetNsList(from->doc, from);
-        xmlNs** end = m_context->namespaces;
-        while (end && *end)
-            ++end;
-        m_context->nsNr = static_cast<int>(end - m_context->namespaces);
+        m_context->nsNr = 0;
+        for (xmlNs* const* next = m_context->namespaces; next && *next; ++next)
+            ++m_context->nsNr;
     }
     Evaluation(const Evaluation&) = delete;
     Evaluation& operator=(const Evaluation&) = delete;
