@@ -20,14 +20,14 @@ public:
         : m_hDC(hDC),
           m_hBitmap(hBitmap),
           m_size(size),
-          m_pixels(static_cast<std::size_t>(size.cx) * nBandRows),
-          m_info{.bmiHeader = {.biSize = sizeof(BITMAPINFOHEADER),
-                               .biWidth = size.cx,
-                               .biHeight = -size.cy,
-                               .biPlanes = 1,
-                               .biBitCount = 32,
-                               .biCompression = BI_RGB}}
+          m_pixels(static_cast<std::size_t>(size.cx) * nBandRows)
     {
+        BITMAPINFOHEADER& head = m_info.bmiHeader;
+        head.biSize = sizeof(head);
+        head.biWidth = size.cx;
+        head.biHeight = -size.cy;
+        head.biPlanes = 1;
+        head.biBitCount = 32;
     }
 
     // Reads the band that begins at row `y`; the number of its rows, 0 at the end.
@@ -47,7 +47,7 @@ private:
     HBITMAP m_hBitmap;
     SIZE m_size;
     std::vector<DWORD> m_pixels;
-    BITMAPINFO m_info;
+    BITMAPINFO m_info{};
 };
 
 // A mask as CreateMaskRgn takes it.
