@@ -204,6 +204,7 @@ TEST(Paint, AFadingWindowLetsThroughWhatLiesBelow)
         EXPECT_TRUE(AnimateWindow(painted.window, 300, AW_BLEND | AW_HIDE));
         EXPECT_FALSE(IsWindowVisible(painted.window));
         EXPECT_FALSE(AnimateWindow(painted.window, 300, AW_BLEND | AW_HIDE)); // hidden already
+        EXPECT_FALSE(AnimateWindow(nullptr, 300, AW_BLEND));
     });
     ready.acquire();
     const auto red = [] { return int{GetRValue(SeenAt(1, 2))}; }; // of white over a desktop with none

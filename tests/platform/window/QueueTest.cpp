@@ -245,6 +245,7 @@ TEST(Focus, GoesFromWindowToWindow)
 
     InThread([&] {
         EXPECT_EQ(SetFocus(hB), nullptr);
+        EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
         EXPECT_EQ(GetFocus(), nullptr);
         const HWND hOther = Make();
         EXPECT_EQ(SetFocus(hOther), hB);
