@@ -23,7 +23,6 @@
 #include <new>
 #include <numeric>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace kx::skin {
